@@ -1,0 +1,40 @@
+# Tests: one executable a module, made of its tests/*.cpp.
+
+find_package(GTest REQUIRED)
+
+# karmp_add_test_program(<name> SOURCES <file>... [LINKS <target>...])
+#
+# Suites whose name ends in Process are left out of the plain run: each needs an environment or a
+# process of its own and is started by karmp_process_test.
+function(karmp_add_test_program name)
+    cmake_parse_arguments(arg "" "" "SOURCES;LINKS" ${ARGN})
+    add_executable(${name} ${arg_SOURCES})
+    target_link_libraries(${name} PRIVATE karmp_settings KARMPTesting ${arg_LINKS} GTest::gmock)
+    set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF)
+    add_test(NAME ${name} COMMAND ${name} --gtest_filter=-*Process.* --gtest_brief=1)
+endfunction()
+
+# karmp_process_test(<program> <Suite.Test> [VARIABLE=VALUE...])
+#
+# Runs one test of a program in a process of its own, with environment variables set.
+function(karmp_process_test program test)
+    string(REPLACE "/" "." name "${program}.${test}")
+    add_test(NAME ${name} COMMAND ${program} --gtest_filter=${test} --gtest_brief=1)
+    set_tests_properties(${name} PROPERTIES ENVIRONMENT "${ARGN}")
+endfunction()
+
+# A module's tests link the libraries' objects, so that they reach what is not exported. A file
+# tests/processes.cmake lists the module's process tests.
+function(karmp_add_module_tests)
+    foreach(module IN LISTS ARGN)
+        set(folder "${CMAKE_CURRENT_SOURCE_DIR}/KARMPEntities/${module}")
+        file(GLOB sources CONFIGURE_DEPENDS "${folder}/tests/*.cpp")
+        if(NOT sources)
+            continue()
+        endif()
+        string(REPLACE ".m" "" program "${module}")
+        string(APPEND program "Tests")
+        karmp_add_test_program(${program} SOURCES ${sources})
+        include("${folder}/tests/processes.cmake" OPTIONAL)
+    endforeach()
+endfunction()
