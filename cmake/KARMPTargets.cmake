@@ -39,6 +39,11 @@ function(karmp_add_library name)
         endif()
     endforeach()
 
+    if(NOT sources)
+        set(sources "${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp")
+        file(CONFIGURE OUTPUT "${sources}" CONTENT "")
+    endif()
+
     add_library(${name}Objects OBJECT ${sources})
     target_link_libraries(${name}Objects PRIVATE karmp_settings PUBLIC ${arg_LINKS})
     target_include_directories(
@@ -83,3 +88,10 @@ function(karmp_umbrella_header)
     target_include_directories(KARMPEntities PUBLIC "$<BUILD_INTERFACE:${folder}>")
     set_property(TARGET KARMPEntities APPEND PROPERTY KARMP_HEADERS "${folder}/KARMPEntities.h")
 endfunction()
+
+# Adds a part of the project, if the checkout holds it.
+macro(karmp_add_folder folder)
+    if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/CMakeLists.txt")
+        add_subdirectory(${folder})
+    endif()
+endmacro()
