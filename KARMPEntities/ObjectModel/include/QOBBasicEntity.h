@@ -1,0 +1,82 @@
+// A named object that stands in a world's hierarchy.
+#pragma once
+
+#include "QOBExtension.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+class QOBBasicWorld;
+
+class KAR_API QOBBasicEntity : public QOBExtendibleObject
+{
+    QOB_CLASS(QOBBasicEntity)
+
+public:
+    /// Which form of the name is wanted; every form is the name given to setEntityName.
+    enum EntityNameMode : int { InternalName = 0, ExternalName = 1 };
+
+    /// Separator of the parts of an external name.
+    static const wchar_t ExternalNameSeparator;
+
+    /// Gives the entity a name; names need not be unique.
+    void setEntityName(std::wstring name);
+    /// The name given to setEntityName, empty before.
+    const std::wstring& getEntityName(EntityNameMode mode = InternalName,
+                                      wchar_t separator = ExternalNameSeparator) const;
+
+    /// The world under which the entity stands, null if none. Constant time.
+    QOBSharedHandle<QOBBasicWorld> getWorld() const;
+    /// Places an entity under this one, taking it from its former place. A null handle, this entity
+    /// itself and one of its ancestors are refused. Constant time for an entity without children.
+    KARStatus addLogicalChild(const QOBSharedHandle<QOBBasicEntity>& child);
+    /// True when the entity stands directly under this one. Constant time.
+    bool hasLogicalChild(const QOBSharedHandle<QOBBasicEntity>& child) const;
+    /// Number of entities directly under this one.
+    std::size_t getLogicalChildCount() const;
+
+    /// Takes the entity from its place in the hierarchy and lets its children go.
+    void orphanObject() override;
+    QOBSharedObject* _replicateObject() const override;
+    QOBSharedObject* _duplicateObject(CopyMode mode) const override;
+
+    /// The dynamic class's name as wide text.
+    virtual std::wstring getEntityTypeName() const;
+    /// Forgets recorded history; there is none here.
+    virtual void clearHistory();
+    /// Time of the simulation that the entity takes part in, in seconds; 0 here.
+    virtual double getSimulationTime() const;
+    /// Brings the entity back to its initial state; nothing to do here.
+    virtual void resetEntity();
+
+protected:
+    QOBBasicEntity() = default;
+    /// A copy takes the name; it stands under nothing and has no children.
+    QOBBasicEntity(const QOBBasicEntity& source, CopyMode mode);
+    ~QOBBasicEntity() override;
+
+    /// Orphans all that hangs under this entity, whatever its depth, and lets it go.
+    void orphanLogicalChildren();
+
+private:
+    struct Children
+    {
+        std::vector<QOBSharedHandle<QOBBasicEntity>> slots; // a null slot is free
+        std::size_t count = 0;
+    };
+
+    friend class QOBBasicWorld;
+
+    void enterWorld(QOBBasicWorld* world);
+    void leaveParent();
+    void releaseChildren();
+    void compactChildren();
+
+    std::wstring m_name;
+    QOBBasicEntity* m_parent = nullptr;
+    QOBBasicWorld* m_world = nullptr;
+    std::unique_ptr<Children> m_children;
+    std::size_t m_slot = 0; // place among the parent's children
+};

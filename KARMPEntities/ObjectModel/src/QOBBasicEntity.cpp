@@ -1,0 +1,183 @@
+#include "QOBBasicEntity.h"
+
+#include "QOBBasicWorld.h"
+
+#include <utility>
+
+QOB_DEFINE_CLASS(QOBBasicEntity, QOBExtendibleObject);
+
+const wchar_t QOBBasicEntity::ExternalNameSeparator = L'\\';
+
+QOBBasicEntity::QOBBasicEntity(const QOBBasicEntity& source, CopyMode)
+    : QOBExtendibleObject(source), m_name(source.m_name)
+{}
+
+QOBBasicEntity::~QOBBasicEntity()
+{
+    releaseChildren();
+}
+
+void QOBBasicEntity::setEntityName(std::wstring name)
+{
+    m_name = std::move(name);
+}
+
+const std::wstring& QOBBasicEntity::getEntityName(EntityNameMode, wchar_t) const
+{
+    return m_name;
+}
+
+QOBSharedHandle<QOBBasicWorld> QOBBasicEntity::getWorld() const
+{
+    return QOBSharedHandle<QOBBasicWorld>(m_world);
+}
+
+KARStatus QOBBasicEntity::addLogicalChild(const QOBSharedHandle<QOBBasicEntity>& child)
+{
+    if (!child)
+        return KARFailure;
+    for (const QOBBasicEntity* above = this; above != nullptr; above = above->m_parent) {
+        if (child == above)
+            return KARFailure;
+    }
+    if (hasLogicalChild(child))
+        return KARUnchanged;
+
+    child->leaveParent();
+    if (m_children == nullptr)
+        m_children = std::make_unique<Children>();
+    child->m_parent = this;
+    child->m_slot = m_children->slots.size();
+    m_children->slots.push_back(child);
+    ++m_children->count;
+    child->enterWorld(m_world);
+    return KARSuccess;
+}
+
+bool QOBBasicEntity::hasLogicalChild(const QOBSharedHandle<QOBBasicEntity>& child) const
+{
+    return child && child->m_parent == this;
+}
+
+std::size_t QOBBasicEntity::getLogicalChildCount() const
+{
+    return m_children != nullptr ? m_children->count : 0;
+}
+
+void QOBBasicEntity::orphanObject()
+{
+    leaveParent();
+    enterWorld(nullptr);
+    releaseChildren();
+    QOBExtendibleObject::orphanObject();
+}
+
+QOBSharedObject* QOBBasicEntity::_replicateObject() const
+{
+    const QOBCreateFunction replicate = getClassInfo().getOperations().replicate;
+    return replicate != nullptr ? replicate() : nullptr;
+}
+
+QOBSharedObject* QOBBasicEntity::_duplicateObject(CopyMode mode) const
+{
+    const QOBDuplicateFunction duplicate = getClassInfo().getOperations().duplicate;
+    return duplicate != nullptr ? duplicate(*this, mode) : nullptr;
+}
+
+std::wstring QOBBasicEntity::getEntityTypeName() const
+{
+    const std::string& name = getClassInfo().getName();
+    return std::wstring(name.begin(), name.end());
+}
+
+void QOBBasicEntity::clearHistory() {}
+
+double QOBBasicEntity::getSimulationTime() const
+{
+    return 0.0;
+}
+
+void QOBBasicEntity::resetEntity() {}
+
+// Tells this entity and all below it, with a worklist since a hierarchy may be deep.
+void QOBBasicEntity::enterWorld(QOBBasicWorld* world)
+{
+    if (m_world == world)
+        return;
+    m_world = world;
+    if (m_children == nullptr)
+        return;
+    std::vector<QOBBasicEntity*> entities{this};
+    while (!entities.empty()) {
+        const QOBBasicEntity* entity = entities.back();
+        entities.pop_back();
+        if (entity->m_children == nullptr)
+            continue;
+        for (const auto& child : entity->m_children->slots) {
+            if (!child)
+                continue;
+            child->m_world = world;
+            entities.push_back(child.get());
+        }
+    }
+}
+
+// The caller holds a handle on this entity: its parent may hold the last one otherwise.
+void QOBBasicEntity::leaveParent()
+{
+    if (m_parent == nullptr)
+        return;
+    QOBBasicEntity* parent = std::exchange(m_parent, nullptr);
+    QOBSharedHandle<QOBBasicEntity> own = std::move(parent->m_children->slots[m_slot]);
+    --parent->m_children->count;
+    parent->compactChildren();
+}
+
+void QOBBasicEntity::compactChildren()
+{
+    auto& slots = m_children->slots;
+    if (slots.size() < 16 || slots.size() < 2 * m_children->count)
+        return;
+    std::size_t next = 0;
+    for (auto& child : slots) {
+        if (!child)
+            continue;
+        child->m_slot = next;
+        if (&slots[next] != &child)
+            slots[next] = std::move(child);
+        ++next;
+    }
+    slots.resize(next);
+}
+
+void QOBBasicEntity::releaseChildren()
+{
+    if (m_children == nullptr)
+        return;
+    const std::unique_ptr<Children> children = std::move(m_children);
+    for (const auto& child : children->slots) {
+        if (!child)
+            continue;
+        child->m_parent = nullptr;
+        child->enterWorld(nullptr);
+    }
+}
+
+void QOBBasicEntity::orphanLogicalChildren()
+{
+    std::vector<std::unique_ptr<Children>> families;
+    families.push_back(std::move(m_children));
+    while (!families.empty()) {
+        const std::unique_ptr<Children> family = std::move(families.back());
+        families.pop_back();
+        if (family == nullptr)
+            continue;
+        for (const auto& child : family->slots) {
+            if (!child)
+                continue;
+            child->m_parent = nullptr;
+            families.push_back(std::move(child->m_children));
+            child->orphanObject();
+        }
+    }
+}

@@ -1,0 +1,139 @@
+#include "QOBNotificationAgent.h"
+
+#include <algorithm>
+#include <vector>
+
+struct QOBNotificationAgent::Subscribers
+{
+    struct Subscription
+    {
+        QOBNotificationFunctor functor;
+        Events events;
+        int rank = -1;
+        bool removed = false;
+    };
+
+    // Watched by functors, to learn that this agent is gone.
+    std::shared_ptr<const bool> life = std::make_shared<const bool>(true);
+    std::vector<Subscription> subscriptions;
+    int posting = 0;
+
+    void dropRemoved()
+    {
+        std::erase_if(subscriptions, [](const Subscription& s) { return s.removed; });
+    }
+};
+
+struct QOBNotificationFunctor::Target
+{
+    std::weak_ptr<const bool> life;
+    Handler handler;
+};
+
+QOBNotificationFunctor::QOBNotificationFunctor(QOBNotificationAgent& owner, Handler handler)
+    : m_target(std::make_shared<const Target>(Target{owner.subscribers().life, std::move(handler)}))
+{}
+
+bool QOBNotificationFunctor::isAlive() const noexcept
+{
+    return m_target != nullptr && !m_target->life.expired();
+}
+
+void QOBNotificationFunctor::operator()(const Sender& sender, Events events) const
+{
+    if (!isAlive())
+        return;
+    // The handler may unsubscribe this very functor.
+    const std::shared_ptr<const Target> target = m_target;
+    target->handler(sender, events);
+}
+
+QOB_DEFINE_CLASS(QOBNotificationAgent, QOBSharedObject);
+
+QOBNotificationAgent::QOBNotificationAgent(bool notifies) noexcept : m_notifies(notifies) {}
+
+QOBNotificationAgent::QOBNotificationAgent(const QOBNotificationAgent& source)
+    : QOBSharedObject(source), m_notifies(source.m_notifies)
+{}
+
+QOBNotificationAgent::~QOBNotificationAgent() = default;
+
+QOBNotificationAgent::Subscribers& QOBNotificationAgent::subscribers() const
+{
+    if (m_subscribers == nullptr)
+        m_subscribers = std::make_unique<Subscribers>();
+    return *m_subscribers;
+}
+
+void QOBNotificationAgent::postEvent(std::uint64_t number) const
+{
+    if (m_subscribers == nullptr || !m_notifies || number >= Events().size())
+        return;
+    if (m_subscribers->subscriptions.empty())
+        return;
+
+    const QOBNotificationFunctor::Sender sender(this); // outlives the handlers
+    Subscribers& subscribers = *m_subscribers;
+    const auto bit = static_cast<std::size_t>(number);
+    Events posted;
+    posted.set(bit);
+
+    ++subscribers.posting;
+    const std::size_t count = subscribers.subscriptions.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        if (subscribers.subscriptions[i].removed || !subscribers.subscriptions[i].events[bit])
+            continue;
+        const QOBNotificationFunctor functor = subscribers.subscriptions[i].functor;
+        if (functor.isAlive())
+            functor(sender, posted);
+        else
+            subscribers.subscriptions[i].removed = true;
+    }
+    if (--subscribers.posting == 0)
+        subscribers.dropRemoved();
+}
+
+void QOBNotificationAgent::addSubscriber(const QOBNotificationFunctor& functor, Events events,
+                                         int rank)
+{
+    subscribers().subscriptions.push_back({functor, events, rank, false});
+}
+
+void QOBNotificationAgent::removeSubscriber(const QOBNotificationFunctor& functor)
+{
+    if (m_subscribers == nullptr)
+        return;
+    auto& subscriptions = m_subscribers->subscriptions;
+    const auto found =
+        std::find_if(subscriptions.begin(), subscriptions.end(),
+                     [&functor](const auto& s) { return !s.removed && s.functor == functor; });
+    if (found == subscriptions.end())
+        return;
+    if (m_subscribers->posting > 0)
+        found->removed = true;
+    else
+        subscriptions.erase(found);
+}
+
+std::size_t QOBNotificationAgent::getSubscriberCount() const
+{
+    if (m_subscribers == nullptr)
+        return 0;
+    const auto& subscriptions = m_subscribers->subscriptions;
+    return static_cast<std::size_t>(
+        std::count_if(subscriptions.begin(), subscriptions.end(),
+                      [](const auto& s) { return !s.removed && s.functor.isAlive(); }));
+}
+
+void QOBNotificationAgent::onNotificationTxn(TransactionTrigger) {}
+
+void QOBNotificationAgent::orphanObject()
+{
+    if (m_subscribers != nullptr) {
+        for (auto& subscription : m_subscribers->subscriptions)
+            subscription.removed = true;
+        if (m_subscribers->posting == 0)
+            m_subscribers->dropRemoved();
+    }
+    QOBSharedObject::orphanObject();
+}
