@@ -1,0 +1,151 @@
+// KARMPDeserializer is one node of the element tree that entities read: children and attributes are
+// asked for by name, and texts are converted to the kind asked for. A concrete subclass fills it.
+#pragma once
+
+#include "KARMPExport.h"
+#include "KARMPNodeStorage.h"
+#include "KARMPSerializationVariable.h"
+#include "KARStatus.h"
+
+#include <concepts>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// A node of the tree on its reading side. A node owns its children; the creator of a root owns the
+/// root. Walks keep their place in the node: a tree is read by one thread at a time.
+class KARMP_API KARMPDeserializer
+{
+public:
+    /// Children in an order that an operation tells.
+    using ElementList = std::vector<const KARMPDeserializer*>;
+    /// A place among the children of one name, valid until a child is added to the node.
+    using ElementIterator = const KARMPDeserializer* const*;
+
+    /// An empty node without name and value, at the current version.
+    KARMPDeserializer();
+    /// Deletes the children by name, in the order of the names, within a name in the order of
+    /// addition, each with its whole subtree; the depth does not matter.
+    virtual ~KARMPDeserializer();
+    KARMPDeserializer(const KARMPDeserializer&) = delete;
+    KARMPDeserializer& operator=(const KARMPDeserializer&) = delete;
+
+    /// Where the node stands in its source, for messages; the library does not call it.
+    virtual std::wstring Location() const = 0;
+
+    /// Sets the version of this node alone; always 0.
+    KARStatus SetVersion(std::wstring_view version);
+    /// Hands out the version of this node; always 0.
+    KARStatus GetVersion(std::wstring& version) const;
+    /// The version of this node, valid until it is set again.
+    std::wstring_view Version() const { return m_version.View(); }
+
+    /// Hands out the element's name; always 0.
+    KARStatus GetId(std::wstring& id) const;
+    /// The element's name, valid until it is set again.
+    std::wstring_view Id() const { return m_name.View(); }
+
+    /// Converts the element's value. A stored kind that does not convert to the one asked for, or a
+    /// text that is no number, is a report and KARFailure; a text that is no bool is KARFailure
+    /// alone. The argument keeps its value on failure. A view lives as long as the value.
+    KARStatus GetValue(std::wstring& value) const;
+    KARStatus GetValue(std::wstring_view& value) const;
+    KARStatus GetValue(int& value) const;
+    KARStatus GetValue(double& value) const;
+    KARStatus GetValue(bool& value) const;
+
+    /// True when there is an attribute of the name.
+    bool HasAttribute(std::wstring_view name) const;
+    /// True when there is a child of the name.
+    bool HasElement(std::wstring_view name) const;
+
+    /// Converts an attribute as GetValue does; a missing one is KARFailure without a report.
+    KARStatus GetAttribute(std::wstring_view name, std::wstring& value) const;
+    KARStatus GetAttribute(std::wstring_view name, std::wstring_view& value) const;
+    KARStatus GetAttribute(std::wstring_view name, int& value) const;
+    KARStatus GetAttribute(std::wstring_view name, double& value) const;
+    KARStatus GetAttribute(std::wstring_view name, bool& value) const;
+
+    /// Hands out the next child of the name and sets this node's version on it; null and 0 when
+    /// there is none. The call after the last child gives the first one and ends the walk, so that
+    /// the call after that begins with the first one as well.
+    KARStatus GetElement(std::wstring_view name, const KARMPDeserializer*& child) const;
+
+    /// The same, and converts the child's value. KARFailure without a report when there is no
+    /// child; a report and KARFailure, with `child` set, when the value does not convert.
+    KARStatus GetElement(std::wstring_view name, const KARMPDeserializer*& child,
+                         std::wstring& value) const;
+    KARStatus GetElement(std::wstring_view name, const KARMPDeserializer*& child,
+                         std::wstring_view& value) const;
+    KARStatus GetElement(std::wstring_view name, const KARMPDeserializer*& child, int& value) const;
+    KARStatus GetElement(std::wstring_view name, const KARMPDeserializer*& child,
+                         double& value) const;
+    KARStatus GetElement(std::wstring_view name, const KARMPDeserializer*& child,
+                         bool& value) const;
+
+    /// Appends all children by name, in the order of the names, within a name in the order of
+    /// addition; always 0. The children keep their versions.
+    KARStatus GetElements(ElementList& elements) const;
+    /// Hands out the two ends of the children of one name, which keep their versions; always 0. The
+    /// iterators stay as they were when there is none.
+    KARStatus GetElements(std::wstring_view name, ElementIterator& begin,
+                          ElementIterator& end) const;
+    /// Appends all children in the order of addition; always 0. The children keep their versions.
+    KARStatus GetOrderedElementList(ElementList& elements) const;
+
+protected:
+    /// Sets the element's name.
+    void SetId(std::wstring_view id);
+
+    /// Sets the element's value and its kind.
+    void SetValue(std::wstring_view value);
+    void SetValue(const wchar_t* value);
+    void SetValue(std::wstring&& value);
+    void SetValue(int value);
+    void SetValue(double value);
+    void SetValue(std::same_as<bool> auto value) { SetBoolValue(value); }
+
+    /// Adds a child under a name, which need not be the child's own, and takes it over. A null
+    /// child is a report and KARFailure. All walks of this node start again in either case.
+    KARStatus AddElement(std::wstring_view name, KARMPDeserializer* child);
+
+    /// Adds an attribute, in place of an earlier one of the name.
+    void AddAttributeValue(std::wstring_view name, std::wstring_view value);
+    void AddAttributeValue(std::wstring_view name, const wchar_t* value);
+    void AddAttributeValue(std::wstring_view name, std::wstring&& value);
+    void AddAttributeValue(std::wstring_view name, int value);
+    void AddAttributeValue(std::wstring_view name, double value);
+    void AddAttributeValue(std::wstring_view name, std::same_as<bool> auto value)
+    {
+        AddBoolAttributeValue(name, value);
+    }
+
+private:
+    struct Group;
+    struct Branch;
+
+    void SetBoolValue(bool value);
+    void AddBoolAttributeValue(std::wstring_view name, bool value);
+    void PutAttribute(std::wstring_view name, karmp::NodeValue&& value);
+    const karmp::NodeAttribute* FindAttribute(std::wstring_view name) const;
+    template <class T>
+    KARStatus ConvertAttribute(std::wstring_view name, T& value) const;
+    template <class T>
+    KARStatus ConvertElement(std::wstring_view name, const KARMPDeserializer*& child,
+                             T& value) const;
+    static KARStatus GetAttrVal(const karmp::NodeValue& stored, std::wstring& value);
+    static KARStatus GetAttrVal(const karmp::NodeValue& stored, std::wstring_view& value);
+    static KARStatus GetAttrVal(const karmp::NodeValue& stored, int& value);
+    static KARStatus GetAttrVal(const karmp::NodeValue& stored, double& value);
+    static KARStatus GetAttrVal(const karmp::NodeValue& stored, bool& value);
+    Branch& NeedBranch();
+    void Clean() noexcept;
+
+    karmp::NodeText m_name;
+    karmp::NodeValue m_value;
+    karmp::NodeArray<karmp::NodeAttribute> m_attributes;
+    /// Children and indexes: what most nodes do not have.
+    std::unique_ptr<Branch> m_branch;
+    karmp::NodeText m_version;
+};

@@ -1,0 +1,189 @@
+// How the nodes of the element trees hold texts, values and lists in little room: a tree of a large
+// model has millions of nodes, most of them with a name and a number only.
+#pragma once
+
+#include "KARMPSerializationVariable.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <new>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+#include <variant>
+
+namespace karmp {
+
+/// An immutable wide text in the room of one pointer.
+///
+/// Names and versions are few and repeat in every entity, so that their storage is shared by the
+/// whole process; all other texts are owned.
+class NodeText
+{
+public:
+    NodeText() = default;
+    /// A text that is likely to occur again: shares its storage with its equals, if it can.
+    static NodeText Name(std::wstring_view text);
+    /// A text of its own.
+    static NodeText Copy(std::wstring_view text);
+    /// A text of its own that takes a long string over without copying its characters.
+    static NodeText Take(std::wstring&& text);
+
+    NodeText(const NodeText& other)
+        : m_bits(other.IsOwned() ? Copy(other.View()).Release() : other.m_bits)
+    {}
+    NodeText(NodeText&& other) noexcept : m_bits(other.Release()) {}
+    NodeText& operator=(NodeText other) noexcept
+    {
+        std::swap(m_bits, other.m_bits);
+        return *this;
+    }
+    ~NodeText()
+    {
+        if (IsOwned()) {
+            Free();
+        }
+    }
+
+    /// The characters, valid for as long as this text is neither assigned nor destroyed.
+    std::wstring_view View() const
+    {
+        if (m_bits == 0) {
+            return {};
+        }
+        const auto address = m_bits & ~OwnerBits;
+        if ((m_bits & OwnsString) != 0) {
+            return *reinterpret_cast<const std::wstring*>(address);
+        }
+        const auto* block = reinterpret_cast<const Block*>(address);
+        return {reinterpret_cast<const wchar_t*>(block + 1), block->length};
+    }
+
+private:
+    struct Block
+    {
+        std::size_t length;
+    };
+    static constexpr std::uintptr_t OwnsBlock = 1;
+    static constexpr std::uintptr_t OwnsString = 2;
+    static constexpr std::uintptr_t OwnerBits = OwnsBlock | OwnsString;
+
+    explicit NodeText(std::uintptr_t bits) : m_bits(bits) {}
+    static Block* NewBlock(std::wstring_view text);
+    bool IsOwned() const { return (m_bits & OwnerBits) != 0; }
+    std::uintptr_t Release() { return std::exchange(m_bits, 0); }
+    void Free() noexcept;
+
+    std::uintptr_t m_bits = 0;
+};
+
+/// The value of an element or an attribute; the alternatives stand in the order of the type's bits.
+using NodeValue = std::variant<std::monostate, bool, std::int32_t, double, NodeText>;
+
+/// The type of a value.
+inline KARMPSerializationVariable::Type TypeOf(const NodeValue& value)
+{
+    return static_cast<KARMPSerializationVariable::Type>((1 << value.index()) >> 1);
+}
+
+/// The value's field of kind T, or the default of the plain form when the value is of another kind.
+template <class T>
+T FieldOf(const NodeValue& value, T otherwise)
+{
+    const T* field = std::get_if<T>(&value);
+    return field != nullptr ? *field : otherwise;
+}
+
+/// The value's text; empty when the value is of another kind.
+inline std::wstring_view TextOf(const NodeValue& value)
+{
+    const auto* text = std::get_if<NodeText>(&value);
+    return text != nullptr ? text->View() : std::wstring_view();
+}
+
+/// A named value in plain form.
+inline KARMPSerializationVariable PlainVariable(std::wstring_view name, const NodeValue& value)
+{
+    KARMPSerializationVariable variable;
+    variable.name = name;
+    variable.type = TypeOf(value);
+    variable.value.boolValue = FieldOf(value, variable.value.boolValue);
+    variable.value.intValue = FieldOf(value, variable.value.intValue);
+    variable.value.doubleValue = FieldOf(value, variable.value.doubleValue);
+    variable.value.stringValue = TextOf(value);
+    return variable;
+}
+
+/// A name with a value, as a node holds its attributes.
+struct NodeAttribute
+{
+    NodeText name;
+    NodeValue value;
+};
+
+/// A growing list in the room of one pointer.
+template <class T>
+class NodeArray
+{
+    static_assert(std::is_nothrow_move_constructible_v<T> && alignof(T) <= 8);
+
+public:
+    NodeArray() = default;
+    NodeArray(const NodeArray&) = delete;
+    NodeArray& operator=(const NodeArray&) = delete;
+    ~NodeArray() { Clear(); }
+
+    std::size_t Size() const { return m_block != nullptr ? m_block->size : 0; }
+    T& operator[](std::size_t index) { return First()[index]; }
+    const T& operator[](std::size_t index) const { return First()[index]; }
+    T* begin() { return m_block != nullptr ? First() : nullptr; }
+    T* end() { return begin() + Size(); }
+    const T* begin() const { return m_block != nullptr ? First() : nullptr; }
+    const T* end() const { return begin() + Size(); }
+
+    void Append(T&& element)
+    {
+        if (m_block == nullptr || m_block->size == m_block->capacity) {
+            Grow();
+        }
+        ::new (First() + m_block->size) T(std::move(element));
+        ++m_block->size;
+    }
+
+    void Clear() noexcept
+    {
+        std::destroy(begin(), end());
+        ::operator delete(std::exchange(m_block, nullptr));
+    }
+
+private:
+    struct alignas(8) Header
+    {
+        std::uint32_t size;
+        std::uint32_t capacity;
+    };
+
+    T* First() const { return std::launder(reinterpret_cast<T*>(m_block + 1)); }
+
+    void Grow()
+    {
+        const std::size_t size = Size();
+        const std::size_t capacity = size == 0 ? 3 : size * 2;
+        if (capacity > std::numeric_limits<std::uint32_t>::max()) {
+            throw std::length_error("KARMP element tree: list too long");
+        }
+        auto* block = static_cast<Header*>(::operator new(sizeof(Header) + capacity * sizeof(T)));
+        *block = {static_cast<std::uint32_t>(size), static_cast<std::uint32_t>(capacity)};
+        std::uninitialized_move(begin(), end(), reinterpret_cast<T*>(block + 1));
+        Clear();
+        m_block = block;
+    }
+
+    Header* m_block = nullptr;
+};
+
+} // namespace karmp

@@ -1,0 +1,119 @@
+// KARMPSerializer is one node of the element tree that entities write: a name, an optional value,
+// attributes and child elements. A concrete subclass makes the child nodes and renders the tree.
+#pragma once
+
+#include "KARMPExport.h"
+#include "KARMPNodeStorage.h"
+#include "KARMPSerializationVariable.h"
+#include "KARStatus.h"
+
+#include <concepts>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+/// A node of the tree on its writing side. A node owns its children; the creator of a root owns the
+/// root. Names need not be unique. A tree is built by one thread.
+class KARMP_API KARMPSerializer
+{
+public:
+    /// An empty node without name and value, at the current version.
+    KARMPSerializer();
+    /// Deletes the children in order, each with its whole subtree; the depth does not matter.
+    virtual ~KARMPSerializer();
+    KARMPSerializer(const KARMPSerializer&) = delete;
+    KARMPSerializer& operator=(const KARMPSerializer&) = delete;
+
+    /// Appends the subtree's rendered form to `text`; the library does not call it.
+    virtual KARStatus Render(std::wstring& text) const = 0;
+    /// Renders the subtree into a file; the library does not call it.
+    virtual KARStatus Save(const char* path) const = 0;
+
+    /// Appends an attribute; always 0. A double is rounded as AddElement tells.
+    KARStatus AddAttribute(std::wstring_view name, std::wstring_view value);
+    KARStatus AddAttribute(std::wstring_view name, const wchar_t* value);
+    KARStatus AddAttribute(std::wstring_view name, std::wstring&& value);
+    KARStatus AddAttribute(std::wstring_view name, int value);
+    KARStatus AddAttribute(std::wstring_view name, double value);
+    KARStatus AddAttribute(std::wstring_view name, std::same_as<bool> auto value)
+    {
+        return AddBoolAttribute(name, value);
+    }
+
+    /// Creates a child without a value at this node's version. `child` must be null on entry and
+    /// points at the child afterwards. A set pointer or a node that cannot be created is a report
+    /// and KARFailure, and nothing is added.
+    KARStatus AddElement(std::wstring_view name, KARMPSerializer*& child);
+
+    /// Creates a child with a value; a second report and KARFailure where the form without a value
+    /// fails. A double is snapped to a grid of 1e-12, half away from zero, unless the environment
+    /// variable "SERIALIZATION_PRECISION" is set.
+    KARStatus AddElement(std::wstring_view name, KARMPSerializer*& child, std::wstring_view value);
+    KARStatus AddElement(std::wstring_view name, KARMPSerializer*& child, const wchar_t* value);
+    KARStatus AddElement(std::wstring_view name, KARMPSerializer*& child, std::wstring&& value);
+    KARStatus AddElement(std::wstring_view name, KARMPSerializer*& child, int value);
+    KARStatus AddElement(std::wstring_view name, KARMPSerializer*& child, double value);
+    KARStatus AddElement(std::wstring_view name, KARMPSerializer*& child,
+                         std::same_as<bool> auto value)
+    {
+        return AddBoolElement(name, child, value);
+    }
+
+    /// Hands out the version this node is written for; always 0.
+    KARStatus GetVersion(std::wstring& version) const;
+    /// The version this node is written for, valid until it is set again.
+    std::wstring_view Version() const { return m_version.View(); }
+    /// Sets the version of this node and of the children it creates from now on; always 0.
+    KARStatus SetVersion(std::wstring_view version);
+
+    /// True unless "NO_MP_NAME_FOR_SERIALIZATION" was set when the process first asked.
+    static bool SerializeName();
+
+protected:
+    using Type = KARMPSerializationVariable::Type;
+
+    /// A new node of the concrete class, or null.
+    virtual KARMPSerializer* CreateChildElement() = 0;
+
+    /// The element's name.
+    std::wstring_view GetId() const { return m_name.View(); }
+    /// The kind of the element's value, and the value; a value of another kind reads as false,
+    /// -1.0, -1 or an empty text.
+    Type GetType() const;
+    bool GetValueb() const;
+    double GetValued() const;
+    int GetValuei() const;
+    std::wstring_view GetValues() const;
+    /// Name and value in plain form.
+    KARMPSerializationVariable GetVariable() const;
+
+    /// The children in the order of creation. The index is not checked.
+    std::uint64_t GetElementCount() const { return m_elements.Size(); }
+    KARMPSerializer* GetElement(int index) const;
+
+    /// The attributes in the order of addition. The index is not checked.
+    std::uint64_t GetAttributeCount() const { return m_attributes.Size(); }
+    std::wstring_view GetAttributeId(int index) const;
+    Type GetAttributeType(int index) const;
+    bool GetAttributeValueb(int index) const;
+    double GetAttributeValued(int index) const;
+    int GetAttributeValuei(int index) const;
+    std::wstring_view GetAttributeValues(int index) const;
+    /// An attribute in plain form.
+    KARMPSerializationVariable GetAttribute(int index) const;
+
+private:
+    KARStatus AddBoolAttribute(std::wstring_view name, bool value);
+    KARStatus AddBoolElement(std::wstring_view name, KARMPSerializer*& child, bool value);
+    KARStatus AddValue(std::wstring_view name, karmp::NodeValue&& value);
+    KARStatus AddElementWithValue(std::wstring_view name, KARMPSerializer*& child,
+                                  karmp::NodeValue&& value);
+    const karmp::NodeAttribute& Attribute(int index) const;
+    void Clean() noexcept;
+
+    karmp::NodeText m_name;
+    karmp::NodeValue m_value;
+    karmp::NodeArray<KARMPSerializer*> m_elements;
+    karmp::NodeArray<karmp::NodeAttribute> m_attributes;
+    karmp::NodeText m_version;
+};

@@ -1,0 +1,33 @@
+// Versions of the element tree: the tags that gate its items, in ascending order.
+#pragma once
+
+#include <string_view>
+
+namespace karmp {
+
+/// The earliest version; nothing is gated by it.
+inline constexpr std::wstring_view R2015x_0 = L"R2015x.0";
+/// Brought the "Type" of a variable.
+inline constexpr std::wstring_view R2016_0 = L"R2016.0";
+/// Brought the "OutOfWorld" of a body.
+inline constexpr std::wstring_view R2016_1 = L"R2016.1";
+/// Brought a variable's "Value" as an entity of its own, its "Type" and quantity as words.
+inline constexpr std::wstring_view R2017_0 = L"R2017.0";
+/// Brought "isActive" of every entity and "bodyOrientation" of a joint's bodies.
+inline constexpr std::wstring_view R2017_1 = L"R2017.1";
+/// Brought the "PhysicalQuantity" of a value as a word.
+inline constexpr std::wstring_view R2018_0 = L"R2018.0";
+/// The current version; nothing is gated by it.
+inline constexpr std::wstring_view R2018_1 = L"R2018.1";
+
+/// The version of a tree for which nobody sets another.
+inline constexpr std::wstring_view CurrentVersion = R2018_1;
+
+/// True when `version` is `tag` or a later one: compared character by character, a prefix before
+/// the longer text, so that an empty version is below every tag.
+constexpr bool AtLeast(std::wstring_view version, std::wstring_view tag)
+{
+    return version.compare(tag) >= 0;
+}
+
+} // namespace karmp
