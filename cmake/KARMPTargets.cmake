@@ -14,6 +14,9 @@ if(KARMP_SANITIZE)
     )
     target_link_options(karmp_settings INTERFACE -fsanitize=${KARMP_SANITIZE})
 endif()
+if(KARMP_BUILD_FUZZERS)
+    target_compile_options(karmp_settings INTERFACE -fsanitize=fuzzer-no-link)
+endif()
 
 # karmp_add_library(<name> MODULES <module>... EXPORT_MACRO <macro> [LINKS <target>...])
 #
@@ -63,12 +66,10 @@ function(karmp_add_library name)
         ${name} PRIVATE "$<BUILD_INTERFACE:karmp_settings>" PUBLIC ${arg_LINKS}
     )
     target_compile_features(${name} PUBLIC cxx_std_20)
-    target_include_directories(
-        ${name} PUBLIC "$<BUILD_INTERFACE:${public_folders}>"
-                       "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/KARMPEntities>"
-    )
+    target_include_directories(${name} PUBLIC "$<BUILD_INTERFACE:${public_folders}>")
     set_target_properties(
-        ${name} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
+        ${name} PROPERTIES VERSION ${PROJECT_VERSION}
+                           SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
                            LINKER_LANGUAGE CXX
     )
     set_property(TARGET ${name} PROPERTY KARMP_HEADERS "${headers}")

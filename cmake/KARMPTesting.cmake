@@ -44,3 +44,42 @@ function(karmp_add_module_tests objects)
         include("${folder}/tests/processes.cmake" OPTIONAL)
     endforeach()
 endfunction()
+
+# karmp_add_header_checks()
+#
+# The target karmp_header_checks compiles each public header alone, against the public headers of
+# its own library and of those below it. It is no part of "all"; CI builds it.
+function(karmp_add_header_checks)
+    add_custom_target(karmp_header_checks)
+    foreach(library IN ITEMS KARPlatform KARMPEntities KARMPDocuments)
+        if(NOT TARGET ${library})
+            continue()
+        endif()
+        get_target_property(headers ${library} KARMP_HEADERS)
+        set(sources)
+        foreach(header IN LISTS headers)
+            cmake_path(GET header FILENAME header_name)
+            set(source "${PROJECT_BINARY_DIR}/header_checks/${header_name}.cpp")
+            file(CONFIGURE OUTPUT "${source}" CONTENT "#include \"${header_name}\"\n")
+            list(APPEND sources "${source}")
+        endforeach()
+        add_library(${library}HeaderChecks OBJECT EXCLUDE_FROM_ALL ${sources})
+        target_link_libraries(${library}HeaderChecks PRIVATE karmp_settings ${library})
+        set_target_properties(${library}HeaderChecks PROPERTIES CXX_EXTENSIONS OFF)
+        add_dependencies(karmp_header_checks ${library}HeaderChecks)
+    endforeach()
+endfunction()
+
+# karmp_add_package_test()
+#
+# Installs everything into a scratch folder and builds and runs a program against it.
+function(karmp_add_package_test)
+    if(KARMP_SANITIZE OR NOT KARMP_INSTALL)
+        return()
+    endif()
+    add_test(
+        NAME package.consumer
+        COMMAND "${PROJECT_SOURCE_DIR}/tests/consumer/check" "${PROJECT_BINARY_DIR}"
+                "${PROJECT_BINARY_DIR}/consumer" "${CMAKE_CXX_COMPILER}"
+    )
+endfunction()
