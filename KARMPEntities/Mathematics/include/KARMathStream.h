@@ -23,8 +23,6 @@ public:
     virtual ~KARMathStream();
     KARMathStream(const KARMathStream&) = default;
     KARMathStream& operator=(const KARMathStream&) = default;
-    KARMathStream(KARMathStream&&) = default;
-    KARMathStream& operator=(KARMathStream&&) = default;
 
     /// Number of bytes in the stream, a header included.
     std::size_t GetLength() const { return m_bytes.size(); }
