@@ -1,0 +1,101 @@
+#include "KARMPNodeStorage.h"
+
+#include <array>
+#include <atomic>
+#include <cstring>
+#include <cwchar>
+
+namespace karmp {
+
+namespace {
+
+// The shared names of the process. The table never grows and its names stay for good, so that
+// documents cannot fill memory with names; what finds no room is owned by its node instead.
+constexpr std::size_t SlotCount = 8192;
+constexpr std::size_t ProbeCount = 8;
+constexpr std::size_t LongestShared = 48;
+
+std::size_t Slot(std::wstring_view text)
+{
+    std::uint64_t hash = 14695981039346656037U;
+    for (const wchar_t character : text) {
+        hash = (hash ^ static_cast<std::uint32_t>(character)) * 1099511628211U;
+    }
+    return static_cast<std::size_t>((hash ^ (hash >> 32U)) % SlotCount);
+}
+
+// Strings up to this length are cheaper to copy than to keep as they are.
+constexpr std::size_t LongestCopied = 64;
+
+} // namespace
+
+NodeText::Block* NodeText::NewBlock(std::wstring_view text)
+{
+    void* memory = ::operator new(sizeof(Block) + text.size() * sizeof(wchar_t));
+    auto* block = ::new (memory) Block{text.size()};
+    std::memcpy(static_cast<void*>(block + 1), text.data(), text.size() * sizeof(wchar_t));
+    return block;
+}
+
+NodeText NodeText::Name(std::wstring_view text)
+{
+    static constinit std::array<std::atomic<Block*>, SlotCount> shared{};
+
+    if (text.empty()) {
+        return {};
+    }
+    if (text.size() > LongestShared) {
+        return Copy(text);
+    }
+    const std::size_t first = Slot(text);
+    Block* made = nullptr;
+    for (std::size_t probe = 0; probe < ProbeCount; ++probe) {
+        std::atomic<Block*>& slot = shared[(first + probe) % SlotCount];
+        Block* found = slot.load(std::memory_order_acquire);
+        if (found == nullptr) {
+            if (made == nullptr) {
+                made = NewBlock(text);
+            }
+            if (slot.compare_exchange_strong(found, made, std::memory_order_acq_rel,
+                                             std::memory_order_acquire)) {
+                return NodeText(reinterpret_cast<std::uintptr_t>(made));
+            }
+        }
+        // `found` is what another thread may just have put there.
+        if (const NodeText name(reinterpret_cast<std::uintptr_t>(found)); name.View() == text) {
+            ::operator delete(made);
+            return name;
+        }
+    }
+    return made != nullptr ? NodeText(reinterpret_cast<std::uintptr_t>(made) | OwnsBlock)
+                           : Copy(text);
+}
+
+NodeText NodeText::Copy(std::wstring_view text)
+{
+    if (text.empty()) {
+        return {};
+    }
+    return NodeText(reinterpret_cast<std::uintptr_t>(NewBlock(text)) | OwnsBlock);
+}
+
+NodeText NodeText::Take(std::wstring&& text)
+{
+    if (text.size() <= LongestCopied) {
+        return Copy(text);
+    }
+    auto* string = new std::wstring(std::move(text));
+    return NodeText(reinterpret_cast<std::uintptr_t>(string) | OwnsString);
+}
+
+void NodeText::Free() noexcept
+{
+    const auto address = m_bits & ~OwnerBits;
+    if ((m_bits & OwnsString) != 0) {
+        delete reinterpret_cast<std::wstring*>(address);
+    } else {
+        ::operator delete(reinterpret_cast<void*>(address));
+    }
+}
+
+} // namespace karmp

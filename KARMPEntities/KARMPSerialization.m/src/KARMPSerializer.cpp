@@ -1,0 +1,253 @@
+#include "KARMPSerializer.h"
+
+#include "KARMPFailedCheck.h"
+#include "KARMPNodeTeardown.h"
+#include "KARMPVersions.h"
+#include "KARProcessServices.h"
+
+#include <cmath>
+#include <utility>
+
+using karmp::NodeText;
+using karmp::NodeValue;
+
+namespace {
+
+constexpr double Grid = 1e-12;
+
+// The order of the operations decides on the last bit.
+double SnapToGrid(double value)
+{
+    if (value > -Grid && value < Grid) {
+        return 0.0;
+    }
+    const double quotient = value / Grid;
+    const double magnitude = std::floor(std::fabs(quotient) + 0.5);
+    double sign = 0.0;
+    if (quotient > 0) {
+        sign = 1.0;
+    } else if (quotient < 0) {
+        sign = -1.0;
+    }
+    return magnitude * sign * Grid;
+}
+
+double StoredDouble(double value)
+{
+    return KARGetEnv("SERIALIZATION_PRECISION") != nullptr ? value : SnapToGrid(value);
+}
+
+std::wstring_view ViewOf(const wchar_t* text)
+{
+    return text != nullptr ? std::wstring_view(text) : std::wstring_view();
+}
+
+} // namespace
+
+KARMPSerializer::KARMPSerializer() : m_version(NodeText::Name(karmp::CurrentVersion)) {}
+
+KARMPSerializer::~KARMPSerializer()
+{
+    Clean();
+}
+
+void KARMPSerializer::Clean() noexcept
+{
+    if (m_elements.Size() != 0) {
+        karmp::NodeTeardown<KARMPSerializer>::DeleteChildren(this, m_elements);
+    }
+    m_elements.Clear();
+    m_attributes.Clear();
+    m_value = NodeValue();
+}
+
+KARStatus KARMPSerializer::AddValue(std::wstring_view name, NodeValue&& value)
+{
+    m_attributes.Append({NodeText::Name(name), std::move(value)});
+    return KARSuccess;
+}
+
+KARStatus KARMPSerializer::AddAttribute(std::wstring_view name, std::wstring_view value)
+{
+    return AddValue(name, NodeText::Copy(value));
+}
+
+KARStatus KARMPSerializer::AddAttribute(std::wstring_view name, const wchar_t* value)
+{
+    return AddValue(name, NodeText::Copy(ViewOf(value)));
+}
+
+KARStatus KARMPSerializer::AddAttribute(std::wstring_view name, std::wstring&& value)
+{
+    return AddValue(name, NodeText::Take(std::move(value)));
+}
+
+KARStatus KARMPSerializer::AddAttribute(std::wstring_view name, int value)
+{
+    return AddValue(name, value);
+}
+
+KARStatus KARMPSerializer::AddAttribute(std::wstring_view name, double value)
+{
+    return AddValue(name, StoredDouble(value));
+}
+
+KARStatus KARMPSerializer::AddBoolAttribute(std::wstring_view name, bool value)
+{
+    return AddValue(name, value);
+}
+
+KARStatus KARMPSerializer::AddElement(std::wstring_view name, KARMPSerializer*& child)
+{
+    if (!KARMPVerify(child == nullptr)) {
+        return KARFailure;
+    }
+    std::unique_ptr<KARMPSerializer> created(CreateChildElement());
+    if (!KARMPVerify(created != nullptr)) {
+        return KARFailure;
+    }
+    created->m_name = NodeText::Name(name);
+    created->m_value = NodeValue();
+    created->m_version = m_version;
+    m_elements.Append(created.get());
+    child = created.release();
+    return KARSuccess;
+}
+
+KARStatus KARMPSerializer::AddElementWithValue(std::wstring_view name, KARMPSerializer*& child,
+                                               NodeValue&& value)
+{
+    const KARStatus status = AddElement(name, child);
+    if (!KARMPVerify(!KARFailed(status) && child != nullptr)) {
+        return KARFailure;
+    }
+    child->m_value = std::move(value);
+    return KARSuccess;
+}
+
+KARStatus KARMPSerializer::AddElement(std::wstring_view name, KARMPSerializer*& child,
+                                      std::wstring_view value)
+{
+    return AddElementWithValue(name, child, NodeText::Copy(value));
+}
+
+KARStatus KARMPSerializer::AddElement(std::wstring_view name, KARMPSerializer*& child,
+                                      const wchar_t* value)
+{
+    return AddElementWithValue(name, child, NodeText::Copy(ViewOf(value)));
+}
+
+KARStatus KARMPSerializer::AddElement(std::wstring_view name, KARMPSerializer*& child,
+                                      std::wstring&& value)
+{
+    return AddElementWithValue(name, child, NodeText::Take(std::move(value)));
+}
+
+KARStatus KARMPSerializer::AddElement(std::wstring_view name, KARMPSerializer*& child, int value)
+{
+    return AddElementWithValue(name, child, value);
+}
+
+KARStatus KARMPSerializer::AddElement(std::wstring_view name, KARMPSerializer*& child, double value)
+{
+    return AddElementWithValue(name, child, StoredDouble(value));
+}
+
+KARStatus KARMPSerializer::AddBoolElement(std::wstring_view name, KARMPSerializer*& child,
+                                          bool value)
+{
+    return AddElementWithValue(name, child, value);
+}
+
+KARStatus KARMPSerializer::GetVersion(std::wstring& version) const
+{
+    version = Version();
+    return KARSuccess;
+}
+
+KARStatus KARMPSerializer::SetVersion(std::wstring_view version)
+{
+    m_version = NodeText::Name(version);
+    return KARSuccess;
+}
+
+bool KARMPSerializer::SerializeName()
+{
+    static const bool named = KARGetEnv("NO_MP_NAME_FOR_SERIALIZATION") == nullptr;
+    return named;
+}
+
+KARMPSerializer::Type KARMPSerializer::GetType() const
+{
+    return karmp::TypeOf(m_value);
+}
+
+bool KARMPSerializer::GetValueb() const
+{
+    return karmp::FieldOf(m_value, false);
+}
+
+double KARMPSerializer::GetValued() const
+{
+    return karmp::FieldOf(m_value, -1.0);
+}
+
+int KARMPSerializer::GetValuei() const
+{
+    return karmp::FieldOf(m_value, -1);
+}
+
+std::wstring_view KARMPSerializer::GetValues() const
+{
+    return karmp::TextOf(m_value);
+}
+
+KARMPSerializationVariable KARMPSerializer::GetVariable() const
+{
+    return karmp::PlainVariable(GetId(), m_value);
+}
+
+KARMPSerializer* KARMPSerializer::GetElement(int index) const
+{
+    return m_elements[static_cast<std::size_t>(index)];
+}
+
+const karmp::NodeAttribute& KARMPSerializer::Attribute(int index) const
+{
+    return m_attributes[static_cast<std::size_t>(index)];
+}
+
+std::wstring_view KARMPSerializer::GetAttributeId(int index) const
+{
+    return Attribute(index).name.View();
+}
+
+KARMPSerializer::Type KARMPSerializer::GetAttributeType(int index) const
+{
+    return karmp::TypeOf(Attribute(index).value);
+}
+
+bool KARMPSerializer::GetAttributeValueb(int index) const
+{
+    return karmp::FieldOf(Attribute(index).value, false);
+}
+
+double KARMPSerializer::GetAttributeValued(int index) const
+{
+    return karmp::FieldOf(Attribute(index).value, -1.0);
+}
+
+int KARMPSerializer::GetAttributeValuei(int index) const
+{
+    return karmp::FieldOf(Attribute(index).value, -1);
+}
+
+std::wstring_view KARMPSerializer::GetAttributeValues(int index) const
+{
+    return karmp::TextOf(Attribute(index).value);
+}
+
+KARMPSerializationVariable KARMPSerializer::GetAttribute(int index) const
+{
+    return karmp::PlainVariable(GetAttributeId(index), Attribute(index).value);
+}
