@@ -2,16 +2,27 @@
 
 jobs=${CMAKE_BUILD_PARALLEL_LEVEL:-$(nproc)}
 
-# karmp_build <preset> [cmake configure arguments...]: configures and builds, in silence unless
-# something fails.
-karmp_build() {
-    local preset=$1 log=build/$1/build.log
+# karmp_quietly <log file> <command...>: runs a command and shows its output only if it fails.
+karmp_quietly() {
+    local log=$1
     shift
-    mkdir -p "build/$preset"
-    if ! { cmake --preset "$preset" "$@" &&
-        cmake --build --preset "$preset" --parallel "$jobs"; } >"$log" 2>&1 </dev/null; then
+    mkdir -p "$(dirname "$log")"
+    if ! "$@" >"$log" 2>&1 </dev/null; then
         cat "$log" >&2
-        echo "build: failed ($preset)" >&2
+        echo "failed: $*" >&2
         return 1
     fi
+}
+
+# karmp_configure <preset> [cmake arguments...]
+karmp_configure() {
+    local preset=$1
+    shift
+    karmp_quietly "build/$preset/configure.log" cmake --preset "$preset" "$@"
+}
+
+# karmp_build <preset> [cmake configure arguments...]: configures and builds.
+karmp_build() {
+    karmp_configure "$@" &&
+        karmp_quietly "build/$1/build.log" cmake --build --preset "$1" --parallel "$jobs"
 }
