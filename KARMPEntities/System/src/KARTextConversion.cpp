@@ -33,12 +33,18 @@ void AppendCharacter(std::string& bytes, std::uint32_t character)
     }
 }
 
-constexpr bool IsHighSurrogate(std::uint32_t unit)
+std::uint32_t UnitOf(wchar_t character)
+{
+    const auto unit = static_cast<std::uint32_t>(character);
+    return PairedUnits ? unit & 0xFFFFU : unit;
+}
+
+bool IsHighSurrogate(std::uint32_t unit)
 {
     return unit >= 0xD800 && unit < 0xDC00;
 }
 
-constexpr bool IsLowSurrogate(std::uint32_t unit)
+bool IsLowSurrogate(std::uint32_t unit)
 {
     return unit >= 0xDC00 && unit < 0xE000;
 }
@@ -89,16 +95,11 @@ std::string ToUtf8(std::wstring_view text)
     std::string bytes;
     bytes.reserve(text.size());
     for (std::size_t i = 0; i < text.size(); ++i) {
-        auto character = static_cast<std::uint32_t>(text[i]);
-        if constexpr (PairedUnits) {
-            character &= 0xFFFFU;
-            if (IsHighSurrogate(character) && i + 1 < text.size()) {
-                const auto low = static_cast<std::uint32_t>(text[i + 1]) & 0xFFFFU;
-                if (IsLowSurrogate(low)) {
-                    character = 0x10000 + ((character - 0xD800) << 10) + (low - 0xDC00);
-                    ++i;
-                }
-            }
+        std::uint32_t character = UnitOf(text[i]);
+        if (PairedUnits && IsHighSurrogate(character) && i + 1 < text.size() &&
+            IsLowSurrogate(UnitOf(text[i + 1]))) {
+            ++i;
+            character = 0x10000 + ((character - 0xD800) << 10) + (UnitOf(text[i]) - 0xDC00);
         }
         AppendCharacter(bytes, character);
     }
