@@ -137,19 +137,25 @@ public:
     NodeArray& operator=(const NodeArray&) = delete;
     ~NodeArray() { Clear(); }
 
-    std::size_t Size() const { return m_block != nullptr ? m_block->size : 0; }
+    std::size_t size() const { return m_block != nullptr ? m_block->size : 0; }
     T& operator[](std::size_t index) { return First()[index]; }
     const T& operator[](std::size_t index) const { return First()[index]; }
     T* begin() { return m_block != nullptr ? First() : nullptr; }
-    T* end() { return begin() + Size(); }
+    T* end() { return begin() + size(); }
     const T* begin() const { return m_block != nullptr ? First() : nullptr; }
-    const T* end() const { return begin() + Size(); }
+    const T* end() const { return begin() + size(); }
 
-    void Append(T&& element)
+    /// Makes room for one more element, so that the next Append cannot fail.
+    void MakeRoom()
     {
         if (m_block == nullptr || m_block->size == m_block->capacity) {
             Grow();
         }
+    }
+
+    void Append(T&& element)
+    {
+        MakeRoom();
         ::new (First() + m_block->size) T(std::move(element));
         ++m_block->size;
     }
@@ -171,13 +177,13 @@ private:
 
     void Grow()
     {
-        const std::size_t size = Size();
-        const std::size_t capacity = size == 0 ? 3 : size * 2;
+        const std::size_t count = size();
+        const std::size_t capacity = count == 0 ? 3 : count * 2;
         if (capacity > std::numeric_limits<std::uint32_t>::max()) {
             throw std::length_error("KARMP element tree: list too long");
         }
         auto* block = static_cast<Header*>(::operator new(sizeof(Header) + capacity * sizeof(T)));
-        *block = {static_cast<std::uint32_t>(size), static_cast<std::uint32_t>(capacity)};
+        *block = {static_cast<std::uint32_t>(count), static_cast<std::uint32_t>(capacity)};
         std::uninitialized_move(begin(), end(), reinterpret_cast<T*>(block + 1));
         Clear();
         m_block = block;

@@ -88,11 +88,11 @@ protected:
     KARMPSerializationVariable GetVariable() const;
 
     /// The children in the order of creation. The index is not checked.
-    std::uint64_t GetElementCount() const { return m_elements.Size(); }
+    std::uint64_t GetElementCount() const { return m_elements.size(); }
     KARMPSerializer* GetElement(int index) const;
 
     /// The attributes in the order of addition. The index is not checked.
-    std::uint64_t GetAttributeCount() const { return m_attributes.Size(); }
+    std::uint64_t GetAttributeCount() const { return m_attributes.size(); }
     std::wstring_view GetAttributeId(int index) const;
     Type GetAttributeType(int index) const;
     bool GetAttributeValueb(int index) const;

@@ -1,6 +1,8 @@
 // Frees trees of nodes of any depth without recursion.
 #pragma once
 
+#include <cstddef>
+#include <iterator>
 #include <new>
 #include <utility>
 #include <vector>
@@ -41,7 +43,7 @@ private:
     {
         const std::size_t before = m_stack.size();
         try {
-            m_stack.resize(before + children.Size());
+            m_stack.resize(before + std::size(children));
         } catch (const std::bad_alloc&) {
             // Without memory for the stack, the call stack has to do.
             const Node* const current = std::exchange(m_current, nullptr);

@@ -53,7 +53,7 @@ KARMPSerializer::~KARMPSerializer()
 
 void KARMPSerializer::Clean() noexcept
 {
-    if (m_elements.Size() != 0) {
+    if (m_elements.size() != 0) {
         karmp::NodeTeardown<KARMPSerializer>::DeleteChildren(this, m_elements);
     }
     m_elements.Clear();

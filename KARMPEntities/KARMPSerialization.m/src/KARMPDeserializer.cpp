@@ -1,0 +1,398 @@
+#include "KARMPDeserializer.h"
+
+#include "KARMPFailedCheck.h"
+#include "KARMPNodeTeardown.h"
+#include "KARMPVersions.h"
+
+#include <algorithm>
+#include <unordered_map>
+#include <utility>
+
+using karmp::NodeAttribute;
+using karmp::NodeText;
+using karmp::NodeValue;
+
+namespace {
+
+// A list of up to this many names is scanned; a longer one gets an index.
+constexpr std::size_t LongestScan = 16;
+
+// Where each name stands in a list; the names are views of the list's own texts.
+using NameIndex = std::unordered_map<std::wstring_view, std::size_t>;
+
+std::wstring_view NameOf(const NodeAttribute& attribute)
+{
+    return attribute.name.View();
+}
+
+// Enters in the index of `list` the name of the element that is about to be appended to it.
+template <class List>
+void IndexNext(NameIndex& index, const List& list, std::size_t size, std::wstring_view name)
+{
+    if (size < LongestScan) {
+        return;
+    }
+    if (index.empty()) {
+        NameIndex filled;
+        for (std::size_t place = 0; place < size; ++place) {
+            filled.emplace(NameOf(list[place]), place);
+        }
+        index = std::move(filled);
+    }
+    index.emplace(name, size);
+}
+
+// Makes room for one more element, so that the next push_back cannot fail.
+template <class T>
+void MakeRoom(std::vector<T>& list)
+{
+    if (list.size() == list.capacity()) {
+        list.reserve(list.empty() ? 3 : list.size() * 2);
+    }
+}
+
+std::wstring_view ViewOf(const wchar_t* text)
+{
+    return text != nullptr ? std::wstring_view(text) : std::wstring_view();
+}
+
+} // namespace
+
+/// The children of one name.
+struct KARMPDeserializer::Group
+{
+    /// Several children, and the walk through them.
+    struct Several
+    {
+        std::vector<KARMPDeserializer*> members;
+        /// One past the member that the walk stands on; 0 before the walk begins.
+        std::size_t walked = 0;
+        /// The number of additions to the node when the walk began.
+        std::size_t additions = 0;
+    };
+
+    KARMPDeserializer* const* begin() const { return several ? several->members.data() : &only; }
+    KARMPDeserializer* const* end() const
+    {
+        return several ? several->members.data() + several->members.size() : &only + 1;
+    }
+    friend std::wstring_view NameOf(const Group& group) { return group.name.View(); }
+
+    void Append(KARMPDeserializer* child);
+    KARMPDeserializer* Next(std::size_t additions) const;
+
+    NodeText name;
+    KARMPDeserializer* only;
+    std::unique_ptr<Several> several;
+};
+
+void KARMPDeserializer::Group::Append(KARMPDeserializer* child)
+{
+    if (!several) {
+        auto made = std::make_unique<Several>();
+        made->members = {only, child};
+        several = std::move(made);
+    } else {
+        several->members.push_back(child);
+    }
+}
+
+// A walk that began before the last addition to the node counts as not begun. One child needs no
+// walk: it is first and last.
+KARMPDeserializer* KARMPDeserializer::Group::Next(std::size_t additions) const
+{
+    if (!several) {
+        return only;
+    }
+    if (several->additions != additions) {
+        several->additions = additions;
+        several->walked = 0;
+    }
+    if (several->walked == several->members.size()) {
+        several->walked = 0;
+        return several->members.front();
+    }
+    return several->members[several->walked++];
+}
+
+struct KARMPDeserializer::Branch
+{
+    const Group* Find(std::wstring_view name) const;
+    void Append(std::wstring_view name, KARMPDeserializer* child);
+
+    std::vector<KARMPDeserializer*> ordered;
+    std::vector<Group> groups;
+    NameIndex groupIndex;
+    NameIndex attributeIndex;
+    /// Counts the calls of AddElement: each ends all walks.
+    std::size_t additions = 1;
+    /// The group after the one found last: entities mostly read in the order of writing.
+    mutable std::size_t likely = 0;
+};
+
+const KARMPDeserializer::Group* KARMPDeserializer::Branch::Find(std::wstring_view name) const
+{
+    if (likely < groups.size() && NameOf(groups[likely]) == name) {
+        return &groups[likely++];
+    }
+    std::size_t place = groups.size();
+    if (groups.size() > LongestScan) {
+        const auto found = groupIndex.find(name);
+        place = found != groupIndex.end() ? found->second : place;
+    } else {
+        const auto found = std::find_if(groups.begin(), groups.end(), [name](const Group& group) {
+            return NameOf(group) == name;
+        });
+        place = static_cast<std::size_t>(found - groups.begin());
+    }
+    if (place == groups.size()) {
+        return nullptr;
+    }
+    likely = place + 1;
+    return &groups[place];
+}
+
+// When memory ends, nothing was added and the child is still the caller's.
+void KARMPDeserializer::Branch::Append(std::wstring_view name, KARMPDeserializer* child)
+{
+    MakeRoom(ordered);
+    if (const Group* const found = Find(name)) {
+        const auto place = static_cast<std::size_t>(found - groups.data());
+        groups[place].Append(child);
+        // Mostly the next child has the same name, or a new one.
+        likely = place;
+    } else {
+        MakeRoom(groups);
+        Group group{NodeText::Name(name), child, nullptr};
+        IndexNext(groupIndex, groups, groups.size(), NameOf(group));
+        groups.push_back(std::move(group));
+    }
+    ordered.push_back(child);
+}
+
+KARMPDeserializer::KARMPDeserializer() : m_version(NodeText::Name(karmp::CurrentVersion)) {}
+
+KARMPDeserializer::~KARMPDeserializer()
+{
+    Clean();
+}
+
+void KARMPDeserializer::Clean() noexcept
+{
+    if (m_branch) {
+        // The index is of no use any more, so that the groups may move.
+        std::sort(
+            m_branch->groups.begin(), m_branch->groups.end(),
+            [](const Group& left, const Group& right) { return NameOf(left) < NameOf(right); });
+        auto place = m_branch->ordered.begin();
+        for (const Group& group : m_branch->groups) {
+            place = std::copy(group.begin(), group.end(), place);
+        }
+        karmp::NodeTeardown<KARMPDeserializer>::DeleteChildren(this, m_branch->ordered);
+        m_branch.reset();
+    }
+    m_attributes.Clear();
+    m_value = NodeValue();
+}
+
+KARMPDeserializer::Branch& KARMPDeserializer::NeedBranch()
+{
+    if (!m_branch) {
+        m_branch = std::make_unique<Branch>();
+    }
+    return *m_branch;
+}
+
+KARStatus KARMPDeserializer::SetVersion(std::wstring_view version)
+{
+    m_version = NodeText::Name(version);
+    return KARSuccess;
+}
+
+KARStatus KARMPDeserializer::GetVersion(std::wstring& version) const
+{
+    version = Version();
+    return KARSuccess;
+}
+
+KARStatus KARMPDeserializer::GetId(std::wstring& id) const
+{
+    id = Id();
+    return KARSuccess;
+}
+
+void KARMPDeserializer::SetId(std::wstring_view id)
+{
+    m_name = NodeText::Name(id);
+}
+
+void KARMPDeserializer::SetValue(std::wstring_view value)
+{
+    m_value = NodeText::Copy(value);
+}
+
+void KARMPDeserializer::SetValue(const wchar_t* value)
+{
+    m_value = NodeText::Copy(ViewOf(value));
+}
+
+void KARMPDeserializer::SetValue(std::wstring&& value)
+{
+    m_value = NodeText::Take(std::move(value));
+}
+
+void KARMPDeserializer::SetValue(int value)
+{
+    m_value = value;
+}
+
+void KARMPDeserializer::SetValue(double value)
+{
+    m_value = value;
+}
+
+void KARMPDeserializer::SetBoolValue(bool value)
+{
+    m_value = value;
+}
+
+void KARMPDeserializer::AddAttributeValue(std::wstring_view name, std::wstring_view value)
+{
+    PutAttribute(name, NodeText::Copy(value));
+}
+
+void KARMPDeserializer::AddAttributeValue(std::wstring_view name, const wchar_t* value)
+{
+    PutAttribute(name, NodeText::Copy(ViewOf(value)));
+}
+
+void KARMPDeserializer::AddAttributeValue(std::wstring_view name, std::wstring&& value)
+{
+    PutAttribute(name, NodeText::Take(std::move(value)));
+}
+
+void KARMPDeserializer::AddAttributeValue(std::wstring_view name, int value)
+{
+    PutAttribute(name, value);
+}
+
+void KARMPDeserializer::AddAttributeValue(std::wstring_view name, double value)
+{
+    PutAttribute(name, value);
+}
+
+void KARMPDeserializer::AddBoolAttributeValue(std::wstring_view name, bool value)
+{
+    PutAttribute(name, value);
+}
+
+void KARMPDeserializer::PutAttribute(std::wstring_view name, NodeValue&& value)
+{
+    if (const NodeAttribute* const found = FindAttribute(name)) {
+        m_attributes[static_cast<std::size_t>(found - m_attributes.begin())].value =
+            std::move(value);
+        return;
+    }
+    m_attributes.MakeRoom();
+    NodeAttribute attribute{NodeText::Name(name), std::move(value)};
+    if (m_attributes.size() >= LongestScan) {
+        IndexNext(NeedBranch().attributeIndex, m_attributes, m_attributes.size(),
+                  NameOf(attribute));
+    }
+    m_attributes.Append(std::move(attribute));
+}
+
+const NodeAttribute* KARMPDeserializer::FindAttribute(std::wstring_view name) const
+{
+    if (m_attributes.size() > LongestScan) {
+        const auto found = m_branch->attributeIndex.find(name);
+        return found != m_branch->attributeIndex.end() ? &m_attributes[found->second] : nullptr;
+    }
+    for (const NodeAttribute& attribute : m_attributes) {
+        if (NameOf(attribute) == name) {
+            return &attribute;
+        }
+    }
+    return nullptr;
+}
+
+KARStatus KARMPDeserializer::AddElement(std::wstring_view name, KARMPDeserializer* child)
+{
+    if (m_branch) {
+        ++m_branch->additions;
+    }
+    if (!KARMPVerify(child != nullptr)) {
+        return KARFailure;
+    }
+    NeedBranch().Append(name, child);
+    return KARSuccess;
+}
+
+bool KARMPDeserializer::HasAttribute(std::wstring_view name) const
+{
+    return FindAttribute(name) != nullptr;
+}
+
+bool KARMPDeserializer::HasElement(std::wstring_view name) const
+{
+    if (!m_branch) {
+        return false;
+    }
+    const Group* const group = m_branch->Find(name);
+    if (group == nullptr) {
+        return false;
+    }
+    // What is asked about is mostly read next.
+    m_branch->likely = static_cast<std::size_t>(group - m_branch->groups.data());
+    return true;
+}
+
+KARStatus KARMPDeserializer::GetElement(std::wstring_view name,
+                                        const KARMPDeserializer*& child) const
+{
+    child = nullptr;
+    const Group* const group = m_branch ? m_branch->Find(name) : nullptr;
+    if (group != nullptr) {
+        KARMPDeserializer* const next = group->Next(m_branch->additions);
+        next->m_version = m_version;
+        child = next;
+    }
+    return KARSuccess;
+}
+
+KARStatus KARMPDeserializer::GetElements(ElementList& elements) const
+{
+    if (!m_branch) {
+        return KARSuccess;
+    }
+    std::vector<const Group*> sorted;
+    sorted.reserve(m_branch->groups.size());
+    for (const Group& group : m_branch->groups) {
+        sorted.push_back(&group);
+    }
+    std::sort(sorted.begin(), sorted.end(),
+              [](const Group* left, const Group* right) { return NameOf(*left) < NameOf(*right); });
+    elements.reserve(elements.size() + m_branch->ordered.size());
+    for (const Group* group : sorted) {
+        elements.insert(elements.end(), group->begin(), group->end());
+    }
+    return KARSuccess;
+}
+
+KARStatus KARMPDeserializer::GetElements(std::wstring_view name, ElementIterator& begin,
+                                         ElementIterator& end) const
+{
+    if (const Group* const group = m_branch ? m_branch->Find(name) : nullptr) {
+        begin = group->begin();
+        end = group->end();
+    }
+    return KARSuccess;
+}
+
+KARStatus KARMPDeserializer::GetOrderedElementList(ElementList& elements) const
+{
+    if (m_branch) {
+        elements.insert(elements.end(), m_branch->ordered.begin(), m_branch->ordered.end());
+    }
+    return KARSuccess;
+}

@@ -1,0 +1,189 @@
+// The reader's conversions: from a stored value or text to the kind asked for.
+#include "KARMPDeserializer.h"
+
+#include "KARMPFailedCheck.h"
+#include "KARTextConversion.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+using karmp::NodeAttribute;
+using karmp::NodeText;
+using karmp::NodeValue;
+
+namespace {
+
+std::optional<bool> BoolOf(std::wstring_view text)
+{
+    constexpr std::array<std::wstring_view, 5> trueForms{L"1", L"true", L"TRUE", L"yes", L"YES"};
+    constexpr std::array<std::wstring_view, 5> falseForms{L"0", L"false", L"FALSE", L"no", L"NO"};
+    if (std::find(trueForms.begin(), trueForms.end(), text) != trueForms.end()) {
+        return true;
+    }
+    if (std::find(falseForms.begin(), falseForms.end(), text) != falseForms.end()) {
+        return false;
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+KARStatus KARMPDeserializer::GetValue(std::wstring& value) const
+{
+    return GetAttrVal(m_value, value);
+}
+
+KARStatus KARMPDeserializer::GetValue(std::wstring_view& value) const
+{
+    return GetAttrVal(m_value, value);
+}
+
+KARStatus KARMPDeserializer::GetValue(int& value) const
+{
+    return GetAttrVal(m_value, value);
+}
+
+KARStatus KARMPDeserializer::GetValue(double& value) const
+{
+    return GetAttrVal(m_value, value);
+}
+
+KARStatus KARMPDeserializer::GetValue(bool& value) const
+{
+    return GetAttrVal(m_value, value);
+}
+
+template <class T>
+KARStatus KARMPDeserializer::ConvertAttribute(std::wstring_view name, T& value) const
+{
+    const NodeAttribute* const attribute = FindAttribute(name);
+    return attribute != nullptr ? GetAttrVal(attribute->value, value) : KARFailure;
+}
+
+KARStatus KARMPDeserializer::GetAttribute(std::wstring_view name, std::wstring& value) const
+{
+    return ConvertAttribute(name, value);
+}
+
+KARStatus KARMPDeserializer::GetAttribute(std::wstring_view name, std::wstring_view& value) const
+{
+    return ConvertAttribute(name, value);
+}
+
+KARStatus KARMPDeserializer::GetAttribute(std::wstring_view name, int& value) const
+{
+    return ConvertAttribute(name, value);
+}
+
+KARStatus KARMPDeserializer::GetAttribute(std::wstring_view name, double& value) const
+{
+    return ConvertAttribute(name, value);
+}
+
+KARStatus KARMPDeserializer::GetAttribute(std::wstring_view name, bool& value) const
+{
+    return ConvertAttribute(name, value);
+}
+
+template <class T>
+KARStatus KARMPDeserializer::ConvertElement(std::wstring_view name, const KARMPDeserializer*& child,
+                                            T& value) const
+{
+    if (KARFailed(GetElement(name, child)) || child == nullptr) {
+        return KARFailure;
+    }
+    // On top of the report that the conversion may have made.
+    return KARMPVerify(!KARFailed(child->GetValue(value))) ? KARSuccess : KARFailure;
+}
+
+KARStatus KARMPDeserializer::GetElement(std::wstring_view name, const KARMPDeserializer*& child,
+                                        std::wstring& value) const
+{
+    return ConvertElement(name, child, value);
+}
+
+KARStatus KARMPDeserializer::GetElement(std::wstring_view name, const KARMPDeserializer*& child,
+                                        std::wstring_view& value) const
+{
+    return ConvertElement(name, child, value);
+}
+
+KARStatus KARMPDeserializer::GetElement(std::wstring_view name, const KARMPDeserializer*& child,
+                                        int& value) const
+{
+    return ConvertElement(name, child, value);
+}
+
+KARStatus KARMPDeserializer::GetElement(std::wstring_view name, const KARMPDeserializer*& child,
+                                        double& value) const
+{
+    return ConvertElement(name, child, value);
+}
+
+KARStatus KARMPDeserializer::GetElement(std::wstring_view name, const KARMPDeserializer*& child,
+                                        bool& value) const
+{
+    return ConvertElement(name, child, value);
+}
+
+KARStatus KARMPDeserializer::GetAttrVal(const NodeValue& stored, std::wstring_view& value)
+{
+    const auto* const text = std::get_if<NodeText>(&stored);
+    if (!KARMPVerify(text != nullptr)) {
+        return KARFailure;
+    }
+    value = text->View();
+    return KARSuccess;
+}
+
+KARStatus KARMPDeserializer::GetAttrVal(const NodeValue& stored, std::wstring& value)
+{
+    std::wstring_view text;
+    const KARStatus status = GetAttrVal(stored, text);
+    if (!KARFailed(status)) {
+        value = text;
+    }
+    return status;
+}
+
+KARStatus KARMPDeserializer::GetAttrVal(const NodeValue& stored, int& value)
+{
+    if (const auto* const number = std::get_if<std::int32_t>(&stored)) {
+        value = *number;
+        return KARSuccess;
+    }
+    const auto* const text = std::get_if<NodeText>(&stored);
+    const bool converted = text != nullptr && kar::ScanInt(text->View(), value) == 1;
+    return KARMPVerify(converted) ? KARSuccess : KARFailure;
+}
+
+KARStatus KARMPDeserializer::GetAttrVal(const NodeValue& stored, double& value)
+{
+    if (const auto* const number = std::get_if<double>(&stored)) {
+        value = *number;
+        return KARSuccess;
+    }
+    const auto* const text = std::get_if<NodeText>(&stored);
+    const bool converted = text != nullptr && kar::ScanDouble(text->View(), value,
+                                                              kar::DecimalMark::PointOrComma) == 1;
+    return KARMPVerify(converted) ? KARSuccess : KARFailure;
+}
+
+KARStatus KARMPDeserializer::GetAttrVal(const NodeValue& stored, bool& value)
+{
+    if (const auto* const state = std::get_if<bool>(&stored)) {
+        value = *state;
+        return KARSuccess;
+    }
+    const auto* const text = std::get_if<NodeText>(&stored);
+    if (!KARMPVerify(text != nullptr)) {
+        return KARFailure;
+    }
+    const std::optional<bool> state = BoolOf(text->View());
+    if (!state.has_value()) {
+        return KARFailure;
+    }
+    value = *state;
+    return KARSuccess;
+}
