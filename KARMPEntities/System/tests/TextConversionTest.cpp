@@ -1,0 +1,291 @@
+#include "KARTextConversion.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <limits>
+#include <random>
+
+using kar::DecimalMark;
+using kar::ScanDouble;
+using kar::ScanInt;
+using kar::ToUtf8;
+using kar::ToWide;
+
+namespace {
+
+std::wstring Widened(const std::string& text)
+{
+    return std::wstring(text.begin(), text.end());
+}
+
+// The C library's scan, in the "C" locale that the tests run in.
+int LibraryScan(const std::string& text, double& value)
+{
+    return std::max(std::sscanf(text.c_str(), "%le", &value), 0);
+}
+
+void ExpectSameAsLibrary(const std::string& text)
+{
+    constexpr double Untouched = -77.125;
+    double expected = Untouched;
+    double narrow = Untouched;
+    double wide = Untouched;
+    const int items = LibraryScan(text, expected);
+    EXPECT_EQ(ScanDouble(text, narrow), items) << text;
+    EXPECT_EQ(ScanDouble(Widened(text), wide), items) << text;
+    EXPECT_EQ(std::isnan(narrow), std::isnan(expected)) << text;
+    EXPECT_EQ(std::signbit(narrow), std::signbit(expected)) << text;
+    if (!std::isnan(expected)) {
+        EXPECT_EQ(narrow, expected) << text;
+        EXPECT_EQ(wide, expected) << text;
+    }
+}
+
+} // namespace
+
+TEST(Utf8, EveryValueOf32BitsComesBack)
+{
+    if (sizeof(wchar_t) < 4)
+        GTEST_SKIP() << "wchar_t holds no value of 32 bits here";
+    for (const std::uint32_t value :
+         {0x0U,       0x7FU,      0x80U,       0x7FFU,      0x800U,     0xD7FFU,
+          0xD800U,    0xDBFFU,    0xDC00U,     0xDFFFU,     0xE000U,    0xFFFDU,
+          0xFFFFU,    0x10000U,   0x10FFFFU,   0x110000U,   0x1FFFFFU,  0x200000U,
+          0x3FFFFFFU, 0x4000000U, 0x7FFFFFFFU, 0x80000000U, 0xFFFFFFFFU}) {
+        const std::wstring text = {L'a', static_cast<wchar_t>(value), L'z'};
+        EXPECT_EQ(ToWide(ToUtf8(text)), text) << value;
+        EXPECT_EQ(kar::WideLength(ToUtf8(text)), 3U) << value;
+    }
+    const std::wstring pair = {static_cast<wchar_t>(0xD83D), static_cast<wchar_t>(0xDE00)};
+    EXPECT_EQ(ToWide(ToUtf8(pair)), pair);
+}
+
+TEST(Utf8, CharactersHaveTheirStandardBytes)
+{
+    EXPECT_EQ(ToUtf8(L"A\u00DF\u20AC\U0001F600"), "A\xC3\x9F\xE2\x82\xAC\xF0\x9F\x98\x80");
+    EXPECT_EQ(ToUtf8(L"\U0010FFFF"), "\xF4\x8F\xBF\xBF");
+    EXPECT_EQ(ToUtf8({}), "");
+    EXPECT_EQ(ToWide({}), L"");
+}
+
+TEST(Utf8, BytesThatBelongToNoCharacterAreReplaced)
+{
+    const std::wstring one = L"\uFFFD";
+    EXPECT_EQ(ToWide("\x80"), one);
+    EXPECT_EQ(ToWide("\xFF"), one);
+    EXPECT_EQ(ToWide("a\xC3"), L"a" + one);
+    EXPECT_EQ(ToWide("\xC3z"), one + L"z");
+    EXPECT_EQ(ToWide("\xE2\x82z"), one + one + L"z");
+    EXPECT_EQ(ToWide("\xC0\x80"), one + one);
+    EXPECT_EQ(ToWide("\xE0\x80\xAF"), one + one + one);
+    EXPECT_EQ(ToWide("\xFE\xBF\xBF\xBF\xBF\xBF\xBF").size(), 7U);
+}
+
+TEST(Utf8, LengthAgreesWithTheTextForAnyBytes)
+{
+    std::mt19937 random(20240611);
+    std::uniform_int_distribution<int> byte(0, 255);
+    for (int round = 0; round < 2000; ++round) {
+        std::string bytes(static_cast<std::size_t>(round % 23), '\0');
+        for (char& one : bytes)
+            one = static_cast<char>(byte(random));
+        const std::wstring wide = ToWide(bytes);
+        ASSERT_EQ(kar::WideLength(bytes), wide.size());
+        ASSERT_EQ(ToWide(ToUtf8(wide)), wide);
+    }
+}
+
+TEST(ScanDouble, AgreesWithTheLibraryOnEveryForm)
+{
+    for (const char* text : {"",
+                             "1",
+                             "-1",
+                             "+1",
+                             "1.5",
+                             ".5",
+                             "5.",
+                             ".",
+                             "+",
+                             "-",
+                             "+.5",
+                             "- 1",
+                             "+-1",
+                             "--1",
+                             "1e",
+                             "1e+",
+                             "1ex",
+                             "1e5",
+                             "1E5",
+                             "1e+05",
+                             "1e-5",
+                             "1e2.5",
+                             "0x",
+                             "0x.",
+                             "0xg",
+                             "0x1",
+                             "0X1F",
+                             "0x1p3",
+                             "0x1P-3",
+                             "0x1p",
+                             "0x1p+",
+                             "0x.8p1",
+                             "0x1.8",
+                             "0x1e+2",
+                             "00x1",
+                             "-0x1p-1074",
+                             "0x1p-1075",
+                             "0x1.8p-1075",
+                             "0x1p-1080",
+                             "0x1p1023",
+                             "0x1p1024",
+                             "0x1.fffffffffffff8p1023",
+                             "inf",
+                             "INF",
+                             "in",
+                             "infi",
+                             "infinit",
+                             "infinity",
+                             "-Infinity",
+                             "infx",
+                             "infinityx",
+                             "nan",
+                             "NaN",
+                             "-nan",
+                             "na",
+                             "nanx",
+                             "1p3",
+                             "1.5.3",
+                             "1_0",
+                             "0",
+                             "-0",
+                             "-0.0",
+                             "0e0",
+                             "0e",
+                             "0e99999999999999",
+                             "0.0e-99999999999999",
+                             "1e400",
+                             "-1e400",
+                             "1e-400",
+                             "-1e-400",
+                             "1e99999999999999999999",
+                             "1e-99999999999999999999",
+                             "4.9e-324",
+                             "2e-324",
+                             "2.5e-324",
+                             "2.2250738585072011e-308",
+                             "1.7976931348623157e308",
+                             "1.7976931348623159e308",
+                             "17976931348623159e292",
+                             "0.1",
+                             "123456789012345678901234567890",
+                             "9007199254740993",
+                             "1,5",
+                             " 1",
+                             "\t\n\v\f\r 1",
+                             "1 2",
+                             "e5",
+                             "x",
+                             "0b1"})
+        ExpectSameAsLibrary(text);
+}
+
+TEST(ScanDouble, AgreesWithTheLibraryOnRandomTexts)
+{
+    constexpr std::string_view Alphabet = "0123456789.+-eExXpPinfaINF ";
+    std::mt19937 random(7);
+    std::uniform_int_distribution<std::size_t> letter(0, Alphabet.size() - 1);
+    for (int round = 0; round < 20000; ++round) {
+        std::string text(static_cast<std::size_t>(round % 12), ' ');
+        for (char& character : text)
+            character = Alphabet[letter(random)];
+        ExpectSameAsLibrary(text);
+    }
+}
+
+TEST(ScanDouble, AgreesWithTheLibraryOnLongTexts)
+{
+    const std::string zeros(5000, '0');
+    ExpectSameAsLibrary("0." + zeros + "12345e5000");
+    ExpectSameAsLibrary("0." + zeros + "12345e4000");
+    ExpectSameAsLibrary("0." + zeros + "12345e5400");
+    ExpectSameAsLibrary("1" + zeros + "e-5000");
+    ExpectSameAsLibrary("1" + zeros + "e-5400");
+    ExpectSameAsLibrary("1" + zeros);
+    ExpectSameAsLibrary(zeros + "7");
+    ExpectSameAsLibrary(std::string(127, '1'));
+    ExpectSameAsLibrary(std::string(128, '1'));
+    ExpectSameAsLibrary(std::string(129, '1'));
+}
+
+TEST(ScanDouble, TakesTheCommaOnlyWhenTold)
+{
+    double value = 0.0;
+    EXPECT_EQ(ScanDouble(L"1,5", value), 1);
+    EXPECT_EQ(value, 1.0);
+    EXPECT_EQ(ScanDouble(L"1,5", value, DecimalMark::PointOrComma), 1);
+    EXPECT_EQ(value, 1.5);
+    EXPECT_EQ(ScanDouble(L"1.25", value, DecimalMark::PointOrComma), 1);
+    EXPECT_EQ(value, 1.25);
+    EXPECT_EQ(ScanDouble(L"-,5e1", value, DecimalMark::PointOrComma), 1);
+    EXPECT_EQ(value, -5.0);
+    EXPECT_EQ(ScanDouble(L"1,5,3", value, DecimalMark::PointOrComma), 1);
+    EXPECT_EQ(value, 1.5);
+    EXPECT_EQ(ScanDouble(L",", value, DecimalMark::PointOrComma), 0);
+}
+
+TEST(ScanDouble, StopsAtCharactersOutsideAscii)
+{
+    double value = 0.0;
+    EXPECT_EQ(ScanDouble(std::wstring_view(L"1\0"
+                                           L"2",
+                                           3),
+                         value),
+              1);
+    EXPECT_EQ(value, 1.0);
+    EXPECT_EQ(ScanDouble(L"3\u0664", value), 1);
+    EXPECT_EQ(value, 3.0);
+    // Values whose low byte is a digit or blank are still other characters.
+    EXPECT_EQ(ScanDouble(L"\u0131", value), 0);
+    EXPECT_EQ(ScanDouble(L"\u01201", value), 0);
+    const std::wstring negative = {static_cast<wchar_t>(0xFFFFFF31U)};
+    EXPECT_EQ(ScanDouble(negative, value), 0);
+    EXPECT_EQ(ScanDouble("\xA0"
+                         "1",
+                         value),
+              0);
+    EXPECT_EQ(value, 3.0);
+}
+
+TEST(ScanInt, TakesTheLongestPrefix)
+{
+    int value = -7;
+    EXPECT_EQ(ScanInt(L"1.5", value), 1);
+    EXPECT_EQ(value, 1);
+    EXPECT_EQ(ScanInt(L" \t+12x", value), 1);
+    EXPECT_EQ(value, 12);
+    EXPECT_EQ(ScanInt("0x10", value), 1);
+    EXPECT_EQ(value, 0);
+    EXPECT_EQ(ScanInt("-007", value), 1);
+    EXPECT_EQ(value, -7);
+    for (const wchar_t* text : {L"", L" ", L"+", L"- 4", L"x", L".5", L"\u0664", L"+-1"})
+        EXPECT_EQ(ScanInt(text, value), 0);
+    EXPECT_EQ(value, -7);
+}
+
+TEST(ScanInt, ANumberThatDoesNotFitCountsAsNone)
+{
+    int value = 5;
+    EXPECT_EQ(ScanInt("2147483648", value), 0);
+    EXPECT_EQ(ScanInt("-2147483649", value), 0);
+    EXPECT_EQ(ScanInt(std::string(400, '9'), value), 0);
+    EXPECT_EQ(value, 5);
+    EXPECT_EQ(ScanInt("2147483647", value), 1);
+    EXPECT_EQ(value, std::numeric_limits<int>::max());
+    EXPECT_EQ(ScanInt("-2147483648", value), 1);
+    EXPECT_EQ(value, std::numeric_limits<int>::min());
+    EXPECT_EQ(ScanInt(std::string(400, '0') + "3", value), 1);
+    EXPECT_EQ(value, 3);
+}
