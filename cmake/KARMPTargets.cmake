@@ -7,6 +7,10 @@ target_compile_options(
     INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
               $<$<BOOL:${KARMP_WARNINGS_AS_ERRORS}>:-Werror>
 )
+# Optimised, this compiler warns about the standard library's own operator+ of strings.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+    target_compile_options(karmp_settings INTERFACE -Wno-restrict)
+endif()
 if(KARMP_SANITIZE)
     target_compile_options(
         karmp_settings INTERFACE -fsanitize=${KARMP_SANITIZE} -fno-sanitize-recover=all
