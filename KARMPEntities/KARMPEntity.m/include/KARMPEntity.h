@@ -1,0 +1,148 @@
+// Base of everything that lives in a world: bodies, joints, constraints, sensors, values and so on.
+//
+// An entity is created on the heap by its class's create or by the factory and held by handles. It
+// owns the loader that a solver attaches to it and counts a reference on the model object of the
+// modelling application.
+#pragma once
+
+#include "KARMPEntityIdentity.h"
+#include "KARMPEntityTable.h"
+#include "KARMPEnumerations.h"
+#include "KARMPExport.h"
+#include "KARMPLinkList.h"
+#include "KARStatus.h"
+#include "KARString.h"
+#include "QOBBasicEntity.h"
+
+#include <memory>
+#include <string>
+
+class KARBaseUnknown;
+class KARIMPEntityLoader;
+class KARMPDeserializer;
+class KARMPOutput;
+class KARMPParameter;
+class KARMPSerializer;
+class KARMPState;
+class KARMPWorld;
+class KARUuid;
+
+class KARMP_API KARMPEntity : public QOBBasicEntity
+{
+    KARMP_ABSTRACT_ENTITY(KARMPEntity, QOBBasicEntity)
+
+public:
+    /// Runs the teardown of the entity once: drops its lists and its parent.
+    void orphanObject() override;
+
+    /// Stores the building mode; always 0.
+    virtual KARStatus SetBuildingMode(KARMPBuildingMode::Enum mode);
+    /// Hands out the building mode; always 0.
+    virtual KARStatus GetBuildingMode(KARMPBuildingMode::Enum& mode) const;
+    /// Attaches a solver's loader, which the entity owns from then on; always 0. An earlier loader
+    /// is not deleted.
+    virtual KARStatus SetLoader(KARIMPEntityLoader* loader);
+    /// Hands out the loader, null without one; always 0.
+    virtual KARStatus GetLoader(KARIMPEntityLoader*& loader) const;
+    /// Tells whether the entity stands under a basic world; always 0.
+    virtual KARStatus IsInWorld(bool& inWorld) const;
+    /// Finds the world of the entity: the extension of the basic world above it. Without one a
+    /// failed check and a failure.
+    virtual KARStatus GetWorld(QOBSharedHandle<KARMPWorld>& world) const;
+    /// Makes the entity active; the loader, if any, is told of a change and gives the result.
+    virtual KARStatus Activate();
+    /// Makes the entity inactive; the loader, if any, is told of a change and gives the result.
+    virtual KARStatus Deactivate();
+    /// True while the entity is active, as a new one is.
+    virtual bool IsActive() const;
+    /// Links the modelling application's object, counting a reference on it in place of the former
+    /// one. A null object is a failed check and a failure, and the former link stays.
+    virtual KARStatus SetModelObject(KARBaseUnknown* object);
+    /// Hands out the model object with a reference for the caller; null and a failure without one.
+    virtual KARStatus GetModelObject(KARBaseUnknown*& object) const;
+    /// Writes the entity's own content into an element. Failures inside are reported; always 0.
+    virtual KARStatus Serialize(KARMPSerializer* serializer) const;
+    /// Reads the entity's own content from an element, resolving references by the table. Failures
+    /// inside are reported; always 0.
+    virtual KARStatus Deserialize(const KARMPDeserializer* deserializer,
+                                  const KARMPEntityTable& entities);
+    /// 1: entities of one model may be used from several threads, one at a time.
+    virtual int IsThreadSafe() const;
+
+protected:
+    /// Drops the links that the class keeps; called when the entity is orphaned.
+    virtual void ClearContainers();
+    /// Takes this entity out of all that link to it; called when the entity is orphaned.
+    virtual KARStatus RemoveParent();
+
+    KARMPEntity();
+    /// A copy takes the plain values and the parent; it has no identifier, no loader and no lists.
+    KARMPEntity(const KARMPEntity& source, CopyMode mode);
+    ~KARMPEntity() override;
+
+public:
+    /// Appends a parameter. A null handle is a failed check and a failure; one that is listed
+    /// already gives 1. The same holds for states, outputs and aggregated elements.
+    KARStatus AddParameter(const QOBSharedHandle<KARMPParameter>& parameter);
+    KARStatus AddState(const QOBSharedHandle<KARMPState>& state);
+    KARStatus AddOutput(const QOBSharedHandle<KARMPOutput>& output);
+    /// Appends an element, whose parent entity this one becomes.
+    KARStatus AddAggregatedElement(const QOBSharedHandle<KARMPEntity>& element);
+    int GetParameterCount() const { return m_parameters.Count(); }
+    int GetStateCount() const { return m_states.Count(); }
+    int GetOutputCount() const { return m_outputs.Count(); }
+    int GetAggregatedElementCount() const { return m_aggregatedElements.Count(); }
+    /// Hands out the parameter at an index from 0; outside the list a null handle and a failure.
+    /// The same holds for states, outputs and aggregated elements.
+    KARStatus GetParameter(int index, QOBSharedHandle<KARMPParameter>& parameter) const;
+    KARStatus GetState(int index, QOBSharedHandle<KARMPState>& state) const;
+    KARStatus GetOutput(int index, QOBSharedHandle<KARMPOutput>& output) const;
+    KARStatus GetAggregatedElement(int index, QOBSharedHandle<KARMPEntity>& element) const;
+
+    /// Hands out the entity that aggregates this one; a null handle and a failure without one.
+    KARStatus GetParentEntity(QOBSharedHandle<KARMPEntity>& parent) const;
+    /// Stores the parent. A null handle is a failed check and a failure.
+    KARStatus SetParentEntity(const QOBSharedHandle<KARMPEntity>& parent);
+
+    /// Free text of the modelling application, not the identifier.
+    KARString GetID() const { return m_id; }
+    void SetID(const KARString& id) { m_id = id; }
+    /// Borrowed unique value of the modelling application.
+    const KARUuid* GetUniqueId() const { return m_uniqueId; }
+    void SetUniqueId(const KARUuid* uniqueId) { m_uniqueId = uniqueId; }
+    /// Hands out the visual object with a reference for the caller, null without one; always 0.
+    KARStatus GetMPVisuObject(KARBaseUnknown*& object) const;
+    /// Borrows a visual object without counting it; always 0.
+    KARStatus SetMPVisuObject(KARBaseUnknown* object);
+
+    /// Hands out the identifier by which the entity is known in documents, made on first need and
+    /// never changed after that. Out of memory is a failed check and KAROutOfMemory.
+    KARStatus GetIdentifier(std::wstring& identifier) const;
+    /// Gives the entity its identifier. One that has an identifier keeps it: a failed check and a
+    /// failure.
+    KARStatus SetIdentifier(const std::wstring& identifier);
+
+    /// Tells the subscribers that the entity changed.
+    void NotifyUpdate() const;
+
+private:
+    KARStatus GenerateID(std::wstring& identifier) const;
+    KARStatus GenerateID2(std::wstring& identifier) const;
+    KARStatus EnsureIdentifier(const std::wstring*& identifier) const;
+    void ClearContainersBase();
+    void orphanMembers();
+
+    KARMPBuildingMode::Enum m_buildingMode = {};
+    KARIMPEntityLoader* m_loader = nullptr; // owned; a pointer, since replacing does not delete
+    bool m_isActive = true;
+    KARBaseUnknown* m_modelObject = nullptr; // counted
+    KARBaseUnknown* m_visuObject = nullptr;  // borrowed
+    mutable std::unique_ptr<std::wstring> m_identifier;
+    QOBSharedHandle<KARMPEntity> m_parentEntity;
+    KARMPLinkList<KARMPParameter> m_parameters;
+    KARMPLinkList<KARMPState> m_states;
+    KARMPLinkList<KARMPOutput> m_outputs;
+    KARMPLinkList<KARMPEntity> m_aggregatedElements;
+    KARString m_id;
+    const KARUuid* m_uniqueId = nullptr; // borrowed
+};

@@ -1,0 +1,210 @@
+// Class identity of entities: one macro in the class, one in its source.
+//
+// KARMP_ENTITY(Class, Parent) stands first in a concrete class and KARMP_DEFINE_ENTITY(Class, GUID)
+// in its source; they give it its record, its GUID, its class functions and its factory entry. An
+// abstract class uses the KARMP_ABSTRACT_ENTITY pair. Where the record names another parent than
+// the direct base, that parent is a third argument of the define macro.
+#pragma once
+
+#include "KARMPGenericFactory.h"
+#include "QOBSharedHandle.h"
+
+#include <string>
+#include <utility>
+
+namespace karmp {
+
+/// Reaches the constructors of entity classes, which are not public.
+struct EntityAccess
+{
+    template <class T>
+    static QOBSharedHandle<T> Create(std::wstring name)
+    {
+        T* entity = new T;
+        entity->setEntityName(std::move(name));
+        return QOBSharedHandle<T>(entity, QOBSharedBase::NoLock);
+    }
+    template <class T>
+    static QOBSharedHandle<T> Clone(const QOBSharedHandle<T>& source,
+                                    QOBDynamicObject::CopyMode mode)
+    {
+        if (!source)
+            return {};
+        const QOBSharedObject* copy = source->duplicateObject(mode);
+        if (copy == nullptr)
+            return {};
+        const QOBSharedHandle<T> handle(copy, QOBSharedBase::NoLock);
+        copy->removeReference();
+        return handle;
+    }
+    static void Destroy(const QOBSharedBase& entity)
+    {
+        const QOBSharedBase locked(entity, QOBSharedBase::WriteLock);
+        if (locked)
+            locked._getReferent()->orphanObject();
+    }
+    template <class T>
+    static QOBSharedObject* Replicate()
+    {
+        QOBSharedObject* entity = new T;
+        entity->addReference();
+        return entity;
+    }
+    template <class T>
+    static QOBSharedObject* Duplicate(const QOBSharedObject& source, int mode)
+    {
+        QOBSharedObject* copy =
+            new T(static_cast<const T&>(source), static_cast<QOBDynamicObject::CopyMode>(mode));
+        copy->addReference();
+        return copy;
+    }
+    /// The identifier of an entity without a copy of it, made on first need.
+    template <class Entity>
+    static KARStatus Identifier(const Entity& entity, const std::wstring*& identifier)
+    {
+        return entity.EnsureIdentifier(identifier);
+    }
+    template <class T>
+    static QOBClassOperations Operations()
+    {
+        return {&Replicate<T>, &Duplicate<T>};
+    }
+};
+
+} // namespace karmp
+
+/// Identity of a class that is not created itself.
+#define KARMP_ABSTRACT_ENTITY(Class, Parent)                                                       \
+public:                                                                                            \
+    using Super = Parent;                                                                          \
+                                                                                                   \
+    /** The class's GUID. */                                                                       \
+    static const QOBUUID& ClassID();                                                               \
+    /** The class's record. */                                                                     \
+    static const QOBClassInfo& ClassInfo();                                                        \
+    /** The class's name. */                                                                       \
+    static std::string ClassName();                                                                \
+    /** A copy of an entity, made by its class's copy constructor; null where it has none. */      \
+    static QOBSharedHandle<Class> clone(QOBSharedHandle<Class> source,                             \
+                                        QOBDynamicObject::CopyMode mode);                          \
+    /** Takes an entity out of all that it is linked to and empties the handle. */                 \
+    static void destroy(QOBSharedHandle<Class>& entity);                                           \
+                                                                                                   \
+    std::string getClassName() const override;                                                     \
+    const QOBClassInfo& getClassInfo() const override;                                             \
+    bool isInstanceOf(const QOBClassInfo& info) const override;                                    \
+    bool isDerivedFrom(const QOBClassInfo& info) const override;                                   \
+    const QOBUUID& getClassID() const override;                                                    \
+                                                                                                   \
+protected:                                                                                         \
+    static QOBSharedHandle<Class> CloneObject(QOBSharedHandle<Class> source,                       \
+                                              QOBDynamicObject::CopyMode mode);                    \
+    static void DestroyObject(QOBSharedHandle<Class> entity);                                      \
+                                                                                                   \
+private:                                                                                           \
+    friend struct karmp::EntityAccess;
+
+/// Identity of a class whose objects are created by name.
+#define KARMP_ENTITY(Class, Parent)                                                                \
+    KARMP_ABSTRACT_ENTITY(Class, Parent)                                                           \
+public:                                                                                            \
+    /** A new entity of that name. */                                                              \
+    static QOBSharedHandle<Class> create(const std::wstring& name);                                \
+                                                                                                   \
+protected:                                                                                         \
+    static QOBSharedHandle<Class> CreateObject(const std::wstring& name);                          \
+                                                                                                   \
+private:
+
+// The parent of a record is the direct base unless another one is named.
+#define KARMP_RECORD_PARENT(Class, ...)                                                            \
+    (karmp::RecordParent<Class::Super __VA_OPT__(, ) __VA_ARGS__>::ClassInfo())
+
+namespace karmp {
+
+template <class Super, class... Named>
+struct RecordParent
+{
+    static const QOBClassInfo& ClassInfo() { return Super::ClassInfo(); }
+};
+template <class Super, class Named>
+struct RecordParent<Super, Named>
+{
+    static const QOBClassInfo& ClassInfo() { return Named::ClassInfo(); }
+};
+
+} // namespace karmp
+
+#define KARMP_DEFINE_IDENTITY(Class, Guid, Operations, ...)                                        \
+    static const QOBUUID s_##Class##ID(Guid);                                                      \
+    static const QOBClassInfo s_##Class##Info(typeid(Class*), sizeof(Class), nullptr,              \
+                                              &KARMP_RECORD_PARENT(Class, __VA_ARGS__), nullptr,   \
+                                              Operations);                                         \
+    const QOBUUID& Class::ClassID()                                                                \
+    {                                                                                              \
+        return s_##Class##ID;                                                                      \
+    }                                                                                              \
+    const QOBClassInfo& Class::ClassInfo()                                                         \
+    {                                                                                              \
+        return s_##Class##Info;                                                                    \
+    }                                                                                              \
+    std::string Class::ClassName()                                                                 \
+    {                                                                                              \
+        return ClassInfo().getName();                                                              \
+    }                                                                                              \
+    std::string Class::getClassName() const                                                        \
+    {                                                                                              \
+        return ClassInfo().getName();                                                              \
+    }                                                                                              \
+    const QOBClassInfo& Class::getClassInfo() const                                                \
+    {                                                                                              \
+        return ClassInfo();                                                                        \
+    }                                                                                              \
+    const QOBUUID& Class::getClassID() const                                                       \
+    {                                                                                              \
+        return ClassID();                                                                          \
+    }                                                                                              \
+    bool Class::isInstanceOf(const QOBClassInfo& info) const                                       \
+    {                                                                                              \
+        return ClassInfo().isInstanceOf(info);                                                     \
+    }                                                                                              \
+    bool Class::isDerivedFrom(const QOBClassInfo& info) const                                      \
+    {                                                                                              \
+        return ClassInfo().isDerivedFrom(info);                                                    \
+    }                                                                                              \
+    QOBSharedHandle<Class> Class::clone(QOBSharedHandle<Class> source,                             \
+                                        QOBDynamicObject::CopyMode mode)                           \
+    {                                                                                              \
+        return CloneObject({source, QOBSharedBase::NoLock}, mode);                                 \
+    }                                                                                              \
+    QOBSharedHandle<Class> Class::CloneObject(QOBSharedHandle<Class> source,                       \
+                                              QOBDynamicObject::CopyMode mode)                     \
+    {                                                                                              \
+        return karmp::EntityAccess::Clone<Class>({source, QOBSharedBase::ReadLock}, mode);         \
+    }                                                                                              \
+    void Class::destroy(QOBSharedHandle<Class>& entity)                                            \
+    {                                                                                              \
+        karmp::EntityAccess::Destroy(QOBSharedHandle<Class>(entity, QOBSharedBase::NoLock));       \
+        entity.detach();                                                                           \
+    }                                                                                              \
+    void Class::DestroyObject(QOBSharedHandle<Class> entity)                                       \
+    {                                                                                              \
+        karmp::EntityAccess::Destroy(entity);                                                      \
+    }                                                                                              \
+    static_assert(true)
+
+#define KARMP_DEFINE_ABSTRACT_ENTITY(Class, Guid, ...)                                             \
+    KARMP_DEFINE_IDENTITY(Class, Guid, QOBClassOperations{}, __VA_ARGS__)
+
+#define KARMP_DEFINE_ENTITY(Class, Guid, ...)                                                      \
+    KARMP_DEFINE_IDENTITY(Class, Guid, karmp::EntityAccess::Operations<Class>(), __VA_ARGS__);     \
+    static const KARMPGenericFactory<Class> s_##Class##Factory(#Class);                            \
+    QOBSharedHandle<Class> Class::create(const std::wstring& name)                                 \
+    {                                                                                              \
+        return CreateObject(name);                                                                 \
+    }                                                                                              \
+    QOBSharedHandle<Class> Class::CreateObject(const std::wstring& name)                           \
+    {                                                                                              \
+        return karmp::EntityAccess::Create<Class>(name);                                           \
+    }                                                                                              \
+    static_assert(true)

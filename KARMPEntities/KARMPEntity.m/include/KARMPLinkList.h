@@ -1,0 +1,71 @@
+// The entities that an entity is linked to: insertion order, no duplicates, compared by referent.
+#pragma once
+
+#include "KARMPFailedCheck.h"
+#include "KARMPHandleSequence.h"
+#include "KARStatus.h"
+
+template <class T>
+class KARMPLinkList
+{
+public:
+    /// Number of links.
+    int Count() const noexcept { return static_cast<int>(m_handles.Count()); }
+    /// True when the referent is linked.
+    bool Contains(const QOBSharedHandle<T>& handle) const
+    {
+        return m_handles.Contains(handle._getReferent());
+    }
+    /// Appends a link. A null handle is a failed check and a failure; a referent that is linked
+    /// already gives KARUnchanged.
+    KARStatus Add(const QOBSharedHandle<T>& handle,
+                  KARMPSourceLocation where = KARMPSourceLocation::current())
+    {
+        if (!KARMPVerify(static_cast<bool>(handle), where))
+            return KARFailure;
+        if (Contains(handle))
+            return KARUnchanged;
+        m_handles.Append(handle);
+        return KARSuccess;
+    }
+    /// Places a link before an index, without a test for duplicates. A null handle is a failed
+    /// check and a failure.
+    KARStatus Insert(int index, const QOBSharedHandle<T>& handle,
+                     KARMPSourceLocation where = KARMPSourceLocation::current())
+    {
+        if (!KARMPVerify(static_cast<bool>(handle), where))
+            return KARFailure;
+        m_handles.Insert(index > 0 ? static_cast<std::size_t>(index) : 0, handle);
+        return KARSuccess;
+    }
+    /// Takes a link out and keeps the order of the rest. A null handle is a failed check and a
+    /// failure; a referent that is not linked gives KARUnchanged.
+    KARStatus Remove(const QOBSharedHandle<T>& handle, std::size_t* position = nullptr,
+                     KARMPSourceLocation where = KARMPSourceLocation::current())
+    {
+        if (!KARMPVerify(static_cast<bool>(handle), where))
+            return KARFailure;
+        return m_handles.Remove(handle._getReferent(), position) ? KARSuccess : KARUnchanged;
+    }
+    /// Hands out the link at an index. An index outside the list gives a null handle and a failure,
+    /// without a report.
+    KARStatus Get(int index, QOBSharedHandle<T>& handle) const
+    {
+        if (index < 0 || index >= Count()) {
+            handle = nullptr;
+            return KARFailure;
+        }
+        handle = At(index);
+        return KARSuccess;
+    }
+    /// The link at an index within the list.
+    QOBSharedHandle<T> At(int index) const
+    {
+        return QOBSharedHandle<T>::unchecked(m_handles.At(static_cast<std::size_t>(index)));
+    }
+    /// Drops all links.
+    void Clear() { m_handles.Clear(); }
+
+private:
+    KARMPHandleSequence m_handles;
+};

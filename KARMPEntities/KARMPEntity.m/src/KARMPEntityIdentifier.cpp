@@ -1,0 +1,104 @@
+// Identifiers of entities: made on first need, in one of four forms that the environment chooses.
+#include "KARMPEntity.h"
+#include "KARMPWorld.h"
+#include "KARProcessServices.h"
+#include "KARUuid.h"
+
+#include <new>
+
+namespace {
+
+constexpr std::wstring_view Prefix = L"id";
+
+std::uint32_t nextProcessNumber()
+{
+    static std::uint32_t next = 0;
+    return next++;
+}
+
+std::wstring uuidText()
+{
+    char buffer[KARUuid::TextSize] = {};
+    KARUuid().UUID_to_chaine(buffer, 0);
+    const std::string_view text(buffer);
+    return std::wstring(text.begin(), text.end());
+}
+
+// The numbers of a world's own entities, which its counter never gives.
+std::wstring globalNumber(const std::wstring& name)
+{
+    if (name == L"GlobalBody")
+        return L"0";
+    if (name == L"GlobalAxisSystem")
+        return L"1";
+    if (name == L"GlobalTime")
+        return L"2";
+    return {};
+}
+
+} // namespace
+
+KARStatus KARMPEntity::GetIdentifier(std::wstring& identifier) const
+{
+    identifier.clear();
+    const std::wstring* made = nullptr;
+    const KARStatus status = EnsureIdentifier(made);
+    if (made != nullptr)
+        identifier = *made;
+    return status;
+}
+
+KARStatus KARMPEntity::EnsureIdentifier(const std::wstring*& identifier) const
+{
+    identifier = m_identifier.get();
+    if (identifier != nullptr)
+        return KARSuccess;
+    m_identifier.reset(new (std::nothrow) std::wstring);
+    if (!KARMPVerify(m_identifier != nullptr))
+        return KAROutOfMemory;
+    const KARStatus status =
+        KARGetEnv("NEW_MP_IDS") != nullptr ? GenerateID2(*m_identifier) : GenerateID(*m_identifier);
+    identifier = m_identifier.get();
+    return status;
+}
+
+KARStatus KARMPEntity::SetIdentifier(const std::wstring& identifier)
+{
+    if (!KARMPVerify(m_identifier == nullptr))
+        return KARFailure;
+    m_identifier.reset(new (std::nothrow) std::wstring(identifier));
+    return KARMPVerify(m_identifier != nullptr) ? KARSuccess : KARFailure;
+}
+
+KARStatus KARMPEntity::GenerateID(std::wstring& identifier) const
+{
+    identifier.clear();
+    static const bool namesAreUsed = KARGetEnv("MP_USE_NAME_FOR_ID") != nullptr;
+    if (namesAreUsed) {
+        identifier = getEntityName(InternalName, ExternalNameSeparator);
+        KARMPVerify(!identifier.empty());
+        return KARSuccess;
+    }
+    static const bool numbersAreUsed = KARGetEnv("ADL_ODT_OUT") != nullptr;
+    identifier = Prefix;
+    identifier += numbersAreUsed ? std::to_wstring(nextProcessNumber()) : uuidText();
+    return KARSuccess;
+}
+
+KARStatus KARMPEntity::GenerateID2(std::wstring& identifier) const
+{
+    identifier.clear();
+    std::wstring number;
+    bool inWorld = false;
+    IsInWorld(inWorld);
+    if (inWorld) {
+        QOBSharedHandle<KARMPWorld> world;
+        if (!KARFailed(GetWorld(world)) && world)
+            number = std::to_wstring(world->GetEntityId());
+    } else {
+        number = globalNumber(getEntityName(InternalName, ExternalNameSeparator));
+    }
+    identifier = Prefix;
+    identifier += number;
+    return KARSuccess;
+}

@@ -1,0 +1,14 @@
+// State in which an analysis begins.
+#pragma once
+
+#include "KARMPEntity.h"
+
+class KARMP_API KARMPInitialCondition : public KARMPEntity
+{
+    KARMP_ABSTRACT_ENTITY(KARMPInitialCondition, KARMPEntity)
+
+protected:
+    KARMPInitialCondition();
+    KARMPInitialCondition(const KARMPInitialCondition& source, CopyMode mode);
+    ~KARMPInitialCondition() override;
+};

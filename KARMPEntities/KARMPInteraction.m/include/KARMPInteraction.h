@@ -1,0 +1,14 @@
+// Base of the rules by which bodies collide.
+#pragma once
+
+#include "KARMPEntity.h"
+
+class KARMP_API KARMPInteraction : public KARMPEntity
+{
+    KARMP_ABSTRACT_ENTITY(KARMPInteraction, KARMPEntity)
+
+protected:
+    KARMPInteraction();
+    KARMPInteraction(const KARMPInteraction& source, CopyMode mode);
+    ~KARMPInteraction() override;
+};

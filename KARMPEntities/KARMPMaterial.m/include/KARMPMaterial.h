@@ -1,0 +1,14 @@
+// Base of materials, which applications derive from it.
+#pragma once
+
+#include "KARMPEntity.h"
+
+class KARMP_API KARMPMaterial : public KARMPEntity
+{
+    KARMP_ABSTRACT_ENTITY(KARMPMaterial, KARMPEntity)
+
+protected:
+    KARMPMaterial();
+    KARMPMaterial(const KARMPMaterial& source, CopyMode mode);
+    ~KARMPMaterial() override;
+};

@@ -1,0 +1,14 @@
+// Named data of an entity that a solver reads or writes.
+#pragma once
+
+#include "KARMPEntity.h"
+
+class KARMP_API KARMPAttribute : public KARMPEntity
+{
+    KARMP_ABSTRACT_ENTITY(KARMPAttribute, KARMPEntity)
+
+protected:
+    KARMPAttribute();
+    KARMPAttribute(const KARMPAttribute& source, CopyMode mode);
+    ~KARMPAttribute() override;
+};

@@ -1,0 +1,14 @@
+// Named input of an entity.
+#pragma once
+
+#include "KARMPAttribute.h"
+
+class KARMP_API KARMPParameter : public KARMPAttribute
+{
+    KARMP_ABSTRACT_ENTITY(KARMPParameter, KARMPAttribute)
+
+protected:
+    KARMPParameter();
+    KARMPParameter(const KARMPParameter& source, CopyMode mode);
+    ~KARMPParameter() override;
+};

@@ -1,0 +1,14 @@
+// Named state of an entity.
+#pragma once
+
+#include "KARMPAttribute.h"
+
+class KARMP_API KARMPState : public KARMPAttribute
+{
+    KARMP_ABSTRACT_ENTITY(KARMPState, KARMPAttribute)
+
+protected:
+    KARMPState();
+    KARMPState(const KARMPState& source, CopyMode mode);
+    ~KARMPState() override;
+};

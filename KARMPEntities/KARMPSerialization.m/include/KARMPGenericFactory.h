@@ -1,0 +1,62 @@
+// Entities by class name: how a world is rebuilt from a tree of elements.
+#pragma once
+
+#include "KARMPExport.h"
+#include "KARStatus.h"
+#include "QOBSharedHandle.h"
+
+#include <functional>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+class KARMPEntity;
+
+namespace karmp {
+struct EntityAccess;
+}
+
+/// The registry from class name to creator. Filled while the library loads, then only read.
+class KARMP_API KARMPGenericFactoryBase
+{
+protected:
+    /// Makes a default entity with an empty name.
+    using Creator = QOBSharedHandle<KARMPEntity> (*)();
+    using Map = std::map<std::string, Creator, std::less<>>;
+
+    KARMPGenericFactoryBase() = default;
+
+    static Map& GetMap();
+    /// A new entity of the class, null when the name is not registered. Names compare exactly.
+    static QOBSharedHandle<KARMPEntity> CreateInstance(std::string_view className);
+    /// Enters a creator, in place of an earlier one of that name.
+    static void Register(std::string_view className, Creator creator);
+};
+
+/// Enters the creator of T into the registry when it is constructed.
+template <class T>
+class KARMPGenericFactory : public KARMPGenericFactoryBase
+{
+public:
+    explicit KARMPGenericFactory(std::string_view className) { Register(className, &Create); }
+
+private:
+    template <class Access = karmp::EntityAccess>
+    static QOBSharedHandle<KARMPEntity> CreateBy()
+    {
+        return QOBSharedHandle<KARMPEntity>(Access::template Create<T>(std::wstring()));
+    }
+    static QOBSharedHandle<KARMPEntity> Create() { return CreateBy<>(); }
+};
+
+/// Creates entities by class name.
+class KARMP_API KARMPFactory : private KARMPGenericFactoryBase
+{
+public:
+    /// Hands out a new entity of the class with an empty name and returns 0. A name that is not
+    /// registered is a failed check and a failure, with a null handle.
+    static KARStatus Create(std::string_view className, QOBSharedHandle<KARMPEntity>& entity);
+    /// The names of all classes that can be created, in order.
+    static std::vector<std::string> GetClassNames();
+};

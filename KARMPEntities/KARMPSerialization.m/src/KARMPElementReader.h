@@ -1,0 +1,168 @@
+// Reads the content of one element and carries the reporting rules of all readers: what is missing
+// or does not convert is reported at the place of the caller as its policy says, and reading goes
+// on.
+#pragma once
+
+#include "KARMPDeserializer.h"
+#include "KARMPElementWriter.h"
+#include "KARMPEntityTable.h"
+
+namespace karmp {
+
+/// What it means that an item is not there.
+enum class Absent {
+    Keep,          ///< Nothing happens.
+    ReportAndKeep, ///< A failed check; the value stays.
+    ReportAndZero, ///< A failed check; the value becomes its type's default.
+    ReportAndFail  ///< A failed check that counts in the reader's status; the value stays.
+};
+
+class ElementReader
+{
+public:
+    using Where = KARMPSourceLocation;
+
+    /// Reads the node itself. A null node is reported.
+    explicit ElementReader(const KARMPDeserializer* node, Where where = Where::current());
+    /// Reads a class's own element: the node itself when it bears the name, otherwise the node's
+    /// child of that name. A null node and a missing child are reported.
+    ElementReader(const KARMPDeserializer* node, std::wstring_view name,
+                  Where where = Where::current());
+
+    /// False when there is no node to read; then everything else does nothing and fails.
+    explicit operator bool() const { return m_node != nullptr; }
+    const KARMPDeserializer* Node() const { return m_node; }
+    std::wstring_view Version() const;
+    /// Failure when there is no node or when something that counts failed.
+    KARStatus Status() const { return m_failed ? KARFailure : KARSuccess; }
+    /// Counts a failure of something that was read by other means.
+    void Fail() { m_failed = true; }
+    /// Passes the status of a base's step on: a failure is reported and counted.
+    bool Base(KARStatus status, Where where = Where::current());
+    /// Reports a negative status of a setter; it does not count. Returns true when there was none.
+    static bool Set(KARStatus status, Where where = Where::current())
+    {
+        return KARMPVerify(!KARFailed(status), where);
+    }
+
+    template <class T>
+    bool Attribute(std::wstring_view name, T& value, Absent absent, Where where = Where::current())
+    {
+        return Settle(m_node != nullptr ? m_node->GetAttribute(name, value) : KARFailure, value,
+                      absent, where);
+    }
+    /// Reads the value of a child element.
+    template <class T>
+    bool Value(std::wstring_view name, T& value, Absent absent, Where where = Where::current())
+    {
+        const KARMPDeserializer* child = nullptr;
+        return Settle(m_node != nullptr ? m_node->GetElement(name, child, value) : KARFailure,
+                      value, absent, where);
+    }
+    /// Reads a child element that holds an enumeration's word; a word outside the table gives row
+    /// 0.
+    template <class Enum>
+    bool Word(std::wstring_view name, Enum& value, Absent absent, Where where = Where::current())
+    {
+        std::wstring_view word;
+        if (!Value(name, word, absent, where))
+            return false;
+        value = KARMPEnumValue<Enum>(word);
+        return true;
+    }
+
+    /// Reads the child elements of a group of doubles into their places; true when all are there.
+    template <std::size_t N>
+    bool Values(const Names<N>& names, std::array<double, N>& values, Absent absent,
+                Where where = Where::current())
+    {
+        return ReadDoubles(names.data(), values.data(), N, absent, where);
+    }
+    template <class Triple>
+    requires requires(Triple& triple) { triple.SetX(triple.GetX()); }
+    bool Values(const Names<3>& names, Triple& triple, Absent absent,
+                Where where = Where::current())
+    {
+        std::array<double, 3> values{triple.GetX(), triple.GetY(), triple.GetZ()};
+        const bool complete = Values(names, values, absent, where);
+        triple = Triple(values[0], values[1], values[2]);
+        return complete;
+    }
+    bool Values(KARMath3x3Matrix& matrix, Absent absent, Where where = Where::current());
+
+    /// True when there is a child element of the name.
+    bool Has(std::wstring_view name) const { return m_node != nullptr && m_node->HasElement(name); }
+    /// A reader on a child element; on nothing when there is none, which counts and is reported as
+    /// the policy says.
+    ElementReader Child(std::wstring_view name, Absent absent, Where where = Where::current());
+    /// Calls `read` with a reader on each child of the name, in order; null children are skipped.
+    template <class Read>
+    void Each(std::wstring_view name, Read read) const
+    {
+        KARMPDeserializer::ElementIterator item{};
+        KARMPDeserializer::ElementIterator end{};
+        if (!Has(name) || KARFailed(m_node->GetElements(name, item, end)))
+            return;
+        for (; item != end; ++item) {
+            if (*item != nullptr)
+                read(ElementReader(*item));
+        }
+    }
+
+    /// The entity that this element refers to by its "id", null when the table has none or a null
+    /// one. A missing "id" is reported. Throws QOBEInvalidCast when the entity is not a T.
+    template <class T>
+    QOBSharedHandle<T> Target(const KARMPEntityTable& entities,
+                              Where where = Where::current()) const
+    {
+        const QOBSharedHandle<KARMPEntity>* entity = FindTarget(entities, where);
+        return entity != nullptr ? QOBSharedHandle<T>(*entity) : QOBSharedHandle<T>();
+    }
+    /// Reads an optional reference: passes what it resolves to on to `set`, whose failure is
+    /// reported. Nothing happens when the element is missing or its target is unknown.
+    template <class T, class Set>
+    void Reference(std::wstring_view name, const KARMPEntityTable& entities, Set set,
+                   Where where = Where::current())
+    {
+        if (!Has(name))
+            return;
+        if (const ElementReader child = Child(name, Absent::ReportAndKeep, where)) {
+            if (const auto target = child.template Target<T>(entities, where))
+                ElementReader::Set(set(target), where);
+        }
+    }
+    /// Reads the references of a container in the same manner, one call of `add` each.
+    template <class T, class Add>
+    void References(std::wstring_view container, std::wstring_view item,
+                    const KARMPEntityTable& entities, Add add, Where where = Where::current())
+    {
+        if (!Has(container))
+            return;
+        Child(container, Absent::ReportAndKeep, where).Each(item, [&](const ElementReader& child) {
+            if (const auto target = child.template Target<T>(entities, where))
+                Set(add(target), where);
+        });
+    }
+
+private:
+    template <class T>
+    bool Settle(KARStatus status, T& value, Absent absent, Where where)
+    {
+        if (!KARFailed(status))
+            return true;
+        Missing(absent, where);
+        if (absent == Absent::ReportAndZero)
+            value = T();
+        return false;
+    }
+    void Missing(Absent absent, Where where);
+    bool ReadDoubles(const std::wstring_view* names, double* values, std::size_t count,
+                     Absent absent, Where where);
+    const QOBSharedHandle<KARMPEntity>* FindTarget(const KARMPEntityTable& entities,
+                                                   Where where) const;
+
+    const KARMPDeserializer* m_node = nullptr;
+    bool m_failed = false;
+};
+
+} // namespace karmp

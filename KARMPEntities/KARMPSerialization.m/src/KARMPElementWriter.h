@@ -1,0 +1,155 @@
+// Writes the content of one element and carries the reporting rules of all writers: a null node and
+// a failed addition are reported at the place of the caller, and writing goes on.
+#pragma once
+
+#include "KARMPEnumerationTexts.h"
+#include "KARMPFailedCheck.h"
+#include "KARMPLinkList.h"
+#include "KARMPSerializer.h"
+#include "KARMPVersions.h"
+#include "KARMath3x3Matrix.h"
+#include "KARMathPoint.h"
+#include "KARMathVector.h"
+#include "KARStatus.h"
+#include "QOBSharedHandle.h"
+
+#include <array>
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+class KARMPEntity;
+
+namespace karmp {
+
+/// The names of a group of doubles that stand in an element of their own or beside each other.
+template <std::size_t N>
+using Names = std::array<std::wstring_view, N>;
+
+inline constexpr Names<3> OriginNames{L"Ox", L"Oy", L"Oz"};
+inline constexpr Names<3> PointNames{L"Px", L"Py", L"Pz"};
+inline constexpr Names<3> VectorNames{L"Vx", L"Vy", L"Vz"};
+inline constexpr Names<3> CentreNames{L"Cx", L"Cy", L"Cz"};
+inline constexpr Names<3> DirectionNames{L"Dx", L"Dy", L"Dz"};
+inline constexpr Names<3> NormalNames{L"Nx", L"Ny", L"Nz"};
+/// A matrix by columns.
+inline constexpr Names<9> MatrixNames{L"M1x", L"M1y", L"M1z", L"M2x", L"M2y",
+                                      L"M2z", L"M3x", L"M3y", L"M3z"};
+
+class ElementWriter
+{
+public:
+    using Where = KARMPSourceLocation;
+
+    /// Writes into a node that is there. A null node is reported.
+    explicit ElementWriter(KARMPSerializer* node, Where where = Where::current());
+    /// Adds an element under a parent and writes into it. A null parent and a failed addition are
+    /// reported.
+    ElementWriter(KARMPSerializer* parent, std::wstring_view name, Where where = Where::current());
+
+    /// False when there is no node to write into; then everything else does nothing and fails.
+    explicit operator bool() const { return m_node != nullptr; }
+    KARMPSerializer* Node() const { return m_node; }
+    std::wstring_view Version() const;
+    /// Failure when there is no node or when an addition by this writer failed.
+    KARStatus Status() const { return m_failed ? KARFailure : KARSuccess; }
+    /// Counts a failure of something that was written by other means.
+    void Fail() { m_failed = true; }
+    /// Passes the status of a base's step on: a failure is reported and counted.
+    bool Base(KARStatus status, Where where = Where::current());
+
+    bool Attribute(std::wstring_view name, std::wstring_view value, Where where = Where::current());
+    bool Attribute(std::wstring_view name, double value, Where where = Where::current());
+    bool Attribute(std::wstring_view name, int value, Where where = Where::current());
+    bool Attribute(std::wstring_view name, std::same_as<bool> auto value,
+                   Where where = Where::current())
+    {
+        return Added(m_node != nullptr ? m_node->AddAttribute(name, value) : KARFailure, where);
+    }
+
+    /// Adds child elements with values.
+    bool Value(std::wstring_view name, std::wstring_view value, Where where = Where::current());
+    bool Value(std::wstring_view name, double value, Where where = Where::current());
+    bool Value(std::wstring_view name, int value, Where where = Where::current());
+    bool Value(std::wstring_view name, std::same_as<bool> auto value,
+               Where where = Where::current())
+    {
+        KARMPSerializer* child = nullptr;
+        return Added(m_node != nullptr ? m_node->AddElement(name, child, value) : KARFailure,
+                     where);
+    }
+    /// Adds a child element with an enumeration's word.
+    template <class Enum>
+    bool Word(std::wstring_view name, Enum value, Where where = Where::current())
+    {
+        return Value(name, KARMPEnumText(value), where);
+    }
+
+    /// Adds the child elements of a group of doubles; all are tried.
+    template <std::size_t N>
+    bool Values(const Names<N>& names, const std::array<double, N>& values,
+                Where where = Where::current())
+    {
+        return AddDoubles(names.data(), values.data(), N, where);
+    }
+    template <class Triple>
+    requires requires(const Triple& triple) { triple.GetX(); }
+    bool Values(const Names<3>& names, const Triple& triple, Where where = Where::current())
+    {
+        return Values(names, {triple.GetX(), triple.GetY(), triple.GetZ()}, where);
+    }
+    bool Values(const KARMath3x3Matrix& matrix, Where where = Where::current());
+
+    /// Adds a child element and gives a writer on it; a failed addition counts here too.
+    ElementWriter Child(std::wstring_view name, Where where = Where::current());
+
+    /// Adds a child element that refers to an entity by its identifier and, when names are written,
+    /// its name. A null entity is reported and leaves the element without attributes.
+    bool Reference(std::wstring_view name, const QOBSharedBase& entity,
+                   Where where = Where::current());
+    /// Adds a container with one reference for each entity that `get` hands out by index from 0,
+    /// nothing when `count` is below 1. Where `get` fails, the item's "id" and "name" are both the
+    /// bool true, so that the number of items stays right.
+    template <class T, class Get>
+    bool References(std::wstring_view container, std::wstring_view item, int count, Get get,
+                    Where where = Where::current())
+    {
+        if (count < 1)
+            return true;
+        ElementWriter list = Child(container, where);
+        for (int index = 0; list && index < count; ++index) {
+            QOBSharedHandle<T> entity;
+            if (KARFailed(get(index, entity)))
+                list.UnknownReference(item, where);
+            else
+                list.Reference(item, entity, where);
+        }
+        return !list.m_failed;
+    }
+
+    /// The same for the entities of a link list.
+    template <class T>
+    bool References(std::wstring_view container, std::wstring_view item,
+                    const KARMPLinkList<T>& list, Where where = Where::current())
+    {
+        const auto get = [&list](int index, QOBSharedHandle<T>& entity) {
+            return list.Get(index, entity);
+        };
+        return References<T>(container, item, list.Count(), get, where);
+    }
+
+    /// Writes "id" and, when `withName`, "name" of an entity as attributes of this element.
+    bool ReferenceAttributes(const KARMPEntity* entity, bool withName,
+                             Where where = Where::current());
+
+private:
+    bool Added(KARStatus status, Where where);
+    bool AddDoubles(const std::wstring_view* names, const double* values, std::size_t count,
+                    Where where);
+    void UnknownReference(std::wstring_view item, Where where);
+
+    KARMPSerializer* m_node = nullptr;
+    bool m_failed = false;
+};
+
+} // namespace karmp

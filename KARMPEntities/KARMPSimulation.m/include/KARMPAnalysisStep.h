@@ -1,0 +1,14 @@
+// One step of an analysis.
+#pragma once
+
+#include "KARMPEntity.h"
+
+class KARMP_API KARMPAnalysisStep : public KARMPEntity
+{
+    KARMP_ABSTRACT_ENTITY(KARMPAnalysisStep, KARMPEntity)
+
+protected:
+    KARMPAnalysisStep();
+    KARMPAnalysisStep(const KARMPAnalysisStep& source, CopyMode mode);
+    ~KARMPAnalysisStep() override;
+};

@@ -1,0 +1,14 @@
+// Tie of an attribute to another entity.
+#pragma once
+
+#include "KARMPEntity.h"
+
+class KARMP_API KARMPSupport : public KARMPEntity
+{
+    KARMP_ABSTRACT_ENTITY(KARMPSupport, KARMPEntity)
+
+protected:
+    KARMPSupport();
+    KARMPSupport(const KARMPSupport& source, CopyMode mode);
+    ~KARMPSupport() override;
+};
