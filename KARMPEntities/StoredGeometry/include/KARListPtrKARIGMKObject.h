@@ -1,0 +1,30 @@
+// A list of pointers to stored objects, as a stream saves and loads them; it counts no reference.
+#pragma once
+
+#include "KARIGMKObject.h"
+
+#include <vector>
+
+class KARListPtrKARIGMKObject
+{
+public:
+    /// Appends an object; what is not a stored object is entered as null.
+    void Append(KARBaseUnknown* object)
+    {
+        m_objects.push_back(KARSysDynamicCast<KARIGMKObject>(object));
+    }
+    /// Number of entries.
+    int Size() const { return static_cast<int>(m_objects.size()); }
+    /// The entry at a position that counts from 1; position 0 means the first entry too. Null
+    /// outside the list.
+    KARIGMKObject* operator[](int position) const
+    {
+        const int index = position == 0 ? 0 : position - 1;
+        return index < 0 || index >= Size() ? nullptr : m_objects[static_cast<std::size_t>(index)];
+    }
+    /// Empties the list.
+    void RemoveAll() { m_objects.clear(); }
+
+private:
+    std::vector<KARIGMKObject*> m_objects;
+};

@@ -1,0 +1,32 @@
+// The form of a stored block: mark, version, length of the payload (64 bits), its checksum,
+// payload. The payload is the number of objects and of listed ones, the objects' records, each of
+// which refers to earlier ones only, and the indices of the listed objects.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace kar {
+
+inline constexpr std::uint32_t BlockMark = 0x4B4D474BU;
+inline constexpr std::uint32_t BlockVersion = 1;
+inline constexpr std::size_t BlockHeaderSize = 20;
+
+/// What a record begins with. The numbers are stored: they are never given to another class.
+enum class StoredKind : std::uint8_t {
+    LineCurve = 1,
+    CircleArc = 2,
+    EllipseArc = 3,
+    PolylineCurve = 4,
+    NurbsCurve = 5,
+    PlaneSurface = 16,
+    CylinderSurface = 17,
+    NurbsSurface = 18,
+    LinearTransfoSurface = 19,
+    Body = 32,
+};
+
+/// The bytes of the smallest record: a kind and the counts of an empty body.
+inline constexpr std::size_t SmallestRecord = 13;
+
+} // namespace kar
