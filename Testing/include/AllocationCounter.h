@@ -1,0 +1,32 @@
+// Counts allocations in tests, and lets chosen ones fail.
+#pragma once
+
+#include <cstddef>
+
+/// Counts what its thread gets from the global operator new, in all its forms without an alignment,
+/// for as long as it lives. Counters may be nested; the innermost one counts.
+class AllocationCounter
+{
+public:
+    AllocationCounter();
+    ~AllocationCounter();
+    AllocationCounter(const AllocationCounter&) = delete;
+    AllocationCounter& operator=(const AllocationCounter&) = delete;
+
+    /// Allocations tried since the counter was made.
+    std::size_t Count() const { return m_count; }
+    /// Bytes asked for since the counter was made.
+    std::size_t Bytes() const { return m_bytes; }
+    /// Lets the n-th allocation from now on fail, counted from 1: operator new throws
+    /// std::bad_alloc, its form with std::nothrow gives null. 0 lets none fail.
+    void FailAllocation(std::size_t number) { m_untilFailure = number; }
+
+    /// Notes an allocation of this thread; false when it must fail. Called by operator new.
+    static bool Note(std::size_t bytes);
+
+private:
+    std::size_t m_count = 0;
+    std::size_t m_bytes = 0;
+    std::size_t m_untilFailure = 0;
+    AllocationCounter* m_outer;
+};

@@ -1,0 +1,95 @@
+#include "AllocationCounter.h"
+
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+thread_local AllocationCounter* innermostCounter = nullptr;
+
+void* Allocate(std::size_t bytes) noexcept
+{
+    return AllocationCounter::Note(bytes) ? std::malloc(bytes != 0 ? bytes : 1) : nullptr;
+}
+
+void* AllocateOrThrow(std::size_t bytes)
+{
+    if (void* const memory = Allocate(bytes)) {
+        return memory;
+    }
+    throw std::bad_alloc();
+}
+
+} // namespace
+
+AllocationCounter::AllocationCounter() : m_outer(innermostCounter)
+{
+    innermostCounter = this;
+}
+
+AllocationCounter::~AllocationCounter()
+{
+    innermostCounter = m_outer;
+}
+
+bool AllocationCounter::Note(std::size_t bytes)
+{
+    AllocationCounter* const counter = innermostCounter;
+    if (counter == nullptr) {
+        return true;
+    }
+    ++counter->m_count;
+    counter->m_bytes += bytes;
+    return counter->m_untilFailure == 0 || --counter->m_untilFailure != 0;
+}
+
+// All forms are replaced, since the runtime of a sanitizer has one of its own for each.
+void* operator new(std::size_t bytes)
+{
+    return AllocateOrThrow(bytes);
+}
+
+void* operator new[](std::size_t bytes)
+{
+    return AllocateOrThrow(bytes);
+}
+
+void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept
+{
+    return Allocate(bytes);
+}
+
+void* operator new[](std::size_t bytes, const std::nothrow_t&) noexcept
+{
+    return Allocate(bytes);
+}
+
+void operator delete(void* memory) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete[](void* memory) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete[](void* memory, std::size_t) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void* memory, const std::nothrow_t&) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete[](void* memory, const std::nothrow_t&) noexcept
+{
+    std::free(memory);
+}
