@@ -36,9 +36,14 @@ KARStatus QOBBasicEntity::addLogicalChild(const QOBSharedHandle<QOBBasicEntity>&
 {
     if (!child)
         return KARFailure;
-    for (const QOBBasicEntity* above = this; above != nullptr; above = above->m_parent) {
-        if (child == above)
-            return KARFailure;
+    if (child == this)
+        return KARFailure;
+    // Only an entity with children can be an ancestor, so that placing a leaf costs no walk.
+    if (child->getLogicalChildCount() > 0) {
+        for (const QOBBasicEntity* above = m_parent; above != nullptr; above = above->m_parent) {
+            if (child == above)
+                return KARFailure;
+        }
     }
     if (hasLogicalChild(child))
         return KARUnchanged;

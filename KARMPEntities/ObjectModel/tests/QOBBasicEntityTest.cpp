@@ -1,0 +1,231 @@
+#include "ObjectModelTestClasses.h"
+#include "QOBBasicBody3D.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(Extension, AndHostAreKeptByAReferenceToEither)
+{
+    const int before = Plan::s_living;
+    QOBSharedHandle<QOBBasicWorld> world = QOBBasicWorld::create(L"world");
+    QOBSharedHandle<Plan> plan(new Plan);
+    EXPECT_EQ(plan->bindExtension(world), KARSuccess);
+
+    const QOBBasicWorld* host = world.get();
+    world.detach();
+    EXPECT_EQ(plan->getExtendible().get(), host);
+
+    world = QOBSharedHandle<QOBBasicWorld>(plan->getExtendible());
+    plan.detach();
+    EXPECT_TRUE(world->hasExtension(Plan::ClassID()));
+    EXPECT_TRUE(world->getExtension(Plan::ClassID()));
+    EXPECT_EQ(Plan::s_living, before + 1);
+
+    world.detach();
+    EXPECT_EQ(Plan::s_living, before);
+}
+
+TEST(Extension, GoesWithItsHostWhenItWasNeverReferredTo)
+{
+    const int before = Plan::s_living;
+    {
+        const auto world = QOBBasicWorld::create(L"world");
+        auto* plan = new Plan;
+        EXPECT_EQ(plan->bindExtension(world), KARSuccess);
+        EXPECT_EQ(world->getReferenceCount(), 1U);
+    }
+    EXPECT_EQ(Plan::s_living, before);
+}
+
+TEST(Extension, MayHandItselfOutWhileItsHostGoes)
+{
+    const int before = Plan::s_living;
+    {
+        const auto world = QOBBasicWorld::create(L"world");
+        auto* plan = new Plan;
+        plan->atEnd = [](Plan& self) { const QOBSharedHandle<Plan> handle(&self); };
+        EXPECT_EQ(plan->bindExtension(world), KARSuccess);
+    }
+    EXPECT_EQ(Plan::s_living, before);
+}
+
+TEST(Extension, IsBoundOnceAndToAHostOnly)
+{
+    const auto first = QOBBasicWorld::create(L"first");
+    const auto second = QOBBasicWorld::create(L"second");
+    const QOBSharedHandle<Plan> plan(new Plan);
+    EXPECT_EQ(plan->bindExtension({}), KARFailure);
+    EXPECT_FALSE(plan->getExtendible());
+    EXPECT_EQ(plan->bindExtension(first), KARSuccess);
+    EXPECT_EQ(plan->bindExtension(second), KARFailure);
+    EXPECT_FALSE(second->hasExtension(Plan::ClassID()));
+    EXPECT_FALSE(second->getExtension(Plan::ClassID()));
+}
+
+TEST(Extension, IsDuplicatedForAnotherHost)
+{
+    const auto first = QOBBasicWorld::create(L"first");
+    const auto second = QOBBasicWorld::create(L"second");
+    const QOBSharedHandle<Plan> plan(new Plan);
+    EXPECT_EQ(plan->bindExtension(first), KARSuccess);
+    const QOBSharedObject* raw = plan->duplicateObject(QOBDynamicObject::CopyDefault,
+                                                       QOBSharedHandle<QOBNotificationAgent>());
+    const QOBSharedHandle<Plan> copy(raw);
+    raw->removeReference();
+    EXPECT_FALSE(copy->getExtendible());
+    EXPECT_EQ(copy->bindExtension(second), KARSuccess);
+    EXPECT_EQ(copy->getReferenceCount(), 1U);
+}
+
+TEST(Extension, WithoutAHostLivesByItsOwnReferences)
+{
+    const int before = Plan::s_living;
+    {
+        const QOBSharedHandle<Plan> plan(new Plan);
+        EXPECT_EQ(Plan::s_living, before + 1);
+    }
+    EXPECT_EQ(Plan::s_living, before);
+}
+
+TEST(BasicEntity, GivesBackTheNameItWasGiven)
+{
+    const auto item = makeItem();
+    EXPECT_EQ(item->getEntityName(), L"");
+    item->setEntityName(L"Crank");
+    EXPECT_EQ(
+        item->getEntityName(QOBBasicEntity::InternalName, QOBBasicEntity::ExternalNameSeparator),
+        L"Crank");
+    EXPECT_EQ(item->getEntityTypeName(), L"QOBBasicEntity");
+}
+
+TEST(BasicEntity, FindsTheWorldAboveItWhateverTheDepth)
+{
+    const auto world = QOBBasicWorld::create(L"world");
+    const auto outer = makeItem();
+    const auto inner = makeItem();
+    EXPECT_EQ(outer->addLogicalChild(inner), KARSuccess);
+    EXPECT_FALSE(inner->getWorld());
+    EXPECT_EQ(world->addLogicalChild(outer), KARSuccess);
+    EXPECT_EQ(outer->getWorld(), world);
+    EXPECT_EQ(inner->getWorld(), world);
+    EXPECT_EQ(world->getWorld(), world);
+}
+
+TEST(BasicEntity, MovesAChildToItsNewParent)
+{
+    const auto world = QOBBasicWorld::create(L"world");
+    const auto first = makeItem();
+    const auto second = makeItem();
+    const auto child = makeItem();
+    world->addLogicalChild(first);
+    first->addLogicalChild(child);
+    EXPECT_EQ(second->addLogicalChild(child), KARSuccess);
+    EXPECT_FALSE(first->hasLogicalChild(child));
+    EXPECT_TRUE(second->hasLogicalChild(child));
+    EXPECT_FALSE(child->getWorld());
+    EXPECT_EQ(first->getLogicalChildCount(), 0U);
+    EXPECT_EQ(second->addLogicalChild(child), KARUnchanged);
+    EXPECT_EQ(second->getLogicalChildCount(), 1U);
+}
+
+TEST(BasicEntity, RefusesNullItselfAndItsAncestorsAsChildren)
+{
+    const auto outer = makeItem();
+    const auto inner = makeItem();
+    outer->addLogicalChild(inner);
+    EXPECT_EQ(inner->addLogicalChild({}), KARFailure);
+    EXPECT_EQ(inner->addLogicalChild(inner), KARFailure);
+    EXPECT_EQ(inner->addLogicalChild(outer), KARFailure);
+    EXPECT_FALSE(outer->hasLogicalChild({}));
+}
+
+TEST(BasicEntity, LeavesItsPlaceWhenOrphaned)
+{
+    const auto world = QOBBasicWorld::create(L"world");
+    std::vector<QOBSharedHandle<Item>> items;
+    for (int i = 0; i < 100; ++i) {
+        items.push_back(makeItem());
+        world->addLogicalChild(items.back());
+    }
+    for (int i = 0; i < 100; i += 2)
+        items[static_cast<std::size_t>(i)]->orphanObject();
+    EXPECT_EQ(world->getLogicalChildCount(), 50U);
+    for (int i = 0; i < 100; ++i) {
+        const auto& item = items[static_cast<std::size_t>(i)];
+        EXPECT_EQ(world->hasLogicalChild(item), i % 2 == 1);
+        EXPECT_EQ(static_cast<bool>(item->getWorld()), i % 2 == 1);
+        EXPECT_EQ(item->getReferenceCount(), i % 2 == 1 ? 2U : 1U);
+    }
+}
+
+TEST(BasicWorld, OrphansAllThatHangsUnderItWithItsLastReference)
+{
+    const int before = Item::s_living;
+    std::vector<const Item*> orphaned;
+    {
+        const auto world = QOBBasicWorld::create(L"world");
+        const auto first = makeItem(&orphaned);
+        const auto second = makeItem(&orphaned);
+        const auto nested = makeItem(&orphaned);
+        first->partner = second;
+        second->partner = first;
+        world->addLogicalChild(first);
+        world->addLogicalChild(second);
+        second->addLogicalChild(nested);
+    }
+    EXPECT_EQ(orphaned.size(), 3U);
+    EXPECT_EQ(Item::s_living, before);
+}
+
+TEST(BasicWorld, OrphanedWhileReferredToStaysItsOwnWorld)
+{
+    const auto world = QOBBasicWorld::create(L"world");
+    const auto item = makeItem();
+    world->addLogicalChild(item);
+    world->orphanObject();
+    EXPECT_TRUE(world->isOrphaned());
+    EXPECT_TRUE(item->isOrphaned());
+    EXPECT_FALSE(item->getWorld());
+    EXPECT_EQ(world->getLogicalChildCount(), 0U);
+    EXPECT_EQ(world->getWorld(), world);
+}
+
+TEST(BasicWorld, WithADeepHierarchyIsFreedWithoutOverflowingTheStack)
+{
+    const int before = Item::s_living;
+    {
+        const auto world = QOBBasicWorld::create(L"world");
+        QOBSharedHandle<QOBBasicEntity> parent = world;
+        for (int i = 0; i < 100'000; ++i) {
+            const auto item = makeItem();
+            EXPECT_EQ(parent->addLogicalChild(item), KARSuccess);
+            parent = item;
+        }
+        EXPECT_EQ(parent->getWorld(), world);
+    }
+    EXPECT_EQ(Item::s_living, before);
+}
+
+TEST(BasicBody3D, KeepsItsPositionAndFloatingStatus)
+{
+    const auto body = QOBBasicBody3D::create(L"body");
+    EXPECT_TRUE(body->isFloating());
+    body->setFloating(false);
+    EXPECT_FALSE(body->isFloating());
+
+    KARMathTransformation position;
+    position.SetVector(KARMathVector(1.0, 2.0, 3.0));
+    EXPECT_EQ(body->SetPosition(position), KARSuccess);
+    KARMathTransformation read;
+    EXPECT_EQ(body->GetPosition(read), KARSuccess);
+    EXPECT_EQ(read.GetVector().GetZ(), 3.0);
+
+    EXPECT_EQ(body->addBody({}), KARFailure);
+    EXPECT_EQ(body->addBody(QOBBasicBody3D::create(L"child")), KARSuccess);
+    EXPECT_EQ(body->getBodyCount(), 1U);
+    body->orphanObject();
+    EXPECT_EQ(body->getBodyCount(), 0U);
+}
+
+} // namespace

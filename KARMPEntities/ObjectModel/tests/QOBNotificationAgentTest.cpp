@@ -1,0 +1,152 @@
+#include "ObjectModelTestClasses.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using Functor = QOBNotificationFunctor;
+
+class Listener : public QOBNotificationAgent
+{
+public:
+    void hear(Functor::Sender sender, Functor::Events events)
+    {
+        ++heard;
+        lastSender = sender.get();
+        lastEvents = events;
+    }
+
+    int heard = 0;
+    const QOBNotificationAgent* lastSender = nullptr;
+    Functor::Events lastEvents;
+};
+
+Functor::Events mask(std::size_t bit)
+{
+    return Functor::Events().set(bit);
+}
+
+TEST(NotificationAgent, TellsSubscribersOfTheEventsInTheirMask)
+{
+    const auto item = makeItem();
+    const QOBSharedHandle<Listener> listener(new Listener);
+    item->addSubscriber(Functor(*listener, &Listener::hear), mask(9));
+    item->postEvent(8);
+    EXPECT_EQ(listener->heard, 0);
+    item->postEvent(9);
+    EXPECT_EQ(listener->heard, 1);
+    EXPECT_EQ(listener->lastSender, item.get());
+    EXPECT_EQ(listener->lastEvents, mask(9));
+    EXPECT_EQ(item->getReferenceCount(), 1U);
+}
+
+TEST(NotificationAgent, IgnoresEventNumbersOutsideTheSet)
+{
+    const auto item = makeItem();
+    const QOBSharedHandle<Listener> listener(new Listener);
+    item->addSubscriber(Functor(*listener, &Listener::hear), Functor::Events().set());
+    item->postEvent(64);
+    item->postEvent(~std::uint64_t{0});
+    EXPECT_EQ(listener->heard, 0);
+    item->postEvent(63);
+    EXPECT_EQ(listener->heard, 1);
+}
+
+TEST(NotificationAgent, TellsAFunctorOnceForEachSubscription)
+{
+    const auto item = makeItem();
+    const QOBSharedHandle<Listener> listener(new Listener);
+    const Functor functor(*listener, &Listener::hear);
+    item->addSubscriber(functor, mask(9));
+    item->addSubscriber(functor, mask(9), -1);
+    item->postEvent(9);
+    EXPECT_EQ(listener->heard, 2);
+    item->removeSubscriber(functor);
+    item->postEvent(9);
+    EXPECT_EQ(listener->heard, 3);
+    item->removeSubscriber(functor);
+    item->removeSubscriber(functor);
+    item->postEvent(9);
+    EXPECT_EQ(listener->heard, 3);
+    EXPECT_EQ(item->getSubscriberCount(), 0U);
+}
+
+TEST(NotificationAgent, NeverCallsASubscriberThatDied)
+{
+    const auto item = makeItem();
+    {
+        const QOBSharedHandle<Listener> listener(new Listener);
+        item->addSubscriber(Functor(*listener, &Listener::hear), mask(9));
+        EXPECT_EQ(item->getSubscriberCount(), 1U);
+    }
+    EXPECT_EQ(item->getSubscriberCount(), 0U);
+    item->postEvent(9);
+}
+
+TEST(NotificationAgent, LetsHandlersSubscribeAndUnsubscribeMeanwhile)
+{
+    const auto item = makeItem();
+    const QOBSharedHandle<Listener> owner(new Listener);
+    int first = 0;
+    int later = 0;
+    const Functor added(*owner, [&later](Functor::Sender, Functor::Events) { ++later; });
+    Functor once;
+    once = Functor(*owner, [&](Functor::Sender, Functor::Events) {
+        ++first;
+        item->removeSubscriber(once);
+        item->addSubscriber(added, mask(9));
+    });
+    item->addSubscriber(once, mask(9));
+    item->postEvent(9);
+    EXPECT_EQ(first, 1);
+    EXPECT_EQ(later, 0);
+    item->postEvent(9);
+    EXPECT_EQ(first, 1);
+    EXPECT_EQ(later, 1);
+}
+
+TEST(NotificationAgent, DoesNotCallASubscriberThatAnEarlierOneRemoved)
+{
+    const auto item = makeItem();
+    const QOBSharedHandle<Listener> listener(new Listener);
+    const Functor second(*listener, &Listener::hear);
+    item->addSubscriber(
+        Functor(*listener,
+                [&](Functor::Sender, Functor::Events) { item->removeSubscriber(second); }),
+        mask(9));
+    item->addSubscriber(second, mask(9));
+    item->postEvent(9);
+    EXPECT_EQ(listener->heard, 0);
+}
+
+TEST(NotificationAgent, OutlivesAHandlerThatReleasesIt)
+{
+    const int before = Item::s_living;
+    auto item = makeItem();
+    const QOBSharedHandle<Listener> listener(new Listener);
+    item->addSubscriber(
+        Functor(*listener, [&item](Functor::Sender, Functor::Events) { item.detach(); }), mask(9));
+    item.get()->postEvent(9);
+    EXPECT_FALSE(item);
+    EXPECT_EQ(Item::s_living, before);
+}
+
+TEST(NotificationAgent, DropsItsSubscribersWhenOrphaned)
+{
+    const auto item = makeItem();
+    const QOBSharedHandle<Listener> listener(new Listener);
+    item->addSubscriber(Functor(*listener, &Listener::hear), mask(9));
+    item->orphanObject();
+    EXPECT_TRUE(item->isOrphaned());
+    item->postEvent(9);
+    EXPECT_EQ(listener->heard, 0);
+}
+
+TEST(NotificationFunctor, ThatCallsNothingIsNotAlive)
+{
+    const Functor functor;
+    EXPECT_FALSE(functor.isAlive());
+    functor(Functor::Sender(), Functor::Events());
+}
+
+} // namespace

@@ -1,0 +1,204 @@
+#include "ObjectModelTestClasses.h"
+#include "QOBException.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <thread>
+
+class NeverDefined;
+
+namespace {
+
+TEST(SharedHandle, HasTheSizeOfAPointer)
+{
+    EXPECT_EQ(sizeof(QOBSharedHandle<Link>), sizeof(void*));
+}
+
+TEST(SharedHandle, OfAnIncompleteTypeCanBeCopiedStoredAndDestroyed)
+{
+    const QOBSharedHandle<Link> object(new Link);
+    {
+        auto handle = QOBSharedHandle<NeverDefined>::unchecked(object);
+        std::vector<QOBSharedHandle<NeverDefined>> stored(3, handle);
+        handle = nullptr;
+        stored.push_back(stored.front());
+        EXPECT_EQ(object->getReferenceCount(), 5U);
+    }
+    EXPECT_EQ(object->getReferenceCount(), 1U);
+}
+
+TEST(SharedHandle, FreesTheReferentWithTheLastReference)
+{
+    const int before = Link::s_living;
+    QOBSharedHandle<Link> first(new Link);
+    QOBSharedHandle<Link> second(first, QOBSharedBase::WriteLock);
+    first.detach();
+    EXPECT_EQ(Link::s_living, before + 1);
+    second = static_cast<const Link*>(nullptr);
+    EXPECT_EQ(Link::s_living, before);
+}
+
+TEST(SharedHandle, FromANullPointerIsNull)
+{
+    const QOBSharedHandle<Link> handle(static_cast<const QOBSharedObject*>(nullptr),
+                                       QOBSharedBase::ReadLock);
+    EXPECT_FALSE(handle);
+    EXPECT_EQ(handle._getReferent(), nullptr);
+    EXPECT_FALSE(handle.isDerivedFrom(QOBSharedObject::ClassInfo()));
+}
+
+TEST(SharedHandle, AssignedToItselfKeepsItsReferent)
+{
+    QOBSharedHandle<Link> handle(new Link);
+    const QOBSharedHandle<Link>& same = handle;
+    handle = same;
+    EXPECT_EQ(handle->getReferenceCount(), 1U);
+}
+
+TEST(SharedHandle, ConvertsToABaseWithoutACast)
+{
+    const QOBSharedHandle<DerivedLink> derived(new DerivedLink);
+    const QOBSharedHandle<Link> base = derived;
+    EXPECT_EQ(base, derived);
+    static_assert(std::is_convertible_v<QOBSharedHandle<DerivedLink>, QOBSharedHandle<Link>>);
+    static_assert(!std::is_convertible_v<QOBSharedHandle<Link>, QOBSharedHandle<DerivedLink>>);
+}
+
+TEST(SharedHandle, NarrowsToTheTypeThatTheReferentHas)
+{
+    const QOBSharedHandle<Link> base(new DerivedLink);
+    const QOBSharedHandle<DerivedLink> derived(base, QOBSharedBase::NoLock);
+    EXPECT_EQ(derived, base);
+}
+
+TEST(SharedHandle, CastToAnUnrelatedTypeThrowsWithItsMessageAndLine)
+{
+    const QOBSharedHandle<Link> link(new Link);
+    try {
+        const QOBSharedHandle<Unrelated> wrong(link);
+        FAIL() << "no exception";
+    } catch (const QOBEInvalidCast& exception) {
+        EXPECT_EQ(exception.getMessage(),
+                  L"The source and target handles have incompatible referent types");
+        EXPECT_STREQ(exception.what(),
+                     "The source and target handles have incompatible referent types");
+        EXPECT_EQ(exception.getLine(), 140);
+        EXPECT_EQ(exception.getPath(), "QOBSharedHandle.h");
+    }
+    EXPECT_EQ(link->getReferenceCount(), 1U);
+}
+
+TEST(SharedHandle, CastFromARawPointerOfAnotherTypeThrows)
+{
+    const QOBSharedHandle<Link> link(new Link);
+    const QOBSharedObject* object = link.get();
+    EXPECT_THROW(QOBSharedHandle<Unrelated>{object}, QOBERuntimeError);
+    EXPECT_NO_THROW(QOBSharedHandle<Link>{object});
+}
+
+TEST(SharedHandle, CastFromANullHandleGivesANullHandle)
+{
+    const QOBSharedHandle<Link> null;
+    EXPECT_FALSE(QOBSharedHandle<Unrelated>(null));
+}
+
+TEST(SharedHandle, FailedAssignmentKeepsTheFormerReferent)
+{
+    QOBSharedHandle<Unrelated> handle(new Unrelated);
+    const QOBSharedObject* former = handle.get();
+    const QOBSharedHandle<Link> link(new Link);
+    EXPECT_THROW(handle = QOBSharedHandle<Unrelated>(link), QOBEInvalidCast);
+    EXPECT_EQ(handle.get(), former);
+}
+
+TEST(SharedHandle, AnswersForTheClassOfItsReferent)
+{
+    const QOBSharedHandle<QOBBasicWorld> world = QOBBasicWorld::create(L"world");
+    EXPECT_TRUE(world.isDerivedFrom(QOBBasicEntity::ClassInfo()));
+    EXPECT_FALSE(world.isInstanceOf(QOBBasicEntity::ClassInfo()));
+    EXPECT_EQ(world.getClassInfo().getName(), "QOBBasicWorld");
+}
+
+TEST(SharedHandle, EightThreadsCopyAndDropHandlesOnOneObject)
+{
+    const int before = Link::s_living;
+    {
+        const QOBSharedHandle<Link> shared(new Link);
+        std::vector<std::thread> threads;
+        for (int i = 0; i < 8; ++i) {
+            threads.emplace_back([&shared] {
+                for (int n = 0; n < 20000; ++n) {
+                    QOBSharedHandle<Link> copy = shared;
+                    const QOBSharedHandle<QOBSharedObject> base = copy;
+                    copy.detach();
+                }
+            });
+        }
+        for (std::thread& thread : threads)
+            thread.join();
+        EXPECT_EQ(shared->getReferenceCount(), 1U);
+    }
+    EXPECT_EQ(Link::s_living, before);
+}
+
+TEST(SharedHandle, ALongChainIsFreedWithoutOverflowingTheStack)
+{
+    const int before = Link::s_living;
+    QOBSharedHandle<Link> head;
+    for (int i = 0; i < 1'000'000; ++i) {
+        QOBSharedHandle<Link> link(new Link);
+        link->next = std::move(head);
+        head = std::move(link);
+    }
+    head.detach();
+    EXPECT_EQ(Link::s_living, before);
+}
+
+TEST(ClassInfo, HoldsThePlainNameSizeAndParent)
+{
+    const QOBClassInfo& info = QOBBasicEntity::ClassInfo();
+    EXPECT_EQ(info.getName(), "QOBBasicEntity");
+    EXPECT_EQ(info.getSize(), sizeof(QOBBasicEntity));
+    EXPECT_EQ(info.getParent(), &QOBExtendibleObject::ClassInfo());
+}
+
+TEST(ClassInfo, IsDerivedFromItselfAndItsAncestorsOnly)
+{
+    const QOBClassInfo& info = QOBBasicEntity::ClassInfo();
+    EXPECT_TRUE(info.isDerivedFrom(info));
+    EXPECT_TRUE(info.isDerivedFrom(QOBDynamicObject::ClassInfo()));
+    EXPECT_FALSE(info.isDerivedFrom(QOBBasicWorld::ClassInfo()));
+    EXPECT_TRUE(info.isInstanceOf(info));
+    EXPECT_FALSE(info.isInstanceOf(QOBDynamicObject::ClassInfo()));
+    EXPECT_FALSE(info == QOBDynamicObject::ClassInfo());
+}
+
+TEST(ClassInfo, AnswersForASecondParentToo)
+{
+    const QOBClassInfo info(typeid(Link*), sizeof(Link), nullptr, &QOBSharedObject::ClassInfo(),
+                            &QOBBasicWorld::ClassInfo());
+    EXPECT_EQ(info.getName(), "Link");
+    EXPECT_TRUE(info.isDerivedFrom(QOBBasicEntity::ClassInfo()));
+    EXPECT_TRUE(info.isDerivedFrom(QOBSharedObject::ClassInfo()));
+}
+
+TEST(Uuid, KeepsItsTextAndComparesWithoutLetterCase)
+{
+    const QOBUUID mixed("176BF2B8-53E8-403b-99E3-38D09FEA994B");
+    EXPECT_EQ(mixed.getText(), "176BF2B8-53E8-403b-99E3-38D09FEA994B");
+    EXPECT_TRUE(mixed == QOBUUID("176bf2b8-53e8-403B-99e3-38d09fea994b"));
+    EXPECT_FALSE(mixed == QOBUUID("176BF2B8-53E8-403b-99E3-38D09FEA994C"));
+    EXPECT_FALSE(mixed == QOBUUID(""));
+}
+
+TEST(DynamicObject, WithoutOperationsIsNeitherReplicatedNorDuplicated)
+{
+    const QOBSharedHandle<Link> link(new Link);
+    EXPECT_EQ(link->replicateObject(), nullptr);
+    EXPECT_EQ(link->duplicateObject(QOBDynamicObject::CopyDefault), nullptr);
+    EXPECT_EQ(link->getClassID().getText(), "");
+    EXPECT_EQ(link->getClassName(), "QOBSharedObject");
+}
+
+} // namespace
