@@ -78,3 +78,13 @@ TEST(Mutex, SmartOnesOfOneNumberAreOneLock)
     }
     EXPECT_TRUE(AnotherThreadGetsNumber(12));
 }
+
+TEST(Mutex, ASmartOneGivesBackAllItHoldsAtItsEnd)
+{
+    {
+        KARSmartMutex mutex(14);
+        for (int i = 0; i < 3; ++i)
+            mutex.Lock();
+    }
+    EXPECT_TRUE(AnotherThreadGetsNumber(14));
+}
