@@ -281,10 +281,11 @@ private:
     bool FailAtCount(std::size_t offset, const kar::OperationInfo& function, int count)
     {
         const int needed = function.minArguments;
-        return Fail(offset, GetWord(function.operation) + " takes " + std::to_string(needed) +
-                                (function.maxArguments > needed ? " or more" : "") +
-                                (needed == 1 ? " argument" : " arguments") + ", not " +
-                                std::to_string(count));
+        const bool isVariadic = function.maxArguments > needed;
+        std::string error = GetWord(function.operation) + " takes " + std::to_string(needed);
+        error += isVariadic ? " or more" : "";
+        error += needed == 1 && !isVariadic ? " argument" : " arguments";
+        return Fail(offset, error + ", not " + std::to_string(count));
     }
 
     void PushVariable()

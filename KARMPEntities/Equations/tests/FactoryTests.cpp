@@ -206,28 +206,44 @@ TEST(ExpressionTree, DepthEndsWhereTheParserEnds)
     }
 }
 
-TEST(ExpressionTree, DeepRightSidesAndDeepPowersStillParse)
+// An operator applied over and over, its last result standing to the right or to the left each
+// time; null if the tree refuses.
+KARWBEquation* Chain(KARWBFactory& factory, KARWBOperation operation, int count, bool isToTheRight)
 {
-    // The first operand is the innermost: it goes to the right, to the left, or to both by turns.
-    const KARWBOperation operations[] = {KARWBOperation::Subtract, KARWBOperation::Power,
-                                         KARWBOperation::Less};
+    KARWBEquation* equation = factory.CreateEquation();
+    equation->PushNumber(1.0);
+    for (int i = 0; isToTheRight && i < count; ++i)
+        equation->PushNumber(1.0);
+    for (int i = 0; i < count; ++i) {
+        if (!isToTheRight)
+            equation->PushNumber(1.0);
+        if (KARFailed(equation->Apply(operation)))
+            return nullptr;
+    }
+    return equation;
+}
+
+TEST(ExpressionTree, DeepestChainsOfEachKindStillParse)
+{
+    const KARWBOperation operations[] = {KARWBOperation::Subtract, KARWBOperation::Divide,
+                                         KARWBOperation::Power, KARWBOperation::Less};
+    constexpr int Limit = KARWBExpressionTree::MaxDepth;
     for (const KARWBOperation operation : operations) {
-        KARWBFactory factory;
-        KARWBEquation* rightDeep = factory.CreateEquation();
-        for (int i = 0; i < 300; ++i)
-            rightDeep->PushNumber(1.0);
-        while (!KARFailed(rightDeep->Apply(operation))) {
-        }
-        KARWBEquation* leftDeep = factory.CreateEquation();
-        leftDeep->PushNumber(1.0);
-        for (int i = 0; i < 300; ++i) {
-            leftDeep->PushNumber(1.0);
-            if (KARFailed(leftDeep->Apply(operation)))
-                break;
-        }
-        EXPECT_EQ(rightDeep->GetTree().GetDepth(), KARWBExpressionTree::MaxDepth);
-        if (leftDeep->IsComplete()) {
-            EXPECT_EQ(Parsed(Print(leftDeep)).status, KARSuccess);
+        for (const bool isToTheRight : {false, true}) {
+            KARWBFactory factory;
+            const bool isFlat = !isToTheRight && operation != KARWBOperation::Power &&
+                                operation != KARWBOperation::Less;
+            // The innermost operation needs no parentheses; in an exponent it is a level all the
+            // same.
+            const bool isExponent = isToTheRight && operation == KARWBOperation::Power;
+            const int count = isFlat ? 10 * Limit : isExponent ? Limit : Limit + 1;
+            KARWBEquation* deepest = Chain(factory, operation, count, isToTheRight);
+            ASSERT_NE(deepest, nullptr);
+            EXPECT_EQ(deepest->GetTree().GetDepth(), isFlat ? 0 : Limit);
+            const Parsed again(Print(deepest));
+            ASSERT_EQ(again.status, KARSuccess) << again.messenger.GetText();
+            EXPECT_TRUE(again.First()->IsSameAs(*deepest));
+            EXPECT_EQ(Chain(factory, operation, count + 1, isToTheRight) == nullptr, !isFlat);
         }
     }
 }

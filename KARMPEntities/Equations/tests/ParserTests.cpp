@@ -203,7 +203,7 @@ TEST(EquationParser, FunctionsNeedTheirArguments)
     EXPECT_EQ(FirstError("1 + atan2(a)"), "1:5: atan2 takes 2 arguments, not 1");
     EXPECT_EQ(FirstError("sin()"), "1:1: sin takes 1 argument, not 0");
     EXPECT_EQ(FirstError("sin(a, b)"), "1:1: sin takes 1 argument, not 2");
-    EXPECT_EQ(FirstError("min()"), "1:1: min takes 1 or more argument, not 0");
+    EXPECT_EQ(FirstError("min()"), "1:1: min takes 1 or more arguments, not 0");
     EXPECT_EQ(FirstError("sin + 1"), "1:5: expected '(' after the function sin, found \"+\"");
     EXPECT_EQ(FirstError("max(a,"), "1:7: expected a number, a name or '(', found the end");
     EXPECT_EQ(FirstError("max(a b)"), "1:7: expected an operator, ',' or ')', found \"b\"");
