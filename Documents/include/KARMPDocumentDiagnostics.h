@@ -1,0 +1,98 @@
+// What saving, loading and checking a document have to say: messages with a severity, a stable
+// code, a place in the file and a path in the tree.
+#pragma once
+
+#include "KARMPDocumentsExport.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace karmp::documents {
+
+/// How bad a message is. After an error something of the document is lost or wrong; a warning tells
+/// of something that was skipped or looks mistaken.
+enum class Severity : std::uint8_t { Warning, Error };
+
+/// What a message is about. The texts of CodeText are stable, the numbers are not.
+enum class Code : std::uint8_t {
+    CannotOpen,          ///< The file cannot be opened.
+    CannotRead,          ///< The file, or no file, cannot be read.
+    CannotWrite,         ///< The file cannot be written; what was there before is still there.
+    Empty,               ///< The document has no content.
+    Encoding,            ///< The document is not UTF-8.
+    Syntax,              ///< The document is no well-formed XML.
+    Reference,           ///< An unknown or invalid character or entity reference; kept as text.
+    Doctype,             ///< The document has a document type declaration, which is refused.
+    TooLarge,            ///< The document has more bytes than the limit.
+    TooDeep,             ///< An element stands deeper than the limit.
+    TooManyNodes,        ///< There are more elements and attributes than the limit.
+    NameTooLong,         ///< The name of an element or attribute is longer than the limit.
+    TooManyDiagnostics,  ///< The list of messages ends here.
+    WrongRoot,           ///< The root element has another name.
+    MissingVersion,      ///< The root has no version; the current one is taken.
+    UnknownVersion,      ///< The root's version is not one of the known ones.
+    InvalidName,         ///< A node's name is no XML name.
+    DuplicateAttribute,  ///< An element has two attributes of one name.
+    UnknownElement,      ///< An element that nothing reads.
+    UnknownAttribute,    ///< An attribute that nothing reads.
+    UnexpectedText,      ///< A text in an element that has no value.
+    LaterElement,        ///< An element of a later version than the document's.
+    UnknownClass,        ///< No entity class belongs to the element.
+    MissingElement,      ///< A required element is missing.
+    MissingAttribute,    ///< A required attribute is missing.
+    InvalidValue,        ///< A text is not of the kind or word list that its element wants.
+    DuplicateElement,    ///< An element that is read once stands twice.
+    DuplicateIdentifier, ///< Two entities carry one identifier; the second replaces the first.
+    UnresolvedReference, ///< A reference to an identifier that no entity carries.
+    WrongClass,          ///< A reference to an entity of a class that does not fit there.
+    WrongRegistry,       ///< An entity stands in the list of another family.
+    FailedCheck,         ///< The entity library reported a failed check.
+    InvalidCast,         ///< The entity library gave up on a reference of a wrong class.
+    OutOfMemory,         ///< Memory ended.
+    Failed               ///< Anything else made the operation fail.
+};
+
+/// The stable text of a code in lower case with hyphens, "duplicate-identifier" for one.
+KARMP_DOCUMENTS_API std::string_view CodeText(Code code);
+/// "warning" or "error".
+KARMP_DOCUMENTS_API std::string_view SeverityText(Severity severity);
+
+/// One message.
+struct Diagnostic
+{
+    Severity severity = Severity::Error;
+    Code code = Code::Failed;
+    /// The file's name as it was given, or the name given for a text in memory.
+    std::string file;
+    /// Line from 1; 0 when the message belongs to no place.
+    std::size_t line = 0;
+    /// Byte in the line from 1; 0 when the message belongs to no place in the line.
+    std::size_t column = 0;
+    /// The element, or attribute behind an "@", from the root:
+    /// "/KARMPDocument/World/Bodies/Body[3]". Elements count from 1 among those of one name and
+    /// parent; an only one has no number.
+    std::string path;
+    /// What is the matter, in UTF-8, in one line.
+    std::string text;
+};
+
+/// "file:line:column: severity: text [code] at path", without the parts that are empty.
+KARMP_DOCUMENTS_API std::string Format(const Diagnostic& diagnostic);
+
+/// The messages of one operation in the order in which they came up.
+struct KARMP_DOCUMENTS_API Diagnostics
+{
+    std::vector<Diagnostic> items;
+
+    /// Number of messages of a severity.
+    std::size_t Count(Severity severity) const;
+    /// True when there is an error among them.
+    bool HasErrors() const { return Count(Severity::Error) != 0; }
+    /// The first message of a code, null when there is none.
+    const Diagnostic* Find(Code code) const;
+};
+
+} // namespace karmp::documents

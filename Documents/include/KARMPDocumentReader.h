@@ -1,0 +1,93 @@
+// KARMPDocumentReader is the node of the element tree that a document is loaded into.
+#pragma once
+
+#include "KARMPDeserializer.h"
+#include "KARMPDocumentDiagnostics.h"
+#include "KARMPDocumentLimits.h"
+#include "KARMPDocumentsExport.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace karmp::documents {
+
+class NodeArena;
+class TreeBuilder;
+
+} // namespace karmp::documents
+
+/// A node holds its attributes and its value as texts and knows its place in the source. The nodes
+/// of a document live as long as the karmp::documents::Document that they belong to.
+class KARMP_DOCUMENTS_API KARMPDocumentReader final : public KARMPDeserializer
+{
+public:
+    ~KARMPDocumentReader() override;
+
+    /// "line:column" of the element's name.
+    std::wstring Location() const override;
+    /// Line of the element's name from 1.
+    std::size_t Line() const { return m_line; }
+    /// Byte of the element's name in its line from 1.
+    std::size_t Column() const { return m_column; }
+
+    /// The memory of nodes comes from their document and goes with it.
+    static void* operator new(std::size_t size, karmp::documents::NodeArena& arena);
+    static void operator delete(void* memory, karmp::documents::NodeArena& arena);
+    static void operator delete(void* memory);
+
+private:
+    friend class karmp::documents::TreeBuilder;
+    KARMPDocumentReader(std::uint32_t line, std::uint32_t column);
+
+    std::uint32_t m_line;
+    std::uint32_t m_column;
+};
+
+namespace karmp::documents {
+
+/// A parsed document: its tree and what there is to say about it.
+class KARMP_DOCUMENTS_API Document
+{
+public:
+    /// Parses a file.
+    static Document ReadFile(const std::filesystem::path& path, const Limits& limits = {});
+    /// Parses a text in memory, which messages call by `name`.
+    static Document ReadText(std::string text, std::string name = "<text>",
+                             const Limits& limits = {});
+
+    Document(Document&&) noexcept;
+    Document& operator=(Document&&) noexcept;
+    ~Document();
+
+    /// The root element, every node at the document's version; null when there is no tree: an error
+    /// of syntax, a limit exceeded, a wrong root.
+    const KARMPDocumentReader* Root() const { return m_root; }
+    /// The version that the root names, the current one when it names none.
+    const std::wstring& Version() const { return m_version; }
+    /// The name that messages call the document by.
+    const std::string& Name() const { return m_name; }
+    /// What parsing, and the calls of Check, had to say.
+    const Diagnostics& Messages() const { return m_messages; }
+
+    /// Compares the tree with what the entity classes read and adds what it finds to the messages:
+    /// unknown classes, elements and attributes, missing items, values of a wrong kind, identifiers
+    /// carried twice, references to nothing or to a wrong class.
+    void Check();
+
+private:
+    friend class TreeBuilder;
+    Document(std::string name, const Limits& limits);
+
+    std::unique_ptr<NodeArena> m_arena;
+    KARMPDocumentReader* m_root = nullptr;
+    std::string m_name;
+    std::wstring m_version;
+    Limits m_limits;
+    Diagnostics m_messages;
+};
+
+} // namespace karmp::documents

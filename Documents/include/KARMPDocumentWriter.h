@@ -1,0 +1,58 @@
+// KARMPDocumentWriter is the node of the element tree that documents are saved from. Every text
+// form is rendered from the same tree.
+#pragma once
+
+#include "KARMPDocumentDiagnostics.h"
+#include "KARMPDocumentLimits.h"
+#include "KARMPDocumentsExport.h"
+#include "KARMPSerializer.h"
+#include "KARMPVersions.h"
+
+#include <cstddef>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace karmp::documents {
+
+class XmlRenderer;
+
+/// Which doubles a tree keeps.
+enum class Doubles {
+    Snapped, ///< Those on the grid of 1e-12, unless the environment asks for exact ones.
+    Exact    ///< All doubles as they are.
+};
+
+} // namespace karmp::documents
+
+/// A node without a name is the root of a document; its rendered form is a whole document with the
+/// node's version. Any other node renders as its element alone.
+class KARMP_DOCUMENTS_API KARMPDocumentWriter final : public KARMPSerializer
+{
+public:
+    /// A root for a document of a version.
+    explicit KARMPDocumentWriter(
+        std::wstring_view version = karmp::CurrentVersion,
+        karmp::documents::Doubles doubles = karmp::documents::Doubles::Snapped);
+    ~KARMPDocumentWriter() override;
+
+    /// Appends the rendered form to `text`; KARFailure, with `text` unchanged, where RenderXml
+    /// fails.
+    KARStatus Render(std::wstring& text) const override;
+    /// Saves the rendered form as SaveXml does, at the default limits.
+    KARStatus Save(const char* path) const override;
+
+    /// Appends the rendered form to `bytes` as UTF-8. A name that is no XML name, an attribute that
+    /// stands twice, and a limit exceeded are errors, with `bytes` unchanged.
+    karmp::documents::Diagnostics RenderXml(std::string& bytes,
+                                            const karmp::documents::Limits& limits = {}) const;
+    /// Renders into a file, which is replaced as a whole or not at all.
+    karmp::documents::Diagnostics SaveXml(const std::filesystem::path& path,
+                                          const karmp::documents::Limits& limits = {}) const;
+
+protected:
+    KARMPSerializer* CreateChildElement() override;
+
+private:
+    friend class karmp::documents::XmlRenderer;
+};

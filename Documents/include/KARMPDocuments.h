@@ -1,0 +1,88 @@
+// Worlds to and from documents: saving, loading and checking. No function throws; everything there
+// is to say stands in the diagnostics.
+#pragma once
+
+#include "KARMPDocumentDiagnostics.h"
+#include "KARMPDocumentLimits.h"
+#include "KARMPDocumentReader.h"
+#include "KARMPDocumentWriter.h"
+#include "KARMPDocumentsExport.h"
+#include "KARMPVersions.h"
+#include "QOBSharedHandle.h"
+
+#include <filesystem>
+#include <iosfwd>
+#include <string>
+#include <string_view>
+#include <vector>
+
+class KARMPWorld;
+
+namespace karmp::documents {
+
+/// The tags that a document's version may have, in ascending order.
+KARMP_DOCUMENTS_API const std::vector<std::wstring_view>& KnownVersions();
+
+/// How a world is saved.
+struct SaveOptions
+{
+    /// The version that the document is written for, one of KnownVersions.
+    std::wstring version = std::wstring(CurrentVersion);
+    Doubles doubles = Doubles::Snapped;
+    Limits limits;
+};
+
+/// Saves a world to a file. The document is written to a new file in the same folder, which takes
+/// the place of the old one when all of it is on the disk: a failure leaves the old file as it was.
+/// The permissions of a file that is replaced are kept; a symbolic link stays one, and the file it
+/// leads to is replaced. Failed checks of the library are warnings; after an error nothing was
+/// saved.
+KARMP_DOCUMENTS_API Diagnostics SaveFile(const QOBSharedHandle<KARMPWorld>& world,
+                                         const std::filesystem::path& path,
+                                         const SaveOptions& options = {});
+/// Replaces `text` with a world's document; after an error `text` is unchanged.
+KARMP_DOCUMENTS_API Diagnostics SaveText(const QOBSharedHandle<KARMPWorld>& world,
+                                         std::string& text, const SaveOptions& options = {});
+/// Writes a world's document to a stream.
+KARMP_DOCUMENTS_API Diagnostics SaveStream(const QOBSharedHandle<KARMPWorld>& world,
+                                           std::ostream& stream, const SaveOptions& options = {});
+
+/// How a world is loaded.
+struct LoadOptions
+{
+    Limits limits;
+    /// Compare the document with what the entity classes read, as Document::Check does.
+    bool check = true;
+};
+
+/// A loaded world.
+struct LoadResult
+{
+    /// The world, null when the document has no tree. It holds what could be read, whatever the
+    /// diagnostics say.
+    QOBSharedHandle<KARMPWorld> world;
+    /// The document's version.
+    std::wstring version;
+    Diagnostics diagnostics;
+};
+
+/// Loads a file into `into`, or into a new world under a QOBBasicWorld of its own when that is
+/// null. The handle of a world keeps its QOBBasicWorld. Entities that `into` holds already stay.
+KARMP_DOCUMENTS_API LoadResult LoadFile(const std::filesystem::path& path,
+                                        const LoadOptions& options = {},
+                                        const QOBSharedHandle<KARMPWorld>& into = {});
+/// The same from a text in memory, which the diagnostics call by `name`.
+KARMP_DOCUMENTS_API LoadResult LoadText(std::string text, const std::string& name = "<text>",
+                                        const LoadOptions& options = {},
+                                        const QOBSharedHandle<KARMPWorld>& into = {});
+/// The same from bytes of unknown origin, at Limits::Tight.
+KARMP_DOCUMENTS_API LoadResult LoadUntrusted(std::string_view bytes);
+
+/// Checks a file without making a world of it.
+KARMP_DOCUMENTS_API Diagnostics CheckFile(const std::filesystem::path& path,
+                                          const Limits& limits = {});
+/// Checks a text in memory without making a world of it.
+KARMP_DOCUMENTS_API Diagnostics CheckText(std::string text, const std::string& name = "<text>",
+                                          const Limits& limits = {});
+
+} // namespace karmp::documents

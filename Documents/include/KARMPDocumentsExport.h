@@ -1,0 +1,12 @@
+// Marks what the documents library exports.
+#pragma once
+
+#if defined(_WIN32)
+#    if defined(KARMP_DOCUMENTS_BUILD)
+#        define KARMP_DOCUMENTS_API __declspec(dllexport)
+#    else
+#        define KARMP_DOCUMENTS_API __declspec(dllimport)
+#    endif
+#else
+#    define KARMP_DOCUMENTS_API __attribute__((visibility("default")))
+#endif
