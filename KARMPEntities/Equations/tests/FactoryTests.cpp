@@ -231,12 +231,11 @@ TEST(ExpressionTree, DeepestChainsOfEachKindStillParse)
     for (const KARWBOperation operation : operations) {
         for (const bool isToTheRight : {false, true}) {
             KARWBFactory factory;
-            const bool isFlat = !isToTheRight && operation != KARWBOperation::Power &&
-                                operation != KARWBOperation::Less;
-            // The innermost operation needs no parentheses; in an exponent it is a level all the
-            // same.
-            const bool isExponent = isToTheRight && operation == KARWBOperation::Power;
-            const int count = isFlat ? 10 * Limit : isExponent ? Limit : Limit + 1;
+            const bool isFlat = !isToTheRight && (operation == KARWBOperation::Subtract ||
+                                                  operation == KARWBOperation::Divide);
+            // The innermost operation needs no parentheses, but an exponent is a level by itself.
+            const bool isPower = operation == KARWBOperation::Power;
+            const int count = isFlat ? 10 * Limit : isPower ? Limit : Limit + 1;
             KARWBEquation* deepest = Chain(factory, operation, count, isToTheRight);
             ASSERT_NE(deepest, nullptr);
             EXPECT_EQ(deepest->GetTree().GetDepth(), isFlat ? 0 : Limit);
