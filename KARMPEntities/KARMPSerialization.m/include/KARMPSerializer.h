@@ -47,7 +47,7 @@ public:
 
     /// Creates a child with a value; a second report and KARFailure where the form without a value
     /// fails. A double is snapped to a grid of 1e-12, half away from zero, unless the environment
-    /// variable "SERIALIZATION_PRECISION" is set.
+    /// variable "SERIALIZATION_PRECISION" is set or the tree keeps doubles exact.
     KARStatus AddElement(std::wstring_view name, KARMPSerializer*& child, std::wstring_view value);
     KARStatus AddElement(std::wstring_view name, KARMPSerializer*& child, const wchar_t* value);
     KARStatus AddElement(std::wstring_view name, KARMPSerializer*& child, std::wstring&& value);
@@ -71,6 +71,10 @@ public:
 
 protected:
     using Type = KARMPSerializationVariable::Type;
+
+    /// Makes this node, and the children it creates from now on, keep doubles as they are, whether
+    /// the environment asks for that or not.
+    void SetExactDoubles(bool exact) { m_exactDoubles = exact; }
 
     /// A new node of the concrete class, or null.
     virtual KARMPSerializer* CreateChildElement() = 0;
@@ -109,6 +113,7 @@ private:
     KARStatus AddElementWithValue(std::wstring_view name, KARMPSerializer*& child,
                                   karmp::NodeValue&& value);
     const karmp::NodeAttribute& Attribute(int index) const;
+    double StoredDouble(double value) const;
     void Clean() noexcept;
 
     karmp::NodeText m_name;
@@ -116,4 +121,5 @@ private:
     karmp::NodeArray<KARMPSerializer*> m_elements;
     karmp::NodeArray<karmp::NodeAttribute> m_attributes;
     karmp::NodeText m_version;
+    bool m_exactDoubles = false;
 };

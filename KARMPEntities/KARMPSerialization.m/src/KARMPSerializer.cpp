@@ -32,11 +32,6 @@ double SnapToGrid(double value)
     return magnitude * sign * Grid;
 }
 
-double StoredDouble(double value)
-{
-    return KARGetEnv("SERIALIZATION_PRECISION") != nullptr ? value : SnapToGrid(value);
-}
-
 std::wstring_view ViewOf(const wchar_t* text)
 {
     return text != nullptr ? std::wstring_view(text) : std::wstring_view();
@@ -49,6 +44,12 @@ KARMPSerializer::KARMPSerializer() : m_version(NodeText::Name(karmp::CurrentVers
 KARMPSerializer::~KARMPSerializer()
 {
     Clean();
+}
+
+double KARMPSerializer::StoredDouble(double value) const
+{
+    const bool exact = m_exactDoubles || KARGetEnv("SERIALIZATION_PRECISION") != nullptr;
+    return exact ? value : SnapToGrid(value);
 }
 
 void KARMPSerializer::Clean() noexcept
@@ -109,6 +110,7 @@ KARStatus KARMPSerializer::AddElement(std::wstring_view name, KARMPSerializer*& 
     created->m_name = NodeText::Name(name);
     created->m_value = NodeValue();
     created->m_version = m_version;
+    created->m_exactDoubles = m_exactDoubles;
     m_elements.Append(created.get());
     child = created.release();
     return KARSuccess;
