@@ -3,6 +3,7 @@
 
 #include "KARIGMKObject.h"
 
+#include <cstddef>
 #include <vector>
 
 class KARListPtrKARIGMKObject
@@ -19,8 +20,10 @@ public:
     /// outside the list.
     KARIGMKObject* operator[](int position) const
     {
-        const int index = position == 0 ? 0 : position - 1;
-        return index < 0 || index >= Size() ? nullptr : m_objects[static_cast<std::size_t>(index)];
+        if (position < 0 || position > Size() || m_objects.empty()) {
+            return nullptr;
+        }
+        return m_objects[static_cast<std::size_t>(position == 0 ? 0 : position - 1)];
     }
     /// Empties the list.
     void RemoveAll() { m_objects.clear(); }
