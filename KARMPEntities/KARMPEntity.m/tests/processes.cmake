@@ -1,0 +1,25 @@
+# What a failed check does is decided once a process.
+set(suite FailedCheckProcess)
+foreach(test IN ITEMS
+        WithoutVariablesAReportHasNoVisibleEffect TheEnvironmentIsReadAtTheFirstReportOnly
+        ACheckThatHoldsDoesNotReadTheEnvironment TheDevelopmentStageLogsAndGoesOn
+        AFatalReportEndsTheProcessInTheDevelopmentStage AFatalReportHasNoEffectInANormalRun
+        TheTextLeavesOutTheReportingCodeItself)
+    karmp_process_test(KARMPEntityTests ${suite}.${test})
+endforeach()
+foreach(test IN ITEMS
+        TheAbendVariableEndsTheProcessThroughFatalError TheAbendVariableEndsTheProcessForGood
+        AMessageOnlyReportLeavesThePlaceOut TheAbendVariableOutweighsTheDevelopmentStage
+        AListenerHearsAReportBeforeTheProcessEnds)
+    karmp_process_test(KARMPEntityTests ${suite}.${test} ADL_ODT_IN=1)
+endforeach()
+karmp_process_test(
+    KARMPEntityTests ${suite}.AnAbendVariableWithoutAValueCountsAsSet ADL_ODT_IN=
+)
+foreach(test IN ITEMS
+        TheSilencingVariableOutweighsTheAbendVariable AListenerHearsASilencedReport)
+    karmp_process_test(KARMPEntityTests ${suite}.${test} ADL_ODT_IN=1 CP_NO_ABEND=1)
+endforeach()
+karmp_process_test(
+    KARMPEntityTests ${suite}.TheSilencingVariableOutweighsTheDevelopmentStage CP_NO_ABEND=1
+)
