@@ -1,0 +1,256 @@
+// Root of a mechanism model: its settings, the registries of its entities, and its global entities.
+//
+// A world extends a basic world, whose life it shares and under which the entities stand. It solves
+// nothing: it stores, lists and hands out.
+#pragma once
+
+#include "KARBaseUnknown_var.h"
+#include "KARMPEnumerations.h"
+#include "KARMPExport.h"
+#include "KARMPFamilies.h"
+#include "KARMPRegistry.h"
+#include "KARMathPoint.h"
+#include "KARMathVector.h"
+#include "KARStatus.h"
+#include "QOBExtension.h"
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+class KARMPAxisSystem;
+class KARMPDeserializer;
+class KARMPSerializer;
+class KARWBFactory;
+class QOBBasicEntity;
+class QOBBasicWorld;
+
+namespace karmp {
+
+template <class List>
+class RegistrySet;
+/// One registry for each family of a list, made in the order of the list and destroyed backwards.
+template <class... T>
+class RegistrySet<FamilyList<T...>> : public KARMPRegistry<T>...
+{};
+
+} // namespace karmp
+
+class KARMP_API KARMPWorld : public QOBExtensionObject
+{
+public:
+    using Super = QOBExtensionObject;
+
+    /// The class's GUID.
+    static const QOBUUID& ClassID();
+    /// The class's record.
+    static const QOBClassInfo& ClassInfo();
+    /// The class's name.
+    static std::string ClassName();
+    /// A new world that extends the basic world. It lists its global body, global axis system and
+    /// global time.
+    static QOBSharedHandle<KARMPWorld> create(QOBSharedHandle<QOBBasicWorld> basicWorld);
+    /// A copy, made by the copy constructor, that extends the basic world.
+    static QOBSharedHandle<KARMPWorld> clone(QOBSharedHandle<KARMPWorld> source, CopyMode mode,
+                                             QOBSharedHandle<QOBBasicWorld> basicWorld);
+    /// Takes the world's globals apart and empties the handle.
+    static void destroy(QOBSharedHandle<KARMPWorld>& world);
+    /// A new world that extends nothing and carries one reference.
+    static QOBSharedObject* _CreateObject();
+
+    std::string getClassName() const override;
+    const QOBClassInfo& getClassInfo() const override;
+    bool isInstanceOf(const QOBClassInfo& info) const override;
+    bool isDerivedFrom(const QOBClassInfo& info) const override;
+    /// Takes the global axis system out of the global body; once.
+    void orphanObject() override;
+    QOBSharedObject* _replicateObject() const override;
+    QOBSharedObject* _duplicateObject(CopyMode mode) const override;
+    const QOBUUID& getClassID() const override;
+
+    /// Origin, size and gravity: stored and handed out as they are, in the units of the model;
+    /// always 0.
+    virtual KARStatus SetOrigin(const KARMathPoint& origin);
+    virtual KARStatus GetOrigin(KARMathPoint& origin) const;
+    virtual KARStatus SetSize(double x, double y, double z);
+    virtual KARStatus GetSize(double& x, double& y, double& z) const;
+    virtual KARStatus SetGravity(const KARMathVector& gravity);
+    virtual KARStatus GetGravity(KARMathVector& gravity) const;
+    /// Hands out the factory of the world's equations. Without one a failed check and a failure.
+    virtual KARStatus GetWBFactory(KARWBFactory*& factory) const;
+
+    /// Tolerances on lengths and on angles, stored as they are; setting always gives 0.
+    double GetLinearTolerance() const { return m_linearTolerance; }
+    KARStatus SetLinearTolerance(double tolerance);
+    double GetAngularTolerance() const { return m_angularTolerance; }
+    KARStatus SetAngularTolerance(double tolerance);
+    /// Unit of the model's lengths: a label, nothing is converted; always 0.
+    KARStatus GetLengthUnit(KARMPUnit::Enum& unit) const;
+    KARStatus SetLengthUnit(KARMPUnit::Enum unit);
+
+    /// The global entities and the ground body, each of which may be null; always 0. Setting one
+    /// touches no registry.
+    KARStatus GetGlobalBody(QOBSharedHandle<KARMPBody>& body) const;
+    KARStatus SetGlobalBody(const QOBSharedHandle<KARMPBody>& body);
+    KARStatus GetGlobalAxisSystem(QOBSharedHandle<KARMPAxisSystem>& axisSystem) const;
+    KARStatus SetGlobalAxisSystem(const QOBSharedHandle<KARMPAxisSystem>& axisSystem);
+    KARStatus GetGlobalTime(QOBSharedHandle<KARMPVariable>& time) const;
+    KARStatus SetGlobalTime(const QOBSharedHandle<KARMPVariable>& time);
+    KARStatus GetGroundBody(QOBSharedHandle<KARMPBody>& body) const;
+    KARStatus SetGroundBody(const QOBSharedHandle<KARMPBody>& body);
+
+    /// Counts one entity more and returns its number; the first number of a new world is 3.
+    unsigned int GetEntityId() { return ++m_lastEntityId; }
+
+    /// Borrows a solver's loader with a number for its kind; null with kind 0 clears it. Null with
+    /// another kind gives 1 and changes nothing.
+    KARStatus SetLoader(KARBaseUnknown* loader, int kind);
+    /// Hands out loader and kind; without a loader 1, and the arguments stay.
+    KARStatus GetLoader(KARBaseUnknown*& loader, int& kind) const;
+    /// Takes a reference on a solver's table. A table that is held already is not released. Null
+    /// gives 1 and changes nothing.
+    KARStatus SetTable(KARBaseUnknown* table);
+    /// Hands out the table with a reference for the caller; without one 1, and the argument stays.
+    KARStatus GetTable(KARBaseUnknown*& table) const;
+
+    /// The registry operations for entities of the family T; KARMPRegistry tells their results. A
+    /// value is placed under the basic world as well, and when there is none that is a failed
+    /// check.
+    template <class T>
+    KARStatus Add(const QOBSharedHandle<T>& entity)
+    {
+        return Registry<T>().Add(entity);
+    }
+    template <class T>
+    KARStatus Add(KARBaseUnknown_var key1, KARBaseUnknown_var key2,
+                  const QOBSharedHandle<T>& entity)
+    {
+        return Registry<T>().Add(key1, key2, entity);
+    }
+    template <class T>
+    KARStatus Remove(const QOBSharedHandle<T>& entity)
+    {
+        return Registry<T>().Remove(entity);
+    }
+    template <class T>
+    KARStatus Get(int index, QOBSharedHandle<T>& entity) const
+    {
+        return Registry<T>().Get(index, entity);
+    }
+    template <class T>
+    KARStatus Get(KARBaseUnknown_var key1, KARBaseUnknown_var key2,
+                  QOBSharedHandle<T>& entity) const
+    {
+        return Registry<T>().Get(key1, key2, entity);
+    }
+    template <class T>
+    KARStatus Get(KARBaseUnknown_var key1, KARBaseUnknown_var key2,
+                  QOBSharedVector<T>& entities) const
+    {
+        return Registry<T>().Get(key1, key2, entities);
+    }
+    template <class T>
+    KARStatus GetKeys(const QOBSharedHandle<T>& entity, KARBaseUnknown_var& key1,
+                      KARBaseUnknown_var& key2) const
+    {
+        return Registry<T>().GetKeys(entity, key1, key2);
+    }
+    template <class T>
+    int Count() const
+    {
+        return Registry<T>().Count();
+    }
+    template <class T>
+    KARStatus EmptyRegistry()
+    {
+        return Registry<T>().EmptyRegistry();
+    }
+    /// Hands out the keys of an entity whose family is found by its class. A class that belongs to
+    /// none is a failure, and so is an interaction: its keys are had by its own type only.
+    KARStatus GetKeys(const QOBSharedHandle<QOBBasicEntity>& entity, KARBaseUnknown_var& key1,
+                      KARBaseUnknown_var& key2) const;
+    /// Number of bodies.
+    int GetBodyCount() const { return Count<KARMPBody>(); }
+    /// Empties all registries; always 0. The global entities stay with the world.
+    KARStatus EmptyWorld();
+
+    /// Writes the model as an element "World". A null serializer, or an element that cannot be
+    /// added, is a failure; whatever fails inside is a failed check and the rest is written.
+    KARStatus Serialize(KARMPSerializer* serializer) const;
+    /// Reads a model into this world, which is empty but for its globals. A null deserializer, or
+    /// none of an element "World", is a failure; whatever fails inside is a failed check and the
+    /// rest is read.
+    KARStatus Deserialize(const KARMPDeserializer* deserializer);
+
+protected:
+    static QOBSharedHandle<KARMPWorld> CreateObject(QOBSharedHandle<QOBBasicWorld> basicWorld);
+    static QOBSharedHandle<KARMPWorld> CloneObject(QOBSharedHandle<KARMPWorld> source,
+                                                   CopyMode mode,
+                                                   QOBSharedHandle<QOBBasicWorld> basicWorld);
+    static void DestroyObject(QOBSharedHandle<KARMPWorld> world);
+
+    KARMPWorld();
+    /// A copy lists the same entities and shares the globals and the equation factory; it has no
+    /// loader, no table and no ground body.
+    KARMPWorld(const KARMPWorld& source, CopyMode mode);
+    ~KARMPWorld() override;
+
+    /// Destroys the global axis system when there is also a global body; always 0.
+    KARStatus RemoveGlobals();
+
+private:
+    using Registries = karmp::RegistrySet<karmp::Families>;
+
+    // The globals that the world made hold one another. It remembers them, so that they do not
+    // outlive it when others took their place.
+    class OwnGlobals
+    {
+    public:
+        OwnGlobals();
+        OwnGlobals(const OwnGlobals& source);
+        OwnGlobals& operator=(const OwnGlobals&) = delete;
+        ~OwnGlobals();
+
+        QOBSharedHandle<KARMPBody> body;
+        QOBSharedHandle<KARMPAxisSystem> axisSystem;
+    };
+
+    template <class T>
+    KARMPRegistry<T>& Registry()
+    {
+        return m_registries;
+    }
+    template <class T>
+    const KARMPRegistry<T>& Registry() const
+    {
+        return m_registries;
+    }
+    void orphanMembers();
+    void CreateGlobals();
+    void PlaceValue(const QOBSharedHandle<KARMPValue>& value);
+
+    OwnGlobals m_ownGlobals;
+    std::uint32_t m_lastEntityId = 2;
+    double m_linearTolerance = 0.001;
+    double m_angularTolerance = 1e-09;
+    KARMathPoint m_origin;
+    std::array<double, 3> m_size{1000000.0, 1000000.0, 1000000.0};
+    KARMathVector m_gravity;
+    KARBaseUnknown* m_loader = nullptr; // borrowed
+    int m_loaderKind = 0;
+    KARBaseUnknown* m_table = nullptr; // counted
+    Registries m_registries;
+    QOBSharedHandle<KARMPBody> m_globalBody;
+    QOBSharedHandle<KARMPAxisSystem> m_globalAxisSystem;
+    QOBSharedHandle<KARMPVariable> m_globalTime;
+    std::shared_ptr<KARWBFactory> m_equationFactory; // shared with copies of the world
+    KARMPUnit::Enum m_lengthUnit = KARMPUnit::Millimeter;
+    QOBSharedHandle<KARMPBody> m_groundBody;
+};
+
+template <>
+KARMP_API KARStatus KARMPWorld::Add(const QOBSharedHandle<KARMPValue>& value);
+template <>
+KARMP_API KARStatus KARMPWorld::Add(KARBaseUnknown_var key1, KARBaseUnknown_var key2,
+                                    const QOBSharedHandle<KARMPValue>& value);
