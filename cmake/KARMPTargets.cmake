@@ -46,11 +46,6 @@ function(karmp_add_library name)
         endif()
     endforeach()
 
-    if(NOT sources)
-        set(sources "${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp")
-        file(CONFIGURE OUTPUT "${sources}" CONTENT "")
-    endif()
-
     add_library(${name}Objects OBJECT ${sources})
     target_link_libraries(${name}Objects PRIVATE karmp_settings PUBLIC ${arg_LINKS})
     target_include_directories(

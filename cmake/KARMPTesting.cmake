@@ -9,10 +9,9 @@ find_package(GTest REQUIRED)
 function(karmp_add_test_program name)
     cmake_parse_arguments(arg "" "" "SOURCES;LINKS" ${ARGN})
     add_executable(${name} ${arg_SOURCES})
-    target_link_libraries(${name} PRIVATE karmp_settings ${arg_LINKS} GTest::gmock_main)
-    if(TARGET KARMPTesting)
-        target_link_libraries(${name} PRIVATE KARMPTesting)
-    endif()
+    target_link_libraries(
+        ${name} PRIVATE karmp_settings KARMPTesting ${arg_LINKS} GTest::gmock_main
+    )
     set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF)
     add_test(NAME ${name} COMMAND ${name} --gtest_filter=-*Process.* --gtest_brief=1)
 endfunction()

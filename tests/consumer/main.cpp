@@ -3,12 +3,46 @@
 #include "KARMPEntities.h"
 
 #include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+class ReportCounter : public KARMPFailedCheckListener
+{
+public:
+    void OnFailedCheck(const char*, int) override { ++count; }
+
+    int count = 0;
+};
+
+void Require(bool holds, const char* what)
+{
+    if (!holds) {
+        std::fprintf(stderr, "consumer: failed: %s\n", what);
+        std::exit(1);
+    }
+}
+
+} // namespace
 
 int main()
 {
     KARUnicodeString number;
-    if (number.BuildFromNum(42) != 1 || number != "42")
-        return 1;
-    std::printf("%s\n", number.ConvertToChar());
+    Require(number.BuildFromNum(42) == 1 && number == "42", "the platform library works");
+
+    for (const std::string& name : KARMPFactory::GetClassNames()) {
+        QOBSharedHandle<KARMPEntity> entity;
+        Require(KARMPFactory::Create(name, entity) == KARSuccess && entity, name.c_str());
+    }
+
+    ReportCounter reports;
+    QOBSharedHandle<KARMPEntity> body;
+    Require(KARMPFactory::Create("KARMPBody", body) == KARSuccess && reports.count == 0,
+            "a body is made without a report");
+    QOBSharedHandle<KARMPEntity> none;
+    Require(KARFailed(KARMPFactory::Create("NoSuchClass", none)) && reports.count == 1,
+            "an unknown class is reported to a listener of the program");
+
+    std::printf("%zu classes can be created\n", KARMPFactory::GetClassNames().size());
     return 0;
 }
