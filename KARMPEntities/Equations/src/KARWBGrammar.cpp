@@ -86,6 +86,33 @@ const OperationInfo* FindNamedOperation(std::string_view word)
     return found != byWord.end() ? found->second : nullptr;
 }
 
+KARWBOperation FindInfixOperator(std::string_view symbol)
+{
+    const bool isLong = symbol.size() > 1;
+    switch (symbol.empty() ? '\0' : symbol.front()) {
+    case '+':
+        return Add;
+    case '-':
+        return Subtract;
+    case '*':
+        return Multiply;
+    case '/':
+        return Divide;
+    case '^':
+        return Power;
+    case '<':
+        return isLong ? LessOrEqual : Less;
+    case '>':
+        return isLong ? GreaterOrEqual : Greater;
+    case '=':
+        return isLong ? Equal : Number;
+    case '!':
+        return NotEqual;
+    default:
+        return Number;
+    }
+}
+
 bool NeedsParentheses(KARWBOperation parent, bool isRightmost, KARWBOperation argument)
 {
     const Strength outer = GetOperationInfo(parent).strength;

@@ -37,6 +37,11 @@ const OperationInfo& GetOperationInfo(KARWBOperation operation);
 /// The row of a function or constant by its word, null if the language has none of that name.
 const OperationInfo* FindNamedOperation(std::string_view word);
 
+/// The operator between two operands that a symbol stands for, a leaf if it is another mark. The
+/// outer
+/// `=` is not among them: it parts an equation, not an expression.
+KARWBOperation FindInfixOperator(std::string_view symbol);
+
 /// True for operations written as a name with arguments in parentheses.
 constexpr bool IsFunction(KARWBOperation operation)
 {

@@ -6,7 +6,6 @@
 #include "KARWBModel.h"
 #include "KARWBParserMessenger.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <unordered_map>
@@ -176,17 +175,8 @@ private:
     // The operator at hand; a leaf when there is none.
     KARWBOperation FindOperator() const
     {
-        using enum KARWBOperation;
-        constexpr KARWBOperation Operators[] = {
-            Add,         Subtract, Multiply,       Divide, Power,   Less,
-            LessOrEqual, Greater,  GreaterOrEqual, Equal,  NotEqual};
-        if (m_token.kind != TokenKind::Symbol)
-            return Number;
-        const auto hasWord = [this](KARWBOperation operation) {
-            return m_token.text == kar::GetOperationInfo(operation).word;
-        };
-        const auto* const found = std::find_if(std::begin(Operators), std::end(Operators), hasWord);
-        return found != std::end(Operators) ? *found : Number;
+        return m_token.kind == TokenKind::Symbol ? kar::FindInfixOperator(m_token.text)
+                                                 : KARWBOperation::Number;
     }
 
     bool ParseOperand()

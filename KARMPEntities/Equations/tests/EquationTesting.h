@@ -15,10 +15,12 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <iterator>
 #include <limits>
 #include <random>
 #include <string>
 #include <string_view>
+#include <utility>
 
 /// A factory with what came of parsing one text into it.
 class Parsed
