@@ -23,3 +23,18 @@ endforeach()
 karmp_process_test(
     KARMPEntityTests ${suite}.TheSilencingVariableOutweighsTheDevelopmentStage CP_NO_ABEND=1
 )
+
+karmp_process_test(KARMPEntityTests IdentifierProcess.CountsFromZeroInTheSerialForm ADL_ODT_OUT=)
+karmp_process_test(KARMPEntityTests IdentifierProcess.IsTheEntityNameWhenNamesAreUsed
+    MP_USE_NAME_FOR_ID=1 ADL_ODT_OUT=1)
+karmp_process_test(KARMPEntityTests IdentifierProcess.OutsideAWorldKnowsTheGlobalsByTheirNames
+    NEW_MP_IDS=0 MP_USE_NAME_FOR_ID=1)
+
+karmp_process_test(
+    KARMPEntityTests EntityTreeProcess.WritesOutputsOnceTheVariableIsSetAndKeepsToThat
+    MOT_DUMP_OUTPUTS=0
+)
+karmp_process_test(
+    KARMPEntityTests EntityTreeProcess.LeavesNamesOutButWritesTheAttribute
+    NO_MP_NAME_FOR_SERIALIZATION=0
+)

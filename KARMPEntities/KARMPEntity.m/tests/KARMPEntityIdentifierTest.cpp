@@ -1,0 +1,122 @@
+#include "AllocationCounter.h"
+#include "KARMPTestFixture.h"
+#include "TestEntity.h"
+
+#include <set>
+
+namespace {
+
+std::wstring identifierOf(const KARMPEntity& entity)
+{
+    std::wstring identifier = L"former";
+    EXPECT_EQ(entity.GetIdentifier(identifier), KARSuccess);
+    return identifier;
+}
+
+class Identifier : public KARMPTestFixture
+{
+protected:
+    QOBSharedHandle<TestEntity> entity = TestEntity::create(L"entity");
+};
+
+TEST_F(Identifier, IsTheWordIdAndAUuidByDefault)
+{
+    const std::wstring identifier = identifierOf(*entity);
+    ASSERT_EQ(identifier.size(), 38U);
+    EXPECT_EQ(identifier.substr(0, 2), L"id");
+    for (const std::size_t dash : {10U, 15U, 20U, 25U})
+        EXPECT_EQ(identifier[dash], L'-');
+}
+
+TEST_F(Identifier, StaysTheSameOnceMade)
+{
+    const std::wstring first = identifierOf(*entity);
+    entity->setEntityName(L"renamed");
+    EXPECT_EQ(identifierOf(*entity), first);
+}
+
+TEST_F(Identifier, DiffersFromEntityToEntity)
+{
+    std::set<std::wstring> seen;
+    for (int i = 0; i < 1000; ++i)
+        seen.insert(identifierOf(*TestEntity::create(L"same")));
+    EXPECT_EQ(seen.size(), 1000U);
+}
+
+TEST_F(Identifier, IsNotReplacedBySetIdentifier)
+{
+    const std::wstring generated = identifierOf(*entity);
+    EXPECT_EQ(entity->SetIdentifier(L"other"), KARFailure);
+    ExpectReports(1);
+    EXPECT_EQ(identifierOf(*entity), generated);
+}
+
+TEST_F(Identifier, IsTheOneThatWasSetFirst)
+{
+    EXPECT_EQ(entity->SetIdentifier(L"B1"), KARSuccess);
+    EXPECT_EQ(entity->SetIdentifier(L"B2"), KARFailure);
+    ExpectReports(1);
+    EXPECT_EQ(identifierOf(*entity), L"B1");
+}
+
+TEST_F(Identifier, GivesOutOfMemoryWhenItCannotBeAllocated)
+{
+    std::wstring identifier = L"former";
+    KARStatus status = KARSuccess;
+    {
+        AllocationCounter allocations;
+        allocations.FailAllocation(1);
+        status = entity->GetIdentifier(identifier);
+    }
+    EXPECT_EQ(status, KAROutOfMemory);
+    EXPECT_EQ(identifier, L"");
+    EXPECT_GE(TakeReports(), 1U);
+    EXPECT_EQ(identifierOf(*entity).size(), 38U);
+}
+
+TEST_F(Identifier, CannotBeSetWithoutMemory)
+{
+    KARStatus status = KARSuccess;
+    {
+        const std::wstring identifier = L"B1";
+        AllocationCounter allocations;
+        allocations.FailAllocation(1);
+        status = entity->SetIdentifier(identifier);
+    }
+    EXPECT_EQ(status, KARFailure);
+    EXPECT_GE(TakeReports(), 1U);
+    EXPECT_EQ(entity->SetIdentifier(L"B1"), KARSuccess);
+}
+
+class IdentifierProcess : public Identifier
+{};
+
+TEST_F(IdentifierProcess, CountsFromZeroInTheSerialForm)
+{
+    EXPECT_EQ(identifierOf(*entity), L"id0");
+    EXPECT_EQ(identifierOf(*TestEntity::create(L"second")), L"id1");
+    EXPECT_EQ(identifierOf(*entity), L"id0");
+    EXPECT_EQ(identifierOf(*TestEntity::create(L"third")), L"id2");
+}
+
+TEST_F(IdentifierProcess, IsTheEntityNameWhenNamesAreUsed)
+{
+    EXPECT_EQ(identifierOf(*entity), L"entity");
+    EXPECT_EQ(identifierOf(*TestEntity::create(L"entity")), L"entity");
+    const auto unnamed = TestEntity::create(L"");
+    EXPECT_EQ(identifierOf(*unnamed), L"");
+    ExpectReports(1);
+    unnamed->setEntityName(L"named later");
+    EXPECT_EQ(identifierOf(*unnamed), L"");
+}
+
+TEST_F(IdentifierProcess, OutsideAWorldKnowsTheGlobalsByTheirNames)
+{
+    EXPECT_EQ(identifierOf(*TestEntity::create(L"GlobalBody")), L"id0");
+    EXPECT_EQ(identifierOf(*TestEntity::create(L"GlobalAxisSystem")), L"id1");
+    EXPECT_EQ(identifierOf(*TestEntity::create(L"GlobalTime")), L"id2");
+    EXPECT_EQ(identifierOf(*entity), L"id");
+    EXPECT_EQ(identifierOf(*TestEntity::create(L"globaltime")), L"id");
+}
+
+} // namespace

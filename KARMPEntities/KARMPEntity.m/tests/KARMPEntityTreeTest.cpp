@@ -1,0 +1,311 @@
+#include "KARMPEntityTable.h"
+#include "KARMPTestFixture.h"
+#include "KARMPVersions.h"
+#include "QOBException.h"
+#include "RecordingEntityLoader.h"
+#include "TestDeserializer.h"
+#include "TestEntity.h"
+#include "TestSerializer.h"
+
+#include <cstdlib>
+
+namespace {
+
+/// An entity with every kind of content that the base writes.
+class EntityTree : public KARMPTestFixture
+{
+protected:
+    EntityTree()
+    {
+        entity->SetIdentifier(L"E1");
+        entity->SetID("caf\xC3\xA9");
+        parameter->SetIdentifier(L"P1");
+        state->SetIdentifier(L"S1");
+        output->SetIdentifier(L"O1");
+        element->SetIdentifier(L"A1");
+        entity->AddParameter(parameter);
+        entity->AddState(state);
+        entity->AddOutput(output);
+        entity->AddAggregatedElement(element);
+        entities.Set(L"P1", parameter);
+        entities.Set(L"S1", state);
+        entities.Set(L"O1", output);
+        entities.Set(L"A1", element);
+    }
+    ~EntityTree() override
+    {
+        entity->orphanObject();
+        read->orphanObject();
+    }
+
+    QOBSharedHandle<TestEntity> entity = TestEntity::create(L"crank");
+    QOBSharedHandle<KARMPParameter> parameter = TestAttribute<KARMPParameter>::create(L"p");
+    QOBSharedHandle<KARMPState> state = TestAttribute<KARMPState>::create(L"s");
+    QOBSharedHandle<KARMPOutput> output = TestAttribute<KARMPOutput>::create(L"o");
+    QOBSharedHandle<TestEntity> element = TestEntity::create(L"a");
+    QOBSharedHandle<TestEntity> read = TestEntity::create(L"");
+    KARMPEntityTable entities;
+};
+
+TEST_F(EntityTree, WritesItsContentInOrder)
+{
+    TestSerializer root;
+    EXPECT_EQ(entity->Serialize(&root), KARSuccess);
+    ASSERT_EQ(root.GetAttributeCount(), 4U);
+    EXPECT_EQ(root.GetAttributeId(0), L"id");
+    EXPECT_EQ(root.GetAttributeId(1), L"name");
+    EXPECT_EQ(root.GetAttributeId(2), L"isActive");
+    EXPECT_EQ(root.GetAttributeId(3), L"entityID");
+    EXPECT_EQ(root.Text(L"@id"), L"E1");
+    EXPECT_EQ(root.Text(L"@name"), L"crank");
+    EXPECT_EQ(root.Text(L"@isActive"), L"yes");
+    EXPECT_EQ(root.Text(L"@entityID"), L"caf\u00E9");
+
+    ASSERT_EQ(root.GetElementCount(), 3U);
+    EXPECT_EQ(root.Child(0).GetId(), L"Parameters");
+    EXPECT_EQ(root.Child(1).GetId(), L"States");
+    EXPECT_EQ(root.Child(2).GetId(), L"AggregatedElements");
+    EXPECT_EQ(root.Text(L"Parameters/Parameter/@id"), L"P1");
+    EXPECT_EQ(root.Text(L"Parameters/Parameter/@name"), L"p");
+    EXPECT_EQ(root.Text(L"States/State/@id"), L"S1");
+    EXPECT_EQ(root.Text(L"AggregatedElements/Element/@id"), L"A1");
+    EXPECT_EQ(root.Text(L"AggregatedElements/Element/@name"), L"a");
+}
+
+TEST_F(EntityTree, WritesNoContainerForAnEmptyListAndNoEmptyEntityId)
+{
+    TestSerializer root;
+    EXPECT_EQ(element->Serialize(&root), KARSuccess);
+    EXPECT_EQ(root.GetElementCount(), 0U);
+    EXPECT_FALSE(root.Has(L"@entityID"));
+}
+
+TEST_F(EntityTree, WritesActivityFromVersionR2017_1)
+{
+    entity->Deactivate();
+    TestSerializer below(L"R2016.1");
+    entity->Serialize(&below);
+    EXPECT_FALSE(below.Has(L"@isActive"));
+    TestSerializer at(L"R2017.1");
+    entity->Serialize(&at);
+    EXPECT_EQ(at.Text(L"@isActive"), L"no");
+}
+
+TEST_F(EntityTree, ReadsActivityFromVersionR2017_1)
+{
+    TestDeserializer root(L"TestEntity");
+    root.Attribute(L"id", L"E2").Attribute(L"name", L"n").Attribute(L"isActive", L"no");
+    root.SetVersion(L"R2017.0");
+    EXPECT_EQ(read->Deserialize(&root, entities), KARSuccess);
+    EXPECT_TRUE(read->IsActive());
+    const auto second = TestEntity::create(L"");
+    root.SetVersion(L"R2017.1");
+    EXPECT_EQ(second->Deserialize(&root, entities), KARSuccess);
+    EXPECT_FALSE(second->IsActive());
+}
+
+TEST_F(EntityTree, ReadsBackWhatItWroteInEitherForm)
+{
+    entity->Deactivate();
+    TestSerializer written;
+    entity->Serialize(&written);
+    for (const bool asText : {false, true}) {
+        const auto copy = TestEntity::create(L"");
+        const auto tree = TestDeserializer::From(written, {.asText = asText});
+        EXPECT_EQ(copy->Deserialize(tree.get(), entities), KARSuccess);
+        std::wstring identifier;
+        copy->GetIdentifier(identifier);
+        EXPECT_EQ(identifier, L"E1");
+        EXPECT_EQ(copy->getEntityName(), L"crank");
+        EXPECT_FALSE(copy->IsActive());
+        EXPECT_EQ(copy->GetID(), "caf\xC3\xA9");
+        EXPECT_EQ(copy->GetParameterCount(), 1);
+        EXPECT_EQ(copy->GetStateCount(), 1);
+        EXPECT_EQ(copy->GetOutputCount(), 0);
+        QOBSharedHandle<KARMPEntity> handle;
+        EXPECT_EQ(copy->GetAggregatedElement(0, handle), KARSuccess);
+        EXPECT_EQ(handle, element);
+        copy->orphanObject();
+    }
+}
+
+TEST_F(EntityTree, TellsAnAttachedLoaderOfAReadActivity)
+{
+    LoaderRecord record;
+    read->SetLoader(new RecordingEntityLoader(record));
+    TestDeserializer root(L"TestEntity");
+    root.Attribute(L"id", L"E2").Attribute(L"name", L"n").Attribute(L"isActive", L"no");
+    read->Deserialize(&root, entities);
+    EXPECT_EQ(record.calls, std::vector<std::string>{"OnDeactivate"});
+    read->SetLoader(nullptr);
+    EXPECT_EQ(record.deleted, 0);
+}
+
+TEST_F(EntityTree, IgnoresAnyOtherWordOfActivity)
+{
+    TestDeserializer root(L"TestEntity");
+    root.Attribute(L"id", L"E2").Attribute(L"name", L"n").Attribute(L"isActive", L"No");
+    read->Deserialize(&root, entities);
+    EXPECT_TRUE(read->IsActive());
+}
+
+TEST_F(EntityTree, ReportsEachMissingRequiredAttributeAndKeepsTheValue)
+{
+    TestDeserializer root(L"TestEntity");
+    read->setEntityName(L"kept");
+    EXPECT_EQ(read->Deserialize(&root, entities), KARSuccess);
+    ExpectReports(3);
+    EXPECT_EQ(read->getEntityName(), L"kept");
+    EXPECT_TRUE(read->IsActive());
+    EXPECT_TRUE(read->GetID().IsEmpty());
+    EXPECT_EQ(read->SetIdentifier(L"still free"), KARSuccess);
+}
+
+TEST_F(EntityTree, KeepsAnIdentifierThatIsThereAlready)
+{
+    std::wstring before;
+    read->GetIdentifier(before);
+    TestDeserializer root(L"TestEntity");
+    root.Attribute(L"id", L"E2").Attribute(L"name", L"n").Attribute(L"isActive", L"yes");
+    EXPECT_EQ(read->Deserialize(&root, entities), KARSuccess);
+    ExpectReports(1);
+    std::wstring after;
+    read->GetIdentifier(after);
+    EXPECT_EQ(after, before);
+}
+
+TEST_F(EntityTree, DropsUnknownAndNullTargetsInSilence)
+{
+    entities.Set(L"null", {});
+    TestDeserializer root(L"TestEntity");
+    root.Attribute(L"id", L"E2").Attribute(L"name", L"n").Attribute(L"isActive", L"yes");
+    root.Add(L"Parameters")
+        .Reference(L"Parameter", L"nobody")
+        .Reference(L"Parameter", L"null")
+        .Reference(L"Parameter", L"P1");
+    EXPECT_EQ(read->Deserialize(&root, entities), KARSuccess);
+    EXPECT_EQ(read->GetParameterCount(), 1);
+}
+
+TEST_F(EntityTree, ReportsAReferenceWithoutIdAndGoesOn)
+{
+    TestDeserializer root(L"TestEntity");
+    root.Attribute(L"id", L"E2").Attribute(L"name", L"n").Attribute(L"isActive", L"yes");
+    auto& states = root.Add(L"States");
+    states.Add(L"State");
+    states.Reference(L"State", L"S1").Reference(L"State", L"S1");
+    EXPECT_EQ(read->Deserialize(&root, entities), KARSuccess);
+    ExpectReports(1);
+    EXPECT_EQ(read->GetStateCount(), 1);
+}
+
+TEST_F(EntityTree, ThrowsForAReferenceToAnotherClass)
+{
+    TestDeserializer root(L"TestEntity");
+    root.Attribute(L"id", L"E2").Attribute(L"name", L"n").Attribute(L"isActive", L"yes");
+    root.Add(L"States").Reference(L"State", L"P1");
+    EXPECT_THROW(read->Deserialize(&root, entities), QOBEInvalidCast);
+}
+
+TEST_F(EntityTree, DoesNothingWithoutANode)
+{
+    EXPECT_EQ(entity->Serialize(nullptr), KARSuccess);
+    EXPECT_EQ(entity->Deserialize(nullptr, entities), KARSuccess);
+}
+
+TEST_F(EntityTree, ReportsEveryFailedAdditionAndStillSucceeds)
+{
+    const std::size_t creations =
+        ForEachFailedCreation(karmp::CurrentVersion, [this](TestSerializer& root, auto failing) {
+            EXPECT_EQ(entity->Serialize(&root), KARSuccess);
+            EXPECT_EQ(TakeReports() > 0, failing != 0);
+            EXPECT_EQ(root.Text(L"@id"), L"E1");
+        });
+    EXPECT_EQ(creations, 6U);
+}
+
+TEST_F(EntityTree, SurvivesEachItemMissing)
+{
+    TestSerializer written;
+    entity->Serialize(&written);
+    ForEachMissingItem(written, {}, [this](TestDeserializer& root, const std::wstring&) {
+        const auto copy = TestEntity::create(L"");
+        EXPECT_EQ(copy->Deserialize(&root, entities), KARSuccess);
+        copy->orphanObject();
+        TakeReports();
+    });
+}
+
+TEST_F(EntityTree, ReadsNoOutputsWithoutTheVariable)
+{
+    TestDeserializer root(L"TestEntity");
+    root.Attribute(L"id", L"E2").Attribute(L"name", L"n").Attribute(L"isActive", L"yes");
+    root.Add(L"Outputs").Reference(L"Output", L"O1");
+    read->Deserialize(&root, entities);
+    EXPECT_EQ(read->GetOutputCount(), 0);
+}
+
+class EntityTreeProcess : public EntityTree
+{};
+
+TEST_F(EntityTreeProcess, WritesOutputsOnceTheVariableIsSetAndKeepsToThat)
+{
+    TestSerializer first;
+    entity->Serialize(&first);
+    EXPECT_EQ(first.Text(L"Outputs/Output/@id"), L"O1");
+    EXPECT_EQ(first.Child(2).GetId(), L"Outputs");
+    ::unsetenv("MOT_DUMP_OUTPUTS");
+    TestSerializer second;
+    entity->Serialize(&second);
+    EXPECT_TRUE(second.Has(L"Outputs"));
+
+    // Reading looks the variable up on every call.
+    const auto tree = TestDeserializer::From(first);
+    read->Deserialize(tree.get(), entities);
+    EXPECT_EQ(read->GetOutputCount(), 0);
+    ::setenv("MOT_DUMP_OUTPUTS", "", 1);
+    const auto other = TestEntity::create(L"");
+    other->Deserialize(tree.get(), entities);
+    EXPECT_EQ(other->GetOutputCount(), 1);
+    other->orphanObject();
+}
+
+TEST_F(EntityTreeProcess, LeavesNamesOutButWritesTheAttribute)
+{
+    TestSerializer root;
+    entity->Serialize(&root);
+    EXPECT_EQ(root.Text(L"@name"), L"");
+    EXPECT_FALSE(root.Has(L"Parameters/Parameter/@name"));
+    EXPECT_TRUE(root.Has(L"Parameters/Parameter/@id"));
+    ::unsetenv("NO_MP_NAME_FOR_SERIALIZATION");
+    TestSerializer second;
+    entity->Serialize(&second);
+    EXPECT_EQ(second.Text(L"@name"), L"");
+
+    read->setEntityName(L"former");
+    const auto tree = TestDeserializer::From(root);
+    read->Deserialize(tree.get(), entities);
+    EXPECT_EQ(read->getEntityName(), L"");
+}
+
+TEST(EntityTable, FindsReplacesAndOrdersByIdentifier)
+{
+    KARMPEntityTable table;
+    const auto first = TestEntity::create(L"first");
+    const auto second = TestEntity::create(L"second");
+    EXPECT_TRUE(table.Set(L"9", first));
+    EXPECT_TRUE(table.Set(L"10", first));
+    EXPECT_TRUE(table.Set(L"1", {}));
+    EXPECT_FALSE(table.Set(L"9", second));
+    EXPECT_EQ(table.Size(), 3U);
+    ASSERT_NE(table.Find(L"9"), nullptr);
+    EXPECT_EQ(*table.Find(L"9"), second);
+    EXPECT_FALSE(*table.Find(L"1"));
+    EXPECT_EQ(table.Find(L"2"), nullptr);
+    std::vector<std::wstring> order;
+    for (const auto* entry : table.InOrder())
+        order.push_back(entry->first);
+    EXPECT_EQ(order, (std::vector<std::wstring>{L"1", L"10", L"9"}));
+}
+
+} // namespace

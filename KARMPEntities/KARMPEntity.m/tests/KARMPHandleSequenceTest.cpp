@@ -1,0 +1,167 @@
+#include "KARMPHandleSequence.h"
+#include "KARMPLinkList.h"
+#include "KARMPTestFixture.h"
+#include "TestEntity.h"
+
+#include <algorithm>
+#include <random>
+
+namespace {
+
+using Entities = std::vector<QOBSharedHandle<TestEntity>>;
+
+Entities makeEntities(std::size_t count)
+{
+    Entities entities;
+    for (std::size_t i = 0; i < count; ++i)
+        entities.push_back(TestEntity::create(L""));
+    return entities;
+}
+
+void expectSame(const KARMPHandleSequence& sequence, const std::vector<QOBSharedBase>& expected)
+{
+    ASSERT_EQ(sequence.Count(), expected.size());
+    for (std::size_t i = 0; i < expected.size(); ++i)
+        ASSERT_EQ(sequence.At(i), expected[i]) << "at " << i;
+}
+
+TEST(HandleSequence, AgreesWithAPlainVectorWhateverTheOrderOfCalls)
+{
+    std::mt19937 random(20240229);
+    const Entities entities = makeEntities(400);
+    KARMPHandleSequence sequence;
+    std::vector<QOBSharedBase> expected;
+    for (int step = 0; step < 20'000; ++step) {
+        const auto& entity = entities[random() % entities.size()];
+        // The sequence grows past its scanned length, shrinks to nothing, and grows again.
+        const bool growing = (step / 3000) % 2 == 0;
+        switch (random() % (growing ? 4 : 8)) {
+        case 0:
+        case 1:
+            sequence.Append(entity);
+            expected.push_back(entity);
+            break;
+        case 2: {
+            const std::size_t place = random() % (expected.size() + 3);
+            sequence.Insert(place, entity);
+            const auto at =
+                expected.begin() + static_cast<std::ptrdiff_t>(std::min(place, expected.size()));
+            expected.insert(at, entity);
+            break;
+        }
+        case 3:
+            if (!expected.empty()) {
+                const std::size_t place = random() % expected.size();
+                ASSERT_EQ(sequence.At(place), expected[place]);
+                ASSERT_EQ(sequence.Take(place), expected[place]);
+                expected.erase(expected.begin() + static_cast<std::ptrdiff_t>(place));
+            }
+            break;
+        default: {
+            std::size_t position = 0;
+            const auto found = std::find(expected.begin(), expected.end(), entity);
+            ASSERT_EQ(sequence.Contains(entity.get()), found != expected.end());
+            ASSERT_EQ(sequence.Remove(entity.get(), &position), found != expected.end());
+            if (found != expected.end()) {
+                ASSERT_EQ(position, static_cast<std::size_t>(found - expected.begin()));
+                expected.erase(found);
+            }
+        }
+        }
+        ASSERT_EQ(sequence.Count(), expected.size());
+        if (step % 500 == 0)
+            expectSame(sequence, expected);
+    }
+    expectSame(sequence, expected);
+    const KARMPHandleSequence copy(sequence);
+    expectSame(copy, expected);
+    sequence.Clear();
+    expectSame(sequence, {});
+    expectSame(copy, expected);
+}
+
+TEST(HandleSequence, HasNoEntryForNull)
+{
+    KARMPHandleSequence sequence;
+    sequence.Append({});
+    sequence.Insert(0, {});
+    EXPECT_EQ(sequence.Count(), 0U);
+    EXPECT_FALSE(sequence.Contains(nullptr));
+    EXPECT_FALSE(sequence.Remove(nullptr));
+}
+
+TEST(HandleSequence, ReleasesWhatItDrops)
+{
+    const Entities entities = makeEntities(100);
+    {
+        KARMPHandleSequence sequence;
+        for (const auto& entity : entities)
+            sequence.Append(entity);
+        sequence.Remove(entities[10].get());
+        EXPECT_EQ(entities[10]->getReferenceCount(), 1U);
+        KARMPHandleSequence taken = std::move(sequence);
+        EXPECT_EQ(entities[11]->getReferenceCount(), 2U);
+        taken.Clear();
+        EXPECT_EQ(entities[11]->getReferenceCount(), 1U);
+    }
+    EXPECT_EQ(entities[12]->getReferenceCount(), 1U);
+}
+
+TEST(HandleSequence, EmptiesALongListFromEitherEndInLinearTime)
+{
+    const Entities entities = makeEntities(200'000);
+    for (const bool fromTheFront : {true, false}) {
+        KARMPHandleSequence sequence;
+        for (const auto& entity : entities)
+            sequence.Append(entity);
+        while (sequence.Count() > 0) {
+            const std::size_t place = fromTheFront ? 0 : sequence.Count() - 1;
+            const QOBSharedBase entry = sequence.At(place);
+            ASSERT_TRUE(sequence.Remove(entry._getReferent()));
+        }
+    }
+}
+
+class LinkList : public KARMPTestFixture
+{
+protected:
+    KARMPLinkList<TestEntity> list;
+    Entities entities = makeEntities(3);
+};
+
+TEST_F(LinkList, KeepsTheOrderOfAddingWithoutDuplicates)
+{
+    for (const auto& entity : entities)
+        EXPECT_EQ(list.Add(entity), KARSuccess);
+    EXPECT_EQ(list.Add(entities[1]), KARUnchanged);
+    EXPECT_EQ(list.Count(), 3);
+    EXPECT_EQ(list.Remove(entities[0]), KARSuccess);
+    EXPECT_EQ(list.Remove(entities[0]), KARUnchanged);
+    EXPECT_EQ(list.At(0), entities[1]);
+    EXPECT_EQ(list.At(1), entities[2]);
+}
+
+TEST_F(LinkList, ReportsANullHandleAtTheCaller)
+{
+    EXPECT_EQ(list.Add({}), KARFailure);
+    EXPECT_EQ(list.Remove({}), KARFailure);
+    EXPECT_EQ(list.Insert(0, {}), KARFailure);
+    ASSERT_EQ(UnclaimedReports().size(), 3U);
+    for (const std::string& place : UnclaimedReports())
+        EXPECT_NE(place.find("KARMPHandleSequenceTest.cpp"), std::string::npos);
+    ExpectReports(3);
+}
+
+TEST_F(LinkList, InsertsBeforeAnIndexAndAllowsADuplicate)
+{
+    list.Add(entities[0]);
+    EXPECT_EQ(list.Insert(0, entities[1]), KARSuccess);
+    EXPECT_EQ(list.Insert(99, entities[1]), KARSuccess);
+    EXPECT_EQ(list.Insert(-1, entities[2]), KARSuccess);
+    EXPECT_EQ(list.Count(), 4);
+    EXPECT_EQ(list.At(0), entities[2]);
+    EXPECT_EQ(list.At(1), entities[1]);
+    EXPECT_EQ(list.At(3), entities[1]);
+}
+
+} // namespace

@@ -1,0 +1,3 @@
+#include "TestEntity.h"
+
+KARMP_DEFINE_ENTITY(TestEntity, "A1C5B8A4-5D0F-4C27-9E35-0B6F6C4D2E11");
