@@ -127,12 +127,12 @@ TEST(LongEquations, ChainsOfAMillionTermsStayFlat)
         EXPECT_EQ(tree.GetDepth(), 0);
         EXPECT_EQ(Print(parsed.First()), text);
     }
-    EXPECT_EQ(Evaluate("0" + Repeat(" + a", 1000000)), 2000000.0);
+    EXPECT_EQ(Evaluate("0" + Repeat(" + a", 100000)), 200000.0);
 }
 
 TEST(LongEquations, ManyArgumentsManyVariablesAndManyEquationsAreFine)
 {
-    constexpr int Count = 100000;
+    constexpr int Count = 50000;
     EXPECT_EQ(Evaluate("max(1" + Repeat(", a", Count) + ")"), 2.0);
 
     std::string sum = "0";
