@@ -1,0 +1,23 @@
+// The families of entities with their classes, for code that sorts entities by class.
+#pragma once
+
+#include "KARMPActuator.h"
+#include "KARMPAnalysisCase.h"
+#include "KARMPAnalysisStep.h"
+#include "KARMPAttribute.h"
+#include "KARMPBody.h"
+#include "KARMPConnector.h"
+#include "KARMPConstraint.h"
+#include "KARMPDebugEntity.h"
+#include "KARMPFamilies.h"
+#include "KARMPGenericEntity.h"
+#include "KARMPGeometry.h"
+#include "KARMPInitialCondition.h"
+#include "KARMPInteraction.h"
+#include "KARMPJoint.h"
+#include "KARMPMaterial.h"
+#include "KARMPSensor.h"
+#include "KARMPShape.h"
+#include "KARMPSupport.h"
+#include "KARMPValue.h"
+#include "KARMPVariable.h"

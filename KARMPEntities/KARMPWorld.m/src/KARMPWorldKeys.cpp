@@ -1,0 +1,27 @@
+#include "KARMPWorld.h"
+#include "KARMPWorldFamilies.h"
+
+namespace {
+
+// Interactions are left out: their keys are handed out by their own type only.
+using KeyFamilies = karmp::FamilyList<KARMPBody, KARMPJoint, KARMPConstraint, KARMPGeometry,
+                                      KARMPVariable, KARMPActuator, KARMPSensor, KARMPMaterial,
+                                      KARMPConnector, KARMPShape, KARMPValue, KARMPAttribute,
+                                      KARMPSupport, KARMPDebugEntity, KARMPInitialCondition,
+                                      KARMPAnalysisCase, KARMPAnalysisStep, KARMPGenericEntity>;
+
+} // namespace
+
+KARStatus KARMPWorld::GetKeys(const QOBSharedHandle<QOBBasicEntity>& entity,
+                              KARBaseUnknown_var& key1, KARBaseUnknown_var& key2) const
+{
+    KARStatus status = KARFailure;
+    KeyFamilies::AnyOf([&](auto family) {
+        using T = typename decltype(family)::Type;
+        if (!entity.isDerivedFrom(T::ClassInfo()))
+            return false;
+        status = GetKeys(QOBSharedHandle<T>(entity), key1, key2);
+        return true;
+    });
+    return status;
+}
