@@ -1,0 +1,55 @@
+// A value that an equation gives from variables; a solver computes it.
+#pragma once
+
+#include "KARMPValue.h"
+
+#include <map>
+
+class KARIMPExpressionLoader;
+class KARMPVariable;
+class KARWBEquation;
+
+class KARMP_API KARMPExpression : public KARMPValue
+{
+    KARMP_ENTITY(KARMPExpression, KARMPValue)
+
+public:
+    using Super::GetLoader;
+
+    /// Writes the expression; one without an equation has no "Value". A failure when the equation
+    /// or the mapping could not be written, after the rest was.
+    KARStatus Serialize(KARMPSerializer* serializer) const override;
+    /// Reads the expression, which must stand under a world, in whose factory its equation is made.
+    /// Whatever cannot be read is a failed check. Returns 1 when there is no equation.
+    KARStatus Deserialize(const KARMPDeserializer* deserializer,
+                          const KARMPEntityTable& entities) override;
+
+    /// Hands out the loader as an expression's; 0 with null when there is none of that kind.
+    virtual KARStatus GetLoader(KARIMPExpressionLoader*& loader) const;
+    /// Stores an equation, which its factory keeps on owning. Null is a failed check and a failure.
+    virtual KARStatus SetValue(KARWBEquation* equation);
+    /// Hands out the equation; null and a failure without one.
+    virtual KARStatus GetValue(KARWBEquation*& equation) const;
+    /// Links a variable that the equation uses and maps its position to itself. A null handle is a
+    /// failed check and a failure; a variable that is linked already gives 1.
+    virtual KARStatus LinkToVariable(const QOBSharedHandle<KARMPVariable>& variable);
+    /// Hands out the linked variable at an index from 0; outside the list a null handle and a
+    /// failure.
+    virtual KARStatus GetLinkedVariable(int index, QOBSharedHandle<KARMPVariable>& variable) const;
+    /// Number of linked variables.
+    virtual int GetLinkedVariableCount() const;
+    /// Replaces and hands out the map from a position to a position of a variable; always 0.
+    virtual KARStatus SetVariableMapping(const std::map<int, int>& mapping);
+    virtual KARStatus GetVariableMapping(std::map<int, int>& mapping) const;
+
+protected:
+    KARMPExpression();
+    /// A copy refers to the same equation; it has no variables and no mapping.
+    KARMPExpression(const KARMPExpression& source, CopyMode mode);
+    ~KARMPExpression() override;
+
+private:
+    KARWBEquation* m_equation = nullptr; // its factory's
+    KARMPLinkList<KARMPVariable> m_variables;
+    std::map<int, int> m_variableMapping;
+};
