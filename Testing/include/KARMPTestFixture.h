@@ -17,7 +17,6 @@ public:
     /// Fails the test for each report that was not claimed.
     ~KARMPTestFixture() override;
 
-protected:
     /// Claims the reports made since the last claim, which must be exactly `count`.
     void ExpectReports(std::size_t count,
                        KARMPSourceLocation where = KARMPSourceLocation::current());
