@@ -1,0 +1,232 @@
+#include "KARIMPBodyLoader.h"
+#include "KARMPBody.h"
+#include "KARMPBodyMove.h"
+#include "KARMPDisplacementSensor.h"
+#include "KARMPLoaderAccess.h"
+#include "KARMathLine.h"
+#include "KARProcessServices.h"
+#include "QOBBasicBody3D.h"
+
+#include <string_view>
+
+KARStatus KARMPBody::GetPosition(KARMathTransformation& position) const
+{
+    if (m_wdmBody)
+        m_wdmBody->GetPosition(position);
+    else
+        position = m_position;
+    return KARSuccess;
+}
+
+KARStatus KARMPBody::SetPosition(const KARMathTransformation& position,
+                                 unsigned char updateNeighbour)
+{
+    KARMathTransformation move;
+    KARMathTransformation inverse;
+    if (m_position.ComputeInverse(inverse)) {
+        move = position * inverse;
+        if (move.IsIdentity())
+            return KARSuccess;
+    }
+    m_position = position;
+    const KARStatus status = ApplyBodyLoaderTransfo(move);
+    return updateNeighbour == 0 ? status : SetWDMBodyPosition(position);
+}
+
+KARStatus KARMPBody::SetWDMBodyPosition(const KARMathTransformation& position)
+{
+    if (m_wdmBody)
+        KARMPVerify(!KARFailed(m_wdmBody->SetPosition(position)));
+    return KARSuccess;
+}
+
+KARStatus KARMPBody::ApplyBodyLoaderTransfo(const KARMathTransformation& move)
+{
+    KARIMPBodyLoader* loader = nullptr;
+    const KARStatus status = GetLoader(loader);
+    if (loader == nullptr)
+        return status;
+    KARMPVerify(!KARFailed(loader->ApplyTransformation(move)));
+    return loader->ReleaseBody();
+}
+
+KARStatus KARMPBody::UpdatePosition(const KARMathTransformation& move, bool skipIdentity)
+{
+    if (skipIdentity && move.IsIdentity())
+        return KARSuccess;
+    MoveOneself(move);
+    UpdateChildrenPosition(move);
+    return KARSuccess;
+}
+
+void KARMPBody::MoveOneself(const KARMathTransformation& move)
+{
+    m_position = move * m_position;
+    if (m_wdmBody)
+        KARMPVerify(!KARFailed(m_wdmBody->SetPosition(m_position)));
+    if (m_displacementSensor && m_displacementSensor->IsActive()) {
+        KARMathTransformation displacement;
+        m_displacementSensor->GetDisplacement(displacement);
+        m_displacementSensor->SetDisplacement(move * displacement);
+    }
+    NotifyUpdate();
+}
+
+KARStatus KARMPBody::UpdateChildrenPosition(const KARMathTransformation& move)
+{
+    return karmp::BodyMove(move).Below(*this);
+}
+
+KARStatus KARMPBody::SetWDMBody(const QOBSharedHandle<QOBBasicBody3D>& neighbour)
+{
+    if (!neighbour)
+        return KARSuccess;
+    neighbour->GetPosition(m_position);
+    m_wdmBody = neighbour;
+    m_floating = neighbour->isFloating();
+    m_initialFloating = m_floating;
+    static const bool nameLeftOut = KARGetEnv("NO_MP_NAME_FOR_SERIALIZATION") != nullptr;
+    if (!nameLeftOut)
+        TakeNeighbourName();
+    return KARSuccess;
+}
+
+void KARMPBody::TakeNeighbourName()
+{
+    // An external name opens with a prefix of this length.
+    constexpr std::size_t PrefixLength = 18;
+    std::wstring name = m_wdmBody->getEntityName(ExternalName, ExternalNameSeparator);
+    name.erase(0, PrefixLength);
+    for (const std::wstring_view tag : {L"---IN_WORK", L"--- IN_WORK"}) {
+        const std::size_t position = name.find(tag);
+        if (position != std::wstring::npos)
+            name.erase(position, tag.size());
+    }
+    setEntityName(std::move(name));
+}
+
+KARStatus KARMPBody::SetFloating(bool floating)
+{
+    m_floating = floating;
+    // Meant: this never moves the neighbour away from the status it came with.
+    if (m_wdmBody)
+        m_wdmBody->setFloating(m_initialFloating);
+    return KARSuccess;
+}
+
+KARStatus KARMPBody::Restore_Initial_WDMBody_Floating_status()
+{
+    return SetFloating(m_initialFloating);
+}
+
+KARStatus KARMPBody::SetFix(bool fixed)
+{
+    return fixed ? Fix() : Unfix();
+}
+
+KARStatus KARMPBody::Fix()
+{
+    if (m_fixed)
+        return KARSuccess;
+    m_fixed = true;
+    karmp::TellLoader<KARIMPBodyLoader>(*this, [](auto& loader) { return loader.HoldBody(); });
+    return KARSuccess;
+}
+
+KARStatus KARMPBody::Unfix()
+{
+    if (!m_fixed)
+        return KARSuccess;
+    m_fixed = false;
+    karmp::TellLoader<KARIMPBodyLoader>(*this, [](auto& loader) { return loader.ReleaseBody(); });
+    return KARSuccess;
+}
+
+KARStatus KARMPBody::SetVelocity(const KARMathVector& linear, const KARMathVector& angular)
+{
+    m_linearVelocity = linear;
+    m_angularVelocity = angular;
+    KARIMPBodyLoader* loader = nullptr;
+    if (!KARMPVerify(!KARFailed(GetLoader(loader))))
+        return KARFailure;
+    m_velocitySet = true;
+    return loader != nullptr ? loader->SetLoaderVelocity(linear, angular) : KARSuccess;
+}
+
+KARStatus KARMPBody::GetVelocity(KARMathVector& linear, KARMathVector& angular) const
+{
+    if (!m_velocitySet)
+        return KARFailure;
+    linear = m_linearVelocity;
+    angular = m_angularVelocity;
+    return KARSuccess;
+}
+
+KARStatus KARMPBody::GetVelocity(KARMathVector& linear, KARMathVector& angular, KARMathPoint& point)
+{
+    KARIMPBodyLoader* loader = nullptr;
+    if (!KARMPVerify(!KARFailed(GetLoader(loader))))
+        return KARFailure;
+    if (loader != nullptr)
+        KARMPVerify(!KARFailed(loader->ReadVelocity(m_linearVelocity, m_angularVelocity, point)));
+    linear = m_linearVelocity;
+    angular = m_angularVelocity;
+    return KARSuccess;
+}
+
+KARStatus KARMPBody::SetAcceleration(const KARMathVector& linear, const KARMathVector& angular)
+{
+    m_linearAcceleration = linear;
+    m_angularAcceleration = angular;
+    return KARSuccess;
+}
+
+KARStatus KARMPBody::GetAcceleration(KARMathVector& linear, KARMathVector& angular) const
+{
+    linear = m_linearAcceleration;
+    angular = m_angularAcceleration;
+    return KARSuccess;
+}
+
+KARStatus KARMPBody::GetAcceleration(KARMathVector& linear, KARMathVector& angular,
+                                     KARMathPoint& point)
+{
+    KARIMPBodyLoader* loader = nullptr;
+    if (!KARMPVerify(!KARFailed(GetLoader(loader))))
+        return KARFailure;
+    if (loader != nullptr)
+        KARMPVerify(!KARFailed(
+            loader->ReadAcceleration(m_linearAcceleration, m_angularAcceleration, point)));
+    return GetAcceleration(linear, angular);
+}
+
+KARStatus KARMPBody::GetVelocityAndAcceleration(
+    KARMathVector& linearVelocity, KARMathVector& angularVelocity,
+    KARMathVector& linearAcceleration, KARMathVector& angularAcceleration, KARMathPoint& point,
+    unsigned char& hasAxis, KARMathLine& axis, PointWhereToComputeVelAndAcc where,
+    const KARMathPoint* at, const QOBSharedHandle<KARMPBody>& reference, const KARMathAxis* frame)
+{
+    KARIMPBodyLoader* loader = nullptr;
+    if (!KARMPVerify(!KARFailed(GetLoader(loader))))
+        return KARFailure;
+    if (loader != nullptr)
+        KARMPVerify(!KARFailed(loader->ReadVelocityAndAcceleration(
+            m_linearVelocity, m_angularVelocity, m_linearAcceleration, m_angularAcceleration, point,
+            hasAxis, axis, where, at, reference, frame)));
+    linearVelocity = m_linearVelocity;
+    angularVelocity = m_angularVelocity;
+    return GetAcceleration(linearAcceleration, angularAcceleration);
+}
+
+KARStatus KARMPBody::GetVelocityAndAcceleration(
+    KARMathVector& linearVelocity, KARMathVector& angularVelocity,
+    KARMathVector& linearAcceleration, KARMathVector& angularAcceleration, KARMathPoint& point,
+    PointWhereToComputeVelAndAcc where, const KARMathPoint* at,
+    const QOBSharedHandle<KARMPBody>& reference, const KARMathAxis* frame)
+{
+    unsigned char hasAxis = 0;
+    KARMathLine axis;
+    return GetVelocityAndAcceleration(linearVelocity, angularVelocity, linearAcceleration,
+                                      angularAcceleration, point, hasAxis, axis, where, at,
+                                      reference, frame);
+}

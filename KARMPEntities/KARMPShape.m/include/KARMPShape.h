@@ -1,0 +1,46 @@
+// What bodies look like and collide with.
+#pragma once
+
+#include "KARMPEntity.h"
+
+class KARIMPShapeLoader;
+class KARMPBody;
+
+class KARMP_API KARMPShape : public KARMPEntity
+{
+    KARMP_ABSTRACT_ENTITY(KARMPShape, KARMPEntity)
+
+public:
+    /// Writes the bodies into the concrete shape's element. A null serializer or a failing base is
+    /// a failed check and a failure.
+    KARStatus Serialize(KARMPSerializer* serializer) const override;
+    /// Reads the bodies from the concrete shape's element, in the same manner.
+    KARStatus Deserialize(const KARMPDeserializer* deserializer,
+                          const KARMPEntityTable& entities) override;
+    /// Hands out the shape's loader, null without one. A failing fetch is a failed check and a
+    /// failure.
+    virtual KARStatus GetLoader(KARIMPShapeLoader*& loader) const;
+    using Super::GetLoader;
+    /// Lists a body that has this shape; KARMPBody::LinkToShape makes the other side of the link. A
+    /// null handle is a failed check and a failure; a body that is listed already gives 1.
+    virtual KARStatus LinkToBody(const QOBSharedHandle<KARMPBody>& body);
+    /// Hands out the body at an index from 0; outside the list a null handle and a failure.
+    virtual KARStatus GetLinkedBody(int index, QOBSharedHandle<KARMPBody>& body) const;
+    virtual int GetLinkedBodyCount() const;
+
+    /// Takes a body out of the list. A null handle is a failed check and a failure; a body that is
+    /// not listed gives 1.
+    KARStatus RemoveBody(const QOBSharedHandle<KARMPBody>& body);
+
+protected:
+    void ClearContainers() override;
+    KARStatus RemoveParent() override;
+
+    KARMPShape();
+    /// A copy has no bodies.
+    KARMPShape(const KARMPShape& source, CopyMode mode);
+    ~KARMPShape() override;
+
+private:
+    KARMPLinkList<KARMPBody> m_bodies;
+};
