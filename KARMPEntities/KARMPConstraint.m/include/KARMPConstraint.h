@@ -1,0 +1,105 @@
+// Base of every condition that a model places on its geometry: geometric constraints, the
+// constraints that stand for joints, and equations.
+//
+// A constraint keeps its links and parameters and computes nothing: whether it holds, and its
+// value, is asked of the solver's loader each time.
+#pragma once
+
+#include "KARMPConstraintParameter.h"
+#include "KARMPEntity.h"
+
+#include <vector>
+
+class KARIMPConstraintLoader;
+class KARMPGeometry;
+class KARMPJoint;
+class KARMPSensor;
+class KARMPVariable;
+struct KARMPOptionsOrientation;
+
+class KARMP_API KARMPConstraint : public KARMPEntity
+{
+    KARMP_ABSTRACT_ENTITY(KARMPConstraint, KARMPEntity)
+
+public:
+    /// Writes links and parameters into the constraint's element. A null element and a failure of
+    /// the base are a failed check and a failure; later failures are reported and give 0.
+    KARStatus Serialize(KARMPSerializer* serializer) const override;
+    /// Reads this constraint's side of its links, and its parameters. Statuses as Serialize.
+    KARStatus Deserialize(const KARMPDeserializer* deserializer,
+                          const KARMPEntityTable& entities) override;
+
+protected:
+    /// Drops the links to geometries, variables and sensors.
+    void ClearContainers() override;
+    /// Takes the constraint out of the lists of its joint, geometries, variables and sensors, up to
+    /// the first failure. The joint is dropped in any case.
+    KARStatus RemoveParent() override;
+
+public:
+    using Super::GetLoader;
+    /// Hands out the loader, null without one.
+    virtual KARStatus GetLoader(KARIMPConstraintLoader*& loader) const;
+
+    /// Stores the joint that the constraint belongs to, null included; always 0.
+    virtual KARStatus SetJoint(const QOBSharedHandle<KARMPJoint>& joint);
+    /// Hands out the joint; a null handle and a failure without one.
+    virtual KARStatus GetJoint(QOBSharedHandle<KARMPJoint>& joint) const;
+
+    /// Appends a link. A null handle is a failed check and a failure; one that is linked already
+    /// gives 1. The same holds for variables and sensors.
+    virtual KARStatus LinkToGeometry(const QOBSharedHandle<KARMPGeometry>& geometry);
+    /// Hands out the link at an index from 0; outside the list a null handle and a failure. The
+    /// same holds for variables and sensors.
+    virtual KARStatus GetLinkedGeometry(int index, QOBSharedHandle<KARMPGeometry>& geometry) const;
+    virtual int GetLinkedGeometryCount() const;
+    virtual KARStatus LinkToVariable(const QOBSharedHandle<KARMPVariable>& variable);
+    virtual KARStatus GetLinkedVariable(int index, QOBSharedHandle<KARMPVariable>& variable) const;
+    virtual int GetLinkedVariableCount() const;
+    virtual KARStatus LinkToSensor(const QOBSharedHandle<KARMPSensor>& sensor);
+    virtual KARStatus GetLinkedSensor(int index, QOBSharedHandle<KARMPSensor>& sensor) const;
+    virtual int GetLinkedSensorCount() const;
+
+    /// Appends a parameter, null included, and takes it over; always 0.
+    virtual KARStatus AddConstraintParameter(KARMPConstraintParameter* parameter);
+    /// Lends the parameter at an index from 0; outside the list a failure, with the argument left
+    /// alone.
+    virtual KARStatus GetConstraintParameter(int index, KARMPConstraintParameter*& parameter) const;
+    virtual int GetConstraintParameterCount() const;
+
+    /// Asks the loader whether the constraint holds and by how much it is missed; false without
+    /// one. A failing GetLoader is a failed check, here and in the questions that follow.
+    virtual bool IsSatisfied(double& residual) const;
+    /// Asks the loader whether the constraint holds, as earlier releases of the geometric kernel
+    /// answer; false without one.
+    virtual bool IsSatisfied() const;
+    /// Asks the loader for value and rate of one of the constraint's variables; a failure without a
+    /// loader.
+    virtual KARStatus CurrentValue(int index, double& value, double& rate) const;
+    /// Asks the loader for the value of the constraint; a failure without one.
+    virtual KARStatus CurrentValue(double& value) const;
+    /// Asks the loader for its options; a failure without one.
+    virtual KARStatus CurrentOptions(KARMPOptionsOrientation& options) const;
+
+    /// Takes a link out. A null handle is a failed check and a failure; one that is not linked
+    /// gives 1. The same holds for joint, variables and sensors.
+    KARStatus RemoveGeometry(const QOBSharedHandle<KARMPGeometry>& geometry);
+    KARStatus RemoveJoint(const QOBSharedHandle<KARMPJoint>& joint);
+    KARStatus RemoveVariable(const QOBSharedHandle<KARMPVariable>& variable);
+    KARStatus RemoveSensor(const QOBSharedHandle<KARMPSensor>& sensor);
+
+protected:
+    KARMPConstraint();
+    /// A copy is as new: it takes neither links nor parameters nor anything of the entity base.
+    KARMPConstraint(const KARMPConstraint& source, CopyMode mode);
+    ~KARMPConstraint() override;
+
+private:
+    void writeParameters(KARMPSerializer* element) const;
+
+    QOBSharedHandle<KARMPJoint> m_joint;
+    KARMPLinkList<KARMPGeometry> m_geometries;
+    KARMPLinkList<KARMPVariable> m_variables;
+    KARMPLinkList<KARMPSensor> m_sensors;
+    std::vector<KARMPConstraintParameter*> m_parameters; // owned; one may be listed twice
+};

@@ -1,0 +1,283 @@
+#include "KARMPConstraint.h"
+
+#include "GMKTkCompatCtx.h"
+#include "KARIMPConstraintLoader.h"
+#include "KARMPElementReader.h"
+#include "KARMPElementWriter.h"
+#include "KARMPGeometry.h"
+#include "KARMPJoint.h"
+#include "KARMPLoaderAccess.h"
+#include "KARMPLoaderQuestion.h"
+#include "KARMPSensor.h"
+#include "KARMPVariable.h"
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+
+KARMP_DEFINE_ABSTRACT_ENTITY(KARMPConstraint, "7F1E045F-4F56-4db2-9392-3DA8A5FC2990");
+
+namespace {
+
+// Takes a constraint out of the lists of all that a list of its own links to, up to the first
+// failure.
+template <class T>
+KARStatus removeFromLinked(const KARMPLinkList<T>& links,
+                           const QOBSharedHandle<KARMPConstraint>& constraint,
+                           KARMPSourceLocation where = KARMPSourceLocation::current())
+{
+    KARStatus status = KARSuccess;
+    for (int index = 0; index < links.Count() && !KARFailed(status); ++index) {
+        const QOBSharedHandle<T> linked(links.At(index), QOBSharedBase::WriteLock);
+        status = KARMPVerify(static_cast<bool>(linked), where)
+                     ? linked->RemoveConstraint(constraint)
+                     : KARFailure;
+    }
+    return status;
+}
+
+} // namespace
+
+KARMPConstraint::KARMPConstraint() = default;
+
+KARMPConstraint::KARMPConstraint(const KARMPConstraint&, CopyMode) : KARMPConstraint() {}
+
+KARMPConstraint::~KARMPConstraint()
+{
+    // A parameter that was added twice is freed once.
+    std::sort(m_parameters.begin(), m_parameters.end(), std::less<>());
+    const auto end = std::unique(m_parameters.begin(), m_parameters.end());
+    std::for_each(m_parameters.begin(), end, std::default_delete<KARMPConstraintParameter>());
+}
+
+void KARMPConstraint::ClearContainers()
+{
+    m_geometries.Clear();
+    m_variables.Clear();
+    m_sensors.Clear();
+}
+
+KARStatus KARMPConstraint::RemoveParent()
+{
+    const QOBSharedHandle<KARMPConstraint> self(this, QOBSharedBase::NoLock);
+    KARStatus status = KARSuccess;
+    if (m_joint) {
+        const QOBSharedHandle<KARMPJoint> joint(m_joint, QOBSharedBase::WriteLock);
+        if (KARMPVerify(static_cast<bool>(joint)))
+            status = joint->RemoveConstraint(self);
+        m_joint.detach();
+    }
+    if (!KARFailed(status))
+        status = removeFromLinked(m_geometries, self);
+    if (!KARFailed(status))
+        status = removeFromLinked(m_variables, self);
+    if (!KARFailed(status))
+        status = removeFromLinked(m_sensors, self);
+    return status;
+}
+
+KARStatus KARMPConstraint::GetLoader(KARIMPConstraintLoader*& loader) const
+{
+    return karmp::FetchLoader(*this, loader);
+}
+
+KARStatus KARMPConstraint::SetJoint(const QOBSharedHandle<KARMPJoint>& joint)
+{
+    m_joint = joint;
+    return KARSuccess;
+}
+
+KARStatus KARMPConstraint::GetJoint(QOBSharedHandle<KARMPJoint>& joint) const
+{
+    joint = m_joint;
+    return joint ? KARSuccess : KARFailure;
+}
+
+KARStatus KARMPConstraint::RemoveJoint(const QOBSharedHandle<KARMPJoint>& joint)
+{
+    if (!KARMPVerify(static_cast<bool>(joint)))
+        return KARFailure;
+    if (joint != m_joint)
+        return KARUnchanged;
+    m_joint.detach();
+    return KARSuccess;
+}
+
+KARStatus KARMPConstraint::LinkToGeometry(const QOBSharedHandle<KARMPGeometry>& geometry)
+{
+    return m_geometries.Add(geometry);
+}
+
+KARStatus KARMPConstraint::GetLinkedGeometry(int index,
+                                             QOBSharedHandle<KARMPGeometry>& geometry) const
+{
+    return m_geometries.Get(index, geometry);
+}
+
+int KARMPConstraint::GetLinkedGeometryCount() const
+{
+    return m_geometries.Count();
+}
+
+KARStatus KARMPConstraint::RemoveGeometry(const QOBSharedHandle<KARMPGeometry>& geometry)
+{
+    return m_geometries.Remove(geometry);
+}
+
+KARStatus KARMPConstraint::LinkToVariable(const QOBSharedHandle<KARMPVariable>& variable)
+{
+    return m_variables.Add(variable);
+}
+
+KARStatus KARMPConstraint::GetLinkedVariable(int index,
+                                             QOBSharedHandle<KARMPVariable>& variable) const
+{
+    return m_variables.Get(index, variable);
+}
+
+int KARMPConstraint::GetLinkedVariableCount() const
+{
+    return m_variables.Count();
+}
+
+KARStatus KARMPConstraint::RemoveVariable(const QOBSharedHandle<KARMPVariable>& variable)
+{
+    return m_variables.Remove(variable);
+}
+
+KARStatus KARMPConstraint::LinkToSensor(const QOBSharedHandle<KARMPSensor>& sensor)
+{
+    return m_sensors.Add(sensor);
+}
+
+KARStatus KARMPConstraint::GetLinkedSensor(int index, QOBSharedHandle<KARMPSensor>& sensor) const
+{
+    return m_sensors.Get(index, sensor);
+}
+
+int KARMPConstraint::GetLinkedSensorCount() const
+{
+    return m_sensors.Count();
+}
+
+KARStatus KARMPConstraint::RemoveSensor(const QOBSharedHandle<KARMPSensor>& sensor)
+{
+    return m_sensors.Remove(sensor);
+}
+
+KARStatus KARMPConstraint::AddConstraintParameter(KARMPConstraintParameter* parameter)
+{
+    m_parameters.push_back(parameter);
+    return KARSuccess;
+}
+
+KARStatus KARMPConstraint::GetConstraintParameter(int index,
+                                                  KARMPConstraintParameter*& parameter) const
+{
+    if (index < 0 || index >= GetConstraintParameterCount())
+        return KARFailure;
+    parameter = m_parameters[static_cast<std::size_t>(index)];
+    return KARSuccess;
+}
+
+int KARMPConstraint::GetConstraintParameterCount() const
+{
+    return static_cast<int>(m_parameters.size());
+}
+
+bool KARMPConstraint::IsSatisfied(double& residual) const
+{
+    return karmp::AskLoader<KARIMPConstraintLoader>(
+        *this, false, [&](auto& loader) { return loader.IsSatisfied(residual); });
+}
+
+bool KARMPConstraint::IsSatisfied() const
+{
+    return karmp::AskLoader<KARIMPConstraintLoader>(*this, false, [](auto& loader) {
+        const GMKTkCompatCtx compatibility;
+        return loader.IsSatisfied();
+    });
+}
+
+KARStatus KARMPConstraint::CurrentValue(int index, double& value, double& rate) const
+{
+    return karmp::AskLoader<KARIMPConstraintLoader>(
+        *this, KARFailure, [&](auto& loader) { return loader.CurrentValue(index, value, rate); });
+}
+
+KARStatus KARMPConstraint::CurrentValue(double& value) const
+{
+    return karmp::AskLoader<KARIMPConstraintLoader>(
+        *this, KARFailure, [&](auto& loader) { return loader.CurrentValue(value); });
+}
+
+KARStatus KARMPConstraint::CurrentOptions(KARMPOptionsOrientation& options) const
+{
+    return karmp::AskLoader<KARIMPConstraintLoader>(
+        *this, KARFailure, [&](auto& loader) { return loader.CurrentOptions(options); });
+}
+
+KARStatus KARMPConstraint::Serialize(KARMPSerializer* serializer) const
+{
+    karmp::ElementWriter element(serializer);
+    if (!element || !element.Base(Super::Serialize(element.Node())))
+        return KARFailure;
+    element.References<KARMPGeometry>(
+        L"Geometries", L"Geometry", GetLinkedGeometryCount(),
+        [this](int index, auto& geometry) { return GetLinkedGeometry(index, geometry); });
+    QOBSharedHandle<KARMPJoint> joint;
+    if (!KARFailed(GetJoint(joint)))
+        element.Reference(L"Joint", joint);
+    element.References<KARMPVariable>(
+        L"Variables", L"Variable", GetLinkedVariableCount(),
+        [this](int index, auto& variable) { return GetLinkedVariable(index, variable); });
+    element.References<KARMPSensor>(
+        L"Sensors", L"Sensor", GetLinkedSensorCount(),
+        [this](int index, auto& sensor) { return GetLinkedSensor(index, sensor); });
+    writeParameters(element.Node());
+    // A link or parameter that could not be written was reported and is no failure of the whole.
+    return KARSuccess;
+}
+
+void KARMPConstraint::writeParameters(KARMPSerializer* element) const
+{
+    // One initialized parameter lets all be written, the others included.
+    const bool wanted =
+        std::any_of(m_parameters.begin(), m_parameters.end(), [](const auto* parameter) {
+            return parameter != nullptr && parameter->IsInitialized();
+        });
+    if (!wanted)
+        return;
+    const karmp::ElementWriter container(element, L"ConstraintParameters");
+    if (!container)
+        return;
+    for (const KARMPConstraintParameter* parameter : m_parameters) {
+        if (KARMPVerify(parameter != nullptr))
+            KARMPVerify(!KARFailed(parameter->Serialize(container.Node())));
+    }
+}
+
+KARStatus KARMPConstraint::Deserialize(const KARMPDeserializer* deserializer,
+                                       const KARMPEntityTable& entities)
+{
+    karmp::ElementReader element(deserializer);
+    if (!element || !element.Base(Super::Deserialize(element.Node(), entities)))
+        return KARFailure;
+    element.References<KARMPGeometry>(
+        L"Geometries", L"Geometry", entities,
+        [this](const auto& geometry) { return LinkToGeometry(geometry); });
+    element.Reference<KARMPJoint>(L"Joint", entities,
+                                  [this](const auto& joint) { return SetJoint(joint); });
+    element.References<KARMPVariable>(
+        L"Variables", L"Variable", entities,
+        [this](const auto& variable) { return LinkToVariable(variable); });
+    element.References<KARMPSensor>(L"Sensors", L"Sensor", entities,
+                                    [this](const auto& sensor) { return LinkToSensor(sensor); });
+    element.Child(L"ConstraintParameters", karmp::Absent::Keep)
+        .Each(L"ConstraintParameter", [this](const karmp::ElementReader& child) {
+            auto parameter = std::make_unique<KARMPConstraintParameter>();
+            KARMPVerify(!KARFailed(parameter->Deserialize(child.Node())));
+            AddConstraintParameter(parameter.release());
+        });
+    return KARSuccess;
+}
