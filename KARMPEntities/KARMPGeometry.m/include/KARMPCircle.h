@@ -1,0 +1,27 @@
+// A circle.
+#pragma once
+
+#include "KARMPGeometry.h"
+#include "KARMathCircle.h"
+
+class KARMP_API KARMPCircle : public KARMPGeometry
+{
+    KARMP_ENTITY(KARMPCircle, KARMPGeometry)
+
+public:
+    KARStatus Serialize(KARMPSerializer* serializer) const override;
+    KARStatus Deserialize(const KARMPDeserializer* deserializer,
+                          const KARMPEntityTable& entities) override;
+    /// Stores the circle, as given; always 0.
+    virtual KARStatus SetCircle(const KARMathCircle& circle) { return Copy(circle, m_circle); }
+    /// Hands out the circle; always 0.
+    virtual KARStatus GetCircle(KARMathCircle& circle) const { return Copy(m_circle, circle); }
+
+protected:
+    KARMPCircle();
+    KARMPCircle(const KARMPCircle& source, CopyMode mode);
+    ~KARMPCircle() override;
+
+private:
+    KARMathCircle m_circle;
+};

@@ -1,0 +1,39 @@
+// A circular cone, given by its axis and angle.
+#pragma once
+
+#include "KARMPGeometry.h"
+#include "KARMathDirection.h"
+#include "KARMathPoint.h"
+
+class KARMP_API KARMPCone : public KARMPGeometry
+{
+    KARMP_ENTITY(KARMPCone, KARMPGeometry)
+
+public:
+    KARStatus Serialize(KARMPSerializer* serializer) const override;
+    KARStatus Deserialize(const KARMPDeserializer* deserializer,
+                          const KARMPEntityTable& entities) override;
+    /// Stores a point of the axis, as given; always 0.
+    virtual KARStatus SetOrigin(const KARMathPoint& origin) { return Copy(origin, m_origin); }
+    /// Hands out a point of the axis; always 0.
+    virtual KARStatus GetOrigin(KARMathPoint& origin) const { return Copy(m_origin, origin); }
+    /// Stores the direction of the axis, as given; always 0.
+    virtual KARStatus SetAxis(const KARMathDirection& axis) { return Copy(axis, m_axis); }
+    /// Hands out the direction of the axis; always 0.
+    virtual KARStatus GetAxis(KARMathDirection& axis) const { return Copy(m_axis, axis); }
+    /// Stores the angle between axis and side, in radians, as given; always 0.
+    virtual KARStatus SetAngle(double angle) { return Copy(angle, m_angle); }
+    /// Hands out the angle between axis and side, in radians; always 0.
+    virtual KARStatus GetAngle(double& angle) const { return Copy(m_angle, angle); }
+
+protected:
+    KARMPCone();
+    /// A copy has the angle of its source and is otherwise as new.
+    KARMPCone(const KARMPCone& source, CopyMode mode);
+    ~KARMPCone() override;
+
+private:
+    KARMathPoint m_origin;
+    KARMathDirection m_axis;
+    double m_angle = 0.0;
+};

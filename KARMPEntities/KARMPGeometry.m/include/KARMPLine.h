@@ -1,0 +1,27 @@
+// A straight line without ends.
+#pragma once
+
+#include "KARMPGeometry.h"
+#include "KARMathLine.h"
+
+class KARMP_API KARMPLine : public KARMPGeometry
+{
+    KARMP_ENTITY(KARMPLine, KARMPGeometry)
+
+public:
+    KARStatus Serialize(KARMPSerializer* serializer) const override;
+    KARStatus Deserialize(const KARMPDeserializer* deserializer,
+                          const KARMPEntityTable& entities) override;
+    /// Stores the line, as given; always 0.
+    virtual KARStatus SetLine(const KARMathLine& line) { return Copy(line, m_line); }
+    /// Hands out the line; always 0.
+    virtual KARStatus GetLine(KARMathLine& line) const { return Copy(m_line, line); }
+
+protected:
+    KARMPLine();
+    KARMPLine(const KARMPLine& source, CopyMode mode);
+    ~KARMPLine() override;
+
+private:
+    KARMathLine m_line;
+};

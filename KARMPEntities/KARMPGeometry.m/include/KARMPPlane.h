@@ -1,0 +1,27 @@
+// A plane without ends.
+#pragma once
+
+#include "KARMPGeometry.h"
+#include "KARMathPlane.h"
+
+class KARMP_API KARMPPlane : public KARMPGeometry
+{
+    KARMP_ENTITY(KARMPPlane, KARMPGeometry)
+
+public:
+    KARStatus Serialize(KARMPSerializer* serializer) const override;
+    KARStatus Deserialize(const KARMPDeserializer* deserializer,
+                          const KARMPEntityTable& entities) override;
+    /// Stores the plane, as given; always 0.
+    virtual KARStatus SetPlane(const KARMathPlane& plane) { return Copy(plane, m_plane); }
+    /// Hands out the plane; always 0.
+    virtual KARStatus GetPlane(KARMathPlane& plane) const { return Copy(m_plane, plane); }
+
+protected:
+    KARMPPlane();
+    KARMPPlane(const KARMPPlane& source, CopyMode mode);
+    ~KARMPPlane() override;
+
+private:
+    KARMathPlane m_plane;
+};

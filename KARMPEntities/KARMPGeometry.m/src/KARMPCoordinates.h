@@ -1,0 +1,116 @@
+// The form that all kinds of geometry share in the element tree: an element named for the kind,
+// which holds the base's content and "Coordinates" with a child element for each number.
+#pragma once
+
+#include "KARMPElementReader.h"
+#include "KARMPElementWriter.h"
+#include "KARMathDirection.h"
+
+#include <array>
+#include <cmath>
+#include <string_view>
+#include <tuple>
+#include <type_traits>
+
+namespace karmp {
+
+/// The direction that a reader makes of three components: one of length 0 becomes (1, 0, 0), one
+/// whose squares sum to exactly 1 is taken as it stands, any other is scaled to length 1.
+inline KARMathDirection DirectionOnRead(double x, double y, double z)
+{
+    const double square = x * x + y * y + z * z;
+    if (square == 0.0)
+        return {};
+    if (square == 1.0)
+        return {x, y, z};
+    const double factor = 1.0 / std::sqrt(square);
+    return {x * factor, y * factor, z * factor};
+}
+
+/// A point, a vector or a direction of a kind, with its three names.
+template <class Value>
+class Triple
+{
+public:
+    Triple(const Names<3>& names, Value& value) : m_names(names), m_value(value) {}
+
+    void Write(ElementWriter& coordinates, KARMPSourceLocation where) const
+    {
+        coordinates.Values(m_names, m_value, where);
+    }
+    /// A missing component is reported and counts as 0.
+    void Read(ElementReader& coordinates, KARMPSourceLocation where) const
+    {
+        std::array<double, 3> read{};
+        coordinates.Values(m_names, read, Absent::ReportAndKeep, where);
+        if constexpr (std::is_same_v<Value, KARMathDirection>)
+            m_value = DirectionOnRead(read[0], read[1], read[2]);
+        else
+            m_value = Value(read[0], read[1], read[2]);
+    }
+
+private:
+    const Names<3>& m_names;
+    Value& m_value;
+};
+
+/// A number of a kind, with its name.
+template <class Value>
+class Number
+{
+public:
+    Number(std::wstring_view name, Value& value) : m_name(name), m_value(value) {}
+
+    void Write(ElementWriter& coordinates, KARMPSourceLocation where) const
+    {
+        coordinates.Value(m_name, m_value, where);
+    }
+    /// A missing number is reported and counts as 0.
+    void Read(ElementReader& coordinates, KARMPSourceLocation where) const
+    {
+        coordinates.Value(m_name, m_value, Absent::ReportAndZero, where);
+    }
+
+private:
+    std::wstring_view m_name;
+    Value& m_value;
+};
+
+/// Writes a kind: its element, what its base writes, and the values in order. A failed value is
+/// reported and the next one is tried; a failure of anything above is reported and the result.
+template <class Kind, class... Values>
+KARStatus WriteKind(const Kind& kind, KARMPSerializer* serializer, std::wstring_view name,
+                    const std::tuple<Values...>& values,
+                    KARMPSourceLocation where = KARMPSourceLocation::current())
+{
+    using Base = typename Kind::Super;
+    ElementWriter element(serializer, name, where);
+    if (!element || !element.Base(kind.Base::Serialize(element.Node()), where))
+        return KARFailure;
+    ElementWriter coordinates = element.Child(L"Coordinates", where);
+    if (!coordinates)
+        return KARFailure;
+    std::apply([&](const Values&... value) { (value.Write(coordinates, where), ...); }, values);
+    return KARSuccess;
+}
+
+/// Reads a kind in the same manner. Values that were not read are as Triple and Number tell; when
+/// the result is a failure, all values stay.
+template <class Kind, class... Values>
+KARStatus ReadKind(Kind& kind, const KARMPDeserializer* deserializer,
+                   const KARMPEntityTable& entities, std::wstring_view name,
+                   const std::tuple<Values...>& values,
+                   KARMPSourceLocation where = KARMPSourceLocation::current())
+{
+    using Base = typename Kind::Super;
+    ElementReader element(deserializer, name, where);
+    if (!element || !element.Base(kind.Base::Deserialize(element.Node(), entities), where))
+        return KARFailure;
+    ElementReader coordinates = element.Child(L"Coordinates", Absent::ReportAndKeep, where);
+    if (!coordinates)
+        return KARFailure;
+    std::apply([&](const Values&... value) { (value.Read(coordinates, where), ...); }, values);
+    return KARSuccess;
+}
+
+} // namespace karmp
