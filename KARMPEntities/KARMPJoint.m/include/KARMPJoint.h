@@ -1,0 +1,94 @@
+// Base of the joints of a mechanism: a joint links bodies and holds the constraints that realise
+// it.
+//
+// What a joint is to the solver comes from its loader alone. Its frames, one for each linked body,
+// come from the loader or are computed from the bodies and the constraints' geometry.
+#pragma once
+
+#include "KARMPBodyLinkList.h"
+#include "KARMPEntity.h"
+
+#include <vector>
+
+class KARIMPJointLoader;
+class KARMPBody;
+class KARMPConstraint;
+class KARMathAxis;
+
+class KARMP_API KARMPJoint : public KARMPEntity
+{
+    KARMP_ABSTRACT_ENTITY(KARMPJoint, KARMPEntity)
+
+public:
+    /// Writes bodies and constraints into the kind's element. Failures inside are reported; 0 but
+    /// for a null serializer, which is a failed check and a failure.
+    KARStatus Serialize(KARMPSerializer* serializer) const override;
+    /// Reads bodies and constraints from the kind's element. A null deserializer or a failing base
+    /// is a failed check and a failure.
+    KARStatus Deserialize(const KARMPDeserializer* deserializer,
+                          const KARMPEntityTable& entities) override;
+    /// Hands out the joint's loader, null without one. A failing fetch is a failed check and a
+    /// failure.
+    virtual KARStatus GetLoader(KARIMPJointLoader*& loader) const;
+    using Super::GetLoader;
+    /// Gives the frames, one for each linked body. With `compute` they are appended as
+    /// KARMPJointFramesServices::ComputeFrames tells, in each body's coordinates with `local`.
+    /// Otherwise the loader gives them, whatever `local` says: its status, 1 without a loader, a
+    /// failed check and a failure when fetching it fails.
+    virtual KARStatus GetFrames(std::vector<KARMathAxis>& frames, unsigned char local,
+                                unsigned char compute) const;
+    /// Number of frames that the loader gives.
+    virtual int GetFrameCount() const;
+    /// Hands out one of the loader's frames by its index from 0; a failure outside of them.
+    virtual KARStatus GetFrame(int index, KARMathAxis& frame, unsigned char local) const;
+    /// Asks the loader for the kind of joint that the solver takes this one for: its status, 1 with
+    /// `type` untouched without a loader, a failed check and a failure when fetching it fails.
+    virtual KARStatus GetSolverEquivalentJointType(
+        KARMPSolverEquivalentJointType::Enum& type) const;
+    /// Asks the loader's second reading of the kind. No loader is a failed check and a failure too.
+    virtual KARStatus GetSolverEquivalentJointType2(
+        KARMPSolverEquivalentJointType::Enum& type) const;
+    /// Stores a kind, which the two getters do not look at; always 0.
+    virtual KARStatus SetSolverEquivalentJointType(KARMPSolverEquivalentJointType::Enum& type);
+
+    /// Links a body to the joint; KARMPBody::LinkToJoint makes the other side. A null handle is a
+    /// failed check and a failure; a body that is linked already gives 1 and keeps its orientation.
+    KARStatus LinkToBody(const QOBSharedHandle<KARMPBody>& body,
+                         KARMPBodyOrientation::Enum orientation);
+    /// Takes a body out with its orientation. A null handle is a failed check and a failure; a body
+    /// that is not linked gives 1.
+    KARStatus RemoveBody(const QOBSharedHandle<KARMPBody>& body);
+    int GetLinkedBodyCount() const { return m_bodies.Count(); }
+    /// Hands out the body at an index from 0; outside the list a null handle and a failure.
+    KARStatus GetLinkedBody(int index, QOBSharedHandle<KARMPBody>& body) const;
+    KARStatus GetLinkedBody(int index, QOBSharedHandle<KARMPBody>& body,
+                            KARMPBodyOrientation::Enum& orientation) const;
+
+    /// Appends a constraint; KARMPConstraint::SetJoint makes the other side. A null handle is a
+    /// failed check and a failure; a constraint that is listed already gives 1.
+    KARStatus AddConstraint(const QOBSharedHandle<KARMPConstraint>& constraint);
+    /// Takes a constraint out. A null handle is a failed check and a failure; one that is not
+    /// listed gives 1.
+    KARStatus RemoveConstraint(const QOBSharedHandle<KARMPConstraint>& constraint);
+    int GetConstraintCount() const { return m_constraints.Count(); }
+    /// Hands out the constraint at an index from 0; outside the list a null handle and a failure.
+    KARStatus GetConstraint(int index, QOBSharedHandle<KARMPConstraint>& constraint) const;
+
+protected:
+    void ClearContainers() override;
+    KARStatus RemoveParent() override;
+
+    /// Places a constraint before an index, without a test for duplicates. A null handle is a
+    /// failed check and a failure.
+    KARStatus InsertConstraint(int index, const QOBSharedHandle<KARMPConstraint>& constraint);
+
+    KARMPJoint();
+    /// A copy has no bodies and no constraints.
+    KARMPJoint(const KARMPJoint& source, CopyMode mode);
+    ~KARMPJoint() override;
+
+private:
+    KARMPLinkList<KARMPConstraint> m_constraints;
+    KARMPBodyLinkList<KARMPBody> m_bodies;
+    KARMPSolverEquivalentJointType::Enum m_solverEquivalentType = {};
+};
