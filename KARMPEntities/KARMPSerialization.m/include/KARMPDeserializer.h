@@ -8,6 +8,7 @@
 #include "KARStatus.h"
 
 #include <concepts>
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -59,6 +60,14 @@ public:
     bool HasAttribute(std::wstring_view name) const;
     /// True when there is a child of the name.
     bool HasElement(std::wstring_view name) const;
+    /// Number of attributes.
+    std::size_t GetAttributeCount() const { return m_attributes.size(); }
+    /// The name of an attribute in the order of addition, valid for as long as the node. The index
+    /// is not checked.
+    std::wstring_view GetAttributeId(std::size_t index) const
+    {
+        return m_attributes[index].name.View();
+    }
 
     /// Converts an attribute as GetValue does; a missing one is KARFailure without a report.
     KARStatus GetAttribute(std::wstring_view name, std::wstring& value) const;
