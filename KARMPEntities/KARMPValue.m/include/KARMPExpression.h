@@ -4,6 +4,7 @@
 #include "KARMPValue.h"
 
 #include <map>
+#include <string_view>
 
 class KARIMPExpressionLoader;
 class KARMPVariable;
@@ -49,6 +50,11 @@ protected:
     ~KARMPExpression() override;
 
 private:
+    bool WriteEquation(KARMPSerializer* expression) const;
+    bool WriteMapping(KARMPSerializer* expression) const;
+    void ReadEquation(std::wstring_view text);
+    void ReadMapping(const KARMPDeserializer* mapping);
+
     KARWBEquation* m_equation = nullptr; // its factory's
     KARMPLinkList<KARMPVariable> m_variables;
     std::map<int, int> m_variableMapping;

@@ -54,7 +54,9 @@ protected:
     ~KARMPSketchFunction() override;
 
 private:
-    KARStatus WriteCurves(KARMPSerializer* sketchFunction) const;
+    void WriteReferenceAxis(KARMPSerializer* sketchFunction) const;
+    void WriteCurves(KARMPSerializer* sketchFunction) const;
+    void ReadReferenceAxis(const KARMPDeserializer* referenceAxis);
     void ReadCurve(const KARMPDeserializer* segment);
 
     std::vector<KARBaseUnknown*> m_curves; // counted

@@ -1,0 +1,170 @@
+#include "KARMPExpression.h"
+
+#include "KARIMPExpressionLoader.h"
+#include "KARMPElementReader.h"
+#include "KARMPElementWriter.h"
+#include "KARMPLoaderAccess.h"
+#include "KARMPSerializationServices.h"
+#include "KARMPVariable.h"
+#include "KARMPWorld.h"
+
+KARMP_DEFINE_ENTITY(KARMPExpression, "B27C3563-C7BF-4A03-B166-53D33BEA8552");
+
+namespace {
+
+std::wstring positionName(int position)
+{
+    return L"Var" + std::to_wstring(position);
+}
+
+} // namespace
+
+KARMPExpression::KARMPExpression() = default;
+
+KARMPExpression::KARMPExpression(const KARMPExpression& source, CopyMode mode)
+    : Super(source, mode), m_equation(source.m_equation)
+{}
+
+KARMPExpression::~KARMPExpression() = default;
+
+KARStatus KARMPExpression::GetLoader(KARIMPExpressionLoader*& loader) const
+{
+    return karmp::FetchLoader(*this, loader);
+}
+
+KARStatus KARMPExpression::SetValue(KARWBEquation* equation)
+{
+    if (!KARMPVerify(equation != nullptr))
+        return KARFailure;
+    m_equation = equation;
+    return KARSuccess;
+}
+
+KARStatus KARMPExpression::GetValue(KARWBEquation*& equation) const
+{
+    equation = m_equation;
+    return equation != nullptr ? KARSuccess : KARFailure;
+}
+
+KARStatus KARMPExpression::LinkToVariable(const QOBSharedHandle<KARMPVariable>& variable)
+{
+    const int position = m_variables.Count();
+    const KARStatus status = m_variables.Add(variable);
+    if (status == KARSuccess)
+        m_variableMapping[position] = position;
+    return status;
+}
+
+KARStatus KARMPExpression::GetLinkedVariable(int index,
+                                             QOBSharedHandle<KARMPVariable>& variable) const
+{
+    return m_variables.Get(index, variable);
+}
+
+int KARMPExpression::GetLinkedVariableCount() const
+{
+    return m_variables.Count();
+}
+
+KARStatus KARMPExpression::SetVariableMapping(const std::map<int, int>& mapping)
+{
+    m_variableMapping = mapping;
+    return KARSuccess;
+}
+
+KARStatus KARMPExpression::GetVariableMapping(std::map<int, int>& mapping) const
+{
+    mapping = m_variableMapping;
+    return KARSuccess;
+}
+
+KARStatus KARMPExpression::Serialize(KARMPSerializer* serializer) const
+{
+    if (IsLeftOut())
+        return KARSuccess;
+    karmp::ElementWriter element(serializer, L"Expression");
+    if (!element || !element.Base(Super::Serialize(element.Node())))
+        return KARFailure;
+    const bool equationWritten = WriteEquation(element.Node());
+    element.References<KARMPVariable>(
+        L"Variables", L"Variable", GetLinkedVariableCount(),
+        [this](int i, auto& variable) { return GetLinkedVariable(i, variable); });
+    const bool mappingWritten = WriteMapping(element.Node());
+    return equationWritten && mappingWritten ? KARSuccess : KARFailure;
+}
+
+bool KARMPExpression::WriteEquation(KARMPSerializer* expression) const
+{
+    KARWBEquation* equation = nullptr;
+    if (KARFailed(GetValue(equation)))
+        return true;
+    std::wstring text;
+    if (!KARMPVerify(!KARFailed(KARMPSerializationServices::PrintWBEquation(equation, text))))
+        return false;
+    return karmp::ElementWriter(expression).Value(L"Value", text);
+}
+
+bool KARMPExpression::WriteMapping(KARMPSerializer* expression) const
+{
+    std::map<int, int> mapping;
+    if (GetVariableMapping(mapping) != KARSuccess)
+        return true;
+    karmp::ElementWriter element = karmp::ElementWriter(expression).Child(L"VariableMapping");
+    for (const auto& [position, mapped] : mapping)
+        element.Value(positionName(position), mapped);
+    return element.Status() == KARSuccess;
+}
+
+KARStatus KARMPExpression::Deserialize(const KARMPDeserializer* deserializer,
+                                       const KARMPEntityTable& entities)
+{
+    if (IsLeftOut())
+        return KARSuccess;
+    karmp::ElementReader element(deserializer, L"Expression");
+    if (!element || !element.Base(Super::Deserialize(element.Node(), entities)))
+        return KARFailure;
+    std::wstring_view text;
+    const bool hasEquation = element.Has(L"Value");
+    if (hasEquation && element.Value(L"Value", text, karmp::Absent::ReportAndKeep))
+        ReadEquation(text);
+    element.References<KARMPVariable>(L"Variables", L"Variable", entities,
+                                      [this](const auto& v) { return LinkToVariable(v); });
+    if (element.Has(L"VariableMapping"))
+        ReadMapping(element.Child(L"VariableMapping", karmp::Absent::ReportAndKeep).Node());
+    return hasEquation ? KARSuccess : KARUnchanged;
+}
+
+void KARMPExpression::ReadEquation(std::wstring_view text)
+{
+    bool inWorld = false;
+    if (!KARMPVerify(!KARFailed(IsInWorld(inWorld)) && inWorld))
+        return;
+    QOBSharedHandle<KARMPWorld> found;
+    if (!KARMPVerify(!KARFailed(GetWorld(found)) && found))
+        return;
+    const QOBSharedHandle<KARMPWorld> world(found, QOBSharedBase::WriteLock);
+    KARWBFactory* factory = nullptr;
+    if (!KARMPVerify(world && !KARFailed(world->GetWBFactory(factory)) && factory != nullptr))
+        return;
+    KARWBEquation* equation = nullptr;
+    const KARStatus status = KARMPSerializationServices::ParseWBEquation(text, factory, equation);
+    if (KARMPVerify(!KARFailed(status) && equation != nullptr))
+        KARMPVerify(!KARFailed(SetValue(equation)));
+}
+
+void KARMPExpression::ReadMapping(const KARMPDeserializer* mapping)
+{
+    karmp::ElementReader element(mapping);
+    if (!element)
+        return;
+    KARMPDeserializer::ElementList children;
+    mapping->GetOrderedElementList(children);
+    // The writer's names bear the keys; the reader counts from 0, so that other keys are lost.
+    std::map<int, int> read;
+    for (int position = 0; position < static_cast<int>(children.size()); ++position) {
+        int mapped = 0;
+        if (element.Value(positionName(position), mapped, karmp::Absent::ReportAndKeep))
+            read.emplace_hint(read.end(), position, mapped);
+    }
+    KARMPVerify(!KARFailed(SetVariableMapping(read)));
+}
