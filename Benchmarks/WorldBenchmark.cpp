@@ -1,0 +1,337 @@
+// What a world costs: N bodies, each with two geometries and a variable, N joints and 2 N
+// constraints. Rows per entity, and the ratio to pugixml on the same text in the same run.
+#include "HeapCounter.h"
+#include "KARMPDocuments.h"
+#include "KARMPEntities.h"
+
+#include <benchmark/benchmark.h>
+#include <pugixml.hpp>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <fstream>
+#include <map>
+#include <sstream>
+#include <string>
+
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using karmp::documents::LoadText;
+using karmp::documents::SaveText;
+
+/// How much of the mechanism is built.
+enum class Content { Bodies, Joints };
+
+int entitiesPerBody(Content content)
+{
+    return content == Content::Bodies ? 4 : 7;
+}
+
+/// Files entities and places them, as an application does.
+class Builder
+{
+public:
+    Builder()
+        : m_basicWorld(QOBBasicWorld::create(L"Bench")), m_world(KARMPWorld::create(m_basicWorld))
+    {
+        m_world->GetGlobalBody(m_former);
+        for (const auto& global : Globals())
+            m_basicWorld->addLogicalChild(global);
+    }
+
+    void AddBody(int number, Content content)
+    {
+        const std::wstring name = L"Body" + std::to_wstring(number);
+        const auto body = File<KARMPBody>(KARMPBody::create(name));
+        body->SetPosition(KARMathTransformation(KARMathVector(0.1 * number, 0.5, 0.25)), 0);
+        body->SetMass(1.0 + 0.001 * number);
+        const auto point = File<KARMPGeometry>(KARMPPoint::create(name + L".Point"));
+        const auto axis = File<KARMPGeometry>(KARMPAxisSystem::create(name + L".Axis"));
+        point->SetPoint(KARMathPoint(0.1, 0.2, 0.3));
+        for (const QOBSharedHandle<KARMPGeometry>& geometry :
+             {QOBSharedHandle<KARMPGeometry>(point), QOBSharedHandle<KARMPGeometry>(axis)}) {
+            geometry->SetBody(body);
+            body->AddGeometry(geometry);
+        }
+        const auto variable = File<KARMPVariable>(KARMPVariable::create(name + L".Angle"));
+        variable->SetPhysicalQuantity(KARMPPhysicalQuantity::Angle);
+        variable->SetValue(0.5);
+        if (content == Content::Joints)
+            AddJoint(name, body, axis, variable);
+        m_former = body;
+        m_formerAxis = axis;
+    }
+
+    const QOBSharedHandle<KARMPWorld>& World() const { return m_world; }
+
+private:
+    std::vector<QOBSharedHandle<QOBBasicEntity>> Globals() const
+    {
+        QOBSharedHandle<KARMPBody> body;
+        QOBSharedHandle<KARMPAxisSystem> axisSystem;
+        QOBSharedHandle<KARMPVariable> time;
+        m_world->GetGlobalBody(body);
+        m_world->GetGlobalAxisSystem(axisSystem);
+        m_world->GetGlobalTime(time);
+        return {body, axisSystem, time};
+    }
+
+    template <class Family, class T>
+    QOBSharedHandle<T> File(const QOBSharedHandle<T>& entity)
+    {
+        m_basicWorld->addLogicalChild(entity);
+        m_world->Add<Family>(entity);
+        return entity;
+    }
+
+    void AddJoint(const std::wstring& name, const QOBSharedHandle<KARMPBody>& body,
+                  const QOBSharedHandle<KARMPAxisSystem>& axis,
+                  const QOBSharedHandle<KARMPVariable>& variable)
+    {
+        const auto joint = File<KARMPJoint>(KARMPRevolute::create(name + L".Joint"));
+        joint->LinkToBody(m_former, KARMPBodyOrientation::Out);
+        joint->LinkToBody(body, KARMPBodyOrientation::In);
+        m_former->LinkToJoint(joint);
+        body->LinkToJoint(joint);
+        const auto revolute = File<KARMPConstraint>(KARMPRevoluteConstraint::create(name + L".C1"));
+        const auto coincidence = File<KARMPConstraint>(KARMPCoincidence::create(name + L".C2"));
+        for (const QOBSharedHandle<KARMPConstraint>& constraint :
+             {QOBSharedHandle<KARMPConstraint>(revolute),
+              QOBSharedHandle<KARMPConstraint>(coincidence)}) {
+            joint->AddConstraint(constraint);
+            constraint->SetJoint(joint);
+            constraint->LinkToGeometry(axis);
+            axis->LinkToConstraint(constraint);
+            if (m_formerAxis) {
+                constraint->LinkToGeometry(m_formerAxis);
+                m_formerAxis->LinkToConstraint(constraint);
+            }
+        }
+        revolute->LinkToVariable(variable);
+        variable->LinkToConstraint(revolute);
+    }
+
+    QOBSharedHandle<QOBBasicWorld> m_basicWorld;
+    QOBSharedHandle<KARMPWorld> m_world;
+    QOBSharedHandle<KARMPBody> m_former;
+    QOBSharedHandle<KARMPAxisSystem> m_formerAxis;
+};
+
+QOBSharedHandle<KARMPWorld> build(std::int64_t count, Content content)
+{
+    Builder builder;
+    for (int number = 0; number < count; ++number)
+        builder.AddBody(number, content);
+    return builder.World();
+}
+
+/// Texts are made once for each size.
+const std::string& documentOf(std::int64_t count, Content content)
+{
+    static std::map<std::pair<std::int64_t, Content>, std::string> texts;
+    std::string& text = texts[{count, content}];
+    if (text.empty())
+        SaveText(build(count, content), text);
+    return text;
+}
+
+template <class Work>
+double secondsOf(Work work)
+{
+    const auto start = Clock::now();
+    work();
+    return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+/// Turns the rows' time per iteration into time per entity.
+class PerEntity
+{
+public:
+    PerEntity(benchmark::State& state, Content content)
+        : m_state(state), m_entities(state.range(0) * entitiesPerBody(content))
+    {}
+    ~PerEntity()
+    {
+        using benchmark::Counter;
+        m_state.SetItemsProcessed(m_state.iterations() * m_entities);
+        m_state.counters["s_per_entity"] = Counter(
+            static_cast<double>(m_entities), Counter::kIsIterationInvariantRate | Counter::kInvert);
+    }
+    PerEntity(const PerEntity&) = delete;
+    PerEntity& operator=(const PerEntity&) = delete;
+
+private:
+    benchmark::State& m_state;
+    std::int64_t m_entities;
+};
+
+void Build(benchmark::State& state, Content content)
+{
+    const PerEntity perEntity(state, content);
+    const std::size_t before = HeapCounter::Bytes();
+    for (auto _ : state) {
+        auto world = build(state.range(0), content);
+        state.PauseTiming();
+        world.detach();
+        state.ResumeTiming();
+    }
+    state.counters["heap_bytes_per_entity"] =
+        static_cast<double>(HeapCounter::Bytes() - before) /
+        static_cast<double>(state.iterations() * state.range(0) * entitiesPerBody(content));
+}
+
+void Teardown(benchmark::State& state, Content content)
+{
+    const PerEntity perEntity(state, content);
+    for (auto _ : state) {
+        state.PauseTiming();
+        auto world = build(state.range(0), content);
+        state.ResumeTiming();
+        world.detach();
+    }
+}
+
+void Save(benchmark::State& state, Content content)
+{
+    const auto world = build(state.range(0), content);
+    pugi::xml_document bare;
+    bare.load_string(documentOf(state.range(0), content).c_str());
+    double bareTime = 0.0;
+    double time = 0.0;
+    const PerEntity perEntity(state, content);
+    for (auto _ : state) {
+        std::string text;
+        time += secondsOf([&] { SaveText(world, text); });
+        state.PauseTiming();
+        bareTime += secondsOf([&] {
+            std::ostringstream stream;
+            bare.save(stream, " ", pugi::format_indent);
+            benchmark::DoNotOptimize(stream);
+        });
+        state.ResumeTiming();
+    }
+    state.counters["ratio_to_bare"] = time / bareTime;
+}
+
+void Load(benchmark::State& state, Content content)
+{
+    const std::string& text = documentOf(state.range(0), content);
+    karmp::documents::LoadOptions options;
+    options.check = false;
+    double bareTime = 0.0;
+    double time = 0.0;
+    const PerEntity perEntity(state, content);
+    for (auto _ : state) {
+        karmp::documents::LoadResult result;
+        time += secondsOf([&] { result = LoadText(text, "bench", options); });
+        state.PauseTiming();
+        if (!result.world || !result.diagnostics.items.empty())
+            state.SkipWithError("the document does not load cleanly");
+        result.world.detach();
+        bareTime += secondsOf([&] {
+            pugi::xml_document bare;
+            benchmark::DoNotOptimize(bare.load_string(text.c_str()));
+        });
+        state.ResumeTiming();
+    }
+    state.counters["ratio_to_bare"] = time / bareTime;
+    state.counters["text_bytes"] = static_cast<double>(text.size());
+}
+
+/// The peak memory of a process that does nothing but load, over the text's size.
+void LoadPeak(benchmark::State& state, Content content)
+{
+    const std::string path = "karmp-bench-load.xml";
+    const std::string& text = documentOf(state.range(0), content);
+    std::ofstream(path, std::ios::binary) << text;
+    const auto peakOf = [&path](bool load) {
+        std::fflush(nullptr);
+        const pid_t child = ::fork();
+        if (child == 0) {
+            // A forked process starts with its parent's peak: the loader is a new program.
+            ::execl("/proc/self/exe", "karmp_bench", load ? "--karmp-load" : "--karmp-idle",
+                    path.c_str(), nullptr);
+            ::_exit(127);
+        }
+        int status = 0;
+        rusage usage{};
+        ::wait4(child, &status, 0, &usage);
+        return static_cast<double>(usage.ru_maxrss) * 1024.0;
+    };
+    double peak = 0.0;
+    for (auto _ : state)
+        peak = std::max(peak, peakOf(true) - peakOf(false));
+    state.counters["peak_over_text"] = peak / static_cast<double>(text.size());
+    std::remove(path.c_str());
+}
+
+/// One body with all joints: every list of links is long once.
+void Hub(benchmark::State& state)
+{
+    const auto count = state.range(0);
+    double time[4] = {};
+    for (auto _ : state) {
+        const auto basicWorld = QOBBasicWorld::create(L"Hub");
+        auto world = KARMPWorld::create(basicWorld);
+        time[0] += secondsOf([&] {
+            const auto hub = KARMPBody::create(L"Hub");
+            basicWorld->addLogicalChild(hub);
+            world->Add<KARMPBody>(hub);
+            for (int i = 0; i < count; ++i) {
+                const auto joint = KARMPRevolute::create(L"Joint");
+                basicWorld->addLogicalChild(joint);
+                world->Add<KARMPJoint>(joint);
+                joint->LinkToBody(hub, KARMPBodyOrientation::Out);
+                hub->LinkToJoint(joint);
+            }
+        });
+        std::string text;
+        time[1] += secondsOf([&] { SaveText(world, text); });
+        karmp::documents::LoadOptions options;
+        options.check = false;
+        karmp::documents::LoadResult result;
+        time[2] += secondsOf([&] { result = LoadText(std::move(text), "hub", options); });
+        time[3] += secondsOf([&] { result.world.detach(); });
+    }
+    const char* names[] = {"build_s_per_joint", "save_s_per_joint", "load_s_per_joint",
+                           "teardown_s_per_joint"};
+    for (int i = 0; i < 4; ++i)
+        state.counters[names[i]] = time[i] / static_cast<double>(state.iterations() * count);
+}
+
+#define SIZES Arg(1'000)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond)
+BENCHMARK_CAPTURE(Build, Bodies, Content::Bodies)->SIZES;
+BENCHMARK_CAPTURE(Save, Bodies, Content::Bodies)->SIZES;
+BENCHMARK_CAPTURE(Load, Bodies, Content::Bodies)->SIZES;
+BENCHMARK_CAPTURE(Teardown, Bodies, Content::Bodies)->SIZES;
+BENCHMARK_CAPTURE(LoadPeak, Bodies, Content::Bodies)->Arg(100'000)->Iterations(1);
+BENCHMARK_CAPTURE(Build, Joints, Content::Joints)->SIZES;
+BENCHMARK_CAPTURE(Save, Joints, Content::Joints)->SIZES;
+BENCHMARK_CAPTURE(Load, Joints, Content::Joints)->SIZES;
+BENCHMARK_CAPTURE(Teardown, Joints, Content::Joints)->SIZES;
+BENCHMARK_CAPTURE(LoadPeak, Joints, Content::Joints)->Arg(100'000)->Iterations(1);
+BENCHMARK(Hub)->Arg(1'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (argc == 3 && std::string_view(argv[1]) == "--karmp-idle")
+        return 0;
+    if (argc == 3 && std::string_view(argv[1]) == "--karmp-load") {
+        karmp::documents::LoadOptions options;
+        options.check = false;
+        return karmp::documents::LoadFile(argv[2], options).world ? 0 : 1;
+    }
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return 1;
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}

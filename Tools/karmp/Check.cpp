@@ -1,0 +1,76 @@
+#include "Commands.h"
+#include "KARMPWorld.h"
+#include "Loading.h"
+#include "Output.h"
+
+#include <iostream>
+
+namespace karmp::tool {
+
+namespace {
+
+using documents::Diagnostic;
+using documents::Severity;
+
+void printText(const Diagnostic& message)
+{
+    const std::string text = Printable(std::string_view(documents::Format(message)));
+    std::cout << (message.severity == Severity::Error ? Red(text) : Yellow(text)) << '\n';
+}
+
+void printJson(const Diagnostic& message, bool first)
+{
+    std::cout << (first ? "\n" : ",\n")
+              << "    {\"severity\": " << JsonText(documents::SeverityText(message.severity))
+              << ", \"code\": " << JsonText(documents::CodeText(message.code))
+              << ", \"file\": " << JsonText(message.file) << ", \"line\": " << message.line
+              << ", \"column\": " << message.column << ", \"path\": " << JsonText(message.path)
+              << ", \"text\": " << JsonText(message.text) << '}';
+}
+
+void printJson(const std::string& file, const documents::Diagnostics& messages)
+{
+    std::cout << "{\n  \"file\": " << JsonText(file)
+              << ",\n  \"errors\": " << messages.Count(Severity::Error)
+              << ",\n  \"warnings\": " << messages.Count(Severity::Warning)
+              << ",\n  \"findings\": [";
+    for (std::size_t i = 0; i < messages.items.size(); ++i)
+        printJson(messages.items[i], i == 0);
+    std::cout << (messages.items.empty() ? "]\n}\n" : "\n  ]\n}\n");
+}
+
+void printText(const std::string& file, const documents::Diagnostics& messages, bool quiet)
+{
+    for (const Diagnostic& message : messages.items)
+        printText(message);
+    if (quiet)
+        return;
+    const std::size_t errors = messages.Count(Severity::Error);
+    const std::size_t warnings = messages.Count(Severity::Warning);
+    std::cout << Printable(std::string_view(file)) << ": ";
+    if (messages.items.empty())
+        std::cout << "no findings\n";
+    else
+        std::cout << errors << (errors == 1 ? " error, " : " errors, ") << warnings
+                  << (warnings == 1 ? " warning\n" : " warnings\n");
+}
+
+} // namespace
+
+int RunCheck(const CheckOptions& options)
+{
+    documents::LoadResult result;
+    {
+        const Progress progress("checking " + Printable(std::string_view(options.file)));
+        result = documents::LoadFile(options.file);
+    }
+    if (options.json)
+        printJson(options.file, result.diagnostics);
+    else
+        printText(options.file, result.diagnostics, options.quiet);
+    if (!result.world)
+        return Unreadable;
+    return result.diagnostics.items.empty() ? Clean : Findings;
+}
+
+} // namespace karmp::tool

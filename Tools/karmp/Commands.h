@@ -1,0 +1,57 @@
+// The commands of the tool. Each gives the exit code of the process.
+#pragma once
+
+#include <string>
+
+namespace karmp::tool {
+
+/// How a command ended: nothing to complain about, something found, or nothing that can be read or
+/// written.
+enum ExitCode : int { Clean = 0, Findings = 1, Unreadable = 2 };
+
+struct InfoOptions
+{
+    std::string file;
+};
+/// Prints settings, globals, counts by family and class, masses and the estimated mobility.
+int RunInfo(const InfoOptions& options);
+
+struct TreeOptions
+{
+    std::string file;
+    std::string family; // an element such as "Joints"; all when empty
+    bool identifiers = false;
+};
+/// Prints the entities with their links by name.
+int RunTree(const TreeOptions& options);
+
+struct CheckOptions
+{
+    std::string file;
+    bool json = false;
+    bool quiet = false;
+};
+/// Prints all that the library passes over in silence, and what it reports.
+int RunCheck(const CheckOptions& options);
+
+struct ConvertOptions
+{
+    std::string input;
+    std::string output;
+    std::string version; // the input's when empty
+    bool exact = false;
+};
+/// Writes a document in canonical form, for another version if asked, and lists what that version
+/// cannot hold.
+int RunConvert(const ConvertOptions& options);
+
+struct GraphOptions
+{
+    std::string file;
+    std::string output; // standard output when empty
+    std::string format; // dot, svg or png; by the output's ending when empty
+};
+/// Writes the graph of bodies and joints as Graphviz text, or as a picture through Graphviz.
+int RunGraph(const GraphOptions& options);
+
+} // namespace karmp::tool

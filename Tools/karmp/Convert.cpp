@@ -1,0 +1,98 @@
+#include "Commands.h"
+#include "KARMPWorld.h"
+#include "KARTextConversion.h"
+#include "Loading.h"
+#include "Output.h"
+#include "TreeDifference.h"
+
+#include <algorithm>
+#include <iostream>
+
+namespace karmp::tool {
+
+namespace {
+
+using documents::Document;
+using documents::SaveOptions;
+
+constexpr std::size_t MaximumDifferences = 1000;
+
+// The world of a text, saved for the current version: what a reader of that text makes of it.
+std::optional<Document> readAndSaveAgain(const std::string& text, const SaveOptions& options)
+{
+    const documents::LoadResult loaded =
+        documents::LoadText(text, "<converted>", {options.limits, false});
+    std::string again;
+    if (!loaded.world || documents::SaveText(loaded.world, again, options).HasErrors())
+        return std::nullopt;
+    return Document::ReadText(std::move(again), "<converted>", options.limits);
+}
+
+// What the version loses shows in what a reader makes of the two texts, so that what is lost at any
+// version is not counted.
+int printLosses(const QOBSharedHandle<KARMPWorld>& world, const SaveOptions& options)
+{
+    SaveOptions current = options;
+    current.version = CurrentVersion;
+    std::string kept;
+    std::string converted;
+    if (documents::SaveText(world, kept, current).HasErrors() ||
+        documents::SaveText(world, converted, options).HasErrors())
+        return Unreadable;
+    const auto before = readAndSaveAgain(kept, current);
+    const auto after = readAndSaveAgain(converted, current);
+    if (!before || !after || before->Root() == nullptr || after->Root() == nullptr)
+        return Unreadable;
+    const auto losses = FindDifferences(*before->Root(), *after->Root(), MaximumDifferences);
+    if (losses.empty())
+        return Clean;
+    std::cout << Bold("Version " + Printable(options.version) + " cannot hold:") << '\n';
+    for (const Difference& loss : losses)
+        std::cout << "  " << loss.path << ": " << loss.text << '\n';
+    if (losses.size() == MaximumDifferences)
+        std::cout << "  and more\n";
+    return Findings;
+}
+
+bool isKnown(std::wstring_view version)
+{
+    const auto& known = documents::KnownVersions();
+    return std::find(known.begin(), known.end(), version) != known.end();
+}
+
+} // namespace
+
+int RunConvert(const ConvertOptions& options)
+{
+    const auto loaded = LoadWorld(options.input);
+    if (!loaded)
+        return Unreadable;
+
+    SaveOptions save;
+    save.version =
+        options.version.empty() ? loaded->version : kar::ToWide(std::string_view(options.version));
+    save.doubles = options.exact ? documents::Doubles::Exact : documents::Doubles::Snapped;
+    if (!isKnown(save.version)) {
+        std::cerr << "karmp: unknown version " << Printable(save.version) << "; known are";
+        for (const std::wstring_view version : documents::KnownVersions())
+            std::cerr << ' ' << Printable(version);
+        std::cerr << '\n';
+        return Unreadable;
+    }
+
+    documents::Diagnostics messages;
+    {
+        const Progress progress("writing " + Printable(std::string_view(options.output)));
+        messages = documents::SaveFile(loaded->world, options.output, save);
+    }
+    PrintMessages(messages, true);
+    if (messages.HasErrors())
+        return Unreadable;
+    const int losses = printLosses(loaded->world, save);
+    if (losses != Clean)
+        return losses;
+    const bool complete = loaded->diagnostics.items.empty() && messages.items.empty();
+    return complete ? Clean : Findings;
+}
+
+} // namespace karmp::tool

@@ -1,0 +1,198 @@
+#include "Commands.h"
+#include "KARMPAxisSystem.h"
+#include "KARMPBody.h"
+#include "KARMPFamilies.h"
+#include "KARMPVariable.h"
+#include "KARMPWorld.h"
+#include "Loading.h"
+#include "Mobility.h"
+#include "Output.h"
+
+#include <array>
+#include <iostream>
+#include <map>
+
+namespace karmp::tool {
+
+namespace {
+
+/// What each family is called, in the order of karmp::Families.
+constexpr std::array FamilyTitles{
+    "Actuators",          "Bodies",         "Connectors",     "Constraints",     "Geometries",
+    "Interactions",       "Joints",         "Materials",      "Sensors",         "Values",
+    "Variables",          "Shapes",         "Attributes",     "Supports",        "Debug entities",
+    "Initial conditions", "Analysis cases", "Analysis steps", "Generic entities"};
+
+using ClassCounts = std::map<std::string, int>;
+
+template <class T>
+ClassCounts countClasses(const KARMPWorld& world)
+{
+    ClassCounts counts;
+    const int count = world.Count<T>();
+    for (int index = 0; index < count; ++index) {
+        QOBSharedHandle<T> entity;
+        if (world.Get<T>(index, entity) == KARSuccess)
+            ++counts[entity.getClassInfo().getName()];
+    }
+    return counts;
+}
+
+std::string withoutPrefix(const std::string& className)
+{
+    constexpr std::string_view Prefix = "KARMP";
+    return className.compare(0, Prefix.size(), Prefix) == 0 ? className.substr(Prefix.size())
+                                                            : className;
+}
+
+template <class Triple>
+std::string tripleText(const Triple& triple)
+{
+    return '(' + NumberText(triple.GetX()) + ", " + NumberText(triple.GetY()) + ", " +
+           NumberText(triple.GetZ()) + ')';
+}
+
+template <class T>
+std::string globalText(const QOBSharedHandle<T>& entity)
+{
+    if (!entity)
+        return "none";
+    std::wstring identifier;
+    entity->GetIdentifier(identifier);
+    return Title(entity->getEntityName(), identifier);
+}
+
+void printSettings(const KARMPWorld& world, std::wstring_view version)
+{
+    KARMathPoint origin;
+    KARMathVector gravity;
+    std::array<double, 3> size{};
+    world.GetOrigin(origin);
+    world.GetGravity(gravity);
+    world.GetSize(size[0], size[1], size[2]);
+    Columns lines;
+    lines.Add("Version", Printable(version));
+    lines.Add("Linear tolerance", NumberText(world.GetLinearTolerance()));
+    lines.Add("Angular tolerance", NumberText(world.GetAngularTolerance()));
+    lines.Add("Origin", tripleText(origin));
+    lines.Add("Size", tripleText(KARMathVector(size[0], size[1], size[2])));
+    lines.Add("Gravity", tripleText(gravity));
+    std::cout << Bold("Settings") << '\n';
+    lines.Print(2);
+}
+
+void printGlobals(const KARMPWorld& world)
+{
+    QOBSharedHandle<KARMPBody> body;
+    QOBSharedHandle<KARMPAxisSystem> axisSystem;
+    QOBSharedHandle<KARMPVariable> time;
+    world.GetGlobalBody(body);
+    world.GetGlobalAxisSystem(axisSystem);
+    world.GetGlobalTime(time);
+    Columns lines;
+    lines.Add("Body", globalText(body));
+    lines.Add("Axis system", globalText(axisSystem));
+    lines.Add("Time", globalText(time));
+    std::cout << '\n' << Bold("Globals") << '\n';
+    lines.Print(2);
+}
+
+void printEntities(const KARMPWorld& world)
+{
+    Columns lines;
+    int total = 0;
+    auto title = FamilyTitles.begin();
+    Families::ForEach([&](auto family) {
+        using T = typename decltype(family)::Type;
+        const std::string name = *title++;
+        if (world.Count<T>() == 0)
+            return;
+        total += world.Count<T>();
+        lines.Add(name, std::to_string(world.Count<T>()));
+        for (const auto& [className, count] : countClasses<T>(world))
+            lines.Add("  " + Printable(std::string_view(withoutPrefix(className))),
+                      "  " + std::to_string(count));
+    });
+    lines.Add("Total", std::to_string(total));
+    std::cout << '\n' << Bold("Entities") << '\n';
+    lines.Print(2);
+}
+
+struct BodyTotals
+{
+    int moving = 0;
+    int fixed = 0;
+    int withoutMass = 0;
+    double mass = 0.0;
+    KARMathVector moment; // of mass, in the world's frame
+};
+
+BodyTotals sumBodies(const KARMPWorld& world)
+{
+    BodyTotals totals;
+    for (int index = 0; index < world.GetBodyCount(); ++index) {
+        QOBSharedHandle<KARMPBody> body;
+        if (world.Get<KARMPBody>(index, body) != KARSuccess)
+            continue;
+        ++(body->IsFixed() ? totals.fixed : totals.moving);
+        double mass = 0.0;
+        KARMathPoint center;
+        KARMathTransformation position;
+        body->GetMass(mass);
+        body->GetCenterOfGravity(center);
+        body->GetPosition(position);
+        if (mass == 0.0 && !body->IsFixed())
+            ++totals.withoutMass;
+        totals.mass += mass;
+        totals.moment = totals.moment + ((position * center) - KARMathPoint()) * mass;
+    }
+    return totals;
+}
+
+void printMasses(const BodyTotals& totals)
+{
+    Columns lines;
+    lines.Add("Moving bodies", std::to_string(totals.moving));
+    lines.Add("Fixed bodies", std::to_string(totals.fixed));
+    lines.Add("Moving bodies without mass", std::to_string(totals.withoutMass));
+    lines.Add("Total mass", NumberText(totals.mass));
+    if (totals.mass > 0.0)
+        lines.Add("Centre of mass", tripleText(totals.moment * (1.0 / totals.mass)));
+    std::cout << '\n' << Bold("Bodies") << '\n';
+    lines.Print(2);
+}
+
+void printMobility(const KARMPWorld& world, int movingBodies)
+{
+    const ClassCounts joints = countClasses<KARMPJoint>(world);
+    if (joints.empty())
+        return;
+    const Mobility mobility = EstimateMobility(movingBodies, joints);
+    Columns lines;
+    lines.Add("As a spatial mechanism", std::to_string(mobility.spatial));
+    if (mobility.mayBePlanar)
+        lines.Add("As a planar mechanism", std::to_string(mobility.planar));
+    if (mobility.notCounted > 0)
+        lines.Add("Joints not counted", std::to_string(mobility.notCounted));
+    std::cout << '\n' << Bold("Mobility") << " (an estimate: Grübler count from the joint kinds)\n";
+    lines.Print(2);
+}
+
+} // namespace
+
+int RunInfo(const InfoOptions& options)
+{
+    const auto loaded = LoadWorld(options.file);
+    if (!loaded)
+        return Unreadable;
+    const KARMPWorld& world = *loaded->world;
+    printSettings(world, loaded->version);
+    printGlobals(world);
+    printEntities(world);
+    const BodyTotals totals = sumBodies(world);
+    printMasses(totals);
+    printMobility(world, totals.moving);
+    return loaded->diagnostics.items.empty() ? Clean : Findings;
+}
+
+} // namespace karmp::tool

@@ -1,0 +1,62 @@
+// What the tool prints: plain for a pipe, emphasised on a terminal.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace karmp::tool {
+
+/// Text of a name from a model, safe to print: UTF-8, with control characters written as escapes so
+/// that no document can steer a terminal.
+std::string Printable(std::wstring_view text);
+/// The same for text that is UTF-8 already.
+std::string Printable(std::string_view text);
+/// A name in quotes, or the identifier where the name is empty.
+std::string Title(std::wstring_view name, std::wstring_view identifier);
+/// The shortest text of a number that reads back the same.
+std::string NumberText(double number);
+/// Text as a JSON string with its quotes.
+std::string JsonText(std::string_view text);
+
+/// True when standard output is a terminal that may be coloured.
+bool IsTerminal();
+/// Text emphasised on a terminal, as it is otherwise.
+std::string Bold(std::string_view text);
+std::string Red(std::string_view text);
+std::string Yellow(std::string_view text);
+std::string Dim(std::string_view text);
+
+/// Lines of two columns, the first as wide as its longest text.
+class Columns
+{
+public:
+    /// Adds a line.
+    void Add(std::string label, std::string text);
+    /// Prints the lines behind an indentation of so many blanks.
+    void Print(std::size_t indentation) const;
+
+private:
+    struct Line
+    {
+        std::string label;
+        std::string text;
+    };
+    std::vector<Line> m_lines;
+};
+
+/// Tells on standard error what takes long, when that is a terminal; the line goes with the object.
+class Progress
+{
+public:
+    explicit Progress(std::string_view activity);
+    ~Progress();
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+
+private:
+    bool m_shown;
+};
+
+} // namespace karmp::tool

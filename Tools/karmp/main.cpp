@@ -1,0 +1,100 @@
+// karmp looks at, checks and converts the documents of mechanisms.
+#include "Commands.h"
+
+#include <CLI/CLI.hpp>
+
+#include <exception>
+#include <functional>
+#include <iostream>
+
+namespace {
+
+using namespace karmp::tool;
+
+constexpr const char* ExitCodes =
+    "Exit code: 0 when all is well, 1 when there are findings, 2 when a file cannot be read or "
+    "written.";
+
+std::string footer(const char* example)
+{
+    return std::string("Example:\n  ") + example + "\n\n" + ExitCodes;
+}
+
+int run(int argc, char** argv)
+{
+    CLI::App app("Looks at, checks and converts the documents of mechanisms.", "karmp");
+    app.set_version_flag("--version", std::string("karmp " KARMP_TOOL_VERSION));
+    app.require_subcommand(1);
+    app.footer(std::string("'karmp COMMAND --help' tells more about a command.\n\n") + ExitCodes);
+    std::function<int()> command;
+
+    InfoOptions info;
+    CLI::App* infoApp = app.add_subcommand(
+        "info", "Settings, globals, counts by family and class, masses, estimated mobility");
+    infoApp->add_option("FILE", info.file, "Document")->required();
+    infoApp->footer(footer("karmp info crank.xml"));
+    infoApp->callback([&] { command = [&info] { return RunInfo(info); }; });
+
+    TreeOptions tree;
+    CLI::App* treeApp = app.add_subcommand("tree", "The entities with their links by name");
+    treeApp->add_option("FILE", tree.file, "Document")->required();
+    treeApp->add_option("--family", tree.family, "Only this list, for example Joints");
+    treeApp->add_flag("--ids", tree.identifiers, "Identifiers behind the names");
+    treeApp->footer(footer("karmp tree crank.xml --family Joints"));
+    treeApp->callback([&] { command = [&tree] { return RunTree(tree); }; });
+
+    CheckOptions check;
+    CLI::App* checkApp =
+        app.add_subcommand("check", "All that reading passes over in silence, and what it reports");
+    checkApp->add_option("FILE", check.file, "Document")->required();
+    checkApp->add_flag("--json", check.json, "Findings as JSON");
+    checkApp->add_flag("-q,--quiet", check.quiet, "Findings only, no summary");
+    checkApp->footer(footer("karmp check crank.xml --json"));
+    checkApp->callback([&] { command = [&check] { return RunCheck(check); }; });
+
+    ConvertOptions convert;
+    CLI::App* convertApp = app.add_subcommand(
+        "convert", "Writes a document in canonical form, for another version if asked, and lists "
+                   "what that version cannot hold");
+    convertApp->add_option("INPUT", convert.input, "Document to read")->required();
+    convertApp->add_option("OUTPUT", convert.output, "Document to write")->required();
+    convertApp->add_option("--to", convert.version, "Version to write, for example R2016.1");
+    convertApp->add_flag("--exact", convert.exact,
+                         "All doubles as they are, off the grid of 1e-12");
+    convertApp->footer(footer("karmp convert crank.xml old.xml --to R2016.1"));
+    convertApp->callback([&] { command = [&convert] { return RunConvert(convert); }; });
+
+    GraphOptions graph;
+    CLI::App* graphApp = app.add_subcommand(
+        "graph", "The graph of bodies and joints, as Graphviz text or as a picture");
+    graphApp->add_option("FILE", graph.file, "Document")->required();
+    graphApp->add_option("-o,--output", graph.output, "File to write; standard output without it");
+    graphApp->add_option("--format", graph.format, "By the ending of the output without it")
+        ->check(CLI::IsMember({"dot", "svg", "png"}));
+    graphApp->footer(footer("karmp graph crank.xml --output crank.svg"));
+    graphApp->callback([&] { command = [&graph] { return RunGraph(graph); }; });
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? Clean : Unreadable;
+    }
+    const int code = command();
+    if (!std::cout.flush()) {
+        std::cerr << "karmp: cannot write to standard output\n";
+        return Unreadable;
+    }
+    return code;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    try {
+        return run(argc, argv);
+    } catch (const std::exception& exception) {
+        std::cerr << "karmp: " << exception.what() << '\n';
+        return Unreadable;
+    }
+}
