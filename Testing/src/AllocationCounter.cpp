@@ -7,19 +7,6 @@ namespace {
 
 thread_local AllocationCounter* innermostCounter = nullptr;
 
-void* Allocate(std::size_t bytes) noexcept
-{
-    return AllocationCounter::Note(bytes) ? std::malloc(bytes != 0 ? bytes : 1) : nullptr;
-}
-
-void* AllocateOrThrow(std::size_t bytes)
-{
-    if (void* const memory = Allocate(bytes)) {
-        return memory;
-    }
-    throw std::bad_alloc();
-}
-
 } // namespace
 
 AllocationCounter::AllocationCounter() : m_outer(innermostCounter)
@@ -42,6 +29,24 @@ bool AllocationCounter::Note(std::size_t bytes)
     counter->m_bytes += bytes;
     return counter->m_untilFailure == 0 || --counter->m_untilFailure != 0;
 }
+
+#if defined(KARMP_COUNTS_ALLOCATIONS)
+namespace {
+
+void* Allocate(std::size_t bytes) noexcept
+{
+    return AllocationCounter::Note(bytes) ? std::malloc(bytes != 0 ? bytes : 1) : nullptr;
+}
+
+void* AllocateOrThrow(std::size_t bytes)
+{
+    if (void* const memory = Allocate(bytes)) {
+        return memory;
+    }
+    throw std::bad_alloc();
+}
+
+} // namespace
 
 // All forms are replaced, since the runtime of a sanitizer has one of its own for each.
 void* operator new(std::size_t bytes)
@@ -93,3 +98,4 @@ void operator delete[](void* memory, const std::nothrow_t&) noexcept
 {
     std::free(memory);
 }
+#endif

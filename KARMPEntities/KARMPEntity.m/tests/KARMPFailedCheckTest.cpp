@@ -14,7 +14,15 @@
 #include <thread>
 #include <vector>
 
-#if __has_include(<ucontext.h>) && !defined(__SANITIZE_THREAD__) && !defined(__SANITIZE_ADDRESS__)
+#if defined(__has_feature)
+#    if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#        define HAS_SANITIZER 1
+#    endif
+#elif defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
+#    define HAS_SANITIZER 1
+#endif
+// Sanitizers do not follow a change of the stack.
+#if __has_include(<ucontext.h>) && !defined(HAS_SANITIZER)
 #    include <ucontext.h>
 #    define HAS_SHALLOW_STACK 1
 #endif

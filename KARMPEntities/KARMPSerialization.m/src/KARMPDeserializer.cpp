@@ -27,28 +27,16 @@ std::wstring_view NameOf(const NodeAttribute& attribute)
 
 // Enters in the index of `list` the name of the element that is about to be appended to it.
 template <class List>
-void IndexNext(NameIndex& index, const List& list, std::size_t size, std::wstring_view name)
+void IndexNext(NameIndex& index, const List& list, std::wstring_view name)
 {
-    if (size < LongestScan) {
-        return;
-    }
     if (index.empty()) {
         NameIndex filled;
-        for (std::size_t place = 0; place < size; ++place) {
+        for (std::size_t place = 0; place < list.size(); ++place) {
             filled.emplace(NameOf(list[place]), place);
         }
         index = std::move(filled);
     }
-    index.emplace(name, size);
-}
-
-// Makes room for one more element, so that the next push_back cannot fail.
-template <class T>
-void MakeRoom(std::vector<T>& list)
-{
-    if (list.size() == list.capacity()) {
-        list.reserve(list.empty() ? 3 : list.size() * 2);
-    }
+    index.emplace(name, list.size());
 }
 
 std::wstring_view ViewOf(const wchar_t* text)
@@ -120,10 +108,17 @@ struct KARMPDeserializer::Branch
     const Group* Find(std::wstring_view name) const;
     void Append(std::wstring_view name, KARMPDeserializer* child);
 
-    std::vector<KARMPDeserializer*> ordered;
-    std::vector<Group> groups;
-    NameIndex groupIndex;
-    NameIndex attributeIndex;
+    /// Where names stand, once there are many.
+    struct Indexes
+    {
+        NameIndex groups;
+        NameIndex attributes;
+    };
+    Indexes& NeedIndexes();
+
+    karmp::NodeArray<KARMPDeserializer*> ordered;
+    karmp::NodeArray<Group> groups;
+    std::unique_ptr<Indexes> indexes;
     /// Counts the calls of AddElement: each ends all walks.
     std::size_t additions = 1;
     /// The group after the one found last: entities mostly read in the order of writing.
@@ -137,8 +132,8 @@ const KARMPDeserializer::Group* KARMPDeserializer::Branch::Find(std::wstring_vie
     }
     std::size_t place = groups.size();
     if (groups.size() > LongestScan) {
-        const auto found = groupIndex.find(name);
-        place = found != groupIndex.end() ? found->second : place;
+        const auto found = indexes->groups.find(name);
+        place = found != indexes->groups.end() ? found->second : place;
     } else {
         const auto found = std::find_if(groups.begin(), groups.end(), [name](const Group& group) {
             return NameOf(group) == name;
@@ -152,22 +147,32 @@ const KARMPDeserializer::Group* KARMPDeserializer::Branch::Find(std::wstring_vie
     return &groups[place];
 }
 
+KARMPDeserializer::Branch::Indexes& KARMPDeserializer::Branch::NeedIndexes()
+{
+    if (!indexes) {
+        indexes = std::make_unique<Indexes>();
+    }
+    return *indexes;
+}
+
 // When memory ends, nothing was added and the child is still the caller's.
 void KARMPDeserializer::Branch::Append(std::wstring_view name, KARMPDeserializer* child)
 {
-    MakeRoom(ordered);
+    ordered.MakeRoom();
     if (const Group* const found = Find(name)) {
-        const auto place = static_cast<std::size_t>(found - groups.data());
+        const auto place = static_cast<std::size_t>(found - groups.begin());
         groups[place].Append(child);
         // Mostly the next child has the same name, or a new one.
         likely = place;
     } else {
-        MakeRoom(groups);
+        groups.MakeRoom();
         Group group{NodeText::Name(name), child, nullptr};
-        IndexNext(groupIndex, groups, groups.size(), NameOf(group));
-        groups.push_back(std::move(group));
+        if (groups.size() >= LongestScan) {
+            IndexNext(NeedIndexes().groups, groups, NameOf(group));
+        }
+        groups.Append(std::move(group));
     }
-    ordered.push_back(child);
+    ordered.Append(std::move(child));
 }
 
 KARMPDeserializer::KARMPDeserializer() : m_version(NodeText::Name(karmp::CurrentVersion)) {}
@@ -296,8 +301,7 @@ void KARMPDeserializer::PutAttribute(std::wstring_view name, NodeValue&& value)
     m_attributes.MakeRoom();
     NodeAttribute attribute{NodeText::Name(name), std::move(value)};
     if (m_attributes.size() >= LongestScan) {
-        IndexNext(NeedBranch().attributeIndex, m_attributes, m_attributes.size(),
-                  NameOf(attribute));
+        IndexNext(NeedBranch().NeedIndexes().attributes, m_attributes, NameOf(attribute));
     }
     m_attributes.Append(std::move(attribute));
 }
@@ -305,8 +309,9 @@ void KARMPDeserializer::PutAttribute(std::wstring_view name, NodeValue&& value)
 const NodeAttribute* KARMPDeserializer::FindAttribute(std::wstring_view name) const
 {
     if (m_attributes.size() > LongestScan) {
-        const auto found = m_branch->attributeIndex.find(name);
-        return found != m_branch->attributeIndex.end() ? &m_attributes[found->second] : nullptr;
+        const NameIndex& index = m_branch->indexes->attributes;
+        const auto found = index.find(name);
+        return found != index.end() ? &m_attributes[found->second] : nullptr;
     }
     for (const NodeAttribute& attribute : m_attributes) {
         if (NameOf(attribute) == name) {
@@ -343,7 +348,7 @@ bool KARMPDeserializer::HasElement(std::wstring_view name) const
         return false;
     }
     // What is asked about is mostly read next.
-    m_branch->likely = static_cast<std::size_t>(group - m_branch->groups.data());
+    m_branch->likely = static_cast<std::size_t>(group - m_branch->groups.begin());
     return true;
 }
 

@@ -349,6 +349,9 @@ TEST_F(Serializer, ANodeTakesLittleRoom)
 
 TEST_F(Serializer, AChildWithANumberCostsOneAllocation)
 {
+    if (!AllocationCounter::Counts) {
+        GTEST_SKIP() << "Allocations are not counted in this build";
+    }
     TestSerializer root;
     for (int warming = 0; warming < 4; ++warming) {
         KARMPSerializer* child = nullptr;
@@ -362,6 +365,9 @@ TEST_F(Serializer, AChildWithANumberCostsOneAllocation)
 
 TEST_F(Serializer, ExhaustedMemoryLeavesATreeThatCanBeFreed)
 {
+    if (!AllocationCounter::Counts) {
+        GTEST_SKIP() << "Allocations are not counted in this build";
+    }
     const std::size_t before = TestSerializer::Alive();
     for (std::size_t failing = 1; failing <= 8; ++failing) {
         TestSerializer root;
@@ -385,6 +391,9 @@ TEST_F(Serializer, ExhaustedMemoryLeavesATreeThatCanBeFreed)
 
 TEST_F(Serializer, ATreeIsFreedWithoutMemoryToSpare)
 {
+    if (!AllocationCounter::Counts) {
+        GTEST_SKIP() << "Allocations are not counted in this build";
+    }
     const std::size_t before = TestSerializer::Alive();
     {
         auto root = std::make_unique<TestSerializer>();
@@ -458,6 +467,9 @@ TEST_F(Serializer, ANodeDiesBeforeItsChildrenAndASubtreeBeforeTheNextChild)
 
 TEST_F(Serializer, TheOrderOfDeathIsTheSameWithoutMemoryToSpare)
 {
+    if (!AllocationCounter::Counts) {
+        GTEST_SKIP() << "Allocations are not counted in this build";
+    }
     Names dead;
     dead.reserve(6);
     NotingNode* const root = NewNotingTree(dead, L"");
