@@ -1,0 +1,13 @@
+// What a solver attaches to a perpendicularity, to be told of its options.
+#pragma once
+
+#include "KARIMPConstraintLoader.h"
+
+class KAR_API KARIMPPerpendicularityLoader : public KARIMPConstraintLoader
+{
+public:
+    /// Brings the solver's relation up to date as a whole; the library does not call it.
+    virtual KARStatus UpdateRelation() { return KARSuccess; }
+    /// Takes the alignment, a value of KARMPAlignment; the result is the setter's.
+    virtual KARStatus SetAlignment(int alignment) = 0;
+};

@@ -1,0 +1,16 @@
+// What a solver attaches to a rolling of curves, to be told of its options.
+#pragma once
+
+#include "KARIMPConstraintLoader.h"
+
+class KAR_API KARIMPRollCurveConstraintLoader : public KARIMPConstraintLoader
+{
+public:
+    /// Brings the solver's relation up to date as a whole; the library does not call it.
+    virtual KARStatus UpdateRelation() { return KARSuccess; }
+    /// Takes the present point of contact as the one that rolling starts from; the library does not
+    /// call it.
+    virtual KARStatus ResetContact() { return KARSuccess; }
+    /// Takes the alignment, a value of KARMPAlignment; the result is the setter's.
+    virtual KARStatus SetAlignment(int alignment) = 0;
+};
