@@ -1,0 +1,39 @@
+// A turning about an axis, with the friction of a pin and its collar in a bore.
+#pragma once
+
+#include "KARMPKinematicConstraint.h"
+
+class KARMP_API KARMPRevoluteConstraint : public KARMPKinematicConstraint
+{
+    KARMP_ENTITY(KARMPRevoluteConstraint, KARMPKinematicConstraint)
+
+public:
+    /// Writes "RevoluteConstraint" with the base's content and, while friction is enabled, the
+    /// friction parameters. Failures are reported and give KARUnexpected.
+    KARStatus Serialize(KARMPSerializer* serializer) const override;
+    /// Reads the same; friction parameters enable friction, and one that is missing keeps its
+    /// value.
+    KARStatus Deserialize(const KARMPDeserializer* deserializer,
+                          const KARMPEntityTable& entities) override;
+    std::wstring_view getClassSerializeID_() const override;
+
+    /// Stores the parameters of the friction model, without a check and without enabling friction;
+    /// always 0.
+    KARStatus SetFrictionParameters(double staticFriction, double staticSpeedLimit,
+                                    double dynamicFriction, double dynamicSpeedLimit,
+                                    double referenceLength, double referenceAxialDiameter,
+                                    double referenceDiameter);
+    /// Hands the parameters out; always 0.
+    KARStatus GetFrictionParameters(double& staticFriction, double& staticSpeedLimit,
+                                    double& dynamicFriction, double& dynamicSpeedLimit,
+                                    double& referenceLength, double& referenceAxialDiameter,
+                                    double& referenceDiameter) const;
+
+protected:
+    KARMPRevoluteConstraint();
+    KARMPRevoluteConstraint(const KARMPRevoluteConstraint& source, CopyMode mode);
+    ~KARMPRevoluteConstraint() override;
+
+private:
+    std::array<double, 7> m_friction{}; // in the order of SetFrictionParameters
+};
