@@ -1,0 +1,168 @@
+#include "KARMPLinearEquation.h"
+
+#include "KARMPElementReader.h"
+#include "KARMPElementWriter.h"
+
+KARMP_DEFINE_ENTITY(KARMPLinearEquation, "F2C5A6F7-8429-48EB-BAEB-587A98C2490F");
+
+namespace {
+
+constexpr const wchar_t* ElementName = L"LinearEquation";
+constexpr const wchar_t* ConstantName = L"ConstantTerm";
+constexpr const wchar_t* HasConstantName = L"HasConstantTerm";
+constexpr const wchar_t* ConstantValueName = L"ConstantTermValue";
+constexpr const wchar_t* TermsName = L"LinearTermDataContainer";
+constexpr const wchar_t* TermName = L"LinearTerm";
+constexpr const wchar_t* TermIndexName = L"LinearTermIndex";
+constexpr const wchar_t* TermValueName = L"LinearTermValue";
+
+// Places are made in blocks, always up to the multiple above what is asked for.
+constexpr std::size_t TermBlock = 32;
+
+} // namespace
+
+KARMPLinearEquation::KARMPLinearEquation() = default;
+
+KARMPLinearEquation::KARMPLinearEquation(const KARMPLinearEquation& source, CopyMode mode)
+    : Super(source, mode), m_hasConstant(source.m_hasConstant)
+{}
+
+KARMPLinearEquation::~KARMPLinearEquation() = default;
+
+KARStatus KARMPLinearEquation::AddLinearTerm(double coefficient)
+{
+    if (m_terms.size() == m_terms.capacity()) {
+        // A long list asks for a share more, or each block would copy all that came before.
+        const std::size_t wanted = m_terms.size() + 1 + m_terms.size() / 8;
+        m_terms.reserve((wanted & ~(TermBlock - 1)) + TermBlock);
+    }
+    m_terms.push_back(coefficient);
+    return KARSuccess;
+}
+
+KARStatus KARMPLinearEquation::SetLinearTerm(int index, double coefficient)
+{
+    const auto place = static_cast<std::size_t>(index);
+    if (place >= m_terms.size())
+        return KARUnchanged;
+    m_terms[place] = coefficient;
+    return KARSuccess;
+}
+
+KARStatus KARMPLinearEquation::GetLinearTerm(int index, double& coefficient) const
+{
+    const auto place = static_cast<std::size_t>(index);
+    const bool listed = place < m_terms.size();
+    coefficient = listed ? m_terms[place] : 0.0;
+    return listed ? KARSuccess : KARUnchanged;
+}
+
+bool KARMPLinearEquation::HasConstantTerm() const
+{
+    return m_hasConstant;
+}
+
+KARStatus KARMPLinearEquation::SetConstantTerm(double constant)
+{
+    m_constant = constant;
+    m_hasConstant = true;
+    return KARSuccess;
+}
+
+KARStatus KARMPLinearEquation::GetConstantTerm(double& constant) const
+{
+    constant = m_constant;
+    return KARSuccess;
+}
+
+KARStatus KARMPLinearEquation::Serialize(KARMPSerializer* serializer) const
+{
+    karmp::ElementWriter element(serializer, ElementName);
+    // The direct base would add an element of its own.
+    if (!element || !element.Base(KARMPConstraint::Serialize(element.Node())))
+        return KARFailure;
+    const bool constantWritten = writeConstant(element.Node());
+    const bool termsWritten = writeTerms(element.Node());
+    return KARMPVerify(constantWritten && termsWritten) ? KARSuccess : KARFailure;
+}
+
+bool KARMPLinearEquation::writeConstant(KARMPSerializer* element) const
+{
+    karmp::ElementWriter constant(element, ConstantName);
+    if (!constant)
+        return false;
+    const bool hasConstant = HasConstantTerm();
+    constant.Value(HasConstantName, hasConstant);
+    double value = 0.0;
+    if (hasConstant && constant.Base(GetConstantTerm(value)))
+        constant.Value(ConstantValueName, value);
+    return !KARFailed(constant.Status());
+}
+
+bool KARMPLinearEquation::writeTerms(KARMPSerializer* element) const
+{
+    karmp::ElementWriter list(element, TermsName);
+    if (!list)
+        return false;
+    // The last term decides, whatever became of those before it; without terms it stays a failure.
+    bool lastWritten = false;
+    const int count = static_cast<int>(m_terms.size());
+    for (int index = 0; index < count; ++index) {
+        karmp::ElementWriter term = list.Child(TermName);
+        double value = 0.0;
+        if (term && term.Base(GetLinearTerm(index, value))) {
+            term.Value(TermIndexName, index);
+            term.Value(TermValueName, value);
+        }
+        lastWritten = !KARFailed(term.Status());
+    }
+    return lastWritten;
+}
+
+KARStatus KARMPLinearEquation::Deserialize(const KARMPDeserializer* deserializer,
+                                           const KARMPEntityTable& entities)
+{
+    karmp::ElementReader element(deserializer, ElementName);
+    // The direct base would look for an element of its own.
+    if (!element || !element.Base(KARMPConstraint::Deserialize(element.Node(), entities)))
+        return KARFailure;
+    const bool constantRead = readConstant(element.Node());
+    const bool termsRead = readTerms(element.Node());
+    return constantRead && termsRead ? KARSuccess : KARFailure;
+}
+
+bool KARMPLinearEquation::readConstant(const KARMPDeserializer* element)
+{
+    using karmp::Absent;
+    karmp::ElementReader constant =
+        karmp::ElementReader(element).Child(ConstantName, Absent::ReportAndFail);
+    if (!constant)
+        return false;
+    bool hasConstant = false;
+    constant.Value(HasConstantName, hasConstant, Absent::ReportAndZero);
+    double value = 0.0;
+    if (hasConstant && constant.Value(ConstantValueName, value, Absent::ReportAndFail))
+        constant.Base(SetConstantTerm(value));
+    return !KARFailed(constant.Status());
+}
+
+bool KARMPLinearEquation::readTerms(const KARMPDeserializer* element)
+{
+    using karmp::Absent;
+    const karmp::ElementReader list =
+        karmp::ElementReader(element).Child(TermsName, Absent::ReportAndFail);
+    if (!list)
+        return false;
+    // Any child counts as a term. Its index has to be there and does not place it.
+    KARMPDeserializer::ElementList terms;
+    list.Node()->GetElements(terms);
+    for (const KARMPDeserializer* node : terms) {
+        karmp::ElementReader term(node);
+        int index = 0;
+        term.Value(TermIndexName, index, Absent::ReportAndKeep);
+        double value = 0.0;
+        term.Value(TermValueName, value, Absent::ReportAndZero);
+        karmp::ElementReader::Set(AddLinearTerm(value));
+    }
+    return true;
+}
