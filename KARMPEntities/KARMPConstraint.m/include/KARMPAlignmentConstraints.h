@@ -45,6 +45,8 @@ KARMP_ALIGNMENT_CONSTRAINT(KARMPPerpendicularity, KARIMPPerpendicularityLoader);
 /// Two curves roll on one another.
 KARMP_ALIGNMENT_CONSTRAINT(KARMPRollCurveConstraint, KARIMPRollCurveConstraintLoader);
 
+#undef KARMP_ALIGNMENT_CONSTRAINT
+
 /// A direction stands at a right angle on a surface. No loader is told of the option.
 class KARMP_API KARMPNormal : public KARMPConstraint
 {

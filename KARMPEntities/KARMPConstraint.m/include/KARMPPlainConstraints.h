@@ -39,3 +39,6 @@ KARMP_PLAIN_CONSTRAINT(KARMP6DoF, KARMPConstraint);
 KARMP_PLAIN_KINEMATIC_CONSTRAINT(KARMPPlanarConstraint);
 /// A turning about two axes at a right angle. It has no friction parameters.
 KARMP_PLAIN_KINEMATIC_CONSTRAINT(KARMPUniversalConstraint);
+
+#undef KARMP_PLAIN_KINEMATIC_CONSTRAINT
+#undef KARMP_PLAIN_CONSTRAINT

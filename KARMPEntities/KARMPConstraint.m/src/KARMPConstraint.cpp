@@ -2,13 +2,12 @@
 
 #include "GMKTkCompatCtx.h"
 #include "KARIMPConstraintLoader.h"
-#include "KARMPElementReader.h"
-#include "KARMPElementWriter.h"
 #include "KARMPGeometry.h"
 #include "KARMPJoint.h"
 #include "KARMPLoaderAccess.h"
 #include "KARMPLoaderQuestion.h"
 #include "KARMPSensor.h"
+#include "KARMPUnlinkAll.h"
 #include "KARMPVariable.h"
 
 #include <algorithm>
@@ -16,27 +15,6 @@
 #include <memory>
 
 KARMP_DEFINE_ABSTRACT_ENTITY(KARMPConstraint, "7F1E045F-4F56-4db2-9392-3DA8A5FC2990");
-
-namespace {
-
-// Takes a constraint out of the lists of all that a list of its own links to, up to the first
-// failure.
-template <class T>
-KARStatus removeFromLinked(const KARMPLinkList<T>& links,
-                           const QOBSharedHandle<KARMPConstraint>& constraint,
-                           KARMPSourceLocation where = KARMPSourceLocation::current())
-{
-    KARStatus status = KARSuccess;
-    for (int index = 0; index < links.Count() && !KARFailed(status); ++index) {
-        const QOBSharedHandle<T> linked(links.At(index), QOBSharedBase::WriteLock);
-        status = KARMPVerify(static_cast<bool>(linked), where)
-                     ? linked->RemoveConstraint(constraint)
-                     : KARFailure;
-    }
-    return status;
-}
-
-} // namespace
 
 KARMPConstraint::KARMPConstraint() = default;
 
@@ -67,12 +45,13 @@ KARStatus KARMPConstraint::RemoveParent()
             status = joint->RemoveConstraint(self);
         m_joint.detach();
     }
+    const auto unlink = [&self](auto& linked) { return linked.RemoveConstraint(self); };
     if (!KARFailed(status))
-        status = removeFromLinked(m_geometries, self);
+        status = karmp::UnlinkAll(m_geometries, unlink);
     if (!KARFailed(status))
-        status = removeFromLinked(m_variables, self);
+        status = karmp::UnlinkAll(m_variables, unlink);
     if (!KARFailed(status))
-        status = removeFromLinked(m_sensors, self);
+        status = karmp::UnlinkAll(m_sensors, unlink);
     return status;
 }
 
@@ -215,69 +194,4 @@ KARStatus KARMPConstraint::CurrentOptions(KARMPOptionsOrientation& options) cons
 {
     return karmp::AskLoader<KARIMPConstraintLoader>(
         *this, KARFailure, [&](auto& loader) { return loader.CurrentOptions(options); });
-}
-
-KARStatus KARMPConstraint::Serialize(KARMPSerializer* serializer) const
-{
-    karmp::ElementWriter element(serializer);
-    if (!element || !element.Base(Super::Serialize(element.Node())))
-        return KARFailure;
-    element.References<KARMPGeometry>(
-        L"Geometries", L"Geometry", GetLinkedGeometryCount(),
-        [this](int index, auto& geometry) { return GetLinkedGeometry(index, geometry); });
-    QOBSharedHandle<KARMPJoint> joint;
-    if (!KARFailed(GetJoint(joint)))
-        element.Reference(L"Joint", joint);
-    element.References<KARMPVariable>(
-        L"Variables", L"Variable", GetLinkedVariableCount(),
-        [this](int index, auto& variable) { return GetLinkedVariable(index, variable); });
-    element.References<KARMPSensor>(
-        L"Sensors", L"Sensor", GetLinkedSensorCount(),
-        [this](int index, auto& sensor) { return GetLinkedSensor(index, sensor); });
-    writeParameters(element.Node());
-    // A link or parameter that could not be written was reported and is no failure of the whole.
-    return KARSuccess;
-}
-
-void KARMPConstraint::writeParameters(KARMPSerializer* element) const
-{
-    // One initialized parameter lets all be written, the others included.
-    const bool wanted =
-        std::any_of(m_parameters.begin(), m_parameters.end(), [](const auto* parameter) {
-            return parameter != nullptr && parameter->IsInitialized();
-        });
-    if (!wanted)
-        return;
-    const karmp::ElementWriter container(element, L"ConstraintParameters");
-    if (!container)
-        return;
-    for (const KARMPConstraintParameter* parameter : m_parameters) {
-        if (KARMPVerify(parameter != nullptr))
-            KARMPVerify(!KARFailed(parameter->Serialize(container.Node())));
-    }
-}
-
-KARStatus KARMPConstraint::Deserialize(const KARMPDeserializer* deserializer,
-                                       const KARMPEntityTable& entities)
-{
-    karmp::ElementReader element(deserializer);
-    if (!element || !element.Base(Super::Deserialize(element.Node(), entities)))
-        return KARFailure;
-    element.References<KARMPGeometry>(
-        L"Geometries", L"Geometry", entities,
-        [this](const auto& geometry) { return LinkToGeometry(geometry); });
-    element.Reference<KARMPJoint>(L"Joint", entities,
-                                  [this](const auto& joint) { return SetJoint(joint); });
-    element.References<KARMPVariable>(
-        L"Variables", L"Variable", entities,
-        [this](const auto& variable) { return LinkToVariable(variable); });
-    element.References<KARMPSensor>(L"Sensors", L"Sensor", entities,
-                                    [this](const auto& sensor) { return LinkToSensor(sensor); });
-    element.Child(L"ConstraintParameters", karmp::Absent::Keep)
-        .Each(L"ConstraintParameter", [this](const karmp::ElementReader& child) {
-            auto parameter = std::make_unique<KARMPConstraintParameter>();
-            KARMPVerify(!KARFailed(parameter->Deserialize(child.Node())));
-            AddConstraintParameter(parameter.release());
-        });
-    return KARSuccess;
 }
