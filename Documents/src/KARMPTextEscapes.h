@@ -1,0 +1,37 @@
+// How wide texts stand in XML, so that every text comes back as it was.
+//
+// A tab, a line feed and a carriage return are character references everywhere, a blank is one at
+// either end of an element's text. What XML cannot hold (control characters, unpaired surrogates,
+// U+FFFE, U+FFFF, values that are no character) is written \x{H} with its value in hexadecimal
+// digits. So that a text which looks like that comes back as well, its backslash is written \x{5C};
+// any other backslash stands for itself.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace karmp::documents {
+
+/// Where a text stands.
+enum class TextPlace { Element, Attribute };
+
+/// Appends a wide text as UTF-8 with escapes.
+void AppendEscaped(std::string& bytes, std::wstring_view text, TextPlace place);
+
+/// Appends the wide text of raw UTF-8 as it stands in XML between its marks. Returns false when it
+/// holds an "&" that begins no known reference; that one is kept as it stands.
+bool AppendDecoded(std::wstring& text, std::string_view raw, TextPlace place);
+
+/// Appends the characters of a CDATA section.
+void AppendDecodedCData(std::wstring& text, std::string_view raw);
+
+/// Appends a wide text as UTF-8; what is no character becomes U+FFFD.
+void AppendUtf8(std::string& bytes, std::wstring_view text);
+
+/// The UTF-8 of a wide text for a message: in one line, shortened when it is long.
+std::string Quoted(std::wstring_view text);
+
+/// True when the text may be the name of an XML element or attribute.
+bool IsXmlName(std::wstring_view text);
+
+} // namespace karmp::documents
