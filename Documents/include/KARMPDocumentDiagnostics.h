@@ -39,7 +39,7 @@ enum class Code : std::uint8_t {
     UnknownElement,      ///< An element that nothing reads.
     UnknownAttribute,    ///< An attribute that nothing reads.
     UnexpectedText,      ///< A text in an element that has no value.
-    LaterElement,        ///< An element of a later version than the document's.
+    OtherVersion,        ///< An item that is not read at the version of the document.
     UnknownClass,        ///< No entity class belongs to the element.
     MissingElement,      ///< A required element is missing.
     MissingAttribute,    ///< A required attribute is missing.

@@ -33,6 +33,8 @@ public:
     std::size_t Line() const { return m_line; }
     /// Byte of the element's name in its line from 1.
     std::size_t Column() const { return m_column; }
+    /// True when the element holds a text, which may be empty where there are no elements.
+    bool HasText() const { return m_hasText; }
 
     /// The memory of nodes comes from their document and goes with it.
     static void* operator new(std::size_t size, karmp::documents::NodeArena& arena);
@@ -44,7 +46,8 @@ private:
     KARMPDocumentReader(std::uint32_t line, std::uint32_t column);
 
     std::uint32_t m_line;
-    std::uint32_t m_column;
+    std::uint32_t m_column : 31;
+    std::uint32_t m_hasText : 1;
 };
 
 namespace karmp::documents {
