@@ -1,0 +1,303 @@
+#include "KARMPXmlRenderer.h"
+
+#include "KARMPDocumentNames.h"
+#include "KARMPTextEscapes.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <unordered_set>
+
+namespace karmp::documents {
+
+namespace {
+
+using Type = KARMPSerializationVariable::Type;
+
+// Deeper elements are not indented further, so that the text of a deep tree stays linear.
+constexpr std::size_t DeepestIndentation = 100;
+// A matrix is the largest group of numbers on one line.
+constexpr std::size_t LargestGroup = 9;
+// Up to this many attributes are compared by pairs.
+constexpr std::size_t FewAttributes = 8;
+
+} // namespace
+
+const XmlRenderer::Node* XmlRenderer::Child(const Node& node, std::size_t index)
+{
+    return static_cast<const Node*>(node.GetElement(static_cast<int>(index)));
+}
+
+bool XmlRenderer::IsRoot(const Node& node)
+{
+    return node.GetId().empty();
+}
+
+bool XmlRenderer::IsLeaf(const Node& node)
+{
+    return node.GetElementCount() == 0;
+}
+
+bool XmlRenderer::IsGroupOfNumbers(const Node& node)
+{
+    const std::size_t count = node.GetElementCount();
+    if (count == 0 || count > LargestGroup || node.GetType() != Type::None) {
+        return false;
+    }
+    for (std::size_t index = 0; index < count; ++index) {
+        const Node* const child = Child(node, index);
+        const Type type = child->GetType();
+        if ((type != Type::Double && type != Type::Int) || !IsLeaf(*child) ||
+            child->GetAttributeCount() != 0) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool XmlRenderer::Render(const KARMPDocumentWriter& node)
+{
+    if (IsRoot(node)) {
+        m_bytes += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+    }
+    if (!Open(node)) {
+        return false;
+    }
+    while (!m_levels.empty()) {
+        Level& level = m_levels.back();
+        if (level.next == level.node->GetElementCount()) {
+            Close();
+        } else {
+            const Node* const child = Child(*level.node, level.next++);
+            if (!level.oneLine) {
+                NewLine();
+            }
+            if (!Open(*child)) {
+                return false;
+            }
+        }
+    }
+    m_bytes += '\n';
+    if (m_bytes.size() > m_limits.bytes) {
+        return Fail(Code::TooLarge, "the document is larger than the limit of " +
+                                        std::to_string(m_limits.bytes) + " bytes");
+    }
+    return true;
+}
+
+// Writes a leaf whole; of any other element all up to its first child.
+bool XmlRenderer::Open(const Node& node)
+{
+    m_levels.push_back({&node, 0, false});
+    if (m_levels.size() > m_limits.depth) {
+        return Fail(Code::TooDeep,
+                    "an element stands deeper than the limit of " + std::to_string(m_limits.depth));
+    }
+    m_bytes += '<';
+    if (IsRoot(node)) {
+        if (m_levels.size() > 1) {
+            return Fail(Code::InvalidName, "an element has no name");
+        }
+        m_bytes += RootName;
+        m_bytes += " version=\"";
+        AppendEscaped(m_bytes, node.Version(), TextPlace::Attribute);
+        m_bytes += '"';
+    } else if (!Name(node.GetId(), "element")) {
+        return false;
+    }
+    if (!Attributes(node)) {
+        return false;
+    }
+    if (!IsLeaf(node)) {
+        m_bytes += '>';
+        Value(node);
+        m_levels.back().oneLine = IsGroupOfNumbers(node);
+        return true;
+    }
+    if (node.GetType() == Type::None) {
+        m_bytes += "/>";
+    } else {
+        m_bytes += '>';
+        Value(node);
+        m_bytes += "</";
+        ElementName(node);
+        m_bytes += '>';
+    }
+    m_levels.pop_back();
+    return true;
+}
+
+void XmlRenderer::Close()
+{
+    const Level level = m_levels.back();
+    m_levels.pop_back();
+    if (!level.oneLine) {
+        NewLine();
+    }
+    m_bytes += "</";
+    ElementName(*level.node);
+    m_bytes += '>';
+}
+
+// At the indentation of what stands under the innermost open element.
+void XmlRenderer::NewLine()
+{
+    m_bytes += '\n';
+    m_bytes.append(std::min(m_levels.size(), DeepestIndentation), ' ');
+}
+
+// A name that was checked before.
+void XmlRenderer::ElementName(const Node& node)
+{
+    if (IsRoot(node)) {
+        m_bytes += RootName;
+    } else {
+        AppendUtf8(m_bytes, node.GetId());
+    }
+}
+
+bool XmlRenderer::Name(std::wstring_view name, std::string_view what)
+{
+    if (!IsXmlName(name)) {
+        return Fail(Code::InvalidName,
+                    "the " + std::string(what) + " name " + Quoted(name) + " is no XML name");
+    }
+    const std::size_t start = m_bytes.size();
+    AppendUtf8(m_bytes, name);
+    if (m_bytes.size() - start > m_limits.nameLength) {
+        return Fail(Code::NameTooLong, "the " + std::string(what) + " name " + Quoted(name) +
+                                           " is longer than the limit of " +
+                                           std::to_string(m_limits.nameLength) + " bytes");
+    }
+    return true;
+}
+
+bool XmlRenderer::Attributes(const Node& node)
+{
+    const std::size_t count = node.GetAttributeCount();
+    for (std::size_t place = 0; place < count; ++place) {
+        const int index = static_cast<int>(place);
+        m_bytes += ' ';
+        if (!Name(node.GetAttributeId(index), "attribute")) {
+            return false;
+        }
+        m_bytes += "=\"";
+        switch (node.GetAttributeType(index)) {
+        case Type::Bool:
+            m_bytes += node.GetAttributeValueb(index) ? "true" : "false";
+            break;
+        case Type::Int:
+            Number(node.GetAttributeValuei(index));
+            break;
+        case Type::Double:
+            Number(node.GetAttributeValued(index));
+            break;
+        case Type::String:
+            AppendEscaped(m_bytes, node.GetAttributeValues(index), TextPlace::Attribute);
+            break;
+        case Type::None:
+            break;
+        }
+        m_bytes += '"';
+    }
+    return !FindDuplicateAttribute(node);
+}
+
+bool XmlRenderer::FindDuplicateAttribute(const Node& node)
+{
+    const std::size_t count = node.GetAttributeCount();
+    const auto nameOf = [&node](std::size_t index) {
+        return node.GetAttributeId(static_cast<int>(index));
+    };
+    std::unordered_set<std::wstring_view> names;
+    // The version is written by the root itself.
+    if (IsRoot(node) || count > FewAttributes) {
+        names.reserve(count + 1);
+        names.insert(IsRoot(node) ? VersionName : std::wstring_view());
+    }
+    for (std::size_t index = 0; index < count; ++index) {
+        bool repeated = false;
+        if (!names.empty()) {
+            repeated = !names.insert(nameOf(index)).second;
+        } else {
+            for (std::size_t earlier = 0; earlier < index && !repeated; ++earlier) {
+                repeated = nameOf(earlier) == nameOf(index);
+            }
+        }
+        if (repeated) {
+            Fail(Code::DuplicateAttribute,
+                 "the attribute " + Quoted(nameOf(index)) + " stands twice");
+            return true;
+        }
+    }
+    return false;
+}
+
+template <class Kind>
+void XmlRenderer::Number(Kind value)
+{
+    std::array<char, 32> digits;
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value);
+    m_bytes.append(digits.data(), end.ptr);
+}
+
+void XmlRenderer::Value(const Node& node)
+{
+    switch (node.GetType()) {
+    case Type::Bool:
+        m_bytes += node.GetValueb() ? "true" : "false";
+        break;
+    case Type::Int:
+        Number(node.GetValuei());
+        break;
+    case Type::Double:
+        Number(node.GetValued());
+        break;
+    case Type::String:
+        AppendEscaped(m_bytes, node.GetValues(), TextPlace::Element);
+        break;
+    case Type::None:
+        break;
+    }
+}
+
+bool XmlRenderer::Fail(Code code, std::string text)
+{
+    m_messages.Error(code, std::move(text), Path());
+    return false;
+}
+
+// The way from the root to the element that is being written.
+std::string XmlRenderer::Path() const
+{
+    constexpr std::size_t longest = 64;
+    std::string path;
+    for (std::size_t place = 0; place < m_levels.size() && place < longest; ++place) {
+        const Node& node = *m_levels[place].node;
+        path += '/';
+        if (IsRoot(node) && place == 0) {
+            path += RootName;
+            continue;
+        }
+        AppendUtf8(path, node.GetId());
+        if (place == 0) {
+            continue;
+        }
+        const Node& parent = *m_levels[place - 1].node;
+        std::size_t number = 0;
+        std::size_t total = 0;
+        for (std::size_t index = 0; index < parent.GetElementCount(); ++index) {
+            const Node* const sibling = Child(parent, index);
+            total += sibling->GetId() == node.GetId() ? 1U : 0U;
+            if (sibling == &node) {
+                number = total;
+            }
+        }
+        if (total > 1) {
+            path += '[' + std::to_string(number) + ']';
+        }
+    }
+    return m_levels.size() > longest ? path + "/..." : path;
+}
+
+} // namespace karmp::documents
