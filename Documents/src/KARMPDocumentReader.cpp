@@ -1,0 +1,82 @@
+#include "KARMPDocumentReader.h"
+
+#include "KARMPNodeArena.h"
+#include "KARMPTreeBuilder.h"
+#include "KARMPVersions.h"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+KARMPDocumentReader::KARMPDocumentReader(std::uint32_t line, std::uint32_t column)
+    : m_line(line), m_column(column & 0x7FFFFFFFU), m_hasText(0)
+{}
+
+KARMPDocumentReader::~KARMPDocumentReader() = default;
+
+std::wstring KARMPDocumentReader::Location() const
+{
+    return std::to_wstring(m_line) + L':' + std::to_wstring(m_column);
+}
+
+void* KARMPDocumentReader::operator new(std::size_t size, karmp::documents::NodeArena& arena)
+{
+    return arena.Allocate(size);
+}
+
+void KARMPDocumentReader::operator delete(void* /*memory*/, karmp::documents::NodeArena& /*arena*/)
+{}
+
+void KARMPDocumentReader::operator delete(void* /*memory*/) {}
+
+namespace karmp::documents {
+
+Document::Document(std::string name, const Limits& limits)
+    : m_arena(std::make_unique<NodeArena>()),
+      m_name(std::move(name)),
+      m_version(CurrentVersion),
+      m_limits(limits)
+{
+    constexpr std::size_t largest = std::numeric_limits<std::uint32_t>::max();
+    m_limits.bytes = std::min(m_limits.bytes, largest);
+}
+
+Document::Document(Document&& other) noexcept
+    : m_arena(std::move(other.m_arena)),
+      m_root(std::exchange(other.m_root, nullptr)),
+      m_name(std::move(other.m_name)),
+      m_version(std::move(other.m_version)),
+      m_limits(other.m_limits),
+      m_messages(std::move(other.m_messages))
+{}
+
+Document& Document::operator=(Document&& other) noexcept
+{
+    if (this != &other) {
+        // The nodes go before the memory they stand in.
+        delete std::exchange(m_root, std::exchange(other.m_root, nullptr));
+        m_arena = std::move(other.m_arena);
+        m_name = std::move(other.m_name);
+        m_version = std::move(other.m_version);
+        m_limits = other.m_limits;
+        m_messages = std::move(other.m_messages);
+    }
+    return *this;
+}
+
+Document::~Document()
+{
+    delete m_root;
+}
+
+Document Document::ReadFile(const std::filesystem::path& path, const Limits& limits)
+{
+    return TreeBuilder::ReadFile(path, limits);
+}
+
+Document Document::ReadText(std::string text, std::string name, const Limits& limits)
+{
+    return TreeBuilder::ReadText(std::move(text), std::move(name), limits);
+}
+
+} // namespace karmp::documents

@@ -1,0 +1,46 @@
+// Checks the bytes of a document before they are parsed and finds lines and columns in them.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+namespace karmp::documents {
+
+/// Where something stands: line and byte in the line, both from 1.
+struct SourcePlace
+{
+    std::uint32_t line = 1;
+    std::uint32_t column = 1;
+};
+
+class SourceText
+{
+public:
+    /// What may be wrong with bytes.
+    enum class Fault { None, NotUtf8, ControlCharacter };
+
+    /// Goes through the bytes, which may change afterwards, up to the first fault. At most 4 GiB
+    /// less one.
+    explicit SourceText(std::string_view bytes);
+
+    Fault Found() const { return m_fault; }
+    /// Offset of the fault.
+    std::size_t FaultOffset() const { return m_faultOffset; }
+
+    /// The place of any offset.
+    SourcePlace Find(std::size_t offset) const;
+    /// The same for offsets asked for in ascending order, without a search.
+    SourcePlace Next(std::size_t offset);
+
+private:
+    SourcePlace PlaceIn(std::size_t line, std::size_t offset) const;
+
+    std::vector<std::uint32_t> m_lineStarts;
+    std::size_t m_line = 0;
+    Fault m_fault = Fault::None;
+    std::size_t m_faultOffset = 0;
+};
+
+} // namespace karmp::documents

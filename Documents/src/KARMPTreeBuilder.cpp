@@ -1,0 +1,454 @@
+#include "KARMPTreeBuilder.h"
+
+#include "KARMPDocumentNames.h"
+#include "KARMPDocuments.h"
+#include "KARMPFileAccess.h"
+#include "KARMPNodeArena.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <new>
+#include <stdexcept>
+
+namespace karmp::documents {
+
+namespace {
+
+constexpr std::string_view Blanks = " \t\r\n";
+
+// No references, line ends or blanks are touched by the parser: they are decoded afterwards, where
+// a literal blank and a reference to one can still be told apart.
+constexpr unsigned ParseFlags = pugi::parse_minimal | pugi::parse_cdata | pugi::parse_doctype |
+                                pugi::parse_declaration | pugi::parse_embed_pcdata |
+                                pugi::parse_ws_pcdata_single | pugi::parse_fragment;
+
+bool IsBlank(std::string_view text)
+{
+    return text.find_first_not_of(Blanks) == std::string_view::npos;
+}
+
+std::string_view Trimmed(std::string_view text)
+{
+    const std::size_t first = text.find_first_not_of(Blanks);
+    if (first == std::string_view::npos) {
+        return {};
+    }
+    return text.substr(first, text.find_last_not_of(Blanks) - first + 1);
+}
+
+bool HasElements(const pugi::xml_node& source)
+{
+    for (pugi::xml_node child = source.first_child(); child; child = child.next_sibling()) {
+        if (child.type() == pugi::node_element) {
+            return true;
+        }
+    }
+    return false;
+}
+
+std::string_view ParseErrorText(pugi::xml_parse_status status)
+{
+    switch (status) {
+    case pugi::status_unrecognized_tag:
+        return "a \"<\" begins no tag";
+    case pugi::status_bad_pi:
+        return "a processing instruction or declaration is malformed or not closed";
+    case pugi::status_bad_comment:
+        return "a comment is malformed or not closed";
+    case pugi::status_bad_cdata:
+        return "a CDATA section is malformed or not closed";
+    case pugi::status_bad_pcdata:
+        return "a text is malformed";
+    case pugi::status_bad_start_element:
+        return "a start tag is malformed or not closed";
+    case pugi::status_bad_attribute:
+        return "an attribute is malformed or not closed";
+    case pugi::status_bad_end_element:
+        return "an end tag is malformed or not closed";
+    case pugi::status_end_element_mismatch:
+        return "a start tag and an end tag do not match, or an element is not closed";
+    default:
+        return "the document is no well-formed XML";
+    }
+}
+
+bool SameWithoutCase(std::string_view left, std::string_view right)
+{
+    const auto lower = [](char character) {
+        return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a')
+                                                    : character;
+    };
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                      [lower](char a, char b) { return lower(a) == lower(b); });
+}
+
+} // namespace
+
+Document TreeBuilder::ReadFile(const std::filesystem::path& path, const Limits& limits)
+{
+    Document document(path.string(), limits);
+    Messages messages(document.m_messages, document.m_name, limits.diagnostics);
+    try {
+        std::string text;
+        if (ReadWholeFile(path, document.m_limits.bytes, text, messages)) {
+            TreeBuilder(document, text).Run();
+        }
+    } catch (const std::bad_alloc&) {
+        messages.Error(Code::OutOfMemory, "memory ended while the file was read");
+    }
+    return document;
+}
+
+Document TreeBuilder::ReadText(std::string text, std::string name, const Limits& limits)
+{
+    Document document(std::move(name), limits);
+    TreeBuilder(document, text).Run();
+    return document;
+}
+
+TreeBuilder::TreeBuilder(Document& document, std::string& text)
+    : m_document(document),
+      m_messages(document.m_messages, document.m_name, document.m_limits.diagnostics),
+      m_text(text)
+{}
+
+void TreeBuilder::Run()
+{
+    bool complete = false;
+    try {
+        if (CheckBytes()) {
+            SourceText lines(m_text);
+            complete = Parse(lines);
+        }
+    } catch (const std::bad_alloc&) {
+        m_messages.Error(Code::OutOfMemory, "memory ended while the document was read");
+    } catch (const std::length_error&) {
+        m_messages.Error(Code::OutOfMemory, "the document is too large for memory");
+    }
+    if (!complete) {
+        delete m_document.m_root;
+        m_document.m_root = nullptr;
+    }
+}
+
+bool TreeBuilder::Fail(Code code, std::string text, SourcePlace place, std::string path)
+{
+    m_messages.Error(code, std::move(text), std::move(path), place.line, place.column);
+    return false;
+}
+
+bool TreeBuilder::CheckBytes()
+{
+    const std::string_view text = m_text;
+    if (text.size() > m_document.m_limits.bytes) {
+        m_messages.Error(Code::TooLarge, "the document is larger than the limit of " +
+                                             std::to_string(m_document.m_limits.bytes) + " bytes");
+        return false;
+    }
+    if (IsBlank(text)) {
+        m_messages.Error(Code::Empty, "the document is empty");
+        return false;
+    }
+    if (text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF")) {
+        return Fail(Code::Encoding, "the document is UTF-16; only UTF-8 is read", {});
+    }
+    return true;
+}
+
+bool TreeBuilder::Parse(SourceText& lines)
+{
+    if (lines.Found() != SourceText::Fault::None) {
+        const bool notUtf8 = lines.Found() == SourceText::Fault::NotUtf8;
+        return Fail(Code::Encoding,
+                    notUtf8 ? "the bytes are no UTF-8" : "a control character that XML cannot hold",
+                    lines.Find(lines.FaultOffset()));
+    }
+    const pugi::xml_parse_result result =
+        m_source.load_buffer_inplace(m_text.data(), m_text.size(), ParseFlags, pugi::encoding_utf8);
+    if (!result) {
+        return TellParseError(result, lines);
+    }
+    pugi::xml_node root;
+    return FindRoot(lines, root) && ReadVersion(root, lines) && BuildTree(root, lines);
+}
+
+bool TreeBuilder::TellParseError(const pugi::xml_parse_result& result, SourceText& lines)
+{
+    if (result.status == pugi::status_out_of_memory) {
+        throw std::bad_alloc();
+    }
+    const SourcePlace place = lines.Find(static_cast<std::size_t>(result.offset));
+    if (result.status == pugi::status_bad_doctype) {
+        return Fail(Code::Doctype, "a document type declaration is refused", place);
+    }
+    return Fail(Code::Syntax, std::string(ParseErrorText(result.status)), place);
+}
+
+bool TreeBuilder::CheckDeclaration(const pugi::xml_node& declaration)
+{
+    const pugi::xml_attribute encoding = declaration.attribute("encoding");
+    if (!encoding || SameWithoutCase(encoding.value(), "UTF-8") ||
+        SameWithoutCase(encoding.value(), "US-ASCII")) {
+        return true;
+    }
+    return Fail(Code::Encoding,
+                "the document is declared as " + std::string(encoding.value()).substr(0, 40) +
+                    "; only UTF-8 is read",
+                {});
+}
+
+bool TreeBuilder::FindRoot(SourceText& lines, pugi::xml_node& root)
+{
+    const auto place = [this, &lines](const char* text) {
+        return lines.Find(static_cast<std::size_t>(text - m_text.data()));
+    };
+    for (pugi::xml_node node = m_source.first_child(); node; node = node.next_sibling()) {
+        switch (node.type()) {
+        case pugi::node_doctype:
+            return Fail(Code::Doctype, "a document type declaration is refused",
+                        place(node.value()));
+        case pugi::node_declaration:
+            if (!CheckDeclaration(node)) {
+                return false;
+            }
+            break;
+        case pugi::node_element:
+            if (root) {
+                return Fail(Code::Syntax, "there is a second root element", place(node.name()));
+            }
+            root = node;
+            break;
+        default:
+            return Fail(Code::Syntax, "there is text outside the root element",
+                        place(node.value()));
+        }
+    }
+    if (!root) {
+        return Fail(Code::Syntax, "there is no root element", lines.Find(m_text.size() - 1));
+    }
+    if (RootName != root.name()) {
+        std::wstring name;
+        AppendDecodedCData(name, std::string_view(root.name()).substr(0, 400));
+        return Fail(Code::WrongRoot,
+                    "the root element is " + Quoted(name) + " instead of \"" +
+                        std::string(RootName) + "\"",
+                    place(root.name()));
+    }
+    return true;
+}
+
+bool TreeBuilder::ReadVersion(const pugi::xml_node& root, SourceText& lines)
+{
+    constexpr const char* rootPath = "/KARMPDocument";
+    const SourcePlace place = lines.Find(static_cast<std::size_t>(root.name() - m_text.data()));
+    const pugi::xml_attribute version = root.attribute("version");
+    if (!version) {
+        m_messages.Warning(Code::MissingVersion,
+                           "the root has no version; the current one is taken", rootPath,
+                           place.line, place.column);
+        return true;
+    }
+    m_document.m_version.clear();
+    AppendDecoded(m_document.m_version, version.value(), TextPlace::Attribute);
+    const auto& known = KnownVersions();
+    if (std::find(known.begin(), known.end(), m_document.m_version) == known.end()) {
+        m_messages.Warning(Code::UnknownVersion,
+                           "the version " + Quoted(m_document.m_version) + " is not known",
+                           std::string(rootPath) + "/@version", place.line, place.column);
+    }
+    return true;
+}
+
+// Walks the parsed form and gives its parts back as soon as they are read.
+bool TreeBuilder::BuildTree(pugi::xml_node root, SourceText& lines)
+{
+    if (!Enter(root, lines)) {
+        return false;
+    }
+    while (!m_levels.empty()) {
+        Level& level = m_levels.back();
+        const pugi::xml_node child = level.next;
+        if (!child) {
+            Leave();
+            continue;
+        }
+        level.next = child.next_sibling();
+        if (child.type() != pugi::node_element) {
+            ReadText(level, child);
+        } else if (!Enter(child, lines)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool TreeBuilder::CountNode(SourcePlace place)
+{
+    if (++m_nodes > m_document.m_limits.nodes) {
+        return Fail(Code::TooManyNodes,
+                    "there are more elements and attributes than the limit of " +
+                        std::to_string(m_document.m_limits.nodes),
+                    place, Path());
+    }
+    return true;
+}
+
+bool TreeBuilder::WideName(const char* name, const KARMPDocumentReader* node, SourcePlace place)
+{
+    const std::string_view bytes = name;
+    m_name.clear();
+    if (bytes.size() > m_document.m_limits.nameLength) {
+        AppendDecodedCData(m_name, bytes.substr(0, 100));
+        return Fail(Code::NameTooLong,
+                    std::string(node != nullptr ? "the attribute" : "the element") + " name " +
+                        Quoted(m_name) + " is longer than the limit of " +
+                        std::to_string(m_document.m_limits.nameLength) + " bytes",
+                    place, Path());
+    }
+    AppendDecodedCData(m_name, bytes);
+    return true;
+}
+
+bool TreeBuilder::Enter(pugi::xml_node source, SourceText& lines)
+{
+    const SourcePlace place = lines.Next(static_cast<std::size_t>(source.name() - m_text.data()));
+    if (m_levels.size() >= m_document.m_limits.depth) {
+        return Fail(Code::TooDeep,
+                    "an element stands deeper than the limit of " +
+                        std::to_string(m_document.m_limits.depth),
+                    place, Path());
+    }
+    if (!CountNode(place) || !WideName(source.name(), nullptr, place)) {
+        return false;
+    }
+    std::unique_ptr<KARMPDocumentReader> made(new (*m_document.m_arena)
+                                                  KARMPDocumentReader(place.line, place.column));
+    KARMPDocumentReader* const node = made.get();
+    node->SetId(m_name);
+    if (m_document.m_version != CurrentVersion) {
+        node->SetVersion(m_document.m_version);
+    }
+    if (m_levels.empty()) {
+        m_document.m_root = node;
+    } else {
+        m_levels.back().node->AddElement(m_name, node);
+    }
+    made.release();
+
+    const pugi::xml_node first = source.first_child();
+    const bool hasElements = first && HasElements(source);
+    m_levels.push_back({source, first, node, hasElements, false, {}});
+    if (source.first_attribute() && !ReadAttributes(source, *node)) {
+        return false;
+    }
+    if (first) {
+        if (*source.value() != '\0') {
+            ReadText(m_levels.back(), source);
+        }
+        return true;
+    }
+    node->SetValue(Decode(source.value(), TextPlace::Element, *node, {}));
+    node->m_hasText = 1;
+    m_levels.pop_back();
+    if (!m_levels.empty()) {
+        m_levels.back().source.remove_child(source);
+    }
+    return true;
+}
+
+void TreeBuilder::Leave()
+{
+    const Level level = std::move(m_levels.back());
+    m_levels.pop_back();
+    if (level.hasText || !level.hasElements) {
+        level.node->SetValue(std::wstring_view(level.text));
+        level.node->m_hasText = 1;
+    }
+    if (!m_levels.empty()) {
+        m_levels.back().source.remove_child(level.source);
+    }
+}
+
+// Where there are elements as well, literal blanks at the ends of a text are indentation.
+void TreeBuilder::ReadText(Level& level, const pugi::xml_node& source)
+{
+    std::string_view raw = source.value();
+    if (source.type() == pugi::node_cdata) {
+        AppendDecodedCData(level.text, raw);
+        level.hasText = true;
+        return;
+    }
+    if (level.hasElements) {
+        raw = Trimmed(raw);
+    }
+    if (!raw.empty()) {
+        level.hasText = true;
+        if (!AppendDecoded(level.text, raw, TextPlace::Element)) {
+            m_messages.Error(Code::Reference, "a text holds an unknown reference", Path(),
+                             level.node->Line(), level.node->Column());
+        }
+    }
+}
+
+bool TreeBuilder::ReadAttributes(const pugi::xml_node& source, KARMPDocumentReader& node)
+{
+    const SourcePlace place{node.m_line, node.m_column};
+    for (pugi::xml_attribute attribute = source.first_attribute(); attribute;
+         attribute = attribute.next_attribute()) {
+        if (!CountNode(place) || !WideName(attribute.name(), &node, place)) {
+            return false;
+        }
+        if (node.HasAttribute(m_name)) {
+            m_messages.Error(Code::DuplicateAttribute,
+                             "the attribute " + Quoted(m_name) +
+                                 " stands twice; the last one is taken",
+                             Path(), node.Line(), node.Column());
+        }
+        node.AddAttributeValue(
+            m_name, Decode(attribute.value(), TextPlace::Attribute, node, attribute.name()));
+    }
+    return true;
+}
+
+std::wstring_view TreeBuilder::Decode(const char* raw, TextPlace place,
+                                      const KARMPDocumentReader& node, std::string_view attribute)
+{
+    m_value.clear();
+    if (!AppendDecoded(m_value, raw, place)) {
+        std::string path = Path();
+        if (!attribute.empty()) {
+            path += "/@";
+            path += attribute;
+        }
+        m_messages.Error(Code::Reference, "a text holds an unknown reference", std::move(path),
+                         node.Line(), node.Column());
+    }
+    return m_value;
+}
+
+std::string TreeBuilder::Path() const
+{
+    constexpr std::size_t longest = 64;
+    std::string path;
+    if (m_messages.Full()) {
+        return path;
+    }
+    for (std::size_t place = 0; place < m_levels.size() && place < longest; ++place) {
+        const Level& level = m_levels[place];
+        path += '/';
+        AppendUtf8(path, level.node->Id());
+        KARMPDeserializer::ElementIterator begin = nullptr;
+        KARMPDeserializer::ElementIterator end = nullptr;
+        if (place > 0) {
+            m_levels[place - 1].node->GetElements(level.node->Id(), begin, end);
+        }
+        const auto number = end - begin;
+        if (number > 1 || (number == 1 && level.source.next_sibling(level.source.name()))) {
+            path += '[' + std::to_string(number) + ']';
+        }
+    }
+    return m_levels.size() > longest ? path + "/..." : path;
+}
+
+} // namespace karmp::documents

@@ -1,0 +1,69 @@
+// Builds the tree of a document from XML.
+#pragma once
+
+#include "KARMPDocumentReader.h"
+#include "KARMPMessages.h"
+#include "KARMPSourceText.h"
+#include "KARMPTextEscapes.h"
+
+#include <pugixml.hpp>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace karmp::documents {
+
+/// The parsed form goes away while the tree is built, so that never both are whole in memory.
+class TreeBuilder
+{
+public:
+    /// Parses a file into a document.
+    static Document ReadFile(const std::filesystem::path& path, const Limits& limits);
+    /// Parses a text into a document.
+    static Document ReadText(std::string text, std::string name, const Limits& limits);
+
+private:
+    /// An element whose children are being read.
+    struct Level
+    {
+        pugi::xml_node source;
+        pugi::xml_node next;
+        KARMPDocumentReader* node;
+        bool hasElements;
+        bool hasText;
+        std::wstring text;
+    };
+
+    TreeBuilder(Document& document, std::string& text);
+
+    void Run();
+    bool CheckBytes();
+    bool Parse(SourceText& lines);
+    bool TellParseError(const pugi::xml_parse_result& result, SourceText& lines);
+    bool FindRoot(SourceText& lines, pugi::xml_node& root);
+    bool CheckDeclaration(const pugi::xml_node& declaration);
+    bool ReadVersion(const pugi::xml_node& root, SourceText& lines);
+    bool BuildTree(pugi::xml_node root, SourceText& lines);
+    bool Enter(pugi::xml_node source, SourceText& lines);
+    void Leave();
+    bool ReadAttributes(const pugi::xml_node& source, KARMPDocumentReader& node);
+    void ReadText(Level& level, const pugi::xml_node& source);
+    std::wstring_view Decode(const char* raw, TextPlace place, const KARMPDocumentReader& node,
+                             std::string_view attribute);
+    bool WideName(const char* name, const KARMPDocumentReader* node, SourcePlace place);
+    bool CountNode(SourcePlace place);
+    bool Fail(Code code, std::string text, SourcePlace place, std::string path = {});
+    std::string Path() const;
+
+    Document& m_document;
+    Messages m_messages;
+    std::string& m_text;
+    pugi::xml_document m_source;
+    std::vector<Level> m_levels;
+    std::size_t m_nodes = 0;
+    std::wstring m_name;
+    std::wstring m_value;
+};
+
+} // namespace karmp::documents
