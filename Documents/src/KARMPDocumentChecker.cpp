@@ -1,0 +1,510 @@
+#include "KARMPDocumentChecker.h"
+
+#include "KARMPDocumentNames.h"
+#include "KARMPEntity.h"
+#include "KARMPFailedCheck.h"
+#include "KARMPGenericFactory.h"
+#include "KARMPSerializationServices.h"
+#include "KARMPTextEscapes.h"
+#include "KARTextConversion.h"
+#include "QOBClassInfo.h"
+
+#include <algorithm>
+#include <new>
+#include <utility>
+
+namespace karmp::documents {
+
+namespace {
+
+const KARMPDocumentReader& NodeOf(const KARMPDeserializer* node)
+{
+    return static_cast<const KARMPDocumentReader&>(*node);
+}
+
+std::wstring_view TextOf(const KARMPDocumentReader& node)
+{
+    std::wstring_view text;
+    if (node.HasText()) {
+        node.GetValue(text);
+    }
+    return text;
+}
+
+bool IsBlank(std::wstring_view text)
+{
+    return text.find_first_not_of(L" \t\r\n") == std::wstring_view::npos;
+}
+
+bool IsDigit(wchar_t character)
+{
+    return character >= L'0' && character <= L'9';
+}
+
+std::size_t SkipDigits(std::wstring_view text, std::size_t place)
+{
+    while (place < text.size() && IsDigit(text[place])) {
+        ++place;
+    }
+    return place;
+}
+
+std::size_t SkipSign(std::wstring_view text, std::size_t place)
+{
+    return place < text.size() && (text[place] == L'-' || text[place] == L'+') ? place + 1 : place;
+}
+
+// The whole text is a decimal int.
+bool IsPlainInteger(std::wstring_view text)
+{
+    const std::size_t first = SkipSign(text, 0);
+    return first < text.size() && SkipDigits(text, first) == text.size();
+}
+
+// The whole text is a decimal number.
+bool IsPlainNumber(std::wstring_view text)
+{
+    const std::size_t first = SkipSign(text, 0);
+    std::size_t place = SkipDigits(text, first);
+    std::size_t digits = place - first;
+    if (place < text.size() && (text[place] == L'.' || text[place] == L',')) {
+        const std::size_t end = SkipDigits(text, place + 1);
+        digits += end - place - 1;
+        place = end;
+    }
+    if (digits > 0 && place < text.size() && (text[place] == L'e' || text[place] == L'E')) {
+        const std::size_t exponent = SkipSign(text, place + 1);
+        place = SkipDigits(text, exponent);
+        digits = place > exponent ? digits : 0;
+    }
+    return digits > 0 && place == text.size();
+}
+
+// Anything else that reads as a number to its end: blanks around, hexadecimal, "inf" and "nan".
+bool IsOtherNumber(std::wstring_view text)
+{
+    static constexpr std::wstring_view letters = L"0123456789abcdefABCDEFxXpP+-.,infatyINFATY \t\n";
+    return text.find_first_not_of(letters) == std::wstring_view::npos;
+}
+
+bool IsBool(std::wstring_view text)
+{
+    static constexpr std::wstring_view forms[] = {L"true",  L"false", L"1",   L"0",  L"TRUE",
+                                                  L"FALSE", L"yes",   L"YES", L"no", L"NO"};
+    return std::find(std::begin(forms), std::end(forms), text) != std::end(forms);
+}
+
+// The message on a text that is not of its kind; empty when it is.
+std::string FaultOf(const Item& item, std::wstring_view text, Severity& severity)
+{
+    severity = Severity::Error;
+    double number = 0;
+    int integer = 0;
+    switch (item.kind) {
+    case Kind::Number:
+        if (IsPlainNumber(text)) {
+            return {};
+        }
+        if (kar::ScanDouble(text, number, kar::DecimalMark::PointOrComma) != 1) {
+            return Quoted(text) + " is no number";
+        }
+        severity = Severity::Warning;
+        return IsOtherNumber(text) ? std::string()
+                                   : "only the beginning of " + Quoted(text) + " is a number";
+    case Kind::Integer:
+        if (kar::ScanInt(text, integer) != 1) {
+            return Quoted(text) + " is no whole number";
+        }
+        severity = Severity::Warning;
+        return IsPlainInteger(text)
+                   ? std::string()
+                   : "only the beginning of " + Quoted(text) + " is a whole number";
+    case Kind::Bool:
+        return IsBool(text) ? std::string() : Quoted(text) + " is neither true nor false";
+    case Kind::Word:
+        severity = Severity::Warning;
+        if (std::find(item.words.begin(), item.words.end(), text) != item.words.end()) {
+            return {};
+        }
+        return Quoted(text) + " is none of the words that are known here";
+    case Kind::Group:
+    case Kind::Reference:
+        severity = Severity::Warning;
+        return IsBlank(text) ? std::string() : "the text " + Quoted(text) + " is not read";
+    case Kind::Text:
+        break;
+    }
+    return {};
+}
+
+} // namespace
+
+DocumentChecker::DocumentChecker(const KARMPDocumentReader& root, Messages& messages)
+    : m_root(root), m_messages(messages), m_version(root.Version())
+{}
+
+void DocumentChecker::Run()
+{
+    CollectIdentifiers();
+    static const Item rootItem = [] {
+        Item item;
+        item.name = WideRootName;
+        item.attributes.resize(1);
+        item.attributes[0].name = VersionName;
+        item.attributes[0].kind = Kind::Text;
+        item.elements.push_back(WorldItem());
+        return item;
+    }();
+    CheckElement(m_root, rootItem);
+    while (!m_frames.empty()) {
+        Frame& frame = m_frames.back();
+        if (frame.next == frame.end) {
+            Pop();
+        } else {
+            CheckChild(NodeOf(m_pending[frame.next++]));
+        }
+    }
+}
+
+const KARMPDeserializer* DocumentChecker::First(const KARMPDeserializer& node,
+                                                std::wstring_view name)
+{
+    KARMPDeserializer::ElementIterator begin = nullptr;
+    KARMPDeserializer::ElementIterator end = nullptr;
+    node.GetElements(name, begin, end);
+    return begin != end ? *begin : nullptr;
+}
+
+void DocumentChecker::CollectIdentifiers()
+{
+    const KARMPDeserializer* const world = First(m_root, L"World");
+    if (world == nullptr) {
+        return;
+    }
+    m_frames.push_back({&m_root, nullptr, nullptr, 0, 0, 0, 0, 0});
+    m_frames.push_back({&NodeOf(world), nullptr, nullptr, 0, 0, 0, 0, 0});
+    for (const Family& family : Families()) {
+        if (const KARMPDeserializer* const list = First(*world, family.element)) {
+            m_frames.push_back({&NodeOf(list), nullptr, nullptr, 0, 0, 0, 0, 0});
+            m_pending.clear();
+            list->GetOrderedElementList(m_pending);
+            for (const KARMPDeserializer* entity : m_pending) {
+                Identify(NodeOf(entity));
+            }
+            m_frames.pop_back();
+        }
+    }
+    m_frames.clear();
+    m_pending.clear();
+}
+
+void DocumentChecker::Identify(const Node& entity)
+{
+    std::wstring_view identifier;
+    if (!entity.HasAttribute(L"id") || KARFailed(entity.GetAttribute(L"id", identifier))) {
+        return;
+    }
+    const auto [place, added] =
+        m_identifiers.try_emplace(identifier, Identified{&entity, &ClassOf(entity.Id())});
+    if (!added) {
+        const Node& first = *place->second.node;
+        Tell(Severity::Error, Code::DuplicateIdentifier, entity,
+             "the identifier " + Quoted(identifier) + " was carried before, in line " +
+                 std::to_string(first.Line()),
+             L"id");
+        place->second = {&entity, &ClassOf(entity.Id())};
+    }
+}
+
+const DocumentChecker::Class& DocumentChecker::ClassOf(std::wstring_view element)
+{
+    const auto [place, added] = m_classes.try_emplace(element);
+    Class& type = place->second;
+    if (!added) {
+        return type;
+    }
+    const std::string name = KARMPSerializationServices::to_type(element);
+    const std::vector<std::string> names = KARMPFactory::GetClassNames();
+    QOBSharedHandle<KARMPEntity> sample;
+    if (std::find(names.begin(), names.end(), name) != names.end() &&
+        !KARFailed(KARMPFactory::Create(name, sample)) && sample) {
+        for (const QOBClassInfo* info = &sample->getClassInfo(); info != nullptr;
+             info = info->getParent()) {
+            type.lineage.push_back(info->getName());
+        }
+        type.item = EntityItem(element);
+    }
+    return type;
+}
+
+bool DocumentChecker::IsA(const Class& type, std::string_view className)
+{
+    return std::find(type.lineage.begin(), type.lineage.end(), className) != type.lineage.end();
+}
+
+// False, with nothing to check, when there are no children and none can be missing.
+bool DocumentChecker::Push(const Node& node, const Item* item, const Family* family)
+{
+    const std::size_t begin = m_pending.size();
+    node.GetOrderedElementList(m_pending);
+    if (m_pending.size() == begin && (item == nullptr || item->elements.empty())) {
+        return false;
+    }
+    m_frames.push_back({&node, item, family, begin, begin, m_pending.size(), 0, 0});
+    return true;
+}
+
+void DocumentChecker::Pop()
+{
+    const Frame frame = m_frames.back();
+    if (frame.item != nullptr) {
+        for (std::size_t index = 0; index < frame.item->elements.size(); ++index) {
+            const Item& item = frame.item->elements[index];
+            if (item.presence != Presence::Optional && Applies(item) &&
+                (frame.seen >> index & 1U) == 0) {
+                TellMissing(*frame.node, item, Code::MissingElement, "element");
+            }
+        }
+    }
+    m_frames.pop_back();
+    m_pending.resize(frame.begin);
+}
+
+bool DocumentChecker::Applies(const Item& item) const
+{
+    return (item.since.empty() || m_version >= item.since) &&
+           (item.until.empty() || m_version < item.until);
+}
+
+void DocumentChecker::CheckChild(const Node& child)
+{
+    Frame& frame = m_frames.back();
+    if (frame.family != nullptr) {
+        CheckEntity(child, *frame.family);
+    } else if (frame.item == nullptr) {
+        CheckUnknownContent(child);
+    } else if (const Item* const item = FindElement(frame, child)) {
+        CheckElement(child, *item);
+    }
+}
+
+// Finds what an element is and tells when it is nothing, or there for a second time.
+const Item* DocumentChecker::FindElement(Frame& frame, const Node& child)
+{
+    const std::vector<Item>& items = frame.item->elements;
+    const std::wstring_view name = child.Id();
+    bool otherVersion = false;
+    for (std::size_t step = 0; step < items.size(); ++step) {
+        std::size_t index = frame.likely + step;
+        index = index < items.size() ? index : index - items.size();
+        const Item& item = items[index];
+        if (item.name != name && !item.anyName) {
+            continue;
+        }
+        if (!Applies(item)) {
+            otherVersion = true;
+            continue;
+        }
+        frame.likely = item.repeats || index + 1 == items.size() ? index : index + 1;
+        const std::uint64_t bit = std::uint64_t{1} << index;
+        if ((frame.seen & bit) != 0 && !item.repeats) {
+            Tell(Severity::Warning, Code::DuplicateElement, child,
+                 "the element " + Quoted(name) + " stands twice; only the first is read");
+            return nullptr;
+        }
+        frame.seen |= bit;
+        return &item;
+    }
+    if (otherVersion) {
+        Tell(Severity::Warning, Code::OtherVersion, child,
+             "the element " + Quoted(name) + " is not read at the version of the document");
+    } else {
+        Tell(Severity::Warning, Code::UnknownElement, child,
+             "nothing reads the element " + Quoted(name));
+    }
+    return nullptr;
+}
+
+void DocumentChecker::CheckElement(const Node& node, const Item& item)
+{
+    CheckAttributes(node, item);
+    CheckText(node, item, TextOf(node), {});
+    if (item.kind == Kind::Reference) {
+        CheckReference(node, &item);
+    }
+    const Family* family = nullptr;
+    if (m_frames.size() == 2 && item.kind == Kind::Group) {
+        const auto found =
+            std::find_if(Families().begin(), Families().end(),
+                         [&item](const Family& entry) { return entry.element == item.name; });
+        family = found != Families().end() ? &*found : nullptr;
+    }
+    Push(node, &item, family);
+}
+
+void DocumentChecker::CheckEntity(const Node& entity, const Family& family)
+{
+    const Class& type = ClassOf(entity.Id());
+    if (type.lineage.empty()) {
+        Tell(Severity::Error, Code::UnknownClass, entity,
+             "no entity class belongs to the element " + Quoted(entity.Id()));
+        return;
+    }
+    if (!IsA(type, family.className)) {
+        Tell(Severity::Warning, Code::WrongRegistry, entity,
+             "a " + type.lineage.front() + " stands in the list of another family");
+    }
+    if (type.item != nullptr) {
+        CheckElement(entity, *type.item);
+        return;
+    }
+    if (!entity.HasAttribute(L"id")) {
+        Tell(Severity::Error, Code::MissingAttribute, entity, "the attribute \"id\" is missing");
+    }
+    Push(entity, nullptr, nullptr);
+}
+
+// Where the items are not known, an empty element with an identifier is a reference.
+void DocumentChecker::CheckUnknownContent(const Node& node)
+{
+    if (!Push(node, nullptr, nullptr) && node.HasAttribute(L"id")) {
+        CheckReference(node, nullptr);
+    }
+}
+
+void DocumentChecker::CheckAttributes(const Node& node, const Item& item)
+{
+    std::uint64_t seen = 0;
+    const std::vector<Item>& items = item.attributes;
+    for (std::size_t index = 0; index < node.GetAttributeCount(); ++index) {
+        const std::wstring_view name = node.GetAttributeId(index);
+        const auto found = std::find_if(items.begin(), items.end(),
+                                        [name](const Item& entry) { return entry.name == name; });
+        if (found == items.end()) {
+            Tell(Severity::Warning, Code::UnknownAttribute, node,
+                 "nothing reads the attribute " + Quoted(name), name);
+            continue;
+        }
+        seen |= std::uint64_t{1} << (found - items.begin());
+        if (!Applies(*found)) {
+            Tell(Severity::Warning, Code::OtherVersion, node,
+                 "the attribute " + Quoted(name) + " is not read at the version of the document",
+                 name);
+        } else if (found->kind != Kind::Text) {
+            std::wstring_view text;
+            node.GetAttribute(name, text);
+            CheckText(node, *found, text, name);
+        }
+    }
+    for (std::size_t index = 0; index < items.size(); ++index) {
+        const Item& entry = items[index];
+        if (entry.presence != Presence::Optional && (seen >> index & 1U) == 0 && Applies(entry)) {
+            TellMissing(node, entry, Code::MissingAttribute, "attribute");
+        }
+    }
+}
+
+void DocumentChecker::CheckText(const Node& node, const Item& item, std::wstring_view text,
+                                std::wstring_view attribute)
+{
+    Severity severity{};
+    std::string fault = FaultOf(item, text, severity);
+    if (!fault.empty()) {
+        const bool unread = item.kind == Kind::Group || item.kind == Kind::Reference;
+        Tell(severity, unread ? Code::UnexpectedText : Code::InvalidValue, node, std::move(fault),
+             attribute);
+    }
+}
+
+void DocumentChecker::CheckReference(const Node& node, const Item* item)
+{
+    std::wstring_view identifier;
+    if (!node.HasAttribute(L"id") || KARFailed(node.GetAttribute(L"id", identifier))) {
+        return;
+    }
+    const auto found = m_identifiers.find(identifier);
+    if (found == m_identifiers.end()) {
+        Tell(Severity::Error, Code::UnresolvedReference, node,
+             "no entity carries the identifier " + Quoted(identifier), L"id");
+        return;
+    }
+    const Class& type = *found->second.type;
+    if (item != nullptr && !type.lineage.empty() && !IsA(type, item->target)) {
+        Tell(Severity::Error, Code::WrongClass, node,
+             "the entity " + Quoted(identifier) + " is a " + type.lineage.front() + ", not a " +
+                 std::string(item->target),
+             L"id");
+    }
+}
+
+void DocumentChecker::TellMissing(const Node& node, const Item& item, Code code,
+                                  std::string_view what)
+{
+    std::string text = "the ";
+    text += what;
+    text += ' ';
+    text += Quoted(item.name);
+    text += " is missing";
+    Tell(item.presence == Presence::Required ? Severity::Error : Severity::Warning, code, node,
+         std::move(text));
+}
+
+void DocumentChecker::Tell(Severity severity, Code code, const Node& node, std::string text,
+                           std::wstring_view attribute)
+{
+    if (!m_messages.Full()) {
+        m_messages.Add(severity, code, std::move(text), Path(node, attribute), node.Line(),
+                       node.Column());
+    }
+}
+
+// The way to a node that the last frame holds or is.
+std::string DocumentChecker::Path(const Node& node, std::wstring_view attribute) const
+{
+    constexpr std::size_t longest = 64;
+    std::vector<const KARMPDeserializer*> way;
+    for (const Frame& frame : m_frames) {
+        way.push_back(frame.node);
+    }
+    if (way.empty() || way.back() != &node) {
+        way.push_back(&node);
+    }
+    std::string path;
+    for (std::size_t place = 0; place < way.size() && place < longest; ++place) {
+        path += '/';
+        AppendUtf8(path, way[place]->Id());
+        if (place == 0) {
+            continue;
+        }
+        KARMPDeserializer::ElementIterator begin = nullptr;
+        KARMPDeserializer::ElementIterator end = nullptr;
+        way[place - 1]->GetElements(way[place]->Id(), begin, end);
+        if (end - begin > 1) {
+            const auto number = std::find(begin, end, way[place]) - begin + 1;
+            path += '[' + std::to_string(number) + ']';
+        }
+    }
+    if (way.size() > longest) {
+        path += "/...";
+    }
+    if (!attribute.empty()) {
+        path += "/@";
+        AppendUtf8(path, attribute);
+    }
+    return path;
+}
+
+void Document::Check()
+{
+    if (m_root == nullptr) {
+        return;
+    }
+    documents::Messages messages(m_messages, m_name, m_limits.diagnostics);
+    try {
+        DocumentChecker(*m_root, messages).Run();
+    } catch (const std::bad_alloc&) {
+        messages.Error(Code::OutOfMemory, "memory ended while the document was checked");
+    }
+}
+
+} // namespace karmp::documents

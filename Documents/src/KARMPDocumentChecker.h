@@ -1,0 +1,89 @@
+// Compares the tree of a document with what the entity classes read.
+#pragma once
+
+#include "KARMPDocumentReader.h"
+#include "KARMPDocumentSchema.h"
+#include "KARMPMessages.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace karmp::documents {
+
+/// One run over one tree, in time and memory linear in it and without recursion.
+class DocumentChecker
+{
+public:
+    DocumentChecker(const KARMPDocumentReader& root, Messages& messages);
+    void Run();
+
+private:
+    using Node = KARMPDocumentReader;
+
+    /// What is known of the class that belongs to an element name.
+    struct Class
+    {
+        /// The class and those above it; empty when there is no such class.
+        std::vector<std::string> lineage;
+        const Item* item = nullptr;
+    };
+    struct Identified
+    {
+        const Node* node;
+        const Class* type;
+    };
+    /// How far the check of an element's children has come.
+    struct Frame
+    {
+        const Node* node;
+        /// Null below what is not known here.
+        const Item* item;
+        /// The family when the element is its list.
+        const Family* family;
+        /// The element's children among all pending ones.
+        std::size_t begin;
+        std::size_t next;
+        std::size_t end;
+        /// The item after the one found last, which mostly comes next.
+        std::size_t likely;
+        /// One bit for each of the item's elements.
+        std::uint64_t seen;
+    };
+
+    /// The first element of a name, without moving any walk.
+    static const KARMPDeserializer* First(const KARMPDeserializer& node, std::wstring_view name);
+    void CollectIdentifiers();
+    void Identify(const Node& entity);
+    const Class& ClassOf(std::wstring_view element);
+    static bool IsA(const Class& type, std::string_view className);
+
+    bool Push(const Node& node, const Item* item, const Family* family);
+    void Pop();
+    void CheckChild(const Node& child);
+    void CheckEntity(const Node& entity, const Family& family);
+    void CheckUnknownContent(const Node& node);
+    const Item* FindElement(Frame& frame, const Node& child);
+    bool Applies(const Item& item) const;
+    void CheckElement(const Node& node, const Item& item);
+    void CheckAttributes(const Node& node, const Item& item);
+    void CheckText(const Node& node, const Item& item, std::wstring_view text,
+                   std::wstring_view attribute);
+    void CheckReference(const Node& node, const Item* item);
+    void TellMissing(const Node& node, const Item& item, Code code, std::string_view what);
+    void Tell(Severity severity, Code code, const Node& node, std::string text,
+              std::wstring_view attribute = {});
+    std::string Path(const Node& node, std::wstring_view attribute) const;
+
+    const Node& m_root;
+    Messages& m_messages;
+    std::wstring m_version;
+    std::unordered_map<std::wstring_view, Class> m_classes;
+    std::unordered_map<std::wstring_view, Identified> m_identifiers;
+    std::vector<Frame> m_frames;
+    KARMPDeserializer::ElementList m_pending;
+};
+
+} // namespace karmp::documents
