@@ -1,0 +1,208 @@
+#include "KARMPDocuments.h"
+
+#include "KARMPFailedCheck.h"
+#include "KARMPFileAccess.h"
+#include "KARMPWorld.h"
+#include "QOBBasicWorld.h"
+#include "QOBException.h"
+
+#include <algorithm>
+#include <exception>
+#include <new>
+#include <ostream>
+#include <string_view>
+#include <utility>
+
+namespace karmp::documents {
+
+namespace {
+
+/// Turns the failed checks of this thread into messages.
+class CheckListener final : private KARMPFailedCheckListener
+{
+public:
+    /// `deed` says what the library was doing.
+    CheckListener(Messages& messages, std::string deed)
+        : m_messages(messages), m_deed(std::move(deed))
+    {}
+
+private:
+    void OnFailedCheck(const char* file, int line) override
+    {
+        const std::string_view path = file != nullptr ? file : "";
+        const std::string_view name = path.substr(path.find_last_of('/') + 1);
+        m_messages.Warning(Code::FailedCheck, "a check of the library failed while " + m_deed +
+                                                  ": " + std::string(name) + ':' +
+                                                  std::to_string(line));
+    }
+
+    Messages& m_messages;
+    std::string m_deed;
+};
+
+// Runs a part of an operation and turns every exception into a message. False after one.
+template <class Part>
+bool Guarded(Messages& messages, const std::string& deed, Part part)
+{
+    try {
+        part();
+        return true;
+    } catch (const QOBEInvalidCast&) {
+        messages.Error(Code::InvalidCast,
+                       "the library gave up while " + deed + ": a reference has a wrong class");
+    } catch (const std::bad_alloc&) {
+        messages.Error(Code::OutOfMemory, "memory ended while " + deed);
+    } catch (const std::exception& exception) {
+        messages.Error(Code::Failed, "the library gave up while " + deed + ": " + exception.what());
+    }
+    return false;
+}
+
+void NameMessages(Diagnostics& diagnostics, const std::string& name)
+{
+    for (Diagnostic& item : diagnostics.items) {
+        item.file = name;
+    }
+}
+
+// Appends a world's document to `bytes`.
+Diagnostics RenderWorld(const QOBSharedHandle<KARMPWorld>& world, const std::string& name,
+                        std::string& bytes, const SaveOptions& options)
+{
+    Diagnostics diagnostics;
+    Messages messages(diagnostics, name, options.limits.diagnostics);
+    const auto& known = KnownVersions();
+    if (std::find(known.begin(), known.end(), options.version) == known.end()) {
+        messages.Error(Code::UnknownVersion, "the version to save for is not known");
+        return diagnostics;
+    }
+    if (!world) {
+        messages.Error(Code::Failed, "there is no world to save");
+        return diagnostics;
+    }
+    const std::string deed = "the world was written";
+    Guarded(messages, deed, [&] {
+        KARMPDocumentWriter root(options.version, options.doubles);
+        {
+            const CheckListener listener(messages, deed);
+            if (KARFailed(world->Serialize(&root))) {
+                messages.Error(Code::Failed, "the world could not be written");
+                return;
+            }
+        }
+        Diagnostics rendered = root.RenderXml(bytes, options.limits);
+        NameMessages(rendered, name);
+        std::move(rendered.items.begin(), rendered.items.end(),
+                  std::back_inserter(diagnostics.items));
+    });
+    return diagnostics;
+}
+
+LoadResult LoadDocument(Document document, const LoadOptions& options,
+                        const QOBSharedHandle<KARMPWorld>& into)
+{
+    LoadResult result;
+    result.version = document.Version();
+    if (options.check && document.Root() != nullptr) {
+        document.Check();
+    }
+    result.diagnostics = document.Messages();
+    if (document.Root() == nullptr) {
+        return result;
+    }
+    Messages messages(result.diagnostics, document.Name(), options.limits.diagnostics);
+    const std::string deed = "the world was read";
+    Guarded(messages, deed, [&] {
+        result.world = into ? into : KARMPWorld::create(QOBBasicWorld::create(L"World"));
+        const CheckListener listener(messages, deed);
+        if (KARFailed(result.world->Deserialize(document.Root()))) {
+            messages.Error(Code::Failed, "the document holds no world", "/KARMPDocument",
+                           document.Root()->Line(), document.Root()->Column());
+        }
+    });
+    return result;
+}
+
+} // namespace
+
+const std::vector<std::wstring_view>& KnownVersions()
+{
+    static const std::vector<std::wstring_view> versions{R2015x_0, R2016_0, R2016_1, R2017_0,
+                                                         R2017_1,  R2018_0, R2018_1};
+    return versions;
+}
+
+Diagnostics SaveFile(const QOBSharedHandle<KARMPWorld>& world, const std::filesystem::path& path,
+                     const SaveOptions& options)
+{
+    std::string bytes;
+    Diagnostics diagnostics = RenderWorld(world, path.string(), bytes, options);
+    if (!diagnostics.HasErrors()) {
+        Messages messages(diagnostics, path.string(), options.limits.diagnostics);
+        Guarded(messages, "the file was written", [&] { WriteWholeFile(path, bytes, messages); });
+    }
+    return diagnostics;
+}
+
+Diagnostics SaveText(const QOBSharedHandle<KARMPWorld>& world, std::string& text,
+                     const SaveOptions& options)
+{
+    std::string bytes;
+    Diagnostics diagnostics = RenderWorld(world, {}, bytes, options);
+    if (!diagnostics.HasErrors()) {
+        text = std::move(bytes);
+    }
+    return diagnostics;
+}
+
+Diagnostics SaveStream(const QOBSharedHandle<KARMPWorld>& world, std::ostream& stream,
+                       const SaveOptions& options)
+{
+    std::string bytes;
+    Diagnostics diagnostics = SaveText(world, bytes, options);
+    if (!diagnostics.HasErrors()) {
+        Messages messages(diagnostics, {}, options.limits.diagnostics);
+        Guarded(messages, "the stream was written", [&] {
+            stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+            if (!stream.flush()) {
+                messages.Error(Code::CannotWrite, "cannot write to the stream");
+            }
+        });
+    }
+    return diagnostics;
+}
+
+LoadResult LoadFile(const std::filesystem::path& path, const LoadOptions& options,
+                    const QOBSharedHandle<KARMPWorld>& into)
+{
+    return LoadDocument(Document::ReadFile(path, options.limits), options, into);
+}
+
+LoadResult LoadText(std::string text, const std::string& name, const LoadOptions& options,
+                    const QOBSharedHandle<KARMPWorld>& into)
+{
+    return LoadDocument(Document::ReadText(std::move(text), name, options.limits), options, into);
+}
+
+LoadResult LoadUntrusted(std::string_view bytes)
+{
+    LoadOptions options;
+    options.limits = Limits::Tight();
+    return LoadText(std::string(bytes), "<untrusted>", options);
+}
+
+Diagnostics CheckFile(const std::filesystem::path& path, const Limits& limits)
+{
+    Document document = Document::ReadFile(path, limits);
+    document.Check();
+    return document.Messages();
+}
+
+Diagnostics CheckText(std::string text, const std::string& name, const Limits& limits)
+{
+    Document document = Document::ReadText(std::move(text), name, limits);
+    document.Check();
+    return document.Messages();
+}
+
+} // namespace karmp::documents

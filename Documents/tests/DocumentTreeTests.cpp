@@ -1,0 +1,390 @@
+// The tree in its text form: layout, what comes back, what is refused.
+#include "KARMPDocumentReader.h"
+#include "KARMPDocumentWriter.h"
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <cmath>
+#include <limits>
+#include <string>
+#include <vector>
+
+using namespace karmp::documents;
+
+namespace {
+
+// The text of a tree, which must render without messages.
+std::string TextOf(const KARMPDocumentWriter& root)
+{
+    std::string text;
+    const Diagnostics diagnostics = root.RenderXml(text);
+    for (const Diagnostic& item : diagnostics.items) {
+        ADD_FAILURE() << Format(item);
+    }
+    return text;
+}
+
+// The document of a text, which must parse without messages.
+Document Parsed(const std::string& text)
+{
+    Document document = Document::ReadText(text);
+    for (const Diagnostic& item : document.Messages().items) {
+        ADD_FAILURE() << Format(item);
+    }
+    return document;
+}
+
+KARMPSerializer* Add(KARMPSerializer& parent, std::wstring_view name)
+{
+    KARMPSerializer* child = nullptr;
+    parent.AddElement(name, child);
+    return child;
+}
+
+template <class Value>
+KARMPSerializer* Add(KARMPSerializer& parent, std::wstring_view name, const Value& value)
+{
+    KARMPSerializer* child = nullptr;
+    parent.AddElement(name, child, value);
+    return child;
+}
+
+// What becomes of a text as an attribute and as an element's value.
+void ExpectTextComesBack(const std::wstring& text)
+{
+    KARMPDocumentWriter root;
+    Add(root, L"Leaf", text)->AddAttribute(L"text", text);
+    KARMPSerializer* const parent = Add(root, L"Parent", text);
+    Add(*parent, L"Child", 1);
+    const std::string bytes = TextOf(root);
+
+    const Document document = Parsed(bytes);
+    ASSERT_NE(document.Root(), nullptr) << bytes;
+    const KARMPDeserializer* node = nullptr;
+    std::wstring read;
+    EXPECT_EQ(document.Root()->GetElement(L"Leaf", node, read), KARSuccess) << bytes;
+    EXPECT_EQ(read, text) << bytes;
+    EXPECT_EQ(node->GetAttribute(L"text", read), KARSuccess);
+    EXPECT_EQ(read, text) << bytes;
+    if (!text.empty()) {
+        EXPECT_EQ(document.Root()->GetElement(L"Parent", node, read), KARSuccess) << bytes;
+        EXPECT_EQ(read, text) << bytes;
+    }
+}
+
+} // namespace
+
+TEST(DocumentTree, IsIndentedByOneBlankALevelWithNumbersOfAGroupOnOneLine)
+{
+    KARMPDocumentWriter root(L"R2017.0");
+    KARMPSerializer* const world = Add(root, L"World");
+    world->AddAttribute(L"linear_tolerance", 0.001);
+    world->AddAttribute(L"angular_tolerance", 1e-09);
+    KARMPSerializer* const origin = Add(*world, L"Origin");
+    Add(*origin, L"Ox", 0.0);
+    Add(*origin, L"Oy", -2.5);
+    Add(*origin, L"Oz", 3);
+    KARMPSerializer* const body = Add(*Add(*world, L"Bodies"), L"Body");
+    body->AddAttribute(L"floating", false);
+    Add(*body, L"OutOfWorld", true);
+    Add(*body, L"Empty");
+    EXPECT_EQ(TextOf(root), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                            "<KARMPDocument version=\"R2017.0\">\n"
+                            " <World linear_tolerance=\"0.001\" angular_tolerance=\"1e-09\">\n"
+                            "  <Origin><Ox>0</Ox><Oy>-2.5</Oy><Oz>3</Oz></Origin>\n"
+                            "  <Bodies>\n"
+                            "   <Body floating=\"false\">\n"
+                            "    <OutOfWorld>true</OutOfWorld>\n"
+                            "    <Empty/>\n"
+                            "   </Body>\n"
+                            "  </Bodies>\n"
+                            " </World>\n"
+                            "</KARMPDocument>\n");
+}
+
+TEST(DocumentTree, EveryTextComesBackAsItWas)
+{
+    const std::vector<std::wstring> texts{
+        L"",
+        L" ",
+        L"   ",
+        L"\t",
+        L"\n",
+        L"\r",
+        L"\r\n",
+        L" a ",
+        L"\ta\n",
+        L"a\tb\nc\rd",
+        L"a  b",
+        L"<&>\"'",
+        L"]]>",
+        L"&amp;",
+        L"&#32;",
+        L"<!-- no comment -->",
+        L"C:\\dir\\x\\{}",
+        L"\\",
+        L"\\\\",
+        L"\\x",
+        L"\\x{",
+        L"\\x{41}",
+        L"\\x{zz}",
+        L"\\\\x{41}",
+        L"\\x{5C}x{41}",
+        L"\xE4\xF6\xFC \x20AC \x1F600",
+        std::wstring(L"a\0b", 3),
+        L"\x01\x08\x0B\x0C\x0E\x1F\x7F\x85",
+        L"\x2028\xFEFF\xFFFD",
+        L"\xFFFE\xFFFF",
+    };
+    for (const std::wstring& text : texts) {
+        ExpectTextComesBack(text);
+    }
+}
+
+TEST(DocumentTree, ValuesThatAreNoCharacterComeBackAsTheyWere)
+{
+    std::wstring text = L"a";
+    text += static_cast<wchar_t>(0xD800);
+    text += static_cast<wchar_t>(0xDFFF);
+    text += L"b";
+    if constexpr (sizeof(wchar_t) == 4) {
+        text += static_cast<wchar_t>(0x110000);
+        text += static_cast<wchar_t>(0xFFFFFFFFU);
+        text += static_cast<wchar_t>(0x80000000U);
+    }
+    ExpectTextComesBack(text);
+}
+
+TEST(DocumentTree, EveryDoubleComesBackWithAllItsBits)
+{
+    const std::vector<double> values{0.0,
+                                     -0.0,
+                                     1.0 / 3.0,
+                                     1e-13,
+                                     -1e-300,
+                                     5e-324,
+                                     1.7976931348623157e308,
+                                     0.1 + 0.2,
+                                     std::numeric_limits<double>::infinity()};
+    for (const double value : values) {
+        KARMPDocumentWriter root(karmp::CurrentVersion, Doubles::Exact);
+        Add(root, L"Value", value)->AddAttribute(L"value", value);
+        const Document document = Parsed(TextOf(root));
+        const KARMPDeserializer* node = nullptr;
+        double read = -1;
+        EXPECT_EQ(document.Root()->GetElement(L"Value", node, read), KARSuccess);
+        EXPECT_EQ(read, value);
+        EXPECT_EQ(std::signbit(read), std::signbit(value));
+        read = -1;
+        EXPECT_EQ(node->GetAttribute(L"value", read), KARSuccess);
+        EXPECT_EQ(read, value);
+    }
+}
+
+TEST(DocumentTree, KeepsDoublesExactOnlyWhenToldTo)
+{
+    KARMPDocumentWriter snapped;
+    Add(*Add(snapped, L"Group"), L"Value", 1e-13);
+    EXPECT_NE(TextOf(snapped).find("<Value>0</Value>"), std::string::npos);
+    KARMPDocumentWriter exact(karmp::CurrentVersion, Doubles::Exact);
+    Add(*Add(exact, L"Group"), L"Value", 1e-13);
+    EXPECT_NE(TextOf(exact).find("<Value>1e-13</Value>"), std::string::npos);
+}
+
+TEST(DocumentTree, EveryNodeHasTheVersionOfTheRoot)
+{
+    KARMPDocumentWriter root(L"R2016.1");
+    Add(*Add(*Add(root, L"World"), L"Bodies"), L"Body");
+    const Document document = Parsed(TextOf(root));
+    EXPECT_EQ(document.Version(), L"R2016.1");
+    KARMPDeserializer::ElementList nodes{document.Root()};
+    for (std::size_t index = 0; index < nodes.size(); ++index) {
+        EXPECT_EQ(nodes[index]->Version(), L"R2016.1");
+        const auto* const node = nodes[index];
+        node->GetOrderedElementList(nodes);
+    }
+    EXPECT_EQ(nodes.size(), 4U);
+}
+
+TEST(DocumentTree, NodesKnowTheirPlaceInTheSource)
+{
+    const Document document = Parsed("<KARMPDocument version=\"R2018.1\">\n <A\n  b='1'>\n"
+                                     "\n  <B/><C>x</C></A>\n</KARMPDocument>");
+    const KARMPDeserializer* a = nullptr;
+    const KARMPDeserializer* c = nullptr;
+    document.Root()->GetElement(L"A", a);
+    a->GetElement(L"C", c);
+    EXPECT_EQ(document.Root()->Location(), L"1:2");
+    EXPECT_EQ(a->Location(), L"2:3");
+    EXPECT_EQ(c->Location(), L"5:8");
+}
+
+TEST(DocumentTree, TextBesideElementsLosesItsIndentation)
+{
+    const Document document = Parsed("<KARMPDocument version=\"R2018.1\">\n one\n <A> b </A>\n "
+                                     "two\n<![CDATA[ & ]]></KARMPDocument>");
+    std::wstring text;
+    EXPECT_EQ(document.Root()->GetValue(text), KARSuccess);
+    EXPECT_EQ(text, L"onetwo & ");
+    const KARMPDeserializer* a = nullptr;
+    EXPECT_EQ(document.Root()->GetElement(L"A", a, text), KARSuccess);
+    EXPECT_EQ(text, L" b ");
+}
+
+TEST(DocumentTree, LineEndsOfOtherSystemsAreReadAsXmlWants)
+{
+    const Document document =
+        Parsed("<KARMPDocument version=\"R2018.1\">\r\n<A t=\"a\r\nb\tc\">a\r\nb\rc</A>\r\n"
+               "</KARMPDocument>\r\n");
+    const KARMPDeserializer* a = nullptr;
+    std::wstring text;
+    document.Root()->GetElement(L"A", a, text);
+    EXPECT_EQ(text, L"a\nb\nc");
+    a->GetAttribute(L"t", text);
+    EXPECT_EQ(text, L"a b c");
+    EXPECT_EQ(a->Location(), L"2:2");
+}
+
+TEST(DocumentTree, AByteOrderMarkAndCommentsAreSkipped)
+{
+    const Document document =
+        Parsed("\xEF\xBB\xBF<?xml version=\"1.0\" encoding=\"utf-8\"?><!-- a -->"
+               "<KARMPDocument version=\"R2018.1\"><A>x<!-- y -->z<?p i?></A></KARMPDocument>\n");
+    const KARMPDeserializer* a = nullptr;
+    std::wstring text;
+    document.Root()->GetElement(L"A", a, text);
+    EXPECT_EQ(text, L"xz");
+}
+
+TEST(DocumentTree, IsTheSameInEveryLocale)
+{
+    KARMPDocumentWriter root;
+    Add(root, L"Value", 1234.5)->AddAttribute(L"half", 0.5);
+    Add(root, L"Text", std::wstring(L"\xE4\x20AC"));
+    const std::string before = TextOf(root);
+    std::string locale = std::setlocale(LC_ALL, nullptr);
+    for (const char* name : {"de_DE.UTF-8", "fr_FR.UTF-8", "C.UTF-8"}) {
+        if (std::setlocale(LC_ALL, name) != nullptr) {
+            EXPECT_EQ(TextOf(root), before);
+            const Document document = Parsed(before);
+            const KARMPDeserializer* node = nullptr;
+            double value = 0;
+            EXPECT_EQ(document.Root()->GetElement(L"Value", node, value), KARSuccess);
+            EXPECT_EQ(value, 1234.5);
+        }
+    }
+    std::setlocale(LC_ALL, locale.c_str());
+    EXPECT_NE(before.find("<Value half=\"0.5\">1234.5</Value>"), std::string::npos);
+}
+
+TEST(DocumentTree, ManyLevelsTakeNoStack)
+{
+    constexpr int depth = 9'000;
+    KARMPDocumentWriter root;
+    KARMPSerializer* node = &root;
+    for (int level = 0; level < depth; ++level) {
+        node = Add(*node, L"A");
+    }
+    const std::string text = TextOf(root);
+    EXPECT_LT(text.size(), 2'200'000U);
+    const Document document = Parsed(text);
+    const KARMPDeserializer* walk = document.Root();
+    int found = -1;
+    while (walk != nullptr) {
+        const KARMPDeserializer* const parent = walk;
+        parent->GetElement(L"A", walk);
+        ++found;
+    }
+    EXPECT_EQ(found, depth);
+}
+
+TEST(DocumentTree, ANameThatIsNoXmlNameIsNotWritten)
+{
+    for (const std::wstring name : {L"a b", L"1a", L"-", L"a\n", L"<", L"a&b", L"\xD7"}) {
+        KARMPDocumentWriter root;
+        Add(*Add(root, L"World"), name);
+        std::string text = "before";
+        const Diagnostics diagnostics = root.RenderXml(text);
+        const Diagnostic* const item = diagnostics.Find(Code::InvalidName);
+        ASSERT_NE(item, nullptr);
+        EXPECT_EQ(item->severity, Severity::Error);
+        EXPECT_TRUE(item->path.starts_with("/KARMPDocument/World/")) << item->path;
+        EXPECT_EQ(text, "before");
+    }
+    KARMPDocumentWriter root;
+    Add(*Add(root, L"A"), L"B");
+    Add(root, L"A")->AddAttribute(L"b c", 1);
+    std::string text;
+    const Diagnostics diagnostics = root.RenderXml(text);
+    ASSERT_EQ(diagnostics.items.size(), 1U);
+    EXPECT_EQ(diagnostics.items[0].text, "the attribute name \"b c\" is no XML name");
+    EXPECT_EQ(diagnostics.items[0].path, "/KARMPDocument/A[2]");
+}
+
+TEST(DocumentTree, NamesOfAllAlphabetsComeBack)
+{
+    const std::wstring name = L"K\xF6rper.1-\x4E2D_:x";
+    KARMPDocumentWriter root;
+    Add(root, name)->AddAttribute(name, 1);
+    const Document document = Parsed(TextOf(root));
+    ASSERT_TRUE(document.Root()->HasElement(name));
+    const KARMPDeserializer* node = nullptr;
+    document.Root()->GetElement(name, node);
+    EXPECT_EQ(node->Id(), name);
+    EXPECT_TRUE(node->HasAttribute(name));
+}
+
+TEST(DocumentTree, AnAttributeThatStandsTwiceIsNotWritten)
+{
+    for (const int others : {0, 5, 20}) {
+        KARMPDocumentWriter root;
+        KARMPSerializer* const node = Add(root, L"A");
+        node->AddAttribute(L"twice", 1);
+        for (int other = 0; other < others; ++other) {
+            node->AddAttribute(L"a" + std::to_wstring(other), other);
+        }
+        std::string text;
+        EXPECT_FALSE(root.RenderXml(text).HasErrors());
+        node->AddAttribute(L"twice", 2);
+        text.clear();
+        const Diagnostics diagnostics = root.RenderXml(text);
+        ASSERT_EQ(diagnostics.items.size(), 1U);
+        EXPECT_EQ(diagnostics.items[0].code, Code::DuplicateAttribute);
+        EXPECT_EQ(diagnostics.items[0].path, "/KARMPDocument/A");
+        EXPECT_EQ(text, "");
+    }
+    KARMPDocumentWriter root;
+    root.AddAttribute(L"version", L"R2016.0");
+    std::string text;
+    EXPECT_NE(root.RenderXml(text).Find(Code::DuplicateAttribute), nullptr);
+}
+
+TEST(DocumentTree, WhatExceedsTheReadersLimitsIsNotWritten)
+{
+    KARMPDocumentWriter root;
+    Add(*Add(root, L"A"), L"Bcd");
+    std::string text;
+    Limits limits;
+    limits.depth = 2;
+    EXPECT_NE(root.RenderXml(text, limits).Find(Code::TooDeep), nullptr);
+    limits = {};
+    limits.nameLength = 2;
+    EXPECT_NE(root.RenderXml(text, limits).Find(Code::NameTooLong), nullptr);
+    limits = {};
+    limits.bytes = 50;
+    EXPECT_NE(root.RenderXml(text, limits).Find(Code::TooLarge), nullptr);
+    EXPECT_EQ(text, "");
+}
+
+TEST(DocumentTree, ASubtreeRendersAsItsElement)
+{
+    KARMPDocumentWriter root;
+    KARMPSerializer* const node = Add(root, L"A", std::wstring(L"\x20AC"));
+    std::wstring text = L"-";
+    EXPECT_EQ(node->Render(text), KARSuccess);
+    EXPECT_EQ(text, L"-<A>\x20AC</A>\n");
+    Add(*node, L"no name");
+    EXPECT_EQ(node->Render(text), KARFailure);
+    EXPECT_EQ(text, L"-<A>\x20AC</A>\n");
+}
