@@ -4,6 +4,7 @@ karmp_process_test(
     NO_MP_NAME_FOR_SERIALIZATION=0
 )
 karmp_process_test(KARMPSerializationTests SerializerProcess.TheNameVariableIsReadOnce)
+karmp_process_test(KARMPSerializationTests SerializerProcess.AChildWithANumberCostsOneAllocation)
 karmp_process_test(
     KARMPSerializationTests SerializerProcess.ThePrecisionVariableKeepsDoublesAsTheyAre
     SERIALIZATION_PRECISION=
