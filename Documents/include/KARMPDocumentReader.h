@@ -12,9 +12,11 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace karmp::documents {
 
+class Document;
 class NodeArena;
 class TreeBuilder;
 
@@ -42,6 +44,7 @@ public:
     static void operator delete(void* memory);
 
 private:
+    friend class karmp::documents::Document;
     friend class karmp::documents::TreeBuilder;
     KARMPDocumentReader(std::uint32_t line, std::uint32_t column);
 
@@ -81,6 +84,10 @@ public:
     /// carried twice, references to nothing or to a wrong class.
     void Check();
 
+    /// Makes the references to a wrong class, those that Check found, lead to nothing, so that the
+    /// entity classes skip them instead of giving up on the whole document.
+    void DropWrongReferences();
+
 private:
     friend class TreeBuilder;
     Document(std::string name, const Limits& limits);
@@ -91,6 +98,8 @@ private:
     std::wstring m_version;
     Limits m_limits;
     Diagnostics m_messages;
+    std::vector<KARMPDocumentReader*> m_wrongReferences;
+    std::wstring m_unusedIdentifier;
 };
 
 } // namespace karmp::documents

@@ -36,8 +36,8 @@ public:
         karmp::documents::Doubles doubles = karmp::documents::Doubles::Snapped);
     ~KARMPDocumentWriter() override;
 
-    /// Appends the rendered form to `text`; KARFailure, with `text` unchanged, where RenderXml
-    /// fails.
+    /// Appends the rendered form to `text`; KARFailure or KAROutOfMemory, with `text` unchanged,
+    /// where RenderXml fails.
     KARStatus Render(std::wstring& text) const override;
     /// Saves the rendered form as SaveXml does, at the default limits.
     KARStatus Save(const char* path) const override;

@@ -434,6 +434,7 @@ void DocumentChecker::CheckReference(const Node& node, const Item* item)
              "the entity " + Quoted(identifier) + " is a " + type.lineage.front() + ", not a " +
                  std::string(item->target),
              L"id");
+        m_wrongReferences.push_back(&node);
     }
 }
 
@@ -494,6 +495,15 @@ std::string DocumentChecker::Path(const Node& node, std::wstring_view attribute)
     return path;
 }
 
+std::wstring DocumentChecker::UnusedIdentifier() const
+{
+    std::wstring identifier = L"none";
+    while (m_identifiers.find(identifier) != m_identifiers.end()) {
+        identifier += L'_';
+    }
+    return identifier;
+}
+
 void Document::Check()
 {
     if (m_root == nullptr) {
@@ -501,10 +511,24 @@ void Document::Check()
     }
     documents::Messages messages(m_messages, m_name, m_limits.diagnostics);
     try {
-        DocumentChecker(*m_root, messages).Run();
+        DocumentChecker checker(*m_root, messages);
+        checker.Run();
+        m_wrongReferences.clear();
+        for (const KARMPDocumentReader* node : checker.WrongReferences()) {
+            m_wrongReferences.push_back(const_cast<KARMPDocumentReader*>(node));
+        }
+        m_unusedIdentifier = checker.UnusedIdentifier();
     } catch (const std::bad_alloc&) {
         messages.Error(Code::OutOfMemory, "memory ended while the document was checked");
     }
+}
+
+void Document::DropWrongReferences()
+{
+    for (KARMPDocumentReader* node : m_wrongReferences) {
+        node->AddAttributeValue(L"id", m_unusedIdentifier);
+    }
+    m_wrongReferences.clear();
 }
 
 } // namespace karmp::documents

@@ -20,6 +20,14 @@ public:
     DocumentChecker(const KARMPDocumentReader& root, Messages& messages);
     void Run();
 
+    /// The references to entities of a wrong class.
+    const std::vector<const KARMPDocumentReader*>& WrongReferences() const
+    {
+        return m_wrongReferences;
+    }
+    /// An identifier that no entity carries.
+    std::wstring UnusedIdentifier() const;
+
 private:
     using Node = KARMPDocumentReader;
 
@@ -82,6 +90,7 @@ private:
     std::wstring m_version;
     std::unordered_map<std::wstring_view, Class> m_classes;
     std::unordered_map<std::wstring_view, Identified> m_identifiers;
+    std::vector<const Node*> m_wrongReferences;
     std::vector<Frame> m_frames;
     KARMPDeserializer::ElementList m_pending;
 };

@@ -47,7 +47,9 @@ Document::Document(Document&& other) noexcept
       m_name(std::move(other.m_name)),
       m_version(std::move(other.m_version)),
       m_limits(other.m_limits),
-      m_messages(std::move(other.m_messages))
+      m_messages(std::move(other.m_messages)),
+      m_wrongReferences(std::move(other.m_wrongReferences)),
+      m_unusedIdentifier(std::move(other.m_unusedIdentifier))
 {}
 
 Document& Document::operator=(Document&& other) noexcept
@@ -60,6 +62,8 @@ Document& Document::operator=(Document&& other) noexcept
         m_version = std::move(other.m_version);
         m_limits = other.m_limits;
         m_messages = std::move(other.m_messages);
+        m_wrongReferences = std::move(other.m_wrongReferences);
+        m_unusedIdentifier = std::move(other.m_unusedIdentifier);
     }
     return *this;
 }

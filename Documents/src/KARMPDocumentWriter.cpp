@@ -4,6 +4,7 @@
 #include "KARMPXmlRenderer.h"
 #include "KARTextConversion.h"
 
+#include <exception>
 #include <new>
 #include <stdexcept>
 #include <utility>
@@ -56,7 +57,12 @@ Diagnostics KARMPDocumentWriter::SaveXml(const std::filesystem::path& path,
     }
     if (!diagnostics.HasErrors()) {
         Messages messages(diagnostics, path.string(), limits.diagnostics);
-        karmp::documents::WriteWholeFile(path, bytes, messages);
+        try {
+            karmp::documents::WriteWholeFile(path, bytes, messages);
+        } catch (const std::exception& exception) {
+            messages.Error(Code::CannotWrite,
+                           std::string("cannot write the file: ") + exception.what());
+        }
     }
     return diagnostics;
 }
@@ -67,7 +73,11 @@ KARStatus KARMPDocumentWriter::Render(std::wstring& text) const
     if (RenderXml(bytes).HasErrors()) {
         return KARFailure;
     }
-    text += kar::ToWide(bytes);
+    try {
+        text += kar::ToWide(bytes);
+    } catch (const std::bad_alloc&) {
+        return KAROutOfMemory;
+    }
     return KARSuccess;
 }
 

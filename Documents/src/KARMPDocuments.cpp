@@ -1,5 +1,6 @@
 #include "KARMPDocuments.h"
 
+#include "KARMPDocumentNames.h"
 #include "KARMPFailedCheck.h"
 #include "KARMPFileAccess.h"
 #include "KARMPWorld.h"
@@ -98,28 +99,50 @@ Diagnostics RenderWorld(const QOBSharedHandle<KARMPWorld>& world, const std::str
     return diagnostics;
 }
 
+// Reads a tree into `into` or a new world. False when the library gave up on a reference.
+bool ReadWorld(const Document& document, const QOBSharedHandle<KARMPWorld>& into,
+               LoadResult& result, Messages& messages)
+{
+    const std::string deed = "the world was read";
+    bool castFailed = false;
+    Guarded(messages, deed, [&] {
+        result.world = into ? into : KARMPWorld::create(QOBBasicWorld::create(L"World"));
+        const CheckListener listener(messages, deed);
+        try {
+            if (KARFailed(result.world->Deserialize(document.Root()))) {
+                messages.Error(Code::Failed, "the document holds no world",
+                               '/' + std::string(RootName), document.Root()->Line(),
+                               document.Root()->Column());
+            }
+        } catch (const QOBEInvalidCast&) {
+            castFailed = true;
+            throw;
+        }
+    });
+    return !castFailed;
+}
+
 LoadResult LoadDocument(Document document, const LoadOptions& options,
                         const QOBSharedHandle<KARMPWorld>& into)
 {
     LoadResult result;
     result.version = document.Version();
-    if (options.check && document.Root() != nullptr) {
-        document.Check();
-    }
-    result.diagnostics = document.Messages();
     if (document.Root() == nullptr) {
+        result.diagnostics = document.Messages();
         return result;
     }
+    if (options.check) {
+        document.Check();
+        document.DropWrongReferences();
+    }
+    result.diagnostics = document.Messages();
     Messages messages(result.diagnostics, document.Name(), options.limits.diagnostics);
-    const std::string deed = "the world was read";
-    Guarded(messages, deed, [&] {
-        result.world = into ? into : KARMPWorld::create(QOBBasicWorld::create(L"World"));
-        const CheckListener listener(messages, deed);
-        if (KARFailed(result.world->Deserialize(document.Root()))) {
-            messages.Error(Code::Failed, "the document holds no world", "/KARMPDocument",
-                           document.Root()->Line(), document.Root()->Column());
-        }
-    });
+    // What the library gave up on is found by a check, and a new world can be begun again.
+    if (!ReadWorld(document, into, result, messages) && !options.check && !into) {
+        document.Check();
+        document.DropWrongReferences();
+        ReadWorld(document, into, result, messages);
+    }
     return result;
 }
 

@@ -28,6 +28,11 @@ bool IsBlank(std::string_view text)
     return text.find_first_not_of(Blanks) == std::string_view::npos;
 }
 
+std::size_t LeadingBlanks(std::string_view text)
+{
+    return std::min(text.find_first_not_of(Blanks), text.size());
+}
+
 std::string_view Trimmed(std::string_view text)
 {
     const std::size_t first = text.find_first_not_of(Blanks);
@@ -221,7 +226,7 @@ bool TreeBuilder::FindRoot(SourceText& lines, pugi::xml_node& root)
             break;
         default:
             return Fail(Code::Syntax, "there is text outside the root element",
-                        place(node.value()));
+                        place(node.value() + LeadingBlanks(node.value())));
         }
     }
     if (!root) {

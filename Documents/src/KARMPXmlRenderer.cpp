@@ -16,8 +16,8 @@ using Type = KARMPSerializationVariable::Type;
 
 // Deeper elements are not indented further, so that the text of a deep tree stays linear.
 constexpr std::size_t DeepestIndentation = 100;
-// A matrix is the largest group of numbers on one line.
-constexpr std::size_t LargestGroup = 9;
+// An axis system is the largest group of numbers on one line.
+constexpr std::size_t LargestGroup = 12;
 // Up to this many attributes are compared by pairs.
 constexpr std::size_t FewAttributes = 8;
 

@@ -1,0 +1,292 @@
+// Worlds through documents, and what a check finds in them.
+#include "KARMPDocuments.h"
+
+#include "KARMPBody.h"
+#include "KARMPConstant.h"
+#include "KARMPFailedCheck.h"
+#include "KARMPTestFixture.h"
+#include "KARMPValue.h"
+#include "KARMPWorld.h"
+#include "QOBBasicWorld.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+
+using namespace karmp::documents;
+
+namespace {
+
+class WorldDocument : public KARMPTestFixture
+{
+protected:
+    WorldDocument() : m_world(KARMPWorld::create(QOBBasicWorld::create(L"World"))) {}
+
+    static void ExpectNothing(const Diagnostics& diagnostics)
+    {
+        for (const Diagnostic& item : diagnostics.items) {
+            ADD_FAILURE() << Format(item);
+        }
+    }
+    std::string Saved(const SaveOptions& options = {})
+    {
+        std::string text;
+        ExpectNothing(SaveText(m_world, text, options));
+        return text;
+    }
+    // What stands behind `start` up to the quote.
+    static std::string IdentifierIn(const std::string& text, const std::string& start)
+    {
+        const std::size_t place = text.find(start) + start.size();
+        return text.substr(place, text.find('"', place) - place);
+    }
+    // The document with `from` replaced at its first place.
+    std::string Changed(const std::string& from, const std::string& to)
+    {
+        std::string text = Saved();
+        const std::size_t place = text.find(from);
+        EXPECT_NE(place, std::string::npos) << from;
+        return place == std::string::npos ? text : text.replace(place, from.size(), to);
+    }
+    // The one message of a check.
+    static void ExpectMessage(const Diagnostics& diagnostics, Code code, Severity severity,
+                              const std::string& path)
+    {
+        for (const Diagnostic& item : diagnostics.items) {
+            if (item.code == code && item.path == path) {
+                EXPECT_EQ(item.severity, severity) << Format(item);
+                EXPECT_NE(item.line, 0U);
+                EXPECT_NE(item.column, 0U);
+                EXPECT_EQ(diagnostics.items.size(), 1U) << Format(diagnostics.items[1]);
+                return;
+            }
+        }
+        ADD_FAILURE() << "no " << CodeText(code) << " at " << path;
+        for (const Diagnostic& item : diagnostics.items) {
+            ADD_FAILURE() << Format(item);
+        }
+    }
+    void ExpectFound(const std::string& from, const std::string& to, Code code, Severity severity,
+                     const std::string& path)
+    {
+        ExpectMessage(CheckText(Changed(from, to)), code, severity, path);
+    }
+
+    QOBSharedHandle<KARMPWorld> m_world;
+};
+
+const std::string WorldPath = "/KARMPDocument/World";
+const std::string BodyPath = WorldPath + "/Bodies/Body";
+
+} // namespace
+
+TEST_F(WorldDocument, ComesBackTheSameInEveryVersion)
+{
+    m_world->SetLinearTolerance(0.25);
+    m_world->Add(KARMPBody::create(L"Arm \x20AC & \"<\n"));
+    for (const std::wstring_view version : KnownVersions()) {
+        SaveOptions options;
+        options.version = version;
+        const std::string text = Saved(options);
+        const LoadResult result = LoadText(text);
+        ExpectNothing(result.diagnostics);
+        ASSERT_TRUE(result.world);
+        EXPECT_EQ(result.version, version);
+        EXPECT_EQ(result.world->GetLinearTolerance(), 0.25);
+        EXPECT_EQ(result.world->Count<KARMPBody>(), 2);
+        std::string again;
+        ExpectNothing(SaveText(result.world, again, options));
+        const LoadResult second = LoadText(again);
+        std::string third;
+        ExpectNothing(SaveText(second.world, third, options));
+        EXPECT_EQ(again, third);
+    }
+}
+
+TEST_F(WorldDocument, ALoadFillsTheWorldOfTheCaller)
+{
+    const std::string text = Saved();
+    const auto basic = QOBBasicWorld::create(L"Other");
+    const auto world = KARMPWorld::create(basic);
+    const LoadResult result = LoadText(text, "x.xml", {}, world);
+    ExpectNothing(result.diagnostics);
+    EXPECT_TRUE(result.world == world);
+    EXPECT_EQ(world->Count<KARMPBody>(), 1);
+}
+
+TEST_F(WorldDocument, ExactDoublesSurviveTheRoundTrip)
+{
+    m_world->SetAngularTolerance(1e-15);
+    EXPECT_EQ(LoadText(Saved()).world->GetAngularTolerance(), 0.0);
+    SaveOptions options;
+    options.doubles = Doubles::Exact;
+    EXPECT_EQ(LoadText(Saved(options)).world->GetAngularTolerance(), 1e-15);
+}
+
+TEST_F(WorldDocument, AnUnknownVersionOrANullWorldIsNotSaved)
+{
+    std::string text = "before";
+    SaveOptions options;
+    options.version = L"R1999.0";
+    EXPECT_NE(SaveText(m_world, text, options).Find(Code::UnknownVersion), nullptr);
+    EXPECT_TRUE(SaveText({}, text).HasErrors());
+    EXPECT_EQ(text, "before");
+}
+
+TEST_F(WorldDocument, AStreamTakesTheDocumentOrTheFailureIsTold)
+{
+    std::ostringstream stream;
+    ExpectNothing(SaveStream(m_world, stream));
+    EXPECT_EQ(stream.str(), Saved());
+    stream.setstate(std::ios::badbit);
+    EXPECT_NE(SaveStream(m_world, stream).Find(Code::CannotWrite), nullptr);
+}
+
+TEST_F(WorldDocument, ACheckFindsWhatNothingReads)
+{
+    ExpectFound("<Mass>", "<Extra a=\"1\"><b/></Extra><Mass>", Code::UnknownElement,
+                Severity::Warning, BodyPath + "/Weight/Extra");
+    ExpectFound("is_fixed=", "colour=\"red\" is_fixed=", Code::UnknownAttribute, Severity::Warning,
+                BodyPath + "/@colour");
+    ExpectFound("<Weight>", "<Weight>heavy", Code::UnexpectedText, Severity::Warning,
+                BodyPath + "/Weight");
+    ExpectFound("<OutOfWorld>", "<OutOfWorld>true</OutOfWorld><OutOfWorld>", Code::DuplicateElement,
+                Severity::Warning, BodyPath + "/OutOfWorld[2]");
+    ExpectFound("<Variable ", "<Variable minvalue=\"1\" ", Code::OtherVersion, Severity::Warning,
+                WorldPath + "/Variables/Variable/@minvalue");
+    ExpectFound("<KARMPDocument version=\"R2018.1\">", "<KARMPDocument version=\"R2018.1\"><A/>",
+                Code::UnknownElement, Severity::Warning, "/KARMPDocument/A");
+}
+
+TEST_F(WorldDocument, ACheckFindsWhatIsMissingOrOfAWrongKind)
+{
+    ExpectFound("<Mass>0</Mass>", "", Code::MissingElement, Severity::Warning,
+                BodyPath + "/Weight");
+    ExpectFound(" is_fixed=\"yes\"", "", Code::MissingAttribute, Severity::Warning, BodyPath);
+    ExpectFound("<Mass>0<", "<Mass>much<", Code::InvalidValue, Severity::Error,
+                BodyPath + "/Weight/Mass");
+    ExpectFound("<Mass>0<", "<Mass>0 kg<", Code::InvalidValue, Severity::Warning,
+                BodyPath + "/Weight/Mass");
+    ExpectFound("<OutOfWorld>false", "<OutOfWorld>False", Code::InvalidValue, Severity::Error,
+                BodyPath + "/OutOfWorld");
+    ExpectFound(">Time<", ">Tyme<", Code::InvalidValue, Severity::Warning,
+                WorldPath + "/Variables/Variable/PhysicalQuantity");
+    ExpectMessage(CheckText("<KARMPDocument version=\"R2018.1\"/>"), Code::MissingElement,
+                  Severity::Error, "/KARMPDocument");
+}
+
+TEST_F(WorldDocument, EveryFormOfANumberThatReadsIsANumberToTheCheck)
+{
+    for (const std::string number :
+         {"1", "-1.5", "+2", "1,5", ".5", "5.", "1e3", "1E-3", "inf", "-nan", " 1", "0x1p3"}) {
+        std::string element = "<Mass>";
+        element += number;
+        ExpectNothing(CheckText(Changed("<Mass>0", element)));
+    }
+}
+
+TEST_F(WorldDocument, ACheckFindsIdentifiersThatDoNotFit)
+{
+    std::string text = Saved();
+    const std::string body = IdentifierIn(text, "<Body id=\"");
+    const std::string reference = "<GlobalBody id=\"" + body;
+    ExpectFound(reference, "<GlobalBody id=\"nobody", Code::UnresolvedReference, Severity::Error,
+                WorldPath + "/Globals/GlobalBody/@id");
+    const std::string geometry = "<Geometry id=\"";
+    ExpectFound(geometry + IdentifierIn(text, geometry), geometry + body, Code::WrongClass,
+                Severity::Error, BodyPath + "/Geometries/Geometry/@id");
+}
+
+TEST_F(WorldDocument, AnIdentifierCarriedTwiceIsToldWithBothPlaces)
+{
+    const Diagnostics diagnostics =
+        CheckText("<KARMPDocument version=\"R2018.1\"><World>\n<Bodies>\n<Body id=\"a\"/>\n"
+                  "<Body id=\"a\"/></Bodies></World></KARMPDocument>");
+    const Diagnostic* const item = diagnostics.Find(Code::DuplicateIdentifier);
+    ASSERT_NE(item, nullptr);
+    EXPECT_EQ(item->line, 4U);
+    EXPECT_EQ(item->path, BodyPath + "[2]/@id");
+    EXPECT_EQ(item->text, "the identifier \"a\" was carried before, in line 3");
+}
+
+TEST_F(WorldDocument, ACheckFindsClassesThatDoNotExistOrStandInAWrongList)
+{
+    ExpectFound("<Bodies>", "<Bodies><Wheel id=\"w\"/>", Code::UnknownClass, Severity::Error,
+                WorldPath + "/Bodies/Wheel");
+    std::string text = Saved();
+    const std::size_t begin = text.find("<Variable ");
+    const std::string end = "</Variable>";
+    const std::string variable = text.substr(begin, text.find(end) + end.size() - begin);
+    text.erase(begin, variable.size());
+    text.insert(text.find("<Bodies>") + 8, variable);
+    ExpectMessage(CheckText(text), Code::WrongRegistry, Severity::Warning,
+                  WorldPath + "/Bodies/Variable");
+}
+
+TEST_F(WorldDocument, FailedChecksOfTheLibraryAreTold)
+{
+    LoadOptions options;
+    options.check = false;
+    const LoadResult result = LoadText(Changed("<Mass>0</Mass>", ""), "x.xml", options);
+    ASSERT_TRUE(result.world);
+    const Diagnostic* const item = result.diagnostics.Find(Code::FailedCheck);
+    ASSERT_NE(item, nullptr);
+    EXPECT_EQ(item->file, "x.xml");
+    EXPECT_NE(item->text.find("KARMPBody"), std::string::npos) << item->text;
+    EXPECT_EQ(item->text.find('/'), std::string::npos) << item->text;
+    EXPECT_EQ(result.world->Count<KARMPBody>(), 1);
+}
+
+TEST_F(WorldDocument, AReferenceOfAWrongClassEndsInAMessage)
+{
+    std::string text = Saved();
+    const std::string body = IdentifierIn(text, "<Body id=\"");
+    LoadOptions options;
+    options.check = false;
+    const std::string geometry = "<Geometry id=\"";
+    const LoadResult result = LoadText(
+        Changed(geometry + IdentifierIn(text, geometry), geometry + body), "x.xml", options);
+    EXPECT_NE(result.diagnostics.Find(Code::InvalidCast), nullptr);
+    ASSERT_TRUE(result.world);
+    EXPECT_EQ(result.world->Count<KARMPBody>(), 1);
+    const LoadResult checked =
+        LoadText(Changed(geometry + IdentifierIn(text, geometry), geometry + body), "x.xml");
+    ExpectMessage(checked.diagnostics, Code::WrongClass, Severity::Error,
+                  BodyPath + "/Geometries/Geometry/@id");
+    EXPECT_EQ(checked.world->Count<KARMPBody>(), 1);
+}
+
+TEST_F(WorldDocument, ADocumentWithoutAWorldIsAnError)
+{
+    const LoadResult result = LoadText("<KARMPDocument version=\"R2018.1\"/>");
+    EXPECT_TRUE(result.diagnostics.HasErrors());
+    const LoadResult nothing = LoadText("nothing");
+    EXPECT_FALSE(nothing.world);
+    EXPECT_EQ(nothing.diagnostics.items.size(), 1U);
+}
+
+TEST_F(WorldDocument, UntrustedBytesAreReadAtTightLimits)
+{
+    ExpectNothing(LoadUntrusted(Saved()).diagnostics);
+    const LoadResult large = LoadUntrusted(std::string(Limits::Tight().bytes + 1, ' '));
+    EXPECT_NE(large.diagnostics.Find(Code::TooLarge), nullptr);
+}
+
+TEST_F(WorldDocument, MessagesReadLikeThoseOfACompiler)
+{
+    Diagnostic item;
+    item.severity = Severity::Warning;
+    item.code = Code::UnknownElement;
+    item.file = "a.xml";
+    item.line = 3;
+    item.column = 5;
+    item.path = "/A/B[2]";
+    item.text = "text";
+    EXPECT_EQ(Format(item), "a.xml:3:5: warning: text [unknown-element] at /A/B[2]");
+    item.line = 0;
+    item.path.clear();
+    EXPECT_EQ(Format(item), "a.xml: warning: text [unknown-element]");
+    item.file.clear();
+    EXPECT_EQ(Format(item), "warning: text [unknown-element]");
+}
