@@ -1,0 +1,224 @@
+// What is no document: each fault ends with a message at its place, and quickly.
+#include "KARMPDocumentReader.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <string>
+
+using namespace karmp::documents;
+
+namespace {
+
+const std::string Start = "<KARMPDocument version=\"R2018.1\">";
+const std::string End = "</KARMPDocument>";
+
+struct Place
+{
+    std::size_t line;
+    std::size_t column;
+};
+
+// Parsing gives no tree and one message.
+void ExpectError(const std::string& text, Code code, Place place, const Limits& limits = {})
+{
+    const Document document = Document::ReadText(text, "x.xml", limits);
+    const std::string shown = text.substr(0, 100);
+    EXPECT_EQ(document.Root(), nullptr) << shown;
+    ASSERT_EQ(document.Messages().items.size(), 1U) << shown;
+    const Diagnostic& item = document.Messages().items[0];
+    EXPECT_EQ(item.severity, Severity::Error) << shown;
+    EXPECT_EQ(CodeText(item.code), CodeText(code)) << shown;
+    EXPECT_EQ(item.file, "x.xml");
+    EXPECT_EQ(item.line, place.line) << shown;
+    EXPECT_EQ(item.column, place.column) << shown;
+    EXPECT_FALSE(item.text.empty());
+}
+
+std::string Repeated(const std::string& text, std::size_t count)
+{
+    std::string all;
+    all.reserve(text.size() * count);
+    for (std::size_t index = 0; index < count; ++index) {
+        all += text;
+    }
+    return all;
+}
+
+} // namespace
+
+TEST(DocumentErrors, WhatIsNoXmlIsASyntaxErrorAtItsPlace)
+{
+    ExpectError("hello", Code::Syntax, {1, 1});
+    ExpectError(Start + "<A></B>" + End, Code::Syntax, {1, 39});
+    ExpectError(Start + "\n<A b=1/>" + End, Code::Syntax, {2, 6});
+    ExpectError(Start + "\n<A b=\"1/>" + End, Code::Syntax, {2, 7});
+    ExpectError(Start + "\n\n <A><![CDATA[" + End, Code::Syntax, {3, 29});
+    ExpectError("<!-- a -->", Code::Syntax, {1, 10});
+    ExpectError(Start + End + "<B/>", Code::Syntax, {1, Start.size() + End.size() + 2});
+    ExpectError(Start + End + "\nrest", Code::Syntax, {2, 1});
+}
+
+TEST(DocumentErrors, ATruncatedDocumentIsAnErrorWhereverItEnds)
+{
+    const std::string text =
+        "<?xml version=\"1.0\"?>\n" + Start + "<A b=\"1\">x&amp;y<!-- c --><C/></A>" + End;
+    for (std::size_t size = 0; size < text.size(); ++size) {
+        const Document document = Document::ReadText(text.substr(0, size));
+        EXPECT_EQ(document.Root(), nullptr) << size;
+        EXPECT_TRUE(document.Messages().HasErrors()) << size;
+    }
+    EXPECT_NE(Document::ReadText(text).Root(), nullptr);
+}
+
+TEST(DocumentErrors, AnEmptyTextIsToldAsSuch)
+{
+    ExpectError("", Code::Empty, {0, 0});
+    ExpectError(" \r\n\t", Code::Empty, {0, 0});
+}
+
+TEST(DocumentErrors, BytesThatAreNoUtf8AreToldWithTheirPlace)
+{
+    ExpectError(Start + "\n<A>\xFF</A>" + End, Code::Encoding, {2, 4});
+    ExpectError(Start + "<A>\xC0\x80</A>" + End, Code::Encoding, {1, 37});
+    ExpectError(Start + "<A>\xED\xA0\x80</A>" + End, Code::Encoding, {1, 37});
+    ExpectError(Start + "<A>\xF4\x90\x80\x80</A>" + End, Code::Encoding, {1, 37});
+    ExpectError(Start + "<A>\xE2\x82</A>" + End, Code::Encoding, {1, 37});
+    ExpectError(Start + "<A>\x01</A>" + End, Code::Encoding, {1, 37});
+    ExpectError(std::string(1000, '\0'), Code::Encoding, {1, 1});
+    ExpectError("\xFF\xFE<\0", Code::Encoding, {1, 1});
+    ExpectError("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>" + Start + End, Code::Encoding,
+                {1, 1});
+}
+
+TEST(DocumentErrors, AWrongRootIsNamed)
+{
+    ExpectError("\n<World/>", Code::WrongRoot, {2, 2});
+    const Document document = Document::ReadText("<World/>");
+    EXPECT_EQ(document.Messages().items[0].text,
+              "the root element is \"World\" instead of \"KARMPDocument\"");
+}
+
+TEST(DocumentErrors, ADocumentTypeDeclarationIsRefused)
+{
+    ExpectError("<!DOCTYPE KARMPDocument [<!ENTITY a \"aaaa\"><!ENTITY b \"&a;&a;\">]>\n" + Start +
+                    "&b;" + End,
+                Code::Doctype, {1, 11});
+    ExpectError("<!DOCTYPE a SYSTEM \"file:///etc/passwd\">" + Start + End, Code::Doctype, {1, 11});
+    ExpectError("<!DOCTYPE a [", Code::Doctype, {1, 13});
+}
+
+TEST(DocumentErrors, UnknownReferencesAreKeptAsTextAndTold)
+{
+    for (const std::string reference :
+         {"&lol;", "&", "&#0;", "&#xD800;", "&#99999999999;", "&#x;", "&#1114112;", "&amp"}) {
+        std::string text = Start;
+        text += "\n<A><B/><B>" + reference + "</B></A>" + End;
+        const Document document = Document::ReadText(text);
+        ASSERT_NE(document.Root(), nullptr);
+        ASSERT_EQ(document.Messages().items.size(), 1U) << reference;
+        const Diagnostic& item = document.Messages().items[0];
+        EXPECT_EQ(item.code, Code::Reference);
+        EXPECT_EQ(item.line, 2U);
+        EXPECT_EQ(item.column, 9U);
+        EXPECT_EQ(item.path, "/KARMPDocument/A/B[2]");
+    }
+    const Document document = Document::ReadText(Start + "<A b=\"&x;\">&y;</A>" + End);
+    ASSERT_EQ(document.Messages().items.size(), 2U);
+    EXPECT_EQ(document.Messages().items[0].path, "/KARMPDocument/A/@b");
+    const KARMPDeserializer* node = nullptr;
+    std::wstring text;
+    EXPECT_EQ(document.Root()->GetElement(L"A", node, text), KARSuccess);
+    EXPECT_EQ(text, L"&y;");
+}
+
+TEST(DocumentErrors, OfTwoAttributesOfOneNameTheLastIsTakenAndToldSo)
+{
+    const Document document = Document::ReadText(Start + "<A b=\"1\" c=\"2\" b=\"3\"/>" + End);
+    ASSERT_EQ(document.Messages().items.size(), 1U);
+    EXPECT_EQ(document.Messages().items[0].code, Code::DuplicateAttribute);
+    EXPECT_EQ(document.Messages().items[0].path, "/KARMPDocument/A");
+    const KARMPDeserializer* node = nullptr;
+    document.Root()->GetElement(L"A", node);
+    int value = 0;
+    EXPECT_EQ(node->GetAttribute(L"b", value), KARSuccess);
+    EXPECT_EQ(value, 3);
+}
+
+TEST(DocumentErrors, AMissingOrUnknownVersionIsAWarning)
+{
+    const Document missing = Document::ReadText("<KARMPDocument/>");
+    ASSERT_NE(missing.Root(), nullptr);
+    EXPECT_EQ(missing.Version(), L"R2018.1");
+    ASSERT_EQ(missing.Messages().items.size(), 1U);
+    EXPECT_EQ(missing.Messages().items[0].code, Code::MissingVersion);
+    EXPECT_EQ(missing.Messages().items[0].severity, Severity::Warning);
+
+    const Document unknown = Document::ReadText("<KARMPDocument version=\"R2030.0\"/>");
+    ASSERT_NE(unknown.Root(), nullptr);
+    EXPECT_EQ(unknown.Root()->Version(), L"R2030.0");
+    ASSERT_EQ(unknown.Messages().items.size(), 1U);
+    EXPECT_EQ(unknown.Messages().items[0].code, Code::UnknownVersion);
+    EXPECT_EQ(unknown.Messages().items[0].path, "/KARMPDocument/@version");
+}
+
+TEST(DocumentErrors, EveryLimitHoldsExactly)
+{
+    const std::string text = Start + "<Aa b=\"1\"><C/></Aa>" + End;
+    Limits limits;
+    limits.bytes = text.size();
+    limits.depth = 3;
+    limits.nodes = 5;
+    limits.nameLength = std::string("KARMPDocument").size();
+    EXPECT_NE(Document::ReadText(text, "x.xml", limits).Root(), nullptr);
+    Limits smaller = limits;
+    --smaller.bytes;
+    ExpectError(text, Code::TooLarge, {0, 0}, smaller);
+    smaller = limits;
+    --smaller.depth;
+    ExpectError(text, Code::TooDeep, {1, 45}, smaller);
+    smaller = limits;
+    --smaller.nodes;
+    ExpectError(text, Code::TooManyNodes, {1, 45}, smaller);
+    smaller = limits;
+    --smaller.nameLength;
+    ExpectError(text, Code::NameTooLong, {1, 2}, smaller);
+}
+
+TEST(DocumentErrors, HostileTextsEndQuickly)
+{
+    const auto begin = std::chrono::steady_clock::now();
+    ExpectError(Start + Repeated("<a>", 200'000), Code::Syntax, {1, 600'033});
+    ExpectError(Start + Repeated("<a>", 200'000) + Repeated("</a>", 200'000) + End, Code::TooDeep,
+                {1, 30'032});
+    ExpectError("<" + std::string(100'000'000, 'a') + "/>", Code::WrongRoot, {1, 2});
+    ExpectError(Start + "<" + std::string(100'000'000, 'a') + "/>" + End, Code::NameTooLong,
+                {1, 35});
+    ExpectError(Start + "<a " + std::string(10'000'000, 'a') + "=\"\"/>" + End, Code::NameTooLong,
+                {1, 35});
+    std::string attributes = Start + "<a";
+    for (int index = 0; index < 100'000; ++index) {
+        attributes += " a" + std::to_string(index % 50'000) + "=\"\"";
+    }
+    const Document document = Document::ReadText(attributes + "/>" + End);
+    EXPECT_EQ(document.Messages().items.size(), Limits().diagnostics + 1);
+    EXPECT_EQ(document.Messages().items.back().code, Code::TooManyDiagnostics);
+    const auto elapsed = std::chrono::steady_clock::now() - begin;
+    EXPECT_LT(std::chrono::duration_cast<std::chrono::seconds>(elapsed).count(), 60);
+}
+
+TEST(DocumentErrors, NoSingleChangedByteBreaksTheReader)
+{
+    const std::string text =
+        "<?xml version=\"1.0\"?>" + Start +
+        "<A b=\"x&lt;\"><![CDATA[t]]>&#10;<!-- c --><?p i?><C>\xC3\xA4</C></A>" + End;
+    for (std::size_t place = 0; place < text.size(); ++place) {
+        for (const char byte : {'<', '>', '&', '"', '\'', '/',    '!',    '?',  '-',  '[', ']',
+                                ' ', '=', ';', 'x', '\n', '\x80', '\xFF', '\0', '\\', '{'}) {
+            std::string changed = text;
+            changed[place] = byte;
+            const Document document = Document::ReadText(changed, "x.xml", Limits::Tight());
+            EXPECT_TRUE(document.Root() != nullptr || document.Messages().HasErrors());
+        }
+    }
+}

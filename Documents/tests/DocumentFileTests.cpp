@@ -1,0 +1,241 @@
+// Files: replaced as a whole or not at all, and what cannot be read or written is told.
+#include "KARMPDocumentReader.h"
+#include "KARMPDocumentWriter.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace karmp::documents;
+namespace fs = std::filesystem;
+
+namespace {
+
+class DocumentFile : public ::testing::Test
+{
+protected:
+    DocumentFile()
+    {
+        std::string name = (fs::temp_directory_path() / "karmp-XXXXXX").string();
+        m_folder = ::mkdtemp(name.data());
+        KARMPSerializer* child = nullptr;
+        m_root.AddElement(L"World", child);
+        m_root.RenderXml(m_text);
+    }
+    ~DocumentFile() override
+    {
+        std::error_code error;
+        fs::permissions(m_folder, fs::perms::owner_all, error);
+        fs::remove_all(m_folder, error);
+    }
+
+    fs::path Path(const std::string& name = "a.xml") const { return m_folder / name; }
+    std::size_t FileCount() const
+    {
+        return static_cast<std::size_t>(
+            std::distance(fs::directory_iterator(m_folder), fs::directory_iterator()));
+    }
+    static std::string Content(const fs::path& path)
+    {
+        std::ifstream stream(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(stream), {}};
+    }
+    static void Write(const fs::path& path, const std::string& text)
+    {
+        std::ofstream(path, std::ios::binary) << text;
+    }
+    void ExpectSaved(const fs::path& path)
+    {
+        const Diagnostics diagnostics = m_root.SaveXml(path);
+        for (const Diagnostic& item : diagnostics.items) {
+            ADD_FAILURE() << Format(item);
+        }
+        EXPECT_EQ(Content(path), m_text);
+    }
+    void ExpectNotSaved(const fs::path& path)
+    {
+        const Diagnostics diagnostics = m_root.SaveXml(path);
+        ASSERT_EQ(diagnostics.items.size(), 1U);
+        EXPECT_EQ(diagnostics.items[0].code, Code::CannotWrite);
+        EXPECT_EQ(diagnostics.items[0].file, path.string());
+        EXPECT_GT(diagnostics.items[0].text.size(), std::string("cannot write the file: ").size());
+    }
+    static void ExpectNotRead(const fs::path& path, Code code, const Limits& limits = {})
+    {
+        const Document document = Document::ReadFile(path, limits);
+        EXPECT_EQ(document.Root(), nullptr);
+        ASSERT_EQ(document.Messages().items.size(), 1U);
+        EXPECT_EQ(CodeText(document.Messages().items[0].code), CodeText(code));
+        EXPECT_EQ(document.Messages().items[0].file, path.string());
+    }
+
+    fs::path m_folder;
+    KARMPDocumentWriter m_root;
+    std::string m_text;
+};
+
+} // namespace
+
+TEST_F(DocumentFile, IsWrittenAndReadBack)
+{
+    ExpectSaved(Path());
+    const Document document = Document::ReadFile(Path());
+    ASSERT_NE(document.Root(), nullptr);
+    EXPECT_TRUE(document.Root()->HasElement(L"World"));
+    EXPECT_TRUE(document.Messages().items.empty());
+    EXPECT_EQ(document.Name(), Path().string());
+    EXPECT_EQ(FileCount(), 1U);
+}
+
+TEST_F(DocumentFile, ReplacesAnOldOneAndKeepsItsPermissions)
+{
+    Write(Path(), std::string(100'000, 'x'));
+    ASSERT_EQ(::chmod(Path().c_str(), 0640), 0);
+    ExpectSaved(Path());
+    struct stat status
+    {};
+    ASSERT_EQ(::stat(Path().c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777U, 0640U);
+    EXPECT_EQ(FileCount(), 1U);
+}
+
+TEST_F(DocumentFile, ANewOneHasThePermissionsOfTheProcess)
+{
+    const mode_t mask = ::umask(027);
+    ExpectSaved(Path());
+    ::umask(mask);
+    struct stat status
+    {};
+    ASSERT_EQ(::stat(Path().c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777U, 0640U);
+}
+
+TEST_F(DocumentFile, AReaderOfTheOldOneKeepsIt)
+{
+    Write(Path(), "old");
+    std::ifstream old(Path());
+    ExpectSaved(Path());
+    const std::string content{std::istreambuf_iterator<char>(old), {}};
+    EXPECT_EQ(content, "old");
+}
+
+TEST_F(DocumentFile, ALinkStaysAndItsTargetIsReplaced)
+{
+    Write(Path("target.xml"), "old");
+    fs::create_symlink("target.xml", Path());
+    ExpectSaved(Path());
+    EXPECT_TRUE(fs::is_symlink(Path()));
+    EXPECT_EQ(Content(Path("target.xml")), m_text);
+    fs::create_symlink("new.xml", Path("dangling.xml"));
+    ExpectSaved(Path("dangling.xml"));
+    EXPECT_EQ(Content(Path("new.xml")), m_text);
+}
+
+TEST_F(DocumentFile, AMissingFolderAndAFolderInItsPlaceAreErrors)
+{
+    ExpectNotSaved(Path("missing") / "a.xml");
+    fs::create_directory(Path());
+    ExpectNotSaved(Path());
+    ExpectNotSaved("");
+    EXPECT_EQ(FileCount(), 1U);
+}
+
+TEST_F(DocumentFile, ANameOfTheGreatestLengthCanBeSaved)
+{
+    ExpectSaved(Path(std::string(255, 'a')));
+    ExpectNotSaved(Path(std::string(256, 'a')));
+    EXPECT_EQ(FileCount(), 1U);
+}
+
+TEST_F(DocumentFile, TheOldOneSurvivesAFullDisk)
+{
+    Write(Path(), "old");
+    struct rlimit before
+    {};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+    struct rlimit small = before;
+    small.rlim_cur = 20;
+    auto* const handler = std::signal(SIGXFSZ, SIG_IGN);
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+    const Diagnostics diagnostics = m_root.SaveXml(Path());
+    ::setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, handler);
+    EXPECT_NE(diagnostics.Find(Code::CannotWrite), nullptr);
+    EXPECT_EQ(Content(Path()), "old");
+    EXPECT_EQ(FileCount(), 1U);
+}
+
+TEST_F(DocumentFile, TheOldOneSurvivesATreeThatCannotBeWritten)
+{
+    Write(Path(), "old");
+    KARMPSerializer* child = nullptr;
+    m_root.AddElement(L"no name", child);
+    EXPECT_NE(m_root.SaveXml(Path()).Find(Code::InvalidName), nullptr);
+    EXPECT_EQ(m_root.Save(Path().c_str()), KARFailure);
+    EXPECT_EQ(m_root.Save(nullptr), KARFailure);
+    EXPECT_EQ(Content(Path()), "old");
+    EXPECT_EQ(FileCount(), 1U);
+}
+
+TEST_F(DocumentFile, TheOldOneSurvivesAFolderOrFileThatMustNotBeWritten)
+{
+    if (::geteuid() == 0) {
+        GTEST_SKIP() << "permissions do not bind this user";
+    }
+    Write(Path(), "old");
+    fs::permissions(Path(), fs::perms::owner_read);
+    ExpectNotSaved(Path());
+    fs::permissions(Path(), fs::perms::owner_read | fs::perms::owner_write);
+    fs::permissions(m_folder, fs::perms::owner_read | fs::perms::owner_exec);
+    ExpectNotSaved(Path());
+    fs::permissions(m_folder, fs::perms::owner_all);
+    EXPECT_EQ(Content(Path()), "old");
+    EXPECT_EQ(FileCount(), 1U);
+    fs::permissions(Path(), fs::perms::none);
+    ExpectNotRead(Path(), Code::CannotOpen);
+}
+
+TEST_F(DocumentFile, ADeviceIsWrittenInPlace)
+{
+    if (fs::exists("/dev/full")) {
+        ExpectNotSaved("/dev/full");
+    }
+    EXPECT_TRUE(m_root.SaveXml("/dev/null").items.empty());
+    EXPECT_TRUE(fs::is_character_file("/dev/null"));
+}
+
+TEST_F(DocumentFile, WhatCannotBeReadIsTold)
+{
+    ExpectNotRead(Path("missing.xml"), Code::CannotOpen);
+    ExpectNotRead(m_folder, Code::CannotRead);
+    Write(Path(), "");
+    ExpectNotRead(Path(), Code::Empty);
+    ExpectNotRead("/dev/null", Code::Empty);
+    ExpectNotRead("/dev/zero", Code::Encoding);
+    Write(Path(), m_text);
+    Limits limits;
+    limits.bytes = m_text.size();
+    EXPECT_NE(Document::ReadFile(Path(), limits).Root(), nullptr);
+    --limits.bytes;
+    ExpectNotRead(Path(), Code::TooLarge, limits);
+}
+
+TEST_F(DocumentFile, APipeIsReadToItsEnd)
+{
+    const std::string text(300'000, ' ');
+    ASSERT_EQ(::mkfifo(Path().c_str(), 0600), 0);
+    const pid_t writer = ::fork();
+    if (writer == 0) {
+        std::ofstream(Path()) << m_text << text;
+        ::_exit(0);
+    }
+    const Document document = Document::ReadFile(Path());
+    EXPECT_NE(document.Root(), nullptr);
+}
