@@ -119,9 +119,9 @@ TEST_F(Wrappers, UnknownReferenceKeepsTheNumberOfItems)
         return index == 1 ? KARSuccess : KARFailure;
     });
     EXPECT_EQ(root.Count(L"Element/Items/Item"), 2U);
-    EXPECT_TRUE(root.Flag(L"Element/Items/Item[1]/@id"));
-    EXPECT_TRUE(root.Flag(L"Element/Items/Item[1]/@name"));
-    EXPECT_EQ(root.Text(L"Element/Items/Item[2]/@id"), L"E1");
+    EXPECT_TRUE(root.Flag(L"Element/Items/Item[0]/@id"));
+    EXPECT_TRUE(root.Flag(L"Element/Items/Item[0]/@name"));
+    EXPECT_EQ(root.Text(L"Element/Items/Item[1]/@id"), L"E1");
 }
 
 TEST_F(Wrappers, ReaderTakesTheNodeItselfOrItsChild)

@@ -1,0 +1,245 @@
+// Runs the tool as a user does and looks at what it prints and how it ends.
+#include "Mobility.h"
+#include "Output.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Outcome
+{
+    int code = -1;
+    std::string output; // both streams
+};
+
+constexpr const char* Clean = R"(<?xml version="1.0" encoding="UTF-8"?>
+<KARMPDocument version="R2018.1">
+ <World linear_tolerance="0.001" angular_tolerance="1e-09">
+  <Origin><Ox>0</Ox><Oy>0</Oy><Oz>0</Oz></Origin>
+  <Size><SizeX>1</SizeX><SizeY>1</SizeY><SizeZ>1</SizeZ></Size>
+  <Gravity><Gx>0</Gx><Gy>0</Gy><Gz>-9.81</Gz></Gravity>
+  <Globals/>
+  <Values>
+   <Constant id="c1" name="Damping" isActive="yes"><PhysicalQuantity>Length</PhysicalQuantity><Value>0.05</Value></Constant>
+   <Boolean id="b1" name="Visible" isActive="no"><PhysicalQuantity>Length</PhysicalQuantity><Value>TRUE</Value></Boolean>
+  </Values>
+ </World>
+</KARMPDocument>
+)";
+
+class Tool : public ::testing::Test
+{
+protected:
+    Tool() { fs::create_directories(m_folder); }
+    ~Tool() override
+    {
+        std::error_code ignored;
+        fs::remove_all(m_folder, ignored);
+    }
+
+    std::string File(const std::string& name) const { return (m_folder / name).string(); }
+
+    std::string Write(const std::string& name, const std::string& text) const
+    {
+        std::ofstream(File(name), std::ios::binary) << text;
+        return File(name);
+    }
+
+    static Outcome Run(const std::string& arguments)
+    {
+        Outcome outcome;
+        std::FILE* pipe = ::popen((KARMP_TOOL " " + arguments + " 2>&1 </dev/null").c_str(), "r");
+        if (pipe == nullptr)
+            return outcome;
+        std::array<char, 4096> buffer{};
+        while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), pipe))
+            outcome.output.append(buffer.data(), count);
+        const int status = ::pclose(pipe);
+        outcome.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        return outcome;
+    }
+
+    static std::string Read(const std::string& path)
+    {
+        std::ostringstream text;
+        text << std::ifstream(path, std::ios::binary).rdbuf();
+        return text.str();
+    }
+
+private:
+    fs::path m_folder = fs::temp_directory_path() /
+                        ("karmp-tool-test-" + std::to_string(static_cast<long>(::getpid())));
+};
+
+void expectContains(const std::string& text, const std::string& part)
+{
+    EXPECT_NE(text.find(part), std::string::npos) << part << "\nis not in\n" << text;
+}
+
+TEST_F(Tool, HelpsOnItselfAndOnEachCommandWithAnExample)
+{
+    const Outcome all = Run("--help");
+    EXPECT_EQ(all.code, 0);
+    for (const std::string command : {"info", "tree", "check", "convert", "graph"}) {
+        expectContains(all.output, command);
+        const Outcome help = Run(command + " --help");
+        EXPECT_EQ(help.code, 0);
+        expectContains(help.output, "Example:\n  karmp " + command);
+        expectContains(help.output, "Exit code");
+    }
+}
+
+TEST_F(Tool, RefusesAnUnknownCommandAndMissingArguments)
+{
+    EXPECT_EQ(Run("").code, 2);
+    EXPECT_EQ(Run("frobnicate").code, 2);
+    EXPECT_EQ(Run("info").code, 2);
+}
+
+TEST_F(Tool, FindsNothingInACleanDocument)
+{
+    const std::string file = Write("clean.xml", Clean);
+    const Outcome check = Run("check " + file);
+    EXPECT_EQ(check.code, 0) << check.output;
+    expectContains(check.output, "no findings");
+}
+
+TEST_F(Tool, TellsFindingsAsTextAndAsJson)
+{
+    std::string text = Clean;
+    text.replace(text.find("<Boolean id=\"b1\""), 16, "<Boolean id=\"c1\"");
+    const std::string file = Write("doubled.xml", text);
+    const Outcome check = Run("check " + file);
+    EXPECT_EQ(check.code, 1);
+    expectContains(check.output, "doubled.xml:10:");
+    expectContains(check.output, "duplicate-identifier");
+    const Outcome json = Run("check --json " + file);
+    EXPECT_EQ(json.code, 1);
+    EXPECT_EQ(json.output.front(), '{');
+    expectContains(json.output, "\"code\": \"duplicate-identifier\"");
+    expectContains(json.output, "\"line\": 10");
+    EXPECT_EQ(Run("info " + file).code, 1);
+}
+
+TEST_F(Tool, EndsWithTwoForWhatItCannotRead)
+{
+    const std::array bad{Write("garbage.xml", "\x01\x02\xff\xfe garbage"), Write("empty.xml", ""),
+                         Write("root.xml", "<Other/>"), File(""), File("missing.xml")};
+    for (const std::string& file : bad) {
+        for (const std::string command : {"info", "tree", "check", "graph"}) {
+            const Outcome outcome = Run(command + " '" + file + "'");
+            EXPECT_EQ(outcome.code, 2) << command << ' ' << file << '\n' << outcome.output;
+            EXPECT_FALSE(outcome.output.empty());
+        }
+        EXPECT_EQ(Run("convert '" + file + "' " + File("out.xml")).code, 2);
+        EXPECT_FALSE(fs::exists(File("out.xml")));
+    }
+}
+
+TEST_F(Tool, CountsEntitiesByFamilyAndClass)
+{
+    const Outcome info = Run("info " + Write("clean.xml", Clean));
+    EXPECT_EQ(info.code, 0) << info.output;
+    expectContains(info.output, "R2018.1");
+    expectContains(info.output, "(0, 0, -9.81)");
+    expectContains(info.output, "Values");
+    expectContains(info.output, "Constant");
+    expectContains(info.output, "Total mass");
+}
+
+TEST_F(Tool, ShowsTheEntitiesByTheirNames)
+{
+    const std::string file = Write("clean.xml", Clean);
+    const Outcome tree = Run("tree " + file);
+    EXPECT_EQ(tree.code, 0) << tree.output;
+    EXPECT_EQ(tree.output, "Values\n  Constant \"Damping\"\n  Boolean \"Visible\" (inactive)\n");
+    expectContains(Run("tree --ids " + file).output, "Constant \"Damping\" [c1]");
+    EXPECT_EQ(Run("tree --family Values " + file).output, tree.output);
+    EXPECT_EQ(Run("tree --family Joints " + file).code, 1);
+}
+
+TEST_F(Tool, ConvertsToACanonicalFormThatStaysAsItIs)
+{
+    const std::string file = Write("clean.xml", Clean);
+    EXPECT_EQ(Run("convert " + file + ' ' + File("first.xml")).code, 0);
+    EXPECT_EQ(Run("convert " + File("first.xml") + ' ' + File("second.xml")).code, 0);
+    EXPECT_FALSE(Read(File("first.xml")).empty());
+    EXPECT_EQ(Read(File("first.xml")), Read(File("second.xml")));
+}
+
+TEST_F(Tool, ListsWhatAnOlderVersionCannotHold)
+{
+    const std::string file = Write("clean.xml", Clean);
+    const Outcome convert = Run("convert --to R2016.1 " + file + ' ' + File("old.xml"));
+    EXPECT_EQ(convert.code, 1) << convert.output;
+    expectContains(convert.output, "R2016.1 cannot hold");
+    expectContains(convert.output, "Boolean[b1]/@isActive: no becomes yes");
+    expectContains(Read(File("old.xml")), "version=\"R2016.1\"");
+    EXPECT_EQ(Run("convert --to R1999 " + file + ' ' + File("never.xml")).code, 2);
+    EXPECT_FALSE(fs::exists(File("never.xml")));
+}
+
+TEST_F(Tool, ConvertsOntoItsInput)
+{
+    const std::string file = Write("clean.xml", Clean);
+    EXPECT_EQ(Run("convert " + file + ' ' + file).code, 0);
+    EXPECT_EQ(Run("check " + file).code, 0);
+}
+
+TEST_F(Tool, SaysWhenItCannotWrite)
+{
+    const std::string file = Write("clean.xml", Clean);
+    EXPECT_EQ(Run("convert " + file + " /nonexistent/out.xml").code, 2);
+    EXPECT_EQ(Run("graph " + file + " -o /nonexistent/out.dot").code, 2);
+    EXPECT_EQ(Run("info " + file + " >/dev/full").code, 2);
+}
+
+TEST_F(Tool, DrawsTheGraphAsText)
+{
+    const Outcome graph = Run("graph " + Write("clean.xml", Clean));
+    EXPECT_EQ(graph.code, 0) << graph.output;
+    expectContains(graph.output, "graph mechanism {");
+    EXPECT_EQ(Run("graph --format svg " + File("clean.xml")).code, 2);
+}
+
+TEST(Mobility, OfASliderCrankIsOneInThePlane)
+{
+    const auto mobility =
+        karmp::tool::EstimateMobility(3, {{"KARMPRevolute", 3}, {"KARMPPrismatic", 1}});
+    EXPECT_EQ(mobility.planar, 1);
+    EXPECT_EQ(mobility.spatial, -2);
+    EXPECT_TRUE(mobility.mayBePlanar);
+    EXPECT_EQ(mobility.notCounted, 0);
+}
+
+TEST(Mobility, TellsWhichJointsItDoesNotCount)
+{
+    const auto mobility = karmp::tool::EstimateMobility(
+        2, {{"KARMPSpherical", 1}, {"KARMPUserDefined", 2}, {"KARMPGear", 1}});
+    EXPECT_EQ(mobility.spatial, 12 - 3 - 1);
+    EXPECT_FALSE(mobility.mayBePlanar);
+    EXPECT_EQ(mobility.notCounted, 2);
+}
+
+TEST(Output, WritesControlCharactersAsEscapes)
+{
+    EXPECT_EQ(karmp::tool::Printable(std::string_view("a\033[31mb\n")), "a\\x1b[31mb\\x0a");
+    EXPECT_EQ(karmp::tool::Printable(std::string_view("\xC2\x9B")), "\\x9b");
+    EXPECT_EQ(karmp::tool::Printable(std::string_view("caf\xC3\xA9")), "caf\xC3\xA9");
+    EXPECT_EQ(karmp::tool::JsonText("a\"b\\\n"), "\"a\\\"b\\\\\\u000a\"");
+}
+
+} // namespace
