@@ -1,0 +1,2 @@
+karmp_process_test(KARMPBodyTests BodyNeighbourNameProcess.IsLeftAloneWhenNamesAreSwitchedOff
+    NO_MP_NAME_FOR_SERIALIZATION=1)
