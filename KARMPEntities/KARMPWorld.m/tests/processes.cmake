@@ -1,0 +1,14 @@
+karmp_process_test(
+    KARMPWorldTests WorldReaderProcess.FilesInTheOrderOfTheDocumentWhenTheVariableIsSet
+    ORDERED_DESERIALIZATION=
+)
+karmp_process_test(
+    KARMPWorldTests WorldReaderProcess.SkipsWhatIsDamagedInTheOrderOfTheDocument
+    ORDERED_DESERIALIZATION=0
+)
+foreach(test IN ITEMS
+        CountsFromThreeInEachWorld CountsOnlyWhenAnIdentifierIsMade
+        GivesTheGlobalsOfAWorldFixedNumbers HasNoNumberUnderABasicWorldThatNothingExtends
+        GoesOnFromTheCountOfACopiedWorld)
+    karmp_process_test(KARMPWorldTests WorldIdentifierProcess.${test} NEW_MP_IDS=0)
+endforeach()
