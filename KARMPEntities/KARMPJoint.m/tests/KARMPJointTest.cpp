@@ -400,6 +400,15 @@ TEST_F(Joint, LeavingTheBodiesGivesTheStatusOfTheLastOne)
     EXPECT_EQ(joint->GetLinkedBodyCount(), 2);
 }
 
+TEST_F(Joint, WithoutBodiesLeavingGivesTheStatusOfTheLastConstraint)
+{
+    EXPECT_EQ(joint->RemoveParent(), KARSuccess);
+    joint->AddConstraint(constraint);
+    EXPECT_EQ(joint->RemoveParent(), KARUnchanged);
+    constraint->SetJoint(joint);
+    EXPECT_EQ(joint->RemoveParent(), KARSuccess);
+}
+
 TEST_F(Joint, ClearedContainersHoldNoOrientationsEither)
 {
     joint->LinkToBody(a, Orientation::In);
