@@ -235,9 +235,10 @@ void expectEveryNumberRead(const TestSerializer& before, const TestSerializer& a
     for (std::size_t i = 0; i < before.GetElementCount(); ++i) {
         const TestSerializer& item = before.Child(i);
         const TestSerializer& read = after.Child(i);
-        if (item.GetType() == Type::Double)
+        if (item.GetType() == Type::Double) {
             EXPECT_NE(item.GetValued(), read.GetValued())
                 << std::string(item.GetId().begin(), item.GetId().end());
+        }
         expectEveryNumberRead(item, read);
     }
 }
