@@ -3,31 +3,11 @@
 #include "KARMPVariable.h"
 #include "KARWBFactory.h"
 #include "KARWBVariable.h"
+#include "ProcessLocale.h"
 
-#include <clocale>
 #include <string>
 
 namespace {
-
-// A locale whose narrow characters are UTF-8, for as long as the object lives.
-class Utf8Locale
-{
-public:
-    Utf8Locale() : m_former(std::setlocale(LC_ALL, nullptr))
-    {
-        m_installed = std::setlocale(LC_ALL, "C.UTF-8") != nullptr ||
-                      std::setlocale(LC_ALL, "en_US.UTF-8") != nullptr;
-    }
-    ~Utf8Locale() { std::setlocale(LC_ALL, m_former.c_str()); }
-    Utf8Locale(const Utf8Locale&) = delete;
-    Utf8Locale& operator=(const Utf8Locale&) = delete;
-
-    bool IsInstalled() const { return m_installed; }
-
-private:
-    std::string m_former;
-    bool m_installed = false;
-};
 
 class VariableHelper : public KARMPTestFixture
 {
@@ -95,6 +75,7 @@ TEST_F(VariableHelper, RefusesNulls)
 
 TEST_F(VariableHelper, IdentifierThatTheLocaleLacksFails)
 {
+    const PlainLocale locale;
     variable->SetIdentifier(L"K\u00f6rper");
     EXPECT_EQ(KARMPVariableHelper::CreateWBVariable(variable, &factory, made), KARFailure);
     EXPECT_EQ(made, nullptr);

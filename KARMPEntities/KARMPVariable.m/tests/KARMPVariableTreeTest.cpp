@@ -2,6 +2,7 @@
 #include "KARMPEquation.h"
 #include "KARMPTestFixture.h"
 #include "KARMPVariable.h"
+#include "ProcessLocale.h"
 #include "QOBException.h"
 #include "RecordingVariableLoader.h"
 #include "TestDeserializer.h"
@@ -301,6 +302,21 @@ TEST_F(VariableTree, UnknownWordsGiveTheFirstRow)
     EXPECT_EQ(copy->Deserialize(tree.get(), entities), KARSuccess);
     EXPECT_EQ(copy->GetPhysicalQuantity(), KARMPPhysicalQuantity::NoPhysicalQuantity);
     EXPECT_EQ(copy->GetType(), KARMPVariableType::Free);
+}
+
+TEST_F(VariableTree, IsReadTheSameWhereTheCommaIsTheDecimalMark)
+{
+    const DecimalCommaLocale locale;
+    if (!locale.IsInstalled())
+        GTEST_SKIP() << "no locale with a decimal comma is installed";
+    TestDeserializer root;
+    auto& element = root.At(L"R2016.0").Add(L"Variable");
+    element.Attribute(L"id", L"V9").Attribute(L"name", L"n");
+    element.Attribute(L"value", L"1,5").Attribute(L"minvalue", L"-2.25");
+    element.Leaf(L"PhysicalQuantity", L"3").Leaf(L"Type", L"1");
+    EXPECT_EQ(copy->Deserialize(&root, entities), KARSuccess);
+    EXPECT_EQ(numberOf(*copy), 1.5);
+    EXPECT_EQ(numberOf(*copy, &KARMPVariable::GetMinValue), -2.25);
 }
 
 TEST_F(VariableTree, LoaderHearsOfValueAndBoundsInTheReadersOrder)
