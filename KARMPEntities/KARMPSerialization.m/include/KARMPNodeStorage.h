@@ -28,6 +28,14 @@ public:
     NodeText() = default;
     /// A text that is likely to occur again: shares its storage with its equals, if it can.
     static NodeText Name(std::wstring_view text);
+    /// The name of the current version.
+    static NodeText CurrentVersion();
+    /// A value: one of one or two characters, as most numbers of a model are, shares its storage.
+    static NodeText Value(std::wstring_view text)
+    {
+        constexpr std::size_t longestShared = 2;
+        return text.size() <= longestShared ? Name(text) : Copy(text);
+    }
     /// A text of its own.
     static NodeText Copy(std::wstring_view text);
     /// A text of its own that takes a long string over without copying its characters.

@@ -2,7 +2,6 @@
 
 #include "KARMPFailedCheck.h"
 #include "KARMPNodeTeardown.h"
-#include "KARMPVersions.h"
 
 #include <algorithm>
 #include <unordered_map>
@@ -175,7 +174,7 @@ void KARMPDeserializer::Branch::Append(std::wstring_view name, KARMPDeserializer
     ordered.Append(std::move(child));
 }
 
-KARMPDeserializer::KARMPDeserializer() : m_version(NodeText::Name(karmp::CurrentVersion)) {}
+KARMPDeserializer::KARMPDeserializer() : m_version(NodeText::CurrentVersion()) {}
 
 KARMPDeserializer::~KARMPDeserializer()
 {
@@ -233,7 +232,7 @@ void KARMPDeserializer::SetId(std::wstring_view id)
 
 void KARMPDeserializer::SetValue(std::wstring_view value)
 {
-    m_value = NodeText::Copy(value);
+    m_value = NodeText::Value(value);
 }
 
 void KARMPDeserializer::SetValue(const wchar_t* value)
@@ -263,7 +262,7 @@ void KARMPDeserializer::SetBoolValue(bool value)
 
 void KARMPDeserializer::AddAttributeValue(std::wstring_view name, std::wstring_view value)
 {
-    PutAttribute(name, NodeText::Copy(value));
+    PutAttribute(name, NodeText::Value(value));
 }
 
 void KARMPDeserializer::AddAttributeValue(std::wstring_view name, const wchar_t* value)

@@ -1,5 +1,7 @@
 #include "KARMPNodeStorage.h"
 
+#include "KARMPVersions.h"
+
 #include <array>
 #include <atomic>
 #include <cstring>
@@ -69,6 +71,12 @@ NodeText NodeText::Name(std::wstring_view text)
     }
     return made != nullptr ? NodeText(reinterpret_cast<std::uintptr_t>(made) | OwnsBlock)
                            : Copy(text);
+}
+
+NodeText NodeText::CurrentVersion()
+{
+    static const NodeText version = Name(karmp::CurrentVersion);
+    return version;
 }
 
 NodeText NodeText::Copy(std::wstring_view text)

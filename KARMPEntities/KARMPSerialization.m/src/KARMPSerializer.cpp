@@ -2,7 +2,6 @@
 
 #include "KARMPFailedCheck.h"
 #include "KARMPNodeTeardown.h"
-#include "KARMPVersions.h"
 #include "KARProcessServices.h"
 
 #include <cmath>
@@ -39,7 +38,7 @@ std::wstring_view ViewOf(const wchar_t* text)
 
 } // namespace
 
-KARMPSerializer::KARMPSerializer() : m_version(NodeText::Name(karmp::CurrentVersion)) {}
+KARMPSerializer::KARMPSerializer() : m_version(NodeText::CurrentVersion()) {}
 
 KARMPSerializer::~KARMPSerializer()
 {
