@@ -1,6 +1,7 @@
 #include "KARMPDocumentWriter.h"
 
 #include "KARMPFileAccess.h"
+#include "KARMPNodeArena.h"
 #include "KARMPXmlRenderer.h"
 #include "KARTextConversion.h"
 
@@ -23,9 +24,36 @@ KARMPDocumentWriter::KARMPDocumentWriter(std::wstring_view version, Doubles doub
 
 KARMPDocumentWriter::~KARMPDocumentWriter() = default;
 
+karmp::documents::WriterMemory::~WriterMemory()
+{
+    if (m_isRoot) {
+        delete m_arena;
+    }
+}
+
+void KARMPDocumentWriter::operator delete(KARMPDocumentWriter* node, std::destroying_delete_t)
+{
+    const bool isRoot = node->m_isRoot;
+    node->~KARMPDocumentWriter();
+    if (isRoot) {
+        ::operator delete(node);
+    }
+}
+
+void* KARMPDocumentWriter::operator new(std::size_t size, karmp::documents::NodeArena& arena)
+{
+    return arena.Allocate(size);
+}
+
+void KARMPDocumentWriter::operator delete(void* /*memory*/, karmp::documents::NodeArena& /*arena*/)
+{}
+
 KARMPSerializer* KARMPDocumentWriter::CreateChildElement()
 {
-    return new KARMPDocumentWriter;
+    if (m_arena == nullptr) {
+        m_arena = new karmp::documents::NodeArena;
+    }
+    return new (*m_arena) KARMPDocumentWriter(m_arena);
 }
 
 Diagnostics KARMPDocumentWriter::RenderXml(std::string& bytes, const Limits& limits) const

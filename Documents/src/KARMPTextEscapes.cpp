@@ -71,6 +71,15 @@ void AppendCharacter(std::string& bytes, Unit unit)
     }
 }
 
+// ASCII characters that stand for themselves.
+void AppendPlain(std::string& bytes, std::wstring_view text)
+{
+    const std::size_t before = bytes.size();
+    bytes.resize(before + text.size());
+    std::transform(text.begin(), text.end(), bytes.begin() + static_cast<std::ptrdiff_t>(before),
+                   [](wchar_t character) { return static_cast<char>(character); });
+}
+
 void AppendNumber(std::string& bytes, Unit value, int base)
 {
     std::array<char, 16> digits{};
@@ -232,6 +241,20 @@ void DecodeBlank(std::wstring& text, std::string_view raw, std::size_t& place, T
     }
 }
 
+// Appends the leading characters that stand for themselves and gives their number: mostly all.
+std::size_t AppendWidened(std::wstring& text, std::string_view raw)
+{
+    const auto end = std::find_if(raw.begin(), raw.end(), [](char byte) {
+        return static_cast<unsigned char>(byte) >= 0x80 || byte == '&' || byte == '\\' ||
+               static_cast<unsigned char>(byte) < 0x20;
+    });
+    const auto count = static_cast<std::size_t>(end - raw.begin());
+    const std::size_t before = text.size();
+    text.resize(before + count);
+    std::copy(raw.begin(), end, text.begin() + static_cast<std::ptrdiff_t>(before));
+    return count;
+}
+
 bool IsNameStart(Unit unit)
 {
     if (unit < 0x80) {
@@ -271,15 +294,19 @@ void AppendEscaped(std::string& bytes, std::wstring_view text, TextPlace place)
         while (done < text.size() && IsPlain(UnitOf(text[done]))) {
             ++done;
         }
-        const bool atEnd = place == TextPlace::Element && done == text.size();
-        const bool leading = place == TextPlace::Element && start == 0;
-        for (std::size_t index = start; index < done; ++index) {
-            const bool edge = (leading && index == 0) || (atEnd && index + 1 == done);
-            if (edge && text[index] == L' ') {
-                AppendReference(bytes, ' ');
-            } else {
-                bytes.push_back(static_cast<char>(text[index]));
-            }
+        const bool inElement = place == TextPlace::Element;
+        std::size_t first = start;
+        std::size_t last = done;
+        if (inElement && start == 0 && done > 0 && text.front() == L' ') {
+            AppendReference(bytes, ' ');
+            ++first;
+        }
+        const bool blankEnd =
+            inElement && done == text.size() && last > first && text.back() == L' ';
+        last -= blankEnd ? 1 : 0;
+        AppendPlain(bytes, text.substr(first, last - first));
+        if (blankEnd) {
+            AppendReference(bytes, ' ');
         }
         if (done < text.size()) {
             AppendSpecial(bytes, text, done);
@@ -291,7 +318,7 @@ void AppendEscaped(std::string& bytes, std::wstring_view text, TextPlace place)
 bool AppendDecoded(std::wstring& text, std::string_view raw, TextPlace place)
 {
     bool known = true;
-    std::size_t done = 0;
+    std::size_t done = AppendWidened(text, raw);
     while (done < raw.size()) {
         const char byte = raw[done];
         if (byte == '&') {
@@ -312,7 +339,7 @@ bool AppendDecoded(std::wstring& text, std::string_view raw, TextPlace place)
 
 void AppendDecodedCData(std::wstring& text, std::string_view raw)
 {
-    std::size_t done = 0;
+    std::size_t done = AppendWidened(text, raw);
     while (done < raw.size()) {
         if (raw[done] == '\r') {
             DecodeBlank(text, raw, done, TextPlace::Element);

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstdint>
 #include <unordered_set>
 
 namespace karmp::documents {
@@ -88,22 +89,28 @@ bool XmlRenderer::Render(const KARMPDocumentWriter& node)
 // Writes a leaf whole; of any other element all up to its first child.
 bool XmlRenderer::Open(const Node& node)
 {
-    m_levels.push_back({&node, 0, false});
+    m_levels.push_back({&node, 0, false, 0, 0});
     if (m_levels.size() > m_limits.depth) {
         return Fail(Code::TooDeep,
                     "an element stands deeper than the limit of " + std::to_string(m_limits.depth));
     }
     m_bytes += '<';
+    Level& level = m_levels.back();
+    level.name = m_bytes.size();
     if (IsRoot(node)) {
         if (m_levels.size() > 1) {
             return Fail(Code::InvalidName, "an element has no name");
         }
         m_bytes += RootName;
+        level.nameLength = RootName.size();
         m_bytes += " version=\"";
         AppendEscaped(m_bytes, node.Version(), TextPlace::Attribute);
         m_bytes += '"';
-    } else if (!Name(node.GetId(), "element")) {
-        return false;
+    } else {
+        if (!Name(node.GetId(), "element")) {
+            return false;
+        }
+        level.nameLength = m_bytes.size() - level.name;
     }
     if (!Attributes(node)) {
         return false;
@@ -111,7 +118,7 @@ bool XmlRenderer::Open(const Node& node)
     if (!IsLeaf(node)) {
         m_bytes += '>';
         Value(node);
-        m_levels.back().oneLine = IsGroupOfNumbers(node);
+        level.oneLine = IsGroupOfNumbers(node);
         return true;
     }
     if (node.GetType() == Type::None) {
@@ -119,9 +126,7 @@ bool XmlRenderer::Open(const Node& node)
     } else {
         m_bytes += '>';
         Value(node);
-        m_bytes += "</";
-        ElementName(node);
-        m_bytes += '>';
+        EndTag(level);
     }
     m_levels.pop_back();
     return true;
@@ -134,9 +139,7 @@ void XmlRenderer::Close()
     if (!level.oneLine) {
         NewLine();
     }
-    m_bytes += "</";
-    ElementName(*level.node);
-    m_bytes += '>';
+    EndTag(level);
 }
 
 // At the indentation of what stands under the innermost open element.
@@ -146,25 +149,38 @@ void XmlRenderer::NewLine()
     m_bytes.append(std::min(m_levels.size(), DeepestIndentation), ' ');
 }
 
-// A name that was checked before.
-void XmlRenderer::ElementName(const Node& node)
+void XmlRenderer::EndTag(const Level& level)
 {
-    if (IsRoot(node)) {
-        m_bytes += RootName;
-    } else {
-        AppendUtf8(m_bytes, node.GetId());
-    }
+    m_bytes += "</";
+    m_bytes.append(m_bytes, level.name, level.nameLength);
+    m_bytes += '>';
 }
 
 bool XmlRenderer::Name(std::wstring_view name, std::string_view what)
+{
+    const auto place = reinterpret_cast<std::uintptr_t>(name.data());
+    KnownName& known = m_names[(place >> 4U ^ place >> 12U) % m_names.size()];
+    if (known.place != name.data() || known.length != name.size()) {
+        known.place = nullptr;
+        if (!CheckName(name, what, known.bytes)) {
+            return false;
+        }
+        known.place = name.data();
+        known.length = name.size();
+    }
+    m_bytes += known.bytes;
+    return true;
+}
+
+bool XmlRenderer::CheckName(std::wstring_view name, std::string_view what, std::string& bytes)
 {
     if (!IsXmlName(name)) {
         return Fail(Code::InvalidName,
                     "the " + std::string(what) + " name " + Quoted(name) + " is no XML name");
     }
-    const std::size_t start = m_bytes.size();
-    AppendUtf8(m_bytes, name);
-    if (m_bytes.size() - start > m_limits.nameLength) {
+    bytes.clear();
+    AppendUtf8(bytes, name);
+    if (bytes.size() > m_limits.nameLength) {
         return Fail(Code::NameTooLong, "the " + std::string(what) + " name " + Quoted(name) +
                                            " is longer than the limit of " +
                                            std::to_string(m_limits.nameLength) + " bytes");

@@ -4,7 +4,9 @@
 #include "KARMPDocumentWriter.h"
 #include "KARMPMessages.h"
 
+#include <array>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace karmp::documents {
@@ -28,6 +30,17 @@ private:
         const Node* node;
         std::size_t next;
         bool oneLine;
+        /// Where the name stands in the bytes, for the end tag.
+        std::size_t name;
+        std::size_t nameLength;
+    };
+    /// A name that was checked and converted, known by the place of its characters: the tree does
+    /// not change while it is rendered, and equal names mostly share theirs.
+    struct KnownName
+    {
+        const wchar_t* place = nullptr;
+        std::size_t length = 0;
+        std::string bytes;
     };
 
     static const Node* Child(const Node& node, std::size_t index);
@@ -37,7 +50,8 @@ private:
     bool Open(const Node& node);
     void Close();
     bool Name(std::wstring_view name, std::string_view what);
-    void ElementName(const Node& node);
+    bool CheckName(std::wstring_view name, std::string_view what, std::string& bytes);
+    void EndTag(const Level& level);
     bool Attributes(const Node& node);
     bool FindDuplicateAttribute(const Node& node);
     template <class Kind>
@@ -51,6 +65,7 @@ private:
     const Limits& m_limits;
     Messages& m_messages;
     std::vector<Level> m_levels;
+    std::array<KnownName, 256> m_names;
 };
 
 } // namespace karmp::documents
