@@ -49,7 +49,7 @@ protected:
         EXPECT_NE(place, std::string::npos) << from;
         return place == std::string::npos ? text : text.replace(place, from.size(), to);
     }
-    // The one message of a check.
+    // A check finds this, and nothing else of its severity.
     static void ExpectMessage(const Diagnostics& diagnostics, Code code, Severity severity,
                               const std::string& path)
     {
@@ -58,7 +58,10 @@ protected:
                 EXPECT_EQ(item.severity, severity) << Format(item);
                 EXPECT_NE(item.line, 0U);
                 EXPECT_NE(item.column, 0U);
-                EXPECT_EQ(diagnostics.items.size(), 1U) << Format(diagnostics.items[1]);
+                // An error may have warnings about the same thing in its wake.
+                EXPECT_EQ(diagnostics.Count(Severity::Error),
+                          severity == Severity::Error ? 1U : 0U);
+                EXPECT_TRUE(severity == Severity::Error || diagnostics.items.size() == 1U);
                 return;
             }
         }
