@@ -48,6 +48,7 @@ enum class Code : std::uint8_t {
     DuplicateIdentifier, ///< Two entities carry one identifier; the second replaces the first.
     UnresolvedReference, ///< A reference to an identifier that no entity carries.
     WrongClass,          ///< A reference to an entity of a class that does not fit there.
+    OneSidedLink,        ///< A link that the entity at its other end does not have.
     WrongRegistry,       ///< An entity stands in the list of another family.
     FailedCheck,         ///< The entity library reported a failed check.
     InvalidCast,         ///< The entity library gave up on a reference of a wrong class.

@@ -214,6 +214,7 @@ void DocumentChecker::Identify(const Node& entity)
              L"id");
         place->second = {&entity, &ClassOf(entity.Id())};
     }
+    m_links.Collect(entity, ClassOf(entity.Id()).lineage);
 }
 
 const DocumentChecker::Class& DocumentChecker::ClassOf(std::wstring_view element)
@@ -435,6 +436,23 @@ void DocumentChecker::CheckReference(const Node& node, const Item* item)
                  std::string(item->target),
              L"id");
         m_wrongReferences.push_back(&node);
+    } else if (item != nullptr) {
+        CheckCounterpart(node, identifier);
+    }
+}
+
+// The reference stands in an entity, or in a list of the entity.
+void DocumentChecker::CheckCounterpart(const Node& node, std::wstring_view target)
+{
+    constexpr std::size_t entityDepth = 3; // below the root, the world and the family's list
+    if (m_frames.size() != entityDepth + 1 && m_frames.size() != entityDepth + 2) {
+        return;
+    }
+    const Node& entity = *m_frames[entityDepth].node;
+    const Node& named = m_frames.size() == entityDepth + 1 ? node : *m_frames.back().node;
+    if (m_links.IsOneSided(entity, ClassOf(entity.Id()).lineage, named.Id(), target)) {
+        Tell(Severity::Warning, Code::OneSidedLink, node,
+             "the entity " + Quoted(target) + " does not refer back", L"id");
     }
 }
 

@@ -1,6 +1,7 @@
 // Compares the tree of a document with what the entity classes read.
 #pragma once
 
+#include "KARMPDocumentLinks.h"
 #include "KARMPDocumentReader.h"
 #include "KARMPDocumentSchema.h"
 #include "KARMPMessages.h"
@@ -80,6 +81,7 @@ private:
     void CheckText(const Node& node, const Item& item, std::wstring_view text,
                    std::wstring_view attribute);
     void CheckReference(const Node& node, const Item* item);
+    void CheckCounterpart(const Node& node, std::wstring_view target);
     void TellMissing(const Node& node, const Item& item, Code code, std::string_view what);
     void Tell(Severity severity, Code code, const Node& node, std::string text,
               std::wstring_view attribute = {});
@@ -90,6 +92,7 @@ private:
     std::wstring m_version;
     std::unordered_map<std::wstring_view, Class> m_classes;
     std::unordered_map<std::wstring_view, Identified> m_identifiers;
+    DocumentLinks m_links;
     std::vector<const Node*> m_wrongReferences;
     std::vector<Frame> m_frames;
     KARMPDeserializer::ElementList m_pending;

@@ -69,6 +69,8 @@ std::string_view CodeText(Code code)
         return "unresolved-reference";
     case Code::WrongClass:
         return "wrong-class";
+    case Code::OneSidedLink:
+        return "one-sided-link";
     case Code::WrongRegistry:
         return "wrong-registry";
     case Code::FailedCheck:

@@ -1,0 +1,106 @@
+// Links that both ends must have.
+#include "KARMPDocuments.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+using karmp::documents::CheckText;
+using karmp::documents::Code;
+using karmp::documents::Diagnostic;
+using karmp::documents::Diagnostics;
+
+/// A joint of a body, with a constraint on a geometry and a variable; every link has both sides.
+constexpr const char* Linked = R"(<?xml version="1.0" encoding="UTF-8"?>
+<KARMPDocument version="R2018.1">
+ <World>
+  <Bodies><Body id="B" name="B"><Geometries><Geometry id="G"/></Geometries><Joints><Joint id="J"/></Joints></Body></Bodies>
+  <Joints><Rigid id="J" name="J"><Bodies><Body id="B" name="B" bodyOrientation="In"/></Bodies><Constraints><Constraint id="C"/></Constraints></Rigid></Joints>
+  <Constraints><Concentricity id="C" name="C"><Geometries><Geometry id="G"/></Geometries><Joint id="J"/><Variables><Variable id="V"/></Variables></Concentricity></Constraints>
+  <Geometries><Point id="G" name="G"><Body id="B"/><Constraints><Constraint id="C"/></Constraints></Point></Geometries>
+  <Variables><Variable id="V" name="V"><Constraints><Constraint id="C"/></Constraints></Variable></Variables>
+ </World>
+</KARMPDocument>
+)";
+
+std::string without(const std::string& part)
+{
+    std::string text = Linked;
+    const auto place = text.find(part);
+    EXPECT_NE(place, std::string::npos) << part;
+    return text.erase(place, part.size());
+}
+
+std::size_t countOneSided(const Diagnostics& messages)
+{
+    std::size_t count = 0;
+    for (const Diagnostic& message : messages.items)
+        count += message.code == Code::OneSidedLink ? 1 : 0;
+    return count;
+}
+
+TEST(DocumentLinks, WithBothSidesAreNoFinding)
+{
+    EXPECT_EQ(countOneSided(CheckText(Linked)), 0U);
+}
+
+TEST(DocumentLinks, ThatOneSideLacksAreFoundAtTheOther)
+{
+    const struct
+    {
+        const char* missing;
+        const char* foundAt;
+    } cases[] = {
+        {"<Joints><Joint id=\"J\"/></Joints>", "/KARMPDocument/World/Joints/Rigid/Bodies/Body/@id"},
+        {"<Bodies><Body id=\"B\" name=\"B\" bodyOrientation=\"In\"/></Bodies>",
+         "/KARMPDocument/World/Bodies/Body/Joints/Joint/@id"},
+        {"<Variables><Variable id=\"V\"/></Variables>",
+         "/KARMPDocument/World/Variables/Variable/Constraints/Constraint/@id"},
+        {"<Body id=\"B\"/>", "/KARMPDocument/World/Bodies/Body/Geometries/Geometry/@id"},
+    };
+    for (const auto& item : cases) {
+        SCOPED_TRACE(item.missing);
+        const Diagnostics messages = CheckText(without(item.missing));
+        EXPECT_EQ(countOneSided(messages), 1U);
+        const Diagnostic* found = messages.Find(Code::OneSidedLink);
+        ASSERT_NE(found, nullptr);
+        EXPECT_EQ(found->path, item.foundAt);
+        EXPECT_GT(found->line, 0U);
+    }
+}
+
+TEST(DocumentLinks, OfAConstraintAreFoundForItsJointAndItsGeometry)
+{
+    std::string text = without("<Joint id=\"J\"/><Variables>");
+    text.insert(text.find("<Variable id=\"V\"/>"), "<Variables>");
+    Diagnostics messages = CheckText(text);
+    ASSERT_EQ(countOneSided(messages), 1U);
+    EXPECT_EQ(messages.Find(Code::OneSidedLink)->path,
+              "/KARMPDocument/World/Joints/Rigid/Constraints/Constraint/@id");
+
+    text = Linked;
+    const std::string list = "<Constraints><Constraint id=\"C\"/></Constraints>";
+    text.erase(text.find(list + "</Point>"), list.size());
+    messages = CheckText(text);
+    EXPECT_EQ(countOneSided(messages), 1U);
+    EXPECT_EQ(messages.Find(Code::OneSidedLink)->path,
+              "/KARMPDocument/World/Constraints/Concentricity/Geometries/Geometry/@id");
+}
+
+TEST(DocumentLinks, ToNothingAreToldOnceAsThat)
+{
+    std::string text = Linked;
+    text.replace(text.find("<Joint id=\"J\"/>"), 15, "<Joint id=\"X\"/>");
+    const Diagnostics messages = CheckText(text);
+    EXPECT_NE(messages.Find(Code::UnresolvedReference), nullptr);
+    EXPECT_EQ(countOneSided(messages), 1U); // the joint's reference to the body
+}
+
+TEST(DocumentLinks, HaveAStableCode)
+{
+    EXPECT_EQ(karmp::documents::CodeText(Code::OneSidedLink), "one-sided-link");
+}
+
+} // namespace
