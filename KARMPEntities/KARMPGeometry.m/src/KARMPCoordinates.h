@@ -83,9 +83,8 @@ KARStatus WriteKind(const Kind& kind, KARMPSerializer* serializer, std::wstring_
                     const std::tuple<Values...>& values,
                     KARMPSourceLocation where = KARMPSourceLocation::current())
 {
-    using Base = typename Kind::Super;
     ElementWriter element(serializer, name, where);
-    if (!element || !element.Base(kind.Base::Serialize(element.Node()), where))
+    if (!element || !element.Base(kind.Kind::Super::Serialize(element.Node()), where))
         return KARFailure;
     ElementWriter coordinates = element.Child(L"Coordinates", where);
     if (!coordinates)
@@ -102,9 +101,8 @@ KARStatus ReadKind(Kind& kind, const KARMPDeserializer* deserializer,
                    const std::tuple<Values...>& values,
                    KARMPSourceLocation where = KARMPSourceLocation::current())
 {
-    using Base = typename Kind::Super;
     ElementReader element(deserializer, name, where);
-    if (!element || !element.Base(kind.Base::Deserialize(element.Node(), entities), where))
+    if (!element || !element.Base(kind.Kind::Super::Deserialize(element.Node(), entities), where))
         return KARFailure;
     ElementReader coordinates = element.Child(L"Coordinates", Absent::ReportAndKeep, where);
     if (!coordinates)
