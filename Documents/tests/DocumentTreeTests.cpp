@@ -7,6 +7,7 @@
 #include <clocale>
 #include <cmath>
 #include <limits>
+#include <locale>
 #include <string>
 #include <vector>
 
@@ -255,6 +256,28 @@ TEST(DocumentTree, AByteOrderMarkAndCommentsAreSkipped)
     std::wstring text;
     document.Root()->GetElement(L"A", a, text);
     EXPECT_EQ(text, L"xz");
+}
+
+TEST(DocumentTree, IsTheSameUnderAStandardLibraryLocaleWithADecimalComma)
+{
+    class Comma : public std::numpunct<char>
+    {
+        char do_decimal_point() const override { return ','; }
+        char do_thousands_sep() const override { return '.'; }
+        std::string do_grouping() const override { return "\3"; }
+    };
+    KARMPDocumentWriter root;
+    Add(root, L"Value", 1234567.5)->AddAttribute(L"count", 1234567);
+    const std::string before = TextOf(root);
+    const std::locale locale = std::locale::global(std::locale(std::locale(), new Comma));
+    EXPECT_EQ(TextOf(root), before);
+    const Document document = Parsed(before);
+    std::locale::global(locale);
+    const KARMPDeserializer* node = nullptr;
+    double value = 0;
+    EXPECT_EQ(document.Root()->GetElement(L"Value", node, value), KARSuccess);
+    EXPECT_EQ(value, 1234567.5);
+    EXPECT_NE(before.find("<Value count=\"1234567\">1234567.5</Value>"), std::string::npos);
 }
 
 TEST(DocumentTree, IsTheSameInEveryLocale)
