@@ -18,6 +18,29 @@ namespace fs = std::filesystem;
 
 namespace {
 
+// Whom permissions bind, for as long as it lives: root becomes another user, who owns the folder.
+class OrdinaryUser
+{
+public:
+    explicit OrdinaryUser(const fs::path& folder)
+        : m_changed(::geteuid() == 0 &&
+                    ::chown(folder.c_str(), Nobody, static_cast<gid_t>(-1)) == 0 &&
+                    ::seteuid(Nobody) == 0)
+    {}
+    ~OrdinaryUser()
+    {
+        if (m_changed && ::seteuid(0) != 0) {
+            ADD_FAILURE() << "the user did not come back";
+        }
+    }
+    OrdinaryUser(const OrdinaryUser&) = delete;
+    OrdinaryUser& operator=(const OrdinaryUser&) = delete;
+
+private:
+    static constexpr uid_t Nobody = 65534;
+    bool m_changed;
+};
+
 class DocumentFile : public ::testing::Test
 {
 protected:
@@ -186,6 +209,7 @@ TEST_F(DocumentFile, TheOldOneSurvivesATreeThatCannotBeWritten)
 
 TEST_F(DocumentFile, TheOldOneSurvivesAFolderOrFileThatMustNotBeWritten)
 {
+    const OrdinaryUser user(m_folder);
     if (::geteuid() == 0) {
         GTEST_SKIP() << "permissions do not bind this user";
     }
