@@ -3,15 +3,28 @@
 
 #include "KARIMPEntityLoader.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
-/// The record of one or more loaders, which outlives them.
+/// A count that its copies share, so that a loader may be deleted after its record.
+class SharedCount
+{
+public:
+    void Increase() const { ++*m_count; }
+    operator int() const { return *m_count; }
+
+private:
+    std::shared_ptr<int> m_count = std::make_shared<int>(0);
+};
+
+/// The record of one or more loaders. Entities delete their loaders, mostly after the test's body;
+/// a loader that is called again then needs a record that still lives.
 struct LoaderRecord
 {
     std::vector<std::string> calls;
     KARStatus answer = KARSuccess;
-    int deleted = 0;
+    SharedCount deleted;
 
     KARStatus Note(const char* call)
     {
@@ -25,14 +38,17 @@ template <class Interface>
 class RecordingLoader : public Interface
 {
 public:
-    explicit RecordingLoader(LoaderRecord& record) : m_record(record) {}
-    ~RecordingLoader() override { ++m_record.deleted; }
+    explicit RecordingLoader(LoaderRecord& record) : m_record(record), m_deleted(record.deleted) {}
+    ~RecordingLoader() override { m_deleted.Increase(); }
 
     KARStatus OnActivate() override { return m_record.Note("OnActivate"); }
     KARStatus OnDeactivate() override { return m_record.Note("OnDeactivate"); }
 
 protected:
     LoaderRecord& m_record;
+
+private:
+    SharedCount m_deleted;
 };
 
 using RecordingEntityLoader = RecordingLoader<KARIMPEntityLoader>;
