@@ -286,7 +286,7 @@ TEST_F(Entity, CopyTakesThePlainValuesAndNothingElse)
     entity->AddParameter(TestAttribute<KARMPParameter>::create(L"p"));
     entity->AddState(TestAttribute<KARMPState>::create(L"s"));
     entity->AddOutput(TestAttribute<KARMPOutput>::create(L"o"));
-    const auto element = TestEntity::create(L"element");
+    auto element = TestEntity::create(L"element");
     entity->AddAggregatedElement(element);
     entity->SetID("text");
     entity->SetUniqueId(&uuid);
@@ -319,8 +319,8 @@ TEST_F(Entity, CopyTakesThePlainValuesAndNothingElse)
     EXPECT_EQ(copy->GetID(), "text");
     EXPECT_EQ(copy->GetUniqueId(), &uuid);
     copy.detach();
-    entity->orphanObject();
-    entity.detach();
+    TestEntity::destroy(element);
+    TestEntity::destroy(entity);
     EXPECT_EQ(model.Held(), 0U);
 }
 
