@@ -171,17 +171,25 @@ void QOBBasicEntity::releaseChildren()
 void QOBBasicEntity::orphanLogicalChildren()
 {
     std::vector<std::unique_ptr<Children>> families;
-    families.push_back(std::move(m_children));
+    // One entity's teardown may orphan another one, whose list of siblings is no longer where its
+    // parent had it, so that all of them leave before the first is orphaned.
+    const auto take = [&families](std::unique_ptr<Children> family) {
+        if (family == nullptr)
+            return;
+        for (const auto& child : family->slots) {
+            if (child)
+                child->m_parent = nullptr;
+        }
+        families.push_back(std::move(family));
+    };
+    take(std::move(m_children));
     while (!families.empty()) {
         const std::unique_ptr<Children> family = std::move(families.back());
         families.pop_back();
-        if (family == nullptr)
-            continue;
         for (const auto& child : family->slots) {
             if (!child)
                 continue;
-            child->m_parent = nullptr;
-            families.push_back(std::move(child->m_children));
+            take(std::move(child->m_children));
             child->orphanObject();
         }
     }

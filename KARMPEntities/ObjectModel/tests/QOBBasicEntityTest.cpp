@@ -178,6 +178,48 @@ TEST(BasicWorld, OrphansAllThatHangsUnderItWithItsLastReference)
     EXPECT_EQ(Item::s_living, before);
 }
 
+// An entity that takes another one along in its teardown.
+class Leader : public QOBBasicEntity
+{
+public:
+    void orphanObject() override
+    {
+        if (isOrphaned())
+            return;
+        if (follower)
+            follower->orphanObject();
+        follower.detach();
+        QOBBasicEntity::orphanObject();
+    }
+
+    QOBSharedHandle<QOBBasicEntity> follower;
+};
+
+TEST(BasicWorld, OrphansEntitiesThatOrphanOneAnother)
+{
+    const int before = Item::s_living;
+    std::vector<const Item*> orphaned;
+    {
+        const auto world = QOBBasicWorld::create(L"world");
+        const auto outer = makeItem(&orphaned);
+        world->addLogicalChild(outer);
+        // Beside one that is taken along, before and behind it, and beside the one above it.
+        for (const QOBSharedHandle<QOBBasicEntity>& above :
+             {QOBSharedHandle<QOBBasicEntity>(world), QOBSharedHandle<QOBBasicEntity>(outer)}) {
+            const auto taken = makeItem(&orphaned);
+            const QOBSharedHandle<Leader> first(new Leader);
+            const QOBSharedHandle<Leader> last(new Leader);
+            first->follower = taken;
+            last->follower = taken;
+            world->addLogicalChild(first);
+            above->addLogicalChild(taken);
+            world->addLogicalChild(last);
+        }
+    }
+    EXPECT_EQ(orphaned.size(), 3U);
+    EXPECT_EQ(Item::s_living, before);
+}
+
 TEST(BasicWorld, OrphanedWhileReferredToStaysItsOwnWorld)
 {
     const auto world = QOBBasicWorld::create(L"world");
