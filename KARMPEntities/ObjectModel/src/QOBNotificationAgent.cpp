@@ -18,6 +18,22 @@ struct QOBNotificationAgent::Subscribers
     std::vector<Subscription> subscriptions;
     int posting = 0;
 
+    // Counts the events that are being told; subscriptions stay in place until the last is done,
+    // also when a handler throws.
+    struct Posting
+    {
+        explicit Posting(Subscribers& all) : subscribers(all) { ++subscribers.posting; }
+        Posting(const Posting&) = delete;
+        Posting& operator=(const Posting&) = delete;
+        ~Posting()
+        {
+            if (--subscribers.posting == 0)
+                subscribers.dropRemoved();
+        }
+
+        Subscribers& subscribers;
+    };
+
     void dropRemoved()
     {
         std::erase_if(subscriptions, [](const Subscription& s) { return s.removed; });
@@ -78,7 +94,7 @@ void QOBNotificationAgent::postEvent(std::uint64_t number) const
     Events posted;
     posted.set(bit);
 
-    ++subscribers.posting;
+    const Subscribers::Posting scope(subscribers);
     const std::size_t count = subscribers.subscriptions.size();
     for (std::size_t i = 0; i < count; ++i) {
         if (subscribers.subscriptions[i].removed || !subscribers.subscriptions[i].events[bit])
@@ -89,8 +105,6 @@ void QOBNotificationAgent::postEvent(std::uint64_t number) const
         else
             subscribers.subscriptions[i].removed = true;
     }
-    if (--subscribers.posting == 0)
-        subscribers.dropRemoved();
 }
 
 void QOBNotificationAgent::addSubscriber(const QOBNotificationFunctor& functor, Events events,

@@ -131,6 +131,20 @@ TEST(NotificationAgent, OutlivesAHandlerThatReleasesIt)
     EXPECT_EQ(Item::s_living, before);
 }
 
+TEST(NotificationAgent, ForgetsARemovedSubscriberAlsoAfterAHandlerThrew)
+{
+    const auto item = makeItem();
+    const QOBSharedHandle<Listener> listener(new Listener);
+    auto content = std::make_shared<int>(0);
+    const std::weak_ptr<int> held = content;
+    Functor throws(*listener, [content = std::move(content)](auto, auto) { throw *content; });
+    item->addSubscriber(throws, mask(9));
+    EXPECT_THROW(item->postEvent(9), int);
+    item->removeSubscriber(throws);
+    throws = Functor();
+    EXPECT_TRUE(held.expired());
+}
+
 TEST(NotificationAgent, DropsItsSubscribersWhenOrphaned)
 {
     const auto item = makeItem();
