@@ -25,6 +25,12 @@ public:
     }
 };
 
+class OpenVariable : public KARMPVariable
+{
+public:
+    using KARMPVariable::RemoveParent;
+};
+
 class Variable : public KARMPTestFixture
 {
 protected:
@@ -313,6 +319,35 @@ TEST_F(Variable, OrphanedVariableLeavesItsConstraintsAndDropsThem)
     constraints[1]->GetLinkedVariable(0, left);
     EXPECT_EQ(left, other);
     EXPECT_EQ(variable->getReferenceCount(), 1U);
+}
+
+TEST_F(Variable, LeavingTheConstraintsGivesTheStatusOfTheLastOne)
+{
+    const QOBSharedHandle<OpenVariable> open(new OpenVariable);
+    EXPECT_EQ(open->RemoveParent(), KARSuccess);
+    for (int i = 0; i < 2; ++i)
+        open->LinkToConstraint(NewConstraint());
+    // The first one does not know the variable, which does not end the walk.
+    constraints[1]->LinkToVariable(open);
+    EXPECT_EQ(open->RemoveParent(), KARSuccess);
+    EXPECT_EQ(constraints[1]->GetLinkedVariableCount(), 0);
+    constraints[0]->LinkToVariable(open);
+    EXPECT_EQ(open->RemoveParent(), KARUnchanged);
+    EXPECT_EQ(constraints[0]->GetLinkedVariableCount(), 0);
+    EXPECT_EQ(open->GetLinkedConstraintCount(), 2);
+}
+
+TEST_F(Variable, CopyHasNoLinksWhateverTheMode)
+{
+    variable->SetValue(1.0);
+    variable->LinkToConstraint(NewConstraint());
+    for (const auto mode : {QOBDynamicObject::CopyDefault, QOBDynamicObject::CopyShallow,
+                            QOBDynamicObject::CopyDeep}) {
+        const auto copy = KARMPVariable::clone(variable, mode);
+        ASSERT_TRUE(copy);
+        EXPECT_TRUE(copy->HasValue());
+        EXPECT_EQ(copy->GetLinkedConstraintCount(), 0);
+    }
 }
 
 TEST_F(Variable, CopyTakesEverythingButTheLinks)
