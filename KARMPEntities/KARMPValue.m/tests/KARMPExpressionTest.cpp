@@ -33,6 +33,13 @@ public:
     }
 };
 
+// An expression that takes no equation.
+class RefusingExpression : public KARMPExpression
+{
+public:
+    KARStatus SetValue(KARWBEquation*) override { return KARFailure; }
+};
+
 class Expression : public KARMPTestFixture
 {
 protected:
@@ -310,6 +317,16 @@ TEST_F(Expression, EquationTextThatIsNotOneEquationIsReportedAndTheRestRead)
     }
     // Two equations had filled the factory before their number was tested.
     EXPECT_EQ(factory->GetNbOfEquations(), 2);
+}
+
+TEST_F(Expression, EquationThatItRefusesIsReportedAndTheRestRead)
+{
+    Element().Leaf(L"Value", L"x0").Add(L"Variables").Reference(L"Variable", L"x0");
+    const QOBSharedHandle<KARMPExpression> refusing(new RefusingExpression);
+    basicWorld->addLogicalChild(refusing);
+    EXPECT_EQ(refusing->Deserialize(&document, entities), KARSuccess);
+    ExpectReports(1);
+    EXPECT_EQ(refusing->GetLinkedVariableCount(), 1);
 }
 
 TEST_F(Expression, UnknownVariablesAreSkippedAndAMissingIdentifierIsReported)

@@ -32,6 +32,26 @@ struct Curve
     void* limits = nullptr;
 };
 
+// A function that neither gives its first curve nor takes a first one.
+class UnsureFunction : public KARMPSketchFunction
+{
+public:
+    KARStatus GetCurve(int index, KARBaseUnknown*& curve, KARMPCurveOrientation::Enum& orientation,
+                       void*& limits) const override
+    {
+        return index > 0 ? KARMPSketchFunction::GetCurve(index, curve, orientation, limits)
+                         : KARFailure;
+    }
+    KARStatus AddCurve(KARBaseUnknown* curve, KARMPCurveOrientation::Enum orientation,
+                       void* limits) override
+    {
+        return ++offered > 1 ? KARMPSketchFunction::AddCurve(curve, orientation, limits)
+                             : KARFailure;
+    }
+
+    int offered = 0;
+};
+
 Curve curveOf(const KARMPSketchFunction& function, int index)
 {
     Curve result;
@@ -294,6 +314,32 @@ TEST_F(SketchFunction, CurveThatIsNoStoredObjectIsReportedAndTheNextOneWritten)
     ExpectReports(1);
     EXPECT_EQ(root.Count(L"SketchFunction/CurveSegments/CurveSegment"), 2U);
     function.detach();
+}
+
+TEST_F(SketchFunction, CurveThatCannotBeHadIsReportedAndTheNextOneWritten)
+{
+    auto* const unsure = new UnsureFunction;
+    const QOBSharedHandle<KARMPSketchFunction> handle(unsure);
+    unsure->offered = 1;
+    unsure->AddCurve(line, KARMPCurveOrientation::Negative, &lineLimits);
+    unsure->AddCurve(arc, KARMPCurveOrientation::Positive, &arcLimits);
+    TestSerializer root;
+    EXPECT_EQ(unsure->Serialize(&root), KARSuccess);
+    ExpectReports(1);
+    const std::wstring segment = L"SketchFunction/CurveSegments/CurveSegment";
+    EXPECT_EQ(root.Count(segment), 1U);
+    EXPECT_EQ(root.Text(segment + L"/@curveOrientation"), L"Positive");
+}
+
+TEST_F(SketchFunction, CurveThatItRefusesIsReportedAndTheNextOneRead)
+{
+    AddTwoCurves();
+    TestSerializer root;
+    function->Serialize(&root);
+    const QOBSharedHandle<KARMPSketchFunction> refusing(new UnsureFunction);
+    EXPECT_EQ(refusing->Deserialize(TestDeserializer::From(root).get(), entities), KARSuccess);
+    ExpectReports(1);
+    EXPECT_EQ(refusing->GetCurveCount(), 1);
 }
 
 TEST_F(SketchFunction, WhateverIsMissingIsReportedAndTheRestIsRead)
