@@ -12,6 +12,37 @@
 
 namespace {
 
+/// A geometry that takes no links.
+class RefusingGeometry : public ConcreteEntity<KARMPGeometry>
+{
+public:
+    KARStatus SetBody(const QOBSharedHandle<KARMPBody>&) override { return KARFailure; }
+    KARStatus LinkToConstraint(const QOBSharedHandle<KARMPConstraint>&) override
+    {
+        return KARFailure;
+    }
+};
+
+/// A geometry that has its links elsewhere and cannot give the first constraint.
+class LendingGeometry : public ConcreteEntity<KARMPGeometry>
+{
+public:
+    KARStatus GetBody(QOBSharedHandle<KARMPBody>& given) const override
+    {
+        given = body;
+        return KARSuccess;
+    }
+    KARStatus GetLinkedConstraint(int index, QOBSharedHandle<KARMPConstraint>& given) const override
+    {
+        given = constraint;
+        return index > 0 ? KARSuccess : KARFailure;
+    }
+    int GetLinkedConstraintCount() const override { return 2; }
+
+    QOBSharedHandle<KARMPBody> body;
+    QOBSharedHandle<KARMPConstraint> constraint;
+};
+
 /// A geometry, a body and two constraints, linked as a test wants.
 class Geometry : public KARMPTestFixture
 {
@@ -194,6 +225,30 @@ TEST_F(Geometry, WritesNoLinksThatItDoesNotHave)
     TestSerializer root;
     EXPECT_EQ(geometry->Serialize(&root), KARSuccess);
     EXPECT_EQ(root.GetElementCount(), 0U);
+}
+
+TEST_F(Geometry, WritesWhatItsOwnGettersGive)
+{
+    auto* const lending = new LendingGeometry;
+    const Handle handle(lending);
+    lending->body = body;
+    lending->constraint = second;
+    TestSerializer root;
+    EXPECT_EQ(lending->Serialize(&root), KARSuccess);
+    EXPECT_EQ(root.Text(L"Body/@id"), L"body");
+    EXPECT_EQ(root.Count(L"Constraints/Constraint"), 2U);
+    EXPECT_TRUE(root.Flag(L"Constraints/Constraint/@id"));
+    EXPECT_EQ(root.Text(L"Constraints/Constraint[1]/@id"), L"second");
+}
+
+TEST_F(Geometry, ReportsEachLinkThatItRefuses)
+{
+    LinkAll();
+    TestSerializer root;
+    geometry->Serialize(&root);
+    const Handle refusing(new RefusingGeometry);
+    EXPECT_EQ(refusing->Deserialize(TestDeserializer::From(root).get(), entities), KARSuccess);
+    ExpectReports(3);
 }
 
 TEST_F(Geometry, ReadsItsLinks)
