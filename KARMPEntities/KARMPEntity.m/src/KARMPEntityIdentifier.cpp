@@ -43,8 +43,13 @@ KARStatus KARMPEntity::GetIdentifier(std::wstring& identifier) const
     identifier.clear();
     const std::wstring* made = nullptr;
     const KARStatus status = EnsureIdentifier(made);
-    if (made != nullptr)
-        identifier = *made;
+    try {
+        if (made != nullptr)
+            identifier = *made;
+    } catch (const std::bad_alloc&) {
+        KARMPVerify(false);
+        return KAROutOfMemory;
+    }
     return status;
 }
 
@@ -53,11 +58,16 @@ KARStatus KARMPEntity::EnsureIdentifier(const std::wstring*& identifier) const
     identifier = m_identifier.get();
     if (identifier != nullptr)
         return KARSuccess;
-    m_identifier.reset(new (std::nothrow) std::wstring);
-    if (!KARMPVerify(m_identifier != nullptr))
+    KARStatus status = KARSuccess;
+    try {
+        auto made = std::make_unique<std::wstring>();
+        status = KARGetEnv("NEW_MP_IDS") != nullptr ? GenerateID2(*made) : GenerateID(*made);
+        // Only now: what is there once stays for good, also when it is no more than a beginning.
+        m_identifier = std::move(made);
+    } catch (const std::bad_alloc&) {
+        KARMPVerify(false);
         return KAROutOfMemory;
-    const KARStatus status =
-        KARGetEnv("NEW_MP_IDS") != nullptr ? GenerateID2(*m_identifier) : GenerateID(*m_identifier);
+    }
     identifier = m_identifier.get();
     return status;
 }
@@ -66,8 +76,13 @@ KARStatus KARMPEntity::SetIdentifier(const std::wstring& identifier)
 {
     if (!KARMPVerify(m_identifier == nullptr))
         return KARFailure;
-    m_identifier.reset(new (std::nothrow) std::wstring(identifier));
-    return KARMPVerify(m_identifier != nullptr) ? KARSuccess : KARFailure;
+    try {
+        m_identifier = std::make_unique<std::wstring>(identifier);
+    } catch (const std::bad_alloc&) {
+        KARMPVerify(false);
+        return KARFailure;
+    }
+    return KARSuccess;
 }
 
 KARStatus KARMPEntity::GenerateID(std::wstring& identifier) const
