@@ -104,6 +104,33 @@ TEST_F(Identity, DestroyEmptiesTheHandleAndOrphansTheReferentForOthers)
     EXPECT_EQ(other->getEntityName(), L"entity");
 }
 
+// What classes that derive from an entity's have on top.
+class ForHeirs : public KARMPEntity
+{
+public:
+    using KARMPEntity::CloneObject;
+    using KARMPEntity::DestroyObject;
+};
+
+TEST_F(Identity, DestroyObjectOrphansTheReferentAndLeavesTheHandle)
+{
+    const auto entity = TestEntity::create(L"entity");
+    ForHeirs::DestroyObject(entity);
+    EXPECT_TRUE(entity->isOrphaned());
+    EXPECT_EQ(entity->getReferenceCount(), 1U);
+    ForHeirs::DestroyObject({});
+}
+
+TEST_F(Identity, CloneObjectGivesACopyWithOneReference)
+{
+    const auto entity = TestEntity::create(L"entity");
+    const auto copy = ForHeirs::CloneObject(entity, QOBDynamicObject::CopyDefault);
+    ASSERT_TRUE(copy);
+    EXPECT_NE(copy, entity);
+    EXPECT_EQ(copy->getReferenceCount(), 1U);
+    EXPECT_EQ(entity->getReferenceCount(), 1U);
+}
+
 TEST_F(Identity, DestroyOfANullHandleDoesNothing)
 {
     QOBSharedHandle<TestEntity> null;
