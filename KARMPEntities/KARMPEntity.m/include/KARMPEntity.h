@@ -113,7 +113,7 @@ public:
     /// Hands out the visual object with a reference for the caller, null without one; always 0.
     KARStatus GetMPVisuObject(KARBaseUnknown*& object) const;
     /// Borrows a visual object without counting it; always 0.
-    KARStatus SetMPVisuObject(KARBaseUnknown* object);
+    KARStatus SetMPVisuObject(const KARBaseUnknown* object);
 
     /// Hands out the identifier by which the entity is known in documents, made on first need and
     /// never changed after that. Out of memory is a failed check and KAROutOfMemory.

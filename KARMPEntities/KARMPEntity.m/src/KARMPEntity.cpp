@@ -14,7 +14,7 @@
 #include "KARUuid.h"
 #include "QOBBasicWorld.h"
 
-#include <new>
+#include <utility>
 
 KARMP_DEFINE_ABSTRACT_ENTITY(KARMPEntity, "980325BD-374E-4168-93FB-710D2C2E14A2");
 
@@ -187,9 +187,10 @@ KARStatus KARMPEntity::GetMPVisuObject(KARBaseUnknown*& object) const
     return KARSuccess;
 }
 
-KARStatus KARMPEntity::SetMPVisuObject(KARBaseUnknown* object)
+KARStatus KARMPEntity::SetMPVisuObject(const KARBaseUnknown* object)
 {
-    m_visuObject = object;
+    // Handing it out counts a reference, which a const object could not take.
+    m_visuObject = const_cast<KARBaseUnknown*>(object);
     return KARSuccess;
 }
 
@@ -295,13 +296,15 @@ KARStatus KARMPEntity::Deserialize(const KARMPDeserializer* deserializer,
     std::wstring text;
     if (element.Attribute(L"id", text, Absent::ReportAndKeep))
         SetIdentifier(text);
-    if (element.Attribute(L"name", text, Absent::ReportAndKeep))
-        setEntityName(text);
+    std::wstring name;
+    if (element.Attribute(L"name", name, Absent::ReportAndKeep))
+        setEntityName(std::move(name));
+    std::wstring_view active;
     if (karmp::AtLeast(element.Version(), karmp::R2017_1) &&
-        element.Attribute(L"isActive", text, Absent::ReportAndKeep)) {
-        if (text == L"yes")
+        element.Attribute(L"isActive", active, Absent::ReportAndKeep)) {
+        if (active == L"yes")
             Activate();
-        else if (text == L"no")
+        else if (active == L"no")
             Deactivate();
     }
     if (element.Attribute(L"entityID", text, Absent::Keep))

@@ -116,6 +116,11 @@ TEST_F(Entity, AggregatingAnElementMakesItTheParent)
     QOBSharedHandle<KARMPEntity> handle;
     EXPECT_EQ(element->GetParentEntity(handle), KARSuccess);
     EXPECT_EQ(handle, entity);
+    EXPECT_EQ(entity->GetAggregatedElementCount(), 1);
+    for (const int outside : {-1, 1}) {
+        EXPECT_EQ(entity->GetAggregatedElement(outside, handle), KARFailure);
+        EXPECT_FALSE(handle);
+    }
     EXPECT_EQ(entity->GetAggregatedElement(0, handle), KARSuccess);
     EXPECT_EQ(handle, element);
 
@@ -217,7 +222,8 @@ TEST_F(Entity, BorrowsItsVisualObjectButHandsOutAReference)
     KARBaseUnknown* object = &visual;
     EXPECT_EQ(entity->GetMPVisuObject(object), KARSuccess);
     EXPECT_EQ(object, nullptr);
-    EXPECT_EQ(entity->SetMPVisuObject(&visual), KARSuccess);
+    const KARBaseUnknown* borrowed = &visual;
+    EXPECT_EQ(entity->SetMPVisuObject(borrowed), KARSuccess);
     EXPECT_EQ(visual.Added(), 0U);
     EXPECT_EQ(entity->GetMPVisuObject(object), KARSuccess);
     EXPECT_EQ(visual.Added(), 1U);

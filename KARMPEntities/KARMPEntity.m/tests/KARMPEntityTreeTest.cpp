@@ -1,3 +1,4 @@
+#include "AllocationCounter.h"
 #include "KARMPEntityTable.h"
 #include "KARMPTestFixture.h"
 #include "KARMPVersions.h"
@@ -137,6 +138,12 @@ TEST_F(EntityTree, TellsAnAttachedLoaderOfAReadActivity)
     root.Attribute(L"id", L"E2").Attribute(L"name", L"n").Attribute(L"isActive", L"no");
     read->Deserialize(&root, entities);
     EXPECT_EQ(record.calls, std::vector<std::string>{"OnDeactivate"});
+    EXPECT_FALSE(read->IsActive());
+    root.Attribute(L"isActive", L"yes");
+    read->Deserialize(&root, entities);
+    ExpectReports(1); // of the identifier, which is there by then
+    EXPECT_EQ(record.calls, (std::vector<std::string>{"OnDeactivate", "OnActivate"}));
+    EXPECT_TRUE(read->IsActive());
     read->SetLoader(nullptr);
     EXPECT_EQ(record.deleted, 0);
 }
@@ -222,6 +229,22 @@ TEST_F(EntityTree, ReportsEveryFailedAdditionAndStillSucceeds)
             EXPECT_EQ(root.Text(L"@id"), L"E1");
         });
     EXPECT_EQ(creations, 6U);
+}
+
+TEST_F(EntityTree, LeavesTheIdentifierOutWhenThereIsNoMemoryForIt)
+{
+    if (!AllocationCounter::Counts)
+        GTEST_SKIP() << "allocations cannot fail in this build";
+    TestSerializer root;
+    {
+        AllocationCounter allocations;
+        allocations.FailAllocation(1);
+        EXPECT_EQ(read->Serialize(&root), KARSuccess);
+    }
+    EXPECT_GE(TakeReports(), 2U); // where it is made and where it is written
+    EXPECT_FALSE(root.Has(L"@id"));
+    EXPECT_TRUE(root.Has(L"@name"));
+    EXPECT_TRUE(root.Has(L"@isActive"));
 }
 
 TEST_F(EntityTree, SurvivesEachItemMissing)
