@@ -1,6 +1,6 @@
 #include "KARMPEllipse.h"
 
-#include "KARMPCoordinates.h"
+#include "KARMPConicCoordinates.h"
 
 KARMP_DEFINE_ENTITY(KARMPEllipse, "2C5061F4-6F15-4565-B119-29CA0D8B953D");
 
@@ -10,32 +10,17 @@ KARMPEllipse::KARMPEllipse(const KARMPEllipse& source, CopyMode mode)
 {}
 KARMPEllipse::~KARMPEllipse() = default;
 
-namespace {
-
-// What stands in "Coordinates", in order.
-auto coordinates(auto& center, auto& majorDirection, auto& normal, auto& majorRadius,
-                 auto& minorRadius)
-{
-    return std::tuple(karmp::Triple(karmp::CentreNames, center),
-                      karmp::Triple(karmp::DirectionNames, majorDirection),
-                      karmp::Triple(karmp::NormalNames, normal),
-                      karmp::Number(L"major_radius", majorRadius),
-                      karmp::Number(L"minor_radius", minorRadius));
-}
-
-} // namespace
-
 KARStatus KARMPEllipse::Serialize(KARMPSerializer* serializer) const
 {
-    return karmp::WriteKind(
-        *this, serializer, L"Ellipse",
-        coordinates(m_center, m_majorDirection, m_normal, m_majorRadius, m_minorRadius));
+    return karmp::WriteKind(*this, serializer, L"Ellipse",
+                            karmp::ConicCoordinates(m_center, m_majorDirection, m_normal,
+                                                    m_majorRadius, m_minorRadius));
 }
 
 KARStatus KARMPEllipse::Deserialize(const KARMPDeserializer* deserializer,
                                     const KARMPEntityTable& entities)
 {
-    return karmp::ReadKind(
-        *this, deserializer, entities, L"Ellipse",
-        coordinates(m_center, m_majorDirection, m_normal, m_majorRadius, m_minorRadius));
+    return karmp::ReadKind(*this, deserializer, entities, L"Ellipse",
+                           karmp::ConicCoordinates(m_center, m_majorDirection, m_normal,
+                                                   m_majorRadius, m_minorRadius));
 }

@@ -1,6 +1,6 @@
 #include "KARMPHyperbola.h"
 
-#include "KARMPCoordinates.h"
+#include "KARMPConicCoordinates.h"
 
 KARMP_DEFINE_ENTITY(KARMPHyperbola, "33B59224-4573-4659-B071-6992102A46BB");
 
@@ -10,32 +10,17 @@ KARMPHyperbola::KARMPHyperbola(const KARMPHyperbola& source, CopyMode mode)
 {}
 KARMPHyperbola::~KARMPHyperbola() = default;
 
-namespace {
-
-// What stands in "Coordinates", in order.
-auto coordinates(auto& center, auto& majorDirection, auto& normal, auto& majorRadius,
-                 auto& minorRadius)
-{
-    return std::tuple(karmp::Triple(karmp::CentreNames, center),
-                      karmp::Triple(karmp::DirectionNames, majorDirection),
-                      karmp::Triple(karmp::NormalNames, normal),
-                      karmp::Number(L"major_radius", majorRadius),
-                      karmp::Number(L"minor_radius", minorRadius));
-}
-
-} // namespace
-
 KARStatus KARMPHyperbola::Serialize(KARMPSerializer* serializer) const
 {
-    return karmp::WriteKind(
-        *this, serializer, L"Hyperbola",
-        coordinates(m_center, m_majorDirection, m_normal, m_majorRadius, m_minorRadius));
+    return karmp::WriteKind(*this, serializer, L"Hyperbola",
+                            karmp::ConicCoordinates(m_center, m_majorDirection, m_normal,
+                                                    m_majorRadius, m_minorRadius));
 }
 
 KARStatus KARMPHyperbola::Deserialize(const KARMPDeserializer* deserializer,
                                       const KARMPEntityTable& entities)
 {
-    return karmp::ReadKind(
-        *this, deserializer, entities, L"Hyperbola",
-        coordinates(m_center, m_majorDirection, m_normal, m_majorRadius, m_minorRadius));
+    return karmp::ReadKind(*this, deserializer, entities, L"Hyperbola",
+                           karmp::ConicCoordinates(m_center, m_majorDirection, m_normal,
+                                                   m_majorRadius, m_minorRadius));
 }

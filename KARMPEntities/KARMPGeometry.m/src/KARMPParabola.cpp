@@ -1,6 +1,6 @@
 #include "KARMPParabola.h"
 
-#include "KARMPCoordinates.h"
+#include "KARMPConicCoordinates.h"
 
 KARMP_DEFINE_ENTITY(KARMPParabola, "14EFD987-446A-445c-B8AD-A26C2ED4D2E7");
 
@@ -10,28 +10,17 @@ KARMPParabola::KARMPParabola(const KARMPParabola& source, CopyMode mode)
 {}
 KARMPParabola::~KARMPParabola() = default;
 
-namespace {
-
-// What stands in "Coordinates", in order.
-auto coordinates(auto& center, auto& majorDirection, auto& normal, auto& curvature)
-{
-    return std::tuple(karmp::Triple(karmp::CentreNames, center),
-                      karmp::Triple(karmp::DirectionNames, majorDirection),
-                      karmp::Triple(karmp::NormalNames, normal),
-                      karmp::Number(L"curvature", curvature));
-}
-
-} // namespace
-
 KARStatus KARMPParabola::Serialize(KARMPSerializer* serializer) const
 {
-    return karmp::WriteKind(*this, serializer, L"Parabola",
-                            coordinates(m_center, m_majorDirection, m_normal, m_curvature));
+    return karmp::WriteKind(
+        *this, serializer, L"Parabola",
+        karmp::ConicCoordinates(m_center, m_majorDirection, m_normal, m_curvature));
 }
 
 KARStatus KARMPParabola::Deserialize(const KARMPDeserializer* deserializer,
                                      const KARMPEntityTable& entities)
 {
-    return karmp::ReadKind(*this, deserializer, entities, L"Parabola",
-                           coordinates(m_center, m_majorDirection, m_normal, m_curvature));
+    return karmp::ReadKind(
+        *this, deserializer, entities, L"Parabola",
+        karmp::ConicCoordinates(m_center, m_majorDirection, m_normal, m_curvature));
 }
