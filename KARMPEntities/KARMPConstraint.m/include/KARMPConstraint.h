@@ -95,7 +95,7 @@ protected:
     ~KARMPConstraint() override;
 
 private:
-    void writeParameters(KARMPSerializer* element) const;
+    void WriteParameters(KARMPSerializer* element) const;
 
     QOBSharedHandle<KARMPJoint> m_joint;
     KARMPLinkList<KARMPGeometry> m_geometries;

@@ -40,10 +40,10 @@ protected:
     ~KARMPLinearEquation() override;
 
 private:
-    bool writeConstant(KARMPSerializer* element) const;
-    bool writeTerms(KARMPSerializer* element) const;
-    bool readConstant(const KARMPDeserializer* element);
-    bool readTerms(const KARMPDeserializer* element);
+    bool WriteConstant(KARMPSerializer* element) const;
+    bool WriteTerms(KARMPSerializer* element) const;
+    bool ReadConstant(const KARMPDeserializer* element);
+    bool ReadTerms(const KARMPDeserializer* element);
 
     std::vector<double> m_terms;
     double m_constant = 0.0;

@@ -26,12 +26,12 @@ KARStatus KARMPConstraint::Serialize(KARMPSerializer* serializer) const
     element.References<KARMPSensor>(
         L"Sensors", L"Sensor", GetLinkedSensorCount(),
         [this](int index, auto& sensor) { return GetLinkedSensor(index, sensor); });
-    writeParameters(element.Node());
+    WriteParameters(element.Node());
     // A link or parameter that could not be written was reported and is no failure of the whole.
     return KARSuccess;
 }
 
-void KARMPConstraint::writeParameters(KARMPSerializer* element) const
+void KARMPConstraint::WriteParameters(KARMPSerializer* element) const
 {
     // One initialized parameter lets all be written, the others included.
     const bool wanted =

@@ -81,12 +81,12 @@ KARStatus KARMPLinearEquation::Serialize(KARMPSerializer* serializer) const
     // The direct base would add an element of its own.
     if (!element || !element.Base(KARMPConstraint::Serialize(element.Node())))
         return KARFailure;
-    const bool constantWritten = writeConstant(element.Node());
-    const bool termsWritten = writeTerms(element.Node());
+    const bool constantWritten = WriteConstant(element.Node());
+    const bool termsWritten = WriteTerms(element.Node());
     return KARMPVerify(constantWritten && termsWritten) ? KARSuccess : KARFailure;
 }
 
-bool KARMPLinearEquation::writeConstant(KARMPSerializer* element) const
+bool KARMPLinearEquation::WriteConstant(KARMPSerializer* element) const
 {
     karmp::ElementWriter constant(element, ConstantName);
     if (!constant)
@@ -99,7 +99,7 @@ bool KARMPLinearEquation::writeConstant(KARMPSerializer* element) const
     return !KARFailed(constant.Status());
 }
 
-bool KARMPLinearEquation::writeTerms(KARMPSerializer* element) const
+bool KARMPLinearEquation::WriteTerms(KARMPSerializer* element) const
 {
     karmp::ElementWriter list(element, TermsName);
     if (!list)
@@ -126,12 +126,12 @@ KARStatus KARMPLinearEquation::Deserialize(const KARMPDeserializer* deserializer
     // The direct base would look for an element of its own.
     if (!element || !element.Base(KARMPConstraint::Deserialize(element.Node(), entities)))
         return KARFailure;
-    const bool constantRead = readConstant(element.Node());
-    const bool termsRead = readTerms(element.Node());
+    const bool constantRead = ReadConstant(element.Node());
+    const bool termsRead = ReadTerms(element.Node());
     return constantRead && termsRead ? KARSuccess : KARFailure;
 }
 
-bool KARMPLinearEquation::readConstant(const KARMPDeserializer* element)
+bool KARMPLinearEquation::ReadConstant(const KARMPDeserializer* element)
 {
     using karmp::Absent;
     karmp::ElementReader constant =
@@ -146,7 +146,7 @@ bool KARMPLinearEquation::readConstant(const KARMPDeserializer* element)
     return !KARFailed(constant.Status());
 }
 
-bool KARMPLinearEquation::readTerms(const KARMPDeserializer* element)
+bool KARMPLinearEquation::ReadTerms(const KARMPDeserializer* element)
 {
     using karmp::Absent;
     const karmp::ElementReader list =
