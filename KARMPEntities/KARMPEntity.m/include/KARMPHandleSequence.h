@@ -47,6 +47,7 @@ private:
     std::size_t PositionOf(std::size_t slot) const;
     void Empty(std::size_t slot);
     void BuildIndex();
+    void RebuildIndex() noexcept;
     void Compact();
 
     std::vector<QOBSharedBase> m_slots; // an empty handle is a hole

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstdint>
+#include <new>
 #include <unordered_map>
 #include <utility>
 
@@ -10,6 +11,14 @@ namespace {
 
 // Up to here a scan of the handles beats the upkeep of an index.
 constexpr std::size_t LongestScanned = 48;
+
+// Makes the next entry at the end cost no memory.
+template <class T>
+void makeRoom(std::vector<T>& entries)
+{
+    if (entries.size() == entries.capacity())
+        entries.reserve(2 * entries.size() + 1);
+}
 
 } // namespace
 
@@ -105,14 +114,18 @@ void KARMPHandleSequence::Append(const QOBSharedBase& handle)
 {
     if (!handle)
         return;
-    m_slots.push_back(handle);
+    if (m_index == nullptr && m_slots.size() >= LongestScanned)
+        BuildIndex();
     if (m_index != nullptr) {
-        m_index->slots.emplace(handle._getReferent(), m_slots.size() - 1);
+        // Room comes first, so that nothing is half done when memory ends.
+        makeRoom(m_slots);
+        if (!m_index->counts.empty())
+            makeRoom(m_index->counts);
+        m_index->slots.emplace(handle._getReferent(), m_slots.size());
         if (!m_index->counts.empty())
             m_index->Push();
-    } else if (m_slots.size() > LongestScanned) {
-        BuildIndex();
     }
+    m_slots.push_back(handle);
 }
 
 void KARMPHandleSequence::Insert(std::size_t position, const QOBSharedBase& handle)
@@ -126,7 +139,7 @@ void KARMPHandleSequence::Insert(std::size_t position, const QOBSharedBase& hand
     Compact();
     m_slots.insert(m_slots.begin() + static_cast<std::ptrdiff_t>(position), handle);
     if (m_index != nullptr || m_slots.size() > LongestScanned)
-        BuildIndex();
+        RebuildIndex();
 }
 
 bool KARMPHandleSequence::Remove(const QOBSharedObject* object, std::size_t* position)
@@ -231,11 +244,22 @@ void KARMPHandleSequence::BuildIndex()
     m_index = std::move(index);
 }
 
+// Without memory for an index the handles are scanned, until the next entry makes one.
+void KARMPHandleSequence::RebuildIndex() noexcept
+{
+    m_index.reset();
+    try {
+        BuildIndex();
+    } catch (const std::bad_alloc&) {
+        m_index.reset();
+    }
+}
+
 void KARMPHandleSequence::Compact()
 {
     if (m_holes == 0)
         return;
     std::erase_if(m_slots, [](const QOBSharedBase& handle) { return !handle; });
     m_holes = 0;
-    BuildIndex();
+    RebuildIndex();
 }

@@ -1,9 +1,11 @@
 #include "KARMPHandleSequence.h"
+#include "AllocationCounter.h"
 #include "KARMPLinkList.h"
 #include "KARMPTestFixture.h"
 #include "TestEntity.h"
 
 #include <algorithm>
+#include <new>
 #include <random>
 
 namespace {
@@ -119,6 +121,75 @@ TEST(HandleSequence, EmptiesALongListFromEitherEndInLinearTime)
             const QOBSharedBase entry = sequence.At(place);
             ASSERT_TRUE(sequence.Remove(entry._getReferent()));
         }
+    }
+}
+
+TEST(HandleSequence, AnAdditionForWhichMemoryEndsChangesNothing)
+{
+    if (!AllocationCounter::Counts)
+        GTEST_SKIP() << "allocations cannot fail in this build";
+    const Entities entities = makeEntities(300);
+    KARMPHandleSequence sequence;
+    std::vector<QOBSharedBase> expected;
+    const auto takeOut = [&](std::size_t place) {
+        sequence.Take(place);
+        expected.erase(expected.begin() + static_cast<std::ptrdiff_t>(place));
+    };
+    std::size_t failures = 0;
+    for (const auto& entity : entities) {
+        bool added = false;
+        for (std::size_t failing = 1; !added; ++failing) {
+            AllocationCounter allocations;
+            allocations.FailAllocation(failing);
+            try {
+                sequence.Append(entity);
+                added = true;
+            } catch (const std::bad_alloc&) {
+                ++failures;
+            }
+            ASSERT_EQ(sequence.Contains(entity.get()), added);
+        }
+        expected.push_back(entity);
+        // A long sequence has holes from here on.
+        if (expected.size() % 60 == 0)
+            takeOut(20);
+        expectSame(sequence, expected);
+    }
+    EXPECT_GT(failures, 50U);
+    while (!expected.empty())
+        takeOut(expected.size() / 2);
+    expectSame(sequence, expected);
+}
+
+TEST(HandleSequence, LosesNothingWhenMemoryEndsWhileItIsOrderedAnew)
+{
+    if (!AllocationCounter::Counts)
+        GTEST_SKIP() << "allocations cannot fail in this build";
+    const Entities entities = makeEntities(120);
+    KARMPHandleSequence sequence;
+    std::vector<QOBSharedBase> expected;
+    for (const auto& entity : entities) {
+        sequence.Append(entity);
+        expected.push_back(entity);
+    }
+    sequence.Take(5);
+    expected.erase(expected.begin() + 5);
+    {
+        AllocationCounter allocations;
+        allocations.FailAllocation(1);
+        sequence.Insert(7, entities[5]);
+    }
+    expected.insert(expected.begin() + 7, entities[5]);
+    expectSame(sequence, expected);
+    EXPECT_TRUE(sequence.Contains(entities[119].get()));
+    sequence.Append(entities[5]);
+    expected.push_back(entities[5]);
+    while (!expected.empty()) {
+        const QOBSharedBase last = expected.back();
+        const auto first = std::find(expected.begin(), expected.end(), last);
+        ASSERT_TRUE(sequence.Remove(last._getReferent()));
+        expected.erase(first);
+        expectSame(sequence, expected);
     }
 }
 
