@@ -1,5 +1,6 @@
 #include "KARMPSerializationServices.h"
 #include "KARMPConstant.h"
+#include "KARMPElementWriter.h"
 #include "KARMPTestFixture.h"
 #include "KARMPVariable.h"
 #include "KARMathPoint.h"
@@ -145,6 +146,21 @@ TEST_F(ValueReferences, AreWrittenWithIdentifierAndName)
     EXPECT_EQ(Services::Serialize(&root, first, L"Stiffness"), KARSuccess);
     EXPECT_EQ(root.Text(L"Stiffness/@id"), L"K1");
     EXPECT_EQ(root.Text(L"Stiffness/@name"), L"one");
+}
+
+// Whether names are written is decided once a process.
+class ValueReferencesProcess : public ValueReferences
+{};
+
+TEST_F(ValueReferencesProcess, BearTheirNamesWhereOtherReferencesHaveNone)
+{
+    ASSERT_FALSE(KARMPSerializer::SerializeName());
+    EXPECT_EQ(Services::Serialize(&root, first, L"Stiffness"), KARSuccess);
+    EXPECT_EQ(root.Text(L"Stiffness/@id"), L"K1");
+    EXPECT_EQ(root.Text(L"Stiffness/@name"), L"one");
+    karmp::ElementWriter(&root).Reference(L"Other", first);
+    EXPECT_EQ(root.Text(L"Other/@id"), L"K1");
+    EXPECT_FALSE(root.Has(L"Other/@name"));
 }
 
 TEST_F(ValueReferences, ManyAreWrittenInTheOrderOfTheirNames)

@@ -10,3 +10,7 @@ karmp_process_test(
     SERIALIZATION_PRECISION=
 )
 karmp_process_test(KARMPSerializationTests NodeTextProcess.EqualNamesShareTheirStorage)
+karmp_process_test(
+    KARMPSerializationTests ValueReferencesProcess.BearTheirNamesWhereOtherReferencesHaveNone
+    NO_MP_NAME_FOR_SERIALIZATION=0
+)
