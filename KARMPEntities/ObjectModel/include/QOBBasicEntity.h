@@ -70,6 +70,7 @@ private:
     friend class QOBBasicWorld;
 
     void enterWorld(QOBBasicWorld* world);
+    QOBBasicEntity* childFrom(std::size_t slot) const;
     void leaveParent();
     void releaseChildren();
     void compactChildren();

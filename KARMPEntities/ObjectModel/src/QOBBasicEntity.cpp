@@ -48,12 +48,13 @@ KARStatus QOBBasicEntity::addLogicalChild(const QOBSharedHandle<QOBBasicEntity>&
     if (hasLogicalChild(child))
         return KARUnchanged;
 
-    child->leaveParent();
+    // The new place first: without memory for it the child keeps its former one.
     if (m_children == nullptr)
         m_children = std::make_unique<Children>();
-    child->m_parent = this;
-    child->m_slot = m_children->slots.size();
     m_children->slots.push_back(child);
+    child->leaveParent();
+    child->m_parent = this;
+    child->m_slot = m_children->slots.size() - 1;
     ++m_children->count;
     child->enterWorld(m_world);
     return KARSuccess;
@@ -104,27 +105,32 @@ double QOBBasicEntity::getSimulationTime() const
 
 void QOBBasicEntity::resetEntity() {}
 
-// Tells this entity and all below it, with a worklist since a hierarchy may be deep.
+// Tells this entity and all below it. A hierarchy may be deep, and a destructor must not need
+// memory, so that the walk keeps nothing but its place.
 void QOBBasicEntity::enterWorld(QOBBasicWorld* world)
 {
     if (m_world == world)
         return;
-    m_world = world;
-    if (m_children == nullptr)
-        return;
-    std::vector<QOBBasicEntity*> entities{this};
-    while (!entities.empty()) {
-        const QOBBasicEntity* entity = entities.back();
-        entities.pop_back();
-        if (entity->m_children == nullptr)
-            continue;
-        for (const auto& child : entity->m_children->slots) {
-            if (!child)
-                continue;
-            child->m_world = world;
-            entities.push_back(child.get());
+    QOBBasicEntity* entity = this;
+    while (entity != nullptr) {
+        entity->m_world = world;
+        QOBBasicEntity* next = entity->childFrom(0);
+        while (next == nullptr && entity != this) {
+            next = entity->m_parent->childFrom(entity->m_slot + 1);
+            entity = entity->m_parent;
         }
+        entity = next;
     }
+}
+
+QOBBasicEntity* QOBBasicEntity::childFrom(std::size_t slot) const
+{
+    if (m_children == nullptr)
+        return nullptr;
+    const auto& slots = m_children->slots;
+    while (slot < slots.size() && !slots[slot])
+        ++slot;
+    return slot < slots.size() ? slots[slot].get() : nullptr;
 }
 
 // The caller holds a handle on this entity: its parent may hold the last one otherwise.

@@ -1,7 +1,10 @@
+#include "AllocationCounter.h"
 #include "ObjectModelTestClasses.h"
 #include "QOBBasicBody3D.h"
 
 #include <gtest/gtest.h>
+
+#include <new>
 
 namespace {
 
@@ -127,6 +130,63 @@ TEST(BasicEntity, MovesAChildToItsNewParent)
     EXPECT_EQ(first->getLogicalChildCount(), 0U);
     EXPECT_EQ(second->addLogicalChild(child), KARUnchanged);
     EXPECT_EQ(second->getLogicalChildCount(), 1U);
+}
+
+TEST(BasicEntity, KeepsItsPlaceWhenThereIsNoMemoryForAnother)
+{
+    if (!AllocationCounter::Counts)
+        GTEST_SKIP() << "allocations cannot fail in this build";
+    const auto world = QOBBasicWorld::create(L"world");
+    const auto other = makeItem();
+    const auto child = makeItem();
+    const auto nested = makeItem();
+    world->addLogicalChild(child);
+    child->addLogicalChild(nested);
+    std::size_t failing = 0;
+    for (bool moved = false; !moved;) {
+        AllocationCounter allocations;
+        allocations.FailAllocation(++failing);
+        try {
+            EXPECT_EQ(other->addLogicalChild(child), KARSuccess);
+            moved = true;
+        } catch (const std::bad_alloc&) {
+            EXPECT_TRUE(world->hasLogicalChild(child));
+            EXPECT_EQ(child->getWorld(), world);
+            EXPECT_EQ(nested->getWorld(), world);
+        }
+    }
+    // A list and its first slot; telling what is below takes none.
+    EXPECT_EQ(failing, 3U);
+    EXPECT_TRUE(other->hasLogicalChild(child));
+    EXPECT_FALSE(nested->getWorld());
+    EXPECT_EQ(world->getLogicalChildCount(), 0U);
+}
+
+TEST(BasicEntity, TellsAWholeBranchOfItsWorld)
+{
+    const auto world = QOBBasicWorld::create(L"world");
+    const auto root = makeItem();
+    const auto beside = makeItem();
+    world->addLogicalChild(beside);
+    // Branches of several depths, with children taken out in front, between and behind.
+    std::vector<QOBSharedHandle<Item>> items{root};
+    for (std::size_t i = 0; i < 60; ++i) {
+        items.push_back(makeItem());
+        items[i / 3]->addLogicalChild(items.back());
+    }
+    for (const std::size_t leaf : {60U, 59U, 58U, 55U, 44U, 43U, 42U})
+        items[leaf]->orphanObject();
+    const auto expectWorld = [&](const QOBSharedHandle<QOBBasicWorld>& expected) {
+        for (const auto& item : items)
+            EXPECT_EQ(item->getWorld(), item->isOrphaned() ? nullptr : expected.get());
+    };
+    world->addLogicalChild(root);
+    expectWorld(world);
+    items[2]->addLogicalChild(items[30]);
+    expectWorld(world);
+    makeItem()->addLogicalChild(root);
+    expectWorld(nullptr);
+    EXPECT_EQ(beside->getWorld(), world);
 }
 
 TEST(BasicEntity, RefusesNullItselfAndItsAncestorsAsChildren)
