@@ -12,6 +12,7 @@
 #include "KARMPVariable.h"
 #include "KARMPVersions.h"
 #include "KARMPWorld.h"
+#include "KARMPWorldFamilies.h"
 #include "KARProcessServices.h"
 #include "QOBBasicWorld.h"
 #include "TestDeserializer.h"
@@ -186,6 +187,21 @@ TEST_F(AllClasses, HaveTheirPlaceInTheIdentityTable)
         EXPECT_EQ(entity->getEntityName(), L"");
         EXPECT_EQ(entity->getReferenceCount(), 1U);
     }
+}
+
+// Most of these are abstract, so that no factory makes them.
+TEST_F(AllClasses, ThatHeadAFamilyHaveTheirPlaceInTheIdentityTable)
+{
+    karmp::Families::ForEach([](auto family) {
+        using T = typename decltype(family)::Type;
+        SCOPED_TRACE(T::ClassName());
+        const ClassIdentity* identity = identityOf(T::ClassName());
+        ASSERT_NE(identity, nullptr);
+        EXPECT_EQ(T::ClassID().getText(), identity->guid);
+        EXPECT_EQ(T::ClassInfo().getParent()->getName(), identity->parent);
+        EXPECT_EQ(T::ClassInfo().getSize(), sizeof(T));
+        EXPECT_EQ(T::ClassInfo().getCreateFunction(), nullptr);
+    });
 }
 
 TEST_F(AllClasses, AreClonedWithNothingButTheirOwnValues)
