@@ -3,6 +3,8 @@
 #include "KARMPEquation.h"
 #include "KARMPTestFixture.h"
 #include "RecordingVariableLoader.h"
+#include "TestDeserializer.h"
+#include "TestSerializer.h"
 
 namespace {
 
@@ -22,6 +24,17 @@ public:
                                   QOBSharedHandle<KARMPConstraint>& constraint) const override
     {
         return index != 1 ? KARMPVariable::GetLinkedConstraint(index, constraint) : KARFailure;
+    }
+};
+
+// A variable whose first link refers to nothing.
+class HollowVariable : public KARMPVariable
+{
+public:
+    KARStatus GetLinkedConstraint(int index,
+                                  QOBSharedHandle<KARMPConstraint>& constraint) const override
+    {
+        return index != 0 ? KARMPVariable::GetLinkedConstraint(index, constraint) : KARSuccess;
     }
 };
 
@@ -270,6 +283,18 @@ TEST_F(VariableNotification, LinkThatCannotBeHadIsReportedAndTheNextOneTold)
     EXPECT_EQ(ofSecond, 1);
 }
 
+TEST_F(VariableNotification, LinkWithoutAConstraintIsReportedAndTheNextOneTold)
+{
+    variable = QOBSharedHandle<KARMPVariable>(new HollowVariable);
+    for (int i = 0; i < 2; ++i)
+        variable->LinkToConstraint(NewConstraint());
+    Watch(constraints[1], ofSecond);
+    variable->SetType(KARMPVariableType::Controlled);
+    EXPECT_EQ(variable->UpdateValue(3.0), KARSuccess);
+    ExpectReports(1);
+    EXPECT_EQ(ofSecond, 1);
+}
+
 TEST_F(Variable, SecondLinkToTheSameConstraintChangesNothing)
 {
     const auto constraint = NewConstraint();
@@ -335,6 +360,34 @@ TEST_F(Variable, LeavingTheConstraintsGivesTheStatusOfTheLastOne)
     EXPECT_EQ(open->RemoveParent(), KARUnchanged);
     EXPECT_EQ(constraints[0]->GetLinkedVariableCount(), 0);
     EXPECT_EQ(open->GetLinkedConstraintCount(), 2);
+}
+
+// Which of the five numbers are set.
+std::vector<bool> flagsOf(const KARMPVariable& variable)
+{
+    return {variable.HasValue(), variable.HasMinValue(), variable.HasMaxValue(),
+            variable.HasRestitutionOnMinLimit(), variable.HasRestitutionOnMaxLimit()};
+}
+
+TEST_F(Variable, EachFlagGoesItsOwnWayIntoCopiesAndThroughTheTree)
+{
+    using Setter = KARStatus (KARMPVariable::*)(double);
+    const std::vector<Setter> setters{
+        &KARMPVariable::SetValue, &KARMPVariable::SetMinValue, &KARMPVariable::SetMaxValue,
+        &KARMPVariable::SetRestitutionOnMinLimit, &KARMPVariable::SetRestitutionOnMaxLimit};
+    for (std::size_t one = 0; one < setters.size(); ++one) {
+        const auto source = KARMPVariable::create(L"source");
+        ((*source).*setters[one])(0.5);
+        std::vector<bool> expected(setters.size());
+        expected[one] = true;
+        ASSERT_EQ(flagsOf(*source), expected);
+        EXPECT_EQ(flagsOf(*KARMPVariable::clone(source, QOBDynamicObject::CopyDefault)), expected);
+        TestSerializer root;
+        source->Serialize(&root);
+        const auto read = KARMPVariable::create(L"");
+        EXPECT_EQ(read->Deserialize(TestDeserializer::From(root).get(), {}), KARSuccess);
+        EXPECT_EQ(flagsOf(*read), expected);
+    }
 }
 
 TEST_F(Variable, CopyHasNoLinksWhateverTheMode)
