@@ -33,10 +33,11 @@ public:
     }
 };
 
-// An expression that takes no equation.
+// An expression that takes no equation and no mapping.
 class RefusingExpression : public KARMPExpression
 {
 public:
+    KARStatus SetVariableMapping(const Mapping&) override { return KARFailure; }
     KARStatus SetValue(KARWBEquation*) override { return KARFailure; }
 };
 
@@ -327,6 +328,15 @@ TEST_F(Expression, EquationThatItRefusesIsReportedAndTheRestRead)
     EXPECT_EQ(refusing->Deserialize(&document, entities), KARSuccess);
     ExpectReports(1);
     EXPECT_EQ(refusing->GetLinkedVariableCount(), 1);
+}
+
+TEST_F(Expression, MappingThatItRefusesIsReported)
+{
+    Element().Add(L"VariableMapping").Leaf(L"Var0", 3);
+    const QOBSharedHandle<KARMPExpression> refusing(new RefusingExpression);
+    EXPECT_EQ(refusing->Deserialize(&document, entities), KARUnchanged);
+    ExpectReports(1);
+    EXPECT_TRUE(MappingOf(*refusing).empty());
 }
 
 TEST_F(Expression, UnknownVariablesAreSkippedAndAMissingIdentifierIsReported)

@@ -284,6 +284,24 @@ TEST_F(SketchFunction, SingleDirectionStandsForBothAndTheNormalIsReported)
     EXPECT_EQ(normal, KARMathVector());
 }
 
+TEST_F(SketchFunction, WhatTheAxisLacksStaysAsItIs)
+{
+    copy->SetReferenceAxis({1, 2, 3}, {4, 5, 6}, {7, 8, 9});
+    TestDeserializer tree(L"SketchFunction");
+    tree.Attribute(L"id", L"F9").Attribute(L"name", L"f").Attribute(L"isActive", L"yes");
+    tree.Add(L"ReferenceAxis").Add(L"Origin").Leaf(L"Oy", 0.5);
+    EXPECT_EQ(copy->Deserialize(&tree, entities), KARSuccess);
+    // Two coordinates and both elements "Direction".
+    ExpectReports(4);
+    KARMathPoint origin;
+    KARMathVector direction;
+    KARMathVector normal;
+    copy->GetReferenceAxis(origin, direction, normal);
+    EXPECT_EQ(origin, KARMathPoint(1, 0.5, 3));
+    EXPECT_EQ(direction, KARMathVector(4, 5, 6));
+    EXPECT_EQ(normal, KARMathVector(7, 8, 9));
+}
+
 TEST_F(SketchFunction, WithTheVariableOnlyTheFirstSegmentIsWrittenAndWithoutAStream)
 {
     AddTwoCurves();

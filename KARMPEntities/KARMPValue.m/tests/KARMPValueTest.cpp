@@ -327,6 +327,19 @@ TEST_F(Value, AdditionThatFailsIsReportedAndFails)
     }
 }
 
+TEST_F(Value, OfEachKindFailsWithoutItsElementOrItsValue)
+{
+    for (const QOBSharedHandle<KARMPValue>& value :
+         std::vector<QOBSharedHandle<KARMPValue>>{constant, flag, string}) {
+        const std::size_t creations =
+            ForEachFailedCreation(L"R2018.1", [&](TestSerializer& root, std::size_t failing) {
+                EXPECT_EQ(value->Serialize(&root), failing == 0 ? KARSuccess : KARFailure);
+                EXPECT_EQ(TakeReports() != 0, failing != 0);
+            });
+        EXPECT_EQ(creations, 2U);
+    }
+}
+
 TEST_F(Value, OfAnOutputIsLeftOutUnlessTheVariableIsSet)
 {
     const std::vector<QOBSharedHandle<KARMPValue>> values{constant, flag, string};
