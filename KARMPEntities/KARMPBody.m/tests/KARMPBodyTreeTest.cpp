@@ -385,6 +385,8 @@ TEST_F(BodyTree, KnowsVelocitiesOnlyWithAPositiveComponent)
     EXPECT_TRUE(known({-1.0, -1.0, 1.0}, {}));
     EXPECT_TRUE(known({}, {0.0, 0.0, 1.0}));
     EXPECT_FALSE(known({-1.0, 0.0, 0.0}, {}));
+    EXPECT_FALSE(known({0.0, -1.0, 0.0}, {}));
+    EXPECT_FALSE(known({0.0, 0.0, -1.0}, {}));
     EXPECT_FALSE(known({}, {0.0, -1.0, 0.0}));
     EXPECT_FALSE(known({}, {}));
 }
