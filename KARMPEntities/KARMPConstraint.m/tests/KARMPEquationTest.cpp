@@ -186,6 +186,28 @@ public:
     int silentTerm = -1;
 };
 
+/// Has a constant of its own.
+class ConstantEquation : public KARMPLinearEquation
+{
+public:
+    bool HasConstantTerm() const override { return true; }
+    KARStatus GetConstantTerm(double& value) const override
+    {
+        value = 7.5;
+        return KARSuccess;
+    }
+};
+
+TEST_F(LinearEquation, WritesTheConstantThatItsGettersTell)
+{
+    const QOBSharedHandle<KARMPLinearEquation> handle(new ConstantEquation);
+    handle->AddLinearTerm(1.0);
+    TestSerializer root;
+    EXPECT_EQ(handle->Serialize(&root), KARSuccess);
+    EXPECT_TRUE(root.Flag(L"LinearEquation/ConstantTerm/HasConstantTerm"));
+    EXPECT_EQ(root.Number(L"LinearEquation/ConstantTerm/ConstantTermValue"), 7.5);
+}
+
 TEST_F(LinearEquation, KeepsItsTermsByIndex)
 {
     EXPECT_EQ(equation->AddLinearTerm(1.5), KARSuccess);
