@@ -422,20 +422,23 @@ EntityItems MakeEntityItems()
     return byName;
 }
 
+// All of it is always written. The library keeps what it has where an item is missing, in silence.
 Item MakeWorldItem()
 {
+    const auto global = [](std::wstring_view name, std::string_view target) {
+        Item item = Reference(name, target);
+        item.presence = Presence::Expected;
+        return item;
+    };
     Item world = Group(L"World",
-                       {Numbers(L"Origin", {L"Ox", L"Oy", L"Oz"}, Presence::Optional),
-                        Numbers(L"Size", {L"SizeX", L"SizeY", L"SizeZ"}, Presence::Optional),
-                        Numbers(L"Gravity", {L"Gx", L"Gy", L"Gz"}, Presence::Optional),
-                        Group(L"Globals",
-                              {Reference(L"GlobalBody", "KARMPBody"),
-                               Reference(L"GlobalAxisSystem", "KARMPAxisSystem"),
-                               Reference(L"GlobalTime", "KARMPVariable")},
-                              Presence::Optional)},
+                       {Numbers(L"Origin", {L"Ox", L"Oy", L"Oz"}),
+                        Numbers(L"Size", {L"SizeX", L"SizeY", L"SizeZ"}),
+                        Numbers(L"Gravity", {L"Gx", L"Gy", L"Gz"}),
+                        Group(L"Globals", {global(L"GlobalBody", "KARMPBody"),
+                                           global(L"GlobalAxisSystem", "KARMPAxisSystem"),
+                                           global(L"GlobalTime", "KARMPVariable")})},
                        Presence::Required);
-    world.attributes = {Number(L"linear_tolerance", Presence::Optional),
-                        Number(L"angular_tolerance", Presence::Optional)};
+    world.attributes = {Number(L"linear_tolerance"), Number(L"angular_tolerance")};
     for (const Family& family : Families()) {
         world.elements.push_back(Group(family.element, {}, Presence::Optional));
     }
