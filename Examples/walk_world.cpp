@@ -7,34 +7,31 @@
 namespace {
 
 // A document in memory stands for a file.
-constexpr const char* Text = R"(<?xml version="1.0" encoding="UTF-8"?>
-<KARMPDocument version="R2018.1">
- <World linear_tolerance="0.001" angular_tolerance="1e-09">
-  <Variables>
-   <Variable id="v1" name="Angle" isActive="yes">
-    <Value><HasValue>true</HasValue><Value>0.3</Value></Value>
-    <MaxValue><HasMaxValue>false</HasMaxValue></MaxValue>
-    <MinValue><HasMinValue>false</HasMinValue></MinValue>
-    <MaxLimitRestitution><HasMaxLimitRestitution>false</HasMaxLimitRestitution></MaxLimitRestitution>
-    <MinLimitRestitution><HasMinLimitRestitution>false</HasMinLimitRestitution></MinLimitRestitution>
-    <PhysicalQuantity>Angle</PhysicalQuantity>
-    <Type>Free</Type>
-   </Variable>
-  </Variables>
-  <Values>
-   <Constant id="c1" name="Damping" isActive="yes"><Value>0.05</Value></Constant>
-   <Boolean id="b1" name="Visible" isActive="yes"><Value>TRUE</Value></Boolean>
-  </Values>
- </World>
-</KARMPDocument>
-)";
+std::string smallDocument()
+{
+    const auto basicWorld = QOBBasicWorld::create(L"Small");
+    const auto world = KARMPWorld::create(basicWorld);
+    const auto angle = KARMPVariable::create(L"Angle");
+    angle->SetValue(0.3);
+    basicWorld->addLogicalChild(angle);
+    world->Add<KARMPVariable>(angle);
+    // Adding a value places it as well.
+    const auto damping = KARMPConstant::create(L"Damping");
+    damping->SetPhysicalQuantity(KARMPPhysicalQuantity::LinearDamping);
+    damping->SetValue(0.05, "double");
+    world->Add<KARMPValue>(damping);
+
+    std::string text;
+    karmp::documents::SaveText(world, text);
+    return text;
+}
 
 } // namespace
 
 int main(int argc, char** argv)
 {
     const auto loaded = argc > 1 ? karmp::documents::LoadFile(argv[1])
-                                 : karmp::documents::LoadText(Text, "built in");
+                                 : karmp::documents::LoadText(smallDocument(), "built in");
     for (const auto& message : loaded.diagnostics.items)
         std::cerr << karmp::documents::Format(message) << '\n';
     if (!loaded.world)
