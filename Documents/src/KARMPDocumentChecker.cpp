@@ -4,6 +4,7 @@
 #include "KARMPEntity.h"
 #include "KARMPFailedCheck.h"
 #include "KARMPGenericFactory.h"
+#include "KARMPNodeArena.h"
 #include "KARMPSerializationServices.h"
 #include "KARMPTextEscapes.h"
 #include "KARTextConversion.h"
@@ -544,7 +545,8 @@ void Document::Check()
 void Document::DropWrongReferences()
 {
     for (KARMPDocumentReader* node : m_wrongReferences) {
-        node->AddAttributeValue(L"id", m_unusedIdentifier);
+        node->PlaceAttribute(karmp::NodeText::Name(L"id", *m_arena),
+                             karmp::NodeText::Copy(m_unusedIdentifier, *m_arena), *m_arena);
     }
     m_wrongReferences.clear();
 }

@@ -55,8 +55,7 @@ Document::Document(Document&& other) noexcept
 Document& Document::operator=(Document&& other) noexcept
 {
     if (this != &other) {
-        // The nodes go before the memory they stand in.
-        delete std::exchange(m_root, std::exchange(other.m_root, nullptr));
+        m_root = std::exchange(other.m_root, nullptr);
         m_arena = std::move(other.m_arena);
         m_name = std::move(other.m_name);
         m_version = std::move(other.m_version);
@@ -68,10 +67,8 @@ Document& Document::operator=(Document&& other) noexcept
     return *this;
 }
 
-Document::~Document()
-{
-    delete m_root;
-}
+// The nodes end with the memory that they and all their parts stand in.
+Document::~Document() = default;
 
 Document Document::ReadFile(const std::filesystem::path& path, const Limits& limits)
 {

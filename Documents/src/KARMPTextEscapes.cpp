@@ -241,13 +241,16 @@ void DecodeBlank(std::wstring& text, std::string_view raw, std::size_t& place, T
     }
 }
 
+bool IsSelfStanding(char byte)
+{
+    return static_cast<unsigned char>(byte) < 0x80 && byte != '&' && byte != '\\' &&
+           static_cast<unsigned char>(byte) >= 0x20;
+}
+
 // Appends the leading characters that stand for themselves and gives their number: mostly all.
 std::size_t AppendWidened(std::wstring& text, std::string_view raw)
 {
-    const auto end = std::find_if(raw.begin(), raw.end(), [](char byte) {
-        return static_cast<unsigned char>(byte) >= 0x80 || byte == '&' || byte == '\\' ||
-               static_cast<unsigned char>(byte) < 0x20;
-    });
+    const auto end = std::find_if_not(raw.begin(), raw.end(), IsSelfStanding);
     const auto count = static_cast<std::size_t>(end - raw.begin());
     const std::size_t before = text.size();
     text.resize(before + count);
@@ -335,6 +338,11 @@ bool AppendDecoded(std::wstring& text, std::string_view raw, TextPlace place)
         }
     }
     return known;
+}
+
+bool StandsForItself(std::string_view raw)
+{
+    return std::all_of(raw.begin(), raw.end(), IsSelfStanding);
 }
 
 void AppendDecodedCData(std::wstring& text, std::string_view raw)

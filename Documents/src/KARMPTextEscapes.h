@@ -22,6 +22,9 @@ void AppendEscaped(std::string& bytes, std::wstring_view text, TextPlace place);
 /// holds an "&" that begins no known reference; that one is kept as it stands.
 bool AppendDecoded(std::wstring& text, std::string_view raw, TextPlace place);
 
+/// True when raw UTF-8 is ASCII that AppendDecoded appends as it is, in either place.
+bool StandsForItself(std::string_view raw);
+
 /// Appends the characters of a CDATA section.
 void AppendDecodedCData(std::wstring& text, std::string_view raw);
 

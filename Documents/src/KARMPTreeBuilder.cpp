@@ -17,6 +17,9 @@ namespace {
 
 constexpr std::string_view Blanks = " \t\r\n";
 
+// Values up to this length are likely to occur again: "0", "true", "yes".
+constexpr std::size_t LongestRepeated = 5;
+
 // No references, line ends or blanks are touched by the parser: they are decoded afterwards, where
 // a literal blank and a reference to one can still be told apart.
 constexpr unsigned ParseFlags = pugi::parse_minimal | pugi::parse_cdata | pugi::parse_doctype |
@@ -115,7 +118,10 @@ Document TreeBuilder::ReadText(std::string text, std::string name, const Limits&
 TreeBuilder::TreeBuilder(Document& document, std::string& text)
     : m_document(document),
       m_messages(document.m_messages, document.m_name, document.m_limits.diagnostics),
-      m_text(text)
+      m_text(text),
+      m_memory(*document.m_arena),
+      m_names(m_memory, RepeatedTexts::Kind::Names),
+      m_values(m_memory, RepeatedTexts::Kind::Values)
 {}
 
 void TreeBuilder::Run()
@@ -132,8 +138,8 @@ void TreeBuilder::Run()
         m_messages.Error(Code::OutOfMemory, "the document is too large for memory");
     }
     if (!complete) {
-        delete m_document.m_root;
         m_document.m_root = nullptr;
+        m_document.m_arena->Clear();
     }
 }
 
@@ -265,9 +271,12 @@ bool TreeBuilder::ReadVersion(const pugi::xml_node& root, SourceText& lines)
     return true;
 }
 
-// Walks the parsed form and gives its parts back as soon as they are read.
+// Walks the parsed form and gives its parts back when they are read: an element together with those
+// of its children that have none themselves.
 bool TreeBuilder::BuildTree(pugi::xml_node root, SourceText& lines)
 {
+    m_version = karmp::NodeText::Name(m_document.m_version, m_memory);
+    m_isOtherVersion = m_document.m_version != CurrentVersion;
     if (!Enter(root, lines)) {
         return false;
     }
@@ -302,17 +311,22 @@ bool TreeBuilder::CountNode(SourcePlace place)
 bool TreeBuilder::WideName(const char* name, const KARMPDocumentReader* node, SourcePlace place)
 {
     const std::string_view bytes = name;
-    m_name.clear();
     if (bytes.size() > m_document.m_limits.nameLength) {
-        AppendDecodedCData(m_name, bytes.substr(0, 100));
+        std::wstring start;
+        AppendDecodedCData(start, bytes.substr(0, 100));
         return Fail(Code::NameTooLong,
                     std::string(node != nullptr ? "the attribute" : "the element") + " name " +
-                        Quoted(m_name) + " is longer than the limit of " +
+                        Quoted(start) + " is longer than the limit of " +
                         std::to_string(m_document.m_limits.nameLength) + " bytes",
                     place, Path());
     }
-    AppendDecodedCData(m_name, bytes);
+    m_name = &m_names.Get(bytes);
     return true;
+}
+
+karmp::NodeText TreeBuilder::ValueText(std::wstring_view text)
+{
+    return karmp::NodeText::Copy(text, m_memory);
 }
 
 bool TreeBuilder::Enter(pugi::xml_node source, SourceText& lines)
@@ -327,19 +341,16 @@ bool TreeBuilder::Enter(pugi::xml_node source, SourceText& lines)
     if (!CountNode(place) || !WideName(source.name(), nullptr, place)) {
         return false;
     }
-    std::unique_ptr<KARMPDocumentReader> made(new (*m_document.m_arena)
-                                                  KARMPDocumentReader(place.line, place.column));
-    KARMPDocumentReader* const node = made.get();
-    node->SetId(m_name);
-    if (m_document.m_version != CurrentVersion) {
-        node->SetVersion(m_document.m_version);
+    auto* const node = new (m_memory) KARMPDocumentReader(place.line, place.column);
+    node->PlaceId(*m_name);
+    if (m_isOtherVersion) {
+        node->PlaceVersion(m_version);
     }
     if (m_levels.empty()) {
         m_document.m_root = node;
     } else {
-        m_levels.back().node->AddElement(m_name, node);
+        m_levels.back().node->PlaceElement(*m_name, node, m_memory);
     }
-    made.release();
 
     const pugi::xml_node first = source.first_child();
     const bool hasElements = first && HasElements(source);
@@ -353,12 +364,9 @@ bool TreeBuilder::Enter(pugi::xml_node source, SourceText& lines)
         }
         return true;
     }
-    node->SetValue(Decode(source.value(), TextPlace::Element, *node, {}));
+    node->PlaceValue(Decode(source.value(), TextPlace::Element, *node, {}));
     node->m_hasText = 1;
     m_levels.pop_back();
-    if (!m_levels.empty()) {
-        m_levels.back().source.remove_child(source);
-    }
     return true;
 }
 
@@ -367,7 +375,7 @@ void TreeBuilder::Leave()
     const Level level = std::move(m_levels.back());
     m_levels.pop_back();
     if (level.hasText || !level.hasElements) {
-        level.node->SetValue(std::wstring_view(level.text));
+        level.node->PlaceValue(ValueText(level.text));
         level.node->m_hasText = 1;
     }
     if (!m_levels.empty()) {
@@ -404,21 +412,31 @@ bool TreeBuilder::ReadAttributes(const pugi::xml_node& source, KARMPDocumentRead
         if (!CountNode(place) || !WideName(attribute.name(), &node, place)) {
             return false;
         }
-        if (node.HasAttribute(m_name)) {
+        const karmp::NodeText& name = *m_name;
+        if (node.GetAttributeCount() > 0 && node.HasAttribute(name.View())) {
             m_messages.Error(Code::DuplicateAttribute,
-                             "the attribute " + Quoted(m_name) +
+                             "the attribute " + Quoted(name.View()) +
                                  " stands twice; the last one is taken",
                              Path(), node.Line(), node.Column());
         }
-        node.AddAttributeValue(
-            m_name, Decode(attribute.value(), TextPlace::Attribute, node, attribute.name()));
+        node.PlaceAttribute(name,
+                            Decode(attribute.value(), TextPlace::Attribute, node, attribute.name()),
+                            m_memory);
     }
     return true;
 }
 
-std::wstring_view TreeBuilder::Decode(const char* raw, TextPlace place,
-                                      const KARMPDocumentReader& node, std::string_view attribute)
+karmp::NodeText TreeBuilder::Decode(const char* raw, TextPlace place,
+                                    const KARMPDocumentReader& node, std::string_view attribute)
 {
+    const std::string_view bytes = raw;
+    if (bytes.empty()) {
+        return {};
+    }
+    if (StandsForItself(bytes)) {
+        return bytes.size() <= LongestRepeated ? m_values.Get(bytes)
+                                               : karmp::NodeText::Widen(bytes, m_memory);
+    }
     m_value.clear();
     if (!AppendDecoded(m_value, raw, place)) {
         std::string path = Path();
@@ -429,7 +447,7 @@ std::wstring_view TreeBuilder::Decode(const char* raw, TextPlace place,
         m_messages.Error(Code::Reference, "a text holds an unknown reference", std::move(path),
                          node.Line(), node.Column());
     }
-    return m_value;
+    return ValueText(m_value);
 }
 
 std::string TreeBuilder::Path() const

@@ -3,6 +3,8 @@
 
 #include "KARMPDocumentReader.h"
 #include "KARMPMessages.h"
+#include "KARMPNodeArena.h"
+#include "KARMPRepeatedTexts.h"
 #include "KARMPSourceText.h"
 #include "KARMPTextEscapes.h"
 
@@ -49,8 +51,9 @@ private:
     void Leave();
     bool ReadAttributes(const pugi::xml_node& source, KARMPDocumentReader& node);
     void ReadText(Level& level, const pugi::xml_node& source);
-    std::wstring_view Decode(const char* raw, TextPlace place, const KARMPDocumentReader& node,
-                             std::string_view attribute);
+    karmp::NodeText Decode(const char* raw, TextPlace place, const KARMPDocumentReader& node,
+                           std::string_view attribute);
+    karmp::NodeText ValueText(std::wstring_view text);
     bool WideName(const char* name, const KARMPDocumentReader* node, SourcePlace place);
     bool CountNode(SourcePlace place);
     bool Fail(Code code, std::string text, SourcePlace place, std::string path = {});
@@ -62,7 +65,12 @@ private:
     pugi::xml_document m_source;
     std::vector<Level> m_levels;
     std::size_t m_nodes = 0;
-    std::wstring m_name;
+    NodeArena& m_memory;
+    RepeatedTexts m_names;
+    RepeatedTexts m_values;
+    karmp::NodeText m_version;
+    bool m_isOtherVersion = false;
+    const karmp::NodeText* m_name = nullptr;
     std::wstring m_value;
 };
 

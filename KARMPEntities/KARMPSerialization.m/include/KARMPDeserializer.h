@@ -12,6 +12,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 /// A node of the tree on its reading side. A node owns its children; the creator of a root owns the
@@ -130,13 +131,31 @@ protected:
         AddBoolAttributeValue(name, value);
     }
 
+    /// The same for a subclass whose nodes stand in one memory for a whole tree: the texts and the
+    /// lists of the nodes stand there as well, so that the tree may end with the memory, without
+    /// its nodes being destroyed one by one.
+    void PlaceVersion(const karmp::NodeText& version) { m_version = version; }
+    void PlaceId(const karmp::NodeText& id) { m_name = id; }
+    void PlaceValue(karmp::NodeText value) { m_value = std::move(value); }
+    void PlaceElement(const karmp::NodeText& name, KARMPDeserializer* child,
+                      karmp::NodeMemory& memory);
+    /// Returns false when the value took the place of an earlier one.
+    bool PlaceAttribute(const karmp::NodeText& name, karmp::NodeText value,
+                        karmp::NodeMemory& memory);
+
 private:
     struct Group;
     struct Branch;
+    /// Ends what stands in a tree's memory or in memory of its own.
+    struct Release
+    {
+        void operator()(Branch* branch) const noexcept;
+    };
 
     void SetBoolValue(bool value);
     void AddBoolAttributeValue(std::wstring_view name, bool value);
     void PutAttribute(std::wstring_view name, karmp::NodeValue&& value);
+    void AppendAttribute(karmp::NodeAttribute&& attribute, karmp::NodeMemory* memory);
     const karmp::NodeAttribute* FindAttribute(std::wstring_view name) const;
     template <class T>
     KARStatus ConvertAttribute(std::wstring_view name, T& value) const;
@@ -148,13 +167,13 @@ private:
     static KARStatus GetAttrVal(const karmp::NodeValue& stored, int& value);
     static KARStatus GetAttrVal(const karmp::NodeValue& stored, double& value);
     static KARStatus GetAttrVal(const karmp::NodeValue& stored, bool& value);
-    Branch& NeedBranch();
+    Branch& NeedBranch(karmp::NodeMemory* memory);
     void Clean() noexcept;
 
     karmp::NodeText m_name;
     karmp::NodeValue m_value;
     karmp::NodeArray<karmp::NodeAttribute> m_attributes;
     /// Children and indexes: what most nodes do not have.
-    std::unique_ptr<Branch> m_branch;
+    std::unique_ptr<Branch, Release> m_branch;
     karmp::NodeText m_version;
 };

@@ -2,11 +2,12 @@
 // model has millions of nodes, most of them with a name and a number only.
 #pragma once
 
+#include "KARMPExport.h"
+#include "KARMPNodeMemory.h"
 #include "KARMPSerializationVariable.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <memory>
 #include <new>
 #include <stdexcept>
@@ -21,8 +22,8 @@ namespace karmp {
 /// An immutable wide text in the room of one pointer.
 ///
 /// Names and versions are few and repeat in every entity, so that their storage is shared by the
-/// whole process; all other texts are owned.
-class NodeText
+/// whole process; all other texts are owned, or stand in the memory of a tree, which outlives them.
+class KARMP_API NodeText
 {
 public:
     NodeText() = default;
@@ -38,6 +39,11 @@ public:
     }
     /// A text of its own.
     static NodeText Copy(std::wstring_view text);
+    /// The same as Name and Copy with what is not shared in the memory of a tree.
+    static NodeText Name(std::wstring_view text, NodeMemory& memory);
+    static NodeText Copy(std::wstring_view text, NodeMemory& memory);
+    /// A text of ASCII characters in the memory of a tree.
+    static NodeText Widen(std::string_view text, NodeMemory& memory);
     /// A text of its own that takes a long string over without copying its characters.
     static NodeText Take(std::wstring&& text);
 
@@ -63,12 +69,19 @@ public:
         if (m_bits == 0) {
             return {};
         }
-        const auto address = m_bits & ~OwnerBits;
+        const auto address = m_bits & ~FlagBits;
         if ((m_bits & OwnsString) != 0) {
             return *reinterpret_cast<const std::wstring*>(address);
         }
         const auto* block = reinterpret_cast<const Block*>(address);
         return {reinterpret_cast<const wchar_t*>(block + 1), block->length};
+    }
+
+    friend bool operator==(const NodeText& left, const NodeText& right)
+    {
+        // Two names in the table of the process are equal when they are the same.
+        return left.m_bits == right.m_bits ||
+               ((left.m_bits & right.m_bits & IsShared) == 0 && left.View() == right.View());
     }
 
 private:
@@ -78,10 +91,14 @@ private:
     };
     static constexpr std::uintptr_t OwnsBlock = 1;
     static constexpr std::uintptr_t OwnsString = 2;
+    static constexpr std::uintptr_t IsShared = 4;
     static constexpr std::uintptr_t OwnerBits = OwnsBlock | OwnsString;
+    static constexpr std::uintptr_t FlagBits = OwnerBits | IsShared;
 
     explicit NodeText(std::uintptr_t bits) : m_bits(bits) {}
     static Block* NewBlock(std::wstring_view text);
+    static Block* NewBlock(std::size_t length, NodeMemory& memory);
+    static NodeText Shared(std::wstring_view text);
     bool IsOwned() const { return (m_bits & OwnerBits) != 0; }
     std::uintptr_t Release() { return std::exchange(m_bits, 0); }
     void Free() noexcept;
@@ -153,11 +170,12 @@ public:
     const T* begin() const { return m_block != nullptr ? First() : nullptr; }
     const T* end() const { return begin() + size(); }
 
-    /// Makes room for one more element, so that the next Append cannot fail.
-    void MakeRoom()
+    /// Makes room for one more element, so that the next Append cannot fail. The room is taken from
+    /// the memory of a tree if there is one.
+    void MakeRoom(NodeMemory* memory = nullptr)
     {
         if (m_block == nullptr || m_block->size == m_block->capacity) {
-            Grow();
+            Grow(memory);
         }
     }
 
@@ -171,27 +189,36 @@ public:
     void Clear() noexcept
     {
         std::destroy(begin(), end());
-        ::operator delete(std::exchange(m_block, nullptr));
+        Header* const block = std::exchange(m_block, nullptr);
+        if (block != nullptr && block->isOwned != 0) {
+            ::operator delete(block);
+        }
     }
 
 private:
     struct alignas(8) Header
     {
         std::uint32_t size;
-        std::uint32_t capacity;
+        std::uint32_t capacity : 31;
+        std::uint32_t isOwned : 1;
     };
+    static constexpr std::uint32_t Largest = 0x7FFFFFFFU;
 
     T* First() const { return std::launder(reinterpret_cast<T*>(m_block + 1)); }
 
-    void Grow()
+    void Grow(NodeMemory* memory)
     {
         const std::size_t count = size();
         const std::size_t capacity = count == 0 ? 3 : count * 2;
-        if (capacity > std::numeric_limits<std::uint32_t>::max()) {
+        if (capacity > Largest) {
             throw std::length_error("KARMP element tree: list too long");
         }
-        auto* block = static_cast<Header*>(::operator new(sizeof(Header) + capacity * sizeof(T)));
-        *block = {static_cast<std::uint32_t>(count), static_cast<std::uint32_t>(capacity)};
+        const std::size_t bytes = sizeof(Header) + capacity * sizeof(T);
+        auto* block = static_cast<Header*>(memory != nullptr ? memory->Allocate(bytes)
+                                                             : ::operator new(bytes));
+        block->size = static_cast<std::uint32_t>(count);
+        block->capacity = static_cast<std::uint32_t>(capacity) & Largest;
+        block->isOwned = memory == nullptr ? 1 : 0;
         std::uninitialized_move(begin(), end(), reinterpret_cast<T*>(block + 1));
         Clear();
         m_block = block;

@@ -38,6 +38,30 @@ void IndexNext(NameIndex& index, const List& list, std::wstring_view name)
     index.emplace(name, list.size());
 }
 
+// What stands in the memory of a tree or in memory of its own.
+struct Placed
+{
+    bool inTree = false;
+};
+
+template <class T>
+T* Place(karmp::NodeMemory* memory)
+{
+    T* const placed = memory != nullptr ? ::new (memory->Allocate(sizeof(T))) T() : new T();
+    placed->inTree = memory != nullptr;
+    return placed;
+}
+
+template <class T>
+void End(T* placed) noexcept
+{
+    if (placed->inTree) {
+        placed->~T();
+    } else {
+        delete placed;
+    }
+}
+
 std::wstring_view ViewOf(const wchar_t* text)
 {
     return text != nullptr ? std::wstring_view(text) : std::wstring_view();
@@ -49,39 +73,48 @@ std::wstring_view ViewOf(const wchar_t* text)
 struct KARMPDeserializer::Group
 {
     /// Several children, and the walk through them.
-    struct Several
+    struct Several : Placed
     {
-        std::vector<KARMPDeserializer*> members;
+        karmp::NodeArray<KARMPDeserializer*> members;
         /// One past the member that the walk stands on; 0 before the walk begins.
         std::size_t walked = 0;
         /// The number of additions to the node when the walk began.
         std::size_t additions = 0;
     };
 
-    KARMPDeserializer* const* begin() const { return several ? several->members.data() : &only; }
+    struct EndSeveral
+    {
+        void operator()(Several* ended) const noexcept { End(ended); }
+    };
+
+    KARMPDeserializer* const* begin() const
+    {
+        return several ? std::as_const(several->members).begin() : &only;
+    }
     KARMPDeserializer* const* end() const
     {
-        return several ? several->members.data() + several->members.size() : &only + 1;
+        return several ? std::as_const(several->members).end() : &only + 1;
     }
     friend std::wstring_view NameOf(const Group& group) { return group.name.View(); }
 
-    void Append(KARMPDeserializer* child);
+    void Append(KARMPDeserializer* child, karmp::NodeMemory* memory);
     KARMPDeserializer* Next(std::size_t additions) const;
 
     NodeText name;
     KARMPDeserializer* only;
-    std::unique_ptr<Several> several;
+    std::unique_ptr<Several, EndSeveral> several;
 };
 
-void KARMPDeserializer::Group::Append(KARMPDeserializer* child)
+void KARMPDeserializer::Group::Append(KARMPDeserializer* child, karmp::NodeMemory* memory)
 {
     if (!several) {
-        auto made = std::make_unique<Several>();
-        made->members = {only, child};
+        std::unique_ptr<Several, EndSeveral> made(Place<Several>(memory));
+        made->members.MakeRoom(memory);
+        made->members.Append(std::move(only));
         several = std::move(made);
-    } else {
-        several->members.push_back(child);
     }
+    several->members.MakeRoom(memory);
+    several->members.Append(std::move(child));
 }
 
 // A walk that began before the last addition to the node counts as not begun. One child needs no
@@ -97,27 +130,34 @@ KARMPDeserializer* KARMPDeserializer::Group::Next(std::size_t additions) const
     }
     if (several->walked == several->members.size()) {
         several->walked = 0;
-        return several->members.front();
+        return several->members[0];
     }
     return several->members[several->walked++];
 }
 
-struct KARMPDeserializer::Branch
+struct KARMPDeserializer::Branch : Placed
 {
     const Group* Find(std::wstring_view name) const;
-    void Append(std::wstring_view name, KARMPDeserializer* child);
+    void Append(NodeText name, KARMPDeserializer* child, karmp::NodeMemory* memory);
+
+    std::size_t IndexedPlace(std::wstring_view name) const;
+    std::size_t PlaceOf(const NodeText& name) const;
 
     /// Where names stand, once there are many.
-    struct Indexes
+    struct Indexes : Placed
     {
         NameIndex groups;
         NameIndex attributes;
     };
-    Indexes& NeedIndexes();
+    Indexes& NeedIndexes(karmp::NodeMemory* memory);
+    struct EndIndexes
+    {
+        void operator()(Indexes* ended) const noexcept;
+    };
 
     karmp::NodeArray<KARMPDeserializer*> ordered;
     karmp::NodeArray<Group> groups;
-    std::unique_ptr<Indexes> indexes;
+    std::unique_ptr<Indexes, EndIndexes> indexes;
     /// Counts the calls of AddElement: each ends all walks.
     std::size_t additions = 1;
     /// The group after the one found last: entities mostly read in the order of writing.
@@ -131,8 +171,7 @@ const KARMPDeserializer::Group* KARMPDeserializer::Branch::Find(std::wstring_vie
     }
     std::size_t place = groups.size();
     if (groups.size() > LongestScan) {
-        const auto found = indexes->groups.find(name);
-        place = found != indexes->groups.end() ? found->second : place;
+        place = IndexedPlace(name);
     } else {
         const auto found = std::find_if(groups.begin(), groups.end(), [name](const Group& group) {
             return NameOf(group) == name;
@@ -146,28 +185,63 @@ const KARMPDeserializer::Group* KARMPDeserializer::Branch::Find(std::wstring_vie
     return &groups[place];
 }
 
-KARMPDeserializer::Branch::Indexes& KARMPDeserializer::Branch::NeedIndexes()
+std::size_t KARMPDeserializer::Branch::IndexedPlace(std::wstring_view name) const
+{
+    const auto found = indexes->groups.find(name);
+    return found != indexes->groups.end() ? found->second : groups.size();
+}
+
+// The place of the name's group, one past the groups when there is none.
+std::size_t KARMPDeserializer::Branch::PlaceOf(const NodeText& name) const
+{
+    if (likely < groups.size() && groups[likely].name == name) {
+        return likely;
+    }
+    if (groups.size() > LongestScan) {
+        return IndexedPlace(name.View());
+    }
+    const auto found = std::find_if(groups.begin(), groups.end(),
+                                    [&name](const Group& group) { return group.name == name; });
+    return static_cast<std::size_t>(found - groups.begin());
+}
+
+// The indexes own tables: in the memory of a tree they end with it.
+KARMPDeserializer::Branch::Indexes& KARMPDeserializer::Branch::NeedIndexes(
+    karmp::NodeMemory* memory)
 {
     if (!indexes) {
-        indexes = std::make_unique<Indexes>();
+        indexes.reset(memory != nullptr ? memory->Make<Indexes>() : new Indexes());
+        indexes->inTree = memory != nullptr;
     }
     return *indexes;
 }
 
-// When memory ends, nothing was added and the child is still the caller's.
-void KARMPDeserializer::Branch::Append(std::wstring_view name, KARMPDeserializer* child)
+void KARMPDeserializer::Branch::EndIndexes::operator()(Indexes* ended) const noexcept
 {
-    ordered.MakeRoom();
-    if (const Group* const found = Find(name)) {
-        const auto place = static_cast<std::size_t>(found - groups.begin());
-        groups[place].Append(child);
+    if (!ended->inTree) {
+        delete ended;
+    }
+}
+
+void KARMPDeserializer::Release::operator()(Branch* branch) const noexcept
+{
+    End(branch);
+}
+
+// When memory ends, nothing was added and the child is still the caller's.
+void KARMPDeserializer::Branch::Append(NodeText name, KARMPDeserializer* child,
+                                       karmp::NodeMemory* memory)
+{
+    ordered.MakeRoom(memory);
+    if (const std::size_t place = PlaceOf(name); place < groups.size()) {
+        groups[place].Append(child, memory);
         // Mostly the next child has the same name, or a new one.
         likely = place;
     } else {
-        groups.MakeRoom();
-        Group group{NodeText::Name(name), child, nullptr};
+        groups.MakeRoom(memory);
+        Group group{std::move(name), child, nullptr};
         if (groups.size() >= LongestScan) {
-            IndexNext(NeedIndexes().groups, groups, NameOf(group));
+            IndexNext(NeedIndexes(memory).groups, groups, NameOf(group));
         }
         groups.Append(std::move(group));
     }
@@ -199,10 +273,10 @@ void KARMPDeserializer::Clean() noexcept
     m_value = NodeValue();
 }
 
-KARMPDeserializer::Branch& KARMPDeserializer::NeedBranch()
+KARMPDeserializer::Branch& KARMPDeserializer::NeedBranch(karmp::NodeMemory* memory)
 {
     if (!m_branch) {
-        m_branch = std::make_unique<Branch>();
+        m_branch.reset(Place<Branch>(memory));
     }
     return *m_branch;
 }
@@ -297,10 +371,27 @@ void KARMPDeserializer::PutAttribute(std::wstring_view name, NodeValue&& value)
             std::move(value);
         return;
     }
-    m_attributes.MakeRoom();
-    NodeAttribute attribute{NodeText::Name(name), std::move(value)};
+    AppendAttribute({NodeText::Name(name), std::move(value)}, nullptr);
+}
+
+bool KARMPDeserializer::PlaceAttribute(const NodeText& name, NodeText value,
+                                       karmp::NodeMemory& memory)
+{
+    if (const NodeAttribute* const found = FindAttribute(name.View())) {
+        m_attributes[static_cast<std::size_t>(found - m_attributes.begin())].value =
+            std::move(value);
+        return false;
+    }
+    AppendAttribute({name, std::move(value)}, &memory);
+    return true;
+}
+
+void KARMPDeserializer::AppendAttribute(NodeAttribute&& attribute, karmp::NodeMemory* memory)
+{
+    m_attributes.MakeRoom(memory);
     if (m_attributes.size() >= LongestScan) {
-        IndexNext(NeedBranch().NeedIndexes().attributes, m_attributes, NameOf(attribute));
+        IndexNext(NeedBranch(memory).NeedIndexes(memory).attributes, m_attributes,
+                  NameOf(attribute));
     }
     m_attributes.Append(std::move(attribute));
 }
@@ -328,8 +419,16 @@ KARStatus KARMPDeserializer::AddElement(std::wstring_view name, KARMPDeserialize
     if (!KARMPVerify(child != nullptr)) {
         return KARFailure;
     }
-    NeedBranch().Append(name, child);
+    NeedBranch(nullptr).Append(NodeText::Name(name), child, nullptr);
     return KARSuccess;
+}
+
+void KARMPDeserializer::PlaceElement(const NodeText& name, KARMPDeserializer* child,
+                                     karmp::NodeMemory& memory)
+{
+    Branch& branch = NeedBranch(&memory);
+    ++branch.additions;
+    branch.Append(name, child, &memory);
 }
 
 bool KARMPDeserializer::HasAttribute(std::wstring_view name) const

@@ -2,6 +2,7 @@
 
 #include "KARMPVersions.h"
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cstring>
@@ -39,15 +40,18 @@ NodeText::Block* NodeText::NewBlock(std::wstring_view text)
     return block;
 }
 
-NodeText NodeText::Name(std::wstring_view text)
+NodeText::Block* NodeText::NewBlock(std::size_t length, NodeMemory& memory)
+{
+    return ::new (memory.Allocate(sizeof(Block) + length * sizeof(wchar_t))) Block{length};
+}
+
+// The name's place in the table; empty when the table has no room for it.
+NodeText NodeText::Shared(std::wstring_view text)
 {
     static constinit std::array<std::atomic<Block*>, SlotCount> shared{};
 
-    if (text.empty()) {
+    if (text.empty() || text.size() > LongestShared) {
         return {};
-    }
-    if (text.size() > LongestShared) {
-        return Copy(text);
     }
     const std::size_t first = Slot(text);
     Block* made = nullptr;
@@ -60,17 +64,30 @@ NodeText NodeText::Name(std::wstring_view text)
             }
             if (slot.compare_exchange_strong(found, made, std::memory_order_acq_rel,
                                              std::memory_order_acquire)) {
-                return NodeText(reinterpret_cast<std::uintptr_t>(made));
+                return NodeText(reinterpret_cast<std::uintptr_t>(made) | IsShared);
             }
         }
         // `found` is what another thread may just have put there.
-        if (const NodeText name(reinterpret_cast<std::uintptr_t>(found)); name.View() == text) {
+        if (const NodeText name(reinterpret_cast<std::uintptr_t>(found) | IsShared);
+            name.View() == text) {
             ::operator delete(made);
             return name;
         }
     }
-    return made != nullptr ? NodeText(reinterpret_cast<std::uintptr_t>(made) | OwnsBlock)
-                           : Copy(text);
+    ::operator delete(made);
+    return {};
+}
+
+NodeText NodeText::Name(std::wstring_view text)
+{
+    NodeText name = Shared(text);
+    return name.m_bits != 0 ? name : Copy(text);
+}
+
+NodeText NodeText::Name(std::wstring_view text, NodeMemory& memory)
+{
+    NodeText name = Shared(text);
+    return name.m_bits != 0 ? name : Copy(text, memory);
 }
 
 NodeText NodeText::CurrentVersion()
@@ -87,6 +104,26 @@ NodeText NodeText::Copy(std::wstring_view text)
     return NodeText(reinterpret_cast<std::uintptr_t>(NewBlock(text)) | OwnsBlock);
 }
 
+NodeText NodeText::Copy(std::wstring_view text, NodeMemory& memory)
+{
+    if (text.empty()) {
+        return {};
+    }
+    Block* const block = NewBlock(text.size(), memory);
+    std::copy(text.begin(), text.end(), reinterpret_cast<wchar_t*>(block + 1));
+    return NodeText(reinterpret_cast<std::uintptr_t>(block));
+}
+
+NodeText NodeText::Widen(std::string_view text, NodeMemory& memory)
+{
+    if (text.empty()) {
+        return {};
+    }
+    Block* const block = NewBlock(text.size(), memory);
+    std::copy(text.begin(), text.end(), reinterpret_cast<wchar_t*>(block + 1));
+    return NodeText(reinterpret_cast<std::uintptr_t>(block));
+}
+
 NodeText NodeText::Take(std::wstring&& text)
 {
     if (text.size() <= LongestCopied) {
@@ -98,7 +135,7 @@ NodeText NodeText::Take(std::wstring&& text)
 
 void NodeText::Free() noexcept
 {
-    const auto address = m_bits & ~OwnerBits;
+    const auto address = m_bits & ~FlagBits;
     if ((m_bits & OwnsString) != 0) {
         delete reinterpret_cast<std::wstring*>(address);
     } else {
