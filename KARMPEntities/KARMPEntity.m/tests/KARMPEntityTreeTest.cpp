@@ -9,6 +9,7 @@
 #include "TestSerializer.h"
 
 #include <cstdlib>
+#include <memory>
 
 namespace {
 
@@ -133,7 +134,8 @@ TEST_F(EntityTree, ReadsBackWhatItWroteInEitherForm)
 TEST_F(EntityTree, TellsAnAttachedLoaderOfAReadActivity)
 {
     LoaderRecord record;
-    read->SetLoader(new RecordingEntityLoader(record));
+    const auto loader = std::make_unique<RecordingEntityLoader>(record);
+    read->SetLoader(loader.get());
     TestDeserializer root(L"TestEntity");
     root.Attribute(L"id", L"E2").Attribute(L"name", L"n").Attribute(L"isActive", L"no");
     read->Deserialize(&root, entities);

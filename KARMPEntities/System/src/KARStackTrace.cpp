@@ -56,13 +56,19 @@ std::string Describe(const void* frame)
 
 } // namespace
 
-// Not inlined, so that its own frame is always there to be left out.
+// Not inlined, so that its caller is what this returns to. The frames in front of that are left out
+// whatever their number: a sanitizer puts one of its own under backtrace().
 [[gnu::noinline]] void KARStackTrace::GetTrace()
 {
-    void* frames[MaxDepth + 1];
-    const int count = backtrace(frames, MaxDepth + 1);
-    m_depth = std::max(count - 1, 0);
-    std::copy_n(std::next(frames), m_depth, m_frames);
+    constexpr int OwnFrames = 4;
+    void* frames[MaxDepth + OwnFrames];
+    void** const end =
+        std::next(frames, std::max(backtrace(frames, static_cast<int>(std::size(frames))), 0));
+    void** first = std::find(frames, end, __builtin_return_address(0));
+    if (first == end)
+        first = std::min(std::next(frames), end);
+    m_depth = static_cast<int>(std::min<std::ptrdiff_t>(end - first, MaxDepth));
+    std::copy_n(first, m_depth, m_frames);
 }
 
 #else
