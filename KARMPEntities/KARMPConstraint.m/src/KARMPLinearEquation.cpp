@@ -79,6 +79,7 @@ KARStatus KARMPLinearEquation::Serialize(KARMPSerializer* serializer) const
 {
     karmp::ElementWriter element(serializer, ElementName);
     // The direct base would add an element of its own.
+    // NOLINTNEXTLINE(bugprone-parent-virtual-call)
     if (!element || !element.Base(KARMPConstraint::Serialize(element.Node())))
         return KARFailure;
     const bool constantWritten = WriteConstant(element.Node());
@@ -124,6 +125,7 @@ KARStatus KARMPLinearEquation::Deserialize(const KARMPDeserializer* deserializer
 {
     karmp::ElementReader element(deserializer, ElementName);
     // The direct base would look for an element of its own.
+    // NOLINTNEXTLINE(bugprone-parent-virtual-call)
     if (!element || !element.Base(KARMPConstraint::Deserialize(element.Node(), entities)))
         return KARFailure;
     const bool constantRead = ReadConstant(element.Node());

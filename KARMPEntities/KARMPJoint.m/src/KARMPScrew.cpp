@@ -13,8 +13,9 @@ KARMPScrew::~KARMPScrew() = default;
 // any joint, and a document that names its equation is understood all the same.
 KARStatus KARMPScrew::Serialize(KARMPSerializer* serializer) const
 {
-    return karmp::WriteKind(serializer, L"Screw",
-                            [this](auto* node) { return KARMPJoint::Serialize(node); });
+    return karmp::WriteKind(serializer, L"Screw", [this](auto* node) {
+        return KARMPJoint::Serialize(node); // NOLINT(bugprone-parent-virtual-call)
+    });
 }
 
 KARStatus KARMPScrew::Deserialize(const KARMPDeserializer* deserializer,

@@ -179,7 +179,7 @@ public:
         }
     }
 
-    void Append(T&& element)
+    void Append(T element)
     {
         MakeRoom();
         ::new (First() + m_block->size) T(std::move(element));

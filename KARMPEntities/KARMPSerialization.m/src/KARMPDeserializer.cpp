@@ -110,11 +110,11 @@ void KARMPDeserializer::Group::Append(KARMPDeserializer* child, karmp::NodeMemor
     if (!several) {
         std::unique_ptr<Several, EndSeveral> made(Place<Several>(memory));
         made->members.MakeRoom(memory);
-        made->members.Append(std::move(only));
+        made->members.Append(only);
         several = std::move(made);
     }
     several->members.MakeRoom(memory);
-    several->members.Append(std::move(child));
+    several->members.Append(child);
 }
 
 // A walk that began before the last addition to the node counts as not begun. One child needs no
@@ -245,7 +245,7 @@ void KARMPDeserializer::Branch::Append(NodeText name, KARMPDeserializer* child,
         }
         groups.Append(std::move(group));
     }
-    ordered.Append(std::move(child));
+    ordered.Append(child);
 }
 
 KARMPDeserializer::KARMPDeserializer() : m_version(NodeText::CurrentVersion()) {}

@@ -8,7 +8,6 @@
 
 #include <utility>
 
-using kar::GMKReader;
 using kar::GMKWriter;
 using kar::StoredKind;
 
