@@ -4,6 +4,7 @@
 #include "KARMPNodeTeardown.h"
 #include "KARProcessServices.h"
 
+#include <bit>
 #include <cmath>
 #include <utility>
 
@@ -47,8 +48,16 @@ KARMPSerializer::~KARMPSerializer()
 
 double KARMPSerializer::StoredDouble(double value) const
 {
-    const bool exact = m_exactDoubles || KARGetEnv("SERIALIZATION_PRECISION") != nullptr;
-    return exact ? value : SnapToGrid(value);
+    if (m_exactDoubles) {
+        return value;
+    }
+    const double snapped = SnapToGrid(value);
+    // Most numbers of a model stand on the grid, and the environment makes no difference to them.
+    // The bits decide: -0.0 equals 0.0, but is not the same.
+    if (std::bit_cast<std::uint64_t>(snapped) == std::bit_cast<std::uint64_t>(value)) {
+        return value;
+    }
+    return KARGetEnv("SERIALIZATION_PRECISION") != nullptr ? value : snapped;
 }
 
 void KARMPSerializer::Clean() noexcept

@@ -306,6 +306,11 @@ TEST_F(Serializer, ThePrecisionVariableIsLookedUpOnEachCall)
     EXPECT_TRUE(std::signbit(Stored(-0.0)));
     SetPrecision(false);
     EXPECT_EQ(Stored(1e-13), 0.0);
+    EXPECT_EQ(Stored(0.3), 300000000000.0 * 1e-12);
+    EXPECT_FALSE(std::signbit(Stored(-0.0)));
+    SetPrecision(true);
+    EXPECT_EQ(Stored(1e-13), 1e-13);
+    SetPrecision(false);
 }
 
 TEST_F(Serializer, EveryNodeOfATreeIsFreedOnce)
