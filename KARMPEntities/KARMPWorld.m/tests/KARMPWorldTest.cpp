@@ -323,6 +323,84 @@ TEST_F(World, EmptiesItsRegistriesAndKeepsItsGlobals)
     EXPECT_TRUE(globalTime(*world));
 }
 
+// An entity that tells when it goes.
+template <class T>
+class Leaving : public TestOf<T>
+{
+public:
+    Leaving(std::vector<std::string>& left, std::string name)
+        : m_left(left), m_name(std::move(name))
+    {}
+    ~Leaving() override { m_left.push_back(m_name); }
+
+private:
+    std::vector<std::string>& m_left;
+    std::string m_name;
+};
+
+// A table that tells when it is released.
+class LeavingTable : public ModelObject
+{
+public:
+    explicit LeavingTable(std::vector<std::string>& left) : m_left(left) {}
+    unsigned int Release() override
+    {
+        m_left.emplace_back("table");
+        return ModelObject::Release();
+    }
+
+private:
+    std::vector<std::string>& m_left;
+};
+
+class OrderOfAWorld : public KARMPTestFixture
+{
+protected:
+    // Only the registry holds an entity that stands under no basic world.
+    OrderOfAWorld()
+    {
+        karmp::Families::ForEach([this](auto family) {
+            using T = typename decltype(family)::Type;
+            world->Add(make<T>(T::ClassName().substr(5)));
+        });
+        ExpectReports(1); // the value cannot be placed
+    }
+    template <class T>
+    QOBSharedHandle<T> make(const std::string& name)
+    {
+        return QOBSharedHandle<T>(new Leaving<T>(left, name));
+    }
+
+    const std::vector<std::string> families{
+        "Actuator",         "Body",         "Connector",    "Constraint",   "Geometry",
+        "Interaction",      "Joint",        "Material",     "Sensor",       "Value",
+        "Variable",         "Shape",        "Attribute",    "Support",      "DebugEntity",
+        "InitialCondition", "AnalysisCase", "AnalysisStep", "GenericEntity"};
+    std::vector<std::string> left;
+    QOBSharedHandle<KARMPWorld> world = KARMPWorld::create(nullptr);
+};
+
+TEST_F(OrderOfAWorld, EmptiesItsRegistriesFromTheFirstToTheLast)
+{
+    EXPECT_EQ(world->EmptyWorld(), KARSuccess);
+    EXPECT_EQ(left, families);
+}
+
+TEST_F(OrderOfAWorld, ReleasesItsTableThenWhatItNamesThenItsRegistriesFromTheLastToTheFirst)
+{
+    LeavingTable table(left);
+    world->SetTable(&table);
+    world->SetGlobalBody(make<KARMPBody>("global body"));
+    world->SetGlobalAxisSystem(make<KARMPAxisSystem>("global axis system"));
+    world->SetGlobalTime(make<KARMPVariable>("global time"));
+    world->SetGroundBody(make<KARMPBody>("ground body"));
+    world = nullptr;
+    std::vector<std::string> expected{"table", "ground body", "global time", "global axis system",
+                                      "global body"};
+    expected.insert(expected.end(), families.rbegin(), families.rend());
+    EXPECT_EQ(left, expected);
+}
+
 template <class T>
 class FamilyOfAWorld : public WorldFixture
 {};
