@@ -617,6 +617,22 @@ TEST_F(WorldRoundTrip, StaysFastWhenTheWorldIsLarge)
     EXPECT_EQ(other->Count<KARMPSupport>(), Entities);
 }
 
+using WorldWriterProcess = WorldDocument;
+
+TEST_F(WorldWriterProcess, NamesNoGlobalsWhereReferencesBearNoNames)
+{
+    ASSERT_NE(std::getenv("NO_MP_NAME_FOR_SERIALIZATION"), nullptr);
+    EXPECT_EQ(world->Serialize(&written), KARSuccess);
+    for (const wchar_t* global : {L"GlobalBody", L"GlobalAxisSystem", L"GlobalTime"}) {
+        const std::wstring path = L"World/Globals/" + std::wstring(global);
+        EXPECT_TRUE(written.Has(path + L"/@id"));
+        EXPECT_FALSE(written.Has(path + L"/@name"));
+    }
+    // An entity's own name is there all the same, and empty.
+    ASSERT_TRUE(written.Has(L"World/Bodies/Body/@name"));
+    EXPECT_EQ(written.Text(L"World/Bodies/Body/@name"), L"");
+}
+
 using WorldReaderProcess = WorldDocument;
 
 TEST_F(WorldReaderProcess, FilesInTheOrderOfTheDocumentWhenTheVariableIsSet)

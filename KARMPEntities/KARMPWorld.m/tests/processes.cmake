@@ -1,4 +1,8 @@
 karmp_process_test(
+    KARMPWorldTests WorldWriterProcess.NamesNoGlobalsWhereReferencesBearNoNames
+    NO_MP_NAME_FOR_SERIALIZATION=
+)
+karmp_process_test(
     KARMPWorldTests WorldReaderProcess.FilesInTheOrderOfTheDocumentWhenTheVariableIsSet
     ORDERED_DESERIALIZATION=
 )
