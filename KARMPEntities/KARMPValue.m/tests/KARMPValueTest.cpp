@@ -221,6 +221,25 @@ TEST_F(Value, MissingQuantityEndsTheReadingOfAnOlderDocument)
     EXPECT_EQ(constant->getEntityName(), L"k");
 }
 
+TEST_F(Value, NumberOfAnOlderDocumentIsTheQuantityAsItStands)
+{
+    for (const int code : {0, 1, 32, 33}) {
+        TestDeserializer root;
+        TestDeserializer& element = root.At(L"R2017.9").Add(L"Constant");
+        element.Attribute(L"id", L"K1").Attribute(L"name", L"k").Attribute(L"isActive", L"yes");
+        element.Leaf(L"PhysicalQuantity", code).Leaf(L"Value", 2.5);
+        const auto read = KARMPConstant::create(L"");
+        read->SetPhysicalQuantity(KARMPPhysicalQuantity::Mass);
+        EXPECT_EQ(read->Deserialize(&root, entities), KARSuccess);
+        KARMPPhysicalQuantity::Enum quantity = {};
+        EXPECT_EQ(read->GetPhysicalQuantity(quantity), code != 0 ? KARSuccess : KARFailure);
+        EXPECT_EQ(quantity, code);
+        double number = 0.0;
+        read->GetValue(number);
+        EXPECT_EQ(number, 2.5);
+    }
+}
+
 TEST_F(Value, TypeWordDoesNotSurviveTheTree)
 {
     constant->SetValue(3.0, "int");
