@@ -419,6 +419,25 @@ TEST_F(SketchFunction, MissingLimitsAreZeroAndAMissingOrientationIsPositive)
     EXPECT_EQ(seen, 2);
 }
 
+TEST_F(SketchFunction, OrientationThatIsNoneOfTheWordsIsPositiveWithoutAReport)
+{
+    AddTwoCurves();
+    TestSerializer root;
+    function->Serialize(&root);
+    for (const wchar_t* word : {L"negative", L"Negative ", L""}) {
+        const auto tree = TestDeserializer::From(root);
+        const KARMPDeserializer* node = tree.get();
+        for (const wchar_t* name : {L"SketchFunction", L"CurveSegments", L"CurveSegment"})
+            node->GetElement(name, node);
+        const_cast<TestDeserializer*>(static_cast<const TestDeserializer*>(node))
+            ->Attribute(L"curveOrientation", word);
+        const auto read = KARMPSketchFunction::create(L"");
+        EXPECT_EQ(read->Deserialize(tree.get(), entities), KARSuccess);
+        ASSERT_EQ(read->GetCurveCount(), 2);
+        EXPECT_EQ(curveOf(*read, 0).orientation, KARMPCurveOrientation::Positive);
+    }
+}
+
 TEST_F(SketchFunction, DamagedStreamsAreReportedAndLeaveNoCurve)
 {
     AddTwoCurves();
