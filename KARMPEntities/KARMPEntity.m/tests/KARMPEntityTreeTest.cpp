@@ -85,9 +85,11 @@ TEST_F(EntityTree, WritesNoContainerForAnEmptyListAndNoEmptyEntityId)
 TEST_F(EntityTree, WritesActivityFromVersionR2017_1)
 {
     entity->Deactivate();
-    TestSerializer below(L"R2016.1");
-    entity->Serialize(&below);
-    EXPECT_FALSE(below.Has(L"@isActive"));
+    for (const wchar_t* version : {L"", L"R2016.1", L"R2017.0"}) {
+        TestSerializer below(version);
+        entity->Serialize(&below);
+        EXPECT_FALSE(below.Has(L"@isActive"));
+    }
     TestSerializer at(L"R2017.1");
     entity->Serialize(&at);
     EXPECT_EQ(at.Text(L"@isActive"), L"no");
@@ -127,6 +129,8 @@ TEST_F(EntityTree, ReadsBackWhatItWroteInEitherForm)
         QOBSharedHandle<KARMPEntity> handle;
         EXPECT_EQ(copy->GetAggregatedElement(0, handle), KARSuccess);
         EXPECT_EQ(handle, element);
+        EXPECT_EQ(element->GetParentEntity(handle), KARSuccess);
+        EXPECT_EQ(handle, copy);
         copy->orphanObject();
     }
 }
@@ -231,6 +235,74 @@ TEST_F(EntityTree, ReportsEveryFailedAdditionAndStillSucceeds)
             EXPECT_EQ(root.Text(L"@id"), L"E1");
         });
     EXPECT_EQ(creations, 6U);
+}
+
+TEST_F(EntityTree, GoesOnPastAFailedAdditionWithTheNextEntryAndTheNextList)
+{
+    const auto second = TestAttribute<KARMPParameter>::create(L"q");
+    second->SetIdentifier(L"P2");
+    entity->AddParameter(second);
+    // A list that cannot be added takes its entries along.
+    const auto written = [this](std::size_t failing) {
+        TestSerializer root;
+        root.FailCreation(failing);
+        entity->Serialize(&root);
+        TakeReports();
+        return std::vector<std::size_t>{root.GetElementCount(), root.Count(L"Parameters/Parameter"),
+                                        root.Count(L"States/State"),
+                                        root.Count(L"AggregatedElements/Element")};
+    };
+    EXPECT_EQ(written(0), (std::vector<std::size_t>{3, 2, 1, 1}));
+    EXPECT_EQ(written(1), (std::vector<std::size_t>{2, 0, 1, 1}));
+    EXPECT_EQ(written(2), (std::vector<std::size_t>{3, 1, 1, 1}));
+    EXPECT_EQ(written(3), (std::vector<std::size_t>{3, 1, 1, 1}));
+    EXPECT_EQ(written(4), (std::vector<std::size_t>{2, 2, 0, 1}));
+    EXPECT_EQ(written(5), (std::vector<std::size_t>{3, 2, 0, 1}));
+    EXPECT_EQ(written(6), (std::vector<std::size_t>{2, 2, 1, 0}));
+    EXPECT_EQ(written(7), (std::vector<std::size_t>{3, 2, 1, 0}));
+
+    TestSerializer root;
+    root.FailCreation(2);
+    entity->Serialize(&root);
+    TakeReports();
+    EXPECT_EQ(root.Text(L"Parameters/Parameter/@id"), L"P2");
+}
+
+// An entity whose class decides on its activity itself.
+class Restless : public KARMPEntity
+{
+public:
+    bool IsActive() const override { return false; }
+    KARStatus Activate() override
+    {
+        calls.emplace_back("Activate");
+        return KARFailure;
+    }
+    KARStatus Deactivate() override
+    {
+        calls.emplace_back("Deactivate");
+        return KARFailure;
+    }
+
+    std::vector<std::string> calls;
+};
+
+TEST_F(EntityTree, LeavesActivityToItsClass)
+{
+    const QOBSharedHandle<Restless> restless(new Restless);
+    TestSerializer written;
+    restless->Serialize(&written);
+    EXPECT_EQ(written.Text(L"@isActive"), L"no");
+
+    const QOBSharedHandle<Restless> reader(new Restless);
+    TestDeserializer root(L"TestEntity");
+    root.Attribute(L"id", L"E2").Attribute(L"name", L"n").Attribute(L"isActive", L"yes");
+    EXPECT_EQ(reader->Deserialize(&root, entities), KARSuccess);
+    EXPECT_EQ(reader->calls, std::vector<std::string>{"Activate"});
+    root.Attribute(L"isActive", L"no");
+    EXPECT_EQ(reader->Deserialize(&root, entities), KARSuccess);
+    ExpectReports(1); // of the identifier, which is there by then
+    EXPECT_EQ(reader->calls, (std::vector<std::string>{"Activate", "Deactivate"}));
 }
 
 TEST_F(EntityTree, LeavesTheIdentifierOutWhenThereIsNoMemoryForIt)
