@@ -5,6 +5,7 @@
 #include "KARUuid.h"
 #include "ModelObject.h"
 #include "QOBBasicWorld.h"
+#include "QOBException.h"
 #include "RecordingEntityLoader.h"
 #include "TestEntity.h"
 
@@ -144,6 +145,43 @@ TEST_F(Entity, CycleOfParentAndElementIsFreedOnceEitherIsOrphaned)
     EXPECT_EQ(TestEntity::Alive(), before);
 }
 
+// An entity whose class has links of its own to tear down.
+class Linked : public KARMPEntity
+{
+public:
+    std::vector<std::string> steps;
+
+protected:
+    KARStatus RemoveParent() override
+    {
+        steps.push_back("RemoveParent with " + std::to_string(GetParameterCount()));
+        return KARFailure;
+    }
+    void ClearContainers() override
+    {
+        steps.push_back("ClearContainers with " + std::to_string(GetParameterCount()));
+    }
+};
+
+TEST_F(Entity, IsOrphanedOnceByItsClassAndThenByItsBase)
+{
+    const QOBSharedHandle<Linked> linked(new Linked);
+    linked->AddParameter(TestAttribute<KARMPParameter>::create(L"p"));
+    linked->SetParentEntity(entity);
+    linked->orphanObject();
+    EXPECT_TRUE(linked->isOrphaned());
+    const std::vector<std::string> once{"RemoveParent with 1", "ClearContainers with 1"};
+    EXPECT_EQ(linked->steps, once);
+    EXPECT_EQ(linked->GetParameterCount(), 0);
+    QOBSharedHandle<KARMPEntity> parent;
+    EXPECT_EQ(linked->GetParentEntity(parent), KARFailure);
+
+    linked->AddParameter(TestAttribute<KARMPParameter>::create(L"late"));
+    linked->orphanObject();
+    EXPECT_EQ(linked->steps, once);
+    EXPECT_EQ(linked->GetParameterCount(), 1);
+}
+
 TEST_F(Entity, RefusesANullParent)
 {
     const auto parent = TestEntity::create(L"parent");
@@ -251,6 +289,24 @@ TEST_F(Entity, UnderABasicWorldWithoutTheExtensionHasNoWorld)
     QOBSharedHandle<KARMPWorld> world;
     EXPECT_EQ(entity->GetWorld(world), KARFailure);
     ExpectReports(1);
+}
+
+// An extension that passes for a world.
+class Impostor : public QOBExtensionObject
+{
+public:
+    const QOBUUID& getClassID() const override { return KARMPWorld::ClassID(); }
+};
+
+TEST_F(Entity, ThrowsWhenTheWorldOfTheGuidIsOfAnotherClass)
+{
+    const auto basicWorld = QOBBasicWorld::create(L"world");
+    const QOBSharedHandle<Impostor> impostor(new Impostor);
+    impostor->bindExtension(basicWorld);
+    basicWorld->addLogicalChild(entity);
+    QOBSharedHandle<KARMPWorld> world;
+    EXPECT_THROW(entity->GetWorld(world), QOBEInvalidCast);
+    EXPECT_FALSE(world);
 }
 
 TEST_F(Entity, FindsItsWorldThroughTheBasicWorldAboveIt)
