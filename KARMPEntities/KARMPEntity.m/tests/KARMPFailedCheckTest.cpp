@@ -206,6 +206,14 @@ TEST_F(FailedCheckProcess, AFatalReportEndsTheProcessInTheDevelopmentStage)
         EXPECT_EQ(fatal.path, "dir/site.cpp");
         EXPECT_EQ(fatal.line, 17);
     }
+    try {
+        KARMPCheckFailed("message", "dir/site.cpp", 17, true, true);
+        FAIL() << "The report returned";
+    } catch (const Fatal& fatal) {
+        EXPECT_EQ(fatal.text.rfind("AssertionFailed: \n", 0), 0U);
+        EXPECT_FALSE(fatal.hasPath);
+        EXPECT_EQ(fatal.line, 0);
+    }
     EXPECT_TRUE(Log().empty());
 }
 
