@@ -40,6 +40,21 @@ TEST(NotificationAgent, TellsSubscribersOfTheEventsInTheirMask)
     EXPECT_EQ(item->getReferenceCount(), 1U);
 }
 
+class Silent : public QOBNotificationAgent
+{
+public:
+    Silent() : QOBNotificationAgent(false) {}
+};
+
+TEST(NotificationAgent, TellsNobodyWhenItWasMadeToBeSilent)
+{
+    const QOBSharedHandle<Silent> silent(new Silent);
+    const QOBSharedHandle<Listener> listener(new Listener);
+    silent->addSubscriber(Functor(*listener, &Listener::hear), mask(9));
+    silent->postEvent(9);
+    EXPECT_EQ(listener->heard, 0);
+}
+
 TEST(NotificationAgent, IgnoresEventNumbersOutsideTheSet)
 {
     const auto item = makeItem();
