@@ -23,6 +23,9 @@ public:
     KARStatus Add(const QOBSharedHandle<Body>& body, Orientation orientation,
                   KARMPSourceLocation where = KARMPSourceLocation::current())
     {
+        // Room comes first, so that no body is without orientation when memory ends.
+        if (m_orientations.size() == m_orientations.capacity())
+            m_orientations.reserve(2 * m_orientations.size() + 1);
         const KARStatus status = m_bodies.Add(body, where);
         if (status == KARSuccess)
             m_orientations.push_back(orientation);

@@ -1,5 +1,6 @@
 #include "KARMPJoint.h"
 
+#include "AllocationCounter.h"
 #include "KARMPBody.h"
 #include "KARMPConstraint.h"
 #include "KARMPJointKinds.h"
@@ -8,6 +9,8 @@
 #include "KARMPWorld.h"
 #include "QOBBasicWorld.h"
 #include "RecordingJointLoader.h"
+
+#include <new>
 
 namespace {
 
@@ -165,6 +168,35 @@ TEST_F(Joint, OrientationsFollowTheirBodiesThroughManyRemovals)
         EXPECT_EQ(body, bodies[static_cast<std::size_t>(number)]);
         EXPECT_EQ(orientation, number % 3 == 0 ? Orientation::In : Orientation::Out);
     }
+}
+
+TEST_F(Joint, ABodyIsLinkedWithItsOrientationOrNotAtAllWhenMemoryEnds)
+{
+    if (!AllocationCounter::Counts)
+        GTEST_SKIP() << "allocations cannot fail in this build";
+    std::size_t failures = 0;
+    for (int index = 0; index < 80; ++index) {
+        const auto given = index % 3 == 0 ? Orientation::In : Orientation::Out;
+        const auto body = KARMPBody::create(L"body");
+        bool linked = false;
+        for (std::size_t failing = 1; !linked; ++failing) {
+            AllocationCounter allocations;
+            allocations.FailAllocation(failing);
+            try {
+                ASSERT_EQ(joint->LinkToBody(body, given), KARSuccess);
+                linked = true;
+            } catch (const std::bad_alloc&) {
+                ++failures;
+            }
+            ASSERT_EQ(joint->GetLinkedBodyCount(), linked ? index + 1 : index);
+        }
+        QOBSharedHandle<KARMPBody> found;
+        auto orientation = Orientation::Out;
+        ASSERT_EQ(joint->GetLinkedBody(index, found, orientation), KARSuccess);
+        EXPECT_EQ(found, body);
+        EXPECT_EQ(orientation, given);
+    }
+    EXPECT_GT(failures, 10U);
 }
 
 TEST_F(Joint, AnIndexOutsideTheListsGivesANullHandle)
