@@ -235,6 +235,10 @@ TEST_F(JointFrames, FramesAreAddedToThoseThatAreThere)
     Frames frames{Axis(1.0)};
     EXPECT_EQ(joint->GetFrames(frames, 0, 1), KARSuccess);
     EXPECT_EQ(frames, (Frames{Axis(1.0), positionOf(*a), positionOf(*b)}));
+    EXPECT_EQ(joint->GetFrames(frames, 1, 1), KARSuccess);
+    ASSERT_EQ(frames.size(), 5u);
+    expectNear(frames[3], KARMathAxis());
+    expectNear(frames[4], KARMathAxis());
 }
 
 TEST_F(JointFrames, OnlyTheKindIsAskedOfTheLoaderWhereFramesAreComputed)

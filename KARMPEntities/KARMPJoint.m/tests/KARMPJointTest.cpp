@@ -11,6 +11,8 @@
 #include "RecordingJointLoader.h"
 
 #include <new>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -373,6 +375,31 @@ TEST_F(Joint, AFrameOutsideTheLoadersIsAFailure)
     EXPECT_EQ(joint->GetFrame(2, frame, 0), KARFailure);
     EXPECT_EQ(joint->GetFrame(-1, frame, 0), KARFailure);
     EXPECT_EQ(frame, before);
+}
+
+// A joint that gives its frames itself and notes how it was asked for them.
+class GivingJoint : public KARMPRevolute
+{
+public:
+    KARStatus GetFrames(std::vector<KARMathAxis>& given, unsigned char local,
+                        unsigned char compute) const override
+    {
+        asked.emplace_back(local, compute);
+        given.resize(3);
+        return KARFailure;
+    }
+
+    mutable std::vector<std::pair<int, int>> asked;
+};
+
+TEST_F(Joint, SingleFramesAreThoseThatTheJointsOwnKindGives)
+{
+    const QOBSharedHandle<GivingJoint> giving(new GivingJoint);
+    KARMathAxis frame;
+    EXPECT_EQ(giving->GetFrameCount(), 3);
+    EXPECT_EQ(giving->GetFrame(2, frame, 1), KARSuccess);
+    EXPECT_EQ(giving->GetFrame(3, frame, 0), KARFailure);
+    EXPECT_EQ(giving->asked, (std::vector<std::pair<int, int>>{{0, 0}, {1, 0}, {0, 0}}));
 }
 
 TEST_F(Joint, ACopyHasTheNameAndNoLinks)
