@@ -94,6 +94,17 @@ TEST_F(Coupling, AnEquationGoesInFrontOfAnotherConstraintAndStillFails)
     EXPECT_EQ(At(*gear, 1), plain);
 }
 
+TEST_F(Coupling, AnEquationBehindAnotherConstraintIsListedInFrontOnceMore)
+{
+    gear->AddConstraint(plain);
+    gear->AddConstraint(equation);
+    EXPECT_EQ(gear->SetEquation(equation), KARFailure);
+    ASSERT_EQ(gear->GetConstraintCount(), 3);
+    EXPECT_EQ(At(*gear, 0), equation);
+    EXPECT_EQ(At(*gear, 1), plain);
+    EXPECT_EQ(At(*gear, 2), equation);
+}
+
 TEST_F(Coupling, ANullEquationIsReported)
 {
     EXPECT_EQ(gear->SetEquation(nullptr), KARFailure);
