@@ -116,7 +116,10 @@ KARStatus KARMPBody::SetFloating(bool floating)
 
 KARStatus KARMPBody::Restore_Initial_WDMBody_Floating_status()
 {
-    return SetFloating(m_initialFloating);
+    if (m_wdmBody)
+        m_wdmBody->setFloating(m_initialFloating);
+    m_floating = m_initialFloating;
+    return KARSuccess;
 }
 
 KARStatus KARMPBody::SetFix(bool fixed)

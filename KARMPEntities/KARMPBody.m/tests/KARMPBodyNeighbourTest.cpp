@@ -113,6 +113,33 @@ TEST_F(BodyNeighbour, GetsItsFloatingStatusBack)
     EXPECT_FALSE(neighbour->isFloating());
 }
 
+/// A neighbour that notes whether its body floats whenever its own status is set.
+class AskingNeighbour : public TestNeighbour
+{
+public:
+    void setFloating(bool floating) override
+    {
+        seen.push_back(body->IsFloating());
+        TestNeighbour::setFloating(floating);
+    }
+
+    const KARMPBody* body = nullptr;
+    std::vector<bool> seen;
+};
+
+TEST_F(BodyNeighbour, HearsOfAStatusAfterTheBodyAndOfItsOwnBeforeIt)
+{
+    const QOBSharedHandle<AskingNeighbour> asking(new AskingNeighbour);
+    asking->body = body.get();
+    body->SetWDMBody(asking);
+    EXPECT_TRUE(asking->seen.empty()) << "attaching sets nothing";
+    body->SetFloating(false);
+    EXPECT_EQ(asking->seen, std::vector<bool>{false});
+    body->Restore_Initial_WDMBody_Floating_status();
+    EXPECT_EQ(asking->seen, (std::vector<bool>{false, false}));
+    EXPECT_TRUE(body->IsFloating());
+}
+
 TEST_F(BodyNeighbour, ThatNeverCameRestoresToNotFloating)
 {
     EXPECT_EQ(body->Restore_Initial_WDMBody_Floating_status(), KARSuccess);
