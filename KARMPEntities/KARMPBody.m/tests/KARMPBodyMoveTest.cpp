@@ -56,6 +56,32 @@ TEST_F(BodyMove, MovesAnActiveSensorOnly)
     EXPECT_EQ(same, displacement);
 }
 
+TEST_F(BodyMove, IsToldWhenTheBodyAndItsSensorHaveMovedAndItsChildrenHaveNot)
+{
+    const Body father = NewBody(L"father");
+    const Body child = NewFollower(L"child");
+    father->AddBody(child);
+    const auto neighbour = TestNeighbour::create(L"n");
+    father->SetWDMBody(neighbour);
+    const auto sensor = Keep(KARMPDisplacementSensor::create(L"s"));
+    father->SetDisplacementSensor(sensor);
+    int told = 0;
+    father->addSubscriber(
+        QOBNotificationFunctor(*log,
+                               [&](QOBNotificationFunctor::Sender, QOBNotificationFunctor::Events) {
+                                   ++told;
+                                   EXPECT_EQ(positionOf(*father), shift(1.0));
+                                   KARMathTransformation displacement;
+                                   sensor->GetDisplacement(displacement);
+                                   EXPECT_EQ(displacement, shift(1.0));
+                                   EXPECT_EQ(positionOf(*child), KARMathTransformation());
+                               }),
+        QOBNotificationFunctor::Events().set(9));
+    father->UpdatePosition(shift(1.0), true);
+    EXPECT_EQ(told, 1);
+    EXPECT_EQ(positionOf(*child), shift(1.0));
+}
+
 TEST_F(BodyMove, EndsAmongTheChildrenAtOneThatIsFixed)
 {
     const Body father = NewBody(L"father");
