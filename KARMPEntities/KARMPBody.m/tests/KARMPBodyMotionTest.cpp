@@ -194,6 +194,14 @@ TEST_F(BodyMotion, SettingVelocitiesGivesTheStatusOfTheLoader)
     EXPECT_EQ(body->SetVelocity({1.0, 0.0, 0.0}, {}), KARUnchanged);
 }
 
+TEST_F(BodyMotion, VelocitiesThatTheLoaderRefusesAreKnownAllTheSame)
+{
+    record.failing = "SetLoaderVelocity";
+    EXPECT_EQ(body->SetVelocity({1.0, 0.0, 0.0}, {}), KARFailure);
+    EXPECT_EQ(body->GetVelocity(linear, angular), KARSuccess);
+    EXPECT_EQ(linear, KARMathVector(1.0, 0.0, 0.0));
+}
+
 TEST_F(BodyMotion, VelocitiesAreStoredButNotKnownWhenTheLoaderCannotBeFetched)
 {
     alone->failsToFetch = true;
@@ -291,6 +299,16 @@ TEST_F(BodyMotion, AllIsPassedOnWhenVelocitiesAndAccelerationsAreAskedForAtOnce)
     EXPECT_EQ(record.at, &at);
     EXPECT_EQ(record.reference, alone._getReferent());
     EXPECT_EQ(record.frame, &frame);
+    // The accelerations stay, and so do the velocities, which are known only once set.
+    EXPECT_EQ(body->GetVelocity(linear, angular), KARFailure);
+    EXPECT_EQ(body->GetAcceleration(linear, angular), KARSuccess);
+    EXPECT_EQ(linear, record.linearAcceleration);
+    EXPECT_EQ(angular, record.angularAcceleration);
+    body->SetLoader(nullptr);
+    EXPECT_EQ(body->GetVelocity(linear, angular, point), KARSuccess);
+    EXPECT_EQ(linear, record.linearVelocity);
+    EXPECT_EQ(angular, record.angularVelocity);
+    body->SetLoader(new RecordingBodyLoader(record));
 
     KARMathVector again;
     EXPECT_EQ(body->GetVelocityAndAcceleration(again, angular, linearAcceleration,
