@@ -338,6 +338,41 @@ TEST_F(BodyTree, ReadsAPositionOfWhichAPartIsMissing)
               KARMathTransformation({{2.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, {0.0, 0.0, 1.0}}, {}));
 }
 
+TEST_F(BodyTree, ReadsAMissingComponentOfAVelocityAsZeroAndKeepsAllOthers)
+{
+    TestDeserializer root;
+    TestDeserializer& element = Plain(root);
+    element.Add(L"Velocity").Add(L"AngularVelocity").Leaf(L"Vy", 5.0);
+    element.Add(L"Acceleration").Add(L"AngularAcceleration").Leaf(L"Vy", 6.0);
+    TestDeserializer& weight = element.Add(L"Weight");
+    weight.Add(L"COG").Leaf(L"Px", 7.0);
+    weight.Add(L"InertiaMatrix").Leaf(L"M2z", 8.0);
+    read->SetVelocity({1.0, 2.0, 3.0}, {1.0, 2.0, 3.0});
+    read->SetAcceleration({1.0, 2.0, 3.0}, {1.0, 2.0, 3.0});
+    read->SetMass(4.0);
+    read->SetCenterOfGravity({1.0, 2.0, 3.0});
+    read->SetInertiaMatrix(Inertia);
+    EXPECT_EQ(read->Deserialize(&root, entities), KARSuccess);
+    TakeReports();
+    KARMathVector linear;
+    KARMathVector angular;
+    EXPECT_EQ(read->GetVelocity(linear, angular), KARSuccess);
+    EXPECT_EQ(linear, KARMathVector(1.0, 2.0, 3.0));
+    EXPECT_EQ(angular, KARMathVector(0.0, 5.0, 0.0));
+    read->GetAcceleration(linear, angular);
+    EXPECT_EQ(linear, KARMathVector(1.0, 2.0, 3.0));
+    EXPECT_EQ(angular, KARMathVector(1.0, 6.0, 3.0));
+    double mass = 0.0;
+    read->GetMass(mass);
+    EXPECT_EQ(mass, 4.0);
+    KARMathPoint center;
+    read->GetCenterOfGravity(center);
+    EXPECT_EQ(center, KARMathPoint(7.0, 2.0, 3.0));
+    KARMath3x3Matrix inertia;
+    read->GetInertiaMatrix(inertia);
+    EXPECT_EQ(inertia, KARMath3x3Matrix({31.0, 32.0, 33.0}, {34.0, 35.0, 8.0}, {37.0, 38.0, 39.0}));
+}
+
 TEST_F(BodyTree, TellsLoaderAndNeighbourOfAPositionThatIsRead)
 {
     BodyLoaderRecord& record = NewRecord();
