@@ -17,6 +17,7 @@
 #include "TestDeserializer.h"
 #include "TestSerializer.h"
 
+#include <algorithm>
 #include <cmath>
 #include <string>
 #include <type_traits>
@@ -581,7 +582,13 @@ TYPED_TEST(GeometryKind, ReportsEachAdditionThatFails)
             if (failing > 2) {
                 EXPECT_EQ(root.Child(0).Child(0).GetElementCount(), count - 1);
             }
-            EXPECT_EQ(this->TakeReports() > 0, failing != 0);
+            // The node reports too, of a value more than once.
+            const auto isOfKind = [](const std::string& place) {
+                return place.find("KARMPSerializer.cpp") == std::string::npos;
+            };
+            const auto& places = this->UnclaimedReports();
+            EXPECT_EQ(std::count_if(places.begin(), places.end(), isOfKind), failing == 0 ? 0 : 1);
+            this->TakeReports();
         });
     EXPECT_EQ(creations, 2 + count);
 }
@@ -665,6 +672,26 @@ TEST_F(DirectionOnRead, HoldsForTheAxisOfACircleToo)
     EXPECT_EQ(value.GetRadius(), 2.0);
     EXPECT_EQ(value.GetScale(), 1.0);
     EXPECT_EQ(value.GetShift(), 0.0);
+}
+
+TEST_F(DirectionOnRead, HoldsForTheNormalOfAPlaneToo)
+{
+    const auto normalOf = [](double x, double y, double z) {
+        TestDeserializer root(L"Plane");
+        root.Attribute(L"id", L"p").Attribute(L"name", L"p").Attribute(L"isActive", L"yes");
+        root.Add(L"Coordinates")
+            .Leaf(L"Ox", 0.0)
+            .Leaf(L"Oy", 0.0)
+            .Leaf(L"Oz", 0.0)
+            .Leaf(L"Nx", x)
+            .Leaf(L"Ny", y)
+            .Leaf(L"Nz", z);
+        const auto plane = KARMPPlane::create(L"");
+        EXPECT_EQ(plane->Deserialize(&root, KARMPEntityTable()), KARSuccess);
+        return get(*plane, &KARMPPlane::GetPlane).GetNormal();
+    };
+    EXPECT_EQ(normalOf(0.0, 0.0, 0.0), KARMathDirection(1.0, 0.0, 0.0));
+    EXPECT_EQ(normalOf(0.0, 3.0, 0.0), KARMathDirection(0.0, 1.0, 0.0));
 }
 
 TEST_F(DirectionOnRead, OfALineGoesOnWithoutAComponent)

@@ -312,10 +312,13 @@ TEST_F(Geometry, WritesTheRestWhenAnAdditionFails)
 {
     LinkAll();
     const std::size_t creations =
-        ForEachFailedCreation(L"R2018.1", [this](TestSerializer& root, std::size_t) {
+        ForEachFailedCreation(L"R2018.1", [this](TestSerializer& root, std::size_t failing) {
             EXPECT_EQ(geometry->Serialize(&root), KARSuccess);
-            EXPECT_TRUE(root.Has(L"Body") || root.Has(L"Constraints"));
-            TakeReports();
+            // The node reports, and so does the geometry.
+            ExpectReports(failing == 0 ? 0 : 2);
+            EXPECT_EQ(root.Has(L"Body"), failing != 1);
+            const std::size_t lost = failing == 2 ? 2 : failing > 2 ? 1 : 0;
+            EXPECT_EQ(root.Count(L"Constraints/Constraint"), 2 - lost);
         });
     EXPECT_EQ(creations, 4U);
 }
