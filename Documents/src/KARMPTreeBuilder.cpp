@@ -9,6 +9,7 @@
 #include <cstring>
 #include <limits>
 #include <new>
+#include <span>
 #include <stdexcept>
 
 namespace karmp::documents {
@@ -349,35 +350,38 @@ bool TreeBuilder::Enter(pugi::xml_node source, SourceText& lines)
     if (m_levels.empty()) {
         m_document.m_root = node;
     } else {
-        m_levels.back().node->PlaceElement(*m_name, node, m_memory);
+        m_children.push_back(node);
     }
 
     const pugi::xml_node first = source.first_child();
     const bool hasElements = first && HasElements(source);
-    m_levels.push_back({source, first, node, hasElements, false, {}});
+    m_levels.push_back(
+        {source, first, node, m_children.size(), m_texts.size(), hasElements, false});
     if (source.first_attribute() && !ReadAttributes(source, *node)) {
         return false;
     }
-    if (first) {
-        if (*source.value() != '\0') {
-            ReadText(m_levels.back(), source);
-        }
-        return true;
+    const char* const text = source.value();
+    if (!first) {
+        node->PlaceValue(Decode(text, TextPlace::Element, *node, {}));
+        node->m_hasText = 1;
+        m_levels.pop_back();
+    } else if (*text != '\0') {
+        ReadText(m_levels.back(), source);
     }
-    node->PlaceValue(Decode(source.value(), TextPlace::Element, *node, {}));
-    node->m_hasText = 1;
-    m_levels.pop_back();
     return true;
 }
 
 void TreeBuilder::Leave()
 {
-    const Level level = std::move(m_levels.back());
+    const Level level = m_levels.back();
     m_levels.pop_back();
     if (level.hasText || !level.hasElements) {
-        level.node->PlaceValue(ValueText(level.text));
+        level.node->PlaceValue(ValueText(std::wstring_view(m_texts).substr(level.textStart)));
         level.node->m_hasText = 1;
+        m_texts.resize(level.textStart);
     }
+    level.node->PlaceElements(std::span(m_children).subspan(level.firstChild), m_memory);
+    m_children.resize(level.firstChild);
     if (!m_levels.empty()) {
         m_levels.back().source.remove_child(level.source);
     }
@@ -388,7 +392,7 @@ void TreeBuilder::ReadText(Level& level, const pugi::xml_node& source)
 {
     std::string_view raw = source.value();
     if (source.type() == pugi::node_cdata) {
-        AppendDecodedCData(level.text, raw);
+        AppendDecodedCData(m_texts, raw);
         level.hasText = true;
         return;
     }
@@ -397,7 +401,7 @@ void TreeBuilder::ReadText(Level& level, const pugi::xml_node& source)
     }
     if (!raw.empty()) {
         level.hasText = true;
-        if (!AppendDecoded(level.text, raw, TextPlace::Element)) {
+        if (!AppendDecoded(m_texts, raw, TextPlace::Element)) {
             m_messages.Error(Code::Reference, "a text holds an unknown reference", Path(),
                              level.node->Line(), level.node->Column());
         }
@@ -450,6 +454,17 @@ karmp::NodeText TreeBuilder::Decode(const char* raw, TextPlace place,
     return ValueText(m_value);
 }
 
+// Counts the children of a level up to one of them that have its name.
+std::size_t TreeBuilder::NumberOfName(const Level& parent, const Level& child) const
+{
+    const auto first = m_children.begin() + static_cast<std::ptrdiff_t>(parent.firstChild);
+    const auto last = m_children.begin() + static_cast<std::ptrdiff_t>(child.firstChild);
+    const auto count = std::count_if(first, last, [&child](const KARMPDeserializer* node) {
+        return node->Id() == child.node->Id();
+    });
+    return static_cast<std::size_t>(count);
+}
+
 std::string TreeBuilder::Path() const
 {
     constexpr std::size_t longest = 64;
@@ -461,12 +476,7 @@ std::string TreeBuilder::Path() const
         const Level& level = m_levels[place];
         path += '/';
         AppendUtf8(path, level.node->Id());
-        KARMPDeserializer::ElementIterator begin = nullptr;
-        KARMPDeserializer::ElementIterator end = nullptr;
-        if (place > 0) {
-            m_levels[place - 1].node->GetElements(level.node->Id(), begin, end);
-        }
-        const auto number = end - begin;
+        const auto number = place > 0 ? NumberOfName(m_levels[place - 1], level) : 0;
         if (number > 1 || (number == 1 && level.source.next_sibling(level.source.name()))) {
             path += '[' + std::to_string(number) + ']';
         }

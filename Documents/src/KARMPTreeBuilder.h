@@ -26,15 +26,17 @@ public:
     static Document ReadText(std::string text, std::string name, const Limits& limits);
 
 private:
-    /// An element whose children are being read.
+    /// An element that is being read.
     struct Level
     {
         pugi::xml_node source;
         pugi::xml_node next;
         KARMPDocumentReader* node;
+        /// Where the element's children and its text begin in the lists of all levels.
+        std::size_t firstChild;
+        std::size_t textStart;
         bool hasElements;
         bool hasText;
-        std::wstring text;
     };
 
     TreeBuilder(Document& document, std::string& text);
@@ -57,6 +59,7 @@ private:
     bool WideName(const char* name, const KARMPDocumentReader* node, SourcePlace place);
     bool CountNode(SourcePlace place);
     bool Fail(Code code, std::string text, SourcePlace place, std::string path = {});
+    std::size_t NumberOfName(const Level& parent, const Level& child) const;
     std::string Path() const;
 
     Document& m_document;
@@ -64,6 +67,8 @@ private:
     std::string& m_text;
     pugi::xml_document m_source;
     std::vector<Level> m_levels;
+    std::vector<KARMPDeserializer*> m_children;
+    std::wstring m_texts;
     std::size_t m_nodes = 0;
     NodeArena& m_memory;
     RepeatedTexts m_names;

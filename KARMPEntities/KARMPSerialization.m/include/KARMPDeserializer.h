@@ -10,6 +10,7 @@
 #include <concepts>
 #include <cstddef>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -137,14 +138,16 @@ protected:
     void PlaceVersion(const karmp::NodeText& version) { m_version = version; }
     void PlaceId(const karmp::NodeText& id) { m_name = id; }
     void PlaceValue(karmp::NodeText value) { m_value = std::move(value); }
-    void PlaceElement(const karmp::NodeText& name, KARMPDeserializer* child,
-                      karmp::NodeMemory& memory);
+    /// Adds children, each under its own name.
+    void PlaceElements(std::span<KARMPDeserializer* const> children, karmp::NodeMemory& memory);
     /// Returns false when the value took the place of an earlier one.
     bool PlaceAttribute(const karmp::NodeText& name, karmp::NodeText value,
                         karmp::NodeMemory& memory);
 
 private:
+    struct Child;
     struct Group;
+    struct Groups;
     struct Branch;
     /// Ends what stands in a tree's memory or in memory of its own.
     struct Release
@@ -167,6 +170,7 @@ private:
     static KARStatus GetAttrVal(const karmp::NodeValue& stored, int& value);
     static KARStatus GetAttrVal(const karmp::NodeValue& stored, double& value);
     static KARStatus GetAttrVal(const karmp::NodeValue& stored, bool& value);
+    KARMPDeserializer* NextElement(std::wstring_view name) const;
     Branch& NeedBranch(karmp::NodeMemory* memory);
     void Clean() noexcept;
 

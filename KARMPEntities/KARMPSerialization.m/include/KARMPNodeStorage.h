@@ -6,6 +6,7 @@
 #include "KARMPNodeMemory.h"
 #include "KARMPSerializationVariable.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -175,7 +176,15 @@ public:
     void MakeRoom(NodeMemory* memory = nullptr)
     {
         if (m_block == nullptr || m_block->size == m_block->capacity) {
-            Grow(memory);
+            const std::size_t count = size();
+            Grow(count == 0 ? 3 : count * 2, memory);
+        }
+    }
+    /// The same for `more` elements; a list that is still empty gets no room for others.
+    void MakeRoomFor(std::size_t more, NodeMemory* memory = nullptr)
+    {
+        if (more > (m_block != nullptr ? m_block->capacity - m_block->size : 0U)) {
+            Grow(std::max(size() + more, size() * 2), memory);
         }
     }
 
@@ -206,10 +215,9 @@ private:
 
     T* First() const { return std::launder(reinterpret_cast<T*>(m_block + 1)); }
 
-    void Grow(NodeMemory* memory)
+    void Grow(std::size_t capacity, NodeMemory* memory)
     {
         const std::size_t count = size();
-        const std::size_t capacity = count == 0 ? 3 : count * 2;
         if (capacity > Largest) {
             throw std::length_error("KARMP element tree: list too long");
         }

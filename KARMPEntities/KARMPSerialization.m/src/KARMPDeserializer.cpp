@@ -16,28 +16,6 @@ namespace {
 // A list of up to this many names is scanned; a longer one gets an index.
 constexpr std::size_t LongestScan = 16;
 
-// Where each name stands in a list; the names are views of the list's own texts.
-using NameIndex = std::unordered_map<std::wstring_view, std::size_t>;
-
-std::wstring_view NameOf(const NodeAttribute& attribute)
-{
-    return attribute.name.View();
-}
-
-// Enters in the index of `list` the name of the element that is about to be appended to it.
-template <class List>
-void IndexNext(NameIndex& index, const List& list, std::wstring_view name)
-{
-    if (index.empty()) {
-        NameIndex filled;
-        for (std::size_t place = 0; place < list.size(); ++place) {
-            filled.emplace(NameOf(list[place]), place);
-        }
-        index = std::move(filled);
-    }
-    index.emplace(name, list.size());
-}
-
 // What stands in the memory of a tree or in memory of its own.
 struct Placed
 {
@@ -52,14 +30,113 @@ T* Place(karmp::NodeMemory* memory)
     return placed;
 }
 
-template <class T>
-void End(T* placed) noexcept
+struct EndPlaced
 {
-    if (placed->inTree) {
-        placed->~T();
-    } else {
-        delete placed;
+    template <class T>
+    void operator()(T* placed) const noexcept
+    {
+        if (placed->inTree) {
+            placed->~T();
+        } else {
+            delete placed;
+        }
     }
+};
+
+// Where each name stands in a list; the names are views of the list's own texts. The index owns a
+// table: in the memory of a tree it ends with it.
+struct NameIndex : Placed
+{
+    struct End
+    {
+        void operator()(NameIndex* index) const noexcept
+        {
+            if (!index->inTree) {
+                delete index;
+            }
+        }
+    };
+
+    std::unordered_map<std::wstring_view, std::uint32_t> places;
+};
+
+using OwnedIndex = std::unique_ptr<NameIndex, NameIndex::End>;
+
+std::wstring_view NameOf(const NodeAttribute& attribute)
+{
+    return attribute.name.View();
+}
+
+// Names of the process's table are equal when they are the same.
+bool SameName(std::wstring_view left, std::wstring_view right)
+{
+    return left.size() == right.size() && (left.data() == right.data() || left == right);
+}
+
+// The element of a name, null when there is none.
+template <class T>
+const T* FindNamed(const karmp::NodeArray<T>& list, const NameIndex* index, std::wstring_view name)
+{
+    if (index != nullptr) {
+        const auto found = index->places.find(name);
+        return found != index->places.end() ? &list[found->second] : nullptr;
+    }
+    for (const T& element : list) {
+        if (SameName(NameOf(element), name)) {
+            return &element;
+        }
+    }
+    return nullptr;
+}
+
+// The same where elements are mostly asked for in their order: `likely` is the place after the one
+// found last.
+template <class T>
+const T* FindNext(const karmp::NodeArray<T>& list, const NameIndex* index, std::uint32_t& likely,
+                  std::wstring_view name)
+{
+    if (likely < list.size() && SameName(NameOf(list[likely]), name)) {
+        return &list[likely++];
+    }
+    const T* const found = FindNamed(list, index, name);
+    if (found != nullptr) {
+        likely = static_cast<std::uint32_t>(found - list.begin() + 1);
+    }
+    return found;
+}
+
+// Enters the name of the element that is about to be appended to `list`, once the list is long.
+template <class T>
+void IndexNext(OwnedIndex& index, const karmp::NodeArray<T>& list, std::wstring_view name,
+               karmp::NodeMemory* memory)
+{
+    if (list.size() < LongestScan) {
+        return;
+    }
+    if (!index) {
+        OwnedIndex made(memory != nullptr ? memory->Make<NameIndex>() : new NameIndex());
+        made->inTree = memory != nullptr;
+        for (const T& element : list) {
+            made->places.emplace(NameOf(element),
+                                 static_cast<std::uint32_t>(&element - list.begin()));
+        }
+        index = std::move(made);
+    }
+    index->places.emplace(name, static_cast<std::uint32_t>(list.size()));
+}
+
+// The elements of a list in the order of their names.
+template <class T>
+std::vector<const T*> ByName(const karmp::NodeArray<T>& list)
+{
+    std::vector<const T*> sorted;
+    sorted.reserve(list.size());
+    for (const T& element : list) {
+        sorted.push_back(&element);
+    }
+    std::sort(sorted.begin(), sorted.end(),
+              [](const T* left, const T* right) { return NameOf(*left) < NameOf(*right); });
+    return sorted;
 }
 
 std::wstring_view ViewOf(const wchar_t* text)
@@ -68,6 +145,16 @@ std::wstring_view ViewOf(const wchar_t* text)
 }
 
 } // namespace
+
+/// A child and the name that it stands under.
+struct KARMPDeserializer::Child
+{
+    friend std::wstring_view NameOf(const Child& child) { return child.name.View(); }
+    operator KARMPDeserializer*() const { return node; }
+
+    NodeText name;
+    KARMPDeserializer* node;
+};
 
 /// The children of one name.
 struct KARMPDeserializer::Group
@@ -82,11 +169,6 @@ struct KARMPDeserializer::Group
         std::size_t additions = 0;
     };
 
-    struct EndSeveral
-    {
-        void operator()(Several* ended) const noexcept { End(ended); }
-    };
-
     KARMPDeserializer* const* begin() const
     {
         return several ? std::as_const(several->members).begin() : &only;
@@ -95,20 +177,21 @@ struct KARMPDeserializer::Group
     {
         return several ? std::as_const(several->members).end() : &only + 1;
     }
-    friend std::wstring_view NameOf(const Group& group) { return group.name.View(); }
+    friend std::wstring_view NameOf(const Group& group) { return group.name; }
 
     void Append(KARMPDeserializer* child, karmp::NodeMemory* memory);
     KARMPDeserializer* Next(std::size_t additions) const;
 
-    NodeText name;
+    /// A view of the first child's entry.
+    std::wstring_view name;
     KARMPDeserializer* only;
-    std::unique_ptr<Several, EndSeveral> several;
+    std::unique_ptr<Several, EndPlaced> several;
 };
 
 void KARMPDeserializer::Group::Append(KARMPDeserializer* child, karmp::NodeMemory* memory)
 {
     if (!several) {
-        std::unique_ptr<Several, EndSeveral> made(Place<Several>(memory));
+        std::unique_ptr<Several, EndPlaced> made(Place<Several>(memory));
         made->members.MakeRoom(memory);
         made->members.Append(only);
         several = std::move(made);
@@ -135,117 +218,87 @@ KARMPDeserializer* KARMPDeserializer::Group::Next(std::size_t additions) const
     return several->members[several->walked++];
 }
 
-struct KARMPDeserializer::Branch : Placed
+/// The children by name, for a node that has many or several of one name.
+struct KARMPDeserializer::Groups : Placed
 {
-    const Group* Find(std::wstring_view name) const;
-    void Append(NodeText name, KARMPDeserializer* child, karmp::NodeMemory* memory);
-
-    std::size_t IndexedPlace(std::wstring_view name) const;
-    std::size_t PlaceOf(const NodeText& name) const;
-
-    /// Where names stand, once there are many.
-    struct Indexes : Placed
+    const Group* Find(std::wstring_view name) const
     {
-        NameIndex groups;
-        NameIndex attributes;
-    };
-    Indexes& NeedIndexes(karmp::NodeMemory* memory);
-    struct EndIndexes
-    {
-        void operator()(Indexes* ended) const noexcept;
-    };
+        return FindNext(list, index.get(), likely, name);
+    }
+    void Append(std::wstring_view name, KARMPDeserializer* child, karmp::NodeMemory* memory);
 
-    karmp::NodeArray<KARMPDeserializer*> ordered;
-    karmp::NodeArray<Group> groups;
-    std::unique_ptr<Indexes, EndIndexes> indexes;
+    mutable std::uint32_t likely = 0;
+    karmp::NodeArray<Group> list;
+    OwnedIndex index;
     /// Counts the calls of AddElement: each ends all walks.
     std::size_t additions = 1;
-    /// The group after the one found last: entities mostly read in the order of writing.
-    mutable std::size_t likely = 0;
 };
 
-const KARMPDeserializer::Group* KARMPDeserializer::Branch::Find(std::wstring_view name) const
+void KARMPDeserializer::Groups::Append(std::wstring_view name, KARMPDeserializer* child,
+                                       karmp::NodeMemory* memory)
 {
-    if (likely < groups.size() && NameOf(groups[likely]) == name) {
-        return &groups[likely++];
+    if (const Group* const found = Find(name)) {
+        // Mostly the next child has the same name, or a new one.
+        likely = static_cast<std::uint32_t>(found - list.begin());
+        list[likely].Append(child, memory);
+        return;
     }
-    std::size_t place = groups.size();
-    if (groups.size() > LongestScan) {
-        place = IndexedPlace(name);
-    } else {
-        const auto found = std::find_if(groups.begin(), groups.end(), [name](const Group& group) {
-            return NameOf(group) == name;
-        });
-        place = static_cast<std::size_t>(found - groups.begin());
-    }
-    if (place == groups.size()) {
-        return nullptr;
-    }
-    likely = place + 1;
-    return &groups[place];
+    list.MakeRoom(memory);
+    IndexNext(index, list, name, memory);
+    list.Append({name, child, nullptr});
 }
 
-std::size_t KARMPDeserializer::Branch::IndexedPlace(std::wstring_view name) const
+/// What a leaf does without. Most other nodes are records: a few children, each of a name of its
+/// own, which are found in their list; they have no groups.
+struct KARMPDeserializer::Branch : Placed
 {
-    const auto found = indexes->groups.find(name);
-    return found != indexes->groups.end() ? found->second : groups.size();
+    void Append(NodeText name, KARMPDeserializer* child, karmp::NodeMemory* memory);
+    const Child* Find(std::wstring_view name) const
+    {
+        return FindNext(children, nullptr, likely, name);
+    }
+    bool NeedsGroupsWith(const NodeText& name) const;
+    void MakeGroups(karmp::NodeMemory* memory);
+
+    mutable std::uint32_t likely = 0;
+    karmp::NodeArray<Child> children;
+    std::unique_ptr<Groups, EndPlaced> groups;
+    OwnedIndex attributes;
+};
+
+bool KARMPDeserializer::Branch::NeedsGroupsWith(const NodeText& name) const
+{
+    return children.size() >= LongestScan ||
+           std::any_of(children.begin(), children.end(),
+                       [&name](const Child& child) { return child.name == name; });
 }
 
-// The place of the name's group, one past the groups when there is none.
-std::size_t KARMPDeserializer::Branch::PlaceOf(const NodeText& name) const
+void KARMPDeserializer::Branch::MakeGroups(karmp::NodeMemory* memory)
 {
-    if (likely < groups.size() && groups[likely].name == name) {
-        return likely;
+    std::unique_ptr<Groups, EndPlaced> made(Place<Groups>(memory));
+    for (const Child& child : children) {
+        made->Append(NameOf(child), child, memory);
     }
-    if (groups.size() > LongestScan) {
-        return IndexedPlace(name.View());
-    }
-    const auto found = std::find_if(groups.begin(), groups.end(),
-                                    [&name](const Group& group) { return group.name == name; });
-    return static_cast<std::size_t>(found - groups.begin());
-}
-
-// The indexes own tables: in the memory of a tree they end with it.
-KARMPDeserializer::Branch::Indexes& KARMPDeserializer::Branch::NeedIndexes(
-    karmp::NodeMemory* memory)
-{
-    if (!indexes) {
-        indexes.reset(memory != nullptr ? memory->Make<Indexes>() : new Indexes());
-        indexes->inTree = memory != nullptr;
-    }
-    return *indexes;
-}
-
-void KARMPDeserializer::Branch::EndIndexes::operator()(Indexes* ended) const noexcept
-{
-    if (!ended->inTree) {
-        delete ended;
-    }
-}
-
-void KARMPDeserializer::Release::operator()(Branch* branch) const noexcept
-{
-    End(branch);
+    groups = std::move(made);
 }
 
 // When memory ends, nothing was added and the child is still the caller's.
 void KARMPDeserializer::Branch::Append(NodeText name, KARMPDeserializer* child,
                                        karmp::NodeMemory* memory)
 {
-    ordered.MakeRoom(memory);
-    if (const std::size_t place = PlaceOf(name); place < groups.size()) {
-        groups[place].Append(child, memory);
-        // Mostly the next child has the same name, or a new one.
-        likely = place;
-    } else {
-        groups.MakeRoom(memory);
-        Group group{std::move(name), child, nullptr};
-        if (groups.size() >= LongestScan) {
-            IndexNext(NeedIndexes(memory).groups, groups, NameOf(group));
-        }
-        groups.Append(std::move(group));
+    children.MakeRoom(memory);
+    if (!groups && NeedsGroupsWith(name)) {
+        MakeGroups(memory);
     }
-    ordered.Append(child);
+    if (groups) {
+        groups->Append(name.View(), child, memory);
+    }
+    children.Append({std::move(name), child});
+}
+
+void KARMPDeserializer::Release::operator()(Branch* branch) const noexcept
+{
+    EndPlaced()(branch);
 }
 
 KARMPDeserializer::KARMPDeserializer() : m_version(NodeText::CurrentVersion()) {}
@@ -258,15 +311,23 @@ KARMPDeserializer::~KARMPDeserializer()
 void KARMPDeserializer::Clean() noexcept
 {
     if (m_branch) {
-        // The index is of no use any more, so that the groups may move.
-        std::sort(
-            m_branch->groups.begin(), m_branch->groups.end(),
-            [](const Group& left, const Group& right) { return NameOf(left) < NameOf(right); });
-        auto place = m_branch->ordered.begin();
-        for (const Group& group : m_branch->groups) {
-            place = std::copy(group.begin(), group.end(), place);
+        // Names and index are of no use any more, so that groups and children may move.
+        const auto byName = [](const auto& left, const auto& right) {
+            return NameOf(left) < NameOf(right);
+        };
+        karmp::NodeArray<Child>& children = m_branch->children;
+        if (Groups* const groups = m_branch->groups.get()) {
+            std::sort(groups->list.begin(), groups->list.end(), byName);
+            Child* place = children.begin();
+            for (const Group& group : groups->list) {
+                for (KARMPDeserializer* const member : group) {
+                    (place++)->node = member;
+                }
+            }
+        } else {
+            std::sort(children.begin(), children.end(), byName);
         }
-        karmp::NodeTeardown<KARMPDeserializer>::DeleteChildren(this, m_branch->ordered);
+        karmp::NodeTeardown<KARMPDeserializer>::DeleteChildren(this, children);
         m_branch.reset();
     }
     m_attributes.Clear();
@@ -390,31 +451,20 @@ void KARMPDeserializer::AppendAttribute(NodeAttribute&& attribute, karmp::NodeMe
 {
     m_attributes.MakeRoom(memory);
     if (m_attributes.size() >= LongestScan) {
-        IndexNext(NeedBranch(memory).NeedIndexes(memory).attributes, m_attributes,
-                  NameOf(attribute));
+        IndexNext(NeedBranch(memory).attributes, m_attributes, NameOf(attribute), memory);
     }
     m_attributes.Append(std::move(attribute));
 }
 
 const NodeAttribute* KARMPDeserializer::FindAttribute(std::wstring_view name) const
 {
-    if (m_attributes.size() > LongestScan) {
-        const NameIndex& index = m_branch->indexes->attributes;
-        const auto found = index.find(name);
-        return found != index.end() ? &m_attributes[found->second] : nullptr;
-    }
-    for (const NodeAttribute& attribute : m_attributes) {
-        if (NameOf(attribute) == name) {
-            return &attribute;
-        }
-    }
-    return nullptr;
+    return FindNamed(m_attributes, m_branch ? m_branch->attributes.get() : nullptr, name);
 }
 
 KARStatus KARMPDeserializer::AddElement(std::wstring_view name, KARMPDeserializer* child)
 {
-    if (m_branch) {
-        ++m_branch->additions;
+    if (m_branch && m_branch->groups) {
+        ++m_branch->groups->additions;
     }
     if (!KARMPVerify(child != nullptr)) {
         return KARFailure;
@@ -423,12 +473,20 @@ KARStatus KARMPDeserializer::AddElement(std::wstring_view name, KARMPDeserialize
     return KARSuccess;
 }
 
-void KARMPDeserializer::PlaceElement(const NodeText& name, KARMPDeserializer* child,
-                                     karmp::NodeMemory& memory)
+void KARMPDeserializer::PlaceElements(std::span<KARMPDeserializer* const> children,
+                                      karmp::NodeMemory& memory)
 {
+    if (children.empty()) {
+        return;
+    }
     Branch& branch = NeedBranch(&memory);
-    ++branch.additions;
-    branch.Append(name, child, &memory);
+    if (branch.groups) {
+        ++branch.groups->additions;
+    }
+    branch.children.MakeRoomFor(children.size(), &memory);
+    for (KARMPDeserializer* const child : children) {
+        branch.Append(child->m_name, child, &memory);
+    }
 }
 
 bool KARMPDeserializer::HasAttribute(std::wstring_view name) const
@@ -441,25 +499,42 @@ bool KARMPDeserializer::HasElement(std::wstring_view name) const
     if (!m_branch) {
         return false;
     }
-    const Group* const group = m_branch->Find(name);
-    if (group == nullptr) {
-        return false;
+    // What is asked about is mostly read next, so that its place stays the likely one.
+    if (const Groups* const groups = m_branch->groups.get()) {
+        const Group* const group = groups->Find(name);
+        if (group != nullptr) {
+            --groups->likely;
+        }
+        return group != nullptr;
     }
-    // What is asked about is mostly read next.
-    m_branch->likely = static_cast<std::size_t>(group - m_branch->groups.begin());
-    return true;
+    const Child* const child = m_branch->Find(name);
+    if (child != nullptr) {
+        --m_branch->likely;
+    }
+    return child != nullptr;
+}
+
+KARMPDeserializer* KARMPDeserializer::NextElement(std::wstring_view name) const
+{
+    if (!m_branch) {
+        return nullptr;
+    }
+    if (const Groups* const groups = m_branch->groups.get()) {
+        const Group* const group = groups->Find(name);
+        return group != nullptr ? group->Next(groups->additions) : nullptr;
+    }
+    const Child* const child = m_branch->Find(name);
+    return child != nullptr ? child->node : nullptr;
 }
 
 KARStatus KARMPDeserializer::GetElement(std::wstring_view name,
                                         const KARMPDeserializer*& child) const
 {
-    child = nullptr;
-    const Group* const group = m_branch ? m_branch->Find(name) : nullptr;
-    if (group != nullptr) {
-        KARMPDeserializer* const next = group->Next(m_branch->additions);
+    KARMPDeserializer* const next = NextElement(name);
+    if (next != nullptr && !(next->m_version == m_version)) {
         next->m_version = m_version;
-        child = next;
     }
+    child = next;
     return KARSuccess;
 }
 
@@ -468,16 +543,15 @@ KARStatus KARMPDeserializer::GetElements(ElementList& elements) const
     if (!m_branch) {
         return KARSuccess;
     }
-    std::vector<const Group*> sorted;
-    sorted.reserve(m_branch->groups.size());
-    for (const Group& group : m_branch->groups) {
-        sorted.push_back(&group);
-    }
-    std::sort(sorted.begin(), sorted.end(),
-              [](const Group* left, const Group* right) { return NameOf(*left) < NameOf(*right); });
-    elements.reserve(elements.size() + m_branch->ordered.size());
-    for (const Group* group : sorted) {
-        elements.insert(elements.end(), group->begin(), group->end());
+    elements.reserve(elements.size() + m_branch->children.size());
+    if (const Groups* const groups = m_branch->groups.get()) {
+        for (const Group* group : ByName(groups->list)) {
+            elements.insert(elements.end(), group->begin(), group->end());
+        }
+    } else {
+        for (const Child* child : ByName(m_branch->children)) {
+            elements.push_back(*child);
+        }
     }
     return KARSuccess;
 }
@@ -485,9 +559,17 @@ KARStatus KARMPDeserializer::GetElements(ElementList& elements) const
 KARStatus KARMPDeserializer::GetElements(std::wstring_view name, ElementIterator& begin,
                                          ElementIterator& end) const
 {
-    if (const Group* const group = m_branch ? m_branch->Find(name) : nullptr) {
-        begin = group->begin();
-        end = group->end();
+    if (!m_branch) {
+        return KARSuccess;
+    }
+    if (const Groups* const groups = m_branch->groups.get()) {
+        if (const Group* const group = groups->Find(name)) {
+            begin = group->begin();
+            end = group->end();
+        }
+    } else if (const Child* const child = m_branch->Find(name)) {
+        begin = &child->node;
+        end = begin + 1;
     }
     return KARSuccess;
 }
@@ -495,7 +577,7 @@ KARStatus KARMPDeserializer::GetElements(std::wstring_view name, ElementIterator
 KARStatus KARMPDeserializer::GetOrderedElementList(ElementList& elements) const
 {
     if (m_branch) {
-        elements.insert(elements.end(), m_branch->ordered.begin(), m_branch->ordered.end());
+        elements.insert(elements.end(), m_branch->children.begin(), m_branch->children.end());
     }
     return KARSuccess;
 }

@@ -31,7 +31,8 @@ public:
     PlacedNode* Add(std::wstring_view name)
     {
         PlacedNode* const child = Make(m_memory, name);
-        PlaceElement(NodeText::Name(name, m_memory), child, m_memory);
+        KARMPDeserializer* const children[] = {child};
+        PlaceElements(children, m_memory);
         return child;
     }
     bool Attribute(std::wstring_view name, std::wstring_view value)
