@@ -8,15 +8,12 @@
 #include "KARMPSerializer.h"
 #include "KARMPVersions.h"
 
-#include <cstddef>
 #include <filesystem>
-#include <new>
 #include <string>
 #include <string_view>
 
 namespace karmp::documents {
 
-class NodeArena;
 class XmlRenderer;
 
 /// Which doubles a tree keeps.
@@ -25,28 +22,11 @@ enum class Doubles {
     Exact    ///< All doubles as they are.
 };
 
-/// The memory of a tree's nodes, which the root owns and which outlives them.
-class KARMP_DOCUMENTS_API WriterMemory
-{
-protected:
-    /// That of a root.
-    WriterMemory() = default;
-    /// That of a node in the memory of another.
-    explicit WriterMemory(NodeArena* arena) : m_arena(arena), m_isRoot(false) {}
-    ~WriterMemory();
-    WriterMemory(const WriterMemory&) = delete;
-    WriterMemory& operator=(const WriterMemory&) = delete;
-
-    NodeArena* m_arena = nullptr;
-    bool m_isRoot = true;
-};
-
 } // namespace karmp::documents
 
 /// A node without a name is the root of a document; its rendered form is a whole document with the
 /// node's version. Any other node renders as its element alone.
-class KARMP_DOCUMENTS_API KARMPDocumentWriter final : private karmp::documents::WriterMemory,
-                                                      public KARMPSerializer
+class KARMP_DOCUMENTS_API KARMPDocumentWriter final : public KARMPSerializer
 {
 public:
     /// A root for a document of a version.
@@ -69,16 +49,11 @@ public:
     karmp::documents::Diagnostics SaveXml(const std::filesystem::path& path,
                                           const karmp::documents::Limits& limits = {}) const;
 
-    static void* operator new(std::size_t size) { return ::operator new(size); }
-    /// Nodes below a root stand in the root's memory.
-    static void operator delete(KARMPDocumentWriter* node, std::destroying_delete_t);
-
 protected:
     KARMPSerializer* CreateChildElement() override;
 
 private:
     friend class karmp::documents::XmlRenderer;
-    explicit KARMPDocumentWriter(karmp::documents::NodeArena* arena) : WriterMemory(arena) {}
-    static void* operator new(std::size_t size, karmp::documents::NodeArena& arena);
-    static void operator delete(void* memory, karmp::documents::NodeArena& arena);
+    /// A node below a root: it stands in the root's memory and ends with it.
+    explicit KARMPDocumentWriter(karmp::NodeMemory& memory) : KARMPSerializer(memory) {}
 };

@@ -1,11 +1,11 @@
 #include "KARMPDocumentWriter.h"
 
 #include "KARMPFileAccess.h"
-#include "KARMPNodeArena.h"
 #include "KARMPXmlRenderer.h"
 #include "KARTextConversion.h"
 
 #include <exception>
+#include <memory>
 #include <new>
 #include <stdexcept>
 #include <utility>
@@ -17,6 +17,7 @@ using karmp::documents::Limits;
 using karmp::documents::Messages;
 
 KARMPDocumentWriter::KARMPDocumentWriter(std::wstring_view version, Doubles doubles)
+    : KARMPSerializer(std::make_unique<karmp::NodeMemory>())
 {
     SetVersion(version);
     SetExactDoubles(doubles == Doubles::Exact);
@@ -24,36 +25,9 @@ KARMPDocumentWriter::KARMPDocumentWriter(std::wstring_view version, Doubles doub
 
 KARMPDocumentWriter::~KARMPDocumentWriter() = default;
 
-karmp::documents::WriterMemory::~WriterMemory()
-{
-    if (m_isRoot) {
-        delete m_arena;
-    }
-}
-
-void KARMPDocumentWriter::operator delete(KARMPDocumentWriter* node, std::destroying_delete_t)
-{
-    const bool isRoot = node->m_isRoot;
-    node->~KARMPDocumentWriter();
-    if (isRoot) {
-        ::operator delete(node);
-    }
-}
-
-void* KARMPDocumentWriter::operator new(std::size_t size, karmp::documents::NodeArena& arena)
-{
-    return arena.Allocate(size);
-}
-
-void KARMPDocumentWriter::operator delete(void* /*memory*/, karmp::documents::NodeArena& /*arena*/)
-{}
-
 KARMPSerializer* KARMPDocumentWriter::CreateChildElement()
 {
-    if (m_arena == nullptr) {
-        m_arena = new karmp::documents::NodeArena;
-    }
-    return new (*m_arena) KARMPDocumentWriter(m_arena);
+    return ::new (Memory()->Allocate(sizeof(KARMPDocumentWriter))) KARMPDocumentWriter(*Memory());
 }
 
 Diagnostics KARMPDocumentWriter::RenderXml(std::string& bytes, const Limits& limits) const

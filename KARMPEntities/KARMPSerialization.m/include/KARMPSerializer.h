@@ -3,12 +3,14 @@
 #pragma once
 
 #include "KARMPExport.h"
+#include "KARMPNodeMemory.h"
 #include "KARMPNodeStorage.h"
 #include "KARMPSerializationVariable.h"
 #include "KARStatus.h"
 
 #include <concepts>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -72,6 +74,14 @@ public:
 protected:
     using Type = KARMPSerializationVariable::Type;
 
+    /// The root of a tree that stands in one memory, nodes, texts and lists alike, so that all of
+    /// it ends at once with the root, without the nodes being destroyed one by one.
+    explicit KARMPSerializer(std::unique_ptr<karmp::NodeMemory> memory);
+    /// A node below such a root, made in the root's memory. Its parent gives it a version.
+    explicit KARMPSerializer(karmp::NodeMemory& memory) : m_memory(&memory) {}
+    /// The memory of the tree; null when every node has memory of its own.
+    karmp::NodeMemory* Memory() const { return m_memory; }
+
     /// Makes this node, and the children it creates from now on, keep doubles as they are, whether
     /// the environment asks for that or not.
     void SetExactDoubles(bool exact) { m_exactDoubles = exact; }
@@ -114,12 +124,18 @@ private:
                                   karmp::NodeValue&& value);
     const karmp::NodeAttribute& Attribute(int index) const;
     double StoredDouble(double value) const;
+    karmp::NodeText NameText(std::wstring_view text) const;
+    karmp::NodeText ValueText(std::wstring_view text) const;
+    karmp::NodeText ValueText(std::wstring&& text) const;
     void Clean() noexcept;
 
     karmp::NodeText m_name;
-    karmp::NodeValue m_value;
+    // The flags stand in the padding of the value.
+    [[no_unique_address]] karmp::NodeValue m_value;
+    bool m_exactDoubles = false;
+    bool m_ownsMemory = false;
     karmp::NodeArray<KARMPSerializer*> m_elements;
     karmp::NodeArray<karmp::NodeAttribute> m_attributes;
     karmp::NodeText m_version;
-    bool m_exactDoubles = false;
+    karmp::NodeMemory* m_memory = nullptr;
 };

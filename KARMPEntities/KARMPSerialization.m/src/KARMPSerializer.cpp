@@ -2,6 +2,7 @@
 
 #include "KARMPFailedCheck.h"
 #include "KARMPNodeTeardown.h"
+#include "KARMPVersions.h"
 #include "KARProcessServices.h"
 
 #include <bit>
@@ -41,9 +42,18 @@ std::wstring_view ViewOf(const wchar_t* text)
 
 KARMPSerializer::KARMPSerializer() : m_version(NodeText::CurrentVersion()) {}
 
+KARMPSerializer::KARMPSerializer(std::unique_ptr<karmp::NodeMemory> memory)
+    : m_ownsMemory(memory != nullptr), m_memory(memory.release())
+{
+    SetVersion(karmp::CurrentVersion);
+}
+
 KARMPSerializer::~KARMPSerializer()
 {
     Clean();
+    if (m_ownsMemory) {
+        delete m_memory;
+    }
 }
 
 double KARMPSerializer::StoredDouble(double value) const
@@ -62,7 +72,8 @@ double KARMPSerializer::StoredDouble(double value) const
 
 void KARMPSerializer::Clean() noexcept
 {
-    if (m_elements.size() != 0) {
+    // Children in the memory of a tree end with it.
+    if (m_memory == nullptr && m_elements.size() != 0) {
         karmp::NodeTeardown<KARMPSerializer>::DeleteChildren(this, m_elements);
     }
     m_elements.Clear();
@@ -70,25 +81,41 @@ void KARMPSerializer::Clean() noexcept
     m_value = NodeValue();
 }
 
+NodeText KARMPSerializer::NameText(std::wstring_view text) const
+{
+    return m_memory != nullptr ? NodeText::Name(text, *m_memory) : NodeText::Name(text);
+}
+
+NodeText KARMPSerializer::ValueText(std::wstring_view text) const
+{
+    return m_memory != nullptr ? NodeText::Copy(text, *m_memory) : NodeText::Copy(text);
+}
+
+NodeText KARMPSerializer::ValueText(std::wstring&& text) const
+{
+    return m_memory != nullptr ? NodeText::Copy(text, *m_memory) : NodeText::Take(std::move(text));
+}
+
 KARStatus KARMPSerializer::AddValue(std::wstring_view name, NodeValue&& value)
 {
-    m_attributes.Append({NodeText::Name(name), std::move(value)});
+    m_attributes.MakeRoom(m_memory);
+    m_attributes.Append({NameText(name), std::move(value)});
     return KARSuccess;
 }
 
 KARStatus KARMPSerializer::AddAttribute(std::wstring_view name, std::wstring_view value)
 {
-    return AddValue(name, NodeText::Copy(value));
+    return AddValue(name, ValueText(value));
 }
 
 KARStatus KARMPSerializer::AddAttribute(std::wstring_view name, const wchar_t* value)
 {
-    return AddValue(name, NodeText::Copy(ViewOf(value)));
+    return AddValue(name, ValueText(ViewOf(value)));
 }
 
 KARStatus KARMPSerializer::AddAttribute(std::wstring_view name, std::wstring&& value)
 {
-    return AddValue(name, NodeText::Take(std::move(value)));
+    return AddValue(name, ValueText(std::move(value)));
 }
 
 KARStatus KARMPSerializer::AddAttribute(std::wstring_view name, int value)
@@ -111,16 +138,20 @@ KARStatus KARMPSerializer::AddElement(std::wstring_view name, KARMPSerializer*& 
     if (!KARMPVerify(child == nullptr)) {
         return KARFailure;
     }
-    std::unique_ptr<KARMPSerializer> created(CreateChildElement());
+    // What may need memory comes first: nothing is left to fail once there is a child.
+    m_elements.MakeRoom(m_memory);
+    NodeText id = NameText(name);
+    NodeText version = m_version;
+    KARMPSerializer* const created = CreateChildElement();
     if (!KARMPVerify(created != nullptr)) {
         return KARFailure;
     }
-    created->m_name = NodeText::Name(name);
+    created->m_name = std::move(id);
     created->m_value = NodeValue();
-    created->m_version = m_version;
+    created->m_version = std::move(version);
     created->m_exactDoubles = m_exactDoubles;
-    m_elements.Append(created.get());
-    child = created.release();
+    m_elements.Append(created);
+    child = created;
     return KARSuccess;
 }
 
@@ -138,19 +169,19 @@ KARStatus KARMPSerializer::AddElementWithValue(std::wstring_view name, KARMPSeri
 KARStatus KARMPSerializer::AddElement(std::wstring_view name, KARMPSerializer*& child,
                                       std::wstring_view value)
 {
-    return AddElementWithValue(name, child, NodeText::Copy(value));
+    return AddElementWithValue(name, child, ValueText(value));
 }
 
 KARStatus KARMPSerializer::AddElement(std::wstring_view name, KARMPSerializer*& child,
                                       const wchar_t* value)
 {
-    return AddElementWithValue(name, child, NodeText::Copy(ViewOf(value)));
+    return AddElementWithValue(name, child, ValueText(ViewOf(value)));
 }
 
 KARStatus KARMPSerializer::AddElement(std::wstring_view name, KARMPSerializer*& child,
                                       std::wstring&& value)
 {
-    return AddElementWithValue(name, child, NodeText::Take(std::move(value)));
+    return AddElementWithValue(name, child, ValueText(std::move(value)));
 }
 
 KARStatus KARMPSerializer::AddElement(std::wstring_view name, KARMPSerializer*& child, int value)
@@ -177,7 +208,7 @@ KARStatus KARMPSerializer::GetVersion(std::wstring& version) const
 
 KARStatus KARMPSerializer::SetVersion(std::wstring_view version)
 {
-    m_version = NodeText::Name(version);
+    m_version = NameText(version);
     return KARSuccess;
 }
 

@@ -1,0 +1,135 @@
+// Trees of writer nodes that stand in one memory.
+#include "AllocationCounter.h"
+#include "KARMPNodeMemory.h"
+#include "KARMPSerializer.h"
+#include "KARMPTestFixture.h"
+#include "KARMPVersions.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <new>
+#include <string>
+#include <string_view>
+
+namespace {
+
+class PlacedWriterNode final : public KARMPSerializer
+{
+public:
+    PlacedWriterNode() : KARMPSerializer(std::make_unique<karmp::NodeMemory>()) {}
+    ~PlacedWriterNode() override { ++Destroyed; }
+    KARStatus Render(std::wstring& /*text*/) const override { return KARFailure; }
+    KARStatus Save(const char* /*path*/) const override { return KARFailure; }
+
+    const PlacedWriterNode& Child(int index) const
+    {
+        return static_cast<const PlacedWriterNode&>(*GetElement(index));
+    }
+    using KARMPSerializer::GetAttributeId;
+    using KARMPSerializer::GetAttributeValues;
+    using KARMPSerializer::GetElementCount;
+    using KARMPSerializer::GetId;
+    using KARMPSerializer::GetValues;
+
+    static inline int Destroyed = 0;
+    bool givesChildren = true;
+
+protected:
+    KARMPSerializer* CreateChildElement() override
+    {
+        if (!givesChildren) {
+            return nullptr;
+        }
+        return ::new (Memory()->Allocate(sizeof(PlacedWriterNode))) PlacedWriterNode(*Memory());
+    }
+
+private:
+    explicit PlacedWriterNode(karmp::NodeMemory& memory) : KARMPSerializer(memory) {}
+};
+
+class PlacedWriter : public KARMPTestFixture
+{};
+
+} // namespace
+
+TEST_F(PlacedWriter, KeepsNamesValuesAndAttributesOfAnyLength)
+{
+    const std::wstring longText(1000, L'x');
+    PlacedWriterNode root;
+    EXPECT_EQ(root.Version(), karmp::CurrentVersion);
+    for (int number = 0; number < 100; ++number) {
+        KARMPSerializer* child = nullptr;
+        ASSERT_EQ(root.AddElement(longText + std::to_wstring(number), child, longText), KARSuccess);
+        child->AddAttribute(L"moved", std::wstring(longText));
+        child->AddAttribute(L"number" + std::to_wstring(number), L"short");
+        for (int more = 0; more < 10; ++more) {
+            child->AddAttribute(L"more", more);
+        }
+    }
+    ASSERT_EQ(root.GetElementCount(), 100U);
+    for (int number = 0; number < 100; ++number) {
+        const PlacedWriterNode& child = root.Child(number);
+        EXPECT_EQ(child.GetId(), longText + std::to_wstring(number));
+        EXPECT_EQ(child.GetValues(), longText);
+        EXPECT_EQ(child.GetAttributeValues(0), longText);
+        EXPECT_EQ(child.GetAttributeId(1), L"number" + std::to_wstring(number));
+        EXPECT_EQ(child.GetAttributeValues(1), L"short");
+    }
+}
+
+TEST_F(PlacedWriter, AVersionOfAnyLengthGoesDownTheTree)
+{
+    const std::wstring version(500, L'v');
+    PlacedWriterNode root;
+    KARMPSerializer* before = nullptr;
+    root.AddElement(L"Before", before);
+    root.SetVersion(version);
+    KARMPSerializer* after = nullptr;
+    root.AddElement(L"After", after);
+    KARMPSerializer* below = nullptr;
+    after->AddElement(L"Below", below);
+    root.SetVersion(L"");
+    EXPECT_EQ(before->Version(), karmp::CurrentVersion);
+    EXPECT_EQ(below->Version(), version);
+}
+
+TEST_F(PlacedWriter, NodesEndWithTheRootWithoutBeingDestroyed)
+{
+    PlacedWriterNode::Destroyed = 0;
+    {
+        PlacedWriterNode root;
+        KARMPSerializer* deepest = &root;
+        for (int depth = 0; depth < 10000; ++depth) {
+            KARMPSerializer* child = nullptr;
+            deepest->AddElement(L"Level", child, L"a text that no other node shares");
+            deepest = child;
+        }
+    }
+    EXPECT_EQ(PlacedWriterNode::Destroyed, 1);
+}
+
+TEST_F(PlacedWriter, ANodeThatCannotBeCreatedFailsWithAReportAndAddsNothing)
+{
+    PlacedWriterNode root;
+    root.givesChildren = false;
+    KARMPSerializer* child = nullptr;
+    EXPECT_EQ(root.AddElement(L"Child", child), KARFailure);
+    EXPECT_EQ(child, nullptr);
+    EXPECT_EQ(root.GetElementCount(), 0U);
+    ExpectReports(1);
+}
+
+TEST_F(PlacedWriter, AnAdditionWithoutMemoryAddsNothing)
+{
+    if (!AllocationCounter::Counts) {
+        GTEST_SKIP() << "Allocations are not counted in this build";
+    }
+    PlacedWriterNode root;
+    AllocationCounter allocations;
+    allocations.FailAllocation(1);
+    KARMPSerializer* child = nullptr;
+    EXPECT_THROW(root.AddElement(L"Child", child), std::bad_alloc);
+    EXPECT_EQ(child, nullptr);
+    EXPECT_EQ(root.GetElementCount(), 0U);
+}
