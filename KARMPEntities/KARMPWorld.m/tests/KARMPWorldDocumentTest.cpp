@@ -650,6 +650,19 @@ TEST_F(WorldReaderProcess, FilesInTheOrderOfTheDocumentWhenTheVariableIsSet)
     EXPECT_EQ(identifiersIn<KARMPAttribute>(*world), (Identifiers{L"a", L"A"}));
 }
 
+// Two kinds of element of one family: by name they stand in another order than in the document.
+TEST_F(WorldReaderProcess, FilesTheElementsOfARegistryAcrossTheirNames)
+{
+    ASSERT_NE(std::getenv("ORDERED_DESERIALIZATION"), nullptr);
+    const KARMPGenericFactory<TestOf<KARMPSupport>> factory("KARMPTestBase");
+    TestDeserializer& supports = registry(L"Supports");
+    entity(supports, L"TestSupport", L"9");
+    entity(supports, L"TestBase", L"8");
+    entity(supports, L"TestSupport", L"7");
+    EXPECT_EQ(read(), KARSuccess);
+    EXPECT_EQ(identifiersIn<KARMPSupport>(*world), (Identifiers{L"9", L"8", L"7"}));
+}
+
 TEST_F(WorldReaderProcess, SkipsWhatIsDamagedInTheOrderOfTheDocument)
 {
     ASSERT_NE(std::getenv("ORDERED_DESERIALIZATION"), nullptr);

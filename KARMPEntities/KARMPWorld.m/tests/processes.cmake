@@ -7,6 +7,10 @@ karmp_process_test(
     ORDERED_DESERIALIZATION=
 )
 karmp_process_test(
+    KARMPWorldTests WorldReaderProcess.FilesTheElementsOfARegistryAcrossTheirNames
+    ORDERED_DESERIALIZATION=
+)
+karmp_process_test(
     KARMPWorldTests WorldReaderProcess.SkipsWhatIsDamagedInTheOrderOfTheDocument
     ORDERED_DESERIALIZATION=0
 )
