@@ -227,6 +227,19 @@ TEST_F(Registry, FindsByAnyKeyThatStandsForTheSame)
     EXPECT_NE(alias, key1);
 }
 
+TEST_F(Registry, TakesWhatAKeyStandsForAndGoesNoFurther)
+{
+    KARBaseUnknown_var middle = WorldTestKey::Make(key1);
+    KARBaseUnknown_var alias = WorldTestKey::Make(middle);
+    EXPECT_EQ(registry.Add(alias, alias, a), KARSuccess);
+    KARBaseUnknown_var first;
+    KARBaseUnknown_var second;
+    EXPECT_EQ(registry.GetKeys(a, first, second), KARSuccess);
+    EXPECT_EQ(first, middle);
+    EXPECT_EQ(second, middle);
+    EXPECT_EQ(filedUnder(alias, alias), (std::vector{a}));
+}
+
 TEST_F(Registry, KeepsAKeyThatStandsForNothing)
 {
     KARBaseUnknown_var loose = WorldTestKey::Make(nullptr);
@@ -323,6 +336,35 @@ TEST_F(Registry, ReleasesEntitiesAndKeysWhenItDies)
     }
     EXPECT_EQ(TestEntity::Alive(), alive);
     EXPECT_EQ(WorldTestKey::References(key1), references);
+}
+
+// An entity that tells when it goes.
+class LeavingEntity : public TestEntity
+{
+public:
+    LeavingEntity(std::vector<int>& left, int number) : m_left(left), m_number(number) {}
+    ~LeavingEntity() override { m_left.push_back(m_number); }
+
+private:
+    std::vector<int>& m_left;
+    int m_number;
+};
+
+TEST_F(Registry, DropsWhatIsUnderKeysOnlyBeforeWhatItLists)
+{
+    std::vector<int> left;
+    {
+        KARMPRegistry<TestEntity> other;
+        other.Add(Entity(new LeavingEntity(left, 1)));
+        other.Add(key1, key2, Entity(new LeavingEntity(left, 2)));
+        other.Add(key1, key2, Entity(new LeavingEntity(left, 3)));
+        Entity removed;
+        other.Get(1, removed);
+        other.Remove(removed);
+        removed = nullptr;
+        EXPECT_TRUE(left.empty());
+    }
+    EXPECT_EQ(left, (std::vector{2, 1, 3}));
 }
 
 // Quadratic work would show here.
