@@ -438,6 +438,23 @@ TEST_F(SketchFunction, OrientationThatIsNoneOfTheWordsIsPositiveWithoutAReport)
     }
 }
 
+TEST_F(SketchFunction, LimitsInTheWrongOrderAreKeptAndKnownAsInvalid)
+{
+    KARCrvLimits reversed(KARCrvParam(2.5), KARCrvParam(-0.5));
+    function->AddCurve(line, KARMPCurveOrientation::Positive, &reversed);
+    TestSerializer root;
+    function->Serialize(&root);
+    EXPECT_EQ(copy->Deserialize(TestDeserializer::From(root).get(), entities), KARSuccess);
+    ASSERT_EQ(copy->GetCurveCount(), 1);
+    const auto* limits = static_cast<const KARCrvLimits*>(curveOf(*copy, 0).limits);
+    double low = 0.0;
+    double high = 0.0;
+    limits->GetExtremities(low, high);
+    EXPECT_EQ(low, 2.5);
+    EXPECT_EQ(high, -0.5);
+    EXPECT_FALSE(limits->IsValid());
+}
+
 TEST_F(SketchFunction, DamagedStreamsAreReportedAndLeaveNoCurve)
 {
     AddTwoCurves();
