@@ -10,6 +10,19 @@ namespace {
 const QOBClassInfo s_QOBDynamicObjectInfo(typeid(QOBDynamicObject*), sizeof(QOBDynamicObject),
                                           nullptr, nullptr, nullptr);
 
+using ObjectList = std::vector<const QOBCountedObject*>;
+
+// False, with nothing changed, when memory ends.
+bool append(ObjectList& list, const QOBCountedObject* object) noexcept
+{
+    try {
+        list.push_back(object);
+        return true;
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+}
+
 } // namespace
 
 void* QOBDynamicObject::operator new(std::size_t size)
@@ -101,26 +114,29 @@ void QOBCountedObject::lastReferenceGone(std::uint32_t count) const noexcept
 
 // A destructor releases handles and so may destroy further objects. Past a depth that no ordinary
 // model reaches these wait for their turn, so that a long chain of handles cannot overflow the
-// stack.
+// stack. The list of them is the outermost call's own: handles with static storage are destroyed
+// after all that has thread storage.
 void QOBCountedObject::destroy(const QOBCountedObject* object) noexcept
 {
     constexpr int MaximumDepth = 64;
     thread_local int depth = 0;
-    thread_local std::vector<const QOBCountedObject*> waiting;
+    thread_local ObjectList* waiting = nullptr;
 
     object->m_count.store(DyingCount, std::memory_order_relaxed);
-    if (depth >= MaximumDepth) {
-        waiting.push_back(object);
+    if (depth >= MaximumDepth && append(*waiting, object))
         return;
-    }
     ++depth;
-    delete object;
     if (depth == 1) {
-        while (!waiting.empty()) {
-            const QOBCountedObject* next = waiting.back();
-            waiting.pop_back();
+        ObjectList later;
+        waiting = &later;
+        delete object;
+        while (!later.empty()) {
+            const QOBCountedObject* next = later.back();
+            later.pop_back();
             delete next;
         }
+    } else {
+        delete object;
     }
     --depth;
 }
