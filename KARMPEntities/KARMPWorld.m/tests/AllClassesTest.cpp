@@ -1,8 +1,9 @@
-// What holds of every class, driven by the factory: a class that is added is tested without a line
-// here. Values are changed in the tree that a default entity writes, so that each written item is
-// read back, whatever class it belongs to.
+// What holds of every class, driven by the factory: a class that is added is tested once it is no
+// longer among those that are not made. Values are changed in the tree that a default entity
+// writes, so that each written item is read back, whatever class it belongs to.
 #include "ClassIdentities.h"
 #include "KARMPConstraintParameter.h"
+#include "KARMPCoupling.h"
 #include "KARMPEnumerationTexts.h"
 #include "KARMPEquation.h"
 #include "KARMPKinematicConstraint.h"
@@ -22,6 +23,7 @@
 #include <algorithm>
 #include <map>
 #include <random>
+#include <set>
 
 namespace {
 
@@ -80,6 +82,8 @@ void prepare(const QOBSharedHandle<KARMPEntity>& entity)
     }
 }
 
+using Values = std::vector<KARMPSerializationVariable>;
+
 /// Copies a written tree with other values of the same kinds.
 class Changer
 {
@@ -88,35 +92,48 @@ public:
 
     void Copy(const TestSerializer& from, TestDeserializer& to)
     {
-        using Type = KARMPSerializationVariable::Type;
         to.SetVersion(from.Version());
         for (int i = 0; i < static_cast<int>(from.GetAttributeCount()); ++i) {
-            const KARMPSerializationVariable attribute = from.GetAttribute(i);
-            if (attribute.type == Type::Double)
-                to.AddAttributeValue(attribute.name, Number());
-            else if (attribute.type == Type::Bool)
-                to.AddAttributeValue(attribute.name, attribute.value.boolValue);
-            else if (attribute.type == Type::Int)
-                to.AddAttributeValue(attribute.name, Integer());
-            else
-                to.AddAttributeValue(attribute.name, Word(attribute));
+            const auto& attribute = Change(from.GetAttribute(i));
+            Put(attribute, [&](const auto& value) { to.AddAttributeValue(attribute.name, value); });
         }
-        const KARMPSerializationVariable own = from.GetVariable();
-        if (own.type == Type::Double)
-            to.SetValue(Number());
-        else if (own.type == Type::Int)
-            // The index of a term places nothing, and an old quantity is a code within its table.
-            to.SetValue(own.name == L"LinearTermIndex" ? own.value.intValue : 1 + Integer() % 2);
-        else if (own.type == Type::Bool)
-            // A flag that says that a value follows must stay as it is.
-            to.SetValue(own.name == L"OutOfWorld" ? true : own.value.boolValue);
-        else if (own.type == Type::String)
-            to.SetValue(Word(own));
+        Put(Change(from.GetVariable()), [&to](const auto& value) { to.SetValue(value); });
         for (std::size_t i = 0; i < from.GetElementCount(); ++i)
             Copy(from.Child(i), to.Add(from.Child(i).GetId()));
     }
+    /// The values of the copy, in the order of valuesOf.
+    const Values& Changed() const { return m_changed; }
 
 private:
+    const KARMPSerializationVariable& Change(KARMPSerializationVariable item)
+    {
+        using Type = KARMPSerializationVariable::Type;
+        if (item.type == Type::Double)
+            item.value.doubleValue = Number();
+        // The index of a term places nothing, and an old quantity is a code within its table.
+        else if (item.type == Type::Int && item.name != L"LinearTermIndex")
+            item.value.intValue = 1 + Integer() % 2;
+        // A flag that says that a value follows must stay as it is.
+        else if (item.type == Type::Bool && item.name == L"OutOfWorld")
+            item.value.boolValue = true;
+        else if (item.type == Type::String)
+            item.value.stringValue = Word(item);
+        m_changed.push_back(item);
+        return m_changed.back();
+    }
+    template <class Set>
+    static void Put(const KARMPSerializationVariable& item, const Set& set)
+    {
+        using Type = KARMPSerializationVariable::Type;
+        if (item.type == Type::Double)
+            set(item.value.doubleValue);
+        else if (item.type == Type::Int)
+            set(item.value.intValue);
+        else if (item.type == Type::Bool)
+            set(item.value.boolValue);
+        else if (item.type == Type::String)
+            set(item.value.stringValue);
+    }
     double Number()
     {
         // On the grid of documents, and apart from all defaults.
@@ -158,7 +175,18 @@ private:
     }
 
     std::mt19937 m_random;
+    Values m_changed;
 };
+
+/// The values of a written tree: each node's attributes, its own value, then its children's.
+void valuesOf(const TestSerializer& node, Values& values)
+{
+    for (int i = 0; i < static_cast<int>(node.GetAttributeCount()); ++i)
+        values.push_back(node.GetAttribute(i));
+    values.push_back(node.GetVariable());
+    for (std::size_t i = 0; i < node.GetElementCount(); ++i)
+        valuesOf(node.Child(i), values);
+}
 
 /// Classes whose own output does not read back equal, and why.
 const std::map<std::string, std::string> NotReadBack{
@@ -166,8 +194,83 @@ const std::map<std::string, std::string> NotReadBack{
     {"KARMPCylinder", "it reads origin and axis under other names than it writes"},
 };
 
+/// Classes that no factory makes, since their families are declared only or have but some of their
+/// kinds so far.
+const std::set<std::string_view> NotMade{
+    // Actuators.
+    "KARMPDisplacementActuator",
+    "KARMPDisplacementActuator2D",
+    "KARMPDriver",
+    "KARMPGlobalDisplacementActuator",
+    "KARMPJointForceActuator",
+    "KARMPMotor",
+    "KARMPSpatialForceActuator",
+    "KARMPSpatialForceActuator2D",
+    // Bodies, joints and geometry in a plane.
+    "KARMPBody2D",
+    "KARMPCircle2D",
+    "KARMPCurve2D",
+    "KARMPLine2D",
+    "KARMPPoint2D",
+    "KARMPUserDefined2D",
+    // Connectors.
+    "KARMPAxialSpring",
+    "KARMPBushing",
+    "KARMPForceElement",
+    "KARMPLinearSpring",
+    "KARMPTorsionSpring",
+    // Stored geometry.
+    "KARMPCurve",
+    "KARMPSketch",
+    "KARMPSurface",
+    // Interactions.
+    "KARMPCollisionInterLayer",
+    "KARMPCollisionLayer",
+    "KARMPCollisionRule",
+    // Sensors, except the one of displacements.
+    "KARMPCollisionSensor",
+    "KARMPConnectorSpatialForceSensor",
+    "KARMPConstraintSensor",
+    "KARMPDisplacementSensor2D",
+    "KARMPDofSensor",
+    "KARMPDofSensor2D",
+    "KARMPJointDOFSensor",
+    "KARMPJointSpatialForceSensor",
+    "KARMPMotorForceSensor",
+    "KARMPProximitySensor",
+    // Shapes.
+    "KARMP3DRep",
+    "KARMPShapeBody",
+    // Findings of a solver.
+    "KARMPDiagnostic",
+    // Attributes.
+    "KARMPOutput",
+    "KARMPParameter",
+    "KARMPState",
+    // Families of one class, which have their registries alone.
+    "KARMPAnalysisCase",
+    "KARMPAnalysisStep",
+    "KARMPDebugEntity",
+    "KARMPGenericEntity",
+    "KARMPInitialCondition",
+    "KARMPSupport",
+};
+
 class AllClasses : public KARMPTestFixture
 {};
+
+// The walks below go over what the factory has: a class that got lost would not be missed there.
+TEST_F(AllClasses, OfTheIdentityTableAreMadeExceptThoseThatAreKnownNotToBe)
+{
+    const std::vector<std::string> made = classes();
+    for (const ClassIdentity& identity : ClassIdentities) {
+        const bool expected = identity.inFactory && !NotMade.contains(identity.name);
+        EXPECT_EQ(std::count(made.begin(), made.end(), identity.name), expected ? 1 : 0)
+            << identity.name;
+    }
+    for (const std::string_view name : NotMade)
+        EXPECT_NE(identityOf(std::string(name)), nullptr) << name;
+}
 
 TEST_F(AllClasses, HaveTheirPlaceInTheIdentityTable)
 {
@@ -189,10 +292,10 @@ TEST_F(AllClasses, HaveTheirPlaceInTheIdentityTable)
     }
 }
 
-// Most of these are abstract, so that no factory makes them.
+// Most of these are abstract, so that no factory makes them. Two bases within families follow.
 TEST_F(AllClasses, ThatHeadAFamilyHaveTheirPlaceInTheIdentityTable)
 {
-    karmp::Families::ForEach([](auto family) {
+    const auto expectPlace = [](auto family) {
         using T = typename decltype(family)::Type;
         SCOPED_TRACE(T::ClassName());
         const ClassIdentity* identity = identityOf(T::ClassName());
@@ -201,7 +304,9 @@ TEST_F(AllClasses, ThatHeadAFamilyHaveTheirPlaceInTheIdentityTable)
         EXPECT_EQ(T::ClassInfo().getParent()->getName(), identity->parent);
         EXPECT_EQ(T::ClassInfo().getSize(), sizeof(T));
         EXPECT_EQ(T::ClassInfo().getCreateFunction(), nullptr);
-    });
+    };
+    karmp::Families::ForEach(expectPlace);
+    karmp::FamilyList<KARMPKinematicConstraint, KARMPCoupling>::ForEach(expectPlace);
 }
 
 TEST_F(AllClasses, AreClonedWithNothingButTheirOwnValues)
@@ -249,19 +354,31 @@ TEST_F(AllClasses, WriteTheElementOfTheirName)
     }
 }
 
-/// Expects of each double below a node that reading the changed tree changed it.
-void expectEveryNumberRead(const TestSerializer& before, const TestSerializer& after)
+/// Expects that reading the changed values of a tree changed every value that is written then.
+void expectEveryValueRead(const TestSerializer& before, const Values& changed,
+                          const TestSerializer& after)
 {
     using Type = KARMPSerializationVariable::Type;
-    ASSERT_EQ(before.GetElementCount(), after.GetElementCount());
-    for (std::size_t i = 0; i < before.GetElementCount(); ++i) {
-        const TestSerializer& item = before.Child(i);
-        const TestSerializer& read = after.Child(i);
-        if (item.GetType() == Type::Double) {
-            EXPECT_NE(item.GetValued(), read.GetValued())
-                << std::string(item.GetId().begin(), item.GetId().end());
+    Values old;
+    valuesOf(before, old);
+    Values read;
+    valuesOf(after, read);
+    ASSERT_EQ(read.size(), changed.size());
+    for (std::size_t i = 0; i < read.size(); ++i) {
+        SCOPED_TRACE(std::string(read[i].name.begin(), read[i].name.end()));
+        ASSERT_EQ(read[i].name, changed[i].name);
+        ASSERT_EQ(read[i].type, changed[i].type);
+        const KARMPSerializationVariant& value = read[i].value;
+        // Directions are made unit vectors and numbers go onto the grid.
+        if (read[i].type == Type::Double) {
+            EXPECT_NE(value.doubleValue, old[i].value.doubleValue);
+        } else if (read[i].type == Type::Int) {
+            EXPECT_EQ(value.intValue, changed[i].value.intValue);
+        } else if (read[i].type == Type::Bool) {
+            EXPECT_EQ(value.boolValue, changed[i].value.boolValue);
+        } else if (read[i].type == Type::String) {
+            EXPECT_EQ(value.stringValue, changed[i].value.stringValue);
         }
-        expectEveryNumberRead(item, read);
     }
 }
 
@@ -288,7 +405,8 @@ TEST_F(AllClasses, ReadBackEveryValueThatTheyWriteAtEachVersion)
             TestSerializer root(version);
             ASSERT_FALSE(KARFailed(original->Serialize(&root)));
             TestDeserializer changed;
-            Changer(20180101).Copy(root, changed);
+            Changer changer(20180101);
+            changer.Copy(root, changed);
 
             const auto first = create(name);
             EXPECT_FALSE(KARFailed(first->Deserialize(&changed, KARMPEntityTable())));
@@ -297,11 +415,14 @@ TEST_F(AllClasses, ReadBackEveryValueThatTheyWriteAtEachVersion)
             // What was read is written and read once more: then it must be the same.
             TestSerializer again(version);
             ASSERT_FALSE(KARFailed(first->Serialize(&again)));
-            expectEveryNumberRead(root, again);
-            const auto tree = TestDeserializer::From(again, {.versionOnEveryNode = true});
-            const auto second = create(name);
-            EXPECT_FALSE(KARFailed(second->Deserialize(tree.get(), KARMPEntityTable())));
-            EXPECT_EQ(written(*second, version), firstText);
+            expectEveryValueRead(root, changer.Changed(), again);
+            for (const bool asText : {false, true}) {
+                const auto tree =
+                    TestDeserializer::From(again, {.asText = asText, .versionOnEveryNode = true});
+                const auto second = create(name);
+                EXPECT_FALSE(KARFailed(second->Deserialize(tree.get(), KARMPEntityTable())));
+                EXPECT_EQ(written(*second, version), firstText);
+            }
             ExpectReports(0);
         }
     }
