@@ -1,11 +1,8 @@
 #include "KARMPXmlRenderer.h"
 
 #include "KARMPDocumentNames.h"
-#include "KARMPTextEscapes.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <cstdint>
 #include <unordered_set>
 
@@ -59,7 +56,7 @@ bool XmlRenderer::IsGroupOfNumbers(const Node& node)
 bool XmlRenderer::Render(const KARMPDocumentWriter& node)
 {
     if (IsRoot(node)) {
-        m_bytes += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+        m_out.Put("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n");
     }
     if (!Open(node)) {
         return false;
@@ -67,7 +64,9 @@ bool XmlRenderer::Render(const KARMPDocumentWriter& node)
     while (!m_levels.empty()) {
         Level& level = m_levels.back();
         if (level.next == level.node->GetElementCount()) {
-            Close();
+            if (!Close()) {
+                return false;
+            }
         } else {
             const Node* const child = Child(*level.node, level.next++);
             if (!level.oneLine) {
@@ -78,8 +77,8 @@ bool XmlRenderer::Render(const KARMPDocumentWriter& node)
             }
         }
     }
-    m_bytes += '\n';
-    if (m_bytes.size() > m_limits.bytes) {
+    m_out.Put('\n');
+    if (m_out.Flushed().size() > m_limits.bytes) {
         return Fail(Code::TooLarge, "the document is larger than the limit of " +
                                         std::to_string(m_limits.bytes) + " bytes");
     }
@@ -89,87 +88,96 @@ bool XmlRenderer::Render(const KARMPDocumentWriter& node)
 // Writes a leaf whole; of any other element all up to its first child.
 bool XmlRenderer::Open(const Node& node)
 {
-    m_levels.push_back({&node, 0, false, 0, 0});
+    m_levels.push_back({&node, 0, false});
     if (m_levels.size() > m_limits.depth) {
         return Fail(Code::TooDeep,
                     "an element stands deeper than the limit of " + std::to_string(m_limits.depth));
     }
-    m_bytes += '<';
-    Level& level = m_levels.back();
-    level.name = m_bytes.size();
+    m_out.Put('<');
     if (IsRoot(node)) {
         if (m_levels.size() > 1) {
             return Fail(Code::InvalidName, "an element has no name");
         }
-        m_bytes += RootName;
-        level.nameLength = RootName.size();
-        m_bytes += " version=\"";
-        AppendEscaped(m_bytes, node.Version(), TextPlace::Attribute);
-        m_bytes += '"';
-    } else {
-        if (!Name(node.GetId(), "element")) {
-            return false;
-        }
-        level.nameLength = m_bytes.size() - level.name;
+        m_out.Put(RootName);
+        m_out.Put(" version=\"");
+        Text(node.Version(), TextPlace::Attribute);
+        m_out.Put('"');
+    } else if (!Name(node.GetId(), "element")) {
+        return false;
     }
     if (!Attributes(node)) {
         return false;
     }
     if (!IsLeaf(node)) {
-        m_bytes += '>';
+        m_out.Put('>');
         Value(node);
-        level.oneLine = IsGroupOfNumbers(node);
+        m_levels.back().oneLine = IsGroupOfNumbers(node);
         return true;
     }
+    bool closed = true;
     if (node.GetType() == Type::None) {
-        m_bytes += "/>";
+        m_out.Put("/>");
     } else {
-        m_bytes += '>';
+        m_out.Put('>');
         Value(node);
-        EndTag(level);
+        closed = EndTag(node);
     }
     m_levels.pop_back();
-    return true;
+    return closed;
 }
 
-void XmlRenderer::Close()
+bool XmlRenderer::Close()
 {
     const Level level = m_levels.back();
     m_levels.pop_back();
     if (!level.oneLine) {
         NewLine();
     }
-    EndTag(level);
+    return EndTag(*level.node);
 }
 
 // At the indentation of what stands under the innermost open element.
 void XmlRenderer::NewLine()
 {
-    m_bytes += '\n';
-    m_bytes.append(std::min(m_levels.size(), DeepestIndentation), ' ');
+    m_out.Put('\n');
+    m_out.PutBlanks(std::min(m_levels.size(), DeepestIndentation));
 }
 
-void XmlRenderer::EndTag(const Level& level)
+bool XmlRenderer::EndTag(const Node& node)
 {
-    m_bytes += "</";
-    m_bytes.append(m_bytes, level.name, level.nameLength);
-    m_bytes += '>';
+    m_out.Put("</");
+    if (IsRoot(node)) {
+        m_out.Put(RootName);
+    } else if (!Name(node.GetId(), "element")) {
+        return false;
+    }
+    m_out.Put('>');
+    return true;
 }
 
 bool XmlRenderer::Name(std::wstring_view name, std::string_view what)
+{
+    const std::string* const bytes = NameBytes(name, what);
+    if (bytes != nullptr) {
+        m_out.Put(*bytes);
+    }
+    return bytes != nullptr;
+}
+
+// The UTF-8 of a name, valid until the next call; null after an error.
+const std::string* XmlRenderer::NameBytes(std::wstring_view name, std::string_view what)
 {
     const auto place = reinterpret_cast<std::uintptr_t>(name.data());
     KnownName& known = m_names[(place >> 4U ^ place >> 12U) % m_names.size()];
     if (known.place != name.data() || known.length != name.size()) {
         known.place = nullptr;
         if (!CheckName(name, what, known.bytes)) {
-            return false;
+            return nullptr;
         }
         known.place = name.data();
         known.length = name.size();
     }
-    m_bytes += known.bytes;
-    return true;
+    return &known.bytes;
 }
 
 bool XmlRenderer::CheckName(std::wstring_view name, std::string_view what, std::string& bytes)
@@ -193,28 +201,28 @@ bool XmlRenderer::Attributes(const Node& node)
     const std::size_t count = node.GetAttributeCount();
     for (std::size_t place = 0; place < count; ++place) {
         const int index = static_cast<int>(place);
-        m_bytes += ' ';
+        m_out.Put(' ');
         if (!Name(node.GetAttributeId(index), "attribute")) {
             return false;
         }
-        m_bytes += "=\"";
+        m_out.Put("=\"");
         switch (node.GetAttributeType(index)) {
         case Type::Bool:
-            m_bytes += node.GetAttributeValueb(index) ? "true" : "false";
+            m_out.Put(node.GetAttributeValueb(index) ? "true" : "false");
             break;
         case Type::Int:
-            Number(node.GetAttributeValuei(index));
+            m_out.PutNumber(node.GetAttributeValuei(index));
             break;
         case Type::Double:
-            Number(node.GetAttributeValued(index));
+            m_out.PutNumber(node.GetAttributeValued(index));
             break;
         case Type::String:
-            AppendEscaped(m_bytes, node.GetAttributeValues(index), TextPlace::Attribute);
+            Text(node.GetAttributeValues(index), TextPlace::Attribute);
             break;
         case Type::None:
             break;
         }
-        m_bytes += '"';
+        m_out.Put('"');
     }
     return !FindDuplicateAttribute(node);
 }
@@ -225,52 +233,55 @@ bool XmlRenderer::FindDuplicateAttribute(const Node& node)
     const auto nameOf = [&node](std::size_t index) {
         return node.GetAttributeId(static_cast<int>(index));
     };
-    std::unordered_set<std::wstring_view> names;
-    // The version is written by the root itself.
-    if (IsRoot(node) || count > FewAttributes) {
-        names.reserve(count + 1);
-        names.insert(IsRoot(node) ? VersionName : std::wstring_view());
-    }
-    for (std::size_t index = 0; index < count; ++index) {
-        bool repeated = false;
-        if (!names.empty()) {
-            repeated = !names.insert(nameOf(index)).second;
-        } else {
-            for (std::size_t earlier = 0; earlier < index && !repeated; ++earlier) {
-                repeated = nameOf(earlier) == nameOf(index);
+    const auto fail = [this, &nameOf](std::size_t index) {
+        Fail(Code::DuplicateAttribute, "the attribute " + Quoted(nameOf(index)) + " stands twice");
+        return true;
+    };
+    if (!IsRoot(node) && count <= FewAttributes) {
+        for (std::size_t index = 1; index < count; ++index) {
+            for (std::size_t earlier = 0; earlier < index; ++earlier) {
+                if (nameOf(earlier) == nameOf(index)) {
+                    return fail(index);
+                }
             }
         }
-        if (repeated) {
-            Fail(Code::DuplicateAttribute,
-                 "the attribute " + Quoted(nameOf(index)) + " stands twice");
-            return true;
+        return false;
+    }
+    std::unordered_set<std::wstring_view> names;
+    names.reserve(count + 1);
+    // The version is written by the root itself.
+    if (IsRoot(node)) {
+        names.insert(VersionName);
+    }
+    for (std::size_t index = 0; index < count; ++index) {
+        if (!names.insert(nameOf(index)).second) {
+            return fail(index);
         }
     }
     return false;
 }
 
-template <class Kind>
-void XmlRenderer::Number(Kind value)
+void XmlRenderer::Text(std::wstring_view text, TextPlace place)
 {
-    std::array<char, 32> digits;
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value);
-    m_bytes.append(digits.data(), end.ptr);
+    if (!m_out.PutWord(text)) {
+        AppendEscaped(m_out.Flushed(), text, place);
+    }
 }
 
 void XmlRenderer::Value(const Node& node)
 {
     switch (node.GetType()) {
     case Type::Bool:
-        m_bytes += node.GetValueb() ? "true" : "false";
+        m_out.Put(node.GetValueb() ? "true" : "false");
         break;
     case Type::Int:
-        Number(node.GetValuei());
+        m_out.PutNumber(node.GetValuei());
         break;
     case Type::Double:
-        Number(node.GetValued());
+        m_out.PutNumber(node.GetValued());
         break;
     case Type::String:
-        AppendEscaped(m_bytes, node.GetValues(), TextPlace::Element);
+        Text(node.GetValues(), TextPlace::Element);
         break;
     case Type::None:
         break;

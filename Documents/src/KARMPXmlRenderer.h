@@ -1,8 +1,10 @@
 // Renders a tree of writer nodes as XML, straight into bytes.
 #pragma once
 
+#include "KARMPByteBuffer.h"
 #include "KARMPDocumentWriter.h"
 #include "KARMPMessages.h"
+#include "KARMPTextEscapes.h"
 
 #include <array>
 #include <string>
@@ -16,7 +18,7 @@ class XmlRenderer
 {
 public:
     XmlRenderer(std::string& bytes, const Limits& limits, Messages& messages)
-        : m_bytes(bytes), m_limits(limits), m_messages(messages)
+        : m_out(bytes), m_limits(limits), m_messages(messages)
     {}
 
     /// Appends the form of a node: a document for a root, otherwise the element. False after an
@@ -30,9 +32,6 @@ private:
         const Node* node;
         std::size_t next;
         bool oneLine;
-        /// Where the name stands in the bytes, for the end tag.
-        std::size_t name;
-        std::size_t nameLength;
     };
     /// A name that was checked and converted, known by the place of its characters: the tree does
     /// not change while it is rendered, and equal names mostly share theirs.
@@ -48,20 +47,20 @@ private:
     static bool IsLeaf(const Node& node);
     static bool IsGroupOfNumbers(const Node& node);
     bool Open(const Node& node);
-    void Close();
+    bool Close();
+    const std::string* NameBytes(std::wstring_view name, std::string_view what);
     bool Name(std::wstring_view name, std::string_view what);
     bool CheckName(std::wstring_view name, std::string_view what, std::string& bytes);
-    void EndTag(const Level& level);
+    bool EndTag(const Node& node);
     bool Attributes(const Node& node);
     bool FindDuplicateAttribute(const Node& node);
-    template <class Kind>
-    void Number(Kind value);
+    void Text(std::wstring_view text, TextPlace place);
     void Value(const Node& node);
     void NewLine();
     bool Fail(Code code, std::string text);
     std::string Path() const;
 
-    std::string& m_bytes;
+    ByteBuffer m_out;
     const Limits& m_limits;
     Messages& m_messages;
     std::vector<Level> m_levels;

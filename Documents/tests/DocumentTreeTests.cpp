@@ -322,6 +322,49 @@ TEST(DocumentTree, ManyLevelsTakeNoStack)
     EXPECT_EQ(found, depth);
 }
 
+TEST(DocumentTree, EveryLevelIsClosedByItsOwnName)
+{
+    // More names than a renderer remembers.
+    constexpr int depth = 2'000;
+    const auto nameOf = [](int level) {
+        return L"Level" + std::to_wstring(level) +
+               std::wstring(static_cast<std::size_t>(level % 300), L'x');
+    };
+    KARMPDocumentWriter root;
+    KARMPSerializer* node = &root;
+    for (int level = 0; level < depth; ++level) {
+        node = Add(*node, nameOf(level));
+    }
+    const Document document = Parsed(TextOf(root));
+    const KARMPDeserializer* walk = document.Root();
+    for (int level = 0; level < depth; ++level) {
+        const KARMPDeserializer* child = nullptr;
+        walk->GetElement(nameOf(level), child);
+        ASSERT_NE(child, nullptr) << level;
+        walk = child;
+    }
+}
+
+TEST(DocumentTree, TextsOfEveryLengthComeBack)
+{
+    KARMPDocumentWriter root;
+    for (std::size_t length = 0; length < 600; ++length) {
+        Add(root, L"Text", std::wstring(length, L'x'))
+            ->AddAttribute(L"last", std::wstring(length, L'x') + L"\xE9");
+    }
+    const Document document = Parsed(TextOf(root));
+    KARMPDeserializer::ElementList elements;
+    document.Root()->GetElements(elements);
+    ASSERT_EQ(elements.size(), 600U);
+    for (std::size_t length = 0; length < 600; ++length) {
+        std::wstring text;
+        elements[length]->GetValue(text);
+        EXPECT_EQ(text, std::wstring(length, L'x'));
+        elements[length]->GetAttribute(L"last", text);
+        EXPECT_EQ(text, std::wstring(length, L'x') + L"\xE9");
+    }
+}
+
 TEST(DocumentTree, ANameThatIsNoXmlNameIsNotWritten)
 {
     for (const std::wstring name : {L"a b", L"1a", L"-", L"a\n", L"<", L"a&b", L"\xD7"}) {
