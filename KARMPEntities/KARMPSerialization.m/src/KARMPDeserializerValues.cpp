@@ -27,6 +27,38 @@ std::optional<bool> BoolOf(std::wstring_view text)
     return std::nullopt;
 }
 
+// Reads a plain decimal number: a sign, digits, and a mark among them. Few digits, and the power of
+// ten that they are divided by, are exact doubles, so that the quotient is the double nearest to
+// the number. Any other text is left to the full scan.
+std::optional<double> PlainNumber(std::wstring_view text)
+{
+    constexpr std::array<double, 16> powers{1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                            1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+    constexpr std::size_t mostDigits = powers.size() - 1;
+    const bool negative = !text.empty() && text.front() == L'-';
+    text.remove_prefix(negative ? 1 : 0);
+    std::int64_t number = 0;
+    std::size_t digits = 0;
+    std::size_t whole = 0;
+    bool marked = false;
+    for (const wchar_t character : text) {
+        if (character >= L'0' && character <= L'9' && digits < mostDigits) {
+            number = number * 10 + (character - L'0');
+            ++digits;
+        } else if (!marked && (character == L'.' || character == L',')) {
+            marked = true;
+            whole = digits;
+        } else {
+            return std::nullopt;
+        }
+    }
+    if (digits == 0) {
+        return std::nullopt;
+    }
+    const double size = static_cast<double>(number) / powers[marked ? digits - whole : 0];
+    return negative ? -size : size;
+}
+
 } // namespace
 
 KARStatus KARMPDeserializer::GetValue(std::wstring& value) const
@@ -165,8 +197,13 @@ KARStatus KARMPDeserializer::GetAttrVal(const NodeValue& stored, double& value)
         return KARSuccess;
     }
     const auto* const text = std::get_if<NodeText>(&stored);
-    const bool converted = text != nullptr && kar::ScanDouble(text->View(), value,
-                                                              kar::DecimalMark::PointOrComma) == 1;
+    const std::wstring_view view = text != nullptr ? text->View() : std::wstring_view();
+    if (const std::optional<double> number = PlainNumber(view)) {
+        value = *number;
+        return KARSuccess;
+    }
+    const bool converted =
+        text != nullptr && kar::ScanDouble(view, value, kar::DecimalMark::PointOrComma) == 1;
     return KARMPVerify(converted) ? KARSuccess : KARFailure;
 }
 

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 #include <memory>
 #include <new>
@@ -514,6 +515,39 @@ TEST_F(Deserializer, DoublesAreNotRounded)
     EXPECT_EQ(number, 1e-13);
     EXPECT_EQ(node.GetAttribute(L"c", number), KARSuccess);
     EXPECT_TRUE(std::isnan(number));
+}
+
+TEST_F(Deserializer, EveryNumberIsTheDoubleNearestToItsText)
+{
+    TestDeserializer node;
+    const auto read = [&node](const std::wstring& text) {
+        double number = 7.0;
+        node.SetValue(std::wstring_view(text));
+        EXPECT_EQ(node.GetValue(number), KARSuccess) << std::string(text.begin(), text.end());
+        return number;
+    };
+    for (const wchar_t* text :
+         {L"0", L"-0", L"1", L"-1.5", L".5", L"5.", L"-.25", L"0.1", L"0,3", L"123456789012345",
+          L"1234567890123456", L"9007199254740993", L"0.000000000000001", L"0.0000000000000001",
+          L"0.30000000000000004", L"99999.9999999999", L"1.7976931348623157e308", L"1e22"}) {
+        std::string narrow;
+        for (const wchar_t* character = text; *character != 0; ++character)
+            narrow.push_back(*character == L',' ? '.' : static_cast<char>(*character));
+        const double expected = std::strtod(narrow.c_str(), nullptr);
+        EXPECT_EQ(read(text), expected) << narrow;
+        EXPECT_EQ(std::signbit(read(text)), std::signbit(expected)) << narrow;
+    }
+    for (int number = 0; number < 20000; ++number) {
+        const std::string text = std::to_string(number * 0.000137);
+        EXPECT_EQ(read(std::wstring(text.begin(), text.end())), std::strtod(text.c_str(), nullptr));
+    }
+    for (const wchar_t* text : {L"", L".", L"-", L"-.", L","}) {
+        double number = 7.0;
+        node.SetValue(std::wstring_view(text));
+        EXPECT_EQ(node.GetValue(number), KARFailure);
+        EXPECT_EQ(number, 7.0);
+    }
+    ExpectReports(5);
 }
 
 TEST_F(Deserializer, ManyNamesAreFoundWhateverTheirNumber)
