@@ -5,10 +5,10 @@
 #include "QOBSharedHandle.h"
 
 #include <cstddef>
-#include <functional>
+#include <cstdint>
+#include <deque>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -29,6 +29,10 @@ public:
     /// Enters an entity, in place of the one that is there under the identifier. Returns false when
     /// one was replaced.
     bool Set(std::wstring_view identifier, const QOBSharedHandle<KARMPEntity>& entity);
+    /// Does the same and gives the entry, which stays where it is for as long as the table lives.
+    const Entry& Enter(std::wstring_view identifier, const QOBSharedHandle<KARMPEntity>& entity);
+    /// Makes room for a number of entries.
+    void Reserve(std::size_t count);
     /// The entity under an identifier, which may be a null handle; null when there is none.
     const QOBSharedHandle<KARMPEntity>* Find(std::wstring_view identifier) const;
     /// Number of entries.
@@ -37,14 +41,17 @@ public:
     std::vector<const Entry*> InOrder() const;
 
 private:
-    struct Hash
+    /// Half of the slots are free at least, so that a lookup meets few of others.
+    struct Slot
     {
-        using is_transparent = void;
-        std::size_t operator()(std::wstring_view text) const noexcept
-        {
-            return std::hash<std::wstring_view>()(text);
-        }
+        std::uint32_t hash = 0;
+        /// One more than the entry's place in the list; 0 in a free slot.
+        std::uint32_t number = 0;
     };
 
-    std::unordered_map<std::wstring, QOBSharedHandle<KARMPEntity>, Hash, std::equal_to<>> m_entries;
+    static std::uint32_t Hash(std::wstring_view text) noexcept;
+    std::size_t SlotOf(std::wstring_view identifier, std::uint32_t hash) const;
+
+    std::deque<Entry> m_entries;
+    std::vector<Slot> m_slots;
 };

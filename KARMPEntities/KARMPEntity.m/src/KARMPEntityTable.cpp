@@ -3,33 +3,145 @@
 #include "KARMPEntity.h"
 
 #include <algorithm>
+#include <bit>
+#include <limits>
+#include <stdexcept>
+
+namespace {
+
+using Entry = KARMPEntityTable::Entry;
+
+// The characters of an identifier behind what all identifiers begin with, eight in a number whose
+// order is theirs. It stops at a character that is no byte, so that what follows does not count.
+std::uint64_t orderOf(std::wstring_view text)
+{
+    std::uint64_t order = 0;
+    int shift = 64;
+    for (const wchar_t character : text.substr(0, 8)) {
+        shift -= 8;
+        if (character <= 0)
+            break;
+        const auto value = std::min<std::uint64_t>(static_cast<std::uint64_t>(character), 0xFFU);
+        order |= value << shift;
+        if (value == 0xFFU)
+            break;
+    }
+    return order;
+}
+
+struct Place
+{
+    std::uint64_t order;
+    const Entry* entry;
+
+    bool operator<(const Place& other) const
+    {
+        return order != other.order ? order < other.order : entry->first < other.entry->first;
+    }
+};
+
+std::size_t commonStart(const std::deque<Entry>& entries)
+{
+    std::wstring_view start = entries.front().first;
+    for (const Entry& entry : entries) {
+        const auto ends =
+            std::mismatch(start.begin(), start.end(), entry.first.begin(), entry.first.end());
+        start = start.substr(0, static_cast<std::size_t>(ends.first - start.begin()));
+    }
+    return start.size();
+}
+
+} // namespace
 
 KARMPEntityTable::KARMPEntityTable() = default;
 KARMPEntityTable::~KARMPEntityTable() = default;
 KARMPEntityTable::KARMPEntityTable(KARMPEntityTable&&) noexcept = default;
 KARMPEntityTable& KARMPEntityTable::operator=(KARMPEntityTable&&) noexcept = default;
 
+std::uint32_t KARMPEntityTable::Hash(std::wstring_view text) noexcept
+{
+    std::uint64_t hash = text.size();
+    for (const wchar_t character : text)
+        hash = (std::rotl(hash, 5) ^ static_cast<std::uint32_t>(character)) * 0x9E3779B97F4A7C15U;
+    return static_cast<std::uint32_t>(hash >> 32U);
+}
+
+// The slot of an identifier, or the free one that it would get.
+std::size_t KARMPEntityTable::SlotOf(std::wstring_view identifier, std::uint32_t hash) const
+{
+    const std::size_t last = m_slots.size() - 1;
+    for (std::size_t place = hash & last;; place = (place + 1) & last) {
+        const Slot& slot = m_slots[place];
+        if (slot.number == 0 ||
+            (slot.hash == hash && m_entries[slot.number - 1].first == identifier))
+            return place;
+    }
+}
+
+void KARMPEntityTable::Reserve(std::size_t count)
+{
+    if (count > std::numeric_limits<std::uint32_t>::max() / 4)
+        throw std::length_error("KARMP entity table: too many entities");
+    const std::size_t least = 2 * count + 1;
+    if (least <= m_slots.size())
+        return;
+    std::vector<Slot> slots(std::bit_ceil(least));
+    for (const Slot& slot : m_slots) {
+        if (slot.number == 0)
+            continue;
+        std::size_t place = slot.hash & (slots.size() - 1);
+        while (slots[place].number != 0)
+            place = (place + 1) & (slots.size() - 1);
+        slots[place] = slot;
+    }
+    m_slots = std::move(slots);
+}
+
 bool KARMPEntityTable::Set(std::wstring_view identifier, const QOBSharedHandle<KARMPEntity>& entity)
 {
-    const auto [entry, entered] = m_entries.try_emplace(std::wstring(identifier), entity);
-    if (!entered)
-        entry->second = entity;
-    return entered;
+    const std::size_t before = Size();
+    Enter(identifier, entity);
+    return Size() > before;
+}
+
+const KARMPEntityTable::Entry& KARMPEntityTable::Enter(std::wstring_view identifier,
+                                                       const QOBSharedHandle<KARMPEntity>& entity)
+{
+    Reserve(Size() + 1);
+    const std::uint32_t hash = Hash(identifier);
+    Slot& slot = m_slots[SlotOf(identifier, hash)];
+    if (slot.number != 0) {
+        Entry& found = m_entries[slot.number - 1];
+        found.second = entity;
+        return found;
+    }
+    const Entry& made = m_entries.emplace_back(identifier, entity);
+    slot = {hash, static_cast<std::uint32_t>(Size())};
+    return made;
 }
 
 const QOBSharedHandle<KARMPEntity>* KARMPEntityTable::Find(std::wstring_view identifier) const
 {
-    const auto found = m_entries.find(identifier);
-    return found != m_entries.end() ? &found->second : nullptr;
+    if (m_slots.empty())
+        return nullptr;
+    const Slot& slot = m_slots[SlotOf(identifier, Hash(identifier))];
+    return slot.number != 0 ? &m_entries[slot.number - 1].second : nullptr;
 }
 
 std::vector<const KARMPEntityTable::Entry*> KARMPEntityTable::InOrder() const
 {
     std::vector<const Entry*> entries;
-    entries.reserve(m_entries.size());
+    if (m_entries.empty())
+        return entries;
+    // Identifiers are long and mostly begin alike: what tells them apart stands in the sorted list.
+    const std::size_t start = commonStart(m_entries);
+    std::vector<Place> places;
+    places.reserve(Size());
     for (const Entry& entry : m_entries)
-        entries.push_back(&entry);
-    std::sort(entries.begin(), entries.end(),
-              [](const Entry* left, const Entry* right) { return left->first < right->first; });
+        places.push_back({orderOf(std::wstring_view(entry.first).substr(start)), &entry});
+    std::sort(places.begin(), places.end());
+    entries.reserve(Size());
+    for (const Place& place : places)
+        entries.push_back(place.entry);
     return entries;
 }

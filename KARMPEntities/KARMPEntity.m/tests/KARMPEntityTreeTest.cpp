@@ -8,6 +8,7 @@
 #include "TestEntity.h"
 #include "TestSerializer.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <memory>
 
@@ -403,6 +404,46 @@ TEST(EntityTable, FindsReplacesAndOrdersByIdentifier)
     for (const auto* entry : table.InOrder())
         order.push_back(entry->first);
     EXPECT_EQ(order, (std::vector<std::wstring>{L"1", L"10", L"9"}));
+}
+
+TEST(EntityTable, ManyEntriesAreFoundAndInTheOrderOfAnyIdentifiers)
+{
+    KARMPEntityTable table;
+    std::vector<std::wstring> identifiers{L"",
+                                          L"id",
+                                          L"id\x100"
+                                          L"b",
+                                          L"id\x200"
+                                          L"a",
+                                          L"id\xFF",
+                                          std::wstring(L"id\0b", 4),
+                                          std::wstring(L"id\0a", 4),
+                                          L"id-12345678b",
+                                          L"id-12345678a",
+                                          L"id-1234567"};
+    identifiers.push_back(L"id" + std::wstring(1, static_cast<wchar_t>(-1)) + L"z");
+    for (int number = 0; number < 5000; ++number)
+        identifiers.push_back(L"id" + std::to_wstring(number * 7919 % 5000));
+    for (const std::wstring& identifier : identifiers)
+        EXPECT_TRUE(table.Set(identifier, {}));
+    for (const std::wstring& identifier : identifiers)
+        EXPECT_NE(table.Find(identifier), nullptr);
+    EXPECT_EQ(table.Find(L"id5000"), nullptr);
+    const auto withStart = [&table, &identifiers](std::size_t first) {
+        std::vector<std::wstring> order;
+        for (const auto* entry : table.InOrder())
+            order.push_back(entry->first);
+        std::vector<std::wstring> expected(identifiers.begin() + static_cast<std::ptrdiff_t>(first),
+                                           identifiers.end());
+        std::sort(expected.begin(), expected.end());
+        EXPECT_EQ(order, expected);
+    };
+    withStart(0);
+    // The same where all begin alike.
+    table = KARMPEntityTable();
+    for (std::size_t place = 1; place < identifiers.size(); ++place)
+        table.Set(identifiers[place], {});
+    withStart(1);
 }
 
 } // namespace

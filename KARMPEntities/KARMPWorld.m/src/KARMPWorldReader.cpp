@@ -61,11 +61,13 @@ private:
     struct Registry
     {
         const KARMPDeserializer* element;
-        ElementList entities;
+        ElementList elements;
+        /// What each element was entered as; null where that failed.
+        std::vector<const KARMPEntityTable::Entry*> entries;
     };
 
-    void Create(const KARMPDeserializer* element);
-    void ReadContent(const KARMPDeserializer* element);
+    const KARMPEntityTable::Entry* Create(const KARMPDeserializer* element);
+    void ReadContent(const KARMPDeserializer* element, const KARMPEntityTable::Entry* entry);
     QOBSharedHandle<KARMPEntity> Find(const KARMPDeserializer* element) const;
     void FileByIdentifier();
     void FileByDocument();
@@ -78,55 +80,63 @@ private:
 
 EntitiesReader::EntitiesReader(KARMPWorld& target, const KARMPDeserializer& world) : m_world(target)
 {
+    std::size_t count = 0;
     karmp::ForEachRegistryElement([&](const auto& element) {
         if (const KARMPDeserializer* registry = child(world, element.name)) {
-            m_registries.push_back({registry, {}});
-            registry->GetElements(m_registries.back().entities);
+            m_registries.push_back({registry, {}, {}});
+            registry->GetElements(m_registries.back().elements);
+            count += m_registries.back().elements.size();
         }
     });
+    m_entities.Reserve(count);
 }
 
 void EntitiesReader::Create()
 {
-    for (const Registry& registry : m_registries) {
-        for (const KARMPDeserializer* element : registry.entities)
-            Create(element);
+    for (Registry& registry : m_registries) {
+        registry.entries.reserve(registry.elements.size());
+        for (const KARMPDeserializer* element : registry.elements)
+            registry.entries.push_back(Create(element));
     }
 }
 
-void EntitiesReader::Create(const KARMPDeserializer* element)
+const KARMPEntityTable::Entry* EntitiesReader::Create(const KARMPDeserializer* element)
 {
     if (!KARMPVerify(element != nullptr))
-        return;
+        return nullptr;
     QOBSharedHandle<KARMPEntity> entity;
     const std::string className = KARMPSerializationServices::to_type(element->Id());
     if (!KARMPVerify(!KARFailed(KARMPFactory::Create(className, entity))))
-        return;
+        return nullptr;
     std::wstring_view identifier;
     if (!KARMPVerify(!KARFailed(element->GetAttribute(L"id", identifier))))
-        return;
-    m_entities.Set(identifier, entity);
+        return nullptr;
+    const KARMPEntityTable::Entry& entry = m_entities.Enter(identifier, entity);
 
     const QOBSharedHandle<QOBBasicEntity> parent(m_world.getExtendible(), QOBSharedBase::WriteLock);
     if (KARMPVerify(static_cast<bool>(parent)) && !parent->hasLogicalChild(entity))
         parent->addLogicalChild(entity);
+    return &entry;
 }
 
 void EntitiesReader::ReadContents()
 {
     for (const Registry& registry : m_registries) {
-        for (const KARMPDeserializer* element : registry.entities)
-            ReadContent(element);
+        for (std::size_t place = 0; place < registry.elements.size(); ++place)
+            ReadContent(registry.elements[place], registry.entries[place]);
     }
 }
 
-// The entity is looked up again: of two with one identifier the later one reads both elements.
-void EntitiesReader::ReadContent(const KARMPDeserializer* element)
+// Of two entities with one identifier, and so with one entry, the later one reads both elements. An
+// element that made none is read by the one that another made.
+void EntitiesReader::ReadContent(const KARMPDeserializer* element,
+                                 const KARMPEntityTable::Entry* entry)
 {
     std::wstring_view identifier;
     if (!KARMPVerify(element != nullptr && !KARFailed(element->GetAttribute(L"id", identifier))))
         return;
-    const QOBSharedHandle<KARMPEntity>* found = m_entities.Find(identifier);
+    const QOBSharedHandle<KARMPEntity>* found =
+        entry != nullptr ? &entry->second : m_entities.Find(identifier);
     KARMPVerify(found != nullptr && *found &&
                 !KARFailed((*found)->Deserialize(element, m_entities)));
 }
