@@ -314,8 +314,8 @@ KARStatus KARMPEntity::Deserialize(const KARMPDeserializer* deserializer,
                                        [this](const auto& entry) { return AddParameter(entry); });
     element.References<KARMPState>(L"States", L"State", entities,
                                    [this](const auto& entry) { return AddState(entry); });
-    // Unlike in Serialize, the variable is looked up afresh on every call.
-    if (isSet("MOT_DUMP_OUTPUTS"))
+    // Unlike in Serialize, the variable is looked up afresh on every call that it matters to.
+    if (element.Has(L"Outputs") && isSet("MOT_DUMP_OUTPUTS"))
         element.References<KARMPOutput>(L"Outputs", L"Output", entities,
                                         [this](const auto& entry) { return AddOutput(entry); });
     element.References<KARMPEntity>(L"AggregatedElements", L"Element", entities,
