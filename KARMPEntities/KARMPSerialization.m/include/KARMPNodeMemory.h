@@ -1,9 +1,9 @@
 // The memory of a whole element tree: handed out in a row, given back all at once.
 #pragma once
 
-#include <algorithm>
+#include "KARMPExport.h"
+
 #include <cstddef>
-#include <memory>
 #include <new>
 #include <utility>
 #include <vector>
@@ -61,27 +61,31 @@ public:
             Made* const made = std::exchange(m_lastMade, m_lastMade->former);
             made->destroy(made);
         }
-        m_chunks.clear();
+        FreeChunks();
         m_next = nullptr;
         m_left = 0;
     }
 
 private:
     static constexpr std::size_t Alignment = 8;
-    // The first chunk is small: most trees of tests and tools are.
+    // The first chunk is small: most trees of tests and tools are. A tree that has filled some of
+    // the usual ones is a large model's.
     static constexpr std::size_t FirstChunk = 1U << 12U;
-    static constexpr std::size_t LargestChunk = 1U << 18U;
+    static constexpr std::size_t UsualChunk = 1U << 18U;
+    static constexpr std::size_t UsualChunkCount = 8;
+    static constexpr std::size_t LargeChunk = 1U << 22U;
+    static constexpr std::size_t LargePage = 1U << 21U;
 
-    void AddChunk(std::size_t needed)
+    struct Chunk
     {
-        const std::size_t usual = m_chunks.empty() ? FirstChunk : LargestChunk;
-        const std::size_t size = std::max(usual, needed);
-        m_chunks.push_back(std::make_unique_for_overwrite<std::byte[]>(size));
-        m_next = m_chunks.back().get();
-        m_left = size;
-    }
+        std::byte* memory = nullptr;
+        std::size_t size = 0;
+    };
 
-    std::vector<std::unique_ptr<std::byte[]>> m_chunks;
+    KARMP_API void AddChunk(std::size_t needed);
+    KARMP_API void FreeChunks() noexcept;
+
+    std::vector<Chunk> m_chunks;
     Made* m_lastMade = nullptr;
     std::byte* m_next = nullptr;
     std::size_t m_left = 0;
