@@ -46,7 +46,13 @@ public:
 private:
     friend class karmp::documents::Document;
     friend class karmp::documents::TreeBuilder;
-    KARMPDocumentReader(std::uint32_t line, std::uint32_t column);
+    KARMPDocumentReader(const karmp::NodeText& name, const karmp::NodeText& version,
+                        std::uint32_t line, std::uint32_t column)
+        : KARMPDeserializer(name, version),
+          m_line(line),
+          m_column(column & 0x7FFFFFFFU),
+          m_hasText(0)
+    {}
 
     std::uint32_t m_line;
     std::uint32_t m_column : 31;

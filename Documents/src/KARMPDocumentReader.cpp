@@ -8,10 +8,6 @@
 #include <limits>
 #include <utility>
 
-KARMPDocumentReader::KARMPDocumentReader(std::uint32_t line, std::uint32_t column)
-    : m_line(line), m_column(column & 0x7FFFFFFFU), m_hasText(0)
-{}
-
 KARMPDocumentReader::~KARMPDocumentReader() = default;
 
 std::wstring KARMPDocumentReader::Location() const

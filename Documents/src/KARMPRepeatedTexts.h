@@ -5,8 +5,10 @@
 #include "KARMPTextEscapes.h"
 
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -35,21 +37,46 @@ public:
         return entry.text;
     }
 
+    /// The same for a text that is in the table; null for another one.
+    const NodeText* Find(std::string_view bytes) const
+    {
+        const Entry& entry = m_entries[Place(bytes)];
+        return entry.bytes == bytes ? &entry.text : nullptr;
+    }
+
 private:
     struct Entry
     {
         std::string_view bytes;
         NodeText text;
     };
-    static constexpr std::size_t PlaceCount = 512;
+    static constexpr std::uint64_t Mixer = 0x9E3779B97F4A7C15U;
+    static constexpr unsigned PlaceBits = 9;
+    static constexpr std::size_t PlaceCount = std::size_t{1} << PlaceBits;
 
+    // The ends of a text and its length tell most names apart.
     static std::size_t Place(std::string_view bytes)
     {
-        std::uint32_t hash = static_cast<std::uint32_t>(bytes.size());
-        for (const char byte : bytes) {
-            hash = (hash ^ static_cast<unsigned char>(byte)) * 16777619U;
+        std::uint64_t ends = bytes.size();
+        if (bytes.size() >= sizeof(std::uint64_t)) {
+            ends += EndsOf<std::uint64_t>(bytes);
+        } else if (bytes.size() >= sizeof(std::uint32_t)) {
+            ends += EndsOf<std::uint32_t>(bytes);
+        } else if (!bytes.empty()) {
+            ends +=
+                EndsOf<std::uint8_t>(bytes) + static_cast<unsigned char>(bytes[bytes.size() / 2]);
         }
-        return (hash ^ (hash >> 15U)) % PlaceCount;
+        return static_cast<std::size_t>((ends * Mixer) >> (64U - PlaceBits));
+    }
+
+    template <class Word>
+    static std::uint64_t EndsOf(std::string_view bytes)
+    {
+        Word first = 0;
+        Word last = 0;
+        std::memcpy(&first, bytes.data(), sizeof first);
+        std::memcpy(&last, bytes.data() + bytes.size() - sizeof last, sizeof last);
+        return first * Mixer ^ std::rotl(std::uint64_t{last}, 29);
     }
 
     NodeMemory& m_memory;

@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 namespace karmp::documents {
 
@@ -247,6 +248,19 @@ bool IsSelfStanding(char byte)
            static_cast<unsigned char>(byte) >= 0x20;
 }
 
+// The same for eight bytes. A borrow may make a word look as if it held what it does not, never the
+// other way round.
+bool IsSelfStandingWord(const char* bytes)
+{
+    constexpr std::uint64_t each = 0x0101010101010101U;
+    std::uint64_t word = 0;
+    std::memcpy(&word, bytes, sizeof word);
+    const std::uint64_t notAnd = word ^ each * static_cast<unsigned char>('&');
+    const std::uint64_t notBackslash = word ^ each * static_cast<unsigned char>('\\');
+    return (((word - each * 0x20U) | word | (notAnd - each) | (notBackslash - each)) &
+            each * 0x80U) == 0;
+}
+
 // Appends the leading characters that stand for themselves and gives their number: mostly all.
 std::size_t AppendWidened(std::wstring& text, std::string_view raw)
 {
@@ -342,6 +356,9 @@ bool AppendDecoded(std::wstring& text, std::string_view raw, TextPlace place)
 
 bool StandsForItself(std::string_view raw)
 {
+    while (raw.size() >= sizeof(std::uint64_t) && IsSelfStandingWord(raw.data())) {
+        raw.remove_prefix(sizeof(std::uint64_t));
+    }
     return std::all_of(raw.begin(), raw.end(), IsSelfStanding);
 }
 

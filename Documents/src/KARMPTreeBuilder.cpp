@@ -277,7 +277,6 @@ bool TreeBuilder::ReadVersion(const pugi::xml_node& root, SourceText& lines)
 bool TreeBuilder::BuildTree(pugi::xml_node root, SourceText& lines)
 {
     m_version = karmp::NodeText::Name(m_document.m_version, m_memory);
-    m_isOtherVersion = m_document.m_version != CurrentVersion;
     if (!Enter(root, lines)) {
         return false;
     }
@@ -342,11 +341,8 @@ bool TreeBuilder::Enter(pugi::xml_node source, SourceText& lines)
     if (!CountNode(place) || !WideName(source.name(), nullptr, place)) {
         return false;
     }
-    auto* const node = new (m_memory) KARMPDocumentReader(place.line, place.column);
-    node->PlaceId(*m_name);
-    if (m_isOtherVersion) {
-        node->PlaceVersion(m_version);
-    }
+    auto* const node =
+        new (m_memory) KARMPDocumentReader(*m_name, m_version, place.line, place.column);
     if (m_levels.empty()) {
         m_document.m_root = node;
     } else {
@@ -437,9 +433,13 @@ karmp::NodeText TreeBuilder::Decode(const char* raw, TextPlace place,
     if (bytes.empty()) {
         return {};
     }
+    // The table holds no text but those that stand for themselves.
+    const bool mayRepeat = bytes.size() <= LongestRepeated;
+    if (const karmp::NodeText* const known = mayRepeat ? m_values.Find(bytes) : nullptr) {
+        return *known;
+    }
     if (StandsForItself(bytes)) {
-        return bytes.size() <= LongestRepeated ? m_values.Get(bytes)
-                                               : karmp::NodeText::Widen(bytes, m_memory);
+        return mayRepeat ? m_values.Get(bytes) : karmp::NodeText::Widen(bytes, m_memory);
     }
     m_value.clear();
     if (!AppendDecoded(m_value, raw, place)) {

@@ -74,7 +74,6 @@ private:
     RepeatedTexts m_names;
     RepeatedTexts m_values;
     karmp::NodeText m_version;
-    bool m_isOtherVersion = false;
     const karmp::NodeText* m_name = nullptr;
     std::wstring m_value;
 };

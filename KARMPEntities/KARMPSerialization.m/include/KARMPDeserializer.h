@@ -135,9 +135,10 @@ protected:
     /// The same for a subclass whose nodes stand in one memory for a whole tree: the texts and the
     /// lists of the nodes stand there as well, so that the tree may end with the memory, without
     /// its nodes being destroyed one by one.
-    void PlaceVersion(const karmp::NodeText& version) { m_version = version; }
-    void PlaceId(const karmp::NodeText& id) { m_name = id; }
-    void PlaceValue(karmp::NodeText value) { m_value = std::move(value); }
+    KARMPDeserializer(const karmp::NodeText& name, const karmp::NodeText& version)
+        : m_name(name), m_version(version)
+    {}
+    void PlaceValue(karmp::NodeText value) { m_value.emplace<karmp::NodeText>(std::move(value)); }
     /// Adds children, each under its own name.
     void PlaceElements(std::span<KARMPDeserializer* const> children, karmp::NodeMemory& memory);
     /// Returns false when the value took the place of an earlier one.

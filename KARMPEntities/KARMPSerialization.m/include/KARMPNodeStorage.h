@@ -48,9 +48,12 @@ public:
     /// A text of its own that takes a long string over without copying its characters.
     static NodeText Take(std::wstring&& text);
 
-    NodeText(const NodeText& other)
-        : m_bits(other.IsOwned() ? Copy(other.View()).Release() : other.m_bits)
-    {}
+    NodeText(const NodeText& other) : m_bits(other.m_bits)
+    {
+        if (other.IsOwned()) [[unlikely]] {
+            m_bits = Copy(other.View()).Release();
+        }
+    }
     NodeText(NodeText&& other) noexcept : m_bits(other.Release()) {}
     NodeText& operator=(NodeText other) noexcept
     {
@@ -188,12 +191,13 @@ public:
         }
     }
 
-    void Append(T element)
+    void Append(T&& element)
     {
         MakeRoom();
         ::new (First() + m_block->size) T(std::move(element));
         ++m_block->size;
     }
+    void Append(const T& element) { Append(T(element)); }
 
     void Clear() noexcept
     {

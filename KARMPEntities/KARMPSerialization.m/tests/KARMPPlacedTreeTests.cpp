@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace {
 
@@ -18,10 +19,10 @@ using karmp::NodeText;
 class PlacedNode final : public KARMPDeserializer
 {
 public:
-    PlacedNode(NodeMemory& memory, std::wstring_view name) : m_memory(memory)
-    {
-        PlaceId(NodeText::Name(name, memory));
-    }
+    PlacedNode(NodeMemory& memory, std::wstring_view name)
+        : KARMPDeserializer(NodeText::Name(name, memory), NodeText::CurrentVersion()),
+          m_memory(memory)
+    {}
     std::wstring Location() const override { return {}; }
 
     static PlacedNode* Make(NodeMemory& memory, std::wstring_view name)
@@ -59,6 +60,22 @@ TEST(NodeMemory, GivesAlignedRoomOfAnySize)
         auto* const bytes = static_cast<unsigned char*>(memory.Allocate(size));
         EXPECT_EQ(reinterpret_cast<std::uintptr_t>(bytes) % alignof(double), 0U);
         std::fill(bytes, bytes + size, static_cast<unsigned char>(size));
+    }
+}
+
+TEST(NodeMemory, LargeAmountsComeInChunksOfTheirOwnKind)
+{
+    NodeMemory memory;
+    std::vector<unsigned char*> pieces;
+    for (std::size_t piece = 0; piece < 200; ++piece) {
+        pieces.push_back(static_cast<unsigned char*>(memory.Allocate(100000)));
+        std::fill(pieces.back(), pieces.back() + 100000, static_cast<unsigned char>(piece));
+    }
+    auto* const huge = static_cast<unsigned char*>(memory.Allocate(5000001));
+    std::fill(huge, huge + 5000001, static_cast<unsigned char>(1));
+    for (std::size_t piece = 0; piece < pieces.size(); ++piece) {
+        EXPECT_EQ(pieces[piece][0], static_cast<unsigned char>(piece));
+        EXPECT_EQ(pieces[piece][99999], static_cast<unsigned char>(piece));
     }
 }
 
