@@ -153,7 +153,8 @@ KARStatus KARMPConstraint::AddConstraintParameter(KARMPConstraintParameter* para
 KARStatus KARMPConstraint::GetConstraintParameter(int index,
                                                   KARMPConstraintParameter*& parameter) const
 {
-    if (index < 0 || index >= GetConstraintParameterCount())
+    // Not the virtual count: an heir may count what is not in this list.
+    if (index < 0 || static_cast<std::size_t>(index) >= m_parameters.size())
         return KARFailure;
     parameter = m_parameters[static_cast<std::size_t>(index)];
     return KARSuccess;

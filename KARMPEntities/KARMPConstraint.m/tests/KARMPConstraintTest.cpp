@@ -194,6 +194,18 @@ TEST_F(Constraint, LendsItsParametersByIndex)
     EXPECT_EQ(found, nullptr);
 }
 
+TEST_F(Constraint, LendsNoParameterThatOnlyAnHeirCounts)
+{
+    class Boastful : public KARMPConcentricity
+    {
+    public:
+        int GetConstraintParameterCount() const override { return 5; }
+    };
+    const QOBSharedHandle<KARMPConstraint> boastful(new Boastful);
+    KARMPConstraintParameter* found = nullptr;
+    EXPECT_EQ(boastful->GetConstraintParameter(4, found), KARFailure);
+}
+
 TEST_F(Constraint, FreesEachParameterOnce)
 {
     QOBSharedHandle<KARMPConstraint> owner = KARMPConcentricity::create(L"owner");
