@@ -106,10 +106,12 @@ public:
 
     /// Free text of the modelling application, not the identifier.
     KARString GetID() const { return m_id; }
-    void SetID(const KARString& id) { m_id = id; }
+    /// Stores the text; always 0.
+    KARStatus SetID(const KARString& id);
     /// Borrowed unique value of the modelling application.
     const KARUuid* GetUniqueId() const { return m_uniqueId; }
-    void SetUniqueId(const KARUuid* uniqueId) { m_uniqueId = uniqueId; }
+    /// Borrows the value; always 0.
+    KARStatus SetUniqueId(const KARUuid* uniqueId);
     /// Hands out the visual object with a reference for the caller, null without one; always 0.
     KARStatus GetMPVisuObject(KARBaseUnknown*& object) const;
     /// Borrows a visual object without counting it; always 0.
@@ -122,8 +124,8 @@ public:
     /// failure.
     KARStatus SetIdentifier(const std::wstring& identifier);
 
-    /// Tells the subscribers that the entity changed.
-    void NotifyUpdate() const;
+    /// Tells the subscribers that the entity changed; always 0.
+    KARStatus NotifyUpdate() const;
 
 private:
     KARStatus GenerateID(std::wstring& identifier) const;

@@ -256,9 +256,22 @@ KARStatus KARMPEntity::SetParentEntity(const QOBSharedHandle<KARMPEntity>& paren
     return KARSuccess;
 }
 
-void KARMPEntity::NotifyUpdate() const
+KARStatus KARMPEntity::SetID(const KARString& id)
+{
+    m_id = id;
+    return KARSuccess;
+}
+
+KARStatus KARMPEntity::SetUniqueId(const KARUuid* uniqueId)
+{
+    m_uniqueId = uniqueId;
+    return KARSuccess;
+}
+
+KARStatus KARMPEntity::NotifyUpdate() const
 {
     postEvent(UpdateEvent);
+    return KARSuccess;
 }
 
 KARStatus KARMPEntity::Serialize(KARMPSerializer* serializer) const

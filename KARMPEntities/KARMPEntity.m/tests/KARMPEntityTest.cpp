@@ -39,8 +39,8 @@ TEST_F(Entity, KeepsItsPlainValues)
 {
     const KARUuid uuid;
     EXPECT_EQ(entity->SetBuildingMode(static_cast<KARMPBuildingMode::Enum>(2)), KARSuccess);
-    entity->SetID("application text");
-    entity->SetUniqueId(&uuid);
+    EXPECT_EQ(entity->SetID("application text"), KARSuccess);
+    EXPECT_EQ(entity->SetUniqueId(&uuid), KARSuccess);
     KARMPBuildingMode::Enum mode = {};
     entity->GetBuildingMode(mode);
     EXPECT_EQ(mode, 2);
@@ -326,7 +326,7 @@ TEST_F(Entity, NotifyUpdatePostsEventNine)
     const QOBNotificationFunctor functor(*owner,
                                          [&heard](auto, auto events) { heard.push_back(events); });
     entity->addSubscriber(functor, QOBNotificationAgent::Events().set());
-    entity->NotifyUpdate();
+    EXPECT_EQ(entity->NotifyUpdate(), KARSuccess);
     ASSERT_EQ(heard.size(), 1U);
     EXPECT_EQ(heard.front(), QOBNotificationAgent::Events().set(9));
 }
