@@ -1,6 +1,7 @@
 #include "KARMPDocumentChecker.h"
 
 #include "KARMPDocumentNames.h"
+#include "KARMPDocumentPath.h"
 #include "KARMPEntity.h"
 #include "KARMPFailedCheck.h"
 #include "KARMPGenericFactory.h"
@@ -481,37 +482,14 @@ void DocumentChecker::Tell(Severity severity, Code code, const Node& node, std::
 // The way to a node that the last frame holds or is.
 std::string DocumentChecker::Path(const Node& node, std::wstring_view attribute) const
 {
-    constexpr std::size_t longest = 64;
-    std::vector<const KARMPDeserializer*> way;
+    Way way;
     for (const Frame& frame : m_frames) {
         way.push_back(frame.node);
     }
     if (way.empty() || way.back() != &node) {
         way.push_back(&node);
     }
-    std::string path;
-    for (std::size_t place = 0; place < way.size() && place < longest; ++place) {
-        path += '/';
-        AppendUtf8(path, way[place]->Id());
-        if (place == 0) {
-            continue;
-        }
-        KARMPDeserializer::ElementIterator begin = nullptr;
-        KARMPDeserializer::ElementIterator end = nullptr;
-        way[place - 1]->GetElements(way[place]->Id(), begin, end);
-        if (end - begin > 1) {
-            const auto number = std::find(begin, end, way[place]) - begin + 1;
-            path += '[' + std::to_string(number) + ']';
-        }
-    }
-    if (way.size() > longest) {
-        path += "/...";
-    }
-    if (!attribute.empty()) {
-        path += "/@";
-        AppendUtf8(path, attribute);
-    }
-    return path;
+    return PathText(way, attribute);
 }
 
 std::wstring DocumentChecker::UnusedIdentifier() const

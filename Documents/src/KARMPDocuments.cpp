@@ -1,8 +1,10 @@
 #include "KARMPDocuments.h"
 
 #include "KARMPDocumentNames.h"
+#include "KARMPDocumentPath.h"
 #include "KARMPFailedCheck.h"
 #include "KARMPFileAccess.h"
+#include "KARMPReadingPlace.h"
 #include "KARMPWorld.h"
 #include "QOBBasicWorld.h"
 #include "QOBException.h"
@@ -22,23 +24,34 @@ namespace {
 class CheckListener final : private KARMPFailedCheckListener
 {
 public:
-    /// `deed` says what the library was doing.
-    CheckListener(Messages& messages, std::string deed)
-        : m_messages(messages), m_deed(std::move(deed))
+    /// `deed` says what the library was doing, `root` from what it read, if it did.
+    CheckListener(Messages& messages, std::string deed, const KARMPDocumentReader* root = nullptr)
+        : m_messages(messages), m_deed(std::move(deed)), m_root(root)
     {}
 
 private:
     void OnFailedCheck(const char* file, int line) override
     {
+        if (m_messages.Full()) {
+            return;
+        }
         const std::string_view path = file != nullptr ? file : "";
         const std::string_view name = path.substr(path.find_last_of('/') + 1);
-        m_messages.Warning(Code::FailedCheck, "a check of the library failed while " + m_deed +
-                                                  ": " + std::string(name) + ':' +
-                                                  std::to_string(line));
+        std::string text = "a check of the library failed while " + m_deed + ": " +
+                           std::string(name) + ':' + std::to_string(line);
+        const Way way = m_root != nullptr ? FindWay(*m_root, KARMPReadingPlace::Current()) : Way();
+        if (way.empty()) {
+            m_messages.Warning(Code::FailedCheck, std::move(text));
+            return;
+        }
+        const auto& node = static_cast<const KARMPDocumentReader&>(*way.back());
+        m_messages.Warning(Code::FailedCheck, std::move(text), PathText(way), node.Line(),
+                           node.Column());
     }
 
     Messages& m_messages;
     std::string m_deed;
+    const KARMPDocumentReader* m_root;
 };
 
 // Runs a part of an operation and turns every exception into a message. False after one.
@@ -107,7 +120,7 @@ bool ReadWorld(const Document& document, const QOBSharedHandle<KARMPWorld>& into
     bool castFailed = false;
     Guarded(messages, deed, [&] {
         result.world = into ? into : KARMPWorld::create(QOBBasicWorld::create(L"World"));
-        const CheckListener listener(messages, deed);
+        const CheckListener listener(messages, deed, document.Root());
         try {
             if (KARFailed(result.world->Deserialize(document.Root()))) {
                 messages.Error(Code::Failed, "the document holds no world",

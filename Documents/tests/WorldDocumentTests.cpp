@@ -238,6 +238,9 @@ TEST_F(WorldDocument, FailedChecksOfTheLibraryAreTold)
     EXPECT_EQ(item->file, "x.xml");
     EXPECT_NE(item->text.find("KARMPBody"), std::string::npos) << item->text;
     EXPECT_EQ(item->text.find('/'), std::string::npos) << item->text;
+    EXPECT_EQ(item->path, BodyPath);
+    EXPECT_GT(item->line, 1U);
+    EXPECT_GT(item->column, 1U);
     EXPECT_EQ(result.world->Count<KARMPBody>(), 1);
 }
 

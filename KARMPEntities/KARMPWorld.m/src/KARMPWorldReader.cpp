@@ -2,6 +2,7 @@
 #include "KARMPElementReader.h"
 #include "KARMPFailedCheck.h"
 #include "KARMPGenericFactory.h"
+#include "KARMPReadingPlace.h"
 #include "KARMPSerializationServices.h"
 #include "KARMPWorld.h"
 #include "KARMPWorldDocument.h"
@@ -68,7 +69,6 @@ private:
 
     const KARMPEntityTable::Entry* Create(const KARMPDeserializer* element);
     void ReadContent(const KARMPDeserializer* element, const KARMPEntityTable::Entry* entry);
-    QOBSharedHandle<KARMPEntity> Find(const KARMPDeserializer* element) const;
     void FileByIdentifier();
     void FileByDocument();
     void File(const QOBSharedHandle<KARMPEntity>& entity);
@@ -102,6 +102,7 @@ void EntitiesReader::Create()
 
 const KARMPEntityTable::Entry* EntitiesReader::Create(const KARMPDeserializer* element)
 {
+    const KARMPReadingPlace place(element);
     if (!KARMPVerify(element != nullptr))
         return nullptr;
     QOBSharedHandle<KARMPEntity> entity;
@@ -132,6 +133,7 @@ void EntitiesReader::ReadContents()
 void EntitiesReader::ReadContent(const KARMPDeserializer* element,
                                  const KARMPEntityTable::Entry* entry)
 {
+    const KARMPReadingPlace place(element);
     std::wstring_view identifier;
     if (!KARMPVerify(element != nullptr && !KARFailed(element->GetAttribute(L"id", identifier))))
         return;
@@ -161,6 +163,7 @@ void EntitiesReader::FileByDocument()
         ElementList elements;
         registry.element->GetOrderedElementList(elements);
         for (const KARMPDeserializer* element : elements) {
+            const KARMPReadingPlace place(element);
             std::wstring_view identifier;
             if (!KARMPVerify(element != nullptr &&
                              !KARFailed(element->GetAttribute(L"id", identifier))))
@@ -190,6 +193,7 @@ void EntitiesReader::ReadGlobals(const KARMPDeserializer& world)
     const KARMPDeserializer* element = child(world, karmp::Globals);
     if (element == nullptr)
         return;
+    const KARMPReadingPlace place(element);
     karmp::ElementReader globals(element);
     globals.Reference<KARMPBody>(karmp::GlobalBody, m_entities,
                                  [this](const auto& body) { return m_world.SetGlobalBody(body); });
