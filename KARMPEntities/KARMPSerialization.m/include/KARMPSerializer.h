@@ -75,7 +75,8 @@ protected:
     using Type = KARMPSerializationVariable::Type;
 
     /// The root of a tree that stands in one memory, nodes, texts and lists alike, so that all of
-    /// it ends at once with the root, without the nodes being destroyed one by one.
+    /// it ends at once with the root, without the nodes being destroyed one by one. The nodes that
+    /// CreateChildElement makes must stand in that memory as well: nothing deletes them.
     explicit KARMPSerializer(std::unique_ptr<karmp::NodeMemory> memory);
     /// A node below such a root, made in the root's memory. Its parent gives it a version.
     explicit KARMPSerializer(karmp::NodeMemory& memory) : m_memory(&memory) {}

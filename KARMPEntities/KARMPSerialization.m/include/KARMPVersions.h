@@ -11,7 +11,7 @@ inline constexpr std::wstring_view R2015x_0 = L"R2015x.0";
 inline constexpr std::wstring_view R2016_0 = L"R2016.0";
 /// Brought the "OutOfWorld" of a body.
 inline constexpr std::wstring_view R2016_1 = L"R2016.1";
-/// Brought a variable's "Value" as an entity of its own, its "Type" and quantity as words.
+/// Brought a variable's "Value" as a child element, its "Type" and quantity as words.
 inline constexpr std::wstring_view R2017_0 = L"R2017.0";
 /// Brought "isActive" of every entity and "bodyOrientation" of a joint's bodies.
 inline constexpr std::wstring_view R2017_1 = L"R2017.1";

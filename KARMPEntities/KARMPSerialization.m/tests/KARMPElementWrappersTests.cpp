@@ -1,3 +1,4 @@
+#include "AllocationCounter.h"
 #include "KARMPElementReader.h"
 #include "KARMPElementWriter.h"
 #include "KARMPTestFixture.h"
@@ -74,6 +75,18 @@ TEST_F(Wrappers, WriterGoesOnPastAFailedAdditionAndRemembersIt)
     EXPECT_EQ(element.Status(), KARFailure);
 }
 
+TEST_F(Wrappers, WriterReportsEachFailedAddition)
+{
+    ElementWriter element(&root, L"Element");
+    root.FailCreation(1);
+    EXPECT_FALSE(element.Child(L"First"));
+    const std::size_t reports = TakeReports();
+    EXPECT_GE(reports, 1U);
+    root.FailCreation(1);
+    EXPECT_FALSE(element.Child(L"Second"));
+    EXPECT_EQ(TakeReports(), reports);
+}
+
 TEST_F(Wrappers, WriterCountsAChildThatCannotBeAdded)
 {
     ElementWriter element(&root, L"Element");
@@ -107,6 +120,28 @@ TEST_F(Wrappers, ReferenceToNothingLeavesAnElementWithoutAttributes)
     ExpectReports(1);
     ASSERT_TRUE(root.Has(L"Element/Body"));
     EXPECT_EQ(root.Find(L"Element/Body")->GetAttributeCount(), 0U);
+}
+
+TEST_F(Wrappers, ReferenceWithoutAnIdentifierHasItsName)
+{
+    if (!AllocationCounter::Counts)
+        GTEST_SKIP() << "this build cannot let an allocation fail";
+    bool seen = false;
+    for (std::size_t number = 1; number < 20 && !seen; ++number) {
+        const auto entity = TestEntity::create(L"an entity with a name of some length");
+        TestSerializer tree;
+        try {
+            ElementWriter element(&tree, L"Element");
+            AllocationCounter allocations;
+            allocations.FailAllocation(number);
+            element.Reference(L"Body", entity);
+        } catch (const std::bad_alloc&) {
+            continue;
+        }
+        TakeReports();
+        seen = tree.Has(L"Element/Body/@name") && !tree.Has(L"Element/Body/@id");
+    }
+    EXPECT_TRUE(seen);
 }
 
 TEST_F(Wrappers, UnknownReferenceKeepsTheNumberOfItems)

@@ -288,6 +288,36 @@ TEST_F(Serializer, ARoundedDoubleIsTheProductAndNotTheNearestDecimal)
     EXPECT_TRUE(differs);
 }
 
+// Past 2^52 steps a half has no room beside the quotient: adding it rounds odd quotients up.
+TEST_F(Serializer, ALargeDoubleIsSnappedByAddingAHalf)
+{
+    SetPrecision(false);
+    bool differs = false;
+    for (int i = 0; i < 100; ++i) {
+        const double value = 5000.0 + 1e-12 * i;
+        const double quotient = value / 1e-12;
+        EXPECT_EQ(Stored(value), std::floor(quotient + 0.5) * 1e-12);
+        differs = differs || std::floor(quotient + 0.5) != std::round(quotient);
+    }
+    EXPECT_TRUE(differs);
+}
+
+TEST_F(Serializer, AChildOfANodeWithExactDoublesHasThemToo)
+{
+    class Exact : public TestSerializer
+    {
+    public:
+        using TestSerializer::SetExactDoubles;
+    };
+    SetPrecision(false);
+    Exact root;
+    root.SetExactDoubles(true);
+    KARMPSerializer* child = nullptr;
+    EXPECT_EQ(root.AddElement(L"Child", child), KARSuccess);
+    EXPECT_EQ(child->AddAttribute(L"value", 1e-13), KARSuccess);
+    EXPECT_EQ(root.Number(L"Child/@value"), 1e-13);
+}
+
 TEST_F(Serializer, WhatIsNoFiniteNumberStaysOne)
 {
     SetPrecision(false);
