@@ -54,6 +54,16 @@ public:
         return &holder->object;
     }
 
+    /// The bytes taken from the system, in use or not.
+    std::size_t Size() const
+    {
+        std::size_t size = 0;
+        for (const Chunk& chunk : m_chunks) {
+            size += chunk.size;
+        }
+        return size;
+    }
+
     /// Gives everything back.
     void Clear() noexcept
     {
