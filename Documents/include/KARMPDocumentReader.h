@@ -17,8 +17,9 @@
 namespace karmp::documents {
 
 class Document;
-class NodeArena;
+class DocumentSource;
 class TreeBuilder;
+struct SourcePlace;
 
 } // namespace karmp::documents
 
@@ -31,32 +32,27 @@ public:
 
     /// "line:column" of the element's name.
     std::wstring Location() const override;
-    /// Line of the element's name from 1.
-    std::size_t Line() const { return m_line; }
-    /// Byte of the element's name in its line from 1.
-    std::size_t Column() const { return m_column; }
+    /// Line of the element's name from 1, found by a search.
+    std::size_t Line() const;
+    /// Byte of the element's name in its line from 1, found by a search.
+    std::size_t Column() const;
     /// True when the element holds a text, which may be empty where there are no elements.
-    bool HasText() const { return m_hasText; }
+    bool HasText() const { return HasValue(); }
 
     /// The memory of nodes comes from their document and goes with it.
-    static void* operator new(std::size_t size, karmp::documents::NodeArena& arena);
-    static void operator delete(void* memory, karmp::documents::NodeArena& arena);
     static void operator delete(void* memory);
 
 private:
     friend class karmp::documents::Document;
     friend class karmp::documents::TreeBuilder;
     KARMPDocumentReader(const karmp::NodeText& name, const karmp::NodeText& version,
-                        std::uint32_t line, std::uint32_t column)
-        : KARMPDeserializer(name, version),
-          m_line(line),
-          m_column(column & 0x7FFFFFFFU),
-          m_hasText(0)
+                        karmp::NodeMemory& source, std::uint32_t offset)
+        : KARMPDeserializer(name, version, source), m_offset(offset)
     {}
+    karmp::documents::SourcePlace Place() const;
 
-    std::uint32_t m_line;
-    std::uint32_t m_column : 31;
-    std::uint32_t m_hasText : 1;
+    /// Of the element's name in the source.
+    std::uint32_t m_offset;
 };
 
 namespace karmp::documents {
@@ -98,7 +94,7 @@ private:
     friend class TreeBuilder;
     Document(std::string name, const Limits& limits);
 
-    std::unique_ptr<NodeArena> m_arena;
+    std::unique_ptr<DocumentSource> m_source;
     KARMPDocumentReader* m_root = nullptr;
     std::string m_name;
     std::wstring m_version;

@@ -2,10 +2,10 @@
 
 #include "KARMPDocumentNames.h"
 #include "KARMPDocumentPath.h"
+#include "KARMPDocumentSource.h"
 #include "KARMPEntity.h"
 #include "KARMPFailedCheck.h"
 #include "KARMPGenericFactory.h"
-#include "KARMPNodeArena.h"
 #include "KARMPSerializationServices.h"
 #include "KARMPTextEscapes.h"
 #include "KARTextConversion.h"
@@ -523,8 +523,8 @@ void Document::Check()
 void Document::DropWrongReferences()
 {
     for (KARMPDocumentReader* node : m_wrongReferences) {
-        node->PlaceAttribute(karmp::NodeText::Name(L"id", *m_arena),
-                             karmp::NodeText::Copy(m_unusedIdentifier, *m_arena), *m_arena);
+        node->PlaceAttribute(karmp::NodeText::Name(L"id", *m_source),
+                             karmp::NodeText::Copy(m_unusedIdentifier, *m_source));
     }
     m_wrongReferences.clear();
 }

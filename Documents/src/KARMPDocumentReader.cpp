@@ -1,6 +1,6 @@
 #include "KARMPDocumentReader.h"
 
-#include "KARMPNodeArena.h"
+#include "KARMPDocumentSource.h"
 #include "KARMPTreeBuilder.h"
 #include "KARMPVersions.h"
 
@@ -8,27 +8,39 @@
 #include <limits>
 #include <utility>
 
+using karmp::documents::DocumentSource;
+using karmp::documents::SourcePlace;
+
 KARMPDocumentReader::~KARMPDocumentReader() = default;
 
 std::wstring KARMPDocumentReader::Location() const
 {
-    return std::to_wstring(m_line) + L':' + std::to_wstring(m_column);
+    const SourcePlace place = Place();
+    return std::to_wstring(place.line) + L':' + std::to_wstring(place.column);
 }
 
-void* KARMPDocumentReader::operator new(std::size_t size, karmp::documents::NodeArena& arena)
+std::size_t KARMPDocumentReader::Line() const
 {
-    return arena.Allocate(size);
+    return Place().line;
 }
 
-void KARMPDocumentReader::operator delete(void* /*memory*/, karmp::documents::NodeArena& /*arena*/)
-{}
+std::size_t KARMPDocumentReader::Column() const
+{
+    return Place().column;
+}
+
+// The memory that a document's nodes stand in is its source.
+SourcePlace KARMPDocumentReader::Place() const
+{
+    return static_cast<const DocumentSource&>(*Memory()).Lines().Find(m_offset);
+}
 
 void KARMPDocumentReader::operator delete(void* /*memory*/) {}
 
 namespace karmp::documents {
 
 Document::Document(std::string name, const Limits& limits)
-    : m_arena(std::make_unique<NodeArena>()),
+    : m_source(std::make_unique<DocumentSource>()),
       m_name(std::move(name)),
       m_version(CurrentVersion),
       m_limits(limits)
@@ -38,7 +50,7 @@ Document::Document(std::string name, const Limits& limits)
 }
 
 Document::Document(Document&& other) noexcept
-    : m_arena(std::move(other.m_arena)),
+    : m_source(std::move(other.m_source)),
       m_root(std::exchange(other.m_root, nullptr)),
       m_name(std::move(other.m_name)),
       m_version(std::move(other.m_version)),
@@ -52,7 +64,7 @@ Document& Document::operator=(Document&& other) noexcept
 {
     if (this != &other) {
         m_root = std::exchange(other.m_root, nullptr);
-        m_arena = std::move(other.m_arena);
+        m_source = std::move(other.m_source);
         m_name = std::move(other.m_name);
         m_version = std::move(other.m_version);
         m_limits = other.m_limits;
@@ -63,7 +75,7 @@ Document& Document::operator=(Document&& other) noexcept
     return *this;
 }
 
-// The nodes end with the memory that they and all their parts stand in.
+// The nodes end with the source, the memory that they and all their parts stand in.
 Document::~Document() = default;
 
 Document Document::ReadFile(const std::filesystem::path& path, const Limits& limits)

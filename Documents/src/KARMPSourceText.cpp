@@ -1,22 +1,41 @@
 #include "KARMPSourceText.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
+#include <iterator>
 
 namespace karmp::documents {
 
 namespace {
 
-constexpr std::size_t WordSize = sizeof(std::uint64_t);
-constexpr std::uint64_t EachByte = 0x0101010101010101U;
+using Word = std::uint64_t;
+constexpr std::size_t WordSize = sizeof(Word);
+constexpr Word EachByte = 0x0101010101010101U;
 
-// True when no byte of the word is below a blank or above ASCII. A borrow may make a clean word
-// look unclean, never the other way round.
-bool IsCleanWord(const char* bytes)
+// Marks the bytes of a word that are below a blank or above ASCII. A borrow may mark a byte behind
+// a marked one as well, never one in front of it.
+Word UncleanBytes(const char* bytes)
 {
-    std::uint64_t word = 0;
+    Word word = 0;
     std::memcpy(&word, bytes, WordSize);
-    return (((word - EachByte * 0x20U) | word) & (EachByte * 0x80U)) == 0;
+    return ((word - EachByte * 0x20U) | word) & (EachByte * 0x80U);
+}
+
+// The number of clean bytes at the front; it may be less than there are where a word in the order
+// of this machine does not tell.
+std::size_t CleanBytes(std::string_view bytes)
+{
+    std::size_t count = 0;
+    while (bytes.size() - count >= WordSize) {
+        const Word unclean = UncleanBytes(bytes.data() + count);
+        if (unclean != 0) {
+            constexpr bool firstByteIsLowest = std::endian::native == std::endian::little;
+            return count + (firstByteIsLowest ? std::countr_zero(unclean) / 8U : 0U);
+        }
+        count += WordSize;
+    }
+    return count;
 }
 
 // Length of the UTF-8 character at the front, 0 when there is none.
@@ -58,13 +77,8 @@ SourceText::SourceText(std::string_view bytes)
 {
     constexpr std::size_t expectedLine = 16;
     m_lineStarts.reserve(bytes.size() / expectedLine + 1);
-    m_lineStarts.push_back(0);
     std::size_t offset = 0;
-    while (offset < bytes.size()) {
-        if (bytes.size() - offset >= WordSize && IsCleanWord(bytes.data() + offset)) {
-            offset += WordSize;
-            continue;
-        }
+    while ((offset += CleanBytes(bytes.substr(offset))) < bytes.size()) {
         const auto byte = static_cast<unsigned char>(bytes[offset]);
         if (byte >= 0x80) {
             const std::size_t length = CharacterLength(bytes.substr(offset));
@@ -87,24 +101,11 @@ SourceText::SourceText(std::string_view bytes)
     m_faultOffset = offset;
 }
 
-SourcePlace SourceText::PlaceIn(std::size_t line, std::size_t offset) const
-{
-    return {static_cast<std::uint32_t>(line + 1),
-            static_cast<std::uint32_t>(offset - m_lineStarts[line] + 1)};
-}
-
 SourcePlace SourceText::Find(std::size_t offset) const
 {
     const auto after = std::upper_bound(m_lineStarts.begin(), m_lineStarts.end(), offset);
-    return PlaceIn(static_cast<std::size_t>(after - m_lineStarts.begin()) - 1, offset);
-}
-
-SourcePlace SourceText::Next(std::size_t offset)
-{
-    while (m_line + 1 < m_lineStarts.size() && m_lineStarts[m_line + 1] <= offset) {
-        ++m_line;
-    }
-    return PlaceIn(m_line, offset);
+    return {static_cast<std::uint32_t>(after - m_lineStarts.begin()),
+            static_cast<std::uint32_t>(offset - *std::prev(after) + 1)};
 }
 
 } // namespace karmp::documents

@@ -21,6 +21,8 @@ public:
     /// What may be wrong with bytes.
     enum class Fault { None, NotUtf8, ControlCharacter };
 
+    /// An empty text.
+    SourceText() = default;
     /// Goes through the bytes, which may change afterwards, up to the first fault. At most 4 GiB
     /// less one.
     explicit SourceText(std::string_view bytes);
@@ -31,14 +33,9 @@ public:
 
     /// The place of any offset.
     SourcePlace Find(std::size_t offset) const;
-    /// The same for offsets asked for in ascending order, without a search.
-    SourcePlace Next(std::size_t offset);
 
 private:
-    SourcePlace PlaceIn(std::size_t line, std::size_t offset) const;
-
-    std::vector<std::uint32_t> m_lineStarts;
-    std::size_t m_line = 0;
+    std::vector<std::uint32_t> m_lineStarts{0};
     Fault m_fault = Fault::None;
     std::size_t m_faultOffset = 0;
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <charconv>
 #include <cstddef>
 #include <cstdint>
@@ -248,17 +249,16 @@ bool IsSelfStanding(char byte)
            static_cast<unsigned char>(byte) >= 0x20;
 }
 
-// The same for eight bytes. A borrow may make a word look as if it held what it does not, never the
-// other way round.
-bool IsSelfStandingWord(const char* bytes)
+// Marks those of eight bytes that are not self-standing. A borrow may mark a byte behind a marked
+// one as well, never one in front of it.
+std::uint64_t MarkSpecial(const char* bytes)
 {
     constexpr std::uint64_t each = 0x0101010101010101U;
     std::uint64_t word = 0;
     std::memcpy(&word, bytes, sizeof word);
     const std::uint64_t notAnd = word ^ each * static_cast<unsigned char>('&');
     const std::uint64_t notBackslash = word ^ each * static_cast<unsigned char>('\\');
-    return (((word - each * 0x20U) | word | (notAnd - each) | (notBackslash - each)) &
-            each * 0x80U) == 0;
+    return ((word - each * 0x20U) | word | (notAnd - each) | (notBackslash - each)) & each * 0x80U;
 }
 
 // Appends the leading characters that stand for themselves and gives their number: mostly all.
@@ -354,12 +354,23 @@ bool AppendDecoded(std::wstring& text, std::string_view raw, TextPlace place)
     return known;
 }
 
-bool StandsForItself(std::string_view raw)
+bool StandsForItself(const char* raw, const char* end)
 {
-    while (raw.size() >= sizeof(std::uint64_t) && IsSelfStandingWord(raw.data())) {
-        raw.remove_prefix(sizeof(std::uint64_t));
+    constexpr auto wordSize = static_cast<std::ptrdiff_t>(sizeof(std::uint64_t));
+    while (end - raw >= wordSize) {
+        const std::uint64_t special = MarkSpecial(raw);
+        if (special != 0) {
+            if constexpr (std::endian::native == std::endian::little) {
+                raw += std::countr_zero(special) / 8;
+            }
+            break;
+        }
+        raw += wordSize;
     }
-    return std::all_of(raw.begin(), raw.end(), IsSelfStanding);
+    while (IsSelfStanding(*raw)) {
+        ++raw;
+    }
+    return *raw == '\0';
 }
 
 void AppendDecodedCData(std::wstring& text, std::string_view raw)

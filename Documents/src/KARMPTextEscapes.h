@@ -22,8 +22,9 @@ void AppendEscaped(std::string& bytes, std::wstring_view text, TextPlace place);
 /// holds an "&" that begins no known reference; that one is kept as it stands.
 bool AppendDecoded(std::wstring& text, std::string_view raw, TextPlace place);
 
-/// True when raw UTF-8 is ASCII that AppendDecoded appends as it is, in either place.
-bool StandsForItself(std::string_view raw);
+/// True when the raw UTF-8 from `raw` up to a null is ASCII that AppendDecoded appends as it is, in
+/// either place. The null may stand at `end`, at the latest.
+bool StandsForItself(const char* raw, const char* end);
 
 /// Appends the characters of a CDATA section.
 void AppendDecodedCData(std::wstring& text, std::string_view raw);

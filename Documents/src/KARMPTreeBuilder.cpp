@@ -3,7 +3,6 @@
 #include "KARMPDocumentNames.h"
 #include "KARMPDocuments.h"
 #include "KARMPFileAccess.h"
-#include "KARMPNodeArena.h"
 
 #include <algorithm>
 #include <cstring>
@@ -11,15 +10,13 @@
 #include <new>
 #include <span>
 #include <stdexcept>
+#include <utility>
 
 namespace karmp::documents {
 
 namespace {
 
 constexpr std::string_view Blanks = " \t\r\n";
-
-// Values up to this length are likely to occur again: "0", "true", "yes".
-constexpr std::size_t LongestRepeated = 5;
 
 // No references, line ends or blanks are touched by the parser: they are decoded afterwards, where
 // a literal blank and a reference to one can still be told apart.
@@ -46,10 +43,11 @@ std::string_view Trimmed(std::string_view text)
     return text.substr(first, text.find_last_not_of(Blanks) - first + 1);
 }
 
-bool HasElements(const pugi::xml_node& source)
+// Tells of a node and those behind it.
+bool HaveElements(pugi::xml_node node)
 {
-    for (pugi::xml_node child = source.first_child(); child; child = child.next_sibling()) {
-        if (child.type() == pugi::node_element) {
+    for (; node; node = node.next_sibling()) {
+        if (node.type() == pugi::node_element) {
             return true;
         }
     }
@@ -101,7 +99,7 @@ Document TreeBuilder::ReadFile(const std::filesystem::path& path, const Limits& 
     try {
         std::string text;
         if (ReadWholeFile(path, document.m_limits.bytes, text, messages)) {
-            TreeBuilder(document, text).Run();
+            TreeBuilder(document, std::move(text)).Run();
         }
     } catch (const std::bad_alloc&) {
         messages.Error(Code::OutOfMemory, "memory ended while the file was read");
@@ -112,26 +110,26 @@ Document TreeBuilder::ReadFile(const std::filesystem::path& path, const Limits& 
 Document TreeBuilder::ReadText(std::string text, std::string name, const Limits& limits)
 {
     Document document(std::move(name), limits);
-    TreeBuilder(document, text).Run();
+    TreeBuilder(document, std::move(text)).Run();
     return document;
 }
 
-TreeBuilder::TreeBuilder(Document& document, std::string& text)
+TreeBuilder::TreeBuilder(Document& document, std::string text)
     : m_document(document),
+      m_source(*document.m_source),
       m_messages(document.m_messages, document.m_name, document.m_limits.diagnostics),
-      m_text(text),
-      m_memory(*document.m_arena),
-      m_names(m_memory, RepeatedTexts::Kind::Names),
-      m_values(m_memory, RepeatedTexts::Kind::Values)
-{}
+      m_names(m_source)
+{
+    m_source.Text() = std::move(text);
+}
 
 void TreeBuilder::Run()
 {
     bool complete = false;
     try {
         if (CheckBytes()) {
-            SourceText lines(m_text);
-            complete = Parse(lines);
+            m_source.FindLines();
+            complete = Parse();
         }
     } catch (const std::bad_alloc&) {
         m_messages.Error(Code::OutOfMemory, "memory ended while the document was read");
@@ -140,8 +138,14 @@ void TreeBuilder::Run()
     }
     if (!complete) {
         m_document.m_root = nullptr;
-        m_document.m_arena->Clear();
+        m_source.Clear();
+        m_source.Text() = std::string();
     }
+}
+
+SourcePlace TreeBuilder::PlaceOf(const char* text) const
+{
+    return m_source.Lines().Find(static_cast<std::size_t>(text - m_source.Text().data()));
 }
 
 bool TreeBuilder::Fail(Code code, std::string text, SourcePlace place, std::string path)
@@ -152,7 +156,7 @@ bool TreeBuilder::Fail(Code code, std::string text, SourcePlace place, std::stri
 
 bool TreeBuilder::CheckBytes()
 {
-    const std::string_view text = m_text;
+    const std::string_view text = m_source.Text();
     if (text.size() > m_document.m_limits.bytes) {
         m_messages.Error(Code::TooLarge, "the document is larger than the limit of " +
                                              std::to_string(m_document.m_limits.bytes) + " bytes");
@@ -168,29 +172,31 @@ bool TreeBuilder::CheckBytes()
     return true;
 }
 
-bool TreeBuilder::Parse(SourceText& lines)
+bool TreeBuilder::Parse()
 {
+    const SourceText& lines = m_source.Lines();
     if (lines.Found() != SourceText::Fault::None) {
         const bool notUtf8 = lines.Found() == SourceText::Fault::NotUtf8;
         return Fail(Code::Encoding,
                     notUtf8 ? "the bytes are no UTF-8" : "a control character that XML cannot hold",
                     lines.Find(lines.FaultOffset()));
     }
+    std::string& text = m_source.Text();
     const pugi::xml_parse_result result =
-        m_source.load_buffer_inplace(m_text.data(), m_text.size(), ParseFlags, pugi::encoding_utf8);
+        m_parsed.load_buffer_inplace(text.data(), text.size(), ParseFlags, pugi::encoding_utf8);
     if (!result) {
-        return TellParseError(result, lines);
+        return TellParseError(result);
     }
     pugi::xml_node root;
-    return FindRoot(lines, root) && ReadVersion(root, lines) && BuildTree(root, lines);
+    return FindRoot(root) && ReadVersion(root) && BuildTree(root);
 }
 
-bool TreeBuilder::TellParseError(const pugi::xml_parse_result& result, SourceText& lines)
+bool TreeBuilder::TellParseError(const pugi::xml_parse_result& result)
 {
     if (result.status == pugi::status_out_of_memory) {
         throw std::bad_alloc();
     }
-    const SourcePlace place = lines.Find(static_cast<std::size_t>(result.offset));
+    const SourcePlace place = m_source.Lines().Find(static_cast<std::size_t>(result.offset));
     if (result.status == pugi::status_bad_doctype) {
         return Fail(Code::Doctype, "a document type declaration is refused", place);
     }
@@ -210,16 +216,13 @@ bool TreeBuilder::CheckDeclaration(const pugi::xml_node& declaration)
                 {});
 }
 
-bool TreeBuilder::FindRoot(SourceText& lines, pugi::xml_node& root)
+bool TreeBuilder::FindRoot(pugi::xml_node& root)
 {
-    const auto place = [this, &lines](const char* text) {
-        return lines.Find(static_cast<std::size_t>(text - m_text.data()));
-    };
-    for (pugi::xml_node node = m_source.first_child(); node; node = node.next_sibling()) {
+    for (pugi::xml_node node = m_parsed.first_child(); node; node = node.next_sibling()) {
         switch (node.type()) {
         case pugi::node_doctype:
             return Fail(Code::Doctype, "a document type declaration is refused",
-                        place(node.value()));
+                        PlaceOf(node.value()));
         case pugi::node_declaration:
             if (!CheckDeclaration(node)) {
                 return false;
@@ -227,17 +230,18 @@ bool TreeBuilder::FindRoot(SourceText& lines, pugi::xml_node& root)
             break;
         case pugi::node_element:
             if (root) {
-                return Fail(Code::Syntax, "there is a second root element", place(node.name()));
+                return Fail(Code::Syntax, "there is a second root element", PlaceOf(node.name()));
             }
             root = node;
             break;
         default:
             return Fail(Code::Syntax, "there is text outside the root element",
-                        place(node.value() + LeadingBlanks(node.value())));
+                        PlaceOf(node.value() + LeadingBlanks(node.value())));
         }
     }
     if (!root) {
-        return Fail(Code::Syntax, "there is no root element", lines.Find(m_text.size() - 1));
+        return Fail(Code::Syntax, "there is no root element",
+                    m_source.Lines().Find(m_source.Text().size() - 1));
     }
     if (RootName != root.name()) {
         std::wstring name;
@@ -245,15 +249,15 @@ bool TreeBuilder::FindRoot(SourceText& lines, pugi::xml_node& root)
         return Fail(Code::WrongRoot,
                     "the root element is " + Quoted(name) + " instead of \"" +
                         std::string(RootName) + "\"",
-                    place(root.name()));
+                    PlaceOf(root.name()));
     }
     return true;
 }
 
-bool TreeBuilder::ReadVersion(const pugi::xml_node& root, SourceText& lines)
+bool TreeBuilder::ReadVersion(const pugi::xml_node& root)
 {
     constexpr const char* rootPath = "/KARMPDocument";
-    const SourcePlace place = lines.Find(static_cast<std::size_t>(root.name() - m_text.data()));
+    const SourcePlace place = PlaceOf(root.name());
     const pugi::xml_attribute version = root.attribute("version");
     if (!version) {
         m_messages.Warning(Code::MissingVersion,
@@ -272,12 +276,10 @@ bool TreeBuilder::ReadVersion(const pugi::xml_node& root, SourceText& lines)
     return true;
 }
 
-// Walks the parsed form and gives its parts back when they are read: an element together with those
-// of its children that have none themselves.
-bool TreeBuilder::BuildTree(pugi::xml_node root, SourceText& lines)
+bool TreeBuilder::BuildTree(pugi::xml_node root)
 {
-    m_version = karmp::NodeText::Name(m_document.m_version, m_memory);
-    if (!Enter(root, lines)) {
+    m_version = karmp::NodeText::Name(m_document.m_version, m_source);
+    if (!Enter(root)) {
         return false;
     }
     while (!m_levels.empty()) {
@@ -290,59 +292,50 @@ bool TreeBuilder::BuildTree(pugi::xml_node root, SourceText& lines)
         level.next = child.next_sibling();
         if (child.type() != pugi::node_element) {
             ReadText(level, child);
-        } else if (!Enter(child, lines)) {
+        } else if (!Enter(child)) {
             return false;
         }
     }
     return true;
 }
 
-bool TreeBuilder::CountNode(SourcePlace place)
+bool TreeBuilder::TellTooMany(SourcePlace place)
 {
-    if (++m_nodes > m_document.m_limits.nodes) {
-        return Fail(Code::TooManyNodes,
-                    "there are more elements and attributes than the limit of " +
-                        std::to_string(m_document.m_limits.nodes),
-                    place, Path());
-    }
-    return true;
+    return Fail(Code::TooManyNodes,
+                "there are more elements and attributes than the limit of " +
+                    std::to_string(m_document.m_limits.nodes),
+                place, Path());
 }
 
-bool TreeBuilder::WideName(const char* name, const KARMPDocumentReader* node, SourcePlace place)
+bool TreeBuilder::TellTooLong(std::string_view name, std::string_view kind, SourcePlace place)
 {
-    const std::string_view bytes = name;
-    if (bytes.size() > m_document.m_limits.nameLength) {
-        std::wstring start;
-        AppendDecodedCData(start, bytes.substr(0, 100));
-        return Fail(Code::NameTooLong,
-                    std::string(node != nullptr ? "the attribute" : "the element") + " name " +
-                        Quoted(start) + " is longer than the limit of " +
-                        std::to_string(m_document.m_limits.nameLength) + " bytes",
-                    place, Path());
-    }
-    m_name = &m_names.Get(bytes);
-    return true;
+    std::wstring start;
+    AppendDecodedCData(start, name.substr(0, 100));
+    return Fail(Code::NameTooLong,
+                "the " + std::string(kind) + " name " + Quoted(start) +
+                    " is longer than the limit of " +
+                    std::to_string(m_document.m_limits.nameLength) + " bytes",
+                place, Path());
 }
 
-karmp::NodeText TreeBuilder::ValueText(std::wstring_view text)
+bool TreeBuilder::Enter(pugi::xml_node source)
 {
-    return karmp::NodeText::Copy(text, m_memory);
-}
-
-bool TreeBuilder::Enter(pugi::xml_node source, SourceText& lines)
-{
-    const SourcePlace place = lines.Next(static_cast<std::size_t>(source.name() - m_text.data()));
+    const std::string_view name = source.name();
     if (m_levels.size() >= m_document.m_limits.depth) {
         return Fail(Code::TooDeep,
                     "an element stands deeper than the limit of " +
                         std::to_string(m_document.m_limits.depth),
-                    place, Path());
+                    PlaceOf(name.data()), Path());
     }
-    if (!CountNode(place) || !WideName(source.name(), nullptr, place)) {
-        return false;
+    if (!CountNode()) {
+        return TellTooMany(PlaceOf(name.data()));
     }
-    auto* const node =
-        new (m_memory) KARMPDocumentReader(*m_name, m_version, place.line, place.column);
+    if (name.size() > m_document.m_limits.nameLength) {
+        return TellTooLong(name, "element", PlaceOf(name.data()));
+    }
+    const auto offset = static_cast<std::uint32_t>(name.data() - m_source.Text().data());
+    auto* const node = ::new (m_source.Allocate(sizeof(KARMPDocumentReader)))
+        KARMPDocumentReader(m_names.Get(name), m_version, m_source, offset);
     if (m_levels.empty()) {
         m_document.m_root = node;
     } else {
@@ -350,16 +343,18 @@ bool TreeBuilder::Enter(pugi::xml_node source, SourceText& lines)
     }
 
     const pugi::xml_node first = source.first_child();
-    const bool hasElements = first && HasElements(source);
     m_levels.push_back(
-        {source, first, node, m_children.size(), m_texts.size(), hasElements, false});
+        {source, first, node, m_children.size(), m_texts.size(), HaveElements(first), false});
     if (source.first_attribute() && !ReadAttributes(source, *node)) {
         return false;
     }
     const char* const text = source.value();
     if (!first) {
-        node->PlaceValue(Decode(text, TextPlace::Element, *node, {}));
-        node->m_hasText = 1;
+        if (StandsForItself(text)) {
+            node->PlaceValue(karmp::AsciiText{text});
+        } else {
+            node->PlaceValue(Decode(text, TextPlace::Element, *node, nullptr));
+        }
         m_levels.pop_back();
     } else if (*text != '\0') {
         ReadText(m_levels.back(), source);
@@ -372,15 +367,12 @@ void TreeBuilder::Leave()
     const Level level = m_levels.back();
     m_levels.pop_back();
     if (level.hasText || !level.hasElements) {
-        level.node->PlaceValue(ValueText(std::wstring_view(m_texts).substr(level.textStart)));
-        level.node->m_hasText = 1;
+        const std::wstring_view text = std::wstring_view(m_texts).substr(level.textStart);
+        level.node->PlaceValue(karmp::NodeText::Copy(text, m_source));
         m_texts.resize(level.textStart);
     }
-    level.node->PlaceElements(std::span(m_children).subspan(level.firstChild), m_memory);
+    level.node->PlaceElements(std::span(m_children).subspan(level.firstChild));
     m_children.resize(level.firstChild);
-    if (!m_levels.empty()) {
-        m_levels.back().source.remove_child(level.source);
-    }
 }
 
 // Where there are elements as well, literal blanks at the ends of a text are indentation.
@@ -406,52 +398,53 @@ void TreeBuilder::ReadText(Level& level, const pugi::xml_node& source)
 
 bool TreeBuilder::ReadAttributes(const pugi::xml_node& source, KARMPDocumentReader& node)
 {
-    const SourcePlace place{node.m_line, node.m_column};
-    for (pugi::xml_attribute attribute = source.first_attribute(); attribute;
-         attribute = attribute.next_attribute()) {
-        if (!CountNode(place) || !WideName(attribute.name(), &node, place)) {
-            return false;
+    const auto attributes = source.attributes();
+    const auto count = std::distance(attributes.begin(), attributes.end());
+    node.PlaceAttributeRoom(static_cast<std::size_t>(count));
+    for (const pugi::xml_attribute& attribute : attributes) {
+        const std::string_view bytes = attribute.name();
+        if (!CountNode()) {
+            return TellTooMany(node.Place());
         }
-        const karmp::NodeText& name = *m_name;
-        if (node.GetAttributeCount() > 0 && node.HasAttribute(name.View())) {
+        if (bytes.size() > m_document.m_limits.nameLength) {
+            return TellTooLong(bytes, "attribute", node.Place());
+        }
+        const karmp::NodeText& name = m_names.Get(bytes);
+        const char* const raw = attribute.value();
+        const bool isNew =
+            StandsForItself(raw)
+                ? node.PlaceAttribute(name, karmp::AsciiText{raw})
+                : node.PlaceAttribute(name, Decode(raw, TextPlace::Attribute, node, bytes.data()));
+        if (!isNew) {
             m_messages.Error(Code::DuplicateAttribute,
                              "the attribute " + Quoted(name.View()) +
                                  " stands twice; the last one is taken",
                              Path(), node.Line(), node.Column());
         }
-        node.PlaceAttribute(name,
-                            Decode(attribute.value(), TextPlace::Attribute, node, attribute.name()),
-                            m_memory);
     }
     return true;
 }
 
-karmp::NodeText TreeBuilder::Decode(const char* raw, TextPlace place,
-                                    const KARMPDocumentReader& node, std::string_view attribute)
+bool TreeBuilder::StandsForItself(const char* raw) const
 {
-    const std::string_view bytes = raw;
-    if (bytes.empty()) {
-        return {};
-    }
-    // The table holds no text but those that stand for themselves.
-    const bool mayRepeat = bytes.size() <= LongestRepeated;
-    if (const karmp::NodeText* const known = mayRepeat ? m_values.Find(bytes) : nullptr) {
-        return *known;
-    }
-    if (StandsForItself(bytes)) {
-        return mayRepeat ? m_values.Get(bytes) : karmp::NodeText::Widen(bytes, m_memory);
-    }
+    const std::string& text = m_source.Text();
+    return documents::StandsForItself(raw, text.data() + text.size());
+}
+
+karmp::NodeText TreeBuilder::Decode(const char* raw, TextPlace place,
+                                    const KARMPDocumentReader& node, const char* attribute)
+{
     m_value.clear();
     if (!AppendDecoded(m_value, raw, place)) {
         std::string path = Path();
-        if (!attribute.empty()) {
+        if (attribute != nullptr) {
             path += "/@";
             path += attribute;
         }
         m_messages.Error(Code::Reference, "a text holds an unknown reference", std::move(path),
                          node.Line(), node.Column());
     }
-    return ValueText(m_value);
+    return karmp::NodeText::Copy(m_value, m_source);
 }
 
 // Counts the children of a level up to one of them that have its name.

@@ -2,10 +2,9 @@
 #pragma once
 
 #include "KARMPDocumentReader.h"
+#include "KARMPDocumentSource.h"
 #include "KARMPMessages.h"
-#include "KARMPNodeArena.h"
-#include "KARMPRepeatedTexts.h"
-#include "KARMPSourceText.h"
+#include "KARMPRepeatedNames.h"
 #include "KARMPTextEscapes.h"
 
 #include <pugixml.hpp>
@@ -16,7 +15,7 @@
 
 namespace karmp::documents {
 
-/// The parsed form goes away while the tree is built, so that never both are whole in memory.
+/// The tree refers to the bytes of the document for what stands for itself there.
 class TreeBuilder
 {
 public:
@@ -39,42 +38,41 @@ private:
         bool hasText;
     };
 
-    TreeBuilder(Document& document, std::string& text);
+    TreeBuilder(Document& document, std::string text);
 
     void Run();
     bool CheckBytes();
-    bool Parse(SourceText& lines);
-    bool TellParseError(const pugi::xml_parse_result& result, SourceText& lines);
-    bool FindRoot(SourceText& lines, pugi::xml_node& root);
+    bool Parse();
+    bool TellParseError(const pugi::xml_parse_result& result);
+    bool FindRoot(pugi::xml_node& root);
     bool CheckDeclaration(const pugi::xml_node& declaration);
-    bool ReadVersion(const pugi::xml_node& root, SourceText& lines);
-    bool BuildTree(pugi::xml_node root, SourceText& lines);
-    bool Enter(pugi::xml_node source, SourceText& lines);
+    bool ReadVersion(const pugi::xml_node& root);
+    bool BuildTree(pugi::xml_node root);
+    bool Enter(pugi::xml_node source);
     void Leave();
     bool ReadAttributes(const pugi::xml_node& source, KARMPDocumentReader& node);
     void ReadText(Level& level, const pugi::xml_node& source);
+    bool StandsForItself(const char* raw) const;
     karmp::NodeText Decode(const char* raw, TextPlace place, const KARMPDocumentReader& node,
-                           std::string_view attribute);
-    karmp::NodeText ValueText(std::wstring_view text);
-    bool WideName(const char* name, const KARMPDocumentReader* node, SourcePlace place);
-    bool CountNode(SourcePlace place);
+                           const char* attribute);
+    bool CountNode() { return ++m_nodes <= m_document.m_limits.nodes; }
+    bool TellTooMany(SourcePlace place);
+    bool TellTooLong(std::string_view name, std::string_view kind, SourcePlace place);
     bool Fail(Code code, std::string text, SourcePlace place, std::string path = {});
+    SourcePlace PlaceOf(const char* text) const;
     std::size_t NumberOfName(const Level& parent, const Level& child) const;
     std::string Path() const;
 
     Document& m_document;
+    DocumentSource& m_source;
     Messages m_messages;
-    std::string& m_text;
-    pugi::xml_document m_source;
+    pugi::xml_document m_parsed;
     std::vector<Level> m_levels;
     std::vector<KARMPDeserializer*> m_children;
     std::wstring m_texts;
     std::size_t m_nodes = 0;
-    NodeArena& m_memory;
-    RepeatedTexts m_names;
-    RepeatedTexts m_values;
+    RepeatedNames m_names;
     karmp::NodeText m_version;
-    const karmp::NodeText* m_name = nullptr;
     std::wstring m_value;
 };
 

@@ -63,13 +63,10 @@ public:
     /// True when there is a child of the name.
     bool HasElement(std::wstring_view name) const;
     /// Number of attributes.
-    std::size_t GetAttributeCount() const { return m_attributes.size(); }
+    std::size_t GetAttributeCount() const;
     /// The name of an attribute in the order of addition, valid for as long as the node. The index
     /// is not checked.
-    std::wstring_view GetAttributeId(std::size_t index) const
-    {
-        return m_attributes[index].name.View();
-    }
+    std::wstring_view GetAttributeId(std::size_t index) const;
 
     /// Converts an attribute as GetValue does; a missing one is KARFailure without a report.
     KARStatus GetAttribute(std::wstring_view name, std::wstring& value) const;
@@ -134,51 +131,63 @@ protected:
 
     /// The same for a subclass whose nodes stand in one memory for a whole tree: the texts and the
     /// lists of the nodes stand there as well, so that the tree may end with the memory, without
-    /// its nodes being destroyed one by one.
-    KARMPDeserializer(const karmp::NodeText& name, const karmp::NodeText& version)
-        : m_name(name), m_version(version)
+    /// its nodes being destroyed one by one. Such a node is filled by the operations below alone.
+    KARMPDeserializer(const karmp::NodeText& name, const karmp::NodeText& version,
+                      karmp::NodeMemory& memory)
+        : m_memory(&memory), m_name(name), m_version(version)
     {}
+    void PlaceValue(karmp::AsciiText value) { m_value.emplace<karmp::AsciiText>(value); }
     void PlaceValue(karmp::NodeText value) { m_value.emplace<karmp::NodeText>(std::move(value)); }
+    /// True when a value was set.
+    bool HasValue() const { return m_value.index() != 0; }
+    /// Makes room for so many attributes, and none for others.
+    void PlaceAttributeRoom(std::size_t count);
+    /// Adds an attribute. False when its value took the place of an earlier one.
+    bool PlaceAttribute(const karmp::NodeText& name, karmp::AsciiText value);
+    bool PlaceAttribute(const karmp::NodeText& name, karmp::NodeText value);
     /// Adds children, each under its own name.
-    void PlaceElements(std::span<KARMPDeserializer* const> children, karmp::NodeMemory& memory);
-    /// Returns false when the value took the place of an earlier one.
-    bool PlaceAttribute(const karmp::NodeText& name, karmp::NodeText value,
-                        karmp::NodeMemory& memory);
+    void PlaceElements(std::span<KARMPDeserializer* const> children);
+    /// The memory of the tree, null for a node that owns what it holds.
+    karmp::NodeMemory* Memory() const { return m_memory; }
 
 private:
+    struct Attribute;
     struct Child;
     struct Group;
     struct Groups;
-    struct Branch;
+    struct Content;
     /// Ends what stands in a tree's memory or in memory of its own.
     struct Release
     {
-        void operator()(Branch* branch) const noexcept;
+        void operator()(Content* content) const noexcept;
     };
 
     void SetBoolValue(bool value);
     void AddBoolAttributeValue(std::wstring_view name, bool value);
-    void PutAttribute(std::wstring_view name, karmp::NodeValue&& value);
-    void AppendAttribute(karmp::NodeAttribute&& attribute, karmp::NodeMemory* memory);
-    const karmp::NodeAttribute* FindAttribute(std::wstring_view name) const;
+    void PutAttribute(std::wstring_view name, karmp::ReadValue&& value);
+    /// The value of an attribute, null when there is none.
+    karmp::ReadValue* FindAttribute(std::wstring_view name) const;
+    template <class Value>
+    bool PlaceAttributeOf(const karmp::NodeText& name, Value&& value);
     template <class T>
     KARStatus ConvertAttribute(std::wstring_view name, T& value) const;
     template <class T>
     KARStatus ConvertElement(std::wstring_view name, const KARMPDeserializer*& child,
                              T& value) const;
-    static KARStatus GetAttrVal(const karmp::NodeValue& stored, std::wstring& value);
-    static KARStatus GetAttrVal(const karmp::NodeValue& stored, std::wstring_view& value);
-    static KARStatus GetAttrVal(const karmp::NodeValue& stored, int& value);
-    static KARStatus GetAttrVal(const karmp::NodeValue& stored, double& value);
-    static KARStatus GetAttrVal(const karmp::NodeValue& stored, bool& value);
+    static KARStatus GetAttrVal(const karmp::ReadValue& stored, std::wstring& value);
+    KARStatus GetAttrVal(karmp::ReadValue& stored, std::wstring_view& value) const;
+    static KARStatus GetAttrVal(const karmp::ReadValue& stored, int& value);
+    static KARStatus GetAttrVal(const karmp::ReadValue& stored, double& value);
+    static KARStatus GetAttrVal(const karmp::ReadValue& stored, bool& value);
     KARMPDeserializer* NextElement(std::wstring_view name) const;
-    Branch& NeedBranch(karmp::NodeMemory* memory);
+    Content& NeedContent();
     void Clean() noexcept;
 
+    karmp::NodeMemory* m_memory = nullptr;
     karmp::NodeText m_name;
-    karmp::NodeValue m_value;
-    karmp::NodeArray<karmp::NodeAttribute> m_attributes;
-    /// Children and indexes: what most nodes do not have.
-    std::unique_ptr<Branch, Release> m_branch;
     karmp::NodeText m_version;
+    /// A narrow text turns into a wide one when it is asked for as such.
+    mutable karmp::ReadValue m_value;
+    /// Attributes and children: what most nodes do not have.
+    std::unique_ptr<Content, Release> m_content;
 };

@@ -88,6 +88,9 @@ public:
                ((left.m_bits & right.m_bits & IsShared) == 0 && left.View() == right.View());
     }
 
+    /// What tells a name of the process's table from any other one; 0 for a text that is not there.
+    std::uintptr_t SharedIdentity() const { return (m_bits & IsShared) != 0 ? m_bits : 0; }
+
 private:
     struct Block
     {
@@ -153,6 +156,18 @@ struct NodeAttribute
     NodeText name;
     NodeValue value;
 };
+
+/// A text of ASCII characters up to a null, which its owner keeps for as long as the node that
+/// holds it: the bytes of a document, say. It is made wide when it is asked for as a wide text.
+struct AsciiText
+{
+    const char* characters = nullptr;
+
+    std::string_view View() const { return characters; }
+};
+
+/// A value as a node holds it that is read: numbers are read from narrow characters as they stand.
+using ReadValue = std::variant<std::monostate, bool, std::int32_t, double, NodeText, AsciiText>;
 
 /// A growing list in the room of one pointer.
 template <class T>

@@ -4,12 +4,14 @@
 #include "KARMPNodeTeardown.h"
 
 #include <algorithm>
+#include <array>
+#include <cstring>
 #include <unordered_map>
 #include <utility>
 
-using karmp::NodeAttribute;
+using karmp::AsciiText;
 using karmp::NodeText;
-using karmp::NodeValue;
+using karmp::ReadValue;
 
 namespace {
 
@@ -62,15 +64,24 @@ struct NameIndex : Placed
 
 using OwnedIndex = std::unique_ptr<NameIndex, NameIndex::End>;
 
-std::wstring_view NameOf(const NodeAttribute& attribute)
-{
-    return attribute.name.View();
-}
-
-// Names of the process's table are equal when they are the same.
+// Names are short: two characters at a time are compared sooner than by a call.
 bool SameName(std::wstring_view left, std::wstring_view right)
 {
-    return left.size() == right.size() && (left.data() == right.data() || left == right);
+    if (left.size() != right.size()) {
+        return false;
+    }
+    using Pair = std::array<wchar_t, 2>;
+    std::size_t place = 0;
+    for (; place + 1 < left.size(); place += 2) {
+        Pair leftPair;
+        Pair rightPair;
+        std::memcpy(leftPair.data(), left.data() + place, sizeof(Pair));
+        std::memcpy(rightPair.data(), right.data() + place, sizeof(Pair));
+        if (leftPair != rightPair) {
+            return false;
+        }
+    }
+    return place == left.size() || left[place] == right[place];
 }
 
 // The element of a name, null when there is none.
@@ -145,6 +156,15 @@ std::wstring_view ViewOf(const wchar_t* text)
 }
 
 } // namespace
+
+/// A name with a value.
+struct KARMPDeserializer::Attribute
+{
+    friend std::wstring_view NameOf(const Attribute& attribute) { return attribute.name.View(); }
+
+    NodeText name;
+    mutable ReadValue value;
+};
 
 /// A child and the name that it stands under.
 struct KARMPDeserializer::Child
@@ -250,30 +270,80 @@ void KARMPDeserializer::Groups::Append(std::wstring_view name, KARMPDeserializer
 
 /// What a leaf does without. Most other nodes are records: a few children, each of a name of its
 /// own, which are found in their list; they have no groups.
-struct KARMPDeserializer::Branch : Placed
+struct KARMPDeserializer::Content : Placed
 {
-    void Append(NodeText name, KARMPDeserializer* child, karmp::NodeMemory* memory);
+    const Attribute* FindAttribute(std::wstring_view name) const
+    {
+        return FindNamed(attributes, attributeIndex.get(), name);
+    }
+    const Attribute* FindAttribute(const NodeText& name) const;
+    void Append(Attribute&& attribute, karmp::NodeMemory* memory);
     const Child* Find(std::wstring_view name) const
     {
         return FindNext(children, nullptr, likely, name);
     }
+    void Append(NodeText name, KARMPDeserializer* child, karmp::NodeMemory* memory);
+    /// Appends nodes under their own names when they, and no others, are a record: a few names of
+    /// the process's table, each one once. Otherwise false, and nothing is done.
+    bool AppendRecord(std::span<KARMPDeserializer* const> nodes);
     bool NeedsGroupsWith(const NodeText& name) const;
     void MakeGroups(karmp::NodeMemory* memory);
 
     mutable std::uint32_t likely = 0;
+    karmp::NodeArray<Attribute> attributes;
+    OwnedIndex attributeIndex;
     karmp::NodeArray<Child> children;
     std::unique_ptr<Groups, EndPlaced> groups;
-    OwnedIndex attributes;
 };
 
-bool KARMPDeserializer::Branch::NeedsGroupsWith(const NodeText& name) const
+// The same for a name of the process's table, as most are: a few are told apart by their identity.
+const KARMPDeserializer::Attribute* KARMPDeserializer::Content::FindAttribute(
+    const NodeText& name) const
+{
+    if (attributeIndex) {
+        return FindAttribute(name.View());
+    }
+    const auto* const found =
+        std::find_if(attributes.begin(), attributes.end(),
+                     [&name](const Attribute& attribute) { return attribute.name == name; });
+    return found != attributes.end() ? found : nullptr;
+}
+
+// The room for the attribute was made before.
+void KARMPDeserializer::Content::Append(Attribute&& attribute, karmp::NodeMemory* memory)
+{
+    IndexNext(attributeIndex, attributes, attribute.name.View(), memory);
+    attributes.Append(std::move(attribute));
+}
+
+bool KARMPDeserializer::Content::NeedsGroupsWith(const NodeText& name) const
 {
     return children.size() >= LongestScan ||
            std::any_of(children.begin(), children.end(),
                        [&name](const Child& child) { return child.name == name; });
 }
 
-void KARMPDeserializer::Branch::MakeGroups(karmp::NodeMemory* memory)
+// The room for the children was made before, so that this cannot fail.
+bool KARMPDeserializer::Content::AppendRecord(std::span<KARMPDeserializer* const> nodes)
+{
+    if (children.size() > 0 || nodes.size() > LongestScan) {
+        return false;
+    }
+    std::array<std::uintptr_t, LongestScan> names;
+    for (std::size_t place = 0; place < nodes.size(); ++place) {
+        names[place] = nodes[place]->m_name.SharedIdentity();
+        const auto* const former = std::find(names.begin(), names.begin() + place, names[place]);
+        if (names[place] == 0 || former != names.begin() + place) {
+            return false;
+        }
+    }
+    for (KARMPDeserializer* const node : nodes) {
+        children.Append({node->m_name, node});
+    }
+    return true;
+}
+
+void KARMPDeserializer::Content::MakeGroups(karmp::NodeMemory* memory)
 {
     std::unique_ptr<Groups, EndPlaced> made(Place<Groups>(memory));
     for (const Child& child : children) {
@@ -282,11 +352,11 @@ void KARMPDeserializer::Branch::MakeGroups(karmp::NodeMemory* memory)
     groups = std::move(made);
 }
 
-// When memory ends, nothing was added and the child is still the caller's.
-void KARMPDeserializer::Branch::Append(NodeText name, KARMPDeserializer* child,
-                                       karmp::NodeMemory* memory)
+// The room for the child was made before. When memory ends, nothing was added and the child is
+// still the caller's.
+void KARMPDeserializer::Content::Append(NodeText name, KARMPDeserializer* child,
+                                        karmp::NodeMemory* memory)
 {
-    children.MakeRoom(memory);
     if (!groups && NeedsGroupsWith(name)) {
         MakeGroups(memory);
     }
@@ -296,9 +366,9 @@ void KARMPDeserializer::Branch::Append(NodeText name, KARMPDeserializer* child,
     children.Append({std::move(name), child});
 }
 
-void KARMPDeserializer::Release::operator()(Branch* branch) const noexcept
+void KARMPDeserializer::Release::operator()(Content* content) const noexcept
 {
-    EndPlaced()(branch);
+    EndPlaced()(content);
 }
 
 KARMPDeserializer::KARMPDeserializer() : m_version(NodeText::CurrentVersion()) {}
@@ -310,13 +380,13 @@ KARMPDeserializer::~KARMPDeserializer()
 
 void KARMPDeserializer::Clean() noexcept
 {
-    if (m_branch) {
+    if (m_content) {
         // Names and index are of no use any more, so that groups and children may move.
         const auto byName = [](const auto& left, const auto& right) {
             return NameOf(left) < NameOf(right);
         };
-        karmp::NodeArray<Child>& children = m_branch->children;
-        if (Groups* const groups = m_branch->groups.get()) {
+        karmp::NodeArray<Child>& children = m_content->children;
+        if (Groups* const groups = m_content->groups.get()) {
             std::sort(groups->list.begin(), groups->list.end(), byName);
             Child* place = children.begin();
             for (const Group& group : groups->list) {
@@ -328,18 +398,17 @@ void KARMPDeserializer::Clean() noexcept
             std::sort(children.begin(), children.end(), byName);
         }
         karmp::NodeTeardown<KARMPDeserializer>::DeleteChildren(this, children);
-        m_branch.reset();
+        m_content.reset();
     }
-    m_attributes.Clear();
-    m_value = NodeValue();
+    m_value = ReadValue();
 }
 
-KARMPDeserializer::Branch& KARMPDeserializer::NeedBranch(karmp::NodeMemory* memory)
+KARMPDeserializer::Content& KARMPDeserializer::NeedContent()
 {
-    if (!m_branch) {
-        m_branch.reset(Place<Branch>(memory));
+    if (!m_content) {
+        m_content.reset(Place<Content>(m_memory));
     }
-    return *m_branch;
+    return *m_content;
 }
 
 KARStatus KARMPDeserializer::SetVersion(std::wstring_view version)
@@ -425,67 +494,90 @@ void KARMPDeserializer::AddBoolAttributeValue(std::wstring_view name, bool value
     PutAttribute(name, value);
 }
 
-void KARMPDeserializer::PutAttribute(std::wstring_view name, NodeValue&& value)
+void KARMPDeserializer::PutAttribute(std::wstring_view name, ReadValue&& value)
 {
-    if (const NodeAttribute* const found = FindAttribute(name)) {
-        m_attributes[static_cast<std::size_t>(found - m_attributes.begin())].value =
-            std::move(value);
+    Content& content = NeedContent();
+    if (const Attribute* const found = content.FindAttribute(name)) {
+        found->value = std::move(value);
         return;
     }
-    AppendAttribute({NodeText::Name(name), std::move(value)}, nullptr);
+    content.attributes.MakeRoom(m_memory);
+    content.Append({NodeText::Name(name), std::move(value)}, m_memory);
 }
 
-bool KARMPDeserializer::PlaceAttribute(const NodeText& name, NodeText value,
-                                       karmp::NodeMemory& memory)
+void KARMPDeserializer::PlaceAttributeRoom(std::size_t count)
 {
-    if (const NodeAttribute* const found = FindAttribute(name.View())) {
-        m_attributes[static_cast<std::size_t>(found - m_attributes.begin())].value =
-            std::move(value);
+    NeedContent().attributes.MakeRoomFor(count, m_memory);
+}
+
+template <class Value>
+bool KARMPDeserializer::PlaceAttributeOf(const NodeText& name, Value&& value)
+{
+    Content& content = NeedContent();
+    if (const Attribute* const found = content.FindAttribute(name)) {
+        found->value = std::forward<Value>(value);
         return false;
     }
-    AppendAttribute({name, std::move(value)}, &memory);
+    content.attributes.MakeRoom(m_memory);
+    content.Append({name, std::forward<Value>(value)}, m_memory);
     return true;
 }
 
-void KARMPDeserializer::AppendAttribute(NodeAttribute&& attribute, karmp::NodeMemory* memory)
+bool KARMPDeserializer::PlaceAttribute(const NodeText& name, AsciiText value)
 {
-    m_attributes.MakeRoom(memory);
-    if (m_attributes.size() >= LongestScan) {
-        IndexNext(NeedBranch(memory).attributes, m_attributes, NameOf(attribute), memory);
-    }
-    m_attributes.Append(std::move(attribute));
+    return PlaceAttributeOf(name, value);
 }
 
-const NodeAttribute* KARMPDeserializer::FindAttribute(std::wstring_view name) const
+bool KARMPDeserializer::PlaceAttribute(const NodeText& name, NodeText value)
 {
-    return FindNamed(m_attributes, m_branch ? m_branch->attributes.get() : nullptr, name);
+    return PlaceAttributeOf(name, std::move(value));
+}
+
+ReadValue* KARMPDeserializer::FindAttribute(std::wstring_view name) const
+{
+    const Attribute* const found = m_content ? m_content->FindAttribute(name) : nullptr;
+    return found != nullptr ? &found->value : nullptr;
+}
+
+std::size_t KARMPDeserializer::GetAttributeCount() const
+{
+    return m_content ? m_content->attributes.size() : 0;
+}
+
+std::wstring_view KARMPDeserializer::GetAttributeId(std::size_t index) const
+{
+    return m_content->attributes[index].name.View();
 }
 
 KARStatus KARMPDeserializer::AddElement(std::wstring_view name, KARMPDeserializer* child)
 {
-    if (m_branch && m_branch->groups) {
-        ++m_branch->groups->additions;
+    if (m_content && m_content->groups) {
+        ++m_content->groups->additions;
     }
     if (!KARMPVerify(child != nullptr)) {
         return KARFailure;
     }
-    NeedBranch(nullptr).Append(NodeText::Name(name), child, nullptr);
+    Content& content = NeedContent();
+    content.children.MakeRoom(m_memory);
+    content.Append(NodeText::Name(name), child, m_memory);
     return KARSuccess;
 }
 
-void KARMPDeserializer::PlaceElements(std::span<KARMPDeserializer* const> children,
-                                      karmp::NodeMemory& memory)
+void KARMPDeserializer::PlaceElements(std::span<KARMPDeserializer* const> children)
 {
     if (children.empty()) {
         return;
     }
-    Branch& branch = NeedBranch(&memory);
-    if (branch.groups) {
-        ++branch.groups->additions;
+    Content& content = NeedContent();
+    if (content.groups) {
+        ++content.groups->additions;
     }
-    branch.children.MakeRoomFor(children.size(), &memory);
+    content.children.MakeRoomFor(children.size(), m_memory);
+    if (content.AppendRecord(children)) {
+        return;
+    }
     for (KARMPDeserializer* const child : children) {
-        branch.Append(child->m_name, child, &memory);
+        content.Append(child->m_name, child, m_memory);
     }
 }
 
@@ -496,34 +588,34 @@ bool KARMPDeserializer::HasAttribute(std::wstring_view name) const
 
 bool KARMPDeserializer::HasElement(std::wstring_view name) const
 {
-    if (!m_branch) {
+    if (!m_content) {
         return false;
     }
     // What is asked about is mostly read next, so that its place stays the likely one.
-    if (const Groups* const groups = m_branch->groups.get()) {
+    if (const Groups* const groups = m_content->groups.get()) {
         const Group* const group = groups->Find(name);
         if (group != nullptr) {
             --groups->likely;
         }
         return group != nullptr;
     }
-    const Child* const child = m_branch->Find(name);
+    const Child* const child = m_content->Find(name);
     if (child != nullptr) {
-        --m_branch->likely;
+        --m_content->likely;
     }
     return child != nullptr;
 }
 
 KARMPDeserializer* KARMPDeserializer::NextElement(std::wstring_view name) const
 {
-    if (!m_branch) {
+    if (!m_content) {
         return nullptr;
     }
-    if (const Groups* const groups = m_branch->groups.get()) {
+    if (const Groups* const groups = m_content->groups.get()) {
         const Group* const group = groups->Find(name);
         return group != nullptr ? group->Next(groups->additions) : nullptr;
     }
-    const Child* const child = m_branch->Find(name);
+    const Child* const child = m_content->Find(name);
     return child != nullptr ? child->node : nullptr;
 }
 
@@ -540,16 +632,16 @@ KARStatus KARMPDeserializer::GetElement(std::wstring_view name,
 
 KARStatus KARMPDeserializer::GetElements(ElementList& elements) const
 {
-    if (!m_branch) {
+    if (!m_content) {
         return KARSuccess;
     }
-    elements.reserve(elements.size() + m_branch->children.size());
-    if (const Groups* const groups = m_branch->groups.get()) {
+    elements.reserve(elements.size() + m_content->children.size());
+    if (const Groups* const groups = m_content->groups.get()) {
         for (const Group* group : ByName(groups->list)) {
             elements.insert(elements.end(), group->begin(), group->end());
         }
     } else {
-        for (const Child* child : ByName(m_branch->children)) {
+        for (const Child* child : ByName(m_content->children)) {
             elements.push_back(*child);
         }
     }
@@ -559,15 +651,15 @@ KARStatus KARMPDeserializer::GetElements(ElementList& elements) const
 KARStatus KARMPDeserializer::GetElements(std::wstring_view name, ElementIterator& begin,
                                          ElementIterator& end) const
 {
-    if (!m_branch) {
+    if (!m_content) {
         return KARSuccess;
     }
-    if (const Groups* const groups = m_branch->groups.get()) {
+    if (const Groups* const groups = m_content->groups.get()) {
         if (const Group* const group = groups->Find(name)) {
             begin = group->begin();
             end = group->end();
         }
-    } else if (const Child* const child = m_branch->Find(name)) {
+    } else if (const Child* const child = m_content->Find(name)) {
         begin = &child->node;
         end = begin + 1;
     }
@@ -576,8 +668,8 @@ KARStatus KARMPDeserializer::GetElements(std::wstring_view name, ElementIterator
 
 KARStatus KARMPDeserializer::GetOrderedElementList(ElementList& elements) const
 {
-    if (m_branch) {
-        elements.insert(elements.end(), m_branch->children.begin(), m_branch->children.end());
+    if (m_content) {
+        elements.insert(elements.end(), m_content->children.begin(), m_content->children.end());
     }
     return KARSuccess;
 }

@@ -8,20 +8,30 @@
 #include <array>
 #include <optional>
 
-using karmp::NodeAttribute;
+using karmp::AsciiText;
 using karmp::NodeText;
-using karmp::NodeValue;
+using karmp::ReadValue;
 
 namespace {
 
-std::optional<bool> BoolOf(std::wstring_view text)
+// Characters of either width with the ASCII text.
+template <class Char>
+bool Equals(std::basic_string_view<Char> text, std::string_view ascii)
 {
-    constexpr std::array<std::wstring_view, 5> trueForms{L"1", L"true", L"TRUE", L"yes", L"YES"};
-    constexpr std::array<std::wstring_view, 5> falseForms{L"0", L"false", L"FALSE", L"no", L"NO"};
-    if (std::find(trueForms.begin(), trueForms.end(), text) != trueForms.end()) {
+    return std::equal(text.begin(), text.end(), ascii.begin(), ascii.end(),
+                      [](Char left, char right) { return left == static_cast<Char>(right); });
+}
+
+template <class Char>
+std::optional<bool> BoolOf(std::basic_string_view<Char> text)
+{
+    constexpr std::array<std::string_view, 5> trueForms{"1", "true", "TRUE", "yes", "YES"};
+    constexpr std::array<std::string_view, 5> falseForms{"0", "false", "FALSE", "no", "NO"};
+    const auto isText = [text](std::string_view form) { return Equals(text, form); };
+    if (std::any_of(trueForms.begin(), trueForms.end(), isText)) {
         return true;
     }
-    if (std::find(falseForms.begin(), falseForms.end(), text) != falseForms.end()) {
+    if (std::any_of(falseForms.begin(), falseForms.end(), isText)) {
         return false;
     }
     return std::nullopt;
@@ -30,22 +40,23 @@ std::optional<bool> BoolOf(std::wstring_view text)
 // Reads a plain decimal number: a sign, digits, and a mark among them. Few digits, and the power of
 // ten that they are divided by, are exact doubles, so that the quotient is the double nearest to
 // the number. Any other text is left to the full scan.
-std::optional<double> PlainNumber(std::wstring_view text)
+template <class Char>
+std::optional<double> PlainNumber(std::basic_string_view<Char> text)
 {
     constexpr std::array<double, 16> powers{1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                             1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
     constexpr std::size_t mostDigits = powers.size() - 1;
-    const bool negative = !text.empty() && text.front() == L'-';
+    const bool negative = !text.empty() && text.front() == Char{'-'};
     text.remove_prefix(negative ? 1 : 0);
     std::int64_t number = 0;
     std::size_t digits = 0;
     std::size_t whole = 0;
     bool marked = false;
-    for (const wchar_t character : text) {
-        if (character >= L'0' && character <= L'9' && digits < mostDigits) {
-            number = number * 10 + (character - L'0');
+    for (const Char character : text) {
+        if (character >= Char{'0'} && character <= Char{'9'} && digits < mostDigits) {
+            number = number * 10 + (character - Char{'0'});
             ++digits;
-        } else if (!marked && (character == L'.' || character == L',')) {
+        } else if (!marked && (character == Char{'.'} || character == Char{','})) {
             marked = true;
             whole = digits;
         } else {
@@ -57,6 +68,49 @@ std::optional<double> PlainNumber(std::wstring_view text)
     }
     const double size = static_cast<double>(number) / powers[marked ? digits - whole : 0];
     return negative ? -size : size;
+}
+
+template <class Char>
+std::optional<double> ScanNumber(std::basic_string_view<Char> text)
+{
+    std::optional<double> number = PlainNumber(text);
+    if (!number) {
+        double scanned = 0.0;
+        if (kar::ScanDouble(text, scanned, kar::DecimalMark::PointOrComma) == 1) {
+            number = scanned;
+        }
+    }
+    return number;
+}
+
+template <class Char>
+std::optional<int> ScanInteger(std::basic_string_view<Char> text)
+{
+    int number = 0;
+    return kar::ScanInt(text, number) == 1 ? std::optional<int>(number) : std::nullopt;
+}
+
+// Gives what `read` makes of the text's characters, wide or narrow; nothing when the value is none.
+template <class Read>
+auto FromText(const ReadValue& stored, Read read) -> decltype(read(std::wstring_view()))
+{
+    if (const auto* const narrow = std::get_if<AsciiText>(&stored)) {
+        return read(narrow->View());
+    }
+    if (const auto* const text = std::get_if<NodeText>(&stored)) {
+        return read(text->View());
+    }
+    return std::nullopt;
+}
+
+template <class T>
+KARStatus HandOut(const std::optional<T>& found, T& value)
+{
+    if (!found) {
+        return KARFailure;
+    }
+    value = *found;
+    return KARSuccess;
 }
 
 } // namespace
@@ -89,8 +143,8 @@ KARStatus KARMPDeserializer::GetValue(bool& value) const
 template <class T>
 KARStatus KARMPDeserializer::ConvertAttribute(std::wstring_view name, T& value) const
 {
-    const NodeAttribute* const attribute = FindAttribute(name);
-    return attribute != nullptr ? GetAttrVal(attribute->value, value) : KARFailure;
+    ReadValue* const stored = FindAttribute(name);
+    return stored != nullptr ? GetAttrVal(*stored, value) : KARFailure;
 }
 
 KARStatus KARMPDeserializer::GetAttribute(std::wstring_view name, std::wstring& value) const
@@ -159,8 +213,12 @@ KARStatus KARMPDeserializer::GetElement(std::wstring_view name, const KARMPDeser
     return ConvertElement(name, child, value);
 }
 
-KARStatus KARMPDeserializer::GetAttrVal(const NodeValue& stored, std::wstring_view& value)
+// The wide form stays in place of the narrow one, since the view has to last.
+KARStatus KARMPDeserializer::GetAttrVal(ReadValue& stored, std::wstring_view& value) const
 {
+    if (const auto* const narrow = std::get_if<AsciiText>(&stored)) {
+        stored = NodeText::Widen(narrow->View(), *m_memory);
+    }
     const auto* const text = std::get_if<NodeText>(&stored);
     if (!KARMPVerify(text != nullptr)) {
         return KARFailure;
@@ -169,58 +227,53 @@ KARStatus KARMPDeserializer::GetAttrVal(const NodeValue& stored, std::wstring_vi
     return KARSuccess;
 }
 
-KARStatus KARMPDeserializer::GetAttrVal(const NodeValue& stored, std::wstring& value)
+KARStatus KARMPDeserializer::GetAttrVal(const ReadValue& stored, std::wstring& value)
 {
-    std::wstring_view text;
-    const KARStatus status = GetAttrVal(stored, text);
-    if (!KARFailed(status)) {
-        value = text;
+    const auto* const narrow = std::get_if<AsciiText>(&stored);
+    const auto* const text = std::get_if<NodeText>(&stored);
+    if (!KARMPVerify(narrow != nullptr || text != nullptr)) {
+        return KARFailure;
     }
-    return status;
+    if (narrow != nullptr) {
+        const std::string_view characters = narrow->View();
+        value.assign(characters.begin(), characters.end());
+    } else {
+        value = text->View();
+    }
+    return KARSuccess;
 }
 
-KARStatus KARMPDeserializer::GetAttrVal(const NodeValue& stored, int& value)
+KARStatus KARMPDeserializer::GetAttrVal(const ReadValue& stored, int& value)
 {
     if (const auto* const number = std::get_if<std::int32_t>(&stored)) {
         value = *number;
         return KARSuccess;
     }
-    const auto* const text = std::get_if<NodeText>(&stored);
-    const bool converted = text != nullptr && kar::ScanInt(text->View(), value) == 1;
-    return KARMPVerify(converted) ? KARSuccess : KARFailure;
+    const auto number = FromText(stored, [](auto text) { return ScanInteger(text); });
+    return KARMPVerify(number.has_value()) ? HandOut(number, value) : KARFailure;
 }
 
-KARStatus KARMPDeserializer::GetAttrVal(const NodeValue& stored, double& value)
+KARStatus KARMPDeserializer::GetAttrVal(const ReadValue& stored, double& value)
 {
     if (const auto* const number = std::get_if<double>(&stored)) {
         value = *number;
         return KARSuccess;
     }
-    const auto* const text = std::get_if<NodeText>(&stored);
-    const std::wstring_view view = text != nullptr ? text->View() : std::wstring_view();
-    if (const std::optional<double> number = PlainNumber(view)) {
-        value = *number;
-        return KARSuccess;
-    }
-    const bool converted =
-        text != nullptr && kar::ScanDouble(view, value, kar::DecimalMark::PointOrComma) == 1;
-    return KARMPVerify(converted) ? KARSuccess : KARFailure;
+    const auto number = FromText(stored, [](auto text) { return ScanNumber(text); });
+    return KARMPVerify(number.has_value()) ? HandOut(number, value) : KARFailure;
 }
 
-KARStatus KARMPDeserializer::GetAttrVal(const NodeValue& stored, bool& value)
+// A text that is no bool is no report.
+KARStatus KARMPDeserializer::GetAttrVal(const ReadValue& stored, bool& value)
 {
     if (const auto* const state = std::get_if<bool>(&stored)) {
         value = *state;
         return KARSuccess;
     }
-    const auto* const text = std::get_if<NodeText>(&stored);
-    if (!KARMPVerify(text != nullptr)) {
+    const bool isText =
+        std::holds_alternative<AsciiText>(stored) || std::holds_alternative<NodeText>(stored);
+    if (!KARMPVerify(isText)) {
         return KARFailure;
     }
-    const std::optional<bool> state = BoolOf(text->View());
-    if (!state.has_value()) {
-        return KARFailure;
-    }
-    value = *state;
-    return KARSuccess;
+    return HandOut(FromText(stored, [](auto text) { return BoolOf(text); }), value);
 }

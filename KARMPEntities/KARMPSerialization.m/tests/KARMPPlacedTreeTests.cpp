@@ -1,6 +1,7 @@
 // Trees whose nodes, texts and lists stand in one memory.
 #include "KARMPDeserializer.h"
 #include "KARMPNodeMemory.h"
+#include "KARMPTestFixture.h"
 
 #include <gtest/gtest.h>
 
@@ -20,8 +21,7 @@ class PlacedNode final : public KARMPDeserializer
 {
 public:
     PlacedNode(NodeMemory& memory, std::wstring_view name)
-        : KARMPDeserializer(NodeText::Name(name, memory), NodeText::CurrentVersion()),
-          m_memory(memory)
+        : KARMPDeserializer(NodeText::Name(name, memory), NodeText::CurrentVersion(), memory)
     {}
     std::wstring Location() const override { return {}; }
 
@@ -31,20 +31,19 @@ public:
     }
     PlacedNode* Add(std::wstring_view name)
     {
-        PlacedNode* const child = Make(m_memory, name);
+        PlacedNode* const child = Make(*Memory(), name);
         KARMPDeserializer* const children[] = {child};
-        PlaceElements(children, m_memory);
+        PlaceElements(children);
         return child;
     }
     bool Attribute(std::wstring_view name, std::wstring_view value)
     {
-        return PlaceAttribute(NodeText::Name(name, m_memory), NodeText::Copy(value, m_memory),
-                              m_memory);
+        return PlaceAttribute(NodeText::Name(name, *Memory()), NodeText::Copy(value, *Memory()));
     }
+    void AddAll(const std::vector<KARMPDeserializer*>& children) { PlaceElements(children); }
+    using KARMPDeserializer::PlaceAttribute;
+    using KARMPDeserializer::PlaceAttributeRoom;
     using KARMPDeserializer::PlaceValue;
-
-private:
-    NodeMemory& m_memory;
 };
 
 struct Counted
@@ -147,6 +146,106 @@ TEST(PlacedTree, ALaterAttributeTakesThePlaceOfTheEarlierOne)
     root->GetAttribute(L"name", text);
     EXPECT_EQ(text, L"second");
     EXPECT_EQ(root->GetAttributeCount(), 1U);
+}
+
+class AsciiValue : public KARMPTestFixture
+{
+protected:
+    PlacedNode* Node(const char* text)
+    {
+        PlacedNode* const node = PlacedNode::Make(m_memory, L"node");
+        node->PlaceValue(karmp::AsciiText{text});
+        EXPECT_TRUE(node->PlaceAttribute(NodeText::Name(L"name"), karmp::AsciiText{text}));
+        return node;
+    }
+
+private:
+    NodeMemory m_memory;
+};
+
+TEST_F(AsciiValue, IsReadAsTheKindAskedFor)
+{
+    double number = 0;
+    EXPECT_EQ(Node("-0.125")->GetValue(number), KARSuccess);
+    EXPECT_EQ(number, -0.125);
+    EXPECT_EQ(Node("1,5e2")->GetAttribute(L"name", number), KARSuccess);
+    EXPECT_EQ(number, 150.0);
+    int integer = 0;
+    EXPECT_EQ(Node("-42")->GetValue(integer), KARSuccess);
+    EXPECT_EQ(integer, -42);
+    bool state = false;
+    EXPECT_EQ(Node("YES")->GetValue(state), KARSuccess);
+    EXPECT_TRUE(state);
+    EXPECT_EQ(Node("false")->GetAttribute(L"name", state), KARSuccess);
+    EXPECT_FALSE(state);
+    std::wstring text;
+    EXPECT_EQ(Node("Crank arm")->GetValue(text), KARSuccess);
+    EXPECT_EQ(text, L"Crank arm");
+}
+
+TEST_F(AsciiValue, AViewOfItLastsAndTheNumberCanStillBeRead)
+{
+    const PlacedNode* const node = Node("12");
+    std::wstring_view first;
+    std::wstring_view second;
+    int number = 0;
+    EXPECT_EQ(node->GetAttribute(L"name", first), KARSuccess);
+    EXPECT_EQ(node->GetAttribute(L"name", second), KARSuccess);
+    EXPECT_EQ(node->GetAttribute(L"name", number), KARSuccess);
+    EXPECT_EQ(first, L"12");
+    EXPECT_EQ(first.data(), second.data());
+    EXPECT_EQ(number, 12);
+}
+
+TEST_F(AsciiValue, WhatDoesNotConvertIsReportedAsForWideText)
+{
+    double number = 3.0;
+    int integer = 3;
+    bool state = true;
+    const PlacedNode* const node = Node("fast");
+    EXPECT_EQ(node->GetValue(number), KARFailure);
+    EXPECT_EQ(node->GetValue(integer), KARFailure);
+    ExpectReports(2);
+    EXPECT_EQ(node->GetValue(state), KARFailure);
+    ExpectReports(0);
+    EXPECT_EQ(number, 3.0);
+    EXPECT_EQ(integer, 3);
+    EXPECT_TRUE(state);
+}
+
+TEST_F(AsciiValue, AnEmptyOneIsAnEmptyText)
+{
+    std::wstring_view view = L"x";
+    EXPECT_EQ(Node("")->GetValue(view), KARSuccess);
+    EXPECT_TRUE(view.empty());
+}
+
+TEST(PlacedTree, ARecordThatGetsAChildOfAKnownNameIsWalkedInOrder)
+{
+    NodeMemory memory;
+    PlacedNode* const root = PlacedNode::Make(memory, L"root");
+    PlacedNode* const x = PlacedNode::Make(memory, L"x");
+    PlacedNode* const y = PlacedNode::Make(memory, L"y");
+    root->AddAll({x, y});
+    const PlacedNode* const last = root->Add(L"x");
+    KARMPDeserializer::ElementList elements;
+    root->GetElements(elements);
+    EXPECT_EQ(elements, (KARMPDeserializer::ElementList{x, last, y}));
+}
+
+TEST(PlacedTree, SiblingsOfOneNameAddedTogetherAreAllFound)
+{
+    NodeMemory memory;
+    PlacedNode* const root = PlacedNode::Make(memory, L"root");
+    PlacedNode* const first = PlacedNode::Make(memory, L"x");
+    PlacedNode* const other = PlacedNode::Make(memory, L"a");
+    PlacedNode* const second = PlacedNode::Make(memory, L"x");
+    root->AddAll({first, other, second});
+    KARMPDeserializer::ElementIterator begin = nullptr;
+    KARMPDeserializer::ElementIterator end = nullptr;
+    root->GetElements(L"x", begin, end);
+    EXPECT_EQ((KARMPDeserializer::ElementList{begin, end}),
+              (KARMPDeserializer::ElementList{first, second}));
 }
 
 TEST(PlacedTree, NodesMayBeDestroyedBeforeTheirMemory)
