@@ -523,8 +523,10 @@ void Document::Check()
 void Document::DropWrongReferences()
 {
     for (KARMPDocumentReader* node : m_wrongReferences) {
-        node->PlaceAttribute(karmp::NodeText::Name(L"id", *m_source),
-                             karmp::NodeText::Copy(m_unusedIdentifier, *m_source));
+        const KARMPDocumentReader::Attribute unused[] = {
+            {karmp::NodeText::Name(L"id", *m_source),
+             karmp::NodeText::Copy(m_unusedIdentifier, *m_source)}};
+        node->PlaceAttributes(unused);
     }
     m_wrongReferences.clear();
 }

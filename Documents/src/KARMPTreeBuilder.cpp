@@ -10,6 +10,7 @@
 #include <new>
 #include <span>
 #include <stdexcept>
+#include <unordered_set>
 #include <utility>
 
 namespace karmp::documents {
@@ -285,12 +286,13 @@ bool TreeBuilder::BuildTree(pugi::xml_node root)
     while (!m_levels.empty()) {
         Level& level = m_levels.back();
         const pugi::xml_node child = level.next;
-        if (!child) {
+        const pugi::xml_node_type type = child.type();
+        if (type == pugi::node_null) {
             Leave();
             continue;
         }
         level.next = child.next_sibling();
-        if (child.type() != pugi::node_element) {
+        if (type != pugi::node_element) {
             ReadText(level, child);
         } else if (!Enter(child)) {
             return false;
@@ -343,13 +345,15 @@ bool TreeBuilder::Enter(pugi::xml_node source)
     }
 
     const pugi::xml_node first = source.first_child();
-    m_levels.push_back(
-        {source, first, node, m_children.size(), m_texts.size(), HaveElements(first), false});
-    if (source.first_attribute() && !ReadAttributes(source, *node)) {
+    const bool isLeaf = first.type() == pugi::node_null;
+    m_levels.push_back({source, first, node, m_children.size(), m_texts.size(),
+                        !isLeaf && HaveElements(first), false});
+    const pugi::xml_attribute attribute = source.first_attribute();
+    if (attribute && !ReadAttributes(attribute, *node)) {
         return false;
     }
     const char* const text = source.value();
-    if (!first) {
+    if (isLeaf) {
         if (StandsForItself(text)) {
             node->PlaceValue(karmp::AsciiText{text});
         } else {
@@ -396,33 +400,42 @@ void TreeBuilder::ReadText(Level& level, const pugi::xml_node& source)
     }
 }
 
-bool TreeBuilder::ReadAttributes(const pugi::xml_node& source, KARMPDocumentReader& node)
+bool TreeBuilder::ReadAttributes(pugi::xml_attribute attribute, KARMPDocumentReader& node)
 {
-    const auto attributes = source.attributes();
-    const auto count = std::distance(attributes.begin(), attributes.end());
-    node.PlaceAttributeRoom(static_cast<std::size_t>(count));
-    for (const pugi::xml_attribute& attribute : attributes) {
-        const std::string_view bytes = attribute.name();
+    m_attributes.clear();
+    for (; attribute; attribute = attribute.next_attribute()) {
+        const std::string_view name = attribute.name();
         if (!CountNode()) {
             return TellTooMany(node.Place());
         }
-        if (bytes.size() > m_document.m_limits.nameLength) {
-            return TellTooLong(bytes, "attribute", node.Place());
+        if (name.size() > m_document.m_limits.nameLength) {
+            return TellTooLong(name, "attribute", node.Place());
         }
-        const karmp::NodeText& name = m_names.Get(bytes);
-        const char* const raw = attribute.value();
-        const bool isNew =
-            StandsForItself(raw)
-                ? node.PlaceAttribute(name, karmp::AsciiText{raw})
-                : node.PlaceAttribute(name, Decode(raw, TextPlace::Attribute, node, bytes.data()));
-        if (!isNew) {
+        const char* const value = attribute.value();
+        if (StandsForItself(value)) {
+            m_attributes.push_back({m_names.Get(name), karmp::AsciiText{value}});
+        } else {
+            m_attributes.push_back(
+                {m_names.Get(name), Decode(value, TextPlace::Attribute, node, name.data())});
+        }
+    }
+    if (!node.PlaceAttributes(m_attributes)) {
+        TellRepeatedAttributes(node);
+    }
+    return true;
+}
+
+void TreeBuilder::TellRepeatedAttributes(const KARMPDocumentReader& node)
+{
+    std::unordered_set<std::wstring_view> names;
+    for (const auto& attribute : m_attributes) {
+        if (!names.insert(attribute.name.View()).second) {
             m_messages.Error(Code::DuplicateAttribute,
-                             "the attribute " + Quoted(name.View()) +
+                             "the attribute " + Quoted(attribute.name.View()) +
                                  " stands twice; the last one is taken",
                              Path(), node.Line(), node.Column());
         }
     }
-    return true;
 }
 
 bool TreeBuilder::StandsForItself(const char* raw) const

@@ -50,7 +50,8 @@ private:
     bool BuildTree(pugi::xml_node root);
     bool Enter(pugi::xml_node source);
     void Leave();
-    bool ReadAttributes(const pugi::xml_node& source, KARMPDocumentReader& node);
+    bool ReadAttributes(pugi::xml_attribute attribute, KARMPDocumentReader& node);
+    void TellRepeatedAttributes(const KARMPDocumentReader& node);
     void ReadText(Level& level, const pugi::xml_node& source);
     bool StandsForItself(const char* raw) const;
     karmp::NodeText Decode(const char* raw, TextPlace place, const KARMPDocumentReader& node,
@@ -69,6 +70,7 @@ private:
     pugi::xml_document m_parsed;
     std::vector<Level> m_levels;
     std::vector<KARMPDeserializer*> m_children;
+    std::vector<KARMPDocumentReader::Attribute> m_attributes;
     std::wstring m_texts;
     std::size_t m_nodes = 0;
     RepeatedNames m_names;

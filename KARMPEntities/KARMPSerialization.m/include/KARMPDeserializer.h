@@ -140,18 +140,20 @@ protected:
     void PlaceValue(karmp::NodeText value) { m_value.emplace<karmp::NodeText>(std::move(value)); }
     /// True when a value was set.
     bool HasValue() const { return m_value.index() != 0; }
-    /// Makes room for so many attributes, and none for others.
-    void PlaceAttributeRoom(std::size_t count);
-    /// Adds an attribute. False when its value took the place of an earlier one.
-    bool PlaceAttribute(const karmp::NodeText& name, karmp::AsciiText value);
-    bool PlaceAttribute(const karmp::NodeText& name, karmp::NodeText value);
+    /// A name with a value; the value changes when a narrow text is asked for as a wide one.
+    struct Attribute
+    {
+        karmp::NodeText name;
+        mutable karmp::ReadValue value;
+    };
+    /// Adds attributes, each in place of an earlier one of its name. False when there was one.
+    bool PlaceAttributes(std::span<const Attribute> attributes);
     /// Adds children, each under its own name.
     void PlaceElements(std::span<KARMPDeserializer* const> children);
     /// The memory of the tree, null for a node that owns what it holds.
     karmp::NodeMemory* Memory() const { return m_memory; }
 
 private:
-    struct Attribute;
     struct Child;
     struct Group;
     struct Groups;
@@ -167,8 +169,6 @@ private:
     void PutAttribute(std::wstring_view name, karmp::ReadValue&& value);
     /// The value of an attribute, null when there is none.
     karmp::ReadValue* FindAttribute(std::wstring_view name) const;
-    template <class Value>
-    bool PlaceAttributeOf(const karmp::NodeText& name, Value&& value);
     template <class T>
     KARStatus ConvertAttribute(std::wstring_view name, T& value) const;
     template <class T>

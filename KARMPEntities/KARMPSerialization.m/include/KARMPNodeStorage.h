@@ -88,8 +88,11 @@ public:
                ((left.m_bits & right.m_bits & IsShared) == 0 && left.View() == right.View());
     }
 
-    /// What tells a name of the process's table from any other one; 0 for a text that is not there.
-    std::uintptr_t SharedIdentity() const { return (m_bits & IsShared) != 0 ? m_bits : 0; }
+    /// True when it shares its storage: then a text that shares its own and is not the same
+    /// differs.
+    bool SharesStorage() const { return (m_bits & IsShared) != 0; }
+    /// True when both are one text in one place.
+    bool IsSameAs(const NodeText& other) const { return m_bits == other.m_bits; }
 
 private:
     struct Block

@@ -45,6 +45,35 @@ struct EndPlaced
     }
 };
 
+template <class T>
+std::wstring_view NameOf(const T& element)
+{
+    return element.name.View();
+}
+
+// True when the elements' names share their storage and no two are the same. Few are compared each
+// with each in fewer steps than an index takes.
+template <class T>
+bool AreRecord(std::span<const T> elements)
+{
+    if (elements.size() > LongestScan) {
+        return false;
+    }
+    const auto* const first = elements.data();
+    const auto* const end = first + elements.size();
+    for (const auto* element = first; element != end; ++element) {
+        const NodeText& name = element->name;
+        bool isNew = name.SharesStorage();
+        for (const auto* former = first; former != element; ++former) {
+            isNew = isNew && !former->name.IsSameAs(name);
+        }
+        if (!isNew) {
+            return false;
+        }
+    }
+    return true;
+}
+
 // Where each name stands in a list; the names are views of the list's own texts. The index owns a
 // table: in the memory of a tree it ends with it.
 struct NameIndex : Placed
@@ -157,19 +186,9 @@ std::wstring_view ViewOf(const wchar_t* text)
 
 } // namespace
 
-/// A name with a value.
-struct KARMPDeserializer::Attribute
-{
-    friend std::wstring_view NameOf(const Attribute& attribute) { return attribute.name.View(); }
-
-    NodeText name;
-    mutable ReadValue value;
-};
-
 /// A child and the name that it stands under.
 struct KARMPDeserializer::Child
 {
-    friend std::wstring_view NameOf(const Child& child) { return child.name.View(); }
     operator KARMPDeserializer*() const { return node; }
 
     NodeText name;
@@ -276,16 +295,12 @@ struct KARMPDeserializer::Content : Placed
     {
         return FindNamed(attributes, attributeIndex.get(), name);
     }
-    const Attribute* FindAttribute(const NodeText& name) const;
     void Append(Attribute&& attribute, karmp::NodeMemory* memory);
     const Child* Find(std::wstring_view name) const
     {
         return FindNext(children, nullptr, likely, name);
     }
     void Append(NodeText name, KARMPDeserializer* child, karmp::NodeMemory* memory);
-    /// Appends nodes under their own names when they, and no others, are a record: a few names of
-    /// the process's table, each one once. Otherwise false, and nothing is done.
-    bool AppendRecord(std::span<KARMPDeserializer* const> nodes);
     bool NeedsGroupsWith(const NodeText& name) const;
     void MakeGroups(karmp::NodeMemory* memory);
 
@@ -295,19 +310,6 @@ struct KARMPDeserializer::Content : Placed
     karmp::NodeArray<Child> children;
     std::unique_ptr<Groups, EndPlaced> groups;
 };
-
-// The same for a name of the process's table, as most are: a few are told apart by their identity.
-const KARMPDeserializer::Attribute* KARMPDeserializer::Content::FindAttribute(
-    const NodeText& name) const
-{
-    if (attributeIndex) {
-        return FindAttribute(name.View());
-    }
-    const auto* const found =
-        std::find_if(attributes.begin(), attributes.end(),
-                     [&name](const Attribute& attribute) { return attribute.name == name; });
-    return found != attributes.end() ? found : nullptr;
-}
 
 // The room for the attribute was made before.
 void KARMPDeserializer::Content::Append(Attribute&& attribute, karmp::NodeMemory* memory)
@@ -321,26 +323,6 @@ bool KARMPDeserializer::Content::NeedsGroupsWith(const NodeText& name) const
     return children.size() >= LongestScan ||
            std::any_of(children.begin(), children.end(),
                        [&name](const Child& child) { return child.name == name; });
-}
-
-// The room for the children was made before, so that this cannot fail.
-bool KARMPDeserializer::Content::AppendRecord(std::span<KARMPDeserializer* const> nodes)
-{
-    if (children.size() > 0 || nodes.size() > LongestScan) {
-        return false;
-    }
-    std::array<std::uintptr_t, LongestScan> names;
-    for (std::size_t place = 0; place < nodes.size(); ++place) {
-        names[place] = nodes[place]->m_name.SharedIdentity();
-        const auto* const former = std::find(names.begin(), names.begin() + place, names[place]);
-        if (names[place] == 0 || former != names.begin() + place) {
-            return false;
-        }
-    }
-    for (KARMPDeserializer* const node : nodes) {
-        children.Append({node->m_name, node});
-    }
-    return true;
 }
 
 void KARMPDeserializer::Content::MakeGroups(karmp::NodeMemory* memory)
@@ -505,32 +487,26 @@ void KARMPDeserializer::PutAttribute(std::wstring_view name, ReadValue&& value)
     content.Append({NodeText::Name(name), std::move(value)}, m_memory);
 }
 
-void KARMPDeserializer::PlaceAttributeRoom(std::size_t count)
-{
-    NeedContent().attributes.MakeRoomFor(count, m_memory);
-}
-
-template <class Value>
-bool KARMPDeserializer::PlaceAttributeOf(const NodeText& name, Value&& value)
+bool KARMPDeserializer::PlaceAttributes(std::span<const Attribute> attributes)
 {
     Content& content = NeedContent();
-    if (const Attribute* const found = content.FindAttribute(name)) {
-        found->value = std::forward<Value>(value);
-        return false;
+    content.attributes.MakeRoomFor(attributes.size(), m_memory);
+    if (content.attributes.size() == 0 && AreRecord(attributes)) {
+        for (const Attribute& attribute : attributes) {
+            content.attributes.Append(attribute);
+        }
+        return true;
     }
-    content.attributes.MakeRoom(m_memory);
-    content.Append({name, std::forward<Value>(value)}, m_memory);
-    return true;
-}
-
-bool KARMPDeserializer::PlaceAttribute(const NodeText& name, AsciiText value)
-{
-    return PlaceAttributeOf(name, value);
-}
-
-bool KARMPDeserializer::PlaceAttribute(const NodeText& name, NodeText value)
-{
-    return PlaceAttributeOf(name, std::move(value));
+    bool allNew = true;
+    for (const Attribute& attribute : attributes) {
+        if (const Attribute* const found = content.FindAttribute(attribute.name.View())) {
+            found->value = attribute.value;
+            allNew = false;
+        } else {
+            content.Append(Attribute(attribute), m_memory);
+        }
+    }
+    return allNew;
 }
 
 ReadValue* KARMPDeserializer::FindAttribute(std::wstring_view name) const
@@ -573,11 +549,17 @@ void KARMPDeserializer::PlaceElements(std::span<KARMPDeserializer* const> childr
         ++content.groups->additions;
     }
     content.children.MakeRoomFor(children.size(), m_memory);
-    if (content.AppendRecord(children)) {
+    if (content.groups) {
+        for (KARMPDeserializer* const child : children) {
+            content.Append(child->m_name, child, m_memory);
+        }
         return;
     }
     for (KARMPDeserializer* const child : children) {
-        content.Append(child->m_name, child, m_memory);
+        content.children.Append({child->m_name, child});
+    }
+    if (!AreRecord(std::span<const Child>(content.children.begin(), content.children.size()))) {
+        content.MakeGroups(m_memory);
     }
 }
 

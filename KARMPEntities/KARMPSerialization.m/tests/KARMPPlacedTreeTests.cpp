@@ -36,13 +36,16 @@ public:
         PlaceElements(children);
         return child;
     }
-    bool Attribute(std::wstring_view name, std::wstring_view value)
+    using KARMPDeserializer::Attribute;
+    bool AddAttribute(std::wstring_view name, std::wstring_view value)
     {
-        return PlaceAttribute(NodeText::Name(name, *Memory()), NodeText::Copy(value, *Memory()));
+        return Attributes({{NodeText::Name(name, *Memory()), NodeText::Copy(value, *Memory())}});
     }
     void AddAll(const std::vector<KARMPDeserializer*>& children) { PlaceElements(children); }
-    using KARMPDeserializer::PlaceAttribute;
-    using KARMPDeserializer::PlaceAttributeRoom;
+    bool Attributes(const std::vector<KARMPDeserializer::Attribute>& attributes)
+    {
+        return PlaceAttributes(attributes);
+    }
     using KARMPDeserializer::PlaceValue;
 };
 
@@ -119,7 +122,7 @@ TEST(PlacedTree, ManyNamesAreFoundAndEndWithTheMemory)
         const std::wstring name2 = name + std::wstring(60, L'x');
         root->Add(name);
         root->Add(name2)->PlaceValue(NodeText::Widen("0.5", memory));
-        root->Attribute(name, name2);
+        root->AddAttribute(name, name2);
     }
     for (const int number : {0, 1, 777, 19999}) {
         const std::wstring name = L"placed" + std::to_wstring(number);
@@ -140,8 +143,8 @@ TEST(PlacedTree, ALaterAttributeTakesThePlaceOfTheEarlierOne)
 {
     NodeMemory memory;
     PlacedNode* const root = PlacedNode::Make(memory, L"root");
-    EXPECT_TRUE(root->Attribute(L"name", L"first"));
-    EXPECT_FALSE(root->Attribute(L"name", L"second"));
+    EXPECT_TRUE(root->AddAttribute(L"name", L"first"));
+    EXPECT_FALSE(root->AddAttribute(L"name", L"second"));
     std::wstring text;
     root->GetAttribute(L"name", text);
     EXPECT_EQ(text, L"second");
@@ -155,7 +158,7 @@ protected:
     {
         PlacedNode* const node = PlacedNode::Make(m_memory, L"node");
         node->PlaceValue(karmp::AsciiText{text});
-        EXPECT_TRUE(node->PlaceAttribute(NodeText::Name(L"name"), karmp::AsciiText{text}));
+        EXPECT_TRUE(node->Attributes({{NodeText::Name(L"name"), karmp::AsciiText{text}}}));
         return node;
     }
 
@@ -248,12 +251,32 @@ TEST(PlacedTree, SiblingsOfOneNameAddedTogetherAreAllFound)
               (KARMPDeserializer::ElementList{first, second}));
 }
 
+TEST(PlacedTree, OfAttributesAddedTogetherTheLastOfANameCounts)
+{
+    NodeMemory memory;
+    PlacedNode* const root = PlacedNode::Make(memory, L"root");
+    const NodeText name = NodeText::Name(L"name");
+    const NodeText other = NodeText::Name(L"other");
+    EXPECT_TRUE(root->Attributes({{other, karmp::AsciiText{"1"}}, {name, karmp::AsciiText{"2"}}}));
+    EXPECT_FALSE(root->Attributes({{name, karmp::AsciiText{"3"}}}));
+    PlacedNode* const second = PlacedNode::Make(memory, L"second");
+    EXPECT_FALSE(
+        second->Attributes({{name, karmp::AsciiText{"4"}}, {name, karmp::AsciiText{"5"}}}));
+    int value = 0;
+    root->GetAttribute(L"name", value);
+    EXPECT_EQ(value, 3);
+    EXPECT_EQ(root->GetAttributeCount(), 2U);
+    second->GetAttribute(L"name", value);
+    EXPECT_EQ(value, 5);
+    EXPECT_EQ(second->GetAttributeCount(), 1U);
+}
+
 TEST(PlacedTree, NodesMayBeDestroyedBeforeTheirMemory)
 {
     NodeMemory memory;
     PlacedNode root(memory, L"root");
     for (int number = 0; number < 40; ++number) {
-        root.Attribute(L"attribute" + std::to_wstring(number), L"value");
+        root.AddAttribute(L"attribute" + std::to_wstring(number), L"value");
     }
     EXPECT_TRUE(root.HasAttribute(L"attribute39"));
 }
