@@ -71,6 +71,7 @@ public:
     /// Converts an attribute as GetValue does; a missing one is KARFailure without a report.
     KARStatus GetAttribute(std::wstring_view name, std::wstring& value) const;
     KARStatus GetAttribute(std::wstring_view name, std::wstring_view& value) const;
+    KARStatus GetAttribute(std::wstring_view name, karmp::ReadText& value) const;
     KARStatus GetAttribute(std::wstring_view name, int& value) const;
     KARStatus GetAttribute(std::wstring_view name, double& value) const;
     KARStatus GetAttribute(std::wstring_view name, bool& value) const;
@@ -176,6 +177,7 @@ private:
                              T& value) const;
     static KARStatus GetAttrVal(const karmp::ReadValue& stored, std::wstring& value);
     KARStatus GetAttrVal(karmp::ReadValue& stored, std::wstring_view& value) const;
+    static KARStatus GetAttrVal(const karmp::ReadValue& stored, karmp::ReadText& value);
     static KARStatus GetAttrVal(const karmp::ReadValue& stored, int& value);
     static KARStatus GetAttrVal(const karmp::ReadValue& stored, double& value);
     static KARStatus GetAttrVal(const karmp::ReadValue& stored, bool& value);

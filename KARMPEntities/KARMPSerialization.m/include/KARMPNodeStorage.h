@@ -7,6 +7,7 @@
 #include "KARMPSerializationVariable.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -167,6 +168,37 @@ struct AsciiText
     const char* characters = nullptr;
 
     std::string_view View() const { return characters; }
+};
+
+/// A text that is read once: it refers to the node's wide characters or has its own ones, made wide
+/// from narrow ones, so that the node need not keep them.
+class ReadText
+{
+public:
+    ReadText() = default;
+    ReadText(const ReadText&) = delete;
+    ReadText& operator=(const ReadText&) = delete;
+
+    /// Valid for as long as this text and the node's value.
+    std::wstring_view View() const { return m_view; }
+    /// Refers to characters.
+    void Refer(std::wstring_view text) { m_view = text; }
+    /// Holds a text of ASCII characters.
+    void Widen(std::string_view text)
+    {
+        wchar_t* characters = m_short.data();
+        if (text.size() > m_short.size()) {
+            m_long.resize(text.size());
+            characters = m_long.data();
+        }
+        std::copy(text.begin(), text.end(), characters);
+        m_view = {characters, text.size()};
+    }
+
+private:
+    std::wstring_view m_view;
+    std::array<wchar_t, 64> m_short;
+    std::wstring m_long;
 };
 
 /// A value as a node holds it that is read: numbers are read from narrow characters as they stand.

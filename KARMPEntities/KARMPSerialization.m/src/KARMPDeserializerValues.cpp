@@ -157,6 +157,11 @@ KARStatus KARMPDeserializer::GetAttribute(std::wstring_view name, std::wstring_v
     return ConvertAttribute(name, value);
 }
 
+KARStatus KARMPDeserializer::GetAttribute(std::wstring_view name, karmp::ReadText& value) const
+{
+    return ConvertAttribute(name, value);
+}
+
 KARStatus KARMPDeserializer::GetAttribute(std::wstring_view name, int& value) const
 {
     return ConvertAttribute(name, value);
@@ -227,20 +232,28 @@ KARStatus KARMPDeserializer::GetAttrVal(ReadValue& stored, std::wstring_view& va
     return KARSuccess;
 }
 
-KARStatus KARMPDeserializer::GetAttrVal(const ReadValue& stored, std::wstring& value)
+KARStatus KARMPDeserializer::GetAttrVal(const ReadValue& stored, karmp::ReadText& value)
 {
-    const auto* const narrow = std::get_if<AsciiText>(&stored);
+    if (const auto* const narrow = std::get_if<AsciiText>(&stored)) {
+        value.Widen(narrow->View());
+        return KARSuccess;
+    }
     const auto* const text = std::get_if<NodeText>(&stored);
-    if (!KARMPVerify(narrow != nullptr || text != nullptr)) {
+    if (!KARMPVerify(text != nullptr)) {
         return KARFailure;
     }
-    if (narrow != nullptr) {
-        const std::string_view characters = narrow->View();
-        value.assign(characters.begin(), characters.end());
-    } else {
-        value = text->View();
-    }
+    value.Refer(text->View());
     return KARSuccess;
+}
+
+KARStatus KARMPDeserializer::GetAttrVal(const ReadValue& stored, std::wstring& value)
+{
+    karmp::ReadText text;
+    const KARStatus status = GetAttrVal(stored, text);
+    if (!KARFailed(status)) {
+        value = text.View();
+    }
+    return status;
 }
 
 KARStatus KARMPDeserializer::GetAttrVal(const ReadValue& stored, int& value)

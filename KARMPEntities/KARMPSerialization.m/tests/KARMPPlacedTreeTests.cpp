@@ -216,6 +216,23 @@ TEST_F(AsciiValue, WhatDoesNotConvertIsReportedAsForWideText)
     EXPECT_TRUE(state);
 }
 
+TEST_F(AsciiValue, IsReadOnceWithoutAViewThatLasts)
+{
+    const std::string longText(100, 'a');
+    for (const std::string& text : {std::string("id1"), longText}) {
+        karmp::ReadText read;
+        EXPECT_EQ(Node(text.c_str())->GetAttribute(L"name", read), KARSuccess);
+        EXPECT_EQ(read.View(), std::wstring(text.begin(), text.end()));
+    }
+    PlacedNode* const node = Node("1");
+    node->AddAttribute(L"wide", L"wide text");
+    karmp::ReadText read;
+    EXPECT_EQ(node->GetAttribute(L"wide", read), KARSuccess);
+    EXPECT_EQ(read.View(), L"wide text");
+    EXPECT_EQ(node->GetAttribute(L"missing", read), KARFailure);
+    EXPECT_EQ(read.View(), L"wide text");
+}
+
 TEST_F(AsciiValue, AnEmptyOneIsAnEmptyText)
 {
     std::wstring_view view = L"x";
