@@ -438,10 +438,11 @@ void TreeBuilder::TellRepeatedAttributes(const KARMPDocumentReader& node)
     }
 }
 
+// What the parser gives for nothing stands outside of the source.
 bool TreeBuilder::StandsForItself(const char* raw) const
 {
     const std::string& text = m_source.Text();
-    return documents::StandsForItself(raw, text.data() + text.size());
+    return *raw == '\0' || documents::StandsForItself(raw, text.data() + text.size());
 }
 
 karmp::NodeText TreeBuilder::Decode(const char* raw, TextPlace place,
