@@ -76,6 +76,21 @@ public:
         m_left = 0;
     }
 
+    /// Ends what stands in the memory and keeps the newest chunk, mostly the largest one, for what
+    /// comes next.
+    void Reuse() noexcept
+    {
+        if (m_chunks.empty()) {
+            return;
+        }
+        const Chunk kept = m_chunks.back();
+        m_chunks.pop_back();
+        Clear();
+        m_chunks.push_back(kept);
+        m_next = kept.memory;
+        m_left = kept.size;
+    }
+
 private:
     static constexpr std::size_t Alignment = 8;
     // The first chunk is small: most trees of tests and tools are. A tree that has filled some of

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstring>
 #include <memory>
 #include <new>
 #include <string>
@@ -51,7 +53,45 @@ private:
 class PlacedWriter : public KARMPTestFixture
 {};
 
+struct CountedEnd
+{
+    ~CountedEnd() { ++Count; }
+    static inline int Count = 0;
+};
+
 } // namespace
+
+TEST(ReusedMemory, IsHandedOutAgain)
+{
+    karmp::NodeMemory memory;
+    memory.Reuse();
+    void* const small = memory.Allocate(100);
+    memory.Reuse();
+    EXPECT_EQ(memory.Allocate(100), small);
+    // Of more chunks than one, the newest one stays.
+    memory.Allocate(10'000);
+    void* const large = memory.Allocate(1'000'000);
+    const std::size_t size = memory.Size();
+    memory.Reuse();
+    EXPECT_LT(memory.Size(), size);
+    EXPECT_EQ(memory.Allocate(1'000'000), large);
+    std::memset(large, 1, 1'000'000);
+    EXPECT_NE(memory.Allocate(100), large);
+}
+
+TEST(ReusedMemory, DestroysWhatItMadeOnce)
+{
+    CountedEnd::Count = 0;
+    {
+        karmp::NodeMemory memory;
+        memory.Make<CountedEnd>();
+        memory.Make<CountedEnd>();
+        memory.Reuse();
+        EXPECT_EQ(CountedEnd::Count, 2);
+        memory.Make<CountedEnd>();
+    }
+    EXPECT_EQ(CountedEnd::Count, 3);
+}
 
 TEST_F(PlacedWriter, KeepsNamesValuesAndAttributesOfAnyLength)
 {
