@@ -61,6 +61,10 @@ public:
         return AddBoolElement(name, child, value);
     }
 
+    /// Tells that the children so far are complete: nobody adds anything to them or uses them any
+    /// more. A tree may render them and let go of them; here nothing happens.
+    virtual void ChildrenComplete() {}
+
     /// Hands out the version this node is written for; always 0.
     KARStatus GetVersion(std::wstring& version) const;
     /// The version this node is written for, valid until it is set again.

@@ -28,7 +28,9 @@ void writeRegistry(const KARMPWorld& world, karmp::ElementWriter& root, std::wst
         world.Get(i, listed);
         const QOBSharedHandle<KARMPEntity> entity(listed, QOBSharedBase::WriteLock);
         KARMPVerify(entity && !KARFailed(entity->Serialize(registry.Node())));
+        registry.Node()->ChildrenComplete();
     }
+    root.Node()->ChildrenComplete();
 }
 
 } // namespace
@@ -53,6 +55,9 @@ KARStatus KARMPWorld::Serialize(KARMPSerializer* serializer) const
         globals.Reference(karmp::GlobalAxisSystem, m_globalAxisSystem);
         globals.Reference(karmp::GlobalTime, m_globalTime);
     }
+    // The tree of a large world is many times the size of its text, so it need not be held as a
+    // whole.
+    node->ChildrenComplete();
     karmp::ForEachRegistryElement([&](auto element) {
         writeRegistry<typename decltype(element)::Type>(*this, world, element.name);
     });

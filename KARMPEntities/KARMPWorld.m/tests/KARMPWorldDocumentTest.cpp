@@ -39,6 +39,24 @@ protected:
     TestDeserializer& worldElement = document.Add(L"World");
 };
 
+// A serializer that notes what each of its elements held each time its children were complete.
+class CompletionNoter final : public KARMPSerializer
+{
+public:
+    explicit CompletionNoter(std::vector<std::wstring>& notes) : m_notes(notes) {}
+    KARStatus Render(std::wstring& /*text*/) const override { return KARFailure; }
+    KARStatus Save(const char* /*path*/) const override { return KARFailure; }
+    void ChildrenComplete() override
+    {
+        m_notes.push_back(std::wstring(GetId()) + L' ' + std::to_wstring(GetElementCount()));
+    }
+
+private:
+    KARMPSerializer* CreateChildElement() override { return new CompletionNoter(m_notes); }
+
+    std::vector<std::wstring>& m_notes;
+};
+
 using WorldWriter = WorldDocument;
 using WorldReader = WorldDocument;
 using WorldRoundTrip = WorldDocument;
@@ -71,6 +89,19 @@ TEST_F(WorldWriter, WritesAFrameAndThreeRegistriesForANewWorld)
     EXPECT_EQ(childrenOf(element.Child(4)), Identifiers{L"Body"});
     EXPECT_EQ(childrenOf(element.Child(5)), Identifiers{L"AxisSystem"});
     EXPECT_EQ(childrenOf(element.Child(6)), Identifiers{L"Variable"});
+}
+
+TEST_F(WorldWriter, TellsWhenTheElementsAreComplete)
+{
+    add<KARMPBody>(L"a");
+    add<KARMPBody>(L"b");
+    WorldTestScript::Current().failing = L"a";
+    std::vector<std::wstring> notes;
+    CompletionNoter root(notes);
+    EXPECT_EQ(world->Serialize(&root), KARSuccess);
+    ExpectReports(1);
+    EXPECT_EQ(notes, (Identifiers{L"World 4", L"Bodies 1", L"Bodies 2", L"Bodies 3", L"World 5",
+                                  L"Geometries 1", L"World 6", L"Variables 1", L"World 7"}));
 }
 
 TEST_F(WorldWriter, WritesTheSettings)
