@@ -1,6 +1,7 @@
 #include "KARMPDocumentWriter.h"
 
 #include "KARMPFileAccess.h"
+#include "KARMPTextRoom.h"
 #include "KARMPXmlRenderer.h"
 #include "KARTextConversion.h"
 
@@ -37,10 +38,9 @@ Diagnostics KARMPDocumentWriter::RenderXml(std::string& bytes, const Limits& lim
     const std::size_t before = bytes.size();
     bool rendered = false;
     try {
-        // A text of a model takes a quarter of what its tree does. Room that stays unused costs
-        // nothing, growing step by step copies the text and touches fresh memory each time.
+        // A text of a model takes a quarter of what its tree does.
         if (GetId().empty()) {
-            bytes.reserve(before + Memory()->Size() / 3);
+            karmp::documents::MakeRoom(bytes, Memory()->Size() / 3);
         }
         rendered = karmp::documents::XmlRenderer(bytes, limits, messages).Render(*this);
     } catch (const std::bad_alloc&) {
