@@ -26,7 +26,7 @@ enum class Doubles {
 
 /// A node without a name is the root of a document; its rendered form is a whole document with the
 /// node's version. Any other node renders as its element alone.
-class KARMP_DOCUMENTS_API KARMPDocumentWriter final : public KARMPSerializer
+class KARMP_DOCUMENTS_API KARMPDocumentWriter : public KARMPSerializer
 {
 public:
     /// A root for a document of a version.
@@ -50,10 +50,11 @@ public:
                                           const karmp::documents::Limits& limits = {}) const;
 
 protected:
+    /// A node that stands in the memory of a tree and ends with it.
+    explicit KARMPDocumentWriter(karmp::NodeMemory& memory) : KARMPSerializer(memory) {}
+
     KARMPSerializer* CreateChildElement() override;
 
 private:
     friend class karmp::documents::XmlRenderer;
-    /// A node below a root: it stands in the root's memory and ends with it.
-    explicit KARMPDocumentWriter(karmp::NodeMemory& memory) : KARMPSerializer(memory) {}
 };

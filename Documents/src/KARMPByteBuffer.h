@@ -83,6 +83,9 @@ public:
         return isWord;
     }
 
+    /// The size of the text with all that was put.
+    std::size_t Size() const { return m_bytes.size() + m_count; }
+
     /// The text with all that was put.
     std::string& Flushed()
     {
@@ -92,7 +95,7 @@ public:
     }
 
 private:
-    static constexpr std::size_t Size = 4096;
+    static constexpr std::size_t PendingSize = 4096;
     static constexpr std::size_t LongestPiece = 256;
     static constexpr std::size_t LongestNumber = 32;
 
@@ -114,14 +117,14 @@ private:
 
     void MakeRoom(std::size_t count)
     {
-        if (m_count + count > Size) {
+        if (m_count + count > PendingSize) {
             Flushed();
         }
     }
 
     std::string& m_bytes;
     std::size_t m_count = 0;
-    std::array<char, Size> m_pending{};
+    std::array<char, PendingSize> m_pending{};
 };
 
 } // namespace karmp::documents

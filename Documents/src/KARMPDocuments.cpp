@@ -3,8 +3,11 @@
 #include "KARMPDocumentNames.h"
 #include "KARMPDocumentPath.h"
 #include "KARMPFailedCheck.h"
+#include "KARMPFamilies.h"
 #include "KARMPFileAccess.h"
 #include "KARMPReadingPlace.h"
+#include "KARMPStreamedTree.h"
+#include "KARMPTextRoom.h"
 #include "KARMPWorld.h"
 #include "QOBBasicWorld.h"
 #include "QOBException.h"
@@ -54,29 +57,38 @@ private:
     const KARMPDocumentReader* m_root;
 };
 
+std::string While(std::string_view event, std::string_view deed)
+{
+    return std::string(event) + " while " + std::string(deed);
+}
+
 // Runs a part of an operation and turns every exception into a message. False after one.
 template <class Part>
-bool Guarded(Messages& messages, const std::string& deed, Part part)
+bool Guarded(Messages& messages, std::string_view deed, Part part)
 {
     try {
         part();
         return true;
     } catch (const QOBEInvalidCast&) {
         messages.Error(Code::InvalidCast,
-                       "the library gave up while " + deed + ": a reference has a wrong class");
+                       While("the library gave up", deed) + ": a reference has a wrong class");
     } catch (const std::bad_alloc&) {
-        messages.Error(Code::OutOfMemory, "memory ended while " + deed);
+        messages.Error(Code::OutOfMemory, While("memory ended", deed));
     } catch (const std::exception& exception) {
-        messages.Error(Code::Failed, "the library gave up while " + deed + ": " + exception.what());
+        messages.Error(Code::Failed, While("the library gave up", deed) + ": " + exception.what());
     }
     return false;
 }
 
-void NameMessages(Diagnostics& diagnostics, const std::string& name)
+// About the size of a world's document.
+std::size_t ExpectedSize(const KARMPWorld& world)
 {
-    for (Diagnostic& item : diagnostics.items) {
-        item.file = name;
-    }
+    constexpr std::size_t entitySize = 1U << 10U;
+    std::size_t count = 0;
+    Families::ForEach([&world, &count](auto family) {
+        count += static_cast<std::size_t>(world.Count<typename decltype(family)::Type>());
+    });
+    return count * entitySize;
 }
 
 // Appends a world's document to `bytes`.
@@ -94,18 +106,20 @@ Diagnostics RenderWorld(const QOBSharedHandle<KARMPWorld>& world, const std::str
         messages.Error(Code::Failed, "there is no world to save");
         return diagnostics;
     }
-    const std::string deed = "the world was written";
+    constexpr std::string_view deed = "the world was written";
     Guarded(messages, deed, [&] {
-        KARMPDocumentWriter root(options.version, options.doubles);
+        MakeRoom(bytes, ExpectedSize(*world));
+        Diagnostics rendered;
+        Messages renderMessages(rendered, name, options.limits.diagnostics);
+        StreamedTree tree(options.version, options.doubles, bytes, options.limits, renderMessages);
         {
-            const CheckListener listener(messages, deed);
-            if (KARFailed(world->Serialize(&root))) {
+            const CheckListener listener(messages, std::string(deed));
+            if (KARFailed(world->Serialize(&tree.Root()))) {
                 messages.Error(Code::Failed, "the world could not be written");
                 return;
             }
         }
-        Diagnostics rendered = root.RenderXml(bytes, options.limits);
-        NameMessages(rendered, name);
+        tree.Finish();
         std::move(rendered.items.begin(), rendered.items.end(),
                   std::back_inserter(diagnostics.items));
     });

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <unordered_set>
+#include <utility>
 
 namespace karmp::documents {
 
@@ -53,17 +54,67 @@ bool XmlRenderer::IsGroupOfNumbers(const Node& node)
     return true;
 }
 
-bool XmlRenderer::Render(const KARMPDocumentWriter& node)
+bool XmlRenderer::Render(const Node& node)
+{
+    const bool rendered = Begin(node) && RenderDownTo(0) && End();
+    return rendered || Report();
+}
+
+std::optional<std::size_t> XmlRenderer::RenderChildren(const Node& root, const Node& node)
+{
+    if (m_failure) {
+        return std::nullopt;
+    }
+    const auto isNode = [&node](const Level& level) { return level.node == &node; };
+    auto found = std::find_if(m_levels.begin(), m_levels.end(), isNode);
+    if (found == m_levels.end()) {
+        const std::vector<const Node*> way = WayTo(root, node);
+        if (way.empty() || !OpenAll(way)) {
+            return std::nullopt;
+        }
+        found = m_levels.end() - 1;
+    }
+    const auto depth = static_cast<std::size_t>(found - m_levels.begin());
+    if (!RenderDownTo(depth + 1)) {
+        return std::nullopt;
+    }
+    Count(depth);
+    return depth;
+}
+
+bool XmlRenderer::Finish(const Node& root)
+{
+    if (!m_failure && (!m_levels.empty() || Begin(root)) && RenderDownTo(0) && End()) {
+        return true;
+    }
+    // The failure that stands first in the document is told: an element that was still open may
+    // have got a wrong attribute since.
+    for (const Level& level : std::exchange(m_levels, {})) {
+        m_levels.push_back(level);
+        if (!Start(*level.node)) {
+            break;
+        }
+    }
+    return Report();
+}
+
+bool XmlRenderer::Begin(const Node& node)
 {
     if (IsRoot(node)) {
         m_out.Put("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n");
     }
-    if (!Open(node)) {
-        return false;
-    }
+    return Open(node);
+}
+
+// Writes what the open elements hold, until that many are open and the innermost one has no more.
+bool XmlRenderer::RenderDownTo(std::size_t count)
+{
     while (!m_levels.empty()) {
         Level& level = m_levels.back();
         if (level.next == level.node->GetElementCount()) {
+            if (m_levels.size() == count) {
+                return true;
+            }
             if (!Close()) {
                 return false;
             }
@@ -77,6 +128,11 @@ bool XmlRenderer::Render(const KARMPDocumentWriter& node)
             }
         }
     }
+    return true;
+}
+
+bool XmlRenderer::End()
+{
     m_out.Put('\n');
     if (m_out.Flushed().size() > m_limits.bytes) {
         return Fail(Code::TooLarge, "the document is larger than the limit of " +
@@ -85,10 +141,103 @@ bool XmlRenderer::Render(const KARMPDocumentWriter& node)
     return true;
 }
 
+// The elements to open before the children of `node` can be written, each the next one of the one
+// before; none when something before `node` may still change, or when it cannot be told yet whether
+// its children stand on one line.
+std::vector<const XmlRenderer::Node*> XmlRenderer::WayTo(const Node& root, const Node& node) const
+{
+    if (IsLeaf(node) || IsGroupOfNumbers(node)) {
+        return {};
+    }
+    std::vector<const Node*> way;
+    const Node* last = &root;
+    std::size_t rendered = 0;
+    if (m_levels.empty()) {
+        way.push_back(&root);
+    } else {
+        last = m_levels.back().node;
+        rendered = m_levels.back().next;
+    }
+    while (last != &node) {
+        if (last->GetElementCount() <= rendered) {
+            return {};
+        }
+        last = Child(*last, rendered);
+        rendered = 0;
+        way.push_back(last);
+    }
+    return way;
+}
+
+bool XmlRenderer::OpenAll(const std::vector<const Node*>& way)
+{
+    for (const Node* const node : way) {
+        bool opened = false;
+        if (m_levels.empty()) {
+            opened = Begin(*node);
+        } else {
+            ++m_levels.back().next;
+            NewLine();
+            opened = Open(*node);
+        }
+        if (!opened) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// Notes the names of the children that have been written of an open element: the children may be
+// gone when a message must number them.
+void XmlRenderer::Count(std::size_t depth)
+{
+    m_gone.resize(depth + 1);
+    Gone& gone = m_gone[depth];
+    const Level& level = m_levels[depth];
+    for (; gone.count < level.next; ++gone.count) {
+        const std::wstring_view name = Child(*level.node, gone.count)->GetId();
+        auto& names = gone.names;
+        auto known = std::find_if(names.rbegin(), names.rend(),
+                                  [name](const auto& entry) { return entry.first == name; });
+        if (known != names.rend()) {
+            ++known->second;
+        } else {
+            names.emplace_back(name, 1);
+        }
+    }
+}
+
 // Writes a leaf whole; of any other element all up to its first child.
 bool XmlRenderer::Open(const Node& node)
 {
-    m_levels.push_back({&node, 0, false});
+    m_levels.push_back({&node, 0, 0, 0, false});
+    if (!Start(node)) {
+        return false;
+    }
+    if (!IsLeaf(node)) {
+        Level& level = m_levels.back();
+        level.attributes = node.GetAttributeCount();
+        level.attributesEnd = m_out.Size();
+        level.oneLine = IsGroupOfNumbers(node);
+        m_out.Put('>');
+        Value(node);
+        return true;
+    }
+    bool closed = true;
+    if (node.GetType() == Type::None) {
+        m_out.Put("/>");
+    } else {
+        m_out.Put('>');
+        Value(node);
+        closed = EndTag(node);
+    }
+    m_levels.pop_back();
+    return closed;
+}
+
+// Writes the start of the innermost element but for its last mark.
+bool XmlRenderer::Start(const Node& node)
+{
     if (m_levels.size() > m_limits.depth) {
         return Fail(Code::TooDeep,
                     "an element stands deeper than the limit of " + std::to_string(m_limits.depth));
@@ -105,35 +254,36 @@ bool XmlRenderer::Open(const Node& node)
     } else if (!Name(node.GetId(), "element")) {
         return false;
     }
-    if (!Attributes(node)) {
-        return false;
-    }
-    if (!IsLeaf(node)) {
-        m_out.Put('>');
-        Value(node);
-        m_levels.back().oneLine = IsGroupOfNumbers(node);
-        return true;
-    }
-    bool closed = true;
-    if (node.GetType() == Type::None) {
-        m_out.Put("/>");
-    } else {
-        m_out.Put('>');
-        Value(node);
-        closed = EndTag(node);
-    }
-    m_levels.pop_back();
-    return closed;
+    return Attributes(node, 0);
 }
 
 bool XmlRenderer::Close()
 {
     const Level level = m_levels.back();
+    if (level.node->GetAttributeCount() != level.attributes && !InsertAttributes(level)) {
+        return false;
+    }
     m_levels.pop_back();
+    m_gone.resize(std::min(m_gone.size(), m_levels.size()));
     if (!level.oneLine) {
         NewLine();
     }
     return EndTag(*level.node);
+}
+
+// Puts the attributes that were added after the start of an element was written to the others.
+bool XmlRenderer::InsertAttributes(const Level& level)
+{
+    const std::size_t before = m_out.Size();
+    if (!Attributes(*level.node, level.attributes)) {
+        return false;
+    }
+    std::string& bytes = m_out.Flushed();
+    const auto place = [&bytes](std::size_t offset) {
+        return bytes.begin() + static_cast<std::ptrdiff_t>(offset);
+    };
+    std::rotate(place(level.attributesEnd), place(before), bytes.end());
+    return true;
 }
 
 // At the indentation of what stands under the innermost open element.
@@ -169,13 +319,12 @@ const std::string* XmlRenderer::NameBytes(std::wstring_view name, std::string_vi
 {
     const auto place = reinterpret_cast<std::uintptr_t>(name.data());
     KnownName& known = m_names[(place >> 4U ^ place >> 12U) % m_names.size()];
-    if (known.place != name.data() || known.length != name.size()) {
-        known.place = nullptr;
+    if (known.name != name || name.empty()) {
+        known.name.clear();
         if (!CheckName(name, what, known.bytes)) {
             return nullptr;
         }
-        known.place = name.data();
-        known.length = name.size();
+        known.name = name;
     }
     return &known.bytes;
 }
@@ -196,10 +345,10 @@ bool XmlRenderer::CheckName(std::wstring_view name, std::string_view what, std::
     return true;
 }
 
-bool XmlRenderer::Attributes(const Node& node)
+bool XmlRenderer::Attributes(const Node& node, std::size_t first)
 {
     const std::size_t count = node.GetAttributeCount();
-    for (std::size_t place = 0; place < count; ++place) {
+    for (std::size_t place = first; place < count; ++place) {
         const int index = static_cast<int>(place);
         m_out.Put(' ');
         if (!Name(node.GetAttributeId(index), "attribute")) {
@@ -290,7 +439,13 @@ void XmlRenderer::Value(const Node& node)
 
 bool XmlRenderer::Fail(Code code, std::string text)
 {
-    m_messages.Error(code, std::move(text), Path());
+    m_failure = {code, std::move(text)};
+    return false;
+}
+
+bool XmlRenderer::Report()
+{
+    m_messages.Error(m_failure->code, m_failure->text, Path());
     return false;
 }
 
@@ -313,7 +468,15 @@ std::string XmlRenderer::Path() const
         const Node& parent = *m_levels[place - 1].node;
         std::size_t number = 0;
         std::size_t total = 0;
-        for (std::size_t index = 0; index < parent.GetElementCount(); ++index) {
+        std::size_t index = 0;
+        if (place <= m_gone.size()) {
+            const Gone& gone = m_gone[place - 1];
+            index = gone.count;
+            for (const auto& [name, count] : gone.names) {
+                total += name == node.GetId() ? count : 0U;
+            }
+        }
+        for (; index < parent.GetElementCount(); ++index) {
             const Node* const sibling = Child(parent, index);
             total += sibling->GetId() == node.GetId() ? 1U : 0U;
             if (sibling == &node) {

@@ -7,8 +7,11 @@
 #include "KARMPTextEscapes.h"
 
 #include <array>
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace karmp::documents {
@@ -21,24 +24,46 @@ public:
         : m_out(bytes), m_limits(limits), m_messages(messages)
     {}
 
+    using Node = KARMPDocumentWriter;
+
     /// Appends the form of a node: a document for a root, otherwise the element. False after an
     /// error, with some of it appended.
-    bool Render(const KARMPDocumentWriter& node);
+    bool Render(const Node& node);
+
+    /// Appends of a tree that is still written all up to the end of the children of a node, which
+    /// may go then, and gives the node's depth below the root. Nothing after an error, of which
+    /// Finish tells, or when something before the children may still change.
+    std::optional<std::size_t> RenderChildren(const Node& root, const Node& node);
+    /// Appends the rest of the tree. False after an error, with some of it appended.
+    bool Finish(const Node& root);
 
 private:
-    using Node = KARMPDocumentWriter;
+    /// An open element: which child comes next, how many attributes have been written and where
+    /// they end.
     struct Level
     {
         const Node* node;
         std::size_t next;
+        std::size_t attributes;
+        std::size_t attributesEnd;
         bool oneLine;
     };
-    /// A name that was checked and converted, known by the place of its characters: the tree does
-    /// not change while it is rendered, and equal names mostly share theirs.
+    /// The children of an open element that may be gone, and how many there were of each name.
+    struct Gone
+    {
+        std::size_t count = 0;
+        std::vector<std::pair<std::wstring, std::size_t>> names;
+    };
+    struct Failure
+    {
+        Code code;
+        std::string text;
+    };
+    /// A name that was checked and converted. Equal names mostly share their characters' place, but
+    /// another name may stand there later.
     struct KnownName
     {
-        const wchar_t* place = nullptr;
-        std::size_t length = 0;
+        std::wstring name;
         std::string bytes;
     };
 
@@ -46,24 +71,35 @@ private:
     static bool IsRoot(const Node& node);
     static bool IsLeaf(const Node& node);
     static bool IsGroupOfNumbers(const Node& node);
+    bool Begin(const Node& node);
+    bool RenderDownTo(std::size_t count);
+    bool End();
+    std::vector<const Node*> WayTo(const Node& root, const Node& node) const;
+    bool OpenAll(const std::vector<const Node*>& way);
+    void Count(std::size_t depth);
     bool Open(const Node& node);
+    bool Start(const Node& node);
     bool Close();
+    bool InsertAttributes(const Level& level);
     const std::string* NameBytes(std::wstring_view name, std::string_view what);
     bool Name(std::wstring_view name, std::string_view what);
     bool CheckName(std::wstring_view name, std::string_view what, std::string& bytes);
     bool EndTag(const Node& node);
-    bool Attributes(const Node& node);
+    bool Attributes(const Node& node, std::size_t first);
     bool FindDuplicateAttribute(const Node& node);
     void Text(std::wstring_view text, TextPlace place);
     void Value(const Node& node);
     void NewLine();
     bool Fail(Code code, std::string text);
+    bool Report();
     std::string Path() const;
 
     ByteBuffer m_out;
     const Limits& m_limits;
     Messages& m_messages;
     std::vector<Level> m_levels;
+    std::vector<Gone> m_gone;
+    std::optional<Failure> m_failure;
     std::array<KnownName, 256> m_names;
 };
 

@@ -1,6 +1,7 @@
 // Worlds through documents, and what a check finds in them.
 #include "KARMPDocuments.h"
 
+#include "AllocationCounter.h"
 #include "KARMPBody.h"
 #include "KARMPConstant.h"
 #include "KARMPFailedCheck.h"
@@ -11,6 +12,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <sstream>
 #include <string>
 
@@ -79,6 +81,27 @@ protected:
     QOBSharedHandle<KARMPWorld> m_world;
 };
 
+/// A body whose element has a name of a test.
+class NamedBody final : public KARMPBody
+{
+public:
+    static QOBSharedHandle<KARMPBody> create(const std::wstring& element)
+    {
+        auto* const body = new NamedBody;
+        body->m_element = element;
+        return QOBSharedHandle<KARMPBody>(body);
+    }
+    KARStatus Serialize(KARMPSerializer* serializer) const override
+    {
+        KARMPSerializer* element = nullptr;
+        serializer->AddElement(m_element, element);
+        return KARMPEntity::Serialize(element);
+    }
+
+private:
+    std::wstring m_element;
+};
+
 const std::string WorldPath = "/KARMPDocument/World";
 const std::string BodyPath = WorldPath + "/Bodies/Body";
 
@@ -135,6 +158,72 @@ TEST_F(WorldDocument, AnUnknownVersionOrANullWorldIsNotSaved)
     EXPECT_NE(SaveText(m_world, text, options).Find(Code::UnknownVersion), nullptr);
     EXPECT_TRUE(SaveText({}, text).HasErrors());
     EXPECT_EQ(text, "before");
+}
+
+TEST_F(WorldDocument, ASaveTakesLittleMoreMemoryThanTheText)
+{
+    for (int number = 0; number < 2'000; ++number) {
+        m_world->Add(KARMPBody::create(L"Body" + std::to_wstring(number)));
+    }
+    KARMPDocumentWriter root;
+    m_world->Serialize(&root);
+    std::string whole;
+    ExpectNothing(root.RenderXml(whole));
+    EXPECT_EQ(Saved(), whole);
+    if (!AllocationCounter::Counts) {
+        GTEST_SKIP() << "Allocations are not counted in this build";
+    }
+    const AllocationCounter allocations;
+    std::string text;
+    EXPECT_TRUE(SaveText(m_world, text).items.empty());
+    EXPECT_LT(allocations.Bytes(), 2 * text.size());
+}
+
+TEST_F(WorldDocument, AnElementThatCannotBeWrittenIsToldWithItsPathAndNothingIsSaved)
+{
+    m_world->Add(KARMPBody::create(L"a"));
+    m_world->Add(NamedBody::create(L"Body"));
+    m_world->Add(NamedBody::create(L"no name"));
+    m_world->Add(KARMPBody::create(L"b"));
+    std::string text = "before";
+    const Diagnostics diagnostics = SaveText(m_world, text);
+    ASSERT_EQ(diagnostics.items.size(), 1U);
+    EXPECT_EQ(diagnostics.items[0].code, Code::InvalidName);
+    EXPECT_EQ(diagnostics.items[0].path, WorldPath + "/Bodies/no name");
+    EXPECT_EQ(text, "before");
+    const auto path = std::filesystem::temp_directory_path() / "karmp-unsaved.xml";
+    const Diagnostics ofFile = SaveFile(m_world, path);
+    ASSERT_EQ(ofFile.items.size(), 1U);
+    EXPECT_EQ(ofFile.items[0].file, path.string());
+    EXPECT_FALSE(std::filesystem::exists(path));
+}
+
+TEST_F(WorldDocument, ASaveWithoutMemoryEndsInAMessage)
+{
+    if (!AllocationCounter::Counts) {
+        GTEST_SKIP() << "Allocations are not counted in this build";
+    }
+    m_world->Add(KARMPBody::create(std::wstring(100, L'a')));
+    const std::string expected = Saved();
+    const SaveOptions options;
+    std::size_t failures = 0;
+    for (std::size_t number = 1; number < 1000; ++number) {
+        std::string text = "before";
+        AllocationCounter allocations;
+        allocations.FailAllocation(number);
+        const Diagnostics diagnostics = SaveText(m_world, text, options);
+        if (diagnostics.items.empty()) {
+            EXPECT_EQ(text, expected);
+            if (allocations.Count() < number) {
+                break;
+            }
+            continue;
+        }
+        ++failures;
+        EXPECT_NE(diagnostics.Find(Code::OutOfMemory), nullptr);
+        EXPECT_EQ(text, "before");
+    }
+    EXPECT_GT(failures, 3U);
 }
 
 TEST_F(WorldDocument, AStreamTakesTheDocumentOrTheFailureIsTold)

@@ -1,0 +1,46 @@
+// The tree of a document that is rendered while it is written.
+#pragma once
+
+#include "KARMPDocumentWriter.h"
+#include "KARMPMessages.h"
+#include "KARMPNodeMemory.h"
+#include "KARMPXmlRenderer.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace karmp::documents {
+
+/// Children that are complete become text at once, and their memory takes the next ones: the tree
+/// of a large world is many times the size of its text. Text and messages are those of a tree that
+/// is rendered when all of it is written.
+class StreamedTree
+{
+public:
+    /// Appends to `bytes`; all arguments but the version must outlive the tree.
+    StreamedTree(std::wstring_view version, Doubles doubles, std::string& bytes,
+                 const Limits& limits, Messages& messages);
+
+    /// The root for a writer. A node renders by itself as long as it holds all its children.
+    KARMPSerializer& Root();
+    /// Renders the rest. After an error, which is told, `bytes` is as it was.
+    bool Finish();
+
+private:
+    class Node;
+
+    NodeMemory& MemoryAt(std::size_t depth);
+    void ChildrenComplete(Node& node);
+
+    std::string& m_bytes;
+    std::size_t m_before;
+    XmlRenderer m_renderer;
+    // What stands below an element of a depth, once some of its children have gone.
+    std::vector<std::unique_ptr<NodeMemory>> m_memories;
+    NodeMemory m_rootMemory;
+    Node* m_root;
+};
+
+} // namespace karmp::documents
