@@ -9,6 +9,7 @@
 #include "KARStatus.h"
 
 #include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -98,26 +99,38 @@ protected:
     std::wstring_view GetId() const { return m_name.View(); }
     /// The kind of the element's value, and the value; a value of another kind reads as false,
     /// -1.0, -1 or an empty text.
-    Type GetType() const;
-    bool GetValueb() const;
-    double GetValued() const;
-    int GetValuei() const;
-    std::wstring_view GetValues() const;
+    Type GetType() const { return karmp::TypeOf(m_value); }
+    bool GetValueb() const { return karmp::FieldOf(m_value, false); }
+    double GetValued() const { return karmp::FieldOf(m_value, -1.0); }
+    int GetValuei() const { return karmp::FieldOf(m_value, -1); }
+    std::wstring_view GetValues() const { return karmp::TextOf(m_value); }
     /// Name and value in plain form.
     KARMPSerializationVariable GetVariable() const;
 
     /// The children in the order of creation. The index is not checked.
     std::uint64_t GetElementCount() const { return m_elements.size(); }
-    KARMPSerializer* GetElement(int index) const;
+    KARMPSerializer* GetElement(int index) const
+    {
+        return m_elements[static_cast<std::size_t>(index)];
+    }
 
     /// The attributes in the order of addition. The index is not checked.
     std::uint64_t GetAttributeCount() const { return m_attributes.size(); }
-    std::wstring_view GetAttributeId(int index) const;
-    Type GetAttributeType(int index) const;
-    bool GetAttributeValueb(int index) const;
-    double GetAttributeValued(int index) const;
-    int GetAttributeValuei(int index) const;
-    std::wstring_view GetAttributeValues(int index) const;
+    std::wstring_view GetAttributeId(int index) const { return Attribute(index).name.View(); }
+    Type GetAttributeType(int index) const { return karmp::TypeOf(Attribute(index).value); }
+    bool GetAttributeValueb(int index) const
+    {
+        return karmp::FieldOf(Attribute(index).value, false);
+    }
+    double GetAttributeValued(int index) const
+    {
+        return karmp::FieldOf(Attribute(index).value, -1.0);
+    }
+    int GetAttributeValuei(int index) const { return karmp::FieldOf(Attribute(index).value, -1); }
+    std::wstring_view GetAttributeValues(int index) const
+    {
+        return karmp::TextOf(Attribute(index).value);
+    }
     /// An attribute in plain form.
     KARMPSerializationVariable GetAttribute(int index) const;
 
@@ -127,7 +140,10 @@ private:
     KARStatus AddValue(std::wstring_view name, karmp::NodeValue&& value);
     KARStatus AddElementWithValue(std::wstring_view name, KARMPSerializer*& child,
                                   karmp::NodeValue&& value);
-    const karmp::NodeAttribute& Attribute(int index) const;
+    const karmp::NodeAttribute& Attribute(int index) const
+    {
+        return m_attributes[static_cast<std::size_t>(index)];
+    }
     double StoredDouble(double value) const;
     karmp::NodeText NameText(std::wstring_view text) const;
     karmp::NodeText ValueText(std::wstring_view text) const;

@@ -4,6 +4,13 @@
 
 namespace karmp {
 
+namespace {
+
+constexpr std::wstring_view Id = L"id";
+constexpr std::wstring_view Name = L"name";
+
+} // namespace
+
 ElementWriter::ElementWriter(KARMPSerializer* node, Where where)
     : m_node(node), m_failed(!KARMPVerify(node != nullptr, where))
 {}
@@ -113,17 +120,17 @@ bool ElementWriter::ReferenceAttributes(const KARMPEntity* entity, bool withName
 {
     const std::wstring* identifier = nullptr;
     if (!KARFailed(EntityAccess::Identifier(*entity, identifier)))
-        Attribute(L"id", *identifier, where);
+        Attribute(Id, *identifier, where);
     if (withName)
-        Attribute(L"name", entity->getEntityName(), where);
+        Attribute(Name, entity->getEntityName(), where);
     return !m_failed;
 }
 
 void ElementWriter::UnknownReference(std::wstring_view item, Where where)
 {
     ElementWriter child = Child(item, where);
-    child.Attribute(L"id", true, where);
-    child.Attribute(L"name", true, where);
+    child.Attribute(Id, true, where);
+    child.Attribute(Name, true, where);
 }
 
 } // namespace karmp

@@ -218,74 +218,9 @@ bool KARMPSerializer::SerializeName()
     return named;
 }
 
-KARMPSerializer::Type KARMPSerializer::GetType() const
-{
-    return karmp::TypeOf(m_value);
-}
-
-bool KARMPSerializer::GetValueb() const
-{
-    return karmp::FieldOf(m_value, false);
-}
-
-double KARMPSerializer::GetValued() const
-{
-    return karmp::FieldOf(m_value, -1.0);
-}
-
-int KARMPSerializer::GetValuei() const
-{
-    return karmp::FieldOf(m_value, -1);
-}
-
-std::wstring_view KARMPSerializer::GetValues() const
-{
-    return karmp::TextOf(m_value);
-}
-
 KARMPSerializationVariable KARMPSerializer::GetVariable() const
 {
     return karmp::PlainVariable(GetId(), m_value);
-}
-
-KARMPSerializer* KARMPSerializer::GetElement(int index) const
-{
-    return m_elements[static_cast<std::size_t>(index)];
-}
-
-const karmp::NodeAttribute& KARMPSerializer::Attribute(int index) const
-{
-    return m_attributes[static_cast<std::size_t>(index)];
-}
-
-std::wstring_view KARMPSerializer::GetAttributeId(int index) const
-{
-    return Attribute(index).name.View();
-}
-
-KARMPSerializer::Type KARMPSerializer::GetAttributeType(int index) const
-{
-    return karmp::TypeOf(Attribute(index).value);
-}
-
-bool KARMPSerializer::GetAttributeValueb(int index) const
-{
-    return karmp::FieldOf(Attribute(index).value, false);
-}
-
-double KARMPSerializer::GetAttributeValued(int index) const
-{
-    return karmp::FieldOf(Attribute(index).value, -1.0);
-}
-
-int KARMPSerializer::GetAttributeValuei(int index) const
-{
-    return karmp::FieldOf(Attribute(index).value, -1);
-}
-
-std::wstring_view KARMPSerializer::GetAttributeValues(int index) const
-{
-    return karmp::TextOf(Attribute(index).value);
 }
 
 KARMPSerializationVariable KARMPSerializer::GetAttribute(int index) const
