@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -32,18 +33,8 @@ public:
             return;
         }
         MakeRoom(piece.size());
-        std::copy(piece.begin(), piece.end(), m_pending.begin() + m_count);
+        Copy(piece, m_pending.data() + m_count);
         m_count += piece.size();
-    }
-
-    void PutBlanks(std::size_t count)
-    {
-        for (; count > LongestPiece; count -= LongestPiece) {
-            PutBlanks(LongestPiece);
-        }
-        MakeRoom(count);
-        std::fill_n(m_pending.begin() + m_count, count, ' ');
-        m_count += count;
     }
 
     /// Appends the shortest form that reads back the same.
@@ -65,22 +56,30 @@ public:
                                             begin);
     }
 
-    /// Appends a text of ASCII letters, digits and ".", "-", "_", which no form escapes; false,
-    /// with nothing appended, when it holds anything else or is long.
-    bool PutWord(std::wstring_view text)
+    /// Appends a text of ASCII characters that stand for themselves wherever they are; false, with
+    /// nothing appended, when it holds anything else, has a blank at an end or is long.
+    bool PutPlain(std::wstring_view text)
     {
-        if (text.size() > LongestPiece) {
+        if (text.empty()) {
+            return true;
+        }
+        if (text.size() > LongestPiece || text.front() == L' ' || text.back() == L' ') {
             return false;
         }
         MakeRoom(text.size());
-        bool isWord = true;
+        // Without a way out in between, the characters go fast.
+        std::uint32_t all = 0;
+        bool isPlain = true;
         std::transform(text.begin(), text.end(), m_pending.begin() + m_count,
-                       [&isWord](wchar_t character) {
-                           isWord = isWord && IsWordCharacter(character);
+                       [&all, &isPlain](wchar_t character) {
+                           const auto unit = static_cast<std::uint32_t>(character);
+                           all |= unit;
+                           isPlain &= PlainTable[unit % PlainTable.size()];
                            return static_cast<char>(character);
                        });
-        m_count += isWord ? text.size() : 0;
-        return isWord;
+        isPlain &= all < PlainTable.size();
+        m_count += isPlain ? text.size() : 0;
+        return isPlain;
     }
 
     /// The size of the text with all that was put.
@@ -99,20 +98,41 @@ private:
     static constexpr std::size_t LongestPiece = 256;
     static constexpr std::size_t LongestNumber = 32;
 
-    static constexpr std::size_t WordTableSize = 128;
-    static constexpr std::array<bool, WordTableSize> WordTable = [] {
-        std::array<bool, WordTableSize> table{};
-        for (const char character : std::string_view("0123456789abcdefghijklmnopqrstuvwxyz"
-                                                     "ABCDEFGHIJKLMNOPQRSTUVWXYZ.-_")) {
-            table[static_cast<std::size_t>(character)] = true;
+    static constexpr std::array<bool, 128> PlainTable = [] {
+        std::array<bool, 128> table{};
+        for (std::size_t unit = 0x20; unit < 0x7F; ++unit) {
+            table[unit] = unit != '&' && unit != '<' && unit != '>' && unit != '"' && unit != '\\';
         }
         return table;
     }();
 
-    static bool IsWordCharacter(wchar_t character)
+    // Most pieces are shorter than what a call to copy them costs.
+    static void Copy(std::string_view piece, char* to)
     {
-        const auto unit = static_cast<std::uint32_t>(character);
-        return unit < WordTableSize && WordTable[unit];
+        const std::size_t size = piece.size();
+        if (size > 2 * sizeof(std::uint64_t)) {
+            std::memcpy(to, piece.data(), size);
+        } else if (size >= sizeof(std::uint64_t)) {
+            CopyEnds<std::uint64_t>(piece, to);
+        } else if (size >= sizeof(std::uint32_t)) {
+            CopyEnds<std::uint32_t>(piece, to);
+        } else {
+            for (std::size_t place = 0; place < size; ++place) {
+                to[place] = piece[place];
+            }
+        }
+    }
+    // Copies as many bytes as a word has from either end; they may overlap.
+    template <class Word>
+    static void CopyEnds(std::string_view piece, char* to)
+    {
+        const std::size_t last = piece.size() - sizeof(Word);
+        Word first = 0;
+        Word second = 0;
+        std::memcpy(&first, piece.data(), sizeof(Word));
+        std::memcpy(&second, piece.data() + last, sizeof(Word));
+        std::memcpy(to, &first, sizeof(Word));
+        std::memcpy(to + last, &second, sizeof(Word));
     }
 
     void MakeRoom(std::size_t count)

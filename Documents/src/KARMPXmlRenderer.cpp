@@ -15,6 +15,12 @@ using Type = KARMPSerializationVariable::Type;
 
 // Deeper elements are not indented further, so that the text of a deep tree stays linear.
 constexpr std::size_t DeepestIndentation = 100;
+constexpr std::array<char, 1 + DeepestIndentation> LineStart = [] {
+    std::array<char, 1 + DeepestIndentation> line{};
+    line.fill(' ');
+    line.front() = '\n';
+    return line;
+}();
 // An axis system is the largest group of numbers on one line.
 constexpr std::size_t LargestGroup = 12;
 // Up to this many attributes are compared by pairs.
@@ -207,9 +213,33 @@ void XmlRenderer::Count(std::size_t depth)
     }
 }
 
+// Writes an element that holds a value alone and has a known name, as most do; false when it is
+// another one.
+bool XmlRenderer::PutLeaf(const Node& node)
+{
+    if (!IsLeaf(node) || node.GetAttributeCount() != 0 || node.GetType() == Type::None ||
+        m_levels.size() >= m_limits.depth) {
+        return false;
+    }
+    const std::wstring_view id = node.GetId();
+    const KnownName& name = PlaceOf(id);
+    if (id.empty() || name.name != id) {
+        return false;
+    }
+    m_out.Put('<');
+    m_out.Put(name.Bytes());
+    m_out.Put('>');
+    Value(node);
+    m_out.Put(name.endTag);
+    return true;
+}
+
 // Writes a leaf whole; of any other element all up to its first child.
 bool XmlRenderer::Open(const Node& node)
 {
+    if (PutLeaf(node)) {
+        return true;
+    }
     m_levels.push_back({&node, 0, 0, 0, false});
     if (!Start(node)) {
         return false;
@@ -251,7 +281,9 @@ bool XmlRenderer::Start(const Node& node)
         m_out.Put(" version=\"");
         Text(node.Version(), TextPlace::Attribute);
         m_out.Put('"');
-    } else if (!Name(node.GetId(), "element")) {
+    } else if (const KnownName* const name = Known(node.GetId(), "element")) {
+        m_out.Put(name->Bytes());
+    } else {
         return false;
     }
     return Attributes(node, 0);
@@ -289,59 +321,60 @@ bool XmlRenderer::InsertAttributes(const Level& level)
 // At the indentation of what stands under the innermost open element.
 void XmlRenderer::NewLine()
 {
-    m_out.Put('\n');
-    m_out.PutBlanks(std::min(m_levels.size(), DeepestIndentation));
+    constexpr std::string_view line(LineStart.data(), LineStart.size());
+    m_out.Put(line.substr(0, 1 + std::min(m_levels.size(), DeepestIndentation)));
 }
 
 bool XmlRenderer::EndTag(const Node& node)
 {
-    m_out.Put("</");
     if (IsRoot(node)) {
+        m_out.Put("</");
         m_out.Put(RootName);
-    } else if (!Name(node.GetId(), "element")) {
-        return false;
+        m_out.Put('>');
+        return true;
     }
-    m_out.Put('>');
-    return true;
+    const KnownName* const name = Known(node.GetId(), "element");
+    if (name != nullptr) {
+        m_out.Put(name->endTag);
+    }
+    return name != nullptr;
 }
 
-bool XmlRenderer::Name(std::wstring_view name, std::string_view what)
-{
-    const std::string* const bytes = NameBytes(name, what);
-    if (bytes != nullptr) {
-        m_out.Put(*bytes);
-    }
-    return bytes != nullptr;
-}
-
-// The UTF-8 of a name, valid until the next call; null after an error.
-const std::string* XmlRenderer::NameBytes(std::wstring_view name, std::string_view what)
+// Where a name is kept if it is known.
+XmlRenderer::KnownName& XmlRenderer::PlaceOf(std::wstring_view name)
 {
     const auto place = reinterpret_cast<std::uintptr_t>(name.data());
-    KnownName& known = m_names[(place >> 4U ^ place >> 12U) % m_names.size()];
-    if (known.name != name || name.empty()) {
-        known.name.clear();
-        if (!CheckName(name, what, known.bytes)) {
-            return nullptr;
-        }
-        known.name = name;
-    }
-    return &known.bytes;
+    return m_names[(place >> 4U ^ place >> 12U) % m_names.size()];
 }
 
-bool XmlRenderer::CheckName(std::wstring_view name, std::string_view what, std::string& bytes)
+// A name in its forms, valid until the next call; null after an error.
+const XmlRenderer::KnownName* XmlRenderer::Known(std::wstring_view name, std::string_view what)
+{
+    KnownName& known = PlaceOf(name);
+    if (known.name == name && !name.empty()) {
+        return &known;
+    }
+    known.name.clear();
+    return CheckName(name, what, known) ? &known : nullptr;
+}
+
+bool XmlRenderer::CheckName(std::wstring_view name, std::string_view what, KnownName& known)
 {
     if (!IsXmlName(name)) {
         return Fail(Code::InvalidName,
                     "the " + std::string(what) + " name " + Quoted(name) + " is no XML name");
     }
-    bytes.clear();
+    std::string bytes;
     AppendUtf8(bytes, name);
     if (bytes.size() > m_limits.nameLength) {
         return Fail(Code::NameTooLong, "the " + std::string(what) + " name " + Quoted(name) +
                                            " is longer than the limit of " +
                                            std::to_string(m_limits.nameLength) + " bytes");
     }
+    known.length = bytes.size();
+    known.endTag = "</" + bytes + '>';
+    known.attribute = ' ' + bytes + "=\"";
+    known.name = name;
     return true;
 }
 
@@ -350,11 +383,11 @@ bool XmlRenderer::Attributes(const Node& node, std::size_t first)
     const std::size_t count = node.GetAttributeCount();
     for (std::size_t place = first; place < count; ++place) {
         const int index = static_cast<int>(place);
-        m_out.Put(' ');
-        if (!Name(node.GetAttributeId(index), "attribute")) {
+        const KnownName* const name = Known(node.GetAttributeId(index), "attribute");
+        if (name == nullptr) {
             return false;
         }
-        m_out.Put("=\"");
+        m_out.Put(name->attribute);
         switch (node.GetAttributeType(index)) {
         case Type::Bool:
             m_out.Put(node.GetAttributeValueb(index) ? "true" : "false");
@@ -412,7 +445,7 @@ bool XmlRenderer::FindDuplicateAttribute(const Node& node)
 
 void XmlRenderer::Text(std::wstring_view text, TextPlace place)
 {
-    if (!m_out.PutWord(text)) {
+    if (!m_out.PutPlain(text)) {
         AppendEscaped(m_out.Flushed(), text, place);
     }
 }

@@ -59,12 +59,16 @@ private:
         Code code;
         std::string text;
     };
-    /// A name that was checked and converted. Equal names mostly share their characters' place, but
-    /// another name may stand there later.
+    /// A name that was checked and converted, in the forms in which it is written. Equal names
+    /// mostly share their characters' place, but another name may stand there later.
     struct KnownName
     {
+        std::string_view Bytes() const { return std::string_view(endTag).substr(2, length); }
+
         std::wstring name;
-        std::string bytes;
+        std::size_t length = 0;
+        std::string endTag;
+        std::string attribute;
     };
 
     static const Node* Child(const Node& node, std::size_t index);
@@ -78,12 +82,13 @@ private:
     bool OpenAll(const std::vector<const Node*>& way);
     void Count(std::size_t depth);
     bool Open(const Node& node);
+    bool PutLeaf(const Node& node);
     bool Start(const Node& node);
     bool Close();
     bool InsertAttributes(const Level& level);
-    const std::string* NameBytes(std::wstring_view name, std::string_view what);
-    bool Name(std::wstring_view name, std::string_view what);
-    bool CheckName(std::wstring_view name, std::string_view what, std::string& bytes);
+    KnownName& PlaceOf(std::wstring_view name);
+    const KnownName* Known(std::wstring_view name, std::string_view what);
+    bool CheckName(std::wstring_view name, std::string_view what, KnownName& known);
     bool EndTag(const Node& node);
     bool Attributes(const Node& node, std::size_t first);
     bool FindDuplicateAttribute(const Node& node);

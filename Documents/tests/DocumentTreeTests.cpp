@@ -143,6 +143,25 @@ TEST(DocumentTree, EveryTextComesBackAsItWas)
     }
 }
 
+TEST(DocumentTree, OnlyWhatXmlNeedsIsEscaped)
+{
+    KARMPDocumentWriter root;
+    for (const wchar_t* text : {L"a b~", L"a ", L" a", L"a>b", L"a<b", L"a&b", L"a\"b", L"a\\b"}) {
+        Add(root, L"T", text)->AddAttribute(L"t", text);
+    }
+    EXPECT_EQ(TextOf(root), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                            "<KARMPDocument version=\"R2018.1\">\n"
+                            " <T t=\"a b~\">a b~</T>\n"
+                            " <T t=\"a \">a&#32;</T>\n"
+                            " <T t=\" a\">&#32;a</T>\n"
+                            " <T t=\"a&gt;b\">a&gt;b</T>\n"
+                            " <T t=\"a&lt;b\">a&lt;b</T>\n"
+                            " <T t=\"a&amp;b\">a&amp;b</T>\n"
+                            " <T t=\"a&quot;b\">a&quot;b</T>\n"
+                            " <T t=\"a\\b\">a\\b</T>\n"
+                            "</KARMPDocument>\n");
+}
+
 TEST(DocumentTree, ValuesThatAreNoCharacterComeBackAsTheyWere)
 {
     std::wstring text = L"a";
@@ -441,6 +460,14 @@ TEST(DocumentTree, WhatExceedsTheReadersLimitsIsNotWritten)
     limits.bytes = 50;
     EXPECT_NE(root.RenderXml(text, limits).Find(Code::TooLarge), nullptr);
     EXPECT_EQ(text, "");
+    // A name that was met before does not hide the depth.
+    KARMPDocumentWriter other;
+    Add(*Add(other, L"A"), L"A", 1);
+    limits = {};
+    limits.depth = 2;
+    const Diagnostics diagnostics = other.RenderXml(text, limits);
+    ASSERT_NE(diagnostics.Find(Code::TooDeep), nullptr);
+    EXPECT_EQ(diagnostics.items[0].path, "/KARMPDocument/A/A");
 }
 
 TEST(DocumentTree, ASubtreeRendersAsItsElement)
