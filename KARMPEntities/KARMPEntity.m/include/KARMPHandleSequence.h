@@ -5,24 +5,25 @@
 #include "QOBSharedHandle.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
-#include <vector>
 
 /// Short sequences are scanned. A long one keeps an index beside the handles, so that a test for an
 /// entry, appending, removing and access by position stay cheap whatever the order of the calls.
+/// An empty one is no more than a null pointer, as most of the many sequences of a model are empty.
 class KARMP_API KARMPHandleSequence
 {
 public:
-    KARMPHandleSequence();
+    KARMPHandleSequence() noexcept = default;
     /// A copy holds the same referents in the same order.
     KARMPHandleSequence(const KARMPHandleSequence& source);
-    KARMPHandleSequence(KARMPHandleSequence&&) noexcept;
-    ~KARMPHandleSequence();
+    KARMPHandleSequence(KARMPHandleSequence&&) noexcept = default;
+    ~KARMPHandleSequence() = default;
     KARMPHandleSequence& operator=(const KARMPHandleSequence& source);
     KARMPHandleSequence& operator=(KARMPHandleSequence&&) noexcept;
 
     /// Number of entries.
-    std::size_t Count() const noexcept { return m_slots.size() - m_holes; }
+    std::size_t Count() const noexcept { return m_block != nullptr ? m_block->count : 0; }
     /// True when an entry refers to the object.
     bool Contains(const QOBSharedObject* object) const;
     /// The entry at a position below Count().
@@ -41,16 +42,34 @@ public:
 
 private:
     struct Index;
+    /// Stands in one piece of memory with the slots that follow it.
+    struct Block
+    {
+        Index* index = nullptr; // only while the sequence is long
+        std::uint32_t count = 0;
+        std::uint32_t capacity = 0;
+    };
+    /// Releases the handles, first to last.
+    struct KARMP_API End
+    {
+        void operator()(Block* block) const noexcept;
+    };
 
+    static QOBSharedBase* Slots(Block* block) noexcept;
+    static std::size_t SlotCount(const Block* block) noexcept;
+    QOBSharedBase* Slots() const noexcept { return Slots(m_block.get()); }
+    std::size_t SlotCount() const noexcept { return SlotCount(m_block.get()); }
+    Index* GetIndex() const noexcept { return m_block != nullptr ? m_block->index : nullptr; }
+    void Reserve(std::size_t capacity);
+    void MakeRoom();
     std::size_t SlotOf(const QOBSharedObject* object) const;
     std::size_t SlotAt(std::size_t position) const;
     std::size_t PositionOf(std::size_t slot) const;
-    void Empty(std::size_t slot);
+    QOBSharedBase Extract(std::size_t slot);
     void BuildIndex();
+    void DropIndex() noexcept;
     void RebuildIndex() noexcept;
     void Compact();
 
-    std::vector<QOBSharedBase> m_slots; // an empty handle is a hole
-    std::size_t m_holes = 0;
-    std::unique_ptr<Index> m_index; // only while the sequence is long
+    std::unique_ptr<Block, End> m_block;
 };

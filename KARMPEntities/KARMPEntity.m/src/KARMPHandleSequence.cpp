@@ -2,15 +2,18 @@
 
 #include <algorithm>
 #include <bit>
-#include <cstdint>
+#include <limits>
 #include <new>
-#include <unordered_map>
+#include <stdexcept>
 #include <utility>
+#include <vector>
 
 namespace {
 
 // Up to here a scan of the handles beats the upkeep of an index.
 constexpr std::size_t LongestScanned = 48;
+// The slots that fill a small piece of memory together with what stands before them.
+constexpr std::size_t FirstCapacity = 3;
 
 // Makes the next entry at the end cost no memory.
 template <class T>
@@ -27,8 +30,14 @@ void makeRoom(std::vector<T>& entries)
 // behind it.
 struct KARMPHandleSequence::Index
 {
-    std::unordered_multimap<const QOBSharedObject*, std::size_t> slots;
     std::vector<std::uint32_t> counts; // empty, or one node a slot
+    // One more than the last slot of a referent, at the place of its hash or behind it; 0 is a free
+    // place. Half of the places are free at least, so that a lookup meets few of others.
+    std::vector<std::uint32_t> places;
+    // Empty, or, once a referent is listed twice, for each slot the next one with its referent:
+    // rings, so that the last slot leads to the first.
+    std::vector<std::uint32_t> following;
+    std::uint32_t slots = 0; // holes included
 
     void Push()
     {
@@ -61,26 +70,115 @@ struct KARMPHandleSequence::Index
         }
         return slot;
     }
+
+    std::size_t Home(const QOBSharedObject* object) const
+    {
+        const std::uint64_t hash = reinterpret_cast<std::uintptr_t>(object) * 0x9E3779B97F4A7C15U;
+        return static_cast<std::size_t>(hash >> 32U) & (places.size() - 1);
+    }
+    std::size_t Next(std::size_t place) const { return (place + 1) & (places.size() - 1); }
+    // The place of a referent, or the free one that it would get.
+    std::size_t PlaceOf(const QOBSharedBase* handles, const QOBSharedObject* object) const
+    {
+        std::size_t place = Home(object);
+        while (places[place] != 0 && handles[places[place] - 1] != object)
+            place = Next(place);
+        return place;
+    }
+    // The first slot of a referent, `none` when it has none.
+    std::size_t Find(const QOBSharedBase* handles, const QOBSharedObject* object,
+                     std::size_t none) const
+    {
+        const std::uint32_t place = places[PlaceOf(handles, object)];
+        if (place == 0)
+            return none;
+        return following.empty() ? place - 1 : following[place - 1];
+    }
+    // Makes the entry of one referent more cost no memory.
+    void MakeRoom(const QOBSharedBase* handles, std::size_t count)
+    {
+        if (2 * (count + 1) <= places.size())
+            return;
+        places = std::vector<std::uint32_t>(std::bit_ceil(2 * (count + 1)));
+        for (std::uint32_t slot = 0; slot < slots; ++slot) {
+            const bool last = following.empty() || following[slot] <= slot;
+            if (handles[slot] && last)
+                places[PlaceOf(handles, handles[slot]._getReferent())] = slot + 1;
+        }
+    }
+    // Enters the next slot, behind all others.
+    void Enter(const QOBSharedBase* handles, const QOBSharedObject* object)
+    {
+        std::uint32_t& place = places[PlaceOf(handles, object)];
+        if (place != 0 && following.empty()) {
+            following.reserve(slots + 1);
+            for (std::uint32_t slot = 0; slot < slots; ++slot)
+                following.push_back(slot);
+        }
+        if (!following.empty()) {
+            makeRoom(following);
+            following.push_back(place != 0 ? std::exchange(following[place - 1], slots) : slots);
+        }
+        place = ++slots;
+    }
+    // Takes out a slot whose handle still stands there.
+    void Leave(const QOBSharedBase* handles, std::size_t slot)
+    {
+        const std::size_t place = PlaceOf(handles, handles[slot]._getReferent());
+        if (following.empty() || following[slot] == slot) {
+            Free(handles, place);
+            return;
+        }
+        std::uint32_t before = places[place] - 1;
+        while (following[before] != slot)
+            before = following[before];
+        following[before] = following[slot];
+        if (places[place] == slot + 1)
+            places[place] = before + 1;
+    }
+    // What was entered behind a place that gets free moves up as far as its own hash allows, so
+    // that no lookup ends early.
+    void Free(const QOBSharedBase* handles, std::size_t place)
+    {
+        const std::size_t last = places.size() - 1;
+        for (std::size_t next = Next(place); places[next] != 0; next = Next(next)) {
+            const std::size_t home = Home(handles[places[next] - 1]._getReferent());
+            if (((next - home) & last) >= ((next - place) & last)) {
+                places[place] = places[next];
+                place = next;
+            }
+        }
+        places[place] = 0;
+    }
+    // Forgets the last slot, which is a hole.
+    void Pop()
+    {
+        --slots;
+        if (!counts.empty())
+            counts.pop_back();
+        if (!following.empty())
+            following.pop_back();
+    }
 };
 
-KARMPHandleSequence::KARMPHandleSequence() = default;
-KARMPHandleSequence::KARMPHandleSequence(KARMPHandleSequence&& other) noexcept
-    : m_slots(std::move(other.m_slots)),
-      m_holes(std::exchange(other.m_holes, 0)),
-      m_index(std::move(other.m_index))
+void KARMPHandleSequence::End::operator()(Block* block) const noexcept
 {
-    other.m_slots.clear();
+    std::destroy_n(Slots(block), SlotCount(block));
+    delete block->index;
+    block->~Block();
+    ::operator delete(block);
 }
-KARMPHandleSequence::~KARMPHandleSequence() = default;
 
 KARMPHandleSequence::KARMPHandleSequence(const KARMPHandleSequence& source)
 {
-    m_slots.reserve(source.Count());
-    for (const QOBSharedBase& handle : source.m_slots) {
-        if (handle)
-            m_slots.push_back(handle);
+    if (source.Count() == 0)
+        return;
+    Reserve(source.Count());
+    for (std::size_t slot = 0; slot < source.SlotCount(); ++slot) {
+        if (const QOBSharedBase& handle = source.Slots()[slot])
+            ::new (Slots() + m_block->count++) QOBSharedBase(handle);
     }
-    if (m_slots.size() > LongestScanned)
+    if (Count() > LongestScanned)
         BuildIndex();
 }
 
@@ -94,38 +192,40 @@ KARMPHandleSequence& KARMPHandleSequence::operator=(const KARMPHandleSequence& s
 KARMPHandleSequence& KARMPHandleSequence::operator=(KARMPHandleSequence&& other) noexcept
 {
     KARMPHandleSequence taken(std::move(other));
-    std::swap(m_slots, taken.m_slots);
-    std::swap(m_holes, taken.m_holes);
-    std::swap(m_index, taken.m_index);
+    m_block.swap(taken.m_block);
     return *this;
 }
 
 bool KARMPHandleSequence::Contains(const QOBSharedObject* object) const
 {
-    return SlotOf(object) != m_slots.size();
+    return SlotOf(object) != SlotCount();
 }
 
 const QOBSharedBase& KARMPHandleSequence::At(std::size_t position) const
 {
-    return m_slots[SlotAt(position)];
+    return Slots()[SlotAt(position)];
 }
 
 void KARMPHandleSequence::Append(const QOBSharedBase& handle)
 {
     if (!handle)
         return;
-    if (m_index == nullptr && m_slots.size() >= LongestScanned)
+    if (GetIndex() == nullptr && Count() >= LongestScanned)
         BuildIndex();
-    if (m_index != nullptr) {
-        // Room comes first, so that nothing is half done when memory ends.
-        makeRoom(m_slots);
-        if (!m_index->counts.empty())
-            makeRoom(m_index->counts);
-        m_index->slots.emplace(handle._getReferent(), m_slots.size());
-        if (!m_index->counts.empty())
-            m_index->Push();
+    QOBSharedBase added(handle); // before the argument, which may be an entry, moves
+    // Room comes first, so that nothing is half done when memory ends.
+    MakeRoom();
+    const std::size_t slot = SlotCount();
+    if (Index* const index = m_block->index) {
+        if (!index->counts.empty())
+            makeRoom(index->counts);
+        index->MakeRoom(Slots(), Count());
+        index->Enter(Slots(), added._getReferent());
+        if (!index->counts.empty())
+            index->Push();
     }
-    m_slots.push_back(handle);
+    ::new (Slots() + slot) QOBSharedBase(std::move(added));
+    ++m_block->count;
 }
 
 void KARMPHandleSequence::Insert(std::size_t position, const QOBSharedBase& handle)
@@ -136,130 +236,167 @@ void KARMPHandleSequence::Insert(std::size_t position, const QOBSharedBase& hand
     }
     if (!handle)
         return;
+    QOBSharedBase inserted(handle); // before the argument, which may be an entry, moves
     Compact();
-    m_slots.insert(m_slots.begin() + static_cast<std::ptrdiff_t>(position), handle);
-    if (m_index != nullptr || m_slots.size() > LongestScanned)
+    MakeRoom();
+    QOBSharedBase* const end = Slots() + SlotCount();
+    ::new (end) QOBSharedBase();
+    std::move_backward(Slots() + position, end, end + 1);
+    Slots()[position] = std::move(inserted);
+    ++m_block->count;
+    if (m_block->index != nullptr || Count() > LongestScanned)
         RebuildIndex();
 }
 
 bool KARMPHandleSequence::Remove(const QOBSharedObject* object, std::size_t* position)
 {
     const std::size_t slot = SlotOf(object);
-    if (slot == m_slots.size())
+    if (slot == SlotCount())
         return false;
     if (position != nullptr)
         *position = PositionOf(slot);
-    Empty(slot);
+    const QOBSharedBase released = Extract(slot); // goes when this sequence is in order again
     return true;
 }
 
 QOBSharedBase KARMPHandleSequence::Take(std::size_t position)
 {
-    const std::size_t slot = SlotAt(position);
-    QOBSharedBase handle = m_slots[slot];
     // With an entry listed twice the index knows both slots; the one at this position goes.
-    Empty(slot);
-    return handle;
+    return Extract(SlotAt(position));
 }
 
 void KARMPHandleSequence::Clear()
 {
     // What a referent's destructor does may reach this sequence again, so it is empty by then.
-    m_index.reset();
-    m_holes = 0;
-    const std::vector<QOBSharedBase> released = std::exchange(m_slots, {});
+    const std::unique_ptr<Block, End> released = std::move(m_block);
+}
+
+QOBSharedBase* KARMPHandleSequence::Slots(Block* block) noexcept
+{
+    return reinterpret_cast<QOBSharedBase*>(block + 1);
+}
+
+// Without an index there are no holes.
+std::size_t KARMPHandleSequence::SlotCount(const Block* block) noexcept
+{
+    if (block == nullptr)
+        return 0;
+    return block->index != nullptr ? block->index->slots : block->count;
+}
+
+void KARMPHandleSequence::Reserve(std::size_t capacity)
+{
+    if (capacity > std::numeric_limits<std::uint32_t>::max() / 4)
+        throw std::length_error("KARMP handle sequence: too many entries");
+    static_assert(sizeof(Block) % alignof(QOBSharedBase) == 0);
+    void* const memory = ::operator new(sizeof(Block) + capacity * sizeof(QOBSharedBase));
+    auto* const block = ::new (memory) Block{nullptr, 0, static_cast<std::uint32_t>(capacity)};
+    if (m_block != nullptr) {
+        std::uninitialized_move_n(Slots(), SlotCount(), Slots(block));
+        block->index = std::exchange(m_block->index, nullptr);
+        block->count = std::exchange(m_block->count, 0);
+    }
+    m_block.reset(block);
+}
+
+void KARMPHandleSequence::MakeRoom()
+{
+    if (m_block == nullptr)
+        Reserve(FirstCapacity);
+    else if (SlotCount() == m_block->capacity)
+        Reserve(2 * SlotCount() + 1);
 }
 
 std::size_t KARMPHandleSequence::SlotOf(const QOBSharedObject* object) const
 {
-    if (object == nullptr)
-        return m_slots.size();
-    if (m_index == nullptr) {
-        return static_cast<std::size_t>(
-            std::find_if(m_slots.begin(), m_slots.end(),
-                         [object](const QOBSharedBase& handle) { return handle == object; }) -
-            m_slots.begin());
-    }
-    std::size_t first = m_slots.size();
-    const auto [begin, end] = m_index->slots.equal_range(object);
-    for (auto entry = begin; entry != end; ++entry)
-        first = std::min(first, entry->second);
-    return first;
+    const std::size_t none = SlotCount();
+    if (object == nullptr || none == 0)
+        return none;
+    if (m_block->index != nullptr)
+        return m_block->index->Find(Slots(), object, none);
+    const QOBSharedBase* const slots = Slots();
+    return static_cast<std::size_t>(std::find(slots, slots + none, object) - slots);
 }
 
 std::size_t KARMPHandleSequence::SlotAt(std::size_t position) const
 {
-    if (m_holes == 0)
+    Index* const index = GetIndex();
+    if (index == nullptr || index->slots == m_block->count)
         return position;
-    if (m_index->counts.empty()) {
-        m_index->counts.reserve(m_slots.size());
-        for (std::size_t slot = 0; slot < m_slots.size(); ++slot)
-            m_index->Push();
-        for (std::size_t slot = 0; slot < m_slots.size(); ++slot) {
-            if (!m_slots[slot])
-                m_index->Lower(slot);
+    if (index->counts.empty()) {
+        index->counts.reserve(index->slots);
+        for (std::size_t slot = 0; slot < index->slots; ++slot)
+            index->Push();
+        for (std::size_t slot = 0; slot < index->slots; ++slot) {
+            if (!Slots()[slot])
+                index->Lower(slot);
         }
     }
-    return m_index->SlotAt(position);
+    return index->SlotAt(position);
 }
 
 std::size_t KARMPHandleSequence::PositionOf(std::size_t slot) const
 {
-    if (m_holes == 0)
+    if (SlotCount() == Count())
         return slot;
     static_cast<void>(SlotAt(0)); // makes the counts
-    return m_index->CountBefore(slot);
+    return m_block->index->CountBefore(slot);
 }
 
-void KARMPHandleSequence::Empty(std::size_t slot)
+QOBSharedBase KARMPHandleSequence::Extract(std::size_t slot)
 {
-    const QOBSharedBase released = m_slots[slot]; // goes when this sequence is in order again
-    if (m_index == nullptr) {
-        m_slots.erase(m_slots.begin() + static_cast<std::ptrdiff_t>(slot));
-        return;
+    QOBSharedBase* const slots = Slots();
+    Index* const index = m_block->index;
+    if (index == nullptr) {
+        QOBSharedBase handle = std::move(slots[slot]);
+        std::move(slots + slot + 1, slots + m_block->count, slots + slot);
+        --m_block->count; // the last slot is empty and needs no end
+        return handle;
     }
-    const auto [begin, end] = m_index->slots.equal_range(released._getReferent());
-    m_index->slots.erase(
-        std::find_if(begin, end, [slot](const auto& entry) { return entry.second == slot; }));
-    m_slots[slot].detach();
-    ++m_holes;
-    if (!m_index->counts.empty())
-        m_index->Lower(slot);
-    while (!m_slots.empty() && !m_slots.back()) {
-        m_slots.pop_back();
-        --m_holes;
-        if (!m_index->counts.empty())
-            m_index->counts.pop_back();
-    }
-    if (m_holes > LongestScanned && 2 * m_holes > m_slots.size())
+    index->Leave(slots, slot);
+    QOBSharedBase handle = std::move(slots[slot]);
+    --m_block->count;
+    if (!index->counts.empty())
+        index->Lower(slot);
+    while (index->slots > 0 && !slots[index->slots - 1])
+        index->Pop();
+    const std::size_t holes = index->slots - m_block->count;
+    if (holes > LongestScanned && 2 * holes > index->slots)
         Compact();
+    return handle;
 }
 
 void KARMPHandleSequence::BuildIndex()
 {
     auto index = std::make_unique<Index>();
-    index->slots.reserve(m_slots.size());
-    for (std::size_t slot = 0; slot < m_slots.size(); ++slot)
-        index->slots.emplace(m_slots[slot]._getReferent(), slot);
-    m_index = std::move(index);
+    index->MakeRoom(Slots(), Count());
+    for (std::size_t slot = 0; slot < Count(); ++slot)
+        index->Enter(Slots(), Slots()[slot]._getReferent());
+    m_block->index = index.release();
+}
+
+void KARMPHandleSequence::DropIndex() noexcept
+{
+    delete std::exchange(m_block->index, nullptr);
 }
 
 // Without memory for an index the handles are scanned, until the next entry makes one.
 void KARMPHandleSequence::RebuildIndex() noexcept
 {
-    m_index.reset();
+    DropIndex();
     try {
         BuildIndex();
     } catch (const std::bad_alloc&) {
-        m_index.reset();
+        // There is none.
     }
 }
 
 void KARMPHandleSequence::Compact()
 {
-    if (m_holes == 0)
+    if (SlotCount() == Count())
         return;
-    std::erase_if(m_slots, [](const QOBSharedBase& handle) { return !handle; });
-    m_holes = 0;
+    QOBSharedBase* const slots = Slots();
+    static_cast<void>(std::remove_if(slots, slots + SlotCount(),
+                                     [](const QOBSharedBase& handle) { return !handle; }));
     RebuildIndex();
 }
