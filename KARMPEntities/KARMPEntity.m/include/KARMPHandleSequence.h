@@ -55,14 +55,16 @@ private:
         void operator()(Block* block) const noexcept;
     };
 
-    static QOBSharedBase* Slots(Block* block) noexcept;
-    static std::size_t SlotCount(const Block* block) noexcept;
-    QOBSharedBase* Slots() const noexcept { return Slots(m_block.get()); }
-    std::size_t SlotCount() const noexcept { return SlotCount(m_block.get()); }
-    Index* GetIndex() const noexcept { return m_block != nullptr ? m_block->index : nullptr; }
+    // These are inline where they are used, in one source.
+    static inline QOBSharedBase* Slots(Block* block) noexcept;
+    static inline std::size_t SlotCount(const Block* block) noexcept;
+    inline QOBSharedBase* Slots() const noexcept;
+    inline std::size_t SlotCount() const noexcept;
+    inline Index* GetIndex() const noexcept;
+    inline std::size_t SlotOf(const QOBSharedObject* object) const;
+    inline void MakeRoom();
+
     void Reserve(std::size_t capacity);
-    void MakeRoom();
-    std::size_t SlotOf(const QOBSharedObject* object) const;
     std::size_t SlotAt(std::size_t position) const;
     std::size_t PositionOf(std::size_t slot) const;
     QOBSharedBase Extract(std::size_t slot);

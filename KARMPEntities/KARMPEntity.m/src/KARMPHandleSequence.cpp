@@ -161,6 +161,53 @@ struct KARMPHandleSequence::Index
     }
 };
 
+inline QOBSharedBase* KARMPHandleSequence::Slots(Block* block) noexcept
+{
+    return reinterpret_cast<QOBSharedBase*>(block + 1);
+}
+
+// Without an index there are no holes.
+inline std::size_t KARMPHandleSequence::SlotCount(const Block* block) noexcept
+{
+    if (block == nullptr)
+        return 0;
+    return block->index != nullptr ? block->index->slots : block->count;
+}
+
+inline QOBSharedBase* KARMPHandleSequence::Slots() const noexcept
+{
+    return Slots(m_block.get());
+}
+
+inline std::size_t KARMPHandleSequence::SlotCount() const noexcept
+{
+    return SlotCount(m_block.get());
+}
+
+inline KARMPHandleSequence::Index* KARMPHandleSequence::GetIndex() const noexcept
+{
+    return m_block != nullptr ? m_block->index : nullptr;
+}
+
+inline std::size_t KARMPHandleSequence::SlotOf(const QOBSharedObject* object) const
+{
+    const std::size_t none = SlotCount();
+    if (object == nullptr || none == 0)
+        return none;
+    if (m_block->index != nullptr)
+        return m_block->index->Find(Slots(), object, none);
+    const QOBSharedBase* const slots = Slots();
+    return static_cast<std::size_t>(std::find(slots, slots + none, object) - slots);
+}
+
+inline void KARMPHandleSequence::MakeRoom()
+{
+    if (m_block == nullptr)
+        Reserve(FirstCapacity);
+    else if (SlotCount() == m_block->capacity)
+        Reserve(2 * SlotCount() + 1);
+}
+
 void KARMPHandleSequence::End::operator()(Block* block) const noexcept
 {
     std::destroy_n(Slots(block), SlotCount(block));
@@ -271,19 +318,6 @@ void KARMPHandleSequence::Clear()
     const std::unique_ptr<Block, End> released = std::move(m_block);
 }
 
-QOBSharedBase* KARMPHandleSequence::Slots(Block* block) noexcept
-{
-    return reinterpret_cast<QOBSharedBase*>(block + 1);
-}
-
-// Without an index there are no holes.
-std::size_t KARMPHandleSequence::SlotCount(const Block* block) noexcept
-{
-    if (block == nullptr)
-        return 0;
-    return block->index != nullptr ? block->index->slots : block->count;
-}
-
 void KARMPHandleSequence::Reserve(std::size_t capacity)
 {
     if (capacity > std::numeric_limits<std::uint32_t>::max() / 4)
@@ -297,25 +331,6 @@ void KARMPHandleSequence::Reserve(std::size_t capacity)
         block->count = std::exchange(m_block->count, 0);
     }
     m_block.reset(block);
-}
-
-void KARMPHandleSequence::MakeRoom()
-{
-    if (m_block == nullptr)
-        Reserve(FirstCapacity);
-    else if (SlotCount() == m_block->capacity)
-        Reserve(2 * SlotCount() + 1);
-}
-
-std::size_t KARMPHandleSequence::SlotOf(const QOBSharedObject* object) const
-{
-    const std::size_t none = SlotCount();
-    if (object == nullptr || none == 0)
-        return none;
-    if (m_block->index != nullptr)
-        return m_block->index->Find(Slots(), object, none);
-    const QOBSharedBase* const slots = Slots();
-    return static_cast<std::size_t>(std::find(slots, slots + none, object) - slots);
 }
 
 std::size_t KARMPHandleSequence::SlotAt(std::size_t position) const
