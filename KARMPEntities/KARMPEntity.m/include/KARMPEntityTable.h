@@ -45,8 +45,7 @@ private:
     struct Slot
     {
         std::uint32_t hash = 0;
-        /// One more than the entry's place in the list; 0 in a free slot.
-        std::uint32_t number = 0;
+        Entry* entry = nullptr; // null in a free slot
     };
 
     static std::uint32_t Hash(std::wstring_view text) noexcept;

@@ -3,7 +3,9 @@
 #include "KARMPEntity.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
+#include <cstring>
 #include <limits>
 #include <stdexcept>
 
@@ -60,10 +62,25 @@ KARMPEntityTable& KARMPEntityTable::operator=(KARMPEntityTable&&) noexcept = def
 
 std::uint32_t KARMPEntityTable::Hash(std::wstring_view text) noexcept
 {
-    std::uint64_t hash = text.size();
-    for (const wchar_t character : text)
-        hash = (std::rotl(hash, 5) ^ static_cast<std::uint32_t>(character)) * 0x9E3779B97F4A7C15U;
-    return static_cast<std::uint32_t>(hash >> 32U);
+    // Identifiers are long and their characters wide: two words are mixed at once, each on its own.
+    std::array<std::uint64_t, 2> words{};
+    std::array<std::uint64_t, 2> hashes{text.size(), 0};
+    const auto mix = [&] {
+        for (std::size_t i = 0; i < words.size(); ++i)
+            hashes[i] = (std::rotl(hashes[i], 29) ^ words[i]) * 0x9E3779B97F4A7C15U;
+    };
+    constexpr std::size_t step = sizeof words / sizeof(wchar_t);
+    for (; text.size() >= step; text.remove_prefix(step)) {
+        std::memcpy(words.data(), text.data(), sizeof words);
+        mix();
+    }
+    words = {};
+    if (!text.empty())
+        std::memcpy(words.data(), text.data(), text.size() * sizeof(wchar_t));
+    mix();
+    words = {hashes[1], 0};
+    mix();
+    return static_cast<std::uint32_t>(hashes[0] >> 32U);
 }
 
 // The slot of an identifier, or the free one that it would get.
@@ -72,8 +89,7 @@ std::size_t KARMPEntityTable::SlotOf(std::wstring_view identifier, std::uint32_t
     const std::size_t last = m_slots.size() - 1;
     for (std::size_t place = hash & last;; place = (place + 1) & last) {
         const Slot& slot = m_slots[place];
-        if (slot.number == 0 ||
-            (slot.hash == hash && m_entries[slot.number - 1].first == identifier))
+        if (slot.entry == nullptr || (slot.hash == hash && slot.entry->first == identifier))
             return place;
     }
 }
@@ -87,10 +103,10 @@ void KARMPEntityTable::Reserve(std::size_t count)
         return;
     std::vector<Slot> slots(std::bit_ceil(least));
     for (const Slot& slot : m_slots) {
-        if (slot.number == 0)
+        if (slot.entry == nullptr)
             continue;
         std::size_t place = slot.hash & (slots.size() - 1);
-        while (slots[place].number != 0)
+        while (slots[place].entry != nullptr)
             place = (place + 1) & (slots.size() - 1);
         slots[place] = slot;
     }
@@ -110,14 +126,11 @@ const KARMPEntityTable::Entry& KARMPEntityTable::Enter(std::wstring_view identif
     Reserve(Size() + 1);
     const std::uint32_t hash = Hash(identifier);
     Slot& slot = m_slots[SlotOf(identifier, hash)];
-    if (slot.number != 0) {
-        Entry& found = m_entries[slot.number - 1];
-        found.second = entity;
-        return found;
-    }
-    const Entry& made = m_entries.emplace_back(identifier, entity);
-    slot = {hash, static_cast<std::uint32_t>(Size())};
-    return made;
+    if (slot.entry != nullptr)
+        slot.entry->second = entity;
+    else
+        slot = {hash, &m_entries.emplace_back(identifier, entity)};
+    return *slot.entry;
 }
 
 const QOBSharedHandle<KARMPEntity>* KARMPEntityTable::Find(std::wstring_view identifier) const
@@ -125,7 +138,7 @@ const QOBSharedHandle<KARMPEntity>* KARMPEntityTable::Find(std::wstring_view ide
     if (m_slots.empty())
         return nullptr;
     const Slot& slot = m_slots[SlotOf(identifier, Hash(identifier))];
-    return slot.number != 0 ? &m_entries[slot.number - 1].second : nullptr;
+    return slot.entry != nullptr ? &slot.entry->second : nullptr;
 }
 
 std::vector<const KARMPEntityTable::Entry*> KARMPEntityTable::InOrder() const

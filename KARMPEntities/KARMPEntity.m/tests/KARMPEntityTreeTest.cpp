@@ -406,6 +406,28 @@ TEST(EntityTable, FindsReplacesAndOrdersByIdentifier)
     EXPECT_EQ(order, (std::vector<std::wstring>{L"1", L"10", L"9"}));
 }
 
+TEST(EntityTable, TellsTextsOfEachLengthApartByAnyCharacter)
+{
+    KARMPEntityTable table;
+    std::size_t count = 0;
+    for (std::size_t length = 0; length < 20; ++length) {
+        EXPECT_TRUE(table.Set(std::wstring(length, L'a'), TestEntity::create(L"")));
+        ++count;
+        for (std::size_t place = 0; place < length; ++place) {
+            std::wstring other(length, L'a');
+            other[place] = L'\x2603';
+            const auto entity = TestEntity::create(L"");
+            EXPECT_EQ(table.Find(other), nullptr);
+            EXPECT_TRUE(table.Set(other, entity));
+            ASSERT_NE(table.Find(other), nullptr);
+            EXPECT_EQ(*table.Find(other), entity);
+            ++count;
+        }
+    }
+    EXPECT_EQ(table.Find({}), table.Find(L""));
+    EXPECT_EQ(table.Size(), count);
+}
+
 TEST(EntityTable, ManyEntriesAreFoundAndInTheOrderOfAnyIdentifiers)
 {
     KARMPEntityTable table;
