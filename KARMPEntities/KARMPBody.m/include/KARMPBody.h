@@ -212,6 +212,9 @@ private:
     QOBSharedHandle<KARMPBody> m_father;
     bool m_fixed = false;
     bool m_outOfWorld = false;
+    bool m_floating = true;
+    bool m_initialFloating = false;
+    bool m_velocitySet = false;
     KARMathTransformation m_position;
     KARMathVector m_linearVelocity;
     KARMathVector m_angularVelocity;
@@ -220,10 +223,7 @@ private:
     double m_mass = 0.0;
     KARMathPoint m_centerOfGravity;
     KARMath3x3Matrix m_inertiaMatrix;
-    bool m_floating = true;
     QOBSharedHandle<QOBBasicBody3D> m_wdmBody;
-    bool m_initialFloating = false;
-    bool m_velocitySet = false;
     KARUnicodeString m_filePath;
     const karmp::BodyMove* m_moves[2] = {}; // the walks that this body is on the path of
 };

@@ -15,6 +15,7 @@
 #include "QOBBasicEntity.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 
 class KARBaseUnknown;
@@ -105,7 +106,7 @@ public:
     KARStatus SetParentEntity(const QOBSharedHandle<KARMPEntity>& parent);
 
     /// Free text of the modelling application, not the identifier.
-    KARString GetID() const { return m_id; }
+    KARString GetID() const { return m_id != nullptr ? *m_id : KARString(); }
     /// Stores the text; always 0.
     KARStatus SetID(const KARString& id);
     /// Borrowed unique value of the modelling application.
@@ -131,20 +132,21 @@ private:
     KARStatus GenerateID(std::wstring& identifier) const;
     KARStatus GenerateID2(std::wstring& identifier) const;
     KARStatus EnsureIdentifier(const std::wstring*& identifier) const;
+    KARStatus TakeIdentifier(std::wstring&& identifier);
     void ClearContainersBase();
     void orphanMembers();
 
-    KARMPBuildingMode::Enum m_buildingMode = {};
-    KARIMPEntityLoader* m_loader = nullptr; // owned; a pointer, since replacing does not delete
     bool m_isActive = true;
+    KARMPBuildingMode::Enum m_buildingMode = {};
+    KARIMPEntityLoader* m_loader = nullptr;  // owned; a pointer, since replacing does not delete
     KARBaseUnknown* m_modelObject = nullptr; // counted
     KARBaseUnknown* m_visuObject = nullptr;  // borrowed
-    mutable std::unique_ptr<std::wstring> m_identifier;
+    mutable std::optional<std::wstring> m_identifier;
     QOBSharedHandle<KARMPEntity> m_parentEntity;
     KARMPLinkList<KARMPParameter> m_parameters;
     KARMPLinkList<KARMPState> m_states;
     KARMPLinkList<KARMPOutput> m_outputs;
     KARMPLinkList<KARMPEntity> m_aggregatedElements;
-    KARString m_id;
-    const KARUuid* m_uniqueId = nullptr; // borrowed
+    std::unique_ptr<const KARString> m_id; // null when empty, as mostly
+    const KARUuid* m_uniqueId = nullptr;   // borrowed
 };

@@ -18,6 +18,8 @@
 
 KARMP_DEFINE_ABSTRACT_ENTITY(KARMPEntity, "980325BD-374E-4168-93FB-710D2C2E14A2");
 
+using namespace std::literals;
+
 namespace {
 
 constexpr std::uint64_t UpdateEvent = 9;
@@ -34,12 +36,12 @@ KARMPEntity::KARMPEntity() = default;
 
 KARMPEntity::KARMPEntity(const KARMPEntity& source, CopyMode mode)
     : QOBBasicEntity(source, mode),
-      m_buildingMode(source.m_buildingMode),
       m_isActive(source.m_isActive),
+      m_buildingMode(source.m_buildingMode),
       m_modelObject(source.m_modelObject),
       m_visuObject(source.m_visuObject),
       m_parentEntity(source.m_parentEntity),
-      m_id(source.m_id),
+      m_id(source.m_id != nullptr ? std::make_unique<const KARString>(*source.m_id) : nullptr),
       m_uniqueId(source.m_uniqueId)
 {
     if (m_modelObject != nullptr)
@@ -258,7 +260,7 @@ KARStatus KARMPEntity::SetParentEntity(const QOBSharedHandle<KARMPEntity>& paren
 
 KARStatus KARMPEntity::SetID(const KARString& id)
 {
-    m_id = id;
+    m_id = id.IsEmpty() ? nullptr : std::make_unique<const KARString>(id);
     return KARSuccess;
 }
 
@@ -288,8 +290,8 @@ KARStatus KARMPEntity::Serialize(KARMPSerializer* serializer) const
     element.Attribute(L"name", nameLeftOut ? std::wstring_view() : getEntityName());
     if (karmp::AtLeast(element.Version(), karmp::R2017_1))
         element.Attribute(L"isActive", std::wstring_view(IsActive() ? L"yes" : L"no"));
-    if (!m_id.IsEmpty())
-        element.Attribute(L"entityID", kar::ToWide(m_id.Text()));
+    if (m_id != nullptr)
+        element.Attribute(L"entityID", kar::ToWide(m_id->Text()));
 
     element.References(L"Parameters", L"Parameter", m_parameters);
     element.References(L"States", L"State", m_states);
@@ -306,22 +308,23 @@ KARStatus KARMPEntity::Deserialize(const KARMPDeserializer* deserializer,
         return KARSuccess;
     using karmp::Absent;
     karmp::ElementReader element(deserializer);
-    std::wstring text;
-    if (element.Attribute(L"id", text, Absent::ReportAndKeep))
-        SetIdentifier(text);
+    std::wstring identifier;
+    if (element.Attribute(L"id", identifier, Absent::ReportAndKeep))
+        TakeIdentifier(std::move(identifier));
     std::wstring name;
     if (element.Attribute(L"name", name, Absent::ReportAndKeep))
         setEntityName(std::move(name));
     std::wstring_view active;
     if (karmp::AtLeast(element.Version(), karmp::R2017_1) &&
         element.Attribute(L"isActive", active, Absent::ReportAndKeep)) {
-        if (active == L"yes")
+        if (active == L"yes"sv)
             Activate();
-        else if (active == L"no")
+        else if (active == L"no"sv)
             Deactivate();
     }
+    std::wstring text;
     if (element.Attribute(L"entityID", text, Absent::Keep))
-        m_id = KARString(kar::ToUtf8(text));
+        SetID(KARString(kar::ToUtf8(text)));
 
     element.References<KARMPParameter>(L"Parameters", L"Parameter", entities,
                                        [this](const auto& entry) { return AddParameter(entry); });

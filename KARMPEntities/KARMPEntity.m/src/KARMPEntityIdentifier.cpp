@@ -5,6 +5,7 @@
 #include "KARUuid.h"
 
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -55,33 +56,38 @@ KARStatus KARMPEntity::GetIdentifier(std::wstring& identifier) const
 
 KARStatus KARMPEntity::EnsureIdentifier(const std::wstring*& identifier) const
 {
-    identifier = m_identifier.get();
+    identifier = m_identifier.has_value() ? &*m_identifier : nullptr;
     if (identifier != nullptr)
         return KARSuccess;
     KARStatus status = KARSuccess;
     try {
-        auto made = std::make_unique<std::wstring>();
-        status = KARGetEnv("NEW_MP_IDS") != nullptr ? GenerateID2(*made) : GenerateID(*made);
+        std::wstring made;
+        status = KARGetEnv("NEW_MP_IDS") != nullptr ? GenerateID2(made) : GenerateID(made);
         // Only now: what is there once stays for good, also when it is no more than a beginning.
         m_identifier = std::move(made);
     } catch (const std::bad_alloc&) {
         KARMPVerify(false);
         return KAROutOfMemory;
     }
-    identifier = m_identifier.get();
+    identifier = &*m_identifier;
     return status;
 }
 
 KARStatus KARMPEntity::SetIdentifier(const std::wstring& identifier)
 {
-    if (!KARMPVerify(m_identifier == nullptr))
-        return KARFailure;
     try {
-        m_identifier = std::make_unique<std::wstring>(identifier);
+        return TakeIdentifier(std::wstring(identifier));
     } catch (const std::bad_alloc&) {
         KARMPVerify(false);
         return KARFailure;
     }
+}
+
+KARStatus KARMPEntity::TakeIdentifier(std::wstring&& identifier)
+{
+    if (!KARMPVerify(!m_identifier.has_value()))
+        return KARFailure;
+    m_identifier = std::move(identifier);
     return KARSuccess;
 }
 

@@ -23,9 +23,10 @@ public:
     KARStatus Add(const QOBSharedHandle<Body>& body, Orientation orientation,
                   KARMPSourceLocation where = KARMPSourceLocation::current())
     {
-        // Room comes first, so that no body is without orientation when memory ends.
+        // Room comes first, so that no body is without orientation when memory ends. The smallest
+        // piece of memory has room for the orientations of more bodies than mostly come.
         if (m_orientations.size() == m_orientations.capacity())
-            m_orientations.reserve(2 * m_orientations.size() + 1);
+            m_orientations.reserve(2 * m_orientations.size() + 4);
         const KARStatus status = m_bodies.Add(body, where);
         if (status == KARSuccess)
             m_orientations.push_back(orientation);

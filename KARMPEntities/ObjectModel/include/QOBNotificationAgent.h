@@ -85,7 +85,7 @@ private:
 
     Subscribers& subscribers() const;
 
+    bool m_notifies; // first, where the base's last bytes leave room for it
     // Made on first need: most agents are never watched, and postEvent then costs one test.
     mutable std::unique_ptr<Subscribers> m_subscribers;
-    bool m_notifies;
 };
