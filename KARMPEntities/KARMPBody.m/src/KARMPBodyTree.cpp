@@ -8,6 +8,7 @@
 #include "KARMPShape.h"
 #include "KARMPTransformationElement.h"
 
+using namespace std::literals;
 using karmp::Absent;
 using karmp::ElementReader;
 using karmp::ElementWriter;
@@ -27,7 +28,7 @@ void writePair(ElementWriter& element, std::wstring_view name, std::wstring_view
         vector.Values(karmp::VectorNames, angular);
 }
 
-bool readVector(ElementReader& element, std::wstring_view name, KARMathVector& vector)
+bool readVector(ElementReader& element, karmp::ItemName name, KARMathVector& vector)
 {
     ElementReader child = element.Child(name, Absent::ReportAndKeep);
     if (child)
@@ -112,7 +113,7 @@ void KARMPBody::ReadState(ElementReader& element)
     ReadWeight(element);
     std::wstring_view fixed;
     if (element.Attribute(L"is_fixed", fixed, Absent::ReportAndKeep))
-        SetFix(fixed == L"yes");
+        SetFix(fixed == L"yes"sv);
     if (karmp::AtLeast(element.Version(), karmp::R2016_1))
         element.Value(L"OutOfWorld", m_outOfWorld, Absent::ReportAndKeep);
 }
@@ -121,7 +122,7 @@ void KARMPBody::ReadMotion(ElementReader& element)
 {
     // Meant: velocities count as known only when a component is above 0, so a body that moves along
     // negative axes alone reads back without known velocities.
-    const auto readVelocity = [this](ElementReader& parent, std::wstring_view name,
+    const auto readVelocity = [this](ElementReader& parent, karmp::ItemName name,
                                      KARMathVector& velocity) {
         KARMathVector read;
         if (!readVector(parent, name, read))

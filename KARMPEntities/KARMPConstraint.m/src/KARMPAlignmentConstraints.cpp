@@ -45,7 +45,7 @@
 
 namespace {
 
-constexpr const wchar_t* AlignmentName = L"Alignment";
+constexpr std::wstring_view AlignmentName = L"Alignment";
 
 } // namespace
 

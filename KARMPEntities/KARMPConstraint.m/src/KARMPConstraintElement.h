@@ -20,7 +20,7 @@ inline KARStatus WriteConstraint(const KARMPConstraint& constraint, KARMPSeriali
 
 /// Reads a class element with nothing but the base's content.
 inline KARStatus ReadConstraint(KARMPConstraint& constraint, const KARMPDeserializer* deserializer,
-                                const KARMPEntityTable& entities, std::wstring_view name,
+                                const KARMPEntityTable& entities, ItemName name,
                                 KARMPSourceLocation where = KARMPSourceLocation::current())
 {
     ElementReader element(deserializer, name, where);
@@ -48,7 +48,7 @@ KARStatus WriteConstraint(const KARMPConstraint& constraint, KARMPSerializer* se
 /// is reported once more at the end.
 template <class Read>
 KARStatus ReadConstraint(KARMPConstraint& constraint, const KARMPDeserializer* deserializer,
-                         const KARMPEntityTable& entities, std::wstring_view name, Read read,
+                         const KARMPEntityTable& entities, ItemName name, Read read,
                          KARMPSourceLocation where = KARMPSourceLocation::current())
 {
     ElementReader element(deserializer, name, where);
@@ -62,7 +62,7 @@ KARStatus ReadConstraint(KARMPConstraint& constraint, const KARMPDeserializer* d
 
 /// Reads an option into its field.
 template <class Enum>
-void ReadOption(ElementReader& element, std::wstring_view name, Enum& field,
+void ReadOption(ElementReader& element, ItemName name, Enum& field,
                 KARMPSourceLocation where = KARMPSourceLocation::current())
 {
     element.Word(name, field, Absent::ReportAndFail, where);
@@ -71,7 +71,7 @@ void ReadOption(ElementReader& element, std::wstring_view name, Enum& field,
 /// Reads an option and passes it to its setter, so that a loader that is attached is told; a
 /// failure of the setter counts.
 template <class Constraint, class Enum>
-void ReadOption(ElementReader& element, std::wstring_view name, Constraint& constraint,
+void ReadOption(ElementReader& element, ItemName name, Constraint& constraint,
                 KARStatus (Constraint::*set)(Enum),
                 KARMPSourceLocation where = KARMPSourceLocation::current())
 {

@@ -4,6 +4,8 @@
 
 #include <tuple>
 
+using namespace std::literals;
+
 KARMP_DEFINE_ENTITY(KARMPCylindricalConstraint, "CE5F1E75-DB3D-425E-87BB-B18457533180");
 
 namespace {
@@ -28,7 +30,7 @@ KARMPCylindricalConstraint::~KARMPCylindricalConstraint() = default;
 
 std::wstring_view KARMPCylindricalConstraint::getClassSerializeID_() const
 {
-    return L"CylindricalConstraint";
+    return L"CylindricalConstraint"sv;
 }
 
 KARStatus KARMPCylindricalConstraint::SetFrictionParameters(

@@ -11,7 +11,7 @@ KARMP_DEFINE_ABSTRACT_ENTITY(KARMPKinematicConstraint, "1119F983-7340-46E1-9762-
 namespace {
 
 constexpr karmp::Names<2> AxisNames{L"SelectedAxis0", L"SelectedAxis1"};
-constexpr const wchar_t* FrictionModelName = L"FrictionModel";
+constexpr std::wstring_view FrictionModelName = L"FrictionModel";
 
 } // namespace
 

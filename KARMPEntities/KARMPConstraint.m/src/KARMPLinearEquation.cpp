@@ -7,14 +7,14 @@ KARMP_DEFINE_ENTITY(KARMPLinearEquation, "F2C5A6F7-8429-48EB-BAEB-587A98C2490F")
 
 namespace {
 
-constexpr const wchar_t* ElementName = L"LinearEquation";
-constexpr const wchar_t* ConstantName = L"ConstantTerm";
-constexpr const wchar_t* HasConstantName = L"HasConstantTerm";
-constexpr const wchar_t* ConstantValueName = L"ConstantTermValue";
-constexpr const wchar_t* TermsName = L"LinearTermDataContainer";
-constexpr const wchar_t* TermName = L"LinearTerm";
-constexpr const wchar_t* TermIndexName = L"LinearTermIndex";
-constexpr const wchar_t* TermValueName = L"LinearTermValue";
+constexpr std::wstring_view ElementName = L"LinearEquation";
+constexpr std::wstring_view ConstantName = L"ConstantTerm";
+constexpr std::wstring_view HasConstantName = L"HasConstantTerm";
+constexpr std::wstring_view ConstantValueName = L"ConstantTermValue";
+constexpr std::wstring_view TermsName = L"LinearTermDataContainer";
+constexpr std::wstring_view TermName = L"LinearTerm";
+constexpr std::wstring_view TermIndexName = L"LinearTermIndex";
+constexpr std::wstring_view TermValueName = L"LinearTermValue";
 
 // Places are made in blocks, always up to the multiple above what is asked for.
 constexpr std::size_t TermBlock = 32;

@@ -35,7 +35,8 @@
     }                                                                                              \
     std::wstring_view Class::getClassSerializeID_() const                                          \
     {                                                                                              \
-        return Element;                                                                            \
+        constexpr std::wstring_view name(Element);                                                 \
+        return name;                                                                               \
     }                                                                                              \
     static_assert(true)
 

@@ -4,6 +4,8 @@
 
 #include <tuple>
 
+using namespace std::literals;
+
 KARMP_DEFINE_ENTITY(KARMPPrismaticConstraint, "BC308F09-8349-44B7-8983-238FFE90BB57");
 
 namespace {
@@ -28,7 +30,7 @@ KARMPPrismaticConstraint::~KARMPPrismaticConstraint() = default;
 
 std::wstring_view KARMPPrismaticConstraint::getClassSerializeID_() const
 {
-    return L"PrismaticConstraint";
+    return L"PrismaticConstraint"sv;
 }
 
 KARStatus KARMPPrismaticConstraint::SetFrictionParameters(

@@ -4,6 +4,8 @@
 
 #include <tuple>
 
+using namespace std::literals;
+
 KARMP_DEFINE_ENTITY(KARMPRevoluteConstraint, "9DA79E20-64E1-46FB-A3B5-1EEEBA9FBEC6");
 
 namespace {
@@ -29,7 +31,7 @@ KARMPRevoluteConstraint::~KARMPRevoluteConstraint() = default;
 
 std::wstring_view KARMPRevoluteConstraint::getClassSerializeID_() const
 {
-    return L"RevoluteConstraint";
+    return L"RevoluteConstraint"sv;
 }
 
 KARStatus KARMPRevoluteConstraint::SetFrictionParameters(

@@ -5,6 +5,8 @@
 
 #include <tuple>
 
+using namespace std::literals;
+
 KARMP_DEFINE_ENTITY(KARMPScrewConstraint, "4D509574-BCB0-4EAD-BC6B-0572FA1A7EA5");
 
 namespace {
@@ -15,7 +17,7 @@ constexpr std::array FrictionItems{karmp::StaticFriction,
                                    karmp::DynamicSpeedLimit,
                                    karmp::FrictionItem{L"ReferenceDiameter", 5},
                                    karmp::FrictionItem{L"ReferenceLength", 4}};
-constexpr const wchar_t* MotionStateName = L"MotionState";
+constexpr std::wstring_view MotionStateName = L"MotionState";
 constexpr karmp::Names<3> MotionNames{L"ScrewTangent", L"RotationOffset", L"TranslationOffset"};
 
 } // namespace
@@ -33,7 +35,7 @@ KARMPScrewConstraint::~KARMPScrewConstraint() = default;
 
 std::wstring_view KARMPScrewConstraint::getClassSerializeID_() const
 {
-    return L"ScrewConstraint";
+    return L"ScrewConstraint"sv;
 }
 
 KARStatus KARMPScrewConstraint::SetFrictionParameters(

@@ -4,6 +4,8 @@
 
 #include <tuple>
 
+using namespace std::literals;
+
 KARMP_DEFINE_ENTITY(KARMPSphericalConstraint, "2D09247E-6087-49C7-A322-6001632B8A94");
 
 namespace {
@@ -25,7 +27,7 @@ KARMPSphericalConstraint::~KARMPSphericalConstraint() = default;
 
 std::wstring_view KARMPSphericalConstraint::getClassSerializeID_() const
 {
-    return L"SphericalConstraint";
+    return L"SphericalConstraint"sv;
 }
 
 KARStatus KARMPSphericalConstraint::SetFrictionParameters(double staticFriction,

@@ -10,6 +10,7 @@
 #include "QOBSharedHandle.h"
 
 #include <string>
+#include <type_traits>
 #include <utility>
 
 namespace karmp {
@@ -118,28 +119,30 @@ private:
 
 // The parent of a record is the direct base unless another one is named.
 #define KARMP_RECORD_PARENT(Class, ...)                                                            \
-    (karmp::RecordParent<Class::Super __VA_OPT__(, ) __VA_ARGS__>::ClassInfo())
+    karmp::RecordParent<Class::Super __VA_OPT__(, ) __VA_ARGS__>::Type
 
 namespace karmp {
 
 template <class Super, class... Named>
 struct RecordParent
 {
-    static const QOBClassInfo& ClassInfo() { return Super::ClassInfo(); }
+    using Type = Super;
 };
 template <class Super, class Named>
 struct RecordParent<Super, Named>
 {
-    static const QOBClassInfo& ClassInfo() { return Named::ClassInfo(); }
+    using Type = Named;
 };
 
 } // namespace karmp
 
 #define KARMP_DEFINE_IDENTITY(Class, Guid, Operations, ...)                                        \
+    static_assert(std::is_convertible_v<Class*, KARMP_RECORD_PARENT(Class, __VA_ARGS__)*>,         \
+                  "a record's parent is a base, so that records tell what a cast would");          \
     static const QOBUUID s_##Class##ID(Guid);                                                      \
-    static const QOBClassInfo s_##Class##Info(typeid(Class*), sizeof(Class), nullptr,              \
-                                              &KARMP_RECORD_PARENT(Class, __VA_ARGS__), nullptr,   \
-                                              Operations);                                         \
+    static const QOBClassInfo s_##Class##Info(                                                     \
+        typeid(Class*), sizeof(Class), nullptr,                                                    \
+        &KARMP_RECORD_PARENT(Class, __VA_ARGS__)::ClassInfo(), nullptr, Operations);               \
     const QOBUUID& Class::ClassID()                                                                \
     {                                                                                              \
         return s_##Class##ID;                                                                      \

@@ -97,7 +97,7 @@ KARStatus WriteKind(const Kind& kind, KARMPSerializer* serializer, std::wstring_
 /// the result is a failure, all values stay.
 template <class Kind, class... Values>
 KARStatus ReadKind(Kind& kind, const KARMPDeserializer* deserializer,
-                   const KARMPEntityTable& entities, std::wstring_view name,
+                   const KARMPEntityTable& entities, ItemName name,
                    const std::tuple<Values...>& values,
                    KARMPSourceLocation where = KARMPSourceLocation::current())
 {

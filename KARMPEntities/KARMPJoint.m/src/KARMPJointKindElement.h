@@ -42,13 +42,15 @@ KARStatus ReadKind(const KARMPDeserializer* deserializer, std::wstring_view name
     Class::~Class() = default;                                                                     \
     KARStatus Class::Serialize(KARMPSerializer* serializer) const                                  \
     {                                                                                              \
-        return karmp::WriteKind(serializer, karmp::KindName(L"" #Class),                           \
+        constexpr std::wstring_view name = karmp::KindName(L"" #Class);                            \
+        return karmp::WriteKind(serializer, name,                                                  \
                                 [this](auto* node) { return Super::Serialize(node); });            \
     }                                                                                              \
     KARStatus Class::Deserialize(const KARMPDeserializer* deserializer,                            \
                                  const KARMPEntityTable& entities)                                 \
     {                                                                                              \
-        return karmp::ReadKind(deserializer, karmp::KindName(L"" #Class), [&](const auto* node) {  \
+        constexpr std::wstring_view name = karmp::KindName(L"" #Class);                            \
+        return karmp::ReadKind(deserializer, name, [&](const auto* node) {                         \
             return Super::Deserialize(node, entities);                                             \
         });                                                                                        \
     }                                                                                              \

@@ -37,12 +37,10 @@ void WriteLinkedBodies(ElementWriter& element, std::wstring_view container, std:
 /// Reads linked bodies and passes each on to `link` with its orientation. A failure of `link` is
 /// reported; so is a missing orientation, whose body is not linked.
 template <class Body, class Link>
-void ReadLinkedBodies(ElementReader& element, std::wstring_view container, std::wstring_view item,
+void ReadLinkedBodies(ElementReader& element, ItemName container, ItemName item,
                       const KARMPEntityTable& entities, Link link)
 {
-    if (!element.Has(container))
-        return;
-    element.Child(container, Absent::ReportAndKeep).Each(item, [&](ElementReader entry) {
+    element.Child(container, Absent::Keep).Each(item, [&](ElementReader entry) {
         const auto target = entry.template Target<KARMPEntity>(entities);
         if (!target)
             return;
@@ -53,7 +51,7 @@ void ReadLinkedBodies(ElementReader& element, std::wstring_view container, std::
                 return;
             orientation = KARMPEnumValue<KARMPBodyOrientation::Enum>(text);
         }
-        ElementReader::Set(link(QOBSharedHandle<Body>(target), orientation));
+        ElementReader::Set(link(HandleAs<Body>(target), orientation));
     });
 }
 

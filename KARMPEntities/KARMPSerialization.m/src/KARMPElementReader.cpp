@@ -8,9 +8,9 @@ ElementReader::ElementReader(const KARMPDeserializer* node, Where where)
     : m_node(node), m_failed(!KARMPVerify(node != nullptr, where))
 {}
 
-ElementReader::ElementReader(const KARMPDeserializer* node, std::wstring_view name, Where where)
+ElementReader::ElementReader(const KARMPDeserializer* node, ItemName name, Where where)
 {
-    if (node != nullptr && node->Id() == name)
+    if (node != nullptr && node->Id() == std::wstring_view(name))
         m_node = node;
     else if (node != nullptr)
         node->GetElement(name, m_node);
@@ -59,7 +59,7 @@ bool ElementReader::Values(KARMath3x3Matrix& matrix, Absent absent, Where where)
     return complete;
 }
 
-ElementReader ElementReader::Child(std::wstring_view name, Absent absent, Where where)
+ElementReader ElementReader::Child(ItemName name, Absent absent, Where where)
 {
     ElementReader child(*this);
     child.m_node = nullptr;
@@ -75,9 +75,10 @@ ElementReader ElementReader::Child(std::wstring_view name, Absent absent, Where 
 const QOBSharedHandle<KARMPEntity>* ElementReader::FindTarget(const KARMPEntityTable& entities,
                                                               Where where) const
 {
+    constexpr ItemName idName = L"id";
     std::wstring_view identifier;
     if (m_node == nullptr ||
-        !KARMPVerify(!KARFailed(m_node->GetAttribute(L"id", identifier)), where))
+        !KARMPVerify(!KARFailed(m_node->GetAttribute(idName, identifier)), where))
         return nullptr;
     const QOBSharedHandle<KARMPEntity>* entity = entities.Find(identifier);
     return entity != nullptr && *entity ? entity : nullptr;

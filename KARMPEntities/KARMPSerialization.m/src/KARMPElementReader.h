@@ -17,6 +17,32 @@ enum class Absent {
     ReportAndFail  ///< A failed check that counts in the reader's status; the value stays.
 };
 
+/// The name of an element or attribute; that of a literal knows its length without counting.
+class ItemName
+{
+public:
+    template <std::size_t N>
+    constexpr ItemName(const wchar_t (&literal)[N]) : m_text(literal, N - 1)
+    {}
+    constexpr ItemName(std::wstring_view text) : m_text(text) {}
+    ItemName(const std::wstring& text) : m_text(text) {}
+    constexpr operator std::wstring_view() const { return m_text; }
+
+private:
+    std::wstring_view m_text;
+};
+
+/// A handle on an entity as a T, null for null. Throws QOBEInvalidCast when the entity is not a T.
+template <class T>
+QOBSharedHandle<T> HandleAs(const QOBSharedHandle<KARMPEntity>& entity)
+{
+    // The record of a T's class costs less than a cast.
+    const QOBSharedObject* const referent = entity._getReferent();
+    if (referent != nullptr && referent->getClassInfo().isDerivedFrom(T::ClassInfo()))
+        return QOBSharedHandle<T>::unchecked(entity);
+    return QOBSharedHandle<T>(entity);
+}
+
 class ElementReader
 {
 public:
@@ -26,8 +52,7 @@ public:
     explicit ElementReader(const KARMPDeserializer* node, Where where = Where::current());
     /// Reads a class's own element: the node itself when it bears the name, otherwise the node's
     /// child of that name. A null node and a missing child are reported.
-    ElementReader(const KARMPDeserializer* node, std::wstring_view name,
-                  Where where = Where::current());
+    ElementReader(const KARMPDeserializer* node, ItemName name, Where where = Where::current());
 
     /// False when there is no node to read; then everything else does nothing and fails.
     explicit operator bool() const { return m_node != nullptr; }
@@ -46,14 +71,14 @@ public:
     }
 
     template <class T>
-    bool Attribute(std::wstring_view name, T& value, Absent absent, Where where = Where::current())
+    bool Attribute(ItemName name, T& value, Absent absent, Where where = Where::current())
     {
         return Settle(m_node != nullptr ? m_node->GetAttribute(name, value) : KARFailure, value,
                       absent, where);
     }
     /// Reads the value of a child element.
     template <class T>
-    bool Value(std::wstring_view name, T& value, Absent absent, Where where = Where::current())
+    bool Value(ItemName name, T& value, Absent absent, Where where = Where::current())
     {
         const KARMPDeserializer* child = nullptr;
         return Settle(m_node != nullptr ? m_node->GetElement(name, child, value) : KARFailure,
@@ -62,7 +87,7 @@ public:
     /// Reads a child element that holds an enumeration's word; a word outside the table gives row
     /// 0.
     template <class Enum>
-    bool Word(std::wstring_view name, Enum& value, Absent absent, Where where = Where::current())
+    bool Word(ItemName name, Enum& value, Absent absent, Where where = Where::current())
     {
         std::wstring_view word;
         if (!Value(name, word, absent, where))
@@ -91,17 +116,17 @@ public:
     bool Values(KARMath3x3Matrix& matrix, Absent absent, Where where = Where::current());
 
     /// True when there is a child element of the name.
-    bool Has(std::wstring_view name) const { return m_node != nullptr && m_node->HasElement(name); }
+    bool Has(ItemName name) const { return m_node != nullptr && m_node->HasElement(name); }
     /// A reader on a child element; on nothing when there is none, which counts and is reported as
     /// the policy says.
-    ElementReader Child(std::wstring_view name, Absent absent, Where where = Where::current());
+    ElementReader Child(ItemName name, Absent absent, Where where = Where::current());
     /// Calls `read` with a reader on each child of the name, in order; null children are skipped.
     template <class Read>
-    void Each(std::wstring_view name, Read read) const
+    void Each(ItemName name, Read read) const
     {
         KARMPDeserializer::ElementIterator item{};
         KARMPDeserializer::ElementIterator end{};
-        if (!Has(name) || KARFailed(m_node->GetElements(name, item, end)))
+        if (m_node == nullptr || KARFailed(m_node->GetElements(name, item, end)))
             return;
         for (; item != end; ++item) {
             if (*item != nullptr)
@@ -116,29 +141,25 @@ public:
                               Where where = Where::current()) const
     {
         const QOBSharedHandle<KARMPEntity>* entity = FindTarget(entities, where);
-        return entity != nullptr ? QOBSharedHandle<T>(*entity) : QOBSharedHandle<T>();
+        return entity != nullptr ? HandleAs<T>(*entity) : QOBSharedHandle<T>();
     }
     /// Reads an optional reference: passes what it resolves to on to `set`, whose failure is
     /// reported. Nothing happens when the element is missing or its target is unknown.
     template <class T, class Set>
-    void Reference(std::wstring_view name, const KARMPEntityTable& entities, Set set,
+    void Reference(ItemName name, const KARMPEntityTable& entities, Set set,
                    Where where = Where::current())
     {
-        if (!Has(name))
-            return;
-        if (const ElementReader child = Child(name, Absent::ReportAndKeep, where)) {
+        if (const ElementReader child = Child(name, Absent::Keep, where)) {
             if (const auto target = child.template Target<T>(entities, where))
                 ElementReader::Set(set(target), where);
         }
     }
     /// Reads the references of a container in the same manner, one call of `add` each.
     template <class T, class Add>
-    void References(std::wstring_view container, std::wstring_view item,
-                    const KARMPEntityTable& entities, Add add, Where where = Where::current())
+    void References(ItemName container, ItemName item, const KARMPEntityTable& entities, Add add,
+                    Where where = Where::current())
     {
-        if (!Has(container))
-            return;
-        Child(container, Absent::ReportAndKeep, where).Each(item, [&](const ElementReader& child) {
+        Child(container, Absent::Keep, where).Each(item, [&](const ElementReader& child) {
             if (const auto target = child.template Target<T>(entities, where))
                 Set(add(target), where);
         });

@@ -41,7 +41,7 @@ bool read(karmp::ElementReader& parent, const OptionalNumber& names, double& num
 
 // Below R2017.0 quantity and type are numbers.
 template <class Enum>
-bool readNumber(karmp::ElementReader& element, std::wstring_view name, Enum& value)
+bool readNumber(karmp::ElementReader& element, karmp::ItemName name, Enum& value)
 {
     int number = 0;
     if (!element.Value(name, number, karmp::Absent::ReportAndKeep))
