@@ -57,7 +57,10 @@ TEST_F(Identity, ClassThatIsNotRegisteredGivesANullHandleAndAFailedCheck)
     QOBSharedHandle<KARMPEntity> entity = TestEntity::create(L"entity");
     EXPECT_EQ(KARMPFactory::Create("KARMPActuator", entity), KARFailure);
     EXPECT_FALSE(entity);
-    ExpectReports(1);
+    entity = TestEntity::create(L"entity");
+    EXPECT_EQ(KARMPFactory::Create(KARMPFactory::Class("KARMPActuator"), entity), KARFailure);
+    EXPECT_FALSE(entity);
+    ExpectReports(2);
 }
 
 TEST_F(Identity, FactoryNamesCompareExactly)
@@ -71,6 +74,7 @@ TEST_F(Identity, FactoryNamesCompareExactly)
 TEST_F(Identity, SecondRegistrationReplacesTheFirst)
 {
     static int made = 0;
+    const KARMPFactory::Class lookedUpBefore("TestEntity");
     const auto original = Registry::GetMap().at("TestEntity");
     Registry::Register("TestEntity", [] {
         ++made;
@@ -78,9 +82,13 @@ TEST_F(Identity, SecondRegistrationReplacesTheFirst)
     });
     EXPECT_EQ(Registry::CreateInstance("TestEntity")->getEntityName(), L"other");
     EXPECT_EQ(made, 1);
+    QOBSharedHandle<KARMPEntity> entity;
+    EXPECT_EQ(KARMPFactory::Create(lookedUpBefore, entity), KARSuccess);
+    EXPECT_EQ(entity->getEntityName(), L"other");
+    EXPECT_EQ(made, 2);
     Registry::Register("TestEntity", original);
     EXPECT_EQ(Registry::CreateInstance("TestEntity")->getEntityName(), L"");
-    EXPECT_EQ(made, 1);
+    EXPECT_EQ(made, 2);
 }
 
 TEST_F(Identity, FactoryListsItsClasses)

@@ -28,6 +28,8 @@ protected:
     KARMPGenericFactoryBase() = default;
 
     static Map& GetMap();
+    /// The entry of a class, null when the name is not registered. Names compare exactly.
+    static const Creator* Find(std::string_view className);
     /// A new entity of the class, null when the name is not registered. Names compare exactly.
     static QOBSharedHandle<KARMPEntity> CreateInstance(std::string_view className);
     /// Enters a creator, in place of an earlier one of that name.
@@ -57,6 +59,20 @@ public:
     /// Hands out a new entity of the class with an empty name and returns 0. A name that is not
     /// registered is a failed check and a failure, with a null handle.
     static KARStatus Create(std::string_view className, QOBSharedHandle<KARMPEntity>& entity);
+    /// A class by its name, which need not be registered, for the creation of many entities.
+    class Class
+    {
+    public:
+        Class() = default;
+        explicit Class(std::string_view className) : m_creator(Find(className)) {}
+
+    private:
+        friend class KARMPFactory;
+
+        const Creator* m_creator = nullptr;
+    };
+    /// The same for a class that was looked up before.
+    static KARStatus Create(Class entityClass, QOBSharedHandle<KARMPEntity>& entity);
     /// The names of all classes that can be created, in order.
     static std::vector<std::string> GetClassNames();
 };

@@ -8,11 +8,18 @@ KARMPGenericFactoryBase::Map& KARMPGenericFactoryBase::GetMap()
     return map;
 }
 
-QOBSharedHandle<KARMPEntity> KARMPGenericFactoryBase::CreateInstance(std::string_view className)
+// An entry stays where it is, also when another creator takes the place of the one in it.
+const KARMPGenericFactoryBase::Creator* KARMPGenericFactoryBase::Find(std::string_view className)
 {
     const Map& map = GetMap();
     const auto found = map.find(className);
-    return found != map.end() ? found->second() : QOBSharedHandle<KARMPEntity>();
+    return found != map.end() ? &found->second : nullptr;
+}
+
+QOBSharedHandle<KARMPEntity> KARMPGenericFactoryBase::CreateInstance(std::string_view className)
+{
+    const Creator* const creator = Find(className);
+    return creator != nullptr ? (*creator)() : QOBSharedHandle<KARMPEntity>();
 }
 
 void KARMPGenericFactoryBase::Register(std::string_view className, Creator creator)
@@ -22,7 +29,13 @@ void KARMPGenericFactoryBase::Register(std::string_view className, Creator creat
 
 KARStatus KARMPFactory::Create(std::string_view className, QOBSharedHandle<KARMPEntity>& entity)
 {
-    entity = CreateInstance(className);
+    return Create(Class(className), entity);
+}
+
+KARStatus KARMPFactory::Create(Class entityClass, QOBSharedHandle<KARMPEntity>& entity)
+{
+    const Creator* const creator = entityClass.m_creator;
+    entity = creator != nullptr ? (*creator)() : QOBSharedHandle<KARMPEntity>();
     return KARMPVerify(static_cast<bool>(entity)) ? KARSuccess : KARFailure;
 }
 

@@ -9,7 +9,9 @@
 #include "KARProcessServices.h"
 #include "QOBBasicWorld.h"
 
+#include <algorithm>
 #include <optional>
+#include <vector>
 
 namespace {
 
@@ -21,13 +23,60 @@ using FilingFamilies =
                       KARMPInitialCondition, KARMPAnalysisCase, KARMPAnalysisStep,
                       KARMPGenericEntity>;
 
+constexpr std::wstring_view IdName = L"id";
+
 const KARMPDeserializer* child(const KARMPDeserializer& node, std::wstring_view name)
 {
     const KARMPDeserializer* element = nullptr;
-    if (node.HasElement(name))
-        node.GetElement(name, element);
+    node.GetElement(name, element);
     return element;
 }
+
+// Files entities by their classes' families.
+class Filing
+{
+public:
+    explicit Filing(KARMPWorld& world) : m_world(world) {}
+
+    void File(const QOBSharedHandle<KARMPEntity>& entity)
+    {
+        const QOBClassInfo& info = entity.getClassInfo();
+        const auto known =
+            std::find_if(m_classes.begin(), m_classes.end(),
+                         [&info](const Class& entry) { return entry.info == &info; });
+        const Add add = known != m_classes.end()
+                            ? known->add
+                            : m_classes.emplace_back(Class{&info, AddOf(info)}).add;
+        if (add != nullptr)
+            add(m_world, entity);
+    }
+
+private:
+    using Add = void (*)(KARMPWorld& world, const QOBSharedHandle<KARMPEntity>& entity);
+    struct Class
+    {
+        const QOBClassInfo* info;
+        Add add;
+    };
+
+    static Add AddOf(const QOBClassInfo& info)
+    {
+        Add add = nullptr;
+        FilingFamilies::AnyOf([&](auto family) {
+            using T = typename decltype(family)::Type;
+            if (!info.isDerivedFrom(T::ClassInfo()))
+                return false;
+            add = [](KARMPWorld& world, const QOBSharedHandle<KARMPEntity>& entity) {
+                world.Add(karmp::HandleAs<T>(entity));
+            };
+            return true;
+        });
+        return add;
+    }
+
+    KARMPWorld& m_world;
+    std::vector<Class> m_classes; // those met so far, which are few
+};
 
 // A missing component is 0; nothing is given when the element itself is missing.
 std::optional<std::array<double, 3>> readTriple(const KARMPDeserializer& world,
@@ -68,14 +117,17 @@ private:
     };
 
     const KARMPEntityTable::Entry* Create(const KARMPDeserializer* element);
+    KARMPFactory::Class ClassOf(std::wstring_view elementName);
     void ReadContent(const KARMPDeserializer* element, const KARMPEntityTable::Entry* entry);
     void FileByIdentifier();
     void FileByDocument();
-    void File(const QOBSharedHandle<KARMPEntity>& entity);
 
     KARMPWorld& m_world;
+    QOBSharedHandle<QOBBasicEntity> m_parent;
     KARMPEntityTable m_entities;
     std::vector<Registry> m_registries;
+    std::wstring_view m_className;
+    KARMPFactory::Class m_class;
 };
 
 EntitiesReader::EntitiesReader(KARMPWorld& target, const KARMPDeserializer& world) : m_world(target)
@@ -106,18 +158,28 @@ const KARMPEntityTable::Entry* EntitiesReader::Create(const KARMPDeserializer* e
     if (!KARMPVerify(element != nullptr))
         return nullptr;
     QOBSharedHandle<KARMPEntity> entity;
-    const std::string className = KARMPSerializationServices::to_type(element->Id());
-    if (!KARMPVerify(!KARFailed(KARMPFactory::Create(className, entity))))
+    if (!KARMPVerify(!KARFailed(KARMPFactory::Create(ClassOf(element->Id()), entity))))
         return nullptr;
     std::wstring_view identifier;
-    if (!KARMPVerify(!KARFailed(element->GetAttribute(L"id", identifier))))
+    if (!KARMPVerify(!KARFailed(element->GetAttribute(IdName, identifier))))
         return nullptr;
     const KARMPEntityTable::Entry& entry = m_entities.Enter(identifier, entity);
-
-    const QOBSharedHandle<QOBBasicEntity> parent(m_world.getExtendible(), QOBSharedBase::WriteLock);
-    if (KARMPVerify(static_cast<bool>(parent)) && !parent->hasLogicalChild(entity))
-        parent->addLogicalChild(entity);
+    if (!m_parent)
+        m_parent =
+            QOBSharedHandle<QOBBasicEntity>(m_world.getExtendible(), QOBSharedBase::WriteLock);
+    if (KARMPVerify(static_cast<bool>(m_parent)))
+        m_parent->addLogicalChild(entity);
     return &entry;
+}
+
+// The elements of a registry come by name.
+KARMPFactory::Class EntitiesReader::ClassOf(std::wstring_view elementName)
+{
+    if (elementName != m_className || m_className.empty()) {
+        m_className = elementName;
+        m_class = KARMPFactory::Class(KARMPSerializationServices::to_type(elementName));
+    }
+    return m_class;
 }
 
 void EntitiesReader::ReadContents()
@@ -134,11 +196,14 @@ void EntitiesReader::ReadContent(const KARMPDeserializer* element,
                                  const KARMPEntityTable::Entry* entry)
 {
     const KARMPReadingPlace place(element);
-    std::wstring_view identifier;
-    if (!KARMPVerify(element != nullptr && !KARFailed(element->GetAttribute(L"id", identifier))))
-        return;
-    const QOBSharedHandle<KARMPEntity>* found =
-        entry != nullptr ? &entry->second : m_entities.Find(identifier);
+    const QOBSharedHandle<KARMPEntity>* found = entry != nullptr ? &entry->second : nullptr;
+    if (entry == nullptr) {
+        std::wstring_view identifier;
+        if (!KARMPVerify(element != nullptr &&
+                         !KARFailed(element->GetAttribute(IdName, identifier))))
+            return;
+        found = m_entities.Find(identifier);
+    }
     KARMPVerify(found != nullptr && *found &&
                 !KARFailed((*found)->Deserialize(element, m_entities)));
 }
@@ -153,12 +218,14 @@ void EntitiesReader::File()
 
 void EntitiesReader::FileByIdentifier()
 {
+    Filing filing(m_world);
     for (const KARMPEntityTable::Entry* entry : m_entities.InOrder())
-        File(entry->second);
+        filing.File(entry->second);
 }
 
 void EntitiesReader::FileByDocument()
 {
+    Filing filing(m_world);
     for (const Registry& registry : m_registries) {
         ElementList elements;
         registry.element->GetOrderedElementList(elements);
@@ -166,26 +233,12 @@ void EntitiesReader::FileByDocument()
             const KARMPReadingPlace place(element);
             std::wstring_view identifier;
             if (!KARMPVerify(element != nullptr &&
-                             !KARFailed(element->GetAttribute(L"id", identifier))))
+                             !KARFailed(element->GetAttribute(IdName, identifier))))
                 continue;
             if (const QOBSharedHandle<KARMPEntity>* found = m_entities.Find(identifier))
-                File(*found);
+                filing.File(*found);
         }
     }
-}
-
-void EntitiesReader::File(const QOBSharedHandle<KARMPEntity>& entity)
-{
-    if (!entity)
-        return;
-    const QOBClassInfo& info = entity.getClassInfo();
-    FilingFamilies::AnyOf([&](auto family) {
-        using T = typename decltype(family)::Type;
-        if (!info.isDerivedFrom(T::ClassInfo()))
-            return false;
-        m_world.Add(QOBSharedHandle<T>(entity));
-        return true;
-    });
 }
 
 void EntitiesReader::ReadGlobals(const KARMPDeserializer& world)
