@@ -48,8 +48,9 @@ private:
         Entry* entry = nullptr; // null in a free slot
     };
 
-    static std::uint32_t Hash(std::wstring_view text) noexcept;
-    std::size_t SlotOf(std::wstring_view identifier, std::uint32_t hash) const;
+    // These are inline where they are used, in one source.
+    static inline std::uint32_t Hash(std::wstring_view text) noexcept;
+    inline std::size_t SlotOf(std::wstring_view identifier, std::uint32_t hash) const;
 
     std::deque<Entry> m_entries;
     std::vector<Slot> m_slots;

@@ -60,7 +60,7 @@ KARMPEntityTable::~KARMPEntityTable() = default;
 KARMPEntityTable::KARMPEntityTable(KARMPEntityTable&&) noexcept = default;
 KARMPEntityTable& KARMPEntityTable::operator=(KARMPEntityTable&&) noexcept = default;
 
-std::uint32_t KARMPEntityTable::Hash(std::wstring_view text) noexcept
+inline std::uint32_t KARMPEntityTable::Hash(std::wstring_view text) noexcept
 {
     // Identifiers are long and their characters wide: two words are mixed at once, each on its own.
     std::array<std::uint64_t, 2> words{};
@@ -84,7 +84,7 @@ std::uint32_t KARMPEntityTable::Hash(std::wstring_view text) noexcept
 }
 
 // The slot of an identifier, or the free one that it would get.
-std::size_t KARMPEntityTable::SlotOf(std::wstring_view identifier, std::uint32_t hash) const
+inline std::size_t KARMPEntityTable::SlotOf(std::wstring_view identifier, std::uint32_t hash) const
 {
     const std::size_t last = m_slots.size() - 1;
     for (std::size_t place = hash & last;; place = (place + 1) & last) {

@@ -4,10 +4,6 @@
 
 namespace karmp {
 
-ElementReader::ElementReader(const KARMPDeserializer* node, Where where)
-    : m_node(node), m_failed(!KARMPVerify(node != nullptr, where))
-{}
-
 ElementReader::ElementReader(const KARMPDeserializer* node, ItemName name, Where where)
 {
     if (node != nullptr && node->Id() == std::wstring_view(name))
@@ -61,13 +57,11 @@ bool ElementReader::Values(KARMath3x3Matrix& matrix, Absent absent, Where where)
 
 ElementReader ElementReader::Child(ItemName name, Absent absent, Where where)
 {
-    ElementReader child(*this);
-    child.m_node = nullptr;
-    child.m_failed = true;
-    if (m_node != nullptr && !KARFailed(m_node->GetElement(name, child.m_node)) &&
-        child.m_node != nullptr)
-        child.m_failed = false;
-    else
+    ElementReader child;
+    if (m_node != nullptr)
+        m_node->GetElement(name, child.m_node);
+    child.m_failed = child.m_node == nullptr;
+    if (child.m_failed)
         Missing(absent, where);
     return child;
 }

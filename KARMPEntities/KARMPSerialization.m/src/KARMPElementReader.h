@@ -49,7 +49,9 @@ public:
     using Where = KARMPSourceLocation;
 
     /// Reads the node itself. A null node is reported.
-    explicit ElementReader(const KARMPDeserializer* node, Where where = Where::current());
+    explicit ElementReader(const KARMPDeserializer* node, Where where = Where::current())
+        : m_node(node), m_failed(!KARMPVerify(node != nullptr, where))
+    {}
     /// Reads a class's own element: the node itself when it bears the name, otherwise the node's
     /// child of that name. A null node and a missing child are reported.
     ElementReader(const KARMPDeserializer* node, ItemName name, Where where = Where::current());
@@ -166,6 +168,8 @@ public:
     }
 
 private:
+    ElementReader() = default;
+
     template <class T>
     bool Settle(KARStatus status, T& value, Absent absent, Where where)
     {
