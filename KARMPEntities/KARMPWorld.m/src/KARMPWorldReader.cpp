@@ -158,8 +158,10 @@ const KARMPEntityTable::Entry* EntitiesReader::Create(const KARMPDeserializer* e
     if (!KARMPVerify(element != nullptr))
         return nullptr;
     QOBSharedHandle<KARMPEntity> entity;
-    if (!KARMPVerify(!KARFailed(KARMPFactory::Create(ClassOf(element->Id()), entity))))
+    if (!KARMPVerify(!KARFailed(KARMPFactory::Create(ClassOf(element->Id()), entity)))) {
+        m_className = {}; // the report may have a listener that registers the class
         return nullptr;
+    }
     std::wstring_view identifier;
     if (!KARMPVerify(!KARFailed(element->GetAttribute(IdName, identifier))))
         return nullptr;
