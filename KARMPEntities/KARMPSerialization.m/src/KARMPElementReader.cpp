@@ -70,11 +70,11 @@ const QOBSharedHandle<KARMPEntity>* ElementReader::FindTarget(const KARMPEntityT
                                                               Where where) const
 {
     constexpr ItemName idName = L"id";
-    std::wstring_view identifier;
+    ReadText identifier;
     if (m_node == nullptr ||
         !KARMPVerify(!KARFailed(m_node->GetAttribute(idName, identifier)), where))
         return nullptr;
-    const QOBSharedHandle<KARMPEntity>* entity = entities.Find(identifier);
+    const QOBSharedHandle<KARMPEntity>* entity = entities.Find(identifier.View());
     return entity != nullptr && *entity ? entity : nullptr;
 }
 

@@ -162,10 +162,10 @@ const KARMPEntityTable::Entry* EntitiesReader::Create(const KARMPDeserializer* e
         m_className = {}; // the report may have a listener that registers the class
         return nullptr;
     }
-    std::wstring_view identifier;
+    karmp::ReadText identifier;
     if (!KARMPVerify(!KARFailed(element->GetAttribute(IdName, identifier))))
         return nullptr;
-    const KARMPEntityTable::Entry& entry = m_entities.Enter(identifier, entity);
+    const KARMPEntityTable::Entry& entry = m_entities.Enter(identifier.View(), entity);
     if (!m_parent)
         m_parent =
             QOBSharedHandle<QOBBasicEntity>(m_world.getExtendible(), QOBSharedBase::WriteLock);
@@ -200,11 +200,11 @@ void EntitiesReader::ReadContent(const KARMPDeserializer* element,
     const KARMPReadingPlace place(element);
     const QOBSharedHandle<KARMPEntity>* found = entry != nullptr ? &entry->second : nullptr;
     if (entry == nullptr) {
-        std::wstring_view identifier;
+        karmp::ReadText identifier;
         if (!KARMPVerify(element != nullptr &&
                          !KARFailed(element->GetAttribute(IdName, identifier))))
             return;
-        found = m_entities.Find(identifier);
+        found = m_entities.Find(identifier.View());
     }
     KARMPVerify(found != nullptr && *found &&
                 !KARFailed((*found)->Deserialize(element, m_entities)));
@@ -233,11 +233,11 @@ void EntitiesReader::FileByDocument()
         registry.element->GetOrderedElementList(elements);
         for (const KARMPDeserializer* element : elements) {
             const KARMPReadingPlace place(element);
-            std::wstring_view identifier;
+            karmp::ReadText identifier;
             if (!KARMPVerify(element != nullptr &&
                              !KARFailed(element->GetAttribute(IdName, identifier))))
                 continue;
-            if (const QOBSharedHandle<KARMPEntity>* found = m_entities.Find(identifier))
+            if (const QOBSharedHandle<KARMPEntity>* found = m_entities.Find(identifier.View()))
                 filing.File(*found);
         }
     }
