@@ -277,8 +277,15 @@ bool TreeBuilder::ReadVersion(const pugi::xml_node& root)
     return true;
 }
 
+// The parsed form of a large document is given back while it is read, an element together with
+// those of its children that have none themselves, so that its memory serves the tree.
 bool TreeBuilder::BuildTree(pugi::xml_node root)
 {
+    constexpr std::size_t largeText = 1U << 24U;
+    m_givesBack = m_source.Text().size() >= largeText;
+    if (m_givesBack) {
+        m_source.TakeSmallPieces();
+    }
     m_version = karmp::NodeText::Name(m_document.m_version, m_source);
     if (!Enter(root)) {
         return false;
@@ -377,6 +384,9 @@ void TreeBuilder::Leave()
     }
     level.node->PlaceElements(std::span(m_children).subspan(level.firstChild));
     m_children.resize(level.firstChild);
+    if (m_givesBack && !m_levels.empty()) {
+        m_levels.back().source.remove_child(level.source);
+    }
 }
 
 // Where there are elements as well, literal blanks at the ends of a text are indentation.

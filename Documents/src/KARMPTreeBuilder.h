@@ -73,6 +73,7 @@ private:
     std::vector<KARMPDocumentReader::Attribute> m_attributes;
     std::wstring m_texts;
     std::size_t m_nodes = 0;
+    bool m_givesBack = false;
     RepeatedNames m_names;
     karmp::NodeText m_version;
     std::wstring m_value;

@@ -81,6 +81,24 @@ TEST(NodeMemory, LargeAmountsComeInChunksOfTheirOwnKind)
     }
 }
 
+TEST(NodeMemory, SmallPiecesStaySmall)
+{
+    NodeMemory usual;
+    NodeMemory small;
+    small.TakeSmallPieces();
+    const auto largestPiece = [](NodeMemory& memory) {
+        std::size_t largest = 0;
+        for (std::size_t piece = 0; piece < 100; ++piece) {
+            const std::size_t before = memory.Size();
+            memory.Allocate(100000);
+            largest = std::max(largest, memory.Size() - before);
+        }
+        return largest;
+    };
+    EXPECT_GT(largestPiece(usual), 4000000U);
+    EXPECT_LT(largestPiece(small), 300000U);
+}
+
 TEST(NodeMemory, DestroysWhatItMadeOnce)
 {
     Counted::Destroyed = 0;
