@@ -176,7 +176,8 @@ protected:
     {
         PlacedNode* const node = PlacedNode::Make(m_memory, L"node");
         node->PlaceValue(karmp::AsciiText{text});
-        EXPECT_TRUE(node->Attributes({{NodeText::Name(L"name"), karmp::AsciiText{text}}}));
+        EXPECT_TRUE(
+            node->Attributes({{NodeText::Name(L"name", m_memory), karmp::AsciiText{text}}}));
         return node;
     }
 
@@ -290,8 +291,8 @@ TEST(PlacedTree, OfAttributesAddedTogetherTheLastOfANameCounts)
 {
     NodeMemory memory;
     PlacedNode* const root = PlacedNode::Make(memory, L"root");
-    const NodeText name = NodeText::Name(L"name");
-    const NodeText other = NodeText::Name(L"other");
+    const NodeText name = NodeText::Name(L"name", memory);
+    const NodeText other = NodeText::Name(L"other", memory);
     EXPECT_TRUE(root->Attributes({{other, karmp::AsciiText{"1"}}, {name, karmp::AsciiText{"2"}}}));
     EXPECT_FALSE(root->Attributes({{name, karmp::AsciiText{"3"}}}));
     PlacedNode* const second = PlacedNode::Make(memory, L"second");
