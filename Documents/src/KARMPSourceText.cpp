@@ -30,8 +30,10 @@ std::size_t CleanBytes(std::string_view bytes)
     while (bytes.size() - count >= WordSize) {
         const Word unclean = UncleanBytes(bytes.data() + count);
         if (unclean != 0) {
-            constexpr bool firstByteIsLowest = std::endian::native == std::endian::little;
-            return count + (firstByteIsLowest ? std::countr_zero(unclean) / 8U : 0U);
+            if constexpr (std::endian::native == std::endian::little) {
+                count += static_cast<std::size_t>(std::countr_zero(unclean)) / 8;
+            }
+            return count;
         }
         count += WordSize;
     }

@@ -9,7 +9,6 @@
 #include <unordered_map>
 #include <utility>
 
-using karmp::AsciiText;
 using karmp::NodeText;
 using karmp::ReadValue;
 
