@@ -134,10 +134,15 @@ TEST(DocumentErrors, UnknownReferencesAreKeptAsTextAndTold)
 
 TEST(DocumentErrors, OfTwoAttributesOfOneNameTheLastIsTakenAndToldSo)
 {
-    const Document document = Document::ReadText(Start + "<A b=\"1\" c=\"2\" b=\"3\"/>" + End);
-    ASSERT_EQ(document.Messages().items.size(), 1U);
-    EXPECT_EQ(document.Messages().items[0].code, Code::DuplicateAttribute);
-    EXPECT_EQ(document.Messages().items[0].path, "/KARMPDocument/A");
+    const Document document =
+        Document::ReadText(Start + "\n<A b=\"1\" c=\"2\" b=\"3\" b=\"3\"/>" + End);
+    ASSERT_EQ(document.Messages().items.size(), 2U);
+    for (const Diagnostic& item : document.Messages().items) {
+        EXPECT_EQ(item.code, Code::DuplicateAttribute);
+        EXPECT_EQ(item.path, "/KARMPDocument/A");
+        EXPECT_EQ(item.line, 2U);
+        EXPECT_EQ(item.column, 2U);
+    }
     const KARMPDeserializer* node = nullptr;
     document.Root()->GetElement(L"A", node);
     int value = 0;
