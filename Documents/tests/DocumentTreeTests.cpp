@@ -1,6 +1,7 @@
 // The tree in its text form: layout, what comes back, what is refused.
 #include "KARMPDocumentReader.h"
 #include "KARMPDocumentWriter.h"
+#include "TreeBuilding.h"
 
 #include <gtest/gtest.h>
 
@@ -34,21 +35,6 @@ Document Parsed(const std::string& text)
         ADD_FAILURE() << Format(item);
     }
     return document;
-}
-
-KARMPSerializer* Add(KARMPSerializer& parent, std::wstring_view name)
-{
-    KARMPSerializer* child = nullptr;
-    parent.AddElement(name, child);
-    return child;
-}
-
-template <class Value>
-KARMPSerializer* Add(KARMPSerializer& parent, std::wstring_view name, const Value& value)
-{
-    KARMPSerializer* child = nullptr;
-    parent.AddElement(name, child, value);
-    return child;
 }
 
 // What becomes of a text as an attribute and as an element's value.

@@ -3,6 +3,7 @@
 #include "AllocationCounter.h"
 #include "KARMPDocumentWriter.h"
 #include "KARMPStreamedTree.h"
+#include "TreeBuilding.h"
 
 #include <gtest/gtest.h>
 
@@ -15,21 +16,6 @@ using namespace karmp::documents;
 namespace {
 
 using Write = std::function<void(KARMPSerializer& root)>;
-
-KARMPSerializer* Add(KARMPSerializer& parent, std::wstring_view name)
-{
-    KARMPSerializer* child = nullptr;
-    parent.AddElement(name, child);
-    return child;
-}
-
-template <class Value>
-KARMPSerializer* Add(KARMPSerializer& parent, std::wstring_view name, const Value& value)
-{
-    KARMPSerializer* child = nullptr;
-    parent.AddElement(name, child, value);
-    return child;
-}
 
 // The text of a tree that is rendered while it is written, or the message.
 std::string Streamed(const Write& write, const Limits& limits = {})
