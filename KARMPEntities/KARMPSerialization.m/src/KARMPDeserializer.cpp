@@ -394,7 +394,7 @@ KARMPDeserializer::Content& KARMPDeserializer::NeedContent()
 
 KARStatus KARMPDeserializer::SetVersion(std::wstring_view version)
 {
-    m_version = NodeText::Name(version);
+    m_version = m_memory != nullptr ? NodeText::Name(version, *m_memory) : NodeText::Name(version);
     return KARSuccess;
 }
 

@@ -307,6 +307,21 @@ TEST(PlacedTree, OfAttributesAddedTogetherTheLastOfANameCounts)
     EXPECT_EQ(second->GetAttributeCount(), 1U);
 }
 
+TEST(PlacedTree, AVersionOfAnyLengthStandsInTheMemoryAndGoesDownTheTree)
+{
+    NodeMemory memory;
+    PlacedNode* const root = PlacedNode::Make(memory, L"root");
+    const PlacedNode* const child = root->Add(L"child");
+    const std::wstring version(6000, L'v');
+    const std::size_t before = memory.Size();
+    root->SetVersion(version);
+    EXPECT_GT(memory.Size(), before);
+    const KARMPDeserializer* found = nullptr;
+    root->GetElement(L"child", found);
+    EXPECT_EQ(found, child);
+    EXPECT_EQ(found->Version(), version);
+}
+
 TEST(PlacedTree, NodesMayBeDestroyedBeforeTheirMemory)
 {
     NodeMemory memory;
