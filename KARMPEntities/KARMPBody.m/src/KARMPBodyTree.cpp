@@ -111,9 +111,9 @@ void KARMPBody::ReadState(ElementReader& element)
     }
     ReadMotion(element);
     ReadWeight(element);
-    std::wstring_view fixed;
+    karmp::ReadText fixed;
     if (element.Attribute(L"is_fixed", fixed, Absent::ReportAndKeep))
-        SetFix(fixed == L"yes"sv);
+        SetFix(fixed.View() == L"yes"sv);
     if (karmp::AtLeast(element.Version(), karmp::R2016_1))
         element.Value(L"OutOfWorld", m_outOfWorld, Absent::ReportAndKeep);
 }

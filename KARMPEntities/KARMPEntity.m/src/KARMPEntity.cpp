@@ -314,12 +314,12 @@ KARStatus KARMPEntity::Deserialize(const KARMPDeserializer* deserializer,
     std::wstring name;
     if (element.Attribute(L"name", name, Absent::ReportAndKeep))
         setEntityName(std::move(name));
-    std::wstring_view active;
+    karmp::ReadText active;
     if (karmp::AtLeast(element.Version(), karmp::R2017_1) &&
         element.Attribute(L"isActive", active, Absent::ReportAndKeep)) {
-        if (active == L"yes"sv)
+        if (active.View() == L"yes"sv)
             Activate();
-        else if (active == L"no"sv)
+        else if (active.View() == L"no"sv)
             Deactivate();
     }
     std::wstring text;

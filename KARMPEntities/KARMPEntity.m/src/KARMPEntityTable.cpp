@@ -13,14 +13,81 @@ namespace {
 
 using Entry = KARMPEntityTable::Entry;
 
-// The characters of an identifier behind what all identifiers begin with, eight in a number whose
-// order is theirs. It stops at a character that is no byte, so that what follows does not count.
-std::uint64_t orderOf(std::wstring_view text)
+bool isAscii(std::wstring_view text)
+{
+    return std::all_of(text.begin(), text.end(), [](wchar_t character) {
+        return static_cast<std::uint32_t>(character) < 0x80U;
+    });
+}
+
+// Eight characters as a number; of a wide one the low bits count, which are all of an ASCII one.
+template <class Character>
+std::uint64_t wordOf(const Character* text, std::size_t size)
+{
+    std::array<unsigned char, sizeof(std::uint64_t)> bytes{};
+    if constexpr (sizeof(Character) == 1) {
+        std::memcpy(bytes.data(), text, size);
+    } else {
+        std::transform(text, text + size, bytes.begin(),
+                       [](Character character) { return static_cast<unsigned char>(character); });
+    }
+    std::uint64_t word = 0;
+    std::memcpy(&word, bytes.data(), sizeof word);
+    return word;
+}
+
+// The same for a narrow and for a wide form of a text.
+template <class Character>
+std::uint32_t hashOf(std::basic_string_view<Character> text) noexcept
+{
+    constexpr std::size_t step = sizeof(std::uint64_t);
+    std::uint64_t hash = text.size();
+    const auto mix = [&hash](std::uint64_t word) {
+        hash = (std::rotl(hash, 29) ^ word) * 0x9E3779B97F4A7C15U;
+    };
+    for (; text.size() >= step; text.remove_prefix(step))
+        mix(wordOf(text.data(), step));
+    mix(wordOf(text.data(), text.size()));
+    return static_cast<std::uint32_t>(hash >> 32U);
+}
+
+struct Place
+{
+    std::uint64_t order;
+    const Entry* entry;
+};
+
+} // namespace
+
+std::wstring KARMPEntityTable::Entry::Identifier() const
+{
+    const std::string_view narrow = Narrow();
+    return m_isNarrow ? std::wstring(narrow.begin(), narrow.end()) : std::wstring(Wide());
+}
+
+bool KARMPEntityTable::Entry::Is(std::wstring_view text) const
+{
+    if (!m_isNarrow)
+        return Wide() == text;
+    const std::string_view narrow = Narrow();
+    return std::equal(narrow.begin(), narrow.end(), text.begin(), text.end(),
+                      [](char own, wchar_t other) { return static_cast<wchar_t>(own) == other; });
+}
+
+wchar_t KARMPEntityTable::Entry::At(std::size_t place) const
+{
+    return m_isNarrow ? static_cast<wchar_t>(Narrow()[place]) : Wide()[place];
+}
+
+// The eight characters from `start` in a number whose order is theirs. It stops at a character that
+// is no byte, so that what follows does not count.
+std::uint64_t KARMPEntityTable::Entry::Order(std::size_t start) const
 {
     std::uint64_t order = 0;
     int shift = 64;
-    for (const wchar_t character : text.substr(0, 8)) {
+    for (std::size_t place = start; place < m_size && shift > 0; ++place) {
         shift -= 8;
+        const wchar_t character = At(place);
         if (character <= 0)
             break;
         const auto value = std::min<std::uint64_t>(static_cast<std::uint64_t>(character), 0xFFU);
@@ -31,65 +98,24 @@ std::uint64_t orderOf(std::wstring_view text)
     return order;
 }
 
-struct Place
+bool KARMPEntityTable::Entry::ComesBefore(const Entry& other) const
 {
-    std::uint64_t order;
-    const Entry* entry;
-
-    bool operator<(const Place& other) const
-    {
-        return order != other.order ? order < other.order : entry->first < other.entry->first;
-    }
-};
-
-std::size_t commonStart(const std::deque<Entry>& entries)
-{
-    std::wstring_view start = entries.front().first;
-    for (const Entry& entry : entries) {
-        const auto ends =
-            std::mismatch(start.begin(), start.end(), entry.first.begin(), entry.first.end());
-        start = start.substr(0, static_cast<std::size_t>(ends.first - start.begin()));
-    }
-    return start.size();
+    if (m_isNarrow && other.m_isNarrow)
+        return Narrow() < other.Narrow();
+    return Identifier() < other.Identifier();
 }
-
-} // namespace
 
 KARMPEntityTable::KARMPEntityTable() = default;
 KARMPEntityTable::~KARMPEntityTable() = default;
-KARMPEntityTable::KARMPEntityTable(KARMPEntityTable&&) noexcept = default;
-KARMPEntityTable& KARMPEntityTable::operator=(KARMPEntityTable&&) noexcept = default;
-
-inline std::uint32_t KARMPEntityTable::Hash(std::wstring_view text) noexcept
-{
-    // Identifiers are long and their characters wide: two words are mixed at once, each on its own.
-    std::array<std::uint64_t, 2> words{};
-    std::array<std::uint64_t, 2> hashes{text.size(), 0};
-    const auto mix = [&] {
-        for (std::size_t i = 0; i < words.size(); ++i)
-            hashes[i] = (std::rotl(hashes[i], 29) ^ words[i]) * 0x9E3779B97F4A7C15U;
-    };
-    constexpr std::size_t step = sizeof words / sizeof(wchar_t);
-    for (; text.size() >= step; text.remove_prefix(step)) {
-        std::memcpy(words.data(), text.data(), sizeof words);
-        mix();
-    }
-    words = {};
-    if (!text.empty())
-        std::memcpy(words.data(), text.data(), text.size() * sizeof(wchar_t));
-    mix();
-    words = {hashes[1], 0};
-    mix();
-    return static_cast<std::uint32_t>(hashes[0] >> 32U);
-}
 
 // The slot of an identifier, or the free one that it would get.
-inline std::size_t KARMPEntityTable::SlotOf(std::wstring_view identifier, std::uint32_t hash) const
+template <class Text>
+std::size_t KARMPEntityTable::SlotOf(Text identifier, std::uint32_t hash) const
 {
     const std::size_t last = m_slots.size() - 1;
     for (std::size_t place = hash & last;; place = (place + 1) & last) {
         const Slot& slot = m_slots[place];
-        if (slot.entry == nullptr || (slot.hash == hash && slot.entry->first == identifier))
+        if (slot.entry == nullptr || (slot.hash == hash && slot.entry->Is(identifier)))
             return place;
     }
 }
@@ -120,25 +146,62 @@ bool KARMPEntityTable::Set(std::wstring_view identifier, const QOBSharedHandle<K
     return Size() > before;
 }
 
+template <class Text>
+const KARMPEntityTable::Entry& KARMPEntityTable::EnterText(
+    Text identifier, const QOBSharedHandle<KARMPEntity>& entity)
+{
+    Reserve(Size() + 1);
+    const std::uint32_t hash = hashOf(identifier);
+    Slot& slot = m_slots[SlotOf(identifier, hash)];
+    if (slot.entry == nullptr) {
+        using Character = typename Text::value_type;
+        const std::size_t size = identifier.size();
+        auto* const text = static_cast<Character*>(m_texts.Allocate(size * sizeof(Character)));
+        std::copy(identifier.begin(), identifier.end(), text);
+        Entry& entry = m_entries.emplace_back();
+        entry.m_text = text;
+        entry.m_size = size;
+        entry.m_isNarrow = sizeof(Character) == 1;
+        slot = {hash, &entry};
+    }
+    slot.entry->m_entity = entity;
+    return *slot.entry;
+}
+
 const KARMPEntityTable::Entry& KARMPEntityTable::Enter(std::wstring_view identifier,
                                                        const QOBSharedHandle<KARMPEntity>& entity)
 {
-    Reserve(Size() + 1);
-    const std::uint32_t hash = Hash(identifier);
-    Slot& slot = m_slots[SlotOf(identifier, hash)];
-    if (slot.entry != nullptr)
-        slot.entry->second = entity;
-    else
-        slot = {hash, &m_entries.emplace_back(identifier, entity)};
-    return *slot.entry;
+    if (isAscii(identifier)) {
+        const std::string narrow(identifier.begin(), identifier.end());
+        return EnterText(std::string_view(narrow), entity);
+    }
+    return EnterText(identifier, entity);
+}
+
+const KARMPEntityTable::Entry& KARMPEntityTable::Enter(const karmp::ReadText& identifier,
+                                                       const QOBSharedHandle<KARMPEntity>& entity)
+{
+    return identifier.IsAscii() ? EnterText(identifier.Ascii(), entity)
+                                : Enter(identifier.View(), entity);
+}
+
+template <class Text>
+const QOBSharedHandle<KARMPEntity>* KARMPEntityTable::FindText(Text identifier) const
+{
+    if (m_slots.empty())
+        return nullptr;
+    const Slot& slot = m_slots[SlotOf(identifier, hashOf(identifier))];
+    return slot.entry != nullptr ? &slot.entry->m_entity : nullptr;
 }
 
 const QOBSharedHandle<KARMPEntity>* KARMPEntityTable::Find(std::wstring_view identifier) const
 {
-    if (m_slots.empty())
-        return nullptr;
-    const Slot& slot = m_slots[SlotOf(identifier, Hash(identifier))];
-    return slot.entry != nullptr ? &slot.entry->second : nullptr;
+    return FindText(identifier);
+}
+
+const QOBSharedHandle<KARMPEntity>* KARMPEntityTable::Find(const karmp::ReadText& identifier) const
+{
+    return identifier.IsAscii() ? FindText(identifier.Ascii()) : FindText(identifier.View());
 }
 
 std::vector<const KARMPEntityTable::Entry*> KARMPEntityTable::InOrder() const
@@ -147,12 +210,23 @@ std::vector<const KARMPEntityTable::Entry*> KARMPEntityTable::InOrder() const
     if (m_entries.empty())
         return entries;
     // Identifiers are long and mostly begin alike: what tells them apart stands in the sorted list.
-    const std::size_t start = commonStart(m_entries);
+    const Entry& any = m_entries.front();
+    std::size_t start = any.m_size;
+    for (const Entry& entry : m_entries) {
+        start = std::min(start, entry.m_size);
+        std::size_t same = 0;
+        while (same < start && entry.At(same) == any.At(same))
+            ++same;
+        start = same;
+    }
     std::vector<Place> places;
     places.reserve(Size());
     for (const Entry& entry : m_entries)
-        places.push_back({orderOf(std::wstring_view(entry.first).substr(start)), &entry});
-    std::sort(places.begin(), places.end());
+        places.push_back({entry.Order(start), &entry});
+    std::sort(places.begin(), places.end(), [](const Place& left, const Place& right) {
+        return left.order != right.order ? left.order < right.order
+                                         : left.entry->ComesBefore(*right.entry);
+    });
     entries.reserve(Size());
     for (const Place& place : places)
         entries.push_back(place.entry);

@@ -402,7 +402,7 @@ TEST(EntityTable, FindsReplacesAndOrdersByIdentifier)
     EXPECT_EQ(table.Find(L"2"), nullptr);
     std::vector<std::wstring> order;
     for (const auto* entry : table.InOrder())
-        order.push_back(entry->first);
+        order.push_back(entry->Identifier());
     EXPECT_EQ(order, (std::vector<std::wstring>{L"1", L"10", L"9"}));
 }
 
@@ -424,8 +424,35 @@ TEST(EntityTable, TellsTextsOfEachLengthApartByAnyCharacter)
             ++count;
         }
     }
-    EXPECT_EQ(table.Find({}), table.Find(L""));
+    EXPECT_EQ(table.Find(std::wstring_view()), table.Find(L""));
     EXPECT_EQ(table.Size(), count);
+}
+
+TEST(EntityTable, NarrowAndWideTextsAreOneIdentifier)
+{
+    KARMPEntityTable table;
+    for (const std::string& text :
+         {std::string(), std::string("id7"), std::string("id-01234567"), std::string(100, 'x')}) {
+        const std::wstring wide(text.begin(), text.end());
+        karmp::ReadText narrow;
+        narrow.Refer(karmp::AsciiText{text.c_str()});
+        karmp::ReadText referred;
+        referred.Refer(wide);
+        EXPECT_EQ(table.Find(narrow), nullptr);
+        const auto first = TestEntity::create(L"");
+        EXPECT_EQ(table.Enter(narrow, first).Identifier(), wide);
+        ASSERT_NE(table.Find(wide), nullptr);
+        EXPECT_EQ(*table.Find(wide), first);
+        EXPECT_EQ(table.Find(narrow), table.Find(wide));
+        EXPECT_EQ(table.Find(referred), table.Find(wide));
+        const auto second = TestEntity::create(L"");
+        EXPECT_FALSE(table.Set(wide, second));
+        EXPECT_EQ(table.Enter(referred, second).Entity(), second);
+        EXPECT_EQ(*table.Find(narrow), second);
+    }
+    EXPECT_EQ(table.Size(), 4U);
+    // What a wide text hides in the upper bits of its characters tells it apart.
+    EXPECT_EQ(table.Find(L"id\x137"), nullptr);
 }
 
 TEST(EntityTable, ManyEntriesAreFoundAndInTheOrderOfAnyIdentifiers)
@@ -451,21 +478,21 @@ TEST(EntityTable, ManyEntriesAreFoundAndInTheOrderOfAnyIdentifiers)
     for (const std::wstring& identifier : identifiers)
         EXPECT_NE(table.Find(identifier), nullptr);
     EXPECT_EQ(table.Find(L"id5000"), nullptr);
-    const auto withStart = [&table, &identifiers](std::size_t first) {
+    const auto withStart = [&identifiers](const KARMPEntityTable& some, std::size_t first) {
         std::vector<std::wstring> order;
-        for (const auto* entry : table.InOrder())
-            order.push_back(entry->first);
+        for (const auto* entry : some.InOrder())
+            order.push_back(entry->Identifier());
         std::vector<std::wstring> expected(identifiers.begin() + static_cast<std::ptrdiff_t>(first),
                                            identifiers.end());
         std::sort(expected.begin(), expected.end());
         EXPECT_EQ(order, expected);
     };
-    withStart(0);
+    withStart(table, 0);
     // The same where all begin alike.
-    table = KARMPEntityTable();
+    KARMPEntityTable alike;
     for (std::size_t place = 1; place < identifiers.size(); ++place)
-        table.Set(identifiers[place], {});
-    withStart(1);
+        alike.Set(identifiers[place], {});
+    withStart(alike, 1);
 }
 
 } // namespace

@@ -46,10 +46,10 @@ void ReadLinkedBodies(ElementReader& element, ItemName container, ItemName item,
             return;
         auto orientation = KARMPBodyOrientation::Out;
         if (AtLeast(element.Version(), R2017_1)) {
-            std::wstring_view text;
+            ReadText text;
             if (!entry.Attribute(L"bodyOrientation", text, Absent::ReportAndKeep))
                 return;
-            orientation = KARMPEnumValue<KARMPBodyOrientation::Enum>(text);
+            orientation = KARMPEnumValue<KARMPBodyOrientation::Enum>(text.View());
         }
         ElementReader::Set(link(HandleAs<Body>(target), orientation));
     });

@@ -170,8 +170,9 @@ struct AsciiText
     std::string_view View() const { return characters; }
 };
 
-/// A text that is read once: it refers to the node's wide characters or has its own ones, made wide
-/// from narrow ones, so that the node need not keep them.
+/// A text that is read once: it refers to the characters of its node, wide or narrow ones, and has
+/// wide ones of its own when narrow ones are asked for as such, so that the node need not keep
+/// them.
 class ReadText
 {
 public:
@@ -180,25 +181,43 @@ public:
     ReadText& operator=(const ReadText&) = delete;
 
     /// Valid for as long as this text and the node's value.
-    std::wstring_view View() const { return m_view; }
-    /// Refers to characters.
-    void Refer(std::wstring_view text) { m_view = text; }
-    /// Holds a text of ASCII characters.
-    void Widen(std::string_view text)
+    std::wstring_view View() const
     {
-        wchar_t* characters = m_short.data();
-        if (text.size() > m_short.size()) {
-            m_long.resize(text.size());
-            characters = m_long.data();
+        if (m_ascii.data() != nullptr) {
+            Widen();
         }
-        std::copy(text.begin(), text.end(), characters);
-        m_view = {characters, text.size()};
+        return m_view;
     }
+    /// True when narrow characters, all of them ASCII, are referred to.
+    bool IsAscii() const { return m_ascii.data() != nullptr; }
+    /// These characters, valid for as long as the node's value.
+    std::string_view Ascii() const { return m_ascii; }
+
+    /// Refers to wide characters.
+    void Refer(std::wstring_view text)
+    {
+        m_view = text;
+        m_ascii = {};
+    }
+    /// Refers to narrow ones.
+    void Refer(AsciiText text) { m_ascii = text.View(); }
 
 private:
-    std::wstring_view m_view;
-    std::array<wchar_t, 64> m_short;
-    std::wstring m_long;
+    void Widen() const
+    {
+        wchar_t* characters = m_short.data();
+        if (m_ascii.size() > m_short.size()) {
+            m_long.resize(m_ascii.size());
+            characters = m_long.data();
+        }
+        std::copy(m_ascii.begin(), m_ascii.end(), characters);
+        m_view = {characters, m_ascii.size()};
+    }
+
+    std::string_view m_ascii;
+    mutable std::wstring_view m_view;
+    mutable std::array<wchar_t, 64> m_short;
+    mutable std::wstring m_long;
 };
 
 /// A value as a node holds it that is read: numbers are read from narrow characters as they stand.
@@ -248,6 +267,16 @@ public:
         ++m_block->size;
     }
     void Append(const T& element) { Append(T(element)); }
+    /// Appends `count` elements, made by `make` from their numbers, to room that was made before.
+    template <class Make>
+    void Fill(std::size_t count, Make make)
+    {
+        T* const first = First() + m_block->size;
+        for (std::size_t number = 0; number < count; ++number) {
+            ::new (first + number) T(make(number));
+        }
+        m_block->size += static_cast<std::uint32_t>(count);
+    }
 
     void Clear() noexcept
     {

@@ -235,7 +235,7 @@ KARStatus KARMPDeserializer::GetAttrVal(ReadValue& stored, std::wstring_view& va
 KARStatus KARMPDeserializer::GetAttrVal(const ReadValue& stored, karmp::ReadText& value)
 {
     if (const auto* const narrow = std::get_if<AsciiText>(&stored)) {
-        value.Widen(narrow->View());
+        value.Refer(*narrow);
         return KARSuccess;
     }
     const auto* const text = std::get_if<NodeText>(&stored);

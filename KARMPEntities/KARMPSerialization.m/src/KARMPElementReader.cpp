@@ -74,7 +74,7 @@ const QOBSharedHandle<KARMPEntity>* ElementReader::FindTarget(const KARMPEntityT
     if (m_node == nullptr ||
         !KARMPVerify(!KARFailed(m_node->GetAttribute(idName, identifier)), where))
         return nullptr;
-    const QOBSharedHandle<KARMPEntity>* entity = entities.Find(identifier.View());
+    const QOBSharedHandle<KARMPEntity>* entity = entities.Find(identifier);
     return entity != nullptr && *entity ? entity : nullptr;
 }
 

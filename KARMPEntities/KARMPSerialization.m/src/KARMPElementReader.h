@@ -176,8 +176,10 @@ private:
         if (!KARFailed(status))
             return true;
         Missing(absent, where);
-        if (absent == Absent::ReportAndZero)
-            value = T();
+        if constexpr (std::is_copy_assignable_v<T>) {
+            if (absent == Absent::ReportAndZero)
+                value = T();
+        }
         return false;
     }
     void Missing(Absent absent, Where where);

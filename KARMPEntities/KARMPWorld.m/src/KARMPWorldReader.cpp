@@ -165,7 +165,7 @@ const KARMPEntityTable::Entry* EntitiesReader::Create(const KARMPDeserializer* e
     karmp::ReadText identifier;
     if (!KARMPVerify(!KARFailed(element->GetAttribute(IdName, identifier))))
         return nullptr;
-    const KARMPEntityTable::Entry& entry = m_entities.Enter(identifier.View(), entity);
+    const KARMPEntityTable::Entry& entry = m_entities.Enter(identifier, entity);
     if (!m_parent)
         m_parent =
             QOBSharedHandle<QOBBasicEntity>(m_world.getExtendible(), QOBSharedBase::WriteLock);
@@ -198,13 +198,13 @@ void EntitiesReader::ReadContent(const KARMPDeserializer* element,
                                  const KARMPEntityTable::Entry* entry)
 {
     const KARMPReadingPlace place(element);
-    const QOBSharedHandle<KARMPEntity>* found = entry != nullptr ? &entry->second : nullptr;
+    const QOBSharedHandle<KARMPEntity>* found = entry != nullptr ? &entry->Entity() : nullptr;
     if (entry == nullptr) {
         karmp::ReadText identifier;
         if (!KARMPVerify(element != nullptr &&
                          !KARFailed(element->GetAttribute(IdName, identifier))))
             return;
-        found = m_entities.Find(identifier.View());
+        found = m_entities.Find(identifier);
     }
     KARMPVerify(found != nullptr && *found &&
                 !KARFailed((*found)->Deserialize(element, m_entities)));
@@ -222,7 +222,7 @@ void EntitiesReader::FileByIdentifier()
 {
     Filing filing(m_world);
     for (const KARMPEntityTable::Entry* entry : m_entities.InOrder())
-        filing.File(entry->second);
+        filing.File(entry->Entity());
 }
 
 void EntitiesReader::FileByDocument()
@@ -237,7 +237,7 @@ void EntitiesReader::FileByDocument()
             if (!KARMPVerify(element != nullptr &&
                              !KARFailed(element->GetAttribute(IdName, identifier))))
                 continue;
-            if (const QOBSharedHandle<KARMPEntity>* found = m_entities.Find(identifier.View()))
+            if (const QOBSharedHandle<KARMPEntity>* found = m_entities.Find(identifier))
                 filing.File(*found);
         }
     }
