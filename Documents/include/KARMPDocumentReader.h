@@ -17,14 +17,18 @@
 namespace karmp::documents {
 
 class Document;
+class DocumentChecker;
+class DocumentParser;
 class DocumentSource;
-class TreeBuilder;
+struct ElementRecord;
 struct SourcePlace;
 
 } // namespace karmp::documents
 
-/// A node holds its attributes and its value as texts and knows its place in the source. The nodes
-/// of a document live as long as the karmp::documents::Document that they belong to.
+/// A node knows its place in the source and makes its attributes, its value and its children when
+/// they are asked for. The nodes of a document live as long as the karmp::documents::Document that
+/// they belong to; but those below an entity's element that are made between BeginReading and
+/// EndReading of that one, as a world brackets the reading of an entity, end with EndReading.
 class KARMP_DOCUMENTS_API KARMPDocumentReader final : public KARMPDeserializer
 {
 public:
@@ -38,24 +42,44 @@ public:
     std::size_t Column() const;
     /// True when the element holds a text, which may be empty where there are no elements.
     bool HasText() const { return HasValue(); }
+    void BeginReading() const noexcept override;
+    void EndReading() const noexcept override;
 
     /// The memory of nodes comes from their document and goes with it.
     static void operator delete(void* memory);
 
 private:
     friend class karmp::documents::Document;
-    friend class karmp::documents::TreeBuilder;
-    KARMPDocumentReader(const karmp::NodeText& name, const karmp::NodeText& version,
-                        karmp::NodeMemory& source, std::uint32_t offset)
-        : KARMPDeserializer(name, version, source), m_offset(offset)
-    {}
+    friend class karmp::documents::DocumentChecker;
+    friend class karmp::documents::DocumentSource;
+    KARMPDocumentReader(std::uint32_t number, unsigned depth,
+                        karmp::documents::DocumentSource& source, karmp::NodeMemory& memory);
+    void MakeAttributes() override;
+    void MakeContent() override;
+    void MakeText(karmp::NodeMemory& memory);
+    bool FindUnmade(std::wstring_view name, karmp::AsciiText& value) const override;
+    void Begin() noexcept;
+    std::uint8_t PartsMadeLater() const noexcept;
+    karmp::NodeMemory& ContentMemory() const;
+    const karmp::documents::ElementRecord& Record() const;
     karmp::documents::SourcePlace Place() const;
 
-    /// Of the element's name in the source.
-    std::uint32_t m_offset;
+    /// Elements above this one, as far as it matters.
+    std::uint8_t m_depth;
+    /// Of its record.
+    std::uint32_t m_number;
+    karmp::documents::DocumentSource& m_source;
 };
 
 namespace karmp::documents {
+
+/// A reference to an entity of a wrong class.
+struct WrongReference
+{
+    std::uint32_t record;
+    /// Null when its node has ended.
+    const KARMPDocumentReader* node;
+};
 
 /// A parsed document: its tree and what there is to say about it.
 class KARMP_DOCUMENTS_API Document
@@ -87,11 +111,12 @@ public:
     void Check();
 
     /// Makes the references to a wrong class, those that Check found, lead to nothing, so that the
-    /// entity classes skip them instead of giving up on the whole document.
+    /// entity classes skip them instead of giving up on the whole document. Only attributes that
+    /// were made between the two calls, and stay, are left as they are.
     void DropWrongReferences();
 
 private:
-    friend class TreeBuilder;
+    friend class DocumentParser;
     Document(std::string name, const Limits& limits);
 
     std::unique_ptr<DocumentSource> m_source;
@@ -100,7 +125,7 @@ private:
     std::wstring m_version;
     Limits m_limits;
     Diagnostics m_messages;
-    std::vector<KARMPDocumentReader*> m_wrongReferences;
+    std::vector<WrongReference> m_wrongReferences;
     std::wstring m_unusedIdentifier;
 };
 

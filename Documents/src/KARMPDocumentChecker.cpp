@@ -33,6 +33,13 @@ std::wstring_view TextOf(const KARMPDocumentReader& node)
     return text;
 }
 
+std::wstring IdentifierOf(const KARMPDocumentReader& node)
+{
+    std::wstring identifier;
+    node.GetAttribute(L"id", identifier);
+    return identifier;
+}
+
 bool IsBlank(std::wstring_view text)
 {
     return text.find_first_not_of(L" \t\r\n") == std::wstring_view::npos;
@@ -191,32 +198,35 @@ void DocumentChecker::CollectIdentifiers()
             m_pending.clear();
             list->GetOrderedElementList(m_pending);
             for (const KARMPDeserializer* entity : m_pending) {
+                entity->BeginReading();
                 Identify(NodeOf(entity));
+                entity->EndReading();
             }
             m_frames.pop_back();
         }
     }
+    m_links.Sort();
     m_frames.clear();
     m_pending.clear();
 }
 
 void DocumentChecker::Identify(const Node& entity)
 {
-    std::wstring_view identifier;
-    if (!entity.HasAttribute(L"id") || KARFailed(entity.GetAttribute(L"id", identifier))) {
+    const std::optional<std::uint32_t> number = m_identifiers.Of(entity);
+    if (!number) {
         return;
     }
-    const auto [place, added] =
-        m_identifiers.try_emplace(identifier, Identified{&entity, &ClassOf(entity.Id())});
-    if (!added) {
-        const Node& first = *place->second.node;
+    const Class& type = ClassOf(entity.Id());
+    m_links.Collect(*number, entity, type.lineage, m_identifiers);
+    m_identified.resize(std::max<std::size_t>(m_identified.size(), m_identifiers.Count()));
+    Identified& identified = m_identified[*number];
+    if (identified.node != nullptr) {
         Tell(Severity::Error, Code::DuplicateIdentifier, entity,
-             "the identifier " + Quoted(identifier) + " was carried before, in line " +
-                 std::to_string(first.Line()),
+             "the identifier " + Quoted(IdentifierOf(entity)) + " was carried before, in line " +
+                 std::to_string(identified.node->Line()),
              L"id");
-        place->second = {&entity, &ClassOf(entity.Id())};
     }
-    m_links.Collect(entity, ClassOf(entity.Id()).lineage);
+    identified = {&entity, &type};
 }
 
 const DocumentChecker::Class& DocumentChecker::ClassOf(std::wstring_view element)
@@ -271,6 +281,9 @@ void DocumentChecker::Pop()
     }
     m_frames.pop_back();
     m_pending.resize(frame.begin);
+    if (m_frames.size() == EntityDepth && m_frames.back().family != nullptr) {
+        frame.node->EndReading();
+    }
 }
 
 bool DocumentChecker::Applies(const Item& item) const
@@ -283,7 +296,12 @@ void DocumentChecker::CheckChild(const Node& child)
 {
     Frame& frame = m_frames.back();
     if (frame.family != nullptr) {
+        child.BeginReading();
+        m_entity = m_identifiers.Of(child);
         CheckEntity(child, *frame.family);
+        if (m_frames.size() == EntityDepth) {
+            child.EndReading();
+        }
     } else if (frame.item == nullptr) {
         CheckUnknownContent(child);
     } else if (const Item* const item = FindElement(frame, child)) {
@@ -394,9 +412,9 @@ void DocumentChecker::CheckAttributes(const Node& node, const Item& item)
                  "the attribute " + Quoted(name) + " is not read at the version of the document",
                  name);
         } else if (found->kind != Kind::Text) {
-            std::wstring_view text;
+            karmp::ReadText text;
             node.GetAttribute(name, text);
-            CheckText(node, *found, text, name);
+            CheckText(node, *found, text.View(), name);
         }
     }
     for (std::size_t index = 0; index < items.size(); ++index) {
@@ -421,40 +439,42 @@ void DocumentChecker::CheckText(const Node& node, const Item& item, std::wstring
 
 void DocumentChecker::CheckReference(const Node& node, const Item* item)
 {
-    std::wstring_view identifier;
-    if (!node.HasAttribute(L"id") || KARFailed(node.GetAttribute(L"id", identifier))) {
+    const std::optional<std::uint32_t> target = m_identifiers.Of(node);
+    if (!target) {
         return;
     }
-    const auto found = m_identifiers.find(identifier);
-    if (found == m_identifiers.end()) {
+    const Identified identified =
+        *target < m_identified.size() ? m_identified[*target] : Identified();
+    if (identified.node == nullptr) {
         Tell(Severity::Error, Code::UnresolvedReference, node,
-             "no entity carries the identifier " + Quoted(identifier), L"id");
+             "no entity carries the identifier " + Quoted(IdentifierOf(node)), L"id");
         return;
     }
-    const Class& type = *found->second.type;
+    const Class& type = *identified.type;
     if (item != nullptr && !type.lineage.empty() && !IsA(type, item->target)) {
         Tell(Severity::Error, Code::WrongClass, node,
-             "the entity " + Quoted(identifier) + " is a " + type.lineage.front() + ", not a " +
-                 std::string(item->target),
+             "the entity " + Quoted(IdentifierOf(node)) + " is a " + type.lineage.front() +
+                 ", not a " + std::string(item->target),
              L"id");
-        m_wrongReferences.push_back(&node);
+        const bool lasts =
+            m_frames.size() <= EntityDepth || !node.m_source.IsRead(*m_frames[EntityDepth].node);
+        m_wrongReferences.push_back({node.m_number, lasts ? &node : nullptr});
     } else if (item != nullptr) {
-        CheckCounterpart(node, identifier);
+        CheckCounterpart(node, *target);
     }
 }
 
 // The reference stands in an entity, or in a list of the entity.
-void DocumentChecker::CheckCounterpart(const Node& node, std::wstring_view target)
+void DocumentChecker::CheckCounterpart(const Node& node, std::uint32_t target)
 {
-    constexpr std::size_t entityDepth = 3; // below the root, the world and the family's list
-    if (m_frames.size() != entityDepth + 1 && m_frames.size() != entityDepth + 2) {
+    if (!m_entity || (m_frames.size() != EntityDepth + 1 && m_frames.size() != EntityDepth + 2)) {
         return;
     }
-    const Node& entity = *m_frames[entityDepth].node;
-    const Node& named = m_frames.size() == entityDepth + 1 ? node : *m_frames.back().node;
-    if (m_links.IsOneSided(entity, ClassOf(entity.Id()).lineage, named.Id(), target)) {
+    const Node& entity = *m_frames[EntityDepth].node;
+    const Node& named = m_frames.size() == EntityDepth + 1 ? node : *m_frames.back().node;
+    if (m_links.IsOneSided(*m_entity, ClassOf(entity.Id()).lineage, named.Id(), target)) {
         Tell(Severity::Warning, Code::OneSidedLink, node,
-             "the entity " + Quoted(target) + " does not refer back", L"id");
+             "the entity " + Quoted(IdentifierOf(node)) + " does not refer back", L"id");
     }
 }
 
@@ -495,7 +515,7 @@ std::string DocumentChecker::Path(const Node& node, std::wstring_view attribute)
 std::wstring DocumentChecker::UnusedIdentifier() const
 {
     std::wstring identifier = L"none";
-    while (m_identifiers.find(identifier) != m_identifiers.end()) {
+    while (m_identifiers.Know(identifier)) {
         identifier += L'_';
     }
     return identifier;
@@ -510,10 +530,7 @@ void Document::Check()
     try {
         DocumentChecker checker(*m_root, messages);
         checker.Run();
-        m_wrongReferences.clear();
-        for (const KARMPDocumentReader* node : checker.WrongReferences()) {
-            m_wrongReferences.push_back(const_cast<KARMPDocumentReader*>(node));
-        }
+        m_wrongReferences = checker.WrongReferences();
         m_unusedIdentifier = checker.UnusedIdentifier();
     } catch (const std::bad_alloc&) {
         messages.Error(Code::OutOfMemory, "memory ended while the document was checked");
@@ -522,13 +539,17 @@ void Document::Check()
 
 void Document::DropWrongReferences()
 {
-    for (KARMPDocumentReader* node : m_wrongReferences) {
-        const KARMPDocumentReader::Attribute unused[] = {
-            {karmp::NodeText::Name(L"id", *m_source),
-             karmp::NodeText::Copy(m_unusedIdentifier, *m_source)}};
-        node->PlaceAttributes(unused);
+    const KARMPDocumentReader::Attribute unused[] = {
+        {karmp::NodeText::Name(L"id", *m_source),
+         karmp::NodeText::Copy(m_unusedIdentifier, *m_source)}};
+    std::vector<std::uint32_t> numbers;
+    for (const WrongReference& reference : m_wrongReferences) {
+        numbers.push_back(reference.record);
+        if (reference.node != nullptr) {
+            const_cast<KARMPDocumentReader*>(reference.node)->PlaceAttributes(unused, *m_source);
+        }
     }
-    m_wrongReferences.clear();
+    m_source->DropReferences(std::move(numbers), m_unusedIdentifier);
 }
 
 } // namespace karmp::documents

@@ -4,9 +4,11 @@
 #include "KARMPDocumentLinks.h"
 #include "KARMPDocumentReader.h"
 #include "KARMPDocumentSchema.h"
+#include "KARMPIdentifiers.h"
 #include "KARMPMessages.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -14,7 +16,8 @@
 
 namespace karmp::documents {
 
-/// One run over one tree, in time and memory linear in it and without recursion.
+/// One run over one tree, in time and memory linear in it and without recursion. It keeps nothing
+/// of what is made of the entities meanwhile.
 class DocumentChecker
 {
 public:
@@ -22,10 +25,7 @@ public:
     void Run();
 
     /// The references to entities of a wrong class.
-    const std::vector<const KARMPDocumentReader*>& WrongReferences() const
-    {
-        return m_wrongReferences;
-    }
+    const std::vector<WrongReference>& WrongReferences() const { return m_wrongReferences; }
     /// An identifier that no entity carries.
     std::wstring UnusedIdentifier() const;
 
@@ -39,10 +39,11 @@ private:
         std::vector<std::string> lineage;
         const Item* item = nullptr;
     };
+    /// The entity that carries an identifier, if there is one.
     struct Identified
     {
-        const Node* node;
-        const Class* type;
+        const Node* node = nullptr;
+        const Class* type = nullptr;
     };
     /// How far the check of an element's children has come.
     struct Frame
@@ -81,7 +82,7 @@ private:
     void CheckText(const Node& node, const Item& item, std::wstring_view text,
                    std::wstring_view attribute);
     void CheckReference(const Node& node, const Item* item);
-    void CheckCounterpart(const Node& node, std::wstring_view target);
+    void CheckCounterpart(const Node& node, std::uint32_t target);
     void TellMissing(const Node& node, const Item& item, Code code, std::string_view what);
     void Tell(Severity severity, Code code, const Node& node, std::string text,
               std::wstring_view attribute = {});
@@ -91,9 +92,12 @@ private:
     Messages& m_messages;
     std::wstring m_version;
     std::unordered_map<std::wstring_view, Class> m_classes;
-    std::unordered_map<std::wstring_view, Identified> m_identifiers;
+    Identifiers m_identifiers;
+    std::vector<Identified> m_identified;
     DocumentLinks m_links;
-    std::vector<const Node*> m_wrongReferences;
+    std::vector<WrongReference> m_wrongReferences;
+    /// The identifier of the entity that is checked.
+    std::optional<std::uint32_t> m_entity;
     std::vector<Frame> m_frames;
     KARMPDeserializer::ElementList m_pending;
 };

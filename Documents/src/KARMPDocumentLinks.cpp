@@ -1,7 +1,6 @@
 #include "KARMPDocumentLinks.h"
 
 #include <algorithm>
-#include <functional>
 #include <iterator>
 
 namespace karmp::documents {
@@ -34,26 +33,15 @@ bool isA(const std::vector<std::string>& lineage, std::string_view className)
     return std::find(lineage.begin(), lineage.end(), className) != lineage.end();
 }
 
-std::wstring_view identifierOf(const KARMPDeserializer& node)
-{
-    std::wstring_view identifier;
-    if (node.HasAttribute(L"id"))
-        node.GetAttribute(L"id", identifier);
-    return identifier;
-}
-
 } // namespace
 
-std::size_t DocumentLinks::Hash::operator()(const Link& link) const noexcept
+void DocumentLinks::Collect(std::uint32_t owner, const KARMPDeserializer& entity,
+                            const std::vector<std::string>& lineage, Identifiers& identifiers)
 {
-    const std::hash<std::wstring_view> hash;
-    return (hash(link.owner) * 31U + hash(link.target)) * 31U + link.kind;
-}
-
-void DocumentLinks::Collect(const KARMPDeserializer& entity,
-                            const std::vector<std::string>& lineage)
-{
-    const std::wstring_view owner = identifierOf(entity);
+    const auto note = [&](const KARMPDeserializer& reference, std::size_t side) {
+        if (const auto target = identifiers.Of(reference))
+            m_links.push_back({owner, *target, static_cast<std::uint32_t>(side)});
+    };
     for (std::size_t side = 0; side < std::size(Sides); ++side) {
         if (!isA(lineage, Sides[side].className))
             continue;
@@ -63,23 +51,29 @@ void DocumentLinks::Collect(const KARMPDeserializer& entity,
         if (begin == end)
             continue;
         if (!Sides[side].isList) {
-            m_links.insert({owner, identifierOf(**begin), side});
+            note(**begin, side);
             continue;
         }
         KARMPDeserializer::ElementList items;
         (*begin)->GetOrderedElementList(items);
         for (const KARMPDeserializer* item : items)
-            m_links.insert({owner, identifierOf(*item), side});
+            note(*item, side);
     }
 }
 
-bool DocumentLinks::IsOneSided(const KARMPDeserializer& entity,
-                               const std::vector<std::string>& lineage, std::wstring_view element,
-                               std::wstring_view target) const
+void DocumentLinks::Sort()
+{
+    std::sort(m_links.begin(), m_links.end());
+}
+
+bool DocumentLinks::IsOneSided(std::uint32_t owner, const std::vector<std::string>& lineage,
+                               std::wstring_view element, std::uint32_t target) const
 {
     for (std::size_t side = 0; side < std::size(Sides); ++side) {
-        if (Sides[side].element == element && isA(lineage, Sides[side].className))
-            return !m_links.contains({target, identifierOf(entity), counterpartOf(side)});
+        if (Sides[side].element == element && isA(lineage, Sides[side].className)) {
+            const Link back{target, owner, static_cast<std::uint32_t>(counterpartOf(side))};
+            return !std::binary_search(m_links.begin(), m_links.end(), back);
+        }
     }
     return false;
 }

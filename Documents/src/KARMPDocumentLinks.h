@@ -2,11 +2,12 @@
 #pragma once
 
 #include "KARMPDeserializer.h"
+#include "KARMPIdentifiers.h"
 
-#include <cstddef>
+#include <compare>
+#include <cstdint>
 #include <string>
 #include <string_view>
-#include <unordered_set>
 #include <vector>
 
 namespace karmp::documents {
@@ -16,30 +17,29 @@ class DocumentLinks
 {
 public:
     /// Notes all references of an entity that have counterparts. `lineage` holds the names of its
-    /// class and those above it. The texts live as long as the document.
-    void Collect(const KARMPDeserializer& entity, const std::vector<std::string>& lineage);
+    /// class and those above it.
+    void Collect(std::uint32_t owner, const KARMPDeserializer& entity,
+                 const std::vector<std::string>& lineage, Identifiers& identifiers);
+    /// Ends the collecting; before that nothing can be asked.
+    void Sort();
 
-    /// True when an entity refers to `target` under an element, or as an item of a list of that
-    /// name, and `target` should refer back but does not.
-    bool IsOneSided(const KARMPDeserializer& entity, const std::vector<std::string>& lineage,
-                    std::wstring_view element, std::wstring_view target) const;
+    /// True when the entity of the number `owner` refers to `target` under an element, or as an
+    /// item of a list of that name, and `target` should refer back but does not.
+    bool IsOneSided(std::uint32_t owner, const std::vector<std::string>& lineage,
+                    std::wstring_view element, std::uint32_t target) const;
 
 private:
     /// One direction of a link: the owner of the reference, its target, and which kind of link.
     struct Link
     {
-        std::wstring_view owner;
-        std::wstring_view target;
-        std::size_t kind;
+        std::uint32_t owner;
+        std::uint32_t target;
+        std::uint32_t kind;
 
-        friend bool operator==(const Link&, const Link&) = default;
-    };
-    struct Hash
-    {
-        std::size_t operator()(const Link& link) const noexcept;
+        friend auto operator<=>(const Link&, const Link&) = default;
     };
 
-    std::unordered_set<Link, Hash> m_links;
+    std::vector<Link> m_links;
 };
 
 } // namespace karmp::documents

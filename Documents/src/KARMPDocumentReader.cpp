@@ -1,15 +1,53 @@
 #include "KARMPDocumentReader.h"
 
+#include "KARMPDocumentParser.h"
 #include "KARMPDocumentSource.h"
-#include "KARMPTreeBuilder.h"
+#include "KARMPTextEscapes.h"
 #include "KARMPVersions.h"
 
 #include <algorithm>
 #include <limits>
 #include <utility>
 
+using karmp::documents::AppendDecoded;
+using karmp::documents::AppendDecodedCData;
+using karmp::documents::AttributeRecord;
+using karmp::documents::DocumentRecords;
 using karmp::documents::DocumentSource;
+using karmp::documents::ElementRecord;
+using karmp::documents::EntityDepth;
+using karmp::documents::PieceRecord;
 using karmp::documents::SourcePlace;
+using karmp::documents::TextKind;
+using karmp::documents::TextPlace;
+
+namespace {
+
+constexpr std::string_view Blanks = " \t\r\n";
+
+std::string_view Trimmed(std::string_view text)
+{
+    const std::size_t first = text.find_first_not_of(Blanks);
+    if (first == std::string_view::npos) {
+        return {};
+    }
+    return text.substr(first, text.find_last_not_of(Blanks) - first + 1);
+}
+
+// False when there is nothing to append.
+bool AppendText(std::wstring& text, std::string_view raw, bool trimmed)
+{
+    if (trimmed) {
+        raw = Trimmed(raw);
+    }
+    if (raw.empty()) {
+        return false;
+    }
+    AppendDecoded(text, raw, TextPlace::Element);
+    return true;
+}
+
+} // namespace
 
 KARMPDocumentReader::~KARMPDocumentReader() = default;
 
@@ -29,13 +67,164 @@ std::size_t KARMPDocumentReader::Column() const
     return Place().column;
 }
 
-// The memory that a document's nodes stand in is its source.
 SourcePlace KARMPDocumentReader::Place() const
 {
-    return static_cast<const DocumentSource&>(*Memory()).Lines().Find(m_offset);
+    return m_source.Lines().Find(Record().place);
 }
 
 void KARMPDocumentReader::operator delete(void* /*memory*/) {}
+
+KARMPDocumentReader::KARMPDocumentReader(std::uint32_t number, unsigned depth,
+                                         DocumentSource& source, karmp::NodeMemory& memory)
+    : KARMPDeserializer(source.Records().names[source.Records().elements[number].name],
+                        source.Version(), memory),
+      m_depth(static_cast<std::uint8_t>(std::min(depth, EntityDepth + 1))),
+      m_number(number),
+      m_source(source)
+{
+    Begin();
+}
+
+const karmp::documents::ElementRecord& KARMPDocumentReader::Record() const
+{
+    return m_source.Records().elements[m_number];
+}
+
+// The text of an element without children is nearly always the bytes themselves.
+void KARMPDocumentReader::Begin() noexcept
+{
+    if (Record().Kind() == TextKind::Plain) {
+        PlaceValue(karmp::AsciiText{m_source.At(Record().text)});
+    }
+    MakeLater(PartsMadeLater());
+}
+
+std::uint8_t KARMPDocumentReader::PartsMadeLater() const noexcept
+{
+    const ElementRecord* const record = &Record();
+    unsigned later = record[0].attributes != record[1].attributes ? AttributesLater : NothingLater;
+    later |= record->Kind() != TextKind::Plain ? ContentLater : NothingLater;
+    return static_cast<std::uint8_t>(later);
+}
+
+karmp::NodeMemory& KARMPDocumentReader::ContentMemory() const
+{
+    return m_source.IsRead(*this) ? m_source.ReadMemory() : *Memory();
+}
+
+// What is made already belongs to whoever asked for it.
+void KARMPDocumentReader::BeginReading() const noexcept
+{
+    if (m_depth == EntityDepth && Unmade() == PartsMadeLater()) {
+        m_source.BeginReading(*this);
+    }
+}
+
+void KARMPDocumentReader::EndReading() const noexcept
+{
+    if (m_source.IsRead(*this)) {
+        auto& node = const_cast<KARMPDocumentReader&>(*this); // no node is made as a constant
+        node.Forget();
+        node.Begin();
+        m_source.EndReading();
+    }
+}
+
+// The last attribute of a name counts.
+bool KARMPDocumentReader::FindUnmade(std::wstring_view name, karmp::AsciiText& value) const
+{
+    if (m_source.IsDropped(m_number)) {
+        return false;
+    }
+    const ElementRecord* const record = &Record();
+    const DocumentRecords& records = m_source.Records();
+    for (std::uint32_t place = record[1].attributes; place != record->attributes;) {
+        const AttributeRecord& attribute = records.attributes[--place];
+        if (records.names[attribute.name].View() == name) {
+            value.characters = m_source.At(attribute.value);
+            return attribute.isPlain != 0;
+        }
+    }
+    value.characters = nullptr;
+    return true;
+}
+
+void KARMPDocumentReader::MakeAttributes()
+{
+    karmp::NodeMemory& memory = ContentMemory();
+    const ElementRecord* const record = &Record();
+    const DocumentRecords& records = m_source.Records();
+    std::vector<Attribute>& attributes = m_source.ToCollect().attributes;
+    std::wstring& text = m_source.ToCollect().text;
+    attributes.clear();
+    for (std::uint32_t place = record->attributes; place != record[1].attributes; ++place) {
+        const AttributeRecord& attribute = records.attributes[place];
+        const char* const value = m_source.At(attribute.value);
+        if (attribute.isPlain != 0) {
+            attributes.push_back({records.names[attribute.name], karmp::AsciiText{value}});
+        } else {
+            text.clear();
+            AppendDecoded(text, value, TextPlace::Attribute);
+            attributes.push_back(
+                {records.names[attribute.name], karmp::NodeText::Copy(text, memory)});
+        }
+    }
+    PlaceAttributes(attributes, memory);
+    if (m_source.IsDropped(m_number)) {
+        const Attribute identifier[] = {{karmp::NodeText::Name(L"id", memory),
+                                         karmp::NodeText::Copy(m_source.Unused(), memory)}};
+        PlaceAttributes(identifier, memory);
+    }
+}
+
+void KARMPDocumentReader::MakeContent()
+{
+    karmp::NodeMemory& memory = ContentMemory();
+    const DocumentRecords& records = m_source.Records();
+    const ElementRecord& record = Record();
+    std::vector<KARMPDeserializer*>& children = m_source.ToCollect().children;
+    children.clear();
+    for (std::uint32_t child = m_number + 1; child != record.behind;
+         child = records.elements[child].behind) {
+        children.push_back(::new (memory.Allocate(sizeof(KARMPDocumentReader)))
+                               KARMPDocumentReader(child, m_depth + 1U, m_source, memory));
+    }
+    MakeText(memory);
+    PlaceElements(children, memory);
+}
+
+// Where there are elements as well, literal blanks at the ends of a piece are indentation.
+void KARMPDocumentReader::MakeText(karmp::NodeMemory& memory)
+{
+    const ElementRecord& record = Record();
+    if (record.Kind() == TextKind::None) {
+        return;
+    }
+    std::wstring& text = m_source.ToCollect().text;
+    text.clear();
+    const bool hasElements = record.behind != m_number + 1;
+    bool hasText = !hasElements;
+    if (record.Kind() == TextKind::Raw) {
+        AppendDecoded(text, m_source.At(record.text), TextPlace::Element);
+    } else {
+        const std::vector<PieceRecord>& pieces = m_source.Records().pieces;
+        std::uint32_t next = record.text;
+        do {
+            const PieceRecord& piece = pieces[next];
+            const std::string_view raw = m_source.At(piece.text);
+            if (piece.isCData != 0) {
+                AppendDecodedCData(text, raw);
+                hasText = true;
+            } else {
+                hasText = AppendText(text, raw, hasElements) || hasText;
+            }
+            next = piece.next;
+        } while (next != 0);
+    }
+    if (hasText) {
+        PlaceValue(karmp::NodeText::Copy(text, memory));
+    }
+}
 
 namespace karmp::documents {
 
@@ -80,12 +269,12 @@ Document::~Document() = default;
 
 Document Document::ReadFile(const std::filesystem::path& path, const Limits& limits)
 {
-    return TreeBuilder::ReadFile(path, limits);
+    return DocumentParser::ReadFile(path, limits);
 }
 
 Document Document::ReadText(std::string text, std::string name, const Limits& limits)
 {
-    return TreeBuilder::ReadText(std::move(text), std::move(name), limits);
+    return DocumentParser::ReadText(std::move(text), std::move(name), limits);
 }
 
 } // namespace karmp::documents

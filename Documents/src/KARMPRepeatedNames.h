@@ -4,95 +4,141 @@
 #include "KARMPNodeStorage.h"
 #include "KARMPTextEscapes.h"
 
+#include <algorithm>
 #include <array>
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace karmp::documents {
 
 /// A table from bytes to names that forgets: two names with one place push each other out, so that
-/// its size does not depend on the document.
+/// its size does not depend on the document. Names mostly follow each other as they did before, so
+/// that the ones last asked for tell where to look first.
 class RepeatedNames
 {
 public:
-    explicit RepeatedNames(NodeMemory& memory) : m_memory(memory) {}
-
-    /// The name of `bytes`, which must stay where they are; valid until the next call.
-    const NodeText& Get(std::string_view bytes)
+    struct Name
     {
-        const Ends ends = EndsOf(bytes);
-        Entry& entry = m_entries[PlaceOf(ends, bytes.size())];
-        // The ends of a short name are all of it.
-        const bool known = entry.ends == ends && entry.bytes.size() == bytes.size() &&
-                           (bytes.size() <= 2 * sizeof(Word) || entry.bytes == bytes);
-        if (!known) {
-            m_wide.clear();
-            AppendDecodedCData(m_wide, bytes);
-            entry.text = NodeText::Name(m_wide, m_memory);
-            entry.ends = ends;
-            entry.bytes = bytes;
+        /// In the list of all names.
+        std::uint32_t number = 0;
+        /// In bytes.
+        std::size_t size = 0;
+    };
+
+    /// Appends names to `names`; what they do not share stands in `memory`.
+    RepeatedNames(std::vector<NodeText>& names, NodeMemory& memory)
+        : m_names(names), m_memory(memory)
+    {
+        m_guesses.fill({&m_nothing, &m_nothing});
+    }
+    RepeatedNames(const RepeatedNames&) = delete;
+    RepeatedNames& operator=(const RepeatedNames&) = delete;
+
+    /// The name of the bytes up to a null, which must stay where they are and end before `end`.
+    Name Get(const char* bytes, const char* end)
+    {
+        const auto left = static_cast<std::size_t>(end - bytes);
+        Guesses& guesses = m_guesses[(m_history * Mixer) >> (64U - GuessBits)];
+        if (!guesses.first->Is(bytes, left)) {
+            std::swap(guesses.first, guesses.second);
+            if (!guesses.first->Is(bytes, left)) {
+                guesses.first = &Look(bytes);
+            }
         }
-        return entry.text;
+        m_history = m_history << 16U ^ guesses.first->name.number;
+        return guesses.first->name;
     }
 
 private:
     using Word = std::uint64_t;
-    /// The first and the last eight bytes, which may overlap; of fewer bytes all are in `first`.
-    struct Ends
-    {
-        Word first = 0;
-        Word last = 0;
 
-        bool operator==(const Ends&) const = default;
-    };
-    struct Entry
+    class Entry
     {
-        Ends ends;
-        std::string_view bytes;
-        NodeText text;
+    public:
+        Entry() = default;
+        Entry(std::string_view text, std::uint32_t number)
+            : name{number, text.size()}, m_bytes(text.data())
+        {
+            std::array<char, sizeof(Word)> mask{};
+            const std::size_t count = std::min(sizeof(Word), text.size() + 1);
+            std::fill_n(mask.begin(), count, '\xFF');
+            std::memcpy(&m_mask, mask.data(), sizeof m_mask);
+            std::memcpy(&m_first, m_bytes, count);
+            if (text.size() >= sizeof(Word)) {
+                m_last = Load(m_bytes + LastPlace());
+            }
+        }
+        /// Compares up to the null; `left` bytes may be read.
+        bool Is(const char* bytes, std::size_t left) const
+        {
+            if (left <= name.size + sizeof(Word) || (Load(bytes) & m_mask) != m_first) {
+                return false;
+            }
+            if (name.size < sizeof(Word)) {
+                return true;
+            }
+            return Load(bytes + LastPlace()) == m_last &&
+                   (name.size < 2 * sizeof(Word) || std::memcmp(bytes, m_bytes, name.size) == 0);
+        }
+        bool Is(std::string_view text) const
+        {
+            return m_bytes != nullptr && std::string_view(m_bytes, name.size) == text;
+        }
+
+        Name name;
+
+    private:
+        /// Null for nothing, which equals nothing.
+        const char* m_bytes = nullptr;
+        std::size_t LastPlace() const { return name.size + 1 - sizeof(Word); }
+
+        /// The first bytes, the null included; nothing equals what is not masked.
+        Word m_mask = 0;
+        Word m_first = 1;
+        /// The last ones of a longer name, the null included.
+        Word m_last = 0;
+    };
+    struct Guesses
+    {
+        const Entry* first;
+        const Entry* second;
     };
     static constexpr Word Mixer = 0x9E3779B97F4A7C15U;
-    static constexpr unsigned PlaceBits = 9;
-    static constexpr std::size_t PlaceCount = std::size_t{1} << PlaceBits;
+    static constexpr unsigned GuessBits = 9;
+    static constexpr std::size_t PlaceCount = 512;
 
-    template <class Part>
     static Word Load(const char* bytes)
     {
-        Part part = 0;
-        std::memcpy(&part, bytes, sizeof part);
-        return part;
+        Word word = 0;
+        std::memcpy(&word, bytes, sizeof word);
+        return word;
     }
 
-    static Ends EndsOf(std::string_view bytes)
+    const Entry& Look(const char* bytes)
     {
-        const std::size_t size = bytes.size();
-        const char* const first = bytes.data();
-        const char* const end = first + size;
-        if (size >= sizeof(Word)) {
-            return {Load<Word>(first), Load<Word>(end - sizeof(Word))};
+        const std::string_view text = bytes;
+        Entry& entry = m_entries[std::hash<std::string_view>()(text) % PlaceCount];
+        if (!entry.Is(text)) {
+            m_wide.clear();
+            AppendDecodedCData(m_wide, text);
+            entry = Entry(text, static_cast<std::uint32_t>(m_names.size()));
+            m_names.push_back(NodeText::Name(m_wide, m_memory));
         }
-        if (size >= sizeof(std::uint32_t)) {
-            const Word last = Load<std::uint32_t>(end - sizeof(std::uint32_t));
-            return {Load<std::uint32_t>(first) << 32U | last, 0};
-        }
-        if (size == 0) {
-            return {};
-        }
-        const Word ends = Load<std::uint8_t>(first) << 8U | Load<std::uint8_t>(end - 1);
-        return {ends << 8U | Load<std::uint8_t>(first + size / 2), 0};
+        return entry;
     }
 
-    static std::size_t PlaceOf(const Ends& ends, std::size_t size)
-    {
-        const Word mixed = (ends.first + size) * Mixer ^ std::rotl(ends.last, 29);
-        return static_cast<std::size_t>((mixed * Mixer) >> (64U - PlaceBits));
-    }
-
+    std::vector<NodeText>& m_names;
     NodeMemory& m_memory;
+    const Entry m_nothing;
+    /// Of the numbers of the last four names.
+    Word m_history = 0;
+    std::array<Guesses, std::size_t{1} << GuessBits> m_guesses;
     std::array<Entry, PlaceCount> m_entries;
     std::wstring m_wide;
 };

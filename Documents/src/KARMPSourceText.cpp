@@ -1,7 +1,7 @@
 #include "KARMPSourceText.h"
 
 #include <algorithm>
-#include <bit>
+#include <array>
 #include <cstring>
 #include <iterator>
 
@@ -9,33 +9,27 @@ namespace karmp::documents {
 
 namespace {
 
-using Word = std::uint64_t;
-constexpr std::size_t WordSize = sizeof(Word);
-constexpr Word EachByte = 0x0101010101010101U;
+// Blocks are looked at as a whole, without a branch for a byte.
+constexpr std::size_t BlockSize = 64;
 
-// Marks the bytes of a word that are below a blank or above ASCII. A borrow may mark a byte behind
-// a marked one as well, never one in front of it.
-Word UncleanBytes(const char* bytes)
+// True when the bytes of a block are ASCII that is no control character but the line feed.
+bool IsCleanBlock(const char* block)
 {
-    Word word = 0;
-    std::memcpy(&word, bytes, WordSize);
-    return ((word - EachByte * 0x20U) | word) & (EachByte * 0x80U);
+    std::array<signed char, BlockSize> bytes;
+    std::memcpy(bytes.data(), block, BlockSize);
+    signed char unclean = 0;
+    for (const signed char byte : bytes) {
+        unclean = static_cast<signed char>(unclean | (byte < ' ' && byte != '\n' ? 1 : 0));
+    }
+    return unclean == 0;
 }
 
-// The number of clean bytes at the front; it may be less than there are where a word in the order
-// of this machine does not tell.
+// The number of clean bytes at the front, in whole blocks.
 std::size_t CleanBytes(std::string_view bytes)
 {
     std::size_t count = 0;
-    while (bytes.size() - count >= WordSize) {
-        const Word unclean = UncleanBytes(bytes.data() + count);
-        if (unclean != 0) {
-            if constexpr (std::endian::native == std::endian::little) {
-                count += static_cast<std::size_t>(std::countr_zero(unclean)) / 8;
-            }
-            return count;
-        }
-        count += WordSize;
+    while (bytes.size() - count >= BlockSize && IsCleanBlock(bytes.data() + count)) {
+        count += BlockSize;
     }
     return count;
 }
@@ -77,30 +71,47 @@ std::size_t CharacterLength(std::string_view bytes)
 
 SourceText::SourceText(std::string_view bytes)
 {
-    constexpr std::size_t expectedLine = 16;
-    m_lineStarts.reserve(bytes.size() / expectedLine + 1);
     std::size_t offset = 0;
-    while ((offset += CleanBytes(bytes.substr(offset))) < bytes.size()) {
-        const auto byte = static_cast<unsigned char>(bytes[offset]);
-        if (byte >= 0x80) {
-            const std::size_t length = CharacterLength(bytes.substr(offset));
-            if (length == 0) {
-                m_fault = Fault::NotUtf8;
-                break;
-            }
-            offset += length;
-            continue;
-        }
-        if (byte < 0x20 && byte != '\n' && byte != '\t' && byte != '\r') {
-            m_fault = Fault::ControlCharacter;
-            break;
-        }
-        ++offset;
-        if (byte == '\n') {
-            m_lineStarts.push_back(static_cast<std::uint32_t>(offset));
+    while (m_fault == Fault::None && (offset += CleanBytes(bytes.substr(offset))) < bytes.size()) {
+        // A block that is not clean, or less than one.
+        const std::size_t end = std::min(offset + BlockSize, bytes.size());
+        while (m_fault == Fault::None && offset < end) {
+            offset += Step(bytes.substr(offset));
         }
     }
     m_faultOffset = offset;
+    FindLines(bytes.substr(0, offset));
+}
+
+// The length of the character at the front, which may be at fault.
+std::size_t SourceText::Step(std::string_view bytes)
+{
+    const auto byte = static_cast<unsigned char>(bytes.front());
+    if (byte >= 0x80) {
+        m_isClean = false;
+        const std::size_t length = CharacterLength(bytes);
+        m_fault = length == 0 ? Fault::NotUtf8 : Fault::None;
+        return length;
+    }
+    if (byte >= 0x20 || byte == '\n') {
+        return 1;
+    }
+    m_isClean = false;
+    if (byte != '\t' && byte != '\r') {
+        m_fault = Fault::ControlCharacter;
+        return 0;
+    }
+    return 1;
+}
+
+void SourceText::FindLines(std::string_view bytes)
+{
+    constexpr std::size_t expectedLine = 16;
+    m_lineStarts.reserve(bytes.size() / expectedLine + 1);
+    for (std::size_t feed = bytes.find('\n'); feed != std::string_view::npos;
+         feed = bytes.find('\n', feed + 1)) {
+        m_lineStarts.push_back(static_cast<std::uint32_t>(feed + 1));
+    }
 }
 
 SourcePlace SourceText::Find(std::size_t offset) const

@@ -31,13 +31,20 @@ public:
     /// Offset of the fault.
     std::size_t FaultOffset() const { return m_faultOffset; }
 
+    /// True when all bytes are ASCII and no control characters but line feeds.
+    bool IsClean() const { return m_isClean; }
+
     /// The place of any offset.
     SourcePlace Find(std::size_t offset) const;
 
 private:
+    std::size_t Step(std::string_view bytes);
+    void FindLines(std::string_view bytes);
+
     std::vector<std::uint32_t> m_lineStarts{0};
     Fault m_fault = Fault::None;
     std::size_t m_faultOffset = 0;
+    bool m_isClean = true;
 };
 
 } // namespace karmp::documents

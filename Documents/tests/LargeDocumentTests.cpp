@@ -1,4 +1,4 @@
-// Documents so large that their parsed form is given back while the tree is built.
+// Documents of many elements.
 #include "KARMPDocumentReader.h"
 
 #include <gtest/gtest.h>
@@ -56,7 +56,7 @@ TEST(LargeDocuments, ComeBackWhole)
     }
 }
 
-TEST(LargeDocuments, MessagesNameTheirPlaceBehindWhatWasGivenBack)
+TEST(LargeDocuments, MessagesNameTheirPlaceBehindManyElements)
 {
     const Document document = Document::ReadText(LargeText("<Item><A/>\n<A>&x;</A><A/></Item>\n"));
     ASSERT_EQ(document.Messages().items.size(), 1U);

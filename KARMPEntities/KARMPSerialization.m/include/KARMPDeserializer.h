@@ -9,6 +9,7 @@
 
 #include <concepts>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <span>
 #include <string>
@@ -103,6 +104,12 @@ public:
     /// Appends all children in the order of addition; always 0. The children keep their versions.
     KARStatus GetOrderedElementList(ElementList& elements) const;
 
+    /// Bracket the reading of an element by somebody who refers to nothing of it afterwards: what a
+    /// subclass makes of its attributes and children meanwhile, because they are asked for, may end
+    /// with EndReading, to be made again when it is asked for again. They do nothing by default.
+    virtual void BeginReading() const noexcept {}
+    virtual void EndReading() const noexcept {}
+
 protected:
     /// Sets the element's name.
     void SetId(std::wstring_view id);
@@ -130,7 +137,7 @@ protected:
         AddBoolAttributeValue(name, value);
     }
 
-    /// The same for a subclass whose nodes stand in one memory for a whole tree: the texts and the
+    /// The same for a subclass whose nodes stand in memory for a whole tree: the texts and the
     /// lists of the nodes stand there as well, so that the tree may end with the memory, without
     /// its nodes being destroyed one by one. Such a node is filled by the operations below alone.
     KARMPDeserializer(const karmp::NodeText& name, const karmp::NodeText& version,
@@ -140,7 +147,11 @@ protected:
     void PlaceValue(karmp::AsciiText value) { m_value.emplace<karmp::AsciiText>(value); }
     void PlaceValue(karmp::NodeText value) { m_value.emplace<karmp::NodeText>(std::move(value)); }
     /// True when a value was set.
-    bool HasValue() const { return m_value.index() != 0; }
+    bool HasValue() const
+    {
+        Need(ContentLater);
+        return m_value.index() != 0;
+    }
     /// A name with a value; the value changes when a narrow text is asked for as a wide one.
     struct Attribute
     {
@@ -148,11 +159,32 @@ protected:
         mutable karmp::ReadValue value;
     };
     /// Adds attributes, each in place of an earlier one of its name. False when there was one.
-    bool PlaceAttributes(std::span<const Attribute> attributes);
-    /// Adds children, each under its own name.
-    void PlaceElements(std::span<KARMPDeserializer* const> children);
+    bool PlaceAttributes(std::span<const Attribute> attributes, karmp::NodeMemory& memory);
+    /// Adds children, each under its own name. When memory ends, none was added to a node without
+    /// children.
+    void PlaceElements(std::span<KARMPDeserializer* const> children, karmp::NodeMemory& memory);
     /// The memory of the tree, null for a node that owns what it holds.
     karmp::NodeMemory* Memory() const { return m_memory; }
+
+    /// What of a placed node is made when it is first asked for.
+    enum Later : std::uint8_t {
+        NothingLater = 0,
+        AttributesLater = 1,
+        ContentLater = 2 ///< The value and the children.
+    };
+    /// Sets what is made later: `Later` values, combined.
+    void MakeLater(std::uint8_t parts) { m_later = parts; }
+    /// What is still to be made.
+    std::uint8_t Unmade() const { return m_later; }
+    /// Places the attributes; called when the first of them is asked for.
+    virtual void MakeAttributes() {}
+    /// Places value and children; called when the first of them is asked for.
+    virtual void MakeContent() {}
+    /// Finds a single attribute without the others being made; null characters when there is none.
+    /// False when they have to be made.
+    virtual bool FindUnmade(std::wstring_view name, karmp::AsciiText& value) const;
+    /// Forgets attributes, value and children, the memory of which the subclass takes back.
+    void Forget() noexcept;
 
 private:
     struct Child;
@@ -170,6 +202,13 @@ private:
     void PutAttribute(std::wstring_view name, karmp::ReadValue&& value);
     /// The value of an attribute, null when there is none.
     karmp::ReadValue* FindAttribute(std::wstring_view name) const;
+    void Need(Later part) const
+    {
+        if ((m_later & part) != 0) {
+            Make(part);
+        }
+    }
+    void Make(Later part) const;
     template <class T>
     KARStatus ConvertAttribute(std::wstring_view name, T& value) const;
     template <class T>
@@ -182,7 +221,7 @@ private:
     static KARStatus GetAttrVal(const karmp::ReadValue& stored, double& value);
     static KARStatus GetAttrVal(const karmp::ReadValue& stored, bool& value);
     KARMPDeserializer* NextElement(std::wstring_view name) const;
-    Content& NeedContent();
+    Content& NeedContent(karmp::NodeMemory* memory);
     void Clean() noexcept;
 
     karmp::NodeMemory* m_memory = nullptr;
@@ -192,4 +231,5 @@ private:
     mutable karmp::ReadValue m_value;
     /// Attributes and children: what most nodes do not have.
     std::unique_ptr<Content, Release> m_content;
+    mutable std::uint8_t m_later = NothingLater;
 };

@@ -26,10 +26,6 @@ public:
     NodeMemory& operator=(const NodeMemory&) = delete;
     ~NodeMemory() { Clear(); }
 
-    /// Takes the memory in pieces small enough to come from what the process frees meanwhile, even
-    /// when there is a lot of it.
-    void TakeSmallPieces() { m_takesSmallPieces = true; }
-
     /// Memory for `size` bytes, aligned for pointers and numbers. Throws std::bad_alloc.
     void* Allocate(std::size_t size)
     {
@@ -118,7 +114,6 @@ private:
     Made* m_lastMade = nullptr;
     std::byte* m_next = nullptr;
     std::size_t m_left = 0;
-    bool m_takesSmallPieces = false;
 };
 
 } // namespace karmp

@@ -1,12 +1,13 @@
-// KARMPReadingPlace tells listeners of failed checks where in a tree the library reads.
+// KARMPReadingPlace tells the node that is read, and listeners of failed checks where that is.
 #pragma once
 
 #include "KARMPExport.h"
 
 class KARMPDeserializer;
 
-/// Names the node that its thread reads, for as long as it lives; of nested ones the innermost
-/// counts. A world names the element of each entity that it makes or reads.
+/// Names the node that its thread reads, for as long as it lives, and brackets the reading; of
+/// nested ones the innermost counts. A world names the element of each entity that it makes or
+/// reads.
 class KARMP_API KARMPReadingPlace
 {
 public:
@@ -19,5 +20,6 @@ public:
     static const KARMPDeserializer* Current() noexcept;
 
 private:
+    const KARMPDeserializer* m_node;
     const KARMPDeserializer* m_outer;
 };

@@ -384,12 +384,43 @@ void KARMPDeserializer::Clean() noexcept
     m_value = ReadValue();
 }
 
-KARMPDeserializer::Content& KARMPDeserializer::NeedContent()
+KARMPDeserializer::Content& KARMPDeserializer::NeedContent(karmp::NodeMemory* memory)
 {
     if (!m_content) {
-        m_content.reset(Place<Content>(m_memory));
+        m_content.reset(Place<Content>(memory));
     }
     return *m_content;
+}
+
+// The part counts as made while it is, so that making it may use the node; when memory ends it is
+// still to be made.
+void KARMPDeserializer::Make(Later part) const
+{
+    const std::uint8_t before = std::exchange(m_later, static_cast<std::uint8_t>(m_later & ~part));
+    // No node is made as a constant; readers are handed constant ones.
+    auto& node = const_cast<KARMPDeserializer&>(*this);
+    try {
+        if (part == AttributesLater) {
+            node.MakeAttributes();
+        } else {
+            node.MakeContent();
+        }
+    } catch (...) {
+        m_later = before;
+        throw;
+    }
+}
+
+bool KARMPDeserializer::FindUnmade(std::wstring_view /*name*/, karmp::AsciiText& /*value*/) const
+{
+    return false;
+}
+
+void KARMPDeserializer::Forget() noexcept
+{
+    // What it refers to may be gone, so that nothing is destroyed.
+    static_cast<void>(m_content.release());
+    m_value = ReadValue();
 }
 
 KARStatus KARMPDeserializer::SetVersion(std::wstring_view version)
@@ -477,7 +508,7 @@ void KARMPDeserializer::AddBoolAttributeValue(std::wstring_view name, bool value
 
 void KARMPDeserializer::PutAttribute(std::wstring_view name, ReadValue&& value)
 {
-    Content& content = NeedContent();
+    Content& content = NeedContent(m_memory);
     if (const Attribute* const found = content.FindAttribute(name)) {
         found->value = std::move(value);
         return;
@@ -486,14 +517,14 @@ void KARMPDeserializer::PutAttribute(std::wstring_view name, ReadValue&& value)
     content.Append({NodeText::Name(name), std::move(value)}, m_memory);
 }
 
-bool KARMPDeserializer::PlaceAttributes(std::span<const Attribute> attributes)
+bool KARMPDeserializer::PlaceAttributes(std::span<const Attribute> attributes,
+                                        karmp::NodeMemory& memory)
 {
-    Content& content = NeedContent();
-    content.attributes.MakeRoomFor(attributes.size(), m_memory);
+    Content& content = NeedContent(&memory);
+    content.attributes.MakeRoomFor(attributes.size(), &memory);
     if (content.attributes.size() == 0 && AreRecord(attributes)) {
-        for (const Attribute& attribute : attributes) {
-            content.attributes.Append(attribute);
-        }
+        content.attributes.Fill(attributes.size(),
+                                [attributes](std::size_t number) { return attributes[number]; });
         return true;
     }
     bool allNew = true;
@@ -502,7 +533,7 @@ bool KARMPDeserializer::PlaceAttributes(std::span<const Attribute> attributes)
             found->value = attribute.value;
             allNew = false;
         } else {
-            content.Append(Attribute(attribute), m_memory);
+            content.Append(Attribute(attribute), &memory);
         }
     }
     return allNew;
@@ -510,17 +541,20 @@ bool KARMPDeserializer::PlaceAttributes(std::span<const Attribute> attributes)
 
 ReadValue* KARMPDeserializer::FindAttribute(std::wstring_view name) const
 {
+    Need(AttributesLater);
     const Attribute* const found = m_content ? m_content->FindAttribute(name) : nullptr;
     return found != nullptr ? &found->value : nullptr;
 }
 
 std::size_t KARMPDeserializer::GetAttributeCount() const
 {
+    Need(AttributesLater);
     return m_content ? m_content->attributes.size() : 0;
 }
 
 std::wstring_view KARMPDeserializer::GetAttributeId(std::size_t index) const
 {
+    Need(AttributesLater);
     return m_content->attributes[index].name.View();
 }
 
@@ -532,43 +566,58 @@ KARStatus KARMPDeserializer::AddElement(std::wstring_view name, KARMPDeserialize
     if (!KARMPVerify(child != nullptr)) {
         return KARFailure;
     }
-    Content& content = NeedContent();
+    Content& content = NeedContent(m_memory);
     content.children.MakeRoom(m_memory);
     content.Append(NodeText::Name(name), child, m_memory);
     return KARSuccess;
 }
 
-void KARMPDeserializer::PlaceElements(std::span<KARMPDeserializer* const> children)
+void KARMPDeserializer::PlaceElements(std::span<KARMPDeserializer* const> children,
+                                      karmp::NodeMemory& memory)
 {
     if (children.empty()) {
         return;
     }
-    Content& content = NeedContent();
+    Content& content = NeedContent(&memory);
     if (content.groups) {
         ++content.groups->additions;
     }
-    content.children.MakeRoomFor(children.size(), m_memory);
+    content.children.MakeRoomFor(children.size(), &memory);
     if (content.groups) {
         for (KARMPDeserializer* const child : children) {
-            content.Append(child->m_name, child, m_memory);
+            content.Append(child->m_name, child, &memory);
         }
         return;
     }
-    for (KARMPDeserializer* const child : children) {
-        content.children.Append({child->m_name, child});
+    const bool isFirst = content.children.size() == 0;
+    content.children.Fill(children.size(), [children](std::size_t number) {
+        return Child{children[number]->m_name, children[number]};
+    });
+    if (AreRecord(std::span<const Child>(content.children.begin(), content.children.size()))) {
+        return;
     }
-    if (!AreRecord(std::span<const Child>(content.children.begin(), content.children.size()))) {
-        content.MakeGroups(m_memory);
+    try {
+        content.MakeGroups(&memory);
+    } catch (...) {
+        if (isFirst) {
+            content.children.Clear();
+        }
+        throw;
     }
 }
 
 bool KARMPDeserializer::HasAttribute(std::wstring_view name) const
 {
+    karmp::AsciiText unmade;
+    if ((m_later & AttributesLater) != 0 && FindUnmade(name, unmade)) {
+        return unmade.characters != nullptr;
+    }
     return FindAttribute(name) != nullptr;
 }
 
 bool KARMPDeserializer::HasElement(std::wstring_view name) const
 {
+    Need(ContentLater);
     if (!m_content) {
         return false;
     }
@@ -589,6 +638,7 @@ bool KARMPDeserializer::HasElement(std::wstring_view name) const
 
 KARMPDeserializer* KARMPDeserializer::NextElement(std::wstring_view name) const
 {
+    Need(ContentLater);
     if (!m_content) {
         return nullptr;
     }
@@ -613,6 +663,7 @@ KARStatus KARMPDeserializer::GetElement(std::wstring_view name,
 
 KARStatus KARMPDeserializer::GetElements(ElementList& elements) const
 {
+    Need(ContentLater);
     if (!m_content) {
         return KARSuccess;
     }
@@ -632,6 +683,7 @@ KARStatus KARMPDeserializer::GetElements(ElementList& elements) const
 KARStatus KARMPDeserializer::GetElements(std::wstring_view name, ElementIterator& begin,
                                          ElementIterator& end) const
 {
+    Need(ContentLater);
     if (!m_content) {
         return KARSuccess;
     }
@@ -649,6 +701,7 @@ KARStatus KARMPDeserializer::GetElements(std::wstring_view name, ElementIterator
 
 KARStatus KARMPDeserializer::GetOrderedElementList(ElementList& elements) const
 {
+    Need(ContentLater);
     if (m_content) {
         elements.insert(elements.end(), m_content->children.begin(), m_content->children.end());
     }

@@ -117,32 +117,44 @@ KARStatus HandOut(const std::optional<T>& found, T& value)
 
 KARStatus KARMPDeserializer::GetValue(std::wstring& value) const
 {
+    Need(ContentLater);
     return GetAttrVal(m_value, value);
 }
 
 KARStatus KARMPDeserializer::GetValue(std::wstring_view& value) const
 {
+    Need(ContentLater);
     return GetAttrVal(m_value, value);
 }
 
 KARStatus KARMPDeserializer::GetValue(int& value) const
 {
+    Need(ContentLater);
     return GetAttrVal(m_value, value);
 }
 
 KARStatus KARMPDeserializer::GetValue(double& value) const
 {
+    Need(ContentLater);
     return GetAttrVal(m_value, value);
 }
 
 KARStatus KARMPDeserializer::GetValue(bool& value) const
 {
+    Need(ContentLater);
     return GetAttrVal(m_value, value);
 }
 
 template <class T>
 KARStatus KARMPDeserializer::ConvertAttribute(std::wstring_view name, T& value) const
 {
+    // A view refers to what the node holds.
+    if constexpr (!std::is_same_v<T, std::wstring_view>) {
+        AsciiText unmade;
+        if ((m_later & AttributesLater) != 0 && FindUnmade(name, unmade)) {
+            return unmade.characters != nullptr ? GetAttrVal(ReadValue(unmade), value) : KARFailure;
+        }
+    }
     ReadValue* const stored = FindAttribute(name);
     return stored != nullptr ? GetAttrVal(*stored, value) : KARFailure;
 }

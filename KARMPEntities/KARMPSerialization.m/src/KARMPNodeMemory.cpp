@@ -23,7 +23,7 @@ void AskForLargePages([[maybe_unused]] void* memory, [[maybe_unused]] std::size_
 
 void NodeMemory::AddChunk(std::size_t needed)
 {
-    const bool large = m_chunks.size() > UsualChunkCount && !m_takesSmallPieces;
+    const bool large = m_chunks.size() > UsualChunkCount;
     const std::size_t usual = m_chunks.empty() ? FirstChunk : large ? LargeChunk : UsualChunk;
     const std::size_t size = std::max(usual, needed);
     Chunk& chunk = m_chunks.emplace_back();

@@ -1,5 +1,7 @@
 #include "KARMPReadingPlace.h"
 
+#include "KARMPDeserializer.h"
+
 #include <utility>
 
 namespace {
@@ -9,11 +11,16 @@ thread_local const KARMPDeserializer* currentNode = nullptr;
 } // namespace
 
 KARMPReadingPlace::KARMPReadingPlace(const KARMPDeserializer* node) noexcept
-    : m_outer(std::exchange(currentNode, node))
-{}
+    : m_node(node), m_outer(std::exchange(currentNode, node))
+{
+    if (m_node != nullptr)
+        m_node->BeginReading();
+}
 
 KARMPReadingPlace::~KARMPReadingPlace()
 {
+    if (m_node != nullptr)
+        m_node->EndReading();
     currentNode = m_outer;
 }
 

@@ -616,7 +616,7 @@ TEST_F(Deserializer, LookingSomethingUpTakesNoMemory)
 
 TEST_F(Deserializer, ANodeTakesLittleRoom)
 {
-    EXPECT_LE(sizeof(KARMPDeserializer), 56U);
+    EXPECT_LE(sizeof(KARMPDeserializer), 64U);
 }
 
 TEST_F(Deserializer, EveryNodeOfATreeIsFreedOnce)

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <new>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,7 +34,7 @@ public:
     {
         PlacedNode* const child = Make(*Memory(), name);
         KARMPDeserializer* const children[] = {child};
-        PlaceElements(children);
+        PlaceElements(children, *Memory());
         return child;
     }
     using KARMPDeserializer::Attribute;
@@ -41,10 +42,13 @@ public:
     {
         return Attributes({{NodeText::Name(name, *Memory()), NodeText::Copy(value, *Memory())}});
     }
-    void AddAll(const std::vector<KARMPDeserializer*>& children) { PlaceElements(children); }
+    void AddAll(const std::vector<KARMPDeserializer*>& children)
+    {
+        PlaceElements(children, *Memory());
+    }
     bool Attributes(const std::vector<KARMPDeserializer::Attribute>& attributes)
     {
-        return PlaceAttributes(attributes);
+        return PlaceAttributes(attributes, *Memory());
     }
     using KARMPDeserializer::PlaceValue;
 };
@@ -79,24 +83,6 @@ TEST(NodeMemory, LargeAmountsComeInChunksOfTheirOwnKind)
         EXPECT_EQ(pieces[piece][0], static_cast<unsigned char>(piece));
         EXPECT_EQ(pieces[piece][99999], static_cast<unsigned char>(piece));
     }
-}
-
-TEST(NodeMemory, SmallPiecesStaySmall)
-{
-    NodeMemory usual;
-    NodeMemory small;
-    small.TakeSmallPieces();
-    const auto largestPiece = [](NodeMemory& memory) {
-        std::size_t largest = 0;
-        for (std::size_t piece = 0; piece < 100; ++piece) {
-            const std::size_t before = memory.Size();
-            memory.Allocate(100000);
-            largest = std::max(largest, memory.Size() - before);
-        }
-        return largest;
-    };
-    EXPECT_GT(largestPiece(usual), 4000000U);
-    EXPECT_LT(largestPiece(small), 300000U);
 }
 
 TEST(NodeMemory, DestroysWhatItMadeOnce)
@@ -320,6 +306,159 @@ TEST(PlacedTree, AVersionOfAnyLengthStandsInTheMemoryAndGoesDownTheTree)
     root->GetElement(L"child", found);
     EXPECT_EQ(found, child);
     EXPECT_EQ(found->Version(), version);
+}
+
+// A node that counts how often its parts are made: two attributes, a value and three children.
+class LateNode final : public KARMPDeserializer
+{
+public:
+    explicit LateNode(NodeMemory& memory)
+        : KARMPDeserializer(NodeText::Name(L"late", memory), NodeText::CurrentVersion(), memory)
+    {
+        MakeLater(AttributesLater | ContentLater);
+    }
+    std::wstring Location() const override { return {}; }
+    static LateNode& Make(NodeMemory& memory)
+    {
+        return *::new (memory.Allocate(sizeof(LateNode))) LateNode(memory);
+    }
+    bool HasText() const { return HasValue(); }
+    void Again()
+    {
+        Forget();
+        MakeLater(AttributesLater | ContentLater);
+    }
+    using KARMPDeserializer::Unmade;
+
+    int attributesMade = 0;
+    int contentMade = 0;
+    bool memoryEnds = false;
+    bool findsUnmade = false;
+
+private:
+    void MakeAttributes() override
+    {
+        ++attributesMade;
+        const Attribute attributes[] = {{NodeText::Name(L"a", *Memory()), karmp::AsciiText{"1"}},
+                                        {NodeText::Name(L"b", *Memory()), karmp::AsciiText{"x"}}};
+        PlaceAttributes(attributes, *Memory());
+    }
+    void MakeContent() override
+    {
+        ++contentMade;
+        if (memoryEnds) {
+            throw std::bad_alloc();
+        }
+        PlaceValue(karmp::AsciiText{"text"});
+        KARMPDeserializer* const children[] = {PlacedNode::Make(*Memory(), L"x"),
+                                               PlacedNode::Make(*Memory(), L"y"),
+                                               PlacedNode::Make(*Memory(), L"x")};
+        PlaceElements(children, *Memory());
+    }
+    bool FindUnmade(std::wstring_view name, karmp::AsciiText& value) const override
+    {
+        value.characters = name == L"a" ? "7" : nullptr;
+        return findsUnmade && name != L"b";
+    }
+};
+
+TEST(PlacedTree, PartsAreMadeWhenTheFirstOfThemIsAskedFor)
+{
+    NodeMemory memory;
+    const KARMPDeserializer* child = nullptr;
+    KARMPDeserializer::ElementList list;
+    KARMPDeserializer::ElementIterator begin = nullptr;
+    KARMPDeserializer::ElementIterator end = nullptr;
+    std::wstring text;
+    int number = 0;
+    const auto expectMade = [&memory](int attributes, int content, auto ask) {
+        LateNode& node = LateNode::Make(memory);
+        EXPECT_EQ(node.attributesMade + node.contentMade, 0);
+        ask(node);
+        ask(node);
+        EXPECT_EQ(node.attributesMade, attributes);
+        EXPECT_EQ(node.contentMade, content);
+    };
+    expectMade(1, 0, [](LateNode& node) { EXPECT_TRUE(node.HasAttribute(L"b")); });
+    expectMade(1, 0, [](LateNode& node) { EXPECT_EQ(node.GetAttributeCount(), 2U); });
+    expectMade(1, 0, [](LateNode& node) { EXPECT_EQ(node.GetAttributeId(1), L"b"); });
+    expectMade(1, 0, [&](LateNode& node) {
+        EXPECT_EQ(node.GetAttribute(L"a", number), KARSuccess);
+        EXPECT_EQ(number, 1);
+    });
+    expectMade(0, 1, [&](LateNode& node) {
+        EXPECT_EQ(node.GetValue(text), KARSuccess);
+        EXPECT_EQ(text, L"text");
+    });
+    expectMade(0, 1, [](LateNode& node) { EXPECT_TRUE(node.HasText()); });
+    expectMade(0, 1, [](LateNode& node) { EXPECT_FALSE(node.HasElement(L"z")); });
+    expectMade(0, 1, [&](LateNode& node) {
+        node.GetElement(L"y", child);
+        EXPECT_NE(child, nullptr);
+    });
+    expectMade(0, 1, [&](LateNode& node) {
+        list.clear();
+        node.GetElements(list);
+        EXPECT_EQ(list.size(), 3U);
+    });
+    expectMade(0, 1, [&](LateNode& node) {
+        list.clear();
+        node.GetOrderedElementList(list);
+        EXPECT_EQ(list.size(), 3U);
+    });
+    expectMade(0, 1, [&](LateNode& node) {
+        node.GetElements(L"x", begin, end);
+        EXPECT_EQ(end - begin, 2);
+    });
+}
+
+TEST(PlacedTree, AnAttributeMayBeFoundWithoutTheOthersBeingMade)
+{
+    NodeMemory memory;
+    LateNode& node = LateNode::Make(memory);
+    node.findsUnmade = true;
+    int number = 0;
+    std::wstring text;
+    EXPECT_TRUE(node.HasAttribute(L"a"));
+    EXPECT_FALSE(node.HasAttribute(L"c"));
+    EXPECT_EQ(node.GetAttribute(L"a", number), KARSuccess);
+    EXPECT_EQ(number, 7);
+    EXPECT_EQ(node.GetAttribute(L"c", text), KARFailure);
+    EXPECT_EQ(node.attributesMade, 0);
+    // A view needs something to refer to, and "b" has to be made.
+    std::wstring_view view;
+    EXPECT_EQ(node.GetAttribute(L"a", view), KARSuccess);
+    EXPECT_EQ(view, L"1");
+    EXPECT_EQ(node.attributesMade, 1);
+    EXPECT_EQ(node.GetAttribute(L"b", text), KARSuccess);
+    EXPECT_EQ(text, L"x");
+    EXPECT_EQ(node.attributesMade, 1);
+}
+
+TEST(PlacedTree, WhatIsForgottenIsMadeAgain)
+{
+    NodeMemory memory;
+    LateNode& node = LateNode::Make(memory);
+    EXPECT_TRUE(node.HasAttribute(L"a"));
+    EXPECT_TRUE(node.HasElement(L"x"));
+    EXPECT_EQ(node.Unmade(), 0U);
+    node.Again();
+    EXPECT_NE(node.Unmade(), 0U);
+    EXPECT_EQ(node.GetAttributeCount(), 2U);
+    EXPECT_TRUE(node.HasElement(L"x"));
+    EXPECT_EQ(node.attributesMade, 2);
+    EXPECT_EQ(node.contentMade, 2);
+}
+
+TEST(PlacedTree, WhatMemoryDidNotSufficeForIsStillToBeMade)
+{
+    NodeMemory memory;
+    LateNode& node = LateNode::Make(memory);
+    node.memoryEnds = true;
+    EXPECT_THROW(node.HasElement(L"x"), std::bad_alloc);
+    node.memoryEnds = false;
+    EXPECT_TRUE(node.HasElement(L"x"));
+    EXPECT_EQ(node.contentMade, 2);
 }
 
 TEST(PlacedTree, NodesMayBeDestroyedBeforeTheirMemory)

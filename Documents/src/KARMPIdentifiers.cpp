@@ -1,0 +1,42 @@
+#include "KARMPIdentifiers.h"
+
+#include "KARMPTextEscapes.h"
+
+namespace karmp::documents {
+
+namespace {
+
+// A text that does not stand for itself has an escape or a character beyond ASCII in this form, so
+// that it differs from those that do.
+std::string FormOf(std::wstring_view text)
+{
+    std::string form;
+    AppendEscaped(form, text, TextPlace::Attribute);
+    return form;
+}
+
+} // namespace
+
+std::optional<std::uint32_t> Identifiers::Of(const KARMPDeserializer& node)
+{
+    karmp::ReadText text;
+    if (!node.HasAttribute(L"id") || KARFailed(node.GetAttribute(L"id", text))) {
+        return {};
+    }
+    if (text.IsAscii()) {
+        return m_numbers.try_emplace(text.Ascii(), Count()).first->second;
+    }
+    const std::string form = FormOf(text.View());
+    const auto known = m_numbers.find(form);
+    if (known != m_numbers.end()) {
+        return known->second;
+    }
+    return m_numbers.try_emplace(m_texts.emplace_back(form), Count()).first->second;
+}
+
+bool Identifiers::Know(std::wstring_view identifier) const
+{
+    return m_numbers.find(FormOf(identifier)) != m_numbers.end();
+}
+
+} // namespace karmp::documents

@@ -1,0 +1,211 @@
+// The nodes of a document: made when they are asked for, ended when an entity was read.
+#include "KARMPDocumentReader.h"
+#include "KARMPDocuments.h"
+#include "KARMPEntities.h"
+#include "KARMPReadingPlace.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+using namespace karmp::documents;
+
+namespace {
+
+using Node = const KARMPDeserializer*;
+
+Node Child(Node parent, std::wstring_view name)
+{
+    Node child = nullptr;
+    parent->GetElement(name, child);
+    EXPECT_NE(child, nullptr);
+    return child;
+}
+
+std::wstring Attribute(Node node, std::wstring_view name)
+{
+    std::wstring text;
+    EXPECT_EQ(node->GetAttribute(name, text), KARSuccess);
+    return text;
+}
+
+std::wstring Value(Node node)
+{
+    std::wstring text;
+    EXPECT_EQ(node->GetValue(text), KARSuccess);
+    return text;
+}
+
+// Two bodies; the second one's name and one of its texts do not stand for themselves.
+std::string TwoBodies()
+{
+    return "<KARMPDocument version=\"R2018.1\"><World><Bodies>"
+           "<Body id=\"b1\" name=\"one\"><A>1</A><B><C x=\"2\">two</C></B></Body>"
+           "<Body id=\"b2\" name=\"&lt;two&gt;\"><A>a &amp; b</A></Body>"
+           "</Bodies></World></KARMPDocument>";
+}
+
+class DocumentNodes : public testing::Test
+{
+protected:
+    DocumentNodes()
+    {
+        KARMPDeserializer::ElementIterator begin = nullptr;
+        KARMPDeserializer::ElementIterator end = nullptr;
+        Child(Child(m_document.Root(), L"World"), L"Bodies")->GetElements(L"Body", begin, end);
+        m_first = begin[0];
+        m_second = begin[1];
+    }
+
+    Document m_document = Document::ReadText(TwoBodies());
+    Node m_first = nullptr;
+    Node m_second = nullptr;
+};
+
+TEST_F(DocumentNodes, AnEntityIsReadAgainAfterItsNodesEnded)
+{
+    for (int time = 0; time < 3; ++time) {
+        for (const Node body : {m_first, m_second}) {
+            const KARMPReadingPlace place(body);
+            EXPECT_EQ(body->GetAttributeCount(), 2U);
+            EXPECT_EQ(Attribute(body, L"id"), body == m_first ? L"b1" : L"b2");
+            EXPECT_EQ(Attribute(body, L"name"), body == m_first ? L"one" : L"<two>");
+            EXPECT_EQ(Value(Child(body, L"A")), body == m_first ? L"1" : L"a & b");
+            EXPECT_EQ(body->HasElement(L"B"), body == m_first);
+        }
+        EXPECT_EQ(Attribute(m_second, L"name"), L"<two>");
+    }
+    EXPECT_EQ(Attribute(Child(Child(m_first, L"B"), L"C"), L"x"), L"2");
+}
+
+TEST_F(DocumentNodes, WhatWasMadeBeforeTheReadingStays)
+{
+    const Node a = Child(m_first, L"A");
+    const Node b = Child(m_first, L"B");
+    {
+        const KARMPReadingPlace place(m_first);
+        EXPECT_EQ(Child(m_first, L"A"), a);
+        EXPECT_EQ(Value(Child(b, L"C")), L"two");
+    }
+    {
+        const KARMPReadingPlace place(m_second);
+        EXPECT_EQ(Value(Child(m_second, L"A")), L"a & b");
+    }
+    EXPECT_EQ(Value(a), L"1");
+    EXPECT_EQ(Child(m_first, L"B"), b);
+    m_document.Check();
+    EXPECT_EQ(Value(a), L"1");
+    EXPECT_EQ(Value(Child(b, L"C")), L"two");
+}
+
+TEST_F(DocumentNodes, OnlyTheEntityThatIsReadFirstEnds)
+{
+    Node inner = nullptr;
+    {
+        const KARMPReadingPlace outer(m_first);
+        const KARMPReadingPlace nested(m_second);
+        inner = Child(m_second, L"A");
+        Child(m_first, L"A");
+    }
+    EXPECT_EQ(Value(inner), L"a & b");
+    EXPECT_EQ(Child(m_second, L"A"), inner);
+    EXPECT_EQ(Value(Child(m_first, L"A")), L"1");
+}
+
+TEST_F(DocumentNodes, OfAnAttributeThatStandsTwiceTheLastCountsHoweverItIsAskedFor)
+{
+    const Document document = Document::ReadText(
+        "<KARMPDocument version=\"R2018.1\"><A x=\"1\" y=\"2\" x=\"3\"/></KARMPDocument>");
+    const Node a = Child(document.Root(), L"A");
+    EXPECT_EQ(Attribute(a, L"x"), L"3");
+    std::wstring_view view;
+    EXPECT_EQ(a->GetAttribute(L"x", view), KARSuccess);
+    EXPECT_EQ(view, L"3");
+    EXPECT_EQ(a->GetAttributeCount(), 2U);
+    EXPECT_EQ(Attribute(a, L"x"), L"3");
+}
+
+TEST_F(DocumentNodes, NamesAndTextsBeyondAsciiAreFoundBeforeAndAfterTheyAreMade)
+{
+    const Document document =
+        Document::ReadText("<KARMPDocument version=\"R2018.1\"><K\xC3\xB6rper gr\xC3\xB6\xC3\x9F"
+                           "e=\"\xE2\x89\xA4 1\" leer=\"\"/></KARMPDocument>");
+    const Node body = Child(document.Root(), L"K\xF6rper");
+    for (int time = 0; time < 2; ++time) {
+        EXPECT_TRUE(body->HasAttribute(L"gr\xF6\xDF"
+                                       L"e"));
+        EXPECT_FALSE(body->HasAttribute(L"gr"));
+        EXPECT_EQ(Attribute(body, L"leer"), L"");
+        EXPECT_EQ(Attribute(body, L"gr\xF6\xDF"
+                                  L"e"),
+                  L"\x2264 1");
+        EXPECT_EQ(body->GetAttributeCount(), 2U);
+    }
+}
+
+TEST_F(DocumentNodes, PiecesOfATextAreJoinedInTheirOrder)
+{
+    const Document document = Document::ReadText(
+        "<KARMPDocument version=\"R2018.1\"><A> one <B>b1<![CDATA[b2]]>b3</B> two <C/>"
+        "<![CDATA[ three ]]><D><![CDATA[]]></D> four </A></KARMPDocument>");
+    ASSERT_TRUE(document.Messages().items.empty());
+    const Node a = Child(document.Root(), L"A");
+    EXPECT_EQ(Value(a), L"onetwo three four");
+    EXPECT_EQ(Value(Child(a, L"B")), L"b1b2b3");
+    EXPECT_EQ(Value(Child(a, L"C")), L"");
+    EXPECT_EQ(Value(Child(a, L"D")), L"");
+    EXPECT_FALSE(document.Root()->HasText());
+    EXPECT_TRUE(static_cast<const KARMPDocumentReader*>(Child(a, L"C"))->HasText());
+}
+
+// A body that refers to itself as one of its geometries, as its only fault.
+TEST_F(DocumentNodes, AReferenceOfAWrongClassIsDroppedInNodesMadeBeforeAndAfter)
+{
+    std::string text;
+    const auto basicWorld = QOBBasicWorld::create(L"World");
+    const auto world = KARMPWorld::create(basicWorld);
+    SaveText(world, text);
+    const std::string start = "<Geometry id=\"";
+    const std::size_t place = text.find(start) + start.size();
+    const std::size_t body = text.find("<Body id=\"") + 10;
+    const std::string identifier = text.substr(body, text.find('"', body) - body);
+    text.replace(place, text.find('"', place) - place, identifier);
+
+    for (const bool before : {false, true}) {
+        Document document = Document::ReadText(text);
+        const Node list = Child(Child(document.Root(), L"World"), L"Bodies");
+        const Node entity = Child(list, L"Body");
+        const std::wstring wide(identifier.begin(), identifier.end());
+        if (before) {
+            const Node reference = Child(Child(entity, L"Geometries"), L"Geometry");
+            EXPECT_EQ(reference->GetAttributeCount(), 2U);
+        }
+        document.Check();
+        EXPECT_EQ(document.Messages().Count(Severity::Error), 1U);
+        EXPECT_EQ(Attribute(Child(Child(entity, L"Geometries"), L"Geometry"), L"id"), wide);
+        document.DropWrongReferences();
+        const Node dropped = Child(Child(entity, L"Geometries"), L"Geometry");
+        EXPECT_EQ(Attribute(dropped, L"id"), L"none");
+        const auto read = KARMPWorld::create(QOBBasicWorld::create(L"World"));
+        Document again = Document::ReadText(text);
+        again.Check();
+        again.DropWrongReferences();
+        EXPECT_EQ(read->Deserialize(again.Root()), KARSuccess);
+    }
+}
+
+TEST_F(DocumentNodes, ADocumentMayBeCheckedAndReadMoreThanOnce)
+{
+    std::string text;
+    SaveText(KARMPWorld::create(QOBBasicWorld::create(L"World")), text);
+    Document document = Document::ReadText(text);
+    for (int time = 0; time < 2; ++time) {
+        document.Check();
+        const auto world = KARMPWorld::create(QOBBasicWorld::create(L"World"));
+        EXPECT_EQ(world->Deserialize(document.Root()), KARSuccess);
+        EXPECT_EQ(world->Count<KARMPBody>(), 1);
+    }
+    EXPECT_TRUE(document.Messages().items.empty());
+}
+
+} // namespace

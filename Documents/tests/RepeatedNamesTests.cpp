@@ -1,0 +1,78 @@
+// Names by their bytes.
+#include "KARMPRepeatedNames.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+using karmp::documents::RepeatedNames;
+
+namespace {
+
+TEST(RepeatedNames, TellNamesOfEveryLengthApart)
+{
+    std::vector<karmp::NodeText> names;
+    karmp::NodeMemory memory;
+    RepeatedNames repeated(names, memory);
+    // Each length with a difference at each place, one behind the other up to the end of the bytes.
+    std::string bytes;
+    std::vector<std::size_t> places;
+    std::vector<std::string> expected;
+    for (std::size_t length = 0; length < 24; ++length) {
+        for (std::size_t place = 0; place <= length; ++place) {
+            std::string name(length, 'a');
+            if (place < length) {
+                name[place] = 'b';
+            }
+            expected.push_back(name);
+        }
+    }
+    // The second and the third time they are guessed, the fourth time the guesses are wrong.
+    for (int time = 0; time < 4; ++time) {
+        for (std::size_t index = 0; index < expected.size(); ++index) {
+            const std::size_t other = time < 3 ? index : expected.size() - 1 - index;
+            places.push_back(bytes.size());
+            bytes += expected[other];
+            bytes += '\0';
+        }
+    }
+    for (std::size_t index = 0; index < places.size(); ++index) {
+        const RepeatedNames::Name name =
+            repeated.Get(bytes.data() + places[index], bytes.data() + bytes.size());
+        const std::string text = bytes.data() + places[index];
+        EXPECT_EQ(name.size, text.size());
+        EXPECT_EQ(names[name.number].View(), std::wstring(text.begin(), text.end()));
+    }
+}
+
+TEST(RepeatedNames, ManyNamesPushEachOtherOutAndAreFoundAllTheSame)
+{
+    std::vector<karmp::NodeText> names;
+    karmp::NodeMemory memory;
+    RepeatedNames repeated(names, memory);
+    std::vector<std::string> texts;
+    for (int number = 0; number < 3000; ++number) {
+        texts.push_back("name" + std::to_string(number));
+    }
+    for (int time = 0; time < 2; ++time) {
+        for (const std::string& text : texts) {
+            const auto name = repeated.Get(text.c_str(), text.c_str() + text.size() + 1);
+            EXPECT_EQ(names[name.number].View(), std::wstring(text.begin(), text.end()));
+        }
+    }
+}
+
+TEST(RepeatedNames, ARepeatedNameIsKeptOnce)
+{
+    std::vector<karmp::NodeText> names;
+    karmp::NodeMemory memory;
+    RepeatedNames repeated(names, memory);
+    const std::string bytes = "Translation";
+    for (int time = 0; time < 100; ++time) {
+        repeated.Get(bytes.c_str(), bytes.c_str() + bytes.size() + 1);
+    }
+    EXPECT_EQ(names.size(), 1U);
+}
+
+} // namespace

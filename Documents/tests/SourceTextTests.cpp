@@ -1,0 +1,84 @@
+// The bytes of a document: what is at fault, what is clean, where lines begin.
+#include "KARMPSourceText.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+using karmp::documents::SourcePlace;
+using karmp::documents::SourceText;
+
+namespace {
+
+constexpr std::size_t Length = 200;
+
+std::string Lines()
+{
+    std::string text;
+    while (text.size() < Length) {
+        text += "a line of text, then\n\n";
+    }
+    return text.substr(0, Length);
+}
+
+TEST(SourceText, FindsAFaultAtEveryPlace)
+{
+    for (std::size_t place = 0; place < Length; ++place) {
+        std::string text = Lines();
+        text[place] = '\x01';
+        const SourceText control(text);
+        EXPECT_EQ(control.Found(), SourceText::Fault::ControlCharacter);
+        EXPECT_EQ(control.FaultOffset(), place);
+        text[place] = '\x80';
+        const SourceText encoding(text);
+        EXPECT_EQ(encoding.Found(), SourceText::Fault::NotUtf8);
+        EXPECT_EQ(encoding.FaultOffset(), place);
+        EXPECT_FALSE(encoding.IsClean());
+    }
+}
+
+TEST(SourceText, CharactersOfSeveralBytesMayStandAnywhere)
+{
+    for (std::size_t place = 0; place < Length; ++place) {
+        const std::string text = Lines().insert(place, "\xE2\x98\x83");
+        const SourceText source(text);
+        EXPECT_EQ(source.Found(), SourceText::Fault::None);
+        EXPECT_FALSE(source.IsClean());
+    }
+    for (std::size_t cut = 1; cut < 4; ++cut) {
+        const SourceText source(Lines() + std::string("\xF0\x9F\x98\x80").substr(0, cut));
+        EXPECT_EQ(source.Found(), SourceText::Fault::NotUtf8);
+        EXPECT_EQ(source.FaultOffset(), Length);
+    }
+}
+
+TEST(SourceText, IsCleanWithLineFeedsAlone)
+{
+    EXPECT_TRUE(SourceText(Lines()).IsClean());
+    EXPECT_TRUE(SourceText().IsClean());
+    EXPECT_TRUE(SourceText("~").IsClean());
+    for (const char character : {'\t', '\r'}) {
+        for (std::size_t place = 0; place < Length; ++place) {
+            std::string text = Lines();
+            text[place] = character;
+            const SourceText source(text);
+            EXPECT_EQ(source.Found(), SourceText::Fault::None);
+            EXPECT_FALSE(source.IsClean()) << place;
+        }
+    }
+}
+
+TEST(SourceText, KnowsTheLineOfEveryByte)
+{
+    const std::string text = Lines();
+    const SourceText source(text);
+    SourcePlace place;
+    for (std::size_t offset = 0; offset < text.size(); ++offset) {
+        EXPECT_EQ(source.Find(offset).line, place.line);
+        EXPECT_EQ(source.Find(offset).column, place.column);
+        place = text[offset] == '\n' ? SourcePlace{place.line + 1, 1}
+                                     : SourcePlace{place.line, place.column + 1};
+    }
+}
+
+} // namespace
