@@ -1,8 +1,37 @@
 #include "QOBBasicEntity.h"
 
+#include "KARPrefetch.h"
 #include "QOBBasicWorld.h"
 
 #include <utility>
+
+namespace {
+
+using Slots = std::vector<QOBSharedHandle<QOBBasicEntity>>;
+
+// Many children do not fit the caches, so that a walk over them asks for them ahead.
+template <class Visit>
+void forEachChild(const Slots& slots, Visit visit)
+{
+    for (std::size_t slot = 0; slot < slots.size(); ++slot) {
+        if (slot + kar::PrefetchDistance < slots.size())
+            kar::Prefetch(slots[slot + kar::PrefetchDistance].get(), kar::PrefetchedBytes);
+        if (slots[slot])
+            visit(*slots[slot]);
+    }
+}
+
+// Lets the children go, first to last.
+void release(Slots& slots)
+{
+    for (std::size_t slot = 0; slot < slots.size(); ++slot) {
+        if (slot + kar::PrefetchDistance < slots.size())
+            kar::Prefetch(slots[slot + kar::PrefetchDistance].get(), sizeof(QOBSharedObject));
+        slots[slot].detach();
+    }
+}
+
+} // namespace
 
 QOB_DEFINE_CLASS(QOBBasicEntity, QOBExtendibleObject);
 
@@ -166,12 +195,11 @@ void QOBBasicEntity::releaseChildren()
     if (m_children == nullptr)
         return;
     const std::unique_ptr<Children> children = std::move(m_children);
-    for (const auto& child : children->slots) {
-        if (!child)
-            continue;
-        child->m_parent = nullptr;
-        child->enterWorld(nullptr);
-    }
+    forEachChild(children->slots, [](QOBBasicEntity& child) {
+        child.m_parent = nullptr;
+        child.enterWorld(nullptr);
+    });
+    release(children->slots);
 }
 
 void QOBBasicEntity::orphanLogicalChildren()
@@ -182,21 +210,17 @@ void QOBBasicEntity::orphanLogicalChildren()
     const auto take = [&families](std::unique_ptr<Children> family) {
         if (family == nullptr)
             return;
-        for (const auto& child : family->slots) {
-            if (child)
-                child->m_parent = nullptr;
-        }
+        forEachChild(family->slots, [](QOBBasicEntity& child) { child.m_parent = nullptr; });
         families.push_back(std::move(family));
     };
     take(std::move(m_children));
     while (!families.empty()) {
         const std::unique_ptr<Children> family = std::move(families.back());
         families.pop_back();
-        for (const auto& child : family->slots) {
-            if (!child)
-                continue;
-            take(std::move(child->m_children));
-            child->orphanObject();
-        }
+        forEachChild(family->slots, [&take](QOBBasicEntity& child) {
+            take(std::move(child.m_children));
+            child.orphanObject();
+        });
+        release(family->slots);
     }
 }

@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <new>
+#include <vector>
 
 namespace {
 
@@ -236,6 +238,63 @@ TEST(BasicWorld, OrphansAllThatHangsUnderItWithItsLastReference)
     }
     EXPECT_EQ(orphaned.size(), 3U);
     EXPECT_EQ(Item::s_living, before);
+}
+
+// An entity that notes when it is orphaned and when it goes.
+class Witness : public QOBBasicEntity
+{
+public:
+    Witness(std::vector<int>& orphaned, std::vector<int>& gone, int number)
+        : m_orphaned(orphaned), m_gone(gone), m_number(number)
+    {}
+    ~Witness() override { m_gone.push_back(m_number); }
+    void orphanObject() override
+    {
+        m_orphaned.push_back(m_number);
+        QOBBasicEntity::orphanObject();
+    }
+
+private:
+    std::vector<int>& m_orphaned;
+    std::vector<int>& m_gone;
+    int m_number;
+};
+
+TEST(BasicWorld, OrphansAllOfAFamilyBeforeItLetsThemGoFirstToLast)
+{
+    for (const int count : {1, 6, 7, 8, 100}) {
+        std::vector<int> orphaned;
+        std::vector<int> gone;
+        auto world = QOBBasicWorld::create(L"world");
+        for (int number = 0; number < count; ++number) {
+            const QOBSharedHandle<Witness> child(new Witness(orphaned, gone, number));
+            world->addLogicalChild(child);
+            // An orphan leaves a free place among its siblings.
+            if (number % 5 == 2)
+                child->orphanObject();
+        }
+        const std::size_t before = orphaned.size();
+        EXPECT_EQ(gone.size(), before);
+        orphaned.clear();
+        gone.clear();
+        world.detach();
+        EXPECT_EQ(orphaned.size(), static_cast<std::size_t>(count) - before);
+        EXPECT_TRUE(std::is_sorted(orphaned.begin(), orphaned.end())) << count;
+        EXPECT_EQ(gone, orphaned) << count;
+    }
+}
+
+TEST(BasicEntity, LetsItsChildrenGoFirstToLastWithoutOrphaningThem)
+{
+    std::vector<int> orphaned;
+    std::vector<int> gone;
+    auto parent = makeItem();
+    for (int number = 0; number < 50; ++number)
+        parent->addLogicalChild(QOBSharedHandle<Witness>(new Witness(orphaned, gone, number)));
+    parent.detach();
+    EXPECT_TRUE(orphaned.empty());
+    EXPECT_EQ(gone.size(), 50U);
+    EXPECT_TRUE(std::is_sorted(gone.begin(), gone.end()));
 }
 
 // An entity that takes another one along in its teardown.
