@@ -1,0 +1,61 @@
+#include "KARSmallMemory.h"
+
+#include "KARMemoryPool.h"
+
+#include <new>
+
+// A sanitizer watches the pieces of memory that come from the heap, and sees nothing inside of
+// them.
+#if defined(__has_feature)
+#    if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer) ||                     \
+        __has_feature(memory_sanitizer)
+#        define KAR_HAS_SANITIZER 1
+#    endif
+#elif defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#    define KAR_HAS_SANITIZER 1
+#endif
+
+namespace kar {
+
+#if defined(KAR_HAS_SANITIZER)
+
+void* AllocateSmall(std::size_t bytes)
+{
+    return ::operator new(bytes);
+}
+
+void FreeSmall(void* memory, std::size_t) noexcept
+{
+    ::operator delete(memory);
+}
+
+#else
+
+namespace {
+
+// The process's pool, there before and after all objects with static storage: these may hold what
+// comes from it.
+union Pool {
+    constexpr Pool() : pool() {}
+    ~Pool() {} // leaves the pool as it is
+
+    MemoryPool pool;
+};
+constinit Pool s_process;
+
+} // namespace
+
+void* AllocateSmall(std::size_t bytes)
+{
+    return s_process.pool.Allocate(bytes);
+}
+
+void FreeSmall(void* memory, std::size_t bytes) noexcept
+{
+    if (memory != nullptr)
+        s_process.pool.Free(memory, bytes);
+}
+
+#endif
+
+} // namespace kar
