@@ -56,6 +56,7 @@ private:
     };
 
     // These are inline where they are used, in one source.
+    static inline std::size_t BlockSize(std::size_t capacity) noexcept;
     static inline QOBSharedBase* Slots(Block* block) noexcept;
     static inline std::size_t SlotCount(const Block* block) noexcept;
     inline QOBSharedBase* Slots() const noexcept;

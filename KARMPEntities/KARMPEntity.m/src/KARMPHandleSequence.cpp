@@ -1,5 +1,8 @@
 #include "KARMPHandleSequence.h"
 
+#include "KARPrefetch.h"
+#include "KARSmallMemory.h"
+
 #include <algorithm>
 #include <bit>
 #include <limits>
@@ -14,6 +17,21 @@ namespace {
 constexpr std::size_t LongestScanned = 48;
 // The slots that fill a small piece of memory together with what stands before them.
 constexpr std::size_t FirstCapacity = 3;
+// Most of a model's many lists stay in a piece of memory of this size; few grow on.
+constexpr std::size_t LargestOfMany = 64;
+
+void* allocateBlock(std::size_t bytes)
+{
+    return bytes <= LargestOfMany ? kar::AllocateSmall(bytes) : ::operator new(bytes);
+}
+
+void freeBlock(void* block, std::size_t bytes) noexcept
+{
+    if (bytes <= LargestOfMany)
+        kar::FreeSmall(block, bytes);
+    else
+        ::operator delete(block);
+}
 
 // Makes the next entry at the end cost no memory.
 template <class T>
@@ -161,6 +179,11 @@ struct KARMPHandleSequence::Index
     }
 };
 
+inline std::size_t KARMPHandleSequence::BlockSize(std::size_t capacity) noexcept
+{
+    return sizeof(Block) + capacity * sizeof(QOBSharedBase);
+}
+
 inline QOBSharedBase* KARMPHandleSequence::Slots(Block* block) noexcept
 {
     return reinterpret_cast<QOBSharedBase*>(block + 1);
@@ -210,10 +233,17 @@ inline void KARMPHandleSequence::MakeRoom()
 
 void KARMPHandleSequence::End::operator()(Block* block) const noexcept
 {
-    std::destroy_n(Slots(block), SlotCount(block));
+    const std::size_t count = SlotCount(block);
+    for (std::size_t slot = 0; slot < count; ++slot) {
+        if (slot + kar::PrefetchDistance < count)
+            kar::Prefetch(Slots(block)[slot + kar::PrefetchDistance]._getReferent(),
+                          kar::PrefetchedBytes);
+        std::destroy_at(Slots(block) + slot);
+    }
     delete block->index;
+    const std::size_t capacity = block->capacity;
     block->~Block();
-    ::operator delete(block);
+    freeBlock(block, BlockSize(capacity));
 }
 
 KARMPHandleSequence::KARMPHandleSequence(const KARMPHandleSequence& source)
@@ -323,7 +353,7 @@ void KARMPHandleSequence::Reserve(std::size_t capacity)
     if (capacity > std::numeric_limits<std::uint32_t>::max() / 4)
         throw std::length_error("KARMP handle sequence: too many entries");
     static_assert(sizeof(Block) % alignof(QOBSharedBase) == 0);
-    void* const memory = ::operator new(sizeof(Block) + capacity * sizeof(QOBSharedBase));
+    void* const memory = allocateBlock(BlockSize(capacity));
     auto* const block = ::new (memory) Block{nullptr, 0, static_cast<std::uint32_t>(capacity)};
     if (m_block != nullptr) {
         std::uninitialized_move_n(Slots(), SlotCount(), Slots(block));

@@ -126,6 +126,32 @@ TEST(HandleSequence, ReleasesWhatItDrops)
     EXPECT_EQ(entities[12]->getReferenceCount(), 1U);
 }
 
+// Notes its number when it goes.
+class Mortal : public QOBSharedObject
+{
+public:
+    Mortal(std::vector<int>& gone, int number) : m_gone(gone), m_number(number) {}
+    ~Mortal() override { m_gone.push_back(m_number); }
+
+private:
+    std::vector<int>& m_gone;
+    int m_number;
+};
+
+TEST(HandleSequence, FreesItsReferentsFirstToLastHoweverManyThereAre)
+{
+    for (const int count : {1, 2, 6, 7, 8, 60, 1'000}) {
+        std::vector<int> gone;
+        KARMPHandleSequence sequence;
+        for (int number = 0; number < count; ++number)
+            sequence.Append(QOBSharedBase(new Mortal(gone, number)));
+        sequence.Take(0);
+        sequence.Clear();
+        ASSERT_EQ(gone.size(), static_cast<std::size_t>(count));
+        EXPECT_TRUE(std::is_sorted(gone.begin(), gone.end())) << count;
+    }
+}
+
 TEST(HandleSequence, EmptiesALongListFromEitherEndInLinearTime)
 {
     const Entities entities = makeEntities(200'000);

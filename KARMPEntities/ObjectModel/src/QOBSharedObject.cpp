@@ -1,5 +1,6 @@
 #include "QOBSharedObject.h"
 
+#include "KARSmallMemory.h"
 #include "QOBExtension.h"
 
 #include <new>
@@ -27,12 +28,12 @@ bool append(ObjectList& list, const QOBCountedObject* object) noexcept
 
 void* QOBDynamicObject::operator new(std::size_t size)
 {
-    return ::operator new(size);
+    return kar::AllocateSmall(size);
 }
 
-void QOBDynamicObject::operator delete(void* memory, std::size_t) noexcept
+void QOBDynamicObject::operator delete(void* memory, std::size_t size) noexcept
 {
-    ::operator delete(memory);
+    kar::FreeSmall(memory, size);
 }
 
 void QOBDynamicObject::operator delete[](void* memory, std::size_t) noexcept

@@ -4,8 +4,13 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <stdexcept>
 #include <string>
 #include <thread>
+#include <utility>
 
 class NeverDefined;
 
@@ -228,6 +233,60 @@ TEST(DynamicObject, WithoutOperationsIsNeitherReplicatedNorDuplicated)
     EXPECT_EQ(link->duplicateObject(QOBDynamicObject::CopyDefault), nullptr);
     EXPECT_EQ(link->getClassID().getText(), "");
     EXPECT_EQ(link->getClassName(), "QOBSharedObject");
+}
+
+// An object of some size, which may fail to be made.
+template <std::size_t Size>
+class Sized : public Link
+{
+public:
+    explicit Sized(bool fails = false) : m_content{}
+    {
+        if (fails)
+            throw std::runtime_error("not made");
+    }
+
+private:
+    std::array<char, Size> m_content;
+};
+
+template <std::size_t Size>
+void makeAndFree()
+{
+    const int before = Link::s_living;
+    EXPECT_THROW(new Sized<Size>(true), std::runtime_error);
+    QOBSharedHandle<Link> head;
+    for (int count = 0; count < 200; ++count) {
+        const QOBSharedHandle<Link> link(new Sized<Size>);
+        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(link.get()) % alignof(std::max_align_t), 0U);
+        link->next = std::move(head);
+        head = link;
+    }
+    std::thread([&head] { head.detach(); }).join();
+    EXPECT_EQ(Link::s_living, before);
+}
+
+TEST(DynamicObject, MayHaveAnySizeAndBeFreedInAnotherThread)
+{
+    makeAndFree<1>();
+    makeAndFree<100>();
+    makeAndFree<1'000>();
+    makeAndFree<10'000>();
+}
+
+TEST(DynamicObject, ComesFromAHeapThatIsSeldomAsked)
+{
+    if (!AllocationCounter::Counts)
+        GTEST_SKIP() << "this build cannot count allocations";
+    const AllocationCounter allocations;
+    const QOBSharedHandle<Link> head = chainOf(1'000);
+    // A sanitizer wants to see each of them.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    EXPECT_EQ(allocations.Count(), 1'000U);
+#else
+    EXPECT_GT(allocations.Count(), 0U);
+    EXPECT_LT(allocations.Count(), 50U);
+#endif
 }
 
 } // namespace
