@@ -89,10 +89,19 @@ struct KARMPHandleSequence::Index
         return slot;
     }
 
+    // Each piece of memory has a run of places, somewhere, and its objects have their places within
+    // it: so what was made one after the other is found side by side. Objects smaller than 64 bytes
+    // would share places, but entities are larger.
+    static constexpr unsigned RunBits = 12;
+    static constexpr unsigned ObjectBits = 6;
+    static constexpr std::size_t RunSize = std::size_t{1} << RunBits;
     std::size_t Home(const QOBSharedObject* object) const
     {
-        const std::uint64_t hash = reinterpret_cast<std::uintptr_t>(object) * 0x9E3779B97F4A7C15U;
-        return static_cast<std::size_t>(hash >> 32U) & (places.size() - 1);
+        const auto address = reinterpret_cast<std::uintptr_t>(object);
+        const std::uint64_t run = (address >> RunBits) * 0x9E3779B97F4A7C15U >> 32U;
+        return static_cast<std::size_t>((run << (RunBits - ObjectBits)) +
+                                        (address % RunSize >> ObjectBits)) &
+               (places.size() - 1);
     }
     std::size_t Next(std::size_t place) const { return (place + 1) & (places.size() - 1); }
     // The place of a referent, or the free one that it would get.
