@@ -15,8 +15,8 @@ namespace {
 
 // Up to here a scan of the handles beats the upkeep of an index.
 constexpr std::size_t LongestScanned = 48;
-// The slots that fill a small piece of memory together with what stands before them.
-constexpr std::size_t FirstCapacity = 3;
+// The slots at first: few lists of a joint or of a geometry between two joints need more.
+constexpr std::size_t FirstCapacity = 4;
 // Most of a model's many lists stay in a piece of memory of this size; few grow on.
 constexpr std::size_t LargestOfMany = 64;
 
@@ -237,7 +237,7 @@ inline void KARMPHandleSequence::MakeRoom()
     if (m_block == nullptr)
         Reserve(FirstCapacity);
     else if (SlotCount() == m_block->capacity)
-        Reserve(2 * SlotCount() + 1);
+        Reserve(2 * SlotCount());
 }
 
 void KARMPHandleSequence::End::operator()(Block* block) const noexcept
