@@ -15,6 +15,7 @@
 #include <sstream>
 #include <string>
 
+#include <malloc.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -148,6 +149,30 @@ double secondsOf(Work work)
     return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
+/// Gives the heap's free memory back, so that what is measured next takes its memory from the
+/// system as in a process that does nothing else: no part lives on what the one before it freed.
+void giveFreeMemoryBack()
+{
+    ::malloc_trim(0);
+}
+
+/// Lets the heap keep what is freed, for as long as it lives.
+class HeapThatKeeps
+{
+public:
+    HeapThatKeeps() { Set(0, -1); }
+    ~HeapThatKeeps() { Set(65536, 128 * 1024); }
+    HeapThatKeeps(const HeapThatKeeps&) = delete;
+    HeapThatKeeps& operator=(const HeapThatKeeps&) = delete;
+
+private:
+    static void Set(int mappings, int trimThreshold)
+    {
+        ::mallopt(M_MMAP_MAX, mappings);
+        ::mallopt(M_TRIM_THRESHOLD, trimThreshold);
+    }
+};
+
 /// Turns the rows' time per iteration into time per entity.
 class PerEntity
 {
@@ -175,6 +200,9 @@ void Build(benchmark::State& state, Content content)
     const PerEntity perEntity(state, content);
     const std::size_t before = HeapCounter::Bytes();
     for (auto _ : state) {
+        state.PauseTiming();
+        giveFreeMemoryBack();
+        state.ResumeTiming();
         auto world = build(state.range(0), content);
         state.PauseTiming();
         world.detach();
@@ -190,6 +218,7 @@ void Teardown(benchmark::State& state, Content content)
     const PerEntity perEntity(state, content);
     for (auto _ : state) {
         state.PauseTiming();
+        giveFreeMemoryBack();
         auto world = build(state.range(0), content);
         state.ResumeTiming();
         world.detach();
@@ -206,8 +235,13 @@ void Save(benchmark::State& state, Content content)
     const PerEntity perEntity(state, content);
     for (auto _ : state) {
         std::string text;
+        state.PauseTiming();
+        giveFreeMemoryBack();
+        state.ResumeTiming();
         time += secondsOf([&] { SaveText(world, text); });
         state.PauseTiming();
+        text = std::string();
+        giveFreeMemoryBack();
         bareTime += secondsOf([&] {
             std::ostringstream stream;
             bare.save(stream, " ", pugi::format_indent);
@@ -218,7 +252,9 @@ void Save(benchmark::State& state, Content content)
     state.counters["ratio_to_bare"] = time / bareTime;
 }
 
-void Load(benchmark::State& state, Content content)
+/// Loads and parses by turns; `prepare` is called before each.
+template <class Prepare>
+void loadAndParse(benchmark::State& state, Content content, Prepare prepare)
 {
     const std::string& text = documentOf(state.range(0), content);
     karmp::documents::LoadOptions options;
@@ -228,11 +264,15 @@ void Load(benchmark::State& state, Content content)
     const PerEntity perEntity(state, content);
     for (auto _ : state) {
         karmp::documents::LoadResult result;
+        state.PauseTiming();
+        prepare();
+        state.ResumeTiming();
         time += secondsOf([&] { result = LoadText(text, "bench", options); });
         state.PauseTiming();
         if (!result.world || !result.diagnostics.items.empty())
             state.SkipWithError("the document does not load cleanly");
         result.world.detach();
+        prepare();
         bareTime += secondsOf([&] {
             pugi::xml_document bare;
             benchmark::DoNotOptimize(bare.load_string(text.c_str()));
@@ -241,6 +281,21 @@ void Load(benchmark::State& state, Content content)
     }
     state.counters["ratio_to_bare"] = time / bareTime;
     state.counters["text_bytes"] = static_cast<double>(text.size());
+}
+
+void Load(benchmark::State& state, Content content)
+{
+    loadAndParse(state, content, giveFreeMemoryBack);
+}
+
+/// The same in a process that loaded the document before and kept the memory.
+void LoadAgain(benchmark::State& state, Content content)
+{
+    const HeapThatKeeps heap;
+    karmp::documents::LoadOptions options;
+    options.check = false;
+    LoadText(documentOf(state.range(0), content), "bench", options).world.detach();
+    loadAndParse(state, content, [] {});
 }
 
 /// The most memory that this process has held, in bytes.
@@ -323,6 +378,8 @@ BENCHMARK_CAPTURE(Save, Joints, Content::Joints)->SIZES;
 BENCHMARK_CAPTURE(Load, Joints, Content::Joints)->SIZES;
 BENCHMARK_CAPTURE(Teardown, Joints, Content::Joints)->SIZES;
 BENCHMARK_CAPTURE(LoadPeak, Joints, Content::Joints)->Arg(100'000)->Iterations(1);
+BENCHMARK_CAPTURE(LoadAgain, Bodies, Content::Bodies)->SIZES;
+BENCHMARK_CAPTURE(LoadAgain, Joints, Content::Joints)->SIZES;
 BENCHMARK(Hub)->Arg(1'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
 
 } // namespace
