@@ -52,22 +52,24 @@ private:
     friend class karmp::documents::Document;
     friend class karmp::documents::DocumentChecker;
     friend class karmp::documents::DocumentSource;
-    KARMPDocumentReader(std::uint32_t number, unsigned depth,
+    KARMPDocumentReader(const karmp::documents::ElementRecord& record, unsigned depth,
                         karmp::documents::DocumentSource& source, karmp::NodeMemory& memory);
+    static KARMPDocumentReader* Make(const karmp::documents::ElementRecord& record, unsigned depth,
+                                     karmp::documents::DocumentSource& source,
+                                     karmp::NodeMemory& memory);
     void MakeAttributes() override;
     void MakeContent() override;
     void MakeText(karmp::NodeMemory& memory);
     bool FindUnmade(std::wstring_view name, karmp::AsciiText& value) const override;
     void Begin() noexcept;
-    std::uint8_t PartsMadeLater() const noexcept;
+    static std::uint8_t PartsMadeLater(const karmp::documents::ElementRecord& record) noexcept;
     karmp::NodeMemory& ContentMemory() const;
-    const karmp::documents::ElementRecord& Record() const;
+    std::uint32_t Number() const;
     karmp::documents::SourcePlace Place() const;
 
     /// Elements above this one, as far as it matters.
     std::uint8_t m_depth;
-    /// Of its record.
-    std::uint32_t m_number;
+    const karmp::documents::ElementRecord& m_record;
     karmp::documents::DocumentSource& m_source;
 };
 

@@ -458,7 +458,7 @@ void DocumentChecker::CheckReference(const Node& node, const Item* item)
              L"id");
         const bool lasts =
             m_frames.size() <= EntityDepth || !node.m_source.IsRead(*m_frames[EntityDepth].node);
-        m_wrongReferences.push_back({node.m_number, lasts ? &node : nullptr});
+        m_wrongReferences.push_back({node.Number(), lasts ? &node : nullptr});
     } else if (item != nullptr) {
         CheckCounterpart(node, *target);
     }

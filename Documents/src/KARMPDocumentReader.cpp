@@ -69,42 +69,48 @@ std::size_t KARMPDocumentReader::Column() const
 
 SourcePlace KARMPDocumentReader::Place() const
 {
-    return m_source.Lines().Find(Record().place);
+    return m_source.Lines().Find(m_record.place);
 }
 
 void KARMPDocumentReader::operator delete(void* /*memory*/) {}
 
-KARMPDocumentReader::KARMPDocumentReader(std::uint32_t number, unsigned depth,
-                                         DocumentSource& source, karmp::NodeMemory& memory)
-    : KARMPDeserializer(source.Records().names[source.Records().elements[number].name],
-                        source.Version(), memory),
+std::uint32_t KARMPDocumentReader::Number() const
+{
+    return static_cast<std::uint32_t>(&m_record - m_source.Records().elements.data());
+}
+
+// The next record tells where the attributes end.
+inline std::uint8_t KARMPDocumentReader::PartsMadeLater(const ElementRecord& record) noexcept
+{
+    unsigned later = (&record)[1].attributes != record.attributes ? AttributesLater : NothingLater;
+    later |= record.Kind() != TextKind::Plain ? ContentLater : NothingLater;
+    return static_cast<std::uint8_t>(later);
+}
+
+// The text of an element without children is nearly always the bytes themselves.
+inline void KARMPDocumentReader::Begin() noexcept
+{
+    if (m_record.Kind() == TextKind::Plain) {
+        PlaceValue(karmp::AsciiText{m_source.At(m_record.text)});
+    }
+    MakeLater(PartsMadeLater(m_record));
+}
+
+inline KARMPDocumentReader::KARMPDocumentReader(const ElementRecord& record, unsigned depth,
+                                                DocumentSource& source, karmp::NodeMemory& memory)
+    : KARMPDeserializer(source.Records().names[record.name], source.Version(), memory),
       m_depth(static_cast<std::uint8_t>(std::min(depth, EntityDepth + 1))),
-      m_number(number),
+      m_record(record),
       m_source(source)
 {
     Begin();
 }
 
-const karmp::documents::ElementRecord& KARMPDocumentReader::Record() const
+KARMPDocumentReader* KARMPDocumentReader::Make(const ElementRecord& record, unsigned depth,
+                                               DocumentSource& source, karmp::NodeMemory& memory)
 {
-    return m_source.Records().elements[m_number];
-}
-
-// The text of an element without children is nearly always the bytes themselves.
-void KARMPDocumentReader::Begin() noexcept
-{
-    if (Record().Kind() == TextKind::Plain) {
-        PlaceValue(karmp::AsciiText{m_source.At(Record().text)});
-    }
-    MakeLater(PartsMadeLater());
-}
-
-std::uint8_t KARMPDocumentReader::PartsMadeLater() const noexcept
-{
-    const ElementRecord* const record = &Record();
-    unsigned later = record[0].attributes != record[1].attributes ? AttributesLater : NothingLater;
-    later |= record->Kind() != TextKind::Plain ? ContentLater : NothingLater;
-    return static_cast<std::uint8_t>(later);
+    return ::new (memory.Allocate(sizeof(KARMPDocumentReader)))
+        KARMPDocumentReader(record, depth, source, memory);
 }
 
 karmp::NodeMemory& KARMPDocumentReader::ContentMemory() const
@@ -115,32 +121,31 @@ karmp::NodeMemory& KARMPDocumentReader::ContentMemory() const
 // What is made already belongs to whoever asked for it.
 void KARMPDocumentReader::BeginReading() const noexcept
 {
-    if (m_depth == EntityDepth && Unmade() == PartsMadeLater()) {
+    if (m_source.IsRead(*this) ||
+        (m_depth == EntityDepth && Unmade() == PartsMadeLater(m_record))) {
         m_source.BeginReading(*this);
     }
 }
 
 void KARMPDocumentReader::EndReading() const noexcept
 {
-    if (m_source.IsRead(*this)) {
+    if (m_source.IsRead(*this) && m_source.EndReading()) {
         auto& node = const_cast<KARMPDocumentReader&>(*this); // no node is made as a constant
         node.Forget();
         node.Begin();
-        m_source.EndReading();
     }
 }
 
 // The last attribute of a name counts.
 bool KARMPDocumentReader::FindUnmade(std::wstring_view name, karmp::AsciiText& value) const
 {
-    if (m_source.IsDropped(m_number)) {
+    if (m_source.IsDropped(Number())) {
         return false;
     }
-    const ElementRecord* const record = &Record();
     const DocumentRecords& records = m_source.Records();
-    for (std::uint32_t place = record[1].attributes; place != record->attributes;) {
+    for (std::uint32_t place = (&m_record)[1].attributes; place != m_record.attributes;) {
         const AttributeRecord& attribute = records.attributes[--place];
-        if (records.names[attribute.name].View() == name) {
+        if (karmp::SameName(records.names[attribute.name].View(), name)) {
             value.characters = m_source.At(attribute.value);
             return attribute.isPlain != 0;
         }
@@ -152,12 +157,11 @@ bool KARMPDocumentReader::FindUnmade(std::wstring_view name, karmp::AsciiText& v
 void KARMPDocumentReader::MakeAttributes()
 {
     karmp::NodeMemory& memory = ContentMemory();
-    const ElementRecord* const record = &Record();
     const DocumentRecords& records = m_source.Records();
     std::vector<Attribute>& attributes = m_source.ToCollect().attributes;
     std::wstring& text = m_source.ToCollect().text;
     attributes.clear();
-    for (std::uint32_t place = record->attributes; place != record[1].attributes; ++place) {
+    for (std::uint32_t place = m_record.attributes; place != (&m_record)[1].attributes; ++place) {
         const AttributeRecord& attribute = records.attributes[place];
         const char* const value = m_source.At(attribute.value);
         if (attribute.isPlain != 0) {
@@ -170,7 +174,7 @@ void KARMPDocumentReader::MakeAttributes()
         }
     }
     PlaceAttributes(attributes, memory);
-    if (m_source.IsDropped(m_number)) {
+    if (m_source.IsDropped(Number())) {
         const Attribute identifier[] = {{karmp::NodeText::Name(L"id", memory),
                                          karmp::NodeText::Copy(m_source.Unused(), memory)}};
         PlaceAttributes(identifier, memory);
@@ -180,14 +184,14 @@ void KARMPDocumentReader::MakeAttributes()
 void KARMPDocumentReader::MakeContent()
 {
     karmp::NodeMemory& memory = ContentMemory();
-    const DocumentRecords& records = m_source.Records();
-    const ElementRecord& record = Record();
+    const ElementRecord* const records = m_source.Records().elements.data();
     std::vector<KARMPDeserializer*>& children = m_source.ToCollect().children;
     children.clear();
-    for (std::uint32_t child = m_number + 1; child != record.behind;
-         child = records.elements[child].behind) {
+    const ElementRecord* const behind = records + m_record.behind;
+    for (const ElementRecord* child = &m_record + 1; child != behind;
+         child = records + child->behind) {
         children.push_back(::new (memory.Allocate(sizeof(KARMPDocumentReader)))
-                               KARMPDocumentReader(child, m_depth + 1U, m_source, memory));
+                               KARMPDocumentReader(*child, m_depth + 1U, m_source, memory));
     }
     MakeText(memory);
     PlaceElements(children, memory);
@@ -196,13 +200,13 @@ void KARMPDocumentReader::MakeContent()
 // Where there are elements as well, literal blanks at the ends of a piece are indentation.
 void KARMPDocumentReader::MakeText(karmp::NodeMemory& memory)
 {
-    const ElementRecord& record = Record();
+    const ElementRecord& record = m_record;
     if (record.Kind() == TextKind::None) {
         return;
     }
     std::wstring& text = m_source.ToCollect().text;
     text.clear();
-    const bool hasElements = record.behind != m_number + 1;
+    const bool hasElements = record.behind != Number() + 1;
     bool hasText = !hasElements;
     if (record.Kind() == TextKind::Raw) {
         AppendDecoded(text, m_source.At(record.text), TextPlace::Element);

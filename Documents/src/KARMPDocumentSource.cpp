@@ -1,7 +1,6 @@
 #include "KARMPDocumentSource.h"
 
 #include <algorithm>
-#include <new>
 #include <utility>
 
 namespace karmp::documents {
@@ -10,6 +9,7 @@ void DocumentSource::Drop() noexcept
 {
     m_readMemory.Clear();
     m_read = nullptr;
+    m_readings = 0;
     Clear();
     m_records = DocumentRecords();
     m_text = std::string();
@@ -18,13 +18,17 @@ void DocumentSource::Drop() noexcept
 KARMPDocumentReader* DocumentSource::MakeRoot(std::wstring_view version)
 {
     m_version = NodeText::Name(version, *this);
-    return ::new (Allocate(sizeof(KARMPDocumentReader))) KARMPDocumentReader(0, 0, *this, *this);
+    return KARMPDocumentReader::Make(m_records.elements.front(), 0, *this, *this);
 }
 
-void DocumentSource::EndReading() noexcept
+bool DocumentSource::EndReading() noexcept
 {
+    if (--m_readings != 0) {
+        return false;
+    }
     m_read = nullptr;
     m_readMemory.Reuse();
+    return true;
 }
 
 void DocumentSource::DropReferences(std::vector<std::uint32_t> numbers, std::wstring unused)
@@ -32,11 +36,6 @@ void DocumentSource::DropReferences(std::vector<std::uint32_t> numbers, std::wst
     m_dropped = std::move(numbers);
     std::sort(m_dropped.begin(), m_dropped.end());
     m_unused = std::move(unused);
-}
-
-bool DocumentSource::IsDropped(std::uint32_t number) const
-{
-    return !m_dropped.empty() && std::binary_search(m_dropped.begin(), m_dropped.end(), number);
 }
 
 } // namespace karmp::documents

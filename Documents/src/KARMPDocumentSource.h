@@ -8,6 +8,7 @@
 #include "KARMPSourceText.h"
 #include "KARMPTextEscapes.h"
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -34,13 +35,15 @@ public:
     /// The bytes at a place, up to a null.
     const char* At(Offset offset) const { return offset != NoOffset ? m_text.data() + offset : ""; }
 
-    /// Begins and ends the reading of an entity's node, of one at a time: another one that begins
-    /// meanwhile keeps what is made of it.
+    /// Begins the reading of an entity's node, of one at a time: another one that begins meanwhile
+    /// keeps what is made of it.
     void BeginReading(const KARMPDocumentReader& entity) noexcept
     {
         m_read = m_read == nullptr ? &entity : m_read;
+        m_readings += m_read == &entity ? 1U : 0U;
     }
-    void EndReading() noexcept;
+    /// Ends the reading that began last. True when none is left, so that what was made is gone.
+    bool EndReading() noexcept;
     bool IsRead(const KARMPDocumentReader& entity) const noexcept { return m_read == &entity; }
     /// The memory for what is made of the entity that is read.
     NodeMemory& ReadMemory() { return m_readMemory; }
@@ -48,7 +51,10 @@ public:
     /// Gives the elements of these numbers an identifier that nobody carries when their attributes
     /// are made.
     void DropReferences(std::vector<std::uint32_t> numbers, std::wstring unused);
-    bool IsDropped(std::uint32_t number) const;
+    bool IsDropped(std::uint32_t number) const
+    {
+        return !m_dropped.empty() && std::binary_search(m_dropped.begin(), m_dropped.end(), number);
+    }
     const std::wstring& Unused() const { return m_unused; }
 
     /// What a node collects while it is made.
@@ -67,6 +73,7 @@ private:
     NodeText m_version;
     NodeMemory m_readMemory;
     const KARMPDocumentReader* m_read = nullptr;
+    unsigned m_readings = 0;
     std::vector<std::uint32_t> m_dropped;
     std::wstring m_unused;
     Collected m_collected;

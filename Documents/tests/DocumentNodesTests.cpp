@@ -98,6 +98,19 @@ TEST_F(DocumentNodes, WhatWasMadeBeforeTheReadingStays)
     EXPECT_EQ(Value(Child(b, L"C")), L"two");
 }
 
+TEST_F(DocumentNodes, AnEntityEndsWithTheOuterOfTwoReadings)
+{
+    const KARMPReadingPlace outer(m_first);
+    const Node a = Child(m_first, L"A");
+    {
+        const KARMPReadingPlace inner(m_first);
+        EXPECT_EQ(Child(m_first, L"A"), a);
+    }
+    Child(m_second, L"A");
+    EXPECT_EQ(Child(m_first, L"A"), a);
+    EXPECT_EQ(Value(a), L"1");
+}
+
 TEST_F(DocumentNodes, OnlyTheEntityThatIsReadFirstEnds)
 {
     Node inner = nullptr;

@@ -10,6 +10,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <new>
 #include <stdexcept>
@@ -116,6 +117,27 @@ private:
 
     std::uintptr_t m_bits = 0;
 };
+
+/// True when two names are equal. They are short: two characters at a time are compared sooner than
+/// by a call.
+inline bool SameName(std::wstring_view left, std::wstring_view right)
+{
+    if (left.size() != right.size()) {
+        return false;
+    }
+    using Pair = std::array<wchar_t, 2>;
+    std::size_t place = 0;
+    for (; place + 1 < left.size(); place += 2) {
+        Pair leftPair;
+        Pair rightPair;
+        std::memcpy(leftPair.data(), left.data() + place, sizeof(Pair));
+        std::memcpy(rightPair.data(), right.data() + place, sizeof(Pair));
+        if (leftPair != rightPair) {
+            return false;
+        }
+    }
+    return place == left.size() || left[place] == right[place];
+}
 
 /// The value of an element or an attribute; the alternatives stand in the order of the type's bits.
 using NodeValue = std::variant<std::monostate, bool, std::int32_t, double, NodeText>;

@@ -11,6 +11,7 @@
 
 using karmp::NodeText;
 using karmp::ReadValue;
+using karmp::SameName;
 
 namespace {
 
@@ -91,26 +92,6 @@ struct NameIndex : Placed
 };
 
 using OwnedIndex = std::unique_ptr<NameIndex, NameIndex::End>;
-
-// Names are short: two characters at a time are compared sooner than by a call.
-bool SameName(std::wstring_view left, std::wstring_view right)
-{
-    if (left.size() != right.size()) {
-        return false;
-    }
-    using Pair = std::array<wchar_t, 2>;
-    std::size_t place = 0;
-    for (; place + 1 < left.size(); place += 2) {
-        Pair leftPair;
-        Pair rightPair;
-        std::memcpy(leftPair.data(), left.data() + place, sizeof(Pair));
-        std::memcpy(rightPair.data(), right.data() + place, sizeof(Pair));
-        if (leftPair != rightPair) {
-            return false;
-        }
-    }
-    return place == left.size() || left[place] == right[place];
-}
 
 // The element of a name, null when there is none.
 template <class T>
@@ -420,7 +401,7 @@ void KARMPDeserializer::Forget() noexcept
 {
     // What it refers to may be gone, so that nothing is destroyed.
     static_cast<void>(m_content.release());
-    m_value = ReadValue();
+    m_value.emplace<std::monostate>();
 }
 
 KARStatus KARMPDeserializer::SetVersion(std::wstring_view version)
