@@ -1,4 +1,5 @@
 // The nodes of a document: made when they are asked for, ended when an entity was read.
+#include "AllocationCounter.h"
 #include "KARMPDocumentReader.h"
 #include "KARMPDocuments.h"
 #include "KARMPEntities.h"
@@ -205,6 +206,68 @@ TEST_F(DocumentNodes, AReferenceOfAWrongClassIsDroppedInNodesMadeBeforeAndAfter)
         again.DropWrongReferences();
         EXPECT_EQ(read->Deserialize(again.Root()), KARSuccess);
     }
+}
+
+TEST_F(DocumentNodes, IdentifiersBeyondAsciiAreFoundByTheCheckAndTheWorld)
+{
+    std::string text;
+    SaveText(KARMPWorld::create(QOBBasicWorld::create(L"World")), text);
+    const std::size_t start = text.find("<Body id=\"") + 10;
+    const std::string identifier = text.substr(start, text.find('"', start) - start);
+    const auto replaced = [&](const std::string& by, std::size_t from) {
+        std::string result = text;
+        for (std::size_t place = result.find(identifier, from); place != std::string::npos;
+             place = result.find(identifier, place + by.size())) {
+            result.replace(place, identifier.size(), by);
+        }
+        return result;
+    };
+    const std::string other = "k\xC3\xB6rper &amp; 1";
+    const LoadResult all = LoadText(replaced(other, 0));
+    EXPECT_TRUE(all.diagnostics.items.empty()) << Format(all.diagnostics.items.front());
+    ASSERT_TRUE(all.world);
+    QOBSharedHandle<KARMPBody> body;
+    all.world->GetGlobalBody(body);
+    EXPECT_TRUE(body);
+    // Here the references in front of the body still name it by its old identifier.
+    const LoadResult some = LoadText(replaced(other, start));
+    EXPECT_NE(some.diagnostics.Find(Code::UnresolvedReference), nullptr);
+    EXPECT_EQ(some.diagnostics.Count(Severity::Error), 1U);
+}
+
+TEST_F(DocumentNodes, ManyEntitiesAreReadInTheMemoryOfOne)
+{
+    if (!AllocationCounter::Counts) {
+        GTEST_SKIP() << "Allocations are not counted in this build";
+    }
+    constexpr std::size_t count = 2000;
+    std::string text = "<KARMPDocument version=\"R2018.1\"><World><Bodies>";
+    for (std::size_t number = 0; number < count; ++number) {
+        text += "<Body id=\"b\"><A><B>1</B><C>2</C><D>3</D></A><E>4</E></Body>";
+    }
+    const Document document = Document::ReadText(text + "</Bodies></World></KARMPDocument>");
+    KARMPDeserializer::ElementList bodies;
+    Child(Child(document.Root(), L"World"), L"Bodies")->GetOrderedElementList(bodies);
+    ASSERT_EQ(bodies.size(), count);
+    {
+        // Two that are read at once leave nothing behind.
+        const KARMPReadingPlace outer(bodies[0]);
+        const KARMPReadingPlace inner(bodies[1]);
+    }
+    AllocationCounter allocations;
+    double sum = 0.0;
+    for (const Node body : bodies) {
+        const KARMPReadingPlace place(body);
+        Node child = nullptr;
+        double value = 0.0;
+        body->GetElement(L"E", child, value);
+        sum += value;
+        body->GetElement(L"A", child);
+        child->GetElement(L"D", child, value);
+        sum += value;
+    }
+    EXPECT_EQ(sum, 7.0 * count);
+    EXPECT_LT(allocations.Bytes(), 50000U);
 }
 
 TEST_F(DocumentNodes, ADocumentMayBeCheckedAndReadMoreThanOnce)
