@@ -4,10 +4,10 @@
 #include "KARMPDeserializer.h"
 #include "KARMPIdentifiers.h"
 
-#include <compare>
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 namespace karmp::documents {
@@ -36,7 +36,10 @@ private:
         std::uint32_t target;
         std::uint32_t kind;
 
-        friend auto operator<=>(const Link&, const Link&) = default;
+        bool operator<(const Link& other) const
+        {
+            return std::tie(owner, target, kind) < std::tie(other.owner, other.target, other.kind);
+        }
     };
 
     std::vector<Link> m_links;

@@ -52,6 +52,7 @@ TEST(RepeatedNames, ManyNamesPushEachOtherOutAndAreFoundAllTheSame)
     karmp::NodeMemory memory;
     RepeatedNames repeated(names, memory);
     std::vector<std::string> texts;
+    texts.reserve(3000);
     for (int number = 0; number < 3000; ++number) {
         texts.push_back("name" + std::to_string(number));
     }
