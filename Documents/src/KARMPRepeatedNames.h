@@ -25,15 +25,16 @@ class RepeatedNames
 public:
     struct Name
     {
-        /// In the list of all names.
+        /// In the list of all names; of no meaning for a name that is too long.
         std::uint32_t number = 0;
         /// In bytes.
         std::size_t size = 0;
     };
 
-    /// Appends names to `names`; what they do not share stands in `memory`.
-    RepeatedNames(std::vector<NodeText>& names, NodeMemory& memory)
-        : m_names(names), m_memory(memory)
+    /// Appends names of up to `longest` bytes to `names`; what they do not share stands in
+    /// `memory`.
+    RepeatedNames(std::vector<NodeText>& names, NodeMemory& memory, std::size_t longest)
+        : m_names(names), m_memory(memory), m_longest(longest)
     {
         m_guesses.fill({&m_nothing, &m_nothing});
     }
@@ -123,6 +124,10 @@ private:
     const Entry& Look(const char* bytes)
     {
         const std::string_view text = bytes;
+        if (text.size() > m_longest) {
+            m_tooLong.name.size = text.size();
+            return m_tooLong;
+        }
         Entry& entry = m_entries[std::hash<std::string_view>()(text) % PlaceCount];
         if (!entry.Is(text)) {
             m_wide.clear();
@@ -135,6 +140,9 @@ private:
 
     std::vector<NodeText>& m_names;
     NodeMemory& m_memory;
+    const std::size_t m_longest;
+    /// These equal nothing.
+    Entry m_tooLong;
     const Entry m_nothing;
     /// Of the numbers of the last four names.
     Word m_history = 0;

@@ -14,7 +14,7 @@ TEST(RepeatedNames, TellNamesOfEveryLengthApart)
 {
     std::vector<karmp::NodeText> names;
     karmp::NodeMemory memory;
-    RepeatedNames repeated(names, memory);
+    RepeatedNames repeated(names, memory, 1000);
     // Each length with a difference at each place, one behind the other up to the end of the bytes.
     std::string bytes;
     std::vector<std::size_t> places;
@@ -50,7 +50,7 @@ TEST(RepeatedNames, ManyNamesPushEachOtherOutAndAreFoundAllTheSame)
 {
     std::vector<karmp::NodeText> names;
     karmp::NodeMemory memory;
-    RepeatedNames repeated(names, memory);
+    RepeatedNames repeated(names, memory, 1000);
     std::vector<std::string> texts;
     texts.reserve(3000);
     for (int number = 0; number < 3000; ++number) {
@@ -64,11 +64,28 @@ TEST(RepeatedNames, ManyNamesPushEachOtherOutAndAreFoundAllTheSame)
     }
 }
 
+TEST(RepeatedNames, ANameThatIsTooLongIsMeasuredAndNotKept)
+{
+    std::vector<karmp::NodeText> names;
+    karmp::NodeMemory memory;
+    RepeatedNames repeated(names, memory, 10);
+    const std::string text = "abcdefghij";
+    const std::string all = text + '\0' + text + "k" + '\0' + '\0' + text + '\0';
+    const char* const end = all.data() + all.size();
+    for (int time = 0; time < 3; ++time) {
+        EXPECT_EQ(repeated.Get(all.data(), end).size, 10U);
+        EXPECT_EQ(repeated.Get(all.data() + 11, end).size, 11U);
+        EXPECT_EQ(repeated.Get(all.data() + 23, end).size, 0U);
+        EXPECT_EQ(repeated.Get(all.data() + 24, end).size, 10U);
+    }
+    EXPECT_EQ(names.size(), 2U);
+}
+
 TEST(RepeatedNames, ARepeatedNameIsKeptOnce)
 {
     std::vector<karmp::NodeText> names;
     karmp::NodeMemory memory;
-    RepeatedNames repeated(names, memory);
+    RepeatedNames repeated(names, memory, 1000);
     const std::string bytes = "Translation";
     for (int time = 0; time < 100; ++time) {
         repeated.Get(bytes.c_str(), bytes.c_str() + bytes.size() + 1);
