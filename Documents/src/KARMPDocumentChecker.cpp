@@ -467,12 +467,12 @@ void DocumentChecker::CheckReference(const Node& node, const Item* item)
 // The reference stands in an entity, or in a list of the entity.
 void DocumentChecker::CheckCounterpart(const Node& node, std::uint32_t target)
 {
-    if (!m_entity || (m_frames.size() != EntityDepth + 1 && m_frames.size() != EntityDepth + 2)) {
+    if (m_frames.size() != EntityDepth + 1 && m_frames.size() != EntityDepth + 2) {
         return;
     }
     const Node& entity = *m_frames[EntityDepth].node;
     const Node& named = m_frames.size() == EntityDepth + 1 ? node : *m_frames.back().node;
-    if (m_links.IsOneSided(*m_entity, ClassOf(entity.Id()).lineage, named.Id(), target)) {
+    if (m_links.IsOneSided(m_entity, ClassOf(entity.Id()).lineage, named.Id(), target)) {
         Tell(Severity::Warning, Code::OneSidedLink, node,
              "the entity " + Quoted(IdentifierOf(node)) + " does not refer back", L"id");
     }

@@ -96,7 +96,7 @@ private:
     std::vector<Identified> m_identified;
     DocumentLinks m_links;
     std::vector<WrongReference> m_wrongReferences;
-    /// The identifier of the entity that is checked.
+    /// The identifier of the entity that is checked, if it has one.
     std::optional<std::uint32_t> m_entity;
     std::vector<Frame> m_frames;
     KARMPDeserializer::ElementList m_pending;

@@ -66,12 +66,15 @@ void DocumentLinks::Sort()
     std::sort(m_links.begin(), m_links.end());
 }
 
-bool DocumentLinks::IsOneSided(std::uint32_t owner, const std::vector<std::string>& lineage,
-                               std::wstring_view element, std::uint32_t target) const
+bool DocumentLinks::IsOneSided(std::optional<std::uint32_t> owner,
+                               const std::vector<std::string>& lineage, std::wstring_view element,
+                               std::uint32_t target) const
 {
     for (std::size_t side = 0; side < std::size(Sides); ++side) {
         if (Sides[side].element == element && isA(lineage, Sides[side].className)) {
-            const Link back{target, owner, static_cast<std::uint32_t>(counterpartOf(side))};
+            if (!owner)
+                return true;
+            const Link back{target, *owner, static_cast<std::uint32_t>(counterpartOf(side))};
             return !std::binary_search(m_links.begin(), m_links.end(), back);
         }
     }

@@ -5,6 +5,7 @@
 #include "KARMPIdentifiers.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -24,8 +25,9 @@ public:
     void Sort();
 
     /// True when the entity of the number `owner` refers to `target` under an element, or as an
-    /// item of a list of that name, and `target` should refer back but does not.
-    bool IsOneSided(std::uint32_t owner, const std::vector<std::string>& lineage,
+    /// item of a list of that name, and `target` should refer back but does not. Nothing can refer
+    /// back to an entity without an identifier.
+    bool IsOneSided(std::optional<std::uint32_t> owner, const std::vector<std::string>& lineage,
                     std::wstring_view element, std::uint32_t target) const;
 
 private:

@@ -46,6 +46,20 @@ TEST(DocumentLinks, WithBothSidesAreNoFinding)
     EXPECT_EQ(countOneSided(CheckText(Linked)), 0U);
 }
 
+TEST(DocumentLinks, OfAnEntityWithoutAnIdentifierHaveNoOtherSide)
+{
+    std::string text = Linked;
+    const std::string entity = "<Variable id=\"V\" name";
+    text.replace(text.find(entity), entity.size(), "<Variable name");
+    const Diagnostics messages = CheckText(text);
+    EXPECT_NE(messages.Find(Code::MissingAttribute), nullptr);
+    EXPECT_NE(messages.Find(Code::UnresolvedReference), nullptr);
+    EXPECT_EQ(countOneSided(messages), 1U);
+    const Diagnostic* found = messages.Find(Code::OneSidedLink);
+    ASSERT_NE(found, nullptr);
+    EXPECT_EQ(found->path, "/KARMPDocument/World/Variables/Variable/Constraints/Constraint/@id");
+}
+
 TEST(DocumentLinks, ThatOneSideLacksAreFoundAtTheOther)
 {
     const struct
