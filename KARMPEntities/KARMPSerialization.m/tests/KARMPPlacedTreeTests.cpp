@@ -1,4 +1,5 @@
 // Trees whose nodes, texts and lists stand in one memory.
+#include "AllocationCounter.h"
 #include "KARMPDeserializer.h"
 #include "KARMPNodeMemory.h"
 #include "KARMPTestFixture.h"
@@ -459,6 +460,43 @@ TEST(PlacedTree, WhatMemoryDidNotSufficeForIsStillToBeMade)
     node.memoryEnds = false;
     EXPECT_TRUE(node.HasElement(L"x"));
     EXPECT_EQ(node.contentMade, 2);
+}
+
+TEST(PlacedTree, ChildrenForWhichMemoryEndsAreNotAdded)
+{
+    if (!AllocationCounter::Counts) {
+        GTEST_SKIP() << "Allocations are not counted in this build";
+    }
+    std::size_t failing = 1;
+    for (bool failed = true; failed; ++failing) {
+        NodeMemory memory;
+        PlacedNode* const root = PlacedNode::Make(memory, L"root");
+        std::vector<KARMPDeserializer*> children;
+        for (int number = 0; number < 400; ++number) {
+            children.push_back(PlacedNode::Make(memory, L"name" + std::to_wstring(number % 100)));
+        }
+        failed = false;
+        {
+            AllocationCounter allocations;
+            allocations.FailAllocation(failing);
+            try {
+                root->AddAll(children);
+            } catch (const std::bad_alloc&) {
+                failed = true;
+            }
+        }
+        KARMPDeserializer::ElementList list;
+        root->GetOrderedElementList(list);
+        EXPECT_EQ(list.size(), failed ? 0U : 400U) << failing;
+        if (failed) {
+            root->AddAll(children);
+        }
+        KARMPDeserializer::ElementIterator begin = nullptr;
+        KARMPDeserializer::ElementIterator end = nullptr;
+        root->GetElements(L"name7", begin, end);
+        EXPECT_EQ(end - begin, 4) << failing;
+    }
+    EXPECT_GT(failing, 10U);
 }
 
 TEST(PlacedTree, NodesMayBeDestroyedBeforeTheirMemory)
