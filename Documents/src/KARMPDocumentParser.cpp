@@ -15,8 +15,6 @@ namespace karmp::documents {
 
 namespace {
 
-constexpr std::string_view Blanks = " \t\r\n";
-
 // No references, line ends or blanks are touched by the parser: they are decoded afterwards, where
 // a literal blank and a reference to one can still be told apart.
 constexpr unsigned ParseFlags = pugi::parse_minimal | pugi::parse_cdata | pugi::parse_doctype |

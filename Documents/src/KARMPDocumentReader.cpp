@@ -12,6 +12,7 @@
 using karmp::documents::AppendDecoded;
 using karmp::documents::AppendDecodedCData;
 using karmp::documents::AttributeRecord;
+using karmp::documents::Blanks;
 using karmp::documents::DocumentRecords;
 using karmp::documents::DocumentSource;
 using karmp::documents::ElementRecord;
@@ -22,8 +23,6 @@ using karmp::documents::TextKind;
 using karmp::documents::TextPlace;
 
 namespace {
-
-constexpr std::string_view Blanks = " \t\r\n";
 
 std::string_view Trimmed(std::string_view text)
 {

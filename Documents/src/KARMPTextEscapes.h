@@ -12,6 +12,9 @@
 
 namespace karmp::documents {
 
+/// What XML counts as blank.
+constexpr std::string_view Blanks = " \t\r\n";
+
 /// Where a text stands.
 enum class TextPlace { Element, Attribute };
 
