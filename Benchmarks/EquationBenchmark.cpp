@@ -22,7 +22,7 @@
 namespace {
 
 /// "0.5*x0 + 0.5*x1 + ... = 0" with a hundred variables.
-std::string sumOf(std::int64_t terms)
+std::string SumOf(std::int64_t terms)
 {
     std::string text;
     for (std::int64_t i = 0; i < terms; ++i)
@@ -32,7 +32,7 @@ std::string sumOf(std::int64_t terms)
 
 void ParseEquation(benchmark::State& state)
 {
-    const std::string text = sumOf(state.range(0));
+    const std::string text = SumOf(state.range(0));
     while (state.KeepRunningBatch(state.range(0))) {
         KARWBModel model;
         KARCDSIntArray ids;
@@ -49,7 +49,7 @@ void PrintEquation(benchmark::State& state)
     KARCDSIntArray ids;
     KARWBParserMessenger messenger;
     KARWBFactory factory;
-    if (KARFailed(KARWBParser::Parse(sumOf(state.range(0)), model, ids, messenger, nullptr)) ||
+    if (KARFailed(KARWBParser::Parse(SumOf(state.range(0)), model, ids, messenger, nullptr)) ||
         KARFailed(model.FillFactory(&factory, ids, 0, nullptr, nullptr)))
         state.SkipWithError("the equation does not parse");
     const KARWBEquation* equation = factory.GetEquationById(ids[0]);
@@ -89,7 +89,7 @@ public:
     }
 };
 
-std::vector<QOBSharedHandle<KARMPVariable>> makeVariables(std::int64_t count)
+std::vector<QOBSharedHandle<KARMPVariable>> MakeVariables(std::int64_t count)
 {
     std::vector<QOBSharedHandle<KARMPVariable>> variables;
     for (std::int64_t i = 0; i < count; ++i) {
@@ -102,7 +102,7 @@ std::vector<QOBSharedHandle<KARMPVariable>> makeVariables(std::int64_t count)
 
 void WriteVariable(benchmark::State& state)
 {
-    const auto variables = makeVariables(state.range(0));
+    const auto variables = MakeVariables(state.range(0));
     const HeapCounter heap(state);
     while (state.KeepRunningBatch(state.range(0))) {
         Writer list;
@@ -112,7 +112,7 @@ void WriteVariable(benchmark::State& state)
 }
 BENCHMARK(WriteVariable)->Arg(1'000)->Arg(100'000);
 
-void fill(Reader& variable)
+void Fill(Reader& variable)
 {
     variable.SetId(L"Variable");
     variable.AddAttributeValue(L"id", L"v1");
@@ -134,14 +134,13 @@ void ReadVariable(benchmark::State& state)
     std::vector<std::unique_ptr<Reader>> nodes;
     for (std::int64_t i = 0; i < state.range(0); ++i) {
         nodes.push_back(std::make_unique<Reader>());
-        fill(*nodes.back());
+        Fill(*nodes.back());
     }
     const KARMPEntityTable entities;
     const HeapCounter heap(state);
-    while (state.KeepRunningBatch(state.range(0))) {
+    while (state.KeepRunningBatch(state.range(0)))
         for (const auto& node : nodes)
             KARMPVariable::create(L"")->Deserialize(node.get(), entities);
-    }
 }
 BENCHMARK(ReadVariable)->Arg(1'000)->Arg(100'000);
 

@@ -28,7 +28,7 @@ using karmp::documents::SaveText;
 /// How much of the mechanism is built.
 enum class Content { Bodies, Joints };
 
-int entitiesPerBody(Content content)
+int EntitiesPerBody(Content content)
 {
     return content == Content::Bodies ? 4 : 7;
 }
@@ -123,7 +123,7 @@ private:
     QOBSharedHandle<KARMPAxisSystem> m_formerAxis;
 };
 
-QOBSharedHandle<KARMPWorld> build(std::int64_t count, Content content)
+QOBSharedHandle<KARMPWorld> Build(std::int64_t count, Content content)
 {
     Builder builder;
     for (int number = 0; number < count; ++number)
@@ -132,17 +132,17 @@ QOBSharedHandle<KARMPWorld> build(std::int64_t count, Content content)
 }
 
 /// Texts are made once for each size.
-const std::string& documentOf(std::int64_t count, Content content)
+const std::string& DocumentOf(std::int64_t count, Content content)
 {
     static std::map<std::pair<std::int64_t, Content>, std::string> texts;
     std::string& text = texts[{count, content}];
     if (text.empty())
-        SaveText(build(count, content), text);
+        SaveText(Build(count, content), text);
     return text;
 }
 
 template <class Work>
-double secondsOf(Work work)
+double SecondsOf(Work work)
 {
     const auto start = Clock::now();
     work();
@@ -151,7 +151,7 @@ double secondsOf(Work work)
 
 /// Gives the heap's free memory back, so that what is measured next takes its memory from the
 /// system as in a process that does nothing else: no part lives on what the one before it freed.
-void giveFreeMemoryBack()
+void GiveFreeMemoryBack()
 {
     ::malloc_trim(0);
 }
@@ -178,7 +178,7 @@ class PerEntity
 {
 public:
     PerEntity(benchmark::State& state, Content content)
-        : m_state(state), m_entities(state.range(0) * entitiesPerBody(content))
+        : m_state(state), m_entities(state.range(0) * EntitiesPerBody(content))
     {}
     ~PerEntity()
     {
@@ -201,16 +201,16 @@ void Build(benchmark::State& state, Content content)
     const std::size_t before = HeapCounter::Bytes();
     for (auto _ : state) {
         state.PauseTiming();
-        giveFreeMemoryBack();
+        GiveFreeMemoryBack();
         state.ResumeTiming();
-        auto world = build(state.range(0), content);
+        auto world = Build(state.range(0), content);
         state.PauseTiming();
         world.detach();
         state.ResumeTiming();
     }
     state.counters["heap_bytes_per_entity"] =
         static_cast<double>(HeapCounter::Bytes() - before) /
-        static_cast<double>(state.iterations() * state.range(0) * entitiesPerBody(content));
+        static_cast<double>(state.iterations() * state.range(0) * EntitiesPerBody(content));
 }
 
 void Teardown(benchmark::State& state, Content content)
@@ -218,8 +218,8 @@ void Teardown(benchmark::State& state, Content content)
     const PerEntity perEntity(state, content);
     for (auto _ : state) {
         state.PauseTiming();
-        giveFreeMemoryBack();
-        auto world = build(state.range(0), content);
+        GiveFreeMemoryBack();
+        auto world = Build(state.range(0), content);
         state.ResumeTiming();
         world.detach();
     }
@@ -227,22 +227,22 @@ void Teardown(benchmark::State& state, Content content)
 
 void Save(benchmark::State& state, Content content)
 {
-    const auto world = build(state.range(0), content);
+    const auto world = Build(state.range(0), content);
     pugi::xml_document bare;
-    bare.load_string(documentOf(state.range(0), content).c_str());
+    bare.load_string(DocumentOf(state.range(0), content).c_str());
     double bareTime = 0.0;
     double time = 0.0;
     const PerEntity perEntity(state, content);
     for (auto _ : state) {
         std::string text;
         state.PauseTiming();
-        giveFreeMemoryBack();
+        GiveFreeMemoryBack();
         state.ResumeTiming();
-        time += secondsOf([&] { SaveText(world, text); });
+        time += SecondsOf([&] { SaveText(world, text); });
         state.PauseTiming();
         text = std::string();
-        giveFreeMemoryBack();
-        bareTime += secondsOf([&] {
+        GiveFreeMemoryBack();
+        bareTime += SecondsOf([&] {
             std::ostringstream stream;
             bare.save(stream, " ", pugi::format_indent);
             benchmark::DoNotOptimize(stream);
@@ -254,9 +254,9 @@ void Save(benchmark::State& state, Content content)
 
 /// Loads and parses by turns; `prepare` is called before each.
 template <class Prepare>
-void loadAndParse(benchmark::State& state, Content content, Prepare prepare)
+void LoadAndParse(benchmark::State& state, Content content, Prepare prepare)
 {
-    const std::string& text = documentOf(state.range(0), content);
+    const std::string& text = DocumentOf(state.range(0), content);
     karmp::documents::LoadOptions options;
     options.check = false;
     double bareTime = 0.0;
@@ -267,13 +267,13 @@ void loadAndParse(benchmark::State& state, Content content, Prepare prepare)
         state.PauseTiming();
         prepare();
         state.ResumeTiming();
-        time += secondsOf([&] { result = LoadText(text, "bench", options); });
+        time += SecondsOf([&] { result = LoadText(text, "bench", options); });
         state.PauseTiming();
         if (!result.world || !result.diagnostics.items.empty())
             state.SkipWithError("the document does not load cleanly");
         result.world.detach();
         prepare();
-        bareTime += secondsOf([&] {
+        bareTime += SecondsOf([&] {
             pugi::xml_document bare;
             benchmark::DoNotOptimize(bare.load_string(text.c_str()));
         });
@@ -285,7 +285,7 @@ void loadAndParse(benchmark::State& state, Content content, Prepare prepare)
 
 void Load(benchmark::State& state, Content content)
 {
-    loadAndParse(state, content, giveFreeMemoryBack);
+    LoadAndParse(state, content, giveFreeMemoryBack);
 }
 
 /// The same in a process that loaded the document before and kept the memory.
@@ -294,19 +294,18 @@ void LoadAgain(benchmark::State& state, Content content)
     const HeapThatKeeps heap;
     karmp::documents::LoadOptions options;
     options.check = false;
-    LoadText(documentOf(state.range(0), content), "bench", options).world.detach();
-    loadAndParse(state, content, [] {});
+    LoadText(DocumentOf(state.range(0), content), "bench", options).world.detach();
+    LoadAndParse(state, content, [] {});
 }
 
 /// The most memory that this process has held, in bytes.
-double peakMemory()
+double PeakMemory()
 {
     std::ifstream status("/proc/self/status");
     std::string line;
-    while (std::getline(status, line)) {
+    while (std::getline(status, line))
         if (line.rfind("VmHWM:", 0) == 0)
             return 1024.0 * std::stod(line.substr(6));
-    }
     return 0.0;
 }
 
@@ -315,8 +314,8 @@ void LoadPeak(benchmark::State& state, Content content)
 {
     const std::string path = "karmp-bench-load.xml";
     const std::string peakPath = path + ".peak";
-    const std::size_t size = documentOf(state.range(0), content).size();
-    std::ofstream(path, std::ios::binary) << documentOf(state.range(0), content);
+    const std::size_t size = DocumentOf(state.range(0), content).size();
+    std::ofstream(path, std::ios::binary) << DocumentOf(state.range(0), content);
     double peak = 0.0;
     for (auto _ : state) {
         const pid_t child = ::fork();
@@ -341,7 +340,7 @@ void Hub(benchmark::State& state)
     for (auto _ : state) {
         const auto basicWorld = QOBBasicWorld::create(L"Hub");
         auto world = KARMPWorld::create(basicWorld);
-        time[0] += secondsOf([&] {
+        time[0] += SecondsOf([&] {
             const auto hub = KARMPBody::create(L"Hub");
             basicWorld->addLogicalChild(hub);
             world->Add<KARMPBody>(hub);
@@ -354,12 +353,12 @@ void Hub(benchmark::State& state)
             }
         });
         std::string text;
-        time[1] += secondsOf([&] { SaveText(world, text); });
+        time[1] += SecondsOf([&] { SaveText(world, text); });
         karmp::documents::LoadOptions options;
         options.check = false;
         karmp::documents::LoadResult result;
-        time[2] += secondsOf([&] { result = LoadText(std::move(text), "hub", options); });
-        time[3] += secondsOf([&] { result.world.detach(); });
+        time[2] += SecondsOf([&] { result = LoadText(std::move(text), "hub", options); });
+        time[3] += SecondsOf([&] { result.world.detach(); });
     }
     const char* names[] = {"build_s_per_joint", "save_s_per_joint", "load_s_per_joint",
                            "teardown_s_per_joint"};
@@ -390,7 +389,7 @@ int main(int argc, char** argv)
         karmp::documents::LoadOptions options;
         options.check = false;
         const auto loaded = karmp::documents::LoadFile(argv[2], options);
-        std::ofstream(std::string(argv[2]) + ".peak") << peakMemory();
+        std::ofstream(std::string(argv[2]) + ".peak") << PeakMemory();
         return loaded.world ? 0 : 1;
     }
     benchmark::Initialize(&argc, argv);

@@ -5,7 +5,7 @@ namespace {
 
 constexpr double Ratio = 2.5; // turns of the pinion per turn of the wheel
 
-QOBSharedHandle<KARMPRevolute> addWheel(MechanismBuilder& mechanism, const std::wstring& name,
+QOBSharedHandle<KARMPRevolute> AddWheel(MechanismBuilder& mechanism, const std::wstring& name,
                                         double x)
 {
     const auto wheel = mechanism.AddBody(name, {x, 0.0, 0.0}, 0.0);
@@ -14,11 +14,11 @@ QOBSharedHandle<KARMPRevolute> addWheel(MechanismBuilder& mechanism, const std::
         mechanism.AddAxisSystem(wheel, L"Axle", {}));
 }
 
-QOBSharedHandle<KARMPWorld> build()
+QOBSharedHandle<KARMPWorld> Build()
 {
     MechanismBuilder mechanism(L"Gear pair");
-    const auto wheel = addWheel(mechanism, L"Wheel", 0.0);
-    const auto pinion = addWheel(mechanism, L"Pinion", 0.35);
+    const auto wheel = AddWheel(mechanism, L"Wheel", 0.0);
+    const auto pinion = AddWheel(mechanism, L"Pinion", 0.35);
     const auto wheelAngle =
         mechanism.AddVariable(L"Wheel angle", KARMPPhysicalQuantity::Angle, 0.0, wheel);
     const auto pinionAngle =
@@ -50,7 +50,7 @@ QOBSharedHandle<KARMPWorld> build()
 
 int main()
 {
-    const auto world = build();
+    const auto world = Build();
     if (!IsQuiet(karmp::documents::SaveFile(world, "gear-pair.xml")))
         return 1;
     const auto loaded = karmp::documents::LoadFile("gear-pair.xml");

@@ -76,7 +76,7 @@ constexpr std::array Joints{JointData{L"O", L"GlobalBody", O, L"K1", {0.0, 0.0}}
                             JointData{L"G", L"K5", {0.04, 0.0}, L"K4", {0.0, 0.02}},
                             JointData{L"H", L"K7", {0.0, -0.04}, L"K6", {-0.02, 0.0}}};
 
-QOBSharedHandle<KARMPWorld> build()
+QOBSharedHandle<KARMPWorld> Build()
 {
     MechanismBuilder mechanism(L"Seven-body mechanism");
     const KARMPWorld& world = *mechanism.World();
@@ -110,7 +110,7 @@ QOBSharedHandle<KARMPWorld> build()
 }
 
 /// The greatest distance between the two axes of a joint.
-double loopError(const KARMPWorld& world)
+double LoopError(const KARMPWorld& world)
 {
     double error = 0.0;
     for (int index = 0; index < world.Count<KARMPConstraint>(); ++index) {
@@ -132,7 +132,7 @@ double loopError(const KARMPWorld& world)
     return error;
 }
 
-bool roundTrip(const QOBSharedHandle<KARMPWorld>& world, const std::string& file, Doubles doubles,
+bool RoundTrip(const QOBSharedHandle<KARMPWorld>& world, const std::string& file, Doubles doubles,
                double tolerance)
 {
     karmp::documents::SaveOptions options;
@@ -143,7 +143,7 @@ bool roundTrip(const QOBSharedHandle<KARMPWorld>& world, const std::string& file
     if (!IsQuiet(loaded.diagnostics) || !loaded.world ||
         loaded.world->Count<KARMPJoint>() != static_cast<int>(Joints.size()))
         return false;
-    const double error = loopError(*loaded.world);
+    const double error = LoopError(*loaded.world);
     std::cout << (doubles == Doubles::Exact ? "exact numbers:   " : "default numbers: ")
               << "loops close to " << error << " m after loading " << file << '\n';
     return error <= tolerance;
@@ -153,11 +153,11 @@ bool roundTrip(const QOBSharedHandle<KARMPWorld>& world, const std::string& file
 
 int main()
 {
-    const auto world = build();
+    const auto world = Build();
     std::cout << "Built " << world->Count<KARMPBody>() << " bodies with the ground, "
               << world->Count<KARMPJoint>() << " revolute joints, " << world->Count<KARMPGeometry>()
               << " geometries.\n";
-    const bool rounded = roundTrip(world, "seven-body.xml", Doubles::Snapped, 1e-11);
-    const bool exact = roundTrip(world, "seven-body-exact.xml", Doubles::Exact, 1e-15);
+    const bool rounded = RoundTrip(world, "seven-body.xml", Doubles::Snapped, 1e-11);
+    const bool exact = RoundTrip(world, "seven-body-exact.xml", Doubles::Exact, 1e-15);
     return rounded && exact ? 0 : 1;
 }

@@ -7,7 +7,7 @@ constexpr double CrankLength = 0.1; // m
 constexpr double RodLength = 0.3;   // m
 constexpr double CrankAngle = 0.5;  // rad
 
-QOBSharedHandle<KARMPWorld> build()
+QOBSharedHandle<KARMPWorld> Build()
 {
     MechanismBuilder mechanism(L"Slider-crank");
     const KARMathPoint pin(CrankLength * std::cos(CrankAngle), CrankLength * std::sin(CrankAngle),
@@ -43,7 +43,7 @@ QOBSharedHandle<KARMPWorld> build()
 
 int main()
 {
-    const auto world = build();
+    const auto world = Build();
     if (!IsQuiet(karmp::documents::SaveFile(world, "slider-crank.xml")))
         return 1;
     const auto loaded = karmp::documents::LoadFile("slider-crank.xml");

@@ -9,7 +9,7 @@
 
 namespace {
 
-std::string narrow(std::wstring_view text)
+std::string Narrow(std::wstring_view text)
 {
     return kar::ToUtf8(text);
 }
@@ -29,10 +29,10 @@ public:
         for (int i = 0; i < static_cast<int>(GetElementCount()); ++i) {
             const auto& child = static_cast<const Writer&>(*GetElement(i));
             std::cout << std::string(static_cast<std::size_t>(2 * depth), ' ')
-                      << narrow(child.GetId());
+                      << Narrow(child.GetId());
             for (int a = 0; a < static_cast<int>(child.GetAttributeCount()); ++a)
-                std::cout << ' ' << narrow(child.GetAttributeId(a)) << '='
-                          << narrow(child.GetAttributeValues(a));
+                std::cout << ' ' << Narrow(child.GetAttributeId(a)) << '='
+                          << Narrow(child.GetAttributeValues(a));
             if (child.GetType() == Type::Double)
                 std::cout << " = " << child.GetValued();
             std::cout << '\n';
@@ -74,11 +74,13 @@ public:
     }
     void Attribute(std::wstring_view name, const KARMPSerializationVariable& variable)
     {
-        Visit(variable, [this, name](const auto& value) { AddAttributeValue(name, value); });
+        Visit(
+            variable, [this, name](const auto& value) { AddAttributeValue(name, value); });
     }
     void Value(const KARMPSerializationVariable& variable)
     {
-        Visit(variable, [this](const auto& value) { SetValue(value); });
+        Visit(
+            variable, [this](const auto& value) { SetValue(value); });
     }
 
 private:
@@ -100,7 +102,7 @@ private:
     }
 };
 
-bool run()
+bool Run()
 {
     QOBSharedHandle<KARMPEntity> body;
     QOBSharedHandle<KARMPEntity> copy;
@@ -131,7 +133,7 @@ bool run()
     std::wstring second;
     body->GetIdentifier(first);
     copy->GetIdentifier(second);
-    std::cout << "\nRead back: " << narrow(copy->getEntityName()) << ", mass " << mass
+    std::cout << "\nRead back: " << Narrow(copy->getEntityName()) << ", mass " << mass
               << " kg, identifier " << (first == second ? "kept" : "lost") << ".\n";
     return first == second && mass == 0.04325;
 }
@@ -140,5 +142,5 @@ bool run()
 
 int main()
 {
-    return run() ? 0 : 1;
+    return Run() ? 0 : 1;
 }

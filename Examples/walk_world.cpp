@@ -7,7 +7,7 @@
 namespace {
 
 // A document in memory stands for a file.
-std::string smallDocument()
+std::string SmallDocument()
 {
     const auto basicWorld = QOBBasicWorld::create(L"Small");
     const auto world = KARMPWorld::create(basicWorld);
@@ -31,7 +31,7 @@ std::string smallDocument()
 int main(int argc, char** argv)
 {
     const auto loaded = argc > 1 ? karmp::documents::LoadFile(argv[1])
-                                 : karmp::documents::LoadText(smallDocument(), "built in");
+                                 : karmp::documents::LoadText(SmallDocument(), "built in");
     for (const auto& message : loaded.diagnostics.items)
         std::cerr << karmp::documents::Format(message) << '\n';
     if (!loaded.world)

@@ -168,7 +168,7 @@ private:
     const std::uint8_t* m_end;
 };
 
-void fill(Node& root, Input& input)
+void Fill(Node& root, Input& input)
 {
     constexpr std::size_t MaximumDepth = 200;
     std::vector<Node*> path{root.Add(L"World")};
@@ -205,7 +205,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Input input(data, size);
     Node root;
     root.SetVersion(Versions[input.Byte() % Versions.size()]);
-    fill(root, input);
+    Fill(root, input);
 
     const auto basicWorld = QOBBasicWorld::create(L"fuzz");
     const auto world = KARMPWorld::create(basicWorld);

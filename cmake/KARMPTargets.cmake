@@ -30,7 +30,7 @@ function(karmp_add_library name)
     cmake_parse_arguments(arg "" "EXPORT_MACRO" "MODULES;LINKS" ${ARGN})
     set(sources)
     set(public_folders)
-    set(private_folders)
+    set(internal_folders)
     set(headers)
     foreach(module IN LISTS arg_MODULES)
         set(folder "${CMAKE_CURRENT_SOURCE_DIR}/KARMPEntities/${module}")
@@ -41,8 +41,8 @@ function(karmp_add_library name)
         if(IS_DIRECTORY "${folder}/include")
             list(APPEND public_folders "${folder}/include")
         endif()
-        if(IS_DIRECTORY "${folder}/src")
-            list(APPEND private_folders "${folder}/src")
+        if(IS_DIRECTORY "${folder}/internal")
+            list(APPEND internal_folders "${folder}/internal")
         endif()
     endforeach()
 
@@ -50,7 +50,7 @@ function(karmp_add_library name)
     target_link_libraries(${name}Objects PRIVATE karmp_settings PUBLIC ${arg_LINKS})
     target_include_directories(
         ${name}Objects PUBLIC "$<BUILD_INTERFACE:${public_folders}>"
-                              "$<BUILD_INTERFACE:${private_folders}>"
+                              "$<BUILD_INTERFACE:${internal_folders}>"
     )
     target_compile_definitions(${name}Objects PRIVATE ${arg_EXPORT_MACRO})
     set_target_properties(

@@ -2,6 +2,12 @@
 
 find_package(GTest REQUIRED)
 
+# A check of GoogleTest is an if with an else, so that the compiler warns of each one below an if.
+if(NOT TARGET karmp_test_settings)
+    add_library(karmp_test_settings INTERFACE)
+    target_compile_options(karmp_test_settings INTERFACE -Wno-dangling-else)
+endif()
+
 # karmp_add_test_program(<name> SOURCES <file>... [LINKS <target>...])
 #
 # Suites whose name ends in Process are left out of the plain run: each needs an environment or a
@@ -10,7 +16,7 @@ function(karmp_add_test_program name)
     cmake_parse_arguments(arg "" "" "SOURCES;LINKS" ${ARGN})
     add_executable(${name} ${arg_SOURCES})
     target_link_libraries(
-        ${name} PRIVATE karmp_settings KARMPTesting ${arg_LINKS} GTest::gmock_main
+        ${name} PRIVATE karmp_settings karmp_test_settings KARMPTesting ${arg_LINKS} GTest::gmock_main
     )
     set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF)
     add_test(NAME ${name} COMMAND ${name} --gtest_filter=-*Process.* --gtest_brief=1)
@@ -40,6 +46,7 @@ function(karmp_add_module_tests objects)
         string(REPLACE ".m" "" program "${module}")
         string(APPEND program "Tests")
         karmp_add_test_program(${program} SOURCES ${sources} LINKS ${objects})
+        target_include_directories(${program} PRIVATE "${folder}/src")
         include("${folder}/tests/processes.cmake" OPTIONAL)
     endforeach()
 endfunction()

@@ -60,12 +60,10 @@ public:
     /// nothing appended, when it holds anything else, has a blank at an end or is long.
     bool PutPlain(std::wstring_view text)
     {
-        if (text.empty()) {
+        if (text.empty())
             return true;
-        }
-        if (text.size() > LongestPiece || text.front() == L' ' || text.back() == L' ') {
+        if (text.size() > LongestPiece || text.front() == L' ' || text.back() == L' ')
             return false;
-        }
         MakeRoom(text.size());
         // Without a way out in between, the characters go fast.
         std::uint32_t all = 0;
@@ -100,9 +98,8 @@ private:
 
     static constexpr std::array<bool, 128> PlainTable = [] {
         std::array<bool, 128> table{};
-        for (std::size_t unit = 0x20; unit < 0x7F; ++unit) {
+        for (std::size_t unit = 0x20; unit < 0x7F; ++unit)
             table[unit] = unit != '&' && unit != '<' && unit != '>' && unit != '"' && unit != '\\';
-        }
         return table;
     }();
 
@@ -110,17 +107,15 @@ private:
     static void Copy(std::string_view piece, char* to)
     {
         const std::size_t size = piece.size();
-        if (size > 2 * sizeof(std::uint64_t)) {
+        if (size > 2 * sizeof(std::uint64_t))
             std::memcpy(to, piece.data(), size);
-        } else if (size >= sizeof(std::uint64_t)) {
+        else if (size >= sizeof(std::uint64_t))
             CopyEnds<std::uint64_t>(piece, to);
-        } else if (size >= sizeof(std::uint32_t)) {
+        else if (size >= sizeof(std::uint32_t))
             CopyEnds<std::uint32_t>(piece, to);
-        } else {
-            for (std::size_t place = 0; place < size; ++place) {
+        else
+            for (std::size_t place = 0; place < size; ++place)
                 to[place] = piece[place];
-            }
-        }
     }
     // Copies as many bytes as a word has from either end; they may overlap.
     template <class Word>
@@ -137,9 +132,8 @@ private:
 
     void MakeRoom(std::size_t count)
     {
-        if (m_count + count > PendingSize) {
+        if (m_count + count > PendingSize)
             Flushed();
-        }
     }
 
     std::string& m_bytes;

@@ -27,9 +27,8 @@ const KARMPDocumentReader& NodeOf(const KARMPDeserializer* node)
 std::wstring_view TextOf(const KARMPDocumentReader& node)
 {
     std::wstring_view text;
-    if (node.HasText()) {
+    if (node.HasText())
         node.GetValue(text);
-    }
     return text;
 }
 
@@ -52,9 +51,8 @@ bool IsDigit(wchar_t character)
 
 std::size_t SkipDigits(std::wstring_view text, std::size_t place)
 {
-    while (place < text.size() && IsDigit(text[place])) {
+    while (place < text.size() && IsDigit(text[place]))
         ++place;
-    }
     return place;
 }
 
@@ -111,19 +109,16 @@ std::string FaultOf(const Item& item, std::wstring_view text, Severity& severity
     int integer = 0;
     switch (item.kind) {
     case Kind::Number:
-        if (IsPlainNumber(text)) {
+        if (IsPlainNumber(text))
             return {};
-        }
-        if (kar::ScanDouble(text, number, kar::DecimalMark::PointOrComma) != 1) {
+        if (kar::ScanDouble(text, number, kar::DecimalMark::PointOrComma) != 1)
             return Quoted(text) + " is no number";
-        }
         severity = Severity::Warning;
         return IsOtherNumber(text) ? std::string()
                                    : "only the beginning of " + Quoted(text) + " is a number";
     case Kind::Integer:
-        if (kar::ScanInt(text, integer) != 1) {
+        if (kar::ScanInt(text, integer) != 1)
             return Quoted(text) + " is no whole number";
-        }
         severity = Severity::Warning;
         return IsPlainInteger(text)
                    ? std::string()
@@ -132,9 +127,8 @@ std::string FaultOf(const Item& item, std::wstring_view text, Severity& severity
         return IsBool(text) ? std::string() : Quoted(text) + " is neither true nor false";
     case Kind::Word:
         severity = Severity::Warning;
-        if (std::find(item.words.begin(), item.words.end(), text) != item.words.end()) {
+        if (std::find(item.words.begin(), item.words.end(), text) != item.words.end())
             return {};
-        }
         return Quoted(text) + " is none of the words that are known here";
     case Kind::Group:
     case Kind::Reference:
@@ -167,11 +161,10 @@ void DocumentChecker::Run()
     CheckElement(m_root, rootItem);
     while (!m_frames.empty()) {
         Frame& frame = m_frames.back();
-        if (frame.next == frame.end) {
+        if (frame.next == frame.end)
             Pop();
-        } else {
+        else
             CheckChild(NodeOf(m_pending[frame.next++]));
-        }
     }
 }
 
@@ -187,9 +180,8 @@ const KARMPDeserializer* DocumentChecker::First(const KARMPDeserializer& node,
 void DocumentChecker::CollectIdentifiers()
 {
     const KARMPDeserializer* const world = First(m_root, L"World");
-    if (world == nullptr) {
+    if (world == nullptr)
         return;
-    }
     m_frames.push_back({&m_root, nullptr, nullptr, 0, 0, 0, 0, 0});
     m_frames.push_back({&NodeOf(world), nullptr, nullptr, 0, 0, 0, 0, 0});
     for (const Family& family : Families()) {
@@ -213,9 +205,8 @@ void DocumentChecker::CollectIdentifiers()
 void DocumentChecker::Identify(const Node& entity)
 {
     const std::optional<std::uint32_t> number = m_identifiers.Of(entity);
-    if (!number) {
+    if (!number)
         return;
-    }
     const Class& type = ClassOf(entity.Id());
     m_links.Collect(*number, entity, type.lineage, m_identifiers);
     m_identified.resize(std::max<std::size_t>(m_identified.size(), m_identifiers.Count()));
@@ -233,18 +224,16 @@ const DocumentChecker::Class& DocumentChecker::ClassOf(std::wstring_view element
 {
     const auto [place, added] = m_classes.try_emplace(element);
     Class& type = place->second;
-    if (!added) {
+    if (!added)
         return type;
-    }
     const std::string name = KARMPSerializationServices::to_type(element);
     const std::vector<std::string> names = KARMPFactory::GetClassNames();
     QOBSharedHandle<KARMPEntity> sample;
     if (std::find(names.begin(), names.end(), name) != names.end() &&
         !KARFailed(KARMPFactory::Create(name, sample)) && sample) {
         for (const QOBClassInfo* info = &sample->getClassInfo(); info != nullptr;
-             info = info->getParent()) {
+             info = info->getParent())
             type.lineage.push_back(info->getName());
-        }
         type.item = EntityItem(element);
     }
     return type;
@@ -260,9 +249,8 @@ bool DocumentChecker::Push(const Node& node, const Item* item, const Family* fam
 {
     const std::size_t begin = m_pending.size();
     node.GetOrderedElementList(m_pending);
-    if (m_pending.size() == begin && (item == nullptr || item->elements.empty())) {
+    if (m_pending.size() == begin && (item == nullptr || item->elements.empty()))
         return false;
-    }
     m_frames.push_back({&node, item, family, begin, begin, m_pending.size(), 0, 0});
     return true;
 }
@@ -274,16 +262,14 @@ void DocumentChecker::Pop()
         for (std::size_t index = 0; index < frame.item->elements.size(); ++index) {
             const Item& item = frame.item->elements[index];
             if (item.presence != Presence::Optional && Applies(item) &&
-                (frame.seen >> index & 1U) == 0) {
+                (frame.seen >> index & 1U) == 0)
                 TellMissing(*frame.node, item, Code::MissingElement, "element");
-            }
         }
     }
     m_frames.pop_back();
     m_pending.resize(frame.begin);
-    if (m_frames.size() == EntityDepth && m_frames.back().family != nullptr) {
+    if (m_frames.size() == EntityDepth && m_frames.back().family != nullptr)
         frame.node->EndReading();
-    }
 }
 
 bool DocumentChecker::Applies(const Item& item) const
@@ -299,9 +285,8 @@ void DocumentChecker::CheckChild(const Node& child)
         child.BeginReading();
         m_entity = m_identifiers.Of(child);
         CheckEntity(child, *frame.family);
-        if (m_frames.size() == EntityDepth) {
+        if (m_frames.size() == EntityDepth)
             child.EndReading();
-        }
     } else if (frame.item == nullptr) {
         CheckUnknownContent(child);
     } else if (const Item* const item = FindElement(frame, child)) {
@@ -319,9 +304,8 @@ const Item* DocumentChecker::FindElement(Frame& frame, const Node& child)
         std::size_t index = frame.likely + step;
         index = index < items.size() ? index : index - items.size();
         const Item& item = items[index];
-        if (item.name != name && !item.anyName) {
+        if (item.name != name && !item.anyName)
             continue;
-        }
         if (!Applies(item)) {
             otherVersion = true;
             continue;
@@ -350,9 +334,8 @@ void DocumentChecker::CheckElement(const Node& node, const Item& item)
 {
     CheckAttributes(node, item);
     CheckText(node, item, TextOf(node), {});
-    if (item.kind == Kind::Reference) {
+    if (item.kind == Kind::Reference)
         CheckReference(node, &item);
-    }
     const Family* family = nullptr;
     if (m_frames.size() == 2 && item.kind == Kind::Group) {
         const auto found =
@@ -379,18 +362,16 @@ void DocumentChecker::CheckEntity(const Node& entity, const Family& family)
         CheckElement(entity, *type.item);
         return;
     }
-    if (!entity.HasAttribute(L"id")) {
+    if (!entity.HasAttribute(L"id"))
         Tell(Severity::Error, Code::MissingAttribute, entity, "the attribute \"id\" is missing");
-    }
     Push(entity, nullptr, nullptr);
 }
 
 // Where the items are not known, an empty element with an identifier is a reference.
 void DocumentChecker::CheckUnknownContent(const Node& node)
 {
-    if (!Push(node, nullptr, nullptr) && node.HasAttribute(L"id")) {
+    if (!Push(node, nullptr, nullptr) && node.HasAttribute(L"id"))
         CheckReference(node, nullptr);
-    }
 }
 
 void DocumentChecker::CheckAttributes(const Node& node, const Item& item)
@@ -419,9 +400,8 @@ void DocumentChecker::CheckAttributes(const Node& node, const Item& item)
     }
     for (std::size_t index = 0; index < items.size(); ++index) {
         const Item& entry = items[index];
-        if (entry.presence != Presence::Optional && (seen >> index & 1U) == 0 && Applies(entry)) {
+        if (entry.presence != Presence::Optional && (seen >> index & 1U) == 0 && Applies(entry))
             TellMissing(node, entry, Code::MissingAttribute, "attribute");
-        }
     }
 }
 
@@ -440,9 +420,8 @@ void DocumentChecker::CheckText(const Node& node, const Item& item, std::wstring
 void DocumentChecker::CheckReference(const Node& node, const Item* item)
 {
     const std::optional<std::uint32_t> target = m_identifiers.Of(node);
-    if (!target) {
+    if (!target)
         return;
-    }
     const Identified identified =
         *target < m_identified.size() ? m_identified[*target] : Identified();
     if (identified.node == nullptr) {
@@ -467,9 +446,8 @@ void DocumentChecker::CheckReference(const Node& node, const Item* item)
 // The reference stands in an entity, or in a list of the entity.
 void DocumentChecker::CheckCounterpart(const Node& node, std::uint32_t target)
 {
-    if (m_frames.size() != EntityDepth + 1 && m_frames.size() != EntityDepth + 2) {
+    if (m_frames.size() != EntityDepth + 1 && m_frames.size() != EntityDepth + 2)
         return;
-    }
     const Node& entity = *m_frames[EntityDepth].node;
     const Node& named = m_frames.size() == EntityDepth + 1 ? node : *m_frames.back().node;
     if (m_links.IsOneSided(m_entity, ClassOf(entity.Id()).lineage, named.Id(), target)) {
@@ -503,29 +481,25 @@ void DocumentChecker::Tell(Severity severity, Code code, const Node& node, std::
 std::string DocumentChecker::Path(const Node& node, std::wstring_view attribute) const
 {
     Way way;
-    for (const Frame& frame : m_frames) {
+    for (const Frame& frame : m_frames)
         way.push_back(frame.node);
-    }
-    if (way.empty() || way.back() != &node) {
+    if (way.empty() || way.back() != &node)
         way.push_back(&node);
-    }
     return PathText(way, attribute);
 }
 
 std::wstring DocumentChecker::UnusedIdentifier() const
 {
     std::wstring identifier = L"none";
-    while (m_identifiers.Know(identifier)) {
+    while (m_identifiers.Know(identifier))
         identifier += L'_';
-    }
     return identifier;
 }
 
 void Document::Check()
 {
-    if (m_root == nullptr) {
+    if (m_root == nullptr)
         return;
-    }
     documents::Messages messages(m_messages, m_name, m_limits.diagnostics);
     try {
         DocumentChecker checker(*m_root, messages);
@@ -545,9 +519,8 @@ void Document::DropWrongReferences()
     std::vector<std::uint32_t> numbers;
     for (const WrongReference& reference : m_wrongReferences) {
         numbers.push_back(reference.record);
-        if (reference.node != nullptr) {
+        if (reference.node != nullptr)
             const_cast<KARMPDocumentReader*>(reference.node)->PlaceAttributes(unused, *m_source);
-        }
     }
     m_source->DropReferences(std::move(numbers), m_unusedIdentifier);
 }

@@ -101,9 +101,8 @@ std::string Format(const Diagnostic& diagnostic)
             text += std::to_string(diagnostic.column);
         }
     }
-    if (!text.empty()) {
+    if (!text.empty())
         text += ": ";
-    }
     text += SeverityText(diagnostic.severity);
     text += ": ";
     text += diagnostic.text;
@@ -119,9 +118,9 @@ std::string Format(const Diagnostic& diagnostic)
 
 std::size_t Diagnostics::Count(Severity severity) const
 {
-    return static_cast<std::size_t>(
-        std::count_if(items.begin(), items.end(),
-                      [severity](const Diagnostic& item) { return item.severity == severity; }));
+    return static_cast<std::size_t>(std::count_if(
+        items.begin(), items.end(),
+        [severity](const Diagnostic& item) { return item.severity == severity; }));
 }
 
 const Diagnostic* Diagnostics::Find(Code code) const
@@ -134,9 +133,8 @@ const Diagnostic* Diagnostics::Find(Code code) const
 void Messages::Add(Severity severity, Code code, std::string text, std::string path,
                    std::size_t line, std::size_t column)
 {
-    if (Full()) {
+    if (Full())
         return;
-    }
     if (m_target.items.size() == m_limit) {
         m_target.items.push_back({Severity::Error,
                                   Code::TooManyDiagnostics,

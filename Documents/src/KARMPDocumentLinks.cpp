@@ -23,12 +23,12 @@ constexpr Side Sides[] = {
     {"KARMPVariable", L"Constraints", true}, {"KARMPConstraint", L"Variables", true},
     {"KARMPJoint", L"Constraints", true},    {"KARMPConstraint", L"Joint", false}};
 
-std::size_t counterpartOf(std::size_t side)
+std::size_t CounterpartOf(std::size_t side)
 {
     return side ^ 1U;
 }
 
-bool isA(const std::vector<std::string>& lineage, std::string_view className)
+bool IsA(const std::vector<std::string>& lineage, std::string_view className)
 {
     return std::find(lineage.begin(), lineage.end(), className) != lineage.end();
 }
@@ -43,7 +43,7 @@ void DocumentLinks::Collect(std::uint32_t owner, const KARMPDeserializer& entity
             m_links.push_back({owner, *target, static_cast<std::uint32_t>(side)});
     };
     for (std::size_t side = 0; side < std::size(Sides); ++side) {
-        if (!isA(lineage, Sides[side].className))
+        if (!IsA(lineage, Sides[side].className))
             continue;
         KARMPDeserializer::ElementIterator begin = nullptr;
         KARMPDeserializer::ElementIterator end = nullptr;
@@ -71,10 +71,10 @@ bool DocumentLinks::IsOneSided(std::optional<std::uint32_t> owner,
                                std::uint32_t target) const
 {
     for (std::size_t side = 0; side < std::size(Sides); ++side) {
-        if (Sides[side].element == element && isA(lineage, Sides[side].className)) {
+        if (Sides[side].element == element && IsA(lineage, Sides[side].className)) {
             if (!owner)
                 return true;
-            const Link back{target, *owner, static_cast<std::uint32_t>(counterpartOf(side))};
+            const Link back{target, *owner, static_cast<std::uint32_t>(CounterpartOf(side))};
             return !std::binary_search(m_links.begin(), m_links.end(), back);
         }
     }

@@ -75,9 +75,8 @@ Document DocumentParser::ReadFile(const std::filesystem::path& path, const Limit
     Messages messages(document.m_messages, document.m_name, limits.diagnostics);
     try {
         std::string text;
-        if (ReadWholeFile(path, document.m_limits.bytes, text, messages)) {
+        if (ReadWholeFile(path, document.m_limits.bytes, text, messages))
             DocumentParser(document, std::move(text)).Run();
-        }
     } catch (const std::bad_alloc&) {
         messages.Error(Code::OutOfMemory, "memory ended while the file was read");
     }
@@ -143,9 +142,8 @@ bool DocumentParser::CheckBytes()
         m_messages.Error(Code::Empty, "the document is empty");
         return false;
     }
-    if (text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF")) {
+    if (text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF"))
         return Fail(Code::Encoding, "the document is UTF-16; only UTF-8 is read", {});
-    }
     return true;
 }
 
@@ -163,26 +161,22 @@ bool DocumentParser::Parse()
     m_isClean = lines.IsClean() && !m_hasReferences && text.find('\\') == std::string::npos;
     const pugi::xml_parse_result result =
         m_parsed.load_buffer_inplace(text.data(), text.size(), ParseFlags, pugi::encoding_utf8);
-    if (!result) {
+    if (!result)
         return TellParseError(result);
-    }
     pugi::xml_node root;
-    if (!FindRoot(root) || !ReadVersion(root) || !RecordAll()) {
+    if (!FindRoot(root) || !ReadVersion(root) || !RecordAll())
         return false;
-    }
     m_document.m_root = m_source.MakeRoot(m_document.m_version);
     return true;
 }
 
 bool DocumentParser::TellParseError(const pugi::xml_parse_result& result)
 {
-    if (result.status == pugi::status_out_of_memory) {
+    if (result.status == pugi::status_out_of_memory)
         throw std::bad_alloc();
-    }
     const SourcePlace place = m_source.Lines().Find(static_cast<std::size_t>(result.offset));
-    if (result.status == pugi::status_bad_doctype) {
+    if (result.status == pugi::status_bad_doctype)
         return Fail(Code::Doctype, "a document type declaration is refused", place);
-    }
     return Fail(Code::Syntax, std::string(ParseErrorText(result.status)), place);
 }
 
@@ -190,9 +184,8 @@ bool DocumentParser::CheckDeclaration(const pugi::xml_node& declaration)
 {
     const pugi::xml_attribute encoding = declaration.attribute("encoding");
     if (!encoding || SameWithoutCase(encoding.value(), "UTF-8") ||
-        SameWithoutCase(encoding.value(), "US-ASCII")) {
+        SameWithoutCase(encoding.value(), "US-ASCII"))
         return true;
-    }
     return Fail(Code::Encoding,
                 "the document is declared as " + std::string(encoding.value()).substr(0, 40) +
                     "; only UTF-8 is read",
@@ -207,14 +200,12 @@ bool DocumentParser::FindRoot(pugi::xml_node& root)
             return Fail(Code::Doctype, "a document type declaration is refused",
                         PlaceOf(node.value()));
         case pugi::node_declaration:
-            if (!CheckDeclaration(node)) {
+            if (!CheckDeclaration(node))
                 return false;
-            }
             break;
         case pugi::node_element:
-            if (root) {
+            if (root)
                 return Fail(Code::Syntax, "there is a second root element", PlaceOf(node.name()));
-            }
             root = node;
             break;
         default:
@@ -294,9 +285,8 @@ bool DocumentParser::RecordAll()
     constexpr std::size_t expectedElement = 24;
     m_records.elements.reserve(m_source.Text().size() / expectedElement + 1);
     Walk walk(*this);
-    if (!m_parsed.traverse(walk)) {
+    if (!m_parsed.traverse(walk))
         return false;
-    }
     CloseTo(0);
     ElementRecord& end = m_records.elements.emplace_back();
     end.attributes = static_cast<std::uint32_t>(m_records.attributes.size());
@@ -340,12 +330,10 @@ bool DocumentParser::RecordElement(const pugi::xml_node& element, std::size_t de
                         std::to_string(m_document.m_limits.depth),
                     PlaceOf(bytes), Path(element.parent()));
     }
-    if (!CountNode()) {
+    if (!CountNode())
         return TellTooMany(PlaceOf(bytes), element.parent());
-    }
-    if (name.size > m_document.m_limits.nameLength) {
+    if (name.size > m_document.m_limits.nameLength)
         return TellTooLong(bytes, "element", PlaceOf(bytes), element.parent());
-    }
     CloseTo(depth);
     const auto number = static_cast<std::uint32_t>(m_records.elements.size());
     ElementRecord& record = m_records.elements.emplace_back();
@@ -363,14 +351,12 @@ bool DocumentParser::RecordElement(const pugi::xml_node& element, std::size_t de
     } else {
         m_open.push_back({number, 0});
     }
-    if (element.first_attribute() && !RecordAttributes(element)) {
+    if (element.first_attribute() && !RecordAttributes(element))
         return false;
-    }
     if (*text != '\0') {
         CheckReferences(text, element, nullptr);
-        if (!isLeaf) {
+        if (!isLeaf)
             RecordPiece(text, false);
-        }
     }
     return true;
 }
@@ -401,12 +387,10 @@ bool DocumentParser::RecordAttributes(const pugi::xml_node& element)
          attribute = attribute.next_attribute()) {
         const char* const bytes = attribute.name();
         const RepeatedNames::Name name = NameOf(bytes);
-        if (!CountNode()) {
+        if (!CountNode())
             return TellTooMany(PlaceOf(element.name()), element);
-        }
-        if (name.size > m_document.m_limits.nameLength) {
+        if (name.size > m_document.m_limits.nameLength)
             return TellTooLong(bytes, "attribute", PlaceOf(element.name()), element);
-        }
         const char* const value = attribute.value();
         AttributeRecord& record = m_records.attributes.emplace_back();
         record.name = name.number & 0x7FFFFFFFU;
@@ -420,13 +404,11 @@ bool DocumentParser::RecordAttributes(const pugi::xml_node& element)
     bool allNew = end - first <= few;
     for (std::size_t place = first; place != end && allNew; ++place) {
         const NodeText& name = m_records.names[m_records.attributes[place].name];
-        for (std::size_t former = first; former != place && allNew; ++former) {
+        for (std::size_t former = first; former != place && allNew; ++former)
             allNew = !(m_records.names[m_records.attributes[former].name] == name);
-        }
     }
-    if (!allNew) {
+    if (!allNew)
         TellRepeatedAttributes(element, first);
-    }
     return true;
 }
 
@@ -446,13 +428,11 @@ void DocumentParser::TellRepeatedAttributes(const pugi::xml_node& element, std::
 void DocumentParser::CheckReferences(const char* raw, const pugi::xml_node& element,
                                      const char* attribute)
 {
-    if (!m_hasReferences || std::strchr(raw, '&') == nullptr) {
+    if (!m_hasReferences || std::strchr(raw, '&') == nullptr)
         return;
-    }
     m_value.clear();
-    if (AppendDecoded(m_value, raw, TextPlace::Element)) {
+    if (AppendDecoded(m_value, raw, TextPlace::Element))
         return;
-    }
     std::string path = Path(element);
     if (attribute != nullptr) {
         path += "/@";
@@ -486,13 +466,11 @@ std::string DocumentParser::Path(pugi::xml_node element) const
 {
     constexpr std::size_t longest = 64;
     std::string path;
-    if (m_messages.Full()) {
+    if (m_messages.Full())
         return path;
-    }
     std::vector<pugi::xml_node> way;
-    for (; element.type() == pugi::node_element; element = element.parent()) {
+    for (; element.type() == pugi::node_element; element = element.parent())
         way.push_back(element);
-    }
     std::wstring name;
     for (std::size_t place = 0; place < way.size() && place < longest; ++place) {
         const pugi::xml_node& step = way[way.size() - 1 - place];
@@ -502,12 +480,10 @@ std::string DocumentParser::Path(pugi::xml_node element) const
         AppendUtf8(path, name);
         std::size_t number = 1;
         for (pugi::xml_node former = step.previous_sibling(step.name()); former;
-             former = former.previous_sibling(step.name())) {
+             former = former.previous_sibling(step.name()))
             ++number;
-        }
-        if (number > 1 || step.next_sibling(step.name())) {
+        if (number > 1 || step.next_sibling(step.name()))
             path += '[' + std::to_string(number) + ']';
-        }
     }
     return way.size() > longest ? path + "/..." : path;
 }

@@ -36,13 +36,11 @@ std::string PathText(const Way& way, std::wstring_view attribute)
         path += '/';
         AppendUtf8(path, way[place]->Id());
         const auto number = place > 0 ? NumberAmongSiblings(*way[place - 1], *way[place]) : 0;
-        if (number > 0) {
+        if (number > 0)
             path += '[' + std::to_string(number) + ']';
-        }
     }
-    if (way.size() > LongestWay) {
+    if (way.size() > LongestWay)
         path += "/...";
-    }
     if (!attribute.empty()) {
         path += "/@";
         AppendUtf8(path, attribute);
@@ -52,21 +50,18 @@ std::string PathText(const Way& way, std::wstring_view attribute)
 
 Way FindWay(const KARMPDocumentReader& root, const KARMPDeserializer* node)
 {
-    if (node == nullptr) {
+    if (node == nullptr)
         return {};
-    }
     KARMPDeserializer::ElementList worlds;
     root.GetElements(worlds);
     for (const KARMPDeserializer* world : worlds) {
         KARMPDeserializer::ElementList registries;
         world->GetElements(registries);
         for (const KARMPDeserializer* registry : registries) {
-            if (registry == node) {
+            if (registry == node)
                 return {&root, world, registry};
-            }
-            if (IsChild(*registry, *node)) {
+            if (IsChild(*registry, *node))
                 return {&root, world, registry, node};
-            }
         }
     }
     return {};

@@ -27,21 +27,18 @@ namespace {
 std::string_view Trimmed(std::string_view text)
 {
     const std::size_t first = text.find_first_not_of(Blanks);
-    if (first == std::string_view::npos) {
+    if (first == std::string_view::npos)
         return {};
-    }
     return text.substr(first, text.find_last_not_of(Blanks) - first + 1);
 }
 
 // False when there is nothing to append.
 bool AppendText(std::wstring& text, std::string_view raw, bool trimmed)
 {
-    if (trimmed) {
+    if (trimmed)
         raw = Trimmed(raw);
-    }
-    if (raw.empty()) {
+    if (raw.empty())
         return false;
-    }
     AppendDecoded(text, raw, TextPlace::Element);
     return true;
 }
@@ -89,9 +86,8 @@ inline std::uint8_t KARMPDocumentReader::PartsMadeLater(const ElementRecord& rec
 // The text of an element without children is nearly always the bytes themselves.
 inline void KARMPDocumentReader::Begin() noexcept
 {
-    if (m_record.Kind() == TextKind::Plain) {
+    if (m_record.Kind() == TextKind::Plain)
         PlaceValue(karmp::AsciiText{m_source.At(m_record.text)});
-    }
     MakeLater(PartsMadeLater(m_record));
 }
 
@@ -120,10 +116,8 @@ karmp::NodeMemory& KARMPDocumentReader::ContentMemory() const
 // What is made already belongs to whoever asked for it.
 void KARMPDocumentReader::BeginReading() const noexcept
 {
-    if (m_source.IsRead(*this) ||
-        (m_depth == EntityDepth && Unmade() == PartsMadeLater(m_record))) {
+    if (m_source.IsRead(*this) || (m_depth == EntityDepth && Unmade() == PartsMadeLater(m_record)))
         m_source.BeginReading(*this);
-    }
 }
 
 void KARMPDocumentReader::EndReading() const noexcept
@@ -138,9 +132,8 @@ void KARMPDocumentReader::EndReading() const noexcept
 // The last attribute of a name counts.
 bool KARMPDocumentReader::FindUnmade(std::wstring_view name, karmp::AsciiText& value) const
 {
-    if (m_source.IsDropped(Number())) {
+    if (m_source.IsDropped(Number()))
         return false;
-    }
     const DocumentRecords& records = m_source.Records();
     for (std::uint32_t place = (&m_record)[1].attributes; place != m_record.attributes;) {
         const AttributeRecord& attribute = records.attributes[--place];
@@ -200,9 +193,8 @@ void KARMPDocumentReader::MakeContent()
 void KARMPDocumentReader::MakeText(karmp::NodeMemory& memory)
 {
     const ElementRecord& record = m_record;
-    if (record.Kind() == TextKind::None) {
+    if (record.Kind() == TextKind::None)
         return;
-    }
     std::wstring& text = m_source.ToCollect().text;
     text.clear();
     const bool hasElements = record.behind != Number() + 1;
@@ -224,9 +216,8 @@ void KARMPDocumentReader::MakeText(karmp::NodeMemory& memory)
             next = piece.next;
         } while (next != 0);
     }
-    if (hasText) {
+    if (hasText)
         PlaceValue(karmp::NodeText::Copy(text, memory));
-    }
 }
 
 namespace karmp::documents {

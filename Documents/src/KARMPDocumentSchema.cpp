@@ -68,9 +68,8 @@ Item Group(std::wstring_view name, Items elements, Presence presence = Presence:
 Items NumberItems(const Names& names, Presence presence = Presence::Expected)
 {
     Items items;
-    for (const std::wstring_view name : names) {
+    for (const std::wstring_view name : names)
         items.push_back(Number(name, presence));
-    }
     return items;
 }
 
@@ -193,9 +192,8 @@ Item Variable()
          Since(R2016_0, Until(R2017_0, Integer(L"Type"))),
          Since(R2017_0, Word<KARMPVariableType::Enum>(L"Type")),
          References(L"Constraints", L"Constraint", "KARMPConstraint")});
-    for (const std::wstring_view name : {L"value", L"minvalue", L"maxvalue"}) {
+    for (const std::wstring_view name : {L"value", L"minvalue", L"maxvalue"})
         variable.attributes.push_back(Until(R2017_0, Number(name, Presence::Optional)));
-    }
     return variable;
 }
 
@@ -240,9 +238,8 @@ Item Attribute(std::wstring_view name, std::wstring_view children, std::string_v
     Item octets = Group(L"OctetSequence", {}, Presence::Optional);
     octets.attributes = {Text(L"UTF8String")};
     item.elements.push_back(octets);
-    if (supported) {
+    if (supported)
         item.elements.push_back(References(L"Supports", L"Support", "KARMPEntity"));
-    }
     item.attributes.push_back(Text(L"type", Presence::Optional));
     item.attributes.push_back(Text(L"path", Presence::Optional));
     return item;
@@ -269,9 +266,8 @@ void AddGeometries(Items& items)
     add(L"Cylicone", {L"Ox", L"Oy", L"Oz", L"Dx", L"Dy", L"Dz", L"angle", L"radius"});
     add(L"Sphere", {L"Cx", L"Cy", L"Cz", L"radius"});
     add(L"Torus", {L"Cx", L"Cy", L"Cz", L"Nx", L"Ny", L"Nz", L"major_radius", L"minor_radius"});
-    for (const std::wstring_view name : {L"Cirline", L"Parabola"}) {
+    for (const std::wstring_view name : {L"Cirline", L"Parabola"})
         add(name, {L"Cx", L"Cy", L"Cz", L"Dx", L"Dy", L"Dz", L"Nx", L"Ny", L"Nz", L"curvature"});
-    }
     for (const std::wstring_view name : {L"Ellipse", L"Hyperbola"}) {
         add(name, {L"Cx", L"Cy", L"Cz", L"Dx", L"Dy", L"Dz", L"Nx", L"Ny", L"Nz", L"major_radius",
                    L"minor_radius"});
@@ -311,9 +307,8 @@ void AddGeometricConstraints(Items& items)
 {
     const Item alignment = Word<KARMPAlignment::Enum>(L"Alignment", Presence::Required);
     for (const std::wstring_view name :
-         {L"Coaxiality", L"Normal", L"Parallelism", L"Perpendicularity", L"RollCurveConstraint"}) {
+         {L"Coaxiality", L"Normal", L"Parallelism", L"Perpendicularity", L"RollCurveConstraint"})
         items.push_back(Constraint(name, {alignment}));
-    }
     items.push_back(
         Constraint(L"Angle", {Word<KARMPHingeMode::Enum>(L"HingeMode", Presence::Required)}));
     items.push_back(Constraint(L"Coincidence",
@@ -327,9 +322,8 @@ void AddGeometricConstraints(Items& items)
     items.push_back(
         Constraint(L"Tangency", {alignment, Word<KARMPSurfaceOrientation::Enum>(
                                                 L"SurfaceOrientation", Presence::Required)}));
-    for (const std::wstring_view name : {L"Concentricity", L"Equation", L"ZeroDoF", L"SixDoF"}) {
+    for (const std::wstring_view name : {L"Concentricity", L"Equation", L"ZeroDoF", L"SixDoF"})
         items.push_back(Constraint(name, {}));
-    }
     items.push_back(Constraint(
         L"LinearEquation",
         {Group(L"ConstantTerm",
@@ -388,12 +382,10 @@ void AddJoints(Items& items)
     for (const std::wstring_view name :
          {L"Revolute", L"Prismatic", L"Cylindrical", L"Spherical", L"Planar", L"Universal",
           L"Rigid", L"PointCurve", L"PointSurface", L"RollCurve", L"SlideCurve", L"Symmetric",
-          L"UserDefined"}) {
+          L"UserDefined"})
         items.push_back(Entity(name, elements));
-    }
-    for (const std::wstring_view name : {L"Gear", L"Rack", L"Cable", L"Screw"}) {
+    for (const std::wstring_view name : {L"Gear", L"Rack", L"Cable", L"Screw"})
         items.push_back(Entity(name, Items{Reference(L"Equation", "KARMPEquation")} + elements));
-    }
 }
 
 using EntityItems = std::unordered_map<std::wstring_view, Item>;
@@ -439,9 +431,8 @@ Item MakeWorldItem()
                                            global(L"GlobalTime", "KARMPVariable")})},
                        Presence::Required);
     world.attributes = {Number(L"linear_tolerance"), Number(L"angular_tolerance")};
-    for (const Family& family : Families()) {
+    for (const Family& family : Families())
         world.elements.push_back(Group(family.element, {}, Presence::Optional));
-    }
     return world;
 }
 

@@ -23,9 +23,8 @@ KARMPDocumentReader* DocumentSource::MakeRoot(std::wstring_view version)
 
 bool DocumentSource::EndReading() noexcept
 {
-    if (--m_readings != 0) {
+    if (--m_readings != 0)
         return false;
-    }
     m_read = nullptr;
     m_readMemory.Reuse();
     return true;

@@ -39,18 +39,16 @@ Diagnostics KARMPDocumentWriter::RenderXml(std::string& bytes, const Limits& lim
     bool rendered = false;
     try {
         // A text of a model takes a quarter of what its tree does.
-        if (GetId().empty()) {
+        if (GetId().empty())
             karmp::documents::MakeRoom(bytes, Memory()->Size() / 3);
-        }
         rendered = karmp::documents::XmlRenderer(bytes, limits, messages).Render(*this);
     } catch (const std::bad_alloc&) {
         messages.Error(Code::OutOfMemory, "memory ended while the document was written");
     } catch (const std::length_error&) {
         messages.Error(Code::OutOfMemory, "the document is too large for memory");
     }
-    if (!rendered) {
+    if (!rendered)
         bytes.resize(before);
-    }
     return diagnostics;
 }
 
@@ -59,9 +57,8 @@ Diagnostics KARMPDocumentWriter::SaveXml(const std::filesystem::path& path,
 {
     std::string bytes;
     Diagnostics diagnostics = RenderXml(bytes, limits);
-    for (auto& item : diagnostics.items) {
+    for (auto& item : diagnostics.items)
         item.file = path.string();
-    }
     if (!diagnostics.HasErrors()) {
         Messages messages(diagnostics, path.string(), limits.diagnostics);
         try {
@@ -77,9 +74,8 @@ Diagnostics KARMPDocumentWriter::SaveXml(const std::filesystem::path& path,
 KARStatus KARMPDocumentWriter::Render(std::wstring& text) const
 {
     std::string bytes;
-    if (RenderXml(bytes).HasErrors()) {
+    if (RenderXml(bytes).HasErrors())
         return KARFailure;
-    }
     try {
         text += kar::ToWide(bytes);
     } catch (const std::bad_alloc&) {

@@ -35,9 +35,8 @@ public:
 private:
     void OnFailedCheck(const char* file, int line) override
     {
-        if (m_messages.Full()) {
+        if (m_messages.Full())
             return;
-        }
         const std::string_view path = file != nullptr ? file : "";
         const std::string_view name = path.substr(path.find_last_of('/') + 1);
         std::string text = "a check of the library failed while " + m_deed + ": " +
@@ -136,11 +135,10 @@ bool ReadWorld(const Document& document, const QOBSharedHandle<KARMPWorld>& into
         result.world = into ? into : KARMPWorld::create(QOBBasicWorld::create(L"World"));
         const CheckListener listener(messages, deed, document.Root());
         try {
-            if (KARFailed(result.world->Deserialize(document.Root()))) {
+            if (KARFailed(result.world->Deserialize(document.Root())))
                 messages.Error(Code::Failed, "the document holds no world",
                                '/' + std::string(RootName), document.Root()->Line(),
                                document.Root()->Column());
-            }
         } catch (const QOBEInvalidCast&) {
             castFailed = true;
             throw;
@@ -199,9 +197,8 @@ Diagnostics SaveText(const QOBSharedHandle<KARMPWorld>& world, std::string& text
 {
     std::string bytes;
     Diagnostics diagnostics = RenderWorld(world, {}, bytes, options);
-    if (!diagnostics.HasErrors()) {
+    if (!diagnostics.HasErrors())
         text = std::move(bytes);
-    }
     return diagnostics;
 }
 
@@ -214,9 +211,8 @@ Diagnostics SaveStream(const QOBSharedHandle<KARMPWorld>& world, std::ostream& s
         Messages messages(diagnostics, {}, options.limits.diagnostics);
         Guarded(messages, "the stream was written", [&] {
             stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-            if (!stream.flush()) {
+            if (!stream.flush())
                 messages.Error(Code::CannotWrite, "cannot write to the stream");
-            }
         });
     }
     return diagnostics;

@@ -26,12 +26,10 @@ public:
     explicit File(int descriptor) : m_descriptor(descriptor) {}
     ~File()
     {
-        if (m_descriptor >= 0) {
+        if (m_descriptor >= 0)
             ::close(m_descriptor);
-        }
-        if (!m_temporary.empty()) {
+        if (!m_temporary.empty())
             ::unlink(m_temporary.c_str());
-        }
     }
     File(const File&) = delete;
     File& operator=(const File&) = delete;
@@ -60,12 +58,10 @@ bool WriteAll(int descriptor, std::string_view bytes)
     constexpr std::size_t chunk = 1U << 30U;
     while (!bytes.empty()) {
         const ssize_t written = ::write(descriptor, bytes.data(), std::min(bytes.size(), chunk));
-        if (written < 0 && errno != EINTR) {
+        if (written < 0 && errno != EINTR)
             return false;
-        }
-        if (written > 0) {
+        if (written > 0)
             bytes.remove_prefix(static_cast<std::size_t>(written));
-        }
     }
     return true;
 }
@@ -96,9 +92,8 @@ std::string TemporaryName(const fs::path& target)
 fs::path TargetOf(const fs::path& path)
 {
     std::error_code error;
-    if (!fs::is_symlink(path, error)) {
+    if (!fs::is_symlink(path, error))
         return path;
-    }
     fs::path target = fs::canonical(path, error);
     if (error) {
         target = fs::read_symlink(path, error);
@@ -110,9 +105,8 @@ fs::path TargetOf(const fs::path& path)
 bool WriteInPlace(const fs::path& path, std::string_view bytes, Messages& messages)
 {
     File file(Open(path.c_str(), O_WRONLY));
-    if (!file.IsOpen() || !WriteAll(file.Get(), bytes) || !file.Close()) {
+    if (!file.IsOpen() || !WriteAll(file.Get(), bytes) || !file.Close())
         return CannotWrite(messages, "cannot write the file", errno);
-    }
     return true;
 }
 
@@ -122,9 +116,8 @@ void SynchroniseFolder(const fs::path& target)
 {
     const fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
     const File file(Open(folder.c_str(), O_RDONLY | O_DIRECTORY));
-    if (file.IsOpen()) {
+    if (file.IsOpen())
         ::fsync(file.Get());
-    }
 }
 
 bool Replace(const fs::path& target, const struct stat* old, std::string_view bytes,
@@ -134,26 +127,21 @@ bool Replace(const fs::path& target, const struct stat* old, std::string_view by
     constexpr mode_t permissions = 0777;
     const std::string temporary = TemporaryName(target);
     File file(Open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, everybody));
-    if (!file.IsOpen()) {
+    if (!file.IsOpen())
         return CannotWrite(messages, "cannot create a file in the folder", errno);
-    }
     file.SetTemporary(temporary);
     if (old != nullptr) {
         // Only some users may give files away: the content counts more than its owner.
         if (::fchown(file.Get(), old->st_uid, old->st_gid) != 0 &&
-            ::fchown(file.Get(), static_cast<uid_t>(-1), old->st_gid) != 0) {
+            ::fchown(file.Get(), static_cast<uid_t>(-1), old->st_gid) != 0)
             errno = 0;
-        }
-        if (::fchmod(file.Get(), old->st_mode & permissions) != 0) {
+        if (::fchmod(file.Get(), old->st_mode & permissions) != 0)
             return CannotWrite(messages, "cannot keep the permissions of the file", errno);
-        }
     }
-    if (!WriteAll(file.Get(), bytes) || ::fsync(file.Get()) != 0 || !file.Close()) {
+    if (!WriteAll(file.Get(), bytes) || ::fsync(file.Get()) != 0 || !file.Close())
         return CannotWrite(messages, "cannot write the file", errno);
-    }
-    if (::rename(temporary.c_str(), target.c_str()) != 0) {
+    if (::rename(temporary.c_str(), target.c_str()) != 0)
         return CannotWrite(messages, "cannot replace the file", errno);
-    }
     file.SetTemporary({});
     SynchroniseFolder(target);
     return true;
@@ -166,33 +154,28 @@ bool ReadWholeFile(const fs::path& path, std::size_t limit, std::string& bytes, 
     File file(Open(path.c_str(), O_RDONLY));
     struct stat status
     {};
-    if (!file.IsOpen() || ::fstat(file.Get(), &status) != 0) {
+    if (!file.IsOpen() || ::fstat(file.Get(), &status) != 0)
         return CannotRead(messages, Code::CannotOpen, "cannot open the file: " + SystemText(errno));
-    }
-    if (S_ISDIR(status.st_mode)) {
+    if (S_ISDIR(status.st_mode))
         return CannotRead(messages, Code::CannotRead, "cannot read the file: it is a folder");
-    }
     const bool regular = S_ISREG(status.st_mode);
     const std::string tooLarge =
         "the document is larger than the limit of " + std::to_string(limit) + " bytes";
-    if (regular && static_cast<std::uintmax_t>(status.st_size) > limit) {
+    if (regular && static_cast<std::uintmax_t>(status.st_size) > limit)
         return CannotRead(messages, Code::TooLarge, tooLarge);
-    }
     constexpr std::size_t first = 1U << 16U;
     bytes.resize(regular ? static_cast<std::size_t>(status.st_size) + 1 : first);
     std::size_t done = 0;
     for (;;) {
         const ssize_t got = ::read(file.Get(), bytes.data() + done, bytes.size() - done);
-        if (got < 0 && errno == EINTR) {
+        if (got < 0 && errno == EINTR)
             continue;
-        }
         if (got < 0) {
             return CannotRead(messages, Code::CannotRead,
                               "cannot read the file: " + SystemText(errno));
         }
-        if (got == 0) {
+        if (got == 0)
             break;
-        }
         // A stream without end has mostly no text in it either.
         if (!regular &&
             std::string_view(bytes).substr(done, static_cast<std::size_t>(got)).find('\0') !=
@@ -201,12 +184,10 @@ bool ReadWholeFile(const fs::path& path, std::size_t limit, std::string& bytes, 
             break;
         }
         done += static_cast<std::size_t>(got);
-        if (done > limit) {
+        if (done > limit)
             return CannotRead(messages, Code::TooLarge, tooLarge);
-        }
-        if (done == bytes.size()) {
+        if (done == bytes.size())
             bytes.resize(bytes.size() * 2);
-        }
     }
     bytes.resize(done);
     return true;
@@ -218,21 +199,16 @@ bool WriteWholeFile(const fs::path& path, std::string_view bytes, Messages& mess
     struct stat old
     {};
     const bool exists = ::stat(target.c_str(), &old) == 0;
-    if (!exists && errno != ENOENT) {
+    if (!exists && errno != ENOENT)
         return CannotWrite(messages, "cannot write the file", errno);
-    }
-    if (!exists) {
+    if (!exists)
         return Replace(target, nullptr, bytes, messages);
-    }
-    if (S_ISDIR(old.st_mode)) {
+    if (S_ISDIR(old.st_mode))
         return CannotWrite(messages, "cannot write the file", EISDIR);
-    }
-    if (!S_ISREG(old.st_mode)) {
+    if (!S_ISREG(old.st_mode))
         return WriteInPlace(target, bytes, messages);
-    }
-    if (::faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0) {
+    if (::faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0)
         return CannotWrite(messages, "cannot write the file", errno);
-    }
     return Replace(target, &old, bytes, messages);
 }
 

@@ -20,17 +20,14 @@ std::string FormOf(std::wstring_view text)
 std::optional<std::uint32_t> Identifiers::Of(const KARMPDeserializer& node)
 {
     karmp::ReadText text;
-    if (!node.HasAttribute(L"id") || KARFailed(node.GetAttribute(L"id", text))) {
+    if (!node.HasAttribute(L"id") || KARFailed(node.GetAttribute(L"id", text)))
         return {};
-    }
-    if (text.IsAscii()) {
+    if (text.IsAscii())
         return m_numbers.try_emplace(text.Ascii(), Count()).first->second;
-    }
     const std::string form = FormOf(text.View());
     const auto known = m_numbers.find(form);
-    if (known != m_numbers.end()) {
+    if (known != m_numbers.end())
         return known->second;
-    }
     return m_numbers.try_emplace(m_texts.emplace_back(form), Count()).first->second;
 }
 

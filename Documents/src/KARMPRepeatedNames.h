@@ -48,9 +48,8 @@ public:
         Guesses& guesses = m_guesses[(m_history * Mixer) >> (64U - GuessBits)];
         if (!guesses.first->Is(bytes, left)) {
             std::swap(guesses.first, guesses.second);
-            if (!guesses.first->Is(bytes, left)) {
+            if (!guesses.first->Is(bytes, left))
                 guesses.first = &Look(bytes);
-            }
         }
         m_history = m_history << 16U ^ guesses.first->name.number;
         return guesses.first->name;
@@ -71,19 +70,16 @@ private:
             std::fill_n(mask.begin(), count, '\xFF');
             std::memcpy(&m_mask, mask.data(), sizeof m_mask);
             std::memcpy(&m_first, m_bytes, count);
-            if (text.size() >= sizeof(Word)) {
+            if (text.size() >= sizeof(Word))
                 m_last = Load(m_bytes + LastPlace());
-            }
         }
         /// Compares up to the null; `left` bytes may be read.
         bool Is(const char* bytes, std::size_t left) const
         {
-            if (left <= name.size + sizeof(Word) || (Load(bytes) & m_mask) != m_first) {
+            if (left <= name.size + sizeof(Word) || (Load(bytes) & m_mask) != m_first)
                 return false;
-            }
-            if (name.size < sizeof(Word)) {
+            if (name.size < sizeof(Word))
                 return true;
-            }
             return Load(bytes + LastPlace()) == m_last &&
                    (name.size < 2 * sizeof(Word) || std::memcmp(bytes, m_bytes, name.size) == 0);
         }

@@ -18,9 +18,8 @@ bool IsCleanBlock(const char* block)
     std::array<signed char, BlockSize> bytes;
     std::memcpy(bytes.data(), block, BlockSize);
     signed char unclean = 0;
-    for (const signed char byte : bytes) {
+    for (const signed char byte : bytes)
         unclean = static_cast<signed char>(unclean | (byte < ' ' && byte != '\n' ? 1 : 0));
-    }
     return unclean == 0;
 }
 
@@ -28,9 +27,8 @@ bool IsCleanBlock(const char* block)
 std::size_t CleanBytes(std::string_view bytes)
 {
     std::size_t count = 0;
-    while (bytes.size() - count >= BlockSize && IsCleanBlock(bytes.data() + count)) {
+    while (bytes.size() - count >= BlockSize && IsCleanBlock(bytes.data() + count))
         count += BlockSize;
-    }
     return count;
 }
 
@@ -50,9 +48,8 @@ std::size_t CharacterLength(std::string_view bytes)
     };
     const unsigned first = byte(0);
     const unsigned second = byte(1);
-    if (first >= 0xC2 && first <= 0xDF) {
+    if (first >= 0xC2 && first <= 0xDF)
         return (second & 0xC0U) == 0x80U ? 2 : 0;
-    }
     // The second byte tells overlong forms, surrogates and values that are too large.
     if (first >= 0xE0 && first <= 0xEF) {
         const unsigned low = first == 0xE0 ? 0xA0U : 0x80U;
@@ -75,9 +72,8 @@ SourceText::SourceText(std::string_view bytes)
     while (m_fault == Fault::None && (offset += CleanBytes(bytes.substr(offset))) < bytes.size()) {
         // A block that is not clean, or less than one.
         const std::size_t end = std::min(offset + BlockSize, bytes.size());
-        while (m_fault == Fault::None && offset < end) {
+        while (m_fault == Fault::None && offset < end)
             offset += Step(bytes.substr(offset));
-        }
     }
     m_faultOffset = offset;
     FindLines(bytes.substr(0, offset));
@@ -93,9 +89,8 @@ std::size_t SourceText::Step(std::string_view bytes)
         m_fault = length == 0 ? Fault::NotUtf8 : Fault::None;
         return length;
     }
-    if (byte >= 0x20 || byte == '\n') {
+    if (byte >= 0x20 || byte == '\n')
         return 1;
-    }
     m_isClean = false;
     if (byte != '\t' && byte != '\r') {
         m_fault = Fault::ControlCharacter;
@@ -109,9 +104,8 @@ void SourceText::FindLines(std::string_view bytes)
     constexpr std::size_t expectedLine = 16;
     m_lineStarts.reserve(bytes.size() / expectedLine + 1);
     for (std::size_t feed = bytes.find('\n'); feed != std::string_view::npos;
-         feed = bytes.find('\n', feed + 1)) {
+         feed = bytes.find('\n', feed + 1))
         m_lineStarts.push_back(static_cast<std::uint32_t>(feed + 1));
-    }
 }
 
 SourcePlace SourceText::Find(std::size_t offset) const

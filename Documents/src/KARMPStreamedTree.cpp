@@ -56,17 +56,15 @@ KARMPSerializer& StreamedTree::Root()
 bool StreamedTree::Finish()
 {
     const bool rendered = m_renderer.Finish(*m_root);
-    if (!rendered) {
+    if (!rendered)
         m_bytes.resize(m_before);
-    }
     return rendered;
 }
 
 NodeMemory& StreamedTree::MemoryAt(std::size_t depth)
 {
-    while (m_memories.size() <= depth) {
+    while (m_memories.size() <= depth)
         m_memories.push_back(std::make_unique<NodeMemory>());
-    }
     return *m_memories[depth];
 }
 

@@ -31,18 +31,16 @@ bool IsSurrogate(Unit unit)
 // What XML can hold, as a character or as a reference.
 bool IsXmlCharacter(Unit unit)
 {
-    if (unit < 0x20) {
+    if (unit < 0x20)
         return unit == '\t' || unit == '\n' || unit == '\r';
-    }
     return !IsSurrogate(unit) && unit != 0xFFFE && unit != 0xFFFF && unit <= 0x10FFFF;
 }
 
 // ASCII characters that stand for themselves in the middle of any text.
 constexpr std::array<bool, 128> PlainTable = [] {
     std::array<bool, 128> plain{};
-    for (std::size_t unit = 0x20; unit < plain.size(); ++unit) {
+    for (std::size_t unit = 0x20; unit < plain.size(); ++unit)
         plain[unit] = unit != '&' && unit != '<' && unit != '>' && unit != '"' && unit != '\\';
-    }
     return plain;
 }();
 
@@ -86,9 +84,8 @@ void AppendNumber(std::string& bytes, Unit value, int base)
 {
     std::array<char, 16> digits{};
     const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value, base);
-    for (const char* digit = digits.data(); digit != end.ptr; ++digit) {
+    for (const char* digit = digits.data(); digit != end.ptr; ++digit)
         bytes.push_back(*digit >= 'a' ? static_cast<char>(*digit - 'a' + 'A') : *digit);
-    }
 }
 
 void AppendReference(std::string& bytes, Unit unit)
@@ -129,18 +126,16 @@ void AppendSpecial(std::string& bytes, std::wstring_view text, std::size_t place
         AppendReference(bytes, unit);
         return;
     case '\\':
-        if (text.substr(place + 1, 2) == L"x{") {
+        if (text.substr(place + 1, 2) == L"x{")
             AppendEscape(bytes, unit);
-        } else {
+        else
             bytes += '\\';
-        }
         return;
     default:
-        if (IsXmlCharacter(unit)) {
+        if (IsXmlCharacter(unit))
             AppendCharacter(bytes, unit);
-        } else {
+        else
             AppendEscape(bytes, unit);
-        }
     }
 }
 
@@ -154,9 +149,8 @@ Unit NextCharacter(std::string_view raw, std::size_t& place)
     const Unit first = byte(place);
     std::size_t trails = first < 0x80 ? 0U : first < 0xE0 ? 1U : first < 0xF0 ? 2U : 3U;
     Unit unit = trails == 0 ? first : first & (0x3FU >> trails);
-    for (++place; trails > 0 && place < raw.size(); --trails, ++place) {
+    for (++place; trails > 0 && place < raw.size(); --trails, ++place)
         unit = (unit << 6U) | (byte(place) & 0x3FU);
-    }
     return unit;
 }
 
@@ -189,9 +183,8 @@ bool ReadReference(std::string_view name, Unit& unit)
             return true;
         }
     }
-    if (name.size() < 2 || name[0] != '#') {
+    if (name.size() < 2 || name[0] != '#')
         return false;
-    }
     const bool hexadecimal = name[1] == 'x';
     return ReadNumber(name.substr(hexadecimal ? 2 : 1), hexadecimal ? 16 : 10, unit) &&
            IsXmlCharacter(unit);
@@ -233,14 +226,12 @@ void DecodeBackslash(std::wstring& text, std::string_view raw, std::size_t& plac
 void DecodeBlank(std::wstring& text, std::string_view raw, std::size_t& place, TextPlace where)
 {
     const char blank = raw[place++];
-    if (blank == '\r' && place < raw.size() && raw[place] == '\n') {
+    if (blank == '\r' && place < raw.size() && raw[place] == '\n')
         ++place;
-    }
-    if (where == TextPlace::Attribute) {
+    if (where == TextPlace::Attribute)
         text.push_back(L' ');
-    } else {
+    else
         text.push_back(blank == '\r' ? L'\n' : static_cast<wchar_t>(blank));
-    }
 }
 
 bool IsSelfStanding(char byte)
@@ -308,9 +299,8 @@ void AppendEscaped(std::string& bytes, std::wstring_view text, TextPlace place)
     std::size_t done = 0;
     while (done < text.size()) {
         const std::size_t start = done;
-        while (done < text.size() && IsPlain(UnitOf(text[done]))) {
+        while (done < text.size() && IsPlain(UnitOf(text[done])))
             ++done;
-        }
         const bool inElement = place == TextPlace::Element;
         std::size_t first = start;
         std::size_t last = done;
@@ -322,9 +312,8 @@ void AppendEscaped(std::string& bytes, std::wstring_view text, TextPlace place)
             inElement && done == text.size() && last > first && text.back() == L' ';
         last -= blankEnd ? 1 : 0;
         AppendPlain(bytes, text.substr(first, last - first));
-        if (blankEnd) {
+        if (blankEnd)
             AppendReference(bytes, ' ');
-        }
         if (done < text.size()) {
             AppendSpecial(bytes, text, done);
             ++done;
@@ -360,29 +349,25 @@ bool StandsForItself(const char* raw, const char* end)
     while (end - raw >= wordSize) {
         const std::uint64_t special = MarkSpecial(raw);
         if (special != 0) {
-            if constexpr (std::endian::native == std::endian::little) {
+            if constexpr (std::endian::native == std::endian::little)
                 raw += std::countr_zero(special) / 8;
-            }
             break;
         }
         raw += wordSize;
     }
-    while (IsSelfStanding(*raw)) {
+    while (IsSelfStanding(*raw))
         ++raw;
-    }
     return *raw == '\0';
 }
 
 void AppendDecodedCData(std::wstring& text, std::string_view raw)
 {
     std::size_t done = AppendWidened(text, raw);
-    while (done < raw.size()) {
-        if (raw[done] == '\r') {
+    while (done < raw.size())
+        if (raw[done] == '\r')
             DecodeBlank(text, raw, done, TextPlace::Element);
-        } else {
+        else
             AppendUnit(text, NextCharacter(raw, done));
-        }
-    }
 }
 
 void AppendUtf8(std::string& bytes, std::wstring_view text)
@@ -397,9 +382,8 @@ std::string Quoted(std::wstring_view text)
 {
     std::string bytes = "\"";
     AppendEscaped(bytes, text.substr(0, LongestQuote), TextPlace::Attribute);
-    if (text.size() > LongestQuote) {
+    if (text.size() > LongestQuote)
         bytes += "...";
-    }
     bytes += '"';
     return bytes;
 }
@@ -407,8 +391,9 @@ std::string Quoted(std::wstring_view text)
 bool IsXmlName(std::wstring_view text)
 {
     return !text.empty() && IsNameStart(UnitOf(text.front())) &&
-           std::all_of(text.begin() + 1, text.end(),
-                       [](wchar_t character) { return IsNameCharacter(UnitOf(character)); });
+           std::all_of(
+               text.begin() + 1, text.end(),
+               [](wchar_t character) { return IsNameCharacter(UnitOf(character)); });
 }
 
 } // namespace karmp::documents

@@ -20,9 +20,8 @@ void AskForLargePages([[maybe_unused]] const std::string& bytes)
     const auto begin = reinterpret_cast<std::uintptr_t>(bytes.data());
     const std::uintptr_t first = (begin + bytes.size() + page - 1) / page * page;
     const std::uintptr_t last = (begin + bytes.capacity()) / page * page;
-    if (first < last) {
+    if (first < last)
         ::madvise(reinterpret_cast<void*>(first), last - first, MADV_HUGEPAGE);
-    }
 #endif
 }
 

@@ -46,16 +46,14 @@ bool XmlRenderer::IsLeaf(const Node& node)
 bool XmlRenderer::IsGroupOfNumbers(const Node& node)
 {
     const std::size_t count = node.GetElementCount();
-    if (count == 0 || count > LargestGroup || node.GetType() != Type::None) {
+    if (count == 0 || count > LargestGroup || node.GetType() != Type::None)
         return false;
-    }
     for (std::size_t index = 0; index < count; ++index) {
         const Node* const child = Child(node, index);
         const Type type = child->GetType();
         if ((type != Type::Double && type != Type::Int) || !IsLeaf(*child) ||
-            child->GetAttributeCount() != 0) {
+            child->GetAttributeCount() != 0)
             return false;
-        }
     }
     return true;
 }
@@ -68,47 +66,41 @@ bool XmlRenderer::Render(const Node& node)
 
 std::optional<std::size_t> XmlRenderer::RenderChildren(const Node& root, const Node& node)
 {
-    if (m_failure) {
+    if (m_failure)
         return std::nullopt;
-    }
     const auto isNode = [&node](const Level& level) { return level.node == &node; };
     auto found = std::find_if(m_levels.begin(), m_levels.end(), isNode);
     if (found == m_levels.end()) {
         const std::vector<const Node*> way = WayTo(root, node);
-        if (way.empty() || !OpenAll(way)) {
+        if (way.empty() || !OpenAll(way))
             return std::nullopt;
-        }
         found = m_levels.end() - 1;
     }
     const auto depth = static_cast<std::size_t>(found - m_levels.begin());
-    if (!RenderDownTo(depth + 1)) {
+    if (!RenderDownTo(depth + 1))
         return std::nullopt;
-    }
     Count(depth);
     return depth;
 }
 
 bool XmlRenderer::Finish(const Node& root)
 {
-    if (!m_failure && (!m_levels.empty() || Begin(root)) && RenderDownTo(0) && End()) {
+    if (!m_failure && (!m_levels.empty() || Begin(root)) && RenderDownTo(0) && End())
         return true;
-    }
     // The failure that stands first in the document is told: an element that was still open may
     // have got a wrong attribute since.
     for (const Level& level : std::exchange(m_levels, {})) {
         m_levels.push_back(level);
-        if (!Start(*level.node)) {
+        if (!Start(*level.node))
             break;
-        }
     }
     return Report();
 }
 
 bool XmlRenderer::Begin(const Node& node)
 {
-    if (IsRoot(node)) {
+    if (IsRoot(node))
         m_out.Put("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n");
-    }
     return Open(node);
 }
 
@@ -118,20 +110,16 @@ bool XmlRenderer::RenderDownTo(std::size_t count)
     while (!m_levels.empty()) {
         Level& level = m_levels.back();
         if (level.next == level.node->GetElementCount()) {
-            if (m_levels.size() == count) {
+            if (m_levels.size() == count)
                 return true;
-            }
-            if (!Close()) {
+            if (!Close())
                 return false;
-            }
         } else {
             const Node* const child = Child(*level.node, level.next++);
-            if (!level.oneLine) {
+            if (!level.oneLine)
                 NewLine();
-            }
-            if (!Open(*child)) {
+            if (!Open(*child))
                 return false;
-            }
         }
     }
     return true;
@@ -152,9 +140,8 @@ bool XmlRenderer::End()
 // its children stand on one line.
 std::vector<const XmlRenderer::Node*> XmlRenderer::WayTo(const Node& root, const Node& node) const
 {
-    if (IsLeaf(node) || IsGroupOfNumbers(node)) {
+    if (IsLeaf(node) || IsGroupOfNumbers(node))
         return {};
-    }
     std::vector<const Node*> way;
     const Node* last = &root;
     std::size_t rendered = 0;
@@ -165,9 +152,8 @@ std::vector<const XmlRenderer::Node*> XmlRenderer::WayTo(const Node& root, const
         rendered = m_levels.back().next;
     }
     while (last != &node) {
-        if (last->GetElementCount() <= rendered) {
+        if (last->GetElementCount() <= rendered)
             return {};
-        }
         last = Child(*last, rendered);
         rendered = 0;
         way.push_back(last);
@@ -186,9 +172,8 @@ bool XmlRenderer::OpenAll(const std::vector<const Node*>& way)
             NewLine();
             opened = Open(*node);
         }
-        if (!opened) {
+        if (!opened)
             return false;
-        }
     }
     return true;
 }
@@ -205,11 +190,10 @@ void XmlRenderer::Count(std::size_t depth)
         auto& names = gone.names;
         auto known = std::find_if(names.rbegin(), names.rend(),
                                   [name](const auto& entry) { return entry.first == name; });
-        if (known != names.rend()) {
+        if (known != names.rend())
             ++known->second;
-        } else {
+        else
             names.emplace_back(name, 1);
-        }
     }
 }
 
@@ -218,14 +202,12 @@ void XmlRenderer::Count(std::size_t depth)
 bool XmlRenderer::PutLeaf(const Node& node)
 {
     if (!IsLeaf(node) || node.GetAttributeCount() != 0 || node.GetType() == Type::None ||
-        m_levels.size() >= m_limits.depth) {
+        m_levels.size() >= m_limits.depth)
         return false;
-    }
     const std::wstring_view id = node.GetId();
     const KnownName& name = PlaceOf(id);
-    if (id.empty() || name.name != id) {
+    if (id.empty() || name.name != id)
         return false;
-    }
     m_out.Put('<');
     m_out.Put(name.Bytes());
     m_out.Put('>');
@@ -237,13 +219,11 @@ bool XmlRenderer::PutLeaf(const Node& node)
 // Writes a leaf whole; of any other element all up to its first child.
 bool XmlRenderer::Open(const Node& node)
 {
-    if (PutLeaf(node)) {
+    if (PutLeaf(node))
         return true;
-    }
     m_levels.push_back({&node, 0, 0, 0, false});
-    if (!Start(node)) {
+    if (!Start(node))
         return false;
-    }
     if (!IsLeaf(node)) {
         Level& level = m_levels.back();
         level.attributes = node.GetAttributeCount();
@@ -274,9 +254,8 @@ bool XmlRenderer::Start(const Node& node)
     }
     m_out.Put('<');
     if (IsRoot(node)) {
-        if (m_levels.size() > 1) {
+        if (m_levels.size() > 1)
             return Fail(Code::InvalidName, "an element has no name");
-        }
         m_out.Put(RootName);
         m_out.Put(" version=\"");
         Text(node.Version(), TextPlace::Attribute);
@@ -292,14 +271,12 @@ bool XmlRenderer::Start(const Node& node)
 bool XmlRenderer::Close()
 {
     const Level level = m_levels.back();
-    if (level.node->GetAttributeCount() != level.attributes && !InsertAttributes(level)) {
+    if (level.node->GetAttributeCount() != level.attributes && !InsertAttributes(level))
         return false;
-    }
     m_levels.pop_back();
     m_gone.resize(std::min(m_gone.size(), m_levels.size()));
-    if (!level.oneLine) {
+    if (!level.oneLine)
         NewLine();
-    }
     return EndTag(*level.node);
 }
 
@@ -307,9 +284,8 @@ bool XmlRenderer::Close()
 bool XmlRenderer::InsertAttributes(const Level& level)
 {
     const std::size_t before = m_out.Size();
-    if (!Attributes(*level.node, level.attributes)) {
+    if (!Attributes(*level.node, level.attributes))
         return false;
-    }
     std::string& bytes = m_out.Flushed();
     const auto place = [&bytes](std::size_t offset) {
         return bytes.begin() + static_cast<std::ptrdiff_t>(offset);
@@ -334,9 +310,8 @@ bool XmlRenderer::EndTag(const Node& node)
         return true;
     }
     const KnownName* const name = Known(node.GetId(), "element");
-    if (name != nullptr) {
+    if (name != nullptr)
         m_out.Put(name->endTag);
-    }
     return name != nullptr;
 }
 
@@ -351,9 +326,8 @@ XmlRenderer::KnownName& XmlRenderer::PlaceOf(std::wstring_view name)
 const XmlRenderer::KnownName* XmlRenderer::Known(std::wstring_view name, std::string_view what)
 {
     KnownName& known = PlaceOf(name);
-    if (known.name == name && !name.empty()) {
+    if (known.name == name && !name.empty())
         return &known;
-    }
     known.name.clear();
     return CheckName(name, what, known) ? &known : nullptr;
 }
@@ -384,9 +358,8 @@ bool XmlRenderer::Attributes(const Node& node, std::size_t first)
     for (std::size_t place = first; place < count; ++place) {
         const int index = static_cast<int>(place);
         const KnownName* const name = Known(node.GetAttributeId(index), "attribute");
-        if (name == nullptr) {
+        if (name == nullptr)
             return false;
-        }
         m_out.Put(name->attribute);
         switch (node.GetAttributeType(index)) {
         case Type::Bool:
@@ -421,33 +394,27 @@ bool XmlRenderer::FindDuplicateAttribute(const Node& node)
     };
     if (!IsRoot(node) && count <= FewAttributes) {
         for (std::size_t index = 1; index < count; ++index) {
-            for (std::size_t earlier = 0; earlier < index; ++earlier) {
-                if (nameOf(earlier) == nameOf(index)) {
+            for (std::size_t earlier = 0; earlier < index; ++earlier)
+                if (nameOf(earlier) == nameOf(index))
                     return fail(index);
-                }
-            }
         }
         return false;
     }
     std::unordered_set<std::wstring_view> names;
     names.reserve(count + 1);
     // The version is written by the root itself.
-    if (IsRoot(node)) {
+    if (IsRoot(node))
         names.insert(VersionName);
-    }
-    for (std::size_t index = 0; index < count; ++index) {
-        if (!names.insert(nameOf(index)).second) {
+    for (std::size_t index = 0; index < count; ++index)
+        if (!names.insert(nameOf(index)).second)
             return fail(index);
-        }
-    }
     return false;
 }
 
 void XmlRenderer::Text(std::wstring_view text, TextPlace place)
 {
-    if (!m_out.PutPlain(text)) {
+    if (!m_out.PutPlain(text))
         AppendEscaped(m_out.Flushed(), text, place);
-    }
 }
 
 void XmlRenderer::Value(const Node& node)
@@ -495,9 +462,8 @@ std::string XmlRenderer::Path() const
             continue;
         }
         AppendUtf8(path, node.GetId());
-        if (place == 0) {
+        if (place == 0)
             continue;
-        }
         const Node& parent = *m_levels[place - 1].node;
         std::size_t number = 0;
         std::size_t total = 0;
@@ -505,20 +471,17 @@ std::string XmlRenderer::Path() const
         if (place <= m_gone.size()) {
             const Gone& gone = m_gone[place - 1];
             index = gone.count;
-            for (const auto& [name, count] : gone.names) {
+            for (const auto& [name, count] : gone.names)
                 total += name == node.GetId() ? count : 0U;
-            }
         }
         for (; index < parent.GetElementCount(); ++index) {
             const Node* const sibling = Child(parent, index);
             total += sibling->GetId() == node.GetId() ? 1U : 0U;
-            if (sibling == &node) {
+            if (sibling == &node)
                 number = total;
-            }
         }
-        if (total > 1) {
+        if (total > 1)
             path += '[' + std::to_string(number) + ']';
-        }
     }
     return m_levels.size() > longest ? path + "/..." : path;
 }

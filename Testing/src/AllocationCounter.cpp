@@ -22,9 +22,8 @@ AllocationCounter::~AllocationCounter()
 bool AllocationCounter::Note(std::size_t bytes)
 {
     AllocationCounter* const counter = innermostCounter;
-    if (counter == nullptr) {
+    if (counter == nullptr)
         return true;
-    }
     ++counter->m_count;
     counter->m_bytes += bytes;
     return counter->m_untilFailure == 0 || --counter->m_untilFailure != 0;
@@ -40,9 +39,8 @@ void* Allocate(std::size_t bytes) noexcept
 
 void* AllocateOrThrow(std::size_t bytes)
 {
-    if (void* const memory = Allocate(bytes)) {
+    if (void* const memory = Allocate(bytes))
         return memory;
-    }
     throw std::bad_alloc();
 }
 

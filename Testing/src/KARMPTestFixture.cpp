@@ -2,18 +2,16 @@
 
 KARMPTestFixture::~KARMPTestFixture()
 {
-    for (const std::string& place : m_unclaimed) {
+    for (const std::string& place : m_unclaimed)
         ADD_FAILURE() << "Unclaimed report of a failed check at " << place;
-    }
 }
 
 void KARMPTestFixture::ExpectReports(std::size_t count, KARMPSourceLocation where)
 {
     if (m_unclaimed.size() != count) {
         std::string places;
-        for (const std::string& place : m_unclaimed) {
+        for (const std::string& place : m_unclaimed)
             places += "\n  at " + place;
-        }
         ADD_FAILURE_AT(where.file, where.line)
             << "Expected " << count << " reports of failed checks, got " << m_unclaimed.size()
             << places;

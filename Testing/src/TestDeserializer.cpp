@@ -39,18 +39,16 @@ private:
 
 bool Copier::LeavesOut(const TestDeserializer& node, std::wstring_view item)
 {
-    if (++m_items != m_form.leftOut) {
+    if (++m_items != m_form.leftOut)
         return false;
-    }
     m_harmed = node.Location() + L"/" + std::wstring(item);
     return true;
 }
 
 bool Copier::Spoils(const TestDeserializer& node, std::wstring_view item)
 {
-    if (++m_values != m_form.spoilt) {
+    if (++m_values != m_form.spoilt)
         return false;
-    }
     m_harmed = node.Location() + std::wstring(item);
     return true;
 }
@@ -61,11 +59,10 @@ void Copier::PutValue(const TestDeserializer& node, std::wstring_view item,
 {
     if (Spoils(node, item)) {
         // A text is spoilt by a number, all others by a text that is none of them.
-        if (variable.type == KARMPSerializationVariable::String && !m_form.asText) {
+        if (variable.type == KARMPSerializationVariable::String && !m_form.asText)
             put(0);
-        } else {
+        else
             put(L"?");
-        }
     } else if (m_form.asText || variable.type == KARMPSerializationVariable::String) {
         put(TestValueText(variable));
     } else if (variable.type == KARMPSerializationVariable::Bool) {
@@ -79,26 +76,24 @@ void Copier::PutValue(const TestDeserializer& node, std::wstring_view item,
 
 void Copier::Fill(const TestSerializer& from, TestDeserializer& to)
 {
-    if (m_form.versionOnEveryNode) {
+    if (m_form.versionOnEveryNode)
         to.SetVersion(m_version);
-    }
-    if (from.GetType() != KARMPSerializationVariable::None) {
+    if (from.GetType() != KARMPSerializationVariable::None)
         PutValue(to, L"", from.GetVariable(), [&to](const auto& value) { to.SetValue(value); });
-    }
     for (std::size_t index = 0; index < from.GetAttributeCount(); ++index) {
         const KARMPSerializationVariable attribute = from.GetAttribute(static_cast<int>(index));
         const std::wstring item = L"@" + attribute.name;
         if (!LeavesOut(to, item)) {
-            PutValue(to, L"/" + item, attribute,
-                     [&](const auto& value) { to.AddAttributeValue(attribute.name, value); });
+            PutValue(
+                to, L"/" + item, attribute,
+                [&](const auto& value) { to.AddAttributeValue(attribute.name, value); });
         }
     }
     const std::size_t first = m_pending.size();
     for (std::size_t index = 0; index < from.GetElementCount(); ++index) {
         const TestSerializer& child = from.Child(index);
-        if (!LeavesOut(to, child.GetId())) {
+        if (!LeavesOut(to, child.GetId()))
             m_pending.emplace_back(&child, &to.Add(child.GetId()));
-        }
     }
     std::reverse(m_pending.begin() + static_cast<std::ptrdiff_t>(first), m_pending.end());
 }
@@ -124,9 +119,8 @@ std::size_t ForEachHarm(
     for (form.*harm = 1;; ++(form.*harm)) {
         Copier copier(form);
         const std::unique_ptr<TestDeserializer> root = copier.Copy(tree);
-        if (copier.Harmed().empty()) {
+        if (copier.Harmed().empty())
             return form.*harm - 1;
-        }
         read(*root, copier.Harmed());
     }
 }
@@ -158,9 +152,8 @@ std::unique_ptr<TestDeserializer> TestDeserializer::From(const TestSerializer& t
 std::wstring TestDeserializer::Location() const
 {
     std::wstring path(Id());
-    for (const TestDeserializer* node = m_parent; node != nullptr; node = node->m_parent) {
+    for (const TestDeserializer* node = m_parent; node != nullptr; node = node->m_parent)
         path.insert(0, std::wstring(node->Id()) + L"/");
-    }
     return path;
 }
 

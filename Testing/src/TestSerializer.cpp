@@ -28,11 +28,9 @@ Step TakeStep(std::wstring_view& path)
     Step step{path.substr(0, end)};
     path = end == std::wstring_view::npos ? std::wstring_view() : path.substr(end + 1);
     if (const std::size_t bracket = step.name.find(L'['); bracket != std::wstring_view::npos) {
-        for (const wchar_t digit : step.name.substr(bracket + 1)) {
-            if (digit >= L'0' && digit <= L'9') {
+        for (const wchar_t digit : step.name.substr(bracket + 1))
+            if (digit >= L'0' && digit <= L'9')
                 step.number = step.number * 10 + static_cast<std::size_t>(digit - L'0');
-            }
-        }
         step.name = step.name.substr(0, bracket);
     }
     return step;
@@ -43,15 +41,13 @@ std::pair<std::wstring_view, std::wstring_view> SplitLast(std::wstring_view path
 {
     if (const std::size_t at = path.find(L'@'); at != std::wstring_view::npos) {
         std::wstring_view element = path.substr(0, at);
-        if (!element.empty() && element.back() == L'/') {
+        if (!element.empty() && element.back() == L'/')
             element.remove_suffix(1);
-        }
         return {element, path.substr(at)};
     }
     const std::size_t slash = path.rfind(L'/');
-    if (slash == std::wstring_view::npos) {
+    if (slash == std::wstring_view::npos)
         return {std::wstring_view(), path};
-    }
     return {path.substr(0, slash), path.substr(slash + 1)};
 }
 
@@ -87,9 +83,8 @@ std::size_t TestSerializer::Alive()
 
 KARMPSerializer* TestSerializer::CreateChildElement()
 {
-    if (++m_script->creations == m_script->failing) {
+    if (++m_script->creations == m_script->failing)
         return nullptr;
-    }
     return new TestSerializer(m_script);
 }
 
@@ -129,9 +124,8 @@ const TestSerializer* TestSerializer::Find(std::wstring_view path) const
         const TestSerializer* found = nullptr;
         for (std::size_t index = 0; index < node->GetElementCount() && found == nullptr; ++index) {
             const TestSerializer& child = node->Child(index);
-            if (child.GetId() == step.name && step.number-- == 0) {
+            if (child.GetId() == step.name && step.number-- == 0)
                 found = &child;
-            }
         }
         node = found;
     }
@@ -142,9 +136,8 @@ bool TestSerializer::Resolve(std::wstring_view path, KARMPSerializationVariable&
 {
     const std::size_t at = path.find(L'@');
     const TestSerializer* node = Find(at == std::wstring_view::npos ? path : SplitLast(path).first);
-    if (node == nullptr) {
+    if (node == nullptr)
         return false;
-    }
     if (at == std::wstring_view::npos) {
         variable = node->GetVariable();
         return true;
@@ -169,27 +162,23 @@ std::size_t TestSerializer::Count(std::wstring_view path) const
     const auto [elementPath, name] = SplitLast(path);
     const TestSerializer* const node = Find(elementPath);
     std::size_t count = 0;
-    if (node == nullptr) {
+    if (node == nullptr)
         return count;
-    }
     if (!name.empty() && name.front() == L'@') {
-        for (std::size_t index = 0; index < node->GetAttributeCount(); ++index) {
+        for (std::size_t index = 0; index < node->GetAttributeCount(); ++index)
             count += node->GetAttributeId(static_cast<int>(index)) == name.substr(1) ? 1U : 0U;
-        }
         return count;
     }
-    for (std::size_t index = 0; index < node->GetElementCount(); ++index) {
+    for (std::size_t index = 0; index < node->GetElementCount(); ++index)
         count += node->Child(index).GetId() == name ? 1U : 0U;
-    }
     return count;
 }
 
 KARMPSerializationVariable TestSerializer::Variable(std::wstring_view path) const
 {
     KARMPSerializationVariable variable;
-    if (!Resolve(path, variable)) {
+    if (!Resolve(path, variable))
         ADD_FAILURE() << "Nothing at " << kar::ToUtf8(path) << " in\n" << Dump();
-    }
     return variable;
 }
 
@@ -237,13 +226,11 @@ std::string TestSerializer::Dump() const
             text.append(" @").append(kar::ToUtf8(attribute.name)).append("=");
             text.append(Typed(attribute));
         }
-        if (node->GetType() != KARMPSerializationVariable::None) {
+        if (node->GetType() != KARMPSerializationVariable::None)
             text.append(" = ").append(Typed(node->GetVariable()));
-        }
         text.append("\n");
-        for (std::size_t index = node->GetElementCount(); index > 0; --index) {
+        for (std::size_t index = node->GetElementCount(); index > 0; --index)
             pending.emplace_back(&node->Child(index - 1), depth + 1);
-        }
     }
     return text;
 }

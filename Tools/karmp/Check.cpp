@@ -12,13 +12,13 @@ namespace {
 using documents::Diagnostic;
 using documents::Severity;
 
-void printText(const Diagnostic& message)
+void PrintText(const Diagnostic& message)
 {
     const std::string text = Printable(std::string_view(documents::Format(message)));
     std::cout << (message.severity == Severity::Error ? Red(text) : Yellow(text)) << '\n';
 }
 
-void printJson(const Diagnostic& message, bool first)
+void PrintJson(const Diagnostic& message, bool first)
 {
     std::cout << (first ? "\n" : ",\n")
               << "    {\"severity\": " << JsonText(documents::SeverityText(message.severity))
@@ -28,21 +28,21 @@ void printJson(const Diagnostic& message, bool first)
               << ", \"text\": " << JsonText(message.text) << '}';
 }
 
-void printJson(const std::string& file, const documents::Diagnostics& messages)
+void PrintJson(const std::string& file, const documents::Diagnostics& messages)
 {
     std::cout << "{\n  \"file\": " << JsonText(file)
               << ",\n  \"errors\": " << messages.Count(Severity::Error)
               << ",\n  \"warnings\": " << messages.Count(Severity::Warning)
               << ",\n  \"findings\": [";
     for (std::size_t i = 0; i < messages.items.size(); ++i)
-        printJson(messages.items[i], i == 0);
+        PrintJson(messages.items[i], i == 0);
     std::cout << (messages.items.empty() ? "]\n}\n" : "\n  ]\n}\n");
 }
 
-void printText(const std::string& file, const documents::Diagnostics& messages, bool quiet)
+void PrintText(const std::string& file, const documents::Diagnostics& messages, bool quiet)
 {
     for (const Diagnostic& message : messages.items)
-        printText(message);
+        PrintText(message);
     if (quiet)
         return;
     const std::size_t errors = messages.Count(Severity::Error);
@@ -65,9 +65,9 @@ int RunCheck(const CheckOptions& options)
         result = documents::LoadFile(options.file);
     }
     if (options.json)
-        printJson(options.file, result.diagnostics);
+        PrintJson(options.file, result.diagnostics);
     else
-        printText(options.file, result.diagnostics, options.quiet);
+        PrintText(options.file, result.diagnostics, options.quiet);
     if (!result.world)
         return Unreadable;
     return result.diagnostics.items.empty() ? Clean : Findings;

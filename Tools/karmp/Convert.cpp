@@ -18,7 +18,7 @@ using documents::SaveOptions;
 constexpr std::size_t MaximumDifferences = 1000;
 
 // The world of a text, saved for the current version: what a reader of that text makes of it.
-std::optional<Document> readAndSaveAgain(const std::string& text, const SaveOptions& options)
+std::optional<Document> ReadAndSaveAgain(const std::string& text, const SaveOptions& options)
 {
     const documents::LoadResult loaded =
         documents::LoadText(text, "<converted>", {options.limits, false});
@@ -30,7 +30,7 @@ std::optional<Document> readAndSaveAgain(const std::string& text, const SaveOpti
 
 // What the version loses shows in what a reader makes of the two texts, so that what is lost at any
 // version is not counted.
-int printLosses(const QOBSharedHandle<KARMPWorld>& world, const SaveOptions& options)
+int PrintLosses(const QOBSharedHandle<KARMPWorld>& world, const SaveOptions& options)
 {
     SaveOptions current = options;
     current.version = CurrentVersion;
@@ -39,8 +39,8 @@ int printLosses(const QOBSharedHandle<KARMPWorld>& world, const SaveOptions& opt
     if (documents::SaveText(world, kept, current).HasErrors() ||
         documents::SaveText(world, converted, options).HasErrors())
         return Unreadable;
-    const auto before = readAndSaveAgain(kept, current);
-    const auto after = readAndSaveAgain(converted, current);
+    const auto before = ReadAndSaveAgain(kept, current);
+    const auto after = ReadAndSaveAgain(converted, current);
     if (!before || !after || before->Root() == nullptr || after->Root() == nullptr)
         return Unreadable;
     const auto losses = FindDifferences(*before->Root(), *after->Root(), MaximumDifferences);
@@ -54,7 +54,7 @@ int printLosses(const QOBSharedHandle<KARMPWorld>& world, const SaveOptions& opt
     return Findings;
 }
 
-bool isKnown(std::wstring_view version)
+bool IsKnown(std::wstring_view version)
 {
     const auto& known = documents::KnownVersions();
     return std::find(known.begin(), known.end(), version) != known.end();
@@ -72,7 +72,7 @@ int RunConvert(const ConvertOptions& options)
     save.version =
         options.version.empty() ? loaded->version : kar::ToWide(std::string_view(options.version));
     save.doubles = options.exact ? documents::Doubles::Exact : documents::Doubles::Snapped;
-    if (!isKnown(save.version)) {
+    if (!IsKnown(save.version)) {
         std::cerr << "karmp: unknown version " << Printable(save.version) << "; known are";
         for (const std::wstring_view version : documents::KnownVersions())
             std::cerr << ' ' << Printable(version);
@@ -88,7 +88,7 @@ int RunConvert(const ConvertOptions& options)
     PrintMessages(messages, true);
     if (messages.HasErrors())
         return Unreadable;
-    const int losses = printLosses(loaded->world, save);
+    const int losses = PrintLosses(loaded->world, save);
     if (losses != Clean)
         return losses;
     const bool complete = loaded->diagnostics.items.empty() && messages.items.empty();

@@ -20,7 +20,7 @@ namespace karmp::tool {
 
 namespace {
 
-std::string quoted(const std::string& text)
+std::string Quoted(const std::string& text)
 {
     std::string label = "\"";
     for (const char character : text) {
@@ -31,7 +31,7 @@ std::string quoted(const std::string& text)
     return label + '"';
 }
 
-std::string labelOf(const KARMPEntity& entity)
+std::string LabelOf(const KARMPEntity& entity)
 {
     if (!entity.getEntityName().empty())
         return Printable(entity.getEntityName());
@@ -71,7 +71,7 @@ private:
     {
         const std::string node = 'b' + std::to_string(m_nodes.size());
         m_nodes.emplace(body._getReferent(), node);
-        m_stream << "  " << node << " [label=" << quoted(labelOf(*body));
+        m_stream << "  " << node << " [label=" << Quoted(LabelOf(*body));
         if (global || body->IsFixed())
             m_stream << ", style=filled, fillcolor=lightgrey";
         m_stream << "];\n";
@@ -89,7 +89,7 @@ private:
             if (const auto node = m_nodes.find(body._getReferent()); node != m_nodes.end())
                 ends.push_back(node->second);
         }
-        const std::string label = quoted(labelOf(joint) + "\n" + kind);
+        const std::string label = Quoted(LabelOf(joint) + "\n" + kind);
         if (ends.size() == 2) {
             m_stream << "  " << ends[0] << " -- " << ends[1] << " [label=" << label << "];\n";
             return;
@@ -107,7 +107,7 @@ private:
 
 // Runs Graphviz without a shell, so that no file name is taken for a command. Its input is a file
 // that is unlinked at once.
-bool renderPicture(const std::string& text, const std::string& format, const std::string& output)
+bool RenderPicture(const std::string& text, const std::string& format, const std::string& output)
 {
     std::FILE* input = std::tmpfile();
     if (input == nullptr)
@@ -131,7 +131,7 @@ bool renderPicture(const std::string& text, const std::string& format, const std
     return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
-std::string formatOf(const GraphOptions& options)
+std::string FormatOf(const GraphOptions& options)
 {
     if (!options.format.empty())
         return options.format;
@@ -144,7 +144,7 @@ std::string formatOf(const GraphOptions& options)
 
 int RunGraph(const GraphOptions& options)
 {
-    const std::string format = formatOf(options);
+    const std::string format = FormatOf(options);
     if (format != "dot" && options.output.empty()) {
         std::cerr << "karmp: a picture needs --output\n";
         return Unreadable;
@@ -158,7 +158,7 @@ int RunGraph(const GraphOptions& options)
     if (options.output.empty()) {
         std::cout << text.str();
     } else if (format != "dot") {
-        if (!renderPicture(text.str(), format, options.output)) {
+        if (!RenderPicture(text.str(), format, options.output)) {
             std::cerr << "karmp: cannot make the picture "
                       << Printable(std::string_view(options.output)) << '\n';
             return Unreadable;

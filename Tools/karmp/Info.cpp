@@ -26,7 +26,7 @@ constexpr std::array FamilyTitles{
 using ClassCounts = std::map<std::string, int>;
 
 template <class T>
-ClassCounts countClasses(const KARMPWorld& world)
+ClassCounts CountClasses(const KARMPWorld& world)
 {
     ClassCounts counts;
     const int count = world.Count<T>();
@@ -38,7 +38,7 @@ ClassCounts countClasses(const KARMPWorld& world)
     return counts;
 }
 
-std::string withoutPrefix(const std::string& className)
+std::string WithoutPrefix(const std::string& className)
 {
     constexpr std::string_view Prefix = "KARMP";
     return className.compare(0, Prefix.size(), Prefix) == 0 ? className.substr(Prefix.size())
@@ -46,14 +46,14 @@ std::string withoutPrefix(const std::string& className)
 }
 
 template <class Triple>
-std::string tripleText(const Triple& triple)
+std::string TripleText(const Triple& triple)
 {
     return '(' + NumberText(triple.GetX()) + ", " + NumberText(triple.GetY()) + ", " +
            NumberText(triple.GetZ()) + ')';
 }
 
 template <class T>
-std::string globalText(const QOBSharedHandle<T>& entity)
+std::string GlobalText(const QOBSharedHandle<T>& entity)
 {
     if (!entity)
         return "none";
@@ -62,7 +62,7 @@ std::string globalText(const QOBSharedHandle<T>& entity)
     return Title(entity->getEntityName(), identifier);
 }
 
-void printSettings(const KARMPWorld& world, std::wstring_view version)
+void PrintSettings(const KARMPWorld& world, std::wstring_view version)
 {
     KARMathPoint origin;
     KARMathVector gravity;
@@ -74,14 +74,14 @@ void printSettings(const KARMPWorld& world, std::wstring_view version)
     lines.Add("Version", Printable(version));
     lines.Add("Linear tolerance", NumberText(world.GetLinearTolerance()));
     lines.Add("Angular tolerance", NumberText(world.GetAngularTolerance()));
-    lines.Add("Origin", tripleText(origin));
-    lines.Add("Size", tripleText(KARMathVector(size[0], size[1], size[2])));
-    lines.Add("Gravity", tripleText(gravity));
+    lines.Add("Origin", TripleText(origin));
+    lines.Add("Size", TripleText(KARMathVector(size[0], size[1], size[2])));
+    lines.Add("Gravity", TripleText(gravity));
     std::cout << Bold("Settings") << '\n';
     lines.Print(2);
 }
 
-void printGlobals(const KARMPWorld& world)
+void PrintGlobals(const KARMPWorld& world)
 {
     QOBSharedHandle<KARMPBody> body;
     QOBSharedHandle<KARMPAxisSystem> axisSystem;
@@ -90,14 +90,14 @@ void printGlobals(const KARMPWorld& world)
     world.GetGlobalAxisSystem(axisSystem);
     world.GetGlobalTime(time);
     Columns lines;
-    lines.Add("Body", globalText(body));
-    lines.Add("Axis system", globalText(axisSystem));
-    lines.Add("Time", globalText(time));
+    lines.Add("Body", GlobalText(body));
+    lines.Add("Axis system", GlobalText(axisSystem));
+    lines.Add("Time", GlobalText(time));
     std::cout << '\n' << Bold("Globals") << '\n';
     lines.Print(2);
 }
 
-void printEntities(const KARMPWorld& world)
+void PrintEntities(const KARMPWorld& world)
 {
     Columns lines;
     int total = 0;
@@ -109,8 +109,8 @@ void printEntities(const KARMPWorld& world)
             return;
         total += world.Count<T>();
         lines.Add(name, std::to_string(world.Count<T>()));
-        for (const auto& [className, count] : countClasses<T>(world))
-            lines.Add("  " + Printable(std::string_view(withoutPrefix(className))),
+        for (const auto& [className, count] : CountClasses<T>(world))
+            lines.Add("  " + Printable(std::string_view(WithoutPrefix(className))),
                       "  " + std::to_string(count));
     });
     lines.Add("Total", std::to_string(total));
@@ -127,7 +127,7 @@ struct BodyTotals
     KARMathVector moment; // of mass, in the world's frame
 };
 
-BodyTotals sumBodies(const KARMPWorld& world)
+BodyTotals SumBodies(const KARMPWorld& world)
 {
     BodyTotals totals;
     for (int index = 0; index < world.GetBodyCount(); ++index) {
@@ -149,7 +149,7 @@ BodyTotals sumBodies(const KARMPWorld& world)
     return totals;
 }
 
-void printMasses(const BodyTotals& totals)
+void PrintMasses(const BodyTotals& totals)
 {
     Columns lines;
     lines.Add("Moving bodies", std::to_string(totals.moving));
@@ -157,14 +157,14 @@ void printMasses(const BodyTotals& totals)
     lines.Add("Moving bodies without mass", std::to_string(totals.withoutMass));
     lines.Add("Total mass", NumberText(totals.mass));
     if (totals.mass > 0.0)
-        lines.Add("Centre of mass", tripleText(totals.moment * (1.0 / totals.mass)));
+        lines.Add("Centre of mass", TripleText(totals.moment * (1.0 / totals.mass)));
     std::cout << '\n' << Bold("Bodies") << '\n';
     lines.Print(2);
 }
 
-void printMobility(const KARMPWorld& world, int movingBodies)
+void PrintMobility(const KARMPWorld& world, int movingBodies)
 {
-    const ClassCounts joints = countClasses<KARMPJoint>(world);
+    const ClassCounts joints = CountClasses<KARMPJoint>(world);
     if (joints.empty())
         return;
     const Mobility mobility = EstimateMobility(movingBodies, joints);
@@ -186,12 +186,12 @@ int RunInfo(const InfoOptions& options)
     if (!loaded)
         return Unreadable;
     const KARMPWorld& world = *loaded->world;
-    printSettings(world, loaded->version);
-    printGlobals(world);
-    printEntities(world);
-    const BodyTotals totals = sumBodies(world);
-    printMasses(totals);
-    printMobility(world, totals.moving);
+    PrintSettings(world, loaded->version);
+    PrintGlobals(world);
+    PrintEntities(world);
+    const BodyTotals totals = SumBodies(world);
+    PrintMasses(totals);
+    PrintMobility(world, totals.moving);
     return loaded->diagnostics.items.empty() ? Clean : Findings;
 }
 

@@ -9,7 +9,7 @@ namespace karmp::tool {
 
 namespace {
 
-std::string activity(const char* verb, const std::string& file)
+std::string Activity(const char* verb, const std::string& file)
 {
     return std::string(verb) + ' ' + Printable(std::string_view(file));
 }
@@ -18,17 +18,16 @@ std::string activity(const char* verb, const std::string& file)
 
 void PrintMessages(const documents::Diagnostics& messages, bool all)
 {
-    for (const documents::Diagnostic& message : messages.items) {
+    for (const documents::Diagnostic& message : messages.items)
         if (all || message.severity == documents::Severity::Error)
             std::cerr << Printable(std::string_view(documents::Format(message))) << '\n';
-    }
 }
 
 std::optional<documents::LoadResult> LoadWorld(const std::string& file)
 {
     documents::LoadResult result;
     {
-        const Progress progress(activity("loading", file));
+        const Progress progress(Activity("loading", file));
         result = documents::LoadFile(file);
     }
     if (!result.world) {
@@ -44,7 +43,7 @@ std::optional<documents::LoadResult> LoadWorld(const std::string& file)
 
 std::optional<documents::Document> ReadTree(const std::string& file)
 {
-    const Progress progress(activity("reading", file));
+    const Progress progress(Activity("reading", file));
     std::optional<documents::Document> document(documents::Document::ReadFile(file));
     if (document->Root() == nullptr) {
         PrintMessages(document->Messages(), true);

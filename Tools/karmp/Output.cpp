@@ -16,13 +16,13 @@ namespace {
 
 constexpr std::string_view HexDigits = "0123456789abcdef";
 
-void appendHex(std::string& text, unsigned char byte)
+void AppendHex(std::string& text, unsigned char byte)
 {
     text += HexDigits[byte >> 4U];
     text += HexDigits[byte & 15U];
 }
 
-std::string styled(const char* code, std::string_view text)
+std::string Styled(const char* code, std::string_view text)
 {
     if (!IsTerminal())
         return std::string(text);
@@ -30,11 +30,11 @@ std::string styled(const char* code, std::string_view text)
 }
 
 // Columns count characters, not bytes.
-std::size_t width(std::string_view text)
+std::size_t Width(std::string_view text)
 {
-    return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char byte) {
-        return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U;
-    }));
+    return static_cast<std::size_t>(std::count_if(
+        text.begin(), text.end(),
+        [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U; }));
 }
 
 } // namespace
@@ -49,10 +49,10 @@ std::string Printable(std::string_view text)
             byte == 0xC2 && i + 1 < text.size() && static_cast<unsigned char>(text[i + 1]) < 0xA0;
         if (byte < 0x20 || byte == 0x7F) {
             printable += "\\x";
-            appendHex(printable, byte);
+            AppendHex(printable, byte);
         } else if (second) {
             printable += "\\x";
-            appendHex(printable, static_cast<unsigned char>(text[++i]));
+            AppendHex(printable, static_cast<unsigned char>(text[++i]));
         } else {
             printable += text[i];
         }
@@ -87,7 +87,7 @@ std::string JsonText(std::string_view text)
             json += character;
         } else if (byte < 0x20) {
             json += "\\u00";
-            appendHex(json, byte);
+            AppendHex(json, byte);
         } else {
             json += character;
         }
@@ -103,22 +103,22 @@ bool IsTerminal()
 
 std::string Bold(std::string_view text)
 {
-    return styled("1", text);
+    return Styled("1", text);
 }
 
 std::string Red(std::string_view text)
 {
-    return styled("31", text);
+    return Styled("31", text);
 }
 
 std::string Yellow(std::string_view text)
 {
-    return styled("33", text);
+    return Styled("33", text);
 }
 
 std::string Dim(std::string_view text)
 {
-    return styled("2", text);
+    return Styled("2", text);
 }
 
 void Columns::Add(std::string label, std::string text)
@@ -130,10 +130,10 @@ void Columns::Print(std::size_t indentation) const
 {
     std::size_t widest = 0;
     for (const Line& line : m_lines)
-        widest = std::max(widest, width(line.label));
+        widest = std::max(widest, Width(line.label));
     for (const Line& line : m_lines) {
         std::cout << std::string(indentation, ' ') << line.label
-                  << std::string(widest - width(line.label) + 2, ' ') << line.text << '\n';
+                  << std::string(widest - Width(line.label) + 2, ' ') << line.text << '\n';
     }
 }
 

@@ -55,10 +55,9 @@ private:
                 continue;
             Element::ElementList entities;
             family->GetOrderedElementList(entities);
-            for (const Element* entity : entities) {
+            for (const Element* entity : entities)
                 if (entity->HasAttribute(L"id"))
                     visit(family->Id(), *entity);
-            }
         }
     }
 

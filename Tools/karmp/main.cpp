@@ -15,12 +15,12 @@ constexpr const char* ExitCodes =
     "Exit code: 0 when all is well, 1 when there are findings, 2 when a file cannot be read or "
     "written.";
 
-std::string footer(const char* example)
+std::string Footer(const char* example)
 {
     return std::string("Example:\n  ") + example + "\n\n" + ExitCodes;
 }
 
-int run(int argc, char** argv)
+int Run(int argc, char** argv)
 {
     CLI::App app("Looks at, checks and converts the documents of mechanisms.", "karmp");
     app.set_version_flag("--version", std::string("karmp " KARMP_TOOL_VERSION));
@@ -32,7 +32,7 @@ int run(int argc, char** argv)
     CLI::App* infoApp = app.add_subcommand(
         "info", "Settings, globals, counts by family and class, masses, estimated mobility");
     infoApp->add_option("FILE", info.file, "Document")->required();
-    infoApp->footer(footer("karmp info crank.xml"));
+    infoApp->footer(Footer("karmp info crank.xml"));
     infoApp->callback([&] { command = [&info] { return RunInfo(info); }; });
 
     TreeOptions tree;
@@ -40,7 +40,7 @@ int run(int argc, char** argv)
     treeApp->add_option("FILE", tree.file, "Document")->required();
     treeApp->add_option("--family", tree.family, "Only this list, for example Joints");
     treeApp->add_flag("--ids", tree.identifiers, "Identifiers behind the names");
-    treeApp->footer(footer("karmp tree crank.xml --family Joints"));
+    treeApp->footer(Footer("karmp tree crank.xml --family Joints"));
     treeApp->callback([&] { command = [&tree] { return RunTree(tree); }; });
 
     CheckOptions check;
@@ -49,7 +49,7 @@ int run(int argc, char** argv)
     checkApp->add_option("FILE", check.file, "Document")->required();
     checkApp->add_flag("--json", check.json, "Findings as JSON");
     checkApp->add_flag("-q,--quiet", check.quiet, "Findings only, no summary");
-    checkApp->footer(footer("karmp check crank.xml --json"));
+    checkApp->footer(Footer("karmp check crank.xml --json"));
     checkApp->callback([&] { command = [&check] { return RunCheck(check); }; });
 
     ConvertOptions convert;
@@ -61,7 +61,7 @@ int run(int argc, char** argv)
     convertApp->add_option("--to", convert.version, "Version to write, for example R2016.1");
     convertApp->add_flag("--exact", convert.exact,
                          "All doubles as they are, off the grid of 1e-12");
-    convertApp->footer(footer("karmp convert crank.xml old.xml --to R2016.1"));
+    convertApp->footer(Footer("karmp convert crank.xml old.xml --to R2016.1"));
     convertApp->callback([&] { command = [&convert] { return RunConvert(convert); }; });
 
     GraphOptions graph;
@@ -71,7 +71,7 @@ int run(int argc, char** argv)
     graphApp->add_option("-o,--output", graph.output, "File to write; standard output without it");
     graphApp->add_option("--format", graph.format, "By the ending of the output without it")
         ->check(CLI::IsMember({"dot", "svg", "png"}));
-    graphApp->footer(footer("karmp graph crank.xml --output crank.svg"));
+    graphApp->footer(Footer("karmp graph crank.xml --output crank.svg"));
     graphApp->callback([&] { command = [&graph] { return RunGraph(graph); }; });
 
     try {
@@ -92,7 +92,7 @@ int run(int argc, char** argv)
 int main(int argc, char** argv)
 {
     try {
-        return run(argc, argv);
+        return Run(argc, argv);
     } catch (const std::exception& exception) {
         std::cerr << "karmp: " << exception.what() << '\n';
         return Unreadable;

@@ -34,11 +34,10 @@ KARWBEquation* KARWBFactory::CreateEquation(const KARWBModelEquation& parsed)
 {
     if (!parsed.tree.IsComplete())
         return nullptr;
-    for (const KARWBNode& node : parsed.tree.GetNodes()) {
+    for (const KARWBNode& node : parsed.tree.GetNodes())
         if (node.operation == KARWBOperation::Variable &&
             node.variable >= parsed.variableNames.size())
             return nullptr;
-    }
     KARWBEquation* equation = CreateEquation();
     equation->m_tree = parsed.tree;
     equation->m_variables.reserve(parsed.variableNames.size());

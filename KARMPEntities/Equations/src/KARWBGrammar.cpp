@@ -57,10 +57,9 @@ constexpr std::array Table = {
 
 constexpr bool IsInOrder()
 {
-    for (std::size_t i = 0; i < Table.size(); ++i) {
+    for (std::size_t i = 0; i < Table.size(); ++i)
         if (static_cast<std::size_t>(Table[i].operation) != i)
             return false;
-    }
     return true;
 }
 static_assert(IsInOrder(), "a row's index is its operation");
@@ -76,10 +75,9 @@ const OperationInfo* FindNamedOperation(std::string_view word)
 {
     static const auto byWord = [] {
         std::unordered_map<std::string_view, const OperationInfo*> rows;
-        for (const OperationInfo& row : Table) {
+        for (const OperationInfo& row : Table)
             if (!row.word.empty() && IsLetter(row.word.front()))
                 rows.emplace(row.word, &row);
-        }
         return rows;
     }();
     const auto found = byWord.find(word);

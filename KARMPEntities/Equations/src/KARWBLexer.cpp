@@ -117,14 +117,13 @@ void Lexer::ReadQuotedName(Token& token)
 {
     token.kind = TokenKind::QuotedName;
     ++m_position;
-    while (m_position < m_text.size() && m_text[m_position] != '\'') {
+    while (m_position < m_text.size() && m_text[m_position] != '\'')
         if (m_text[m_position] == '\\')
             ReadEscape(token);
         else if (token.kind != TokenKind::Invalid)
             token.text += m_text[m_position++];
         else
             ++m_position;
-    }
     if (m_position < m_text.size())
         ++m_position;
     else if (token.kind != TokenKind::Invalid)

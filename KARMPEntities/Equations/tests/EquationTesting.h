@@ -66,10 +66,9 @@ inline double Evaluate(std::string_view text)
     if (parsed.status != KARSuccess)
         return std::numeric_limits<double>::quiet_NaN();
     const std::pair<const char*, double> values[] = {{"a", 2.0}, {"b", 3.0}, {"c", 5.0}};
-    for (const auto& [name, value] : values) {
+    for (const auto& [name, value] : values)
         if (KARWBVariable* variable = parsed.factory.GetVariable(std::string_view(name)))
             variable->SetValue(value);
-    }
     double result = 0.0;
     EXPECT_EQ(KARWBEvaluator().Evaluate(*parsed.First(), result), KARSuccess);
     return result;
@@ -127,11 +126,9 @@ inline void Generate(KARWBEquation& equation, std::mt19937& random)
         return equation.Apply(operation);
     };
     const unsigned length = 1 + draw(40);
-    for (unsigned i = 0; i < length; ++i) {
-        if (draw(2) == 0 || KARFailed(apply())) {
+    for (unsigned i = 0; i < length; ++i)
+        if (draw(2) == 0 || KARFailed(apply()))
             ASSERT_EQ(pushLeaf(), KARSuccess);
-        }
-    }
     while (!equation.IsComplete())
         apply();
     if (draw(8) == 0) {

@@ -15,7 +15,7 @@ using karmp::ElementWriter;
 
 namespace {
 
-void writePair(ElementWriter& element, std::wstring_view name, std::wstring_view linearName,
+void WritePair(ElementWriter& element, std::wstring_view name, std::wstring_view linearName,
                const KARMathVector& linear, std::wstring_view angularName,
                const KARMathVector& angular)
 {
@@ -28,7 +28,7 @@ void writePair(ElementWriter& element, std::wstring_view name, std::wstring_view
         vector.Values(karmp::VectorNames, angular);
 }
 
-bool readVector(ElementReader& element, karmp::ItemName name, KARMathVector& vector)
+bool ReadVector(ElementReader& element, karmp::ItemName name, KARMathVector& vector)
 {
     ElementReader child = element.Child(name, Absent::ReportAndKeep);
     if (child)
@@ -57,9 +57,9 @@ void KARMPBody::WriteState(ElementWriter& element) const
         GetPosition(position);
         karmp::WriteTransformation(child, position);
     }
-    writePair(element, L"Velocity", L"LinearVelocity", m_linearVelocity, L"AngularVelocity",
+    WritePair(element, L"Velocity", L"LinearVelocity", m_linearVelocity, L"AngularVelocity",
               m_angularVelocity);
-    writePair(element, L"Acceleration", L"LinearAcceleration", m_linearAcceleration,
+    WritePair(element, L"Acceleration", L"LinearAcceleration", m_linearAcceleration,
               L"AngularAcceleration", m_angularAcceleration);
     if (ElementWriter weight = element.Child(L"Weight")) {
         weight.Value(L"Mass", m_mass);
@@ -125,7 +125,7 @@ void KARMPBody::ReadMotion(ElementReader& element)
     const auto readVelocity = [this](ElementReader& parent, karmp::ItemName name,
                                      KARMathVector& velocity) {
         KARMathVector read;
-        if (!readVector(parent, name, read))
+        if (!ReadVector(parent, name, read))
             return;
         velocity = read;
         if (read.GetX() > 0.0 || read.GetY() > 0.0 || read.GetZ() > 0.0)
@@ -136,8 +136,8 @@ void KARMPBody::ReadMotion(ElementReader& element)
         readVelocity(velocity, L"AngularVelocity", m_angularVelocity);
     }
     if (ElementReader acceleration = element.Child(L"Acceleration", Absent::ReportAndKeep)) {
-        readVector(acceleration, L"LinearAcceleration", m_linearAcceleration);
-        readVector(acceleration, L"AngularAcceleration", m_angularAcceleration);
+        ReadVector(acceleration, L"LinearAcceleration", m_linearAcceleration);
+        ReadVector(acceleration, L"AngularAcceleration", m_angularAcceleration);
     }
 }
 
@@ -155,12 +155,13 @@ void KARMPBody::ReadWeight(ElementReader& element)
 
 void KARMPBody::ReadLinks(ElementReader& element, const KARMPEntityTable& entities)
 {
-    element.References<KARMPGeometry>(L"Geometries", L"Geometry", entities,
-                                      [this](const auto& entity) { return AddGeometry(entity); });
-    element.References<KARMPJoint>(L"Joints", L"Joint", entities,
-                                   [this](const auto& entity) { return LinkToJoint(entity); });
-    element.References<KARMPShape>(L"Shapes", L"Shape", entities,
-                                   [this](const auto& entity) { return LinkToShape(entity); });
+    element.References<KARMPGeometry>(
+        L"Geometries", L"Geometry", entities,
+        [this](const auto& entity) { return AddGeometry(entity); });
+    element.References<KARMPJoint>(
+        L"Joints", L"Joint", entities, [this](const auto& entity) { return LinkToJoint(entity); });
+    element.References<KARMPShape>(
+        L"Shapes", L"Shape", entities, [this](const auto& entity) { return LinkToShape(entity); });
     element.References<KARMPConnector>(
         L"Connectors", L"Connector", entities,
         [this](const auto& entity) { return LinkToConnector(entity); });

@@ -8,7 +8,7 @@ using BodyLinks = BodyFixture;
 
 // One list of a body: what it holds, and how it is reached.
 template <class T, class Make>
-void checkList(KARMPBody& body, const Make& make,
+void CheckList(KARMPBody& body, const Make& make,
                KARStatus (KARMPBody::*add)(const QOBSharedHandle<T>&),
                KARStatus (KARMPBody::*remove)(const QOBSharedHandle<T>&),
                KARStatus (KARMPBody::*get)(int, QOBSharedHandle<T>&) const,
@@ -45,7 +45,7 @@ void checkList(KARMPBody& body, const Make& make,
 
 TEST_F(BodyLinks, OfGeometryFollowTheRulesOfLists)
 {
-    checkList<KARMPGeometry>(
+    CheckList<KARMPGeometry>(
         *NewBody(L"b"), [this](const wchar_t* n) { return Keep(KARMPPoint::create(n)); },
         &KARMPBody::AddGeometry, &KARMPBody::RemoveGeometry, &KARMPBody::GetGeometry,
         &KARMPBody::GetGeometryCount, [this] { ExpectReports(1); });
@@ -53,7 +53,7 @@ TEST_F(BodyLinks, OfGeometryFollowTheRulesOfLists)
 
 TEST_F(BodyLinks, OfJointsFollowTheRulesOfLists)
 {
-    checkList<KARMPJoint>(
+    CheckList<KARMPJoint>(
         *NewBody(L"b"), [this](const wchar_t* n) { return New<KARMPJoint>(n); },
         &KARMPBody::LinkToJoint, &KARMPBody::RemoveJoint, &KARMPBody::GetLinkedJoint,
         &KARMPBody::GetLinkedJointCount, [this] { ExpectReports(1); });
@@ -61,7 +61,7 @@ TEST_F(BodyLinks, OfJointsFollowTheRulesOfLists)
 
 TEST_F(BodyLinks, OfShapesFollowTheRulesOfLists)
 {
-    checkList<KARMPShape>(
+    CheckList<KARMPShape>(
         *NewBody(L"b"), [this](const wchar_t* n) { return New<KARMPShape>(n); },
         &KARMPBody::LinkToShape, &KARMPBody::RemoveShape, &KARMPBody::GetLinkedShape,
         &KARMPBody::GetLinkedShapeCount, [this] { ExpectReports(1); });
@@ -69,7 +69,7 @@ TEST_F(BodyLinks, OfShapesFollowTheRulesOfLists)
 
 TEST_F(BodyLinks, OfConnectorsFollowTheRulesOfLists)
 {
-    checkList<KARMPConnector>(
+    CheckList<KARMPConnector>(
         *NewBody(L"b"), [this](const wchar_t* n) { return New<KARMPConnector>(n); },
         &KARMPBody::LinkToConnector, &KARMPBody::RemoveConnector, &KARMPBody::GetLinkedConnector,
         &KARMPBody::GetLinkedConnectorCount, [this] { ExpectReports(1); });
@@ -77,7 +77,7 @@ TEST_F(BodyLinks, OfConnectorsFollowTheRulesOfLists)
 
 TEST_F(BodyLinks, OfImpactedChildrenFollowTheRulesOfLists)
 {
-    checkList<KARMPBody>(
+    CheckList<KARMPBody>(
         *NewBody(L"b"), [this](const wchar_t* n) { return NewBody(n); },
         &KARMPBody::AddImpactedChildBody, &KARMPBody::RemoveBody, &KARMPBody::GetImpactedChildBody,
         &KARMPBody::GetImpactedChildBodyCount, [this] { ExpectReports(1); });

@@ -512,9 +512,8 @@ TEST_F(BodyTree, ReportsEachAdditionThatFailsAndWritesTheRest)
         ForEachFailedCreation(L"R2018.1", [this](TestSerializer& root, std::size_t failing) {
             EXPECT_EQ(body->Serialize(&root), KARSuccess);
             EXPECT_EQ(TakeReportsOf("KARMPBody"), failing == 0 ? 0U : 1U);
-            if (failing > 1) {
+            if (failing > 1)
                 EXPECT_EQ(root.Text(L"Body/@is_fixed"), L"no");
-            }
         });
     EXPECT_GT(creations, 50U);
 }

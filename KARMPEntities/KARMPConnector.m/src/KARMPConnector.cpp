@@ -14,7 +14,7 @@ KARMP_DEFINE_ABSTRACT_ENTITY(KARMPConnector, "1AD098B4-541A-4f2f-8701-6E548C40C2
 
 namespace {
 
-KARStatus setBody(QOBSharedHandle<KARMPBody>& field, const QOBSharedHandle<KARMPBody>& body)
+KARStatus SetBody(QOBSharedHandle<KARMPBody>& field, const QOBSharedHandle<KARMPBody>& body)
 {
     if (!KARMPVerify(static_cast<bool>(body)))
         return KARFailure;
@@ -54,7 +54,7 @@ KARStatus KARMPConnector::GetLoader(KARIMPConnectorLoader*& loader) const
 
 KARStatus KARMPConnector::SetFirstBody(const QOBSharedHandle<KARMPBody>& body)
 {
-    return setBody(m_firstBody, body);
+    return SetBody(m_firstBody, body);
 }
 
 KARStatus KARMPConnector::GetFirstBody(QOBSharedHandle<KARMPBody>& body) const
@@ -65,7 +65,7 @@ KARStatus KARMPConnector::GetFirstBody(QOBSharedHandle<KARMPBody>& body) const
 
 KARStatus KARMPConnector::SetSecondBody(const QOBSharedHandle<KARMPBody>& body)
 {
-    return setBody(m_secondBody, body);
+    return SetBody(m_secondBody, body);
 }
 
 KARStatus KARMPConnector::GetSecondBody(QOBSharedHandle<KARMPBody>& body) const
@@ -163,10 +163,10 @@ KARStatus KARMPConnector::Deserialize(const KARMPDeserializer* deserializer,
     karmp::ElementReader element(deserializer);
     if (!element || !element.Base(Super::Deserialize(element.Node(), entities)))
         return KARFailure;
-    element.Reference<KARMPBody>(L"FirstBody", entities,
-                                 [this](const auto& body) { return SetFirstBody(body); });
-    element.Reference<KARMPBody>(L"SecondBody", entities,
-                                 [this](const auto& body) { return SetSecondBody(body); });
+    element.Reference<KARMPBody>(
+        L"FirstBody", entities, [this](const auto& body) { return SetFirstBody(body); });
+    element.Reference<KARMPBody>(
+        L"SecondBody", entities, [this](const auto& body) { return SetSecondBody(body); });
     element.References<KARMPGeometry>(
         L"Geometries", L"Geometry", entities,
         [this](const auto& geometry) { return LinkToGeometry(geometry); });

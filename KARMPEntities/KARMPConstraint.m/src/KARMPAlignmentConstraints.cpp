@@ -105,7 +105,7 @@ KARStatus KARMPNormal::SetAlignment(KARMPAlignment::Enum alignment)
 KARStatus KARMPNormal::Deserialize(const KARMPDeserializer* deserializer,
                                    const KARMPEntityTable& entities)
 {
-    return karmp::ReadConstraint(*this, deserializer, entities, L"Normal", [this](auto& element) {
-        karmp::ReadOption(element, AlignmentName, m_alignment);
-    });
+    return karmp::ReadConstraint(
+        *this, deserializer, entities, L"Normal",
+        [this](auto& element) { karmp::ReadOption(element, AlignmentName, m_alignment); });
 }

@@ -26,15 +26,15 @@ KARStatus KARMPAngle::GetHingeMode(KARMPHingeMode::Enum& mode) const
 
 KARStatus KARMPAngle::Serialize(KARMPSerializer* serializer) const
 {
-    return karmp::WriteConstraint(*this, serializer, L"Angle", [this](auto& element) {
-        element.Word(L"HingeMode", m_hingeMode);
-    });
+    return karmp::WriteConstraint(
+        *this, serializer, L"Angle",
+        [this](auto& element) { element.Word(L"HingeMode", m_hingeMode); });
 }
 
 KARStatus KARMPAngle::Deserialize(const KARMPDeserializer* deserializer,
                                   const KARMPEntityTable& entities)
 {
-    return karmp::ReadConstraint(*this, deserializer, entities, L"Angle", [this](auto& element) {
-        karmp::ReadOption(element, L"HingeMode", m_hingeMode);
-    });
+    return karmp::ReadConstraint(
+        *this, deserializer, entities, L"Angle",
+        [this](auto& element) { karmp::ReadOption(element, L"HingeMode", m_hingeMode); });
 }

@@ -47,24 +47,27 @@ KARStatus KARMPCoincidence::GetCircleTorusOrientation(
 
 KARStatus KARMPCoincidence::GetSolverConstraintParameters(double* parameters) const
 {
-    return karmp::AskLoader<KARIMPCoincidenceLoader>(*this, KARFailure, [&](auto& loader) {
-        return loader.GetSolverConstraintParameters(parameters);
-    });
+    return karmp::AskLoader<KARIMPCoincidenceLoader>(
+        *this, KARFailure,
+        [&](auto& loader) { return loader.GetSolverConstraintParameters(parameters); });
 }
 
 KARStatus KARMPCoincidence::Serialize(KARMPSerializer* serializer) const
 {
-    return karmp::WriteConstraint(*this, serializer, L"Coincidence", [this](auto& element) {
-        element.Word(L"Alignment", m_alignment);
-        element.Word(L"CircleTorusOrientation", m_orientation);
-    });
+    return karmp::WriteConstraint(
+        *this, serializer, L"Coincidence",
+        [this](auto& element) {
+            element.Word(L"Alignment", m_alignment);
+            element.Word(L"CircleTorusOrientation", m_orientation);
+        });
 }
 
 KARStatus KARMPCoincidence::Deserialize(const KARMPDeserializer* deserializer,
                                         const KARMPEntityTable& entities)
 {
     return karmp::ReadConstraint(
-        *this, deserializer, entities, L"Coincidence", [this](auto& element) {
+        *this, deserializer, entities, L"Coincidence",
+        [this](auto& element) {
             karmp::ReadOption(element, L"Alignment", *this, &KARMPCoincidence::SetAlignment);
             karmp::ReadOption(element, L"CircleTorusOrientation", m_orientation);
         });

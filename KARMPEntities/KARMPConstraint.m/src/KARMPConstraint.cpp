@@ -173,10 +173,12 @@ bool KARMPConstraint::IsSatisfied(double& residual) const
 
 bool KARMPConstraint::IsSatisfied() const
 {
-    return karmp::AskLoader<KARIMPConstraintLoader>(*this, false, [](auto& loader) {
-        const GMKTkCompatCtx compatibility;
-        return loader.IsSatisfied();
-    });
+    return karmp::AskLoader<KARIMPConstraintLoader>(
+        *this, false,
+        [](auto& loader) {
+            const GMKTkCompatCtx compatibility;
+            return loader.IsSatisfied();
+        });
 }
 
 KARStatus KARMPConstraint::CurrentValue(int index, double& value, double& rate) const

@@ -11,7 +11,7 @@ constexpr karmp::Names<2> TypeNames{L"Type1", L"Type2"};
 constexpr karmp::Names<3> TagNames{L"Tag1", L"Tag2", L"Tag3"};
 
 template <class Integer, std::size_t N>
-void writeIntegers(karmp::ElementWriter section, const karmp::Names<N>& names,
+void WriteIntegers(karmp::ElementWriter section, const karmp::Names<N>& names,
                    const std::array<Integer, N>& values)
 {
     for (std::size_t i = 0; i < N; ++i)
@@ -20,7 +20,7 @@ void writeIntegers(karmp::ElementWriter section, const karmp::Names<N>& names,
 
 // The tree has signed integers only; a tag above their range comes back by the reverse conversion.
 template <class Integer, std::size_t N>
-void readIntegers(karmp::ElementReader section, const karmp::Names<N>& names,
+void ReadIntegers(karmp::ElementReader section, const karmp::Names<N>& names,
                   std::array<Integer, N>& values)
 {
     if (!section)
@@ -45,8 +45,8 @@ KARStatus KARMPConstraintParameter::Serialize(KARMPSerializer* serializer) const
     karmp::ElementWriter element(serializer, L"ConstraintParameter");
     if (!element)
         return KARFailure;
-    writeIntegers(element.Child(L"Types"), TypeNames, m_types);
-    writeIntegers(element.Child(L"Tags"), TagNames, m_tags);
+    WriteIntegers(element.Child(L"Types"), TypeNames, m_types);
+    WriteIntegers(element.Child(L"Tags"), TagNames, m_tags);
     element.Child(L"Params").Values(karmp::CentreNames, m_params);
     return KARSuccess;
 }
@@ -58,8 +58,8 @@ KARStatus KARMPConstraintParameter::Deserialize(const KARMPDeserializer* deseria
     karmp::ElementReader element(deserializer);
     if (!element)
         return KARFailure;
-    readIntegers(element.Child(L"Types", Absent::ReportAndKeep), TypeNames, m_types);
-    readIntegers(element.Child(L"Tags", Absent::ReportAndKeep), TagNames, m_tags);
+    ReadIntegers(element.Child(L"Types", Absent::ReportAndKeep), TypeNames, m_types);
+    ReadIntegers(element.Child(L"Tags", Absent::ReportAndKeep), TagNames, m_tags);
     if (karmp::ElementReader section = element.Child(L"Params", Absent::ReportAndKeep))
         section.Values(karmp::CentreNames, m_params, Absent::ReportAndZero);
     return KARSuccess;

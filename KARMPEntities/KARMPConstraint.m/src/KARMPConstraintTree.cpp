@@ -43,10 +43,9 @@ void KARMPConstraint::WriteParameters(KARMPSerializer* element) const
     const karmp::ElementWriter container(element, L"ConstraintParameters");
     if (!container)
         return;
-    for (const KARMPConstraintParameter* parameter : m_parameters) {
+    for (const KARMPConstraintParameter* parameter : m_parameters)
         if (KARMPVerify(parameter != nullptr))
             KARMPVerify(!KARFailed(parameter->Serialize(container.Node())));
-    }
 }
 
 KARStatus KARMPConstraint::Deserialize(const KARMPDeserializer* deserializer,
@@ -58,8 +57,8 @@ KARStatus KARMPConstraint::Deserialize(const KARMPDeserializer* deserializer,
     element.References<KARMPGeometry>(
         L"Geometries", L"Geometry", entities,
         [this](const auto& geometry) { return LinkToGeometry(geometry); });
-    element.Reference<KARMPJoint>(L"Joint", entities,
-                                  [this](const auto& joint) { return SetJoint(joint); });
+    element.Reference<KARMPJoint>(
+        L"Joint", entities, [this](const auto& joint) { return SetJoint(joint); });
     element.References<KARMPVariable>(
         L"Variables", L"Variable", entities,
         [this](const auto& variable) { return LinkToVariable(variable); });

@@ -43,17 +43,21 @@ KARStatus KARMPDistance::GetHalfSpace(KARMPHalfSpace::Enum& halfSpace) const
 
 KARStatus KARMPDistance::Serialize(KARMPSerializer* serializer) const
 {
-    return karmp::WriteConstraint(*this, serializer, L"Distance", [this](auto& element) {
-        element.Word(L"Alignment", m_alignment);
-        element.Word(L"HalfSpace", m_halfSpace);
-    });
+    return karmp::WriteConstraint(
+        *this, serializer, L"Distance",
+        [this](auto& element) {
+            element.Word(L"Alignment", m_alignment);
+            element.Word(L"HalfSpace", m_halfSpace);
+        });
 }
 
 KARStatus KARMPDistance::Deserialize(const KARMPDeserializer* deserializer,
                                      const KARMPEntityTable& entities)
 {
-    return karmp::ReadConstraint(*this, deserializer, entities, L"Distance", [this](auto& element) {
-        karmp::ReadOption(element, L"Alignment", *this, &KARMPDistance::SetAlignment);
-        karmp::ReadOption(element, L"HalfSpace", *this, &KARMPDistance::SetHalfSpace);
-    });
+    return karmp::ReadConstraint(
+        *this, deserializer, entities, L"Distance",
+        [this](auto& element) {
+            karmp::ReadOption(element, L"Alignment", *this, &KARMPDistance::SetAlignment);
+            karmp::ReadOption(element, L"HalfSpace", *this, &KARMPDistance::SetHalfSpace);
+        });
 }

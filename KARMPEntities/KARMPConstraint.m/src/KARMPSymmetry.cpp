@@ -54,8 +54,10 @@ KARStatus KARMPSymmetry::Serialize(KARMPSerializer* serializer) const
 KARStatus KARMPSymmetry::Deserialize(const KARMPDeserializer* deserializer,
                                      const KARMPEntityTable& entities)
 {
-    return karmp::ReadConstraint(*this, deserializer, entities, L"Symmetry", [this](auto& element) {
-        karmp::ReadOption(element, L"Alignment", *this, &KARMPSymmetry::SetAlignment);
-        karmp::ReadOption(element, L"SelectedPlane", m_plane);
-    });
+    return karmp::ReadConstraint(
+        *this, deserializer, entities, L"Symmetry",
+        [this](auto& element) {
+            karmp::ReadOption(element, L"Alignment", *this, &KARMPSymmetry::SetAlignment);
+            karmp::ReadOption(element, L"SelectedPlane", m_plane);
+        });
 }

@@ -45,9 +45,9 @@ KARStatus KARMPTangency::GetAlignment(KARMPAlignment::Enum& alignment) const
 
 KARStatus KARMPTangency::GetSolverConstraintParameters(double* parameters) const
 {
-    return karmp::AskLoader<KARIMPTangencyLoader>(*this, KARFailure, [&](auto& loader) {
-        return loader.GetSolverConstraintParameters(parameters);
-    });
+    return karmp::AskLoader<KARIMPTangencyLoader>(
+        *this, KARFailure,
+        [&](auto& loader) { return loader.GetSolverConstraintParameters(parameters); });
 }
 
 KARStatus KARMPTangency::Serialize(KARMPSerializer* serializer) const
@@ -62,9 +62,11 @@ KARStatus KARMPTangency::Serialize(KARMPSerializer* serializer) const
 KARStatus KARMPTangency::Deserialize(const KARMPDeserializer* deserializer,
                                      const KARMPEntityTable& entities)
 {
-    return karmp::ReadConstraint(*this, deserializer, entities, L"Tangency", [this](auto& element) {
-        karmp::ReadOption(element, L"Alignment", *this, &KARMPTangency::SetAlignment);
-        karmp::ReadOption(element, L"SurfaceOrientation", *this,
-                          &KARMPTangency::SetSurfaceOrientation);
-    });
+    return karmp::ReadConstraint(
+        *this, deserializer, entities, L"Tangency",
+        [this](auto& element) {
+            karmp::ReadOption(element, L"Alignment", *this, &KARMPTangency::SetAlignment);
+            karmp::ReadOption(element, L"SurfaceOrientation", *this,
+                              &KARMPTangency::SetSurfaceOrientation);
+        });
 }

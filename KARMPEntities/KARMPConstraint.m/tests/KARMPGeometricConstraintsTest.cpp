@@ -171,9 +171,8 @@ TYPED_TEST(ConstraintOption, EveryFailedAdditionFailsAndTheOthersAreWritten)
             EXPECT_EQ(this->constraint->Serialize(&root), failing == 0 ? KARSuccess : KARFailure);
             // The tree reports once, or twice for a value; then the place, then the end.
             this->ExpectReports(failing == 0 ? 0 : failing == 1 ? 2 : 4);
-            if (failing > 1) {
+            if (failing > 1)
                 EXPECT_EQ(root.Find(this->elementName())->GetElementCount(), options - 1);
-            }
         });
     EXPECT_EQ(creations, options + 1);
 }
@@ -358,7 +357,7 @@ TEST_F(GeometricConstraint, ReadsOptionsInTheOrderOfTheirElements)
 }
 
 template <class Class, class Loader>
-void askForParameters(ConstraintLoaderRecord& record)
+void AskForParameters(ConstraintLoaderRecord& record)
 {
     std::array<double, 2> parameters{};
     const auto constraint = Class::create(L"c");
@@ -373,9 +372,9 @@ void askForParameters(ConstraintLoaderRecord& record)
 
 TEST_F(GeometricConstraint, LoaderFillsTheParametersOfACoincidenceAndATangency)
 {
-    askForParameters<KARMPCoincidence, RecordingCoincidenceLoader>(record);
+    AskForParameters<KARMPCoincidence, RecordingCoincidenceLoader>(record);
     record = {};
-    askForParameters<KARMPTangency, RecordingTangencyLoader>(record);
+    AskForParameters<KARMPTangency, RecordingTangencyLoader>(record);
     std::array<double, 2> parameters{};
     EXPECT_EQ(
         Unfetchable<KARMPCoincidence>::create()->GetSolverConstraintParameters(parameters.data()),

@@ -60,9 +60,8 @@ KARMP_API void KARMPBuildFailureText(const char* message, const char* file, int 
 /// that checks on behalf of its caller passes the caller's place on.
 inline bool KARMPVerify(bool holds, KARMPSourceLocation where = KARMPSourceLocation::current())
 {
-    if (!holds) [[unlikely]] {
+    if (!holds) [[unlikely]]
         KARMPReportFailedCheck("", where.file, where.line);
-    }
     return holds;
 }
 

@@ -25,7 +25,7 @@ namespace {
 constexpr std::uint64_t UpdateEvent = 9;
 
 // The variables count as set whatever their value.
-bool isSet(const char* variable)
+bool IsSet(const char* variable)
 {
     return KARGetEnv(variable) != nullptr;
 }
@@ -280,8 +280,8 @@ KARStatus KARMPEntity::Serialize(KARMPSerializer* serializer) const
 {
     if (serializer == nullptr)
         return KARSuccess;
-    static const bool nameLeftOut = isSet("NO_MP_NAME_FOR_SERIALIZATION");
-    static const bool outputsWritten = isSet("MOT_DUMP_OUTPUTS");
+    static const bool nameLeftOut = IsSet("NO_MP_NAME_FOR_SERIALIZATION");
+    static const bool outputsWritten = IsSet("MOT_DUMP_OUTPUTS");
 
     karmp::ElementWriter element(serializer);
     const std::wstring* identifier = nullptr;
@@ -326,14 +326,16 @@ KARStatus KARMPEntity::Deserialize(const KARMPDeserializer* deserializer,
     if (element.Attribute(L"entityID", text, Absent::Keep))
         SetID(KARString(kar::ToUtf8(text)));
 
-    element.References<KARMPParameter>(L"Parameters", L"Parameter", entities,
-                                       [this](const auto& entry) { return AddParameter(entry); });
+    element.References<KARMPParameter>(
+        L"Parameters", L"Parameter", entities,
+        [this](const auto& entry) { return AddParameter(entry); });
     element.References<KARMPState>(L"States", L"State", entities,
                                    [this](const auto& entry) { return AddState(entry); });
     // Unlike in Serialize, the variable is looked up afresh on every call that it matters to.
-    if (element.Has(L"Outputs") && isSet("MOT_DUMP_OUTPUTS"))
-        element.References<KARMPOutput>(L"Outputs", L"Output", entities,
-                                        [this](const auto& entry) { return AddOutput(entry); });
+    if (element.Has(L"Outputs") && IsSet("MOT_DUMP_OUTPUTS"))
+        element.References<KARMPOutput>(
+            L"Outputs", L"Output", entities,
+            [this](const auto& entry) { return AddOutput(entry); });
     element.References<KARMPEntity>(L"AggregatedElements", L"Element", entities,
                                     [this](const auto& e) { return AddAggregatedElement(e); });
     return KARSuccess;

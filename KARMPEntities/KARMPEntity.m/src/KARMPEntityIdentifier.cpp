@@ -11,13 +11,13 @@ namespace {
 
 constexpr std::wstring_view Prefix = L"id";
 
-std::uint32_t nextProcessNumber()
+std::uint32_t NextProcessNumber()
 {
     static std::uint32_t next = 0;
     return next++;
 }
 
-std::wstring uuidText()
+std::wstring UuidText()
 {
     char buffer[KARUuid::TextSize] = {};
     KARUuid().UUID_to_chaine(buffer, 0);
@@ -26,7 +26,7 @@ std::wstring uuidText()
 }
 
 // The numbers of a world's own entities, which its counter never gives.
-std::wstring globalNumber(const std::wstring& name)
+std::wstring GlobalNumber(const std::wstring& name)
 {
     if (name == L"GlobalBody")
         return L"0";
@@ -102,7 +102,7 @@ KARStatus KARMPEntity::GenerateID(std::wstring& identifier) const
     }
     static const bool numbersAreUsed = KARGetEnv("ADL_ODT_OUT") != nullptr;
     identifier = Prefix;
-    identifier += numbersAreUsed ? std::to_wstring(nextProcessNumber()) : uuidText();
+    identifier += numbersAreUsed ? std::to_wstring(NextProcessNumber()) : UuidText();
     return KARSuccess;
 }
 
@@ -117,7 +117,7 @@ KARStatus KARMPEntity::GenerateID2(std::wstring& identifier) const
         if (!KARFailed(GetWorld(world)) && world)
             number = std::to_wstring(world->GetEntityId());
     } else {
-        number = globalNumber(getEntityName(InternalName, ExternalNameSeparator));
+        number = GlobalNumber(getEntityName(InternalName, ExternalNameSeparator));
     }
     identifier = Prefix;
     identifier += number;

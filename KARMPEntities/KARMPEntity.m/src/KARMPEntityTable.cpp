@@ -13,23 +13,24 @@ namespace {
 
 using Entry = KARMPEntityTable::Entry;
 
-bool isAscii(std::wstring_view text)
+bool IsAscii(std::wstring_view text)
 {
-    return std::all_of(text.begin(), text.end(), [](wchar_t character) {
-        return static_cast<std::uint32_t>(character) < 0x80U;
-    });
+    return std::all_of(
+        text.begin(), text.end(),
+        [](wchar_t character) { return static_cast<std::uint32_t>(character) < 0x80U; });
 }
 
 // Eight characters as a number; of a wide one the low bits count, which are all of an ASCII one.
 template <class Character>
-std::uint64_t wordOf(const Character* text, std::size_t size)
+std::uint64_t WordOf(const Character* text, std::size_t size)
 {
     std::array<unsigned char, sizeof(std::uint64_t)> bytes{};
     if constexpr (sizeof(Character) == 1) {
         std::memcpy(bytes.data(), text, size);
     } else {
-        std::transform(text, text + size, bytes.begin(),
-                       [](Character character) { return static_cast<unsigned char>(character); });
+        std::transform(
+            text, text + size, bytes.begin(),
+            [](Character character) { return static_cast<unsigned char>(character); });
     }
     std::uint64_t word = 0;
     std::memcpy(&word, bytes.data(), sizeof word);
@@ -38,7 +39,7 @@ std::uint64_t wordOf(const Character* text, std::size_t size)
 
 // The same for a narrow and for a wide form of a text.
 template <class Character>
-std::uint32_t hashOf(std::basic_string_view<Character> text) noexcept
+std::uint32_t HashOf(std::basic_string_view<Character> text) noexcept
 {
     constexpr std::size_t step = sizeof(std::uint64_t);
     std::uint64_t hash = text.size();
@@ -46,8 +47,8 @@ std::uint32_t hashOf(std::basic_string_view<Character> text) noexcept
         hash = (std::rotl(hash, 29) ^ word) * 0x9E3779B97F4A7C15U;
     };
     for (; text.size() >= step; text.remove_prefix(step))
-        mix(wordOf(text.data(), step));
-    mix(wordOf(text.data(), text.size()));
+        mix(WordOf(text.data(), step));
+    mix(WordOf(text.data(), text.size()));
     return static_cast<std::uint32_t>(hash >> 32U);
 }
 
@@ -151,7 +152,7 @@ const KARMPEntityTable::Entry& KARMPEntityTable::EnterText(
     Text identifier, const QOBSharedHandle<KARMPEntity>& entity)
 {
     Reserve(Size() + 1);
-    const std::uint32_t hash = hashOf(identifier);
+    const std::uint32_t hash = HashOf(identifier);
     Slot& slot = m_slots[SlotOf(identifier, hash)];
     if (slot.entry == nullptr) {
         using Character = typename Text::value_type;
@@ -171,7 +172,7 @@ const KARMPEntityTable::Entry& KARMPEntityTable::EnterText(
 const KARMPEntityTable::Entry& KARMPEntityTable::Enter(std::wstring_view identifier,
                                                        const QOBSharedHandle<KARMPEntity>& entity)
 {
-    if (isAscii(identifier)) {
+    if (IsAscii(identifier)) {
         const std::string narrow(identifier.begin(), identifier.end());
         return EnterText(std::string_view(narrow), entity);
     }
@@ -190,7 +191,7 @@ const QOBSharedHandle<KARMPEntity>* KARMPEntityTable::FindText(Text identifier) 
 {
     if (m_slots.empty())
         return nullptr;
-    const Slot& slot = m_slots[SlotOf(identifier, hashOf(identifier))];
+    const Slot& slot = m_slots[SlotOf(identifier, HashOf(identifier))];
     return slot.entry != nullptr ? &slot.entry->m_entity : nullptr;
 }
 

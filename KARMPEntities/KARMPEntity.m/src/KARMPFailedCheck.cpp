@@ -31,15 +31,12 @@ thread_local KARMPFailedCheckListener* innermostListener = nullptr;
 std::uint8_t ComputeFlags()
 {
     unsigned flags = Flags::Computed;
-    if (KARDevelopmentStage(0) != 0) {
+    if (KARDevelopmentStage(0) != 0)
         flags |= Flags::Development;
-    }
-    if (KARGetEnv("ADL_ODT_IN") != nullptr) {
+    if (KARGetEnv("ADL_ODT_IN") != nullptr)
         flags |= Flags::Abend;
-    }
-    if (KARGetEnv("CP_NO_ABEND") != nullptr) {
+    if (KARGetEnv("CP_NO_ABEND") != nullptr)
         flags |= Flags::Silenced;
-    }
     const auto computed = static_cast<std::uint8_t>(flags);
     return static_cast<std::uint8_t>(Flags::s_flags.fetch_or(computed, std::memory_order_relaxed) |
                                      computed);
@@ -72,23 +69,18 @@ KARMP_KEEP_FRAME void KARMPCheckFailed(const char* message, const char* file, in
                                        bool messageOnly, bool fatal)
 {
     unsigned flags = Flags::s_flags.load(std::memory_order_relaxed);
-    if ((flags & Flags::Computed) == 0) {
+    if ((flags & Flags::Computed) == 0)
         flags = ComputeFlags();
-    }
-    if ((flags & (Flags::Abend | Flags::Development | Flags::Listened)) == 0) {
+    if ((flags & (Flags::Abend | Flags::Development | Flags::Listened)) == 0)
         return;
-    }
-    if ((flags & Flags::Listened) != 0) {
+    if ((flags & Flags::Listened) != 0)
         KARMPFailedCheckListener::Tell(file, line);
-    }
-    if ((flags & (Flags::Abend | Flags::Development)) == 0 || (flags & Flags::Silenced) != 0) {
+    if ((flags & (Flags::Abend | Flags::Development)) == 0 || (flags & Flags::Silenced) != 0)
         return;
-    }
     KARUnicodeString text;
     KARMPBuildFailureText(message, file, line, messageOnly, text);
-    if (fatal) {
+    if (fatal)
         KARMPAbend(file, line, messageOnly, text);
-    }
     if ((flags & Flags::Abend) != 0) {
         KARFatalError(text.CastToCharPtr(), nullptr, nullptr, nullptr, messageOnly ? nullptr : file,
                       messageOnly ? 0 : line);
@@ -138,21 +130,18 @@ KARMPFailedCheckListener::~KARMPFailedCheckListener()
 {
     // Usually the innermost one dies first, but nothing depends on it.
     KARMPFailedCheckListener** link = &innermostListener;
-    while (*link != nullptr && *link != this) {
+    while (*link != nullptr && *link != this)
         link = &(*link)->m_outer;
-    }
-    if (*link == this) {
+    if (*link == this)
         *link = m_outer;
-    }
     CountListeners(-1);
 }
 
 void KARMPFailedCheckListener::Tell(const char* file, int line)
 {
     KARMPFailedCheckListener* const told = innermostListener;
-    if (told == nullptr) {
+    if (told == nullptr)
         return;
-    }
     // A report made by the listener itself goes to the one around it, which ends the recursion.
     struct Restore
     {

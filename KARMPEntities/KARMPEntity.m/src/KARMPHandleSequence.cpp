@@ -20,12 +20,12 @@ constexpr std::size_t FirstCapacity = 4;
 // Most of a model's many lists stay in a piece of memory of this size; few grow on.
 constexpr std::size_t LargestOfMany = 64;
 
-void* allocateBlock(std::size_t bytes)
+void* AllocateBlock(std::size_t bytes)
 {
     return bytes <= LargestOfMany ? kar::AllocateSmall(bytes) : ::operator new(bytes);
 }
 
-void freeBlock(void* block, std::size_t bytes) noexcept
+void FreeBlock(void* block, std::size_t bytes) noexcept
 {
     if (bytes <= LargestOfMany)
         kar::FreeSmall(block, bytes);
@@ -35,7 +35,7 @@ void freeBlock(void* block, std::size_t bytes) noexcept
 
 // Makes the next entry at the end cost no memory.
 template <class T>
-void makeRoom(std::vector<T>& entries)
+void MakeRoomForOne(std::vector<T>& entries)
 {
     if (entries.size() == entries.capacity())
         entries.reserve(2 * entries.size() + 1);
@@ -143,7 +143,7 @@ struct KARMPHandleSequence::Index
                 following.push_back(slot);
         }
         if (!following.empty()) {
-            makeRoom(following);
+            MakeRoomForOne(following);
             following.push_back(place != 0 ? std::exchange(following[place - 1], slots) : slots);
         }
         place = ++slots;
@@ -252,7 +252,7 @@ void KARMPHandleSequence::End::operator()(Block* block) const noexcept
     delete block->index;
     const std::size_t capacity = block->capacity;
     block->~Block();
-    freeBlock(block, BlockSize(capacity));
+    FreeBlock(block, BlockSize(capacity));
 }
 
 KARMPHandleSequence::KARMPHandleSequence(const KARMPHandleSequence& source)
@@ -260,10 +260,9 @@ KARMPHandleSequence::KARMPHandleSequence(const KARMPHandleSequence& source)
     if (source.Count() == 0)
         return;
     Reserve(source.Count());
-    for (std::size_t slot = 0; slot < source.SlotCount(); ++slot) {
+    for (std::size_t slot = 0; slot < source.SlotCount(); ++slot)
         if (const QOBSharedBase& handle = source.Slots()[slot])
             ::new (Slots() + m_block->count++) QOBSharedBase(handle);
-    }
     if (Count() > LongestScanned)
         BuildIndex();
 }
@@ -304,7 +303,7 @@ void KARMPHandleSequence::Append(const QOBSharedBase& handle)
     const std::size_t slot = SlotCount();
     if (Index* const index = m_block->index) {
         if (!index->counts.empty())
-            makeRoom(index->counts);
+            MakeRoomForOne(index->counts);
         index->MakeRoom(Slots(), Count());
         index->Enter(Slots(), added._getReferent());
         if (!index->counts.empty())
@@ -362,7 +361,7 @@ void KARMPHandleSequence::Reserve(std::size_t capacity)
     if (capacity > std::numeric_limits<std::uint32_t>::max() / 4)
         throw std::length_error("KARMP handle sequence: too many entries");
     static_assert(sizeof(Block) % alignof(QOBSharedBase) == 0);
-    void* const memory = allocateBlock(BlockSize(capacity));
+    void* const memory = AllocateBlock(BlockSize(capacity));
     auto* const block = ::new (memory) Block{nullptr, 0, static_cast<std::uint32_t>(capacity)};
     if (m_block != nullptr) {
         std::uninitialized_move_n(Slots(), SlotCount(), Slots(block));
@@ -381,10 +380,9 @@ std::size_t KARMPHandleSequence::SlotAt(std::size_t position) const
         index->counts.reserve(index->slots);
         for (std::size_t slot = 0; slot < index->slots; ++slot)
             index->Push();
-        for (std::size_t slot = 0; slot < index->slots; ++slot) {
+        for (std::size_t slot = 0; slot < index->slots; ++slot)
             if (!Slots()[slot])
                 index->Lower(slot);
-        }
     }
     return index->SlotAt(position);
 }

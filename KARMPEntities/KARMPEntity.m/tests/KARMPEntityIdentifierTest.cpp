@@ -7,7 +7,7 @@
 
 namespace {
 
-std::wstring identifierOf(const KARMPEntity& entity)
+std::wstring IdentifierOf(const KARMPEntity& entity)
 {
     std::wstring identifier = L"former";
     EXPECT_EQ(entity.GetIdentifier(identifier), KARSuccess);
@@ -22,7 +22,7 @@ protected:
 
 TEST_F(Identifier, IsTheWordIdAndAUuidByDefault)
 {
-    const std::wstring identifier = identifierOf(*entity);
+    const std::wstring identifier = IdentifierOf(*entity);
     ASSERT_EQ(identifier.size(), 38U);
     EXPECT_EQ(identifier.substr(0, 2), L"id");
     for (const std::size_t dash : {10U, 15U, 20U, 25U})
@@ -31,25 +31,25 @@ TEST_F(Identifier, IsTheWordIdAndAUuidByDefault)
 
 TEST_F(Identifier, StaysTheSameOnceMade)
 {
-    const std::wstring first = identifierOf(*entity);
+    const std::wstring first = IdentifierOf(*entity);
     entity->setEntityName(L"renamed");
-    EXPECT_EQ(identifierOf(*entity), first);
+    EXPECT_EQ(IdentifierOf(*entity), first);
 }
 
 TEST_F(Identifier, DiffersFromEntityToEntity)
 {
     std::set<std::wstring> seen;
     for (int i = 0; i < 1000; ++i)
-        seen.insert(identifierOf(*TestEntity::create(L"same")));
+        seen.insert(IdentifierOf(*TestEntity::create(L"same")));
     EXPECT_EQ(seen.size(), 1000U);
 }
 
 TEST_F(Identifier, IsNotReplacedBySetIdentifier)
 {
-    const std::wstring generated = identifierOf(*entity);
+    const std::wstring generated = IdentifierOf(*entity);
     EXPECT_EQ(entity->SetIdentifier(L"other"), KARFailure);
     ExpectReports(1);
-    EXPECT_EQ(identifierOf(*entity), generated);
+    EXPECT_EQ(IdentifierOf(*entity), generated);
 }
 
 TEST_F(Identifier, IsTheOneThatWasSetFirst)
@@ -57,7 +57,7 @@ TEST_F(Identifier, IsTheOneThatWasSetFirst)
     EXPECT_EQ(entity->SetIdentifier(L"B1"), KARSuccess);
     EXPECT_EQ(entity->SetIdentifier(L"B2"), KARFailure);
     ExpectReports(1);
-    EXPECT_EQ(identifierOf(*entity), L"B1");
+    EXPECT_EQ(IdentifierOf(*entity), L"B1");
 }
 
 TEST_F(Identifier, GivesOutOfMemoryWhicheverAllocationFailsAndIsMadeLater)
@@ -78,7 +78,7 @@ TEST_F(Identifier, GivesOutOfMemoryWhicheverAllocationFailsAndIsMadeLater)
             EXPECT_EQ(identifier, L"");
             EXPECT_GE(TakeReports(), 1U);
         }
-        EXPECT_EQ(identifierOf(*entity).size(), 38U);
+        EXPECT_EQ(IdentifierOf(*entity).size(), 38U);
     }
     EXPECT_GT(failing, 3U);
 }
@@ -97,7 +97,7 @@ TEST_F(Identifier, CannotBeSetWithoutMemory)
     EXPECT_EQ(status, KARFailure);
     EXPECT_GE(TakeReports(), 1U);
     EXPECT_EQ(entity->SetIdentifier(identifier), KARSuccess);
-    EXPECT_EQ(identifierOf(*entity), identifier);
+    EXPECT_EQ(IdentifierOf(*entity), identifier);
 }
 
 class IdentifierProcess : public Identifier
@@ -105,41 +105,41 @@ class IdentifierProcess : public Identifier
 
 TEST_F(IdentifierProcess, CountsFromZeroInTheSerialForm)
 {
-    EXPECT_EQ(identifierOf(*entity), L"id0");
-    EXPECT_EQ(identifierOf(*TestEntity::create(L"second")), L"id1");
-    EXPECT_EQ(identifierOf(*entity), L"id0");
-    EXPECT_EQ(identifierOf(*TestEntity::create(L"third")), L"id2");
+    EXPECT_EQ(IdentifierOf(*entity), L"id0");
+    EXPECT_EQ(IdentifierOf(*TestEntity::create(L"second")), L"id1");
+    EXPECT_EQ(IdentifierOf(*entity), L"id0");
+    EXPECT_EQ(IdentifierOf(*TestEntity::create(L"third")), L"id2");
     // Both variables were read with the first identifier.
     ::unsetenv("ADL_ODT_OUT");
     ::setenv("MP_USE_NAME_FOR_ID", "1", 1);
-    EXPECT_EQ(identifierOf(*TestEntity::create(L"fourth")), L"id3");
+    EXPECT_EQ(IdentifierOf(*TestEntity::create(L"fourth")), L"id3");
 }
 
 TEST_F(IdentifierProcess, IsTheEntityNameWhenNamesAreUsed)
 {
-    EXPECT_EQ(identifierOf(*entity), L"entity");
-    EXPECT_EQ(identifierOf(*TestEntity::create(L"entity")), L"entity");
+    EXPECT_EQ(IdentifierOf(*entity), L"entity");
+    EXPECT_EQ(IdentifierOf(*TestEntity::create(L"entity")), L"entity");
     const auto unnamed = TestEntity::create(L"");
-    EXPECT_EQ(identifierOf(*unnamed), L"");
+    EXPECT_EQ(IdentifierOf(*unnamed), L"");
     ExpectReports(1);
     unnamed->setEntityName(L"named later");
-    EXPECT_EQ(identifierOf(*unnamed), L"");
+    EXPECT_EQ(IdentifierOf(*unnamed), L"");
     ::unsetenv("MP_USE_NAME_FOR_ID");
-    EXPECT_EQ(identifierOf(*TestEntity::create(L"later")), L"later");
+    EXPECT_EQ(IdentifierOf(*TestEntity::create(L"later")), L"later");
 }
 
 TEST_F(IdentifierProcess, OutsideAWorldKnowsTheGlobalsByTheirNames)
 {
-    EXPECT_EQ(identifierOf(*TestEntity::create(L"GlobalBody")), L"id0");
-    EXPECT_EQ(identifierOf(*TestEntity::create(L"GlobalAxisSystem")), L"id1");
-    EXPECT_EQ(identifierOf(*TestEntity::create(L"GlobalTime")), L"id2");
-    EXPECT_EQ(identifierOf(*entity), L"id");
-    EXPECT_EQ(identifierOf(*TestEntity::create(L"globaltime")), L"id");
+    EXPECT_EQ(IdentifierOf(*TestEntity::create(L"GlobalBody")), L"id0");
+    EXPECT_EQ(IdentifierOf(*TestEntity::create(L"GlobalAxisSystem")), L"id1");
+    EXPECT_EQ(IdentifierOf(*TestEntity::create(L"GlobalTime")), L"id2");
+    EXPECT_EQ(IdentifierOf(*entity), L"id");
+    EXPECT_EQ(IdentifierOf(*TestEntity::create(L"globaltime")), L"id");
     // Unlike the others, this variable is read for each identifier.
     ::unsetenv("NEW_MP_IDS");
-    EXPECT_EQ(identifierOf(*TestEntity::create(L"by name")), L"by name");
+    EXPECT_EQ(IdentifierOf(*TestEntity::create(L"by name")), L"by name");
     ::setenv("NEW_MP_IDS", "", 1);
-    EXPECT_EQ(identifierOf(*TestEntity::create(L"by number")), L"id");
+    EXPECT_EQ(IdentifierOf(*TestEntity::create(L"by number")), L"id");
 }
 
 } // namespace

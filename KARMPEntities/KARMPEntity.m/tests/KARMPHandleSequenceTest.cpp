@@ -12,7 +12,7 @@ namespace {
 
 using Entities = std::vector<QOBSharedHandle<TestEntity>>;
 
-Entities makeEntities(std::size_t count)
+Entities MakeEntities(std::size_t count)
 {
     Entities entities;
     for (std::size_t i = 0; i < count; ++i)
@@ -20,7 +20,7 @@ Entities makeEntities(std::size_t count)
     return entities;
 }
 
-void expectSame(const KARMPHandleSequence& sequence, const std::vector<QOBSharedBase>& expected)
+void ExpectSame(const KARMPHandleSequence& sequence, const std::vector<QOBSharedBase>& expected)
 {
     ASSERT_EQ(sequence.Count(), expected.size());
     for (std::size_t i = 0; i < expected.size(); ++i)
@@ -30,7 +30,7 @@ void expectSame(const KARMPHandleSequence& sequence, const std::vector<QOBShared
 TEST(HandleSequence, AgreesWithAPlainVectorWhateverTheOrderOfCalls)
 {
     std::mt19937 random(20240229);
-    const Entities entities = makeEntities(400);
+    const Entities entities = MakeEntities(400);
     KARMPHandleSequence sequence;
     std::vector<QOBSharedBase> expected;
     for (int step = 0; step < 20'000; ++step) {
@@ -72,14 +72,14 @@ TEST(HandleSequence, AgreesWithAPlainVectorWhateverTheOrderOfCalls)
         }
         ASSERT_EQ(sequence.Count(), expected.size());
         if (step % 500 == 0)
-            expectSame(sequence, expected);
+            ExpectSame(sequence, expected);
     }
-    expectSame(sequence, expected);
+    ExpectSame(sequence, expected);
     const KARMPHandleSequence copy(sequence);
-    expectSame(copy, expected);
+    ExpectSame(copy, expected);
     sequence.Clear();
-    expectSame(sequence, {});
-    expectSame(copy, expected);
+    ExpectSame(sequence, {});
+    ExpectSame(copy, expected);
 }
 
 TEST(HandleSequence, HasNoEntryForNull)
@@ -94,7 +94,7 @@ TEST(HandleSequence, HasNoEntryForNull)
 
 TEST(HandleSequence, TakesAnEntryOfItsOwnWhileItGrows)
 {
-    const Entities entities = makeEntities(1);
+    const Entities entities = MakeEntities(1);
     KARMPHandleSequence sequence;
     sequence.Append(entities[0]);
     for (int step = 1; step < 100; ++step) {
@@ -111,7 +111,7 @@ TEST(HandleSequence, TakesAnEntryOfItsOwnWhileItGrows)
 
 TEST(HandleSequence, ReleasesWhatItDrops)
 {
-    const Entities entities = makeEntities(100);
+    const Entities entities = MakeEntities(100);
     {
         KARMPHandleSequence sequence;
         for (const auto& entity : entities)
@@ -154,7 +154,7 @@ TEST(HandleSequence, FreesItsReferentsFirstToLastHoweverManyThereAre)
 
 TEST(HandleSequence, EmptiesALongListFromEitherEndInLinearTime)
 {
-    const Entities entities = makeEntities(200'000);
+    const Entities entities = MakeEntities(200'000);
     for (const bool fromTheFront : {true, false}) {
         KARMPHandleSequence sequence;
         for (const auto& entity : entities)
@@ -169,7 +169,7 @@ TEST(HandleSequence, EmptiesALongListFromEitherEndInLinearTime)
 
 TEST(HandleSequence, ListsOneReferentOftenInLinearTime)
 {
-    const Entities entities = makeEntities(100);
+    const Entities entities = MakeEntities(100);
     KARMPHandleSequence sequence;
     for (std::size_t i = 0; i < 200'000; ++i)
         sequence.Append(entities[i % 2 == 0 ? 0 : i % entities.size()]);
@@ -188,7 +188,7 @@ TEST(HandleSequence, AnAdditionForWhichMemoryEndsChangesNothing)
 {
     if (!AllocationCounter::Counts)
         GTEST_SKIP() << "allocations cannot fail in this build";
-    const Entities entities = makeEntities(300);
+    const Entities entities = MakeEntities(300);
     KARMPHandleSequence sequence;
     std::vector<QOBSharedBase> expected;
     const auto takeOut = [&](std::size_t place) {
@@ -213,19 +213,19 @@ TEST(HandleSequence, AnAdditionForWhichMemoryEndsChangesNothing)
         // A long sequence has holes from here on.
         if (expected.size() % 60 == 0)
             takeOut(20);
-        expectSame(sequence, expected);
+        ExpectSame(sequence, expected);
     }
     EXPECT_GT(failures, 10U);
     while (!expected.empty())
         takeOut(expected.size() / 2);
-    expectSame(sequence, expected);
+    ExpectSame(sequence, expected);
 }
 
 TEST(HandleSequence, LosesNothingWhenMemoryEndsWhileItIsOrderedAnew)
 {
     if (!AllocationCounter::Counts)
         GTEST_SKIP() << "allocations cannot fail in this build";
-    const Entities entities = makeEntities(120);
+    const Entities entities = MakeEntities(120);
     KARMPHandleSequence sequence;
     std::vector<QOBSharedBase> expected;
     for (const auto& entity : entities) {
@@ -240,7 +240,7 @@ TEST(HandleSequence, LosesNothingWhenMemoryEndsWhileItIsOrderedAnew)
         sequence.Insert(7, entities[5]);
     }
     expected.insert(expected.begin() + 7, entities[5]);
-    expectSame(sequence, expected);
+    ExpectSame(sequence, expected);
     EXPECT_TRUE(sequence.Contains(entities[119].get()));
     sequence.Append(entities[5]);
     expected.push_back(entities[5]);
@@ -249,7 +249,7 @@ TEST(HandleSequence, LosesNothingWhenMemoryEndsWhileItIsOrderedAnew)
         const auto first = std::find(expected.begin(), expected.end(), last);
         ASSERT_TRUE(sequence.Remove(last._getReferent()));
         expected.erase(first);
-        expectSame(sequence, expected);
+        ExpectSame(sequence, expected);
     }
 }
 
@@ -257,7 +257,7 @@ class LinkList : public KARMPTestFixture
 {
 protected:
     KARMPLinkList<TestEntity> list;
-    Entities entities = makeEntities(3);
+    Entities entities = MakeEntities(3);
 };
 
 TEST_F(LinkList, KeepsTheOrderOfAddingWithoutDuplicates)

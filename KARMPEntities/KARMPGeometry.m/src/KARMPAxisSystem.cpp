@@ -25,7 +25,7 @@ struct Values
     KARMathVector third;
 };
 
-auto coordinates(auto& values)
+auto Coordinates(auto& values)
 {
     return std::tuple(
         karmp::Triple(karmp::OriginNames, values.origin), karmp::Triple(FirstNames, values.first),
@@ -38,7 +38,7 @@ KARStatus KARMPAxisSystem::Serialize(KARMPSerializer* serializer) const
 {
     Values values{m_axisSystem.GetOrigin(), {}, {}, {}};
     m_axisSystem.GetDirections(values.first, values.second, values.third);
-    return karmp::WriteKind(*this, serializer, L"AxisSystem", coordinates(values));
+    return karmp::WriteKind(*this, serializer, L"AxisSystem", Coordinates(values));
 }
 
 KARStatus KARMPAxisSystem::Deserialize(const KARMPDeserializer* deserializer,
@@ -46,7 +46,7 @@ KARStatus KARMPAxisSystem::Deserialize(const KARMPDeserializer* deserializer,
 {
     Values values;
     const KARStatus status =
-        karmp::ReadKind(*this, deserializer, entities, L"AxisSystem", coordinates(values));
+        karmp::ReadKind(*this, deserializer, entities, L"AxisSystem", Coordinates(values));
     if (KARFailed(status))
         return status;
     m_axisSystem.SetOrigin(values.origin);

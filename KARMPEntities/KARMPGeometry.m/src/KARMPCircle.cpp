@@ -21,7 +21,7 @@ struct Values
     double radius = 0.0;
 };
 
-auto coordinates(auto& values)
+auto Coordinates(auto& values)
 {
     return std::tuple(karmp::Triple(karmp::CentreNames, values.center),
                       karmp::Triple(karmp::DirectionNames, values.axis),
@@ -36,7 +36,7 @@ KARStatus KARMPCircle::Serialize(KARMPSerializer* serializer) const
     KARMathVector second;
     m_circle.GetDirections(first, second);
     const Values values{m_circle.GetCenter(), first.Cross(second), m_circle.GetRadius()};
-    return karmp::WriteKind(*this, serializer, L"Circle", coordinates(values));
+    return karmp::WriteKind(*this, serializer, L"Circle", Coordinates(values));
 }
 
 KARStatus KARMPCircle::Deserialize(const KARMPDeserializer* deserializer,
@@ -44,7 +44,7 @@ KARStatus KARMPCircle::Deserialize(const KARMPDeserializer* deserializer,
 {
     Values values;
     const KARStatus status =
-        karmp::ReadKind(*this, deserializer, entities, L"Circle", coordinates(values));
+        karmp::ReadKind(*this, deserializer, entities, L"Circle", Coordinates(values));
     if (KARFailed(status))
         return status;
     KARMathVector first;

@@ -13,7 +13,7 @@ KARMPCone::~KARMPCone() = default;
 namespace {
 
 // What stands in "Coordinates", in order.
-auto coordinates(auto& origin, auto& axis, auto& angle)
+auto Coordinates(auto& origin, auto& axis, auto& angle)
 {
     return std::tuple(karmp::Triple(karmp::OriginNames, origin),
                       karmp::Triple(karmp::DirectionNames, axis), karmp::Number(L"angle", angle));
@@ -23,7 +23,7 @@ auto coordinates(auto& origin, auto& axis, auto& angle)
 
 KARStatus KARMPCone::Serialize(KARMPSerializer* serializer) const
 {
-    return karmp::WriteKind(*this, serializer, L"Cone", coordinates(m_origin, m_axis, m_angle));
+    return karmp::WriteKind(*this, serializer, L"Cone", Coordinates(m_origin, m_axis, m_angle));
 }
 
 // Meant: the element that is read is not the one that is written, so a cone does not find its own
@@ -32,5 +32,5 @@ KARStatus KARMPCone::Deserialize(const KARMPDeserializer* deserializer,
                                  const KARMPEntityTable& entities)
 {
     return karmp::ReadKind(*this, deserializer, entities, L"Cylicone",
-                           coordinates(m_origin, m_axis, m_angle));
+                           Coordinates(m_origin, m_axis, m_angle));
 }

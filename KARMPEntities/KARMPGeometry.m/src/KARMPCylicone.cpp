@@ -13,7 +13,7 @@ KARMPCylicone::~KARMPCylicone() = default;
 namespace {
 
 // What stands in "Coordinates", in order.
-auto coordinates(auto& origin, auto& axis, auto& angle, auto& radius)
+auto Coordinates(auto& origin, auto& axis, auto& angle, auto& radius)
 {
     return std::tuple(karmp::Triple(karmp::OriginNames, origin),
                       karmp::Triple(karmp::DirectionNames, axis), karmp::Number(L"angle", angle),
@@ -25,12 +25,12 @@ auto coordinates(auto& origin, auto& axis, auto& angle, auto& radius)
 KARStatus KARMPCylicone::Serialize(KARMPSerializer* serializer) const
 {
     return karmp::WriteKind(*this, serializer, L"Cylicone",
-                            coordinates(m_origin, m_axis, m_angle, m_radius));
+                            Coordinates(m_origin, m_axis, m_angle, m_radius));
 }
 
 KARStatus KARMPCylicone::Deserialize(const KARMPDeserializer* deserializer,
                                      const KARMPEntityTable& entities)
 {
     return karmp::ReadKind(*this, deserializer, entities, L"Cylicone",
-                           coordinates(m_origin, m_axis, m_angle, m_radius));
+                           Coordinates(m_origin, m_axis, m_angle, m_radius));
 }

@@ -14,13 +14,13 @@ namespace {
 
 // Meant: the names that are written are not the ones that are read, so of a cylinder that is read
 // back from its own output only the radius is left.
-auto written(auto& origin, auto& axis, auto& radius)
+auto Written(auto& origin, auto& axis, auto& radius)
 {
     return std::tuple(karmp::Triple(karmp::OriginNames, origin),
                       karmp::Triple(karmp::DirectionNames, axis), karmp::Number(L"radius", radius));
 }
 
-auto read(auto& origin, auto& axis, auto& radius)
+auto Read(auto& origin, auto& axis, auto& radius)
 {
     return std::tuple(karmp::Triple(karmp::CentreNames, origin),
                       karmp::Triple(karmp::NormalNames, axis), karmp::Number(L"radius", radius));
@@ -30,12 +30,12 @@ auto read(auto& origin, auto& axis, auto& radius)
 
 KARStatus KARMPCylinder::Serialize(KARMPSerializer* serializer) const
 {
-    return karmp::WriteKind(*this, serializer, L"Cylinder", written(m_origin, m_axis, m_radius));
+    return karmp::WriteKind(*this, serializer, L"Cylinder", Written(m_origin, m_axis, m_radius));
 }
 
 KARStatus KARMPCylinder::Deserialize(const KARMPDeserializer* deserializer,
                                      const KARMPEntityTable& entities)
 {
     return karmp::ReadKind(*this, deserializer, entities, L"Cylinder",
-                           read(m_origin, m_axis, m_radius));
+                           Read(m_origin, m_axis, m_radius));
 }

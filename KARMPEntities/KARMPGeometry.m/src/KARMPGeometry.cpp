@@ -104,8 +104,8 @@ KARStatus KARMPGeometry::Deserialize(const KARMPDeserializer* deserializer,
     karmp::ElementReader element(deserializer);
     if (!element || !element.Base(Super::Deserialize(element.Node(), entities)))
         return KARFailure;
-    element.Reference<KARMPBody>(L"Body", entities,
-                                 [this](const auto& body) { return SetBody(body); });
+    element.Reference<KARMPBody>(
+        L"Body", entities, [this](const auto& body) { return SetBody(body); });
     element.References<KARMPConstraint>(
         L"Constraints", L"Constraint", entities,
         [this](const auto& constraint) { return LinkToConstraint(constraint); });

@@ -19,7 +19,7 @@ struct Values
     KARMathDirection direction;
 };
 
-auto coordinates(auto& values)
+auto Coordinates(auto& values)
 {
     return std::tuple(karmp::Triple(karmp::OriginNames, values.origin),
                       karmp::Triple(karmp::DirectionNames, values.direction));
@@ -30,7 +30,7 @@ auto coordinates(auto& values)
 KARStatus KARMPLine::Serialize(KARMPSerializer* serializer) const
 {
     const Values values{m_line.GetOrigin(), m_line.GetDirection()};
-    return karmp::WriteKind(*this, serializer, L"Line", coordinates(values));
+    return karmp::WriteKind(*this, serializer, L"Line", Coordinates(values));
 }
 
 KARStatus KARMPLine::Deserialize(const KARMPDeserializer* deserializer,
@@ -38,7 +38,7 @@ KARStatus KARMPLine::Deserialize(const KARMPDeserializer* deserializer,
 {
     Values values;
     const KARStatus status =
-        karmp::ReadKind(*this, deserializer, entities, L"Line", coordinates(values));
+        karmp::ReadKind(*this, deserializer, entities, L"Line", Coordinates(values));
     if (KARFailed(status))
         return status;
     m_line.SetOrigin(values.origin);

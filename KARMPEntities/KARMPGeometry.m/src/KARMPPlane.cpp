@@ -19,7 +19,7 @@ struct Values
     KARMathDirection normal;
 };
 
-auto coordinates(auto& values)
+auto Coordinates(auto& values)
 {
     return std::tuple(karmp::Triple(karmp::OriginNames, values.origin),
                       karmp::Triple(karmp::NormalNames, values.normal));
@@ -30,7 +30,7 @@ auto coordinates(auto& values)
 KARStatus KARMPPlane::Serialize(KARMPSerializer* serializer) const
 {
     const Values values{m_plane.GetOrigin(), m_plane.GetNormal()};
-    return karmp::WriteKind(*this, serializer, L"Plane", coordinates(values));
+    return karmp::WriteKind(*this, serializer, L"Plane", Coordinates(values));
 }
 
 KARStatus KARMPPlane::Deserialize(const KARMPDeserializer* deserializer,
@@ -38,7 +38,7 @@ KARStatus KARMPPlane::Deserialize(const KARMPDeserializer* deserializer,
 {
     Values values;
     const KARStatus status =
-        karmp::ReadKind(*this, deserializer, entities, L"Plane", coordinates(values));
+        karmp::ReadKind(*this, deserializer, entities, L"Plane", Coordinates(values));
     if (KARFailed(status))
         return status;
     m_plane = KARMathPlane(values.origin, values.normal);

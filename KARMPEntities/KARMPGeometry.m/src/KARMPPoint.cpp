@@ -13,7 +13,7 @@ KARMPPoint::~KARMPPoint() = default;
 namespace {
 
 // What stands in "Coordinates", in order.
-auto coordinates(auto& point)
+auto Coordinates(auto& point)
 {
     return std::tuple(karmp::Triple(karmp::OriginNames, point));
 }
@@ -22,11 +22,11 @@ auto coordinates(auto& point)
 
 KARStatus KARMPPoint::Serialize(KARMPSerializer* serializer) const
 {
-    return karmp::WriteKind(*this, serializer, L"Point", coordinates(m_point));
+    return karmp::WriteKind(*this, serializer, L"Point", Coordinates(m_point));
 }
 
 KARStatus KARMPPoint::Deserialize(const KARMPDeserializer* deserializer,
                                   const KARMPEntityTable& entities)
 {
-    return karmp::ReadKind(*this, deserializer, entities, L"Point", coordinates(m_point));
+    return karmp::ReadKind(*this, deserializer, entities, L"Point", Coordinates(m_point));
 }

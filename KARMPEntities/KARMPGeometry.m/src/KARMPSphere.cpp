@@ -13,7 +13,7 @@ KARMPSphere::~KARMPSphere() = default;
 namespace {
 
 // What stands in "Coordinates", in order.
-auto coordinates(auto& center, auto& radius)
+auto Coordinates(auto& center, auto& radius)
 {
     return std::tuple(karmp::Triple(karmp::CentreNames, center), karmp::Number(L"radius", radius));
 }
@@ -22,12 +22,12 @@ auto coordinates(auto& center, auto& radius)
 
 KARStatus KARMPSphere::Serialize(KARMPSerializer* serializer) const
 {
-    return karmp::WriteKind(*this, serializer, L"Sphere", coordinates(m_center, m_radius));
+    return karmp::WriteKind(*this, serializer, L"Sphere", Coordinates(m_center, m_radius));
 }
 
 KARStatus KARMPSphere::Deserialize(const KARMPDeserializer* deserializer,
                                    const KARMPEntityTable& entities)
 {
     return karmp::ReadKind(*this, deserializer, entities, L"Sphere",
-                           coordinates(m_center, m_radius));
+                           Coordinates(m_center, m_radius));
 }

@@ -13,7 +13,7 @@ KARMPTorus::~KARMPTorus() = default;
 namespace {
 
 // What stands in "Coordinates", in order.
-auto coordinates(auto& center, auto& normal, auto& majorRadius, auto& minorRadius)
+auto Coordinates(auto& center, auto& normal, auto& majorRadius, auto& minorRadius)
 {
     return std::tuple(
         karmp::Triple(karmp::CentreNames, center), karmp::Triple(karmp::NormalNames, normal),
@@ -25,12 +25,12 @@ auto coordinates(auto& center, auto& normal, auto& majorRadius, auto& minorRadiu
 KARStatus KARMPTorus::Serialize(KARMPSerializer* serializer) const
 {
     return karmp::WriteKind(*this, serializer, L"Torus",
-                            coordinates(m_center, m_normal, m_majorRadius, m_minorRadius));
+                            Coordinates(m_center, m_normal, m_majorRadius, m_minorRadius));
 }
 
 KARStatus KARMPTorus::Deserialize(const KARMPDeserializer* deserializer,
                                   const KARMPEntityTable& entities)
 {
     return karmp::ReadKind(*this, deserializer, entities, L"Torus",
-                           coordinates(m_center, m_normal, m_majorRadius, m_minorRadius));
+                           Coordinates(m_center, m_normal, m_majorRadius, m_minorRadius));
 }

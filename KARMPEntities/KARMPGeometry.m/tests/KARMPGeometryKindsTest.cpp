@@ -34,7 +34,7 @@ const KARMathDirection SomeDirection(0.0, -1.0, 0.0);
 const KARMathDirection OtherDirection(0.0, 0.0, 1.0);
 
 template <class Value, class Kind>
-Value get(const Kind& kind, KARStatus (Kind::*getter)(Value&) const)
+Value Get(const Kind& kind, KARStatus (Kind::*getter)(Value&) const)
 {
     Value value;
     EXPECT_EQ((kind.*getter)(value), KARSuccess);
@@ -55,11 +55,11 @@ struct KindTraits<KARMPPoint>
     static Coordinates Written() { return {{L"Ox", 1.5}, {L"Oy", -2.5}, {L"Oz", 3.5}}; }
     static void CheckFilled(const KARMPPoint& kind)
     {
-        EXPECT_EQ(get(kind, &KARMPPoint::GetPoint), SomePoint);
+        EXPECT_EQ(Get(kind, &KARMPPoint::GetPoint), SomePoint);
     }
     static void CheckNew(const KARMPPoint& kind)
     {
-        EXPECT_EQ(get(kind, &KARMPPoint::GetPoint), KARMathPoint());
+        EXPECT_EQ(Get(kind, &KARMPPoint::GetPoint), KARMathPoint());
     }
     static void CheckCopy(const KARMPPoint& kind) { CheckFilled(kind); }
 };
@@ -80,11 +80,11 @@ struct KindTraits<KARMPLine>
     }
     static void CheckFilled(const KARMPLine& kind)
     {
-        EXPECT_EQ(get(kind, &KARMPLine::GetLine), KARMathLine(SomePoint, SomeDirection));
+        EXPECT_EQ(Get(kind, &KARMPLine::GetLine), KARMathLine(SomePoint, SomeDirection));
     }
     static void CheckNew(const KARMPLine& kind)
     {
-        EXPECT_EQ(get(kind, &KARMPLine::GetLine), KARMathLine());
+        EXPECT_EQ(Get(kind, &KARMPLine::GetLine), KARMathLine());
     }
     static void CheckCopy(const KARMPLine& kind) { CheckFilled(kind); }
 };
@@ -105,11 +105,11 @@ struct KindTraits<KARMPPlane>
     }
     static void CheckFilled(const KARMPPlane& kind)
     {
-        EXPECT_EQ(get(kind, &KARMPPlane::GetPlane), KARMathPlane(SomePoint, SomeDirection));
+        EXPECT_EQ(Get(kind, &KARMPPlane::GetPlane), KARMathPlane(SomePoint, SomeDirection));
     }
     static void CheckNew(const KARMPPlane& kind)
     {
-        EXPECT_EQ(get(kind, &KARMPPlane::GetPlane), KARMathPlane());
+        EXPECT_EQ(Get(kind, &KARMPPlane::GetPlane), KARMathPlane());
     }
     static void CheckCopy(const KARMPPlane& kind) { CheckFilled(kind); }
 };
@@ -135,11 +135,11 @@ struct KindTraits<KARMPCircle>
     }
     static void CheckFilled(const KARMPCircle& kind)
     {
-        EXPECT_EQ(get(kind, &KARMPCircle::GetCircle), Value());
+        EXPECT_EQ(Get(kind, &KARMPCircle::GetCircle), Value());
     }
     static void CheckNew(const KARMPCircle& kind)
     {
-        EXPECT_EQ(get(kind, &KARMPCircle::GetCircle), KARMathCircle());
+        EXPECT_EQ(Get(kind, &KARMPCircle::GetCircle), KARMathCircle());
     }
     static void CheckCopy(const KARMPCircle& kind) { CheckFilled(kind); }
 };
@@ -163,11 +163,11 @@ struct KindTraits<KARMPAxisSystem>
     }
     static void CheckFilled(const KARMPAxisSystem& kind)
     {
-        EXPECT_EQ(get(kind, &KARMPAxisSystem::GetAxisSystem), Value());
+        EXPECT_EQ(Get(kind, &KARMPAxisSystem::GetAxisSystem), Value());
     }
     static void CheckNew(const KARMPAxisSystem& kind)
     {
-        EXPECT_EQ(get(kind, &KARMPAxisSystem::GetAxisSystem), KARMathAxis());
+        EXPECT_EQ(Get(kind, &KARMPAxisSystem::GetAxisSystem), KARMathAxis());
     }
     static void CheckCopy(const KARMPAxisSystem& kind) { CheckFilled(kind); }
 };
@@ -191,9 +191,9 @@ struct KindTraits<KARMPCylinder>
     static void Check(const KARMPCylinder& kind, KARMathPoint origin, KARMathDirection axis,
                       double radius)
     {
-        EXPECT_EQ(get(kind, &KARMPCylinder::GetOrigin), origin);
-        EXPECT_EQ(get(kind, &KARMPCylinder::GetAxis), axis);
-        EXPECT_EQ(get(kind, &KARMPCylinder::GetRadius), radius);
+        EXPECT_EQ(Get(kind, &KARMPCylinder::GetOrigin), origin);
+        EXPECT_EQ(Get(kind, &KARMPCylinder::GetAxis), axis);
+        EXPECT_EQ(Get(kind, &KARMPCylinder::GetRadius), radius);
     }
     static void CheckFilled(const KARMPCylinder& kind)
     {
@@ -222,9 +222,9 @@ struct KindTraits<KARMPCone>
     static void Check(const KARMPCone& kind, KARMathPoint origin, KARMathDirection axis,
                       double angle)
     {
-        EXPECT_EQ(get(kind, &KARMPCone::GetOrigin), origin);
-        EXPECT_EQ(get(kind, &KARMPCone::GetAxis), axis);
-        EXPECT_EQ(get(kind, &KARMPCone::GetAngle), angle);
+        EXPECT_EQ(Get(kind, &KARMPCone::GetOrigin), origin);
+        EXPECT_EQ(Get(kind, &KARMPCone::GetAxis), axis);
+        EXPECT_EQ(Get(kind, &KARMPCone::GetAngle), angle);
     }
     static void CheckFilled(const KARMPCone& kind) { Check(kind, SomePoint, SomeDirection, 0.5); }
     static void CheckNew(const KARMPCone& kind) { Check(kind, {}, {}, 0.0); }
@@ -251,10 +251,10 @@ struct KindTraits<KARMPCylicone>
     static void Check(const KARMPCylicone& kind, KARMathPoint origin, KARMathDirection axis,
                       double angle, double radius)
     {
-        EXPECT_EQ(get(kind, &KARMPCylicone::GetOrigin), origin);
-        EXPECT_EQ(get(kind, &KARMPCylicone::GetAxis), axis);
-        EXPECT_EQ(get(kind, &KARMPCylicone::GetAngle), angle);
-        EXPECT_EQ(get(kind, &KARMPCylicone::GetRadius), radius);
+        EXPECT_EQ(Get(kind, &KARMPCylicone::GetOrigin), origin);
+        EXPECT_EQ(Get(kind, &KARMPCylicone::GetAxis), axis);
+        EXPECT_EQ(Get(kind, &KARMPCylicone::GetAngle), angle);
+        EXPECT_EQ(Get(kind, &KARMPCylicone::GetRadius), radius);
     }
     static void CheckFilled(const KARMPCylicone& kind)
     {
@@ -280,8 +280,8 @@ struct KindTraits<KARMPSphere>
     }
     static void Check(const KARMPSphere& kind, KARMathPoint center, double radius)
     {
-        EXPECT_EQ(get(kind, &KARMPSphere::GetCenter), center);
-        EXPECT_EQ(get(kind, &KARMPSphere::GetRadius), radius);
+        EXPECT_EQ(Get(kind, &KARMPSphere::GetCenter), center);
+        EXPECT_EQ(Get(kind, &KARMPSphere::GetRadius), radius);
     }
     static void CheckFilled(const KARMPSphere& kind) { Check(kind, SomePoint, 4.0); }
     static void CheckNew(const KARMPSphere& kind) { Check(kind, {}, 0.0); }
@@ -308,10 +308,10 @@ struct KindTraits<KARMPTorus>
     static void Check(const KARMPTorus& kind, KARMathPoint center, KARMathDirection normal,
                       double major, double minor)
     {
-        EXPECT_EQ(get(kind, &KARMPTorus::GetCenter), center);
-        EXPECT_EQ(get(kind, &KARMPTorus::GetNormal), normal);
-        EXPECT_EQ(get(kind, &KARMPTorus::GetMajorRadius), major);
-        EXPECT_EQ(get(kind, &KARMPTorus::GetMinorRadius), minor);
+        EXPECT_EQ(Get(kind, &KARMPTorus::GetCenter), center);
+        EXPECT_EQ(Get(kind, &KARMPTorus::GetNormal), normal);
+        EXPECT_EQ(Get(kind, &KARMPTorus::GetMajorRadius), major);
+        EXPECT_EQ(Get(kind, &KARMPTorus::GetMinorRadius), minor);
     }
     static void CheckFilled(const KARMPTorus& kind)
     {
@@ -339,10 +339,10 @@ struct CurvedKindTraits
     static void Check(const Kind& kind, KARMathPoint center, KARMathDirection major,
                       KARMathDirection normal, double curvature)
     {
-        EXPECT_EQ(get(kind, &Kind::GetCenter), center);
-        EXPECT_EQ(get(kind, &Kind::GetMajorDirection), major);
-        EXPECT_EQ(get(kind, &Kind::GetNormal), normal);
-        EXPECT_EQ(get(kind, &Kind::GetCurvature), curvature);
+        EXPECT_EQ(Get(kind, &Kind::GetCenter), center);
+        EXPECT_EQ(Get(kind, &Kind::GetMajorDirection), major);
+        EXPECT_EQ(Get(kind, &Kind::GetNormal), normal);
+        EXPECT_EQ(Get(kind, &Kind::GetCurvature), curvature);
     }
     static void CheckFilled(const Kind& kind)
     {
@@ -372,11 +372,11 @@ struct TwoRadiiKindTraits
     static void Check(const Kind& kind, KARMathPoint center, KARMathDirection majorDirection,
                       KARMathDirection normal, double major, double minor)
     {
-        EXPECT_EQ(get(kind, &Kind::GetCenter), center);
-        EXPECT_EQ(get(kind, &Kind::GetMajorDirection), majorDirection);
-        EXPECT_EQ(get(kind, &Kind::GetNormal), normal);
-        EXPECT_EQ(get(kind, &Kind::GetMajorRadius), major);
-        EXPECT_EQ(get(kind, &Kind::GetMinorRadius), minor);
+        EXPECT_EQ(Get(kind, &Kind::GetCenter), center);
+        EXPECT_EQ(Get(kind, &Kind::GetMajorDirection), majorDirection);
+        EXPECT_EQ(Get(kind, &Kind::GetNormal), normal);
+        EXPECT_EQ(Get(kind, &Kind::GetMajorRadius), major);
+        EXPECT_EQ(Get(kind, &Kind::GetMinorRadius), minor);
     }
     static void CheckFilled(const Kind& kind)
     {
@@ -441,10 +441,9 @@ protected:
     static void AddCoordinates(TestDeserializer& element, const std::wstring& missing = {})
     {
         TestDeserializer& list = element.Add(L"Coordinates");
-        for (const auto& [name, value] : Read()) {
+        for (const auto& [name, value] : Read())
             if (name != missing)
                 list.Leaf(name, value);
-        }
     }
 
     QOBSharedHandle<Kind> kind = Kind::create(L"kind");
@@ -544,9 +543,8 @@ TYPED_TEST(GeometryKind, ReportsAMissingCoordinateAndReadsTheRest)
             const double found = again.Child(0).Child(0).Child(i).GetValued();
             // A direction that lacks a component is made whole; all else is 0 or as it was.
             const bool ofDirection = readNames[i].first[0] == L'D' || readNames[i].first[0] == L'N';
-            if (std::is_same_v<TypeParam, KARMPAxisSystem> || !ofDirection) {
+            if (std::is_same_v<TypeParam, KARMPAxisSystem> || !ofDirection)
                 EXPECT_EQ(found, readNames[i].first == missing ? 0.0 : names[i].second);
-            }
         }
     }
 }
@@ -579,9 +577,8 @@ TYPED_TEST(GeometryKind, ReportsEachAdditionThatFails)
         ForEachFailedCreation(L"R2018.1", [&](TestSerializer& root, std::size_t failing) {
             const bool structural = failing == 1 || failing == 2;
             EXPECT_EQ(this->kind->Serialize(&root), structural ? KARFailure : KARSuccess);
-            if (failing > 2) {
+            if (failing > 2)
                 EXPECT_EQ(root.Child(0).Child(0).GetElementCount(), count - 1);
-            }
             // The node reports too, of a value more than once.
             const auto isOfKind = [](const std::string& place) {
                 return place.find("KARMPSerializer.cpp") == std::string::npos;
@@ -620,7 +617,7 @@ protected:
             .Leaf(L"minor_radius", 0.0);
         const auto torus = KARMPTorus::create(L"");
         EXPECT_EQ(torus->Deserialize(&root, KARMPEntityTable()), KARSuccess);
-        return get(*torus, &KARMPTorus::GetNormal);
+        return Get(*torus, &KARMPTorus::GetNormal);
     }
 };
 
@@ -650,7 +647,7 @@ TEST(GeometryDirections, AreStoredAsGiven)
 {
     const auto cylinder = KARMPCylinder::create(L"");
     cylinder->SetAxis({0.0, 0.0, 2.0});
-    EXPECT_EQ(get(*cylinder, &KARMPCylinder::GetAxis), KARMathDirection(0.0, 0.0, 2.0));
+    EXPECT_EQ(Get(*cylinder, &KARMPCylinder::GetAxis), KARMathDirection(0.0, 0.0, 2.0));
 }
 
 TEST_F(DirectionOnRead, HoldsForTheAxisOfACircleToo)
@@ -667,7 +664,7 @@ TEST_F(DirectionOnRead, HoldsForTheAxisOfACircleToo)
         .Leaf(L"radius", 2.0);
     const auto circle = KARMPCircle::create(L"");
     EXPECT_EQ(circle->Deserialize(&root, KARMPEntityTable()), KARSuccess);
-    const KARMathCircle value = get(*circle, &KARMPCircle::GetCircle);
+    const KARMathCircle value = Get(*circle, &KARMPCircle::GetCircle);
     EXPECT_EQ(value.GetNormal(), KARMathVector(0.0, 1.0, 0.0));
     EXPECT_EQ(value.GetRadius(), 2.0);
     EXPECT_EQ(value.GetScale(), 1.0);
@@ -688,7 +685,7 @@ TEST_F(DirectionOnRead, HoldsForTheNormalOfAPlaneToo)
             .Leaf(L"Nz", z);
         const auto plane = KARMPPlane::create(L"");
         EXPECT_EQ(plane->Deserialize(&root, KARMPEntityTable()), KARSuccess);
-        return get(*plane, &KARMPPlane::GetPlane).GetNormal();
+        return Get(*plane, &KARMPPlane::GetPlane).GetNormal();
     };
     EXPECT_EQ(normalOf(0.0, 0.0, 0.0), KARMathDirection(1.0, 0.0, 0.0));
     EXPECT_EQ(normalOf(0.0, 3.0, 0.0), KARMathDirection(0.0, 1.0, 0.0));
@@ -707,7 +704,7 @@ TEST_F(DirectionOnRead, OfALineGoesOnWithoutAComponent)
     const auto line = KARMPLine::create(L"");
     EXPECT_EQ(line->Deserialize(&root, KARMPEntityTable()), KARSuccess);
     ExpectReports(1);
-    EXPECT_EQ(get(*line, &KARMPLine::GetLine), KARMathLine({1.0, 2.0, 3.0}, {0.0, 0.0, 1.0}));
+    EXPECT_EQ(Get(*line, &KARMPLine::GetLine), KARMathLine({1.0, 2.0, 3.0}, {0.0, 0.0, 1.0}));
 }
 
 } // namespace

@@ -36,7 +36,7 @@ struct Candidates
     }
 };
 
-Carrier carrierOf(Type::Enum type)
+Carrier CarrierOf(Type::Enum type)
 {
     switch (type) {
     case Type::Revolute:
@@ -55,7 +55,7 @@ Carrier carrierOf(Type::Enum type)
 
 // The first geometry of a kind that the joint's constraints use on a body, null without one.
 template <class Geometry>
-QOBSharedHandle<Geometry> findGeometry(const KARMPJoint& joint,
+QOBSharedHandle<Geometry> FindGeometry(const KARMPJoint& joint,
                                        const QOBSharedHandle<KARMPBody>& body)
 {
     for (int index = 0; index < joint.GetConstraintCount(); ++index) {
@@ -76,7 +76,7 @@ QOBSharedHandle<Geometry> findGeometry(const KARMPJoint& joint,
 }
 
 // A body's position as an axis system, moved to a point of the body if there is one.
-KARMathAxis frameOf(const KARMPBody& body, const KARMPPoint* point)
+KARMathAxis FrameOf(const KARMPBody& body, const KARMPPoint* point)
 {
     KARMathTransformation position;
     body.GetPosition(position);
@@ -91,25 +91,25 @@ KARMathAxis frameOf(const KARMPBody& body, const KARMPPoint* point)
     return {origin, {c[0], c[1], c[2]}, {c[3], c[4], c[5]}, {c[6], c[7], c[8]}};
 }
 
-void collectFromBody(const KARMPJoint& joint, Carrier carrier,
+void CollectFromBody(const KARMPJoint& joint, Carrier carrier,
                      const QOBSharedHandle<KARMPBody>& body, Candidates& candidates)
 {
     QOBSharedHandle<KARMPPoint> point;
     if (carrier == Carrier::AxisSystem) {
-        if (const auto geometry = findGeometry<KARMPAxisSystem>(joint, body)) {
+        if (const auto geometry = FindGeometry<KARMPAxisSystem>(joint, body)) {
             KARMathAxis frame;
             geometry->GetAxisSystem(frame);
             candidates.Add(frame, Coordinates::OwnBody);
             return;
         }
     } else if (carrier == Carrier::Point) {
-        point = findGeometry<KARMPPoint>(joint, body);
+        point = FindGeometry<KARMPPoint>(joint, body);
     }
     if (body)
-        candidates.Add(frameOf(*body, point.get()), Coordinates::World);
+        candidates.Add(FrameOf(*body, point.get()), Coordinates::World);
 }
 
-void collectFromBodies(const KARMPJoint& joint, Carrier carrier, Candidates& candidates)
+void CollectFromBodies(const KARMPJoint& joint, Carrier carrier, Candidates& candidates)
 {
     QOBSharedHandle<KARMPWorld> world;
     QOBSharedHandle<KARMPBody> globalBody;
@@ -122,11 +122,11 @@ void collectFromBodies(const KARMPJoint& joint, Carrier carrier, Candidates& can
         if (body == globalBody)
             candidates.Add(KARMathAxis(), Coordinates::GlobalBody);
         else
-            collectFromBody(joint, carrier, body, candidates);
+            CollectFromBody(joint, carrier, body, candidates);
     }
 }
 
-KARStatus collectFromLoader(const KARMPJoint& joint, Candidates& candidates)
+KARStatus CollectFromLoader(const KARMPJoint& joint, Candidates& candidates)
 {
     KARIMPJointLoader* loader = nullptr;
     KARStatus status = joint.GetLoader(loader);
@@ -139,7 +139,7 @@ KARStatus collectFromLoader(const KARMPJoint& joint, Candidates& candidates)
 }
 
 // Nothing is added where the conversion needs a body and there is none.
-void convert(const KARMathAxis& frame, Coordinates coordinates, bool local,
+void Convert(const KARMathAxis& frame, Coordinates coordinates, bool local,
              const QOBSharedHandle<KARMPBody>& body, std::vector<KARMathAxis>& frames)
 {
     if (coordinates == Coordinates::GlobalBody) {
@@ -177,16 +177,16 @@ KARStatus KARMPJointFramesServices::ComputeFrames(const KARMPJoint* joint,
 
     KARStatus status = KARUnchanged;
     Candidates candidates;
-    if (const Carrier carrier = carrierOf(type); carrier == Carrier::Loader)
-        status = collectFromLoader(*joint, candidates);
+    if (const Carrier carrier = CarrierOf(type); carrier == Carrier::Loader)
+        status = CollectFromLoader(*joint, candidates);
     else
-        collectFromBodies(*joint, carrier, candidates);
+        CollectFromBodies(*joint, carrier, candidates);
 
     if (KARMPVerify(candidates.frames.size() == candidates.coordinates.size())) {
         for (std::size_t index = 0; index < candidates.frames.size(); ++index) {
             QOBSharedHandle<KARMPBody> body;
             joint->GetLinkedBody(static_cast<int>(index), body);
-            convert(candidates.frames[index], candidates.coordinates[index], local != 0, body,
+            Convert(candidates.frames[index], candidates.coordinates[index], local != 0, body,
                     frames);
         }
     }

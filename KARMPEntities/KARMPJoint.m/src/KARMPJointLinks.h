@@ -40,19 +40,22 @@ template <class Body, class Link>
 void ReadLinkedBodies(ElementReader& element, ItemName container, ItemName item,
                       const KARMPEntityTable& entities, Link link)
 {
-    element.Child(container, Absent::Keep).Each(item, [&](ElementReader entry) {
-        const auto target = entry.template Target<KARMPEntity>(entities);
-        if (!target)
-            return;
-        auto orientation = KARMPBodyOrientation::Out;
-        if (AtLeast(element.Version(), R2017_1)) {
-            ReadText text;
-            if (!entry.Attribute(L"bodyOrientation", text, Absent::ReportAndKeep))
-                return;
-            orientation = KARMPEnumValue<KARMPBodyOrientation::Enum>(text.View());
-        }
-        ElementReader::Set(link(HandleAs<Body>(target), orientation));
-    });
+    element.Child(container, Absent::Keep)
+        .Each(
+            item,
+            [&](ElementReader entry) {
+                const auto target = entry.template Target<KARMPEntity>(entities);
+                if (!target)
+                    return;
+                auto orientation = KARMPBodyOrientation::Out;
+                if (AtLeast(element.Version(), R2017_1)) {
+                    ReadText text;
+                    if (!entry.Attribute(L"bodyOrientation", text, Absent::ReportAndKeep))
+                        return;
+                    orientation = KARMPEnumValue<KARMPBodyOrientation::Enum>(text.View());
+                }
+                ElementReader::Set(link(HandleAs<Body>(target), orientation));
+            });
 }
 
 /// Calls RemoveJoint of each entry in order, up to the first failure. The result is the status of

@@ -13,15 +13,17 @@ KARMPScrew::~KARMPScrew() = default;
 // any joint, and a document that names its equation is understood all the same.
 KARStatus KARMPScrew::Serialize(KARMPSerializer* serializer) const
 {
-    return karmp::WriteKind(serializer, L"Screw", [this](auto* node) {
-        return KARMPJoint::Serialize(node); // NOLINT(bugprone-parent-virtual-call)
-    });
+    return karmp::WriteKind(
+        serializer, L"Screw",
+        [this](auto* node) {
+            return KARMPJoint::Serialize(node); // NOLINT(bugprone-parent-virtual-call)
+        });
 }
 
 KARStatus KARMPScrew::Deserialize(const KARMPDeserializer* deserializer,
                                   const KARMPEntityTable& entities)
 {
-    return karmp::ReadKind(deserializer, L"Screw", [&](const auto* node) {
-        return KARMPCoupling::Deserialize(node, entities);
-    });
+    return karmp::ReadKind(
+        deserializer, L"Screw",
+        [&](const auto* node) { return KARMPCoupling::Deserialize(node, entities); });
 }

@@ -17,19 +17,19 @@ using Frames = std::vector<KARMathAxis>;
 using Type = KARMPSolverEquivalentJointType;
 
 // A quarter turn about the third direction and a displacement, with exact coefficients.
-KARMathTransformation turned(double x, double y, double z)
+KARMathTransformation Turned(double x, double y, double z)
 {
     return {{{0.0, 1.0, 0.0}, {-1.0, 0.0, 0.0}, {0.0, 0.0, 1.0}}, {x, y, z}};
 }
 
-KARMathAxis positionOf(const KARMPBody& body)
+KARMathAxis PositionOf(const KARMPBody& body)
 {
     KARMathTransformation position;
     body.GetPosition(position);
     return position * KARMathAxis();
 }
 
-void expectNear(const KARMathAxis& left, const KARMathAxis& right)
+void ExpectNear(const KARMathAxis& left, const KARMathAxis& right)
 {
     const auto expectVectors = [](const KARMathVector& a, const KARMathVector& b) {
         EXPECT_NEAR(a.GetX(), b.GetX(), 1e-12);
@@ -48,8 +48,8 @@ class JointFrames : public KARMPTestFixture
 protected:
     JointFrames()
     {
-        a->SetPosition(turned(1.0, 2.0, 3.0), 0);
-        b->SetPosition(turned(-4.0, 5.0, 6.0), 0);
+        a->SetPosition(Turned(1.0, 2.0, 3.0), 0);
+        b->SetPosition(Turned(-4.0, 5.0, 6.0), 0);
         joint->SetLoader(loader);
         for (const auto& body : {a, b})
             joint->LinkToBody(body, KARMPBodyOrientation::Out);
@@ -105,7 +105,7 @@ TEST_F(JointFrames, AnAxisSystemOnABodyIsItsFrameInTheBodysCoordinates)
         const Frames frames = Compute(type, 1);
         ASSERT_EQ(frames.size(), 2u);
         EXPECT_EQ(frames[1], Axis(7.0));
-        expectNear(frames[0], KARMathAxis());
+        ExpectNear(frames[0], KARMathAxis());
     }
 }
 
@@ -115,8 +115,8 @@ TEST_F(JointFrames, AnAxisSystemOnABodyIsMovedWithTheBodyInTheWorldsCoordinates)
     for (const auto type : {Type::Revolute, Type::Cylindrical, Type::Screw}) {
         const Frames frames = Compute(type, 0);
         ASSERT_EQ(frames.size(), 2u);
-        EXPECT_EQ(frames[1], turned(-4.0, 5.0, 6.0) * Axis(7.0));
-        EXPECT_EQ(frames[0], positionOf(*a));
+        EXPECT_EQ(frames[1], Turned(-4.0, 5.0, 6.0) * Axis(7.0));
+        EXPECT_EQ(frames[0], PositionOf(*a));
     }
 }
 
@@ -140,8 +140,8 @@ TEST_F(JointFrames, APointOnABodyMovesTheOriginAndKeepsTheDirections)
     for (const auto type : {Type::Spherical, Type::PointOnCurve}) {
         const Frames frames = Compute(type, 0);
         ASSERT_EQ(frames.size(), 2u);
-        EXPECT_EQ(frames[0], positionOf(*a));
-        KARMathAxis expected = positionOf(*b);
+        EXPECT_EQ(frames[0], PositionOf(*a));
+        KARMathAxis expected = PositionOf(*b);
         expected.SetOrigin({-4.0, 6.0, 8.0});
         EXPECT_EQ(frames[1], expected);
     }
@@ -155,7 +155,7 @@ TEST_F(JointFrames, APointOnABodyIsTheOriginInTheBodysCoordinates)
         ASSERT_EQ(frames.size(), 2u);
         KARMathAxis expected;
         expected.SetOrigin({1.0, 0.0, 2.0});
-        expectNear(frames[1], expected);
+        ExpectNear(frames[1], expected);
     }
 }
 
@@ -179,7 +179,7 @@ TEST_F(JointFrames, GeometryOnOtherBodiesAndOnNoneIsPassedOver)
     UseAxis(first, nullptr, 2.0);
     for (const auto type : {Type::Revolute, Type::Spherical}) {
         const Frames frames = Compute(type, 0);
-        EXPECT_EQ(frames, (Frames{positionOf(*a), positionOf(*b)}));
+        EXPECT_EQ(frames, (Frames{PositionOf(*a), PositionOf(*b)}));
     }
 }
 
@@ -188,11 +188,11 @@ TEST_F(JointFrames, BodyKindsTakeTheBodysPositionAndLookAtNoGeometry)
     UseAxis(first, a, 1.0);
     Use<KARMPPoint>(first, b)->SetPoint({1.0, 0.0, 0.0});
     for (const auto type : {Type::Rigid, Type::SixDoF}) {
-        EXPECT_EQ(Compute(type, 0), (Frames{positionOf(*a), positionOf(*b)}));
+        EXPECT_EQ(Compute(type, 0), (Frames{PositionOf(*a), PositionOf(*b)}));
         const Frames local = Compute(type, 1);
         ASSERT_EQ(local.size(), 2u);
-        expectNear(local[0], KARMathAxis());
-        expectNear(local[1], KARMathAxis());
+        ExpectNear(local[0], KARMathAxis());
+        ExpectNear(local[1], KARMathAxis());
     }
 }
 
@@ -213,7 +213,7 @@ TEST_F(JointFrames, TheGlobalBodysFrameIsTheWorldsWhateverTheCoordinates)
 TEST_F(JointFrames, AWorldWithoutAGlobalBodyTreatsAllBodiesAlike)
 {
     world->SetGlobalBody(nullptr);
-    EXPECT_EQ(Compute(Type::Rigid, 0), (Frames{positionOf(*a), positionOf(*b)}));
+    EXPECT_EQ(Compute(Type::Rigid, 0), (Frames{PositionOf(*a), PositionOf(*b)}));
 }
 
 TEST_F(JointFrames, AJointOutsideAWorldReportsThatAndHasItsFramesAllTheSame)
@@ -225,7 +225,7 @@ TEST_F(JointFrames, AJointOutsideAWorldReportsThatAndHasItsFramesAllTheSame)
     lonely->LinkToBody(b, KARMPBodyOrientation::Out);
     Frames frames;
     EXPECT_EQ(KARMPJointFramesServices::ComputeFrames(lonely.get(), frames, 0), KARSuccess);
-    EXPECT_EQ(frames, (Frames{positionOf(*b)}));
+    EXPECT_EQ(frames, (Frames{PositionOf(*b)}));
     ExpectReports(1);
 }
 
@@ -234,11 +234,11 @@ TEST_F(JointFrames, FramesAreAddedToThoseThatAreThere)
     loader->type = Type::Rigid;
     Frames frames{Axis(1.0)};
     EXPECT_EQ(joint->GetFrames(frames, 0, 1), KARSuccess);
-    EXPECT_EQ(frames, (Frames{Axis(1.0), positionOf(*a), positionOf(*b)}));
+    EXPECT_EQ(frames, (Frames{Axis(1.0), PositionOf(*a), PositionOf(*b)}));
     EXPECT_EQ(joint->GetFrames(frames, 1, 1), KARSuccess);
     ASSERT_EQ(frames.size(), 5u);
-    expectNear(frames[3], KARMathAxis());
-    expectNear(frames[4], KARMathAxis());
+    ExpectNear(frames[3], KARMathAxis());
+    ExpectNear(frames[4], KARMathAxis());
 }
 
 TEST_F(JointFrames, OnlyTheKindIsAskedOfTheLoaderWhereFramesAreComputed)
@@ -255,7 +255,7 @@ TEST_F(JointFrames, OtherKindsTakeTheLoadersFramesAsTheWorlds)
         EXPECT_EQ(Compute(static_cast<Type::Enum>(type), 0), loader->frames) << type;
         const Frames local = Compute(static_cast<Type::Enum>(type), 1);
         KARMathTransformation inverse;
-        turned(-4.0, 5.0, 6.0).ComputeInverse(inverse);
+        Turned(-4.0, 5.0, 6.0).ComputeInverse(inverse);
         ASSERT_EQ(local.size(), 2u);
         EXPECT_EQ(local[1], inverse * Axis(2.0));
     }
@@ -334,8 +334,8 @@ TEST_F(JointFrames, ANullJointIsReported)
 
 TEST_F(JointFrames, FramesFollowTheBodiesFromCallToCall)
 {
-    EXPECT_EQ(Compute(Type::Rigid, 0)[0], positionOf(*a));
-    a->SetPosition(turned(9.0, 9.0, 9.0), 0);
+    EXPECT_EQ(Compute(Type::Rigid, 0)[0], PositionOf(*a));
+    a->SetPosition(Turned(9.0, 9.0, 9.0), 0);
     EXPECT_EQ(Compute(Type::Rigid, 0)[0].GetOrigin(), KARMathPoint(9.0, 9.0, 9.0));
 }
 
@@ -343,7 +343,7 @@ TEST_F(JointFrames, ABodyWhosePositionHasNoInverseKeepsTheWorldsCoordinates)
 {
     a->SetPosition(
         {KARMath3x3Matrix({0.0, 0.0, 0.0}, {0.0, 0.0, 0.0}, {0.0, 0.0, 0.0}), {1.0, 2.0, 3.0}}, 0);
-    EXPECT_EQ(Compute(Type::Rigid, 1)[0], positionOf(*a));
+    EXPECT_EQ(Compute(Type::Rigid, 1)[0], PositionOf(*a));
 }
 
 // A joint whose loader cannot be fetched once its kind is known.

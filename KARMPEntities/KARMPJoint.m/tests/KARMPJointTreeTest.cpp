@@ -294,7 +294,7 @@ TEST_F(JointTree, AFailedAdditionIsReportedAndWritingGoesOn)
 }
 
 // How many of the four links are lost with an item of the tree.
-int linksLostWithout(const std::wstring& item)
+int LinksLostWithout(const std::wstring& item)
 {
     if (item == L"/Revolute")
         return 4;
@@ -318,7 +318,7 @@ TEST_F(JointTree, AnyMissingItemCostsItsLinkAlone)
             EXPECT_EQ(other->Deserialize(&document, table),
                       missing == L"/Revolute" ? KARFailure : KARSuccess);
             EXPECT_EQ(4 - other->GetLinkedBodyCount() - other->GetConstraintCount(),
-                      linksLostWithout(missing));
+                      LinksLostWithout(missing));
             EXPECT_LE(TakeReports(), 1u);
         });
     EXPECT_EQ(items, 20u);

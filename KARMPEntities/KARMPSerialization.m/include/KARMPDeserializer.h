@@ -204,9 +204,8 @@ private:
     karmp::ReadValue* FindAttribute(std::wstring_view name) const;
     void Need(Later part) const
     {
-        if ((m_later & part) != 0) {
+        if ((m_later & part) != 0)
             Make(part);
-        }
     }
     void Make(Later part) const;
     template <class T>

@@ -30,9 +30,8 @@ public:
     void* Allocate(std::size_t size)
     {
         size = (size + Alignment - 1) / Alignment * Alignment;
-        if (size > m_left) {
+        if (size > m_left)
             AddChunk(size);
-        }
         void* const memory = m_next;
         m_next += size;
         m_left -= size;
@@ -58,9 +57,8 @@ public:
     std::size_t Size() const
     {
         std::size_t size = 0;
-        for (const Chunk& chunk : m_chunks) {
+        for (const Chunk& chunk : m_chunks)
             size += chunk.size;
-        }
         return size;
     }
 
@@ -80,9 +78,8 @@ public:
     /// comes next.
     void Reuse() noexcept
     {
-        if (m_chunks.empty()) {
+        if (m_chunks.empty())
             return;
-        }
         const Chunk kept = m_chunks.back();
         m_chunks.pop_back();
         Clear();

@@ -52,9 +52,8 @@ public:
 
     NodeText(const NodeText& other) : m_bits(other.m_bits)
     {
-        if (other.IsOwned()) [[unlikely]] {
+        if (other.IsOwned()) [[unlikely]]
             m_bits = Copy(other.View()).Release();
-        }
     }
     NodeText(NodeText&& other) noexcept : m_bits(other.Release()) {}
     NodeText& operator=(NodeText other) noexcept
@@ -64,21 +63,18 @@ public:
     }
     ~NodeText()
     {
-        if (IsOwned()) {
+        if (IsOwned())
             Free();
-        }
     }
 
     /// The characters, valid for as long as this text is neither assigned nor destroyed.
     std::wstring_view View() const
     {
-        if (m_bits == 0) {
+        if (m_bits == 0)
             return {};
-        }
         const auto address = m_bits & ~FlagBits;
-        if ((m_bits & OwnsString) != 0) {
+        if ((m_bits & OwnsString) != 0)
             return *reinterpret_cast<const std::wstring*>(address);
-        }
         const auto* block = reinterpret_cast<const Block*>(address);
         return {reinterpret_cast<const wchar_t*>(block + 1), block->length};
     }
@@ -122,9 +118,8 @@ private:
 /// by a call.
 inline bool SameName(std::wstring_view left, std::wstring_view right)
 {
-    if (left.size() != right.size()) {
+    if (left.size() != right.size())
         return false;
-    }
     using Pair = std::array<wchar_t, 2>;
     std::size_t place = 0;
     for (; place + 1 < left.size(); place += 2) {
@@ -132,9 +127,8 @@ inline bool SameName(std::wstring_view left, std::wstring_view right)
         Pair rightPair;
         std::memcpy(leftPair.data(), left.data() + place, sizeof(Pair));
         std::memcpy(rightPair.data(), right.data() + place, sizeof(Pair));
-        if (leftPair != rightPair) {
+        if (leftPair != rightPair)
             return false;
-        }
     }
     return place == left.size() || left[place] == right[place];
 }
@@ -205,9 +199,8 @@ public:
     /// Valid for as long as this text and the node's value.
     std::wstring_view View() const
     {
-        if (m_ascii.data() != nullptr) {
+        if (m_ascii.data() != nullptr)
             Widen();
-        }
         return m_view;
     }
     /// True when narrow characters, all of them ASCII, are referred to.
@@ -277,9 +270,8 @@ public:
     /// The same for `more` elements; a list that is still empty gets no room for others.
     void MakeRoomFor(std::size_t more, NodeMemory* memory = nullptr)
     {
-        if (more > (m_block != nullptr ? m_block->capacity - m_block->size : 0U)) {
+        if (more > (m_block != nullptr ? m_block->capacity - m_block->size : 0U))
             Grow(std::max(size() + more, size() * 2), memory);
-        }
     }
 
     void Append(T&& element)
@@ -294,9 +286,8 @@ public:
     void Fill(std::size_t count, Make make)
     {
         T* const first = First() + m_block->size;
-        for (std::size_t number = 0; number < count; ++number) {
+        for (std::size_t number = 0; number < count; ++number)
             ::new (first + number) T(make(number));
-        }
         m_block->size += static_cast<std::uint32_t>(count);
     }
 
@@ -304,9 +295,8 @@ public:
     {
         std::destroy(begin(), end());
         Header* const block = std::exchange(m_block, nullptr);
-        if (block != nullptr && block->isOwned != 0) {
+        if (block != nullptr && block->isOwned != 0)
             ::operator delete(block);
-        }
     }
 
 private:
@@ -323,9 +313,8 @@ private:
     void Grow(std::size_t capacity, NodeMemory* memory)
     {
         const std::size_t count = size();
-        if (capacity > Largest) {
+        if (capacity > Largest)
             throw std::length_error("KARMP element tree: list too long");
-        }
         const std::size_t bytes = sizeof(Header) + capacity * sizeof(T);
         auto* block = static_cast<Header*>(memory != nullptr ? memory->Allocate(bytes)
                                                              : ::operator new(bytes));

@@ -37,11 +37,10 @@ struct EndPlaced
     template <class T>
     void operator()(T* placed) const noexcept
     {
-        if (placed->inTree) {
+        if (placed->inTree)
             placed->~T();
-        } else {
+        else
             delete placed;
-        }
     }
 };
 
@@ -56,20 +55,17 @@ std::wstring_view NameOf(const T& element)
 template <class T>
 bool AreRecord(std::span<const T> elements)
 {
-    if (elements.size() > LongestScan) {
+    if (elements.size() > LongestScan)
         return false;
-    }
     const auto* const first = elements.data();
     const auto* const end = first + elements.size();
     for (const auto* element = first; element != end; ++element) {
         const NodeText& name = element->name;
         bool isNew = name.SharesStorage();
-        for (const auto* former = first; former != element; ++former) {
+        for (const auto* former = first; former != element; ++former)
             isNew = isNew && !former->name.IsSameAs(name);
-        }
-        if (!isNew) {
+        if (!isNew)
             return false;
-        }
     }
     return true;
 }
@@ -82,9 +78,8 @@ struct NameIndex : Placed
     {
         void operator()(NameIndex* index) const noexcept
         {
-            if (!index->inTree) {
+            if (!index->inTree)
                 delete index;
-            }
         }
     };
 
@@ -101,11 +96,9 @@ const T* FindNamed(const karmp::NodeArray<T>& list, const NameIndex* index, std:
         const auto found = index->places.find(name);
         return found != index->places.end() ? &list[found->second] : nullptr;
     }
-    for (const T& element : list) {
-        if (SameName(NameOf(element), name)) {
+    for (const T& element : list)
+        if (SameName(NameOf(element), name))
             return &element;
-        }
-    }
     return nullptr;
 }
 
@@ -115,13 +108,11 @@ template <class T>
 const T* FindNext(const karmp::NodeArray<T>& list, const NameIndex* index, std::uint32_t& likely,
                   std::wstring_view name)
 {
-    if (likely < list.size() && SameName(NameOf(list[likely]), name)) {
+    if (likely < list.size() && SameName(NameOf(list[likely]), name))
         return &list[likely++];
-    }
     const T* const found = FindNamed(list, index, name);
-    if (found != nullptr) {
+    if (found != nullptr)
         likely = static_cast<std::uint32_t>(found - list.begin() + 1);
-    }
     return found;
 }
 
@@ -130,9 +121,8 @@ template <class T>
 void IndexNext(OwnedIndex& index, const karmp::NodeArray<T>& list, std::wstring_view name,
                karmp::NodeMemory* memory)
 {
-    if (list.size() < LongestScan) {
+    if (list.size() < LongestScan)
         return;
-    }
     if (!index) {
         OwnedIndex made(memory != nullptr ? memory->Make<NameIndex>() : new NameIndex());
         made->inTree = memory != nullptr;
@@ -151,9 +141,8 @@ std::vector<const T*> ByName(const karmp::NodeArray<T>& list)
 {
     std::vector<const T*> sorted;
     sorted.reserve(list.size());
-    for (const T& element : list) {
+    for (const T& element : list)
         sorted.push_back(&element);
-    }
     std::sort(sorted.begin(), sorted.end(),
               [](const T* left, const T* right) { return NameOf(*left) < NameOf(*right); });
     return sorted;
@@ -223,9 +212,8 @@ void KARMPDeserializer::Group::Append(KARMPDeserializer* child, karmp::NodeMemor
 // walk: it is first and last.
 KARMPDeserializer* KARMPDeserializer::Group::Next(std::size_t additions) const
 {
-    if (!several) {
+    if (!several)
         return only;
-    }
     if (several->additions != additions) {
         several->additions = additions;
         several->walked = 0;
@@ -301,16 +289,16 @@ void KARMPDeserializer::Content::Append(Attribute&& attribute, karmp::NodeMemory
 bool KARMPDeserializer::Content::NeedsGroupsWith(const NodeText& name) const
 {
     return children.size() >= LongestScan ||
-           std::any_of(children.begin(), children.end(),
-                       [&name](const Child& child) { return child.name == name; });
+           std::any_of(
+               children.begin(), children.end(),
+               [&name](const Child& child) { return child.name == name; });
 }
 
 void KARMPDeserializer::Content::MakeGroups(karmp::NodeMemory* memory)
 {
     std::unique_ptr<Groups, EndPlaced> made(Place<Groups>(memory));
-    for (const Child& child : children) {
+    for (const Child& child : children)
         made->Append(NameOf(child), child, memory);
-    }
     groups = std::move(made);
 }
 
@@ -319,12 +307,10 @@ void KARMPDeserializer::Content::MakeGroups(karmp::NodeMemory* memory)
 void KARMPDeserializer::Content::Append(NodeText name, KARMPDeserializer* child,
                                         karmp::NodeMemory* memory)
 {
-    if (!groups && NeedsGroupsWith(name)) {
+    if (!groups && NeedsGroupsWith(name))
         MakeGroups(memory);
-    }
-    if (groups) {
+    if (groups)
         groups->Append(name.View(), child, memory);
-    }
     children.Append({std::move(name), child});
 }
 
@@ -351,11 +337,9 @@ void KARMPDeserializer::Clean() noexcept
         if (Groups* const groups = m_content->groups.get()) {
             std::sort(groups->list.begin(), groups->list.end(), byName);
             Child* place = children.begin();
-            for (const Group& group : groups->list) {
-                for (KARMPDeserializer* const member : group) {
+            for (const Group& group : groups->list)
+                for (KARMPDeserializer* const member : group)
                     (place++)->node = member;
-                }
-            }
         } else {
             std::sort(children.begin(), children.end(), byName);
         }
@@ -367,9 +351,8 @@ void KARMPDeserializer::Clean() noexcept
 
 KARMPDeserializer::Content& KARMPDeserializer::NeedContent(karmp::NodeMemory* memory)
 {
-    if (!m_content) {
+    if (!m_content)
         m_content.reset(Place<Content>(memory));
-    }
     return *m_content;
 }
 
@@ -381,11 +364,10 @@ void KARMPDeserializer::Make(Later part) const
     // No node is made as a constant; readers are handed constant ones.
     auto& node = const_cast<KARMPDeserializer&>(*this);
     try {
-        if (part == AttributesLater) {
+        if (part == AttributesLater)
             node.MakeAttributes();
-        } else {
+        else
             node.MakeContent();
-        }
     } catch (...) {
         m_later = before;
         throw;
@@ -541,12 +523,10 @@ std::wstring_view KARMPDeserializer::GetAttributeId(std::size_t index) const
 
 KARStatus KARMPDeserializer::AddElement(std::wstring_view name, KARMPDeserializer* child)
 {
-    if (m_content && m_content->groups) {
+    if (m_content && m_content->groups)
         ++m_content->groups->additions;
-    }
-    if (!KARMPVerify(child != nullptr)) {
+    if (!KARMPVerify(child != nullptr))
         return KARFailure;
-    }
     Content& content = NeedContent(m_memory);
     content.children.MakeRoom(m_memory);
     content.Append(NodeText::Name(name), child, m_memory);
@@ -556,33 +536,28 @@ KARStatus KARMPDeserializer::AddElement(std::wstring_view name, KARMPDeserialize
 void KARMPDeserializer::PlaceElements(std::span<KARMPDeserializer* const> children,
                                       karmp::NodeMemory& memory)
 {
-    if (children.empty()) {
+    if (children.empty())
         return;
-    }
     Content& content = NeedContent(&memory);
-    if (content.groups) {
+    if (content.groups)
         ++content.groups->additions;
-    }
     content.children.MakeRoomFor(children.size(), &memory);
     if (content.groups) {
-        for (KARMPDeserializer* const child : children) {
+        for (KARMPDeserializer* const child : children)
             content.Append(child->m_name, child, &memory);
-        }
         return;
     }
     const bool isFirst = content.children.size() == 0;
     content.children.Fill(children.size(), [children](std::size_t number) {
         return Child{children[number]->m_name, children[number]};
     });
-    if (AreRecord(std::span<const Child>(content.children.begin(), content.children.size()))) {
+    if (AreRecord(std::span<const Child>(content.children.begin(), content.children.size())))
         return;
-    }
     try {
         content.MakeGroups(&memory);
     } catch (...) {
-        if (isFirst) {
+        if (isFirst)
             content.children.Clear();
-        }
         throw;
     }
 }
@@ -590,39 +565,34 @@ void KARMPDeserializer::PlaceElements(std::span<KARMPDeserializer* const> childr
 bool KARMPDeserializer::HasAttribute(std::wstring_view name) const
 {
     karmp::AsciiText unmade;
-    if ((m_later & AttributesLater) != 0 && FindUnmade(name, unmade)) {
+    if ((m_later & AttributesLater) != 0 && FindUnmade(name, unmade))
         return unmade.characters != nullptr;
-    }
     return FindAttribute(name) != nullptr;
 }
 
 bool KARMPDeserializer::HasElement(std::wstring_view name) const
 {
     Need(ContentLater);
-    if (!m_content) {
+    if (!m_content)
         return false;
-    }
     // What is asked about is mostly read next, so that its place stays the likely one.
     if (const Groups* const groups = m_content->groups.get()) {
         const Group* const group = groups->Find(name);
-        if (group != nullptr) {
+        if (group != nullptr)
             --groups->likely;
-        }
         return group != nullptr;
     }
     const Child* const child = m_content->Find(name);
-    if (child != nullptr) {
+    if (child != nullptr)
         --m_content->likely;
-    }
     return child != nullptr;
 }
 
 KARMPDeserializer* KARMPDeserializer::NextElement(std::wstring_view name) const
 {
     Need(ContentLater);
-    if (!m_content) {
+    if (!m_content)
         return nullptr;
-    }
     if (const Groups* const groups = m_content->groups.get()) {
         const Group* const group = groups->Find(name);
         return group != nullptr ? group->Next(groups->additions) : nullptr;
@@ -635,9 +605,8 @@ KARStatus KARMPDeserializer::GetElement(std::wstring_view name,
                                         const KARMPDeserializer*& child) const
 {
     KARMPDeserializer* const next = NextElement(name);
-    if (next != nullptr && !(next->m_version == m_version)) {
+    if (next != nullptr && !(next->m_version == m_version))
         next->m_version = m_version;
-    }
     child = next;
     return KARSuccess;
 }
@@ -645,19 +614,15 @@ KARStatus KARMPDeserializer::GetElement(std::wstring_view name,
 KARStatus KARMPDeserializer::GetElements(ElementList& elements) const
 {
     Need(ContentLater);
-    if (!m_content) {
+    if (!m_content)
         return KARSuccess;
-    }
     elements.reserve(elements.size() + m_content->children.size());
-    if (const Groups* const groups = m_content->groups.get()) {
-        for (const Group* group : ByName(groups->list)) {
+    if (const Groups* const groups = m_content->groups.get())
+        for (const Group* group : ByName(groups->list))
             elements.insert(elements.end(), group->begin(), group->end());
-        }
-    } else {
-        for (const Child* child : ByName(m_content->children)) {
+    else
+        for (const Child* child : ByName(m_content->children))
             elements.push_back(*child);
-        }
-    }
     return KARSuccess;
 }
 
@@ -665,9 +630,8 @@ KARStatus KARMPDeserializer::GetElements(std::wstring_view name, ElementIterator
                                          ElementIterator& end) const
 {
     Need(ContentLater);
-    if (!m_content) {
+    if (!m_content)
         return KARSuccess;
-    }
     if (const Groups* const groups = m_content->groups.get()) {
         if (const Group* const group = groups->Find(name)) {
             begin = group->begin();
@@ -683,8 +647,7 @@ KARStatus KARMPDeserializer::GetElements(std::wstring_view name, ElementIterator
 KARStatus KARMPDeserializer::GetOrderedElementList(ElementList& elements) const
 {
     Need(ContentLater);
-    if (m_content) {
+    if (m_content)
         elements.insert(elements.end(), m_content->children.begin(), m_content->children.end());
-    }
     return KARSuccess;
 }

@@ -18,8 +18,9 @@ namespace {
 template <class Char>
 bool Equals(std::basic_string_view<Char> text, std::string_view ascii)
 {
-    return std::equal(text.begin(), text.end(), ascii.begin(), ascii.end(),
-                      [](Char left, char right) { return left == static_cast<Char>(right); });
+    return std::equal(
+        text.begin(), text.end(), ascii.begin(), ascii.end(),
+        [](Char left, char right) { return left == static_cast<Char>(right); });
 }
 
 template <class Char>
@@ -28,12 +29,10 @@ std::optional<bool> BoolOf(std::basic_string_view<Char> text)
     constexpr std::array<std::string_view, 5> trueForms{"1", "true", "TRUE", "yes", "YES"};
     constexpr std::array<std::string_view, 5> falseForms{"0", "false", "FALSE", "no", "NO"};
     const auto isText = [text](std::string_view form) { return Equals(text, form); };
-    if (std::any_of(trueForms.begin(), trueForms.end(), isText)) {
+    if (std::any_of(trueForms.begin(), trueForms.end(), isText))
         return true;
-    }
-    if (std::any_of(falseForms.begin(), falseForms.end(), isText)) {
+    if (std::any_of(falseForms.begin(), falseForms.end(), isText))
         return false;
-    }
     return std::nullopt;
 }
 
@@ -63,9 +62,8 @@ std::optional<double> PlainNumber(std::basic_string_view<Char> text)
             return std::nullopt;
         }
     }
-    if (digits == 0) {
+    if (digits == 0)
         return std::nullopt;
-    }
     const double size = static_cast<double>(number) / powers[marked ? digits - whole : 0];
     return negative ? -size : size;
 }
@@ -76,9 +74,8 @@ std::optional<double> ScanNumber(std::basic_string_view<Char> text)
     std::optional<double> number = PlainNumber(text);
     if (!number) {
         double scanned = 0.0;
-        if (kar::ScanDouble(text, scanned, kar::DecimalMark::PointOrComma) == 1) {
+        if (kar::ScanDouble(text, scanned, kar::DecimalMark::PointOrComma) == 1)
             number = scanned;
-        }
     }
     return number;
 }
@@ -94,21 +91,18 @@ std::optional<int> ScanInteger(std::basic_string_view<Char> text)
 template <class Read>
 auto FromText(const ReadValue& stored, Read read) -> decltype(read(std::wstring_view()))
 {
-    if (const auto* const narrow = std::get_if<AsciiText>(&stored)) {
+    if (const auto* const narrow = std::get_if<AsciiText>(&stored))
         return read(narrow->View());
-    }
-    if (const auto* const text = std::get_if<NodeText>(&stored)) {
+    if (const auto* const text = std::get_if<NodeText>(&stored))
         return read(text->View());
-    }
     return std::nullopt;
 }
 
 template <class T>
 KARStatus HandOut(const std::optional<T>& found, T& value)
 {
-    if (!found) {
+    if (!found)
         return KARFailure;
-    }
     value = *found;
     return KARSuccess;
 }
@@ -151,9 +145,8 @@ KARStatus KARMPDeserializer::ConvertAttribute(std::wstring_view name, T& value) 
     // A view refers to what the node holds.
     if constexpr (!std::is_same_v<T, std::wstring_view>) {
         AsciiText unmade;
-        if ((m_later & AttributesLater) != 0 && FindUnmade(name, unmade)) {
+        if ((m_later & AttributesLater) != 0 && FindUnmade(name, unmade))
             return unmade.characters != nullptr ? GetAttrVal(ReadValue(unmade), value) : KARFailure;
-        }
     }
     ReadValue* const stored = FindAttribute(name);
     return stored != nullptr ? GetAttrVal(*stored, value) : KARFailure;
@@ -193,9 +186,8 @@ template <class T>
 KARStatus KARMPDeserializer::ConvertElement(std::wstring_view name, const KARMPDeserializer*& child,
                                             T& value) const
 {
-    if (KARFailed(GetElement(name, child)) || child == nullptr) {
+    if (KARFailed(GetElement(name, child)) || child == nullptr)
         return KARFailure;
-    }
     // On top of the report that the conversion may have made.
     return KARMPVerify(!KARFailed(child->GetValue(value))) ? KARSuccess : KARFailure;
 }
@@ -233,13 +225,11 @@ KARStatus KARMPDeserializer::GetElement(std::wstring_view name, const KARMPDeser
 // The wide form stays in place of the narrow one, since the view has to last.
 KARStatus KARMPDeserializer::GetAttrVal(ReadValue& stored, std::wstring_view& value) const
 {
-    if (const auto* const narrow = std::get_if<AsciiText>(&stored)) {
+    if (const auto* const narrow = std::get_if<AsciiText>(&stored))
         stored = NodeText::Widen(narrow->View(), *m_memory);
-    }
     const auto* const text = std::get_if<NodeText>(&stored);
-    if (!KARMPVerify(text != nullptr)) {
+    if (!KARMPVerify(text != nullptr))
         return KARFailure;
-    }
     value = text->View();
     return KARSuccess;
 }
@@ -251,9 +241,8 @@ KARStatus KARMPDeserializer::GetAttrVal(const ReadValue& stored, karmp::ReadText
         return KARSuccess;
     }
     const auto* const text = std::get_if<NodeText>(&stored);
-    if (!KARMPVerify(text != nullptr)) {
+    if (!KARMPVerify(text != nullptr))
         return KARFailure;
-    }
     value.Refer(text->View());
     return KARSuccess;
 }
@@ -262,9 +251,8 @@ KARStatus KARMPDeserializer::GetAttrVal(const ReadValue& stored, std::wstring& v
 {
     karmp::ReadText text;
     const KARStatus status = GetAttrVal(stored, text);
-    if (!KARFailed(status)) {
+    if (!KARFailed(status))
         value = text.View();
-    }
     return status;
 }
 
@@ -297,8 +285,7 @@ KARStatus KARMPDeserializer::GetAttrVal(const ReadValue& stored, bool& value)
     }
     const bool isText =
         std::holds_alternative<AsciiText>(stored) || std::holds_alternative<NodeText>(stored);
-    if (!KARMPVerify(isText)) {
+    if (!KARMPVerify(isText))
         return KARFailure;
-    }
     return HandOut(FromText(stored, [](auto text) { return BoolOf(text); }), value);
 }

@@ -40,13 +40,11 @@ void NodeMemory::AddChunk(std::size_t needed)
 
 void NodeMemory::FreeChunks() noexcept
 {
-    for (const Chunk& chunk : m_chunks) {
-        if (chunk.size >= LargeChunk) {
+    for (const Chunk& chunk : m_chunks)
+        if (chunk.size >= LargeChunk)
             ::operator delete(chunk.memory, std::align_val_t(LargePage));
-        } else {
+        else
             ::operator delete(chunk.memory);
-        }
-    }
     m_chunks.clear();
 }
 

@@ -21,9 +21,8 @@ constexpr std::size_t LongestShared = 48;
 std::size_t Slot(std::wstring_view text)
 {
     std::uint64_t hash = 14695981039346656037U;
-    for (const wchar_t character : text) {
+    for (const wchar_t character : text)
         hash = (hash ^ static_cast<std::uint32_t>(character)) * 1099511628211U;
-    }
     return static_cast<std::size_t>((hash ^ (hash >> 32U)) % SlotCount);
 }
 
@@ -50,22 +49,19 @@ NodeText NodeText::Shared(std::wstring_view text)
 {
     static constinit std::array<std::atomic<Block*>, SlotCount> shared{};
 
-    if (text.empty() || text.size() > LongestShared) {
+    if (text.empty() || text.size() > LongestShared)
         return {};
-    }
     const std::size_t first = Slot(text);
     Block* made = nullptr;
     for (std::size_t probe = 0; probe < ProbeCount; ++probe) {
         std::atomic<Block*>& slot = shared[(first + probe) % SlotCount];
         Block* found = slot.load(std::memory_order_acquire);
         if (found == nullptr) {
-            if (made == nullptr) {
+            if (made == nullptr)
                 made = NewBlock(text);
-            }
             if (slot.compare_exchange_strong(found, made, std::memory_order_acq_rel,
-                                             std::memory_order_acquire)) {
+                                             std::memory_order_acquire))
                 return NodeText(reinterpret_cast<std::uintptr_t>(made) | IsShared);
-            }
         }
         // `found` is what another thread may just have put there.
         if (const NodeText name(reinterpret_cast<std::uintptr_t>(found) | IsShared);
@@ -98,17 +94,15 @@ NodeText NodeText::CurrentVersion()
 
 NodeText NodeText::Copy(std::wstring_view text)
 {
-    if (text.empty()) {
+    if (text.empty())
         return {};
-    }
     return NodeText(reinterpret_cast<std::uintptr_t>(NewBlock(text)) | OwnsBlock);
 }
 
 NodeText NodeText::Copy(std::wstring_view text, NodeMemory& memory)
 {
-    if (text.empty()) {
+    if (text.empty())
         return {};
-    }
     Block* const block = NewBlock(text.size(), memory);
     std::copy(text.begin(), text.end(), reinterpret_cast<wchar_t*>(block + 1));
     return NodeText(reinterpret_cast<std::uintptr_t>(block));
@@ -116,9 +110,8 @@ NodeText NodeText::Copy(std::wstring_view text, NodeMemory& memory)
 
 NodeText NodeText::Widen(std::string_view text, NodeMemory& memory)
 {
-    if (text.empty()) {
+    if (text.empty())
         return {};
-    }
     Block* const block = NewBlock(text.size(), memory);
     std::copy(text.begin(), text.end(), reinterpret_cast<wchar_t*>(block + 1));
     return NodeText(reinterpret_cast<std::uintptr_t>(block));
@@ -126,9 +119,8 @@ NodeText NodeText::Widen(std::string_view text, NodeMemory& memory)
 
 NodeText NodeText::Take(std::wstring&& text)
 {
-    if (text.size() <= LongestCopied) {
+    if (text.size() <= LongestCopied)
         return Copy(text);
-    }
     auto* string = new std::wstring(std::move(text));
     return NodeText(reinterpret_cast<std::uintptr_t>(string) | OwnsString);
 }
@@ -136,11 +128,10 @@ NodeText NodeText::Take(std::wstring&& text)
 void NodeText::Free() noexcept
 {
     const auto address = m_bits & ~FlagBits;
-    if ((m_bits & OwnsString) != 0) {
+    if ((m_bits & OwnsString) != 0)
         delete reinterpret_cast<std::wstring*>(address);
-    } else {
+    else
         ::operator delete(reinterpret_cast<void*>(address));
-    }
 }
 
 } // namespace karmp

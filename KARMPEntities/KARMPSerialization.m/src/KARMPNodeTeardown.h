@@ -47,16 +47,14 @@ private:
         } catch (const std::bad_alloc&) {
             // Without memory for the stack, the call stack has to do.
             const Node* const current = std::exchange(m_current, nullptr);
-            for (Node* child : children) {
+            for (Node* child : children)
                 delete child;
-            }
             m_current = current;
             return;
         }
         auto place = m_stack.end();
-        for (Node* child : children) {
+        for (Node* child : children)
             *--place = child;
-        }
     }
 
     void Run() noexcept

@@ -19,7 +19,7 @@
 namespace {
 
 template <class Triple>
-KARStatus write(KARMPSerializer* serializer, std::wstring_view name, const karmp::Names<3>& names,
+KARStatus Write(KARMPSerializer* serializer, std::wstring_view name, const karmp::Names<3>& names,
                 const Triple& triple)
 {
     karmp::ElementWriter element(serializer, name);
@@ -30,7 +30,7 @@ KARStatus write(KARMPSerializer* serializer, std::wstring_view name, const karmp
 }
 
 template <class Triple>
-KARStatus read(const KARMPDeserializer* deserializer, std::wstring_view name,
+KARStatus Read(const KARMPDeserializer* deserializer, std::wstring_view name,
                const karmp::Names<3>& names, Triple& triple)
 {
     using karmp::Absent;
@@ -54,27 +54,27 @@ constexpr struct
 KARStatus KARMPSerializationServices::Serialize(KARMPSerializer* serializer,
                                                 const KARMathPoint& point, std::wstring_view name)
 {
-    return write(serializer, name, karmp::PointNames, point);
+    return Write(serializer, name, karmp::PointNames, point);
 }
 
 KARStatus KARMPSerializationServices::Serialize(KARMPSerializer* serializer,
                                                 const KARMathVector& vector, std::wstring_view name)
 {
-    return write(serializer, name, karmp::VectorNames, vector);
+    return Write(serializer, name, karmp::VectorNames, vector);
 }
 
 KARStatus KARMPSerializationServices::Deserialize(const KARMPDeserializer* deserializer,
                                                   std::wstring_view name, const KARMPEntityTable&,
                                                   KARMathPoint& point)
 {
-    return read(deserializer, name, karmp::PointNames, point);
+    return Read(deserializer, name, karmp::PointNames, point);
 }
 
 KARStatus KARMPSerializationServices::Deserialize(const KARMPDeserializer* deserializer,
                                                   std::wstring_view name, const KARMPEntityTable&,
                                                   KARMathVector& vector)
 {
-    return read(deserializer, name, karmp::VectorNames, vector);
+    return Read(deserializer, name, karmp::VectorNames, vector);
 }
 
 KARStatus KARMPSerializationServices::Serialize(KARMPSerializer* serializer,

@@ -19,17 +19,15 @@ constexpr double Grid = 1e-12;
 // The order of the operations decides on the last bit.
 double SnapToGrid(double value)
 {
-    if (value > -Grid && value < Grid) {
+    if (value > -Grid && value < Grid)
         return 0.0;
-    }
     const double quotient = value / Grid;
     const double magnitude = std::floor(std::fabs(quotient) + 0.5);
     double sign = 0.0;
-    if (quotient > 0) {
+    if (quotient > 0)
         sign = 1.0;
-    } else if (quotient < 0) {
+    else if (quotient < 0)
         sign = -1.0;
-    }
     return magnitude * sign * Grid;
 }
 
@@ -51,31 +49,27 @@ KARMPSerializer::KARMPSerializer(std::unique_ptr<karmp::NodeMemory> memory)
 KARMPSerializer::~KARMPSerializer()
 {
     Clean();
-    if (m_ownsMemory) {
+    if (m_ownsMemory)
         delete m_memory;
-    }
 }
 
 double KARMPSerializer::StoredDouble(double value) const
 {
-    if (m_exactDoubles) {
+    if (m_exactDoubles)
         return value;
-    }
     const double snapped = SnapToGrid(value);
     // Most numbers of a model stand on the grid, and the environment makes no difference to them.
     // The bits decide: -0.0 equals 0.0, but is not the same.
-    if (std::bit_cast<std::uint64_t>(snapped) == std::bit_cast<std::uint64_t>(value)) {
+    if (std::bit_cast<std::uint64_t>(snapped) == std::bit_cast<std::uint64_t>(value))
         return value;
-    }
     return KARGetEnv("SERIALIZATION_PRECISION") != nullptr ? value : snapped;
 }
 
 void KARMPSerializer::Clean() noexcept
 {
     // Children in the memory of a tree end with it.
-    if (m_memory == nullptr && m_elements.size() != 0) {
+    if (m_memory == nullptr && m_elements.size() != 0)
         karmp::NodeTeardown<KARMPSerializer>::DeleteChildren(this, m_elements);
-    }
     m_elements.Clear();
     m_attributes.Clear();
     m_value = NodeValue();
@@ -135,17 +129,15 @@ KARStatus KARMPSerializer::AddBoolAttribute(std::wstring_view name, bool value)
 
 KARStatus KARMPSerializer::AddElement(std::wstring_view name, KARMPSerializer*& child)
 {
-    if (!KARMPVerify(child == nullptr)) {
+    if (!KARMPVerify(child == nullptr))
         return KARFailure;
-    }
     // What may need memory comes first: nothing is left to fail once there is a child.
     m_elements.MakeRoom(m_memory);
     NodeText id = NameText(name);
     NodeText version = m_version;
     KARMPSerializer* const created = CreateChildElement();
-    if (!KARMPVerify(created != nullptr)) {
+    if (!KARMPVerify(created != nullptr))
         return KARFailure;
-    }
     created->m_name = std::move(id);
     created->m_value = NodeValue();
     created->m_version = std::move(version);
@@ -159,9 +151,8 @@ KARStatus KARMPSerializer::AddElementWithValue(std::wstring_view name, KARMPSeri
                                                NodeValue&& value)
 {
     const KARStatus status = AddElement(name, child);
-    if (!KARMPVerify(!KARFailed(status) && child != nullptr)) {
+    if (!KARMPVerify(!KARFailed(status) && child != nullptr))
         return KARFailure;
-    }
     child->m_value = std::move(value);
     return KARSuccess;
 }

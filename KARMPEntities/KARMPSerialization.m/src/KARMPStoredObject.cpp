@@ -19,13 +19,12 @@ struct Free
 };
 
 // Base-64 is ASCII, and so is no other character that the decoder takes.
-std::string narrowed(std::wstring_view text)
+std::string Narrowed(std::wstring_view text)
 {
     std::string narrow(text.size(), '?');
-    for (std::size_t i = 0; i < text.size(); ++i) {
+    for (std::size_t i = 0; i < text.size(); ++i)
         if (text[i] > 0 && text[i] < 0x80)
             narrow[i] = static_cast<char>(text[i]);
-    }
     return narrow;
 }
 
@@ -73,7 +72,7 @@ bool ReadStoredObjects(ElementReader& parent, std::wstring_view name, StoredObje
     element.Attribute(L"length", length, Absent::ReportAndKeep, where);
     unsigned char* decoded = nullptr;
     std::int32_t count = 0;
-    KARSysTSCodePage::ConvertFromBase64(narrowed(text).c_str(), decoded, count);
+    KARSysTSCodePage::ConvertFromBase64(Narrowed(text).c_str(), decoded, count);
     const std::unique_ptr<unsigned char, Free> bytes(decoded);
     if (!KARMPVerify(decoded != nullptr && count != 0, where))
         return false;

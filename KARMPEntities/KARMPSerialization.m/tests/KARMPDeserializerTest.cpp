@@ -31,17 +31,15 @@ protected:
     static void AddGroup(TestDeserializer& node, std::wstring_view name,
                          const std::vector<std::wstring>& ids)
     {
-        for (const std::wstring& id : ids) {
+        for (const std::wstring& id : ids)
             ASSERT_EQ(node.AddElement(name, new TestDeserializer(id)), KARSuccess);
-        }
     }
 
     static std::vector<std::wstring> Ids(const KARMPDeserializer::ElementList& elements)
     {
         std::vector<std::wstring> ids;
-        for (const KARMPDeserializer* element : elements) {
+        for (const KARMPDeserializer* element : elements)
             ids.emplace_back(element->Id());
-        }
         return ids;
     }
 
@@ -584,9 +582,8 @@ TEST_F(Deserializer, ManyElementsOfFewNamesAreWalkedInOrder)
 {
     constexpr int Count = 100000;
     TestDeserializer node;
-    for (int index = 0; index < Count; ++index) {
+    for (int index = 0; index < Count; ++index)
         node.Leaf(index % 2 == 0 ? L"Even" : L"Odd", index);
-    }
     for (int index = 0; index < Count; ++index) {
         Node child = nullptr;
         int value = 0;
@@ -597,14 +594,12 @@ TEST_F(Deserializer, ManyElementsOfFewNamesAreWalkedInOrder)
 
 TEST_F(Deserializer, LookingSomethingUpTakesNoMemory)
 {
-    if (!AllocationCounter::Counts) {
+    if (!AllocationCounter::Counts)
         GTEST_SKIP() << "Allocations are not counted in this build";
-    }
     TestDeserializer node;
     node.Attribute(L"a long name of an attribute", L"0,5");
-    for (int index = 0; index < 100; ++index) {
+    for (int index = 0; index < 100; ++index)
         node.Leaf(L"a long name of an element, number " + std::to_wstring(index), 1.0);
-    }
     AllocationCounter allocations;
     double number = 0.0;
     Node child = nullptr;
@@ -639,9 +634,8 @@ TEST_F(Deserializer, ADeepTreeDoesNotExhaustTheStack)
     {
         TestDeserializer root;
         TestDeserializer* deepest = &root;
-        for (int depth = 0; depth < 1000000; ++depth) {
+        for (int depth = 0; depth < 1000000; ++depth)
             deepest = &deepest->Add(L"Level");
-        }
         EXPECT_EQ(TestDeserializer::Alive(), before + 1000001);
     }
     EXPECT_EQ(TestDeserializer::Alive(), before);
@@ -649,9 +643,8 @@ TEST_F(Deserializer, ADeepTreeDoesNotExhaustTheStack)
 
 TEST_F(Deserializer, AnAdditionForWhichMemoryEndsChangesNothing)
 {
-    if (!AllocationCounter::Counts) {
+    if (!AllocationCounter::Counts)
         GTEST_SKIP() << "Allocations are not counted in this build";
-    }
     constexpr int Filled = 16;
     for (std::size_t failing = 1;; ++failing) {
         TestDeserializer node;

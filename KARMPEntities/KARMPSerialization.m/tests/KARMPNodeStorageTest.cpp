@@ -16,9 +16,8 @@ using karmp::NodeValue;
 // In a process of its own: other tests fill the table of shared names.
 TEST(NodeTextProcess, EqualNamesShareTheirStorage)
 {
-    if (!AllocationCounter::Counts) {
+    if (!AllocationCounter::Counts)
         GTEST_SKIP() << "Allocations are not counted in this build";
-    }
     const NodeText first = NodeText::Name(L"a name that is shared");
     const NodeText second = NodeText::Name(std::wstring(L"a name that is shared"));
     EXPECT_EQ(first.View().data(), second.View().data());
@@ -50,9 +49,8 @@ TEST(NodeText, ALongStringIsTakenOverWithItsCharacters)
 
 TEST(NodeText, AnEmptyTextTakesNoMemory)
 {
-    if (!AllocationCounter::Counts) {
+    if (!AllocationCounter::Counts)
         GTEST_SKIP() << "Allocations are not counted in this build";
-    }
     const AllocationCounter allocations;
     EXPECT_TRUE(NodeText().View().empty());
     EXPECT_TRUE(NodeText::Name(L"").View().empty());
@@ -72,9 +70,8 @@ TEST(NodeText, AssignmentToItselfChangesNothing)
 TEST(NodeText, MoreNamesThanTheTableHoldsAreStillNames)
 {
     std::vector<NodeText> names;
-    for (int number = 0; number < 20000; ++number) {
+    for (int number = 0; number < 20000; ++number)
         names.push_back(NodeText::Name(L"crowd" + std::to_wstring(number)));
-    }
     for (int number = 0; number < 20000; ++number) {
         const std::wstring name = L"crowd" + std::to_wstring(number);
         ASSERT_EQ(names[static_cast<std::size_t>(number)].View(), name);
@@ -96,14 +93,12 @@ TEST(NodeText, ThreadsThatMeetANameTogetherShareIt)
             }
         });
     }
-    for (std::thread& thread : threads) {
+    for (std::thread& thread : threads)
         thread.join();
-    }
     for (const std::vector<const wchar_t*>& list : found) {
         ASSERT_EQ(list.size(), static_cast<std::size_t>(Count));
-        for (const wchar_t* const characters : list) {
+        for (const wchar_t* const characters : list)
             EXPECT_NE(characters, nullptr);
-        }
     }
 }
 
@@ -138,13 +133,11 @@ TEST(NodeArray, KeepsItsElementsWhileItGrows)
     NodeArray<NodeText> list;
     EXPECT_EQ(list.size(), 0U);
     EXPECT_EQ(list.begin(), list.end());
-    for (int number = 0; number < 1000; ++number) {
+    for (int number = 0; number < 1000; ++number)
         list.Append(NodeText::Copy(std::to_wstring(number)));
-    }
     ASSERT_EQ(list.size(), 1000U);
-    for (std::size_t number = 0; number < 1000; ++number) {
+    for (std::size_t number = 0; number < 1000; ++number)
         EXPECT_EQ(list[number].View(), std::to_wstring(number));
-    }
     list.Clear();
     EXPECT_EQ(list.size(), 0U);
 }

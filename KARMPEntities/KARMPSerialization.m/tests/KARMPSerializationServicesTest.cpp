@@ -119,9 +119,8 @@ TEST_F(SerializationServices, CoordinateThatCannotBeAddedIsReportedAndTheNextOne
             const KARStatus status = Services::Serialize(&tree, KARMathPoint(1.0, 2.0, 3.0), L"P");
             EXPECT_EQ(status, failing == 1 ? KARFailure : KARSuccess);
             EXPECT_EQ(TakeReports() != 0, failing != 0);
-            if (failing > 1) {
+            if (failing > 1)
                 EXPECT_EQ(tree.Child(0).GetElementCount(), 2U);
-            }
         });
     EXPECT_EQ(creations, 4U);
 }

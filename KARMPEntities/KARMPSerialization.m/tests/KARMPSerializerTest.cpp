@@ -23,11 +23,10 @@ protected:
     // A variable of the environment for as long as a test runs.
     static void SetPrecision(bool exact)
     {
-        if (exact) {
+        if (exact)
             ASSERT_EQ(setenv("SERIALIZATION_PRECISION", "", 1), 0);
-        } else {
+        else
             ASSERT_EQ(unsetenv("SERIALIZATION_PRECISION"), 0);
-        }
     }
 
     static double Stored(double value)
@@ -171,9 +170,8 @@ TEST_F(Serializer, ElementsOfOneNameAreAllKeptInOrder)
         root.AddElement(L"Item", child, value);
     }
     ASSERT_EQ(root.Count(L"Item"), 100U);
-    for (std::size_t index = 0; index < 100; ++index) {
+    for (std::size_t index = 0; index < 100; ++index)
         EXPECT_EQ(root.Child(index).GetValuei(), static_cast<int>(index));
-    }
 }
 
 TEST_F(Serializer, AChildPointerThatIsSetFailsWithAReportAndAddsNothing)
@@ -385,9 +383,8 @@ TEST_F(Serializer, ANodeTakesLittleRoom)
 // In a process of its own: other tests fill the table of shared names.
 TEST(SerializerProcess, AChildWithANumberCostsOneAllocation)
 {
-    if (!AllocationCounter::Counts) {
+    if (!AllocationCounter::Counts)
         GTEST_SKIP() << "Allocations are not counted in this build";
-    }
     TestSerializer root;
     for (int warming = 0; warming < 4; ++warming) {
         KARMPSerializer* child = nullptr;
@@ -401,9 +398,8 @@ TEST(SerializerProcess, AChildWithANumberCostsOneAllocation)
 
 TEST_F(Serializer, ExhaustedMemoryLeavesATreeThatCanBeFreed)
 {
-    if (!AllocationCounter::Counts) {
+    if (!AllocationCounter::Counts)
         GTEST_SKIP() << "Allocations are not counted in this build";
-    }
     const std::size_t before = TestSerializer::Alive();
     for (std::size_t failing = 1; failing <= 8; ++failing) {
         TestSerializer root;
@@ -427,9 +423,8 @@ TEST_F(Serializer, ExhaustedMemoryLeavesATreeThatCanBeFreed)
 
 TEST_F(Serializer, ATreeIsFreedWithoutMemoryToSpare)
 {
-    if (!AllocationCounter::Counts) {
+    if (!AllocationCounter::Counts)
         GTEST_SKIP() << "Allocations are not counted in this build";
-    }
     const std::size_t before = TestSerializer::Alive();
     {
         auto root = std::make_unique<TestSerializer>();
@@ -503,9 +498,8 @@ TEST_F(Serializer, ANodeDiesBeforeItsChildrenAndASubtreeBeforeTheNextChild)
 
 TEST_F(Serializer, TheOrderOfDeathIsTheSameWithoutMemoryToSpare)
 {
-    if (!AllocationCounter::Counts) {
+    if (!AllocationCounter::Counts)
         GTEST_SKIP() << "Allocations are not counted in this build";
-    }
     Names dead;
     dead.reserve(6);
     NotingNode* const root = NewNotingTree(dead, L"");

@@ -15,9 +15,8 @@ protected:
     static void Write(KARMPSerializer& root)
     {
         KARMPSerializer* body = nullptr;
-        if (KARFailed(root.AddElement(L"Body", body))) {
+        if (KARFailed(root.AddElement(L"Body", body)))
             return;
-        }
         body->AddAttribute(L"id", L"B1");
         KARMPSerializer* point = nullptr;
         if (!KARFailed(body->AddElement(L"Point", point))) {
@@ -114,9 +113,8 @@ TEST_F(TestTrees, AReaderMayHaveAVersionOfItsOwnOnEveryNode)
     KARMPDeserializer::ElementList elements;
     reader->GetOrderedElementList(elements);
     elements[0]->GetOrderedElementList(elements);
-    for (const KARMPDeserializer* element : elements) {
+    for (const KARMPDeserializer* element : elements)
         EXPECT_EQ(element->Version(), L"R2016.1");
-    }
 }
 
 TEST_F(TestTrees, EachCreationFailsOnce)

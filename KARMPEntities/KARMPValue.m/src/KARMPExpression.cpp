@@ -12,7 +12,7 @@ KARMP_DEFINE_ENTITY(KARMPExpression, "B27C3563-C7BF-4A03-B166-53D33BEA8552");
 
 namespace {
 
-std::wstring positionName(int position)
+std::wstring PositionName(int position)
 {
     return L"Var" + std::to_wstring(position);
 }
@@ -111,7 +111,7 @@ bool KARMPExpression::WriteMapping(KARMPSerializer* expression) const
         return true;
     karmp::ElementWriter element = karmp::ElementWriter(expression).Child(L"VariableMapping");
     for (const auto& [position, mapped] : mapping)
-        element.Value(positionName(position), mapped);
+        element.Value(PositionName(position), mapped);
     return element.Status() == KARSuccess;
 }
 
@@ -163,7 +163,7 @@ void KARMPExpression::ReadMapping(const KARMPDeserializer* mapping)
     std::map<int, int> read;
     for (int position = 0; position < static_cast<int>(children.size()); ++position) {
         int mapped = 0;
-        if (element.Value(positionName(position), mapped, karmp::Absent::ReportAndKeep))
+        if (element.Value(PositionName(position), mapped, karmp::Absent::ReportAndKeep))
             read.emplace_hint(read.end(), position, mapped);
     }
     KARMPVerify(!KARFailed(SetVariableMapping(read)));

@@ -169,8 +169,9 @@ KARStatus KARMPSketchFunction::Deserialize(const KARMPDeserializer* deserializer
         ReadReferenceAxis(axis.Node());
     if (element.Has(L"CurveSegments")) {
         element.Child(L"CurveSegments", Absent::ReportAndKeep)
-            .Each(L"CurveSegment",
-                  [this](const karmp::ElementReader& segment) { ReadCurve(segment.Node()); });
+            .Each(
+                L"CurveSegment",
+                [this](const karmp::ElementReader& segment) { ReadCurve(segment.Node()); });
     }
     return KARSuccess;
 }

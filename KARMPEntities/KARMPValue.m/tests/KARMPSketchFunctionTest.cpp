@@ -52,7 +52,7 @@ public:
     int offered = 0;
 };
 
-Curve curveOf(const KARMPSketchFunction& function, int index)
+Curve CurveOf(const KARMPSketchFunction& function, int index)
 {
     Curve result;
     result.status = function.GetCurve(index, result.curve, result.orientation, result.limits);
@@ -118,12 +118,12 @@ TEST_F(SketchFunction, HandsOutItsCurvesInOrder)
 {
     AddTwoCurves();
     ASSERT_EQ(function->GetCurveCount(), 2);
-    const Curve first = curveOf(*function, 0);
+    const Curve first = CurveOf(*function, 0);
     EXPECT_EQ(first.status, KARSuccess);
     EXPECT_EQ(first.curve, line);
     EXPECT_EQ(first.orientation, KARMPCurveOrientation::Negative);
     EXPECT_EQ(first.limits, &lineLimits);
-    EXPECT_EQ(curveOf(*function, 1).curve, arc);
+    EXPECT_EQ(CurveOf(*function, 1).curve, arc);
 }
 
 TEST_F(SketchFunction, IndexOutsideTheCurvesGivesNullsAndLeavesTheOrientation)
@@ -159,7 +159,7 @@ TEST_F(SketchFunction, HoldsOneReferenceOnEachCurveAndGivesItUpAtItsEnd)
         function->AddCurve(&object, KARMPCurveOrientation::Positive, &lineLimits);
     EXPECT_EQ(object.Held(), 20U);
     EXPECT_EQ(line->GetRefCount(), 2U);
-    curveOf(*function, 0);
+    CurveOf(*function, 0);
     EXPECT_EQ(line->GetRefCount(), 2U);
     function.detach();
     EXPECT_EQ(line->GetRefCount(), 1U);
@@ -243,7 +243,7 @@ TEST_F(SketchFunction, ComesBackWithAxisAndCurves)
         EXPECT_EQ(direction, KARMathVector(4, 5, 6));
         EXPECT_EQ(normal, KARMathVector(7, 8, 9));
         ASSERT_EQ(read->GetCurveCount(), 2);
-        const Curve first = curveOf(*read, 0);
+        const Curve first = CurveOf(*read, 0);
         const auto* readLine = KARSysDynamicCast<KARLineCurve>(first.curve);
         ASSERT_NE(readLine, nullptr);
         EXPECT_EQ(readLine->EvalPoint(1.0), line->EvalPoint(1.0));
@@ -256,7 +256,7 @@ TEST_F(SketchFunction, ComesBackWithAxisAndCurves)
         EXPECT_EQ(low, -0.5);
         EXPECT_EQ(high, 2.5);
         EXPECT_TRUE(static_cast<KARCrvLimits*>(first.limits)->IsValid());
-        const Curve second = curveOf(*read, 1);
+        const Curve second = CurveOf(*read, 1);
         EXPECT_NE(KARSysDynamicCast<KARCircleArc>(second.curve), nullptr);
         EXPECT_EQ(second.orientation, KARMPCurveOrientation::Positive);
         TestSerializer again;
@@ -403,7 +403,7 @@ TEST_F(SketchFunction, MissingLimitsAreZeroAndAMissingOrientationIsPositive)
             if (read->GetCurveCount() < 2)
                 return;
             // Only the first of the two segments has another orientation than the default.
-            const Curve first = curveOf(*read, 0);
+            const Curve first = CurveOf(*read, 0);
             double low = 0.0;
             double high = 0.0;
             static_cast<KARCrvLimits*>(first.limits)->GetExtremities(low, high);
@@ -434,7 +434,7 @@ TEST_F(SketchFunction, OrientationThatIsNoneOfTheWordsIsPositiveWithoutAReport)
         const auto read = KARMPSketchFunction::create(L"");
         EXPECT_EQ(read->Deserialize(tree.get(), entities), KARSuccess);
         ASSERT_EQ(read->GetCurveCount(), 2);
-        EXPECT_EQ(curveOf(*read, 0).orientation, KARMPCurveOrientation::Positive);
+        EXPECT_EQ(CurveOf(*read, 0).orientation, KARMPCurveOrientation::Positive);
     }
 }
 
@@ -446,7 +446,7 @@ TEST_F(SketchFunction, LimitsInTheWrongOrderAreKeptAndKnownAsInvalid)
     function->Serialize(&root);
     EXPECT_EQ(copy->Deserialize(TestDeserializer::From(root).get(), entities), KARSuccess);
     ASSERT_EQ(copy->GetCurveCount(), 1);
-    const auto* limits = static_cast<const KARCrvLimits*>(curveOf(*copy, 0).limits);
+    const auto* limits = static_cast<const KARCrvLimits*>(CurveOf(*copy, 0).limits);
     double low = 0.0;
     double high = 0.0;
     limits->GetExtremities(low, high);
@@ -520,9 +520,8 @@ TEST_F(SketchFunction, AdditionThatFailsIsReportedAndTheRestIsWritten)
     ForEachFailedCreation(L"R2018.1", [this](TestSerializer& root, std::size_t failing) {
         EXPECT_EQ(function->Serialize(&root), failing == 1 ? KARFailure : KARSuccess);
         EXPECT_EQ(TakeReports() != 0, failing != 0);
-        if (failing > 1) {
+        if (failing > 1)
             EXPECT_GE(root.Child(0).GetElementCount(), 1U);
-        }
     });
 }
 

@@ -21,7 +21,7 @@ constexpr OptionalNumber MaxRestitution{L"MaxLimitRestitution", L"HasMaxLimitRes
 constexpr OptionalNumber MinRestitution{L"MinLimitRestitution", L"HasMinLimitRestitution",
                                         L"MinLimitRestitutionValue"};
 
-void write(karmp::ElementWriter& parent, const OptionalNumber& names, bool isSet, double number)
+void Write(karmp::ElementWriter& parent, const OptionalNumber& names, bool isSet, double number)
 {
     karmp::ElementWriter element = parent.Child(names.element);
     element.Value(names.flag, isSet);
@@ -30,7 +30,7 @@ void write(karmp::ElementWriter& parent, const OptionalNumber& names, bool isSet
 }
 
 // True when there is a number.
-bool read(karmp::ElementReader& parent, const OptionalNumber& names, double& number)
+bool Read(karmp::ElementReader& parent, const OptionalNumber& names, double& number)
 {
     using karmp::Absent;
     karmp::ElementReader element = parent.Child(names.element, Absent::ReportAndKeep);
@@ -41,7 +41,7 @@ bool read(karmp::ElementReader& parent, const OptionalNumber& names, double& num
 
 // Below R2017.0 quantity and type are numbers.
 template <class Enum>
-bool readNumber(karmp::ElementReader& element, karmp::ItemName name, Enum& value)
+bool ReadNumber(karmp::ElementReader& element, karmp::ItemName name, Enum& value)
 {
     int number = 0;
     if (!element.Value(name, number, karmp::Absent::ReportAndKeep))
@@ -58,11 +58,11 @@ KARStatus KARMPVariable::Serialize(KARMPSerializer* serializer) const
     if (!element || !element.Base(Super::Serialize(element.Node())))
         return KARFailure;
     if (karmp::AtLeast(element.Version(), karmp::R2017_0)) {
-        write(element, Value, m_hasValue, m_value);
-        write(element, MaxValue, m_hasMaxValue, m_maxValue);
-        write(element, MinValue, m_hasMinValue, m_minValue);
-        write(element, MaxRestitution, m_hasRestitutionOnMaxLimit, m_restitutionOnMaxLimit);
-        write(element, MinRestitution, m_hasRestitutionOnMinLimit, m_restitutionOnMinLimit);
+        Write(element, Value, m_hasValue, m_value);
+        Write(element, MaxValue, m_hasMaxValue, m_maxValue);
+        Write(element, MinValue, m_hasMinValue, m_minValue);
+        Write(element, MaxRestitution, m_hasRestitutionOnMaxLimit, m_restitutionOnMaxLimit);
+        Write(element, MinRestitution, m_hasRestitutionOnMinLimit, m_restitutionOnMinLimit);
         element.Word(L"PhysicalQuantity", m_physicalQuantity);
         element.Word(L"Type", m_type);
     } else {
@@ -89,16 +89,16 @@ KARStatus KARMPVariable::Deserialize(const KARMPDeserializer* deserializer,
         return KARFailure;
     if (karmp::AtLeast(element.Version(), karmp::R2017_0)) {
         double number = 0.0;
-        if (read(element, Value, number))
+        if (Read(element, Value, number))
             element.Set(SetValue(number));
-        if (read(element, MinValue, number))
+        if (Read(element, MinValue, number))
             element.Set(SetMinValue(number));
-        if (read(element, MaxValue, number))
+        if (Read(element, MaxValue, number))
             element.Set(SetMaxValue(number));
         // The loader is not told of restitutions.
-        if (read(element, MinRestitution, m_restitutionOnMinLimit))
+        if (Read(element, MinRestitution, m_restitutionOnMinLimit))
             m_hasRestitutionOnMinLimit = true;
-        if (read(element, MaxRestitution, m_restitutionOnMaxLimit))
+        if (Read(element, MaxRestitution, m_restitutionOnMaxLimit))
             m_hasRestitutionOnMaxLimit = true;
         element.Word(L"PhysicalQuantity", m_physicalQuantity, Absent::ReportAndKeep);
         element.Word(L"Type", m_type, Absent::ReportAndKeep);
@@ -107,9 +107,9 @@ KARStatus KARMPVariable::Deserialize(const KARMPDeserializer* deserializer,
         element.Attribute(L"value", m_value, Absent::Keep);
         element.Attribute(L"minvalue", m_minValue, Absent::Keep);
         element.Attribute(L"maxvalue", m_maxValue, Absent::Keep);
-        readNumber(element, L"PhysicalQuantity", m_physicalQuantity);
+        ReadNumber(element, L"PhysicalQuantity", m_physicalQuantity);
         if (karmp::AtLeast(element.Version(), karmp::R2016_0))
-            readNumber(element, L"Type", m_type);
+            ReadNumber(element, L"Type", m_type);
     }
     element.References<KARMPConstraint>(L"Constraints", L"Constraint", entities,
                                         [this](const auto& c) { return LinkToConstraint(c); });

@@ -363,7 +363,7 @@ TEST_F(Variable, LeavingTheConstraintsGivesTheStatusOfTheLastOne)
 }
 
 // Which of the five numbers are set.
-std::vector<bool> flagsOf(const KARMPVariable& variable)
+std::vector<bool> FlagsOf(const KARMPVariable& variable)
 {
     return {variable.HasValue(), variable.HasMinValue(), variable.HasMaxValue(),
             variable.HasRestitutionOnMinLimit(), variable.HasRestitutionOnMaxLimit()};
@@ -380,13 +380,13 @@ TEST_F(Variable, EachFlagGoesItsOwnWayIntoCopiesAndThroughTheTree)
         ((*source).*setters[one])(0.5);
         std::vector<bool> expected(setters.size());
         expected[one] = true;
-        ASSERT_EQ(flagsOf(*source), expected);
-        EXPECT_EQ(flagsOf(*KARMPVariable::clone(source, QOBDynamicObject::CopyDefault)), expected);
+        ASSERT_EQ(FlagsOf(*source), expected);
+        EXPECT_EQ(FlagsOf(*KARMPVariable::clone(source, QOBDynamicObject::CopyDefault)), expected);
         TestSerializer root;
         source->Serialize(&root);
         const auto read = KARMPVariable::create(L"");
         EXPECT_EQ(read->Deserialize(TestDeserializer::From(root).get(), {}), KARSuccess);
-        EXPECT_EQ(flagsOf(*read), expected);
+        EXPECT_EQ(FlagsOf(*read), expected);
     }
 }
 

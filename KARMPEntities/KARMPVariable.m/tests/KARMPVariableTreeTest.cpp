@@ -20,7 +20,7 @@ public:
 };
 
 // Names of the children of a written element, in order.
-std::vector<std::wstring> childNames(const TestSerializer& element)
+std::vector<std::wstring> ChildNames(const TestSerializer& element)
 {
     std::vector<std::wstring> names;
     for (std::size_t i = 0; i < element.GetElementCount(); ++i)
@@ -28,7 +28,7 @@ std::vector<std::wstring> childNames(const TestSerializer& element)
     return names;
 }
 
-std::vector<std::wstring> attributeNames(const TestSerializer& element)
+std::vector<std::wstring> AttributeNames(const TestSerializer& element)
 {
     std::vector<std::wstring> names;
     for (std::size_t i = 0; i < element.GetAttributeCount(); ++i)
@@ -36,7 +36,7 @@ std::vector<std::wstring> attributeNames(const TestSerializer& element)
     return names;
 }
 
-double numberOf(const KARMPVariable& variable,
+double NumberOf(const KARMPVariable& variable,
                 KARStatus (KARMPVariable::*get)(double&) const = &KARMPVariable::GetValue)
 {
     double number = -1.0;
@@ -84,8 +84,8 @@ TEST_F(VariableTree, WritesTheCurrentFormInItsOrder)
     for (const wchar_t* version : {L"R2017.0", L"R2018.1"}) {
         TestSerializer root(version);
         ASSERT_EQ(variable->Serialize(&root), KARSuccess);
-        ASSERT_EQ(childNames(root), std::vector<std::wstring>{L"Variable"});
-        EXPECT_EQ(childNames(root.Child(0)),
+        ASSERT_EQ(ChildNames(root), std::vector<std::wstring>{L"Variable"});
+        EXPECT_EQ(ChildNames(root.Child(0)),
                   (std::vector<std::wstring>{L"Value", L"MaxValue", L"MinValue",
                                              L"MaxLimitRestitution", L"MinLimitRestitution",
                                              L"PhysicalQuantity", L"Type", L"Constraints"}));
@@ -118,7 +118,7 @@ TEST_F(VariableTree, WritesNoNumberWhereNoneIsSetAndNoConstraintsWithoutLinks)
          {L"Value", L"MaxValue", L"MinValue", L"MaxLimitRestitution", L"MinLimitRestitution"}) {
         const TestSerializer* element = root.Find(std::wstring(L"Variable/") + group);
         ASSERT_NE(element, nullptr);
-        EXPECT_EQ(childNames(*element), std::vector<std::wstring>{std::wstring(L"Has") + group});
+        EXPECT_EQ(ChildNames(*element), std::vector<std::wstring>{std::wstring(L"Has") + group});
         EXPECT_FALSE(element->Flag(std::wstring(L"Has") + group));
     }
     EXPECT_EQ(root.Text(L"Variable/PhysicalQuantity"), L"NoPhysicalQuantity");
@@ -132,9 +132,9 @@ TEST_F(VariableTree, WritesTheEarlierFormBelowItsVersion)
     for (const wchar_t* version : {L"R2016.0", L"R2016.1", L"R2016.9"}) {
         TestSerializer root(version);
         ASSERT_EQ(variable->Serialize(&root), KARSuccess);
-        EXPECT_EQ(childNames(root.Child(0)),
+        EXPECT_EQ(ChildNames(root.Child(0)),
                   (std::vector<std::wstring>{L"PhysicalQuantity", L"Type", L"Constraints"}));
-        EXPECT_EQ(attributeNames(root.Child(0)),
+        EXPECT_EQ(AttributeNames(root.Child(0)),
                   (std::vector<std::wstring>{L"id", L"name", L"value", L"minvalue", L"maxvalue"}));
         EXPECT_EQ(root.Number(L"Variable/@value"), 1.5);
         EXPECT_EQ(root.Number(L"Variable/@minvalue"), -2.25);
@@ -150,7 +150,7 @@ TEST_F(VariableTree, WritesNoTypeBeforeThereWasOne)
     for (const wchar_t* version : {L"R2015x.0", L"R2015.9", L""}) {
         TestSerializer root(version);
         ASSERT_EQ(variable->Serialize(&root), KARSuccess);
-        EXPECT_EQ(childNames(root.Child(0)), std::vector<std::wstring>{L"PhysicalQuantity"});
+        EXPECT_EQ(ChildNames(root.Child(0)), std::vector<std::wstring>{L"PhysicalQuantity"});
         EXPECT_EQ(root.Number(L"Variable/@value"), 1.5);
     }
 }
@@ -184,11 +184,11 @@ TEST_F(VariableTree, ComesBackWholeInTheCurrentForm)
             EXPECT_EQ(read->getEntityName(), L"v");
             EXPECT_TRUE(read->HasValue() && read->HasMinValue() && read->HasMaxValue());
             EXPECT_TRUE(read->HasRestitutionOnMinLimit() && read->HasRestitutionOnMaxLimit());
-            EXPECT_EQ(numberOf(*read), 1.5);
-            EXPECT_EQ(numberOf(*read, &KARMPVariable::GetMinValue), -2.25);
-            EXPECT_EQ(numberOf(*read, &KARMPVariable::GetMaxValue), 8.0);
-            EXPECT_EQ(numberOf(*read, &KARMPVariable::GetRestitutionOnMinLimit), 0.25);
-            EXPECT_EQ(numberOf(*read, &KARMPVariable::GetRestitutionOnMaxLimit), 0.75);
+            EXPECT_EQ(NumberOf(*read), 1.5);
+            EXPECT_EQ(NumberOf(*read, &KARMPVariable::GetMinValue), -2.25);
+            EXPECT_EQ(NumberOf(*read, &KARMPVariable::GetMaxValue), 8.0);
+            EXPECT_EQ(NumberOf(*read, &KARMPVariable::GetRestitutionOnMinLimit), 0.25);
+            EXPECT_EQ(NumberOf(*read, &KARMPVariable::GetRestitutionOnMaxLimit), 0.75);
             EXPECT_EQ(read->GetPhysicalQuantity(), KARMPPhysicalQuantity::Angle);
             EXPECT_EQ(read->GetType(), KARMPVariableType::Controlled);
             ASSERT_EQ(read->GetLinkedConstraintCount(), 2);
@@ -210,9 +210,9 @@ TEST_F(VariableTree, EarlierFormBringsTheNumbersWithoutTheFlags)
     element.Attribute(L"value", L"3,5").Attribute(L"minvalue", -1.0).Attribute(L"maxvalue", L"9");
     element.Leaf(L"PhysicalQuantity", 3).Leaf(L"Type", L"1");
     ASSERT_EQ(copy->Deserialize(&root, entities), KARSuccess);
-    EXPECT_EQ(numberOf(*copy), 3.5);
-    EXPECT_EQ(numberOf(*copy, &KARMPVariable::GetMinValue), -1.0);
-    EXPECT_EQ(numberOf(*copy, &KARMPVariable::GetMaxValue), 9.0);
+    EXPECT_EQ(NumberOf(*copy), 3.5);
+    EXPECT_EQ(NumberOf(*copy, &KARMPVariable::GetMinValue), -1.0);
+    EXPECT_EQ(NumberOf(*copy, &KARMPVariable::GetMaxValue), 9.0);
     EXPECT_FALSE(copy->HasValue() || copy->HasMinValue() || copy->HasMaxValue());
     EXPECT_EQ(copy->GetPhysicalQuantity(), KARMPPhysicalQuantity::Time);
     EXPECT_EQ(copy->GetType(), KARMPVariableType::Constant);
@@ -231,7 +231,7 @@ TEST_F(VariableTree, EarlierFormKeepsNumbersThatAreNotThere)
     element.Attribute(L"id", L"V9").Attribute(L"name", L"n");
     element.Leaf(L"PhysicalQuantity", 3).Leaf(L"Type", 1);
     ASSERT_EQ(copy->Deserialize(&root, entities), KARSuccess);
-    EXPECT_EQ(numberOf(*copy), 4.0);
+    EXPECT_EQ(NumberOf(*copy), 4.0);
 }
 
 TEST_F(VariableTree, EarlierFormReportsMissingQuantityAndTypeAndKeepsThem)
@@ -265,7 +265,7 @@ TEST_F(VariableTree, OneVersionBelowTheCurrentFormIsNotReadAsIt)
     // The words of quantity and type are no numbers there; the tree reports each twice as well.
     ExpectReports(6);
     EXPECT_FALSE(copy->HasValue());
-    EXPECT_EQ(numberOf(*copy), 0.0);
+    EXPECT_EQ(NumberOf(*copy), 0.0);
 }
 
 TEST_F(VariableTree, EveryWordAndNumberOfQuantityAndTypeComesBack)
@@ -315,8 +315,8 @@ TEST_F(VariableTree, IsReadTheSameWhereTheCommaIsTheDecimalMark)
     element.Attribute(L"value", L"1,5").Attribute(L"minvalue", L"-2.25");
     element.Leaf(L"PhysicalQuantity", L"3").Leaf(L"Type", L"1");
     EXPECT_EQ(copy->Deserialize(&root, entities), KARSuccess);
-    EXPECT_EQ(numberOf(*copy), 1.5);
-    EXPECT_EQ(numberOf(*copy, &KARMPVariable::GetMinValue), -2.25);
+    EXPECT_EQ(NumberOf(*copy), 1.5);
+    EXPECT_EQ(NumberOf(*copy, &KARMPVariable::GetMinValue), -2.25);
 }
 
 TEST_F(VariableTree, LoaderHearsOfValueAndBoundsInTheReadersOrder)
@@ -392,22 +392,24 @@ TEST_F(VariableTree, FailsOnlyWithoutItsElement)
     TestDeserializer empty(L"Body");
     EXPECT_EQ(variable->Deserialize(&empty, entities), KARFailure);
     ExpectReports(1);
-    EXPECT_EQ(numberOf(*variable), 1.5);
+    EXPECT_EQ(NumberOf(*variable), 1.5);
 }
 
 TEST_F(VariableTree, AdditionThatFailsIsReportedAndTheRestIsWritten)
 {
     variable->LinkToConstraint(constraint);
     for (const wchar_t* version : {L"R2016.0", L"R2018.1"}) {
-        ForEachFailedCreation(version, [this](TestSerializer& root, std::size_t failing) {
-            EXPECT_EQ(variable->Serialize(&root), failing == 1 ? KARFailure : KARSuccess);
-            const std::size_t reports = TakeReports();
-            EXPECT_EQ(failing != 0, reports != 0);
-            if (failing > 1) {
-                const std::size_t whole = root.Version() == L"R2016.0" ? 3 : 8;
-                EXPECT_GE(root.Child(0).GetElementCount(), whole - 1);
-            }
-        });
+        ForEachFailedCreation(
+            version,
+            [this](TestSerializer& root, std::size_t failing) {
+                EXPECT_EQ(variable->Serialize(&root), failing == 1 ? KARFailure : KARSuccess);
+                const std::size_t reports = TakeReports();
+                EXPECT_EQ(failing != 0, reports != 0);
+                if (failing > 1) {
+                    const std::size_t whole = root.Version() == L"R2016.0" ? 3 : 8;
+                    EXPECT_GE(root.Child(0).GetElementCount(), whole - 1);
+                }
+            });
     }
 }
 

@@ -6,14 +6,14 @@ namespace karmp {
 
 namespace {
 
-KARBaseUnknown* resolved(const KARBaseUnknown_var& key)
+KARBaseUnknown* Resolved(const KARBaseUnknown_var& key)
 {
     return key->GetResolved(0);
 }
 
-bool isBelow(const KARBaseUnknown_var& left, const KARBaseUnknown_var& right)
+bool IsBelow(const KARBaseUnknown_var& left, const KARBaseUnknown_var& right)
 {
-    return std::less<const KARBaseUnknown*>()(resolved(left), resolved(right));
+    return std::less<const KARBaseUnknown*>()(Resolved(left), Resolved(right));
 }
 
 } // namespace
@@ -33,13 +33,13 @@ bool RegistryCore::KeysOrder::operator()(const Keys& left, const Keys& right) co
 {
     const auto& [a1, a2] = left;
     const auto& [b1, b2] = right;
-    if (b1 != nullptr && (a1 == nullptr || isBelow(a1, b1)))
+    if (b1 != nullptr && (a1 == nullptr || IsBelow(a1, b1)))
         return true;
-    if (a1 != nullptr && (b1 == nullptr || isBelow(b1, a1)))
+    if (a1 != nullptr && (b1 == nullptr || IsBelow(b1, a1)))
         return false;
     if (b2 == nullptr)
         return false;
-    return a2 == nullptr || isBelow(a2, b2);
+    return a2 == nullptr || IsBelow(a2, b2);
 }
 
 std::size_t RegistryCore::Hash::operator()(const QOBSharedBase& entity) const noexcept

@@ -25,7 +25,7 @@ using FilingFamilies =
 
 constexpr std::wstring_view IdName = L"id";
 
-const KARMPDeserializer* child(const KARMPDeserializer& node, std::wstring_view name)
+const KARMPDeserializer* Child(const KARMPDeserializer& node, std::wstring_view name)
 {
     const KARMPDeserializer* element = nullptr;
     node.GetElement(name, element);
@@ -79,11 +79,11 @@ private:
 };
 
 // A missing component is 0; nothing is given when the element itself is missing.
-std::optional<std::array<double, 3>> readTriple(const KARMPDeserializer& world,
+std::optional<std::array<double, 3>> ReadTriple(const KARMPDeserializer& world,
                                                 std::wstring_view name,
                                                 const karmp::Names<3>& names)
 {
-    const KARMPDeserializer* element = child(world, name);
+    const KARMPDeserializer* element = Child(world, name);
     if (element == nullptr)
         return {};
     std::array<double, 3> values{};
@@ -134,7 +134,7 @@ EntitiesReader::EntitiesReader(KARMPWorld& target, const KARMPDeserializer& worl
 {
     std::size_t count = 0;
     karmp::ForEachRegistryElement([&](const auto& element) {
-        if (const KARMPDeserializer* registry = child(world, element.name)) {
+        if (const KARMPDeserializer* registry = Child(world, element.name)) {
             m_registries.push_back({registry, {}, {}});
             registry->GetElements(m_registries.back().elements);
             count += m_registries.back().elements.size();
@@ -186,10 +186,9 @@ KARMPFactory::Class EntitiesReader::ClassOf(std::wstring_view elementName)
 
 void EntitiesReader::ReadContents()
 {
-    for (const Registry& registry : m_registries) {
+    for (const Registry& registry : m_registries)
         for (std::size_t place = 0; place < registry.elements.size(); ++place)
             ReadContent(registry.elements[place], registry.entries[place]);
-    }
 }
 
 // Of two entities with one identifier, and so with one entry, the later one reads both elements. An
@@ -245,13 +244,14 @@ void EntitiesReader::FileByDocument()
 
 void EntitiesReader::ReadGlobals(const KARMPDeserializer& world)
 {
-    const KARMPDeserializer* element = child(world, karmp::Globals);
+    const KARMPDeserializer* element = Child(world, karmp::Globals);
     if (element == nullptr)
         return;
     const KARMPReadingPlace place(element);
     karmp::ElementReader globals(element);
-    globals.Reference<KARMPBody>(karmp::GlobalBody, m_entities,
-                                 [this](const auto& body) { return m_world.SetGlobalBody(body); });
+    globals.Reference<KARMPBody>(
+        karmp::GlobalBody, m_entities,
+        [this](const auto& body) { return m_world.SetGlobalBody(body); });
     globals.Reference<KARMPAxisSystem>(
         karmp::GlobalAxisSystem, m_entities,
         [this](const auto& axisSystem) { return m_world.SetGlobalAxisSystem(axisSystem); });
@@ -277,11 +277,11 @@ KARStatus KARMPWorld::Deserialize(const KARMPDeserializer* deserializer)
         return KARFailure;
     world->GetAttribute(karmp::LinearTolerance, m_linearTolerance);
     world->GetAttribute(karmp::AngularTolerance, m_angularTolerance);
-    if (const auto origin = readTriple(*world, karmp::Origin, karmp::OriginNames))
+    if (const auto origin = ReadTriple(*world, karmp::Origin, karmp::OriginNames))
         m_origin.SetCoord((*origin)[0], (*origin)[1], (*origin)[2]);
-    if (const auto size = readTriple(*world, karmp::Size, karmp::SizeNames))
+    if (const auto size = ReadTriple(*world, karmp::Size, karmp::SizeNames))
         m_size = *size;
-    if (const auto gravity = readTriple(*world, karmp::Gravity, karmp::GravityNames))
+    if (const auto gravity = ReadTriple(*world, karmp::Gravity, karmp::GravityNames))
         m_gravity = KARMathVector((*gravity)[0], (*gravity)[1], (*gravity)[2]);
 
     EntitiesReader entities(*this, *world);

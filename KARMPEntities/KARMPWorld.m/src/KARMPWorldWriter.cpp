@@ -5,7 +5,7 @@
 namespace {
 
 // Unlike everywhere else, a component that cannot be added passes without a report of its own.
-void writeTriple(KARMPSerializer& world, std::wstring_view name, const karmp::Names<3>& names,
+void WriteTriple(KARMPSerializer& world, std::wstring_view name, const karmp::Names<3>& names,
                  const std::array<double, 3>& values)
 {
     KARMPSerializer* element = nullptr;
@@ -18,7 +18,7 @@ void writeTriple(KARMPSerializer& world, std::wstring_view name, const karmp::Na
 }
 
 template <class T>
-void writeRegistry(const KARMPWorld& world, karmp::ElementWriter& root, std::wstring_view name)
+void WriteRegistry(const KARMPWorld& world, karmp::ElementWriter& root, std::wstring_view name)
 {
     if (world.Count<T>() == 0)
         return;
@@ -44,10 +44,10 @@ KARStatus KARMPWorld::Serialize(KARMPSerializer* serializer) const
     karmp::ElementWriter world(node);
     world.Attribute(karmp::LinearTolerance, m_linearTolerance);
     world.Attribute(karmp::AngularTolerance, m_angularTolerance);
-    writeTriple(*node, karmp::Origin, karmp::OriginNames,
+    WriteTriple(*node, karmp::Origin, karmp::OriginNames,
                 {m_origin.GetX(), m_origin.GetY(), m_origin.GetZ()});
-    writeTriple(*node, karmp::Size, karmp::SizeNames, m_size);
-    writeTriple(*node, karmp::Gravity, karmp::GravityNames,
+    WriteTriple(*node, karmp::Size, karmp::SizeNames, m_size);
+    WriteTriple(*node, karmp::Gravity, karmp::GravityNames,
                 {m_gravity.GetX(), m_gravity.GetY(), m_gravity.GetZ()});
 
     if (karmp::ElementWriter globals = world.Child(karmp::Globals)) {
@@ -59,7 +59,7 @@ KARStatus KARMPWorld::Serialize(KARMPSerializer* serializer) const
     // whole.
     node->ChildrenComplete();
     karmp::ForEachRegistryElement([&](auto element) {
-        writeRegistry<typename decltype(element)::Type>(*this, world, element.name);
+        WriteRegistry<typename decltype(element)::Type>(*this, world, element.name);
     });
     return KARSuccess;
 }

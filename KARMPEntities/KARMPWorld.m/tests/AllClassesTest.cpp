@@ -27,14 +27,14 @@
 
 namespace {
 
-std::vector<std::string> classes()
+std::vector<std::string> Classes()
 {
     std::vector<std::string> names = KARMPFactory::GetClassNames();
     std::erase(names, TestEntity::ClassName());
     return names;
 }
 
-const ClassIdentity* identityOf(const std::string& name)
+const ClassIdentity* IdentityOf(const std::string& name)
 {
     const auto* found =
         std::find_if(std::begin(ClassIdentities), std::end(ClassIdentities),
@@ -42,7 +42,7 @@ const ClassIdentity* identityOf(const std::string& name)
     return found != std::end(ClassIdentities) ? found : nullptr;
 }
 
-QOBSharedHandle<KARMPEntity> create(const std::string& name)
+QOBSharedHandle<KARMPEntity> Create(const std::string& name)
 {
     QOBSharedHandle<KARMPEntity> entity;
     KARMPFactory::Create(name, entity);
@@ -50,7 +50,7 @@ QOBSharedHandle<KARMPEntity> create(const std::string& name)
 }
 
 /// Gives a default entity the items that it writes only when they are set.
-void prepare(const QOBSharedHandle<KARMPEntity>& entity)
+void Prepare(const QOBSharedHandle<KARMPEntity>& entity)
 {
     entity->SetID("application");
     if (entity.isDerivedFrom(KARMPValue::ClassInfo()))
@@ -179,13 +179,13 @@ private:
 };
 
 /// The values of a written tree: each node's attributes, its own value, then its children's.
-void valuesOf(const TestSerializer& node, Values& values)
+void ValuesOf(const TestSerializer& node, Values& values)
 {
     for (int i = 0; i < static_cast<int>(node.GetAttributeCount()); ++i)
         values.push_back(node.GetAttribute(i));
     values.push_back(node.GetVariable());
     for (std::size_t i = 0; i < node.GetElementCount(); ++i)
-        valuesOf(node.Child(i), values);
+        ValuesOf(node.Child(i), values);
 }
 
 /// Classes whose own output does not read back equal, and why.
@@ -262,24 +262,24 @@ class AllClasses : public KARMPTestFixture
 // The walks below go over what the factory has: a class that got lost would not be missed there.
 TEST_F(AllClasses, OfTheIdentityTableAreMadeExceptThoseThatAreKnownNotToBe)
 {
-    const std::vector<std::string> made = classes();
+    const std::vector<std::string> made = Classes();
     for (const ClassIdentity& identity : ClassIdentities) {
         const bool expected = identity.inFactory && !NotMade.contains(identity.name);
         EXPECT_EQ(std::count(made.begin(), made.end(), identity.name), expected ? 1 : 0)
             << identity.name;
     }
     for (const std::string_view name : NotMade)
-        EXPECT_NE(identityOf(std::string(name)), nullptr) << name;
+        EXPECT_NE(IdentityOf(std::string(name)), nullptr) << name;
 }
 
 TEST_F(AllClasses, HaveTheirPlaceInTheIdentityTable)
 {
-    for (const std::string& name : classes()) {
+    for (const std::string& name : Classes()) {
         SCOPED_TRACE(name);
-        const ClassIdentity* identity = identityOf(name);
+        const ClassIdentity* identity = IdentityOf(name);
         ASSERT_NE(identity, nullptr);
         EXPECT_TRUE(identity->inFactory);
-        const auto entity = create(name);
+        const auto entity = Create(name);
         ASSERT_TRUE(entity);
         EXPECT_EQ(entity->getClassName(), name);
         EXPECT_EQ(entity->getClassID().getText(), identity->guid);
@@ -298,7 +298,7 @@ TEST_F(AllClasses, ThatHeadAFamilyHaveTheirPlaceInTheIdentityTable)
     const auto expectPlace = [](auto family) {
         using T = typename decltype(family)::Type;
         SCOPED_TRACE(T::ClassName());
-        const ClassIdentity* identity = identityOf(T::ClassName());
+        const ClassIdentity* identity = IdentityOf(T::ClassName());
         ASSERT_NE(identity, nullptr);
         EXPECT_EQ(T::ClassID().getText(), identity->guid);
         EXPECT_EQ(T::ClassInfo().getParent()->getName(), identity->parent);
@@ -311,9 +311,9 @@ TEST_F(AllClasses, ThatHeadAFamilyHaveTheirPlaceInTheIdentityTable)
 
 TEST_F(AllClasses, AreClonedWithNothingButTheirOwnValues)
 {
-    for (const std::string& name : classes()) {
+    for (const std::string& name : Classes()) {
         SCOPED_TRACE(name);
-        auto entity = create(name);
+        auto entity = Create(name);
         entity->setEntityName(L"original");
         auto copy = KARMPEntity::clone(entity, QOBDynamicObject::CopyDefault);
         ASSERT_TRUE(copy);
@@ -330,9 +330,9 @@ TEST_F(AllClasses, AreClonedWithNothingButTheirOwnValues)
 
 TEST_F(AllClasses, AreOrphanedOnceAndKeepNothing)
 {
-    for (const std::string& name : classes()) {
+    for (const std::string& name : Classes()) {
         SCOPED_TRACE(name);
-        auto entity = create(name);
+        auto entity = Create(name);
         const auto other = entity;
         KARMPEntity::destroy(entity);
         EXPECT_TRUE(other->isOrphaned());
@@ -343,26 +343,26 @@ TEST_F(AllClasses, AreOrphanedOnceAndKeepNothing)
 
 TEST_F(AllClasses, WriteTheElementOfTheirName)
 {
-    for (const std::string& name : classes()) {
+    for (const std::string& name : Classes()) {
         SCOPED_TRACE(name);
-        const auto entity = create(name);
-        prepare(entity);
+        const auto entity = Create(name);
+        Prepare(entity);
         TestSerializer root;
         EXPECT_FALSE(KARFailed(entity->Serialize(&root)));
         ASSERT_EQ(root.GetElementCount(), 1U);
-        EXPECT_EQ(root.Child(0).GetId(), identityOf(name)->element);
+        EXPECT_EQ(root.Child(0).GetId(), IdentityOf(name)->element);
     }
 }
 
 /// Expects that reading the changed values of a tree changed every value that is written then.
-void expectEveryValueRead(const TestSerializer& before, const Values& changed,
+void ExpectEveryValueRead(const TestSerializer& before, const Values& changed,
                           const TestSerializer& after)
 {
     using Type = KARMPSerializationVariable::Type;
     Values old;
-    valuesOf(before, old);
+    ValuesOf(before, old);
     Values read;
-    valuesOf(after, read);
+    ValuesOf(after, read);
     ASSERT_EQ(read.size(), changed.size());
     for (std::size_t i = 0; i < read.size(); ++i) {
         SCOPED_TRACE(std::string(read[i].name.begin(), read[i].name.end()));
@@ -370,20 +370,19 @@ void expectEveryValueRead(const TestSerializer& before, const Values& changed,
         ASSERT_EQ(read[i].type, changed[i].type);
         const KARMPSerializationVariant& value = read[i].value;
         // Directions are made unit vectors and numbers go onto the grid.
-        if (read[i].type == Type::Double) {
+        if (read[i].type == Type::Double)
             EXPECT_NE(value.doubleValue, old[i].value.doubleValue);
-        } else if (read[i].type == Type::Int) {
+        else if (read[i].type == Type::Int)
             EXPECT_EQ(value.intValue, changed[i].value.intValue);
-        } else if (read[i].type == Type::Bool) {
+        else if (read[i].type == Type::Bool)
             EXPECT_EQ(value.boolValue, changed[i].value.boolValue);
-        } else if (read[i].type == Type::String) {
+        else if (read[i].type == Type::String)
             EXPECT_EQ(value.stringValue, changed[i].value.stringValue);
-        }
     }
 }
 
 /// The dump of what an entity writes at a version; empty when it fails.
-std::string written(const KARMPEntity& entity, std::wstring_view version)
+std::string Written(const KARMPEntity& entity, std::wstring_view version)
 {
     TestSerializer root(version);
     if (KARFailed(entity.Serialize(&root)))
@@ -393,35 +392,35 @@ std::string written(const KARMPEntity& entity, std::wstring_view version)
 
 TEST_F(AllClasses, ReadBackEveryValueThatTheyWriteAtEachVersion)
 {
-    for (const std::string& name : classes()) {
+    for (const std::string& name : Classes()) {
         if (NotReadBack.contains(name))
             continue;
         for (const std::wstring_view version :
              {karmp::R2015x_0, karmp::R2016_0, karmp::R2016_1, karmp::R2017_0, karmp::R2017_1,
               karmp::R2018_0, karmp::R2018_1}) {
             SCOPED_TRACE(name + " at " + std::string(version.begin(), version.end()));
-            const auto original = create(name);
-            prepare(original);
+            const auto original = Create(name);
+            Prepare(original);
             TestSerializer root(version);
             ASSERT_FALSE(KARFailed(original->Serialize(&root)));
             TestDeserializer changed;
             Changer changer(20180101);
             changer.Copy(root, changed);
 
-            const auto first = create(name);
+            const auto first = Create(name);
             EXPECT_FALSE(KARFailed(first->Deserialize(&changed, KARMPEntityTable())));
-            const std::string firstText = written(*first, version);
+            const std::string firstText = Written(*first, version);
 
             // What was read is written and read once more: then it must be the same.
             TestSerializer again(version);
             ASSERT_FALSE(KARFailed(first->Serialize(&again)));
-            expectEveryValueRead(root, changer.Changed(), again);
+            ExpectEveryValueRead(root, changer.Changed(), again);
             for (const bool asText : {false, true}) {
                 const auto tree =
                     TestDeserializer::From(again, {.asText = asText, .versionOnEveryNode = true});
-                const auto second = create(name);
+                const auto second = Create(name);
                 EXPECT_FALSE(KARFailed(second->Deserialize(tree.get(), KARMPEntityTable())));
-                EXPECT_EQ(written(*second, version), firstText);
+                EXPECT_EQ(Written(*second, version), firstText);
             }
             ExpectReports(0);
         }

@@ -125,10 +125,9 @@ TEST_F(Observer, ListsEntitiesInTheOrderOfTheirFirstChange)
 TEST_F(Observer, LooksAtUpdatesOnly)
 {
     observer->Subscribe(world);
-    for (std::uint64_t event = 0; event < 64; ++event) {
+    for (std::uint64_t event = 0; event < 64; ++event)
         if (event != 9)
             support->postEvent(event);
-    }
     EXPECT_EQ(modified(), 0U);
     support->postEvent(9);
     EXPECT_EQ(modified(), 1U);

@@ -61,7 +61,7 @@ using WorldWriter = WorldDocument;
 using WorldReader = WorldDocument;
 using WorldRoundTrip = WorldDocument;
 
-std::vector<std::wstring> childrenOf(const TestSerializer& element)
+std::vector<std::wstring> ChildrenOf(const TestSerializer& element)
 {
     std::vector<std::wstring> names;
     for (std::size_t i = 0; i < element.GetElementCount(); ++i)
@@ -77,18 +77,18 @@ TEST_F(WorldWriter, FailsWithoutASerializer)
 TEST_F(WorldWriter, WritesAFrameAndThreeRegistriesForANewWorld)
 {
     EXPECT_EQ(world->Serialize(&written), KARSuccess);
-    EXPECT_EQ(childrenOf(written), Identifiers{L"World"});
+    EXPECT_EQ(ChildrenOf(written), Identifiers{L"World"});
     const TestSerializer& element = written.Child(0);
-    EXPECT_EQ(childrenOf(element), (Identifiers{L"Origin", L"Size", L"Gravity", L"Globals",
+    EXPECT_EQ(ChildrenOf(element), (Identifiers{L"Origin", L"Size", L"Gravity", L"Globals",
                                                 L"Bodies", L"Geometries", L"Variables"}));
     ASSERT_EQ(element.GetAttributeCount(), 2U);
     EXPECT_EQ(element.GetAttributeId(0), L"linear_tolerance");
     EXPECT_EQ(element.GetAttributeValued(0), 0.001);
     EXPECT_EQ(element.GetAttributeId(1), L"angular_tolerance");
     EXPECT_EQ(element.GetAttributeValued(1), 1e-09);
-    EXPECT_EQ(childrenOf(element.Child(4)), Identifiers{L"Body"});
-    EXPECT_EQ(childrenOf(element.Child(5)), Identifiers{L"AxisSystem"});
-    EXPECT_EQ(childrenOf(element.Child(6)), Identifiers{L"Variable"});
+    EXPECT_EQ(ChildrenOf(element.Child(4)), Identifiers{L"Body"});
+    EXPECT_EQ(ChildrenOf(element.Child(5)), Identifiers{L"AxisSystem"});
+    EXPECT_EQ(ChildrenOf(element.Child(6)), Identifiers{L"Variable"});
 }
 
 TEST_F(WorldWriter, TellsWhenTheElementsAreComplete)
@@ -111,14 +111,13 @@ TEST_F(WorldWriter, WritesTheSettings)
     world->SetGravity({7, 8, 9});
     world->Serialize(&written);
     const TestSerializer& element = written.Child(0);
-    EXPECT_EQ(childrenOf(element.Child(0)), (Identifiers{L"Ox", L"Oy", L"Oz"}));
-    EXPECT_EQ(childrenOf(element.Child(1)), (Identifiers{L"SizeX", L"SizeY", L"SizeZ"}));
-    EXPECT_EQ(childrenOf(element.Child(2)), (Identifiers{L"Gx", L"Gy", L"Gz"}));
+    EXPECT_EQ(ChildrenOf(element.Child(0)), (Identifiers{L"Ox", L"Oy", L"Oz"}));
+    EXPECT_EQ(ChildrenOf(element.Child(1)), (Identifiers{L"SizeX", L"SizeY", L"SizeZ"}));
+    EXPECT_EQ(ChildrenOf(element.Child(2)), (Identifiers{L"Gx", L"Gy", L"Gz"}));
     double expected = 0;
-    for (std::size_t group = 0; group < 3; ++group) {
+    for (std::size_t group = 0; group < 3; ++group)
         for (std::size_t i = 0; i < 3; ++i)
             EXPECT_EQ(element.Child(group).Child(i).GetValued(), ++expected);
-    }
 }
 
 TEST_F(WorldWriter, NamesTheGlobals)
@@ -126,7 +125,7 @@ TEST_F(WorldWriter, NamesTheGlobals)
     QOBSharedHandle<KARMPBody> body;
     world->GetGlobalBody(body);
     world->Serialize(&written);
-    EXPECT_EQ(childrenOf(*written.Find(L"World/Globals")),
+    EXPECT_EQ(ChildrenOf(*written.Find(L"World/Globals")),
               (Identifiers{L"GlobalBody", L"GlobalAxisSystem", L"GlobalTime"}));
     EXPECT_EQ(written.Text(L"World/Globals/GlobalBody/@id"), identifierOf(*body));
     EXPECT_EQ(written.Text(L"World/Globals/GlobalBody/@name"), L"GlobalBody");
@@ -180,7 +179,7 @@ TEST_F(WorldWriter, WritesTheRegistriesInTheOrderOfTheDocument)
     for (std::size_t i = 0; i < expected.size(); ++i) {
         const TestSerializer& registry = element.Child(First + i);
         EXPECT_EQ(registry.GetId(), expected[i].first);
-        EXPECT_EQ(childrenOf(registry), Identifiers{L"Test" + expected[i].second});
+        EXPECT_EQ(ChildrenOf(registry), Identifiers{L"Test" + expected[i].second});
         EXPECT_EQ(registry.Child(0).GetAttributeValues(0), L"KARMP" + expected[i].second);
     }
 }
@@ -244,9 +243,8 @@ TEST_F(WorldWriter, GoesOnWhenAnElementOfTheFrameCannotBeAdded)
                 SCOPED_TRACE(failing);
                 EXPECT_FALSE(root.Has(reports[failing - 1].first));
                 expected = reports[failing - 1].second;
-                if (failing > 1) {
+                if (failing > 1)
                     EXPECT_EQ(root.Has(L"World/Supports"), failing != 18);
-                }
             }
             ExpectReports(expected);
         });

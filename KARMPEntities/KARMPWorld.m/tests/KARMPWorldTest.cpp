@@ -8,26 +8,26 @@
 namespace {
 
 // Tells whether an agent still lives, without holding it.
-QOBNotificationFunctor probe(QOBNotificationAgent& agent)
+QOBNotificationFunctor Probe(QOBNotificationAgent& agent)
 {
     return {agent, [](auto, auto) {}};
 }
 
-QOBSharedHandle<KARMPBody> globalBody(const KARMPWorld& world)
+QOBSharedHandle<KARMPBody> GlobalBody(const KARMPWorld& world)
 {
     QOBSharedHandle<KARMPBody> body;
     EXPECT_EQ(world.GetGlobalBody(body), KARSuccess);
     return body;
 }
 
-QOBSharedHandle<KARMPAxisSystem> globalAxisSystem(const KARMPWorld& world)
+QOBSharedHandle<KARMPAxisSystem> GlobalAxisSystem(const KARMPWorld& world)
 {
     QOBSharedHandle<KARMPAxisSystem> axisSystem;
     EXPECT_EQ(world.GetGlobalAxisSystem(axisSystem), KARSuccess);
     return axisSystem;
 }
 
-QOBSharedHandle<KARMPVariable> globalTime(const KARMPWorld& world)
+QOBSharedHandle<KARMPVariable> GlobalTime(const KARMPWorld& world)
 {
     QOBSharedHandle<KARMPVariable> time;
     EXPECT_EQ(world.GetGlobalTime(time), KARSuccess);
@@ -93,20 +93,20 @@ TEST_F(World, ListsItsGlobalsAndNothingElse)
     world->Get(0, body);
     world->Get(0, axisSystem);
     world->Get(0, time);
-    EXPECT_EQ(body, globalBody(*world));
-    EXPECT_EQ(axisSystem, globalAxisSystem(*world));
-    EXPECT_EQ(time, globalTime(*world));
+    EXPECT_EQ(body, GlobalBody(*world));
+    EXPECT_EQ(axisSystem, GlobalAxisSystem(*world));
+    EXPECT_EQ(time, GlobalTime(*world));
 }
 
 TEST_F(World, MakesAFixedBodyThatCarriesAnAxisSystem)
 {
-    const auto body = globalBody(*world);
+    const auto body = GlobalBody(*world);
     EXPECT_EQ(body->getEntityName(), L"GlobalBody");
     EXPECT_TRUE(body->IsFixed());
     EXPECT_EQ(body->GetGeometryCount(), 1);
     QOBSharedHandle<KARMPGeometry> geometry;
     body->GetGeometry(0, geometry);
-    EXPECT_EQ(geometry, globalAxisSystem(*world));
+    EXPECT_EQ(geometry, GlobalAxisSystem(*world));
     EXPECT_EQ(geometry->getEntityName(), L"GlobalAxisSystem");
     QOBSharedHandle<KARMPBody> carrier;
     EXPECT_EQ(geometry->GetBody(carrier), KARSuccess);
@@ -115,7 +115,7 @@ TEST_F(World, MakesAFixedBodyThatCarriesAnAxisSystem)
 
 TEST_F(World, MakesAVariableForTheTime)
 {
-    const auto time = globalTime(*world);
+    const auto time = GlobalTime(*world);
     EXPECT_EQ(time->getEntityName(), L"GlobalTime");
     EXPECT_EQ(time->GetPhysicalQuantity(), KARMPPhysicalQuantity::Time);
 }
@@ -175,7 +175,7 @@ TEST_F(World, NumbersEntitiesFromThree)
 
 TEST_F(World, HasNoGroundBodyAtFirst)
 {
-    QOBSharedHandle<KARMPBody> body = globalBody(*world);
+    QOBSharedHandle<KARMPBody> body = GlobalBody(*world);
     EXPECT_EQ(world->GetGroundBody(body), KARSuccess);
     EXPECT_FALSE(body);
 }
@@ -189,9 +189,9 @@ TEST_F(World, TakesOtherGlobalsWithoutListingThem)
     EXPECT_EQ(world->SetGlobalAxisSystem(axisSystem), KARSuccess);
     EXPECT_EQ(world->SetGlobalTime(time), KARSuccess);
     EXPECT_EQ(world->SetGroundBody(body), KARSuccess);
-    EXPECT_EQ(globalBody(*world), body);
-    EXPECT_EQ(globalAxisSystem(*world), axisSystem);
-    EXPECT_EQ(globalTime(*world), time);
+    EXPECT_EQ(GlobalBody(*world), body);
+    EXPECT_EQ(GlobalAxisSystem(*world), axisSystem);
+    EXPECT_EQ(GlobalTime(*world), time);
     QOBSharedHandle<KARMPBody> ground;
     world->GetGroundBody(ground);
     EXPECT_EQ(ground, body);
@@ -318,9 +318,9 @@ TEST_F(World, EmptiesItsRegistriesAndKeepsItsGlobals)
         using T = typename decltype(family)::Type;
         EXPECT_EQ(world->Count<T>(), 0) << T::ClassName();
     });
-    EXPECT_TRUE(globalBody(*world));
-    EXPECT_TRUE(globalAxisSystem(*world));
-    EXPECT_TRUE(globalTime(*world));
+    EXPECT_TRUE(GlobalBody(*world));
+    EXPECT_TRUE(GlobalAxisSystem(*world));
+    EXPECT_TRUE(GlobalTime(*world));
 }
 
 // An entity that tells when it goes.
@@ -494,12 +494,12 @@ TEST_F(World, HasNoKeysForWhatIsNoFamily)
 TEST_F(World, TakesItsGlobalsApartWhenDestroyed)
 {
     const auto kept = world;
-    const auto body = globalBody(*world);
+    const auto body = GlobalBody(*world);
     KARMPWorld::destroy(world);
     EXPECT_FALSE(world);
     EXPECT_TRUE(kept->isOrphaned());
-    EXPECT_FALSE(globalAxisSystem(*kept));
-    EXPECT_EQ(globalBody(*kept), body);
+    EXPECT_FALSE(GlobalAxisSystem(*kept));
+    EXPECT_EQ(GlobalBody(*kept), body);
     EXPECT_EQ(body->GetGeometryCount(), 0);
     EXPECT_EQ(kept->Count<KARMPGeometry>(), 1);
 }
@@ -511,15 +511,15 @@ TEST_F(World, IsTakenApartOnce)
     const auto axisSystem = KARMPAxisSystem::create(L"axis system");
     kept->SetGlobalAxisSystem(axisSystem);
     kept->orphanObject();
-    EXPECT_EQ(globalAxisSystem(*kept), axisSystem);
+    EXPECT_EQ(GlobalAxisSystem(*kept), axisSystem);
 }
 
 TEST_F(World, LeavesAnAxisSystemWithoutABodyAlone)
 {
     world->SetGlobalBody(nullptr);
-    const auto axisSystem = globalAxisSystem(*world);
+    const auto axisSystem = GlobalAxisSystem(*world);
     world->orphanObject();
-    EXPECT_EQ(globalAxisSystem(*world), axisSystem);
+    EXPECT_EQ(GlobalAxisSystem(*world), axisSystem);
     EXPECT_FALSE(axisSystem->isOrphaned());
 }
 
@@ -533,9 +533,9 @@ TEST_F(World, NothingHappensWhenANullHandleIsDestroyedOrCloned)
 
 TEST_F(World, TakesItsGlobalsAlongWhenItDies)
 {
-    const auto body = probe(*globalBody(*world));
-    const auto axisSystem = probe(*globalAxisSystem(*world));
-    const auto time = probe(*globalTime(*world));
+    const auto body = Probe(*GlobalBody(*world));
+    const auto axisSystem = Probe(*GlobalAxisSystem(*world));
+    const auto time = Probe(*GlobalTime(*world));
     EXPECT_TRUE(body.isAlive());
     basicWorld = nullptr;
     EXPECT_TRUE(body.isAlive());
@@ -547,8 +547,8 @@ TEST_F(World, TakesItsGlobalsAlongWhenItDies)
 
 TEST_F(World, TakesItsFirstGlobalsAlongWhenOthersAreInTheirPlace)
 {
-    const auto body = probe(*globalBody(*world));
-    const auto axisSystem = probe(*globalAxisSystem(*world));
+    const auto body = Probe(*GlobalBody(*world));
+    const auto axisSystem = Probe(*GlobalAxisSystem(*world));
     world->EmptyWorld();
     world->SetGlobalBody(KARMPBody::create(L"body"));
     world->SetGlobalAxisSystem(KARMPAxisSystem::create(L"axis system"));
@@ -562,7 +562,7 @@ TEST_F(World, TakesItsFirstGlobalsAlongWhenOthersAreInTheirPlace)
 TEST_F(World, TakesItsGlobalsAlongWhenItNeverExtendedAnything)
 {
     auto unbound = KARMPWorld::create(nullptr);
-    const auto axisSystem = probe(*globalAxisSystem(*unbound));
+    const auto axisSystem = Probe(*GlobalAxisSystem(*unbound));
     unbound = nullptr;
     EXPECT_FALSE(axisSystem.isAlive());
 }
@@ -570,7 +570,7 @@ TEST_F(World, TakesItsGlobalsAlongWhenItNeverExtendedAnything)
 TEST_F(World, LeavesGlobalsThatAreHeldElsewhereAsTheyAre)
 {
     auto unbound = KARMPWorld::create(nullptr);
-    auto axisSystem = globalAxisSystem(*unbound);
+    auto axisSystem = GlobalAxisSystem(*unbound);
     unbound = nullptr;
     QOBSharedHandle<KARMPBody> body;
     EXPECT_EQ(axisSystem->GetBody(body), KARSuccess);
@@ -630,7 +630,7 @@ TEST_F(CopyOfAWorld, HasNoSolverSideNoGroundBodyAndNoUnit)
     ModelObject loader;
     world->SetTable(&table);
     world->SetLoader(&loader, 5);
-    world->SetGroundBody(globalBody(*world));
+    world->SetGroundBody(GlobalBody(*world));
     world->SetLengthUnit(KARMPUnit::Foot);
     const auto other = copy();
     KARBaseUnknown* got = nullptr;
@@ -670,9 +670,9 @@ TEST_F(CopyOfAWorld, ListsTheSameEntitiesUnderTheSameKeys)
     EXPECT_EQ(bodies, (QOBSharedVector<KARMPBody>{body, removed}));
     world->EmptyWorld();
     EXPECT_EQ(other->GetBodyCount(), 2);
-    EXPECT_EQ(globalBody(*other), globalBody(*world));
-    EXPECT_EQ(globalAxisSystem(*other), globalAxisSystem(*world));
-    EXPECT_EQ(globalTime(*other), globalTime(*world));
+    EXPECT_EQ(GlobalBody(*other), GlobalBody(*world));
+    EXPECT_EQ(GlobalAxisSystem(*other), GlobalAxisSystem(*world));
+    EXPECT_EQ(GlobalTime(*other), GlobalTime(*world));
 }
 
 TEST_F(CopyOfAWorld, SharesTheEquationFactory)
@@ -695,18 +695,18 @@ TEST_F(CopyOfAWorld, IsMadeByTheObjectModelToo)
     EXPECT_EQ(made->getReferenceCount(), 1U);
     const QOBSharedHandle<KARMPWorld> duplicate(made);
     made->removeReference();
-    EXPECT_EQ(globalBody(*duplicate), globalBody(*world));
+    EXPECT_EQ(GlobalBody(*duplicate), GlobalBody(*world));
 
     made = world->replicateObject();
     const QOBSharedHandle<KARMPWorld> replica(made);
     made->removeReference();
-    EXPECT_NE(globalBody(*replica), globalBody(*world));
+    EXPECT_NE(GlobalBody(*replica), GlobalBody(*world));
     EXPECT_FALSE(replica->getExtendible());
 }
 
 TEST_F(CopyOfAWorld, LetsTheGlobalsGoWithTheLastOfBoth)
 {
-    const auto axisSystem = probe(*globalAxisSystem(*world));
+    const auto axisSystem = Probe(*GlobalAxisSystem(*world));
     const QOBSharedObject* made = world->duplicateObject(QOBDynamicObject::CopyShallow);
     QOBSharedHandle<KARMPWorld> duplicate(made);
     made->removeReference();

@@ -91,8 +91,8 @@ public:
     }
     ~WorldTestClasses()
     {
-        std::erase_if(GetMap(),
-                      [](const auto& entry) { return entry.first.starts_with("KARMPTest"); });
+        std::erase_if(
+            GetMap(), [](const auto& entry) { return entry.first.starts_with("KARMPTest"); });
     }
     WorldTestClasses(const WorldTestClasses&) = delete;
     WorldTestClasses& operator=(const WorldTestClasses&) = delete;

@@ -62,13 +62,11 @@ public:
     {
         const double size = m_first.Norm() * m_second.Norm();
         const double determinant = Determinant();
-        if (!std::isfinite(size) || size == 0.0 || std::abs(determinant) <= 1e-12 * size) {
+        if (!std::isfinite(size) || size == 0.0 || std::abs(determinant) <= 1e-12 * size)
             return false;
-        }
         const double scale = 1.0 / determinant;
-        if (!std::isfinite(scale)) {
+        if (!std::isfinite(scale))
             return false;
-        }
         inverse = {{m_second.GetY() * scale, -m_first.GetY() * scale},
                    {-m_second.GetX() * scale, m_first.GetX() * scale}};
         return true;

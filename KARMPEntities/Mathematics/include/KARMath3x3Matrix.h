@@ -74,13 +74,11 @@ public:
         const auto& [a, b, c] = m_columns;
         const double determinant = Determinant();
         const double size = a.Norm() * b.Norm() * c.Norm();
-        if (!std::isfinite(size) || size == 0.0 || std::abs(determinant) <= 1e-12 * size) {
+        if (!std::isfinite(size) || size == 0.0 || std::abs(determinant) <= 1e-12 * size)
             return false;
-        }
         const double scale = 1.0 / determinant;
-        if (!std::isfinite(scale)) {
+        if (!std::isfinite(scale))
             return false;
-        }
         inverse = KARMath3x3Matrix(b.Cross(c) * scale, c.Cross(a) * scale, a.Cross(b) * scale)
                       .Transpose();
         return true;

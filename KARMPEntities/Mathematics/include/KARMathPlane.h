@@ -30,9 +30,8 @@ public:
     void GetDirections(KARMathVector& first, KARMathVector& second) const
     {
         KARMathVector n = m_normal;
-        if (!n.Normalize()) {
+        if (!n.Normalize())
             n = KARMathVector(0.0, 0.0, 1.0);
-        }
         // The reference axis follows the sign of z, so that the divisor never comes near 0.
         const double sign = std::signbit(n.GetZ()) ? -1.0 : 1.0;
         const double a = -1.0 / (sign + n.GetZ());

@@ -38,9 +38,8 @@ public:
     static KARMathTransformation Rotation(const KARMathLine& line, double angle)
     {
         KARMathVector axis = line.GetDirection();
-        if (!axis.Normalize()) {
+        if (!axis.Normalize())
             return {};
-        }
         const auto turn = [&](const KARMathVector& v) {
             return v * std::cos(angle) + axis.Cross(v) * std::sin(angle) +
                    axis * (axis.Dot(v) * (1.0 - std::cos(angle)));
@@ -80,9 +79,8 @@ public:
     bool ComputeInverse(KARMathTransformation& inverse) const
     {
         KARMath3x3Matrix matrix;
-        if (!m_matrix.ComputeInverse(matrix)) {
+        if (!m_matrix.ComputeInverse(matrix))
             return false;
-        }
         inverse = {matrix, -(matrix * m_vector)};
         return true;
     }

@@ -64,9 +64,8 @@ public:
     bool ComputeInverse(KARMathTransformation2D& inverse) const
     {
         KARMath2x2Matrix matrix;
-        if (!m_matrix.ComputeInverse(matrix)) {
+        if (!m_matrix.ComputeInverse(matrix))
             return false;
-        }
         inverse = {matrix, -(matrix * m_vector)};
         return true;
     }
@@ -90,13 +89,11 @@ public:
         const double tolerance = MatrixTolerance * std::abs(value);
         const KARMath2x2Matrix off = m_matrix - value * KARMath2x2Matrix::Identity();
         if (!std::isfinite(value) || value == 0.0 || !IsNearZero(off.GetFirstColumn(), tolerance) ||
-            !IsNearZero(off.GetSecondColumn(), tolerance)) {
+            !IsNearZero(off.GetSecondColumn(), tolerance))
             return false;
-        }
         const bool keepsLengths = std::abs(value - 1.0) <= MatrixTolerance;
-        if (keepsLengths && !IsNearZero(m_vector, VectorTolerance)) {
+        if (keepsLengths && !IsNearZero(m_vector, VectorTolerance))
             return false;
-        }
         ratio = keepsLengths ? 1.0 : value;
         return true;
     }

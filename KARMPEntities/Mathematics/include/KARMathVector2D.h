@@ -52,9 +52,8 @@ public:
     bool Normalize()
     {
         const double norm = Norm();
-        if (!std::isfinite(norm) || norm == 0.0) {
+        if (!std::isfinite(norm) || norm == 0.0)
             return false;
-        }
         *this = {m_x / norm, m_y / norm};
         return true;
     }

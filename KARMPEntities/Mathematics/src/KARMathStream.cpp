@@ -32,12 +32,10 @@ KARStatus KARMathStream::GetMemoryCopy(void* buffer, std::size_t capacity,
                                        std::size_t& copied) const
 {
     copied = 0;
-    if (buffer == nullptr || capacity < m_bytes.size()) {
+    if (buffer == nullptr || capacity < m_bytes.size())
         return KARFailure;
-    }
-    if (!m_bytes.empty()) {
+    if (!m_bytes.empty())
         std::memcpy(buffer, m_bytes.data(), m_bytes.size());
-    }
     copied = m_bytes.size();
     return KARSuccess;
 }
@@ -55,16 +53,14 @@ KARStatus KARMathStream::OpenWriteStreamHeader(int mode, std::size_t& position, 
 
 KARStatus KARMathStream::CloseWriteStreamHeader(std::size_t position, int version)
 {
-    if (position > m_bytes.size() || m_bytes.size() - position < HeaderSize) {
+    if (position > m_bytes.size() || m_bytes.size() - position < HeaderSize)
         return KARFailure;
-    }
     KARMathStream header(m_bytes.data() + position, sizeof HeaderMark);
     std::uint32_t mark = 0;
     const std::size_t count = m_bytes.size() - position - HeaderSize;
     if (!header.ReadUInt32(mark) || mark != HeaderMark ||
-        count > std::numeric_limits<std::uint32_t>::max()) {
+        count > std::numeric_limits<std::uint32_t>::max())
         return KARFailure;
-    }
     OverwriteUInt32(position + VersionOffset, static_cast<std::uint32_t>(version));
     OverwriteUInt32(position + CountOffset, static_cast<std::uint32_t>(count));
     return KARSuccess;
@@ -79,9 +75,8 @@ KARStatus KARMathStream::OpenReadStreamHeader(int mode)
     std::uint32_t count = 0;
     if (ReadUInt32(mark) && ReadInt32(storedMode) && ReadInt32(version) && ReadUInt32(count) &&
         mark == HeaderMark && storedMode == mode && version == HeaderVersion &&
-        count == GetRemaining()) {
+        count == GetRemaining())
         return KARSuccess;
-    }
     m_position = start;
     return KARFailure;
 }
@@ -118,21 +113,18 @@ void KARMathStream::WriteBytes(std::span<const std::uint8_t> bytes)
 
 bool KARMathStream::OverwriteUInt32(std::size_t position, std::uint32_t value)
 {
-    if (position > m_bytes.size() || m_bytes.size() - position < sizeof value) {
+    if (position > m_bytes.size() || m_bytes.size() - position < sizeof value)
         return false;
-    }
-    for (std::size_t i = 0; i < sizeof value; ++i) {
+    for (std::size_t i = 0; i < sizeof value; ++i)
         m_bytes[position + i] = static_cast<std::uint8_t>(value >> (8 * i));
-    }
     return true;
 }
 
 bool KARMathStream::ReadByte(std::uint8_t& value)
 {
     std::uint64_t raw = 0;
-    if (!ReadLittleEndian(raw, 1)) {
+    if (!ReadLittleEndian(raw, 1))
         return false;
-    }
     value = static_cast<std::uint8_t>(raw);
     return true;
 }
@@ -140,9 +132,8 @@ bool KARMathStream::ReadByte(std::uint8_t& value)
 bool KARMathStream::ReadUInt32(std::uint32_t& value)
 {
     std::uint64_t raw = 0;
-    if (!ReadLittleEndian(raw, 4)) {
+    if (!ReadLittleEndian(raw, 4))
         return false;
-    }
     value = static_cast<std::uint32_t>(raw);
     return true;
 }
@@ -150,9 +141,8 @@ bool KARMathStream::ReadUInt32(std::uint32_t& value)
 bool KARMathStream::ReadInt32(std::int32_t& value)
 {
     std::uint32_t raw = 0;
-    if (!ReadUInt32(raw)) {
+    if (!ReadUInt32(raw))
         return false;
-    }
     value = static_cast<std::int32_t>(raw);
     return true;
 }
@@ -165,29 +155,25 @@ bool KARMathStream::ReadUInt64(std::uint64_t& value)
 bool KARMathStream::ReadDouble(double& value)
 {
     std::uint64_t raw = 0;
-    if (!ReadLittleEndian(raw, 8)) {
+    if (!ReadLittleEndian(raw, 8))
         return false;
-    }
     value = std::bit_cast<double>(raw);
     return true;
 }
 
 void KARMathStream::WriteLittleEndian(std::uint64_t value, int bytes)
 {
-    for (int i = 0; i < bytes; ++i) {
+    for (int i = 0; i < bytes; ++i)
         m_bytes.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
-    }
 }
 
 bool KARMathStream::ReadLittleEndian(std::uint64_t& value, std::size_t bytes)
 {
-    if (GetRemaining() < bytes) {
+    if (GetRemaining() < bytes)
         return false;
-    }
     std::uint64_t raw = 0;
-    for (std::size_t i = 0; i < bytes; ++i) {
+    for (std::size_t i = 0; i < bytes; ++i)
         raw |= static_cast<std::uint64_t>(m_bytes[m_position + i]) << (8 * i);
-    }
     value = raw;
     m_position += bytes;
     return true;

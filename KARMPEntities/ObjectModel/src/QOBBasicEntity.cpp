@@ -11,7 +11,7 @@ using Slots = std::vector<QOBSharedHandle<QOBBasicEntity>>;
 
 // Many children do not fit the caches, so that a walk over them asks for them ahead.
 template <class Visit>
-void forEachChild(const Slots& slots, Visit visit)
+void ForEachChild(const Slots& slots, Visit visit)
 {
     for (std::size_t slot = 0; slot < slots.size(); ++slot) {
         if (slot + kar::PrefetchDistance < slots.size())
@@ -22,7 +22,7 @@ void forEachChild(const Slots& slots, Visit visit)
 }
 
 // Lets the children go, first to last.
-void release(Slots& slots)
+void Release(Slots& slots)
 {
     for (std::size_t slot = 0; slot < slots.size(); ++slot) {
         if (slot + kar::PrefetchDistance < slots.size())
@@ -69,10 +69,9 @@ KARStatus QOBBasicEntity::addLogicalChild(const QOBSharedHandle<QOBBasicEntity>&
         return KARFailure;
     // Only an entity with children can be an ancestor, so that placing a leaf costs no walk.
     if (child->getLogicalChildCount() > 0) {
-        for (const QOBBasicEntity* above = m_parent; above != nullptr; above = above->m_parent) {
+        for (const QOBBasicEntity* above = m_parent; above != nullptr; above = above->m_parent)
             if (child == above)
                 return KARFailure;
-        }
     }
     if (hasLogicalChild(child))
         return KARUnchanged;
@@ -195,11 +194,11 @@ void QOBBasicEntity::releaseChildren()
     if (m_children == nullptr)
         return;
     const std::unique_ptr<Children> children = std::move(m_children);
-    forEachChild(children->slots, [](QOBBasicEntity& child) {
+    ForEachChild(children->slots, [](QOBBasicEntity& child) {
         child.m_parent = nullptr;
         child.enterWorld(nullptr);
     });
-    release(children->slots);
+    Release(children->slots);
 }
 
 void QOBBasicEntity::orphanLogicalChildren()
@@ -210,17 +209,17 @@ void QOBBasicEntity::orphanLogicalChildren()
     const auto take = [&families](std::unique_ptr<Children> family) {
         if (family == nullptr)
             return;
-        forEachChild(family->slots, [](QOBBasicEntity& child) { child.m_parent = nullptr; });
+        ForEachChild(family->slots, [](QOBBasicEntity& child) { child.m_parent = nullptr; });
         families.push_back(std::move(family));
     };
     take(std::move(m_children));
     while (!families.empty()) {
         const std::unique_ptr<Children> family = std::move(families.back());
         families.pop_back();
-        forEachChild(family->slots, [&take](QOBBasicEntity& child) {
+        ForEachChild(family->slots, [&take](QOBBasicEntity& child) {
             take(std::move(child.m_children));
             child.orphanObject();
         });
-        release(family->slots);
+        Release(family->slots);
     }
 }

@@ -9,7 +9,7 @@
 
 namespace {
 
-std::string readableName(const std::type_info& type)
+std::string ReadableName(const std::type_info& type)
 {
 #if __has_include(<cxxabi.h>)
     int status = 0;
@@ -23,15 +23,14 @@ std::string readableName(const std::type_info& type)
 
 // The record is made from the type of a pointer to the class, so the name ends in a star; some
 // compilers put the word class in front.
-std::string plainName(const std::type_info& pointerType)
+std::string PlainName(const std::type_info& pointerType)
 {
-    std::string name = readableName(pointerType);
+    std::string name = ReadableName(pointerType);
     if (const auto end = name.find_last_not_of(" *"); end != std::string::npos)
         name.erase(end + 1);
-    for (const std::string_view prefix : {"class ", "struct "}) {
+    for (const std::string_view prefix : {"class ", "struct "})
         if (name.compare(0, prefix.size(), prefix) == 0)
             name.erase(0, prefix.size());
-    }
     return name;
 }
 
@@ -40,7 +39,7 @@ std::string plainName(const std::type_info& pointerType)
 QOBClassInfo::QOBClassInfo(const std::type_info& pointerType, std::uint64_t size,
                            QOBCreateFunction create, const QOBClassInfo* parent,
                            const QOBClassInfo* secondParent, QOBClassOperations operations)
-    : m_name(plainName(pointerType)),
+    : m_name(PlainName(pointerType)),
       m_size(size),
       m_create(create),
       m_parent(parent),

@@ -5,7 +5,7 @@
 namespace {
 
 // Messages of the object model are ASCII; anything else shows as a question mark in what().
-std::string narrow(const std::wstring& message)
+std::string Narrow(const std::wstring& message)
 {
     std::string text;
     text.reserve(message.size());
@@ -18,7 +18,7 @@ std::string narrow(const std::wstring& message)
 
 QOBException::QOBException(const wchar_t* message, const char* path, int line)
     : m_message(message != nullptr ? message : L""),
-      m_text(narrow(m_message)),
+      m_text(Narrow(m_message)),
       m_path(path != nullptr ? path : ""),
       m_line(line)
 {}

@@ -36,7 +36,8 @@ struct QOBNotificationAgent::Subscribers
 
     void dropRemoved()
     {
-        std::erase_if(subscriptions, [](const Subscription& s) { return s.removed; });
+        std::erase_if(
+            subscriptions, [](const Subscription& s) { return s.removed; });
     }
 };
 

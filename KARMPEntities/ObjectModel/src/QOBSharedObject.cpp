@@ -14,7 +14,7 @@ const QOBClassInfo s_QOBDynamicObjectInfo(typeid(QOBDynamicObject*), sizeof(QOBD
 using ObjectList = std::vector<const QOBCountedObject*>;
 
 // False, with nothing changed, when memory ends.
-bool append(ObjectList& list, const QOBCountedObject* object) noexcept
+bool Append(ObjectList& list, const QOBCountedObject* object) noexcept
 {
     try {
         list.push_back(object);
@@ -124,7 +124,7 @@ void QOBCountedObject::destroy(const QOBCountedObject* object) noexcept
     thread_local ObjectList* waiting = nullptr;
 
     object->m_count.store(DyingCount, std::memory_order_relaxed);
-    if (depth >= MaximumDepth && append(*waiting, object))
+    if (depth >= MaximumDepth && Append(*waiting, object))
         return;
     ++depth;
     if (depth == 1) {

@@ -4,7 +4,7 @@
 
 namespace {
 
-char lowered(char character)
+char Lowered(char character)
 {
     return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a')
                                                 : character;
@@ -21,5 +21,5 @@ bool operator==(const QOBUUID& left, const QOBUUID& right) noexcept
     if (&left == &right)
         return true;
     return std::equal(left.m_text.begin(), left.m_text.end(), right.m_text.begin(),
-                      right.m_text.end(), [](char a, char b) { return lowered(a) == lowered(b); });
+                      right.m_text.end(), [](char a, char b) { return Lowered(a) == Lowered(b); });
 }

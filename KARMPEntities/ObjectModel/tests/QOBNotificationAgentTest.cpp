@@ -21,7 +21,7 @@ public:
     Functor::Events lastEvents;
 };
 
-Functor::Events mask(std::size_t bit)
+Functor::Events Mask(std::size_t bit)
 {
     return Functor::Events().set(bit);
 }
@@ -30,13 +30,13 @@ TEST(NotificationAgent, TellsSubscribersOfTheEventsInTheirMask)
 {
     const auto item = makeItem();
     const QOBSharedHandle<Listener> listener(new Listener);
-    item->addSubscriber(Functor(*listener, &Listener::hear), mask(9));
+    item->addSubscriber(Functor(*listener, &Listener::hear), Mask(9));
     item->postEvent(8);
     EXPECT_EQ(listener->heard, 0);
     item->postEvent(9);
     EXPECT_EQ(listener->heard, 1);
     EXPECT_EQ(listener->lastSender, item.get());
-    EXPECT_EQ(listener->lastEvents, mask(9));
+    EXPECT_EQ(listener->lastEvents, Mask(9));
     EXPECT_EQ(item->getReferenceCount(), 1U);
 }
 
@@ -50,7 +50,7 @@ TEST(NotificationAgent, TellsNobodyWhenItWasMadeToBeSilent)
 {
     const QOBSharedHandle<Silent> silent(new Silent);
     const QOBSharedHandle<Listener> listener(new Listener);
-    silent->addSubscriber(Functor(*listener, &Listener::hear), mask(9));
+    silent->addSubscriber(Functor(*listener, &Listener::hear), Mask(9));
     silent->postEvent(9);
     EXPECT_EQ(listener->heard, 0);
 }
@@ -72,8 +72,8 @@ TEST(NotificationAgent, TellsAFunctorOnceForEachSubscription)
     const auto item = makeItem();
     const QOBSharedHandle<Listener> listener(new Listener);
     const Functor functor(*listener, &Listener::hear);
-    item->addSubscriber(functor, mask(9));
-    item->addSubscriber(functor, mask(9), -1);
+    item->addSubscriber(functor, Mask(9));
+    item->addSubscriber(functor, Mask(9), -1);
     item->postEvent(9);
     EXPECT_EQ(listener->heard, 2);
     item->removeSubscriber(functor);
@@ -91,7 +91,7 @@ TEST(NotificationAgent, NeverCallsASubscriberThatDied)
     const auto item = makeItem();
     {
         const QOBSharedHandle<Listener> listener(new Listener);
-        item->addSubscriber(Functor(*listener, &Listener::hear), mask(9));
+        item->addSubscriber(Functor(*listener, &Listener::hear), Mask(9));
         EXPECT_EQ(item->getSubscriberCount(), 1U);
     }
     EXPECT_EQ(item->getSubscriberCount(), 0U);
@@ -109,9 +109,9 @@ TEST(NotificationAgent, LetsHandlersSubscribeAndUnsubscribeMeanwhile)
     once = Functor(*owner, [&](Functor::Sender, Functor::Events) {
         ++first;
         item->removeSubscriber(once);
-        item->addSubscriber(added, mask(9));
+        item->addSubscriber(added, Mask(9));
     });
-    item->addSubscriber(once, mask(9));
+    item->addSubscriber(once, Mask(9));
     item->postEvent(9);
     EXPECT_EQ(first, 1);
     EXPECT_EQ(later, 0);
@@ -128,8 +128,8 @@ TEST(NotificationAgent, DoesNotCallASubscriberThatAnEarlierOneRemoved)
     item->addSubscriber(
         Functor(*listener,
                 [&](Functor::Sender, Functor::Events) { item->removeSubscriber(second); }),
-        mask(9));
-    item->addSubscriber(second, mask(9));
+        Mask(9));
+    item->addSubscriber(second, Mask(9));
     item->postEvent(9);
     EXPECT_EQ(listener->heard, 0);
 }
@@ -140,7 +140,7 @@ TEST(NotificationAgent, OutlivesAHandlerThatReleasesIt)
     auto item = makeItem();
     const QOBSharedHandle<Listener> listener(new Listener);
     item->addSubscriber(
-        Functor(*listener, [&item](Functor::Sender, Functor::Events) { item.detach(); }), mask(9));
+        Functor(*listener, [&item](Functor::Sender, Functor::Events) { item.detach(); }), Mask(9));
     item.get()->postEvent(9);
     EXPECT_FALSE(item);
     EXPECT_EQ(Item::s_living, before);
@@ -153,7 +153,7 @@ TEST(NotificationAgent, ForgetsARemovedSubscriberAlsoAfterAHandlerThrew)
     auto content = std::make_shared<int>(0);
     const std::weak_ptr<int> held = content;
     Functor throws(*listener, [content = std::move(content)](auto, auto) { throw *content; });
-    item->addSubscriber(throws, mask(9));
+    item->addSubscriber(throws, Mask(9));
     EXPECT_THROW(item->postEvent(9), int);
     item->removeSubscriber(throws);
     throws = Functor();
@@ -164,7 +164,7 @@ TEST(NotificationAgent, DropsItsSubscribersWhenOrphaned)
 {
     const auto item = makeItem();
     const QOBSharedHandle<Listener> listener(new Listener);
-    item->addSubscriber(Functor(*listener, &Listener::hear), mask(9));
+    item->addSubscriber(Functor(*listener, &Listener::hear), Mask(9));
     item->orphanObject();
     EXPECT_TRUE(item->isOrphaned());
     item->postEvent(9);

@@ -148,7 +148,7 @@ TEST(SharedHandle, EightThreadsCopyAndDropHandlesOnOneObject)
     EXPECT_EQ(Link::s_living, before);
 }
 
-QOBSharedHandle<Link> chainOf(int length)
+QOBSharedHandle<Link> ChainOf(int length)
 {
     QOBSharedHandle<Link> head;
     for (int i = 0; i < length; ++i) {
@@ -162,7 +162,7 @@ QOBSharedHandle<Link> chainOf(int length)
 TEST(SharedHandle, ALongChainIsFreedWithoutOverflowingTheStack)
 {
     const int before = Link::s_living;
-    chainOf(1'000'000).detach();
+    ChainOf(1'000'000).detach();
     EXPECT_EQ(Link::s_living, before);
 }
 
@@ -170,9 +170,9 @@ TEST(SharedHandle, ALongChainIsFreedWithoutOverflowingTheStack)
 TEST(SharedHandle, ALongChainMayBeHeldByAStaticHandle)
 {
     static QOBSharedHandle<Link> kept;
-    kept = chainOf(1000);
+    kept = ChainOf(1000);
     const int before = Link::s_living;
-    chainOf(1000).detach();
+    ChainOf(1000).detach();
     EXPECT_EQ(Link::s_living, before);
 }
 
@@ -181,7 +181,7 @@ TEST(SharedHandle, ALongChainIsFreedThoughMemoryEnds)
     if (!AllocationCounter::Counts)
         GTEST_SKIP() << "this build cannot let an allocation fail";
     const int before = Link::s_living;
-    QOBSharedHandle<Link> head = chainOf(1000);
+    QOBSharedHandle<Link> head = ChainOf(1000);
     AllocationCounter allocations;
     allocations.FailAllocation(1);
     head.detach();
@@ -251,7 +251,7 @@ private:
 };
 
 template <std::size_t Size>
-void makeAndFree()
+void MakeAndFree()
 {
     const int before = Link::s_living;
     EXPECT_THROW(new Sized<Size>(true), std::runtime_error);
@@ -268,10 +268,10 @@ void makeAndFree()
 
 TEST(DynamicObject, MayHaveAnySizeAndBeFreedInAnotherThread)
 {
-    makeAndFree<1>();
-    makeAndFree<100>();
-    makeAndFree<1'000>();
-    makeAndFree<10'000>();
+    MakeAndFree<1>();
+    MakeAndFree<100>();
+    MakeAndFree<1'000>();
+    MakeAndFree<10'000>();
 }
 
 TEST(DynamicObject, ComesFromAHeapThatIsSeldomAsked)
@@ -279,7 +279,7 @@ TEST(DynamicObject, ComesFromAHeapThatIsSeldomAsked)
     if (!AllocationCounter::Counts)
         GTEST_SKIP() << "this build cannot count allocations";
     const AllocationCounter allocations;
-    const QOBSharedHandle<Link> head = chainOf(1'000);
+    const QOBSharedHandle<Link> head = ChainOf(1'000);
     // A sanitizer wants to see each of them.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     EXPECT_EQ(allocations.Count(), 1'000U);

@@ -20,9 +20,8 @@ public:
     /// outside the list.
     KARIGMKObject* operator[](int position) const
     {
-        if (position < 0 || position > Size() || m_objects.empty()) {
+        if (position < 0 || position > Size() || m_objects.empty())
             return nullptr;
-        }
         return m_objects[static_cast<std::size_t>(position == 0 ? 0 : position - 1)];
     }
     /// Empties the list.

@@ -50,31 +50,24 @@ KARBodyFace ReadFace(GMKReader& reader)
     face.surface = reader.Reference<KARSurface>();
     face.reversed = reader.Flag();
     const std::size_t loops = reader.Count(LoopBytes);
-    for (std::size_t i = 0; i < loops && !reader.Failed(); ++i) {
+    for (std::size_t i = 0; i < loops && !reader.Failed(); ++i)
         face.loops.push_back(ReadLoop(reader));
-    }
     return face;
 }
 
 void FillBody(GMKReader& reader, KARBody& body)
 {
-    for (const KARMathPoint& vertex : reader.Points()) {
-        if (body.AddVertex(vertex) < 0) {
+    for (const KARMathPoint& vertex : reader.Points())
+        if (body.AddVertex(vertex) < 0)
             reader.Fail();
-        }
-    }
     const std::size_t edges = reader.Count(EdgeBytes);
-    for (std::size_t i = 0; i < edges && !reader.Failed(); ++i) {
-        if (body.AddEdge(ReadEdge(reader)) < 0) {
+    for (std::size_t i = 0; i < edges && !reader.Failed(); ++i)
+        if (body.AddEdge(ReadEdge(reader)) < 0)
             reader.Fail();
-        }
-    }
     const std::size_t faces = reader.Count(FaceBytes);
-    for (std::size_t i = 0; i < faces && !reader.Failed(); ++i) {
-        if (body.AddFace(ReadFace(reader)) < 0) {
+    for (std::size_t i = 0; i < faces && !reader.Failed(); ++i)
+        if (body.AddFace(ReadFace(reader)) < 0)
             reader.Fail();
-        }
-    }
 }
 
 } // namespace
@@ -96,9 +89,8 @@ bool KARBody::Store(GMKWriter& writer) const
         writer.Reference(face.surface);
         writer.Flag(face.reversed);
         writer.Count(face.loops.size());
-        for (const KARLoop& loop : face.loops) {
+        for (const KARLoop& loop : face.loops)
             WriteLoop(writer, loop);
-        }
     }
     return true;
 }

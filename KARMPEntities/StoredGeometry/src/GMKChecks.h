@@ -30,7 +30,8 @@ inline bool IsFinite(const KARMathPoint& p)
 template <typename T>
 bool AllFinite(const std::vector<T>& values)
 {
-    return std::all_of(values.begin(), values.end(), [](const T& v) { return IsFinite(v); });
+    return std::all_of(
+        values.begin(), values.end(), [](const T& v) { return IsFinite(v); });
 }
 
 inline bool IsRange(double low, double high)

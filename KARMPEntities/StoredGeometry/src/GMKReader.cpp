@@ -37,9 +37,8 @@ RecordReader ReaderOf(std::uint8_t kind)
 
 GMKReader::~GMKReader()
 {
-    for (KARIGMKObject* object : m_objects) {
+    for (KARIGMKObject* object : m_objects)
         object->Release();
-    }
 }
 
 void GMKReader::Object()
@@ -70,18 +69,16 @@ void GMKReader::Object()
 bool GMKReader::Flag()
 {
     std::uint8_t value = 0;
-    if (!m_stream.ReadByte(value) || value > 1) {
+    if (!m_stream.ReadByte(value) || value > 1)
         Fail();
-    }
     return value == 1;
 }
 
 int GMKReader::Integer()
 {
     std::int32_t value = 0;
-    if (!m_stream.ReadInt32(value)) {
+    if (!m_stream.ReadInt32(value))
         Fail();
-    }
     return value;
 }
 
@@ -98,18 +95,16 @@ std::size_t GMKReader::Count(std::size_t bytesPerItem)
 double GMKReader::Real()
 {
     double value = 0.0;
-    if (!m_stream.ReadDouble(value)) {
+    if (!m_stream.ReadDouble(value))
         Fail();
-    }
     return value;
 }
 
 std::vector<double> GMKReader::Reals()
 {
     std::vector<double> values(Count(sizeof(double)));
-    for (double& value : values) {
+    for (double& value : values)
         value = Real();
-    }
     return values;
 }
 
@@ -124,9 +119,8 @@ KARMathVector GMKReader::Vector()
 std::vector<KARMathPoint> GMKReader::Points()
 {
     std::vector<KARMathPoint> points(Count(3 * sizeof(double)));
-    for (KARMathPoint& point : points) {
+    for (KARMathPoint& point : points)
         point = Point();
-    }
     return points;
 }
 

@@ -46,9 +46,8 @@ public:
     T* Reference()
     {
         T* object = KARSysDynamicCast<T>(AnyReference());
-        if (object == nullptr) {
+        if (object == nullptr)
             Fail();
-        }
         return object;
     }
     void Fail() { m_failed = true; }

@@ -26,20 +26,16 @@ WeightedPoint WeightedPole(const std::vector<KARMathPoint>& poles,
 
 bool IsBasis(int degree, const std::vector<double>& knots)
 {
-    if (degree < 1 || degree > KARNurbsCurve::MaximumDegree) {
+    if (degree < 1 || degree > KARNurbsCurve::MaximumDegree)
         return false;
-    }
     const auto order = static_cast<std::size_t>(degree) + 1;
     if (knots.size() < 2 * order || !AllFinite(knots) ||
-        !std::is_sorted(knots.begin(), knots.end())) {
+        !std::is_sorted(knots.begin(), knots.end()))
         return false;
-    }
     // A knot that stands more often than the order would divide 0 by 0.
-    for (std::size_t i = 0; i + order < knots.size(); ++i) {
-        if (!(knots[i] < knots[i + order])) {
+    for (std::size_t i = 0; i + order < knots.size(); ++i)
+        if (!(knots[i] < knots[i + order]))
             return false;
-        }
-    }
     return knots[order - 1] < knots[knots.size() - order];
 }
 
@@ -48,7 +44,8 @@ bool ArePoles(std::size_t count, const std::vector<KARMathPoint>& poles,
 {
     return poles.size() == count && AllFinite(poles) &&
            (weights.empty() || weights.size() == count) && AllFinite(weights) &&
-           std::all_of(weights.begin(), weights.end(), [](double w) { return w > 0.0; });
+           std::all_of(
+               weights.begin(), weights.end(), [](double w) { return w > 0.0; });
 }
 
 SplinePlace FindPlace(int degree, const std::vector<double>& knots, double parameter)

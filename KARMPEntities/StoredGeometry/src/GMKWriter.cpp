@@ -15,9 +15,8 @@ void GMKWriter::Reference(const KARIGMKObject* object)
 void GMKWriter::Reals(const std::vector<double>& values)
 {
     Count(values.size());
-    for (const double value : values) {
+    for (const double value : values)
         Real(value);
-    }
 }
 
 void GMKWriter::Vector(const KARMathVector& v)
@@ -30,9 +29,8 @@ void GMKWriter::Vector(const KARMathVector& v)
 void GMKWriter::Points(const std::vector<KARMathPoint>& points)
 {
     Count(points.size());
-    for (const KARMathPoint& point : points) {
+    for (const KARMathPoint& point : points)
         Point(point);
-    }
 }
 
 void GMKWriter::Limits(const KARSurLimits& limits)

@@ -15,12 +15,10 @@ KARBody::KARBody() = default;
 
 KARBody::~KARBody()
 {
-    for (const KARBodyEdge& edge : m_edges) {
+    for (const KARBodyEdge& edge : m_edges)
         edge.curve->Release();
-    }
-    for (const KARBodyFace& face : m_faces) {
+    for (const KARBodyFace& face : m_faces)
         face.surface->Release();
-    }
 }
 
 KARBody* KARBody::Create()
@@ -30,9 +28,8 @@ KARBody* KARBody::Create()
 
 int KARBody::AddVertex(const KARMathPoint& point)
 {
-    if (!kar::IsFinite(point)) {
+    if (!kar::IsFinite(point))
         return -1;
-    }
     m_vertices.push_back(point);
     return static_cast<int>(m_vertices.size()) - 1;
 }
@@ -40,9 +37,8 @@ int KARBody::AddVertex(const KARMathPoint& point)
 int KARBody::AddEdge(const KARBodyEdge& edge)
 {
     if (edge.curve == nullptr || !kar::IsRange(edge.low, edge.high) ||
-        !IsIndex(edge.start, m_vertices.size()) || !IsIndex(edge.end, m_vertices.size())) {
+        !IsIndex(edge.start, m_vertices.size()) || !IsIndex(edge.end, m_vertices.size()))
         return -1;
-    }
     m_edges.push_back(edge);
     edge.curve->AddRef();
     return static_cast<int>(m_edges.size()) - 1;
@@ -50,14 +46,11 @@ int KARBody::AddEdge(const KARBodyEdge& edge)
 
 int KARBody::AddFace(const KARBodyFace& face)
 {
-    if (face.surface == nullptr) {
+    if (face.surface == nullptr)
         return -1;
-    }
-    for (const KARLoop& loop : face.loops) {
-        if (!IsLoop(loop)) {
+    for (const KARLoop& loop : face.loops)
+        if (!IsLoop(loop))
             return -1;
-        }
-    }
     m_faces.push_back(face);
     face.surface->AddRef();
     return static_cast<int>(m_faces.size()) - 1;
@@ -65,23 +58,18 @@ int KARBody::AddFace(const KARBodyFace& face)
 
 bool KARBody::IsLoop(const KARLoop& loop) const
 {
-    if (loop.empty()) {
+    if (loop.empty())
         return false;
-    }
-    for (const KAROrientedEdge& oriented : loop) {
-        if (!IsIndex(oriented.edge, m_edges.size())) {
+    for (const KAROrientedEdge& oriented : loop)
+        if (!IsIndex(oriented.edge, m_edges.size()))
             return false;
-        }
-    }
     const auto end = [this](const KAROrientedEdge& oriented, bool last) {
         const KARBodyEdge& edge = m_edges[static_cast<std::size_t>(oriented.edge)];
         return oriented.reversed == last ? edge.start : edge.end;
     };
-    for (std::size_t i = 0; i < loop.size(); ++i) {
-        if (end(loop[i], true) != end(loop[(i + 1) % loop.size()], false)) {
+    for (std::size_t i = 0; i < loop.size(); ++i)
+        if (end(loop[i], true) != end(loop[(i + 1) % loop.size()], false))
             return false;
-        }
-    }
     return true;
 }
 
@@ -98,20 +86,16 @@ bool KARBody::IsClosed() const
             }
         }
     }
-    for (std::size_t i = 0; i < m_edges.size(); ++i) {
-        if (forward[i] != 1 || backward[i] != 1) {
+    for (std::size_t i = 0; i < m_edges.size(); ++i)
+        if (forward[i] != 1 || backward[i] != 1)
             return false;
-        }
-    }
     return !m_faces.empty();
 }
 
 void KARBody::GetReferences(std::vector<const KARIGMKObject*>& references) const
 {
-    for (const KARBodyEdge& edge : m_edges) {
+    for (const KARBodyEdge& edge : m_edges)
         references.push_back(edge.curve);
-    }
-    for (const KARBodyFace& face : m_faces) {
+    for (const KARBodyFace& face : m_faces)
         references.push_back(face.surface);
-    }
 }

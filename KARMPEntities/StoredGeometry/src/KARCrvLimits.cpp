@@ -27,9 +27,8 @@ void KARCrvLimits::GetExtremities(KARCrvParam& low, KARCrvParam& high) const
 void* KARCrvLimits::operator new(std::size_t size)
 {
     void* memory = std::malloc(size);
-    if (memory == nullptr) {
+    if (memory == nullptr)
         throw std::bad_alloc();
-    }
     return memory;
 }
 

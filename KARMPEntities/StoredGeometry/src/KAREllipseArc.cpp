@@ -32,9 +32,8 @@ KAREllipseArc* KAREllipseArc::Create(const KARMathPoint& center, const KARMathVe
                                      const KARMathVector& second, double firstRadius,
                                      double secondRadius, double low, double high)
 {
-    if (!Accepts(center, first, second, firstRadius, secondRadius, low, high)) {
+    if (!Accepts(center, first, second, firstRadius, secondRadius, low, high))
         return nullptr;
-    }
     return new KAREllipseArc(center, first, second, firstRadius, secondRadius, low, high);
 }
 
@@ -42,9 +41,8 @@ KARCircleArc* KARCircleArc::Create(const KARMathPoint& center, const KARMathVect
                                    const KARMathVector& second, double radius, double low,
                                    double high)
 {
-    if (!Accepts(center, first, second, radius, radius, low, high)) {
+    if (!Accepts(center, first, second, radius, radius, low, high))
         return nullptr;
-    }
     return new KARCircleArc(center, first, second, radius, radius, low, high);
 }
 

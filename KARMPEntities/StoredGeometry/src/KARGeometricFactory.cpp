@@ -4,9 +4,8 @@ KARGeometricFactory::KARGeometricFactory() = default;
 
 KARGeometricFactory::~KARGeometricFactory()
 {
-    for (KARIGMKObject* object : m_objects) {
+    for (KARIGMKObject* object : m_objects)
         object->Release();
-    }
 }
 
 KARGeometricFactory* KARGeometricFactory::Create()
@@ -16,9 +15,8 @@ KARGeometricFactory* KARGeometricFactory::Create()
 
 void KARGeometricFactory::Adopt(KARIGMKObject* object)
 {
-    if (object == nullptr) {
+    if (object == nullptr)
         return;
-    }
     try {
         m_objects.push_back(object);
     } catch (...) {

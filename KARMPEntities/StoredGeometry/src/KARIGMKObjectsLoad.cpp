@@ -27,16 +27,13 @@ std::vector<KARIGMKObject*> ReadPayload(KARMathStream& stream, GMKReader& reader
     const std::size_t count = reader.Count(kar::SmallestRecord);
     const std::size_t listed = reader.Count(sizeof(std::uint32_t));
     reader.Reserve(count);
-    for (std::size_t i = 0; i < count && !reader.Failed(); ++i) {
+    for (std::size_t i = 0; i < count && !reader.Failed(); ++i)
         reader.Object();
-    }
     std::vector<KARIGMKObject*> roots;
-    for (std::size_t i = 0; i < listed && !reader.Failed(); ++i) {
+    for (std::size_t i = 0; i < listed && !reader.Failed(); ++i)
         roots.push_back(reader.Reference<KARIGMKObject>());
-    }
-    if (reader.Failed() || stream.GetRemaining() != 0) {
+    if (reader.Failed() || stream.GetRemaining() != 0)
         roots.clear();
-    }
     return roots;
 }
 
@@ -47,16 +44,14 @@ KARStatus HandOver(GMKReader& reader, const std::vector<KARIGMKObject*>& roots,
     KARGeometricFactory* target = factory != nullptr ? factory : KARGeometricFactory::Create();
     try {
         KARListPtrKARIGMKObject listed = objects;
-        for (KARIGMKObject* root : roots) {
+        for (KARIGMKObject* root : roots)
             listed.Append(root);
-        }
         target->Adopt(reader.Objects());
         reader.Detach();
         objects = std::move(listed);
     } catch (...) {
-        if (factory == nullptr) {
+        if (factory == nullptr)
             target->Release();
-        }
         throw;
     }
     factory = target;
@@ -68,14 +63,12 @@ KARStatus HandOver(GMKReader& reader, const std::vector<KARIGMKObject*>& roots,
 KARStatus KARIGMKObjectsLoad::Load(KARGeometricFactory*& factory, KARListPtrKARIGMKObject& objects,
                                    int mode)
 try {
-    if (mode != 0 || !ReadHeader(m_stream)) {
+    if (mode != 0 || !ReadHeader(m_stream))
         return KARFailure;
-    }
     GMKReader reader(m_stream);
     const std::vector<KARIGMKObject*> roots = ReadPayload(m_stream, reader);
-    if (roots.empty()) {
+    if (roots.empty())
         return KARFailure;
-    }
     return HandOver(reader, roots, factory, objects);
 } catch (const std::bad_alloc&) {
     return KAROutOfMemory;

@@ -22,9 +22,8 @@ public:
         while (!open.empty()) {
             const Visit visit = open.back();
             open.pop_back();
-            if (m_indices.contains(visit.object)) {
+            if (m_indices.contains(visit.object))
                 continue;
-            }
             if (visit.referencesDone) {
                 m_indices.emplace(visit.object, static_cast<std::uint32_t>(m_objects.size()));
                 m_objects.push_back(visit.object);
@@ -32,15 +31,13 @@ public:
             }
             // No class with a stored form refers to itself in a circle; another one that does must
             // not keep this walk going.
-            if (!m_opened.insert(visit.object).second) {
+            if (!m_opened.insert(visit.object).second)
                 continue;
-            }
             open.push_back({visit.object, true});
             std::vector<const KARIGMKObject*> references;
             visit.object->GetReferences(references);
-            for (auto it = references.rbegin(); it != references.rend(); ++it) {
+            for (auto it = references.rbegin(); it != references.rend(); ++it)
                 open.push_back({*it, false});
-            }
         }
     }
 
@@ -65,14 +62,11 @@ bool WritePayload(KARMathStream& payload, const KARListPtrKARIGMKObject& list,
     GMKWriter writer(payload, order.Indices());
     writer.Count(order.Objects().size());
     writer.Count(static_cast<std::size_t>(list.Size()));
-    for (const KARIGMKObject* object : order.Objects()) {
-        if (!object->Store(writer)) {
+    for (const KARIGMKObject* object : order.Objects())
+        if (!object->Store(writer))
             return false;
-        }
-    }
-    for (int i = 1; i <= list.Size(); ++i) {
+    for (int i = 1; i <= list.Size(); ++i)
         writer.Reference(list[i]);
-    }
     return !writer.Failed();
 }
 
@@ -83,25 +77,21 @@ KARStatus KARIGMKObjectsSave::Save(const KARListPtrKARIGMKObject& objects,
 try {
     RecordOrder order;
     for (int i = 1; i <= objects.Size(); ++i) {
-        if (objects[i] == nullptr) {
+        if (objects[i] == nullptr)
             return KARFailure;
-        }
         order.Add(objects[i]);
     }
     KARMathStream payload;
-    if (objects.Size() == 0 || !WritePayload(payload, objects, order)) {
+    if (objects.Size() == 0 || !WritePayload(payload, objects, order))
         return KARFailure;
-    }
     m_stream.WriteUInt32(BlockMark);
     m_stream.WriteUInt32(BlockVersion);
     m_stream.WriteUInt64(payload.GetLength());
     m_stream.WriteUInt32(kar::Checksum(payload.GetBytes()));
     m_stream.WriteBytes(payload.GetBytes());
-    if (saved != nullptr) {
-        for (const KARIGMKObject* object : order.Objects()) {
+    if (saved != nullptr)
+        for (const KARIGMKObject* object : order.Objects())
             saved->Append(const_cast<KARIGMKObject*>(object));
-        }
-    }
     return KARSuccess;
 } catch (const std::bad_alloc&) {
     return KAROutOfMemory;

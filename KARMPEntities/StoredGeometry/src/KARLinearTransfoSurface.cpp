@@ -35,9 +35,8 @@ KARLinearTransfoSurface* KARLinearTransfoSurface::Create(
     KARSurface* surface, const KARMathTransformation& transformation)
 {
     // The depth is bounded because evaluation and release go down from surface to surface.
-    if (surface == nullptr || surface->GetDepth() >= MaximumDepth || !IsUsable(transformation)) {
+    if (surface == nullptr || surface->GetDepth() >= MaximumDepth || !IsUsable(transformation))
         return nullptr;
-    }
     return new KARLinearTransfoSurface(surface, transformation);
 }
 

@@ -19,9 +19,8 @@ KARNurbsCurve* KARNurbsCurve::Create(int degree, std::vector<double> knots,
                                      std::vector<KARMathPoint> poles, std::vector<double> weights)
 {
     if (!kar::IsBasis(degree, knots) ||
-        !kar::ArePoles(knots.size() - static_cast<std::size_t>(degree) - 1, poles, weights)) {
+        !kar::ArePoles(knots.size() - static_cast<std::size_t>(degree) - 1, poles, weights))
         return nullptr;
-    }
     return new KARNurbsCurve(degree, std::move(knots), std::move(poles), std::move(weights));
 }
 
@@ -43,9 +42,8 @@ void KARNurbsCurve::Evaluate(double parameter, KARMathPoint& point, KARMathVecto
     const kar::SplinePlace place = kar::FindPlace(m_degree, m_knots, parameter);
     const auto degree = static_cast<std::size_t>(m_degree);
     std::array<kar::WeightedPoint, MaximumDegree + 1> poles;
-    for (std::size_t i = 0; i <= degree; ++i) {
+    for (std::size_t i = 0; i <= degree; ++i)
         poles[i] = kar::WeightedPole(m_poles, m_weights, place.span - degree + i);
-    }
     kar::WeightedPoint value;
     kar::WeightedPoint derivative;
     kar::DeBoor(m_degree, m_knots, place, poles.data(), value, derivative);

@@ -29,9 +29,8 @@ KARNurbsSurface* KARNurbsSurface::Create(KARSplineBasis u, KARSplineBasis v,
                                          std::vector<double> weights)
 {
     if (!kar::IsBasis(u.degree, u.knots) || !kar::IsBasis(v.degree, v.knots) ||
-        !kar::ArePoles(PoleCount(u) * PoleCount(v), poles, weights)) {
+        !kar::ArePoles(PoleCount(u) * PoleCount(v), poles, weights))
         return nullptr;
-    }
     return new KARNurbsSurface(std::move(u), std::move(v), std::move(poles), std::move(weights));
 }
 
@@ -56,9 +55,8 @@ void KARNurbsSurface::Evaluate(double u, double v, KARMathPoint& point, KARMathV
     for (std::size_t i = 0; i <= degreeU; ++i) {
         PoleRow row;
         const std::size_t start = (placeU.span - degreeU + i) * rowLength + placeV.span - degreeV;
-        for (std::size_t j = 0; j <= degreeV; ++j) {
+        for (std::size_t j = 0; j <= degreeV; ++j)
             row[j] = kar::WeightedPole(m_poles, m_weights, start + j);
-        }
         kar::DeBoor(m_v.degree, m_v.knots, placeV, row.data(), values[i], derivatives[i]);
     }
     kar::WeightedPoint value;

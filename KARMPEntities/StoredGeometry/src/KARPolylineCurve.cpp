@@ -12,9 +12,8 @@ KARPolylineCurve::~KARPolylineCurve() = default;
 
 KARPolylineCurve* KARPolylineCurve::Create(std::vector<KARMathPoint> points)
 {
-    if (points.size() < 2 || !kar::AllFinite(points)) {
+    if (points.size() < 2 || !kar::AllFinite(points))
         return nullptr;
-    }
     return new KARPolylineCurve(std::move(points));
 }
 
@@ -28,9 +27,8 @@ std::size_t KARPolylineCurve::SegmentAt(double parameter) const
 {
     const std::size_t last = m_points.size() - 2;
     // Written so that a parameter that is not a number lands on the first segment.
-    if (!(parameter > 0.0)) {
+    if (!(parameter > 0.0))
         return 0;
-    }
     return parameter >= static_cast<double>(last) ? last : static_cast<std::size_t>(parameter);
 }
 

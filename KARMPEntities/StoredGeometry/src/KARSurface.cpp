@@ -24,9 +24,8 @@ bool KARSurface::EvalNormal(double u, double v, KARMathVector& normal) const
     KARMathVector alongV;
     Evaluate(u, v, point, alongU, alongV);
     KARMathVector cross = alongU.Cross(alongV);
-    if (!cross.Normalize()) {
+    if (!cross.Normalize())
         return false;
-    }
     normal = cross;
     return true;
 }

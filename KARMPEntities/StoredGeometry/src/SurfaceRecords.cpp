@@ -85,9 +85,8 @@ bool KARLinearTransfoSurface::Store(GMKWriter& writer) const
     writer.Reference(m_surface);
     double coefficients[12];
     m_transformation.GetCoef(coefficients);
-    for (const double coefficient : coefficients) {
+    for (const double coefficient : coefficients)
         writer.Real(coefficient);
-    }
     return true;
 }
 
@@ -95,9 +94,8 @@ KARIGMKObject* kar::ReadLinearTransfoSurface(GMKReader& reader)
 {
     auto* surface = reader.Reference<KARSurface>();
     double coefficients[12];
-    for (double& coefficient : coefficients) {
+    for (double& coefficient : coefficients)
         coefficient = reader.Real();
-    }
     KARMathTransformation transformation;
     transformation.SetCoef(coefficients);
     return reader.Failed() ? nullptr : KARLinearTransfoSurface::Create(surface, transformation);

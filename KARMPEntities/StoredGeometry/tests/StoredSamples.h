@@ -141,9 +141,8 @@ inline KARListPtrKARIGMKObject ListOf(KARBaseUnknown* object)
 inline ByteVector Save(const KARListPtrKARIGMKObject& list)
 {
     KARGMKStream stream(0, KARGMKStream::ObjectStream, 0, nullptr);
-    if (KARIGMKObjectsSave(stream).Save(list, nullptr) != KARSuccess) {
+    if (KARIGMKObjectsSave(stream).Save(list, nullptr) != KARSuccess)
         return {};
-    }
     ByteVector bytes(stream.GetLength());
     std::size_t copied = 0;
     stream.GetMemoryCopy(bytes.data(), bytes.size(), copied);

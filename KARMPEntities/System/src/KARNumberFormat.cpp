@@ -61,10 +61,9 @@ std::string_view SignOf(const NumberFormat& format, bool negative)
 
 void MakeUpperCase(std::string& text)
 {
-    for (char& character : text) {
+    for (char& character : text)
         if (character >= 'a' && character <= 'z')
             character = static_cast<char>(character - 'a' + 'A');
-    }
 }
 
 // Puts prefix and digits into the width and between the texts.

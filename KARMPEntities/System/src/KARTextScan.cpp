@@ -68,10 +68,9 @@ public:
     }
     bool TakeWord(std::string_view word)
     {
-        for (std::size_t i = 0; i < word.size(); ++i) {
+        for (std::size_t i = 0; i < word.size(); ++i)
             if (Peek(i) != word[i])
                 return false;
-        }
         Skip(word.size());
         return true;
     }

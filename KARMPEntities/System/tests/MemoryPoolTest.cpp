@@ -63,8 +63,9 @@ private:
 
     static bool IsWhole(const Piece& piece)
     {
-        return std::all_of(piece.memory, piece.memory + piece.bytes,
-                           [&piece](std::byte byte) { return byte == piece.fill; });
+        return std::all_of(
+            piece.memory, piece.memory + piece.bytes,
+            [&piece](std::byte byte) { return byte == piece.fill; });
     }
 
     MemoryPool& m_pool;

@@ -21,9 +21,8 @@ std::string TextOf(const KARMPDocumentWriter& root)
 {
     std::string text;
     const Diagnostics diagnostics = root.RenderXml(text);
-    for (const Diagnostic& item : diagnostics.items) {
+    for (const Diagnostic& item : diagnostics.items)
         ADD_FAILURE() << Format(item);
-    }
     return text;
 }
 
@@ -31,9 +30,8 @@ std::string TextOf(const KARMPDocumentWriter& root)
 Document Parsed(const std::string& text)
 {
     Document document = Document::ReadText(text);
-    for (const Diagnostic& item : document.Messages().items) {
+    for (const Diagnostic& item : document.Messages().items)
         ADD_FAILURE() << Format(item);
-    }
     return document;
 }
 
@@ -124,17 +122,15 @@ TEST(DocumentTree, EveryTextComesBackAsItWas)
         L"\x2028\xFEFF\xFFFD",
         L"\xFFFE\xFFFF",
     };
-    for (const std::wstring& text : texts) {
+    for (const std::wstring& text : texts)
         ExpectTextComesBack(text);
-    }
 }
 
 TEST(DocumentTree, OnlyWhatXmlNeedsIsEscaped)
 {
     KARMPDocumentWriter root;
-    for (const wchar_t* text : {L"a b~", L"a ", L" a", L"a>b", L"a<b", L"a&b", L"a\"b", L"a\\b"}) {
+    for (const wchar_t* text : {L"a b~", L"a ", L" a", L"a>b", L"a<b", L"a&b", L"a\"b", L"a\\b"})
         Add(root, L"T", text)->AddAttribute(L"t", text);
-    }
     EXPECT_EQ(TextOf(root), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
                             "<KARMPDocument version=\"R2018.1\">\n"
                             " <T t=\"a b~\">a b~</T>\n"
@@ -311,9 +307,8 @@ TEST(DocumentTree, ManyLevelsTakeNoStack)
     constexpr int depth = 9'000;
     KARMPDocumentWriter root;
     KARMPSerializer* node = &root;
-    for (int level = 0; level < depth; ++level) {
+    for (int level = 0; level < depth; ++level)
         node = Add(*node, L"A");
-    }
     const std::string text = TextOf(root);
     EXPECT_LT(text.size(), 2'200'000U);
     const Document document = Parsed(text);
@@ -337,9 +332,8 @@ TEST(DocumentTree, EveryLevelIsClosedByItsOwnName)
     };
     KARMPDocumentWriter root;
     KARMPSerializer* node = &root;
-    for (int level = 0; level < depth; ++level) {
+    for (int level = 0; level < depth; ++level)
         node = Add(*node, nameOf(level));
-    }
     const Document document = Parsed(TextOf(root));
     const KARMPDeserializer* walk = document.Root();
     for (int level = 0; level < depth; ++level) {
@@ -412,9 +406,8 @@ TEST(DocumentTree, AnAttributeThatStandsTwiceIsNotWritten)
         KARMPDocumentWriter root;
         KARMPSerializer* const node = Add(root, L"A");
         node->AddAttribute(L"twice", 1);
-        for (int other = 0; other < others; ++other) {
+        for (int other = 0; other < others; ++other)
             node->AddAttribute(L"a" + std::to_wstring(other), other);
-        }
         std::string text;
         EXPECT_FALSE(root.RenderXml(text).HasErrors());
         node->AddAttribute(L"twice", 2);

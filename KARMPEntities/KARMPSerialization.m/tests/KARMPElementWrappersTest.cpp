@@ -36,7 +36,7 @@ TEST_F(Wrappers, WriterReportsAtItsCaller)
     const ElementWriter element(static_cast<KARMPSerializer*>(nullptr));
     ASSERT_EQ(UnclaimedReports().size(), 1U);
     EXPECT_NE(
-        UnclaimedReports().front().find("KARMPElementWrappersTests.cpp:" + std::to_string(line)),
+        UnclaimedReports().front().find("KARMPElementWrappersTest.cpp:" + std::to_string(line)),
         std::string::npos);
     ExpectReports(1);
 }

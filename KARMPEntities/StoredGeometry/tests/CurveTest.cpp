@@ -87,9 +87,8 @@ TEST(StoredCurve, PolylineGoesThroughItsPointsAndStaysAtItsEnds)
 {
     const FactoryPointer factory = NewFactory();
     const KARPolylineCurve* polyline = Polyline(*factory);
-    for (std::size_t i = 0; i < polyline->GetPoints().size(); ++i) {
+    for (std::size_t i = 0; i < polyline->GetPoints().size(); ++i)
         EXPECT_EQ(polyline->EvalPoint(static_cast<double>(i)), polyline->GetPoints()[i]);
-    }
     ExpectPoint(*polyline, 1.5, {2, 1.5, 0});
     ExpectTangent(*polyline, 1.5, {0, 3, 0});
     EXPECT_EQ(polyline->EvalPoint(-5.0), KARMathPoint(0, 0, 0));
@@ -222,9 +221,8 @@ TEST(StoredCurve, SplineOfTheHighestDegreeIsEvaluated)
     std::vector<double> knots(Order, 0.0);
     knots.resize(2 * Order, 1.0);
     std::vector<KARMathPoint> poles;
-    for (std::size_t i = 0; i < Order; ++i) {
+    for (std::size_t i = 0; i < Order; ++i)
         poles.emplace_back(static_cast<double>(i), 0, 0);
-    }
     const FactoryPointer factory = NewFactory();
     const auto* spline = factory->Make<KARNurbsCurve>(KARNurbsCurve::MaximumDegree, knots, poles);
     ASSERT_NE(spline, nullptr);

@@ -22,9 +22,8 @@ TEST(RepeatedNames, TellNamesOfEveryLengthApart)
     for (std::size_t length = 0; length < 24; ++length) {
         for (std::size_t place = 0; place <= length; ++place) {
             std::string name(length, 'a');
-            if (place < length) {
+            if (place < length)
                 name[place] = 'b';
-            }
             expected.push_back(name);
         }
     }
@@ -53,9 +52,8 @@ TEST(RepeatedNames, ManyNamesPushEachOtherOutAndAreFoundAllTheSame)
     RepeatedNames repeated(names, memory, 1000);
     std::vector<std::string> texts;
     texts.reserve(3000);
-    for (int number = 0; number < 3000; ++number) {
+    for (int number = 0; number < 3000; ++number)
         texts.push_back("name" + std::to_string(number));
-    }
     for (int time = 0; time < 2; ++time) {
         for (const std::string& text : texts) {
             const auto name = repeated.Get(text.c_str(), text.c_str() + text.size() + 1);
@@ -87,9 +85,8 @@ TEST(RepeatedNames, ARepeatedNameIsKeptOnce)
     karmp::NodeMemory memory;
     RepeatedNames repeated(names, memory, 1000);
     const std::string bytes = "Translation";
-    for (int time = 0; time < 100; ++time) {
+    for (int time = 0; time < 100; ++time)
         repeated.Get(bytes.c_str(), bytes.c_str() + bytes.size() + 1);
-    }
     EXPECT_EQ(names.size(), 1U);
 }
 

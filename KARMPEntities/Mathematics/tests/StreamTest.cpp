@@ -111,9 +111,8 @@ TEST(MathStream, DamagedHeaderIsRefused)
         EXPECT_EQ(KARMathStream(damaged.data(), damaged.size()).OpenReadStreamHeader(1),
                   KARFailure);
     }
-    for (std::size_t length = 0; length < whole.size(); ++length) {
+    for (std::size_t length = 0; length < whole.size(); ++length)
         EXPECT_EQ(KARMathStream(whole.data(), length).OpenReadStreamHeader(1), KARFailure);
-    }
 }
 
 TEST(MathStream, ClosingWithoutAnOpenedHeaderFails)
@@ -121,9 +120,8 @@ TEST(MathStream, ClosingWithoutAnOpenedHeaderFails)
     KARMathStream stream;
     EXPECT_EQ(stream.CloseWriteStreamHeader(0, 1), KARFailure);
     EXPECT_EQ(stream.CloseWriteStreamHeader(5, 1), KARFailure);
-    for (int i = 0; i < 8; ++i) {
+    for (int i = 0; i < 8; ++i)
         stream.WriteUInt32(0);
-    }
     const std::vector<std::uint8_t> before = Bytes(stream);
     EXPECT_EQ(stream.CloseWriteStreamHeader(0, 1), KARFailure);
     EXPECT_EQ(Bytes(stream), before);

@@ -26,7 +26,7 @@ struct Outcome
     std::string output; // both streams
 };
 
-std::string readFile(const std::string& path)
+std::string ReadFile(const std::string& path)
 {
     std::ostringstream text;
     text << std::ifstream(path, std::ios::binary).rdbuf();
@@ -40,9 +40,9 @@ constexpr const char* Values = R"(  <Values>
 )";
 
 /// A slider-crank with two values besides.
-std::string cleanDocument()
+std::string CleanDocument()
 {
-    std::string text = readFile(KARMP_EXAMPLE_DOCUMENTS "/slider-crank.xml");
+    std::string text = ReadFile(KARMP_EXAMPLE_DOCUMENTS "/slider-crank.xml");
     const auto end = text.find(" </World>");
     return end == std::string::npos ? std::string() : text.insert(end, Values);
 }
@@ -84,7 +84,7 @@ private:
                         ("karmp-tool-test-" + std::to_string(static_cast<long>(::getpid())));
 };
 
-void expectContains(const std::string& text, const std::string& part)
+void ExpectContains(const std::string& text, const std::string& part)
 {
     EXPECT_NE(text.find(part), std::string::npos) << part << "\nis not in\n" << text;
 }
@@ -94,11 +94,11 @@ TEST_F(Tool, HelpsOnItselfAndOnEachCommandWithAnExample)
     const Outcome all = Run("--help");
     EXPECT_EQ(all.code, 0);
     for (const std::string command : {"info", "tree", "check", "convert", "graph"}) {
-        expectContains(all.output, command);
+        ExpectContains(all.output, command);
         const Outcome help = Run(command + " --help");
         EXPECT_EQ(help.code, 0);
-        expectContains(help.output, "Example:\n  karmp " + command);
-        expectContains(help.output, "Exit code");
+        ExpectContains(help.output, "Example:\n  karmp " + command);
+        ExpectContains(help.output, "Exit code");
     }
 }
 
@@ -111,15 +111,15 @@ TEST_F(Tool, RefusesAnUnknownCommandAndMissingArguments)
 
 TEST_F(Tool, FindsNothingInACleanDocument)
 {
-    const std::string file = Write("clean.xml", cleanDocument());
+    const std::string file = Write("clean.xml", CleanDocument());
     const Outcome check = Run("check " + file);
     EXPECT_EQ(check.code, 0) << check.output;
-    expectContains(check.output, "no findings");
+    ExpectContains(check.output, "no findings");
 }
 
 TEST_F(Tool, TellsFindingsAsTextAndAsJson)
 {
-    std::string text = cleanDocument();
+    std::string text = CleanDocument();
     text.replace(text.find("<Boolean id=\"b1\""), 16, "<Boolean id=\"c1\"");
     const std::string file = Write("doubled.xml", text);
     const auto line = std::to_string(
@@ -127,13 +127,13 @@ TEST_F(Tool, TellsFindingsAsTextAndAsJson)
                        text.begin() + static_cast<std::ptrdiff_t>(text.find("<Boolean")), '\n'));
     const Outcome check = Run("check " + file);
     EXPECT_EQ(check.code, 1);
-    expectContains(check.output, "doubled.xml:" + line + ":");
-    expectContains(check.output, "duplicate-identifier");
+    ExpectContains(check.output, "doubled.xml:" + line + ":");
+    ExpectContains(check.output, "duplicate-identifier");
     const Outcome json = Run("check --json " + file);
     EXPECT_EQ(json.code, 1);
     EXPECT_EQ(json.output.front(), '{');
-    expectContains(json.output, "\"code\": \"duplicate-identifier\"");
-    expectContains(json.output, "\"line\": " + line);
+    ExpectContains(json.output, "\"code\": \"duplicate-identifier\"");
+    ExpectContains(json.output, "\"line\": " + line);
     EXPECT_EQ(Run("info " + file).code, 1);
 }
 
@@ -154,59 +154,59 @@ TEST_F(Tool, EndsWithTwoForWhatItCannotRead)
 
 TEST_F(Tool, CountsEntitiesByFamilyAndClass)
 {
-    const Outcome info = Run("info " + Write("clean.xml", cleanDocument()));
+    const Outcome info = Run("info " + Write("clean.xml", CleanDocument()));
     EXPECT_EQ(info.code, 0) << info.output;
-    expectContains(info.output, "R2018.1");
-    expectContains(info.output, "Revolute");
-    expectContains(info.output, "As a planar mechanism   1");
-    expectContains(info.output, "Values");
-    expectContains(info.output, "Constant");
-    expectContains(info.output, "Total mass");
+    ExpectContains(info.output, "R2018.1");
+    ExpectContains(info.output, "Revolute");
+    ExpectContains(info.output, "As a planar mechanism   1");
+    ExpectContains(info.output, "Values");
+    ExpectContains(info.output, "Constant");
+    ExpectContains(info.output, "Total mass");
 }
 
 TEST_F(Tool, ShowsTheEntitiesByTheirNames)
 {
-    const std::string file = Write("clean.xml", cleanDocument());
+    const std::string file = Write("clean.xml", CleanDocument());
     const Outcome tree = Run("tree " + file);
     EXPECT_EQ(tree.code, 0) << tree.output;
-    expectContains(tree.output, "Bodies: Body \"GlobalBody\" (Out), Body \"Crank\" (In)");
+    ExpectContains(tree.output, "Bodies: Body \"GlobalBody\" (Out), Body \"Crank\" (In)");
     EXPECT_EQ(Run("tree --family Values " + file).output,
               "Values\n  Constant \"Damping\"\n  Boolean \"Visible\" (inactive)\n");
-    expectContains(Run("tree --ids " + file).output, "Constant \"Damping\" [c1]");
+    ExpectContains(Run("tree --ids " + file).output, "Constant \"Damping\" [c1]");
     EXPECT_EQ(Run("tree --family Shapes " + file).code, 1);
 }
 
 TEST_F(Tool, ConvertsToACanonicalFormThatStaysAsItIs)
 {
-    const std::string file = Write("clean.xml", cleanDocument());
+    const std::string file = Write("clean.xml", CleanDocument());
     EXPECT_EQ(Run("convert " + file + ' ' + File("first.xml")).code, 0);
     EXPECT_EQ(Run("convert " + File("first.xml") + ' ' + File("second.xml")).code, 0);
-    EXPECT_FALSE(readFile(File("first.xml")).empty());
-    EXPECT_EQ(readFile(File("first.xml")), readFile(File("second.xml")));
+    EXPECT_FALSE(ReadFile(File("first.xml")).empty());
+    EXPECT_EQ(ReadFile(File("first.xml")), ReadFile(File("second.xml")));
 }
 
 TEST_F(Tool, ListsWhatAnOlderVersionCannotHold)
 {
-    const std::string file = Write("clean.xml", cleanDocument());
+    const std::string file = Write("clean.xml", CleanDocument());
     const Outcome convert = Run("convert --to R2016.1 " + file + ' ' + File("old.xml"));
     EXPECT_EQ(convert.code, 1) << convert.output;
-    expectContains(convert.output, "R2016.1 cannot hold");
-    expectContains(convert.output, "Boolean[b1]/@isActive: no becomes yes");
-    expectContains(readFile(File("old.xml")), "version=\"R2016.1\"");
+    ExpectContains(convert.output, "R2016.1 cannot hold");
+    ExpectContains(convert.output, "Boolean[b1]/@isActive: no becomes yes");
+    ExpectContains(ReadFile(File("old.xml")), "version=\"R2016.1\"");
     EXPECT_EQ(Run("convert --to R1999 " + file + ' ' + File("never.xml")).code, 2);
     EXPECT_FALSE(fs::exists(File("never.xml")));
 }
 
 TEST_F(Tool, ConvertsOntoItsInput)
 {
-    const std::string file = Write("clean.xml", cleanDocument());
+    const std::string file = Write("clean.xml", CleanDocument());
     EXPECT_EQ(Run("convert " + file + ' ' + file).code, 0);
     EXPECT_EQ(Run("check " + file).code, 0);
 }
 
 TEST_F(Tool, SaysWhenItCannotWrite)
 {
-    const std::string file = Write("clean.xml", cleanDocument());
+    const std::string file = Write("clean.xml", CleanDocument());
     EXPECT_EQ(Run("convert " + file + " /nonexistent/out.xml").code, 2);
     EXPECT_EQ(Run("graph " + file + " -o /nonexistent/out.dot").code, 2);
     EXPECT_EQ(Run("info " + file + " >/dev/full").code, 2);
@@ -214,10 +214,10 @@ TEST_F(Tool, SaysWhenItCannotWrite)
 
 TEST_F(Tool, DrawsTheGraphAsText)
 {
-    const Outcome graph = Run("graph " + Write("clean.xml", cleanDocument()));
+    const Outcome graph = Run("graph " + Write("clean.xml", CleanDocument()));
     EXPECT_EQ(graph.code, 0) << graph.output;
-    expectContains(graph.output, "graph mechanism {");
-    expectContains(graph.output, "Crank pin\nRevolute");
+    ExpectContains(graph.output, "graph mechanism {");
+    ExpectContains(graph.output, "Crank pin\nRevolute");
     EXPECT_EQ(Run("graph --format svg " + File("clean.xml")).code, 2);
 }
 

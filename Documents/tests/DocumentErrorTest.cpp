@@ -39,9 +39,8 @@ std::string Repeated(const std::string& text, std::size_t count)
 {
     std::string all;
     all.reserve(text.size() * count);
-    for (std::size_t index = 0; index < count; ++index) {
+    for (std::size_t index = 0; index < count; ++index)
         all += text;
-    }
     return all;
 }
 
@@ -202,9 +201,8 @@ TEST(DocumentErrors, HostileTextsEndQuickly)
     ExpectError(Start + "<a " + std::string(10'000'000, 'a') + "=\"\"/>" + End, Code::NameTooLong,
                 {1, 35});
     std::string attributes = Start + "<a";
-    for (int index = 0; index < 100'000; ++index) {
+    for (int index = 0; index < 100'000; ++index)
         attributes += " a" + std::to_string(index % 50'000) + "=\"\"";
-    }
     const Document document = Document::ReadText(attributes + "/>" + End);
     EXPECT_EQ(document.Messages().items.size(), Limits().diagnostics + 1);
     EXPECT_EQ(document.Messages().items.back().code, Code::TooManyDiagnostics);

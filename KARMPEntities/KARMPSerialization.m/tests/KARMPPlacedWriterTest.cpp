@@ -40,9 +40,8 @@ public:
 protected:
     KARMPSerializer* CreateChildElement() override
     {
-        if (!givesChildren) {
+        if (!givesChildren)
             return nullptr;
-        }
         return ::new (Memory()->Allocate(sizeof(PlacedWriterNode))) PlacedWriterNode(*Memory());
     }
 
@@ -103,9 +102,8 @@ TEST_F(PlacedWriter, KeepsNamesValuesAndAttributesOfAnyLength)
         ASSERT_EQ(root.AddElement(longText + std::to_wstring(number), child, longText), KARSuccess);
         child->AddAttribute(L"moved", std::wstring(longText));
         child->AddAttribute(L"number" + std::to_wstring(number), L"short");
-        for (int more = 0; more < 10; ++more) {
+        for (int more = 0; more < 10; ++more)
             child->AddAttribute(L"more", more);
-        }
     }
     ASSERT_EQ(root.GetElementCount(), 100U);
     for (int number = 0; number < 100; ++number) {
@@ -162,9 +160,8 @@ TEST_F(PlacedWriter, ANodeThatCannotBeCreatedFailsWithAReportAndAddsNothing)
 
 TEST_F(PlacedWriter, AnAdditionWithoutMemoryAddsNothing)
 {
-    if (!AllocationCounter::Counts) {
+    if (!AllocationCounter::Counts)
         GTEST_SKIP() << "Allocations are not counted in this build";
-    }
     PlacedWriterNode root;
     AllocationCounter allocations;
     allocations.FailAllocation(1);

@@ -217,9 +217,8 @@ TEST_F(DocumentNodes, IdentifiersBeyondAsciiAreFoundByTheCheckAndTheWorld)
     const auto replaced = [&](const std::string& by, std::size_t from) {
         std::string result = text;
         for (std::size_t place = result.find(identifier, from); place != std::string::npos;
-             place = result.find(identifier, place + by.size())) {
+             place = result.find(identifier, place + by.size()))
             result.replace(place, identifier.size(), by);
-        }
         return result;
     };
     const std::string other = "k\xC3\xB6rper &amp; 1";
@@ -237,14 +236,12 @@ TEST_F(DocumentNodes, IdentifiersBeyondAsciiAreFoundByTheCheckAndTheWorld)
 
 TEST_F(DocumentNodes, ManyEntitiesAreReadInTheMemoryOfOne)
 {
-    if (!AllocationCounter::Counts) {
+    if (!AllocationCounter::Counts)
         GTEST_SKIP() << "Allocations are not counted in this build";
-    }
     constexpr std::size_t count = 2000;
     std::string text = "<KARMPDocument version=\"R2018.1\"><World><Bodies>";
-    for (std::size_t number = 0; number < count; ++number) {
+    for (std::size_t number = 0; number < count; ++number)
         text += "<Body id=\"b\"><A><B>1</B><C>2</C><D>3</D></A><E>4</E></Body>";
-    }
     const Document document = Document::ReadText(text + "</Bodies></World></KARMPDocument>");
     KARMPDeserializer::ElementList bodies;
     Child(Child(document.Root(), L"World"), L"Bodies")->GetOrderedElementList(bodies);

@@ -181,9 +181,8 @@ TEST(MathPlane, DirectionsOfTheWorldPlaneAreItsAxes)
     KARMathPlane().GetDirections(u, v);
     EXPECT_EQ(u, KARMathVector(1.0, 0.0, 0.0));
     EXPECT_EQ(v, KARMathVector(0.0, 1.0, 0.0));
-    for (const double component : {u.GetY(), u.GetZ(), v.GetX(), v.GetZ()}) {
+    for (const double component : {u.GetY(), u.GetZ(), v.GetX(), v.GetZ()})
         EXPECT_FALSE(std::signbit(component));
-    }
 }
 
 TEST(MathPlane, NullNormalHasTheDirectionsOfTheWorldPlane)

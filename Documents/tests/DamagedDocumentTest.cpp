@@ -18,14 +18,14 @@ using karmp::documents::LoadText;
 /// Two bodies on a joint with a constraint, and all that hangs on them.
 constexpr const char* Reference = KARMP_EXAMPLE_DOCUMENTS "/slider-crank.xml";
 
-std::string textOf(const pugi::xml_document& document)
+std::string TextOf(const pugi::xml_document& document)
 {
     std::ostringstream stream;
     document.save(stream, "", pugi::format_raw);
     return stream.str();
 }
 
-std::string savedForm(const LoadResult& loaded)
+std::string SavedForm(const LoadResult& loaded)
 {
     std::string text;
     if (loaded.world)
@@ -39,9 +39,9 @@ protected:
     DamagedDocument()
     {
         EXPECT_TRUE(m_reference.load_file(Reference));
-        const LoadResult loaded = LoadText(textOf(m_reference));
+        const LoadResult loaded = LoadText(TextOf(m_reference));
         EXPECT_TRUE(loaded.diagnostics.items.empty());
-        m_sound = savedForm(loaded);
+        m_sound = SavedForm(loaded);
     }
 
     /// The elements below the root, in document order.
@@ -78,7 +78,7 @@ protected:
             if (!damage(element))
                 continue;
             ++damaged;
-            ExpectNothingLostInSilence(textOf(copy), place);
+            ExpectNothingLostInSilence(TextOf(copy), place);
         }
         EXPECT_GT(damaged, 0U);
     }
@@ -90,9 +90,8 @@ protected:
             EXPECT_TRUE(loaded.diagnostics.HasErrors()) << place;
             return;
         }
-        if (loaded.diagnostics.items.empty()) {
-            EXPECT_EQ(savedForm(loaded), m_sound) << place;
-        }
+        if (loaded.diagnostics.items.empty())
+            EXPECT_EQ(SavedForm(loaded), m_sound) << place;
     }
 
     pugi::xml_document m_reference;

@@ -347,9 +347,8 @@ private:
     void MakeContent() override
     {
         ++contentMade;
-        if (memoryEnds) {
+        if (memoryEnds)
             throw std::bad_alloc();
-        }
         PlaceValue(karmp::AsciiText{"text"});
         KARMPDeserializer* const children[] = {PlacedNode::Make(*Memory(), L"x"),
                                                PlacedNode::Make(*Memory(), L"y"),
@@ -380,18 +379,23 @@ TEST(PlacedTree, PartsAreMadeWhenTheFirstOfThemIsAskedFor)
         EXPECT_EQ(node.attributesMade, attributes);
         EXPECT_EQ(node.contentMade, content);
     };
-    expectMade(1, 0, [](LateNode& node) { EXPECT_TRUE(node.HasAttribute(L"b")); });
-    expectMade(1, 0, [](LateNode& node) { EXPECT_EQ(node.GetAttributeCount(), 2U); });
+    expectMade(
+        1, 0, [](LateNode& node) { EXPECT_TRUE(node.HasAttribute(L"b")); });
+    expectMade(
+        1, 0, [](LateNode& node) { EXPECT_EQ(node.GetAttributeCount(), 2U); });
     expectMade(1, 0, [](LateNode& node) { EXPECT_EQ(node.GetAttributeId(1), L"b"); });
     expectMade(1, 0, [&](LateNode& node) {
         EXPECT_EQ(node.GetAttribute(L"a", number), KARSuccess);
         EXPECT_EQ(number, 1);
     });
-    expectMade(0, 1, [&](LateNode& node) {
-        EXPECT_EQ(node.GetValue(text), KARSuccess);
-        EXPECT_EQ(text, L"text");
-    });
-    expectMade(0, 1, [](LateNode& node) { EXPECT_TRUE(node.HasText()); });
+    expectMade(
+        0, 1,
+        [&](LateNode& node) {
+            EXPECT_EQ(node.GetValue(text), KARSuccess);
+            EXPECT_EQ(text, L"text");
+        });
+    expectMade(
+        0, 1, [](LateNode& node) { EXPECT_TRUE(node.HasText()); });
     expectMade(0, 1, [](LateNode& node) { EXPECT_FALSE(node.HasElement(L"z")); });
     expectMade(0, 1, [&](LateNode& node) {
         node.GetElement(L"y", child);
@@ -464,17 +468,15 @@ TEST(PlacedTree, WhatMemoryDidNotSufficeForIsStillToBeMade)
 
 TEST(PlacedTree, ChildrenForWhichMemoryEndsAreNotAdded)
 {
-    if (!AllocationCounter::Counts) {
+    if (!AllocationCounter::Counts)
         GTEST_SKIP() << "Allocations are not counted in this build";
-    }
     std::size_t failing = 1;
     for (bool failed = true; failed; ++failing) {
         NodeMemory memory;
         PlacedNode* const root = PlacedNode::Make(memory, L"root");
         std::vector<KARMPDeserializer*> children;
-        for (int number = 0; number < 400; ++number) {
+        for (int number = 0; number < 400; ++number)
             children.push_back(PlacedNode::Make(memory, L"name" + std::to_wstring(number % 100)));
-        }
         failed = false;
         {
             AllocationCounter allocations;
@@ -488,9 +490,8 @@ TEST(PlacedTree, ChildrenForWhichMemoryEndsAreNotAdded)
         KARMPDeserializer::ElementList list;
         root->GetOrderedElementList(list);
         EXPECT_EQ(list.size(), failed ? 0U : 400U) << failing;
-        if (failed) {
+        if (failed)
             root->AddAll(children);
-        }
         KARMPDeserializer::ElementIterator begin = nullptr;
         KARMPDeserializer::ElementIterator end = nullptr;
         root->GetElements(L"name7", begin, end);
@@ -503,9 +504,8 @@ TEST(PlacedTree, NodesMayBeDestroyedBeforeTheirMemory)
 {
     NodeMemory memory;
     PlacedNode root(memory, L"root");
-    for (int number = 0; number < 40; ++number) {
+    for (int number = 0; number < 40; ++number)
         root.AddAttribute(L"attribute" + std::to_wstring(number), L"value");
-    }
     EXPECT_TRUE(root.HasAttribute(L"attribute39"));
 }
 

@@ -28,9 +28,8 @@ std::string Streamed(const Write& write, const Limits& limits = {})
     const bool rendered = tree.Finish();
     EXPECT_EQ(rendered, diagnostics.items.empty());
     EXPECT_LE(diagnostics.items.size(), 1U);
-    if (diagnostics.items.empty()) {
+    if (diagnostics.items.empty())
         return text;
-    }
     EXPECT_EQ(text, "before");
     return Format(diagnostics.items[0]);
 }
@@ -79,9 +78,8 @@ void AddWorld(KARMPSerializer& root, int count)
     world->ChildrenComplete();
     for (const wchar_t* name : {L"Bodies", L"Joints", L"Constraints"}) {
         KARMPSerializer* const list = Add(*world, name);
-        for (int number = 0; number < count; ++number) {
+        for (int number = 0; number < count; ++number)
             AddEntity(*list, number);
-        }
         world->ChildrenComplete();
     }
 }
@@ -288,15 +286,12 @@ TEST(StreamedTree, TheFirstFailureOfTheDocumentIsTold)
             AddEntity(*list, 0);
             Add(*list, L"no name");
             AddEntity(*list, 1);
-            if (step > 0) {
+            if (step > 0)
                 list->AddAttribute(L"n o", 1);
-            }
-            if (step > 1) {
+            if (step > 1)
                 world->AddAttribute(L"twice", 2);
-            }
-            if (step > 2) {
+            if (step > 2)
                 root.AddAttribute(L"version", 1);
-            }
             world->ChildrenComplete();
         };
     };
@@ -344,9 +339,8 @@ TEST(StreamedTree, ADeepTreeIsNoMatterOfTheStack)
     constexpr int depth = 9'000;
     ExpectSame([](KARMPSerializer& root) {
         KARMPSerializer* node = &root;
-        for (int level = 0; level < depth; ++level) {
+        for (int level = 0; level < depth; ++level)
             node = Add(*node, L"Level");
-        }
         AddWorld(*node, 3);
     });
     ExpectSame([](KARMPSerializer& root) {
@@ -383,9 +377,8 @@ TEST(StreamedTree, ANodeRendersByItselfWhileItHoldsItsChildren)
 
 TEST(StreamedTree, TakesNoMoreMemoryForMoreChildren)
 {
-    if (!AllocationCounter::Counts) {
+    if (!AllocationCounter::Counts)
         GTEST_SKIP() << "Allocations are not counted in this build";
-    }
     const auto bytesFor = [](int count) {
         std::string text;
         text.reserve(10'000'000);
@@ -409,9 +402,8 @@ TEST(StreamedTree, TakesNoMoreMemoryForMoreChildren)
 
 TEST(StreamedTree, TheEndOfMemoryLeavesNothingBehind)
 {
-    if (!AllocationCounter::Counts) {
+    if (!AllocationCounter::Counts)
         GTEST_SKIP() << "Allocations are not counted in this build";
-    }
     const Write write = [](KARMPSerializer& root) { AddWorld(root, 20); };
     const std::string expected = Streamed(write);
     std::size_t failures = 0;

@@ -29,9 +29,8 @@ public:
     {}
     ~OrdinaryUser()
     {
-        if (m_changed && ::seteuid(0) != 0) {
+        if (m_changed && ::seteuid(0) != 0)
             ADD_FAILURE() << "the user did not come back";
-        }
     }
     OrdinaryUser(const OrdinaryUser&) = delete;
     OrdinaryUser& operator=(const OrdinaryUser&) = delete;
@@ -77,9 +76,8 @@ protected:
     void ExpectSaved(const fs::path& path)
     {
         const Diagnostics diagnostics = m_root.SaveXml(path);
-        for (const Diagnostic& item : diagnostics.items) {
+        for (const Diagnostic& item : diagnostics.items)
             ADD_FAILURE() << Format(item);
-        }
         EXPECT_EQ(Content(path), m_text);
     }
     void ExpectNotSaved(const fs::path& path)
@@ -210,9 +208,8 @@ TEST_F(DocumentFile, TheOldOneSurvivesATreeThatCannotBeWritten)
 TEST_F(DocumentFile, TheOldOneSurvivesAFolderOrFileThatMustNotBeWritten)
 {
     const OrdinaryUser user(m_folder);
-    if (::geteuid() == 0) {
+    if (::geteuid() == 0)
         GTEST_SKIP() << "permissions do not bind this user";
-    }
     Write(Path(), "old");
     fs::permissions(Path(), fs::perms::owner_read);
     ExpectNotSaved(Path());
@@ -228,9 +225,8 @@ TEST_F(DocumentFile, TheOldOneSurvivesAFolderOrFileThatMustNotBeWritten)
 
 TEST_F(DocumentFile, ADeviceIsWrittenInPlace)
 {
-    if (fs::exists("/dev/full")) {
+    if (fs::exists("/dev/full"))
         ExpectNotSaved("/dev/full");
-    }
     EXPECT_TRUE(m_root.SaveXml("/dev/null").items.empty());
     EXPECT_TRUE(fs::is_character_file("/dev/null"));
 }

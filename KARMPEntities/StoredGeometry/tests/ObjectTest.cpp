@@ -13,9 +13,8 @@ KARBody* Tetrahedron(KARGeometricFactory& factory)
 {
     KARBody* body = factory.Make<KARBody>();
     for (const KARMathPoint& point : {KARMathPoint(0, 0, 0), KARMathPoint(1, 0, 0),
-                                      KARMathPoint(0, 1, 0), KARMathPoint(0, 0, 1)}) {
+                                      KARMathPoint(0, 1, 0), KARMathPoint(0, 0, 1)})
         body->AddVertex(point);
-    }
     constexpr int Ends[6][2] = {{0, 1}, {0, 2}, {0, 3}, {1, 2}, {1, 3}, {2, 3}};
     for (const auto& ends : Ends) {
         const KARMathPoint& start = body->GetVertices()[static_cast<std::size_t>(ends[0])];

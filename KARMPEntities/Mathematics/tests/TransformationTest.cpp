@@ -125,9 +125,8 @@ TEST(MathTransformation, CoefficientsAreTheThreeDirectionsAndTheOrigin)
     const KARMathTransformation t({{1, 2, 3}, {4, 5, 6}, {7, 8, 9}}, {10, 11, 12});
     double coefficients[12];
     t.GetCoef(coefficients);
-    for (int i = 0; i < 12; ++i) {
+    for (int i = 0; i < 12; ++i)
         EXPECT_EQ(coefficients[i], i + 1.0);
-    }
     KARMathTransformation copy;
     copy.SetCoef(coefficients);
     EXPECT_EQ(copy, t);
@@ -238,9 +237,8 @@ TEST(MathTransformation2D, CoefficientsAreTheTwoDirectionsAndTheOrigin)
     const KARMathTransformation2D t({{1, 2}, {3, 4}}, {5, 6});
     double coefficients[6];
     t.GetCoef(coefficients);
-    for (int i = 0; i < 6; ++i) {
+    for (int i = 0; i < 6; ++i)
         EXPECT_EQ(coefficients[i], i + 1.0);
-    }
     KARMathTransformation2D copy;
     copy.SetCoef(coefficients);
     EXPECT_EQ(copy, t);

@@ -130,10 +130,9 @@ public:
         KARMPDeserializer::ElementIterator end{};
         if (m_node == nullptr || KARFailed(m_node->GetElements(name, item, end)))
             return;
-        for (; item != end; ++item) {
+        for (; item != end; ++item)
             if (*item != nullptr)
                 read(ElementReader(*item));
-        }
     }
 
     /// The entity that this element refers to by its "id", null when the table has none or a null
@@ -161,10 +160,13 @@ public:
     void References(ItemName container, ItemName item, const KARMPEntityTable& entities, Add add,
                     Where where = Where::current())
     {
-        Child(container, Absent::Keep, where).Each(item, [&](const ElementReader& child) {
-            if (const auto target = child.template Target<T>(entities, where))
-                Set(add(target), where);
-        });
+        Child(container, Absent::Keep, where)
+            .Each(
+                item,
+                [&](const ElementReader& child) {
+                    if (const auto target = child.template Target<T>(entities, where))
+                        Set(add(target), where);
+                });
     }
 
 private:

@@ -27,9 +27,8 @@ protected:
 
     static void ExpectNothing(const Diagnostics& diagnostics)
     {
-        for (const Diagnostic& item : diagnostics.items) {
+        for (const Diagnostic& item : diagnostics.items)
             ADD_FAILURE() << Format(item);
-        }
     }
     std::string Saved(const SaveOptions& options = {})
     {
@@ -68,9 +67,8 @@ protected:
             }
         }
         ADD_FAILURE() << "no " << CodeText(code) << " at " << path;
-        for (const Diagnostic& item : diagnostics.items) {
+        for (const Diagnostic& item : diagnostics.items)
             ADD_FAILURE() << Format(item);
-        }
     }
     void ExpectFound(const std::string& from, const std::string& to, Code code, Severity severity,
                      const std::string& path)
@@ -162,17 +160,15 @@ TEST_F(WorldDocument, AnUnknownVersionOrANullWorldIsNotSaved)
 
 TEST_F(WorldDocument, ASaveTakesLittleMoreMemoryThanTheText)
 {
-    for (int number = 0; number < 2'000; ++number) {
+    for (int number = 0; number < 2'000; ++number)
         m_world->Add(KARMPBody::create(L"Body" + std::to_wstring(number)));
-    }
     KARMPDocumentWriter root;
     m_world->Serialize(&root);
     std::string whole;
     ExpectNothing(root.RenderXml(whole));
     EXPECT_EQ(Saved(), whole);
-    if (!AllocationCounter::Counts) {
+    if (!AllocationCounter::Counts)
         GTEST_SKIP() << "Allocations are not counted in this build";
-    }
     const AllocationCounter allocations;
     std::string text;
     EXPECT_TRUE(SaveText(m_world, text).items.empty());
@@ -200,9 +196,8 @@ TEST_F(WorldDocument, AnElementThatCannotBeWrittenIsToldWithItsPathAndNothingIsS
 
 TEST_F(WorldDocument, ASaveWithoutMemoryEndsInAMessage)
 {
-    if (!AllocationCounter::Counts) {
+    if (!AllocationCounter::Counts)
         GTEST_SKIP() << "Allocations are not counted in this build";
-    }
     m_world->Add(KARMPBody::create(std::wstring(100, L'a')));
     const std::string expected = Saved();
     const SaveOptions options;
@@ -214,9 +209,8 @@ TEST_F(WorldDocument, ASaveWithoutMemoryEndsInAMessage)
         const Diagnostics diagnostics = SaveText(m_world, text, options);
         if (diagnostics.items.empty()) {
             EXPECT_EQ(text, expected);
-            if (allocations.Count() < number) {
+            if (allocations.Count() < number)
                 break;
-            }
             continue;
         }
         ++failures;

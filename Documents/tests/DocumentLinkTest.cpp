@@ -25,7 +25,7 @@ constexpr const char* Linked = R"(<?xml version="1.0" encoding="UTF-8"?>
 </KARMPDocument>
 )";
 
-std::string without(const std::string& part)
+std::string Without(const std::string& part)
 {
     std::string text = Linked;
     const auto place = text.find(part);
@@ -33,7 +33,7 @@ std::string without(const std::string& part)
     return text.erase(place, part.size());
 }
 
-std::size_t countOneSided(const Diagnostics& messages)
+std::size_t CountOneSided(const Diagnostics& messages)
 {
     std::size_t count = 0;
     for (const Diagnostic& message : messages.items)
@@ -43,7 +43,7 @@ std::size_t countOneSided(const Diagnostics& messages)
 
 TEST(DocumentLinks, WithBothSidesAreNoFinding)
 {
-    EXPECT_EQ(countOneSided(CheckText(Linked)), 0U);
+    EXPECT_EQ(CountOneSided(CheckText(Linked)), 0U);
 }
 
 TEST(DocumentLinks, OfAnEntityWithoutAnIdentifierHaveNoOtherSide)
@@ -54,7 +54,7 @@ TEST(DocumentLinks, OfAnEntityWithoutAnIdentifierHaveNoOtherSide)
     const Diagnostics messages = CheckText(text);
     EXPECT_NE(messages.Find(Code::MissingAttribute), nullptr);
     EXPECT_NE(messages.Find(Code::UnresolvedReference), nullptr);
-    EXPECT_EQ(countOneSided(messages), 1U);
+    EXPECT_EQ(CountOneSided(messages), 1U);
     const Diagnostic* found = messages.Find(Code::OneSidedLink);
     ASSERT_NE(found, nullptr);
     EXPECT_EQ(found->path, "/KARMPDocument/World/Variables/Variable/Constraints/Constraint/@id");
@@ -76,8 +76,8 @@ TEST(DocumentLinks, ThatOneSideLacksAreFoundAtTheOther)
     };
     for (const auto& item : cases) {
         SCOPED_TRACE(item.missing);
-        const Diagnostics messages = CheckText(without(item.missing));
-        EXPECT_EQ(countOneSided(messages), 1U);
+        const Diagnostics messages = CheckText(Without(item.missing));
+        EXPECT_EQ(CountOneSided(messages), 1U);
         const Diagnostic* found = messages.Find(Code::OneSidedLink);
         ASSERT_NE(found, nullptr);
         EXPECT_EQ(found->path, item.foundAt);
@@ -87,10 +87,10 @@ TEST(DocumentLinks, ThatOneSideLacksAreFoundAtTheOther)
 
 TEST(DocumentLinks, OfAConstraintAreFoundForItsJointAndItsGeometry)
 {
-    std::string text = without("<Joint id=\"J\"/><Variables>");
+    std::string text = Without("<Joint id=\"J\"/><Variables>");
     text.insert(text.find("<Variable id=\"V\"/>"), "<Variables>");
     Diagnostics messages = CheckText(text);
-    ASSERT_EQ(countOneSided(messages), 1U);
+    ASSERT_EQ(CountOneSided(messages), 1U);
     EXPECT_EQ(messages.Find(Code::OneSidedLink)->path,
               "/KARMPDocument/World/Joints/Rigid/Constraints/Constraint/@id");
 
@@ -98,7 +98,7 @@ TEST(DocumentLinks, OfAConstraintAreFoundForItsJointAndItsGeometry)
     const std::string list = "<Constraints><Constraint id=\"C\"/></Constraints>";
     text.erase(text.find(list + "</Point>"), list.size());
     messages = CheckText(text);
-    EXPECT_EQ(countOneSided(messages), 1U);
+    EXPECT_EQ(CountOneSided(messages), 1U);
     EXPECT_EQ(messages.Find(Code::OneSidedLink)->path,
               "/KARMPDocument/World/Constraints/Concentricity/Geometries/Geometry/@id");
 }
@@ -109,7 +109,7 @@ TEST(DocumentLinks, ToNothingAreToldOnceAsThat)
     text.replace(text.find("<Joint id=\"J\"/>"), 15, "<Joint id=\"X\"/>");
     const Diagnostics messages = CheckText(text);
     EXPECT_NE(messages.Find(Code::UnresolvedReference), nullptr);
-    EXPECT_EQ(countOneSided(messages), 1U); // the joint's reference to the body
+    EXPECT_EQ(CountOneSided(messages), 1U); // the joint's reference to the body
 }
 
 TEST(DocumentLinks, HaveAStableCode)

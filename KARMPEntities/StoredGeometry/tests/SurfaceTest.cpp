@@ -79,11 +79,9 @@ TEST(StoredSurface, SplineWithSeveralSpansIsSmooth)
 {
     const FactoryPointer factory = NewFactory();
     std::vector<KARMathPoint> poles;
-    for (int i = 0; i < 5; ++i) {
-        for (int j = 0; j < 4; ++j) {
+    for (int i = 0; i < 5; ++i)
+        for (int j = 0; j < 4; ++j)
             poles.emplace_back(i, j, i * j % 3);
-        }
-    }
     const auto* surface =
         factory->Make<KARNurbsSurface>(KARSplineBasis{2, {0, 0, 0, 1, 3, 4, 4, 4}},
                                        KARSplineBasis{2, {0, 1, 2, 3, 4, 5, 6}}, poles);

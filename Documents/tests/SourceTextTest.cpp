@@ -15,9 +15,8 @@ constexpr std::size_t Length = 200;
 std::string Lines()
 {
     std::string text;
-    while (text.size() < Length) {
+    while (text.size() < Length)
         text += "a line of text, then\n\n";
-    }
     return text.substr(0, Length);
 }
 

@@ -15,9 +15,8 @@ constexpr std::size_t ChecksumOffset = 16;
 
 void PutUInt32(ByteVector& bytes, std::size_t position, std::uint32_t value)
 {
-    for (std::size_t i = 0; i < 4; ++i) {
+    for (std::size_t i = 0; i < 4; ++i)
         bytes[position + i] = static_cast<std::uint8_t>(value >> (8 * i));
-    }
 }
 
 /// Makes length and checksum fit the payload again, so that only the inner checks are left.
@@ -52,9 +51,8 @@ void WriteKind(KARMathStream& payload, kar::StoredKind kind)
 void WriteUnitPlane(KARMathStream& payload)
 {
     WriteKind(payload, kar::StoredKind::PlaneSurface);
-    for (const double value : {0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 1, 0, 1}) {
+    for (const double value : {0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 1, 0, 1})
         payload.WriteDouble(value);
-    }
 }
 
 void ExpectRefused(const ByteVector& bytes)
@@ -297,9 +295,8 @@ TEST(StoredStream, EmptyListsNullsAndForeignObjectsAreNotSaved)
     withNull.Append(nullptr);
     KARGMKStream stream;
     for (const KARListPtrKARIGMKObject& list :
-         {KARListPtrKARIGMKObject(), withNull, ListOf(foreign), ListOf(circular)}) {
+         {KARListPtrKARIGMKObject(), withNull, ListOf(foreign), ListOf(circular)})
         EXPECT_EQ(KARIGMKObjectsSave(stream).Save(list, nullptr), KARFailure);
-    }
     EXPECT_EQ(stream.GetLength(), 0U);
     foreign->Release();
     circular->Release();
@@ -384,9 +381,8 @@ TEST(DamagedStoredStream, LargestNumberInEveryPlaceIsRefusedOrSafeToUse)
             ByteVector damaged = bytes;
             PutUInt32(damaged, i, value);
             const Loaded loaded = Load(Sealed(damaged));
-            if (loaded.status == KARSuccess) {
+            if (loaded.status == KARSuccess)
                 Use(loaded);
-            }
         }
     }
 }
@@ -423,9 +419,8 @@ TEST(DamagedStoredStream, TowerOfTransformedSurfacesIsRefused)
         for (std::uint32_t i = 0; i < floors; ++i) {
             WriteKind(payload, kar::StoredKind::LinearTransfoSurface);
             payload.WriteUInt32(i);
-            for (const double value : {1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0}) {
+            for (const double value : {1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0})
                 payload.WriteDouble(value);
-            }
         }
         payload.WriteUInt32(floors);
         const bool allowed =
@@ -442,9 +437,8 @@ TEST(DamagedStoredStream, ReferenceToItselfOrToALaterObjectIsRefused)
         payload.WriteUInt32(1);
         WriteKind(payload, kar::StoredKind::LinearTransfoSurface);
         payload.WriteUInt32(target);
-        for (const double value : {1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0}) {
+        for (const double value : {1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0})
             payload.WriteDouble(value);
-        }
         WriteUnitPlane(payload);
         payload.WriteUInt32(0);
         ExpectRefused(BlockOf(payload));
@@ -475,13 +469,11 @@ TEST(DamagedStoredStream, KnotsThatAreNoNumbersAreRefused)
         WriteKind(payload, kar::StoredKind::NurbsCurve);
         payload.WriteInt32(1);
         payload.WriteUInt32(4);
-        for (const double value : {0.0, 0.0, knot, 1.0}) {
+        for (const double value : {0.0, 0.0, knot, 1.0})
             payload.WriteDouble(value);
-        }
         payload.WriteUInt32(2);
-        for (int i = 0; i < 6; ++i) {
+        for (int i = 0; i < 6; ++i)
             payload.WriteDouble(i);
-        }
         payload.WriteUInt32(0);
         payload.WriteUInt32(0);
         ExpectRefused(BlockOf(payload));
