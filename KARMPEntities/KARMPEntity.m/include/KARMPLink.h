@@ -1,0 +1,55 @@
+#pragma once
+
+#include "KARMPFailedCheck.h"
+#include "KARStatus.h"
+#include "QOBSharedHandle.h"
+
+#include <utility>
+
+/// The one entity that an entity is linked to, or none; referents are compared by address.
+///
+/// The referent type may be incomplete, as for a handle.
+template <class T>
+class KARMPLink
+{
+public:
+    /// True when there is a link.
+    explicit operator bool() const noexcept { return static_cast<bool>(m_handle); }
+    /// The linked handle, null without a link.
+    const QOBSharedHandle<T>& Handle() const noexcept { return m_handle; }
+    /// Links a referent in place of the former one. A null handle is a failed check and a failure,
+    /// and the link stays.
+    KARStatus Set(const QOBSharedHandle<T>& handle,
+                  KARMPSourceLocation where = KARMPSourceLocation::current())
+    {
+        if (!KARMPVerify(static_cast<bool>(handle), where))
+            return KARFailure;
+        m_handle = handle;
+        return KARSuccess;
+    }
+    /// Gives the linked handle. Without a link a null handle and a failure, without a report.
+    KARStatus Get(QOBSharedHandle<T>& handle) const
+    {
+        handle = m_handle;
+        return handle ? KARSuccess : KARFailure;
+    }
+    /// Drops the link. A null handle is a failed check and a failure; a referent that is not the
+    /// linked one gives KARUnchanged.
+    KARStatus Remove(const QOBSharedHandle<T>& handle,
+                     KARMPSourceLocation where = KARMPSourceLocation::current())
+    {
+        if (!KARMPVerify(static_cast<bool>(handle), where))
+            return KARFailure;
+        if (handle != m_handle)
+            return KARUnchanged;
+        Clear();
+        return KARSuccess;
+    }
+    /// Drops the link and returns what was linked.
+    QOBSharedHandle<T> Take() noexcept { return std::exchange(m_handle, nullptr); }
+    /// Drops the link.
+    void Clear() noexcept { m_handle.detach(); }
+
+private:
+    QOBSharedHandle<T> m_handle;
+};
