@@ -15,6 +15,10 @@
 
 namespace karmp {
 
+struct Content;
+template <class C>
+struct ContentOf;
+
 /// Reaches the constructors of entity classes, which are not public.
 struct EntityAccess
 {
@@ -83,6 +87,8 @@ public:                                                                         
     static const QOBUUID& ClassID();                                                               \
     /** The class's record. */                                                                     \
     static const QOBClassInfo& ClassInfo();                                                        \
+    /** What the class itself holds in a document. */                                              \
+    static const karmp::Content& ClassContent();                                                   \
     /** The class's name. */                                                                       \
     static std::string ClassName();                                                                \
     /** A copy of an entity, made by its class's copy constructor; null where it has none. */      \
@@ -103,7 +109,9 @@ protected:                                                                      
     static void DestroyObject(QOBSharedHandle<Class> entity);                                      \
                                                                                                    \
 private:                                                                                           \
-    friend struct karmp::EntityAccess;
+    friend struct karmp::EntityAccess; \
+    template <class C>                                                                             \
+    friend struct karmp::ContentOf;
 
 /// Identity of a class whose objects are created by name.
 #define KARMP_ENTITY(Class, Parent)                                                                \

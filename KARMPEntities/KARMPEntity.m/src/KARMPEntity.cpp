@@ -2,8 +2,7 @@
 
 #include "KARBaseUnknown.h"
 #include "KARIMPEntityLoader.h"
-#include "KARMPElementReader.h"
-#include "KARMPElementWriter.h"
+#include "KARMPContentWalk.h"
 #include "KARMPOutput.h"
 #include "KARMPParameter.h"
 #include "KARMPState.h"
@@ -31,6 +30,74 @@ bool IsSet(const char* variable)
 }
 
 } // namespace
+
+template <>
+struct karmp::ContentOf<KARMPEntity>
+{
+    using C = KARMPEntity;
+
+    static KARStatus Identifier(const C& entity, std::wstring_view& identifier)
+    {
+        const std::wstring* text = nullptr;
+        const KARStatus status = entity.EnsureIdentifier(text);
+        if (!KARFailed(status))
+            identifier = *text;
+        return status;
+    }
+    // An entity that has an identifier keeps it, which is no fault of the document.
+    static void TakeIdentifier(C& entity, std::wstring&& identifier)
+    {
+        entity.TakeIdentifier(std::move(identifier));
+    }
+    static std::wstring_view Name(const C& entity)
+    {
+        return KARMPSerializer::SerializeName() ? entity.getEntityName() : std::wstring_view();
+    }
+    static void TakeName(C& entity, std::wstring&& name) { entity.setEntityName(std::move(name)); }
+    // What a loader answers to the change is not the document's concern.
+    static void TakeActivity(C& entity, bool isActive)
+    {
+        if (isActive)
+            entity.Activate();
+        else
+            entity.Deactivate();
+    }
+    static bool HasApplicationID(const C& entity) { return entity.m_id != nullptr; }
+    // Decided once a process for writing, each time anew for reading.
+    static bool AreOutputsWritten(const C&)
+    {
+        static const bool written = IsSet("MOT_DUMP_OUTPUTS");
+        return written;
+    }
+    static bool AreOutputsRead(const C&) { return IsSet("MOT_DUMP_OUTPUTS"); }
+
+    static constexpr ContentFrame Frame{{.nullNode = KARSuccess, .silentNull = true},
+                                        {.nullNode = KARSuccess, .silentNull = true}};
+    static constexpr auto List = Base(
+        "Anything that lives in a world.", Frame,
+        Attribute(Text<&Identifier>(L"id", "The identifier by which the document knows it.")
+                      .Through<&TakeIdentifier>()),
+        Attribute(Text<&Name>(L"name", "The name for people.").Through<&TakeName>()),
+        Since(R2017_1, Attribute(WordOf<&C::IsActive>(L"isActive", NoYes,
+                                                      "Whether a solver takes it into account.")
+                                     .KnownWordsOnly()
+                                     .Through<&TakeActivity>())),
+        Attribute(Text<&C::GetID>(L"entityID", "Free text of the modelling application.")
+                      .Optional()
+                      .When<&HasApplicationID>()
+                      .Through<&C::SetID>()),
+        References<&C::m_parameters, &C::AddParameter>(L"Parameters", L"Parameter",
+                                                       "Numbers and texts kept with it."),
+        References<&C::m_states, &C::AddState>(L"States", L"State",
+                                               "Attributes that describe its state."),
+        References<&C::m_outputs, &C::AddOutput>(L"Outputs", L"Output",
+                                                 "Results that a solver keeps with it.")
+            .When<&AreOutputsWritten>()
+            .WhenRead<&AreOutputsRead>(),
+        References<&C::m_aggregatedElements, &C::AddAggregatedElement>(
+            L"AggregatedElements", L"Element", "The entities that it is made of."));
+};
+KARMP_DESCRIBE_CONTENT(KARMPEntity);
 
 KARMPEntity::KARMPEntity() = default;
 
@@ -278,65 +345,11 @@ KARStatus KARMPEntity::NotifyUpdate() const
 
 KARStatus KARMPEntity::Serialize(KARMPSerializer* serializer) const
 {
-    if (serializer == nullptr)
-        return KARSuccess;
-    static const bool nameLeftOut = IsSet("NO_MP_NAME_FOR_SERIALIZATION");
-    static const bool outputsWritten = IsSet("MOT_DUMP_OUTPUTS");
-
-    karmp::ElementWriter element(serializer);
-    const std::wstring* identifier = nullptr;
-    if (KARMPVerify(!KARFailed(EnsureIdentifier(identifier))))
-        element.Attribute(L"id", *identifier);
-    element.Attribute(L"name", nameLeftOut ? std::wstring_view() : getEntityName());
-    if (karmp::AtLeast(element.Version(), karmp::R2017_1))
-        element.Attribute(L"isActive", std::wstring_view(IsActive() ? L"yes" : L"no"));
-    if (m_id != nullptr)
-        element.Attribute(L"entityID", kar::ToWide(m_id->Text()));
-
-    element.References(L"Parameters", L"Parameter", m_parameters);
-    element.References(L"States", L"State", m_states);
-    if (outputsWritten)
-        element.References(L"Outputs", L"Output", m_outputs);
-    element.References(L"AggregatedElements", L"Element", m_aggregatedElements);
-    return KARSuccess;
+    return karmp::WriteContent(ClassContent(), this, serializer, nullptr);
 }
 
 KARStatus KARMPEntity::Deserialize(const KARMPDeserializer* deserializer,
                                    const KARMPEntityTable& entities)
 {
-    if (deserializer == nullptr)
-        return KARSuccess;
-    using karmp::Absent;
-    karmp::ElementReader element(deserializer);
-    std::wstring identifier;
-    if (element.Attribute(L"id", identifier, Absent::ReportAndKeep))
-        TakeIdentifier(std::move(identifier));
-    std::wstring name;
-    if (element.Attribute(L"name", name, Absent::ReportAndKeep))
-        setEntityName(std::move(name));
-    karmp::ReadText active;
-    if (karmp::AtLeast(element.Version(), karmp::R2017_1) &&
-        element.Attribute(L"isActive", active, Absent::ReportAndKeep)) {
-        if (active.View() == L"yes"sv)
-            Activate();
-        else if (active.View() == L"no"sv)
-            Deactivate();
-    }
-    std::wstring text;
-    if (element.Attribute(L"entityID", text, Absent::Keep))
-        SetID(KARString(kar::ToUtf8(text)));
-
-    element.References<KARMPParameter>(
-        L"Parameters", L"Parameter", entities,
-        [this](const auto& entry) { return AddParameter(entry); });
-    element.References<KARMPState>(L"States", L"State", entities,
-                                   [this](const auto& entry) { return AddState(entry); });
-    // Unlike in Serialize, the variable is looked up afresh on every call that it matters to.
-    if (element.Has(L"Outputs") && IsSet("MOT_DUMP_OUTPUTS"))
-        element.References<KARMPOutput>(
-            L"Outputs", L"Output", entities,
-            [this](const auto& entry) { return AddOutput(entry); });
-    element.References<KARMPEntity>(L"AggregatedElements", L"Element", entities,
-                                    [this](const auto& e) { return AddAggregatedElement(e); });
-    return KARSuccess;
+    return karmp::ReadContent(ClassContent(), this, deserializer, entities, nullptr);
 }

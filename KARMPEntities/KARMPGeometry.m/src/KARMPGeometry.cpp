@@ -3,14 +3,28 @@
 #include "KARIMPGeometryLoader.h"
 #include "KARMPBody.h"
 #include "KARMPConstraint.h"
-#include "KARMPElementReader.h"
-#include "KARMPElementWriter.h"
+#include "KARMPContentWalk.h"
+#include "KARMPFrames.h"
 #include "KARMPLoaderAccess.h"
 #include "KARMPUnlinkAll.h"
 
 #include <utility>
 
 KARMP_DEFINE_ABSTRACT_ENTITY(KARMPGeometry, "75F51E72-CC9C-44c3-AE3B-5F1AF2E51326");
+
+template <>
+struct karmp::ContentOf<KARMPGeometry>
+{
+    using C = KARMPGeometry;
+    static constexpr auto List = Base(
+        "A geometry on which constraints are put.", LenientFrame,
+        Reference<&C::GetBody, &C::SetBody>(L"Body", "The body that it moves with.")
+            .OtherSide(L"Geometries"),
+        References<&C::GetLinkedConstraintCount, &C::GetLinkedConstraint, &C::LinkToConstraint>(
+            L"Constraints", L"Constraint", "The constraints that are put on it.")
+            .OtherSide(L"Geometries"));
+};
+KARMP_DEFINE_CONTENT(KARMPGeometry);
 
 KARMPGeometry::KARMPGeometry() = default;
 KARMPGeometry::KARMPGeometry(const KARMPGeometry& source, CopyMode mode) : Super(source, mode) {}
@@ -82,32 +96,4 @@ int KARMPGeometry::GetLinkedConstraintCount() const
 KARStatus KARMPGeometry::RemoveConstraint(const QOBSharedHandle<KARMPConstraint>& constraint)
 {
     return m_linkedConstraints.Remove(constraint);
-}
-
-KARStatus KARMPGeometry::Serialize(KARMPSerializer* serializer) const
-{
-    karmp::ElementWriter element(serializer);
-    if (!element || !element.Base(Super::Serialize(element.Node())))
-        return KARFailure;
-    QOBSharedHandle<KARMPBody> body;
-    if (!KARFailed(GetBody(body)))
-        element.Reference(L"Body", body);
-    element.References<KARMPConstraint>(
-        L"Constraints", L"Constraint", GetLinkedConstraintCount(),
-        [this](int index, auto& constraint) { return GetLinkedConstraint(index, constraint); });
-    return KARSuccess;
-}
-
-KARStatus KARMPGeometry::Deserialize(const KARMPDeserializer* deserializer,
-                                     const KARMPEntityTable& entities)
-{
-    karmp::ElementReader element(deserializer);
-    if (!element || !element.Base(Super::Deserialize(element.Node(), entities)))
-        return KARFailure;
-    element.Reference<KARMPBody>(
-        L"Body", entities, [this](const auto& body) { return SetBody(body); });
-    element.References<KARMPConstraint>(
-        L"Constraints", L"Constraint", entities,
-        [this](const auto& constraint) { return LinkToConstraint(constraint); });
-    return KARSuccess;
 }

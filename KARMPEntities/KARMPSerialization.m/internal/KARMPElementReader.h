@@ -135,8 +135,12 @@ public:
                 read(ElementReader(*item));
     }
 
-    /// The entity that this element refers to by its "id", null when the table has none or a null
-    /// one. A missing "id" is reported. Throws QOBEInvalidCast when the entity is not a T.
+    /// The entry of the table that this element refers to by its "id", null when the table has none
+    /// or a null one. A missing "id" is reported.
+    const QOBSharedHandle<KARMPEntity>* FindTarget(const KARMPEntityTable& entities,
+                                                   Where where) const;
+    /// The same as a handle on a T. A missing "id" is reported. Throws QOBEInvalidCast when the
+    /// entity is not a T.
     template <class T>
     QOBSharedHandle<T> Target(const KARMPEntityTable& entities,
                               Where where = Where::current()) const
@@ -187,9 +191,6 @@ private:
     void Missing(Absent absent, Where where);
     bool ReadDoubles(const std::wstring_view* names, double* values, std::size_t count,
                      Absent absent, Where where);
-    const QOBSharedHandle<KARMPEntity>* FindTarget(const KARMPEntityTable& entities,
-                                                   Where where) const;
-
     const KARMPDeserializer* m_node = nullptr;
     bool m_failed = false;
 };

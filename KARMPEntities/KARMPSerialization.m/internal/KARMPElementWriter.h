@@ -4,6 +4,7 @@
 
 #include "KARMPEnumerationTexts.h"
 #include "KARMPFailedCheck.h"
+#include "KARMPItemNames.h"
 #include "KARMPLinkList.h"
 #include "KARMPSerializer.h"
 #include "KARMPVersions.h"
@@ -21,20 +22,6 @@
 class KARMPEntity;
 
 namespace karmp {
-
-/// The names of a group of doubles that stand in an element of their own or beside each other.
-template <std::size_t N>
-using Names = std::array<std::wstring_view, N>;
-
-inline constexpr Names<3> OriginNames{L"Ox", L"Oy", L"Oz"};
-inline constexpr Names<3> PointNames{L"Px", L"Py", L"Pz"};
-inline constexpr Names<3> VectorNames{L"Vx", L"Vy", L"Vz"};
-inline constexpr Names<3> CentreNames{L"Cx", L"Cy", L"Cz"};
-inline constexpr Names<3> DirectionNames{L"Dx", L"Dy", L"Dz"};
-inline constexpr Names<3> NormalNames{L"Nx", L"Ny", L"Nz"};
-/// A matrix by columns.
-inline constexpr Names<9> MatrixNames{L"M1x", L"M1y", L"M1z", L"M2x", L"M2y",
-                                      L"M2z", L"M3x", L"M3y", L"M3z"};
 
 class ElementWriter
 {
@@ -141,12 +128,13 @@ public:
     /// Writes "id" and, when `withName`, "name" of an entity as attributes of this element.
     bool ReferenceAttributes(const KARMPEntity* entity, bool withName,
                              Where where = Where::current());
+    /// Adds a reference to an entity that cannot be had.
+    void UnknownReference(std::wstring_view item, Where where);
 
 private:
     bool Added(KARStatus status, Where where);
     bool AddDoubles(const std::wstring_view* names, const double* values, std::size_t count,
                     Where where);
-    void UnknownReference(std::wstring_view item, Where where);
 
     KARMPSerializer* m_node = nullptr;
     bool m_failed = false;

@@ -1,0 +1,193 @@
+// The items of a content list: what a class holds in a document, each as data that any walker can
+// read, with no knowledge of nodes, bytes or schemas.
+#pragma once
+
+#include "KARMPEnumerations.h"
+#include "KARMPFailedCheck.h"
+#include "KARStatus.h"
+#include "QOBSharedHandle.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+class KARMPEntity;
+class QOBClassInfo;
+
+namespace karmp {
+
+struct Content;
+
+/// What an item holds.
+enum class ItemKind : std::uint8_t {
+    Group,          ///< Further items.
+    Number,         ///< A double.
+    Integer,        ///< An int.
+    Flag,           ///< A bool.
+    Text,           ///< A text.
+    Word,           ///< One of a table of words.
+    Code,           ///< An enumeration as its number.
+    Numbers,        ///< Several doubles, each in an element of its own name.
+    Transformation, ///< A translation and a rotation matrix.
+    OptionalNumber, ///< A flag and, when it is set, a double.
+    Reference,      ///< An entity by its identifier.
+    References,     ///< A list of entities.
+    Records,        ///< A list of groups.
+    Stream          ///< Bytes as base 64.
+};
+
+/// Where an item stands in the element that holds it.
+enum class ItemPlace : std::uint8_t {
+    Element,   ///< In a child element of its name.
+    Attribute, ///< In an attribute of its name.
+    Inline     ///< Its numbers stand directly in the element; the name serves programs only.
+};
+
+/// What it means to a reader that an item is not there.
+enum class ItemPresence : std::uint8_t {
+    Reported, ///< A failed check; reading goes on.
+    Required, ///< A failed check that counts in the status.
+    Optional  ///< Nothing.
+};
+
+/// A value on its way between an entity and a walker. One serves many items in a row; an item uses
+/// the field of its kind alone.
+struct ItemValue
+{
+    /// The largest number of doubles of an item: a translation and a matrix by columns.
+    static constexpr std::size_t Capacity = 12;
+
+    std::array<double, Capacity> numbers;
+    /// An integer, a code, the row of a word, or a flag as 0 and 1.
+    int number = 0;
+    /// A text; it may refer to `buffer`.
+    std::wstring_view text;
+    std::wstring buffer;
+    /// The target of a reference that is written.
+    QOBSharedBase entity;
+    /// The target of a reference that is read, not null.
+    const QOBSharedHandle<KARMPEntity>* target = nullptr;
+};
+
+/// One item. `owner` is the entity as a KARMPEntity, or the record as its own class. Items of a
+/// list stand in the order of writing, of reading and of the setters' calls; those of a group
+/// follow the group.
+struct Item
+{
+    std::wstring_view name;
+    /// One sentence on the meaning.
+    std::string_view says;
+    KARMPPhysicalQuantity::Enum quantity = KARMPPhysicalQuantity::NoPhysicalQuantity;
+    ItemKind kind = ItemKind::Group;
+    ItemPlace place = ItemPlace::Element;
+    ItemPresence presence = ItemPresence::Reported;
+
+    /// Written by the node walker; read by it.
+    bool isWritten = true;
+    bool isRead = true;
+    /// Written and read by code of the class; the item describes what that does.
+    bool isCoded = false;
+    /// A missing value or component becomes 0; otherwise it stays as it is.
+    bool zeroIfMissing = false;
+    /// A word that is none of the table leaves the entity as it is; otherwise it is row 0.
+    bool knownWordsOnly = false;
+    /// The failure of an item of this group, or of this item, counts in the status of the whole.
+    bool countsWithin = false;
+    bool isUncounted = false;
+    /// Walked although the base failed.
+    bool evenIfBaseFails = false;
+    /// The target's name is written whether names are left out or not.
+    bool alwaysNamed = false;
+    /// The target dies with this entity.
+    bool isOwned = false;
+    /// Any name is read for the entries of a list or of a group's children.
+    bool anyName = false;
+
+    /// Number of the items that follow and belong to this one.
+    std::uint16_t inner = 0;
+    /// Versions from which on, and below which, the item exists; empty without a limit.
+    std::wstring_view since;
+    std::wstring_view until;
+    /// The words of a Word, row by row; the names of Numbers; flag and number of OptionalNumber.
+    std::span<const std::wstring_view> words;
+    /// The element of each entry of References and Records.
+    std::wstring_view entry;
+    /// The class that targets are derived from.
+    const QOBClassInfo& (*target)() = nullptr;
+    /// The item of the target that refers back.
+    std::wstring_view otherSide;
+    /// The content of each record.
+    const Content& (*record)() = nullptr;
+
+    /// Conditions for writing and for reading; null without one.
+    bool (*when)(const void* owner) = nullptr;
+    bool (*whenRead)(const void* owner) = nullptr;
+    /// Fetches the value. A failure means that there is none; for values that must be there the
+    /// writer reports it.
+    KARStatus (*get)(const void* owner, ItemValue& value) = nullptr;
+    /// Stores the value; for a reference, links the target; for a group, told that it was found.
+    KARStatus (*set)(void* owner, const ItemValue& value) = nullptr;
+    /// The entries of a list: how many, and one by its index.
+    int (*count)(const void* owner) = nullptr;
+    KARStatus (*at)(const void* owner, int index, ItemValue& value) = nullptr;
+
+    /// The place of the item in the class's source, which reports name.
+    KARMPSourceLocation where{"", 0};
+};
+
+/// The statuses of a class on one side, writing or reading.
+struct ContentStatuses
+{
+    KARStatus nullNode = KARFailure;
+    /// The class's element could not be added, or is not there.
+    KARStatus missingElement = KARFailure;
+    KARStatus failedBase = KARFailure;
+    /// What a failure that counts gives.
+    KARStatus counted = KARFailure;
+    /// Failed items count; otherwise they are reported alone.
+    bool itemsCount = false;
+    /// Failing setters of values count as well.
+    bool settersCount = false;
+    /// A counted failure among the items is reported once more at the end.
+    bool reportedAgain = false;
+    /// A null node is no failed check.
+    bool silentNull = false;
+    /// The base comes after the items; otherwise it comes first.
+    bool baseLast = false;
+    /// The base's status is passed on without a report, and is the result unless items count.
+    bool passesBase = false;
+    /// A failing base is reported, and items that say so are walked all the same.
+    bool goesOn = false;
+};
+
+/// How the classes of a family write and read.
+struct ContentFrame
+{
+    ContentStatuses write;
+    ContentStatuses read;
+};
+
+/// The whole content of a class without that of its base.
+struct Content
+{
+    /// The class's element; empty for a base, which writes into the element of the class.
+    std::wstring_view element;
+    /// The element that is read where it is another one.
+    std::wstring_view readElement;
+    std::string_view says;
+    ContentFrame frame;
+    std::span<const Item> items;
+    /// Null for the first class of a row.
+    const Content& (*base)() = nullptr;
+    /// True while the entity is neither written nor read.
+    bool (*leftOut)(const void* owner) = nullptr;
+    KARMPSourceLocation where{"", 0};
+
+    /// The element that the reader looks for.
+    std::wstring_view ReadElement() const { return readElement.empty() ? element : readElement; }
+};
+
+} // namespace karmp

@@ -1,0 +1,147 @@
+// Items of a content list that refer to other entities.
+#pragma once
+
+#include "KARMPContent.h"
+#include "KARMPElementReader.h"
+
+namespace karmp {
+
+/// The entity type of a handle, a link, or a list of links.
+template <class T>
+struct LinkTarget;
+template <class T>
+struct LinkTarget<QOBSharedHandle<T>>
+{
+    using Type = T;
+};
+template <class T>
+struct LinkTarget<KARMPLink<T>>
+{
+    using Type = T;
+};
+template <class T>
+struct LinkTarget<KARMPLinkList<T>>
+{
+    using Type = T;
+};
+
+/// Fetches the target of a link; a failure without one.
+template <auto Get>
+KARStatus FetchTarget(const void* owner, ItemValue& value)
+{
+    using Traits = TraitsOf<Get>;
+    const auto& object = OwnerAs<typename Traits::Class>(owner);
+    using Target = typename LinkTarget<typename Traits::Value>::Type;
+    if constexpr (std::is_same_v<typename Traits::Value, KARMPLink<Target>>) {
+        value.entity = (object.*Get).Handle();
+        return value.entity ? KARSuccess : KARFailure;
+    } else if constexpr (std::is_member_object_pointer_v<decltype(Get)>) {
+        value.entity = object.*Get;
+        return value.entity ? KARSuccess : KARFailure;
+    } else {
+        QOBSharedHandle<Target> target;
+        const KARStatus status = Traits::Get(Get, object, target);
+        value.entity = target;
+        return status;
+    }
+}
+/// Links the target that was read. Throws QOBEInvalidCast when it is of another class.
+template <auto Link>
+KARStatus LinkTargetBy(void* owner, const ItemValue& value)
+{
+    using Traits = TraitsOf<Link>;
+    auto& object = OwnerAs<typename Traits::Class>(owner);
+    using Target = typename LinkTarget<typename Traits::Value>::Type;
+    return Traits::Set(Link, object, HandleAs<Target>(*value.target));
+}
+
+/// A single entity in an element with its identifier. `Get` is the link or its getter, which fails
+/// while there is none; `Link` is what links a target that was read.
+template <auto Get, auto Link>
+constexpr ItemList<1> Reference(std::wstring_view name, std::string_view says,
+                                Where where = Where::current())
+{
+    ItemList<1> list{};
+    Item& item = list.First();
+    item.name = name;
+    item.says = says;
+    item.kind = ItemKind::Reference;
+    item.presence = ItemPresence::Optional;
+    item.target = &LinkTarget<typename TraitsOf<Link>::Value>::Type::ClassInfo;
+    item.get = &FetchTarget<Get>;
+    item.set = &LinkTargetBy<Link>;
+    item.where = where;
+    return list;
+}
+
+/// The entries of a link list, or of a pair of operations, by index.
+template <auto List>
+struct ListedEntries
+{
+    using C = typename TraitsOf<List>::Class;
+    static int Count(const void* owner) { return (OwnerAs<C>(owner).*List).Count(); }
+    static KARStatus At(const void* owner, int index, ItemValue& value)
+    {
+        value.entity = (OwnerAs<C>(owner).*List).At(index);
+        return KARSuccess;
+    }
+};
+template <class Getter>
+struct EntryGetter;
+template <class C, class T>
+struct EntryGetter<KARStatus (C::*)(int, QOBSharedHandle<T>&) const>
+{
+    using Class = C;
+    using Target = T;
+};
+template <auto CountOf, auto GetAt>
+struct CountedEntries
+{
+    using Getter = EntryGetter<std::remove_const_t<decltype(GetAt)>>;
+    using C = typename Getter::Class;
+    static int Count(const void* owner) { return (OwnerAs<C>(owner).*CountOf)(); }
+    static KARStatus At(const void* owner, int index, ItemValue& value)
+    {
+        QOBSharedHandle<typename Getter::Target> entry;
+        const KARStatus status = (OwnerAs<C>(owner).*GetAt)(index, entry);
+        value.entity = entry;
+        return status;
+    }
+};
+
+template <class Entries, auto Link>
+constexpr ItemList<1> MakeReferences(std::wstring_view name, std::wstring_view entry,
+                                     std::string_view says, Where where)
+{
+    ItemList<1> list{};
+    Item& item = list.First();
+    item.name = name;
+    item.entry = entry;
+    item.says = says;
+    item.kind = ItemKind::References;
+    item.presence = ItemPresence::Optional;
+    item.target = &LinkTarget<typename TraitsOf<Link>::Value>::Type::ClassInfo;
+    item.count = &Entries::Count;
+    item.at = &Entries::At;
+    item.set = &LinkTargetBy<Link>;
+    item.where = where;
+    return list;
+}
+/// The entities of a link list, in an element with one element an entry; nothing when there are
+/// none. `Link` links each target that was read.
+template <auto LinkList, auto Link>
+constexpr ItemList<1> References(std::wstring_view name, std::wstring_view entry,
+                                 std::string_view says, Where where = Where::current())
+{
+    return MakeReferences<ListedEntries<LinkList>, Link>(name, entry, says, where);
+}
+/// The same by the operations that count the entries and give one, virtual ones for instance. An
+/// entry that cannot be had is written with the bool true as identifier and name.
+template <auto CountOf, auto GetAt, auto Link>
+constexpr ItemList<1> References(std::wstring_view name, std::wstring_view entry,
+                                 std::string_view says, Where where = Where::current())
+{
+    return MakeReferences<CountedEntries<CountOf, GetAt>, Link>(name, entry, says, where);
+}
+
+} // namespace karmp

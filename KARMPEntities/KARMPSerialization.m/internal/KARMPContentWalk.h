@@ -1,0 +1,165 @@
+// Writing and reading a class by its content list, and the macros that give a class its operations
+// and its entry among the schemas.
+#pragma once
+
+#include "KARMPContent.h"
+#include "KARMPContentLinks.h"
+
+#include <string_view>
+
+namespace karmp {
+
+/// Writes the base's content into an element, and reads it.
+using WriteBase = KARStatus (*)(const void* owner, KARMPSerializer* element);
+using ReadBase = KARStatus (*)(void* owner, const KARMPDeserializer* element,
+                               const KARMPEntityTable& entities);
+
+/// Writes an owner; null for `base` when there is none.
+KARStatus WriteContent(const Content& content, const void* owner, KARMPSerializer* serializer,
+                       WriteBase base);
+/// Reads an owner in the same manner.
+KARStatus ReadContent(const Content& content, void* owner, const KARMPDeserializer* deserializer,
+                      const KARMPEntityTable& entities, ReadBase base);
+
+/// Writes an entity of class C around what its class Base writes.
+template <class Base, class C>
+KARStatus WriteContent(const C& entity, KARMPSerializer* serializer)
+{
+    return WriteContent(
+        C::ClassContent(), OwnerOf(entity), serializer,
+        [](const void* owner, KARMPSerializer* element) {
+            return OwnerAs<C>(owner).Base::Serialize(element);
+        });
+}
+/// Reads an entity of class C around what its class Base reads.
+template <class Base, class C>
+KARStatus ReadContent(C& entity, const KARMPDeserializer* deserializer,
+                      const KARMPEntityTable& entities)
+{
+    return ReadContent(
+        C::ClassContent(), OwnerOf(entity), deserializer, entities,
+        [](void* owner, const KARMPDeserializer* element, const KARMPEntityTable& table) {
+            return OwnerAs<C>(owner).Base::Deserialize(element, table);
+        });
+}
+
+/// The content of a class and how its family writes and reads it.
+template <std::size_t N>
+struct ContentList
+{
+    Content content;
+    ItemList<N> list;
+
+    /// The class is neither written nor read while a condition holds.
+    template <auto Condition>
+    constexpr ContentList LeftOutWhen() const
+    {
+        ContentList copy = *this;
+        copy.content.leftOut = ItemList<1>{}.template When<Condition>().items[0].when;
+        return copy;
+    }
+    /// The element that is read is another one than that which is written.
+    constexpr ContentList ReadAs(std::wstring_view element) const
+    {
+        ContentList copy = *this;
+        copy.content.readElement = element;
+        return copy;
+    }
+};
+
+constexpr Content MakeHead(std::wstring_view element, std::string_view says,
+                           const ContentFrame& frame, Where where)
+{
+    Content head;
+    head.element = element;
+    head.says = says;
+    head.frame = frame;
+    head.where = where;
+    return head;
+}
+
+/// A class with its element and its items.
+template <std::size_t... N>
+constexpr auto Element(std::wstring_view element, std::string_view says, const ContentFrame& frame,
+                       const ItemList<N>&... lists)
+{
+    return ContentList<(N + ... + 0)>{MakeHead(element, says, frame, {"", 0}), List(lists...)};
+}
+/// A base, which writes into the element of the class.
+template <std::size_t... N>
+constexpr auto Base(std::string_view says, const ContentFrame& frame, const ItemList<N>&... lists)
+{
+    return Element({}, says, frame, lists...);
+}
+
+/// Ends the compilation when an item that is read cannot be stored.
+template <std::size_t N>
+consteval bool IsWhole(const ItemList<N>& list)
+{
+    for (const Item& item : list.items) {
+        const bool isValue = item.kind != ItemKind::Group && item.kind != ItemKind::Records &&
+                             item.kind != ItemKind::Stream;
+        if (isValue && item.isRead && !item.isCoded && item.set == nullptr)
+            return false;
+    }
+    return true;
+}
+
+/// Enters a class's content under the class's name when it is constructed.
+class ContentRegistration
+{
+public:
+    ContentRegistration(std::string_view className, const Content& (*content)());
+};
+/// The content of a class by its name; null for a class without a list.
+const Content* FindContent(std::string_view className);
+
+} // namespace karmp
+
+/// The content of a class, described only: its code writes and reads it.
+#define KARMP_DESCRIBE_CONTENT(Class, ...)                                                         \
+    static_assert(karmp::IsWhole(karmp::ContentOf<Class>::List.list),                              \
+                  "each item that is read has a setter");                                          \
+    const karmp::Content& Class::ClassContent()                                                    \
+    {                                                                                              \
+        static constexpr auto items = karmp::ContentOf<Class>::List.list;                          \
+        static constexpr karmp::Content content = [] {                                             \
+            karmp::Content made = karmp::ContentOf<Class>::List.content;                           \
+            made.items = items.items;                                                              \
+            made.base = karmp::BaseContent<KARMP_RECORD_PARENT(Class, __VA_ARGS__)>();             \
+            made.where = {__builtin_FILE(), __builtin_LINE()};                                     \
+            return made;                                                                           \
+        }();                                                                                       \
+        return content;                                                                            \
+    }                                                                                              \
+    static const karmp::ContentRegistration s_##Class##Content(#Class, &Class::ClassContent)
+
+/// The content of a class, with its operations. Where another class than the direct base is written
+/// and read within it, that class is a further argument.
+#define KARMP_DEFINE_CONTENT(Class, ...)                                                           \
+    KARMP_DESCRIBE_CONTENT(Class __VA_OPT__(, ) __VA_ARGS__);                                      \
+    KARStatus Class::Serialize(KARMPSerializer* serializer) const                                  \
+    {                                                                                              \
+        return karmp::WriteContent<KARMP_RECORD_PARENT(Class, __VA_ARGS__)>(*this, serializer);    \
+    }                                                                                              \
+    KARStatus Class::Deserialize(const KARMPDeserializer* deserializer,                            \
+                                 const KARMPEntityTable& entities)                                 \
+    {                                                                                              \
+        return karmp::ReadContent<KARMP_RECORD_PARENT(Class, __VA_ARGS__)>(*this, deserializer,    \
+                                                                           entities);              \
+    }                                                                                              \
+    static_assert(true)
+
+namespace karmp {
+
+/// The content that a class adds to; null below the first one.
+template <class Base>
+constexpr auto BaseContent() -> const Content& (*)()
+{
+    if constexpr (std::is_base_of_v<KARMPEntity, Base>)
+        return &Base::ClassContent;
+    else
+        return nullptr;
+}
+
+} // namespace karmp

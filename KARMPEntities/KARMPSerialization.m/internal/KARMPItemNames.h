@@ -1,0 +1,27 @@
+// Names of elements that several classes share.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <string_view>
+
+namespace karmp {
+
+/// The names of a group of doubles that stand in an element of their own or beside each other.
+template <std::size_t N>
+using Names = std::array<std::wstring_view, N>;
+
+inline constexpr Names<3> OriginNames{L"Ox", L"Oy", L"Oz"};
+inline constexpr Names<3> PointNames{L"Px", L"Py", L"Pz"};
+inline constexpr Names<3> VectorNames{L"Vx", L"Vy", L"Vz"};
+inline constexpr Names<3> CentreNames{L"Cx", L"Cy", L"Cz"};
+inline constexpr Names<3> DirectionNames{L"Dx", L"Dy", L"Dz"};
+inline constexpr Names<3> NormalNames{L"Nx", L"Ny", L"Nz"};
+/// A matrix by columns.
+inline constexpr Names<9> MatrixNames{L"M1x", L"M1y", L"M1z", L"M2x", L"M2y",
+                                      L"M2z", L"M3x", L"M3y", L"M3z"};
+/// The words of a flag that is no bool in the document: row 0 is false.
+inline constexpr Names<2> NoYes{L"no", L"yes"};
+inline constexpr Names<2> FalseTrue{L"FALSE", L"TRUE"};
+
+} // namespace karmp

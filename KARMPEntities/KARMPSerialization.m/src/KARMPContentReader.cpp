@@ -1,0 +1,330 @@
+// Reading by content lists.
+#include "KARMPContentWalk.h"
+#include "KARMPElementReader.h"
+
+#include <algorithm>
+#include <span>
+
+namespace karmp {
+
+namespace {
+
+constexpr std::wstring_view Translation = L"Translation";
+constexpr std::wstring_view Rotation = L"Rotation";
+
+Absent AbsentOf(ItemPresence presence)
+{
+    switch (presence) {
+    case ItemPresence::Required:
+        return Absent::ReportAndFail;
+    case ItemPresence::Optional:
+        return Absent::Keep;
+    default:
+        return Absent::ReportAndKeep;
+    }
+}
+
+class ContentReader
+{
+public:
+    ContentReader(void* owner, std::wstring_view version, const KARMPEntityTable& entities,
+                  const ContentStatuses& statuses)
+        : m_owner(owner), m_version(version), m_entities(entities), m_statuses(statuses)
+    {}
+
+    void Read(std::span<const Item> items, ElementReader& element, bool baseFailed);
+
+private:
+    bool Applies(const Item& item) const
+    {
+        return item.isRead && !item.isCoded &&
+               (item.since.empty() || AtLeast(m_version, item.since)) &&
+               (item.until.empty() || !AtLeast(m_version, item.until));
+    }
+    void ReadItem(const Item& item, std::span<const Item> inner, ElementReader& element);
+    void Store(const Item& item, ElementReader& element);
+    template <class Value>
+    bool Take(const Item& item, ElementReader& element, Value& value) const;
+    bool TakeWord(const Item& item, ElementReader& element);
+    template <class Value, class Field>
+    void ReadScalar(const Item& item, ElementReader& element, Field& field);
+    void ReadText(const Item& item, ElementReader& element);
+    void ReadNumbers(const Item& item, ElementReader& element);
+    bool ReadDoubles(std::span<const std::wstring_view> names, double* values,
+                     ElementReader& element, Absent absent, KARMPSourceLocation where);
+    void ReadGroup(const Item& item, std::span<const Item> inner, ElementReader& element);
+    void ReadTransformation(const Item& item, ElementReader& element);
+    void ReadOptionalNumber(const Item& item, ElementReader& element);
+    void ReadReference(const Item& item, ElementReader& element);
+    void ReadReferences(const Item& item, std::span<const Item> inner, ElementReader& element);
+    bool ReadAttributes(std::span<const Item> attributes, ElementReader& entry);
+
+    void* m_owner;
+    std::wstring_view m_version;
+    const KARMPEntityTable& m_entities;
+    const ContentStatuses& m_statuses;
+    ItemValue m_value;
+};
+
+void ContentReader::Read(std::span<const Item> items, ElementReader& element, bool baseFailed)
+{
+    for (std::size_t i = 0; i < items.size(); i += 1U + items[i].inner) {
+        const Item& item = items[i];
+        if ((baseFailed && !item.evenIfBaseFails) || !Applies(item))
+            continue;
+        if (item.whenRead != nullptr && (!element.Has(item.name) || !item.whenRead(m_owner)))
+            continue;
+        const auto inner = items.subspan(i + 1, item.inner);
+        if (item.isUncounted) {
+            ElementReader uncounted(element);
+            ReadItem(item, inner, uncounted);
+        } else {
+            ReadItem(item, inner, element);
+        }
+    }
+}
+
+void ContentReader::ReadItem(const Item& item, std::span<const Item> inner, ElementReader& element)
+{
+    switch (item.kind) {
+    case ItemKind::Group:
+        return ReadGroup(item, inner, element);
+    case ItemKind::Number:
+        return ReadScalar<double>(item, element, m_value.numbers[0]);
+    case ItemKind::Integer:
+    case ItemKind::Code:
+        return ReadScalar<int>(item, element, m_value.number);
+    case ItemKind::Flag:
+        return ReadScalar<bool>(item, element, m_value.number);
+    case ItemKind::Text:
+        return ReadText(item, element);
+    case ItemKind::Word:
+        if (TakeWord(item, element))
+            Store(item, element);
+        return;
+    case ItemKind::Numbers:
+        return ReadNumbers(item, element);
+    case ItemKind::Transformation:
+        return ReadTransformation(item, element);
+    case ItemKind::OptionalNumber:
+        return ReadOptionalNumber(item, element);
+    case ItemKind::Reference:
+        return ReadReference(item, element);
+    case ItemKind::References:
+        return ReadReferences(item, inner, element);
+    case ItemKind::Records:
+    case ItemKind::Stream:
+        return;
+    }
+}
+
+void ContentReader::Store(const Item& item, ElementReader& element)
+{
+    const KARStatus status = item.set(m_owner, m_value);
+    if (m_statuses.settersCount)
+        element.Base(status, item.where);
+    else
+        ElementReader::Set(status, item.where);
+}
+
+template <class Value>
+bool ContentReader::Take(const Item& item, ElementReader& element, Value& value) const
+{
+    const Absent absent = AbsentOf(item.presence);
+    // A text of an attribute is read without the node keeping a wide copy of it.
+    if constexpr (std::is_same_v<Value, karmp::ReadText>)
+        return element.Attribute(item.name, value, absent, item.where);
+    else
+        return item.place == ItemPlace::Attribute
+                   ? element.Attribute(item.name, value, absent, item.where)
+                   : element.Value(item.name, value, absent, item.where);
+}
+
+template <class Value, class Field>
+void ContentReader::ReadScalar(const Item& item, ElementReader& element, Field& field)
+{
+    Value value{};
+    const bool isRead = Take(item, element, value);
+    if (!isRead && !item.zeroIfMissing)
+        return;
+    field = isRead ? static_cast<Field>(value) : Field();
+    Store(item, element);
+}
+
+void ContentReader::ReadText(const Item& item, ElementReader& element)
+{
+    if (item.place == ItemPlace::Attribute) {
+        karmp::ReadText text;
+        if (!Take(item, element, text))
+            return;
+        m_value.text = text.View();
+        Store(item, element);
+    } else if (Take(item, element, m_value.text)) {
+        Store(item, element);
+    }
+}
+
+bool ContentReader::TakeWord(const Item& item, ElementReader& element)
+{
+    karmp::ReadText text;
+    std::wstring_view word;
+    if (item.place == ItemPlace::Attribute) {
+        if (!Take(item, element, text))
+            return false;
+        word = text.View();
+    } else if (!Take(item, element, word)) {
+        return false;
+    }
+    const auto found = std::find(item.words.begin(), item.words.end(), word);
+    if (found == item.words.end() && item.knownWordsOnly)
+        return false;
+    m_value.number = found != item.words.end() ? static_cast<int>(found - item.words.begin()) : 0;
+    return true;
+}
+
+bool ContentReader::ReadDoubles(std::span<const std::wstring_view> names, double* values,
+                                ElementReader& element, Absent absent, KARMPSourceLocation where)
+{
+    bool complete = true;
+    for (std::size_t i = 0; i < names.size(); ++i)
+        complete = element.Value(names[i], values[i], absent, where) && complete;
+    return complete;
+}
+
+void ContentReader::ReadNumbers(const Item& item, ElementReader& element)
+{
+    const auto begin = [&] {
+        if (item.zeroIfMissing)
+            std::fill_n(m_value.numbers.begin(), item.words.size(), 0.0);
+        else
+            item.get(m_owner, m_value);
+    };
+    if (item.place == ItemPlace::Inline) {
+        begin();
+        ReadDoubles(item.words, m_value.numbers.data(), element, AbsentOf(item.presence),
+                    item.where);
+    } else {
+        ElementReader child = element.Child(item.name, AbsentOf(item.presence), item.where);
+        if (!child)
+            return;
+        begin();
+        ReadDoubles(item.words, m_value.numbers.data(), child, Absent::ReportAndKeep, item.where);
+    }
+    Store(item, element);
+}
+
+void ContentReader::ReadTransformation(const Item& item, ElementReader& element)
+{
+    ElementReader child = element.Child(item.name, AbsentOf(item.presence), item.where);
+    if (!child)
+        return;
+    if (item.zeroIfMissing)
+        ItemConversion<KARMathTransformation>::Put(KARMathTransformation(), m_value);
+    else
+        item.get(m_owner, m_value);
+    double* const numbers = m_value.numbers.data();
+    if (ElementReader translation = child.Child(Translation, Absent::ReportAndKeep, item.where)) {
+        std::fill_n(numbers, VectorNames.size(), 0.0);
+        ReadDoubles(VectorNames, numbers, translation, Absent::ReportAndKeep, item.where);
+    }
+    if (ElementReader rotation = child.Child(Rotation, Absent::ReportAndKeep, item.where))
+        ReadDoubles(MatrixNames, numbers + VectorNames.size(), rotation, Absent::ReportAndKeep,
+                    item.where);
+    Store(item, element);
+}
+
+void ContentReader::ReadOptionalNumber(const Item& item, ElementReader& element)
+{
+    const Absent absent = AbsentOf(item.presence);
+    ElementReader child = element.Child(item.name, absent, item.where);
+    bool isSet = false;
+    child.Value(item.words[0], isSet, absent, item.where);
+    if (isSet && child.Value(item.words[1], m_value.numbers[0], absent, item.where)) {
+        m_value.number = 1;
+        Store(item, element);
+    }
+}
+
+void ContentReader::ReadGroup(const Item& item, std::span<const Item> inner, ElementReader& element)
+{
+    ElementReader child = element.Child(item.name, AbsentOf(item.presence), item.where);
+    if (!child)
+        return;
+    if (item.set != nullptr)
+        Store(item, element);
+    Read(inner, child, false);
+    if (item.countsWithin && KARFailed(child.Status()))
+        element.Fail();
+}
+
+void ContentReader::ReadReference(const Item& item, ElementReader& element)
+{
+    const ElementReader child = element.Child(item.name, Absent::Keep, item.where);
+    if (!child)
+        return;
+    m_value.target = child.FindTarget(m_entities, item.where);
+    if (m_value.target != nullptr)
+        ElementReader::Set(item.set(m_owner, m_value), item.where);
+}
+
+void ContentReader::ReadReferences(const Item& item, std::span<const Item> inner,
+                                   ElementReader& element)
+{
+    element.Child(item.name, Absent::Keep, item.where)
+        .Each(
+            item.entry,
+            [&](ElementReader entry) {
+                m_value.target = entry.FindTarget(m_entities, item.where);
+                if (m_value.target != nullptr && (inner.empty() || ReadAttributes(inner, entry)))
+                    ElementReader::Set(item.set(m_owner, m_value), item.where);
+            });
+}
+
+// The attributes of an entry, which its link needs; one that the version does not have is row 0.
+bool ContentReader::ReadAttributes(std::span<const Item> attributes, ElementReader& entry)
+{
+    m_value.number = 0;
+    return std::all_of(attributes.begin(), attributes.end(), [&](const Item& attribute) {
+        return !Applies(attribute) || TakeWord(attribute, entry);
+    });
+}
+
+} // namespace
+
+KARStatus ReadContent(const Content& content, void* owner, const KARMPDeserializer* deserializer,
+                      const KARMPEntityTable& entities, ReadBase base)
+{
+    const ContentStatuses& statuses = content.frame.read;
+    if (content.leftOut != nullptr && content.leftOut(owner))
+        return KARSuccess;
+    if (deserializer == nullptr) {
+        KARMPVerify(statuses.silentNull, content.where);
+        return statuses.nullNode;
+    }
+    ElementReader element = content.element.empty()
+                                ? ElementReader(deserializer, content.where)
+                                : ElementReader(deserializer, content.ReadElement(), content.where);
+    if (!element)
+        return statuses.missingElement;
+
+    KARStatus passed = KARSuccess;
+    bool baseFailed = false;
+    if (base != nullptr && !statuses.baseLast) {
+        passed = base(owner, element.Node(), entities);
+        baseFailed = !statuses.passesBase && !element.Base(passed, content.where);
+        if (baseFailed && !statuses.goesOn)
+            return statuses.failedBase;
+    }
+    ContentReader(owner, element.Version(), entities, statuses)
+        .Read(content.items, element, baseFailed);
+    if (base != nullptr && statuses.baseLast)
+        passed = base(owner, element.Node(), entities);
+    if (statuses.itemsCount && KARFailed(element.Status())) {
+        if (statuses.reportedAgain)
+            KARMPVerify(false, content.where);
+        return statuses.counted;
+    }
+    return statuses.passesBase ? passed : KARSuccess;
+}
+
+} // namespace karmp

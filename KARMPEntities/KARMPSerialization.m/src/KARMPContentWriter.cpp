@@ -1,0 +1,240 @@
+// Writing by content lists.
+#include "KARMPContentWalk.h"
+#include "KARMPElementWriter.h"
+
+#include <span>
+
+namespace karmp {
+
+namespace {
+
+constexpr std::wstring_view Translation = L"Translation";
+constexpr std::wstring_view Rotation = L"Rotation";
+
+class ContentWriter
+{
+public:
+    ContentWriter(const void* owner, std::wstring_view version) : m_owner(owner), m_version(version)
+    {}
+
+    void Write(std::span<const Item> items, ElementWriter& element, bool baseFailed);
+
+private:
+    bool Applies(const Item& item) const
+    {
+        return item.isWritten && !item.isCoded &&
+               (item.since.empty() || AtLeast(m_version, item.since)) &&
+               (item.until.empty() || !AtLeast(m_version, item.until)) &&
+               (item.when == nullptr || item.when(m_owner));
+    }
+    void WriteItem(const Item& item, std::span<const Item> inner, ElementWriter& element);
+    void WriteValue(const Item& item, ElementWriter& element);
+    void WriteDoubles(std::span<const std::wstring_view> names, const double* values,
+                      ElementWriter& element, KARMPSourceLocation where);
+    void WriteGroup(const Item& item, std::span<const Item> inner, ElementWriter& element);
+    void WriteTransformation(const Item& item, ElementWriter& element);
+    void WriteOptionalNumber(const Item& item, ElementWriter& element);
+    void WriteReference(const Item& item, ElementWriter& element);
+    void WriteReferences(const Item& item, std::span<const Item> inner, ElementWriter& element);
+    void WriteEntry(const Item& item, std::span<const Item> attributes, int index,
+                    ElementWriter& list);
+
+    const void* m_owner;
+    std::wstring_view m_version;
+    ItemValue m_value;
+};
+
+std::wstring_view WordOfRow(const Item& item, int row)
+{
+    const auto index = static_cast<std::size_t>(row);
+    return item.words[row > 0 && index < item.words.size() ? index : 0];
+}
+
+template <class Value>
+void Put(const Item& item, ElementWriter& element, Value value)
+{
+    if (item.place == ItemPlace::Attribute)
+        element.Attribute(item.name, value, item.where);
+    else
+        element.Value(item.name, value, item.where);
+}
+
+void ContentWriter::Write(std::span<const Item> items, ElementWriter& element, bool baseFailed)
+{
+    for (std::size_t i = 0; i < items.size(); i += 1U + items[i].inner) {
+        const Item& item = items[i];
+        if ((baseFailed && !item.evenIfBaseFails) || !Applies(item))
+            continue;
+        const auto inner = items.subspan(i + 1, item.inner);
+        if (item.isUncounted) {
+            ElementWriter uncounted(element);
+            WriteItem(item, inner, uncounted);
+        } else {
+            WriteItem(item, inner, element);
+        }
+    }
+}
+
+void ContentWriter::WriteItem(const Item& item, std::span<const Item> inner, ElementWriter& element)
+{
+    switch (item.kind) {
+    case ItemKind::Group:
+        return WriteGroup(item, inner, element);
+    case ItemKind::Reference:
+        return WriteReference(item, element);
+    case ItemKind::References:
+        return WriteReferences(item, inner, element);
+    case ItemKind::Records:
+    case ItemKind::Stream:
+        return;
+    default:
+        if (element.Base(item.get(m_owner, m_value), item.where))
+            WriteValue(item, element);
+    }
+}
+
+void ContentWriter::WriteValue(const Item& item, ElementWriter& element)
+{
+    switch (item.kind) {
+    case ItemKind::Number:
+        return Put(item, element, m_value.numbers[0]);
+    case ItemKind::Integer:
+    case ItemKind::Code:
+        return Put(item, element, m_value.number);
+    case ItemKind::Flag:
+        return Put(item, element, m_value.number != 0);
+    case ItemKind::Text:
+        return Put(item, element, m_value.text);
+    case ItemKind::Word:
+        return Put(item, element, WordOfRow(item, m_value.number));
+    case ItemKind::Numbers:
+        if (item.place == ItemPlace::Inline)
+            return WriteDoubles(item.words, m_value.numbers.data(), element, item.where);
+        if (ElementWriter child = element.Child(item.name, item.where))
+            WriteDoubles(item.words, m_value.numbers.data(), child, item.where);
+        return;
+    case ItemKind::Transformation:
+        return WriteTransformation(item, element);
+    case ItemKind::OptionalNumber:
+        return WriteOptionalNumber(item, element);
+    default:
+        return;
+    }
+}
+
+void ContentWriter::WriteDoubles(std::span<const std::wstring_view> names, const double* values,
+                                 ElementWriter& element, KARMPSourceLocation where)
+{
+    for (std::size_t i = 0; i < names.size(); ++i)
+        element.Value(names[i], values[i], where);
+}
+
+void ContentWriter::WriteGroup(const Item& item, std::span<const Item> inner,
+                               ElementWriter& element)
+{
+    ElementWriter child = element.Child(item.name, item.where);
+    if (!child)
+        return;
+    Write(inner, child, false);
+    if (item.countsWithin && KARFailed(child.Status()))
+        element.Fail();
+}
+
+void ContentWriter::WriteTransformation(const Item& item, ElementWriter& element)
+{
+    ElementWriter child = element.Child(item.name, item.where);
+    if (!child)
+        return;
+    const double* const numbers = m_value.numbers.data();
+    if (ElementWriter translation = child.Child(Translation, item.where))
+        WriteDoubles(VectorNames, numbers, translation, item.where);
+    if (ElementWriter rotation = child.Child(Rotation, item.where))
+        WriteDoubles(MatrixNames, numbers + VectorNames.size(), rotation, item.where);
+}
+
+void ContentWriter::WriteOptionalNumber(const Item& item, ElementWriter& element)
+{
+    ElementWriter child = element.Child(item.name, item.where);
+    child.Value(item.words[0], m_value.number != 0, item.where);
+    if (m_value.number != 0)
+        child.Value(item.words[1], m_value.numbers[0], item.where);
+}
+
+void ContentWriter::WriteReference(const Item& item, ElementWriter& element)
+{
+    if (!KARFailed(item.get(m_owner, m_value)))
+        element.Reference(item.name, m_value.entity, item.where);
+}
+
+void ContentWriter::WriteReferences(const Item& item, std::span<const Item> inner,
+                                    ElementWriter& element)
+{
+    const int count = item.count(m_owner);
+    if (count < 1)
+        return;
+    ElementWriter list = element.Child(item.name, item.where);
+    for (int index = 0; list && index < count; ++index) {
+        if (inner.empty() && !item.alwaysNamed)
+            if (KARFailed(item.at(m_owner, index, m_value)))
+                list.UnknownReference(item.entry, item.where);
+            else
+                list.Reference(item.entry, m_value.entity, item.where);
+        else
+            WriteEntry(item, inner, index, list);
+    }
+}
+
+// An entry with attributes of its own.
+void ContentWriter::WriteEntry(const Item& item, std::span<const Item> attributes, int index,
+                               ElementWriter& list)
+{
+    ElementWriter entry = list.Child(item.entry, item.where);
+    if (!entry)
+        return;
+    item.at(m_owner, index, m_value);
+    const auto* target = static_cast<const KARMPEntity*>(m_value.entity._getReferent());
+    entry.ReferenceAttributes(target, item.alwaysNamed || KARMPSerializer::SerializeName(),
+                              item.where);
+    for (const Item& attribute : attributes)
+        if (Applies(attribute))
+            WriteValue(attribute, entry);
+}
+
+} // namespace
+
+KARStatus WriteContent(const Content& content, const void* owner, KARMPSerializer* serializer,
+                       WriteBase base)
+{
+    const ContentStatuses& statuses = content.frame.write;
+    if (content.leftOut != nullptr && content.leftOut(owner))
+        return KARSuccess;
+    if (serializer == nullptr) {
+        KARMPVerify(statuses.silentNull, content.where);
+        return statuses.nullNode;
+    }
+    ElementWriter element = content.element.empty()
+                                ? ElementWriter(serializer, content.where)
+                                : ElementWriter(serializer, content.element, content.where);
+    if (!element)
+        return statuses.missingElement;
+
+    KARStatus passed = KARSuccess;
+    bool baseFailed = false;
+    if (base != nullptr && !statuses.baseLast) {
+        passed = base(owner, element.Node());
+        baseFailed = !statuses.passesBase && !element.Base(passed, content.where);
+        if (baseFailed && !statuses.goesOn)
+            return statuses.failedBase;
+    }
+    ContentWriter(owner, element.Version()).Write(content.items, element, baseFailed);
+    if (base != nullptr && statuses.baseLast)
+        passed = base(owner, element.Node());
+    if (statuses.itemsCount && KARFailed(element.Status())) {
+        if (statuses.reportedAgain)
+            KARMPVerify(false, content.where);
+        return statuses.counted;
+    }
+    return statuses.passesBase ? passed : KARSuccess;
+}
+
+} // namespace karmp
