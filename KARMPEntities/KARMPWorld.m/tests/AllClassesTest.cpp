@@ -2,6 +2,7 @@
 // longer among those that are not made. Values are changed in the tree that a default entity
 // writes, so that each written item is read back, whatever class it belongs to.
 #include "ClassIdentities.h"
+#include "FilledEntities.h"
 #include "KARMPConstraintParameter.h"
 #include "KARMPCoupling.h"
 #include "KARMPEnumerationTexts.h"
@@ -11,13 +12,11 @@
 #include "KARMPTestFixture.h"
 #include "KARMPValue.h"
 #include "KARMPVariable.h"
-#include "KARMPVersions.h"
 #include "KARMPWorld.h"
 #include "KARMPWorldFamilies.h"
 #include "KARProcessServices.h"
 #include "QOBBasicWorld.h"
 #include "TestDeserializer.h"
-#include "TestEntity.h"
 #include "TestSerializer.h"
 
 #include <algorithm>
@@ -26,13 +25,6 @@
 #include <set>
 
 namespace {
-
-std::vector<std::string> Classes()
-{
-    std::vector<std::string> names = KARMPFactory::GetClassNames();
-    std::erase(names, TestEntity::ClassName());
-    return names;
-}
 
 const ClassIdentity* IdentityOf(const std::string& name)
 {
@@ -262,7 +254,7 @@ class AllClasses : public KARMPTestFixture
 // The walks below go over what the factory has: a class that got lost would not be missed there.
 TEST_F(AllClasses, OfTheIdentityTableAreMadeExceptThoseThatAreKnownNotToBe)
 {
-    const std::vector<std::string> made = Classes();
+    const std::vector<std::string> made = MadeClasses();
     for (const ClassIdentity& identity : ClassIdentities) {
         const bool expected = identity.inFactory && !NotMade.contains(identity.name);
         EXPECT_EQ(std::count(made.begin(), made.end(), identity.name), expected ? 1 : 0)
@@ -274,7 +266,7 @@ TEST_F(AllClasses, OfTheIdentityTableAreMadeExceptThoseThatAreKnownNotToBe)
 
 TEST_F(AllClasses, HaveTheirPlaceInTheIdentityTable)
 {
-    for (const std::string& name : Classes()) {
+    for (const std::string& name : MadeClasses()) {
         SCOPED_TRACE(name);
         const ClassIdentity* identity = IdentityOf(name);
         ASSERT_NE(identity, nullptr);
@@ -311,7 +303,7 @@ TEST_F(AllClasses, ThatHeadAFamilyHaveTheirPlaceInTheIdentityTable)
 
 TEST_F(AllClasses, AreClonedWithNothingButTheirOwnValues)
 {
-    for (const std::string& name : Classes()) {
+    for (const std::string& name : MadeClasses()) {
         SCOPED_TRACE(name);
         auto entity = Create(name);
         entity->setEntityName(L"original");
@@ -330,7 +322,7 @@ TEST_F(AllClasses, AreClonedWithNothingButTheirOwnValues)
 
 TEST_F(AllClasses, AreOrphanedOnceAndKeepNothing)
 {
-    for (const std::string& name : Classes()) {
+    for (const std::string& name : MadeClasses()) {
         SCOPED_TRACE(name);
         auto entity = Create(name);
         const auto other = entity;
@@ -343,7 +335,7 @@ TEST_F(AllClasses, AreOrphanedOnceAndKeepNothing)
 
 TEST_F(AllClasses, WriteTheElementOfTheirName)
 {
-    for (const std::string& name : Classes()) {
+    for (const std::string& name : MadeClasses()) {
         SCOPED_TRACE(name);
         const auto entity = Create(name);
         Prepare(entity);
@@ -392,12 +384,10 @@ std::string Written(const KARMPEntity& entity, std::wstring_view version)
 
 TEST_F(AllClasses, ReadBackEveryValueThatTheyWriteAtEachVersion)
 {
-    for (const std::string& name : Classes()) {
+    for (const std::string& name : MadeClasses()) {
         if (NotReadBack.contains(name))
             continue;
-        for (const std::wstring_view version :
-             {karmp::R2015x_0, karmp::R2016_0, karmp::R2016_1, karmp::R2017_0, karmp::R2017_1,
-              karmp::R2018_0, karmp::R2018_1}) {
+        for (const std::wstring_view version : AllVersions) {
             SCOPED_TRACE(name + " at " + std::string(version.begin(), version.end()));
             const auto original = Create(name);
             Prepare(original);

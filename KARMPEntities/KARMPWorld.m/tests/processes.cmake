@@ -20,3 +20,6 @@ foreach(test IN ITEMS
         GoesOnFromTheCountOfACopiedWorld)
     karmp_process_test(KARMPWorldTests WorldIdentifierProcess.${test} NEW_MP_IDS=0)
 endforeach()
+target_compile_definitions(
+    KARMPWorldTests PRIVATE KARMP_GOLDEN_FOLDER="${CMAKE_CURRENT_LIST_DIR}/golden"
+)

@@ -1,0 +1,421 @@
+#include "FilledEntities.h"
+
+#include "ConcreteEntity.h"
+#include "KAREllipseArc.h"
+#include "KARLineCurve.h"
+#include "KARMPAlignmentConstraints.h"
+#include "KARMPAngle.h"
+#include "KARMPAxisSystem.h"
+#include "KARMPBoolean.h"
+#include "KARMPCircle.h"
+#include "KARMPCirline.h"
+#include "KARMPCoincidence.h"
+#include "KARMPCone.h"
+#include "KARMPConstant.h"
+#include "KARMPCoupling.h"
+#include "KARMPCylicone.h"
+#include "KARMPCylinder.h"
+#include "KARMPCylindricalConstraint.h"
+#include "KARMPDistance.h"
+#include "KARMPEllipse.h"
+#include "KARMPExpression.h"
+#include "KARMPHyperbola.h"
+#include "KARMPJointKinds.h"
+#include "KARMPLine.h"
+#include "KARMPLinearEquation.h"
+#include "KARMPParabola.h"
+#include "KARMPPlainConstraints.h"
+#include "KARMPPlane.h"
+#include "KARMPPoint.h"
+#include "KARMPPrismaticConstraint.h"
+#include "KARMPRevoluteConstraint.h"
+#include "KARMPScrewConstraint.h"
+#include "KARMPSerializationServices.h"
+#include "KARMPSketchFunction.h"
+#include "KARMPSphere.h"
+#include "KARMPSphericalConstraint.h"
+#include "KARMPString.h"
+#include "KARMPSymmetry.h"
+#include "KARMPTangency.h"
+#include "KARMPTorus.h"
+#include "KARMPVersions.h"
+#include "TestEntity.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// Lengths are multiples of 2^-20, which documents keep; directions are unit vectors.
+const KARMathPoint SomePoint(1.5, -2.25, 3.125);
+const KARMathVector First(0.0, 1.0, 0.0);
+const KARMathVector Second(0.0, 0.0, -1.0);
+const KARMathVector Third(-1.0, 0.0, 0.0);
+const KARMathTransformation SomePosition(KARMath3x3Matrix(First, Second, Third),
+                                         KARMathVector(10.5, -20.25, 30.125));
+
+/// An entity with an identifier; ConcreteEntity makes the like.
+template <class T>
+QOBSharedHandle<T> Identified(const std::wstring& identifier)
+{
+    const QOBSharedHandle<T> entity = T::create(identifier);
+    entity->SetIdentifier(identifier);
+    return entity;
+}
+
+template <class T>
+QOBSharedHandle<T> IdentifiedAttribute(const std::wstring& identifier)
+{
+    const QOBSharedHandle<T> attribute = TestAttribute<T>::create(identifier);
+    attribute->SetIdentifier(identifier);
+    return attribute;
+}
+
+} // namespace
+
+const std::array<std::wstring_view, 7> AllVersions{karmp::R2015x_0, karmp::R2016_0, karmp::R2016_1,
+                                                   karmp::R2017_0,  karmp::R2017_1, karmp::R2018_0,
+                                                   karmp::R2018_1};
+
+std::vector<std::string> MadeClasses()
+{
+    std::vector<std::string> names = KARMPFactory::GetClassNames();
+    std::erase(names, TestEntity::ClassName());
+    return names;
+}
+
+template <class T, class Maker>
+void FilledEntities::AddTwo(Two<T>& entities, const wchar_t* prefix, const Maker& make)
+{
+    for (std::size_t index = 0; index < entities.size(); ++index) {
+        const std::wstring identifier = prefix + std::to_wstring(index + 1);
+        entities[index] = make(identifier);
+        entities[index]->setEntityName(L"name of " + identifier);
+        m_table.Set(identifier, entities[index]);
+        m_basicWorld->addLogicalChild(entities[index]);
+    }
+}
+
+FilledEntities::FilledEntities()
+    : m_limits{KARCrvLimits(KARCrvParam(-0.5), KARCrvParam(2.5)),
+               KARCrvLimits(KARCrvParam(0.25), KARCrvParam(1.5))}
+{
+    AddTwo(m_bodies, L"B", Identified<KARMPBody>);
+    AddTwo(m_geometries, L"G", Identified<KARMPPoint>);
+    AddTwo(m_joints, L"J", Identified<KARMPRevolute>);
+    AddTwo(m_constraints, L"C", Identified<KARMPConcentricity>);
+    AddTwo(m_equations, L"E", Identified<KARMPEquation>);
+    AddTwo(m_variables, L"V", Identified<KARMPVariable>);
+    AddTwo(m_sensors, L"S", Identified<KARMPDisplacementSensor>);
+    AddTwo(m_shapes, L"H", ConcreteEntity<KARMPShape>::create);
+    AddTwo(m_connectors, L"N", ConcreteEntity<KARMPConnector>::create);
+    AddTwo(m_elements, L"A", Identified<KARMPPoint>);
+    AddTwo(m_parameters, L"P", IdentifiedAttribute<KARMPParameter>);
+    AddTwo(m_states, L"T", IdentifiedAttribute<KARMPState>);
+}
+
+FilledEntities::~FilledEntities() = default;
+
+void FilledEntities::FillTable(KARMPEntityTable& table,
+                               const QOBSharedHandle<KARMPEntity>& entity) const
+{
+    for (const KARMPEntityTable::Entry* entry : m_table.InOrder())
+        table.Set(entry->Identifier(), entity);
+}
+
+QOBSharedHandle<KARMPEntity> FilledEntities::New(const std::string& className)
+{
+    QOBSharedHandle<KARMPEntity> entity;
+    KARMPFactory::Create(className, entity);
+    m_basicWorld->addLogicalChild(entity);
+    return entity;
+}
+
+QOBSharedHandle<KARMPEntity> FilledEntities::Make(const std::string& className, Filling filling)
+{
+    const QOBSharedHandle<KARMPEntity> handle = New(className);
+    KARMPEntity& entity = *handle;
+    entity.SetIdentifier(L"filled");
+    m_filling = filling;
+    if (filling == Filling::Nothing)
+        return handle;
+    FillBase(entity);
+    bool known = false;
+    const auto fill = [&]<class T>(void (FilledEntities::*content)(T&)) {
+        if (auto* member = dynamic_cast<T*>(&entity)) {
+            (this->*content)(*member);
+            known = true;
+        }
+    };
+    fill(&FilledEntities::FillBody);
+    fill(&FilledEntities::FillGeometry);
+    fill(&FilledEntities::FillJoint);
+    fill(&FilledEntities::FillConstraint);
+    fill(&FilledEntities::FillSensor);
+    fill(&FilledEntities::FillValue);
+    fill(&FilledEntities::FillVariable);
+    EXPECT_TRUE(known) << "no function fills the family of " << className;
+    FillOwnContent(entity);
+    return handle;
+}
+
+void FilledEntities::FillBase(KARMPEntity& entity)
+{
+    entity.setEntityName(L"the \u00e9 <name>");
+    entity.SetID("application");
+    if (m_filling == Filling::Full)
+        entity.Deactivate();
+    for (const auto& parameter : m_parameters)
+        entity.AddParameter(parameter);
+    for (const auto& state : m_states)
+        entity.AddState(state);
+    for (const auto& element : m_elements)
+        entity.AddAggregatedElement(element);
+}
+
+// A body says that it does not float only when it is not fixed and has a father.
+void FilledEntities::FillBody(KARMPBody& body)
+{
+    body.SetPosition(SomePosition, 0);
+    body.SetVelocity({1.25, 2.5, 3.75}, {4.5, 5.25, 6.125});
+    body.SetAcceleration({-1.25, -2.5, -3.75}, {-4.5, -5.25, -6.125});
+    body.SetMass(12.5);
+    body.SetCenterOfGravity({7.5, 8.25, 9.125});
+    body.SetInertiaMatrix({{1.5, 2.5, 3.5}, {4.5, 5.5, 6.5}, {7.5, 8.5, 9.5}});
+    body.SetOutOfWorld(true);
+    body.SetFix(Choose(true, false));
+    body.SetFloating(false);
+    m_bodies[1]->AddBody(QOBSharedHandle<KARMPBody>(&body));
+    body.SetDisplacementSensor(m_sensors[1]);
+    for (std::size_t index = 0; index < 2; ++index) {
+        body.AddGeometry(m_geometries[index]);
+        body.LinkToJoint(m_joints[index]);
+        body.LinkToShape(m_shapes[index]);
+        body.LinkToConnector(m_connectors[index]);
+        body.AddImpactedChildBody(m_bodies[index]);
+    }
+    body.AddBody(m_bodies[0]);
+}
+
+void FilledEntities::FillGeometry(KARMPGeometry& geometry)
+{
+    geometry.SetBody(m_bodies[0]);
+    for (const auto& constraint : m_constraints)
+        geometry.LinkToConstraint(constraint);
+}
+
+void FilledEntities::FillJoint(KARMPJoint& joint)
+{
+    using Orientation = KARMPBodyOrientation::Enum;
+    joint.LinkToBody(m_bodies[0], Choose(Orientation::In, Orientation::Out));
+    joint.LinkToBody(m_bodies[1], Choose(Orientation::Out, Orientation::In));
+    if (auto* coupling = dynamic_cast<KARMPCoupling*>(&joint))
+        coupling->SetEquation(m_equations[0]);
+    for (const auto& constraint : m_constraints)
+        joint.AddConstraint(constraint);
+}
+
+void FilledEntities::FillConstraint(KARMPConstraint& constraint)
+{
+    for (std::size_t index = 0; index < 2; ++index) {
+        constraint.LinkToGeometry(m_geometries[index]);
+        constraint.LinkToVariable(m_variables[index]);
+        constraint.LinkToSensor(m_sensors[index]);
+    }
+    constraint.SetJoint(m_joints[0]);
+    for (unsigned int row = 1; row <= 2; ++row) {
+        const int first = static_cast<int>(row);
+        const std::array<int, 2> types{first, first + 1};
+        const std::array<unsigned int, 3> tags{10 * row, 10 * row + 1, 10 * row + 2};
+        const std::array<double, 3> numbers{first + 0.25, first + 0.5, first + 0.75};
+        auto* parameter = new KARMPConstraintParameter;
+        parameter->SetTypes(types.data());
+        parameter->SetTags(tags.data());
+        parameter->SetParams(numbers.data());
+        // One that is initialized lets both be written.
+        parameter->SetInitialized(row == 1);
+        constraint.AddConstraintParameter(parameter);
+    }
+    if (auto* kinematic = dynamic_cast<KARMPKinematicConstraint*>(&constraint)) {
+        kinematic->SetSelectedAxis(0, Choose(KARMPSelectedAxis::Y, KARMPSelectedAxis::ZNeg));
+        kinematic->SetSelectedAxis(1, Choose(KARMPSelectedAxis::Z, KARMPSelectedAxis::XNeg));
+        kinematic->SetFrictionModel("Coulomb");
+        // Friction that is not enabled is not written.
+        if (m_filling == Filling::Full)
+            kinematic->EnableFriction();
+    }
+}
+
+void FilledEntities::FillSensor(KARMPSensor& sensor)
+{
+    if (auto* displacement = dynamic_cast<KARMPDisplacementSensor*>(&sensor)) {
+        displacement->SetBody(m_bodies[0]);
+        displacement->SetDisplacement(SomePosition);
+    }
+}
+
+void FilledEntities::FillValue(KARMPValue& value)
+{
+    value.SetOwner("Owner");
+    value.SetPhysicalQuantity(
+        Choose(KARMPPhysicalQuantity::Angle, KARMPPhysicalQuantity::AngularDamping));
+}
+
+void FilledEntities::FillVariable(KARMPVariable& variable)
+{
+    variable.SetValue(1.25);
+    variable.SetMinValue(-2.5);
+    variable.SetMaxValue(3.75);
+    variable.SetRestitutionOnMinLimit(0.25);
+    variable.SetRestitutionOnMaxLimit(0.75);
+    variable.SetPhysicalQuantity(
+        Choose(KARMPPhysicalQuantity::Angle, KARMPPhysicalQuantity::AngularDamping));
+    variable.SetType(Choose(KARMPVariableType::Constant, KARMPVariableType::Controlled));
+    for (const auto& constraint : m_constraints)
+        variable.LinkToConstraint(constraint);
+}
+
+// What the classes add to their families: each setter that a class has is called.
+bool FilledEntities::FillOwnContent(KARMPEntity& entity)
+{
+    using Classes = karmp::FamilyList<
+        KARMPAxisSystem, KARMPCircle, KARMPCirline, KARMPCone, KARMPCylicone, KARMPCylinder,
+        KARMPEllipse, KARMPHyperbola, KARMPLine, KARMPParabola, KARMPPlane, KARMPPoint, KARMPSphere,
+        KARMPTorus, KARMPAngle, KARMPCoaxiality, KARMPCoincidence, KARMPDistance, KARMPNormal,
+        KARMPParallelism, KARMPPerpendicularity, KARMPRollCurveConstraint, KARMPSymmetry,
+        KARMPTangency, KARMPLinearEquation, KARMPCylindricalConstraint, KARMPPrismaticConstraint,
+        KARMPRevoluteConstraint, KARMPScrewConstraint, KARMPSphericalConstraint, KARMPBoolean,
+        KARMPConstant, KARMPExpression, KARMPSketchFunction, KARMPString>;
+    return Classes::AnyOf([&](auto family) {
+        using T = typename decltype(family)::Type;
+        if (entity.getClassName() != T::ClassName())
+            return false;
+        T& own = static_cast<T&>(entity);
+        if constexpr (std::is_base_of_v<KARMPGeometry, T>) {
+            FillShapeOf(own);
+        } else if constexpr (std::is_base_of_v<KARMPValue, T>) {
+            FillValueOf(own);
+        } else {
+            FillOptions(own);
+            FillFriction(own);
+            FillTerms(own);
+        }
+        return true;
+    });
+}
+
+template <class T>
+void FilledEntities::FillShapeOf(T& geometry)
+{
+    if constexpr (requires { geometry.SetAxisSystem({}); })
+        geometry.SetAxisSystem({SomePoint, First, Second, Third});
+    if constexpr (requires { geometry.SetCircle({}); })
+        geometry.SetCircle({SomePoint, First, Second, 4.5});
+    if constexpr (requires { geometry.SetLine({}); })
+        geometry.SetLine({SomePoint, First});
+    if constexpr (requires { geometry.SetPlane({}); })
+        geometry.SetPlane({SomePoint, First});
+    if constexpr (requires { geometry.SetPoint({}); })
+        geometry.SetPoint(SomePoint);
+    if constexpr (requires { geometry.SetOrigin({}); })
+        geometry.SetOrigin(SomePoint);
+    if constexpr (requires { geometry.SetAxis({}); })
+        geometry.SetAxis(Second);
+    if constexpr (requires { geometry.SetCenter({}); })
+        geometry.SetCenter(SomePoint);
+    if constexpr (requires { geometry.SetMajorDirection({}); })
+        geometry.SetMajorDirection(First);
+    if constexpr (requires { geometry.SetNormal({}); })
+        geometry.SetNormal(Third);
+    if constexpr (requires { geometry.SetAngle(0.0); })
+        geometry.SetAngle(0.625);
+    if constexpr (requires { geometry.SetRadius(0.0); })
+        geometry.SetRadius(5.5);
+    if constexpr (requires { geometry.SetMajorRadius(0.0); })
+        geometry.SetMajorRadius(6.5);
+    if constexpr (requires { geometry.SetMinorRadius(0.0); })
+        geometry.SetMinorRadius(2.5);
+    if constexpr (requires { geometry.SetCurvature(0.0); })
+        geometry.SetCurvature(0.125);
+}
+
+template <class T>
+void FilledEntities::FillOptions(T& constraint)
+{
+    using Torus = KARMPCircleTorusOrientation;
+    using Surface = KARMPSurfaceOrientation;
+    if constexpr (requires { constraint.SetAlignment(KARMPAlignment::Align); })
+        constraint.SetAlignment(Choose(KARMPAlignment::Align, KARMPAlignment::AntiAlign));
+    if constexpr (requires { constraint.SetCircleTorusOrientation(Torus::Parallel); })
+        constraint.SetCircleTorusOrientation(Choose(Torus::Parallel, Torus::Perpendicular));
+    if constexpr (requires { constraint.SetHalfSpace(KARMPHalfSpace::Positive); })
+        constraint.SetHalfSpace(Choose(KARMPHalfSpace::Positive, KARMPHalfSpace::Negative));
+    if constexpr (requires { constraint.SetHingeMode(KARMPHingeMode::Parallel); })
+        constraint.SetHingeMode(Choose(KARMPHingeMode::Parallel, KARMPHingeMode::Coincident));
+    if constexpr (requires { constraint.SetSelectedPlane(KARMPSelectedPlane::YZ); })
+        constraint.SetSelectedPlane(Choose(KARMPSelectedPlane::YZ, KARMPSelectedPlane::ZX));
+    if constexpr (requires { constraint.SetSurfaceOrientation(Surface::Positive); })
+        constraint.SetSurfaceOrientation(Choose(Surface::Positive, Surface::Negative));
+}
+
+template <class T>
+void FilledEntities::FillFriction(T& constraint)
+{
+    if constexpr (requires { constraint.SetFrictionParameters(1, 2, 3, 4, 5); })
+        constraint.SetFrictionParameters(0.5, 1.5, 2.5, 3.5, 4.5);
+    if constexpr (requires { constraint.SetFrictionParameters(1, 2, 3, 4, 5, 6); })
+        constraint.SetFrictionParameters(0.5, 1.5, 2.5, 3.5, 4.5, 5.5);
+    if constexpr (requires { constraint.SetFrictionParameters(1, 2, 3, 4, 5, 6, 7); })
+        constraint.SetFrictionParameters(0.5, 1.5, 2.5, 3.5, 4.5, 5.5, 6.5);
+    if constexpr (std::is_same_v<T, KARMPScrewConstraint>) {
+        constraint.SetTangent(0.25);
+        constraint.SetRotationOffset(1.5);
+        constraint.SetTranslationOffset(-2.5);
+        constraint.SetMotionState("locked");
+    }
+}
+
+template <class T>
+void FilledEntities::FillTerms(T& equation)
+{
+    if constexpr (std::is_same_v<T, KARMPLinearEquation>) {
+        equation.AddLinearTerm(1.5);
+        equation.AddLinearTerm(-2.25);
+        if (m_filling == Filling::Full)
+            equation.SetConstantTerm(4.5);
+    }
+}
+
+template <class T>
+void FilledEntities::FillValueOf(T& value)
+{
+    if constexpr (std::is_same_v<T, KARMPBoolean>)
+        value.SetValue(Choose<unsigned char>(1, 7));
+    if constexpr (std::is_same_v<T, KARMPConstant>)
+        value.SetValue(Choose(2.5, 3.0), Choose("double", "int"));
+    if constexpr (std::is_same_v<T, KARMPString>)
+        value.SetValue("some text");
+    if constexpr (std::is_same_v<T, KARMPExpression>) {
+        KARWBFactory* factory = nullptr;
+        m_world->GetWBFactory(factory);
+        KARWBEquation* equation = nullptr;
+        KARMPSerializationServices::ParseWBEquation(L"2 * V1 + sin(V2)", factory, equation);
+        value.SetValue(equation);
+        value.LinkToVariable(m_variables[1]);
+        value.LinkToVariable(m_variables[0]);
+        // The reader counts positions from 0, so that others are lost.
+        if (m_filling == Filling::Full)
+            value.SetVariableMapping({{0, 1}, {1, 0}});
+        else
+            value.SetVariableMapping({{0, 1}, {2, 0}});
+    }
+    if constexpr (std::is_same_v<T, KARMPSketchFunction>) {
+        value.SetReferenceAxis(SomePoint, First, Third);
+        value.AddCurve(
+            m_curves->template Make<KARLineCurve>(KARMathLine({1, 2, 0}, {0, 2, 0}), -1.0, 4.0),
+            KARMPCurveOrientation::Negative, &m_limits[0]);
+        value.AddCurve(m_curves->template Make<KARCircleArc>(KARMathPoint(1, 1, 0),
+                                                             KARMathVector(1, 0, 0),
+                                                             KARMathVector(0, 0, 1), 2.0, 0.0, 3.0),
+                       KARMPCurveOrientation::Positive, &m_limits[1]);
+    }
+}

@@ -1,0 +1,114 @@
+// Entities of every class with all that a document can hold of them, and the entities that they are
+// linked to.
+#pragma once
+
+#include "KARCrvLimits.h"
+#include "KARGeometricFactory.h"
+#include "KARMPConnector.h"
+#include "KARMPDisplacementSensor.h"
+#include "KARMPEntityTable.h"
+#include "KARMPEquation.h"
+#include "KARMPJoint.h"
+#include "KARMPOutput.h"
+#include "KARMPParameter.h"
+#include "KARMPState.h"
+#include "KARMPWorld.h"
+#include "KARMPWorldFamilies.h"
+#include "QOBBasicWorld.h"
+
+#include <array>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// How much of an entity is set.
+enum class Filling {
+    Nothing, ///< Its identifier alone.
+    Full,    ///< Every value, none of them the default, every optional item and every link.
+    Other    ///< The same with other words, and what Full excludes.
+};
+
+/// All version tags, in ascending order.
+extern const std::array<std::wstring_view, 7> AllVersions;
+
+/// The names of the classes that the factory makes, without those of the tests.
+std::vector<std::string> MadeClasses();
+
+/// A world with two entities of each kind that others are linked to. Identifiers and names are
+/// fixed. Reading links the entities of the table to what is read, so each reading takes an object
+/// of its own.
+class FilledEntities
+{
+public:
+    FilledEntities();
+    ~FilledEntities();
+    FilledEntities(const FilledEntities&) = delete;
+    FilledEntities& operator=(const FilledEntities&) = delete;
+
+    /// An entity of a class with the identifier "filled".
+    QOBSharedHandle<KARMPEntity> Make(const std::string& className, Filling filling);
+    /// An entity of a class that stands in the world and is otherwise as new.
+    QOBSharedHandle<KARMPEntity> New(const std::string& className);
+    /// The entities that are linked, by their identifiers.
+    const KARMPEntityTable& Table() const { return m_table; }
+    /// The same identifiers, each with one and the same entity.
+    void FillTable(KARMPEntityTable& table, const QOBSharedHandle<KARMPEntity>& entity) const;
+
+private:
+    template <class T>
+    using Two = std::array<QOBSharedHandle<T>, 2>;
+    struct ReleaseFactory
+    {
+        void operator()(KARGeometricFactory* factory) const { factory->Release(); }
+    };
+
+    template <class T, class Maker>
+    void AddTwo(Two<T>& entities, const wchar_t* prefix, const Maker& make);
+
+    void FillBase(KARMPEntity& entity);
+    void FillBody(KARMPBody& body);
+    void FillGeometry(KARMPGeometry& geometry);
+    void FillJoint(KARMPJoint& joint);
+    void FillConstraint(KARMPConstraint& constraint);
+    void FillSensor(KARMPSensor& sensor);
+    void FillValue(KARMPValue& value);
+    void FillVariable(KARMPVariable& variable);
+    bool FillOwnContent(KARMPEntity& entity);
+    template <class T>
+    void FillShapeOf(T& geometry);
+    template <class T>
+    void FillOptions(T& constraint);
+    template <class T>
+    void FillFriction(T& constraint);
+    template <class T>
+    void FillTerms(T& equation);
+    template <class T>
+    void FillValueOf(T& value);
+
+    /// The first of two values, or the second one where others are asked for.
+    template <class T>
+    T Choose(T first, T second) const
+    {
+        return m_filling == Filling::Other ? second : first;
+    }
+
+    Filling m_filling = Filling::Nothing;
+    std::unique_ptr<KARGeometricFactory, ReleaseFactory> m_curves{KARGeometricFactory::Create()};
+    std::array<KARCrvLimits, 2> m_limits;
+    QOBSharedHandle<QOBBasicWorld> m_basicWorld = QOBBasicWorld::create(L"basic");
+    QOBSharedHandle<KARMPWorld> m_world = KARMPWorld::create(m_basicWorld);
+    KARMPEntityTable m_table;
+    Two<KARMPBody> m_bodies;
+    Two<KARMPGeometry> m_geometries;
+    Two<KARMPJoint> m_joints;
+    Two<KARMPConstraint> m_constraints;
+    Two<KARMPEquation> m_equations;
+    Two<KARMPVariable> m_variables;
+    Two<KARMPDisplacementSensor> m_sensors;
+    Two<KARMPShape> m_shapes;
+    Two<KARMPConnector> m_connectors;
+    Two<KARMPParameter> m_parameters;
+    Two<KARMPState> m_states;
+    Two<KARMPEntity> m_elements;
+};
