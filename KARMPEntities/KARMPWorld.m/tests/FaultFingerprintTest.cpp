@@ -5,8 +5,9 @@
 //
 // that is the fault, the status, the sources that report with the number of their reports, and how
 // the tree that is written then differs from that of an unharmed entity: "-" items are missing, "+"
-// items are added, "~" items have other values. Of an item that is missing or added with its
-// subtree only the item is named. A fault of reading that changes nothing has no line.
+// items are added, "=" items have the value that they had before the reading, "~" items have other
+// values. What is read into has all values set and no links. Of an item that is missing or added
+// with its subtree only the item is named. A fault of reading that changes nothing has no line.
 #include "EnvironmentVariable.h"
 #include "FilledEntities.h"
 #include "GoldenFile.h"
@@ -131,14 +132,17 @@ bool IsBelowMissing(const std::string& path, const Items& items)
 }
 
 /// How a tree differs from the one that it should be.
-std::string Difference(const Items& whole, const Items& items)
+std::string Difference(const Items& whole, const Items& items, const Items& former = {})
 {
     std::string text;
     for (const auto& [path, value] : whole) {
         const auto found = items.find(path);
-        if (found != items.end() && found->second != value)
-            text += " ~" + path;
-        else if (found == items.end() && !IsBelowMissing(path, items))
+        if (found != items.end() && found->second != value) {
+            const auto before = former.find(path);
+            const bool kept = before != former.end() && before->second == found->second;
+            text += (kept ? " =" : " ~") + path;
+        }
+        if (found == items.end() && !IsBelowMissing(path, items))
             text += " -" + path;
     }
     for (const auto& [path, value] : items)
@@ -175,6 +179,7 @@ private:
     std::wstring_view m_version;
     std::string m_answer; // to an unharmed tree
     Items m_unharmed;
+    Items m_former; // of what is read into
 };
 
 std::string FaultFingerprint::Reports()
@@ -209,7 +214,7 @@ std::string FaultFingerprint::WritingFaults(std::wstring_view version)
 std::string FaultFingerprint::Answer(const KARMPDeserializer* node, const KARMPEntityTable& table,
                                      FilledEntities& entities, Items& items)
 {
-    const auto entity = entities.New(m_name);
+    const auto entity = entities.Make(m_name, Filling::Values);
     std::string text;
     try {
         text = PrintStatus(entity->Deserialize(node, table));
@@ -231,7 +236,7 @@ std::string FaultFingerprint::Damaged(const KARMPDeserializer* node)
     FilledEntities entities;
     Items items;
     const std::string answer = Answer(node, entities.Table(), entities, items);
-    return answer + Difference(m_unharmed, items) + "\n";
+    return answer + Difference(m_unharmed, items, m_former) + "\n";
 }
 
 std::string FaultFingerprint::ReadingFaults(const TestSerializer& tree)
@@ -266,7 +271,7 @@ std::string FaultFingerprint::TableFaults(const TestSerializer& tree)
         fill(entities, table);
         Items items;
         const std::string answer = Answer(node.get(), table, entities, items);
-        text += fault + (": " + answer) + Difference(m_unharmed, items) + "\n";
+        text += fault + (": " + answer) + Difference(m_unharmed, items, m_former) + "\n";
     };
     add(
         "references to nothing", [](const auto&, auto&) {});
@@ -298,6 +303,10 @@ std::string FaultFingerprint::Faults(const std::string& name, std::wstring_view 
     entities.Make(name, Filling::Full)->Serialize(&tree);
     TakeReports();
     const auto node = TestDeserializer::From(tree, {.versionOnEveryNode = true});
+    TestSerializer former(version);
+    entities.Make(name, Filling::Values)->Serialize(&former);
+    TakeReports();
+    m_former = ItemsOf(former);
     FilledEntities linked;
     m_answer = Answer(node.get(), linked.Table(), linked, m_unharmed);
     text += "unharmed: " + m_answer + "\n";

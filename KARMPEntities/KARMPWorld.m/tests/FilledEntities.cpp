@@ -45,14 +45,6 @@
 
 namespace {
 
-// Lengths are multiples of 2^-20, which documents keep; directions are unit vectors.
-const KARMathPoint SomePoint(1.5, -2.25, 3.125);
-const KARMathVector First(0.0, 1.0, 0.0);
-const KARMathVector Second(0.0, 0.0, -1.0);
-const KARMathVector Third(-1.0, 0.0, 0.0);
-const KARMathTransformation SomePosition(KARMath3x3Matrix(First, Second, Third),
-                                         KARMathVector(10.5, -20.25, 30.125));
-
 /// An entity with an identifier; ConcreteEntity makes the like.
 template <class T>
 QOBSharedHandle<T> Identified(const std::wstring& identifier)
@@ -134,8 +126,9 @@ QOBSharedHandle<KARMPEntity> FilledEntities::Make(const std::string& className, 
 {
     const QOBSharedHandle<KARMPEntity> handle = New(className);
     KARMPEntity& entity = *handle;
-    entity.SetIdentifier(L"filled");
     m_filling = filling;
+    if (HasLinks())
+        entity.SetIdentifier(L"filled");
     if (filling == Filling::Nothing)
         return handle;
     FillBase(entity);
@@ -158,12 +151,21 @@ QOBSharedHandle<KARMPEntity> FilledEntities::Make(const std::string& className, 
     return handle;
 }
 
+KARMathTransformation FilledEntities::Position() const
+{
+    const KARMath3x3Matrix turned = Choose(KARMath3x3Matrix(First(), Second(), Third()),
+                                           KARMath3x3Matrix(Second(), First(), Third()));
+    return {turned, {Number(10.5), Number(-20.25), Number(30.125)}};
+}
+
 void FilledEntities::FillBase(KARMPEntity& entity)
 {
-    entity.setEntityName(L"the \u00e9 <name>");
-    entity.SetID("application");
+    entity.setEntityName(Choose(L"the \u00e9 <name>", L"other"));
+    entity.SetID(Choose("application", "other"));
     if (m_filling == Filling::Full)
         entity.Deactivate();
+    if (!HasLinks())
+        return;
     for (const auto& parameter : m_parameters)
         entity.AddParameter(parameter);
     for (const auto& state : m_states)
@@ -175,15 +177,21 @@ void FilledEntities::FillBase(KARMPEntity& entity)
 // A body says that it does not float only when it is not fixed and has a father.
 void FilledEntities::FillBody(KARMPBody& body)
 {
-    body.SetPosition(SomePosition, 0);
-    body.SetVelocity({1.25, 2.5, 3.75}, {4.5, 5.25, 6.125});
-    body.SetAcceleration({-1.25, -2.5, -3.75}, {-4.5, -5.25, -6.125});
-    body.SetMass(12.5);
-    body.SetCenterOfGravity({7.5, 8.25, 9.125});
-    body.SetInertiaMatrix({{1.5, 2.5, 3.5}, {4.5, 5.5, 6.5}, {7.5, 8.5, 9.5}});
-    body.SetOutOfWorld(true);
+    body.SetPosition(Position(), 0);
+    body.SetVelocity({Number(1.25), Number(2.5), Number(3.75)},
+                     {Number(4.5), Number(5.25), Number(6.125)});
+    body.SetAcceleration({Number(-1.25), Number(-2.5), Number(-3.75)},
+                         {Number(-4.5), Number(-5.25), Number(-6.125)});
+    body.SetMass(Number(12.5));
+    body.SetCenterOfGravity({Number(7.5), Number(8.25), Number(9.125)});
+    body.SetInertiaMatrix({{Number(1.5), Number(2.5), Number(3.5)},
+                           {Number(4.5), Number(5.5), Number(6.5)},
+                           {Number(7.5), Number(8.5), Number(9.5)}});
+    body.SetOutOfWorld(Choose(true, false));
     body.SetFix(Choose(true, false));
     body.SetFloating(false);
+    if (!HasLinks())
+        return;
     m_bodies[1]->AddBody(QOBSharedHandle<KARMPBody>(&body));
     body.SetDisplacementSensor(m_sensors[1]);
     for (std::size_t index = 0; index < 2; ++index) {
@@ -198,6 +206,8 @@ void FilledEntities::FillBody(KARMPBody& body)
 
 void FilledEntities::FillGeometry(KARMPGeometry& geometry)
 {
+    if (!HasLinks())
+        return;
     geometry.SetBody(m_bodies[0]);
     for (const auto& constraint : m_constraints)
         geometry.LinkToConstraint(constraint);
@@ -206,6 +216,8 @@ void FilledEntities::FillGeometry(KARMPGeometry& geometry)
 void FilledEntities::FillJoint(KARMPJoint& joint)
 {
     using Orientation = KARMPBodyOrientation::Enum;
+    if (!HasLinks())
+        return;
     joint.LinkToBody(m_bodies[0], Choose(Orientation::In, Orientation::Out));
     joint.LinkToBody(m_bodies[1], Choose(Orientation::Out, Orientation::In));
     if (auto* coupling = dynamic_cast<KARMPCoupling*>(&joint))
@@ -214,7 +226,7 @@ void FilledEntities::FillJoint(KARMPJoint& joint)
         joint.AddConstraint(constraint);
 }
 
-void FilledEntities::FillConstraint(KARMPConstraint& constraint)
+void FilledEntities::LinkConstraint(KARMPConstraint& constraint)
 {
     for (std::size_t index = 0; index < 2; ++index) {
         constraint.LinkToGeometry(m_geometries[index]);
@@ -235,12 +247,18 @@ void FilledEntities::FillConstraint(KARMPConstraint& constraint)
         parameter->SetInitialized(row == 1);
         constraint.AddConstraintParameter(parameter);
     }
+}
+
+void FilledEntities::FillConstraint(KARMPConstraint& constraint)
+{
+    if (HasLinks())
+        LinkConstraint(constraint);
     if (auto* kinematic = dynamic_cast<KARMPKinematicConstraint*>(&constraint)) {
         kinematic->SetSelectedAxis(0, Choose(KARMPSelectedAxis::Y, KARMPSelectedAxis::ZNeg));
         kinematic->SetSelectedAxis(1, Choose(KARMPSelectedAxis::Z, KARMPSelectedAxis::XNeg));
-        kinematic->SetFrictionModel("Coulomb");
+        kinematic->SetFrictionModel(Choose("Coulomb", "other"));
         // Friction that is not enabled is not written.
-        if (m_filling == Filling::Full)
+        if (m_filling != Filling::Other)
             kinematic->EnableFriction();
     }
 }
@@ -248,8 +266,9 @@ void FilledEntities::FillConstraint(KARMPConstraint& constraint)
 void FilledEntities::FillSensor(KARMPSensor& sensor)
 {
     if (auto* displacement = dynamic_cast<KARMPDisplacementSensor*>(&sensor)) {
-        displacement->SetBody(m_bodies[0]);
-        displacement->SetDisplacement(SomePosition);
+        if (HasLinks())
+            displacement->SetBody(m_bodies[0]);
+        displacement->SetDisplacement(Position());
     }
 }
 
@@ -262,16 +281,16 @@ void FilledEntities::FillValue(KARMPValue& value)
 
 void FilledEntities::FillVariable(KARMPVariable& variable)
 {
-    variable.SetValue(1.25);
-    variable.SetMinValue(-2.5);
-    variable.SetMaxValue(3.75);
-    variable.SetRestitutionOnMinLimit(0.25);
-    variable.SetRestitutionOnMaxLimit(0.75);
+    variable.SetValue(Number(1.25));
+    variable.SetMinValue(Number(-2.5));
+    variable.SetMaxValue(Number(3.75));
+    variable.SetRestitutionOnMinLimit(Number(0.25));
+    variable.SetRestitutionOnMaxLimit(Number(0.75));
     variable.SetPhysicalQuantity(
         Choose(KARMPPhysicalQuantity::Angle, KARMPPhysicalQuantity::AngularDamping));
     variable.SetType(Choose(KARMPVariableType::Constant, KARMPVariableType::Controlled));
-    for (const auto& constraint : m_constraints)
-        variable.LinkToConstraint(constraint);
+    for (std::size_t index = 0; HasLinks() && index < 2; ++index)
+        variable.LinkToConstraint(m_constraints[index]);
 }
 
 // What the classes add to their families: each setter that a class has is called.
@@ -307,35 +326,35 @@ template <class T>
 void FilledEntities::FillShapeOf(T& geometry)
 {
     if constexpr (requires { geometry.SetAxisSystem({}); })
-        geometry.SetAxisSystem({SomePoint, First, Second, Third});
+        geometry.SetAxisSystem({Point(), First(), Second(), Third()});
     if constexpr (requires { geometry.SetCircle({}); })
-        geometry.SetCircle({SomePoint, First, Second, 4.5});
+        geometry.SetCircle({Point(), First(), Second(), Number(4.5)});
     if constexpr (requires { geometry.SetLine({}); })
-        geometry.SetLine({SomePoint, First});
+        geometry.SetLine({Point(), First()});
     if constexpr (requires { geometry.SetPlane({}); })
-        geometry.SetPlane({SomePoint, First});
+        geometry.SetPlane({Point(), First()});
     if constexpr (requires { geometry.SetPoint({}); })
-        geometry.SetPoint(SomePoint);
+        geometry.SetPoint(Point());
     if constexpr (requires { geometry.SetOrigin({}); })
-        geometry.SetOrigin(SomePoint);
+        geometry.SetOrigin(Point());
     if constexpr (requires { geometry.SetAxis({}); })
-        geometry.SetAxis(Second);
+        geometry.SetAxis(Second());
     if constexpr (requires { geometry.SetCenter({}); })
-        geometry.SetCenter(SomePoint);
+        geometry.SetCenter(Point());
     if constexpr (requires { geometry.SetMajorDirection({}); })
-        geometry.SetMajorDirection(First);
+        geometry.SetMajorDirection(First());
     if constexpr (requires { geometry.SetNormal({}); })
-        geometry.SetNormal(Third);
+        geometry.SetNormal(Third());
     if constexpr (requires { geometry.SetAngle(0.0); })
-        geometry.SetAngle(0.625);
+        geometry.SetAngle(Number(0.625));
     if constexpr (requires { geometry.SetRadius(0.0); })
-        geometry.SetRadius(5.5);
+        geometry.SetRadius(Number(5.5));
     if constexpr (requires { geometry.SetMajorRadius(0.0); })
-        geometry.SetMajorRadius(6.5);
+        geometry.SetMajorRadius(Number(6.5));
     if constexpr (requires { geometry.SetMinorRadius(0.0); })
-        geometry.SetMinorRadius(2.5);
+        geometry.SetMinorRadius(Number(2.5));
     if constexpr (requires { geometry.SetCurvature(0.0); })
-        geometry.SetCurvature(0.125);
+        geometry.SetCurvature(Number(0.125));
 }
 
 template <class T>
@@ -361,16 +380,19 @@ template <class T>
 void FilledEntities::FillFriction(T& constraint)
 {
     if constexpr (requires { constraint.SetFrictionParameters(1, 2, 3, 4, 5); })
-        constraint.SetFrictionParameters(0.5, 1.5, 2.5, 3.5, 4.5);
+        constraint.SetFrictionParameters(Number(0.5), Number(1.5), Number(2.5), Number(3.5),
+                                         Number(4.5));
     if constexpr (requires { constraint.SetFrictionParameters(1, 2, 3, 4, 5, 6); })
-        constraint.SetFrictionParameters(0.5, 1.5, 2.5, 3.5, 4.5, 5.5);
+        constraint.SetFrictionParameters(Number(0.5), Number(1.5), Number(2.5), Number(3.5),
+                                         Number(4.5), Number(5.5));
     if constexpr (requires { constraint.SetFrictionParameters(1, 2, 3, 4, 5, 6, 7); })
-        constraint.SetFrictionParameters(0.5, 1.5, 2.5, 3.5, 4.5, 5.5, 6.5);
+        constraint.SetFrictionParameters(Number(0.5), Number(1.5), Number(2.5), Number(3.5),
+                                         Number(4.5), Number(5.5), Number(6.5));
     if constexpr (std::is_same_v<T, KARMPScrewConstraint>) {
-        constraint.SetTangent(0.25);
-        constraint.SetRotationOffset(1.5);
-        constraint.SetTranslationOffset(-2.5);
-        constraint.SetMotionState("locked");
+        constraint.SetTangent(Number(0.25));
+        constraint.SetRotationOffset(Number(1.5));
+        constraint.SetTranslationOffset(Number(-2.5));
+        constraint.SetMotionState(Choose("locked", "other"));
     }
 }
 
@@ -378,10 +400,12 @@ template <class T>
 void FilledEntities::FillTerms(T& equation)
 {
     if constexpr (std::is_same_v<T, KARMPLinearEquation>) {
-        equation.AddLinearTerm(1.5);
-        equation.AddLinearTerm(-2.25);
-        if (m_filling == Filling::Full)
-            equation.SetConstantTerm(4.5);
+        if (HasLinks()) {
+            equation.AddLinearTerm(Number(1.5));
+            equation.AddLinearTerm(Number(-2.25));
+        }
+        if (m_filling != Filling::Other)
+            equation.SetConstantTerm(Number(4.5));
     }
 }
 
@@ -389,19 +413,22 @@ template <class T>
 void FilledEntities::FillValueOf(T& value)
 {
     if constexpr (std::is_same_v<T, KARMPBoolean>)
-        value.SetValue(Choose<unsigned char>(1, 7));
+        value.SetValue(Choose<unsigned char>(1, 0));
     if constexpr (std::is_same_v<T, KARMPConstant>)
         value.SetValue(Choose(2.5, 3.0), Choose("double", "int"));
     if constexpr (std::is_same_v<T, KARMPString>)
-        value.SetValue("some text");
+        value.SetValue(Choose("some text", "other"));
     if constexpr (std::is_same_v<T, KARMPExpression>) {
         KARWBFactory* factory = nullptr;
         m_world->GetWBFactory(factory);
         KARWBEquation* equation = nullptr;
-        KARMPSerializationServices::ParseWBEquation(L"2 * V1 + sin(V2)", factory, equation);
+        KARMPSerializationServices::ParseWBEquation(Choose(L"2 * V1 + sin(V2)", L"V1"), factory,
+                                                    equation);
         value.SetValue(equation);
-        value.LinkToVariable(m_variables[1]);
-        value.LinkToVariable(m_variables[0]);
+        if (HasLinks()) {
+            value.LinkToVariable(m_variables[1]);
+            value.LinkToVariable(m_variables[0]);
+        }
         // The reader counts positions from 0, so that others are lost.
         if (m_filling == Filling::Full)
             value.SetVariableMapping({{0, 1}, {1, 0}});
@@ -409,7 +436,7 @@ void FilledEntities::FillValueOf(T& value)
             value.SetVariableMapping({{0, 1}, {2, 0}});
     }
     if constexpr (std::is_same_v<T, KARMPSketchFunction>) {
-        value.SetReferenceAxis(SomePoint, First, Third);
+        value.SetReferenceAxis(Point(), First(), Third());
         value.AddCurve(
             m_curves->template Make<KARLineCurve>(KARMathLine({1, 2, 0}, {0, 2, 0}), -1.0, 4.0),
             KARMPCurveOrientation::Negative, &m_limits[0]);

@@ -22,11 +22,12 @@
 #include <string_view>
 #include <vector>
 
-/// How much of an entity is set.
+/// What of an entity is set.
 enum class Filling {
     Nothing, ///< Its identifier alone.
     Full,    ///< Every value, none of them the default, every optional item and every link.
-    Other    ///< The same with other words, and what Full excludes.
+    Other,   ///< The same with other values, and what Full excludes.
+    Values   ///< The values of Other, without the identifier and without links and lists.
 };
 
 /// All version tags, in ascending order.
@@ -46,7 +47,7 @@ public:
     FilledEntities(const FilledEntities&) = delete;
     FilledEntities& operator=(const FilledEntities&) = delete;
 
-    /// An entity of a class with the identifier "filled".
+    /// An entity of a class, with the identifier "filled" unless told above.
     QOBSharedHandle<KARMPEntity> Make(const std::string& className, Filling filling);
     /// An entity of a class that stands in the world and is otherwise as new.
     QOBSharedHandle<KARMPEntity> New(const std::string& className);
@@ -71,6 +72,7 @@ private:
     void FillGeometry(KARMPGeometry& geometry);
     void FillJoint(KARMPJoint& joint);
     void FillConstraint(KARMPConstraint& constraint);
+    void LinkConstraint(KARMPConstraint& constraint);
     void FillSensor(KARMPSensor& sensor);
     void FillValue(KARMPValue& value);
     void FillVariable(KARMPVariable& variable);
@@ -90,8 +92,17 @@ private:
     template <class T>
     T Choose(T first, T second) const
     {
-        return m_filling == Filling::Other ? second : first;
+        return m_filling == Filling::Full ? first : second;
     }
+    /// A number that has the other sign where others are asked for.
+    double Number(double number) const { return Choose(number, -number); }
+    KARMathPoint Point() const { return {Number(1.5), Number(-2.25), Number(3.125)}; }
+    /// Three directions at right angles without a component that is 0.
+    KARMathVector First() const { return KARMathVector(2.0, 3.0, 6.0) * Number(1.0 / 7.0); }
+    KARMathVector Second() const { return KARMathVector(3.0, -6.0, 2.0) * Number(1.0 / 7.0); }
+    KARMathVector Third() const { return KARMathVector(6.0, 2.0, -3.0) * Number(1.0 / 7.0); }
+    KARMathTransformation Position() const;
+    bool HasLinks() const { return m_filling != Filling::Values; }
 
     Filling m_filling = Filling::Nothing;
     std::unique_ptr<KARGeometricFactory, ReleaseFactory> m_curves{KARGeometricFactory::Create()};
