@@ -26,7 +26,8 @@
 
 namespace {
 
-/// Of a class and a source that golden names, the source that reports since then.
+/// Of a class, or of all with an empty name, and a source that golden names, the source that
+/// reports since then.
 using MovedReports = std::map<std::pair<std::string, std::string>, std::string>;
 
 /// The reports that moved since the golden texts were written.
@@ -74,7 +75,9 @@ std::string MoveReports(const std::string& className, std::string_view line,
             const std::size_t blank = item.find(' ');
             const int count = blank == std::string::npos ? 1 : std::stoi(item.substr(blank + 2));
             const std::string file = item.substr(0, blank);
-            const auto found = moved.find({className, file});
+            auto found = moved.find({className, file});
+            if (found == moved.end())
+                found = moved.find({"", file});
             reports[found == moved.end() ? file : found->second] += count;
         }
         text += PrintReports(reports);
@@ -355,11 +358,14 @@ TEST_F(FaultFingerprint, OfEachClassIsTheOneThatIsKept)
 
 TEST_F(FaultFingerprint, NamesTheSourcesThatReportsMovedTo)
 {
-    const MovedReports moved{{{"KARMPSome", "KARMPSomeElement.h"}, "KARMPSome.cpp"}};
+    const MovedReports moved{{{"KARMPSome", "KARMPSomeElement.h"}, "KARMPSome.cpp"},
+                             {{"", "KARMPLinks.h"}, "KARMPBase.cpp"}};
     const std::string line = "missing /Some: 0 [KARMPSome.cpp x2, KARMPSomeElement.h] -Some/A[1]";
     EXPECT_EQ(MoveReports("KARMPSome", line, moved),
               "missing /Some: 0 [KARMPSome.cpp x3] -Some/A[1]");
     EXPECT_EQ(MoveReports("KARMPOther", line, moved), line);
+    EXPECT_EQ(MoveReports("KARMPOther", "creation 1: 0 [KARMPLinks.h x2], written", moved),
+              "creation 1: 0 [KARMPBase.cpp x2], written");
 }
 
 } // namespace
