@@ -3,9 +3,17 @@
 find_package(GTest REQUIRED)
 
 # A check of GoogleTest is an if with an else, so that the compiler warns of each one below an if.
+# Test code runs once: to optimise it takes longer than it saves.
 if(NOT TARGET karmp_test_settings)
     add_library(karmp_test_settings INTERFACE)
-    target_compile_options(karmp_test_settings INTERFACE -Wno-dangling-else)
+    target_compile_options(
+        karmp_test_settings INTERFACE -Wno-dangling-else $<$<CONFIG:Release>:-O1>
+    )
+    karmp_add_precompiled_headers(
+        karmp_test_headers
+        HEADERS <gtest/gtest.h> <gmock/gmock.h> ${karmp_standard_headers}
+        LINKS karmp_test_settings GTest::gmock
+    )
 endif()
 
 # karmp_add_test_program(<name> SOURCES <file>... [LINKS <target>...])
@@ -19,6 +27,7 @@ function(karmp_add_test_program name)
         ${name} PRIVATE karmp_settings karmp_test_settings KARMPTesting ${arg_LINKS} GTest::gmock_main
     )
     set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF)
+    karmp_precompile(${name} karmp_test_headers)
     add_test(NAME ${name} COMMAND ${name} --gtest_filter=-*Process.* --gtest_brief=1)
 endfunction()
 
