@@ -25,7 +25,8 @@ KARStatus KARMPBody::SetPosition(const KARMathTransformation& position,
     KARMathTransformation inverse;
     if (m_position.ComputeInverse(inverse)) {
         move = position * inverse;
-        if (move.IsIdentity())
+        // Equal positions are no change even where a matrix close to singular magnifies rounding.
+        if (position == m_position || move.IsNoChange(m_position, position))
             return KARSuccess;
     }
     m_position = position;

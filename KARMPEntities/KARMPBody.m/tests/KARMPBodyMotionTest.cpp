@@ -75,6 +75,53 @@ TEST_F(BodyMotion, SettingThePresentPositionDoesNothing)
     EXPECT_EQ(neighbour->positionsSet, 0);
 }
 
+TEST_F(BodyMotion, SettingThePresentPositionReachesNobodyAtLargeCoordinates)
+{
+    const auto neighbour = TestNeighbour::create(L"n");
+    body->SetWDMBody(neighbour);
+    const KARMathTransformation far =
+        shift(1e7, -2e7, 3e7) *
+        KARMathTransformation::Rotation({{1e7, 2e7, 0.0}, {1.0, 2.0, 3.0}}, 0.7);
+    // The second is the first but for its rounding.
+    const KARMathTransformation rounded(far.GetMatrix(), far.GetVector() * (1.0 + 4e-16));
+    ASSERT_NE(rounded, far);
+    body->SetPosition(far, 1);
+    record.calls.clear();
+    neighbour->positionsSet = 0;
+    EXPECT_EQ(body->SetPosition(far, 1), KARSuccess);
+    EXPECT_EQ(body->SetPosition(rounded, 1), KARSuccess);
+    EXPECT_TRUE(record.calls.empty());
+    EXPECT_EQ(neighbour->positionsSet, 0);
+    EXPECT_EQ(positionOf(*body), far);
+    EXPECT_EQ(body->SetPosition(shift(1e-6) * far, 1), KARSuccess);
+    EXPECT_EQ(record.calls, (Calls{"ApplyTransformation", "ReleaseBody"}));
+    EXPECT_EQ(neighbour->positionsSet, 1);
+}
+
+TEST_F(BodyMotion, SettingThePresentPositionReachesNobodyWithAnAlmostSingularMatrix)
+{
+    const KARMathTransformation thin({{1.0, 0.1, 0.3}, {1.0, 0.1 + 1e-11, 0.3}, {0.0, 0.7, 1.1}},
+                                     {1.1, 2.3, 3.7});
+    body->SetPosition(thin, 0);
+    record.calls.clear();
+    KARMathTransformation inverse;
+    ASSERT_TRUE(thin.ComputeInverse(inverse));
+    ASSERT_FALSE((thin * inverse).IsNoChange(thin, thin)) << "rounding is small here";
+    EXPECT_EQ(body->SetPosition(thin, 0), KARSuccess);
+    EXPECT_TRUE(record.calls.empty());
+}
+
+TEST_F(BodyMotion, AShortTranslationFromTheOriginIsStored)
+{
+    for (const double length : {9e-10, 1e-12, 1e-300}) {
+        record.calls.clear();
+        EXPECT_EQ(body->SetPosition(shift(length), 0), KARSuccess);
+        EXPECT_EQ(positionOf(*body), shift(length));
+        EXPECT_EQ(record.calls, (Calls{"ApplyTransformation", "ReleaseBody"}));
+        body->SetPosition({}, 0);
+    }
+}
+
 TEST_F(BodyMotion, AStoredPositionWithoutInverseGivesTheLoaderTheIdentity)
 {
     const KARMathTransformation flat(KARMath3x3Matrix(), {1.0, 0.0, 0.0});

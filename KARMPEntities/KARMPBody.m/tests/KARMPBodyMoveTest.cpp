@@ -22,6 +22,20 @@ TEST_F(BodyMove, ByTheIdentityIsSkippedOnlyWhenAskedTo)
     EXPECT_EQ(log->changed, (Changed{body.get(), impacted.get()}));
 }
 
+TEST_F(BodyMove, OfAnyLengthIsFollowedByChildren)
+{
+    constexpr int Steps = 1000000;
+    for (const double length : {9e-10, 1e-30}) {
+        const Body father = NewBody(L"father");
+        const Body child = NewFollower(L"child");
+        father->AddBody(child);
+        for (int i = 0; i < Steps; ++i)
+            father->UpdatePosition(shift(length), true);
+        EXPECT_NEAR(positionOf(*child).GetVector().GetX() / (Steps * length), 1.0, 1e-9);
+        EXPECT_EQ(positionOf(*father), positionOf(*child));
+    }
+}
+
 TEST_F(BodyMove, ComesBeforeTheStoredPosition)
 {
     const Body body = NewBody(L"b");

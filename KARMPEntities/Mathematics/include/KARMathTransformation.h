@@ -11,11 +11,16 @@
 class KARMathTransformation
 {
 public:
-    /// How far a coefficient of the matrix may lie from the identity's in IsIdentity.
+    /// How far a product of matrix coefficients may lie from what IsSimilitude and IsIsometry ask,
+    /// relative to the ratio's square.
     static constexpr double MatrixTolerance = 1e-12;
-    /// How far a component of the vector may lie from 0 in IsIdentity; wide enough for the rounding
-    /// of T * inverse(T) with a translation of a million units.
-    static constexpr double VectorTolerance = 1e-9;
+    /// How far a coefficient of the matrix may lie from the identity's in IsIdentity: the rounding
+    /// of a coefficient near 1.
+    static constexpr double RoundingTolerance = 1e-15;
+    /// How far target * inverse(start) may lie from the identity when start and target are the same
+    /// position, relative to 1 in the matrix and to the positions' size in the vector: some ten
+    /// times the rounding of the inverse and the product.
+    static constexpr double ChangeTolerance = 1e-14;
 
     /// The identity.
     constexpr KARMathTransformation() = default;
@@ -84,11 +89,24 @@ public:
         inverse = {matrix, -(matrix * m_vector)};
         return true;
     }
-    /// True when every coefficient lies within the two tolerances of the identity's.
+    /// True when the matrix is the identity's within rounding and the vector is null: the test of a
+    /// move that somebody gives. Coefficients of the matrix are numbers and compare with 1. The
+    /// vector is a length in units that are not known here, with no other length to compare it
+    /// with, so any translation is a move, however short: a million short ones add up.
     bool IsIdentity() const
     {
-        return IsNear(m_matrix, KARMath3x3Matrix::Identity(), MatrixTolerance) &&
-               IsNear(m_vector, KARMathVector(), VectorTolerance);
+        return IsNear(m_matrix, KARMath3x3Matrix::Identity(), RoundingTolerance) &&
+               m_vector == KARMathVector();
+    }
+    /// True when this, computed as target * inverse(start), is the identity but for the rounding of
+    /// that computation. Rounding grows with the coordinates of the two positions, so the vector
+    /// compares with their size, in whatever units: near the origin the shortest translation is a
+    /// change, at coordinates of 1e7 one of 1e-8 is not.
+    bool IsNoChange(const KARMathTransformation& start, const KARMathTransformation& target) const
+    {
+        const double size = std::fmax(start.m_vector.Norm(), target.m_vector.Norm());
+        return IsNear(m_matrix, KARMath3x3Matrix::Identity(), ChangeTolerance) &&
+               IsNear(m_vector, KARMathVector(), ChangeTolerance * size);
     }
     /// True when the matrix keeps all angles, up to a reflection: a rotation times a ratio that is
     /// not 0, within 1e-12 of the ratio's square.

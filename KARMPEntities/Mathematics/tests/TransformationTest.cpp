@@ -189,25 +189,50 @@ TEST(MathTransformation, SingularHasNoInverse)
     EXPECT_EQ(inverse.GetVector(), KARMathVector(9, 9, 9));
 }
 
-TEST(MathTransformation, PositionTimesItsOwnInverseCountsAsTheIdentity)
+TEST(MathTransformation, PositionTimesItsOwnInverseIsNoChangeInAnyUnits)
 {
     std::mt19937 generator(11);
-    for (const double size : {1.0, 1000.0, 1e6}) {
+    for (const double size : {1e-9, 1.0, 1000.0, 1e6, 1e12}) {
         for (int i = 0; i < 1000; ++i) {
             const KARMathTransformation t = RandomPosition(generator, size);
             KARMathTransformation inverse;
             ASSERT_TRUE(t.ComputeInverse(inverse));
-            EXPECT_TRUE((t * inverse).IsIdentity());
+            EXPECT_TRUE((t * inverse).IsNoChange(t, t));
             EXPECT_TRUE(t.IsIsometry());
         }
     }
 }
 
+TEST(MathTransformation, SmallChangeIsOneRelativeToThePositions)
+{
+    const auto change = [](const KARMathTransformation& start, const KARMathTransformation& move) {
+        const KARMathTransformation target = move * start;
+        KARMathTransformation inverse;
+        EXPECT_TRUE(start.ComputeInverse(inverse));
+        return !(target * inverse).IsNoChange(start, target);
+    };
+    const KARMathTransformation near(KARMathVector(0, 0, 1));
+    const KARMathTransformation far(KARMathVector(0, 0, 1e7));
+    for (const double length : {1e-300, 9e-10, 1e-6})
+        EXPECT_TRUE(change({}, KARMathTransformation(KARMathVector(0, 0, length)))) << length;
+    EXPECT_TRUE(change(near, KARMathTransformation(KARMathVector(0, 0, 9e-10))));
+    EXPECT_TRUE(change(far, KARMathTransformation(KARMathVector(0, 0, 1e-6))));
+    EXPECT_FALSE(change(far, KARMathTransformation(KARMathVector(0, 0, 1e-8))));
+    EXPECT_TRUE(change(near, KARMathTransformation::Rotation(KARMathLine(), 1e-11)));
+    EXPECT_FALSE(change({}, {}));
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_TRUE(change({}, KARMathTransformation(KARMathVector(nan, 0, 0))));
+}
+
 TEST(MathTransformation, SmallMoveIsNotTheIdentity)
 {
-    EXPECT_FALSE(KARMathTransformation(KARMathVector(0, 0, 1e-8)).IsIdentity());
-    EXPECT_TRUE(KARMathTransformation(KARMathVector(0, 0, 1e-10)).IsIdentity());
+    for (const double length : {1e-8, 9e-10, 1e-300})
+        EXPECT_FALSE(KARMathTransformation(KARMathVector(0, 0, length)).IsIdentity()) << length;
     EXPECT_FALSE(KARMathTransformation::Rotation(KARMathLine(), 1e-11).IsIdentity());
+    EXPECT_FALSE(KARMathTransformation::Rotation(KARMathLine(), 2e-15).IsIdentity());
+    KARMath3x3Matrix rounded = KARMath3x3Matrix::Identity();
+    rounded.SetColumn(0, {1.0 - 1e-16, 5e-16, -5e-16});
+    EXPECT_TRUE(KARMathTransformation(rounded, KARMathVector(0, -0.0, 0)).IsIdentity());
     const double nan = std::numeric_limits<double>::quiet_NaN();
     EXPECT_FALSE(KARMathTransformation(KARMathVector(nan, 0, 0)).IsIdentity());
 }
