@@ -2,30 +2,16 @@
 // which holds the base's content and "Coordinates" with a child element for each number.
 #pragma once
 
+#include "KARMPDirectionOnRead.h"
 #include "KARMPElementReader.h"
 #include "KARMPElementWriter.h"
-#include "KARMathDirection.h"
 
 #include <array>
-#include <cmath>
 #include <string_view>
 #include <tuple>
 #include <type_traits>
 
 namespace karmp {
-
-/// The direction that a reader makes of three components: one of length 0 becomes (1, 0, 0), one
-/// whose squares sum to exactly 1 is taken as it stands, any other is scaled to length 1.
-inline KARMathDirection DirectionOnRead(double x, double y, double z)
-{
-    const double square = x * x + y * y + z * z;
-    if (square == 0.0)
-        return {};
-    if (square == 1.0)
-        return {x, y, z};
-    const double factor = 1.0 / std::sqrt(square);
-    return {x * factor, y * factor, z * factor};
-}
 
 /// A point, a vector or a direction of a kind, with its three names.
 template <class Value>

@@ -19,6 +19,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <random>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -641,6 +642,35 @@ TEST_F(DirectionOnRead, IsNotTouchedWhenTheSquaresSumToOne)
     const double z = 0.8;
     ASSERT_EQ(y * y + z * z, 1.0);
     EXPECT_EQ(Of(0.0, y, z), KARMathDirection(0.0, y, z));
+}
+
+TEST_F(DirectionOnRead, IsScaledWhereItsSquaresOverflowOrUnderflow)
+{
+    for (const double size : {1e200, 1.7e308, 1e154, 1e-154, 1e-162, 1e-200, 5e-324}) {
+        EXPECT_EQ(Of(0.0, 0.0, size), KARMathDirection(0.0, 0.0, 1.0)) << size;
+        const KARMathDirection diagonal = Of(size, -size, size);
+        EXPECT_NEAR(diagonal.GetX(), 1.0 / std::sqrt(3.0), 1e-15) << size;
+        EXPECT_NEAR(diagonal.GetY(), -1.0 / std::sqrt(3.0), 1e-15) << size;
+        EXPECT_NEAR(diagonal.GetZ(), 1.0 / std::sqrt(3.0), 1e-15) << size;
+    }
+    const KARMathDirection uneven = Of(3e-200, 0.0, 4e-200);
+    EXPECT_NEAR(uneven.GetX(), 0.6, 1e-15);
+    EXPECT_NEAR(uneven.GetZ(), 0.8, 1e-15);
+}
+
+TEST_F(DirectionOnRead, FollowsTheRuleBitForBitForOrdinaryComponents)
+{
+    std::mt19937 random(3);
+    std::uniform_real_distribution<double> exponent(-150.0, 150.0);
+    std::uniform_real_distribution<double> factor(-1.0, 1.0);
+    for (int i = 0; i < 200; ++i) {
+        const double size = std::pow(10.0, exponent(random));
+        const double x = size * factor(random);
+        const double y = size * factor(random);
+        const double z = size * factor(random);
+        const double scale = 1.0 / std::sqrt(x * x + y * y + z * z);
+        EXPECT_EQ(Of(x, y, z), KARMathDirection(x * scale, y * scale, z * scale));
+    }
 }
 
 TEST(GeometryDirections, AreStoredAsGiven)

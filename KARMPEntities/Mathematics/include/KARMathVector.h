@@ -58,13 +58,30 @@ public:
     constexpr double SquareNorm() const { return Dot(*this); }
     /// Length, without overflow in between.
     double Norm() const { return std::hypot(m_x, m_y, m_z); }
-    /// Scales to length 1; false, with nothing changed, when the length is 0 or not finite.
+    /// This vector times the power of two that brings its largest component between 1/2 and 1, so
+    /// that squares neither overflow nor underflow; a null vector or one that is not finite stays.
+    KARMathVector ScaledToUnity() const
+    {
+        const double largest = std::fmax(std::abs(m_x), std::fmax(std::abs(m_y), std::abs(m_z)));
+        if (!std::isfinite(largest) || largest == 0.0)
+            return *this;
+        int exponent = 0;
+        std::frexp(largest, &exponent);
+        return {std::ldexp(m_x, -exponent), std::ldexp(m_y, -exponent), std::ldexp(m_z, -exponent)};
+    }
+    /// Scales to length 1; false, with nothing changed, when the length is 0 or a component is not
+    /// finite.
     bool Normalize()
     {
-        const double norm = Norm();
-        if (!std::isfinite(norm) || norm == 0.0)
+        KARMathVector scaled = *this;
+        double norm = Norm();
+        if (!std::isnormal(norm)) {
+            scaled = ScaledToUnity();
+            norm = scaled.Norm();
+        }
+        if (!std::isnormal(norm))
             return false;
-        *this = {m_x / norm, m_y / norm, m_z / norm};
+        *this = {scaled.m_x / norm, scaled.m_y / norm, scaled.m_z / norm};
         return true;
     }
 

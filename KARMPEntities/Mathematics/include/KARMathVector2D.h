@@ -1,6 +1,8 @@
 // A free vector in the plane.
 #pragma once
 
+#include "KARMathVector.h"
+
 #include <cmath>
 
 class KARMathVector2D
@@ -48,13 +50,19 @@ public:
     constexpr double SquareNorm() const { return Dot(*this); }
     /// Length, without overflow in between.
     double Norm() const { return std::hypot(m_x, m_y); }
-    /// Scales to length 1; false, with nothing changed, when the length is 0 or not finite.
+    /// Scales to length 1; false, with nothing changed, when the length is 0 or a component is not
+    /// finite.
     bool Normalize()
     {
         const double norm = Norm();
-        if (!std::isfinite(norm) || norm == 0.0)
+        if (std::isnormal(norm)) {
+            *this = {m_x / norm, m_y / norm};
+            return true;
+        }
+        KARMathVector unit(m_x, m_y, 0.0);
+        if (!unit.Normalize())
             return false;
-        *this = {m_x / norm, m_y / norm};
+        *this = {unit.GetX(), unit.GetY()};
         return true;
     }
 

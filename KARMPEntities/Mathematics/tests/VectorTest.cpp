@@ -100,6 +100,31 @@ TEST(MathVector, NormalizeRefusesWhatHasNoLength)
     EXPECT_EQ(planar, KARMathVector2D(0.0, -1.0));
 }
 
+TEST(MathVector, NormalizeNeitherOverflowsNorUnderflows)
+{
+    for (const double size : {1e200, 1.7e308, 1e-200, 1e-310, 5e-324}) {
+        KARMathVector v(size, -size, size);
+        EXPECT_TRUE(v.Normalize()) << size;
+        ExpectNear(v, KARMathVector(1.0, -1.0, 1.0) * (1.0 / std::sqrt(3.0)));
+        KARMathVector2D planar(size, -size);
+        EXPECT_TRUE(planar.Normalize()) << size;
+        EXPECT_NEAR(planar.GetX(), std::numbers::sqrt2 / 2.0, 1e-15) << size;
+        EXPECT_NEAR(planar.GetY(), -std::numbers::sqrt2 / 2.0, 1e-15) << size;
+    }
+    KARMathVector unknown(1.0, std::numeric_limits<double>::quiet_NaN(), 0.0);
+    EXPECT_FALSE(unknown.Normalize());
+    EXPECT_EQ(unknown.GetX(), 1.0);
+}
+
+TEST(MathVector, ScalingToUnityChangesNoRatio)
+{
+    EXPECT_EQ(KARMathVector(3e200, -1.5e200, 0.0).ScaledToUnity() * 2.0,
+              KARMathVector(3e200, -1.5e200, 0.0) * (2.0 / std::ldexp(1.0, 667)));
+    EXPECT_EQ(KARMathVector(0.0, 5e-324, -1e-323).ScaledToUnity(), KARMathVector(0.0, 0.25, -0.5));
+    EXPECT_EQ(KARMathVector().ScaledToUnity(), KARMathVector());
+    EXPECT_EQ(KARMathVector(1.0, Infinity, 0.0).ScaledToUnity(), KARMathVector(1.0, Infinity, 0.0));
+}
+
 TEST(MathPoint, DifferenceOfPointsIsTheVectorBetweenThem)
 {
     constexpr KARMathPoint p(1.0, 2.0, 3.0);
