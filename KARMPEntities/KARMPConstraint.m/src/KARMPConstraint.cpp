@@ -13,8 +13,46 @@
 #include <algorithm>
 #include <functional>
 #include <memory>
+#include <new>
+#include <numeric>
+#include <utility>
 
 KARMP_DEFINE_ABSTRACT_ENTITY(KARMPConstraint, "7F1E045F-4F56-4db2-9392-3DA8A5FC2990");
+
+namespace {
+
+using Parameters = std::vector<KARMPConstraintParameter*>;
+
+// Replaces each pointer that stands further in front already by null, one pair after the other.
+void DropRepeatsSlowly(Parameters& parameters)
+{
+    for (auto slot = parameters.begin(); slot != parameters.end(); ++slot)
+        if (std::find(parameters.begin(), slot, *slot) != slot)
+            *slot = nullptr;
+}
+
+// The same in n log n steps when there is memory for it.
+void DropRepeats(Parameters& parameters)
+{
+    constexpr std::size_t Few = 16;
+    const std::size_t count = parameters.size();
+    using Slot = KARMPConstraintParameter**;
+    const std::unique_ptr<Slot[]> slots(count > Few ? new (std::nothrow) Slot[count] : nullptr);
+    if (slots == nullptr) {
+        DropRepeatsSlowly(parameters);
+        return;
+    }
+    std::iota(slots.get(), slots.get() + count, parameters.data());
+    // By pointer, then by position: of equal ones the first slot comes first.
+    std::sort(slots.get(), slots.get() + count,
+              [](Slot a, Slot b) { return *a != *b ? std::less<>()(*a, *b) : a < b; });
+    const KARMPConstraintParameter* last = nullptr;
+    for (std::size_t i = 0; i < count; ++i)
+        if (*slots[i] == std::exchange(last, *slots[i]))
+            *slots[i] = nullptr;
+}
+
+} // namespace
 
 KARMPConstraint::KARMPConstraint() = default;
 
@@ -22,10 +60,10 @@ KARMPConstraint::KARMPConstraint(const KARMPConstraint&, CopyMode) : KARMPConstr
 
 KARMPConstraint::~KARMPConstraint()
 {
-    // A parameter that was added twice is freed once.
-    std::sort(m_parameters.begin(), m_parameters.end(), std::less<>());
-    const auto end = std::unique(m_parameters.begin(), m_parameters.end());
-    std::for_each(m_parameters.begin(), end, std::default_delete<KARMPConstraintParameter>());
+    // A parameter that was added twice is freed once, where it stands first.
+    DropRepeats(m_parameters);
+    for (const KARMPConstraintParameter* parameter : m_parameters)
+        delete parameter;
 }
 
 void KARMPConstraint::ClearContainers()

@@ -9,6 +9,11 @@
 #include "KARMPVariable.h"
 #include "RecordingConstraintLoader.h"
 
+#include <algorithm>
+#include <numeric>
+#include <random>
+#include <vector>
+
 namespace {
 
 /// A sensor that refuses to forget a constraint.
@@ -31,6 +36,18 @@ public:
     ~CountedParameter() override { --Alive; }
 
     static inline int Alive = 0;
+};
+
+/// Notes its number when it is freed.
+class NumberedParameter : public KARMPConstraintParameter
+{
+public:
+    NumberedParameter(int number, std::vector<int>& freed) : m_number(number), m_freed(freed) {}
+    ~NumberedParameter() override { m_freed.push_back(m_number); }
+
+private:
+    int m_number;
+    std::vector<int>& m_freed;
 };
 
 class Constraint : public KARMPTestFixture
@@ -219,6 +236,31 @@ TEST_F(Constraint, FreesEachParameterOnce)
     EXPECT_EQ(owner->GetConstraintParameterCount(), 4);
     owner = nullptr;
     EXPECT_EQ(CountedParameter::Alive, 0);
+}
+
+TEST_F(Constraint, FreesItsParametersInTheOrderOfTheList)
+{
+    for (const std::size_t count : {5U, 100U, 100000U}) {
+        std::vector<int> freed;
+        std::vector<int> expected(count);
+        std::iota(expected.begin(), expected.end(), 0);
+        std::vector<KARMPConstraintParameter*> parameters;
+        for (const int number : expected)
+            parameters.push_back(new NumberedParameter(number, freed));
+        // The order of the numbers has nothing to do with that of the addresses.
+        std::shuffle(parameters.begin(), parameters.end(), std::mt19937(5));
+        QOBSharedHandle<KARMPConstraint> owner = KARMPConcentricity::create(L"owner");
+        for (std::size_t i = 0; i < count; ++i) {
+            owner->AddConstraintParameter(parameters[i]);
+            if (i % 3 == 0)
+                owner->AddConstraintParameter(nullptr);
+            if (i % 4 == 0)
+                owner->AddConstraintParameter(parameters[i / 2]);
+        }
+        std::shuffle(expected.begin(), expected.end(), std::mt19937(5));
+        owner = nullptr;
+        EXPECT_EQ(freed, expected) << count;
+    }
 }
 
 TEST_F(Constraint, PutsEachQuestionToItsLoader)
