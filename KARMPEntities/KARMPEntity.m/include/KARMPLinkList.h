@@ -28,6 +28,8 @@ public:
         m_handles.Append(handle);
         return KARSuccess;
     }
+    /// Appends a link that is known not to be null, without a test for duplicates.
+    void Append(const QOBSharedHandle<T>& handle) { m_handles.Append(handle); }
     /// Places a link before an index, without a test for duplicates. A null handle is a failed
     /// check and a failure.
     KARStatus Insert(int index, const QOBSharedHandle<T>& handle,

@@ -32,7 +32,8 @@ public:
     /// Hands out the equation; null and a failure without one.
     virtual KARStatus GetValue(KARWBEquation*& equation) const;
     /// Links a variable that the equation uses and maps its position to itself. A null handle is a
-    /// failed check and a failure; a variable that is linked already gives 1.
+    /// failed check and a failure; a variable that GetLinkedVariable gives already gives 1. A
+    /// failing GetLinkedVariable is a failed check and counts as another variable.
     virtual KARStatus LinkToVariable(const QOBSharedHandle<KARMPVariable>& variable);
     /// Hands out the linked variable at an index from 0; outside the list a null handle and a
     /// failure.
@@ -50,6 +51,7 @@ protected:
     ~KARMPExpression() override;
 
 private:
+    bool IsLinked(const QOBSharedHandle<KARMPVariable>& variable, int count) const;
     bool WriteEquation(KARMPSerializer* expression) const;
     bool WriteMapping(KARMPSerializer* expression) const;
     void ReadEquation(std::wstring_view text);

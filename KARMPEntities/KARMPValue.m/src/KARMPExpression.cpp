@@ -8,6 +8,8 @@
 #include "KARMPVariable.h"
 #include "KARMPWorld.h"
 
+#include <typeinfo>
+
 KARMP_DEFINE_ENTITY(KARMPExpression, "B27C3563-C7BF-4A03-B166-53D33BEA8552");
 
 namespace {
@@ -48,11 +50,27 @@ KARStatus KARMPExpression::GetValue(KARWBEquation*& equation) const
 
 KARStatus KARMPExpression::LinkToVariable(const QOBSharedHandle<KARMPVariable>& variable)
 {
-    const int position = m_variables.Count();
-    const KARStatus status = m_variables.Add(variable);
-    if (status == KARSuccess)
-        m_variableMapping[position] = position;
-    return status;
+    if (!KARMPVerify(static_cast<bool>(variable)))
+        return KARFailure;
+    const int count = GetLinkedVariableCount();
+    if (IsLinked(variable, count))
+        return KARUnchanged;
+    m_variables.Append(variable);
+    m_variableMapping[count] = count;
+    return KARSuccess;
+}
+
+bool KARMPExpression::IsLinked(const QOBSharedHandle<KARMPVariable>& variable, int count) const
+{
+    // A subclass may replace the getter, whose answers count; the class itself looks up its index.
+    if (typeid(*this) == typeid(KARMPExpression))
+        return m_variables.Contains(variable);
+    for (int index = 0; index < count; ++index) {
+        QOBSharedHandle<KARMPVariable> linked;
+        if (KARMPVerify(!KARFailed(GetLinkedVariable(index, linked))) && linked == variable)
+            return true;
+    }
+    return false;
 }
 
 KARStatus KARMPExpression::GetLinkedVariable(int index,

@@ -33,6 +33,27 @@ public:
     }
 };
 
+// An expression that lists one variable more, in front of those that were linked.
+class LeadingExpression : public KARMPExpression
+{
+public:
+    explicit LeadingExpression(QOBSharedHandle<KARMPVariable> lead) : m_lead(std::move(lead)) {}
+    KARStatus GetLinkedVariable(int index, QOBSharedHandle<KARMPVariable>& variable) const override
+    {
+        if (index != 0)
+            return KARMPExpression::GetLinkedVariable(index - 1, variable);
+        variable = m_lead;
+        return KARSuccess;
+    }
+    int GetLinkedVariableCount() const override
+    {
+        return KARMPExpression::GetLinkedVariableCount() + 1;
+    }
+
+private:
+    QOBSharedHandle<KARMPVariable> m_lead;
+};
+
 // An expression that takes no equation and no mapping.
 class RefusingExpression : public KARMPExpression
 {
@@ -120,6 +141,32 @@ TEST_F(Expression, SecondLinkToTheSameVariableAddsNothing)
     variable = variables[0];
     EXPECT_EQ(expression->GetLinkedVariable(-1, variable), KARFailure);
     EXPECT_FALSE(variable);
+}
+
+TEST_F(Expression, LinkAsksTheGetterOfASubclassForTheLinkedVariables)
+{
+    const QOBSharedHandle<KARMPExpression> leading(new LeadingExpression(variables[0]));
+    EXPECT_EQ(leading->LinkToVariable(variables[0]), KARUnchanged);
+    EXPECT_EQ(leading->LinkToVariable(variables[1]), KARSuccess);
+    EXPECT_EQ(leading->LinkToVariable(variables[1]), KARUnchanged);
+    EXPECT_EQ(leading->GetLinkedVariableCount(), 2);
+    EXPECT_EQ(MappingOf(*leading), (Mapping{{1, 1}}));
+}
+
+TEST_F(Expression, LinkGoesOnBehindAVariableThatCannotBeHad)
+{
+    const QOBSharedHandle<KARMPExpression> unsure(new UnsureExpression);
+    unsure->LinkToVariable(variables[0]);
+    unsure->LinkToVariable(variables[1]);
+    EXPECT_EQ(unsure->LinkToVariable(variables[0]), KARUnchanged) << "in front of the failure";
+    EXPECT_EQ(unsure->LinkToVariable(variables[2]), KARSuccess);
+    ExpectReports(1);
+    EXPECT_EQ(unsure->LinkToVariable(variables[2]), KARUnchanged) << "behind the failure";
+    ExpectReports(1);
+    EXPECT_EQ(unsure->LinkToVariable(variables[1]), KARSuccess) << "the getter does not tell of it";
+    ExpectReports(1);
+    EXPECT_EQ(unsure->GetLinkedVariableCount(), 4);
+    EXPECT_EQ(MappingOf(*unsure), (Mapping{{0, 0}, {1, 1}, {2, 2}, {3, 3}}));
 }
 
 TEST_F(Expression, LinkMapsItsPositionToItselfAndLeavesOtherEntries)
