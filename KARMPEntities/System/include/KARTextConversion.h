@@ -14,11 +14,14 @@ enum class DecimalMark {
     PointOrComma ///< the comma counts as a point
 };
 
-/// Gives the UTF-8 bytes of a wide text. Lone surrogates and values above the last Unicode
-/// character are encoded by the same scheme, so that ToWide gives every value back.
+/// Gives the UTF-8 bytes of a wide text; ToWide gives every text back. Lone surrogates and values
+/// above the last Unicode character are encoded by the same scheme, except that U+DC80 to U+DCFF
+/// are the bytes 0x80 to 0xFF. Where such a byte would begin a character with the bytes behind it,
+/// it is encoded as its code point after all, in three bytes.
 KAR_API std::string ToUtf8(std::wstring_view text);
 
-/// Gives the wide text of UTF-8 bytes. Each byte that belongs to no character becomes U+FFFD.
+/// Gives the wide text of UTF-8 bytes. Each byte that belongs to no character becomes U+DC00 plus
+/// its value, so that ToUtf8 gives every sequence of bytes back.
 KAR_API std::wstring ToWide(std::string_view text);
 
 /// Gives the number of wchar_t units of ToWide, without making the text.

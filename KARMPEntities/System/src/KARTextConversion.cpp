@@ -5,7 +5,8 @@
 namespace kar {
 namespace {
 
-constexpr std::uint32_t Replacement = 0xFFFD;
+// A byte that belongs to no character is the unit ByteUnits + byte, U+DC80 to U+DCFF.
+constexpr std::uint32_t ByteUnits = 0xDC00;
 constexpr std::uint32_t LastCharacter = 0x10FFFF;
 constexpr bool PairedUnits = sizeof(wchar_t) == 2;
 
@@ -49,6 +50,16 @@ bool IsLowSurrogate(std::uint32_t unit)
     return unit >= 0xDC00 && unit < 0xE000;
 }
 
+bool IsByteUnit(std::uint32_t unit)
+{
+    return unit >= ByteUnits + 0x80 && unit <= ByteUnits + 0xFF;
+}
+
+bool IsTrail(unsigned char byte)
+{
+    return (byte & 0xC0U) == 0x80U;
+}
+
 int LengthFromLead(unsigned char lead)
 {
     int length = 0;
@@ -57,35 +68,83 @@ int LengthFromLead(unsigned char lead)
     return length;
 }
 
+struct Character
+{
+    std::uint32_t value = 0;
+    std::size_t length = 0; // in bytes, 0 for no character
+};
+
+// What a byte of 0x80 or above and the bytes behind it encode by the scheme alone.
+Character Decode(unsigned char lead, std::string_view behind)
+{
+    const int length = LengthFromLead(lead);
+    if (length < 2 || length > MaxLength || behind.size() + 1 < static_cast<std::size_t>(length))
+        return {};
+    std::uint64_t value = lead & (0x7FU >> length);
+    for (int i = 1; i < length; ++i) {
+        const auto byte = static_cast<unsigned char>(behind[static_cast<std::size_t>(i) - 1]);
+        if (!IsTrail(byte))
+            return {};
+        value = (value << 6) | (byte & 0x3FU);
+    }
+    // A longer form than needed would make two byte sequences of one text.
+    if (value < LowestOfLength[length] || value > (PairedUnits ? LastCharacter : UINT32_MAX))
+        return {};
+    return {static_cast<std::uint32_t>(value), static_cast<std::size_t>(length)};
+}
+
+// The character that a byte of 0x80 or above begins. The unit of a byte is encoded only where the
+// byte itself would begin a character with what follows; anywhere else its encoding is three bytes
+// that belong to no character. So no two texts have the same bytes, and no two sequences of bytes
+// have the same text.
+Character FirstCharacter(unsigned char lead, std::string_view behind)
+{
+    const Character first = Decode(lead, behind);
+    Character last = first;
+    while (last.length > 0 && IsByteUnit(last.value)) {
+        behind.remove_prefix(last.length - 1);
+        last = Decode(static_cast<unsigned char>(last.value - ByteUnits), behind);
+    }
+    return last.length > 0 ? first : Character();
+}
+
 // Takes one character off the front of `bytes`, or one byte that belongs to none.
 std::uint32_t TakeCharacter(std::string_view& bytes)
 {
     const auto lead = static_cast<unsigned char>(bytes.front());
-    if (lead < 0x80) {
-        bytes.remove_prefix(1);
+    bytes.remove_prefix(1);
+    if (lead < 0x80)
         return lead;
+    const Character character = FirstCharacter(lead, bytes);
+    if (character.length == 0)
+        return ByteUnits + lead;
+    bytes.remove_prefix(character.length - 1);
+    return character.value;
+}
+
+// The bytes that the units at the front of a text stand for, as far as they may end a character.
+std::string LeadingTrails(std::wstring_view text)
+{
+    std::string trails;
+    for (const wchar_t unit : text) {
+        const std::uint32_t byte = UnitOf(unit) - ByteUnits;
+        if (!IsByteUnit(UnitOf(unit)) || !IsTrail(static_cast<unsigned char>(byte)))
+            break;
+        trails.push_back(static_cast<char>(byte));
     }
-    const int length = LengthFromLead(lead);
-    if (length < 2 || length > MaxLength || bytes.size() < static_cast<std::size_t>(length)) {
-        bytes.remove_prefix(1);
-        return Replacement;
-    }
-    std::uint64_t value = lead & (0x7FU >> length);
-    for (int i = 1; i < length; ++i) {
-        const auto byte = static_cast<unsigned char>(bytes[static_cast<std::size_t>(i)]);
-        if ((byte & 0xC0U) != 0x80U) {
-            bytes.remove_prefix(1);
-            return Replacement;
-        }
-        value = (value << 6) | (byte & 0x3FU);
-    }
-    // A longer form than needed would make two byte sequences of one text.
-    if (value < LowestOfLength[length] || value > UINT32_MAX) {
-        bytes.remove_prefix(1);
-        return Replacement;
-    }
-    bytes.remove_prefix(static_cast<std::size_t>(length));
-    return static_cast<std::uint32_t>(value);
+    return trails;
+}
+
+// Appends the byte that the first unit of a text stands for, or the unit's encoding where that byte
+// would become part of a character.
+void AppendByte(std::string& bytes, std::wstring_view text)
+{
+    const std::uint32_t unit = UnitOf(text.front());
+    const auto byte = static_cast<unsigned char>(unit - ByteUnits);
+    if (!IsTrail(byte) && FirstCharacter(byte, LeadingTrails(text.substr(1))).length > 0)
+        AppendCharacter(bytes, unit);
+    else
+        bytes.push_back(static_cast<char>(byte));
 }
 
 } // namespace
@@ -96,6 +155,10 @@ std::string ToUtf8(std::wstring_view text)
     bytes.reserve(text.size());
     for (std::size_t i = 0; i < text.size(); ++i) {
         std::uint32_t character = UnitOf(text[i]);
+        if (IsByteUnit(character)) {
+            AppendByte(bytes, text.substr(i));
+            continue;
+        }
         if (PairedUnits && IsHighSurrogate(character) && i + 1 < text.size() &&
             IsLowSurrogate(UnitOf(text[i + 1]))) {
             ++i;
@@ -112,8 +175,6 @@ std::wstring ToWide(std::string_view text)
     wide.reserve(text.size());
     while (!text.empty()) {
         std::uint32_t character = TakeCharacter(text);
-        if (PairedUnits && character > LastCharacter)
-            character = Replacement;
         if (PairedUnits && character > 0xFFFF) {
             character -= 0x10000;
             wide.push_back(static_cast<wchar_t>(0xD800 + (character >> 10)));
@@ -129,7 +190,7 @@ std::size_t WideLength(std::string_view text)
     std::size_t units = 0;
     while (!text.empty()) {
         const std::uint32_t character = TakeCharacter(text);
-        units += PairedUnits && character > 0xFFFF && character <= LastCharacter ? 2 : 1;
+        units += PairedUnits && character > 0xFFFF ? 2 : 1;
     }
     return units;
 }

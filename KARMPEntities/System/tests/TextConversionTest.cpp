@@ -5,8 +5,13 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <initializer_list>
+#include <iterator>
 #include <limits>
 #include <random>
+#include <string>
+#include <utility>
+#include <vector>
 
 using kar::DecimalMark;
 using kar::ScanDouble;
@@ -71,17 +76,104 @@ TEST(Utf8, CharactersHaveTheirStandardBytes)
     EXPECT_EQ(ToWide({}), L"");
 }
 
-TEST(Utf8, BytesThatBelongToNoCharacterAreReplaced)
+TEST(Utf8, EveryByteComesBack)
 {
-    const std::wstring one = L"\uFFFD";
-    EXPECT_EQ(ToWide("\x80"), one);
-    EXPECT_EQ(ToWide("\xFF"), one);
-    EXPECT_EQ(ToWide("a\xC3"), L"a" + one);
-    EXPECT_EQ(ToWide("\xC3z"), one + L"z");
-    EXPECT_EQ(ToWide("\xE2\x82z"), one + one + L"z");
-    EXPECT_EQ(ToWide("\xC0\x80"), one + one);
-    EXPECT_EQ(ToWide("\xE0\x80\xAF"), one + one + one);
-    EXPECT_EQ(ToWide("\xFE\xBF\xBF\xBF\xBF\xBF\xBF").size(), 7U);
+    std::string all;
+    for (int value = 0; value < 256; ++value) {
+        const std::string one(1, static_cast<char>(value));
+        const std::wstring wide = ToWide(one);
+        EXPECT_EQ(wide,
+                  std::wstring(1, static_cast<wchar_t>(value < 0x80 ? value : 0xDC00 + value)));
+        EXPECT_EQ(ToUtf8(wide), one) << value;
+        all += one;
+    }
+    EXPECT_EQ(ToUtf8(ToWide(all)), all);
+    for (int first = 0; first < 256; ++first) {
+        for (int second = 0; second < 256; ++second) {
+            const std::string two = {static_cast<char>(first), static_cast<char>(second)};
+            ASSERT_EQ(ToUtf8(ToWide(two)), two) << first << ' ' << second;
+        }
+    }
+}
+
+TEST(Utf8, BytesThatBelongToNoCharacterComeBack)
+{
+    const auto units = [](std::initializer_list<int> values) {
+        std::wstring text;
+        for (const int value : values)
+            text.push_back(static_cast<wchar_t>(value));
+        return text;
+    };
+    const std::vector<std::pair<std::string, std::wstring>> cases{
+        {"a\xC3", units({'a', 0xDCC3})},
+        {"\xC3z", units({0xDCC3, 'z'})},
+        {"\xE2\x82z", units({0xDCE2, 0xDC82, 'z'})},
+        {"\xF0\x9F\x98", units({0xDCF0, 0xDC9F, 0xDC98})},
+        {"\xC0\x80", units({0xDCC0, 0xDC80})},
+        {"\xE0\x80\xAF", units({0xDCE0, 0xDC80, 0xDCAF})},
+        {"\xFF\xC3\xA4", units({0xDCFF, 0xE4})},
+        // Encoded units of bytes, which encode nothing here.
+        {"\xED\xB2\x80", units({0xDCED, 0xDCB2, 0xDC80})},
+        {"\xED\xB3\x83", units({0xDCED, 0xDCB3, 0xDC83})},
+        {"\xED\xB3\x83z", units({0xDCED, 0xDCB3, 0xDC83, 'z'})},
+        // Here it keeps a byte apart from the next one.
+        {"\xED\xB3\x83\xA4", units({0xDCC3, 0xDCA4})},
+        {"\xED\xB3\xAD\xB3\x83\xA4", units({0xDCED, 0xDCB3, 0xDC83, 0xDCA4})},
+    };
+    for (const auto& [bytes, wide] : cases) {
+        EXPECT_EQ(ToWide(bytes), wide) << testing::PrintToString(bytes);
+        EXPECT_EQ(ToUtf8(wide), bytes) << testing::PrintToString(wide);
+        EXPECT_EQ(kar::WideLength(bytes), wide.size());
+    }
+}
+
+TEST(Utf8, OtherSurrogatesKeepTheirEncoding)
+{
+    if (sizeof(wchar_t) < 4)
+        GTEST_SKIP() << "two encoded surrogates make a pair here";
+    for (const int value : {0xD800, 0xDBFF, 0xDC00, 0xDC7F, 0xDD00, 0xDFFF}) {
+        const std::wstring wide(1, static_cast<wchar_t>(value));
+        EXPECT_EQ(ToUtf8(wide).size(), 3U);
+        EXPECT_EQ(ToWide(ToUtf8(wide)), wide);
+    }
+}
+
+// Of few letters that combine to characters, encoded units and all that is close to them.
+TEST(Utf8, NoTwoTextsHaveTheSameBytesAndNoTwoSequencesOfBytesTheSameText)
+{
+    if (sizeof(wchar_t) < 4)
+        GTEST_SKIP() << "wchar_t holds no value of 32 bits here";
+    constexpr std::string_view Bytes = "\xED\xED\xB3\xB3\xB2\xAD\xAD\x83\x83\xA4\xC3\xC0\x80"
+                                       "\xF0\x9F\x98\xE2\xFE\xFFz";
+    constexpr int Units[] = {0xDCED, 0xDCED, 0xDCB3, 0xDCB3, 0xDCB2, 0xDCAD,  0xDCAD,
+                             0xDC83, 0xDC83, 0xDCA4, 0xDCC3, 0xDCC0, 0xDC80,  0xDC7F,
+                             0xDD00, 0xD83D, 0xE4,   'z',    0xFFFD, 0x1F600, 0x110000};
+    std::mt19937 random(20260611);
+    std::uniform_int_distribution<std::size_t> byte(0, Bytes.size() - 1);
+    std::uniform_int_distribution<std::size_t> unit(0, std::size(Units) - 1);
+    for (int round = 0; round < 300000; ++round) {
+        const auto length = static_cast<std::size_t>(round % 17);
+        std::string bytes;
+        std::wstring wide;
+        for (std::size_t i = 0; i < length; ++i) {
+            bytes.push_back(Bytes[byte(random)]);
+            wide.push_back(static_cast<wchar_t>(Units[unit(random)]));
+        }
+        ASSERT_EQ(ToUtf8(ToWide(bytes)), bytes) << testing::PrintToString(bytes);
+        ASSERT_EQ(ToWide(ToUtf8(wide)), wide) << testing::PrintToString(wide);
+    }
+}
+
+TEST(Utf8, LongChainsOfEncodedUnitsComeBack)
+{
+    // ED B3 AD is the encoded unit of ED, which B3 AD continue to the next.
+    std::string chain = "\xED";
+    for (int i = 0; i < 100000; ++i)
+        chain += "\xB3\xAD";
+    for (const char* const end : {"", "\xB3\x83\xA4", "\x80\x80"}) {
+        const std::string bytes = chain + end;
+        EXPECT_TRUE(ToUtf8(ToWide(bytes)) == bytes);
+    }
 }
 
 TEST(Utf8, LengthAgreesWithTheTextForAnyBytes)
@@ -95,6 +187,7 @@ TEST(Utf8, LengthAgreesWithTheTextForAnyBytes)
         const std::wstring wide = ToWide(bytes);
         ASSERT_EQ(kar::WideLength(bytes), wide.size());
         ASSERT_EQ(ToWide(ToUtf8(wide)), wide);
+        ASSERT_EQ(ToUtf8(wide), bytes);
     }
 }
 
