@@ -1,9 +1,10 @@
-// An axis system: an origin and three directions.
 #pragma once
 
 #include "KARMPGeometry.h"
 #include "KARMathAxis.h"
 
+/// An axis system: an origin and three directions.
+/// Setters store values as given; all accessors return 0.
 class KARMP_API KARMPAxisSystem : public KARMPGeometry
 {
     KARMP_ENTITY(KARMPAxisSystem, KARMPGeometry)
@@ -12,12 +13,12 @@ public:
     KARStatus Serialize(KARMPSerializer* serializer) const override;
     KARStatus Deserialize(const KARMPDeserializer* deserializer,
                           const KARMPEntityTable& entities) override;
-    /// Stores the axis system, as given; always 0.
+    /// Stores the axis system.
     virtual KARStatus SetAxisSystem(const KARMathAxis& axisSystem)
     {
         return Copy(axisSystem, m_axisSystem);
     }
-    /// Hands out the axis system; always 0.
+    /// Gives the axis system.
     virtual KARStatus GetAxisSystem(KARMathAxis& axisSystem) const
     {
         return Copy(m_axisSystem, axisSystem);

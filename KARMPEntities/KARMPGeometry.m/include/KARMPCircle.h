@@ -1,9 +1,10 @@
-// A circle.
 #pragma once
 
 #include "KARMPGeometry.h"
 #include "KARMathCircle.h"
 
+/// A circle.
+/// Setters store values as given; all accessors return 0.
 class KARMP_API KARMPCircle : public KARMPGeometry
 {
     KARMP_ENTITY(KARMPCircle, KARMPGeometry)
@@ -12,9 +13,9 @@ public:
     KARStatus Serialize(KARMPSerializer* serializer) const override;
     KARStatus Deserialize(const KARMPDeserializer* deserializer,
                           const KARMPEntityTable& entities) override;
-    /// Stores the circle, as given; always 0.
+    /// Stores the circle.
     virtual KARStatus SetCircle(const KARMathCircle& circle) { return Copy(circle, m_circle); }
-    /// Hands out the circle; always 0.
+    /// Gives the circle.
     virtual KARStatus GetCircle(KARMathCircle& circle) const { return Copy(m_circle, circle); }
 
 protected:

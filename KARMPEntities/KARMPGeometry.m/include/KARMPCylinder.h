@@ -1,10 +1,11 @@
-// A circular cylinder, given by its axis and radius.
 #pragma once
 
 #include "KARMPGeometry.h"
 #include "KARMathDirection.h"
 #include "KARMathPoint.h"
 
+/// A circular cylinder, given by its axis and radius.
+/// Setters store values as given; all accessors return 0.
 class KARMP_API KARMPCylinder : public KARMPGeometry
 {
     KARMP_ENTITY(KARMPCylinder, KARMPGeometry)
@@ -13,17 +14,17 @@ public:
     KARStatus Serialize(KARMPSerializer* serializer) const override;
     KARStatus Deserialize(const KARMPDeserializer* deserializer,
                           const KARMPEntityTable& entities) override;
-    /// Stores a point of the axis, as given; always 0.
+    /// Stores a point of the axis.
     virtual KARStatus SetOrigin(const KARMathPoint& origin) { return Copy(origin, m_origin); }
-    /// Hands out a point of the axis; always 0.
+    /// Gives a point of the axis.
     virtual KARStatus GetOrigin(KARMathPoint& origin) const { return Copy(m_origin, origin); }
-    /// Stores the direction of the axis, as given; always 0.
+    /// Stores the direction of the axis.
     virtual KARStatus SetAxis(const KARMathDirection& axis) { return Copy(axis, m_axis); }
-    /// Hands out the direction of the axis; always 0.
+    /// Gives the direction of the axis.
     virtual KARStatus GetAxis(KARMathDirection& axis) const { return Copy(m_axis, axis); }
-    /// Stores the radius, as given; always 0.
+    /// Stores the radius.
     virtual KARStatus SetRadius(double radius) { return Copy(radius, m_radius); }
-    /// Hands out the radius; always 0.
+    /// Gives the radius.
     virtual KARStatus GetRadius(double& radius) const { return Copy(m_radius, radius); }
 
 protected:

@@ -1,10 +1,11 @@
-// An ellipse, given in its plane.
 #pragma once
 
 #include "KARMPGeometry.h"
 #include "KARMathDirection.h"
 #include "KARMathPoint.h"
 
+/// An ellipse, given in its plane.
+/// Setters store values as given; all accessors return 0.
 class KARMP_API KARMPEllipse : public KARMPGeometry
 {
     KARMP_ENTITY(KARMPEllipse, KARMPGeometry)
@@ -13,40 +14,40 @@ public:
     KARStatus Serialize(KARMPSerializer* serializer) const override;
     KARStatus Deserialize(const KARMPDeserializer* deserializer,
                           const KARMPEntityTable& entities) override;
-    /// Stores the centre, as given; always 0.
+    /// Stores the centre.
     virtual KARStatus SetCenter(const KARMathPoint& center) { return Copy(center, m_center); }
-    /// Hands out the centre; always 0.
+    /// Gives the centre.
     virtual KARStatus GetCenter(KARMathPoint& center) const { return Copy(m_center, center); }
-    /// Stores the direction of the major axis, as given; always 0.
+    /// Stores the direction of the major axis.
     virtual KARStatus SetMajorDirection(const KARMathDirection& majorDirection)
     {
         return Copy(majorDirection, m_majorDirection);
     }
-    /// Hands out the direction of the major axis; always 0.
+    /// Gives the direction of the major axis.
     virtual KARStatus GetMajorDirection(KARMathDirection& majorDirection) const
     {
         return Copy(m_majorDirection, majorDirection);
     }
-    /// Stores the normal of its plane, as given; always 0.
+    /// Stores the normal of its plane.
     virtual KARStatus SetNormal(const KARMathDirection& normal) { return Copy(normal, m_normal); }
-    /// Hands out the normal of its plane; always 0.
+    /// Gives the normal of its plane.
     virtual KARStatus GetNormal(KARMathDirection& normal) const { return Copy(m_normal, normal); }
-    /// Stores the major radius, as given; always 0.
+    /// Stores the major radius.
     virtual KARStatus SetMajorRadius(double majorRadius)
     {
         return Copy(majorRadius, m_majorRadius);
     }
-    /// Hands out the major radius; always 0.
+    /// Gives the major radius.
     virtual KARStatus GetMajorRadius(double& majorRadius) const
     {
         return Copy(m_majorRadius, majorRadius);
     }
-    /// Stores the minor radius, as given; always 0.
+    /// Stores the minor radius.
     virtual KARStatus SetMinorRadius(double minorRadius)
     {
         return Copy(minorRadius, m_minorRadius);
     }
-    /// Hands out the minor radius; always 0.
+    /// Gives the minor radius.
     virtual KARStatus GetMinorRadius(double& minorRadius) const
     {
         return Copy(m_minorRadius, minorRadius);

@@ -1,9 +1,10 @@
-// A straight line without ends.
 #pragma once
 
 #include "KARMPGeometry.h"
 #include "KARMathLine.h"
 
+/// A straight line without ends.
+/// Setters store values as given; all accessors return 0.
 class KARMP_API KARMPLine : public KARMPGeometry
 {
     KARMP_ENTITY(KARMPLine, KARMPGeometry)
@@ -12,9 +13,9 @@ public:
     KARStatus Serialize(KARMPSerializer* serializer) const override;
     KARStatus Deserialize(const KARMPDeserializer* deserializer,
                           const KARMPEntityTable& entities) override;
-    /// Stores the line, as given; always 0.
+    /// Stores the line.
     virtual KARStatus SetLine(const KARMathLine& line) { return Copy(line, m_line); }
-    /// Hands out the line; always 0.
+    /// Gives the line.
     virtual KARStatus GetLine(KARMathLine& line) const { return Copy(m_line, line); }
 
 protected:

@@ -1,9 +1,10 @@
-// A plane without ends.
 #pragma once
 
 #include "KARMPGeometry.h"
 #include "KARMathPlane.h"
 
+/// A plane without ends.
+/// Setters store values as given; all accessors return 0.
 class KARMP_API KARMPPlane : public KARMPGeometry
 {
     KARMP_ENTITY(KARMPPlane, KARMPGeometry)
@@ -12,9 +13,9 @@ public:
     KARStatus Serialize(KARMPSerializer* serializer) const override;
     KARStatus Deserialize(const KARMPDeserializer* deserializer,
                           const KARMPEntityTable& entities) override;
-    /// Stores the plane, as given; always 0.
+    /// Stores the plane.
     virtual KARStatus SetPlane(const KARMathPlane& plane) { return Copy(plane, m_plane); }
-    /// Hands out the plane; always 0.
+    /// Gives the plane.
     virtual KARStatus GetPlane(KARMathPlane& plane) const { return Copy(m_plane, plane); }
 
 protected:

@@ -1,9 +1,10 @@
-// A point.
 #pragma once
 
 #include "KARMPGeometry.h"
 #include "KARMathPoint.h"
 
+/// A point.
+/// Setters store values as given; all accessors return 0.
 class KARMP_API KARMPPoint : public KARMPGeometry
 {
     KARMP_ENTITY(KARMPPoint, KARMPGeometry)
@@ -12,9 +13,9 @@ public:
     KARStatus Serialize(KARMPSerializer* serializer) const override;
     KARStatus Deserialize(const KARMPDeserializer* deserializer,
                           const KARMPEntityTable& entities) override;
-    /// Stores the point, as given; always 0.
+    /// Stores the point.
     virtual KARStatus SetPoint(const KARMathPoint& point) { return Copy(point, m_point); }
-    /// Hands out the point; always 0.
+    /// Gives the point.
     virtual KARStatus GetPoint(KARMathPoint& point) const { return Copy(m_point, point); }
 
 protected:

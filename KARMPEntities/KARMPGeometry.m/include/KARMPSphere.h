@@ -1,9 +1,10 @@
-// A sphere, given by its centre and radius.
 #pragma once
 
 #include "KARMPGeometry.h"
 #include "KARMathPoint.h"
 
+/// A sphere, given by its centre and radius.
+/// Setters store values as given; all accessors return 0.
 class KARMP_API KARMPSphere : public KARMPGeometry
 {
     KARMP_ENTITY(KARMPSphere, KARMPGeometry)
@@ -12,13 +13,13 @@ public:
     KARStatus Serialize(KARMPSerializer* serializer) const override;
     KARStatus Deserialize(const KARMPDeserializer* deserializer,
                           const KARMPEntityTable& entities) override;
-    /// Stores the centre, as given; always 0.
+    /// Stores the centre.
     virtual KARStatus SetCenter(const KARMathPoint& center) { return Copy(center, m_center); }
-    /// Hands out the centre; always 0.
+    /// Gives the centre.
     virtual KARStatus GetCenter(KARMathPoint& center) const { return Copy(m_center, center); }
-    /// Stores the radius, as given; always 0.
+    /// Stores the radius.
     virtual KARStatus SetRadius(double radius) { return Copy(radius, m_radius); }
-    /// Hands out the radius; always 0.
+    /// Gives the radius.
     virtual KARStatus GetRadius(double& radius) const { return Copy(m_radius, radius); }
 
 protected:

@@ -1,10 +1,11 @@
-// A torus, given by its centre, the normal of its middle circle and its two radii.
 #pragma once
 
 #include "KARMPGeometry.h"
 #include "KARMathDirection.h"
 #include "KARMathPoint.h"
 
+/// A torus, given by its centre, the normal of its middle circle and its two radii.
+/// Setters store values as given; all accessors return 0.
 class KARMP_API KARMPTorus : public KARMPGeometry
 {
     KARMP_ENTITY(KARMPTorus, KARMPGeometry)
@@ -13,30 +14,30 @@ public:
     KARStatus Serialize(KARMPSerializer* serializer) const override;
     KARStatus Deserialize(const KARMPDeserializer* deserializer,
                           const KARMPEntityTable& entities) override;
-    /// Stores the centre, as given; always 0.
+    /// Stores the centre.
     virtual KARStatus SetCenter(const KARMathPoint& center) { return Copy(center, m_center); }
-    /// Hands out the centre; always 0.
+    /// Gives the centre.
     virtual KARStatus GetCenter(KARMathPoint& center) const { return Copy(m_center, center); }
-    /// Stores the normal of the middle circle's plane, as given; always 0.
+    /// Stores the normal of the middle circle's plane.
     virtual KARStatus SetNormal(const KARMathDirection& normal) { return Copy(normal, m_normal); }
-    /// Hands out the normal of the middle circle's plane; always 0.
+    /// Gives the normal of the middle circle's plane.
     virtual KARStatus GetNormal(KARMathDirection& normal) const { return Copy(m_normal, normal); }
-    /// Stores the radius of the middle circle, as given; always 0.
+    /// Stores the radius of the middle circle.
     virtual KARStatus SetMajorRadius(double majorRadius)
     {
         return Copy(majorRadius, m_majorRadius);
     }
-    /// Hands out the radius of the middle circle; always 0.
+    /// Gives the radius of the middle circle.
     virtual KARStatus GetMajorRadius(double& majorRadius) const
     {
         return Copy(m_majorRadius, majorRadius);
     }
-    /// Stores the radius of the tube, as given; always 0.
+    /// Stores the radius of the tube.
     virtual KARStatus SetMinorRadius(double minorRadius)
     {
         return Copy(minorRadius, m_minorRadius);
     }
-    /// Hands out the radius of the tube; always 0.
+    /// Gives the radius of the tube.
     virtual KARStatus GetMinorRadius(double& minorRadius) const
     {
         return Copy(m_minorRadius, minorRadius);

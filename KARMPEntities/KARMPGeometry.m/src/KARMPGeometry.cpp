@@ -8,8 +8,6 @@
 #include "KARMPLoaderAccess.h"
 #include "KARMPUnlinkAll.h"
 
-#include <utility>
-
 KARMP_DEFINE_ABSTRACT_ENTITY(KARMPGeometry, "75F51E72-CC9C-44c3-AE3B-5F1AF2E51326");
 
 template <>
@@ -39,7 +37,7 @@ KARStatus KARMPGeometry::RemoveParent()
 {
     const QOBSharedHandle<KARMPGeometry> self(this);
     if (m_body) {
-        const KARStatus status = std::exchange(m_body, nullptr)->RemoveGeometry(self);
+        const KARStatus status = m_body.Take()->RemoveGeometry(self);
         if (KARFailed(status))
             return status;
     }
@@ -51,49 +49,4 @@ KARStatus KARMPGeometry::RemoveParent()
 KARStatus KARMPGeometry::GetLoader(KARIMPGeometryLoader*& loader) const
 {
     return karmp::FetchLoader(*this, loader);
-}
-
-KARStatus KARMPGeometry::SetBody(const QOBSharedHandle<KARMPBody>& body)
-{
-    if (!KARMPVerify(static_cast<bool>(body)))
-        return KARFailure;
-    m_body = body;
-    return KARSuccess;
-}
-
-KARStatus KARMPGeometry::GetBody(QOBSharedHandle<KARMPBody>& body) const
-{
-    body = m_body;
-    return body ? KARSuccess : KARFailure;
-}
-
-KARStatus KARMPGeometry::RemoveBody(const QOBSharedHandle<KARMPBody>& body)
-{
-    if (!KARMPVerify(static_cast<bool>(body)))
-        return KARFailure;
-    if (m_body != body)
-        return KARUnchanged;
-    m_body.detach();
-    return KARSuccess;
-}
-
-KARStatus KARMPGeometry::LinkToConstraint(const QOBSharedHandle<KARMPConstraint>& constraint)
-{
-    return m_linkedConstraints.Add(constraint);
-}
-
-KARStatus KARMPGeometry::GetLinkedConstraint(int index,
-                                             QOBSharedHandle<KARMPConstraint>& constraint) const
-{
-    return m_linkedConstraints.Get(index, constraint);
-}
-
-int KARMPGeometry::GetLinkedConstraintCount() const
-{
-    return m_linkedConstraints.Count();
-}
-
-KARStatus KARMPGeometry::RemoveConstraint(const QOBSharedHandle<KARMPConstraint>& constraint)
-{
-    return m_linkedConstraints.Remove(constraint);
 }

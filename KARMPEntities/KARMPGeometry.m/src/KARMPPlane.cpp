@@ -4,43 +4,31 @@
 
 KARMP_DEFINE_ENTITY(KARMPPlane, "3E9E426D-0006-4927-B66F-ABA768A7698A");
 
+template <>
+struct karmp::ContentOf<KARMPPlane>
+{
+    using C = KARMPPlane;
+    static KARMathPoint Origin(const C& plane) { return plane.m_plane.GetOrigin(); }
+    static void SetOrigin(C& plane, const KARMathPoint& origin)
+    {
+        plane.m_plane = KARMathPlane(origin, plane.m_plane.GetNormal());
+    }
+    static KARMathDirection Normal(const C& plane) { return plane.m_plane.GetNormal(); }
+    static void SetNormal(C& plane, const KARMathDirection& normal)
+    {
+        plane.m_plane = KARMathPlane(plane.m_plane.GetOrigin(), normal);
+    }
+    static constexpr auto List = Element(
+        L"Plane", "A plane.", CountingFrame,
+        Coordinates(
+            PointOf<&Origin>(L"Origin", OriginNames, "A point of the plane.").Through<&SetOrigin>(),
+            DirectionOf<&Normal>(L"Normal", NormalNames, "Its normal, a unit vector.")
+                .Through<&SetNormal>()));
+};
+KARMP_DEFINE_CONTENT(KARMPPlane);
+
 KARMPPlane::KARMPPlane() = default;
 KARMPPlane::KARMPPlane(const KARMPPlane& source, CopyMode mode)
     : Super(source, mode), m_plane(source.m_plane)
 {}
 KARMPPlane::~KARMPPlane() = default;
-
-namespace {
-
-// What stands in "Coordinates", in order.
-struct Values
-{
-    KARMathPoint origin;
-    KARMathDirection normal;
-};
-
-auto Coordinates(auto& values)
-{
-    return std::tuple(karmp::Triple(karmp::OriginNames, values.origin),
-                      karmp::Triple(karmp::NormalNames, values.normal));
-}
-
-} // namespace
-
-KARStatus KARMPPlane::Serialize(KARMPSerializer* serializer) const
-{
-    const Values values{m_plane.GetOrigin(), m_plane.GetNormal()};
-    return karmp::WriteKind(*this, serializer, L"Plane", Coordinates(values));
-}
-
-KARStatus KARMPPlane::Deserialize(const KARMPDeserializer* deserializer,
-                                  const KARMPEntityTable& entities)
-{
-    Values values;
-    const KARStatus status =
-        karmp::ReadKind(*this, deserializer, entities, L"Plane", Coordinates(values));
-    if (KARFailed(status))
-        return status;
-    m_plane = KARMathPlane(values.origin, values.normal);
-    return status;
-}

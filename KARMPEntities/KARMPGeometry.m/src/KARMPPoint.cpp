@@ -1,7 +1,6 @@
 #include "KARMPPoint.h"
 
-#include "KARMPContentWalk.h"
-#include "KARMPFrames.h"
+#include "KARMPCoordinates.h"
 
 KARMP_DEFINE_ENTITY(KARMPPoint, "0F73E9C4-70E1-4c45-B6A5-9A528EF579D2");
 
@@ -11,11 +10,7 @@ struct karmp::ContentOf<KARMPPoint>
     using C = KARMPPoint;
     static constexpr auto List =
         Element(L"Point", "A point.", CountingFrame,
-                Group(L"Coordinates", "Where it lies, in the axes of its body.",
-                      Numbers<&C::m_point>(L"Origin", OriginNames, "The point.",
-                                           KARMPPhysicalQuantity::Length)
-                          .ZeroIfMissing())
-                    .Required());
+                Coordinates(PointOf<&C::m_point>(L"Origin", OriginNames, "The point.")));
 };
 KARMP_DEFINE_CONTENT(KARMPPoint);
 

@@ -4,30 +4,19 @@
 
 KARMP_DEFINE_ENTITY(KARMPSphere, "B0DCE707-057F-4792-8B91-D88ECE8F1FD2");
 
+template <>
+struct karmp::ContentOf<KARMPSphere>
+{
+    using C = KARMPSphere;
+    static constexpr auto List =
+        Element(L"Sphere", "A sphere.", CountingFrame,
+                Coordinates(PointOf<&C::m_center>(L"Center", CentreNames, "Its centre."),
+                            Length<&C::m_radius>(L"radius", "Its radius.")));
+};
+KARMP_DEFINE_CONTENT(KARMPSphere);
+
 KARMPSphere::KARMPSphere() = default;
 KARMPSphere::KARMPSphere(const KARMPSphere& source, CopyMode mode)
     : Super(source, mode), m_radius(source.m_radius)
 {}
 KARMPSphere::~KARMPSphere() = default;
-
-namespace {
-
-// What stands in "Coordinates", in order.
-auto Coordinates(auto& center, auto& radius)
-{
-    return std::tuple(karmp::Triple(karmp::CentreNames, center), karmp::Number(L"radius", radius));
-}
-
-} // namespace
-
-KARStatus KARMPSphere::Serialize(KARMPSerializer* serializer) const
-{
-    return karmp::WriteKind(*this, serializer, L"Sphere", Coordinates(m_center, m_radius));
-}
-
-KARStatus KARMPSphere::Deserialize(const KARMPDeserializer* deserializer,
-                                   const KARMPEntityTable& entities)
-{
-    return karmp::ReadKind(*this, deserializer, entities, L"Sphere",
-                           Coordinates(m_center, m_radius));
-}
