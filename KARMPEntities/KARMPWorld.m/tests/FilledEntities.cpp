@@ -294,7 +294,7 @@ void FilledEntities::FillVariable(KARMPVariable& variable)
 }
 
 // What the classes add to their families: each setter that a class has is called.
-bool FilledEntities::FillOwnContent(KARMPEntity& entity)
+void FilledEntities::FillOwnContent(KARMPEntity& entity)
 {
     using Classes = karmp::FamilyList<
         KARMPAxisSystem, KARMPCircle, KARMPCirline, KARMPCone, KARMPCylicone, KARMPCylinder,
@@ -304,7 +304,7 @@ bool FilledEntities::FillOwnContent(KARMPEntity& entity)
         KARMPTangency, KARMPLinearEquation, KARMPCylindricalConstraint, KARMPPrismaticConstraint,
         KARMPRevoluteConstraint, KARMPScrewConstraint, KARMPSphericalConstraint, KARMPBoolean,
         KARMPConstant, KARMPExpression, KARMPSketchFunction, KARMPString>;
-    return Classes::AnyOf([&](auto family) {
+    Classes::AnyOf([&](auto family) {
         using T = typename decltype(family)::Type;
         if (entity.getClassName() != T::ClassName())
             return false;

@@ -76,7 +76,7 @@ private:
     void FillSensor(KARMPSensor& sensor);
     void FillValue(KARMPValue& value);
     void FillVariable(KARMPVariable& variable);
-    bool FillOwnContent(KARMPEntity& entity);
+    void FillOwnContent(KARMPEntity& entity);
     template <class T>
     void FillShapeOf(T& geometry);
     template <class T>

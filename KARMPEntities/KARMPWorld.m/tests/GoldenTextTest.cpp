@@ -4,6 +4,7 @@
 // ("MOT_DUMP_OUTPUTS"), names ("NO_MP_NAME_FOR_SERIALIZATION"), the curves of a sketch function
 // ("DONT_SERIALIZE_CURVE"), the grid of numbers ("SERIALIZATION_PRECISION"). Process tests of the
 // modules cover them.
+#include "ConcreteEntity.h"
 #include "EnvironmentVariable.h"
 #include "FilledEntities.h"
 #include "GoldenFile.h"
@@ -120,6 +121,18 @@ TEST_F(GoldenText, IsWhatEachClassWritesAndReadsBackAtEachVersion)
         Add(name, Filling::Other, "filled otherwise");
         ExpectGolden(name, text);
     }
+}
+
+// A filled body stands in cycles of handles with bodies that hold the shapes.
+TEST_F(GoldenText, LeavesNoEntityBehind)
+{
+    const int before = ConcreteEntity<KARMPShape>::Alive();
+    {
+        FilledEntities entities;
+        entities.Make("KARMPBody", Filling::Full);
+        EXPECT_EQ(ConcreteEntity<KARMPShape>::Alive(), before + 2);
+    }
+    EXPECT_EQ(ConcreteEntity<KARMPShape>::Alive(), 0);
 }
 
 TEST_F(GoldenText, IsKeptOfNoOtherClass)
