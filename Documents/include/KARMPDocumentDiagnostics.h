@@ -94,6 +94,8 @@ struct KARMP_DOCUMENTS_API Diagnostics
     bool HasErrors() const { return Count(Severity::Error) != 0; }
     /// The first message of a code, null when there is none.
     const Diagnostic* Find(Code code) const;
+    /// Adds the messages of a further operation behind the own ones.
+    void Append(Diagnostics further);
 };
 
 } // namespace karmp::documents

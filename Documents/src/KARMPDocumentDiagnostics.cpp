@@ -3,6 +3,8 @@
 #include "KARMPMessages.h"
 
 #include <algorithm>
+#include <iterator>
+#include <utility>
 
 namespace karmp::documents {
 
@@ -128,6 +130,11 @@ const Diagnostic* Diagnostics::Find(Code code) const
     const auto found = std::find_if(items.begin(), items.end(),
                                     [code](const Diagnostic& item) { return item.code == code; });
     return found != items.end() ? &*found : nullptr;
+}
+
+void Diagnostics::Append(Diagnostics further)
+{
+    std::move(further.items.begin(), further.items.end(), std::back_inserter(items));
 }
 
 void Messages::Add(Severity severity, Code code, std::string text, std::string path,

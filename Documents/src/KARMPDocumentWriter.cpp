@@ -1,7 +1,8 @@
 #include "KARMPDocumentWriter.h"
 
-#include "KARMPFileAccess.h"
+#include "KARMPMessages.h"
 #include "KARMPTextRoom.h"
+#include "KARMPWholeFile.h"
 #include "KARMPXmlRenderer.h"
 #include "KARTextConversion.h"
 
@@ -59,15 +60,8 @@ Diagnostics KARMPDocumentWriter::SaveXml(const std::filesystem::path& path,
     Diagnostics diagnostics = RenderXml(bytes, limits);
     for (auto& item : diagnostics.items)
         item.file = path.string();
-    if (!diagnostics.HasErrors()) {
-        Messages messages(diagnostics, path.string(), limits.diagnostics);
-        try {
-            karmp::documents::WriteWholeFile(path, bytes, messages);
-        } catch (const std::exception& exception) {
-            messages.Error(Code::CannotWrite,
-                           std::string("cannot write the file: ") + exception.what());
-        }
-    }
+    if (!diagnostics.HasErrors())
+        diagnostics.Append(karmp::documents::WriteWholeFile(path, bytes));
     return diagnostics;
 }
 

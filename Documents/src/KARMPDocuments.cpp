@@ -4,10 +4,10 @@
 #include "KARMPDocumentPath.h"
 #include "KARMPFailedCheck.h"
 #include "KARMPFamilies.h"
-#include "KARMPFileAccess.h"
 #include "KARMPReadingPlace.h"
 #include "KARMPStreamedTree.h"
 #include "KARMPTextRoom.h"
+#include "KARMPWholeFile.h"
 #include "KARMPWorld.h"
 #include "QOBBasicWorld.h"
 #include "QOBException.h"
@@ -119,8 +119,7 @@ Diagnostics RenderWorld(const QOBSharedHandle<KARMPWorld>& world, const std::str
             }
         }
         tree.Finish();
-        std::move(rendered.items.begin(), rendered.items.end(),
-                  std::back_inserter(diagnostics.items));
+        diagnostics.Append(std::move(rendered));
     });
     return diagnostics;
 }
@@ -185,10 +184,8 @@ Diagnostics SaveFile(const QOBSharedHandle<KARMPWorld>& world, const std::filesy
 {
     std::string bytes;
     Diagnostics diagnostics = RenderWorld(world, path.string(), bytes, options);
-    if (!diagnostics.HasErrors()) {
-        Messages messages(diagnostics, path.string(), options.limits.diagnostics);
-        Guarded(messages, "the file was written", [&] { WriteWholeFile(path, bytes, messages); });
-    }
+    if (!diagnostics.HasErrors())
+        diagnostics.Append(WriteWholeFile(path, bytes));
     return diagnostics;
 }
 

@@ -1,7 +1,13 @@
 #include "KARMPFileAccess.h"
 
+#include "KARMPDocumentLimits.h"
+#include "KARMPWholeFile.h"
+
+#include <algorithm>
 #include <cerrno>
+#include <exception>
 #include <fcntl.h>
+#include <new>
 #include <random>
 #include <sys/stat.h>
 #include <system_error>
@@ -147,6 +153,25 @@ bool Replace(const fs::path& target, const struct stat* old, std::string_view by
     return true;
 }
 
+bool Write(const fs::path& path, std::string_view bytes, Messages& messages)
+{
+    const fs::path target = TargetOf(path);
+    struct stat old
+    {};
+    const bool exists = ::stat(target.c_str(), &old) == 0;
+    if (!exists && errno != ENOENT)
+        return CannotWrite(messages, "cannot write the file", errno);
+    if (!exists)
+        return Replace(target, nullptr, bytes, messages);
+    if (S_ISDIR(old.st_mode))
+        return CannotWrite(messages, "cannot write the file", EISDIR);
+    if (!S_ISREG(old.st_mode))
+        return WriteInPlace(target, bytes, messages);
+    if (::faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0)
+        return CannotWrite(messages, "cannot write the file", errno);
+    return Replace(target, &old, bytes, messages);
+}
+
 } // namespace
 
 bool ReadWholeFile(const fs::path& path, std::size_t limit, std::string& bytes, Messages& messages)
@@ -193,23 +218,19 @@ bool ReadWholeFile(const fs::path& path, std::size_t limit, std::string& bytes, 
     return true;
 }
 
-bool WriteWholeFile(const fs::path& path, std::string_view bytes, Messages& messages)
+Diagnostics WriteWholeFile(const fs::path& path, std::string_view bytes)
 {
-    const fs::path target = TargetOf(path);
-    struct stat old
-    {};
-    const bool exists = ::stat(target.c_str(), &old) == 0;
-    if (!exists && errno != ENOENT)
-        return CannotWrite(messages, "cannot write the file", errno);
-    if (!exists)
-        return Replace(target, nullptr, bytes, messages);
-    if (S_ISDIR(old.st_mode))
-        return CannotWrite(messages, "cannot write the file", EISDIR);
-    if (!S_ISREG(old.st_mode))
-        return WriteInPlace(target, bytes, messages);
-    if (::faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0)
-        return CannotWrite(messages, "cannot write the file", errno);
-    return Replace(target, &old, bytes, messages);
+    Diagnostics diagnostics;
+    Messages messages(diagnostics, path.string(), Limits().diagnostics);
+    try {
+        Write(path, bytes, messages);
+    } catch (const std::bad_alloc&) {
+        messages.Error(Code::OutOfMemory, "cannot write the file: an allocation failed");
+    } catch (const std::exception& exception) {
+        messages.Error(Code::CannotWrite,
+                       std::string("cannot write the file: ") + exception.what());
+    }
+    return diagnostics;
 }
 
 } // namespace karmp::documents

@@ -1,6 +1,7 @@
 // Files: replaced as a whole or not at all, and what cannot be read or written is told.
 #include "KARMPDocumentReader.h"
 #include "KARMPDocumentWriter.h"
+#include "KARMPWholeFile.h"
 
 #include <gtest/gtest.h>
 
@@ -112,6 +113,21 @@ TEST_F(DocumentFile, IsWrittenAndReadBack)
     EXPECT_TRUE(document.Root()->HasElement(L"World"));
     EXPECT_TRUE(document.Messages().items.empty());
     EXPECT_EQ(document.Name(), Path().string());
+    EXPECT_EQ(FileCount(), 1U);
+}
+
+TEST_F(DocumentFile, OfAnyContentIsWrittenWhole)
+{
+    Write(Path(), "old");
+    EXPECT_TRUE(WriteWholeFile(Path(), "new").items.empty());
+    EXPECT_EQ(Content(Path()), "new");
+    EXPECT_EQ(FileCount(), 1U);
+    for (const fs::path& path : {fs::path("/dev/full"), Path("missing/a.txt"), m_folder}) {
+        const Diagnostics diagnostics = WriteWholeFile(path, "new");
+        ASSERT_EQ(diagnostics.items.size(), 1U) << path;
+        EXPECT_EQ(diagnostics.items[0].code, Code::CannotWrite);
+        EXPECT_EQ(diagnostics.items[0].file, path.string());
+    }
     EXPECT_EQ(FileCount(), 1U);
 }
 

@@ -1,0 +1,20 @@
+// Files that are written whole or not at all.
+#pragma once
+
+#include "KARMPDocumentDiagnostics.h"
+#include "KARMPDocumentsExport.h"
+
+#include <filesystem>
+#include <string_view>
+
+namespace karmp::documents {
+
+/// Writes a file so that at any time either the old or the new content stands under its name: by a
+/// temporary file in the same folder, which is synchronised and renamed. What is no regular file (a
+/// device, a pipe) is written directly. Permissions of a replaced file are kept; a symbolic link
+/// stays one, and the file it leads to is replaced. After an error, told in the diagnostics, the
+/// old file is as it was and nothing is left of the new one. Does not throw.
+KARMP_DOCUMENTS_API Diagnostics WriteWholeFile(const std::filesystem::path& path,
+                                               std::string_view bytes);
+
+} // namespace karmp::documents
