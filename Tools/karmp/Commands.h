@@ -5,8 +5,8 @@
 
 namespace karmp::tool {
 
-/// How a command ended: nothing to complain about, something found, or nothing that can be read or
-/// written.
+/// How a command ended: nothing to complain about, something found, or a file that cannot be read,
+/// cannot be written or is kept from being written by errors in what was read.
 enum ExitCode : int { Clean = 0, Findings = 1, Unreadable = 2 };
 
 struct InfoOptions
@@ -40,9 +40,11 @@ struct ConvertOptions
     std::string output;
     std::string version; // the input's when empty
     bool exact = false;
+    bool force = false; // write what could be read of a document with errors
 };
 /// Writes a document in canonical form, for another version if asked, and lists what that version
-/// cannot hold.
+/// cannot hold. Of a document with errors nothing is written unless it is forced, and never onto
+/// the document itself.
 int RunConvert(const ConvertOptions& options);
 
 struct GraphOptions

@@ -54,6 +54,39 @@ int PrintLosses(const QOBSharedHandle<KARMPWorld>& world, const SaveOptions& opt
     return Findings;
 }
 
+// Tells of the errors of the input, the first ones in full.
+void PrintErrors(const ConvertOptions& options, const documents::Diagnostics& messages)
+{
+    constexpr std::size_t most = 10;
+    documents::Diagnostics first;
+    for (const documents::Diagnostic& message : messages.items)
+        if (message.severity == documents::Severity::Error && first.items.size() < most)
+            first.items.push_back(message);
+    PrintMessages(first, true);
+    const std::size_t count = messages.Count(documents::Severity::Error);
+    if (count > most)
+        std::cerr << "... and " << count - most << " more\n";
+    std::cerr << "karmp: " << Printable(std::string_view(options.input)) << " has " << count
+              << (count == 1 ? " error" : " errors");
+}
+
+// Whether the errors of the input leave the output to be written. What they are about would be
+// lost, and with the input itself as output nothing would tell of it any more.
+bool MayWrite(const ConvertOptions& options, const documents::Diagnostics& messages)
+{
+    if (!messages.HasErrors())
+        return true;
+    const bool inPlace = IsSameFile(options.input, options.output);
+    if (options.force && !inPlace)
+        return true;
+    PrintErrors(options, messages);
+    std::cerr << "; nothing was written. Mend the document ('karmp check' lists all findings), or "
+              << (inPlace ? "name another file as output, with --force, for what could be read; a "
+                            "document with errors is never overwritten\n"
+                          : "write what could be read with --force\n");
+    return false;
+}
+
 bool IsKnown(std::wstring_view version)
 {
     const auto& known = documents::KnownVersions();
@@ -79,6 +112,9 @@ int RunConvert(const ConvertOptions& options)
         std::cerr << '\n';
         return Unreadable;
     }
+
+    if (!MayWrite(options, loaded->diagnostics))
+        return Unreadable;
 
     documents::Diagnostics messages;
     {

@@ -3,11 +3,16 @@
 #include "KARMPWorld.h"
 #include "Output.h"
 
+#include <filesystem>
 #include <iostream>
+#include <system_error>
 
 namespace karmp::tool {
 
 namespace {
+
+// So many warnings do not hide an error behind them.
+constexpr std::size_t MostProblems = 1'000'000;
 
 std::string Activity(const char* verb, const std::string& file)
 {
@@ -28,7 +33,9 @@ std::optional<documents::LoadResult> LoadWorld(const std::string& file)
     documents::LoadResult result;
     {
         const Progress progress(Activity("loading", file));
-        result = documents::LoadFile(file);
+        documents::LoadOptions options;
+        options.limits.diagnostics = MostProblems;
+        result = documents::LoadFile(file, options);
     }
     if (!result.world) {
         PrintMessages(result.diagnostics, true);
@@ -39,6 +46,12 @@ std::optional<documents::LoadResult> LoadWorld(const std::string& file)
                   << "; 'karmp check' lists them\n";
     }
     return result;
+}
+
+bool IsSameFile(const std::string& first, const std::string& second)
+{
+    std::error_code missing;
+    return std::filesystem::equivalent(first, second, missing);
 }
 
 std::optional<documents::Document> ReadTree(const std::string& file)

@@ -12,8 +12,8 @@ namespace {
 using namespace karmp::tool;
 
 constexpr const char* ExitCodes =
-    "Exit code: 0 when all is well, 1 when there are findings, 2 when a file cannot be read or "
-    "written.";
+    "Exit code: 0 when all is well, 1 when there are findings, 2 when the arguments are wrong or a "
+    "file is not read or not written.";
 
 std::string Footer(const char* example)
 {
@@ -61,7 +61,12 @@ int Run(int argc, char** argv)
     convertApp->add_option("--to", convert.version, "Version to write, for example R2016.1");
     convertApp->add_flag("--exact", convert.exact,
                          "All doubles as they are, off the grid of 1e-12");
-    convertApp->footer(Footer("karmp convert crank.xml old.xml --to R2016.1"));
+    convertApp->add_flag("--force", convert.force,
+                         "Write what could be read of a document with errors, to another file");
+    convertApp->footer("A document with errors is not converted, because what they are about would "
+                       "be lost; --force does it all the same, but never onto the document itself."
+                       "\n\n" +
+                       Footer("karmp convert crank.xml old.xml --to R2016.1"));
     convertApp->callback([&] { command = [&convert] { return RunConvert(convert); }; });
 
     GraphOptions graph;

@@ -1,93 +1,15 @@
 // Runs the tool as a user does and looks at what it prints and how it ends.
 #include "Mobility.h"
 #include "Output.h"
-
-#include <gtest/gtest.h>
+#include "ToolFixture.h"
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
 
-#include <sys/wait.h>
-#include <unistd.h>
+namespace karmp::tool {
 
 namespace {
-
-namespace fs = std::filesystem;
-
-struct Outcome
-{
-    int code = -1;
-    std::string output; // both streams
-};
-
-std::string ReadFile(const std::string& path)
-{
-    std::ostringstream text;
-    text << std::ifstream(path, std::ios::binary).rdbuf();
-    return text.str();
-}
-
-constexpr const char* Values = R"(  <Values>
-   <Constant id="c1" name="Damping" isActive="yes"><PhysicalQuantity>Length</PhysicalQuantity><Value>0.05</Value></Constant>
-   <Boolean id="b1" name="Visible" isActive="no"><PhysicalQuantity>Length</PhysicalQuantity><Value>TRUE</Value></Boolean>
-  </Values>
-)";
-
-/// A slider-crank with two values besides.
-std::string CleanDocument()
-{
-    std::string text = ReadFile(KARMP_EXAMPLE_DOCUMENTS "/slider-crank.xml");
-    const auto end = text.find(" </World>");
-    return end == std::string::npos ? std::string() : text.insert(end, Values);
-}
-
-class Tool : public ::testing::Test
-{
-protected:
-    Tool() { fs::create_directories(m_folder); }
-    ~Tool() override
-    {
-        std::error_code ignored;
-        fs::remove_all(m_folder, ignored);
-    }
-
-    std::string File(const std::string& name) const { return (m_folder / name).string(); }
-
-    std::string Write(const std::string& name, const std::string& text) const
-    {
-        std::ofstream(File(name), std::ios::binary) << text;
-        return File(name);
-    }
-
-    static Outcome Run(const std::string& arguments)
-    {
-        Outcome outcome;
-        std::FILE* pipe = ::popen((KARMP_TOOL " " + arguments + " 2>&1 </dev/null").c_str(), "r");
-        if (pipe == nullptr)
-            return outcome;
-        std::array<char, 4096> buffer{};
-        while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), pipe))
-            outcome.output.append(buffer.data(), count);
-        const int status = ::pclose(pipe);
-        outcome.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-        return outcome;
-    }
-
-private:
-    fs::path m_folder = fs::temp_directory_path() /
-                        ("karmp-tool-test-" + std::to_string(static_cast<long>(::getpid())));
-};
-
-void ExpectContains(const std::string& text, const std::string& part)
-{
-    EXPECT_NE(text.find(part), std::string::npos) << part << "\nis not in\n" << text;
-}
 
 TEST_F(Tool, HelpsOnItselfAndOnEachCommandWithAnExample)
 {
@@ -197,13 +119,6 @@ TEST_F(Tool, ListsWhatAnOlderVersionCannotHold)
     EXPECT_FALSE(fs::exists(File("never.xml")));
 }
 
-TEST_F(Tool, ConvertsOntoItsInput)
-{
-    const std::string file = Write("clean.xml", CleanDocument());
-    EXPECT_EQ(Run("convert " + file + ' ' + file).code, 0);
-    EXPECT_EQ(Run("check " + file).code, 0);
-}
-
 TEST_F(Tool, SaysWhenItCannotWrite)
 {
     const std::string file = Write("clean.xml", CleanDocument());
@@ -249,3 +164,5 @@ TEST(Output, WritesControlCharactersAsEscapes)
 }
 
 } // namespace
+
+} // namespace karmp::tool
