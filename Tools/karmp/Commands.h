@@ -52,6 +52,7 @@ struct GraphOptions
     std::string file;
     std::string output; // standard output when empty
     std::string format; // dot, svg or png; by the output's ending when empty
+    int timeLimit = 60; // of Graphviz, in seconds
 };
 /// Writes the graph of bodies and joints as Graphviz text, or as a picture through Graphviz.
 int RunGraph(const GraphOptions& options);

@@ -1,20 +1,18 @@
 #include "Commands.h"
+#include "Graphviz.h"
 #include "KARMPBody.h"
 #include "KARMPJoint.h"
+#include "KARMPWholeFile.h"
 #include "KARMPWorld.h"
 #include "Loading.h"
 #include "Output.h"
 
-#include <array>
-#include <cstdio>
-#include <fstream>
+#include <chrono>
 #include <iostream>
+#include <optional>
 #include <sstream>
 #include <unordered_map>
-
-#include <fcntl.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include <utility>
 
 namespace karmp::tool {
 
@@ -48,7 +46,8 @@ public:
 
     void Write()
     {
-        m_stream << "graph mechanism {\n  graph [overlap=false, splines=true];\n"
+        m_stream << "graph mechanism {\n  graph [" << Layout()
+                 << "];\n"
                     "  node [shape=box, fontname=\"sans-serif\"];\n"
                     "  edge [fontname=\"sans-serif\", fontsize=10];\n";
         QOBSharedHandle<KARMPBody> global;
@@ -67,6 +66,17 @@ public:
     }
 
 private:
+    // A layered layout. Bent edges keep two joints of one pair of bodies apart, but their time
+    // grows fast with the number of joints, and a closed loop of thousands exhausts Graphviz's
+    // stack. The limits are on the passes that shorten edges and undo crossings.
+    const char* Layout() const
+    {
+        constexpr int largest = 250; // bodies and joints
+        return m_world.GetBodyCount() + m_world.Count<KARMPJoint>() <= largest
+                   ? "layout=dot, splines=polyline"
+                   : "layout=dot, splines=line, nslimit=0.1, nslimit1=0.1, mclimit=0.1";
+    }
+
     void WriteBody(const QOBSharedHandle<KARMPBody>& body, bool global)
     {
         const std::string node = 'b' + std::to_string(m_nodes.size());
@@ -105,32 +115,6 @@ private:
     std::unordered_map<const void*, std::string> m_nodes;
 };
 
-// Runs Graphviz without a shell, so that no file name is taken for a command. Its input is a file
-// that is unlinked at once.
-bool RenderPicture(const std::string& text, const std::string& format, const std::string& output)
-{
-    std::FILE* input = std::tmpfile();
-    if (input == nullptr)
-        return false;
-    const bool written =
-        std::fwrite(text.data(), 1, text.size(), input) == text.size() && std::fflush(input) == 0;
-    std::rewind(input);
-    int status = -1;
-    if (const pid_t child = written ? ::fork() : -1; child == 0) {
-        ::dup2(::fileno(input), STDIN_FILENO);
-        const std::string type = "-T" + format;
-        const std::string file = "-o" + output;
-        ::execlp("dot", "dot", "-Kneato", type.c_str(), file.c_str(), nullptr);
-        ::_exit(127);
-    } else if (child > 0) {
-        ::waitpid(child, &status, 0);
-    }
-    std::fclose(input);
-    if (WIFEXITED(status) && WEXITSTATUS(status) == 127)
-        std::cerr << "karmp: Graphviz is not installed; write the graph as text (.dot)\n";
-    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
-}
-
 std::string FormatOf(const GraphOptions& options)
 {
     if (!options.format.empty())
@@ -149,23 +133,29 @@ int RunGraph(const GraphOptions& options)
         std::cerr << "karmp: a picture needs --output\n";
         return Unreadable;
     }
+    if (IsSameFile(options.file, options.output)) {
+        std::cerr << "karmp: the output is the document itself; choose another file\n";
+        return Unreadable;
+    }
     const auto loaded = LoadWorld(options.file);
     if (!loaded)
         return Unreadable;
     std::ostringstream text;
     GraphWriter(*loaded->world, text).Write();
 
-    if (options.output.empty()) {
-        std::cout << text.str();
-    } else if (format != "dot") {
-        if (!RenderPicture(text.str(), format, options.output)) {
-            std::cerr << "karmp: cannot make the picture "
-                      << Printable(std::string_view(options.output)) << '\n';
+    std::string bytes = text.str();
+    if (format != "dot") {
+        std::optional<std::string> picture =
+            DrawPicture(bytes, format, std::chrono::seconds(options.timeLimit));
+        if (!picture)
             return Unreadable;
-        }
-    } else if (std::ofstream file(options.output, std::ios::binary);
-               !(file << text.str() << std::flush)) {
-        std::cerr << "karmp: cannot write " << Printable(std::string_view(options.output)) << '\n';
+        bytes = std::move(*picture);
+    }
+    if (options.output.empty()) {
+        std::cout << bytes;
+    } else if (const auto messages = documents::WriteWholeFile(options.output, bytes);
+               messages.HasErrors()) {
+        PrintMessages(messages, true);
         return Unreadable;
     }
     return loaded->diagnostics.items.empty() ? Clean : Findings;

@@ -76,6 +76,11 @@ int Run(int argc, char** argv)
     graphApp->add_option("-o,--output", graph.output, "File to write; standard output without it");
     graphApp->add_option("--format", graph.format, "By the ending of the output without it")
         ->check(CLI::IsMember({"dot", "svg", "png"}));
+    graphApp
+        ->add_option("--time-limit", graph.timeLimit,
+                     "Seconds after which Graphviz is stopped and no picture written")
+        ->check(CLI::Range(1, 86400))
+        ->capture_default_str();
     graphApp->footer(Footer("karmp graph crank.xml --output crank.svg"));
     graphApp->callback([&] { command = [&graph] { return RunGraph(graph); }; });
 

@@ -123,17 +123,7 @@ TEST_F(Tool, SaysWhenItCannotWrite)
 {
     const std::string file = Write("clean.xml", CleanDocument());
     EXPECT_EQ(Run("convert " + file + " /nonexistent/out.xml").code, 2);
-    EXPECT_EQ(Run("graph " + file + " -o /nonexistent/out.dot").code, 2);
     EXPECT_EQ(Run("info " + file + " >/dev/full").code, 2);
-}
-
-TEST_F(Tool, DrawsTheGraphAsText)
-{
-    const Outcome graph = Run("graph " + Write("clean.xml", CleanDocument()));
-    EXPECT_EQ(graph.code, 0) << graph.output;
-    ExpectContains(graph.output, "graph mechanism {");
-    ExpectContains(graph.output, "Crank pin\nRevolute");
-    EXPECT_EQ(Run("graph --format svg " + File("clean.xml")).code, 2);
 }
 
 TEST(Mobility, OfASliderCrankIsOneInThePlane)
