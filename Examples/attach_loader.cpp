@@ -1,5 +1,13 @@
 // Attaches a solver's loader to a body and receives the body's positions.
-#include "KARMPEntities.h"
+#include "KARIMPBodyLoader.h"
+#include "KARMPBody.h"
+#include "KARMathAxis.h"
+#include "KARMathLine.h"
+#include "KARMathPoint.h"
+#include "KARMathTransformation.h"
+#include "KARMathVector.h"
+#include "KARStatus.h"
+#include "QOBSharedHandle.h"
 
 #include <iostream>
 

@@ -1,6 +1,13 @@
 // Builds a pendulum through the classes and saves it.
+#include "KARMPBody.h"
 #include "KARMPDocuments.h"
-#include "KARMPEntities.h"
+#include "KARMPGeometry.h"
+#include "KARMPPoint.h"
+#include "KARMPVariable.h"
+#include "KARMPWorld.h"
+#include "KARMathPoint.h"
+#include "KARMathVector.h"
+#include "QOBBasicWorld.h"
 
 #include <iostream>
 

@@ -2,7 +2,16 @@
 //
 // The library fixes no file format: it fills nodes of a class that the application derives. This
 // program derives the smallest possible ones; the documents library has complete ones.
-#include "KARMPEntities.h"
+#include "KARMPBody.h"
+#include "KARMPDeserializer.h"
+#include "KARMPEntity.h"
+#include "KARMPEntityTable.h"
+#include "KARMPSerializationVariable.h"
+#include "KARMPSerializer.h"
+#include "KARMathPoint.h"
+#include "KARStatus.h"
+#include "KARTextConversion.h"
+#include "QOBSharedHandle.h"
 
 #include <iostream>
 #include <string>

@@ -1,6 +1,13 @@
 // Loads a document and walks the world's bodies with what is linked to them.
+#include "KARMPBody.h"
+#include "KARMPConstant.h"
 #include "KARMPDocuments.h"
-#include "KARMPEntities.h"
+#include "KARMPVariable.h"
+#include "KARMPWorld.h"
+#include "KARStatus.h"
+#include "KARTextConversion.h"
+#include "QOBBasicWorld.h"
+#include "QOBSharedHandle.h"
 
 #include <iostream>
 

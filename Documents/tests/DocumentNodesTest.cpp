@@ -1,9 +1,12 @@
 // The nodes of a document: made when they are asked for, ended when an entity was read.
 #include "AllocationCounter.h"
+#include "KARMPBody.h"
 #include "KARMPDocumentReader.h"
 #include "KARMPDocuments.h"
-#include "KARMPEntities.h"
 #include "KARMPReadingPlace.h"
+#include "KARMPWorld.h"
+#include "QOBBasicWorld.h"
+#include "QOBSharedHandle.h"
 
 #include <gtest/gtest.h>
 
