@@ -58,33 +58,31 @@ TEST_F(NarrowText, ComesBackByteForByteThroughADocument)
         std::string(" \0 ", 3),
     };
     for (const std::string& text : texts) {
+        m_world = KARMPWorld::create(QOBBasicWorld::create(L"World"));
         const auto screw = KARMPScrewConstraint::create(L"screw");
         screw->EnableFriction();
         screw->SetFrictionModel(KARString(std::string_view(text)));
         screw->SetMotionState(KARString(std::string_view(text)));
         screw->SetID(KARString(std::string_view(text)));
-        m_world->Add(screw);
+        m_world->Add<KARMPConstraint>(screw);
         const auto string = KARMPString::create(L"string");
         string->SetValue(KARUnicodeString(std::string_view(text)));
-        m_world->Add(string);
-    }
-    const LoadResult loaded = SavedAndLoaded();
-    ASSERT_TRUE(loaded.world);
-    for (int i = 0; i < static_cast<int>(texts.size()); ++i) {
-        const std::string& text = texts[static_cast<std::size_t>(i)];
+        m_world->Add<KARMPValue>(string);
+        const LoadResult loaded = SavedAndLoaded();
+        ASSERT_TRUE(loaded.world);
         QOBSharedHandle<KARMPConstraint> constraint;
-        ASSERT_EQ(loaded.world->Get(i, constraint), KARSuccess);
-        const auto* screw = dynamic_cast<const KARMPScrewConstraint*>(constraint.get());
-        ASSERT_NE(screw, nullptr);
-        EXPECT_EQ(screw->GetFrictionModel().Text(), text);
-        EXPECT_EQ(screw->GetMotionState().Text(), text);
-        EXPECT_EQ(screw->GetID().Text(), text);
+        ASSERT_EQ(loaded.world->Get(0, constraint), KARSuccess);
+        const auto* readScrew = dynamic_cast<const KARMPScrewConstraint*>(constraint.get());
+        ASSERT_NE(readScrew, nullptr);
+        EXPECT_EQ(readScrew->GetFrictionModel().Text(), text);
+        EXPECT_EQ(readScrew->GetMotionState().Text(), text);
+        EXPECT_EQ(readScrew->GetID().Text(), text);
         QOBSharedHandle<KARMPValue> value;
-        ASSERT_EQ(loaded.world->Get(i, value), KARSuccess);
-        const auto* string = dynamic_cast<const KARMPString*>(value.get());
-        ASSERT_NE(string, nullptr);
+        ASSERT_EQ(loaded.world->Get(0, value), KARSuccess);
+        const auto* readString = dynamic_cast<const KARMPString*>(value.get());
+        ASSERT_NE(readString, nullptr);
         KARUnicodeString read;
-        string->GetValue(read);
+        readString->GetValue(read);
         EXPECT_EQ(read.Text(), text);
     }
 }
@@ -95,7 +93,7 @@ TEST_F(NarrowText, OfADocumentThatHoldsUnitsOfBytesIsWrittenAsItWasRead)
     const std::string written = "\\x{DCC3}\\x{DCA4} \\x{DC80} \\x{D800} \\x{DFFF}";
     const auto string = KARMPString::create(L"string");
     string->SetValue("PLACE");
-    m_world->Add(string);
+    m_world->Add<KARMPValue>(string);
     std::string document;
     SaveText(m_world, document);
     const std::size_t place = document.find("PLACE");
