@@ -1,4 +1,3 @@
-// An ordered sequence of handles that stays fast when it grows long.
 #pragma once
 
 #include "KARMPExport.h"
@@ -8,6 +7,12 @@
 #include <cstdint>
 #include <memory>
 
+namespace karmp {
+class HandleIndex;
+}
+
+/// An ordered sequence of handles that stays fast when it grows long.
+///
 /// Short sequences are scanned. A long one keeps an index beside the handles, so that a test for an
 /// entry, appending, removing and access by position stay cheap whatever the order of the calls.
 /// An empty one is no more than a null pointer, as most of the many sequences of a model are empty.
@@ -41,11 +46,10 @@ public:
     void Clear();
 
 private:
-    struct Index;
     /// Stands in one piece of memory with the slots that follow it.
     struct Block
     {
-        Index* index = nullptr; // only while the sequence is long
+        karmp::HandleIndex* index = nullptr; // only while the sequence is long
         std::uint32_t count = 0;
         std::uint32_t capacity = 0;
     };
@@ -61,7 +65,7 @@ private:
     static inline std::size_t SlotCount(const Block* block) noexcept;
     inline QOBSharedBase* Slots() const noexcept;
     inline std::size_t SlotCount() const noexcept;
-    inline Index* GetIndex() const noexcept;
+    inline karmp::HandleIndex* GetIndex() const noexcept;
     inline std::size_t SlotOf(const QOBSharedObject* object) const;
     inline void MakeRoom();
 

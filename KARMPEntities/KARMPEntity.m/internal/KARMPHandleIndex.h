@@ -1,0 +1,101 @@
+#pragma once
+
+#include "KARMPExport.h"
+#include "QOBSharedHandle.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace karmp {
+
+/// Finds the entries of a long handle sequence.
+///
+/// The handles stand in the sequence's slots; an entry that was removed leaves a hole, a null
+/// handle. A hash table gives the slot of a referent, and a binary indexed tree of entry counts,
+/// made when a position is asked for while there are holes, gives the slot of a position. With n
+/// entries, on average:
+///
+///     operation              short sequence, scanned   long sequence, with this index
+///     test for an entry      n                         1
+///     append                 1                         1, log n once there is a tree
+///     remove                 n                         1, log n once there is a tree
+///     access by position     1                         1, log n while there are holes
+///     first position asked   -                         n, once after holes appeared
+///     position of an entry   n                         1, log n while there are holes
+///     insert                 n                         n, the index is built anew
+///
+/// Removing closes the holes, at a cost of n, when they outnumber the entries. Removing one of k
+/// entries with the same referent costs k more. A member that allocates changes nothing when that
+/// fails.
+class KARMP_API HandleIndex
+{
+public:
+    /// Number of slots, holes included.
+    std::size_t SlotCount() const noexcept { return m_slots; }
+    /// The first slot of a referent, `none` when it has none.
+    std::size_t Find(const QOBSharedBase* handles, const QOBSharedObject* object,
+                     std::size_t none) const
+    {
+        const std::uint32_t place = m_places[PlaceOf(handles, object)];
+        if (place == 0)
+            return none;
+        return m_following.empty() ? place - 1 : m_following[place - 1];
+    }
+    /// Makes the hash table large enough for a number of entries.
+    void Reserve(const QOBSharedBase* handles, std::size_t count);
+    /// Enters the slot behind all others, whose handle is written afterwards. `count` is the number
+    /// of entries so far.
+    void Append(const QOBSharedBase* handles, std::size_t count, const QOBSharedObject* object);
+    /// Takes out a slot whose handle is still there and becomes a hole afterwards.
+    void Remove(const QOBSharedBase* handles, std::size_t slot) noexcept;
+    /// Forgets the last slot, which is a hole.
+    void Pop() noexcept;
+    /// The slot of the entry at a position below the number of entries.
+    std::size_t SlotAt(const QOBSharedBase* handles, std::size_t position);
+    /// The position of the entry in a slot.
+    std::size_t PositionOf(const QOBSharedBase* handles, std::size_t slot);
+
+private:
+    // Each page of memory has a run of places, somewhere, and the objects in it have their places
+    // within that run: what was made one after the other is found side by side. Objects smaller
+    // than 64 bytes would share places, but entities are larger.
+    static constexpr unsigned RunBits = 12;
+    static constexpr unsigned ObjectBits = 6;
+    static constexpr std::size_t RunSize = std::size_t{1} << RunBits;
+    std::size_t Home(const QOBSharedObject* object) const noexcept
+    {
+        const auto address = reinterpret_cast<std::uintptr_t>(object);
+        const std::uint64_t run = (address >> RunBits) * 0x9E3779B97F4A7C15U >> 32U;
+        return static_cast<std::size_t>((run << (RunBits - ObjectBits)) +
+                                        (address % RunSize >> ObjectBits)) &
+               (m_places.size() - 1);
+    }
+    std::size_t Next(std::size_t place) const noexcept
+    {
+        return (place + 1) & (m_places.size() - 1);
+    }
+    // The place of a referent, or the free one that it would get.
+    std::size_t PlaceOf(const QOBSharedBase* handles, const QOBSharedObject* object) const noexcept
+    {
+        std::size_t place = Home(object);
+        while (m_places[place] != 0 && handles[m_places[place] - 1] != object)
+            place = Next(place);
+        return place;
+    }
+    void Free(const QOBSharedBase* handles, std::size_t place) noexcept;
+    void MakeCounts(const QOBSharedBase* handles);
+    void PushCount();
+    void LowerCount(std::size_t slot) noexcept;
+
+    // One more than the last slot of a referent, at the place of its hash or behind it; 0 is a free
+    // place. Half of the places are free at least, so that few others stand in a lookup's way.
+    std::vector<std::uint32_t> m_places = std::vector<std::uint32_t>(2);
+    // Empty, or, once a referent is listed twice, for each slot the next one with its referent:
+    // rings, so that the last slot leads to the first.
+    std::vector<std::uint32_t> m_following;
+    std::vector<std::uint32_t> m_counts; // the tree: empty, or one node a slot
+    std::uint32_t m_slots = 0;
+};
+
+} // namespace karmp

@@ -1,0 +1,144 @@
+#include "KARMPHandleIndex.h"
+
+#include <bit>
+#include <utility>
+
+namespace {
+
+// After this, adding one entry at the end does not allocate.
+template <class T>
+void ReserveOne(std::vector<T>& entries)
+{
+    if (entries.size() == entries.capacity())
+        entries.reserve(2 * entries.size() + 1);
+}
+
+} // namespace
+
+namespace karmp {
+
+void HandleIndex::Reserve(const QOBSharedBase* handles, std::size_t count)
+{
+    if (2 * count <= m_places.size())
+        return;
+    m_places = std::vector<std::uint32_t>(std::bit_ceil(2 * count));
+    for (std::uint32_t slot = 0; slot < m_slots; ++slot) {
+        const bool last = m_following.empty() || m_following[slot] <= slot;
+        if (handles[slot] && last)
+            m_places[PlaceOf(handles, handles[slot]._getReferent())] = slot + 1;
+    }
+}
+
+void HandleIndex::Append(const QOBSharedBase* handles, std::size_t count,
+                         const QOBSharedObject* object)
+{
+    if (!m_counts.empty())
+        ReserveOne(m_counts);
+    Reserve(handles, count + 1);
+    std::uint32_t& place = m_places[PlaceOf(handles, object)];
+    if (place != 0 && m_following.empty()) {
+        m_following.reserve(m_slots + 1);
+        for (std::uint32_t slot = 0; slot < m_slots; ++slot)
+            m_following.push_back(slot);
+    }
+    if (!m_following.empty()) {
+        ReserveOne(m_following);
+        m_following.push_back(place != 0 ? std::exchange(m_following[place - 1], m_slots)
+                                         : m_slots);
+    }
+    place = ++m_slots;
+    if (!m_counts.empty())
+        PushCount();
+}
+
+void HandleIndex::Remove(const QOBSharedBase* handles, std::size_t slot) noexcept
+{
+    if (!m_counts.empty())
+        LowerCount(slot);
+    const std::size_t place = PlaceOf(handles, handles[slot]._getReferent());
+    if (m_following.empty() || m_following[slot] == slot) {
+        Free(handles, place);
+        return;
+    }
+    std::uint32_t before = m_places[place] - 1;
+    while (m_following[before] != slot)
+        before = m_following[before];
+    m_following[before] = m_following[slot];
+    if (m_places[place] == slot + 1)
+        m_places[place] = before + 1;
+}
+
+// What was entered behind a place that gets free moves up as far as its own hash allows, so that no
+// lookup ends early.
+void HandleIndex::Free(const QOBSharedBase* handles, std::size_t place) noexcept
+{
+    const std::size_t last = m_places.size() - 1;
+    for (std::size_t next = Next(place); m_places[next] != 0; next = Next(next)) {
+        const std::size_t home = Home(handles[m_places[next] - 1]._getReferent());
+        if (((next - home) & last) >= ((next - place) & last)) {
+            m_places[place] = m_places[next];
+            place = next;
+        }
+    }
+    m_places[place] = 0;
+}
+
+void HandleIndex::Pop() noexcept
+{
+    --m_slots;
+    if (!m_counts.empty())
+        m_counts.pop_back();
+    if (!m_following.empty())
+        m_following.pop_back();
+}
+
+std::size_t HandleIndex::SlotAt(const QOBSharedBase* handles, std::size_t position)
+{
+    MakeCounts(handles);
+    std::size_t slot = 0;
+    for (std::size_t step = std::bit_floor(m_counts.size()); step > 0; step >>= 1) {
+        if (slot + step <= m_counts.size() && m_counts[slot + step - 1] <= position) {
+            slot += step;
+            position -= m_counts[slot - 1];
+        }
+    }
+    return slot;
+}
+
+std::size_t HandleIndex::PositionOf(const QOBSharedBase* handles, std::size_t slot)
+{
+    MakeCounts(handles);
+    std::size_t position = 0;
+    for (std::size_t node = slot; node > 0; node &= node - 1)
+        position += m_counts[node - 1];
+    return position;
+}
+
+void HandleIndex::MakeCounts(const QOBSharedBase* handles)
+{
+    if (!m_counts.empty())
+        return;
+    m_counts.reserve(m_slots);
+    for (std::size_t slot = 0; slot < m_slots; ++slot)
+        PushCount();
+    for (std::size_t slot = 0; slot < m_slots; ++slot)
+        if (!handles[slot])
+            LowerCount(slot);
+}
+
+void HandleIndex::PushCount()
+{
+    const std::size_t node = m_counts.size() + 1;
+    std::uint32_t count = 1;
+    for (std::size_t step = 1; (node & step) == 0; step <<= 1)
+        count += m_counts[node - step - 1];
+    m_counts.push_back(count);
+}
+
+void HandleIndex::LowerCount(std::size_t slot) noexcept
+{
+    for (std::size_t node = slot + 1; node <= m_counts.size(); node += node & (~node + 1))
+        --m_counts[node - 1];
+}
+
+} // namespace karmp
