@@ -1,7 +1,9 @@
 #include "KARMPDocumentSchema.h"
 
 #include "KARMPEnumerationTexts.h"
+#include "KARMPFamilies.h"
 #include "KARMPVersions.h"
+#include "QOBClassInfo.h"
 
 #include <unordered_map>
 #include <utility>
@@ -440,25 +442,12 @@ Item MakeWorldItem()
 
 const std::vector<Family>& Families()
 {
-    static const std::vector<Family> families{{L"Bodies", "KARMPBody"},
-                                              {L"Shapes", "KARMPShape"},
-                                              {L"Joints", "KARMPJoint"},
-                                              {L"Constraints", "KARMPConstraint"},
-                                              {L"Geometries", "KARMPGeometry"},
-                                              {L"Variables", "KARMPVariable"},
-                                              {L"Values", "KARMPValue"},
-                                              {L"Actuators", "KARMPActuator"},
-                                              {L"Sensors", "KARMPSensor"},
-                                              {L"Materials", "KARMPMaterial"},
-                                              {L"Connectors", "KARMPConnector"},
-                                              {L"Interactions", "KARMPInteraction"},
-                                              {L"Attributes", "KARMPAttribute"},
-                                              {L"Supports", "KARMPSupport"},
-                                              {L"DebugEntities", "KARMPDebugEntity"},
-                                              {L"InitialConditions", "KARMPInitialCondition"},
-                                              {L"AnalysisCases", "KARMPAnalysisCase"},
-                                              {L"AnalysisSteps", "KARMPAnalysisStep"},
-                                              {L"GenericEntities", "KARMPGenericEntity"}};
+    static const std::vector<Family> families = [] {
+        std::vector<Family> made;
+        for (const FamilyRecord& record : FamilyRecords())
+            made.push_back({record.element, record.info->getName()});
+        return made;
+    }();
     return families;
 }
 

@@ -16,12 +16,19 @@ namespace karmp::tool {
 
 namespace {
 
-/// What each family is called, in the order of karmp::Families.
-constexpr std::array FamilyTitles{
-    "Actuators",          "Bodies",         "Connectors",     "Constraints",     "Geometries",
-    "Interactions",       "Joints",         "Materials",      "Sensors",         "Values",
-    "Variables",          "Shapes",         "Attributes",     "Supports",        "Debug entities",
-    "Initial conditions", "Analysis cases", "Analysis steps", "Generic entities"};
+/// What a family is called: the name of its element in words.
+template <class T>
+std::string FamilyTitle()
+{
+    std::string title;
+    for (const wchar_t character : RegistryElementName<T>()) {
+        const bool begins = character >= L'A' && character <= L'Z' && !title.empty();
+        if (begins)
+            title += ' ';
+        title += static_cast<char>(begins ? character - L'A' + L'a' : character);
+    }
+    return title;
+}
 
 using ClassCounts = std::map<std::string, int>;
 
@@ -101,14 +108,12 @@ void PrintEntities(const KARMPWorld& world)
 {
     Columns lines;
     int total = 0;
-    auto title = FamilyTitles.begin();
     Families::ForEach([&](auto family) {
         using T = typename decltype(family)::Type;
-        const std::string name = *title++;
         if (world.Count<T>() == 0)
             return;
         total += world.Count<T>();
-        lines.Add(name, std::to_string(world.Count<T>()));
+        lines.Add(FamilyTitle<T>(), std::to_string(world.Count<T>()));
         for (const auto& [className, count] : CountClasses<T>(world))
             lines.Add("  " + Printable(std::string_view(WithoutPrefix(className))),
                       "  " + std::to_string(count));

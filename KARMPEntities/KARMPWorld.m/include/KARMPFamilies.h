@@ -1,6 +1,13 @@
 // The families of entities that a world keeps a registry of.
 #pragma once
 
+#include "KARMPExport.h"
+
+#include <string_view>
+#include <tuple>
+#include <type_traits>
+#include <vector>
+
 class KARMPActuator;
 class KARMPAnalysisCase;
 class KARMPAnalysisStep;
@@ -20,6 +27,7 @@ class KARMPShape;
 class KARMPSupport;
 class KARMPValue;
 class KARMPVariable;
+class QOBClassInfo;
 
 namespace karmp {
 
@@ -54,5 +62,82 @@ using Families =
                KARMPInteraction, KARMPJoint, KARMPMaterial, KARMPSensor, KARMPValue, KARMPVariable,
                KARMPShape, KARMPAttribute, KARMPSupport, KARMPDebugEntity, KARMPInitialCondition,
                KARMPAnalysisCase, KARMPAnalysisStep, KARMPGenericEntity>;
+
+/// The element that holds the entities of a family in a document.
+template <class T>
+struct RegistryElement
+{
+    using Type = T;
+    std::wstring_view name;
+};
+
+/// All families in the order of the document, which is not the one of their registries.
+inline constexpr std::tuple RegistryElements{
+    RegistryElement<KARMPBody>{L"Bodies"},
+    RegistryElement<KARMPShape>{L"Shapes"},
+    RegistryElement<KARMPJoint>{L"Joints"},
+    RegistryElement<KARMPConstraint>{L"Constraints"},
+    RegistryElement<KARMPGeometry>{L"Geometries"},
+    RegistryElement<KARMPVariable>{L"Variables"},
+    RegistryElement<KARMPValue>{L"Values"},
+    RegistryElement<KARMPActuator>{L"Actuators"},
+    RegistryElement<KARMPSensor>{L"Sensors"},
+    RegistryElement<KARMPMaterial>{L"Materials"},
+    RegistryElement<KARMPConnector>{L"Connectors"},
+    RegistryElement<KARMPInteraction>{L"Interactions"},
+    RegistryElement<KARMPAttribute>{L"Attributes"},
+    RegistryElement<KARMPSupport>{L"Supports"},
+    RegistryElement<KARMPDebugEntity>{L"DebugEntities"},
+    RegistryElement<KARMPInitialCondition>{L"InitialConditions"},
+    RegistryElement<KARMPAnalysisCase>{L"AnalysisCases"},
+    RegistryElement<KARMPAnalysisStep>{L"AnalysisSteps"},
+    RegistryElement<KARMPGenericEntity>{L"GenericEntities"},
+};
+
+/// Calls `visit` with each of them, in order.
+template <class Visit>
+void ForEachRegistryElement(Visit visit)
+{
+    std::apply([&visit](const auto&... element) { (visit(element), ...); }, RegistryElements);
+}
+
+/// Name of the element that holds the family T.
+template <class T>
+constexpr std::wstring_view RegistryElementName()
+{
+    return std::get<RegistryElement<T>>(RegistryElements).name;
+}
+
+/// True when two lists hold the same families, each once, in whatever order.
+template <class... T, class... U>
+constexpr bool HoldSameFamilies(FamilyList<T...>, FamilyList<U...>)
+{
+    const auto timesIn = []<class F, class... G>(Family<F>, FamilyList<G...>) {
+        return (0 + ... + (std::is_same_v<F, G> ? 1 : 0));
+    };
+    return sizeof...(T) == sizeof...(U) &&
+           ((timesIn(Family<T>(), FamilyList<U...>()) == 1) && ...) &&
+           ((timesIn(Family<U>(), FamilyList<T...>()) == 1) && ...);
+}
+
+/// The families of a tuple of elements.
+template <class... T>
+constexpr FamilyList<T...> FamiliesOf(const std::tuple<RegistryElement<T>...>&)
+{
+    return {};
+}
+
+/// A family for code without types: its element and the record of its class.
+struct FamilyRecord
+{
+    std::wstring_view element;
+    const QOBClassInfo* info;
+};
+
+/// The records of all families in the order of the document.
+KARMP_API const std::vector<FamilyRecord>& FamilyRecords();
+
+static_assert(HoldSameFamilies(Families(), FamiliesOf(RegistryElements)),
+              "each family that a world keeps has its element in a document");
 
 } // namespace karmp

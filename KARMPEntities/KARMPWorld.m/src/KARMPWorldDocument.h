@@ -5,7 +5,6 @@
 #include "KARMPWorldFamilies.h"
 
 #include <string_view>
-#include <tuple>
 
 namespace karmp {
 
@@ -21,43 +20,5 @@ inline constexpr std::wstring_view Globals = L"Globals";
 inline constexpr std::wstring_view GlobalBody = L"GlobalBody";
 inline constexpr std::wstring_view GlobalAxisSystem = L"GlobalAxisSystem";
 inline constexpr std::wstring_view GlobalTime = L"GlobalTime";
-
-/// The element that holds the entities of a family.
-template <class T>
-struct RegistryElement
-{
-    using Type = T;
-    std::wstring_view name;
-};
-
-/// All families in the order of the document, which is not the one of their registries.
-inline constexpr std::tuple RegistryElements{
-    RegistryElement<KARMPBody>{L"Bodies"},
-    RegistryElement<KARMPShape>{L"Shapes"},
-    RegistryElement<KARMPJoint>{L"Joints"},
-    RegistryElement<KARMPConstraint>{L"Constraints"},
-    RegistryElement<KARMPGeometry>{L"Geometries"},
-    RegistryElement<KARMPVariable>{L"Variables"},
-    RegistryElement<KARMPValue>{L"Values"},
-    RegistryElement<KARMPActuator>{L"Actuators"},
-    RegistryElement<KARMPSensor>{L"Sensors"},
-    RegistryElement<KARMPMaterial>{L"Materials"},
-    RegistryElement<KARMPConnector>{L"Connectors"},
-    RegistryElement<KARMPInteraction>{L"Interactions"},
-    RegistryElement<KARMPAttribute>{L"Attributes"},
-    RegistryElement<KARMPSupport>{L"Supports"},
-    RegistryElement<KARMPDebugEntity>{L"DebugEntities"},
-    RegistryElement<KARMPInitialCondition>{L"InitialConditions"},
-    RegistryElement<KARMPAnalysisCase>{L"AnalysisCases"},
-    RegistryElement<KARMPAnalysisStep>{L"AnalysisSteps"},
-    RegistryElement<KARMPGenericEntity>{L"GenericEntities"},
-};
-
-/// Calls `visit` with each of them, in order.
-template <class Visit>
-void ForEachRegistryElement(Visit visit)
-{
-    std::apply([&visit](const auto&... element) { (visit(element), ...); }, RegistryElements);
-}
 
 } // namespace karmp

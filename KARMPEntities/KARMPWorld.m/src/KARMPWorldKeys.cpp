@@ -3,12 +3,23 @@
 
 namespace {
 
-// Interactions are left out: their keys are handed out by their own type only.
-using KeyFamilies = karmp::FamilyList<KARMPBody, KARMPJoint, KARMPConstraint, KARMPGeometry,
-                                      KARMPVariable, KARMPActuator, KARMPSensor, KARMPMaterial,
-                                      KARMPConnector, KARMPShape, KARMPValue, KARMPAttribute,
-                                      KARMPSupport, KARMPDebugEntity, KARMPInitialCondition,
-                                      KARMPAnalysisCase, KARMPAnalysisStep, KARMPGenericEntity>;
+using karmp::FamilyList;
+
+using KeyFamilies =
+    FamilyList<KARMPBody, KARMPJoint, KARMPConstraint, KARMPGeometry, KARMPVariable, KARMPActuator,
+               KARMPSensor, KARMPMaterial, KARMPConnector, KARMPShape, KARMPValue, KARMPAttribute,
+               KARMPSupport, KARMPDebugEntity, KARMPInitialCondition, KARMPAnalysisCase,
+               KARMPAnalysisStep, KARMPGenericEntity>;
+
+template <class... T>
+constexpr FamilyList<KARMPInteraction, T...> WithInteraction(FamilyList<T...>)
+{
+    return {};
+}
+
+static_assert(karmp::HoldSameFamilies(karmp::Families(), WithInteraction(KeyFamilies())),
+              "the keys of all entities but interactions are found by class; those of interactions "
+              "by their own type only");
 
 } // namespace
 

@@ -22,6 +22,8 @@ using FilingFamilies =
                       KARMPShape, KARMPValue, KARMPAttribute, KARMPSupport, KARMPDebugEntity,
                       KARMPInitialCondition, KARMPAnalysisCase, KARMPAnalysisStep,
                       KARMPGenericEntity>;
+static_assert(karmp::HoldSameFamilies(karmp::Families(), FilingFamilies()),
+              "each family that a world keeps is filed when it is read");
 
 constexpr std::wstring_view IdName = L"id";
 
