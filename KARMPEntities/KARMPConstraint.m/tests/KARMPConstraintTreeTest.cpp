@@ -1,6 +1,7 @@
 #include "ConstraintTesting.h"
 #include "KARMPConstraint.h"
 #include "KARMPDisplacementSensor.h"
+#include "KARMPEntityTable.h"
 #include "KARMPJointKinds.h"
 #include "KARMPPlainConstraints.h"
 #include "KARMPPoint.h"

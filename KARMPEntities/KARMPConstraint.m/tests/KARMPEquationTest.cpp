@@ -1,5 +1,6 @@
 #include "AllocationCounter.h"
 #include "ConstraintTesting.h"
+#include "KARMPEntityTable.h"
 #include "KARMPLinearEquation.h"
 #include "KARMPPlainConstraints.h"
 #include "KARMPTestFixture.h"

@@ -1,14 +1,12 @@
-// Base of everything that lives in a world: bodies, joints, constraints, sensors, values and so on.
-//
-// An entity is created on the heap by its class's create or by the factory and held by handles. It
-// owns the loader that a solver attaches to it and counts a reference on the model object of the
-// modelling application.
+// Results follow one convention: a status of 0 is success, an Add of what is listed already gives
+// 1, and a null handle or object where one is needed is a failed check and a failure. An index
+// outside a list gives a null handle and a failure, without a report.
 #pragma once
 
 #include "KARMPEntityIdentity.h"
-#include "KARMPEntityTable.h"
 #include "KARMPEnumerations.h"
 #include "KARMPExport.h"
+#include "KARMPLink.h"
 #include "KARMPLinkList.h"
 #include "KARStatus.h"
 #include "KARString.h"
@@ -21,6 +19,7 @@
 class KARBaseUnknown;
 class KARIMPEntityLoader;
 class KARMPDeserializer;
+class KARMPEntityTable;
 class KARMPOutput;
 class KARMPParameter;
 class KARMPSerializer;
@@ -28,6 +27,12 @@ class KARMPState;
 class KARMPWorld;
 class KARUuid;
 
+/// Base of everything that lives in a world: bodies, joints, constraints, sensors, values and so
+/// on.
+///
+/// An entity is created on the heap by its class's create or by the factory and held by handles. It
+/// owns the loader that a solver attaches to it and counts a reference on the model object of the
+/// modelling application.
 class KARMP_API KARMPEntity : public QOBBasicEntity
 {
     KARMP_ABSTRACT_ENTITY(KARMPEntity, QOBBasicEntity)
@@ -38,12 +43,12 @@ public:
 
     /// Stores the building mode; always 0.
     virtual KARStatus SetBuildingMode(KARMPBuildingMode::Enum mode);
-    /// Hands out the building mode; always 0.
+    /// Gives the building mode; always 0.
     virtual KARStatus GetBuildingMode(KARMPBuildingMode::Enum& mode) const;
     /// Attaches a solver's loader, which the entity owns from then on; always 0. An earlier loader
     /// is not deleted.
     virtual KARStatus SetLoader(KARIMPEntityLoader* loader);
-    /// Hands out the loader, null without one; always 0.
+    /// Gives the loader, null without one; always 0.
     virtual KARStatus GetLoader(KARIMPEntityLoader*& loader) const;
     /// Tells whether the entity stands under a basic world; always 0.
     virtual KARStatus IsInWorld(bool& inWorld) const;
@@ -57,9 +62,9 @@ public:
     /// True while the entity is active, as a new one is.
     virtual bool IsActive() const;
     /// Links the modelling application's object, counting a reference on it in place of the former
-    /// one. A null object is a failed check and a failure, and the former link stays.
+    /// one, which stays linked when the object is null.
     virtual KARStatus SetModelObject(KARBaseUnknown* object);
-    /// Hands out the model object with a reference for the caller; null and a failure without one.
+    /// Gives the model object with a reference for the caller; null and a failure without one.
     virtual KARStatus GetModelObject(KARBaseUnknown*& object) const;
     /// Writes the entity's own content into an element. Failures inside are reported; always 0.
     virtual KARStatus Serialize(KARMPSerializer* serializer) const;
@@ -82,27 +87,41 @@ protected:
     ~KARMPEntity() override;
 
 public:
-    /// Appends a parameter. A null handle is a failed check and a failure; one that is listed
-    /// already gives 1. The same holds for states, outputs and aggregated elements.
+    /// Appends an attribute to the list of its kind.
     KARStatus AddParameter(const QOBSharedHandle<KARMPParameter>& parameter);
     KARStatus AddState(const QOBSharedHandle<KARMPState>& state);
     KARStatus AddOutput(const QOBSharedHandle<KARMPOutput>& output);
     /// Appends an element, whose parent entity this one becomes.
     KARStatus AddAggregatedElement(const QOBSharedHandle<KARMPEntity>& element);
+    /// Lengths of the lists.
     int GetParameterCount() const { return m_parameters.Count(); }
     int GetStateCount() const { return m_states.Count(); }
     int GetOutputCount() const { return m_outputs.Count(); }
     int GetAggregatedElementCount() const { return m_aggregatedElements.Count(); }
-    /// Hands out the parameter at an index from 0; outside the list a null handle and a failure.
-    /// The same holds for states, outputs and aggregated elements.
-    KARStatus GetParameter(int index, QOBSharedHandle<KARMPParameter>& parameter) const;
-    KARStatus GetState(int index, QOBSharedHandle<KARMPState>& state) const;
-    KARStatus GetOutput(int index, QOBSharedHandle<KARMPOutput>& output) const;
-    KARStatus GetAggregatedElement(int index, QOBSharedHandle<KARMPEntity>& element) const;
+    /// Give the entry of a list at an index from 0.
+    KARStatus GetParameter(int index, QOBSharedHandle<KARMPParameter>& parameter) const
+    {
+        return m_parameters.Get(index, parameter);
+    }
+    KARStatus GetState(int index, QOBSharedHandle<KARMPState>& state) const
+    {
+        return m_states.Get(index, state);
+    }
+    KARStatus GetOutput(int index, QOBSharedHandle<KARMPOutput>& output) const
+    {
+        return m_outputs.Get(index, output);
+    }
+    KARStatus GetAggregatedElement(int index, QOBSharedHandle<KARMPEntity>& element) const
+    {
+        return m_aggregatedElements.Get(index, element);
+    }
 
-    /// Hands out the entity that aggregates this one; a null handle and a failure without one.
-    KARStatus GetParentEntity(QOBSharedHandle<KARMPEntity>& parent) const;
-    /// Stores the parent. A null handle is a failed check and a failure.
+    /// Gives the entity that aggregates this one; a null handle and a failure without one.
+    KARStatus GetParentEntity(QOBSharedHandle<KARMPEntity>& parent) const
+    {
+        return m_parentEntity.Get(parent);
+    }
+    /// Stores the entity that aggregates this one.
     KARStatus SetParentEntity(const QOBSharedHandle<KARMPEntity>& parent);
 
     /// Free text of the modelling application, not the identifier.
@@ -113,12 +132,12 @@ public:
     const KARUuid* GetUniqueId() const { return m_uniqueId; }
     /// Borrows the value; always 0.
     KARStatus SetUniqueId(const KARUuid* uniqueId);
-    /// Hands out the visual object with a reference for the caller, null without one; always 0.
+    /// Gives the visual object with a reference for the caller, null without one; always 0.
     KARStatus GetMPVisuObject(KARBaseUnknown*& object) const;
     /// Borrows a visual object without counting it; always 0.
     KARStatus SetMPVisuObject(const KARBaseUnknown* object);
 
-    /// Hands out the identifier by which the entity is known in documents, made on first need and
+    /// Gives the identifier by which the entity is known in documents, made on first need and
     /// never changed after that. Out of memory is a failed check and KAROutOfMemory.
     KARStatus GetIdentifier(std::wstring& identifier) const;
     /// Gives the entity its identifier. One that has an identifier keeps it: a failed check and a
@@ -136,13 +155,13 @@ private:
     void ClearContainersBase();
     void orphanMembers();
 
-    bool m_isActive = true;
     KARMPBuildingMode::Enum m_buildingMode = {};
-    KARIMPEntityLoader* m_loader = nullptr;  // owned; a pointer, since replacing does not delete
+    KARIMPEntityLoader* m_loader = nullptr; // owned; a pointer, since replacing does not delete
+    bool m_isActive = true;
     KARBaseUnknown* m_modelObject = nullptr; // counted
     KARBaseUnknown* m_visuObject = nullptr;  // borrowed
     mutable std::optional<std::wstring> m_identifier;
-    QOBSharedHandle<KARMPEntity> m_parentEntity;
+    KARMPLink<KARMPEntity> m_parentEntity;
     KARMPLinkList<KARMPParameter> m_parameters;
     KARMPLinkList<KARMPState> m_states;
     KARMPLinkList<KARMPOutput> m_outputs;

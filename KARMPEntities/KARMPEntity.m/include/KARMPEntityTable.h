@@ -1,4 +1,3 @@
-// The entities of one document by their identifiers, as every reference is resolved.
 #pragma once
 
 #include "KARMPExport.h"
@@ -9,19 +8,23 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
 
 class KARMPEntity;
 
-/// An ordered map from wide identifier to entity. Lookups go by hash; the order, that of the
-/// identifiers compared character by character, is worked out when it is asked for. Identifiers of
-/// ASCII characters, as nearly all are, are kept narrow and found by narrow texts as well.
+/// The entities of one document by their identifiers: every reference is resolved in it.
+///
+/// It stands for an ordered map from wide identifier to entity. Lookups go by hash; the order, that
+/// of the identifiers compared character by character, is worked out when it is asked for.
+/// Identifiers of ASCII characters, as nearly all are, are kept narrow and found by narrow texts as
+/// well.
 class KARMP_API KARMPEntityTable
 {
 public:
-    /// An identifier and what stands under it.
+    /// An identifier and its entity.
     class Entry
     {
     public:
@@ -51,6 +54,9 @@ public:
     };
 
     KARMPEntityTable();
+    /// Enters what an ordered map holds, null handles included, so that a map can be passed where a
+    /// table is wanted. Who reads many entities makes the table once: it is a copy of the map.
+    KARMPEntityTable(const std::map<std::wstring, QOBSharedHandle<KARMPEntity>>& entities);
     ~KARMPEntityTable();
     KARMPEntityTable(const KARMPEntityTable&) = delete;
     KARMPEntityTable& operator=(const KARMPEntityTable&) = delete;
@@ -62,7 +68,7 @@ public:
     const Entry& Enter(std::wstring_view identifier, const QOBSharedHandle<KARMPEntity>& entity);
     const Entry& Enter(const karmp::ReadText& identifier,
                        const QOBSharedHandle<KARMPEntity>& entity);
-    /// Makes room for a number of entries.
+    /// Makes the table large enough for a number of entries.
     void Reserve(std::size_t count);
     /// The entity under an identifier, which may be a null handle; null when there is none.
     const QOBSharedHandle<KARMPEntity>* Find(std::wstring_view identifier) const;

@@ -103,8 +103,8 @@ KARMPEntity::KARMPEntity() = default;
 
 KARMPEntity::KARMPEntity(const KARMPEntity& source, CopyMode mode)
     : QOBBasicEntity(source, mode),
-      m_isActive(source.m_isActive),
       m_buildingMode(source.m_buildingMode),
+      m_isActive(source.m_isActive),
       m_modelObject(source.m_modelObject),
       m_visuObject(source.m_visuObject),
       m_parentEntity(source.m_parentEntity),
@@ -150,7 +150,7 @@ void KARMPEntity::ClearContainersBase()
     m_states.Clear();
     m_outputs.Clear();
     m_aggregatedElements.Clear();
-    m_parentEntity.detach();
+    m_parentEntity.Clear();
 }
 
 void KARMPEntity::ClearContainers() {}
@@ -285,44 +285,12 @@ KARStatus KARMPEntity::AddAggregatedElement(const QOBSharedHandle<KARMPEntity>& 
         return status;
     const QOBSharedHandle<KARMPEntity> child(element, QOBSharedBase::WriteLock);
     const QOBSharedHandle<KARMPEntity> self(this, QOBSharedBase::NoLock);
-    if (!KARMPVerify(child && self))
-        return KARFailure;
-    child->m_parentEntity = self;
-    return KARSuccess;
-}
-
-KARStatus KARMPEntity::GetParameter(int index, QOBSharedHandle<KARMPParameter>& parameter) const
-{
-    return m_parameters.Get(index, parameter);
-}
-
-KARStatus KARMPEntity::GetState(int index, QOBSharedHandle<KARMPState>& state) const
-{
-    return m_states.Get(index, state);
-}
-
-KARStatus KARMPEntity::GetOutput(int index, QOBSharedHandle<KARMPOutput>& output) const
-{
-    return m_outputs.Get(index, output);
-}
-
-KARStatus KARMPEntity::GetAggregatedElement(int index, QOBSharedHandle<KARMPEntity>& element) const
-{
-    return m_aggregatedElements.Get(index, element);
-}
-
-KARStatus KARMPEntity::GetParentEntity(QOBSharedHandle<KARMPEntity>& parent) const
-{
-    parent = m_parentEntity;
-    return parent ? KARSuccess : KARFailure;
+    return child->m_parentEntity.Set(self);
 }
 
 KARStatus KARMPEntity::SetParentEntity(const QOBSharedHandle<KARMPEntity>& parent)
 {
-    if (!KARMPVerify(static_cast<bool>(parent)))
-        return KARFailure;
-    m_parentEntity = parent;
-    return KARSuccess;
+    return m_parentEntity.Set(parent);
 }
 
 KARStatus KARMPEntity::SetID(const KARString& id)

@@ -109,6 +109,14 @@ bool KARMPEntityTable::Entry::ComesBefore(const Entry& other) const
 KARMPEntityTable::KARMPEntityTable() = default;
 KARMPEntityTable::~KARMPEntityTable() = default;
 
+KARMPEntityTable::KARMPEntityTable(
+    const std::map<std::wstring, QOBSharedHandle<KARMPEntity>>& entities)
+{
+    Reserve(entities.size());
+    for (const auto& [identifier, entity] : entities)
+        Enter(identifier, entity);
+}
+
 // The slot of an identifier, or the free one that it would get.
 template <class Text>
 std::size_t KARMPEntityTable::SlotOf(Text identifier, std::uint32_t hash) const

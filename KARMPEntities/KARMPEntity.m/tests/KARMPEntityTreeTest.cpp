@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <map>
 #include <memory>
 
 namespace {
@@ -404,6 +405,40 @@ TEST(EntityTable, FindsReplacesAndOrdersByIdentifier)
     for (const auto* entry : table.InOrder())
         order.push_back(entry->Identifier());
     EXPECT_EQ(order, (std::vector<std::wstring>{L"1", L"10", L"9"}));
+}
+
+TEST(EntityTable, HoldsWhatTheMapHeldThatItWasMadeOf)
+{
+    const auto first = TestEntity::create(L"first");
+    const auto second = TestEntity::create(L"second");
+    const std::map<std::wstring, QOBSharedHandle<KARMPEntity>> map{
+        {L"9", first}, {L"10", second}, {L"\x2603", first}, {L"1", nullptr}};
+    const KARMPEntityTable table = map;
+    ASSERT_EQ(table.Size(), map.size());
+    auto expected = map.begin();
+    for (const auto* entry : table.InOrder()) {
+        EXPECT_EQ(entry->Identifier(), expected->first);
+        EXPECT_EQ(entry->Entity(), expected->second);
+        ++expected;
+    }
+    for (const auto& [identifier, entity] : map) {
+        ASSERT_NE(table.Find(identifier), nullptr);
+        EXPECT_EQ(*table.Find(identifier), entity);
+    }
+    EXPECT_EQ(table.Find(L"2"), nullptr);
+}
+
+TEST_F(EntityTree, ResolvesReferencesByAnOrderedMap)
+{
+    TestSerializer root;
+    entity->Serialize(&root);
+    const std::map<std::wstring, QOBSharedHandle<KARMPEntity>> map{{L"P1", parameter}};
+    const auto tree = TestDeserializer::From(root);
+    EXPECT_EQ(read->Deserialize(tree.get(), map), KARSuccess);
+    QOBSharedHandle<KARMPParameter> found;
+    EXPECT_EQ(read->GetParameter(0, found), KARSuccess);
+    EXPECT_EQ(found, parameter);
+    EXPECT_EQ(read->GetStateCount(), 0);
 }
 
 TEST(EntityTable, TellsTextsOfEachLengthApartByAnyCharacter)

@@ -1,5 +1,6 @@
 #include "KARMPBody.h"
 #include "KARMPCouplingKinds.h"
+#include "KARMPEntityTable.h"
 #include "KARMPEquation.h"
 #include "KARMPLinearEquation.h"
 #include "KARMPPlainConstraints.h"

@@ -2,6 +2,7 @@
 
 #include "KARMPBody.h"
 #include "KARMPCouplingKinds.h"
+#include "KARMPEntityTable.h"
 #include "KARMPScrew.h"
 #include "KARMPTestFixture.h"
 #include "TestDeserializer.h"

@@ -1,4 +1,5 @@
 #include "KARMPBody.h"
+#include "KARMPEntityTable.h"
 #include "KARMPJointKinds.h"
 #include "KARMPPlainConstraints.h"
 #include "KARMPTestFixture.h"

@@ -1,6 +1,7 @@
 #include "AllocationCounter.h"
 #include "KARMPElementReader.h"
 #include "KARMPElementWriter.h"
+#include "KARMPEntityTable.h"
 #include "KARMPTestFixture.h"
 #include "TestDeserializer.h"
 #include "TestEntity.h"

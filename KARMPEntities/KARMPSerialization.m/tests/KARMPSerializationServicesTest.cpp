@@ -1,6 +1,7 @@
 #include "KARMPSerializationServices.h"
 #include "KARMPConstant.h"
 #include "KARMPElementWriter.h"
+#include "KARMPEntityTable.h"
 #include "KARMPTestFixture.h"
 #include "KARMPVariable.h"
 #include "KARMathPoint.h"

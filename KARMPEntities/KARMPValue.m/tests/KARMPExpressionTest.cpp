@@ -2,6 +2,7 @@
 #include "EnvironmentVariable.h"
 #include "KARIMPExpressionLoader.h"
 #include "KARMPConstant.h"
+#include "KARMPEntityTable.h"
 #include "KARMPSerializationServices.h"
 #include "KARMPTestFixture.h"
 #include "KARMPVariable.h"

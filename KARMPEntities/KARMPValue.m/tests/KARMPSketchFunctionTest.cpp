@@ -9,6 +9,7 @@
 #include "KARIMPSketchFunctionLoader.h"
 #include "KARLineCurve.h"
 #include "KARListPtrKARIGMKObject.h"
+#include "KARMPEntityTable.h"
 #include "KARMPEnumerationTexts.h"
 #include "KARMPTestFixture.h"
 #include "KARPlaneSurface.h"

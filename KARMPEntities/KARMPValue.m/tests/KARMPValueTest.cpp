@@ -4,6 +4,7 @@
 #include "KARIMPValueLoader.h"
 #include "KARMPBoolean.h"
 #include "KARMPConstant.h"
+#include "KARMPEntityTable.h"
 #include "KARMPEnumerationTexts.h"
 #include "KARMPString.h"
 #include "KARMPTestFixture.h"

@@ -1,5 +1,6 @@
 #include "KARMPVariable.h"
 #include "KARIMPValueLoader.h"
+#include "KARMPEntityTable.h"
 #include "KARMPEquation.h"
 #include "KARMPTestFixture.h"
 #include "RecordingVariableLoader.h"

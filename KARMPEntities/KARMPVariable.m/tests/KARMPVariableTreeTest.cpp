@@ -1,3 +1,4 @@
+#include "KARMPEntityTable.h"
 #include "KARMPEnumerationTexts.h"
 #include "KARMPEquation.h"
 #include "KARMPTestFixture.h"

@@ -5,6 +5,7 @@
 #include "FilledEntities.h"
 #include "KARMPConstraintParameter.h"
 #include "KARMPCoupling.h"
+#include "KARMPEntityTable.h"
 #include "KARMPEnumerationTexts.h"
 #include "KARMPEquation.h"
 #include "KARMPKinematicConstraint.h"
