@@ -1,10 +1,10 @@
-// The entities that an entity is linked to: insertion order, no duplicates, compared by referent.
 #pragma once
 
 #include "KARMPFailedCheck.h"
 #include "KARMPHandleSequence.h"
 #include "KARStatus.h"
 
+/// The entities that an entity is linked to: insertion order, no duplicates, compared by referent.
 template <class T>
 class KARMPLinkList
 {
@@ -30,7 +30,7 @@ public:
     }
     /// Appends a link that is known not to be null, without a test for duplicates.
     void Append(const QOBSharedHandle<T>& handle) { m_handles.Append(handle); }
-    /// Places a link before an index, without a test for duplicates. A null handle is a failed
+    /// Inserts a link before an index, without a test for duplicates. A null handle is a failed
     /// check and a failure.
     KARStatus Insert(int index, const QOBSharedHandle<T>& handle,
                      KARMPSourceLocation where = KARMPSourceLocation::current())
@@ -40,7 +40,7 @@ public:
         m_handles.Insert(index > 0 ? static_cast<std::size_t>(index) : 0, handle);
         return KARSuccess;
     }
-    /// Takes a link out and keeps the order of the rest. A null handle is a failed check and a
+    /// Removes a link and keeps the order of the rest. A null handle is a failed check and a
     /// failure; a referent that is not linked gives KARUnchanged.
     KARStatus Remove(const QOBSharedHandle<T>& handle, std::size_t* position = nullptr,
                      KARMPSourceLocation where = KARMPSourceLocation::current())
@@ -49,7 +49,7 @@ public:
             return KARFailure;
         return m_handles.Remove(handle._getReferent(), position) ? KARSuccess : KARUnchanged;
     }
-    /// Hands out the link at an index. An index outside the list gives a null handle and a failure,
+    /// Gives the link at an index. An index outside the list gives a null handle and a failure,
     /// without a report.
     KARStatus Get(int index, QOBSharedHandle<T>& handle) const
     {

@@ -1,5 +1,3 @@
-// Watches a world: keeps which bodies moved and which other entities changed, since it began to
-// watch and since it was last reset.
 #pragma once
 
 #include "KARMPEntity.h"
@@ -17,6 +15,8 @@
 class KARMPBody;
 class KARMPWorld;
 
+/// Watches a world: keeps which bodies moved and which other entities changed, since it began to
+/// watch and since it was last reset.
 class KARMP_API KARMPObserver : public QOBNotificationAgent
 {
     QOB_CLASS(KARMPObserver)
@@ -62,7 +62,7 @@ public:
     /// Number of bodies that moved, and of other entities that changed, in a span of time.
     std::uint64_t GetMovingBodyCount(SinceWhen since) const;
     std::uint64_t GetModifiedEntityCount(SinceWhen since) const;
-    /// Hands out one of them by index from 0, in the order of their first change. An index outside
+    /// Gives one of them by index from 0, in the order of their first change. An index outside
     /// is a failed check and a failure, and the handle becomes null.
     KARStatus GetMovingBody(int index, QOBSharedHandle<KARMPBody>& body, SinceWhen since) const;
     KARStatus GetModifiedEntity(int index, QOBSharedHandle<KARMPEntity>& entity,

@@ -1,7 +1,3 @@
-// The list of one family of entities in a world, with two tables of keys beside it.
-//
-// A caller may file an entity under a pair of keys of its own and get it back by them. The registry
-// does not look inside an entity: it sets no link on it and clears none.
 #pragma once
 
 #include "KARBaseUnknown_var.h"
@@ -58,6 +54,10 @@ private:
 
 } // namespace karmp
 
+/// The list of one family of entities in a world, with two tables of keys beside it.
+///
+/// A caller may file an entity under a pair of keys of its own and get it back by them. The
+/// registry does not look inside an entity: it sets no link on it and clears none.
 template <class T>
 class KARMPRegistry
 {
@@ -76,13 +76,13 @@ public:
     {
         return m_core.Add(key1, key2, entity);
     }
-    /// Takes the first entry of an entity out of the list, and its keys; 1 when it is not listed.
+    /// Removes the first entry of an entity from the list, and its keys; 1 when it is not listed.
     /// The entity can still be got by the keys that it had. A failure when it is not found under
     /// its own keys, which it then keeps.
     KARStatus Remove(QOBSharedHandle<T> entity) { return m_core.Remove(entity); }
     /// Number of entries.
     int Count() const { return static_cast<int>(m_core.Count()); }
-    /// Hands out the entry at an index from 0; outside the list a null handle and 1.
+    /// Gives the entry at an index from 0; outside the list a null handle and 1.
     KARStatus Get(int index, QOBSharedHandle<T>& entity) const
     {
         if (index < 0 || index >= Count()) {
@@ -92,7 +92,7 @@ public:
         entity = QOBSharedHandle<T>::unchecked(m_core.At(static_cast<std::size_t>(index)));
         return KARSuccess;
     }
-    /// Hands out all entities that were filed under a pair of keys, in order of filing, those that
+    /// Gives all entities that were filed under a pair of keys, in order of filing, those that
     /// were removed since included; an empty vector and 1 when nothing was filed under it.
     KARStatus Get(KARBaseUnknown_var& key1, KARBaseUnknown_var& key2,
                   QOBSharedVector<T>& entities) const
@@ -106,7 +106,7 @@ public:
             entities.push_back(QOBSharedHandle<T>::unchecked(found->At(i)));
         return KARSuccess;
     }
-    /// Hands out the first of those entities; a null handle and 1 when there is none.
+    /// Gives the first of those entities; a null handle and 1 when there is none.
     KARStatus Get(KARBaseUnknown_var& key1, KARBaseUnknown_var& key2,
                   QOBSharedHandle<T>& entity) const
     {
@@ -118,13 +118,13 @@ public:
         entity = QOBSharedHandle<T>::unchecked(found->At(0));
         return KARSuccess;
     }
-    /// Hands out the keys of an entity; null keys and 1 when it has none.
+    /// Gives the keys of an entity; null keys and 1 when it has none.
     KARStatus GetKeys(QOBSharedHandle<T> entity, KARBaseUnknown_var& key1,
                       KARBaseUnknown_var& key2) const
     {
         return m_core.GetKeys(entity, key1, key2);
     }
-    /// Takes out all entries and their keys; always 0. The entities can still be got by the keys.
+    /// Removes all entries and their keys; always 0. The entities can still be got by the keys.
     KARStatus EmptyRegistry()
     {
         m_core.Empty();

@@ -1,7 +1,3 @@
-// Root of a mechanism model: its settings, the registries of its entities, and its global entities.
-//
-// A world extends a basic world, whose life it shares and under which the entities stand. It solves
-// nothing: it stores, lists and hands out.
 #pragma once
 
 #include "KARBaseUnknown_var.h"
@@ -37,6 +33,11 @@ class RegistrySet<FamilyList<T...>> : public KARMPRegistry<T>...
 
 } // namespace karmp
 
+/// Root of a mechanism model: its settings, the registries of its entities, and its global
+/// entities.
+///
+/// A world extends a basic world, whose life it shares and under which the entities stand. It
+/// solves nothing.
 class KARMP_API KARMPWorld : public QOBExtensionObject
 {
 public:
@@ -69,7 +70,7 @@ public:
     QOBSharedObject* _duplicateObject(CopyMode mode) const override;
     const QOBUUID& getClassID() const override;
 
-    /// Origin, size and gravity: stored and handed out as they are, in the units of the model;
+    /// Origin, size and gravity: stored and given as they are, in the units of the model;
     /// always 0.
     virtual KARStatus SetOrigin(const KARMathPoint& origin);
     virtual KARStatus GetOrigin(KARMathPoint& origin) const;
@@ -77,7 +78,7 @@ public:
     virtual KARStatus GetSize(double& x, double& y, double& z) const;
     virtual KARStatus SetGravity(const KARMathVector& gravity);
     virtual KARStatus GetGravity(KARMathVector& gravity) const;
-    /// Hands out the factory of the world's equations. Without one a failed check and a failure.
+    /// Gives the factory of the world's equations. Without one a failed check and a failure.
     virtual KARStatus GetWBFactory(KARWBFactory*& factory) const;
 
     /// Tolerances on lengths and on angles, stored as they are; setting always gives 0.
@@ -106,12 +107,12 @@ public:
     /// Borrows a solver's loader with a number for its kind; null with kind 0 clears it. Null with
     /// another kind gives 1 and changes nothing.
     KARStatus SetLoader(KARBaseUnknown* loader, int kind);
-    /// Hands out loader and kind; without a loader 1, and the arguments stay.
+    /// Gives loader and kind; without a loader 1, and the arguments stay.
     KARStatus GetLoader(KARBaseUnknown*& loader, int& kind) const;
     /// Takes a reference on a solver's table. A table that is held already is not released. Null
     /// gives 1 and changes nothing.
     KARStatus SetTable(KARBaseUnknown* table);
-    /// Hands out the table with a reference for the caller; without one 1, and the argument stays.
+    /// Gives the table with a reference for the caller; without one 1, and the argument stays.
     KARStatus GetTable(KARBaseUnknown*& table) const;
 
     /// The registry operations for entities of the family T; KARMPRegistry tells their results. A
@@ -166,7 +167,7 @@ public:
     {
         return Registry<T>().EmptyRegistry();
     }
-    /// Hands out the keys of an entity whose family is found by its class. A class that belongs to
+    /// Gives the keys of an entity whose family is found by its class. A class that belongs to
     /// none is a failure, and so is an interaction: its keys are had by its own type only.
     KARStatus GetKeys(const QOBSharedHandle<QOBBasicEntity>& entity, KARBaseUnknown_var& key1,
                       KARBaseUnknown_var& key2) const;
@@ -203,7 +204,7 @@ private:
     using Registries = karmp::RegistrySet<karmp::Families>;
 
     // The globals that the world made hold one another. It remembers them, so that they do not
-    // outlive it when others took their place.
+    // outlive it when they were replaced. Destroyed after the registries, which refer to them too.
     class OwnGlobals
     {
     public:

@@ -12,6 +12,7 @@
 #include "FilledEntities.h"
 #include "GoldenFile.h"
 #include "KARMPConstant.h"
+#include "KARMPEntityTable.h"
 #include "KARMPTestFixture.h"
 #include "KARMPVersions.h"
 #include "KARTextConversion.h"
