@@ -285,7 +285,7 @@ void LoadAndParse(benchmark::State& state, Content content, Prepare prepare)
 
 void Load(benchmark::State& state, Content content)
 {
-    LoadAndParse(state, content, giveFreeMemoryBack);
+    LoadAndParse(state, content, GiveFreeMemoryBack);
 }
 
 /// The same in a process that loaded the document before and kept the memory.
