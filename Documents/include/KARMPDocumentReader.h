@@ -17,7 +17,7 @@
 namespace karmp::documents {
 
 class Document;
-class DocumentChecker;
+class DocumentNodes;
 class DocumentParser;
 class DocumentSource;
 struct ElementRecord;
@@ -25,10 +25,10 @@ struct SourcePlace;
 
 } // namespace karmp::documents
 
-/// A node knows its place in the source and makes its attributes, its value and its children when
-/// they are asked for. The nodes of a document live as long as the karmp::documents::Document that
-/// they belong to; but those below an entity's element that are made between BeginReading and
-/// EndReading of that one, as a world brackets the reading of an entity, end with EndReading.
+/// A node knows its position in the source and is filled when it is first read. The nodes of a
+/// document live as long as the karmp::documents::Document that they belong to; but what is filled
+/// below an entity's element while a KARMPReadingPlace names that element, as a world does for each
+/// entity that it reads, is freed with the KARMPReadingPlace.
 class KARMP_DOCUMENTS_API KARMPDocumentReader final : public KARMPDeserializer
 {
 public:
@@ -42,29 +42,16 @@ public:
     std::size_t Column() const;
     /// True when the element holds a text, which may be empty where there are no elements.
     bool HasText() const { return HasValue(); }
-    void BeginReading() const noexcept override;
-    void EndReading() const noexcept override;
 
-    /// The memory of nodes comes from their document and goes with it.
+    /// The memory of nodes comes from their document and is freed with it.
     static void operator delete(void* memory);
 
 private:
-    friend class karmp::documents::Document;
-    friend class karmp::documents::DocumentChecker;
+    friend class karmp::documents::DocumentNodes;
     friend class karmp::documents::DocumentSource;
     KARMPDocumentReader(const karmp::documents::ElementRecord& record, unsigned depth,
-                        karmp::documents::DocumentSource& source, karmp::NodeMemory& memory);
-    static KARMPDocumentReader* Make(const karmp::documents::ElementRecord& record, unsigned depth,
-                                     karmp::documents::DocumentSource& source,
-                                     karmp::NodeMemory& memory);
-    void MakeAttributes() override;
-    void MakeContent() override;
-    void MakeText(karmp::NodeMemory& memory);
-    bool FindUnmade(std::wstring_view name, karmp::AsciiText& value) const override;
-    void Begin() noexcept;
-    static std::uint8_t PartsMadeLater(const karmp::documents::ElementRecord& record) noexcept;
-    karmp::NodeMemory& ContentMemory() const;
-    std::uint32_t Number() const;
+                        karmp::documents::DocumentSource& source,
+                        karmp::documents::DocumentNodes& memory);
     karmp::documents::SourcePlace Place() const;
 
     /// Elements above this one, as far as it matters.

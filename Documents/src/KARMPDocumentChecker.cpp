@@ -171,10 +171,8 @@ void DocumentChecker::Run()
 const KARMPDeserializer* DocumentChecker::First(const KARMPDeserializer& node,
                                                 std::wstring_view name)
 {
-    KARMPDeserializer::ElementIterator begin = nullptr;
-    KARMPDeserializer::ElementIterator end = nullptr;
-    node.GetElements(name, begin, end);
-    return begin != end ? *begin : nullptr;
+    const KARMPDeserializer::ElementSpan found = node.ElementsNamed(name);
+    return !found.empty() ? found.front() : nullptr;
 }
 
 void DocumentChecker::CollectIdentifiers()
@@ -188,11 +186,11 @@ void DocumentChecker::CollectIdentifiers()
         if (const KARMPDeserializer* const list = First(*world, family.element)) {
             m_frames.push_back({&NodeOf(list), nullptr, nullptr, 0, 0, 0, 0, 0});
             m_pending.clear();
-            list->GetOrderedElementList(m_pending);
+            list->AppendOrderedElements(m_pending);
             for (const KARMPDeserializer* entity : m_pending) {
-                entity->BeginReading();
+                NodeBuilder::BeginReading(*entity);
                 Identify(NodeOf(entity));
-                entity->EndReading();
+                NodeBuilder::EndReading(*entity);
             }
             m_frames.pop_back();
         }
@@ -248,7 +246,7 @@ bool DocumentChecker::IsA(const Class& type, std::string_view className)
 bool DocumentChecker::Push(const Node& node, const Item* item, const Family* family)
 {
     const std::size_t begin = m_pending.size();
-    node.GetOrderedElementList(m_pending);
+    node.AppendOrderedElements(m_pending);
     if (m_pending.size() == begin && (item == nullptr || item->elements.empty()))
         return false;
     m_frames.push_back({&node, item, family, begin, begin, m_pending.size(), 0, 0});
@@ -269,7 +267,7 @@ void DocumentChecker::Pop()
     m_frames.pop_back();
     m_pending.resize(frame.begin);
     if (m_frames.size() == EntityDepth && m_frames.back().family != nullptr)
-        frame.node->EndReading();
+        NodeBuilder::EndReading(*frame.node);
 }
 
 bool DocumentChecker::Applies(const Item& item) const
@@ -282,11 +280,11 @@ void DocumentChecker::CheckChild(const Node& child)
 {
     Frame& frame = m_frames.back();
     if (frame.family != nullptr) {
-        child.BeginReading();
+        NodeBuilder::BeginReading(child);
         m_entity = m_identifiers.Of(child);
         CheckEntity(child, *frame.family);
         if (m_frames.size() == EntityDepth)
-            child.EndReading();
+            NodeBuilder::EndReading(child);
     } else if (frame.item == nullptr) {
         CheckUnknownContent(child);
     } else if (const Item* const item = FindElement(frame, child)) {
@@ -436,8 +434,8 @@ void DocumentChecker::CheckReference(const Node& node, const Item* item)
                  ", not a " + std::string(item->target),
              L"id");
         const bool lasts =
-            m_frames.size() <= EntityDepth || !node.m_source.IsRead(*m_frames[EntityDepth].node);
-        m_wrongReferences.push_back({node.Number(), lasts ? &node : nullptr});
+            m_frames.size() <= EntityDepth || !DocumentNodes::IsRead(*m_frames[EntityDepth].node);
+        m_wrongReferences.push_back({DocumentNodes::Number(node), lasts ? &node : nullptr});
     } else if (item != nullptr) {
         CheckCounterpart(node, *target);
     }
@@ -513,14 +511,16 @@ void Document::Check()
 
 void Document::DropWrongReferences()
 {
-    const KARMPDocumentReader::Attribute unused[] = {
-        {karmp::NodeText::Name(L"id", *m_source),
-         karmp::NodeText::Copy(m_unusedIdentifier, *m_source)}};
+    NodeMemory& memory = m_source->Nodes();
+    const ReadAttribute unused[] = {
+        {NodeText::Name(L"id", memory), NodeText::Copy(m_unusedIdentifier, memory)}};
     std::vector<std::uint32_t> numbers;
     for (const WrongReference& reference : m_wrongReferences) {
         numbers.push_back(reference.record);
-        if (reference.node != nullptr)
-            const_cast<KARMPDocumentReader*>(reference.node)->PlaceAttributes(unused, *m_source);
+        if (reference.node != nullptr) {
+            auto& node = const_cast<KARMPDocumentReader&>(*reference.node);
+            NodeBuilder::AddAttributes(node, unused, memory);
+        }
     }
     m_source->DropReferences(std::move(numbers), m_unusedIdentifier);
 }

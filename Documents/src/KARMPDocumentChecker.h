@@ -99,7 +99,7 @@ private:
     /// The identifier of the entity that is checked, if it has one.
     std::optional<std::uint32_t> m_entity;
     std::vector<Frame> m_frames;
-    KARMPDeserializer::ElementList m_pending;
+    KARMPDeserializer::ElementVector m_pending;
 };
 
 } // namespace karmp::documents

@@ -45,17 +45,15 @@ void DocumentLinks::Collect(std::uint32_t owner, const KARMPDeserializer& entity
     for (std::size_t side = 0; side < std::size(Sides); ++side) {
         if (!IsA(lineage, Sides[side].className))
             continue;
-        KARMPDeserializer::ElementIterator begin = nullptr;
-        KARMPDeserializer::ElementIterator end = nullptr;
-        entity.GetElements(Sides[side].element, begin, end);
-        if (begin == end)
+        const KARMPDeserializer::ElementSpan found = entity.ElementsNamed(Sides[side].element);
+        if (found.empty())
             continue;
         if (!Sides[side].isList) {
-            note(**begin, side);
+            note(*found.front(), side);
             continue;
         }
-        KARMPDeserializer::ElementList items;
-        (*begin)->GetOrderedElementList(items);
+        KARMPDeserializer::ElementVector items;
+        found.front()->AppendOrderedElements(items);
         for (const KARMPDeserializer* item : items)
             note(*item, side);
     }

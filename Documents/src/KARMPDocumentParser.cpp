@@ -95,7 +95,7 @@ DocumentParser::DocumentParser(Document& document, std::string text)
       m_source(*document.m_source),
       m_records(m_source.Records()),
       m_messages(document.m_messages, document.m_name, document.m_limits.diagnostics),
-      m_names(m_records.names, m_source, document.m_limits.nameLength)
+      m_names(m_records.names, m_source.Nodes(), document.m_limits.nameLength)
 {
     m_source.Text() = std::move(text);
 }

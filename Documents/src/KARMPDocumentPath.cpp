@@ -10,21 +10,19 @@ namespace {
 
 constexpr std::size_t LongestWay = 64;
 
-// Where a node stands among the children of its name, from 1; 0 when it has none beside it.
+// The number of a node among the children of its name, from 1; 0 when it is the only one.
 std::ptrdiff_t NumberAmongSiblings(const KARMPDeserializer& parent, const KARMPDeserializer& node)
 {
-    KARMPDeserializer::ElementIterator begin = nullptr;
-    KARMPDeserializer::ElementIterator end = nullptr;
-    parent.GetElements(node.Id(), begin, end);
-    return end - begin > 1 ? std::find(begin, end, &node) - begin + 1 : 0;
+    const KARMPDeserializer::ElementSpan siblings = parent.ElementsNamed(node.Id());
+    return siblings.size() > 1
+               ? std::find(siblings.begin(), siblings.end(), &node) - siblings.begin() + 1
+               : 0;
 }
 
 bool IsChild(const KARMPDeserializer& parent, const KARMPDeserializer& node)
 {
-    KARMPDeserializer::ElementIterator begin = nullptr;
-    KARMPDeserializer::ElementIterator end = nullptr;
-    parent.GetElements(node.Id(), begin, end);
-    return std::find(begin, end, &node) != end;
+    const KARMPDeserializer::ElementSpan children = parent.ElementsNamed(node.Id());
+    return std::find(children.begin(), children.end(), &node) != children.end();
 }
 
 } // namespace
@@ -52,11 +50,11 @@ Way FindWay(const KARMPDocumentReader& root, const KARMPDeserializer* node)
 {
     if (node == nullptr)
         return {};
-    KARMPDeserializer::ElementList worlds;
-    root.GetElements(worlds);
+    KARMPDeserializer::ElementVector worlds;
+    root.AppendElements(worlds);
     for (const KARMPDeserializer* world : worlds) {
-        KARMPDeserializer::ElementList registries;
-        world->GetElements(registries);
+        KARMPDeserializer::ElementVector registries;
+        world->AppendElements(registries);
         for (const KARMPDeserializer* registry : registries) {
             if (registry == node)
                 return {&root, world, registry};

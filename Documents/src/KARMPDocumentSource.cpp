@@ -7,18 +7,18 @@ namespace karmp::documents {
 
 void DocumentSource::Drop() noexcept
 {
-    m_readMemory.Clear();
+    m_readNodes.Clear();
     m_read = nullptr;
     m_readings = 0;
-    Clear();
+    m_nodes.Clear();
     m_records = DocumentRecords();
     m_text = std::string();
 }
 
 KARMPDocumentReader* DocumentSource::MakeRoot(std::wstring_view version)
 {
-    m_version = NodeText::Name(version, *this);
-    return KARMPDocumentReader::Make(m_records.elements.front(), 0, *this, *this);
+    m_version = NodeText::Name(version, m_nodes);
+    return m_nodes.Make(m_records.elements.front(), 0, *this);
 }
 
 bool DocumentSource::EndReading() noexcept
@@ -26,7 +26,7 @@ bool DocumentSource::EndReading() noexcept
     if (--m_readings != 0)
         return false;
     m_read = nullptr;
-    m_readMemory.Reuse();
+    m_readNodes.Reuse();
     return true;
 }
 

@@ -54,11 +54,10 @@ class DocumentNodes : public testing::Test
 protected:
     DocumentNodes()
     {
-        KARMPDeserializer::ElementIterator begin = nullptr;
-        KARMPDeserializer::ElementIterator end = nullptr;
-        Child(Child(m_document.Root(), L"World"), L"Bodies")->GetElements(L"Body", begin, end);
-        m_first = begin[0];
-        m_second = begin[1];
+        const KARMPDeserializer::ElementSpan bodies =
+            Child(Child(m_document.Root(), L"World"), L"Bodies")->ElementsNamed(L"Body");
+        m_first = bodies[0];
+        m_second = bodies[1];
     }
 
     Document m_document = Document::ReadText(TwoBodies());
@@ -246,8 +245,8 @@ TEST_F(DocumentNodes, ManyEntitiesAreReadInTheMemoryOfOne)
     for (std::size_t number = 0; number < count; ++number)
         text += "<Body id=\"b\"><A><B>1</B><C>2</C><D>3</D></A><E>4</E></Body>";
     const Document document = Document::ReadText(text + "</Bodies></World></KARMPDocument>");
-    KARMPDeserializer::ElementList bodies;
-    Child(Child(document.Root(), L"World"), L"Bodies")->GetOrderedElementList(bodies);
+    KARMPDeserializer::ElementVector bodies;
+    Child(Child(document.Root(), L"World"), L"Bodies")->AppendOrderedElements(bodies);
     ASSERT_EQ(bodies.size(), count);
     {
         // Two that are read at once leave nothing behind.

@@ -200,11 +200,11 @@ TEST(DocumentTree, EveryNodeHasTheVersionOfTheRoot)
     Add(*Add(*Add(root, L"World"), L"Bodies"), L"Body");
     const Document document = Parsed(TextOf(root));
     EXPECT_EQ(document.Version(), L"R2016.1");
-    KARMPDeserializer::ElementList nodes{document.Root()};
+    KARMPDeserializer::ElementVector nodes{document.Root()};
     for (std::size_t index = 0; index < nodes.size(); ++index) {
         EXPECT_EQ(nodes[index]->Version(), L"R2016.1");
         const auto* const node = nodes[index];
-        node->GetOrderedElementList(nodes);
+        node->AppendOrderedElements(nodes);
     }
     EXPECT_EQ(nodes.size(), 4U);
 }
@@ -352,8 +352,8 @@ TEST(DocumentTree, TextsOfEveryLengthComeBack)
             ->AddAttribute(L"last", std::wstring(length, L'x') + L"\xE9");
     }
     const Document document = Parsed(TextOf(root));
-    KARMPDeserializer::ElementList elements;
-    document.Root()->GetElements(elements);
+    KARMPDeserializer::ElementVector elements;
+    document.Root()->AppendElements(elements);
     ASSERT_EQ(elements.size(), 600U);
     for (std::size_t length = 0; length < 600; ++length) {
         std::wstring text;

@@ -32,8 +32,8 @@ TEST(LargeDocuments, ComeBackWhole)
     const KARMPDeserializer* items = nullptr;
     document.Root()->GetElement(L"Items", items);
     ASSERT_NE(items, nullptr);
-    KARMPDeserializer::ElementList list;
-    items->GetOrderedElementList(list);
+    KARMPDeserializer::ElementVector list;
+    items->AppendOrderedElements(list);
     ASSERT_EQ(list.size(), ItemCount);
     for (std::size_t number = 0; number < ItemCount; number += 777) {
         const KARMPDeserializer& item = *list[number];

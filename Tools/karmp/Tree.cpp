@@ -48,13 +48,13 @@ private:
     template <class Visit>
     void ForEachEntity(Visit visit) const
     {
-        Element::ElementList families;
-        m_world.GetOrderedElementList(families);
+        Element::ElementVector families;
+        m_world.AppendOrderedElements(families);
         for (const Element* family : families) {
             if (family->Id() == L"Globals")
                 continue;
-            Element::ElementList entities;
-            family->GetOrderedElementList(entities);
+            Element::ElementVector entities;
+            family->AppendOrderedElements(entities);
             for (const Element* entity : entities)
                 if (entity->HasAttribute(L"id"))
                     visit(family->Id(), *entity);
@@ -82,15 +82,15 @@ private:
     // of a list. A list is one line; no reader looks for links any deeper.
     void PrintLinks(const Element& entity) const
     {
-        Element::ElementList children;
-        entity.GetOrderedElementList(children);
+        Element::ElementVector children;
+        entity.AppendOrderedElements(children);
         for (const Element* child : children) {
             if (child->HasAttribute(L"id")) {
                 std::cout << "    " << Printable(child->Id()) << ": " << Target(*child) << '\n';
                 continue;
             }
-            Element::ElementList items;
-            child->GetOrderedElementList(items);
+            Element::ElementVector items;
+            child->AppendOrderedElements(items);
             const char* separator = ": ";
             for (const Element* item : items) {
                 if (!item->HasAttribute(L"id"))

@@ -76,8 +76,8 @@ private:
 
     static std::map<Key, const Element*> ChildrenOf(const Element& element)
     {
-        Element::ElementList children;
-        element.GetOrderedElementList(children);
+        Element::ElementVector children;
+        element.AppendOrderedElements(children);
         std::map<Key, const Element*> keyed;
         std::map<std::wstring_view, int> numbers;
         for (const Element* child : children) {

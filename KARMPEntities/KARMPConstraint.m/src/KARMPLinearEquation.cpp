@@ -156,8 +156,8 @@ bool KARMPLinearEquation::ReadTerms(const KARMPDeserializer* element)
     if (!list)
         return false;
     // Any child counts as a term. Its index has to be there and does not place it.
-    KARMPDeserializer::ElementList terms;
-    list.Node()->GetElements(terms);
+    KARMPDeserializer::ElementVector terms;
+    list.Node()->AppendElements(terms);
     for (const KARMPDeserializer* node : terms) {
         karmp::ElementReader term(node);
         int index = 0;

@@ -10,22 +10,29 @@
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
+#include <list>
 #include <memory>
 #include <span>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
+namespace karmp {
+class NodeBuilder;
+class NodeContent;
+class NodeSource;
+} // namespace karmp
+
 /// A node of the tree on its reading side. A node owns its children; the creator of a root owns the
-/// root. Walks keep their place in the node: a tree is read by one thread at a time.
+/// root. Lookups keep their state in the node: a tree is read by one thread at a time.
 class KARMP_API KARMPDeserializer
 {
 public:
-    /// Children in an order that an operation tells.
-    using ElementList = std::vector<const KARMPDeserializer*>;
-    /// A place among the children of one name, valid until a child is added to the node.
-    using ElementIterator = const KARMPDeserializer* const*;
+    /// Children; the operations below tell in which order.
+    using ElementList = std::list<const KARMPDeserializer*>;
+    using ElementIterator = ElementList::const_iterator;
+    using ElementVector = std::vector<const KARMPDeserializer*>;
+    using ElementSpan = std::span<const KARMPDeserializer* const>;
 
     /// An empty node without name and value, at the current version.
     KARMPDeserializer();
@@ -40,12 +47,12 @@ public:
 
     /// Sets the version of this node alone; always 0.
     KARStatus SetVersion(std::wstring_view version);
-    /// Hands out the version of this node; always 0.
+    /// Gets the version of this node; always 0.
     KARStatus GetVersion(std::wstring& version) const;
     /// The version of this node, valid until it is set again.
     std::wstring_view Version() const { return m_version.View(); }
 
-    /// Hands out the element's name; always 0.
+    /// Gets the element's name; always 0.
     KARStatus GetId(std::wstring& id) const;
     /// The element's name, valid until it is set again.
     std::wstring_view Id() const { return m_name.View(); }
@@ -58,6 +65,8 @@ public:
     KARStatus GetValue(int& value) const;
     KARStatus GetValue(double& value) const;
     KARStatus GetValue(bool& value) const;
+    /// True when the element has a value, of whatever kind.
+    bool HasValue() const;
 
     /// True when there is an attribute of the name.
     bool HasAttribute(std::wstring_view name) const;
@@ -77,7 +86,7 @@ public:
     KARStatus GetAttribute(std::wstring_view name, double& value) const;
     KARStatus GetAttribute(std::wstring_view name, bool& value) const;
 
-    /// Hands out the next child of the name and sets this node's version on it; null and 0 when
+    /// Gets the next child of the name and sets this node's version on it; null and 0 when
     /// there is none. The call after the last child gives the first one and ends the walk, so that
     /// the call after that begins with the first one as well.
     KARStatus GetElement(std::wstring_view name, const KARMPDeserializer*& child) const;
@@ -97,18 +106,20 @@ public:
     /// Appends all children by name, in the order of the names, within a name in the order of
     /// addition; always 0. The children keep their versions.
     KARStatus GetElements(ElementList& elements) const;
-    /// Hands out the two ends of the children of one name, which keep their versions; always 0. The
-    /// iterators stay as they were when there is none.
+    /// Gets the two ends of the list of the children of one name, which keep their versions; always
+    /// 0. The iterators stay as they were when there is none; they are valid for as long as the
+    /// node, and a child that is added later is appended to the list.
     KARStatus GetElements(std::wstring_view name, ElementIterator& begin,
                           ElementIterator& end) const;
     /// Appends all children in the order of addition; always 0. The children keep their versions.
     KARStatus GetOrderedElementList(ElementList& elements) const;
 
-    /// Bracket the reading of an element by somebody who refers to nothing of it afterwards: what a
-    /// subclass makes of its attributes and children meanwhile, because they are asked for, may end
-    /// with EndReading, to be made again when it is asked for again. They do nothing by default.
-    virtual void BeginReading() const noexcept {}
-    virtual void EndReading() const noexcept {}
+    /// Appends what GetElements does, without a list's allocation for each child.
+    void AppendElements(ElementVector& elements) const;
+    /// Appends what GetOrderedElementList does, in the same way.
+    void AppendOrderedElements(ElementVector& elements) const;
+    /// The children of one name, empty when there is none; valid until a child is added.
+    ElementSpan ElementsNamed(std::wstring_view name) const;
 
 protected:
     /// Sets the element's name.
@@ -137,64 +148,17 @@ protected:
         AddBoolAttributeValue(name, value);
     }
 
-    /// The same for a subclass whose nodes stand in memory for a whole tree: the texts and the
-    /// lists of the nodes stand there as well, so that the tree may end with the memory, without
-    /// its nodes being destroyed one by one. Such a node is filled by the operations below alone.
+    /// For the nodes of karmp::documents, which a source allocates and fills.
     KARMPDeserializer(const karmp::NodeText& name, const karmp::NodeText& version,
-                      karmp::NodeMemory& memory)
-        : m_memory(&memory), m_name(name), m_version(version)
+                      karmp::NodeSource& source)
+        : m_name(name), m_version(version), m_source(&source)
     {}
-    void PlaceValue(karmp::AsciiText value) { m_value.emplace<karmp::AsciiText>(value); }
-    void PlaceValue(karmp::NodeText value) { m_value.emplace<karmp::NodeText>(std::move(value)); }
-    /// True when a value was set.
-    bool HasValue() const
-    {
-        Need(ContentLater);
-        return m_value.index() != 0;
-    }
-    /// A name with a value; the value changes when a narrow text is asked for as a wide one.
-    struct Attribute
-    {
-        karmp::NodeText name;
-        mutable karmp::ReadValue value;
-    };
-    /// Adds attributes, each in place of an earlier one of its name. False when there was one.
-    bool PlaceAttributes(std::span<const Attribute> attributes, karmp::NodeMemory& memory);
-    /// Adds children, each under its own name. When memory ends, none was added to a node without
-    /// children.
-    void PlaceElements(std::span<KARMPDeserializer* const> children, karmp::NodeMemory& memory);
-    /// The memory of the tree, null for a node that owns what it holds.
-    karmp::NodeMemory* Memory() const { return m_memory; }
-
-    /// What of a placed node is made when it is first asked for.
-    enum Later : std::uint8_t {
-        NothingLater = 0,
-        AttributesLater = 1,
-        ContentLater = 2 ///< The value and the children.
-    };
-    /// Sets what is made later: `Later` values, combined.
-    void MakeLater(std::uint8_t parts) { m_later = parts; }
-    /// What is still to be made.
-    std::uint8_t Unmade() const { return m_later; }
-    /// Places the attributes; called when the first of them is asked for.
-    virtual void MakeAttributes() {}
-    /// Places value and children; called when the first of them is asked for.
-    virtual void MakeContent() {}
-    /// Finds a single attribute without the others being made; null characters when there is none.
-    /// False when they have to be made.
-    virtual bool FindUnmade(std::wstring_view name, karmp::AsciiText& value) const;
-    /// Forgets attributes, value and children, the memory of which the subclass takes back.
-    void Forget() noexcept;
 
 private:
-    struct Child;
-    struct Group;
-    struct Groups;
-    struct Content;
-    /// Ends what stands in a tree's memory or in memory of its own.
+    friend class karmp::NodeBuilder;
     struct Release
     {
-        void operator()(Content* content) const noexcept;
+        void operator()(karmp::NodeContent* content) const noexcept;
     };
 
     void SetBoolValue(bool value);
@@ -202,12 +166,13 @@ private:
     void PutAttribute(std::wstring_view name, karmp::ReadValue&& value);
     /// The value of an attribute, null when there is none.
     karmp::ReadValue* FindAttribute(std::wstring_view name) const;
-    void Need(Later part) const
+    /// Makes sure that the parts, bits of karmp::NodePart, are filled.
+    void Need(std::uint8_t parts) const
     {
-        if ((m_later & part) != 0)
-            Make(part);
+        if ((m_missing & parts) != 0)
+            Fill(parts);
     }
-    void Make(Later part) const;
+    void Fill(std::uint8_t parts) const;
     template <class T>
     KARStatus ConvertAttribute(std::wstring_view name, T& value) const;
     template <class T>
@@ -219,16 +184,17 @@ private:
     static KARStatus GetAttrVal(const karmp::ReadValue& stored, int& value);
     static KARStatus GetAttrVal(const karmp::ReadValue& stored, double& value);
     static KARStatus GetAttrVal(const karmp::ReadValue& stored, bool& value);
-    KARMPDeserializer* NextElement(std::wstring_view name) const;
-    Content& NeedContent(karmp::NodeMemory* memory);
+    karmp::NodeContent& NeedContent(karmp::NodeMemory* memory);
     void Clean() noexcept;
 
-    karmp::NodeMemory* m_memory = nullptr;
     karmp::NodeText m_name;
-    karmp::NodeText m_version;
-    /// A narrow text turns into a wide one when it is asked for as such.
+    /// A narrow text becomes a wide one when it is read as a view.
     mutable karmp::ReadValue m_value;
-    /// Attributes and children: what most nodes do not have.
-    std::unique_ptr<Content, Release> m_content;
-    mutable std::uint8_t m_later = NothingLater;
+    /// Attributes, children and walks, null for a node with neither.
+    std::unique_ptr<karmp::NodeContent, Release> m_content;
+    karmp::NodeText m_version;
+    /// Null for a node that a subclass fills.
+    karmp::NodeSource* m_source = nullptr;
+    /// The parts that the source has not filled yet.
+    mutable std::uint8_t m_missing = 0;
 };

@@ -62,11 +62,7 @@ public:
         return AddBoolElement(name, child, value);
     }
 
-    /// Tells that the children so far are complete: nobody adds anything to them or uses them any
-    /// more. A tree may render them and let go of them; here nothing happens.
-    virtual void ChildrenComplete() {}
-
-    /// Hands out the version this node is written for; always 0.
+    /// Gets the version this node is written for; always 0.
     KARStatus GetVersion(std::wstring& version) const;
     /// The version this node is written for, valid until it is set again.
     std::wstring_view Version() const { return m_version.View(); }
@@ -79,22 +75,15 @@ public:
 protected:
     using Type = KARMPSerializationVariable::Type;
 
-    /// The root of a tree that stands in one memory, nodes, texts and lists alike, so that all of
-    /// it ends at once with the root, without the nodes being destroyed one by one. The nodes that
-    /// CreateChildElement makes must stand in that memory as well: nothing deletes them.
-    explicit KARMPSerializer(std::unique_ptr<karmp::NodeMemory> memory);
-    /// A node below such a root, made in the root's memory. Its parent gives it a version.
-    explicit KARMPSerializer(karmp::NodeMemory& memory) : m_memory(&memory) {}
-    /// The memory of the tree; null when every node has memory of its own.
-    karmp::NodeMemory* Memory() const { return m_memory; }
-
-    /// Makes this node, and the children it creates from now on, keep doubles as they are, whether
-    /// the environment asks for that or not.
-    void SetExactDoubles(bool exact) { m_exactDoubles = exact; }
-
     /// A new node of the concrete class, or null.
     virtual KARMPSerializer* CreateChildElement() = 0;
 
+public:
+    /// Tells that the children so far are complete: the caller neither adds to them nor uses them
+    /// any more, so that a subclass may render and free them. Does nothing by default.
+    virtual void ChildrenComplete() {}
+
+protected:
     /// The element's name.
     std::wstring_view GetId() const { return m_name.View(); }
     /// The kind of the element's value, and the value; a value of another kind reads as false,
@@ -134,6 +123,18 @@ protected:
     /// An attribute in plain form.
     KARMPSerializationVariable GetAttribute(int index) const;
 
+    /// Makes this node, and the children it creates from now on, keep doubles as they are, whether
+    /// the environment asks for that or not.
+    void SetExactDoubles(bool exact) { m_exactDoubles = exact; }
+
+    /// The root of a tree that is allocated in one memory and freed with the root. All nodes that
+    /// CreateChildElement makes must stand in that memory: their destructors are not called.
+    explicit KARMPSerializer(std::unique_ptr<karmp::NodeMemory> memory);
+    /// A node below such a root. Its parent gives it a version.
+    explicit KARMPSerializer(karmp::NodeMemory& memory) : m_memory(&memory) {}
+    /// The memory of the tree; null when every node is allocated on its own.
+    karmp::NodeMemory* Memory() const { return m_memory; }
+
 private:
     KARStatus AddBoolAttribute(std::wstring_view name, bool value);
     KARStatus AddBoolElement(std::wstring_view name, KARMPSerializer*& child, bool value);
@@ -151,7 +152,8 @@ private:
     void Clean() noexcept;
 
     karmp::NodeText m_name;
-    // The flags stand in the padding of the value.
+    // The flags take the padding of the value, ahead of the lists; there is no spare text, which
+    // would cost every node 32 bytes.
     [[no_unique_address]] karmp::NodeValue m_value;
     bool m_exactDoubles = false;
     bool m_ownsMemory = false;

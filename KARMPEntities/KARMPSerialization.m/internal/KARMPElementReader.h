@@ -126,13 +126,11 @@ public:
     template <class Read>
     void Each(ItemName name, Read read) const
     {
-        KARMPDeserializer::ElementIterator item{};
-        KARMPDeserializer::ElementIterator end{};
-        if (m_node == nullptr || KARFailed(m_node->GetElements(name, item, end)))
+        if (m_node == nullptr)
             return;
-        for (; item != end; ++item)
-            if (*item != nullptr)
-                read(ElementReader(*item));
+        for (const KARMPDeserializer* item : m_node->ElementsNamed(name))
+            if (item != nullptr)
+                read(ElementReader(item));
     }
 
     /// The entry of the table that this element refers to by its "id", null when the table has none

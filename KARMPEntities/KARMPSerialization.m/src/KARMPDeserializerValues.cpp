@@ -2,6 +2,7 @@
 #include "KARMPDeserializer.h"
 
 #include "KARMPFailedCheck.h"
+#include "KARMPNodeSource.h"
 #include "KARTextConversion.h"
 
 #include <algorithm>
@@ -111,32 +112,38 @@ KARStatus HandOut(const std::optional<T>& found, T& value)
 
 KARStatus KARMPDeserializer::GetValue(std::wstring& value) const
 {
-    Need(ContentLater);
+    Need(karmp::ContentPart);
     return GetAttrVal(m_value, value);
 }
 
 KARStatus KARMPDeserializer::GetValue(std::wstring_view& value) const
 {
-    Need(ContentLater);
+    Need(karmp::ContentPart);
     return GetAttrVal(m_value, value);
 }
 
 KARStatus KARMPDeserializer::GetValue(int& value) const
 {
-    Need(ContentLater);
+    Need(karmp::ContentPart);
     return GetAttrVal(m_value, value);
 }
 
 KARStatus KARMPDeserializer::GetValue(double& value) const
 {
-    Need(ContentLater);
+    Need(karmp::ContentPart);
     return GetAttrVal(m_value, value);
 }
 
 KARStatus KARMPDeserializer::GetValue(bool& value) const
 {
-    Need(ContentLater);
+    Need(karmp::ContentPart);
     return GetAttrVal(m_value, value);
+}
+
+bool KARMPDeserializer::HasValue() const
+{
+    Need(karmp::ContentPart);
+    return m_value.index() != 0;
 }
 
 template <class T>
@@ -144,9 +151,11 @@ KARStatus KARMPDeserializer::ConvertAttribute(std::wstring_view name, T& value) 
 {
     // A view refers to what the node holds.
     if constexpr (!std::is_same_v<T, std::wstring_view>) {
-        AsciiText unmade;
-        if ((m_later & AttributesLater) != 0 && FindUnmade(name, unmade))
-            return unmade.characters != nullptr ? GetAttrVal(ReadValue(unmade), value) : KARFailure;
+        AsciiText unfilled;
+        if ((m_missing & karmp::AttributesPart) != 0 &&
+            m_source->FindAttribute(*this, name, unfilled))
+            return unfilled.characters != nullptr ? GetAttrVal(ReadValue(unfilled), value)
+                                                  : KARFailure;
     }
     ReadValue* const stored = FindAttribute(name);
     return stored != nullptr ? GetAttrVal(*stored, value) : KARFailure;
@@ -226,7 +235,7 @@ KARStatus KARMPDeserializer::GetElement(std::wstring_view name, const KARMPDeser
 KARStatus KARMPDeserializer::GetAttrVal(ReadValue& stored, std::wstring_view& value) const
 {
     if (const auto* const narrow = std::get_if<AsciiText>(&stored))
-        stored = NodeText::Widen(narrow->View(), *m_memory);
+        stored = NodeText::Widen(narrow->View(), *m_source);
     const auto* const text = std::get_if<NodeText>(&stored);
     if (!KARMPVerify(text != nullptr))
         return KARFailure;

@@ -1,6 +1,6 @@
 #include "KARMPReadingPlace.h"
 
-#include "KARMPDeserializer.h"
+#include "KARMPNodeSource.h"
 
 #include <utility>
 
@@ -14,13 +14,13 @@ KARMPReadingPlace::KARMPReadingPlace(const KARMPDeserializer* node) noexcept
     : m_node(node), m_outer(std::exchange(currentNode, node))
 {
     if (m_node != nullptr)
-        m_node->BeginReading();
+        karmp::NodeBuilder::BeginReading(*m_node);
 }
 
 KARMPReadingPlace::~KARMPReadingPlace()
 {
     if (m_node != nullptr)
-        m_node->EndReading();
+        karmp::NodeBuilder::EndReading(*m_node);
     currentNode = m_outer;
 }
 

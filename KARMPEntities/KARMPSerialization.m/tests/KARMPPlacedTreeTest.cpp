@@ -1,7 +1,6 @@
 // Trees whose nodes, texts and lists stand in one memory.
 #include "AllocationCounter.h"
-#include "KARMPDeserializer.h"
-#include "KARMPNodeMemory.h"
+#include "KARMPNodeSource.h"
 #include "KARMPTestFixture.h"
 
 #include <gtest/gtest.h>
@@ -9,6 +8,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <new>
 #include <string>
 #include <string_view>
@@ -16,42 +16,45 @@
 
 namespace {
 
+using karmp::NodeBuilder;
 using karmp::NodeMemory;
+using karmp::NodeSource;
 using karmp::NodeText;
 
 class PlacedNode final : public KARMPDeserializer
 {
 public:
-    PlacedNode(NodeMemory& memory, std::wstring_view name)
+    PlacedNode(NodeSource& memory, std::wstring_view name)
         : KARMPDeserializer(NodeText::Name(name, memory), NodeText::CurrentVersion(), memory)
     {}
     std::wstring Location() const override { return {}; }
 
-    static PlacedNode* Make(NodeMemory& memory, std::wstring_view name)
+    static PlacedNode* Make(NodeSource& memory, std::wstring_view name)
     {
         return ::new (memory.Allocate(sizeof(PlacedNode))) PlacedNode(memory, name);
     }
     PlacedNode* Add(std::wstring_view name)
     {
-        PlacedNode* const child = Make(*Memory(), name);
+        PlacedNode* const child = Make(Memory(), name);
         KARMPDeserializer* const children[] = {child};
-        PlaceElements(children, *Memory());
+        NodeBuilder::AddElements(*this, children, Memory());
         return child;
     }
-    using KARMPDeserializer::Attribute;
     bool AddAttribute(std::wstring_view name, std::wstring_view value)
     {
-        return Attributes({{NodeText::Name(name, *Memory()), NodeText::Copy(value, *Memory())}});
+        return Attributes({{NodeText::Name(name, Memory()), NodeText::Copy(value, Memory())}});
     }
     void AddAll(const std::vector<KARMPDeserializer*>& children)
     {
-        PlaceElements(children, *Memory());
+        NodeBuilder::AddElements(*this, children, Memory());
     }
-    bool Attributes(const std::vector<KARMPDeserializer::Attribute>& attributes)
+    bool Attributes(const std::vector<karmp::ReadAttribute>& attributes)
     {
-        return PlaceAttributes(attributes, *Memory());
+        return NodeBuilder::AddAttributes(*this, attributes, Memory());
     }
-    using KARMPDeserializer::PlaceValue;
+
+private:
+    NodeSource& Memory() const { return *NodeBuilder::SourceOf(*this); }
 };
 
 struct Counted
@@ -102,7 +105,7 @@ TEST(NodeMemory, DestroysWhatItMadeOnce)
 
 TEST(PlacedTree, ChildrenAreFoundByNameAndWalkedInOrder)
 {
-    NodeMemory memory;
+    NodeSource memory;
     PlacedNode* const root = PlacedNode::Make(memory, L"root");
     const PlacedNode* const first = root->Add(L"b");
     const PlacedNode* const other = root->Add(L"a");
@@ -119,14 +122,14 @@ TEST(PlacedTree, ChildrenAreFoundByNameAndWalkedInOrder)
 
 TEST(PlacedTree, ManyNamesAreFoundAndEndWithTheMemory)
 {
-    NodeMemory memory;
+    NodeSource memory;
     PlacedNode* const root = PlacedNode::Make(memory, L"root");
     // More names than the table of the process holds, and some that are too long for it.
     for (int number = 0; number < 20000; ++number) {
         const std::wstring name = L"placed" + std::to_wstring(number);
         const std::wstring name2 = name + std::wstring(60, L'x');
         root->Add(name);
-        root->Add(name2)->PlaceValue(NodeText::Widen("0.5", memory));
+        NodeBuilder::SetValue(*root->Add(name2), NodeText::Widen("0.5", memory));
         root->AddAttribute(name, name2);
     }
     for (const int number : {0, 1, 777, 19999}) {
@@ -146,7 +149,7 @@ TEST(PlacedTree, ManyNamesAreFoundAndEndWithTheMemory)
 
 TEST(PlacedTree, ALaterAttributeTakesThePlaceOfTheEarlierOne)
 {
-    NodeMemory memory;
+    NodeSource memory;
     PlacedNode* const root = PlacedNode::Make(memory, L"root");
     EXPECT_TRUE(root->AddAttribute(L"name", L"first"));
     EXPECT_FALSE(root->AddAttribute(L"name", L"second"));
@@ -162,14 +165,14 @@ protected:
     PlacedNode* Node(const char* text)
     {
         PlacedNode* const node = PlacedNode::Make(m_memory, L"node");
-        node->PlaceValue(karmp::AsciiText{text});
+        NodeBuilder::SetValue(*node, karmp::AsciiText{text});
         EXPECT_TRUE(
             node->Attributes({{NodeText::Name(L"name", m_memory), karmp::AsciiText{text}}}));
         return node;
     }
 
 private:
-    NodeMemory m_memory;
+    NodeSource m_memory;
 };
 
 TEST_F(AsciiValue, IsReadAsTheKindAskedFor)
@@ -248,7 +251,7 @@ TEST_F(AsciiValue, AnEmptyOneIsAnEmptyText)
 
 TEST(PlacedTree, ARecordThatGetsAChildOfAKnownNameIsWalkedInOrder)
 {
-    NodeMemory memory;
+    NodeSource memory;
     PlacedNode* const root = PlacedNode::Make(memory, L"root");
     PlacedNode* const x = PlacedNode::Make(memory, L"x");
     PlacedNode* const y = PlacedNode::Make(memory, L"y");
@@ -261,22 +264,44 @@ TEST(PlacedTree, ARecordThatGetsAChildOfAKnownNameIsWalkedInOrder)
 
 TEST(PlacedTree, SiblingsOfOneNameAddedTogetherAreAllFound)
 {
-    NodeMemory memory;
+    NodeSource memory;
     PlacedNode* const root = PlacedNode::Make(memory, L"root");
     PlacedNode* const first = PlacedNode::Make(memory, L"x");
     PlacedNode* const other = PlacedNode::Make(memory, L"a");
     PlacedNode* const second = PlacedNode::Make(memory, L"x");
     root->AddAll({first, other, second});
-    KARMPDeserializer::ElementIterator begin = nullptr;
-    KARMPDeserializer::ElementIterator end = nullptr;
+    KARMPDeserializer::ElementIterator begin;
+    KARMPDeserializer::ElementIterator end;
     root->GetElements(L"x", begin, end);
-    EXPECT_EQ((KARMPDeserializer::ElementList{begin, end}),
+    EXPECT_EQ(KARMPDeserializer::ElementList(begin, end),
+              (KARMPDeserializer::ElementList{first, second}));
+}
+
+TEST(PlacedTree, TheListOfANameIsFreedWithTheMemoryOfTheContent)
+{
+    // A source that keeps what nodes hold in a memory of its own.
+    struct Source final : NodeSource
+    {
+        NodeMemory& ContentMemory(const KARMPDeserializer& /*node*/) override { return content; }
+        NodeMemory content;
+    };
+    Source source;
+    PlacedNode* const root = PlacedNode::Make(source, L"root");
+    PlacedNode* const first = root->Add(L"a");
+    root->Add(L"b");
+    const std::size_t before = source.content.Size();
+    KARMPDeserializer::ElementIterator begin;
+    KARMPDeserializer::ElementIterator end;
+    root->GetElements(L"a", begin, end);
+    EXPECT_GT(source.content.Size(), before);
+    PlacedNode* const second = root->Add(L"a");
+    EXPECT_EQ(KARMPDeserializer::ElementList(begin, end),
               (KARMPDeserializer::ElementList{first, second}));
 }
 
 TEST(PlacedTree, OfAttributesAddedTogetherTheLastOfANameCounts)
 {
-    NodeMemory memory;
+    NodeSource memory;
     PlacedNode* const root = PlacedNode::Make(memory, L"root");
     const NodeText name = NodeText::Name(L"name", memory);
     const NodeText other = NodeText::Name(L"other", memory);
@@ -296,7 +321,7 @@ TEST(PlacedTree, OfAttributesAddedTogetherTheLastOfANameCounts)
 
 TEST(PlacedTree, AVersionOfAnyLengthStandsInTheMemoryAndGoesDownTheTree)
 {
-    NodeMemory memory;
+    NodeSource memory;
     PlacedNode* const root = PlacedNode::Make(memory, L"root");
     const PlacedNode* const child = root->Add(L"child");
     const std::wstring version(6000, L'v');
@@ -309,119 +334,130 @@ TEST(PlacedTree, AVersionOfAnyLengthStandsInTheMemoryAndGoesDownTheTree)
     EXPECT_EQ(found->Version(), version);
 }
 
-// A node that counts how often its parts are made: two attributes, a value and three children.
-class LateNode final : public KARMPDeserializer
+// A source whose nodes have two attributes, a value and three children, counting how often these
+// are filled.
+class LateSource final : public NodeSource
 {
 public:
-    explicit LateNode(NodeMemory& memory)
-        : KARMPDeserializer(NodeText::Name(L"late", memory), NodeText::CurrentVersion(), memory)
+    PlacedNode& Make()
     {
-        MakeLater(AttributesLater | ContentLater);
+        PlacedNode& node = *PlacedNode::Make(*this, L"late");
+        NodeBuilder::SetMissing(node, karmp::AttributesPart | karmp::ContentPart);
+        return node;
     }
-    std::wstring Location() const override { return {}; }
-    static LateNode& Make(NodeMemory& memory)
+    static void FillAgain(PlacedNode& node)
     {
-        return *::new (memory.Allocate(sizeof(LateNode))) LateNode(memory);
+        NodeBuilder::Forget(node);
+        NodeBuilder::SetMissing(node, karmp::AttributesPart | karmp::ContentPart);
     }
-    bool HasText() const { return HasValue(); }
-    void Again()
-    {
-        Forget();
-        MakeLater(AttributesLater | ContentLater);
-    }
-    using KARMPDeserializer::Unmade;
 
-    int attributesMade = 0;
-    int contentMade = 0;
-    bool memoryEnds = false;
-    bool findsUnmade = false;
+    int attributesFilled = 0;
+    int contentFilled = 0;
+    bool allocationFails = false;
+    bool findsUnfilled = false;
 
 private:
-    void MakeAttributes() override
+    void FillAttributes(KARMPDeserializer& node) override
     {
-        ++attributesMade;
-        const Attribute attributes[] = {{NodeText::Name(L"a", *Memory()), karmp::AsciiText{"1"}},
-                                        {NodeText::Name(L"b", *Memory()), karmp::AsciiText{"x"}}};
-        PlaceAttributes(attributes, *Memory());
+        ++attributesFilled;
+        const karmp::ReadAttribute attributes[] = {
+            {NodeText::Name(L"a", *this), karmp::AsciiText{"1"}},
+            {NodeText::Name(L"b", *this), karmp::AsciiText{"x"}}};
+        NodeBuilder::AddAttributes(node, attributes, *this);
     }
-    void MakeContent() override
+    void FillContent(KARMPDeserializer& node) override
     {
-        ++contentMade;
-        if (memoryEnds)
+        ++contentFilled;
+        if (allocationFails)
             throw std::bad_alloc();
-        PlaceValue(karmp::AsciiText{"text"});
-        KARMPDeserializer* const children[] = {PlacedNode::Make(*Memory(), L"x"),
-                                               PlacedNode::Make(*Memory(), L"y"),
-                                               PlacedNode::Make(*Memory(), L"x")};
-        PlaceElements(children, *Memory());
+        NodeBuilder::SetValue(node, karmp::AsciiText{"text"});
+        KARMPDeserializer* const children[] = {PlacedNode::Make(*this, L"x"),
+                                               PlacedNode::Make(*this, L"y"),
+                                               PlacedNode::Make(*this, L"x")};
+        NodeBuilder::AddElements(node, children, *this);
     }
-    bool FindUnmade(std::wstring_view name, karmp::AsciiText& value) const override
+    bool FindAttribute(const KARMPDeserializer& /*node*/, std::wstring_view name,
+                       karmp::AsciiText& value) const override
     {
         value.characters = name == L"a" ? "7" : nullptr;
-        return findsUnmade && name != L"b";
+        return findsUnfilled && name != L"b";
     }
 };
 
-TEST(PlacedTree, PartsAreMadeWhenTheFirstOfThemIsAskedFor)
+TEST(PlacedTree, PartsAreFilledWhenTheFirstOfThemIsRead)
 {
-    NodeMemory memory;
     const KARMPDeserializer* child = nullptr;
     KARMPDeserializer::ElementList list;
-    KARMPDeserializer::ElementIterator begin = nullptr;
-    KARMPDeserializer::ElementIterator end = nullptr;
+    KARMPDeserializer::ElementVector vector;
+    KARMPDeserializer::ElementIterator begin;
+    KARMPDeserializer::ElementIterator end;
     std::wstring text;
     int number = 0;
-    const auto expectMade = [&memory](int attributes, int content, auto ask) {
-        LateNode& node = LateNode::Make(memory);
-        EXPECT_EQ(node.attributesMade + node.contentMade, 0);
+    const auto expectFilled = [](int attributes, int content, auto ask) {
+        LateSource source;
+        PlacedNode& node = source.Make();
+        EXPECT_EQ(source.attributesFilled + source.contentFilled, 0);
         ask(node);
         ask(node);
-        EXPECT_EQ(node.attributesMade, attributes);
-        EXPECT_EQ(node.contentMade, content);
+        EXPECT_EQ(source.attributesFilled, attributes);
+        EXPECT_EQ(source.contentFilled, content);
     };
-    expectMade(
-        1, 0, [](LateNode& node) { EXPECT_TRUE(node.HasAttribute(L"b")); });
-    expectMade(
-        1, 0, [](LateNode& node) { EXPECT_EQ(node.GetAttributeCount(), 2U); });
-    expectMade(1, 0, [](LateNode& node) { EXPECT_EQ(node.GetAttributeId(1), L"b"); });
-    expectMade(1, 0, [&](LateNode& node) {
+    expectFilled(
+        1, 0, [](PlacedNode& node) { EXPECT_TRUE(node.HasAttribute(L"b")); });
+    expectFilled(
+        1, 0, [](PlacedNode& node) { EXPECT_EQ(node.GetAttributeCount(), 2U); });
+    expectFilled(1, 0, [](PlacedNode& node) { EXPECT_EQ(node.GetAttributeId(1), L"b"); });
+    expectFilled(1, 0, [&](PlacedNode& node) {
         EXPECT_EQ(node.GetAttribute(L"a", number), KARSuccess);
         EXPECT_EQ(number, 1);
     });
-    expectMade(
+    expectFilled(
         0, 1,
-        [&](LateNode& node) {
+        [&](PlacedNode& node) {
             EXPECT_EQ(node.GetValue(text), KARSuccess);
             EXPECT_EQ(text, L"text");
         });
-    expectMade(
-        0, 1, [](LateNode& node) { EXPECT_TRUE(node.HasText()); });
-    expectMade(0, 1, [](LateNode& node) { EXPECT_FALSE(node.HasElement(L"z")); });
-    expectMade(0, 1, [&](LateNode& node) {
+    expectFilled(
+        0, 1, [](PlacedNode& node) { EXPECT_TRUE(node.HasValue()); });
+    expectFilled(0, 1, [](PlacedNode& node) { EXPECT_FALSE(node.HasElement(L"z")); });
+    expectFilled(0, 1, [&](PlacedNode& node) {
         node.GetElement(L"y", child);
         EXPECT_NE(child, nullptr);
     });
-    expectMade(0, 1, [&](LateNode& node) {
+    expectFilled(0, 1, [&](PlacedNode& node) {
         list.clear();
         node.GetElements(list);
         EXPECT_EQ(list.size(), 3U);
     });
-    expectMade(0, 1, [&](LateNode& node) {
+    expectFilled(0, 1, [&](PlacedNode& node) {
         list.clear();
         node.GetOrderedElementList(list);
         EXPECT_EQ(list.size(), 3U);
     });
-    expectMade(0, 1, [&](LateNode& node) {
-        node.GetElements(L"x", begin, end);
-        EXPECT_EQ(end - begin, 2);
+    expectFilled(
+        0, 1,
+        [&](PlacedNode& node) {
+            node.GetElements(L"x", begin, end);
+            EXPECT_EQ(std::distance(begin, end), 2);
+        });
+    expectFilled(0, 1, [](PlacedNode& node) { EXPECT_EQ(node.ElementsNamed(L"x").size(), 2U); });
+    expectFilled(0, 1, [&](PlacedNode& node) {
+        vector.clear();
+        node.AppendElements(vector);
+        EXPECT_EQ(vector.size(), 3U);
+    });
+    expectFilled(0, 1, [&](PlacedNode& node) {
+        vector.clear();
+        node.AppendOrderedElements(vector);
+        EXPECT_EQ(vector.size(), 3U);
     });
 }
 
-TEST(PlacedTree, AnAttributeMayBeFoundWithoutTheOthersBeingMade)
+TEST(PlacedTree, AnAttributeMayBeFoundWithoutTheOthersBeingFilled)
 {
-    NodeMemory memory;
-    LateNode& node = LateNode::Make(memory);
-    node.findsUnmade = true;
+    LateSource source;
+    PlacedNode& node = source.Make();
+    source.findsUnfilled = true;
     int number = 0;
     std::wstring text;
     EXPECT_TRUE(node.HasAttribute(L"a"));
@@ -429,41 +465,41 @@ TEST(PlacedTree, AnAttributeMayBeFoundWithoutTheOthersBeingMade)
     EXPECT_EQ(node.GetAttribute(L"a", number), KARSuccess);
     EXPECT_EQ(number, 7);
     EXPECT_EQ(node.GetAttribute(L"c", text), KARFailure);
-    EXPECT_EQ(node.attributesMade, 0);
-    // A view needs something to refer to, and "b" has to be made.
+    EXPECT_EQ(source.attributesFilled, 0);
+    // A view needs something to refer to, and "b" has to be filled.
     std::wstring_view view;
     EXPECT_EQ(node.GetAttribute(L"a", view), KARSuccess);
     EXPECT_EQ(view, L"1");
-    EXPECT_EQ(node.attributesMade, 1);
+    EXPECT_EQ(source.attributesFilled, 1);
     EXPECT_EQ(node.GetAttribute(L"b", text), KARSuccess);
     EXPECT_EQ(text, L"x");
-    EXPECT_EQ(node.attributesMade, 1);
+    EXPECT_EQ(source.attributesFilled, 1);
 }
 
-TEST(PlacedTree, WhatIsForgottenIsMadeAgain)
+TEST(PlacedTree, WhatIsForgottenIsFilledAgain)
 {
-    NodeMemory memory;
-    LateNode& node = LateNode::Make(memory);
+    LateSource source;
+    PlacedNode& node = source.Make();
     EXPECT_TRUE(node.HasAttribute(L"a"));
     EXPECT_TRUE(node.HasElement(L"x"));
-    EXPECT_EQ(node.Unmade(), 0U);
-    node.Again();
-    EXPECT_NE(node.Unmade(), 0U);
+    EXPECT_EQ(NodeBuilder::Missing(node), 0U);
+    LateSource::FillAgain(node);
+    EXPECT_NE(NodeBuilder::Missing(node), 0U);
     EXPECT_EQ(node.GetAttributeCount(), 2U);
     EXPECT_TRUE(node.HasElement(L"x"));
-    EXPECT_EQ(node.attributesMade, 2);
-    EXPECT_EQ(node.contentMade, 2);
+    EXPECT_EQ(source.attributesFilled, 2);
+    EXPECT_EQ(source.contentFilled, 2);
 }
 
-TEST(PlacedTree, WhatMemoryDidNotSufficeForIsStillToBeMade)
+TEST(PlacedTree, WhatCouldNotBeAllocatedIsStillToBeFilled)
 {
-    NodeMemory memory;
-    LateNode& node = LateNode::Make(memory);
-    node.memoryEnds = true;
+    LateSource source;
+    PlacedNode& node = source.Make();
+    source.allocationFails = true;
     EXPECT_THROW(node.HasElement(L"x"), std::bad_alloc);
-    node.memoryEnds = false;
+    source.allocationFails = false;
     EXPECT_TRUE(node.HasElement(L"x"));
-    EXPECT_EQ(node.contentMade, 2);
+    EXPECT_EQ(source.contentFilled, 2);
 }
 
 TEST(PlacedTree, ChildrenForWhichMemoryEndsAreNotAdded)
@@ -472,7 +508,7 @@ TEST(PlacedTree, ChildrenForWhichMemoryEndsAreNotAdded)
         GTEST_SKIP() << "Allocations are not counted in this build";
     std::size_t failing = 1;
     for (bool failed = true; failed; ++failing) {
-        NodeMemory memory;
+        NodeSource memory;
         PlacedNode* const root = PlacedNode::Make(memory, L"root");
         std::vector<KARMPDeserializer*> children;
         for (int number = 0; number < 400; ++number)
@@ -492,17 +528,14 @@ TEST(PlacedTree, ChildrenForWhichMemoryEndsAreNotAdded)
         EXPECT_EQ(list.size(), failed ? 0U : 400U) << failing;
         if (failed)
             root->AddAll(children);
-        KARMPDeserializer::ElementIterator begin = nullptr;
-        KARMPDeserializer::ElementIterator end = nullptr;
-        root->GetElements(L"name7", begin, end);
-        EXPECT_EQ(end - begin, 4) << failing;
+        EXPECT_EQ(root->ElementsNamed(L"name7").size(), 4U) << failing;
     }
     EXPECT_GT(failing, 10U);
 }
 
 TEST(PlacedTree, NodesMayBeDestroyedBeforeTheirMemory)
 {
-    NodeMemory memory;
+    NodeSource memory;
     PlacedNode root(memory, L"root");
     for (int number = 0; number < 40; ++number)
         root.AddAttribute(L"attribute" + std::to_wstring(number), L"value");

@@ -1,36 +1,46 @@
 // What a thread reads, and the brackets around it.
 #include "KARMPReadingPlace.h"
 
-#include "KARMPDeserializer.h"
+#include "KARMPNodeSource.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 namespace {
 
-class BracketedNode final : public KARMPDeserializer
+class NotingSource final : public karmp::NodeSource
 {
 public:
-    BracketedNode(std::vector<std::wstring>& events, std::wstring name)
-        : m_events(events), m_name(std::move(name))
-    {}
-    std::wstring Location() const override { return {}; }
-    void BeginReading() const noexcept override { m_events.push_back(L"begin " + m_name); }
-    void EndReading() const noexcept override { m_events.push_back(L"end " + m_name); }
+    void BeginReading(const KARMPDeserializer& node) noexcept override { Note(L"begin ", node); }
+    void EndReading(const KARMPDeserializer& node) noexcept override { Note(L"end ", node); }
+
+    std::vector<std::wstring> events;
 
 private:
-    std::vector<std::wstring>& m_events;
-    std::wstring m_name;
+    void Note(std::wstring event, const KARMPDeserializer& node)
+    {
+        events.push_back(std::move(event.append(node.Id())));
+    }
+};
+
+class SourcedNode final : public KARMPDeserializer
+{
+public:
+    SourcedNode(karmp::NodeSource& source, std::wstring_view name)
+        : KARMPDeserializer(karmp::NodeText::Name(name), karmp::NodeText::CurrentVersion(), source)
+    {}
+    std::wstring Location() const override { return {}; }
 };
 
 TEST(ReadingPlace, NamesTheInnermostNodeAndBracketsTheReading)
 {
-    std::vector<std::wstring> events;
-    const BracketedNode outer(events, L"outer");
-    const BracketedNode inner(events, L"inner");
+    NotingSource source;
+    const SourcedNode outer(source, L"outer");
+    const SourcedNode inner(source, L"inner");
     EXPECT_EQ(KARMPReadingPlace::Current(), nullptr);
     {
         const KARMPReadingPlace first(&outer);
@@ -44,8 +54,8 @@ TEST(ReadingPlace, NamesTheInnermostNodeAndBracketsTheReading)
         EXPECT_EQ(KARMPReadingPlace::Current(), &outer);
     }
     EXPECT_EQ(KARMPReadingPlace::Current(), nullptr);
-    EXPECT_EQ(events, (std::vector<std::wstring>{L"begin outer", L"begin inner", L"end inner",
-                                                 L"end outer"}));
+    EXPECT_EQ(source.events, (std::vector<std::wstring>{L"begin outer", L"begin inner",
+                                                        L"end inner", L"end outer"}));
 }
 
 } // namespace

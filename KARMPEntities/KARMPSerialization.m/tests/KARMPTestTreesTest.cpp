@@ -93,8 +93,8 @@ TEST_F(TestTrees, AReaderHasTheContentOfTheWriter)
         EXPECT_EQ(point->GetElement(L"Py", component, number), KARSuccess);
         EXPECT_EQ(number, 0.5);
         EXPECT_EQ(component->Location(), L"/Body/Point/Py");
-        KARMPDeserializer::ElementList elements;
-        body->GetOrderedElementList(elements);
+        KARMPDeserializer::ElementVector elements;
+        body->AppendOrderedElements(elements);
         ASSERT_EQ(elements.size(), 2U);
         EXPECT_EQ(elements[1]->Id(), L"Flag");
         EXPECT_EQ(elements[1]->Version(), L"R2018.1");
@@ -110,9 +110,9 @@ TEST_F(TestTrees, AReaderMayHaveAVersionOfItsOwnOnEveryNode)
     form.versionOnEveryNode = true;
     const std::unique_ptr<TestDeserializer> reader = TestDeserializer::From(root, form);
     EXPECT_EQ(reader->Version(), L"R2016.1");
-    KARMPDeserializer::ElementList elements;
-    reader->GetOrderedElementList(elements);
-    elements[0]->GetOrderedElementList(elements);
+    KARMPDeserializer::ElementVector elements;
+    reader->AppendOrderedElements(elements);
+    elements[0]->AppendOrderedElements(elements);
     for (const KARMPDeserializer* element : elements)
         EXPECT_EQ(element->Version(), L"R2016.1");
 }

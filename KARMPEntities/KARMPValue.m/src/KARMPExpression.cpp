@@ -175,8 +175,8 @@ void KARMPExpression::ReadMapping(const KARMPDeserializer* mapping)
     karmp::ElementReader element(mapping);
     if (!element)
         return;
-    KARMPDeserializer::ElementList children;
-    mapping->GetOrderedElementList(children);
+    KARMPDeserializer::ElementVector children;
+    mapping->AppendOrderedElements(children);
     // The writer's names bear the keys; the reader counts from 0, so that other keys are lost.
     std::map<int, int> read;
     for (int position = 0; position < static_cast<int>(children.size()); ++position) {

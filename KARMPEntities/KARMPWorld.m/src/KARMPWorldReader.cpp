@@ -109,11 +109,11 @@ public:
     void ReadGlobals(const KARMPDeserializer& world);
 
 private:
-    using ElementList = KARMPDeserializer::ElementList;
+    using ElementVector = KARMPDeserializer::ElementVector;
     struct Registry
     {
         const KARMPDeserializer* element;
-        ElementList elements;
+        ElementVector elements;
         /// What each element was entered as; null where that failed.
         std::vector<const KARMPEntityTable::Entry*> entries;
     };
@@ -138,7 +138,7 @@ EntitiesReader::EntitiesReader(KARMPWorld& target, const KARMPDeserializer& worl
     karmp::ForEachRegistryElement([&](const auto& element) {
         if (const KARMPDeserializer* registry = Child(world, element.name)) {
             m_registries.push_back({registry, {}, {}});
-            registry->GetElements(m_registries.back().elements);
+            registry->AppendElements(m_registries.back().elements);
             count += m_registries.back().elements.size();
         }
     });
@@ -230,8 +230,8 @@ void EntitiesReader::FileByDocument()
 {
     Filing filing(m_world);
     for (const Registry& registry : m_registries) {
-        ElementList elements;
-        registry.element->GetOrderedElementList(elements);
+        ElementVector elements;
+        registry.element->AppendOrderedElements(elements);
         for (const KARMPDeserializer* element : elements) {
             const KARMPReadingPlace place(element);
             karmp::ReadText identifier;

@@ -1,0 +1,43 @@
+// The memory of a document's nodes, and how they are filled from the document's records.
+#pragma once
+
+#include "KARMPDocumentReader.h"
+#include "KARMPDocumentRecords.h"
+#include "KARMPNodeSource.h"
+
+#include <cstdint>
+#include <string_view>
+
+namespace karmp::documents {
+
+/// A document has two of these: one for the nodes that stay, one for what is filled while an entity
+/// is read. A node that is filled allocates its children in the memory that it stands in itself, an
+/// entity's node that is read in the second one.
+class DocumentNodes final : public NodeSource
+{
+public:
+    /// A node without content.
+    KARMPDocumentReader* Make(const ElementRecord& record, unsigned depth, DocumentSource& source);
+
+    void FillAttributes(KARMPDeserializer& node) override;
+    void FillContent(KARMPDeserializer& node) override;
+    bool FindAttribute(const KARMPDeserializer& node, std::wstring_view name,
+                       AsciiText& value) const override;
+    DocumentNodes& ContentMemory(const KARMPDeserializer& node) override;
+    void BeginReading(const KARMPDeserializer& node) noexcept override;
+    void EndReading(const KARMPDeserializer& node) noexcept override;
+
+    /// The index of a node's record.
+    static std::uint32_t Number(const KARMPDocumentReader& node);
+    /// True between BeginReading and EndReading of a node that is freed afterwards.
+    static bool IsRead(const KARMPDocumentReader& node);
+    /// The parts of a node that are filled when they are first read.
+    static std::uint8_t PartsToFill(const ElementRecord& record) noexcept;
+    /// Gives a node what it holds before it is filled.
+    static void Begin(KARMPDocumentReader& node) noexcept;
+
+private:
+    static void FillText(KARMPDocumentReader& node, NodeMemory& memory);
+};
+
+} // namespace karmp::documents

@@ -1,0 +1,119 @@
+// Finds the elements of a node's lists by name.
+#pragma once
+
+#include "KARMPNodeStorage.h"
+#include "KARMPPlaced.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace karmp {
+
+/// A list of up to this many names is scanned; a longer one gets an index.
+constexpr std::size_t LongestScan = 16;
+
+/// The offset of each name in a list; the names are views of the list's own texts.
+///
+/// Cost of              up to LongestScan names   more names
+/// append               constant                  amortised constant, one entry of the hash table
+/// find                 one comparison each       constant
+/// find the next one    one comparison            one comparison
+/// memory               none                      about 60 bytes for each name
+struct NameIndex : Placed
+{
+    std::unordered_map<std::wstring_view, std::uint32_t> offsets;
+};
+
+using OwnedIndex = OwningPointer<NameIndex>;
+
+template <class T>
+std::wstring_view NameOf(const T& element)
+{
+    return element.name.View();
+}
+
+/// True when the elements' names share their storage, no two are the same, and there are few: they
+/// need neither groups nor an index. Comparing each with each takes fewer steps than an index.
+template <class T>
+bool AreRecord(std::span<const T> elements)
+{
+    if (elements.size() > LongestScan)
+        return false;
+    const auto* const first = elements.data();
+    const auto* const end = first + elements.size();
+    for (const auto* element = first; element != end; ++element) {
+        const NodeText& name = element->name;
+        bool isNew = name.SharesStorage();
+        for (const auto* former = first; former != element; ++former)
+            isNew = isNew && !former->name.IsSameAs(name);
+        if (!isNew)
+            return false;
+    }
+    return true;
+}
+
+/// The element of a name, null when there is none.
+template <class T>
+const T* FindNamed(const NodeArray<T>& list, const NameIndex* index, std::wstring_view name)
+{
+    if (index != nullptr) {
+        const auto found = index->offsets.find(name);
+        return found != index->offsets.end() ? &list[found->second] : nullptr;
+    }
+    for (const T& element : list)
+        if (SameName(NameOf(element), name))
+            return &element;
+    return nullptr;
+}
+
+/// The same where elements are mostly asked for in their order: `likely` is the offset behind the
+/// one found last.
+template <class T>
+const T* FindNext(const NodeArray<T>& list, const NameIndex* index, std::uint32_t& likely,
+                  std::wstring_view name)
+{
+    if (likely < list.size() && SameName(NameOf(list[likely]), name))
+        return &list[likely++];
+    const T* const found = FindNamed(list, index, name);
+    if (found != nullptr)
+        likely = static_cast<std::uint32_t>(found - list.begin() + 1);
+    return found;
+}
+
+/// Enters the name of the element that is about to be appended to `list`, once the list is long.
+template <class T>
+void IndexNext(OwnedIndex& index, const NodeArray<T>& list, std::wstring_view name,
+               NodeMemory* memory)
+{
+    if (list.size() < LongestScan)
+        return;
+    if (!index) {
+        OwnedIndex made = PlaceOwning<NameIndex>(memory);
+        for (const T& element : list) {
+            made->offsets.emplace(NameOf(element),
+                                  static_cast<std::uint32_t>(&element - list.begin()));
+        }
+        index = std::move(made);
+    }
+    index->offsets.emplace(name, static_cast<std::uint32_t>(list.size()));
+}
+
+/// The elements of a list in the order of their names.
+template <class T>
+std::vector<const T*> ByName(const NodeArray<T>& list)
+{
+    std::vector<const T*> sorted;
+    sorted.reserve(list.size());
+    for (const T& element : list)
+        sorted.push_back(&element);
+    std::sort(sorted.begin(), sorted.end(),
+              [](const T* left, const T* right) { return NameOf(*left) < NameOf(*right); });
+    return sorted;
+}
+
+} // namespace karmp

@@ -1,0 +1,115 @@
+// Attributes and children of a reader node: what a leaf does without.
+#pragma once
+
+#include "KARMPDeserializer.h"
+#include "KARMPNameIndex.h"
+#include "KARMPNodeSource.h"
+#include "KARMPPlaced.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string_view>
+#include <utility>
+
+namespace karmp {
+
+/// A child and the name that it stands under.
+struct NodeChild
+{
+    operator KARMPDeserializer*() const { return node; }
+
+    NodeText name;
+    KARMPDeserializer* node;
+};
+
+/// The children of one name, and the walk of GetElement through them.
+struct ElementGroup
+{
+    struct Several : Placed
+    {
+        NodeArray<KARMPDeserializer*> members;
+        /// One past the member that the walk stands on; 0 before the walk begins.
+        std::size_t walked = 0;
+        /// The number of additions to the node when the walk began.
+        std::size_t additions = 0;
+    };
+
+    KARMPDeserializer* const* begin() const
+    {
+        return several ? std::as_const(several->members).begin() : &only;
+    }
+    KARMPDeserializer* const* end() const
+    {
+        return several ? std::as_const(several->members).end() : &only + 1;
+    }
+    friend std::wstring_view NameOf(const ElementGroup& group) { return group.name; }
+
+    void Append(KARMPDeserializer* child, NodeMemory* memory);
+    /// The next child of the walk. A walk that began before the last addition begins again.
+    KARMPDeserializer* Next(std::size_t additions) const;
+
+    /// A view of the first child's entry.
+    std::wstring_view name;
+    KARMPDeserializer* only;
+    PlacedPointer<Several> several;
+};
+
+/// The lists that a caller has asked for, by name.
+struct ElementLists : Placed
+{
+    std::map<std::wstring_view, KARMPDeserializer::ElementList> byName;
+};
+
+/// The children by name, for a node that has many or several of one name.
+struct ElementGroups : Placed
+{
+    const ElementGroup* Find(std::wstring_view name) const
+    {
+        return FindNext(list, index.get(), likely, name);
+    }
+    void Append(std::wstring_view name, KARMPDeserializer* child, NodeMemory* memory);
+    /// The list of the children of one name, which follows later additions.
+    const KARMPDeserializer::ElementList& ListOf(const ElementGroup& group, NodeMemory* memory);
+
+    mutable std::uint32_t likely = 0;
+    NodeArray<ElementGroup> list;
+    OwnedIndex index;
+    OwningPointer<ElementLists> lists;
+    /// Counts the calls of AddElement: each ends all walks.
+    std::size_t additions = 1;
+};
+
+/// Most nodes that are no leaves are records: a few children, each of a name of its own, which are
+/// found in their list; they have no groups. `memory` is the memory of a tree, null for none.
+class NodeContent : public Placed
+{
+public:
+    const ReadAttribute* FindAttribute(std::wstring_view name) const
+    {
+        return FindNamed(attributes, attributeIndex.get(), name);
+    }
+    /// Appends to a list that has the capacity.
+    void Append(ReadAttribute&& attribute, NodeMemory* memory);
+    const NodeChild* Find(std::wstring_view name) const
+    {
+        return FindNext(children, nullptr, likely, name);
+    }
+    /// The same for a child. When an allocation fails, nothing was added and the child is still the
+    /// caller's.
+    void Append(NodeText name, KARMPDeserializer* child, NodeMemory* memory);
+    void MakeGroups(NodeMemory* memory);
+    /// The children of one name, empty when there is none.
+    KARMPDeserializer::ElementSpan Named(std::wstring_view name) const;
+
+    mutable std::uint32_t likely = 0;
+    NodeArray<ReadAttribute> attributes;
+    OwnedIndex attributeIndex;
+    NodeArray<NodeChild> children;
+    PlacedPointer<ElementGroups> groups;
+
+private:
+    bool NeedsGroupsWith(const NodeText& name) const;
+};
+
+} // namespace karmp
