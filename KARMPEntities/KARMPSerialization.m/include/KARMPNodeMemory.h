@@ -1,4 +1,4 @@
-// The memory of a whole element tree: handed out in a row, given back all at once.
+// The memory of a whole element tree: allocated from chunks in sequence, freed all at once.
 #pragma once
 
 #include "KARMPExport.h"
@@ -10,10 +10,10 @@
 
 namespace karmp {
 
-/// What stands in this memory ends with it. Destructors are not called, but for what Make made.
+/// A pool that frees everything at once. No destructors are called except of what Make made.
 class NodeMemory
 {
-    /// What is destroyed before the memory goes, last made first.
+    /// What is destroyed before the chunks are freed, in reverse order of creation.
     struct Made
     {
         Made* former = nullptr;
@@ -26,7 +26,7 @@ public:
     NodeMemory& operator=(const NodeMemory&) = delete;
     ~NodeMemory() { Clear(); }
 
-    /// Memory for `size` bytes, aligned for pointers and numbers. Throws std::bad_alloc.
+    /// Allocates `size` bytes, aligned to 8. Throws std::bad_alloc.
     void* Allocate(std::size_t size)
     {
         size = (size + Alignment - 1) / Alignment * Alignment;
@@ -62,7 +62,7 @@ public:
         return size;
     }
 
-    /// Gives everything back.
+    /// Frees all chunks.
     void Clear() noexcept
     {
         while (m_lastMade != nullptr) {
@@ -74,8 +74,8 @@ public:
         m_left = 0;
     }
 
-    /// Ends what stands in the memory and keeps the newest chunk, mostly the largest one, for what
-    /// comes next.
+    /// Frees all chunks except the newest one, mostly the largest, which serves the next
+    /// allocations from its start.
     void Reuse() noexcept
     {
         if (m_chunks.empty())
@@ -90,8 +90,8 @@ public:
 
 private:
     static constexpr std::size_t Alignment = 8;
-    // The first chunk is small: most trees of tests and tools are. A tree that has filled some of
-    // the usual ones is a large model's.
+    // The first chunk is small, as most trees of tests and tools are. A tree that has filled some
+    // chunks of the usual size belongs to a large model.
     static constexpr std::size_t FirstChunk = 1U << 12U;
     static constexpr std::size_t UsualChunk = 1U << 18U;
     static constexpr std::size_t UsualChunkCount = 8;

@@ -1,5 +1,5 @@
-// How the nodes of the element trees hold texts, values and lists in little room: a tree of a large
-// model has millions of nodes, most of them with a name and a number only.
+// Compact texts, values and lists of the nodes of element trees: a tree of a large model has
+// millions of nodes, most of them with a name and a number only.
 #pragma once
 
 #include "KARMPExport.h"
@@ -22,15 +22,15 @@
 
 namespace karmp {
 
-/// An immutable wide text in the room of one pointer.
+/// An immutable wide text of the size of one pointer.
 ///
 /// Names and versions are few and repeat in every entity, so that their storage is shared by the
-/// whole process; all other texts are owned, or stand in the memory of a tree, which outlives them.
+/// whole process; other texts own their storage, or are allocated in the memory of a tree.
 class KARMP_API NodeText
 {
 public:
     NodeText() = default;
-    /// A text that is likely to occur again: shares its storage with its equals, if it can.
+    /// A text that is likely to occur again: shares its storage with equal ones where possible.
     static NodeText Name(std::wstring_view text);
     /// The name of the current version.
     static NodeText CurrentVersion();
@@ -42,7 +42,7 @@ public:
     }
     /// A text of its own.
     static NodeText Copy(std::wstring_view text);
-    /// The same as Name and Copy with what is not shared in the memory of a tree.
+    /// Like Name and Copy; what is not shared is allocated in the memory of a tree.
     static NodeText Name(std::wstring_view text, NodeMemory& memory);
     static NodeText Copy(std::wstring_view text, NodeMemory& memory);
     /// A text of ASCII characters in the memory of a tree.
@@ -89,7 +89,7 @@ public:
     /// True when it shares its storage: then a text that shares its own and is not the same
     /// differs.
     bool SharesStorage() const { return (m_bits & IsShared) != 0; }
-    /// True when both are one text in one place.
+    /// True when both have the same storage.
     bool IsSameAs(const NodeText& other) const { return m_bits == other.m_bits; }
 
 private:
@@ -177,8 +177,8 @@ struct NodeAttribute
     NodeValue value;
 };
 
-/// A text of ASCII characters up to a null, which its owner keeps for as long as the node that
-/// holds it: the bytes of a document, say. It is made wide when it is asked for as a wide text.
+/// A text of ASCII characters up to a null, which must outlive the node that holds it: the bytes of
+/// a document, say. It is converted when it is read as a wide text.
 struct AsciiText
 {
     const char* characters = nullptr;
@@ -186,9 +186,9 @@ struct AsciiText
     std::string_view View() const { return characters; }
 };
 
-/// A text that is read once: it refers to the characters of its node, wide or narrow ones, and has
-/// wide ones of its own when narrow ones are asked for as such, so that the node need not keep
-/// them.
+/// A text that is read once: it refers to the characters of its node, wide or narrow ones. Narrow
+/// ones that are read as wide are converted into a buffer of its own, so that the node does not
+/// keep them.
 class ReadText
 {
 public:
@@ -235,10 +235,10 @@ private:
     mutable std::wstring m_long;
 };
 
-/// A value as a node holds it that is read: numbers are read from narrow characters as they stand.
+/// The value of a node that is read: numbers are converted from narrow characters directly.
 using ReadValue = std::variant<std::monostate, bool, std::int32_t, double, NodeText, AsciiText>;
 
-/// A growing list in the room of one pointer.
+/// A growing list of the size of one pointer.
 template <class T>
 class NodeArray
 {
@@ -258,8 +258,8 @@ public:
     const T* begin() const { return m_block != nullptr ? First() : nullptr; }
     const T* end() const { return begin() + size(); }
 
-    /// Makes room for one more element, so that the next Append cannot fail. The room is taken from
-    /// the memory of a tree if there is one.
+    /// Makes the capacity suffice for one more element, so that the next Append cannot fail.
+    /// Allocates in the memory of a tree if there is one.
     void MakeRoom(NodeMemory* memory = nullptr)
     {
         if (m_block == nullptr || m_block->size == m_block->capacity) {
@@ -267,7 +267,7 @@ public:
             Grow(count == 0 ? 3 : count * 2, memory);
         }
     }
-    /// The same for `more` elements; a list that is still empty gets no room for others.
+    /// The same for `more` elements; a list that is still empty gets exactly that capacity.
     void MakeRoomFor(std::size_t more, NodeMemory* memory = nullptr)
     {
         if (more > (m_block != nullptr ? m_block->capacity - m_block->size : 0U))
@@ -281,7 +281,7 @@ public:
         ++m_block->size;
     }
     void Append(const T& element) { Append(T(element)); }
-    /// Appends `count` elements, made by `make` from their numbers, to room that was made before.
+    /// Appends `count` elements, made by `make` from their numbers, within the capacity.
     template <class Make>
     void Fill(std::size_t count, Make make)
     {

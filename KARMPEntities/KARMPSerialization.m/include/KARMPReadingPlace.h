@@ -5,9 +5,9 @@
 
 class KARMPDeserializer;
 
-/// Names the node that its thread reads, for as long as it lives, and brackets the reading; of
-/// nested ones the innermost counts. A world names the element of each entity that it makes or
-/// reads.
+/// Names the node that its thread reads, for as long as it lives; of nested ones the innermost
+/// counts. A document may free what it filled below the node meanwhile. A world names the element
+/// of each entity that it creates or reads.
 class KARMP_API KARMPReadingPlace
 {
 public:
