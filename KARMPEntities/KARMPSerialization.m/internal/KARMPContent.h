@@ -151,7 +151,7 @@ constexpr ItemList<(N + ... + 0)> List(const ItemList<N>&... lists)
 {
     ItemList<(N + ... + 0)> all{};
     std::size_t next = 0;
-    const auto append = [&](const auto& list) {
+    [[maybe_unused]] const auto append = [&](const auto& list) {
         for (const Item& item : list.items)
             all.items[next++] = item;
     };

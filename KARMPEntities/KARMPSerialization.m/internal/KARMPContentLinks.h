@@ -109,23 +109,29 @@ struct CountedEntries
     }
 };
 
-template <class Entries, auto Link>
-constexpr ItemList<1> MakeReferences(std::wstring_view name, std::wstring_view entry,
-                                     std::string_view says, Where where)
+template <class Entries, class Target>
+constexpr Item MakeEntries(std::wstring_view name, std::wstring_view entry, std::string_view says,
+                           KARStatus (*link)(void*, const ItemValue&), Where where)
 {
-    ItemList<1> list{};
-    Item& item = list.First();
+    Item item;
     item.name = name;
     item.entry = entry;
     item.says = says;
     item.kind = ItemKind::References;
     item.presence = ItemPresence::Optional;
-    item.target = &LinkTarget<typename TraitsOf<Link>::Value>::Type::ClassInfo;
+    item.target = &Target::ClassInfo;
     item.count = &Entries::Count;
     item.at = &Entries::At;
-    item.set = &LinkTargetBy<Link>;
+    item.set = link;
     item.where = where;
-    return list;
+    return item;
+}
+template <class Entries, auto Link>
+constexpr ItemList<1> MakeReferences(std::wstring_view name, std::wstring_view entry,
+                                     std::string_view says, Where where)
+{
+    using Target = typename LinkTarget<typename TraitsOf<Link>::Value>::Type;
+    return {{MakeEntries<Entries, Target>(name, entry, says, &LinkTargetBy<Link>, where)}};
 }
 /// The entities of a link list, in an element with one element an entry; nothing when there are
 /// none. `Link` links each target that was read.
@@ -142,6 +148,68 @@ constexpr ItemList<1> References(std::wstring_view name, std::wstring_view entry
                                  std::string_view says, Where where = Where::current())
 {
     return MakeReferences<CountedEntries<CountOf, GetAt>, Link>(name, entry, says, where);
+}
+
+/// What links an entity together with a word of an enumeration.
+template <class Link>
+struct WordedLink;
+template <class C, class T, class Enum>
+struct WordedLink<KARStatus (C::*)(const QOBSharedHandle<T>&, Enum)>
+{
+    using Target = T;
+    using Word = Enum;
+};
+/// The entries of a list that keeps such a word with each of them, by index.
+template <auto List, auto Link>
+struct WordedEntries : ListedEntries<List>
+{
+    using C = typename ListedEntries<List>::C;
+    using Target = typename WordedLink<std::remove_const_t<decltype(Link)>>::Target;
+    using Word = typename WordedLink<std::remove_const_t<decltype(Link)>>::Word;
+
+    static KARStatus At(const void* owner, int index, ItemValue& value)
+    {
+        QOBSharedHandle<Target> entry;
+        Word word{};
+        const KARStatus status = (OwnerAs<C>(owner).*List).Get(index, entry, word);
+        value.entity = entry;
+        value.number = static_cast<int>(word);
+        return status;
+    }
+    static KARStatus Set(void* owner, const ItemValue& value)
+    {
+        return (OwnerAs<C>(owner).*Link)(HandleAs<Target>(*value.target),
+                                         static_cast<Word>(value.number));
+    }
+};
+/// The word in an attribute of each entry.
+template <class Enum>
+constexpr ItemList<1> EntryWord(std::wstring_view name, std::string_view says,
+                                Where where = Where::current())
+{
+    ItemList<1> list{};
+    Item& item = list.First();
+    item.name = name;
+    item.says = says;
+    item.kind = ItemKind::Word;
+    item.place = ItemPlace::Attribute;
+    item.words = EnumTexts<Enum>::Rows;
+    item.where = where;
+    return list;
+}
+/// Entities of which each has a word: `List` counts them and gives both by an index, `Link` links
+/// both. `word` is the EntryWord; an entry that lacks a required one is not linked.
+template <auto List, auto Link>
+constexpr ItemList<2> ReferencesWith(std::wstring_view name, std::wstring_view entry,
+                                     std::string_view says, const ItemList<1>& word,
+                                     Where where = Where::current())
+{
+    using Entries = WordedEntries<List, Link>;
+    ItemList<2> list{
+        {MakeEntries<Entries, typename Entries::Target>(name, entry, says, &Entries::Set, where),
+         word.items[0]}};
+    list.First().inner = 1;
+    return list;
 }
 
 } // namespace karmp

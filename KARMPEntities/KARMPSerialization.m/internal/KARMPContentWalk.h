@@ -92,15 +92,19 @@ constexpr auto Base(std::string_view says, const ContentFrame& frame, const Item
     return Element({}, says, frame, lists...);
 }
 
-/// Ends the compilation when an item that is read cannot be stored.
+/// Ends the compilation when an item that is read cannot be stored. The attributes of a list's
+/// entries are stored with the entries.
 template <std::size_t N>
 consteval bool IsWhole(const ItemList<N>& list)
 {
-    for (const Item& item : list.items) {
+    for (std::size_t i = 0; i < list.items.size(); ++i) {
+        const Item& item = list.items[i];
         const bool isValue = item.kind != ItemKind::Group && item.kind != ItemKind::Records &&
                              item.kind != ItemKind::Stream;
         if (isValue && item.isRead && !item.isCoded && item.set == nullptr)
             return false;
+        if (item.kind == ItemKind::References)
+            i += item.inner;
     }
     return true;
 }
