@@ -109,7 +109,7 @@ protected:                                                                      
     static void DestroyObject(QOBSharedHandle<Class> entity);                                      \
                                                                                                    \
 private:                                                                                           \
-    friend struct karmp::EntityAccess; \
+    friend struct karmp::EntityAccess;                                                             \
     template <class C>                                                                             \
     friend struct karmp::ContentOf;
 
@@ -122,6 +122,22 @@ public:                                                                         
                                                                                                    \
 protected:                                                                                         \
     static QOBSharedHandle<Class> CreateObject(const std::wstring& name);                          \
+                                                                                                   \
+private:
+
+/// Identity of a class that differs from its parent by its name only, or by little more: it has no
+/// fields, and its element holds the parent's content. Its source defines it by KARMP_DEFINE_KIND.
+#define KARMP_KIND(Class, Parent)                                                                  \
+    KARMP_ENTITY(Class, Parent)                                                                    \
+public:                                                                                            \
+    KARStatus Serialize(KARMPSerializer* serializer) const override;                               \
+    KARStatus Deserialize(const KARMPDeserializer* deserializer, const KARMPEntityTable& entities) \
+        override;                                                                                  \
+                                                                                                   \
+protected:                                                                                         \
+    Class();                                                                                       \
+    Class(const Class& source, CopyMode mode);                                                     \
+    ~Class() override;                                                                             \
                                                                                                    \
 private:
 
