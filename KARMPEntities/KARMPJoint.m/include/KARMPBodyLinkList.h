@@ -1,4 +1,3 @@
-// The bodies that a joint links, each with the way in which the joint counts it.
 #pragma once
 
 #include "KARMPEnumerations.h"
@@ -9,7 +8,8 @@
 #include <cstddef>
 #include <vector>
 
-/// Link order is kept; a body is linked once. Body is the class of body, spatial or planar.
+/// The bodies that a joint links, each with the way in which the joint counts it. Link order is
+/// kept; a body is linked once. Body is the class of body, spatial or planar.
 template <class Body>
 class KARMPBodyLinkList
 {
@@ -23,8 +23,8 @@ public:
     KARStatus Add(const QOBSharedHandle<Body>& body, Orientation orientation,
                   KARMPSourceLocation where = KARMPSourceLocation::current())
     {
-        // Room comes first, so that no body is without orientation when memory ends. The smallest
-        // piece of memory has room for the orientations of more bodies than mostly come.
+        // Capacity comes first, so that no body is without orientation when an allocation fails.
+        // The smallest block holds the orientations of more bodies than joints mostly have.
         if (m_orientations.size() == m_orientations.capacity())
             m_orientations.reserve(2 * m_orientations.size() + 4);
         const KARStatus status = m_bodies.Add(body, where);
@@ -43,7 +43,7 @@ public:
             m_orientations.erase(m_orientations.begin() + static_cast<std::ptrdiff_t>(position));
         return status;
     }
-    /// Hands out the body at an index from 0; outside the list a null handle and a failure.
+    /// Gives the body at an index from 0; outside the list a null handle and a failure.
     KARStatus Get(int index, QOBSharedHandle<Body>& body) const
     {
         return m_bodies.Get(index, body);

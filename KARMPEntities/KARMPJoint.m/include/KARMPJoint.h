@@ -1,8 +1,6 @@
-// Base of the joints of a mechanism: a joint links bodies and holds the constraints that realise
-// it.
-//
-// What a joint is to the solver comes from its loader alone. Its frames, one for each linked body,
-// come from the loader or are computed from the bodies and the constraints' geometry.
+// In lists of bodies and of constraints a null handle is a failed check and a failure, and an entry
+// that is listed already, or is not listed, gives 1. An entry is got by its index from 0; outside
+// the list that gives a null handle and a failure.
 #pragma once
 
 #include "KARMPBodyLinkList.h"
@@ -15,6 +13,11 @@ class KARMPBody;
 class KARMPConstraint;
 class KARMathAxis;
 
+/// Base of the joints of a mechanism: a joint links bodies and holds the constraints that realise
+/// it.
+///
+/// What a joint is to the solver comes from its loader alone. Its frames, one for each linked body,
+/// come from the loader or are computed from the bodies and the constraints' geometry.
 class KARMP_API KARMPJoint : public KARMPEntity
 {
     KARMP_ABSTRACT_ENTITY(KARMPJoint, KARMPEntity)
@@ -27,7 +30,7 @@ public:
     /// is a failed check and a failure.
     KARStatus Deserialize(const KARMPDeserializer* deserializer,
                           const KARMPEntityTable& entities) override;
-    /// Hands out the joint's loader, null without one. A failing fetch is a failed check and a
+    /// Gives the joint's loader, null without one. A failing fetch is a failed check and a
     /// failure.
     virtual KARStatus GetLoader(KARIMPJointLoader*& loader) const;
     using Super::GetLoader;
@@ -39,7 +42,7 @@ public:
                                 unsigned char compute) const;
     /// Number of frames that the loader gives.
     virtual int GetFrameCount() const;
-    /// Hands out one of the loader's frames by its index from 0; a failure outside of them.
+    /// Gives one of the loader's frames by its index from 0; a failure outside of them.
     virtual KARStatus GetFrame(int index, KARMathAxis& frame, unsigned char local) const;
     /// Asks the loader for the kind of joint that the solver takes this one for: its status, 1 with
     /// `type` untouched without a loader, a failed check and a failure when fetching it fails.
@@ -51,36 +54,51 @@ public:
     /// Stores a kind, which the two getters do not look at; always 0.
     virtual KARStatus SetSolverEquivalentJointType(KARMPSolverEquivalentJointType::Enum& type);
 
-    /// Links a body to the joint; KARMPBody::LinkToJoint makes the other side. A null handle is a
-    /// failed check and a failure; a body that is linked already gives 1 and keeps its orientation.
+    /// Links a body to the joint; KARMPBody::LinkToJoint makes the other side. A body that is
+    /// linked already keeps its orientation.
     KARStatus LinkToBody(const QOBSharedHandle<KARMPBody>& body,
-                         KARMPBodyOrientation::Enum orientation);
-    /// Takes a body out with its orientation. A null handle is a failed check and a failure; a body
-    /// that is not linked gives 1.
-    KARStatus RemoveBody(const QOBSharedHandle<KARMPBody>& body);
+                         KARMPBodyOrientation::Enum orientation)
+    {
+        return m_bodies.Add(body, orientation);
+    }
+    /// Takes a body out with its orientation.
+    KARStatus RemoveBody(const QOBSharedHandle<KARMPBody>& body) { return m_bodies.Remove(body); }
     int GetLinkedBodyCount() const { return m_bodies.Count(); }
-    /// Hands out the body at an index from 0; outside the list a null handle and a failure.
-    KARStatus GetLinkedBody(int index, QOBSharedHandle<KARMPBody>& body) const;
+    KARStatus GetLinkedBody(int index, QOBSharedHandle<KARMPBody>& body) const
+    {
+        return m_bodies.Get(index, body);
+    }
+    /// The same with the orientation, which stays as it was outside the list.
     KARStatus GetLinkedBody(int index, QOBSharedHandle<KARMPBody>& body,
-                            KARMPBodyOrientation::Enum& orientation) const;
+                            KARMPBodyOrientation::Enum& orientation) const
+    {
+        return m_bodies.Get(index, body, orientation);
+    }
 
-    /// Appends a constraint; KARMPConstraint::SetJoint makes the other side. A null handle is a
-    /// failed check and a failure; a constraint that is listed already gives 1.
-    KARStatus AddConstraint(const QOBSharedHandle<KARMPConstraint>& constraint);
-    /// Takes a constraint out. A null handle is a failed check and a failure; one that is not
-    /// listed gives 1.
-    KARStatus RemoveConstraint(const QOBSharedHandle<KARMPConstraint>& constraint);
+    /// Appends a constraint; KARMPConstraint::SetJoint makes the other side.
+    KARStatus AddConstraint(const QOBSharedHandle<KARMPConstraint>& constraint)
+    {
+        return m_constraints.Add(constraint);
+    }
+    KARStatus RemoveConstraint(const QOBSharedHandle<KARMPConstraint>& constraint)
+    {
+        return m_constraints.Remove(constraint);
+    }
     int GetConstraintCount() const { return m_constraints.Count(); }
-    /// Hands out the constraint at an index from 0; outside the list a null handle and a failure.
-    KARStatus GetConstraint(int index, QOBSharedHandle<KARMPConstraint>& constraint) const;
+    KARStatus GetConstraint(int index, QOBSharedHandle<KARMPConstraint>& constraint) const
+    {
+        return m_constraints.Get(index, constraint);
+    }
 
 protected:
     void ClearContainers() override;
     KARStatus RemoveParent() override;
 
-    /// Places a constraint before an index, without a test for duplicates. A null handle is a
-    /// failed check and a failure.
-    KARStatus InsertConstraint(int index, const QOBSharedHandle<KARMPConstraint>& constraint);
+    /// Places a constraint before an index, without a test for duplicates.
+    KARStatus InsertConstraint(int index, const QOBSharedHandle<KARMPConstraint>& constraint)
+    {
+        return m_constraints.Insert(index, constraint);
+    }
 
     KARMPJoint();
     /// A copy has no bodies and no constraints.

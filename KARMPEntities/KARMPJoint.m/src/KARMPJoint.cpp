@@ -3,12 +3,34 @@
 #include "KARIMPJointLoader.h"
 #include "KARMPBody.h"
 #include "KARMPConstraint.h"
+#include "KARMPContentWalk.h"
 #include "KARMPJointFramesServices.h"
-#include "KARMPJointLinks.h"
 #include "KARMPLoaderAccess.h"
+#include "KARMPUnlinkAll.h"
 #include "KARMathAxis.h"
 
 KARMP_DEFINE_ABSTRACT_ENTITY(KARMPJoint, "30EACC4A-72AF-49ac-828E-B6822908F37F");
+
+template <>
+struct karmp::ContentOf<KARMPJoint>
+{
+    using C = KARMPJoint;
+    // A failing base ends the writing, too, and is no failure of the joint there.
+    static constexpr ContentFrame Frame{{.failedBase = KARSuccess}, {}};
+    static constexpr auto List =
+        Base("A link between bodies.", Frame,
+             ReferencesWith<&C::m_bodies, &C::LinkToBody>(
+                 L"Bodies", L"Body", "The bodies that it links, in the order of linking.",
+                 Since(R2017_1, EntryWord<KARMPBodyOrientation::Enum>(
+                                    L"bodyOrientation", "How the joint counts the body.")
+                                    .Required()))
+                 .AlwaysNamed()
+                 .OtherSide(L"Joints"),
+             References<&C::m_constraints, &C::AddConstraint>(L"Constraints", L"Constraint",
+                                                              "The constraints that realise it.")
+                 .OtherSide(L"Joint"));
+};
+KARMP_DEFINE_CONTENT(KARMPJoint);
 
 KARMPJoint::KARMPJoint() = default;
 
@@ -27,51 +49,12 @@ void KARMPJoint::ClearContainers()
 KARStatus KARMPJoint::RemoveParent()
 {
     const QOBSharedHandle<KARMPJoint> self(this);
-    const KARStatus status = karmp::RemoveFromAll(m_constraints, self, KARSuccess);
-    return karmp::RemoveFromAll(m_bodies.Bodies(), self, status);
-}
-
-KARStatus KARMPJoint::LinkToBody(const QOBSharedHandle<KARMPBody>& body,
-                                 KARMPBodyOrientation::Enum orientation)
-{
-    return m_bodies.Add(body, orientation);
-}
-
-KARStatus KARMPJoint::RemoveBody(const QOBSharedHandle<KARMPBody>& body)
-{
-    return m_bodies.Remove(body);
-}
-
-KARStatus KARMPJoint::GetLinkedBody(int index, QOBSharedHandle<KARMPBody>& body) const
-{
-    return m_bodies.Get(index, body);
-}
-
-KARStatus KARMPJoint::GetLinkedBody(int index, QOBSharedHandle<KARMPBody>& body,
-                                    KARMPBodyOrientation::Enum& orientation) const
-{
-    return m_bodies.Get(index, body, orientation);
-}
-
-KARStatus KARMPJoint::AddConstraint(const QOBSharedHandle<KARMPConstraint>& constraint)
-{
-    return m_constraints.Add(constraint);
-}
-
-KARStatus KARMPJoint::RemoveConstraint(const QOBSharedHandle<KARMPConstraint>& constraint)
-{
-    return m_constraints.Remove(constraint);
-}
-
-KARStatus KARMPJoint::InsertConstraint(int index,
-                                       const QOBSharedHandle<KARMPConstraint>& constraint)
-{
-    return m_constraints.Insert(index, constraint);
-}
-
-KARStatus KARMPJoint::GetConstraint(int index, QOBSharedHandle<KARMPConstraint>& constraint) const
-{
-    return m_constraints.Get(index, constraint);
+    KARStatus last = KARSuccess;
+    const auto unlink = [&](auto& entry) { return last = entry.RemoveJoint(self); };
+    KARStatus status = karmp::UnlinkAll(m_constraints, unlink);
+    if (!KARFailed(status))
+        status = karmp::UnlinkAll(m_bodies.Bodies(), unlink);
+    return KARFailed(status) ? status : last;
 }
 
 KARStatus KARMPJoint::GetLoader(KARIMPJointLoader*& loader) const
@@ -127,33 +110,5 @@ KARStatus KARMPJoint::GetFrame(int index, KARMathAxis& frame, unsigned char loca
     if (index < 0 || static_cast<std::size_t>(index) >= frames.size())
         return KARFailure;
     frame = frames[static_cast<std::size_t>(index)];
-    return KARSuccess;
-}
-
-KARStatus KARMPJoint::Serialize(KARMPSerializer* serializer) const
-{
-    karmp::ElementWriter element(serializer);
-    if (!element)
-        return KARFailure;
-    // Unlike in reading, a failing base ends the writing and is no failure of the joint.
-    if (!element.Base(Super::Serialize(element.Node())))
-        return KARSuccess;
-    karmp::WriteLinkedBodies(element, L"Bodies", L"Body", m_bodies);
-    element.References(L"Constraints", L"Constraint", m_constraints);
-    return KARSuccess;
-}
-
-KARStatus KARMPJoint::Deserialize(const KARMPDeserializer* deserializer,
-                                  const KARMPEntityTable& entities)
-{
-    karmp::ElementReader element(deserializer);
-    if (!element || !element.Base(Super::Deserialize(element.Node(), entities)))
-        return KARFailure;
-    karmp::ReadLinkedBodies<KARMPBody>(
-        element, L"Bodies", L"Body", entities,
-        [this](const auto& body, auto orientation) { return LinkToBody(body, orientation); });
-    element.References<KARMPConstraint>(
-        L"Constraints", L"Constraint", entities,
-        [this](const auto& constraint) { return AddConstraint(constraint); });
     return KARSuccess;
 }

@@ -32,7 +32,7 @@ namespace {
 using MovedReports = std::map<std::pair<std::string, std::string>, std::string>;
 
 /// The reports that moved since the golden texts were written.
-const MovedReports Moved{};
+const MovedReports Moved{{{"", "KARMPJointLinks.h"}, "KARMPJoint.cpp"}};
 
 std::string PrintStatus(KARStatus status)
 {
