@@ -1,10 +1,10 @@
-// Base of the joints that tie the motion of other joints together by an equation, as a gear does.
 #pragma once
 
 #include "KARMPJoint.h"
 
 class KARMPEquation;
 
+/// Base of the joints that tie the motion of other joints together by an equation, as a gear does.
 class KARMP_API KARMPCoupling : public KARMPJoint
 {
     KARMP_ABSTRACT_ENTITY(KARMPCoupling, KARMPJoint)
@@ -16,7 +16,7 @@ public:
     KARStatus Deserialize(const KARMPDeserializer* deserializer,
                           const KARMPEntityTable& entities) override;
 
-    /// Hands out the equation, which is the joint's first constraint; a null handle and a failure
+    /// Gives the equation, which is the joint's first constraint; a null handle and a failure
     /// when that is no equation or there is none.
     KARStatus GetEquation(QOBSharedHandle<KARMPEquation>& equation) const;
     /// Makes an equation the coupling's. An equation that is set once stays: 0, and nothing

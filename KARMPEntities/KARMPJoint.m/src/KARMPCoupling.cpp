@@ -1,10 +1,23 @@
 #include "KARMPCoupling.h"
 
-#include "KARMPElementReader.h"
-#include "KARMPElementWriter.h"
+#include "KARMPContentWalk.h"
 #include "KARMPEquation.h"
 
 KARMP_DEFINE_ABSTRACT_ENTITY(KARMPCoupling, "41A36EF6-3CDF-49c2-AE78-F962AE3F4561");
+
+template <>
+struct karmp::ContentOf<KARMPCoupling>
+{
+    using C = KARMPCoupling;
+    // The joint's content comes behind the coupling's, and its status is that of the whole.
+    static constexpr ContentFrame Frame{{.baseLast = true, .passesBase = true},
+                                        {.baseLast = true, .passesBase = true}};
+    static constexpr auto List = Base(
+        "A joint that ties the motion of other joints together by an equation.", Frame,
+        Reference<&C::GetEquation, &C::SetEquation>(
+            L"Equation", "The equation, which is the first of the joint's constraints as well."));
+};
+KARMP_DEFINE_CONTENT(KARMPCoupling);
 
 KARMPCoupling::KARMPCoupling() = default;
 KARMPCoupling::KARMPCoupling(const KARMPCoupling& source, CopyMode mode) : Super(source, mode) {}
@@ -36,26 +49,4 @@ KARStatus KARMPCoupling::SetEquation(const QOBSharedHandle<KARMPEquation>& equat
     // The equation is set, and the caller learns that other constraints came first.
     InsertConstraint(0, equation);
     return KARFailure;
-}
-
-KARStatus KARMPCoupling::Serialize(KARMPSerializer* serializer) const
-{
-    karmp::ElementWriter element(serializer);
-    if (!element)
-        return KARFailure;
-    QOBSharedHandle<KARMPEquation> equation;
-    if (!KARFailed(GetEquation(equation)))
-        element.Reference(L"Equation", equation);
-    return Super::Serialize(element.Node());
-}
-
-KARStatus KARMPCoupling::Deserialize(const KARMPDeserializer* deserializer,
-                                     const KARMPEntityTable& entities)
-{
-    karmp::ElementReader element(deserializer);
-    if (!element)
-        return KARFailure;
-    element.Reference<KARMPEquation>(L"Equation", entities,
-                                     [this](const auto& found) { return SetEquation(found); });
-    return Super::Deserialize(element.Node(), entities);
 }
