@@ -1,38 +1,48 @@
 // The couplings that differ by name only: gear, rack and cable.
+//
+// Each writes and reads an element of its own around a coupling's content and passes the coupling's
+// status on. A null argument, and an element that cannot be added or is not there, are failed
+// checks and failures. None has frames of its own, whatever its loader gives: none are counted, and
+// the forms of GetFrames and GetFrame without `local` give KARNotImplemented and touch nothing.
 #pragma once
 
 #include "KARMPCoupling.h"
 
-/// Declares a coupling. Its element is the class's name without "KARMP" and holds a coupling's
-/// content; KARMP_DEFINE_COUPLING_KIND in KARMPCouplingKinds.cpp is the other half. A coupling has
-/// no frames of its own: none are counted, and the forms without `local` give KARNotImplemented and
-/// touch nothing.
-#define KARMP_COUPLING_KIND(Class)                                                                 \
-    class KARMP_API Class : public KARMPCoupling                                                   \
-    {                                                                                              \
-        KARMP_ENTITY(Class, KARMPCoupling)                                                         \
-                                                                                                   \
-    public:                                                                                        \
-        using Super::GetFrame;                                                                     \
-        using Super::GetFrames;                                                                    \
-        KARStatus Serialize(KARMPSerializer* serializer) const override;                           \
-        KARStatus Deserialize(const KARMPDeserializer* deserializer,                               \
-                              const KARMPEntityTable& entities) override;                          \
-        int GetFrameCount() const override;                                                        \
-        virtual KARStatus GetFrames(std::vector<KARMathAxis>& frames) const;                       \
-        virtual KARStatus GetFrame(int index, KARMathAxis& frame) const;                           \
-                                                                                                   \
-    protected:                                                                                     \
-        Class();                                                                                   \
-        Class(const Class& source, CopyMode mode);                                                 \
-        ~Class() override;                                                                         \
-    }
+/// Couples two rotations, so that one of them is left.
+class KARMP_API KARMPGear : public KARMPCoupling
+{
+    KARMP_KIND(KARMPGear, KARMPCoupling)
 
-/// Couples two rotations.
-KARMP_COUPLING_KIND(KARMPGear);
-/// Couples a rotation and a translation.
-KARMP_COUPLING_KIND(KARMPRack);
-/// Couples two translations.
-KARMP_COUPLING_KIND(KARMPCable);
+public:
+    using Super::GetFrame;
+    using Super::GetFrames;
+    int GetFrameCount() const override { return 0; }
+    virtual KARStatus GetFrames(std::vector<KARMathAxis>&) const { return KARNotImplemented; }
+    virtual KARStatus GetFrame(int, KARMathAxis&) const { return KARNotImplemented; }
+};
 
-#undef KARMP_COUPLING_KIND
+/// Couples a rotation and a translation, so that one of them is left.
+class KARMP_API KARMPRack : public KARMPCoupling
+{
+    KARMP_KIND(KARMPRack, KARMPCoupling)
+
+public:
+    using Super::GetFrame;
+    using Super::GetFrames;
+    int GetFrameCount() const override { return 0; }
+    virtual KARStatus GetFrames(std::vector<KARMathAxis>&) const { return KARNotImplemented; }
+    virtual KARStatus GetFrame(int, KARMathAxis&) const { return KARNotImplemented; }
+};
+
+/// Couples two translations, so that one of them is left.
+class KARMP_API KARMPCable : public KARMPCoupling
+{
+    KARMP_KIND(KARMPCable, KARMPCoupling)
+
+public:
+    using Super::GetFrame;
+    using Super::GetFrames;
+    int GetFrameCount() const override { return 0; }
+    virtual KARStatus GetFrames(std::vector<KARMathAxis>&) const { return KARNotImplemented; }
+    virtual KARStatus GetFrame(int, KARMathAxis&) const { return KARNotImplemented; }
+};

@@ -1,11 +1,11 @@
-// The joint that couples a rotation about an axis with the translation along it.
-//
-// It is a coupling in its making and a joint in its record: a cast to KARMPCoupling succeeds, while
-// isDerivedFrom says no to that class.
 #pragma once
 
 #include "KARMPCoupling.h"
 
+/// Couples a rotation about an axis with the translation along it, so that one of them is left.
+///
+/// It is a coupling in its making and a joint in its record: a cast to KARMPCoupling succeeds,
+/// while isDerivedFrom says no to that class.
 class KARMP_API KARMPScrew : public KARMPCoupling
 {
     KARMP_ENTITY(KARMPScrew, KARMPCoupling)
