@@ -1,4 +1,3 @@
-// Works out the frames of a joint from its bodies and the geometry that its constraints hold.
 #pragma once
 
 #include "KARMPExport.h"
@@ -9,6 +8,7 @@
 class KARMPJoint;
 class KARMathAxis;
 
+/// Works out the frames of a joint from its bodies and the geometry that its constraints hold.
 class KARMP_API KARMPJointFramesServices
 {
 public:

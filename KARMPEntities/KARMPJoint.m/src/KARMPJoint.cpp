@@ -18,11 +18,11 @@ struct karmp::ContentOf<KARMPJoint>
     // A failing base ends the writing, too, and is no failure of the joint there.
     static constexpr ContentFrame Frame{{.failedBase = KARSuccess}, {}};
     static constexpr auto List =
-        Base("A link between bodies.", Frame,
+        Base("A joint, which links bodies and holds the constraints that realise it.", Frame,
              ReferencesWith<&C::m_bodies, &C::LinkToBody>(
                  L"Bodies", L"Body", "The bodies that it links, in the order of linking.",
                  Since(R2017_1, EntryWord<KARMPBodyOrientation::Enum>(
-                                    L"bodyOrientation", "How the joint counts the body.")
+                                    L"bodyOrientation", "The orientation of the body in the joint.")
                                     .Required()))
                  .AlwaysNamed()
                  .OtherSide(L"Joints"),
