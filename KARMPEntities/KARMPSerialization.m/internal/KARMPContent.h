@@ -58,6 +58,12 @@ struct ItemList
     {
         return With([](Item& item) { item.presence = ItemPresence::Optional; });
     }
+    /// A missing value is nothing; one that is there and does not convert is a failed check that
+    /// counts. For single values in elements.
+    constexpr ItemList RequiredIfThere() const
+    {
+        return Optional().With([](Item& item) { item.requiredIfThere = true; });
+    }
     /// A missing value, or component of one, is read as 0; without this it stays.
     constexpr ItemList ZeroIfMissing() const
     {
@@ -348,6 +354,39 @@ constexpr auto Group(std::wstring_view name, std::string_view says, const ItemLi
         if (list.items[0].where.line == 0)
             list.items[0].where = list.items[i].where;
     }
+    return list;
+}
+
+/// An item without a way to its value: the class's code writes and reads it.
+constexpr ItemList<1> Described(ItemKind kind, std::wstring_view name, std::string_view says,
+                                Where where = Where::current())
+{
+    ItemList<1> list{};
+    Item& item = list.First();
+    item.name = name;
+    item.says = says;
+    item.kind = kind;
+    item.isCoded = true;
+    item.where = where;
+    return list;
+}
+template <class Enum>
+constexpr ItemList<1> DescribedWord(std::wstring_view name, std::string_view says,
+                                    Where where = Where::current())
+{
+    auto list = Described(ItemKind::Word, name, says, where);
+    list.First().words = EnumTexts<Enum>::Rows;
+    return list;
+}
+/// The same for a list of groups; `inner` is what each entry holds.
+template <std::size_t... N>
+constexpr auto DescribedRecords(std::wstring_view name, std::wstring_view entry,
+                                std::string_view says, const ItemList<N>&... inner)
+{
+    auto list = Group(name, says, inner...);
+    list.First().kind = ItemKind::Records;
+    list.First().entry = entry;
+    list.First().isCoded = true;
     return list;
 }
 

@@ -94,6 +94,12 @@ struct Item
     bool zeroIfMissing = false;
     /// A word that is none of the table leaves the entity as it is; otherwise it is row 0.
     bool knownWordsOnly = false;
+    /// A value that is there and does not convert is a failed check that counts, whatever the
+    /// presence.
+    bool requiredIfThere = false;
+    /// A reference by the rules of value references: its element has the target's name always, and
+    /// one without a target in the document is a failed check.
+    bool isValueReference = false;
     /// The failure of an item of this group, or of this item, counts in the status of the whole.
     bool countsWithin = false;
     bool isUncounted = false;

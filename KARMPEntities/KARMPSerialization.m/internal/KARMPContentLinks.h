@@ -74,6 +74,19 @@ constexpr ItemList<1> Reference(std::wstring_view name, std::string_view says,
     return list;
 }
 
+/// A value in an element with its identifier and always its name, which must be there unless the
+/// item is optional: then it is nothing to have no value and to miss the element. An element whose
+/// value the document does not have is a failed check that counts in any case but Reported.
+template <auto Get, auto Link>
+constexpr ItemList<1> ValueReference(std::wstring_view name, std::string_view says,
+                                     Where where = Where::current())
+{
+    auto list = Reference<Get, Link>(name, says, where).Required();
+    list.First().alwaysNamed = true;
+    list.First().isValueReference = true;
+    return list;
+}
+
 /// The entries of a link list, or of a pair of operations, by index.
 template <auto List>
 struct ListedEntries

@@ -1,6 +1,8 @@
 // Reading by content lists.
 #include "KARMPContentWalk.h"
 #include "KARMPElementReader.h"
+#include "KARMPSerializationServices.h"
+#include "KARMPValue.h"
 
 #include <algorithm>
 #include <span>
@@ -56,6 +58,7 @@ private:
     void ReadTransformation(const Item& item, ElementReader& element);
     void ReadOptionalNumber(const Item& item, ElementReader& element);
     void ReadReference(const Item& item, ElementReader& element);
+    void ReadValueReference(const Item& item, ElementReader& element);
     void ReadReferences(const Item& item, std::span<const Item> inner, ElementReader& element);
     bool ReadAttributes(std::span<const Item> attributes, ElementReader& entry);
 
@@ -109,7 +112,8 @@ void ContentReader::ReadItem(const Item& item, std::span<const Item> inner, Elem
     case ItemKind::OptionalNumber:
         return ReadOptionalNumber(item, element);
     case ItemKind::Reference:
-        return ReadReference(item, element);
+        return item.isValueReference ? ReadValueReference(item, element)
+                                     : ReadReference(item, element);
     case ItemKind::References:
         return ReadReferences(item, inner, element);
     case ItemKind::Records:
@@ -130,7 +134,8 @@ void ContentReader::Store(const Item& item, ElementReader& element)
 template <class Value>
 bool ContentReader::Take(const Item& item, ElementReader& element, Value& value) const
 {
-    const Absent absent = AbsentOf(item.presence);
+    const Absent absent = item.requiredIfThere && element.Has(item.name) ? Absent::ReportAndFail
+                                                                         : AbsentOf(item.presence);
     // A text of an attribute is read without the node keeping a wide copy of it.
     if constexpr (std::is_same_v<Value, karmp::ReadText>)
         return element.Attribute(item.name, value, absent, item.where);
@@ -265,6 +270,24 @@ void ContentReader::ReadReference(const Item& item, ElementReader& element)
     m_value.target = child.FindTarget(m_entities, item.where);
     if (m_value.target != nullptr)
         ElementReader::Set(item.set(m_owner, m_value), item.where);
+}
+
+void ContentReader::ReadValueReference(const Item& item, ElementReader& element)
+{
+    if (item.presence == ItemPresence::Optional && !element.Has(item.name))
+        return;
+    QOBSharedHandle<KARMPValue> value;
+    const KARStatus status =
+        KARMPSerializationServices::Deserialize(element.Node(), item.name, m_entities, value);
+    const bool isFound = item.presence == ItemPresence::Reported
+                             ? ElementReader::Set(status, item.where)
+                             : element.Base(status, item.where);
+    if (!isFound)
+        return;
+    const QOBSharedHandle<KARMPEntity> target(value);
+    m_value.target = &target;
+    Store(item, element);
+    m_value.target = nullptr;
 }
 
 void ContentReader::ReadReferences(const Item& item, std::span<const Item> inner,

@@ -1,6 +1,8 @@
 // Writing by content lists.
 #include "KARMPContentWalk.h"
 #include "KARMPElementWriter.h"
+#include "KARMPSerializationServices.h"
+#include "KARMPValue.h"
 
 #include <span>
 
@@ -35,6 +37,7 @@ private:
     void WriteTransformation(const Item& item, ElementWriter& element);
     void WriteOptionalNumber(const Item& item, ElementWriter& element);
     void WriteReference(const Item& item, ElementWriter& element);
+    void WriteValueReference(const Item& item, ElementWriter& element);
     void WriteReferences(const Item& item, std::span<const Item> inner, ElementWriter& element);
     void WriteEntry(const Item& item, std::span<const Item> attributes, int index,
                     ElementWriter& list);
@@ -81,7 +84,8 @@ void ContentWriter::WriteItem(const Item& item, std::span<const Item> inner, Ele
     case ItemKind::Group:
         return WriteGroup(item, inner, element);
     case ItemKind::Reference:
-        return WriteReference(item, element);
+        return item.isValueReference ? WriteValueReference(item, element)
+                                     : WriteReference(item, element);
     case ItemKind::References:
         return WriteReferences(item, inner, element);
     case ItemKind::Records:
@@ -164,6 +168,17 @@ void ContentWriter::WriteReference(const Item& item, ElementWriter& element)
 {
     if (!KARFailed(item.get(m_owner, m_value)))
         element.Reference(item.name, m_value.entity, item.where);
+}
+
+void ContentWriter::WriteValueReference(const Item& item, ElementWriter& element)
+{
+    const bool hasValue = !KARFailed(item.get(m_owner, m_value)) && m_value.entity;
+    if (!hasValue && item.presence == ItemPresence::Optional)
+        return;
+    if (element.Base(hasValue ? KARSuccess : KARFailure, item.where))
+        element.Base(KARMPSerializationServices::Serialize(
+                         element.Node(), QOBSharedHandle<KARMPValue>(m_value.entity), item.name),
+                     item.where);
 }
 
 void ContentWriter::WriteReferences(const Item& item, std::span<const Item> inner,
