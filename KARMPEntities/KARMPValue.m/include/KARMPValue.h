@@ -1,10 +1,10 @@
-// Base of the fixed and computed data of a model: constants, flags, texts, expressions, functions.
 #pragma once
 
 #include "KARMPEntity.h"
 
 class KARIMPValueLoader;
 
+/// Base of the fixed and computed data of a model: constants, flags, texts, expressions, functions.
 class KARMP_API KARMPValue : public KARMPEntity
 {
     KARMP_ABSTRACT_ENTITY(KARMPValue, KARMPEntity)
@@ -20,15 +20,15 @@ public:
     KARStatus Deserialize(const KARMPDeserializer* deserializer,
                           const KARMPEntityTable& entities) override;
 
-    /// Hands out the loader as a value's; 0 with null when there is none of that kind.
+    /// Gives the loader as a value's; 0 with null when there is none of that kind.
     virtual KARStatus GetLoader(KARIMPValueLoader*& loader) const;
     /// Stores what the value measures. None is a failed check and a failure, and nothing changes.
     virtual KARStatus SetPhysicalQuantity(KARMPPhysicalQuantity::Enum quantity);
-    /// Hands out what the value measures; a failure when nothing was set.
+    /// Gives what the value measures; a failure when nothing was set.
     virtual KARStatus GetPhysicalQuantity(KARMPPhysicalQuantity::Enum& quantity) const;
     /// Stores who owns the value. One whose owner is "Output" goes into documents only when the
     /// environment variable "MOT_DUMP_OUTPUTS" is set.
-    virtual void SetOwner(const KARString& owner);
+    virtual void SetOwner(const KARString& owner) { m_owner = owner; }
 
 protected:
     /// True for an output whose writing and reading is not asked for at this moment.

@@ -1,19 +1,49 @@
 #include "KARMPValue.h"
 
 #include "KARIMPValueLoader.h"
-#include "KARMPElementReader.h"
-#include "KARMPElementWriter.h"
+#include "KARMPContentWalk.h"
+#include "KARMPFrames.h"
 #include "KARMPLoaderAccess.h"
 #include "KARProcessServices.h"
 
 KARMP_DEFINE_ABSTRACT_ENTITY(KARMPValue, "B06D8474-E35A-4405-8D99-EEED7277B78C");
 
-KARMPValue::KARMPValue() = default;
+namespace {
 
+constexpr std::wstring_view QuantityName = L"PhysicalQuantity";
+
+} // namespace
+
+// Operations around the list add the status of a value without a quantity. What is read is stored
+// as it is: the setter would refuse "no quantity".
+template <>
+struct karmp::ContentOf<KARMPValue>
+{
+    using C = KARMPValue;
+    static bool HasQuantity(const C& value)
+    {
+        KARMPPhysicalQuantity::Enum quantity = {};
+        return !KARFailed(value.GetPhysicalQuantity(quantity));
+    }
+    static constexpr std::string_view Says = "What the value measures.";
+    static constexpr auto List =
+        Base("A fixed or computed datum of the model.", CountingFrame,
+             Until(R2018_0, Code<&C::GetPhysicalQuantity>(QuantityName, Says)
+                                .Required()
+                                .When<&HasQuantity>()
+                                .Through<&C::m_physicalQuantity>()),
+             Since(R2018_0, Word<&C::GetPhysicalQuantity>(QuantityName, Says)
+                                .RequiredIfThere()
+                                .When<&HasQuantity>()
+                                .Through<&C::m_physicalQuantity>()))
+            .LeftOutWhen<&C::IsLeftOut>();
+};
+KARMP_DESCRIBE_CONTENT(KARMPValue);
+
+KARMPValue::KARMPValue() = default;
 KARMPValue::KARMPValue(const KARMPValue& source, CopyMode mode)
     : Super(source, mode), m_owner(source.m_owner), m_physicalQuantity(source.m_physicalQuantity)
 {}
-
 KARMPValue::~KARMPValue() = default;
 
 KARStatus KARMPValue::GetLoader(KARIMPValueLoader*& loader) const
@@ -35,11 +65,6 @@ KARStatus KARMPValue::GetPhysicalQuantity(KARMPPhysicalQuantity::Enum& quantity)
     return quantity != KARMPPhysicalQuantity::NoPhysicalQuantity ? KARSuccess : KARFailure;
 }
 
-void KARMPValue::SetOwner(const KARString& owner)
-{
-    m_owner = owner;
-}
-
 bool KARMPValue::IsLeftOut() const
 {
     return m_owner == "Output" && KARGetEnv("MOT_DUMP_OUTPUTS") == nullptr;
@@ -49,37 +74,19 @@ KARStatus KARMPValue::Serialize(KARMPSerializer* serializer) const
 {
     if (IsLeftOut())
         return KARSuccess;
-    karmp::ElementWriter element(serializer);
-    if (!element || !element.Base(Super::Serialize(serializer)))
-        return KARFailure;
-    KARMPPhysicalQuantity::Enum quantity = {};
-    if (KARFailed(GetPhysicalQuantity(quantity)))
-        return KARUnchanged;
-    if (karmp::AtLeast(element.Version(), karmp::R2018_0))
-        element.Word(L"PhysicalQuantity", quantity);
-    else
-        element.Value(L"PhysicalQuantity", static_cast<int>(quantity));
-    return element.Status();
+    const KARStatus status = karmp::WriteContent<Super>(*this, serializer);
+    if (KARFailed(status) || karmp::ContentOf<KARMPValue>::HasQuantity(*this))
+        return status;
+    return KARUnchanged;
 }
 
 KARStatus KARMPValue::Deserialize(const KARMPDeserializer* deserializer,
                                   const KARMPEntityTable& entities)
 {
-    using karmp::Absent;
     if (IsLeftOut())
         return KARSuccess;
-    karmp::ElementReader element(deserializer);
-    if (!element || !element.Base(Super::Deserialize(deserializer, entities)))
-        return KARFailure;
-    // Both forms are stored as they are: the setter would refuse "no quantity".
-    if (karmp::AtLeast(element.Version(), karmp::R2018_0)) {
-        if (!element.Has(L"PhysicalQuantity"))
-            return KARUnchanged;
-        element.Word(L"PhysicalQuantity", m_physicalQuantity, Absent::ReportAndFail);
-    } else {
-        int number = 0;
-        if (element.Value(L"PhysicalQuantity", number, Absent::ReportAndFail))
-            m_physicalQuantity = static_cast<KARMPPhysicalQuantity::Enum>(number);
-    }
-    return element.Status();
+    const KARStatus status = karmp::ReadContent<Super>(*this, deserializer, entities);
+    if (KARFailed(status) || deserializer->HasElement(QuantityName))
+        return status;
+    return KARUnchanged;
 }
