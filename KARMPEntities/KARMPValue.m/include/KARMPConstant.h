@@ -1,10 +1,11 @@
-// A number of the model: a length, a stiffness, a count.
 #pragma once
 
 #include "KARMPValue.h"
 
 class KARIMPConstantLoader;
 
+/// A number of the model: a length, a stiffness, a count. Setter and getter of the number always
+/// return 0.
 class KARMP_API KARMPConstant : public KARMPValue
 {
     KARMP_ENTITY(KARMPConstant, KARMPValue)
@@ -17,15 +18,23 @@ public:
     KARStatus Deserialize(const KARMPDeserializer* deserializer,
                           const KARMPEntityTable& entities) override;
 
-    /// Hands out the loader as a constant's; 0 with null when there is none of that kind.
+    /// Gives the loader as a constant's; 0 with null when there is none of that kind.
     virtual KARStatus GetLoader(KARIMPConstantLoader*& loader) const;
-    /// Stores the number, in the unit of the quantity, and the word of its type; always 0.
-    virtual KARStatus SetValue(double value, const KARString& type);
-    /// Hands out the number; always 0.
-    virtual KARStatus GetValue(double& value) const;
+    /// Stores the number, in the unit of the quantity, and the word of its type.
+    virtual KARStatus SetValue(double value, const KARString& type)
+    {
+        m_value = value;
+        m_type = type;
+        return KARSuccess;
+    }
+    virtual KARStatus GetValue(double& value) const
+    {
+        value = m_value;
+        return KARSuccess;
+    }
 
     /// True unless the type word is "int".
-    bool IsDouble() const;
+    bool IsDouble() const { return m_type != "int"; }
 
 protected:
     KARMPConstant();
