@@ -1,9 +1,11 @@
-// A text of the model.
 #pragma once
 
 #include "KARMPValue.h"
 #include "KARUnicodeString.h"
 
+#include <utility>
+
+/// A text of the model. Setter and getter always return 0.
 class KARMP_API KARMPString : public KARMPValue
 {
     KARMP_ENTITY(KARMPString, KARMPValue)
@@ -13,10 +15,16 @@ public:
     KARStatus Deserialize(const KARMPDeserializer* deserializer,
                           const KARMPEntityTable& entities) override;
 
-    /// Stores the text; always 0.
-    virtual KARStatus SetValue(KARUnicodeString value);
-    /// Hands out the text; always 0.
-    virtual KARStatus GetValue(KARUnicodeString& value) const;
+    virtual KARStatus SetValue(KARUnicodeString value)
+    {
+        m_value = std::move(value);
+        return KARSuccess;
+    }
+    virtual KARStatus GetValue(KARUnicodeString& value) const
+    {
+        value = m_value;
+        return KARSuccess;
+    }
 
 protected:
     KARMPString();
