@@ -1,4 +1,3 @@
-// A value that an equation gives from variables; a solver computes it.
 #pragma once
 
 #include "KARMPValue.h"
@@ -10,6 +9,7 @@ class KARIMPExpressionLoader;
 class KARMPVariable;
 class KARWBEquation;
 
+/// A value that an equation gives from variables; a solver computes it.
 class KARMP_API KARMPExpression : public KARMPValue
 {
     KARMP_ENTITY(KARMPExpression, KARMPValue)
@@ -25,24 +25,34 @@ public:
     KARStatus Deserialize(const KARMPDeserializer* deserializer,
                           const KARMPEntityTable& entities) override;
 
-    /// Hands out the loader as an expression's; 0 with null when there is none of that kind.
+    /// Gives the loader as an expression's; 0 with null when there is none of that kind.
     virtual KARStatus GetLoader(KARIMPExpressionLoader*& loader) const;
     /// Stores an equation, which its factory keeps on owning. Null is a failed check and a failure.
     virtual KARStatus SetValue(KARWBEquation* equation);
-    /// Hands out the equation; null and a failure without one.
+    /// Gives the equation; null and a failure without one.
     virtual KARStatus GetValue(KARWBEquation*& equation) const;
     /// Links a variable that the equation uses and maps its position to itself. A null handle is a
     /// failed check and a failure; a variable that GetLinkedVariable gives already gives 1. A
     /// failing GetLinkedVariable is a failed check and counts as another variable.
     virtual KARStatus LinkToVariable(const QOBSharedHandle<KARMPVariable>& variable);
-    /// Hands out the linked variable at an index from 0; outside the list a null handle and a
-    /// failure.
-    virtual KARStatus GetLinkedVariable(int index, QOBSharedHandle<KARMPVariable>& variable) const;
+    /// Gives the linked variable at an index from 0; outside the list a null handle and a failure.
+    virtual KARStatus GetLinkedVariable(int index, QOBSharedHandle<KARMPVariable>& variable) const
+    {
+        return m_variables.Get(index, variable);
+    }
     /// Number of linked variables.
-    virtual int GetLinkedVariableCount() const;
-    /// Replaces and hands out the map from a position to a position of a variable; always 0.
-    virtual KARStatus SetVariableMapping(const std::map<int, int>& mapping);
-    virtual KARStatus GetVariableMapping(std::map<int, int>& mapping) const;
+    virtual int GetLinkedVariableCount() const { return m_variables.Count(); }
+    /// Replaces and gives the map from a position in the equation to that of a variable; always 0.
+    virtual KARStatus SetVariableMapping(const std::map<int, int>& mapping)
+    {
+        m_variableMapping = mapping;
+        return KARSuccess;
+    }
+    virtual KARStatus GetVariableMapping(std::map<int, int>& mapping) const
+    {
+        mapping = m_variableMapping;
+        return KARSuccess;
+    }
 
 protected:
     KARMPExpression();
@@ -54,7 +64,7 @@ private:
     bool IsLinked(const QOBSharedHandle<KARMPVariable>& variable, int count) const;
     bool WriteEquation(KARMPSerializer* expression) const;
     bool WriteMapping(KARMPSerializer* expression) const;
-    void ReadEquation(std::wstring_view text);
+    bool ReadEquation(std::wstring_view text);
     void ReadMapping(const KARMPDeserializer* mapping);
 
     KARWBEquation* m_equation = nullptr; // its factory's

@@ -1,8 +1,10 @@
 #include "KARMPExpression.h"
 
 #include "KARIMPExpressionLoader.h"
+#include "KARMPContentWalk.h"
 #include "KARMPElementReader.h"
 #include "KARMPElementWriter.h"
+#include "KARMPFrames.h"
 #include "KARMPLoaderAccess.h"
 #include "KARMPSerializationServices.h"
 #include "KARMPVariable.h"
@@ -21,12 +23,40 @@ std::wstring PositionName(int position)
 
 } // namespace
 
-KARMPExpression::KARMPExpression() = default;
+// Described only: what counts in the status, the names of the mapping's children and the status of
+// an expression without an equation are those of no other class.
+template <>
+struct karmp::ContentOf<KARMPExpression>
+{
+    using C = KARMPExpression;
+    static KARStatus EquationText(const C& expression, std::wstring& text)
+    {
+        KARWBEquation* equation = nullptr;
+        return KARFailed(expression.GetValue(equation))
+                   ? KARFailure
+                   : KARMPSerializationServices::PrintWBEquation(equation, text);
+    }
+    static KARStatus TakeEquation(C& expression, std::wstring_view text)
+    {
+        return expression.ReadEquation(text) ? KARSuccess : KARFailure;
+    }
+    static constexpr auto List =
+        Element(L"Expression", "A value that an equation gives from variables.", LenientFrame,
+                Text<&EquationText>(L"Value", "The equation.").Optional().Through<&TakeEquation>(),
+                References<&C::GetLinkedVariableCount, &C::GetLinkedVariable, &C::LinkToVariable>(
+                    L"Variables", L"Variable", "The variables that the equation uses."),
+                Group(L"VariableMapping", "Positions of variables by positions in the equation.",
+                      Described(ItemKind::Integer, L"Var", "The position of a variable."))
+                    .Optional()
+                    .AnyName())
+            .LeftOutWhen<&KARMPValue::IsLeftOut>();
+};
+KARMP_DESCRIBE_CONTENT(KARMPExpression);
 
+KARMPExpression::KARMPExpression() = default;
 KARMPExpression::KARMPExpression(const KARMPExpression& source, CopyMode mode)
     : Super(source, mode), m_equation(source.m_equation)
 {}
-
 KARMPExpression::~KARMPExpression() = default;
 
 KARStatus KARMPExpression::GetLoader(KARIMPExpressionLoader*& loader) const
@@ -71,29 +101,6 @@ bool KARMPExpression::IsLinked(const QOBSharedHandle<KARMPVariable>& variable, i
             return true;
     }
     return false;
-}
-
-KARStatus KARMPExpression::GetLinkedVariable(int index,
-                                             QOBSharedHandle<KARMPVariable>& variable) const
-{
-    return m_variables.Get(index, variable);
-}
-
-int KARMPExpression::GetLinkedVariableCount() const
-{
-    return m_variables.Count();
-}
-
-KARStatus KARMPExpression::SetVariableMapping(const std::map<int, int>& mapping)
-{
-    m_variableMapping = mapping;
-    return KARSuccess;
-}
-
-KARStatus KARMPExpression::GetVariableMapping(std::map<int, int>& mapping) const
-{
-    mapping = m_variableMapping;
-    return KARSuccess;
 }
 
 KARStatus KARMPExpression::Serialize(KARMPSerializer* serializer) const
@@ -152,22 +159,22 @@ KARStatus KARMPExpression::Deserialize(const KARMPDeserializer* deserializer,
     return hasEquation ? KARSuccess : KARUnchanged;
 }
 
-void KARMPExpression::ReadEquation(std::wstring_view text)
+bool KARMPExpression::ReadEquation(std::wstring_view text)
 {
     bool inWorld = false;
     if (!KARMPVerify(!KARFailed(IsInWorld(inWorld)) && inWorld))
-        return;
+        return false;
     QOBSharedHandle<KARMPWorld> found;
     if (!KARMPVerify(!KARFailed(GetWorld(found)) && found))
-        return;
+        return false;
     const QOBSharedHandle<KARMPWorld> world(found, QOBSharedBase::WriteLock);
     KARWBFactory* factory = nullptr;
     if (!KARMPVerify(world && !KARFailed(world->GetWBFactory(factory)) && factory != nullptr))
-        return;
+        return false;
     KARWBEquation* equation = nullptr;
     const KARStatus status = KARMPSerializationServices::ParseWBEquation(text, factory, equation);
-    if (KARMPVerify(!KARFailed(status) && equation != nullptr))
-        KARMPVerify(!KARFailed(SetValue(equation)));
+    return KARMPVerify(!KARFailed(status) && equation != nullptr) &&
+           KARMPVerify(!KARFailed(SetValue(equation)));
 }
 
 void KARMPExpression::ReadMapping(const KARMPDeserializer* mapping)
