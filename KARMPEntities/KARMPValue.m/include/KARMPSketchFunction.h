@@ -1,4 +1,3 @@
-// A value that a chain of planar curves gives over a reference axis; a solver computes it.
 #pragma once
 
 #include "KARMPValue.h"
@@ -12,6 +11,7 @@ class KARBaseUnknown;
 class KARCrvLimits;
 class KARIMPSketchFunctionLoader;
 
+/// A value that a chain of planar curves gives over a reference axis; a solver computes it.
 class KARMP_API KARMPSketchFunction : public KARMPValue
 {
     KARMP_ENTITY(KARMPSketchFunction, KARMPValue)
@@ -27,25 +27,25 @@ public:
     KARStatus Deserialize(const KARMPDeserializer* deserializer,
                           const KARMPEntityTable& entities) override;
 
-    /// Hands out the loader as a sketch function's; 0 with null when there is none of that kind.
+    /// Gives the loader as a sketch function's; 0 with null when there is none of that kind.
     virtual KARStatus GetLoader(KARIMPSketchFunctionLoader*& loader) const;
     /// Stores the origin, direction and normal of the reference axis, in the units of the model and
     /// as they are given; always 0.
     virtual KARStatus SetReferenceAxis(const KARMathPoint& origin, const KARMathVector& direction,
                                        const KARMathVector& normal);
-    /// Hands out the origin, direction and normal of the reference axis; always 0.
+    /// Gives the origin, direction and normal of the reference axis; always 0.
     virtual KARStatus GetReferenceAxis(KARMathPoint& origin, KARMathVector& direction,
                                        KARMathVector& normal) const;
     /// Appends a curve, on which a reference is taken, and its limits, a KARCrvLimits that stays
     /// the caller's. A null curve or null limits are a failed check and a failure.
     virtual KARStatus AddCurve(KARBaseUnknown* curve, KARMPCurveOrientation::Enum orientation,
                                void* limits);
-    /// Hands out a curve at an index from 0, without a reference for the caller. Outside the list
+    /// Gives a curve at an index from 0, without a reference for the caller. Outside the list
     /// null curve and limits and a failure; the orientation stays.
     virtual KARStatus GetCurve(int index, KARBaseUnknown*& curve,
                                KARMPCurveOrientation::Enum& orientation, void*& limits) const;
     /// Number of curves.
-    virtual int GetCurveCount() const;
+    virtual int GetCurveCount() const { return static_cast<int>(m_curves.size()); }
 
 protected:
     KARMPSketchFunction();

@@ -3,8 +3,10 @@
 #include "KARCrvLimits.h"
 #include "KARCurve.h"
 #include "KARIMPSketchFunctionLoader.h"
+#include "KARMPContentWalk.h"
 #include "KARMPElementReader.h"
 #include "KARMPElementWriter.h"
+#include "KARMPFrames.h"
 #include "KARMPLoaderAccess.h"
 #include "KARMPStoredObject.h"
 #include "KARProcessServices.h"
@@ -15,8 +17,11 @@ namespace {
 
 // The two elements "Direction" of the axis differ by these names alone: x, y, z for the direction
 // in the first one, those of a normal in the second one.
+constexpr std::wstring_view Direction = L"Direction";
 constexpr karmp::Names<3> AxisDirectionNames{L"x", L"y", L"z"};
 
+constexpr std::wstring_view CurveSegment = L"CurveSegment";
+constexpr std::wstring_view CurveStream = L"CurveStream";
 // Attributes of a segment.
 constexpr std::wstring_view Orientation = L"curveOrientation";
 constexpr std::wstring_view LowLimit = L"curveLowLimit";
@@ -24,15 +29,43 @@ constexpr std::wstring_view HighLimit = L"curveHighLimit";
 
 } // namespace
 
-KARMPSketchFunction::KARMPSketchFunction() = default;
+// Described only: the axis is set as a whole, and curves and their limits are objects that the
+// reader makes.
+template <>
+struct karmp::ContentOf<KARMPSketchFunction>
+{
+    using C = KARMPSketchFunction;
+    static constexpr auto List =
+        Element(L"SketchFunction", "A value that a chain of planar curves gives.", LenientFrame,
+                Group(L"ReferenceAxis", "The axis over which the curves are given.",
+                      NumbersElement<&C::m_referenceOrigin>(L"Origin", OriginNames,
+                                                            "The origin of the axis.",
+                                                            KARMPPhysicalQuantity::Length),
+                      NumbersElement<&C::m_referenceDirection>(Direction, AxisDirectionNames,
+                                                               "The direction of the axis."),
+                      NumbersElement<&C::m_referenceNormal>(Direction, NormalNames,
+                                                            "The normal of the curves' plane.")),
+                DescribedRecords(L"CurveSegments", CurveSegment,
+                                 "The curves of the chain, in order.",
+                                 Attribute(DescribedWord<KARMPCurveOrientation::Enum>(
+                                     Orientation, "Whether the curve is run through forwards.")),
+                                 Attribute(Described(ItemKind::Number, LowLimit,
+                                                     "The curve's parameter at which it begins.")),
+                                 Attribute(Described(ItemKind::Number, HighLimit,
+                                                     "The curve's parameter at which it ends.")),
+                                 Described(ItemKind::Stream, CurveStream, "The curve."))
+                    .Optional())
+            .LeftOutWhen<&KARMPValue::IsLeftOut>();
+};
+KARMP_DESCRIBE_CONTENT(KARMPSketchFunction);
 
+KARMPSketchFunction::KARMPSketchFunction() = default;
 KARMPSketchFunction::KARMPSketchFunction(const KARMPSketchFunction& source, CopyMode mode)
     : Super(source, mode),
       m_referenceOrigin(source.m_referenceOrigin),
       m_referenceDirection(source.m_referenceDirection),
       m_referenceNormal(source.m_referenceNormal)
 {}
-
 KARMPSketchFunction::~KARMPSketchFunction()
 {
     for (KARBaseUnknown* curve : m_curves)
@@ -68,12 +101,12 @@ KARStatus KARMPSketchFunction::AddCurve(KARBaseUnknown* curve,
 {
     if (!KARMPVerify(curve != nullptr && limits != nullptr))
         return KARFailure;
-    // Room first, so that the three lists grow together or not at all.
-    const std::size_t room = m_curves.size() + 1;
-    if (room > m_curves.capacity()) {
-        m_curves.reserve(2 * room);
-        m_orientations.reserve(2 * room);
-        m_curveLimits.reserve(2 * room);
+    // Capacity first, so that the three lists grow together or not at all.
+    const std::size_t count = m_curves.size() + 1;
+    if (count > m_curves.capacity()) {
+        m_curves.reserve(2 * count);
+        m_orientations.reserve(2 * count);
+        m_curveLimits.reserve(2 * count);
     }
     curve->AddRef();
     m_curves.push_back(curve);
@@ -98,11 +131,6 @@ KARStatus KARMPSketchFunction::GetCurve(int index, KARBaseUnknown*& curve,
     return KARSuccess;
 }
 
-int KARMPSketchFunction::GetCurveCount() const
-{
-    return static_cast<int>(m_curves.size());
-}
-
 KARStatus KARMPSketchFunction::Serialize(KARMPSerializer* serializer) const
 {
     if (IsLeftOut())
@@ -123,8 +151,8 @@ void KARMPSketchFunction::WriteReferenceAxis(KARMPSerializer* sketchFunction) co
     GetReferenceAxis(origin, direction, normal);
     karmp::ElementWriter axis = karmp::ElementWriter(sketchFunction).Child(L"ReferenceAxis");
     axis.Child(L"Origin").Values(karmp::OriginNames, origin);
-    axis.Child(L"Direction").Values(AxisDirectionNames, direction);
-    axis.Child(L"Direction").Values(karmp::NormalNames, normal);
+    axis.Child(Direction).Values(AxisDirectionNames, direction);
+    axis.Child(Direction).Values(karmp::NormalNames, normal);
 }
 
 void KARMPSketchFunction::WriteCurves(KARMPSerializer* sketchFunction) const
@@ -140,7 +168,7 @@ void KARMPSketchFunction::WriteCurves(KARMPSerializer* sketchFunction) const
         if (!KARMPVerify(!KARFailed(GetCurve(i, curve, orientation, limits))) ||
             !KARMPVerify(KARSysDynamicCast<KARIGMKObject>(curve) != nullptr))
             continue;
-        karmp::ElementWriter segment = segments.Child(L"CurveSegment");
+        karmp::ElementWriter segment = segments.Child(CurveSegment);
         if (!segment)
             continue;
         double low = 0.0;
@@ -152,7 +180,7 @@ void KARMPSketchFunction::WriteCurves(KARMPSerializer* sketchFunction) const
         // The variable ends the writing of all curves, not only of this one's stream.
         if (KARGetEnv("DONT_SERIALIZE_CURVE") != nullptr)
             return;
-        karmp::WriteStoredObject(segment, L"CurveStream", curve);
+        karmp::WriteStoredObject(segment, CurveStream, curve);
     }
 }
 
@@ -170,7 +198,7 @@ KARStatus KARMPSketchFunction::Deserialize(const KARMPDeserializer* deserializer
     if (element.Has(L"CurveSegments")) {
         element.Child(L"CurveSegments", Absent::ReportAndKeep)
             .Each(
-                L"CurveSegment",
+                CurveSegment,
                 [this](const karmp::ElementReader& segment) { ReadCurve(segment.Node()); });
     }
     return KARSuccess;
@@ -186,9 +214,9 @@ void KARMPSketchFunction::ReadReferenceAxis(const KARMPDeserializer* referenceAx
     GetReferenceAxis(origin, direction, normal);
     axis.Child(L"Origin", Absent::ReportAndKeep)
         .Values(karmp::OriginNames, origin, Absent::ReportAndKeep);
-    axis.Child(L"Direction", Absent::ReportAndKeep)
+    axis.Child(Direction, Absent::ReportAndKeep)
         .Values(AxisDirectionNames, direction, Absent::ReportAndKeep);
-    axis.Child(L"Direction", Absent::ReportAndKeep)
+    axis.Child(Direction, Absent::ReportAndKeep)
         .Values(karmp::NormalNames, normal, Absent::ReportAndKeep);
     KARMPVerify(!KARFailed(SetReferenceAxis(origin, direction, normal)));
 }
@@ -200,7 +228,7 @@ void KARMPSketchFunction::ReadCurve(const KARMPDeserializer* segmentNode)
     std::wstring_view word;
     segment.Attribute(Orientation, word, Absent::ReportAndKeep);
     karmp::StoredObjects stored;
-    if (!karmp::ReadStoredObjects(segment, L"CurveStream", stored))
+    if (!karmp::ReadStoredObjects(segment, CurveStream, stored))
         return;
     auto* curve = KARSysDynamicCast<KARCurve>(stored.objects[1]);
     if (!KARMPVerify(curve != nullptr))
