@@ -14,3 +14,7 @@ karmp_process_test(
     KARMPSerializationTests ValueReferencesProcess.BearTheirNamesWhereOtherReferencesHaveNone
     NO_MP_NAME_FOR_SERIALIZATION=0
 )
+karmp_process_test(
+    KARMPSerializationTests ContentNamesProcess.AreWrittenWhereTheItemAsksForThem
+    NO_MP_NAME_FOR_SERIALIZATION=0
+)
