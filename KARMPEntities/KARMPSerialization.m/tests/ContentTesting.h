@@ -91,6 +91,7 @@ protected:
     ContentTestEntity() = default;
     ContentTestEntity(const ContentTestEntity& source, CopyMode mode) : Super(source, mode) {}
 };
+
 /// A list of items whose failures count.
 template <std::size_t... N>
 constexpr auto Counting(const karmp::ItemList<N>&... items)

@@ -110,6 +110,11 @@ TEST_F(ContentFrames, EndPassOnOrGoOnWhenTheBaseFails)
     EXPECT_EQ(Write(passes, &WriteTestBase), KARUnchanged);
     EXPECT_EQ(Read(passes, &ReadTestBase), KARUnchanged);
     EXPECT_TRUE(root.Has(L"E[3]/Number"));
+    s_baseStatus = KARUnexpected;
+    EXPECT_EQ(Write(passes, &WriteTestBase), KARUnexpected);
+    EXPECT_EQ(Read(passes, &ReadTestBase), KARUnexpected);
+    EXPECT_TRUE(root.Has(L"E[4]/Number"));
+    EXPECT_EQ(entity->calls.back(), "number");
 }
 
 TEST_F(ContentFrames, LeaveTheOwnerOutUnderItsCondition)
