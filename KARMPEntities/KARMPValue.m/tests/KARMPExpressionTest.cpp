@@ -2,6 +2,7 @@
 #include "EnvironmentVariable.h"
 #include "KARIMPExpressionLoader.h"
 #include "KARMPConstant.h"
+#include "KARMPContentAccess.h"
 #include "KARMPEntityTable.h"
 #include "KARMPSerializationServices.h"
 #include "KARMPTestFixture.h"
@@ -492,6 +493,32 @@ TEST_F(ReferenceNameProcess, FamiliesLeaveNamesOutWhereValueReferencesKeepThem)
     const QOBSharedHandle<KARMPValue> value = KARMPConstant::create(L"k");
     ASSERT_EQ(KARMPSerializationServices::Serialize(&root, value, L"Stiffness"), KARSuccess);
     EXPECT_EQ(root.Text(L"Stiffness/@name"), L"k");
+}
+
+TEST_F(Expression, IsDescribedByItsEquationAsAText)
+{
+    const karmp::Content& content = KARMPExpression::ClassContent();
+    ASSERT_EQ(content.items.size(), 4U);
+    const karmp::Item& equation = content.items[0];
+    EXPECT_EQ(equation.name, L"Value");
+    karmp::ItemValue value;
+    EXPECT_EQ(equation.get(karmp::OwnerOf(*expression), value), KARFailure);
+    value.text = L"no equation";
+    EXPECT_EQ(equation.set(karmp::OwnerOf(*expression), value), KARFailure);
+    EXPECT_GE(TakeReports(), 1U);
+
+    expression->SetValue(Parse(L"x = 2 * y"));
+    ASSERT_EQ(equation.get(karmp::OwnerOf(*expression), value), KARSuccess);
+    TestSerializer root;
+    expression->Serialize(&root);
+    EXPECT_EQ(value.text, root.Text(L"Expression/Value"));
+    EXPECT_EQ(equation.set(karmp::OwnerOf(*copy), value), KARSuccess);
+    copy->Serialize(&root);
+    EXPECT_EQ(root.Text(L"Expression[1]/Value"), value.text);
+    // The mapping is the class's own matter: any name, an integer each.
+    EXPECT_TRUE(root.Has(L"Expression/" + std::wstring(content.items[2].name)));
+    EXPECT_TRUE(content.items[2].anyName);
+    EXPECT_EQ(content.items[3].kind, karmp::ItemKind::Integer);
 }
 
 } // namespace

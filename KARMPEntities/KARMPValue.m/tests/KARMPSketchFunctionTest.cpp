@@ -9,6 +9,7 @@
 #include "KARIMPSketchFunctionLoader.h"
 #include "KARLineCurve.h"
 #include "KARListPtrKARIGMKObject.h"
+#include "KARMPContentItem.h"
 #include "KARMPEntityTable.h"
 #include "KARMPEnumerationTexts.h"
 #include "KARMPTestFixture.h"
@@ -536,6 +537,37 @@ TEST_F(SketchFunction, OfAnOutputIsLeftOutUnlessTheVariableIsSet)
     dumpOutputs.Set("1");
     EXPECT_EQ(function->Serialize(&root), KARSuccess);
     EXPECT_EQ(root.GetElementCount(), 1U);
+}
+
+TEST_F(SketchFunction, IsDescribedByWhatItWrites)
+{
+    AddTwoCurves();
+    TestSerializer root;
+    function->Serialize(&root);
+    const auto items = KARMPSketchFunction::ClassContent().items;
+    const karmp::Item& axis = items[0];
+    ASSERT_EQ(axis.inner, 3);
+    ASSERT_EQ(items.size(), 9U);
+    const std::wstring element = L"SketchFunction/";
+    const auto path = [](const karmp::Item& item) { return L"/" + std::wstring(item.name); };
+    const std::wstring inAxis = element + std::wstring(axis.name);
+    ASSERT_EQ(root.Find(inAxis)->GetElementCount(), 3U);
+    for (int i = 0; i < 3; ++i) {
+        const karmp::Item& item = items[1 + static_cast<std::size_t>(i)];
+        const TestSerializer& written = root.Find(inAxis)->Child(static_cast<std::size_t>(i));
+        EXPECT_EQ(written.GetId(), item.name);
+        ASSERT_EQ(written.GetElementCount(), item.words.size());
+        EXPECT_EQ(written.Child(2).GetId(), item.words[2]);
+    }
+    const karmp::Item& curves = items[4];
+    ASSERT_EQ(curves.kind, karmp::ItemKind::Records);
+    const std::wstring segment =
+        element + std::wstring(curves.name) + L"/" + std::wstring(curves.entry);
+    EXPECT_EQ(root.Count(segment), 2U);
+    ASSERT_EQ(root.Find(segment)->GetAttributeCount(), 3U);
+    for (std::size_t i = 5; i < 8; ++i)
+        EXPECT_EQ(root.Find(segment)->GetAttributeId(static_cast<int>(i) - 5), items[i].name);
+    EXPECT_TRUE(root.Has(segment + path(items[8]) + L"/@length"));
 }
 
 } // namespace
