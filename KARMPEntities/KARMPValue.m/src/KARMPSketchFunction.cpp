@@ -48,7 +48,7 @@ struct karmp::ContentOf<KARMPSketchFunction>
                 DescribedRecords(L"CurveSegments", CurveSegment,
                                  "The curves of the chain, in order.",
                                  Attribute(DescribedWord<KARMPCurveOrientation::Enum>(
-                                     Orientation, "Whether the curve is run through forwards.")),
+                                     Orientation, "The sense in which the curve is traversed.")),
                                  Attribute(Described(ItemKind::Number, LowLimit,
                                                      "The curve's parameter at which it begins.")),
                                  Attribute(Described(ItemKind::Number, HighLimit,
