@@ -1,4 +1,3 @@
-// What bodies look like and collide with.
 #pragma once
 
 #include "KARMPEntity.h"
@@ -6,6 +5,7 @@
 class KARIMPShapeLoader;
 class KARMPBody;
 
+/// Base of what bodies look like and collide with.
 class KARMP_API KARMPShape : public KARMPEntity
 {
     KARMP_ABSTRACT_ENTITY(KARMPShape, KARMPEntity)
@@ -17,20 +17,23 @@ public:
     /// Reads the bodies from the concrete shape's element, in the same manner.
     KARStatus Deserialize(const KARMPDeserializer* deserializer,
                           const KARMPEntityTable& entities) override;
-    /// Hands out the shape's loader, null without one. A failing fetch is a failed check and a
+    /// Gives the shape's loader, null without one. A failing fetch is a failed check and a
     /// failure.
     virtual KARStatus GetLoader(KARIMPShapeLoader*& loader) const;
     using Super::GetLoader;
     /// Lists a body that has this shape; KARMPBody::LinkToShape makes the other side of the link. A
     /// null handle is a failed check and a failure; a body that is listed already gives 1.
-    virtual KARStatus LinkToBody(const QOBSharedHandle<KARMPBody>& body);
-    /// Hands out the body at an index from 0; outside the list a null handle and a failure.
+    virtual KARStatus LinkToBody(const QOBSharedHandle<KARMPBody>& body)
+    {
+        return m_bodies.Add(body);
+    }
+    /// Gives the body at an index from 0; outside the list a null handle and a failure.
     virtual KARStatus GetLinkedBody(int index, QOBSharedHandle<KARMPBody>& body) const;
-    virtual int GetLinkedBodyCount() const;
+    virtual int GetLinkedBodyCount() const { return m_bodies.Count(); }
 
     /// Takes a body out of the list. A null handle is a failed check and a failure; a body that is
     /// not listed gives 1.
-    KARStatus RemoveBody(const QOBSharedHandle<KARMPBody>& body);
+    KARStatus RemoveBody(const QOBSharedHandle<KARMPBody>& body) { return m_bodies.Remove(body); }
 
 protected:
     void ClearContainers() override;
