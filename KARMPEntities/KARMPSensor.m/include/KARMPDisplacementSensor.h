@@ -1,4 +1,3 @@
-// Measures how far a body was moved.
 #pragma once
 
 #include "KARMPSensor.h"
@@ -6,6 +5,7 @@
 
 class KARMPBody;
 
+/// Measures how far a body was moved, in the axes of the world.
 class KARMP_API KARMPDisplacementSensor : public KARMPSensor
 {
     KARMP_ENTITY(KARMPDisplacementSensor, KARMPSensor)
@@ -22,14 +22,20 @@ public:
 
     /// Stores the body that is measured; KARMPBody::SetDisplacementSensor makes the other side of
     /// the link. A null handle is a failed check and a failure, and the former body stays.
-    KARStatus SetBody(const QOBSharedHandle<KARMPBody>& body);
-    /// Hands out the body; a null handle and a failure without one.
-    KARStatus GetBody(QOBSharedHandle<KARMPBody>& body) const;
+    KARStatus SetBody(const QOBSharedHandle<KARMPBody>& body) { return m_body.Set(body); }
+    /// Gives the body; a null handle and a failure without one.
+    KARStatus GetBody(QOBSharedHandle<KARMPBody>& body) const { return m_body.Get(body); }
     /// Lets the body go. A null handle is a failed check and a failure; another body gives 1.
-    KARStatus RemoveBody(const QOBSharedHandle<KARMPBody>& body);
+    KARStatus RemoveBody(const QOBSharedHandle<KARMPBody>& body) { return m_body.Remove(body); }
     /// The transformation of the world by which the body was moved.
-    void SetDisplacement(const KARMathTransformation& displacement);
-    void GetDisplacement(KARMathTransformation& displacement) const;
+    void SetDisplacement(const KARMathTransformation& displacement)
+    {
+        m_displacement = displacement;
+    }
+    void GetDisplacement(KARMathTransformation& displacement) const
+    {
+        displacement = m_displacement;
+    }
 
 protected:
     KARStatus RemoveParent() override;
@@ -40,6 +46,6 @@ protected:
     ~KARMPDisplacementSensor() override;
 
 private:
-    QOBSharedHandle<KARMPBody> m_body;
+    KARMPLink<KARMPBody> m_body;
     KARMathTransformation m_displacement;
 };

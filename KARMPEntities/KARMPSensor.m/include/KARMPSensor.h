@@ -1,11 +1,11 @@
-// Base of everything that holds a measurement: the solver fills it in, Update asks for that and
-// Reset forgets it.
 #pragma once
 
 #include "KARMPEntity.h"
 
 class KARMPConstraint;
 
+/// Base of everything that holds a measurement: the solver fills it in, Update asks for that and
+/// Reset forgets it.
 class KARMP_API KARMPSensor : public KARMPEntity
 {
     KARMP_ABSTRACT_ENTITY(KARMPSensor, KARMPEntity)

@@ -1,22 +1,20 @@
 #include "KARMPSensor.h"
 
+#include "KARMPContentWalk.h"
+#include "KARMPFrames.h"
+
 KARMP_DEFINE_ABSTRACT_ENTITY(KARMPSensor, "C1FACC58-6FB0-4d0f-AEA9-04CCBF7EE9C4");
+
+template <>
+struct karmp::ContentOf<KARMPSensor>
+{
+    static constexpr auto List = Base("Anything that holds a measurement.", PassingFrame);
+};
+KARMP_DEFINE_CONTENT(KARMPSensor);
 
 KARMPSensor::KARMPSensor() = default;
 KARMPSensor::KARMPSensor(const KARMPSensor& source, CopyMode mode) : Super(source, mode) {}
 KARMPSensor::~KARMPSensor() = default;
-
-KARStatus KARMPSensor::Serialize(KARMPSerializer* serializer) const
-{
-    return KARMPVerify(serializer != nullptr) ? Super::Serialize(serializer) : KARFailure;
-}
-
-KARStatus KARMPSensor::Deserialize(const KARMPDeserializer* deserializer,
-                                   const KARMPEntityTable& entities)
-{
-    return KARMPVerify(deserializer != nullptr) ? Super::Deserialize(deserializer, entities)
-                                                : KARFailure;
-}
 
 void KARMPSensor::ClearContainers() {}
 
