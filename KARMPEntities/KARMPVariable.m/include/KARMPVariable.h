@@ -1,4 +1,5 @@
-// A scalar unknown of the mechanism: a number with optional bounds and the constraints that use it.
+// A loader that is asked for and cannot be had is a failed check and a failure; what was stored
+// stays.
 #pragma once
 
 #include "KARMPEntity.h"
@@ -6,6 +7,8 @@
 class KARIMPVariableLoader;
 class KARMPConstraint;
 
+/// A scalar unknown of the mechanism: a number with optional bounds, an optional restitution at
+/// each bound, and the constraints that use it. Numbers are in the unit of the quantity.
 class KARMP_API KARMPVariable : public KARMPEntity
 {
     KARMP_ENTITY(KARMPVariable, KARMPEntity)
@@ -17,44 +20,49 @@ public:
     KARStatus Deserialize(const KARMPDeserializer* deserializer,
                           const KARMPEntityTable& entities) override;
 
-    /// Hands out the loader as a variable's; 0 with null when there is none of that kind.
+    /// Gives the loader as a variable's; 0 with null when there is none of that kind.
     virtual KARStatus GetLoader(KARIMPVariableLoader*& loader) const;
     /// Links a constraint that uses the variable. A null handle is a failed check and a failure; a
     /// constraint that is linked already gives 1.
-    virtual KARStatus LinkToConstraint(const QOBSharedHandle<KARMPConstraint>& constraint);
-    /// Hands out the linked constraint at an index from 0; outside the list a null handle and a
+    virtual KARStatus LinkToConstraint(const QOBSharedHandle<KARMPConstraint>& constraint)
+    {
+        return m_constraints.Add(constraint);
+    }
+    /// Gives the linked constraint at an index from 0; outside the list a null handle and a
     /// failure.
     virtual KARStatus GetLinkedConstraint(int index,
-                                          QOBSharedHandle<KARMPConstraint>& constraint) const;
+                                          QOBSharedHandle<KARMPConstraint>& constraint) const
+    {
+        return m_constraints.Get(index, constraint);
+    }
     /// Number of linked constraints.
-    virtual int GetLinkedConstraintCount() const;
+    virtual int GetLinkedConstraintCount() const { return m_constraints.Count(); }
 
     /// True once SetValue was called.
-    virtual bool HasValue() const;
-    /// Stores the value, in the unit of the quantity, and tells the loader, whose answer is the
-    /// result. A loader that cannot be had is a failed check and a failure; the value stays.
+    virtual bool HasValue() const { return m_hasValue; }
+    /// Stores the value and tells the loader, whose answer is the result.
     virtual KARStatus SetValue(double value);
-    /// Hands out the value, set or not; always 0. The same holds for the bounds and restitutions.
+    /// Gives the value, set or not; always 0. The same holds for the bounds and restitutions.
     virtual KARStatus GetValue(double& value) const;
     /// Takes a result: stores the value without HasValue and without the loader and tells the
     /// subscribers, those of the linked constraints too when the variable is controlled; always 0.
     virtual KARStatus UpdateValue(double value);
 
     /// The lower bound, under the rules of the value.
-    virtual bool HasMinValue() const;
+    virtual bool HasMinValue() const { return m_hasMinValue; }
     virtual KARStatus SetMinValue(double value);
     virtual KARStatus GetMinValue(double& value) const;
     /// The upper bound, under the rules of the value.
-    virtual bool HasMaxValue() const;
+    virtual bool HasMaxValue() const { return m_hasMaxValue; }
     virtual KARStatus SetMaxValue(double value);
     virtual KARStatus GetMaxValue(double& value) const;
 
     /// What the number measures; always 0.
     virtual KARStatus SetPhysicalQuantity(KARMPPhysicalQuantity::Enum quantity);
-    virtual KARMPPhysicalQuantity::Enum GetPhysicalQuantity() const;
+    virtual KARMPPhysicalQuantity::Enum GetPhysicalQuantity() const { return m_physicalQuantity; }
     /// Who decides on the value; always 0.
     virtual KARStatus SetType(KARMPVariableType::Enum type);
-    virtual KARMPVariableType::Enum GetType() const;
+    virtual KARMPVariableType::Enum GetType() const { return m_type; }
 
     /// Share of the speed that is kept at the lower bound. The loader is not told; always 0.
     bool HasRestitutionOnMinLimit() const { return m_hasRestitutionOnMinLimit; }
@@ -66,13 +74,16 @@ public:
     KARStatus GetRestitutionOnMaxLimit(double& restitution) const;
 
     /// Tells the loader to keep the value, or to let it vary again; nothing is stored. The loader's
-    /// answer is the result, 0 without one, a failed check and a failure when it cannot be had.
+    /// answer is the result, 0 without one.
     KARStatus Fix();
     KARStatus Unfix();
 
     /// Takes a constraint out and keeps the order of the rest. A null handle is a failed check and
     /// a failure; a constraint that is not linked gives 1.
-    KARStatus RemoveConstraint(const QOBSharedHandle<KARMPConstraint>& constraint);
+    KARStatus RemoveConstraint(const QOBSharedHandle<KARMPConstraint>& constraint)
+    {
+        return m_constraints.Remove(constraint);
+    }
 
 protected:
     void ClearContainers() override;

@@ -2,9 +2,75 @@
 
 #include "KARIMPVariableLoader.h"
 #include "KARMPConstraint.h"
+#include "KARMPContentWalk.h"
+#include "KARMPFrames.h"
 #include "KARMPLoaderAccess.h"
 
 KARMP_DEFINE_ENTITY(KARMPVariable, "F7F19E64-062A-4122-A54D-00AF9A9932C0");
+
+namespace {
+
+// Of each optional number the flag and the number.
+constexpr karmp::Names<2> ValueNames{L"HasValue", L"Value"};
+constexpr karmp::Names<2> MinNames{L"HasMinValue", L"MinValue"};
+constexpr karmp::Names<2> MaxNames{L"HasMaxValue", L"MaxValue"};
+constexpr karmp::Names<2> MinRestitutionNames{L"HasMinLimitRestitution",
+                                              L"MinLimitRestitutionValue"};
+constexpr karmp::Names<2> MaxRestitutionNames{L"HasMaxLimitRestitution",
+                                              L"MaxLimitRestitutionValue"};
+
+} // namespace
+
+template <>
+struct karmp::ContentOf<KARMPVariable>
+{
+    using C = KARMPVariable;
+
+    static constexpr auto Min =
+        OptionalNumber<&C::m_minValue, &C::m_hasMinValue>(
+            L"MinValue", MinNames, "The lower bound, in the unit of the quantity.")
+            .Through<&C::SetMinValue>();
+    static constexpr auto Max =
+        OptionalNumber<&C::m_maxValue, &C::m_hasMaxValue>(
+            L"MaxValue", MaxNames, "The upper bound, in the unit of the quantity.")
+            .Through<&C::SetMaxValue>();
+    // The loader is not told of restitutions.
+    static constexpr auto MinRestitution =
+        OptionalNumber<&C::m_restitutionOnMinLimit, &C::m_hasRestitutionOnMinLimit>(
+            L"MinLimitRestitution", MinRestitutionNames,
+            "The share of the speed that is kept at the lower bound.");
+    static constexpr auto MaxRestitution =
+        OptionalNumber<&C::m_restitutionOnMaxLimit, &C::m_hasRestitutionOnMaxLimit>(
+            L"MaxLimitRestitution", MaxRestitutionNames,
+            "The share of the speed that is kept at the upper bound.");
+
+    // The older form has no flags: every variable has all three numbers, and reading sets none.
+    static constexpr auto List = Element(
+        L"Variable", "A scalar unknown of the mechanism.", LenientFrame,
+        Until(R2017_0,
+              Attribute(Number<&C::m_value>(L"value", "The value, in the unit of the quantity."))
+                  .Optional(),
+              Attribute(Number<&C::m_minValue>(L"minvalue",
+                                               "The lower bound, in the unit of the quantity."))
+                  .Optional(),
+              Attribute(Number<&C::m_maxValue>(L"maxvalue",
+                                               "The upper bound, in the unit of the quantity."))
+                  .Optional(),
+              Code<&C::m_physicalQuantity>(L"PhysicalQuantity", "What the number measures."),
+              Since(R2016_0, Code<&C::m_type>(L"Type", "Who decides on the value."))),
+        Since(R2017_0,
+              OptionalNumber<&C::m_value, &C::m_hasValue>(L"Value", ValueNames,
+                                                          "The value, in the unit of the quantity.")
+                  .Through<&C::SetValue>(),
+              Unequal(karmp::List(Max, Min, MaxRestitution, MinRestitution),
+                      karmp::List(Min, Max, MinRestitution, MaxRestitution)),
+              Word<&C::m_physicalQuantity>(L"PhysicalQuantity", "What the number measures."),
+              Word<&C::m_type>(L"Type", "Who decides on the value.")),
+        References<&C::GetLinkedConstraintCount, &C::GetLinkedConstraint, &C::LinkToConstraint>(
+            L"Constraints", L"Constraint", "The constraints that use it.")
+            .OtherSide(L"Variables"));
+};
+KARMP_DEFINE_CONTENT(KARMPVariable);
 
 KARMPVariable::KARMPVariable() = default;
 
@@ -49,32 +115,6 @@ KARStatus KARMPVariable::GetLoader(KARIMPVariableLoader*& loader) const
     return karmp::FetchLoader(*this, loader);
 }
 
-KARStatus KARMPVariable::LinkToConstraint(const QOBSharedHandle<KARMPConstraint>& constraint)
-{
-    return m_constraints.Add(constraint);
-}
-
-KARStatus KARMPVariable::RemoveConstraint(const QOBSharedHandle<KARMPConstraint>& constraint)
-{
-    return m_constraints.Remove(constraint);
-}
-
-KARStatus KARMPVariable::GetLinkedConstraint(int index,
-                                             QOBSharedHandle<KARMPConstraint>& constraint) const
-{
-    return m_constraints.Get(index, constraint);
-}
-
-int KARMPVariable::GetLinkedConstraintCount() const
-{
-    return m_constraints.Count();
-}
-
-bool KARMPVariable::HasValue() const
-{
-    return m_hasValue;
-}
-
 KARStatus KARMPVariable::SetValue(double value)
 {
     m_value = value;
@@ -106,11 +146,6 @@ KARStatus KARMPVariable::UpdateValue(double value)
     return KARSuccess;
 }
 
-bool KARMPVariable::HasMinValue() const
-{
-    return m_hasMinValue;
-}
-
 KARStatus KARMPVariable::SetMinValue(double value)
 {
     m_minValue = value;
@@ -123,11 +158,6 @@ KARStatus KARMPVariable::GetMinValue(double& value) const
 {
     value = m_minValue;
     return KARSuccess;
-}
-
-bool KARMPVariable::HasMaxValue() const
-{
-    return m_hasMaxValue;
 }
 
 KARStatus KARMPVariable::SetMaxValue(double value)
@@ -150,20 +180,10 @@ KARStatus KARMPVariable::SetPhysicalQuantity(KARMPPhysicalQuantity::Enum quantit
     return KARSuccess;
 }
 
-KARMPPhysicalQuantity::Enum KARMPVariable::GetPhysicalQuantity() const
-{
-    return m_physicalQuantity;
-}
-
 KARStatus KARMPVariable::SetType(KARMPVariableType::Enum type)
 {
     m_type = type;
     return KARSuccess;
-}
-
-KARMPVariableType::Enum KARMPVariable::GetType() const
-{
-    return m_type;
 }
 
 KARStatus KARMPVariable::SetRestitutionOnMinLimit(double restitution)
