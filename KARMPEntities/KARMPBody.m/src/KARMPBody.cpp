@@ -2,6 +2,7 @@
 
 #include "KARIMPBodyLoader.h"
 #include "KARMPConnector.h"
+#include "KARMPContentWalk.h"
 #include "KARMPDisplacementSensor.h"
 #include "KARMPGeometry.h"
 #include "KARMPJoint.h"
@@ -16,6 +17,108 @@
 
 KARMP_DEFINE_ENTITY(KARMPBody, "DC8D8FB9-6ECD-4707-93D5-A11AF41E855B");
 
+template <>
+struct karmp::ContentOf<KARMPBody>
+{
+    using C = KARMPBody;
+
+    // What loader and neighbour answer to the move is not the document's concern.
+    static void TakePosition(C& body, const KARMathTransformation& position)
+    {
+        body.SetPosition(position, 1);
+    }
+    // Velocities count as known only when a component is above 0: a body that moves along negative
+    // axes alone reads back without known velocities.
+    static void NoteVelocity(C& body, const KARMathVector& read)
+    {
+        if (read.GetX() > 0.0 || read.GetY() > 0.0 || read.GetZ() > 0.0)
+            body.m_velocitySet = true;
+    }
+    static void TakeLinearVelocity(C& body, const KARMathVector& read)
+    {
+        body.m_linearVelocity = read;
+        NoteVelocity(body, read);
+    }
+    static void TakeAngularVelocity(C& body, const KARMathVector& read)
+    {
+        body.m_angularVelocity = read;
+        NoteVelocity(body, read);
+    }
+    static bool FollowsFather(const C& body)
+    {
+        return !body.m_floating && !body.m_fixed && body.m_father;
+    }
+
+    static constexpr auto Velocities = Group(
+        L"Velocity", "The last known velocities.",
+        NumbersElement<&C::m_linearVelocity>(L"LinearVelocity", VectorNames, "The linear velocity.",
+                                             KARMPPhysicalQuantity::Velocity)
+            .ZeroIfMissing()
+            .Through<&TakeLinearVelocity>(),
+        NumbersElement<&C::m_angularVelocity>(L"AngularVelocity", VectorNames,
+                                              "The angular velocity.",
+                                              KARMPPhysicalQuantity::AngularVelocity)
+            .ZeroIfMissing()
+            .Through<&TakeAngularVelocity>());
+    static constexpr auto Accelerations =
+        Group(L"Acceleration", "The last known accelerations.",
+              NumbersElement<&C::m_linearAcceleration>(L"LinearAcceleration", VectorNames,
+                                                       "The linear acceleration.",
+                                                       KARMPPhysicalQuantity::Acceleration),
+              NumbersElement<&C::m_angularAcceleration>(
+                  L"AngularAcceleration", VectorNames, "The angular acceleration.",
+                  KARMPPhysicalQuantity::AngularAcceleration));
+    static constexpr auto Weight =
+        Group(L"Weight", "The mass and how it is distributed.",
+              Number<&C::m_mass>(L"Mass", "The mass.", KARMPPhysicalQuantity::Mass),
+              NumbersElement<&C::m_centerOfGravity>(L"COG", PointNames, "The centre of gravity.",
+                                                    KARMPPhysicalQuantity::Length),
+              NumbersElement<&C::m_inertiaMatrix>(L"InertiaMatrix", MatrixNames,
+                                                  "The inertia matrix, by columns.",
+                                                  KARMPPhysicalQuantity::Inertia));
+    static constexpr auto Links = karmp::List(
+        References<&C::m_geometries, &C::AddGeometry>(L"Geometries", L"Geometry",
+                                                      "The geometries that it carries.")
+            .OtherSide(L"Body"),
+        References<&C::m_joints, &C::LinkToJoint>(L"Joints", L"Joint", "The joints that use it.")
+            .OtherSide(L"Bodies"),
+        References<&C::m_shapes, &C::LinkToShape>(L"Shapes", L"Shape", "The shapes that it has.")
+            .OtherSide(L"Bodies"),
+        // A connector refers back by one of two items.
+        References<&C::m_connectors, &C::LinkToConnector>(L"Connectors", L"Connector",
+                                                          "The connectors that act on it."),
+        Reference<&C::GetDisplacementSensor, &C::SetDisplacementSensor>(
+            L"DisplacementSensor", "The sensor that measures how far it was moved.")
+            .OtherSide(L"Body"),
+        References<&C::m_impactedChildren, &C::AddImpactedChildBody>(
+            L"ImpactedChildrenBodies", L"ImpactedChildBody",
+            "The bodies that are refreshed when it moves."),
+        References<&C::m_children, &C::AddBody>(L"ChildrenBodies", L"ChildBody",
+                                                "The children in the tree of bodies."));
+
+    // A failing base costs the state, not the links; an element that cannot be added gives 0.
+    static constexpr ContentFrame Frame{{.missingElement = KARSuccess, .goesOn = true},
+                                        {.goesOn = true}};
+    static constexpr auto List = Element(
+        L"Body", "A rigid body.", Frame,
+        Transformation<&C::GetPosition>(L"Position", "From the body's axes to the world's.")
+            .ZeroIfMissing()
+            .Through<&TakePosition>(),
+        Velocities, Accelerations, Weight,
+        Attribute(WordOf<&C::m_fixed>(L"is_fixed", NoYes, "Whether it is fixed."))
+            .Through<&C::SetFix>(),
+        Since(R2016_1, Flag<&C::m_outOfWorld>(L"OutOfWorld", "Whether it lies outside the world.")),
+        Links.EvenIfBaseFails(),
+        Attribute(Flag<&C::m_floating>(
+                      L"floating",
+                      "Whether it floats; written for a body that follows its father alone."))
+            .Optional()
+            .When<&FollowsFather>()
+            .Through<&C::SetFloating>()
+            .EvenIfBaseFails());
+};
+KARMP_DEFINE_CONTENT(KARMPBody);
+
 namespace {
 
 // The bodies that a dying body of this thread let go of, while there is one.
@@ -28,7 +131,6 @@ KARMPBody::KARMPBody() = default;
 KARMPBody::KARMPBody(const KARMPBody& source, CopyMode mode)
     : Super(source, mode),
       m_fixed(source.m_fixed),
-      m_floating(source.m_floating),
       m_position(source.m_position),
       m_linearVelocity(source.m_linearVelocity),
       m_angularVelocity(source.m_angularVelocity),
@@ -37,6 +139,7 @@ KARMPBody::KARMPBody(const KARMPBody& source, CopyMode mode)
       m_mass(source.m_mass),
       m_centerOfGravity(source.m_centerOfGravity),
       m_inertiaMatrix(source.m_inertiaMatrix),
+      m_floating(source.m_floating),
       m_filePath(source.m_filePath)
 {}
 
@@ -88,8 +191,7 @@ void KARMPBody::ClearContainers()
 KARStatus KARMPBody::RemoveParent()
 {
     const QOBSharedHandle<KARMPBody> self(this);
-    if (m_displacementSensor) {
-        const auto sensor = std::exchange(m_displacementSensor, nullptr);
+    if (const auto sensor = m_displacementSensor.Take()) {
         const KARStatus status = sensor->RemoveBody(self);
         if (KARFailed(status))
             return status;
@@ -112,86 +214,6 @@ KARStatus KARMPBody::GetLoader(KARIMPBodyLoader*& loader) const
     return karmp::FetchLoader(*this, loader);
 }
 
-KARStatus KARMPBody::AddGeometry(const QOBSharedHandle<KARMPGeometry>& geometry)
-{
-    return m_geometries.Add(geometry);
-}
-
-KARStatus KARMPBody::LinkToJoint(const QOBSharedHandle<KARMPJoint>& joint)
-{
-    return m_joints.Add(joint);
-}
-
-KARStatus KARMPBody::LinkToShape(const QOBSharedHandle<KARMPShape>& shape)
-{
-    return m_shapes.Add(shape);
-}
-
-KARStatus KARMPBody::LinkToConnector(const QOBSharedHandle<KARMPConnector>& connector)
-{
-    return m_connectors.Add(connector);
-}
-
-KARStatus KARMPBody::AddImpactedChildBody(const QOBSharedHandle<KARMPBody>& body)
-{
-    return m_impactedChildren.Add(body);
-}
-
-KARStatus KARMPBody::RemoveGeometry(const QOBSharedHandle<KARMPGeometry>& geometry)
-{
-    return m_geometries.Remove(geometry);
-}
-
-KARStatus KARMPBody::RemoveJoint(const QOBSharedHandle<KARMPJoint>& joint)
-{
-    return m_joints.Remove(joint);
-}
-
-KARStatus KARMPBody::RemoveShape(const QOBSharedHandle<KARMPShape>& shape)
-{
-    return m_shapes.Remove(shape);
-}
-
-KARStatus KARMPBody::RemoveConnector(const QOBSharedHandle<KARMPConnector>& connector)
-{
-    return m_connectors.Remove(connector);
-}
-
-KARStatus KARMPBody::RemoveBody(const QOBSharedHandle<KARMPBody>& body)
-{
-    return m_impactedChildren.Remove(body);
-}
-
-KARStatus KARMPBody::GetGeometry(int index, QOBSharedHandle<KARMPGeometry>& geometry) const
-{
-    return m_geometries.Get(index, geometry);
-}
-
-KARStatus KARMPBody::GetLinkedJoint(int index, QOBSharedHandle<KARMPJoint>& joint) const
-{
-    return m_joints.Get(index, joint);
-}
-
-KARStatus KARMPBody::GetLinkedShape(int index, QOBSharedHandle<KARMPShape>& shape) const
-{
-    return m_shapes.Get(index, shape);
-}
-
-KARStatus KARMPBody::GetLinkedConnector(int index, QOBSharedHandle<KARMPConnector>& connector) const
-{
-    return m_connectors.Get(index, connector);
-}
-
-KARStatus KARMPBody::GetImpactedChildBody(int index, QOBSharedHandle<KARMPBody>& body) const
-{
-    return m_impactedChildren.Get(index, body);
-}
-
-KARStatus KARMPBody::GetChildBody(int index, QOBSharedHandle<KARMPBody>& body) const
-{
-    return m_children.Get(index, body);
-}
-
 KARStatus KARMPBody::AddBody(const QOBSharedHandle<KARMPBody>& child)
 {
     if (!child)
@@ -212,21 +234,14 @@ KARStatus KARMPBody::GetFatherBody(QOBSharedHandle<KARMPBody>& father) const
 
 KARStatus KARMPBody::SetDisplacementSensor(const QOBSharedHandle<KARMPDisplacementSensor>& sensor)
 {
-    m_displacementSensor = sensor;
-    return KARSuccess;
-}
-
-KARStatus KARMPBody::GetDisplacementSensor(QOBSharedHandle<KARMPDisplacementSensor>& sensor) const
-{
-    sensor = m_displacementSensor;
-    return sensor ? KARSuccess : KARFailure;
+    m_displacementSensor.Clear();
+    return sensor ? m_displacementSensor.Set(sensor) : KARSuccess;
 }
 
 KARStatus KARMPBody::RemoveDisplacementSensor(
     const QOBSharedHandle<KARMPDisplacementSensor>& sensor)
 {
-    if (KARMPVerify(static_cast<bool>(sensor)) && sensor == m_displacementSensor)
-        m_displacementSensor.detach();
+    m_displacementSensor.Remove(sensor);
     return KARSuccess;
 }
 

@@ -65,10 +65,10 @@ void KARMPBody::MoveOneself(const KARMathTransformation& move)
     m_position = move * m_position;
     if (m_wdmBody)
         KARMPVerify(!KARFailed(m_wdmBody->SetPosition(m_position)));
-    if (m_displacementSensor && m_displacementSensor->IsActive()) {
+    if (const auto& sensor = m_displacementSensor.Handle(); sensor && sensor->IsActive()) {
         KARMathTransformation displacement;
-        m_displacementSensor->GetDisplacement(displacement);
-        m_displacementSensor->SetDisplacement(move * displacement);
+        sensor->GetDisplacement(displacement);
+        sensor->SetDisplacement(move * displacement);
     }
     NotifyUpdate();
 }
@@ -109,7 +109,7 @@ void KARMPBody::TakeNeighbourName()
 KARStatus KARMPBody::SetFloating(bool floating)
 {
     m_floating = floating;
-    // Meant: this never moves the neighbour away from the status it came with.
+    // This never moves the neighbour away from the status it came with.
     if (m_wdmBody)
         m_wdmBody->setFloating(m_initialFloating);
     return KARSuccess;
@@ -121,11 +121,6 @@ KARStatus KARMPBody::Restore_Initial_WDMBody_Floating_status()
         m_wdmBody->setFloating(m_initialFloating);
     m_floating = m_initialFloating;
     return KARSuccess;
-}
-
-KARStatus KARMPBody::SetFix(bool fixed)
-{
-    return fixed ? Fix() : Unfix();
 }
 
 KARStatus KARMPBody::Fix()

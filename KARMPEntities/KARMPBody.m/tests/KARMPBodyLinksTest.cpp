@@ -162,6 +162,17 @@ TEST_F(BodyLinks, TheDisplacementSensorIsOne)
     EXPECT_EQ(body->GetDisplacementSensor(found), KARFailure);
 }
 
+TEST_F(BodyLinks, ANullDisplacementSensorReplacesTheStoredOneWithoutAReport)
+{
+    const Body body = NewBody(L"b");
+    const auto sensor = Keep(KARMPDisplacementSensor::create(L"s"));
+    body->SetDisplacementSensor(sensor);
+    EXPECT_EQ(body->SetDisplacementSensor({}), KARSuccess);
+    QOBSharedHandle<KARMPDisplacementSensor> found(sensor);
+    EXPECT_EQ(body->GetDisplacementSensor(found), KARFailure);
+    EXPECT_FALSE(found);
+}
+
 /// A body with one link of each kind, made on both sides.
 class LinkedBody : public BodyFixture
 {
