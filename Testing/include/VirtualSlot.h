@@ -3,6 +3,9 @@
 
 #include <cstddef>
 #include <cstring>
+#include <vector>
+
+#include <gtest/gtest.h>
 
 #if defined(__GNUC__)
 
@@ -16,6 +19,20 @@ std::size_t VirtualSlot(Operation operation)
     std::size_t word = 0;
     std::memcpy(&word, &operation, sizeof word);
     return (word - 1) / sizeof(void*);
+}
+
+using VirtualSlots = std::vector<std::size_t>;
+
+/// Expects that slots follow each other from an index on.
+inline void ExpectSlotsFrom(std::size_t first, const VirtualSlots& slots)
+{
+    for (std::size_t i = 0; i < slots.size(); ++i)
+        EXPECT_EQ(slots[i], first + i) << "operation " << i << " of the list";
+}
+/// Expects that slots follow each other behind another one.
+inline void ExpectSlotsBehind(std::size_t last, const VirtualSlots& slots)
+{
+    ExpectSlotsFrom(last + 1, slots);
 }
 
 #endif

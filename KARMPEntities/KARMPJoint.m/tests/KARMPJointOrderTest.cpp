@@ -12,14 +12,6 @@
 
 namespace {
 
-using Slots = std::vector<std::size_t>;
-
-void ExpectBehind(std::size_t last, const Slots& slots)
-{
-    for (std::size_t i = 0; i < slots.size(); ++i)
-        EXPECT_EQ(slots[i], last + 1 + i) << "operation " << i << " of the list";
-}
-
 // Has a name for what entities keep to their families.
 class OpenJoint : public KARMPJoint
 {
@@ -30,13 +22,13 @@ public:
 TEST(JointOrder, AJointsOperationsStandBehindThoseOfEntities)
 {
     using GetLoader = KARStatus (KARMPJoint::*)(KARIMPJointLoader*&) const;
-    ExpectBehind(OpenJoint::LastOfEntities(),
-                 {VirtualSlot(static_cast<GetLoader>(&KARMPJoint::GetLoader)),
-                  VirtualSlot(&KARMPJoint::GetFrames), VirtualSlot(&KARMPJoint::GetFrameCount),
-                  VirtualSlot(&KARMPJoint::GetFrame),
-                  VirtualSlot(&KARMPJoint::GetSolverEquivalentJointType),
-                  VirtualSlot(&KARMPJoint::GetSolverEquivalentJointType2),
-                  VirtualSlot(&KARMPJoint::SetSolverEquivalentJointType)});
+    ExpectSlotsBehind(OpenJoint::LastOfEntities(),
+                      {VirtualSlot(static_cast<GetLoader>(&KARMPJoint::GetLoader)),
+                       VirtualSlot(&KARMPJoint::GetFrames), VirtualSlot(&KARMPJoint::GetFrameCount),
+                       VirtualSlot(&KARMPJoint::GetFrame),
+                       VirtualSlot(&KARMPJoint::GetSolverEquivalentJointType),
+                       VirtualSlot(&KARMPJoint::GetSolverEquivalentJointType2),
+                       VirtualSlot(&KARMPJoint::SetSolverEquivalentJointType)});
 }
 
 template <class Kind>
@@ -44,9 +36,9 @@ void ExpectFramesBehindJoint()
 {
     using GetFrames = KARStatus (Kind::*)(std::vector<KARMathAxis>&) const;
     using GetFrame = KARStatus (Kind::*)(int, KARMathAxis&) const;
-    ExpectBehind(VirtualSlot(&KARMPJoint::SetSolverEquivalentJointType),
-                 {VirtualSlot(static_cast<GetFrames>(&Kind::GetFrames)),
-                  VirtualSlot(static_cast<GetFrame>(&Kind::GetFrame))});
+    ExpectSlotsBehind(VirtualSlot(&KARMPJoint::SetSolverEquivalentJointType),
+                      {VirtualSlot(static_cast<GetFrames>(&Kind::GetFrames)),
+                       VirtualSlot(static_cast<GetFrame>(&Kind::GetFrame))});
 }
 
 TEST(JointOrder, TheFramesOfCouplingsStandBehindAJointsOperations)

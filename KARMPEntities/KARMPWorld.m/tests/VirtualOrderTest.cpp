@@ -14,13 +14,7 @@
 
 namespace {
 
-using Slots = std::vector<std::size_t>;
-
-void ExpectInOrder(const Slots& slots, std::size_t first)
-{
-    for (std::size_t i = 0; i < slots.size(); ++i)
-        EXPECT_EQ(slots[i], first + i) << "operation " << i << " of the list";
-}
+using Slots = VirtualSlots;
 
 // Has names for what entities keep to their families.
 class OpenEntity : public KARMPEntity
@@ -103,16 +97,16 @@ TEST(VirtualOrder, OfAnEntityIsFixed)
 {
     const Slots root = OpenEntity::Root();
     const Slots rest = OpenEntity::BehindDestructor();
-    ExpectInOrder(root, 0);
-    ExpectInOrder(rest, root.size() + DestructorSlots);
-    ExpectInOrder(OpenEntity::Hooks(), root.size() + DestructorSlots + rest.size());
+    ExpectSlotsFrom(0, root);
+    ExpectSlotsFrom(root.size() + DestructorSlots, rest);
+    ExpectSlotsFrom(root.size() + DestructorSlots + rest.size(), OpenEntity::Hooks());
 }
 
 TEST(VirtualOrder, OfAWorldIsFixed)
 {
     const Slots root = OpenWorld::Root();
-    ExpectInOrder(root, 0);
-    ExpectInOrder(OpenWorld::BehindDestructor(), root.size() + DestructorSlots);
+    ExpectSlotsFrom(0, root);
+    ExpectSlotsFrom(root.size() + DestructorSlots, OpenWorld::BehindDestructor());
 }
 
 } // namespace
