@@ -147,6 +147,31 @@ struct AccessTraits<R (C::*)()>
 template <auto Access>
 using TraitsOf = AccessTraits<std::remove_const_t<decltype(Access)>>;
 
+/// The way to one entry of a member that is an array: `Number<At<&C::m_friction, 2>>(...)`.
+template <auto Array, std::size_t Index>
+struct ArrayEntry
+{};
+template <auto Array, std::size_t Index>
+inline constexpr ArrayEntry<Array, Index> At{};
+
+template <auto Array, std::size_t Index>
+struct AccessTraits<ArrayEntry<Array, Index>>
+{
+    using Class = typename TraitsOf<Array>::Class;
+    using Value = typename TraitsOf<Array>::Value::value_type;
+    static constexpr bool Stores = true;
+    static KARStatus Get(ArrayEntry<Array, Index>, const Class& owner, Value& value)
+    {
+        value = std::get<Index>(owner.*Array);
+        return KARSuccess;
+    }
+    static KARStatus Set(ArrayEntry<Array, Index>, Class& owner, const Value& value)
+    {
+        std::get<Index>(owner.*Array) = value;
+        return KARSuccess;
+    }
+};
+
 /// How a type of value stands in an ItemValue.
 template <class T>
 struct ItemConversion;

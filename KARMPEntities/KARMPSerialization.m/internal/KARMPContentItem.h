@@ -70,6 +70,8 @@ struct ItemValue
     QOBSharedBase entity;
     /// The target of a reference that is read, not null.
     const QOBSharedHandle<KARMPEntity>* target = nullptr;
+    /// A record of a list: the owner of the record's items.
+    const void* record = nullptr;
 };
 
 /// One item. `owner` is the entity as a KARMPEntity, or the record as its own class. Items of a
@@ -183,6 +185,9 @@ struct Content
     std::wstring_view element;
     /// The element that is read where it is another one.
     std::wstring_view readElement;
+    /// Names the element where an operation of the owner does so; `element` is the class's own
+    /// name.
+    std::wstring_view (*elementOf)(const void* owner) = nullptr;
     std::string_view says;
     ContentFrame frame;
     std::span<const Item> items;
@@ -194,6 +199,16 @@ struct Content
 
     /// The element that the reader looks for.
     std::wstring_view ReadElement() const { return readElement.empty() ? element : readElement; }
+    /// The element of an owner that is written.
+    std::wstring_view ElementOf(const void* owner) const
+    {
+        return elementOf != nullptr ? elementOf(owner) : element;
+    }
+    /// The element that the reader of an owner looks for.
+    std::wstring_view ReadElementOf(const void* owner) const
+    {
+        return elementOf != nullptr ? elementOf(owner) : ReadElement();
+    }
 };
 
 } // namespace karmp

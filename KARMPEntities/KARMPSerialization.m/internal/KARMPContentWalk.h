@@ -65,6 +65,16 @@ struct ContentList
         copy.content.readElement = element;
         return copy;
     }
+    /// An operation of the owner names the element, so that a subclass can name another one.
+    template <auto Name>
+    constexpr ContentList NamedBy() const
+    {
+        ContentList copy = *this;
+        copy.content.elementOf = [](const void* owner) -> std::wstring_view {
+            return (OwnerAs<typename TraitsOf<Name>::Class>(owner).*Name)();
+        };
+        return copy;
+    }
 };
 
 constexpr Content MakeHead(std::wstring_view element, std::string_view says,
@@ -107,6 +117,22 @@ consteval bool IsWhole(const ItemList<N>& list)
             i += item.inner;
     }
     return true;
+}
+
+/// The content of a record. `Described` has the list as its member `List`, made by Base: the item
+/// that lists the records names their element.
+template <class Described>
+const Content& RecordContent()
+{
+    static constexpr auto items = Described::List.list;
+    static constexpr Content content = [] {
+        Content made = Described::List.content;
+        made.items = items.items;
+        // A record has no place of its own: that of its first item says as much.
+        made.where = items.items[0].where;
+        return made;
+    }();
+    return content;
 }
 
 /// Enters a class's content under the class's name when it is constructed.

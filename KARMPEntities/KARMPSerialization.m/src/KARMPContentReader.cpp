@@ -324,9 +324,10 @@ KARStatus ReadContent(const Content& content, void* owner, const KARMPDeserializ
         KARMPVerify(statuses.silentNull, content.where);
         return statuses.nullNode;
     }
-    ElementReader element = content.element.empty()
-                                ? ElementReader(deserializer, content.where)
-                                : ElementReader(deserializer, content.ReadElement(), content.where);
+    ElementReader element =
+        content.element.empty()
+            ? ElementReader(deserializer, content.where)
+            : ElementReader(deserializer, content.ReadElementOf(owner), content.where);
     if (!element)
         return statuses.missingElement;
 

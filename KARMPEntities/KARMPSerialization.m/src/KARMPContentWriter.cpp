@@ -227,9 +227,10 @@ KARStatus WriteContent(const Content& content, const void* owner, KARMPSerialize
         KARMPVerify(statuses.silentNull, content.where);
         return statuses.nullNode;
     }
-    ElementWriter element = content.element.empty()
-                                ? ElementWriter(serializer, content.where)
-                                : ElementWriter(serializer, content.element, content.where);
+    ElementWriter element =
+        content.element.empty()
+            ? ElementWriter(serializer, content.where)
+            : ElementWriter(serializer, content.ElementOf(owner), content.where);
     if (!element)
         return statuses.missingElement;
 
