@@ -7,6 +7,7 @@
 
 #include "KARMPConstraintParameter.h"
 #include "KARMPEntity.h"
+#include "KARMPLink.h"
 
 #include <vector>
 
@@ -52,13 +53,13 @@ public:
     /// Hands out the link at an index from 0; outside the list a null handle and a failure. The
     /// same holds for variables and sensors.
     virtual KARStatus GetLinkedGeometry(int index, QOBSharedHandle<KARMPGeometry>& geometry) const;
-    virtual int GetLinkedGeometryCount() const;
+    virtual int GetLinkedGeometryCount() const { return m_geometries.Count(); }
     virtual KARStatus LinkToVariable(const QOBSharedHandle<KARMPVariable>& variable);
     virtual KARStatus GetLinkedVariable(int index, QOBSharedHandle<KARMPVariable>& variable) const;
-    virtual int GetLinkedVariableCount() const;
+    virtual int GetLinkedVariableCount() const { return m_variables.Count(); }
     virtual KARStatus LinkToSensor(const QOBSharedHandle<KARMPSensor>& sensor);
     virtual KARStatus GetLinkedSensor(int index, QOBSharedHandle<KARMPSensor>& sensor) const;
-    virtual int GetLinkedSensorCount() const;
+    virtual int GetLinkedSensorCount() const { return m_sensors.Count(); }
 
     /// Appends a parameter, null included, and takes it over; always 0.
     virtual KARStatus AddConstraintParameter(KARMPConstraintParameter* parameter);
@@ -96,8 +97,9 @@ protected:
 
 private:
     void WriteParameters(KARMPSerializer* element) const;
+    void ReadParameters(const KARMPDeserializer* element);
 
-    QOBSharedHandle<KARMPJoint> m_joint;
+    KARMPLink<KARMPJoint> m_joint;
     KARMPLinkList<KARMPGeometry> m_geometries;
     KARMPLinkList<KARMPVariable> m_variables;
     KARMPLinkList<KARMPSensor> m_sensors;

@@ -10,6 +10,14 @@
 class KARMPDeserializer;
 class KARMPSerializer;
 
+namespace karmp {
+
+struct Content;
+template <class C>
+struct ContentOf;
+
+} // namespace karmp
+
 class KARMP_API KARMPConstraintParameter
 {
 public:
@@ -26,6 +34,8 @@ public:
     /// Reads the record from its own element and makes it initialized, whatever the element holds.
     /// A null element is a failed check and a failure; missing items are reported and give 0.
     virtual KARStatus Deserialize(const KARMPDeserializer* deserializer);
+    /// What a record holds in a document, within its element.
+    static const karmp::Content& RecordContent();
 
     /// Stores the two types.
     void SetTypes(const int* types);
@@ -47,6 +57,9 @@ public:
     bool IsComplete() const { return m_types[0] != 0 && m_tags[0] != 0; }
 
 private:
+    template <class C>
+    friend struct karmp::ContentOf;
+
     std::array<int, 2> m_types{};
     std::array<unsigned int, 3> m_tags{};
     std::array<double, 3> m_params{};

@@ -78,10 +78,10 @@ KARStatus KARMPConstraint::RemoveParent()
     const QOBSharedHandle<KARMPConstraint> self(this, QOBSharedBase::NoLock);
     KARStatus status = KARSuccess;
     if (m_joint) {
-        const QOBSharedHandle<KARMPJoint> joint(m_joint, QOBSharedBase::WriteLock);
+        const QOBSharedHandle<KARMPJoint> joint(m_joint.Handle(), QOBSharedBase::WriteLock);
         if (KARMPVerify(static_cast<bool>(joint)))
             status = joint->RemoveConstraint(self);
-        m_joint.detach();
+        m_joint.Clear();
     }
     const auto unlink = [&self](auto& linked) { return linked.RemoveConstraint(self); };
     if (!KARFailed(status))
@@ -100,24 +100,20 @@ KARStatus KARMPConstraint::GetLoader(KARIMPConstraintLoader*& loader) const
 
 KARStatus KARMPConstraint::SetJoint(const QOBSharedHandle<KARMPJoint>& joint)
 {
-    m_joint = joint;
+    if (joint)
+        return m_joint.Set(joint);
+    m_joint.Clear();
     return KARSuccess;
 }
 
 KARStatus KARMPConstraint::GetJoint(QOBSharedHandle<KARMPJoint>& joint) const
 {
-    joint = m_joint;
-    return joint ? KARSuccess : KARFailure;
+    return m_joint.Get(joint);
 }
 
 KARStatus KARMPConstraint::RemoveJoint(const QOBSharedHandle<KARMPJoint>& joint)
 {
-    if (!KARMPVerify(static_cast<bool>(joint)))
-        return KARFailure;
-    if (joint != m_joint)
-        return KARUnchanged;
-    m_joint.detach();
-    return KARSuccess;
+    return m_joint.Remove(joint);
 }
 
 KARStatus KARMPConstraint::LinkToGeometry(const QOBSharedHandle<KARMPGeometry>& geometry)
@@ -129,11 +125,6 @@ KARStatus KARMPConstraint::GetLinkedGeometry(int index,
                                              QOBSharedHandle<KARMPGeometry>& geometry) const
 {
     return m_geometries.Get(index, geometry);
-}
-
-int KARMPConstraint::GetLinkedGeometryCount() const
-{
-    return m_geometries.Count();
 }
 
 KARStatus KARMPConstraint::RemoveGeometry(const QOBSharedHandle<KARMPGeometry>& geometry)
@@ -152,11 +143,6 @@ KARStatus KARMPConstraint::GetLinkedVariable(int index,
     return m_variables.Get(index, variable);
 }
 
-int KARMPConstraint::GetLinkedVariableCount() const
-{
-    return m_variables.Count();
-}
-
 KARStatus KARMPConstraint::RemoveVariable(const QOBSharedHandle<KARMPVariable>& variable)
 {
     return m_variables.Remove(variable);
@@ -170,11 +156,6 @@ KARStatus KARMPConstraint::LinkToSensor(const QOBSharedHandle<KARMPSensor>& sens
 KARStatus KARMPConstraint::GetLinkedSensor(int index, QOBSharedHandle<KARMPSensor>& sensor) const
 {
     return m_sensors.Get(index, sensor);
-}
-
-int KARMPConstraint::GetLinkedSensorCount() const
-{
-    return m_sensors.Count();
 }
 
 KARStatus KARMPConstraint::RemoveSensor(const QOBSharedHandle<KARMPSensor>& sensor)
@@ -191,7 +172,7 @@ KARStatus KARMPConstraint::AddConstraintParameter(KARMPConstraintParameter* para
 KARStatus KARMPConstraint::GetConstraintParameter(int index,
                                                   KARMPConstraintParameter*& parameter) const
 {
-    // Not the virtual count: an heir may count what is not in this list.
+    // Not the virtual count: a subclass may count what is not in this list.
     if (index < 0 || static_cast<std::size_t>(index) >= m_parameters.size())
         return KARFailure;
     parameter = m_parameters[static_cast<std::size_t>(index)];

@@ -1,38 +1,33 @@
 #include "KARMPConstraintParameter.h"
 
-#include "KARMPElementReader.h"
-#include "KARMPElementWriter.h"
+#include "KARMPContentWalk.h"
+#include "KARMPFrames.h"
 
 #include <algorithm>
 
-namespace {
-
-constexpr karmp::Names<2> TypeNames{L"Type1", L"Type2"};
-constexpr karmp::Names<3> TagNames{L"Tag1", L"Tag2", L"Tag3"};
-
-template <class Integer, std::size_t N>
-void WriteIntegers(karmp::ElementWriter section, const karmp::Names<N>& names,
-                   const std::array<Integer, N>& values)
+template <>
+struct karmp::ContentOf<KARMPConstraintParameter>
 {
-    for (std::size_t i = 0; i < N; ++i)
-        section.Value(names[i], static_cast<int>(values[i]));
-}
+    using C = KARMPConstraintParameter;
+    // The tree has signed integers only; a tag above their range comes back by the reverse
+    // conversion.
+    static constexpr auto List = Base(
+        "Numbers that a solver keeps with a constraint.", LenientFrame,
+        Group(L"Types", "The types, which the solver gives their meaning.",
+              Integer<At<&C::m_types, 0>>(L"Type1", "The first type.").ZeroIfMissing(),
+              Integer<At<&C::m_types, 1>>(L"Type2", "The second type.").ZeroIfMissing()),
+        Group(L"Tags", "The tags, which the solver gives their meaning.",
+              Integer<At<&C::m_tags, 0>>(L"Tag1", "The first tag.").ZeroIfMissing(),
+              Integer<At<&C::m_tags, 1>>(L"Tag2", "The second tag.").ZeroIfMissing(),
+              Integer<At<&C::m_tags, 2>>(L"Tag3", "The third tag.").ZeroIfMissing()),
+        Group(L"Params", "The values, which the solver gives their meaning.",
+              Numbers<&C::m_params>(L"Values", CentreNames, "The three values.").ZeroIfMissing()));
+};
 
-// The tree has signed integers only; a tag above their range comes back by the reverse conversion.
-template <class Integer, std::size_t N>
-void ReadIntegers(karmp::ElementReader section, const karmp::Names<N>& names,
-                  std::array<Integer, N>& values)
+const karmp::Content& KARMPConstraintParameter::RecordContent()
 {
-    if (!section)
-        return;
-    std::array<int, N> read{};
-    for (std::size_t i = 0; i < N; ++i)
-        section.Value(names[i], read[i], karmp::Absent::ReportAndZero);
-    std::transform(read.begin(), read.end(), values.begin(),
-                   [](int value) { return static_cast<Integer>(value); });
+    return karmp::RecordContent<karmp::ContentOf<KARMPConstraintParameter>>();
 }
-
-} // namespace
 
 KARMPConstraintParameter::KARMPConstraintParameter() = default;
 KARMPConstraintParameter::KARMPConstraintParameter(const KARMPConstraintParameter&) = default;
@@ -42,27 +37,15 @@ KARMPConstraintParameter& KARMPConstraintParameter::operator=(const KARMPConstra
 
 KARStatus KARMPConstraintParameter::Serialize(KARMPSerializer* serializer) const
 {
-    karmp::ElementWriter element(serializer, L"ConstraintParameter");
-    if (!element)
-        return KARFailure;
-    WriteIntegers(element.Child(L"Types"), TypeNames, m_types);
-    WriteIntegers(element.Child(L"Tags"), TagNames, m_tags);
-    element.Child(L"Params").Values(karmp::CentreNames, m_params);
-    return KARSuccess;
+    const karmp::ElementWriter element(serializer, L"ConstraintParameter");
+    return element ? karmp::WriteContent(RecordContent(), this, element.Node(), nullptr)
+                   : KARFailure;
 }
 
 KARStatus KARMPConstraintParameter::Deserialize(const KARMPDeserializer* deserializer)
 {
     m_initialized = true;
-    using karmp::Absent;
-    karmp::ElementReader element(deserializer);
-    if (!element)
-        return KARFailure;
-    ReadIntegers(element.Child(L"Types", Absent::ReportAndKeep), TypeNames, m_types);
-    ReadIntegers(element.Child(L"Tags", Absent::ReportAndKeep), TagNames, m_tags);
-    if (karmp::ElementReader section = element.Child(L"Params", Absent::ReportAndKeep))
-        section.Values(karmp::CentreNames, m_params, Absent::ReportAndZero);
-    return KARSuccess;
+    return karmp::ReadContent(RecordContent(), this, deserializer, KARMPEntityTable(), nullptr);
 }
 
 void KARMPConstraintParameter::SetTypes(const int* types)

@@ -1,6 +1,7 @@
+// What a constraint holds in a document.
 #include "KARMPConstraint.h"
-#include "KARMPElementReader.h"
-#include "KARMPElementWriter.h"
+#include "KARMPContentWalk.h"
+#include "KARMPFrames.h"
 #include "KARMPGeometry.h"
 #include "KARMPJoint.h"
 #include "KARMPSensor.h"
@@ -9,37 +10,51 @@
 #include <algorithm>
 #include <memory>
 
+template <>
+struct karmp::ContentOf<KARMPConstraint>
+{
+    using C = KARMPConstraint;
+
+    // One initialized parameter lets all be written, the others included.
+    static bool HasInitializedParameter(const C& constraint)
+    {
+        const auto& parameters = constraint.m_parameters;
+        return std::any_of(parameters.begin(), parameters.end(), [](const auto* parameter) {
+            return parameter != nullptr && parameter->IsInitialized();
+        });
+    }
+
+    static constexpr auto List = Base(
+        "A condition on geometry.", LenientFrame,
+        References<&C::GetLinkedGeometryCount, &C::GetLinkedGeometry, &C::LinkToGeometry>(
+            L"Geometries", L"Geometry", "The geometries that it is put on.")
+            .OtherSide(L"Constraints"),
+        Reference<&C::GetJoint, &C::SetJoint>(L"Joint", "The joint that it belongs to.")
+            .OtherSide(L"Constraints"),
+        References<&C::GetLinkedVariableCount, &C::GetLinkedVariable, &C::LinkToVariable>(
+            L"Variables", L"Variable", "The variables that it drives or relates.")
+            .OtherSide(L"Constraints"),
+        References<&C::GetLinkedSensorCount, &C::GetLinkedSensor, &C::LinkToSensor>(
+            L"Sensors", L"Sensor", "The sensors that watch it."),
+        // Each record writes and reads itself, so that a subclass of it can do so in its own way.
+        Records<&C::m_parameters>(L"ConstraintParameters", L"ConstraintParameter",
+                                  &KARMPConstraintParameter::RecordContent,
+                                  "What a solver keeps with it.")
+            .When<&HasInitializedParameter>()
+            .Owned());
+};
+KARMP_DESCRIBE_CONTENT(KARMPConstraint);
+
 KARStatus KARMPConstraint::Serialize(KARMPSerializer* serializer) const
 {
-    karmp::ElementWriter element(serializer);
-    if (!element || !element.Base(Super::Serialize(element.Node())))
-        return KARFailure;
-    element.References<KARMPGeometry>(
-        L"Geometries", L"Geometry", GetLinkedGeometryCount(),
-        [this](int index, auto& geometry) { return GetLinkedGeometry(index, geometry); });
-    QOBSharedHandle<KARMPJoint> joint;
-    if (!KARFailed(GetJoint(joint)))
-        element.Reference(L"Joint", joint);
-    element.References<KARMPVariable>(
-        L"Variables", L"Variable", GetLinkedVariableCount(),
-        [this](int index, auto& variable) { return GetLinkedVariable(index, variable); });
-    element.References<KARMPSensor>(
-        L"Sensors", L"Sensor", GetLinkedSensorCount(),
-        [this](int index, auto& sensor) { return GetLinkedSensor(index, sensor); });
-    WriteParameters(element.Node());
-    // A link or parameter that could not be written was reported and is no failure of the whole.
-    return KARSuccess;
+    const KARStatus status = karmp::WriteContent<Super>(*this, serializer);
+    if (!KARFailed(status) && karmp::ContentOf<KARMPConstraint>::HasInitializedParameter(*this))
+        WriteParameters(serializer);
+    return status;
 }
 
 void KARMPConstraint::WriteParameters(KARMPSerializer* element) const
 {
-    // One initialized parameter lets all be written, the others included.
-    const bool wanted =
-        std::any_of(m_parameters.begin(), m_parameters.end(), [](const auto* parameter) {
-            return parameter != nullptr && parameter->IsInitialized();
-        });
-    if (!wanted)
-        return;
     const karmp::ElementWriter container(element, L"ConstraintParameters");
     if (!container)
         return;
@@ -51,24 +66,21 @@ void KARMPConstraint::WriteParameters(KARMPSerializer* element) const
 KARStatus KARMPConstraint::Deserialize(const KARMPDeserializer* deserializer,
                                        const KARMPEntityTable& entities)
 {
-    karmp::ElementReader element(deserializer);
-    if (!element || !element.Base(Super::Deserialize(element.Node(), entities)))
-        return KARFailure;
-    element.References<KARMPGeometry>(
-        L"Geometries", L"Geometry", entities,
-        [this](const auto& geometry) { return LinkToGeometry(geometry); });
-    element.Reference<KARMPJoint>(
-        L"Joint", entities, [this](const auto& joint) { return SetJoint(joint); });
-    element.References<KARMPVariable>(
-        L"Variables", L"Variable", entities,
-        [this](const auto& variable) { return LinkToVariable(variable); });
-    element.References<KARMPSensor>(L"Sensors", L"Sensor", entities,
-                                    [this](const auto& sensor) { return LinkToSensor(sensor); });
-    element.Child(L"ConstraintParameters", karmp::Absent::Keep)
-        .Each(L"ConstraintParameter", [this](const karmp::ElementReader& child) {
-            auto parameter = std::make_unique<KARMPConstraintParameter>();
-            KARMPVerify(!KARFailed(parameter->Deserialize(child.Node())));
-            AddConstraintParameter(parameter.release());
-        });
-    return KARSuccess;
+    const KARStatus status = karmp::ReadContent<Super>(*this, deserializer, entities);
+    if (!KARFailed(status))
+        ReadParameters(deserializer);
+    return status;
+}
+
+void KARMPConstraint::ReadParameters(const KARMPDeserializer* element)
+{
+    karmp::ElementReader(element)
+        .Child(L"ConstraintParameters", karmp::Absent::Keep)
+        .Each(
+            L"ConstraintParameter",
+            [this](const karmp::ElementReader& child) {
+                auto parameter = std::make_unique<KARMPConstraintParameter>();
+                KARMPVerify(!KARFailed(parameter->Deserialize(child.Node())));
+                AddConstraintParameter(parameter.release());
+            });
 }
