@@ -1,7 +1,7 @@
 #include "KARMPLinearEquation.h"
 
-#include "KARMPElementReader.h"
-#include "KARMPElementWriter.h"
+#include "KARMPContentWalk.h"
+#include "KARMPFrames.h"
 
 KARMP_DEFINE_ENTITY(KARMPLinearEquation, "F2C5A6F7-8429-48EB-BAEB-587A98C2490F");
 
@@ -16,10 +16,50 @@ constexpr std::wstring_view TermName = L"LinearTerm";
 constexpr std::wstring_view TermIndexName = L"LinearTermIndex";
 constexpr std::wstring_view TermValueName = L"LinearTermValue";
 
-// Places are made in blocks, always up to the multiple above what is asked for.
+// The capacity grows in blocks, always to the multiple above what is asked for.
 constexpr std::size_t TermBlock = 32;
 
+constexpr karmp::Names<2> ConstantNames{HasConstantName, ConstantValueName};
+
+// The content of a term, which is a coefficient in the list of the equation.
+struct TermContent
+{
+    // The equation knows it, not the term.
+    static KARStatus Index(const double&, int&) { return KARFailure; }
+    static double Coefficient(const double& term) { return term; }
+    static void SetCoefficient(double& term, double coefficient) { term = coefficient; }
+
+    static constexpr auto List = karmp::Base(
+        "A term of a linear equation.", karmp::LenientFrame,
+        karmp::Integer<&Index>(TermIndexName, "The index of the term, which does not place it.")
+            .Coded(),
+        karmp::Number<&Coefficient>(TermValueName, "The coefficient.")
+            .ZeroIfMissing()
+            .Through<&SetCoefficient>()
+            .Coded());
+};
+
 } // namespace
+
+// Code writes and reads it: the last term alone decides whether the terms failed, an equation
+// without terms fails, and the reader makes terms of all elements in the list, whatever their
+// names.
+template <>
+struct karmp::ContentOf<KARMPLinearEquation>
+{
+    using C = KARMPLinearEquation;
+    static constexpr auto List =
+        Element(ElementName, "A linear relation among variables.", CountingFrame,
+                OptionalNumber<&C::m_constant, &C::m_hasConstant>(ConstantName, ConstantNames,
+                                                                  "The constant term.")
+                    .Required()
+                    .Coded(),
+                Records<&C::m_terms>(TermsName, TermName, &RecordContent<TermContent>,
+                                     "The coefficients, one for each variable.")
+                    .Required()
+                    .AnyName());
+};
+KARMP_DESCRIBE_CONTENT(KARMPLinearEquation, KARMPConstraint);
 
 KARMPLinearEquation::KARMPLinearEquation() = default;
 
