@@ -50,5 +50,7 @@ protected:
 private:
     std::array<double, 6> m_friction{}; // in the order of SetFrictionParameters
     KARString m_motionState;
-    std::array<double, 3> m_motion{}; // tangent, rotation offset, translation offset
+    double m_tangent = 0.0;
+    double m_rotationOffset = 0.0;
+    double m_translationOffset = 0.0;
 };

@@ -1,36 +1,36 @@
 #include "KARMPCylindricalConstraint.h"
 
-#include "KARMPKinematicElement.h"
+#include "KARMPFriction.h"
 
 #include <tuple>
 
-using namespace std::literals;
-
 KARMP_DEFINE_ENTITY(KARMPCylindricalConstraint, "CE5F1E75-DB3D-425E-87BB-B18457533180");
 
-namespace {
-
-constexpr std::array FrictionItems{karmp::StaticFriction,
-                                   karmp::DynamicFriction,
-                                   karmp::StaticSpeedLimit,
-                                   karmp::DynamicSpeedLimit,
-                                   karmp::FrictionItem{L"ReferenceDiameter", 5},
-                                   karmp::FrictionItem{L"ReferenceLength", 4}};
-
-} // namespace
+template <>
+struct karmp::ContentOf<KARMPCylindricalConstraint>
+{
+    using C = KARMPCylindricalConstraint;
+    static constexpr auto List =
+        Element(L"CylindricalConstraint", "A turning about an axis and a sliding along it.",
+                KinematicFrame,
+                Friction<&C::m_friction>(ReferenceLength<&C::m_friction, 5>(
+                                             L"ReferenceDiameter", "The diameter of the pin."),
+                                         ReferenceLength<&C::m_friction, 4>(
+                                             L"ReferenceLength", "The length of the bore.")))
+            .NamedBy<&C::getClassSerializeID_>();
+};
+KARMP_DEFINE_CONTENT(KARMPCylindricalConstraint);
 
 KARMPCylindricalConstraint::KARMPCylindricalConstraint() = default;
-
 KARMPCylindricalConstraint::KARMPCylindricalConstraint(const KARMPCylindricalConstraint& source,
                                                        CopyMode mode)
     : Super(source, mode), m_friction(source.m_friction)
 {}
-
 KARMPCylindricalConstraint::~KARMPCylindricalConstraint() = default;
 
 std::wstring_view KARMPCylindricalConstraint::getClassSerializeID_() const
 {
-    return L"CylindricalConstraint"sv;
+    return ClassContent().element;
 }
 
 KARStatus KARMPCylindricalConstraint::SetFrictionParameters(
@@ -49,15 +49,4 @@ KARStatus KARMPCylindricalConstraint::GetFrictionParameters(
     std::tie(staticFriction, staticSpeedLimit, dynamicFriction, dynamicSpeedLimit, referenceLength,
              referenceDiameter) = std::tuple_cat(m_friction);
     return KARSuccess;
-}
-
-KARStatus KARMPCylindricalConstraint::Serialize(KARMPSerializer* serializer) const
-{
-    return karmp::WriteKinematic(*this, serializer, FrictionItems, m_friction.data());
-}
-
-KARStatus KARMPCylindricalConstraint::Deserialize(const KARMPDeserializer* deserializer,
-                                                  const KARMPEntityTable& entities)
-{
-    return karmp::ReadKinematic(*this, deserializer, entities, FrictionItems, m_friction.data());
 }

@@ -1,36 +1,35 @@
 #include "KARMPPrismaticConstraint.h"
 
-#include "KARMPKinematicElement.h"
+#include "KARMPFriction.h"
 
 #include <tuple>
 
-using namespace std::literals;
-
 KARMP_DEFINE_ENTITY(KARMPPrismaticConstraint, "BC308F09-8349-44B7-8983-238FFE90BB57");
 
-namespace {
-
-constexpr std::array FrictionItems{karmp::StaticFriction,
-                                   karmp::DynamicFriction,
-                                   karmp::StaticSpeedLimit,
-                                   karmp::DynamicSpeedLimit,
-                                   karmp::FrictionItem{L"ReferenceWidth", 4},
-                                   karmp::FrictionItem{L"ReferenceLength", 5}};
-
-} // namespace
+template <>
+struct karmp::ContentOf<KARMPPrismaticConstraint>
+{
+    using C = KARMPPrismaticConstraint;
+    static constexpr auto List =
+        Element(
+            L"PrismaticConstraint", "A sliding along an axis.", KinematicFrame,
+            Friction<&C::m_friction>(
+                ReferenceLength<&C::m_friction, 4>(L"ReferenceWidth", "The width of the slider."),
+                ReferenceLength<&C::m_friction, 5>(L"ReferenceLength", "The length of the guide.")))
+            .NamedBy<&C::getClassSerializeID_>();
+};
+KARMP_DEFINE_CONTENT(KARMPPrismaticConstraint);
 
 KARMPPrismaticConstraint::KARMPPrismaticConstraint() = default;
-
 KARMPPrismaticConstraint::KARMPPrismaticConstraint(const KARMPPrismaticConstraint& source,
                                                    CopyMode mode)
     : Super(source, mode), m_friction(source.m_friction)
 {}
-
 KARMPPrismaticConstraint::~KARMPPrismaticConstraint() = default;
 
 std::wstring_view KARMPPrismaticConstraint::getClassSerializeID_() const
 {
-    return L"PrismaticConstraint"sv;
+    return ClassContent().element;
 }
 
 KARStatus KARMPPrismaticConstraint::SetFrictionParameters(
@@ -49,15 +48,4 @@ KARStatus KARMPPrismaticConstraint::GetFrictionParameters(
     std::tie(staticFriction, staticSpeedLimit, dynamicFriction, dynamicSpeedLimit, referenceWidth,
              referenceLength) = std::tuple_cat(m_friction);
     return KARSuccess;
-}
-
-KARStatus KARMPPrismaticConstraint::Serialize(KARMPSerializer* serializer) const
-{
-    return karmp::WriteKinematic(*this, serializer, FrictionItems, m_friction.data());
-}
-
-KARStatus KARMPPrismaticConstraint::Deserialize(const KARMPDeserializer* deserializer,
-                                                const KARMPEntityTable& entities)
-{
-    return karmp::ReadKinematic(*this, deserializer, entities, FrictionItems, m_friction.data());
 }

@@ -1,37 +1,38 @@
 #include "KARMPRevoluteConstraint.h"
 
-#include "KARMPKinematicElement.h"
+#include "KARMPFriction.h"
 
 #include <tuple>
 
-using namespace std::literals;
-
 KARMP_DEFINE_ENTITY(KARMPRevoluteConstraint, "9DA79E20-64E1-46FB-A3B5-1EEEBA9FBEC6");
 
-namespace {
-
-constexpr std::array FrictionItems{karmp::StaticFriction,
-                                   karmp::DynamicFriction,
-                                   karmp::StaticSpeedLimit,
-                                   karmp::DynamicSpeedLimit,
-                                   karmp::FrictionItem{L"ReferenceDiameter", 6},
-                                   karmp::FrictionItem{L"ReferenceAxialDiameter", 5},
-                                   karmp::FrictionItem{L"ReferenceLength", 4}};
-
-} // namespace
+template <>
+struct karmp::ContentOf<KARMPRevoluteConstraint>
+{
+    using C = KARMPRevoluteConstraint;
+    static constexpr auto List =
+        Element(
+            L"RevoluteConstraint", "A turning about an axis.", KinematicFrame,
+            Friction<&C::m_friction>(
+                ReferenceLength<&C::m_friction, 6>(L"ReferenceDiameter",
+                                                   "The diameter of the pin."),
+                ReferenceLength<&C::m_friction, 5>(L"ReferenceAxialDiameter",
+                                                   "The diameter of the collar."),
+                ReferenceLength<&C::m_friction, 4>(L"ReferenceLength", "The length of the bore.")))
+            .NamedBy<&C::getClassSerializeID_>();
+};
+KARMP_DEFINE_CONTENT(KARMPRevoluteConstraint);
 
 KARMPRevoluteConstraint::KARMPRevoluteConstraint() = default;
-
 KARMPRevoluteConstraint::KARMPRevoluteConstraint(const KARMPRevoluteConstraint& source,
                                                  CopyMode mode)
     : Super(source, mode), m_friction(source.m_friction)
 {}
-
 KARMPRevoluteConstraint::~KARMPRevoluteConstraint() = default;
 
 std::wstring_view KARMPRevoluteConstraint::getClassSerializeID_() const
 {
-    return L"RevoluteConstraint"sv;
+    return ClassContent().element;
 }
 
 KARStatus KARMPRevoluteConstraint::SetFrictionParameters(
@@ -52,15 +53,4 @@ KARStatus KARMPRevoluteConstraint::GetFrictionParameters(
     std::tie(staticFriction, staticSpeedLimit, dynamicFriction, dynamicSpeedLimit, referenceLength,
              referenceAxialDiameter, referenceDiameter) = std::tuple_cat(m_friction);
     return KARSuccess;
-}
-
-KARStatus KARMPRevoluteConstraint::Serialize(KARMPSerializer* serializer) const
-{
-    return karmp::WriteKinematic(*this, serializer, FrictionItems, m_friction.data());
-}
-
-KARStatus KARMPRevoluteConstraint::Deserialize(const KARMPDeserializer* deserializer,
-                                               const KARMPEntityTable& entities)
-{
-    return karmp::ReadKinematic(*this, deserializer, entities, FrictionItems, m_friction.data());
 }

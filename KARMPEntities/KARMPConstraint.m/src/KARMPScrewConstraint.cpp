@@ -1,41 +1,59 @@
 #include "KARMPScrewConstraint.h"
 
-#include "KARMPKinematicElement.h"
-#include "KARTextConversion.h"
+#include "KARMPFriction.h"
 
 #include <tuple>
 
-using namespace std::literals;
-
 KARMP_DEFINE_ENTITY(KARMPScrewConstraint, "4D509574-BCB0-4EAD-BC6B-0572FA1A7EA5");
 
-namespace {
-
-constexpr std::array FrictionItems{karmp::StaticFriction,
-                                   karmp::DynamicFriction,
-                                   karmp::StaticSpeedLimit,
-                                   karmp::DynamicSpeedLimit,
-                                   karmp::FrictionItem{L"ReferenceDiameter", 5},
-                                   karmp::FrictionItem{L"ReferenceLength", 4}};
-constexpr std::wstring_view MotionStateName = L"MotionState";
-constexpr karmp::Names<3> MotionNames{L"ScrewTangent", L"RotationOffset", L"TranslationOffset"};
-
-} // namespace
+template <>
+struct karmp::ContentOf<KARMPScrewConstraint>
+{
+    using C = KARMPScrewConstraint;
+    // Unlike in the other classes, an element that could not be added is reported and yet no
+    // failure.
+    static constexpr ContentFrame Frame = [] {
+        ContentFrame frame = KinematicFrame;
+        frame.write.missingElement = KARSuccess;
+        return frame;
+    }();
+    static constexpr auto List =
+        Element(
+            L"ScrewConstraint", "A turning about an axis coupled with a sliding along it.", Frame,
+            Friction<&C::m_friction>(
+                ReferenceLength<&C::m_friction, 5>(L"ReferenceDiameter",
+                                                   "The diameter of the screw."),
+                ReferenceLength<&C::m_friction, 4>(L"ReferenceLength", "The length of the nut.")),
+            Text<&C::m_motionState>(L"MotionState",
+                                    "The state of the motion, free text of the solver.")
+                .Required(),
+            Number<&C::m_tangent>(L"ScrewTangent", "The tangent of the helix.").Required(),
+            Number<&C::m_rotationOffset>(L"RotationOffset",
+                                         "The angle at which the turning starts.",
+                                         KARMPPhysicalQuantity::Angle)
+                .Required(),
+            Number<&C::m_translationOffset>(L"TranslationOffset",
+                                            "The length at which the sliding starts.",
+                                            KARMPPhysicalQuantity::Length)
+                .Required())
+            .NamedBy<&C::getClassSerializeID_>();
+};
+KARMP_DEFINE_CONTENT(KARMPScrewConstraint);
 
 KARMPScrewConstraint::KARMPScrewConstraint() = default;
-
 KARMPScrewConstraint::KARMPScrewConstraint(const KARMPScrewConstraint& source, CopyMode mode)
     : Super(source, mode),
       m_friction(source.m_friction),
       m_motionState(source.m_motionState),
-      m_motion(source.m_motion)
+      m_tangent(source.m_tangent),
+      m_rotationOffset(source.m_rotationOffset),
+      m_translationOffset(source.m_translationOffset)
 {}
-
 KARMPScrewConstraint::~KARMPScrewConstraint() = default;
 
 std::wstring_view KARMPScrewConstraint::getClassSerializeID_() const
 {
-    return L"ScrewConstraint"sv;
+    return ClassContent().element;
 }
 
 KARStatus KARMPScrewConstraint::SetFrictionParameters(
@@ -58,37 +76,37 @@ KARStatus KARMPScrewConstraint::GetFrictionParameters(
 
 KARStatus KARMPScrewConstraint::SetTangent(double tangent)
 {
-    m_motion[0] = tangent;
+    m_tangent = tangent;
     return KARSuccess;
 }
 
 KARStatus KARMPScrewConstraint::GetTangent(double& tangent) const
 {
-    tangent = m_motion[0];
+    tangent = m_tangent;
     return KARSuccess;
 }
 
 KARStatus KARMPScrewConstraint::SetRotationOffset(double offset)
 {
-    m_motion[1] = offset;
+    m_rotationOffset = offset;
     return KARSuccess;
 }
 
 KARStatus KARMPScrewConstraint::GetRotationOffset(double& offset) const
 {
-    offset = m_motion[1];
+    offset = m_rotationOffset;
     return KARSuccess;
 }
 
 KARStatus KARMPScrewConstraint::SetTranslationOffset(double offset)
 {
-    m_motion[2] = offset;
+    m_translationOffset = offset;
     return KARSuccess;
 }
 
 KARStatus KARMPScrewConstraint::GetTranslationOffset(double& offset) const
 {
-    offset = m_motion[2];
+    offset = m_translationOffset;
     return KARSuccess;
 }
 
@@ -96,33 +114,4 @@ KARStatus KARMPScrewConstraint::SetMotionState(const KARString& state)
 {
     m_motionState = state;
     return KARSuccess;
-}
-
-KARStatus KARMPScrewConstraint::Serialize(KARMPSerializer* serializer) const
-{
-    karmp::ElementWriter element(serializer, getClassSerializeID_());
-    // Unlike with its kin, an element that could not be added is reported and yet no failure.
-    if (!element)
-        return serializer == nullptr ? KARUnexpected : KARSuccess;
-    if (!element.Base(Super::Serialize(element.Node())))
-        return KARUnexpected;
-    karmp::WriteFriction(element, *this, FrictionItems, m_friction.data());
-    element.Value(MotionStateName, kar::ToWide(m_motionState.Text()));
-    element.Values(MotionNames, m_motion);
-    return karmp::KinematicStatus(element.Status());
-}
-
-KARStatus KARMPScrewConstraint::Deserialize(const KARMPDeserializer* deserializer,
-                                            const KARMPEntityTable& entities)
-{
-    using karmp::Absent;
-    karmp::ElementReader element(deserializer, getClassSerializeID_());
-    if (!element || !element.Base(Super::Deserialize(element.Node(), entities)))
-        return KARUnexpected;
-    karmp::ReadFriction(element, *this, FrictionItems, m_friction.data());
-    std::wstring_view state;
-    if (element.Value(MotionStateName, state, Absent::ReportAndFail))
-        m_motionState = KARString(kar::ToUtf8(state));
-    element.Values(MotionNames, m_motion, Absent::ReportAndFail);
-    return karmp::KinematicStatus(element.Status());
 }

@@ -1,33 +1,33 @@
 #include "KARMPSphericalConstraint.h"
 
-#include "KARMPKinematicElement.h"
+#include "KARMPFriction.h"
 
 #include <tuple>
 
-using namespace std::literals;
-
 KARMP_DEFINE_ENTITY(KARMPSphericalConstraint, "2D09247E-6087-49C7-A322-6001632B8A94");
 
-namespace {
-
-constexpr std::array FrictionItems{karmp::StaticFriction, karmp::DynamicFriction,
-                                   karmp::StaticSpeedLimit, karmp::DynamicSpeedLimit,
-                                   karmp::FrictionItem{L"ReferenceDiameter", 4}};
-
-} // namespace
+template <>
+struct karmp::ContentOf<KARMPSphericalConstraint>
+{
+    using C = KARMPSphericalConstraint;
+    static constexpr auto List =
+        Element(L"SphericalConstraint", "A turning about a point.", KinematicFrame,
+                Friction<&C::m_friction>(ReferenceLength<&C::m_friction, 4>(
+                    L"ReferenceDiameter", "The diameter of the ball.")))
+            .NamedBy<&C::getClassSerializeID_>();
+};
+KARMP_DEFINE_CONTENT(KARMPSphericalConstraint);
 
 KARMPSphericalConstraint::KARMPSphericalConstraint() = default;
-
 KARMPSphericalConstraint::KARMPSphericalConstraint(const KARMPSphericalConstraint& source,
                                                    CopyMode mode)
     : Super(source, mode), m_friction(source.m_friction)
 {}
-
 KARMPSphericalConstraint::~KARMPSphericalConstraint() = default;
 
 std::wstring_view KARMPSphericalConstraint::getClassSerializeID_() const
 {
-    return L"SphericalConstraint"sv;
+    return ClassContent().element;
 }
 
 KARStatus KARMPSphericalConstraint::SetFrictionParameters(double staticFriction,
@@ -50,15 +50,4 @@ KARStatus KARMPSphericalConstraint::GetFrictionParameters(double& staticFriction
     std::tie(staticFriction, staticSpeedLimit, dynamicFriction, dynamicSpeedLimit,
              referenceDiameter) = std::tuple_cat(m_friction);
     return KARSuccess;
-}
-
-KARStatus KARMPSphericalConstraint::Serialize(KARMPSerializer* serializer) const
-{
-    return karmp::WriteKinematic(*this, serializer, FrictionItems, m_friction.data());
-}
-
-KARStatus KARMPSphericalConstraint::Deserialize(const KARMPDeserializer* deserializer,
-                                                const KARMPEntityTable& entities)
-{
-    return karmp::ReadKinematic(*this, deserializer, entities, FrictionItems, m_friction.data());
 }
