@@ -1,18 +1,32 @@
 #include "KARMPCoincidence.h"
 
 #include "KARIMPCoincidenceLoader.h"
-#include "KARMPConstraintElement.h"
 #include "KARMPConstraintOption.h"
+#include "KARMPContentWalk.h"
+#include "KARMPFrames.h"
 #include "KARMPLoaderQuestion.h"
 
 KARMP_DEFINE_ENTITY(KARMPCoincidence, "D97DD118-397A-498c-A4B3-25D156F583E2");
 
-KARMPCoincidence::KARMPCoincidence() = default;
+template <>
+struct karmp::ContentOf<KARMPCoincidence>
+{
+    using C = KARMPCoincidence;
+    static constexpr auto List =
+        Element(L"Coincidence", "Two geometries lie in one another.", ConstraintFrame,
+                Word<&C::m_alignment>(L"Alignment", "How the directions are aligned.")
+                    .Required()
+                    .Through<&C::SetAlignment>(),
+                Word<&C::m_orientation>(L"CircleTorusOrientation",
+                                        "How a circle lies to the torus that it coincides with.")
+                    .Required());
+};
+KARMP_DEFINE_CONTENT(KARMPCoincidence);
 
+KARMPCoincidence::KARMPCoincidence() = default;
 KARMPCoincidence::KARMPCoincidence(const KARMPCoincidence& source, CopyMode mode)
     : Super(source, mode), m_alignment(source.m_alignment), m_orientation(source.m_orientation)
 {}
-
 KARMPCoincidence::~KARMPCoincidence() = default;
 
 KARStatus KARMPCoincidence::GetLoader(KARIMPCoincidenceLoader*& loader) const
@@ -50,25 +64,4 @@ KARStatus KARMPCoincidence::GetSolverConstraintParameters(double* parameters) co
     return karmp::AskLoader<KARIMPCoincidenceLoader>(
         *this, KARFailure,
         [&](auto& loader) { return loader.GetSolverConstraintParameters(parameters); });
-}
-
-KARStatus KARMPCoincidence::Serialize(KARMPSerializer* serializer) const
-{
-    return karmp::WriteConstraint(
-        *this, serializer, L"Coincidence",
-        [this](auto& element) {
-            element.Word(L"Alignment", m_alignment);
-            element.Word(L"CircleTorusOrientation", m_orientation);
-        });
-}
-
-KARStatus KARMPCoincidence::Deserialize(const KARMPDeserializer* deserializer,
-                                        const KARMPEntityTable& entities)
-{
-    return karmp::ReadConstraint(
-        *this, deserializer, entities, L"Coincidence",
-        [this](auto& element) {
-            karmp::ReadOption(element, L"Alignment", *this, &KARMPCoincidence::SetAlignment);
-            karmp::ReadOption(element, L"CircleTorusOrientation", m_orientation);
-        });
 }

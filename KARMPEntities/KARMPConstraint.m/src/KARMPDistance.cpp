@@ -1,17 +1,31 @@
 #include "KARMPDistance.h"
 
 #include "KARIMPDistanceLoader.h"
-#include "KARMPConstraintElement.h"
 #include "KARMPConstraintOption.h"
+#include "KARMPContentWalk.h"
+#include "KARMPFrames.h"
 
 KARMP_DEFINE_ENTITY(KARMPDistance, "F9250622-C718-45ab-9F44-86B6576E1BE9");
 
-KARMPDistance::KARMPDistance() = default;
+template <>
+struct karmp::ContentOf<KARMPDistance>
+{
+    using C = KARMPDistance;
+    static constexpr auto List =
+        Element(L"Distance", "Two geometries are at a distance.", ConstraintFrame,
+                Word<&C::m_alignment>(L"Alignment", "How the directions are aligned.")
+                    .Required()
+                    .Through<&C::SetAlignment>(),
+                Word<&C::m_halfSpace>(L"HalfSpace", "The side on which the distance is measured.")
+                    .Required()
+                    .Through<&C::SetHalfSpace>());
+};
+KARMP_DEFINE_CONTENT(KARMPDistance);
 
+KARMPDistance::KARMPDistance() = default;
 KARMPDistance::KARMPDistance(const KARMPDistance& source, CopyMode mode)
     : Super(source, mode), m_alignment(source.m_alignment), m_halfSpace(source.m_halfSpace)
 {}
-
 KARMPDistance::~KARMPDistance() = default;
 
 KARStatus KARMPDistance::GetLoader(KARIMPDistanceLoader*& loader) const
@@ -39,25 +53,4 @@ KARStatus KARMPDistance::GetHalfSpace(KARMPHalfSpace::Enum& halfSpace) const
 {
     halfSpace = m_halfSpace;
     return KARSuccess;
-}
-
-KARStatus KARMPDistance::Serialize(KARMPSerializer* serializer) const
-{
-    return karmp::WriteConstraint(
-        *this, serializer, L"Distance",
-        [this](auto& element) {
-            element.Word(L"Alignment", m_alignment);
-            element.Word(L"HalfSpace", m_halfSpace);
-        });
-}
-
-KARStatus KARMPDistance::Deserialize(const KARMPDeserializer* deserializer,
-                                     const KARMPEntityTable& entities)
-{
-    return karmp::ReadConstraint(
-        *this, deserializer, entities, L"Distance",
-        [this](auto& element) {
-            karmp::ReadOption(element, L"Alignment", *this, &KARMPDistance::SetAlignment);
-            karmp::ReadOption(element, L"HalfSpace", *this, &KARMPDistance::SetHalfSpace);
-        });
 }

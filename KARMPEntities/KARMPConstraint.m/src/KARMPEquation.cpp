@@ -1,14 +1,23 @@
 #include "KARMPEquation.h"
 
-#include "KARMPConstraintElement.h"
+#include "KARMPContentWalk.h"
+#include "KARMPFrames.h"
 #include "KARWBFactory.h"
 
 KARMP_DEFINE_ENTITY(KARMPEquation, "F7D802AB-65E2-4376-AD11-03A50ADFD052");
 
+template <>
+struct karmp::ContentOf<KARMPEquation>
+{
+    using C = KARMPEquation;
+    static constexpr auto List =
+        Element(L"Equation", "A relation that equations state; they are not kept in the document.",
+                ConstraintFrame);
+};
+KARMP_DEFINE_CONTENT(KARMPEquation);
+
 KARMPEquation::KARMPEquation() = default;
-
 KARMPEquation::KARMPEquation(const KARMPEquation& source, CopyMode mode) : Super(source, mode) {}
-
 KARMPEquation::~KARMPEquation()
 {
     delete m_factory;
@@ -25,15 +34,4 @@ KARStatus KARMPEquation::GetEquation(KARWBFactory*& factory) const
 {
     factory = m_factory;
     return KARMPVerify(factory != nullptr) ? KARSuccess : KARFailure;
-}
-
-KARStatus KARMPEquation::Serialize(KARMPSerializer* serializer) const
-{
-    return karmp::WriteConstraint(*this, serializer, L"Equation");
-}
-
-KARStatus KARMPEquation::Deserialize(const KARMPDeserializer* deserializer,
-                                     const KARMPEntityTable& entities)
-{
-    return karmp::ReadConstraint(*this, deserializer, entities, L"Equation");
 }

@@ -1,17 +1,30 @@
 #include "KARMPSymmetry.h"
 
 #include "KARIMPSymmetryLoader.h"
-#include "KARMPConstraintElement.h"
 #include "KARMPConstraintOption.h"
+#include "KARMPContentWalk.h"
+#include "KARMPFrames.h"
 
 KARMP_DEFINE_ENTITY(KARMPSymmetry, "1defed09-4076-47c0-8b44-dd1b69a4e3b8");
 
-KARMPSymmetry::KARMPSymmetry() = default;
+template <>
+struct karmp::ContentOf<KARMPSymmetry>
+{
+    using C = KARMPSymmetry;
+    static constexpr auto List =
+        Element(L"Symmetry", "Two geometries mirror one another in a plane of an axis system.",
+                ConstraintFrame,
+                Word<&C::m_alignment>(L"Alignment", "How the directions are aligned.")
+                    .Required()
+                    .Through<&C::SetAlignment>(),
+                Word<&C::m_plane>(L"SelectedPlane", "The plane of the axis system.").Required());
+};
+KARMP_DEFINE_CONTENT(KARMPSymmetry);
 
+KARMPSymmetry::KARMPSymmetry() = default;
 KARMPSymmetry::KARMPSymmetry(const KARMPSymmetry& source, CopyMode mode)
     : Super(source, mode), m_plane(source.m_plane), m_alignment(source.m_alignment)
 {}
-
 KARMPSymmetry::~KARMPSymmetry() = default;
 
 KARStatus KARMPSymmetry::GetLoader(KARIMPSymmetryLoader*& loader) const
@@ -40,24 +53,4 @@ KARStatus KARMPSymmetry::GetAlignment(KARMPAlignment::Enum& alignment) const
 {
     alignment = m_alignment;
     return KARSuccess;
-}
-
-KARStatus KARMPSymmetry::Serialize(KARMPSerializer* serializer) const
-{
-    // The second field is the first element.
-    return karmp::WriteConstraint(*this, serializer, L"Symmetry", [this](auto& element) {
-        element.Word(L"Alignment", m_alignment);
-        element.Word(L"SelectedPlane", m_plane);
-    });
-}
-
-KARStatus KARMPSymmetry::Deserialize(const KARMPDeserializer* deserializer,
-                                     const KARMPEntityTable& entities)
-{
-    return karmp::ReadConstraint(
-        *this, deserializer, entities, L"Symmetry",
-        [this](auto& element) {
-            karmp::ReadOption(element, L"Alignment", *this, &KARMPSymmetry::SetAlignment);
-            karmp::ReadOption(element, L"SelectedPlane", m_plane);
-        });
 }

@@ -1,18 +1,32 @@
 #include "KARMPTangency.h"
 
 #include "KARIMPTangencyLoader.h"
-#include "KARMPConstraintElement.h"
 #include "KARMPConstraintOption.h"
+#include "KARMPContentWalk.h"
+#include "KARMPFrames.h"
 #include "KARMPLoaderQuestion.h"
 
 KARMP_DEFINE_ENTITY(KARMPTangency, "DD99321F-DFBD-400f-B53A-DBFCD31F7988");
 
-KARMPTangency::KARMPTangency() = default;
+template <>
+struct karmp::ContentOf<KARMPTangency>
+{
+    using C = KARMPTangency;
+    static constexpr auto List =
+        Element(L"Tangency", "Two geometries touch.", ConstraintFrame,
+                Word<&C::m_alignment>(L"Alignment", "How the directions are aligned.")
+                    .Required()
+                    .Through<&C::SetAlignment>(),
+                Word<&C::m_orientation>(L"SurfaceOrientation", "The side of the surface.")
+                    .Required()
+                    .Through<&C::SetSurfaceOrientation>());
+};
+KARMP_DEFINE_CONTENT(KARMPTangency);
 
+KARMPTangency::KARMPTangency() = default;
 KARMPTangency::KARMPTangency(const KARMPTangency& source, CopyMode mode)
     : Super(source, mode), m_orientation(source.m_orientation), m_alignment(source.m_alignment)
 {}
-
 KARMPTangency::~KARMPTangency() = default;
 
 KARStatus KARMPTangency::GetLoader(KARIMPTangencyLoader*& loader) const
@@ -48,25 +62,4 @@ KARStatus KARMPTangency::GetSolverConstraintParameters(double* parameters) const
     return karmp::AskLoader<KARIMPTangencyLoader>(
         *this, KARFailure,
         [&](auto& loader) { return loader.GetSolverConstraintParameters(parameters); });
-}
-
-KARStatus KARMPTangency::Serialize(KARMPSerializer* serializer) const
-{
-    // The second field is the first element.
-    return karmp::WriteConstraint(*this, serializer, L"Tangency", [this](auto& element) {
-        element.Word(L"Alignment", m_alignment);
-        element.Word(L"SurfaceOrientation", m_orientation);
-    });
-}
-
-KARStatus KARMPTangency::Deserialize(const KARMPDeserializer* deserializer,
-                                     const KARMPEntityTable& entities)
-{
-    return karmp::ReadConstraint(
-        *this, deserializer, entities, L"Tangency",
-        [this](auto& element) {
-            karmp::ReadOption(element, L"Alignment", *this, &KARMPTangency::SetAlignment);
-            karmp::ReadOption(element, L"SurfaceOrientation", *this,
-                              &KARMPTangency::SetSurfaceOrientation);
-        });
 }

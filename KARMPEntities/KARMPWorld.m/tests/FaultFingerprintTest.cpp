@@ -32,9 +32,18 @@ namespace {
 using MovedReports = std::map<std::pair<std::string, std::string>, std::string>;
 
 /// The reports that moved since the golden texts were written.
-const MovedReports Moved{{{"", "KARMPBodyTree.cpp"}, "KARMPBody.cpp"},
-                         {{"", "KARMPJointLinks.h"}, "KARMPJoint.cpp"},
-                         {{"", "KARMPVariableTree.cpp"}, "KARMPVariable.cpp"}};
+const MovedReports Moved{
+    {{"", "KARMPBodyTree.cpp"}, "KARMPBody.cpp"},
+    {{"", "KARMPJointLinks.h"}, "KARMPJoint.cpp"},
+    {{"", "KARMPVariableTree.cpp"}, "KARMPVariable.cpp"},
+    {{"KARMPCoaxiality", "KARMPAlignmentConstraints.cpp"}, "KARMPCoaxiality.cpp"},
+    {{"KARMPNormal", "KARMPAlignmentConstraints.cpp"}, "KARMPNormal.cpp"},
+    {{"KARMPParallelism", "KARMPAlignmentConstraints.cpp"}, "KARMPParallelism.cpp"},
+    {{"KARMPPerpendicularity", "KARMPAlignmentConstraints.cpp"}, "KARMPPerpendicularity.cpp"},
+    {{"KARMPRollCurveConstraint", "KARMPAlignmentConstraints.cpp"}, "KARMPRollCurveConstraint.cpp"},
+    {{"KARMPSome", "KARMPSomeElement.h"}, "KARMPSome.cpp"},
+    {{"", "KARMPLinks.h"}, "KARMPBase.cpp"},
+};
 
 std::string PrintStatus(KARStatus status)
 {
