@@ -1,8 +1,8 @@
-// A constraint on the angle between two directions.
 #pragma once
 
 #include "KARMPConstraint.h"
 
+/// A constraint on the angle between two directions.
 class KARMP_API KARMPAngle : public KARMPConstraint
 {
     KARMP_ENTITY(KARMPAngle, KARMPConstraint)
@@ -16,7 +16,7 @@ public:
 
     /// Stores how the hinge lies to the directions; always 0. The loader is not told.
     KARStatus SetHingeMode(KARMPHingeMode::Enum mode);
-    /// Hands it out; always 0.
+    /// Always 0.
     KARStatus GetHingeMode(KARMPHingeMode::Enum& mode) const;
 
 protected:

@@ -1,10 +1,10 @@
-// A constraint by which two geometries lie in one another.
 #pragma once
 
 #include "KARMPConstraint.h"
 
 class KARIMPCoincidenceLoader;
 
+/// A constraint by which two geometries lie in one another.
 class KARMP_API KARMPCoincidence : public KARMPConstraint
 {
     KARMP_ENTITY(KARMPCoincidence, KARMPConstraint)
@@ -17,18 +17,18 @@ public:
                           const KARMPEntityTable& entities) override;
 
     using Super::GetLoader;
-    /// Hands out the loader, null without one. A failing fetch is a failed check and a failure.
+    /// Gives the loader, null without one. A failing fetch is a failed check and a failure.
     virtual KARStatus GetLoader(KARIMPCoincidenceLoader*& loader) const;
 
     /// Stores the alignment and tells the loader, whose answer is the result; 0 without one. A
     /// failing GetLoader is a failed check and a failure.
     KARStatus SetAlignment(KARMPAlignment::Enum alignment);
-    /// Hands it out; always 0.
+    /// Always 0.
     KARStatus GetAlignment(KARMPAlignment::Enum& alignment) const;
     /// Stores how a circle lies to the torus that it coincides with; always 0. The loader is not
     /// told.
     KARStatus SetCircleTorusOrientation(KARMPCircleTorusOrientation::Enum orientation);
-    /// Hands it out; always 0.
+    /// Always 0.
     KARStatus GetCircleTorusOrientation(KARMPCircleTorusOrientation::Enum& orientation) const;
 
     /// Has the loader fill an array of the length that the solver expects; a failure without a

@@ -1,8 +1,3 @@
-// Base of every condition that a model places on its geometry: geometric constraints, the
-// constraints that stand for joints, and equations.
-//
-// A constraint keeps its links and parameters and computes nothing: whether it holds, and its
-// value, is asked of the solver's loader each time.
 #pragma once
 
 #include "KARMPConstraintParameter.h"
@@ -18,6 +13,11 @@ class KARMPSensor;
 class KARMPVariable;
 struct KARMPOptionsOrientation;
 
+/// Base of every condition that a model places on its geometry: geometric constraints, the
+/// constraints that stand for joints, and equations.
+///
+/// A constraint keeps its links and parameters and computes nothing: whether it holds, and its
+/// value, is asked of the solver's loader each time.
 class KARMP_API KARMPConstraint : public KARMPEntity
 {
     KARMP_ABSTRACT_ENTITY(KARMPConstraint, KARMPEntity)
@@ -26,7 +26,8 @@ public:
     /// Writes links and parameters into the constraint's element. A null element and a failure of
     /// the base are a failed check and a failure; later failures are reported and give 0.
     KARStatus Serialize(KARMPSerializer* serializer) const override;
-    /// Reads this constraint's side of its links, and its parameters. Statuses as Serialize.
+    /// Reads this constraint's side of its links, and its parameters, with the statuses of
+    /// Serialize.
     KARStatus Deserialize(const KARMPDeserializer* deserializer,
                           const KARMPEntityTable& entities) override;
 
@@ -39,18 +40,18 @@ protected:
 
 public:
     using Super::GetLoader;
-    /// Hands out the loader, null without one.
+    /// Gives the loader, null without one.
     virtual KARStatus GetLoader(KARIMPConstraintLoader*& loader) const;
 
     /// Stores the joint that the constraint belongs to, null included; always 0.
     virtual KARStatus SetJoint(const QOBSharedHandle<KARMPJoint>& joint);
-    /// Hands out the joint; a null handle and a failure without one.
+    /// Gives the joint; a null handle and a failure without one.
     virtual KARStatus GetJoint(QOBSharedHandle<KARMPJoint>& joint) const;
 
     /// Appends a link. A null handle is a failed check and a failure; one that is linked already
     /// gives 1. The same holds for variables and sensors.
     virtual KARStatus LinkToGeometry(const QOBSharedHandle<KARMPGeometry>& geometry);
-    /// Hands out the link at an index from 0; outside the list a null handle and a failure. The
+    /// Gives the link at an index from 0; outside the list a null handle and a failure. The
     /// same holds for variables and sensors.
     virtual KARStatus GetLinkedGeometry(int index, QOBSharedHandle<KARMPGeometry>& geometry) const;
     virtual int GetLinkedGeometryCount() const { return m_geometries.Count(); }
@@ -63,16 +64,16 @@ public:
 
     /// Appends a parameter, null included, and takes it over; always 0.
     virtual KARStatus AddConstraintParameter(KARMPConstraintParameter* parameter);
-    /// Lends the parameter at an index from 0; outside the list a failure, with the argument left
-    /// alone.
+    /// Gives the parameter at an index from 0, which the constraint keeps; outside the list a
+    /// failure, with the argument left alone.
     virtual KARStatus GetConstraintParameter(int index, KARMPConstraintParameter*& parameter) const;
     virtual int GetConstraintParameterCount() const;
 
     /// Asks the loader whether the constraint holds and by how much it is missed; false without
     /// one. A failing GetLoader is a failed check, here and in the questions that follow.
     virtual bool IsSatisfied(double& residual) const;
-    /// Asks the loader whether the constraint holds, as earlier releases of the geometric kernel
-    /// answer; false without one.
+    /// Asks the loader whether the constraint holds, within the compatibility scope of the
+    /// geometric kernel; false without one.
     virtual bool IsSatisfied() const;
     /// Asks the loader for value and rate of one of the constraint's variables; a failure without a
     /// loader.

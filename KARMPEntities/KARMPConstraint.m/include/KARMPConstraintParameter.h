@@ -1,5 +1,3 @@
-// A record that a solver keeps with a constraint: numbers that the model stores without a look at
-// them.
 #pragma once
 
 #include "KARMPExport.h"
@@ -18,6 +16,8 @@ struct ContentOf;
 
 } // namespace karmp
 
+/// A record that a solver keeps with a constraint: numbers that the model stores without a look at
+/// them.
 class KARMP_API KARMPConstraintParameter
 {
 public:

@@ -1,8 +1,8 @@
-// A turning about an axis and a sliding along it, with the friction of a pin in a bore.
 #pragma once
 
 #include "KARMPKinematicConstraint.h"
 
+/// A turning about an axis and a sliding along it, with the friction of a pin in a bore.
 class KARMP_API KARMPCylindricalConstraint : public KARMPKinematicConstraint
 {
     KARMP_ENTITY(KARMPCylindricalConstraint, KARMPKinematicConstraint)
@@ -22,7 +22,7 @@ public:
     KARStatus SetFrictionParameters(double staticFriction, double staticSpeedLimit,
                                     double dynamicFriction, double dynamicSpeedLimit,
                                     double referenceLength, double referenceDiameter);
-    /// Hands the parameters out; always 0.
+    /// Always 0.
     KARStatus GetFrictionParameters(double& staticFriction, double& staticSpeedLimit,
                                     double& dynamicFriction, double& dynamicSpeedLimit,
                                     double& referenceLength, double& referenceDiameter) const;

@@ -1,10 +1,10 @@
-// A constraint on the distance between two geometries.
 #pragma once
 
 #include "KARMPConstraint.h"
 
 class KARIMPDistanceLoader;
 
+/// A constraint on the distance between two geometries.
 class KARMP_API KARMPDistance : public KARMPConstraint
 {
     KARMP_ENTITY(KARMPDistance, KARMPConstraint)
@@ -17,18 +17,18 @@ public:
                           const KARMPEntityTable& entities) override;
 
     using Super::GetLoader;
-    /// Hands out the loader, null without one. A failing fetch is a failed check and a failure.
+    /// Gives the loader, null without one. A failing fetch is a failed check and a failure.
     virtual KARStatus GetLoader(KARIMPDistanceLoader*& loader) const;
 
     /// Stores the alignment and tells the loader, whose answer is the result; 0 without one. A
     /// failing GetLoader is a failed check and a failure.
     KARStatus SetAlignment(KARMPAlignment::Enum alignment);
-    /// Hands it out; always 0.
+    /// Always 0.
     KARStatus GetAlignment(KARMPAlignment::Enum& alignment) const;
     /// Stores the side on which the distance is measured and tells the loader as
     /// SetAlignment does.
     KARStatus SetHalfSpace(KARMPHalfSpace::Enum halfSpace);
-    /// Hands it out; always 0.
+    /// Always 0.
     KARStatus GetHalfSpace(KARMPHalfSpace::Enum& halfSpace) const;
 
 protected:

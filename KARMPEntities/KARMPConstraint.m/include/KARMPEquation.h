@@ -1,10 +1,10 @@
-// A constraint that is stated by equations.
 #pragma once
 
 #include "KARMPConstraint.h"
 
 class KARWBFactory;
 
+/// A constraint that is stated by equations.
 class KARMP_API KARMPEquation : public KARMPConstraint
 {
     KARMP_ENTITY(KARMPEquation, KARMPConstraint)
@@ -19,7 +19,8 @@ public:
     /// Stores the factory that holds the equations, null included, and takes it over; always 0. An
     /// earlier factory is given up without being deleted.
     virtual KARStatus SetEquation(KARWBFactory* factory);
-    /// Lends the factory. Without one a null pointer, a failed check and a failure.
+    /// Gives the factory, which the constraint keeps. Without one a null pointer, a failed check
+    /// and a failure.
     virtual KARStatus GetEquation(KARWBFactory*& factory) const;
 
 protected:

@@ -1,8 +1,3 @@
-// Base of the constraints that stand for a joint's behaviour: the two axes it acts on, and the
-// friction in it.
-//
-// A concrete class writes and reads its own element around this class's content. It fails with
-// KARUnexpected where this class fails with KARFailure.
 #pragma once
 
 #include "KARMPConstraint.h"
@@ -12,6 +7,11 @@
 
 class KARIMPKinematicConstraintLoader;
 
+/// Base of the constraints that stand for a joint's behaviour: the two axes it acts on, and the
+/// friction in it.
+///
+/// A concrete class writes and reads its own element around this class's content. It fails with
+/// KARUnexpected where this class fails with KARFailure.
 class KARMP_API KARMPKinematicConstraint : public KARMPConstraint
 {
     KARMP_ABSTRACT_ENTITY(KARMPKinematicConstraint, KARMPConstraint)
@@ -27,13 +27,13 @@ public:
     /// The name of the concrete class's element.
     virtual std::wstring_view getClassSerializeID_() const = 0;
     using Super::GetLoader;
-    /// Hands out the loader, null without one. A failing fetch is a failed check and a failure.
+    /// Gives the loader, null without one. A failing fetch is a failed check and a failure.
     virtual KARStatus GetLoader(KARIMPKinematicConstraintLoader*& loader) const;
 
     /// Stores the axis that is used of the first (0) or the second (1) geometry. Another index is a
     /// failed check and a failure.
     KARStatus SetSelectedAxis(int index, KARMPSelectedAxis::Enum axis);
-    /// Hands an axis out; another index than 0 and 1 is a failed check and a failure.
+    /// Gives an axis; another index than 0 and 1 is a failed check and a failure.
     KARStatus GetSelectedAxis(int index, KARMPSelectedAxis::Enum& axis) const;
 
     /// Stores the name of the friction model, free text of the solver; it does not enable friction.

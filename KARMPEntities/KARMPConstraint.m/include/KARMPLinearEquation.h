@@ -1,11 +1,11 @@
-// A linear relation among the variables that a constraint links to: a coefficient for each term,
-// and a constant if there is one.
 #pragma once
 
 #include "KARMPEquation.h"
 
 #include <vector>
 
+/// A linear relation among the variables that a constraint links to: a coefficient for each term,
+/// and a constant if there is one.
 class KARMP_API KARMPLinearEquation : public KARMPEquation
 {
     KARMP_ENTITY(KARMPLinearEquation, KARMPEquation)
@@ -24,13 +24,13 @@ public:
     virtual KARStatus AddLinearTerm(double coefficient);
     /// Replaces the coefficient at an index from 0; outside the list nothing happens and 1.
     virtual KARStatus SetLinearTerm(int index, double coefficient);
-    /// Hands out the coefficient at an index from 0; outside the list 0.0 and 1.
+    /// Gives the coefficient at an index from 0; outside the list 0.0 and 1.
     virtual KARStatus GetLinearTerm(int index, double& coefficient) const;
     /// True once a constant was set.
     virtual bool HasConstantTerm() const;
     /// Stores the constant; always 0.
     virtual KARStatus SetConstantTerm(double constant);
-    /// Hands out the constant, which means something only when there is one; always 0.
+    /// Gives the constant, which means something only when there is one; always 0.
     virtual KARStatus GetConstantTerm(double& constant) const;
 
 protected:

@@ -1,8 +1,8 @@
-// A sliding along an axis, with the friction of a slider in its guide.
 #pragma once
 
 #include "KARMPKinematicConstraint.h"
 
+/// A sliding along an axis, with the friction of a slider in its guide.
 class KARMP_API KARMPPrismaticConstraint : public KARMPKinematicConstraint
 {
     KARMP_ENTITY(KARMPPrismaticConstraint, KARMPKinematicConstraint)
@@ -22,7 +22,7 @@ public:
     KARStatus SetFrictionParameters(double staticFriction, double staticSpeedLimit,
                                     double dynamicFriction, double dynamicSpeedLimit,
                                     double referenceWidth, double referenceLength);
-    /// Hands the parameters out; always 0.
+    /// Always 0.
     KARStatus GetFrictionParameters(double& staticFriction, double& staticSpeedLimit,
                                     double& dynamicFriction, double& dynamicSpeedLimit,
                                     double& referenceWidth, double& referenceLength) const;

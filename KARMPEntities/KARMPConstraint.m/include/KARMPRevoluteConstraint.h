@@ -1,8 +1,8 @@
-// A turning about an axis, with the friction of a pin and its collar in a bore.
 #pragma once
 
 #include "KARMPKinematicConstraint.h"
 
+/// A turning about an axis, with the friction of a pin and its collar in a bore.
 class KARMP_API KARMPRevoluteConstraint : public KARMPKinematicConstraint
 {
     KARMP_ENTITY(KARMPRevoluteConstraint, KARMPKinematicConstraint)
@@ -23,7 +23,7 @@ public:
                                     double dynamicFriction, double dynamicSpeedLimit,
                                     double referenceLength, double referenceAxialDiameter,
                                     double referenceDiameter);
-    /// Hands the parameters out; always 0.
+    /// Always 0.
     KARStatus GetFrictionParameters(double& staticFriction, double& staticSpeedLimit,
                                     double& dynamicFriction, double& dynamicSpeedLimit,
                                     double& referenceLength, double& referenceAxialDiameter,

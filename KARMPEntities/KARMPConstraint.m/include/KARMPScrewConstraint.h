@@ -1,8 +1,9 @@
-// A turning about an axis coupled with a sliding along it, with the friction of a screw in its nut.
 #pragma once
 
 #include "KARMPKinematicConstraint.h"
 
+/// A turning about an axis coupled with a sliding along it, with the friction of a screw in its
+/// nut.
 class KARMP_API KARMPScrewConstraint : public KARMPKinematicConstraint
 {
     KARMP_ENTITY(KARMPScrewConstraint, KARMPKinematicConstraint)
@@ -23,7 +24,7 @@ public:
     KARStatus SetFrictionParameters(double staticFriction, double staticSpeedLimit,
                                     double dynamicFriction, double dynamicSpeedLimit,
                                     double referenceLength, double referenceDiameter);
-    /// Hands the parameters out; always 0.
+    /// Always 0.
     KARStatus GetFrictionParameters(double& staticFriction, double& staticSpeedLimit,
                                     double& dynamicFriction, double& dynamicSpeedLimit,
                                     double& referenceLength, double& referenceDiameter) const;

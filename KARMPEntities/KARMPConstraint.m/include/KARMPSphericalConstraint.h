@@ -1,8 +1,8 @@
-// A turning about a point, with the friction of a ball in its socket.
 #pragma once
 
 #include "KARMPKinematicConstraint.h"
 
+/// A turning about a point, with the friction of a ball in its socket.
 class KARMP_API KARMPSphericalConstraint : public KARMPKinematicConstraint
 {
     KARMP_ENTITY(KARMPSphericalConstraint, KARMPKinematicConstraint)
@@ -22,7 +22,7 @@ public:
     KARStatus SetFrictionParameters(double staticFriction, double staticSpeedLimit,
                                     double dynamicFriction, double dynamicSpeedLimit,
                                     double referenceDiameter);
-    /// Hands the parameters out; always 0.
+    /// Always 0.
     KARStatus GetFrictionParameters(double& staticFriction, double& staticSpeedLimit,
                                     double& dynamicFriction, double& dynamicSpeedLimit,
                                     double& referenceDiameter) const;

@@ -1,10 +1,10 @@
-// A constraint by which two geometries mirror one another in a plane of an axis system.
 #pragma once
 
 #include "KARMPConstraint.h"
 
 class KARIMPSymmetryLoader;
 
+/// A constraint by which two geometries mirror one another in a plane of an axis system.
 class KARMP_API KARMPSymmetry : public KARMPConstraint
 {
     KARMP_ENTITY(KARMPSymmetry, KARMPConstraint)
@@ -17,17 +17,17 @@ public:
                           const KARMPEntityTable& entities) override;
 
     using Super::GetLoader;
-    /// Hands out the loader, null without one. A failing fetch is a failed check and a failure.
+    /// Gives the loader, null without one. A failing fetch is a failed check and a failure.
     virtual KARStatus GetLoader(KARIMPSymmetryLoader*& loader) const;
 
     /// Stores the plane of the axis system; always 0. The loader is not told.
     KARStatus SetSelectedPlane(KARMPSelectedPlane::Enum plane);
-    /// Hands it out; always 0.
+    /// Always 0.
     KARStatus GetSelectedPlane(KARMPSelectedPlane::Enum& plane) const;
     /// Stores the alignment and tells the loader, whose answer is the result; 0 without one. A
     /// failing GetLoader is a failed check and a failure.
     KARStatus SetAlignment(KARMPAlignment::Enum alignment);
-    /// Hands it out; always 0.
+    /// Always 0.
     KARStatus GetAlignment(KARMPAlignment::Enum& alignment) const;
 
 protected:

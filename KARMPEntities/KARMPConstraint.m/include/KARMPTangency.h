@@ -1,10 +1,10 @@
-// A constraint by which two geometries touch.
 #pragma once
 
 #include "KARMPConstraint.h"
 
 class KARIMPTangencyLoader;
 
+/// A constraint by which two geometries touch.
 class KARMP_API KARMPTangency : public KARMPConstraint
 {
     KARMP_ENTITY(KARMPTangency, KARMPConstraint)
@@ -17,17 +17,17 @@ public:
                           const KARMPEntityTable& entities) override;
 
     using Super::GetLoader;
-    /// Hands out the loader, null without one. A failing fetch is a failed check and a failure.
+    /// Gives the loader, null without one. A failing fetch is a failed check and a failure.
     virtual KARStatus GetLoader(KARIMPTangencyLoader*& loader) const;
 
     /// Stores the side of the surface and tells the loader, whose answer is the result; 0 without
     /// one. A failing GetLoader is a failed check and a failure.
     KARStatus SetSurfaceOrientation(KARMPSurfaceOrientation::Enum orientation);
-    /// Hands it out; always 0.
+    /// Always 0.
     KARStatus GetSurfaceOrientation(KARMPSurfaceOrientation::Enum& orientation) const;
     /// Stores the alignment and tells the loader as SetSurfaceOrientation does.
     KARStatus SetAlignment(KARMPAlignment::Enum alignment);
-    /// Hands it out; always 0.
+    /// Always 0.
     KARStatus GetAlignment(KARMPAlignment::Enum& alignment) const;
 
     /// Has the loader fill an array of the length that the solver expects; a failure without a

@@ -27,7 +27,8 @@ constexpr auto Friction(const ItemList<N>&... lengths)
              Number<At<Parameters, 3>>(L"DynamicSpeedLimit",
                                        "The speed from which on it is in motion.", Speed, where),
              lengths...);
-    return Group(L"FrictionParameters", "The friction; without it there is none.",
+    return Group(L"FrictionParameters",
+                 "The parameters of the friction model; where they are, friction is enabled.",
                  parameters.Optional())
         .Optional()
         .Counting()

@@ -55,7 +55,7 @@ struct karmp::ContentOf<KARMPLinearEquation>
                     .Required()
                     .Coded(),
                 Records<&C::m_terms>(TermsName, TermName, &RecordContent<TermContent>,
-                                     "The coefficients, one for each variable.")
+                                     "The coefficients, in order.")
                     .Required()
                     .AnyName());
 };

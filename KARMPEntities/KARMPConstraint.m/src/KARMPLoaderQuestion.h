@@ -6,7 +6,7 @@
 
 namespace karmp {
 
-/// Returns what `ask` returns with the loader that the constraint's typed GetLoader hands out, and
+/// Returns what `ask` returns with the loader that the constraint's typed GetLoader gives, and
 /// `otherwise` without one. A failing GetLoader is a failed check.
 template <class Loader, class Constraint, class Answer, class Ask>
 Answer AskLoader(const Constraint& constraint, Answer otherwise, Ask ask,
