@@ -46,7 +46,10 @@ public:
     /// Stores the joint that the constraint belongs to, null included; always 0.
     virtual KARStatus SetJoint(const QOBSharedHandle<KARMPJoint>& joint);
     /// Gives the joint; a null handle and a failure without one.
-    virtual KARStatus GetJoint(QOBSharedHandle<KARMPJoint>& joint) const;
+    virtual KARStatus GetJoint(QOBSharedHandle<KARMPJoint>& joint) const
+    {
+        return m_joint.Get(joint);
+    }
 
     /// Appends a link. A null handle is a failed check and a failure; one that is linked already
     /// gives 1. The same holds for variables and sensors.
@@ -67,7 +70,10 @@ public:
     /// Gives the parameter at an index from 0, which the constraint keeps; outside the list a
     /// failure, with the argument left alone.
     virtual KARStatus GetConstraintParameter(int index, KARMPConstraintParameter*& parameter) const;
-    virtual int GetConstraintParameterCount() const;
+    virtual int GetConstraintParameterCount() const
+    {
+        return static_cast<int>(m_parameters.size());
+    }
 
     /// Asks the loader whether the constraint holds and by how much it is missed; false without
     /// one. A failing GetLoader is a failed check, here and in the questions that follow.

@@ -27,7 +27,7 @@ public:
     /// Gives the coefficient at an index from 0; outside the list 0.0 and 1.
     virtual KARStatus GetLinearTerm(int index, double& coefficient) const;
     /// True once a constant was set.
-    virtual bool HasConstantTerm() const;
+    virtual bool HasConstantTerm() const { return m_hasConstant; }
     /// Stores the constant; always 0.
     virtual KARStatus SetConstantTerm(double constant);
     /// Gives the constant, which means something only when there is one; always 0.

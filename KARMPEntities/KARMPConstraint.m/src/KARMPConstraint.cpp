@@ -106,11 +106,6 @@ KARStatus KARMPConstraint::SetJoint(const QOBSharedHandle<KARMPJoint>& joint)
     return KARSuccess;
 }
 
-KARStatus KARMPConstraint::GetJoint(QOBSharedHandle<KARMPJoint>& joint) const
-{
-    return m_joint.Get(joint);
-}
-
 KARStatus KARMPConstraint::RemoveJoint(const QOBSharedHandle<KARMPJoint>& joint)
 {
     return m_joint.Remove(joint);
@@ -177,11 +172,6 @@ KARStatus KARMPConstraint::GetConstraintParameter(int index,
         return KARFailure;
     parameter = m_parameters[static_cast<std::size_t>(index)];
     return KARSuccess;
-}
-
-int KARMPConstraint::GetConstraintParameterCount() const
-{
-    return static_cast<int>(m_parameters.size());
 }
 
 bool KARMPConstraint::IsSatisfied(double& residual) const

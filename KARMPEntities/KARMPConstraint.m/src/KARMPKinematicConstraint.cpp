@@ -42,19 +42,19 @@ KARStatus KARMPKinematicConstraint::GetLoader(KARIMPKinematicConstraintLoader*& 
 
 KARStatus KARMPKinematicConstraint::SetSelectedAxis(int index, KARMPSelectedAxis::Enum axis)
 {
-    const auto place = static_cast<std::size_t>(index);
-    if (!KARMPVerify(place < m_axes.size()))
+    const auto position = static_cast<std::size_t>(index);
+    if (!KARMPVerify(position < m_axes.size()))
         return KARFailure;
-    m_axes[place] = axis;
+    m_axes[position] = axis;
     return KARSuccess;
 }
 
 KARStatus KARMPKinematicConstraint::GetSelectedAxis(int index, KARMPSelectedAxis::Enum& axis) const
 {
-    const auto place = static_cast<std::size_t>(index);
-    if (!KARMPVerify(place < m_axes.size()))
+    const auto position = static_cast<std::size_t>(index);
+    if (!KARMPVerify(position < m_axes.size()))
         return KARFailure;
-    axis = m_axes[place];
+    axis = m_axes[position];
     return KARSuccess;
 }
 

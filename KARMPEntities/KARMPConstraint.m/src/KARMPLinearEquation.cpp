@@ -82,24 +82,19 @@ KARStatus KARMPLinearEquation::AddLinearTerm(double coefficient)
 
 KARStatus KARMPLinearEquation::SetLinearTerm(int index, double coefficient)
 {
-    const auto place = static_cast<std::size_t>(index);
-    if (place >= m_terms.size())
+    const auto position = static_cast<std::size_t>(index);
+    if (position >= m_terms.size())
         return KARUnchanged;
-    m_terms[place] = coefficient;
+    m_terms[position] = coefficient;
     return KARSuccess;
 }
 
 KARStatus KARMPLinearEquation::GetLinearTerm(int index, double& coefficient) const
 {
-    const auto place = static_cast<std::size_t>(index);
-    const bool listed = place < m_terms.size();
-    coefficient = listed ? m_terms[place] : 0.0;
+    const auto position = static_cast<std::size_t>(index);
+    const bool listed = position < m_terms.size();
+    coefficient = listed ? m_terms[position] : 0.0;
     return listed ? KARSuccess : KARUnchanged;
-}
-
-bool KARMPLinearEquation::HasConstantTerm() const
-{
-    return m_hasConstant;
 }
 
 KARStatus KARMPLinearEquation::SetConstantTerm(double constant)

@@ -16,7 +16,7 @@ using karmp::ItemValue;
 class ConstraintContent : public KARMPTestFixture
 {
 protected:
-    static const Item& itemOf(const karmp::Content& content, std::wstring_view name)
+    static const Item& ItemOf(const karmp::Content& content, std::wstring_view name)
     {
         const auto item = std::find_if(content.items.begin(), content.items.end(),
                                        [name](const Item& each) { return each.name == name; });
@@ -24,13 +24,13 @@ protected:
             throw std::invalid_argument("no item of that name");
         return *item;
     }
-    static double numberOf(const karmp::Content& content, std::wstring_view name, const void* owner)
+    static double NumberOf(const karmp::Content& content, std::wstring_view name, const void* owner)
     {
         ItemValue value;
-        EXPECT_EQ(itemOf(content, name).get(owner, value), KARSuccess);
+        EXPECT_EQ(ItemOf(content, name).get(owner, value), KARSuccess);
         return value.numbers[0];
     }
-    static KARMPConstraintParameter* addParameter(KARMPConstraint& constraint, bool initialized)
+    static KARMPConstraintParameter* AddParameter(KARMPConstraint& constraint, bool initialized)
     {
         auto* parameter = new KARMPConstraintParameter;
         parameter->SetInitialized(initialized);
@@ -43,15 +43,15 @@ TEST_F(ConstraintContent, ParametersAreRecordsThatAreWrittenOnceOneIsInitialized
 {
     const auto constraint = KARMPConcentricity::create(L"c");
     const void* owner = karmp::OwnerOf(*constraint);
-    const Item& item = itemOf(KARMPConstraint::ClassContent(), L"ConstraintParameters");
+    const Item& item = ItemOf(KARMPConstraint::ClassContent(), L"ConstraintParameters");
     EXPECT_EQ(item.kind, karmp::ItemKind::Records);
     EXPECT_EQ(item.entry, L"ConstraintParameter");
     EXPECT_TRUE(item.isOwned);
     EXPECT_EQ(item.count(owner), 0);
-    addParameter(*constraint, false);
+    AddParameter(*constraint, false);
     EXPECT_EQ(item.count(owner), 1);
     EXPECT_FALSE(item.when(owner));
-    addParameter(*constraint, true);
+    AddParameter(*constraint, true);
     EXPECT_EQ(item.count(owner), 2);
     EXPECT_TRUE(item.when(owner));
 }
@@ -59,15 +59,15 @@ TEST_F(ConstraintContent, ParametersAreRecordsThatAreWrittenOnceOneIsInitialized
 TEST_F(ConstraintContent, NumbersOfAParameterAreReachedThroughItsRecord)
 {
     const auto constraint = KARMPConcentricity::create(L"c");
-    KARMPConstraintParameter* parameter = addParameter(*constraint, true);
+    KARMPConstraintParameter* parameter = AddParameter(*constraint, true);
     constraint->AddConstraintParameter(nullptr);
     const std::array<unsigned int, 3> tags{5U, 0xFFFFFFFFU, 7U};
     parameter->SetTags(tags.data());
-    const Item& item = itemOf(KARMPConstraint::ClassContent(), L"ConstraintParameters");
+    const Item& item = ItemOf(KARMPConstraint::ClassContent(), L"ConstraintParameters");
     ItemValue value;
     ASSERT_EQ(item.at(karmp::OwnerOf(*constraint), 0, value), KARSuccess);
     EXPECT_EQ(value.record, parameter);
-    const Item& tag = itemOf(item.record(), L"Tag2");
+    const Item& tag = ItemOf(item.record(), L"Tag2");
     EXPECT_EQ(tag.get(value.record, value), KARSuccess);
     EXPECT_EQ(value.number, -1);
     value.number = 9;
@@ -84,17 +84,17 @@ TEST_F(ConstraintContent, FrictionIsReachedByNameWhateverItsOrder)
     void* owner = karmp::OwnerOf(*constraint);
     constraint->SetFrictionParameters(0.0, 1.0, 2.0, 3.0, 4.0, 5.0, 6.0);
     const karmp::Content& content = KARMPRevoluteConstraint::ClassContent();
-    EXPECT_EQ(numberOf(content, L"DynamicFriction", owner), 2.0);
-    EXPECT_EQ(numberOf(content, L"StaticSpeedLimit", owner), 1.0);
-    EXPECT_EQ(numberOf(content, L"ReferenceAxialDiameter", owner), 5.0);
-    const Item& length = itemOf(content, L"ReferenceLength");
+    EXPECT_EQ(NumberOf(content, L"DynamicFriction", owner), 2.0);
+    EXPECT_EQ(NumberOf(content, L"StaticSpeedLimit", owner), 1.0);
+    EXPECT_EQ(NumberOf(content, L"ReferenceAxialDiameter", owner), 5.0);
+    const Item& length = ItemOf(content, L"ReferenceLength");
     EXPECT_EQ(length.quantity, KARMPPhysicalQuantity::Length);
     ItemValue value;
     value.numbers[0] = 40.0;
     EXPECT_EQ(length.set(owner, value), KARSuccess);
-    EXPECT_EQ(numberOf(content, L"ReferenceLength", owner), 40.0);
+    EXPECT_EQ(NumberOf(content, L"ReferenceLength", owner), 40.0);
 
-    const Item& group = itemOf(content, L"FrictionParameters");
+    const Item& group = ItemOf(content, L"FrictionParameters");
     EXPECT_EQ(group.inner, 7);
     EXPECT_FALSE(group.when(owner));
     EXPECT_EQ(group.set(owner, value), KARSuccess);
@@ -110,20 +110,20 @@ TEST_F(ConstraintContent, TermsOfALinearEquationAreRecordsOfTheirCoefficients)
     const void* owner = karmp::OwnerOf(*equation);
     const karmp::Content& content = KARMPLinearEquation::ClassContent();
     EXPECT_EQ(content.base, &KARMPConstraint::ClassContent);
-    const Item& terms = itemOf(content, L"LinearTermDataContainer");
+    const Item& terms = ItemOf(content, L"LinearTermDataContainer");
     ASSERT_EQ(terms.count(owner), 2);
     ItemValue value;
     ASSERT_EQ(terms.at(owner, 1, value), KARSuccess);
-    EXPECT_EQ(numberOf(terms.record(), L"LinearTermValue", value.record), 2.5);
+    EXPECT_EQ(NumberOf(terms.record(), L"LinearTermValue", value.record), 2.5);
     // The place in the list is all there is of an index.
-    EXPECT_EQ(itemOf(terms.record(), L"LinearTermIndex").get(value.record, value), KARFailure);
+    EXPECT_EQ(ItemOf(terms.record(), L"LinearTermIndex").get(value.record, value), KARFailure);
 }
 
 TEST_F(ConstraintContent, ConstantOfALinearEquationIsThereOnceItWasSet)
 {
     const auto equation = KARMPLinearEquation::create(L"e");
     void* owner = karmp::OwnerOf(*equation);
-    const Item& constant = itemOf(KARMPLinearEquation::ClassContent(), L"ConstantTerm");
+    const Item& constant = ItemOf(KARMPLinearEquation::ClassContent(), L"ConstantTerm");
     ItemValue value;
     EXPECT_EQ(constant.get(owner, value), KARSuccess);
     EXPECT_EQ(value.number, 0);

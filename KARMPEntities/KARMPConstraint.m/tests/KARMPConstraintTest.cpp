@@ -194,7 +194,7 @@ TEST_F(Constraint, RemovesNoOtherJointThanItsOwn)
     EXPECT_EQ(constraint->RemoveJoint(joint), KARUnchanged);
 }
 
-TEST_F(Constraint, LendsItsParametersByIndex)
+TEST_F(Constraint, GivesItsParametersByIndex)
 {
     auto* parameter = new KARMPConstraintParameter;
     EXPECT_EQ(constraint->AddConstraintParameter(parameter), KARSuccess);
@@ -211,7 +211,7 @@ TEST_F(Constraint, LendsItsParametersByIndex)
     EXPECT_EQ(found, nullptr);
 }
 
-TEST_F(Constraint, LendsNoParameterThatOnlyAnHeirCounts)
+TEST_F(Constraint, GivesNoParameterThatOnlyASubclassCounts)
 {
     class Boastful : public KARMPConcentricity
     {

@@ -33,7 +33,7 @@ TEST_F(Equation, HasNoFactoryAtFirstAndReportsThat)
     EXPECT_EQ(factory, nullptr);
 }
 
-TEST_F(Equation, LendsItsFactoryAndDeletesIt)
+TEST_F(Equation, GivesItsFactoryAndDeletesIt)
 {
     auto* own = new CountedFactory;
     EXPECT_EQ(equation->SetEquation(own), KARSuccess);
@@ -243,7 +243,7 @@ TEST_F(LinearEquation, ConstantIsGivenWhetherThereIsOneOrNot)
     EXPECT_EQ(value, 2.5);
 }
 
-TEST_F(LinearEquation, MakesPlacesInBlocks)
+TEST_F(LinearEquation, GrowsItsCapacityInBlocks)
 {
     AllocationCounter counter;
     equation->AddLinearTerm(0.0);
