@@ -15,7 +15,7 @@ protected:
         parameter.SetTags(tags.data());
         parameter.SetParams(params.data());
     }
-    static void expectZeros(const KARMPConstraintParameter& zeros)
+    static void ExpectZeros(const KARMPConstraintParameter& zeros)
     {
         std::array<int, 2> someTypes{1, 1};
         std::array<unsigned int, 3> someTags{1, 1, 1};
@@ -27,7 +27,7 @@ protected:
         EXPECT_EQ(someTags, (std::array{0U, 0U, 0U}));
         EXPECT_EQ(someParams, (std::array{0.0, 0.0, 0.0}));
     }
-    void expectContent(const KARMPConstraintParameter& other)
+    void ExpectContent(const KARMPConstraintParameter& other)
     {
         std::array<int, 2> otherTypes{};
         std::array<unsigned int, 3> otherTags{};
@@ -49,14 +49,14 @@ protected:
 TEST_F(ConstraintParameter, IsNewlyZeroAndNotInitialized)
 {
     const KARMPConstraintParameter fresh;
-    expectZeros(fresh);
+    ExpectZeros(fresh);
     EXPECT_FALSE(fresh.IsInitialized());
     EXPECT_FALSE(fresh.IsComplete());
 }
 
 TEST_F(ConstraintParameter, KeepsItsNumbers)
 {
-    expectContent(parameter);
+    ExpectContent(parameter);
     EXPECT_FALSE(parameter.IsInitialized());
 }
 
@@ -64,11 +64,11 @@ TEST_F(ConstraintParameter, CopiesTakeEveryFieldAndTheFlag)
 {
     parameter.SetInitialized(true);
     const KARMPConstraintParameter copy(parameter);
-    expectContent(copy);
+    ExpectContent(copy);
     EXPECT_TRUE(copy.IsInitialized());
     KARMPConstraintParameter assigned;
     assigned = parameter;
-    expectContent(assigned);
+    ExpectContent(assigned);
     EXPECT_TRUE(assigned.IsInitialized());
 }
 
@@ -122,7 +122,7 @@ TEST_F(ConstraintParameter, ReadsBackWhatItWroteInEitherForm)
         tree->GetElement(L"ConstraintParameter", element);
         KARMPConstraintParameter read;
         EXPECT_EQ(read.Deserialize(element), KARSuccess);
-        expectContent(read);
+        ExpectContent(read);
         EXPECT_TRUE(read.IsInitialized());
     }
 }
@@ -159,7 +159,7 @@ TEST_F(ConstraintParameter, MissingGroupKeepsItsFieldsAndIsReported)
     TestDeserializer empty(L"ConstraintParameter");
     EXPECT_EQ(parameter.Deserialize(&empty), KARSuccess);
     ExpectReports(3);
-    expectContent(parameter);
+    ExpectContent(parameter);
     EXPECT_TRUE(parameter.IsInitialized());
 }
 
@@ -171,7 +171,7 @@ TEST_F(ConstraintParameter, MissingNumberOfAGroupBecomesZeroAndIsReported)
     element.Add(L"Params");
     EXPECT_EQ(parameter.Deserialize(&element), KARSuccess);
     ExpectReports(8);
-    expectZeros(parameter);
+    ExpectZeros(parameter);
 }
 
 } // namespace

@@ -73,7 +73,7 @@ protected:
 struct GeometryLinks
 {
     using Linked = KARMPGeometry;
-    static auto make(const wchar_t* name) { return KARMPPoint::create(name); }
+    static auto Make(const wchar_t* name) { return KARMPPoint::create(name); }
     static constexpr auto link = &KARMPConstraint::LinkToGeometry;
     static constexpr auto get = &KARMPConstraint::GetLinkedGeometry;
     static constexpr auto count = &KARMPConstraint::GetLinkedGeometryCount;
@@ -83,7 +83,7 @@ struct GeometryLinks
 struct VariableLinks
 {
     using Linked = KARMPVariable;
-    static auto make(const wchar_t* name) { return KARMPVariable::create(name); }
+    static auto Make(const wchar_t* name) { return KARMPVariable::create(name); }
     static constexpr auto link = &KARMPConstraint::LinkToVariable;
     static constexpr auto get = &KARMPConstraint::GetLinkedVariable;
     static constexpr auto count = &KARMPConstraint::GetLinkedVariableCount;
@@ -93,7 +93,7 @@ struct VariableLinks
 struct SensorLinks
 {
     using Linked = KARMPSensor;
-    static auto make(const wchar_t* name) { return KARMPDisplacementSensor::create(name); }
+    static auto Make(const wchar_t* name) { return KARMPDisplacementSensor::create(name); }
     static constexpr auto link = &KARMPConstraint::LinkToSensor;
     static constexpr auto get = &KARMPConstraint::GetLinkedSensor;
     static constexpr auto count = &KARMPConstraint::GetLinkedSensorCount;
@@ -106,15 +106,15 @@ class ConstraintLinks : public KARMPTestFixture
 protected:
     using Handle = QOBSharedHandle<typename Links::Linked>;
 
-    KARStatus link(const Handle& handle) { return ((*constraint).*Links::link)(handle); }
-    KARStatus remove(const Handle& handle) { return ((*constraint).*Links::remove)(handle); }
-    int count() { return ((*constraint).*Links::count)(); }
-    KARStatus get(int index, Handle& handle) { return ((*constraint).*Links::get)(index, handle); }
+    KARStatus Link(const Handle& handle) { return ((*constraint).*Links::link)(handle); }
+    KARStatus Remove(const Handle& handle) { return ((*constraint).*Links::remove)(handle); }
+    int Count() { return ((*constraint).*Links::count)(); }
+    KARStatus Get(int index, Handle& handle) { return ((*constraint).*Links::get)(index, handle); }
 
     QOBSharedHandle<KARMPConstraint> constraint = KARMPConcentricity::create(L"c");
-    Handle first = Links::make(L"first");
-    Handle second = Links::make(L"second");
-    Handle third = Links::make(L"third");
+    Handle first = Links::Make(L"first");
+    Handle second = Links::Make(L"second");
+    Handle third = Links::Make(L"third");
 };
 
 using AllLinks = ::testing::Types<GeometryLinks, VariableLinks, SensorLinks>;
@@ -122,50 +122,50 @@ TYPED_TEST_SUITE(ConstraintLinks, AllLinks);
 
 TYPED_TEST(ConstraintLinks, AreEmptyAtFirst)
 {
-    EXPECT_EQ(this->count(), 0);
+    EXPECT_EQ(this->Count(), 0);
 }
 
 TYPED_TEST(ConstraintLinks, SecondLinkToTheSameReferentChangesNothing)
 {
-    EXPECT_EQ(this->link(this->first), KARSuccess);
-    EXPECT_EQ(this->link(this->first), KARUnchanged);
-    EXPECT_EQ(this->count(), 1);
+    EXPECT_EQ(this->Link(this->first), KARSuccess);
+    EXPECT_EQ(this->Link(this->first), KARUnchanged);
+    EXPECT_EQ(this->Count(), 1);
 }
 
 TYPED_TEST(ConstraintLinks, NullHandleIsReportedAndFails)
 {
-    EXPECT_EQ(this->link(nullptr), KARFailure);
+    EXPECT_EQ(this->Link(nullptr), KARFailure);
     this->ExpectReports(1);
-    EXPECT_EQ(this->remove(nullptr), KARFailure);
+    EXPECT_EQ(this->Remove(nullptr), KARFailure);
     this->ExpectReports(1);
-    EXPECT_EQ(this->count(), 0);
+    EXPECT_EQ(this->Count(), 0);
 }
 
 TYPED_TEST(ConstraintLinks, IndexOutsideTheListGivesANullHandle)
 {
-    this->link(this->first);
+    this->Link(this->first);
     auto handle = this->second;
-    EXPECT_EQ(this->get(-1, handle), KARFailure);
+    EXPECT_EQ(this->Get(-1, handle), KARFailure);
     EXPECT_FALSE(handle);
     handle = this->second;
-    EXPECT_EQ(this->get(1, handle), KARFailure);
+    EXPECT_EQ(this->Get(1, handle), KARFailure);
     EXPECT_FALSE(handle);
-    EXPECT_EQ(this->get(0, handle), KARSuccess);
+    EXPECT_EQ(this->Get(0, handle), KARSuccess);
     EXPECT_EQ(handle, this->first);
 }
 
 TYPED_TEST(ConstraintLinks, RemovingKeepsTheOrderOfTheOthers)
 {
-    this->link(this->first);
-    this->link(this->second);
-    this->link(this->third);
-    EXPECT_EQ(this->remove(this->second), KARSuccess);
-    EXPECT_EQ(this->remove(this->second), KARUnchanged);
-    ASSERT_EQ(this->count(), 2);
+    this->Link(this->first);
+    this->Link(this->second);
+    this->Link(this->third);
+    EXPECT_EQ(this->Remove(this->second), KARSuccess);
+    EXPECT_EQ(this->Remove(this->second), KARUnchanged);
+    ASSERT_EQ(this->Count(), 2);
     typename TestFixture::Handle handle;
-    this->get(0, handle);
+    this->Get(0, handle);
     EXPECT_EQ(handle, this->first);
-    this->get(1, handle);
+    this->Get(1, handle);
     EXPECT_EQ(handle, this->third);
 }
 

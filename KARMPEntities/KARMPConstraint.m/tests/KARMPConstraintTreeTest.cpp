@@ -62,7 +62,7 @@ protected:
         entities.Set(L"J1", joint);
         entities.Set(L"V1", variable);
         entities.Set(L"S1", sensor);
-        link(*constraint);
+        Link(*constraint);
         constraint->SetIdentifier(L"C1");
     }
     ~ConstraintTree() override
@@ -70,7 +70,7 @@ protected:
         constraint->orphanObject();
         read->orphanObject();
     }
-    void link(KARMPConstraint& linked)
+    void Link(KARMPConstraint& linked)
     {
         linked.LinkToGeometry(otherPoint);
         linked.LinkToGeometry(point);
@@ -78,7 +78,7 @@ protected:
         linked.LinkToVariable(variable);
         linked.LinkToSensor(sensor);
     }
-    static KARMPConstraintParameter* addParameter(KARMPConstraint& owner, int type,
+    static KARMPConstraintParameter* AddParameter(KARMPConstraint& owner, int type,
                                                   bool initialized)
     {
         auto* parameter = new KARMPConstraintParameter;
@@ -88,7 +88,7 @@ protected:
         owner.AddConstraintParameter(parameter);
         return parameter;
     }
-    static int typeOf(const KARMPConstraint& owner, int index)
+    static int TypeOf(const KARMPConstraint& owner, int index)
     {
         KARMPConstraintParameter* parameter = nullptr;
         owner.GetConstraintParameter(index, parameter);
@@ -110,7 +110,7 @@ protected:
 
 TEST_F(ConstraintTree, WritesLinksThenParametersInOrder)
 {
-    addParameter(*constraint, 1, true);
+    AddParameter(*constraint, 1, true);
     TestSerializer root;
     EXPECT_EQ(constraint->Serialize(&root), KARSuccess);
     const TestSerializer* element = root.Find(L"Concentricity");
@@ -186,7 +186,7 @@ TEST_F(ConstraintTree, ReadsBackItsOwnSideOfTheLinks)
 TEST_F(ConstraintTree, LinkThatCannotBeHadIsMarkedAndTheOthersFollow)
 {
     const QOBSharedHandle<KARMPConstraint> forgetful(new Forgetful);
-    link(*forgetful);
+    Link(*forgetful);
     TestSerializer root;
     EXPECT_EQ(forgetful->Serialize(&root), KARSuccess);
     for (const wchar_t* marked :
@@ -201,7 +201,7 @@ TEST_F(ConstraintTree, LinkThatCannotBeHadIsMarkedAndTheOthersFollow)
 
 TEST_F(ConstraintTree, WritesNoParametersWhenNoneIsInitialized)
 {
-    addParameter(*constraint, 1, false);
+    AddParameter(*constraint, 1, false);
     constraint->AddConstraintParameter(nullptr);
     TestSerializer root;
     EXPECT_EQ(constraint->Serialize(&root), KARSuccess);
@@ -210,13 +210,13 @@ TEST_F(ConstraintTree, WritesNoParametersWhenNoneIsInitialized)
 
 TEST_F(ConstraintTree, OneInitializedParameterLetsAllBeWritten)
 {
-    addParameter(*constraint, 10, false);
-    addParameter(*constraint, 20, true);
-    addParameter(*constraint, 30, false);
+    AddParameter(*constraint, 10, false);
+    AddParameter(*constraint, 20, true);
+    AddParameter(*constraint, 30, false);
     EXPECT_EQ(CopyThroughTree(constraint, read, entities), KARSuccess);
     ASSERT_EQ(read->GetConstraintParameterCount(), 3);
     for (int index = 0; index < 3; ++index) {
-        EXPECT_EQ(typeOf(*read, index), 10 * (index + 1));
+        EXPECT_EQ(TypeOf(*read, index), 10 * (index + 1));
         KARMPConstraintParameter* parameter = nullptr;
         read->GetConstraintParameter(index, parameter);
         EXPECT_TRUE(parameter->IsInitialized());
@@ -227,7 +227,7 @@ TEST_F(ConstraintTree, NullAndBrokenParametersAreReportedAndPassedOver)
 {
     constraint->AddConstraintParameter(nullptr);
     constraint->AddConstraintParameter(new BrokenParameter);
-    addParameter(*constraint, 20, true);
+    AddParameter(*constraint, 20, true);
     TestSerializer root;
     EXPECT_EQ(constraint->Serialize(&root), KARSuccess);
     ExpectReports(2);
@@ -241,12 +241,12 @@ TEST_F(ConstraintTree, ParameterIsAddedWhateverItsElementLacks)
     EXPECT_EQ(read->Deserialize(&root, entities), KARSuccess);
     ExpectReports(3);
     ASSERT_EQ(read->GetConstraintParameterCount(), 1);
-    EXPECT_EQ(typeOf(*read, 0), 0);
+    EXPECT_EQ(TypeOf(*read, 0), 0);
 }
 
 TEST_F(ConstraintTree, OnlyTheElementItselfDecidesTheStatus)
 {
-    addParameter(*constraint, 1, true);
+    AddParameter(*constraint, 1, true);
     // How many items stand in the element, the containers of links, that of the parameters, the
     // parameter and its groups: these are not tried when it fails, and all others are.
     const std::map<std::size_t, std::size_t> within{{1, 21},  {2, 2},  {6, 1},  {8, 1}, {10, 12},

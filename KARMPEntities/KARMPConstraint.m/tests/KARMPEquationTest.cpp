@@ -149,13 +149,13 @@ TYPED_TEST(PlainConstraint, CopyHasNoLinks)
 class LinearEquation : public KARMPTestFixture
 {
 protected:
-    static double termOf(const KARMPLinearEquation& source, int index)
+    static double TermOf(const KARMPLinearEquation& source, int index)
     {
         double value = -1.0;
         EXPECT_EQ(source.GetLinearTerm(index, value), KARSuccess);
         return value;
     }
-    void addTerms()
+    void AddTerms()
     {
         equation->AddLinearTerm(1.5);
         equation->AddLinearTerm(2.5);
@@ -214,20 +214,20 @@ TEST_F(LinearEquation, KeepsItsTermsByIndex)
     EXPECT_EQ(equation->AddLinearTerm(1.5), KARSuccess);
     EXPECT_EQ(equation->AddLinearTerm(2.5), KARSuccess);
     EXPECT_EQ(equation->SetLinearTerm(1, 4.5), KARSuccess);
-    EXPECT_EQ(termOf(*equation, 0), 1.5);
-    EXPECT_EQ(termOf(*equation, 1), 4.5);
+    EXPECT_EQ(TermOf(*equation, 0), 1.5);
+    EXPECT_EQ(TermOf(*equation, 1), 4.5);
 }
 
 TEST_F(LinearEquation, IndexOutsideTheTermsGivesZeroAndUnchanged)
 {
-    addTerms();
+    AddTerms();
     for (const int index : {-1, 3}) {
         double value = 9.0;
         EXPECT_EQ(equation->GetLinearTerm(index, value), KARUnchanged);
         EXPECT_EQ(value, 0.0);
         EXPECT_EQ(equation->SetLinearTerm(index, 7.0), KARUnchanged);
     }
-    EXPECT_EQ(termOf(*equation, 2), 3.5);
+    EXPECT_EQ(TermOf(*equation, 2), 3.5);
     ExpectReports(0);
 }
 
@@ -257,12 +257,12 @@ TEST_F(LinearEquation, GrowsItsCapacityInBlocks)
     for (int term = 33; term < 100000; ++term)
         equation->AddLinearTerm(term);
     EXPECT_LT(counter.Count(), 200U);
-    EXPECT_EQ(termOf(*equation, 99999), 99999.0);
+    EXPECT_EQ(TermOf(*equation, 99999), 99999.0);
 }
 
 TEST_F(LinearEquation, CopyTakesTheFlagOfTheConstantAlone)
 {
-    addTerms();
+    AddTerms();
     equation->SetConstantTerm(2.5);
     equation->SetEquation(new CountedFactory);
     const auto copy = KARMPLinearEquation::clone(equation, {});
@@ -279,7 +279,7 @@ TEST_F(LinearEquation, CopyTakesTheFlagOfTheConstantAlone)
 
 TEST_F(LinearEquation, WritesConstantThenTerms)
 {
-    addTerms();
+    AddTerms();
     equation->SetConstantTerm(4.5);
     TestSerializer written;
     EXPECT_EQ(equation->Serialize(&written), KARSuccess);
@@ -304,7 +304,7 @@ TEST_F(LinearEquation, WritesConstantThenTerms)
 
 TEST_F(LinearEquation, WritesNoValueWithoutAConstant)
 {
-    addTerms();
+    AddTerms();
     TestSerializer written;
     EXPECT_EQ(equation->Serialize(&written), KARSuccess);
     EXPECT_FALSE(written.Flag(L"LinearEquation/ConstantTerm/HasConstantTerm"));
@@ -323,7 +323,7 @@ TEST_F(LinearEquation, WithoutTermsFailsAndIsWrittenAllTheSame)
 
 TEST_F(LinearEquation, ReadsBackWhatItWroteInEitherForm)
 {
-    addTerms();
+    AddTerms();
     for (const bool constant : {false, true}) {
         if (constant)
             equation->SetConstantTerm(4.5);
@@ -334,8 +334,8 @@ TEST_F(LinearEquation, ReadsBackWhatItWroteInEitherForm)
             double value = 0.0;
             copy->GetConstantTerm(value);
             EXPECT_EQ(value, constant ? 4.5 : 0.0);
-            EXPECT_EQ(termOf(*copy, 0), 1.5);
-            EXPECT_EQ(termOf(*copy, 2), 3.5);
+            EXPECT_EQ(TermOf(*copy, 0), 1.5);
+            EXPECT_EQ(TermOf(*copy, 2), 3.5);
             EXPECT_EQ(copy->GetLinearTerm(3, value), KARUnchanged);
         }
     }
@@ -350,8 +350,8 @@ TEST_F(LinearEquation, IndicesDoNotPlaceTheTerms)
     terms.Add(L"LinearTerm").Leaf(L"LinearTermIndex", 5).Leaf(L"LinearTermValue", 50.0);
     terms.Add(L"LinearTerm").Leaf(L"LinearTermIndex", 2).Leaf(L"LinearTermValue", 20.0);
     EXPECT_EQ(read->Deserialize(&root, {}), KARSuccess);
-    EXPECT_EQ(termOf(*read, 0), 50.0);
-    EXPECT_EQ(termOf(*read, 1), 20.0);
+    EXPECT_EQ(TermOf(*read, 0), 50.0);
+    EXPECT_EQ(TermOf(*read, 1), 20.0);
 }
 
 TEST_F(LinearEquation, AnyChildOfTheContainerCountsAsATerm)
@@ -365,8 +365,8 @@ TEST_F(LinearEquation, AnyChildOfTheContainerCountsAsATerm)
     EXPECT_EQ(read->Deserialize(&root, {}), KARSuccess);
     ExpectReports(2);
     // By name first, and a term without a value is zero.
-    EXPECT_EQ(termOf(*read, 0), 0.0);
-    EXPECT_EQ(termOf(*read, 1), 50.0);
+    EXPECT_EQ(TermOf(*read, 0), 0.0);
+    EXPECT_EQ(TermOf(*read, 1), 50.0);
 }
 
 TEST_F(LinearEquation, MissingContainersAreReportedAndFail)
@@ -386,7 +386,7 @@ TEST_F(LinearEquation, MissingContainersAreReportedAndFail)
     EXPECT_EQ(read->Deserialize(&noConstant, {}), KARFailure);
     // The constant, and the identifier that the equation has by now.
     TakeReports();
-    EXPECT_EQ(termOf(*read, 0), 5.0);
+    EXPECT_EQ(TermOf(*read, 0), 5.0);
 }
 
 TEST_F(LinearEquation, MissingFlagOfTheConstantMeansNone)
@@ -413,7 +413,7 @@ TEST_F(LinearEquation, MissingValueOfTheConstantFails)
 
 TEST_F(LinearEquation, ReportsWhatItsOwnSettersRefuse)
 {
-    addTerms();
+    AddTerms();
     equation->SetConstantTerm(4.5);
     const QOBSharedHandle<KARMPLinearEquation> refusing(new RefusingEquation);
     EXPECT_EQ(CopyThroughTree(equation, refusing), KARFailure);

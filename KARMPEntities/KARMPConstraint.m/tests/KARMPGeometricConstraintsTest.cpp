@@ -36,11 +36,11 @@ struct Option
     {                                                                                              \
         static constexpr const wchar_t* Element = L"" #Name;                                       \
         static constexpr std::size_t Place = Number;                                               \
-        static KARStatus set(Class& constraint, Value value)                                       \
+        static KARStatus Set(Class& constraint, Value value)                                       \
         {                                                                                          \
             return constraint.Set##Name(value);                                                    \
         }                                                                                          \
-        static KARStatus get(const Class& constraint, Value& value)                                \
+        static KARStatus Get(const Class& constraint, Value& value)                                \
         {                                                                                          \
             return constraint.Get##Name(value);                                                    \
         }                                                                                          \
@@ -69,13 +69,13 @@ protected:
     using Tested = typename Option::Constraint;
     using Held = typename Option::Value;
 
-    static Held valueOf(const QOBSharedHandle<Tested>& constraint)
+    static Held ValueOf(const QOBSharedHandle<Tested>& constraint)
     {
         auto value = static_cast<Held>(99);
-        EXPECT_EQ(Option::get(*constraint, value), KARSuccess);
+        EXPECT_EQ(Option::Get(*constraint, value), KARSuccess);
         return value;
     }
-    static std::wstring elementName()
+    static std::wstring ElementName()
     {
         const std::string name = Tested::ClassName();
         return std::wstring(name.begin() + 5, name.end());
@@ -94,7 +94,7 @@ TYPED_TEST_SUITE(ConstraintOption, AllOptions);
 
 TYPED_TEST(ConstraintOption, HasItsDefaultInANewConstraint)
 {
-    EXPECT_EQ(this->valueOf(this->constraint), TypeParam::Newly);
+    EXPECT_EQ(this->ValueOf(this->constraint), TypeParam::Newly);
 }
 
 TYPED_TEST(ConstraintOption, EveryValueComesBackFromTheTreeByItsWord)
@@ -103,80 +103,80 @@ TYPED_TEST(ConstraintOption, EveryValueComesBackFromTheTreeByItsWord)
     const auto& rows = karmp::EnumTexts<Value>::Rows;
     for (std::size_t row = 0; row < rows.size(); ++row) {
         const auto value = static_cast<Value>(row);
-        EXPECT_EQ(TypeParam::set(*this->constraint, value), KARSuccess);
+        EXPECT_EQ(TypeParam::Set(*this->constraint, value), KARSuccess);
         TestSerializer written;
         EXPECT_EQ(this->constraint->Serialize(&written), KARSuccess);
-        const TestSerializer* element = written.Find(this->elementName());
+        const TestSerializer* element = written.Find(this->ElementName());
         ASSERT_NE(element, nullptr);
         EXPECT_EQ(element->Child(TypeParam::Place).GetId(), TypeParam::Element);
         EXPECT_EQ(element->Text(TypeParam::Element), rows[row]);
         const auto copy = TypeParam::Constraint::create(L"");
         const auto tree = TestDeserializer::From(written);
         EXPECT_EQ(copy->Deserialize(tree.get(), {}), KARSuccess);
-        EXPECT_EQ(this->valueOf(copy), value);
+        EXPECT_EQ(this->ValueOf(copy), value);
     }
 }
 
 TYPED_TEST(ConstraintOption, ValueOutsideTheTableIsWrittenAsTheFirstWord)
 {
     using Value = typename TypeParam::Value;
-    TypeParam::set(*this->constraint, static_cast<Value>(17));
+    TypeParam::Set(*this->constraint, static_cast<Value>(17));
     TestSerializer written;
     EXPECT_EQ(this->constraint->Serialize(&written), KARSuccess);
-    EXPECT_EQ(written.Text(this->elementName() + L"/" + TypeParam::Element),
+    EXPECT_EQ(written.Text(this->ElementName() + L"/" + TypeParam::Element),
               karmp::EnumTexts<Value>::Rows[0]);
 }
 
 TYPED_TEST(ConstraintOption, UnknownWordIsReadAsTheFirstValueWithoutAReport)
 {
     using Value = typename TypeParam::Value;
-    TypeParam::set(*this->read, static_cast<Value>(2));
+    TypeParam::Set(*this->read, static_cast<Value>(2));
     TestSerializer written;
     this->constraint->Serialize(&written);
     TestDeserializer root;
-    auto& element = AddConstraint(root, this->elementName());
-    const TestSerializer* source = written.Find(this->elementName());
+    auto& element = AddConstraint(root, this->ElementName());
+    const TestSerializer* source = written.Find(this->ElementName());
     for (std::size_t place = 0; place < source->GetElementCount(); ++place)
         element.Leaf(source->Child(place).GetId(), L"Nonsense");
     EXPECT_EQ(this->read->Deserialize(&root, {}), KARSuccess);
-    EXPECT_EQ(this->valueOf(this->read), static_cast<Value>(0));
+    EXPECT_EQ(this->ValueOf(this->read), static_cast<Value>(0));
 }
 
 TYPED_TEST(ConstraintOption, MissingOptionIsReportedAndFailsAfterTheOthersWereRead)
 {
     TestDeserializer root;
-    AddConstraint(root, this->elementName());
+    AddConstraint(root, this->ElementName());
     TestSerializer written;
     this->constraint->Serialize(&written);
-    const std::size_t options = written.Find(this->elementName())->GetElementCount();
+    const std::size_t options = written.Find(this->ElementName())->GetElementCount();
     const auto last = static_cast<typename TypeParam::Value>(2);
-    TypeParam::set(*this->read, last);
+    TypeParam::Set(*this->read, last);
     EXPECT_EQ(this->read->Deserialize(&root, {}), KARFailure);
     // Each option, and the end.
     this->ExpectReports(options + 1);
-    EXPECT_EQ(this->valueOf(this->read), last);
+    EXPECT_EQ(this->ValueOf(this->read), last);
 
     TestDeserializer alone;
-    AddConstraint(alone, this->elementName())
+    AddConstraint(alone, this->ElementName())
         .Leaf(TypeParam::Element, karmp::EnumTexts<typename TypeParam::Value>::Rows[1]);
     const auto second = TypeParam::Constraint::create(L"");
     EXPECT_EQ(second->Deserialize(&alone, {}), options == 1 ? KARSuccess : KARFailure);
     this->ExpectReports(options == 1 ? 0 : 2);
-    EXPECT_EQ(this->valueOf(second), static_cast<typename TypeParam::Value>(1));
+    EXPECT_EQ(this->ValueOf(second), static_cast<typename TypeParam::Value>(1));
 }
 
 TYPED_TEST(ConstraintOption, EveryFailedAdditionFailsAndTheOthersAreWritten)
 {
     TestSerializer whole;
     this->constraint->Serialize(&whole);
-    const std::size_t options = whole.Find(this->elementName())->GetElementCount();
+    const std::size_t options = whole.Find(this->ElementName())->GetElementCount();
     const std::size_t creations =
         ForEachFailedCreation(L"R2018.1", [&](TestSerializer& root, std::size_t failing) {
             EXPECT_EQ(this->constraint->Serialize(&root), failing == 0 ? KARSuccess : KARFailure);
             // The tree reports once, or twice for a value; then the place, then the end.
             this->ExpectReports(failing == 0 ? 0 : failing == 1 ? 2 : 4);
             if (failing > 1)
-                EXPECT_EQ(root.Find(this->elementName())->GetElementCount(), options - 1);
+                EXPECT_EQ(root.Find(this->ElementName())->GetElementCount(), options - 1);
         });
     EXPECT_EQ(creations, options + 1);
 }
@@ -194,24 +194,24 @@ TYPED_TEST(ConstraintOption, NullArgumentsAndAMissingElementAreReportedAndFail)
 
 TYPED_TEST(ConstraintOption, TakesItsOwnElementAsWellAsTheNodeAboveIt)
 {
-    TypeParam::set(*this->constraint, static_cast<typename TypeParam::Value>(1));
+    TypeParam::Set(*this->constraint, static_cast<typename TypeParam::Value>(1));
     TestSerializer written;
     this->constraint->Serialize(&written);
     const auto tree = TestDeserializer::From(written);
     const KARMPDeserializer* element = nullptr;
-    tree->GetElement(this->elementName(), element);
+    tree->GetElement(this->ElementName(), element);
     EXPECT_EQ(this->read->Deserialize(element, {}), KARSuccess);
-    EXPECT_EQ(this->valueOf(this->read), static_cast<typename TypeParam::Value>(1));
+    EXPECT_EQ(this->ValueOf(this->read), static_cast<typename TypeParam::Value>(1));
 }
 
 TYPED_TEST(ConstraintOption, TravelsWithACopyExceptOfANormal)
 {
     using Class = typename TypeParam::Constraint;
     const auto value = static_cast<typename TypeParam::Value>(2);
-    TypeParam::set(*this->constraint, value);
+    TypeParam::Set(*this->constraint, value);
     const auto copy = Class::clone(this->constraint, {});
     ASSERT_TRUE(copy);
-    EXPECT_EQ(this->valueOf(copy), (std::is_same_v<Class, KARMPNormal> ? TypeParam::Newly : value));
+    EXPECT_EQ(this->ValueOf(copy), (std::is_same_v<Class, KARMPNormal> ? TypeParam::Newly : value));
 }
 
 /// A setter that tells a loader, and what it calls it.
@@ -230,7 +230,7 @@ class PushedOption : public KARMPTestFixture
 protected:
     using Tested = typename Option::Constraint;
 
-    static std::string callOf(int value)
+    static std::string CallOf(int value)
     {
         const std::wstring name = Option::Element;
         return "Set" + std::string(name.begin(), name.end()) + " " + std::to_string(value);
@@ -256,21 +256,21 @@ TYPED_TEST(PushedOption, IsToldToTheLoaderWhoseAnswerIsTheResult)
 {
     using Value = typename TypeParam::Value;
     this->constraint->SetLoader(new typename TypeParam::Loader(this->record));
-    EXPECT_EQ(TypeParam::set(*this->constraint, static_cast<Value>(2)), KARSuccess);
-    EXPECT_EQ(this->record.calls, std::vector<std::string>{this->callOf(2)});
+    EXPECT_EQ(TypeParam::Set(*this->constraint, static_cast<Value>(2)), KARSuccess);
+    EXPECT_EQ(this->record.calls, std::vector<std::string>{this->CallOf(2)});
     this->record.answer = KAROutOfMemory;
-    EXPECT_EQ(TypeParam::set(*this->constraint, static_cast<Value>(1)), KAROutOfMemory);
+    EXPECT_EQ(TypeParam::Set(*this->constraint, static_cast<Value>(1)), KAROutOfMemory);
     Value value{};
-    TypeParam::get(*this->constraint, value);
+    TypeParam::Get(*this->constraint, value);
     EXPECT_EQ(value, static_cast<Value>(1));
 }
 
 TYPED_TEST(PushedOption, ChangesWithoutALoader)
 {
     using Value = typename TypeParam::Value;
-    EXPECT_EQ(TypeParam::set(*this->constraint, static_cast<Value>(2)), KARSuccess);
+    EXPECT_EQ(TypeParam::Set(*this->constraint, static_cast<Value>(2)), KARSuccess);
     Value value{};
-    TypeParam::get(*this->constraint, value);
+    TypeParam::Get(*this->constraint, value);
     EXPECT_EQ(value, static_cast<Value>(2));
 }
 
@@ -280,21 +280,21 @@ TYPED_TEST(PushedOption, ChangesEvenIfTheLoaderCannotBeFetched)
     using Class = typename TypeParam::Constraint;
     const auto broken = Unfetchable<Class>::create();
     const KARStatus expected = std::is_same_v<Class, KARMPCoaxiality> ? KARSuccess : KARFailure;
-    EXPECT_EQ(TypeParam::set(*broken, static_cast<Value>(2)), expected);
+    EXPECT_EQ(TypeParam::Set(*broken, static_cast<Value>(2)), expected);
     this->ExpectReports(2);
     Value value{};
-    TypeParam::get(*broken, value);
+    TypeParam::Get(*broken, value);
     EXPECT_EQ(value, static_cast<Value>(2));
 }
 
 TYPED_TEST(PushedOption, IsToldToAnAttachedLoaderWhenRead)
 {
     using Class = typename TypeParam::Constraint;
-    TypeParam::set(*this->constraint, static_cast<typename TypeParam::Value>(2));
+    TypeParam::Set(*this->constraint, static_cast<typename TypeParam::Value>(2));
     const auto read = Class::create(L"");
     read->SetLoader(new typename TypeParam::Loader(this->record));
     EXPECT_EQ(CopyThroughTree(this->constraint, read), KARSuccess);
-    EXPECT_THAT(this->record.calls, ::testing::Contains(this->callOf(2)));
+    EXPECT_THAT(this->record.calls, ::testing::Contains(this->CallOf(2)));
 }
 
 TYPED_TEST(PushedOption, RefusalOfTheLoaderFailsTheReading)
@@ -319,7 +319,7 @@ TYPED_TEST(PushedOption, TypedLoaderIsHandedOut)
     // A loader of constraints in general is none of this class.
     const auto other = Class::create(L"");
     other->SetLoader(new RecordingConstraintLoader<>(this->record));
-    EXPECT_EQ(TypeParam::set(*other, static_cast<typename TypeParam::Value>(1)), KARSuccess);
+    EXPECT_EQ(TypeParam::Set(*other, static_cast<typename TypeParam::Value>(1)), KARSuccess);
     EXPECT_TRUE(this->record.calls.empty());
 }
 

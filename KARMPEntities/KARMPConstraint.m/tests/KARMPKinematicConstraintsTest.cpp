@@ -26,12 +26,12 @@ struct Kind
     using Items = std::array<std::pair<const wchar_t*, std::size_t>, Parameters>;
     static constexpr bool IsScrew = std::is_same_v<Class, KARMPScrewConstraint>;
 
-    static KARStatus set(Class& constraint, const Values& values)
+    static KARStatus Set(Class& constraint, const Values& values)
     {
         return std::apply([&](auto... value) { return constraint.SetFrictionParameters(value...); },
                           values);
     }
-    static KARStatus get(const Class& constraint, Values& values)
+    static KARStatus Get(const Class& constraint, Values& values)
     {
         return std::apply(
             [&](auto&... value) { return constraint.GetFrictionParameters(value...); }, values);
@@ -47,8 +47,8 @@ struct Kind<Class, 0>
     using Items = std::array<std::pair<const wchar_t*, std::size_t>, 0>;
     static constexpr bool IsScrew = false;
 
-    static KARStatus set(Class&, const Values&) { return KARSuccess; }
-    static KARStatus get(const Class&, Values&) { return KARSuccess; }
+    static KARStatus Set(Class&, const Values&) { return KARSuccess; }
+    static KARStatus Get(const Class&, Values&) { return KARSuccess; }
 };
 
 #define FRICTION                                                                                   \
@@ -109,28 +109,28 @@ protected:
         for (std::size_t i = 0; i < values.size(); ++i)
             values[i] = 0.5 + static_cast<double>(i);
     }
-    static std::wstring path(const std::wstring& name)
+    static std::wstring Path(const std::wstring& name)
     {
         return std::wstring(Kind::Element) + L"/" + name;
     }
-    static Values frictionOf(const QOBSharedHandle<Class>& constraint)
+    static Values FrictionOf(const QOBSharedHandle<Class>& constraint)
     {
         Values found{};
-        EXPECT_EQ(Kind::get(*constraint, found), KARSuccess);
+        EXPECT_EQ(Kind::Get(*constraint, found), KARSuccess);
         return found;
     }
-    static KARMPSelectedAxis::Enum axisOf(const QOBSharedHandle<Class>& constraint, int index)
+    static KARMPSelectedAxis::Enum AxisOf(const QOBSharedHandle<Class>& constraint, int index)
     {
         KARMPSelectedAxis::Enum axis{};
         EXPECT_EQ(constraint->GetSelectedAxis(index, axis), KARSuccess);
         return axis;
     }
-    static TestDeserializer& addElement(TestDeserializer& root)
+    static TestDeserializer& AddElement(TestDeserializer& root)
     {
         TestDeserializer& element = AddConstraint(root, Kind::Element);
         return element.Leaf(L"SelectedAxis0", L"X").Leaf(L"SelectedAxis1", L"YNeg");
     }
-    static void addMotion(TestDeserializer& element)
+    static void AddMotion(TestDeserializer& element)
     {
         if (Kind::IsScrew) {
             element.Leaf(L"MotionState", L"m")
@@ -155,10 +155,10 @@ TYPED_TEST(KinematicConstraint, NewOneWritesBothAxesAsZAndNoFriction)
     EXPECT_EQ(this->constraint->Serialize(&written), KARSuccess);
     EXPECT_EQ(written.Child(0).GetId(), TypeParam::Element);
     EXPECT_EQ(this->constraint->getClassSerializeID_(), TypeParam::Element);
-    EXPECT_EQ(written.Text(this->path(L"SelectedAxis0")), L"Z");
-    EXPECT_EQ(written.Text(this->path(L"SelectedAxis1")), L"Z");
+    EXPECT_EQ(written.Text(this->Path(L"SelectedAxis0")), L"Z");
+    EXPECT_EQ(written.Text(this->Path(L"SelectedAxis1")), L"Z");
     EXPECT_EQ(written.Child(0).GetElementCount(), TypeParam::IsScrew ? 6U : 2U);
-    EXPECT_EQ(this->frictionOf(this->constraint), typename TypeParam::Values{});
+    EXPECT_EQ(this->FrictionOf(this->constraint), typename TypeParam::Values{});
     EXPECT_EQ(this->constraint->GetFrictionModel(), "none");
     EXPECT_FALSE(this->constraint->IsFrictionEnabled());
 }
@@ -173,24 +173,24 @@ TYPED_TEST(KinematicConstraint, AxisOutsideTheTwoIsReportedAndFails)
         this->ExpectReports(1);
     }
     EXPECT_EQ(axis, KARMPSelectedAxis::YNeg);
-    EXPECT_EQ(this->axisOf(this->constraint, 0), KARMPSelectedAxis::Z);
-    EXPECT_EQ(this->axisOf(this->constraint, 1), KARMPSelectedAxis::Z);
+    EXPECT_EQ(this->AxisOf(this->constraint, 0), KARMPSelectedAxis::Z);
+    EXPECT_EQ(this->AxisOf(this->constraint, 1), KARMPSelectedAxis::Z);
 }
 
 TYPED_TEST(KinematicConstraint, ParametersAndModelAloneEnableNothing)
 {
-    TypeParam::set(*this->constraint, this->values);
+    TypeParam::Set(*this->constraint, this->values);
     EXPECT_EQ(this->constraint->SetFrictionModel("Coulomb"), KARSuccess);
     EXPECT_FALSE(this->constraint->IsFrictionEnabled());
     TestSerializer written;
     EXPECT_EQ(this->constraint->Serialize(&written), KARSuccess);
-    EXPECT_FALSE(written.Has(this->path(L"FrictionModel")));
-    EXPECT_FALSE(written.Has(this->path(L"FrictionParameters")));
+    EXPECT_FALSE(written.Has(this->Path(L"FrictionModel")));
+    EXPECT_FALSE(written.Has(this->Path(L"FrictionParameters")));
 }
 
 TYPED_TEST(KinematicConstraint, WritesFrictionInTheOrderOfItsElements)
 {
-    TypeParam::set(*this->constraint, this->values);
+    TypeParam::Set(*this->constraint, this->values);
     this->constraint->SetFrictionModel("Coul\xC3\xB6mb");
     this->constraint->EnableFriction();
     TestSerializer written;
@@ -218,17 +218,17 @@ TYPED_TEST(KinematicConstraint, ReadsBackWhatItWroteInEitherForm)
             const auto copy = TypeParam::Constraint::create(L"");
             source->SetSelectedAxis(0, KARMPSelectedAxis::XNeg);
             source->SetSelectedAxis(1, KARMPSelectedAxis::Y);
-            TypeParam::set(*source, this->values);
+            TypeParam::Set(*source, this->values);
             source->SetFrictionModel("Coulomb");
             if (friction)
                 source->EnableFriction();
             EXPECT_EQ(CopyThroughTree(source, copy, {}, asText), KARSuccess);
-            EXPECT_EQ(this->axisOf(copy, 0), KARMPSelectedAxis::XNeg);
-            EXPECT_EQ(this->axisOf(copy, 1), KARMPSelectedAxis::Y);
+            EXPECT_EQ(this->AxisOf(copy, 0), KARMPSelectedAxis::XNeg);
+            EXPECT_EQ(this->AxisOf(copy, 1), KARMPSelectedAxis::Y);
             EXPECT_EQ(copy->GetFrictionModel(), friction ? "Coulomb" : "none");
             // Without parameters nothing tells a reader that friction was enabled.
             EXPECT_EQ(copy->IsFrictionEnabled(), friction && TypeParam::Count > 0);
-            EXPECT_EQ(this->frictionOf(copy),
+            EXPECT_EQ(this->FrictionOf(copy),
                       (friction ? this->values : typename TypeParam::Values{}));
         }
     }
@@ -243,12 +243,12 @@ TYPED_TEST(KinematicConstraint, EveryAxisComesBackByItsWord)
         this->constraint->SetSelectedAxis(1, axis);
         TestSerializer written;
         this->constraint->Serialize(&written);
-        EXPECT_EQ(written.Text(this->path(L"SelectedAxis0")), rows[row]);
-        EXPECT_EQ(written.Text(this->path(L"SelectedAxis1")), rows[row]);
+        EXPECT_EQ(written.Text(this->Path(L"SelectedAxis0")), rows[row]);
+        EXPECT_EQ(written.Text(this->Path(L"SelectedAxis1")), rows[row]);
         const auto copy = TypeParam::Constraint::create(L"");
         EXPECT_EQ(CopyThroughTree(this->constraint, copy), KARSuccess);
-        EXPECT_EQ(this->axisOf(copy, 0), axis);
-        EXPECT_EQ(this->axisOf(copy, 1), axis);
+        EXPECT_EQ(this->AxisOf(copy, 0), axis);
+        EXPECT_EQ(this->AxisOf(copy, 1), axis);
     }
 }
 
@@ -257,13 +257,13 @@ TYPED_TEST(KinematicConstraint, UnknownAxisIsTheFirstOneInBothDirections)
     this->constraint->SetSelectedAxis(0, static_cast<KARMPSelectedAxis::Enum>(17));
     TestSerializer written;
     EXPECT_EQ(this->constraint->Serialize(&written), KARSuccess);
-    EXPECT_EQ(written.Text(this->path(L"SelectedAxis0")), L"X");
+    EXPECT_EQ(written.Text(this->Path(L"SelectedAxis0")), L"X");
     TestDeserializer root;
     auto& element = AddConstraint(root, TypeParam::Element);
     element.Leaf(L"SelectedAxis0", L"W").Leaf(L"SelectedAxis1", L"Y");
-    this->addMotion(element);
+    this->AddMotion(element);
     EXPECT_EQ(this->read->Deserialize(&root, {}), KARSuccess);
-    EXPECT_EQ(this->axisOf(this->read, 0), KARMPSelectedAxis::X);
+    EXPECT_EQ(this->AxisOf(this->read, 0), KARMPSelectedAxis::X);
 }
 
 TYPED_TEST(KinematicConstraint, MissingAxisFailsAfterTheOtherAndTheModelWereRead)
@@ -275,8 +275,8 @@ TYPED_TEST(KinematicConstraint, MissingAxisFailsAfterTheOtherAndTheModelWereRead
     EXPECT_EQ(this->read->Deserialize(&root, {}), KARUnexpected);
     // The axis, and the base's failure.
     this->ExpectReports(2);
-    EXPECT_EQ(this->axisOf(this->read, 0), KARMPSelectedAxis::Z);
-    EXPECT_EQ(this->axisOf(this->read, 1), KARMPSelectedAxis::Y);
+    EXPECT_EQ(this->AxisOf(this->read, 0), KARMPSelectedAxis::Z);
+    EXPECT_EQ(this->AxisOf(this->read, 1), KARMPSelectedAxis::Y);
     EXPECT_EQ(this->read->GetFrictionModel(), "Coulomb");
     EXPECT_FALSE(this->read->IsFrictionEnabled());
 }
@@ -298,29 +298,29 @@ TYPED_TEST(KinematicConstraint, BaseFailsWithItsOwnStatus)
 TYPED_TEST(KinematicConstraint, ModelWithoutParametersIsKeptAndDroppedByASecondWrite)
 {
     TestDeserializer root;
-    auto& element = this->addElement(root).Leaf(L"FrictionModel", L"Coulomb");
-    this->addMotion(element);
+    auto& element = this->AddElement(root).Leaf(L"FrictionModel", L"Coulomb");
+    this->AddMotion(element);
     EXPECT_EQ(this->read->Deserialize(&root, {}), KARSuccess);
     EXPECT_EQ(this->read->GetFrictionModel(), "Coulomb");
     EXPECT_FALSE(this->read->IsFrictionEnabled());
     TestSerializer written;
     this->read->Serialize(&written);
-    EXPECT_FALSE(written.Has(this->path(L"FrictionModel")));
+    EXPECT_FALSE(written.Has(this->Path(L"FrictionModel")));
 }
 
 TYPED_TEST(KinematicConstraint, MissingFrictionParameterKeepsItsValueInSilence)
 {
-    TypeParam::set(*this->read, this->values);
+    TypeParam::Set(*this->read, this->values);
     TestDeserializer root;
-    auto& element = this->addElement(root);
+    auto& element = this->AddElement(root);
     element.Add(L"FrictionParameters").Leaf(L"DynamicFriction", 99.0);
-    this->addMotion(element);
+    this->AddMotion(element);
     EXPECT_EQ(this->read->Deserialize(&root, {}), KARSuccess);
     EXPECT_EQ(this->read->IsFrictionEnabled(), TypeParam::Count > 0);
     auto expected = this->values;
     if constexpr (TypeParam::Count > 0)
         expected[2] = 99.0;
-    EXPECT_EQ(this->frictionOf(this->read), expected);
+    EXPECT_EQ(this->FrictionOf(this->read), expected);
 }
 
 TYPED_TEST(KinematicConstraint, FrictionStaysEnabledWhenATreeHasNone)
@@ -370,15 +370,15 @@ TYPED_TEST(KinematicConstraint, CopyTakesItsNumbersAndNoLinks)
     this->constraint->SetSelectedAxis(0, KARMPSelectedAxis::ZNeg);
     this->constraint->SetFrictionModel("Coulomb");
     this->constraint->EnableFriction();
-    TypeParam::set(*this->constraint, this->values);
+    TypeParam::Set(*this->constraint, this->values);
     this->constraint->SetJoint(KARMPRevolute::create(L"j"));
     const auto copy = TypeParam::Constraint::clone(this->constraint, {});
     ASSERT_TRUE(copy);
-    EXPECT_EQ(this->axisOf(copy, 0), KARMPSelectedAxis::ZNeg);
-    EXPECT_EQ(this->axisOf(copy, 1), KARMPSelectedAxis::Z);
+    EXPECT_EQ(this->AxisOf(copy, 0), KARMPSelectedAxis::ZNeg);
+    EXPECT_EQ(this->AxisOf(copy, 1), KARMPSelectedAxis::Z);
     EXPECT_EQ(copy->GetFrictionModel(), "Coulomb");
     EXPECT_TRUE(copy->IsFrictionEnabled());
-    EXPECT_EQ(this->frictionOf(copy), this->values);
+    EXPECT_EQ(this->FrictionOf(copy), this->values);
     QOBSharedHandle<KARMPJoint> joint;
     EXPECT_EQ(copy->GetJoint(joint), KARFailure);
 }
@@ -394,7 +394,7 @@ TYPED_TEST(KinematicConstraint, HandsOutTheLoaderOfItsKindAndTellsItNothing)
     this->constraint->SetSelectedAxis(0, KARMPSelectedAxis::X);
     this->constraint->SetFrictionModel("Coulomb");
     this->constraint->EnableFriction();
-    TypeParam::set(*this->constraint, this->values);
+    TypeParam::Set(*this->constraint, this->values);
     EXPECT_TRUE(record.calls.empty());
     EXPECT_EQ(Unfetchable<typename TypeParam::Constraint>::create()->GetLoader(found), KARFailure);
     this->ExpectReports(1);
@@ -411,7 +411,7 @@ protected:
         constraint->SetRotationOffset(1.5);
         constraint->SetTranslationOffset(-2.5);
     }
-    static void expectMotion(const KARMPScrewConstraint& screw)
+    static void ExpectMotion(const KARMPScrewConstraint& screw)
     {
         double tangent = 0.0;
         double rotation = 0.0;
@@ -458,13 +458,13 @@ TEST_F(ScrewConstraint, MotionComesBackWithAndWithoutFriction)
             constraint->EnableFriction();
         const auto copy = KARMPScrewConstraint::create(L"");
         EXPECT_EQ(CopyThroughTree(constraint, copy), KARSuccess);
-        expectMotion(*copy);
+        ExpectMotion(*copy);
     }
 }
 
 TEST_F(ScrewConstraint, CopyTakesItsMotion)
 {
-    expectMotion(*KARMPScrewConstraint::clone(constraint, {}));
+    ExpectMotion(*KARMPScrewConstraint::clone(constraint, {}));
 }
 
 TEST_F(ScrewConstraint, EachMissingItemOfTheMotionIsReportedAndUnexpected)
@@ -475,7 +475,7 @@ TEST_F(ScrewConstraint, EachMissingItemOfTheMotionIsReportedAndUnexpected)
         .Leaf(L"SelectedAxis1", L"X");
     EXPECT_EQ(constraint->Deserialize(&root, {}), KARUnexpected);
     ExpectReports(4);
-    expectMotion(*constraint);
+    ExpectMotion(*constraint);
 
     TestSerializer written;
     constraint->Serialize(&written);
