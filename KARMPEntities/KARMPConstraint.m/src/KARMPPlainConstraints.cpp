@@ -1,50 +1,13 @@
 #include "KARMPPlainConstraints.h"
 
-#include "KARMPContentWalk.h"
-#include "KARMPFrames.h"
+#include "KARMPKindDefinition.h"
 
-KARMP_DEFINE_ENTITY(KARMPConcentricity, "EE3F37A0-85CC-475a-9B6A-63AFE2E066B3");
-
-template <>
-struct karmp::ContentOf<KARMPConcentricity>
-{
-    static constexpr auto List = Element(
-        L"Concentricity", "Two circles, spheres or points have one centre.", ConstraintFrame);
-};
-KARMP_DEFINE_CONTENT(KARMPConcentricity);
-
-KARMPConcentricity::KARMPConcentricity() = default;
-KARMPConcentricity::KARMPConcentricity(const KARMPConcentricity& source, CopyMode mode)
-    : Super(source, mode)
-{}
-KARMPConcentricity::~KARMPConcentricity() = default;
-
-KARMP_DEFINE_ENTITY(KARMP0DoF, "9360C18A-CD02-400A-BAB8-46A77772E1F7");
-
-template <>
-struct karmp::ContentOf<KARMP0DoF>
-{
-    static constexpr auto List =
-        Element(L"ZeroDoF", "Nothing moves against one another.", ConstraintFrame);
-};
-KARMP_DEFINE_CONTENT(KARMP0DoF);
-
-KARMP0DoF::KARMP0DoF() = default;
-KARMP0DoF::KARMP0DoF(const KARMP0DoF& source, CopyMode mode) : Super(source, mode) {}
-KARMP0DoF::~KARMP0DoF() = default;
-
-KARMP_DEFINE_ENTITY(KARMP6DoF, "176BF2B8-53E8-403b-99E3-38D09FEA994B");
-
-template <>
-struct karmp::ContentOf<KARMP6DoF>
-{
-    static constexpr auto List = Element(L"SixDoF", "Nothing is held.", ConstraintFrame);
-};
-KARMP_DEFINE_CONTENT(KARMP6DoF);
-
-KARMP6DoF::KARMP6DoF() = default;
-KARMP6DoF::KARMP6DoF(const KARMP6DoF& source, CopyMode mode) : Super(source, mode) {}
-KARMP6DoF::~KARMP6DoF() = default;
+KARMP_DEFINE_KIND(KARMPConcentricity, "EE3F37A0-85CC-475a-9B6A-63AFE2E066B3", L"Concentricity",
+                  ConstraintFrame, "Two circles, spheres or points have one centre.");
+KARMP_DEFINE_KIND(KARMP0DoF, "9360C18A-CD02-400A-BAB8-46A77772E1F7", L"ZeroDoF", ConstraintFrame,
+                  "Nothing moves against one another.");
+KARMP_DEFINE_KIND(KARMP6DoF, "176BF2B8-53E8-403b-99E3-38D09FEA994B", L"SixDoF", ConstraintFrame,
+                  "Nothing is held.");
 
 KARMP_DEFINE_ENTITY(KARMPPlanarConstraint, "B9D5A854-44F8-45DA-B57A-F86797E2F60C");
 
@@ -56,12 +19,7 @@ struct karmp::ContentOf<KARMPPlanarConstraint>
             .NamedBy<&KARMPPlanarConstraint::getClassSerializeID_>();
 };
 KARMP_DEFINE_CONTENT(KARMPPlanarConstraint);
-
-KARMPPlanarConstraint::KARMPPlanarConstraint() = default;
-KARMPPlanarConstraint::KARMPPlanarConstraint(const KARMPPlanarConstraint& source, CopyMode mode)
-    : Super(source, mode)
-{}
-KARMPPlanarConstraint::~KARMPPlanarConstraint() = default;
+KARMP_DEFINE_KIND_LIFE(KARMPPlanarConstraint);
 
 std::wstring_view KARMPPlanarConstraint::getClassSerializeID_() const
 {
@@ -79,13 +37,7 @@ struct karmp::ContentOf<KARMPUniversalConstraint>
             .NamedBy<&KARMPUniversalConstraint::getClassSerializeID_>();
 };
 KARMP_DEFINE_CONTENT(KARMPUniversalConstraint);
-
-KARMPUniversalConstraint::KARMPUniversalConstraint() = default;
-KARMPUniversalConstraint::KARMPUniversalConstraint(const KARMPUniversalConstraint& source,
-                                                   CopyMode mode)
-    : Super(source, mode)
-{}
-KARMPUniversalConstraint::~KARMPUniversalConstraint() = default;
+KARMP_DEFINE_KIND_LIFE(KARMPUniversalConstraint);
 
 std::wstring_view KARMPUniversalConstraint::getClassSerializeID_() const
 {
