@@ -41,8 +41,6 @@ const MovedReports Moved{
     {{"KARMPParallelism", "KARMPAlignmentConstraints.cpp"}, "KARMPParallelism.cpp"},
     {{"KARMPPerpendicularity", "KARMPAlignmentConstraints.cpp"}, "KARMPPerpendicularity.cpp"},
     {{"KARMPRollCurveConstraint", "KARMPAlignmentConstraints.cpp"}, "KARMPRollCurveConstraint.cpp"},
-    {{"KARMPSome", "KARMPSomeElement.h"}, "KARMPSome.cpp"},
-    {{"", "KARMPLinks.h"}, "KARMPBase.cpp"},
 };
 
 std::string PrintStatus(KARStatus status)
