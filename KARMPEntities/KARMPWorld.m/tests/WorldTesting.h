@@ -162,3 +162,30 @@ std::vector<std::wstring> identifiersIn(const KARMPWorld& world)
 }
 
 using Identifiers = std::vector<std::wstring>;
+
+/// A functor that tells whether an agent still lives, without holding it.
+inline QOBNotificationFunctor Probe(QOBNotificationAgent& agent)
+{
+    return {agent, [](auto, auto) {}};
+}
+
+inline QOBSharedHandle<KARMPBody> GlobalBody(const KARMPWorld& world)
+{
+    QOBSharedHandle<KARMPBody> body;
+    EXPECT_EQ(world.GetGlobalBody(body), KARSuccess);
+    return body;
+}
+
+inline QOBSharedHandle<KARMPAxisSystem> GlobalAxisSystem(const KARMPWorld& world)
+{
+    QOBSharedHandle<KARMPAxisSystem> axisSystem;
+    EXPECT_EQ(world.GetGlobalAxisSystem(axisSystem), KARSuccess);
+    return axisSystem;
+}
+
+inline QOBSharedHandle<KARMPVariable> GlobalTime(const KARMPWorld& world)
+{
+    QOBSharedHandle<KARMPVariable> time;
+    EXPECT_EQ(world.GetGlobalTime(time), KARSuccess);
+    return time;
+}
