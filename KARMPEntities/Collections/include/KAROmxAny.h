@@ -1,4 +1,3 @@
-// A value that knows its kind.
 #pragma once
 
 #include "KARPlatformExport.h"
@@ -11,7 +10,7 @@
 /// What a KAROmxAny can hold.
 enum class KAROmxAnyKind { None, Boolean, Int, Double, String, Octets };
 
-/// One value of one kind. Fetching it as another kind fails: nothing is converted.
+/// A value that knows its kind. Fetching it as another kind fails: nothing is converted.
 class KAR_API KAROmxAny
 {
 public:

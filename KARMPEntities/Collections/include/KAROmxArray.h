@@ -1,4 +1,3 @@
-// An array whose positions count from 1.
 #pragma once
 
 #include <cstddef>
@@ -6,8 +5,8 @@
 #include <utility>
 #include <vector>
 
-/// Entries of one type in order. Reading outside 1..Size gives a default entry; what is written
-/// there is lost.
+/// Entries of one type in order, at positions that count from 1. Reading outside 1..Size gives a
+/// default entry; what is written there is lost.
 template <typename T>
 class KAROmxArray
 {

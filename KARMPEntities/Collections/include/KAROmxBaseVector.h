@@ -1,4 +1,3 @@
-// A vector of counted pointers to interface roots.
 #pragma once
 
 #include "KARBaseUnknown.h"
@@ -7,7 +6,8 @@
 #include <cstddef>
 #include <vector>
 
-/// Objects in order, with one reference held on each. Null pointers are kept as they are.
+/// A vector of counted pointers to interface roots, with one reference held on each. Null pointers
+/// are kept as they are.
 class KAROmxBaseVector
 {
 public:

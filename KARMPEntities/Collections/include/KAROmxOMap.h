@@ -1,10 +1,9 @@
-// An ordered map, and the iterator that walks it.
 #pragma once
 
 #include <map>
 #include <utility>
 
-/// Values by key, in ascending order of the keys.
+/// An ordered map: values by key, in ascending order of the keys.
 template <typename K, typename V>
 class KAROmxOMap
 {

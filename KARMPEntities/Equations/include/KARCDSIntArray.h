@@ -1,9 +1,9 @@
-// Growable array of integers in which the equation library hands out equation ids.
 #pragma once
 
 #include <cstddef>
 #include <vector>
 
+/// Growable array of integers in which the equation library returns equation ids.
 class KARCDSIntArray
 {
 public:

@@ -1,10 +1,10 @@
-// Narrow string that the equation library takes and gives: any bytes, in the caller's encoding.
 #pragma once
 
 #include <string>
 #include <string_view>
 #include <utility>
 
+/// Narrow string that the equation library takes and gives: any bytes, in the caller's encoding.
 class KARCDSString
 {
 public:

@@ -1,4 +1,3 @@
-// Equation of a factory: the tree of an expression over the factory's variables.
 #pragma once
 
 #include "KARPlatformExport.h"
@@ -12,6 +11,7 @@
 class KARWBFactory;
 class KARWBVariable;
 
+/// Equation of a factory: the tree of an expression over the factory's variables.
 class KAR_API KARWBEquation
 {
 public:

@@ -1,4 +1,3 @@
-// Turns an equation into text of the language.
 #pragma once
 
 #include "KARPlatformExport.h"
@@ -7,6 +6,7 @@
 class KARCDSString;
 class KARWBEquation;
 
+/// Turns an equation into text of the language.
 class KAR_API KARWBEquationPrinter
 {
 public:

@@ -1,4 +1,3 @@
-// Computes the value of equations; keeps its working memory from one call to the next.
 #pragma once
 
 #include "KARPlatformExport.h"
@@ -9,6 +8,7 @@
 
 class KARWBEquation;
 
+/// Computes the value of equations; keeps its working memory from one call to the next.
 class KAR_API KARWBEvaluator
 {
 public:

@@ -1,4 +1,3 @@
-// Tree of an expression, kept as a list of nodes in which every node follows its arguments.
 #pragma once
 
 #include "KARPlatformExport.h"
@@ -22,8 +21,9 @@ struct KARWBNode
     KAR_API bool operator==(const KARWBNode& other) const;
 };
 
-/// Built from the leaves up, as on a stack: a push adds an operand, `Apply` replaces the last
-/// operands by one. Whatever can be built has a text that parses to the same tree again.
+/// Tree of an expression, kept as a list of nodes in which every node follows its arguments. Built
+/// from the leaves up, as on a stack: a push adds an operand, `Apply` replaces the last operands by
+/// one. Whatever can be built has a text that parses to the same tree again.
 class KAR_API KARWBExpressionTree
 {
 public:

@@ -1,4 +1,3 @@
-// Owner of equations and of the variables that they share.
 #pragma once
 
 #include "KARCDSString.h"
@@ -14,6 +13,7 @@ class KARWBEquation;
 class KARWBVariable;
 struct KARWBModelEquation;
 
+/// Owner of equations and of the variables that they share.
 class KAR_API KARWBFactory
 {
 public:
@@ -21,7 +21,7 @@ public:
     KARWBFactory(const KARWBFactory&) = delete;
     KARWBFactory& operator=(const KARWBFactory&) = delete;
 
-    /// Ends the life of all equations and variables.
+    /// Destroys all equations and variables.
     virtual ~KARWBFactory();
 
     /// Number of equations; their ids run from 0 up to it.

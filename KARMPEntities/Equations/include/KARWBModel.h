@@ -1,4 +1,3 @@
-// Equations as parsed from one text, not yet bound to the variables of a factory.
 #pragma once
 
 #include "KARCDSString.h"
@@ -20,6 +19,7 @@ struct KARWBModelEquation
     std::vector<KARCDSString> variableNames;
 };
 
+/// Equations as parsed from one text, not yet bound to the variables of a factory.
 class KAR_API KARWBModel
 {
 public:

@@ -1,8 +1,8 @@
-// What one node of an equation's tree does: a leaf, an operator or a function of the language.
 #pragma once
 
 #include <cstdint>
 
+/// What one node of an equation's tree does: a leaf, an operator or a function of the language.
 enum class KARWBOperation : std::uint8_t {
     Number,     ///< a literal: finite, not negative
     Variable,   ///< the value of a variable

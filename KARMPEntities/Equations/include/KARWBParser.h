@@ -1,4 +1,3 @@
-// Turns text into equations; docs/equations.md tells the language.
 #pragma once
 
 #include "KARPlatformExport.h"
@@ -12,6 +11,7 @@ class KARWBBlackBoxList;
 class KARWBModel;
 class KARWBParserMessenger;
 
+/// Turns text into equations; docs/equations.md tells the language.
 class KAR_API KARWBParser
 {
 public:

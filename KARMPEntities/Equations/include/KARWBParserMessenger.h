@@ -1,4 +1,3 @@
-// Collects what a parser has to say about a text: the errors, each with its place.
 #pragma once
 
 #include "KARCDSString.h"
@@ -16,6 +15,7 @@ struct KARWBParserError
     KARCDSString text;
 };
 
+/// Collects what a parser reports about a text: the errors, each with its line and column.
 class KAR_API KARWBParserMessenger
 {
 public:

@@ -1,4 +1,3 @@
-// Variable that the equations of one factory share: a name and a value.
 #pragma once
 
 #include "KARCDSString.h"
@@ -7,6 +6,7 @@
 
 class KARWBFactory;
 
+/// Variable that the equations of one factory share: a name and a value.
 class KAR_API KARWBVariable
 {
 public:

@@ -112,7 +112,7 @@ private:
         m_text.append(std::begin(buffer), end);
     }
 
-    // Bytes outside of printable ASCII are escaped, so that no encoding on the way can change them.
+    // Bytes outside of printable ASCII are escaped, so that no encoding in between can change them.
     void WriteName(std::string_view name)
     {
         constexpr std::string_view HexDigits = "0123456789abcdef";

@@ -28,7 +28,7 @@ struct OperationInfo
     int maxArguments;
 };
 
-/// As many arguments as memory allows.
+/// Any number of arguments.
 inline constexpr int AnyNumber = 0x7FFFFFFF;
 
 /// The row of an operation.
@@ -38,8 +38,7 @@ const OperationInfo& GetOperationInfo(KARWBOperation operation);
 const OperationInfo* FindNamedOperation(std::string_view word);
 
 /// The operator between two operands that a symbol stands for, a leaf if it is another mark. The
-/// outer
-/// `=` is not among them: it parts an equation, not an expression.
+/// outer `=` is not among them: it separates the sides of an equation, not of an expression.
 KARWBOperation FindInfixOperator(std::string_view symbol);
 
 /// True for operations written as a name with arguments in parentheses.

@@ -1,4 +1,3 @@
-// Cuts a text of the equation language into words.
 #pragma once
 
 #include <cstddef>
@@ -29,6 +28,7 @@ struct Token
     }
 };
 
+/// Cuts a text of the equation language into words.
 class Lexer
 {
 public:

@@ -172,7 +172,7 @@ private:
         return Fail(m_token.offset, "an expression too large");
     }
 
-    // The operator at hand; a leaf when there is none.
+    // The operator at the present word; a leaf when there is none.
     KARWBOperation FindOperator() const
     {
         return m_token.kind == TokenKind::Symbol ? kar::FindInfixOperator(m_token.text)

@@ -1,10 +1,10 @@
-// A 2 x 2 matrix of two columns: a planar inertia, the linear part of a planar transformation.
 #pragma once
 
 #include "KARMathVector2D.h"
 
 #include <cmath>
 
+/// A 2 x 2 matrix of two columns: a planar inertia, the linear part of a planar transformation.
 class KARMath2x2Matrix
 {
 public:
@@ -26,7 +26,7 @@ public:
     {
         return index == 0 ? m_first : m_second;
     }
-    /// Hands out both columns.
+    /// Gives both columns.
     constexpr void GetColumns(KARMathVector2D& first, KARMathVector2D& second) const
     {
         first = m_first;
@@ -56,7 +56,7 @@ public:
     {
         return {{m_first.GetX(), m_second.GetX()}, {m_first.GetY(), m_second.GetY()}};
     }
-    /// Hands out the inverse; false, with the argument untouched, when there is none: a coefficient
+    /// Gives the inverse; false, with the argument untouched, when there is none: a coefficient
     /// that is not finite, or a determinant within 1e-12 of 0 relative to the columns' lengths.
     bool ComputeInverse(KARMath2x2Matrix& inverse) const
     {

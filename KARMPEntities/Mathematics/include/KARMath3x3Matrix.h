@@ -1,10 +1,10 @@
-// A 3 x 3 matrix of three columns: an inertia, the linear part of a transformation.
 #pragma once
 
 #include "KARMathVector.h"
 
 #include <cmath>
 
+/// A 3 x 3 matrix of three columns: an inertia, the linear part of a transformation.
 class KARMath3x3Matrix
 {
 public:
@@ -32,7 +32,7 @@ public:
     {
         return m_columns[index == 0 || index == 1 ? index : 2];
     }
-    /// Hands out the three columns.
+    /// Gives the three columns.
     constexpr void GetColumns(KARMathVector& first, KARMathVector& second,
                               KARMathVector& third) const
     {
@@ -67,7 +67,7 @@ public:
     }
     /// The matrix with rows and columns exchanged.
     constexpr KARMath3x3Matrix Transpose() const { return {Row(0), Row(1), Row(2)}; }
-    /// Hands out the inverse; false, with the argument untouched, when there is none: a coefficient
+    /// Gives the inverse; false, with the argument untouched, when there is none: a coefficient
     /// that is not finite, or a determinant within 1e-12 of 0 relative to the columns' lengths.
     bool ComputeInverse(KARMath3x3Matrix& inverse) const
     {

@@ -1,8 +1,8 @@
-// An axis system in space: an origin and three directions, a joint's frame for one.
 #pragma once
 
 #include "KARMathPoint.h"
 
+/// An axis system in space: an origin and three directions, a joint's frame for one.
 class KARMathAxis
 {
 public:
@@ -24,7 +24,7 @@ public:
     constexpr const KARMathVector& GetSecondDirection() const { return m_second; }
     /// Third direction.
     constexpr const KARMathVector& GetThirdDirection() const { return m_third; }
-    /// Hands out the three directions.
+    /// Gives the three directions.
     constexpr void GetDirections(KARMathVector& first, KARMathVector& second,
                                  KARMathVector& third) const
     {

@@ -1,8 +1,8 @@
-// An axis system in the plane: an origin and two directions.
 #pragma once
 
 #include "KARMathPoint2D.h"
 
+/// An axis system in the plane: an origin and two directions.
 class KARMathAxis2D
 {
 public:
@@ -22,7 +22,7 @@ public:
     constexpr const KARMathVector2D& GetFirstDirection() const { return m_first; }
     /// Second direction.
     constexpr const KARMathVector2D& GetSecondDirection() const { return m_second; }
-    /// Hands out both directions.
+    /// Gives both directions.
     constexpr void GetDirections(KARMathVector2D& first, KARMathVector2D& second) const
     {
         first = m_first;

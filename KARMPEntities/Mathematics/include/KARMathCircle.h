@@ -1,10 +1,10 @@
-// A circle in space, with the parametrisation of its angle.
 #pragma once
 
 #include "KARMathPoint.h"
 
 #include <cmath>
 
+/// A circle in space, with the parametrisation of its angle.
 class KARMathCircle
 {
 public:

@@ -1,9 +1,9 @@
-// A direction in space, kept as the triple that was given: nothing scales it but an explicit call
-// of Normalize.
 #pragma once
 
 #include "KARMathVector.h"
 
+/// A direction in space, kept as the triple that was given: nothing scales it but an explicit call
+/// of Normalize.
 class KARMathDirection : public KARMathVector
 {
 public:

@@ -1,9 +1,9 @@
-// A straight line in space: a joint's axis, a drag line.
 #pragma once
 
 #include "KARMathDirection.h"
 #include "KARMathPoint.h"
 
+/// A straight line in space: a joint's axis, a drag line.
 class KARMathLine
 {
 public:

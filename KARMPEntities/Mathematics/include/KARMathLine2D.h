@@ -1,8 +1,8 @@
-// A straight line in the plane.
 #pragma once
 
 #include "KARMathPoint2D.h"
 
+/// A straight line in the plane.
 class KARMathLine2D
 {
 public:

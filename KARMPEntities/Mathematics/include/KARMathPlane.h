@@ -1,4 +1,3 @@
-// A plane in space, given by a point and its normal.
 #pragma once
 
 #include "KARMathDirection.h"
@@ -6,6 +5,7 @@
 
 #include <cmath>
 
+/// A plane in space, given by a point and its normal.
 class KARMathPlane
 {
 public:

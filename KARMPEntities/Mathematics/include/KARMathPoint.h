@@ -1,8 +1,8 @@
-// A point in space: a centre, an origin, a pole.
 #pragma once
 
 #include "KARMathVector.h"
 
+/// A point in space: a centre, an origin, a pole.
 class KARMathPoint
 {
 public:
@@ -35,7 +35,7 @@ public:
         m_y = y;
         m_z = z;
     }
-    /// Hands out all coordinates.
+    /// Gives all coordinates.
     constexpr void GetCoord(double& x, double& y, double& z) const
     {
         x = m_x;

@@ -1,8 +1,8 @@
-// A point in the plane.
 #pragma once
 
 #include "KARMathVector2D.h"
 
+/// A point in the plane.
 class KARMathPoint2D
 {
 public:
@@ -27,7 +27,7 @@ public:
         m_x = x;
         m_y = y;
     }
-    /// Hands out both coordinates.
+    /// Gives both coordinates.
     constexpr void GetCoord(double& x, double& y) const
     {
         x = m_x;

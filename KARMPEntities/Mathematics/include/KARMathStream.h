@@ -1,5 +1,3 @@
-// A stream of bytes in memory, written at its end and read from its start, with a little-endian
-// form of numbers that is the same on every machine.
 #pragma once
 
 #include "KARPlatformExport.h"
@@ -10,10 +8,12 @@
 #include <span>
 #include <vector>
 
+/// A stream of bytes in memory, written at its end and read from its start, with a little-endian
+/// form of numbers that is the same on every machine.
 class KAR_API KARMathStream
 {
 public:
-    /// The version that OpenWriteStreamHeader hands out.
+    /// The version that OpenWriteStreamHeader gives.
     static constexpr int HeaderVersion = 1;
 
     /// An empty stream, to be written.
@@ -32,7 +32,7 @@ public:
     /// the number 0, when the buffer is null or holds fewer than GetLength bytes.
     KARStatus GetMemoryCopy(void* buffer, std::size_t capacity, std::size_t& copied) const;
 
-    /// Appends a header with a mode of the caller's, and hands out the position and the version
+    /// Appends a header with a mode of the caller's, and gives the position and the version
     /// that CloseWriteStreamHeader takes.
     KARStatus OpenWriteStreamHeader(int mode, std::size_t& position, int& version);
     /// Enters the version and the number of bytes written since the header was opened into the

@@ -1,4 +1,3 @@
-// An affine transformation of space, x -> matrix * x + vector: a body's position, a displacement.
 #pragma once
 
 #include "KARMath3x3Matrix.h"
@@ -8,6 +7,7 @@
 
 #include <cmath>
 
+/// An affine transformation of space, x -> matrix * x + vector: a body's position, a displacement.
 class KARMathTransformation
 {
 public:
@@ -80,7 +80,7 @@ public:
         m_vector = {c[9], c[10], c[11]};
     }
 
-    /// Hands out the inverse; false, with the argument untouched, when the matrix has none.
+    /// Gives the inverse; false, with the argument untouched, when the matrix has none.
     bool ComputeInverse(KARMathTransformation& inverse) const
     {
         KARMath3x3Matrix matrix;
@@ -90,7 +90,7 @@ public:
         return true;
     }
     /// True when the matrix is the identity's within rounding and the vector is null: the test of a
-    /// move that somebody gives. Coefficients of the matrix are numbers and compare with 1. The
+    /// move that is given. Coefficients of the matrix are numbers and compare with 1. The
     /// vector is a length in units that are not known here, with no other length to compare it
     /// with, so any translation is a move, however short: a million short ones add up.
     bool IsIdentity() const

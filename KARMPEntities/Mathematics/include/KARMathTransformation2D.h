@@ -1,4 +1,3 @@
-// An affine transformation of the plane, x -> matrix * x + vector: a planar body's position.
 #pragma once
 
 #include "KARMath2x2Matrix.h"
@@ -8,6 +7,7 @@
 
 #include <cmath>
 
+/// An affine transformation of the plane, x -> matrix * x + vector: a planar body's position.
 class KARMathTransformation2D
 {
 public:
@@ -60,7 +60,7 @@ public:
         m_vector = {c[4], c[5]};
     }
 
-    /// Hands out the inverse; false, with the argument untouched, when the matrix has none.
+    /// Gives the inverse; false, with the argument untouched, when the matrix has none.
     bool ComputeInverse(KARMathTransformation2D& inverse) const
     {
         KARMath2x2Matrix matrix;
@@ -80,7 +80,7 @@ public:
                std::abs(a.SquareNorm() - square) <= MatrixTolerance * square &&
                std::abs(a.Dot(b)) <= MatrixTolerance * square;
     }
-    /// True when this scales all lengths from a centre, without a turn, and then hands out the
+    /// True when this scales all lengths from a centre, without a turn, and then gives the
     /// ratio, which is exactly 1.0 when it lies within the tolerance of it. A translation that is
     /// not null has no centre and is no scaling; false leaves the argument untouched.
     bool IsScaling(double& ratio) const

@@ -1,8 +1,8 @@
-// A free vector in space: a translation, a velocity, a force.
 #pragma once
 
 #include <cmath>
 
+/// A free vector in space: a translation, a velocity, a force.
 class KARMathVector
 {
 public:
@@ -35,7 +35,7 @@ public:
         m_y = y;
         m_z = z;
     }
-    /// Hands out all components.
+    /// Gives all components.
     constexpr void GetCoord(double& x, double& y, double& z) const
     {
         x = m_x;

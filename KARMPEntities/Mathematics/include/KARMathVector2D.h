@@ -1,10 +1,10 @@
-// A free vector in the plane.
 #pragma once
 
 #include "KARMathVector.h"
 
 #include <cmath>
 
+/// A free vector in the plane.
 class KARMathVector2D
 {
 public:
@@ -29,7 +29,7 @@ public:
         m_x = x;
         m_y = y;
     }
-    /// Hands out both components.
+    /// Gives both components.
     constexpr void GetCoord(double& x, double& y) const
     {
         x = m_x;

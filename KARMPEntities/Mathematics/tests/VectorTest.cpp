@@ -45,7 +45,7 @@ TEST(MathVector, ComputesInConstantExpressions)
     static_assert(u.SquareNorm() == 25.0 && u.Cross({0.0, 1.0}) == 3.0);
 }
 
-TEST(MathVector, HandsOutWhatWasSet)
+TEST(MathVector, GivesWhatWasSet)
 {
     KARMathVector v;
     v.SetCoord(1.0, 2.0, 3.0);
@@ -229,7 +229,7 @@ TEST(MathPlane, KeepsItsNormalAsGiven)
     EXPECT_EQ(plane, KARMathPlane());
 }
 
-TEST(MathCircle, HandsOutWhatWasSet)
+TEST(MathCircle, GivesWhatWasSet)
 {
     KARMathCircle circle;
     EXPECT_EQ(circle.GetRadius(), 0.0);

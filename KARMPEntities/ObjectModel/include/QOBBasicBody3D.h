@@ -12,7 +12,7 @@ class KAR_API QOBBasicEntity3D : public QOBBasicEntity
     QOB_CLASS(QOBBasicEntity3D)
 
 public:
-    /// Hands out the position.
+    /// Gives the position.
     virtual KARStatus GetPosition(KARMathTransformation& position) const;
     /// Stores the position.
     virtual KARStatus SetPosition(const KARMathTransformation& position);

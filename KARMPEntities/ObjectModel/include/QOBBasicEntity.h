@@ -1,4 +1,3 @@
-// A named object that stands in a world's hierarchy.
 #pragma once
 
 #include "QOBExtension.h"
@@ -10,6 +9,7 @@
 
 class QOBBasicWorld;
 
+/// A named object that stands in a world's hierarchy.
 class KAR_API QOBBasicEntity : public QOBExtendibleObject
 {
     QOB_CLASS(QOBBasicEntity)
@@ -29,22 +29,22 @@ public:
 
     /// The world under which the entity stands, null if none. Constant time.
     QOBSharedHandle<QOBBasicWorld> getWorld() const;
-    /// Places an entity under this one, taking it from its former place. A null handle, this entity
-    /// itself and one of its ancestors are refused. Constant time for an entity without children.
+    /// Makes an entity a child of this one and of no other. A null handle, this entity itself and
+    /// one of its ancestors are refused. Constant time for an entity without children.
     KARStatus addLogicalChild(const QOBSharedHandle<QOBBasicEntity>& child);
     /// True when the entity stands directly under this one. Constant time.
     bool hasLogicalChild(const QOBSharedHandle<QOBBasicEntity>& child) const;
     /// Number of entities directly under this one.
     std::size_t getLogicalChildCount() const;
 
-    /// Takes the entity from its place in the hierarchy and lets its children go.
+    /// Takes the entity out of the hierarchy and lets its children go.
     void orphanObject() override;
     QOBSharedObject* _replicateObject() const override;
     QOBSharedObject* _duplicateObject(CopyMode mode) const override;
 
     /// The dynamic class's name as wide text.
     virtual std::wstring getEntityTypeName() const;
-    /// Forgets recorded history; there is none here.
+    /// Drops what was recorded; nothing is recorded here.
     virtual void clearHistory();
     /// Time of the simulation that the entity takes part in, in seconds; 0 here.
     virtual double getSimulationTime() const;
@@ -79,5 +79,5 @@ private:
     QOBBasicEntity* m_parent = nullptr;
     QOBBasicWorld* m_world = nullptr;
     std::unique_ptr<Children> m_children;
-    std::size_t m_slot = 0; // place among the parent's children
+    std::size_t m_slot = 0; // index among the parent's children
 };

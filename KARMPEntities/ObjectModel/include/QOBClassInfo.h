@@ -1,4 +1,3 @@
-// Run-time record of a class: its plain name, its size and its parent.
 #pragma once
 
 #include "KARPlatformExport.h"
@@ -21,6 +20,7 @@ struct QOBClassOperations
     QOBDuplicateFunction duplicate = nullptr;
 };
 
+/// Run-time record of a class: its plain name, its size and its parent.
 class KAR_API QOBClassInfo
 {
 public:

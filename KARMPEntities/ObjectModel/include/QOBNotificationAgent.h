@@ -1,4 +1,3 @@
-// A shared object that tells subscribers of numbered events.
 #pragma once
 
 #include "QOBSharedHandle.h"
@@ -48,6 +47,7 @@ private:
     std::shared_ptr<const Target> m_target;
 };
 
+/// A shared object that tells subscribers of numbered events.
 class KAR_API QOBNotificationAgent : public QOBSharedObject
 {
     QOB_CLASS(QOBNotificationAgent)
@@ -85,7 +85,7 @@ private:
 
     Subscribers& subscribers() const;
 
-    bool m_notifies; // first, where the base's last bytes leave room for it
+    bool m_notifies; // first, so that it fits behind the base's last bytes
     // Made on first need: most agents are never watched, and postEvent then costs one test.
     mutable std::unique_ptr<Subscribers> m_subscribers;
 };

@@ -1,10 +1,10 @@
-// Globally unique identifier of a class, kept as the text it was made from.
 #pragma once
 
 #include "KARPlatformExport.h"
 
 #include <string>
 
+/// Globally unique identifier of a class, kept as the text it was made from.
 class KAR_API QOBUUID
 {
 public:

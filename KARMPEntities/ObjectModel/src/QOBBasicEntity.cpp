@@ -76,7 +76,7 @@ KARStatus QOBBasicEntity::addLogicalChild(const QOBSharedHandle<QOBBasicEntity>&
     if (hasLogicalChild(child))
         return KARUnchanged;
 
-    // The new place first: without memory for it the child keeps its former one.
+    // The new slot first: when its allocation fails the child keeps its former one.
     if (m_children == nullptr)
         m_children = std::make_unique<Children>();
     m_children->slots.push_back(child);
@@ -134,7 +134,7 @@ double QOBBasicEntity::getSimulationTime() const
 void QOBBasicEntity::resetEntity() {}
 
 // Tells this entity and all below it. A hierarchy may be deep, and a destructor must not need
-// memory, so that the walk keeps nothing but its place.
+// memory, so that the walk stores nothing but where it is.
 void QOBBasicEntity::enterWorld(QOBBasicWorld* world)
 {
     if (m_world == world)

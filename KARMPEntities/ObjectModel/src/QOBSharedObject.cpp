@@ -13,7 +13,7 @@ const QOBClassInfo s_QOBDynamicObjectInfo(typeid(QOBDynamicObject*), sizeof(QOBD
 
 using ObjectList = std::vector<const QOBCountedObject*>;
 
-// False, with nothing changed, when memory ends.
+// False, with nothing changed, when the allocation fails.
 bool Append(ObjectList& list, const QOBCountedObject* object) noexcept
 {
     try {

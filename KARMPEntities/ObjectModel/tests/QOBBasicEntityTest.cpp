@@ -269,7 +269,7 @@ TEST(BasicWorld, OrphansAllOfAFamilyBeforeItLetsThemGoFirstToLast)
         for (int number = 0; number < count; ++number) {
             const QOBSharedHandle<Witness> child(new Witness(orphaned, gone, number));
             world->addLogicalChild(child);
-            // An orphan leaves a free place among its siblings.
+            // An orphan leaves a free slot among its siblings.
             if (number % 5 == 2)
                 child->orphanObject();
         }

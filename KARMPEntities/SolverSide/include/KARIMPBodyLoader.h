@@ -1,4 +1,3 @@
-// What a solver attaches to a body: it hears how the body is moved and tells how it moves.
 #pragma once
 
 #include "KARIMPEntityLoader.h"
@@ -17,6 +16,7 @@ enum PointWhereToComputeVelAndAcc : int;
 
 } // namespace karmp
 
+/// What a solver attaches to a body: it hears how the body is moved and tells how it moves.
 class KAR_API KARIMPBodyLoader : public KARIMPEntityLoader
 {
 public:

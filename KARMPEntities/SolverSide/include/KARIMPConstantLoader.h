@@ -1,8 +1,8 @@
-// What a solver attaches to a constant.
 #pragma once
 
 #include "KARIMPValueLoader.h"
 
-/// The constant tells it nothing: the solver reads the number.
+/// What a solver attaches to a constant. The constant tells it nothing: the solver reads the
+/// number.
 class KAR_API KARIMPConstantLoader : public KARIMPValueLoader
 {};

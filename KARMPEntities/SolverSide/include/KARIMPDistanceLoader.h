@@ -1,8 +1,8 @@
-// What a solver attaches to a distance, to be told of its options.
 #pragma once
 
 #include "KARIMPConstraintLoader.h"
 
+/// What a solver attaches to a distance, to be told of its options.
 class KAR_API KARIMPDistanceLoader : public KARIMPConstraintLoader
 {
 public:

@@ -1,10 +1,10 @@
-// What a solver attaches to an entity, to be told of its changes and asked about its state.
 #pragma once
 
 #include "KARPlatformExport.h"
 #include "KARStatus.h"
 
-/// Root of the loader interfaces. An entity owns the loader last set on it and deletes it.
+/// Root of the loader interfaces: what a solver attaches to an entity, to be told of its changes
+/// and asked about its state. An entity owns the loader last set on it and deletes it.
 class KAR_API KARIMPEntityLoader
 {
 public:

@@ -1,5 +1,3 @@
-// What a solver attaches to a joint: it knows the joint's frames and what the joint is to the
-// solver.
 #pragma once
 
 #include "KARIMPEntityLoader.h"
@@ -9,6 +7,8 @@
 
 class KARMathAxis;
 
+/// What a solver attaches to a joint: it knows the joint's frames and what the joint is to the
+/// solver.
 class KAR_API KARIMPJointLoader : public KARIMPEntityLoader
 {
 public:

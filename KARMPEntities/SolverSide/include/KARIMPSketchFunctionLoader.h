@@ -1,8 +1,8 @@
-// What a solver attaches to a sketch function.
 #pragma once
 
 #include "KARIMPValueLoader.h"
 
-/// The function tells it nothing: the solver reads the curves and the reference axis.
+/// What a solver attaches to a sketch function. The function tells it nothing: the solver reads the
+/// curves and the reference axis.
 class KAR_API KARIMPSketchFunctionLoader : public KARIMPValueLoader
 {};

@@ -1,8 +1,8 @@
-// What a solver attaches to a variable, to be told of its value and bounds.
 #pragma once
 
 #include "KARIMPEntityLoader.h"
 
+/// What a solver attaches to a variable, to be told of its value and bounds.
 class KAR_API KARIMPVariableLoader : public KARIMPEntityLoader
 {
 public:

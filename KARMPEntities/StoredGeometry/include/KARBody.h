@@ -1,5 +1,3 @@
-// A topological body: vertices, edges on curves between them, faces on surfaces within loops of
-// edges.
 #pragma once
 
 #include "KARCurve.h"
@@ -42,6 +40,8 @@ struct KARBodyFace
     std::vector<KARLoop> loops;
 };
 
+/// A topological body: vertices, edges on curves between them, faces on surfaces within loops of
+/// edges.
 class KAR_API KARBody final : public KARIGMKObject
 {
     KAR_STORED_CLASS(KARBody, KARIGMKObject)

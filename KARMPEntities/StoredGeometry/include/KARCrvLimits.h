@@ -1,5 +1,3 @@
-// The part of a curve that is used: from a low to a high parameter. Its memory comes from malloc,
-// so that an owner who knows it as an untyped pointer may free it.
 #pragma once
 
 #include "KARCrvParam.h"
@@ -8,6 +6,8 @@
 #include <cstddef>
 #include <type_traits>
 
+/// The part of a curve that is used: from a low to a high parameter. Its memory comes from malloc,
+/// so that an owner who knows it as an untyped pointer may free it.
 class KAR_API KARCrvLimits
 {
 public:

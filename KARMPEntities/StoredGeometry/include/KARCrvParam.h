@@ -1,6 +1,6 @@
-// A parameter of a curve: the number, and the piece of the curve that it lies on.
 #pragma once
 
+/// A parameter of a curve: the number, and the piece of the curve that it lies on.
 class KARCrvParam
 {
 public:

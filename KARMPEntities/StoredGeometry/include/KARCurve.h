@@ -1,10 +1,10 @@
-// A curve in space. A planar curve is one that lies in a plane.
 #pragma once
 
 #include "KARCrvParam.h"
 #include "KARIGMKObject.h"
 #include "KARMathPoint.h"
 
+/// A curve in space. A planar curve is one that lies in a plane.
 class KAR_API KARCurve : public KARIGMKObject
 {
     KAR_STORED_CLASS(KARCurve, KARIGMKObject)

@@ -1,9 +1,9 @@
-// A part of a cylinder: origin + radius * (cos(u) * first + sin(u) * second) + v * (first x
-// second), u in radians.
 #pragma once
 
 #include "KARSurface.h"
 
+/// A part of a cylinder: origin + radius * (cos(u) * first + sin(u) * second) + v * (first x
+/// second), u in radians.
 class KAR_API KARCylinderSurface final : public KARSurface
 {
     KAR_STORED_CLASS(KARCylinderSurface, KARSurface)

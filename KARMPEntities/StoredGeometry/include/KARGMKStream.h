@@ -1,4 +1,3 @@
-// The stream that stored objects are saved to and loaded from.
 #pragma once
 
 #include "KARBaseUnknown.h"
@@ -6,6 +5,7 @@
 
 #include <cstddef>
 
+/// The stream that stored objects are saved to and loaded from.
 class KAR_API KARGMKStream : public KARMathStream
 {
 public:

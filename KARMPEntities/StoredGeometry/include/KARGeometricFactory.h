@@ -1,4 +1,3 @@
-// Makes stored objects and owns them: one reference on each, until the factory goes.
 #pragma once
 
 #include "KARIGMKObject.h"
@@ -6,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+/// Makes stored objects and owns them: one reference on each, until the factory goes.
 class KAR_API KARGeometricFactory : public KARCountedUnknown
 {
     KAR_STORED_CLASS(KARGeometricFactory, KARCountedUnknown)
@@ -22,11 +22,11 @@ class KAR_API KARGeometricFactory : public KARCountedUnknown
         Adopt(object);
         return object;
     }
-    /// Takes over the caller's reference on an object, which is given up when memory runs out; null
-    /// changes nothing.
+    /// Takes over the caller's reference on an object, which is given up when an allocation fails;
+    /// null changes nothing.
     void Adopt(KARIGMKObject* object);
-    /// Takes over the caller's references on objects, none of which is null; when memory runs out
-    /// the caller keeps them all.
+    /// Takes over the caller's references on objects, none of which is null; when an allocation
+    /// fails the caller keeps them all.
     void Adopt(const std::vector<KARIGMKObject*>& objects);
     /// Number of objects that the factory owns.
     int GetObjectCount() const { return static_cast<int>(m_objects.size()); }

@@ -1,4 +1,3 @@
-// An object of the stored geometry: a curve, a surface or a body, counted and saved to a stream.
 #pragma once
 
 #include "KARBaseUnknown.h"
@@ -25,6 +24,7 @@ public:                                                                         
                                                   : Base::Query(classId);                          \
     }
 
+/// An object of the stored geometry: a curve, a surface or a body, counted and saved to a stream.
 class KAR_API KARIGMKObject : public KARCountedUnknown
 {
     KAR_STORED_CLASS(KARIGMKObject, KARCountedUnknown)

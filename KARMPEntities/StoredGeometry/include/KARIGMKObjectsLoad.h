@@ -1,4 +1,3 @@
-// Loads stored objects from a stream.
 #pragma once
 
 #include "KARGMKStream.h"
@@ -6,6 +5,7 @@
 #include "KARListPtrKARIGMKObject.h"
 #include "KARStatus.h"
 
+/// Loads stored objects from a stream.
 class KAR_API KARIGMKObjectsLoad
 {
 public:
@@ -14,10 +14,10 @@ public:
 
     /// Reads the block that makes up the rest of the stream and appends the objects that were
     /// listed when it was saved. The factory owns what was loaded; where it is null, a new one is
-    /// handed out with one reference for the caller, who takes references on the objects that are
+    /// given with one reference for the caller, who takes references on the objects that are
     /// to outlive it and releases it. The one mode is 0. KARFailure, with factory and list
     /// untouched and nothing left behind, when the stream is cut off, damaged, of an unknown
-    /// version or holds what no factory would make; KAROutOfMemory when memory runs out.
+    /// version or holds what no factory would make; KAROutOfMemory when an allocation fails.
     KARStatus Load(KARGeometricFactory*& factory, KARListPtrKARIGMKObject& objects, int mode);
 
 private:

@@ -1,10 +1,10 @@
-// Saves stored objects to a stream.
 #pragma once
 
 #include "KARGMKStream.h"
 #include "KARListPtrKARIGMKObject.h"
 #include "KARStatus.h"
 
+/// Saves stored objects to a stream.
 class KAR_API KARIGMKObjectsSave
 {
 public:
@@ -14,7 +14,7 @@ public:
     /// Appends one block with the listed objects and all that they refer to, each object once.
     /// When `saved` is not null, all objects written are appended to it in their order.
     /// KARFailure, with nothing written, when the list is empty or holds null or an object of a
-    /// class without a stored form; KAROutOfMemory when memory runs out.
+    /// class without a stored form; KAROutOfMemory when an allocation fails.
     KARStatus Save(const KARListPtrKARIGMKObject& objects, KARListPtrKARIGMKObject* saved);
 
 private:

@@ -1,9 +1,9 @@
-// A segment of a straight line: origin + parameter * direction.
 #pragma once
 
 #include "KARCurve.h"
 #include "KARMathLine.h"
 
+/// A segment of a straight line: origin + parameter * direction.
 class KAR_API KARLineCurve final : public KARCurve
 {
     KAR_STORED_CLASS(KARLineCurve, KARCurve)

@@ -1,9 +1,9 @@
-// Another surface, moved by an affine transformation.
 #pragma once
 
 #include "KARMathTransformation.h"
 #include "KARSurface.h"
 
+/// Another surface, moved by an affine transformation.
 class KAR_API KARLinearTransfoSurface final : public KARSurface
 {
     KAR_STORED_CLASS(KARLinearTransfoSurface, KARSurface)

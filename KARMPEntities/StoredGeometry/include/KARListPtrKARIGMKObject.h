@@ -1,4 +1,3 @@
-// A list of pointers to stored objects, as a stream saves and loads them; it counts no reference.
 #pragma once
 
 #include "KARIGMKObject.h"
@@ -6,6 +5,7 @@
 #include <cstddef>
 #include <vector>
 
+/// A list of pointers to stored objects, as a stream saves and loads them; it counts no reference.
 class KARListPtrKARIGMKObject
 {
 public:

@@ -1,10 +1,10 @@
-// A spline curve, rational or not.
 #pragma once
 
 #include "KARCurve.h"
 
 #include <vector>
 
+/// A spline curve, rational or not.
 class KAR_API KARNurbsCurve final : public KARCurve
 {
     KAR_STORED_CLASS(KARNurbsCurve, KARCurve)

@@ -1,4 +1,3 @@
-// A spline surface, rational or not.
 #pragma once
 
 #include "KARSurface.h"
@@ -12,6 +11,7 @@ struct KARSplineBasis
     std::vector<double> knots;
 };
 
+/// A spline surface, rational or not.
 class KAR_API KARNurbsSurface final : public KARSurface
 {
     KAR_STORED_CLASS(KARNurbsSurface, KARSurface)

@@ -1,8 +1,8 @@
-// A rectangle of a plane: origin + u * first + v * second.
 #pragma once
 
 #include "KARSurface.h"
 
+/// A rectangle of a plane: origin + u * first + v * second.
 class KAR_API KARPlaneSurface final : public KARSurface
 {
     KAR_STORED_CLASS(KARPlaneSurface, KARSurface)

@@ -1,10 +1,10 @@
-// A chain of straight segments through points; segment i holds the parameters from i to i + 1.
 #pragma once
 
 #include "KARCurve.h"
 
 #include <vector>
 
+/// A chain of straight segments through points; segment i holds the parameters from i to i + 1.
 class KAR_API KARPolylineCurve final : public KARCurve
 {
     KAR_STORED_CLASS(KARPolylineCurve, KARCurve)

@@ -1,4 +1,3 @@
-// A surface in space, with two parameters u and v.
 #pragma once
 
 #include "KARIGMKObject.h"
@@ -13,6 +12,7 @@ struct KARSurLimits
     double vHigh = 0.0;
 };
 
+/// A surface in space, with two parameters u and v.
 class KAR_API KARSurface : public KARIGMKObject
 {
     KAR_STORED_CLASS(KARSurface, KARIGMKObject)
@@ -28,7 +28,7 @@ class KAR_API KARSurface : public KARIGMKObject
 
     /// The point at two parameters.
     KARMathPoint EvalPoint(double u, double v) const;
-    /// Hands out the unit normal, along u x along v; false, with the argument untouched, where
+    /// Gives the unit normal, along u x along v; false, with the argument untouched, where
     /// there is none.
     bool EvalNormal(double u, double v, KARMathVector& normal) const;
 

@@ -44,7 +44,7 @@ inline bool IsRange(const KARSurLimits& limits)
     return IsRange(limits.uLow, limits.uHigh) && IsRange(limits.vLow, limits.vHigh);
 }
 
-/// At most one turn, with room for the rounding of its ends.
+/// At most one turn, within the rounding of its ends.
 inline bool IsWithinOneTurn(double low, double high)
 {
     return high - low <= 2.0 * std::numbers::pi * (1.0 + 1e-9);

@@ -49,7 +49,7 @@ void GMKReader::Object()
         Fail();
         return;
     }
-    // Room first: nothing may throw between the object's making and its keeping.
+    // The slot first: nothing may throw between the object's creation and its storing.
     m_objects.push_back(nullptr);
     KARIGMKObject* object = nullptr;
     try {

@@ -1,5 +1,3 @@
-// Reads the records of stored objects. The first value that cannot be read makes the whole reading
-// fail; from then on everything reads as 0.
 #pragma once
 
 #include "GMKFormat.h"
@@ -12,6 +10,8 @@
 
 namespace kar {
 
+/// Reads the records of stored objects. The first value that cannot be read makes the whole reading
+/// fail; from then on everything reads as 0.
 class GMKReader
 {
 public:
@@ -27,7 +27,7 @@ public:
     const std::vector<KARIGMKObject*>& Objects() const { return m_objects; }
     /// Gives up the references: they are the caller's now.
     void Detach() { m_objects.clear(); }
-    /// Makes room for objects.
+    /// Reserves capacity for a number of objects.
     void Reserve(std::size_t count) { m_objects.reserve(count); }
 
     bool Flag();

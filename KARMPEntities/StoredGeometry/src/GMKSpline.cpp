@@ -48,7 +48,7 @@ bool ArePoles(std::size_t count, const std::vector<KARMathPoint>& poles,
                weights.begin(), weights.end(), [](double w) { return w > 0.0; });
 }
 
-SplinePlace FindPlace(int degree, const std::vector<double>& knots, double parameter)
+SplineSpan FindSpan(int degree, const std::vector<double>& knots, double parameter)
 {
     const auto p = static_cast<std::ptrdiff_t>(degree);
     const auto first = knots.begin() + p;
@@ -63,11 +63,11 @@ SplinePlace FindPlace(int degree, const std::vector<double>& knots, double param
     return {static_cast<std::size_t>(next - knots.begin() - 1), t};
 }
 
-void DeBoor(int degree, const std::vector<double>& knots, const SplinePlace& place,
+void DeBoor(int degree, const std::vector<double>& knots, const SplineSpan& found,
             WeightedPoint* poles, WeightedPoint& value, WeightedPoint& derivative)
 {
     const auto p = static_cast<std::size_t>(degree);
-    const std::size_t k = place.span;
+    const std::size_t k = found.span;
     for (std::size_t level = 1; level <= p; ++level) {
         if (level == p) {
             // The two points of the last level but one span the tangent.
@@ -77,7 +77,7 @@ void DeBoor(int degree, const std::vector<double>& knots, const SplinePlace& pla
         for (std::size_t j = p; j >= level; --j) {
             const double low = knots[k + j - p];
             const double high = knots[k + j + 1 - level];
-            const double share = (place.parameter - low) / (high - low);
+            const double share = (found.parameter - low) / (high - low);
             poles[j] = poles[j - 1] * (1.0 - share) + poles[j] * share;
         }
     }

@@ -29,19 +29,19 @@ bool IsBasis(int degree, const std::vector<double>& knots);
 bool ArePoles(std::size_t count, const std::vector<KARMathPoint>& poles,
               const std::vector<double>& weights);
 
-/// A place on a basis: the knot span that holds the parameter, and the parameter moved into the
+/// A parameter on a basis: the knot span that holds the parameter, and the parameter moved into the
 /// range.
-struct SplinePlace
+struct SplineSpan
 {
     std::size_t span = 0;
     double parameter = 0.0;
 };
 
-SplinePlace FindPlace(int degree, const std::vector<double>& knots, double parameter);
+SplineSpan FindSpan(int degree, const std::vector<double>& knots, double parameter);
 
 /// Takes the degree + 1 poles of a span, which are overwritten, and gives the value and the
-/// derivative at a place.
-void DeBoor(int degree, const std::vector<double>& knots, const SplinePlace& place,
+/// derivative at a parameter.
+void DeBoor(int degree, const std::vector<double>& knots, const SplineSpan& found,
             WeightedPoint* poles, WeightedPoint& value, WeightedPoint& derivative);
 
 /// The point that a homogeneous value stands for.

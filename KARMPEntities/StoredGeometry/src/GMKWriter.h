@@ -1,4 +1,3 @@
-// Writes the records of stored objects.
 #pragma once
 
 #include "GMKFormat.h"
@@ -12,6 +11,7 @@
 
 namespace kar {
 
+/// Writes the records of stored objects.
 class GMKWriter
 {
 public:

@@ -33,20 +33,20 @@ void KARNurbsCurve::GetLimits(double& low, double& high) const
 
 KARCrvParam KARNurbsCurve::CreateParam(double value) const
 {
-    const kar::SplinePlace place = kar::FindPlace(m_degree, m_knots, value);
-    return KARCrvParam(value, static_cast<int>(place.span) - m_degree);
+    const kar::SplineSpan found = kar::FindSpan(m_degree, m_knots, value);
+    return KARCrvParam(value, static_cast<int>(found.span) - m_degree);
 }
 
 void KARNurbsCurve::Evaluate(double parameter, KARMathPoint& point, KARMathVector& tangent) const
 {
-    const kar::SplinePlace place = kar::FindPlace(m_degree, m_knots, parameter);
+    const kar::SplineSpan found = kar::FindSpan(m_degree, m_knots, parameter);
     const auto degree = static_cast<std::size_t>(m_degree);
     std::array<kar::WeightedPoint, MaximumDegree + 1> poles;
     for (std::size_t i = 0; i <= degree; ++i)
-        poles[i] = kar::WeightedPole(m_poles, m_weights, place.span - degree + i);
+        poles[i] = kar::WeightedPole(m_poles, m_weights, found.span - degree + i);
     kar::WeightedPoint value;
     kar::WeightedPoint derivative;
-    kar::DeBoor(m_degree, m_knots, place, poles.data(), value, derivative);
+    kar::DeBoor(m_degree, m_knots, found, poles.data(), value, derivative);
     point = kar::Project(value);
     tangent = kar::ProjectDerivative(value, derivative);
 }

@@ -43,8 +43,8 @@ KARSurLimits KARNurbsSurface::GetLimits() const
 void KARNurbsSurface::Evaluate(double u, double v, KARMathPoint& point, KARMathVector& alongU,
                                KARMathVector& alongV) const
 {
-    const kar::SplinePlace placeU = kar::FindPlace(m_u.degree, m_u.knots, u);
-    const kar::SplinePlace placeV = kar::FindPlace(m_v.degree, m_v.knots, v);
+    const kar::SplineSpan spanU = kar::FindSpan(m_u.degree, m_u.knots, u);
+    const kar::SplineSpan spanV = kar::FindSpan(m_v.degree, m_v.knots, v);
     const auto degreeU = static_cast<std::size_t>(m_u.degree);
     const auto degreeV = static_cast<std::size_t>(m_v.degree);
     const std::size_t rowLength = PoleCount(m_v);
@@ -54,17 +54,17 @@ void KARNurbsSurface::Evaluate(double u, double v, KARMathPoint& point, KARMathV
     PoleRow derivatives;
     for (std::size_t i = 0; i <= degreeU; ++i) {
         PoleRow row;
-        const std::size_t start = (placeU.span - degreeU + i) * rowLength + placeV.span - degreeV;
+        const std::size_t start = (spanU.span - degreeU + i) * rowLength + spanV.span - degreeV;
         for (std::size_t j = 0; j <= degreeV; ++j)
             row[j] = kar::WeightedPole(m_poles, m_weights, start + j);
-        kar::DeBoor(m_v.degree, m_v.knots, placeV, row.data(), values[i], derivatives[i]);
+        kar::DeBoor(m_v.degree, m_v.knots, spanV, row.data(), values[i], derivatives[i]);
     }
     kar::WeightedPoint value;
     kar::WeightedPoint byU;
     kar::WeightedPoint byV;
     kar::WeightedPoint mixed;
-    kar::DeBoor(m_u.degree, m_u.knots, placeU, values.data(), value, byU);
-    kar::DeBoor(m_u.degree, m_u.knots, placeU, derivatives.data(), byV, mixed);
+    kar::DeBoor(m_u.degree, m_u.knots, spanU, values.data(), value, byU);
+    kar::DeBoor(m_u.degree, m_u.knots, spanU, derivatives.data(), byV, mixed);
     point = kar::Project(value);
     alongU = kar::ProjectDerivative(value, byU);
     alongV = kar::ProjectDerivative(value, byV);

@@ -231,7 +231,7 @@ TEST(StoredCurve, SplineOfTheHighestDegreeIsEvaluated)
     ExpectTangent(*spline, 0.8, {Order - 1.0, 0, 0}, 1e-11);
 }
 
-TEST(CurveLimits, HandsOutItsExtremities)
+TEST(CurveLimits, GivesItsExtremities)
 {
     const KARCrvLimits limits(KARCrvParam(0.5, 1), KARCrvParam(2.0, 3), 1);
     double low = 0.0;

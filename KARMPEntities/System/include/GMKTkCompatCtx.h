@@ -1,9 +1,9 @@
-// A scope in which the geometric kernel answers as it did in earlier releases.
 #pragma once
 
 #include "KARPlatformExport.h"
 
-/// Enters the calling thread's compatibility scope for as long as it lives. Scopes nest.
+/// Enters the calling thread's compatibility scope of the geometric kernel for as long as it lives.
+/// Scopes nest.
 class KAR_API GMKTkCompatCtx
 {
 public:

@@ -1,12 +1,12 @@
-// A counted interface root: objects of the modelling application that entities refer to.
 #pragma once
 
 #include "KARPlatformExport.h"
 
 #include <atomic>
 
-/// Root of counted objects. A class that can be asked for has a static `const char* ClassId()`,
-/// which identifies it by its text, and answers it in Query.
+/// Root of counted objects: the objects of the modelling application that entities refer to. A
+/// class that can be asked for has a static `const char* ClassId()`, which identifies it by its
+/// text, and answers it in Query.
 class KAR_API KARBaseUnknown
 {
 public:

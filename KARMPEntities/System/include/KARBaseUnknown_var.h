@@ -1,4 +1,3 @@
-// A counted pointer to an interface root.
 #pragma once
 
 #include "KARBaseUnknown.h"
@@ -7,7 +6,7 @@
 #include <cstddef>
 #include <utility>
 
-/// Holds one reference on what it points to, or is null.
+/// A counted pointer to an interface root: it holds one reference on what it points to, or is null.
 class KARBaseUnknown_var
 {
 public:

@@ -1,17 +1,17 @@
-// Asking for memory before it is used, where many objects are met one after the other.
+// Prefetch of memory, for walks over many objects.
 #pragma once
 
 #include <cstddef>
 
 namespace kar {
 
-/// How many objects ahead of its own a walk over objects asks for them.
+/// How many objects ahead a walk prefetches.
 inline constexpr std::size_t PrefetchDistance = 6;
 /// The bytes of an object that its links and its destruction touch first.
 inline constexpr std::size_t PrefetchedBytes = 256;
 
-/// Asks for memory that is soon going to be used and changed. Any address will do: this changes
-/// nothing but the time that the use takes. Does nothing where the compiler knows no way.
+/// Prefetches memory that is soon going to be written. Any address is valid, null included. Does
+/// nothing where the compiler has no such instruction.
 inline void Prefetch([[maybe_unused]] const void* memory,
                      [[maybe_unused]] std::size_t bytes) noexcept
 {

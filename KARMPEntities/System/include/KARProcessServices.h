@@ -28,13 +28,10 @@ using KARFatalErrorHandler = void (*)(const char* text, const void* first, const
 /// Takes what KARSysLogAbend is given.
 using KARSysLogAbendHandler = void (*)(const char* text);
 
-/// Puts a handler in place, for all threads, and returns the one before; null stands for the
-/// default.
+/// Sets the handler for all threads and returns the previous one; null stands for the default.
 KAR_API KARDevelopmentStageHandler
 KARSetDevelopmentStageHandler(KARDevelopmentStageHandler handler) noexcept;
-/// Puts a handler in place, for all threads, and returns the one before; null stands for the
-/// default.
+/// Sets the handler for all threads and returns the previous one; null stands for the default.
 KAR_API KARFatalErrorHandler KARSetFatalErrorHandler(KARFatalErrorHandler handler) noexcept;
-/// Puts a handler in place, for all threads, and returns the one before; null stands for the
-/// default.
+/// Sets the handler for all threads and returns the previous one; null stands for the default.
 KAR_API KARSysLogAbendHandler KARSetSysLogAbendHandler(KARSysLogAbendHandler handler) noexcept;

@@ -1,8 +1,8 @@
-// Memory for the many small things that a model is made of: entities and their lists of links.
+// Memory for the small blocks that a model is made of: entities and their lists of links.
 //
-// A large model's entities are met one after the other, in the order in which they were made. Here
-// those of one size stand side by side and so come through the caches fast, and giving one back
-// costs little, whatever stands beside it. Any thread may give back what any other got.
+// A large model's entities are visited in the order in which they were created. Blocks of one size
+// are adjacent in memory here, so that such a visit makes good use of the caches, and freeing one
+// costs little, whatever its neighbours. Any thread may free what another allocated.
 #pragma once
 
 #include "KARPlatformExport.h"
@@ -13,7 +13,7 @@ namespace kar {
 
 /// As the global operator new, which serves what is not small; throws std::bad_alloc.
 KAR_API void* AllocateSmall(std::size_t bytes);
-/// Gives back memory of AllocateSmall, with the size that was asked for; null does nothing.
+/// Frees memory of AllocateSmall, given the size that was asked for; null does nothing.
 KAR_API void FreeSmall(void* memory, std::size_t bytes) noexcept;
 
 } // namespace kar

@@ -1,4 +1,3 @@
-// The calls that led to a point of the program, for reports of failed checks.
 #pragma once
 
 #include "KARPlatformExport.h"
@@ -6,7 +5,8 @@
 
 #include <cstddef>
 
-/// Takes a trace of the calling thread. Where the platform has no means for it, the trace is empty.
+/// The stack trace of the calling thread, for reports of failed checks. Where the platform has no
+/// means for it, the trace is empty.
 class KAR_API KARStackTrace
 {
 public:

@@ -15,7 +15,7 @@ inline constexpr KARStatus KARFailure = static_cast<KARStatus>(0x80004005U);
 inline constexpr KARStatus KARUnexpected = static_cast<KARStatus>(0x8000FFFFU);
 /// The operation is not implemented by the class.
 inline constexpr KARStatus KARNotImplemented = static_cast<KARStatus>(0x80004001U);
-/// Memory could not be had.
+/// An allocation failed.
 inline constexpr KARStatus KAROutOfMemory = static_cast<KARStatus>(0x8007000EU);
 
 /// True when the status is a failure.

@@ -1,4 +1,3 @@
-// A narrow string: a sequence of bytes without an encoding of its own.
 #pragma once
 
 #include <compare>
@@ -8,7 +7,8 @@
 #include <string_view>
 #include <utility>
 
-/// Narrow text. A null `const char*` counts as the empty text everywhere.
+/// Narrow text: a sequence of bytes without an encoding of its own. A null `const char*` counts as
+/// the empty text everywhere.
 class KARString
 {
 public:

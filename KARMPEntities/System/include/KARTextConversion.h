@@ -8,7 +8,7 @@
 
 namespace kar {
 
-/// Which characters part the whole digits of a number from its fraction.
+/// Which characters separate the whole digits of a number from its fraction.
 enum class DecimalMark {
     Point,       ///< only the point
     PointOrComma ///< the comma counts as a point

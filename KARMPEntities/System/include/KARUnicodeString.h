@@ -1,4 +1,3 @@
-// A text in any script, kept as UTF-8 bytes.
 #pragma once
 
 #include "KARPlatformExport.h"
@@ -10,9 +9,9 @@
 #include <string_view>
 #include <utility>
 
-/// Text that converts to and from wide text and numbers. Narrow text is taken over byte for byte
-/// and read as UTF-8. Nothing here depends on the process's locale. A null `const char*` or
-/// `const wchar_t*` counts as the empty text.
+/// Text in any script, kept as UTF-8 bytes, that converts to and from wide text and numbers. Narrow
+/// text is taken over byte for byte and read as UTF-8. Nothing here depends on the process's
+/// locale. A null `const char*` or `const wchar_t*` counts as the empty text.
 class KAR_API KARUnicodeString
 {
 public:

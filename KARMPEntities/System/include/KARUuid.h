@@ -1,4 +1,3 @@
-// A universally unique identifier: 128 bits, random, of version 4 after RFC 4122.
 #pragma once
 
 #include "KARPlatformExport.h"
@@ -8,8 +7,9 @@
 #include <compare>
 #include <string_view>
 
-/// An identifier that no other process makes again. Each thread draws from a generator of its own,
-/// seeded once from the system and seeded anew in a forked child. Not meant for secrets.
+/// A universally unique identifier: 128 bits, random, of version 4 after RFC 4122. Each thread
+/// draws from a generator of its own, seeded once from the system and seeded anew in a forked
+/// child. Not for secrets.
 class KAR_API KARUuid
 {
 public:

@@ -1,11 +1,11 @@
-// A growable sequence of bytes.
 #pragma once
 
 #include <cstddef>
 #include <span>
 #include <vector>
 
-/// Bytes counted from 0. An index outside the sequence reads 0, and what is written there is lost.
+/// A growable sequence of bytes, counted from 0. An index outside the sequence reads 0, and what is
+/// written there is lost.
 class _SEQUENCE_octet
 {
 public:
@@ -20,7 +20,7 @@ public:
     int length() const { return static_cast<int>(m_octets.size()); }
     /// Sets the number of bytes; new ones are 0. A negative number counts as 0.
     void length(int count) { m_octets.resize(NotNegative(count)); }
-    /// Makes room for a number of bytes without changing the length.
+    /// Reserves capacity for a number of bytes without changing the length.
     void max(int count) { m_octets.reserve(NotNegative(count)); }
 
     /// Gives a byte.

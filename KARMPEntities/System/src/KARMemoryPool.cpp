@@ -8,44 +8,44 @@
 
 namespace kar {
 
-// Stands in the memory that was given back.
-struct MemoryPool::FreePlace
+// Lies in a block that was freed.
+struct MemoryPool::FreeBlock
 {
-    FreePlace* next;
+    FreeBlock* next;
 };
 
-// Stands before its places, each of which begins with a pointer to the chunk.
+// The header of a chunk. Its blocks follow, each of which begins with a pointer to the chunk.
 struct MemoryPool::Chunk
 {
-    Shelf* shelf = nullptr;
-    Chunk* previous = nullptr; // among the shelf's chunks that have room
+    SizeClass* sizeClass = nullptr;
+    Chunk* previous = nullptr; // among the size class's chunks that have a free block
     Chunk* next = nullptr;
-    FreePlace* free = nullptr;  // the places that were given back
-    std::byte* fresh = nullptr; // the places that were never used, up to the end
+    FreeBlock* free = nullptr;  // the blocks that were freed
+    std::byte* fresh = nullptr; // the blocks that were never used, up to the end
     std::byte* end = nullptr;
     std::size_t used = 0;
     std::size_t bytes = 0;
 
-    // It is the memory behind a place's pointer that must be aligned.
-    std::byte* FirstPlace() { return reinterpret_cast<std::byte*>(this + 1) + Step - HeaderSize; }
+    // It is the memory behind a block's pointer that must be aligned.
+    std::byte* FirstBlock() { return reinterpret_cast<std::byte*>(this + 1) + Step - HeaderSize; }
     bool IsFull() const { return free == nullptr && fresh == end; }
 };
 
 MemoryPool::~MemoryPool()
 {
     for (Group& group : m_groups) {
-        for (Shelf& shelf : group) {
-            for (Chunk* chunk = shelf.open; chunk != nullptr;) {
+        for (SizeClass& sizeClass : group) {
+            for (Chunk* chunk = sizeClass.open; chunk != nullptr;) {
                 Chunk* const next = chunk->next;
                 if (chunk->used == 0)
-                    Drop(shelf, chunk);
+                    Drop(sizeClass, chunk);
                 chunk = next;
             }
         }
     }
 }
 
-std::size_t MemoryPool::PlaceSize(std::size_t bytes)
+std::size_t MemoryPool::BlockSize(std::size_t bytes)
 {
     return (std::max<std::size_t>(bytes, 1) + HeaderSize + Step - 1) / Step * Step;
 }
@@ -64,68 +64,69 @@ MemoryPool::Chunk*& MemoryPool::ChunkOf(void* memory)
     return *(static_cast<Chunk**>(memory) - 1);
 }
 
-MemoryPool::Chunk* MemoryPool::MakeChunk(Shelf& shelf, std::size_t placeSize)
+MemoryPool::Chunk* MemoryPool::MakeChunk(SizeClass& sizeClass, std::size_t blockSize)
 {
     static_assert(sizeof(Chunk) % Step == 0);
     static_assert(Step % __STDCPP_DEFAULT_NEW_ALIGNMENT__ == 0);
     constexpr std::size_t Before = sizeof(Chunk) + Step - HeaderSize;
-    static_assert(Before + LargestPlace <= SmallestChunk);
-    const std::size_t room = std::clamp(shelf.heldBytes / 2, SmallestChunk, LargestChunk) - Before;
-    const std::size_t bytes = Before + room / placeSize * placeSize;
+    static_assert(Before + LargestBlock <= SmallestChunk);
+    const std::size_t space =
+        std::clamp(sizeClass.heldBytes / 2, SmallestChunk, LargestChunk) - Before;
+    const std::size_t bytes = Before + space / blockSize * blockSize;
     void* const memory = ::operator new(bytes);
     auto* const chunk = ::new (memory) Chunk;
-    chunk->shelf = &shelf;
-    chunk->fresh = chunk->FirstPlace();
+    chunk->sizeClass = &sizeClass;
+    chunk->fresh = chunk->FirstBlock();
     chunk->end = static_cast<std::byte*>(memory) + bytes;
     chunk->bytes = bytes;
-    shelf.heldBytes += bytes;
+    sizeClass.heldBytes += bytes;
     return chunk;
 }
 
-void MemoryPool::Open(Shelf& shelf, Chunk* chunk)
+void MemoryPool::Open(SizeClass& sizeClass, Chunk* chunk)
 {
     chunk->previous = nullptr;
-    chunk->next = shelf.open;
+    chunk->next = sizeClass.open;
     if (chunk->next != nullptr)
         chunk->next->previous = chunk;
-    shelf.open = chunk;
+    sizeClass.open = chunk;
 }
 
-void MemoryPool::Close(Shelf& shelf, Chunk* chunk)
+void MemoryPool::Close(SizeClass& sizeClass, Chunk* chunk)
 {
     if (chunk->next != nullptr)
         chunk->next->previous = chunk->previous;
     if (chunk->previous != nullptr)
         chunk->previous->next = chunk->next;
     else
-        shelf.open = chunk->next;
+        sizeClass.open = chunk->next;
 }
 
 void* MemoryPool::Allocate(std::size_t bytes)
 {
     if (bytes > LargestSize)
         return ::operator new(bytes);
-    const std::size_t placeSize = PlaceSize(bytes);
-    Shelf& shelf = m_groups[GroupOfThread()][placeSize / Step - 1];
-    const std::lock_guard lock(shelf.mutex);
-    if (shelf.open == nullptr)
-        Open(shelf, MakeChunk(shelf, placeSize));
-    Chunk* const chunk = shelf.open;
+    const std::size_t blockSize = BlockSize(bytes);
+    SizeClass& sizeClass = m_groups[GroupOfThread()][blockSize / Step - 1];
+    const std::lock_guard lock(sizeClass.mutex);
+    if (sizeClass.open == nullptr)
+        Open(sizeClass, MakeChunk(sizeClass, blockSize));
+    Chunk* const chunk = sizeClass.open;
     void* memory = chunk->free;
     if (memory != nullptr) {
         chunk->free = chunk->free->next;
     } else {
         memory = chunk->fresh + HeaderSize;
         ChunkOf(memory) = chunk;
-        chunk->fresh += placeSize;
+        chunk->fresh += blockSize;
     }
     ++chunk->used;
     if (chunk->IsFull())
-        Close(shelf, chunk);
+        Close(sizeClass, chunk);
     else if (chunk->free != nullptr)
         Prefetch(chunk->free, bytes);
     else
-        Prefetch(chunk->fresh, placeSize);
+        Prefetch(chunk->fresh, blockSize);
     return memory;
 }
 
@@ -136,43 +137,43 @@ void MemoryPool::Free(void* memory, std::size_t bytes) noexcept
         return;
     }
     Chunk* const chunk = ChunkOf(memory);
-    Shelf& shelf = *chunk->shelf;
-    const std::lock_guard lock(shelf.mutex);
+    SizeClass& sizeClass = *chunk->sizeClass;
+    const std::lock_guard lock(sizeClass.mutex);
     if (chunk->IsFull())
-        Open(shelf, chunk);
-    chunk->free = ::new (memory) FreePlace{chunk->free};
+        Open(sizeClass, chunk);
+    chunk->free = ::new (memory) FreeBlock{chunk->free};
     if (--chunk->used == 0)
-        Tidy(shelf, chunk);
+        Tidy(sizeClass, chunk);
 }
 
-void MemoryPool::Drop(Shelf& shelf, Chunk* chunk)
+void MemoryPool::Drop(SizeClass& sizeClass, Chunk* chunk)
 {
-    Close(shelf, chunk);
-    shelf.heldBytes -= chunk->bytes;
+    Close(sizeClass, chunk);
+    sizeClass.heldBytes -= chunk->bytes;
     ::operator delete(chunk);
 }
 
-// A chunk lost its last used place. If it stays, its places are fresh: they are then handed out in
-// the order in which they stand.
-void MemoryPool::Tidy(Shelf& shelf, Chunk* chunk)
+// A chunk lost its last used block. If it stays, its blocks are fresh: they are then allocated in
+// the order of their addresses.
+void MemoryPool::Tidy(SizeClass& sizeClass, Chunk* chunk)
 {
     chunk->free = nullptr;
-    chunk->fresh = chunk->FirstPlace();
-    const bool othersHaveRoom = shelf.open != chunk || chunk->next != nullptr;
-    if (othersHaveRoom)
-        Drop(shelf, chunk);
-    Chunk* const last = shelf.open;
-    if (last->used == 0 && last->bytes == shelf.heldBytes && last->bytes > SmallestChunk)
-        Drop(shelf, last);
+    chunk->fresh = chunk->FirstBlock();
+    const bool othersHaveFreeBlocks = sizeClass.open != chunk || chunk->next != nullptr;
+    if (othersHaveFreeBlocks)
+        Drop(sizeClass, chunk);
+    Chunk* const last = sizeClass.open;
+    if (last->used == 0 && last->bytes == sizeClass.heldBytes && last->bytes > SmallestChunk)
+        Drop(sizeClass, last);
 }
 
 std::size_t MemoryPool::HeldBytes()
 {
     std::size_t bytes = 0;
     for (Group& group : m_groups) {
-        for (Shelf& shelf : group) {
-            const std::lock_guard lock(shelf.mutex);
-            bytes += shelf.heldBytes;
+        for (SizeClass& sizeClass : group) {
+            const std::lock_guard lock(sizeClass.mutex);
+            bytes += sizeClass.heldBytes;
         }
     }
     return bytes;

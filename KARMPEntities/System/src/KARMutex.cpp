@@ -5,7 +5,7 @@
 
 namespace {
 
-// Never destroyed: fatal ends during the process's last steps still lock.
+// Never destroyed: a fatal error during the process's exit still locks.
 std::shared_ptr<std::recursive_mutex> SharedLock(int number)
 {
     static auto& guard = *new std::mutex;

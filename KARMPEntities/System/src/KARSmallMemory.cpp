@@ -4,8 +4,8 @@
 
 #include <new>
 
-// A sanitizer watches the pieces of memory that come from the heap, and sees nothing inside of
-// them.
+// A sanitizer watches the blocks of the heap and sees nothing within them, so there is no pool in
+// a build with one.
 #if defined(__has_feature)
 #    if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer) ||                     \
         __has_feature(memory_sanitizer)

@@ -90,7 +90,7 @@ bool IsHexDigit(char character)
     return IsDigit(character) || (character >= 'a' && character <= 'f');
 }
 
-// What parts a decimal number's notation from a hexadecimal one's.
+// What distinguishes a decimal number's notation from a hexadecimal one's.
 struct Notation
 {
     std::chars_format format;
@@ -170,10 +170,10 @@ bool IsHuge(std::string_view number, const Notation& notation)
     std::size_t point = mantissa.find('.');
     if (point == std::string_view::npos)
         point = mantissa.size();
-    const auto place = static_cast<std::int64_t>(point) - static_cast<std::int64_t>(first);
+    const auto digits = static_cast<std::int64_t>(point) - static_cast<std::int64_t>(first);
     const std::int64_t exponent =
         markAt == std::string_view::npos ? 0 : ExponentOf(number.substr(markAt + 1));
-    return place * notation.exponentsPerDigit + exponent > 0;
+    return digits * notation.exponentsPerDigit + exponent > 0;
 }
 
 double ValueOf(std::string_view number, const Notation& notation)

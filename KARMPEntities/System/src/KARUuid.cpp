@@ -57,7 +57,8 @@ private:
     {
         m_fork = forks.load(std::memory_order_relaxed);
         m_seeded = true;
-        // Time, place and order part threads and processes even where the system has no entropy.
+        // Time, address and order separate threads and processes even where the system has no
+        // entropy.
         static std::atomic<std::uint64_t> seedings{0};
         std::uint64_t own =
             static_cast<std::uint64_t>(

@@ -22,7 +22,7 @@ std::wstring Widened(const std::string& text)
     return std::wstring(text.begin(), text.end());
 }
 
-// Frees what a converter hands out.
+// Frees what a converter returns.
 template <typename T>
 std::unique_ptr<T, decltype(&std::free)> Owned(T* memory)
 {
@@ -101,9 +101,9 @@ TEST(Base64, EveryByteOutsideTheAlphabetIsRefused)
     for (int code = 0; code < 256; ++code) {
         const char character = static_cast<char>(code);
         const bool valid = alphabet.find(character) != std::string::npos;
-        for (std::size_t place = 0; place < 4; ++place) {
+        for (std::size_t index = 0; index < 4; ++index) {
             std::string text = "AAAAAAAA";
-            text[place] = character;
+            text[index] = character;
             EXPECT_EQ(kar::Base64Decode(text, octets), valid) << code;
         }
     }

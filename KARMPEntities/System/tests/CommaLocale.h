@@ -1,9 +1,9 @@
-// A locale of the C library whose decimal mark is the comma, for as long as the object lives.
 #pragma once
 
 #include <clocale>
 #include <string>
 
+/// A locale of the C library whose decimal mark is the comma, for as long as the object lives.
 class CommaLocale
 {
 public:

@@ -20,7 +20,7 @@ namespace {
 
 using kar::MemoryPool;
 
-/// What one test got of a pool, each piece filled with a byte of its own.
+/// What one test got of a pool, each block filled with a byte of its own.
 class Pieces
 {
 public:
@@ -42,7 +42,7 @@ public:
         m_pieces.push_back({memory, bytes, fill});
         return memory;
     }
-    /// Frees the piece at an index, into whose place the last one moves.
+    /// Frees the block at an index, which the last one moves to.
     void Free(std::size_t index)
     {
         std::swap(m_pieces[index], m_pieces.back());
@@ -99,7 +99,7 @@ TEST(MemoryPool, GivesPiecesOfOneSizeSideBySideInOrder)
     }
 }
 
-TEST(MemoryPool, UsesAPlaceAgainForItsSizeOnly)
+TEST(MemoryPool, UsesABlockAgainForItsSizeOnly)
 {
     MemoryPool pool;
     Pieces pieces(pool);
@@ -110,7 +110,7 @@ TEST(MemoryPool, UsesAPlaceAgainForItsSizeOnly)
     EXPECT_EQ(pieces.Allocate(300), memory);
 }
 
-TEST(MemoryPool, UsesEveryFreePlaceAgain)
+TEST(MemoryPool, UsesEveryFreeBlockAgain)
 {
     MemoryPool pool;
     Pieces pieces(pool);
@@ -182,7 +182,7 @@ TEST(MemoryPool, GivesItsMemoryBackInWhicheverOrderItComes)
     }
 }
 
-TEST(MemoryPool, KeepsAChunkAsLongAsAPlaceOfItIsInUse)
+TEST(MemoryPool, KeepsAChunkAsLongAsABlockOfItIsInUse)
 {
     MemoryPool pool;
     Pieces pieces(pool);
@@ -209,13 +209,13 @@ TEST(MemoryPool, TakingAndGivingByTurnsMovesNoChunk)
         for (int count = 0; count < kept; ++count)
             pieces.Allocate(500);
         // Wherever the end of a chunk is, it is met.
-        for (int place = 0; place < 300; ++place) {
+        for (int block = 0; block < 300; ++block) {
             pool.Free(pool.Allocate(500), 500);
             {
                 const AllocationCounter allocations;
                 for (int turn = 0; turn < 10; ++turn)
                     pool.Free(pool.Allocate(500), 500);
-                ASSERT_EQ(allocations.Count(), 0U) << kept << ", " << place;
+                ASSERT_EQ(allocations.Count(), 0U) << kept << ", " << block;
             }
             pieces.Allocate(500);
         }
@@ -263,7 +263,7 @@ TEST(MemoryPool, ChangesNothingWhenMemoryEnds)
 
 TEST(MemoryPool, TakesBackFromAnyThreadWhatAnotherGot)
 {
-    constexpr int ThreadCount = 12; // more than there are groups of shelves
+    constexpr int ThreadCount = 12; // more than there are groups of size classes
     MemoryPool pool;
     std::mutex mutex;
     std::vector<std::pair<void*, std::size_t>> passedOn;

@@ -32,13 +32,13 @@ TEST(Uuid, TextHasTheFormOfVersion4)
     for (int i = 0; i < 1000; ++i) {
         const std::string text = TextOf(KARUuid());
         ASSERT_EQ(text.size(), 36U);
-        for (std::size_t place = 0; place < text.size(); ++place) {
-            const bool hyphen = place == 8 || place == 13 || place == 18 || place == 23;
+        for (std::size_t index = 0; index < text.size(); ++index) {
+            const bool hyphen = index == 8 || index == 13 || index == 18 || index == 23;
             const std::string allowed = hyphen        ? "-"
-                                        : place == 14 ? "4"
-                                        : place == 19 ? "89ab"
+                                        : index == 14 ? "4"
+                                        : index == 19 ? "89ab"
                                                       : "0123456789abcdef";
-            ASSERT_NE(allowed.find(text[place]), std::string::npos) << text;
+            ASSERT_NE(allowed.find(text[index]), std::string::npos) << text;
         }
     }
 }
