@@ -1,8 +1,8 @@
-// Base of what drives a mechanism: actuators, motors and drivers.
 #pragma once
 
 #include "KARMPEntity.h"
 
+/// Base of what drives a mechanism: actuators, motors and drivers.
 class KARMP_API KARMPActuator : public KARMPEntity
 {
     KARMP_ABSTRACT_ENTITY(KARMPActuator, KARMPEntity)

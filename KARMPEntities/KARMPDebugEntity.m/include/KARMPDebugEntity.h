@@ -1,8 +1,8 @@
-// Entity that carries what a developer wants to look at.
 #pragma once
 
 #include "KARMPEntity.h"
 
+/// Entity that carries what a developer wants to look at.
 class KARMP_API KARMPDebugEntity : public KARMPEntity
 {
     KARMP_ABSTRACT_ENTITY(KARMPDebugEntity, KARMPEntity)

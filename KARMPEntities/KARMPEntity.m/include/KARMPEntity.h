@@ -1,6 +1,3 @@
-// Results follow one convention: a status of 0 is success, an Add of what is listed already gives
-// 1, and a null handle or object where one is needed is a failed check and a failure. An index
-// outside a list gives a null handle and a failure, without a report.
 #pragma once
 
 #include "KARMPEntityIdentity.h"
@@ -27,12 +24,15 @@ class KARMPState;
 class KARMPWorld;
 class KARUuid;
 
-/// Base of everything that lives in a world: bodies, joints, constraints, sensors, values and so
-/// on.
+/// Base of everything in a world: bodies, joints, constraints, sensors, values and so on.
 ///
 /// An entity is created on the heap by its class's create or by the factory and held by handles. It
 /// owns the loader that a solver attaches to it and counts a reference on the model object of the
 /// modelling application.
+///
+/// Every operation returns 0 where nothing else is said. An Add of what is listed already
+/// returns 1. A null handle or object where one is needed is a failed check and a failure. An index
+/// outside a list gives a null handle and a failure, without a report.
 class KARMP_API KARMPEntity : public QOBBasicEntity
 {
     KARMP_ABSTRACT_ENTITY(KARMPEntity, QOBBasicEntity)
@@ -41,16 +41,16 @@ public:
     /// Runs the teardown of the entity once: drops its lists and its parent.
     void orphanObject() override;
 
-    /// Stores the building mode; always 0.
+    /// Stores the building mode.
     virtual KARStatus SetBuildingMode(KARMPBuildingMode::Enum mode);
-    /// Gives the building mode; always 0.
+    /// Gives the building mode.
     virtual KARStatus GetBuildingMode(KARMPBuildingMode::Enum& mode) const;
-    /// Attaches a solver's loader, which the entity owns from then on; always 0. An earlier loader
-    /// is not deleted.
+    /// Attaches a solver's loader, which the entity owns from then on. A loader that it replaces is
+    /// not deleted.
     virtual KARStatus SetLoader(KARIMPEntityLoader* loader);
-    /// Gives the loader, null without one; always 0.
+    /// Gives the loader, null without one.
     virtual KARStatus GetLoader(KARIMPEntityLoader*& loader) const;
-    /// Tells whether the entity stands under a basic world; always 0.
+    /// Tells whether the entity stands under a basic world.
     virtual KARStatus IsInWorld(bool& inWorld) const;
     /// Finds the world of the entity: the extension of the basic world above it. Without one a
     /// failed check and a failure.
@@ -61,15 +61,15 @@ public:
     virtual KARStatus Deactivate();
     /// True while the entity is active, as a new one is.
     virtual bool IsActive() const;
-    /// Links the modelling application's object, counting a reference on it in place of the former
-    /// one, which stays linked when the object is null.
+    /// Links the modelling application's object with a reference on it, and releases the one that
+    /// was linked. A null object changes nothing.
     virtual KARStatus SetModelObject(KARBaseUnknown* object);
     /// Gives the model object with a reference for the caller; null and a failure without one.
     virtual KARStatus GetModelObject(KARBaseUnknown*& object) const;
-    /// Writes the entity's own content into an element. Failures inside are reported; always 0.
+    /// Writes the entity's own content into an element. Failures inside are reported.
     virtual KARStatus Serialize(KARMPSerializer* serializer) const;
     /// Reads the entity's own content from an element, resolving references by the table. Failures
-    /// inside are reported; always 0.
+    /// inside are reported.
     virtual KARStatus Deserialize(const KARMPDeserializer* deserializer,
                                   const KARMPEntityTable& entities);
     /// 1: entities of one model may be used from several threads, one at a time.
@@ -126,25 +126,25 @@ public:
 
     /// Free text of the modelling application, not the identifier.
     KARString GetID() const { return m_id != nullptr ? *m_id : KARString(); }
-    /// Stores the text; always 0.
+    /// Stores the text.
     KARStatus SetID(const KARString& id);
     /// Borrowed unique value of the modelling application.
     const KARUuid* GetUniqueId() const { return m_uniqueId; }
-    /// Borrows the value; always 0.
+    /// Borrows the value.
     KARStatus SetUniqueId(const KARUuid* uniqueId);
-    /// Gives the visual object with a reference for the caller, null without one; always 0.
+    /// Gives the visual object with a reference for the caller, null without one.
     KARStatus GetMPVisuObject(KARBaseUnknown*& object) const;
-    /// Borrows a visual object without counting it; always 0.
+    /// Borrows a visual object without counting it.
     KARStatus SetMPVisuObject(const KARBaseUnknown* object);
 
     /// Gives the identifier by which the entity is known in documents, made on first need and
-    /// never changed after that. Out of memory is a failed check and KAROutOfMemory.
+    /// never changed after that. When its allocation fails, a failed check and KAROutOfMemory.
     KARStatus GetIdentifier(std::wstring& identifier) const;
     /// Gives the entity its identifier. One that has an identifier keeps it: a failed check and a
     /// failure.
     KARStatus SetIdentifier(const std::wstring& identifier);
 
-    /// Tells the subscribers that the entity changed; always 0.
+    /// Tells the subscribers that the entity changed.
     KARStatus NotifyUpdate() const;
 
 private:

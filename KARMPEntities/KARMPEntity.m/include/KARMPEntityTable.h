@@ -43,7 +43,7 @@ public:
         std::size_t NarrowSize() const { return m_isNarrow ? m_size : 0; }
         bool Is(std::string_view text) const { return m_isNarrow && Narrow() == text; }
         bool Is(std::wstring_view text) const;
-        wchar_t At(std::size_t place) const;
+        wchar_t At(std::size_t index) const;
         std::uint64_t Order(std::size_t start) const;
         bool ComesBefore(const Entry& other) const;
 
@@ -61,8 +61,8 @@ public:
     KARMPEntityTable(const KARMPEntityTable&) = delete;
     KARMPEntityTable& operator=(const KARMPEntityTable&) = delete;
 
-    /// Enters an entity, in place of the one that is there under the identifier. Returns false when
-    /// one was replaced.
+    /// Enters an entity, replacing the one under the same identifier. Returns false when one was
+    /// replaced.
     bool Set(std::wstring_view identifier, const QOBSharedHandle<KARMPEntity>& entity);
     /// Does the same and gives the entry, which stays where it is for as long as the table lives.
     const Entry& Enter(std::wstring_view identifier, const QOBSharedHandle<KARMPEntity>& entity);

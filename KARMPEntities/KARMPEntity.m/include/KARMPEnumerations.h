@@ -4,13 +4,13 @@
 
 #include <cstdint>
 
-/// How the directions of two linked geometries lie to one another.
+/// The sense of the directions of two linked geometries relative to one another.
 struct KARMPAlignment
 {
     enum Enum : std::int32_t { NotSpecified, Specified, Align, AntiAlign };
 };
 
-/// Which way a joint counts a linked body: as the one it leads out of, or into.
+/// Whether a joint leads out of a linked body or into it.
 struct KARMPBodyOrientation
 {
     enum Enum : std::int32_t { Out, In };
@@ -133,13 +133,13 @@ struct KARMPPhysicalQuantity
     };
 };
 
-/// How an entity came into its model. Stored and handed back; agreed with the solver side.
+/// How an entity came into its model. Stored and returned; agreed with the solver side.
 struct KARMPBuildingMode
 {
     enum Enum : std::int32_t { Explicit, Derived };
 };
 
-/// Unit of the lengths of a world. Stored and handed back; a new world has millimetres.
+/// Unit of the lengths of a world. Stored and returned; a new world has millimetres.
 struct KARMPUnit
 {
     enum Enum : std::int32_t { Meter, Millimeter, Centimeter, Kilometer, Inch, Foot };
@@ -151,7 +151,7 @@ struct KARMPMoveStatus
     enum Enum : std::int32_t { NotMoved, Reached, PartlyReached, Blocked };
 };
 
-/// What a solver's diagnostic is about. Stored and handed back; agreed with the solver side.
+/// What a solver's diagnostic is about. Stored and returned; agreed with the solver side.
 struct KARMPDiagnosticID
 {
     enum Enum : std::int32_t {

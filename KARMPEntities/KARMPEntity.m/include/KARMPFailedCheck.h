@@ -9,13 +9,13 @@
 
 class KARUnicodeString;
 
-/// A place in the source, by default that of the call it is an argument of.
+/// A location in the source, by default that of the call it is an argument of.
 struct KARMPSourceLocation
 {
     const char* file;
     int line;
 
-    /// The place where this call, or the call whose default argument it is, stands.
+    /// The location of this call, or of the call whose default argument it is.
     static constexpr KARMPSourceLocation current(const char* callFile = __builtin_FILE(),
                                                  int callLine = __builtin_LINE())
     {
@@ -38,16 +38,16 @@ struct KARMP_API KARMPFailedCheckFlags
     static std::atomic<std::uint8_t> s_flags;
 };
 
-/// Reports a failed check at a place in the source; returns, unless the environment asks for an
+/// Reports a failed check at a location in the source; returns, unless the environment asks for an
 /// end of the process.
 KARMP_API void KARMPReportFailedCheck(const char* message, const char* file, int line);
 
 /// Decides on a report: nothing, log and go on, or end the process. `messageOnly` leaves message
-/// and place out of the text; `fatal` ends the process whatever the stage, one thread alone.
+/// and location out of the text; `fatal` ends the process whatever the stage, one thread alone.
 KARMP_API void KARMPCheckFailed(const char* message, const char* file, int line, bool messageOnly,
                                 bool fatal);
 
-/// Replaces `text` with "AssertionFailed: ", the message and place unless `messageOnly`, and the
+/// Replaces `text` with "AssertionFailed: ", the message and location unless `messageOnly`, and the
 /// calling frames.
 KARMP_API void KARMPBuildFailureText(const char* message, const char* file, int line,
                                      bool messageOnly, KARUnicodeString& text);
@@ -56,8 +56,8 @@ KARMP_API void KARMPBuildFailureText(const char* message, const char* file, int 
 [[noreturn]] KARMP_API void KARMPAbend(const char* file, int line, bool messageOnly,
                                        const KARUnicodeString& text);
 
-/// Reports a failed check of the calling place when `holds` is false; returns `holds`. A helper
-/// that checks on behalf of its caller passes the caller's place on.
+/// Reports a failed check at the calling location when `holds` is false; returns `holds`. A helper
+/// that checks on behalf of its caller passes the caller's location on.
 inline bool KARMPVerify(bool holds, KARMPSourceLocation where = KARMPSourceLocation::current())
 {
     if (!holds) [[unlikely]]

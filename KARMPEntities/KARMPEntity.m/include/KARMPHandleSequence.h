@@ -15,7 +15,7 @@ class HandleIndex;
 ///
 /// Short sequences are scanned. A long one keeps an index beside the handles, so that a test for an
 /// entry, appending, removing and access by position stay cheap whatever the order of the calls.
-/// An empty one is no more than a null pointer, as most of the many sequences of a model are empty.
+/// An empty one is a null pointer, since most of the sequences of a model are empty.
 class KARMP_API KARMPHandleSequence
 {
 public:
@@ -46,7 +46,7 @@ public:
     void Clear();
 
 private:
-    /// Stands in one piece of memory with the slots that follow it.
+    /// Header of the allocated block; the slots follow it.
     struct Block
     {
         karmp::HandleIndex* index = nullptr; // only while the sequence is long
@@ -67,7 +67,7 @@ private:
     inline std::size_t SlotCount() const noexcept;
     inline karmp::HandleIndex* GetIndex() const noexcept;
     inline std::size_t SlotOf(const QOBSharedObject* object) const;
-    inline void MakeRoom();
+    inline void EnsureFreeSlot();
 
     void Reserve(std::size_t capacity);
     std::size_t SlotAt(std::size_t position) const;

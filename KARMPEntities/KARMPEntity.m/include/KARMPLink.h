@@ -8,7 +8,8 @@
 
 /// The one entity that an entity is linked to, or none; referents are compared by address.
 ///
-/// The referent type may be incomplete, as for a handle.
+/// The referent type may be incomplete, as for a handle. A null handle as argument is a failed
+/// check and a failure, and nothing changes.
 template <class T>
 class KARMPLink
 {
@@ -17,8 +18,7 @@ public:
     explicit operator bool() const noexcept { return static_cast<bool>(m_handle); }
     /// The linked handle, null without a link.
     const QOBSharedHandle<T>& Handle() const noexcept { return m_handle; }
-    /// Links a referent in place of the former one. A null handle is a failed check and a failure,
-    /// and the link stays.
+    /// Links a referent; a link that was there is dropped.
     KARStatus Set(const QOBSharedHandle<T>& handle,
                   KARMPSourceLocation where = KARMPSourceLocation::current())
     {
@@ -33,8 +33,7 @@ public:
         handle = m_handle;
         return handle ? KARSuccess : KARFailure;
     }
-    /// Drops the link. A null handle is a failed check and a failure; a referent that is not the
-    /// linked one gives KARUnchanged.
+    /// Drops the link. A referent that is not the linked one gives KARUnchanged.
     KARStatus Remove(const QOBSharedHandle<T>& handle,
                      KARMPSourceLocation where = KARMPSourceLocation::current())
     {

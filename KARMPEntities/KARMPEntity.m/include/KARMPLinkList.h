@@ -5,6 +5,8 @@
 #include "KARStatus.h"
 
 /// The entities that an entity is linked to: insertion order, no duplicates, compared by referent.
+///
+/// A null handle as argument is a failed check and a failure, and nothing changes.
 template <class T>
 class KARMPLinkList
 {
@@ -16,8 +18,7 @@ public:
     {
         return m_handles.Contains(handle._getReferent());
     }
-    /// Appends a link. A null handle is a failed check and a failure; a referent that is linked
-    /// already gives KARUnchanged.
+    /// Appends a link. A referent that is linked already gives KARUnchanged.
     KARStatus Add(const QOBSharedHandle<T>& handle,
                   KARMPSourceLocation where = KARMPSourceLocation::current())
     {
@@ -30,8 +31,7 @@ public:
     }
     /// Appends a link that is known not to be null, without a test for duplicates.
     void Append(const QOBSharedHandle<T>& handle) { m_handles.Append(handle); }
-    /// Inserts a link before an index, without a test for duplicates. A null handle is a failed
-    /// check and a failure.
+    /// Inserts a link before an index, without a test for duplicates.
     KARStatus Insert(int index, const QOBSharedHandle<T>& handle,
                      KARMPSourceLocation where = KARMPSourceLocation::current())
     {
@@ -40,8 +40,8 @@ public:
         m_handles.Insert(index > 0 ? static_cast<std::size_t>(index) : 0, handle);
         return KARSuccess;
     }
-    /// Removes a link and keeps the order of the rest. A null handle is a failed check and a
-    /// failure; a referent that is not linked gives KARUnchanged.
+    /// Removes a link and keeps the order of the rest. A referent that is not linked gives
+    /// KARUnchanged.
     KARStatus Remove(const QOBSharedHandle<T>& handle, std::size_t* position = nullptr,
                      KARMPSourceLocation where = KARMPSourceLocation::current())
     {

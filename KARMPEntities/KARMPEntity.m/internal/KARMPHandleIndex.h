@@ -37,10 +37,10 @@ public:
     std::size_t Find(const QOBSharedBase* handles, const QOBSharedObject* object,
                      std::size_t none) const
     {
-        const std::uint32_t place = m_places[PlaceOf(handles, object)];
-        if (place == 0)
+        const std::uint32_t bucket = m_buckets[BucketOf(handles, object)];
+        if (bucket == 0)
             return none;
-        return m_following.empty() ? place - 1 : m_following[place - 1];
+        return m_following.empty() ? bucket - 1 : m_following[bucket - 1];
     }
     /// Makes the hash table large enough for a number of entries.
     void Reserve(const QOBSharedBase* handles, std::size_t count);
@@ -57,9 +57,9 @@ public:
     std::size_t PositionOf(const QOBSharedBase* handles, std::size_t slot);
 
 private:
-    // Each page of memory has a run of places, somewhere, and the objects in it have their places
-    // within that run: what was made one after the other is found side by side. Objects smaller
-    // than 64 bytes would share places, but entities are larger.
+    // The objects of a page of memory hash into one run of buckets, in the order of their
+    // addresses, so that objects created one after the other have adjacent buckets. Objects smaller
+    // than 64 bytes would share buckets, but entities are larger.
     static constexpr unsigned RunBits = 12;
     static constexpr unsigned ObjectBits = 6;
     static constexpr std::size_t RunSize = std::size_t{1} << RunBits;
@@ -69,28 +69,28 @@ private:
         const std::uint64_t run = (address >> RunBits) * 0x9E3779B97F4A7C15U >> 32U;
         return static_cast<std::size_t>((run << (RunBits - ObjectBits)) +
                                         (address % RunSize >> ObjectBits)) &
-               (m_places.size() - 1);
+               (m_buckets.size() - 1);
     }
-    std::size_t Next(std::size_t place) const noexcept
+    std::size_t Next(std::size_t bucket) const noexcept
     {
-        return (place + 1) & (m_places.size() - 1);
+        return (bucket + 1) & (m_buckets.size() - 1);
     }
-    // The place of a referent, or the free one that it would get.
-    std::size_t PlaceOf(const QOBSharedBase* handles, const QOBSharedObject* object) const noexcept
+    // The bucket of a referent, or the free one for it.
+    std::size_t BucketOf(const QOBSharedBase* handles, const QOBSharedObject* object) const noexcept
     {
-        std::size_t place = Home(object);
-        while (m_places[place] != 0 && handles[m_places[place] - 1] != object)
-            place = Next(place);
-        return place;
+        std::size_t bucket = Home(object);
+        while (m_buckets[bucket] != 0 && handles[m_buckets[bucket] - 1] != object)
+            bucket = Next(bucket);
+        return bucket;
     }
-    void Free(const QOBSharedBase* handles, std::size_t place) noexcept;
+    void Free(const QOBSharedBase* handles, std::size_t bucket) noexcept;
     void MakeCounts(const QOBSharedBase* handles);
     void PushCount();
     void LowerCount(std::size_t slot) noexcept;
 
-    // One more than the last slot of a referent, at the place of its hash or behind it; 0 is a free
-    // place. Half of the places are free at least, so that few others stand in a lookup's way.
-    std::vector<std::uint32_t> m_places = std::vector<std::uint32_t>(2);
+    // One more than the last slot of a referent, in the bucket of its hash or behind it; 0 is a
+    // free bucket. At least half of the buckets are free, so that a lookup probes few of them.
+    std::vector<std::uint32_t> m_buckets = std::vector<std::uint32_t>(2);
     // Empty, or, once a referent is listed twice, for each slot the next one with its referent:
     // rings, so that the last slot leads to the first.
     std::vector<std::uint32_t> m_following;

@@ -7,7 +7,7 @@
 
 namespace karmp {
 
-/// Hands out an entity's loader as a loader interface. A failing fetch is a failed check and a
+/// Gives an entity's loader as a loader interface. A failing fetch is a failed check and a
 /// failure; without a loader, or with one of another interface, the result is 0 with null.
 template <class Loader>
 KARStatus FetchLoader(const KARMPEntity& entity, Loader*& loader,

@@ -258,7 +258,7 @@ KARStatus KARMPEntity::GetMPVisuObject(KARBaseUnknown*& object) const
 
 KARStatus KARMPEntity::SetMPVisuObject(const KARBaseUnknown* object)
 {
-    // Handing it out counts a reference, which a const object could not take.
+    // The getter counts a reference, which a const object could not take.
     m_visuObject = const_cast<KARBaseUnknown*>(object);
     return KARSuccess;
 }

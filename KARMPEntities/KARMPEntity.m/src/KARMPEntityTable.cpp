@@ -52,7 +52,7 @@ std::uint32_t HashOf(std::basic_string_view<Character> text) noexcept
     return static_cast<std::uint32_t>(hash >> 32U);
 }
 
-struct Place
+struct Ranked
 {
     std::uint64_t order;
     const Entry* entry;
@@ -75,9 +75,9 @@ bool KARMPEntityTable::Entry::Is(std::wstring_view text) const
                       [](char own, wchar_t other) { return static_cast<wchar_t>(own) == other; });
 }
 
-wchar_t KARMPEntityTable::Entry::At(std::size_t place) const
+wchar_t KARMPEntityTable::Entry::At(std::size_t index) const
 {
-    return m_isNarrow ? static_cast<wchar_t>(Narrow()[place]) : Wide()[place];
+    return m_isNarrow ? static_cast<wchar_t>(Narrow()[index]) : Wide()[index];
 }
 
 // The eight characters from `start` in a number whose order is theirs. It stops at a character that
@@ -86,9 +86,9 @@ std::uint64_t KARMPEntityTable::Entry::Order(std::size_t start) const
 {
     std::uint64_t order = 0;
     int shift = 64;
-    for (std::size_t place = start; place < m_size && shift > 0; ++place) {
+    for (std::size_t index = start; index < m_size && shift > 0; ++index) {
         shift -= 8;
-        const wchar_t character = At(place);
+        const wchar_t character = At(index);
         if (character <= 0)
             break;
         const auto value = std::min<std::uint64_t>(static_cast<std::uint64_t>(character), 0xFFU);
@@ -117,15 +117,15 @@ KARMPEntityTable::KARMPEntityTable(
         Enter(identifier, entity);
 }
 
-// The slot of an identifier, or the free one that it would get.
+// The slot of an identifier, or the free one for it.
 template <class Text>
 std::size_t KARMPEntityTable::SlotOf(Text identifier, std::uint32_t hash) const
 {
     const std::size_t last = m_slots.size() - 1;
-    for (std::size_t place = hash & last;; place = (place + 1) & last) {
-        const Slot& slot = m_slots[place];
+    for (std::size_t index = hash & last;; index = (index + 1) & last) {
+        const Slot& slot = m_slots[index];
         if (slot.entry == nullptr || (slot.hash == hash && slot.entry->Is(identifier)))
-            return place;
+            return index;
     }
 }
 
@@ -140,10 +140,10 @@ void KARMPEntityTable::Reserve(std::size_t count)
     for (const Slot& slot : m_slots) {
         if (slot.entry == nullptr)
             continue;
-        std::size_t place = slot.hash & (slots.size() - 1);
-        while (slots[place].entry != nullptr)
-            place = (place + 1) & (slots.size() - 1);
-        slots[place] = slot;
+        std::size_t index = slot.hash & (slots.size() - 1);
+        while (slots[index].entry != nullptr)
+            index = (index + 1) & (slots.size() - 1);
+        slots[index] = slot;
     }
     m_slots = std::move(slots);
 }
@@ -218,7 +218,7 @@ std::vector<const KARMPEntityTable::Entry*> KARMPEntityTable::InOrder() const
     std::vector<const Entry*> entries;
     if (m_entries.empty())
         return entries;
-    // Identifiers are long and mostly begin alike: what tells them apart stands in the sorted list.
+    // Identifiers are long and mostly begin alike: the sorted numbers begin where they differ.
     const Entry& any = m_entries.front();
     std::size_t start = any.m_size;
     for (const Entry& entry : m_entries) {
@@ -228,16 +228,16 @@ std::vector<const KARMPEntityTable::Entry*> KARMPEntityTable::InOrder() const
             ++same;
         start = same;
     }
-    std::vector<Place> places;
-    places.reserve(Size());
+    std::vector<Ranked> ranked;
+    ranked.reserve(Size());
     for (const Entry& entry : m_entries)
-        places.push_back({entry.Order(start), &entry});
-    std::sort(places.begin(), places.end(), [](const Place& left, const Place& right) {
+        ranked.push_back({entry.Order(start), &entry});
+    std::sort(ranked.begin(), ranked.end(), [](const Ranked& left, const Ranked& right) {
         return left.order != right.order ? left.order < right.order
                                          : left.entry->ComesBefore(*right.entry);
     });
     entries.reserve(Size());
-    for (const Place& place : places)
-        entries.push_back(place.entry);
+    for (const Ranked& each : ranked)
+        entries.push_back(each.entry);
     return entries;
 }

@@ -19,13 +19,13 @@ namespace karmp {
 
 void HandleIndex::Reserve(const QOBSharedBase* handles, std::size_t count)
 {
-    if (2 * count <= m_places.size())
+    if (2 * count <= m_buckets.size())
         return;
-    m_places = std::vector<std::uint32_t>(std::bit_ceil(2 * count));
+    m_buckets = std::vector<std::uint32_t>(std::bit_ceil(2 * count));
     for (std::uint32_t slot = 0; slot < m_slots; ++slot) {
         const bool last = m_following.empty() || m_following[slot] <= slot;
         if (handles[slot] && last)
-            m_places[PlaceOf(handles, handles[slot]._getReferent())] = slot + 1;
+            m_buckets[BucketOf(handles, handles[slot]._getReferent())] = slot + 1;
     }
 }
 
@@ -35,18 +35,18 @@ void HandleIndex::Append(const QOBSharedBase* handles, std::size_t count,
     if (!m_counts.empty())
         ReserveOne(m_counts);
     Reserve(handles, count + 1);
-    std::uint32_t& place = m_places[PlaceOf(handles, object)];
-    if (place != 0 && m_following.empty()) {
+    std::uint32_t& bucket = m_buckets[BucketOf(handles, object)];
+    if (bucket != 0 && m_following.empty()) {
         m_following.reserve(m_slots + 1);
         for (std::uint32_t slot = 0; slot < m_slots; ++slot)
             m_following.push_back(slot);
     }
     if (!m_following.empty()) {
         ReserveOne(m_following);
-        m_following.push_back(place != 0 ? std::exchange(m_following[place - 1], m_slots)
-                                         : m_slots);
+        m_following.push_back(bucket != 0 ? std::exchange(m_following[bucket - 1], m_slots)
+                                          : m_slots);
     }
-    place = ++m_slots;
+    bucket = ++m_slots;
     if (!m_counts.empty())
         PushCount();
 }
@@ -55,32 +55,32 @@ void HandleIndex::Remove(const QOBSharedBase* handles, std::size_t slot) noexcep
 {
     if (!m_counts.empty())
         LowerCount(slot);
-    const std::size_t place = PlaceOf(handles, handles[slot]._getReferent());
+    const std::size_t bucket = BucketOf(handles, handles[slot]._getReferent());
     if (m_following.empty() || m_following[slot] == slot) {
-        Free(handles, place);
+        Free(handles, bucket);
         return;
     }
-    std::uint32_t before = m_places[place] - 1;
+    std::uint32_t before = m_buckets[bucket] - 1;
     while (m_following[before] != slot)
         before = m_following[before];
     m_following[before] = m_following[slot];
-    if (m_places[place] == slot + 1)
-        m_places[place] = before + 1;
+    if (m_buckets[bucket] == slot + 1)
+        m_buckets[bucket] = before + 1;
 }
 
-// What was entered behind a place that gets free moves up as far as its own hash allows, so that no
+// Entries behind a bucket that becomes free move up as far as their own hashes allow, so that no
 // lookup ends early.
-void HandleIndex::Free(const QOBSharedBase* handles, std::size_t place) noexcept
+void HandleIndex::Free(const QOBSharedBase* handles, std::size_t bucket) noexcept
 {
-    const std::size_t last = m_places.size() - 1;
-    for (std::size_t next = Next(place); m_places[next] != 0; next = Next(next)) {
-        const std::size_t home = Home(handles[m_places[next] - 1]._getReferent());
-        if (((next - home) & last) >= ((next - place) & last)) {
-            m_places[place] = m_places[next];
-            place = next;
+    const std::size_t last = m_buckets.size() - 1;
+    for (std::size_t next = Next(bucket); m_buckets[next] != 0; next = Next(next)) {
+        const std::size_t home = Home(handles[m_buckets[next] - 1]._getReferent());
+        if (((next - home) & last) >= ((next - bucket) & last)) {
+            m_buckets[bucket] = m_buckets[next];
+            bucket = next;
         }
     }
-    m_places[place] = 0;
+    m_buckets[bucket] = 0;
 }
 
 void HandleIndex::Pop() noexcept

@@ -16,7 +16,7 @@ namespace {
 constexpr std::size_t LongestScanned = 48;
 // The slots at first: few lists of a joint or of a geometry between two joints need more.
 constexpr std::size_t FirstCapacity = 4;
-// Most of a model's many lists stay in a piece of memory of this size; few grow on.
+// Most of a model's lists fit a block of this size; few grow on.
 constexpr std::size_t LargestOfMany = 64;
 
 void* AllocateBlock(std::size_t bytes)
@@ -78,7 +78,7 @@ inline std::size_t KARMPHandleSequence::SlotOf(const QOBSharedObject* object) co
     return static_cast<std::size_t>(std::find(slots, slots + none, object) - slots);
 }
 
-inline void KARMPHandleSequence::MakeRoom()
+inline void KARMPHandleSequence::EnsureFreeSlot()
 {
     if (m_block == nullptr)
         Reserve(FirstCapacity);
@@ -145,7 +145,7 @@ void KARMPHandleSequence::Append(const QOBSharedBase& handle)
         BuildIndex();
     QOBSharedBase added(handle); // before the argument, which may be an entry, moves
     // What allocates comes first, so that nothing is half done when that fails.
-    MakeRoom();
+    EnsureFreeSlot();
     const std::size_t slot = SlotCount();
     if (m_block->index != nullptr)
         m_block->index->Append(Slots(), Count(), added._getReferent());
@@ -163,7 +163,7 @@ void KARMPHandleSequence::Insert(std::size_t position, const QOBSharedBase& hand
         return;
     QOBSharedBase inserted(handle); // before the argument, which may be an entry, moves
     Compact();
-    MakeRoom();
+    EnsureFreeSlot();
     QOBSharedBase* const end = Slots() + SlotCount();
     ::new (end) QOBSharedBase();
     std::move_backward(Slots() + position, end, end + 1);
@@ -180,7 +180,7 @@ bool KARMPHandleSequence::Remove(const QOBSharedObject* object, std::size_t* pos
         return false;
     if (position != nullptr)
         *position = PositionOf(slot);
-    const QOBSharedBase released = Extract(slot); // goes when this sequence is in order again
+    const QOBSharedBase released = Extract(slot); // released when this sequence is consistent again
     return true;
 }
 
@@ -228,7 +228,7 @@ QOBSharedBase KARMPHandleSequence::Extract(std::size_t slot)
     if (index == nullptr) {
         QOBSharedBase handle = std::move(slots[slot]);
         std::move(slots + slot + 1, slots + m_block->count, slots + slot);
-        --m_block->count; // the last slot is empty and needs no end
+        --m_block->count; // the last slot is empty and needs no destruction
         return handle;
     }
     index->Remove(slots, slot);

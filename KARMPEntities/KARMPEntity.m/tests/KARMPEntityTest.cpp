@@ -254,7 +254,7 @@ TEST_F(Entity, CountsItsModelObject)
     EXPECT_EQ(second.Held(), 0U);
 }
 
-TEST_F(Entity, BorrowsItsVisualObjectButHandsOutAReference)
+TEST_F(Entity, BorrowsItsVisualObjectButGivesAReference)
 {
     ModelObject visual;
     KARBaseUnknown* object = &visual;

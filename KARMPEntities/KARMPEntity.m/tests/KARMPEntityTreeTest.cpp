@@ -448,9 +448,9 @@ TEST(EntityTable, TellsTextsOfEachLengthApartByAnyCharacter)
     for (std::size_t length = 0; length < 20; ++length) {
         EXPECT_TRUE(table.Set(std::wstring(length, L'a'), TestEntity::create(L"")));
         ++count;
-        for (std::size_t place = 0; place < length; ++place) {
+        for (std::size_t index = 0; index < length; ++index) {
             std::wstring other(length, L'a');
-            other[place] = L'\x2603';
+            other[index] = L'\x2603';
             const auto entity = TestEntity::create(L"");
             EXPECT_EQ(table.Find(other), nullptr);
             EXPECT_TRUE(table.Set(other, entity));
@@ -525,8 +525,8 @@ TEST(EntityTable, ManyEntriesAreFoundAndInTheOrderOfAnyIdentifiers)
     withStart(table, 0);
     // The same where all begin alike.
     KARMPEntityTable alike;
-    for (std::size_t place = 1; place < identifiers.size(); ++place)
-        alike.Set(identifiers[place], {});
+    for (std::size_t index = 1; index < identifiers.size(); ++index)
+        alike.Set(identifiers[index], {});
     withStart(alike, 1);
 }
 

@@ -65,9 +65,9 @@ int StageZeroOnly(int stage)
 class Ear : public KARMPFailedCheckListener
 {
 public:
-    void OnFailedCheck(const char* file, int line) override { places.push_back({file, line}); }
+    void OnFailedCheck(const char* file, int line) override { locations.push_back({file, line}); }
 
-    std::vector<KARMPSourceLocation> places;
+    std::vector<KARMPSourceLocation> locations;
 };
 
 std::vector<std::string> Lines(std::string_view text)
@@ -226,14 +226,14 @@ TEST_F(FailedCheckProcess, AListenerHearsAReportBeforeTheProcessEnds)
 {
     Ear ear;
     EXPECT_THROW(KARMPReportFailedCheck("", "site.cpp", 1), Fatal);
-    EXPECT_EQ(ear.places.size(), 1U);
+    EXPECT_EQ(ear.locations.size(), 1U);
 }
 
 TEST_F(FailedCheckProcess, AListenerHearsASilencedReport)
 {
     Ear ear;
     KARMPReportFailedCheck("", "site.cpp", 1);
-    EXPECT_EQ(ear.places.size(), 1U);
+    EXPECT_EQ(ear.locations.size(), 1U);
 }
 
 namespace {
@@ -260,7 +260,7 @@ TEST_F(FailedCheckProcess, TheTextLeavesOutTheReportingCodeItself)
 {
     KARSetDevelopmentStageHandler(&StageZeroOnly);
     const Traced traced = ReportFromASite();
-    // Three lines of place, the line of the site's own frame, then its caller's.
+    // Three lines of location, the line of the site's own frame, then its caller's.
     const std::vector<std::string> lines = Lines(traced.report);
     ASSERT_GT(lines.size(), 5U);
     EXPECT_EQ(lines[4], traced.callerOfSite);
@@ -317,9 +317,9 @@ TEST(FailedCheck, AReportNamesThePlaceOfTheCheck)
     Ear ear;
     EXPECT_FALSE(KARMPVerify(1 > 2));
     const int line = __LINE__ - 1;
-    ASSERT_EQ(ear.places.size(), 1U);
-    EXPECT_EQ(ear.places[0].line, line);
-    EXPECT_STREQ(ear.places[0].file, __FILE__);
+    ASSERT_EQ(ear.locations.size(), 1U);
+    EXPECT_EQ(ear.locations[0].line, line);
+    EXPECT_STREQ(ear.locations[0].file, __FILE__);
 }
 
 namespace {
@@ -336,8 +336,8 @@ TEST(FailedCheck, AHelperReportsThePlaceOfItsCaller)
     Ear ear;
     EXPECT_FALSE(CheckForACaller(false));
     const int line = __LINE__ - 1;
-    ASSERT_EQ(ear.places.size(), 1U);
-    EXPECT_EQ(ear.places[0].line, line);
+    ASSERT_EQ(ear.locations.size(), 1U);
+    EXPECT_EQ(ear.locations[0].line, line);
 }
 
 TEST(FailedCheck, TheInnermostListenerAloneHearsAReport)
@@ -346,11 +346,11 @@ TEST(FailedCheck, TheInnermostListenerAloneHearsAReport)
     {
         Ear inner;
         EXPECT_FALSE(KARMPVerify(false));
-        EXPECT_EQ(inner.places.size(), 1U);
+        EXPECT_EQ(inner.locations.size(), 1U);
     }
-    EXPECT_EQ(outer.places.size(), 0U);
+    EXPECT_EQ(outer.locations.size(), 0U);
     EXPECT_FALSE(KARMPVerify(false));
-    EXPECT_EQ(outer.places.size(), 1U);
+    EXPECT_EQ(outer.locations.size(), 1U);
 }
 
 TEST(FailedCheck, AListenerMayDieBeforeOneThatCameLater)
@@ -360,10 +360,10 @@ TEST(FailedCheck, AListenerMayDieBeforeOneThatCameLater)
     auto third = std::make_unique<Ear>();
     second.reset();
     EXPECT_FALSE(KARMPVerify(false));
-    EXPECT_EQ(third->places.size(), 1U);
+    EXPECT_EQ(third->locations.size(), 1U);
     third.reset();
     EXPECT_FALSE(KARMPVerify(false));
-    EXPECT_EQ(first->places.size(), 1U);
+    EXPECT_EQ(first->locations.size(), 1U);
 }
 
 TEST(FailedCheck, AReportInAnotherThreadIsNotHeard)
@@ -374,10 +374,10 @@ TEST(FailedCheck, AReportInAnotherThreadIsNotHeard)
         EXPECT_FALSE(KARMPVerify(false));
         Ear other;
         EXPECT_FALSE(KARMPVerify(false));
-        heardThere = other.places.size();
+        heardThere = other.locations.size();
     }).join();
     EXPECT_EQ(heardThere, 1U);
-    EXPECT_TRUE(ear.places.empty());
+    EXPECT_TRUE(ear.locations.empty());
 }
 
 TEST(FailedCheck, AReportMadeByAListenerGoesToTheOneAroundIt)
@@ -394,11 +394,11 @@ TEST(FailedCheck, AReportMadeByAListenerGoesToTheOneAroundIt)
     Ear outer;
     Complaining inner;
     KARMPReportFailedCheck("", "site.cpp", 1);
-    ASSERT_EQ(inner.places.size(), 1U);
-    ASSERT_EQ(outer.places.size(), 1U);
-    EXPECT_EQ(outer.places[0].line, 2);
+    ASSERT_EQ(inner.locations.size(), 1U);
+    ASSERT_EQ(outer.locations.size(), 1U);
+    EXPECT_EQ(outer.locations[0].line, 2);
     KARMPReportFailedCheck("", "site.cpp", 1);
-    EXPECT_EQ(inner.places.size(), 2U);
+    EXPECT_EQ(inner.locations.size(), 2U);
 }
 
 TEST(FailedCheck, WithoutListenersTheListenedBitIsClear)

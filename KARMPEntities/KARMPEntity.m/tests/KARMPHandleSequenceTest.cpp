@@ -44,19 +44,19 @@ TEST(HandleSequence, AgreesWithAPlainVectorWhateverTheOrderOfCalls)
             expected.push_back(entity);
             break;
         case 2: {
-            const std::size_t place = random() % (expected.size() + 3);
-            sequence.Insert(place, entity);
+            const std::size_t index = random() % (expected.size() + 3);
+            sequence.Insert(index, entity);
             const auto at =
-                expected.begin() + static_cast<std::ptrdiff_t>(std::min(place, expected.size()));
+                expected.begin() + static_cast<std::ptrdiff_t>(std::min(index, expected.size()));
             expected.insert(at, entity);
             break;
         }
         case 3:
             if (!expected.empty()) {
-                const std::size_t place = random() % expected.size();
-                ASSERT_EQ(sequence.At(place), expected[place]);
-                ASSERT_EQ(sequence.Take(place), expected[place]);
-                expected.erase(expected.begin() + static_cast<std::ptrdiff_t>(place));
+                const std::size_t index = random() % expected.size();
+                ASSERT_EQ(sequence.At(index), expected[index]);
+                ASSERT_EQ(sequence.Take(index), expected[index]);
+                expected.erase(expected.begin() + static_cast<std::ptrdiff_t>(index));
             }
             break;
         default: {
@@ -160,8 +160,8 @@ TEST(HandleSequence, EmptiesALongListFromEitherEndInLinearTime)
         for (const auto& entity : entities)
             sequence.Append(entity);
         while (sequence.Count() > 0) {
-            const std::size_t place = fromTheFront ? 0 : sequence.Count() - 1;
-            const QOBSharedBase entry = sequence.At(place);
+            const std::size_t index = fromTheFront ? 0 : sequence.Count() - 1;
+            const QOBSharedBase entry = sequence.At(index);
             ASSERT_TRUE(sequence.Remove(entry._getReferent()));
         }
     }
@@ -191,9 +191,9 @@ TEST(HandleSequence, AnAdditionForWhichMemoryEndsChangesNothing)
     const Entities entities = MakeEntities(300);
     KARMPHandleSequence sequence;
     std::vector<QOBSharedBase> expected;
-    const auto takeOut = [&](std::size_t place) {
-        sequence.Take(place);
-        expected.erase(expected.begin() + static_cast<std::ptrdiff_t>(place));
+    const auto takeOut = [&](std::size_t index) {
+        sequence.Take(index);
+        expected.erase(expected.begin() + static_cast<std::ptrdiff_t>(index));
     };
     std::size_t failures = 0;
     for (const auto& entity : entities) {
@@ -278,8 +278,8 @@ TEST_F(LinkList, ReportsANullHandleAtTheCaller)
     EXPECT_EQ(list.Remove({}), KARFailure);
     EXPECT_EQ(list.Insert(0, {}), KARFailure);
     ASSERT_EQ(UnclaimedReports().size(), 3U);
-    for (const std::string& place : UnclaimedReports())
-        EXPECT_NE(place.find("KARMPHandleSequenceTest.cpp"), std::string::npos);
+    for (const std::string& report : UnclaimedReports())
+        EXPECT_NE(report.find("KARMPHandleSequenceTest.cpp"), std::string::npos);
     ExpectReports(3);
 }
 

@@ -1,8 +1,8 @@
-// Entity of a category that the application names.
 #pragma once
 
 #include "KARMPEntity.h"
 
+/// Entity of a category that the application names.
 class KARMP_API KARMPGenericEntity : public KARMPEntity
 {
     KARMP_ABSTRACT_ENTITY(KARMPGenericEntity, KARMPEntity)

@@ -1,8 +1,8 @@
-// State in which an analysis begins.
 #pragma once
 
 #include "KARMPEntity.h"
 
+/// State in which an analysis begins.
 class KARMP_API KARMPInitialCondition : public KARMPEntity
 {
     KARMP_ABSTRACT_ENTITY(KARMPInitialCondition, KARMPEntity)

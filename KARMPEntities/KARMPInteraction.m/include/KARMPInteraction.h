@@ -1,8 +1,8 @@
-// Base of the rules by which bodies collide.
 #pragma once
 
 #include "KARMPEntity.h"
 
+/// Base of the rules by which bodies collide.
 class KARMP_API KARMPInteraction : public KARMPEntity
 {
     KARMP_ABSTRACT_ENTITY(KARMPInteraction, KARMPEntity)

@@ -1,8 +1,8 @@
-// Named result of an entity.
 #pragma once
 
 #include "KARMPAttribute.h"
 
+/// Named result of an entity.
 class KARMP_API KARMPOutput : public KARMPAttribute
 {
     KARMP_ABSTRACT_ENTITY(KARMPOutput, KARMPAttribute)

@@ -1,8 +1,8 @@
-// Named input of an entity.
 #pragma once
 
 #include "KARMPAttribute.h"
 
+/// Named input of an entity.
 class KARMP_API KARMPParameter : public KARMPAttribute
 {
     KARMP_ABSTRACT_ENTITY(KARMPParameter, KARMPAttribute)

@@ -1,8 +1,8 @@
-// Named state of an entity.
 #pragma once
 
 #include "KARMPAttribute.h"
 
+/// Named state of an entity.
 class KARMP_API KARMPState : public KARMPAttribute
 {
     KARMP_ABSTRACT_ENTITY(KARMPState, KARMPAttribute)

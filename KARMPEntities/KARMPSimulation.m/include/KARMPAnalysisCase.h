@@ -1,8 +1,8 @@
-// Set-up of one analysis.
 #pragma once
 
 #include "KARMPEntity.h"
 
+/// Set-up of one analysis.
 class KARMP_API KARMPAnalysisCase : public KARMPEntity
 {
     KARMP_ABSTRACT_ENTITY(KARMPAnalysisCase, KARMPEntity)

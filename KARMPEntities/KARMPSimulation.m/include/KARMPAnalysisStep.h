@@ -1,8 +1,8 @@
-// One step of an analysis.
 #pragma once
 
 #include "KARMPEntity.h"
 
+/// One step of an analysis.
 class KARMP_API KARMPAnalysisStep : public KARMPEntity
 {
     KARMP_ABSTRACT_ENTITY(KARMPAnalysisStep, KARMPEntity)

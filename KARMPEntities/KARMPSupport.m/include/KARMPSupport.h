@@ -1,8 +1,8 @@
-// Tie of an attribute to another entity.
 #pragma once
 
 #include "KARMPEntity.h"
 
+/// Tie of an attribute to another entity.
 class KARMP_API KARMPSupport : public KARMPEntity
 {
     KARMP_ABSTRACT_ENTITY(KARMPSupport, KARMPEntity)

@@ -37,8 +37,8 @@ public:
 
     const QOBUUID& getClassID() const override;
 
-    /// Watches the entities that the world lists now, in place of all that was watched before. A
-    /// null handle is a failed check and a failure, and then nothing is watched.
+    /// Watches the entities that the world lists and stops watching all others. A null handle is a
+    /// failed check and a failure, and then nothing is watched.
     KARStatus Subscribe(const QOBSharedHandle<KARMPWorld>& world);
     /// Watches one entity more: a body for its moves, anything else for its changes. An entity that
     /// is watched already is watched once more. A null handle is a failed check and a failure.

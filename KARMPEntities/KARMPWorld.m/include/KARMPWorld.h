@@ -37,7 +37,7 @@ class RegistrySet<FamilyList<T...>> : public KARMPRegistry<T>...
 /// entities.
 ///
 /// A world extends a basic world, whose life it shares and under which the entities stand. It
-/// solves nothing.
+/// solves nothing. Every operation returns 0 where nothing else is said.
 class KARMP_API KARMPWorld : public QOBExtensionObject
 {
 public:
@@ -70,8 +70,7 @@ public:
     QOBSharedObject* _duplicateObject(CopyMode mode) const override;
     const QOBUUID& getClassID() const override;
 
-    /// Origin, size and gravity: stored and given as they are, in the units of the model;
-    /// always 0.
+    /// Origin, size and gravity: stored and given as they are, in the units of the model.
     virtual KARStatus SetOrigin(const KARMathPoint& origin);
     virtual KARStatus GetOrigin(KARMathPoint& origin) const;
     virtual KARStatus SetSize(double x, double y, double z);
@@ -81,17 +80,17 @@ public:
     /// Gives the factory of the world's equations. Without one a failed check and a failure.
     virtual KARStatus GetWBFactory(KARWBFactory*& factory) const;
 
-    /// Tolerances on lengths and on angles, stored as they are; setting always gives 0.
+    /// Tolerances on lengths and on angles, stored as they are.
     double GetLinearTolerance() const { return m_linearTolerance; }
     KARStatus SetLinearTolerance(double tolerance);
     double GetAngularTolerance() const { return m_angularTolerance; }
     KARStatus SetAngularTolerance(double tolerance);
-    /// Unit of the model's lengths: a label, nothing is converted; always 0.
+    /// Unit of the model's lengths: a label, nothing is converted.
     KARStatus GetLengthUnit(KARMPUnit::Enum& unit) const;
     KARStatus SetLengthUnit(KARMPUnit::Enum unit);
 
-    /// The global entities and the ground body, each of which may be null; always 0. Setting one
-    /// touches no registry.
+    /// The global entities and the ground body, each of which may be null. Setting one touches no
+    /// registry.
     KARStatus GetGlobalBody(QOBSharedHandle<KARMPBody>& body) const;
     KARStatus SetGlobalBody(const QOBSharedHandle<KARMPBody>& body);
     KARStatus GetGlobalAxisSystem(QOBSharedHandle<KARMPAxisSystem>& axisSystem) const;
@@ -173,7 +172,7 @@ public:
                       KARBaseUnknown_var& key2) const;
     /// Number of bodies.
     int GetBodyCount() const { return Count<KARMPBody>(); }
-    /// Empties all registries; always 0. The global entities stay with the world.
+    /// Empties all registries. The global entities stay with the world.
     KARStatus EmptyWorld();
 
     /// Writes the model as an element "World". A null serializer, or an element that cannot be
@@ -197,7 +196,7 @@ protected:
     KARMPWorld(const KARMPWorld& source, CopyMode mode);
     ~KARMPWorld() override;
 
-    /// Destroys the global axis system when there is also a global body; always 0.
+    /// Destroys the global axis system when there is also a global body.
     KARStatus RemoveGlobals();
 
 private:

@@ -172,7 +172,8 @@ void KARMPObserver::onBodyMoved(Sender agent, Events)
         moved.Add(body);
 }
 
-// Unlike a body's, the class is not asked for first: a sender that is no entity throws at the cast.
+// The class is not asked for first, as it is for a body: a sender that is no entity throws at the
+// cast.
 void KARMPObserver::onEntityModified(Sender agent, Events)
 {
     if (!KARMPVerify(static_cast<bool>(agent)))

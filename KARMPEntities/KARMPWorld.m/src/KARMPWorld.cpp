@@ -382,7 +382,7 @@ KARStatus KARMPWorld::Add(KARBaseUnknown_var key1, KARBaseUnknown_var key2,
     return Registry<KARMPValue>().Add(key1, key2, value);
 }
 
-// A value finds its world by the place that it has under the basic world.
+// A value finds its world through the basic world that it stands under.
 void KARMPWorld::PlaceValue(const QOBSharedHandle<KARMPValue>& value)
 {
     const QOBSharedHandle<QOBBasicEntity> parent(getExtendible(), QOBSharedBase::WriteLock);

@@ -156,7 +156,7 @@ void EntitiesReader::Create()
 
 const KARMPEntityTable::Entry* EntitiesReader::Create(const KARMPDeserializer* element)
 {
-    const KARMPReadingPlace place(element);
+    const KARMPReadingPlace location(element);
     if (!KARMPVerify(element != nullptr))
         return nullptr;
     QOBSharedHandle<KARMPEntity> entity;
@@ -189,8 +189,8 @@ KARMPFactory::Class EntitiesReader::ClassOf(std::wstring_view elementName)
 void EntitiesReader::ReadContents()
 {
     for (const Registry& registry : m_registries)
-        for (std::size_t place = 0; place < registry.elements.size(); ++place)
-            ReadContent(registry.elements[place], registry.entries[place]);
+        for (std::size_t index = 0; index < registry.elements.size(); ++index)
+            ReadContent(registry.elements[index], registry.entries[index]);
 }
 
 // Of two entities with one identifier, and so with one entry, the later one reads both elements. An
@@ -198,7 +198,7 @@ void EntitiesReader::ReadContents()
 void EntitiesReader::ReadContent(const KARMPDeserializer* element,
                                  const KARMPEntityTable::Entry* entry)
 {
-    const KARMPReadingPlace place(element);
+    const KARMPReadingPlace location(element);
     const QOBSharedHandle<KARMPEntity>* found = entry != nullptr ? &entry->Entity() : nullptr;
     if (entry == nullptr) {
         karmp::ReadText identifier;
@@ -233,7 +233,7 @@ void EntitiesReader::FileByDocument()
         ElementVector elements;
         registry.element->AppendOrderedElements(elements);
         for (const KARMPDeserializer* element : elements) {
-            const KARMPReadingPlace place(element);
+            const KARMPReadingPlace location(element);
             karmp::ReadText identifier;
             if (!KARMPVerify(element != nullptr &&
                              !KARFailed(element->GetAttribute(IdName, identifier))))
@@ -249,7 +249,7 @@ void EntitiesReader::ReadGlobals(const KARMPDeserializer& world)
     const KARMPDeserializer* element = Child(world, karmp::Globals);
     if (element == nullptr)
         return;
-    const KARMPReadingPlace place(element);
+    const KARMPReadingPlace location(element);
     karmp::ElementReader globals(element);
     globals.Reference<KARMPBody>(
         karmp::GlobalBody, m_entities,

@@ -4,7 +4,7 @@
 
 namespace {
 
-// Unlike everywhere else, a component that cannot be added passes without a report of its own.
+// A component that cannot be added passes without a report of its own.
 void WriteTriple(KARMPSerializer& world, std::wstring_view name, const karmp::Names<3>& names,
                  const std::array<double, 3>& values)
 {

@@ -103,7 +103,7 @@ private:
         using Type = KARMPSerializationVariable::Type;
         if (item.type == Type::Double)
             item.value.doubleValue = Number();
-        // The index of a term places nothing, and an old quantity is a code within its table.
+        // The index of a term decides nothing, and an old quantity is a code within its table.
         else if (item.type == Type::Int && item.name != L"LinearTermIndex")
             item.value.intValue = 1 + Integer() % 2;
         // A flag that says that a value follows must stay as it is.

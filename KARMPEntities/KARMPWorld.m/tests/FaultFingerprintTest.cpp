@@ -198,9 +198,9 @@ private:
 std::string FaultFingerprint::Reports()
 {
     std::map<std::string, int> reports;
-    for (const std::string& place : UnclaimedReports()) {
-        const std::size_t start = place.rfind('/') + 1;
-        ++reports[place.substr(start, place.rfind(':') - start)];
+    for (const std::string& location : UnclaimedReports()) {
+        const std::size_t start = location.rfind('/') + 1;
+        ++reports[location.substr(start, location.rfind(':') - start)];
     }
     TakeReports();
     return PrintReports(reports);

@@ -254,8 +254,8 @@ TEST_F(Registry, KeepsAKeyThatStandsForNothing)
     EXPECT_TRUE(filedUnder(null, loose).empty());
 }
 
-// Keys compare by what they stand for at that moment, so one that changes its mind is looked for at
-// the wrong place.
+// Keys compare by what they stand for at that moment, so one that changes what it stands for is not
+// found.
 class RegistryOfShiftingKeys : public Registry
 {
 protected:
