@@ -1,4 +1,4 @@
-// What the ground of the library costs: entities by name, handles, tree nodes, identifiers.
+// What the core of the library costs: entities by name, handles, tree nodes, identifiers.
 //
 // Each row also tells the bytes that it asks of the heap per operation.
 #include "HeapCounter.h"

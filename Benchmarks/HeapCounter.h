@@ -1,12 +1,11 @@
-// Counts what a benchmark asks of the heap.
 #pragma once
 
 #include <benchmark/benchmark.h>
 
 #include <cstddef>
 
-/// Adds the counters "heap_bytes" and "heap_allocations", per operation, to a benchmark's row when
-/// it goes out of scope.
+/// Counts what a benchmark asks of the heap, and adds the counters "heap_bytes" and
+/// "heap_allocations", per operation, to the benchmark's row when it goes out of scope.
 class HeapCounter
 {
 public:

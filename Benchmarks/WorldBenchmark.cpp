@@ -33,7 +33,7 @@ int EntitiesPerBody(Content content)
     return content == Content::Bodies ? 4 : 7;
 }
 
-/// Files entities and places them, as an application does.
+/// Adds entities to the registries and to the basic world, as an application does.
 class Builder
 {
 public:
@@ -149,8 +149,8 @@ double SecondsOf(Work work)
     return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
-/// Gives the heap's free memory back, so that what is measured next takes its memory from the
-/// system as in a process that does nothing else: no part lives on what the one before it freed.
+/// Returns the heap's free memory to the system, so that what is measured next takes its memory
+/// from there, as in a process that does nothing else.
 void GiveFreeMemoryBack()
 {
     ::malloc_trim(0);

@@ -1,5 +1,3 @@
-// Builds mechanisms for the examples: files each entity in the world, places it under the basic
-// world, and sets both halves of every link.
 #pragma once
 
 #include "KARMPDocuments.h"
@@ -9,6 +7,8 @@
 #include <iostream>
 #include <string>
 
+/// Builds mechanisms for the examples: adds each entity to its registry and to the basic world, and
+/// sets both halves of every link.
 class MechanismBuilder
 {
 public:
@@ -32,7 +32,7 @@ public:
     /// The body that everything else stands on.
     const QOBSharedHandle<KARMPBody>& Ground() const { return m_ground; }
 
-    /// Names an entity, files it in the registry of its family, and places it.
+    /// Names an entity and adds it to the registry of its family and to the basic world.
     template <class Family, class T>
     QOBSharedHandle<T> File(const QOBSharedHandle<T>& entity, const std::wstring& name)
     {
@@ -70,10 +70,10 @@ public:
 
     /// A point of the body.
     QOBSharedHandle<KARMPPoint> AddPoint(const QOBSharedHandle<KARMPBody>& body,
-                                         const std::wstring& name, const KARMathPoint& place)
+                                         const std::wstring& name, const KARMathPoint& position)
     {
         const auto point = KARMPPoint::create(name);
-        point->SetPoint(place);
+        point->SetPoint(position);
         return Attach(point, body, name);
     }
 

@@ -18,7 +18,7 @@ int main()
     const auto world = KARMPWorld::create(basicWorld);
     world->SetGravity(KARMathVector(0.0, -9.81, 0.0));
 
-    // Every entity is filed in the registry of its family and placed under the basic world.
+    // Every entity is added to the registry of its family and to the basic world.
     const auto rod = KARMPBody::create(L"Rod");
     rod->SetMass(0.25);
     rod->SetCenterOfGravity(KARMathPoint(0.0, -0.4, 0.0));

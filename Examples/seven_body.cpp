@@ -13,8 +13,8 @@ namespace {
 
 using karmp::documents::Doubles;
 
-/// A place in the plane of the mechanism.
-struct Place
+/// A point in the plane of the mechanism.
+struct PlanePoint
 {
     double x;
     double y;
@@ -22,9 +22,9 @@ struct Place
     operator KARMathPoint() const { return {x, y, 0.0}; }
 };
 
-constexpr Place O{0.0, 0.0};
-constexpr Place A{-0.06934, -0.00227};
-constexpr Place B{-0.03635, 0.03273};
+constexpr PlanePoint O{0.0, 0.0};
+constexpr PlanePoint A{-0.06934, -0.00227};
+constexpr PlanePoint B{-0.03635, 0.03273};
 
 constexpr double Beta = -0.0617138900142764496358948458001;
 constexpr double Theta = 0.0;
@@ -39,9 +39,9 @@ struct BodyData
 {
     const wchar_t* name;
     const wchar_t* on; // the body that carries the frame's origin
-    Place origin;      // in that body's frame
+    PlanePoint origin; // in that body's frame
     double angle;
-    Place center;
+    PlanePoint center;
     double mass;
     double inertia; // about the centre of mass, along z
 };
@@ -60,9 +60,9 @@ struct JointData
 {
     const wchar_t* name;
     const wchar_t* first;
-    Place onFirst;
+    PlanePoint onFirst;
     const wchar_t* second;
-    Place onSecond;
+    PlanePoint onSecond;
 };
 
 constexpr std::array Joints{JointData{L"O", L"GlobalBody", O, L"K1", {0.0, 0.0}},
@@ -116,7 +116,7 @@ double LoopError(const KARMPWorld& world)
     for (int index = 0; index < world.Count<KARMPConstraint>(); ++index) {
         QOBSharedHandle<KARMPConstraint> constraint;
         world.Get<KARMPConstraint>(index, constraint);
-        std::array<KARMathPoint, 2> places;
+        std::array<KARMathPoint, 2> points;
         for (int side = 0; side < 2; ++side) {
             QOBSharedHandle<KARMPGeometry> geometry;
             QOBSharedHandle<KARMPBody> body;
@@ -124,10 +124,10 @@ double LoopError(const KARMPWorld& world)
             constraint->GetLinkedGeometry(side, geometry);
             geometry->GetBody(body);
             QOBSharedHandle<KARMPAxisSystem>(geometry)->GetAxisSystem(axis);
-            places[static_cast<std::size_t>(side)] = PositionOf(*body) * axis.GetOrigin();
+            points[static_cast<std::size_t>(side)] = PositionOf(*body) * axis.GetOrigin();
         }
-        error = std::max({error, std::abs(places[0].GetX() - places[1].GetX()),
-                          std::abs(places[0].GetY() - places[1].GetY())});
+        error = std::max({error, std::abs(points[0].GetX() - points[1].GetX()),
+                          std::abs(points[0].GetY() - points[1].GetY())});
     }
     return error;
 }

@@ -22,7 +22,7 @@ std::string SmallDocument()
     angle->SetValue(0.3);
     basicWorld->addLogicalChild(angle);
     world->Add<KARMPVariable>(angle);
-    // Adding a value places it as well.
+    // Adding a value to its registry adds it to the basic world as well.
     const auto damping = KARMPConstant::create(L"Damping");
     damping->SetPhysicalQuantity(KARMPPhysicalQuantity::LinearDamping);
     damping->SetValue(0.05, "double");

@@ -1,4 +1,3 @@
-// Counts allocations in tests, and lets chosen ones fail.
 #pragma once
 
 #include <cstddef>
@@ -13,7 +12,8 @@
 #endif
 
 /// Counts what its thread gets from the global operator new, in all its forms without an alignment,
-/// for as long as it lives. Counters may be nested; the innermost one counts.
+/// for as long as it lives, and lets chosen allocations fail. Counters may be nested; the innermost
+/// one counts.
 class AllocationCounter
 {
 public:

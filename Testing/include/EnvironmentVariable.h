@@ -1,10 +1,10 @@
-// A variable of the process's environment, set or taken away for as long as the object lives.
 #pragma once
 
 #include <cstdlib>
 #include <optional>
 #include <string>
 
+/// A variable of the process's environment, set or taken away for as long as the object lives.
 class EnvironmentVariable
 {
 public:

@@ -1,4 +1,3 @@
-// Base of fixtures that count failed checks: a report that no test claims is a failure.
 #pragma once
 
 #include "KARMPFailedCheck.h"
@@ -9,8 +8,9 @@
 #include <string>
 #include <vector>
 
-/// A test that hears the failed checks of its thread, up to the end of the fixture's life. Members
-/// of a derived fixture are destroyed before, so that their reports count as well.
+/// Base of fixtures that count failed checks: a report that no test claims is a failure. It hears
+/// the reports of its thread up to the end of the fixture's life. Members of a derived fixture are
+/// destroyed before, so that their reports count as well.
 class KARMPTestFixture : public ::testing::Test, private KARMPFailedCheckListener
 {
 public:
@@ -22,7 +22,7 @@ public:
                        KARMPSourceLocation where = KARMPSourceLocation::current());
     /// Claims the reports made since the last claim, however many, and gives their number.
     std::size_t TakeReports();
-    /// The places of the reports that are not claimed, "file:line" each.
+    /// The source locations of the reports that are not claimed, "file:line" each.
     const std::vector<std::string>& UnclaimedReports() const { return m_unclaimed; }
 
 private:

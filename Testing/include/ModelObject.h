@@ -1,10 +1,9 @@
-// A model object for tests that counts who holds it.
 #pragma once
 
 #include "KARBaseUnknown.h"
 
-/// An object of a modelling application. It is never deleted by a Release, so that a test can look
-/// at its counts afterwards.
+/// An object of a modelling application that counts its references. Release never deletes it, so
+/// that a test can look at its counts afterwards.
 class ModelObject : public KARBaseUnknown
 {
 public:

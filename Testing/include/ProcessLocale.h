@@ -1,10 +1,10 @@
-// A locale of the C library for the whole process, for as long as the object lives.
 #pragma once
 
 #include <clocale>
 #include <initializer_list>
 #include <string>
 
+/// A locale of the C library for the whole process, for as long as the object lives.
 class ProcessLocale
 {
 public:

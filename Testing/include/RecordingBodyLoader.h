@@ -1,4 +1,3 @@
-// A body's loader that records what it was told and moves as a test wants.
 #pragma once
 
 #include "KARIMPBodyLoader.h"
@@ -11,10 +10,10 @@
 /// The record of one or more loaders of bodies.
 struct BodyLoaderRecord : LoaderRecord
 {
-    /// The operation that fails, in place of `answer`.
+    /// The operation that fails instead of giving `answer`.
     std::string failing;
     std::vector<KARMathTransformation> moves;
-    /// What was given by SetLoaderVelocity, and what the reading operations hand out.
+    /// What was given by SetLoaderVelocity, and what the reading operations give.
     KARMathVector linearVelocity;
     KARMathVector angularVelocity;
     KARMathVector linearAcceleration;
@@ -34,6 +33,7 @@ struct BodyLoaderRecord : LoaderRecord
     }
 };
 
+/// A body's loader that records what it was told and moves as a test wants.
 class RecordingBodyLoader : public RecordingLoader<KARIMPBodyLoader>
 {
 public:

@@ -1,10 +1,10 @@
-// A joint's loader that records its calls and gives the frames and kinds that a test puts in.
 #pragma once
 
 #include "KARIMPJointLoader.h"
 #include "KARMathAxis.h"
 #include "RecordingEntityLoader.h"
 
+/// A joint's loader that records its calls and gives the frames and kinds that a test puts in.
 class RecordingJointLoader : public RecordingLoader<KARIMPJointLoader>
 {
 public:

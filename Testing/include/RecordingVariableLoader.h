@@ -1,4 +1,3 @@
-// A variable's loader that records what it was told.
 #pragma once
 
 #include "KARIMPVariableLoader.h"
@@ -6,6 +5,7 @@
 
 #include <sstream>
 
+/// A variable's loader that records what it was told.
 class RecordingVariableLoader : public RecordingLoader<KARIMPVariableLoader>
 {
 public:

@@ -1,4 +1,3 @@
-// A reader node for tests: built by hand in chained calls, or from a tree that was written.
 #pragma once
 
 #include "KARMPDeserializer.h"
@@ -28,7 +27,7 @@ struct TestTreeForm
     std::size_t spoilt = 0;
 };
 
-/// A node of a tree that is read.
+/// A reader node for tests: built by hand in chained calls, or from a tree that was written.
 ///
 ///     TestDeserializer body(L"Body");
 ///     body.Attribute(L"id", L"B1").Add(L"Translation").Leaf(L"Vx", 1.0).Leaf(L"Vy", 2.0);

@@ -1,4 +1,3 @@
-// An entity class of the tests' own, creatable by name as every concrete class is.
 #pragma once
 
 #include "KARMPEntity.h"
@@ -6,6 +5,7 @@
 #include "KARMPParameter.h"
 #include "KARMPState.h"
 
+/// An entity class of the tests' own, creatable by name as every concrete class is.
 class TestEntity : public KARMPEntity
 {
     KARMP_ENTITY(TestEntity, KARMPEntity)

@@ -1,4 +1,3 @@
-// A writer node for tests: its tree can be looked into by paths, printed, and made to fail.
 #pragma once
 
 #include "KARMPSerializer.h"
@@ -9,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-/// A node of a tree that is written to be looked at.
+/// A writer node for tests: its tree can be looked into by paths, printed, and made to fail.
 ///
 /// A path names elements from a node downwards, parted by "/". "Name[2]" is the third element of
 /// the name, "Name" the first one. "@name" at the end is an attribute, the first one of the name.

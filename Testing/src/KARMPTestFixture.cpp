@@ -2,19 +2,19 @@
 
 KARMPTestFixture::~KARMPTestFixture()
 {
-    for (const std::string& place : m_unclaimed)
-        ADD_FAILURE() << "Unclaimed report of a failed check at " << place;
+    for (const std::string& location : m_unclaimed)
+        ADD_FAILURE() << "Unclaimed report of a failed check at " << location;
 }
 
 void KARMPTestFixture::ExpectReports(std::size_t count, KARMPSourceLocation where)
 {
     if (m_unclaimed.size() != count) {
-        std::string places;
-        for (const std::string& place : m_unclaimed)
-            places += "\n  at " + place;
+        std::string locations;
+        for (const std::string& location : m_unclaimed)
+            locations += "\n  at " + location;
         ADD_FAILURE_AT(where.file, where.line)
             << "Expected " << count << " reports of failed checks, got " << m_unclaimed.size()
-            << places;
+            << locations;
     }
     m_unclaimed.clear();
 }
