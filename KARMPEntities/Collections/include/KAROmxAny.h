@@ -10,7 +10,8 @@
 /// What a KAROmxAny can hold.
 enum class KAROmxAnyKind { None, Boolean, Int, Double, String, Octets };
 
-/// A value that knows its kind. Fetching it as another kind fails: nothing is converted.
+/// A value that knows its kind. Nothing is converted: fetching it as another kind gives false and
+/// leaves the argument as it was.
 class KAR_API KAROmxAny
 {
 public:
@@ -36,15 +37,15 @@ public:
     /// Gives the number of bytes of Octets, 0 for None, 1 for any other kind.
     int Size() const;
 
-    /// Gives the truth value. False, with `value` left alone, when another kind is held.
+    /// Gives the truth value.
     bool TryGetBoolean(bool& value) const { return TryGet(value); }
-    /// Gives the integer. False, with `value` left alone, when another kind is held.
+    /// Gives the integer.
     bool TryGetInt(int& value) const { return TryGet(value); }
-    /// Gives the number. False, with `value` left alone, when another kind is held.
+    /// Gives the number.
     bool TryGetDouble(double& value) const { return TryGet(value); }
-    /// Gives the text. False, with `value` left alone, when another kind is held.
+    /// Gives the text.
     bool TryGetString(KARUnicodeString& value) const { return TryGet(value); }
-    /// Gives the text. False, with `value` left alone, when another kind is held.
+    /// Gives the text.
     bool TryGetString(KARString& value) const;
 
     /// Copies the first `count` bytes of Octets to a C array, or all when there are fewer, and
