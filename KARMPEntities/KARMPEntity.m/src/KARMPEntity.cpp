@@ -76,6 +76,8 @@ struct karmp::ContentOf<KARMPEntity>
     static constexpr auto List = Base(
         "Anything that lives in a world.", Frame,
         Attribute(Text<&Identifier>(L"id", "The identifier by which the document knows it.")
+                      .Required()
+                      .FixedBecause("An identifier never changes once it is given.")
                       .Through<&TakeIdentifier>()),
         Attribute(Text<&Name>(L"name", "The name for people.").Through<&TakeName>()),
         Since(R2017_1, Attribute(WordOf<&C::IsActive>(L"isActive", NoYes,

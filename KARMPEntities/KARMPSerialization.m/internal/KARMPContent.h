@@ -103,6 +103,11 @@ struct ItemList
     {
         return With([](Item& item) { item.isOwned = true; });
     }
+    /// Programs cannot set the item by the table of items; the sentence tells why.
+    constexpr ItemList FixedBecause(std::string_view why) const
+    {
+        return With([why](Item& item) { item.fixedBecause = why; });
+    }
     constexpr ItemList AlwaysNamed() const
     {
         return With([](Item& item) { item.alwaysNamed = true; });
@@ -247,6 +252,7 @@ constexpr ItemList<1> WordOf(std::wstring_view name, std::span<const std::wstrin
 {
     auto list = MakeItem<Access>(name, says, ItemKind::Word, where);
     list.First().words = words;
+    list.First().isFlag = std::is_same_v<typename TraitsOf<Access>::Value, bool>;
     return list;
 }
 /// An enumeration as its number.

@@ -4,6 +4,7 @@
 
 #include "KARMPEnumerations.h"
 #include "KARMPFailedCheck.h"
+#include "KARMPItemKind.h"
 #include "KARStatus.h"
 #include "QOBSharedHandle.h"
 
@@ -21,36 +22,11 @@ namespace karmp {
 
 struct Content;
 
-/// What an item holds.
-enum class ItemKind : std::uint8_t {
-    Group,          ///< Further items.
-    Number,         ///< A double.
-    Integer,        ///< An int.
-    Flag,           ///< A bool.
-    Text,           ///< A text.
-    Word,           ///< One of a table of words.
-    Code,           ///< An enumeration as its number.
-    Numbers,        ///< Several doubles, each in an element of its own name.
-    Transformation, ///< A translation and a rotation matrix.
-    OptionalNumber, ///< A flag and, when it is set, a double.
-    Reference,      ///< An entity by its identifier.
-    References,     ///< A list of entities.
-    Records,        ///< A list of groups.
-    Stream          ///< Bytes as base 64.
-};
-
 /// Where an item stands in the element that holds it.
 enum class ItemPlace : std::uint8_t {
     Element,   ///< In a child element of its name.
     Attribute, ///< In an attribute of its name.
     Inline     ///< Its numbers stand directly in the element; the name serves programs only.
-};
-
-/// What it means to a reader that an item is not there.
-enum class ItemPresence : std::uint8_t {
-    Reported, ///< A failed check; reading goes on.
-    Required, ///< A failed check that counts in the status.
-    Optional  ///< Nothing.
 };
 
 /// A value on its way between an entity and a walker. One serves many items in a row; an item uses
@@ -111,6 +87,8 @@ struct Item
     bool alwaysNamed = false;
     /// The target dies with this entity.
     bool isOwned = false;
+    /// The words are those of a bool.
+    bool isFlag = false;
     /// Any name is read for the entries of a list or of a group's children.
     bool anyName = false;
 
@@ -121,6 +99,8 @@ struct Item
     std::wstring_view until;
     /// The words of a Word, row by row; the names of Numbers; flag and number of OptionalNumber.
     std::span<const std::wstring_view> words;
+    /// Why programs cannot set the item by the table of items; empty when they can.
+    std::string_view fixedBecause;
     /// The element of each entry of References and Records.
     std::wstring_view entry;
     /// The class that targets are derived from.

@@ -11,9 +11,6 @@ namespace karmp {
 
 namespace {
 
-constexpr std::wstring_view Translation = L"Translation";
-constexpr std::wstring_view Rotation = L"Rotation";
-
 Absent AbsentOf(ItemPresence presence)
 {
     switch (presence) {
@@ -228,11 +225,11 @@ void ContentReader::ReadTransformation(const Item& item, ElementReader& element)
     else
         item.get(m_owner, m_value);
     double* const numbers = m_value.numbers.data();
-    if (ElementReader translation = child.Child(Translation, Absent::ReportAndKeep, item.where)) {
+    if (ElementReader translation = child.Child(TranslationName, Absent::ReportAndKeep, item.where)) {
         std::fill_n(numbers, VectorNames.size(), 0.0);
         ReadDoubles(VectorNames, numbers, translation, Absent::ReportAndKeep, item.where);
     }
-    if (ElementReader rotation = child.Child(Rotation, Absent::ReportAndKeep, item.where))
+    if (ElementReader rotation = child.Child(RotationName, Absent::ReportAndKeep, item.where))
         ReadDoubles(MatrixNames, numbers + VectorNames.size(), rotation, Absent::ReportAndKeep,
                     item.where);
     Store(item, element);

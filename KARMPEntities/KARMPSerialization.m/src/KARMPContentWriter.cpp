@@ -10,9 +10,6 @@ namespace karmp {
 
 namespace {
 
-constexpr std::wstring_view Translation = L"Translation";
-constexpr std::wstring_view Rotation = L"Rotation";
-
 class ContentWriter
 {
 public:
@@ -150,9 +147,9 @@ void ContentWriter::WriteTransformation(const Item& item, ElementWriter& element
     if (!child)
         return;
     const double* const numbers = m_value.numbers.data();
-    if (ElementWriter translation = child.Child(Translation, item.where))
+    if (ElementWriter translation = child.Child(TranslationName, item.where))
         WriteDoubles(VectorNames, numbers, translation, item.where);
-    if (ElementWriter rotation = child.Child(Rotation, item.where))
+    if (ElementWriter rotation = child.Child(RotationName, item.where))
         WriteDoubles(MatrixNames, numbers + VectorNames.size(), rotation, item.where);
 }
 

@@ -1,0 +1,33 @@
+// What the items of a class's content are.
+#pragma once
+
+#include <cstdint>
+
+namespace karmp {
+
+/// What an item holds.
+enum class ItemKind : std::uint8_t {
+    Group,          ///< Further items.
+    Number,         ///< A double.
+    Integer,        ///< An int.
+    Flag,           ///< A bool.
+    Text,           ///< A text.
+    Word,           ///< One of a table of words.
+    Code,           ///< An enumeration as its number.
+    Numbers,        ///< Several doubles, each in an element of its own name.
+    Transformation, ///< A translation and a rotation matrix.
+    OptionalNumber, ///< A flag and, when it is set, a double.
+    Reference,      ///< An entity by its identifier.
+    References,     ///< A list of entities.
+    Records,        ///< A list of groups.
+    Stream          ///< Bytes as base 64.
+};
+
+/// What it means to a reader that an item is not there.
+enum class ItemPresence : std::uint8_t {
+    Reported, ///< A failed check; reading goes on.
+    Required, ///< A failed check that counts in the status.
+    Optional  ///< Nothing.
+};
+
+} // namespace karmp

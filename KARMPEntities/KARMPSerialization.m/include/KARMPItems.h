@@ -1,0 +1,74 @@
+// The table of a class's items: what an entity holds, with get and set, without a tree in between.
+#pragma once
+
+#include "KARMPEntity.h"
+#include "KARMPEnumerations.h"
+#include "KARMPExport.h"
+#include "KARMPItemKind.h"
+
+#include <span>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+class QOBClassInfo;
+
+namespace karmp {
+
+struct Item;
+
+/// The value of an item. None: nothing is there. Words and codes are texts, words of a bool are
+/// bools, Numbers are as many doubles as the item has names, a Transformation is twelve doubles:
+/// translation, then the matrix by columns.
+using ItemData =
+    std::variant<std::monostate, bool, int, double, std::wstring, std::vector<double>,
+                 QOBSharedHandle<KARMPEntity>, std::vector<QOBSharedHandle<KARMPEntity>>>;
+
+/// One item of a class. All texts live as long as the library.
+struct ItemInfo
+{
+    std::wstring_view name;
+    /// The names of the groups around it and its own, parted by "/".
+    std::wstring path;
+    ItemKind kind = ItemKind::Number;
+    ItemPresence presence = ItemPresence::Reported;
+    std::wstring_view since;
+    /// One sentence on the meaning.
+    std::string_view says;
+    KARMPPhysicalQuantity::Enum quantity = KARMPPhysicalQuantity::NoPhysicalQuantity;
+    /// The words of a Word or a Code; the names of Numbers, one a double.
+    std::span<const std::wstring_view> words;
+    /// The class that targets are derived from.
+    std::string_view target;
+    /// The item of the target that refers back; empty for a link that one side knows.
+    std::wstring_view otherSide;
+    /// The target dies with the entity.
+    bool isOwned = false;
+    /// The words are those of a bool.
+    bool isFlag = false;
+    /// Why the item cannot be set; empty when it can.
+    std::string_view readOnly;
+
+    /// The item's value in an entity of the class, or of a subclass. A getter of the class that
+    /// reports is heard as usual.
+    KARMP_API ItemData Get(const KARMPEntity& entity) const;
+    /// Stores a value by the way that reading takes, so that a loader hears of it. A list takes the
+    /// entities that it does not hold yet; links are made on this side only. Returns what the
+    /// class's setter returns, and a failure without a change for a value of another kind, an
+    /// unknown word, a target of another class, none, an entry of the list that is left out, and an
+    /// item that cannot be set.
+    KARMP_API KARStatus Set(KARMPEntity& entity, const ItemData& value) const;
+
+    /// What the item is fetched and stored by; the two differ where one is written and another one
+    /// read.
+    const Item* written = nullptr;
+    const Item* read = nullptr;
+};
+
+/// The items of a class at the current version, its bases' first; empty for a class without a list.
+/// Made on first need and kept. May be called by several threads.
+KARMP_API std::span<const ItemInfo> ItemsOf(std::string_view className);
+KARMP_API std::span<const ItemInfo> ItemsOf(const QOBClassInfo& info);
+
+} // namespace karmp

@@ -1,0 +1,330 @@
+#include "KARMPItems.h"
+
+#include "KARMPContentWalk.h"
+#include "QOBClassInfo.h"
+
+#include <algorithm>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+
+namespace karmp {
+
+namespace {
+
+using Target = QOBSharedHandle<KARMPEntity>;
+using Targets = std::vector<Target>;
+
+/// The rows of a class, made from its list and those of its bases.
+class RowMaker
+{
+public:
+    std::vector<ItemInfo> Make(const Content& content)
+    {
+        AddContent(content);
+        return std::move(m_rows);
+    }
+
+private:
+    /// Sides that walk an item, by itself or by the group that holds it.
+    struct Sides
+    {
+        bool written = true;
+        bool read = true;
+    };
+
+    void AddContent(const Content& content);
+    void AddItems(std::span<const Item> items, const std::wstring& path, Sides sides);
+    void AddRow(const Item& item, const std::wstring& path, Sides sides);
+    ItemInfo* WrittenForm(const Item& read);
+
+    std::vector<ItemInfo> m_rows;
+};
+
+std::size_t DoublesOf(const Item& item)
+{
+    return item.kind == ItemKind::Transformation ? ItemValue::Capacity : item.words.size();
+}
+
+std::string_view ReasonAgainstSetting(const Item& item)
+{
+    if (!item.fixedBecause.empty())
+        return item.fixedBecause;
+    if (item.kind == ItemKind::Records)
+        return "Its entries are changed by operations of the class.";
+    if (item.set == nullptr)
+        return "The class itself writes and reads it.";
+    return {};
+}
+
+void RowMaker::AddContent(const Content& content)
+{
+    if (content.base != nullptr)
+        AddContent(content.base());
+    AddItems(content.items, {}, {});
+}
+
+void RowMaker::AddItems(std::span<const Item> items, const std::wstring& path, Sides sides)
+{
+    for (std::size_t i = 0; i < items.size(); i += 1U + items[i].inner) {
+        const Item& item = items[i];
+        // What a later version holds in another form.
+        if (!item.until.empty())
+            continue;
+        const Sides walked{sides.written && item.isWritten, sides.read && item.isRead};
+        const std::wstring ownPath = path + std::wstring(item.name);
+        if (item.kind == ItemKind::Group)
+            AddItems(items.subspan(i + 1, item.inner), ownPath + L'/', walked);
+        else
+            AddRow(item, ownPath, walked);
+    }
+}
+
+// The row that waits for the form that is read: the first one of the name, or of the same shape.
+ItemInfo* RowMaker::WrittenForm(const Item& read)
+{
+    const auto waits = [](const ItemInfo& row) { return row.read == nullptr; };
+    const auto find = [&](auto isForm) -> ItemInfo* {
+        const auto found = std::find_if(m_rows.begin(), m_rows.end(), [&](const ItemInfo& row) {
+            return waits(row) && isForm(*row.written);
+        });
+        return found != m_rows.end() ? &*found : nullptr;
+    };
+    if (ItemInfo* const row = find([&](const Item& item) { return item.name == read.name; }))
+        return row;
+    return find([&](const Item& item) {
+        return item.kind == read.kind && DoublesOf(item) == DoublesOf(read);
+    });
+}
+
+void RowMaker::AddRow(const Item& item, const std::wstring& path, Sides sides)
+{
+    if (!sides.written && sides.read) {
+        if (ItemInfo* const row = WrittenForm(item)) {
+            row->read = &item;
+            row->presence = item.presence;
+            row->readOnly = ReasonAgainstSetting(item);
+            return;
+        }
+    }
+    ItemInfo row;
+    row.name = item.name;
+    row.path = path;
+    row.kind = item.kind;
+    row.presence = item.presence;
+    row.since = item.since;
+    row.says = item.says;
+    row.quantity = item.quantity;
+    row.words = item.words;
+    if (item.target != nullptr)
+        row.target = item.target().getName();
+    row.otherSide = item.otherSide;
+    row.isOwned = item.isOwned;
+    row.isFlag = item.isFlag || item.kind == ItemKind::Flag;
+    row.written = &item;
+    if (sides.read) {
+        row.read = &item;
+        row.readOnly = ReasonAgainstSetting(item);
+    } else {
+        row.readOnly = "It is written and not read.";
+    }
+    m_rows.push_back(std::move(row));
+}
+
+Target HandleOf(const ItemValue& value)
+{
+    return Target::unchecked(value.entity);
+}
+
+std::vector<double> DoublesIn(const ItemValue& value, std::size_t count)
+{
+    return {value.numbers.data(), value.numbers.data() + count};
+}
+
+ItemData WordIn(const ItemInfo& row, const ItemValue& value)
+{
+    const auto index = static_cast<std::size_t>(value.number);
+    if (row.isFlag)
+        return value.number != 0;
+    if (index < row.words.size())
+        return std::wstring(row.words[index]);
+    return value.number;
+}
+
+ItemData EntriesIn(const Item& item, const void* owner)
+{
+    Targets entries;
+    ItemValue value;
+    const int count = item.count(owner);
+    for (int index = 0; index < count; ++index) {
+        value.entity = {};
+        if (!KARFailed(item.at(owner, index, value)))
+            entries.push_back(HandleOf(value));
+    }
+    return entries;
+}
+
+// The double, integer, text or word of a value; false when it is of another kind.
+bool TakeValue(const ItemInfo& row, const Item& item, const ItemData& data, ItemValue& value)
+{
+    const auto* const flag = std::get_if<bool>(&data);
+    const auto* const integer = std::get_if<int>(&data);
+    const auto* const number = std::get_if<double>(&data);
+    const auto* const text = std::get_if<std::wstring>(&data);
+    switch (item.kind) {
+    case ItemKind::Number:
+    case ItemKind::OptionalNumber:
+        if (number == nullptr && integer == nullptr)
+            return false;
+        value.numbers[0] = number != nullptr ? *number : static_cast<double>(*integer);
+        value.number = 1;
+        return true;
+    case ItemKind::Integer:
+        if (integer == nullptr)
+            return false;
+        value.number = *integer;
+        return true;
+    case ItemKind::Text:
+        if (text == nullptr)
+            return false;
+        value.buffer = *text;
+        value.text = value.buffer;
+        return true;
+    case ItemKind::Flag:
+        if (flag == nullptr)
+            return false;
+        value.number = *flag ? 1 : 0;
+        return true;
+    case ItemKind::Word:
+    case ItemKind::Code: {
+        if (flag != nullptr && row.isFlag) {
+            value.number = *flag ? 1 : 0;
+            return true;
+        }
+        const auto found = text != nullptr
+                               ? std::find(item.words.begin(), item.words.end(), *text)
+                               : item.words.end();
+        value.number = static_cast<int>(found - item.words.begin());
+        return found != item.words.end();
+    }
+    case ItemKind::Numbers:
+    case ItemKind::Transformation: {
+        const auto* const doubles = std::get_if<std::vector<double>>(&data);
+        if (doubles == nullptr || doubles->size() != DoublesOf(item))
+            return false;
+        std::copy(doubles->begin(), doubles->end(), value.numbers.begin());
+        return true;
+    }
+    default:
+        return false;
+    }
+}
+
+bool IsTarget(const Item& item, const Target& target)
+{
+    return target && (item.target == nullptr || target->isDerivedFrom(item.target()));
+}
+
+KARStatus SetTarget(const Item& item, void* owner, const Target& target)
+{
+    ItemValue value;
+    value.target = &target;
+    return item.set(owner, value);
+}
+
+// Adds what the list does not hold yet; an entry that is left out could not be taken away.
+KARStatus AddTargets(const Item& item, void* owner, const Targets& targets)
+{
+    const auto held = std::get<Targets>(EntriesIn(item, owner));
+    const auto isIn = [](const Targets& list, const Target& target) {
+        return std::any_of(list.begin(), list.end(),
+                           [&](const Target& entry) { return entry.get() == target.get(); });
+    };
+    const bool isWhole = std::all_of(held.begin(), held.end(),
+                                     [&](const Target& entry) { return isIn(targets, entry); });
+    const bool areTargets = std::all_of(targets.begin(), targets.end(),
+                                        [&](const Target& entry) { return IsTarget(item, entry); });
+    if (!isWhole || !areTargets)
+        return KARFailure;
+    for (const Target& target : targets) {
+        if (isIn(held, target))
+            continue;
+        if (const KARStatus status = SetTarget(item, owner, target); KARFailed(status))
+            return status;
+    }
+    return KARSuccess;
+}
+
+} // namespace
+
+ItemData ItemInfo::Get(const KARMPEntity& entity) const
+{
+    const void* const owner = &entity;
+    if (kind == ItemKind::References && written->count != nullptr)
+        return EntriesIn(*written, owner);
+    ItemValue value;
+    if (written->get == nullptr || KARFailed(written->get(owner, value)))
+        return {};
+    switch (kind) {
+    case ItemKind::Number:
+        return value.numbers[0];
+    case ItemKind::OptionalNumber:
+        return value.number != 0 ? ItemData(value.numbers[0]) : ItemData();
+    case ItemKind::Integer:
+        return value.number;
+    case ItemKind::Flag:
+        return value.number != 0;
+    case ItemKind::Text:
+        return std::wstring(value.text);
+    case ItemKind::Word:
+    case ItemKind::Code:
+        return WordIn(*this, value);
+    case ItemKind::Numbers:
+    case ItemKind::Transformation:
+        return DoublesIn(value, DoublesOf(*written));
+    case ItemKind::Reference:
+        return value.entity ? ItemData(HandleOf(value)) : ItemData();
+    default:
+        return {};
+    }
+}
+
+KARStatus ItemInfo::Set(KARMPEntity& entity, const ItemData& data) const
+{
+    if (!readOnly.empty())
+        return KARFailure;
+    void* const owner = &entity;
+    if (kind == ItemKind::Reference) {
+        const auto* const target = std::get_if<Target>(&data);
+        return target != nullptr && IsTarget(*read, *target) ? SetTarget(*read, owner, *target)
+                                                             : KARFailure;
+    }
+    if (kind == ItemKind::References) {
+        const auto* const targets = std::get_if<Targets>(&data);
+        return targets != nullptr ? AddTargets(*read, owner, *targets) : KARFailure;
+    }
+    ItemValue value;
+    return TakeValue(*this, *read, data, value) ? read->set(owner, value) : KARFailure;
+}
+
+std::span<const ItemInfo> ItemsOf(std::string_view className)
+{
+    static std::mutex mutex;
+    static std::map<std::string, std::vector<ItemInfo>, std::less<>> made;
+    const Content* const content = FindContent(className);
+    if (content == nullptr)
+        return {};
+    const std::lock_guard lock(mutex);
+    auto found = made.find(className);
+    if (found == made.end())
+        found = made.emplace(className, RowMaker().Make(*content)).first;
+    return found->second;
+}
+
+std::span<const ItemInfo> ItemsOf(const QOBClassInfo& info)
+{
+    return ItemsOf(info.getName());
+}
+
+} // namespace karmp
