@@ -86,9 +86,9 @@ ItemInfo* RowMaker::WrittenForm(const Item& read)
 {
     const auto waits = [](const ItemInfo& row) { return row.read == nullptr; };
     const auto find = [&](auto isForm) -> ItemInfo* {
-        const auto found = std::find_if(m_rows.begin(), m_rows.end(), [&](const ItemInfo& row) {
-            return waits(row) && isForm(*row.written);
-        });
+        const auto found = std::find_if(
+            m_rows.begin(), m_rows.end(),
+            [&](const ItemInfo& row) { return waits(row) && isForm(*row.written); });
         return found != m_rows.end() ? &*found : nullptr;
     };
     if (ItemInfo* const row = find([&](const Item& item) { return item.name == read.name; }))
@@ -202,9 +202,8 @@ bool TakeValue(const ItemInfo& row, const Item& item, const ItemData& data, Item
             value.number = *flag ? 1 : 0;
             return true;
         }
-        const auto found = text != nullptr
-                               ? std::find(item.words.begin(), item.words.end(), *text)
-                               : item.words.end();
+        const auto found = text != nullptr ? std::find(item.words.begin(), item.words.end(), *text)
+                                           : item.words.end();
         value.number = static_cast<int>(found - item.words.begin());
         return found != item.words.end();
     }
@@ -238,11 +237,12 @@ KARStatus AddTargets(const Item& item, void* owner, const Targets& targets)
 {
     const auto held = std::get<Targets>(EntriesIn(item, owner));
     const auto isIn = [](const Targets& list, const Target& target) {
-        return std::any_of(list.begin(), list.end(),
-                           [&](const Target& entry) { return entry.get() == target.get(); });
+        return std::any_of(
+            list.begin(), list.end(),
+            [&](const Target& entry) { return entry.get() == target.get(); });
     };
-    const bool isWhole = std::all_of(held.begin(), held.end(),
-                                     [&](const Target& entry) { return isIn(targets, entry); });
+    const bool isWhole = std::all_of(
+        held.begin(), held.end(), [&](const Target& entry) { return isIn(targets, entry); });
     const bool areTargets = std::all_of(targets.begin(), targets.end(),
                                         [&](const Target& entry) { return IsTarget(item, entry); });
     if (!isWhole || !areTargets)
@@ -296,8 +296,8 @@ KARStatus ItemInfo::Set(KARMPEntity& entity, const ItemData& data) const
         return KARFailure;
     void* const owner = &entity;
     if (kind == ItemKind::Reference) {
-        const auto* const target = std::get_if<Target>(&data);
-        return target != nullptr && IsTarget(*read, *target) ? SetTarget(*read, owner, *target)
+        const auto* const handle = std::get_if<Target>(&data);
+        return handle != nullptr && IsTarget(*read, *handle) ? SetTarget(*read, owner, *handle)
                                                              : KARFailure;
     }
     if (kind == ItemKind::References) {

@@ -308,8 +308,8 @@ const SchemaItem* SchemaOf(std::string_view className)
     const std::lock_guard lock(mutex);
     auto found = made.find(className);
     if (found == made.end())
-        found = made.emplace(className, std::make_unique<const SchemaItem>(
-                                            SchemaMaker().Make(*content)))
+        found = made.emplace(className,
+                             std::make_unique<const SchemaItem>(SchemaMaker().Make(*content)))
                     .first;
     return found->second.get();
 }
