@@ -44,100 +44,40 @@ bool IsBlank(std::wstring_view text)
     return text.find_first_not_of(L" \t\r\n") == std::wstring_view::npos;
 }
 
-bool IsDigit(wchar_t character)
+bool IsFlag(const KARMPDocumentReader& node, std::wstring_view attribute)
 {
-    return character >= L'0' && character <= L'9';
+    bool flag = false;
+    return !KARFailed(attribute.empty() ? node.GetValue(flag) : node.GetAttribute(attribute, flag));
 }
 
-std::size_t SkipDigits(std::wstring_view text, std::size_t place)
-{
-    while (place < text.size() && IsDigit(text[place]))
-        ++place;
-    return place;
-}
-
-std::size_t SkipSign(std::wstring_view text, std::size_t place)
-{
-    return place < text.size() && (text[place] == L'-' || text[place] == L'+') ? place + 1 : place;
-}
-
-// The whole text is a decimal int.
-bool IsPlainInteger(std::wstring_view text)
-{
-    const std::size_t first = SkipSign(text, 0);
-    return first < text.size() && SkipDigits(text, first) == text.size();
-}
-
-// The whole text is a decimal number.
-bool IsPlainNumber(std::wstring_view text)
-{
-    const std::size_t first = SkipSign(text, 0);
-    std::size_t place = SkipDigits(text, first);
-    std::size_t digits = place - first;
-    if (place < text.size() && (text[place] == L'.' || text[place] == L',')) {
-        const std::size_t end = SkipDigits(text, place + 1);
-        digits += end - place - 1;
-        place = end;
-    }
-    if (digits > 0 && place < text.size() && (text[place] == L'e' || text[place] == L'E')) {
-        const std::size_t exponent = SkipSign(text, place + 1);
-        place = SkipDigits(text, exponent);
-        digits = place > exponent ? digits : 0;
-    }
-    return digits > 0 && place == text.size();
-}
-
-// Anything else that reads as a number to its end: blanks around, hexadecimal, "inf" and "nan".
-bool IsOtherNumber(std::wstring_view text)
-{
-    static constexpr std::wstring_view letters = L"0123456789abcdefABCDEFxXpP+-.,infatyINFATY \t\n";
-    return text.find_first_not_of(letters) == std::wstring_view::npos;
-}
-
-bool IsBool(std::wstring_view text)
-{
-    static constexpr std::wstring_view forms[] = {L"true",  L"false", L"1",   L"0",  L"TRUE",
-                                                  L"FALSE", L"yes",   L"YES", L"no", L"NO"};
-    return std::find(std::begin(forms), std::end(forms), text) != std::end(forms);
-}
-
-// The message on a text that is not of its kind; empty when it is.
-std::string FaultOf(const Item& item, std::wstring_view text, Severity& severity)
+// The message on a text, of an element or of its attribute, that is not of its kind; empty when it
+// is.
+std::string FaultOf(const SchemaItem& item, const KARMPDocumentReader& node,
+                    std::wstring_view attribute, std::wstring_view text, Severity& severity)
 {
     severity = Severity::Error;
-    double number = 0;
-    int integer = 0;
     switch (item.kind) {
-    case Kind::Number:
-        if (IsPlainNumber(text))
-            return {};
-        if (kar::ScanDouble(text, number, kar::DecimalMark::PointOrComma) != 1)
-            return Quoted(text) + " is no number";
-        severity = Severity::Warning;
-        return IsOtherNumber(text) ? std::string()
-                                   : "only the beginning of " + Quoted(text) + " is a number";
-    case Kind::Integer:
-        if (kar::ScanInt(text, integer) != 1)
-            return Quoted(text) + " is no whole number";
-        severity = Severity::Warning;
-        return IsPlainInteger(text)
-                   ? std::string()
-                   : "only the beginning of " + Quoted(text) + " is a whole number";
-    case Kind::Bool:
-        return IsBool(text) ? std::string() : Quoted(text) + " is neither true nor false";
-    case Kind::Word:
+    case ItemKind::Number:
+        return kar::IsNumber(text, kar::DecimalMark::PointOrComma) ? std::string()
+                                                                   : Quoted(text) + " is no number";
+    case ItemKind::Integer:
+    case ItemKind::Code:
+        return kar::IsInteger(text) ? std::string() : Quoted(text) + " is no whole number";
+    case ItemKind::Flag:
+        return IsFlag(node, attribute) ? std::string()
+                                       : Quoted(text) + " is neither true nor false";
+    case ItemKind::Word:
         severity = Severity::Warning;
         if (std::find(item.words.begin(), item.words.end(), text) != item.words.end())
             return {};
         return Quoted(text) + " is none of the words that are known here";
-    case Kind::Group:
-    case Kind::Reference:
+    case ItemKind::Group:
+    case ItemKind::Reference:
         severity = Severity::Warning;
         return IsBlank(text) ? std::string() : "the text " + Quoted(text) + " is not read";
-    case Kind::Text:
-        break;
+    default:
+        return {};
     }
-    return {};
 }
 
 } // namespace
@@ -149,16 +89,7 @@ DocumentChecker::DocumentChecker(const KARMPDocumentReader& root, Messages& mess
 void DocumentChecker::Run()
 {
     CollectIdentifiers();
-    static const Item rootItem = [] {
-        Item item;
-        item.name = WideRootName;
-        item.attributes.resize(1);
-        item.attributes[0].name = VersionName;
-        item.attributes[0].kind = Kind::Text;
-        item.elements.push_back(WorldItem());
-        return item;
-    }();
-    CheckElement(m_root, rootItem);
+    CheckElement(m_root, RootItem());
     while (!m_frames.empty()) {
         Frame& frame = m_frames.back();
         if (frame.next == frame.end)
@@ -206,7 +137,7 @@ void DocumentChecker::Identify(const Node& entity)
     if (!number)
         return;
     const Class& type = ClassOf(entity.Id());
-    m_links.Collect(*number, entity, type.lineage, m_identifiers);
+    m_links.Collect(*number, entity, type.sides, m_identifiers);
     m_identified.resize(std::max<std::size_t>(m_identified.size(), m_identifiers.Count()));
     Identified& identified = m_identified[*number];
     if (identified.node != nullptr) {
@@ -232,7 +163,9 @@ const DocumentChecker::Class& DocumentChecker::ClassOf(std::wstring_view element
         for (const QOBClassInfo* info = &sample->getClassInfo(); info != nullptr;
              info = info->getParent())
             type.lineage.push_back(info->getName());
-        type.item = EntityItem(element);
+        type.item = SchemaOf(name);
+        if (type.item != nullptr)
+            type.sides = m_links.SidesOf(*type.item);
     }
     return type;
 }
@@ -243,7 +176,7 @@ bool DocumentChecker::IsA(const Class& type, std::string_view className)
 }
 
 // False, with nothing to check, when there are no children and none can be missing.
-bool DocumentChecker::Push(const Node& node, const Item* item, const Family* family)
+bool DocumentChecker::Push(const Node& node, const SchemaItem* item, const Family* family)
 {
     const std::size_t begin = m_pending.size();
     node.AppendOrderedElements(m_pending);
@@ -258,8 +191,8 @@ void DocumentChecker::Pop()
     const Frame frame = m_frames.back();
     if (frame.item != nullptr) {
         for (std::size_t index = 0; index < frame.item->elements.size(); ++index) {
-            const Item& item = frame.item->elements[index];
-            if (item.presence != Presence::Optional && Applies(item) &&
+            const SchemaItem& item = frame.item->elements[index];
+            if (item.presence != ItemPresence::Optional && Applies(item) &&
                 (frame.seen >> index & 1U) == 0)
                 TellMissing(*frame.node, item, Code::MissingElement, "element");
         }
@@ -268,12 +201,6 @@ void DocumentChecker::Pop()
     m_pending.resize(frame.begin);
     if (m_frames.size() == EntityDepth && m_frames.back().family != nullptr)
         NodeBuilder::EndReading(*frame.node);
-}
-
-bool DocumentChecker::Applies(const Item& item) const
-{
-    return (item.since.empty() || m_version >= item.since) &&
-           (item.until.empty() || m_version < item.until);
 }
 
 void DocumentChecker::CheckChild(const Node& child)
@@ -287,21 +214,21 @@ void DocumentChecker::CheckChild(const Node& child)
             NodeBuilder::EndReading(child);
     } else if (frame.item == nullptr) {
         CheckUnknownContent(child);
-    } else if (const Item* const item = FindElement(frame, child)) {
+    } else if (const SchemaItem* const item = FindElement(frame, child)) {
         CheckElement(child, *item);
     }
 }
 
 // Finds what an element is and tells when it is nothing, or there for a second time.
-const Item* DocumentChecker::FindElement(Frame& frame, const Node& child)
+const SchemaItem* DocumentChecker::FindElement(Frame& frame, const Node& child)
 {
-    const std::vector<Item>& items = frame.item->elements;
+    const std::vector<SchemaItem>& items = frame.item->elements;
     const std::wstring_view name = child.Id();
     bool otherVersion = false;
     for (std::size_t step = 0; step < items.size(); ++step) {
         std::size_t index = frame.likely + step;
         index = index < items.size() ? index : index - items.size();
-        const Item& item = items[index];
+        const SchemaItem& item = items[index];
         if (item.name != name && !item.anyName)
             continue;
         if (!Applies(item)) {
@@ -328,19 +255,13 @@ const Item* DocumentChecker::FindElement(Frame& frame, const Node& child)
     return nullptr;
 }
 
-void DocumentChecker::CheckElement(const Node& node, const Item& item)
+void DocumentChecker::CheckElement(const Node& node, const SchemaItem& item)
 {
     CheckAttributes(node, item);
     CheckText(node, item, TextOf(node), {});
-    if (item.kind == Kind::Reference)
+    if (item.kind == ItemKind::Reference)
         CheckReference(node, &item);
-    const Family* family = nullptr;
-    if (m_frames.size() == 2 && item.kind == Kind::Group) {
-        const auto found =
-            std::find_if(Families().begin(), Families().end(),
-                         [&item](const Family& entry) { return entry.element == item.name; });
-        family = found != Families().end() ? &*found : nullptr;
-    }
+    const Family* const family = m_frames.size() == 2 ? FamilyOf(item) : nullptr;
     Push(node, &item, family);
 }
 
@@ -372,14 +293,15 @@ void DocumentChecker::CheckUnknownContent(const Node& node)
         CheckReference(node, nullptr);
 }
 
-void DocumentChecker::CheckAttributes(const Node& node, const Item& item)
+void DocumentChecker::CheckAttributes(const Node& node, const SchemaItem& item)
 {
     std::uint64_t seen = 0;
-    const std::vector<Item>& items = item.attributes;
+    const std::vector<SchemaItem>& items = item.attributes;
     for (std::size_t index = 0; index < node.GetAttributeCount(); ++index) {
         const std::wstring_view name = node.GetAttributeId(index);
-        const auto found = std::find_if(items.begin(), items.end(),
-                                        [name](const Item& entry) { return entry.name == name; });
+        const auto found =
+            std::find_if(items.begin(), items.end(),
+                         [name](const SchemaItem& entry) { return entry.name == name; });
         if (found == items.end()) {
             Tell(Severity::Warning, Code::UnknownAttribute, node,
                  "nothing reads the attribute " + Quoted(name), name);
@@ -390,32 +312,32 @@ void DocumentChecker::CheckAttributes(const Node& node, const Item& item)
             Tell(Severity::Warning, Code::OtherVersion, node,
                  "the attribute " + Quoted(name) + " is not read at the version of the document",
                  name);
-        } else if (found->kind != Kind::Text) {
+        } else if (found->kind != ItemKind::Text) {
             karmp::ReadText text;
             node.GetAttribute(name, text);
             CheckText(node, *found, text.View(), name);
         }
     }
     for (std::size_t index = 0; index < items.size(); ++index) {
-        const Item& entry = items[index];
-        if (entry.presence != Presence::Optional && (seen >> index & 1U) == 0 && Applies(entry))
+        const SchemaItem& entry = items[index];
+        if (entry.presence != ItemPresence::Optional && (seen >> index & 1U) == 0 && Applies(entry))
             TellMissing(node, entry, Code::MissingAttribute, "attribute");
     }
 }
 
-void DocumentChecker::CheckText(const Node& node, const Item& item, std::wstring_view text,
+void DocumentChecker::CheckText(const Node& node, const SchemaItem& item, std::wstring_view text,
                                 std::wstring_view attribute)
 {
     Severity severity{};
-    std::string fault = FaultOf(item, text, severity);
+    std::string fault = FaultOf(item, node, attribute, text, severity);
     if (!fault.empty()) {
-        const bool unread = item.kind == Kind::Group || item.kind == Kind::Reference;
+        const bool unread = item.kind == ItemKind::Group || item.kind == ItemKind::Reference;
         Tell(severity, unread ? Code::UnexpectedText : Code::InvalidValue, node, std::move(fault),
              attribute);
     }
 }
 
-void DocumentChecker::CheckReference(const Node& node, const Item* item)
+void DocumentChecker::CheckReference(const Node& node, const SchemaItem* item)
 {
     const std::optional<std::uint32_t> target = m_identifiers.Of(node);
     if (!target)
@@ -448,13 +370,13 @@ void DocumentChecker::CheckCounterpart(const Node& node, std::uint32_t target)
         return;
     const Node& entity = *m_frames[EntityDepth].node;
     const Node& named = m_frames.size() == EntityDepth + 1 ? node : *m_frames.back().node;
-    if (m_links.IsOneSided(m_entity, ClassOf(entity.Id()).lineage, named.Id(), target)) {
+    if (m_links.IsOneSided(m_entity, ClassOf(entity.Id()).sides, named.Id(), target)) {
         Tell(Severity::Warning, Code::OneSidedLink, node,
              "the entity " + Quoted(IdentifierOf(node)) + " does not refer back", L"id");
     }
 }
 
-void DocumentChecker::TellMissing(const Node& node, const Item& item, Code code,
+void DocumentChecker::TellMissing(const Node& node, const SchemaItem& item, Code code,
                                   std::string_view what)
 {
     std::string text = "the ";
@@ -462,7 +384,7 @@ void DocumentChecker::TellMissing(const Node& node, const Item& item, Code code,
     text += ' ';
     text += Quoted(item.name);
     text += " is missing";
-    Tell(item.presence == Presence::Required ? Severity::Error : Severity::Warning, code, node,
+    Tell(item.presence == ItemPresence::Required ? Severity::Error : Severity::Warning, code, node,
          std::move(text));
 }
 

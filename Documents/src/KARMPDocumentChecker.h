@@ -37,7 +37,9 @@ private:
     {
         /// The class and those above it; empty when there is no such class.
         std::vector<std::string> lineage;
-        const Item* item = nullptr;
+        const SchemaItem* item = nullptr;
+        /// The links that both ends must have.
+        std::vector<LinkSide> sides;
     };
     /// The entity that carries an identifier, if there is one.
     struct Identified
@@ -50,7 +52,7 @@ private:
     {
         const Node* node;
         /// Null below what is not known here.
-        const Item* item;
+        const SchemaItem* item;
         /// The family when the element is its list.
         const Family* family;
         /// The element's children among all pending ones.
@@ -70,20 +72,20 @@ private:
     const Class& ClassOf(std::wstring_view element);
     static bool IsA(const Class& type, std::string_view className);
 
-    bool Push(const Node& node, const Item* item, const Family* family);
+    bool Push(const Node& node, const SchemaItem* item, const Family* family);
     void Pop();
     void CheckChild(const Node& child);
     void CheckEntity(const Node& entity, const Family& family);
     void CheckUnknownContent(const Node& node);
-    const Item* FindElement(Frame& frame, const Node& child);
-    bool Applies(const Item& item) const;
-    void CheckElement(const Node& node, const Item& item);
-    void CheckAttributes(const Node& node, const Item& item);
-    void CheckText(const Node& node, const Item& item, std::wstring_view text,
+    const SchemaItem* FindElement(Frame& frame, const Node& child);
+    bool Applies(const SchemaItem& item) const { return item.Applies(m_version); }
+    void CheckElement(const Node& node, const SchemaItem& item);
+    void CheckAttributes(const Node& node, const SchemaItem& item);
+    void CheckText(const Node& node, const SchemaItem& item, std::wstring_view text,
                    std::wstring_view attribute);
-    void CheckReference(const Node& node, const Item* item);
+    void CheckReference(const Node& node, const SchemaItem* item);
     void CheckCounterpart(const Node& node, std::uint32_t target);
-    void TellMissing(const Node& node, const Item& item, Code code, std::string_view what);
+    void TellMissing(const Node& node, const SchemaItem& item, Code code, std::string_view what);
     void Tell(Severity severity, Code code, const Node& node, std::string text,
               std::wstring_view attribute = {});
     std::string Path(const Node& node, std::wstring_view attribute) const;

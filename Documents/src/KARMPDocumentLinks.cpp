@@ -1,54 +1,53 @@
 #include "KARMPDocumentLinks.h"
 
 #include <algorithm>
-#include <iterator>
 
 namespace karmp::documents {
 
 namespace {
 
-/// One side of a link: the class that refers, under which element, and whether that is a list.
-struct Side
+// The reference that an element is or, as a list, holds; null for any other element.
+const SchemaItem* ReferenceOf(const SchemaItem& element)
 {
-    std::string_view className;
-    std::wstring_view element;
-    bool isList;
-};
-
-/// Each side stands beside its counterpart: 0 and 1, 2 and 3, and so on.
-constexpr Side Sides[] = {
-    {"KARMPBody", L"Geometries", true},      {"KARMPGeometry", L"Body", false},
-    {"KARMPBody", L"Joints", true},          {"KARMPJoint", L"Bodies", true},
-    {"KARMPGeometry", L"Constraints", true}, {"KARMPConstraint", L"Geometries", true},
-    {"KARMPVariable", L"Constraints", true}, {"KARMPConstraint", L"Variables", true},
-    {"KARMPJoint", L"Constraints", true},    {"KARMPConstraint", L"Joint", false}};
-
-std::size_t CounterpartOf(std::size_t side)
-{
-    return side ^ 1U;
-}
-
-bool IsA(const std::vector<std::string>& lineage, std::string_view className)
-{
-    return std::find(lineage.begin(), lineage.end(), className) != lineage.end();
+    if (element.kind == ItemKind::Reference)
+        return &element;
+    const bool isList = element.kind == ItemKind::Group && element.elements.size() == 1 &&
+                        element.elements[0].kind == ItemKind::Reference;
+    return isList ? &element.elements[0] : nullptr;
 }
 
 } // namespace
 
-void DocumentLinks::Collect(std::uint32_t owner, const KARMPDeserializer& entity,
-                            const std::vector<std::string>& lineage, Identifiers& identifiers)
+std::uint32_t DocumentLinks::NumberOf(std::wstring_view name)
 {
-    const auto note = [&](const KARMPDeserializer& reference, std::size_t side) {
+    const auto next = static_cast<std::uint32_t>(m_names.size());
+    return m_names.try_emplace(name, next).first->second;
+}
+
+std::vector<LinkSide> DocumentLinks::SidesOf(const SchemaItem& entityClass)
+{
+    std::vector<LinkSide> sides;
+    for (const SchemaItem& element : entityClass.elements) {
+        const SchemaItem* const reference = ReferenceOf(element);
+        if (reference != nullptr && !reference->otherSide.empty())
+            sides.push_back({element.name, reference != &element, NumberOf(element.name),
+                             NumberOf(reference->otherSide)});
+    }
+    return sides;
+}
+
+void DocumentLinks::Collect(std::uint32_t owner, const KARMPDeserializer& entity,
+                            const std::vector<LinkSide>& sides, Identifiers& identifiers)
+{
+    const auto note = [&](const KARMPDeserializer& reference, const LinkSide& side) {
         if (const auto target = identifiers.Of(reference))
-            m_links.push_back({owner, *target, static_cast<std::uint32_t>(side)});
+            m_links.push_back({owner, *target, side.name});
     };
-    for (std::size_t side = 0; side < std::size(Sides); ++side) {
-        if (!IsA(lineage, Sides[side].className))
-            continue;
-        const KARMPDeserializer::ElementSpan found = entity.ElementsNamed(Sides[side].element);
+    for (const LinkSide& side : sides) {
+        const KARMPDeserializer::ElementSpan found = entity.ElementsNamed(side.element);
         if (found.empty())
             continue;
-        if (!Sides[side].isList) {
+        if (!side.isList) {
             note(*found.front(), side);
             continue;
         }
@@ -65,18 +64,16 @@ void DocumentLinks::Sort()
 }
 
 bool DocumentLinks::IsOneSided(std::optional<std::uint32_t> owner,
-                               const std::vector<std::string>& lineage, std::wstring_view element,
+                               const std::vector<LinkSide>& sides, std::wstring_view element,
                                std::uint32_t target) const
 {
-    for (std::size_t side = 0; side < std::size(Sides); ++side) {
-        if (Sides[side].element == element && IsA(lineage, Sides[side].className)) {
-            if (!owner)
-                return true;
-            const Link back{target, *owner, static_cast<std::uint32_t>(CounterpartOf(side))};
-            return !std::binary_search(m_links.begin(), m_links.end(), back);
-        }
-    }
-    return false;
+    const auto side = std::find_if(sides.begin(), sides.end(), [element](const LinkSide& entry) {
+        return entry.element == element;
+    });
+    if (side == sides.end())
+        return false;
+    return !owner || !std::binary_search(m_links.begin(), m_links.end(),
+                                         Link{target, *owner, side->otherName});
 }
 
 } // namespace karmp::documents

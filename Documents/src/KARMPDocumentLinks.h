@@ -3,48 +3,64 @@
 
 #include "KARMPDeserializer.h"
 #include "KARMPIdentifiers.h"
+#include "KARMPSchema.h"
 
 #include <cstdint>
 #include <optional>
-#include <string>
 #include <string_view>
 #include <tuple>
+#include <unordered_map>
 #include <vector>
 
 namespace karmp::documents {
+
+/// One side of a link: the element that refers, which may be a list, and the numbers of the names
+/// of this item and of the target's that refers back.
+struct LinkSide
+{
+    std::wstring_view element;
+    bool isList;
+    std::uint32_t name;
+    std::uint32_t otherName;
+};
 
 /// Collects the references of a document's entities and tells which of them lack their counterpart.
 class DocumentLinks
 {
 public:
-    /// Notes all references of an entity that have counterparts. `lineage` holds the names of its
-    /// class and those above it.
+    /// The items of a class that have counterparts.
+    std::vector<LinkSide> SidesOf(const SchemaItem& entityClass);
+
+    /// Notes all references of an entity that have counterparts. `sides` are those of its class.
     void Collect(std::uint32_t owner, const KARMPDeserializer& entity,
-                 const std::vector<std::string>& lineage, Identifiers& identifiers);
+                 const std::vector<LinkSide>& sides, Identifiers& identifiers);
     /// Ends the collecting; before that nothing can be asked.
     void Sort();
 
-    /// True when the entity of the number `owner` refers to `target` under an element, or as an
-    /// item of a list of that name, and `target` should refer back but does not. Nothing can refer
-    /// back to an entity without an identifier.
-    bool IsOneSided(std::optional<std::uint32_t> owner, const std::vector<std::string>& lineage,
+    /// True when the entity of the number `owner`, of a class with the sides, refers to `target`
+    /// under an element, or as an item of a list of that name, and `target` should refer back but
+    /// does not. Nothing can refer back to an entity without an identifier.
+    bool IsOneSided(std::optional<std::uint32_t> owner, const std::vector<LinkSide>& sides,
                     std::wstring_view element, std::uint32_t target) const;
 
 private:
-    /// One direction of a link: the owner of the reference, its target, and which kind of link.
+    /// One direction of a link: the owner of the reference, its target, and the item's name.
     struct Link
     {
         std::uint32_t owner;
         std::uint32_t target;
-        std::uint32_t kind;
+        std::uint32_t name;
 
         bool operator<(const Link& other) const
         {
-            return std::tie(owner, target, kind) < std::tie(other.owner, other.target, other.kind);
+            return std::tie(owner, target, name) < std::tie(other.owner, other.target, other.name);
         }
     };
 
+    std::uint32_t NumberOf(std::wstring_view name);
+
     std::vector<Link> m_links;
+    std::unordered_map<std::wstring_view, std::uint32_t> m_names;
 };
 
 } // namespace karmp::documents

@@ -1,7 +1,9 @@
 // What the items of a class's content are.
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <string_view>
 
 namespace karmp {
 
@@ -29,5 +31,9 @@ enum class ItemPresence : std::uint8_t {
     Required, ///< A failed check that counts in the status.
     Optional  ///< Nothing.
 };
+
+/// The texts of a Flag that is true, and of one that is false.
+inline constexpr std::array<std::string_view, 5> TrueForms{"1", "true", "TRUE", "yes", "YES"};
+inline constexpr std::array<std::string_view, 5> FalseForms{"0", "false", "FALSE", "no", "NO"};
 
 } // namespace karmp

@@ -5,6 +5,7 @@
 #include "KARMPEnumerations.h"
 #include "KARMPExport.h"
 #include "KARMPItemKind.h"
+#include "KARMPVersions.h"
 
 #include <string_view>
 #include <vector>
@@ -48,7 +49,11 @@ struct SchemaItem
     bool isRead = true;
 
     /// True when a document of the version holds the item.
-    KARMP_API bool Applies(std::wstring_view version) const;
+    bool Applies(std::wstring_view version) const
+    {
+        return (since.empty() || AtLeast(version, since)) &&
+               (until.empty() || !AtLeast(version, until));
+    }
 };
 
 /// The element of a class with what its bases hold, theirs first; null for a class without a list.

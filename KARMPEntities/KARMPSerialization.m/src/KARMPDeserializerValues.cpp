@@ -2,6 +2,7 @@
 #include "KARMPDeserializer.h"
 
 #include "KARMPFailedCheck.h"
+#include "KARMPItemKind.h"
 #include "KARMPNodeSource.h"
 #include "KARTextConversion.h"
 
@@ -27,12 +28,10 @@ bool Equals(std::basic_string_view<Char> text, std::string_view ascii)
 template <class Char>
 std::optional<bool> BoolOf(std::basic_string_view<Char> text)
 {
-    constexpr std::array<std::string_view, 5> trueForms{"1", "true", "TRUE", "yes", "YES"};
-    constexpr std::array<std::string_view, 5> falseForms{"0", "false", "FALSE", "no", "NO"};
     const auto isText = [text](std::string_view form) { return Equals(text, form); };
-    if (std::any_of(trueForms.begin(), trueForms.end(), isText))
+    if (std::any_of(karmp::TrueForms.begin(), karmp::TrueForms.end(), isText))
         return true;
-    if (std::any_of(falseForms.begin(), falseForms.end(), isText))
+    if (std::any_of(karmp::FalseForms.begin(), karmp::FalseForms.end(), isText))
         return false;
     return std::nullopt;
 }

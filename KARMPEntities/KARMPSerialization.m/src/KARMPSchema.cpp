@@ -292,12 +292,6 @@ SchemaItem SchemaMaker::Make(const Content& content) const
 
 } // namespace
 
-bool SchemaItem::Applies(std::wstring_view version) const
-{
-    return (since.empty() || AtLeast(version, since)) &&
-           (until.empty() || !AtLeast(version, until));
-}
-
 const SchemaItem* SchemaOf(std::string_view className)
 {
     static std::mutex mutex;

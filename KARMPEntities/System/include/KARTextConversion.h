@@ -43,4 +43,10 @@ KAR_API int ScanInt(std::wstring_view text, int& value);
 /// The same from narrow text.
 KAR_API int ScanInt(std::string_view text, int& value);
 
+/// True when all of a text, but blanks around it, is one decimal number that a double can hold, an
+/// infinity or a NaN. Hexadecimal numbers, which the scan takes, and too large ones are none.
+KAR_API bool IsNumber(std::wstring_view text, DecimalMark mark = DecimalMark::Point);
+/// True when all of a text, but blanks around it, is one decimal int.
+KAR_API bool IsInteger(std::wstring_view text);
+
 } // namespace kar

@@ -1,6 +1,7 @@
 #include "KARTextConversion.h"
 
 #include <charconv>
+#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <system_error>
@@ -53,6 +54,7 @@ public:
         return ascii ? static_cast<char>(character) : '\0';
     }
     void Skip(std::size_t count = 1) { m_position += count; }
+    bool IsAtEnd() const { return m_position >= m_text.size(); }
 
     void SkipBlanks()
     {
@@ -203,6 +205,18 @@ bool TakeNumber(Reader<Char>& reader, DecimalMark mark, double& value)
     return true;
 }
 
+// Takes "inf" or "nan"; false when there is neither, or a word that is begun and not complete.
+template <typename Char>
+bool TakeNamedNumber(Reader<Char>& reader, double& value)
+{
+    if (reader.TakeWord("inf")) {
+        value = std::numeric_limits<double>::infinity();
+        return reader.Peek() != 'i' || reader.TakeWord("inity");
+    }
+    value = std::numeric_limits<double>::quiet_NaN();
+    return reader.TakeWord("nan");
+}
+
 template <typename Char>
 int ScanAnyDouble(std::basic_string_view<Char> text, double& value, DecimalMark mark)
 {
@@ -210,16 +224,9 @@ int ScanAnyDouble(std::basic_string_view<Char> text, double& value, DecimalMark 
     reader.SkipBlanks();
     const bool negative = reader.TakeSign();
     double size = 0.0;
-    if (reader.TakeWord("inf")) {
-        // A word begun beyond "inf" must be complete.
-        if (reader.Peek() == 'i' && !reader.TakeWord("inity"))
-            return 0;
-        size = std::numeric_limits<double>::infinity();
-    } else if (reader.TakeWord("nan")) {
-        size = std::numeric_limits<double>::quiet_NaN();
-    } else if (!TakeNumber(reader, mark, size)) {
+    const bool isNamed = reader.Peek() == 'i' || reader.Peek() == 'n';
+    if (!(isNamed ? TakeNamedNumber(reader, size) : TakeNumber(reader, mark, size)))
         return 0;
-    }
     value = negative ? -size : size;
     return 1;
 }
@@ -243,7 +250,49 @@ int ScanAnyInt(std::basic_string_view<Char> text, int& value)
     return 1;
 }
 
+// Takes a decimal number that a double can hold.
+template <typename Char>
+bool TakeDecimal(Reader<Char>& reader, DecimalMark mark)
+{
+    NumberText number;
+    if (!TakeMantissa(reader, Decimal, mark, number).hasDigit)
+        return false;
+    const std::size_t mantissa = number.View().size();
+    TakeExponent(reader, Decimal.exponentMark, number);
+    // Fewer digits without an exponent fit for sure.
+    const bool isSmall =
+        number.View().size() == mantissa && mantissa <= std::numeric_limits<double>::max_exponent10;
+    return isSmall || !std::isinf(ValueOf(number.View(), Decimal));
+}
+
 } // namespace
+
+bool IsNumber(std::wstring_view text, DecimalMark mark)
+{
+    Reader<wchar_t> reader(text);
+    reader.SkipBlanks();
+    reader.TakeSign();
+    double value = 0.0;
+    const bool isNamed = reader.Peek() == 'i' || reader.Peek() == 'n';
+    if (!(isNamed ? TakeNamedNumber(reader, value) : TakeDecimal(reader, mark)))
+        return false;
+    reader.SkipBlanks();
+    return reader.IsAtEnd();
+}
+
+bool IsInteger(std::wstring_view text)
+{
+    int value = 0;
+    if (ScanInt(text, value) != 1)
+        return false;
+    Reader<wchar_t> reader(text);
+    reader.SkipBlanks();
+    reader.TakeSign();
+    while (IsDigit(reader.Peek()))
+        reader.Skip();
+    reader.SkipBlanks();
+    return reader.IsAtEnd();
+}
 
 int ScanDouble(std::wstring_view text, double& value, DecimalMark mark)
 {

@@ -329,6 +329,31 @@ TEST(ScanDouble, TakesTheCommaOnlyWhenTold)
     EXPECT_EQ(ScanDouble(L",", value, DecimalMark::PointOrComma), 0);
 }
 
+TEST(IsNumber, IsTrueForWholeDecimalNumbersThatFit)
+{
+    for (const wchar_t* const text :
+         {L"0", L"-1", L"+1.5", L".5", L"5.", L" 1e3 ", L"\t1E-3\n", L"inf", L"-INFINITY", L"nan",
+          L"1.7976931348623157e308", L"1e-999", L"0e999"})
+        EXPECT_TRUE(kar::IsNumber(text)) << kar::ToUtf8(text);
+    for (const wchar_t* const text :
+         {L"", L" ", L"-", L".", L"1.5.2", L"0x10", L"0x1p3", L"1e", L"1e+", L"0.5 0.6", L"1e999",
+          L"-1e309", L"1,5", L"1 kg", L"infi", L"nano", L"much", L"1\u0664"})
+        EXPECT_FALSE(kar::IsNumber(text)) << kar::ToUtf8(text);
+    EXPECT_FALSE(kar::IsNumber(std::wstring(400, L'9')));
+    EXPECT_TRUE(kar::IsNumber(std::wstring(400, L'0')));
+    EXPECT_TRUE(kar::IsNumber(L"1,5", DecimalMark::PointOrComma));
+    EXPECT_FALSE(kar::IsNumber(L"1,5,3", DecimalMark::PointOrComma));
+}
+
+TEST(IsInteger, IsTrueForWholeNumbersThatFit)
+{
+    for (const wchar_t* const text : {L"0", L"-1", L"+12", L" 3 ", L"2147483647", L"-2147483648"})
+        EXPECT_TRUE(kar::IsInteger(text)) << kar::ToUtf8(text);
+    for (const wchar_t* const text :
+         {L"", L"-", L"1.5", L"1e3", L"0x1", L"1 2", L"2147483648", L"-2147483649", L"one"})
+        EXPECT_FALSE(kar::IsInteger(text)) << kar::ToUtf8(text);
+}
+
 TEST(ScanDouble, StopsAtCharactersOutsideAscii)
 {
     double value = 0.0;

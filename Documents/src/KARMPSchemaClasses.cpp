@@ -1,0 +1,77 @@
+#include "KARMPSchemaClasses.h"
+
+#include "KARMPEntity.h"
+#include "KARMPGenericFactory.h"
+#include "QOBClassInfo.h"
+
+#include <algorithm>
+
+namespace karmp::documents {
+
+bool EntityClass::IsA(std::string_view className) const
+{
+    return name == className || std::find(bases.begin(), bases.end(), className) != bases.end();
+}
+
+std::vector<EntityClass> EntityClasses()
+{
+    std::vector<EntityClass> classes;
+    for (const std::string& name : KARMPFactory::GetClassNames()) {
+        const SchemaItem* const item = SchemaOf(name);
+        QOBSharedHandle<KARMPEntity> sample;
+        if (item == nullptr || item->name.empty() || KARFailed(KARMPFactory::Create(name, sample)))
+            continue;
+        EntityClass made{name, {}, item};
+        for (const QOBClassInfo* info = sample->getClassInfo().getParent(); info != nullptr;
+             info = info->getParent())
+            made.bases.push_back(info->getName());
+        classes.push_back(std::move(made));
+    }
+    return classes;
+}
+
+std::string Escaped(std::string_view text)
+{
+    std::string escaped;
+    for (const char character : text) {
+        switch (character) {
+        case '&':
+            escaped += "&amp;";
+            break;
+        case '<':
+            escaped += "&lt;";
+            break;
+        case '>':
+            escaped += "&gt;";
+            break;
+        case '"':
+            escaped += "&quot;";
+            break;
+        default:
+            escaped += character;
+        }
+    }
+    return escaped;
+}
+
+Order OrderOf(const std::vector<const SchemaItem*>& elements)
+{
+    const bool repeats = std::any_of(elements.begin(), elements.end(), [](const SchemaItem* item) {
+        return item->repeats || item->anyName;
+    });
+    if (!repeats)
+        return Order::Once;
+    return elements.size() == 1 ? Order::Entries : Order::Repeating;
+}
+
+std::vector<const SchemaItem*> ItemsAt(const std::vector<SchemaItem>& items,
+                                       std::wstring_view version)
+{
+    std::vector<const SchemaItem*> applying;
+    for (const SchemaItem& item : items)
+        if (item.Applies(version))
+            applying.push_back(&item);
+    return applying;
+}
+
+} // namespace karmp::documents
