@@ -57,4 +57,16 @@ struct GraphOptions
 /// Writes the graph of bodies and joints as Graphviz text, or as a picture through Graphviz.
 int RunGraph(const GraphOptions& options);
 
+struct SchemaOptions
+{
+    bool rng = false;
+    bool xsd = false;
+    bool reference = false;
+    std::string className; // or its element
+    std::string version;   // the current one when empty
+};
+/// Prints the schema of documents, RELAX NG in the compact syntax unless told, or what one class
+/// or all classes hold.
+int RunSchema(const SchemaOptions& options);
+
 } // namespace karmp::tool

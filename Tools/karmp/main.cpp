@@ -84,6 +84,23 @@ int Run(int argc, char** argv)
     graphApp->footer(Footer("karmp graph crank.xml --output crank.svg"));
     graphApp->callback([&] { command = [&graph] { return RunGraph(graph); }; });
 
+    SchemaOptions schema;
+    bool isCompact = false;
+    CLI::App* schemaApp = app.add_subcommand(
+        "schema", "What documents hold, as a schema for editors and validators or for readers");
+    auto* const forms = schemaApp->add_option_group("form", "RELAX NG (compact) without one");
+    forms->add_flag("--rnc", isCompact, "RELAX NG in the compact syntax");
+    forms->add_flag("--rng", schema.rng, "RELAX NG as XML");
+    forms->add_flag("--xsd", schema.xsd, "W3C XML Schema");
+    forms->add_option("--text", schema.className, "One class, or its element, for a reader");
+    forms->add_flag("--reference", schema.reference, "The reference of all classes as Markdown");
+    forms->require_option(0, 1);
+    schemaApp->add_option("--for", schema.version,
+                          "Version of the documents, the current one "
+                          "without it; schemas only");
+    schemaApp->footer(Footer("karmp schema --rng --for R2017.0 > karmp.rng"));
+    schemaApp->callback([&] { command = [&schema] { return RunSchema(schema); }; });
+
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

@@ -1,0 +1,350 @@
+// The reference of the format, for one class and for all.
+#include "KARMPDocumentSchemas.h"
+#include "KARMPDocumentWriter.h"
+#include "KARMPEntity.h"
+#include "KARMPEnumerationTexts.h"
+#include "KARMPGenericFactory.h"
+#include "KARMPSchemaClasses.h"
+#include "KARTextConversion.h"
+
+#include <algorithm>
+#include <pugixml.hpp>
+#include <set>
+
+namespace karmp::documents {
+
+namespace {
+
+std::string QuantityOf(const SchemaItem& item)
+{
+    const auto index = static_cast<std::size_t>(item.quantity);
+    const auto& rows = EnumTexts<KARMPPhysicalQuantity::Enum>::Rows;
+    const bool isKnown = item.quantity != KARMPPhysicalQuantity::NoPhysicalQuantity;
+    return isKnown && index < rows.size() ? kar::ToUtf8(rows[index]) : std::string();
+}
+
+std::string WordsOf(const SchemaItem& item)
+{
+    std::string words;
+    for (const std::wstring_view word : item.words)
+        words += (words.empty() ? "" : ", ") + kar::ToUtf8(word);
+    return words;
+}
+
+std::string KindOf(const SchemaItem& item)
+{
+    switch (item.kind) {
+    case ItemKind::Number: {
+        const std::string quantity = QuantityOf(item);
+        return quantity.empty() ? "number" : "number (" + quantity + ")";
+    }
+    case ItemKind::Integer:
+        return "whole number";
+    case ItemKind::Code:
+        return "number of: " + WordsOf(item);
+    case ItemKind::Flag:
+        return "true or false";
+    case ItemKind::Word:
+        return "one of: " + WordsOf(item);
+    case ItemKind::Text:
+        return "text";
+    case ItemKind::Reference:
+        return (item.isOwned ? "owned " : "reference to ") + std::string(item.target);
+    default:
+        return "group";
+    }
+}
+
+std::string PresenceOf(const SchemaItem& item)
+{
+    std::string presence = item.presence == ItemPresence::Required   ? "required"
+                           : item.presence == ItemPresence::Reported ? "expected"
+                                                                     : "optional";
+    if (item.repeats)
+        presence += ", repeated";
+    if (!item.isRead)
+        presence += ", written only";
+    if (!item.isWritten)
+        presence += ", read only";
+    return presence;
+}
+
+std::string VersionsOf(const SchemaItem& item)
+{
+    std::string versions;
+    if (!item.since.empty())
+        versions = "since " + kar::ToUtf8(item.since);
+    if (!item.until.empty())
+        versions += (versions.empty() ? "below " : ", below ") + kar::ToUtf8(item.until);
+    return versions;
+}
+
+std::string NameOf(const SchemaItem& item)
+{
+    return item.anyName ? std::string("(any name)") : kar::ToUtf8(item.name);
+}
+
+/// The values of a new entity, by paths of elements with "@" before an attribute.
+class Defaults
+{
+public:
+    Defaults() = default;
+    explicit Defaults(const EntityClass& entityClass)
+    {
+        Read(entityClass, CurrentVersion, m_current);
+        Read(entityClass, R2015x_0, m_first);
+    }
+    std::string Of(const SchemaItem& item, const std::string& path) const
+    {
+        // The identifier of a new entity is another one each time.
+        if (item.kind == ItemKind::Group || path == "@id")
+            return {};
+        const pugi::xml_node entity = (item.until.empty() ? m_current : m_first).first_child();
+        const std::size_t mark = path.find('@');
+        const pugi::xml_node element = entity.first_element_by_path(path.substr(0, mark).c_str());
+        return mark == std::string::npos ? element.text().get()
+                                         : (mark == 0 ? entity : element)
+                                               .attribute(path.substr(mark + 1).c_str())
+                                               .value();
+    }
+
+private:
+    static void Read(const EntityClass& entityClass, std::wstring_view version,
+                     pugi::xml_document& values)
+    {
+        QOBSharedHandle<KARMPEntity> entity;
+        KARMPDocumentWriter root{version};
+        std::string text;
+        if (KARFailed(KARMPFactory::Create(entityClass.name, entity)))
+            return;
+        entity->Serialize(&root);
+        root.RenderXml(text);
+        pugi::xml_document document;
+        document.load_string(text.c_str());
+        values.append_copy(document.document_element().first_child());
+    }
+
+    pugi::xml_document m_current;
+    pugi::xml_document m_first;
+};
+
+/// Goes through the items of an element in the order of the document.
+template <class Visit>
+void ForEachItem(const SchemaItem& element, const std::string& path, const Visit& visit)
+{
+    for (const SchemaItem& attribute : element.attributes)
+        visit(attribute, path + '@' + NameOf(attribute));
+    for (const SchemaItem& child : element.elements) {
+        const std::string childPath =
+            path.empty() || path.back() == '/' ? path + NameOf(child) : path + '/' + NameOf(child);
+        visit(child, childPath);
+        ForEachItem(child, childPath, visit);
+    }
+}
+
+/// One row of a table; numbers of one meaning stand in one row.
+struct Row
+{
+    const SchemaItem* item;
+    std::string path;
+    std::string holder;
+    std::string value;
+};
+
+bool AreOne(const Row& left, const Row& right)
+{
+    return left.item->kind == ItemKind::Number && right.item->kind == ItemKind::Number &&
+           left.holder == right.holder && left.item->says == right.item->says &&
+           left.item->presence == right.item->presence && left.item->isRead == right.item->isRead &&
+           left.item->isWritten == right.item->isWritten && !left.item->says.empty();
+}
+
+/// Items are the same when a base has one of the name and versions.
+bool Holds(const std::vector<SchemaItem>& items, const SchemaItem& item)
+{
+    return std::any_of(
+        items.begin(), items.end(),
+        [&](const SchemaItem& known) {
+            return known.name == item.name && known.since == item.since &&
+                   known.until == item.until;
+        });
+}
+
+/// What a class adds to its base.
+SchemaItem OwnItems(const SchemaItem& whole, const SchemaItem* base)
+{
+    SchemaItem own = whole;
+    if (base != nullptr) {
+        std::erase_if(
+            own.attributes,
+            [base](const SchemaItem& item) { return Holds(base->attributes, item); });
+        std::erase_if(own.elements,
+                      [base](const SchemaItem& item) { return Holds(base->elements, item); });
+    }
+    return own;
+}
+
+class ReferencePrinter
+{
+public:
+    std::string Print();
+
+private:
+    void Table(const SchemaItem& element, const Defaults& defaults);
+    void Class(const EntityClass& entityClass);
+    void Base(const std::string& name, const EntityClass& sample);
+    void Document();
+    void Family(const documents::Family& family);
+    /// The nearest class above with a schema, from an index of the bases on; empty without one.
+    static std::string BaseOf(const std::vector<std::string>& bases, std::size_t index);
+
+    std::vector<EntityClass> m_classes = EntityClasses();
+    std::set<std::string> m_printed;
+    std::string m_text;
+};
+
+std::string ReferencePrinter::BaseOf(const std::vector<std::string>& bases, std::size_t index)
+{
+    for (; index < bases.size(); ++index)
+        if (SchemaOf(bases[index]) != nullptr)
+            return bases[index];
+    return {};
+}
+
+void ReferencePrinter::Table(const SchemaItem& element, const Defaults& defaults)
+{
+    std::vector<Row> rows;
+    ForEachItem(element, {}, [&](const SchemaItem& item, const std::string& path) {
+        const std::size_t end = path.find_last_of("/@");
+        Row row{&item, path, end == std::string::npos ? std::string() : path.substr(0, end),
+                defaults.Of(item, path)};
+        if (!rows.empty() && AreOne(rows.back(), row)) {
+            rows.back().path += ", " + NameOf(item);
+            if (!row.value.empty())
+                rows.back().value += ", " + row.value;
+        } else {
+            rows.push_back(std::move(row));
+        }
+    });
+    if (rows.empty()) {
+        m_text += "Nothing of its own.\n\n";
+        return;
+    }
+    m_text += "| Item | Kind | Presence | Versions | Default | Meaning |\n"
+              "|---|---|---|---|---|---|\n";
+    for (const Row& row : rows) {
+        m_text += "| `" + row.path + "` | " + KindOf(*row.item) + " | " + PresenceOf(*row.item) +
+                  " | " + VersionsOf(*row.item) + " | " + row.value + " | " +
+                  std::string(row.item->says) + " |\n";
+    }
+    m_text += '\n';
+}
+
+void ReferencePrinter::Class(const EntityClass& entityClass)
+{
+    const std::string base = BaseOf(entityClass.bases, 0);
+    m_text += "### " + kar::ToUtf8(entityClass.item->name) + "\n\n" +
+              std::string(entityClass.item->says) + " Class `" + entityClass.name + "`";
+    m_text += base.empty() ? ".\n\n" : ", with all that `" + base + "` holds.\n\n";
+    Table(OwnItems(*entityClass.item, SchemaOf(base)), Defaults(entityClass));
+}
+
+void ReferencePrinter::Base(const std::string& name, const EntityClass& sample)
+{
+    const auto place = std::find(sample.bases.begin(), sample.bases.end(), name);
+    const std::string base =
+        BaseOf(sample.bases, static_cast<std::size_t>(place - sample.bases.begin()) + 1);
+    const SchemaItem& item = *SchemaOf(name);
+    m_text += "### Base " + name + "\n\n" + std::string(item.says);
+    m_text += base.empty() ? "\n\n" : " It has all that `" + base + "` holds.\n\n";
+    Table(OwnItems(item, SchemaOf(base)), Defaults(sample));
+}
+
+void ReferencePrinter::Document()
+{
+    const SchemaItem& root = RootItem();
+    m_text += "## The document\n\nThe root element is `" + kar::ToUtf8(root.name) +
+              "`; the entities of the world stand in the lists of their families.\n\n";
+    Table(root, Defaults());
+}
+
+// The bases that this family's classes have, topmost first, then the classes.
+void ReferencePrinter::Family(const documents::Family& family)
+{
+    std::string classes;
+    std::swap(classes, m_text);
+    for (const EntityClass& entityClass : m_classes) {
+        if (!entityClass.IsA(family.className))
+            continue;
+        for (auto base = entityClass.bases.rbegin(); base != entityClass.bases.rend(); ++base) {
+            const SchemaItem* const item = SchemaOf(*base);
+            if (item != nullptr && item->name.empty() && m_printed.insert(*base).second)
+                Base(*base, entityClass);
+        }
+        Class(entityClass);
+    }
+    std::swap(classes, m_text);
+    if (!classes.empty())
+        m_text += "## " + kar::ToUtf8(family.element) + "\n\n" + classes;
+}
+
+std::string ReferencePrinter::Print()
+{
+    m_text = "# The format of documents\n\n"
+             "Made by `karmp schema --reference`; a change of it is a change of the classes.\n\n"
+             "An item is an element, or an attribute behind `@`; items stand in any order. "
+             "*Required*: what holds the item cannot be read without it. *Expected*: it is always "
+             "there, and reading goes on without it. Numbers are decimal, with point or comma. "
+             "Each reference carries the attributes `id` and `name`, of which only the first one "
+             "is read. The default is that of a new entity.\n\n";
+    Document();
+    for (const documents::Family& family : Families())
+        Family(family);
+    while (m_text.size() > 1 && m_text[m_text.size() - 2] == '\n')
+        m_text.pop_back();
+    return std::move(m_text);
+}
+
+void PrintLine(std::string& text, const SchemaItem& item, std::string_view mark, unsigned depth)
+{
+    text += std::string(std::size_t{2} * depth, ' ') + std::string(mark) + NameOf(item) + ": " +
+            KindOf(item) + ", " + PresenceOf(item);
+    if (const std::string versions = VersionsOf(item); !versions.empty())
+        text += ", " + versions;
+    if (!item.says.empty())
+        text += ". " + std::string(item.says);
+    text += '\n';
+}
+
+void PrintTree(std::string& text, const SchemaItem& element, unsigned depth)
+{
+    for (const SchemaItem& attribute : element.attributes)
+        PrintLine(text, attribute, "@", depth);
+    for (const SchemaItem& child : element.elements) {
+        PrintLine(text, child, "", depth);
+        PrintTree(text, child, depth + 1);
+    }
+}
+
+} // namespace
+
+std::string ClassReference(std::string_view name)
+{
+    for (const EntityClass& entityClass : EntityClasses()) {
+        if (entityClass.name != name && kar::ToUtf8(entityClass.item->name) != name)
+            continue;
+        std::string text = kar::ToUtf8(entityClass.item->name) + ": " +
+                           std::string(entityClass.item->says) + " Class " + entityClass.name +
+                           ".\n";
+        PrintTree(text, *entityClass.item, 1);
+        return text;
+    }
+    return {};
+}
+
+std::string FormatReference()
+{
+    return ReferencePrinter().Print();
+}
+
+} // namespace karmp::documents

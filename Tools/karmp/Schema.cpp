@@ -1,0 +1,54 @@
+#include "Commands.h"
+#include "KARMPDocumentSchemas.h"
+#include "KARMPDocuments.h"
+#include "KARTextConversion.h"
+
+#include <iostream>
+
+namespace karmp::tool {
+
+namespace {
+
+int Print(const std::string& text)
+{
+    std::cout << text;
+    return Clean;
+}
+
+int Refuse(const std::string& message)
+{
+    std::cerr << "karmp: " << message << '\n';
+    return Unreadable;
+}
+
+std::string KnownVersionNames()
+{
+    std::string names;
+    for (const std::wstring_view version : documents::KnownVersions())
+        names += (names.empty() ? "" : ", ") + kar::ToUtf8(version);
+    return names;
+}
+
+} // namespace
+
+int RunSchema(const SchemaOptions& options)
+{
+    if (options.reference)
+        return Print(documents::FormatReference());
+    if (!options.className.empty()) {
+        const std::string text = documents::ClassReference(options.className);
+        return text.empty() ? Refuse("no class or element \"" + options.className + '"')
+                            : Print(text);
+    }
+    const auto language = options.xsd   ? documents::SchemaLanguage::Xsd
+                          : options.rng ? documents::SchemaLanguage::RelaxNg
+                                        : documents::SchemaLanguage::RelaxNgCompact;
+    const std::string text = options.version.empty()
+                                 ? documents::SchemaText(language)
+                                 : documents::SchemaText(language, kar::ToWide(options.version));
+    return text.empty()
+               ? Refuse("the version \"" + options.version + "\" is none of " + KnownVersionNames())
+               : Print(text);
+}
+
+} // namespace karmp::tool
