@@ -128,12 +128,24 @@ private:
     pugi::xml_document m_first;
 };
 
+// What all references carry is told once.
+std::vector<const SchemaItem*> AttributesOf(const SchemaItem& element)
+{
+    std::vector<const SchemaItem*> attributes;
+    for (const SchemaItem& attribute : element.attributes) {
+        const bool isCommon = attribute.name == L"id" || attribute.name == L"name";
+        if (element.kind != ItemKind::Reference || !isCommon)
+            attributes.push_back(&attribute);
+    }
+    return attributes;
+}
+
 /// Goes through the items of an element in the order of the document.
 template <class Visit>
 void ForEachItem(const SchemaItem& element, const std::string& path, const Visit& visit)
 {
-    for (const SchemaItem& attribute : element.attributes)
-        visit(attribute, path + '@' + NameOf(attribute));
+    for (const SchemaItem* const attribute : AttributesOf(element))
+        visit(*attribute, path + '@' + NameOf(*attribute));
     for (const SchemaItem& child : element.elements) {
         const std::string childPath =
             path.empty() || path.back() == '/' ? path + NameOf(child) : path + '/' + NameOf(child);
@@ -295,8 +307,8 @@ std::string ReferencePrinter::Print()
              "An item is an element, or an attribute behind `@`; items stand in any order. "
              "*Required*: what holds the item cannot be read without it. *Expected*: it is always "
              "there, and reading goes on without it. Numbers are decimal, with point or comma. "
-             "Each reference carries the attributes `id` and `name`, of which only the first one "
-             "is read. The default is that of a new entity.\n\n";
+             "Each reference carries the attribute `id`, the identifier of its target, and may "
+             "carry `name`, which is not read. The default is that of a new entity.\n\n";
     Document();
     for (const documents::Family& family : Families())
         Family(family);
@@ -318,8 +330,8 @@ void PrintLine(std::string& text, const SchemaItem& item, std::string_view mark,
 
 void PrintTree(std::string& text, const SchemaItem& element, unsigned depth)
 {
-    for (const SchemaItem& attribute : element.attributes)
-        PrintLine(text, attribute, "@", depth);
+    for (const SchemaItem* const attribute : AttributesOf(element))
+        PrintLine(text, *attribute, "@", depth);
     for (const SchemaItem& child : element.elements) {
         PrintLine(text, child, "", depth);
         PrintTree(text, child, depth + 1);

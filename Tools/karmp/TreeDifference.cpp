@@ -12,12 +12,16 @@ namespace {
 
 using Element = KARMPDeserializer;
 
+// The attribute of the root that two versions differ in.
+constexpr std::wstring_view VersionName = L"version";
+
 /// Two elements that correspond, and where the first one stands.
 struct Pair
 {
     const Element* before;
     const Element* after;
     std::string path;
+    bool isRoot = false;
 };
 
 /// Compares trees of any depth with a list of pairs to go through.
@@ -28,7 +32,7 @@ public:
 
     std::vector<Difference> Run(const Element& before, const Element& after)
     {
-        m_pairs.push_back({&before, &after, '/' + Printable(before.Id())});
+        m_pairs.push_back({&before, &after, '/' + Printable(before.Id()), true});
         while (!m_pairs.empty() && m_differences.size() < m_limit) {
             const Pair pair = std::move(m_pairs.back());
             m_pairs.pop_back();
@@ -40,11 +44,6 @@ public:
 
 private:
     using Key = std::pair<std::wstring_view, std::wstring>;
-
-    // Attributes cannot be listed by name from outside, so those that versions bring are asked for.
-    static constexpr std::wstring_view Attributes[] = {
-        L"name",  L"isActive", L"entityID", L"is_fixed",        L"floating",
-        L"value", L"minvalue", L"maxvalue", L"bodyOrientation", L"curveOrientation"};
 
     void Note(const std::string& path, const std::string& text)
     {
@@ -61,11 +60,18 @@ private:
         if (before != after)
             Note(pair.path,
                  Printable(before) + " becomes " + (after.empty() ? "nothing" : Printable(after)));
-        for (const std::wstring_view name : Attributes) {
-            before = {};
-            after = {};
-            if (KARFailed(pair.before->GetAttribute(name, before)))
+        CompareAttributes(pair);
+    }
+
+    void CompareAttributes(const Pair& pair)
+    {
+        for (std::size_t index = 0; index < pair.before->GetAttributeCount(); ++index) {
+            const std::wstring_view name = pair.before->GetAttributeId(index);
+            if (pair.isRoot && name == VersionName)
                 continue;
+            std::wstring_view before;
+            std::wstring_view after;
+            pair.before->GetAttribute(name, before);
             if (KARFailed(pair.after->GetAttribute(name, after)))
                 Note(pair.path + "/@" + Printable(name), Printable(before) + " is lost");
             else if (before != after)
@@ -105,7 +111,7 @@ private:
             if (found == after.end())
                 Note(path, "is lost");
             else
-                m_pairs.push_back({child, found->second, std::move(path)});
+                m_pairs.push_back({child, found->second, std::move(path), false});
         }
     }
 
