@@ -252,10 +252,12 @@ TEST_F(WorldDocument, ACheckFindsWhatIsMissingOrOfAWrongKind)
     ExpectFound(" is_fixed=\"yes\"", "", Code::MissingAttribute, Severity::Warning, BodyPath);
     ExpectFound("<Mass>0<", "<Mass>much<", Code::InvalidValue, Severity::Error,
                 BodyPath + "/Weight/Mass");
-    ExpectFound("<Mass>0<", "<Mass>0 kg<", Code::InvalidValue, Severity::Warning,
+    ExpectFound("<Mass>0<", "<Mass>0 kg<", Code::InvalidValue, Severity::Error,
                 BodyPath + "/Weight/Mass");
     ExpectFound("<OutOfWorld>false", "<OutOfWorld>False", Code::InvalidValue, Severity::Error,
                 BodyPath + "/OutOfWorld");
+    ExpectFound("is_fixed=\"yes\"", "is_fixed=\"true\"", Code::InvalidValue, Severity::Warning,
+                BodyPath + "/@is_fixed");
     ExpectFound(">Time<", ">Tyme<", Code::InvalidValue, Severity::Warning,
                 WorldPath + "/Variables/Variable/PhysicalQuantity");
     ExpectMessage(CheckText("<KARMPDocument version=\"R2018.1\"/>"), Code::MissingElement,
@@ -265,10 +267,19 @@ TEST_F(WorldDocument, ACheckFindsWhatIsMissingOrOfAWrongKind)
 TEST_F(WorldDocument, EveryFormOfANumberThatReadsIsANumberToTheCheck)
 {
     for (const std::string number :
-         {"1", "-1.5", "+2", "1,5", ".5", "5.", "1e3", "1E-3", "inf", "-nan", " 1", "0x1p3"}) {
+         {"1", "-1.5", "+2", "1,5", ".5", "5.", "1e3", "1E-3", "inf", "-nan", " 1", "1e-999"}) {
         std::string element = "<Mass>";
         element += number;
         ExpectNothing(CheckText(Changed("<Mass>0", element)));
+    }
+}
+
+TEST_F(WorldDocument, ATextThatIsNoWholeNumberIsAnError)
+{
+    for (const std::string number :
+         {"1.5.2", "0x10", "0x1p3", "1e", "0.5 0.6", "1e999", "-1e999", "1,5,3", "", "infi"}) {
+        ExpectFound("<Mass>0", "<Mass>" + number, Code::InvalidValue, Severity::Error,
+                    BodyPath + "/Weight/Mass");
     }
 }
 

@@ -29,7 +29,8 @@ using ItemData =
 struct ItemInfo
 {
     std::wstring_view name;
-    /// The names of the groups around it and its own, parted by "/".
+    /// The names of the groups around it and its own, parted by "/"; the second item of one path
+    /// has "[2]" behind it.
     std::wstring path;
     ItemKind kind = ItemKind::Number;
     ItemPresence presence = ItemPresence::Reported;

@@ -58,6 +58,15 @@ std::string_view ReasonAgainstSetting(const Item& item)
     return {};
 }
 
+// What tells an element from an earlier one of its name: nothing for the first one.
+std::wstring NumberAmong(const std::vector<ItemInfo>& rows, const std::wstring& path)
+{
+    const auto count = std::count_if(rows.begin(), rows.end(), [&path](const ItemInfo& row) {
+        return row.path == path || row.path.starts_with(path + L'[');
+    });
+    return count > 0 ? L'[' + std::to_wstring(count + 1) + L']' : std::wstring();
+}
+
 void RowMaker::AddContent(const Content& content)
 {
     if (content.base != nullptr)
@@ -110,7 +119,7 @@ void RowMaker::AddRow(const Item& item, const std::wstring& path, Sides sides)
     }
     ItemInfo row;
     row.name = item.name;
-    row.path = path;
+    row.path = path + NumberAmong(m_rows, path);
     row.kind = item.kind;
     row.presence = item.presence;
     row.since = item.since;

@@ -129,15 +129,31 @@ void JoinChildren(SchemaItems& earlier, SchemaItems&& later)
     }
 }
 
-// What is not read cannot be missed.
-void MakeOptional(SchemaItem& item)
+template <class Change>
+void ChangeTree(SchemaItem& item, const Change& change)
 {
-    item.presence = ItemPresence::Optional;
-    item.isRead = false;
+    change(item);
     for (SchemaItem& attribute : item.attributes)
-        MakeOptional(attribute);
+        ChangeTree(attribute, change);
     for (SchemaItem& element : item.elements)
-        MakeOptional(element);
+        ChangeTree(element, change);
+}
+
+// What is not read cannot be missed.
+void MakeWrittenOnly(SchemaItem& item)
+{
+    ChangeTree(
+        item,
+        [](SchemaItem& inner) {
+            inner.presence = ItemPresence::Optional;
+            inner.isRead = false;
+        });
+}
+
+void MakeReadOnly(SchemaItem& item)
+{
+    ChangeTree(
+        item, [](SchemaItem& inner) { inner.isWritten = false; });
 }
 
 // Adds the items of the form that is written where they stand beside those that are read.
@@ -174,7 +190,9 @@ void SchemaMaker::Merge(SchemaItem& earlier, SchemaItem&& later)
 void SchemaMaker::Add(SchemaItem&& item, ItemPlace place, SchemaItem& holder)
 {
     if (!item.isRead)
-        MakeOptional(item);
+        MakeWrittenOnly(item);
+    if (!item.isWritten)
+        MakeReadOnly(item);
     SchemaItems& items = place == ItemPlace::Attribute ? holder.attributes : holder.elements;
     for (SchemaItem& known : items)
         if (known.name == item.name && DoVersionsMeet(known, item))
@@ -283,9 +301,9 @@ SchemaItem SchemaMaker::Make(const Content& content) const
     SchemaItem inner = element;
     inner.name = content.ReadElement();
     inner.presence = ItemPresence::Required;
-    inner.isWritten = false;
+    MakeReadOnly(inner);
     for (SchemaItem& item : element.elements)
-        MakeOptional(item);
+        MakeWrittenOnly(item);
     element.elements.push_back(std::move(inner));
     return element;
 }

@@ -1,0 +1,365 @@
+// What every class writes and reads against its schema and its table of items.
+#include "EnvironmentVariable.h"
+#include "FilledEntities.h"
+#include "KARMPGenericFactory.h"
+#include "KARMPItems.h"
+#include "KARMPSchema.h"
+#include "KARMPTestFixture.h"
+#include "KARTextConversion.h"
+#include "QOBClassInfo.h"
+#include "TestDeserializer.h"
+#include "TestSerializer.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <set>
+#include <sstream>
+
+using karmp::ItemData;
+using karmp::ItemInfo;
+using karmp::ItemKind;
+using karmp::ItemPresence;
+using karmp::SchemaItem;
+using karmp::SchemaOf;
+
+namespace {
+
+/// Classes of the factory without a list, with the reason.
+const std::map<std::string, std::string> Unlisted{};
+
+/// Items that no entity of these tests writes, by class, or of all classes, with the reason.
+const std::map<std::pair<std::string, std::string>, std::string> Unwritten{
+    {{"", "Outputs"}, "written and read when the environment asks for it, decided once a process"},
+    {{"KARMPScrew", "Equation"}, "the constraint of these tests' screw is no equation"},
+};
+
+constexpr const char* SameConstraint = "the equation is the first of the constraints as well";
+constexpr const char* NotEnabled =
+    "written of friction that is enabled, which reading does not do for this class";
+
+/// Items whose absence cannot be seen in what is read, by class, with the reason.
+const std::map<std::pair<std::string, std::string>, std::string> Unseen{
+    {{"KARMPCable", "Equation"}, SameConstraint},
+    {{"KARMPGear", "Equation"}, SameConstraint},
+    {{"KARMPRack", "Equation"}, SameConstraint},
+    {{"KARMPPlanarConstraint", "FrictionModel"}, NotEnabled},
+    {{"KARMPUniversalConstraint", "FrictionModel"}, NotEnabled},
+};
+
+/// Classes whose reader finds nothing in what they write, with the reason.
+const std::map<std::string, std::string> Unread{
+    {"KARMPCone", "its reader asks for the element of another class"},
+};
+
+bool IsListed(const std::map<std::pair<std::string, std::string>, std::string>& list,
+              const std::string& className, const std::string& path)
+{
+    return list.count({"", path}) != 0 || list.count({className, path}) != 0;
+}
+
+const SchemaItem* FindAt(const std::vector<SchemaItem>& items, std::wstring_view name,
+                         std::wstring_view version)
+{
+    const auto found = std::find_if(items.begin(), items.end(), [&](const SchemaItem& item) {
+        return (item.anyName || item.name == name) && item.Applies(version);
+    });
+    return found != items.end() ? &*found : nullptr;
+}
+
+/// An item by a path such as "Weight/Mass" or "Bodies/Body/@id" below an element of the schema;
+/// null when some name in it is unknown at the version. `known` becomes the path in the schema.
+const SchemaItem* Resolve(const SchemaItem& element, std::wstring_view path,
+                          std::wstring_view version, std::string& known)
+{
+    const SchemaItem* item = &element;
+    known.clear();
+    while (item != nullptr && !path.empty()) {
+        const std::size_t end = std::min(path.find(L'/'), path.size());
+        const std::wstring_view name = path.substr(0, end);
+        path.remove_prefix(std::min(end + 1, path.size()));
+        const bool isAttribute = name.front() == L'@';
+        item = isAttribute ? FindAt(item->attributes, name.substr(1), version)
+                           : FindAt(item->elements, name, version);
+        if (!known.empty())
+            known += '/';
+        known += item != nullptr && item->anyName ? std::string("*") : kar::ToUtf8(name);
+    }
+    return item;
+}
+
+/// The paths of all items at a version, "a/b/@c".
+void CollectPaths(const SchemaItem& element, const std::string& path, std::wstring_view version,
+                  std::map<std::string, const SchemaItem*>& paths)
+{
+    for (const SchemaItem& attribute : element.attributes)
+        if (attribute.Applies(version))
+            paths[path + '@' + kar::ToUtf8(attribute.name)] = &attribute;
+    for (const SchemaItem& child : element.elements) {
+        if (!child.Applies(version))
+            continue;
+        const std::string name = child.anyName ? "*" : kar::ToUtf8(child.name);
+        paths[path + name] = &child;
+        CollectPaths(child, path + name + '/', version, paths);
+    }
+}
+
+class SchemaGuard : public KARMPTestFixture
+{
+protected:
+    std::string ReadBack(const std::string& className, const TestDeserializer& node,
+                         std::wstring_view version);
+    void CheckWritten(const std::string& className, const TestSerializer& node,
+                      const SchemaItem& item, const std::string& path, std::wstring_view version);
+    void CheckRead(const std::string& className, const TestSerializer& tree,
+                   std::wstring_view version);
+
+    std::set<std::string> m_written;
+    std::set<std::string> m_asked;
+    EnvironmentVariable m_dumpOutputs{"MOT_DUMP_OUTPUTS", nullptr};
+    EnvironmentVariable m_leaveOutCurves{"DONT_SERIALIZE_CURVE", nullptr};
+};
+
+void SchemaGuard::CheckWritten(const std::string& className, const TestSerializer& node,
+                               const SchemaItem& item, const std::string& path,
+                               std::wstring_view version)
+{
+    for (int index = 0; index < static_cast<int>(node.GetAttributeCount()); ++index) {
+        const std::wstring name = node.GetAttribute(index).name;
+        const SchemaItem* const attribute = FindAt(item.attributes, name, version);
+        EXPECT_TRUE(attribute != nullptr && attribute->isWritten)
+            << className << " writes " << path << '@' << kar::ToUtf8(name);
+        m_written.insert(path + '@' + kar::ToUtf8(name));
+    }
+    for (std::size_t index = 0; index < static_cast<std::size_t>(node.GetElementCount()); ++index) {
+        const TestSerializer& child = node.Child(index);
+        const std::wstring name(child.GetId());
+        const SchemaItem* const element = FindAt(item.elements, name, version);
+        EXPECT_TRUE(element != nullptr && element->isWritten)
+            << className << " writes " << path << kar::ToUtf8(name);
+        if (element == nullptr)
+            continue;
+        const std::string childPath =
+            path + (element->anyName ? std::string("*") : kar::ToUtf8(name));
+        m_written.insert(childPath);
+        CheckWritten(className, child, *element, childPath + '/', version);
+    }
+}
+
+std::string SchemaGuard::ReadBack(const std::string& className, const TestDeserializer& node,
+                                  std::wstring_view version)
+{
+    FilledEntities entities;
+    const auto read = entities.New(className);
+    const KARStatus status = read->Deserialize(&node, entities.Table());
+    const std::size_t reports = TakeReports();
+    // One that did not read its identifier would make another one in each run.
+    read->SetIdentifier(L"not read");
+    TestSerializer root(version);
+    read->Serialize(&root);
+    TakeReports();
+    return std::to_string(status) + ' ' + std::to_string(reports) + '\n' + root.Dump();
+}
+
+// Leaves each item out in turn: what the reader asks for shows in what is read, or is reported.
+void SchemaGuard::CheckRead(const std::string& className, const TestSerializer& tree,
+                            std::wstring_view version)
+{
+    const SchemaItem& schema = *SchemaOf(className);
+    const TestTreeForm form{.versionOnEveryNode = true};
+    const std::string whole = ReadBack(className, *TestDeserializer::From(tree, form), version);
+    ForEachMissingItem(tree, form, [&](TestDeserializer& root, const std::wstring& missing) {
+        std::wstring_view path = missing;
+        path.remove_prefix(path.find_first_not_of(L'/'));
+        if (path.find(L'/') == std::wstring_view::npos)
+            return;
+        path.remove_prefix(path.find(L'/') + 1);
+        std::string itemPath;
+        const SchemaItem* const item = Resolve(schema, path, version, itemPath);
+        ASSERT_NE(item, nullptr) << className << ' ' << kar::ToUtf8(missing);
+        const bool isSeen = ReadBack(className, root, version) != whole;
+        if (isSeen)
+            m_asked.insert(itemPath);
+        if (isSeen && !item->isRead)
+            ADD_FAILURE() << className << " reads " << itemPath << ", which is written only";
+    });
+}
+
+TEST_F(SchemaGuard, EveryClassHasAListOrAReason)
+{
+    for (const std::string& name : MadeClasses()) {
+        const SchemaItem* const schema = SchemaOf(name);
+        EXPECT_EQ(schema == nullptr, Unlisted.count(name) != 0) << name;
+        EXPECT_TRUE(schema == nullptr || !schema->name.empty()) << name;
+    }
+}
+
+TEST_F(SchemaGuard, WhatIsWrittenIsKnownAndWhatIsKnownIsWritten)
+{
+    for (const std::string& name : MadeClasses()) {
+        const SchemaItem* const schema = SchemaOf(name);
+        if (schema == nullptr)
+            continue;
+        for (const std::wstring_view version : AllVersions) {
+            m_written.clear();
+            for (const Filling filling : {Filling::Nothing, Filling::Full, Filling::Other}) {
+                FilledEntities entities;
+                TestSerializer root(version);
+                entities.Make(name, filling)->Serialize(&root);
+                TakeReports();
+                ASSERT_EQ(root.GetElementCount(), 1) << name;
+                EXPECT_EQ(root.Child(0).GetId(), schema->name) << name;
+                CheckWritten(name, root.Child(0), *schema, {}, version);
+            }
+            std::map<std::string, const SchemaItem*> known;
+            CollectPaths(*schema, {}, version, known);
+            for (const auto& [path, item] : known) {
+                const std::string first = path.substr(0, path.find_first_of("/@", 1));
+                if (item->isWritten && m_written.count(path) == 0 &&
+                    !IsListed(Unwritten, name, first))
+                    ADD_FAILURE() << name << " never writes " << path << " at "
+                                  << kar::ToUtf8(version);
+            }
+        }
+    }
+}
+
+TEST_F(SchemaGuard, WhatIsKnownIsAskedForByTheReader)
+{
+    for (const std::string& name : MadeClasses()) {
+        const SchemaItem* const schema = SchemaOf(name);
+        if (schema == nullptr || Unread.count(name) != 0)
+            continue;
+        std::string last;
+        for (const std::wstring_view version : AllVersions) {
+            FilledEntities full;
+            TestSerializer tree(version);
+            full.Make(name, Filling::Full)->Serialize(&tree);
+            TakeReports();
+            // A version that changes nothing in what is written is not read once more.
+            const std::string dump = tree.Dump();
+            if (dump.substr(dump.find('\n')) == last)
+                continue;
+            last = dump.substr(dump.find('\n'));
+            m_asked.clear();
+            m_written.clear();
+            CheckRead(name, tree, version);
+            CheckWritten(name, tree.Child(0), *schema, {}, version);
+            std::map<std::string, const SchemaItem*> known;
+            CollectPaths(*schema, {}, version, known);
+            for (const std::string& path : m_written) {
+                const bool isReferenceName = path.find("/@name") != std::string::npos;
+                if (known.at(path)->isRead && m_asked.count(path) == 0 && !isReferenceName &&
+                    !IsListed(Unseen, name, path))
+                    ADD_FAILURE() << name << " does not ask for " << path << " at "
+                                  << kar::ToUtf8(version);
+            }
+        }
+    }
+}
+
+TEST_F(SchemaGuard, NoElementHoldsMoreItemsThanACheckCanMark)
+{
+    for (const std::string& name : MadeClasses()) {
+        const SchemaItem* const schema = SchemaOf(name);
+        EXPECT_TRUE(schema == nullptr ||
+                    (schema->elements.size() <= 64 && schema->attributes.size() <= 64))
+            << name;
+    }
+}
+
+TEST_F(SchemaGuard, ALinkOfTwoSidesIsNamedByBoth)
+{
+    const auto names = MadeClasses();
+    for (const std::string& name : names) {
+        for (const ItemInfo& row : karmp::ItemsOf(name)) {
+            if (row.otherSide.empty())
+                continue;
+            bool isThere = false;
+            for (const ItemInfo& back : karmp::ItemsOf(row.target))
+                isThere = isThere || back.name == row.otherSide;
+            for (const std::string& other : names) {
+                QOBSharedHandle<KARMPEntity> target;
+                if (KARFailed(KARMPFactory::Create(other, target)))
+                    continue;
+                const auto* info = &target->getClassInfo();
+                while (info != nullptr && info->getName() != row.target)
+                    info = info->getParent();
+                if (info == nullptr)
+                    continue;
+                for (const ItemInfo& back : karmp::ItemsOf(other))
+                    isThere = isThere || back.name == row.otherSide;
+            }
+            EXPECT_TRUE(isThere) << name << '.' << kar::ToUtf8(row.name) << " names "
+                                 << kar::ToUtf8(row.otherSide) << " of " << row.target;
+        }
+    }
+}
+
+TEST_F(SchemaGuard, ItemsOfAClassHaveNamesOfTheirOwnAndASentence)
+{
+    for (const std::string& name : MadeClasses()) {
+        std::set<std::wstring_view> names;
+        std::set<std::wstring> paths;
+        for (const ItemInfo& row : karmp::ItemsOf(name)) {
+            // Two elements of a sketch function have one name and are told apart by their order.
+            EXPECT_TRUE(names.insert(row.name).second || row.name == L"Direction")
+                << name << ' ' << kar::ToUtf8(row.path);
+            EXPECT_TRUE(paths.insert(row.path).second) << name << ' ' << kar::ToUtf8(row.path);
+            EXPECT_FALSE(row.says.empty()) << name << ' ' << kar::ToUtf8(row.path);
+        }
+    }
+}
+
+/// True for equal values; doubles may differ by the rounding of a direction that is normalised.
+bool AreEqual(const ItemData& left, const ItemData& right)
+{
+    const auto* const first = std::get_if<std::vector<double>>(&left);
+    const auto* const second = std::get_if<std::vector<double>>(&right);
+    if (first == nullptr || second == nullptr)
+        return left == right;
+    return std::equal(first->begin(), first->end(), second->begin(), second->end(),
+                      [](double a, double b) { return std::abs(a - b) <= 1e-15; });
+}
+
+/// Items for which the tests have no value to set, with the reason.
+const std::map<std::pair<std::string, std::string>, std::string> NothingToSet{
+    {{"", "Outputs"}, "no entity of these tests has one"},
+};
+
+TEST_F(SchemaGuard, AnItemThatIsSetIsThere)
+{
+    for (const std::string& name : MadeClasses()) {
+        for (const ItemInfo& row : karmp::ItemsOf(name)) {
+            SCOPED_TRACE(name + ' ' + kar::ToUtf8(row.path));
+            FilledEntities entities;
+            row.Get(*entities.New(name));
+            TakeReports();
+            bool isSet = false;
+            for (const Filling filling : {Filling::Full, Filling::Other}) {
+                FilledEntities others;
+                const ItemData value = row.Get(*others.Make(name, filling));
+                TakeReports();
+                const bool isNone = value.index() == 0;
+                const auto* const list =
+                    std::get_if<std::vector<QOBSharedHandle<KARMPEntity>>>(&value);
+                if (isNone || (list != nullptr && list->empty()))
+                    continue;
+                const auto target = others.New(name);
+                if (!row.readOnly.empty()) {
+                    EXPECT_TRUE(KARFailed(row.Set(*target, value)));
+                    isSet = true;
+                    continue;
+                }
+                EXPECT_FALSE(KARFailed(row.Set(*target, value)));
+                EXPECT_TRUE(AreEqual(row.Get(*target), value));
+                TakeReports();
+                isSet = true;
+            }
+            EXPECT_TRUE(isSet || !row.readOnly.empty() ||
+                        IsListed(NothingToSet, name, kar::ToUtf8(row.path)));
+        }
+    }
+}
+
+} // namespace
