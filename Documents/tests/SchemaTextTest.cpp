@@ -1,0 +1,120 @@
+// The schema as texts: languages, versions, one class, and the reference that is kept in docs.
+#include "KARMPDocumentSchemas.h"
+#include "KARMPDocuments.h"
+
+#include <gtest/gtest.h>
+#include <pugixml.hpp>
+
+#include <fstream>
+#include <sstream>
+#include <string>
+
+namespace {
+
+using karmp::documents::CheckText;
+using karmp::documents::ClassReference;
+using karmp::documents::Code;
+using karmp::documents::FormatReference;
+using karmp::documents::SchemaLanguage;
+using karmp::documents::SchemaText;
+
+std::string ContentOf(const char* path)
+{
+    std::ostringstream text;
+    text << std::ifstream(path, std::ios::binary).rdbuf();
+    return text.str();
+}
+
+void ExpectPart(const std::string& text, const std::string& part)
+{
+    EXPECT_NE(text.find(part), std::string::npos) << part << "\nis not in\n" << text;
+}
+
+TEST(SchemaText, IsThereInEachLanguageForEachVersion)
+{
+    for (const std::wstring_view version : karmp::documents::KnownVersions()) {
+        ExpectPart(SchemaText(SchemaLanguage::RelaxNgCompact, version), "element KARMPDocument");
+        for (const auto language : {SchemaLanguage::RelaxNg, SchemaLanguage::Xsd}) {
+            pugi::xml_document document;
+            EXPECT_TRUE(document.load_string(SchemaText(language, version).c_str()));
+        }
+    }
+}
+
+TEST(SchemaText, IsEmptyForAnUnknownVersion)
+{
+    EXPECT_EQ(SchemaText(SchemaLanguage::Xsd, L"R1999.0"), "");
+    EXPECT_EQ(SchemaText(SchemaLanguage::RelaxNg, L""), "");
+}
+
+TEST(SchemaText, HoldsTheItemsOfItsVersionAlone)
+{
+    const std::string before = SchemaText(SchemaLanguage::RelaxNgCompact, karmp::R2015x_0);
+    const std::string now = SchemaText(SchemaLanguage::RelaxNgCompact);
+    EXPECT_EQ(before.find("attribute isActive"), std::string::npos);
+    ExpectPart(before, "attribute minvalue");
+    ExpectPart(now, "attribute isActive");
+    EXPECT_EQ(now.find("attribute minvalue"), std::string::npos);
+    ExpectPart(before, "string \"R2015x.0\"");
+    ExpectPart(now, "string \"R2018.1\"");
+}
+
+TEST(SchemaText, TellsTheMeaningOfItems)
+{
+    ExpectPart(SchemaText(SchemaLanguage::RelaxNgCompact), "## The mass.\n");
+    ExpectPart(SchemaText(SchemaLanguage::RelaxNg), "<a:documentation>The mass.</a:documentation>");
+    ExpectPart(SchemaText(SchemaLanguage::Xsd), "<xs:documentation>The mass.</xs:documentation>");
+}
+
+TEST(ClassReference, ListsWhatAClassHoldsByEitherName)
+{
+    const std::string text = ClassReference("Body");
+    EXPECT_EQ(text.substr(0, text.find('\n')), "Body: A rigid body. Class KARMPBody.");
+    ExpectPart(text, "\n  @is_fixed: one of: no, yes, expected.");
+    ExpectPart(text, "\n  OutOfWorld: true or false, expected, since R2016.1.");
+    ExpectPart(text, "\n    Mass: number (Mass), expected. The mass.\n");
+    ExpectPart(text, "\n    Geometry: reference to KARMPGeometry, optional, repeated.");
+    EXPECT_EQ(ClassReference("KARMPBody"), text);
+    EXPECT_EQ(ClassReference("Wheel"), "");
+    EXPECT_EQ(ClassReference(""), "");
+}
+
+// "karmp schema --reference > docs/format.md" brings the file up to date.
+TEST(FormatReference, IsTheOneInTheDocumentation)
+{
+    EXPECT_TRUE(ContentOf(KARMP_FORMAT_REFERENCE) == FormatReference())
+        << "docs/format.md is stale";
+}
+
+TEST(FormatReference, TellsDefaultsOfBothFormsOfAnItem)
+{
+    const std::string text = FormatReference();
+    ExpectPart(text, "| `@is_fixed` | one of: no, yes | expected |  | no |");
+    ExpectPart(text, "| `PhysicalQuantity` | whole number | expected | below R2017.0 | 0 |");
+    ExpectPart(text, " | 1, 0, 0, 0, 1, 0, 0, 0, 1 | The rotation matrix by columns. |");
+}
+
+TEST(DocumentCheck, KnowsTheDisplacementSensor)
+{
+    const auto messages = CheckText(
+        R"(<KARMPDocument version="R2018.1"><World><Sensors>
+<DisplacementSensor id="s" name="s" isActive="yes"><Unknown/></DisplacementSensor>
+</Sensors></World></KARMPDocument>)");
+    const auto* const unknown = messages.Find(Code::UnknownElement);
+    ASSERT_NE(unknown, nullptr);
+    EXPECT_EQ(unknown->path, "/KARMPDocument/World/Sensors/DisplacementSensor/Unknown");
+}
+
+TEST(DocumentCheck, TellsAWordThatIsNone)
+{
+    const auto messages = CheckText(
+        R"(<KARMPDocument version="R2018.1"><World><Values>
+<Boolean id="b" name="b" isActive="yes"><Value>true</Value></Boolean>
+</Values></World></KARMPDocument>)");
+    const auto* const fault = messages.Find(Code::InvalidValue);
+    ASSERT_NE(fault, nullptr);
+    EXPECT_EQ(fault->path, "/KARMPDocument/World/Values/Boolean/Value");
+    EXPECT_EQ(fault->text, "\"true\" is none of the words that are known here");
+}
+
+} // namespace

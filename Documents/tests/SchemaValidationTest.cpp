@@ -1,0 +1,296 @@
+// The validators of others against the check: what one refuses the other tells, and the reverse.
+//
+// What a grammar cannot express, and validators therefore take: a reference to nothing or to a
+// wrong class, an identifier that two entities carry, a link without its other side, and a number
+// that is written well and too large for a double.
+#include "KARMPDocumentSchemas.h"
+#include "KARMPDocumentWriter.h"
+#include "KARMPDocuments.h"
+#include "KARMPEntity.h"
+#include "KARMPGenericFactory.h"
+#include "KARMPSchemaClasses.h"
+#include "KARTextConversion.h"
+
+#include <gtest/gtest.h>
+#include <pugixml.hpp>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <map>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <unistd.h>
+
+namespace karmp::documents {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string TextOf(const pugi::xml_document& document)
+{
+    std::ostringstream stream;
+    document.save(stream, "", pugi::format_raw);
+    return stream.str();
+}
+
+bool IsExpressible(Code code)
+{
+    static constexpr Code faults[] = {
+        Code::UnknownElement, Code::UnknownAttribute, Code::DuplicateElement, Code::OtherVersion,
+        Code::MissingElement, Code::MissingAttribute, Code::InvalidValue,     Code::UnexpectedText,
+        Code::UnknownClass,   Code::WrongRegistry};
+    return std::find(std::begin(faults), std::end(faults), code) != std::end(faults);
+}
+
+/// A program that validates files by a schema, and how it tells of each file that it refuses.
+struct Validator
+{
+    std::string program;
+    std::string options;
+    SchemaLanguage language;
+    std::string ending;
+    std::string refusal; // behind the name of the file
+};
+
+const std::array<Validator, 4> Validators{
+    {{"xmllint", "--noout --relaxng", SchemaLanguage::RelaxNg, "rng", " fails to validate"},
+     {"xmllint", "--noout --schema", SchemaLanguage::Xsd, "xsd", " fails to validate"},
+     {"jing", "", SchemaLanguage::RelaxNg, "rng", ":"},
+     {"jing", "-c", SchemaLanguage::RelaxNgCompact, "rnc", ":"}}};
+
+bool IsThere(const std::string& program)
+{
+    return std::system(("command -v " + program + " >/dev/null 2>&1").c_str()) == 0;
+}
+
+class SchemaValidation : public ::testing::Test
+{
+protected:
+    SchemaValidation() { fs::create_directories(m_folder); }
+    ~SchemaValidation() override
+    {
+        std::error_code ignored;
+        fs::remove_all(m_folder, ignored);
+    }
+    void SetUp() override
+    {
+        for (const char* const program : {"xmllint", "jing"}) {
+            if (IsThere(program))
+                continue;
+            // Where validation is what is asked for, its absence is a failure.
+            ASSERT_EQ(std::getenv("KARMP_REQUIRE_VALIDATORS"), nullptr) << program;
+            GTEST_SKIP() << program << " is not installed (scripts/setup --ci)";
+        }
+    }
+
+    /// Adds a document, which the check tells apart into sound and faulty ones.
+    void Add(const std::string& name, const std::string& text)
+    {
+        const std::string file = "d" + std::to_string(m_documents.size()) + ".xml";
+        std::ofstream(m_folder / file, std::ios::binary) << text;
+        Document document{file, name, {}};
+        for (const Diagnostic& message : CheckText(text).items)
+            if (IsExpressible(message.code))
+                document.fault = message.path + ": " + message.text;
+        m_documents.push_back(document);
+    }
+    /// Validates what was added against the schema of a version.
+    void ExpectAgreement(std::wstring_view version = CurrentVersion)
+    {
+        for (const Validator& validator : Validators)
+            ExpectAgreement(validator, version);
+    }
+    std::size_t CountFaulty() const
+    {
+        return static_cast<std::size_t>(std::count_if(
+            m_documents.begin(), m_documents.end(),
+            [](const Document& document) { return !document.fault.empty(); }));
+    }
+    std::size_t Count() const { return m_documents.size(); }
+    void Clear() { m_documents.clear(); }
+
+private:
+    struct Document
+    {
+        std::string file;
+        std::string name;
+        std::string fault;
+    };
+
+    void ExpectAgreement(const Validator& validator, std::wstring_view version)
+    {
+        std::ofstream(m_folder / ("schema." + validator.ending), std::ios::binary)
+            << SchemaText(validator.language, version);
+        std::string command = "cd " + m_folder.string() + " && " + validator.program + ' ' +
+                              validator.options + " schema." + validator.ending;
+        for (const Document& document : m_documents)
+            command += ' ' + document.file;
+        const std::string output = OutputOf(command + " 2>&1");
+        EXPECT_EQ(output.find("schema." + validator.ending), std::string::npos) << output;
+        for (const Document& document : m_documents) {
+            const bool isRefused =
+                output.find(document.file + validator.refusal) != std::string::npos;
+            EXPECT_EQ(isRefused, !document.fault.empty())
+                << validator.program << ' ' << validator.options << ": " << document.name << ": "
+                << document.fault << LinesOn(output, document.file);
+        }
+    }
+    static std::string LinesOn(const std::string& output, const std::string& file)
+    {
+        std::istringstream lines(output);
+        std::string found;
+        for (std::string line; std::getline(lines, line);)
+            if (line.find(file) != std::string::npos)
+                found += '\n' + line;
+        return found;
+    }
+    static std::string OutputOf(const std::string& command)
+    {
+        std::string output;
+        std::FILE* const pipe = ::popen(command.c_str(), "r");
+        if (pipe == nullptr)
+            return output;
+        std::array<char, 4096> buffer{};
+        while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), pipe))
+            output.append(buffer.data(), count);
+        ::pclose(pipe);
+        return output;
+    }
+
+    fs::path m_folder =
+        fs::temp_directory_path() / ("karmp-validation-" + std::to_string(::getpid()));
+    std::vector<Document> m_documents;
+};
+
+std::vector<fs::path> Examples()
+{
+    std::vector<fs::path> examples;
+    for (const auto& entry : fs::directory_iterator(KARMP_EXAMPLE_DOCUMENTS))
+        examples.push_back(entry.path());
+    return examples;
+}
+
+/// A document with a new entity of every class that reads what it writes.
+pugi::xml_document EveryClass()
+{
+    pugi::xml_document document;
+    document.load_file((fs::path(KARMP_EXAMPLE_DOCUMENTS) / "slider-crank.xml").c_str());
+    pugi::xml_node world = document.document_element().child("World");
+    for (const EntityClass& entityClass : EntityClasses()) {
+        const auto family =
+            std::find_if(Families().begin(), Families().end(),
+                         [&](const Family& entry) { return entityClass.IsA(entry.className); });
+        QOBSharedHandle<KARMPEntity> entity;
+        if (family == Families().end() || entityClass.name == "KARMPCone" ||
+            KARFailed(KARMPFactory::Create(entityClass.name, entity)))
+            continue;
+        KARMPDocumentWriter root;
+        std::string text;
+        entity->Serialize(&root);
+        root.RenderXml(text);
+        pugi::xml_document written;
+        written.load_string(text.c_str());
+        const std::string listName = kar::ToUtf8(family->element);
+        pugi::xml_node list = world.child(listName.c_str());
+        if (!list)
+            list = world.append_child(listName.c_str());
+        list.append_copy(written.document_element().first_child());
+    }
+    return document;
+}
+
+/// Calls `visit` for the first element of each path, which leaves out twins.
+void ForEachKindOfElement(pugi::xml_document& document,
+                          const std::function<void(pugi::xml_node)>& visit)
+{
+    std::set<std::string> paths;
+    std::vector<pugi::xml_node> pending{document.document_element()};
+    while (!pending.empty()) {
+        const pugi::xml_node node = pending.back();
+        pending.pop_back();
+        if (!paths.insert(node.path()).second)
+            continue;
+        for (const pugi::xml_node child : node.children())
+            if (child.type() == pugi::node_element)
+                pending.push_back(child);
+        visit(node);
+    }
+}
+
+TEST_F(SchemaValidation, TakesTheExamplesInEveryVersion)
+{
+    for (const std::wstring_view version : KnownVersions()) {
+        Clear();
+        for (const fs::path& example : Examples()) {
+            const LoadResult loaded = LoadFile(example);
+            SaveOptions options;
+            options.version = version;
+            std::string text;
+            SaveText(loaded.world, text, options);
+            Add(example.filename().string() + " at " + kar::ToUtf8(version), text);
+        }
+        EXPECT_GT(Count(), 2U);
+        EXPECT_EQ(CountFaulty(), 0U);
+        ExpectAgreement(version);
+    }
+}
+
+TEST_F(SchemaValidation, TakesADocumentWithEveryClass)
+{
+    Add("every class", TextOf(EveryClass()));
+    EXPECT_EQ(CountFaulty(), 0U);
+    ExpectAgreement();
+}
+
+// Each kind of element and attribute is damaged in each way.
+TEST_F(SchemaValidation, RefusesWhatTheCheckTells)
+{
+    pugi::xml_document whole = EveryClass();
+    ForEachKindOfElement(whole, [&](pugi::xml_node node) {
+        const std::string path = node.path();
+        const auto damage = [&](const char* how,
+                                const std::function<void(pugi::xml_node)>& change) {
+            pugi::xml_document copy;
+            copy.reset(whole);
+            change(copy.first_element_by_path(path.c_str()));
+            Add(how + (' ' + path), TextOf(copy));
+        };
+        if (path.find("World/") == std::string::npos)
+            return;
+        damage("without", [](pugi::xml_node element) { element.parent().remove_child(element); });
+        damage("twice", [](pugi::xml_node element) {
+            element.parent().insert_copy_after(element, element);
+        });
+        damage("renamed", [](pugi::xml_node element) { element.set_name("Nothing"); });
+        damage("unknown attribute in",
+               [](pugi::xml_node element) { element.append_attribute("nothing") = "1"; });
+        damage("unknown element in",
+               [](pugi::xml_node element) { element.append_child("Nothing"); });
+        if (node.attributes().empty() && node.first_child().type() != pugi::node_element)
+            for (const char* const value : {"?", "1.5.2", "0x10", "1e", "0.5 0.6", "", "true"})
+                damage(value, [value](pugi::xml_node element) { element.text() = value; });
+        for (const pugi::xml_attribute attribute : node.attributes()) {
+            const std::string name = attribute.name();
+            damage(("without @" + name + " in").c_str(),
+                   [&name](pugi::xml_node element) { element.remove_attribute(name.c_str()); });
+            damage(("? as @" + name + " in").c_str(),
+                   [&name](pugi::xml_node element) { element.attribute(name.c_str()) = "?"; });
+        }
+    });
+    EXPECT_GT(CountFaulty(), 1000U);
+    EXPECT_GT(Count(), CountFaulty());
+    ExpectAgreement();
+}
+
+} // namespace
+
+} // namespace karmp::documents
