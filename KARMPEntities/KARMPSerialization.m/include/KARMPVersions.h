@@ -1,6 +1,7 @@
 // Versions of the element tree: the tags that gate its items, in ascending order.
 #pragma once
 
+#include <cstddef>
 #include <string_view>
 
 namespace karmp {
@@ -27,7 +28,12 @@ inline constexpr std::wstring_view CurrentVersion = R2018_1;
 /// the longer text, so that an empty version is below every tag.
 constexpr bool AtLeast(std::wstring_view version, std::wstring_view tag)
 {
-    return version.compare(tag) >= 0;
+    // The tags differ within their first characters, so that a call costs more than the loop.
+    const std::size_t size = version.size() < tag.size() ? version.size() : tag.size();
+    for (std::size_t i = 0; i < size; ++i)
+        if (version[i] != tag[i])
+            return version[i] > tag[i];
+    return version.size() >= tag.size();
 }
 
 } // namespace karmp

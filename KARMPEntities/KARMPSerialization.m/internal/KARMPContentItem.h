@@ -5,6 +5,7 @@
 #include "KARMPEnumerations.h"
 #include "KARMPFailedCheck.h"
 #include "KARMPItemKind.h"
+#include "KARMPVersions.h"
 #include "KARStatus.h"
 #include "QOBSharedHandle.h"
 
@@ -121,6 +122,13 @@ struct Item
     /// The entries of a list: how many, and one by its index.
     int (*count)(const void* owner) = nullptr;
     KARStatus (*at)(const void* owner, int index, ItemValue& value) = nullptr;
+
+    /// True when documents of a version have the item.
+    bool ExistsAt(std::wstring_view version) const
+    {
+        return (since.empty() || AtLeast(version, since)) &&
+               (until.empty() || !AtLeast(version, until));
+    }
 
     /// The place of the item in the class's source, which reports name.
     KARMPSourceLocation where{"", 0};

@@ -36,9 +36,7 @@ public:
 private:
     bool Applies(const Item& item) const
     {
-        return item.isRead && !item.isCoded &&
-               (item.since.empty() || AtLeast(m_version, item.since)) &&
-               (item.until.empty() || !AtLeast(m_version, item.until));
+        return item.isRead && !item.isCoded && item.ExistsAt(m_version);
     }
     void ReadItem(const Item& item, std::span<const Item> inner, ElementReader& element);
     void Store(const Item& item, ElementReader& element);
@@ -177,7 +175,8 @@ bool ContentReader::TakeWord(const Item& item, ElementReader& element)
     } else if (!Take(item, element, word)) {
         return false;
     }
-    const auto found = std::find(item.words.begin(), item.words.end(), word);
+    const auto found = std::find_if(item.words.begin(), item.words.end(),
+                                    [word](std::wstring_view row) { return SameName(row, word); });
     if (found == item.words.end() && item.knownWordsOnly)
         return false;
     m_value.number = found != item.words.end() ? static_cast<int>(found - item.words.begin()) : 0;
@@ -225,7 +224,8 @@ void ContentReader::ReadTransformation(const Item& item, ElementReader& element)
     else
         item.get(m_owner, m_value);
     double* const numbers = m_value.numbers.data();
-    if (ElementReader translation = child.Child(TranslationName, Absent::ReportAndKeep, item.where)) {
+    if (ElementReader translation =
+            child.Child(TranslationName, Absent::ReportAndKeep, item.where)) {
         std::fill_n(numbers, VectorNames.size(), 0.0);
         ReadDoubles(VectorNames, numbers, translation, Absent::ReportAndKeep, item.where);
     }

@@ -21,9 +21,7 @@ public:
 private:
     bool Applies(const Item& item) const
     {
-        return item.isWritten && !item.isCoded &&
-               (item.since.empty() || AtLeast(m_version, item.since)) &&
-               (item.until.empty() || !AtLeast(m_version, item.until)) &&
+        return item.isWritten && !item.isCoded && item.ExistsAt(m_version) &&
                (item.when == nullptr || item.when(m_owner));
     }
     void WriteItem(const Item& item, std::span<const Item> inner, ElementWriter& element);
