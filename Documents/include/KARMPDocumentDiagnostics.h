@@ -1,5 +1,5 @@
-// What saving, loading and checking a document have to say: messages with a severity, a stable
-// code, a place in the file and a path in the tree.
+// Messages of saving, loading and checking a document: each has a severity, a stable code, a
+// position in the file and a path in the tree.
 #pragma once
 
 #include "KARMPDocumentsExport.h"
@@ -12,8 +12,8 @@
 
 namespace karmp::documents {
 
-/// How bad a message is. After an error something of the document is lost or wrong; a warning tells
-/// of something that was skipped or looks mistaken.
+/// How bad a message is. After an error some content of the document is lost or wrong; a warning is
+/// about content that was skipped or looks mistaken.
 enum class Severity : std::uint8_t { Warning, Error };
 
 /// What a message is about. The texts of CodeText are stable, the numbers are not.
@@ -27,7 +27,7 @@ enum class Code : std::uint8_t {
     Reference,           ///< An unknown or invalid character or entity reference; kept as text.
     Doctype,             ///< The document has a document type declaration, which is refused.
     TooLarge,            ///< The document has more bytes than the limit.
-    TooDeep,             ///< An element stands deeper than the limit.
+    TooDeep,             ///< An element is deeper than the limit.
     TooManyNodes,        ///< There are more elements and attributes than the limit.
     NameTooLong,         ///< The name of an element or attribute is longer than the limit.
     TooManyDiagnostics,  ///< The list of messages ends here.
@@ -43,16 +43,16 @@ enum class Code : std::uint8_t {
     UnknownClass,        ///< No entity class belongs to the element.
     MissingElement,      ///< A required element is missing.
     MissingAttribute,    ///< A required attribute is missing.
-    InvalidValue,        ///< A text is not of the kind or word list that its element wants.
-    DuplicateElement,    ///< An element that is read once stands twice.
+    InvalidValue,        ///< A text is not of the kind or word list of its element.
+    DuplicateElement,    ///< An element that is read once occurs twice.
     DuplicateIdentifier, ///< Two entities carry one identifier; the second replaces the first.
     UnresolvedReference, ///< A reference to an identifier that no entity carries.
     WrongClass,          ///< A reference to an entity of a class that does not fit there.
     OneSidedLink,        ///< A link that the entity at its other end does not have.
-    WrongRegistry,       ///< An entity stands in the list of another family.
+    WrongRegistry,       ///< An entity is in the list of another family.
     FailedCheck,         ///< The entity library reported a failed check.
-    InvalidCast,         ///< The entity library gave up on a reference of a wrong class.
-    OutOfMemory,         ///< Memory ended.
+    InvalidCast,         ///< The entity library failed on a reference of a wrong class.
+    OutOfMemory,         ///< An allocation failed.
     Failed               ///< Anything else made the operation fail.
 };
 
@@ -68,11 +68,11 @@ struct Diagnostic
     Code code = Code::Failed;
     /// The file's name as it was given, or the name given for a text in memory.
     std::string file;
-    /// Line from 1; 0 when the message belongs to no place.
+    /// Line from 1; 0 when the message belongs to no line.
     std::size_t line = 0;
-    /// Byte in the line from 1; 0 when the message belongs to no place in the line.
+    /// Byte in the line from 1; 0 when the message belongs to no byte of the line.
     std::size_t column = 0;
-    /// The element, or attribute behind an "@", from the root:
+    /// The element, or the attribute after an "@", from the root:
     /// "/KARMPDocument/World/Bodies/Body[3]". Elements count from 1 among those of one name and
     /// parent; an only one has no number.
     std::string path;
@@ -83,7 +83,7 @@ struct Diagnostic
 /// "file:line:column: severity: text [code] at path", without the parts that are empty.
 KARMP_DOCUMENTS_API std::string Format(const Diagnostic& diagnostic);
 
-/// The messages of one operation in the order in which they came up.
+/// The messages of one operation in the order in which they were added.
 struct KARMP_DOCUMENTS_API Diagnostics
 {
     std::vector<Diagnostic> items;
@@ -94,7 +94,7 @@ struct KARMP_DOCUMENTS_API Diagnostics
     bool HasErrors() const { return Count(Severity::Error) != 0; }
     /// The first message of a code, null when there is none.
     const Diagnostic* Find(Code code) const;
-    /// Adds the messages of a further operation behind the own ones.
+    /// Appends the messages of a further operation.
     void Append(Diagnostics further);
 };
 

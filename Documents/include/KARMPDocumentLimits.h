@@ -1,4 +1,3 @@
-// How much a document may ask for, so that a damaged or hostile one ends with a message.
 #pragma once
 
 #include "KARMPDocumentsExport.h"
@@ -8,7 +7,8 @@
 
 namespace karmp::documents {
 
-/// Limits of one save, load or check. What exceeds one is an error, and nothing is saved or read.
+/// Limits of one save, load or check, so that a damaged or hostile document gives a message instead
+/// of exhausting memory. Exceeding one is an error, and nothing is saved or read.
 struct Limits
 {
     /// Bytes of the text, at most 4 GiB less one.

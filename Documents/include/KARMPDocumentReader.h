@@ -1,4 +1,4 @@
-// KARMPDocumentReader is the node of the element tree that a document is loaded into.
+// A document that is read: its nodes and the tree that they make.
 #pragma once
 
 #include "KARMPDeserializer.h"
@@ -21,14 +21,15 @@ class DocumentNodes;
 class DocumentParser;
 class DocumentSource;
 struct ElementRecord;
-struct SourcePlace;
+struct SourcePosition;
 
 } // namespace karmp::documents
 
-/// A node knows its position in the source and is filled when it is first read. The nodes of a
-/// document live as long as the karmp::documents::Document that they belong to; but what is filled
-/// below an entity's element while a KARMPReadingPlace names that element, as a world does for each
-/// entity that it reads, is freed with the KARMPReadingPlace.
+/// A node of the element tree that a document is loaded into. It knows its position in the source
+/// and is filled when it is first read. The nodes of a document live as long as the
+/// karmp::documents::Document that they belong to; but what is filled below an entity's element
+/// while a KARMPReadingPlace names that element, as a world does for each entity that it reads, is
+/// freed when the KARMPReadingPlace is destroyed.
 class KARMP_DOCUMENTS_API KARMPDocumentReader final : public KARMPDeserializer
 {
 public:
@@ -36,14 +37,14 @@ public:
 
     /// "line:column" of the element's name.
     std::wstring Location() const override;
-    /// Line of the element's name from 1, found by a search.
+    /// Line of the element's name from 1, found by a binary search.
     std::size_t Line() const;
-    /// Byte of the element's name in its line from 1, found by a search.
+    /// Byte of the element's name in its line from 1, found by a binary search.
     std::size_t Column() const;
     /// True when the element holds a text, which may be empty where there are no elements.
     bool HasText() const { return HasValue(); }
 
-    /// The memory of nodes comes from their document and is freed with it.
+    /// Does nothing: nodes are allocated in an arena of their document and freed with it.
     static void operator delete(void* memory);
 
 private:
@@ -52,7 +53,7 @@ private:
     KARMPDocumentReader(const karmp::documents::ElementRecord& record, unsigned depth,
                         karmp::documents::DocumentSource& source,
                         karmp::documents::DocumentNodes& memory);
-    karmp::documents::SourcePlace Place() const;
+    karmp::documents::SourcePosition Position() const;
 
     /// Elements above this one, as far as it matters.
     std::uint8_t m_depth;
@@ -66,11 +67,11 @@ namespace karmp::documents {
 struct WrongReference
 {
     std::uint32_t record;
-    /// Null when its node has ended.
+    /// Null when the node has been freed.
     const KARMPDocumentReader* node;
 };
 
-/// A parsed document: its tree and what there is to say about it.
+/// A parsed document: its tree and the messages about it.
 class KARMP_DOCUMENTS_API Document
 {
 public:
@@ -91,17 +92,17 @@ public:
     const std::wstring& Version() const { return m_version; }
     /// The name that messages call the document by.
     const std::string& Name() const { return m_name; }
-    /// What parsing, and the calls of Check, had to say.
+    /// The messages of parsing and of the calls of Check.
     const Diagnostics& Messages() const { return m_messages; }
 
     /// Compares the tree with what the entity classes read and adds what it finds to the messages:
     /// unknown classes, elements and attributes, missing items, values of a wrong kind, identifiers
-    /// carried twice, references to nothing or to a wrong class.
+    /// carried twice, references to unknown entities or to a wrong class.
     void Check();
 
-    /// Makes the references to a wrong class, those that Check found, lead to nothing, so that the
-    /// entity classes skip them instead of giving up on the whole document. Only attributes that
-    /// were made between the two calls, and stay, are left as they are.
+    /// Makes the references to a wrong class that Check found refer to no entity, so that the
+    /// entity classes skip them instead of failing on the whole document. Attributes that were
+    /// filled between the two calls, outside of a reading, keep their values.
     void DropWrongReferences();
 
 private:

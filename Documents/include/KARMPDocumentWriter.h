@@ -1,5 +1,4 @@
-// KARMPDocumentWriter is the node of the element tree that documents are saved from. Every text
-// form is rendered from the same tree.
+// The tree that a document is saved from.
 #pragma once
 
 #include "KARMPDocumentDiagnostics.h"
@@ -24,8 +23,9 @@ enum class Doubles {
 
 } // namespace karmp::documents
 
-/// A node without a name is the root of a document; its rendered form is a whole document with the
-/// node's version. Any other node renders as its element alone.
+/// A node of the element tree that documents are saved from. A node without a name is the root of a
+/// document; its rendered form is a whole document with the node's version. Any other node renders
+/// as its element alone.
 class KARMP_DOCUMENTS_API KARMPDocumentWriter : public KARMPSerializer
 {
 public:
@@ -42,7 +42,7 @@ public:
     KARStatus Save(const char* path) const override;
 
     /// Appends the rendered form to `bytes` as UTF-8. A name that is no XML name, an attribute that
-    /// stands twice, and a limit exceeded are errors, with `bytes` unchanged.
+    /// occurs twice, and a limit exceeded are errors, with `bytes` unchanged.
     karmp::documents::Diagnostics RenderXml(std::string& bytes,
                                             const karmp::documents::Limits& limits = {}) const;
     /// Renders into a file, which is replaced as a whole or not at all.
@@ -50,7 +50,7 @@ public:
                                           const karmp::documents::Limits& limits = {}) const;
 
 protected:
-    /// A node that stands in the memory of a tree and ends with it.
+    /// A node that is allocated in the arena of a tree and freed with it.
     explicit KARMPDocumentWriter(karmp::NodeMemory& memory) : KARMPSerializer(memory) {}
 
     KARMPSerializer* CreateChildElement() override;

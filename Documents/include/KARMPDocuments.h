@@ -1,5 +1,5 @@
-// Worlds to and from documents: saving, loading and checking. No function throws; everything there
-// is to say stands in the diagnostics.
+// Worlds to and from documents: saving, loading and checking. No function throws; errors and
+// warnings are in the diagnostics.
 #pragma once
 
 #include "KARMPDocumentDiagnostics.h"
@@ -32,11 +32,11 @@ struct SaveOptions
     Limits limits;
 };
 
-/// Saves a world to a file. The document is written to a new file in the same folder, which takes
-/// the place of the old one when all of it is on the disk: a failure leaves the old file as it was.
-/// The permissions of a file that is replaced are kept; a symbolic link stays one, and the file it
-/// leads to is replaced. Failed checks of the library are warnings; after an error nothing was
-/// saved.
+/// Saves a world to a file. The document is written to a new file in the same folder, which
+/// replaces the existing one when all of it is on the disk: a failure leaves the existing file as
+/// it was. The permissions of a file that is replaced are kept; a symbolic link stays one, and the
+/// file it leads to is replaced. Failed checks of the library are warnings; after an error nothing
+/// was saved.
 KARMP_DOCUMENTS_API Diagnostics SaveFile(const QOBSharedHandle<KARMPWorld>& world,
                                          const std::filesystem::path& path,
                                          const SaveOptions& options = {});

@@ -9,11 +9,11 @@
 
 namespace karmp::documents {
 
-/// Writes a file so that at any time either the old or the new content stands under its name: by a
+/// Writes a file so that at any time its name refers to either the old or the new content: by a
 /// temporary file in the same folder, which is synchronised and renamed. What is no regular file (a
 /// device, a pipe) is written directly. Permissions of a replaced file are kept; a symbolic link
-/// stays one, and the file it leads to is replaced. After an error, told in the diagnostics, the
-/// old file is as it was and nothing is left of the new one. Does not throw.
+/// stays one, and the file it leads to is replaced. After an error, reported in the diagnostics,
+/// the existing file is as it was and the temporary one is removed. Does not throw.
 KARMP_DOCUMENTS_API Diagnostics WriteWholeFile(const std::filesystem::path& path,
                                                std::string_view bytes);
 

@@ -1,4 +1,3 @@
-// Gathers the small pieces of a text before they are appended to it.
 #pragma once
 
 #include <algorithm>
@@ -13,8 +12,9 @@
 
 namespace karmp::documents {
 
-/// A piece costs no call and no test of the text's room; what was put shows in the text after
-/// Flushed.
+/// Collects short pieces of a text in a fixed array before they are appended to the text, so that a
+/// piece costs no call and no check of the text's capacity. What was put is in the text after a
+/// call of Flushed.
 class ByteBuffer
 {
 public:
@@ -22,7 +22,7 @@ public:
 
     void Put(char byte)
     {
-        MakeRoom(1);
+        EnsureCapacity(1);
         m_pending[m_count++] = byte;
     }
 
@@ -32,7 +32,7 @@ public:
             Flushed().append(piece);
             return;
         }
-        MakeRoom(piece.size());
+        EnsureCapacity(piece.size());
         Copy(piece, m_pending.data() + m_count);
         m_count += piece.size();
     }
@@ -50,22 +50,22 @@ public:
             Put('1');
             return;
         }
-        MakeRoom(LongestNumber);
+        EnsureCapacity(LongestNumber);
         char* const begin = m_pending.data() + m_count;
         m_count += static_cast<std::size_t>(std::to_chars(begin, begin + LongestNumber, value).ptr -
                                             begin);
     }
 
-    /// Appends a text of ASCII characters that stand for themselves wherever they are; false, with
-    /// nothing appended, when it holds anything else, has a blank at an end or is long.
+    /// Appends a text of ASCII characters that need no escape anywhere; false, with nothing
+    /// appended, when it holds other characters, begins or ends with a blank, or is long.
     bool PutPlain(std::wstring_view text)
     {
         if (text.empty())
             return true;
         if (text.size() > LongestPiece || text.front() == L' ' || text.back() == L' ')
             return false;
-        MakeRoom(text.size());
-        // Without a way out in between, the characters go fast.
+        EnsureCapacity(text.size());
+        // A loop without an early exit is vectorised.
         std::uint32_t all = 0;
         bool isPlain = true;
         std::transform(text.begin(), text.end(), m_pending.begin() + m_count,
@@ -103,7 +103,7 @@ private:
         return table;
     }();
 
-    // Most pieces are shorter than what a call to copy them costs.
+    // For most pieces a call of memcpy takes longer than the copy itself.
     static void Copy(std::string_view piece, char* to)
     {
         const std::size_t size = piece.size();
@@ -114,10 +114,10 @@ private:
         else if (size >= sizeof(std::uint32_t))
             CopyEnds<std::uint32_t>(piece, to);
         else
-            for (std::size_t place = 0; place < size; ++place)
-                to[place] = piece[place];
+            for (std::size_t index = 0; index < size; ++index)
+                to[index] = piece[index];
     }
-    // Copies as many bytes as a word has from either end; they may overlap.
+    // Copies a word from either end; the two may overlap.
     template <class Word>
     static void CopyEnds(std::string_view piece, char* to)
     {
@@ -130,7 +130,7 @@ private:
         std::memcpy(to + last, &second, sizeof(Word));
     }
 
-    void MakeRoom(std::size_t count)
+    void EnsureCapacity(std::size_t count)
     {
         if (m_count + count > PendingSize)
             Flushed();

@@ -45,7 +45,7 @@ Document& Document::operator=(Document&& other) noexcept
     return *this;
 }
 
-// The nodes end with the source, the memory that they and all their parts stand in.
+// The source owns the arenas of the nodes and of all their parts.
 Document::~Document() = default;
 
 Document Document::ReadFile(const std::filesystem::path& path, const Limits& limits)

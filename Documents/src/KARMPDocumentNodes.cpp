@@ -29,14 +29,14 @@ std::string_view Trimmed(std::string_view text)
     return text.substr(first, text.find_last_not_of(Blanks) - first + 1);
 }
 
-// False when there is nothing to append.
+// False when there is no text to append.
 bool AppendText(std::wstring& text, std::string_view raw, bool trimmed)
 {
     if (trimmed)
         raw = Trimmed(raw);
     if (raw.empty())
         return false;
-    AppendDecoded(text, raw, TextPlace::Element);
+    AppendDecoded(text, raw, TextContext::Element);
     return true;
 }
 
@@ -52,7 +52,7 @@ bool DocumentNodes::IsRead(const KARMPDocumentReader& node)
     return node.m_source.IsRead(node);
 }
 
-// The next record tells where the attributes end.
+// The attributes end where those of the next record begin.
 inline std::uint8_t DocumentNodes::PartsToFill(const ElementRecord& record) noexcept
 {
     unsigned parts = (&record)[1].attributes != record.attributes ? AttributesPart : NoPart;
@@ -60,7 +60,7 @@ inline std::uint8_t DocumentNodes::PartsToFill(const ElementRecord& record) noex
     return static_cast<std::uint8_t>(parts);
 }
 
-// The text of an element without children is nearly always the bytes themselves.
+// The text of an element without children is nearly always plain.
 inline void DocumentNodes::Begin(KARMPDocumentReader& node) noexcept
 {
     if (node.m_record.Kind() == TextKind::Plain)
@@ -97,7 +97,7 @@ DocumentNodes& DocumentNodes::ContentMemory(const KARMPDeserializer& node)
     return source.IsRead(NodeOf(node)) ? source.ReadNodes() : *this;
 }
 
-// What is filled already belongs to whoever asked for it.
+// Content that was filled before stays with the caller that asked for it.
 void DocumentNodes::BeginReading(const KARMPDeserializer& read) noexcept
 {
     const KARMPDocumentReader& node = NodeOf(read);
@@ -110,7 +110,7 @@ void DocumentNodes::EndReading(const KARMPDeserializer& read) noexcept
 {
     DocumentSource& source = NodeOf(read).m_source;
     if (source.IsRead(NodeOf(read)) && source.EndReading()) {
-        auto& node = const_cast<KARMPDocumentReader&>(NodeOf(read)); // none is made as a constant
+        auto& node = const_cast<KARMPDocumentReader&>(NodeOf(read)); // no node is created const
         NodeBuilder::Forget(node);
         Begin(node);
     }
@@ -154,7 +154,7 @@ void DocumentNodes::FillAttributes(KARMPDeserializer& empty)
             attributes.push_back({records.names[attribute.name], AsciiText{value}});
         } else {
             text.clear();
-            AppendDecoded(text, value, TextPlace::Attribute);
+            AppendDecoded(text, value, TextContext::Attribute);
             attributes.push_back({records.names[attribute.name], NodeText::Copy(text, memory)});
         }
     }
@@ -174,15 +174,15 @@ void DocumentNodes::FillContent(KARMPDeserializer& empty)
     const ElementRecord* const records = source.Records().elements.data();
     std::vector<KARMPDeserializer*>& children = source.ToCollect().children;
     children.clear();
-    const ElementRecord* const behind = records + node.m_record.behind;
-    for (const ElementRecord* child = &node.m_record + 1; child != behind;
-         child = records + child->behind)
+    const ElementRecord* const end = records + node.m_record.end;
+    for (const ElementRecord* child = &node.m_record + 1; child != end;
+         child = records + child->end)
         children.push_back(memory.Make(*child, node.m_depth + 1U, source));
     FillText(node, memory);
     NodeBuilder::AddElements(node, children, memory);
 }
 
-// Where there are elements as well, literal blanks at the ends of a piece are indentation.
+// Beside elements, literal blanks at the ends of a piece are indentation.
 void DocumentNodes::FillText(KARMPDocumentReader& node, NodeMemory& memory)
 {
     const ElementRecord& record = node.m_record;
@@ -191,10 +191,10 @@ void DocumentNodes::FillText(KARMPDocumentReader& node, NodeMemory& memory)
     DocumentSource& source = node.m_source;
     std::wstring& text = source.ToCollect().text;
     text.clear();
-    const bool hasElements = record.behind != Number(node) + 1;
+    const bool hasElements = record.end != Number(node) + 1;
     bool hasText = !hasElements;
     if (record.Kind() == TextKind::Raw) {
-        AppendDecoded(text, source.At(record.text), TextPlace::Element);
+        AppendDecoded(text, source.At(record.text), TextContext::Element);
     } else {
         const std::vector<PieceRecord>& pieces = source.Records().pieces;
         std::uint32_t next = record.text;

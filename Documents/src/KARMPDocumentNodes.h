@@ -1,4 +1,3 @@
-// The memory of a document's nodes, and how they are filled from the document's records.
 #pragma once
 
 #include "KARMPDocumentReader.h"
@@ -10,9 +9,10 @@
 
 namespace karmp::documents {
 
-/// A document has two of these: one for the nodes that stay, one for what is filled while an entity
-/// is read. A node that is filled allocates its children in the memory that it stands in itself, an
-/// entity's node that is read in the second one.
+/// An arena of a document's nodes that fills them from the document's records. A document has two:
+/// one for the nodes that stay, one for what is filled while an entity is read. A node's children
+/// are allocated in the node's own arena, those of the entity's node that is read in the second
+/// one.
 class DocumentNodes final : public NodeSource
 {
 public:
@@ -33,7 +33,7 @@ public:
     static bool IsRead(const KARMPDocumentReader& node);
     /// The parts of a node that are filled when they are first read.
     static std::uint8_t PartsToFill(const ElementRecord& record) noexcept;
-    /// Gives a node what it holds before it is filled.
+    /// Sets what a node holds before it is filled: a plain text.
     static void Begin(KARMPDocumentReader& node) noexcept;
 
 private:

@@ -1,4 +1,3 @@
-// Parses the bytes of a document into records, and checks all of them before a node is made.
 #pragma once
 
 #include "KARMPDocumentReader.h"
@@ -15,7 +14,8 @@
 
 namespace karmp::documents {
 
-/// One run over one document: what it finds are messages, and a root when there is a tree.
+/// Parses the bytes of one document into records and checks all of them before a node is created.
+/// Gives messages, and a root when there is a tree.
 class DocumentParser
 {
 public:
@@ -25,7 +25,7 @@ public:
     static Document ReadText(std::string text, std::string name, const Limits& limits);
 
 private:
-    /// Visits what the parser made in the order of the document.
+    /// Visits the nodes of the XML parser in the order of the document.
     class Walk;
 
     DocumentParser(Document& document, std::string text);
@@ -33,7 +33,7 @@ private:
     void Run();
     bool CheckBytes();
     bool Parse();
-    bool TellParseError(const pugi::xml_parse_result& result);
+    bool ReportParseError(const pugi::xml_parse_result& result);
     bool FindRoot(pugi::xml_node& root);
     bool CheckDeclaration(const pugi::xml_node& declaration);
     bool ReadVersion(const pugi::xml_node& root);
@@ -46,17 +46,17 @@ private:
     Offset OffsetOf(const char* text) const;
     RepeatedNames::Name NameOf(const char* bytes);
     bool StandsForItself(const char* raw) const;
-    void TellRepeatedAttributes(const pugi::xml_node& element, std::size_t first);
+    void ReportRepeatedAttributes(const pugi::xml_node& element, std::size_t first);
     void CheckReferences(const char* raw, const pugi::xml_node& element, const char* attribute);
     bool CountNode() { return ++m_nodes <= m_document.m_limits.nodes; }
-    bool TellTooMany(SourcePlace place, const pugi::xml_node& inside);
-    bool TellTooLong(std::string_view name, std::string_view kind, SourcePlace place,
-                     const pugi::xml_node& inside);
-    bool Fail(Code code, std::string text, SourcePlace place, std::string path = {});
-    SourcePlace PlaceOf(const char* text) const;
+    bool ReportTooMany(SourcePosition position, const pugi::xml_node& inside);
+    bool ReportTooLong(std::string_view name, std::string_view kind, SourcePosition position,
+                       const pugi::xml_node& inside);
+    bool Fail(Code code, std::string text, SourcePosition position, std::string path = {});
+    SourcePosition PositionOf(const char* text) const;
     std::string Path(pugi::xml_node element) const;
 
-    /// An element that is not closed yet.
+    /// An open element: its index and that of its last piece of text.
     struct Open
     {
         std::uint32_t number;
@@ -72,7 +72,7 @@ private:
     std::vector<Open> m_open;
     std::size_t m_nodes = 0;
     bool m_hasReferences = false;
-    /// Line feeds are the only bytes that may not stand for themselves, in attributes.
+    /// Line feeds in attributes are the only bytes that need decoding.
     bool m_isClean = false;
     std::wstring m_value;
 };

@@ -8,7 +8,7 @@ namespace karmp::documents {
 
 namespace {
 
-constexpr std::size_t LongestWay = 64;
+constexpr std::size_t LongestPath = 64;
 
 // The number of a node among the children of its name, from 1; 0 when it is the only one.
 std::ptrdiff_t NumberAmongSiblings(const KARMPDeserializer& parent, const KARMPDeserializer& node)
@@ -30,14 +30,14 @@ bool IsChild(const KARMPDeserializer& parent, const KARMPDeserializer& node)
 std::string PathText(const Way& way, std::wstring_view attribute)
 {
     std::string path;
-    for (std::size_t place = 0; place < way.size() && place < LongestWay; ++place) {
+    for (std::size_t depth = 0; depth < way.size() && depth < LongestPath; ++depth) {
         path += '/';
-        AppendUtf8(path, way[place]->Id());
-        const auto number = place > 0 ? NumberAmongSiblings(*way[place - 1], *way[place]) : 0;
+        AppendUtf8(path, way[depth]->Id());
+        const auto number = depth > 0 ? NumberAmongSiblings(*way[depth - 1], *way[depth]) : 0;
         if (number > 0)
             path += '[' + std::to_string(number) + ']';
     }
-    if (way.size() > LongestWay)
+    if (way.size() > LongestPath)
         path += "/...";
     if (!attribute.empty()) {
         path += "/@";

@@ -2,29 +2,29 @@
 
 #include "KARMPDocumentSource.h"
 
-using karmp::documents::SourcePlace;
+using karmp::documents::SourcePosition;
 
 KARMPDocumentReader::~KARMPDocumentReader() = default;
 
 std::wstring KARMPDocumentReader::Location() const
 {
-    const SourcePlace place = Place();
-    return std::to_wstring(place.line) + L':' + std::to_wstring(place.column);
+    const SourcePosition position = Position();
+    return std::to_wstring(position.line) + L':' + std::to_wstring(position.column);
 }
 
 std::size_t KARMPDocumentReader::Line() const
 {
-    return Place().line;
+    return Position().line;
 }
 
 std::size_t KARMPDocumentReader::Column() const
 {
-    return Place().column;
+    return Position().column;
 }
 
-SourcePlace KARMPDocumentReader::Place() const
+SourcePosition KARMPDocumentReader::Position() const
 {
-    return m_source.Lines().Find(m_record.place);
+    return m_source.Lines().Find(m_record.nameOffset);
 }
 
 void KARMPDocumentReader::operator delete(void* /*memory*/) {}

@@ -1,4 +1,3 @@
-// The bytes of a document, the records of its elements and the memory of its nodes.
 #pragma once
 
 #include "KARMPDocumentNodes.h"
@@ -13,8 +12,8 @@
 
 namespace karmp::documents {
 
-/// What the nodes of a document are filled from. The nodes stand in two memories: one for those that
-/// stay, and one for what is filled while an entity is read, which is used again for the next one.
+/// The bytes of a document, the records of its elements, and two arenas of nodes: one for nodes
+/// that stay, and one for what is filled while an entity is read, which is reused for the next one.
 class DocumentSource
 {
 public:
@@ -22,9 +21,9 @@ public:
     DocumentSource(const DocumentSource&) = delete;
     DocumentSource& operator=(const DocumentSource&) = delete;
 
-    /// The bytes, which the parser changes once their lines are found.
+    /// The bytes, which the parser modifies once their lines are found.
     std::string& Text() { return m_text; }
-    /// Finds the lines of at most 4 GiB less one.
+    /// Finds the lines of the bytes, which are at most 4 GiB less one.
     void FindLines() { m_lines = SourceText(m_text); }
     const SourceText& Lines() const { return m_lines; }
     /// The records, which refer to the bytes.
@@ -36,26 +35,27 @@ public:
     /// Makes the root's node, at a version that all its nodes share.
     KARMPDocumentReader* MakeRoot(std::wstring_view version);
     const NodeText& Version() const { return m_version; }
-    /// The memory of the nodes that stay, and of other texts of the document.
+    /// The arena of the nodes that stay and of the document's names.
     DocumentNodes& Nodes() { return m_nodes; }
-    /// The bytes at a place, up to a null.
+    /// The bytes at an offset, up to a null.
     const char* At(Offset offset) const { return offset != NoOffset ? m_text.data() + offset : ""; }
 
-    /// Begins the reading of an entity's node, of one at a time: another one that begins meanwhile
-    /// keeps what is filled of it.
+    /// Begins the reading of an entity's node, one at a time: another one whose reading begins
+    /// meanwhile keeps what is filled of it.
     void BeginReading(const KARMPDocumentReader& entity) noexcept
     {
         m_read = m_read == nullptr ? &entity : m_read;
         m_readings += m_read == &entity ? 1U : 0U;
     }
-    /// Ends the reading that began last. True when none is left, so that what was filled is freed.
+    /// Ends the reading that began last. True when no reading is open, so that what was filled
+    /// is freed.
     bool EndReading() noexcept;
     bool IsRead(const KARMPDocumentReader& entity) const noexcept { return m_read == &entity; }
-    /// The memory for what is filled of the entity that is read.
+    /// The arena of what is filled of the entity that is read.
     DocumentNodes& ReadNodes() { return m_readNodes; }
 
-    /// Gives the elements of these numbers an identifier that nobody carries when their attributes
-    /// are filled.
+    /// Gives the elements of these indices an identifier that no entity carries when their
+    /// attributes are filled.
     void DropReferences(std::vector<std::uint32_t> numbers, std::wstring unused);
     bool IsDropped(std::uint32_t number) const
     {
@@ -63,7 +63,7 @@ public:
     }
     const std::wstring& Unused() const { return m_unused; }
 
-    /// What is collected for a node while it is filled.
+    /// Buffers for the content of the node that is being filled.
     struct Collected
     {
         std::vector<ReadAttribute> attributes;

@@ -1,7 +1,7 @@
 #include "KARMPDocumentWriter.h"
 
 #include "KARMPMessages.h"
-#include "KARMPTextRoom.h"
+#include "KARMPTextCapacity.h"
 #include "KARMPWholeFile.h"
 #include "KARMPXmlRenderer.h"
 #include "KARTextConversion.h"
@@ -39,12 +39,12 @@ Diagnostics KARMPDocumentWriter::RenderXml(std::string& bytes, const Limits& lim
     const std::size_t before = bytes.size();
     bool rendered = false;
     try {
-        // A text of a model takes a quarter of what its tree does.
+        // The text of a model takes about a quarter of the size of its tree.
         if (GetId().empty())
-            karmp::documents::MakeRoom(bytes, Memory()->Size() / 3);
+            karmp::documents::ReserveMore(bytes, Memory()->Size() / 3);
         rendered = karmp::documents::XmlRenderer(bytes, limits, messages).Render(*this);
     } catch (const std::bad_alloc&) {
-        messages.Error(Code::OutOfMemory, "memory ended while the document was written");
+        messages.Error(Code::OutOfMemory, "an allocation failed while the document was written");
     } catch (const std::length_error&) {
         messages.Error(Code::OutOfMemory, "the document is too large for memory");
     }

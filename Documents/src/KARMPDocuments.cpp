@@ -6,7 +6,7 @@
 #include "KARMPFamilies.h"
 #include "KARMPReadingPlace.h"
 #include "KARMPStreamedTree.h"
-#include "KARMPTextRoom.h"
+#include "KARMPTextCapacity.h"
 #include "KARMPWholeFile.h"
 #include "KARMPWorld.h"
 #include "QOBBasicWorld.h"
@@ -27,9 +27,11 @@ namespace {
 class CheckListener final : private KARMPFailedCheckListener
 {
 public:
-    /// `deed` says what the library was doing, `root` from what it read, if it did.
-    CheckListener(Messages& messages, std::string deed, const KARMPDocumentReader* root = nullptr)
-        : m_messages(messages), m_deed(std::move(deed)), m_root(root)
+    /// `activity` says what the library does; `root` is the tree that it reads, null when it
+    /// writes.
+    CheckListener(Messages& messages, std::string activity,
+                  const KARMPDocumentReader* root = nullptr)
+        : m_messages(messages), m_activity(std::move(activity)), m_root(root)
     {}
 
 private:
@@ -39,7 +41,7 @@ private:
             return;
         const std::string_view path = file != nullptr ? file : "";
         const std::string_view name = path.substr(path.find_last_of('/') + 1);
-        std::string text = "a check of the library failed while " + m_deed + ": " +
+        std::string text = "a check of the library failed while " + m_activity + ": " +
                            std::string(name) + ':' + std::to_string(line);
         const Way way = m_root != nullptr ? FindWay(*m_root, KARMPReadingPlace::Current()) : Way();
         if (way.empty()) {
@@ -52,29 +54,30 @@ private:
     }
 
     Messages& m_messages;
-    std::string m_deed;
+    std::string m_activity;
     const KARMPDocumentReader* m_root;
 };
 
-std::string While(std::string_view event, std::string_view deed)
+std::string While(std::string_view event, std::string_view activity)
 {
-    return std::string(event) + " while " + std::string(deed);
+    return std::string(event) + " while " + std::string(activity);
 }
 
-// Runs a part of an operation and turns every exception into a message. False after one.
+// Runs a part of an operation and makes every exception a message. False after one.
 template <class Part>
-bool Guarded(Messages& messages, std::string_view deed, Part part)
+bool Guarded(Messages& messages, std::string_view activity, Part part)
 {
     try {
         part();
         return true;
     } catch (const QOBEInvalidCast&) {
         messages.Error(Code::InvalidCast,
-                       While("the library gave up", deed) + ": a reference has a wrong class");
+                       While("the library gave up", activity) + ": a reference has a wrong class");
     } catch (const std::bad_alloc&) {
-        messages.Error(Code::OutOfMemory, While("memory ended", deed));
+        messages.Error(Code::OutOfMemory, While("an allocation failed", activity));
     } catch (const std::exception& exception) {
-        messages.Error(Code::Failed, While("the library gave up", deed) + ": " + exception.what());
+        messages.Error(Code::Failed,
+                       While("the library gave up", activity) + ": " + exception.what());
     }
     return false;
 }
@@ -105,14 +108,14 @@ Diagnostics RenderWorld(const QOBSharedHandle<KARMPWorld>& world, const std::str
         messages.Error(Code::Failed, "there is no world to save");
         return diagnostics;
     }
-    constexpr std::string_view deed = "the world was written";
-    Guarded(messages, deed, [&] {
-        MakeRoom(bytes, ExpectedSize(*world));
+    constexpr std::string_view activity = "the world was written";
+    Guarded(messages, activity, [&] {
+        ReserveMore(bytes, ExpectedSize(*world));
         Diagnostics rendered;
         Messages renderMessages(rendered, name, options.limits.diagnostics);
         StreamedTree tree(options.version, options.doubles, bytes, options.limits, renderMessages);
         {
-            const CheckListener listener(messages, std::string(deed));
+            const CheckListener listener(messages, std::string(activity));
             if (KARFailed(world->Serialize(&tree.Root()))) {
                 messages.Error(Code::Failed, "the world could not be written");
                 return;
@@ -124,15 +127,15 @@ Diagnostics RenderWorld(const QOBSharedHandle<KARMPWorld>& world, const std::str
     return diagnostics;
 }
 
-// Reads a tree into `into` or a new world. False when the library gave up on a reference.
+// Reads a tree into `into` or a new world. False when the reading failed on a reference.
 bool ReadWorld(const Document& document, const QOBSharedHandle<KARMPWorld>& into,
                LoadResult& result, Messages& messages)
 {
-    const std::string deed = "the world was read";
+    const std::string activity = "the world was read";
     bool castFailed = false;
-    Guarded(messages, deed, [&] {
+    Guarded(messages, activity, [&] {
         result.world = into ? into : KARMPWorld::create(QOBBasicWorld::create(L"World"));
-        const CheckListener listener(messages, deed, document.Root());
+        const CheckListener listener(messages, activity, document.Root());
         try {
             if (KARFailed(result.world->Deserialize(document.Root())))
                 messages.Error(Code::Failed, "the document holds no world",
@@ -161,7 +164,7 @@ LoadResult LoadDocument(Document document, const LoadOptions& options,
     }
     result.diagnostics = document.Messages();
     Messages messages(result.diagnostics, document.Name(), options.limits.diagnostics);
-    // What the library gave up on is found by a check, and a new world can be begun again.
+    // A check finds the reference that the reading failed on; a new world can be read once more.
     if (!ReadWorld(document, into, result, messages) && !options.check && !into) {
         document.Check();
         document.DropWrongReferences();

@@ -25,7 +25,7 @@ std::string SystemText(int error)
     return std::generic_category().message(error);
 }
 
-/// An open file; an unlinked one when it is dropped before it took its name.
+/// An open file; it is closed with the object, and removed while it has a temporary name.
 class File
 {
 public:
@@ -84,7 +84,7 @@ bool CannotRead(Messages& messages, Code code, const std::string& what)
     return false;
 }
 
-// A name in the folder of `target` that no other writer takes.
+// A name in the folder of `target` that no other writer uses.
 std::string TemporaryName(const fs::path& target)
 {
     constexpr std::size_t longest = 200;
@@ -94,7 +94,7 @@ std::string TemporaryName(const fs::path& target)
     return (target.parent_path() / ('.' + file + '.' + number + ".tmp")).string();
 }
 
-// The file that takes the name's place: a link leads to it, so that the link itself stays.
+// The file to write: for a symbolic link the file that it refers to, so that the link itself stays.
 fs::path TargetOf(const fs::path& path)
 {
     std::error_code error;
@@ -108,7 +108,7 @@ fs::path TargetOf(const fs::path& path)
     return target;
 }
 
-bool WriteInPlace(const fs::path& path, std::string_view bytes, Messages& messages)
+bool WriteDirectly(const fs::path& path, std::string_view bytes, Messages& messages)
 {
     File file(Open(path.c_str(), O_WRONLY));
     if (!file.IsOpen() || !WriteAll(file.Get(), bytes) || !file.Close())
@@ -117,7 +117,7 @@ bool WriteInPlace(const fs::path& path, std::string_view bytes, Messages& messag
 }
 
 // The new name is on the disk when the folder is. A folder that cannot be synchronised, as on some
-// file systems, does not undo what was written.
+// file systems, is no error: the content is written.
 void SynchroniseFolder(const fs::path& target)
 {
     const fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
@@ -137,7 +137,7 @@ bool Replace(const fs::path& target, const struct stat* old, std::string_view by
         return CannotWrite(messages, "cannot create a file in the folder", errno);
     file.SetTemporary(temporary);
     if (old != nullptr) {
-        // Only some users may give files away: the content counts more than its owner.
+        // Only privileged users may change the owner: the content matters more than the owner.
         if (::fchown(file.Get(), old->st_uid, old->st_gid) != 0 &&
             ::fchown(file.Get(), static_cast<uid_t>(-1), old->st_gid) != 0)
             errno = 0;
@@ -166,7 +166,7 @@ bool Write(const fs::path& path, std::string_view bytes, Messages& messages)
     if (S_ISDIR(old.st_mode))
         return CannotWrite(messages, "cannot write the file", EISDIR);
     if (!S_ISREG(old.st_mode))
-        return WriteInPlace(target, bytes, messages);
+        return WriteDirectly(target, bytes, messages);
     if (::faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0)
         return CannotWrite(messages, "cannot write the file", errno);
     return Replace(target, &old, bytes, messages);
@@ -201,7 +201,7 @@ bool ReadWholeFile(const fs::path& path, std::size_t limit, std::string& bytes, 
         }
         if (got == 0)
             break;
-        // A stream without end has mostly no text in it either.
+        // A stream without end, such as a device, mostly holds null bytes: no document.
         if (!regular &&
             std::string_view(bytes).substr(done, static_cast<std::size_t>(got)).find('\0') !=
                 std::string_view::npos) {

@@ -9,7 +9,7 @@
 
 namespace karmp::documents {
 
-/// Reads a file of up to `limit` bytes. False after an error, which is told.
+/// Reads a file of up to `limit` bytes. False after an error, which is reported.
 bool ReadWholeFile(const std::filesystem::path& path, std::size_t limit, std::string& bytes,
                    Messages& messages);
 

@@ -6,12 +6,12 @@ namespace karmp::documents {
 
 namespace {
 
-// A text that does not stand for itself has an escape or a character beyond ASCII in this form, so
-// that it differs from those that do.
+// The form of a text that needs decoding has an escape or a character beyond ASCII, so that it
+// differs from every text that needs none.
 std::string FormOf(std::wstring_view text)
 {
     std::string form;
-    AppendEscaped(form, text, TextPlace::Attribute);
+    AppendEscaped(form, text, TextContext::Attribute);
     return form;
 }
 

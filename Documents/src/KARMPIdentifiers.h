@@ -1,4 +1,3 @@
-// The identifiers of a document as numbers.
 #pragma once
 
 #include "KARMPDeserializer.h"
@@ -12,21 +11,21 @@
 
 namespace karmp::documents {
 
-/// Equal identifiers have one number; numbers count from 0.
+/// Maps the identifiers of a document to numbers: equal identifiers have one number, from 0.
 class Identifiers
 {
 public:
-    /// The number of an element's attribute "id", which gets one if it is new; nothing when there
-    /// is none.
+    /// The number of an element's attribute "id", a new one for a new identifier; empty when the
+    /// element has no "id".
     std::optional<std::uint32_t> Of(const KARMPDeserializer& node);
-    /// True when an element asked about carries the identifier.
+    /// True when an element that Of was called with carries the identifier.
     bool Know(std::wstring_view identifier) const;
     /// One more than the last number.
     std::uint32_t Count() const { return static_cast<std::uint32_t>(m_numbers.size()); }
 
 private:
     std::unordered_map<std::string_view, std::uint32_t> m_numbers;
-    /// The texts that are not bytes of the document.
+    /// Identifiers whose form is not in the bytes of the document.
     std::deque<std::string> m_texts;
 };
 

@@ -1,4 +1,3 @@
-// Collects the messages of one operation up to the limit.
 #pragma once
 
 #include "KARMPDocumentDiagnostics.h"
@@ -8,6 +7,7 @@
 
 namespace karmp::documents {
 
+/// Collects the messages of one operation up to the limit.
 class Messages
 {
 public:
@@ -16,7 +16,7 @@ public:
         : m_target(target), m_name(std::move(name)), m_limit(limit)
     {}
 
-    /// True when further messages are dropped, so that nobody need work them out.
+    /// True when further messages are dropped, so that they need not be composed.
     bool Full() const { return m_target.items.size() > m_limit; }
     void Add(Severity severity, Code code, std::string text, std::string path = {},
              std::size_t line = 0, std::size_t column = 0);

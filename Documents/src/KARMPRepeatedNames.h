@@ -1,4 +1,3 @@
-// Names that occur again and again in a document, decoded once.
 #pragma once
 
 #include "KARMPNodeStorage.h"
@@ -17,22 +16,22 @@
 
 namespace karmp::documents {
 
-/// A table from bytes to names that forgets: two names with one place push each other out, so that
-/// its size does not depend on the document. Names mostly follow each other as they did before, so
-/// that the ones last asked for tell where to look first.
+/// A cache of the names of a document, from their bytes to their decoded form. Two names with one
+/// slot replace each other, so that the size of the cache does not depend on the document. Names
+/// usually follow each other in a repeated order, so that the last ones asked for predict the next.
 class RepeatedNames
 {
 public:
     struct Name
     {
-        /// In the list of all names; of no meaning for a name that is too long.
+        /// The index in the list of all names; meaningless for a name that is too long.
         std::uint32_t number = 0;
-        /// In bytes.
+        /// The length in bytes.
         std::size_t size = 0;
     };
 
-    /// Appends names of up to `longest` bytes to `names`; what they do not share stands in
-    /// `memory`.
+    /// Appends names of up to `longest` bytes to `names`; texts that are not shared by the process
+    /// are allocated in `memory`.
     RepeatedNames(std::vector<NodeText>& names, NodeMemory& memory, std::size_t longest)
         : m_names(names), m_memory(memory), m_longest(longest)
     {
@@ -41,7 +40,7 @@ public:
     RepeatedNames(const RepeatedNames&) = delete;
     RepeatedNames& operator=(const RepeatedNames&) = delete;
 
-    /// The name of the bytes up to a null, which must stay where they are and end before `end`.
+    /// The name of the bytes up to a null, which must not move and must end before `end`.
     Name Get(const char* bytes, const char* end)
     {
         const auto left = static_cast<std::size_t>(end - bytes);
@@ -71,7 +70,7 @@ private:
             std::memcpy(&m_mask, mask.data(), sizeof m_mask);
             std::memcpy(&m_first, m_bytes, count);
             if (text.size() >= sizeof(Word))
-                m_last = Load(m_bytes + LastPlace());
+                m_last = Load(m_bytes + LastOffset());
         }
         /// Compares up to the null; `left` bytes may be read.
         bool Is(const char* bytes, std::size_t left) const
@@ -80,7 +79,7 @@ private:
                 return false;
             if (name.size < sizeof(Word))
                 return true;
-            return Load(bytes + LastPlace()) == m_last &&
+            return Load(bytes + LastOffset()) == m_last &&
                    (name.size < 2 * sizeof(Word) || std::memcmp(bytes, m_bytes, name.size) == 0);
         }
         bool Is(std::string_view text) const
@@ -91,14 +90,14 @@ private:
         Name name;
 
     private:
-        /// Null for nothing, which equals nothing.
+        /// Null for an empty entry, which equals no name.
         const char* m_bytes = nullptr;
-        std::size_t LastPlace() const { return name.size + 1 - sizeof(Word); }
+        std::size_t LastOffset() const { return name.size + 1 - sizeof(Word); }
 
-        /// The first bytes, the null included; nothing equals what is not masked.
+        /// The first bytes, the null included; an empty entry has a bit outside of its mask.
         Word m_mask = 0;
         Word m_first = 1;
-        /// The last ones of a longer name, the null included.
+        /// The last bytes of a longer name, the null included.
         Word m_last = 0;
     };
     struct Guesses
@@ -108,7 +107,7 @@ private:
     };
     static constexpr Word Mixer = 0x9E3779B97F4A7C15U;
     static constexpr unsigned GuessBits = 9;
-    static constexpr std::size_t PlaceCount = 512;
+    static constexpr std::size_t SlotCount = 512;
 
     static Word Load(const char* bytes)
     {
@@ -124,7 +123,7 @@ private:
             m_tooLong.name.size = text.size();
             return m_tooLong;
         }
-        Entry& entry = m_entries[std::hash<std::string_view>()(text) % PlaceCount];
+        Entry& entry = m_entries[std::hash<std::string_view>()(text) % SlotCount];
         if (!entry.Is(text)) {
             m_wide.clear();
             AppendDecodedCData(m_wide, text);
@@ -137,13 +136,13 @@ private:
     std::vector<NodeText>& m_names;
     NodeMemory& m_memory;
     const std::size_t m_longest;
-    /// These equal nothing.
+    /// These equal no name.
     Entry m_tooLong;
     const Entry m_nothing;
-    /// Of the numbers of the last four names.
+    /// The numbers of the last four names, 16 bits each.
     Word m_history = 0;
     std::array<Guesses, std::size_t{1} << GuessBits> m_guesses;
-    std::array<Entry, PlaceCount> m_entries;
+    std::array<Entry, SlotCount> m_entries;
     std::wstring m_wide;
 };
 

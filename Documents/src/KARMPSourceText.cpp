@@ -9,7 +9,7 @@ namespace karmp::documents {
 
 namespace {
 
-// Blocks are looked at as a whole, without a branch for a byte.
+// Blocks are tested as a whole, without a branch for each byte.
 constexpr std::size_t BlockSize = 64;
 
 // True when the bytes of a block are ASCII that is no control character but the line feed.
@@ -50,7 +50,7 @@ std::size_t CharacterLength(std::string_view bytes)
     const unsigned second = byte(1);
     if (first >= 0xC2 && first <= 0xDF)
         return (second & 0xC0U) == 0x80U ? 2 : 0;
-    // The second byte tells overlong forms, surrogates and values that are too large.
+    // The second byte excludes overlong forms, surrogates and values that are too large.
     if (first >= 0xE0 && first <= 0xEF) {
         const unsigned low = first == 0xE0 ? 0xA0U : 0x80U;
         const unsigned high = first == 0xED ? 0x9FU : 0xBFU;
@@ -108,7 +108,7 @@ void SourceText::FindLines(std::string_view bytes)
         m_lineStarts.push_back(static_cast<std::uint32_t>(feed + 1));
 }
 
-SourcePlace SourceText::Find(std::size_t offset) const
+SourcePosition SourceText::Find(std::size_t offset) const
 {
     const auto after = std::upper_bound(m_lineStarts.begin(), m_lineStarts.end(), offset);
     return {static_cast<std::uint32_t>(after - m_lineStarts.begin()),

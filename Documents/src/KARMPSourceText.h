@@ -1,4 +1,3 @@
-// Checks the bytes of a document before they are parsed and finds lines and columns in them.
 #pragma once
 
 #include <cstddef>
@@ -8,13 +7,14 @@
 
 namespace karmp::documents {
 
-/// Where something stands: line and byte in the line, both from 1.
-struct SourcePlace
+/// A position in a text: line and byte in the line, both from 1.
+struct SourcePosition
 {
     std::uint32_t line = 1;
     std::uint32_t column = 1;
 };
 
+/// Checks the bytes of a document before they are parsed and finds lines and columns in them.
 class SourceText
 {
 public:
@@ -23,8 +23,7 @@ public:
 
     /// An empty text.
     SourceText() = default;
-    /// Goes through the bytes, which may change afterwards, up to the first fault. At most 4 GiB
-    /// less one.
+    /// Checks the bytes, at most 4 GiB less one, up to the first fault. They may change afterwards.
     explicit SourceText(std::string_view bytes);
 
     Fault Found() const { return m_fault; }
@@ -34,8 +33,8 @@ public:
     /// True when all bytes are ASCII and no control characters but line feeds.
     bool IsClean() const { return m_isClean; }
 
-    /// The place of any offset.
-    SourcePlace Find(std::size_t offset) const;
+    /// The position of an offset.
+    SourcePosition Find(std::size_t offset) const;
 
 private:
     std::size_t Step(std::string_view bytes);

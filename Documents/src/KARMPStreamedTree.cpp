@@ -68,8 +68,8 @@ NodeMemory& StreamedTree::MemoryAt(std::size_t depth)
     return *m_memories[depth];
 }
 
-// What a node itself holds, and the node, stand in memory of lesser depths, so the memory of its
-// depth holds nothing but what has been rendered.
+// The node and its own content are allocated in arenas of lesser depths, so that the arena of its
+// depth holds only what has been rendered.
 void StreamedTree::ChildrenComplete(Node& node)
 {
     const std::optional<std::size_t> depth = m_renderer.RenderChildren(*m_root, node);

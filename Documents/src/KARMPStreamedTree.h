@@ -1,4 +1,3 @@
-// The tree of a document that is rendered while it is written.
 #pragma once
 
 #include "KARMPDocumentWriter.h"
@@ -13,9 +12,9 @@
 
 namespace karmp::documents {
 
-/// Children that are complete become text at once, and their memory takes the next ones: the tree
-/// of a large world is many times the size of its text. Text and messages are those of a tree that
-/// is rendered when all of it is written.
+/// The tree of a document that is rendered while it is written. Complete children are rendered at
+/// once, and their arena is reused for the next ones: the tree of a large world is many times the
+/// size of its text. Text and messages are those of a tree that is rendered when it is complete.
 class StreamedTree
 {
 public:
@@ -25,7 +24,7 @@ public:
 
     /// The root for a writer. A node renders by itself as long as it holds all its children.
     KARMPSerializer& Root();
-    /// Renders the rest. After an error, which is told, `bytes` is as it was.
+    /// Renders the rest. After an error, which is reported, `bytes` is as it was.
     bool Finish();
 
 private:
@@ -37,7 +36,7 @@ private:
     std::string& m_bytes;
     std::size_t m_before;
     XmlRenderer m_renderer;
-    // What stands below an element of a depth, once some of its children have gone.
+    /// The arenas of the children of an element, by its depth, once some of them were rendered.
     std::vector<std::unique_ptr<NodeMemory>> m_memories;
     NodeMemory m_rootMemory;
     Node* m_root;

@@ -36,7 +36,7 @@ bool IsXmlCharacter(Unit unit)
     return !IsSurrogate(unit) && unit != 0xFFFE && unit != 0xFFFF && unit <= 0x10FFFF;
 }
 
-// ASCII characters that stand for themselves in the middle of any text.
+// ASCII characters that need no escape in the middle of any text.
 constexpr std::array<bool, 128> PlainTable = [] {
     std::array<bool, 128> plain{};
     for (std::size_t unit = 0x20; unit < plain.size(); ++unit)
@@ -71,7 +71,7 @@ void AppendCharacter(std::string& bytes, Unit unit)
     }
 }
 
-// ASCII characters that stand for themselves.
+// Appends plain ASCII characters.
 void AppendPlain(std::string& bytes, std::wstring_view text)
 {
     const std::size_t before = bytes.size();
@@ -103,9 +103,9 @@ void AppendEscape(std::string& bytes, Unit unit)
 }
 
 // A character that is not plain, or a blank at an end of an element's text.
-void AppendSpecial(std::string& bytes, std::wstring_view text, std::size_t place)
+void AppendSpecial(std::string& bytes, std::wstring_view text, std::size_t index)
 {
-    const Unit unit = UnitOf(text[place]);
+    const Unit unit = UnitOf(text[index]);
     switch (unit) {
     case '&':
         bytes += "&amp;";
@@ -126,7 +126,7 @@ void AppendSpecial(std::string& bytes, std::wstring_view text, std::size_t place
         AppendReference(bytes, unit);
         return;
     case '\\':
-        if (text.substr(place + 1, 2) == L"x{")
+        if (text.substr(index + 1, 2) == L"x{")
             AppendEscape(bytes, unit);
         else
             bytes += '\\';
@@ -139,18 +139,17 @@ void AppendSpecial(std::string& bytes, std::wstring_view text, std::size_t place
     }
 }
 
-// Decodes the character that begins at `place`, which is moved behind it. The bytes are known to be
-// UTF-8.
-Unit NextCharacter(std::string_view raw, std::size_t& place)
+// Decodes the character at `offset`, which is moved behind it. The bytes are known to be UTF-8.
+Unit NextCharacter(std::string_view raw, std::size_t& offset)
 {
     const auto byte = [raw](std::size_t index) {
         return static_cast<Unit>(static_cast<unsigned char>(raw[index]));
     };
-    const Unit first = byte(place);
+    const Unit first = byte(offset);
     std::size_t trails = first < 0x80 ? 0U : first < 0xE0 ? 1U : first < 0xF0 ? 2U : 3U;
     Unit unit = trails == 0 ? first : first & (0x3FU >> trails);
-    for (++place; trails > 0 && place < raw.size(); --trails, ++place)
-        unit = (unit << 6U) | (byte(place) & 0x3FU);
+    for (++offset; trails > 0 && offset < raw.size(); --trails, ++offset)
+        unit = (unit << 6U) | (byte(offset) & 0x3FU);
     return unit;
 }
 
@@ -190,45 +189,47 @@ bool ReadReference(std::string_view name, Unit& unit)
            IsXmlCharacter(unit);
 }
 
-// The reference at `place`, which is moved behind it.
-bool DecodeReference(std::wstring& text, std::string_view raw, std::size_t& place)
+// Decodes the reference at `offset`, which is moved behind it. False for an unknown one, of which
+// the "&" is appended.
+bool DecodeReference(std::wstring& text, std::string_view raw, std::size_t& offset)
 {
     constexpr std::size_t longest = 12;
-    const std::size_t length = raw.substr(place + 1, longest).find(';');
+    const std::size_t length = raw.substr(offset + 1, longest).find(';');
     Unit unit = 0;
-    if (length == std::string_view::npos || !ReadReference(raw.substr(place + 1, length), unit)) {
+    if (length == std::string_view::npos || !ReadReference(raw.substr(offset + 1, length), unit)) {
         text.push_back(L'&');
-        ++place;
+        ++offset;
         return false;
     }
     AppendUnit(text, unit);
-    place += length + 2;
+    offset += length + 2;
     return true;
 }
 
-// The escape at `place`, or the backslash alone.
-void DecodeBackslash(std::wstring& text, std::string_view raw, std::size_t& place)
+// Decodes the escape at `offset`, or the backslash alone.
+void DecodeBackslash(std::wstring& text, std::string_view raw, std::size_t& offset)
 {
-    const std::string_view rest = raw.substr(place, LongestEscape);
+    const std::string_view rest = raw.substr(offset, LongestEscape);
     const std::size_t end = rest.find('}');
     Unit unit = 0;
     if (rest.starts_with(EscapeStart) && end != std::string_view::npos &&
         ReadNumber(rest.substr(EscapeStart.size(), end - EscapeStart.size()), 16, unit)) {
         text.push_back(static_cast<wchar_t>(unit));
-        place += end + 1;
+        offset += end + 1;
     } else {
         text.push_back(L'\\');
-        ++place;
+        ++offset;
     }
 }
 
-// A literal blank character: XML makes line ends one, and blanks of an attribute.
-void DecodeBlank(std::wstring& text, std::string_view raw, std::size_t& place, TextPlace where)
+// Decodes a literal blank as XML does: every line end is a line feed, every blank of an attribute a
+// space.
+void DecodeBlank(std::wstring& text, std::string_view raw, std::size_t& offset, TextContext context)
 {
-    const char blank = raw[place++];
-    if (blank == '\r' && place < raw.size() && raw[place] == '\n')
-        ++place;
-    if (where == TextPlace::Attribute)
+    const char blank = raw[offset++];
+    if (blank == '\r' && offset < raw.size() && raw[offset] == '\n')
+        ++offset;
+    if (context == TextContext::Attribute)
         text.push_back(L' ');
     else
         text.push_back(blank == '\r' ? L'\n' : static_cast<wchar_t>(blank));
@@ -240,8 +241,8 @@ bool IsSelfStanding(char byte)
            static_cast<unsigned char>(byte) >= 0x20;
 }
 
-// Marks those of eight bytes that are not self-standing. A borrow may mark a byte behind a marked
-// one as well, never one in front of it.
+// Marks those of eight bytes that are not self-standing. A borrow may also mark a byte after a
+// marked one, never one before it.
 std::uint64_t MarkSpecial(const char* bytes)
 {
     constexpr std::uint64_t each = 0x0101010101010101U;
@@ -252,7 +253,7 @@ std::uint64_t MarkSpecial(const char* bytes)
     return ((word - each * 0x20U) | word | (notAnd - each) | (notBackslash - each)) & each * 0x80U;
 }
 
-// Appends the leading characters that stand for themselves and gives their number: mostly all.
+// Appends the leading self-standing characters, usually all, and gives their number.
 std::size_t AppendWidened(std::wstring& text, std::string_view raw)
 {
     const auto end = std::find_if_not(raw.begin(), raw.end(), IsSelfStanding);
@@ -294,14 +295,14 @@ bool IsNameCharacter(Unit unit)
 
 } // namespace
 
-void AppendEscaped(std::string& bytes, std::wstring_view text, TextPlace place)
+void AppendEscaped(std::string& bytes, std::wstring_view text, TextContext context)
 {
     std::size_t done = 0;
     while (done < text.size()) {
         const std::size_t start = done;
         while (done < text.size() && IsPlain(UnitOf(text[done])))
             ++done;
-        const bool inElement = place == TextPlace::Element;
+        const bool inElement = context == TextContext::Element;
         std::size_t first = start;
         std::size_t last = done;
         if (inElement && start == 0 && done > 0 && text.front() == L' ') {
@@ -321,7 +322,7 @@ void AppendEscaped(std::string& bytes, std::wstring_view text, TextPlace place)
     }
 }
 
-bool AppendDecoded(std::wstring& text, std::string_view raw, TextPlace place)
+bool AppendDecoded(std::wstring& text, std::string_view raw, TextContext context)
 {
     bool known = true;
     std::size_t done = AppendWidened(text, raw);
@@ -332,7 +333,7 @@ bool AppendDecoded(std::wstring& text, std::string_view raw, TextPlace place)
         } else if (byte == '\\') {
             DecodeBackslash(text, raw, done);
         } else if (byte == '\r' || byte == '\n' || byte == '\t') {
-            DecodeBlank(text, raw, done, place);
+            DecodeBlank(text, raw, done, context);
         } else if (static_cast<unsigned char>(byte) < 0x80) {
             text.push_back(static_cast<wchar_t>(byte));
             ++done;
@@ -365,7 +366,7 @@ void AppendDecodedCData(std::wstring& text, std::string_view raw)
     std::size_t done = AppendWidened(text, raw);
     while (done < raw.size())
         if (raw[done] == '\r')
-            DecodeBlank(text, raw, done, TextPlace::Element);
+            DecodeBlank(text, raw, done, TextContext::Element);
         else
             AppendUnit(text, NextCharacter(raw, done));
 }
@@ -381,7 +382,7 @@ void AppendUtf8(std::string& bytes, std::wstring_view text)
 std::string Quoted(std::wstring_view text)
 {
     std::string bytes = "\"";
-    AppendEscaped(bytes, text.substr(0, LongestQuote), TextPlace::Attribute);
+    AppendEscaped(bytes, text.substr(0, LongestQuote), TextContext::Attribute);
     if (text.size() > LongestQuote)
         bytes += "...";
     bytes += '"';

@@ -1,10 +1,10 @@
-// How wide texts stand in XML, so that every text comes back as it was.
+// The form of wide texts in XML, by which every text is read back as it was.
 //
 // A tab, a line feed and a carriage return are character references everywhere, a blank is one at
 // either end of an element's text. What XML cannot hold (control characters, unpaired surrogates,
 // U+FFFE, U+FFFF, values that are no character) is written \x{H} with its value in hexadecimal
 // digits. So that a text which looks like that comes back as well, its backslash is written \x{5C};
-// any other backslash stands for itself.
+// any other backslash is written as it is.
 #pragma once
 
 #include <string>
@@ -15,24 +15,24 @@ namespace karmp::documents {
 /// What XML counts as blank.
 constexpr std::string_view Blanks = " \t\r\n";
 
-/// Where a text stands.
-enum class TextPlace { Element, Attribute };
+/// What a text is in XML: the value of an element or of an attribute.
+enum class TextContext { Element, Attribute };
 
 /// Appends a wide text as UTF-8 with escapes.
-void AppendEscaped(std::string& bytes, std::wstring_view text, TextPlace place);
+void AppendEscaped(std::string& bytes, std::wstring_view text, TextContext context);
 
-/// Appends the wide text of raw UTF-8 as it stands in XML between its marks. Returns false when it
-/// holds an "&" that begins no known reference; that one is kept as it stands.
-bool AppendDecoded(std::wstring& text, std::string_view raw, TextPlace place);
+/// Appends the wide text of raw UTF-8 between two marks of XML. Returns false when it holds an "&"
+/// that begins no known reference; that one is kept as it is.
+bool AppendDecoded(std::wstring& text, std::string_view raw, TextContext context);
 
-/// True when the raw UTF-8 from `raw` up to a null is ASCII that AppendDecoded appends as it is, in
-/// either place. The null may stand at `end`, at the latest.
+/// True when the raw UTF-8 from `raw` up to a null is ASCII that AppendDecoded appends as it is in
+/// any context. The offset of the null is at most that of `end`.
 bool StandsForItself(const char* raw, const char* end);
 
 /// Appends the characters of a CDATA section.
 void AppendDecodedCData(std::wstring& text, std::string_view raw);
 
-/// Appends a wide text as UTF-8; what is no character becomes U+FFFD.
+/// Appends a wide text as UTF-8; a unit that is no character becomes U+FFFD.
 void AppendUtf8(std::string& bytes, std::wstring_view text);
 
 /// The UTF-8 of a wide text for a message: in one line, shortened when it is long.

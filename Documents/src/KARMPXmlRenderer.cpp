@@ -71,8 +71,8 @@ std::optional<std::size_t> XmlRenderer::RenderChildren(const Node& root, const N
     const auto isNode = [&node](const Level& level) { return level.node == &node; };
     auto found = std::find_if(m_levels.begin(), m_levels.end(), isNode);
     if (found == m_levels.end()) {
-        const std::vector<const Node*> way = WayTo(root, node);
-        if (way.empty() || !OpenAll(way))
+        const std::vector<const Node*> nodes = NodesToOpen(root, node);
+        if (nodes.empty() || !OpenAll(nodes))
             return std::nullopt;
         found = m_levels.end() - 1;
     }
@@ -87,8 +87,8 @@ bool XmlRenderer::Finish(const Node& root)
 {
     if (!m_failure && (!m_levels.empty() || Begin(root)) && RenderDownTo(0) && End())
         return true;
-    // The failure that stands first in the document is told: an element that was still open may
-    // have got a wrong attribute since.
+    // The first failure in document order is reported: an element that was still open may have got
+    // a wrong attribute since.
     for (const Level& level : std::exchange(m_levels, {})) {
         m_levels.push_back(level);
         if (!Start(*level.node))
@@ -104,7 +104,8 @@ bool XmlRenderer::Begin(const Node& node)
     return Open(node);
 }
 
-// Writes what the open elements hold, until that many are open and the innermost one has no more.
+// Writes the content of the open elements until `count` of them are open and the innermost one has
+// no more children.
 bool XmlRenderer::RenderDownTo(std::size_t count)
 {
     while (!m_levels.empty()) {
@@ -135,18 +136,19 @@ bool XmlRenderer::End()
     return true;
 }
 
-// The elements to open before the children of `node` can be written, each the next one of the one
-// before; none when something before `node` may still change, or when it cannot be told yet whether
-// its children stand on one line.
-std::vector<const XmlRenderer::Node*> XmlRenderer::WayTo(const Node& root, const Node& node) const
+// The elements to open before the children of `node` can be written, from the outermost one; none
+// when content before `node` may still change, or when it is not known yet whether its children are
+// written on one line.
+std::vector<const XmlRenderer::Node*> XmlRenderer::NodesToOpen(const Node& root,
+                                                               const Node& node) const
 {
     if (IsLeaf(node) || IsGroupOfNumbers(node))
         return {};
-    std::vector<const Node*> way;
+    std::vector<const Node*> nodes;
     const Node* last = &root;
     std::size_t rendered = 0;
     if (m_levels.empty()) {
-        way.push_back(&root);
+        nodes.push_back(&root);
     } else {
         last = m_levels.back().node;
         rendered = m_levels.back().next;
@@ -156,14 +158,14 @@ std::vector<const XmlRenderer::Node*> XmlRenderer::WayTo(const Node& root, const
             return {};
         last = Child(*last, rendered);
         rendered = 0;
-        way.push_back(last);
+        nodes.push_back(last);
     }
-    return way;
+    return nodes;
 }
 
-bool XmlRenderer::OpenAll(const std::vector<const Node*>& way)
+bool XmlRenderer::OpenAll(const std::vector<const Node*>& nodes)
 {
-    for (const Node* const node : way) {
+    for (const Node* const node : nodes) {
         bool opened = false;
         if (m_levels.empty()) {
             opened = Begin(*node);
@@ -178,8 +180,8 @@ bool XmlRenderer::OpenAll(const std::vector<const Node*>& way)
     return true;
 }
 
-// Notes the names of the children that have been written of an open element: the children may be
-// gone when a message must number them.
+// Counts the written children of an open element by name: the children may have been freed when a
+// message numbers them.
 void XmlRenderer::Count(std::size_t depth)
 {
     m_gone.resize(depth + 1);
@@ -197,15 +199,14 @@ void XmlRenderer::Count(std::size_t depth)
     }
 }
 
-// Writes an element that holds a value alone and has a known name, as most do; false when it is
-// another one.
+// Writes an element that holds only a value and has a known name, as most do; false for any other.
 bool XmlRenderer::PutLeaf(const Node& node)
 {
     if (!IsLeaf(node) || node.GetAttributeCount() != 0 || node.GetType() == Type::None ||
         m_levels.size() >= m_limits.depth)
         return false;
     const std::wstring_view id = node.GetId();
-    const KnownName& name = PlaceOf(id);
+    const KnownName& name = EntryOf(id);
     if (id.empty() || name.name != id)
         return false;
     m_out.Put('<');
@@ -216,7 +217,7 @@ bool XmlRenderer::PutLeaf(const Node& node)
     return true;
 }
 
-// Writes a leaf whole; of any other element all up to its first child.
+// Writes a leaf as a whole, any other element up to its first child.
 bool XmlRenderer::Open(const Node& node)
 {
     if (PutLeaf(node))
@@ -245,7 +246,7 @@ bool XmlRenderer::Open(const Node& node)
     return closed;
 }
 
-// Writes the start of the innermost element but for its last mark.
+// Writes the start tag of the innermost element without its closing ">".
 bool XmlRenderer::Start(const Node& node)
 {
     if (m_levels.size() > m_limits.depth) {
@@ -258,7 +259,7 @@ bool XmlRenderer::Start(const Node& node)
             return Fail(Code::InvalidName, "an element has no name");
         m_out.Put(RootName);
         m_out.Put(" version=\"");
-        Text(node.Version(), TextPlace::Attribute);
+        Text(node.Version(), TextContext::Attribute);
         m_out.Put('"');
     } else if (const KnownName* const name = Known(node.GetId(), "element")) {
         m_out.Put(name->Bytes());
@@ -280,21 +281,21 @@ bool XmlRenderer::Close()
     return EndTag(*level.node);
 }
 
-// Puts the attributes that were added after the start of an element was written to the others.
+// Moves the attributes that were added after an element's start tag was written to the others.
 bool XmlRenderer::InsertAttributes(const Level& level)
 {
     const std::size_t before = m_out.Size();
     if (!Attributes(*level.node, level.attributes))
         return false;
     std::string& bytes = m_out.Flushed();
-    const auto place = [&bytes](std::size_t offset) {
+    const auto at = [&bytes](std::size_t offset) {
         return bytes.begin() + static_cast<std::ptrdiff_t>(offset);
     };
-    std::rotate(place(level.attributesEnd), place(before), bytes.end());
+    std::rotate(at(level.attributesEnd), at(before), bytes.end());
     return true;
 }
 
-// At the indentation of what stands under the innermost open element.
+// Begins a line at the indentation of the children of the innermost open element.
 void XmlRenderer::NewLine()
 {
     constexpr std::string_view line(LineStart.data(), LineStart.size());
@@ -315,17 +316,17 @@ bool XmlRenderer::EndTag(const Node& node)
     return name != nullptr;
 }
 
-// Where a name is kept if it is known.
-XmlRenderer::KnownName& XmlRenderer::PlaceOf(std::wstring_view name)
+// The entry of a name, which may hold another name.
+XmlRenderer::KnownName& XmlRenderer::EntryOf(std::wstring_view name)
 {
-    const auto place = reinterpret_cast<std::uintptr_t>(name.data());
-    return m_names[(place >> 4U ^ place >> 12U) % m_names.size()];
+    const auto address = reinterpret_cast<std::uintptr_t>(name.data());
+    return m_names[(address >> 4U ^ address >> 12U) % m_names.size()];
 }
 
 // A name in its forms, valid until the next call; null after an error.
 const XmlRenderer::KnownName* XmlRenderer::Known(std::wstring_view name, std::string_view what)
 {
-    KnownName& known = PlaceOf(name);
+    KnownName& known = EntryOf(name);
     if (known.name == name && !name.empty())
         return &known;
     known.name.clear();
@@ -355,8 +356,8 @@ bool XmlRenderer::CheckName(std::wstring_view name, std::string_view what, Known
 bool XmlRenderer::Attributes(const Node& node, std::size_t first)
 {
     const std::size_t count = node.GetAttributeCount();
-    for (std::size_t place = first; place < count; ++place) {
-        const int index = static_cast<int>(place);
+    for (std::size_t number = first; number < count; ++number) {
+        const int index = static_cast<int>(number);
         const KnownName* const name = Known(node.GetAttributeId(index), "attribute");
         if (name == nullptr)
             return false;
@@ -372,7 +373,7 @@ bool XmlRenderer::Attributes(const Node& node, std::size_t first)
             m_out.PutNumber(node.GetAttributeValued(index));
             break;
         case Type::String:
-            Text(node.GetAttributeValues(index), TextPlace::Attribute);
+            Text(node.GetAttributeValues(index), TextContext::Attribute);
             break;
         case Type::None:
             break;
@@ -394,8 +395,8 @@ bool XmlRenderer::FindDuplicateAttribute(const Node& node)
     };
     if (!IsRoot(node) && count <= FewAttributes) {
         for (std::size_t index = 1; index < count; ++index) {
-            for (std::size_t earlier = 0; earlier < index; ++earlier)
-                if (nameOf(earlier) == nameOf(index))
+            for (std::size_t former = 0; former < index; ++former)
+                if (nameOf(former) == nameOf(index))
                     return fail(index);
         }
         return false;
@@ -411,10 +412,10 @@ bool XmlRenderer::FindDuplicateAttribute(const Node& node)
     return false;
 }
 
-void XmlRenderer::Text(std::wstring_view text, TextPlace place)
+void XmlRenderer::Text(std::wstring_view text, TextContext context)
 {
     if (!m_out.PutPlain(text))
-        AppendEscaped(m_out.Flushed(), text, place);
+        AppendEscaped(m_out.Flushed(), text, context);
 }
 
 void XmlRenderer::Value(const Node& node)
@@ -430,7 +431,7 @@ void XmlRenderer::Value(const Node& node)
         m_out.PutNumber(node.GetValued());
         break;
     case Type::String:
-        Text(node.GetValues(), TextPlace::Element);
+        Text(node.GetValues(), TextContext::Element);
         break;
     case Type::None:
         break;
@@ -449,27 +450,27 @@ bool XmlRenderer::Report()
     return false;
 }
 
-// The way from the root to the element that is being written.
+// The path of the element that is being written.
 std::string XmlRenderer::Path() const
 {
     constexpr std::size_t longest = 64;
     std::string path;
-    for (std::size_t place = 0; place < m_levels.size() && place < longest; ++place) {
-        const Node& node = *m_levels[place].node;
+    for (std::size_t depth = 0; depth < m_levels.size() && depth < longest; ++depth) {
+        const Node& node = *m_levels[depth].node;
         path += '/';
-        if (IsRoot(node) && place == 0) {
+        if (IsRoot(node) && depth == 0) {
             path += RootName;
             continue;
         }
         AppendUtf8(path, node.GetId());
-        if (place == 0)
+        if (depth == 0)
             continue;
-        const Node& parent = *m_levels[place - 1].node;
+        const Node& parent = *m_levels[depth - 1].node;
         std::size_t number = 0;
         std::size_t total = 0;
         std::size_t index = 0;
-        if (place <= m_gone.size()) {
-            const Gone& gone = m_gone[place - 1];
+        if (depth <= m_gone.size()) {
+            const Gone& gone = m_gone[depth - 1];
             index = gone.count;
             for (const auto& [name, count] : gone.names)
                 total += name == node.GetId() ? count : 0U;

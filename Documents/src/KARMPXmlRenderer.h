@@ -1,4 +1,3 @@
-// Renders a tree of writer nodes as XML, straight into bytes.
 #pragma once
 
 #include "KARMPByteBuffer.h"
@@ -16,7 +15,8 @@
 
 namespace karmp::documents {
 
-/// One blank of indentation a level; an element of a few numbers stands on one line.
+/// Renders a tree of writer nodes as XML, directly into bytes. Each level is indented by one blank;
+/// an element of a few numbers is on one line.
 class XmlRenderer
 {
 public:
@@ -30,9 +30,9 @@ public:
     /// error, with some of it appended.
     bool Render(const Node& node);
 
-    /// Appends of a tree that is still written all up to the end of the children of a node, which
-    /// may go then, and gives the node's depth below the root. Nothing after an error, of which
-    /// Finish tells, or when something before the children may still change.
+    /// Renders a tree that is still written up to the end of the children of a node, which may be
+    /// freed then, and gives the node's depth below the root. Empty after an error, which Finish
+    /// reports, or when content before the children may still change.
     std::optional<std::size_t> RenderChildren(const Node& root, const Node& node);
     /// Appends the rest of the tree. False after an error, with some of it appended.
     bool Finish(const Node& root);
@@ -48,7 +48,7 @@ private:
         std::size_t attributesEnd;
         bool oneLine;
     };
-    /// The children of an open element that may be gone, and how many there were of each name.
+    /// The children of an open element that may have been freed, and their number by name.
     struct Gone
     {
         std::size_t count = 0;
@@ -60,7 +60,7 @@ private:
         std::string text;
     };
     /// A name that was checked and converted, in the forms in which it is written. Equal names
-    /// mostly share their characters' place, but another name may stand there later.
+    /// usually share their characters' address, but another name may be stored there later.
     struct KnownName
     {
         std::string_view Bytes() const { return std::string_view(endTag).substr(2, length); }
@@ -78,7 +78,7 @@ private:
     bool Begin(const Node& node);
     bool RenderDownTo(std::size_t count);
     bool End();
-    std::vector<const Node*> WayTo(const Node& root, const Node& node) const;
+    std::vector<const Node*> NodesToOpen(const Node& root, const Node& node) const;
     bool OpenAll(const std::vector<const Node*>& way);
     void Count(std::size_t depth);
     bool Open(const Node& node);
@@ -86,13 +86,13 @@ private:
     bool Start(const Node& node);
     bool Close();
     bool InsertAttributes(const Level& level);
-    KnownName& PlaceOf(std::wstring_view name);
+    KnownName& EntryOf(std::wstring_view name);
     const KnownName* Known(std::wstring_view name, std::string_view what);
     bool CheckName(std::wstring_view name, std::string_view what, KnownName& known);
     bool EndTag(const Node& node);
     bool Attributes(const Node& node, std::size_t first);
     bool FindDuplicateAttribute(const Node& node);
-    void Text(std::wstring_view text, TextPlace place);
+    void Text(std::wstring_view text, TextContext context);
     void Value(const Node& node);
     void NewLine();
     bool Fail(Code code, std::string text);

@@ -74,24 +74,24 @@ protected:
             pugi::xml_document copy;
             copy.reset(m_reference);
             const pugi::xml_node element = ElementsOf(copy)[index];
-            const std::string place = element.path();
+            const std::string path = element.path();
             if (!damage(element))
                 continue;
             ++damaged;
-            ExpectNothingLostInSilence(TextOf(copy), place);
+            ExpectNothingLostInSilence(TextOf(copy), path);
         }
         EXPECT_GT(damaged, 0U);
     }
 
-    void ExpectNothingLostInSilence(const std::string& text, const std::string& place) const
+    void ExpectNothingLostInSilence(const std::string& text, const std::string& path) const
     {
         const LoadResult loaded = LoadText(text);
         if (!loaded.world) {
-            EXPECT_TRUE(loaded.diagnostics.HasErrors()) << place;
+            EXPECT_TRUE(loaded.diagnostics.HasErrors()) << path;
             return;
         }
         if (loaded.diagnostics.items.empty())
-            EXPECT_EQ(SavedForm(loaded), m_sound) << place;
+            EXPECT_EQ(SavedForm(loaded), m_sound) << path;
     }
 
     pugi::xml_document m_reference;
@@ -167,7 +167,7 @@ TEST_F(DamagedDocument, WithOneReferenceToAWrongClassKeepsTheRest)
     });
 }
 
-TEST_F(DamagedDocument, WithAnyTextInPlaceOfANumberTellsSo)
+TEST_F(DamagedDocument, WithAnyTextInsteadOfANumberIsReported)
 {
     ForEachElement([](pugi::xml_node element) {
         const bool isLeaf = element.first_child() &&

@@ -1,4 +1,4 @@
-// What is no document: each fault ends with a message at its place, and quickly.
+// What is no document: each fault gives a message with its position, quickly.
 #include "KARMPDocumentReader.h"
 
 #include <gtest/gtest.h>
@@ -13,14 +13,14 @@ namespace {
 const std::string Start = "<KARMPDocument version=\"R2018.1\">";
 const std::string End = "</KARMPDocument>";
 
-struct Place
+struct Position
 {
     std::size_t line;
     std::size_t column;
 };
 
 // Parsing gives no tree and one message.
-void ExpectError(const std::string& text, Code code, Place place, const Limits& limits = {})
+void ExpectError(const std::string& text, Code code, Position position, const Limits& limits = {})
 {
     const Document document = Document::ReadText(text, "x.xml", limits);
     const std::string shown = text.substr(0, 100);
@@ -30,8 +30,8 @@ void ExpectError(const std::string& text, Code code, Place place, const Limits& 
     EXPECT_EQ(item.severity, Severity::Error) << shown;
     EXPECT_EQ(CodeText(item.code), CodeText(code)) << shown;
     EXPECT_EQ(item.file, "x.xml");
-    EXPECT_EQ(item.line, place.line) << shown;
-    EXPECT_EQ(item.column, place.column) << shown;
+    EXPECT_EQ(item.line, position.line) << shown;
+    EXPECT_EQ(item.column, position.column) << shown;
     EXPECT_FALSE(item.text.empty());
 }
 
@@ -46,7 +46,7 @@ std::string Repeated(const std::string& text, std::size_t count)
 
 } // namespace
 
-TEST(DocumentErrors, WhatIsNoXmlIsASyntaxErrorAtItsPlace)
+TEST(DocumentErrors, WhatIsNoXmlIsASyntaxErrorWithItsPosition)
 {
     ExpectError("hello", Code::Syntax, {1, 1});
     ExpectError(Start + "<A></B>" + End, Code::Syntax, {1, 39});
@@ -70,13 +70,13 @@ TEST(DocumentErrors, ATruncatedDocumentIsAnErrorWhereverItEnds)
     EXPECT_NE(Document::ReadText(text).Root(), nullptr);
 }
 
-TEST(DocumentErrors, AnEmptyTextIsToldAsSuch)
+TEST(DocumentErrors, AnEmptyTextIsReportedAsSuch)
 {
     ExpectError("", Code::Empty, {0, 0});
     ExpectError(" \r\n\t", Code::Empty, {0, 0});
 }
 
-TEST(DocumentErrors, BytesThatAreNoUtf8AreToldWithTheirPlace)
+TEST(DocumentErrors, BytesThatAreNoUtf8AreReportedWithTheirPosition)
 {
     ExpectError(Start + "\n<A>\xFF</A>" + End, Code::Encoding, {2, 4});
     ExpectError(Start + "<A>\xC0\x80</A>" + End, Code::Encoding, {1, 37});
@@ -107,7 +107,7 @@ TEST(DocumentErrors, ADocumentTypeDeclarationIsRefused)
     ExpectError("<!DOCTYPE a [", Code::Doctype, {1, 13});
 }
 
-TEST(DocumentErrors, UnknownReferencesAreKeptAsTextAndTold)
+TEST(DocumentErrors, UnknownReferencesAreKeptAsTextAndReported)
 {
     for (const std::string reference :
          {"&lol;", "&", "&#0;", "&#xD800;", "&#99999999999;", "&#x;", "&#1114112;", "&amp"}) {
@@ -131,7 +131,7 @@ TEST(DocumentErrors, UnknownReferencesAreKeptAsTextAndTold)
     EXPECT_EQ(text, L"&y;");
 }
 
-TEST(DocumentErrors, OfTwoAttributesOfOneNameTheLastIsTakenAndToldSo)
+TEST(DocumentErrors, OfTwoAttributesOfOneNameTheLastIsTakenWithAReport)
 {
     const Document document =
         Document::ReadText(Start + "\n<A b=\"1\" c=\"2\" b=\"3\" b=\"3\"/>" + End);
@@ -215,11 +215,11 @@ TEST(DocumentErrors, NoSingleChangedByteBreaksTheReader)
     const std::string text =
         "<?xml version=\"1.0\"?>" + Start +
         "<A b=\"x&lt;\"><![CDATA[t]]>&#10;<!-- c --><?p i?><C>\xC3\xA4</C></A>" + End;
-    for (std::size_t place = 0; place < text.size(); ++place) {
+    for (std::size_t offset = 0; offset < text.size(); ++offset) {
         for (const char byte : {'<', '>', '&', '"', '\'', '/',    '!',    '?',  '-',  '[', ']',
                                 ' ', '=', ';', 'x', '\n', '\x80', '\xFF', '\0', '\\', '{'}) {
             std::string changed = text;
-            changed[place] = byte;
+            changed[offset] = byte;
             const Document document = Document::ReadText(changed, "x.xml", Limits::Tight());
             EXPECT_TRUE(document.Root() != nullptr || document.Messages().HasErrors());
         }

@@ -1,4 +1,4 @@
-// Files: replaced as a whole or not at all, and what cannot be read or written is told.
+// Files: replaced as a whole or not at all, and what cannot be read or written is reported.
 #include "KARMPDocumentReader.h"
 #include "KARMPDocumentWriter.h"
 #include "KARMPWholeFile.h"
@@ -175,7 +175,7 @@ TEST_F(DocumentFile, ALinkStaysAndItsTargetIsReplaced)
     EXPECT_EQ(Content(Path("new.xml")), m_text);
 }
 
-TEST_F(DocumentFile, AMissingFolderAndAFolderInItsPlaceAreErrors)
+TEST_F(DocumentFile, AMissingFolderAndAFolderOfTheNameAreErrors)
 {
     ExpectNotSaved(Path("missing") / "a.xml");
     fs::create_directory(Path());
@@ -239,7 +239,7 @@ TEST_F(DocumentFile, TheOldOneSurvivesAFolderOrFileThatMustNotBeWritten)
     ExpectNotRead(Path(), Code::CannotOpen);
 }
 
-TEST_F(DocumentFile, ADeviceIsWrittenInPlace)
+TEST_F(DocumentFile, ADeviceIsWrittenDirectly)
 {
     if (fs::exists("/dev/full"))
         ExpectNotSaved("/dev/full");
@@ -247,7 +247,7 @@ TEST_F(DocumentFile, ADeviceIsWrittenInPlace)
     EXPECT_TRUE(fs::is_character_file("/dev/null"));
 }
 
-TEST_F(DocumentFile, WhatCannotBeReadIsTold)
+TEST_F(DocumentFile, WhatCannotBeReadIsReported)
 {
     ExpectNotRead(Path("missing.xml"), Code::CannotOpen);
     ExpectNotRead(m_folder, Code::CannotRead);

@@ -28,9 +28,9 @@ constexpr const char* Linked = R"(<?xml version="1.0" encoding="UTF-8"?>
 std::string Without(const std::string& part)
 {
     std::string text = Linked;
-    const auto place = text.find(part);
-    EXPECT_NE(place, std::string::npos) << part;
-    return text.erase(place, part.size());
+    const auto offset = text.find(part);
+    EXPECT_NE(offset, std::string::npos) << part;
+    return text.erase(offset, part.size());
 }
 
 std::size_t CountOneSided(const Diagnostics& messages)
@@ -103,7 +103,7 @@ TEST(DocumentLinks, OfAConstraintAreFoundForItsJointAndItsGeometry)
               "/KARMPDocument/World/Constraints/Concentricity/Geometries/Geometry/@id");
 }
 
-TEST(DocumentLinks, ToNothingAreToldOnceAsThat)
+TEST(DocumentLinks, ToNoEntityAreReportedOnceAsThat)
 {
     std::string text = Linked;
     text.replace(text.find("<Joint id=\"J\"/>"), 15, "<Joint id=\"X\"/>");

@@ -1,4 +1,4 @@
-// The nodes of a document: made when they are asked for, ended when an entity was read.
+// The nodes of a document: created when they are asked for, freed when an entity was read.
 #include "AllocationCounter.h"
 #include "KARMPBody.h"
 #include "KARMPDocumentReader.h"
@@ -40,7 +40,7 @@ std::wstring Value(Node node)
     return text;
 }
 
-// Two bodies; the second one's name and one of its texts do not stand for themselves.
+// Two bodies; the second one's name and one of its texts need decoding.
 std::string TwoBodies()
 {
     return "<KARMPDocument version=\"R2018.1\"><World><Bodies>"
@@ -65,11 +65,11 @@ protected:
     Node m_second = nullptr;
 };
 
-TEST_F(DocumentNodes, AnEntityIsReadAgainAfterItsNodesEnded)
+TEST_F(DocumentNodes, AnEntityIsReadAgainAfterItsNodesWereFreed)
 {
     for (int time = 0; time < 3; ++time) {
         for (const Node body : {m_first, m_second}) {
-            const KARMPReadingPlace place(body);
+            const KARMPReadingPlace reading(body);
             EXPECT_EQ(body->GetAttributeCount(), 2U);
             EXPECT_EQ(Attribute(body, L"id"), body == m_first ? L"b1" : L"b2");
             EXPECT_EQ(Attribute(body, L"name"), body == m_first ? L"one" : L"<two>");
@@ -86,12 +86,12 @@ TEST_F(DocumentNodes, WhatWasMadeBeforeTheReadingStays)
     const Node a = Child(m_first, L"A");
     const Node b = Child(m_first, L"B");
     {
-        const KARMPReadingPlace place(m_first);
+        const KARMPReadingPlace reading(m_first);
         EXPECT_EQ(Child(m_first, L"A"), a);
         EXPECT_EQ(Value(Child(b, L"C")), L"two");
     }
     {
-        const KARMPReadingPlace place(m_second);
+        const KARMPReadingPlace reading(m_second);
         EXPECT_EQ(Value(Child(m_second, L"A")), L"a & b");
     }
     EXPECT_EQ(Value(a), L"1");
@@ -101,7 +101,7 @@ TEST_F(DocumentNodes, WhatWasMadeBeforeTheReadingStays)
     EXPECT_EQ(Value(Child(b, L"C")), L"two");
 }
 
-TEST_F(DocumentNodes, AnEntityEndsWithTheOuterOfTwoReadings)
+TEST_F(DocumentNodes, AnEntityIsFreedWithTheOuterOfTwoReadings)
 {
     const KARMPReadingPlace outer(m_first);
     const Node a = Child(m_first, L"A");
@@ -114,7 +114,7 @@ TEST_F(DocumentNodes, AnEntityEndsWithTheOuterOfTwoReadings)
     EXPECT_EQ(Value(a), L"1");
 }
 
-TEST_F(DocumentNodes, OnlyTheEntityThatIsReadFirstEnds)
+TEST_F(DocumentNodes, OnlyTheEntityThatIsReadFirstIsFreed)
 {
     Node inner = nullptr;
     {
@@ -128,7 +128,7 @@ TEST_F(DocumentNodes, OnlyTheEntityThatIsReadFirstEnds)
     EXPECT_EQ(Value(Child(m_first, L"A")), L"1");
 }
 
-TEST_F(DocumentNodes, OfAnAttributeThatStandsTwiceTheLastCountsHoweverItIsAskedFor)
+TEST_F(DocumentNodes, OfAnAttributeThatOccursTwiceTheLastCountsHoweverItIsAskedFor)
 {
     const Document document = Document::ReadText(
         "<KARMPDocument version=\"R2018.1\"><A x=\"1\" y=\"2\" x=\"3\"/></KARMPDocument>");
@@ -182,10 +182,10 @@ TEST_F(DocumentNodes, AReferenceOfAWrongClassIsDroppedInNodesMadeBeforeAndAfter)
     const auto world = KARMPWorld::create(basicWorld);
     SaveText(world, text);
     const std::string start = "<Geometry id=\"";
-    const std::size_t place = text.find(start) + start.size();
+    const std::size_t offset = text.find(start) + start.size();
     const std::size_t body = text.find("<Body id=\"") + 10;
     const std::string identifier = text.substr(body, text.find('"', body) - body);
-    text.replace(place, text.find('"', place) - place, identifier);
+    text.replace(offset, text.find('"', offset) - offset, identifier);
 
     for (const bool before : {false, true}) {
         Document document = Document::ReadText(text);
@@ -218,9 +218,9 @@ TEST_F(DocumentNodes, IdentifiersBeyondAsciiAreFoundByTheCheckAndTheWorld)
     const std::string identifier = text.substr(start, text.find('"', start) - start);
     const auto replaced = [&](const std::string& by, std::size_t from) {
         std::string result = text;
-        for (std::size_t place = result.find(identifier, from); place != std::string::npos;
-             place = result.find(identifier, place + by.size()))
-            result.replace(place, identifier.size(), by);
+        for (std::size_t offset = result.find(identifier, from); offset != std::string::npos;
+             offset = result.find(identifier, offset + by.size()))
+            result.replace(offset, identifier.size(), by);
         return result;
     };
     const std::string other = "k\xC3\xB6rper &amp; 1";
@@ -256,7 +256,7 @@ TEST_F(DocumentNodes, ManyEntitiesAreReadInTheMemoryOfOne)
     AllocationCounter allocations;
     double sum = 0.0;
     for (const Node body : bodies) {
-        const KARMPReadingPlace place(body);
+        const KARMPReadingPlace reading(body);
         Node child = nullptr;
         double value = 0.0;
         body->GetElement(L"E", child, value);

@@ -209,7 +209,7 @@ TEST(DocumentTree, EveryNodeHasTheVersionOfTheRoot)
     EXPECT_EQ(nodes.size(), 4U);
 }
 
-TEST(DocumentTree, NodesKnowTheirPlaceInTheSource)
+TEST(DocumentTree, NodesKnowTheirPositionInTheSource)
 {
     const Document document = Parsed("<KARMPDocument version=\"R2018.1\">\n <A\n  b='1'>\n"
                                      "\n  <B/><C>x</C></A>\n</KARMPDocument>");
@@ -400,7 +400,7 @@ TEST(DocumentTree, NamesOfAllAlphabetsComeBack)
     EXPECT_TRUE(node->HasAttribute(name));
 }
 
-TEST(DocumentTree, AnAttributeThatStandsTwiceIsNotWritten)
+TEST(DocumentTree, AnAttributeThatOccursTwiceIsNotWritten)
 {
     for (const int others : {0, 5, 20}) {
         KARMPDocumentWriter root;

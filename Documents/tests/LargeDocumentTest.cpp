@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::size_t ItemCount = 150000;
 
-// Items with an attribute, a number, a text between elements and a group; one more behind them.
+// Items with an attribute, a number, a text between elements and a group; one more after them.
 std::string LargeText(const std::string& last)
 {
     std::string text = "<KARMPDocument version=\"R2018.1\">\n<Items>\n";
@@ -56,7 +56,7 @@ TEST(LargeDocuments, ComeBackWhole)
     }
 }
 
-TEST(LargeDocuments, MessagesNameTheirPlaceBehindManyElements)
+TEST(LargeDocuments, MessagesHaveTheirPositionBehindManyElements)
 {
     const Document document = Document::ReadText(LargeText("<Item><A/>\n<A>&x;</A><A/></Item>\n"));
     ASSERT_EQ(document.Messages().items.size(), 1U);

@@ -96,9 +96,9 @@ TEST_F(NarrowText, OfADocumentThatHoldsUnitsOfBytesIsWrittenAsItWasRead)
     m_world->Add<KARMPValue>(string);
     std::string document;
     SaveText(m_world, document);
-    const std::size_t place = document.find("PLACE");
-    ASSERT_NE(place, std::string::npos);
-    document.replace(place, 5, written);
+    const std::size_t offset = document.find("PLACE");
+    ASSERT_NE(offset, std::string::npos);
+    document.replace(offset, 5, written);
     const LoadResult loaded = LoadText(document);
     ASSERT_TRUE(loaded.world);
     std::string again;

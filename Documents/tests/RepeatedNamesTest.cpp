@@ -1,4 +1,4 @@
-// Names by their bytes.
+// The cache of names by their bytes.
 #include "KARMPRepeatedNames.h"
 
 #include <gtest/gtest.h>
@@ -10,20 +10,20 @@ using karmp::documents::RepeatedNames;
 
 namespace {
 
-TEST(RepeatedNames, TellNamesOfEveryLengthApart)
+TEST(RepeatedNames, DistinguishNamesOfEveryLength)
 {
     std::vector<karmp::NodeText> names;
     karmp::NodeMemory memory;
     RepeatedNames repeated(names, memory, 1000);
-    // Each length with a difference at each place, one behind the other up to the end of the bytes.
+    // Each length with a difference at each index, one after the other up to the end of the bytes.
     std::string bytes;
-    std::vector<std::size_t> places;
+    std::vector<std::size_t> offsets;
     std::vector<std::string> expected;
     for (std::size_t length = 0; length < 24; ++length) {
-        for (std::size_t place = 0; place <= length; ++place) {
+        for (std::size_t different = 0; different <= length; ++different) {
             std::string name(length, 'a');
-            if (place < length)
-                name[place] = 'b';
+            if (different < length)
+                name[different] = 'b';
             expected.push_back(name);
         }
     }
@@ -31,21 +31,21 @@ TEST(RepeatedNames, TellNamesOfEveryLengthApart)
     for (int time = 0; time < 4; ++time) {
         for (std::size_t index = 0; index < expected.size(); ++index) {
             const std::size_t other = time < 3 ? index : expected.size() - 1 - index;
-            places.push_back(bytes.size());
+            offsets.push_back(bytes.size());
             bytes += expected[other];
             bytes += '\0';
         }
     }
-    for (std::size_t index = 0; index < places.size(); ++index) {
+    for (std::size_t index = 0; index < offsets.size(); ++index) {
         const RepeatedNames::Name name =
-            repeated.Get(bytes.data() + places[index], bytes.data() + bytes.size());
-        const std::string text = bytes.data() + places[index];
+            repeated.Get(bytes.data() + offsets[index], bytes.data() + bytes.size());
+        const std::string text = bytes.data() + offsets[index];
         EXPECT_EQ(name.size, text.size());
         EXPECT_EQ(names[name.number].View(), std::wstring(text.begin(), text.end()));
     }
 }
 
-TEST(RepeatedNames, ManyNamesPushEachOtherOutAndAreFoundAllTheSame)
+TEST(RepeatedNames, ManyNamesReplaceEachOtherAndAreFoundAllTheSame)
 {
     std::vector<karmp::NodeText> names;
     karmp::NodeMemory memory;

@@ -5,7 +5,7 @@
 
 #include <string>
 
-using karmp::documents::SourcePlace;
+using karmp::documents::SourcePosition;
 using karmp::documents::SourceText;
 
 namespace {
@@ -20,26 +20,26 @@ std::string Lines()
     return text.substr(0, Length);
 }
 
-TEST(SourceText, FindsAFaultAtEveryPlace)
+TEST(SourceText, FindsAFaultAtEveryOffset)
 {
-    for (std::size_t place = 0; place < Length; ++place) {
+    for (std::size_t offset = 0; offset < Length; ++offset) {
         std::string text = Lines();
-        text[place] = '\x01';
+        text[offset] = '\x01';
         const SourceText control(text);
         EXPECT_EQ(control.Found(), SourceText::Fault::ControlCharacter);
-        EXPECT_EQ(control.FaultOffset(), place);
-        text[place] = '\x80';
+        EXPECT_EQ(control.FaultOffset(), offset);
+        text[offset] = '\x80';
         const SourceText encoding(text);
         EXPECT_EQ(encoding.Found(), SourceText::Fault::NotUtf8);
-        EXPECT_EQ(encoding.FaultOffset(), place);
+        EXPECT_EQ(encoding.FaultOffset(), offset);
         EXPECT_FALSE(encoding.IsClean());
     }
 }
 
 TEST(SourceText, CharactersOfSeveralBytesMayStandAnywhere)
 {
-    for (std::size_t place = 0; place < Length; ++place) {
-        const std::string text = Lines().insert(place, "\xE2\x98\x83");
+    for (std::size_t offset = 0; offset < Length; ++offset) {
+        const std::string text = Lines().insert(offset, "\xE2\x98\x83");
         const SourceText source(text);
         EXPECT_EQ(source.Found(), SourceText::Fault::None);
         EXPECT_FALSE(source.IsClean());
@@ -57,12 +57,12 @@ TEST(SourceText, IsCleanWithLineFeedsAlone)
     EXPECT_TRUE(SourceText().IsClean());
     EXPECT_TRUE(SourceText("~").IsClean());
     for (const char character : {'\t', '\r'}) {
-        for (std::size_t place = 0; place < Length; ++place) {
+        for (std::size_t offset = 0; offset < Length; ++offset) {
             std::string text = Lines();
-            text[place] = character;
+            text[offset] = character;
             const SourceText source(text);
             EXPECT_EQ(source.Found(), SourceText::Fault::None);
-            EXPECT_FALSE(source.IsClean()) << place;
+            EXPECT_FALSE(source.IsClean()) << offset;
         }
     }
 }
@@ -71,12 +71,12 @@ TEST(SourceText, KnowsTheLineOfEveryByte)
 {
     const std::string text = Lines();
     const SourceText source(text);
-    SourcePlace place;
+    SourcePosition position;
     for (std::size_t offset = 0; offset < text.size(); ++offset) {
-        EXPECT_EQ(source.Find(offset).line, place.line);
-        EXPECT_EQ(source.Find(offset).column, place.column);
-        place = text[offset] == '\n' ? SourcePlace{place.line + 1, 1}
-                                     : SourcePlace{place.line, place.column + 1};
+        EXPECT_EQ(source.Find(offset).line, position.line);
+        EXPECT_EQ(source.Find(offset).column, position.column);
+        position = text[offset] == '\n' ? SourcePosition{position.line + 1, 1}
+                                        : SourcePosition{position.line, position.column + 1};
     }
 }
 

@@ -211,7 +211,7 @@ TEST(StreamedTree, AWorldMayStandInAnEntity)
     });
 }
 
-TEST(StreamedTree, ANameMayTakeThePlaceOfAnother)
+TEST(StreamedTree, ANameMayReplaceAnother)
 {
     ExpectSame([](KARMPSerializer& root) {
         KARMPSerializer* const list = Add(root, L"List");
@@ -262,7 +262,7 @@ TEST(StreamedTree, AMessageHasThePathThatItHasInTheWholeTree)
             world->ChildrenComplete();
         },
         " at /KARMPDocument/World/Other/Body[2]/no name");
-    // What stands behind decides whether a number is told.
+    // Later siblings decide whether a number is in the path.
     for (const bool more : {false, true}) {
         ExpectMessage(
             [more](KARMPSerializer& root) {
@@ -276,7 +276,7 @@ TEST(StreamedTree, AMessageHasThePathThatItHasInTheWholeTree)
     }
 }
 
-TEST(StreamedTree, TheFirstFailureOfTheDocumentIsTold)
+TEST(StreamedTree, TheFirstFailureOfTheDocumentIsReported)
 {
     const auto write = [](int step) {
         return [step](KARMPSerializer& root) {
@@ -396,11 +396,11 @@ TEST(StreamedTree, TakesNoMoreMemoryForMoreChildren)
         EXPECT_TRUE(tree.Finish());
         return allocations.Bytes();
     };
-    // What grows is the list of the children, by far less than they take.
+    // Only the list of the children grows, by far less than their own size.
     EXPECT_LT(bytesFor(50'000), 50'000U * 50U);
 }
 
-TEST(StreamedTree, TheEndOfMemoryLeavesNothingBehind)
+TEST(StreamedTree, AFailedAllocationLeavesNothingBehind)
 {
     if (!AllocationCounter::Counts)
         GTEST_SKIP() << "Allocations are not counted in this build";

@@ -36,19 +36,19 @@ protected:
         ExpectNothing(SaveText(m_world, text, options));
         return text;
     }
-    // What stands behind `start` up to the quote.
+    // What follows `start` up to the quote.
     static std::string IdentifierIn(const std::string& text, const std::string& start)
     {
-        const std::size_t place = text.find(start) + start.size();
-        return text.substr(place, text.find('"', place) - place);
+        const std::size_t offset = text.find(start) + start.size();
+        return text.substr(offset, text.find('"', offset) - offset);
     }
-    // The document with `from` replaced at its first place.
+    // The document with `from` replaced at its first occurrence.
     std::string Changed(const std::string& from, const std::string& to)
     {
         std::string text = Saved();
-        const std::size_t place = text.find(from);
-        EXPECT_NE(place, std::string::npos) << from;
-        return place == std::string::npos ? text : text.replace(place, from.size(), to);
+        const std::size_t offset = text.find(from);
+        EXPECT_NE(offset, std::string::npos) << from;
+        return offset == std::string::npos ? text : text.replace(offset, from.size(), to);
     }
     // A check finds this, and nothing else of its severity.
     static void ExpectMessage(const Diagnostics& diagnostics, Code code, Severity severity,
@@ -59,7 +59,7 @@ protected:
                 EXPECT_EQ(item.severity, severity) << Format(item);
                 EXPECT_NE(item.line, 0U);
                 EXPECT_NE(item.column, 0U);
-                // An error may have warnings about the same thing in its wake.
+                // An error may be followed by warnings about the same fault.
                 EXPECT_EQ(diagnostics.Count(Severity::Error),
                           severity == Severity::Error ? 1U : 0U);
                 EXPECT_TRUE(severity == Severity::Error || diagnostics.items.size() == 1U);
@@ -175,7 +175,7 @@ TEST_F(WorldDocument, ASaveTakesLittleMoreMemoryThanTheText)
     EXPECT_LT(allocations.Bytes(), 2 * text.size());
 }
 
-TEST_F(WorldDocument, AnElementThatCannotBeWrittenIsToldWithItsPathAndNothingIsSaved)
+TEST_F(WorldDocument, AnElementThatCannotBeWrittenIsReportedWithItsPathAndNothingIsSaved)
 {
     m_world->Add(KARMPBody::create(L"a"));
     m_world->Add(NamedBody::create(L"Body"));
@@ -194,7 +194,7 @@ TEST_F(WorldDocument, AnElementThatCannotBeWrittenIsToldWithItsPathAndNothingIsS
     EXPECT_FALSE(std::filesystem::exists(path));
 }
 
-TEST_F(WorldDocument, ASaveWithoutMemoryEndsInAMessage)
+TEST_F(WorldDocument, ASaveWhoseAllocationFailsGivesAMessage)
 {
     if (!AllocationCounter::Counts)
         GTEST_SKIP() << "Allocations are not counted in this build";
@@ -220,7 +220,7 @@ TEST_F(WorldDocument, ASaveWithoutMemoryEndsInAMessage)
     EXPECT_GT(failures, 3U);
 }
 
-TEST_F(WorldDocument, AStreamTakesTheDocumentOrTheFailureIsTold)
+TEST_F(WorldDocument, AStreamTakesTheDocumentOrTheFailureIsReported)
 {
     std::ostringstream stream;
     ExpectNothing(SaveStream(m_world, stream));
@@ -295,7 +295,7 @@ TEST_F(WorldDocument, ACheckFindsIdentifiersThatDoNotFit)
                 Severity::Error, BodyPath + "/Geometries/Geometry/@id");
 }
 
-TEST_F(WorldDocument, AnIdentifierCarriedTwiceIsToldWithBothPlaces)
+TEST_F(WorldDocument, AnIdentifierCarriedTwiceIsReportedWithBothPositions)
 {
     const Diagnostics diagnostics =
         CheckText("<KARMPDocument version=\"R2018.1\"><World>\n<Bodies>\n<Body id=\"a\"/>\n"
@@ -321,7 +321,7 @@ TEST_F(WorldDocument, ACheckFindsClassesThatDoNotExistOrStandInAWrongList)
                   WorldPath + "/Bodies/Variable");
 }
 
-TEST_F(WorldDocument, FailedChecksOfTheLibraryAreTold)
+TEST_F(WorldDocument, FailedChecksOfTheLibraryAreReported)
 {
     LoadOptions options;
     options.check = false;
@@ -338,7 +338,7 @@ TEST_F(WorldDocument, FailedChecksOfTheLibraryAreTold)
     EXPECT_EQ(result.world->Count<KARMPBody>(), 1);
 }
 
-TEST_F(WorldDocument, AReferenceOfAWrongClassEndsInAMessage)
+TEST_F(WorldDocument, AReferenceOfAWrongClassGivesAMessage)
 {
     std::string text = Saved();
     const std::string body = IdentifierIn(text, "<Body id=\"");

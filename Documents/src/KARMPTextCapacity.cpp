@@ -1,4 +1,4 @@
-#include "KARMPTextRoom.h"
+#include "KARMPTextCapacity.h"
 
 #include <cstdint>
 #include <new>
@@ -12,7 +12,7 @@ namespace karmp::documents {
 
 namespace {
 
-// Large pages come in a few hundredths of the steps. Where there are none, nothing changes.
+// Large pages need a few hundredths of the page faults. Without them nothing changes.
 void AskForLargePages([[maybe_unused]] const std::string& bytes)
 {
 #if defined(__linux__) && defined(MADV_HUGEPAGE)
@@ -27,7 +27,7 @@ void AskForLargePages([[maybe_unused]] const std::string& bytes)
 
 } // namespace
 
-void MakeRoom(std::string& bytes, std::size_t more)
+void ReserveMore(std::string& bytes, std::size_t more)
 {
     try {
         bytes.reserve(bytes.size() + more);
