@@ -1,5 +1,5 @@
-// KARMPDeserializer is one node of the element tree that entities read: children and attributes are
-// asked for by name, and texts are converted to the kind asked for. A concrete subclass fills it.
+// The element tree that entities are read from. An operation whose sentence names no status always
+// returns 0.
 #pragma once
 
 #include "KARMPExport.h"
@@ -23,8 +23,10 @@ class NodeContent;
 class NodeSource;
 } // namespace karmp
 
-/// A node of the tree on its reading side. A node owns its children; the creator of a root owns the
-/// root. Lookups keep their state in the node: a tree is read by one thread at a time.
+/// A node of the element tree that entities are read from: children and attributes are asked for by
+/// name, and texts are converted to the kind asked for. A concrete subclass fills it. A node owns
+/// its children; the creator of a root owns the root. Lookups keep their state in the node: a tree
+/// is read by one thread at a time.
 class KARMP_API KARMPDeserializer
 {
 public:
@@ -42,17 +44,17 @@ public:
     KARMPDeserializer(const KARMPDeserializer&) = delete;
     KARMPDeserializer& operator=(const KARMPDeserializer&) = delete;
 
-    /// Where the node stands in its source, for messages; the library does not call it.
+    /// The node's position in its source, for messages; the library does not call it.
     virtual std::wstring Location() const = 0;
 
-    /// Sets the version of this node alone; always 0.
+    /// Sets the version of this node alone.
     KARStatus SetVersion(std::wstring_view version);
-    /// Gets the version of this node; always 0.
+    /// Gets the version of this node.
     KARStatus GetVersion(std::wstring& version) const;
     /// The version of this node, valid until it is set again.
     std::wstring_view Version() const { return m_version.View(); }
 
-    /// Gets the element's name; always 0.
+    /// Gets the element's name.
     KARStatus GetId(std::wstring& id) const;
     /// The element's name, valid until it is set again.
     std::wstring_view Id() const { return m_name.View(); }
@@ -104,14 +106,14 @@ public:
                          bool& value) const;
 
     /// Appends all children by name, in the order of the names, within a name in the order of
-    /// addition; always 0. The children keep their versions.
+    /// addition. The children keep their versions.
     KARStatus GetElements(ElementList& elements) const;
-    /// Gets the two ends of the list of the children of one name, which keep their versions; always
-    /// 0. The iterators stay as they were when there is none; they are valid for as long as the
+    /// Gets the two ends of the list of the children of one name, which keep their versions. The
+    /// iterators stay as they were when there is none; they are valid for as long as the
     /// node, and a child that is added later is appended to the list.
     KARStatus GetElements(std::wstring_view name, ElementIterator& begin,
                           ElementIterator& end) const;
-    /// Appends all children in the order of addition; always 0. The children keep their versions.
+    /// Appends all children in the order of addition. The children keep their versions.
     KARStatus GetOrderedElementList(ElementList& elements) const;
 
     /// Appends what GetElements does, without a list's allocation for each child.
@@ -133,11 +135,11 @@ protected:
     void SetValue(double value);
     void SetValue(std::same_as<bool> auto value) { SetBoolValue(value); }
 
-    /// Adds a child under a name, which need not be the child's own, and takes it over. A null
+    /// Adds a child under a name, which need not be the child's own, and takes ownership. A null
     /// child is a report and KARFailure. All walks of this node start again in either case.
     KARStatus AddElement(std::wstring_view name, KARMPDeserializer* child);
 
-    /// Adds an attribute, in place of an earlier one of the name.
+    /// Adds an attribute; it replaces one of the same name.
     void AddAttributeValue(std::wstring_view name, std::wstring_view value);
     void AddAttributeValue(std::wstring_view name, const wchar_t* value);
     void AddAttributeValue(std::wstring_view name, std::wstring&& value);
@@ -148,7 +150,7 @@ protected:
         AddBoolAttributeValue(name, value);
     }
 
-    /// For the nodes of karmp::documents, which a source allocates and fills.
+    /// A node that a source allocates and fills, as those of karmp::documents.
     KARMPDeserializer(const karmp::NodeText& name, const karmp::NodeText& version,
                       karmp::NodeSource& source)
         : m_name(name), m_version(version), m_source(&source)
@@ -190,7 +192,7 @@ private:
     karmp::NodeText m_name;
     /// A narrow text becomes a wide one when it is read as a view.
     mutable karmp::ReadValue m_value;
-    /// Attributes, children and walks, null for a node with neither.
+    /// Attributes, children and walks; null for a node without attributes and children.
     std::unique_ptr<karmp::NodeContent, Release> m_content;
     karmp::NodeText m_version;
     /// Null for a node that a subclass fills.

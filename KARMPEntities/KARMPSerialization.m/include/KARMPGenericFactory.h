@@ -1,4 +1,4 @@
-// Entities by class name: how a world is rebuilt from a tree of elements.
+// The creation of entities by class name, by which a world is rebuilt from a tree of elements.
 #pragma once
 
 #include "KARMPExport.h"
@@ -32,11 +32,11 @@ protected:
     static const Creator* Find(std::string_view className);
     /// A new entity of the class, null when the name is not registered. Names compare exactly.
     static QOBSharedHandle<KARMPEntity> CreateInstance(std::string_view className);
-    /// Enters a creator, in place of an earlier one of that name.
+    /// Enters a creator; it replaces one of the same name.
     static void Register(std::string_view className, Creator creator);
 };
 
-/// Enters the creator of T into the registry when it is constructed.
+/// Registers the creator of T when it is constructed.
 template <class T>
 class KARMPGenericFactory : public KARMPGenericFactoryBase
 {
@@ -56,7 +56,7 @@ private:
 class KARMP_API KARMPFactory : private KARMPGenericFactoryBase
 {
 public:
-    /// Hands out a new entity of the class with an empty name and returns 0. A name that is not
+    /// Gives a new entity of the class with an empty name and returns 0. A name that is not
     /// registered is a failed check and a failure, with a null handle.
     static KARStatus Create(std::string_view className, QOBSharedHandle<KARMPEntity>& entity);
     /// A class by its name, which need not be registered, for the creation of many entities.
@@ -71,7 +71,7 @@ public:
 
         const Creator* m_creator = nullptr;
     };
-    /// The same for a class that was looked up before.
+    /// The same for a class that was looked up beforehand.
     static KARStatus Create(Class entityClass, QOBSharedHandle<KARMPEntity>& entity);
     /// The names of all classes that can be created, in order.
     static std::vector<std::string> GetClassNames();

@@ -1,4 +1,3 @@
-// The memory of a whole element tree: allocated from chunks in sequence, freed all at once.
 #pragma once
 
 #include "KARMPExport.h"
@@ -10,10 +9,11 @@
 
 namespace karmp {
 
-/// A pool that frees everything at once. No destructors are called except of what Make made.
+/// The arena of a whole element tree: it allocates from chunks in sequence and frees all blocks at
+/// once. No destructors are called except of objects that Make created.
 class NodeMemory
 {
-    /// What is destroyed before the chunks are freed, in reverse order of creation.
+    /// An object that is destroyed before the chunks are freed, in reverse order of creation.
     struct Made
     {
         Made* former = nullptr;
@@ -38,7 +38,7 @@ public:
         return memory;
     }
 
-    /// Makes an object that is destroyed with the memory.
+    /// Creates an object that is destroyed with the arena.
     template <class T>
     T* Make()
     {
@@ -53,7 +53,7 @@ public:
         return &holder->object;
     }
 
-    /// The bytes taken from the system, in use or not.
+    /// The size of all chunks in bytes, whether allocated from or not.
     std::size_t Size() const
     {
         std::size_t size = 0;
@@ -74,7 +74,7 @@ public:
         m_left = 0;
     }
 
-    /// Frees all chunks except the newest one, mostly the largest, which serves the next
+    /// Frees all chunks except the newest one, usually the largest, which serves the next
     /// allocations from its start.
     void Reuse() noexcept
     {
@@ -90,8 +90,8 @@ public:
 
 private:
     static constexpr std::size_t Alignment = 8;
-    // The first chunk is small, as most trees of tests and tools are. A tree that has filled some
-    // chunks of the usual size belongs to a large model.
+    // The first chunk is small, as most trees of tests and tools are. A tree that has filled
+    // several chunks of the usual size belongs to a large model.
     static constexpr std::size_t FirstChunk = 1U << 12U;
     static constexpr std::size_t UsualChunk = 1U << 18U;
     static constexpr std::size_t UsualChunkCount = 8;

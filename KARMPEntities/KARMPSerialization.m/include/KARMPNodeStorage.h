@@ -25,7 +25,7 @@ namespace karmp {
 /// An immutable wide text of the size of one pointer.
 ///
 /// Names and versions are few and repeat in every entity, so that their storage is shared by the
-/// whole process; other texts own their storage, or are allocated in the memory of a tree.
+/// whole process; other texts own their storage, or are allocated in the arena of a tree.
 class KARMP_API NodeText
 {
 public:
@@ -40,14 +40,14 @@ public:
         constexpr std::size_t longestShared = 2;
         return text.size() <= longestShared ? Name(text) : Copy(text);
     }
-    /// A text of its own.
+    /// A text with storage of its own.
     static NodeText Copy(std::wstring_view text);
-    /// Like Name and Copy; what is not shared is allocated in the memory of a tree.
+    /// Like Name and Copy; what is not shared is allocated in the arena of a tree.
     static NodeText Name(std::wstring_view text, NodeMemory& memory);
     static NodeText Copy(std::wstring_view text, NodeMemory& memory);
-    /// A text of ASCII characters in the memory of a tree.
+    /// A text of ASCII characters in the arena of a tree.
     static NodeText Widen(std::string_view text, NodeMemory& memory);
-    /// A text of its own that takes a long string over without copying its characters.
+    /// A text with storage of its own that takes ownership of a long string without copying it.
     static NodeText Take(std::wstring&& text);
 
     NodeText(const NodeText& other) : m_bits(other.m_bits)
@@ -81,13 +81,13 @@ public:
 
     friend bool operator==(const NodeText& left, const NodeText& right)
     {
-        // Two names in the table of the process are equal when they are the same.
+        // Names in the table of the process are equal only when their storage is the same.
         return left.m_bits == right.m_bits ||
                ((left.m_bits & right.m_bits & IsShared) == 0 && left.View() == right.View());
     }
 
-    /// True when it shares its storage: then a text that shares its own and is not the same
-    /// differs.
+    /// True when it shares its storage. Two texts that do so are equal only when their storage is
+    /// the same.
     bool SharesStorage() const { return (m_bits & IsShared) != 0; }
     /// True when both have the same storage.
     bool IsSameAs(const NodeText& other) const { return m_bits == other.m_bits; }
@@ -114,26 +114,26 @@ private:
     std::uintptr_t m_bits = 0;
 };
 
-/// True when two names are equal. They are short: two characters at a time are compared sooner than
-/// by a call.
+/// True when two names are equal. Names are short: comparing two characters at a time is faster
+/// than a call.
 inline bool SameName(std::wstring_view left, std::wstring_view right)
 {
     if (left.size() != right.size())
         return false;
     using Pair = std::array<wchar_t, 2>;
-    std::size_t place = 0;
-    for (; place + 1 < left.size(); place += 2) {
+    std::size_t index = 0;
+    for (; index + 1 < left.size(); index += 2) {
         Pair leftPair;
         Pair rightPair;
-        std::memcpy(leftPair.data(), left.data() + place, sizeof(Pair));
-        std::memcpy(rightPair.data(), right.data() + place, sizeof(Pair));
+        std::memcpy(leftPair.data(), left.data() + index, sizeof(Pair));
+        std::memcpy(rightPair.data(), right.data() + index, sizeof(Pair));
         if (leftPair != rightPair)
             return false;
     }
-    return place == left.size() || left[place] == right[place];
+    return index == left.size() || left[index] == right[index];
 }
 
-/// The value of an element or an attribute; the alternatives stand in the order of the type's bits.
+/// The value of an element or an attribute; the alternatives are in the order of the type's bits.
 using NodeValue = std::variant<std::monostate, bool, std::int32_t, double, NodeText>;
 
 /// The type of a value.
@@ -187,8 +187,7 @@ struct AsciiText
 };
 
 /// A text that is read once: it refers to the characters of its node, wide or narrow ones. Narrow
-/// ones that are read as wide are converted into a buffer of its own, so that the node does not
-/// keep them.
+/// ones that are read as wide are converted into a buffer of this object instead of the node.
 class ReadText
 {
 public:
@@ -238,7 +237,7 @@ private:
 /// The value of a node that is read: numbers are converted from narrow characters directly.
 using ReadValue = std::variant<std::monostate, bool, std::int32_t, double, NodeText, AsciiText>;
 
-/// A growing list of the size of one pointer.
+/// A growing array of the size of one pointer.
 template <class T>
 class NodeArray
 {
@@ -258,17 +257,17 @@ public:
     const T* begin() const { return m_block != nullptr ? First() : nullptr; }
     const T* end() const { return begin() + size(); }
 
-    /// Makes the capacity suffice for one more element, so that the next Append cannot fail.
-    /// Allocates in the memory of a tree if there is one.
-    void MakeRoom(NodeMemory* memory = nullptr)
+    /// Reserves capacity for one more element, so that the next Append cannot fail. Allocates in
+    /// `memory` unless it is null.
+    void GrowIfFull(NodeMemory* memory = nullptr)
     {
         if (m_block == nullptr || m_block->size == m_block->capacity) {
             const std::size_t count = size();
             Grow(count == 0 ? 3 : count * 2, memory);
         }
     }
-    /// The same for `more` elements; a list that is still empty gets exactly that capacity.
-    void MakeRoomFor(std::size_t more, NodeMemory* memory = nullptr)
+    /// The same for `more` elements; an empty list gets exactly that capacity.
+    void Reserve(std::size_t more, NodeMemory* memory = nullptr)
     {
         if (more > (m_block != nullptr ? m_block->capacity - m_block->size : 0U))
             Grow(std::max(size() + more, size() * 2), memory);
@@ -276,12 +275,12 @@ public:
 
     void Append(T&& element)
     {
-        MakeRoom();
+        GrowIfFull();
         ::new (First() + m_block->size) T(std::move(element));
         ++m_block->size;
     }
     void Append(const T& element) { Append(T(element)); }
-    /// Appends `count` elements, made by `make` from their numbers, within the capacity.
+    /// Appends `count` elements, created by `make` from their numbers, within the capacity.
     template <class Make>
     void Fill(std::size_t count, Make make)
     {

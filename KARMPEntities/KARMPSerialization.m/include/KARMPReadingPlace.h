@@ -1,13 +1,14 @@
-// KARMPReadingPlace tells the node that is read, and listeners of failed checks where that is.
 #pragma once
 
 #include "KARMPExport.h"
 
 class KARMPDeserializer;
 
-/// Names the node that its thread reads, for as long as it lives; of nested ones the innermost
-/// counts. A document may free what it filled below the node meanwhile. A world names the element
-/// of each entity that it creates or reads.
+/// Brackets the reading of a node: for as long as the object lives, its thread reads that node; of
+/// nested ones the innermost counts. It tells the node's source of the begin and the end of the
+/// reading, so that a document can free what it filled below the node, and gives listeners of
+/// failed checks the node that is read. A world brackets the element of each entity that it creates
+/// or reads.
 class KARMP_API KARMPReadingPlace
 {
 public:

@@ -1,5 +1,3 @@
-// What the writing and reading of all entities share: points, vectors, references to values, class
-// names of elements, and equations as text.
 #pragma once
 
 #include "KARMPEntityTable.h"
@@ -19,6 +17,8 @@ class KARMathVector;
 class KARWBEquation;
 class KARWBFactory;
 
+/// Writing and reading that all entities share: points, vectors, references to values, class names
+/// of elements, and equations as text.
 class KARMP_API KARMPSerializationServices
 {
 public:
@@ -53,12 +53,12 @@ public:
     static KARStatus Deserialize(const KARMPDeserializer* deserializer, std::wstring_view name,
                                  const KARMPEntityTable& entities, ValueHandle& value);
     /// Reads as many references as there are names, in order. The first whose element is missing or
-    /// whose identifier is unknown ends the call with a failure, in silence; those before it are
-    /// stored, the others stay as they are.
+    /// whose identifier is unknown ends the call with a failure, without a report; those before it
+    /// are stored, the others stay as they are.
     static KARStatus Deserialize(const KARMPDeserializer* deserializer, const Names& names,
                                  const KARMPEntityTable& entities, ValueHandle* values);
 
-    /// Hands out the text in the characters of the C library's current locale, terminated, to be
+    /// Gives the text in the characters of the C library's current locale, terminated, to be
     /// freed with `free`. A text without storage (null data) and one with a character that the
     /// locale lacks are a failed check and a failure with null.
     static KARStatus ConvertToCString(std::wstring_view text, const char*& result);
@@ -87,7 +87,7 @@ public:
     {
         return ParseWBEquation(ViewOf(text), factory, equation);
     }
-    /// Hands out the text of an equation. Null, and an equation that is not complete, are a failed
+    /// Gives the text of an equation. Null, and an equation that is not complete, are a failed
     /// check and a failure.
     static KARStatus PrintWBEquation(const KARWBEquation* equation, std::wstring& text);
 

@@ -1,4 +1,4 @@
-// A named value of the element tree in plain form: what an element or an attribute carries.
+// A named value of the element tree in plain form, as an element or an attribute has it.
 #pragma once
 
 #include <cstdint>

@@ -1,5 +1,5 @@
-// KARMPSerializer is one node of the element tree that entities write: a name, an optional value,
-// attributes and child elements. A concrete subclass makes the child nodes and renders the tree.
+// The element tree that entities are written into. An operation whose sentence names no status
+// always returns 0.
 #pragma once
 
 #include "KARMPExport.h"
@@ -15,8 +15,10 @@
 #include <string>
 #include <string_view>
 
-/// A node of the tree on its writing side. A node owns its children; the creator of a root owns the
-/// root. Names need not be unique. A tree is built by one thread.
+/// A node of the element tree that entities are written into: a name, an optional value, attributes
+/// and child elements. A concrete subclass creates the child nodes and renders the tree. A node
+/// owns its children; the creator of a root owns the root. Names need not be unique. A tree is
+/// built by one thread.
 class KARMP_API KARMPSerializer
 {
 public:
@@ -32,7 +34,7 @@ public:
     /// Renders the subtree into a file; the library does not call it.
     virtual KARStatus Save(const char* path) const = 0;
 
-    /// Appends an attribute; always 0. A double is rounded as AddElement tells.
+    /// Appends an attribute. A double is rounded as by AddElement.
     KARStatus AddAttribute(std::wstring_view name, std::wstring_view value);
     KARStatus AddAttribute(std::wstring_view name, const wchar_t* value);
     KARStatus AddAttribute(std::wstring_view name, std::wstring&& value);
@@ -62,11 +64,11 @@ public:
         return AddBoolElement(name, child, value);
     }
 
-    /// Gets the version this node is written for; always 0.
+    /// Gets the version this node is written for.
     KARStatus GetVersion(std::wstring& version) const;
     /// The version this node is written for, valid until it is set again.
     std::wstring_view Version() const { return m_version.View(); }
-    /// Sets the version of this node and of the children it creates from now on; always 0.
+    /// Sets the version of this node and of the children it creates from now on.
     KARStatus SetVersion(std::wstring_view version);
 
     /// True unless "NO_MP_NAME_FOR_SERIALIZATION" was set when the process first asked.
@@ -79,8 +81,8 @@ protected:
     virtual KARMPSerializer* CreateChildElement() = 0;
 
 public:
-    /// Tells that the children so far are complete: the caller neither adds to them nor uses them
-    /// any more, so that a subclass may render and free them. Does nothing by default.
+    /// Called when the children so far are complete: the caller neither adds to them nor uses them
+    /// from now on, so that a subclass may render and free them. Does nothing by default.
     virtual void ChildrenComplete() {}
 
 protected:
@@ -123,16 +125,16 @@ protected:
     /// An attribute in plain form.
     KARMPSerializationVariable GetAttribute(int index) const;
 
-    /// Makes this node, and the children it creates from now on, keep doubles as they are, whether
-    /// the environment asks for that or not.
+    /// Makes this node, and the children it creates from now on, keep doubles as they are, whatever
+    /// the environment says.
     void SetExactDoubles(bool exact) { m_exactDoubles = exact; }
 
-    /// The root of a tree that is allocated in one memory and freed with the root. All nodes that
-    /// CreateChildElement makes must stand in that memory: their destructors are not called.
+    /// The root of a tree that is allocated in an arena and freed with the root. All nodes that
+    /// CreateChildElement creates must be allocated there: their destructors are not called.
     explicit KARMPSerializer(std::unique_ptr<karmp::NodeMemory> memory);
-    /// A node below such a root. Its parent gives it a version.
+    /// A node below such a root. Its parent sets its version.
     explicit KARMPSerializer(karmp::NodeMemory& memory) : m_memory(&memory) {}
-    /// The memory of the tree; null when every node is allocated on its own.
+    /// The arena of the tree; null when every node is allocated by itself.
     karmp::NodeMemory* Memory() const { return m_memory; }
 
 private:
@@ -152,8 +154,8 @@ private:
     void Clean() noexcept;
 
     karmp::NodeText m_name;
-    // The flags take the padding of the value, ahead of the lists; there is no spare text, which
-    // would cost every node 32 bytes.
+    // The flags take the padding behind the value; a KARMPSerializationVariable would cost every
+    // node a string of 32 bytes more.
     [[no_unique_address]] karmp::NodeValue m_value;
     bool m_exactDoubles = false;
     bool m_ownsMemory = false;

@@ -8,15 +8,15 @@ namespace karmp {
 
 /// The earliest version; nothing is gated by it.
 inline constexpr std::wstring_view R2015x_0 = L"R2015x.0";
-/// Brought the "Type" of a variable.
+/// Adds the "Type" of a variable.
 inline constexpr std::wstring_view R2016_0 = L"R2016.0";
-/// Brought the "OutOfWorld" of a body.
+/// Adds the "OutOfWorld" of a body.
 inline constexpr std::wstring_view R2016_1 = L"R2016.1";
-/// Brought a variable's "Value" as a child element, its "Type" and quantity as words.
+/// A variable's "Value" is a child element, its "Type" and quantity are words.
 inline constexpr std::wstring_view R2017_0 = L"R2017.0";
-/// Brought "isActive" of every entity and "bodyOrientation" of a joint's bodies.
+/// Adds "isActive" of every entity and "bodyOrientation" of a joint's bodies.
 inline constexpr std::wstring_view R2017_1 = L"R2017.1";
-/// Brought the "PhysicalQuantity" of a value as a word.
+/// The "PhysicalQuantity" of a value is a word.
 inline constexpr std::wstring_view R2018_0 = L"R2018.0";
 /// The current version; nothing is gated by it.
 inline constexpr std::wstring_view R2018_1 = L"R2018.1";

@@ -1,6 +1,3 @@
-// Reads the content of one element and carries the reporting rules of all readers: what is missing
-// or does not convert is reported at the place of the caller as its policy says, and reading goes
-// on.
 #pragma once
 
 #include "KARMPDeserializer.h"
@@ -9,7 +6,7 @@
 
 namespace karmp {
 
-/// What it means that an item is not there.
+/// What happens when an item is missing or does not convert.
 enum class Absent {
     Keep,          ///< Nothing happens.
     ReportAndKeep, ///< A failed check; the value stays.
@@ -17,7 +14,7 @@ enum class Absent {
     ReportAndFail  ///< A failed check that counts in the reader's status; the value stays.
 };
 
-/// The name of an element or attribute; that of a literal knows its length without counting.
+/// The name of an element or attribute; the length of a literal is known at compile time.
 class ItemName
 {
 public:
@@ -36,23 +33,26 @@ private:
 template <class T>
 QOBSharedHandle<T> HandleAs(const QOBSharedHandle<KARMPEntity>& entity)
 {
-    // The record of a T's class costs less than a cast.
+    // A test of the class record is faster than a cast.
     const QOBSharedObject* const referent = entity._getReferent();
     if (referent != nullptr && referent->getClassInfo().isDerivedFrom(T::ClassInfo()))
         return QOBSharedHandle<T>::unchecked(entity);
     return QOBSharedHandle<T>(entity);
 }
 
+/// Reads the content of one element by the reporting rules of all readers: what is missing or does
+/// not convert is reported with the source location of the caller as its policy says, and reading
+/// goes on.
 class ElementReader
 {
 public:
     using Where = KARMPSourceLocation;
 
-    /// Reads the node itself. A null node is reported.
+    /// Reads a node. A null node is reported.
     explicit ElementReader(const KARMPDeserializer* node, Where where = Where::current())
         : m_node(node), m_failed(!KARMPVerify(node != nullptr, where))
     {}
-    /// Reads a class's own element: the node itself when it bears the name, otherwise the node's
+    /// Reads a class's own element: the node itself when it has the name, otherwise the node's
     /// child of that name. A null node and a missing child are reported.
     ElementReader(const KARMPDeserializer* node, ItemName name, Where where = Where::current());
 
@@ -64,7 +64,7 @@ public:
     KARStatus Status() const { return m_failed ? KARFailure : KARSuccess; }
     /// Counts a failure of something that was read by other means.
     void Fail() { m_failed = true; }
-    /// Passes the status of a base's step on: a failure is reported and counted.
+    /// Takes the status of a base class's step: a failure is reported and counted.
     bool Base(KARStatus status, Where where = Where::current());
     /// Reports a negative status of a setter; it does not count. Returns true when there was none.
     static bool Set(KARStatus status, Where where = Where::current())
@@ -98,7 +98,7 @@ public:
         return true;
     }
 
-    /// Reads the child elements of a group of doubles into their places; true when all are there.
+    /// Reads the child elements of a group of doubles into the array; true when all are there.
     template <std::size_t N>
     bool Values(const Names<N>& names, std::array<double, N>& values, Absent absent,
                 Where where = Where::current())
@@ -119,10 +119,10 @@ public:
 
     /// True when there is a child element of the name.
     bool Has(ItemName name) const { return m_node != nullptr && m_node->HasElement(name); }
-    /// A reader on a child element; on nothing when there is none, which counts and is reported as
-    /// the policy says.
+    /// A reader of a child element; an empty one when there is none, which counts and is reported
+    /// as the policy says.
     ElementReader Child(ItemName name, Absent absent, Where where = Where::current());
-    /// Calls `read` with a reader on each child of the name, in order; null children are skipped.
+    /// Calls `read` with a reader of each child of the name, in order; null children are skipped.
     template <class Read>
     void Each(ItemName name, Read read) const
     {
@@ -146,8 +146,8 @@ public:
         const QOBSharedHandle<KARMPEntity>* entity = FindTarget(entities, where);
         return entity != nullptr ? HandleAs<T>(*entity) : QOBSharedHandle<T>();
     }
-    /// Reads an optional reference: passes what it resolves to on to `set`, whose failure is
-    /// reported. Nothing happens when the element is missing or its target is unknown.
+    /// Reads an optional reference: calls `set` with its target; a failure of `set` is reported.
+    /// Nothing happens when the element is missing or its target is unknown.
     template <class T, class Set>
     void Reference(ItemName name, const KARMPEntityTable& entities, Set set,
                    Where where = Where::current())

@@ -1,5 +1,3 @@
-// Writes the content of one element and carries the reporting rules of all writers: a null node and
-// a failed addition are reported at the place of the caller, and writing goes on.
 #pragma once
 
 #include "KARMPEnumerationTexts.h"
@@ -23,12 +21,14 @@ class KARMPEntity;
 
 namespace karmp {
 
+/// Writes the content of one element by the reporting rules of all writers: a null node and a
+/// failed addition are reported with the source location of the caller, and writing goes on.
 class ElementWriter
 {
 public:
     using Where = KARMPSourceLocation;
 
-    /// Writes into a node that is there. A null node is reported.
+    /// Writes into an existing node. A null node is reported.
     explicit ElementWriter(KARMPSerializer* node, Where where = Where::current());
     /// Adds an element under a parent and writes into it. A null parent and a failed addition are
     /// reported.
@@ -42,7 +42,7 @@ public:
     KARStatus Status() const { return m_failed ? KARFailure : KARSuccess; }
     /// Counts a failure of something that was written by other means.
     void Fail() { m_failed = true; }
-    /// Passes the status of a base's step on: a failure is reported and counted.
+    /// Takes the status of a base class's step: a failure is reported and counted.
     bool Base(KARStatus status, Where where = Where::current());
 
     bool Attribute(std::wstring_view name, std::wstring_view value, Where where = Where::current());
@@ -87,14 +87,14 @@ public:
     }
     bool Values(const KARMath3x3Matrix& matrix, Where where = Where::current());
 
-    /// Adds a child element and gives a writer on it; a failed addition counts here too.
+    /// Adds a child element and gives a writer of it; a failed addition counts here too.
     ElementWriter Child(std::wstring_view name, Where where = Where::current());
 
     /// Adds a child element that refers to an entity by its identifier and, when names are written,
     /// its name. A null entity is reported and leaves the element without attributes.
     bool Reference(std::wstring_view name, const QOBSharedBase& entity,
                    Where where = Where::current());
-    /// Adds a container with one reference for each entity that `get` hands out by index from 0,
+    /// Adds a container with one reference for each entity that `get` gives by index from 0,
     /// nothing when `count` is below 1. Where `get` fails, the item's "id" and "name" are both the
     /// bool true, so that the number of items stays right.
     template <class T, class Get>
@@ -128,7 +128,7 @@ public:
     /// Writes "id" and, when `withName`, "name" of an entity as attributes of this element.
     bool ReferenceAttributes(const KARMPEntity* entity, bool withName,
                              Where where = Where::current());
-    /// Adds a reference to an entity that cannot be had.
+    /// Adds a reference to an entity that its getter failed to give.
     void UnknownReference(std::wstring_view item, Where where);
 
 private:

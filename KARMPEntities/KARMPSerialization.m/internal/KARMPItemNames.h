@@ -7,7 +7,7 @@
 
 namespace karmp {
 
-/// The names of a group of doubles that stand in an element of their own or beside each other.
+/// The names of a group of doubles, in an element of their own or side by side with other items.
 template <std::size_t N>
 using Names = std::array<std::wstring_view, N>;
 

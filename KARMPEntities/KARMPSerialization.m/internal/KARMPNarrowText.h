@@ -1,4 +1,4 @@
-// Wide text in the characters of the C library's current locale.
+// Wide text as narrow text of the C library's current locale.
 #pragma once
 
 #include <string>

@@ -1,5 +1,5 @@
-// Trees of reader nodes that stand in one memory, and whose nodes are filled when they are first
-// read: what karmp::documents makes of a document.
+// Trees of reader nodes that are allocated in an arena, and whose nodes are filled when they are
+// first read, as those of karmp::documents are.
 #pragma once
 
 #include "KARMPDeserializer.h"
@@ -28,16 +28,16 @@ enum NodePart : std::uint8_t {
     ContentPart = 2 ///< The value and the children.
 };
 
-/// The memory that nodes, their texts and their lists stand in, and what fills these nodes. The
-/// nodes are freed with the memory; their destructors are not called.
+/// The arena of nodes, their texts and their lists, which also fills these nodes. The nodes are
+/// freed with the arena; their destructors are not called.
 class KARMP_API NodeSource : public NodeMemory
 {
 public:
     NodeSource() = default;
     virtual ~NodeSource();
 
-    /// Fills the attributes of a node; called when the first of them is read. What throws is called
-    /// again when they are read again.
+    /// Fills the attributes of a node; called when the first of them is read. After an exception it
+    /// is called again at the next read.
     virtual void FillAttributes(KARMPDeserializer& node);
     /// Fills value and children of a node in the same manner.
     virtual void FillContent(KARMPDeserializer& node);
@@ -45,15 +45,15 @@ public:
     /// there is none. False when they have to be filled first.
     virtual bool FindAttribute(const KARMPDeserializer& node, std::wstring_view name,
                                AsciiText& value) const;
-    /// The memory of a node's attributes and children.
+    /// The arena of a node's attributes and children.
     virtual NodeMemory& ContentMemory(const KARMPDeserializer& node);
-    /// Bracket the reading of a node by a caller that keeps nothing of it: what is filled between
-    /// the two may be freed, and filled again when it is read again.
+    /// Bracket the reading of a node by a caller that keeps no pointer into it: what is filled
+    /// between the two may be freed, and is filled again when it is read again.
     virtual void BeginReading(const KARMPDeserializer& node) noexcept;
     virtual void EndReading(const KARMPDeserializer& node) noexcept;
 };
 
-/// Fills nodes that stand in the memory of a source, on behalf of that source.
+/// Fills nodes that are allocated in the arena of a source, on behalf of that source.
 class KARMP_API NodeBuilder
 {
 public:
@@ -65,23 +65,23 @@ public:
     {
         node.m_value.emplace<NodeText>(std::move(value));
     }
-    /// Adds attributes, each in place of an earlier one of its name. False when there was one.
+    /// Adds attributes; each replaces one of the same name. False when one was replaced.
     static bool AddAttributes(KARMPDeserializer& node, std::span<const ReadAttribute> attributes,
                               NodeMemory& memory);
-    /// Adds children, each under its own name. When an allocation fails, none was added to a node
-    /// without children.
+    /// Adds children, each under its own name. When an allocation fails, a node without children
+    /// stays without.
     static void AddElements(KARMPDeserializer& node, std::span<KARMPDeserializer* const> children,
                             NodeMemory& memory);
 
     /// The parts, bits of NodePart, that are filled when they are first read.
     static void SetMissing(KARMPDeserializer& node, std::uint8_t parts) { node.m_missing = parts; }
     static std::uint8_t Missing(const KARMPDeserializer& node) { return node.m_missing; }
-    /// Removes attributes, value and children, whose memory may be gone already.
+    /// Removes attributes, value and children, whose arena may have been freed already.
     static void Forget(KARMPDeserializer& node) noexcept;
 
     /// Null for a node that its subclass fills.
     static NodeSource* SourceOf(const KARMPDeserializer& node) { return node.m_source; }
-    /// Passed on to the node's source, if it has one.
+    /// Call the same operation of the node's source, if it has one.
     static void BeginReading(const KARMPDeserializer& node) noexcept
     {
         if (node.m_source != nullptr)

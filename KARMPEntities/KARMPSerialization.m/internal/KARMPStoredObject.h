@@ -10,13 +10,14 @@
 
 namespace karmp {
 
+/// Releases a factory, for a unique pointer.
 struct FactoryRelease
 {
     void operator()(KARGeometricFactory* factory) const { factory->Release(); }
 };
 
-/// What was loaded from one stream. The objects live as long as the factory, or as a reference that
-/// is taken on them.
+/// The objects that were loaded from one stream. They live as long as the factory, or as a
+/// reference that is taken on them.
 struct StoredObjects
 {
     std::unique_ptr<KARGeometricFactory, FactoryRelease> factory;
@@ -24,12 +25,12 @@ struct StoredObjects
 };
 
 /// Adds an element with the stream of an object as text and its number of bytes as "length".
-/// Whatever fails is reported; false when there is no such element then.
+/// Every failure is reported; false when no such element was added.
 bool WriteStoredObject(ElementWriter& parent, std::wstring_view name, KARBaseUnknown* object,
                        KARMPSourceLocation where = KARMPSourceLocation::current());
 
-/// Loads the objects from an element's text. Whatever fails is reported; false when there is no
-/// object then. A "length" that is missing or wrong is none of that: the text decides.
+/// Loads the objects from an element's text. Every failure is reported; false when no object was
+/// loaded. A missing or wrong "length" is no failure: the text decides.
 bool ReadStoredObjects(ElementReader& parent, std::wstring_view name, StoredObjects& stored,
                        KARMPSourceLocation where = KARMPSourceLocation::current());
 

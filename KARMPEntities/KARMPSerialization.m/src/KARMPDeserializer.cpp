@@ -33,10 +33,10 @@ KARMPDeserializer::~KARMPDeserializer()
 
 void KARMPDeserializer::Release::operator()(NodeContent* content) const noexcept
 {
-    karmp::EndPlaced()(content);
+    karmp::ReleaseArenaObject()(content);
 }
 
-// Names and index are of no use any more, so that groups and children may move.
+// Names and index are not used again, so that groups and children may be moved from.
 void KARMPDeserializer::Clean() noexcept
 {
     if (m_content) {
@@ -62,17 +62,17 @@ void KARMPDeserializer::Clean() noexcept
 NodeContent& KARMPDeserializer::NeedContent(karmp::NodeMemory* memory)
 {
     if (!m_content)
-        m_content.reset(karmp::Place<NodeContent>(memory));
+        m_content.reset(karmp::NewIn<NodeContent>(memory));
     return *m_content;
 }
 
-// The parts count as filled while they are, so that the source may use the node; what could not be
-// allocated is still to be filled.
+// The parts count as filled while they are being filled, so that the source may use the node; after
+// a failed allocation they are missing again.
 void KARMPDeserializer::Fill(std::uint8_t parts) const
 {
     const std::uint8_t before =
         std::exchange(m_missing, static_cast<std::uint8_t>(m_missing & ~parts));
-    // No node is made as a constant; readers get constant ones.
+    // No node is created const; readers get const pointers.
     auto& node = const_cast<KARMPDeserializer&>(*this);
     try {
         if (parts == karmp::AttributesPart)
@@ -175,7 +175,7 @@ void KARMPDeserializer::PutAttribute(std::wstring_view name, ReadValue&& value)
         found->value = std::move(value);
         return;
     }
-    content.attributes.MakeRoom();
+    content.attributes.GrowIfFull();
     content.Append({NodeText::Name(name), std::move(value)}, nullptr);
 }
 
@@ -205,7 +205,7 @@ KARStatus KARMPDeserializer::AddElement(std::wstring_view name, KARMPDeserialize
     if (!KARMPVerify(child != nullptr))
         return KARFailure;
     NodeContent& content = NeedContent(nullptr);
-    content.children.MakeRoom();
+    content.children.GrowIfFull();
     content.Append(NodeText::Name(name), child, nullptr);
     return KARSuccess;
 }

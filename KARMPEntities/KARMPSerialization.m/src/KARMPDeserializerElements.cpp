@@ -39,7 +39,7 @@ bool KARMPDeserializer::HasElement(std::wstring_view name) const
     Need(ContentPart);
     if (!m_content)
         return false;
-    // What is asked about is mostly read next, so that its offset stays the likely one.
+    // The child is usually read next, so its index stays the likely one.
     if (const ElementGroups* const groups = m_content->groups.get()) {
         const ElementGroup* const group = groups->Find(name);
         if (group != nullptr)

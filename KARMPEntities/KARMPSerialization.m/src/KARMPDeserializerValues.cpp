@@ -230,7 +230,7 @@ KARStatus KARMPDeserializer::GetElement(std::wstring_view name, const KARMPDeser
     return ConvertElement(name, child, value);
 }
 
-// The wide form stays in place of the narrow one, since the view has to last.
+// The wide form replaces the narrow one in the node, since the view refers to it.
 KARStatus KARMPDeserializer::GetAttrVal(ReadValue& stored, std::wstring_view& value) const
 {
     if (const auto* const narrow = std::get_if<AsciiText>(&stored))

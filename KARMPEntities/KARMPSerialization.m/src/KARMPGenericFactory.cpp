@@ -8,7 +8,7 @@ KARMPGenericFactoryBase::Map& KARMPGenericFactoryBase::GetMap()
     return map;
 }
 
-// An entry stays where it is, also when another creator takes the place of the one in it.
+// The address of an entry stays valid, also when its creator is replaced.
 const KARMPGenericFactoryBase::Creator* KARMPGenericFactoryBase::Find(std::string_view className)
 {
     const Map& map = GetMap();

@@ -1,8 +1,8 @@
-// Finds the elements of a node's lists by name.
+// The lookup of elements of a node's lists by name.
 #pragma once
 
+#include "KARMPArenaObject.h"
 #include "KARMPNodeStorage.h"
-#include "KARMPPlaced.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -17,16 +17,16 @@ namespace karmp {
 /// A list of up to this many names is scanned; a longer one gets an index.
 constexpr std::size_t LongestScan = 16;
 
-/// The offset of each name in a list; the names are views of the list's own texts.
+/// The index of each name in a list; the names are views of the list's own texts.
 ///
 /// Cost of              up to LongestScan names   more names
 /// append               constant                  amortised constant, one entry of the hash table
 /// find                 one comparison each       constant
 /// find the next one    one comparison            one comparison
 /// memory               none                      about 60 bytes for each name
-struct NameIndex : Placed
+struct NameIndex : ArenaObject
 {
-    std::unordered_map<std::wstring_view, std::uint32_t> offsets;
+    std::unordered_map<std::wstring_view, std::uint32_t> indices;
 };
 
 using OwnedIndex = OwningPointer<NameIndex>;
@@ -37,8 +37,8 @@ std::wstring_view NameOf(const T& element)
     return element.name.View();
 }
 
-/// True when the elements' names share their storage, no two are the same, and there are few: they
-/// need neither groups nor an index. Comparing each with each takes fewer steps than an index.
+/// True when the elements' names share their storage, are all different, and few: then they need
+/// neither groups nor an index. For so few, comparing all pairs is faster than an index.
 template <class T>
 bool AreRecord(std::span<const T> elements)
 {
@@ -62,8 +62,8 @@ template <class T>
 const T* FindNamed(const NodeArray<T>& list, const NameIndex* index, std::wstring_view name)
 {
     if (index != nullptr) {
-        const auto found = index->offsets.find(name);
-        return found != index->offsets.end() ? &list[found->second] : nullptr;
+        const auto found = index->indices.find(name);
+        return found != index->indices.end() ? &list[found->second] : nullptr;
     }
     for (const T& element : list)
         if (SameName(NameOf(element), name))
@@ -71,7 +71,7 @@ const T* FindNamed(const NodeArray<T>& list, const NameIndex* index, std::wstrin
     return nullptr;
 }
 
-/// The same where elements are mostly asked for in their order: `likely` is the offset behind the
+/// The same where elements are usually asked for in their order: `likely` is the index after the
 /// one found last.
 template <class T>
 const T* FindNext(const NodeArray<T>& list, const NameIndex* index, std::uint32_t& likely,
@@ -85,7 +85,8 @@ const T* FindNext(const NodeArray<T>& list, const NameIndex* index, std::uint32_
     return found;
 }
 
-/// Enters the name of the element that is about to be appended to `list`, once the list is long.
+/// Adds the name of the element that is appended to `list` next to the index, once the list is
+/// long.
 template <class T>
 void IndexNext(OwnedIndex& index, const NodeArray<T>& list, std::wstring_view name,
                NodeMemory* memory)
@@ -93,14 +94,14 @@ void IndexNext(OwnedIndex& index, const NodeArray<T>& list, std::wstring_view na
     if (list.size() < LongestScan)
         return;
     if (!index) {
-        OwnedIndex made = PlaceOwning<NameIndex>(memory);
+        OwnedIndex made = NewOwningIn<NameIndex>(memory);
         for (const T& element : list) {
-            made->offsets.emplace(NameOf(element),
+            made->indices.emplace(NameOf(element),
                                   static_cast<std::uint32_t>(&element - list.begin()));
         }
         index = std::move(made);
     }
-    index->offsets.emplace(name, static_cast<std::uint32_t>(list.size()));
+    index->indices.emplace(name, static_cast<std::uint32_t>(list.size()));
 }
 
 /// The elements of a list in the order of their names.

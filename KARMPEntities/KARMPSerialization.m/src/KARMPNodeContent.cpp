@@ -7,16 +7,16 @@ namespace karmp {
 void ElementGroup::Append(KARMPDeserializer* child, NodeMemory* memory)
 {
     if (!several) {
-        PlacedPointer<Several> made(Place<Several>(memory));
-        made->members.MakeRoom(memory);
+        ArenaPointer<Several> made(NewIn<Several>(memory));
+        made->members.GrowIfFull(memory);
         made->members.Append(only);
         several = std::move(made);
     }
-    several->members.MakeRoom(memory);
+    several->members.GrowIfFull(memory);
     several->members.Append(child);
 }
 
-// One child needs no walk: it is first and last.
+// A single child needs no walk.
 KARMPDeserializer* ElementGroup::Next(std::size_t additions) const
 {
     if (!several)
@@ -35,14 +35,14 @@ KARMPDeserializer* ElementGroup::Next(std::size_t additions) const
 void ElementGroups::Append(std::wstring_view name, KARMPDeserializer* child, NodeMemory* memory)
 {
     if (const ElementGroup* const found = Find(name)) {
-        // Mostly the next child has the same name, or a new one.
+        // The next child usually has the same name or a new one.
         likely = static_cast<std::uint32_t>(found - list.begin());
         KARMPDeserializer::ElementList* wanted = nullptr;
         if (lists) {
             const auto asked = lists->byName.find(name);
             wanted = asked != lists->byName.end() ? &asked->second : nullptr;
         }
-        // The allocation of the list's entry comes first: nothing is left to fail after it.
+        // The list's entry is allocated first: no later step fails.
         KARMPDeserializer::ElementList added;
         if (wanted != nullptr)
             added.push_back(child);
@@ -51,7 +51,7 @@ void ElementGroups::Append(std::wstring_view name, KARMPDeserializer* child, Nod
             wanted->splice(wanted->end(), added);
         return;
     }
-    list.MakeRoom(memory);
+    list.GrowIfFull(memory);
     IndexNext(index, list, name, memory);
     list.Append({name, child, nullptr});
 }
@@ -60,7 +60,7 @@ const KARMPDeserializer::ElementList& ElementGroups::ListOf(const ElementGroup& 
                                                             NodeMemory* memory)
 {
     if (!lists)
-        lists = PlaceOwning<ElementLists>(memory);
+        lists = NewOwningIn<ElementLists>(memory);
     const auto asked = lists->byName.find(group.name);
     if (asked != lists->byName.end())
         return asked->second;
@@ -85,7 +85,7 @@ bool NodeContent::NeedsGroupsWith(const NodeText& name) const
 
 void NodeContent::MakeGroups(NodeMemory* memory)
 {
-    PlacedPointer<ElementGroups> made(Place<ElementGroups>(memory));
+    ArenaPointer<ElementGroups> made(NewIn<ElementGroups>(memory));
     for (const NodeChild& child : children)
         made->Append(NameOf(child), child, memory);
     groups = std::move(made);

@@ -1,10 +1,10 @@
-// Attributes and children of a reader node: what a leaf does without.
+// Attributes and children of a reader node; a node without them has no such content.
 #pragma once
 
+#include "KARMPArenaObject.h"
 #include "KARMPDeserializer.h"
 #include "KARMPNameIndex.h"
 #include "KARMPNodeSource.h"
-#include "KARMPPlaced.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -14,7 +14,7 @@
 
 namespace karmp {
 
-/// A child and the name that it stands under.
+/// A child and the name that it is found by.
 struct NodeChild
 {
     operator KARMPDeserializer*() const { return node; }
@@ -26,10 +26,10 @@ struct NodeChild
 /// The children of one name, and the walk of GetElement through them.
 struct ElementGroup
 {
-    struct Several : Placed
+    struct Several : ArenaObject
     {
         NodeArray<KARMPDeserializer*> members;
-        /// One past the member that the walk stands on; 0 before the walk begins.
+        /// The index after the walk's current member; 0 before the walk begins.
         std::size_t walked = 0;
         /// The number of additions to the node when the walk began.
         std::size_t additions = 0;
@@ -51,18 +51,19 @@ struct ElementGroup
 
     /// A view of the first child's entry.
     std::wstring_view name;
+    /// The only child, or the first one.
     KARMPDeserializer* only;
-    PlacedPointer<Several> several;
+    ArenaPointer<Several> several;
 };
 
-/// The lists that a caller has asked for, by name.
-struct ElementLists : Placed
+/// The lists that callers have asked for, by name.
+struct ElementLists : ArenaObject
 {
     std::map<std::wstring_view, KARMPDeserializer::ElementList> byName;
 };
 
 /// The children by name, for a node that has many or several of one name.
-struct ElementGroups : Placed
+struct ElementGroups : ArenaObject
 {
     const ElementGroup* Find(std::wstring_view name) const
     {
@@ -80,9 +81,10 @@ struct ElementGroups : Placed
     std::size_t additions = 1;
 };
 
-/// Most nodes that are no leaves are records: a few children, each of a name of its own, which are
-/// found in their list; they have no groups. `memory` is the memory of a tree, null for none.
-class NodeContent : public Placed
+/// The attributes and children of a node. Most nodes with children are records: a few children,
+/// each with a name of its own, which are found by a scan and need no groups. `memory` is the arena
+/// of the tree, null for none.
+class NodeContent : public ArenaObject
 {
 public:
     const ReadAttribute* FindAttribute(std::wstring_view name) const
@@ -106,7 +108,7 @@ public:
     NodeArray<ReadAttribute> attributes;
     OwnedIndex attributeIndex;
     NodeArray<NodeChild> children;
-    PlacedPointer<ElementGroups> groups;
+    ArenaPointer<ElementGroups> groups;
 
 private:
     bool NeedsGroupsWith(const NodeText& name) const;

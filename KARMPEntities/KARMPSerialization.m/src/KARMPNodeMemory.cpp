@@ -10,8 +10,8 @@ namespace karmp {
 
 namespace {
 
-// A large model's tree is written once from its start to its end: with large pages the system hands
-// the memory out in a few hundredths of the steps. Where it has none, nothing changes.
+// A large model's tree is written once from its start to its end: large pages need a few hundredths
+// of the page faults. Without them nothing changes.
 void AskForLargePages([[maybe_unused]] void* memory, [[maybe_unused]] std::size_t size)
 {
 #if defined(__linux__) && defined(MADV_HUGEPAGE)

@@ -29,7 +29,7 @@ bool NodeBuilder::AddAttributes(KARMPDeserializer& node, std::span<const ReadAtt
                                 NodeMemory& memory)
 {
     NodeContent& content = node.NeedContent(&memory);
-    content.attributes.MakeRoomFor(attributes.size(), &memory);
+    content.attributes.Reserve(attributes.size(), &memory);
     if (content.attributes.size() == 0 && AreRecord(attributes)) {
         content.attributes.Fill(attributes.size(),
                                 [attributes](std::size_t number) { return attributes[number]; });
@@ -55,7 +55,7 @@ void NodeBuilder::AddElements(KARMPDeserializer& node, std::span<KARMPDeserializ
     NodeContent& content = node.NeedContent(&memory);
     if (content.groups)
         ++content.groups->additions;
-    content.children.MakeRoomFor(children.size(), &memory);
+    content.children.Reserve(children.size(), &memory);
     if (content.groups) {
         for (KARMPDeserializer* const child : children)
             content.Append(child->m_name, child, &memory);
@@ -78,7 +78,7 @@ void NodeBuilder::AddElements(KARMPDeserializer& node, std::span<KARMPDeserializ
 
 void NodeBuilder::Forget(KARMPDeserializer& node) noexcept
 {
-    // What it refers to may be gone, so that nothing is destroyed.
+    // The content may have been freed with its arena, so it is not destroyed.
     static_cast<void>(node.m_content.release());
     node.m_value.emplace<std::monostate>();
 }

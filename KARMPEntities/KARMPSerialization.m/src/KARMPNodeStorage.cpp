@@ -12,8 +12,9 @@ namespace karmp {
 
 namespace {
 
-// The shared names of the process. The table never grows and its names stay for good, so that
-// documents cannot fill memory with names; what finds no room is owned by its node instead.
+// The shared names of the process. The table never grows and keeps its names until the process
+// ends, so that documents cannot fill memory with names; a name without a free slot is owned by its
+// node.
 constexpr std::size_t SlotCount = 8192;
 constexpr std::size_t ProbeCount = 8;
 constexpr std::size_t LongestShared = 48;
@@ -26,7 +27,7 @@ std::size_t Slot(std::wstring_view text)
     return static_cast<std::size_t>((hash ^ (hash >> 32U)) % SlotCount);
 }
 
-// Strings up to this length are cheaper to copy than to keep as they are.
+// Up to this length copying a string is cheaper than keeping it.
 constexpr std::size_t LongestCopied = 64;
 
 } // namespace
@@ -44,7 +45,7 @@ NodeText::Block* NodeText::NewBlock(std::size_t length, NodeMemory& memory)
     return ::new (memory.Allocate(sizeof(Block) + length * sizeof(wchar_t))) Block{length};
 }
 
-// The name's place in the table; empty when the table has no room for it.
+// The text of the name's slot in the table; empty when there is no free slot for it.
 NodeText NodeText::Shared(std::wstring_view text)
 {
     static constinit std::array<std::atomic<Block*>, SlotCount> shared{};
@@ -63,7 +64,7 @@ NodeText NodeText::Shared(std::wstring_view text)
                                              std::memory_order_acquire))
                 return NodeText(reinterpret_cast<std::uintptr_t>(made) | IsShared);
         }
-        // `found` is what another thread may just have put there.
+        // Another thread may just have stored `found`.
         if (const NodeText name(reinterpret_cast<std::uintptr_t>(found) | IsShared);
             name.View() == text) {
             ::operator delete(made);

@@ -1,4 +1,3 @@
-// Frees trees of nodes of any depth without recursion.
 #pragma once
 
 #include <cstddef>
@@ -9,19 +8,20 @@
 
 namespace karmp {
 
-/// Deletes the children of a node from the node's destructor.
+/// Deletes the children of a node from the node's destructor, at any depth of the tree without
+/// recursion.
 ///
-/// The first node that dies in a thread runs a loop over a stack of nodes. A node deleted by that
-/// loop does not delete its children itself: it puts them on the stack. So the nodes' destructors
-/// run in the same order as with recursion, a node's before its children's, a child's whole subtree
-/// before the next child; only the base part of a node is gone by the time its children die. A tree
-/// that a node's own destructor deletes is not the loop's work: its root starts a loop of its own,
-/// and the tree is gone when that delete returns.
+/// The first node that is destroyed in a thread runs a loop over a stack of nodes. A node deleted
+/// by that loop does not delete its children itself: it puts them on the stack. So the nodes'
+/// destructors run in the same order as with recursion, a node's before its children's, a child's
+/// whole subtree before the next child; only the base part of a node is destroyed before its
+/// children are. A tree that a node's own destructor deletes is not left to the loop: its root
+/// starts a loop of its own, and the tree is freed when that delete returns.
 template <class Node>
 class NodeTeardown
 {
 public:
-    /// Deletes `children`, first one first, on behalf of the dying node `parent`.
+    /// Deletes `children` in order, on behalf of the node `parent` that is being destroyed.
     template <class Children>
     static void DeleteChildren(const Node* parent, const Children& children) noexcept
     {
@@ -45,16 +45,16 @@ private:
         try {
             m_stack.resize(before + std::size(children));
         } catch (const std::bad_alloc&) {
-            // Without memory for the stack, the call stack has to do.
+            // Without this stack the children are deleted recursively, on the call stack.
             const Node* const current = std::exchange(m_current, nullptr);
             for (Node* child : children)
                 delete child;
             m_current = current;
             return;
         }
-        auto place = m_stack.end();
+        auto entry = m_stack.end();
         for (Node* child : children)
-            *--place = child;
+            *--entry = child;
     }
 
     void Run() noexcept

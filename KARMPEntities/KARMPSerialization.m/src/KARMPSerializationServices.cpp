@@ -42,7 +42,7 @@ KARStatus Read(const KARMPDeserializer* deserializer, std::wstring_view name,
     return KARSuccess;
 }
 
-// The names of the classes whose elements cannot bear them, as a name begins with a letter.
+// The classes whose elements have other names, since the name of an element begins with a letter.
 constexpr struct
 {
     std::string_view element;
@@ -205,7 +205,7 @@ KARStatus KARMPSerializationServices::ParseWBEquation(std::wstring_view text, KA
         return KARFailure;
     if (!KARMPVerify(!KARFailed(model.FillFactory(factory, ids, 0, nullptr, nullptr))))
         return KARFailure;
-    // The factory keeps what it was filled with, also when there is no single equation to give.
+    // The factory keeps the equations of the text, also when they are not exactly one.
     if (!KARMPVerify(ids.Size() == 1))
         return KARFailure;
     equation = factory->GetEquationById(ids[0]);

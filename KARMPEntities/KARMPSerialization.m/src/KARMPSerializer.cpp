@@ -58,7 +58,7 @@ double KARMPSerializer::StoredDouble(double value) const
     if (m_exactDoubles)
         return value;
     const double snapped = SnapToGrid(value);
-    // Most numbers of a model stand on the grid, and the environment makes no difference to them.
+    // Most numbers of a model are on the grid, and the environment makes no difference to them.
     // The bits decide: -0.0 equals 0.0, but is not the same.
     if (std::bit_cast<std::uint64_t>(snapped) == std::bit_cast<std::uint64_t>(value))
         return value;
@@ -67,7 +67,7 @@ double KARMPSerializer::StoredDouble(double value) const
 
 void KARMPSerializer::Clean() noexcept
 {
-    // Children in the memory of a tree end with it.
+    // Children in the arena of a tree are freed with it.
     if (m_memory == nullptr && m_elements.size() != 0)
         karmp::NodeTeardown<KARMPSerializer>::DeleteChildren(this, m_elements);
     m_elements.Clear();
@@ -92,7 +92,7 @@ NodeText KARMPSerializer::ValueText(std::wstring&& text) const
 
 KARStatus KARMPSerializer::AddValue(std::wstring_view name, NodeValue&& value)
 {
-    m_attributes.MakeRoom(m_memory);
+    m_attributes.GrowIfFull(m_memory);
     m_attributes.Append({NameText(name), std::move(value)});
     return KARSuccess;
 }
@@ -131,8 +131,8 @@ KARStatus KARMPSerializer::AddElement(std::wstring_view name, KARMPSerializer*& 
 {
     if (!KARMPVerify(child == nullptr))
         return KARFailure;
-    // What may need memory comes first: nothing is left to fail once there is a child.
-    m_elements.MakeRoom(m_memory);
+    // All allocations come first: no later step fails once there is a child.
+    m_elements.GrowIfFull(m_memory);
     NodeText id = NameText(name);
     NodeText version = m_version;
     KARMPSerializer* const created = CreateChildElement();

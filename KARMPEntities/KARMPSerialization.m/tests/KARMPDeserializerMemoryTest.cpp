@@ -15,7 +15,7 @@
 
 namespace {
 
-// A node that notes its name when it dies.
+// A node that records its name when it is destroyed.
 class NotingReader : public TestDeserializer
 {
 public:
@@ -54,7 +54,7 @@ TEST_F(DeserializerMemory, LookingSomethingUpTakesNoMemory)
     EXPECT_EQ(allocations.Count(), 0U);
 }
 
-TEST_F(DeserializerMemory, ANodeTakesLittleRoom)
+TEST_F(DeserializerMemory, ANodeIsSmall)
 {
     EXPECT_LE(sizeof(KARMPDeserializer), 64U);
 }
@@ -86,7 +86,7 @@ TEST_F(DeserializerMemory, ADeepTreeDoesNotExhaustTheStack)
     EXPECT_EQ(TestDeserializer::Alive(), before);
 }
 
-TEST_F(DeserializerMemory, AnAdditionForWhichMemoryEndsChangesNothing)
+TEST_F(DeserializerMemory, AnAdditionWhoseAllocationFailsChangesNothing)
 {
     if (!AllocationCounter::Counts)
         GTEST_SKIP() << "Allocations are not counted in this build";
@@ -126,7 +126,7 @@ TEST_F(DeserializerMemory, AnAdditionForWhichMemoryEndsChangesNothing)
     }
 }
 
-TEST_F(DeserializerMemory, ChildrenDieByNameAndASubtreeBeforeTheNextChild)
+TEST_F(DeserializerMemory, ChildrenAreDestroyedByNameAndASubtreeBeforeTheNextChild)
 {
     Names dead;
     {

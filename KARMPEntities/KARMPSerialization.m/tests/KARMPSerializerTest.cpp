@@ -286,7 +286,8 @@ TEST_F(Serializer, ARoundedDoubleIsTheProductAndNotTheNearestDecimal)
     EXPECT_TRUE(differs);
 }
 
-// Past 2^52 steps a half has no room beside the quotient: adding it rounds odd quotients up.
+// Past 2^52 steps the quotient and a half do not fit into a double: adding it rounds odd quotients
+// up.
 TEST_F(Serializer, ALargeDoubleIsSnappedByAddingAHalf)
 {
     SetPrecision(false);
@@ -375,7 +376,7 @@ TEST_F(Serializer, ADeepTreeDoesNotExhaustTheStack)
     EXPECT_EQ(TestSerializer::Alive(), before);
 }
 
-TEST_F(Serializer, ANodeTakesLittleRoom)
+TEST_F(Serializer, ANodeIsSmall)
 {
     EXPECT_LE(sizeof(KARMPSerializer), 64U);
 }
@@ -396,7 +397,7 @@ TEST(SerializerProcess, AChildWithANumberCostsOneAllocation)
     EXPECT_EQ(allocations.Count(), 1U);
 }
 
-TEST_F(Serializer, ExhaustedMemoryLeavesATreeThatCanBeFreed)
+TEST_F(Serializer, AFailedAllocationLeavesATreeThatCanBeFreed)
 {
     if (!AllocationCounter::Counts)
         GTEST_SKIP() << "Allocations are not counted in this build";
@@ -421,7 +422,7 @@ TEST_F(Serializer, ExhaustedMemoryLeavesATreeThatCanBeFreed)
     EXPECT_EQ(TestSerializer::Alive(), before);
 }
 
-TEST_F(Serializer, ATreeIsFreedWithoutMemoryToSpare)
+TEST_F(Serializer, ATreeIsFreedWhenAllocationsFail)
 {
     if (!AllocationCounter::Counts)
         GTEST_SKIP() << "Allocations are not counted in this build";
@@ -444,7 +445,7 @@ TEST_F(Serializer, ATreeIsFreedWithoutMemoryToSpare)
 
 namespace {
 
-// A node that notes its name when it dies, and may delete another tree then.
+// A node that records its name when it is destroyed, and may delete another tree then.
 class NotingNode : public TestSerializer
 {
 public:
@@ -496,7 +497,7 @@ TEST_F(Serializer, ANodeDiesBeforeItsChildrenAndASubtreeBeforeTheNextChild)
     EXPECT_EQ(dead, (Names{L":2", L"1:2", L"11:0", L"12:0", L"2:1", L"21:0"}));
 }
 
-TEST_F(Serializer, TheOrderOfDeathIsTheSameWithoutMemoryToSpare)
+TEST_F(Serializer, TheOrderOfDestructionIsTheSameWhenAllocationsFail)
 {
     if (!AllocationCounter::Counts)
         GTEST_SKIP() << "Allocations are not counted in this build";

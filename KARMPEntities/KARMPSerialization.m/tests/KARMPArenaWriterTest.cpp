@@ -1,4 +1,4 @@
-// Trees of writer nodes that stand in one memory.
+// Trees of writer nodes that are allocated in an arena.
 #include "AllocationCounter.h"
 #include "KARMPNodeMemory.h"
 #include "KARMPSerializer.h"
@@ -16,17 +16,17 @@
 
 namespace {
 
-class PlacedWriterNode final : public KARMPSerializer
+class ArenaWriterNode final : public KARMPSerializer
 {
 public:
-    PlacedWriterNode() : KARMPSerializer(std::make_unique<karmp::NodeMemory>()) {}
-    ~PlacedWriterNode() override { ++Destroyed; }
+    ArenaWriterNode() : KARMPSerializer(std::make_unique<karmp::NodeMemory>()) {}
+    ~ArenaWriterNode() override { ++Destroyed; }
     KARStatus Render(std::wstring& /*text*/) const override { return KARFailure; }
     KARStatus Save(const char* /*path*/) const override { return KARFailure; }
 
-    const PlacedWriterNode& Child(int index) const
+    const ArenaWriterNode& Child(int index) const
     {
-        return static_cast<const PlacedWriterNode&>(*GetElement(index));
+        return static_cast<const ArenaWriterNode&>(*GetElement(index));
     }
     using KARMPSerializer::GetAttributeId;
     using KARMPSerializer::GetAttributeValues;
@@ -42,14 +42,14 @@ protected:
     {
         if (!givesChildren)
             return nullptr;
-        return ::new (Memory()->Allocate(sizeof(PlacedWriterNode))) PlacedWriterNode(*Memory());
+        return ::new (Memory()->Allocate(sizeof(ArenaWriterNode))) ArenaWriterNode(*Memory());
     }
 
 private:
-    explicit PlacedWriterNode(karmp::NodeMemory& memory) : KARMPSerializer(memory) {}
+    explicit ArenaWriterNode(karmp::NodeMemory& memory) : KARMPSerializer(memory) {}
 };
 
-class PlacedWriter : public KARMPTestFixture
+class ArenaWriter : public KARMPTestFixture
 {};
 
 struct CountedEnd
@@ -60,7 +60,7 @@ struct CountedEnd
 
 } // namespace
 
-TEST(ReusedMemory, IsHandedOutAgain)
+TEST(ReusedMemory, IsAllocatedFromItsStart)
 {
     karmp::NodeMemory memory;
     memory.Reuse();
@@ -92,10 +92,10 @@ TEST(ReusedMemory, DestroysWhatItMadeOnce)
     EXPECT_EQ(CountedEnd::Count, 3);
 }
 
-TEST_F(PlacedWriter, KeepsNamesValuesAndAttributesOfAnyLength)
+TEST_F(ArenaWriter, KeepsNamesValuesAndAttributesOfAnyLength)
 {
     const std::wstring longText(1000, L'x');
-    PlacedWriterNode root;
+    ArenaWriterNode root;
     EXPECT_EQ(root.Version(), karmp::CurrentVersion);
     for (int number = 0; number < 100; ++number) {
         KARMPSerializer* child = nullptr;
@@ -107,7 +107,7 @@ TEST_F(PlacedWriter, KeepsNamesValuesAndAttributesOfAnyLength)
     }
     ASSERT_EQ(root.GetElementCount(), 100U);
     for (int number = 0; number < 100; ++number) {
-        const PlacedWriterNode& child = root.Child(number);
+        const ArenaWriterNode& child = root.Child(number);
         EXPECT_EQ(child.GetId(), longText + std::to_wstring(number));
         EXPECT_EQ(child.GetValues(), longText);
         EXPECT_EQ(child.GetAttributeValues(0), longText);
@@ -116,10 +116,10 @@ TEST_F(PlacedWriter, KeepsNamesValuesAndAttributesOfAnyLength)
     }
 }
 
-TEST_F(PlacedWriter, AVersionOfAnyLengthGoesDownTheTree)
+TEST_F(ArenaWriter, AVersionOfAnyLengthGoesDownTheTree)
 {
     const std::wstring version(500, L'v');
-    PlacedWriterNode root;
+    ArenaWriterNode root;
     KARMPSerializer* before = nullptr;
     root.AddElement(L"Before", before);
     root.SetVersion(version);
@@ -132,11 +132,11 @@ TEST_F(PlacedWriter, AVersionOfAnyLengthGoesDownTheTree)
     EXPECT_EQ(below->Version(), version);
 }
 
-TEST_F(PlacedWriter, NodesEndWithTheRootWithoutBeingDestroyed)
+TEST_F(ArenaWriter, NodesAreFreedWithTheRootWithoutBeingDestroyed)
 {
-    PlacedWriterNode::Destroyed = 0;
+    ArenaWriterNode::Destroyed = 0;
     {
-        PlacedWriterNode root;
+        ArenaWriterNode root;
         KARMPSerializer* deepest = &root;
         for (int depth = 0; depth < 10000; ++depth) {
             KARMPSerializer* child = nullptr;
@@ -144,12 +144,12 @@ TEST_F(PlacedWriter, NodesEndWithTheRootWithoutBeingDestroyed)
             deepest = child;
         }
     }
-    EXPECT_EQ(PlacedWriterNode::Destroyed, 1);
+    EXPECT_EQ(ArenaWriterNode::Destroyed, 1);
 }
 
-TEST_F(PlacedWriter, ANodeThatCannotBeCreatedFailsWithAReportAndAddsNothing)
+TEST_F(ArenaWriter, ANodeThatCannotBeCreatedFailsWithAReportAndAddsNothing)
 {
-    PlacedWriterNode root;
+    ArenaWriterNode root;
     root.givesChildren = false;
     KARMPSerializer* child = nullptr;
     EXPECT_EQ(root.AddElement(L"Child", child), KARFailure);
@@ -158,11 +158,11 @@ TEST_F(PlacedWriter, ANodeThatCannotBeCreatedFailsWithAReportAndAddsNothing)
     ExpectReports(1);
 }
 
-TEST_F(PlacedWriter, AnAdditionWithoutMemoryAddsNothing)
+TEST_F(ArenaWriter, AnAdditionWhoseAllocationFailsAddsNothing)
 {
     if (!AllocationCounter::Counts)
         GTEST_SKIP() << "Allocations are not counted in this build";
-    PlacedWriterNode root;
+    ArenaWriterNode root;
     AllocationCounter allocations;
     allocations.FailAllocation(1);
     KARMPSerializer* child = nullptr;

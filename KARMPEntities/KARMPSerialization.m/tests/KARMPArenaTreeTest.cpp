@@ -1,4 +1,4 @@
-// Trees whose nodes, texts and lists stand in one memory.
+// Trees whose nodes, texts and lists are allocated in an arena.
 #include "AllocationCounter.h"
 #include "KARMPNodeSource.h"
 #include "KARMPTestFixture.h"
@@ -21,21 +21,21 @@ using karmp::NodeMemory;
 using karmp::NodeSource;
 using karmp::NodeText;
 
-class PlacedNode final : public KARMPDeserializer
+class ArenaNode final : public KARMPDeserializer
 {
 public:
-    PlacedNode(NodeSource& memory, std::wstring_view name)
+    ArenaNode(NodeSource& memory, std::wstring_view name)
         : KARMPDeserializer(NodeText::Name(name, memory), NodeText::CurrentVersion(), memory)
     {}
     std::wstring Location() const override { return {}; }
 
-    static PlacedNode* Make(NodeSource& memory, std::wstring_view name)
+    static ArenaNode* Make(NodeSource& memory, std::wstring_view name)
     {
-        return ::new (memory.Allocate(sizeof(PlacedNode))) PlacedNode(memory, name);
+        return ::new (memory.Allocate(sizeof(ArenaNode))) ArenaNode(memory, name);
     }
-    PlacedNode* Add(std::wstring_view name)
+    ArenaNode* Add(std::wstring_view name)
     {
-        PlacedNode* const child = Make(Memory(), name);
+        ArenaNode* const child = Make(Memory(), name);
         KARMPDeserializer* const children[] = {child};
         NodeBuilder::AddElements(*this, children, Memory());
         return child;
@@ -63,7 +63,7 @@ struct Counted
     static inline int Destroyed = 0;
 };
 
-TEST(NodeMemory, GivesAlignedRoomOfAnySize)
+TEST(NodeMemory, AllocatesAlignedBlocksOfAnySize)
 {
     NodeMemory memory;
     for (const std::size_t size : {1U, 8U, 5000U, 3U, 1000000U, 17U}) {
@@ -76,16 +76,16 @@ TEST(NodeMemory, GivesAlignedRoomOfAnySize)
 TEST(NodeMemory, LargeAmountsComeInChunksOfTheirOwnKind)
 {
     NodeMemory memory;
-    std::vector<unsigned char*> pieces;
-    for (std::size_t piece = 0; piece < 200; ++piece) {
-        pieces.push_back(static_cast<unsigned char*>(memory.Allocate(100000)));
-        std::fill(pieces.back(), pieces.back() + 100000, static_cast<unsigned char>(piece));
+    std::vector<unsigned char*> blocks;
+    for (std::size_t index = 0; index < 200; ++index) {
+        blocks.push_back(static_cast<unsigned char*>(memory.Allocate(100000)));
+        std::fill(blocks.back(), blocks.back() + 100000, static_cast<unsigned char>(index));
     }
     auto* const huge = static_cast<unsigned char*>(memory.Allocate(5000001));
     std::fill(huge, huge + 5000001, static_cast<unsigned char>(1));
-    for (std::size_t piece = 0; piece < pieces.size(); ++piece) {
-        EXPECT_EQ(pieces[piece][0], static_cast<unsigned char>(piece));
-        EXPECT_EQ(pieces[piece][99999], static_cast<unsigned char>(piece));
+    for (std::size_t index = 0; index < blocks.size(); ++index) {
+        EXPECT_EQ(blocks[index][0], static_cast<unsigned char>(index));
+        EXPECT_EQ(blocks[index][99999], static_cast<unsigned char>(index));
     }
 }
 
@@ -103,13 +103,13 @@ TEST(NodeMemory, DestroysWhatItMadeOnce)
     EXPECT_EQ(Counted::Destroyed, 3);
 }
 
-TEST(PlacedTree, ChildrenAreFoundByNameAndWalkedInOrder)
+TEST(ArenaTree, ChildrenAreFoundByNameAndWalkedInOrder)
 {
     NodeSource memory;
-    PlacedNode* const root = PlacedNode::Make(memory, L"root");
-    const PlacedNode* const first = root->Add(L"b");
-    const PlacedNode* const other = root->Add(L"a");
-    const PlacedNode* const second = root->Add(L"b");
+    ArenaNode* const root = ArenaNode::Make(memory, L"root");
+    const ArenaNode* const first = root->Add(L"b");
+    const ArenaNode* const other = root->Add(L"a");
+    const ArenaNode* const second = root->Add(L"b");
     const KARMPDeserializer* found = nullptr;
     root->GetElement(L"b", found);
     EXPECT_EQ(found, first);
@@ -120,10 +120,10 @@ TEST(PlacedTree, ChildrenAreFoundByNameAndWalkedInOrder)
     EXPECT_EQ(elements, (KARMPDeserializer::ElementList{other, first, second}));
 }
 
-TEST(PlacedTree, ManyNamesAreFoundAndEndWithTheMemory)
+TEST(ArenaTree, ManyNamesAreFoundAndFreedWithTheArena)
 {
     NodeSource memory;
-    PlacedNode* const root = PlacedNode::Make(memory, L"root");
+    ArenaNode* const root = ArenaNode::Make(memory, L"root");
     // More names than the table of the process holds, and some that are too long for it.
     for (int number = 0; number < 20000; ++number) {
         const std::wstring name = L"placed" + std::to_wstring(number);
@@ -147,10 +147,10 @@ TEST(PlacedTree, ManyNamesAreFoundAndEndWithTheMemory)
     EXPECT_FALSE(root->HasElement(L"placed20000"));
 }
 
-TEST(PlacedTree, ALaterAttributeTakesThePlaceOfTheEarlierOne)
+TEST(ArenaTree, ALaterAttributeReplacesTheEarlierOneOfItsName)
 {
     NodeSource memory;
-    PlacedNode* const root = PlacedNode::Make(memory, L"root");
+    ArenaNode* const root = ArenaNode::Make(memory, L"root");
     EXPECT_TRUE(root->AddAttribute(L"name", L"first"));
     EXPECT_FALSE(root->AddAttribute(L"name", L"second"));
     std::wstring text;
@@ -162,9 +162,9 @@ TEST(PlacedTree, ALaterAttributeTakesThePlaceOfTheEarlierOne)
 class AsciiValue : public KARMPTestFixture
 {
 protected:
-    PlacedNode* Node(const char* text)
+    ArenaNode* Node(const char* text)
     {
-        PlacedNode* const node = PlacedNode::Make(m_memory, L"node");
+        ArenaNode* const node = ArenaNode::Make(m_memory, L"node");
         NodeBuilder::SetValue(*node, karmp::AsciiText{text});
         EXPECT_TRUE(
             node->Attributes({{NodeText::Name(L"name", m_memory), karmp::AsciiText{text}}}));
@@ -197,7 +197,7 @@ TEST_F(AsciiValue, IsReadAsTheKindAskedFor)
 
 TEST_F(AsciiValue, AViewOfItLastsAndTheNumberCanStillBeRead)
 {
-    const PlacedNode* const node = Node("12");
+    const ArenaNode* const node = Node("12");
     std::wstring_view first;
     std::wstring_view second;
     int number = 0;
@@ -214,7 +214,7 @@ TEST_F(AsciiValue, WhatDoesNotConvertIsReportedAsForWideText)
     double number = 3.0;
     int integer = 3;
     bool state = true;
-    const PlacedNode* const node = Node("fast");
+    const ArenaNode* const node = Node("fast");
     EXPECT_EQ(node->GetValue(number), KARFailure);
     EXPECT_EQ(node->GetValue(integer), KARFailure);
     ExpectReports(2);
@@ -233,7 +233,7 @@ TEST_F(AsciiValue, IsReadOnceWithoutAViewThatLasts)
         EXPECT_EQ(Node(text.c_str())->GetAttribute(L"name", read), KARSuccess);
         EXPECT_EQ(read.View(), std::wstring(text.begin(), text.end()));
     }
-    PlacedNode* const node = Node("1");
+    ArenaNode* const node = Node("1");
     node->AddAttribute(L"wide", L"wide text");
     karmp::ReadText read;
     EXPECT_EQ(node->GetAttribute(L"wide", read), KARSuccess);
@@ -249,26 +249,26 @@ TEST_F(AsciiValue, AnEmptyOneIsAnEmptyText)
     EXPECT_TRUE(view.empty());
 }
 
-TEST(PlacedTree, ARecordThatGetsAChildOfAKnownNameIsWalkedInOrder)
+TEST(ArenaTree, ARecordThatGetsAChildOfAKnownNameIsWalkedInOrder)
 {
     NodeSource memory;
-    PlacedNode* const root = PlacedNode::Make(memory, L"root");
-    PlacedNode* const x = PlacedNode::Make(memory, L"x");
-    PlacedNode* const y = PlacedNode::Make(memory, L"y");
+    ArenaNode* const root = ArenaNode::Make(memory, L"root");
+    ArenaNode* const x = ArenaNode::Make(memory, L"x");
+    ArenaNode* const y = ArenaNode::Make(memory, L"y");
     root->AddAll({x, y});
-    const PlacedNode* const last = root->Add(L"x");
+    const ArenaNode* const last = root->Add(L"x");
     KARMPDeserializer::ElementList elements;
     root->GetElements(elements);
     EXPECT_EQ(elements, (KARMPDeserializer::ElementList{x, last, y}));
 }
 
-TEST(PlacedTree, SiblingsOfOneNameAddedTogetherAreAllFound)
+TEST(ArenaTree, SiblingsOfOneNameAddedTogetherAreAllFound)
 {
     NodeSource memory;
-    PlacedNode* const root = PlacedNode::Make(memory, L"root");
-    PlacedNode* const first = PlacedNode::Make(memory, L"x");
-    PlacedNode* const other = PlacedNode::Make(memory, L"a");
-    PlacedNode* const second = PlacedNode::Make(memory, L"x");
+    ArenaNode* const root = ArenaNode::Make(memory, L"root");
+    ArenaNode* const first = ArenaNode::Make(memory, L"x");
+    ArenaNode* const other = ArenaNode::Make(memory, L"a");
+    ArenaNode* const second = ArenaNode::Make(memory, L"x");
     root->AddAll({first, other, second});
     KARMPDeserializer::ElementIterator begin;
     KARMPDeserializer::ElementIterator end;
@@ -277,37 +277,37 @@ TEST(PlacedTree, SiblingsOfOneNameAddedTogetherAreAllFound)
               (KARMPDeserializer::ElementList{first, second}));
 }
 
-TEST(PlacedTree, TheListOfANameIsFreedWithTheMemoryOfTheContent)
+TEST(ArenaTree, TheListOfANameIsFreedWithTheArenaOfTheContent)
 {
-    // A source that keeps what nodes hold in a memory of its own.
+    // A source that allocates the content of nodes in a second arena.
     struct Source final : NodeSource
     {
         NodeMemory& ContentMemory(const KARMPDeserializer& /*node*/) override { return content; }
         NodeMemory content;
     };
     Source source;
-    PlacedNode* const root = PlacedNode::Make(source, L"root");
-    PlacedNode* const first = root->Add(L"a");
+    ArenaNode* const root = ArenaNode::Make(source, L"root");
+    ArenaNode* const first = root->Add(L"a");
     root->Add(L"b");
     const std::size_t before = source.content.Size();
     KARMPDeserializer::ElementIterator begin;
     KARMPDeserializer::ElementIterator end;
     root->GetElements(L"a", begin, end);
     EXPECT_GT(source.content.Size(), before);
-    PlacedNode* const second = root->Add(L"a");
+    ArenaNode* const second = root->Add(L"a");
     EXPECT_EQ(KARMPDeserializer::ElementList(begin, end),
               (KARMPDeserializer::ElementList{first, second}));
 }
 
-TEST(PlacedTree, OfAttributesAddedTogetherTheLastOfANameCounts)
+TEST(ArenaTree, OfAttributesAddedTogetherTheLastOfANameCounts)
 {
     NodeSource memory;
-    PlacedNode* const root = PlacedNode::Make(memory, L"root");
+    ArenaNode* const root = ArenaNode::Make(memory, L"root");
     const NodeText name = NodeText::Name(L"name", memory);
     const NodeText other = NodeText::Name(L"other", memory);
     EXPECT_TRUE(root->Attributes({{other, karmp::AsciiText{"1"}}, {name, karmp::AsciiText{"2"}}}));
     EXPECT_FALSE(root->Attributes({{name, karmp::AsciiText{"3"}}}));
-    PlacedNode* const second = PlacedNode::Make(memory, L"second");
+    ArenaNode* const second = ArenaNode::Make(memory, L"second");
     EXPECT_FALSE(
         second->Attributes({{name, karmp::AsciiText{"4"}}, {name, karmp::AsciiText{"5"}}}));
     int value = 0;
@@ -319,11 +319,11 @@ TEST(PlacedTree, OfAttributesAddedTogetherTheLastOfANameCounts)
     EXPECT_EQ(second->GetAttributeCount(), 1U);
 }
 
-TEST(PlacedTree, AVersionOfAnyLengthStandsInTheMemoryAndGoesDownTheTree)
+TEST(ArenaTree, AVersionOfAnyLengthIsAllocatedInTheArenaAndGoesDownTheTree)
 {
     NodeSource memory;
-    PlacedNode* const root = PlacedNode::Make(memory, L"root");
-    const PlacedNode* const child = root->Add(L"child");
+    ArenaNode* const root = ArenaNode::Make(memory, L"root");
+    const ArenaNode* const child = root->Add(L"child");
     const std::wstring version(6000, L'v');
     const std::size_t before = memory.Size();
     root->SetVersion(version);
@@ -339,13 +339,13 @@ TEST(PlacedTree, AVersionOfAnyLengthStandsInTheMemoryAndGoesDownTheTree)
 class LateSource final : public NodeSource
 {
 public:
-    PlacedNode& Make()
+    ArenaNode& Make()
     {
-        PlacedNode& node = *PlacedNode::Make(*this, L"late");
+        ArenaNode& node = *ArenaNode::Make(*this, L"late");
         NodeBuilder::SetMissing(node, karmp::AttributesPart | karmp::ContentPart);
         return node;
     }
-    static void FillAgain(PlacedNode& node)
+    static void FillAgain(ArenaNode& node)
     {
         NodeBuilder::Forget(node);
         NodeBuilder::SetMissing(node, karmp::AttributesPart | karmp::ContentPart);
@@ -371,9 +371,9 @@ private:
         if (allocationFails)
             throw std::bad_alloc();
         NodeBuilder::SetValue(node, karmp::AsciiText{"text"});
-        KARMPDeserializer* const children[] = {PlacedNode::Make(*this, L"x"),
-                                               PlacedNode::Make(*this, L"y"),
-                                               PlacedNode::Make(*this, L"x")};
+        KARMPDeserializer* const children[] = {ArenaNode::Make(*this, L"x"),
+                                               ArenaNode::Make(*this, L"y"),
+                                               ArenaNode::Make(*this, L"x")};
         NodeBuilder::AddElements(node, children, *this);
     }
     bool FindAttribute(const KARMPDeserializer& /*node*/, std::wstring_view name,
@@ -384,7 +384,7 @@ private:
     }
 };
 
-TEST(PlacedTree, PartsAreFilledWhenTheFirstOfThemIsRead)
+TEST(ArenaTree, PartsAreFilledWhenTheFirstOfThemIsRead)
 {
     const KARMPDeserializer* child = nullptr;
     KARMPDeserializer::ElementList list;
@@ -395,7 +395,7 @@ TEST(PlacedTree, PartsAreFilledWhenTheFirstOfThemIsRead)
     int number = 0;
     const auto expectFilled = [](int attributes, int content, auto ask) {
         LateSource source;
-        PlacedNode& node = source.Make();
+        ArenaNode& node = source.Make();
         EXPECT_EQ(source.attributesFilled + source.contentFilled, 0);
         ask(node);
         ask(node);
@@ -403,60 +403,60 @@ TEST(PlacedTree, PartsAreFilledWhenTheFirstOfThemIsRead)
         EXPECT_EQ(source.contentFilled, content);
     };
     expectFilled(
-        1, 0, [](PlacedNode& node) { EXPECT_TRUE(node.HasAttribute(L"b")); });
+        1, 0, [](ArenaNode& node) { EXPECT_TRUE(node.HasAttribute(L"b")); });
     expectFilled(
-        1, 0, [](PlacedNode& node) { EXPECT_EQ(node.GetAttributeCount(), 2U); });
-    expectFilled(1, 0, [](PlacedNode& node) { EXPECT_EQ(node.GetAttributeId(1), L"b"); });
-    expectFilled(1, 0, [&](PlacedNode& node) {
+        1, 0, [](ArenaNode& node) { EXPECT_EQ(node.GetAttributeCount(), 2U); });
+    expectFilled(1, 0, [](ArenaNode& node) { EXPECT_EQ(node.GetAttributeId(1), L"b"); });
+    expectFilled(1, 0, [&](ArenaNode& node) {
         EXPECT_EQ(node.GetAttribute(L"a", number), KARSuccess);
         EXPECT_EQ(number, 1);
     });
     expectFilled(
         0, 1,
-        [&](PlacedNode& node) {
+        [&](ArenaNode& node) {
             EXPECT_EQ(node.GetValue(text), KARSuccess);
             EXPECT_EQ(text, L"text");
         });
     expectFilled(
-        0, 1, [](PlacedNode& node) { EXPECT_TRUE(node.HasValue()); });
-    expectFilled(0, 1, [](PlacedNode& node) { EXPECT_FALSE(node.HasElement(L"z")); });
-    expectFilled(0, 1, [&](PlacedNode& node) {
+        0, 1, [](ArenaNode& node) { EXPECT_TRUE(node.HasValue()); });
+    expectFilled(0, 1, [](ArenaNode& node) { EXPECT_FALSE(node.HasElement(L"z")); });
+    expectFilled(0, 1, [&](ArenaNode& node) {
         node.GetElement(L"y", child);
         EXPECT_NE(child, nullptr);
     });
-    expectFilled(0, 1, [&](PlacedNode& node) {
+    expectFilled(0, 1, [&](ArenaNode& node) {
         list.clear();
         node.GetElements(list);
         EXPECT_EQ(list.size(), 3U);
     });
-    expectFilled(0, 1, [&](PlacedNode& node) {
+    expectFilled(0, 1, [&](ArenaNode& node) {
         list.clear();
         node.GetOrderedElementList(list);
         EXPECT_EQ(list.size(), 3U);
     });
     expectFilled(
         0, 1,
-        [&](PlacedNode& node) {
+        [&](ArenaNode& node) {
             node.GetElements(L"x", begin, end);
             EXPECT_EQ(std::distance(begin, end), 2);
         });
-    expectFilled(0, 1, [](PlacedNode& node) { EXPECT_EQ(node.ElementsNamed(L"x").size(), 2U); });
-    expectFilled(0, 1, [&](PlacedNode& node) {
+    expectFilled(0, 1, [](ArenaNode& node) { EXPECT_EQ(node.ElementsNamed(L"x").size(), 2U); });
+    expectFilled(0, 1, [&](ArenaNode& node) {
         vector.clear();
         node.AppendElements(vector);
         EXPECT_EQ(vector.size(), 3U);
     });
-    expectFilled(0, 1, [&](PlacedNode& node) {
+    expectFilled(0, 1, [&](ArenaNode& node) {
         vector.clear();
         node.AppendOrderedElements(vector);
         EXPECT_EQ(vector.size(), 3U);
     });
 }
 
-TEST(PlacedTree, AnAttributeMayBeFoundWithoutTheOthersBeingFilled)
+TEST(ArenaTree, AnAttributeMayBeFoundWithoutTheOthersBeingFilled)
 {
     LateSource source;
-    PlacedNode& node = source.Make();
+    ArenaNode& node = source.Make();
     source.findsUnfilled = true;
     int number = 0;
     std::wstring text;
@@ -476,10 +476,10 @@ TEST(PlacedTree, AnAttributeMayBeFoundWithoutTheOthersBeingFilled)
     EXPECT_EQ(source.attributesFilled, 1);
 }
 
-TEST(PlacedTree, WhatIsForgottenIsFilledAgain)
+TEST(ArenaTree, WhatIsForgottenIsFilledAgain)
 {
     LateSource source;
-    PlacedNode& node = source.Make();
+    ArenaNode& node = source.Make();
     EXPECT_TRUE(node.HasAttribute(L"a"));
     EXPECT_TRUE(node.HasElement(L"x"));
     EXPECT_EQ(NodeBuilder::Missing(node), 0U);
@@ -491,10 +491,10 @@ TEST(PlacedTree, WhatIsForgottenIsFilledAgain)
     EXPECT_EQ(source.contentFilled, 2);
 }
 
-TEST(PlacedTree, WhatCouldNotBeAllocatedIsStillToBeFilled)
+TEST(ArenaTree, WhatCouldNotBeAllocatedIsStillToBeFilled)
 {
     LateSource source;
-    PlacedNode& node = source.Make();
+    ArenaNode& node = source.Make();
     source.allocationFails = true;
     EXPECT_THROW(node.HasElement(L"x"), std::bad_alloc);
     source.allocationFails = false;
@@ -502,17 +502,17 @@ TEST(PlacedTree, WhatCouldNotBeAllocatedIsStillToBeFilled)
     EXPECT_EQ(source.contentFilled, 2);
 }
 
-TEST(PlacedTree, ChildrenForWhichMemoryEndsAreNotAdded)
+TEST(ArenaTree, ChildrenAreNotAddedWhenAnAllocationFails)
 {
     if (!AllocationCounter::Counts)
         GTEST_SKIP() << "Allocations are not counted in this build";
     std::size_t failing = 1;
     for (bool failed = true; failed; ++failing) {
         NodeSource memory;
-        PlacedNode* const root = PlacedNode::Make(memory, L"root");
+        ArenaNode* const root = ArenaNode::Make(memory, L"root");
         std::vector<KARMPDeserializer*> children;
         for (int number = 0; number < 400; ++number)
-            children.push_back(PlacedNode::Make(memory, L"name" + std::to_wstring(number % 100)));
+            children.push_back(ArenaNode::Make(memory, L"name" + std::to_wstring(number % 100)));
         failed = false;
         {
             AllocationCounter allocations;
@@ -533,10 +533,10 @@ TEST(PlacedTree, ChildrenForWhichMemoryEndsAreNotAdded)
     EXPECT_GT(failing, 10U);
 }
 
-TEST(PlacedTree, NodesMayBeDestroyedBeforeTheirMemory)
+TEST(ArenaTree, NodesMayBeDestroyedBeforeTheirArena)
 {
     NodeSource memory;
-    PlacedNode root(memory, L"root");
+    ArenaNode root(memory, L"root");
     for (int number = 0; number < 40; ++number)
         root.AddAttribute(L"attribute" + std::to_wstring(number), L"value");
     EXPECT_TRUE(root.HasAttribute(L"attribute39"));
