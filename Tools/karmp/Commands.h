@@ -1,14 +1,15 @@
-// The commands of the tool. Each gives the exit code of the process.
+// The commands of the tool. Each returns the exit code of the process.
 #pragma once
 
 #include <string>
 
 namespace karmp::tool {
 
-/// How a command ended: nothing to complain about, something found, or a file that cannot be read,
-/// cannot be written or is kept from being written by errors in what was read.
+/// The exit code of a command: no findings, findings, or a file that cannot be read, cannot be
+/// written or is not written because the input has errors.
 enum ExitCode : int { Clean = 0, Findings = 1, Unreadable = 2 };
 
+/// The arguments of `karmp info`.
 struct InfoOptions
 {
     std::string file;
@@ -16,6 +17,7 @@ struct InfoOptions
 /// Prints settings, globals, counts by family and class, masses and the estimated mobility.
 int RunInfo(const InfoOptions& options);
 
+/// The arguments of `karmp tree`.
 struct TreeOptions
 {
     std::string file;
@@ -25,15 +27,17 @@ struct TreeOptions
 /// Prints the entities with their links by name.
 int RunTree(const TreeOptions& options);
 
+/// The arguments of `karmp check`.
 struct CheckOptions
 {
     std::string file;
     bool json = false;
     bool quiet = false;
 };
-/// Prints all that the library passes over in silence, and what it reports.
+/// Prints what the library skips without a report, and what it reports.
 int RunCheck(const CheckOptions& options);
 
+/// The arguments of `karmp convert`.
 struct ConvertOptions
 {
     std::string input;
@@ -47,6 +51,7 @@ struct ConvertOptions
 /// the document itself.
 int RunConvert(const ConvertOptions& options);
 
+/// The arguments of `karmp graph`.
 struct GraphOptions
 {
     std::string file;

@@ -17,7 +17,7 @@ using documents::SaveOptions;
 
 constexpr std::size_t MaximumDifferences = 1000;
 
-// The world of a text, saved for the current version: what a reader of that text makes of it.
+// Loads a text and saves the world again for the current version.
 std::optional<Document> ReadAndSaveAgain(const std::string& text, const SaveOptions& options)
 {
     const documents::LoadResult loaded =
@@ -28,8 +28,8 @@ std::optional<Document> ReadAndSaveAgain(const std::string& text, const SaveOpti
     return Document::ReadText(std::move(again), "<converted>", options.limits);
 }
 
-// What the version loses shows in what a reader makes of the two texts, so that what is lost at any
-// version is not counted.
+// Compares what is read from the text for the current version with what is read from the text for
+// the other one, so that content that every version loses is not counted.
 int PrintLosses(const QOBSharedHandle<KARMPWorld>& world, const SaveOptions& options)
 {
     SaveOptions current = options;
@@ -54,7 +54,7 @@ int PrintLosses(const QOBSharedHandle<KARMPWorld>& world, const SaveOptions& opt
     return Findings;
 }
 
-// Tells of the errors of the input, the first ones in full.
+// Prints the first errors of the input and the number of all.
 void PrintErrors(const ConvertOptions& options, const documents::Diagnostics& messages)
 {
     constexpr std::size_t most = 10;
@@ -70,8 +70,8 @@ void PrintErrors(const ConvertOptions& options, const documents::Diagnostics& me
               << (count == 1 ? " error" : " errors");
 }
 
-// Whether the errors of the input leave the output to be written. What they are about would be
-// lost, and with the input itself as output nothing would tell of it any more.
+// Whether the output may be written in spite of errors in the input. The content that they are
+// about would be lost, and with the input itself as output it could not be recovered.
 bool MayWrite(const ConvertOptions& options, const documents::Diagnostics& messages)
 {
     if (!messages.HasErrors())

@@ -66,9 +66,9 @@ public:
     }
 
 private:
-    // A layered layout. Bent edges keep two joints of one pair of bodies apart, but their time
-    // grows fast with the number of joints, and a closed loop of thousands exhausts Graphviz's
-    // stack. The limits are on the passes that shorten edges and undo crossings.
+    // A layered layout. Bent edges separate two joints of one pair of bodies, but their time grows
+    // fast with the number of joints, and a closed loop of thousands exhausts Graphviz's stack. The
+    // limits are on the passes that shorten edges and remove crossings.
     const char* Layout() const
     {
         constexpr int largest = 250; // bodies and joints
@@ -89,7 +89,7 @@ private:
 
     void WriteJoint(const KARMPJoint& joint, int index)
     {
-        constexpr std::size_t PrefixLength = 5; // KARMP
+        constexpr std::size_t PrefixLength = 5; // of "KARMP"
         const std::string kind = joint.getClassName().substr(PrefixLength);
         std::vector<std::string> ends;
         for (int i = 0; i < joint.GetLinkedBodyCount(); ++i) {

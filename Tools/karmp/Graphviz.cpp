@@ -26,7 +26,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::size_t LargestPicture = 1U << 30U; // bytes
 
-std::nullopt_t Complain(const std::string& text)
+std::nullopt_t Report(const std::string& text)
 {
     std::cerr << "karmp: " << text << '\n';
     return std::nullopt;
@@ -78,7 +78,7 @@ public:
     Child(const Child&) = delete;
     Child& operator=(const Child&) = delete;
 
-    /// The status it ended with, nothing when it still runs at `end`.
+    /// The status of the program; empty when it still runs at `end`.
     std::optional<int> Wait(Clock::time_point end)
     {
         constexpr std::chrono::milliseconds pause(5);
@@ -97,18 +97,18 @@ private:
     pid_t m_process;
 };
 
-// A file without a name, at whose start a program finds the text.
+// A file without a name that holds the text and is positioned at its start.
 File InputOf(const std::string& text)
 {
     File input(std::tmpfile());
     if (input && std::fwrite(text.data(), 1, text.size(), input.get()) == text.size() &&
         std::fflush(input.get()) == 0 && ::lseek(::fileno(input.get()), 0, SEEK_SET) == 0)
         return input;
-    Complain("cannot write a temporary file: " + SystemText(errno));
+    Report("cannot write a temporary file: " + SystemText(errno));
     return nullptr;
 }
 
-// Starts dot without a shell; 0 or the error.
+// Starts dot without a shell; gives 0 or the system's error number.
 int Start(pid_t& process, const std::string& format, int input, int output)
 {
     std::string program = "dot";
@@ -128,7 +128,7 @@ int Start(pid_t& process, const std::string& format, int input, int output)
 
 enum class Reading : std::uint8_t { Done, TooLong, TooLarge, Failed };
 
-// Appends all that comes out of a pipe until its end.
+// Appends all bytes of a pipe until it is closed or the time `end` has come.
 Reading ReadPipe(int pipe, Clock::time_point end, std::string& bytes)
 {
     std::array<char, 1U << 16U> buffer{};
@@ -152,7 +152,7 @@ Reading ReadPipe(int pipe, Clock::time_point end, std::string& bytes)
     }
 }
 
-// Whether a picture is whole: its first and last parts stand where the format has them.
+// Whether a picture is complete: it begins and ends as its format does.
 bool IsWhole(std::string_view picture, std::string_view format)
 {
     if (format == "png")
@@ -170,12 +170,12 @@ std::string EndText(int status)
     return "ended with exit code " + std::to_string(WEXITSTATUS(status));
 }
 
-std::nullopt_t ComplainOfTime(std::chrono::milliseconds limit)
+std::nullopt_t ReportTimeLimit(std::chrono::milliseconds limit)
 {
     const auto seconds = std::chrono::ceil<std::chrono::seconds>(limit).count();
-    return Complain("Graphviz took longer than " + std::to_string(seconds) +
-                    " s and was stopped; --time-limit gives it longer, and the graph can be "
-                    "written as text (.dot)");
+    return Report("Graphviz took longer than " + std::to_string(seconds) +
+                  " s and was stopped; --time-limit gives it longer, and the graph can be "
+                  "written as text (.dot)");
 }
 
 } // namespace
@@ -188,15 +188,15 @@ std::optional<std::string> DrawPicture(const std::string& text, const std::strin
         return std::nullopt;
     std::array<int, 2> ends{};
     if (::pipe2(ends.data(), O_CLOEXEC) != 0)
-        return Complain("cannot make a pipe: " + SystemText(errno));
+        return Report("cannot make a pipe: " + SystemText(errno));
     const Descriptor output(ends[0]);
     Descriptor childOutput(ends[1]);
     pid_t process = -1;
     const int error = Start(process, format, ::fileno(input.get()), childOutput.Get());
     if (error == ENOENT)
-        return Complain("Graphviz is not installed; write the graph as text (.dot)");
+        return Report("Graphviz is not installed; write the graph as text (.dot)");
     if (error != 0)
-        return Complain("cannot start Graphviz: " + SystemText(error));
+        return Report("cannot start Graphviz: " + SystemText(error));
     childOutput.Close();
 
     Child child(process);
@@ -204,17 +204,17 @@ std::optional<std::string> DrawPicture(const std::string& text, const std::strin
     std::string picture;
     const Reading reading = ReadPipe(output.Get(), end, picture);
     if (reading == Reading::Failed)
-        return Complain("cannot read what Graphviz gives: " + SystemText(errno));
+        return Report("cannot read the output of Graphviz: " + SystemText(errno));
     if (reading == Reading::TooLarge)
-        return Complain("the picture is larger than 1 GiB");
+        return Report("the picture is larger than 1 GiB");
     const std::optional<int> status =
         reading == Reading::Done ? child.Wait(end) : std::optional<int>();
     if (!status)
-        return ComplainOfTime(limit);
+        return ReportTimeLimit(limit);
     if (*status != 0)
-        return Complain("Graphviz " + EndText(*status));
+        return Report("Graphviz " + EndText(*status));
     if (!IsWhole(picture, format))
-        return Complain("what Graphviz gives is no whole picture");
+        return Report("the output of Graphviz is no whole picture");
     return picture;
 }
 

@@ -8,8 +8,8 @@
 namespace karmp::tool {
 
 /// The bytes of the picture ("svg" or "png") that Graphviz's program dot makes of a graph's text;
-/// nothing, with the reason on standard error, when the program is missing, fails, gives no picture
-/// of the format, or takes longer than the limit, at which it is stopped.
+/// empty, with the reason on standard error, when the program is missing, fails, gives no picture
+/// of the format, or takes longer than the limit, after which it is killed.
 std::optional<std::string> DrawPicture(const std::string& text, const std::string& format,
                                        std::chrono::milliseconds limit);
 

@@ -16,7 +16,7 @@ namespace karmp::tool {
 
 namespace {
 
-/// What a family is called: the name of its element in words.
+/// The title of a family: the name of its element in words.
 template <class T>
 std::string FamilyTitle()
 {

@@ -11,7 +11,7 @@ namespace karmp::tool {
 
 namespace {
 
-// So many warnings do not hide an error behind them.
+// High enough that warnings do not crowd out an error.
 constexpr std::size_t MostProblems = 1'000'000;
 
 std::string Activity(const char* verb, const std::string& file)

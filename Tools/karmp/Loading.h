@@ -1,4 +1,4 @@
-// Loads documents for the commands and tells what went wrong.
+// Loading of documents for the commands, with messages on standard error.
 #pragma once
 
 #include "KARMPDocuments.h"
@@ -11,14 +11,14 @@ namespace karmp::tool {
 /// Prints messages on standard error, errors only unless `all`.
 void PrintMessages(const documents::Diagnostics& messages, bool all);
 
-/// Loads a world; nothing, with the reason on standard error, when the file holds none. Problems
-/// that a partial world has are counted on standard error.
+/// Loads a world; empty, with the reason on standard error, when the file holds none. The number of
+/// problems of a partial world is printed on standard error.
 std::optional<documents::LoadResult> LoadWorld(const std::string& file);
 
-/// True when both names lead to one file, through links and other spellings as well.
+/// True when both paths refer to one file, also through links and other spellings.
 bool IsSameFile(const std::string& first, const std::string& second);
 
-/// Parses a document without making a world of it; nothing, with the reason on standard error, when
+/// Parses a document without making a world of it; empty, with the reason on standard error, when
 /// the file holds none.
 std::optional<documents::Document> ReadTree(const std::string& file);
 

@@ -11,8 +11,8 @@ namespace {
 constexpr int SpatialFreedoms = 6;
 constexpr int PlanarFreedoms = 3;
 
-/// The degrees of freedom that a kind takes away in space and in the plane; none where the kind has
-/// no planar counterpart.
+/// The degrees of freedom that a kind of joint removes in space and in the plane; empty where the
+/// kind has no planar counterpart.
 struct Kind
 {
     std::string_view className;

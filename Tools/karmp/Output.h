@@ -9,7 +9,7 @@
 namespace karmp::tool {
 
 /// Text of a name from a model, safe to print: UTF-8, with control characters written as escapes so
-/// that no document can steer a terminal.
+/// that no document can control the terminal.
 std::string Printable(std::wstring_view text);
 /// The same for text that is UTF-8 already.
 std::string Printable(std::string_view text);
@@ -34,7 +34,7 @@ class Columns
 public:
     /// Adds a line.
     void Add(std::string label, std::string text);
-    /// Prints the lines behind an indentation of so many blanks.
+    /// Prints the lines, indented by a number of blanks.
     void Print(std::size_t indentation) const;
 
 private:
@@ -46,7 +46,8 @@ private:
     std::vector<Line> m_lines;
 };
 
-/// Tells on standard error what takes long, when that is a terminal; the line goes with the object.
+/// Shows on standard error what takes long, when that is a terminal; the destructor removes the
+/// line.
 class Progress
 {
 public:

@@ -44,7 +44,7 @@ public:
     }
 
 private:
-    // An entity stands in a list of the world and has an identifier of its own.
+    // An entity is an item of one of the world's lists and has an identifier of its own.
     template <class Visit>
     void ForEachEntity(Visit visit) const
     {
@@ -78,8 +78,8 @@ private:
         PrintLinks(entity);
     }
 
-    // Whatever below an entity has an identifier refers to another entity: directly, or as an item
-    // of a list. A list is one line; no reader looks for links any deeper.
+    // Elements below an entity that have an identifier refer to another entity: directly, or as an
+    // item of a list. A list is printed as one line; deeper elements are no links.
     void PrintLinks(const Element& entity) const
     {
         Element::ElementVector children;

@@ -1,4 +1,4 @@
-// Documents with errors are not converted without being told to, and never onto themselves.
+// Documents with errors are converted only with --force, and never onto themselves.
 #include "ToolFixture.h"
 
 #include <string>

@@ -33,7 +33,7 @@ class Graph : public Tool
 protected:
     Graph() : m_document(Write("clean.xml", CleanDocument())) {}
 
-    /// Puts a shell script in Graphviz's place; a setting of the environment that finds it.
+    /// Writes a shell script named as Graphviz's program; gives the setting of PATH that finds it.
     std::string FakeGraphviz(const std::string& script) const
     {
         fs::create_directories(File("bin"));
@@ -42,7 +42,7 @@ protected:
         return "PATH='" + File("bin") + "':\"$PATH\"";
     }
 
-    // The run fails with the message, leaves an old picture as it was, and no new file.
+    // The run fails with the message, leaves an existing picture as it was, and no new file.
     void ExpectNoPicture(const std::string& script, const std::string& message) const
     {
         const std::string environment = FakeGraphviz(script);

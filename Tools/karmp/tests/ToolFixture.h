@@ -1,4 +1,4 @@
-// Runs the tool as a user does and gives what it prints and how it ends.
+// Runs the tool as a user does and gives its output and exit code.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -63,7 +63,7 @@ protected:
         return File(name);
     }
 
-    /// Runs the tool by the shell, behind shell commands or settings of the environment.
+    /// Runs the tool by the shell, after shell commands or settings of the environment.
     static Outcome Run(const std::string& arguments, const std::string& before = {})
     {
         Outcome outcome;

@@ -1,4 +1,4 @@
-// Runs the tool as a user does and looks at what it prints and how it ends.
+// Runs the tool as a user does and tests its output and exit code.
 #include "Mobility.h"
 #include "Output.h"
 #include "ToolFixture.h"
