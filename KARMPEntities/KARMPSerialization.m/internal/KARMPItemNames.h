@@ -23,9 +23,6 @@ inline constexpr Names<9> MatrixNames{L"M1x", L"M1y", L"M1z", L"M2x", L"M2y",
 /// The parts of a transformation.
 inline constexpr std::wstring_view TranslationName = L"Translation";
 inline constexpr std::wstring_view RotationName = L"Rotation";
-/// The two parts of a transformation.
-inline constexpr std::wstring_view TranslationName = L"Translation";
-inline constexpr std::wstring_view RotationName = L"Rotation";
 /// The words of a flag that is no bool in the document: row 0 is false.
 inline constexpr Names<2> NoYes{L"no", L"yes"};
 inline constexpr Names<2> FalseTrue{L"FALSE", L"TRUE"};
