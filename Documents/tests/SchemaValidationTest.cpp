@@ -51,6 +51,17 @@ bool IsExpressible(Code code)
     return std::find(std::begin(faults), std::end(faults), code) != std::end(faults);
 }
 
+/// Groups whose content XML Schema takes whatever it is, by their paths in any entity.
+constexpr std::array<std::string_view, 3> LooseInXsd{
+    "/VariableMapping/", "/LinearTermDataContainer/", "/SketchFunction/ReferenceAxis"};
+
+bool IsLoose(const std::string& fault)
+{
+    return std::any_of(
+        LooseInXsd.begin(), LooseInXsd.end(),
+        [&](std::string_view group) { return fault.find(group) != std::string::npos; });
+}
+
 /// A program that validates files by a schema, and how it tells of each file that it refuses.
 struct Validator
 {
@@ -103,6 +114,8 @@ protected:
                 document.fault = message.path + ": " + message.text;
         m_documents.push_back(document);
     }
+    /// Adds the document with each damage to its elements below a path.
+    void AddDamaged(const pugi::xml_document& whole, const std::string& below);
     /// Validates what was added against the schema of a version.
     void ExpectAgreement(std::wstring_view version = CurrentVersion)
     {
@@ -114,6 +127,13 @@ protected:
         return static_cast<std::size_t>(std::count_if(
             m_documents.begin(), m_documents.end(),
             [](const Document& document) { return !document.fault.empty(); }));
+    }
+    std::string FirstFault() const
+    {
+        for (const Document& document : m_documents)
+            if (!document.fault.empty())
+                return document.name + ": " + document.fault;
+        return {};
     }
     std::size_t Count() const { return m_documents.size(); }
     void Clear() { m_documents.clear(); }
@@ -130,19 +150,41 @@ private:
     {
         std::ofstream(m_folder / ("schema." + validator.ending), std::ios::binary)
             << SchemaText(validator.language, version);
-        std::string command = "cd " + m_folder.string() + " && " + validator.program + ' ' +
-                              validator.options + " schema." + validator.ending;
-        for (const Document& document : m_documents)
-            command += ' ' + document.file;
-        const std::string output = OutputOf(command + " 2>&1");
+        const std::string command = "cd " + m_folder.string() + " && " + validator.program + ' ' +
+                                    validator.options + " schema." + validator.ending;
+        // A command line has a limit.
+        constexpr std::size_t most = 2000;
+        std::string output;
+        for (std::size_t first = 0; first < m_documents.size(); first += most) {
+            std::string files;
+            for (std::size_t i = first; i < std::min(first + most, m_documents.size()); ++i)
+                files += ' ' + m_documents[i].file;
+            output += OutputOf(command + files + " 2>&1");
+        }
         EXPECT_EQ(output.find("schema." + validator.ending), std::string::npos) << output;
+        const std::set<std::string> refused = RefusedIn(output, validator.refusal);
         for (const Document& document : m_documents) {
-            const bool isRefused =
-                output.find(document.file + validator.refusal) != std::string::npos;
+            const bool isRefused = refused.count(document.file) != 0;
+            if (!isRefused && validator.language == SchemaLanguage::Xsd && IsLoose(document.fault))
+                continue;
             EXPECT_EQ(isRefused, !document.fault.empty())
                 << validator.program << ' ' << validator.options << ": " << document.name << ": "
                 << document.fault << LinesOn(output, document.file);
         }
+    }
+    /// The files of which lines tell a refusal.
+    static std::set<std::string> RefusedIn(const std::string& output, const std::string& refusal)
+    {
+        std::set<std::string> refused;
+        std::istringstream lines(output);
+        for (std::string line; std::getline(lines, line);) {
+            const std::size_t end = line.find(".xml" + refusal);
+            const std::size_t begin = line.rfind('/', end);
+            if (end != std::string::npos)
+                refused.insert(line.substr(begin == std::string::npos ? 0 : begin + 1,
+                                           end + 4 - (begin == std::string::npos ? 0 : begin + 1)));
+        }
+        return refused;
     }
     static std::string LinesOn(const std::string& output, const std::string& file)
     {
@@ -179,37 +221,73 @@ std::vector<fs::path> Examples()
     return examples;
 }
 
-/// A document with a new entity of every class that reads what it writes.
-pugi::xml_document EveryClass()
+pugi::xml_document SliderCrank()
 {
     pugi::xml_document document;
     document.load_file((fs::path(KARMP_EXAMPLE_DOCUMENTS) / "slider-crank.xml").c_str());
-    pugi::xml_node world = document.document_element().child("World");
-    for (const EntityClass& entityClass : EntityClasses()) {
-        const auto family =
-            std::find_if(Families().begin(), Families().end(),
-                         [&](const Family& entry) { return entityClass.IsA(entry.className); });
-        QOBSharedHandle<KARMPEntity> entity;
-        if (family == Families().end() || entityClass.name == "KARMPCone" ||
-            KARFailed(KARMPFactory::Create(entityClass.name, entity)))
-            continue;
-        KARMPDocumentWriter root;
-        std::string text;
-        entity->Serialize(&root);
-        root.RenderXml(text);
-        pugi::xml_document written;
-        written.load_string(text.c_str());
-        const std::string listName = kar::ToUtf8(family->element);
-        pugi::xml_node list = world.child(listName.c_str());
-        if (!list)
-            list = world.append_child(listName.c_str());
-        list.append_copy(written.document_element().first_child());
-    }
     return document;
 }
 
+/// A world without entities.
+pugi::xml_document EmptyWorld()
+{
+    pugi::xml_document document = SliderCrank();
+    pugi::xml_node world = document.document_element().child("World");
+    for (const Family& family : Families())
+        world.remove_child(kar::ToUtf8(family.element).c_str());
+    return document;
+}
+
+/// Classes that are read by other names than they are written, so that the check finds fault.
+const std::set<std::string> ReadByOtherNames{"KARMPCone", "KARMPCylinder"};
+
+/// Adds a new entity of a class to its family's list; false for a class without a family.
+bool AddNew(const EntityClass& entityClass, pugi::xml_document& document)
+{
+    const auto family =
+        std::find_if(Families().begin(), Families().end(),
+                     [&](const Family& entry) { return entityClass.IsA(entry.className); });
+    QOBSharedHandle<KARMPEntity> entity;
+    if (family == Families().end() || KARFailed(KARMPFactory::Create(entityClass.name, entity)))
+        return false;
+    KARMPDocumentWriter root;
+    std::string text;
+    entity->Serialize(&root);
+    root.RenderXml(text);
+    pugi::xml_document written;
+    written.load_string(text.c_str());
+    const std::string listName = kar::ToUtf8(family->element);
+    pugi::xml_node world = document.document_element().child("World");
+    pugi::xml_node list = world.child(listName.c_str());
+    if (!list)
+        list = world.append_child(listName.c_str());
+    list.append_copy(written.document_element().first_child());
+    return true;
+}
+
+using Damage = std::function<void(pugi::xml_node)>;
+
+// Texts of values and attributes that are none of their kind, and attributes that are missing.
+template <class Apply>
+void DamageTexts(pugi::xml_node node, const Apply& damage)
+{
+    if (node.attributes().empty() && node.first_child().type() != pugi::node_element)
+        for (const char* const value : {"?", "1.5.2", "0x10", "1e", "0.5 0.6", "", "true", "1,5"})
+            damage(value, [value](pugi::xml_node element) { element.text() = value; });
+    for (const pugi::xml_attribute attribute : node.attributes()) {
+        const std::string name = attribute.name();
+        damage("without @" + name + " in",
+               [&name](pugi::xml_node element) { element.remove_attribute(name.c_str()); });
+        if (name != "version") {
+            damage(
+                "? as @" + name + " in",
+                [&name](pugi::xml_node element) { element.attribute(name.c_str()) = "?"; });
+        }
+    }
+}
+
 /// Calls `visit` for the first element of each path, which leaves out twins.
-void ForEachKindOfElement(pugi::xml_document& document,
+void ForEachKindOfElement(const pugi::xml_document& document,
                           const std::function<void(pugi::xml_node)>& visit)
 {
     std::set<std::string> paths;
@@ -226,6 +304,44 @@ void ForEachKindOfElement(pugi::xml_document& document,
     }
 }
 
+// Damages each kind of element and attribute in each way.
+void SchemaValidation::AddDamaged(const pugi::xml_document& whole, const std::string& below)
+{
+    ForEachKindOfElement(
+        whole,
+        [&](pugi::xml_node node) {
+            const std::string path = node.path();
+            if (!path.starts_with(below))
+                return;
+            const auto damage = [&](const std::string& how, const Damage& change) {
+                pugi::xml_document copy;
+                copy.reset(whole);
+                change(copy.first_element_by_path(path.c_str()));
+                Add(how + ' ' + path, TextOf(copy));
+            };
+            const bool isRoot = node == whole.document_element();
+            if (!isRoot) {
+                damage(
+                    "without",
+                    [](pugi::xml_node element) { element.parent().remove_child(element); });
+                damage(
+                    "twice",
+                    [](pugi::xml_node element) {
+                        element.parent().insert_copy_after(element, element);
+                    });
+                damage(
+                    "renamed", [](pugi::xml_node element) { element.set_name("Nothing"); });
+            }
+            damage(
+                "unknown attribute in",
+                [](pugi::xml_node element) { element.append_attribute("nothing") = "1"; });
+            damage(
+                "unknown element in",
+                [](pugi::xml_node element) { element.append_child("Nothing"); });
+            DamageTexts(node, damage);
+        });
+}
+
 TEST_F(SchemaValidation, TakesTheExamplesInEveryVersion)
 {
     for (const std::wstring_view version : KnownVersions()) {
@@ -239,54 +355,41 @@ TEST_F(SchemaValidation, TakesTheExamplesInEveryVersion)
             Add(example.filename().string() + " at " + kar::ToUtf8(version), text);
         }
         EXPECT_GT(Count(), 2U);
-        EXPECT_EQ(CountFaulty(), 0U);
+        EXPECT_EQ(FirstFault(), "");
         ExpectAgreement(version);
     }
 }
 
 TEST_F(SchemaValidation, TakesADocumentWithEveryClass)
 {
-    Add("every class", TextOf(EveryClass()));
-    EXPECT_EQ(CountFaulty(), 0U);
+    pugi::xml_document document = SliderCrank();
+    int added = 0;
+    for (const EntityClass& entityClass : EntityClasses())
+        if (ReadByOtherNames.count(entityClass.name) == 0)
+            added += AddNew(entityClass, document) ? 1 : 0;
+    EXPECT_GT(added, 50);
+    Add("every class", TextOf(document));
+    EXPECT_EQ(FirstFault(), "");
     ExpectAgreement();
 }
 
-// Each kind of element and attribute is damaged in each way.
-TEST_F(SchemaValidation, RefusesWhatTheCheckTells)
+TEST_F(SchemaValidation, RefusesDamagedEntitiesOfEachClassAsTheCheckDoes)
 {
-    pugi::xml_document whole = EveryClass();
-    ForEachKindOfElement(whole, [&](pugi::xml_node node) {
-        const std::string path = node.path();
-        const auto damage = [&](const char* how,
-                                const std::function<void(pugi::xml_node)>& change) {
-            pugi::xml_document copy;
-            copy.reset(whole);
-            change(copy.first_element_by_path(path.c_str()));
-            Add(how + (' ' + path), TextOf(copy));
-        };
-        if (path.find("World/") == std::string::npos)
-            return;
-        damage("without", [](pugi::xml_node element) { element.parent().remove_child(element); });
-        damage("twice", [](pugi::xml_node element) {
-            element.parent().insert_copy_after(element, element);
-        });
-        damage("renamed", [](pugi::xml_node element) { element.set_name("Nothing"); });
-        damage("unknown attribute in",
-               [](pugi::xml_node element) { element.append_attribute("nothing") = "1"; });
-        damage("unknown element in",
-               [](pugi::xml_node element) { element.append_child("Nothing"); });
-        if (node.attributes().empty() && node.first_child().type() != pugi::node_element)
-            for (const char* const value : {"?", "1.5.2", "0x10", "1e", "0.5 0.6", "", "true"})
-                damage(value, [value](pugi::xml_node element) { element.text() = value; });
-        for (const pugi::xml_attribute attribute : node.attributes()) {
-            const std::string name = attribute.name();
-            damage(("without @" + name + " in").c_str(),
-                   [&name](pugi::xml_node element) { element.remove_attribute(name.c_str()); });
-            damage(("? as @" + name + " in").c_str(),
-                   [&name](pugi::xml_node element) { element.attribute(name.c_str()) = "?"; });
-        }
-    });
+    for (const EntityClass& entityClass : EntityClasses()) {
+        pugi::xml_document document = EmptyWorld();
+        if (AddNew(entityClass, document))
+            AddDamaged(document, "/KARMPDocument/World/");
+    }
     EXPECT_GT(CountFaulty(), 1000U);
+    EXPECT_GT(Count(), CountFaulty());
+    ExpectAgreement();
+}
+
+TEST_F(SchemaValidation, RefusesDamagedLinksAndSettingsAsTheCheckDoes)
+{
+    const pugi::xml_document document = SliderCrank();
+    AddDamaged(document, "/KARMPDocument");
+    EXPECT_GT(CountFaulty(), 500U);
     EXPECT_GT(Count(), CountFaulty());
     ExpectAgreement();
 }

@@ -267,9 +267,12 @@ void SchemaMaker::AddItem(const Item& item, std::span<const Item> inner, SchemaI
     }
     case ItemKind::Group:
         AddItems(inner, made);
-        for (SchemaItem& element : made.elements) {
-            element.anyName = item.anyName;
-            element.repeats = element.repeats || item.anyName;
+        if (item.anyName) {
+            for (SchemaItem& element : made.elements) {
+                element.anyName = true;
+                element.repeats = true;
+                element.presence = ItemPresence::Optional;
+            }
         }
         break;
     }
