@@ -146,19 +146,6 @@ TEST_F(Tool, ConvertsOntoItsInputWhenThatHasNoErrors)
     EXPECT_EQ(Run("check " + file).code, 0);
 }
 
-// The grid of doubles moves the limits, which only the attributes of the nodes tell.
-TEST_F(Tool, TellsThatLimitsOfCurvesBecomeOthers)
-{
-    const std::string function =
-        R"(   <SketchFunction id="s1" name="s1" isActive="yes"><PhysicalQuantity>Length</PhysicalQuantity><ReferenceAxis><Origin><Ox>0</Ox><Oy>0</Oy><Oz>0</Oz></Origin><Direction><x>1</x><y>0</y><z>0</z></Direction><Direction><Nx>0</Nx><Ny>0</Ny><Nz>1</Nz></Direction></ReferenceAxis><CurveSegments><CurveSegment curveOrientation="Positive" curveLowLimit="0.2500000000000012" curveHighLimit="1.5"><CurveStream length="97">S0dNSwEAAABNAAAAAAAAABPYE6gBAAAAAQAAAAEAAAAAAADwPwAAAAAAAABAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAABAAAAAAAAAAAAAAAAAAADwvwAAAAAAABBAAAAAAA==</CurveStream></CurveSegment></CurveSegments></SketchFunction>)"
-        "\n";
-    const std::string input =
-        Write("in.xml", Replaced(CleanDocument(), "  <Values>\n", "  <Values>\n" + function));
-    const Outcome outcome = Run("convert " + input + ' ' + File("out.xml"));
-    ExpectContains(outcome.output, "CurveSegment/@curveLowLimit");
-    ExpectContains(outcome.output, "0.2500000000000012 becomes 0.25");
-}
-
 TEST_F(Tool, LeavesAnOldFileWhenTheDiskIsFull)
 {
     const std::string file = Write("clean.xml", CleanDocument());
