@@ -174,13 +174,19 @@ constexpr ItemList<(N + ... + 0)> List(const ItemList<N>&... lists)
 template <std::size_t... N>
 constexpr auto Since(std::wstring_view version, const ItemList<N>&... lists)
 {
-    return List(lists...).With([version](Item& item) { item.since = version; });
+    return List(lists...).With([version](Item& item) {
+        item.since = version;
+        item.isGated = true;
+    });
 }
 /// Items below a version.
 template <std::size_t... N>
 constexpr auto Until(std::wstring_view version, const ItemList<N>&... lists)
 {
-    return List(lists...).With([version](Item& item) { item.until = version; });
+    return List(lists...).With([version](Item& item) {
+        item.until = version;
+        item.isGated = true;
+    });
 }
 /// What is written is not what is read.
 template <std::size_t N, std::size_t M>

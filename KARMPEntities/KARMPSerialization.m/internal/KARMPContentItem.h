@@ -56,14 +56,12 @@ struct ItemValue
 /// follow the group.
 struct Item
 {
+    // What the walkers read of every item comes first, in one cache line; what describes the item
+    // comes last.
     std::wstring_view name;
-    /// One sentence on the meaning.
-    std::string_view says;
-    KARMPPhysicalQuantity::Enum quantity = KARMPPhysicalQuantity::NoPhysicalQuantity;
     ItemKind kind = ItemKind::Group;
     ItemPlace place = ItemPlace::Element;
     ItemPresence presence = ItemPresence::Reported;
-
     /// Written by the node walker; read by it.
     bool isWritten = true;
     bool isRead = true;
@@ -86,24 +84,44 @@ struct Item
     bool evenIfBaseFails = false;
     /// The target's name is written whether names are left out or not.
     bool alwaysNamed = false;
+    /// There is a version from which on, or below which, the item exists.
+    bool isGated = false;
+    /// Number of the items that follow and belong to this one.
+    std::uint16_t inner = 0;
+    /// The condition for writing; null without one.
+    bool (*when)(const void* owner) = nullptr;
+    /// Fetches the value. A failure means that there is none; for values that must be there the
+    /// writer reports it.
+    KARStatus (*get)(const void* owner, ItemValue& value) = nullptr;
+    /// Stores the value; for a reference, links the target; for a group, told that it was found.
+    KARStatus (*set)(void* owner, const ItemValue& value) = nullptr;
+
+    /// The words of a Word, row by row; the names of Numbers; flag and number of OptionalNumber.
+    std::span<const std::wstring_view> words;
+    /// The place of the item in the class's source, which reports name.
+    KARMPSourceLocation where{"", 0};
+    /// The entries of a list: how many, and one by its index.
+    int (*count)(const void* owner) = nullptr;
+    KARStatus (*at)(const void* owner, int index, ItemValue& value) = nullptr;
+    /// The element of each entry of References and Records.
+    std::wstring_view entry;
+    /// The condition for reading; null without one.
+    bool (*whenRead)(const void* owner) = nullptr;
+    /// The versions of a gated item; empty without a limit.
+    std::wstring_view since;
+    std::wstring_view until;
+
+    /// One sentence on the meaning.
+    std::string_view says;
+    KARMPPhysicalQuantity::Enum quantity = KARMPPhysicalQuantity::NoPhysicalQuantity;
     /// The target dies with this entity.
     bool isOwned = false;
     /// The words are those of a bool.
     bool isFlag = false;
     /// Any name is read for the entries of a list or of a group's children.
     bool anyName = false;
-
-    /// Number of the items that follow and belong to this one.
-    std::uint16_t inner = 0;
-    /// Versions from which on, and below which, the item exists; empty without a limit.
-    std::wstring_view since;
-    std::wstring_view until;
-    /// The words of a Word, row by row; the names of Numbers; flag and number of OptionalNumber.
-    std::span<const std::wstring_view> words;
     /// Why programs cannot set the item by the table of items; empty when they can.
     std::string_view fixedBecause;
-    /// The element of each entry of References and Records.
-    std::wstring_view entry;
     /// The class that targets are derived from.
     const QOBClassInfo& (*target)() = nullptr;
     /// The item of the target that refers back.
@@ -111,27 +129,12 @@ struct Item
     /// The content of each record.
     const Content& (*record)() = nullptr;
 
-    /// Conditions for writing and for reading; null without one.
-    bool (*when)(const void* owner) = nullptr;
-    bool (*whenRead)(const void* owner) = nullptr;
-    /// Fetches the value. A failure means that there is none; for values that must be there the
-    /// writer reports it.
-    KARStatus (*get)(const void* owner, ItemValue& value) = nullptr;
-    /// Stores the value; for a reference, links the target; for a group, told that it was found.
-    KARStatus (*set)(void* owner, const ItemValue& value) = nullptr;
-    /// The entries of a list: how many, and one by its index.
-    int (*count)(const void* owner) = nullptr;
-    KARStatus (*at)(const void* owner, int index, ItemValue& value) = nullptr;
-
     /// True when documents of a version have the item.
     bool ExistsAt(std::wstring_view version) const
     {
-        return (since.empty() || AtLeast(version, since)) &&
-               (until.empty() || !AtLeast(version, until));
+        return !isGated || ((since.empty() || AtLeast(version, since)) &&
+                            (until.empty() || !AtLeast(version, until)));
     }
-
-    /// The place of the item in the class's source, which reports name.
-    KARMPSourceLocation where{"", 0};
 };
 
 /// The statuses of a class on one side, writing or reading.

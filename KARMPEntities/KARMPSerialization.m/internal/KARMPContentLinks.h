@@ -4,6 +4,8 @@
 #include "KARMPContent.h"
 #include "KARMPElementReader.h"
 
+#include <utility>
+
 namespace karmp {
 
 /// The entity type of a handle, a link, or a list of links.
@@ -41,7 +43,7 @@ KARStatus FetchTarget(const void* owner, ItemValue& value)
     } else {
         QOBSharedHandle<Target> target;
         const KARStatus status = Traits::Get(Get, object, target);
-        value.entity = target;
+        value.entity = std::move(target);
         return status;
     }
 }
@@ -117,7 +119,7 @@ struct CountedEntries
     {
         QOBSharedHandle<typename Getter::Target> entry;
         const KARStatus status = (OwnerAs<C>(owner).*GetAt)(index, entry);
-        value.entity = entry;
+        value.entity = std::move(entry);
         return status;
     }
 };
@@ -185,7 +187,7 @@ struct WordedEntries : ListedEntries<List>
         QOBSharedHandle<Target> entry;
         Word word{};
         const KARStatus status = (OwnerAs<C>(owner).*List).Get(index, entry, word);
-        value.entity = entry;
+        value.entity = std::move(entry);
         value.number = static_cast<int>(word);
         return status;
     }

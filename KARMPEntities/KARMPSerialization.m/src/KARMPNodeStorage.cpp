@@ -66,7 +66,7 @@ NodeText NodeText::Shared(std::wstring_view text)
         }
         // Another thread may just have stored `found`.
         if (const NodeText name(reinterpret_cast<std::uintptr_t>(found) | IsShared);
-            name.View() == text) {
+            SameName(name.View(), text)) {
             ::operator delete(made);
             return name;
         }
