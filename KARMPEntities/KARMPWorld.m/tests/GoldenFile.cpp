@@ -38,8 +38,7 @@ std::string LineAt(const Lines& lines, std::size_t index)
 
 } // namespace
 
-void ExpectGolden(const std::string& name, const std::string& text,
-                  const std::function<std::string(std::string_view line)>& adapt)
+void ExpectGolden(const std::string& name, const std::string& text)
 {
     const fs::path path = fs::path(KARMP_GOLDEN_FOLDER) / (name + ".txt");
     if (std::getenv("KARMP_WRITE_GOLDEN") != nullptr) {
@@ -50,9 +49,7 @@ void ExpectGolden(const std::string& name, const std::string& text,
     }
     std::ifstream file(path, std::ios::binary);
     ASSERT_TRUE(file) << path << " is missing";
-    Lines kept = LinesOf(std::move(file));
-    for (std::string& line : kept)
-        line = adapt(line);
+    const Lines kept = LinesOf(std::move(file));
     const Lines now = LinesOf(std::istringstream(text));
     if (kept == now)
         return;
@@ -61,12 +58,6 @@ void ExpectGolden(const std::string& name, const std::string& text,
         ++first;
     ADD_FAILURE() << path.string() << ":" << first + 1 << ": under \"" << HeadingOf(kept, first)
                   << "\"\n  kept: " << LineAt(kept, first) << "\n   now: " << LineAt(now, first);
-}
-
-void ExpectGolden(const std::string& name, const std::string& text)
-{
-    ExpectGolden(
-        name, text, [](std::string_view line) { return std::string(line); });
 }
 
 void ExpectNoOtherGolden(const std::function<bool(const std::string& name)>& isKnown)
