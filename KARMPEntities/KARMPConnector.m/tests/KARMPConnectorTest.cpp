@@ -136,7 +136,7 @@ TEST_F(Connector, ListsVariables)
     EXPECT_EQ(connector->RemoveVariable(variable), KARUnchanged);
 }
 
-/// A connector that has one geometry more than it can hand out.
+/// A connector that has one geometry more than it can give.
 class BrokenConnector : public KARMPConnector
 {
 public:

@@ -78,7 +78,10 @@ struct ItemList
     template <auto Set>
     constexpr ItemList Through() const
     {
-        return With([](Item& item) { item.set = &StoreItem<Set>; });
+        return With([](Item& item) {
+            item.set = &StoreItem<Set>;
+            item.hasSetter = true;
+        });
     }
     /// The item is written while a condition of its owner holds: a const member function or a
     /// function that returns a bool.
@@ -207,6 +210,7 @@ constexpr ItemList<1> MakeItem(std::wstring_view name, std::string_view says, It
     item.kind = kind;
     item.get = &FetchItem<Access>;
     item.set = StoreItemOrNone<Access>();
+    item.hasSetter = TraitsOf<Access>::Stores;
     item.where = where;
     return list;
 }
@@ -341,6 +345,7 @@ constexpr ItemList<1> OptionalNumber(std::wstring_view name,
     item.words = names;
     item.get = &Access::Get;
     item.set = &Access::Set;
+    item.hasSetter = true;
     item.where = where;
     return list;
 }

@@ -86,6 +86,8 @@ struct Item
     bool alwaysNamed = false;
     /// There is a version from which on, or below which, the item exists.
     bool isGated = false;
+    /// There is a setter. Compilers with a sanitizer do not compare it with null at compile time.
+    bool hasSetter = false;
     /// Number of the items that follow and belong to this one.
     std::uint16_t inner = 0;
     /// The condition for writing; null without one.

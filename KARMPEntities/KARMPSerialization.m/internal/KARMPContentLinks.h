@@ -72,6 +72,7 @@ constexpr ItemList<1> Reference(std::wstring_view name, std::string_view says,
     item.target = &LinkTarget<typename TraitsOf<Link>::Value>::Type::ClassInfo;
     item.get = &FetchTarget<Get>;
     item.set = &LinkTargetBy<Link>;
+    item.hasSetter = true;
     item.where = where;
     return list;
 }
@@ -138,6 +139,7 @@ constexpr Item MakeEntries(std::wstring_view name, std::wstring_view entry, std:
     item.count = &Entries::Count;
     item.at = &Entries::At;
     item.set = link;
+    item.hasSetter = true;
     item.where = where;
     return item;
 }

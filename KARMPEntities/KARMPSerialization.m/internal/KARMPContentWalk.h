@@ -111,7 +111,7 @@ consteval bool IsWhole(const ItemList<N>& list)
         const Item& item = list.items[i];
         const bool isValue = item.kind != ItemKind::Group && item.kind != ItemKind::Records &&
                              item.kind != ItemKind::Stream;
-        if (isValue && item.isRead && !item.isCoded && item.set == nullptr)
+        if (isValue && item.isRead && !item.isCoded && !item.hasSetter)
             return false;
         if (item.kind == ItemKind::References)
             i += item.inner;

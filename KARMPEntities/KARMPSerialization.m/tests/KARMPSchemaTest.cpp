@@ -53,13 +53,13 @@ const karmp::Content& ContentFrom()
     }();
     return content;
 }
-const karmp::ContentRegistration sampleContent("TestSample", &ContentFrom<SampleList>);
+const karmp::ContentRegistration SampleContent("TestSample", &ContentFrom<SampleList>);
 
 constexpr auto RenamedList =
     karmp::Element(L"Outer", "Read under another name.", karmp::LenientFrame,
                    karmp::Number<&Sample::number>(L"Number", "."))
         .ReadAs(L"Inner");
-const karmp::ContentRegistration renamedContent("TestRenamed", &ContentFrom<RenamedList>);
+const karmp::ContentRegistration RenamedContent("TestRenamed", &ContentFrom<RenamedList>);
 
 const SchemaItem& Find(const std::vector<SchemaItem>& items, std::wstring_view name)
 {

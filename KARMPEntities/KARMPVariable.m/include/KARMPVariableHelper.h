@@ -12,7 +12,7 @@ class KARWBVariable;
 class KARMP_API KARMPVariableHelper
 {
 public:
-    /// Hands out the factory's variable whose name is the variable's identifier, in the characters
+    /// Gives the factory's variable whose name is the variable's identifier, in the characters
     /// of the C library's current locale; makes it when there is none. A null argument, and an
     /// identifier that cannot be had or has no form in that locale, are a failed check and a
     /// failure with null.

@@ -3,11 +3,9 @@
 
 #include <functional>
 #include <string>
-#include <string_view>
 
 /// Expects that a text is the one that is kept in golden/<name>.txt and shows the first line that
 /// differs. With the environment variable "KARMP_WRITE_GOLDEN" set, the file takes the text over.
-/// `adapt` is applied to each line of the file before.
 void ExpectGolden(const std::string& name, const std::string& text);
 
 /// Expects that golden holds no file whose name, up to its first point, fulfils no `isKnown`.

@@ -22,14 +22,14 @@ protected:
             EXPECT_EQ(registry.Get(i, entities[static_cast<std::size_t>(i)]), KARSuccess);
         return entities;
     }
-    std::vector<Entity> filedUnder(KARBaseUnknown_var first, KARBaseUnknown_var second) const
+    std::vector<Entity> FiledUnder(KARBaseUnknown_var first, KARBaseUnknown_var second) const
     {
         QOBSharedVector<TestEntity> entities{a};
         const KARStatus status = registry.Get(first, second, entities);
         EXPECT_EQ(status, entities.empty() ? KARUnchanged : KARSuccess);
         return entities;
     }
-    bool hasKeys(const Entity& entity) const
+    bool HasKeys(const Entity& entity) const
     {
         KARBaseUnknown_var first;
         KARBaseUnknown_var second;
@@ -51,8 +51,8 @@ TEST_F(Registry, IsEmptyAtFirst)
     EXPECT_EQ(registry.Count(), 0);
     EXPECT_EQ(registry.EmptyRegistry(), KARSuccess);
     EXPECT_EQ(registry.Remove(a), KARUnchanged);
-    EXPECT_TRUE(filedUnder(key1, key2).empty());
-    EXPECT_TRUE(filedUnder(null, null).empty());
+    EXPECT_TRUE(FiledUnder(key1, key2).empty());
+    EXPECT_TRUE(FiledUnder(null, null).empty());
 }
 
 TEST_F(Registry, RefusesANullHandle)
@@ -62,7 +62,7 @@ TEST_F(Registry, RefusesANullHandle)
     EXPECT_EQ(registry.Add(null, null, nullptr), KARUnchanged);
     EXPECT_EQ(registry.Remove(nullptr), KARUnchanged);
     EXPECT_EQ(registry.Count(), 0);
-    EXPECT_TRUE(filedUnder(key1, key2).empty());
+    EXPECT_TRUE(FiledUnder(key1, key2).empty());
 }
 
 TEST_F(Registry, ListsAnEntityOnceByThePlainForm)
@@ -91,7 +91,7 @@ TEST_F(Registry, FilesAnEntityUnderOnePairOnly)
     EXPECT_EQ(registry.Add(key1, key2, a), KARSuccess);
     EXPECT_EQ(registry.Add(key2, key3, a), KARUnchanged);
     EXPECT_EQ(registry.Count(), 1);
-    EXPECT_TRUE(filedUnder(key2, key3).empty());
+    EXPECT_TRUE(FiledUnder(key2, key3).empty());
     KARBaseUnknown_var first;
     KARBaseUnknown_var second;
     EXPECT_EQ(registry.GetKeys(a, first, second), KARSuccess);
@@ -105,8 +105,8 @@ TEST_F(Registry, GivesTheEntitiesOfAPairInOrderOfFiling)
     registry.Add(key1, key2, a);
     registry.Add(key2, key1, c);
     EXPECT_EQ(listed(), (std::vector{b, a, c}));
-    EXPECT_EQ(filedUnder(key1, key2), (std::vector{b, a}));
-    EXPECT_EQ(filedUnder(key2, key1), (std::vector{c}));
+    EXPECT_EQ(FiledUnder(key1, key2), (std::vector{b, a}));
+    EXPECT_EQ(FiledUnder(key2, key1), (std::vector{c}));
     Entity first;
     EXPECT_EQ(registry.Get(key1, key2, first), KARSuccess);
     EXPECT_EQ(first, b);
@@ -135,7 +135,7 @@ TEST_F(Registry, KeepsPairsWithNullKeysApart)
         for (KARBaseUnknown_var second : keys) {
             const bool filed = first != nullptr || second != nullptr;
             const std::vector expected{entities[next++]};
-            EXPECT_EQ(filedUnder(first, second), filed ? expected : std::vector<Entity>());
+            EXPECT_EQ(FiledUnder(first, second), filed ? expected : std::vector<Entity>());
         }
     }
 }
@@ -144,10 +144,10 @@ TEST_F(Registry, FilesNothingUnderTwoNullKeys)
 {
     EXPECT_EQ(registry.Add(null, null, a), KARSuccess);
     EXPECT_EQ(registry.Add(null, null, a), KARUnchanged);
-    EXPECT_TRUE(filedUnder(null, null).empty());
-    EXPECT_FALSE(hasKeys(a));
+    EXPECT_TRUE(FiledUnder(null, null).empty());
+    EXPECT_FALSE(HasKeys(a));
     EXPECT_EQ(registry.Add(null, key2, b), KARSuccess);
-    EXPECT_TRUE(hasKeys(b));
+    EXPECT_TRUE(HasKeys(b));
 }
 
 TEST_F(Registry, GivesANullHandleOutsideTheList)
@@ -182,7 +182,7 @@ TEST_F(Registry, StillGivesARemovedEntityByItsKeys)
     EXPECT_EQ(registry.GetKeys(entity, first, second), KARUnchanged);
     EXPECT_EQ(first, nullptr);
     EXPECT_EQ(second, nullptr);
-    EXPECT_EQ(filedUnder(key1, key2), (std::vector{entity}));
+    EXPECT_EQ(FiledUnder(key1, key2), (std::vector{entity}));
     EXPECT_EQ(registry.Remove(entity), KARUnchanged);
     const int alive = TestEntity::Alive();
     entity = nullptr;
@@ -197,8 +197,8 @@ TEST_F(Registry, FilesARemovedEntityBehindItsFormerSelf)
     registry.Remove(a);
     EXPECT_EQ(registry.Add(key1, key2, a), KARSuccess);
     EXPECT_EQ(registry.Count(), 1);
-    EXPECT_EQ(filedUnder(key1, key2), (std::vector{a, a}));
-    EXPECT_TRUE(hasKeys(a));
+    EXPECT_EQ(FiledUnder(key1, key2), (std::vector{a, a}));
+    EXPECT_TRUE(HasKeys(a));
 }
 
 TEST_F(Registry, DropsTheKeysWithTheFirstOfTwoEntries)
@@ -208,7 +208,7 @@ TEST_F(Registry, DropsTheKeysWithTheFirstOfTwoEntries)
     registry.Add(key1, key2, a);
     EXPECT_EQ(registry.Remove(a), KARSuccess);
     EXPECT_EQ(listed(), (std::vector{b, a}));
-    EXPECT_FALSE(hasKeys(a));
+    EXPECT_FALSE(HasKeys(a));
     EXPECT_EQ(registry.Remove(a), KARSuccess);
     EXPECT_EQ(registry.Remove(a), KARUnchanged);
 }
@@ -218,8 +218,8 @@ TEST_F(Registry, FindsByAnyKeyThatStandsForTheSame)
     KARBaseUnknown_var alias = WorldTestKey::Make(key1);
     registry.Add(key1, key2, a);
     EXPECT_EQ(registry.Add(alias, key2, b), KARSuccess);
-    EXPECT_EQ(filedUnder(alias, key2), (std::vector{a, b}));
-    EXPECT_EQ(filedUnder(key1, key2), (std::vector{a, b}));
+    EXPECT_EQ(FiledUnder(alias, key2), (std::vector{a, b}));
+    EXPECT_EQ(FiledUnder(key1, key2), (std::vector{a, b}));
     KARBaseUnknown_var first;
     KARBaseUnknown_var second;
     EXPECT_EQ(registry.GetKeys(b, first, second), KARSuccess);
@@ -237,7 +237,7 @@ TEST_F(Registry, TakesWhatAKeyStandsForAndGoesNoFurther)
     EXPECT_EQ(registry.GetKeys(a, first, second), KARSuccess);
     EXPECT_EQ(first, middle);
     EXPECT_EQ(second, middle);
-    EXPECT_EQ(filedUnder(alias, alias), (std::vector{a}));
+    EXPECT_EQ(FiledUnder(alias, alias), (std::vector{a}));
 }
 
 TEST_F(Registry, KeepsAKeyThatStandsForNothing)
@@ -250,8 +250,8 @@ TEST_F(Registry, KeepsAKeyThatStandsForNothing)
     EXPECT_EQ(first, loose);
     EXPECT_EQ(second, nullptr);
     // It is not the null key, and all such keys are one.
-    EXPECT_EQ(filedUnder(WorldTestKey::Make(nullptr), null), (std::vector{a}));
-    EXPECT_TRUE(filedUnder(null, loose).empty());
+    EXPECT_EQ(FiledUnder(WorldTestKey::Make(nullptr), null), (std::vector{a}));
+    EXPECT_TRUE(FiledUnder(null, loose).empty());
 }
 
 // Keys compare by what they stand for at that moment, so one that changes what it stands for is not
@@ -276,7 +276,7 @@ TEST_F(RegistryOfShiftingKeys, FailsToRemoveWhatIsNotUnderItsKeysAndLeavesItTheK
 {
     EXPECT_EQ(registry.Remove(b), KARFailure);
     EXPECT_EQ(listed(), (std::vector{a}));
-    EXPECT_TRUE(hasKeys(b));
+    EXPECT_TRUE(HasKeys(b));
     EXPECT_EQ(registry.Add(key1, null, b), KARUnchanged);
     EXPECT_EQ(registry.Remove(b), KARUnchanged);
 }
@@ -285,8 +285,8 @@ TEST_F(RegistryOfShiftingKeys, IsEmptiedAllTheSame)
 {
     EXPECT_EQ(registry.EmptyRegistry(), KARSuccess);
     EXPECT_EQ(registry.Count(), 0);
-    EXPECT_FALSE(hasKeys(a));
-    EXPECT_TRUE(hasKeys(b));
+    EXPECT_FALSE(HasKeys(a));
+    EXPECT_TRUE(HasKeys(b));
 }
 
 TEST_F(Registry, StaysFilledUnderItsKeysWhenEmptied)
@@ -296,9 +296,9 @@ TEST_F(Registry, StaysFilledUnderItsKeysWhenEmptied)
     registry.Add(key1, key2, c);
     EXPECT_EQ(registry.EmptyRegistry(), KARSuccess);
     EXPECT_EQ(registry.Count(), 0);
-    EXPECT_FALSE(hasKeys(a));
-    EXPECT_FALSE(hasKeys(c));
-    EXPECT_EQ(filedUnder(key1, key2), (std::vector{a, c}));
+    EXPECT_FALSE(HasKeys(a));
+    EXPECT_FALSE(HasKeys(c));
+    EXPECT_EQ(FiledUnder(key1, key2), (std::vector{a, c}));
 }
 
 TEST_F(Registry, CopiesAllThreeViews)
@@ -391,10 +391,10 @@ TEST_F(Registry, StaysFastWhenItIsLong)
 
     for (const Entity& entity : entities)
         ASSERT_EQ(registry.Add(key1, null, entity), KARSuccess);
-    EXPECT_EQ(filedUnder(key1, null).size(), entities.size());
+    EXPECT_EQ(FiledUnder(key1, null).size(), entities.size());
     registry.EmptyRegistry();
     EXPECT_EQ(registry.Count(), 0);
-    EXPECT_FALSE(hasKeys(entities.back()));
+    EXPECT_FALSE(HasKeys(entities.back()));
 }
 
 } // namespace

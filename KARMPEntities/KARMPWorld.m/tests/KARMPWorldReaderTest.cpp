@@ -278,8 +278,8 @@ TEST_F(WorldReader, TakesItsGlobalsFromTheDocument)
     world->GetGlobalBody(body);
     world->GetGlobalAxisSystem(axisSystem);
     world->GetGlobalTime(time);
-    EXPECT_EQ(identifierOf(*body), L"B");
-    EXPECT_EQ(identifierOf(*time), L"V");
+    EXPECT_EQ(IdentifierOf(*body), L"B");
+    EXPECT_EQ(IdentifierOf(*time), L"V");
     EXPECT_EQ(axisSystem, former);
     EXPECT_EQ(world->Count<KARMPGeometry>(), 0);
 }
@@ -299,7 +299,7 @@ TEST_F(WorldReader, ReportsAGlobalWithoutAnIdentifierAndReadsTheOthers)
     world->GetGlobalBody(body);
     world->GetGlobalTime(time);
     EXPECT_EQ(body, former);
-    EXPECT_EQ(identifierOf(*time), L"V");
+    EXPECT_EQ(IdentifierOf(*time), L"V");
 }
 
 TEST_F(WorldReader, ThrowsWhenAGlobalIsOfAnotherClass)

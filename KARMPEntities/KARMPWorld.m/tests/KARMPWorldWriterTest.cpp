@@ -90,11 +90,11 @@ TEST_F(WorldWriter, NamesTheGlobals)
     world->Serialize(&written);
     EXPECT_EQ(ChildrenOf(*written.Find(L"World/Globals")),
               (Identifiers{L"GlobalBody", L"GlobalAxisSystem", L"GlobalTime"}));
-    EXPECT_EQ(written.Text(L"World/Globals/GlobalBody/@id"), identifierOf(*body));
+    EXPECT_EQ(written.Text(L"World/Globals/GlobalBody/@id"), IdentifierOf(*body));
     EXPECT_EQ(written.Text(L"World/Globals/GlobalBody/@name"), L"GlobalBody");
     EXPECT_EQ(written.Text(L"World/Globals/GlobalAxisSystem/@name"), L"GlobalAxisSystem");
     EXPECT_EQ(written.Text(L"World/Globals/GlobalTime/@name"), L"GlobalTime");
-    EXPECT_EQ(written.Text(L"World/Bodies/Body/@id"), identifierOf(*body));
+    EXPECT_EQ(written.Text(L"World/Bodies/Body/@id"), IdentifierOf(*body));
 }
 
 TEST_F(WorldWriter, LeavesAGlobalThatIsNullWithoutAttributes)

@@ -141,7 +141,7 @@ protected:
     QOBSharedHandle<KARMPWorld> world = KARMPWorld::create(basicWorld);
 };
 
-inline std::wstring identifierOf(const KARMPEntity& entity)
+inline std::wstring IdentifierOf(const KARMPEntity& entity)
 {
     std::wstring identifier;
     entity.GetIdentifier(identifier);
@@ -156,7 +156,7 @@ std::vector<std::wstring> identifiersIn(const KARMPWorld& world)
     for (int i = 0; i < world.Count<T>(); ++i) {
         QOBSharedHandle<T> entity;
         EXPECT_EQ(world.Get(i, entity), KARSuccess);
-        identifiers.push_back(identifierOf(*entity));
+        identifiers.push_back(IdentifierOf(*entity));
     }
     return identifiers;
 }

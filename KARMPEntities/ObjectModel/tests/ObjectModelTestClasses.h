@@ -80,7 +80,7 @@ public:
     static inline int s_living = 0;
 };
 
-inline QOBSharedHandle<Item> makeItem(std::vector<const Item*>* orphaned = nullptr)
+inline QOBSharedHandle<Item> MakeItem(std::vector<const Item*>* orphaned = nullptr)
 {
     return QOBSharedHandle<Item>(new Item(orphaned));
 }

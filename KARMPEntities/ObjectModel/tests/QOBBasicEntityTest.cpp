@@ -95,7 +95,7 @@ TEST(Extension, WithoutAHostLivesByItsOwnReferences)
 
 TEST(BasicEntity, GivesBackTheNameItWasGiven)
 {
-    const auto item = makeItem();
+    const auto item = MakeItem();
     EXPECT_EQ(item->getEntityName(), L"");
     item->setEntityName(L"Crank");
     EXPECT_EQ(
@@ -107,8 +107,8 @@ TEST(BasicEntity, GivesBackTheNameItWasGiven)
 TEST(BasicEntity, FindsTheWorldAboveItWhateverTheDepth)
 {
     const auto world = QOBBasicWorld::create(L"world");
-    const auto outer = makeItem();
-    const auto inner = makeItem();
+    const auto outer = MakeItem();
+    const auto inner = MakeItem();
     EXPECT_EQ(outer->addLogicalChild(inner), KARSuccess);
     EXPECT_FALSE(inner->getWorld());
     EXPECT_EQ(world->addLogicalChild(outer), KARSuccess);
@@ -120,9 +120,9 @@ TEST(BasicEntity, FindsTheWorldAboveItWhateverTheDepth)
 TEST(BasicEntity, MovesAChildToItsNewParent)
 {
     const auto world = QOBBasicWorld::create(L"world");
-    const auto first = makeItem();
-    const auto second = makeItem();
-    const auto child = makeItem();
+    const auto first = MakeItem();
+    const auto second = MakeItem();
+    const auto child = MakeItem();
     world->addLogicalChild(first);
     first->addLogicalChild(child);
     EXPECT_EQ(second->addLogicalChild(child), KARSuccess);
@@ -139,9 +139,9 @@ TEST(BasicEntity, KeepsItsPlaceWhenThereIsNoMemoryForAnother)
     if (!AllocationCounter::Counts)
         GTEST_SKIP() << "allocations cannot fail in this build";
     const auto world = QOBBasicWorld::create(L"world");
-    const auto other = makeItem();
-    const auto child = makeItem();
-    const auto nested = makeItem();
+    const auto other = MakeItem();
+    const auto child = MakeItem();
+    const auto nested = MakeItem();
     world->addLogicalChild(child);
     child->addLogicalChild(nested);
     std::size_t failing = 0;
@@ -167,13 +167,13 @@ TEST(BasicEntity, KeepsItsPlaceWhenThereIsNoMemoryForAnother)
 TEST(BasicEntity, TellsAWholeBranchOfItsWorld)
 {
     const auto world = QOBBasicWorld::create(L"world");
-    const auto root = makeItem();
-    const auto beside = makeItem();
+    const auto root = MakeItem();
+    const auto beside = MakeItem();
     world->addLogicalChild(beside);
     // Branches of several depths, with children taken out in front, between and behind.
     std::vector<QOBSharedHandle<Item>> items{root};
     for (std::size_t i = 0; i < 60; ++i) {
-        items.push_back(makeItem());
+        items.push_back(MakeItem());
         items[i / 3]->addLogicalChild(items.back());
     }
     for (const std::size_t leaf : {60U, 59U, 58U, 55U, 44U, 43U, 42U})
@@ -186,15 +186,15 @@ TEST(BasicEntity, TellsAWholeBranchOfItsWorld)
     expectWorld(world);
     items[2]->addLogicalChild(items[30]);
     expectWorld(world);
-    makeItem()->addLogicalChild(root);
+    MakeItem()->addLogicalChild(root);
     expectWorld(nullptr);
     EXPECT_EQ(beside->getWorld(), world);
 }
 
 TEST(BasicEntity, RefusesNullItselfAndItsAncestorsAsChildren)
 {
-    const auto outer = makeItem();
-    const auto inner = makeItem();
+    const auto outer = MakeItem();
+    const auto inner = MakeItem();
     outer->addLogicalChild(inner);
     EXPECT_EQ(inner->addLogicalChild({}), KARFailure);
     EXPECT_EQ(inner->addLogicalChild(inner), KARFailure);
@@ -207,7 +207,7 @@ TEST(BasicEntity, LeavesItsPlaceWhenOrphaned)
     const auto world = QOBBasicWorld::create(L"world");
     std::vector<QOBSharedHandle<Item>> items;
     for (int i = 0; i < 100; ++i) {
-        items.push_back(makeItem());
+        items.push_back(MakeItem());
         world->addLogicalChild(items.back());
     }
     for (int i = 0; i < 100; i += 2)
@@ -227,9 +227,9 @@ TEST(BasicWorld, OrphansAllThatHangsUnderItWithItsLastReference)
     std::vector<const Item*> orphaned;
     {
         const auto world = QOBBasicWorld::create(L"world");
-        const auto first = makeItem(&orphaned);
-        const auto second = makeItem(&orphaned);
-        const auto nested = makeItem(&orphaned);
+        const auto first = MakeItem(&orphaned);
+        const auto second = MakeItem(&orphaned);
+        const auto nested = MakeItem(&orphaned);
         first->partner = second;
         second->partner = first;
         world->addLogicalChild(first);
@@ -288,7 +288,7 @@ TEST(BasicEntity, LetsItsChildrenGoFirstToLastWithoutOrphaningThem)
 {
     std::vector<int> orphaned;
     std::vector<int> gone;
-    auto parent = makeItem();
+    auto parent = MakeItem();
     for (int number = 0; number < 50; ++number)
         parent->addLogicalChild(QOBSharedHandle<Witness>(new Witness(orphaned, gone, number)));
     parent.detach();
@@ -320,12 +320,12 @@ TEST(BasicWorld, OrphansEntitiesThatOrphanOneAnother)
     std::vector<const Item*> orphaned;
     {
         const auto world = QOBBasicWorld::create(L"world");
-        const auto outer = makeItem(&orphaned);
+        const auto outer = MakeItem(&orphaned);
         world->addLogicalChild(outer);
         // Beside one that is taken along, before and behind it, and beside the one above it.
         for (const QOBSharedHandle<QOBBasicEntity>& above :
              {QOBSharedHandle<QOBBasicEntity>(world), QOBSharedHandle<QOBBasicEntity>(outer)}) {
-            const auto taken = makeItem(&orphaned);
+            const auto taken = MakeItem(&orphaned);
             const QOBSharedHandle<Leader> first(new Leader);
             const QOBSharedHandle<Leader> last(new Leader);
             first->follower = taken;
@@ -342,7 +342,7 @@ TEST(BasicWorld, OrphansEntitiesThatOrphanOneAnother)
 TEST(BasicWorld, OrphanedWhileReferredToStaysItsOwnWorld)
 {
     const auto world = QOBBasicWorld::create(L"world");
-    const auto item = makeItem();
+    const auto item = MakeItem();
     world->addLogicalChild(item);
     world->orphanObject();
     EXPECT_TRUE(world->isOrphaned());
@@ -359,7 +359,7 @@ TEST(BasicWorld, WithADeepHierarchyIsFreedWithoutOverflowingTheStack)
         const auto world = QOBBasicWorld::create(L"world");
         QOBSharedHandle<QOBBasicEntity> parent = world;
         for (int i = 0; i < 100'000; ++i) {
-            const auto item = makeItem();
+            const auto item = MakeItem();
             EXPECT_EQ(parent->addLogicalChild(item), KARSuccess);
             parent = item;
         }

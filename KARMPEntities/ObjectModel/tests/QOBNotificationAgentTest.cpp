@@ -28,7 +28,7 @@ Functor::Events Mask(std::size_t bit)
 
 TEST(NotificationAgent, TellsSubscribersOfTheEventsInTheirMask)
 {
-    const auto item = makeItem();
+    const auto item = MakeItem();
     const QOBSharedHandle<Listener> listener(new Listener);
     item->addSubscriber(Functor(*listener, &Listener::hear), Mask(9));
     item->postEvent(8);
@@ -57,7 +57,7 @@ TEST(NotificationAgent, TellsNobodyWhenItWasMadeToBeSilent)
 
 TEST(NotificationAgent, IgnoresEventNumbersOutsideTheSet)
 {
-    const auto item = makeItem();
+    const auto item = MakeItem();
     const QOBSharedHandle<Listener> listener(new Listener);
     item->addSubscriber(Functor(*listener, &Listener::hear), Functor::Events().set());
     item->postEvent(64);
@@ -69,7 +69,7 @@ TEST(NotificationAgent, IgnoresEventNumbersOutsideTheSet)
 
 TEST(NotificationAgent, TellsAFunctorOnceForEachSubscription)
 {
-    const auto item = makeItem();
+    const auto item = MakeItem();
     const QOBSharedHandle<Listener> listener(new Listener);
     const Functor functor(*listener, &Listener::hear);
     item->addSubscriber(functor, Mask(9));
@@ -88,7 +88,7 @@ TEST(NotificationAgent, TellsAFunctorOnceForEachSubscription)
 
 TEST(NotificationAgent, NeverCallsASubscriberThatDied)
 {
-    const auto item = makeItem();
+    const auto item = MakeItem();
     {
         const QOBSharedHandle<Listener> listener(new Listener);
         item->addSubscriber(Functor(*listener, &Listener::hear), Mask(9));
@@ -100,7 +100,7 @@ TEST(NotificationAgent, NeverCallsASubscriberThatDied)
 
 TEST(NotificationAgent, LetsHandlersSubscribeAndUnsubscribeMeanwhile)
 {
-    const auto item = makeItem();
+    const auto item = MakeItem();
     const QOBSharedHandle<Listener> owner(new Listener);
     int first = 0;
     int later = 0;
@@ -122,7 +122,7 @@ TEST(NotificationAgent, LetsHandlersSubscribeAndUnsubscribeMeanwhile)
 
 TEST(NotificationAgent, DoesNotCallASubscriberThatAnEarlierOneRemoved)
 {
-    const auto item = makeItem();
+    const auto item = MakeItem();
     const QOBSharedHandle<Listener> listener(new Listener);
     const Functor second(*listener, &Listener::hear);
     item->addSubscriber(
@@ -137,7 +137,7 @@ TEST(NotificationAgent, DoesNotCallASubscriberThatAnEarlierOneRemoved)
 TEST(NotificationAgent, OutlivesAHandlerThatReleasesIt)
 {
     const int before = Item::s_living;
-    auto item = makeItem();
+    auto item = MakeItem();
     const QOBSharedHandle<Listener> listener(new Listener);
     item->addSubscriber(
         Functor(*listener, [&item](Functor::Sender, Functor::Events) { item.detach(); }), Mask(9));
@@ -148,7 +148,7 @@ TEST(NotificationAgent, OutlivesAHandlerThatReleasesIt)
 
 TEST(NotificationAgent, ForgetsARemovedSubscriberAlsoAfterAHandlerThrew)
 {
-    const auto item = makeItem();
+    const auto item = MakeItem();
     const QOBSharedHandle<Listener> listener(new Listener);
     auto content = std::make_shared<int>(0);
     const std::weak_ptr<int> held = content;
@@ -162,7 +162,7 @@ TEST(NotificationAgent, ForgetsARemovedSubscriberAlsoAfterAHandlerThrew)
 
 TEST(NotificationAgent, DropsItsSubscribersWhenOrphaned)
 {
-    const auto item = makeItem();
+    const auto item = MakeItem();
     const QOBSharedHandle<Listener> listener(new Listener);
     item->addSubscriber(Functor(*listener, &Listener::hear), Mask(9));
     item->orphanObject();
