@@ -60,7 +60,7 @@ KARMP_API void KARMPBuildFailureText(const char* message, const char* file, int 
 /// that checks on behalf of its caller passes the caller's location on.
 inline bool KARMPVerify(bool holds, KARMPSourceLocation where = KARMPSourceLocation::current())
 {
-    if (!holds) [[unlikely]]
+    if (!holds)
         KARMPReportFailedCheck("", where.file, where.line);
     return holds;
 }

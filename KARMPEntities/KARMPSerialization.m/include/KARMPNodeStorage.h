@@ -52,7 +52,7 @@ public:
 
     NodeText(const NodeText& other) : m_bits(other.m_bits)
     {
-        if (other.IsOwned()) [[unlikely]]
+        if (other.IsOwned())
             m_bits = Copy(other.View()).Release();
     }
     NodeText(NodeText&& other) noexcept : m_bits(other.Release()) {}

@@ -17,6 +17,9 @@ using Entities = std::vector<QOBSharedHandle<KARMPEntity>>;
 class Items : public KARMPTestFixture
 {
 protected:
+    // An entity and what it aggregates hold each other.
+    ~Items() override { point->orphanObject(); }
+
     const ItemInfo& Row(std::wstring_view path)
     {
         static const ItemInfo none;

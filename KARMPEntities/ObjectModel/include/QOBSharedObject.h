@@ -158,7 +158,7 @@ private:
 inline unsigned int QOBCountedObject::addReference() const noexcept
 {
     const std::uint32_t before = m_count.fetch_add(1, std::memory_order_relaxed);
-    if (before == HostedBit) [[unlikely]]
+    if (before == HostedBit)
         firstReferenceOfHosted();
     return (before + 1) & CountMask;
 }
@@ -166,7 +166,7 @@ inline unsigned int QOBCountedObject::addReference() const noexcept
 inline unsigned int QOBCountedObject::removeReference() const noexcept
 {
     const std::uint32_t after = m_count.fetch_sub(1, std::memory_order_acq_rel) - 1;
-    if ((after & CountMask) == 0) [[unlikely]]
+    if ((after & CountMask) == 0)
         lastReferenceGone(after);
     return after & CountMask;
 }

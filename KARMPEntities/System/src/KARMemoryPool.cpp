@@ -54,7 +54,7 @@ std::size_t MemoryPool::GroupOfThread()
 {
     static std::atomic<std::size_t> threads{0};
     thread_local std::size_t number = 0; // from 1
-    if (number == 0) [[unlikely]]
+    if (number == 0)
         number = threads.fetch_add(1, std::memory_order_relaxed) + 1;
     return (number - 1) % GroupCount;
 }
