@@ -14,6 +14,11 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_L
         karmp_settings INTERFACE -Wno-restrict -Wno-stringop-overflow -Wno-array-bounds
     )
 endif()
+# Calls of exported functions within their library are direct and may be inlined: nobody replaces
+# single functions of these libraries by others of the same name.
+target_compile_options(
+    karmp_settings INTERFACE $<$<CXX_COMPILER_ID:GNU>:-fno-semantic-interposition>
+)
 if(KARMP_SANITIZE)
     target_compile_options(
         karmp_settings INTERFACE -fsanitize=${KARMP_SANITIZE} -fno-sanitize-recover=all
