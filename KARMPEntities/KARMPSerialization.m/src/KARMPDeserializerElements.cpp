@@ -39,17 +39,9 @@ bool KARMPDeserializer::HasElement(std::wstring_view name) const
     Need(ContentPart);
     if (!m_content)
         return false;
-    // The child is usually read next, so its index stays the likely one.
-    if (const ElementGroups* const groups = m_content->groups.get()) {
-        const ElementGroup* const group = groups->Find(name);
-        if (group != nullptr)
-            --groups->likely;
-        return group != nullptr;
-    }
-    const NodeChild* const child = m_content->Find(name);
-    if (child != nullptr)
-        --m_content->likely;
-    return child != nullptr;
+    if (const ElementGroups* const groups = m_content->groups.get())
+        return groups->Find(name) != nullptr;
+    return m_content->Find(name) != nullptr;
 }
 
 KARStatus KARMPDeserializer::GetElement(std::wstring_view name,

@@ -22,7 +22,6 @@ constexpr std::size_t LongestScan = 16;
 /// Cost of              up to LongestScan names   more names
 /// append               constant                  amortised constant, one entry of the hash table
 /// find                 one comparison each       constant
-/// find the next one    one comparison            one comparison
 /// memory               none                      about 60 bytes for each name
 struct NameIndex : ArenaObject
 {
@@ -69,20 +68,6 @@ const T* FindNamed(const NodeArray<T>& list, const NameIndex* index, std::wstrin
         if (SameName(NameOf(element), name))
             return &element;
     return nullptr;
-}
-
-/// The same where elements are usually asked for in their order: `likely` is the index after the
-/// one found last.
-template <class T>
-const T* FindNext(const NodeArray<T>& list, const NameIndex* index, std::uint32_t& likely,
-                  std::wstring_view name)
-{
-    if (likely < list.size() && SameName(NameOf(list[likely]), name))
-        return &list[likely++];
-    const T* const found = FindNamed(list, index, name);
-    if (found != nullptr)
-        likely = static_cast<std::uint32_t>(found - list.begin() + 1);
-    return found;
 }
 
 /// Adds the name of the element that is appended to `list` next to the index, once the list is

@@ -35,8 +35,6 @@ KARMPDeserializer* ElementGroup::Next(std::size_t additions) const
 void ElementGroups::Append(std::wstring_view name, KARMPDeserializer* child, NodeMemory* memory)
 {
     if (const ElementGroup* const found = Find(name)) {
-        // The next child usually has the same name or a new one.
-        likely = static_cast<std::uint32_t>(found - list.begin());
         KARMPDeserializer::ElementList* wanted = nullptr;
         if (lists) {
             const auto asked = lists->byName.find(name);
@@ -46,7 +44,7 @@ void ElementGroups::Append(std::wstring_view name, KARMPDeserializer* child, Nod
         KARMPDeserializer::ElementList added;
         if (wanted != nullptr)
             added.push_back(child);
-        list[likely].Append(child, memory);
+        list[static_cast<std::size_t>(found - list.begin())].Append(child, memory);
         if (wanted != nullptr)
             wanted->splice(wanted->end(), added);
         return;

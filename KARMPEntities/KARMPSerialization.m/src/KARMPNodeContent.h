@@ -67,13 +67,12 @@ struct ElementGroups : ArenaObject
 {
     const ElementGroup* Find(std::wstring_view name) const
     {
-        return FindNext(list, index.get(), likely, name);
+        return FindNamed(list, index.get(), name);
     }
     void Append(std::wstring_view name, KARMPDeserializer* child, NodeMemory* memory);
     /// The list of the children of one name, which follows later additions.
     const KARMPDeserializer::ElementList& ListOf(const ElementGroup& group, NodeMemory* memory);
 
-    mutable std::uint32_t likely = 0;
     NodeArray<ElementGroup> list;
     OwnedIndex index;
     OwningPointer<ElementLists> lists;
@@ -95,7 +94,7 @@ public:
     void Append(ReadAttribute&& attribute, NodeMemory* memory);
     const NodeChild* Find(std::wstring_view name) const
     {
-        return FindNext(children, nullptr, likely, name);
+        return FindNamed(children, nullptr, name);
     }
     /// The same for a child. When an allocation fails, nothing was added and the child is still the
     /// caller's.
@@ -104,7 +103,6 @@ public:
     /// The children of one name, empty when there is none.
     KARMPDeserializer::ElementSpan Named(std::wstring_view name) const;
 
-    mutable std::uint32_t likely = 0;
     NodeArray<ReadAttribute> attributes;
     OwnedIndex attributeIndex;
     NodeArray<NodeChild> children;
