@@ -47,7 +47,7 @@ private:
     void ReadScalar(const Item& item, ElementReader& element, Field& field);
     void ReadText(const Item& item, ElementReader& element);
     void ReadNumbers(const Item& item, ElementReader& element);
-    bool ReadDoubles(std::span<const std::wstring_view> names, double* values,
+    void ReadDoubles(std::span<const std::wstring_view> names, double* values,
                      ElementReader& element, Absent absent, KARMPSourceLocation where);
     void ReadGroup(const Item& item, std::span<const Item> inner, ElementReader& element);
     void ReadTransformation(const Item& item, ElementReader& element);
@@ -183,13 +183,11 @@ bool ContentReader::TakeWord(const Item& item, ElementReader& element)
     return true;
 }
 
-bool ContentReader::ReadDoubles(std::span<const std::wstring_view> names, double* values,
+void ContentReader::ReadDoubles(std::span<const std::wstring_view> names, double* values,
                                 ElementReader& element, Absent absent, KARMPSourceLocation where)
 {
-    bool complete = true;
     for (std::size_t i = 0; i < names.size(); ++i)
-        complete = element.Value(names[i], values[i], absent, where) && complete;
-    return complete;
+        element.Value(names[i], values[i], absent, where);
 }
 
 void ContentReader::ReadNumbers(const Item& item, ElementReader& element)
