@@ -37,9 +37,9 @@ struct karmp::ContentOf<KARMPConstraint>
         References<&C::GetLinkedSensorCount, &C::GetLinkedSensor, &C::LinkToSensor>(
             L"Sensors", L"Sensor", "The sensors that watch it."),
         // Each record writes and reads itself, so that a subclass of it can do so in its own way.
-        Records<&C::m_parameters>(L"ConstraintParameters", L"ConstraintParameter",
-                                  &KARMPConstraintParameter::RecordContent,
-                                  "What a solver keeps with it.")
+        DescribedRecords<&C::m_parameters>(L"ConstraintParameters", L"ConstraintParameter",
+                                           &KARMPConstraintParameter::RecordContent,
+                                           "What a solver keeps with it.")
             .When<&HasInitializedParameter>()
             .Owned());
 };

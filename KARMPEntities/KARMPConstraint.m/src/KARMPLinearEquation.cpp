@@ -54,8 +54,8 @@ struct karmp::ContentOf<KARMPLinearEquation>
                                                                   "The constant term.")
                     .Required()
                     .Coded(),
-                Records<&C::m_terms>(TermsName, TermName, &RecordContent<TermContent>,
-                                     "The coefficients, in order.")
+                DescribedRecords<&C::m_terms>(TermsName, TermName, &RecordContent<TermContent>,
+                                              "The coefficients, in order.")
                     .Required()
                     .AnyName());
 };

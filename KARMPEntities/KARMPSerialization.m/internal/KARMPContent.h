@@ -115,10 +115,16 @@ struct ItemList
     {
         return With([](Item& item) { item.alwaysNamed = true; });
     }
-    /// A failure among the items of a group counts in the status of the whole.
+    /// A failure among the items of a group, or of records, counts in the status of the whole.
     constexpr ItemList Counting() const
     {
         return With([](Item& item) { item.countsWithin = true; });
+    }
+    /// A list of records has an attribute with their number. It is written only: reading counts the
+    /// elements.
+    constexpr ItemList CountedBy(std::wstring_view attribute) const
+    {
+        return With([attribute](Item& item) { item.countName = attribute; });
     }
     /// A failure of the item never counts.
     constexpr ItemList Uncounted() const
@@ -350,47 +356,6 @@ constexpr ItemList<1> OptionalNumber(std::wstring_view name,
     return list;
 }
 
-/// Count and entries of a member that is a sequence of records, or of pointers to records.
-template <auto Sequence>
-struct ListedRecords
-{
-    using C = typename TraitsOf<Sequence>::Class;
-    static int Count(const void* owner)
-    {
-        return static_cast<int>((OwnerAs<C>(owner).*Sequence).size());
-    }
-    static KARStatus Fetch(const void* owner, int index, ItemValue& value)
-    {
-        const auto& entry = (OwnerAs<C>(owner).*Sequence)[static_cast<std::size_t>(index)];
-        if constexpr (std::is_pointer_v<std::remove_cvref_t<decltype(entry)>>)
-            value.record = entry;
-        else
-            value.record = &entry;
-        return value.record != nullptr ? KARSuccess : KARFailure;
-    }
-};
-/// An element with an element for each record, which holds the record's content. Node walkers leave
-/// it to the class's code, which makes the records.
-template <auto Sequence>
-constexpr ItemList<1> Records(std::wstring_view name, std::wstring_view entry,
-                              const Content& (*record)(), std::string_view says,
-                              Where where = Where::current())
-{
-    ItemList<1> list{};
-    Item& item = list.First();
-    item.name = name;
-    item.entry = entry;
-    item.record = record;
-    item.says = says;
-    item.kind = ItemKind::Records;
-    item.presence = ItemPresence::Optional;
-    item.isCoded = true;
-    item.count = &ListedRecords<Sequence>::Count;
-    item.at = &ListedRecords<Sequence>::Fetch;
-    item.where = where;
-    return list;
-}
-
 /// The item as an attribute of the element instead of an element of its own.
 constexpr ItemList<1> Attribute(ItemList<1> item)
 {
@@ -434,17 +399,6 @@ constexpr ItemList<1> DescribedWord(std::wstring_view name, std::string_view say
 {
     auto list = Described(ItemKind::Word, name, says, where);
     list.First().words = EnumTexts<Enum>::Rows;
-    return list;
-}
-/// The same for a list of groups; `inner` is what each entry holds.
-template <std::size_t... N>
-constexpr auto DescribedRecords(std::wstring_view name, std::wstring_view entry,
-                                std::string_view says, const ItemList<N>&... inner)
-{
-    auto list = Group(name, says, inner...);
-    list.First().kind = ItemKind::Records;
-    list.First().entry = entry;
-    list.First().isCoded = true;
     return list;
 }
 

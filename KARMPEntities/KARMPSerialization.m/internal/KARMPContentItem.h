@@ -12,6 +12,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -49,6 +50,8 @@ struct ItemValue
     const QOBSharedHandle<KARMPEntity>* target = nullptr;
     /// A record of a list: the owner of the record's items.
     const void* record = nullptr;
+    /// A record of the item's own class that fetching may fill, where the list keeps none.
+    void* made = nullptr;
 };
 
 /// One item. `owner` is the entity as a KARMPEntity, or the record as its own class. Items of a
@@ -95,7 +98,8 @@ struct Item
     /// Fetches the value. A failure means that there is none; for values that must be there the
     /// writer reports it.
     KARStatus (*get)(const void* owner, ItemValue& value) = nullptr;
-    /// Stores the value; for a reference, links the target; for a group, told that it was found.
+    /// Stores the value; for a reference, links the target; for a group, told that it was found;
+    /// for records, adds one.
     KARStatus (*set)(void* owner, const ItemValue& value) = nullptr;
 
     /// The words of a Word, row by row; the names of Numbers; flag and number of OptionalNumber.
@@ -128,7 +132,11 @@ struct Item
     const QOBClassInfo& (*target)() = nullptr;
     /// The item of the target that refers back.
     std::wstring_view otherSide;
-    /// The content of each record.
+    /// Makes a record that is empty.
+    std::shared_ptr<void> (*makeRecord)() = nullptr;
+    /// The attribute of a list of records that tells how many there are; empty without one.
+    std::wstring_view countName;
+    /// The content of each record that is described only; other records have the inner items.
     const Content& (*record)() = nullptr;
 
     /// True when documents of a version have the item.

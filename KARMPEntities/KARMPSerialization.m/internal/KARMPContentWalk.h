@@ -4,6 +4,7 @@
 
 #include "KARMPContent.h"
 #include "KARMPContentLinks.h"
+#include "KARMPContentRecords.h"
 
 #include <string_view>
 

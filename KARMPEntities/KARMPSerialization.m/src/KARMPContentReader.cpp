@@ -56,6 +56,7 @@ private:
     void ReadValueReference(const Item& item, ElementReader& element);
     void ReadReferences(const Item& item, std::span<const Item> inner, ElementReader& element);
     bool ReadAttributes(std::span<const Item> attributes, ElementReader& entry);
+    void ReadRecords(const Item& item, std::span<const Item> inner, ElementReader& element);
 
     void* m_owner;
     std::wstring_view m_version;
@@ -112,6 +113,7 @@ void ContentReader::ReadItem(const Item& item, std::span<const Item> inner, Elem
     case ItemKind::References:
         return ReadReferences(item, inner, element);
     case ItemKind::Records:
+        return ReadRecords(item, inner, element);
     case ItemKind::Stream:
         return;
     }
@@ -305,6 +307,23 @@ bool ContentReader::ReadAttributes(std::span<const Item> attributes, ElementRead
     return std::all_of(attributes.begin(), attributes.end(), [&](const Item& attribute) {
         return !Applies(attribute) || TakeWord(attribute, entry);
     });
+}
+
+void ContentReader::ReadRecords(const Item& item, std::span<const Item> inner,
+                                ElementReader& element)
+{
+    ElementReader list = element.Child(item.name, AbsentOf(item.presence), item.where);
+    list.Each(item.entry, [&](ElementReader entry) {
+        const auto made = item.makeRecord();
+        ContentReader(made.get(), m_version, m_entities, m_statuses).Read(inner, entry, false);
+        m_value.record = made.get();
+        if (!KARFailed(entry.Status()))
+            Store(item, list);
+        else
+            list.Fail();
+    });
+    if (list && item.countsWithin && KARFailed(list.Status()))
+        element.Fail();
 }
 
 } // namespace

@@ -36,6 +36,7 @@ private:
     void WriteReferences(const Item& item, std::span<const Item> inner, ElementWriter& element);
     void WriteEntry(const Item& item, std::span<const Item> attributes, int index,
                     ElementWriter& list);
+    void WriteRecords(const Item& item, std::span<const Item> inner, ElementWriter& element);
 
     const void* m_owner;
     std::wstring_view m_version;
@@ -84,6 +85,7 @@ void ContentWriter::WriteItem(const Item& item, std::span<const Item> inner, Ele
     case ItemKind::References:
         return WriteReferences(item, inner, element);
     case ItemKind::Records:
+        return WriteRecords(item, inner, element);
     case ItemKind::Stream:
         return;
     default:
@@ -208,6 +210,30 @@ void ContentWriter::WriteEntry(const Item& item, std::span<const Item> attribute
     for (const Item& attribute : attributes)
         if (Applies(attribute))
             WriteValue(attribute, entry);
+}
+
+void ContentWriter::WriteRecords(const Item& item, std::span<const Item> inner,
+                                 ElementWriter& element)
+{
+    ElementWriter list = element.Child(item.name, item.where);
+    if (!list)
+        return;
+    const int count = item.count(m_owner);
+    if (!item.countName.empty())
+        list.Attribute(item.countName, count, item.where);
+    const auto made = item.makeRecord();
+    for (int index = 0; index < count; ++index) {
+        m_value.made = made.get();
+        if (!list.Base(item.at(m_owner, index, m_value), item.where))
+            continue;
+        if (ElementWriter entry = list.Child(item.entry, item.where)) {
+            ContentWriter(m_value.record, m_version).Write(inner, entry, false);
+            if (KARFailed(entry.Status()))
+                list.Fail();
+        }
+    }
+    if (item.countsWithin && KARFailed(list.Status()))
+        element.Fail();
 }
 
 } // namespace

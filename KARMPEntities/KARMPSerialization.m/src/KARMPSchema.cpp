@@ -263,6 +263,11 @@ void SchemaMaker::AddItem(const Item& item, std::span<const Item> inner, SchemaI
             AddContent(item.record(), entry);
         AddItems(inner, entry);
         made.elements.push_back(std::move(entry));
+        if (!item.countName.empty()) {
+            made.attributes.push_back(
+                Named(item.countName, ItemKind::Integer, "How many entries there are."));
+            MakeWrittenOnly(made.attributes.back());
+        }
         break;
     }
     case ItemKind::Group:

@@ -12,6 +12,14 @@
 #include <string>
 #include <vector>
 
+/// A record of such an entity.
+struct ContentTestRecord
+{
+    double number = 0.0;
+    KARMathVector vector;
+    QOBSharedHandle<TestEntity> target;
+};
+
 /// An entity with a member for each kind of item, which notes the calls of its setters.
 class ContentTestEntity : public KARMPEntity
 {
@@ -66,6 +74,22 @@ public:
         return KARFailed(setterStatus) ? setterStatus : constant.Set(target);
     }
 
+    int CountRecords() const { return static_cast<int>(records.size()); }
+    /// Fails for the first record when the getters fail.
+    KARStatus GetRecord(int index, ContentTestRecord& record) const
+    {
+        if (index == 0 && KARFailed(getterStatus))
+            return getterStatus;
+        record = records[static_cast<std::size_t>(index)];
+        return KARSuccess;
+    }
+    KARStatus AddRecord(const ContentTestRecord& record)
+    {
+        if (!KARFailed(setterStatus))
+            records.push_back(record);
+        return setterStatus;
+    }
+
     double number = 0.0;
     double second = 0.0;
     int integer = 0;
@@ -82,6 +106,7 @@ public:
     KARMPLink<TestEntity> link;
     KARMPLinkList<TestEntity> list;
     KARMPLink<KARMPConstant> constant;
+    std::vector<ContentTestRecord> records;
     bool isWanted = true;
     KARStatus getterStatus = KARSuccess;
     KARStatus setterStatus = KARSuccess;
