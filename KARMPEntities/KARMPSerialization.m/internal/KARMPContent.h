@@ -315,6 +315,16 @@ constexpr ItemList<1> Transformation(std::wstring_view name, std::string_view sa
     return list;
 }
 
+/// Bytes, a std::vector of unsigned chars, as base-64 text: in an element with their number as
+/// "length", or in an attribute. A text that is no base-64, or has no bytes, is a failed check that
+/// counts where the item is required.
+template <auto Access>
+constexpr ItemList<1> Stream(std::wstring_view name, std::string_view says,
+                             Where where = Where::current())
+{
+    return MakeItem<Access>(name, says, ItemKind::Stream, where);
+}
+
 /// Fetch and store of a number that may be there.
 template <auto Value, auto HasValue>
 struct OptionalNumberAccess

@@ -232,6 +232,14 @@ struct ItemConversion<KARUnicodeString>
     }
 };
 
+template <>
+struct ItemConversion<std::vector<unsigned char>>
+{
+    using Bytes = std::vector<unsigned char>;
+    static void Put(Bytes from, ItemValue& to) { to.bytes = std::move(from); }
+    static const Bytes& Take(const ItemValue& from) { return from.bytes; }
+};
+
 /// A point or a vector. Directions follow a rule of their own; see KARMPDirectionItem.h.
 template <class T>
 requires requires(T& triple)

@@ -16,6 +16,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 class KARMPEntity;
 class QOBClassInfo;
@@ -44,6 +45,8 @@ struct ItemValue
     /// A text; it may refer to `buffer`.
     std::wstring_view text;
     std::wstring buffer;
+    /// The bytes of a stream.
+    std::vector<unsigned char> bytes;
     /// The target of a reference that is written.
     QOBSharedBase entity;
     /// The target of a reference that is read, not null.

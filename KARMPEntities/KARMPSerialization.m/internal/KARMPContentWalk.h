@@ -110,9 +110,7 @@ consteval bool IsWhole(const ItemList<N>& list)
 {
     for (std::size_t i = 0; i < list.items.size(); ++i) {
         const Item& item = list.items[i];
-        const bool isValue = item.kind != ItemKind::Group && item.kind != ItemKind::Records &&
-                             item.kind != ItemKind::Stream;
-        if (isValue && item.isRead && !item.isCoded && !item.hasSetter)
+        if (item.kind != ItemKind::Group && item.isRead && !item.isCoded && !item.hasSetter)
             return false;
         if (item.kind == ItemKind::References)
             i += item.inner;

@@ -2,6 +2,7 @@
 #include "KARMPContentWalk.h"
 #include "KARMPElementReader.h"
 #include "KARMPSerializationServices.h"
+#include "KARMPStreamElement.h"
 #include "KARMPValue.h"
 
 #include <algorithm>
@@ -52,6 +53,7 @@ private:
     void ReadGroup(const Item& item, std::span<const Item> inner, ElementReader& element);
     void ReadTransformation(const Item& item, ElementReader& element);
     void ReadOptionalNumber(const Item& item, ElementReader& element);
+    bool TakeBytes(const Item& item, ElementReader& element);
     void ReadReference(const Item& item, ElementReader& element);
     void ReadValueReference(const Item& item, ElementReader& element);
     void ReadReferences(const Item& item, std::span<const Item> inner, ElementReader& element);
@@ -115,6 +117,8 @@ void ContentReader::ReadItem(const Item& item, std::span<const Item> inner, Elem
     case ItemKind::Records:
         return ReadRecords(item, inner, element);
     case ItemKind::Stream:
+        if (TakeBytes(item, element))
+            Store(item, element);
         return;
     }
 }
@@ -257,6 +261,20 @@ void ContentReader::ReadGroup(const Item& item, std::span<const Item> inner, Ele
     Read(inner, child, false);
     if (item.countsWithin && KARFailed(child.Status()))
         element.Fail();
+}
+
+bool ContentReader::TakeBytes(const Item& item, ElementReader& element)
+{
+    if (item.place != ItemPlace::Attribute)
+        return ReadStream(element, item.name, m_value.bytes, AbsentOf(item.presence), item.where);
+    karmp::ReadText text;
+    if (!Take(item, element, text))
+        return false;
+    if (StreamFromText(text.View(), m_value.bytes, item.where))
+        return true;
+    if (item.presence == ItemPresence::Required)
+        element.Fail();
+    return false;
 }
 
 void ContentReader::ReadReference(const Item& item, ElementReader& element)

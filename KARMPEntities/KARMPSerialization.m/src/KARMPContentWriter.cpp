@@ -2,6 +2,7 @@
 #include "KARMPContentWalk.h"
 #include "KARMPElementWriter.h"
 #include "KARMPSerializationServices.h"
+#include "KARMPStreamElement.h"
 #include "KARMPValue.h"
 
 #include <span>
@@ -31,6 +32,7 @@ private:
     void WriteGroup(const Item& item, std::span<const Item> inner, ElementWriter& element);
     void WriteTransformation(const Item& item, ElementWriter& element);
     void WriteOptionalNumber(const Item& item, ElementWriter& element);
+    void WriteBytes(const Item& item, ElementWriter& element);
     void WriteReference(const Item& item, ElementWriter& element);
     void WriteValueReference(const Item& item, ElementWriter& element);
     void WriteReferences(const Item& item, std::span<const Item> inner, ElementWriter& element);
@@ -86,8 +88,6 @@ void ContentWriter::WriteItem(const Item& item, std::span<const Item> inner, Ele
         return WriteReferences(item, inner, element);
     case ItemKind::Records:
         return WriteRecords(item, inner, element);
-    case ItemKind::Stream:
-        return;
     default:
         if (element.Base(item.get(m_owner, m_value), item.where))
             WriteValue(item, element);
@@ -118,6 +118,8 @@ void ContentWriter::WriteValue(const Item& item, ElementWriter& element)
         return WriteTransformation(item, element);
     case ItemKind::OptionalNumber:
         return WriteOptionalNumber(item, element);
+    case ItemKind::Stream:
+        return WriteBytes(item, element);
     default:
         return;
     }
@@ -159,6 +161,17 @@ void ContentWriter::WriteOptionalNumber(const Item& item, ElementWriter& element
     child.Value(item.words[0], m_value.number != 0, item.where);
     if (m_value.number != 0)
         child.Value(item.words[1], m_value.numbers[0], item.where);
+}
+
+void ContentWriter::WriteBytes(const Item& item, ElementWriter& element)
+{
+    std::wstring text;
+    if (item.place != ItemPlace::Attribute)
+        WriteStream(element, item.name, m_value.bytes, item.where);
+    else if (StreamText(m_value.bytes, text, item.where))
+        element.Attribute(item.name, text, item.where);
+    else
+        element.Fail();
 }
 
 void ContentWriter::WriteReference(const Item& item, ElementWriter& element)

@@ -221,7 +221,8 @@ void SchemaMaker::AddItem(const Item& item, std::span<const Item> inner, SchemaI
         break;
     case ItemKind::Stream:
         made.kind = ItemKind::Text;
-        made.attributes.push_back(Named(L"length", ItemKind::Integer, "How many bytes it is."));
+        if (item.place == ItemPlace::Element)
+            made.attributes.push_back(Named(L"length", ItemKind::Integer, "How many bytes it is."));
         break;
     case ItemKind::Numbers:
         if (item.place == ItemPlace::Inline) {

@@ -89,6 +89,16 @@ public:
             records.push_back(record);
         return setterStatus;
     }
+    KARStatus SetBytes(const std::vector<unsigned char>& value)
+    {
+        bytes = value;
+        return setterStatus;
+    }
+    KARStatus GetBytes(std::vector<unsigned char>& value) const
+    {
+        value = bytes;
+        return getterStatus;
+    }
 
     double number = 0.0;
     double second = 0.0;
@@ -107,6 +117,7 @@ public:
     KARMPLinkList<TestEntity> list;
     KARMPLink<KARMPConstant> constant;
     std::vector<ContentTestRecord> records;
+    std::vector<unsigned char> bytes;
     bool isWanted = true;
     KARStatus getterStatus = KARSuccess;
     KARStatus setterStatus = KARSuccess;
@@ -122,6 +133,18 @@ template <std::size_t... N>
 constexpr auto Counting(const karmp::ItemList<N>&... items)
 {
     return karmp::Element(L"E", "An element.", karmp::CountingFrame, items...);
+}
+
+/// The content of a list of namespace scope, to register under the name of a class.
+template <const auto& List>
+const karmp::Content& ContentFrom()
+{
+    static const karmp::Content content = [] {
+        karmp::Content made = List.content;
+        made.items = List.list.items;
+        return made;
+    }();
+    return content;
 }
 
 /// Writes lists for `entity` into `root` and reads them from `tree`.

@@ -142,16 +142,7 @@ constexpr auto RegisteredList = Counting(
                                         Number<&R::number>(L"Number", "A number of the record."),
                                         RecordVector, RecordTarget)
         .CountedBy(L"number"));
-const Content& RegisteredContent()
-{
-    static const Content content = [] {
-        Content made = RegisteredList.content;
-        made.items = RegisteredList.list.items;
-        return made;
-    }();
-    return content;
-}
-const ContentRegistration Registration("TestRecords", &RegisteredContent);
+const ContentRegistration Registration("TestRecords", &ContentFrom<RegisteredList>);
 
 TEST_F(ContentWalk, DescribesRecordsInTheSchema)
 {

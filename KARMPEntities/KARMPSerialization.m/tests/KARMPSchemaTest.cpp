@@ -1,8 +1,6 @@
 #include "KARMPSchema.h"
 
-#include "KARMPContentWalk.h"
-#include "KARMPFrames.h"
-#include "KARMPTestFixture.h"
+#include "ContentTesting.h"
 
 #include <algorithm>
 #include <thread>
@@ -43,16 +41,6 @@ constexpr auto SampleList = karmp::Element(
     karmp::Group(L"Row", "The second of two elements.",
                  karmp::Number<&Sample::other>(L"Second", ".")));
 
-template <const auto& List>
-const karmp::Content& ContentFrom()
-{
-    static const karmp::Content content = [] {
-        karmp::Content made = List.content;
-        made.items = List.list.items;
-        return made;
-    }();
-    return content;
-}
 const karmp::ContentRegistration SampleContent("TestSample", &ContentFrom<SampleList>);
 
 constexpr auto RenamedList =
