@@ -1,6 +1,7 @@
 // What constraints tell of their content to those who reach it without a tree.
 #include "ConstraintTesting.h"
 #include "KARMPContentWalk.h"
+#include "KARMPItems.h"
 #include "KARMPLinearEquation.h"
 #include "KARMPPlainConstraints.h"
 #include "KARMPRevoluteConstraint.h"
@@ -117,6 +118,18 @@ TEST_F(ConstraintContent, TermsOfALinearEquationAreRecordsOfTheirCoefficients)
     EXPECT_EQ(NumberOf(terms.record(), L"LinearTermValue", value.record), 2.5);
     // The place in the list is all there is of an index.
     EXPECT_EQ(ItemOf(terms.record(), L"LinearTermIndex").get(value.record, value), KARFailure);
+}
+
+TEST_F(ConstraintContent, TermsOfALinearEquationAreInTheTableOfItems)
+{
+    const auto equation = KARMPLinearEquation::create(L"e");
+    equation->AddLinearTerm(1.5);
+    equation->AddLinearTerm(2.5);
+    const karmp::ItemInfo& terms = karmp::ItemsOf("KARMPLinearEquation").back();
+    const std::vector<std::vector<karmp::ItemData>> expected{{{}, 1.5}, {{}, 2.5}};
+    EXPECT_EQ(terms.GetRecords(*equation), expected);
+    // The class's own code reads them.
+    EXPECT_EQ(terms.AddRecord(*equation, expected[0]), KARFailure);
 }
 
 TEST_F(ConstraintContent, ConstantOfALinearEquationIsThereOnceItWasSet)

@@ -20,10 +20,11 @@ struct Item;
 
 /// The value of an item. None: nothing is there. Words and codes are texts, words of a bool are
 /// bools, Numbers are as many doubles as the item has names, a Transformation is twelve doubles:
-/// translation, then the matrix by columns.
+/// translation, then the matrix by columns; streams are bytes.
 using ItemData =
     std::variant<std::monostate, bool, int, double, std::wstring, std::vector<double>,
-                 QOBSharedHandle<KARMPEntity>, std::vector<QOBSharedHandle<KARMPEntity>>>;
+                 QOBSharedHandle<KARMPEntity>, std::vector<QOBSharedHandle<KARMPEntity>>,
+                 std::vector<unsigned char>>;
 
 /// One item of a class. All texts live as long as the library.
 struct ItemInfo
@@ -48,6 +49,8 @@ struct ItemInfo
     bool isOwned = false;
     /// The words are those of a bool.
     bool isFlag = false;
+    /// The items of each record of Records.
+    std::vector<ItemInfo> fields;
     /// Why the item cannot be set; empty when it can.
     std::string_view readOnly;
 
@@ -60,11 +63,21 @@ struct ItemInfo
     /// unknown word, a target of another class, none, an entry of the list that is left out, and an
     /// item that cannot be set.
     KARMP_API KARStatus Set(KARMPEntity& entity, const ItemData& value) const;
+    /// The records of an entity that can be had, in order: of each the values of its fields.
+    KARMP_API std::vector<std::vector<ItemData>> GetRecords(const KARMPEntity& entity) const;
+    /// Adds a record with a value for each field; none leaves the field as in a new record. Returns
+    /// what the class's operation returns, and a failure without a change for a value that its
+    /// field refuses, and for records that the class's own code reads.
+    KARMP_API KARStatus AddRecord(KARMPEntity& entity, std::span<const ItemData> values) const;
 
     /// What the item is fetched and stored by; the two differ where one is written and another one
     /// read.
     const Item* written = nullptr;
     const Item* read = nullptr;
+
+private:
+    ItemData GetFrom(const void* owner) const;
+    KARStatus SetIn(void* owner, const ItemData& value) const;
 };
 
 /// The items of a class at the current version, its bases' first; empty for a class without a list.

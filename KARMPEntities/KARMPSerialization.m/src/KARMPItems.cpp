@@ -25,6 +25,14 @@ public:
         AddContent(content);
         return std::move(m_rows);
     }
+    /// Those of a record.
+    std::vector<ItemInfo> MakeFields(const Item& records, std::span<const Item> inner)
+    {
+        if (records.record != nullptr)
+            AddContent(records.record());
+        AddItems(inner, {}, {});
+        return std::move(m_rows);
+    }
 
 private:
     /// Sides that walk an item, by itself or by the group that holds it.
@@ -36,7 +44,8 @@ private:
 
     void AddContent(const Content& content);
     void AddItems(std::span<const Item> items, const std::wstring& path, Sides sides);
-    void AddRow(const Item& item, const std::wstring& path, Sides sides);
+    void AddRow(const Item& item, std::span<const Item> inner, const std::wstring& path,
+                Sides sides);
     ItemInfo* WrittenForm(const Item& read);
 
     std::vector<ItemInfo> m_rows;
@@ -83,10 +92,11 @@ void RowMaker::AddItems(std::span<const Item> items, const std::wstring& path, S
             continue;
         const Sides walked{sides.written && item.isWritten, sides.read && item.isRead};
         const std::wstring ownPath = path + std::wstring(item.name);
+        const auto inner = items.subspan(i + 1, item.inner);
         if (item.kind == ItemKind::Group)
-            AddItems(items.subspan(i + 1, item.inner), ownPath + L'/', walked);
+            AddItems(inner, ownPath + L'/', walked);
         else
-            AddRow(item, ownPath, walked);
+            AddRow(item, inner, ownPath, walked);
     }
 }
 
@@ -107,7 +117,8 @@ ItemInfo* RowMaker::WrittenForm(const Item& read)
     });
 }
 
-void RowMaker::AddRow(const Item& item, const std::wstring& path, Sides sides)
+void RowMaker::AddRow(const Item& item, std::span<const Item> inner, const std::wstring& path,
+                      Sides sides)
 {
     if (!sides.written && sides.read) {
         if (ItemInfo* const row = WrittenForm(item)) {
@@ -131,6 +142,8 @@ void RowMaker::AddRow(const Item& item, const std::wstring& path, Sides sides)
     row.otherSide = item.otherSide;
     row.isOwned = item.isOwned;
     row.isFlag = item.isFlag || item.kind == ItemKind::Flag;
+    if (item.kind == ItemKind::Records)
+        row.fields = RowMaker().MakeFields(item, inner);
     row.written = &item;
     if (sides.read) {
         row.read = &item;
@@ -224,6 +237,12 @@ bool TakeValue(const ItemInfo& row, const Item& item, const ItemData& data, Item
         std::copy(doubles->begin(), doubles->end(), value.numbers.begin());
         return true;
     }
+    case ItemKind::Stream: {
+        const auto* const bytes = std::get_if<std::vector<unsigned char>>(&data);
+        if (bytes != nullptr)
+            value.bytes = *bytes;
+        return bytes != nullptr;
+    }
     default:
         return false;
     }
@@ -269,7 +288,16 @@ KARStatus AddTargets(const Item& item, void* owner, const Targets& targets)
 
 ItemData ItemInfo::Get(const KARMPEntity& entity) const
 {
-    const void* const owner = &entity;
+    return GetFrom(&entity);
+}
+
+KARStatus ItemInfo::Set(KARMPEntity& entity, const ItemData& data) const
+{
+    return SetIn(&entity, data);
+}
+
+ItemData ItemInfo::GetFrom(const void* owner) const
+{
     if (kind == ItemKind::References && written->count != nullptr)
         return EntriesIn(*written, owner);
     ItemValue value;
@@ -294,16 +322,17 @@ ItemData ItemInfo::Get(const KARMPEntity& entity) const
         return DoublesIn(value, DoublesOf(*written));
     case ItemKind::Reference:
         return value.entity ? ItemData(HandleOf(value)) : ItemData();
+    case ItemKind::Stream:
+        return std::move(value.bytes);
     default:
         return {};
     }
 }
 
-KARStatus ItemInfo::Set(KARMPEntity& entity, const ItemData& data) const
+KARStatus ItemInfo::SetIn(void* owner, const ItemData& data) const
 {
     if (!readOnly.empty())
         return KARFailure;
-    void* const owner = &entity;
     if (kind == ItemKind::Reference) {
         const auto* const handle = std::get_if<Target>(&data);
         return handle != nullptr && IsTarget(*read, *handle) ? SetTarget(*read, owner, *handle)
@@ -315,6 +344,38 @@ KARStatus ItemInfo::Set(KARMPEntity& entity, const ItemData& data) const
     }
     ItemValue value;
     return TakeValue(*this, *read, data, value) ? read->set(owner, value) : KARFailure;
+}
+
+std::vector<std::vector<ItemData>> ItemInfo::GetRecords(const KARMPEntity& entity) const
+{
+    std::vector<std::vector<ItemData>> records;
+    if (kind != ItemKind::Records || written->count == nullptr)
+        return records;
+    const auto made = written->makeRecord != nullptr ? written->makeRecord() : nullptr;
+    ItemValue value;
+    const int count = written->count(&entity);
+    for (int index = 0; index < count; ++index) {
+        value.made = made.get();
+        if (KARFailed(written->at(&entity, index, value)))
+            continue;
+        std::vector<ItemData>& record = records.emplace_back();
+        for (const ItemInfo& field : fields)
+            record.push_back(field.GetFrom(value.record));
+    }
+    return records;
+}
+
+KARStatus ItemInfo::AddRecord(KARMPEntity& entity, std::span<const ItemData> values) const
+{
+    if (read == nullptr || read->makeRecord == nullptr || values.size() != fields.size())
+        return KARFailure;
+    const auto made = read->makeRecord();
+    for (std::size_t i = 0; i < fields.size(); ++i)
+        if (values[i].index() != 0 && KARFailed(fields[i].SetIn(made.get(), values[i])))
+            return KARFailure;
+    ItemValue value;
+    value.record = made.get();
+    return read->set(&entity, value);
 }
 
 std::span<const ItemInfo> ItemsOf(std::string_view className)

@@ -1,5 +1,6 @@
 // Records in content lists.
 #include "ContentTesting.h"
+#include "KARMPItems.h"
 #include "KARMPSchema.h"
 #include "QOBException.h"
 
@@ -163,6 +164,62 @@ TEST_F(ContentWalk, DescribesRecordsInTheSchema)
     EXPECT_EQ(entry.elements[0].says, "A number of the record.");
     EXPECT_EQ(entry.elements[1].elements.size(), 3U);
     EXPECT_EQ(entry.elements[2].target, "TestEntity");
+}
+
+TEST_F(ContentWalk, GivesRecordsByTheTableOfItems)
+{
+    const auto rows = ItemsOf("TestRecords");
+    ASSERT_EQ(rows.size(), 1U);
+    const ItemInfo& list = rows[0];
+    EXPECT_EQ(list.kind, ItemKind::Records);
+    ASSERT_EQ(list.fields.size(), 3U);
+    EXPECT_EQ(list.fields[0].path, L"Number");
+    EXPECT_EQ(list.fields[0].says, "A number of the record.");
+    EXPECT_EQ(list.fields[2].target, "TestEntity");
+    EXPECT_TRUE(list.GetRecords(*entity).empty());
+
+    const QOBSharedHandle<KARMPEntity> target(Target(L"T1"));
+    const std::vector<double> vector{1.0, 2.0, 3.0};
+    EXPECT_EQ(list.AddRecord(*entity, std::vector<ItemData>{4.0, vector, target}), KARSuccess);
+    EXPECT_EQ(list.AddRecord(*entity, std::vector<ItemData>{5, {}, {}}), KARSuccess);
+    ASSERT_EQ(entity->records.size(), 2U);
+    EXPECT_EQ(entity->records[0].vector, KARMathVector(1.0, 2.0, 3.0));
+    const std::vector<std::vector<ItemData>> expected{{4.0, vector, target},
+                                                      {5.0, std::vector{0.0, 0.0, 0.0}, {}}};
+    EXPECT_EQ(list.GetRecords(*entity), expected);
+    EXPECT_EQ(ItemsOf("TestRecordsByOperations")[0].GetRecords(*entity).size(), 2U);
+}
+
+constexpr auto CountedList = karmp::Element(L"E", "An element.", CountingFrame, Counted);
+const ContentRegistration CountedRegistration("TestRecordsByOperations", &ContentFrom<CountedList>);
+
+TEST_F(ContentWalk, LeavesOutByTheTableOfItemsARecordThatCannotBeHad)
+{
+    entity->records = {{1.0, {}, {}}, {2.0, {}, {}}};
+    entity->getterStatus = KARFailure;
+    const auto records = ItemsOf("TestRecordsByOperations")[0].GetRecords(*entity);
+    ASSERT_EQ(records.size(), 1U);
+    EXPECT_EQ(records[0][0], ItemData(2.0));
+}
+
+TEST_F(ContentWalk, AddsNoRecordWithAValueThatItsFieldRefuses)
+{
+    const ItemInfo& list = ItemsOf("TestRecords")[0];
+    const auto add = [&](const std::vector<ItemData>& values) {
+        return list.AddRecord(*entity, values);
+    };
+    EXPECT_EQ(add({std::wstring(L"text"), {}, {}}), KARFailure);
+    EXPECT_EQ(add({1.0}), KARFailure);
+    EXPECT_EQ(add({1.0, {}, QOBSharedHandle<KARMPEntity>(KARMPConstant::create(L"k"))}),
+              KARFailure);
+    EXPECT_TRUE(entity->records.empty());
+    entity->setterStatus = KARUnchanged;
+    EXPECT_EQ(add({1.0, {}, {}}), KARUnchanged);
+    // The list is not set as a whole, and other items have no records.
+    EXPECT_EQ(list.Set(*entity, ItemData(1.0)), KARFailure);
+    const ItemInfo& number = ItemsOf("ContentTestEntity").back();
+    EXPECT_EQ(number.AddRecord(*entity, {}), KARFailure);
+    EXPECT_TRUE(number.GetRecords(*entity).empty());
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 // Streams of bytes in content lists.
 #include "ContentTesting.h"
+#include "KARMPItems.h"
 #include "KARMPSchema.h"
 
 namespace {
@@ -105,6 +106,16 @@ TEST_F(ContentWalk, DescribesStreamsInTheSchema)
     ASSERT_EQ(element.attributes.size(), 1U);
     EXPECT_EQ(element.attributes[0].kind, ItemKind::Text);
     EXPECT_TRUE(element.attributes[0].attributes.empty());
+}
+
+TEST_F(ContentWalk, GivesStreamsByTheTableOfItems)
+{
+    const ItemInfo& stream = ItemsOf("TestStreams")[0];
+    EXPECT_EQ(stream.kind, ItemKind::Stream);
+    EXPECT_EQ(stream.Set(*entity, Bytes{1, 2}), KARSuccess);
+    EXPECT_EQ(entity->bytes, (Bytes{1, 2}));
+    EXPECT_EQ(stream.Get(*entity), ItemData(Bytes{1, 2}));
+    EXPECT_EQ(stream.Set(*entity, std::wstring(L"AP8QYQ==")), KARFailure);
 }
 
 } // namespace
