@@ -42,6 +42,10 @@ struct Family
 template <class... T>
 struct FamilyList
 {
+    /// These families followed by others.
+    template <class... More>
+    using And = FamilyList<T..., More...>;
+
     /// Calls `visit` with the Family of each class, in order.
     template <class Visit>
     static void ForEach(Visit visit)

@@ -3,21 +3,13 @@
 
 namespace {
 
-using karmp::FamilyList;
+using KeyFamilies = karmp::FamilyList<KARMPBody, KARMPJoint, KARMPConstraint, KARMPGeometry,
+                                      KARMPVariable, KARMPActuator, KARMPSensor, KARMPMaterial,
+                                      KARMPConnector, KARMPShape, KARMPValue, KARMPAttribute,
+                                      KARMPSupport, KARMPDebugEntity, KARMPInitialCondition,
+                                      KARMPAnalysisCase, KARMPAnalysisStep, KARMPGenericEntity>;
 
-using KeyFamilies =
-    FamilyList<KARMPBody, KARMPJoint, KARMPConstraint, KARMPGeometry, KARMPVariable, KARMPActuator,
-               KARMPSensor, KARMPMaterial, KARMPConnector, KARMPShape, KARMPValue, KARMPAttribute,
-               KARMPSupport, KARMPDebugEntity, KARMPInitialCondition, KARMPAnalysisCase,
-               KARMPAnalysisStep, KARMPGenericEntity>;
-
-template <class... T>
-constexpr FamilyList<KARMPInteraction, T...> WithInteraction(FamilyList<T...>)
-{
-    return {};
-}
-
-static_assert(karmp::HoldSameFamilies(karmp::Families(), WithInteraction(KeyFamilies())),
+static_assert(karmp::HoldSameFamilies(karmp::Families(), KeyFamilies::And<KARMPInteraction>()),
               "the keys of all entities but interactions are found by class; those of interactions "
               "by their own type only");
 

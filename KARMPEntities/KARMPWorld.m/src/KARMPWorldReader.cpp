@@ -1,6 +1,7 @@
 #include "KARMPAxisSystem.h"
 #include "KARMPElementReader.h"
 #include "KARMPFailedCheck.h"
+#include "KARMPFunctionOfFamily.h"
 #include "KARMPGenericFactory.h"
 #include "KARMPReadingPlace.h"
 #include "KARMPSerializationServices.h"
@@ -9,7 +10,6 @@
 #include "KARProcessServices.h"
 #include "QOBBasicWorld.h"
 
-#include <algorithm>
 #include <optional>
 #include <vector>
 
@@ -42,42 +42,23 @@ public:
 
     void File(const QOBSharedHandle<KARMPEntity>& entity)
     {
-        const QOBClassInfo& info = entity.getClassInfo();
-        const auto known =
-            std::find_if(m_classes.begin(), m_classes.end(),
-                         [&info](const Class& entry) { return entry.info == &info; });
-        const Add add = known != m_classes.end()
-                            ? known->add
-                            : m_classes.emplace_back(Class{&info, AddOf(info)}).add;
-        if (add != nullptr)
+        if (const Add add = m_adds.Of<AddTo>(entity.getClassInfo()))
             add(m_world, entity);
     }
 
 private:
     using Add = void (*)(KARMPWorld& world, const QOBSharedHandle<KARMPEntity>& entity);
-    struct Class
+    template <class T>
+    struct AddTo
     {
-        const QOBClassInfo* info;
-        Add add;
+        static void Call(KARMPWorld& world, const QOBSharedHandle<KARMPEntity>& entity)
+        {
+            world.Add(karmp::HandleAs<T>(entity));
+        }
     };
 
-    static Add AddOf(const QOBClassInfo& info)
-    {
-        Add add = nullptr;
-        FilingFamilies::AnyOf([&](auto family) {
-            using T = typename decltype(family)::Type;
-            if (!info.isDerivedFrom(T::ClassInfo()))
-                return false;
-            add = [](KARMPWorld& world, const QOBSharedHandle<KARMPEntity>& entity) {
-                world.Add(karmp::HandleAs<T>(entity));
-            };
-            return true;
-        });
-        return add;
-    }
-
     KARMPWorld& m_world;
-    std::vector<Class> m_classes; // those met so far, which are few
+    karmp::FunctionOfFamily<FilingFamilies, Add> m_adds;
 };
 
 // A missing component is 0; nothing is given when the element itself is missing.
