@@ -132,6 +132,10 @@ public:
         return KARSuccess;
     }
 
+    /// The registry without its type, which may be given entities of T only.
+    karmp::RegistryCore& Core() { return m_core; }
+    const karmp::RegistryCore& Core() const { return m_core; }
+
 private:
     karmp::RegistryCore m_core;
 };

@@ -17,6 +17,7 @@
 
 class KARMPAxisSystem;
 class KARMPDeserializer;
+class KARMPEntity;
 class KARMPSerializer;
 class KARWBFactory;
 class QOBBasicEntity;
@@ -24,6 +25,7 @@ class QOBBasicWorld;
 
 namespace karmp {
 
+class WorldCloner;
 template <class List>
 class RegistrySet;
 /// One registry for each family of a list, made in the order of the list and destroyed backwards.
@@ -183,6 +185,25 @@ public:
     /// rest is read.
     KARStatus Deserialize(const KARMPDeserializer* deserializer);
 
+    /// A new world, under a basic world of its own, with a duplicate of every listed entity, filed
+    /// under the same keys, and with the settings, but for unit, ground body, loader and table.
+    ///
+    /// No duplicate is linked to another one: it has what its class's copy constructor keeps. The
+    /// globals are further duplicates, which no registry lists; beside those of the source's
+    /// globals the registries list the three that every new world has. What fails for an entity is
+    /// a failed check, and the others are duplicated. The duplicates do not stand under the basic
+    /// world.
+    QOBSharedHandle<KARMPWorld> Clone() const;
+    /// The same with the entities of a list only, in its order, wherever they are listed. The
+    /// duplicates of joints, bodies, constraints, variables, geometries and shapes are linked to
+    /// one another as their sources are; a link that leads out of the list is dropped. Connectors
+    /// and values are passed over, a null handle is a failed check. Of an entity that the list
+    /// holds twice there are two duplicates, and the second one gets the links.
+    ///
+    /// Linked duplicates hold one another: a caller who wants them to go with the world places them
+    /// under its basic world.
+    QOBSharedHandle<KARMPWorld> CloneWithFilter(const QOBSharedList<KARMPEntity>& filter) const;
+
 protected:
     static QOBSharedHandle<KARMPWorld> CreateObject(QOBSharedHandle<QOBBasicWorld> basicWorld);
     static QOBSharedHandle<KARMPWorld> CloneObject(QOBSharedHandle<KARMPWorld> source,
@@ -200,6 +221,7 @@ protected:
     KARStatus RemoveGlobals();
 
 private:
+    friend class karmp::WorldCloner;
     using Registries = karmp::RegistrySet<karmp::Families>;
 
     // The globals that the world made hold one another. It remembers them, so that they do not

@@ -10,6 +10,7 @@
 #include <compare>
 #include <cstddef>
 #include <functional>
+#include <list>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -200,6 +201,10 @@ public:
 /// A vector of handles, the out parameter of operations that give all of something.
 template <class T>
 using QOBSharedVector = std::vector<QOBSharedHandle<T>>;
+
+/// A list of handles, the argument of operations on chosen objects.
+template <class T>
+using QOBSharedList = std::list<QOBSharedHandle<T>>;
 
 template <class T>
 struct std::hash<QOBSharedHandle<T>>
