@@ -22,9 +22,11 @@ struct karmp::ContentOf<KARMPConnector>
                                                         "The body at its second end.")
             .OtherSide(L"Connectors"),
         References<&C::GetLinkedGeometryCount, &C::GetLinkedGeometry, &C::LinkToGeometry>(
-            L"Geometries", L"Geometry", "The geometries at which it acts."),
+            L"Geometries", L"Geometry", "The geometries at which it acts.")
+            .InOrder(),
         References<&C::GetLinkedVariableCount, &C::GetLinkedVariable, &C::LinkToVariable>(
-            L"Variables", L"Variable", "The variables that it depends on."));
+            L"Variables", L"Variable", "The variables that it depends on.")
+            .InOrder());
 };
 KARMP_DEFINE_CONTENT(KARMPConnector);
 

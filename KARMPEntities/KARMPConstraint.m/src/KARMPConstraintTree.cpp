@@ -28,11 +28,13 @@ struct karmp::ContentOf<KARMPConstraint>
         "A condition on geometry.", LenientFrame,
         References<&C::GetLinkedGeometryCount, &C::GetLinkedGeometry, &C::LinkToGeometry>(
             L"Geometries", L"Geometry", "The geometries that it is put on.")
+            .InOrder()
             .OtherSide(L"Constraints"),
         Reference<&C::GetJoint, &C::SetJoint>(L"Joint", "The joint that it belongs to.")
             .OtherSide(L"Constraints"),
         References<&C::GetLinkedVariableCount, &C::GetLinkedVariable, &C::LinkToVariable>(
             L"Variables", L"Variable", "The variables that it drives or relates.")
+            .InOrder()
             .OtherSide(L"Constraints"),
         References<&C::GetLinkedSensorCount, &C::GetLinkedSensor, &C::LinkToSensor>(
             L"Sensors", L"Sensor", "The sensors that watch it."),

@@ -25,6 +25,7 @@ struct karmp::ContentOf<KARMPJoint>
                                     L"bodyOrientation", "The orientation of the body in the joint.")
                                     .Required()))
                  .AlwaysNamed()
+                 .InOrder()
                  .OtherSide(L"Joints"),
              References<&C::m_constraints, &C::AddConstraint>(L"Constraints", L"Constraint",
                                                               "The constraints that realise it.")

@@ -51,12 +51,22 @@ struct ItemInfo
     bool isFlag = false;
     /// The items of each record of Records.
     std::vector<ItemInfo> fields;
+    /// The order of the entries means something; true of Records, and of References that say so.
+    bool isInOrder = false;
+    /// The attribute of a list's entries that holds a word of theirs; empty without one.
+    std::wstring_view entryWord;
     /// Why the item cannot be set; empty when it can.
     std::string_view readOnly;
 
     /// The item's value in an entity of the class, or of a subclass. A getter of the class that
     /// reports is heard as usual.
     KARMP_API ItemData Get(const KARMPEntity& entity) const;
+    /// False for Records, streams and what a class's code alone knows: Get gives nothing then.
+    KARMP_API bool CanGet() const;
+    /// The number of entries of References or Records in an entity; -1 when it is not known.
+    KARMP_API int Count(const KARMPEntity& entity) const;
+    /// The words of a list's entries, as many as Get gives entries; empty texts without a word.
+    KARMP_API std::vector<std::wstring_view> EntryWords(const KARMPEntity& entity) const;
     /// Stores a value by the way that reading takes, so that a loader hears of it. A list takes the
     /// entities that it does not hold yet; links are made on this side only. Returns what the
     /// class's setter returns, and a failure without a change for a value of another kind, an

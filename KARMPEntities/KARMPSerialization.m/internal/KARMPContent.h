@@ -101,6 +101,11 @@ struct ItemList
     {
         return With([item](Item& entry) { entry.otherSide = item; });
     }
+    /// The order of the entries of References means something: two lists in another order differ.
+    constexpr ItemList InOrder() const
+    {
+        return With([](Item& item) { item.isInOrder = true; });
+    }
     /// The target dies with this entity.
     constexpr ItemList Owned() const
     {

@@ -129,6 +129,8 @@ struct Item
     bool isFlag = false;
     /// Any name is read for the entries of a list or of a group's children.
     bool anyName = false;
+    /// The order of the entries of References means something.
+    bool isInOrder = false;
     /// Why programs cannot set the item by the table of items; empty when they can.
     std::string_view fixedBecause;
     /// The class that targets are derived from.

@@ -56,6 +56,13 @@ std::size_t DoublesOf(const Item& item)
     return item.kind == ItemKind::Transformation ? ItemValue::Capacity : item.words.size();
 }
 
+// The word in an attribute of the entries of a list; null without one.
+const Item* EntryWordOf(const Item& item)
+{
+    const bool hasWord = item.kind == ItemKind::References && item.inner > 0;
+    return hasWord && (&item)[1].kind == ItemKind::Word ? &item + 1 : nullptr;
+}
+
 std::string_view ReasonAgainstSetting(const Item& item)
 {
     if (!item.fixedBecause.empty())
@@ -144,6 +151,9 @@ void RowMaker::AddRow(const Item& item, std::span<const Item> inner, const std::
     row.isFlag = item.isFlag || item.kind == ItemKind::Flag;
     if (item.kind == ItemKind::Records)
         row.fields = RowMaker().MakeFields(item, inner);
+    row.isInOrder = item.isInOrder || item.kind == ItemKind::Records;
+    if (const Item* const word = EntryWordOf(item))
+        row.entryWord = word->name;
     row.written = &item;
     if (sides.read) {
         row.read = &item;
@@ -174,16 +184,23 @@ ItemData WordIn(const ItemInfo& row, const ItemValue& value)
     return value.number;
 }
 
-ItemData EntriesIn(const Item& item, const void* owner)
+// Calls `visit` with each entry that can be had.
+template <class Visit>
+void ForEachEntry(const Item& item, const void* owner, Visit visit)
 {
-    Targets entries;
     ItemValue value;
     const int count = item.count(owner);
     for (int index = 0; index < count; ++index) {
         value.entity = {};
         if (!KARFailed(item.at(owner, index, value)))
-            entries.push_back(HandleOf(value));
+            visit(value);
     }
+}
+
+ItemData EntriesIn(const Item& item, const void* owner)
+{
+    Targets entries;
+    ForEachEntry(item, owner, [&](const ItemValue& value) { entries.push_back(HandleOf(value)); });
     return entries;
 }
 
@@ -327,6 +344,32 @@ ItemData ItemInfo::GetFrom(const void* owner) const
     default:
         return {};
     }
+}
+
+bool ItemInfo::CanGet() const
+{
+    if (kind == ItemKind::Records || kind == ItemKind::Stream)
+        return false;
+    return written->get != nullptr || (kind == ItemKind::References && written->count != nullptr);
+}
+
+int ItemInfo::Count(const KARMPEntity& entity) const
+{
+    return written->count != nullptr ? written->count(&entity) : -1;
+}
+
+std::vector<std::wstring_view> ItemInfo::EntryWords(const KARMPEntity& entity) const
+{
+    std::vector<std::wstring_view> texts;
+    const Item* const word = EntryWordOf(*written);
+    if (written->count == nullptr || kind != ItemKind::References)
+        return texts;
+    ForEachEntry(*written, &entity, [&](const ItemValue& value) {
+        const auto row = static_cast<std::size_t>(value.number);
+        texts.push_back(word != nullptr && row < word->words.size() ? word->words[row]
+                                                                    : std::wstring_view());
+    });
+    return texts;
 }
 
 KARStatus ItemInfo::SetIn(void* owner, const ItemData& data) const

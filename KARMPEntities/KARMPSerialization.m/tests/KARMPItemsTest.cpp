@@ -1,6 +1,7 @@
 #include "KARMPItems.h"
 
 #include "KARMPBody.h"
+#include "KARMPJointKinds.h"
 #include "KARMPPoint.h"
 #include "KARMPTestFixture.h"
 
@@ -119,6 +120,50 @@ TEST_F(Items, ThatAreListsTakeWhatTheyDoNotHold)
     EXPECT_EQ(Get(L"AggregatedElements"), ItemData(Entities{first, second}));
     EXPECT_EQ(Set(L"AggregatedElements", Entities{second}), KARFailure);
     EXPECT_EQ(Get(L"AggregatedElements"), ItemData(Entities{first, second}));
+}
+
+// A joint and its bodies hold one another.
+TEST_F(Items, OfAListTellTheWordsOfItsEntries)
+{
+    const auto joint = KARMPRevolute::create(L"J");
+    const auto other = KARMPBody::create(L"C");
+    joint->LinkToBody(body, KARMPBodyOrientation::Out);
+    joint->LinkToBody(other, KARMPBodyOrientation::In);
+    const auto rows = karmp::ItemsOf(joint->getClassInfo());
+    const auto bodies = std::find_if(rows.begin(), rows.end(),
+                                     [](const ItemInfo& row) { return row.name == L"Bodies"; });
+    ASSERT_NE(bodies, rows.end());
+    EXPECT_TRUE(bodies->isInOrder);
+    EXPECT_EQ(bodies->entryWord, L"bodyOrientation");
+    EXPECT_EQ(bodies->Count(*joint), 2);
+    EXPECT_EQ(bodies->EntryWords(*joint), (std::vector<std::wstring_view>{L"Out", L"In"}));
+    joint->orphanObject();
+}
+
+TEST_F(Items, OfAListInAnyOrderSaySo)
+{
+    EXPECT_FALSE(Row(L"Constraints").isInOrder);
+    EXPECT_EQ(Row(L"Constraints").entryWord, L"");
+    EXPECT_EQ(Row(L"Constraints").Count(*point), 0);
+    EXPECT_TRUE(Row(L"Constraints").EntryWords(*point).empty());
+    EXPECT_EQ(Row(L"Coordinates/Origin").Count(*point), -1);
+}
+
+TEST_F(Items, ThatTheTableCannotGetSaySo)
+{
+    const auto canGet = [](std::string_view className, std::wstring_view path) {
+        for (const ItemInfo& row : karmp::ItemsOf(className))
+            if (row.path == path)
+                return row.CanGet();
+        ADD_FAILURE() << "no such item";
+        return false;
+    };
+    EXPECT_TRUE(canGet("KARMPPoint", L"Coordinates/Origin"));
+    EXPECT_TRUE(canGet("KARMPPoint", L"Constraints"));
+    EXPECT_TRUE(canGet("KARMPExpression", L"Variables"));
+    EXPECT_FALSE(canGet("KARMPExpression", L"VariableMapping/Var"));
+    EXPECT_FALSE(canGet("KARMPLinearEquation", L"LinearTermDataContainer"));
+    EXPECT_FALSE(canGet("KARMPSketchFunction", L"CurveSegments"));
 }
 
 } // namespace

@@ -44,7 +44,8 @@ struct karmp::ContentOf<KARMPExpression>
         Element(L"Expression", "A value that an equation gives from variables.", LenientFrame,
                 Text<&EquationText>(L"Value", "The equation.").Optional().Through<&TakeEquation>(),
                 References<&C::GetLinkedVariableCount, &C::GetLinkedVariable, &C::LinkToVariable>(
-                    L"Variables", L"Variable", "The variables that the equation uses."),
+                    L"Variables", L"Variable", "The variables that the equation uses.")
+                    .InOrder(),
                 Group(L"VariableMapping", "Positions of variables by positions in the equation.",
                       Described(ItemKind::Integer, L"Var", "The position of a variable."))
                     .Optional()
