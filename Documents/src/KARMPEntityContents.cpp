@@ -1,0 +1,129 @@
+#include "KARMPEntityContents.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <functional>
+
+namespace karmp::documents {
+
+namespace {
+
+using Doubles = std::vector<double>;
+
+// A transformation's translation and rotation are measured each by itself.
+constexpr std::size_t TranslationLength = 3;
+
+// Keeps the limits of rounding away from the numbers that people choose.
+constexpr double Aside = 0.2357;
+
+bool AreSpansEqual(std::span<const double> before, std::span<const double> after,
+                   const DifferenceOptions& options)
+{
+    double scale = 0.0;
+    for (const auto numbers : {before, after})
+        for (const double number : numbers)
+            if (std::isfinite(number))
+                scale = std::max(scale, std::abs(number));
+    return std::equal(
+        before.begin(), before.end(), after.begin(), after.end(),
+        [&](double left, double right) { return AreEqual(left, right, scale, options); });
+}
+
+// The same for numbers that differ by less than the options tell apart.
+std::uint64_t HashOfNumber(double number, double scale, const DifferenceOptions& options)
+{
+    if (std::isnan(number))
+        return 1;
+    // The step is well above what counts as equal, so that few pairs fall into two steps.
+    const double step = 16.0 * std::max(options.floor, options.tolerance * scale);
+    if (std::isfinite(number) && step > 0.0)
+        number = std::round(number / step + Aside);
+    return std::bit_cast<std::uint64_t>(number == 0.0 ? 0.0 : number);
+}
+
+std::uint64_t HashOfNumbers(std::span<const double> numbers, const DifferenceOptions& options)
+{
+    double scale = 0.0;
+    for (const double number : numbers)
+        if (std::isfinite(number))
+            scale = std::max(scale, std::abs(number));
+    // The scale is a power of two, so that equal ones give equal steps.
+    scale = scale > 0.0 ? std::exp2(std::ceil(std::log2(scale) + Aside)) : 0.0;
+    std::uint64_t hash = numbers.size();
+    for (const double number : numbers)
+        hash = Mix(hash, HashOfNumber(number, scale, options));
+    return hash;
+}
+
+struct ValueHash
+{
+    const DifferenceOptions& options;
+
+    std::uint64_t operator()(std::monostate) const { return 0; }
+    std::uint64_t operator()(bool value) const { return value ? 2 : 1; }
+    std::uint64_t operator()(int value) const { return static_cast<std::uint64_t>(value); }
+    std::uint64_t operator()(double value) const { return HashOfNumbers({&value, 1}, options); }
+    std::uint64_t operator()(const std::wstring& value) const
+    {
+        return std::hash<std::wstring>()(value);
+    }
+    std::uint64_t operator()(const Doubles& value) const { return HashOfNumbers(value, options); }
+    // Links are no content.
+    std::uint64_t operator()(const QOBSharedHandle<KARMPEntity>&) const { return 0; }
+    std::uint64_t operator()(const std::vector<QOBSharedHandle<KARMPEntity>>&) const { return 0; }
+};
+
+} // namespace
+
+bool AreEqual(double before, double after, double scale, const DifferenceOptions& options)
+{
+    if (before == after || (std::isnan(before) && std::isnan(after)))
+        return true;
+    if (!std::isfinite(before) || !std::isfinite(after))
+        return false;
+    const double difference = std::abs(before - after);
+    return difference <= options.floor || difference <= options.tolerance * scale;
+}
+
+bool AreEqual(const ItemData& before, const ItemData& after, ItemKind kind,
+              const DifferenceOptions& options)
+{
+    if (before.index() != after.index())
+        return false;
+    if (const auto* const number = std::get_if<double>(&before))
+        return AreSpansEqual({number, 1}, {&std::get<double>(after), 1}, options);
+    const auto* const numbers = std::get_if<Doubles>(&before);
+    if (numbers == nullptr)
+        return before == after;
+    const std::span left(*numbers);
+    const std::span right(std::get<Doubles>(after));
+    if (kind != ItemKind::Transformation || left.size() != right.size())
+        return AreSpansEqual(left, right, options);
+    const std::size_t split = std::min(TranslationLength, left.size());
+    return AreSpansEqual(left.first(split), right.first(split), options) &&
+           AreSpansEqual(left.subspan(split), right.subspan(split), options);
+}
+
+std::uint64_t HashOfContent(const WorldGraph::Entity& entity, const DifferenceOptions& options)
+{
+    std::uint64_t hash = entity.items->Hash();
+    for (const ItemInfo* const item : entity.items->Values())
+        hash = Mix(hash, std::visit(ValueHash{options}, item->Get(*entity.handle)));
+    return hash;
+}
+
+Doubles NumbersOf(const WorldGraph::Entity& entity)
+{
+    Doubles numbers;
+    for (const ItemInfo* const item : entity.items->Values()) {
+        const ItemData data = item->Get(*entity.handle);
+        if (const auto* const number = std::get_if<double>(&data))
+            numbers.push_back(*number);
+        else if (const auto* const some = std::get_if<Doubles>(&data))
+            numbers.insert(numbers.end(), some->begin(), some->end());
+    }
+    return numbers;
+}
+
+} // namespace karmp::documents

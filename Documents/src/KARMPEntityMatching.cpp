@@ -1,0 +1,508 @@
+// Entities are matched from what is certain to what is likely. Whenever some were matched, their
+// neighbours are looked at first: an entity of which a matched pair has one of its class and name
+// by the same item corresponds. Where names do not tell, colours do: numbers that belong to ever
+// wider surroundings of an entity (the refinement by Weisfeiler and Leman, up to a fixed width).
+#include "KARMPEntityMatching.h"
+
+#include "KARMPEntityContents.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <map>
+#include <string_view>
+#include <unordered_map>
+
+namespace karmp::documents {
+
+namespace {
+
+// The width up to which surroundings are compared.
+constexpr int MostRounds = 16;
+// Candidates that are looked at for one entity, so that large groups of alike ones stay linear.
+constexpr std::size_t MostCandidates = 64;
+
+/// An entity with a number by which it is compared with others.
+struct Keyed
+{
+    std::uint64_t key;
+    EntityNumber number;
+
+    auto operator<=>(const Keyed&) const = default;
+};
+using KeyedEntities = std::vector<Keyed>;
+
+void Arrange(KeyedEntities& entities)
+{
+    std::sort(entities.begin(), entities.end());
+    entities.erase(std::unique(entities.begin(), entities.end()), entities.end());
+}
+
+/// Calls `visit` with the entities of both lists that have one key, for each key that stands in
+/// both. The lists are in order.
+template <class Visit>
+void ForEachGroup(const KeyedEntities& before, const KeyedEntities& after, Visit visit)
+{
+    const auto endOf = [](const KeyedEntities& list, std::size_t begin) {
+        std::size_t end = begin;
+        while (end < list.size() && list[end].key == list[begin].key)
+            ++end;
+        return end;
+    };
+    std::size_t i = 0;
+    std::size_t j = 0;
+    while (i < before.size() && j < after.size()) {
+        if (before[i].key == after[j].key) {
+            const std::size_t iEnd = endOf(before, i);
+            const std::size_t jEnd = endOf(after, j);
+            visit(std::span(before).subspan(i, iEnd - i), std::span(after).subspan(j, jEnd - j));
+            i = iEnd;
+            j = jEnd;
+        } else {
+            ++(before[i].key < after[j].key ? i : j);
+        }
+    }
+}
+
+class Matcher
+{
+public:
+    Matcher(const WorldGraph& before, const WorldGraph& after, const DifferenceOptions& options)
+        : m_options(options), m_sides{Side(before), Side(after)}
+    {}
+
+    EntityMatching Match();
+
+private:
+    struct Side
+    {
+        explicit Side(const WorldGraph& worldGraph);
+
+        const WorldGraph& graph;
+        std::vector<EntityNumber> partners;
+        /// Belongs to the links of an entity to matched ones; 0 without any.
+        std::vector<std::uint64_t> anchors;
+        std::vector<std::uint64_t> colours;
+        std::vector<EntityNumber> unmatched;
+        std::unordered_map<EntityNumber, std::uint64_t> contents;
+    };
+    using Group = std::span<const Keyed>;
+
+    bool IsDone() const { return m_sides[0].unmatched.empty() || m_sides[1].unmatched.empty(); }
+    void Pair(EntityNumber before, EntityNumber after);
+    void DropMatched();
+    void MatchIdentifiers();
+    void MatchGlobals();
+    void MatchNeighbours();
+    void MatchNeighboursOf(EntityNumber before, EntityNumber after);
+    bool MatchNames();
+    bool MatchAnchored();
+    bool MatchColours();
+    bool MatchAlike();
+    bool MatchLikely(bool byName);
+    bool MatchRest();
+    bool MatchRenamed();
+
+    template <class KeyOf>
+    std::array<KeyedEntities, 2> Keys(KeyOf keyOf);
+    template <class KeyOf>
+    bool MatchUnique(KeyOf keyOf);
+    bool PairGroup(Group before, Group after);
+    void Refine(Side& side) const;
+    std::uint64_t ContentOf(Side& side, EntityNumber number) const;
+    static std::vector<EntityNumber> SortedByNumbers(const Side& side, Group group);
+
+    static std::uint64_t TitleOf(const Side& side, EntityNumber number)
+    {
+        return side.graph.At(number).title;
+    }
+    static std::uint64_t ClassOf(const Side& side, EntityNumber number)
+    {
+        return side.graph.At(number).items->Hash();
+    }
+    static bool IsNamed(const Side& side, EntityNumber number)
+    {
+        return side.graph.At(number).isNamed;
+    }
+
+    const DifferenceOptions& m_options;
+    std::array<Side, 2> m_sides;
+    /// Pairs whose neighbours have not been looked at, by the entity of the first world.
+    std::vector<EntityNumber> m_fresh;
+    /// At least half of the entities correspond by their identifiers.
+    bool m_isOfOneOrigin = false;
+};
+
+Matcher::Side::Side(const WorldGraph& worldGraph)
+    : graph(worldGraph),
+      partners(graph.Count(), NoEntity),
+      anchors(graph.Count(), 0),
+      colours(graph.Count(), 0)
+{
+    for (EntityNumber number = 0; number < graph.Count(); ++number)
+        unmatched.push_back(number);
+}
+
+EntityMatching Matcher::Match()
+{
+    if (m_options.byIdentifier)
+        MatchIdentifiers();
+    MatchGlobals();
+    bool goesOn = true;
+    while (goesOn) {
+        MatchNeighbours();
+        DropMatched();
+        goesOn = !IsDone() && (MatchNames() || MatchAnchored() || MatchColours() || MatchAlike() ||
+                               MatchLikely(true) || MatchRest() || MatchRenamed());
+    }
+    return {std::move(m_sides[0].partners), std::move(m_sides[1].partners)};
+}
+
+void Matcher::Pair(EntityNumber before, EntityNumber after)
+{
+    m_sides[0].partners[before] = after;
+    m_sides[1].partners[after] = before;
+    m_fresh.push_back(before);
+    // The pair is known by its entity in the first world.
+    for (Side& side : m_sides) {
+        const EntityNumber number = &side == &m_sides[0] ? before : after;
+        for (const WorldGraph::Link& link : side.graph.LinksOf(number))
+            side.anchors[link.target] += Mix(link.label, before);
+    }
+}
+
+void Matcher::DropMatched()
+{
+    for (Side& side : m_sides)
+        std::erase_if(
+            side.unmatched,
+            [&side](EntityNumber number) { return side.partners[number] != NoEntity; });
+}
+
+void Matcher::MatchIdentifiers()
+{
+    const auto index = [](const WorldGraph& graph) {
+        std::unordered_map<std::wstring_view, EntityNumber> numbers;
+        for (EntityNumber number = 0; number < graph.Count(); ++number) {
+            const auto [entry, isNew] = numbers.emplace(graph.At(number).identifier, number);
+            if (!isNew)
+                entry->second = NoEntity;
+        }
+        return numbers;
+    };
+    const WorldGraph& before = m_sides[0].graph;
+    const WorldGraph& after = m_sides[1].graph;
+    const auto known = index(before);
+    const auto others = index(after);
+    for (EntityNumber number = 0; number < after.Count(); ++number) {
+        const WorldGraph::Entity& entity = after.At(number);
+        const auto found = known.find(entity.identifier);
+        const bool isOne = found != known.end() && found->second != NoEntity &&
+                           others.at(entity.identifier) == number;
+        if (isOne && before.At(found->second).family == entity.family)
+            Pair(found->second, number);
+    }
+    m_isOfOneOrigin = 2 * m_fresh.size() >= std::min(before.Count(), after.Count());
+}
+
+void Matcher::MatchGlobals()
+{
+    const auto& before = m_sides[0].graph.Globals();
+    const auto& after = m_sides[1].graph.Globals();
+    for (std::size_t i = 0; i < before.size(); ++i) {
+        const EntityNumber first = m_sides[0].graph.NumberOf(before[i].get());
+        const EntityNumber second = m_sides[1].graph.NumberOf(after[i].get());
+        const bool areFree = first != NoEntity && second != NoEntity &&
+                             m_sides[0].partners[first] == NoEntity &&
+                             m_sides[1].partners[second] == NoEntity;
+        if (areFree && ClassOf(m_sides[0], first) == ClassOf(m_sides[1], second))
+            Pair(first, second);
+    }
+}
+
+void Matcher::MatchNeighbours()
+{
+    while (!m_fresh.empty()) {
+        const EntityNumber before = m_fresh.back();
+        m_fresh.pop_back();
+        MatchNeighboursOf(before, m_sides[0].partners[before]);
+    }
+}
+
+// An entity without a name has to have all its links to matched entities in common.
+void Matcher::MatchNeighboursOf(EntityNumber before, EntityNumber after)
+{
+    for (const bool byAnchors : {false, true}) {
+        std::array<KeyedEntities, 2> keyed;
+        for (std::size_t i = 0; i < 2; ++i) {
+            const Side& side = m_sides[i];
+            for (const WorldGraph::Link& link : side.graph.LinksOf(i == 0 ? before : after)) {
+                const EntityNumber target = link.target;
+                if (side.partners[target] != NoEntity || (!byAnchors && !IsNamed(side, target)))
+                    continue;
+                std::uint64_t key = Mix(link.label, TitleOf(side, target));
+                if (byAnchors)
+                    key = Mix(key, side.anchors[target]);
+                keyed[i].push_back({key, target});
+            }
+            Arrange(keyed[i]);
+        }
+        ForEachGroup(keyed[0], keyed[1], [this](Group first, Group second) {
+            const bool areFree = m_sides[0].partners[first[0].number] == NoEntity &&
+                                 m_sides[1].partners[second[0].number] == NoEntity;
+            if (first.size() == 1 && second.size() == 1 && areFree)
+                Pair(first[0].number, second[0].number);
+        });
+    }
+}
+
+/// The keys of all unmatched entities; `keyOf` gives 0 for one to leave out.
+template <class KeyOf>
+std::array<KeyedEntities, 2> Matcher::Keys(KeyOf keyOf)
+{
+    std::array<KeyedEntities, 2> keyed;
+    for (std::size_t i = 0; i < 2; ++i) {
+        for (const EntityNumber number : m_sides[i].unmatched)
+            if (const std::uint64_t key = keyOf(m_sides[i], number); key != 0)
+                keyed[i].push_back({key, number});
+        Arrange(keyed[i]);
+    }
+    return keyed;
+}
+
+/// Matches the entities of which each world has one by a key.
+template <class KeyOf>
+bool Matcher::MatchUnique(KeyOf keyOf)
+{
+    const auto keyed = Keys(keyOf);
+    bool isAny = false;
+    ForEachGroup(keyed[0], keyed[1], [&](Group before, Group after) {
+        if (before.size() != 1 || after.size() != 1)
+            return;
+        Pair(before[0].number, after[0].number);
+        isAny = true;
+    });
+    return isAny;
+}
+
+bool Matcher::MatchNames()
+{
+    return MatchUnique([](const Side& side, EntityNumber number) {
+        return IsNamed(side, number) ? TitleOf(side, number) : 0;
+    });
+}
+
+bool Matcher::MatchAnchored()
+{
+    return MatchUnique([](const Side& side, EntityNumber number) {
+        return side.anchors[number] != 0 ? Mix(TitleOf(side, number), side.anchors[number]) : 0;
+    });
+}
+
+// Matched entities are in the anchors.
+void Matcher::Refine(Side& side) const
+{
+    std::vector<std::uint64_t> refined(side.unmatched.size());
+    for (std::size_t i = 0; i < refined.size(); ++i) {
+        std::uint64_t around = 0;
+        for (const WorldGraph::Link& link : side.graph.LinksOf(side.unmatched[i]))
+            if (side.partners[link.target] == NoEntity)
+                around += Mix(link.label, side.colours[link.target]);
+        refined[i] = Mix(side.colours[side.unmatched[i]], around);
+    }
+    for (std::size_t i = 0; i < refined.size(); ++i)
+        side.colours[side.unmatched[i]] = refined[i];
+}
+
+// What is alike in the nearer surroundings is matched first: a change spoils those that reach it.
+bool Matcher::MatchColours()
+{
+    for (Side& side : m_sides)
+        for (const EntityNumber number : side.unmatched)
+            side.colours[number] = Mix(TitleOf(side, number), side.anchors[number]);
+    for (int round = 0; round < MostRounds; ++round) {
+        for (Side& side : m_sides)
+            Refine(side);
+        if (MatchUnique([](const Side& side, EntityNumber number) { return side.colours[number]; }))
+            return true;
+    }
+    return false;
+}
+
+std::uint64_t Matcher::ContentOf(Side& side, EntityNumber number) const
+{
+    const auto [entry, isNew] = side.contents.emplace(number, 0);
+    if (isNew)
+        entry->second = HashOfContent(side.graph.At(number), m_options);
+    return entry->second;
+}
+
+// Pairs entities of equal surroundings in the order of their numbers. What was matched on the way
+// tells some of them apart.
+bool Matcher::PairGroup(Group before, Group after)
+{
+    const auto left = SortedByNumbers(m_sides[0], before);
+    const auto right = SortedByNumbers(m_sides[1], after);
+    std::size_t first = 0;
+    bool isAny = false;
+    for (const EntityNumber number : left) {
+        if (m_sides[0].partners[number] != NoEntity)
+            continue;
+        while (first < right.size() && m_sides[1].partners[right[first]] != NoEntity)
+            ++first;
+        const auto end = right.begin() + static_cast<std::ptrdiff_t>(
+                                             std::min(right.size(), first + MostCandidates));
+        const auto found = std::find_if(
+            right.begin() + static_cast<std::ptrdiff_t>(first), end, [&](EntityNumber candidate) {
+                return m_sides[1].partners[candidate] == NoEntity &&
+                       m_sides[1].anchors[candidate] == m_sides[0].anchors[number];
+            });
+        if (found == end)
+            continue;
+        Pair(number, *found);
+        isAny = true;
+        MatchNeighbours();
+    }
+    return isAny;
+}
+
+// Entities whose surroundings are equal as far as they are compared. Equal content decides; then
+// any one is as good as another.
+bool Matcher::MatchAlike()
+{
+    const auto byContent = [this](Side& side, EntityNumber number) {
+        return Mix(side.colours[number], ContentOf(side, number));
+    };
+    if (MatchUnique(byContent))
+        return true;
+    const auto byColour = [](const Side& side, EntityNumber number) {
+        return side.colours[number];
+    };
+    bool isAny = false;
+    const auto pairEqual = [&](const std::array<KeyedEntities, 2>& keyed, bool needsSameCount) {
+        ForEachGroup(keyed[0], keyed[1], [&](Group before, Group after) {
+            if (!needsSameCount || before.size() == after.size())
+                isAny = PairGroup(before, after) || isAny;
+        });
+        return isAny;
+    };
+    return pairEqual(Keys(byContent), true) || pairEqual(Keys(byContent), false) ||
+           pairEqual(Keys(byColour), true);
+}
+
+// Pairs what shares most links to matched entities: by class and name, or by class alone where
+// at least half of the links are shared.
+bool Matcher::MatchLikely(bool byName)
+{
+    std::map<std::pair<EntityNumber, EntityNumber>, std::uint32_t> shared;
+    const auto keyOf = [byName](const Side& side, const WorldGraph::Link& link) {
+        return Mix(link.label, byName ? TitleOf(side, link.target) : ClassOf(side, link.target));
+    };
+    const auto gather = [&](const Side& side, EntityNumber number) {
+        KeyedEntities keyed;
+        for (const WorldGraph::Link& link : side.graph.LinksOf(number))
+            if (side.partners[link.target] == NoEntity)
+                keyed.push_back({keyOf(side, link), link.target});
+        Arrange(keyed);
+        return keyed;
+    };
+    for (EntityNumber number = 0; number < m_sides[0].graph.Count(); ++number) {
+        const EntityNumber partner = m_sides[0].partners[number];
+        if (partner == NoEntity)
+            continue;
+        const KeyedEntities first = gather(m_sides[0], number);
+        if (first.empty())
+            continue;
+        ForEachGroup(first, gather(m_sides[1], partner), [&](Group before, Group after) {
+            if (before.size() * after.size() > MostCandidates)
+                return;
+            for (const Keyed& left : before)
+                for (const Keyed& right : after)
+                    ++shared[{left.number, right.number}];
+        });
+    }
+    const auto anchoredLinks = [](const Side& side, EntityNumber number) {
+        const auto links = side.graph.LinksOf(number);
+        return static_cast<std::uint32_t>(
+            std::count_if(links.begin(), links.end(), [&side](const WorldGraph::Link& link) {
+                return side.partners[link.target] != NoEntity;
+            }));
+    };
+    std::vector<std::pair<std::uint32_t, std::pair<EntityNumber, EntityNumber>>> likely;
+    for (const auto& [pair, count] : shared) {
+        const std::uint32_t most =
+            std::max(anchoredLinks(m_sides[0], pair.first), anchoredLinks(m_sides[1], pair.second));
+        if (byName || 2 * count >= most)
+            likely.emplace_back(count, pair);
+    }
+    std::stable_sort(likely.begin(), likely.end(),
+                     [](const auto& left, const auto& right) { return left.first > right.first; });
+    bool isAny = false;
+    for (const auto& [count, pair] : likely) {
+        if (m_sides[0].partners[pair.first] != NoEntity ||
+            m_sides[1].partners[pair.second] != NoEntity)
+            continue;
+        Pair(pair.first, pair.second);
+        isAny = true;
+    }
+    return isAny;
+}
+
+std::vector<EntityNumber> Matcher::SortedByNumbers(const Side& side, Group group)
+{
+    std::vector<std::pair<std::vector<double>, EntityNumber>> keyed;
+    keyed.reserve(group.size());
+    for (const Keyed& entity : group) {
+        keyed.emplace_back(NumbersOf(side.graph.At(entity.number)), entity.number);
+        // A NaN has no place among numbers.
+        auto& values = keyed.back().first;
+        std::replace_if(
+            values.begin(), values.end(), [](double value) { return std::isnan(value); }, 0.0);
+    }
+    std::sort(keyed.begin(), keyed.end());
+    std::vector<EntityNumber> sorted;
+    sorted.reserve(keyed.size());
+    for (const auto& entry : keyed)
+        sorted.push_back(entry.second);
+    return sorted;
+}
+
+// What is left of a class and a name, in the order of its numbers; entities without a name only
+// when no link tells that they are others.
+bool Matcher::MatchRest()
+{
+    const auto keyed = Keys([](const Side& side, EntityNumber number) {
+        const bool isCandidate = IsNamed(side, number) || side.anchors[number] == 0;
+        return isCandidate ? TitleOf(side, number) : 0;
+    });
+    bool isAny = false;
+    ForEachGroup(keyed[0], keyed[1], [&](Group before, Group after) {
+        const auto left = SortedByNumbers(m_sides[0], before);
+        const auto right = SortedByNumbers(m_sides[1], after);
+        for (std::size_t i = 0; i < std::min(left.size(), right.size()); ++i)
+            Pair(left[i], right[i]);
+        isAny = true;
+    });
+    return isAny;
+}
+
+// In worlds of one origin a renamed entity has kept its identifier.
+bool Matcher::MatchRenamed()
+{
+    if (m_isOfOneOrigin)
+        return false;
+    return MatchLikely(false) || MatchUnique([this](Side& side, EntityNumber number) {
+               return Mix(side.anchors[number], ContentOf(side, number));
+           });
+}
+
+} // namespace
+
+EntityMatching MatchEntities(const WorldGraph& before, const WorldGraph& after,
+                             const DifferenceOptions& options)
+{
+    return Matcher(before, after, options).Match();
+}
+
+} // namespace karmp::documents

@@ -1,0 +1,109 @@
+#include "KARMPWorldGraph.h"
+
+#include "KARMPAxisSystem.h"
+#include "KARMPBody.h"
+#include "KARMPFamilies.h"
+#include "KARMPVariable.h"
+#include "KARMPWorld.h"
+
+#include <functional>
+
+namespace karmp::documents {
+
+namespace {
+
+using Target = QOBSharedHandle<KARMPEntity>;
+
+// The label of a link as its target sees it.
+constexpr std::uint64_t Backward = 0x5851F42D4C957F2DU;
+
+struct LabelledPair
+{
+    EntityNumber from;
+    WorldGraph::Link link;
+};
+
+std::vector<Target> GlobalsOf(const KARMPWorld& world)
+{
+    QOBSharedHandle<KARMPBody> body;
+    QOBSharedHandle<KARMPAxisSystem> axisSystem;
+    QOBSharedHandle<KARMPVariable> time;
+    QOBSharedHandle<KARMPBody> ground;
+    world.GetGlobalBody(body);
+    world.GetGlobalAxisSystem(axisSystem);
+    world.GetGlobalTime(time);
+    world.GetGroundBody(ground);
+    return {Target(body), Target(axisSystem), Target(time), Target(ground)};
+}
+
+} // namespace
+
+WorldGraph::WorldGraph(const KARMPWorld& world) : m_globals(GlobalsOf(world))
+{
+    std::uint32_t family = 0;
+    ForEachRegistryElement([&](const auto& element) {
+        using T = typename std::remove_cvref_t<decltype(element)>::Type;
+        const int count = world.Count<T>();
+        for (int index = 0; index < count; ++index) {
+            QOBSharedHandle<T> entity;
+            if (!KARFailed(world.Get<T>(index, entity)) && entity)
+                Add(Target::unchecked(entity), family);
+        }
+        ++family;
+    });
+    AddLinks();
+}
+
+void WorldGraph::Add(const Target& entity, std::uint32_t family)
+{
+    const auto number = static_cast<EntityNumber>(m_entities.size());
+    if (!m_numbers.emplace(entity.get(), number).second)
+        return;
+    Entity added{entity, &ClassItems::Of(*entity), {}, family, false, 0};
+    entity->GetIdentifier(added.identifier);
+    const std::wstring& name = entity->getEntityName();
+    added.isNamed = !name.empty();
+    added.title = Mix(added.items->Hash(), std::hash<std::wstring_view>()(name));
+    m_entities.push_back(std::move(added));
+}
+
+void WorldGraph::AddLinks()
+{
+    std::vector<LabelledPair> pairs;
+    const auto add = [&](EntityNumber from, std::uint64_t label, const Target& target) {
+        const EntityNumber to = NumberOf(target.get());
+        if (to == NoEntity)
+            return;
+        pairs.push_back({from, {label, to}});
+        pairs.push_back({to, {label ^ Backward, from}});
+    };
+    for (EntityNumber number = 0; number < Count(); ++number) {
+        const Entity& entity = m_entities[number];
+        for (const ItemInfo* const item : entity.items->Links()) {
+            const std::uint64_t label = std::hash<std::wstring>()(item->path);
+            const ItemData data = item->Get(*entity.handle);
+            if (const auto* const target = std::get_if<Target>(&data))
+                add(number, label, *target);
+            else if (const auto* const targets = std::get_if<std::vector<Target>>(&data))
+                for (const Target& entry : *targets)
+                    add(number, label, entry);
+        }
+    }
+    m_firstLinks.assign(m_entities.size() + 1, 0);
+    for (const LabelledPair& pair : pairs)
+        ++m_firstLinks[pair.from + 1];
+    for (std::size_t i = 1; i < m_firstLinks.size(); ++i)
+        m_firstLinks[i] += m_firstLinks[i - 1];
+    m_links.resize(pairs.size());
+    std::vector<std::size_t> next(m_firstLinks.begin(), m_firstLinks.end() - 1);
+    for (const LabelledPair& pair : pairs)
+        m_links[next[pair.from]++] = pair.link;
+}
+
+EntityNumber WorldGraph::NumberOf(const KARMPEntity* entity) const
+{
+    const auto found = m_numbers.find(entity);
+    return found != m_numbers.end() ? found->second : NoEntity;
+}
+
+} // namespace karmp::documents
