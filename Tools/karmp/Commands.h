@@ -37,6 +37,21 @@ struct CheckOptions
 /// Prints what the library skips without a report, and what it reports.
 int RunCheck(const CheckOptions& options);
 
+/// The arguments of `karmp diff`.
+struct DiffOptions
+{
+    std::string before;
+    std::string after; // empty when the first document is compared with what it reads back as
+    double tolerance = 0.0;
+    double floor = -1.0; // by the tolerance when negative
+    bool byName = false; // identifiers tell nothing
+    bool identifiers = false;
+    bool json = false;
+    bool quiet = false;
+};
+/// Prints what two documents differ in, whatever the order and the identifiers of their entities.
+int RunDiff(const DiffOptions& options);
+
 /// The arguments of `karmp convert`.
 struct ConvertOptions
 {

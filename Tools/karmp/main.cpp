@@ -52,6 +52,38 @@ int Run(int argc, char** argv)
     checkApp->footer(Footer("karmp check crank.xml --json"));
     checkApp->callback([&] { command = [&check] { return RunCheck(check); }; });
 
+    DiffOptions diff;
+    bool isReloaded = false;
+    CLI::App* diffApp = app.add_subcommand(
+        "diff", "What two documents differ in, whatever the order and the identifiers of entities");
+    diffApp->add_option("A", diff.before, "Document")->required();
+    CLI::Option* const other = diffApp->add_option("B", diff.after, "Document to compare with");
+    CLI::Option* const reloaded = diffApp->add_flag(
+        "--reloaded", isReloaded, "Compare with what the document is after a save and a load");
+    other->excludes(reloaded);
+    diffApp
+        ->add_option("--tolerance", diff.tolerance,
+                     "Share of the greater magnitude by which numbers may differ")
+        ->check(CLI::NonNegativeNumber)
+        ->capture_default_str();
+    diffApp
+        ->add_option("--floor", diff.floor,
+                     "Amount by which numbers may differ; 1e-12 with a tolerance, 0 without one")
+        ->check(CLI::NonNegativeNumber);
+    diffApp->add_flag("--by-name", diff.byName,
+                      "Match by names and links alone, whatever the identifiers");
+    diffApp->add_flag("--ids", diff.identifiers, "Identifiers behind the names");
+    diffApp->add_flag("--json", diff.json, "Differences as JSON");
+    diffApp->add_flag("-q,--quiet", diff.quiet, "No output, the exit code alone");
+    diffApp->footer("Example:\n  karmp diff old.xml new.xml --tolerance 1e-9\n\n"
+                    "Exit code: 0 when there is no difference, 1 when there are some, 2 when the "
+                    "arguments are wrong or a file is not read.");
+    diffApp->callback([&] {
+        if (diff.after.empty() && !isReloaded)
+            throw CLI::RequiredError("B or --reloaded");
+        command = [&diff] { return RunDiff(diff); };
+    });
+
     ConvertOptions convert;
     CLI::App* convertApp = app.add_subcommand(
         "convert", "Writes a document in canonical form, for another version if asked, and lists "
