@@ -300,16 +300,17 @@ bool Matcher::MatchAnchored()
     });
 }
 
-// Matched entities are in the anchors.
+// Matched neighbours are in the anchors.
 void Matcher::Refine(Side& side) const
 {
     std::vector<std::uint64_t> refined(side.unmatched.size());
     for (std::size_t i = 0; i < refined.size(); ++i) {
-        std::uint64_t around = 0;
-        for (const WorldGraph::Link& link : side.graph.LinksOf(side.unmatched[i]))
+        const EntityNumber number = side.unmatched[i];
+        std::uint64_t around = side.anchors[number];
+        for (const WorldGraph::Link& link : side.graph.LinksOf(number))
             if (side.partners[link.target] == NoEntity)
                 around += Mix(link.label, side.colours[link.target]);
-        refined[i] = Mix(side.colours[side.unmatched[i]], around);
+        refined[i] = Mix(side.colours[number], around);
     }
     for (std::size_t i = 0; i < refined.size(); ++i)
         side.colours[side.unmatched[i]] = refined[i];
@@ -320,14 +321,20 @@ bool Matcher::MatchColours()
 {
     for (Side& side : m_sides)
         for (const EntityNumber number : side.unmatched)
-            side.colours[number] = Mix(TitleOf(side, number), side.anchors[number]);
-    for (int round = 0; round < MostRounds; ++round) {
+            side.colours[number] = TitleOf(side, number);
+    bool isAny = false;
+    for (int round = 0; round < MostRounds && !IsDone(); ++round) {
         for (Side& side : m_sides)
             Refine(side);
-        if (MatchUnique([](const Side& side, EntityNumber number) { return side.colours[number]; }))
-            return true;
+        const bool isMatched =
+            MatchUnique([](const Side& side, EntityNumber number) { return side.colours[number]; });
+        if (!isMatched)
+            continue;
+        isAny = true;
+        MatchNeighbours();
+        DropMatched();
     }
-    return false;
+    return isAny;
 }
 
 std::uint64_t Matcher::ContentOf(Side& side, EntityNumber number) const
