@@ -4,6 +4,7 @@
 #include <bit>
 #include <cmath>
 #include <functional>
+#include <string_view>
 
 namespace karmp::documents {
 
@@ -67,6 +68,11 @@ struct ValueHash
     std::uint64_t operator()(const std::wstring& value) const
     {
         return std::hash<std::wstring>()(value);
+    }
+    std::uint64_t operator()(const std::vector<unsigned char>& value) const
+    {
+        return std::hash<std::string_view>()(
+            {reinterpret_cast<const char*>(value.data()), value.size()});
     }
     std::uint64_t operator()(const Doubles& value) const { return HashOfNumbers(value, options); }
     // Links are no content.

@@ -61,7 +61,7 @@ struct ItemInfo
     /// The item's value in an entity of the class, or of a subclass. A getter of the class that
     /// reports is heard as usual.
     KARMP_API ItemData Get(const KARMPEntity& entity) const;
-    /// False for Records, streams and what a class's code alone knows: Get gives nothing then.
+    /// False for Records and for what a class's code alone knows: Get gives nothing then.
     KARMP_API bool CanGet() const;
     /// The number of entries of References or Records in an entity; -1 when it is not known.
     KARMP_API int Count(const KARMPEntity& entity) const;

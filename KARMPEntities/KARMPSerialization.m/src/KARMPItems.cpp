@@ -348,7 +348,7 @@ ItemData ItemInfo::GetFrom(const void* owner) const
 
 bool ItemInfo::CanGet() const
 {
-    if (kind == ItemKind::Records || kind == ItemKind::Stream)
+    if (kind == ItemKind::Records)
         return false;
     return written->get != nullptr || (kind == ItemKind::References && written->count != nullptr);
 }
