@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace karmp::tool {
 
@@ -65,6 +66,20 @@ struct ConvertOptions
 /// cannot hold. Of a document with errors nothing is written unless it is forced, and never onto
 /// the document itself.
 int RunConvert(const ConvertOptions& options);
+
+/// The arguments of `karmp extract`.
+struct ExtractOptions
+{
+    std::string file;
+    std::string output;
+    std::vector<std::string> bodies;   // names or identifiers
+    std::vector<std::string> families; // elements such as "Connectors" in any case, or "all"
+    int reach = 0;
+    bool quiet = false;
+    bool force = false; // extract from what could be read of a document with errors
+};
+/// Writes the part of a mechanism around some bodies and lists the links that were cut.
+int RunExtract(const ExtractOptions& options);
 
 /// The arguments of `karmp graph`.
 struct GraphOptions

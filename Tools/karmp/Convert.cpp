@@ -54,39 +54,6 @@ int PrintLosses(const QOBSharedHandle<KARMPWorld>& world, const SaveOptions& opt
     return Findings;
 }
 
-// Prints the first errors of the input and the number of all.
-void PrintErrors(const ConvertOptions& options, const documents::Diagnostics& messages)
-{
-    constexpr std::size_t most = 10;
-    documents::Diagnostics first;
-    for (const documents::Diagnostic& message : messages.items)
-        if (message.severity == documents::Severity::Error && first.items.size() < most)
-            first.items.push_back(message);
-    PrintMessages(first, true);
-    const std::size_t count = messages.Count(documents::Severity::Error);
-    if (count > most)
-        std::cerr << "... and " << count - most << " more\n";
-    std::cerr << "karmp: " << Printable(std::string_view(options.input)) << " has " << count
-              << (count == 1 ? " error" : " errors");
-}
-
-// Whether the output may be written in spite of errors in the input. The content that they are
-// about would be lost, and with the input itself as output it could not be recovered.
-bool MayWrite(const ConvertOptions& options, const documents::Diagnostics& messages)
-{
-    if (!messages.HasErrors())
-        return true;
-    const bool inPlace = IsSameFile(options.input, options.output);
-    if (options.force && !inPlace)
-        return true;
-    PrintErrors(options, messages);
-    std::cerr << "; nothing was written. Mend the document ('karmp check' lists all findings), or "
-              << (inPlace ? "name another file as output, with --force, for what could be read; a "
-                            "document with errors is never overwritten\n"
-                          : "write what could be read with --force\n");
-    return false;
-}
-
 bool IsKnown(std::wstring_view version)
 {
     const auto& known = documents::KnownVersions();
@@ -113,7 +80,7 @@ int RunConvert(const ConvertOptions& options)
         return Unreadable;
     }
 
-    if (!MayWrite(options, loaded->diagnostics))
+    if (!MayWrite(options.input, options.output, options.force, loaded->diagnostics))
         return Unreadable;
 
     documents::Diagnostics messages;

@@ -101,6 +101,34 @@ int Run(int argc, char** argv)
                        Footer("karmp convert crank.xml old.xml --to R2016.1"));
     convertApp->callback([&] { command = [&convert] { return RunConvert(convert); }; });
 
+    ExtractOptions extract;
+    CLI::App* extractApp = app.add_subcommand(
+        "extract", "The part of a mechanism around some bodies, as a document of its own");
+    extractApp->add_option("FILE", extract.file, "Document")->required();
+    extractApp->add_option("--body", extract.bodies, "Bodies by name or identifier")
+        ->required()
+        ->expected(1, -1);
+    extractApp
+        ->add_option("--reach", extract.reach,
+                     "Joints that lead on to further bodies, from each body on")
+        ->check(CLI::NonNegativeNumber)
+        ->capture_default_str();
+    extractApp
+        ->add_option("--with", extract.families,
+                     "What else is taken along where all that it refers to is: connectors, "
+                     "actuators, sensors, interactions, ..., or all")
+        ->delimiter(',');
+    extractApp->add_option("-o,--output", extract.output, "Document to write")->required();
+    extractApp->add_flag("-q,--quiet", extract.quiet, "No list of the links that were cut");
+    extractApp->add_flag("--force", extract.force,
+                         "Extract from what could be read of a document with errors");
+    extractApp->footer(
+        "Geometries, shapes, joints, constraints, variables and the values that they "
+        "use come with the bodies.\n\n" +
+        Footer("karmp extract car.xml --body hub wheel --with connectors,sensors "
+               "-o wheel.xml"));
+    extractApp->callback([&] { command = [&extract] { return RunExtract(extract); }; });
+
     GraphOptions graph;
     CLI::App* graphApp = app.add_subcommand(
         "graph", "The graph of bodies and joints, as Graphviz text or as a picture");

@@ -15,7 +15,8 @@ TEST_F(Tool, HelpsOnItselfAndOnEachCommandWithAnExample)
 {
     const Outcome all = Run("--help");
     EXPECT_EQ(all.code, 0);
-    for (const std::string command : {"info", "tree", "check", "convert", "graph", "schema"}) {
+    for (const std::string command :
+         {"info", "tree", "check", "convert", "diff", "extract", "graph", "schema"}) {
         ExpectContains(all.output, command);
         const Outcome help = Run(command + " --help");
         EXPECT_EQ(help.code, 0);

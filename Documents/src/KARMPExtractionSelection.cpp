@@ -1,0 +1,304 @@
+#include "KARMPExtractionSelection.h"
+
+#include "KARMPConstraint.h"
+#include "KARMPFamilies.h"
+#include "KARMPGeometry.h"
+#include "KARMPJoint.h"
+#include "KARMPShape.h"
+#include "KARMPValue.h"
+#include "KARMPVariable.h"
+#include "KARMPWorld.h"
+#include "QOBClassInfo.h"
+
+#include <algorithm>
+#include <map>
+#include <variant>
+
+namespace karmp::documents {
+
+namespace {
+
+using Target = QOBSharedHandle<KARMPEntity>;
+
+template <class... T>
+bool IsOneOf(const KARMPEntity& entity)
+{
+    return (entity.isDerivedFrom(T::ClassInfo()) || ...);
+}
+
+// Found from the bodies by links.
+bool IsStructure(const KARMPEntity& entity)
+{
+    return IsOneOf<KARMPBody, KARMPShape, KARMPJoint, KARMPConstraint, KARMPGeometry, KARMPVariable,
+                   KARMPValue>(entity);
+}
+
+std::wstring_view FamilyElementOf(const KARMPEntity& entity)
+{
+    const auto& families = FamilyRecords();
+    const auto found =
+        std::find_if(families.begin(), families.end(), [&entity](const FamilyRecord& family) {
+            return entity.isDerivedFrom(*family.info);
+        });
+    return found != families.end() ? found->element : std::wstring_view();
+}
+
+// Belongs to the entity that refers to it and comes along with that one.
+bool IsPart(const KARMPEntity& entity)
+{
+    const std::wstring_view family = FamilyElementOf(entity);
+    return family == RegistryElementName<KARMPValue>() ||
+           family == RegistryElementName<KARMPAttribute>() ||
+           family == RegistryElementName<KARMPSupport>() ||
+           family == RegistryElementName<KARMPAnalysisStep>();
+}
+
+// Means something without a link to any other entity.
+bool StandsAlone(const KARMPEntity& entity)
+{
+    const std::wstring_view family = FamilyElementOf(entity);
+    return family == RegistryElementName<KARMPAnalysisCase>() ||
+           family == RegistryElementName<KARMPAnalysisStep>() ||
+           family == RegistryElementName<KARMPInitialCondition>() ||
+           family == RegistryElementName<KARMPGenericEntity>() ||
+           family == RegistryElementName<KARMPDebugEntity>() ||
+           family == RegistryElementName<KARMPMaterial>();
+}
+
+// Calls `visit` with each listed entity, in the order of documents.
+template <class Visit>
+void ForEachEntityOf(const KARMPWorld& world, Visit visit)
+{
+    ForEachRegistryElement([&](const auto& element) {
+        using T = typename std::remove_cvref_t<decltype(element)>::Type;
+        for (int index = 0; index < world.Count<T>(); ++index) {
+            QOBSharedHandle<T> entity;
+            if (!KARFailed(world.Get<T>(index, entity)) && entity)
+                visit(Target::unchecked(entity));
+        }
+    });
+}
+
+} // namespace
+
+std::span<const ItemInfo* const> LinkItemsOf(const KARMPEntity& entity)
+{
+    static thread_local std::map<const QOBClassInfo*, std::vector<const ItemInfo*>> made;
+    const QOBClassInfo& info = entity.getClassInfo();
+    const auto [place, added] = made.try_emplace(&info);
+    if (added)
+        for (const ItemInfo& item : ItemsOf(info))
+            if (item.kind == ItemKind::Reference || item.kind == ItemKind::References)
+                place->second.push_back(&item);
+    return place->second;
+}
+
+void ForEachTarget(const KARMPEntity& entity,
+                   const std::function<void(const ItemInfo&, const Target&)>& visit)
+{
+    for (const ItemInfo* item : LinkItemsOf(entity)) {
+        const ItemData data = item->Get(entity);
+        if (const auto* target = std::get_if<Target>(&data)) {
+            if (*target)
+                visit(*item, *target);
+        } else if (const auto* targets = std::get_if<std::vector<Target>>(&data)) {
+            for (const Target& entry : *targets)
+                if (entry)
+                    visit(*item, entry);
+        }
+    }
+}
+
+ExtractionSelection::ExtractionSelection(const KARMPWorld& world,
+                                         const std::vector<QOBSharedHandle<KARMPBody>>& bodies,
+                                         const ExtractionOptions& options)
+    : m_world(world), m_options(options)
+{
+    CollectAttached();
+    SelectBodies(bodies, options.reach);
+    for (const Entity& entity : m_attached)
+        if (IsWanted(*entity) && (!IsPart(*entity) || StandsAlone(*entity)) &&
+            m_known.insert(entity.get()).second)
+            m_candidates.push_back(entity);
+    SelectCandidates();
+    PutInOrder();
+}
+
+ExtractionSelection::ExtractionSelection(const KARMPWorld& world) : m_world(world)
+{
+    ForEachEntityOf(
+        world,
+        [this](const Entity& entity) {
+            m_selected.insert(entity.get());
+            m_entities.push_back(entity);
+        });
+}
+
+bool ExtractionSelection::IsWanted(const KARMPEntity& entity) const
+{
+    return IsStructure(entity) || std::find(m_options.families.begin(), m_options.families.end(),
+                                            FamilyElementOf(entity)) != m_options.families.end();
+}
+
+void ExtractionSelection::CollectAttached()
+{
+    ForEachEntityOf(
+        m_world,
+        [this](const Entity& entity) {
+            if (!IsStructure(*entity))
+                m_attached.push_back(entity);
+        });
+}
+
+void ExtractionSelection::SelectBodies(const std::vector<QOBSharedHandle<KARMPBody>>& bodies,
+                                       int reach)
+{
+    // The connectors that are taken along lead from body to body as joints do.
+    std::unordered_multimap<const KARMPEntity*, Entity> connectors;
+    if (reach > 0)
+        for (const Entity& entity : m_attached)
+            if (IsWanted(*entity) && FamilyElementOf(*entity) == L"Connectors")
+                ForEachTarget(*entity, [&](const ItemInfo&, const Target& target) {
+                    connectors.emplace(target.get(), entity);
+                });
+    std::vector<Entity> front;
+    for (const auto& body : bodies)
+        if (body && !Has(body.get())) {
+            Select(body);
+            front.push_back(body);
+        }
+    for (int step = 0; step < reach && !front.empty(); ++step) {
+        std::vector<Entity> next;
+        std::unordered_set<const KARMPEntity*> passed;
+        const auto pass = [&](const Entity& between) {
+            if (!passed.insert(between.get()).second)
+                return;
+            const Footprint footprint = FootprintOf(between);
+            for (const KARMPEntity* body : footprint.bodies)
+                if (!Has(body)) {
+                    const Entity reached(const_cast<KARMPEntity*>(body));
+                    Select(reached);
+                    next.push_back(reached);
+                }
+        };
+        for (const Entity& body : front) {
+            ForEachTarget(*body, [&](const ItemInfo&, const Target& target) {
+                if (IsOneOf<KARMPJoint>(*target))
+                    pass(target);
+                else if (IsOneOf<KARMPGeometry>(*target))
+                    ForEachTarget(*target, [&](const ItemInfo&, const Target& user) {
+                        if (IsOneOf<KARMPConstraint>(*user))
+                            pass(user);
+                    });
+            });
+            const auto [begin, end] = connectors.equal_range(body.get());
+            for (auto entry = begin; entry != end; ++entry)
+                pass(entry->second);
+        }
+        front = std::move(next);
+    }
+}
+
+void ExtractionSelection::Select(const Entity& entity)
+{
+    if (!m_selected.insert(entity.get()).second)
+        return;
+    m_known.insert(entity.get());
+    std::vector<Entity> parts;
+    ForEachTarget(*entity, [&](const ItemInfo&, const Target& target) {
+        if (!IsWanted(*target) || IsOneOf<KARMPBody>(*target))
+            return;
+        if (IsPart(*target))
+            parts.push_back(target);
+        else if (m_known.insert(target.get()).second)
+            m_candidates.push_back(target);
+    });
+    for (const Entity& part : parts)
+        Select(part);
+}
+
+void ExtractionSelection::SelectCandidates()
+{
+    // A candidate that does not come along may do so when a further variable has.
+    for (bool changed = true; changed;) {
+        changed = false;
+        std::vector<Entity> waiting;
+        while (!m_candidates.empty()) {
+            const Entity candidate = std::move(m_candidates.back());
+            m_candidates.pop_back();
+            if (ComesAlong(candidate)) {
+                Select(candidate);
+                changed = true;
+            } else {
+                waiting.push_back(candidate);
+            }
+        }
+        m_candidates = std::move(waiting);
+    }
+}
+
+// A variable becomes a candidate by an entity that uses it.
+bool ExtractionSelection::ComesAlong(const Entity& candidate) const
+{
+    if (IsOneOf<KARMPVariable>(*candidate))
+        return true;
+    if (!IsStructure(*candidate))
+        return AttachedComesAlong(candidate);
+    const Footprint footprint = FootprintOf(candidate);
+    const auto& needed = footprint.bodies.empty() ? footprint.variables : footprint.bodies;
+    return !needed.empty() &&
+           std::all_of(needed.begin(), needed.end(),
+                       [this](const KARMPEntity* entity) { return Has(entity); });
+}
+
+bool ExtractionSelection::AttachedComesAlong(const Entity& candidate) const
+{
+    bool refers = false;
+    bool hasAll = true;
+    ForEachTarget(*candidate, [&](const ItemInfo&, const Target& target) {
+        if (IsPart(*target))
+            return;
+        refers = true;
+        hasAll = hasAll && Has(target.get());
+    });
+    return hasAll && (refers || StandsAlone(*candidate));
+}
+
+// Looks through joints, constraints, geometries and connectors, but not into bodies.
+ExtractionSelection::Footprint ExtractionSelection::FootprintOf(const Entity& entity) const
+{
+    Footprint footprint;
+    std::unordered_set<const KARMPEntity*> passed{entity.get()};
+    std::vector<Entity> pending{entity};
+    while (!pending.empty()) {
+        const Entity current = std::move(pending.back());
+        pending.pop_back();
+        // The constraints on a geometry are not what the geometry is about.
+        const bool bodiesOnly = IsOneOf<KARMPGeometry, KARMPShape>(*current);
+        ForEachTarget(*current, [&](const ItemInfo&, const Target& target) {
+            if (!passed.insert(target.get()).second)
+                return;
+            if (IsOneOf<KARMPBody>(*target))
+                footprint.bodies.push_back(target.get());
+            else if (bodiesOnly)
+                return;
+            else if (IsOneOf<KARMPVariable>(*target))
+                footprint.variables.push_back(target.get());
+            else if (IsOneOf<KARMPJoint, KARMPConstraint, KARMPGeometry>(*target))
+                pending.push_back(target);
+        });
+    }
+    return footprint;
+}
+
+void ExtractionSelection::PutInOrder()
+{
+    ForEachEntityOf(
+        m_world,
+        [this](const Entity& entity) {
+            if (Has(entity.get()))
+                m_entities.push_back(entity);
+        });
+}
+
+} // namespace karmp::documents

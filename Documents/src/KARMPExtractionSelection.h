@@ -1,0 +1,75 @@
+#pragma once
+
+#include "KARMPItems.h"
+#include "KARMPWorldExtraction.h"
+
+#include <functional>
+#include <span>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+namespace karmp::documents {
+
+/// The references and lists of references that an entity of a class may hold.
+std::span<const ItemInfo* const> LinkItemsOf(const KARMPEntity& entity);
+
+/// Calls `visit` with each item and each entity that it refers to.
+void ForEachTarget(const KARMPEntity& entity,
+                   const std::function<void(const ItemInfo& item,
+                                            const QOBSharedHandle<KARMPEntity>& target)>& visit);
+
+/// Which entities of a world an extract has. Joints, constraints, geometries and variables are
+/// found from the bodies by their links; the further families are looked through as a whole.
+class ExtractionSelection
+{
+public:
+    ExtractionSelection(const KARMPWorld& world,
+                        const std::vector<QOBSharedHandle<KARMPBody>>& bodies,
+                        const ExtractionOptions& options);
+
+    /// All entities of a world.
+    explicit ExtractionSelection(const KARMPWorld& world);
+
+    bool Has(const KARMPEntity* entity) const { return m_selected.count(entity) != 0; }
+    /// The selected entities in the order of documents.
+    const std::vector<QOBSharedHandle<KARMPEntity>>& Entities() const { return m_entities; }
+    /// The entities of the further families, taken along or not, and of those that were not asked
+    /// for.
+    const std::vector<QOBSharedHandle<KARMPEntity>>& Attached() const { return m_attached; }
+
+private:
+    using Entity = QOBSharedHandle<KARMPEntity>;
+    /// What an entity is about.
+    struct Footprint
+    {
+        std::vector<const KARMPEntity*> bodies;
+        std::vector<const KARMPEntity*> variables;
+    };
+
+    void CollectAttached();
+    void SelectBodies(const std::vector<QOBSharedHandle<KARMPBody>>& bodies, int reach);
+    /// Selects an entity and makes those that are linked to it candidates.
+    void Select(const Entity& entity);
+    /// Selects what comes along until nothing more does.
+    void SelectCandidates();
+    bool ComesAlong(const Entity& candidate) const;
+    bool AttachedComesAlong(const Entity& candidate) const;
+    Footprint FootprintOf(const Entity& entity) const;
+    bool IsWanted(const KARMPEntity& entity) const;
+    void PutInOrder();
+
+    const KARMPWorld& m_world;
+    const ExtractionOptions m_options;
+    std::unordered_set<const KARMPEntity*> m_selected;
+    std::unordered_set<const KARMPEntity*> m_known;
+    std::vector<Entity> m_candidates;
+    std::vector<Entity> m_attached;
+    std::vector<Entity> m_entities;
+};
+
+/// The extract of the selected entities.
+Extraction Extract(const KARMPWorld& world, const ExtractionSelection& selection);
+
+} // namespace karmp::documents

@@ -1,0 +1,324 @@
+#include "KARMPWorldExtraction.h"
+
+#include "KARMPAxisSystem.h"
+#include "KARMPClassItems.h"
+#include "KARMPDocumentReader.h"
+#include "KARMPDocumentWriter.h"
+#include "KARMPEntityTable.h"
+#include "KARMPExtractionSelection.h"
+#include "KARMPFamilies.h"
+#include "KARMPVariable.h"
+#include "KARMPWorld.h"
+#include "QOBBasicWorld.h"
+
+#include <algorithm>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+#include <variant>
+
+namespace karmp::documents {
+
+namespace {
+
+using Entity = QOBSharedHandle<KARMPEntity>;
+using Entities = std::vector<Entity>;
+
+/// Makes the world of the selected entities.
+class Extractor
+{
+public:
+    Extractor(const KARMPWorld& source, const ExtractionSelection& selection)
+        : m_source(source), m_selection(selection)
+    {}
+
+    Extraction Run();
+
+private:
+    bool Duplicate();
+    Entities SourcesOf(const QOBClassInfo& family) const;
+    template <class T>
+    bool PairDuplicates(const Entities& sources);
+    template <class T>
+    void DuplicatePassedOver(const Entities& sources);
+    void Enter(const Entity& source, const Entity& duplicate);
+    const Entity* DuplicateOf(const KARMPEntity* source) const;
+
+    void RestoreGlobals();
+    template <class T, class Family>
+    void RestoreGlobal(KARStatus (KARMPWorld::*get)(QOBSharedHandle<T>&) const,
+                       KARStatus (KARMPWorld::*set)(const QOBSharedHandle<T>&));
+
+    void Restore(const Entity& source, const Entity& duplicate);
+    void RestoreLink(const ItemInfo& item, const Entity& source, const Entity& duplicate);
+    void RestoreValue(const ItemInfo& item, const Entity& source, const Entity& duplicate);
+    void RestoreRecords(const ItemInfo& item, const Entity& source, const Entity& duplicate);
+    void RestoreByElement(const Entity& source, const Entity& duplicate);
+    /// The value with duplicates in place of the entities; those without one are left out.
+    ItemData Translated(const ItemData& value) const;
+    void TellCutLinks(const Entity& holder);
+    /// True when the target refers back and is the end that tells of the link.
+    bool IsToldByTarget(const ItemInfo& item, const Entity& holder, const Entity& target) const;
+
+    const KARMPWorld& m_source;
+    const ExtractionSelection& m_selection;
+    Extraction m_result;
+    std::vector<std::pair<Entity, Entity>> m_pairs;
+    std::unordered_map<const KARMPEntity*, Entity> m_duplicates;
+    KARMPEntityTable m_table;
+};
+
+Extraction Extractor::Run()
+{
+    if (Duplicate()) {
+        for (const auto& [source, duplicate] : m_pairs)
+            Restore(source, duplicate);
+        RestoreGlobals();
+        for (const auto& [source, duplicate] : m_pairs)
+            TellCutLinks(source);
+        for (const Entity& entity : m_selection.Attached())
+            if (!m_selection.Has(entity.get()))
+                TellCutLinks(entity);
+    }
+    return std::move(m_result);
+}
+
+bool Extractor::Duplicate()
+{
+    QOBSharedList<KARMPEntity> filter(m_selection.Entities().begin(), m_selection.Entities().end());
+    m_result.world = m_source.CloneWithFilter(filter);
+    if (!m_result.world)
+        return false;
+    KARMPUnit::Enum unit{};
+    m_source.GetLengthUnit(unit);
+    m_result.world->SetLengthUnit(unit);
+    m_table.Reserve(filter.size());
+    m_pairs.reserve(filter.size());
+    m_duplicates.reserve(filter.size());
+    auto family = FamilyRecords().begin();
+    bool isComplete = true;
+    ForEachRegistryElement([&](const auto& element) {
+        using T = typename std::remove_cvref_t<decltype(element)>::Type;
+        const Entities sources = SourcesOf(*family++->info);
+        if constexpr (std::is_same_v<T, KARMPConnector> || std::is_same_v<T, KARMPValue>)
+            DuplicatePassedOver<T>(sources);
+        else
+            isComplete = PairDuplicates<T>(sources) && isComplete;
+    });
+    if (!isComplete)
+        m_result.world = nullptr;
+    return isComplete;
+}
+
+Entities Extractor::SourcesOf(const QOBClassInfo& family) const
+{
+    Entities sources;
+    for (const Entity& entity : m_selection.Entities())
+        if (entity->isDerivedFrom(family))
+            sources.push_back(entity);
+    return sources;
+}
+
+// The duplicates of a family are filed in the order of the filter, behind the global of a new
+// world. False when one could not be made.
+template <class T>
+bool Extractor::PairDuplicates(const Entities& sources)
+{
+    constexpr bool hasGlobal = std::is_same_v<T, KARMPBody> || std::is_same_v<T, KARMPGeometry> ||
+                               std::is_same_v<T, KARMPVariable>;
+    constexpr int first = hasGlobal ? 1 : 0;
+    const KARMPWorld& world = *m_result.world;
+    if (world.Count<T>() != first + static_cast<int>(sources.size()))
+        return false;
+    for (std::size_t i = 0; i < sources.size(); ++i) {
+        QOBSharedHandle<T> duplicate;
+        world.Get<T>(first + static_cast<int>(i), duplicate);
+        Enter(sources[i], Entity::unchecked(duplicate));
+    }
+    return true;
+}
+
+// A filtered clone passes over connectors and values.
+template <class T>
+void Extractor::DuplicatePassedOver(const Entities& sources)
+{
+    for (const Entity& entity : sources) {
+        QOBSharedObject* const copy = entity->duplicateObject(QOBDynamicObject::CopyShallow);
+        const auto duplicate = QOBSharedHandle<T>::unchecked(QOBSharedBase(copy));
+        if (copy == nullptr)
+            continue;
+        copy->removeReference();
+        KARBaseUnknown_var key1;
+        KARBaseUnknown_var key2;
+        m_source.GetKeys<T>(QOBSharedHandle<T>::unchecked(entity), key1, key2);
+        m_result.world->Add<T>(key1, key2, duplicate);
+        Enter(entity, Entity::unchecked(duplicate));
+    }
+}
+
+void Extractor::Enter(const Entity& source, const Entity& duplicate)
+{
+    const QOBSharedHandle<QOBBasicEntity> above(m_result.world->getExtendible());
+    if (above)
+        above->addLogicalChild(duplicate);
+    std::wstring identifier;
+    source->GetIdentifier(identifier);
+    m_table.Set(identifier, duplicate);
+    m_duplicates.emplace(source.get(), duplicate);
+    m_pairs.emplace_back(source, duplicate);
+}
+
+const Entity* Extractor::DuplicateOf(const KARMPEntity* source) const
+{
+    const auto found = m_duplicates.find(source);
+    return found != m_duplicates.end() ? &found->second : nullptr;
+}
+
+void Extractor::RestoreGlobals()
+{
+    using World = KARMPWorld;
+    RestoreGlobal<KARMPAxisSystem, KARMPGeometry>(&World::GetGlobalAxisSystem,
+                                                  &World::SetGlobalAxisSystem);
+    RestoreGlobal<KARMPBody, KARMPBody>(&World::GetGlobalBody, &World::SetGlobalBody);
+    RestoreGlobal<KARMPVariable, KARMPVariable>(&World::GetGlobalTime, &World::SetGlobalTime);
+    QOBSharedHandle<KARMPBody> ground;
+    m_source.GetGroundBody(ground);
+    if (const Entity* const duplicate = DuplicateOf(ground.get()))
+        m_result.world->SetGroundBody(QOBSharedHandle<KARMPBody>(*duplicate));
+}
+
+// The registries of a filtered clone begin with the globals that a new world has; the clone's own
+// are duplicates that no registry lists.
+template <class T, class Family>
+void Extractor::RestoreGlobal(KARStatus (KARMPWorld::*get)(QOBSharedHandle<T>&) const,
+                              KARStatus (KARMPWorld::*set)(const QOBSharedHandle<T>&))
+{
+    KARMPWorld& world = *m_result.world;
+    QOBSharedHandle<T> source;
+    QOBSharedHandle<Family> first;
+    (m_source.*get)(source);
+    world.Get<Family>(0, first);
+    const Entity* const duplicate = DuplicateOf(source.get());
+    // The global of the extract stands for that of the source, and extracts of one world are equal.
+    std::wstring identifier;
+    if (duplicate == nullptr && source && first && !KARFailed(source->GetIdentifier(identifier)))
+        first->SetIdentifier(identifier);
+    (world.*set)(QOBSharedHandle<T>(duplicate != nullptr ? *duplicate : Entity(first)));
+    if (duplicate != nullptr)
+        world.Remove<Family>(first);
+}
+
+void Extractor::Restore(const Entity& source, const Entity& duplicate)
+{
+    std::wstring identifier;
+    if (ClassItems::Of(*source).HasMore(*source))
+        RestoreByElement(source, duplicate);
+    else if (!KARFailed(source->GetIdentifier(identifier)))
+        duplicate->SetIdentifier(identifier);
+    for (const ItemInfo& item : ItemsOf(source->getClassInfo()))
+        if (item.kind == ItemKind::Reference || item.kind == ItemKind::References)
+            RestoreLink(item, source, duplicate);
+        else if (item.kind == ItemKind::Records)
+            RestoreRecords(item, source, duplicate);
+        else
+            RestoreValue(item, source, duplicate);
+}
+
+void Extractor::RestoreLink(const ItemInfo& item, const Entity& source, const Entity& duplicate)
+{
+    const ItemData value = Translated(item.Get(*source));
+    const auto* const target = std::get_if<Entity>(&value);
+    const auto* const targets = std::get_if<Entities>(&value);
+    const bool isSet = (target != nullptr && *target) || (targets != nullptr && !targets->empty());
+    if (isSet && item.Get(*duplicate) != value)
+        item.Set(*duplicate, value);
+}
+
+void Extractor::RestoreValue(const ItemInfo& item, const Entity& source, const Entity& duplicate)
+{
+    const ItemData value = item.Get(*source);
+    if (std::holds_alternative<std::monostate>(value) || item.Get(*duplicate) == value)
+        return;
+    if (KARFailed(item.Set(*duplicate, value)))
+        m_result.lostItems.push_back({source, {}, item.path});
+}
+
+// A copy that keeps its records keeps all of them.
+void Extractor::RestoreRecords(const ItemInfo& item, const Entity& source, const Entity& duplicate)
+{
+    if (item.Count(*duplicate) == item.Count(*source))
+        return;
+    for (std::vector<ItemData>& record : item.GetRecords(*source)) {
+        for (ItemData& field : record)
+            field = Translated(field);
+        if (KARFailed(item.AddRecord(*duplicate, record)))
+            m_result.lostItems.push_back({source, {}, item.path});
+    }
+}
+
+ItemData Extractor::Translated(const ItemData& value) const
+{
+    if (const auto* const entity = std::get_if<Entity>(&value)) {
+        const Entity* const duplicate = DuplicateOf(entity->get());
+        return duplicate != nullptr ? *duplicate : Entity();
+    }
+    const auto* const entities = std::get_if<Entities>(&value);
+    if (entities == nullptr)
+        return value;
+    Entities translated;
+    for (const Entity& entity : *entities)
+        if (const Entity* const duplicate = DuplicateOf(entity.get()))
+            translated.push_back(*duplicate);
+    return translated;
+}
+
+// What a class writes by code alone it reads by code alone. The element has the identifier too.
+void Extractor::RestoreByElement(const Entity& source, const Entity& duplicate)
+{
+    KARMPDocumentWriter root(CurrentVersion, Doubles::Exact);
+    std::string bytes;
+    if (!KARFailed(source->Serialize(&root)) && !root.RenderXml(bytes).HasErrors()) {
+        Document document = Document::ReadText(std::move(bytes), "<entity>");
+        if (document.Root() != nullptr &&
+            !KARFailed(duplicate->Deserialize(document.Root(), m_table)))
+            return;
+    }
+    m_result.lostItems.push_back({source, {}, {}});
+}
+
+// Of a link that both ends know the end in the extract tells.
+void Extractor::TellCutLinks(const Entity& holder)
+{
+    const bool has = m_selection.Has(holder.get());
+    ForEachTarget(*holder, [&](const ItemInfo& item, const Entity& target) {
+        if (m_selection.Has(target.get()) != has &&
+            (has || item.otherSide.empty() || !IsToldByTarget(item, holder, target)))
+            m_result.cutLinks.push_back({holder, target, item.path});
+    });
+}
+
+bool Extractor::IsToldByTarget(const ItemInfo& item, const Entity& holder,
+                               const Entity& target) const
+{
+    bool refersBack = false;
+    ForEachTarget(*target, [&](const ItemInfo& other, const Entity& entity) {
+        refersBack = refersBack || (entity == holder && other.path == item.otherSide);
+    });
+    return refersBack;
+}
+
+} // namespace
+
+Extraction Extract(const KARMPWorld& world, const ExtractionSelection& selection)
+{
+    return Extractor(world, selection).Run();
+}
+
+Extraction ExtractWorld(const KARMPWorld& world,
+                        const std::vector<QOBSharedHandle<KARMPBody>>& bodies,
+                        const ExtractionOptions& options)
+{
+    return Extract(world, ExtractionSelection(world, bodies, options));
+}
+
+} // namespace karmp::documents

@@ -1,0 +1,198 @@
+// Parts of mechanisms as worlds of their own.
+#include "KARMPBody.h"
+#include "KARMPDocuments.h"
+#include "KARMPTestFixture.h"
+#include "KARMPWorld.h"
+#include "KARMPWorldDifference.h"
+#include "KARMPWorldExtraction.h"
+#include "KARTextConversion.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+
+namespace karmp::documents {
+
+namespace {
+
+namespace fs = std::filesystem;
+using Bodies = std::vector<QOBSharedHandle<KARMPBody>>;
+using World = QOBSharedHandle<KARMPWorld>;
+
+World SliderCrank()
+{
+    return LoadFile(fs::path(KARMP_EXAMPLE_DOCUMENTS) / "slider-crank.xml").world;
+}
+
+Bodies AllBodies(const KARMPWorld& world)
+{
+    Bodies bodies(static_cast<std::size_t>(world.GetBodyCount()));
+    for (std::size_t i = 0; i < bodies.size(); ++i)
+        world.Get<KARMPBody>(static_cast<int>(i), bodies[i]);
+    return bodies;
+}
+
+Bodies Named(const KARMPWorld& world, const std::vector<std::wstring>& names)
+{
+    Bodies named;
+    for (const auto& body : AllBodies(world))
+        if (std::find(names.begin(), names.end(), body->getEntityName()) != names.end())
+            named.push_back(body);
+    EXPECT_EQ(named.size(), names.size());
+    return named;
+}
+
+std::vector<std::string> NamesOf(const Bodies& bodies)
+{
+    std::vector<std::string> names;
+    for (const auto& body : bodies)
+        names.push_back(kar::ToUtf8(body->getEntityName()));
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+std::vector<std::string> TextsOf(const std::vector<CutLink>& links)
+{
+    std::vector<std::string> texts;
+    for (const CutLink& link : links)
+        texts.push_back(kar::ToUtf8(link.holder->getEntityName() + L' ' + link.item + L' ' +
+                                    link.target->getEntityName()));
+    std::sort(texts.begin(), texts.end());
+    return texts;
+}
+
+Diagnostics CheckOf(const World& world)
+{
+    std::string text;
+    Diagnostics messages = SaveText(world, text);
+    messages.Append(CheckText(text));
+    return messages;
+}
+
+std::vector<std::wstring> AllFamilies()
+{
+    std::vector<std::wstring> families;
+    for (const FamilyRecord& family : FamilyRecords())
+        families.emplace_back(family.element);
+    return families;
+}
+
+class WorldExtraction : public KARMPTestFixture
+{};
+
+TEST_F(WorldExtraction, OfAllBodiesIsTheMechanism)
+{
+    for (const auto& entry : fs::directory_iterator(KARMP_EXAMPLE_DOCUMENTS)) {
+        SCOPED_TRACE(entry.path());
+        const World world = LoadFile(entry.path()).world;
+        const Extraction extract = ExtractWorld(*world, AllBodies(*world), {0, AllFamilies()});
+        ASSERT_TRUE(extract.world);
+        EXPECT_TRUE(extract.cutLinks.empty());
+        for (const CutLink& lost : extract.lostItems)
+            ADD_FAILURE() << lost.holder->getClassName() << " " << kar::ToUtf8(lost.item);
+        EXPECT_EQ(FindDifferences(*world, *extract.world).size(), 0U);
+        EXPECT_EQ(FindDifferences(*extract.world, *world).size(), 0U);
+    }
+}
+
+TEST_F(WorldExtraction, TellsTheLinksThatItCuts)
+{
+    const World world = SliderCrank();
+    const Extraction extract = ExtractWorld(*world, Named(*world, {L"Crank"}));
+    ASSERT_TRUE(extract.world);
+    EXPECT_EQ(NamesOf(AllBodies(*extract.world)),
+              (std::vector<std::string>{"Crank", "GlobalBody"}));
+    EXPECT_EQ(extract.world->Count<KARMPJoint>(), 0);
+    EXPECT_EQ(extract.world->Count<KARMPConstraint>(), 0);
+    EXPECT_EQ(TextsOf(extract.cutLinks),
+              (std::vector<std::string>{"Crank Joints Crank pin", "Crank Joints Main bearing",
+                                        "Crank.Bearing Constraints Main bearing.constraint",
+                                        "Crank.Pin Constraints Crank pin.constraint"}));
+    EXPECT_TRUE(CheckOf(extract.world).items.empty());
+}
+
+TEST_F(WorldExtraction, ReachesOverJointsToFurtherBodies)
+{
+    const World world = SliderCrank();
+    const Bodies crank = Named(*world, {L"Crank"});
+    const auto reached = [&](int reach) {
+        const Extraction extract = ExtractWorld(*world, crank, {reach, {}});
+        EXPECT_TRUE(CheckOf(extract.world).items.empty());
+        return NamesOf(AllBodies(*extract.world));
+    };
+    EXPECT_EQ(reached(1), (std::vector<std::string>{"Crank", "GlobalBody", "Rod"}));
+    EXPECT_EQ(reached(2), (std::vector<std::string>{"Crank", "GlobalBody", "Rod", "Slider"}));
+    EXPECT_EQ(reached(1000), reached(2));
+}
+
+TEST_F(WorldExtraction, KeepsIdentifiersNamesAndSettings)
+{
+    const World world = SliderCrank();
+    world->SetLengthUnit(KARMPUnit::Millimeter);
+    world->SetLinearTolerance(0.25);
+    const Extraction extract = ExtractWorld(*world, Named(*world, {L"Crank", L"Rod"}));
+    KARMPUnit::Enum unit{};
+    extract.world->GetLengthUnit(unit);
+    EXPECT_EQ(unit, KARMPUnit::Millimeter);
+    for (const Difference& difference : FindDifferences(*world, *extract.world)) {
+        const bool isExpected = difference.kind == DifferenceKind::Removed ||
+                                difference.kind == DifferenceKind::LinkLost;
+        EXPECT_TRUE(isExpected) << DifferenceText(difference.kind) << ' '
+                                << kar::ToUtf8(difference.item);
+    }
+}
+
+TEST_F(WorldExtraction, HasTheGlobalsOfTheSourceWhereTheyComeAlong)
+{
+    const World world = SliderCrank();
+    QOBSharedHandle<KARMPBody> global;
+    world->GetGlobalBody(global);
+    world->SetGroundBody(global);
+    const Extraction extract = ExtractWorld(*world, {global});
+    QOBSharedHandle<KARMPBody> found;
+    QOBSharedHandle<KARMPBody> ground;
+    extract.world->GetGlobalBody(found);
+    extract.world->GetGroundBody(ground);
+    const Bodies bodies = AllBodies(*extract.world);
+    ASSERT_EQ(bodies.size(), 1U);
+    EXPECT_EQ(bodies[0], found);
+    EXPECT_EQ(bodies[0], ground);
+    EXPECT_NE(found, global);
+}
+
+TEST_F(WorldExtraction, OfOnePartIsTheSameTwice)
+{
+    const World world = SliderCrank();
+    const auto text = [&] {
+        std::string saved;
+        SaveText(ExtractWorld(*world, Named(*world, {L"Rod"})).world, saved);
+        return saved;
+    };
+    EXPECT_EQ(text(), text());
+}
+
+TEST_F(WorldExtraction, OfNoBodyHasTheGlobalsAlone)
+{
+    const World world = SliderCrank();
+    const Extraction extract = ExtractWorld(*world, {});
+    EXPECT_EQ(extract.world->GetBodyCount(), 1);
+    EXPECT_TRUE(extract.cutLinks.empty());
+    EXPECT_EQ(ExtractWorld(*world, {QOBSharedHandle<KARMPBody>()}).world->GetBodyCount(), 1);
+}
+
+TEST_F(WorldExtraction, LeavesTheSourceAsItWas)
+{
+    const World world = SliderCrank();
+    std::string before;
+    std::string after;
+    SaveText(world, before);
+    ExtractWorld(*world, Named(*world, {L"Crank", L"Rod"}), {1, AllFamilies()});
+    SaveText(world, after);
+    EXPECT_EQ(before, after);
+}
+
+} // namespace
+
+} // namespace karmp::documents

@@ -1,0 +1,155 @@
+#include "Commands.h"
+#include "KARMPFamilies.h"
+#include "KARMPWorld.h"
+#include "KARMPWorldExtraction.h"
+#include "KARTextConversion.h"
+#include "Loading.h"
+#include "Output.h"
+
+#include <algorithm>
+#include <iostream>
+#include <optional>
+
+namespace karmp::tool {
+
+namespace {
+
+using Bodies = std::vector<QOBSharedHandle<KARMPBody>>;
+using Entity = QOBSharedHandle<KARMPEntity>;
+
+std::wstring IdentifierOf(const KARMPEntity& entity)
+{
+    std::wstring identifier;
+    entity.GetIdentifier(identifier);
+    return identifier;
+}
+
+std::string TitleOf(const KARMPEntity& entity)
+{
+    constexpr std::string_view Prefix = "KARMP";
+    const std::string& name = entity.getClassInfo().getName();
+    return Printable(std::string_view(name).substr(name.starts_with(Prefix) ? Prefix.size() : 0)) +
+           ' ' + Title(entity.getEntityName(), IdentifierOf(entity));
+}
+
+// The bodies of that name, or the one of that identifier.
+Bodies FindBodies(const KARMPWorld& world, const std::string& text)
+{
+    const std::wstring wanted = kar::ToWide(std::string_view(text));
+    Bodies named;
+    for (int index = 0; index < world.GetBodyCount(); ++index) {
+        QOBSharedHandle<KARMPBody> body;
+        if (KARFailed(world.Get<KARMPBody>(index, body)))
+            continue;
+        if (IdentifierOf(*body) == wanted)
+            return {body};
+        if (body->getEntityName() == wanted)
+            named.push_back(body);
+    }
+    return named;
+}
+
+// Empty, with the reason on standard error, unless each name belongs to one body.
+Bodies FindBodies(const KARMPWorld& world, const std::vector<std::string>& names)
+{
+    Bodies bodies;
+    for (const std::string& name : names) {
+        const Bodies found = FindBodies(world, name);
+        if (found.size() == 1) {
+            bodies.push_back(found.front());
+            continue;
+        }
+        std::cerr << "karmp: " << (found.empty() ? "no body has" : "several bodies have")
+                  << " the name " << Printable(std::string_view(name));
+        if (!found.empty())
+            std::cerr << "; name it by its identifier:";
+        for (const auto& body : found)
+            std::cerr << ' ' << Printable(IdentifierOf(*body));
+        std::cerr << '\n';
+        return {};
+    }
+    return bodies;
+}
+
+bool IsSameIgnoringCase(std::wstring_view element, std::string_view text)
+{
+    const auto lower = [](auto character) {
+        return character >= 'A' && character <= 'Z' ? character - 'A' + 'a' : +character;
+    };
+    return std::equal(element.begin(), element.end(), text.begin(), text.end(),
+                      [&](wchar_t left, char right) { return lower(left) == lower(right); });
+}
+
+// The elements of the families; empty, with the reason on standard error, for an unknown one.
+std::optional<std::vector<std::wstring>> FamiliesOf(const std::vector<std::string>& names)
+{
+    std::vector<std::wstring> families;
+    for (const std::string& name : names) {
+        bool isKnown = name == "all";
+        for (const FamilyRecord& family : FamilyRecords())
+            if (name == "all" || IsSameIgnoringCase(family.element, name)) {
+                families.emplace_back(family.element);
+                isKnown = true;
+            }
+        if (isKnown)
+            continue;
+        std::cerr << "karmp: unknown family " << Printable(std::string_view(name))
+                  << "; known are all";
+        for (const FamilyRecord& family : FamilyRecords())
+            std::cerr << ", " << Printable(family.element);
+        std::cerr << '\n';
+        return std::nullopt;
+    }
+    return families;
+}
+
+void PrintCutLinks(const std::vector<documents::CutLink>& links)
+{
+    if (!links.empty())
+        std::cout << Bold("Links that were cut") << '\n';
+    for (const documents::CutLink& link : links)
+        std::cout << "  " << TitleOf(*link.holder) << ", " << Printable(link.item) << ": "
+                  << TitleOf(*link.target) << '\n';
+}
+
+} // namespace
+
+int RunExtract(const ExtractOptions& options)
+{
+    const auto families = FamiliesOf(options.families);
+    if (!families)
+        return Unreadable;
+    if (IsSameFile(options.file, options.output)) {
+        std::cerr << "karmp: the output is the document itself; choose another file\n";
+        return Unreadable;
+    }
+    const auto loaded = LoadWorld(options.file);
+    if (!loaded || !MayWrite(options.file, options.output, options.force, loaded->diagnostics))
+        return Unreadable;
+    const Bodies bodies = FindBodies(*loaded->world, options.bodies);
+    if (bodies.empty())
+        return Unreadable;
+
+    const documents::Extraction extract =
+        documents::ExtractWorld(*loaded->world, bodies, {options.reach, *families});
+    if (!extract.world) {
+        std::cerr << "karmp: the extract could not be made\n";
+        return Unreadable;
+    }
+    documents::SaveOptions save;
+    save.version = loaded->version;
+    const documents::Diagnostics messages =
+        documents::SaveFile(extract.world, options.output, save);
+    PrintMessages(messages, true);
+    if (messages.HasErrors())
+        return Unreadable;
+    for (const documents::CutLink& lost : extract.lostItems)
+        std::cerr << "karmp: " << TitleOf(*lost.holder) << " lost " << Printable(lost.item) << '\n';
+    if (!options.quiet)
+        PrintCutLinks(extract.cutLinks);
+    const bool complete =
+        loaded->diagnostics.items.empty() && messages.items.empty() && extract.lostItems.empty();
+    return complete ? Clean : Findings;
+}
+
+} // namespace karmp::tool
