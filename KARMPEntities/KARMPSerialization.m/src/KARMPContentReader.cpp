@@ -1,5 +1,5 @@
 // Reading by content lists.
-#include "KARMPContentWalk.h"
+#include "KARMPContentWalker.h"
 #include "KARMPElementReader.h"
 #include "KARMPSerializationServices.h"
 #include "KARMPStreamElement.h"
@@ -24,22 +24,22 @@ Absent AbsentOf(ItemPresence presence)
     }
 }
 
-class ContentReader
+class ContentReader : public ContentWalker<ContentReader, ElementReader>
 {
 public:
     ContentReader(void* owner, std::wstring_view version, const KARMPEntityTable& entities,
                   const ContentStatuses& statuses)
-        : m_owner(owner), m_version(version), m_entities(entities), m_statuses(statuses)
+        : ContentWalker(version), m_owner(owner), m_entities(entities), m_statuses(statuses)
     {}
 
-    void Read(std::span<const Item> items, ElementReader& element, bool baseFailed);
+    bool Applies(const Item& item, const ElementReader& element)
+    {
+        return item.isRead && !item.isCoded && m_gate.Passes(item) &&
+               (item.whenRead == nullptr || (element.Has(item.name) && item.whenRead(m_owner)));
+    }
+    void WalkItem(const Item& item, std::span<const Item> inner, ElementReader& element);
 
 private:
-    bool Applies(const Item& item) const
-    {
-        return item.isRead && !item.isCoded && item.ExistsAt(m_version);
-    }
-    void ReadItem(const Item& item, std::span<const Item> inner, ElementReader& element);
     void Store(const Item& item, ElementReader& element);
     template <class Value>
     bool Take(const Item& item, ElementReader& element, Value& value) const;
@@ -61,31 +61,12 @@ private:
     void ReadRecords(const Item& item, std::span<const Item> inner, ElementReader& element);
 
     void* m_owner;
-    std::wstring_view m_version;
     const KARMPEntityTable& m_entities;
     const ContentStatuses& m_statuses;
     ItemValue m_value;
 };
 
-void ContentReader::Read(std::span<const Item> items, ElementReader& element, bool baseFailed)
-{
-    for (std::size_t i = 0; i < items.size(); i += 1U + items[i].inner) {
-        const Item& item = items[i];
-        if ((baseFailed && !item.evenIfBaseFails) || !Applies(item))
-            continue;
-        if (item.whenRead != nullptr && (!element.Has(item.name) || !item.whenRead(m_owner)))
-            continue;
-        const auto inner = items.subspan(i + 1, item.inner);
-        if (item.isUncounted) {
-            ElementReader uncounted(element);
-            ReadItem(item, inner, uncounted);
-        } else {
-            ReadItem(item, inner, element);
-        }
-    }
-}
-
-void ContentReader::ReadItem(const Item& item, std::span<const Item> inner, ElementReader& element)
+void ContentReader::WalkItem(const Item& item, std::span<const Item> inner, ElementReader& element)
 {
     switch (item.kind) {
     case ItemKind::Group:
@@ -258,9 +239,7 @@ void ContentReader::ReadGroup(const Item& item, std::span<const Item> inner, Ele
         return;
     if (item.set != nullptr)
         Store(item, element);
-    Read(inner, child, false);
-    if (item.countsWithin && KARFailed(child.Status()))
-        element.Fail();
+    WalkInner(item, inner, child, element);
 }
 
 bool ContentReader::TakeBytes(const Item& item, ElementReader& element)
@@ -323,7 +302,7 @@ bool ContentReader::ReadAttributes(std::span<const Item> attributes, ElementRead
 {
     m_value.number = 0;
     return std::all_of(attributes.begin(), attributes.end(), [&](const Item& attribute) {
-        return !Applies(attribute) || TakeWord(attribute, entry);
+        return !Applies(attribute, entry) || TakeWord(attribute, entry);
     });
 }
 
@@ -333,15 +312,16 @@ void ContentReader::ReadRecords(const Item& item, std::span<const Item> inner,
     ElementReader list = element.Child(item.name, AbsentOf(item.presence), item.where);
     list.Each(item.entry, [&](ElementReader entry) {
         const auto made = item.makeRecord();
-        ContentReader(made.get(), m_version, m_entities, m_statuses).Read(inner, entry, false);
+        ContentReader(made.get(), m_gate.Version(), m_entities, m_statuses)
+            .Walk(inner, entry, false);
         m_value.record = made.get();
         if (!KARFailed(entry.Status()))
             Store(item, list);
         else
             list.Fail();
     });
-    if (list && item.countsWithin && KARFailed(list.Status()))
-        element.Fail();
+    if (list)
+        Count(item, list, element);
 }
 
 } // namespace
@@ -350,37 +330,13 @@ KARStatus ReadContent(const Content& content, void* owner, const KARMPDeserializ
                       const KARMPEntityTable& entities, ReadBase base)
 {
     const ContentStatuses& statuses = content.frame.read;
-    if (content.leftOut != nullptr && content.leftOut(owner))
-        return KARSuccess;
-    if (deserializer == nullptr) {
-        KARMPVerify(statuses.silentNull, content.where);
-        return statuses.nullNode;
-    }
-    ElementReader element =
-        content.element.empty()
-            ? ElementReader(deserializer, content.where)
-            : ElementReader(deserializer, content.ReadElementOf(owner), content.where);
-    if (!element)
-        return statuses.missingElement;
-
-    KARStatus passed = KARSuccess;
-    bool baseFailed = false;
-    if (base != nullptr && !statuses.baseLast) {
-        passed = base(owner, element.Node(), entities);
-        baseFailed = !statuses.passesBase && !element.Base(passed, content.where);
-        if (baseFailed && !statuses.goesOn)
-            return statuses.failedBase;
-    }
-    ContentReader(owner, element.Version(), entities, statuses)
-        .Read(content.items, element, baseFailed);
-    if (base != nullptr && statuses.baseLast)
-        passed = base(owner, element.Node(), entities);
-    if (statuses.itemsCount && KARFailed(element.Status())) {
-        if (statuses.reportedAgain)
-            KARMPVerify(false, content.where);
-        return statuses.counted;
-    }
-    return statuses.passesBase ? passed : KARSuccess;
+    return WalkContent<ElementReader>(
+        content, statuses, owner, deserializer, &Content::ReadElementOf, base != nullptr,
+        [&](const KARMPDeserializer* element) { return base(owner, element, entities); },
+        [&](ElementReader& element, bool baseFailed) {
+            ContentReader(owner, element.Version(), entities, statuses)
+                .Walk(content.items, element, baseFailed);
+        });
 }
 
 } // namespace karmp

@@ -1,5 +1,5 @@
 // Writing by content lists.
-#include "KARMPContentWalk.h"
+#include "KARMPContentWalker.h"
 #include "KARMPElementWriter.h"
 #include "KARMPSerializationServices.h"
 #include "KARMPStreamElement.h"
@@ -11,21 +11,21 @@ namespace karmp {
 
 namespace {
 
-class ContentWriter
+class ContentWriter : public ContentWalker<ContentWriter, ElementWriter>
 {
 public:
-    ContentWriter(const void* owner, std::wstring_view version) : m_owner(owner), m_version(version)
+    ContentWriter(const void* owner, std::wstring_view version)
+        : ContentWalker(version), m_owner(owner)
     {}
 
-    void Write(std::span<const Item> items, ElementWriter& element, bool baseFailed);
-
-private:
-    bool Applies(const Item& item) const
+    bool Applies(const Item& item, const ElementWriter&)
     {
-        return item.isWritten && !item.isCoded && item.ExistsAt(m_version) &&
+        return item.isWritten && !item.isCoded && m_gate.Passes(item) &&
                (item.when == nullptr || item.when(m_owner));
     }
-    void WriteItem(const Item& item, std::span<const Item> inner, ElementWriter& element);
+    void WalkItem(const Item& item, std::span<const Item> inner, ElementWriter& element);
+
+private:
     void WriteValue(const Item& item, ElementWriter& element);
     void WriteDoubles(std::span<const std::wstring_view> names, const double* values,
                       ElementWriter& element, KARMPSourceLocation where);
@@ -41,7 +41,6 @@ private:
     void WriteRecords(const Item& item, std::span<const Item> inner, ElementWriter& element);
 
     const void* m_owner;
-    std::wstring_view m_version;
     ItemValue m_value;
 };
 
@@ -60,23 +59,7 @@ void Put(const Item& item, ElementWriter& element, Value value)
         element.Value(item.name, value, item.where);
 }
 
-void ContentWriter::Write(std::span<const Item> items, ElementWriter& element, bool baseFailed)
-{
-    for (std::size_t i = 0; i < items.size(); i += 1U + items[i].inner) {
-        const Item& item = items[i];
-        if ((baseFailed && !item.evenIfBaseFails) || !Applies(item))
-            continue;
-        const auto inner = items.subspan(i + 1, item.inner);
-        if (item.isUncounted) {
-            ElementWriter uncounted(element);
-            WriteItem(item, inner, uncounted);
-        } else {
-            WriteItem(item, inner, element);
-        }
-    }
-}
-
-void ContentWriter::WriteItem(const Item& item, std::span<const Item> inner, ElementWriter& element)
+void ContentWriter::WalkItem(const Item& item, std::span<const Item> inner, ElementWriter& element)
 {
     switch (item.kind) {
     case ItemKind::Group:
@@ -136,11 +119,8 @@ void ContentWriter::WriteGroup(const Item& item, std::span<const Item> inner,
                                ElementWriter& element)
 {
     ElementWriter child = element.Child(item.name, item.where);
-    if (!child)
-        return;
-    Write(inner, child, false);
-    if (item.countsWithin && KARFailed(child.Status()))
-        element.Fail();
+    if (child)
+        WalkInner(item, inner, child, element);
 }
 
 void ContentWriter::WriteTransformation(const Item& item, ElementWriter& element)
@@ -221,7 +201,7 @@ void ContentWriter::WriteEntry(const Item& item, std::span<const Item> attribute
     entry.ReferenceAttributes(target, item.alwaysNamed || KARMPSerializer::SerializeName(),
                               item.where);
     for (const Item& attribute : attributes)
-        if (Applies(attribute))
+        if (Applies(attribute, entry))
             WriteValue(attribute, entry);
 }
 
@@ -240,13 +220,12 @@ void ContentWriter::WriteRecords(const Item& item, std::span<const Item> inner,
         if (!list.Base(item.at(m_owner, index, m_value), item.where))
             continue;
         if (ElementWriter entry = list.Child(item.entry, item.where)) {
-            ContentWriter(m_value.record, m_version).Write(inner, entry, false);
+            ContentWriter(m_value.record, m_gate.Version()).Walk(inner, entry, false);
             if (KARFailed(entry.Status()))
                 list.Fail();
         }
     }
-    if (item.countsWithin && KARFailed(list.Status()))
-        element.Fail();
+    Count(item, list, element);
 }
 
 } // namespace
@@ -254,37 +233,12 @@ void ContentWriter::WriteRecords(const Item& item, std::span<const Item> inner,
 KARStatus WriteContent(const Content& content, const void* owner, KARMPSerializer* serializer,
                        WriteBase base)
 {
-    const ContentStatuses& statuses = content.frame.write;
-    if (content.leftOut != nullptr && content.leftOut(owner))
-        return KARSuccess;
-    if (serializer == nullptr) {
-        KARMPVerify(statuses.silentNull, content.where);
-        return statuses.nullNode;
-    }
-    ElementWriter element =
-        content.element.empty()
-            ? ElementWriter(serializer, content.where)
-            : ElementWriter(serializer, content.ElementOf(owner), content.where);
-    if (!element)
-        return statuses.missingElement;
-
-    KARStatus passed = KARSuccess;
-    bool baseFailed = false;
-    if (base != nullptr && !statuses.baseLast) {
-        passed = base(owner, element.Node());
-        baseFailed = !statuses.passesBase && !element.Base(passed, content.where);
-        if (baseFailed && !statuses.goesOn)
-            return statuses.failedBase;
-    }
-    ContentWriter(owner, element.Version()).Write(content.items, element, baseFailed);
-    if (base != nullptr && statuses.baseLast)
-        passed = base(owner, element.Node());
-    if (statuses.itemsCount && KARFailed(element.Status())) {
-        if (statuses.reportedAgain)
-            KARMPVerify(false, content.where);
-        return statuses.counted;
-    }
-    return statuses.passesBase ? passed : KARSuccess;
+    return WalkContent<ElementWriter>(
+        content, content.frame.write, owner, serializer, &Content::ElementOf, base != nullptr,
+        [&](KARMPSerializer* element) { return base(owner, element); },
+        [&](ElementWriter& element, bool baseFailed) {
+            ContentWriter(owner, element.Version()).Walk(content.items, element, baseFailed);
+        });
 }
 
 } // namespace karmp

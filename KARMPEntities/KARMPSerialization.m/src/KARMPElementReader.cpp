@@ -57,13 +57,15 @@ bool ElementReader::Values(KARMath3x3Matrix& matrix, Absent absent, Where where)
 
 ElementReader ElementReader::Child(ItemName name, Absent absent, Where where)
 {
-    ElementReader child;
+    const KARMPDeserializer* child = nullptr;
     if (m_node != nullptr)
-        m_node->GetElement(name, child.m_node);
-    child.m_failed = child.m_node == nullptr;
-    if (child.m_failed)
+        m_node->GetElement(name, child);
+    if (child == nullptr)
         Missing(absent, where);
-    return child;
+    ElementReader reader;
+    reader.m_node = child;
+    reader.m_failed = child == nullptr;
+    return reader;
 }
 
 const QOBSharedHandle<KARMPEntity>* ElementReader::FindTarget(const KARMPEntityTable& entities,

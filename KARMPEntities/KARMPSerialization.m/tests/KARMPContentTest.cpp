@@ -270,6 +270,29 @@ TEST_F(ContentWalk, GatesItemsByTheVersionOfTheDocument)
     }
 }
 
+TEST_F(ContentWalk, GatesEachItemOfARowByItsOwnLimits)
+{
+    constexpr auto list = Counting(
+        Since(R2016_1, Number<&C::number>(L"A", "")), Since(R2016_1, Number<&C::number>(L"B", "")),
+        Since(R2017_0, Number<&C::number>(L"C", "")), Number<&C::number>(L"D", ""),
+        Since(R2017_0, Until(R2018_0, Number<&C::number>(L"E", ""))),
+        Since(R2016_1, Until(R2018_0, Number<&C::number>(L"F", ""))),
+        Until(R2018_0, Number<&C::number>(L"G", "")));
+    const auto written = [&](std::wstring_view version) {
+        TestSerializer node(version);
+        WriteContent(Made(list), OwnerOf(*entity), &node, nullptr);
+        const TestSerializer& element = *node.Find(L"E");
+        std::wstring names;
+        for (std::size_t i = 0; i < static_cast<std::size_t>(element.GetElementCount()); ++i)
+            names += element.Child(i).GetId();
+        return names;
+    };
+    EXPECT_EQ(written(R2016_0), L"DG");
+    EXPECT_EQ(written(R2016_1), L"ABDFG");
+    EXPECT_EQ(written(R2017_0), L"ABCDEFG");
+    EXPECT_EQ(written(R2018_0), L"ABCD");
+}
+
 TEST_F(ContentWalk, WritesOneFormAndReadsAnother)
 {
     constexpr auto list = Counting(
