@@ -168,13 +168,16 @@ private:
     void PutAttribute(std::wstring_view name, karmp::ReadValue&& value);
     /// The value of an attribute, null when there is none.
     karmp::ReadValue* FindAttribute(std::wstring_view name) const;
-    /// Makes sure that the parts, bits of karmp::NodePart, are filled.
-    void Need(std::uint8_t parts) const
+    /// The bit of karmp::NodePart of a node whose source hears the names that are asked for.
+    static constexpr std::uint8_t Heard = 4;
+    /// Makes sure that a part, a bit of karmp::NodePart, is filled, of which an item is asked for
+    /// by its name.
+    void Need(std::uint8_t part, std::wstring_view name = {}) const
     {
-        if ((m_missing & parts) != 0)
-            Fill(parts);
+        if ((m_missing & (part | Heard)) != 0)
+            Fill(part, name);
     }
-    void Fill(std::uint8_t parts) const;
+    void Fill(std::uint8_t part, std::wstring_view name) const;
     template <class T>
     KARStatus ConvertAttribute(std::wstring_view name, T& value) const;
     template <class T>

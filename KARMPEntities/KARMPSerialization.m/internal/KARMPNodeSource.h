@@ -25,7 +25,8 @@ struct ReadAttribute
 enum NodePart : std::uint8_t {
     NoPart = 0,
     AttributesPart = 1,
-    ContentPart = 2 ///< The value and the children.
+    ContentPart = 2, ///< The value and the children.
+    HeardPart = 4    ///< No part: the source hears the names that the node is asked for.
 };
 
 /// The arena of nodes, their texts and their lists, which also fills these nodes. The nodes are
@@ -45,6 +46,9 @@ public:
     /// there is none. False when they have to be filled first.
     virtual bool FindAttribute(const KARMPDeserializer& node, std::wstring_view name,
                                AsciiText& value) const;
+    /// Called with the name of each attribute, or child for ContentPart, that a node is asked for
+    /// that NodeBuilder::Hear was called with, whether there is one or not.
+    virtual void HearName(const KARMPDeserializer& node, NodePart part, std::wstring_view name);
     /// The arena of a node's attributes and children.
     virtual NodeMemory& ContentMemory(const KARMPDeserializer& node);
     /// Bracket the reading of a node by a caller that keeps no pointer into it: what is filled
@@ -79,6 +83,13 @@ public:
     /// Removes attributes, value and children, whose arena may have been freed already.
     static void Forget(KARMPDeserializer& node) noexcept;
 
+    /// Lets a source, which outlives the node, hear what a node is asked for that a subclass fills.
+    static void Hear(KARMPDeserializer& node, NodeSource& source)
+    {
+        static_assert(HeardPart == KARMPDeserializer::Heard);
+        node.m_source = &source;
+        node.m_missing |= HeardPart;
+    }
     /// Null for a node that its subclass fills.
     static NodeSource* SourceOf(const KARMPDeserializer& node) { return node.m_source; }
     /// Call the same operation of the node's source, if it has one.

@@ -66,16 +66,20 @@ NodeContent& KARMPDeserializer::NeedContent(karmp::NodeMemory* memory)
     return *m_content;
 }
 
-// The parts count as filled while they are being filled, so that the source may use the node; after
-// a failed allocation they are missing again.
-void KARMPDeserializer::Fill(std::uint8_t parts) const
+// The part counts as filled while it is being filled, so that the source may use the node; after a
+// failed allocation it is missing again.
+void KARMPDeserializer::Fill(std::uint8_t part, std::wstring_view name) const
 {
+    if ((m_missing & Heard) != 0 && !name.empty())
+        m_source->HearName(*this, static_cast<karmp::NodePart>(part), name);
+    if ((m_missing & part) == 0)
+        return;
     const std::uint8_t before =
-        std::exchange(m_missing, static_cast<std::uint8_t>(m_missing & ~parts));
+        std::exchange(m_missing, static_cast<std::uint8_t>(m_missing & ~part));
     // No node is created const; readers get const pointers.
     auto& node = const_cast<KARMPDeserializer&>(*this);
     try {
-        if (parts == karmp::AttributesPart)
+        if (part == karmp::AttributesPart)
             m_source->FillAttributes(node);
         else
             m_source->FillContent(node);
@@ -181,7 +185,7 @@ void KARMPDeserializer::PutAttribute(std::wstring_view name, ReadValue&& value)
 
 ReadValue* KARMPDeserializer::FindAttribute(std::wstring_view name) const
 {
-    Need(karmp::AttributesPart);
+    Need(karmp::AttributesPart, name);
     const ReadAttribute* const found = m_content ? m_content->FindAttribute(name) : nullptr;
     return found != nullptr ? &found->value : nullptr;
 }

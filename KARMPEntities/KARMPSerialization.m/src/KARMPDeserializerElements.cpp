@@ -36,7 +36,7 @@ void AppendByName(const NodeContent& content, Elements& elements)
 
 bool KARMPDeserializer::HasElement(std::wstring_view name) const
 {
-    Need(ContentPart);
+    Need(ContentPart, name);
     if (!m_content)
         return false;
     if (const ElementGroups* const groups = m_content->groups.get())
@@ -47,7 +47,7 @@ bool KARMPDeserializer::HasElement(std::wstring_view name) const
 KARStatus KARMPDeserializer::GetElement(std::wstring_view name,
                                         const KARMPDeserializer*& child) const
 {
-    Need(ContentPart);
+    Need(ContentPart, name);
     KARMPDeserializer* const next = m_content ? NextElement(*m_content, name) : nullptr;
     if (next != nullptr && !(next->m_version == m_version))
         next->m_version = m_version;
@@ -66,7 +66,7 @@ KARStatus KARMPDeserializer::GetElements(ElementList& elements) const
 KARStatus KARMPDeserializer::GetElements(std::wstring_view name, ElementIterator& begin,
                                          ElementIterator& end) const
 {
-    Need(ContentPart);
+    Need(ContentPart, name);
     if (!m_content || m_content->Named(name).empty())
         return KARSuccess;
     karmp::NodeMemory* const memory =
@@ -106,6 +106,6 @@ void KARMPDeserializer::AppendOrderedElements(ElementVector& elements) const
 
 KARMPDeserializer::ElementSpan KARMPDeserializer::ElementsNamed(std::wstring_view name) const
 {
-    Need(ContentPart);
+    Need(ContentPart, name);
     return m_content ? m_content->Named(name) : ElementSpan();
 }

@@ -16,6 +16,10 @@ bool NodeSource::FindAttribute(const KARMPDeserializer& /*node*/, std::wstring_v
     return false;
 }
 
+void NodeSource::HearName(const KARMPDeserializer& /*node*/, NodePart /*part*/,
+                          std::wstring_view /*name*/)
+{}
+
 NodeMemory& NodeSource::ContentMemory(const KARMPDeserializer& /*node*/)
 {
     return *this;

@@ -1,3 +1,4 @@
+#include "AskedNames.h"
 #include "KARMPTestFixture.h"
 #include "TestDeserializer.h"
 #include "TestSerializer.h"
@@ -197,4 +198,35 @@ TEST_F(TestTrees, AnUnclaimedReportFailsTheTest)
             EXPECT_FALSE(KARMPVerify(false));
         },
         "Unclaimed report of a failed check at ");
+}
+
+TEST(AskedNames, AreHeardOfAllNodesWhetherTheyHaveThemOrNot)
+{
+    AskedNames names;
+    TestDeserializer body(L"Body");
+    body.Attribute(L"id", L"B1").Add(L"Weight").Leaf(L"Mass", 1.0);
+    names.Hear(body);
+    EXPECT_TRUE(names.Paths().empty());
+    const KARMPDeserializer* weight = nullptr;
+    double mass = 0.0;
+    std::wstring id;
+    body.GetElement(L"Weight", weight);
+    EXPECT_EQ(weight->GetElement(L"Mass", weight, mass), KARSuccess);
+    EXPECT_EQ(mass, 1.0);
+    EXPECT_EQ(body.GetAttribute(L"id", id), KARSuccess);
+    EXPECT_EQ(id, L"B1");
+    EXPECT_FALSE(body.HasAttribute(L"name"));
+    EXPECT_FALSE(body.HasElement(L"Joints"));
+    EXPECT_TRUE(body.ElementsNamed(L"Shapes").empty());
+    KARMPDeserializer::ElementIterator begin;
+    KARMPDeserializer::ElementIterator end;
+    body.GetElements(L"Geometries", begin, end);
+    // A value and a count have no name.
+    EXPECT_FALSE(body.HasValue());
+    EXPECT_EQ(body.GetAttributeCount(), 1U);
+    const std::wstring node = body.Location();
+    EXPECT_EQ(names.Paths(),
+              (std::set<std::wstring>{node + L"/Weight", node + L"/Weight/Mass", node + L"/@id",
+                                      node + L"/@name", node + L"/Joints", node + L"/Shapes",
+                                      node + L"/Geometries"}));
 }
