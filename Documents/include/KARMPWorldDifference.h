@@ -61,8 +61,7 @@ struct DifferenceOptions
     double tolerance = 0.0;
     /// Numbers are equal when they differ by no more than this.
     double floor = 0.0;
-    /// Entities of one family with equal identifiers correspond. Without it names and links alone
-    /// tell what corresponds.
+    /// Equal identifiers tell what corresponds. Without it names and links alone do.
     bool byIdentifier = true;
 };
 

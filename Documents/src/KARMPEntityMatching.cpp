@@ -65,6 +65,14 @@ void ForEachGroup(const KeyedEntities& before, const KeyedEntities& after, Visit
     }
 }
 
+// An entity keeps its class or its name while the other one changes; but its family never changes.
+bool AreAkin(const WorldGraph::Entity& before, const WorldGraph::Entity& after)
+{
+    return before.family == after.family &&
+           (before.items == after.items ||
+            before.handle->getEntityName() == after.handle->getEntityName());
+}
+
 class Matcher
 {
 public:
@@ -200,7 +208,7 @@ void Matcher::MatchIdentifiers()
         const auto found = known.find(entity.identifier);
         const bool isOne = found != known.end() && found->second != NoEntity &&
                            others.at(entity.identifier) == number;
-        if (isOne && before.At(found->second).family == entity.family)
+        if (isOne && AreAkin(before.At(found->second), entity))
             Pair(found->second, number);
     }
     m_isOfOneOrigin = 2 * m_fresh.size() >= std::min(before.Count(), after.Count());

@@ -196,6 +196,13 @@ TEST_F(WorldDifference, OfTheClassIsOneChange)
     EXPECT_EQ(differences[0].newValue, ItemData(std::wstring(L"KARMPPrismatic")));
 }
 
+TEST_F(WorldDifference, OfClassAndNameIsThatOfTwoEntities)
+{
+    first.Add<KARMPRevolute>(L"A", L"K1");
+    second.Add<KARMPPrismatic>(L"B", L"K1");
+    EXPECT_EQ(CompareKinds(), (Kinds{DifferenceKind::Removed, DifferenceKind::Added}));
+}
+
 TEST_F(WorldDifference, TellsALinkOnceAtTheEndThatHoldsItInOrder)
 {
     const auto [rod, otherRod] = AddBoth<KARMPBody>(L"Rod");
