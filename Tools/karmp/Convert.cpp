@@ -1,9 +1,9 @@
 #include "Commands.h"
+#include "Differences.h"
 #include "KARMPWorld.h"
 #include "KARTextConversion.h"
 #include "Loading.h"
 #include "Output.h"
-#include "TreeDifference.h"
 
 #include <algorithm>
 #include <iostream>
@@ -12,45 +12,33 @@ namespace karmp::tool {
 
 namespace {
 
-using documents::Document;
 using documents::SaveOptions;
 
 constexpr std::size_t MaximumDifferences = 1000;
-
-// Loads a text and saves the world again for the current version.
-std::optional<Document> ReadAndSaveAgain(const std::string& text, const SaveOptions& options)
-{
-    const documents::LoadResult loaded =
-        documents::LoadText(text, "<converted>", {options.limits, false});
-    std::string again;
-    if (!loaded.world || documents::SaveText(loaded.world, again, options).HasErrors())
-        return std::nullopt;
-    return Document::ReadText(std::move(again), "<converted>", options.limits);
-}
 
 // Compares what is read from the text for the current version with what is read from the text for
 // the other one, so that content that every version loses is not counted.
 int PrintLosses(const QOBSharedHandle<KARMPWorld>& world, const SaveOptions& options)
 {
-    SaveOptions current = options;
-    current.version = CurrentVersion;
-    std::string kept;
-    std::string converted;
-    if (documents::SaveText(world, kept, current).HasErrors() ||
-        documents::SaveText(world, converted, options).HasErrors())
+    const auto reload = [&](std::wstring_view version) {
+        SaveOptions save = options;
+        save.version = version;
+        std::string text;
+        if (documents::SaveText(world, text, save).HasErrors())
+            return QOBSharedHandle<KARMPWorld>();
+        return documents::LoadText(std::move(text), "<converted>", {options.limits, false}).world;
+    };
+    const auto kept = reload(CurrentVersion);
+    const auto converted = reload(options.version);
+    if (!kept || !converted)
         return Unreadable;
-    const auto before = ReadAndSaveAgain(kept, current);
-    const auto after = ReadAndSaveAgain(converted, current);
-    if (!before || !after || before->Root() == nullptr || after->Root() == nullptr)
-        return Unreadable;
-    const auto losses = FindDifferences(*before->Root(), *after->Root(), MaximumDifferences);
+    const auto losses = documents::FindDifferences(*kept, *converted);
     if (losses.empty())
         return Clean;
     std::cout << Bold("Version " + Printable(options.version) + " cannot hold:") << '\n';
-    for (const Difference& loss : losses)
-        std::cout << "  " << loss.path << ": " << loss.text << '\n';
-    if (losses.size() == MaximumDifferences)
-        std::cout << "  and more\n";
+    PrintText(losses, true, MaximumDifferences);
+    if (losses.size() > MaximumDifferences)
+        std::cout << "and more\n";
     return Findings;
 }
 

@@ -114,7 +114,7 @@ TEST_F(Tool, ListsWhatAnOlderVersionCannotHold)
     const Outcome convert = Run("convert --to R2016.1 " + file + ' ' + File("old.xml"));
     EXPECT_EQ(convert.code, 1) << convert.output;
     ExpectContains(convert.output, "R2016.1 cannot hold");
-    ExpectContains(convert.output, "Boolean[b1]/@isActive: no becomes yes");
+    ExpectContains(convert.output, "Boolean \"Visible\" [b1]\n  isActive: no becomes yes\n");
     ExpectContains(ReadFile(File("old.xml")), "version=\"R2016.1\"");
     EXPECT_EQ(Run("convert --to R1999 " + file + ' ' + File("never.xml")).code, 2);
     EXPECT_FALSE(fs::exists(File("never.xml")));

@@ -1,0 +1,265 @@
+#include "Differences.h"
+
+#include "KARTextConversion.h"
+#include "Output.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iostream>
+#include <map>
+#include <set>
+#include <span>
+
+namespace karmp::tool {
+
+namespace {
+
+using documents::Difference;
+using documents::DifferenceKind;
+using Handle = QOBSharedHandle<KARMPEntity>;
+using Handles = std::vector<Handle>;
+using Numbers = std::vector<double>;
+
+// Longer texts, streams for instance, are shortened.
+constexpr std::size_t LongestText = 60;
+constexpr std::size_t TranslationLength = 3;
+
+std::string ClassOf(const Handle& entity)
+{
+    constexpr std::string_view Prefix = "KARMP";
+    const std::string& name = entity->getClassInfo().getName();
+    return Printable(std::string_view(name).substr(name.starts_with(Prefix) ? Prefix.size() : 0));
+}
+
+std::wstring IdentifierOf(const Handle& entity)
+{
+    std::wstring identifier;
+    entity->GetIdentifier(identifier);
+    return identifier;
+}
+
+std::string Count(std::size_t count, const char* one, const char* several)
+{
+    return std::to_string(count) + ' ' + (count == 1 ? one : several);
+}
+
+/// Prints differences entity by entity, for people.
+class TextPrinter
+{
+public:
+    TextPrinter(const std::vector<Difference>& differences, bool showsIdentifiers)
+        : m_differences(differences), m_showsIdentifiers(showsIdentifiers)
+    {}
+
+    void Print(std::size_t limit)
+    {
+        const KARMPEntity* last = nullptr;
+        bool isFirst = true;
+        const std::size_t count = std::min(limit, m_differences.size());
+        for (const Difference& difference : std::span(m_differences).first(count)) {
+            const KARMPEntity* const entity = difference.before.get();
+            const bool hasItem = difference.kind != DifferenceKind::Added &&
+                                 difference.kind != DifferenceKind::Removed;
+            if (hasItem && (isFirst || entity != last))
+                std::cout << Bold(entity != nullptr ? TitleOf(difference.before) : "World") << '\n';
+            last = hasItem ? entity : difference.after.get();
+            isFirst = false;
+            PrintLine(difference);
+        }
+    }
+    void PrintSummary() const;
+
+private:
+    std::string TitleOf(const Handle& entity) const
+    {
+        const std::wstring identifier = IdentifierOf(entity);
+        const std::wstring& name = entity->getEntityName();
+        std::string title = ClassOf(entity) + ' ' + Title(name, identifier);
+        if (m_showsIdentifiers && !name.empty())
+            title += ' ' + Dim('[' + Printable(identifier) + ']');
+        return title;
+    }
+
+    void PrintLine(const Difference& difference) const
+    {
+        const std::string item = Printable(difference.item);
+        switch (difference.kind) {
+        case DifferenceKind::Removed:
+            std::cout << Red("- " + TitleOf(difference.before)) << '\n';
+            return;
+        case DifferenceKind::Added:
+            std::cout << Bold("+ " + TitleOf(difference.after)) << '\n';
+            return;
+        case DifferenceKind::LinkLost:
+            std::cout << "  - " << item << ": " << TitleOf(difference.target) << '\n';
+            return;
+        case DifferenceKind::LinkGained:
+            std::cout << "  + " << item << ": " << TitleOf(difference.target) << '\n';
+            return;
+        case DifferenceKind::Renamed:
+            std::cout << "  renamed: ";
+            break;
+        case DifferenceKind::Moved:
+            return PrintMove(difference);
+        case DifferenceKind::Reordered:
+            std::cout << "  " << item << " in another order: ";
+            break;
+        default:
+            std::cout << "  " << item;
+            if (difference.target)
+                std::cout << " of " << TitleOf(difference.target);
+            std::cout << ": ";
+        }
+        std::cout << ValueText(difference.oldValue) << " becomes " << ValueText(difference.newValue)
+                  << '\n';
+    }
+
+    // Translation and rotation are told each by itself.
+    void PrintMove(const Difference& difference) const
+    {
+        const auto& before = std::get<Numbers>(difference.oldValue);
+        const auto& after = std::get<Numbers>(difference.newValue);
+        const auto print = [&](const char* what, std::size_t first, std::size_t count) {
+            const std::string left = ValueText(Part(before, first, count));
+            const std::string right = ValueText(Part(after, first, count));
+            if (left != right)
+                std::cout << "  " << what << left << " becomes " << right << '\n';
+        };
+        print("moved: ", 0, TranslationLength);
+        print("turned: ", TranslationLength, before.size() - TranslationLength);
+    }
+
+    static Numbers Part(const Numbers& numbers, std::size_t first, std::size_t count)
+    {
+        const auto part = std::span(numbers).subspan(first, count);
+        return {part.begin(), part.end()};
+    }
+
+    std::string ValueText(const ItemData& data) const
+    {
+        return std::visit([this](const auto& value) { return TextOf(value); }, data);
+    }
+    std::string TextOf(std::monostate) const { return "none"; }
+    std::string TextOf(bool value) const { return value ? "yes" : "no"; }
+    std::string TextOf(int value) const { return std::to_string(value); }
+    std::string TextOf(double value) const { return NumberText(value); }
+    std::string TextOf(const std::wstring& value) const
+    {
+        if (value.size() <= LongestText)
+            return '"' + Printable(value) + '"';
+        return '"' + Printable(std::wstring_view(value).substr(0, LongestText)) + "...\" (" +
+               Count(value.size(), "character)", "characters)");
+    }
+    std::string TextOf(const Handle& value) const { return TitleOf(value); }
+    std::string TextOf(const std::vector<unsigned char>& value) const
+    {
+        return Count(value.size(), "byte", "bytes");
+    }
+    std::string TextOf(const Numbers& value) const { return '(' + Joined(value, NumberText) + ')'; }
+    std::string TextOf(const Handles& value) const
+    {
+        return Joined(
+            value, [this](const Handle& entity) { return TitleOf(entity); });
+    }
+
+    template <class Values, class ToText>
+    static std::string Joined(const Values& values, ToText toText)
+    {
+        std::string text;
+        for (const auto& value : values)
+            text += (text.empty() ? "" : ", ") + toText(value);
+        return text;
+    }
+
+    const std::vector<Difference>& m_differences;
+    bool m_showsIdentifiers;
+};
+
+void TextPrinter::PrintSummary() const
+{
+    std::set<const KARMPEntity*> changed;
+    std::map<DifferenceKind, std::size_t> counts;
+    for (const Difference& difference : m_differences) {
+        ++counts[difference.kind];
+        if (difference.before && difference.after)
+            changed.insert(difference.before.get());
+    }
+    std::cout << Count(m_differences.size(), "difference: ", "differences: ")
+              << Count(counts[DifferenceKind::Removed], "entity", "entities") << " removed, "
+              << counts[DifferenceKind::Added] << " added, " << changed.size() << " changed";
+    if (const std::size_t settings = counts[DifferenceKind::Setting]; settings > 0)
+        std::cout << "; " << Count(settings, "setting", "settings") << " of the world";
+    std::cout << '\n';
+}
+
+std::string JsonOf(const Handle& entity)
+{
+    if (!entity)
+        return "null";
+    return "{\"class\": " + JsonText(ClassOf(entity)) +
+           ", \"name\": " + JsonText(kar::ToUtf8(entity->getEntityName())) +
+           ", \"id\": " + JsonText(kar::ToUtf8(IdentifierOf(entity))) + '}';
+}
+
+struct JsonValue
+{
+    std::string operator()(std::monostate) const { return "null"; }
+    std::string operator()(bool value) const { return value ? "true" : "false"; }
+    std::string operator()(int value) const { return std::to_string(value); }
+    // JSON has no infinities and no NaN.
+    std::string operator()(double value) const
+    {
+        return std::isfinite(value) ? NumberText(value) : JsonText(NumberText(value));
+    }
+    std::string operator()(const std::wstring& value) const { return JsonText(kar::ToUtf8(value)); }
+    std::string operator()(const Handle& value) const { return JsonOf(value); }
+    template <class T>
+    std::string operator()(const std::vector<T>& values) const
+    {
+        std::string text;
+        for (const T& value : values)
+            text += (text.empty() ? "" : ", ") + (*this)(value);
+        return '[' + text + ']';
+    }
+};
+
+void PrintJsonItem(const Difference& difference)
+{
+    std::cout << "    {\"kind\": " << JsonText(documents::DifferenceText(difference.kind))
+              << ", \"before\": " << JsonOf(difference.before)
+              << ", \"after\": " << JsonOf(difference.after);
+    if (!difference.item.empty()) {
+        std::cout << ", \"item\": " << JsonText(kar::ToUtf8(difference.item));
+        if (difference.target)
+            std::cout << ", \"target\": " << JsonOf(difference.target);
+        if (difference.kind != DifferenceKind::LinkLost &&
+            difference.kind != DifferenceKind::LinkGained)
+            std::cout << ", \"old\": " << std::visit(JsonValue(), difference.oldValue)
+                      << ", \"new\": " << std::visit(JsonValue(), difference.newValue);
+    }
+    std::cout << '}';
+}
+
+} // namespace
+
+void PrintText(const std::vector<Difference>& differences, bool showsIdentifiers, std::size_t limit)
+{
+    TextPrinter(differences, showsIdentifiers).Print(limit);
+}
+
+void PrintSummary(const std::vector<Difference>& differences)
+{
+    TextPrinter(differences, false).PrintSummary();
+}
+
+void PrintJson(const std::vector<Difference>& differences)
+{
+    std::cout << '[';
+    for (std::size_t i = 0; i < differences.size(); ++i) {
+        std::cout << (i == 0 ? "\n" : ",\n");
+        PrintJsonItem(differences[i]);
+    }
+    std::cout << (differences.empty() ? "]" : "\n  ]");
+}
+
+} // namespace karmp::tool

@@ -1,0 +1,152 @@
+// karmp diff, run as a user does.
+#include "ToolFixture.h"
+
+namespace karmp::tool {
+
+namespace {
+
+class Diff : public Tool
+{
+protected:
+    /// Replaces a part of a text that must be there.
+    static std::string With(std::string text, const std::string& part, const std::string& other)
+    {
+        const auto found = text.find(part);
+        EXPECT_NE(found, std::string::npos) << part;
+        return found == std::string::npos ? text : text.replace(found, part.size(), other);
+    }
+    /// The outcome for the clean document and one with a part replaced.
+    Outcome Compare(const std::string& part, const std::string& other,
+                    const std::string& options = {})
+    {
+        return Run("diff " + m_clean + ' ' +
+                   Write("other.xml", With(CleanDocument(), part, other)) + ' ' + options);
+    }
+
+    const std::string m_clean = Write("clean.xml", CleanDocument());
+};
+
+constexpr const char* Damping = "<Value>0.05</Value>";
+
+TEST_F(Diff, OfADocumentAndItselfSaysNothing)
+{
+    const Outcome same = Run("diff " + m_clean + ' ' + m_clean);
+    EXPECT_EQ(same.code, 0);
+    EXPECT_EQ(same.output, "");
+}
+
+TEST_F(Diff, PrintsWhatChangedOfAnEntity)
+{
+    const Outcome changed = Compare(Damping, "<Value>0.06</Value>");
+    EXPECT_EQ(changed.code, 1);
+    EXPECT_EQ(changed.output, "Constant \"Damping\"\n"
+                              "  Value: 0.05 becomes 0.06\n"
+                              "1 difference: 0 entities removed, 0 added, 1 changed\n");
+}
+
+TEST_F(Diff, PrintsWhereABodyMovedTo)
+{
+    const Outcome moved = Compare("<Vx>0</Vx>", "<Vx>0.25</Vx>");
+    EXPECT_EQ(moved.code, 1);
+    ExpectContains(moved.output, "  moved: (0, 0, 0) becomes (0.25, 0, 0)\n");
+    EXPECT_EQ(moved.output.find("turned"), std::string::npos);
+}
+
+TEST_F(Diff, PrintsSettingsNamesAndWhatOneDocumentAloneHas)
+{
+    EXPECT_EQ(Compare("<Gy>0</Gy>", "<Gy>-9.81</Gy>").output,
+              "World\n  Gravity: (0, 0, 0) becomes (0, -9.81, 0)\n"
+              "1 difference: 0 entities removed, 0 added, 0 changed; 1 setting of the world\n");
+    ExpectContains(Compare("name=\"Damping\"", "name=\"Friction\"").output,
+                   "  renamed: \"Damping\" becomes \"Friction\"\n");
+    const std::string removed =
+        Run("diff " + m_clean + ' ' + KARMP_EXAMPLE_DOCUMENTS + "/slider-crank.xml --ids").output;
+    EXPECT_EQ(removed, "- Boolean \"Visible\" [b1]\n- Constant \"Damping\" [c1]\n"
+                       "2 differences: 2 entities removed, 0 added, 0 changed\n");
+}
+
+TEST_F(Diff, LeavesOutWhatIsWithinTheTolerance)
+{
+    const char* const other = "<Value>0.0500001</Value>";
+    EXPECT_EQ(Compare(Damping, other, "--tolerance 1e-5").code, 0);
+    EXPECT_EQ(Compare(Damping, other, "--tolerance 1e-7").code, 1);
+    EXPECT_EQ(Compare(Damping, other, "--floor 1e-6").code, 0);
+    EXPECT_EQ(Compare("<Gy>0</Gy>", "<Gy>1e-13</Gy>", "--tolerance 1e-9").code, 0);
+    EXPECT_EQ(Compare("<Gy>0</Gy>", "<Gy>1e-13</Gy>", "--tolerance 1e-9 --floor 0").code, 1);
+    EXPECT_EQ(Compare("<Gy>0</Gy>", "<Gy>1e-13</Gy>").code, 1);
+    EXPECT_EQ(Compare(Damping, other, "--tolerance -1").code, 2);
+}
+
+TEST_F(Diff, ByNameLeavesIdentifiersAside)
+{
+    EXPECT_EQ(Compare("id=\"c1\"", "id=\"c2\"").code, 0);
+    const auto constant = [](const std::string& id, const std::string& name) {
+        return "<Constant id=\"" + id + "\" name=\"" + name + "\" isActive=\"yes\"/>";
+    };
+    const auto write = [&](const std::string& file, const std::string& constants) {
+        return Write(file, With(CleanDocument(), "  </Values>", constants + "  </Values>"));
+    };
+    const std::string files = write("one.xml", constant("n1", "P") + constant("n2", "Q")) + ' ' +
+                              write("two.xml", constant("n1", "Q") + constant("n2", "P"));
+    EXPECT_EQ(Run("diff " + files).code, 1);
+    EXPECT_EQ(Run("diff --by-name " + files).code, 0);
+}
+
+TEST_F(Diff, PrintsJson)
+{
+    EXPECT_EQ(Compare(Damping, "<Value>nan</Value>", "--json").output,
+              "{\n  \"before\": \"" + m_clean + "\",\n  \"after\": \"" + File("other.xml") +
+                  "\",\n  \"differences\": [\n"
+                  "    {\"kind\": \"changed\", \"before\": {\"class\": \"Constant\", \"name\": "
+                  "\"Damping\", \"id\": \"c1\"}, \"after\": {\"class\": \"Constant\", \"name\": "
+                  "\"Damping\", \"id\": \"c1\"}, \"item\": \"Value\", \"old\": 0.05, \"new\": "
+                  "\"nan\"}\n  ]\n}\n");
+    const Outcome same = Run("diff --json " + m_clean + ' ' + m_clean);
+    EXPECT_EQ(same.code, 0);
+    ExpectContains(same.output, "\"differences\": []\n}\n");
+}
+
+TEST_F(Diff, QuietPrintsNothing)
+{
+    const Outcome changed = Compare(Damping, "<Value>0.06</Value>", "--quiet");
+    EXPECT_EQ(changed.code, 1);
+    EXPECT_EQ(changed.output, "");
+}
+
+TEST_F(Diff, TellsWhatASaveAndALoadChange)
+{
+    EXPECT_EQ(Run("diff --reloaded " KARMP_EXAMPLE_DOCUMENTS "/slider-crank.xml").code, 0);
+    // Documents keep doubles on a grid.
+    const std::string fine =
+        Write("fine.xml", With(CleanDocument(), Damping, "<Value>0.0500000000000001</Value>"));
+    const Outcome changed = Run("diff --reloaded " + fine);
+    EXPECT_EQ(changed.code, 1);
+    ExpectContains(changed.output, "  Value: 0.0500000000000001 becomes 0.049999999999999996\n");
+    ExpectContains(Run("diff --json --reloaded " + fine).output, "\"after\": null");
+}
+
+TEST_F(Diff, EndsWithTwoWhereADocumentIsNotRead)
+{
+    const Outcome missing = Run("diff " + m_clean + ' ' + File("missing.xml"));
+    EXPECT_EQ(missing.code, 2);
+    ExpectContains(missing.output, "missing.xml");
+    EXPECT_EQ(Run("diff " + File("missing.xml") + ' ' + m_clean).code, 2);
+    const std::string broken = Write("broken.xml", "<KARMPDocument>");
+    EXPECT_EQ(Run("diff " + broken + ' ' + broken).code, 2);
+    EXPECT_EQ(Run("diff " + m_clean).code, 2);
+    EXPECT_EQ(Run("diff --reloaded " + m_clean + ' ' + m_clean).code, 2);
+}
+
+TEST_F(Diff, SaysThatADocumentHasProblems)
+{
+    const std::string doubled =
+        Write("doubled.xml", With(CleanDocument(), "id=\"c1\"", "id=\"b1\""));
+    const Outcome outcome = Run("diff " + m_clean + ' ' + doubled);
+    EXPECT_EQ(outcome.code, 1);
+    ExpectContains(outcome.output, "the document has 3 problems");
+    ExpectContains(outcome.output, "- Boolean \"Visible\"\n");
+}
+
+} // namespace
+
+} // namespace karmp::tool
