@@ -191,10 +191,12 @@ void ElementComparison::CompareAttributes(const Pair& pair)
         ItemData after = pair.after->AttributeNamed(name);
         const auto* const first = std::get_if<std::wstring>(&before);
         const auto* const second = std::get_if<std::wstring>(&after);
-        const bool areSame = isReference && name == L"id" && first != nullptr &&
-                             second != nullptr && m_areSame(*first, *second);
-        if (!areSame)
+        const bool areIdentifiers =
+            isReference && name == L"id" && first != nullptr && second != nullptr;
+        if (!areIdentifiers)
             Tell(path, std::move(before), std::move(after));
+        else if (!m_areSame(*first, *second))
+            m_note(std::wstring(path), std::move(before), std::move(after));
     }
 }
 
