@@ -51,7 +51,8 @@ std::uint64_t HashOfNumbers(std::span<const double> numbers, const DifferenceOpt
             scale = std::max(scale, std::abs(number));
     // The scale is a power of two, so that equal ones give equal steps.
     scale = scale > 0.0 ? std::exp2(std::ceil(std::log2(scale) + Aside)) : 0.0;
-    std::uint64_t hash = numbers.size();
+    // Steps of different lengths give one number for different doubles.
+    std::uint64_t hash = options.tolerance > 0.0 ? std::bit_cast<std::uint64_t>(scale) : 0;
     for (const double number : numbers)
         hash = Mix(hash, HashOfNumber(number, scale, options));
     return hash;
@@ -86,8 +87,7 @@ bool AreEqual(double before, double after, double scale, const DifferenceOptions
 {
     if (before == after || (std::isnan(before) && std::isnan(after)))
         return true;
-    if (!std::isfinite(before) || !std::isfinite(after))
-        return false;
+    // Of an infinity and of a NaN this is no amount that anything allows.
     const double difference = std::abs(before - after);
     return difference <= options.floor || difference <= options.tolerance * scale;
 }

@@ -1,6 +1,6 @@
 // What differs between two worlds.
 #include "KARMPBody.h"
-#include "KARMPDocuments.h"
+#include "KARMPDisplacementSensor.h"
 #include "KARMPJointKinds.h"
 #include "KARMPLinearEquation.h"
 #include "KARMPPoint.h"
@@ -246,6 +246,17 @@ TEST_F(WorldDifference, OfASingleReferenceIsOneChange)
     EXPECT_EQ(differences[0].newValue, ItemData(Handle(otherCrank)));
 }
 
+TEST_F(WorldDifference, TellsALinkThatBothEndsHoldAloneOnce)
+{
+    AddBoth<KARMPBody>(L"Rod");
+    const auto body = second.Add<KARMPBody>(L"Crank");
+    first.Add<KARMPBody>(L"Crank");
+    const auto [before, after] = AddBoth<KARMPDisplacementSensor>(L"S");
+    after->SetBody(body);
+    body->SetDisplacementSensor(after);
+    EXPECT_EQ(CompareKinds(), Kinds{DifferenceKind::LinkGained});
+}
+
 TEST_F(WorldDifference, TellsTheLinksOfAnAddedEntityByItAlone)
 {
     const auto [rod, otherRod] = AddBoth<KARMPBody>(L"Rod");
@@ -365,6 +376,29 @@ TEST_F(WorldDifference, MatchesByNameWhatHasADoubledIdentifier)
     EXPECT_EQ(differences[0].item, L"Weight/Mass");
 }
 
+TEST_F(WorldDifference, MatchesWhatSharesMostLinks)
+{
+    std::vector<QOBSharedHandle<KARMPBody>> bodies;
+    for (const wchar_t* const name : {L"A", L"B", L"C", L"D", L"E"})
+        bodies.push_back(AddBoth<KARMPBody>(name).first);
+    const auto other = [this](int index) {
+        QOBSharedHandle<KARMPBody> body;
+        second.world->Get<KARMPBody>(index + 1, body);
+        return body;
+    };
+    const auto one = first.Join(L"", L"1", bodies[0], bodies[2]);
+    first.Join(L"", L"2", bodies[1], bodies[2]);
+    second.Join(L"", L"3", other(1), other(3));
+    second.Join(L"", L"4", other(0), other(3));
+    const auto differences = Compare();
+    const Kinds lostAndGained{DifferenceKind::LinkLost, DifferenceKind::LinkGained,
+                              DifferenceKind::LinkLost, DifferenceKind::LinkGained};
+    ASSERT_EQ(KindsOf(differences), lostAndGained);
+    EXPECT_EQ(differences[0].before.get(), one.get());
+    EXPECT_EQ(differences[0].target.get(), bodies[2].get());
+    EXPECT_EQ(differences[1].target.get(), other(3).get());
+}
+
 TEST_F(WorldDifference, ByNameLeavesIdentifiersAside)
 {
     first.Add<KARMPBody>(L"Rod", L"K1");
@@ -417,6 +451,36 @@ TEST_F(SeparateWorlds, TellEqualNamesApartByTheirLinks)
     EXPECT_EQ(CompareKinds(), Kinds());
 }
 
+TEST_F(SeparateWorlds, TellEqualContentApartByFartherLinks)
+{
+    for (const int length : {3, 4, 6, 9})
+        AddChain(first, L"x" + std::to_wstring(length), length, 0.0);
+    for (const int length : {6, 9, 3, 4})
+        AddChain(second, L"x" + std::to_wstring(length), length, 0.0);
+    EXPECT_EQ(CompareKinds(), Kinds());
+}
+
+TEST_F(SeparateWorlds, HeedLinksBeforeContent)
+{
+    const auto add = [](Built& built, const std::wstring& name, double one, double two) {
+        const auto body = built.Add<KARMPBody>(name);
+        for (const double x : {one, two}) {
+            const auto point = built.Add<KARMPPoint>(L"", name + std::to_wstring(x));
+            point->SetPoint({x, 0.0, 0.0});
+            point->SetBody(body);
+            body->AddGeometry(point);
+        }
+    };
+    add(first, L"Rod", 1.0, 2.0);
+    add(first, L"Crank", 3.0, 4.0);
+    add(second, L"Rod", 3.0, 2.0);
+    add(second, L"Crank", 1.0, 4.0);
+    const auto differences = Compare();
+    EXPECT_EQ(differences.size(), 2U);
+    for (const Difference& difference : differences)
+        EXPECT_EQ(difference.item, L"Coordinates/Origin");
+}
+
 TEST_F(SeparateWorlds, MatchWhatIsAlikeInAnyOrder)
 {
     for (const wchar_t* const identifier : {L"x", L"y", L"z"}) {
@@ -440,9 +504,13 @@ TEST_F(SeparateWorlds, TellWhatIsLinkedToNothingApartByItsContent)
 TEST_F(SeparateWorlds, TellWhatIsLinkedToNothingApartWithinATolerance)
 {
     for (int i = 0; i < 20; ++i) {
-        first.Add<KARMPBody>(L"", std::to_wstring(i))->SetMass(i + 1.0);
+        const auto body = first.Add<KARMPBody>(L"", std::to_wstring(i));
+        body->SetMass(i + 1.0);
+        body->SetPosition(At(1.0), 0);
+        const auto other = second.Add<KARMPBody>(L"", std::to_wstring(i));
         const double mass = (i * 7 + 3) % 20 + 1.0;
-        second.Add<KARMPBody>(L"", std::to_wstring(i))->SetMass(mass * (1.0 + 1e-10));
+        other->SetMass(mass * (1.0 + 1e-10));
+        other->SetPosition(At(1.0 + i * 1e-13), 0);
     }
     EXPECT_EQ(CompareKinds({.tolerance = 1e-9}), Kinds());
 }
@@ -469,11 +537,36 @@ TEST_F(SeparateWorlds, TellAnEntityLessAmongEqualNames)
     EXPECT_EQ(differences[1].before.get(), joint.get());
 }
 
+TEST_F(SeparateWorlds, HaveTheSameGlobalEntitiesWhateverTheirNames)
+{
+    QOBSharedHandle<KARMPVariable> time;
+    second.world->GetGlobalTime(time);
+    time->setEntityName(L"t");
+    time->SetValue(2.0);
+    EXPECT_EQ(CompareKinds(), (Kinds{DifferenceKind::Renamed, DifferenceKind::Changed}));
+}
+
+TEST_F(SeparateWorlds, MatchChangedEntitiesOfOneNameWhereOneWasAdded)
+{
+    for (const double mass : {1.0, 2.0})
+        first.Add<KARMPBody>(L"Rod", std::to_wstring(mass))->SetMass(mass);
+    for (const double mass : {9.0, 2.5, 1.5})
+        second.Add<KARMPBody>(L"Rod", std::to_wstring(mass))->SetMass(mass);
+    const auto differences = Compare();
+    ASSERT_EQ(KindsOf(differences),
+              (Kinds{DifferenceKind::Changed, DifferenceKind::Changed, DifferenceKind::Added}));
+    EXPECT_EQ(differences[0].oldValue, ItemData(1.0));
+    EXPECT_EQ(differences[0].newValue, ItemData(1.5));
+}
+
 TEST_F(SeparateWorlds, TellAnotherNameByTheLinks)
 {
     first.Join(L"A", L"1", first.Ground(), first.Add<KARMPBody>(L"Rod", L"2"));
-    second.Join(L"A", L"3", second.Ground(), second.Add<KARMPBody>(L"Link", L"4"));
+    const auto link = second.Add<KARMPBody>(L"Link", L"4");
+    second.Join(L"A", L"3", second.Ground(), link);
     EXPECT_EQ(CompareKinds(), Kinds{DifferenceKind::Renamed});
+    link->SetMass(2.0);
+    EXPECT_EQ(CompareKinds(), (Kinds{DifferenceKind::Renamed, DifferenceKind::Changed}));
 }
 
 } // namespace
