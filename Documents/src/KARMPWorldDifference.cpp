@@ -3,14 +3,12 @@
 #include "KARMPEntityContents.h"
 #include "KARMPEntityElement.h"
 #include "KARMPEntityMatching.h"
+#include "KARMPLinkComparison.h"
 #include "KARMPWorld.h"
 #include "KARMPWorldGraph.h"
 
-#include <algorithm>
 #include <array>
-#include <optional>
-#include <set>
-#include <tuple>
+#include <functional>
 #include <unordered_map>
 #include <utility>
 
@@ -19,30 +17,9 @@ namespace karmp::documents {
 namespace {
 
 using Handle = QOBSharedHandle<KARMPEntity>;
-using Handles = std::vector<Handle>;
 using Quantity = KARMPPhysicalQuantity;
 
 constexpr std::wstring_view PositionPath = L"Position";
-
-/// A target of a link: the entity, what stands for it in both worlds, and the word of the entry.
-struct LinkedEntity
-{
-    Handle entity;
-    std::uint64_t key;
-    std::wstring_view word;
-};
-using LinkedEntities = std::vector<LinkedEntity>;
-
-/// One end of a link that was lost or gained, by the keys of the entities.
-struct LinkEnd
-{
-    bool isGained;
-    std::uint64_t holder;
-    std::wstring_view item;
-    std::uint64_t target;
-
-    auto operator<=>(const LinkEnd&) const = default;
-};
 
 class WorldComparison
 {
@@ -58,17 +35,6 @@ public:
     std::vector<Difference> Run();
 
 private:
-    /// A difference with the link that it tells of.
-    struct Noted
-    {
-        Difference difference;
-        std::optional<LinkEnd> link;
-        std::wstring_view otherSide;
-        bool isPreferred = false;
-        EntityNumber target = NoEntity;
-        std::size_t world = 0;
-    };
-
     void CompareSettings();
     void CompareGlobals();
     void NoteSetting(const wchar_t* name, Quantity::Enum quantity, ItemData before, ItemData after);
@@ -77,34 +43,17 @@ private:
     void CompareValues(const WorldGraph::Entity& before, const WorldGraph::Entity& after);
     void CompareValue(const WorldGraph::Entity& before, const WorldGraph::Entity& after,
                       const ItemInfo& item, const ItemInfo& other);
-    void CompareLinks(const WorldGraph::Entity& before, const WorldGraph::Entity& after,
-                      std::uint64_t holder);
-    void CompareReference(const Difference& common, const ItemInfo& item, std::uint64_t holder,
-                          const LinkedEntities& before, const LinkedEntities& after);
-    void CompareReferences(const Difference& common, const ItemInfo& item, std::uint64_t holder,
-                           const LinkedEntities& before, const LinkedEntities& after);
     void CompareElements(const WorldGraph::Entity& before, const WorldGraph::Entity& after);
-    void NoteLink(const Difference& common, const ItemInfo& item, std::uint64_t holder,
-                  const LinkedEntity& target, std::size_t world);
     void Note(Difference difference) { m_noted.push_back({std::move(difference), {}, {}}); }
 
-    LinkedEntities TargetsOf(const WorldGraph::Entity& entity, const ItemInfo& item,
-                             std::size_t world) const;
-    std::uint64_t KeyOf(std::size_t world, const KARMPEntity& entity) const;
     bool AreIdentifiersSame(const std::wstring& before, const std::wstring& after);
-    bool IsToldElsewhere(const Noted& noted) const;
-    bool HoldsLink(const Noted& noted) const;
 
     const DifferenceOptions& m_options;
     std::array<std::reference_wrapper<const KARMPWorld>, 2> m_worlds;
     std::array<WorldGraph, 2> m_graphs;
     EntityMatching m_matching;
-    std::vector<Noted> m_noted;
-    /// The ends of links that are told as one change, those of other references and lists in order,
-    /// and those of other lists: of two ends of a link the one of the earlier set tells of it.
-    std::set<LinkEnd> m_relinked;
-    std::set<LinkEnd> m_preferred;
-    std::set<LinkEnd> m_ends;
+    LinkComparison m_links{m_graphs, m_matching};
+    std::vector<NotedDifference> m_noted;
     std::array<std::unordered_map<std::wstring_view, EntityNumber>, 2> m_identifiers;
 };
 
@@ -144,8 +93,8 @@ std::vector<Difference> WorldComparison::Run()
     CompareGlobals();
     CompareEntities();
     std::vector<Difference> differences;
-    for (Noted& noted : m_noted)
-        if (!IsToldElsewhere(noted))
+    for (NotedDifference& noted : m_noted)
+        if (!m_links.IsToldElsewhere(noted))
             differences.push_back(std::move(noted.difference));
     return differences;
 }
@@ -193,8 +142,8 @@ void WorldComparison::CompareGlobals()
         const auto valueOf = [](const Handle& handle) {
             return handle ? ItemData(handle) : ItemData();
         };
-        const bool areSame =
-            before && after ? KeyOf(0, *before) == KeyOf(1, *after) : !before && !after;
+        const bool areSame = before && after ? m_links.KeyOf(0, *before) == m_links.KeyOf(1, *after)
+                                             : !before && !after;
         if (!areSame)
             NoteSetting(names[i], Quantity::NoPhysicalQuantity, valueOf(before), valueOf(after));
     }
@@ -255,7 +204,7 @@ void WorldComparison::ComparePair(EntityNumber beforeNumber, EntityNumber afterN
         note(DifferenceKind::Changed, L"class", nameOf(before), nameOf(after));
     }
     CompareValues(before, after);
-    CompareLinks(before, after, KeyOf(0, *before.handle));
+    m_links.Compare(before, after, m_noted);
     CompareElements(before, after);
 }
 
@@ -291,104 +240,6 @@ void WorldComparison::CompareValue(const WorldGraph::Entity& before,
     Note(std::move(difference));
 }
 
-void WorldComparison::CompareLinks(const WorldGraph::Entity& before,
-                                   const WorldGraph::Entity& after, std::uint64_t holder)
-{
-    for (const ItemInfo* const item : before.items->Links()) {
-        const ItemInfo* const other =
-            before.items == after.items ? item : after.items->Find(item->path);
-        if (other == nullptr || other->kind != item->kind)
-            continue;
-        const LinkedEntities oldTargets = TargetsOf(before, *item, 0);
-        const LinkedEntities newTargets = TargetsOf(after, *other, 1);
-        Difference common;
-        common.before = before.handle;
-        common.after = after.handle;
-        common.item = item->path;
-        if (item->kind == ItemKind::Reference)
-            CompareReference(common, *item, holder, oldTargets, newTargets);
-        else
-            CompareReferences(common, *item, holder, oldTargets, newTargets);
-    }
-}
-
-void WorldComparison::CompareReference(const Difference& common, const ItemInfo& item,
-                                       std::uint64_t holder, const LinkedEntities& before,
-                                       const LinkedEntities& after)
-{
-    if (before.empty() && after.empty())
-        return;
-    if (after.empty())
-        return NoteLink(common, item, holder, before[0], 0);
-    if (before.empty())
-        return NoteLink(common, item, holder, after[0], 1);
-    if (before[0].key == after[0].key)
-        return;
-    m_relinked.insert({false, holder, item.name, before[0].key});
-    m_relinked.insert({true, holder, item.name, after[0].key});
-    Difference difference = common;
-    difference.oldValue = before[0].entity;
-    difference.newValue = after[0].entity;
-    Note(std::move(difference));
-}
-
-void WorldComparison::CompareReferences(const Difference& common, const ItemInfo& item,
-                                        std::uint64_t holder, const LinkedEntities& before,
-                                        const LinkedEntities& after)
-{
-    const bool isSame = std::equal(before.begin(), before.end(), after.begin(), after.end(),
-                                   [](const LinkedEntity& left, const LinkedEntity& right) {
-                                       return left.key == right.key && left.word == right.word;
-                                   });
-    if (isSame)
-        return;
-    // What the second list still holds of an entry of the first one.
-    std::unordered_multimap<std::uint64_t, const LinkedEntity*> others;
-    for (const LinkedEntity& entry : after)
-        others.emplace(entry.key, &entry);
-    std::vector<std::uint64_t> kept;
-    for (const LinkedEntity& entry : before) {
-        const auto found = others.find(entry.key);
-        if (found == others.end()) {
-            NoteLink(common, item, holder, entry, 0);
-            continue;
-        }
-        kept.push_back(entry.key);
-        if (found->second->word != entry.word) {
-            Difference difference = common;
-            difference.item += L'/' + std::wstring(item.entryWord);
-            difference.target = entry.entity;
-            difference.oldValue = std::wstring(entry.word);
-            difference.newValue = std::wstring(found->second->word);
-            Note(std::move(difference));
-        }
-        others.erase(found);
-    }
-    std::vector<std::uint64_t> order;
-    for (const LinkedEntity& entry : after) {
-        const auto range = others.equal_range(entry.key);
-        const auto found = std::find_if(range.first, range.second,
-                                        [&](const auto& other) { return other.second == &entry; });
-        if (found != range.second)
-            NoteLink(common, item, holder, entry, 1);
-        else
-            order.push_back(entry.key);
-    }
-    if (!item.isInOrder || kept == order)
-        return;
-    const auto handlesOf = [](const LinkedEntities& entries) {
-        Handles handles;
-        for (const LinkedEntity& entry : entries)
-            handles.push_back(entry.entity);
-        return handles;
-    };
-    Difference difference = common;
-    difference.kind = DifferenceKind::Reordered;
-    difference.oldValue = handlesOf(before);
-    difference.newValue = handlesOf(after);
-    Note(std::move(difference));
-}
-
 void WorldComparison::CompareElements(const WorldGraph::Entity& before,
                                       const WorldGraph::Entity& after)
 {
@@ -411,65 +262,6 @@ void WorldComparison::CompareElements(const WorldGraph::Entity& before,
     ElementComparison(items, m_options, note, areSame).Compare(*before.handle, *after.handle);
 }
 
-void WorldComparison::NoteLink(const Difference& common, const ItemInfo& item, std::uint64_t holder,
-                               const LinkedEntity& target, std::size_t world)
-{
-    Noted noted;
-    noted.difference = common;
-    noted.difference.kind = world == 0 ? DifferenceKind::LinkLost : DifferenceKind::LinkGained;
-    noted.difference.target = target.entity;
-    noted.link = LinkEnd{world == 1, holder, item.name, target.key};
-    noted.otherSide = item.otherSide;
-    noted.isPreferred = item.kind == ItemKind::Reference || item.isInOrder;
-    noted.target = m_graphs[world].NumberOf(target.entity.get());
-    noted.world = world;
-    (noted.isPreferred ? m_preferred : m_ends).insert(*noted.link);
-    m_noted.push_back(std::move(noted));
-}
-
-LinkedEntities WorldComparison::TargetsOf(const WorldGraph::Entity& entity, const ItemInfo& item,
-                                          std::size_t world) const
-{
-    LinkedEntities targets;
-    const ItemData data = item.Get(*entity.handle);
-    const auto add = [&](const Handle& target) {
-        if (target)
-            targets.push_back({target, KeyOf(world, *target), {}});
-    };
-    if (const auto* const target = std::get_if<Handle>(&data))
-        add(*target);
-    const auto* const list = std::get_if<Handles>(&data);
-    if (list == nullptr)
-        return targets;
-    const auto words =
-        item.entryWord.empty() ? std::vector<std::wstring_view>() : item.EntryWords(*entity.handle);
-    for (std::size_t i = 0; i < list->size(); ++i) {
-        if (!(*list)[i])
-            continue;
-        add((*list)[i]);
-        if (i < words.size())
-            targets.back().word = words[i];
-    }
-    return targets;
-}
-
-/// A number that corresponding entities have in common and no others. Entities that a world does
-/// not list correspond by class and name.
-std::uint64_t WorldComparison::KeyOf(std::size_t world, const KARMPEntity& entity) const
-{
-    constexpr std::uint64_t ofBefore = 1ULL << 32U;
-    constexpr std::uint64_t ofAfter = 2ULL << 32U;
-    constexpr std::uint64_t unlisted = 1ULL << 63U;
-    const EntityNumber number = m_graphs[world].NumberOf(&entity);
-    if (number == NoEntity)
-        return unlisted | Mix(ClassItems::Of(entity).Hash(),
-                              std::hash<std::wstring>()(entity.getEntityName()));
-    if (world == 0)
-        return ofBefore | number;
-    const EntityNumber partner = m_matching.ofAfter[number];
-    return partner != NoEntity ? ofBefore | partner : ofAfter | number;
-}
-
 bool WorldComparison::AreIdentifiersSame(const std::wstring& before, const std::wstring& after)
 {
     const std::array<const std::wstring*, 2> texts{&before, &after};
@@ -484,41 +276,6 @@ bool WorldComparison::AreIdentifiersSame(const std::wstring& before, const std::
     if (numbers[0] == NoEntity || numbers[1] == NoEntity)
         return before == after;
     return m_matching.ofBefore[numbers[0]] == numbers[1];
-}
-
-// Of two equal ends the smaller one tells of the link. What links an added or removed entity is
-// told by that one.
-bool WorldComparison::IsToldElsewhere(const Noted& noted) const
-{
-    if (!noted.link || noted.otherSide.empty())
-        return false;
-    const LinkEnd& link = *noted.link;
-    const LinkEnd other{link.isGained, link.target, noted.otherSide, link.holder};
-    if (m_relinked.count(other) != 0 || (!noted.isPreferred && m_preferred.count(other) != 0))
-        return true;
-    const std::set<LinkEnd>& equals = noted.isPreferred ? m_preferred : m_ends;
-    return (other < link && equals.count(other) != 0) || HoldsLink(noted);
-}
-
-/// True when the target stands in one world alone and holds the link, too.
-bool WorldComparison::HoldsLink(const Noted& noted) const
-{
-    if (noted.target == NoEntity)
-        return false;
-    const auto& partners = noted.world == 0 ? m_matching.ofBefore : m_matching.ofAfter;
-    if (partners[noted.target] != NoEntity)
-        return false;
-    const WorldGraph::Entity& target = m_graphs[noted.world].At(noted.target);
-    const auto& links = target.items->Links();
-    const auto item = std::find_if(links.begin(), links.end(), [&noted](const ItemInfo* candidate) {
-        return candidate->name == noted.otherSide;
-    });
-    if (item == links.end())
-        return false;
-    const LinkedEntities back = TargetsOf(target, **item, noted.world);
-    return std::any_of(back.begin(), back.end(), [&noted](const LinkedEntity& entry) {
-        return entry.key == noted.link->holder;
-    });
 }
 
 } // namespace
