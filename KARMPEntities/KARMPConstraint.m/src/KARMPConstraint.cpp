@@ -100,10 +100,7 @@ KARStatus KARMPConstraint::GetLoader(KARIMPConstraintLoader*& loader) const
 
 KARStatus KARMPConstraint::SetJoint(const QOBSharedHandle<KARMPJoint>& joint)
 {
-    if (joint)
-        return m_joint.Set(joint);
-    m_joint.Clear();
-    return KARSuccess;
+    return m_joint.Assign(joint);
 }
 
 KARStatus KARMPConstraint::RemoveJoint(const QOBSharedHandle<KARMPJoint>& joint)

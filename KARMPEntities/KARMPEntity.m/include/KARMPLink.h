@@ -27,11 +27,25 @@ public:
         m_handle = handle;
         return KARSuccess;
     }
+    /// Links a referent, or none when the handle is null; always 0.
+    KARStatus Assign(const QOBSharedHandle<T>& handle)
+    {
+        m_handle = handle;
+        return KARSuccess;
+    }
     /// Gives the linked handle. Without a link a null handle and a failure, without a report.
     KARStatus Get(QOBSharedHandle<T>& handle) const
     {
         handle = m_handle;
         return handle ? KARSuccess : KARFailure;
+    }
+    /// The same, where having no link is a failed check.
+    KARStatus Require(QOBSharedHandle<T>& handle,
+                      KARMPSourceLocation where = KARMPSourceLocation::current()) const
+    {
+        const KARStatus status = Get(handle);
+        KARMPVerify(!KARFailed(status), where);
+        return status;
     }
     /// Drops the link. A referent that is not the linked one gives KARUnchanged.
     KARStatus Remove(const QOBSharedHandle<T>& handle,

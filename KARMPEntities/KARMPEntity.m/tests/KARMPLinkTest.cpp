@@ -50,6 +50,27 @@ TEST_F(Link, StaysWhenANullHandleIsSetOrRemoved)
     ExpectReports(2);
 }
 
+TEST_F(Link, TakesAnyHandleThatIsAssigned)
+{
+    EXPECT_EQ(link.Assign(first), KARSuccess);
+    ExpectLinked(first);
+    EXPECT_EQ(link.Assign(nullptr), KARSuccess);
+    ExpectLinked(nullptr);
+}
+
+TEST_F(Link, ReportsAtTheCallerThatARequiredReferentIsMissing)
+{
+    QOBSharedHandle<TestEntity> found = first;
+    EXPECT_EQ(link.Require(found), KARFailure);
+    EXPECT_FALSE(found);
+    ASSERT_EQ(UnclaimedReports().size(), 1U);
+    EXPECT_NE(UnclaimedReports()[0].find("KARMPLinkTest.cpp"), std::string::npos);
+    ExpectReports(1);
+    link.Set(second);
+    EXPECT_EQ(link.Require(found), KARSuccess);
+    EXPECT_EQ(found, second);
+}
+
 TEST_F(Link, ReportsANullHandleAtTheCaller)
 {
     EXPECT_EQ(link.Set(nullptr), KARFailure);
