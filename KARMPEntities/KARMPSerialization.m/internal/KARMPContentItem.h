@@ -114,6 +114,9 @@ struct Item
     KARStatus (*at)(const void* owner, int index, ItemValue& value) = nullptr;
     /// The element of each entry of References and Records.
     std::wstring_view entry;
+    /// What the writer of a value reference asks in place of `get`; having no value is a failed
+    /// check then although the element may be missing.
+    KARStatus (*ask)(const void* owner, ItemValue& value) = nullptr;
     /// The condition for reading; null without one.
     bool (*whenRead)(const void* owner) = nullptr;
     /// The versions of a gated item; empty without a limit.

@@ -90,6 +90,17 @@ constexpr ItemList<1> ValueReference(std::wstring_view name, std::string_view sa
     return list;
 }
 
+/// An optional value that the writer asks a getter for, which reports when there is none, as the
+/// writer does then. All others look at the link, so that they report nothing.
+template <auto LinkMember, auto Get, auto Link>
+constexpr ItemList<1> AskedValueReference(std::wstring_view name, std::string_view says,
+                                          Where where = Where::current())
+{
+    auto list = ValueReference<LinkMember, Link>(name, says, where).Optional();
+    list.First().ask = &FetchTarget<Get>;
+    return list;
+}
+
 /// The entries of a link list, or of a pair of operations, by index.
 template <auto List>
 struct ListedEntries

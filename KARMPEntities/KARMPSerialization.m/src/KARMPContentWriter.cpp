@@ -162,8 +162,10 @@ void ContentWriter::WriteReference(const Item& item, ElementWriter& element)
 
 void ContentWriter::WriteValueReference(const Item& item, ElementWriter& element)
 {
-    const bool hasValue = !KARFailed(item.get(m_owner, m_value)) && m_value.entity;
-    if (!hasValue && item.presence == ItemPresence::Optional)
+    const bool isAsked = item.ask != nullptr;
+    const auto get = isAsked ? item.ask : item.get;
+    const bool hasValue = !KARFailed(get(m_owner, m_value)) && m_value.entity;
+    if (!hasValue && item.presence == ItemPresence::Optional && !isAsked)
         return;
     if (element.Base(hasValue ? KARSuccess : KARFailure, item.where))
         element.Base(KARMPSerializationServices::Serialize(

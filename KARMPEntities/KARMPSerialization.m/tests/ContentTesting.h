@@ -73,6 +73,11 @@ public:
     {
         return KARFailed(setterStatus) ? setterStatus : constant.Set(target);
     }
+    KARStatus GetConstant(QOBSharedHandle<KARMPConstant>& target) const
+    {
+        target = constant.Handle();
+        return getterStatus;
+    }
 
     int CountRecords() const { return static_cast<int>(records.size()); }
     /// Fails for the first record when the getters fail.

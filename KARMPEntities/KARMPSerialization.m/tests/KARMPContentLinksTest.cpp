@@ -122,6 +122,26 @@ TEST_F(ContentValueReference, WithoutAValueIsAFailureUnlessItIsOptional)
     EXPECT_FALSE(root.Has(L"E[1]/Value"));
 }
 
+TEST_F(ContentValueReference, IsAskedForByTheWriterAlone)
+{
+    constexpr auto asked =
+        AskedValueReference<&C::constant, &C::GetConstant, &C::SetConstant>(L"Value", "");
+    EXPECT_EQ(Write(Counting(asked)), KARFailure);
+    ExpectReports(1);
+    EXPECT_FALSE(root.Has(L"E/Value"));
+    tree.Add(L"E");
+    EXPECT_EQ(Read(Counting(asked)), KARSuccess);
+    entity->SetConstant(constant);
+    entity->getterStatus = KARFailure;
+    EXPECT_EQ(Write(Counting(asked)), KARFailure);
+    ExpectReports(1);
+    ItemValue value;
+    EXPECT_EQ(asked.items[0].get(OwnerOf(*entity), value), KARSuccess);
+    entity->getterStatus = KARSuccess;
+    EXPECT_EQ(Write(Counting(asked)), KARSuccess);
+    EXPECT_EQ(root.Text(L"E[2]/Value/@id"), L"K1");
+}
+
 TEST_F(ContentValueReference, LinksTheValueOfTheDocument)
 {
     tree.Add(L"E").Reference(L"Value", L"K1");
