@@ -154,6 +154,7 @@ private:
             {L"HingeMode", Rows<KARMPHingeMode::Enum>()},
             {L"SelectedPlane", Rows<KARMPSelectedPlane::Enum>()},
             {L"SurfaceOrientation", Rows<KARMPSurfaceOrientation::Enum>()},
+            {L"Behavior", Rows<KARMPSpringBehavior::Enum>()},
             {L"SelectedAxis0", Rows<KARMPSelectedAxis::Enum>()},
             {L"SelectedAxis1", Rows<KARMPSelectedAxis::Enum>()},
             {L"PhysicalQuantity", Rows<KARMPPhysicalQuantity::Enum>()},
@@ -207,9 +208,6 @@ const std::set<std::string_view> NotMade{
     "KARMPPoint2D",
     "KARMPUserDefined2D",
     // Connectors.
-    "KARMPAxialSpring",
-    "KARMPBushing",
-    "KARMPForceElement",
     "KARMPLinearSpring",
     "KARMPTorsionSpring",
     // Stored geometry.

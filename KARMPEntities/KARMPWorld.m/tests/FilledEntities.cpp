@@ -4,8 +4,10 @@
 #include "KAREllipseArc.h"
 #include "KARLineCurve.h"
 #include "KARMPAngle.h"
+#include "KARMPAxialSpring.h"
 #include "KARMPAxisSystem.h"
 #include "KARMPBoolean.h"
+#include "KARMPBushing.h"
 #include "KARMPCircle.h"
 #include "KARMPCirline.h"
 #include "KARMPCoaxiality.h"
@@ -19,6 +21,7 @@
 #include "KARMPDistance.h"
 #include "KARMPEllipse.h"
 #include "KARMPExpression.h"
+#include "KARMPForceElement.h"
 #include "KARMPHyperbola.h"
 #include "KARMPJointKinds.h"
 #include "KARMPLine.h"
@@ -104,6 +107,7 @@ FilledEntities::FilledEntities()
     AddTwo(m_sensors, L"S", Identified<KARMPDisplacementSensor>);
     AddTwo(m_shapes, L"H", ConcreteEntity<KARMPShape>::create);
     AddTwo(m_connectors, L"N", ConcreteEntity<KARMPConnector>::create);
+    AddTwo(m_constants, L"K", Identified<KARMPConstant>);
     AddTwo(m_elements, L"A", Identified<KARMPPoint>);
     AddTwo(m_parameters, L"P", IdentifiedAttribute<KARMPParameter>);
     AddTwo(m_states, L"T", IdentifiedAttribute<KARMPState>);
@@ -146,6 +150,7 @@ QOBSharedHandle<KARMPEntity> FilledEntities::Make(const std::string& className, 
     fill(&FilledEntities::FillBody);
     fill(&FilledEntities::FillGeometry);
     fill(&FilledEntities::FillJoint);
+    fill(&FilledEntities::FillConnector);
     fill(&FilledEntities::FillConstraint);
     fill(&FilledEntities::FillSensor);
     fill(&FilledEntities::FillValue);
@@ -253,6 +258,18 @@ void FilledEntities::LinkConstraint(KARMPConstraint& constraint)
     }
 }
 
+void FilledEntities::FillConnector(KARMPConnector& connector)
+{
+    if (!HasLinks())
+        return;
+    connector.SetFirstBody(m_bodies[Choose(0U, 1U)]);
+    connector.SetSecondBody(m_bodies[Choose(1U, 0U)]);
+    for (std::size_t index = 0; index < 2; ++index) {
+        connector.LinkToGeometry(m_geometries[index]);
+        connector.LinkToVariable(m_variables[index]);
+    }
+}
+
 void FilledEntities::FillConstraint(KARMPConstraint& constraint)
 {
     if (HasLinks())
@@ -307,7 +324,8 @@ void FilledEntities::FillOwnContent(KARMPEntity& entity)
         KARMPParallelism, KARMPPerpendicularity, KARMPRollCurveConstraint, KARMPSymmetry,
         KARMPTangency, KARMPLinearEquation, KARMPCylindricalConstraint, KARMPPrismaticConstraint,
         KARMPRevoluteConstraint, KARMPScrewConstraint, KARMPSphericalConstraint, KARMPBoolean,
-        KARMPConstant, KARMPExpression, KARMPSketchFunction, KARMPString>;
+        KARMPConstant, KARMPExpression, KARMPSketchFunction, KARMPString, KARMPAxialSpring,
+        KARMPBushing, KARMPForceElement>;
     Classes::AnyOf([&](auto family) {
         using T = typename decltype(family)::Type;
         if (entity.getClassName() != T::ClassName())
@@ -317,6 +335,8 @@ void FilledEntities::FillOwnContent(KARMPEntity& entity)
             FillShapeOf(own);
         } else if constexpr (std::is_base_of_v<KARMPValue, T>) {
             FillValueOf(own);
+        } else if constexpr (std::is_base_of_v<KARMPConnector, T>) {
+            FillForceOf(own);
         } else {
             FillOptions(own);
             FillFriction(own);
@@ -449,4 +469,38 @@ void FilledEntities::FillValueOf(T& value)
                                                              KARMathVector(0, 0, 1), 2.0, 0.0, 3.0),
                        KARMPCurveOrientation::Positive, &m_limits[1]);
     }
+}
+
+template <class T>
+void FilledEntities::FillForceOf(T& connector)
+{
+    using Behavior = KARMPSpringBehavior;
+    using Value = QOBSharedHandle<KARMPValue>;
+    const Value first = m_constants[Choose(0U, 1U)];
+    const Value second = m_constants[Choose(1U, 0U)];
+    if constexpr (requires { connector.SetBehavior(Behavior::ExtensionFree); })
+        connector.SetBehavior(Choose(Behavior::ExtensionFree, Behavior::CompressionLock));
+    if constexpr (std::is_same_v<T, KARMPForceElement>) {
+        connector.SetClass(Choose(L"Contact", L"other"));
+        connector.SetStream(Choose(L"AAEC \u00e9", L"other"));
+    }
+    if (!HasLinks())
+        return;
+    if constexpr (requires { connector.SetRestLength(first); })
+        connector.SetRestLength(first);
+    if constexpr (requires { connector.SetStiffness(first); })
+        connector.SetStiffness(second);
+    if constexpr (requires { connector.SetDamping(first); })
+        connector.SetDamping(first);
+    if constexpr (requires { connector.SetActuatorForce(first); })
+        connector.SetActuatorForce(second);
+    if constexpr (std::is_same_v<T, KARMPBushing>) {
+        for (int index = 0; index < 6; ++index) {
+            connector.SetStiffness(index, index % 2 == 0 ? first : second);
+            connector.SetDamping(index, index % 3 == 0 ? first : second);
+            connector.SetPreLoadForce(index, index < 3 ? first : second);
+        }
+    }
+    if constexpr (std::is_same_v<T, KARMPForceElement>)
+        connector.SetJoint(m_joints[Choose(0U, 1U)]);
 }

@@ -5,6 +5,7 @@
 #include "KARCrvLimits.h"
 #include "KARGeometricFactory.h"
 #include "KARMPConnector.h"
+#include "KARMPConstant.h"
 #include "KARMPDisplacementSensor.h"
 #include "KARMPEntityTable.h"
 #include "KARMPEquation.h"
@@ -71,6 +72,7 @@ private:
     void FillBody(KARMPBody& body);
     void FillGeometry(KARMPGeometry& geometry);
     void FillJoint(KARMPJoint& joint);
+    void FillConnector(KARMPConnector& connector);
     void FillConstraint(KARMPConstraint& constraint);
     void LinkConstraint(KARMPConstraint& constraint);
     void FillSensor(KARMPSensor& sensor);
@@ -87,6 +89,8 @@ private:
     void FillTerms(T& equation);
     template <class T>
     void FillValueOf(T& value);
+    template <class T>
+    void FillForceOf(T& connector);
 
     /// The first of two values, or the second one where others are asked for.
     template <class T>
@@ -119,6 +123,7 @@ private:
     Two<KARMPDisplacementSensor> m_sensors;
     Two<KARMPShape> m_shapes;
     Two<KARMPConnector> m_connectors;
+    Two<KARMPConstant> m_constants;
     Two<KARMPParameter> m_parameters;
     Two<KARMPState> m_states;
     Two<KARMPEntity> m_elements;
