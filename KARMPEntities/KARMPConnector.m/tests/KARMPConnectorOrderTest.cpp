@@ -1,6 +1,8 @@
 #include "KARMPAxialSpring.h"
 #include "KARMPBushing.h"
 #include "KARMPForceElement.h"
+#include "KARMPLinearSpring.h"
+#include "KARMPTorsionSpring.h"
 #include "VirtualSlot.h"
 
 // Applications derive from these classes and are built apart from the library, so the order of the
@@ -51,6 +53,37 @@ TEST(ConnectorOrder, AForceElementsOperationsStandBehindThoseOfConnectors)
     using C = KARMPForceElement;
     ExpectSlotsBehind(LastOfConnectors, {SlotOf<C, KARIMPForceElementLoader*&>(&C::GetLoader),
                                          VirtualSlot(&C::SetJoint), VirtualSlot(&C::GetJoint)});
+}
+
+/// The slots of a value's setters and getters, the double forms behind those for values.
+#    define VALUE_SLOTS(Class, Name)                                                               \
+        SlotOf<Class, const Class::Value&>(&Class::Set##Name),                                     \
+            SlotOf<Class, double>(&Class::Set##Name),                                              \
+            SlotOf<Class, Class::Value&>(&Class::Get##Name),                                       \
+            SlotOf<Class, double&>(&Class::Get##Name)
+
+TEST(ConnectorOrder, ALinearSpringsOperationsStandBehindThoseOfConnectors)
+{
+    using C = KARMPLinearSpring;
+    ExpectSlotsBehind(LastOfConnectors,
+                      {SlotOf<C, KARIMPLinearSpringLoader*&>(&C::GetLoader),
+                       VirtualSlot(&C::SetFirstAttachment), VirtualSlot(&C::GetFirstAttachment),
+                       VirtualSlot(&C::SetSecondAttachment), VirtualSlot(&C::GetSecondAttachment),
+                       VALUE_SLOTS(C, Stiffness), VALUE_SLOTS(C, RestLength),
+                       VALUE_SLOTS(C, DampingCoefficient), VirtualSlot(&C::SetBehavior),
+                       VirtualSlot(&C::GetBehavior)});
+}
+
+TEST(ConnectorOrder, ATorsionSpringsOperationsStandBehindThoseOfConnectors)
+{
+    using C = KARMPTorsionSpring;
+    ExpectSlotsBehind(LastOfConnectors,
+                      {SlotOf<C, KARIMPTorsionSpringLoader*&>(&C::GetLoader),
+                       VirtualSlot(&C::SetFirstAttachment), VirtualSlot(&C::GetFirstAttachment),
+                       VirtualSlot(&C::SetSecondAttachment), VirtualSlot(&C::GetSecondAttachment),
+                       VALUE_SLOTS(C, Stiffness), VALUE_SLOTS(C, RestAngle),
+                       VALUE_SLOTS(C, DampingCoefficient), VirtualSlot(&C::SetBehavior),
+                       VirtualSlot(&C::GetBehavior)});
 }
 
 } // namespace

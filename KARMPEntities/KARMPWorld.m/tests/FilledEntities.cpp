@@ -26,6 +26,7 @@
 #include "KARMPJointKinds.h"
 #include "KARMPLine.h"
 #include "KARMPLinearEquation.h"
+#include "KARMPLinearSpring.h"
 #include "KARMPNormal.h"
 #include "KARMPParabola.h"
 #include "KARMPParallelism.h"
@@ -44,6 +45,7 @@
 #include "KARMPString.h"
 #include "KARMPSymmetry.h"
 #include "KARMPTangency.h"
+#include "KARMPTorsionSpring.h"
 #include "KARMPTorus.h"
 #include "KARMPVersions.h"
 #include "TestEntity.h"
@@ -325,7 +327,7 @@ void FilledEntities::FillOwnContent(KARMPEntity& entity)
         KARMPTangency, KARMPLinearEquation, KARMPCylindricalConstraint, KARMPPrismaticConstraint,
         KARMPRevoluteConstraint, KARMPScrewConstraint, KARMPSphericalConstraint, KARMPBoolean,
         KARMPConstant, KARMPExpression, KARMPSketchFunction, KARMPString, KARMPAxialSpring,
-        KARMPBushing, KARMPForceElement>;
+        KARMPBushing, KARMPForceElement, KARMPLinearSpring, KARMPTorsionSpring>;
     Classes::AnyOf([&](auto family) {
         using T = typename decltype(family)::Type;
         if (entity.getClassName() != T::ClassName())
@@ -488,6 +490,10 @@ void FilledEntities::FillForceOf(T& connector)
         return;
     if constexpr (requires { connector.SetRestLength(first); })
         connector.SetRestLength(first);
+    if constexpr (requires { connector.SetRestAngle(first); })
+        connector.SetRestAngle(first);
+    if constexpr (requires { connector.SetDampingCoefficient(first); })
+        connector.SetDampingCoefficient(first);
     if constexpr (requires { connector.SetStiffness(first); })
         connector.SetStiffness(second);
     if constexpr (requires { connector.SetDamping(first); })
