@@ -1,5 +1,6 @@
 // What a world costs: N bodies, each with two geometries and a variable, N joints and 2 N
-// constraints. Rows per entity, and the ratio to pugixml on the same text in the same run.
+// constraints, N springs and their 3 N values. Rows per entity, and the ratio to pugixml on the
+// same text in the same run.
 #include "HeapCounter.h"
 #include "KARMPDocuments.h"
 #include "KARMPEntities.h"
@@ -26,11 +27,18 @@ using karmp::documents::LoadText;
 using karmp::documents::SaveText;
 
 /// How much of the mechanism is built.
-enum class Content { Bodies, Joints };
+enum class Content { Bodies, Joints, Springs };
 
 int EntitiesPerBody(Content content)
 {
-    return content == Content::Bodies ? 4 : 7;
+    switch (content) {
+    case Content::Bodies:
+        return 4;
+    case Content::Joints:
+        return 7;
+    default:
+        return 11;
+    }
 }
 
 /// Adds entities to the registries and to the basic world, as an application does.
@@ -62,8 +70,10 @@ public:
         const auto variable = File<KARMPVariable>(KARMPVariable::create(name + L".Angle"));
         variable->SetPhysicalQuantity(KARMPPhysicalQuantity::Angle);
         variable->SetValue(0.5);
-        if (content == Content::Joints)
+        if (content >= Content::Joints)
             AddJoint(name, body, axis, variable);
+        if (content >= Content::Springs)
+            AddSpring(name, body);
         m_former = body;
         m_formerAxis = axis;
     }
@@ -115,6 +125,19 @@ private:
         }
         revolute->LinkToVariable(variable);
         variable->LinkToConstraint(revolute);
+    }
+
+    void AddSpring(const std::wstring& name, const QOBSharedHandle<KARMPBody>& body)
+    {
+        const auto spring = File<KARMPConnector>(KARMPLinearSpring::create(name + L".Spring"));
+        spring->SetFirstBody(m_former);
+        spring->SetSecondBody(body);
+        m_former->LinkToConnector(spring);
+        body->LinkToConnector(spring);
+        spring->SetFirstAttachment(KARMathPoint(0.1, 0.2, 0.3));
+        spring->SetStiffness(1000.0);
+        spring->SetRestLength(0.25);
+        spring->SetDampingCoefficient(10.0);
     }
 
     QOBSharedHandle<QOBBasicWorld> m_basicWorld;
@@ -332,7 +355,41 @@ void LoadPeak(benchmark::State& state, Content content)
     std::remove(peakPath.c_str());
 }
 
-/// One body with all joints: every list of links is long once.
+/// The joints of the body that has them all.
+struct HubJoint
+{
+    static constexpr const char* Word = "joint";
+    static void Add(const QOBSharedHandle<QOBBasicWorld>& basicWorld,
+                    const QOBSharedHandle<KARMPWorld>& world, const QOBSharedHandle<KARMPBody>& hub)
+    {
+        const auto joint = KARMPRevolute::create(L"Joint");
+        basicWorld->addLogicalChild(joint);
+        world->Add<KARMPJoint>(joint);
+        joint->LinkToBody(hub, KARMPBodyOrientation::Out);
+        hub->LinkToJoint(joint);
+    }
+};
+
+/// The springs of the body that has them all, each with its values.
+struct HubSpring
+{
+    static constexpr const char* Word = "spring";
+    static void Add(const QOBSharedHandle<QOBBasicWorld>& basicWorld,
+                    const QOBSharedHandle<KARMPWorld>& world, const QOBSharedHandle<KARMPBody>& hub)
+    {
+        const auto spring = KARMPLinearSpring::create(L"Spring");
+        basicWorld->addLogicalChild(spring);
+        world->Add<KARMPConnector>(spring);
+        spring->SetFirstBody(hub);
+        hub->LinkToConnector(spring);
+        spring->SetStiffness(1000.0);
+        spring->SetRestLength(0.25);
+        spring->SetDampingCoefficient(10.0);
+    }
+};
+
+/// One body with all joints, or all springs: every list of links is long once.
+template <class Link>
 void Hub(benchmark::State& state)
 {
     const auto count = state.range(0);
@@ -344,13 +401,8 @@ void Hub(benchmark::State& state)
             const auto hub = KARMPBody::create(L"Hub");
             basicWorld->addLogicalChild(hub);
             world->Add<KARMPBody>(hub);
-            for (int i = 0; i < count; ++i) {
-                const auto joint = KARMPRevolute::create(L"Joint");
-                basicWorld->addLogicalChild(joint);
-                world->Add<KARMPJoint>(joint);
-                joint->LinkToBody(hub, KARMPBodyOrientation::Out);
-                hub->LinkToJoint(joint);
-            }
+            for (int i = 0; i < count; ++i)
+                Link::Add(basicWorld, world, hub);
         });
         std::string text;
         time[1] += SecondsOf([&] { SaveText(world, text); });
@@ -360,10 +412,10 @@ void Hub(benchmark::State& state)
         time[2] += SecondsOf([&] { result = LoadText(std::move(text), "hub", options); });
         time[3] += SecondsOf([&] { result.world.detach(); });
     }
-    const char* names[] = {"build_s_per_joint", "save_s_per_joint", "load_s_per_joint",
-                           "teardown_s_per_joint"};
+    const char* names[] = {"build", "save", "load", "teardown"};
     for (int i = 0; i < 4; ++i)
-        state.counters[names[i]] = time[i] / static_cast<double>(state.iterations() * count);
+        state.counters[std::string(names[i]) + "_s_per_" + Link::Word] =
+            time[i] / static_cast<double>(state.iterations() * count);
 }
 
 #define SIZES Arg(1'000)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond)
@@ -379,7 +431,16 @@ BENCHMARK_CAPTURE(Teardown, Joints, Content::Joints)->SIZES;
 BENCHMARK_CAPTURE(LoadPeak, Joints, Content::Joints)->Arg(100'000)->Iterations(1);
 BENCHMARK_CAPTURE(LoadAgain, Bodies, Content::Bodies)->SIZES;
 BENCHMARK_CAPTURE(LoadAgain, Joints, Content::Joints)->SIZES;
-BENCHMARK(Hub)->Arg(1'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Build, Springs, Content::Springs)->SIZES;
+BENCHMARK_CAPTURE(Save, Springs, Content::Springs)->SIZES;
+BENCHMARK_CAPTURE(Load, Springs, Content::Springs)->SIZES;
+BENCHMARK_CAPTURE(Teardown, Springs, Content::Springs)->SIZES;
+BENCHMARK(Hub<HubJoint>)->Name("Hub")->Arg(1'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+BENCHMARK(Hub<HubSpring>)
+    ->Name("HubOfSprings")
+    ->Arg(1'000)
+    ->Arg(100'000)
+    ->Unit(benchmark::kMillisecond);
 
 } // namespace
 
