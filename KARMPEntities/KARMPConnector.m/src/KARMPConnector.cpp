@@ -62,14 +62,16 @@ KARStatus KARMPConnector::LinkToGeometry(const QOBSharedHandle<KARMPGeometry>& g
 {
     if (!KARMPVerify(static_cast<bool>(geometry)))
         return KARFailure;
-    // Asked one by one through the getter, which a class may replace; there are few of them.
+    // Asked one by one through the getter, which a subclass may replace and which alone decides;
+    // there are few of them.
     const int count = GetLinkedGeometryCount();
     for (int index = 0; index < count; ++index) {
         QOBSharedHandle<KARMPGeometry> linked;
         if (KARMPVerify(!KARFailed(GetLinkedGeometry(index, linked))) && linked == geometry)
             return KARUnchanged;
     }
-    return m_linkedGeometries.Add(geometry);
+    m_linkedGeometries.Append(geometry);
+    return KARSuccess;
 }
 
 KARStatus KARMPConnector::RemoveBody(const QOBSharedHandle<KARMPBody>& body)

@@ -160,6 +160,25 @@ TEST_F(Connector, ReportsALinkThatCannotBeComparedAndGoesOn)
     EXPECT_TRUE(root.Flag(L"Geometries/Geometry[1]/@name"));
 }
 
+/// A connector that gives none of its geometries.
+class MuteConnector : public KARMPConnector
+{
+public:
+    KARStatus GetLinkedGeometry(int, QOBSharedHandle<KARMPGeometry>&) const override
+    {
+        return KARFailure;
+    }
+};
+
+TEST_F(Connector, LinksAGeometryTwiceWhenItsGetterDoesNotGiveIt)
+{
+    const Handle mute(new MuteConnector);
+    EXPECT_EQ(mute->LinkToGeometry(point), KARSuccess);
+    EXPECT_EQ(mute->LinkToGeometry(point), KARSuccess);
+    ExpectReports(1);
+    EXPECT_EQ(mute->GetLinkedGeometryCount(), 2);
+}
+
 TEST_F(Connector, HandsOutItsLoader)
 {
     KARIMPConnectorLoader* loader = nullptr;
