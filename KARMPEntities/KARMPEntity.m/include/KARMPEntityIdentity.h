@@ -35,12 +35,8 @@ struct EntityAccess
     {
         if (!source)
             return {};
-        const QOBSharedObject* copy = source->duplicateObject(mode);
-        if (copy == nullptr)
-            return {};
-        const QOBSharedHandle<T> handle(copy, QOBSharedBase::NoLock);
-        copy->removeReference();
-        return handle;
+        return QOBSharedHandle<T>(QOBSharedBase::adopt(source->duplicateObject(mode)),
+                                  QOBSharedBase::NoLock);
     }
     static void Destroy(const QOBSharedBase& entity)
     {
@@ -60,7 +56,7 @@ struct EntityAccess
     {
         QOBSharedObject* copy =
             new T(static_cast<const T&>(source), static_cast<QOBDynamicObject::CopyMode>(mode));
-        copy->addReference();
+        copy->addFirstReference();
         return copy;
     }
     /// The identifier of an entity without a copy of it, made on first need.

@@ -35,6 +35,11 @@ public:
     const QOBSharedBase& At(std::size_t position) const;
     /// Adds an entry behind the others; a null handle is not added.
     void Append(const QOBSharedBase& handle);
+    /// The same for a referent that is known not to be listed. A sequence that grows long this way
+    /// gets its index when it is first asked for.
+    void AppendNew(QOBSharedBase&& handle);
+    /// Allocates at once what that number of entries takes.
+    void Reserve(std::size_t count);
     /// Adds an entry before a position, or behind the others when there are not so many.
     void Insert(std::size_t position, const QOBSharedBase& handle);
     /// Takes out the first entry that refers to the object and keeps the order of the others.
@@ -69,13 +74,14 @@ private:
     inline std::size_t SlotOf(const QOBSharedObject* object) const;
     inline void EnsureFreeSlot();
 
-    void Reserve(std::size_t capacity);
+    void Allocate(std::size_t capacity);
     std::size_t SlotAt(std::size_t position) const;
     std::size_t PositionOf(std::size_t slot) const;
     QOBSharedBase Extract(std::size_t slot);
-    void BuildIndex();
-    void DropIndex() noexcept;
-    void RebuildIndex() noexcept;
+    void BuildIndex() const;
+    void EnsureIndex() const noexcept;
+    void DropIndex() const noexcept;
+    void RebuildIndex() const noexcept;
     void Compact();
 
     std::unique_ptr<Block, End> m_block;

@@ -30,7 +30,22 @@ namespace karmp {
 /// fails.
 class KARMP_API HandleIndex
 {
+    static constexpr unsigned RunBits = 12;
+    static constexpr unsigned ObjectBits = 6;
+    static constexpr std::size_t RunSize = std::size_t{1} << RunBits;
+
 public:
+    /// A hash of objects, for tables of a power of 2. The objects of a page of memory hash into one
+    /// run of buckets, in the order of their addresses, so that objects created one after the other
+    /// have adjacent buckets. Objects smaller than 64 bytes would share buckets, but entities are
+    /// larger.
+    static std::size_t HashOf(const QOBSharedObject* object) noexcept
+    {
+        const auto address = reinterpret_cast<std::uintptr_t>(object);
+        const std::uint64_t run = (address >> RunBits) * 0x9E3779B97F4A7C15U >> 32U;
+        return static_cast<std::size_t>((run << (RunBits - ObjectBits)) +
+                                        (address % RunSize >> ObjectBits));
+    }
     /// Number of slots, holes included.
     std::size_t SlotCount() const noexcept { return m_slots; }
     /// The first slot of a referent, `none` when it has none.
@@ -57,19 +72,9 @@ public:
     std::size_t PositionOf(const QOBSharedBase* handles, std::size_t slot);
 
 private:
-    // The objects of a page of memory hash into one run of buckets, in the order of their
-    // addresses, so that objects created one after the other have adjacent buckets. Objects smaller
-    // than 64 bytes would share buckets, but entities are larger.
-    static constexpr unsigned RunBits = 12;
-    static constexpr unsigned ObjectBits = 6;
-    static constexpr std::size_t RunSize = std::size_t{1} << RunBits;
     std::size_t Home(const QOBSharedObject* object) const noexcept
     {
-        const auto address = reinterpret_cast<std::uintptr_t>(object);
-        const std::uint64_t run = (address >> RunBits) * 0x9E3779B97F4A7C15U >> 32U;
-        return static_cast<std::size_t>((run << (RunBits - ObjectBits)) +
-                                        (address % RunSize >> ObjectBits)) &
-               (m_buckets.size() - 1);
+        return HashOf(object) & (m_buckets.size() - 1);
     }
     std::size_t Next(std::size_t bucket) const noexcept
     {

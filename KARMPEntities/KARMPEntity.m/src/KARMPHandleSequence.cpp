@@ -72,6 +72,7 @@ inline std::size_t KARMPHandleSequence::SlotOf(const QOBSharedObject* object) co
     const std::size_t none = SlotCount();
     if (object == nullptr || none == 0)
         return none;
+    EnsureIndex();
     if (m_block->index != nullptr)
         return m_block->index->Find(Slots(), object, none);
     const QOBSharedBase* const slots = Slots();
@@ -81,9 +82,9 @@ inline std::size_t KARMPHandleSequence::SlotOf(const QOBSharedObject* object) co
 inline void KARMPHandleSequence::EnsureFreeSlot()
 {
     if (m_block == nullptr)
-        Reserve(FirstCapacity);
+        Allocate(FirstCapacity);
     else if (SlotCount() == m_block->capacity)
-        Reserve(2 * SlotCount());
+        Allocate(2 * SlotCount());
 }
 
 void KARMPHandleSequence::End::operator()(Block* block) const noexcept
@@ -105,7 +106,7 @@ KARMPHandleSequence::KARMPHandleSequence(const KARMPHandleSequence& source)
 {
     if (source.Count() == 0)
         return;
-    Reserve(source.Count());
+    Allocate(source.Count());
     for (std::size_t slot = 0; slot < source.SlotCount(); ++slot)
         if (const QOBSharedBase& handle = source.Slots()[slot])
             ::new (Slots() + m_block->count++) QOBSharedBase(handle);
@@ -143,14 +144,27 @@ void KARMPHandleSequence::Append(const QOBSharedBase& handle)
         return;
     if (GetIndex() == nullptr && Count() >= LongestScanned)
         BuildIndex();
-    QOBSharedBase added(handle); // before the argument, which may be an entry, moves
+    AppendNew(QOBSharedBase(handle)); // a copy, since the argument may be an entry, which moves
+}
+
+void KARMPHandleSequence::AppendNew(QOBSharedBase&& handle)
+{
+    if (!handle)
+        return;
     // What allocates comes first, so that nothing is half done when that fails.
     EnsureFreeSlot();
     const std::size_t slot = SlotCount();
     if (m_block->index != nullptr)
-        m_block->index->Append(Slots(), Count(), added._getReferent());
-    ::new (Slots() + slot) QOBSharedBase(std::move(added));
+        m_block->index->Append(Slots(), Count(), handle._getReferent());
+    ::new (Slots() + slot) QOBSharedBase(std::move(handle));
     ++m_block->count;
+}
+
+void KARMPHandleSequence::Reserve(std::size_t count)
+{
+    Compact();
+    if (count > 0 && (m_block == nullptr || m_block->capacity < count))
+        Allocate(count);
 }
 
 void KARMPHandleSequence::Insert(std::size_t position, const QOBSharedBase& handle)
@@ -186,6 +200,7 @@ bool KARMPHandleSequence::Remove(const QOBSharedObject* object, std::size_t* pos
 
 QOBSharedBase KARMPHandleSequence::Take(std::size_t position)
 {
+    EnsureIndex();
     // With an entry listed twice the index knows both slots; the one at this position goes.
     return Extract(SlotAt(position));
 }
@@ -196,7 +211,7 @@ void KARMPHandleSequence::Clear()
     const std::unique_ptr<Block, End> released = std::move(m_block);
 }
 
-void KARMPHandleSequence::Reserve(std::size_t capacity)
+void KARMPHandleSequence::Allocate(std::size_t capacity)
 {
     if (capacity > std::numeric_limits<std::uint32_t>::max() / 4)
         throw std::length_error("KARMP handle sequence: too many entries");
@@ -242,7 +257,7 @@ QOBSharedBase KARMPHandleSequence::Extract(std::size_t slot)
     return handle;
 }
 
-void KARMPHandleSequence::BuildIndex()
+void KARMPHandleSequence::BuildIndex() const
 {
     auto index = std::make_unique<karmp::HandleIndex>();
     index->Reserve(Slots(), Count() + 1);
@@ -251,13 +266,19 @@ void KARMPHandleSequence::BuildIndex()
     m_block->index = index.release();
 }
 
-void KARMPHandleSequence::DropIndex() noexcept
+void KARMPHandleSequence::EnsureIndex() const noexcept
+{
+    if (m_block->index == nullptr && Count() > LongestScanned)
+        RebuildIndex();
+}
+
+void KARMPHandleSequence::DropIndex() const noexcept
 {
     delete std::exchange(m_block->index, nullptr);
 }
 
 // When the allocation fails the handles are scanned, until the next entry makes an index.
-void KARMPHandleSequence::RebuildIndex() noexcept
+void KARMPHandleSequence::RebuildIndex() const noexcept
 {
     DropIndex();
     try {

@@ -24,6 +24,10 @@ public:
 
     KARStatus Add(const QOBSharedBase& entity);
     KARStatus Add(KARBaseUnknown* key1, KARBaseUnknown* key2, const QOBSharedBase& entity);
+    /// Prepares for a number of entities more.
+    void Reserve(std::size_t count) { m_entities.Reserve(m_entities.Count() + count); }
+    /// Add for an entity that nobody else refers to, and so no registry lists.
+    void AddNew(KARBaseUnknown* key1, KARBaseUnknown* key2, QOBSharedBase&& entity);
     KARStatus Remove(const QOBSharedBase& entity);
     std::size_t Count() const noexcept { return m_entities.Count(); }
     const QOBSharedBase& At(std::size_t index) const { return m_entities.At(index); }
@@ -45,6 +49,7 @@ private:
     };
 
     static KARBaseUnknown_var Normalised(KARBaseUnknown* key);
+    void FileUnderKeys(KARBaseUnknown* key1, KARBaseUnknown* key2, const QOBSharedBase& entity);
     KARStatus ForgetKeys(const QOBSharedBase& entity);
 
     KARMPHandleSequence m_entities;

@@ -70,10 +70,23 @@ KARStatus RegistryCore::Add(KARBaseUnknown* key1, KARBaseUnknown* key2, const QO
     if (!entity || m_keysByEntity.contains(entity))
         return KARUnchanged;
     m_entities.Append(entity);
+    FileUnderKeys(key1, key2, entity);
+    return KARSuccess;
+}
+
+void RegistryCore::AddNew(KARBaseUnknown* key1, KARBaseUnknown* key2, QOBSharedBase&& entity)
+{
+    if (key1 != nullptr || key2 != nullptr)
+        FileUnderKeys(key1, key2, entity);
+    m_entities.AppendNew(std::move(entity));
+}
+
+void RegistryCore::FileUnderKeys(KARBaseUnknown* key1, KARBaseUnknown* key2,
+                                 const QOBSharedBase& entity)
+{
     const Keys keys(Normalised(key1), Normalised(key2));
     m_entitiesByKeys[keys].Append(entity);
     m_keysByEntity.emplace(entity, keys);
-    return KARSuccess;
 }
 
 KARStatus RegistryCore::Remove(const QOBSharedBase& entity)

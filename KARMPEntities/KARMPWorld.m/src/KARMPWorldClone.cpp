@@ -5,6 +5,8 @@
 #include "KARMPWorld.h"
 #include "QOBBasicWorld.h"
 
+#include <utility>
+
 namespace {
 
 // The first of these that an entity's class is derived from decides how it is carried over.
@@ -20,12 +22,19 @@ static_assert(karmp::HoldSameFamilies(karmp::Families(),
 // A copy of an entity by its own duplicateObject; null where that makes none.
 QOBSharedBase DuplicateOf(const QOBSharedBase& entity)
 {
-    const QOBSharedObject* const copy =
-        entity._getReferent()->duplicateObject(QOBDynamicObject::CopyShallow);
-    const QOBSharedBase duplicate(copy);
-    if (copy != nullptr)
-        copy->removeReference();
-    return duplicate;
+    return QOBSharedBase::adopt(
+        entity._getReferent()->duplicateObject(QOBDynamicObject::CopyShallow));
+}
+
+// An entity is prefetched first, then, by what it holds, its name, which is memory of its own.
+void PrefetchEntity(const QOBSharedBase& entity)
+{
+    kar::Prefetch(entity._getReferent(), karmp::CopiedBytes);
+}
+void PrefetchName(const QOBSharedBase& entity)
+{
+    const auto* const named = static_cast<const QOBBasicEntity*>(entity._getReferent());
+    kar::Prefetch(named->getEntityName().data(), 1);
 }
 
 // Throws when an entity is no T.
@@ -61,16 +70,16 @@ private:
     {
         static void Call(WorldCloner& cloner, const QOBSharedBase& entity, Duplicates& duplicates)
         {
-            const QOBSharedBase duplicate =
+            QOBSharedObject* const duplicate =
                 Duplicate(entity, cloner.m_source.Registry<T>().Core(),
                           cloner.m_target->Registry<T>().Core(), &Check<T>);
-            if (duplicate)
-                duplicates.Enter(entity, duplicate);
+            if (duplicate != nullptr)
+                duplicates.Enter(entity._getReferent(), duplicate);
         }
     };
 
-    static QOBSharedBase Duplicate(const QOBSharedBase& entity, const RegistryCore& source,
-                                   RegistryCore& target, Cast check);
+    static QOBSharedObject* Duplicate(const QOBSharedBase& entity, const RegistryCore& source,
+                                      RegistryCore& target, Cast check);
     static void DuplicateAll(const RegistryCore& source, RegistryCore& target, Cast check);
     template <class T>
     static void DuplicateGlobal(const QOBSharedHandle<T>& source, QOBSharedHandle<T>& target);
@@ -105,35 +114,53 @@ void WorldCloner::DuplicateAll()
 
 void WorldCloner::DuplicateAll(const RegistryCore& source, RegistryCore& target, Cast check)
 {
+    target.Reserve(source.Count());
     for (std::size_t index = 0; index < source.Count(); ++index) {
+        constexpr std::size_t Ahead = kar::PrefetchDistance;
+        if (index + 2 * Ahead < source.Count())
+            PrefetchEntity(source.At(index + 2 * Ahead));
+        if (index + Ahead < source.Count())
+            PrefetchName(source.At(index + Ahead));
         const QOBSharedBase entity = source.At(index);
         Duplicate(entity, source, target, check);
     }
 }
 
 // The duplicate, which is filed under the keys of its source; null where none can be made.
-QOBSharedBase WorldCloner::Duplicate(const QOBSharedBase& entity, const RegistryCore& source,
-                                     RegistryCore& target, Cast check)
+QOBSharedObject* WorldCloner::Duplicate(const QOBSharedBase& entity, const RegistryCore& source,
+                                        RegistryCore& target, Cast check)
 {
     KARBaseUnknown_var key1;
     KARBaseUnknown_var key2;
     if (!KARMPVerify(!KARFailed(source.GetKeys(entity, key1, key2))))
-        return {};
+        return nullptr;
     QOBSharedBase duplicate = DuplicateOf(entity);
-    if (!KARMPVerify(static_cast<bool>(duplicate)))
-        return {};
-    // A copy has the class of its source but for what a class of the caller's may do.
-    if (&duplicate.getClassInfo() != &entity.getClassInfo())
+    QOBSharedObject* const referent = duplicate._getReferent();
+    if (!KARMPVerify(referent != nullptr))
+        return nullptr;
+    // A copy has the class of its source and is referred to by nobody but for what a class of the
+    // caller's may do.
+    if (&referent->getClassInfo() != &entity._getReferent()->getClassInfo())
         check(duplicate);
-    KARMPVerify(!KARFailed(target.Add(key1, key2, duplicate)));
-    return duplicate;
+    if (referent->getReferenceCount() == 1)
+        target.AddNew(key1, key2, std::move(duplicate));
+    else
+        KARMPVerify(!KARFailed(target.Add(key1, key2, duplicate)));
+    return referent;
 }
 
 void WorldCloner::Duplicate(const QOBSharedList<KARMPEntity>& filter, Duplicates& duplicates)
 {
     FunctionOfFamily<FilteredFamilies, DuplicateFiltered> functions;
-    duplicates.Reserve(filter.size());
+    LookAhead<2 * kar::PrefetchDistance> entities(filter);
+    LookAhead<kar::PrefetchDistance> names(filter);
     for (const QOBSharedHandle<KARMPEntity>& entity : filter) {
+        if (const auto* const ahead = entities.Next()) {
+            PrefetchEntity(*ahead);
+            duplicates.Prefetch(ahead->get());
+        }
+        if (const auto* const ahead = names.Next(); ahead != nullptr && *ahead)
+            PrefetchName(*ahead);
         if (!KARMPVerify(static_cast<bool>(entity)))
             continue;
         if (const DuplicateFiltered duplicate = functions.Of<DuplicateAs>(entity.getClassInfo()))
@@ -175,7 +202,7 @@ QOBSharedHandle<KARMPWorld> KARMPWorld::CloneWithFilter(
 {
     karmp::WorldCloner cloner(*this);
     if (cloner.Create()) {
-        karmp::Duplicates duplicates;
+        karmp::Duplicates duplicates(filter.size());
         cloner.Duplicate(filter, duplicates);
         cloner.DuplicateGlobals();
         karmp::RestoreLinks(filter, duplicates);

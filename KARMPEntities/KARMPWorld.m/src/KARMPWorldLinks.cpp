@@ -9,136 +9,199 @@ using karmp::Duplicates;
 using LinkingFamilies = karmp::FamilyList<KARMPJoint, KARMPBody, KARMPConstraint, KARMPVariable,
                                           KARMPGeometry, KARMPShape>;
 
-template <class T>
-QOBSharedHandle<T> DuplicateOf(const QOBSharedHandle<T>& entity, const Duplicates& duplicates)
+// A link of a source that is restored at its duplicate.
+struct Link
 {
-    const QOBSharedBase* const duplicate = duplicates.Find(entity);
-    return duplicate != nullptr ? QOBSharedHandle<T>(*duplicate) : QOBSharedHandle<T>();
-}
+    // Makes the link; with `checked` the related entity's class is not known to fit.
+    using Make = void (*)(const Link& link, bool checked);
 
-// A source and its duplicate, between whose like the links of one family are restored.
-template <class C>
-class Linking
+    QOBSharedObject* duplicate;
+    QOBSharedObject* related; // the source's at first, then that one's duplicate
+    Make make;
+    KARMPBodyOrientation::Enum orientation;
+};
+using Links = std::vector<Link>;
+
+// The related entity as a handle that counts nothing, since it lives on beyond the call.
+template <class T>
+class Related
 {
 public:
-    Linking(const C& source, C& duplicate, const Duplicates& duplicates)
-        : m_source(source), m_duplicate(duplicate), m_duplicates(duplicates)
+    Related(const Link& link, bool checked)
+    {
+        if (checked)
+            static_cast<void>(QOBSharedHandle<T>(link.related));
+        m_handle = QOBSharedHandle<T>::unchecked(QOBSharedBase::adopt(link.related));
+    }
+    Related(const Related&) = delete;
+    Related& operator=(const Related&) = delete;
+    ~Related() { m_handle.release(); }
+
+    const QOBSharedHandle<T>& Handle() const { return m_handle; }
+
+private:
+    QOBSharedHandle<T> m_handle;
+};
+
+template <auto Operation>
+struct MakeBy;
+template <class C, class T, KARStatus (C::*Operation)(const QOBSharedHandle<T>&)>
+struct MakeBy<Operation>
+{
+    static void Call(const Link& link, bool checked)
+    {
+        const Related<T> related(link, checked);
+        KARMPVerify(!KARFailed((static_cast<C*>(link.duplicate)->*Operation)(related.Handle())));
+    }
+};
+
+void MakeOriented(const Link& link, bool checked)
+{
+    const Related<KARMPBody> body(link, checked);
+    auto* const joint = static_cast<KARMPJoint*>(link.duplicate);
+    KARMPVerify(!KARFailed(joint->LinkToBody(body.Handle(), link.orientation)));
+}
+
+// Collects the links of a source that are restored.
+template <class C>
+class Collector
+{
+public:
+    Collector(const C& source, QOBSharedObject* duplicate, Links& links)
+        : m_source(source), m_duplicate(duplicate), m_links(links)
     {}
 
-    template <class T>
-    void List(int (C::*count)() const, KARStatus (C::*get)(int, QOBSharedHandle<T>&) const,
-              KARStatus (C::*link)(const QOBSharedHandle<T>&)) const
+    template <auto Operation, class T>
+    void List(int (C::*count)() const, KARStatus (C::*get)(int, QOBSharedHandle<T>&) const) const
     {
         for (int index = 0; index < (m_source.*count)(); ++index) {
             QOBSharedHandle<T> related;
             if (KARMPVerify(!KARFailed((m_source.*get)(index, related))))
-                Link(related, link);
+                Add(related, &MakeBy<Operation>::Call);
         }
     }
     // A getter fails when there is no link.
-    template <class T>
-    void Single(KARStatus (C::*get)(QOBSharedHandle<T>&) const,
-                KARStatus (C::*set)(const QOBSharedHandle<T>&)) const
+    template <auto Operation, class T>
+    void Single(KARStatus (C::*get)(QOBSharedHandle<T>&) const) const
     {
         QOBSharedHandle<T> related;
         if (!KARFailed((m_source.*get)(related)))
-            Link(related, set);
+            Add(related, &MakeBy<Operation>::Call);
     }
-    // The bodies of a joint, each with its orientation.
+    // The bodies of a joint.
     void OrientedBodies() const
     {
         for (int index = 0; index < m_source.GetLinkedBodyCount(); ++index) {
             QOBSharedHandle<KARMPBody> body;
             KARMPBodyOrientation::Enum orientation{};
-            if (!KARMPVerify(!KARFailed(m_source.GetLinkedBody(index, body, orientation))))
-                continue;
-            if (const auto duplicate = DuplicateOf(body, m_duplicates))
-                KARMPVerify(!KARFailed(m_duplicate.LinkToBody(duplicate, orientation)));
+            if (KARMPVerify(!KARFailed(m_source.GetLinkedBody(index, body, orientation))))
+                Add(body, &MakeOriented, orientation);
         }
     }
 
 private:
-    template <class T>
-    void Link(const QOBSharedHandle<T>& related,
-              KARStatus (C::*link)(const QOBSharedHandle<T>&)) const
+    void Add(const QOBSharedBase& related, Link::Make make,
+             KARMPBodyOrientation::Enum orientation = {}) const
     {
-        if (const auto duplicate = DuplicateOf(related, m_duplicates))
-            KARMPVerify(!KARFailed((m_duplicate.*link)(duplicate)));
+        m_links.push_back({m_duplicate, related._getReferent(), make, orientation});
     }
 
     const C& m_source;
-    C& m_duplicate;
-    const Duplicates& m_duplicates;
+    QOBSharedObject* m_duplicate;
+    Links& m_links;
 };
 
-void Restore(const Linking<KARMPJoint>& joint)
+void Collect(const Collector<KARMPJoint>& joint)
 {
     using C = KARMPJoint;
     joint.OrientedBodies();
-    joint.List(&C::GetConstraintCount, &C::GetConstraint, &C::AddConstraint);
+    joint.List<&C::AddConstraint>(&C::GetConstraintCount, &C::GetConstraint);
 }
 
-void Restore(const Linking<KARMPBody>& body)
+void Collect(const Collector<KARMPBody>& body)
 {
     using C = KARMPBody;
-    body.List(&C::GetGeometryCount, &C::GetGeometry, &C::AddGeometry);
-    body.List(&C::GetLinkedJointCount, &C::GetLinkedJoint, &C::LinkToJoint);
-    body.Single(&C::GetDisplacementSensor, &C::SetDisplacementSensor);
-    body.List(&C::GetLinkedShapeCount, &C::GetLinkedShape, &C::LinkToShape);
+    body.List<&C::AddGeometry>(&C::GetGeometryCount, &C::GetGeometry);
+    body.List<&C::LinkToJoint>(&C::GetLinkedJointCount, &C::GetLinkedJoint);
+    body.Single<&C::SetDisplacementSensor>(&C::GetDisplacementSensor);
+    body.List<&C::LinkToShape>(&C::GetLinkedShapeCount, &C::GetLinkedShape);
 }
 
-void Restore(const Linking<KARMPConstraint>& constraint)
+void Collect(const Collector<KARMPConstraint>& constraint)
 {
     using C = KARMPConstraint;
-    constraint.List(&C::GetLinkedGeometryCount, &C::GetLinkedGeometry, &C::LinkToGeometry);
-    constraint.Single(&C::GetJoint, &C::SetJoint);
-    constraint.List(&C::GetLinkedVariableCount, &C::GetLinkedVariable, &C::LinkToVariable);
-    constraint.List(&C::GetLinkedSensorCount, &C::GetLinkedSensor, &C::LinkToSensor);
+    constraint.List<&C::LinkToGeometry>(&C::GetLinkedGeometryCount, &C::GetLinkedGeometry);
+    constraint.Single<&C::SetJoint>(&C::GetJoint);
+    constraint.List<&C::LinkToVariable>(&C::GetLinkedVariableCount, &C::GetLinkedVariable);
+    constraint.List<&C::LinkToSensor>(&C::GetLinkedSensorCount, &C::GetLinkedSensor);
 }
 
-void Restore(const Linking<KARMPVariable>& variable)
+void Collect(const Collector<KARMPVariable>& variable)
 {
     using C = KARMPVariable;
-    variable.List(&C::GetLinkedConstraintCount, &C::GetLinkedConstraint, &C::LinkToConstraint);
+    variable.List<&C::LinkToConstraint>(&C::GetLinkedConstraintCount, &C::GetLinkedConstraint);
 }
 
-void Restore(const Linking<KARMPGeometry>& geometry)
+void Collect(const Collector<KARMPGeometry>& geometry)
 {
     using C = KARMPGeometry;
-    geometry.Single(&C::GetBody, &C::SetBody);
-    geometry.List(&C::GetLinkedConstraintCount, &C::GetLinkedConstraint, &C::LinkToConstraint);
+    geometry.Single<&C::SetBody>(&C::GetBody);
+    geometry.List<&C::LinkToConstraint>(&C::GetLinkedConstraintCount, &C::GetLinkedConstraint);
 }
 
-void Restore(const Linking<KARMPShape>& shape)
+void Collect(const Collector<KARMPShape>& shape)
 {
     using C = KARMPShape;
-    shape.List(&C::GetLinkedBodyCount, &C::GetLinkedBody, &C::LinkToBody);
+    shape.List<&C::LinkToBody>(&C::GetLinkedBodyCount, &C::GetLinkedBody);
 }
 
 template <class T>
-struct RestoreAs
+struct CollectAs
 {
-    static void Call(const QOBSharedBase& source, const QOBSharedBase& duplicate,
-                     const Duplicates& duplicates)
+    static void Call(const QOBSharedObject* source, QOBSharedObject* duplicate, Links& links)
     {
-        const QOBSharedHandle<T> from(source);
-        const QOBSharedHandle<T> to(duplicate);
-        Restore(Linking<T>(*from, *to, duplicates));
+        Collect(Collector<T>(*static_cast<const T*>(source), duplicate, links));
     }
 };
+
+// Makes the links that lead to an entity with a duplicate. What they touch lies anywhere in memory,
+// so that each step prefetches for the next one.
+void Make(Links& links, const Duplicates& duplicates)
+{
+    for (const Link& link : links)
+        duplicates.Prefetch(link.related);
+    for (Link& link : links) {
+        link.related = duplicates.Find(link.related);
+        kar::Prefetch(link.related, sizeof(QOBSharedObject));
+    }
+    for (const Link& link : links)
+        if (link.related != nullptr)
+            link.make(link, duplicates.HaveOtherClasses());
+    links.clear();
+}
 
 } // namespace
 
 void karmp::RestoreLinks(const QOBSharedList<KARMPEntity>& sources, const Duplicates& duplicates)
 {
-    using RestoreLinksOf = void (*)(const QOBSharedBase& source, const QOBSharedBase& duplicate,
-                                    const Duplicates& duplicates);
-    FunctionOfFamily<LinkingFamilies, RestoreLinksOf> functions;
+    using CollectLinks =
+        void (*)(const QOBSharedObject* source, QOBSharedObject* duplicate, Links& links);
+    constexpr std::size_t LinksAtOnce = 64;
+    FunctionOfFamily<LinkingFamilies, CollectLinks> functions;
+    LookAhead<kar::PrefetchDistance> ahead(sources);
+    Links links;
     for (const QOBSharedHandle<KARMPEntity>& source : sources) {
-        const QOBSharedBase* const duplicate = duplicates.Find(source);
+        if (const auto* const next = ahead.Next()) {
+            kar::Prefetch(next->get(), CopiedBytes);
+            duplicates.Prefetch(next->get());
+        }
+        QOBSharedObject* const duplicate = duplicates.Find(source.get());
         if (duplicate == nullptr)
             continue;
-        if (const RestoreLinksOf restore = functions.Of<RestoreAs>(source.getClassInfo()))
-            restore(source, *duplicate, duplicates);
+        if (const CollectLinks collect = functions.Of<CollectAs>(source.getClassInfo()))
+            collect(source.get(), duplicate, links);
+        if (links.size() >= LinksAtOnce)
+            Make(links, duplicates);
     }
+    Make(links, duplicates);
 }

@@ -37,6 +37,13 @@ public:
     /// A second handle on the same referent.
     QOBSharedBase(const QOBSharedBase& other, LockMode) noexcept : QOBSharedBase(other.m_referent)
     {}
+    /// Takes over a reference that was counted for the caller.
+    static QOBSharedBase adopt(const QOBSharedObject* object) noexcept
+    {
+        QOBSharedBase handle;
+        handle.m_referent = const_cast<QOBSharedObject*>(object);
+        return handle;
+    }
     /// Gives up the reference.
     ~QOBSharedBase()
     {
@@ -67,6 +74,8 @@ public:
     QOBSharedObject* _getReferent() const noexcept { return m_referent; }
     /// Empties the handle.
     void detach() noexcept { QOBSharedBase().swap(*this); }
+    /// Empties the handle without giving up its reference, which the caller then has.
+    QOBSharedObject* release() noexcept { return std::exchange(m_referent, nullptr); }
     /// Exchanges the referents of two handles.
     void swap(QOBSharedBase& other) noexcept { std::swap(m_referent, other.m_referent); }
 

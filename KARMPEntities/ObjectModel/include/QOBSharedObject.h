@@ -102,6 +102,8 @@ class KAR_API QOBCountedObject : public QOBDynamicObject
 public:
     /// Counts one reference more and returns the new count.
     unsigned int addReference() const noexcept;
+    /// The same for an object that was just made, which no other thread knows of yet; not atomic.
+    void addFirstReference() const noexcept;
     /// Counts one reference less and returns the new count; at 0 the object is gone.
     unsigned int removeReference() const noexcept;
     /// Present count, for tests and diagnostics.
@@ -161,6 +163,15 @@ inline unsigned int QOBCountedObject::addReference() const noexcept
     if (before == HostedBit)
         firstReferenceOfHosted();
     return (before + 1) & CountMask;
+}
+
+inline void QOBCountedObject::addFirstReference() const noexcept
+{
+    // Its constructor may have made handles already.
+    if (m_count.load(std::memory_order_relaxed) == 0)
+        m_count.store(1, std::memory_order_relaxed);
+    else
+        addReference();
 }
 
 inline unsigned int QOBCountedObject::removeReference() const noexcept

@@ -1,0 +1,96 @@
+// What copies of a world cost: each row builds, clones and clones by a filter of all entities by
+// turns, so that its ratios are of one run.
+#include "BenchmarkWorld.h"
+
+#include <algorithm>
+#include <random>
+
+namespace {
+
+/// How the entities are listed: as they were built, which is how they lie in memory, or at random.
+enum class Order { Built, Random };
+
+template <class T>
+void Shuffle(std::vector<T>& entries)
+{
+    std::mt19937 generator(1);
+    std::shuffle(entries.begin(), entries.end(), generator);
+}
+
+template <class T>
+void ShuffleFamily(KARMPWorld& world)
+{
+    QOBSharedVector<T> entities;
+    for (int i = 0; i < world.Count<T>(); ++i)
+        world.Get(i, entities.emplace_back());
+    Shuffle(entities);
+    world.EmptyRegistry<T>();
+    for (const QOBSharedHandle<T>& entity : entities)
+        world.Add(entity);
+}
+
+template <class T>
+void AppendFamily(const KARMPWorld& world, std::vector<QOBSharedHandle<KARMPEntity>>& entities)
+{
+    for (int i = 0; i < world.Count<T>(); ++i) {
+        QOBSharedHandle<T> entity;
+        world.Get(i, entity);
+        entities.push_back(entity);
+    }
+}
+
+QOBSharedList<KARMPEntity> AllOf(const KARMPWorld& world, Order order)
+{
+    std::vector<QOBSharedHandle<KARMPEntity>> entities;
+    karmp::Families::ForEach(
+        [&](auto family) { AppendFamily<typename decltype(family)::Type>(world, entities); });
+    if (order == Order::Random)
+        Shuffle(entities);
+    return {entities.begin(), entities.end()};
+}
+
+/// The duplicates of a filtered clone hold one another, and are freed once they stand in its world.
+void Free(QOBSharedHandle<KARMPWorld>& clone)
+{
+    const QOBSharedHandle<QOBBasicEntity> above(clone->getExtendible());
+    for (const auto& entity : AllOf(*clone, Order::Built))
+        above->addLogicalChild(entity);
+    clone.detach();
+}
+
+void Clone(benchmark::State& state, Content content, Order order)
+{
+    double build = 0.0;
+    double clone = 0.0;
+    double filtered = 0.0;
+    for (auto _ : state) {
+        QOBSharedHandle<KARMPWorld> world;
+        QOBSharedHandle<KARMPWorld> copy;
+        GiveFreeMemoryBack();
+        build += SecondsOf([&] { world = Build(state.range(0), content); });
+        if (order == Order::Random)
+            karmp::Families::ForEach(
+                [&](auto family) { ShuffleFamily<typename decltype(family)::Type>(*world); });
+        GiveFreeMemoryBack();
+        clone += SecondsOf([&] { copy = world->Clone(); });
+        copy.detach();
+        const QOBSharedList<KARMPEntity> all = AllOf(*world, order);
+        GiveFreeMemoryBack();
+        filtered += SecondsOf([&] { copy = world->CloneWithFilter(all); });
+        Free(copy);
+    }
+    const auto entities =
+        static_cast<double>(state.iterations() * state.range(0) * EntitiesPerBody(content));
+    state.counters["build_s_per_entity"] = build / entities;
+    state.counters["clone_s_per_entity"] = clone / entities;
+    state.counters["filtered_s_per_entity"] = filtered / entities;
+    state.counters["clone_to_build"] = clone / build;
+    state.counters["filtered_to_clone"] = filtered / clone;
+}
+
+BENCHMARK_CAPTURE(Clone, Bodies, Content::Bodies, Order::Built)->SIZES;
+BENCHMARK_CAPTURE(Clone, Bodies at random, Content::Bodies, Order::Random)->SIZES;
+BENCHMARK_CAPTURE(Clone, Joints, Content::Joints, Order::Built)->SIZES;
+BENCHMARK_CAPTURE(Clone, Joints at random, Content::Joints, Order::Random)->SIZES;
+
+} // namespace
