@@ -82,10 +82,61 @@ TEST(HandleSequence, AgreesWithAPlainVectorWhateverTheOrderOfCalls)
     ExpectSame(copy, expected);
 }
 
+// Such a sequence has no index until it is asked.
+TEST(HandleSequence, AgreesWithAPlainVectorWhenItGrewByNewEntries)
+{
+    for (const std::size_t count : {1U, 48U, 49U, 300U}) {
+        const Entities entities = MakeEntities(count);
+        const auto grown = [&entities] {
+            KARMPHandleSequence sequence;
+            sequence.Reserve(entities.size());
+            for (const auto& entity : entities)
+                sequence.AppendNew(QOBSharedBase(entity));
+            return sequence;
+        };
+        std::vector<QOBSharedBase> expected(entities.begin(), entities.end());
+        ExpectSame(grown(), expected);
+        ExpectSame(KARMPHandleSequence(grown()), expected);
+        EXPECT_TRUE(grown().Contains(entities.back().get()));
+        EXPECT_FALSE(grown().Contains(TestEntity::create(L"").get()));
+
+        KARMPHandleSequence sequence = grown();
+        EXPECT_EQ(sequence.Take(0), expected.front());
+        expected.erase(expected.begin());
+        ExpectSame(sequence, expected);
+        sequence.AppendNew(QOBSharedBase(entities.front()));
+        sequence.Insert(0, entities.front());
+        expected.push_back(entities.front());
+        expected.insert(expected.begin(), entities.front());
+        ExpectSame(sequence, expected);
+        EXPECT_TRUE(sequence.Remove(entities.front().get()));
+        expected.erase(expected.begin());
+        ExpectSame(sequence, expected);
+    }
+}
+
+TEST(HandleSequence, ReservesWithoutAChangeOfItsEntries)
+{
+    const Entities entities = MakeEntities(100);
+    KARMPHandleSequence sequence;
+    sequence.Reserve(0);
+    for (const auto& entity : entities)
+        sequence.Append(entity);
+    sequence.Remove(entities[50].get());
+    sequence.Reserve(10);
+    sequence.Reserve(1000);
+    std::vector<QOBSharedBase> expected(entities.begin(), entities.end());
+    expected.erase(expected.begin() + 50);
+    ExpectSame(sequence, expected);
+    for (const auto& entry : expected)
+        EXPECT_TRUE(sequence.Contains(entry._getReferent()));
+}
+
 TEST(HandleSequence, HasNoEntryForNull)
 {
     KARMPHandleSequence sequence;
     sequence.Append({});
+    sequence.AppendNew({});
     sequence.Insert(0, {});
     EXPECT_EQ(sequence.Count(), 0U);
     EXPECT_FALSE(sequence.Contains(nullptr));

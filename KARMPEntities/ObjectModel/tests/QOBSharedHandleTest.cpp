@@ -45,6 +45,28 @@ TEST(SharedHandle, FreesTheReferentWithTheLastReference)
     EXPECT_EQ(Link::s_living, before);
 }
 
+TEST(SharedHandle, TakesOverAndGivesUpAReferenceThatIsCounted)
+{
+    const int before = Link::s_living;
+    auto* const object = new Link;
+    object->addFirstReference();
+    EXPECT_EQ(object->getReferenceCount(), 1U);
+    object->addFirstReference();
+    EXPECT_EQ(object->getReferenceCount(), 2U);
+    object->removeReference();
+    {
+        QOBSharedBase handle = QOBSharedBase::adopt(object);
+        EXPECT_EQ(object->getReferenceCount(), 1U);
+        EXPECT_EQ(handle.release(), object);
+        EXPECT_FALSE(handle);
+        EXPECT_EQ(object->getReferenceCount(), 1U);
+        handle = QOBSharedBase::adopt(object);
+    }
+    EXPECT_EQ(Link::s_living, before);
+    EXPECT_FALSE(QOBSharedBase::adopt(nullptr));
+    EXPECT_EQ(QOBSharedBase().release(), nullptr);
+}
+
 TEST(SharedHandle, FromANullPointerIsNull)
 {
     const QOBSharedHandle<Link> handle(static_cast<const QOBSharedObject*>(nullptr),
