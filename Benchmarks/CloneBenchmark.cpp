@@ -1,5 +1,5 @@
-// What copies of a world cost: each row builds, clones and clones by a filter of all entities by
-// turns, so that its ratios are of one run.
+// What copies of a world and its observers cost. Each row of clones builds, clones and clones by a
+// filter of all entities by turns, so that its ratios are of one run.
 #include "BenchmarkWorld.h"
 
 #include <algorithm>
@@ -88,6 +88,33 @@ void Clone(benchmark::State& state, Content content, Order order)
     state.counters["filtered_to_clone"] = filtered / clone;
 }
 
+/// An observer of a world whose entities all change ten times.
+void Observe(benchmark::State& state)
+{
+    constexpr int Changes = 10;
+    const auto world = Build(state.range(0) / EntitiesPerBody(Content::Bodies), Content::Bodies);
+    const QOBSharedList<KARMPEntity> all = AllOf(*world, Order::Built);
+    double subscribe = 0.0;
+    double notify = 0.0;
+    double unsubscribe = 0.0;
+    for (auto _ : state) {
+        const auto observer = KARMPObserver::create();
+        subscribe += SecondsOf([&] { observer->Subscribe(world); });
+        notify += SecondsOf([&] {
+            for (int change = 0; change < Changes; ++change)
+                for (const QOBSharedHandle<KARMPEntity>& entity : all)
+                    entity->NotifyUpdate();
+        });
+        unsubscribe += SecondsOf([&] { observer->Unsubscribe(); });
+    }
+    const double entities =
+        static_cast<double>(state.iterations()) * static_cast<double>(all.size());
+    state.counters["subscribe_s_per_entity"] = subscribe / entities;
+    state.counters["s_per_event"] = notify / (Changes * entities);
+    state.counters["unsubscribe_s_per_entity"] = unsubscribe / entities;
+}
+
+BENCHMARK(Observe)->SIZES;
 BENCHMARK_CAPTURE(Clone, Bodies, Content::Bodies, Order::Built)->SIZES;
 BENCHMARK_CAPTURE(Clone, Bodies at random, Content::Bodies, Order::Random)->SIZES;
 BENCHMARK_CAPTURE(Clone, Joints, Content::Joints, Order::Built)->SIZES;
