@@ -19,8 +19,8 @@ namespace karmp {
 struct Item;
 
 /// The value of an item. None: nothing is there. Words and codes are texts, words of a bool are
-/// bools, Numbers are as many doubles as the item has names, a Transformation is twelve doubles:
-/// translation, then the matrix by columns; streams are bytes.
+/// bools, Numbers are as many doubles as the item has names, a Transformation is twelve doubles, in
+/// the plane six: translation, then the matrix by columns; streams are bytes.
 using ItemData =
     std::variant<std::monostate, bool, int, double, std::wstring, std::vector<double>,
                  QOBSharedHandle<KARMPEntity>, std::vector<QOBSharedHandle<KARMPEntity>>,

@@ -310,12 +310,15 @@ constexpr ItemList<1> NumbersElement(std::wstring_view name,
     list.First().place = ItemPlace::Element;
     return list;
 }
-/// "Translation" and "Rotation" within an element. Missing components of the translation are 0.
+/// Translation and rotation within an element. Missing components of the translation are 0.
 template <auto Access>
 constexpr ItemList<1> Transformation(std::wstring_view name, std::string_view says,
                                      Where where = Where::current())
 {
+    constexpr bool isPlanar =
+        std::is_same_v<typename TraitsOf<Access>::Value, KARMathTransformation2D>;
     auto list = MakeItem<Access>(name, says, ItemKind::Transformation, where);
+    list.First().parts = isPlanar ? &PlanarTransformation : &SpatialTransformation;
     list.First().quantity = KARMPPhysicalQuantity::Length;
     return list;
 }

@@ -7,6 +7,7 @@
 #include "KARMath3x3Matrix.h"
 #include "KARMathDirection.h"
 #include "KARMathTransformation.h"
+#include "KARMathTransformation2D.h"
 #include "KARTextConversion.h"
 #include "KARUnicodeString.h"
 
@@ -244,7 +245,7 @@ struct ItemConversion<std::vector<unsigned char>>
 template <class T>
 requires requires(T& triple)
 {
-    triple.SetX(triple.GetX());
+    triple.SetZ(triple.GetZ());
 } &&(!std::is_same_v<T, KARMathDirection>)struct ItemConversion<T>
 {
     static void Put(const T& from, ItemValue& to)
@@ -257,6 +258,21 @@ requires requires(T& triple)
     {
         return T(from.numbers[0], from.numbers[1], from.numbers[2]);
     }
+};
+/// A point or a vector in the plane.
+template <class T>
+requires requires(T& pair)
+{
+    pair.SetY(pair.GetY());
+    requires !requires
+    {
+        pair.GetZ();
+    };
+}
+struct ItemConversion<T>
+{
+    static void Put(const T& from, ItemValue& to) { from.GetCoord(to.numbers[0], to.numbers[1]); }
+    static T Take(const ItemValue& from) { return T(from.numbers[0], from.numbers[1]); }
 };
 template <std::size_t N>
 struct ItemConversion<std::array<double, N>>
@@ -304,6 +320,23 @@ struct ItemConversion<KARMathTransformation>
         to.SetVector(ItemConversion<KARMathVector>::Take(from));
         to.SetMatrix(ItemConversion<KARMath3x3Matrix>::Take(from, 3));
         return to;
+    }
+};
+
+template <>
+struct ItemConversion<KARMathTransformation2D>
+{
+    static void Put(const KARMathTransformation2D& from, ItemValue& to)
+    {
+        const KARMath2x2Matrix& matrix = from.GetMatrix();
+        from.GetVector().GetCoord(to.numbers[0], to.numbers[1]);
+        matrix.GetFirstColumn().GetCoord(to.numbers[2], to.numbers[3]);
+        matrix.GetSecondColumn().GetCoord(to.numbers[4], to.numbers[5]);
+    }
+    static KARMathTransformation2D Take(const ItemValue& from)
+    {
+        const auto& c = from.numbers;
+        return {{{c[2], c[3]}, {c[4], c[5]}}, {c[0], c[1]}};
     }
 };
 

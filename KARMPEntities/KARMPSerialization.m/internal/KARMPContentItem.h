@@ -5,6 +5,7 @@
 #include "KARMPEnumerations.h"
 #include "KARMPFailedCheck.h"
 #include "KARMPItemKind.h"
+#include "KARMPItemNames.h"
 #include "KARMPVersions.h"
 #include "KARStatus.h"
 #include "QOBSharedHandle.h"
@@ -107,6 +108,8 @@ struct Item
 
     /// The words of a Word, row by row; the names of Numbers; flag and number of OptionalNumber.
     std::span<const std::wstring_view> words;
+    /// The names of a Transformation.
+    const TransformationNames* parts = nullptr;
     /// The place of the item in the class's source, which reports name.
     KARMPSourceLocation where{"", 0};
     /// The entries of a list: how many, and one by its index.

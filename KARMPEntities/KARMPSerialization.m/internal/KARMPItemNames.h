@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstddef>
+#include <span>
 #include <string_view>
 
 namespace karmp {
@@ -20,9 +21,25 @@ inline constexpr Names<3> NormalNames{L"Nx", L"Ny", L"Nz"};
 /// A matrix by columns.
 inline constexpr Names<9> MatrixNames{L"M1x", L"M1y", L"M1z", L"M2x", L"M2y",
                                       L"M2z", L"M3x", L"M3y", L"M3z"};
-/// The parts of a transformation.
-inline constexpr std::wstring_view TranslationName = L"Translation";
-inline constexpr std::wstring_view RotationName = L"Rotation";
+inline constexpr Names<2> PlanarPointNames{L"Px", L"Py"};
+inline constexpr Names<2> PlanarVectorNames{L"Vx", L"Vy"};
+inline constexpr Names<4> PlanarMatrixNames{L"M1x", L"M1y", L"M2x", L"M2y"};
+/// Origin and direction of a line.
+inline constexpr Names<6> LineNames{L"Ox", L"Oy", L"Oz", L"Dx", L"Dy", L"Dz"};
+inline constexpr Names<4> PlanarLineNames{L"Ox", L"Oy", L"Dx", L"Dy"};
+
+/// The parts of a transformation and the numbers in each.
+struct TransformationNames
+{
+    std::wstring_view translation;
+    std::span<const std::wstring_view> vector;
+    std::wstring_view rotation;
+    std::span<const std::wstring_view> matrix;
+};
+inline constexpr TransformationNames SpatialTransformation{L"Translation", VectorNames, L"Rotation",
+                                                           MatrixNames};
+inline constexpr TransformationNames PlanarTransformation{L"Translation2D", PlanarVectorNames,
+                                                          L"Rotation2D", PlanarMatrixNames};
 /// The words of a flag that is no bool in the document: row 0 is false.
 inline constexpr Names<2> NoYes{L"no", L"yes"};
 inline constexpr Names<2> FalseTrue{L"FALSE", L"TRUE"};

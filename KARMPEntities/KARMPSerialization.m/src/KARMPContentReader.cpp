@@ -199,23 +199,32 @@ void ContentReader::ReadNumbers(const Item& item, ElementReader& element)
     Store(item, element);
 }
 
+void PutIdentity(const TransformationNames& parts, double* numbers)
+{
+    const std::size_t dimension = parts.vector.size();
+    std::fill_n(numbers, dimension + parts.matrix.size(), 0.0);
+    for (std::size_t i = 0; i < dimension; ++i)
+        numbers[dimension + i * (dimension + 1)] = 1.0;
+}
+
 void ContentReader::ReadTransformation(const Item& item, ElementReader& element)
 {
     ElementReader child = element.Child(item.name, AbsentOf(item.presence), item.where);
     if (!child)
         return;
+    const TransformationNames& parts = *item.parts;
+    double* const numbers = m_value.numbers.data();
     if (item.zeroIfMissing)
-        ItemConversion<KARMathTransformation>::Put(KARMathTransformation(), m_value);
+        PutIdentity(parts, numbers);
     else
         item.get(m_owner, m_value);
-    double* const numbers = m_value.numbers.data();
     if (ElementReader translation =
-            child.Child(TranslationName, Absent::ReportAndKeep, item.where)) {
-        std::fill_n(numbers, VectorNames.size(), 0.0);
-        ReadDoubles(VectorNames, numbers, translation, Absent::ReportAndKeep, item.where);
+            child.Child(parts.translation, Absent::ReportAndKeep, item.where)) {
+        std::fill_n(numbers, parts.vector.size(), 0.0);
+        ReadDoubles(parts.vector, numbers, translation, Absent::ReportAndKeep, item.where);
     }
-    if (ElementReader rotation = child.Child(RotationName, Absent::ReportAndKeep, item.where))
-        ReadDoubles(MatrixNames, numbers + VectorNames.size(), rotation, Absent::ReportAndKeep,
+    if (ElementReader rotation = child.Child(parts.rotation, Absent::ReportAndKeep, item.where))
+        ReadDoubles(parts.matrix, numbers + parts.vector.size(), rotation, Absent::ReportAndKeep,
                     item.where);
     Store(item, element);
 }

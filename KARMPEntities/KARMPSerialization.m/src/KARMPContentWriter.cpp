@@ -129,10 +129,11 @@ void ContentWriter::WriteTransformation(const Item& item, ElementWriter& element
     if (!child)
         return;
     const double* const numbers = m_value.numbers.data();
-    if (ElementWriter translation = child.Child(TranslationName, item.where))
-        WriteDoubles(VectorNames, numbers, translation, item.where);
-    if (ElementWriter rotation = child.Child(RotationName, item.where))
-        WriteDoubles(MatrixNames, numbers + VectorNames.size(), rotation, item.where);
+    const TransformationNames& parts = *item.parts;
+    if (ElementWriter translation = child.Child(parts.translation, item.where))
+        WriteDoubles(parts.vector, numbers, translation, item.where);
+    if (ElementWriter rotation = child.Child(parts.rotation, item.where))
+        WriteDoubles(parts.matrix, numbers + parts.vector.size(), rotation, item.where);
 }
 
 void ContentWriter::WriteOptionalNumber(const Item& item, ElementWriter& element)

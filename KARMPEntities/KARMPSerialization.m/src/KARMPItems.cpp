@@ -53,7 +53,9 @@ private:
 
 std::size_t DoublesOf(const Item& item)
 {
-    return item.kind == ItemKind::Transformation ? ItemValue::Capacity : item.words.size();
+    return item.kind == ItemKind::Transformation
+               ? item.parts->vector.size() + item.parts->matrix.size()
+               : item.words.size();
 }
 
 // The word in an attribute of the entries of a list; null without one.

@@ -238,9 +238,10 @@ void SchemaMaker::AddItem(const Item& item, std::span<const Item> inner, SchemaI
         AddNumbers(item.words, item, ItemPresence::Reported, made);
         break;
     case ItemKind::Transformation:
-        made.elements = {NumberGroup(TranslationName, "The shift.", VectorNames, item.quantity),
-                         NumberGroup(RotationName, "The rotation matrix by columns.", MatrixNames,
-                                     KARMPPhysicalQuantity::NoPhysicalQuantity)};
+        made.elements = {
+            NumberGroup(item.parts->translation, "The shift.", item.parts->vector, item.quantity),
+            NumberGroup(item.parts->rotation, "The rotation matrix by columns.", item.parts->matrix,
+                        KARMPPhysicalQuantity::NoPhysicalQuantity)};
         break;
     case ItemKind::OptionalNumber:
         made.elements = {Named(item.words[0], ItemKind::Flag, "Whether there is a number."),

@@ -116,6 +116,7 @@ public:
     KARMathPoint point;
     KARMathVector vector;
     KARMathTransformation transformation;
+    KARMathTransformation2D planar;
     double bound = 0.0;
     bool hasBound = false;
     KARMPLink<TestEntity> link;

@@ -17,6 +17,7 @@ constexpr auto Values =
              Numbers<&C::point>(L"Point", PointNames, ""),
              NumbersElement<&C::vector>(L"Vector", VectorNames, ""),
              Transformation<&C::transformation>(L"Transformation", ""),
+             Transformation<&C::planar>(L"Planar", ""),
              OptionalNumber<&C::bound, &C::hasBound>(L"Bound", BoundNames, ""));
 
 void Fill(ContentTestEntity& entity)
@@ -31,6 +32,7 @@ void Fill(ContentTestEntity& entity)
     entity.point = KARMathPoint(1.0, 2.0, 3.0);
     entity.vector = KARMathVector(4.0, 5.0, 6.0);
     entity.transformation.SetVector(KARMathVector(7.0, 8.0, 9.0));
+    entity.planar = {{{1.0, 2.0}, {3.0, 4.0}}, {5.0, 6.0}};
     entity.bound = 10.0;
     entity.hasBound = true;
 }
@@ -50,6 +52,9 @@ TEST_F(ContentWalk, WritesEachKindOfValue)
     EXPECT_EQ(root.Number(L"E/Vector/Vz"), 6.0);
     EXPECT_EQ(root.Number(L"E/Transformation/Translation/Vy"), 8.0);
     EXPECT_EQ(root.Number(L"E/Transformation/Rotation/M2y"), 1.0);
+    EXPECT_EQ(root.Number(L"E/Planar/Translation2D/Vy"), 6.0);
+    EXPECT_EQ(root.Number(L"E/Planar/Rotation2D/M1y"), 2.0);
+    EXPECT_EQ(root.Number(L"E/Planar/Rotation2D/M2x"), 3.0);
     EXPECT_TRUE(root.Flag(L"E/Bound/HasBound"));
     EXPECT_EQ(root.Number(L"E/Bound/Bound"), 10.0);
     // The items stand in the order of the list.
@@ -57,7 +62,7 @@ TEST_F(ContentWalk, WritesEachKindOfValue)
     EXPECT_EQ(element.Child(0).GetId(), L"Number");
     EXPECT_EQ(element.Child(6).GetId(), L"IsYes");
     EXPECT_EQ(element.Child(7).GetId(), L"Px");
-    EXPECT_EQ(element.Child(12).GetId(), L"Bound");
+    EXPECT_EQ(element.Child(13).GetId(), L"Bound");
 }
 
 TEST_F(ContentWalk, ReadsEachKindOfValueBack)
@@ -79,6 +84,7 @@ TEST_F(ContentWalk, ReadsEachKindOfValueBack)
         EXPECT_EQ(read->point, KARMathPoint(1.0, 2.0, 3.0));
         EXPECT_EQ(read->vector, KARMathVector(4.0, 5.0, 6.0));
         EXPECT_EQ(read->transformation.GetVector(), KARMathVector(7.0, 8.0, 9.0));
+        EXPECT_EQ(read->planar, entity->planar);
         EXPECT_EQ(read->bound, 10.0);
         EXPECT_TRUE(read->hasBound);
     }
