@@ -33,4 +33,16 @@ KARStatus TellLoader(const Entity& entity, Tell tell,
     return loader != nullptr ? tell(*loader) : KARSuccess;
 }
 
+/// The same for a change that the loader can refuse only: a negative status of `tell` is a failed
+/// check and a failure, any other gives 0.
+template <class Loader, class Entity, class Tell>
+KARStatus PassToLoader(const Entity& entity, Tell tell,
+                       KARMPSourceLocation where = KARMPSourceLocation::current())
+{
+    const auto checked = [&](Loader& loader) {
+        return KARMPVerify(!KARFailed(tell(loader)), where) ? KARSuccess : KARFailure;
+    };
+    return TellLoader<Loader>(entity, checked, where);
+}
+
 } // namespace karmp

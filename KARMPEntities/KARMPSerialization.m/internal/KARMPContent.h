@@ -58,6 +58,12 @@ struct ItemList
     {
         return With([](Item& item) { item.presence = ItemPresence::Optional; });
     }
+    /// A missing value is a failed check that does not count, as for all items but value
+    /// references.
+    constexpr ItemList Reported() const
+    {
+        return With([](Item& item) { item.presence = ItemPresence::Reported; });
+    }
     /// A missing value is nothing; one that is there and does not convert is a failed check that
     /// counts. For single values in elements.
     constexpr ItemList RequiredIfThere() const

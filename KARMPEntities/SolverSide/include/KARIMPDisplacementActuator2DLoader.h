@@ -1,0 +1,20 @@
+#pragma once
+
+#include "KARIMPEntityLoader.h"
+#include "KARMPEnumerations.h"
+
+class KARMathLine2D;
+class KARMathTransformation2D;
+
+/// What a solver attaches to an actuator that moves a body in a plane: it applies the moves. The
+/// result of each operation is the actuator's.
+class KAR_API KARIMPDisplacementActuator2DLoader : public KARIMPEntityLoader
+{
+public:
+    /// Moves the body by a transformation of the plane.
+    virtual KARStatus SetDisplacement(const KARMathTransformation2D& displacement) = 0;
+    /// Drags the body along a line.
+    virtual KARStatus SetDisplacementByDragLine(const KARMathLine2D& line) = 0;
+    /// Tells what became of the last move.
+    virtual KARStatus GetMoveStatus(KARMPMoveStatus::Enum& status) = 0;
+};
