@@ -175,6 +175,7 @@ private:
             {L"SelectedAxis1", Rows<KARMPSelectedAxis::Enum>()},
             {L"PhysicalQuantity", Rows<KARMPPhysicalQuantity::Enum>()},
             {L"Type", Rows<KARMPVariableType::Enum>()},
+            {L"TargetType", Rows<KARMPMotorTargetType::Enum>()},
             {L"Value", {L"TRUE"}}};
         if (item.value.stringValue == WrittenValue)
             return ReadValue;
@@ -209,15 +210,6 @@ const std::map<std::string, std::string> NotReadBack{
 /// Classes that no factory makes, since their families are declared only or have but some of their
 /// kinds so far.
 const std::set<std::string_view> NotMade{
-    // Actuators.
-    "KARMPDisplacementActuator",
-    "KARMPDisplacementActuator2D",
-    "KARMPDriver",
-    "KARMPGlobalDisplacementActuator",
-    "KARMPJointForceActuator",
-    "KARMPMotor",
-    "KARMPSpatialForceActuator",
-    "KARMPSpatialForceActuator2D",
     // Bodies, joints and geometry in a plane.
     "KARMPBody2D",
     "KARMPCircle2D",

@@ -18,11 +18,16 @@
 #include "KARMPCylicone.h"
 #include "KARMPCylinder.h"
 #include "KARMPCylindricalConstraint.h"
+#include "KARMPDisplacementActuator.h"
+#include "KARMPDisplacementActuator2D.h"
 #include "KARMPDistance.h"
+#include "KARMPDriver.h"
 #include "KARMPEllipse.h"
 #include "KARMPExpression.h"
 #include "KARMPForceElement.h"
+#include "KARMPGlobalDisplacementActuator.h"
 #include "KARMPHyperbola.h"
+#include "KARMPJointForceActuator.h"
 #include "KARMPJointKinds.h"
 #include "KARMPLine.h"
 #include "KARMPLinearEquation.h"
@@ -40,6 +45,8 @@
 #include "KARMPScrewConstraint.h"
 #include "KARMPSerializationServices.h"
 #include "KARMPSketchFunction.h"
+#include "KARMPSpatialForceActuator.h"
+#include "KARMPSpatialForceActuator2D.h"
 #include "KARMPSphere.h"
 #include "KARMPSphericalConstraint.h"
 #include "KARMPString.h"
@@ -103,6 +110,7 @@ FilledEntities::FilledEntities()
     AddTwo(m_bodies, L"B", Identified<KARMPBody>);
     AddTwo(m_geometries, L"G", Identified<KARMPPoint>);
     AddTwo(m_joints, L"J", Identified<KARMPRevolute>);
+    AddTwo(m_motors, L"M", Identified<KARMPMotor>);
     AddTwo(m_constraints, L"C", Identified<KARMPConcentricity>);
     AddTwo(m_equations, L"E", Identified<KARMPEquation>);
     AddTwo(m_variables, L"V", Identified<KARMPVariable>);
@@ -149,6 +157,7 @@ QOBSharedHandle<KARMPEntity> FilledEntities::Make(const std::string& className, 
             known = true;
         }
     };
+    fill(&FilledEntities::FillActuator);
     fill(&FilledEntities::FillBody);
     fill(&FilledEntities::FillGeometry);
     fill(&FilledEntities::FillJoint);
@@ -183,6 +192,81 @@ void FilledEntities::FillBase(KARMPEntity& entity)
         entity.AddState(state);
     for (const auto& element : m_elements)
         entity.AddAggregatedElement(element);
+}
+
+void FilledEntities::FillActuator(KARMPActuator& actuator)
+{
+    using Classes =
+        karmp::FamilyList<KARMPDisplacementActuator, KARMPDisplacementActuator2D, KARMPDriver,
+                          KARMPGlobalDisplacementActuator, KARMPJointForceActuator, KARMPMotor,
+                          KARMPSpatialForceActuator, KARMPSpatialForceActuator2D>;
+    EXPECT_TRUE(Classes::AnyOf([&](auto family) {
+        using T = typename decltype(family)::Type;
+        auto* own = dynamic_cast<T*>(&actuator);
+        if (own != nullptr)
+            FillDrive(*own);
+        return own != nullptr;
+    }));
+}
+
+template <class T>
+void FilledEntities::FillDrive(T& actuator)
+{
+    const QOBSharedHandle<KARMPValue> first = m_constants[Choose(0U, 1U)];
+    const QOBSharedHandle<KARMPValue> second = m_constants[Choose(1U, 0U)];
+    if constexpr (std::is_same_v<T, KARMPDisplacementActuator>) {
+        if (HasLinks()) {
+            actuator.SetBody(m_bodies[0]);
+            actuator.SetGeometry(m_geometries[0]);
+        }
+        actuator.SetDisplacement(Position());
+        actuator.SetDisplacementByDragLine({Point(), First()});
+    }
+    if constexpr (std::is_same_v<T, KARMPDisplacementActuator2D>) {
+        actuator.SetDisplacement(
+            {{{Number(0.5), Number(1.5)}, {Number(2.5), Number(3.5)}}, {Number(4.5), Number(5.5)}});
+        actuator.SetDisplacementByDragLine({{Number(1.5), Number(-2.25)}, {Number(3.0), 4.0}});
+    }
+    if constexpr (std::is_same_v<T, KARMPGlobalDisplacementActuator>)
+        actuator.SetGlobalDisplacement(Position());
+    if constexpr (std::is_same_v<T, KARMPDriver>)
+        for (std::size_t index = 0; HasLinks() && index < 2; ++index)
+            actuator.AddMotor(m_motors[index]);
+    if constexpr (std::is_same_v<T, KARMPMotor>) {
+        actuator.SetTargetType(
+            Choose(KARMPMotorTargetType::VelocityTarget, KARMPMotorTargetType::PositionTarget));
+        if (HasLinks()) {
+            actuator.SetVariable(m_variables[0]);
+            actuator.SetPosition(first);
+            actuator.SetVelocity(second);
+            actuator.SetAcceleration(first);
+            actuator.SetMaxForce(second);
+        }
+    }
+    if constexpr (std::is_same_v<T, KARMPJointForceActuator>) {
+        actuator.SetIndexDOF(Choose(4, 2));
+        if (HasLinks()) {
+            actuator.SetForce(first);
+            actuator.SetJoint(m_joints[0]);
+        }
+    }
+    if constexpr (std::is_same_v<T, KARMPSpatialForceActuator>) {
+        if (HasLinks()) {
+            actuator.SetForce({first, second, first}, {});
+            actuator.SetTorque({second, first, first}, {});
+            actuator.SetBody(m_bodies[0]);
+        }
+        actuator.SetApplicationPoint(Point(), {});
+        actuator.SetIsInLocalFrame(Choose(true, false));
+    }
+    if constexpr (std::is_same_v<T, KARMPSpatialForceActuator2D>) {
+        if (HasLinks()) {
+            actuator.SetForce({first, second});
+            actuator.SetTorque({second});
+        }
+        actuator.SetApplicationPoint({Number(1.5), Number(-2.25)});
+        actuator.SetIsInLocalFrame(Choose(true, false));
+    }
 }
 
 // A body says that it does not float only when it is not fixed and has a father.

@@ -10,6 +10,7 @@
 #include "KARMPEntityTable.h"
 #include "KARMPEquation.h"
 #include "KARMPJoint.h"
+#include "KARMPMotor.h"
 #include "KARMPOutput.h"
 #include "KARMPParameter.h"
 #include "KARMPState.h"
@@ -69,6 +70,9 @@ private:
     void AddTwo(Two<T>& entities, const wchar_t* prefix, const Maker& make);
 
     void FillBase(KARMPEntity& entity);
+    void FillActuator(KARMPActuator& actuator);
+    template <class T>
+    void FillDrive(T& actuator);
     void FillBody(KARMPBody& body);
     void FillGeometry(KARMPGeometry& geometry);
     void FillJoint(KARMPJoint& joint);
@@ -117,6 +121,7 @@ private:
     Two<KARMPBody> m_bodies;
     Two<KARMPGeometry> m_geometries;
     Two<KARMPJoint> m_joints;
+    Two<KARMPMotor> m_motors;
     Two<KARMPConstraint> m_constraints;
     Two<KARMPEquation> m_equations;
     Two<KARMPVariable> m_variables;
