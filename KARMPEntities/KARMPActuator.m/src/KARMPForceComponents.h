@@ -92,20 +92,23 @@ void ReadValues(ElementReader& element, std::wstring_view name, const Names<N>& 
 
 template <auto Values, std::size_t N, std::size_t... Index>
 constexpr auto DescribeValues(std::wstring_view name, const Names<N>& names, std::string_view says,
-                              KARMPSourceLocation where, std::index_sequence<Index...>)
+                              std::string_view component, KARMPSourceLocation where,
+                              std::index_sequence<Index...>)
 {
-    return Group(name, says,
-                 ValueReference<At<Values, Index>, At<Values, Index>>(
-                     names[Index], "The component along an axis, or about it.", where)
-                     .Optional()...)
+    return Group(
+               name, says,
+               ValueReference<At<Values, Index>, At<Values, Index>>(names[Index], component, where)
+                   .Optional()...)
         .Optional();
 }
-/// Describes what WriteValues and ReadValues do with a member.
+/// Describes what WriteValues and ReadValues do with a member: the element and each component.
 template <auto Values, std::size_t N>
 constexpr auto DescribeValues(std::wstring_view name, const Names<N>& names, std::string_view says,
+                              std::string_view component,
                               KARMPSourceLocation where = KARMPSourceLocation::current())
 {
-    return DescribeValues<Values>(name, names, says, where, std::make_index_sequence<N>());
+    return DescribeValues<Values>(name, names, says, component, where,
+                                  std::make_index_sequence<N>());
 }
 
 } // namespace karmp

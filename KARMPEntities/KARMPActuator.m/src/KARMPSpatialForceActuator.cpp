@@ -10,7 +10,7 @@
 
 KARMP_DEFINE_ENTITY(KARMPSpatialForceActuator, "37CCF0C1-A767-49B0-80C6-FA570C4C9BCB");
 
-// Described only: the values of a force are set together, those of no list are.
+// Described only: the three values of a force are set together, which no item does.
 template <>
 struct karmp::ContentOf<KARMPSpatialForceActuator>
 {
@@ -21,8 +21,10 @@ struct karmp::ContentOf<KARMPSpatialForceActuator>
     }
     static constexpr auto List =
         Element(L"SpatialForceActuator", "A force and a torque on a body.", LenientFrame,
-                DescribeValues<&C::m_force>(L"Force", VectorNames, "The force."),
-                DescribeValues<&C::m_torque>(L"Torque", VectorNames, "The torque."),
+                DescribeValues<&C::m_force>(L"Force", VectorNames, "The force.",
+                                            "The force along an axis."),
+                DescribeValues<&C::m_torque>(L"Torque", VectorNames, "The torque.",
+                                             "The torque about an axis."),
                 Flag<&C::m_isInLocalFrame>(L"IsInLocalFrame",
                                            "Whether the components are along the body's axes."),
                 NumbersElement<&C::m_applicationPoint>(L"ApplicationPoint", PointNames,

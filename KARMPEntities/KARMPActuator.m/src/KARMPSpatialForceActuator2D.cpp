@@ -16,15 +16,17 @@ constexpr karmp::Names<1> TorqueNames{L"Vx"};
 
 } // namespace
 
-// Described only: the values of a force are set together, those of no list are.
+// Described only: the two values of a force are set together, which no item does.
 template <>
 struct karmp::ContentOf<KARMPSpatialForceActuator2D>
 {
     using C = KARMPSpatialForceActuator2D;
     static constexpr auto List = Element(
         L"SpatialForceActuator2D", "A force and a torque on a body in a plane.", LenientFrame,
-        DescribeValues<&C::m_force>(L"Force2D", PlanarVectorNames, "The force."),
-        DescribeValues<&C::m_torque>(L"Torque2D", TorqueNames, "The torque."),
+        DescribeValues<&C::m_force>(L"Force2D", PlanarVectorNames, "The force.",
+                                    "The force along an axis."),
+        DescribeValues<&C::m_torque>(L"Torque2D", TorqueNames, "The torque.",
+                                     "The torque about the normal."),
         Flag<&C::m_isInLocalFrame>(L"IsInLocalFrame",
                                    "Whether the components are along the body's axes."),
         NumbersElement<&C::m_applicationPoint>(L"ApplicationPoint2D", PlanarPointNames,
