@@ -390,19 +390,21 @@ TEST_F(SpatialForceActuator, CannotTurnWhatIsNoNumber)
 
 TEST_F(SpatialForceActuator, GivesItsNumbersInTheAxesOfABody)
 {
-    actuator->SetForce(values, Body());
+    actuator->SetForce(KARMathVector(1.0, 2.0, 3.0));
+    const Components own = Own();
     Components given;
     EXPECT_EQ(actuator->GetForce(given, turned), KARSuccess);
     const double expected[] = {2.0, -1.0, 3.0};
     for (std::size_t i = 0; i < 3; ++i) {
-        EXPECT_NE(given[i], values[i]);
+        EXPECT_NE(given[i], own[i]);
         double number = 0.0;
         ASSERT_TRUE(given[i].isDerivedFrom(KARMPConstant::ClassInfo()));
         QOBSharedHandle<KARMPConstant>(given[i])->GetValue(number);
         EXPECT_EQ(number, expected[i]);
     }
     EXPECT_EQ(Force(), KARMathVector(1.0, 2.0, 3.0));
-    EXPECT_EQ(world->Count<KARMPValue>(), 0);
+    EXPECT_EQ(Own(), own);
+    EXPECT_EQ(world->Count<KARMPValue>(), 3) << "the new ones stand in no world";
     values[0] = KARMPExpression::create(L"e");
     actuator->SetForce(values, Body());
     EXPECT_EQ(actuator->GetForce(given, turned), KARSuccess);
