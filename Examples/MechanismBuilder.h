@@ -2,19 +2,39 @@
 
 #include "KARMPDocuments.h"
 #include "KARMPEntities.h"
+#include "MassProperties.h"
 
 #include <cmath>
 #include <iostream>
 #include <string>
 
-/// Builds mechanisms for the examples: adds each entity to its registry and to the basic world, and
-/// sets both halves of every link.
+/// An axis system along the axes of its body, whose third direction, that of a joint's motion, is
+/// the body's x, y or z.
+inline KARMathAxis AxisAlongX(const KARMathPoint& origin)
+{
+    return {origin, {0.0, 1.0, 0.0}, {0.0, 0.0, 1.0}, {1.0, 0.0, 0.0}};
+}
+inline KARMathAxis AxisAlongY(const KARMathPoint& origin)
+{
+    return {origin, {0.0, 0.0, 1.0}, {1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}};
+}
+inline KARMathAxis AxisAlongZ(const KARMathPoint& origin)
+{
+    return {origin, {1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, {0.0, 0.0, 1.0}};
+}
+
+/// Builds mechanisms for the examples by docs/conventions.md: adds each entity to its registry and
+/// to the basic world, and sets both halves of every link.
 class MechanismBuilder
 {
 public:
-    explicit MechanismBuilder(const std::wstring& name)
+    /// An empty mechanism in metres, under a gravity in m/s2.
+    MechanismBuilder(const std::wstring& name, const KARMathVector& gravity)
         : m_basicWorld(QOBBasicWorld::create(name)), m_world(KARMPWorld::create(m_basicWorld))
     {
+        m_world->SetLengthUnit(KARMPUnit::Meter);
+        m_world->SetLinearTolerance(1e-6);
+        m_world->SetGravity(gravity);
         m_world->GetGlobalBody(m_ground);
         QOBSharedHandle<KARMPAxisSystem> axisSystem;
         QOBSharedHandle<KARMPVariable> time;
@@ -43,26 +63,31 @@ public:
         return entity;
     }
 
-    /// A body in the plane z = 0, turned about z.
-    QOBSharedHandle<KARMPBody> AddBody(const std::wstring& name, const KARMathPoint& origin,
-                                       double angle)
+    /// A body at a position.
+    QOBSharedHandle<KARMPBody> AddBody(const std::wstring& name,
+                                       const KARMathTransformation& position)
     {
         const auto body = File<KARMPBody>(KARMPBody::create(name), name);
-        const double c = std::cos(angle);
-        const double s = std::sin(angle);
-        const KARMath3x3Matrix rotation({c, s, 0.0}, {-s, c, 0.0}, {0.0, 0.0, 1.0});
-        body->SetPosition(KARMathTransformation(rotation, origin - KARMathPoint()), 0);
+        body->SetPosition(position, 0);
         body->SetFloating(false);
         return body;
     }
 
-    /// An axis system with the body's directions at a point of the body.
+    /// A body in the plane z = 0, turned about z.
+    QOBSharedHandle<KARMPBody> AddBody(const std::wstring& name, const KARMathPoint& origin,
+                                       double angle)
+    {
+        const double c = std::cos(angle);
+        const double s = std::sin(angle);
+        const KARMath3x3Matrix rotation({c, s, 0.0}, {-s, c, 0.0}, {0.0, 0.0, 1.0});
+        return AddBody(name, KARMathTransformation(rotation, origin - KARMathPoint()));
+    }
+
+    /// An axis system of the body, in body axes.
     QOBSharedHandle<KARMPAxisSystem> AddAxisSystem(const QOBSharedHandle<KARMPBody>& body,
                                                    const std::wstring& name,
-                                                   const KARMathPoint& origin)
+                                                   const KARMathAxis& axis)
     {
-        KARMathAxis axis;
-        axis.SetOrigin(origin);
         const auto axisSystem = KARMPAxisSystem::create(name);
         axisSystem->SetAxisSystem(axis);
         return Attach(axisSystem, body, name);
@@ -77,7 +102,8 @@ public:
         return Attach(point, body, name);
     }
 
-    /// A joint of two bodies that a constraint between a geometry of each realises.
+    /// A joint of two bodies that a constraint between a geometry of each realises; the body of the
+    /// first is the parent.
     template <class Joint, class Constraint>
     QOBSharedHandle<Joint> AddJoint(const std::wstring& name,
                                     const QOBSharedHandle<KARMPGeometry>& first,

@@ -1,28 +1,34 @@
-// A gear pair: two wheels on revolute joints, and a gear that ties their angles by an equation.
+// A gear pair: two wheels on revolute joints, and a gear that ties their angles by an equation. The
+// axles lie level: gravity acts along -y.
 #include "MechanismBuilder.h"
 
 namespace {
 
-constexpr double Ratio = 2.5; // turns of the pinion per turn of the wheel
+constexpr double Ratio = 2.5;        // turns of the pinion per turn of the wheel
+constexpr double PinionRadius = 0.1; // m, of the pitch circle
+constexpr double WheelRadius = Ratio * PinionRadius;
+constexpr double Width = 0.04;     // m
+constexpr double WheelAngle = 0.2; // rad
 
-QOBSharedHandle<KARMPRevolute> AddWheel(MechanismBuilder& mechanism, const std::wstring& name,
-                                        double x)
+/// A disc on an axle across the plane; gives the variable of its angle.
+QOBSharedHandle<KARMPVariable> AddWheel(MechanismBuilder& mechanism, const std::wstring& name,
+                                        double x, double angle, double radius, double mass)
 {
-    const auto wheel = mechanism.AddBody(name, {x, 0.0, 0.0}, 0.0);
-    return mechanism.AddJoint<KARMPRevolute, KARMPRevoluteConstraint>(
-        name + L" bearing", mechanism.AddAxisSystem(mechanism.Ground(), name, {x, 0.0, 0.0}),
-        mechanism.AddAxisSystem(wheel, L"Axle", {}));
+    const auto wheel = mechanism.AddBody(name, {x, 0.0, 0.0}, angle);
+    SetMass(*wheel, Cylinder(mass, {}, radius, Width));
+    const auto bearing = mechanism.AddJoint<KARMPRevolute, KARMPRevoluteConstraint>(
+        name + L" bearing",
+        mechanism.AddAxisSystem(mechanism.Ground(), name, AxisAlongZ({x, 0.0, 0.0})),
+        mechanism.AddAxisSystem(wheel, L"Axle", AxisAlongZ({})));
+    return mechanism.AddVariable(name + L" angle", KARMPPhysicalQuantity::Angle, angle, bearing);
 }
 
 QOBSharedHandle<KARMPWorld> Build()
 {
-    MechanismBuilder mechanism(L"Gear pair");
-    const auto wheel = AddWheel(mechanism, L"Wheel", 0.0);
-    const auto pinion = AddWheel(mechanism, L"Pinion", 0.35);
-    const auto wheelAngle =
-        mechanism.AddVariable(L"Wheel angle", KARMPPhysicalQuantity::Angle, 0.0, wheel);
-    const auto pinionAngle =
-        mechanism.AddVariable(L"Pinion angle", KARMPPhysicalQuantity::Angle, 0.0, pinion);
+    MechanismBuilder mechanism(L"Gear pair", {0.0, -9.81, 0.0});
+    const auto wheelAngle = AddWheel(mechanism, L"Wheel", 0.0, WheelAngle, WheelRadius, 60.0);
+    const auto pinionAngle = AddWheel(mechanism, L"Pinion", WheelRadius + PinionRadius,
+                                      -Ratio * WheelAngle, PinionRadius, 9.6);
 
     // Ratio * wheel angle + pinion angle = 0.
     const auto equation =
@@ -38,11 +44,13 @@ QOBSharedHandle<KARMPWorld> Build()
     const auto gear = mechanism.File<KARMPJoint>(KARMPGear::create(L"Gear"), L"Gear");
     gear->SetEquation(equation);
     equation->SetJoint(gear);
-    for (const wchar_t* name : {L"Wheel", L"Pinion"}) {
+    const auto link = [&](const wchar_t* name, KARMPBodyOrientation::Enum orientation) {
         const auto body = FindByName<KARMPBody>(*mechanism.World(), name);
-        gear->LinkToBody(body, KARMPBodyOrientation::Out);
+        gear->LinkToBody(body, orientation);
         body->LinkToJoint(gear);
-    }
+    };
+    link(L"Wheel", KARMPBodyOrientation::Out);
+    link(L"Pinion", KARMPBodyOrientation::In);
     return mechanism.World();
 }
 

@@ -78,17 +78,16 @@ constexpr std::array Joints{JointData{L"O", L"GlobalBody", O, L"K1", {0.0, 0.0}}
 
 QOBSharedHandle<KARMPWorld> Build()
 {
-    MechanismBuilder mechanism(L"Seven-body mechanism");
+    MechanismBuilder mechanism(L"Seven-body mechanism", {});
     const KARMPWorld& world = *mechanism.World();
     for (const BodyData& data : Bodies) {
         const auto carrier = FindByName<KARMPBody>(world, data.on);
         const KARMathPoint origin = PositionOf(*carrier) * KARMathPoint(data.origin);
         const auto body = mechanism.AddBody(data.name, origin, data.angle);
-        body->SetMass(data.mass);
-        body->SetCenterOfGravity(data.center);
-        KARMath3x3Matrix inertia;
-        inertia.SetThirdColumn({0.0, 0.0, data.inertia});
-        body->SetInertiaMatrix(inertia);
+        // The figures are those of the plane; about the two axes in it, which no motion turns
+        // about, a body is taken for a flat one without a preferred direction.
+        const double inPlane = data.inertia / 2.0;
+        SetMass(*body, {data.mass, data.center, Diagonal(inPlane, inPlane, data.inertia)});
     }
     // The points that no joint takes: the springs of the mechanism are between D and C.
     mechanism.AddPoint(FindByName<KARMPBody>(world, L"K3"), L"D", {0.02, -0.018, 0.0});
@@ -99,8 +98,8 @@ QOBSharedHandle<KARMPWorld> Build()
         const auto second = FindByName<KARMPBody>(world, data.second);
         const std::wstring name = data.name;
         const auto joint = mechanism.AddJoint<KARMPRevolute, KARMPRevoluteConstraint>(
-            L"Revolute." + name, mechanism.AddAxisSystem(first, name, data.onFirst),
-            mechanism.AddAxisSystem(second, name, data.onSecond));
+            L"Revolute." + name, mechanism.AddAxisSystem(first, name, AxisAlongZ(data.onFirst)),
+            mechanism.AddAxisSystem(second, name, AxisAlongZ(data.onSecond)));
         if (joint->getEntityName() == L"Revolute.O") {
             mechanism.AddVariable(L"Drive", KARMPPhysicalQuantity::Angle, Beta, joint)
                 ->SetType(KARMPVariableType::Controlled);

@@ -1,4 +1,5 @@
-// A slider-crank: three revolute joints and a prismatic one, with a motor's variable on the crank.
+// A slider-crank: three revolute joints, a guide along the slider's motion, and a variable for the
+// angle of the crank. It stands upright: gravity acts along -y.
 #include "MechanismBuilder.h"
 
 namespace {
@@ -9,7 +10,7 @@ constexpr double CrankAngle = 0.5;  // rad
 
 QOBSharedHandle<KARMPWorld> Build()
 {
-    MechanismBuilder mechanism(L"Slider-crank");
+    MechanismBuilder mechanism(L"Slider-crank", {0.0, -9.81, 0.0});
     const KARMathPoint pin(CrankLength * std::cos(CrankAngle), CrankLength * std::sin(CrankAngle),
                            0.0);
     const double rodAngle = -std::asin(pin.GetY() / RodLength);
@@ -19,23 +20,23 @@ QOBSharedHandle<KARMPWorld> Build()
     const auto crank = mechanism.AddBody(L"Crank", {}, CrankAngle);
     const auto rod = mechanism.AddBody(L"Rod", pin, rodAngle);
     const auto slider = mechanism.AddBody(L"Slider", slide, 0.0);
-    crank->SetMass(0.5);
-    rod->SetMass(0.8);
-    slider->SetMass(1.2);
+    SetMass(*crank, Box(0.5, {CrankLength / 2.0, 0.0, 0.0}, {0.14, 0.03, 0.015}));
+    SetMass(*rod, Box(0.8, {RodLength / 2.0, 0.0, 0.0}, {0.34, 0.024, 0.012}));
+    SetMass(*slider, Box(1.2, {}, {0.08, 0.05, 0.04}));
 
-    const auto crankPin = mechanism.AddJoint<KARMPRevolute, KARMPRevoluteConstraint>(
-        L"Main bearing", mechanism.AddAxisSystem(ground, L"Bearing", {}),
-        mechanism.AddAxisSystem(crank, L"Bearing", {}));
+    const auto bearing = mechanism.AddJoint<KARMPRevolute, KARMPRevoluteConstraint>(
+        L"Main bearing", mechanism.AddAxisSystem(ground, L"Bearing", AxisAlongZ({})),
+        mechanism.AddAxisSystem(crank, L"Bearing", AxisAlongZ({})));
     mechanism.AddJoint<KARMPRevolute, KARMPRevoluteConstraint>(
-        L"Crank pin", mechanism.AddAxisSystem(crank, L"Pin", {CrankLength, 0.0, 0.0}),
-        mechanism.AddAxisSystem(rod, L"Pin", {}));
+        L"Crank pin", mechanism.AddAxisSystem(crank, L"Pin", AxisAlongZ({CrankLength, 0.0, 0.0})),
+        mechanism.AddAxisSystem(rod, L"Pin", AxisAlongZ({})));
     mechanism.AddJoint<KARMPRevolute, KARMPRevoluteConstraint>(
-        L"Slider pin", mechanism.AddAxisSystem(rod, L"End", {RodLength, 0.0, 0.0}),
-        mechanism.AddAxisSystem(slider, L"Pin", {}));
+        L"Slider pin", mechanism.AddAxisSystem(rod, L"End", AxisAlongZ({RodLength, 0.0, 0.0})),
+        mechanism.AddAxisSystem(slider, L"Pin", AxisAlongZ({})));
     mechanism.AddJoint<KARMPPrismatic, KARMPPrismaticConstraint>(
-        L"Guide", mechanism.AddAxisSystem(ground, L"Guide", {}),
-        mechanism.AddAxisSystem(slider, L"Guide", {}));
-    mechanism.AddVariable(L"Crank angle", KARMPPhysicalQuantity::Angle, CrankAngle, crankPin);
+        L"Guide", mechanism.AddAxisSystem(ground, L"Guide", AxisAlongX({})),
+        mechanism.AddAxisSystem(slider, L"Guide", AxisAlongX({})));
+    mechanism.AddVariable(L"Crank angle", KARMPPhysicalQuantity::Angle, CrankAngle, bearing);
     return mechanism.World();
 }
 

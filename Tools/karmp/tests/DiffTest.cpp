@@ -54,8 +54,8 @@ TEST_F(Diff, PrintsWhereABodyMovedTo)
 
 TEST_F(Diff, PrintsSettingsNamesAndWhatOneDocumentAloneHas)
 {
-    EXPECT_EQ(Compare("<Gy>0</Gy>", "<Gy>-9.81</Gy>").output,
-              "World\n  Gravity: (0, 0, 0) becomes (0, -9.81, 0)\n"
+    EXPECT_EQ(Compare("<Gy>-9.81</Gy>", "<Gy>0</Gy>").output,
+              "World\n  Gravity: (0, -9.81, 0) becomes (0, 0, 0)\n"
               "1 difference: 0 entities removed, 0 added, 0 changed; 1 setting of the world\n");
     ExpectContains(Compare("name=\"Damping\"", "name=\"Friction\"").output,
                    "  renamed: \"Damping\" becomes \"Friction\"\n");
@@ -71,9 +71,9 @@ TEST_F(Diff, LeavesOutWhatIsWithinTheTolerance)
     EXPECT_EQ(Compare(Damping, other, "--tolerance 1e-5").code, 0);
     EXPECT_EQ(Compare(Damping, other, "--tolerance 1e-7").code, 1);
     EXPECT_EQ(Compare(Damping, other, "--floor 1e-6").code, 0);
-    EXPECT_EQ(Compare("<Gy>0</Gy>", "<Gy>1e-13</Gy>", "--tolerance 1e-9").code, 0);
-    EXPECT_EQ(Compare("<Gy>0</Gy>", "<Gy>1e-13</Gy>", "--tolerance 1e-9 --floor 0").code, 1);
-    EXPECT_EQ(Compare("<Gy>0</Gy>", "<Gy>1e-13</Gy>").code, 1);
+    EXPECT_EQ(Compare("<Gx>0</Gx>", "<Gx>1e-13</Gx>", "--tolerance 1e-9").code, 0);
+    EXPECT_EQ(Compare("<Gx>0</Gx>", "<Gx>1e-13</Gx>", "--tolerance 1e-9 --floor 0").code, 1);
+    EXPECT_EQ(Compare("<Gx>0</Gx>", "<Gx>1e-13</Gx>").code, 1);
     EXPECT_EQ(Compare(Damping, other, "--tolerance -1").code, 2);
 }
 

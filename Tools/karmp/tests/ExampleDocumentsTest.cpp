@@ -1,0 +1,243 @@
+// Holds the documents of the examples to docs/conventions.md, as they are after loading.
+#include "KARMPDocuments.h"
+#include "KARMPEntities.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace karmp::tool {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr double LengthTolerance = 1e-11; // m: documents keep twelve decimals
+constexpr double AngleTolerance = 1e-11;  // of directions, which are numbers near 1
+
+std::vector<std::string> ExampleDocuments()
+{
+    std::vector<std::string> files;
+    for (const auto& entry : fs::directory_iterator(KARMP_EXAMPLE_DOCUMENTS))
+        files.push_back(entry.path().stem().string());
+    std::sort(files.begin(), files.end());
+    return files;
+}
+
+class ExampleDocument : public ::testing::TestWithParam<std::string>
+{
+protected:
+    void SetUp() override
+    {
+        const auto loaded = documents::LoadFile(KARMP_EXAMPLE_DOCUMENTS "/" + GetParam() + ".xml");
+        ASSERT_TRUE(loaded.diagnostics.items.empty());
+        ASSERT_TRUE(loaded.world);
+        m_world = loaded.world;
+    }
+
+    /// Calls with every entity of a family that is a T.
+    template <class Family, class T = Family, class Visit>
+    int ForEach(Visit visit) const
+    {
+        int count = 0;
+        for (int index = 0; index < m_world->Count<Family>(); ++index) {
+            QOBSharedHandle<Family> entity;
+            m_world->Get<Family>(index, entity);
+            if (const auto* object = dynamic_cast<const T*>(entity.operator->())) {
+                SCOPED_TRACE("entity " + std::to_string(index));
+                visit(*object);
+                ++count;
+            }
+        }
+        return count;
+    }
+
+    QOBSharedHandle<KARMPWorld> m_world;
+};
+
+void ExpectRotation(const KARMathVector& first, const KARMathVector& second,
+                    const KARMathVector& third)
+{
+    EXPECT_NEAR(first.Norm(), 1.0, AngleTolerance);
+    EXPECT_NEAR(second.Norm(), 1.0, AngleTolerance);
+    EXPECT_NEAR((first.Cross(second) - third).Norm(), 0.0, AngleTolerance);
+}
+
+/// Half of a joint: the body, and the axis system of the joint's constraint in the world.
+struct Side
+{
+    QOBSharedHandle<KARMPBody> body;
+    KARMathAxis axis;
+};
+
+Side SideOf(const KARMPConstraint& constraint, int index)
+{
+    Side side;
+    QOBSharedHandle<KARMPGeometry> geometry;
+    constraint.GetLinkedGeometry(index, geometry);
+    const auto* axisSystem = dynamic_cast<const KARMPAxisSystem*>(geometry.operator->());
+    if (axisSystem == nullptr || KARFailed(axisSystem->GetBody(side.body))) {
+        ADD_FAILURE() << "no axis system of a body at " << index;
+        return side;
+    }
+    KARMathTransformation position;
+    side.body->GetPosition(position);
+    axisSystem->GetAxisSystem(side.axis);
+    side.axis = position * side.axis;
+    return side;
+}
+
+/// How far the child's axis system stands from the parent's, but for the freedoms of the joint.
+void ExpectClosed(const KARMPJoint& joint, const KARMathAxis& parent, const KARMathAxis& child)
+{
+    const KARMathVector& along = parent.GetThirdDirection();
+    const KARMathVector gap = child.GetOrigin() - parent.GetOrigin();
+    const double turn = along.Cross(child.GetThirdDirection()).Norm();
+    if (dynamic_cast<const KARMPRevolute*>(&joint) != nullptr) {
+        EXPECT_NEAR(gap.Norm(), 0.0, LengthTolerance);
+        EXPECT_NEAR(turn, 0.0, AngleTolerance);
+        EXPECT_GT(along.Dot(child.GetThirdDirection()), 0.0);
+    } else if (dynamic_cast<const KARMPPrismatic*>(&joint) != nullptr) {
+        EXPECT_NEAR(gap.Cross(along).Norm(), 0.0, LengthTolerance);
+        EXPECT_NEAR(turn, 0.0, AngleTolerance);
+        EXPECT_NEAR(parent.GetFirstDirection().Dot(child.GetFirstDirection()), 1.0, AngleTolerance);
+    } else if (dynamic_cast<const KARMPUniversal*>(&joint) != nullptr) {
+        EXPECT_NEAR(gap.Norm(), 0.0, LengthTolerance);
+        EXPECT_NEAR(along.Dot(child.GetFirstDirection()), 0.0, AngleTolerance);
+    } else {
+        ASSERT_NE(dynamic_cast<const KARMPSpherical*>(&joint), nullptr);
+        EXPECT_NEAR(gap.Norm(), 0.0, LengthTolerance);
+    }
+}
+
+TEST_P(ExampleDocument, ClosesItsLoopsFromParentToChild)
+{
+    const int joints = ForEach<KARMPJoint>([](const KARMPJoint& joint) {
+        std::array<QOBSharedHandle<KARMPBody>, 2> bodies;
+        std::array<KARMPBodyOrientation::Enum, 2> orientations{};
+        ASSERT_EQ(joint.GetLinkedBodyCount(), 2);
+        joint.GetLinkedBody(0, bodies[0], orientations[0]);
+        joint.GetLinkedBody(1, bodies[1], orientations[1]);
+        EXPECT_EQ(orientations[0], KARMPBodyOrientation::Out);
+        EXPECT_EQ(orientations[1], KARMPBodyOrientation::In);
+        if (dynamic_cast<const KARMPCoupling*>(&joint) != nullptr)
+            return;
+        QOBSharedHandle<KARMPConstraint> constraint;
+        ASSERT_EQ(joint.GetConstraint(0, constraint), KARSuccess);
+        const Side parent = SideOf(*constraint, 0);
+        const Side child = SideOf(*constraint, 1);
+        EXPECT_EQ(parent.body, bodies[0]);
+        EXPECT_EQ(child.body, bodies[1]);
+        ExpectClosed(joint, parent.axis, child.axis);
+    });
+    EXPECT_GT(joints, 0);
+}
+
+/// What the variable of a joint with one freedom measures: an angle or a distance along the axis.
+double FreedomOf(const KARMPJoint& joint, const KARMathAxis& parent, const KARMathAxis& child)
+{
+    const KARMathVector& direction = child.GetFirstDirection();
+    if (dynamic_cast<const KARMPPrismatic*>(&joint) != nullptr)
+        return parent.GetThirdDirection().Dot(child.GetOrigin() - parent.GetOrigin());
+    return std::atan2(parent.GetSecondDirection().Dot(direction),
+                      parent.GetFirstDirection().Dot(direction));
+}
+
+TEST_P(ExampleDocument, KnowsItsVariablesAsTheBodiesStand)
+{
+    const int joints = ForEach<KARMPJoint>([](const KARMPJoint& joint) {
+        QOBSharedHandle<KARMPConstraint> constraint;
+        QOBSharedHandle<KARMPVariable> variable;
+        ASSERT_EQ(joint.GetConstraint(0, constraint), KARSuccess);
+        if (dynamic_cast<const KARMPCoupling*>(&joint) != nullptr ||
+            constraint->GetLinkedVariableCount() == 0)
+            return;
+        ASSERT_EQ(constraint->GetLinkedVariable(0, variable), KARSuccess);
+        double value = 0.0;
+        variable->GetValue(value);
+        EXPECT_NEAR(FreedomOf(joint, SideOf(*constraint, 0).axis, SideOf(*constraint, 1).axis),
+                    value, LengthTolerance);
+    });
+    EXPECT_GT(joints, 0);
+}
+
+TEST_P(ExampleDocument, TurnsBodiesAndAxisSystemsWithoutDistortion)
+{
+    ForEach<KARMPBody>([](const KARMPBody& body) {
+        KARMathTransformation position;
+        body.GetPosition(position);
+        const KARMath3x3Matrix& matrix = position.GetMatrix();
+        ExpectRotation(matrix.GetFirstColumn(), matrix.GetSecondColumn(), matrix.GetThirdColumn());
+    });
+    ForEach<KARMPGeometry, KARMPAxisSystem>([](const KARMPAxisSystem& axisSystem) {
+        KARMathAxis axis;
+        axisSystem.GetAxisSystem(axis);
+        ExpectRotation(axis.GetFirstDirection(), axis.GetSecondDirection(),
+                       axis.GetThirdDirection());
+    });
+}
+
+TEST_P(ExampleDocument, GivesEachMovingBodyAMassAndAnInertiaThatABodyCanHave)
+{
+    const int bodies = ForEach<KARMPBody>([](const KARMPBody& body) {
+        double mass = 0.0;
+        KARMath3x3Matrix inertia;
+        body.GetMass(mass);
+        body.GetInertiaMatrix(inertia);
+        if (body.IsFixed())
+            return;
+        EXPECT_GT(mass, 0.0);
+        EXPECT_EQ(inertia, inertia.Transpose());
+        const double x = inertia(0, 0);
+        const double y = inertia(1, 1);
+        const double z = inertia(2, 2);
+        const double rounding = 1e-12 * (x + y + z);
+        EXPECT_GT(std::min({x, y, z}), 0.0);
+        EXPECT_GT(inertia.Determinant(), 0.0);
+        EXPECT_GE(x + y - z, -rounding);
+        EXPECT_GE(y + z - x, -rounding);
+        EXPECT_GE(z + x - y, -rounding);
+    });
+    EXPECT_GT(bodies, 1);
+}
+
+TEST_P(ExampleDocument, SatisfiesItsEquations)
+{
+    ForEach<KARMPConstraint, KARMPLinearEquation>([](const KARMPLinearEquation& equation) {
+        double residual = 0.0;
+        equation.GetConstantTerm(residual);
+        for (int index = 0; index < equation.GetLinkedVariableCount(); ++index) {
+            QOBSharedHandle<KARMPVariable> variable;
+            double coefficient = 0.0;
+            double value = 0.0;
+            ASSERT_EQ(equation.GetLinearTerm(index, coefficient), KARSuccess);
+            ASSERT_EQ(equation.GetLinkedVariable(index, variable), KARSuccess);
+            variable->GetValue(value);
+            residual += coefficient * value;
+        }
+        EXPECT_NEAR(residual, 0.0, LengthTolerance);
+    });
+}
+
+TEST_P(ExampleDocument, IsUnderTheEarthsGravityOrNone)
+{
+    KARMathVector gravity;
+    m_world->GetGravity(gravity);
+    EXPECT_EQ(gravity.Norm(), GetParam() == "seven-body" ? 0.0 : 9.81);
+}
+
+INSTANTIATE_TEST_SUITE_P(Examples, ExampleDocument, ::testing::ValuesIn(ExampleDocuments()),
+                         [](const auto& example) {
+                             std::string name = example.param;
+                             std::replace(name.begin(), name.end(), '-', '_');
+                             return name;
+                         });
+
+} // namespace
+
+} // namespace karmp::tool
