@@ -24,6 +24,17 @@ std::uint32_t DocumentLinks::NumberOf(std::wstring_view name)
     return m_names.try_emplace(name, next).first->second;
 }
 
+std::vector<std::uint32_t> DocumentLinks::NumbersOf(std::wstring_view names)
+{
+    std::vector<std::uint32_t> numbers;
+    for (std::size_t begin = 0; begin < names.size();) {
+        const std::size_t end = std::min(names.find(L' ', begin), names.size());
+        numbers.push_back(NumberOf(names.substr(begin, end - begin)));
+        begin = end + 1;
+    }
+    return numbers;
+}
+
 std::vector<LinkSide> DocumentLinks::SidesOf(const SchemaItem& entityClass)
 {
     std::vector<LinkSide> sides;
@@ -31,7 +42,7 @@ std::vector<LinkSide> DocumentLinks::SidesOf(const SchemaItem& entityClass)
         const SchemaItem* const reference = ReferenceOf(element);
         if (reference != nullptr && !reference->otherSide.empty())
             sides.push_back({element.name, reference != &element, NumberOf(element.name),
-                             NumberOf(reference->otherSide)});
+                             NumbersOf(reference->otherSide)});
     }
     return sides;
 }
@@ -72,8 +83,11 @@ bool DocumentLinks::IsOneSided(std::optional<std::uint32_t> owner,
     });
     if (side == sides.end())
         return false;
-    return !owner || !std::binary_search(m_links.begin(), m_links.end(),
-                                         Link{target, *owner, side->otherName});
+    return !owner || std::none_of(side->otherNames.begin(), side->otherNames.end(),
+                                  [&](std::uint32_t otherName) {
+                                      return std::binary_search(m_links.begin(), m_links.end(),
+                                                                Link{target, *owner, otherName});
+                                  });
 }
 
 } // namespace karmp::documents

@@ -15,13 +15,13 @@
 namespace karmp::documents {
 
 /// One side of a link: the element that refers, which may be a list, and the numbers of the names
-/// of this item and of the target's that refers back.
+/// of this item and of the target's items, one of which refers back.
 struct LinkSide
 {
     std::wstring_view element;
     bool isList;
     std::uint32_t name;
-    std::uint32_t otherName;
+    std::vector<std::uint32_t> otherNames;
 };
 
 /// Collects the references of a document's entities and tells which of them lack their counterpart.
@@ -58,6 +58,7 @@ private:
     };
 
     std::uint32_t NumberOf(std::wstring_view name);
+    std::vector<std::uint32_t> NumbersOf(std::wstring_view names);
 
     std::vector<Link> m_links;
     std::unordered_map<std::wstring_view, std::uint32_t> m_names;

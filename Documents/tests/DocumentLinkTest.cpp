@@ -25,9 +25,8 @@ constexpr const char* Linked = R"(<?xml version="1.0" encoding="UTF-8"?>
 </KARMPDocument>
 )";
 
-std::string Without(const std::string& part)
+std::string Without(const std::string& part, std::string text = Linked)
 {
-    std::string text = Linked;
     const auto offset = text.find(part);
     EXPECT_NE(offset, std::string::npos) << part;
     return text.erase(offset, part.size());
@@ -101,6 +100,40 @@ TEST(DocumentLinks, OfAConstraintAreFoundForItsJointAndItsGeometry)
     EXPECT_EQ(CountOneSided(messages), 1U);
     EXPECT_EQ(messages.Find(Code::OneSidedLink)->path,
               "/KARMPDocument/World/Constraints/Concentricity/Geometries/Geometry/@id");
+}
+
+/// Two bodies and the bushing between them; a body's list meets one of two items of the bushing.
+constexpr const char* Connected = R"(<?xml version="1.0" encoding="UTF-8"?>
+<KARMPDocument version="R2018.1">
+ <World>
+  <Bodies>
+   <Body id="A" name="A"><Connectors><Connector id="K"/></Connectors></Body>
+   <Body id="B" name="B"><Connectors><Connector id="K"/></Connectors></Body>
+  </Bodies>
+  <Connectors><Bushing id="K" name="K"><FirstBody id="A"/><SecondBody id="B"/></Bushing></Connectors>
+ </World>
+</KARMPDocument>
+)";
+
+TEST(DocumentLinks, OfAConnectorAreThoseOfItsFirstAndItsSecondBody)
+{
+    EXPECT_EQ(CountOneSided(CheckText(Connected)), 0U);
+    const struct
+    {
+        const char* missing;
+        const char* foundAt;
+    } cases[] = {
+        {"<FirstBody id=\"A\"/>", "/KARMPDocument/World/Bodies/Body[1]/Connectors/Connector/@id"},
+        {"<SecondBody id=\"B\"/>", "/KARMPDocument/World/Bodies/Body[2]/Connectors/Connector/@id"},
+        {"<Connectors><Connector id=\"K\"/></Connectors>",
+         "/KARMPDocument/World/Connectors/Bushing/FirstBody/@id"},
+    };
+    for (const auto& item : cases) {
+        SCOPED_TRACE(item.missing);
+        const Diagnostics messages = CheckText(Without(item.missing, Connected));
+        ASSERT_EQ(CountOneSided(messages), 1U);
+        EXPECT_EQ(messages.Find(Code::OneSidedLink)->path, item.foundAt);
+    }
 }
 
 TEST(DocumentLinks, ToNoEntityAreReportedOnceAsThat)

@@ -84,9 +84,9 @@ struct karmp::ContentOf<KARMPBody>
             .OtherSide(L"Bodies"),
         References<&C::m_shapes, &C::LinkToShape>(L"Shapes", L"Shape", "The shapes that it has.")
             .OtherSide(L"Bodies"),
-        // A connector refers back by one of two items.
         References<&C::m_connectors, &C::LinkToConnector>(L"Connectors", L"Connector",
-                                                          "The connectors that act on it."),
+                                                          "The connectors that act on it.")
+            .OtherSide(L"FirstBody SecondBody"),
         Reference<&C::GetDisplacementSensor, &C::SetDisplacementSensor>(
             L"DisplacementSensor", "The sensor that measures how far it was moved.")
             .OtherSide(L"Body"),

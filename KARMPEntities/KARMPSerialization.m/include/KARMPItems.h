@@ -43,7 +43,7 @@ struct ItemInfo
     std::span<const std::wstring_view> words;
     /// The class that targets are derived from.
     std::string_view target;
-    /// The item of the target that refers back; empty for a link that one side knows.
+    /// As SchemaItem has it: the target's item that refers back, or those of which one does.
     std::wstring_view otherSide;
     /// The target dies with the entity.
     bool isOwned = false;

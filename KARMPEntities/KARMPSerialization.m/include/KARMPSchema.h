@@ -29,8 +29,8 @@ struct SchemaItem
     std::vector<std::wstring_view> words;
     /// The class that the target of a Reference is derived from.
     std::string_view target;
-    /// The item of the target that refers back, an element or the container of a list; empty for a
-    /// link that one side knows.
+    /// The item of the target that refers back, an element or the container of a list, or those of
+    /// which one does, separated by blanks; empty for a link that one side knows.
     std::wstring_view otherSide;
     /// One sentence on the meaning.
     std::string_view says;

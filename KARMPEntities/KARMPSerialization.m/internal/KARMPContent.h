@@ -102,7 +102,7 @@ struct ItemList
     {
         return With([](Item& item) { item.whenRead = &Holds<Condition>; });
     }
-    /// The item of the target that refers back.
+    /// The item of the target that refers back, or those of which one does, between blanks.
     constexpr ItemList OtherSide(std::wstring_view item) const
     {
         return With([item](Item& entry) { entry.otherSide = item; });

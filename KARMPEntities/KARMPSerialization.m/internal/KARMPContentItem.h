@@ -141,7 +141,7 @@ struct Item
     std::string_view fixedBecause;
     /// The class that targets are derived from.
     const QOBClassInfo& (*target)() = nullptr;
-    /// The item of the target that refers back.
+    /// The item of the target that refers back, or those of which one does, between blanks.
     std::wstring_view otherSide;
     /// Makes a record that is empty.
     std::shared_ptr<void> (*makeRecord)() = nullptr;
