@@ -1,11 +1,10 @@
 #pragma once
 
-#include "KARMPDocuments.h"
 #include "KARMPEntities.h"
 #include "MassProperties.h"
+#include "MechanismQueries.h"
 
 #include <cmath>
-#include <iostream>
 #include <string>
 
 /// An axis system along the axes of its body, whose third direction, that of a joint's motion, is
@@ -102,6 +101,19 @@ public:
         return Attach(point, body, name);
     }
 
+    /// An axis system or a point of the body that stands where it is told in the world.
+    QOBSharedHandle<KARMPAxisSystem> AddAxisSystemAt(const QOBSharedHandle<KARMPBody>& body,
+                                                     const std::wstring& name,
+                                                     const KARMathAxis& axis)
+    {
+        return AddAxisSystem(body, name, IntoBody(*body) * axis);
+    }
+    QOBSharedHandle<KARMPPoint> AddPointAt(const QOBSharedHandle<KARMPBody>& body,
+                                           const std::wstring& name, const KARMathPoint& position)
+    {
+        return AddPoint(body, name, IntoBody(*body) * position);
+    }
+
     /// A joint of two bodies that a constraint between a geometry of each realises; the body of the
     /// first is the parent.
     template <class Joint, class Constraint>
@@ -126,6 +138,17 @@ public:
         return joint;
     }
 
+    /// A joint whose frames both stand on an axis system in the world.
+    template <class Joint, class Constraint>
+    QOBSharedHandle<Joint> AddJointAt(const std::wstring& name,
+                                      const QOBSharedHandle<KARMPBody>& parent,
+                                      const QOBSharedHandle<KARMPBody>& child,
+                                      const KARMathAxis& axis)
+    {
+        return AddJoint<Joint, Constraint>(name, AddAxisSystemAt(parent, name, axis),
+                                           AddAxisSystemAt(child, name, axis));
+    }
+
     /// A variable of a constraint of a joint.
     QOBSharedHandle<KARMPVariable> AddVariable(const std::wstring& name,
                                                KARMPPhysicalQuantity::Enum quantity, double value,
@@ -142,7 +165,65 @@ public:
         return variable;
     }
 
+    QOBSharedHandle<KARMPConstant> AddConstant(const std::wstring& name,
+                                               KARMPPhysicalQuantity::Enum quantity, double number)
+    {
+        const auto constant = File<KARMPValue>(KARMPConstant::create(name), name);
+        constant->SetPhysicalQuantity(quantity);
+        constant->SetValue(number, {});
+        return constant;
+    }
+
+    /// A connector between a geometry of each of its bodies.
+    template <class Connector>
+    QOBSharedHandle<Connector> AddConnector(const std::wstring& name,
+                                            const QOBSharedHandle<KARMPGeometry>& first,
+                                            const QOBSharedHandle<KARMPGeometry>& second)
+    {
+        const auto connector = File<KARMPConnector>(Connector::create(name), name);
+        for (const auto& geometry : {first, second}) {
+            QOBSharedHandle<KARMPBody> body;
+            geometry->GetBody(body);
+            if (geometry == first)
+                connector->SetFirstBody(body);
+            else
+                connector->SetSecondBody(body);
+            body->LinkToConnector(connector);
+            connector->LinkToGeometry(geometry);
+        }
+        return connector;
+    }
+
+    /// A linear spring between two points: stiffness in N/m, rest length in m, damping in N s/m.
+    QOBSharedHandle<KARMPLinearSpring> AddSpring(const std::wstring& name,
+                                                 const QOBSharedHandle<KARMPPoint>& first,
+                                                 const QOBSharedHandle<KARMPPoint>& second,
+                                                 double stiffness, double restLength,
+                                                 double damping)
+    {
+        const auto spring = AddConnector<KARMPLinearSpring>(name, first, second);
+        using Quantity = KARMPPhysicalQuantity;
+        spring->SetStiffness(
+            AddConstant(name + L".stiffness", Quantity::LinearStiffness, stiffness));
+        spring->SetRestLength(AddConstant(name + L".rest length", Quantity::Length, restLength));
+        spring->SetDampingCoefficient(
+            AddConstant(name + L".damping", Quantity::LinearDamping, damping));
+        KARMathPoint attachment;
+        first->GetPoint(attachment);
+        spring->SetFirstAttachment(attachment);
+        second->GetPoint(attachment);
+        spring->SetSecondAttachment(attachment);
+        return spring;
+    }
+
 private:
+    static KARMathTransformation IntoBody(const KARMPBody& body)
+    {
+        KARMathTransformation inverse;
+        PositionOf(body).ComputeInverse(inverse);
+        return inverse;
+    }
+
     template <class T>
     QOBSharedHandle<T> Attach(const QOBSharedHandle<T>& geometry,
                               const QOBSharedHandle<KARMPBody>& body, const std::wstring& name)
@@ -157,31 +238,3 @@ private:
     QOBSharedHandle<KARMPWorld> m_world;
     QOBSharedHandle<KARMPBody> m_ground;
 };
-
-/// The position of a body.
-inline KARMathTransformation PositionOf(const KARMPBody& body)
-{
-    KARMathTransformation position;
-    body.GetPosition(position);
-    return position;
-}
-
-/// The entity of a family with that name; null when there is none.
-template <class Family>
-QOBSharedHandle<Family> FindByName(const KARMPWorld& world, const std::wstring& name)
-{
-    for (int index = 0; index < world.Count<Family>(); ++index) {
-        QOBSharedHandle<Family> entity;
-        if (world.Get<Family>(index, entity) == KARSuccess && entity->getEntityName() == name)
-            return entity;
-    }
-    return {};
-}
-
-/// Prints what a save or a load had to say; true when there was nothing.
-inline bool IsQuiet(const karmp::documents::Diagnostics& messages)
-{
-    for (const auto& message : messages.items)
-        std::cerr << karmp::documents::Format(message) << '\n';
-    return messages.items.empty();
-}

@@ -206,6 +206,24 @@ TEST_P(ExampleDocument, GivesEachMovingBodyAMassAndAnInertiaThatABodyCanHave)
     EXPECT_GT(bodies, 1);
 }
 
+TEST_P(ExampleDocument, LinksConnectorsToAGeometryOfEachBody)
+{
+    ForEach<KARMPConnector>([](const KARMPConnector& connector) {
+        std::array<QOBSharedHandle<KARMPBody>, 2> bodies;
+        ASSERT_EQ(connector.GetFirstBody(bodies[0]), KARSuccess);
+        ASSERT_EQ(connector.GetSecondBody(bodies[1]), KARSuccess);
+        ASSERT_EQ(connector.GetLinkedGeometryCount(), 2);
+        for (int index = 0; index < 2; ++index) {
+            QOBSharedHandle<KARMPGeometry> geometry;
+            QOBSharedHandle<KARMPBody> body;
+            connector.GetLinkedGeometry(index, geometry);
+            ASSERT_EQ(geometry->GetBody(body), KARSuccess);
+            EXPECT_EQ(body, bodies[static_cast<std::size_t>(index)]);
+        }
+        EXPECT_NE(bodies[0], bodies[1]);
+    });
+}
+
 TEST_P(ExampleDocument, SatisfiesItsEquations)
 {
     ForEach<KARMPConstraint, KARMPLinearEquation>([](const KARMPLinearEquation& equation) {
