@@ -165,6 +165,7 @@ public:
         return variable;
     }
 
+    /// A number of the mechanism, which any number of entities may share.
     QOBSharedHandle<KARMPConstant> AddConstant(const std::wstring& name,
                                                KARMPPhysicalQuantity::Enum quantity, double number)
     {

@@ -21,8 +21,8 @@ constexpr KARMathAxis LiftAxis(const KARMathPoint& origin)
     return {origin, {1.0, 0.0, 0.0}, {0.0, 0.0, 1.0}, {0.0, -1.0, 0.0}};
 }
 
-/// A motor on a variable, with a greatest force or torque. It makes its value from the number, to
-/// which the basic world has to be told, as to any entity.
+/// A motor on a variable, with a greatest force or torque. The motor makes a value of the number;
+/// the caller names it and adds it to the basic world, as any entity.
 QOBSharedHandle<KARMPMotor> AddMotor(MechanismBuilder& mechanism, const std::wstring& name,
                                      const QOBSharedHandle<KARMPVariable>& variable, double maximum)
 {
@@ -138,6 +138,7 @@ int main()
     std::cout << "After loading motor-drive.xml the turntable turns at " << velocity
               << " rad/s, the slide goes to " << reach << " m,\nand the arm stands at " << start
               << " rad at 0 s and at " << LiftAt(*loaded.world, 1.0) << " rad at 1 s\n";
-    return velocity == TurnVelocity && reach == Reach && std::abs(start - Elevation) < 1e-12 ? 0
-                                                                                             : 1;
+    const bool isSame =
+        velocity == TurnVelocity && reach == Reach && std::abs(start - Elevation) < 1e-12;
+    return isSame ? 0 : 1;
 }

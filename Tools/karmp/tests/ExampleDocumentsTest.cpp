@@ -224,6 +224,24 @@ TEST_P(ExampleDocument, LinksConnectorsToAGeometryOfEachBody)
     });
 }
 
+TEST_P(ExampleDocument, SetsMotorsOffWhereTheBodiesStand)
+{
+    ForEach<KARMPActuator, KARMPMotor>([](const KARMPMotor& motor) {
+        QOBSharedHandle<KARMPVariable> variable;
+        double value = 0.0;
+        double target = 0.0;
+        double maximum = 0.0;
+        ASSERT_EQ(motor.GetVariable(variable), KARSuccess);
+        EXPECT_EQ(motor.GetMaxForce(maximum), KARSuccess);
+        EXPECT_GT(maximum, 0.0);
+        variable->GetValue(value);
+        if (motor.HasConstantPosition()) {
+            EXPECT_EQ(motor.GetPosition(target), KARSuccess);
+            EXPECT_NEAR(target, value, LengthTolerance);
+        }
+    });
+}
+
 TEST_P(ExampleDocument, SatisfiesItsEquations)
 {
     ForEach<KARMPConstraint, KARMPLinearEquation>([](const KARMPLinearEquation& equation) {
