@@ -1,6 +1,6 @@
 // The seven-body mechanism: a published benchmark of multibody dynamics, planar, with one degree of
-// freedom. The program builds it with its published figures, saves it, loads it again, and tells
-// how well the loops close.
+// freedom, a spring and a constant torque that drives it. The program builds it with its published
+// figures, saves it, loads it again, and tells how well the loops close and how the spring pushes.
 //
 // Figures: Schiehlen, Multibody Systems Handbook, 1990; Hairer and Wanner, Solving Ordinary
 // Differential Equations II, section VII.7. Units: m, kg, s, N, rad.
@@ -25,6 +25,13 @@ struct PlanePoint
 constexpr PlanePoint O{0.0, 0.0};
 constexpr PlanePoint A{-0.06934, -0.00227};
 constexpr PlanePoint B{-0.03635, 0.03273};
+constexpr PlanePoint C{0.014, 0.072};
+constexpr PlanePoint D{0.02, -0.018}; // on K3
+
+constexpr double SpringStiffness = 4530.0; // between C and D
+constexpr double SpringLength = 0.07785;   // at rest
+constexpr double DriveTorque = 0.033;      // on K1, about O
+constexpr int RotationAboutZ = 5;          // index of a freedom
 
 constexpr double Beta = -0.0617138900142764496358948458001;
 constexpr double Theta = 0.0;
@@ -76,6 +83,18 @@ constexpr std::array Joints{JointData{L"O", L"GlobalBody", O, L"K1", {0.0, 0.0}}
                             JointData{L"G", L"K5", {0.04, 0.0}, L"K4", {0.0, 0.02}},
                             JointData{L"H", L"K7", {0.0, -0.04}, L"K6", {-0.02, 0.0}}};
 
+/// The constant torque on K1, and the angle that it drives.
+void AddDrive(MechanismBuilder& mechanism, const QOBSharedHandle<KARMPJoint>& joint)
+{
+    mechanism.AddVariable(L"Beta", KARMPPhysicalQuantity::Angle, Beta, joint);
+    const auto drive =
+        mechanism.File<KARMPActuator>(KARMPJointForceActuator::create(L"Drive"), L"Drive");
+    drive->SetJoint(joint);
+    drive->SetIndexDOF(RotationAboutZ);
+    drive->SetForce(
+        mechanism.AddConstant(L"Drive.torque", KARMPPhysicalQuantity::Torque, DriveTorque));
+}
+
 QOBSharedHandle<KARMPWorld> Build()
 {
     MechanismBuilder mechanism(L"Seven-body mechanism", {});
@@ -89,9 +108,6 @@ QOBSharedHandle<KARMPWorld> Build()
         const double inPlane = data.inertia / 2.0;
         SetMass(*body, {data.mass, data.center, Diagonal(inPlane, inPlane, data.inertia)});
     }
-    // The points that no joint takes: the springs of the mechanism are between D and C.
-    mechanism.AddPoint(FindByName<KARMPBody>(world, L"K3"), L"D", {0.02, -0.018, 0.0});
-    mechanism.AddPoint(mechanism.Ground(), L"C", {0.014, 0.072, 0.0});
 
     for (const JointData& data : Joints) {
         const auto first = FindByName<KARMPBody>(world, data.first);
@@ -100,11 +116,12 @@ QOBSharedHandle<KARMPWorld> Build()
         const auto joint = mechanism.AddJoint<KARMPRevolute, KARMPRevoluteConstraint>(
             L"Revolute." + name, mechanism.AddAxisSystem(first, name, AxisAlongZ(data.onFirst)),
             mechanism.AddAxisSystem(second, name, AxisAlongZ(data.onSecond)));
-        if (joint->getEntityName() == L"Revolute.O") {
-            mechanism.AddVariable(L"Drive", KARMPPhysicalQuantity::Angle, Beta, joint)
-                ->SetType(KARMPVariableType::Controlled);
-        }
+        if (joint->getEntityName() == L"Revolute.O")
+            AddDrive(mechanism, joint);
     }
+    const auto k3 = FindByName<KARMPBody>(world, L"K3");
+    mechanism.AddSpring(L"Spring", mechanism.AddPoint(mechanism.Ground(), L"C", C),
+                        mechanism.AddPoint(k3, L"D", D), SpringStiffness, SpringLength, 0.0);
     return mechanism.World();
 }
 
@@ -142,9 +159,12 @@ bool RoundTrip(const QOBSharedHandle<KARMPWorld>& world, const std::string& file
     if (!IsQuiet(loaded.diagnostics) || !loaded.world ||
         loaded.world->Count<KARMPJoint>() != static_cast<int>(Joints.size()))
         return false;
+    const QOBSharedHandle<KARMPLinearSpring> spring(
+        FindByName<KARMPConnector>(*loaded.world, L"Spring"));
     const double error = LoopError(*loaded.world);
     std::cout << (doubles == Doubles::Exact ? "exact numbers:   " : "default numbers: ")
-              << "loops close to " << error << " m after loading " << file << '\n';
+              << "loops close to " << error << " m and the spring pushes with " << PushOf(*spring)
+              << " N after loading " << file << '\n';
     return error <= tolerance;
 }
 
