@@ -18,21 +18,21 @@ const SchemaItem* ReferenceOf(const SchemaItem& element)
 
 } // namespace
 
+std::vector<std::wstring_view> OtherSides(std::wstring_view names)
+{
+    std::vector<std::wstring_view> sides;
+    for (std::size_t begin = 0; begin < names.size();) {
+        const std::size_t end = std::min(names.find(L' ', begin), names.size());
+        sides.push_back(names.substr(begin, end - begin));
+        begin = end + 1;
+    }
+    return sides;
+}
+
 std::uint32_t DocumentLinks::NumberOf(std::wstring_view name)
 {
     const auto next = static_cast<std::uint32_t>(m_names.size());
     return m_names.try_emplace(name, next).first->second;
-}
-
-std::vector<std::uint32_t> DocumentLinks::NumbersOf(std::wstring_view names)
-{
-    std::vector<std::uint32_t> numbers;
-    for (std::size_t begin = 0; begin < names.size();) {
-        const std::size_t end = std::min(names.find(L' ', begin), names.size());
-        numbers.push_back(NumberOf(names.substr(begin, end - begin)));
-        begin = end + 1;
-    }
-    return numbers;
 }
 
 std::vector<LinkSide> DocumentLinks::SidesOf(const SchemaItem& entityClass)
@@ -40,9 +40,11 @@ std::vector<LinkSide> DocumentLinks::SidesOf(const SchemaItem& entityClass)
     std::vector<LinkSide> sides;
     for (const SchemaItem& element : entityClass.elements) {
         const SchemaItem* const reference = ReferenceOf(element);
-        if (reference != nullptr && !reference->otherSide.empty())
-            sides.push_back({element.name, reference != &element, NumberOf(element.name),
-                             NumbersOf(reference->otherSide)});
+        if (reference == nullptr || reference->otherSide.empty())
+            continue;
+        sides.push_back({element.name, reference != &element, NumberOf(element.name), {}});
+        for (const std::wstring_view name : OtherSides(reference->otherSide))
+            sides.back().otherNames.push_back(NumberOf(name));
     }
     return sides;
 }

@@ -14,6 +14,9 @@
 
 namespace karmp::documents {
 
+/// The names of the items by which a link is returned, as SchemaItem::otherSide holds them.
+std::vector<std::wstring_view> OtherSides(std::wstring_view names);
+
 /// One side of a link: the element that refers, which may be a list, and the numbers of the names
 /// of this item and of the target's items, one of which refers back.
 struct LinkSide
@@ -58,7 +61,6 @@ private:
     };
 
     std::uint32_t NumberOf(std::wstring_view name);
-    std::vector<std::uint32_t> NumbersOf(std::wstring_view names);
 
     std::vector<Link> m_links;
     std::unordered_map<std::wstring_view, std::uint32_t> m_names;

@@ -1,5 +1,7 @@
 #include "KARMPLinkComparison.h"
 
+#include "KARMPDocumentLinks.h"
+
 #include <algorithm>
 #include <functional>
 #include <unordered_map>
@@ -169,22 +171,29 @@ std::uint64_t LinkComparison::KeyOf(std::size_t world, const KARMPEntity& entity
     return partner != NoEntity ? ofBefore | partner : ofAfter | number;
 }
 
-// Of two equal ends the smaller one tells of the link. What links an added or removed entity is
-// told by that one.
 bool LinkComparison::IsToldElsewhere(const NotedDifference& noted) const
 {
-    if (!noted.link || noted.otherSide.empty())
+    if (!noted.link)
         return false;
+    const auto sides = OtherSides(noted.otherSide);
+    return std::any_of(sides.begin(), sides.end(),
+                       [&](std::wstring_view side) { return IsToldBy(side, noted); });
+}
+
+// Of two equal ends the smaller one tells of the link. What links an added or removed entity is
+// told by that one.
+bool LinkComparison::IsToldBy(std::wstring_view otherSide, const NotedDifference& noted) const
+{
     const LinkEnd& link = *noted.link;
-    const LinkEnd other{link.isGained, link.target, noted.otherSide, link.holder};
+    const LinkEnd other{link.isGained, link.target, otherSide, link.holder};
     if (m_relinked.count(other) != 0 || (!noted.isPreferred && m_preferred.count(other) != 0))
         return true;
     const std::set<LinkEnd>& equals = noted.isPreferred ? m_preferred : m_ends;
-    return (other < link && equals.count(other) != 0) || HoldsLink(noted);
+    return (other < link && equals.count(other) != 0) || HoldsLink(otherSide, noted);
 }
 
 /// True when the target stands in one world alone and holds the link, too.
-bool LinkComparison::HoldsLink(const NotedDifference& noted) const
+bool LinkComparison::HoldsLink(std::wstring_view otherSide, const NotedDifference& noted) const
 {
     if (noted.target == NoEntity)
         return false;
@@ -193,9 +202,10 @@ bool LinkComparison::HoldsLink(const NotedDifference& noted) const
         return false;
     const WorldGraph::Entity& target = m_graphs[noted.world].At(noted.target);
     const auto& links = target.items->Links();
-    const auto item = std::find_if(links.begin(), links.end(), [&noted](const ItemInfo* candidate) {
-        return candidate->name == noted.otherSide;
-    });
+    const auto item =
+        std::find_if(links.begin(), links.end(), [otherSide](const ItemInfo* candidate) {
+            return candidate->name == otherSide;
+        });
     if (item == links.end())
         return false;
     const LinkedEntities back = TargetsOf(target, **item, noted.world);

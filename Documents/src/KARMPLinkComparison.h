@@ -77,7 +77,8 @@ private:
     void Note(Difference difference) { m_noted->push_back({std::move(difference), {}, {}}); }
     LinkedEntities TargetsOf(const WorldGraph::Entity& entity, const ItemInfo& item,
                              std::size_t world) const;
-    bool HoldsLink(const NotedDifference& noted) const;
+    bool IsToldBy(std::wstring_view otherSide, const NotedDifference& noted) const;
+    bool HoldsLink(std::wstring_view otherSide, const NotedDifference& noted) const;
 
     const std::array<WorldGraph, 2>& m_graphs;
     const EntityMatching& m_matching;

@@ -2,6 +2,7 @@
 
 #include "KARMPAxisSystem.h"
 #include "KARMPClassItems.h"
+#include "KARMPDocumentLinks.h"
 #include "KARMPDocumentReader.h"
 #include "KARMPDocumentWriter.h"
 #include "KARMPEntityTable.h"
@@ -300,9 +301,11 @@ void Extractor::TellCutLinks(const Entity& holder)
 bool Extractor::IsToldByTarget(const ItemInfo& item, const Entity& holder,
                                const Entity& target) const
 {
+    const auto sides = OtherSides(item.otherSide);
     bool refersBack = false;
     ForEachTarget(*target, [&](const ItemInfo& other, const Entity& entity) {
-        refersBack = refersBack || (entity == holder && other.path == item.otherSide);
+        refersBack = refersBack || (entity == holder && std::find(sides.begin(), sides.end(),
+                                                                  other.path) != sides.end());
     });
     return refersBack;
 }

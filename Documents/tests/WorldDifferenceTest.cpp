@@ -1,5 +1,6 @@
 // What differs between two worlds.
 #include "KARMPBody.h"
+#include "KARMPBushing.h"
 #include "KARMPDisplacementSensor.h"
 #include "KARMPJointKinds.h"
 #include "KARMPLinearEquation.h"
@@ -266,6 +267,30 @@ TEST_F(WorldDifference, TellsTheLinksOfAnAddedEntityByItAlone)
     otherRod->LinkToJoint(lone);
     EXPECT_EQ(CompareKinds(),
               (Kinds{DifferenceKind::LinkGained, DifferenceKind::Added, DifferenceKind::Added}));
+}
+
+/// Links both bodies to a connector, and the connector to them.
+void Connect(const QOBSharedHandle<KARMPConnector>& connector,
+             const QOBSharedHandle<KARMPBody>& from, const QOBSharedHandle<KARMPBody>& to)
+{
+    connector->SetFirstBody(from);
+    connector->SetSecondBody(to);
+    from->LinkToConnector(connector);
+    to->LinkToConnector(connector);
+}
+
+TEST_F(WorldDifference, TellsTheBodiesOfAConnectorByItAlone)
+{
+    const auto [rod, otherRod] = AddBoth<KARMPBody>(L"Rod");
+    const auto [crank, otherCrank] = AddBoth<KARMPBody>(L"Crank");
+    const auto [bushing, otherBushing] = AddBoth<KARMPBushing>(L"Bushing");
+    Connect(bushing, first.Ground(), rod);
+    Connect(otherBushing, second.Ground(), otherCrank);
+    const auto differences = Compare();
+    ASSERT_EQ(KindsOf(differences), Kinds{DifferenceKind::Changed});
+    EXPECT_EQ(differences[0].item, L"SecondBody");
+    Connect(second.Add<KARMPBushing>(L"Added"), otherRod, otherCrank);
+    EXPECT_EQ(CompareKinds(), (Kinds{DifferenceKind::Changed, DifferenceKind::Added}));
 }
 
 TEST_F(WorldDifference, TellsTheOrderAndTheWordsOfAJointsBodies)
