@@ -17,10 +17,10 @@ class KARWBFactory;
 /// value. Numbers are in the unit of the value's physical quantity.
 ///
 /// A setter returns 0 when the value is stored and the loader, if there is one, took it. It
-/// combines the target type with that of its quantity by a bitwise OR, whether it succeeds or not;
+/// combines the target type with that of its quantity by a bitwise OR, also when it fails later;
 /// the setter of the maximum force leaves the target type. What a failing loader refused stays
-/// stored. A null handle, a null factory, a loader that cannot be fetched and one that fails are
-/// each a failed check and a failure.
+/// stored. A null handle and a null factory, which change nothing, a loader that cannot be fetched
+/// and one that fails are each a failed check and a failure.
 class KARMP_API KARMPMotor : public KARMPActuator
 {
     KARMP_ENTITY(KARMPMotor, KARMPActuator)
