@@ -290,6 +290,8 @@ const std::set<std::pair<std::string, std::wstring>> NotSet{
     {"KARMPRack", L"Equation"},
     // The constraints of these tests' screw are no equations.
     {"KARMPScrew", L"Equation"},
+    // The values of both filled motors combine their target types to the same one.
+    {"KARMPMotor", L"TargetType"},
 };
 
 bool IsSettable(const ItemInfo& item)
