@@ -193,12 +193,15 @@ protected:
         impacted->AddImpactedChildBody(body);
         body->AddBody(child);
     }
-    bool OthersKnowBody() const
+    bool OthersKnowBody()
     {
         Body found;
-        return !KARFailed(point->GetBody(found)) || joint->GetLinkedBodyCount() != 0 ||
-               shape->GetLinkedBodyCount() != 0 || !KARFailed(connector->GetSecondBody(found)) ||
-               !KARFailed(sensor->GetBody(found)) || impacted->GetImpactedChildBodyCount() != 0;
+        const bool sensorKnows = !KARFailed(sensor->GetBody(found));
+        ExpectReports(sensorKnows ? 0 : 1);
+        return sensorKnows || !KARFailed(point->GetBody(found)) ||
+               joint->GetLinkedBodyCount() != 0 || shape->GetLinkedBodyCount() != 0 ||
+               !KARFailed(connector->GetSecondBody(found)) ||
+               impacted->GetImpactedChildBodyCount() != 0;
     }
 
     QOBSharedHandle<OpenBody> body = New<KARMPBody>(L"body");

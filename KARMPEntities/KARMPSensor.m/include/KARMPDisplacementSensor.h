@@ -23,8 +23,8 @@ public:
     /// Stores the body that is measured; KARMPBody::SetDisplacementSensor makes the other side of
     /// the link. A null handle is a failed check and a failure, and the former body stays.
     KARStatus SetBody(const QOBSharedHandle<KARMPBody>& body) { return m_body.Set(body); }
-    /// Gives the body; a null handle and a failure without one.
-    KARStatus GetBody(QOBSharedHandle<KARMPBody>& body) const { return m_body.Get(body); }
+    /// Gives the body; without one a null handle, a failed check and a failure.
+    KARStatus GetBody(QOBSharedHandle<KARMPBody>& body) const { return m_body.Require(body); }
     /// Lets the body go. A null handle is a failed check and a failure; another body gives 1.
     KARStatus RemoveBody(const QOBSharedHandle<KARMPBody>& body) { return m_body.Remove(body); }
     /// The transformation of the world by which the body was moved.

@@ -16,8 +16,7 @@ struct karmp::ContentOf<KARMPDisplacementSensor>
                 Reference<&C::m_body, &C::SetBody>(L"Body", "The body that is measured.")
                     .OtherSide(L"DisplacementSensor"),
                 Transformation<&C::m_displacement>(
-                    L"Displacement", "The transformation of the world by which it was moved.")
-                    .Required());
+                    L"Displacement", "The transformation of the world by which it was moved."));
 };
 KARMP_DEFINE_CONTENT(KARMPDisplacementSensor);
 
@@ -45,5 +44,5 @@ KARStatus KARMPDisplacementSensor::Reset()
 
 KARStatus KARMPDisplacementSensor::Update()
 {
-    return karmp::UpdateByLoader<KARIMPEntityLoader>(*this, KARSuccess);
+    return karmp::UpdateIfActive<KARIMPSensorLoader>(*this, KARSuccess);
 }

@@ -6,7 +6,7 @@
 #include "KARMPPoint.h"
 #include "KARMPTestFixture.h"
 #include "QOBException.h"
-#include "RecordingEntityLoader.h"
+#include "RecordingSensorLoader.h"
 #include "TestDeserializer.h"
 #include "TestSerializer.h"
 
@@ -80,25 +80,18 @@ protected:
 
     const KARMathTransformation Displacement{{{0.5, 1.0, 1.5}, {2.0, 2.5, 3.0}, {3.5, 4.0, 4.5}},
                                              {5.0, 5.5, 6.0}};
-    LoaderRecord record;
+    SensorLoaderRecord record;
     QOBSharedHandle<ConcreteEntity<KARMPDisplacementSensor>> sensor =
         ConcreteEntity<KARMPDisplacementSensor>::create(L"s");
     Body body = KARMPBody::create(L"body");
     KARMPEntityTable entities;
 };
 
-/// A loader whose update is recorded.
-class UpdatedLoader : public RecordingEntityLoader
-{
-public:
-    using RecordingEntityLoader::RecordingEntityLoader;
-    KARStatus Update() override { return m_record.Note("Update"); }
-};
-
 TEST_F(DisplacementSensor, HasOneBody)
 {
     Body found = body;
     EXPECT_EQ(sensor->GetBody(found), KARFailure);
+    ExpectReports(1);
     EXPECT_FALSE(found);
     EXPECT_EQ(sensor->SetBody(body), KARSuccess);
     EXPECT_EQ(sensor->SetBody({}), KARFailure);
@@ -116,7 +109,7 @@ TEST_F(DisplacementSensor, HasOneBody)
 TEST_F(DisplacementSensor, ForgetsItsDisplacementWhenReset)
 {
     sensor->SetBody(body);
-    sensor->SetLoader(new UpdatedLoader(record));
+    sensor->SetLoader(new RecordingSensorLoader(record));
     EXPECT_EQ(sensor->Reset(), KARSuccess);
     EXPECT_EQ(DisplacementOf(*sensor), KARMathTransformation());
     EXPECT_TRUE(record.calls.empty());
@@ -126,7 +119,7 @@ TEST_F(DisplacementSensor, ForgetsItsDisplacementWhenReset)
 
 TEST_F(DisplacementSensor, HasItsLoaderUpdate)
 {
-    sensor->SetLoader(new UpdatedLoader(record));
+    sensor->SetLoader(new RecordingSensorLoader(record));
     EXPECT_EQ(sensor->Update(), KARSuccess);
     EXPECT_EQ(record.calls, std::vector<std::string>{"Update"});
     record.answer = KARUnchanged;
@@ -147,6 +140,23 @@ TEST_F(DisplacementSensor, FailsToUpdateWithoutALoaderUnlessInactive)
     EXPECT_EQ(sensor->Update(), KARSuccess);
 }
 
+TEST_F(DisplacementSensor, TakesALoaderOfAnotherKindForNone)
+{
+    sensor->SetLoader(new RecordingEntityLoader(record));
+    EXPECT_EQ(sensor->Update(), KARFailure);
+    ExpectReports(1);
+    EXPECT_TRUE(record.calls.empty());
+}
+
+TEST_F(DisplacementSensor, IsFilledByItsLoader)
+{
+    sensor->SetDisplacement({});
+    record.measure = [this] { sensor->SetDisplacement(Displacement); };
+    sensor->SetLoader(new RecordingSensorLoader(record));
+    EXPECT_EQ(sensor->Update(), KARSuccess);
+    EXPECT_EQ(DisplacementOf(*sensor), Displacement);
+}
+
 TEST_F(DisplacementSensor, IsLetGoByItsBodyWhenOrphaned)
 {
     sensor->SetBody(body);
@@ -156,6 +166,19 @@ TEST_F(DisplacementSensor, IsLetGoByItsBodyWhenOrphaned)
     EXPECT_EQ(body->GetDisplacementSensor(found), KARFailure);
     Body none;
     EXPECT_EQ(sensor->GetBody(none), KARFailure);
+    ExpectReports(1);
+}
+
+TEST_F(DisplacementSensor, LosesABodyThatIsDestroyed)
+{
+    sensor->SetBody(body);
+    body->SetDisplacementSensor(Sensor(sensor));
+    KARMPBody::destroy(body);
+    EXPECT_FALSE(body);
+    Body none;
+    EXPECT_EQ(sensor->GetBody(none), KARFailure);
+    ExpectReports(1);
+    body = KARMPBody::create(L"another");
 }
 
 TEST_F(DisplacementSensor, LeavesABodyAloneThatHasAnotherSensor)
@@ -177,6 +200,7 @@ TEST_F(DisplacementSensor, CopiesItsDisplacementAlone)
     EXPECT_EQ(DisplacementOf(*copy), Displacement);
     Body found;
     EXPECT_EQ(copy->GetBody(found), KARFailure);
+    ExpectReports(1);
 }
 
 TEST_F(DisplacementSensor, WritesBodyAndDisplacement)
@@ -228,7 +252,7 @@ TEST_F(DisplacementSensor, KeepsItsDisplacementWhereItIsMissing)
     Plain(root);
     const Sensor read = KARMPDisplacementSensor::create(L"");
     read->SetDisplacement(Displacement);
-    EXPECT_EQ(read->Deserialize(&root, entities), KARFailure);
+    EXPECT_EQ(read->Deserialize(&root, entities), KARSuccess);
     ExpectReports(1);
     EXPECT_EQ(DisplacementOf(*read), Displacement);
     TestDeserializer other;
@@ -252,6 +276,7 @@ TEST_F(DisplacementSensor, SkipsABodyThatIsUnknownAndRefusesAnotherClass)
     ExpectReports(2); // neither translation nor rotation
     Body found;
     EXPECT_EQ(read->GetBody(found), KARFailure);
+    ExpectReports(1);
     entities.Set(L"unknown", KARMPPoint::create(L"p"));
     EXPECT_THROW(read->Deserialize(&root, entities), QOBEInvalidCast);
     TakeReports();

@@ -199,6 +199,7 @@ TEST_F(FilteredClone, LeavesSensorsWithoutLinksOfTheirOwn)
         QOBSharedHandle<KARMPDisplacementSensor>(Named<KARMPSensor>(*clone, L"sensor"));
     QOBSharedHandle<KARMPBody> body;
     EXPECT_EQ(duplicate->GetBody(body), KARFailure);
+    ExpectReports(1); // it says that there is none
 }
 
 TEST_F(FilteredClone, DropsTheLinksThatLeadOutOfTheList)
