@@ -119,8 +119,10 @@ private:
         using Type = KARMPSerializationVariable::Type;
         if (item.type == Type::Double)
             item.value.doubleValue = Number();
-        // The index of a term decides nothing, and an old quantity is a code within its table.
-        else if (item.type == Type::Int && item.name != L"LinearTermIndex")
+        // The index of a term decides nothing, numbers of freedoms repeat what their lists say, and
+        // an old quantity is a code within its table.
+        else if (item.type == Type::Int && item.name != L"LinearTermIndex" &&
+                 item.name != L"numberOfDof" && item.name != L"number")
             item.value.intValue = 1 + Integer() % 2;
         // A flag that says that a value follows must stay as it is.
         else if (item.type == Type::Bool && item.name == L"OutOfWorld")
@@ -225,16 +227,8 @@ const std::set<std::string_view> NotMade{
     "KARMPCollisionInterLayer",
     "KARMPCollisionLayer",
     "KARMPCollisionRule",
-    // Sensors, except the one of displacements.
+    // Sensors.
     "KARMPCollisionSensor",
-    "KARMPConnectorSpatialForceSensor",
-    "KARMPConstraintSensor",
-    "KARMPDisplacementSensor2D",
-    "KARMPDofSensor",
-    "KARMPDofSensor2D",
-    "KARMPJointDOFSensor",
-    "KARMPJointSpatialForceSensor",
-    "KARMPMotorForceSensor",
     "KARMPProximitySensor",
     // Shapes.
     "KARMP3DRep",

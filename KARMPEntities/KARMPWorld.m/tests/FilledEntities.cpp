@@ -13,25 +13,32 @@
 #include "KARMPCoaxiality.h"
 #include "KARMPCoincidence.h"
 #include "KARMPCone.h"
+#include "KARMPConnectorSpatialForceSensor.h"
 #include "KARMPConstant.h"
+#include "KARMPConstraintSensor.h"
 #include "KARMPCoupling.h"
 #include "KARMPCylicone.h"
 #include "KARMPCylinder.h"
 #include "KARMPCylindricalConstraint.h"
 #include "KARMPDisplacementActuator.h"
 #include "KARMPDisplacementActuator2D.h"
+#include "KARMPDisplacementSensor2D.h"
 #include "KARMPDistance.h"
+#include "KARMPDofSensor2D.h"
 #include "KARMPDriver.h"
 #include "KARMPEllipse.h"
 #include "KARMPExpression.h"
 #include "KARMPForceElement.h"
 #include "KARMPGlobalDisplacementActuator.h"
 #include "KARMPHyperbola.h"
+#include "KARMPJointDOFSensor.h"
 #include "KARMPJointForceActuator.h"
 #include "KARMPJointKinds.h"
+#include "KARMPJointSpatialForceSensor.h"
 #include "KARMPLine.h"
 #include "KARMPLinearEquation.h"
 #include "KARMPLinearSpring.h"
+#include "KARMPMotorForceSensor.h"
 #include "KARMPNormal.h"
 #include "KARMPParabola.h"
 #include "KARMPParallelism.h"
@@ -411,7 +418,10 @@ void FilledEntities::FillOwnContent(KARMPEntity& entity)
         KARMPTangency, KARMPLinearEquation, KARMPCylindricalConstraint, KARMPPrismaticConstraint,
         KARMPRevoluteConstraint, KARMPScrewConstraint, KARMPSphericalConstraint, KARMPBoolean,
         KARMPConstant, KARMPExpression, KARMPSketchFunction, KARMPString, KARMPAxialSpring,
-        KARMPBushing, KARMPForceElement, KARMPLinearSpring, KARMPTorsionSpring>;
+        KARMPBushing, KARMPForceElement, KARMPLinearSpring, KARMPTorsionSpring,
+        KARMPConnectorSpatialForceSensor, KARMPConstraintSensor, KARMPDisplacementSensor2D,
+        KARMPDofSensor, KARMPDofSensor2D, KARMPJointDOFSensor, KARMPJointSpatialForceSensor,
+        KARMPMotorForceSensor>;
     Classes::AnyOf([&](auto family) {
         using T = typename decltype(family)::Type;
         if (entity.getClassName() != T::ClassName())
@@ -423,6 +433,8 @@ void FilledEntities::FillOwnContent(KARMPEntity& entity)
             FillValueOf(own);
         } else if constexpr (std::is_base_of_v<KARMPConnector, T>) {
             FillForceOf(own);
+        } else if constexpr (std::is_base_of_v<KARMPSensor, T>) {
+            FillMeasurementOf(own);
         } else {
             FillOptions(own);
             FillFriction(own);
@@ -593,4 +605,64 @@ void FilledEntities::FillForceOf(T& connector)
     }
     if constexpr (std::is_same_v<T, KARMPForceElement>)
         connector.SetJoint(m_joints[Choose(0U, 1U)]);
+}
+
+template <class T>
+void FilledEntities::FillMeasurementOf(T& sensor)
+{
+    if constexpr (requires { sensor.SetJoint(m_joints[0]); })
+        if (HasLinks())
+            sensor.SetJoint(m_joints[0]);
+    if constexpr (requires { sensor.SetConnector(m_connectors[0]); })
+        if (HasLinks())
+            sensor.SetConnector(m_connectors[0]);
+    if constexpr (requires { sensor.SetMotor(m_motors[0]); }) {
+        if (HasLinks())
+            sensor.SetMotor(m_motors[0]);
+        sensor.SetForce(Number(12.5), nullptr, nullptr);
+    }
+    if constexpr (requires { sensor.SetConstraint(m_constraints[0]); })
+        if (HasLinks())
+            sensor.SetConstraint(m_constraints[0]);
+    if constexpr (requires { sensor.SetIndexBody(0); })
+        sensor.SetIndexBody(Choose(1, 2));
+    if constexpr (requires { sensor.SetSpatialForce(First(), Second()); })
+        sensor.SetSpatialForce({Number(1.5), Number(-2.5), Number(3.5)},
+                               {Number(4.5), Number(-5.5), Number(6.5)});
+    if constexpr (requires { sensor.SetIndexDOF(0); }) {
+        sensor.SetIndexDOF(Choose(4, 5));
+        sensor.SetPosition(Number(0.25));
+        sensor.SetVelocity(Number(1.75));
+        sensor.SetAcceleration(Number(-9.5));
+    }
+    if constexpr (std::is_same_v<T, KARMPDisplacementSensor2D>)
+        sensor.SetDisplacement({{{Number(0.6), Number(0.8)}, {Number(-0.8), Number(0.6)}},
+                                {Number(1.25), Number(-2.5)}});
+    if constexpr (std::is_same_v<T, KARMPDofSensor>)
+        FillFreedoms(sensor);
+    if constexpr (std::is_same_v<T, KARMPDofSensor2D>)
+        if (HasLinks()) {
+            sensor.AddTranslation({Number(0.6), Number(0.8)});
+            sensor.AddRotation({Number(1.5), Number(-2.5)});
+            if (m_filling == Filling::Full)
+                sensor.AddTranslation({-0.8, 0.6});
+        }
+}
+
+// The slots are few: other freedoms are other numbers of them.
+void FilledEntities::FillFreedoms(KARMPDofSensor& sensor)
+{
+    if (!HasLinks())
+        return;
+    sensor.SetConstrainedBody(m_bodies[0]);
+    sensor.SetReferenceBody(m_bodies[1]);
+    sensor.AddTranslation(First());
+    sensor.AddRotation(Point(), Second());
+    sensor.AddScrew(Point(), Third(), Number(0.75));
+    if (m_filling == Filling::Full) {
+        sensor.AddTranslation(Second());
+        sensor.AddScrew(Point(), First(), Number(1.75));
+    } else {
+        sensor.AddRotation(Point(), First());
+    }
 }

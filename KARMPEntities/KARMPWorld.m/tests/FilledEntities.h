@@ -7,6 +7,7 @@
 #include "KARMPConnector.h"
 #include "KARMPConstant.h"
 #include "KARMPDisplacementSensor.h"
+#include "KARMPDofSensor.h"
 #include "KARMPEntityTable.h"
 #include "KARMPEquation.h"
 #include "KARMPJoint.h"
@@ -95,6 +96,9 @@ private:
     void FillValueOf(T& value);
     template <class T>
     void FillForceOf(T& connector);
+    template <class T>
+    void FillMeasurementOf(T& sensor);
+    void FillFreedoms(KARMPDofSensor& sensor);
 
     /// The first of two values, or the second one where others are asked for.
     template <class T>
