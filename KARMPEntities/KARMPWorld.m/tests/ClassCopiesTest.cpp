@@ -9,7 +9,6 @@
 #include "TestSerializer.h"
 
 #include <algorithm>
-#include <array>
 #include <span>
 
 using karmp::ItemData;
@@ -20,6 +19,7 @@ namespace {
 
 constexpr const char* AsNew = "a copied constraint is as new, but for its class's own fields";
 constexpr const char* ScalarsOnly = "of a geometry with several fields a copy takes the scalars";
+constexpr const char* InSlots = "the freedoms are values of the sensor, in slots of its own";
 
 /// An item of a class, and of those derived from it, whose copy is not as the general rule says.
 struct Exception
@@ -34,8 +34,12 @@ constexpr Exception Changed[] = {
     {"KARMPLinearEquation", "ConstantTerm", "a copy knows that there is one, not its value"},
 };
 
-// Links and lists that a copy shares with its source.
-constexpr std::array<Exception, 0> Shared{};
+// Links and lists that a copy has like its source.
+constexpr Exception Shared[] = {
+    {"KARMPDofSensor", "Translations", InSlots},  {"KARMPDofSensor", "Rotations", InSlots},
+    {"KARMPDofSensor", "Screws", InSlots},        {"KARMPDofSensor2D", "Translations2D", InSlots},
+    {"KARMPDofSensor2D", "Rotations2D", InSlots},
+};
 
 // Lost otherwise are the identifier, of which a copy makes its own, and all links and lists.
 constexpr Exception Lost[] = {
