@@ -31,6 +31,8 @@ public:
     std::size_t Count() const noexcept { return m_block != nullptr ? m_block->count : 0; }
     /// True when an entry refers to the object.
     bool Contains(const QOBSharedObject* object) const;
+    /// The position of the first entry that refers to the object; Count() when none does.
+    std::size_t Find(const QOBSharedObject* object) const;
     /// The entry at a position below Count().
     const QOBSharedBase& At(std::size_t position) const;
     /// Adds an entry behind the others; a null handle is not added.
@@ -42,6 +44,8 @@ public:
     void Reserve(std::size_t count);
     /// Adds an entry before a position, or behind the others when there are not so many.
     void Insert(std::size_t position, const QOBSharedBase& handle);
+    /// Replaces the entry at a position below Count(); a null handle replaces nothing.
+    void Replace(std::size_t position, const QOBSharedBase& handle);
     /// Takes out the first entry that refers to the object and keeps the order of the others.
     /// Returns its former position when a caller wants it; false when there is no such entry.
     bool Remove(const QOBSharedObject* object, std::size_t* position = nullptr);

@@ -49,6 +49,17 @@ public:
             return KARFailure;
         return m_handles.Remove(handle._getReferent(), position) ? KARSuccess : KARUnchanged;
     }
+    /// Replaces the link at an index within the list by one that is known not to be null, without a
+    /// test for duplicates.
+    void Replace(int index, const QOBSharedHandle<T>& handle)
+    {
+        m_handles.Replace(static_cast<std::size_t>(index), handle);
+    }
+    /// The index of the first link to the referent; Count() when it is not linked.
+    int Find(const QOBSharedHandle<T>& handle) const
+    {
+        return static_cast<int>(m_handles.Find(handle._getReferent()));
+    }
     /// Gives the link at an index. An index outside the list gives a null handle and a failure,
     /// without a report.
     KARStatus Get(int index, QOBSharedHandle<T>& handle) const

@@ -19,6 +19,7 @@ namespace karmp {
 ///     operation              short sequence, scanned   long sequence, with this index
 ///     test for an entry      n                         1
 ///     append                 1                         1, log n once there is a tree
+///     replace                1                         1
 ///     remove                 n                         1, log n once there is a tree
 ///     access by position     1                         1, log n while there are holes
 ///     first position asked   -                         n, once after holes appeared
@@ -62,6 +63,9 @@ public:
     /// Enters the slot behind all others, whose handle is written afterwards. `count` is the number
     /// of entries so far.
     void Append(const QOBSharedBase* handles, std::size_t count, const QOBSharedObject* object);
+    /// Enters another referent for a slot whose handle is replaced afterwards. Replacing by one of
+    /// k entries with the same referent costs k more.
+    void Replace(const QOBSharedBase* handles, std::size_t slot, const QOBSharedObject* object);
     /// Takes out a slot whose handle is still there and becomes a hole afterwards.
     void Remove(const QOBSharedBase* handles, std::size_t slot) noexcept;
     /// Forgets the last slot, which is a hole.
@@ -89,6 +93,8 @@ private:
         return bucket;
     }
     void Free(const QOBSharedBase* handles, std::size_t bucket) noexcept;
+    void MakeRings();
+    void Unlink(const QOBSharedBase* handles, std::size_t slot) noexcept;
     void MakeCounts(const QOBSharedBase* handles);
     void PushCount();
     void LowerCount(std::size_t slot) noexcept;

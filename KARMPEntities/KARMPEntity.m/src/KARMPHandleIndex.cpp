@@ -36,11 +36,8 @@ void HandleIndex::Append(const QOBSharedBase* handles, std::size_t count,
         ReserveOne(m_counts);
     Reserve(handles, count + 1);
     std::uint32_t& bucket = m_buckets[BucketOf(handles, object)];
-    if (bucket != 0 && m_following.empty()) {
-        m_following.reserve(m_slots + 1);
-        for (std::uint32_t slot = 0; slot < m_slots; ++slot)
-            m_following.push_back(slot);
-    }
+    if (bucket != 0 && m_following.empty())
+        MakeRings();
     if (!m_following.empty()) {
         ReserveOne(m_following);
         m_following.push_back(bucket != 0 ? std::exchange(m_following[bucket - 1], m_slots)
@@ -51,10 +48,47 @@ void HandleIndex::Append(const QOBSharedBase* handles, std::size_t count,
         PushCount();
 }
 
+// Every slot a ring of its own.
+void HandleIndex::MakeRings()
+{
+    m_following.reserve(m_slots + 1);
+    for (std::uint32_t slot = 0; slot < m_slots; ++slot)
+        m_following.push_back(slot);
+}
+
+void HandleIndex::Replace(const QOBSharedBase* handles, std::size_t slot,
+                          const QOBSharedObject* object)
+{
+    if (handles[slot] == object)
+        return;
+    const auto replaced = static_cast<std::uint32_t>(slot);
+    if (m_following.empty() && m_buckets[BucketOf(handles, object)] != 0)
+        MakeRings();
+    Unlink(handles, slot);
+    std::uint32_t& bucket = m_buckets[BucketOf(handles, object)];
+    if (bucket == 0) {
+        bucket = replaced + 1;
+        if (!m_following.empty())
+            m_following[slot] = replaced;
+        return;
+    }
+    std::uint32_t before = bucket - 1;
+    while (replaced < bucket - 1 && m_following[before] < replaced)
+        before = m_following[before];
+    m_following[slot] = std::exchange(m_following[before], replaced);
+    if (replaced > bucket - 1)
+        bucket = replaced + 1;
+}
+
 void HandleIndex::Remove(const QOBSharedBase* handles, std::size_t slot) noexcept
 {
     if (!m_counts.empty())
         LowerCount(slot);
+    Unlink(handles, slot);
+}
+
+void HandleIndex::Unlink(const QOBSharedBase* handles, std::size_t slot) noexcept
+{
     const std::size_t bucket = BucketOf(handles, handles[slot]._getReferent());
     if (m_following.empty() || m_following[slot] == slot) {
         Free(handles, bucket);

@@ -133,6 +133,12 @@ bool KARMPHandleSequence::Contains(const QOBSharedObject* object) const
     return SlotOf(object) != SlotCount();
 }
 
+std::size_t KARMPHandleSequence::Find(const QOBSharedObject* object) const
+{
+    const std::size_t slot = SlotOf(object);
+    return slot != SlotCount() ? PositionOf(slot) : Count();
+}
+
 const QOBSharedBase& KARMPHandleSequence::At(std::size_t position) const
 {
     return Slots()[SlotAt(position)];
@@ -185,6 +191,18 @@ void KARMPHandleSequence::Insert(std::size_t position, const QOBSharedBase& hand
     ++m_block->count;
     if (m_block->index != nullptr || Count() > LongestScanned)
         RebuildIndex();
+}
+
+void KARMPHandleSequence::Replace(std::size_t position, const QOBSharedBase& handle)
+{
+    if (!handle)
+        return;
+    const std::size_t slot = SlotAt(position);
+    QOBSharedBase exchanged(handle);
+    if (karmp::HandleIndex* const index = GetIndex())
+        index->Replace(Slots(), slot, exchanged._getReferent());
+    // What was there is released when this sequence is consistent again.
+    Slots()[slot].swap(exchanged);
 }
 
 bool KARMPHandleSequence::Remove(const QOBSharedObject* object, std::size_t* position)

@@ -20,6 +20,11 @@ protected:
         index.Append(slots.data(), entries, handle._getReferent());
         slots.push_back(handle);
     }
+    void Replace(std::size_t slot, const QOBSharedBase& handle)
+    {
+        index.Replace(slots.data(), slot, handle._getReferent());
+        slots[slot] = handle;
+    }
     void Remove(std::size_t slot)
     {
         index.Remove(slots.data(), slot);
@@ -95,6 +100,26 @@ TEST_F(HandleIndex, FindsTheFirstOfTheSlotsOfOneReferent)
     EXPECT_EQ(Find(handles[2]), 3U);
 }
 
+TEST_F(HandleIndex, FindsTheFirstSlotOfWhatReplacedOthers)
+{
+    const auto handles = MakeHandles(3);
+    for (const QOBSharedBase& handle : handles)
+        Append(handle);
+    Replace(2, handles[0]);
+    EXPECT_EQ(Find(handles[2]), None);
+    EXPECT_EQ(Find(handles[0]), 0U);
+    Replace(0, handles[2]);
+    EXPECT_EQ(Find(handles[0]), 2U);
+    Replace(1, handles[0]);
+    EXPECT_EQ(Find(handles[0]), 1U);
+    EXPECT_EQ(Find(handles[1]), None);
+    Replace(1, handles[0]);
+    EXPECT_EQ(Find(handles[0]), 1U);
+    Remove(1);
+    EXPECT_EQ(Find(handles[0]), 2U);
+    ExpectPositionsOfAllSlots();
+}
+
 TEST_F(HandleIndex, CountsPositionsPastHoles)
 {
     for (const QOBSharedBase& handle : MakeHandles(100))
@@ -131,8 +156,11 @@ TEST_F(HandleIndex, AgreesWithAScanWhateverTheOrderOfCalls)
         const QOBSharedBase& handle = handles[random() % handles.size()];
         const std::size_t slot = FirstSlot(handle);
         ASSERT_EQ(Find(handle), slot);
+        const std::size_t other = slots.empty() ? 0 : random() % slots.size();
         if (slot == None || random() % 4 == 0)
             Append(handle);
+        else if (random() % 3 == 0 && slots[other])
+            Replace(other, handle);
         else
             Remove(slot);
         ASSERT_EQ(index.SlotCount(), slots.size());

@@ -37,7 +37,7 @@ TEST(HandleSequence, AgreesWithAPlainVectorWhateverTheOrderOfCalls)
         const auto& entity = entities[random() % entities.size()];
         // The sequence grows past its scanned length, shrinks to nothing, and grows again.
         const bool growing = (step / 3000) % 2 == 0;
-        switch (random() % (growing ? 4 : 8)) {
+        switch (random() % (growing ? 5 : 9)) {
         case 0:
         case 1:
             sequence.Append(entity);
@@ -59,9 +59,18 @@ TEST(HandleSequence, AgreesWithAPlainVectorWhateverTheOrderOfCalls)
                 expected.erase(expected.begin() + static_cast<std::ptrdiff_t>(index));
             }
             break;
+        case 4:
+            if (!expected.empty()) {
+                const std::size_t index = random() % expected.size();
+                sequence.Replace(index, entity);
+                expected[index] = entity;
+            }
+            break;
         default: {
             std::size_t position = 0;
             const auto found = std::find(expected.begin(), expected.end(), entity);
+            ASSERT_EQ(sequence.Find(entity.get()),
+                      static_cast<std::size_t>(found - expected.begin()));
             ASSERT_EQ(sequence.Contains(entity.get()), found != expected.end());
             ASSERT_EQ(sequence.Remove(entity.get(), &position), found != expected.end());
             if (found != expected.end()) {
@@ -139,6 +148,11 @@ TEST(HandleSequence, HasNoEntryForNull)
     sequence.AppendNew({});
     sequence.Insert(0, {});
     EXPECT_EQ(sequence.Count(), 0U);
+    const auto entity = TestEntity::create(L"");
+    sequence.Append(entity);
+    sequence.Replace(0, {});
+    EXPECT_EQ(sequence.At(0), entity);
+    EXPECT_EQ(sequence.Find(nullptr), 1U);
     EXPECT_FALSE(sequence.Contains(nullptr));
     EXPECT_FALSE(sequence.Remove(nullptr));
 }
