@@ -122,6 +122,11 @@ struct ItemList
     {
         return With([why](Item& item) { item.fixedBecause = why; });
     }
+    /// A reference without a target is an element without attributes.
+    constexpr ItemList EvenWithoutTarget() const
+    {
+        return With([](Item& item) { item.isWithoutTarget = true; });
+    }
     constexpr ItemList AlwaysNamed() const
     {
         return With([](Item& item) { item.alwaysNamed = true; });

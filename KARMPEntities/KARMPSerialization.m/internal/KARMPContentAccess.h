@@ -173,6 +173,55 @@ struct AccessTraits<ArrayEntry<Array, Index>>
     }
 };
 
+/// The way to a value of a member of the owner: `Number<Within<&C::m_data, &Data::m_depth>>(...)`.
+template <auto Member, auto Access>
+struct MemberAccess
+{};
+template <auto Member, auto Access>
+inline constexpr MemberAccess<Member, Access> Within{};
+
+template <auto Member, auto Access>
+struct AccessTraits<MemberAccess<Member, Access>>
+{
+    using Class = typename TraitsOf<Member>::Class;
+    using Value = typename TraitsOf<Access>::Value;
+    static constexpr bool Stores = TraitsOf<Access>::Stores;
+    static KARStatus Get(MemberAccess<Member, Access>, const Class& owner, Value& value)
+    {
+        return TraitsOf<Access>::Get(Access, owner.*Member, value);
+    }
+    template <class V>
+    static KARStatus Set(MemberAccess<Member, Access>, Class& owner, V&& value)
+    {
+        return TraitsOf<Access>::Set(Access, owner.*Member, std::forward<V>(value));
+    }
+};
+
+/// A way that a class inherits, with that class as the owner, as records need it. The way to a
+/// handle then always gives one, null or not.
+template <class C, auto Access>
+struct InheritedAccess
+{};
+template <class C, auto Access>
+inline constexpr InheritedAccess<C, Access> As{};
+
+template <class C, auto Access>
+struct AccessTraits<InheritedAccess<C, Access>>
+{
+    using Class = C;
+    using Value = typename TraitsOf<Access>::Value;
+    static constexpr bool Stores = TraitsOf<Access>::Stores;
+    static KARStatus Get(InheritedAccess<C, Access>, const C& owner, Value& value)
+    {
+        return TraitsOf<Access>::Get(Access, owner, value);
+    }
+    template <class V>
+    static KARStatus Set(InheritedAccess<C, Access>, C& owner, V&& value)
+    {
+        return TraitsOf<Access>::Set(Access, owner, std::forward<V>(value));
+    }
+};
+
 /// How a type of value stands in an ItemValue.
 template <class T>
 struct ItemConversion;

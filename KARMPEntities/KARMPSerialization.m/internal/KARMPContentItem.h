@@ -84,6 +84,8 @@ struct Item
     /// A reference by the rules of value references: its element has the target's name always, and
     /// one without a target in the document is a failed check.
     bool isValueReference = false;
+    /// The element of a reference is written without a target as well, and read without one.
+    bool isWithoutTarget = false;
     /// The failure of an item of this group, or of this item, counts in the status of the whole.
     bool countsWithin = false;
     bool isUncounted = false;

@@ -133,6 +133,8 @@ public:
                 read(ElementReader(item));
     }
 
+    /// True when this element has the "id" of a reference.
+    bool HasIdentifier() const;
     /// The entry of the table that this element refers to by its "id", null when the table has none
     /// or a null one. A missing "id" is reported.
     const QOBSharedHandle<KARMPEntity>* FindTarget(const KARMPEntityTable& entities,

@@ -268,7 +268,7 @@ bool ContentReader::TakeBytes(const Item& item, ElementReader& element)
 void ContentReader::ReadReference(const Item& item, ElementReader& element)
 {
     const ElementReader child = element.Child(item.name, Absent::Keep, item.where);
-    if (!child)
+    if (!child || (item.isWithoutTarget && !child.HasIdentifier()))
         return;
     m_value.target = child.FindTarget(m_entities, item.where);
     if (m_value.target != nullptr)

@@ -159,6 +159,8 @@ void ContentWriter::WriteReference(const Item& item, ElementWriter& element)
 {
     if (!KARFailed(item.get(m_owner, m_value)))
         element.Reference(item.name, m_value.entity, item.where);
+    else if (item.isWithoutTarget)
+        element.Child(item.name, item.where);
 }
 
 void ContentWriter::WriteValueReference(const Item& item, ElementWriter& element)

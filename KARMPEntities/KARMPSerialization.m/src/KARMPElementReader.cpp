@@ -4,6 +4,12 @@
 
 namespace karmp {
 
+namespace {
+
+constexpr ItemName IdentifierName = L"id";
+
+} // namespace
+
 ElementReader::ElementReader(const KARMPDeserializer* node, ItemName name, Where where)
 {
     if (node != nullptr && node->Id() == std::wstring_view(name))
@@ -68,13 +74,18 @@ ElementReader ElementReader::Child(ItemName name, Absent absent, Where where)
     return reader;
 }
 
+bool ElementReader::HasIdentifier() const
+{
+    ReadText identifier;
+    return m_node != nullptr && !KARFailed(m_node->GetAttribute(IdentifierName, identifier));
+}
+
 const QOBSharedHandle<KARMPEntity>* ElementReader::FindTarget(const KARMPEntityTable& entities,
                                                               Where where) const
 {
-    constexpr ItemName idName = L"id";
     ReadText identifier;
     if (m_node == nullptr ||
-        !KARMPVerify(!KARFailed(m_node->GetAttribute(idName, identifier)), where))
+        !KARMPVerify(!KARFailed(m_node->GetAttribute(IdentifierName, identifier)), where))
         return nullptr;
     const QOBSharedHandle<KARMPEntity>* entity = entities.Find(identifier);
     return entity != nullptr && *entity ? entity : nullptr;

@@ -89,6 +89,8 @@ void Link(const Item& item, SchemaItem& reference)
     reference.otherSide = item.otherSide;
     reference.isOwned = item.isOwned;
     AddReferenceAttributes(reference);
+    if (item.isWithoutTarget)
+        reference.attributes.front().presence = ItemPresence::Optional;
 }
 
 // The entry of a list, within its container.

@@ -15,6 +15,8 @@
 /// A record of such an entity.
 struct ContentTestRecord
 {
+    bool IsPositive() const { return number > 0.0; }
+
     double number = 0.0;
     KARMathVector vector;
     QOBSharedHandle<TestEntity> target;
@@ -122,6 +124,7 @@ public:
     KARMPLink<TestEntity> link;
     KARMPLinkList<TestEntity> list;
     KARMPLink<KARMPConstant> constant;
+    ContentTestRecord single;
     std::vector<ContentTestRecord> records;
     std::vector<unsigned char> bytes;
     bool isWanted = true;

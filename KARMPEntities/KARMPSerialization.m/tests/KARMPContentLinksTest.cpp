@@ -48,6 +48,65 @@ TEST_F(ContentWalk, WritesAReferenceThatTheGetterGives)
     EXPECT_FALSE(root.Has(L"E[2]/Link"));
 }
 
+TEST_F(ContentWalk, WritesAndReadsAReferenceWithoutATarget)
+{
+    constexpr auto list = Counting(Reference<&C::link, &C::Link>(L"Link", "").EvenWithoutTarget());
+    EXPECT_EQ(Write(list), KARSuccess);
+    EXPECT_TRUE(root.Has(L"E/Link"));
+    EXPECT_FALSE(root.Has(L"E/Link/@id"));
+    TestDeserializer& link = tree.Add(L"E").Add(L"Link");
+    EXPECT_EQ(Read(list), KARSuccess);
+    ExpectReports(0);
+    const auto target = Target(L"T1");
+    link.Attribute(L"id", L"T1");
+    EXPECT_EQ(Read(list), KARSuccess);
+    EXPECT_EQ(entity->link.Handle(), target);
+    EXPECT_EQ(Write(list), KARSuccess);
+    EXPECT_EQ(root.Text(L"E[1]/Link/@id"), L"T1");
+}
+
+TEST_F(ContentWalk, WritesAndReadsValuesWithinAMember)
+{
+    using Record = ContentTestRecord;
+    constexpr auto list =
+        Counting(Number<Within<&C::single, &Record::number>>(L"Number", ""),
+                 Flag<Within<&C::single, &Record::IsPositive>>(L"Positive", "").WrittenOnly());
+    entity->single.number = 2.5;
+    EXPECT_EQ(Write(list), KARSuccess);
+    EXPECT_EQ(root.Number(L"E/Number"), 2.5);
+    EXPECT_TRUE(root.Flag(L"E/Positive"));
+    tree.Add(L"E").Leaf(L"Number", -4.0);
+    EXPECT_EQ(Read(list), KARSuccess);
+    EXPECT_EQ(entity->single.number, -4.0);
+}
+
+/// What is inherited comes behind something else, so that its address is not the record's own.
+struct DerivedRecord : std::string, ContentTestRecord
+{};
+
+TEST_F(ContentWalk, ReachesInheritedValuesByTheRecordsOwnAddress)
+{
+    constexpr auto number =
+        Number<As<DerivedRecord, &DerivedRecord::number>>(L"Number", "").items[0];
+    constexpr auto target = Reference<As<DerivedRecord, &DerivedRecord::target>,
+                                      As<DerivedRecord, &DerivedRecord::target>>(L"Target", "")
+                                .items[0];
+    DerivedRecord record;
+    ItemValue value;
+    value.numbers[0] = 3.5;
+    EXPECT_EQ(number.set(&record, value), KARSuccess);
+    EXPECT_EQ(record.number, 3.5);
+    record.number = 4.5;
+    EXPECT_EQ(number.get(&record, value), KARSuccess);
+    EXPECT_EQ(value.numbers[0], 4.5);
+    EXPECT_EQ(target.get(&record, value), KARSuccess) << "a null handle is a value, too";
+    EXPECT_FALSE(value.entity);
+    const QOBSharedHandle<KARMPEntity> entry(Target(L"T1"));
+    value.target = &entry;
+    EXPECT_EQ(target.set(&record, value), KARSuccess);
+    EXPECT_EQ(record.target, entry);
+}
+
 TEST_F(ContentWalk, WritesAListOfEntitiesUnlessItIsEmpty)
 {
     constexpr auto list = Counting(References<&C::list, &C::Append>(L"List", L"Entry", ""));
