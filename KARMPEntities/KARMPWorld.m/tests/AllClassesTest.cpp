@@ -119,13 +119,16 @@ private:
         using Type = KARMPSerializationVariable::Type;
         if (item.type == Type::Double)
             item.value.doubleValue = Number();
+        // A flag that is a number knows 1 alone.
+        else if (item.type == Type::Int && item.name == L"EnableDampingTransition")
+            item.value.intValue = 1;
         // The index of a term decides nothing, numbers of freedoms repeat what their lists say, and
         // an old quantity is a code within its table.
         else if (item.type == Type::Int && item.name != L"LinearTermIndex" &&
                  item.name != L"numberOfDof" && item.name != L"number")
             item.value.intValue = 1 + Integer() % 2;
         // A flag that says that a value follows must stay as it is.
-        else if (item.type == Type::Bool && item.name == L"OutOfWorld")
+        else if (item.type == Type::Bool && (item.name == L"OutOfWorld" || item.name == L"Status"))
             item.value.boolValue = true;
         else if (item.type == Type::String)
             item.value.stringValue = Word(item);
@@ -166,6 +169,7 @@ private:
         static const std::map<std::wstring, std::vector<std::wstring>> words{
             {L"isActive", {L"no"}},
             {L"is_fixed", {L"yes"}},
+            {L"RuleType", Rows<KARMPCollisionRuleType::Enum>()},
             {L"Alignment", Rows<KARMPAlignment::Enum>()},
             {L"CircleTorusOrientation", Rows<KARMPCircleTorusOrientation::Enum>()},
             {L"HalfSpace", Rows<KARMPHalfSpace::Enum>()},
@@ -223,13 +227,6 @@ const std::set<std::string_view> NotMade{
     "KARMPCurve",
     "KARMPSketch",
     "KARMPSurface",
-    // Interactions.
-    "KARMPCollisionInterLayer",
-    "KARMPCollisionLayer",
-    "KARMPCollisionRule",
-    // Sensors.
-    "KARMPCollisionSensor",
-    "KARMPProximitySensor",
     // Shapes.
     "KARMP3DRep",
     "KARMPShapeBody",

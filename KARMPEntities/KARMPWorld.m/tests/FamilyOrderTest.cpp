@@ -1,4 +1,5 @@
 #include "KARMPBody.h"
+#include "KARMPCollisionRule.h"
 #include "KARMPConnector.h"
 #include "KARMPSensor.h"
 #include "KARMPShape.h"
@@ -66,6 +67,23 @@ TEST(FamilyOrder, AConnectorsOperationsStandBehindThoseOfEntities)
                        VirtualSlot(&C::GetLinkedGeometry), VirtualSlot(&C::GetLinkedGeometryCount),
                        VirtualSlot(&C::LinkToVariable), VirtualSlot(&C::GetLinkedVariable),
                        VirtualSlot(&C::GetLinkedVariableCount)});
+}
+
+TEST(FamilyOrder, AnInteractionsOperationsStandBehindThoseOfEntities)
+{
+    using C = KARMPInteraction;
+    ExpectSlotsBehind(Open<C>::LastOfEntities(),
+                      {VirtualSlot(&C::GetCollidable), VirtualSlot(&C::SetCollidable),
+                       VirtualSlot(&C::AddCollidable), VirtualSlot(&C::RemoveCollidable),
+                       VirtualSlot(&C::GetEntities)});
+}
+
+TEST(FamilyOrder, ACollisionRuleAddsThreeOperations)
+{
+    using C = KARMPCollisionRule;
+    ExpectSlotsBehind(VirtualSlot(&C::GetEntities), {VirtualSlot(&C::GetDampingTransitionDepth),
+                                                     VirtualSlot(&C::SetFrictionParameters),
+                                                     VirtualSlot(&C::GetFrictionParameters)});
 }
 
 TEST(FamilyOrder, ASensorsOperationsStandBehindThoseOfEntities)

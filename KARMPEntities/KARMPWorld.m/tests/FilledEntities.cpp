@@ -12,6 +12,8 @@
 #include "KARMPCirline.h"
 #include "KARMPCoaxiality.h"
 #include "KARMPCoincidence.h"
+#include "KARMPCollisionInterLayer.h"
+#include "KARMPCollisionSensor.h"
 #include "KARMPCone.h"
 #include "KARMPConnectorSpatialForceSensor.h"
 #include "KARMPConstant.h"
@@ -47,6 +49,7 @@
 #include "KARMPPlane.h"
 #include "KARMPPoint.h"
 #include "KARMPPrismaticConstraint.h"
+#include "KARMPProximitySensor.h"
 #include "KARMPRevoluteConstraint.h"
 #include "KARMPRollCurveConstraint.h"
 #include "KARMPScrewConstraint.h"
@@ -125,6 +128,8 @@ FilledEntities::FilledEntities()
     AddTwo(m_shapes, L"H", ConcreteEntity<KARMPShape>::create);
     AddTwo(m_connectors, L"N", ConcreteEntity<KARMPConnector>::create);
     AddTwo(m_constants, L"K", Identified<KARMPConstant>);
+    AddTwo(m_rules, L"R", Identified<KARMPCollisionRule>);
+    AddTwo(m_layers, L"L", Identified<KARMPCollisionLayer>);
     AddTwo(m_elements, L"A", Identified<KARMPPoint>);
     AddTwo(m_parameters, L"P", IdentifiedAttribute<KARMPParameter>);
     AddTwo(m_states, L"T", IdentifiedAttribute<KARMPState>);
@@ -171,6 +176,7 @@ QOBSharedHandle<KARMPEntity> FilledEntities::Make(const std::string& className, 
     fill(&FilledEntities::FillConnector);
     fill(&FilledEntities::FillConstraint);
     fill(&FilledEntities::FillSensor);
+    fill(&FilledEntities::FillInteraction);
     fill(&FilledEntities::FillValue);
     fill(&FilledEntities::FillVariable);
     EXPECT_TRUE(known) << "no function fills the family of " << className;
@@ -377,8 +383,88 @@ void FilledEntities::FillConstraint(KARMPConstraint& constraint)
     }
 }
 
+// All numbers differ. The two kinds of data of a sensor are of different pairs.
+KARMPContactForceData FilledEntities::Contact(std::size_t first) const
+{
+    double next = first == 0 ? 1.5 : 41.5;
+    const auto number = [&] { return Number(next++); };
+    const auto vector = [&] {
+        const double x = number();
+        const double y = number();
+        return KARMathVector(x, y, number());
+    };
+    using Data = KARMPContactForceData;
+    Data data;
+    data.firstBody = m_bodies[first];
+    data.secondBody = m_bodies[1 - first];
+    data.firstContactPoint = KARMathPoint() + vector();
+    data.secondContactPoint = KARMathPoint() + vector();
+    data.penetrationDepth = number();
+    for (const auto member :
+         {&Data::firstContactForce, &Data::secondContactForce, &Data::firstContactTorque,
+          &Data::secondContactTorque, &Data::firstNormalForce, &Data::secondNormalForce,
+          &Data::firstFrictionForce, &Data::secondFrictionForce})
+        data.*member = vector();
+    data.firstNormalVector = vector();
+    data.secondNormalVector = vector();
+    return data;
+}
+
+void FilledEntities::FillContactSensor(KARMPSensor& sensor)
+{
+    if (auto* collision = dynamic_cast<KARMPCollisionSensor*>(&sensor); collision && HasLinks()) {
+        collision->SetCollisionRule(m_rules[0]);
+        collision->AddContactGeometryData(Contact(0));
+        collision->AddContactForceData(Contact(1));
+    }
+    if (auto* proximity = dynamic_cast<KARMPProximitySensor*>(&sensor)) {
+        KARMPProximitySensorData data;
+        data.SetUseGroupContext(true);
+        data.SetInverseResult(Choose(true, false));
+        data.SetUseClearance(true);
+        data.SetClearance(Number(0.25));
+        if (HasLinks()) {
+            data.SetSensorBody(m_bodies[0]);
+            for (const auto& body : m_bodies)
+                data.AddBodyToGroup(body);
+        }
+        proximity->SetProximitySensorData(data);
+        proximity->SetProximitySensorStatus(Choose(true, false));
+    }
+}
+
+void FilledEntities::FillInteraction(KARMPInteraction& interaction)
+{
+    interaction.SetRuleType(Choose(KARMPCollisionRuleType::CollisionNoReaction,
+                                   KARMPCollisionRuleType::NoCollisionNoReaction));
+    const auto fillCoefficients = [this](auto& own) {
+        own.SetRestitutionCoefficient(Number(0.25));
+        own.SetDynamicFrictionCoefficient(Number(0.5));
+        own.SetStaticFrictionCoefficient(Number(0.75));
+    };
+    auto* interLayer = dynamic_cast<KARMPCollisionInterLayer*>(&interaction);
+    for (std::size_t index = 0; HasLinks() && index < 2; ++index)
+        if (interLayer != nullptr)
+            interaction.AddCollidable(m_layers[index]);
+        else
+            interaction.AddCollidable(m_bodies[index]);
+    if (interLayer != nullptr)
+        fillCoefficients(*interLayer);
+    if (auto* rule = dynamic_cast<KARMPCollisionRule*>(&interaction)) {
+        fillCoefficients(*rule);
+        rule->SetFirstCollidableParameters(Number(1.5), Number(2.5), Number(3.5));
+        rule->SetSecondCollidableParameters(Number(4.5), Number(5.5), Number(6.5));
+        rule->SetDampingCoefficient(Number(7.5));
+        rule->EnableDampingTransition(1);
+        rule->SetDampingTransitionDepth(Number(8.5));
+        rule->SetFrictionParameters(Number(9.5), Number(10.5));
+        rule->SetMaxDepthTol(Number(11.5));
+    }
+}
+
 void FilledEntities::FillSensor(KARMPSensor& sensor)
 {
+    FillContactSensor(sensor);
     if (auto* displacement = dynamic_cast<KARMPDisplacementSensor*>(&sensor)) {
         if (HasLinks())
             displacement->SetBody(m_bodies[0]);

@@ -4,8 +4,11 @@
 
 #include "KARCrvLimits.h"
 #include "KARGeometricFactory.h"
+#include "KARMPCollisionLayer.h"
+#include "KARMPCollisionRule.h"
 #include "KARMPConnector.h"
 #include "KARMPConstant.h"
+#include "KARMPContactForceData.h"
 #include "KARMPDisplacementSensor.h"
 #include "KARMPDofSensor.h"
 #include "KARMPEntityTable.h"
@@ -81,6 +84,9 @@ private:
     void FillConstraint(KARMPConstraint& constraint);
     void LinkConstraint(KARMPConstraint& constraint);
     void FillSensor(KARMPSensor& sensor);
+    void FillContactSensor(KARMPSensor& sensor);
+    KARMPContactForceData Contact(std::size_t first) const;
+    void FillInteraction(KARMPInteraction& interaction);
     void FillValue(KARMPValue& value);
     void FillVariable(KARMPVariable& variable);
     void FillOwnContent(KARMPEntity& entity);
@@ -133,6 +139,8 @@ private:
     Two<KARMPShape> m_shapes;
     Two<KARMPConnector> m_connectors;
     Two<KARMPConstant> m_constants;
+    Two<KARMPCollisionRule> m_rules;
+    Two<KARMPCollisionLayer> m_layers;
     Two<KARMPParameter> m_parameters;
     Two<KARMPState> m_states;
     Two<KARMPEntity> m_elements;
