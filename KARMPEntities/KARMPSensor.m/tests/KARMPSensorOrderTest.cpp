@@ -1,7 +1,9 @@
+#include "KARMPCollisionSensor.h"
 #include "KARMPConnectorSpatialForceSensor.h"
 #include "KARMPJointDOFSensor.h"
 #include "KARMPJointSpatialForceSensor.h"
 #include "KARMPMotorForceSensor.h"
+#include "KARMPProximitySensor.h"
 #include "VirtualSlot.h"
 
 // Applications derive from these classes and are built apart from the library, so the order of the
@@ -29,6 +31,8 @@ TEST(SensorOrder, ASensorsWayToItsLoaderStandsBehindTheOperationsOfSensors)
     ExpectSlotsBehind(
         last,
         {LoaderSlot<KARMPConnectorSpatialForceSensor, KARIMPConnectorSpatialForceSensorLoader>()});
+    ExpectSlotsBehind(last, {LoaderSlot<KARMPCollisionSensor, KARIMPCollisionSensorLoader>()});
+    ExpectSlotsBehind(last, {LoaderSlot<KARMPProximitySensor, KARIMPProximitySensorLoader>()});
 }
 
 } // namespace
