@@ -6,10 +6,10 @@
 #include "KARMPEntity.h"
 #include "KARMPFailedCheck.h"
 #include "KARMPGenericFactory.h"
+#include "KARMPSchemaClasses.h"
 #include "KARMPSerializationServices.h"
 #include "KARMPTextEscapes.h"
 #include "KARTextConversion.h"
-#include "QOBClassInfo.h"
 
 #include <algorithm>
 #include <new>
@@ -160,9 +160,7 @@ const DocumentChecker::Class& DocumentChecker::ClassOf(std::wstring_view element
     QOBSharedHandle<KARMPEntity> sample;
     if (std::find(names.begin(), names.end(), name) != names.end() &&
         !KARFailed(KARMPFactory::Create(name, sample)) && sample) {
-        for (const QOBClassInfo* info = &sample->getClassInfo(); info != nullptr;
-             info = info->getParent())
-            type.lineage.push_back(info->getName());
+        type.lineage = LineageOf(*sample);
         type.item = SchemaOf(name);
         if (type.item != nullptr)
             type.sides = m_links.SidesOf(*type.item);

@@ -1,8 +1,6 @@
 #include "KARMPSchemaClasses.h"
 
-#include "KARMPEntity.h"
-#include "KARMPGenericFactory.h"
-#include "QOBClassInfo.h"
+#include "KARMPEntities.h"
 
 #include <algorithm>
 
@@ -13,6 +11,22 @@ bool EntityClass::IsA(std::string_view className) const
     return name == className || std::find(bases.begin(), bases.end(), className) != bases.end();
 }
 
+std::vector<std::string> LineageOf(const KARMPEntity& entity)
+{
+    std::vector<std::string> lineage;
+    for (const QOBClassInfo* info = &entity.getClassInfo(); info != nullptr;
+         info = info->getParent())
+        lineage.push_back(info->getName());
+    Families::ForEach([&](auto family) {
+        using T = typename decltype(family)::Type;
+        const bool isListed =
+            std::find(lineage.begin(), lineage.end(), T::ClassName()) != lineage.end();
+        if (!isListed && dynamic_cast<const T*>(&entity) != nullptr)
+            lineage.insert(lineage.begin() + 1, T::ClassName());
+    });
+    return lineage;
+}
+
 std::vector<EntityClass> EntityClasses()
 {
     std::vector<EntityClass> classes;
@@ -21,11 +35,9 @@ std::vector<EntityClass> EntityClasses()
         QOBSharedHandle<KARMPEntity> sample;
         if (item == nullptr || item->name.empty() || KARFailed(KARMPFactory::Create(name, sample)))
             continue;
-        EntityClass made{name, {}, item};
-        for (const QOBClassInfo* info = sample->getClassInfo().getParent(); info != nullptr;
-             info = info->getParent())
-            made.bases.push_back(info->getName());
-        classes.push_back(std::move(made));
+        std::vector<std::string> bases = LineageOf(*sample);
+        bases.erase(bases.begin());
+        classes.push_back({name, std::move(bases), item});
     }
     return classes;
 }

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+class KARMPEntity;
+
 namespace karmp::documents {
 
 /// A class whose entities stand in documents.
@@ -18,6 +20,10 @@ struct EntityClass
 
     bool IsA(std::string_view className) const;
 };
+
+/// The names of an entity's class and of those above it, the nearest one first: those that class
+/// records tell, and its family, which the record of a collision layer does not.
+std::vector<std::string> LineageOf(const KARMPEntity& entity);
 
 /// The classes that the factory makes and whose content is known, by name.
 std::vector<EntityClass> EntityClasses();

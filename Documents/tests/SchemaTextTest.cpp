@@ -94,6 +94,26 @@ TEST(FormatReference, TellsDefaultsOfBothFormsOfAnItem)
     ExpectPart(text, " | 1, 0, 0, 0, 1, 0, 0, 0, 1 | The rotation matrix by columns. |");
 }
 
+// The class record of a layer does not tell that a layer is an interaction.
+TEST(FormatReference, HasCollisionLayersAmongTheInteractions)
+{
+    const std::string text = FormatReference();
+    const std::size_t family = text.find("\n## Interactions\n");
+    ASSERT_NE(family, std::string::npos);
+    const std::size_t layer = text.find("\n### CollisionLayer\n", family);
+    EXPECT_LT(layer, text.find("\n## ", family + 1));
+}
+
+TEST(DocumentCheck, TakesACollisionLayerForAnInteraction)
+{
+    const auto messages = CheckText(
+        R"(<KARMPDocument version="R2018.1"><World><Interactions>
+<CollisionLayer id="l" name="l" isActive="yes"/>
+</Interactions></World></KARMPDocument>)");
+    EXPECT_EQ(messages.Find(Code::UnknownClass), nullptr);
+    EXPECT_EQ(messages.Find(Code::WrongRegistry), nullptr);
+}
+
 TEST(DocumentCheck, KnowsTheDisplacementSensor)
 {
     const auto messages = CheckText(
