@@ -248,7 +248,8 @@ private:
             return;
         Families::AnyOf([&](auto family) {
             using T = typename decltype(family)::Type;
-            return filed->isDerivedFrom(T::ClassInfo()) &&
+            // A layer's record does not tell that it is an interaction.
+            return dynamic_cast<const T*>(filed.get()) != nullptr &&
                    world->Add<T>(QOBSharedHandle<T>(filed)) == KARSuccess;
         });
     }
@@ -327,6 +328,14 @@ TEST_F(DocumentDifference, OfEachItemOfEachClassIsOne)
     EXPECT_GT(compared, 300);
 }
 
+/// Lists that hold the same entities as another list of their class.
+const std::set<std::pair<std::string, std::wstring>> ListedTwice{
+    {"KARMPCollisionInterLayer", L"Collidables"},
+    {"KARMPCollisionInterLayer", L"CollisionLayers"},
+    {"KARMPCollisionLayer", L"Collidables"},
+    {"KARMPCollisionLayer", L"Entities"},
+};
+
 TEST_F(DocumentDifference, OfEachEntryOfEachListOfEachClassIsOne)
 {
     int compared = 0;
@@ -347,10 +356,16 @@ TEST_F(DocumentDifference, OfEachEntryOfEachListOfEachClassIsOne)
             const auto differences = FindDifferences(*before.world, *after.world);
             // With a variable an expression gets its position.
             const bool isMapped = className == "KARMPExpression" && item.path == L"Variables";
-            ASSERT_EQ(differences.size(), isMapped ? 2U : 1U) << TextOf(differences);
-            EXPECT_EQ(differences[0].kind, DifferenceKind::LinkGained);
-            EXPECT_EQ(differences[0].item, item.path);
-            EXPECT_EQ(differences[0].target.get(), target.get());
+            // Layers and inter-layers write their collidables under two names.
+            const bool isTwice = ListedTwice.count({className, item.path}) != 0;
+            ASSERT_EQ(differences.size(), isMapped || isTwice ? 2U : 1U) << TextOf(differences);
+            const auto gained =
+                std::find_if(differences.begin(), differences.end(),
+                             [&item](const Difference& one) { return one.item == item.path; });
+            ASSERT_NE(gained, differences.end()) << TextOf(differences);
+            EXPECT_EQ(gained->kind, DifferenceKind::LinkGained);
+            EXPECT_EQ(gained->target.get(), target.get());
+            EXPECT_TRUE(isTwice || gained == differences.begin()) << TextOf(differences);
         }
     }
     EXPECT_GT(compared, 200);

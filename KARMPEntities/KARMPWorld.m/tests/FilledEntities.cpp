@@ -455,7 +455,7 @@ void FilledEntities::FillInteraction(KARMPInteraction& interaction)
         rule->SetFirstCollidableParameters(Number(1.5), Number(2.5), Number(3.5));
         rule->SetSecondCollidableParameters(Number(4.5), Number(5.5), Number(6.5));
         rule->SetDampingCoefficient(Number(7.5));
-        rule->EnableDampingTransition(1);
+        rule->EnableDampingTransition(Choose<unsigned char>(1, 0));
         rule->SetDampingTransitionDepth(Number(8.5));
         rule->SetFrictionParameters(Number(9.5), Number(10.5));
         rule->SetMaxDepthTol(Number(11.5));
