@@ -115,7 +115,7 @@ void LoadAndParse(benchmark::State& state, Content content, Prepare prepare)
 {
     const std::string& text = DocumentOf(state.range(0), content);
     karmp::documents::LoadOptions options;
-    options.check = false;
+    options.check = karmp::documents::CheckLevel::None;
     double bareTime = 0.0;
     double time = 0.0;
     const PerEntity perEntity(state, content);
@@ -150,7 +150,7 @@ void LoadAgain(benchmark::State& state, Content content)
 {
     const HeapThatKeeps heap;
     karmp::documents::LoadOptions options;
-    options.check = false;
+    options.check = karmp::documents::CheckLevel::None;
     LoadText(DocumentOf(state.range(0), content), "bench", options).world.detach();
     LoadAndParse(state, content, [] {});
 }
@@ -241,7 +241,7 @@ void Hub(benchmark::State& state)
         std::string text;
         time[1] += SecondsOf([&] { SaveText(world, text); });
         karmp::documents::LoadOptions options;
-        options.check = false;
+        options.check = karmp::documents::CheckLevel::None;
         karmp::documents::LoadResult result;
         time[2] += SecondsOf([&] { result = LoadText(std::move(text), "hub", options); });
         time[3] += SecondsOf([&] { result.world.detach(); });
@@ -281,7 +281,7 @@ int main(int argc, char** argv)
 {
     if (argc == 3 && std::string_view(argv[1]) == "--karmp-load") {
         karmp::documents::LoadOptions options;
-        options.check = false;
+        options.check = karmp::documents::CheckLevel::None;
         const auto loaded = karmp::documents::LoadFile(argv[2], options);
         std::ofstream(std::string(argv[2]) + ".peak") << PeakMemory();
         return loaded.world ? 0 : 1;

@@ -18,42 +18,52 @@ enum class Severity : std::uint8_t { Warning, Error };
 
 /// What a message is about. The texts of CodeText are stable, the numbers are not.
 enum class Code : std::uint8_t {
-    CannotOpen,          ///< The file cannot be opened.
-    CannotRead,          ///< The file, or no file, cannot be read.
-    CannotWrite,         ///< The file cannot be written; what was there before is still there.
-    Empty,               ///< The document has no content.
-    Encoding,            ///< The document is not UTF-8.
-    Syntax,              ///< The document is no well-formed XML.
-    Reference,           ///< An unknown or invalid character or entity reference; kept as text.
-    Doctype,             ///< The document has a document type declaration, which is refused.
-    TooLarge,            ///< The document has more bytes than the limit.
-    TooDeep,             ///< An element is deeper than the limit.
-    TooManyNodes,        ///< There are more elements and attributes than the limit.
-    NameTooLong,         ///< The name of an element or attribute is longer than the limit.
-    TooManyDiagnostics,  ///< The list of messages ends here.
-    WrongRoot,           ///< The root element has another name.
-    MissingVersion,      ///< The root has no version; the current one is taken.
-    UnknownVersion,      ///< The root's version is not one of the known ones.
-    InvalidName,         ///< A node's name is no XML name.
-    DuplicateAttribute,  ///< An element has two attributes of one name.
-    UnknownElement,      ///< An element that nothing reads.
-    UnknownAttribute,    ///< An attribute that nothing reads.
-    UnexpectedText,      ///< A text in an element that has no value.
-    OtherVersion,        ///< An item that is not read at the version of the document.
-    UnknownClass,        ///< No entity class belongs to the element.
-    MissingElement,      ///< A required element is missing.
-    MissingAttribute,    ///< A required attribute is missing.
-    InvalidValue,        ///< A text is not of the kind or word list of its element.
-    DuplicateElement,    ///< An element that is read once occurs twice.
-    DuplicateIdentifier, ///< Two entities carry one identifier; the second replaces the first.
-    UnresolvedReference, ///< A reference to an identifier that no entity carries.
-    WrongClass,          ///< A reference to an entity of a class that does not fit there.
-    OneSidedLink,        ///< A link that the entity at its other end does not have.
-    WrongRegistry,       ///< An entity is in the list of another family.
-    FailedCheck,         ///< The entity library reported a failed check.
-    InvalidCast,         ///< The entity library failed on a reference of a wrong class.
-    OutOfMemory,         ///< An allocation failed.
-    Failed               ///< Anything else made the operation fail.
+    CannotOpen,           ///< The file cannot be opened.
+    CannotRead,           ///< The file, or no file, cannot be read.
+    CannotWrite,          ///< The file cannot be written; what was there before is still there.
+    Empty,                ///< The document has no content.
+    Encoding,             ///< The document is not UTF-8.
+    Syntax,               ///< The document is no well-formed XML.
+    Reference,            ///< An unknown or invalid character or entity reference; kept as text.
+    Doctype,              ///< The document has a document type declaration, which is refused.
+    TooLarge,             ///< The document has more bytes than the limit.
+    TooDeep,              ///< An element is deeper than the limit.
+    TooManyNodes,         ///< There are more elements and attributes than the limit.
+    NameTooLong,          ///< The name of an element or attribute is longer than the limit.
+    TooManyDiagnostics,   ///< The list of messages ends here.
+    WrongRoot,            ///< The root element has another name.
+    MissingVersion,       ///< The root has no version; the current one is taken.
+    UnknownVersion,       ///< The root's version is not one of the known ones.
+    InvalidName,          ///< A node's name is no XML name.
+    DuplicateAttribute,   ///< An element has two attributes of one name.
+    UnknownElement,       ///< An element that nothing reads.
+    UnknownAttribute,     ///< An attribute that nothing reads.
+    UnexpectedText,       ///< A text in an element that has no value.
+    OtherVersion,         ///< An item that is not read at the version of the document.
+    UnknownClass,         ///< No entity class belongs to the element.
+    MissingElement,       ///< A required element is missing.
+    MissingAttribute,     ///< A required attribute is missing.
+    InvalidValue,         ///< A text is not of the kind or word list of its element.
+    DuplicateElement,     ///< An element that is read once occurs twice.
+    DuplicateIdentifier,  ///< Two entities carry one identifier; the second replaces the first.
+    UnresolvedReference,  ///< A reference to an identifier that no entity carries.
+    WrongClass,           ///< A reference to an entity of a class that does not fit there.
+    OneSidedLink,         ///< A link that the entity at its other end does not have.
+    WrongRegistry,        ///< An entity is in the list of another family.
+    MotorWithoutVariable, ///< A motor drives no variable.
+    SharedVariable,       ///< Two motors drive one variable.
+    ForceWithoutTarget,   ///< A force acts on no joint or body.
+    ConnectorWithoutBody, ///< A spring, bushing or force element lacks one of its bodies.
+    ValueWithoutQuantity, ///< A drive or connector uses a value without a physical quantity.
+    SensorWithoutTarget,  ///< A sensor measures nothing.
+    WrongCount,           ///< A stated number disagrees with the list that it is about.
+    RuleWithoutBody,      ///< A collision rule is about fewer than two collidables.
+    SharedByLayers,       ///< Two collision layers hold one entity.
+    NoLayer,              ///< A layer relation is about an entity that is no collision layer.
+    FailedCheck,          ///< The entity library reported a failed check.
+    InvalidCast,          ///< The entity library failed on a reference of a wrong class.
+    OutOfMemory,          ///< An allocation failed.
+    Failed                ///< Anything else made the operation fail.
 };
 
 /// The stable text of a code in lower case with hyphens, "duplicate-identifier" for one.

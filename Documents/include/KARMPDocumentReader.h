@@ -71,6 +71,13 @@ struct WrongReference
     const KARMPDocumentReader* node;
 };
 
+/// How much of a document is checked.
+enum class CheckLevel : std::uint8_t {
+    None,     ///< Nothing but the syntax.
+    Form,     ///< Names, texts, versions, identifiers and references.
+    Mechanism ///< The meaning too, as warnings: a motor without a variable, a spring with one body.
+};
+
 /// A parsed document: its tree and the messages about it.
 class KARMP_DOCUMENTS_API Document
 {
@@ -97,8 +104,9 @@ public:
 
     /// Compares the tree with what the entity classes read and adds what it finds to the messages:
     /// unknown classes, elements and attributes, missing items, values of a wrong kind, identifiers
-    /// carried twice, references to unknown entities or to a wrong class.
-    void Check();
+    /// carried twice, references to unknown entities or to a wrong class. At CheckLevel::Mechanism
+    /// also what is well-formed but nothing that a mechanism can mean.
+    void Check(CheckLevel level = CheckLevel::Mechanism);
 
     /// Makes the references to a wrong class that Check found refer to no entity, so that the
     /// entity classes skip them instead of failing on the whole document. Attributes that were

@@ -51,8 +51,8 @@ KARMP_DOCUMENTS_API Diagnostics SaveStream(const QOBSharedHandle<KARMPWorld>& wo
 struct LoadOptions
 {
     Limits limits;
-    /// Compare the document with what the entity classes read, as Document::Check does.
-    bool check = true;
+    /// What is checked before the document is read, as by Document::Check.
+    CheckLevel check = CheckLevel::Form;
 };
 
 /// A loaded world.
@@ -80,9 +80,11 @@ KARMP_DOCUMENTS_API LoadResult LoadUntrusted(std::string_view bytes);
 
 /// Checks a file without making a world of it.
 KARMP_DOCUMENTS_API Diagnostics CheckFile(const std::filesystem::path& path,
-                                          const Limits& limits = {});
+                                          const Limits& limits = {},
+                                          CheckLevel level = CheckLevel::Mechanism);
 /// Checks a text in memory without making a world of it.
 KARMP_DOCUMENTS_API Diagnostics CheckText(std::string text, const std::string& name = "<text>",
-                                          const Limits& limits = {});
+                                          const Limits& limits = {},
+                                          CheckLevel level = CheckLevel::Mechanism);
 
 } // namespace karmp::documents

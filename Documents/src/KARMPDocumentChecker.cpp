@@ -82,9 +82,17 @@ std::string FaultOf(const SchemaItem& item, const KARMPDocumentReader& node,
 
 } // namespace
 
-DocumentChecker::DocumentChecker(const KARMPDocumentReader& root, Messages& messages)
+DocumentChecker::DocumentChecker(const KARMPDocumentReader& root, Messages& messages,
+                                 CheckLevel level)
     : m_root(root), m_messages(messages), m_version(root.Version())
-{}
+{
+    if (level == CheckLevel::Mechanism)
+        m_rules.emplace(
+            m_identifiers,
+            [this](Code code, const Node& entity, const Way& below, std::string text) {
+                TellOfMeaning(code, entity, below, std::move(text));
+            });
+}
 
 void DocumentChecker::Run()
 {
@@ -147,6 +155,8 @@ void DocumentChecker::Identify(const Node& entity)
              L"id");
     }
     identified = {&entity, &type};
+    if (m_rules)
+        m_rules->Note(*number, type.lineage, entity);
 }
 
 const DocumentChecker::Class& DocumentChecker::ClassOf(std::wstring_view element)
@@ -275,6 +285,8 @@ void DocumentChecker::CheckEntity(const Node& entity, const Family& family)
         Tell(Severity::Warning, Code::WrongRegistry, entity,
              "a " + type.lineage.front() + " stands in the list of another family");
     }
+    if (m_rules)
+        m_rules->Check(type.lineage, entity);
     if (type.item != nullptr) {
         CheckElement(entity, *type.item);
         return;
@@ -406,6 +418,21 @@ std::string DocumentChecker::Path(const Node& node, std::wstring_view attribute)
     return PathText(way, attribute);
 }
 
+// Called while the last frame is that of the entity's family.
+void DocumentChecker::TellOfMeaning(Code code, const Node& entity, const Way& below,
+                                    std::string text)
+{
+    if (m_messages.Full())
+        return;
+    Way way;
+    for (const Frame& frame : m_frames)
+        way.push_back(frame.node);
+    way.push_back(&entity);
+    way.insert(way.end(), below.begin(), below.end());
+    const Node& place = NodeOf(way.back());
+    m_messages.Warning(code, std::move(text), PathText(way), place.Line(), place.Column());
+}
+
 std::wstring DocumentChecker::UnusedIdentifier() const
 {
     std::wstring identifier = L"none";
@@ -414,13 +441,13 @@ std::wstring DocumentChecker::UnusedIdentifier() const
     return identifier;
 }
 
-void Document::Check()
+void Document::Check(CheckLevel level)
 {
-    if (m_root == nullptr)
+    if (m_root == nullptr || level == CheckLevel::None)
         return;
     documents::Messages messages(m_messages, m_name, m_limits.diagnostics);
     try {
-        DocumentChecker checker(*m_root, messages);
+        DocumentChecker checker(*m_root, messages, level);
         checker.Run();
         m_wrongReferences = checker.WrongReferences();
         m_unusedIdentifier = checker.UnusedIdentifier();

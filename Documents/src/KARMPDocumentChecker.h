@@ -5,6 +5,7 @@
 #include "KARMPDocumentReader.h"
 #include "KARMPDocumentSchema.h"
 #include "KARMPIdentifiers.h"
+#include "KARMPMechanismRules.h"
 #include "KARMPMessages.h"
 
 #include <cstdint>
@@ -21,7 +22,8 @@ namespace karmp::documents {
 class DocumentChecker
 {
 public:
-    DocumentChecker(const KARMPDocumentReader& root, Messages& messages);
+    /// Checks no less than the form.
+    DocumentChecker(const KARMPDocumentReader& root, Messages& messages, CheckLevel level);
     void Run();
 
     /// The references to entities of a wrong class.
@@ -89,6 +91,7 @@ private:
     void Tell(Severity severity, Code code, const Node& node, std::string text,
               std::wstring_view attribute = {});
     std::string Path(const Node& node, std::wstring_view attribute) const;
+    void TellOfMeaning(Code code, const Node& entity, const Way& below, std::string text);
 
     const Node& m_root;
     Messages& m_messages;
@@ -97,6 +100,8 @@ private:
     Identifiers m_identifiers;
     std::vector<Identified> m_identified;
     DocumentLinks m_links;
+    /// Empty where the meaning is not checked.
+    std::optional<MechanismRules> m_rules;
     std::vector<WrongReference> m_wrongReferences;
     /// The identifier of the entity that is checked, if it has one.
     std::optional<std::uint32_t> m_entity;

@@ -75,6 +75,26 @@ std::string_view CodeText(Code code)
         return "one-sided-link";
     case Code::WrongRegistry:
         return "wrong-registry";
+    case Code::MotorWithoutVariable:
+        return "motor-without-variable";
+    case Code::SharedVariable:
+        return "shared-variable";
+    case Code::ForceWithoutTarget:
+        return "force-without-target";
+    case Code::ConnectorWithoutBody:
+        return "connector-without-body";
+    case Code::ValueWithoutQuantity:
+        return "value-without-quantity";
+    case Code::SensorWithoutTarget:
+        return "sensor-without-target";
+    case Code::WrongCount:
+        return "wrong-count";
+    case Code::RuleWithoutBody:
+        return "rule-without-body";
+    case Code::SharedByLayers:
+        return "shared-by-layers";
+    case Code::NoLayer:
+        return "no-layer";
     case Code::FailedCheck:
         return "failed-check";
     case Code::InvalidCast:

@@ -158,15 +158,16 @@ LoadResult LoadDocument(Document document, const LoadOptions& options,
         result.diagnostics = document.Messages();
         return result;
     }
-    if (options.check) {
-        document.Check();
+    if (options.check != CheckLevel::None) {
+        document.Check(options.check);
         document.DropWrongReferences();
     }
     result.diagnostics = document.Messages();
     Messages messages(result.diagnostics, document.Name(), options.limits.diagnostics);
     // A check finds the reference that the reading failed on; a new world can be read once more.
-    if (!ReadWorld(document, into, result, messages) && !options.check && !into) {
-        document.Check();
+    if (!ReadWorld(document, into, result, messages) && options.check == CheckLevel::None &&
+        !into) {
+        document.Check(CheckLevel::Form);
         document.DropWrongReferences();
         ReadWorld(document, into, result, messages);
     }
@@ -237,17 +238,18 @@ LoadResult LoadUntrusted(std::string_view bytes)
     return LoadText(std::string(bytes), "<untrusted>", options);
 }
 
-Diagnostics CheckFile(const std::filesystem::path& path, const Limits& limits)
+Diagnostics CheckFile(const std::filesystem::path& path, const Limits& limits, CheckLevel level)
 {
     Document document = Document::ReadFile(path, limits);
-    document.Check();
+    document.Check(level);
     return document.Messages();
 }
 
-Diagnostics CheckText(std::string text, const std::string& name, const Limits& limits)
+Diagnostics CheckText(std::string text, const std::string& name, const Limits& limits,
+                      CheckLevel level)
 {
     Document document = Document::ReadText(std::move(text), name, limits);
-    document.Check();
+    document.Check(level);
     return document.Messages();
 }
 

@@ -190,7 +190,7 @@ TEST_F(DocumentDifference, IsNothingBetweenEmptyDocuments)
 {
     const std::string text = "<KARMPDocument version=\"R2018.1\"><World/></KARMPDocument>";
     LoadOptions options;
-    options.check = false;
+    options.check = CheckLevel::None;
     const auto world = LoadText(text, "empty", options).world;
     EXPECT_EQ(DifferenceOf(world, LoadText(text, "empty", options).world), "");
     EXPECT_NE(DifferenceOf(world, LoadFile(Examples()[0]).world), "");
@@ -448,7 +448,7 @@ TEST_F(DocumentDifference, OfEachNumberThatAClassWritesByCodeIsOne)
         std::string text;
         SaveText(filled.world, text);
         LoadOptions options;
-        options.check = false;
+        options.check = CheckLevel::None;
         const auto before = LoadText(text, className, options).world;
         pugi::xml_document document;
         ASSERT_TRUE(document.load_string(text.c_str()));

@@ -324,7 +324,7 @@ TEST_F(WorldDocument, ACheckFindsClassesThatDoNotExistOrStandInAWrongList)
 TEST_F(WorldDocument, FailedChecksOfTheLibraryAreReported)
 {
     LoadOptions options;
-    options.check = false;
+    options.check = CheckLevel::None;
     const LoadResult result = LoadText(Changed("<Mass>0</Mass>", ""), "x.xml", options);
     ASSERT_TRUE(result.world);
     const Diagnostic* const item = result.diagnostics.Find(Code::FailedCheck);
@@ -343,7 +343,7 @@ TEST_F(WorldDocument, AReferenceOfAWrongClassGivesAMessage)
     std::string text = Saved();
     const std::string body = IdentifierIn(text, "<Body id=\"");
     LoadOptions options;
-    options.check = false;
+    options.check = CheckLevel::None;
     const std::string geometry = "<Geometry id=\"";
     const LoadResult result = LoadText(
         Changed(geometry + IdentifierIn(text, geometry), geometry + body), "x.xml", options);

@@ -62,7 +62,9 @@ int RunCheck(const CheckOptions& options)
     documents::LoadResult result;
     {
         const Progress progress("checking " + Printable(std::string_view(options.file)));
-        result = documents::LoadFile(options.file);
+        documents::LoadOptions load;
+        load.check = documents::CheckLevel::Mechanism;
+        result = documents::LoadFile(options.file, load);
     }
     if (options.json)
         PrintJson(options.file, result.diagnostics);

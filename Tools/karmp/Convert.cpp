@@ -26,7 +26,9 @@ int PrintLosses(const QOBSharedHandle<KARMPWorld>& world, const SaveOptions& opt
         std::string text;
         if (documents::SaveText(world, text, save).HasErrors())
             return QOBSharedHandle<KARMPWorld>();
-        return documents::LoadText(std::move(text), "<converted>", {options.limits, false}).world;
+        return documents::LoadText(std::move(text), "<converted>",
+                                   {options.limits, documents::CheckLevel::None})
+            .world;
     };
     const auto kept = reload(CurrentVersion);
     const auto converted = reload(options.version);

@@ -40,7 +40,8 @@ std::optional<documents::LoadResult> Reload(const documents::LoadResult& loaded)
     PrintMessages(messages, false);
     if (messages.HasErrors())
         return std::nullopt;
-    auto again = documents::LoadText(std::move(text), "<saved>", {options.limits, false});
+    auto again = documents::LoadText(std::move(text), "<saved>",
+                                     {options.limits, documents::CheckLevel::None});
     if (again.world)
         return again;
     PrintMessages(again.diagnostics, true);

@@ -71,9 +71,10 @@ TEST_F(Diff, LeavesOutWhatIsWithinTheTolerance)
     EXPECT_EQ(Compare(Damping, other, "--tolerance 1e-5").code, 0);
     EXPECT_EQ(Compare(Damping, other, "--tolerance 1e-7").code, 1);
     EXPECT_EQ(Compare(Damping, other, "--floor 1e-6").code, 0);
-    EXPECT_EQ(Compare("<Gx>0</Gx>", "<Gx>1e-13</Gx>", "--tolerance 1e-9").code, 0);
-    EXPECT_EQ(Compare("<Gx>0</Gx>", "<Gx>1e-13</Gx>", "--tolerance 1e-9 --floor 0").code, 1);
-    EXPECT_EQ(Compare("<Gx>0</Gx>", "<Gx>1e-13</Gx>").code, 1);
+    EXPECT_EQ(Compare("<Origin><Ox>0<", "<Origin><Ox>1e-13<", "--tolerance 1e-9").code, 0);
+    EXPECT_EQ(Compare("<Origin><Ox>0<", "<Origin><Ox>1e-13<", "--tolerance 1e-9 --floor 0").code,
+              1);
+    EXPECT_EQ(Compare("<Origin><Ox>0<", "<Origin><Ox>1e-13<").code, 1);
     EXPECT_EQ(Compare(Damping, other, "--tolerance -1").code, 2);
 }
 

@@ -40,6 +40,19 @@ TEST_F(Tool, FindsNothingInACleanDocument)
     ExpectContains(check.output, "no findings");
 }
 
+TEST_F(Tool, WarnsOfWhatCannotWorkInAMechanism)
+{
+    std::string text = CleanDocument();
+    text.insert(text.find(" </World>"),
+                "  <Actuators><Motor id=\"m\" name=\"Drive\" isActive=\"yes\"><TargetType>"
+                "NotSpecified</TargetType></Motor></Actuators>\n");
+    const std::string file = Write("motor.xml", text);
+    const Outcome check = Run("check " + file);
+    EXPECT_EQ(check.code, 1);
+    ExpectContains(check.output, "warning: the motor drives no variable [motor-without-variable]");
+    ExpectContains(check.output, "0 errors, 1 warning\n");
+}
+
 TEST_F(Tool, TellsFindingsAsTextAndAsJson)
 {
     std::string text = CleanDocument();

@@ -1,0 +1,288 @@
+#include "KARMPMechanismRules.h"
+
+#include "KARMPTextEscapes.h"
+#include "KARTextConversion.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+#include <utility>
+
+namespace karmp::documents {
+
+namespace {
+
+const KARMPDocumentReader& NodeOf(const KARMPDeserializer& node)
+{
+    return static_cast<const KARMPDocumentReader&>(node);
+}
+
+// Null when there is none.
+const KARMPDeserializer* First(const KARMPDeserializer& node, std::wstring_view name)
+{
+    const KARMPDeserializer::ElementSpan found = node.ElementsNamed(name);
+    return !found.empty() ? found.front() : nullptr;
+}
+
+KARMPDeserializer::ElementVector ItemsOf(const KARMPDeserializer& node, std::wstring_view list)
+{
+    KARMPDeserializer::ElementVector items;
+    if (const KARMPDeserializer* const found = First(node, list))
+        found->AppendOrderedElements(items);
+    return items;
+}
+
+std::wstring TextOf(const KARMPDeserializer& node)
+{
+    std::wstring text;
+    if (NodeOf(node).HasText())
+        node.GetValue(text);
+    return text;
+}
+
+bool Contains(const MechanismRules::Lineage& lineage, std::string_view className)
+{
+    return std::find(lineage.begin(), lineage.end(), className) != lineage.end();
+}
+
+// The number of records that a list of a sensor states, or of those that it holds when it states
+// none.
+int StatedCount(const KARMPDeserializer& list)
+{
+    int count = 0;
+    if (KARFailed(list.GetAttribute(L"number", count))) {
+        KARMPDeserializer::ElementVector records;
+        list.AppendOrderedElements(records);
+        count = static_cast<int>(records.size());
+    }
+    return count;
+}
+
+std::string Counts(int stated, std::size_t held)
+{
+    return "it states " + std::to_string(stated) + " and holds " + std::to_string(held);
+}
+
+} // namespace
+
+/// A rule of a class and of all classes below it.
+struct MechanismRule
+{
+    std::string_view className;
+    void (*check)(MechanismRules& rules, const MechanismRules::Node& entity);
+
+    template <void (MechanismRules::*Member)(const MechanismRules::Node&)>
+    static void Run(MechanismRules& rules, const MechanismRules::Node& entity)
+    {
+        (rules.*Member)(entity);
+    }
+    template <const wchar_t* const& Element>
+    static void Target(MechanismRules& rules, const MechanismRules::Node& entity)
+    {
+        rules.NeedLink(entity, Element, Code::SensorWithoutTarget, "it measures nothing");
+    }
+
+    static const std::vector<MechanismRule>& All();
+};
+
+namespace {
+
+constexpr const wchar_t* Body = L"Body";
+constexpr const wchar_t* Joint = L"Joint";
+constexpr const wchar_t* Connector = L"Connector";
+constexpr const wchar_t* Motor = L"Motor";
+constexpr const wchar_t* Constraint = L"Constraint";
+constexpr const wchar_t* ConstrainedBody = L"ConstrainedBody";
+constexpr const wchar_t* CollisionRule = L"CollisionRule";
+
+} // namespace
+
+const std::vector<MechanismRule>& MechanismRule::All()
+{
+    using R = MechanismRules;
+    static const std::vector<MechanismRule> rules{
+        {"KARMPActuator", Run<&R::CheckActuator>},
+        {"KARMPMotor", Run<&R::CheckMotor>},
+        {"KARMPJointForceActuator",
+         [](R& all, const R::Node& entity) {
+             all.NeedLink(entity, Joint, Code::ForceWithoutTarget, "the force acts on no joint");
+         }},
+        {"KARMPSpatialForceActuator",
+         [](R& all, const R::Node& entity) {
+             all.NeedLink(entity, Body, Code::ForceWithoutTarget, "the force acts on no body");
+         }},
+        {"KARMPConnector", Run<&R::CheckConnector>},
+        {"KARMPDisplacementSensor", Target<Body>},
+        {"KARMPJointDOFSensor", Target<Joint>},
+        {"KARMPJointSpatialForceSensor", Target<Joint>},
+        {"KARMPConnectorSpatialForceSensor", Target<Connector>},
+        {"KARMPMotorForceSensor", Target<Motor>},
+        {"KARMPConstraintSensor", Target<Constraint>},
+        {"KARMPCollisionSensor", Target<CollisionRule>},
+        {"KARMPProximitySensor", Run<&R::CheckProximitySensor>},
+        {"KARMPDofSensor", Target<ConstrainedBody>},
+        {"KARMPDofSensor", Run<&R::CheckDofSensor>},
+        {"KARMPDofSensor2D", Run<&R::CheckDofSensor>},
+        {"KARMPCollisionRule", Run<&R::CheckCollisionRule>},
+        {"KARMPCollisionLayer", Run<&R::CheckCollisionLayer>},
+        {"KARMPCollisionInterLayer", Run<&R::CheckCollisionInterLayer>},
+    };
+    return rules;
+}
+
+MechanismRules::MechanismRules(Identifiers& identifiers, Tell tell)
+    : m_identifiers(identifiers), m_tell(std::move(tell))
+{}
+
+void MechanismRules::Note(std::uint32_t number, const Lineage& lineage, const Node& entity)
+{
+    if (Contains(lineage, "KARMPCollisionLayer"))
+        m_layers.insert(number);
+    if (!Contains(lineage, "KARMPConstant") && !Contains(lineage, "KARMPExpression"))
+        return;
+    // A word, or a number in documents of older versions.
+    const KARMPDeserializer* const quantity = First(entity, L"PhysicalQuantity");
+    const std::wstring text = quantity != nullptr ? TextOf(*quantity) : std::wstring();
+    if (text.empty() || text == L"NoPhysicalQuantity" || text == L"0")
+        m_valuesWithoutQuantity.insert(number);
+}
+
+void MechanismRules::Check(const Lineage& lineage, const Node& entity)
+{
+    for (const MechanismRule& rule : MechanismRule::All())
+        if (Contains(lineage, rule.className))
+            rule.check(*this, entity);
+}
+
+void MechanismRules::NeedLink(const Node& entity, std::wstring_view element, Code code,
+                              const char* text)
+{
+    if (First(entity, element) == nullptr)
+        m_tell(code, entity, {}, std::string(text) + ": it has no " + Quoted(element));
+}
+
+void MechanismRules::CheckActuator(const Node& entity)
+{
+    CheckQuantities(entity);
+}
+
+void MechanismRules::CheckMotor(const Node& entity)
+{
+    const KARMPDeserializer* const variable = First(entity, L"Variable");
+    if (variable == nullptr) {
+        m_tell(Code::MotorWithoutVariable, entity, {}, "the motor drives no variable");
+        return;
+    }
+    const auto number = m_identifiers.Of(*variable);
+    if (!number)
+        return;
+    const auto [first, added] = m_driven.try_emplace(*number, &entity);
+    if (!added)
+        m_tell(Code::SharedVariable, entity, {variable},
+               "the motor in line " + std::to_string(first->second->Line()) +
+                   " drives this variable too");
+}
+
+void MechanismRules::CheckConnector(const Node& entity)
+{
+    CheckQuantities(entity);
+    const bool first = First(entity, L"FirstBody") != nullptr;
+    const bool second = First(entity, L"SecondBody") != nullptr;
+    const bool onJoint = First(entity, L"Joint") != nullptr;
+    if ((first && second) || onJoint)
+        return;
+    m_tell(Code::ConnectorWithoutBody, entity, {},
+           first || second ? "it acts on one body only: it has no " +
+                                 Quoted(first ? L"SecondBody" : L"FirstBody")
+                           : "it acts on no body: it has neither \"FirstBody\" nor \"SecondBody\"");
+}
+
+void MechanismRules::CheckQuantities(const Node& entity)
+{
+    KARMPDeserializer::ElementVector children;
+    entity.AppendOrderedElements(children);
+    for (const KARMPDeserializer* child : children) {
+        CheckQuantity(entity, *child, {child});
+        KARMPDeserializer::ElementVector items;
+        child->AppendOrderedElements(items);
+        for (const KARMPDeserializer* item : items)
+            CheckQuantity(entity, *item, {child, item});
+    }
+}
+
+void MechanismRules::CheckQuantity(const Node& entity, const KARMPDeserializer& reference,
+                                   Way below)
+{
+    const auto number = m_identifiers.Of(reference);
+    if (number && m_valuesWithoutQuantity.contains(*number))
+        m_tell(Code::ValueWithoutQuantity, entity, std::move(below),
+               "the value of " + Quoted(reference.Id()) + " has no physical quantity, so no unit");
+}
+
+void MechanismRules::CheckDofSensor(const Node& entity)
+{
+    constexpr std::array<std::wstring_view, 5> Lists{L"Translations", L"Rotations", L"Screws",
+                                                     L"Translations2D", L"Rotations2D"};
+    int sum = 0;
+    for (const std::wstring_view name : Lists) {
+        const KARMPDeserializer* const list = First(entity, name);
+        if (list == nullptr)
+            continue;
+        const int stated = StatedCount(*list);
+        const std::size_t held = ItemsOf(entity, name).size();
+        if (stated < 0 || static_cast<std::size_t>(stated) != held)
+            m_tell(Code::WrongCount, entity, {list},
+                   "the number of " + Quoted(name) +
+                       " disagrees with the list: " + Counts(stated, held));
+        sum += static_cast<int>(held);
+    }
+    int stated = 0;
+    if (!KARFailed(entity.GetAttribute(L"numberOfDof", stated)) && stated != sum)
+        m_tell(Code::WrongCount, entity, {},
+               "the number of degrees of freedom disagrees with the lists: " +
+                   Counts(stated, static_cast<std::size_t>(sum)));
+}
+
+void MechanismRules::CheckProximitySensor(const Node& entity)
+{
+    const KARMPDeserializer* const data = First(entity, L"ProximitySensorData");
+    const KARMPDeserializer* const body = data != nullptr ? First(*data, L"SensorBody") : nullptr;
+    if (body == nullptr || !NodeOf(*body).HasAttribute(L"id"))
+        m_tell(Code::SensorWithoutTarget, entity, {},
+               "it measures nothing: its \"SensorBody\" is no body");
+}
+
+void MechanismRules::CheckCollisionRule(const Node& entity)
+{
+    const std::size_t count = ItemsOf(entity, L"Collidables").size();
+    if (count < 2)
+        m_tell(Code::RuleWithoutBody, entity, {},
+               count == 0 ? "the rule is about no collidable"
+                          : "the rule is about one collidable; it takes two");
+}
+
+void MechanismRules::CheckCollisionLayer(const Node& entity)
+{
+    for (const KARMPDeserializer* item : ItemsOf(entity, L"Entities")) {
+        const auto number = m_identifiers.Of(*item);
+        if (!number)
+            continue;
+        const auto [first, added] = m_layered.try_emplace(*number, &entity);
+        if (!added && first->second != &entity)
+            m_tell(Code::SharedByLayers, entity, {First(entity, L"Entities"), item},
+                   "the layer in line " + std::to_string(first->second->Line()) +
+                       " holds this entity too");
+    }
+}
+
+void MechanismRules::CheckCollisionInterLayer(const Node& entity)
+{
+    for (const KARMPDeserializer* item : ItemsOf(entity, L"CollisionLayers")) {
+        const auto number = m_identifiers.Of(*item);
+        if (number && !m_layers.contains(*number))
+            m_tell(Code::NoLayer, entity, {First(entity, L"CollisionLayers"), item},
+                   "this is no collision layer");
+    }
+}
+
+} // namespace karmp::documents

@@ -1,0 +1,203 @@
+// What a well-formed document says that no mechanism can mean. Each document has one mistake.
+#include "KARMPDocuments.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+using karmp::documents::CheckLevel;
+using karmp::documents::CheckText;
+using karmp::documents::Code;
+using karmp::documents::Diagnostic;
+using karmp::documents::Diagnostics;
+using karmp::documents::LoadText;
+using karmp::documents::Severity;
+
+constexpr const char* Things = R"(  <Bodies><Body id="B1"/><Body id="B2"/></Bodies>
+  <Joints><Revolute id="J"/></Joints>
+  <Variables><Variable id="V"/></Variables>
+  <Values>
+   <Constant id="N"><PhysicalQuantity>Force</PhysicalQuantity><Value>1</Value></Constant>
+   <Constant id="U"><PhysicalQuantity>NoPhysicalQuantity</PhysicalQuantity><Value>1</Value></Constant>
+  </Values>
+)";
+
+std::string Document(const std::string& families)
+{
+    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<KARMPDocument version=\"R2018.1\">\n"
+           " <World>\n" +
+           std::string(Things) + families + "\n </World>\n</KARMPDocument>\n";
+}
+
+bool IsOfMeaning(Code code)
+{
+    return code >= Code::MotorWithoutVariable && code <= Code::NoLayer;
+}
+
+Diagnostics MeaningOf(const std::string& families)
+{
+    Diagnostics found;
+    for (const Diagnostic& message : CheckText(Document(families)).items)
+        if (IsOfMeaning(message.code))
+            found.items.push_back(message);
+    return found;
+}
+
+// One finding, a warning, at the end of the path.
+void ExpectOne(const std::string& families, Code code, const std::string& path)
+{
+    SCOPED_TRACE(families);
+    const Diagnostics found = MeaningOf(families);
+    ASSERT_EQ(found.items.size(), 1U);
+    const Diagnostic& message = found.items.front();
+    EXPECT_EQ(message.code, code) << message.text;
+    EXPECT_EQ(message.severity, Severity::Warning);
+    EXPECT_EQ(message.path, "/KARMPDocument/World/" + path);
+    EXPECT_NE(message.line, 0U);
+}
+
+void ExpectNone(const std::string& families)
+{
+    SCOPED_TRACE(families);
+    for (const Diagnostic& message : MeaningOf(families).items)
+        ADD_FAILURE() << karmp::documents::Format(message);
+}
+
+TEST(MechanismRules, WantAVariableForEachMotor)
+{
+    ExpectOne("<Actuators><Motor id=\"M\"/></Actuators>", Code::MotorWithoutVariable,
+              "Actuators/Motor");
+    ExpectNone("<Actuators><Motor id=\"M\"><Variable id=\"V\"/></Motor></Actuators>");
+}
+
+TEST(MechanismRules, WantOneMotorForAVariable)
+{
+    ExpectOne("<Actuators><Motor id=\"M\"><Variable id=\"V\"/></Motor>"
+              "<Motor id=\"N\"><Variable id=\"V\"/></Motor></Actuators>",
+              Code::SharedVariable, "Actuators/Motor[2]/Variable");
+}
+
+TEST(MechanismRules, WantATargetForEachForce)
+{
+    ExpectOne("<Actuators><JointForceActuator id=\"F\"><Force id=\"N\"/></JointForceActuator>"
+              "</Actuators>",
+              Code::ForceWithoutTarget, "Actuators/JointForceActuator");
+    ExpectOne("<Actuators><SpatialForceActuator id=\"F\"/></Actuators>", Code::ForceWithoutTarget,
+              "Actuators/SpatialForceActuator");
+    ExpectNone("<Actuators><JointForceActuator id=\"F\"><Joint id=\"J\"/></JointForceActuator>"
+               "<SpatialForceActuator id=\"G\"><Body id=\"B1\"/></SpatialForceActuator>"
+               "</Actuators>");
+}
+
+TEST(MechanismRules, WantBothBodiesOfAConnector)
+{
+    for (const std::string kind :
+         {"AxialSpring", "LinearSpring", "TorsionSpring", "Bushing", "ForceElement"}) {
+        const auto connector = [&kind](const std::string& content) {
+            return "<Connectors><" + kind + " id=\"S\">" + content + "</" + kind + "></Connectors>";
+        };
+        const std::string path = "Connectors/" + kind;
+        ExpectOne(connector(""), Code::ConnectorWithoutBody, path);
+        ExpectOne(connector("<FirstBody id=\"B1\"/>"), Code::ConnectorWithoutBody, path);
+        ExpectOne(connector("<SecondBody id=\"B1\"/>"), Code::ConnectorWithoutBody, path);
+        ExpectNone(connector("<FirstBody id=\"B1\"/><SecondBody id=\"B2\"/>"));
+    }
+    ExpectNone("<Connectors><ForceElement id=\"S\"><Joint id=\"J\"/></ForceElement></Connectors>");
+}
+
+TEST(MechanismRules, WantAQuantityOfEachValueThatADriveOrConnectorUses)
+{
+    ExpectOne("<Actuators><Motor id=\"M\"><Variable id=\"V\"/><MaxForce id=\"U\"/></Motor>"
+              "</Actuators>",
+              Code::ValueWithoutQuantity, "Actuators/Motor/MaxForce");
+    ExpectOne("<Actuators><SpatialForceActuator id=\"F\"><Force><Vx id=\"N\"/><Vy id=\"U\"/>"
+              "<Vz id=\"N\"/></Force><Body id=\"B1\"/></SpatialForceActuator></Actuators>",
+              Code::ValueWithoutQuantity, "Actuators/SpatialForceActuator/Force/Vy");
+    ExpectOne("<Connectors><Bushing id=\"S\"><FirstBody id=\"B1\"/><SecondBody id=\"B2\"/>"
+              "<StiffnessTx id=\"U\"/></Bushing></Connectors>",
+              Code::ValueWithoutQuantity, "Connectors/Bushing/StiffnessTx");
+    ExpectNone("<Actuators><Motor id=\"M\"><Variable id=\"V\"/><MaxForce id=\"N\"/></Motor>"
+               "</Actuators>");
+}
+
+TEST(MechanismRules, WantATargetForEachSensor)
+{
+    for (const std::string kind :
+         {"DisplacementSensor", "JointDOFSensor", "JointSpatialForceSensor",
+          "ConnectorSpatialForceSensor", "MotorForceSensor", "ConstraintSensor", "DofSensor",
+          "CollisionSensor", "ProximitySensor"}) {
+        ExpectOne("<Sensors><" + kind + " id=\"S\"/></Sensors>", Code::SensorWithoutTarget,
+                  "Sensors/" + kind);
+    }
+    ExpectNone("<Sensors><JointDOFSensor id=\"S\"><Joint id=\"J\"/></JointDOFSensor>"
+               "<ProximitySensor id=\"P\"><ProximitySensorData><SensorBody id=\"B1\"/>"
+               "</ProximitySensorData></ProximitySensor></Sensors>");
+    ExpectOne("<Sensors><ProximitySensor id=\"P\"><ProximitySensorData><SensorBody/>"
+              "</ProximitySensorData></ProximitySensor></Sensors>",
+              Code::SensorWithoutTarget, "Sensors/ProximitySensor");
+}
+
+TEST(MechanismRules, CompareTheNumbersOfADofSensorWithItsLists)
+{
+    const auto sensor = [](const std::string& sum, const std::string& number) {
+        return "<Sensors><DofSensor id=\"S\" numberOfDof=\"" + sum + "\"><Translations number=\"" +
+               number +
+               "\"><Translation><Tx>1</Tx><Ty>0</Ty><Tz>0</Tz></Translation></Translations>"
+               "<ConstrainedBody id=\"B1\"/></DofSensor></Sensors>";
+    };
+    ExpectNone(sensor("1", "1"));
+    ExpectOne(sensor("2", "1"), Code::WrongCount, "Sensors/DofSensor");
+    ExpectOne(sensor("1", "3"), Code::WrongCount, "Sensors/DofSensor/Translations");
+}
+
+TEST(MechanismRules, WantTwoCollidablesOfACollisionRule)
+{
+    const auto rule = [](const std::string& collidables) {
+        return "<Interactions><CollisionRule id=\"R\"><Collidables>" + collidables +
+               "</Collidables></CollisionRule></Interactions>";
+    };
+    const std::string path = "Interactions/CollisionRule";
+    ExpectOne(rule(""), Code::RuleWithoutBody, path);
+    ExpectOne(rule("<Collidable id=\"B1\"/>"), Code::RuleWithoutBody, path);
+    ExpectNone(rule("<Collidable id=\"B1\"/><Collidable id=\"B2\"/>"));
+}
+
+TEST(MechanismRules, WantAnEntityInOneLayerOnly)
+{
+    const std::string first = "<CollisionLayer id=\"L1\"><Entities><Entity id=\"B1\"/></Entities>"
+                              "</CollisionLayer>";
+    ExpectOne("<Interactions>" + first +
+                  "<CollisionLayer id=\"L2\"><Entities><Entity id=\"B2\"/><Entity id=\"B1\"/>"
+                  "</Entities></CollisionLayer></Interactions>",
+              Code::SharedByLayers, "Interactions/CollisionLayer[2]/Entities/Entity[2]");
+    ExpectNone("<Interactions>" + first +
+               "<CollisionLayer id=\"L2\"><Entities><Entity id=\"B2\"/></Entities></CollisionLayer>"
+               "</Interactions>");
+}
+
+TEST(MechanismRules, WantLayersInARelationOfLayers)
+{
+    const auto relation = [](const std::string& id) {
+        return "<Interactions><CollisionInterLayer id=\"I\"><CollisionLayers><CollisionLayer "
+               "id=\"" +
+               id +
+               "\"/></CollisionLayers></CollisionInterLayer><CollisionLayer id=\"L\"/>"
+               "</Interactions>";
+    };
+    ExpectOne(relation("B1"), Code::NoLayer,
+              "Interactions/CollisionInterLayer/CollisionLayers/CollisionLayer");
+    ExpectNone(relation("L"));
+}
+
+TEST(MechanismRules, AreNotAppliedWhereTheFormAloneIsChecked)
+{
+    const std::string text = Document("<Actuators><Motor id=\"M\"/></Actuators>");
+    EXPECT_NE(CheckText(text).Find(Code::MotorWithoutVariable), nullptr);
+    EXPECT_EQ(CheckText(text, "text", {}, CheckLevel::Form).Find(Code::MotorWithoutVariable),
+              nullptr);
+    EXPECT_EQ(LoadText(text).diagnostics.Find(Code::MotorWithoutVariable), nullptr);
+}
+
+} // namespace
