@@ -24,7 +24,7 @@ const ClassItems& ClassItems::Of(const KARMPEntity& entity)
 }
 
 ClassItems::ClassItems(const QOBClassInfo& info)
-    : m_name(info.getName()), m_hash(std::hash<std::string>()(m_name))
+    : m_name(info.getName()), m_hash(std::hash<std::string>()(m_name)), m_links(LinkItemsOf(info))
 {
     for (const ItemInfo& item : ItemsOf(info)) {
         const bool isLink = item.kind == ItemKind::Reference || item.kind == ItemKind::References;
@@ -34,8 +34,8 @@ ClassItems::ClassItems(const QOBClassInfo& info)
             continue;
         }
         AddGiven(item);
-        if (!isTitle)
-            (isLink ? m_links : m_values).push_back(&item);
+        if (!isTitle && !isLink)
+            m_values.push_back(&item);
     }
 }
 
@@ -53,11 +53,11 @@ void ClassItems::AddGiven(const ItemInfo& item)
 
 const ItemInfo* ClassItems::Find(const std::wstring& path) const
 {
-    for (const auto* const items : {&m_values, &m_links}) {
-        const auto found =
-            std::find_if(items->begin(), items->end(),
-                         [&path](const ItemInfo* item) { return item->path == path; });
-        if (found != items->end())
+    for (const std::span<const ItemInfo* const> items : {std::span(m_values), m_links}) {
+        const auto found = std::find_if(items.begin(), items.end(), [&path](const ItemInfo* item) {
+            return item->path == path;
+        });
+        if (found != items.end())
             return *found;
     }
     return nullptr;

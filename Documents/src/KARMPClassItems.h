@@ -3,6 +3,7 @@
 #include "KARMPItems.h"
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -26,7 +27,7 @@ public:
     /// Items with values, without identifier and name.
     const std::vector<const ItemInfo*>& Values() const { return m_values; }
     /// References and lists of references.
-    const std::vector<const ItemInfo*>& Links() const { return m_links; }
+    std::span<const ItemInfo* const> Links() const { return m_links; }
     /// The item of a path among the values or the links; null when there is none.
     const ItemInfo* Find(const std::wstring& path) const;
     /// True when an entity may hold what its items do not give, so that its element is compared.
@@ -40,7 +41,7 @@ private:
     std::string m_name;
     std::uint64_t m_hash;
     std::vector<const ItemInfo*> m_values;
-    std::vector<const ItemInfo*> m_links;
+    std::span<const ItemInfo* const> m_links;
     /// Items that cannot be got.
     std::vector<const ItemInfo*> m_others;
     std::unordered_set<std::wstring> m_given;

@@ -3,6 +3,7 @@
 #include "KARMPConstraint.h"
 #include "KARMPFamilies.h"
 #include "KARMPGeometry.h"
+#include "KARMPItems.h"
 #include "KARMPJoint.h"
 #include "KARMPShape.h"
 #include "KARMPValue.h"
@@ -11,8 +12,8 @@
 #include "QOBClassInfo.h"
 
 #include <algorithm>
-#include <map>
-#include <variant>
+#include <string_view>
+#include <unordered_map>
 
 namespace karmp::documents {
 
@@ -80,34 +81,6 @@ void ForEachEntityOf(const KARMPWorld& world, Visit visit)
 }
 
 } // namespace
-
-std::span<const ItemInfo* const> LinkItemsOf(const KARMPEntity& entity)
-{
-    static thread_local std::map<const QOBClassInfo*, std::vector<const ItemInfo*>> made;
-    const QOBClassInfo& info = entity.getClassInfo();
-    const auto [place, added] = made.try_emplace(&info);
-    if (added)
-        for (const ItemInfo& item : ItemsOf(info))
-            if (item.kind == ItemKind::Reference || item.kind == ItemKind::References)
-                place->second.push_back(&item);
-    return place->second;
-}
-
-void ForEachTarget(const KARMPEntity& entity,
-                   const std::function<void(const ItemInfo&, const Target&)>& visit)
-{
-    for (const ItemInfo* item : LinkItemsOf(entity)) {
-        const ItemData data = item->Get(entity);
-        if (const auto* target = std::get_if<Target>(&data)) {
-            if (*target)
-                visit(*item, *target);
-        } else if (const auto* targets = std::get_if<std::vector<Target>>(&data)) {
-            for (const Target& entry : *targets)
-                if (entry)
-                    visit(*item, entry);
-        }
-    }
-}
 
 ExtractionSelection::ExtractionSelection(const KARMPWorld& world,
                                          const std::vector<QOBSharedHandle<KARMPBody>>& bodies,

@@ -1,24 +1,11 @@
 #pragma once
 
-#include "KARMPItems.h"
 #include "KARMPWorldExtraction.h"
 
-#include <functional>
-#include <span>
-#include <string_view>
-#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
 namespace karmp::documents {
-
-/// The references and lists of references that an entity of a class may hold.
-std::span<const ItemInfo* const> LinkItemsOf(const KARMPEntity& entity);
-
-/// Calls `visit` with each item and each entity that it refers to.
-void ForEachTarget(const KARMPEntity& entity,
-                   const std::function<void(const ItemInfo& item,
-                                            const QOBSharedHandle<KARMPEntity>& target)>& visit);
 
 /// Which entities of a world an extract has. Joints, constraints, geometries and variables are
 /// found from the bodies by their links; the further families are looked through as a whole.

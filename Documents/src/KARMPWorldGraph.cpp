@@ -78,16 +78,14 @@ void WorldGraph::AddLinks()
         pairs.push_back({to, {label ^ Backward, from}});
     };
     for (EntityNumber number = 0; number < Count(); ++number) {
-        const Entity& entity = m_entities[number];
-        for (const ItemInfo* const item : entity.items->Links()) {
-            const std::uint64_t label = std::hash<std::wstring>()(item->path);
-            const ItemData data = item->Get(*entity.handle);
-            if (const auto* const target = std::get_if<Target>(&data))
-                add(number, label, *target);
-            else if (const auto* const targets = std::get_if<std::vector<Target>>(&data))
-                for (const Target& entry : *targets)
-                    add(number, label, entry);
-        }
+        const ItemInfo* labelled = nullptr;
+        std::uint64_t label = 0;
+        ForEachTarget(*m_entities[number].handle, [&](const ItemInfo& item, const Target& target) {
+            if (&item != labelled)
+                label = std::hash<std::wstring>()(item.path);
+            labelled = &item;
+            add(number, label, target);
+        });
     }
     m_firstLinks.assign(m_entities.size() + 1, 0);
     for (const LabelledPair& pair : pairs)

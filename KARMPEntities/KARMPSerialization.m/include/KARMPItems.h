@@ -6,6 +6,7 @@
 #include "KARMPExport.h"
 #include "KARMPItemKind.h"
 
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -94,5 +95,16 @@ private:
 /// Made on first need and kept. May be called by several threads.
 KARMP_API std::span<const ItemInfo> ItemsOf(std::string_view className);
 KARMP_API std::span<const ItemInfo> ItemsOf(const QOBClassInfo& info);
+
+/// The references and lists of references among the items of a class, those that Get gives, in the
+/// order of ItemsOf. Made on first need and kept. May be called by several threads.
+KARMP_API std::span<const ItemInfo* const> LinkItemsOf(const QOBClassInfo& info);
+
+/// Calls `visit` with each item and each entity that it refers to, in the order of the items and of
+/// their lists; null entries are left out.
+KARMP_API void ForEachTarget(
+    const KARMPEntity& entity,
+    const std::function<void(const ItemInfo& item, const QOBSharedHandle<KARMPEntity>& target)>&
+        visit);
 
 } // namespace karmp

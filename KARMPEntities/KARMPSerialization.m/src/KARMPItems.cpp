@@ -8,6 +8,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <unordered_map>
 
 namespace karmp {
 
@@ -303,6 +304,11 @@ KARStatus AddTargets(const Item& item, void* owner, const Targets& targets)
     return KARSuccess;
 }
 
+bool IsLink(const ItemInfo& item)
+{
+    return item.kind == ItemKind::Reference || item.kind == ItemKind::References;
+}
+
 } // namespace
 
 ItemData ItemInfo::Get(const KARMPEntity& entity) const
@@ -440,6 +446,33 @@ std::span<const ItemInfo> ItemsOf(std::string_view className)
 std::span<const ItemInfo> ItemsOf(const QOBClassInfo& info)
 {
     return ItemsOf(info.getName());
+}
+
+std::span<const ItemInfo* const> LinkItemsOf(const QOBClassInfo& info)
+{
+    static std::mutex mutex;
+    static std::unordered_map<const QOBClassInfo*, std::vector<const ItemInfo*>> made;
+    const std::lock_guard lock(mutex);
+    const auto [found, isNew] = made.try_emplace(&info);
+    if (isNew)
+        for (const ItemInfo& item : ItemsOf(info))
+            if (IsLink(item) && item.CanGet())
+                found->second.push_back(&item);
+    return found->second;
+}
+
+void ForEachTarget(const KARMPEntity& entity,
+                   const std::function<void(const ItemInfo&, const Target&)>& visit)
+{
+    for (const ItemInfo* const item : LinkItemsOf(entity.getClassInfo())) {
+        const ItemData data = item->Get(entity);
+        if (const auto* const target = std::get_if<Target>(&data))
+            visit(*item, *target);
+        else if (const auto* const targets = std::get_if<Targets>(&data))
+            for (const Target& entry : *targets)
+                if (entry)
+                    visit(*item, entry);
+    }
 }
 
 } // namespace karmp

@@ -166,4 +166,36 @@ TEST_F(Items, ThatTheTableCannotGetSaySo)
     EXPECT_FALSE(canGet("KARMPSketchFunction", L"CurveSegments"));
 }
 
+TEST_F(Items, ThatAreLinksAreThoseOfTheTableThatCanBeFetched)
+{
+    std::vector<std::wstring_view> paths;
+    for (const ItemInfo* const link : karmp::LinkItemsOf(point->getClassInfo()))
+        paths.push_back(link->path);
+    EXPECT_EQ(paths,
+              (std::vector<std::wstring_view>{L"Parameters", L"States", L"Outputs",
+                                              L"AggregatedElements", L"Body", L"Constraints"}));
+    EXPECT_EQ(karmp::LinkItemsOf(point->getClassInfo()).front(), &Row(L"Parameters"));
+}
+
+TEST_F(Items, LeadToTheirTargetsOneByOne)
+{
+    const auto visited = [this] {
+        std::vector<std::pair<std::wstring, const KARMPEntity*>> links;
+        karmp::ForEachTarget(*point,
+                             [&](const ItemInfo& item, const QOBSharedHandle<KARMPEntity>& target) {
+                                 links.emplace_back(item.path, target.get());
+                             });
+        return links;
+    };
+    EXPECT_TRUE(visited().empty());
+    const QOBSharedHandle<KARMPEntity> first(body);
+    const QOBSharedHandle<KARMPEntity> second(KARMPBody::create(L"C"));
+    Set(L"AggregatedElements", Entities{second, first});
+    Set(L"Body", first);
+    EXPECT_EQ(visited(), (std::vector<std::pair<std::wstring, const KARMPEntity*>>{
+                             {L"AggregatedElements", second.get()},
+                             {L"AggregatedElements", first.get()},
+                             {L"Body", first.get()}}));
+}
+
 } // namespace
