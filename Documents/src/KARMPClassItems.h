@@ -28,6 +28,8 @@ public:
     const std::vector<const ItemInfo*>& Values() const { return m_values; }
     /// References and lists of references.
     std::span<const ItemInfo* const> Links() const { return m_links; }
+    /// Items that cannot be got: lists of records, and what the class's code alone knows.
+    const std::vector<const ItemInfo*>& Others() const { return m_others; }
     /// The item of a path among the values or the links; null when there is none.
     const ItemInfo* Find(const std::wstring& path) const;
     /// True when an entity may hold what its items do not give, so that its element is compared.
@@ -42,7 +44,6 @@ private:
     std::uint64_t m_hash;
     std::vector<const ItemInfo*> m_values;
     std::span<const ItemInfo* const> m_links;
-    /// Items that cannot be got.
     std::vector<const ItemInfo*> m_others;
     std::unordered_set<std::wstring> m_given;
 };

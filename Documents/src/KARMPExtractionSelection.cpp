@@ -5,6 +5,7 @@
 #include "KARMPGeometry.h"
 #include "KARMPItems.h"
 #include "KARMPJoint.h"
+#include "KARMPSchemaClasses.h"
 #include "KARMPShape.h"
 #include "KARMPValue.h"
 #include "KARMPVariable.h"
@@ -32,16 +33,6 @@ bool IsStructure(const KARMPEntity& entity)
 {
     return IsOneOf<KARMPBody, KARMPShape, KARMPJoint, KARMPConstraint, KARMPGeometry, KARMPVariable,
                    KARMPValue>(entity);
-}
-
-std::wstring_view FamilyElementOf(const KARMPEntity& entity)
-{
-    const auto& families = FamilyRecords();
-    const auto found =
-        std::find_if(families.begin(), families.end(), [&entity](const FamilyRecord& family) {
-            return entity.isDerivedFrom(*family.info);
-        });
-    return found != families.end() ? found->element : std::wstring_view();
 }
 
 // Belongs to the entity that refers to it and comes along with that one.
@@ -81,6 +72,19 @@ void ForEachEntityOf(const KARMPWorld& world, Visit visit)
 }
 
 } // namespace
+
+std::wstring_view FamilyElementOf(const KARMPEntity& entity)
+{
+    static thread_local std::unordered_map<const QOBClassInfo*, std::wstring_view> known;
+    const auto [found, isNew] = known.try_emplace(&entity.getClassInfo());
+    if (isNew) {
+        const std::vector<std::string> lineage = LineageOf(entity);
+        for (const FamilyRecord& family : FamilyRecords())
+            if (std::find(lineage.begin(), lineage.end(), family.info->getName()) != lineage.end())
+                found->second = family.element;
+    }
+    return found->second;
+}
 
 ExtractionSelection::ExtractionSelection(const KARMPWorld& world,
                                          const std::vector<QOBSharedHandle<KARMPBody>>& bodies,

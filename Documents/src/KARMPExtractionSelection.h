@@ -2,10 +2,15 @@
 
 #include "KARMPWorldExtraction.h"
 
+#include <string_view>
 #include <unordered_set>
 #include <vector>
 
 namespace karmp::documents {
+
+/// The name of the element of an entity's family, whatever its class record tells; empty for an
+/// entity of no family.
+std::wstring_view FamilyElementOf(const KARMPEntity& entity);
 
 /// Which entities of a world an extract has. Joints, constraints, geometries and variables are
 /// found from the bodies by their links; the further families are looked through as a whole.

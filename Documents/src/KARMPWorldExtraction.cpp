@@ -37,7 +37,8 @@ public:
 
 private:
     bool Duplicate();
-    Entities SourcesOf(const QOBClassInfo& family) const;
+    template <class T>
+    bool DuplicateFamily(const QOBClassInfo& family, const Entities& sources);
     template <class T>
     bool PairDuplicates(const Entities& sources);
     template <class T>
@@ -50,6 +51,8 @@ private:
     void RestoreGlobal(KARStatus (KARMPWorld::*get)(QOBSharedHandle<T>&) const,
                        KARStatus (KARMPWorld::*set)(const QOBSharedHandle<T>&));
 
+    /// True when the duplicate may lack what items do not give.
+    static bool LacksOthers(const KARMPEntity& source, const KARMPEntity& duplicate);
     void Restore(const Entity& source, const Entity& duplicate);
     void RestoreLink(const ItemInfo& item, const Entity& source, const Entity& duplicate);
     void RestoreValue(const ItemInfo& item, const Entity& source, const Entity& duplicate);
@@ -96,28 +99,34 @@ bool Extractor::Duplicate()
     m_table.Reserve(filter.size());
     m_pairs.reserve(filter.size());
     m_duplicates.reserve(filter.size());
-    auto family = FamilyRecords().begin();
+    std::unordered_map<std::wstring_view, Entities> families;
+    for (const Entity& entity : m_selection.Entities())
+        families[FamilyElementOf(*entity)].push_back(entity);
+    auto record = FamilyRecords().begin();
     bool isComplete = true;
     ForEachRegistryElement([&](const auto& element) {
         using T = typename std::remove_cvref_t<decltype(element)>::Type;
-        const Entities sources = SourcesOf(*family++->info);
-        if constexpr (std::is_same_v<T, KARMPConnector> || std::is_same_v<T, KARMPValue>)
-            DuplicatePassedOver<T>(sources);
-        else
-            isComplete = PairDuplicates<T>(sources) && isComplete;
+        isComplete = DuplicateFamily<T>(*record++->info, families[element.name]) && isComplete;
     });
     if (!isComplete)
         m_result.world = nullptr;
     return isComplete;
 }
 
-Entities Extractor::SourcesOf(const QOBClassInfo& family) const
+// A filtered clone passes over connectors and values, and over what its class record tells to be of
+// no family, as that of a collision layer does. False when a duplicate could not be made.
+template <class T>
+bool Extractor::DuplicateFamily(const QOBClassInfo& family, const Entities& sources)
 {
-    Entities sources;
-    for (const Entity& entity : m_selection.Entities())
-        if (entity->isDerivedFrom(family))
-            sources.push_back(entity);
-    return sources;
+    constexpr bool isFiltered =
+        !std::is_same_v<T, KARMPConnector> && !std::is_same_v<T, KARMPValue>;
+    Entities filtered;
+    Entities passedOver;
+    for (const Entity& entity : sources)
+        (isFiltered && entity->isDerivedFrom(family) ? filtered : passedOver).push_back(entity);
+    const bool isComplete = PairDuplicates<T>(filtered);
+    DuplicatePassedOver<T>(passedOver);
+    return isComplete;
 }
 
 // The duplicates of a family are filed in the order of the filter, behind the global of a new
@@ -139,7 +148,6 @@ bool Extractor::PairDuplicates(const Entities& sources)
     return true;
 }
 
-// A filtered clone passes over connectors and values.
 template <class T>
 void Extractor::DuplicatePassedOver(const Entities& sources)
 {
@@ -209,10 +217,20 @@ void Extractor::RestoreGlobal(KARStatus (KARMPWorld::*get)(QOBSharedHandle<T>&) 
         world.Remove<Family>(first);
 }
 
+// Reading an element adds to what the copy has kept.
+bool Extractor::LacksOthers(const KARMPEntity& source, const KARMPEntity& duplicate)
+{
+    const auto& others = ClassItems::Of(source).Others();
+    return std::any_of(others.begin(), others.end(), [&](const ItemInfo* item) {
+        const int count = item->Count(source);
+        return count < 0 || count != item->Count(duplicate);
+    });
+}
+
 void Extractor::Restore(const Entity& source, const Entity& duplicate)
 {
     std::wstring identifier;
-    if (ClassItems::Of(*source).HasMore(*source))
+    if (LacksOthers(*source, *duplicate))
         RestoreByElement(source, duplicate);
     else if (!KARFailed(source->GetIdentifier(identifier)))
         duplicate->SetIdentifier(identifier);

@@ -1,11 +1,10 @@
 // What differs between documents: none between those of one content, one for each item changed.
-#include "FilledEntities.h"
+#include "DifferenceTesting.h"
+#include "FilledWorld.h"
 #include "KARMPClassItems.h"
 #include "KARMPDocuments.h"
 #include "KARMPItems.h"
 #include "KARMPTestFixture.h"
-#include "KARMPWorldDifference.h"
-#include "KARMPWorldFamilies.h"
 #include "KARTextConversion.h"
 
 #include <gtest/gtest.h>
@@ -13,7 +12,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <filesystem>
 #include <functional>
 #include <map>
 #include <random>
@@ -24,37 +22,7 @@ namespace karmp::documents {
 
 namespace {
 
-namespace fs = std::filesystem;
-using Handle = QOBSharedHandle<KARMPEntity>;
 using Handles = std::vector<Handle>;
-
-std::string TextOf(const std::vector<Difference>& differences)
-{
-    std::string text;
-    for (const Difference& difference : differences) {
-        text += DifferenceText(difference.kind);
-        for (const Handle& entity : {difference.before, difference.after})
-            text +=
-                ' ' + (entity ? entity->getClassName() + ' ' + kar::ToUtf8(entity->getEntityName())
-                              : std::string("-"));
-        text += ' ' + kar::ToUtf8(difference.item) + '\n';
-    }
-    return text;
-}
-
-std::string DifferenceOf(const QOBSharedHandle<KARMPWorld>& before,
-                         const QOBSharedHandle<KARMPWorld>& after)
-{
-    return TextOf(FindDifferences(*before, *after));
-}
-
-std::vector<fs::path> Examples()
-{
-    std::vector<fs::path> examples;
-    for (const auto& entry : fs::directory_iterator(KARMP_EXAMPLE_DOCUMENTS))
-        examples.push_back(entry.path());
-    return examples;
-}
 
 QOBSharedHandle<KARMPWorld> Load(const pugi::xml_document& document)
 {
@@ -144,13 +112,13 @@ class DocumentDifference : public KARMPTestFixture
 
 TEST_F(DocumentDifference, IsNothingBetweenAnExampleAndItself)
 {
-    for (const fs::path& example : Examples())
+    for (const std::filesystem::path& example : Examples())
         EXPECT_EQ(DifferenceOf(LoadFile(example).world, LoadFile(example).world), "") << example;
 }
 
 TEST_F(DocumentDifference, IsNothingBetweenAnExampleAndWhatItIsReloadedAs)
 {
-    for (const fs::path& example : Examples()) {
+    for (const std::filesystem::path& example : Examples()) {
         const auto world = LoadFile(example).world;
         std::string text;
         SaveText(world, text);
@@ -160,7 +128,7 @@ TEST_F(DocumentDifference, IsNothingBetweenAnExampleAndWhatItIsReloadedAs)
 
 TEST_F(DocumentDifference, IsNothingBetweenAnExampleAndOneInAnotherOrderWithOtherIdentifiers)
 {
-    for (const fs::path& example : Examples()) {
+    for (const std::filesystem::path& example : Examples()) {
         pugi::xml_document document;
         ASSERT_TRUE(document.load_file(example.c_str()));
         const auto world = Load(document);
@@ -174,7 +142,7 @@ TEST_F(DocumentDifference, IsNothingBetweenAnExampleAndOneInAnotherOrderWithOthe
 
 TEST_F(DocumentDifference, IsNothingBetweenExamplesWithoutNamesWithOtherIdentifiers)
 {
-    for (const fs::path& example : Examples()) {
+    for (const std::filesystem::path& example : Examples()) {
         pugi::xml_document document;
         ASSERT_TRUE(document.load_file(example.c_str()));
         Remaker remaker(document);
@@ -196,70 +164,6 @@ TEST_F(DocumentDifference, IsNothingBetweenEmptyDocuments)
     EXPECT_NE(DifferenceOf(world, LoadFile(Examples()[0]).world), "");
     EXPECT_NE(DifferenceOf(LoadFile(Examples()[0]).world, world), "");
 }
-
-/// A world with an entity of a class that is filled, and with those that it is linked to.
-class FilledWorld
-{
-public:
-    explicit FilledWorld(const std::string& className, Filling filling = Filling::Full)
-        : entity(m_filled.Make(className, filling))
-    {
-        entity->GetWorld(world);
-        File(entity);
-        for (const KARMPEntityTable::Entry* const entry : m_filled.Table().InOrder())
-            File(entry->Entity());
-    }
-    ~FilledWorld()
-    {
-        // Entities that hold one another are taken apart.
-        for (const KARMPEntityTable::Entry* const entry : m_filled.Table().InOrder())
-            if (const Handle linked = entry->Entity())
-                linked->orphanObject();
-        entity->orphanObject();
-    }
-    FilledWorld(const FilledWorld&) = delete;
-    FilledWorld& operator=(const FilledWorld&) = delete;
-
-    /// An entity of a class other than those; null when there is none.
-    Handle Other(std::string_view className, const Handles& those) const
-    {
-        for (const KARMPEntityTable::Entry* const entry : m_filled.Table().InOrder()) {
-            const Handle& candidate = entry->Entity();
-            if (IsA(*candidate, className) &&
-                std::find(those.begin(), those.end(), candidate) == those.end())
-                return candidate;
-        }
-        return {};
-    }
-
-private:
-    static bool IsA(const KARMPEntity& entity, std::string_view className)
-    {
-        const QOBClassInfo* info = &entity.getClassInfo();
-        while (info != nullptr && info->getName() != className)
-            info = info->getParent();
-        return info != nullptr;
-    }
-    // Stand-ins for abstract classes have no element.
-    void File(const Handle& filed)
-    {
-        static const std::vector<std::string> made = MadeClasses();
-        if (std::find(made.begin(), made.end(), filed->getClassInfo().getName()) == made.end())
-            return;
-        Families::AnyOf([&](auto family) {
-            using T = typename decltype(family)::Type;
-            // A layer's record does not tell that it is an interaction.
-            return dynamic_cast<const T*>(filed.get()) != nullptr &&
-                   world->Add<T>(QOBSharedHandle<T>(filed)) == KARSuccess;
-        });
-    }
-
-    FilledEntities m_filled;
-
-public:
-    Handle entity;
-    QOBSharedHandle<KARMPWorld> world;
-};
 
 /// Another value for an item that is no list, or none where there is no other one.
 ItemData OtherValue(const ItemInfo& item, const FilledWorld& filled, const FilledWorld& other)
