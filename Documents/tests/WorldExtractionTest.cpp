@@ -1,90 +1,18 @@
 // Parts of mechanisms as worlds of their own.
-#include "KARMPBody.h"
-#include "KARMPDocuments.h"
+#include "ExtractionTesting.h"
 #include "KARMPTestFixture.h"
-#include "KARMPWorld.h"
 #include "KARMPWorldDifference.h"
-#include "KARMPWorldExtraction.h"
-#include "KARTextConversion.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <filesystem>
-#include <string>
 
 namespace karmp::documents {
 
 namespace {
-
-namespace fs = std::filesystem;
-using Bodies = std::vector<QOBSharedHandle<KARMPBody>>;
-using World = QOBSharedHandle<KARMPWorld>;
-
-World SliderCrank()
-{
-    return LoadFile(fs::path(KARMP_EXAMPLE_DOCUMENTS) / "slider-crank.xml").world;
-}
-
-Bodies AllBodies(const KARMPWorld& world)
-{
-    Bodies bodies(static_cast<std::size_t>(world.GetBodyCount()));
-    for (std::size_t i = 0; i < bodies.size(); ++i)
-        world.Get<KARMPBody>(static_cast<int>(i), bodies[i]);
-    return bodies;
-}
-
-Bodies Named(const KARMPWorld& world, const std::vector<std::wstring>& names)
-{
-    Bodies named;
-    for (const auto& body : AllBodies(world))
-        if (std::find(names.begin(), names.end(), body->getEntityName()) != names.end())
-            named.push_back(body);
-    EXPECT_EQ(named.size(), names.size());
-    return named;
-}
-
-std::vector<std::string> NamesOf(const Bodies& bodies)
-{
-    std::vector<std::string> names;
-    for (const auto& body : bodies)
-        names.push_back(kar::ToUtf8(body->getEntityName()));
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
-std::vector<std::string> TextsOf(const std::vector<CutLink>& links)
-{
-    std::vector<std::string> texts;
-    for (const CutLink& link : links)
-        texts.push_back(kar::ToUtf8(link.holder->getEntityName() + L' ' + link.item + L' ' +
-                                    link.target->getEntityName()));
-    std::sort(texts.begin(), texts.end());
-    return texts;
-}
-
-Diagnostics CheckOf(const World& world)
-{
-    std::string text;
-    Diagnostics messages = SaveText(world, text);
-    messages.Append(CheckText(text));
-    return messages;
-}
-
-std::vector<std::wstring> AllFamilies()
-{
-    std::vector<std::wstring> families;
-    for (const FamilyRecord& family : FamilyRecords())
-        families.emplace_back(family.element);
-    return families;
-}
 
 class WorldExtraction : public KARMPTestFixture
 {};
 
 TEST_F(WorldExtraction, OfAllBodiesIsTheMechanism)
 {
-    for (const auto& entry : fs::directory_iterator(KARMP_EXAMPLE_DOCUMENTS)) {
+    for (const auto& entry : std::filesystem::directory_iterator(KARMP_EXAMPLE_DOCUMENTS)) {
         SCOPED_TRACE(entry.path());
         const World world = LoadFile(entry.path()).world;
         const Extraction extract = ExtractWorld(*world, AllBodies(*world), {0, AllFamilies()});

@@ -1,0 +1,231 @@
+// What comes along with the bodies of an extract, family by family, and which links are cut.
+#include "CloneTesting.h"
+#include "ExtractionTesting.h"
+#include "KARMPCollisionLayer.h"
+#include "KARMPDisplacementSensor.h"
+#include "KARMPEntities.h"
+#include "KARMPItems.h"
+#include "KARMPJointDOFSensor.h"
+#include "KARMPTestFixture.h"
+
+#include <set>
+#include <utility>
+
+namespace karmp::documents {
+
+namespace {
+
+template <class Family>
+std::vector<std::string> SortedNames(const KARMPWorld& world)
+{
+    std::vector<std::string> names;
+    for (int index = 0; index < world.Count<Family>(); ++index) {
+        QOBSharedHandle<Family> entity;
+        world.Get<Family>(index, entity);
+        names.push_back(kar::ToUtf8(entity->getEntityName()));
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+using Names = std::vector<std::string>;
+
+template <class Visit>
+void ForEachEntityIn(const KARMPWorld& world, Visit visit)
+{
+    Families::ForEach([&](auto family) {
+        using T = typename decltype(family)::Type;
+        for (int index = 0; index < world.Count<T>(); ++index) {
+            QOBSharedHandle<T> entity;
+            world.Get<T>(index, entity);
+            visit(*entity);
+        }
+    });
+}
+
+/// The two ends of links, each link once whichever end holds it.
+using Ends = std::set<std::pair<std::wstring, std::wstring>>;
+
+void Insert(Ends& ends, const KARMPEntity& one, const KARMPEntity& other)
+{
+    ends.insert(std::minmax(IdentifierOf(one), IdentifierOf(other)));
+}
+
+/// The links of a world that lead into the extract of a body or out of it.
+Ends LinksAcross(const KARMPWorld& world, const KARMPWorld& extract, const KARMPBody& body)
+{
+    std::set<std::wstring> inside;
+    ForEachEntityIn(extract,
+                    [&](const KARMPEntity& entity) { inside.insert(IdentifierOf(entity)); });
+    // The globals of the extract stand for those that do not come along.
+    inside.erase(L"GlobalTime");
+    if (IdentifierOf(body) != L"GlobalBody") {
+        inside.erase(L"GlobalBody");
+        inside.erase(L"GlobalAxisSystem");
+    }
+    Ends ends;
+    ForEachEntityIn(world, [&](const KARMPEntity& entity) {
+        ForEachTarget(entity, [&](const ItemInfo&, const QOBSharedHandle<KARMPEntity>& target) {
+            if (inside.count(IdentifierOf(entity)) != inside.count(IdentifierOf(*target)))
+                Insert(ends, entity, *target);
+        });
+    });
+    return ends;
+}
+
+class ExtractionOfFamilies : public KARMPTestFixture
+{
+protected:
+    /// The slider-crank with a sensor of its rod's motion and one of its crank pin.
+    static World WithSensors()
+    {
+        const World world = SliderCrank();
+        const Bodies bodies = Named(*world, {L"Crank", L"Rod"});
+        const auto motion = Add<KARMPSensor>(*world, KARMPDisplacementSensor::create(L"Motion"));
+        motion->SetBody(bodies[1]);
+        bodies[1]->SetDisplacementSensor(motion);
+        const auto pin = Add<KARMPSensor>(*world, KARMPJointDOFSensor::create(L"Pin"));
+        for (int index = 0; index < world->Count<KARMPJoint>(); ++index) {
+            QOBSharedHandle<KARMPJoint> joint;
+            world->Get<KARMPJoint>(index, joint);
+            if (joint->getEntityName() == L"Crank pin")
+                pin->SetJoint(joint);
+        }
+        return world;
+    }
+    template <class Family, class T>
+    static QOBSharedHandle<T> Add(KARMPWorld& world, const QOBSharedHandle<T>& entity)
+    {
+        const QOBSharedHandle<QOBBasicEntity> above(world.getExtendible());
+        above->addLogicalChild(entity);
+        world.Add<Family>(entity);
+        return entity;
+    }
+};
+
+TEST_F(ExtractionOfFamilies, OfEachBodyAloneTellsEachLinkThatItCutsAndPassesTheCheck)
+{
+    for (const char* const example : {"quarter-car", "motor-drive", "seven-body", "gear-pair"}) {
+        const World world = Example(example);
+        for (const auto& body : AllBodies(*world)) {
+            SCOPED_TRACE(example + (' ' + kar::ToUtf8(body->getEntityName())));
+            const Extraction extract = ExtractWorld(*world, {body}, {0, AllFamilies()});
+            ASSERT_TRUE(extract.world);
+            EXPECT_TRUE(extract.lostItems.empty());
+            EXPECT_TRUE(CheckOf(extract.world).items.empty());
+            Ends told;
+            for (const CutLink& link : extract.cutLinks)
+                Insert(told, *link.holder, *link.target);
+            EXPECT_EQ(told.size(), extract.cutLinks.size());
+            EXPECT_EQ(told, LinksAcross(*world, *extract.world, *body));
+        }
+    }
+}
+
+TEST_F(ExtractionOfFamilies, TakesNoFurtherFamilyThatIsNotAskedFor)
+{
+    for (const char* const example : {"quarter-car", "motor-drive"}) {
+        const World world = Example(example);
+        const World extract = ExtractWorld(*world, AllBodies(*world)).world;
+        EXPECT_EQ(extract->Count<KARMPConnector>(), 0);
+        EXPECT_EQ(extract->Count<KARMPActuator>(), 0);
+        EXPECT_EQ(extract->Count<KARMPValue>(), 0) << "nothing uses them";
+        EXPECT_EQ(extract->Count<KARMPJoint>(), world->Count<KARMPJoint>());
+        EXPECT_EQ(extract->Count<KARMPConstraint>(), world->Count<KARMPConstraint>());
+        EXPECT_TRUE(CheckOf(extract).items.empty());
+    }
+}
+
+TEST_F(ExtractionOfFamilies, TakesConnectorsBetweenItsBodiesWithTheirValues)
+{
+    const World world = Example("quarter-car");
+    const World extract =
+        ExtractWorld(*world, Named(*world, {L"Body", L"Upper arm"}), {0, {L"Connectors"}}).world;
+    EXPECT_EQ(SortedNames<KARMPConnector>(*extract), (Names{"Torsion bar"}));
+    EXPECT_EQ(SortedNames<KARMPValue>(*extract),
+              (Names{"Torsion bar.damping", "Torsion bar.rest angle", "Torsion bar.stiffness"}));
+    EXPECT_TRUE(CheckOf(extract).items.empty());
+}
+
+TEST_F(ExtractionOfFamilies, TakesActuatorsWhoseVariablesComeAlong)
+{
+    const World world = Example("motor-drive");
+    const Bodies bodies = Named(*world, {L"Turntable", L"Arm"});
+    const World extract = ExtractWorld(*world, bodies, {0, {L"Actuators"}}).world;
+    // The driver is attached to motors that do not come along.
+    EXPECT_EQ(SortedNames<KARMPActuator>(*extract), (Names{"Lift motor"}));
+    EXPECT_EQ(SortedNames<KARMPValue>(*extract),
+              (Names{"Lift motor.maximum", "Lift motor.position"}));
+    const World all = ExtractWorld(*world, AllBodies(*world), {0, {L"Actuators"}}).world;
+    EXPECT_EQ(SortedNames<KARMPActuator>(*all), SortedNames<KARMPActuator>(*world));
+    EXPECT_EQ(SortedNames<KARMPValue>(*all), SortedNames<KARMPValue>(*world));
+}
+
+TEST_F(ExtractionOfFamilies, TakesSensorsWhoseBodiesAndJointsComeAlong)
+{
+    const World world = WithSensors();
+    const Bodies both = Named(*world, {L"Crank", L"Rod"});
+    const Bodies rod = Named(*world, {L"Rod"});
+    const auto sensors = [&](const Bodies& bodies, std::vector<std::wstring> families) {
+        return SortedNames<KARMPSensor>(
+            *ExtractWorld(*world, bodies, {0, std::move(families)}).world);
+    };
+    EXPECT_EQ(sensors(both, {L"Sensors"}), (Names{"Motion", "Pin"}));
+    EXPECT_EQ(sensors(both, {L"Actuators"}), Names());
+    EXPECT_EQ(sensors(rod, {L"Sensors"}), (Names{"Motion"}));
+    EXPECT_EQ(sensors(Named(*world, {L"Crank"}), {L"Sensors"}), Names());
+}
+
+TEST_F(ExtractionOfFamilies, TellsTheLinksOfSensorsThatStayBehind)
+{
+    const World world = WithSensors();
+    const auto tells = [&](const std::vector<std::wstring>& families) {
+        const Extraction extract = ExtractWorld(*world, Named(*world, {L"Rod"}), {0, families});
+        const std::vector<std::string> told = TextsOf(extract.cutLinks);
+        return std::count(told.begin(), told.end(), "Rod DisplacementSensor Motion");
+    };
+    EXPECT_EQ(tells({}), 1);
+    EXPECT_EQ(tells({L"Sensors"}), 0);
+}
+
+TEST_F(ExtractionOfFamilies, TakesInteractionsWhoseEntitiesComeAlong)
+{
+    const World world = SliderCrank();
+    const Bodies bodies = Named(*world, {L"Crank", L"Rod"});
+    const auto layer = Add<KARMPInteraction>(*world, KARMPCollisionLayer::create(L"Layer"));
+    for (const auto& body : bodies)
+        layer->AddCollidable(body);
+    const World extract = ExtractWorld(*world, bodies, {0, {L"Interactions"}}).world;
+    ASSERT_EQ(SortedNames<KARMPInteraction>(*extract), (Names{"Layer"}));
+    QOBSharedHandle<KARMPInteraction> found;
+    extract->Get<KARMPInteraction>(0, found);
+    EXPECT_EQ(found->GetCollidableCount(), 2);
+    EXPECT_TRUE(SortedNames<KARMPInteraction>(*ExtractWorld(*world, bodies).world).empty());
+    const World one = ExtractWorld(*world, {bodies[0]}, {0, {L"Interactions"}}).world;
+    EXPECT_TRUE(SortedNames<KARMPInteraction>(*one).empty());
+}
+
+TEST_F(ExtractionOfFamilies, TakesWhatMeansSomethingByItselfWhenItIsAskedFor)
+{
+    const World world = SliderCrank();
+    Add<KARMPAnalysisCase>(*world, OwnKindOf<KARMPAnalysisCase>::create(L"Case"));
+    Add<KARMPGenericEntity>(*world, OwnKindOf<KARMPGenericEntity>::create(L"Generic"));
+    Add<KARMPDebugEntity>(*world, OwnKindOf<KARMPDebugEntity>::create(L"Debug"));
+    Add<KARMPInitialCondition>(*world, OwnKindOf<KARMPInitialCondition>::create(L"Initial"));
+    const Bodies crank = Named(*world, {L"Crank"});
+    const World none = ExtractWorld(*world, crank).world;
+    const World all = ExtractWorld(*world, crank, {0, AllFamilies()}).world;
+    const World cases = ExtractWorld(*world, crank, {0, {L"AnalysisCases"}}).world;
+    const auto counts = [](const KARMPWorld& extract) {
+        return std::vector<int>{
+            extract.Count<KARMPAnalysisCase>(), extract.Count<KARMPGenericEntity>(),
+            extract.Count<KARMPDebugEntity>(), extract.Count<KARMPInitialCondition>()};
+    };
+    EXPECT_EQ(counts(*none), (std::vector<int>{0, 0, 0, 0}));
+    EXPECT_EQ(counts(*all), (std::vector<int>{1, 1, 1, 1}));
+    EXPECT_EQ(counts(*cases), (std::vector<int>{1, 0, 0, 0}));
+}
+
+} // namespace
+
+} // namespace karmp::documents
