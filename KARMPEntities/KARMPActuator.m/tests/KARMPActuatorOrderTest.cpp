@@ -68,10 +68,30 @@ TEST(ActuatorOrder, LoadersAddTheirOperationsBehindTheHooks)
     ExpectSlotsBehind(last, {VirtualSlot(&Spatial::UpdateForce), VirtualSlot(&Spatial::SetForce),
                              VirtualSlot(&Spatial::SetTorque), VirtualSlot(&Spatial::SetBody),
                              VirtualSlot(&Spatial::SetApplicationPoint)});
-    using Planar = KARIMPSpatialForceActuator2DLoader;
-    ExpectSlotsBehind(last, {VirtualSlot(&Planar::UpdateForce), VirtualSlot(&Planar::SetForce),
-                             VirtualSlot(&Planar::SetTorque), VirtualSlot(&Planar::SetBody),
-                             VirtualSlot(&Planar::SetApplicationPoint)});
+    using Move = KARIMPDisplacementActuatorLoader;
+    ExpectSlotsBehind(last, {VirtualSlot(&Move::SetDisplacement),
+                             VirtualSlot(&Move::SetDisplacementByDragLine),
+                             VirtualSlot(&Move::GetMoveStatus)});
+}
+
+template <class Loader, class Argument>
+std::size_t SlotOf(KARStatus (Loader::*operation)(Argument))
+{
+    return VirtualSlot(operation);
+}
+
+TEST(ActuatorOrder, PlanarLoadersAddTheirOperationsBehindTheSpatialOnes)
+{
+    using Force = KARIMPSpatialForceActuator2DLoader;
+    ExpectSlotsBehind(VirtualSlot(&KARIMPSpatialForceActuatorLoader::SetApplicationPoint),
+                      {SlotOf<Force, const Force::ForceComponents&>(&Force::SetForce),
+                       SlotOf<Force, const Force::TorqueComponents&>(&Force::SetTorque),
+                       SlotOf<Force, const QOBSharedHandle<KARMPBody2D>&>(&Force::SetBody),
+                       SlotOf<Force, const KARMathPoint2D&>(&Force::SetApplicationPoint)});
+    using Move = KARIMPDisplacementActuator2DLoader;
+    ExpectSlotsBehind(VirtualSlot(&KARIMPDisplacementActuatorLoader::GetMoveStatus),
+                      {SlotOf<Move, const KARMathTransformation2D&>(&Move::SetDisplacement),
+                       SlotOf<Move, const KARMathLine2D&>(&Move::SetDisplacementByDragLine)});
 }
 
 } // namespace

@@ -210,6 +210,14 @@ protected:
     QOBSharedHandle<KARMPPoint> point = KARMPPoint::create(L"point");
 };
 
+TEST_F(DisplacementActuator, FailsWithTheLoaderOfAPlanarOne)
+{
+    actuator->SetLoader(new RecordingDisplacementActuator2DLoader(record));
+    EXPECT_EQ(actuator->SetDisplacement(Spatial::Move()), KARNotImplemented);
+    EXPECT_EQ(actuator->SetDisplacementByDragLine(Spatial::DragLine()), KARNotImplemented);
+    EXPECT_TRUE(record.calls.empty());
+}
+
 TEST_F(DisplacementActuator, HasABodyAndPerhapsAGeometry)
 {
     QOBSharedHandle<KARMPBody> foundBody = body;

@@ -321,6 +321,18 @@ TEST_F(SpatialForceActuator, KeepsWhatItsLoaderRefuses)
     ExpectReports(2);
 }
 
+TEST_F(SpatialForceActuator, FailsWithTheLoaderOfAPlanarOne)
+{
+    const auto other = KARMPSpatialForceActuator::create(L"o");
+    other->SetLoader(new RecordingSpatialForceActuator2DLoader(record));
+    EXPECT_EQ(other->SetForce(values, Body()), KARFailure);
+    EXPECT_EQ(other->SetTorque(values, Body()), KARFailure);
+    EXPECT_EQ(other->SetBody(body), KARFailure);
+    EXPECT_EQ(other->SetApplicationPoint({1.0, 1.0, 1.0}, Body()), KARFailure);
+    ExpectReports(4);
+    EXPECT_TRUE(record.calls.empty());
+}
+
 TEST_F(SpatialForceActuator, WithoutALoaderStoresAlone)
 {
     const auto bare = KARMPSpatialForceActuator::create(L"bare");
