@@ -3,6 +3,7 @@
 #include "KARIMPJointForceActuatorLoader.h"
 #include "KARMPContentWalk.h"
 #include "KARMPFrames.h"
+#include "KARMPFreedomIndex.h"
 #include "KARMPJoint.h"
 #include "KARMPLoaderAccess.h"
 #include "KARMPValue.h"
@@ -24,16 +25,6 @@ struct karmp::ContentOf<KARMPJointForceActuator>
             .Through<&C::SetIndexDOF>());
 };
 KARMP_DEFINE_CONTENT(KARMPJointForceActuator);
-
-namespace {
-
-// A negative index is far above the range.
-bool IsIndex(int index)
-{
-    return static_cast<unsigned int>(index) <= 5U;
-}
-
-} // namespace
 
 KARMPJointForceActuator::KARMPJointForceActuator() = default;
 KARMPJointForceActuator::KARMPJointForceActuator(const KARMPJointForceActuator& source,
@@ -72,7 +63,7 @@ KARStatus KARMPJointForceActuator::SetForce(const QOBSharedHandle<KARMPValue>& f
 
 KARStatus KARMPJointForceActuator::SetIndexDOF(const int& index)
 {
-    if (!IsIndex(index))
+    if (!karmp::IsFreedom(index))
         return KARFailure;
     m_indexDOF = index;
     return KARSuccess;
@@ -80,7 +71,7 @@ KARStatus KARMPJointForceActuator::SetIndexDOF(const int& index)
 
 KARStatus KARMPJointForceActuator::GetIndexDOF(int& index) const
 {
-    if (!IsIndex(m_indexDOF))
+    if (!karmp::IsFreedom(m_indexDOF))
         return KARFailure;
     index = m_indexDOF;
     return KARSuccess;

@@ -45,8 +45,7 @@ protected:
     ~KARMPBushing() override;
 
 private:
-    static constexpr std::size_t Freedoms = 6;
-    using Values = std::array<Value, Freedoms>;
+    using Values = std::array<Value, 6>;
 
     Values m_stiffness;
     Values m_damping;

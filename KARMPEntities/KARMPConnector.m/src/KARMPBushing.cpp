@@ -3,6 +3,7 @@
 #include "KARIMPBushingLoader.h"
 #include "KARMPContentWalk.h"
 #include "KARMPFrames.h"
+#include "KARMPFreedomIndex.h"
 #include "KARMPLoaderAccess.h"
 #include "KARMPValue.h"
 
@@ -13,6 +14,7 @@ KARMP_DEFINE_ENTITY(KARMPBushing, "ACAEA8E1-013A-4ba6-938A-6F682974C510");
 namespace {
 
 using Value = KARMPBushing::Value;
+using Values = std::array<Value, karmp::Freedoms>;
 using Setter = KARStatus (KARMPBushing::*)(int, const Value&);
 
 template <Setter Set, int Index>
@@ -33,29 +35,20 @@ constexpr auto ValuesOf(const std::array<std::wstring_view, sizeof...(Index)>& n
             .Optional()...);
 }
 
-// Compared as unsigned, so that a negative index lies above all others.
-template <std::size_t N>
-bool IsWithin(const std::array<Value, N>&, int index)
-{
-    return static_cast<unsigned>(index) < N;
-}
-
-template <std::size_t N>
-KARStatus Store(std::array<Value, N>& values, int index, const Value& value,
+KARStatus Store(Values& values, int index, const Value& value,
                 KARMPSourceLocation where = KARMPSourceLocation::current())
 {
-    if (!KARMPVerify(IsWithin(values, index) && value, where))
+    if (!KARMPVerify(karmp::IsFreedom(index) && value, where))
         return KARFailure;
     values[static_cast<std::size_t>(index)] = value;
     return KARSuccess;
 }
 
-template <std::size_t N>
-KARStatus Fetch(const std::array<Value, N>& values, int index, Value& value,
+KARStatus Fetch(const Values& values, int index, Value& value,
                 KARMPSourceLocation where = KARMPSourceLocation::current())
 {
     value = nullptr;
-    if (!KARMPVerify(IsWithin(values, index), where))
+    if (!KARMPVerify(karmp::IsFreedom(index), where))
         return KARFailure;
     value = values[static_cast<std::size_t>(index)];
     return KARSuccess;
@@ -67,7 +60,7 @@ template <>
 struct karmp::ContentOf<KARMPBushing>
 {
     using C = KARMPBushing;
-    static constexpr std::make_index_sequence<C::Freedoms> All{};
+    static constexpr std::make_index_sequence<karmp::Freedoms> All{};
     static constexpr auto List = Element(
         L"Bushing", "An elastic bearing, which acts in each of six freedoms.", LenientFrame,
         ValuesOf<&C::m_stiffness, &C::SetStiffness>(

@@ -3,6 +3,7 @@
 #include "KARIMPJointDOFSensorLoader.h"
 #include "KARMPContentWalk.h"
 #include "KARMPFrames.h"
+#include "KARMPFreedomIndex.h"
 #include "KARMPJoint.h"
 #include "KARMPLoaderAccess.h"
 #include "KARMPSensorUpdate.h"
@@ -23,16 +24,6 @@ struct karmp::ContentOf<KARMPJointDOFSensor>
         Integer<&C::m_index>(L"DOFindex", "The freedom: 0 to 2 a translation, 3 to 5 a rotation."));
 };
 KARMP_DEFINE_CONTENT(KARMPJointDOFSensor);
-
-namespace {
-
-bool IsFreedom(int index)
-{
-    constexpr unsigned int Freedoms = 6;
-    return static_cast<unsigned int>(index) < Freedoms;
-}
-
-} // namespace
 
 KARMPJointDOFSensor::KARMPJointDOFSensor() = default;
 KARMPJointDOFSensor::KARMPJointDOFSensor(const KARMPJointDOFSensor& source, CopyMode mode)
@@ -65,7 +56,7 @@ KARStatus KARMPJointDOFSensor::GetLoader(KARIMPJointDOFSensorLoader*& loader) co
 
 KARStatus KARMPJointDOFSensor::SetIndexDOF(int index)
 {
-    if (!IsFreedom(index))
+    if (!karmp::IsFreedom(index))
         return KARFailure;
     m_index = index;
     return KARSuccess;
@@ -73,7 +64,7 @@ KARStatus KARMPJointDOFSensor::SetIndexDOF(int index)
 
 KARStatus KARMPJointDOFSensor::GetIndexDOF(int& index) const
 {
-    if (!IsFreedom(m_index))
+    if (!karmp::IsFreedom(m_index))
         return KARFailure;
     index = m_index;
     return KARSuccess;
