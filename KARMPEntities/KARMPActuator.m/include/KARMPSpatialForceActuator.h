@@ -46,7 +46,7 @@ public:
     KARStatus GetForce(KARMathVector& force) const;
     /// Gives the values, null handles included. With a body and three constants it gives new
     /// constants in no world, whose numbers are those along the body's axes; a position of the body
-    /// that cannot be inverted is a failed check and a failure with the actuator's own values.
+    /// that cannot be inverted is a failed check and counts as the identity.
     KARStatus GetForce(Components& force, const Body& body) const;
     /// The same four for the torque.
     KARStatus SetTorque(const KARMathVector& torque);

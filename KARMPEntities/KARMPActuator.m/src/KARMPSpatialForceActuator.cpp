@@ -41,10 +41,12 @@ using Body = QOBSharedHandle<KARMPBody>;
 using Components = karmp::ValueComponents<3>;
 using Loader = KARIMPSpatialForceActuatorLoader;
 
-bool FindPosition(const Body& body, KARMathTransformation& position)
+KARMathTransformation PositionOf(const Body& body)
 {
+    KARMathTransformation position;
     const Body locked(body, QOBSharedBase::ReadLock);
-    return KARMPVerify(!KARFailed(locked->GetPosition(position)));
+    KARMPVerify(!KARFailed(locked->GetPosition(position)));
+    return position;
 }
 
 // A position that cannot be inverted counts as the identity.
@@ -87,10 +89,9 @@ KARStatus GiveValues(const Components& own, Components& given, const Body& body)
     if (!body || !std::all_of(own.begin(), own.end(), karmp::IsConstant))
         return KARSuccess;
     std::array<double, 3> numbers{};
-    KARMathTransformation position;
-    if (KARFailed(karmp::ReadConstants(own, numbers)) || !FindPosition(body, position))
+    if (KARFailed(karmp::ReadConstants(own, numbers)))
         return KARFailure;
-    numbers = Turned(InverseOf(position), numbers);
+    numbers = Turned(InverseOf(PositionOf(body)), numbers);
     for (std::size_t i = 0; i < numbers.size(); ++i) {
         const KARMPPhysicalQuantity::Enum quantity = QuantityOf(own[i]);
         KARMPVerify(!KARFailed(karmp::MakeConstant(nullptr, numbers[i], quantity, given[i])));
@@ -132,11 +133,9 @@ void KARMPSpatialForceActuator::Store(Components& own, const Components& given, 
     if (!body || std::any_of(given.begin(), given.end(), IsExpression))
         return karmp::StoreValues(given, own);
     std::array<double, 3> numbers{};
-    KARMathTransformation position;
-    if (!KARMPVerify(karmp::AreAllSet(given)) || KARFailed(karmp::ReadConstants(given, numbers)) ||
-        !FindPosition(body, position))
+    if (!KARMPVerify(karmp::AreAllSet(given)) || KARFailed(karmp::ReadConstants(given, numbers)))
         return;
-    numbers = Turned(position, numbers);
+    numbers = Turned(PositionOf(body), numbers);
     for (std::size_t i = 0; i < numbers.size(); ++i) {
         if (karmp::IsConstant(own[i])) {
             karmp::ChangeConstant(own[i], numbers[i]);
@@ -199,7 +198,7 @@ KARStatus KARMPSpatialForceActuator::SetBody(const Body& body)
         return KARUnchanged;
     if (KARFailed(m_body.Set(body)))
         return KARFailure;
-    FindPosition(body, m_referencePosition);
+    m_referencePosition = PositionOf(body);
     return karmp::PassToLoader<Loader>(
         *this, [&](auto& loader) { return loader.SetBody(m_body.Handle()); });
 }
@@ -213,13 +212,7 @@ KARStatus KARMPSpatialForceActuator::GetBody(Body& body) const
 KARStatus KARMPSpatialForceActuator::SetApplicationPoint(const KARMathPoint& point,
                                                          const Body& body)
 {
-    KARMathTransformation move;
-    if (body) {
-        if (!FindPosition(body, move))
-            return KARFailure;
-        move = InverseOf(m_referencePosition) * move;
-    }
-    m_applicationPoint = move * point;
+    m_applicationPoint = body ? InverseOf(m_referencePosition) * PositionOf(body) * point : point;
     return karmp::PassToLoader<Loader>(
         *this, [this](auto& loader) { return loader.SetApplicationPoint(m_applicationPoint); });
 }
@@ -228,10 +221,7 @@ KARStatus KARMPSpatialForceActuator::GetApplicationPoint(KARMathPoint& point) co
 {
     if (!m_body)
         return KARSuccess;
-    KARMathTransformation position;
-    if (!FindPosition(m_body.Handle(), position))
-        return KARFailure;
-    point = position * InverseOf(m_referencePosition) * m_applicationPoint;
+    point = PositionOf(m_body.Handle()) * InverseOf(m_referencePosition) * m_applicationPoint;
     return KARSuccess;
 }
 
