@@ -34,7 +34,7 @@ TEST_F(AxialSpring, ActsInBothSensesUnlessTold)
     EXPECT_EQ(behavior, Behavior::ExtensionLock);
 }
 
-TEST_F(AxialSpring, HandsOutItsLoader)
+TEST_F(AxialSpring, GivesItsLoader)
 {
     ExpectLoader<Spring, KARIMPAxialSpringLoader>();
 }

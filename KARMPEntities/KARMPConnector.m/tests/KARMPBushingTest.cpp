@@ -77,7 +77,7 @@ TEST_F(Bushing, HasNoFreedomBelowTheFirstOrAboveTheSixth)
     }
 }
 
-TEST_F(Bushing, HandsOutItsLoader)
+TEST_F(Bushing, GivesItsLoader)
 {
     ExpectLoader<KARMPBushing, KARIMPBushingLoader>();
 }

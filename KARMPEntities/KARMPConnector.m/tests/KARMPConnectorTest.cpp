@@ -179,7 +179,7 @@ TEST_F(Connector, LinksAGeometryTwiceWhenItsGetterDoesNotGiveIt)
     EXPECT_EQ(mute->GetLinkedGeometryCount(), 2);
 }
 
-TEST_F(Connector, HandsOutItsLoader)
+TEST_F(Connector, GivesItsLoader)
 {
     KARIMPConnectorLoader* loader = nullptr;
     EXPECT_EQ(connector->GetLoader(loader), KARSuccess);

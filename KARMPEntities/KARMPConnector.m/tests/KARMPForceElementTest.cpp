@@ -69,7 +69,7 @@ TEST_F(ForceElement, LetsItsJointGo)
     EXPECT_EQ(element->GetJoint(found), KARFailure);
 }
 
-TEST_F(ForceElement, HandsOutItsLoader)
+TEST_F(ForceElement, GivesItsLoader)
 {
     ExpectLoader<KARMPForceElement, KARIMPForceElementLoader>();
 }

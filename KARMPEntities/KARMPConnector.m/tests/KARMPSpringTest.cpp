@@ -110,7 +110,7 @@ TYPED_TEST(SpringWithAttachments, KeepsItsValuesWithoutTellingItsLoader)
     this->ExpectValues(this->Values());
 }
 
-TYPED_TEST(SpringWithAttachments, HandsOutItsLoader)
+TYPED_TEST(SpringWithAttachments, GivesItsLoader)
 {
     this->template ExpectLoader<typename TypeParam::Spring, typename TypeParam::Loader>();
 }
