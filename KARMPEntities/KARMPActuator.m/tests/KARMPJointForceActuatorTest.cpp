@@ -85,6 +85,8 @@ TEST_F(JointForceActuator, TellsItsLoaderOfANullForceAndKeepsTheOldOne)
 
 TEST_F(JointForceActuator, RefusesANullJointWithoutTellingItsLoader)
 {
+    EXPECT_EQ(actuator->SetJoint({}), KARFailure) << "nor is it the same as none";
+    ExpectReports(1);
     actuator->SetJoint(joint);
     record.calls.clear();
     EXPECT_EQ(actuator->SetJoint({}), KARFailure);

@@ -417,6 +417,8 @@ TEST_F(Motor, RefusesEquationsThatItCannotUse)
     EXPECT_EQ(motor->SetVelocity(&factory), KARFailure) << "without a variable";
     ExpectReports(1);
     EXPECT_EQ(motor->GetTargetType(), Target::VelocityTarget);
+    EXPECT_EQ(motor->GetVelocity(found), KARSuccess) << "the factory is kept all the same";
+    EXPECT_EQ(found, &factory);
     motor->SetVariable(variable);
     for (const wchar_t* text : {L"2 *", L"1; 2"}) {
         KARWBFactory unusable;

@@ -195,6 +195,10 @@ TEST_F(MotorTree, WritesAndReadsItsValuesByName)
     EXPECT_EQ(root.GetElementCount(), 0U);
     EXPECT_EQ(motor->SerializeValue(&root, L"Position"), KARSuccess);
     EXPECT_EQ(root.Text(L"Position/@id"), L"k");
+    TestSerializer failing;
+    failing.FailCreation(1);
+    EXPECT_EQ(motor->SerializeValue(&failing, L"Position"), KARFailure);
+    ExpectReports(4); // the node, both forms of the services, and the motor
 
     TestDeserializer tree;
     tree.Add(L"MaxForce").Attribute(L"id", L"k");
@@ -205,7 +209,7 @@ TEST_F(MotorTree, WritesAndReadsItsValuesByName)
     EXPECT_EQ(read->DeserializeValue(&tree, L"Position", entities), KARUnchanged);
     EXPECT_EQ(read->DeserializeValue(&tree, L"Other", entities), KARUnchanged);
     EXPECT_EQ(read->DeserializeValue(&tree, L"Velocity", entities), KARFailure);
-    EXPECT_GE(TakeReports(), 1U);
+    ExpectReports(2); // the services' form for one value, and the motor
     EXPECT_EQ(read->DeserializeValue(&tree, L"MaxForce", entities), KARSuccess);
     Value found;
     EXPECT_EQ(read->GetMaxForce(found), KARSuccess);

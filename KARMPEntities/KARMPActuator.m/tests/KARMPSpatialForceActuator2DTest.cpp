@@ -185,8 +185,15 @@ TEST_F(PlanarForceActuator, ComesBackFromADocument)
     EXPECT_EQ(element.Number(L"ApplicationPoint2D/Py"), 4.0);
     for (const bool asText : {false, true}) {
         const auto read = KARMPSpatialForceActuator2D::create(L"");
+        auto* const told = new RecordingSpatialForceActuator2DLoader(record);
+        read->SetLoader(told);
+        record.calls.clear();
         const auto tree = TestDeserializer::From(root, {.asText = asText});
         EXPECT_EQ(read->Deserialize(tree.get(), entities), KARSuccess);
+        EXPECT_EQ(record.calls, (Calls{"SetForce", "SetTorque", "SetApplicationPoint"}));
+        EXPECT_EQ(told->point, KARMathPoint2D(3.0, 4.0));
+        told->force = {};
+        told->torque = {};
         Force force;
         read->GetForce(force);
         EXPECT_EQ(force, (Force{values[0], values[1]}));

@@ -419,6 +419,23 @@ TEST_F(SpatialForceActuator, ComesBackFromADocument)
     }
 }
 
+TEST_F(SpatialForceActuator, ReportsALoaderThatRefusesWhatIsRead)
+{
+    actuator->SetForce(values, Body());
+    actuator->SetTorque(values, Body());
+    actuator->SetBody(body);
+    TestSerializer root;
+    actuator->Serialize(&root);
+    const auto read = KARMPSpatialForceActuator::create(L"");
+    read->SetLoader(new RecordingSpatialForceActuatorLoader(record));
+    record.answer = KARFailure;
+    EXPECT_EQ(read->Deserialize(TestDeserializer::From(root).get(), entities), KARSuccess);
+    ExpectReports(8); // the setter and the reader, of force, torque, point and body
+    Components given;
+    read->GetForce(given, Body());
+    EXPECT_EQ(given, values);
+}
+
 TEST_F(SpatialForceActuator, WritesForceAndTorqueEmptyWithoutValues)
 {
     TestSerializer root;
