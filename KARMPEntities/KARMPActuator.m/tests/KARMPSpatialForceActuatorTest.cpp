@@ -210,6 +210,9 @@ TEST_F(SpatialForceActuator, GivesItsNumbersInTheAxesOfABody)
         ASSERT_TRUE(given[i].isDerivedFrom(KARMPConstant::ClassInfo()));
         QOBSharedHandle<KARMPConstant>(given[i])->GetValue(number);
         EXPECT_EQ(number, expected[i]);
+        Quantity::Enum quantity = {};
+        given[i]->GetPhysicalQuantity(quantity);
+        EXPECT_EQ(quantity, Quantity::Force);
     }
     EXPECT_EQ(Force(), KARMathVector(1.0, 2.0, 3.0));
     EXPECT_EQ(Own(), own);

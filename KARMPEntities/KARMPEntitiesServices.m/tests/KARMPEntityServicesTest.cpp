@@ -12,6 +12,17 @@
 #include "KARWBFactory.h"
 #include "QOBBasicWorld.h"
 
+/// A constant of an application's own class.
+class ApplicationConstant : public KARMPConstant
+{
+    KARMP_ENTITY(ApplicationConstant, KARMPConstant)
+
+protected:
+    ApplicationConstant() = default;
+    ApplicationConstant(const ApplicationConstant& source, CopyMode mode) : Super(source, mode) {}
+};
+KARMP_DEFINE_ENTITY(ApplicationConstant, "6da4da8b-430f-4301-a3a9-b5dec13e6fbf");
+
 namespace {
 
 using Quantity = KARMPPhysicalQuantity;
@@ -99,6 +110,7 @@ TEST_F(EntityServices, TellConstantsFromOtherValues)
     EXPECT_TRUE(karmp::IsConstant(KARMPConstant::create(L"c")));
     EXPECT_FALSE(karmp::IsConstant(KARMPExpression::create(L"e")));
     EXPECT_FALSE(karmp::IsConstant({}));
+    EXPECT_FALSE(karmp::IsConstant(ApplicationConstant::create(L"a"))) << "of a class of its own";
 }
 
 TEST_F(EntityServices, ChangeTheNumberOfAConstantAlone)
