@@ -1,5 +1,6 @@
 #include "Differences.h"
 
+#include "EntityText.h"
 #include "KARTextConversion.h"
 #include "Output.h"
 
@@ -23,20 +24,6 @@ using Numbers = std::vector<double>;
 // Longer texts, streams for instance, are shortened.
 constexpr std::size_t LongestText = 60;
 constexpr std::size_t TranslationLength = 3;
-
-std::string ClassOf(const Handle& entity)
-{
-    constexpr std::string_view Prefix = "KARMP";
-    const std::string& name = entity->getClassInfo().getName();
-    return Printable(std::string_view(name).substr(name.starts_with(Prefix) ? Prefix.size() : 0));
-}
-
-std::wstring IdentifierOf(const Handle& entity)
-{
-    std::wstring identifier;
-    entity->GetIdentifier(identifier);
-    return identifier;
-}
 
 std::string Count(std::size_t count, const char* one, const char* several)
 {
@@ -72,11 +59,9 @@ public:
 private:
     std::string TitleOf(const Handle& entity) const
     {
-        const std::wstring identifier = IdentifierOf(entity);
-        const std::wstring& name = entity->getEntityName();
-        std::string title = ClassOf(entity) + ' ' + Title(name, identifier);
-        if (m_showsIdentifiers && !name.empty())
-            title += ' ' + Dim('[' + Printable(identifier) + ']');
+        std::string title = karmp::tool::TitleOf(*entity);
+        if (m_showsIdentifiers && !entity->getEntityName().empty())
+            title += ' ' + Dim('[' + Printable(IdentifierOf(*entity)) + ']');
         return title;
     }
 
@@ -196,9 +181,9 @@ std::string JsonOf(const Handle& entity)
 {
     if (!entity)
         return "null";
-    return "{\"class\": " + JsonText(ClassOf(entity)) +
+    return "{\"class\": " + JsonText(ClassOf(*entity)) +
            ", \"name\": " + JsonText(kar::ToUtf8(entity->getEntityName())) +
-           ", \"id\": " + JsonText(kar::ToUtf8(IdentifierOf(entity))) + '}';
+           ", \"id\": " + JsonText(kar::ToUtf8(IdentifierOf(*entity))) + '}';
 }
 
 struct JsonValue

@@ -1,4 +1,5 @@
 #include "Commands.h"
+#include "EntityText.h"
 #include "KARMPFamilies.h"
 #include "KARMPWorld.h"
 #include "KARMPWorldExtraction.h"
@@ -16,21 +17,6 @@ namespace {
 
 using Bodies = std::vector<QOBSharedHandle<KARMPBody>>;
 using Entity = QOBSharedHandle<KARMPEntity>;
-
-std::wstring IdentifierOf(const KARMPEntity& entity)
-{
-    std::wstring identifier;
-    entity.GetIdentifier(identifier);
-    return identifier;
-}
-
-std::string TitleOf(const KARMPEntity& entity)
-{
-    constexpr std::string_view Prefix = "KARMP";
-    const std::string& name = entity.getClassInfo().getName();
-    return Printable(std::string_view(name).substr(name.starts_with(Prefix) ? Prefix.size() : 0)) +
-           ' ' + Title(entity.getEntityName(), IdentifierOf(entity));
-}
 
 // The bodies of that name, or the one of that identifier.
 Bodies FindBodies(const KARMPWorld& world, const std::string& text)
