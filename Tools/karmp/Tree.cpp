@@ -1,4 +1,6 @@
+#include "ClassLinks.h"
 #include "Commands.h"
+#include "KARMPEnumerationTexts.h"
 #include "KARTextConversion.h"
 #include "Loading.h"
 #include "Output.h"
@@ -11,6 +13,8 @@ namespace karmp::tool {
 namespace {
 
 using Element = KARMPDeserializer;
+
+constexpr const auto& Quantities = EnumTexts<KARMPPhysicalQuantity::Enum>::Rows;
 
 /// Prints the entities of a document's world in their order, each with its links.
 class TreePrinter
@@ -78,31 +82,54 @@ private:
         PrintLinks(entity);
     }
 
-    // Elements below an entity that have an identifier refer to another entity: directly, or as an
-    // item of a list. A list is printed as one line; deeper elements are no links.
-    void PrintLinks(const Element& entity) const
+    // Elements below an entity that have an identifier refer to another entity: directly, as an
+    // item of a list, which is printed as one line, or within a group that the class knows.
+    void PrintLinks(const Element& entity)
+    {
+        const auto [links, isNew] = m_links.try_emplace(entity.Id(), entity.Id());
+        PrintLinks(entity, links->second, {});
+    }
+
+    // Groups are nested as deep as the items of a class.
+    void PrintLinks(const Element& group, const ClassLinks& links, const std::wstring& path) const
     {
         Element::ElementVector children;
-        entity.AppendOrderedElements(children);
+        group.AppendOrderedElements(children);
         for (const Element* child : children) {
+            const std::wstring childPath = path + std::wstring(child->Id());
             if (child->HasAttribute(L"id")) {
-                std::cout << "    " << Printable(child->Id()) << ": " << Target(*child) << '\n';
+                std::cout << "    " << Printable(childPath) << ": " << Target(*child) << '\n';
                 continue;
             }
-            Element::ElementVector items;
-            child->AppendOrderedElements(items);
-            const char* separator = ": ";
-            for (const Element* item : items) {
-                if (!item->HasAttribute(L"id"))
-                    continue;
-                if (separator[0] == ':')
-                    std::cout << "    " << Printable(child->Id());
-                std::cout << separator << Target(*item);
-                separator = ", ";
-            }
-            if (separator[0] == ',')
-                std::cout << '\n';
+            const LinkRole role = links.RoleOf(childPath);
+            if (role == LinkRole::Group)
+                PrintLinks(*child, links, childPath + L'/');
+            else if (role == LinkRole::Records)
+                PrintCount(*child, childPath);
+            else
+                PrintList(*child, childPath);
         }
+    }
+
+    void PrintList(const Element& list, const std::wstring& path) const
+    {
+        Element::ElementVector items;
+        list.AppendOrderedElements(items);
+        std::string targets;
+        for (const Element* item : items)
+            if (item->HasAttribute(L"id"))
+                targets += (targets.empty() ? "" : ", ") + Target(*item);
+        if (!targets.empty())
+            std::cout << "    " << Printable(path) << ": " << targets << '\n';
+    }
+
+    static void PrintCount(const Element& records, const std::wstring& path)
+    {
+        Element::ElementVector items;
+        records.AppendOrderedElements(items);
+        if (!items.empty())
+            std::cout << "    " << Printable(path) << ": " << items.size() << ' '
+                      << Printable(items.front()->Id()) << '\n';
     }
 
     std::string Target(const Element& reference) const
@@ -112,18 +139,57 @@ private:
         const auto found = m_entities.find(id);
         if (found == m_entities.end())
             return Red("missing [" + Printable(id) + ']');
+        const Element& target = *found->second;
         std::wstring_view name;
-        found->second->GetAttribute(L"name", name);
-        std::string text = Printable(found->second->Id()) + ' ' + Title(name, id);
+        target.GetAttribute(L"name", name);
+        std::string text = Printable(target.Id()) + ' ' + Title(name, id);
+        if (target.Id() == L"Constant")
+            text += NumberOf(target);
         std::wstring_view orientation;
         if (!KARFailed(reference.GetAttribute(L"bodyOrientation", orientation)))
             text += " (" + Printable(orientation) + ')';
         return text;
     }
 
+    // The number of a constant and what it measures, as the document has them.
+    std::string NumberOf(const Element& constant) const
+    {
+        const std::wstring_view number = ValueOf(constant, L"Value");
+        if (number.empty())
+            return {};
+        std::string text = " = " + Printable(number);
+        const std::wstring_view quantity = QuantityOf(constant);
+        if (!quantity.empty() && quantity != Quantities.front())
+            text += ' ' + Printable(quantity);
+        return text;
+    }
+
+    // Below R2018.0 the quantity is written as its number.
+    static std::wstring_view QuantityOf(const Element& value)
+    {
+        const std::wstring_view text = ValueOf(value, L"PhysicalQuantity");
+        std::size_t row = 0;
+        for (const wchar_t digit : text) {
+            if (digit < L'0' || digit > L'9' || row >= Quantities.size())
+                return text;
+            row = row * 10 + static_cast<std::size_t>(digit - L'0');
+        }
+        return row < Quantities.size() ? Quantities[row] : text;
+    }
+
+    static std::wstring_view ValueOf(const Element& element, std::wstring_view name)
+    {
+        std::wstring_view value;
+        const Element::ElementSpan children = element.ElementsNamed(name);
+        if (!children.empty() && children.front()->HasValue())
+            children.front()->GetValue(value);
+        return value;
+    }
+
     const Element& m_world;
     const TreeOptions& m_options;
     std::unordered_map<std::wstring_view, const Element*> m_entities;
+    std::unordered_map<std::wstring_view, ClassLinks> m_links; // by the classes' elements
 };
 
 } // namespace

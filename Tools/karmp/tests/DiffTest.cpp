@@ -8,13 +8,6 @@ namespace {
 class Diff : public Tool
 {
 protected:
-    /// Replaces a part of a text that must be there.
-    static std::string With(std::string text, const std::string& part, const std::string& other)
-    {
-        const auto found = text.find(part);
-        EXPECT_NE(found, std::string::npos) << part;
-        return found == std::string::npos ? text : text.replace(found, part.size(), other);
-    }
     /// The outcome for the clean document and one with a part replaced.
     Outcome Compare(const std::string& part, const std::string& other,
                     const std::string& options = {})

@@ -10,6 +10,7 @@
 #include <set>
 #include <sstream>
 #include <string>
+#include <string_view>
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -29,6 +30,14 @@ inline std::string ReadFile(const std::string& path)
     std::ostringstream text;
     text << std::ifstream(path, std::ios::binary).rdbuf();
     return text.str();
+}
+
+/// Replaces the first part of a text that is equal to `part`, which must be there.
+inline std::string With(std::string text, std::string_view part, std::string_view other)
+{
+    const auto found = text.find(part);
+    EXPECT_NE(found, std::string::npos) << part;
+    return found == std::string::npos ? text : text.replace(found, part.size(), other);
 }
 
 inline constexpr const char* Values = R"(  <Values>

@@ -1,0 +1,58 @@
+// What karmp tree shows of links and of the numbers behind them.
+#include "EquippedCrank.h"
+
+#include <string>
+
+namespace karmp::tool {
+
+namespace {
+
+TEST_F(Equipped, TreeShowsTheNumbersOfConstants)
+{
+    const std::string tree = Run("tree " + m_file).output;
+    ExpectContains(tree, "    Stiffness: Constant \"k\" = 1000 LinearStiffness\n");
+    ExpectContains(tree, "    DampingCoefficient: Constant \"ratio\" = 2.5\n");
+    ExpectContains(tree, "    Position: Expression \"turn\"\n");
+}
+
+TEST_F(Equipped, TreeNamesAQuantityThatIsWrittenAsANumber)
+{
+    const std::string old = Output("tree", "<PhysicalQuantity>LinearStiffness</PhysicalQuantity>",
+                                   "<PhysicalQuantity>29</PhysicalQuantity>");
+    ExpectContains(old, "Stiffness: Constant \"k\" = 1000 LinearStiffness\n");
+    const std::string unknown =
+        Output("tree", "<PhysicalQuantity>LinearStiffness</PhysicalQuantity>",
+               "<PhysicalQuantity>1000</PhysicalQuantity>");
+    ExpectContains(unknown, "Stiffness: Constant \"k\" = 1000 1000\n");
+}
+
+TEST_F(Equipped, TreeShowsLinksWithinGroups)
+{
+    const std::string tree = Run("tree " + m_file).output;
+    ExpectContains(tree, "    Force/Vx: Constant \"F\" = -12 Force\n");
+    ExpectContains(tree, "    Torque2D/Vx: Constant \"ratio\" = 2.5\n");
+    ExpectContains(tree, "    ProximitySensorData/SensorBody: Body \"Slider\"\n"
+                         "    ProximitySensorData/ProximitySensorGroup: Body \"Crank\", Body "
+                         "\"Rod\"\n");
+}
+
+TEST_F(Equipped, TreeCountsContacts)
+{
+    const std::string tree = Run("tree --family Sensors " + m_file).output;
+    ExpectContains(tree, "  CollisionSensor \"contacts\"\n"
+                         "    CollisionRule: CollisionRule \"rule\"\n"
+                         "    ContactGeometryDataContainer: 2 ContactGeometryData\n"
+                         "  ProximitySensor \"near\"\n");
+}
+
+TEST_F(Equipped, TreeShowsTheLinksOfAClassThatItDoesNotKnow)
+{
+    const std::string text =
+        With(With(EquippedDocument(), "<Driver ", "<Gadget "), "</Driver>", "</Gadget>");
+    ExpectContains(Run("tree " + Write("gadget.xml", text)).output,
+                   "  Gadget \"driver\"\n    AttachedMotors: Motor \"motor\"\n");
+}
+
+} // namespace
+
+} // namespace karmp::tool
