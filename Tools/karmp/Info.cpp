@@ -1,16 +1,23 @@
 #include "Commands.h"
+#include "EntityText.h"
 #include "KARMPAxisSystem.h"
 #include "KARMPBody.h"
+#include "KARMPConnector.h"
 #include "KARMPFamilies.h"
+#include "KARMPMotor.h"
+#include "KARMPSensor.h"
 #include "KARMPVariable.h"
 #include "KARMPWorld.h"
 #include "Loading.h"
 #include "Mobility.h"
 #include "Output.h"
+#include "Subjects.h"
 
+#include <algorithm>
 #include <array>
 #include <iostream>
 #include <map>
+#include <set>
 
 namespace karmp::tool {
 
@@ -43,13 +50,6 @@ ClassCounts CountClasses(const KARMPWorld& world)
             ++counts[entity.getClassInfo().getName()];
     }
     return counts;
-}
-
-std::string WithoutPrefix(const std::string& className)
-{
-    constexpr std::string_view Prefix = "KARMP";
-    return className.compare(0, Prefix.size(), Prefix) == 0 ? className.substr(Prefix.size())
-                                                            : className;
 }
 
 template <class Triple>
@@ -115,8 +115,7 @@ void PrintEntities(const KARMPWorld& world)
         total += world.Count<T>();
         lines.Add(FamilyTitle<T>(), std::to_string(world.Count<T>()));
         for (const auto& [className, count] : CountClasses<T>(world))
-            lines.Add("  " + Printable(std::string_view(WithoutPrefix(className))),
-                      "  " + std::to_string(count));
+            lines.Add("  " + WithoutPrefix(className), "  " + std::to_string(count));
     });
     lines.Add("Total", std::to_string(total));
     std::cout << '\n' << Bold("Entities") << '\n';
@@ -167,6 +166,45 @@ void PrintMasses(const BodyTotals& totals)
     lines.Print(2);
 }
 
+// The entities of a family, each with what it refers to.
+template <class T>
+void PrintTargets(const KARMPWorld& world, const char* title)
+{
+    constexpr int Most = 20;
+    const int count = world.Count<T>();
+    if (count == 0)
+        return;
+    Columns lines;
+    for (int index = 0; index < std::min(count, Most); ++index) {
+        QOBSharedHandle<T> entity;
+        if (world.Get<T>(index, entity) == KARSuccess)
+            lines.Add(TitleOf(*entity) + (entity->IsActive() ? "" : " (inactive)"),
+                      TargetsText(*entity));
+    }
+    std::cout << '\n' << Bold(title) << '\n';
+    lines.Print(2);
+    if (count > Most)
+        std::cout << "  and " << count - Most << " more\n";
+}
+
+// A motor drives when it is active and has a target; a freedom is a variable of a constraint.
+int CountDrivenVariables(const KARMPWorld& world)
+{
+    std::set<const KARMPVariable*> driven;
+    for (int index = 0; index < world.Count<KARMPActuator>(); ++index) {
+        QOBSharedHandle<KARMPActuator> actuator;
+        world.Get<KARMPActuator>(index, actuator);
+        const auto* const motor = dynamic_cast<const KARMPMotor*>(actuator.get());
+        QOBSharedHandle<KARMPVariable> variable;
+        if (motor != nullptr && motor->IsActive() &&
+            motor->GetTargetType() != KARMPMotorTargetType::NotSpecified &&
+            motor->GetVariable(variable) == KARSuccess && variable &&
+            variable->GetLinkedConstraintCount() > 0)
+            driven.insert(variable.get());
+    }
+    return static_cast<int>(driven.size());
+}
+
 void PrintMobility(const KARMPWorld& world, int movingBodies)
 {
     const ClassCounts joints = CountClasses<KARMPJoint>(world);
@@ -177,6 +215,14 @@ void PrintMobility(const KARMPWorld& world, int movingBodies)
     lines.Add("As a spatial mechanism", std::to_string(mobility.spatial));
     if (mobility.mayBePlanar)
         lines.Add("As a planar mechanism", std::to_string(mobility.planar));
+    if (world.Count<KARMPActuator>() > 0) {
+        const int driven = CountDrivenVariables(world);
+        std::string left = std::to_string(mobility.spatial - driven);
+        if (mobility.mayBePlanar)
+            left += " in space, " + std::to_string(mobility.planar - driven) + " in the plane";
+        lines.Add("Driven variables", std::to_string(driven));
+        lines.Add("Left free", std::move(left));
+    }
     if (mobility.notCounted > 0)
         lines.Add("Joints not counted", std::to_string(mobility.notCounted));
     std::cout << '\n' << Bold("Mobility") << " (an estimate: Grübler count from the joint kinds)\n";
@@ -196,6 +242,9 @@ int RunInfo(const InfoOptions& options)
     PrintEntities(world);
     const BodyTotals totals = SumBodies(world);
     PrintMasses(totals);
+    PrintTargets<KARMPActuator>(world, "Drives");
+    PrintTargets<KARMPConnector>(world, "Force elements");
+    PrintTargets<KARMPSensor>(world, "Sensors");
     PrintMobility(world, totals.moving);
     return loaded->diagnostics.items.empty() ? Clean : Findings;
 }
