@@ -15,7 +15,8 @@ struct InfoOptions
 {
     std::string file;
 };
-/// Prints settings, globals, counts by family and class, masses and the estimated mobility.
+/// Prints settings, globals, counts by family and class, masses, what drives, force elements and
+/// sensors act on or measure, and the estimated mobility.
 int RunInfo(const InfoOptions& options);
 
 /// The arguments of `karmp tree`.
@@ -25,7 +26,7 @@ struct TreeOptions
     std::string family; // an element such as "Joints"; all when empty
     bool identifiers = false;
 };
-/// Prints the entities with their links by name.
+/// Prints the entities with their links by name and the numbers of the constants that they use.
 int RunTree(const TreeOptions& options);
 
 /// The arguments of `karmp check`.
@@ -88,8 +89,11 @@ struct GraphOptions
     std::string output; // standard output when empty
     std::string format; // dot, svg or png; by the output's ending when empty
     int timeLimit = 60; // of Graphviz, in seconds
+    bool sensors = false;
+    bool collisions = false;
 };
-/// Writes the graph of bodies and joints as Graphviz text, or as a picture through Graphviz.
+/// Writes the graph of bodies, joints and force elements as Graphviz text, or as a picture through
+/// Graphviz.
 int RunGraph(const GraphOptions& options);
 
 struct SchemaOptions

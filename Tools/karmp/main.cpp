@@ -30,13 +30,16 @@ int Run(int argc, char** argv)
 
     InfoOptions info;
     CLI::App* infoApp = app.add_subcommand(
-        "info", "Settings, globals, counts by family and class, masses, estimated mobility");
+        "info",
+        "Settings, globals, counts by family and class, masses, what drives, force elements "
+        "and sensors act on or measure, estimated mobility");
     infoApp->add_option("FILE", info.file, "Document")->required();
     infoApp->footer(Footer("karmp info crank.xml"));
     infoApp->callback([&] { command = [&info] { return RunInfo(info); }; });
 
     TreeOptions tree;
-    CLI::App* treeApp = app.add_subcommand("tree", "The entities with their links by name");
+    CLI::App* treeApp = app.add_subcommand(
+        "tree", "The entities with their links by name, and the numbers of constants");
     treeApp->add_option("FILE", tree.file, "Document")->required();
     treeApp->add_option("--family", tree.family, "Only this list, for example Joints");
     treeApp->add_flag("--ids", tree.identifiers, "Identifiers behind the names");
@@ -131,7 +134,8 @@ int Run(int argc, char** argv)
 
     GraphOptions graph;
     CLI::App* graphApp = app.add_subcommand(
-        "graph", "The graph of bodies and joints, as Graphviz text or as a picture");
+        "graph",
+        "The graph of bodies, joints and force elements, as Graphviz text or as a picture");
     graphApp->add_option("FILE", graph.file, "Document")->required();
     graphApp->add_option("-o,--output", graph.output, "File to write; standard output without it");
     graphApp->add_option("--format", graph.format, "By the ending of the output without it")
@@ -141,7 +145,16 @@ int Run(int argc, char** argv)
                      "Seconds after which Graphviz is stopped and no picture written")
         ->check(CLI::Range(1, 86400))
         ->capture_default_str();
-    graphApp->footer(Footer("karmp graph crank.xml --output crank.svg"));
+    graphApp->add_flag("--sensors", graph.sensors, "Sensors as notes on what they measure");
+    graphApp->add_flag("--collisions", graph.collisions,
+                       "The pairs of collision rules as dotted edges");
+    graphApp->footer(
+        "Springs, bushings and other force elements are dashed edges. The joint that a motor "
+        "drives "
+        "and the joint or body that a force acts on say so. Sensors and collision rules are left "
+        "out unless asked for; a joint or force element that a sensor measures is then drawn as a "
+        "node.\n\n" +
+        Footer("karmp graph crank.xml --output crank.svg"));
     graphApp->callback([&] { command = [&graph] { return RunGraph(graph); }; });
 
     SchemaOptions schema;
