@@ -4,6 +4,8 @@
 #include "KARMPElementWriter.h"
 #include "KARMPEntityTable.h"
 
+#include <string_view>
+
 namespace karmp {
 
 /// What happens when an item is missing or does not convert.
@@ -12,21 +14,6 @@ enum class Absent {
     ReportAndKeep, ///< A failed check; the value stays.
     ReportAndZero, ///< A failed check; the value becomes its type's default.
     ReportAndFail  ///< A failed check that counts in the reader's status; the value stays.
-};
-
-/// The name of an element or attribute; the length of a literal is known at compile time.
-class ItemName
-{
-public:
-    template <std::size_t N>
-    constexpr ItemName(const wchar_t (&literal)[N]) : m_text(literal, N - 1)
-    {}
-    constexpr ItemName(std::wstring_view text) : m_text(text) {}
-    ItemName(const std::wstring& text) : m_text(text) {}
-    constexpr operator std::wstring_view() const { return m_text; }
-
-private:
-    std::wstring_view m_text;
 };
 
 /// A handle on an entity as a T, null for null. Throws QOBEInvalidCast when the entity is not a T.
@@ -54,7 +41,8 @@ public:
     {}
     /// Reads a class's own element: the node itself when it has the name, otherwise the node's
     /// child of that name. A null node and a missing child are reported.
-    ElementReader(const KARMPDeserializer* node, ItemName name, Where where = Where::current());
+    ElementReader(const KARMPDeserializer* node, std::wstring_view name,
+                  Where where = Where::current());
 
     /// False when there is no node to read; then everything else does nothing and fails.
     explicit operator bool() const { return m_node != nullptr; }
@@ -73,14 +61,14 @@ public:
     }
 
     template <class T>
-    bool Attribute(ItemName name, T& value, Absent absent, Where where = Where::current())
+    bool Attribute(std::wstring_view name, T& value, Absent absent, Where where = Where::current())
     {
         return Settle(m_node != nullptr ? m_node->GetAttribute(name, value) : KARFailure, value,
                       absent, where);
     }
     /// Reads the value of a child element.
     template <class T>
-    bool Value(ItemName name, T& value, Absent absent, Where where = Where::current())
+    bool Value(std::wstring_view name, T& value, Absent absent, Where where = Where::current())
     {
         const KARMPDeserializer* child = nullptr;
         return Settle(m_node != nullptr ? m_node->GetElement(name, child, value) : KARFailure,
@@ -89,7 +77,7 @@ public:
     /// Reads a child element that holds an enumeration's word; a word outside the table gives row
     /// 0.
     template <class Enum>
-    bool Word(ItemName name, Enum& value, Absent absent, Where where = Where::current())
+    bool Word(std::wstring_view name, Enum& value, Absent absent, Where where = Where::current())
     {
         std::wstring_view word;
         if (!Value(name, word, absent, where))
@@ -118,13 +106,13 @@ public:
     bool Values(KARMath3x3Matrix& matrix, Absent absent, Where where = Where::current());
 
     /// True when there is a child element of the name.
-    bool Has(ItemName name) const { return m_node != nullptr && m_node->HasElement(name); }
+    bool Has(std::wstring_view name) const { return m_node != nullptr && m_node->HasElement(name); }
     /// A reader of a child element; an empty one when there is none, which counts and is reported
     /// as the policy says.
-    ElementReader Child(ItemName name, Absent absent, Where where = Where::current());
+    ElementReader Child(std::wstring_view name, Absent absent, Where where = Where::current());
     /// Calls `read` with a reader of each child of the name, in order; null children are skipped.
     template <class Read>
-    void Each(ItemName name, Read read) const
+    void Each(std::wstring_view name, Read read) const
     {
         if (m_node == nullptr)
             return;
@@ -151,7 +139,7 @@ public:
     /// Reads an optional reference: calls `set` with its target; a failure of `set` is reported.
     /// Nothing happens when the element is missing or its target is unknown.
     template <class T, class Set>
-    void Reference(ItemName name, const KARMPEntityTable& entities, Set set,
+    void Reference(std::wstring_view name, const KARMPEntityTable& entities, Set set,
                    Where where = Where::current())
     {
         if (const ElementReader child = Child(name, Absent::Keep, where)) {
@@ -161,8 +149,8 @@ public:
     }
     /// Reads the references of a container in the same manner, one call of `add` each.
     template <class T, class Add>
-    void References(ItemName container, ItemName item, const KARMPEntityTable& entities, Add add,
-                    Where where = Where::current())
+    void References(std::wstring_view container, std::wstring_view item,
+                    const KARMPEntityTable& entities, Add add, Where where = Where::current())
     {
         Child(container, Absent::Keep, where)
             .Each(

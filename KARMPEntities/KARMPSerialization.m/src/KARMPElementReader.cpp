@@ -6,13 +6,13 @@ namespace karmp {
 
 namespace {
 
-constexpr ItemName IdentifierName = L"id";
+constexpr std::wstring_view IdentifierName = L"id";
 
 } // namespace
 
-ElementReader::ElementReader(const KARMPDeserializer* node, ItemName name, Where where)
+ElementReader::ElementReader(const KARMPDeserializer* node, std::wstring_view name, Where where)
 {
-    if (node != nullptr && node->Id() == std::wstring_view(name))
+    if (node != nullptr && node->Id() == name)
         m_node = node;
     else if (node != nullptr)
         node->GetElement(name, m_node);
@@ -61,7 +61,7 @@ bool ElementReader::Values(KARMath3x3Matrix& matrix, Absent absent, Where where)
     return complete;
 }
 
-ElementReader ElementReader::Child(ItemName name, Absent absent, Where where)
+ElementReader ElementReader::Child(std::wstring_view name, Absent absent, Where where)
 {
     const KARMPDeserializer* child = nullptr;
     if (m_node != nullptr)
