@@ -101,8 +101,6 @@ std::size_t SourceText::Step(std::string_view bytes)
 
 void SourceText::FindLines(std::string_view bytes)
 {
-    constexpr std::size_t expectedLine = 16;
-    m_lineStarts.reserve(bytes.size() / expectedLine + 1);
     for (std::size_t feed = bytes.find('\n'); feed != std::string_view::npos;
          feed = bytes.find('\n', feed + 1))
         m_lineStarts.push_back(static_cast<std::uint32_t>(feed + 1));
