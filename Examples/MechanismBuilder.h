@@ -175,6 +175,35 @@ public:
         return constant;
     }
 
+    /// A motor on a variable, with a greatest force or torque. The motor makes a value of the
+    /// number, which is named and added to the basic world as any entity.
+    QOBSharedHandle<KARMPMotor> AddMotor(const std::wstring& name,
+                                         const QOBSharedHandle<KARMPVariable>& variable,
+                                         double maximum)
+    {
+        const auto motor = File<KARMPActuator>(KARMPMotor::create(name), name);
+        motor->SetVariable(variable);
+        variable->SetType(KARMPVariableType::Controlled);
+        motor->SetMaxForce(maximum);
+        QOBSharedHandle<KARMPValue> value;
+        motor->GetMaxForce(value);
+        File<KARMPValue>(value, name + L".maximum");
+        return motor;
+    }
+
+    /// A motor that turns or pulls at a velocity.
+    QOBSharedHandle<KARMPMotor> AddMotor(const std::wstring& name,
+                                         const QOBSharedHandle<KARMPVariable>& variable,
+                                         double maximum, double velocity)
+    {
+        const auto motor = AddMotor(name, variable, maximum);
+        motor->SetVelocity(velocity);
+        QOBSharedHandle<KARMPValue> value;
+        motor->GetVelocity(value);
+        File<KARMPValue>(value, name + L".velocity");
+        return motor;
+    }
+
     /// A connector between a geometry of each of its bodies.
     template <class Connector>
     QOBSharedHandle<Connector> AddConnector(const std::wstring& name,

@@ -21,21 +21,6 @@ constexpr KARMathAxis LiftAxis(const KARMathPoint& origin)
     return {origin, {1.0, 0.0, 0.0}, {0.0, 0.0, 1.0}, {0.0, -1.0, 0.0}};
 }
 
-/// A motor on a variable, with a greatest force or torque. The motor makes a value of the number;
-/// the caller names it and adds it to the basic world, as any entity.
-QOBSharedHandle<KARMPMotor> AddMotor(MechanismBuilder& mechanism, const std::wstring& name,
-                                     const QOBSharedHandle<KARMPVariable>& variable, double maximum)
-{
-    const auto motor = mechanism.File<KARMPActuator>(KARMPMotor::create(name), name);
-    motor->SetVariable(variable);
-    variable->SetType(KARMPVariableType::Controlled);
-    motor->SetMaxForce(maximum);
-    QOBSharedHandle<KARMPValue> value;
-    motor->GetMaxForce(value);
-    mechanism.File<KARMPValue>(value, name + L".maximum");
-    return motor;
-}
-
 struct Variables
 {
     QOBSharedHandle<KARMPVariable> turn;
@@ -74,24 +59,21 @@ QOBSharedHandle<KARMPWorld> Build()
 {
     MechanismBuilder mechanism(L"Motor drive", {0.0, 0.0, -9.81});
     const auto [turn, lift, reach] = AddArm(mechanism);
-    QOBSharedHandle<KARMPValue> value;
 
-    const auto turnMotor = AddMotor(mechanism, L"Turn motor", turn, 40.0);
-    turnMotor->SetVelocity(TurnVelocity);
-    turnMotor->GetVelocity(value);
-    mechanism.File<KARMPValue>(value, L"Turn motor.velocity");
+    const auto turnMotor = mechanism.AddMotor(L"Turn motor", turn, 40.0, TurnVelocity);
 
     // The world's factory owns the equation as long as there is a world, and holds no other one.
     KARWBFactory* laws = nullptr;
     KARWBEquation* law = nullptr;
     mechanism.World()->GetWBFactory(laws);
     KARMPSerializationServices::ParseWBEquation(LiftLaw, laws, law);
-    const auto liftMotor = AddMotor(mechanism, L"Lift motor", lift, 80.0);
+    const auto liftMotor = mechanism.AddMotor(L"Lift motor", lift, 80.0);
     liftMotor->SetPosition(laws);
+    QOBSharedHandle<KARMPValue> value;
     liftMotor->GetPosition(value);
     mechanism.File<KARMPValue>(value, L"Lift motor.position");
 
-    const auto reachMotor = AddMotor(mechanism, L"Reach motor", reach, 200.0);
+    const auto reachMotor = mechanism.AddMotor(L"Reach motor", reach, 200.0);
     reachMotor->SetPosition(mechanism.AddConstant(L"Wanted reach", Quantity::Length, Reach));
 
     const auto driver = mechanism.File<KARMPActuator>(KARMPDriver::create(L"Drive"), L"Drive");
