@@ -40,7 +40,7 @@ std::vector<LinkSide> DocumentLinks::SidesOf(const SchemaItem& entityClass)
     std::vector<LinkSide> sides;
     for (const SchemaItem& element : entityClass.elements) {
         const SchemaItem* const reference = ReferenceOf(element);
-        if (reference == nullptr || reference->otherSide.empty())
+        if (reference == nullptr)
             continue;
         sides.push_back({element.name, reference != &element, NumberOf(element.name), {}});
         for (const std::wstring_view name : OtherSides(reference->otherSide))
@@ -83,7 +83,7 @@ bool DocumentLinks::IsOneSided(std::optional<std::uint32_t> owner,
     const auto side = std::find_if(sides.begin(), sides.end(), [element](const LinkSide& entry) {
         return entry.element == element;
     });
-    if (side == sides.end())
+    if (side == sides.end() || side->otherNames.empty())
         return false;
     return !owner || std::none_of(side->otherNames.begin(), side->otherNames.end(),
                                   [&](std::uint32_t otherName) {

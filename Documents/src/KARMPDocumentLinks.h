@@ -18,7 +18,8 @@ namespace karmp::documents {
 std::vector<std::wstring_view> OtherSides(std::wstring_view names);
 
 /// One side of a link: the element that refers, which may be a list, and the numbers of the names
-/// of this item and of the target's items, one of which refers back.
+/// of this item and of the target's items, one of which refers back. There are none when the target
+/// need not refer back, though it may demand this side.
 struct LinkSide
 {
     std::wstring_view element;
@@ -31,10 +32,10 @@ struct LinkSide
 class DocumentLinks
 {
 public:
-    /// The items of a class that have counterparts.
+    /// The items of a class that refer to entities.
     std::vector<LinkSide> SidesOf(const SchemaItem& entityClass);
 
-    /// Notes all references of an entity that have counterparts. `sides` are those of its class.
+    /// Notes all references of an entity. `sides` are those of its class.
     void Collect(std::uint32_t owner, const KARMPDeserializer& entity,
                  const std::vector<LinkSide>& sides, Identifiers& identifiers);
     /// Ends the collecting; before that nothing can be asked.

@@ -136,6 +136,27 @@ TEST(DocumentLinks, OfAConnectorAreThoseOfItsFirstAndItsSecondBody)
     }
 }
 
+/// A sensor asks its constraint to refer back; a constraint asks no sensor, as some have it in a
+/// result that documents do not hold.
+TEST(DocumentLinks, MayBeDemandedByOneSideOnly)
+{
+    const std::string watched = R"(<?xml version="1.0" encoding="UTF-8"?>
+<KARMPDocument version="R2018.1">
+ <World>
+  <Constraints><Concentricity id="C" name="C"><Sensors><Sensor id="S"/></Sensors></Concentricity></Constraints>
+  <Sensors><ConstraintSensor id="S" name="S"><Constraint id="C"/></ConstraintSensor></Sensors>
+ </World>
+</KARMPDocument>
+)";
+    EXPECT_EQ(CountOneSided(CheckText(watched)), 0U);
+    EXPECT_EQ(CountOneSided(CheckText(Without("<Constraint id=\"C\"/>", watched))), 0U);
+    const Diagnostics messages =
+        CheckText(Without("<Sensors><Sensor id=\"S\"/></Sensors>", watched));
+    ASSERT_EQ(CountOneSided(messages), 1U);
+    EXPECT_EQ(messages.Find(Code::OneSidedLink)->path,
+              "/KARMPDocument/World/Sensors/ConstraintSensor/Constraint/@id");
+}
+
 TEST(DocumentLinks, ToNoEntityAreReportedOnceAsThat)
 {
     std::string text = Linked;
