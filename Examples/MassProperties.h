@@ -33,6 +33,30 @@ inline MassProperties Cylinder(double mass, const KARMathPoint& center, double r
     return {mass, center, Diagonal(across, across, mass * radius * radius / 2.0)};
 }
 
+inline MassProperties SolidSphere(double mass, const KARMathPoint& center, double radius)
+{
+    const double inertia = 0.4 * mass * radius * radius;
+    return {mass, center, Diagonal(inertia, inertia, inertia)};
+}
+
+/// Two parts of one body, each in the axes of the body.
+inline MassProperties Together(const MassProperties& first, const MassProperties& second)
+{
+    MassProperties whole;
+    whole.mass = first.mass + second.mass;
+    whole.center = first.center + second.mass / whole.mass * (second.center - first.center);
+    for (const MassProperties& part : {first, second}) {
+        const KARMathVector arm = part.center - whole.center;
+        const KARMathVector x = arm.GetX() * arm;
+        const KARMathVector y = arm.GetY() * arm;
+        const KARMathVector z = arm.GetZ() * arm;
+        const double square = arm.SquareNorm();
+        whole.inertia = whole.inertia + part.inertia +
+                        part.mass * (Diagonal(square, square, square) - KARMath3x3Matrix(x, y, z));
+    }
+    return whole;
+}
+
 inline void SetMass(KARMPBody& body, const MassProperties& properties)
 {
     body.SetMass(properties.mass);

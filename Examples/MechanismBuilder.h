@@ -82,6 +82,17 @@ public:
         return AddBody(name, KARMathTransformation(rotation, origin - KARMathPoint()));
     }
 
+    /// Gives a geometry to a body.
+    template <class T>
+    QOBSharedHandle<T> Attach(const QOBSharedHandle<T>& geometry,
+                              const QOBSharedHandle<KARMPBody>& body, const std::wstring& name)
+    {
+        File<KARMPGeometry>(geometry, body->getEntityName() + L'.' + name);
+        geometry->SetBody(body);
+        body->AddGeometry(geometry);
+        return geometry;
+    }
+
     /// An axis system of the body, in body axes.
     QOBSharedHandle<KARMPAxisSystem> AddAxisSystem(const QOBSharedHandle<KARMPBody>& body,
                                                    const std::wstring& name,
@@ -252,16 +263,6 @@ private:
         KARMathTransformation inverse;
         PositionOf(body).ComputeInverse(inverse);
         return inverse;
-    }
-
-    template <class T>
-    QOBSharedHandle<T> Attach(const QOBSharedHandle<T>& geometry,
-                              const QOBSharedHandle<KARMPBody>& body, const std::wstring& name)
-    {
-        File<KARMPGeometry>(geometry, body->getEntityName() + L'.' + name);
-        geometry->SetBody(body);
-        body->AddGeometry(geometry);
-        return geometry;
     }
 
     QOBSharedHandle<QOBBasicWorld> m_basicWorld;

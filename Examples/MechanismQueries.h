@@ -45,6 +45,13 @@ QOBSharedHandle<Family> FindByName(const KARMPWorld& world, const std::wstring& 
     return {};
 }
 
+/// The sensor with that name.
+template <class Sensor>
+QOBSharedHandle<Sensor> SensorOf(const KARMPWorld& world, const wchar_t* name)
+{
+    return QOBSharedHandle<Sensor>(FindByName<KARMPSensor>(world, name));
+}
+
 /// Prints what a save or a load had to say; true when there was nothing.
 inline bool IsQuiet(const karmp::documents::Diagnostics& messages)
 {
