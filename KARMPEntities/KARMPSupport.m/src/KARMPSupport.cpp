@@ -1,7 +1,34 @@
 #include "KARMPSupport.h"
 
-KARMP_DEFINE_ABSTRACT_ENTITY(KARMPSupport, "A2D38552-80B9-4C6C-BB90-59EAC7D208B6");
+#include "KARMPContentWalk.h"
+#include "KARMPFrames.h"
+#include "KARMPOutputGate.h"
+
+KARMP_DEFINE_ENTITY(KARMPSupport, "A2D38552-80B9-4C6C-BB90-59EAC7D208B6");
+
+template <>
+struct karmp::ContentOf<KARMPSupport>
+{
+    using C = KARMPSupport;
+    static constexpr auto List =
+        Element(L"Support", "Ties an attribute to another entity.", LenientFrame,
+                Reference<&C::m_target, &C::SetTarget>(L"Target", "The other entity."))
+            .LeftOutWhen<&C::IsLeftOut>();
+};
+KARMP_DEFINE_CONTENT(KARMPSupport);
 
 KARMPSupport::KARMPSupport() = default;
-KARMPSupport::KARMPSupport(const KARMPSupport& source, CopyMode mode) : Super(source, mode) {}
+KARMPSupport::KARMPSupport(const KARMPSupport& source, CopyMode mode)
+    : Super(source, mode), m_owner(source.m_owner)
+{}
 KARMPSupport::~KARMPSupport() = default;
+
+void KARMPSupport::ClearContainers()
+{
+    m_target.Clear();
+}
+
+bool KARMPSupport::IsLeftOut() const
+{
+    return karmp::IsOutputLeftOut(m_owner);
+}

@@ -4,7 +4,7 @@
 #include "KARMPContentWalk.h"
 #include "KARMPFrames.h"
 #include "KARMPLoaderAccess.h"
-#include "KARProcessServices.h"
+#include "KARMPOutputGate.h"
 
 KARMP_DEFINE_ABSTRACT_ENTITY(KARMPValue, "B06D8474-E35A-4405-8D99-EEED7277B78C");
 
@@ -67,7 +67,7 @@ KARStatus KARMPValue::GetPhysicalQuantity(KARMPPhysicalQuantity::Enum& quantity)
 
 bool KARMPValue::IsLeftOut() const
 {
-    return m_owner == "Output" && KARGetEnv("MOT_DUMP_OUTPUTS") == nullptr;
+    return karmp::IsOutputLeftOut(m_owner);
 }
 
 KARStatus KARMPValue::Serialize(KARMPSerializer* serializer) const
