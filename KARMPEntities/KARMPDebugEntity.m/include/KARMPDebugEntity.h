@@ -2,13 +2,8 @@
 
 #include "KARMPEntity.h"
 
-/// Entity that carries what a developer wants to look at.
+/// Entity that is kept in a world for inspection only.
 class KARMP_API KARMPDebugEntity : public KARMPEntity
 {
-    KARMP_ABSTRACT_ENTITY(KARMPDebugEntity, KARMPEntity)
-
-protected:
-    KARMPDebugEntity();
-    KARMPDebugEntity(const KARMPDebugEntity& source, CopyMode mode);
-    ~KARMPDebugEntity() override;
+    KARMP_KIND(KARMPDebugEntity, KARMPEntity)
 };

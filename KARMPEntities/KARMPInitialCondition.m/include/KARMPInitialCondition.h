@@ -2,13 +2,8 @@
 
 #include "KARMPEntity.h"
 
-/// State in which an analysis begins.
+/// State in which an analysis begins. The application tells it by the condition's attributes.
 class KARMP_API KARMPInitialCondition : public KARMPEntity
 {
-    KARMP_ABSTRACT_ENTITY(KARMPInitialCondition, KARMPEntity)
-
-protected:
-    KARMPInitialCondition();
-    KARMPInitialCondition(const KARMPInitialCondition& source, CopyMode mode);
-    ~KARMPInitialCondition() override;
+    KARMP_KIND(KARMPInitialCondition, KARMPEntity)
 };

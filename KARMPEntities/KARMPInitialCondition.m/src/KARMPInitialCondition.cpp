@@ -1,9 +1,6 @@
 #include "KARMPInitialCondition.h"
 
-KARMP_DEFINE_ABSTRACT_ENTITY(KARMPInitialCondition, "F2D98B10-249A-4DF1-AB2B-E46AAE3B895C");
+#include "KARMPKindDefinition.h"
 
-KARMPInitialCondition::KARMPInitialCondition() = default;
-KARMPInitialCondition::KARMPInitialCondition(const KARMPInitialCondition& source, CopyMode mode)
-    : Super(source, mode)
-{}
-KARMPInitialCondition::~KARMPInitialCondition() = default;
+KARMP_DEFINE_KIND(KARMPInitialCondition, "F2D98B10-249A-4DF1-AB2B-E46AAE3B895C",
+                  L"InitialCondition", LenientFrame, "The state in which an analysis begins.");

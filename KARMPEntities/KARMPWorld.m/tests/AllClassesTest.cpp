@@ -211,6 +211,7 @@ void ValuesOf(const TestSerializer& node, Values& values)
 const std::map<std::string, std::string> NotReadBack{
     {"KARMPCone", "it reads the element of another class"},
     {"KARMPCylinder", "it reads origin and axis under other names than it writes"},
+    {"KARMPGenericEntity", "it reads its category from the node that it is given, not from within"},
 };
 
 /// Classes that no factory makes, since their families are declared only or have but some of their
@@ -230,19 +231,10 @@ const std::set<std::string_view> NotMade{
     // Shapes.
     "KARMP3DRep",
     "KARMPShapeBody",
-    // Findings of a solver.
-    "KARMPDiagnostic",
     // Attributes.
     "KARMPOutput",
     "KARMPParameter",
     "KARMPState",
-    // Families of one class, which have their registries alone.
-    "KARMPAnalysisCase",
-    "KARMPAnalysisStep",
-    "KARMPDebugEntity",
-    "KARMPGenericEntity",
-    "KARMPInitialCondition",
-    "KARMPSupport",
 };
 
 class AllClasses : public KARMPTestFixture
@@ -338,8 +330,10 @@ TEST_F(AllClasses, WriteTheElementOfTheirName)
         Prepare(entity);
         TestSerializer root;
         EXPECT_FALSE(KARFailed(entity->Serialize(&root)));
-        ASSERT_EQ(root.GetElementCount(), 1U);
-        EXPECT_EQ(root.Child(0).GetId(), IdentityOf(name)->element);
+        const std::wstring_view element = IdentityOf(name)->element;
+        ASSERT_EQ(root.GetElementCount(), element.empty() ? 0U : 1U);
+        if (!element.empty())
+            EXPECT_EQ(root.Child(0).GetId(), element);
     }
 }
 

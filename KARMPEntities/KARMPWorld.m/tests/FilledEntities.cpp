@@ -130,6 +130,7 @@ FilledEntities::FilledEntities()
     AddTwo(m_constants, L"K", Identified<KARMPConstant>);
     AddTwo(m_rules, L"R", Identified<KARMPCollisionRule>);
     AddTwo(m_layers, L"L", Identified<KARMPCollisionLayer>);
+    AddTwo(m_steps, L"D", Identified<KARMPAnalysisStep>);
     AddTwo(m_elements, L"A", Identified<KARMPPoint>);
     AddTwo(m_parameters, L"P", IdentifiedAttribute<KARMPParameter>);
     AddTwo(m_states, L"T", IdentifiedAttribute<KARMPState>);
@@ -179,7 +180,7 @@ QOBSharedHandle<KARMPEntity> FilledEntities::Make(const std::string& className, 
     fill(&FilledEntities::FillInteraction);
     fill(&FilledEntities::FillValue);
     fill(&FilledEntities::FillVariable);
-    EXPECT_TRUE(known) << "no function fills the family of " << className;
+    EXPECT_TRUE(known || FillSetUp(entity)) << "no function fills the family of " << className;
     FillOwnContent(entity);
     return handle;
 }

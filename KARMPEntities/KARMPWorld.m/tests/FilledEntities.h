@@ -4,6 +4,7 @@
 
 #include "KARCrvLimits.h"
 #include "KARGeometricFactory.h"
+#include "KARMPAnalysisStep.h"
 #include "KARMPCollisionLayer.h"
 #include "KARMPCollisionRule.h"
 #include "KARMPConnector.h"
@@ -89,6 +90,7 @@ private:
     void FillInteraction(KARMPInteraction& interaction);
     void FillValue(KARMPValue& value);
     void FillVariable(KARMPVariable& variable);
+    bool FillSetUp(KARMPEntity& entity);
     void FillOwnContent(KARMPEntity& entity);
     template <class T>
     void FillShapeOf(T& geometry);
@@ -141,6 +143,7 @@ private:
     Two<KARMPConstant> m_constants;
     Two<KARMPCollisionRule> m_rules;
     Two<KARMPCollisionLayer> m_layers;
+    Two<KARMPAnalysisStep> m_steps;
     Two<KARMPParameter> m_parameters;
     Two<KARMPState> m_states;
     Two<KARMPEntity> m_elements;
