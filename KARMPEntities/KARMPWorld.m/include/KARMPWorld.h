@@ -185,6 +185,34 @@ public:
     /// rest is read.
     KARStatus Deserialize(const KARMPDeserializer* deserializer);
 
+    /// Tell the loader of each controlled variable that has a value to keep it there, or to let it
+    /// vary again; the variables stay as they are. A variable without a loader is passed over.
+    ///
+    /// These and the operations below walk over what is listed when they begin. An entity that
+    /// cannot be had any more is a failed check, and the others get their turn.
+    KARStatus FixAllControlledVariables();
+    KARStatus UnfixAllControlledVariables();
+    /// Tell the loader of each body that is not fixed to hold it, or to release it; no body becomes
+    /// fixed by that. A loader that cannot be fetched is a failed check.
+    KARStatus FixAllFreeBodies();
+    KARStatus UnfixAllFreeBodies();
+    /// True when each active constraint holds by the answer of its loader; one without a loader
+    /// does not. The first that does not ends the walk. A constraint that cannot be had is passed
+    /// over without a report.
+    bool IsSatisfied() const;
+    /// Gives the largest residual of all constraints, inactive ones included, as their loaders
+    /// measure it; 0 when none is larger. Always true.
+    bool IsSatisfied(double& worst) const;
+    /// False when a body with a shape has no mass.
+    bool IsWeighted() const;
+    /// Have each active sensor forget its measurement, or measure. What a sensor answers is not
+    /// passed on.
+    KARStatus ResetSensors();
+    KARStatus UpdateSensors();
+    /// Tells the loader of each constraint, active or not, to bring the constraint's parameters up
+    /// to date. A loader that cannot be fetched is a failed check.
+    KARStatus UpdateConstraintParameters();
+
     /// A new world, under a basic world of its own, with a duplicate of every listed entity, filed
     /// under the same keys, and with the settings, but for unit, ground body, loader and table.
     ///
