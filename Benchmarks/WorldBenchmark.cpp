@@ -109,6 +109,24 @@ void Save(benchmark::State& state, Content content)
     state.counters["ratio_to_bare"] = time / bareTime;
 }
 
+/// Renders a tree that holds the whole world, which a save never does.
+void Render(benchmark::State& state, Content content)
+{
+    KARMPDocumentWriter tree;
+    Build(state.range(0), content)->Serialize(&tree);
+    const PerEntity perEntity(state, content);
+    for (auto _ : state) {
+        std::string text;
+        state.PauseTiming();
+        GiveFreeMemoryBack();
+        state.ResumeTiming();
+        tree.RenderXml(text);
+        state.PauseTiming();
+        text = std::string();
+        state.ResumeTiming();
+    }
+}
+
 /// Loads and parses by turns; `prepare` is called before each.
 template <class Prepare>
 void LoadAndParse(benchmark::State& state, Content content, Prepare prepare)
@@ -254,11 +272,19 @@ void Hub(benchmark::State& state)
 
 BENCHMARK_CAPTURE(Build, Bodies, Content::Bodies)->SIZES;
 BENCHMARK_CAPTURE(Save, Bodies, Content::Bodies)->SIZES;
+BENCHMARK_CAPTURE(Render, Bodies, Content::Bodies)
+    ->Arg(1'000)
+    ->Arg(10'000)
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(Load, Bodies, Content::Bodies)->SIZES;
 BENCHMARK_CAPTURE(Teardown, Bodies, Content::Bodies)->SIZES;
 BENCHMARK_CAPTURE(LoadPeak, Bodies, Content::Bodies)->Arg(100'000)->Iterations(1);
 BENCHMARK_CAPTURE(Build, Joints, Content::Joints)->SIZES;
 BENCHMARK_CAPTURE(Save, Joints, Content::Joints)->SIZES;
+BENCHMARK_CAPTURE(Render, Joints, Content::Joints)
+    ->Arg(1'000)
+    ->Arg(10'000)
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(Load, Joints, Content::Joints)->SIZES;
 BENCHMARK_CAPTURE(Teardown, Joints, Content::Joints)->SIZES;
 BENCHMARK_CAPTURE(LoadPeak, Joints, Content::Joints)->Arg(100'000)->Iterations(1);
