@@ -11,14 +11,13 @@
 #include <functional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace karmp::documents {
 
 /// A cache of the names of a document, from their bytes to their decoded form. Two names with one
 /// slot replace each other, so that the size of the cache does not depend on the document. Names
-/// usually follow each other in a repeated order, so that the last ones asked for predict the next.
+/// usually follow each other in a repeated order, so that the last four asked for predict the next.
 class RepeatedNames
 {
 public:
@@ -35,7 +34,7 @@ public:
     RepeatedNames(std::vector<NodeText>& names, NodeMemory& memory, std::size_t longest)
         : m_names(names), m_memory(memory), m_longest(longest)
     {
-        m_guesses.fill({&m_nothing, &m_nothing});
+        m_guesses.fill(&m_nothing);
     }
     RepeatedNames(const RepeatedNames&) = delete;
     RepeatedNames& operator=(const RepeatedNames&) = delete;
@@ -44,14 +43,11 @@ public:
     Name Get(const char* bytes, const char* end)
     {
         const auto left = static_cast<std::size_t>(end - bytes);
-        Guesses& guesses = m_guesses[(m_history * Mixer) >> (64U - GuessBits)];
-        if (!guesses.first->Is(bytes, left)) {
-            std::swap(guesses.first, guesses.second);
-            if (!guesses.first->Is(bytes, left))
-                guesses.first = &Look(bytes);
-        }
-        m_history = m_history << 16U ^ guesses.first->name.number;
-        return guesses.first->name;
+        const Entry*& guess = m_guesses[(m_history * Mixer) >> (64U - GuessBits)];
+        if (!guess->Is(bytes, left))
+            guess = &Look(bytes);
+        m_history = m_history << 16U ^ guess->name.number;
+        return guess->name;
     }
 
 private:
@@ -100,11 +96,6 @@ private:
         /// The last bytes of a longer name, the null included.
         Word m_last = 0;
     };
-    struct Guesses
-    {
-        const Entry* first;
-        const Entry* second;
-    };
     static constexpr Word Mixer = 0x9E3779B97F4A7C15U;
     static constexpr unsigned GuessBits = 9;
     static constexpr std::size_t SlotCount = 512;
@@ -141,7 +132,7 @@ private:
     const Entry m_nothing;
     /// The numbers of the last four names, 16 bits each.
     Word m_history = 0;
-    std::array<Guesses, std::size_t{1} << GuessBits> m_guesses;
+    std::array<const Entry*, std::size_t{1} << GuessBits> m_guesses;
     std::array<Entry, SlotCount> m_entries;
     std::wstring m_wide;
 };
