@@ -2,11 +2,14 @@
 #include "ConcreteEntity.h"
 #include "KARMPAnalysisStep.h"
 #include "KARMPEntityTable.h"
+#include "KARMPItems.h"
 #include "KARMPPoint.h"
 #include "KARMPTestFixture.h"
 #include "QOBException.h"
 #include "TestDeserializer.h"
 #include "TestSerializer.h"
+
+#include <algorithm>
 
 namespace {
 
@@ -208,6 +211,15 @@ TEST_F(AnalysisCase, ReadsNoStepsFromAnEmptyList)
     TestDeserializer root;
     Element(root).Add(L"Steps");
     EXPECT_EQ(Read(root)->GetAnalysisStepCount(), 0);
+}
+
+TEST_F(AnalysisCase, DiffersFromOneWithItsStepsInAnotherOrder)
+{
+    const auto items = karmp::ItemsOf(KARMPAnalysisCase::ClassName());
+    const auto steps = std::find_if(items.begin(), items.end(),
+                                    [](const auto& item) { return item.name == L"Steps"; });
+    ASSERT_NE(steps, items.end());
+    EXPECT_TRUE(steps->isInOrder);
 }
 
 TEST_F(AnalysisCase, ThrowsForAStepOfAnotherClass)

@@ -18,8 +18,8 @@ public:
     virtual KARStatus CurrentValue(int index, double& value, double& rate) = 0;
     /// Gives the current value of the constraint.
     virtual KARStatus CurrentValue(double& value) = 0;
-    /// Brings the constraint's parameters up to date with the solver's state. The constraint
-    /// itself never asks for it.
+    /// Brings the constraint's parameters up to date with the solver's state. A world asks for it,
+    /// the constraint itself never does.
     virtual KARStatus UpdateParameters() = 0;
     /// Gives the options and the orientation that the solver works with now.
     virtual KARStatus CurrentOptions(KARMPOptionsOrientation& options) = 0;
