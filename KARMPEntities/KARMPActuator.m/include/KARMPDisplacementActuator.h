@@ -42,9 +42,10 @@ public:
     /// Stores the transformation, in world axes, and tells the loader, whose answer is the result:
     /// 0 without one. A loader that cannot be fetched is a failed check and a failure.
     KARStatus SetDisplacement(const KARMathTransformation& displacement);
-    KARStatus GetDisplacement(KARMathTransformation& displacement) const;
     /// The same for the drag line.
     KARStatus SetDisplacementByDragLine(const KARMathLine& line);
+    /// Give what is stored; always 0.
+    KARStatus GetDisplacement(KARMathTransformation& displacement) const;
     KARStatus GetDisplacementByDragLine(KARMathLine& line) const;
     /// Asks the loader what became of the last move: its status, 0 with 0 without a loader. A
     /// loader that cannot be fetched is a failed check and a failure.

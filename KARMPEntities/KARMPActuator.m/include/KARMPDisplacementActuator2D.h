@@ -27,9 +27,10 @@ public:
     /// Stores the transformation, in the axes of the plane, and tells the loader, whose answer is
     /// the result: 0 without one. A loader that cannot be fetched is a failed check and a failure.
     KARStatus SetDisplacement(const KARMathTransformation2D& displacement);
-    KARStatus GetDisplacement(KARMathTransformation2D& displacement) const;
     /// The same for the drag line.
     KARStatus SetDisplacementByDragLine(const KARMathLine2D& line);
+    /// Give what is stored; always 0.
+    KARStatus GetDisplacement(KARMathTransformation2D& displacement) const;
     KARStatus GetDisplacementByDragLine(KARMathLine2D& line) const;
     /// Asks the loader what became of the last move: its status, 0 with 0 without a loader. A
     /// loader that cannot be fetched is a failed check and a failure.

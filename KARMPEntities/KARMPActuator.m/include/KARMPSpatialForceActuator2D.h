@@ -53,6 +53,7 @@ public:
 
     /// Stores the point where the force acts, as it is.
     KARStatus SetApplicationPoint(const KARMathPoint2D& point);
+    /// Gives the stored point; always 0.
     KARStatus GetApplicationPoint(KARMathPoint2D& point) const;
     /// Whether the components are along the body's axes; always 0.
     KARStatus SetIsInLocalFrame(bool isInLocalFrame);

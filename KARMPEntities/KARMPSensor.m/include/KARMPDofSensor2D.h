@@ -14,7 +14,7 @@ class KARMP_API KARMPDofSensor2D : public KARMPSensor
 
 public:
     KARStatus Serialize(KARMPSerializer* serializer) const override;
-    /// Reads freedoms behind those that are there.
+    /// Reads freedoms behind those that are there; what is missing of one is 0.
     KARStatus Deserialize(const KARMPDeserializer* deserializer,
                           const KARMPEntityTable& entities) override;
     /// Makes the numbers of freedoms 0; always 0.

@@ -6,6 +6,10 @@ class KARMPConstraint;
 
 /// Base of everything that holds a measurement: the solver fills it in, Update asks for that and
 /// Reset forgets it.
+///
+/// A concrete sensor has an element of its own. What cannot be added to it is a failed check and a
+/// failure; what a reader misses there is a failed check and stays as it is, unless the class tells
+/// otherwise.
 class KARMP_API KARMPSensor : public KARMPEntity
 {
     KARMP_ABSTRACT_ENTITY(KARMPSensor, KARMPEntity)
