@@ -3,6 +3,7 @@
 // motor's torque, and whether a constraint is needed at all. The loaders stand for a solver: they
 // know the motion and the forces in closed form, and keep what they measured.
 #include "CrankMotion.h"
+#include "RecordingLoader.h"
 
 #include <algorithm>
 #include <array>
@@ -26,65 +27,6 @@ constexpr int TranslationAlongZ = 2;
 constexpr int Child = 1; // index of a joint's body
 
 using Records = std::map<std::wstring, std::vector<double>>; // by the names of sensors
-
-/// A solver's loader on a sensor: each update fills the sensor in by its setters, and keeps one
-/// number of the result.
-template <class Loader, class Sensor>
-class RecordingLoader : public Loader
-{
-public:
-    using Measure = std::function<double(Sensor&)>;
-
-    RecordingLoader(Sensor& sensor, std::vector<double>& record, Measure measure)
-        : m_sensor(sensor), m_record(record), m_measure(std::move(measure))
-    {}
-
-    KARStatus Update() override
-    {
-        m_record.push_back(m_measure(m_sensor));
-        return KARSuccess;
-    }
-    KARStatus OnActivate() override { return KARSuccess; }
-    KARStatus OnDeactivate() override { return KARSuccess; }
-
-private:
-    Sensor& m_sensor; // owns the loader
-    std::vector<double>& m_record;
-    Measure m_measure;
-};
-
-/// A loader on the force in a joint knows the frames of the joint's bodies, too.
-class JointForceLoader
-    : public RecordingLoader<KARIMPJointSpatialForceSensorLoader, KARMPJointSpatialForceSensor>
-{
-public:
-    JointForceLoader(KARMPJointSpatialForceSensor& sensor, std::vector<double>& record,
-                     Measure measure)
-        : RecordingLoader(sensor, record, std::move(measure)), m_sensor(sensor)
-    {}
-
-    KARStatus ReadJointFrame(KARMathAxis& frame) override
-    {
-        return ReadFrame(KARMPAxisMode::FirstBody, frame);
-    }
-    KARStatus ReadFrame(KARMPAxisMode::Enum mode, KARMathAxis& frame) override
-    {
-        QOBSharedHandle<KARMPJoint> joint;
-        QOBSharedHandle<KARMPConstraint> constraint;
-        QOBSharedHandle<KARMPGeometry> geometry;
-        QOBSharedHandle<KARMPBody> body;
-        m_sensor.GetJoint(joint);
-        joint->GetConstraint(0, constraint);
-        constraint->GetLinkedGeometry(mode == KARMPAxisMode::FirstBody ? 0 : 1, geometry);
-        geometry->GetBody(body);
-        QOBSharedHandle<KARMPAxisSystem>(geometry)->GetAxisSystem(frame);
-        frame = PositionOf(*body) * frame;
-        return KARSuccess;
-    }
-
-private:
-    const KARMPJointSpatialForceSensor& m_sensor;
-};
 
 /// Whether two constraints link the same geometries.
 bool LinkTheSame(const KARMPConstraint& one, const KARMPConstraint& other)
