@@ -13,7 +13,7 @@
 
 using Clock = std::chrono::steady_clock;
 /// How much of the mechanism is built.
-enum class Content { Bodies, Joints, Springs };
+enum class Content { Bodies, Joints, Springs, Motors };
 
 inline int EntitiesPerBody(Content content)
 {
@@ -22,8 +22,10 @@ inline int EntitiesPerBody(Content content)
         return 4;
     case Content::Joints:
         return 7;
-    default:
+    case Content::Springs:
         return 11;
+    default:
+        return 14;
     }
 }
 
@@ -60,6 +62,8 @@ public:
             AddJoint(name, body, axis, variable);
         if (content >= Content::Springs)
             AddSpring(name, body);
+        if (content >= Content::Motors)
+            AddMotor(name, variable);
         m_former = body;
         m_formerAxis = axis;
     }
@@ -124,6 +128,14 @@ private:
         spring->SetStiffness(1000.0);
         spring->SetRestLength(0.25);
         spring->SetDampingCoefficient(10.0);
+    }
+
+    void AddMotor(const std::wstring& name, const QOBSharedHandle<KARMPVariable>& variable)
+    {
+        const auto motor = File<KARMPActuator>(KARMPMotor::create(name + L".Motor"));
+        motor->SetVariable(variable);
+        motor->SetVelocity(2.0);
+        motor->SetMaxForce(50.0);
     }
 
     QOBSharedHandle<QOBBasicWorld> m_basicWorld;

@@ -1,22 +1,17 @@
 // What a step with many contacts costs a collision sensor: a reset, then the contacts one by one;
-// and contacts that are all known. "growth" is the cost of a contact relative to that of the
-// smallest row, which stays low when costs are linear.
+// and contacts that are all known.
+#include "Growth.h"
 #include "HeapCounter.h"
 #include "KARMPEntities.h"
 
 #include <benchmark/benchmark.h>
 
-#include <chrono>
-#include <map>
-#include <string>
 #include <vector>
 
 namespace {
 
-constexpr std::int64_t Fewest = 1'000;
 constexpr std::int64_t Most = 1'000'000;
 
-using Clock = std::chrono::steady_clock;
 using Sensor = QOBSharedHandle<KARMPCollisionSensor>;
 
 /// Bodies of which any two make a contact, as many as a number of contacts needs.
@@ -40,19 +35,6 @@ void AddContacts(KARMPCollisionSensor& sensor,
     }
 }
 
-/// Notes the time of a row, in seconds a contact.
-void NoteTime(benchmark::State& state, const std::string& row, Clock::duration time)
-{
-    static std::map<std::string, double> first;
-    const double contacts = static_cast<double>(state.iterations() * state.range(0));
-    const double cost = std::chrono::duration<double>(time).count() / contacts;
-    state.SetItemsProcessed(state.iterations() * state.range(0));
-    if (state.range(0) == Fewest)
-        first[row] = cost;
-    else if (first.count(row) != 0)
-        state.counters["growth"] = cost / first[row];
-}
-
 void ContactStep(benchmark::State& state)
 {
     const auto bodies = MakeBodies(state.range(0));
@@ -64,10 +46,13 @@ void ContactStep(benchmark::State& state)
         sensor->Reset();
         AddContacts(*sensor, bodies, state.range(0));
     }
-    NoteTime(state, "step", Clock::now() - start);
+    NoteGrowth(state, "step", Clock::now() - start);
     sensor->Reset();
 }
-BENCHMARK(ContactStep)->RangeMultiplier(10)->Range(Fewest, Most)->Unit(benchmark::kMillisecond);
+BENCHMARK(ContactStep)
+    ->RangeMultiplier(10)
+    ->Range(FewestItems, Most)
+    ->Unit(benchmark::kMillisecond);
 
 void RepeatedContact(benchmark::State& state)
 {
@@ -78,9 +63,12 @@ void RepeatedContact(benchmark::State& state)
     const auto start = Clock::now();
     for (auto _ : state)
         AddContacts(*sensor, bodies, state.range(0));
-    NoteTime(state, "repeated", Clock::now() - start);
+    NoteGrowth(state, "repeated", Clock::now() - start);
     sensor->Reset();
 }
-BENCHMARK(RepeatedContact)->RangeMultiplier(10)->Range(Fewest, Most)->Unit(benchmark::kMillisecond);
+BENCHMARK(RepeatedContact)
+    ->RangeMultiplier(10)
+    ->Range(FewestItems, Most)
+    ->Unit(benchmark::kMillisecond);
 
 } // namespace

@@ -1,6 +1,6 @@
 // What a world costs: N bodies, each with two geometries and a variable, N joints and 2 N
-// constraints, N springs and their 3 N values. Rows per entity, and the ratio to pugixml on the
-// same text in the same run.
+// constraints, N springs and their 3 N values, N motors and their 2 N values. Rows per entity, and
+// the ratio to pugixml on the same text in the same run.
 #include "BenchmarkWorld.h"
 #include "HeapCounter.h"
 #include "KARMPDocuments.h"
@@ -294,6 +294,10 @@ BENCHMARK_CAPTURE(Build, Springs, Content::Springs)->SIZES;
 BENCHMARK_CAPTURE(Save, Springs, Content::Springs)->SIZES;
 BENCHMARK_CAPTURE(Load, Springs, Content::Springs)->SIZES;
 BENCHMARK_CAPTURE(Teardown, Springs, Content::Springs)->SIZES;
+BENCHMARK_CAPTURE(Build, Motors, Content::Motors)->SIZES;
+BENCHMARK_CAPTURE(Save, Motors, Content::Motors)->SIZES;
+BENCHMARK_CAPTURE(Load, Motors, Content::Motors)->SIZES;
+BENCHMARK_CAPTURE(Teardown, Motors, Content::Motors)->SIZES;
 BENCHMARK(Hub<HubJoint>)->Name("Hub")->Arg(1'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
 BENCHMARK(Hub<HubSpring>)
     ->Name("HubOfSprings")
