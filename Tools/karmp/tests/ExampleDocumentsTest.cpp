@@ -1,4 +1,5 @@
 // Holds the documents of the examples to docs/conventions.md, as they are after loading.
+#include "ExampleWorld.h"
 #include "KARMPDocuments.h"
 #include "KARMPEntities.h"
 
@@ -45,15 +46,13 @@ protected:
     int ForEach(Visit visit) const
     {
         int count = 0;
-        for (int index = 0; index < m_world->Count<Family>(); ++index) {
-            QOBSharedHandle<Family> entity;
-            m_world->Get<Family>(index, entity);
+        tool::ForEach<Family>(*m_world, [&](const QOBSharedHandle<Family>& entity) {
             if (const auto* object = dynamic_cast<const T*>(entity.operator->())) {
-                SCOPED_TRACE("entity " + std::to_string(index));
+                SCOPED_TRACE(kar::ToUtf8(entity->getEntityName()));
                 visit(*object);
                 ++count;
             }
-        }
+        });
         return count;
     }
 
@@ -85,10 +84,8 @@ Side SideOf(const KARMPConstraint& constraint, int index)
         ADD_FAILURE() << "no axis system of a body at " << index;
         return side;
     }
-    KARMathTransformation position;
-    side.body->GetPosition(position);
     axisSystem->GetAxisSystem(side.axis);
-    side.axis = position * side.axis;
+    side.axis = PositionOf(*side.body) * side.axis;
     return side;
 }
 
@@ -169,9 +166,7 @@ TEST_P(ExampleDocument, KnowsItsVariablesAsTheBodiesStand)
 TEST_P(ExampleDocument, TurnsBodiesAndAxisSystemsWithoutDistortion)
 {
     ForEach<KARMPBody>([](const KARMPBody& body) {
-        KARMathTransformation position;
-        body.GetPosition(position);
-        const KARMath3x3Matrix& matrix = position.GetMatrix();
+        const KARMath3x3Matrix matrix = PositionOf(body).GetMatrix();
         ExpectRotation(matrix.GetFirstColumn(), matrix.GetSecondColumn(), matrix.GetThirdColumn());
     });
     ForEach<KARMPGeometry, KARMPAxisSystem>([](const KARMPAxisSystem& axisSystem) {

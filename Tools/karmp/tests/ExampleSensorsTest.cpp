@@ -1,5 +1,6 @@
 // Holds what the sensors of the example documents tell to mechanics, computed from nothing but the
 // documents.
+#include "ExampleWorld.h"
 #include "KARMPDocuments.h"
 #include "KARMPEntities.h"
 
@@ -31,20 +32,11 @@ protected:
         m_loaded.world->GetGravity(m_gravity);
     }
 
-    template <class Family, class Visit>
-    void ForEach(Visit visit) const
-    {
-        for (int index = 0; index < m_loaded.world->Count<Family>(); ++index) {
-            QOBSharedHandle<Family> entity;
-            m_loaded.world->Get<Family>(index, entity);
-            visit(entity);
-        }
-    }
     template <class Family, class T = Family>
     QOBSharedHandle<T> Find(const wchar_t* name) const
     {
         QOBSharedHandle<Family> found;
-        ForEach<Family>([&](const QOBSharedHandle<Family>& entity) {
+        ForEach<Family>(*m_loaded.world, [&](const QOBSharedHandle<Family>& entity) {
             if (entity->getEntityName() == name)
                 found = entity;
         });
@@ -60,13 +52,6 @@ protected:
     documents::LoadResult m_loaded;
     KARMathVector m_gravity;
 };
-
-KARMathTransformation PositionOf(const KARMPBody& body)
-{
-    KARMathTransformation position;
-    body.GetPosition(position);
-    return position;
-}
 
 void ExpectNear(const KARMathVector& one, const KARMathVector& other, double tolerance = Rounding)
 {
@@ -113,12 +98,14 @@ protected:
     template <class Visit>
     void ForEachMovingBody(Visit visit) const
     {
-        ForEach<KARMPBody>([&](const QOBSharedHandle<KARMPBody>& body) {
-            double mass = 0.0;
-            body->GetMass(mass);
-            if (!body->IsFixed())
-                visit(*body, mass);
-        });
+        ForEach<KARMPBody>(
+            *m_loaded.world,
+            [&](const QOBSharedHandle<KARMPBody>& body) {
+                double mass = 0.0;
+                body->GetMass(mass);
+                if (!body->IsFixed())
+                    visit(*body, mass);
+            });
     }
     /// How far an axis system stands from its body's origin.
     double DistanceOf(const wchar_t* name) const
@@ -153,32 +140,34 @@ TEST_F(InstrumentedCrank, MeasuresTheStrokeOfTheClosedForm)
 
 TEST_F(InstrumentedCrank, MovesTheFramesOfItsJointsTogether)
 {
-    ForEach<KARMPJoint>([](const QOBSharedHandle<KARMPJoint>& joint) {
-        QOBSharedHandle<KARMPConstraint> constraint;
-        joint->GetConstraint(0, constraint);
-        std::array<KARMathVector, 2> velocities;
-        std::array<KARMathVector, 2> accelerations;
-        KARMathPoint place;
-        KARMathVector along;
-        for (int side = 1; side >= 0; --side) {
-            QOBSharedHandle<KARMPGeometry> geometry;
-            QOBSharedHandle<KARMPBody> body;
-            KARMathAxis axis;
-            constraint->GetLinkedGeometry(side, geometry);
-            geometry->GetBody(body);
-            QOBSharedHandle<KARMPAxisSystem>(geometry)->GetAxisSystem(axis);
-            if (side == 1)
-                place = PositionOf(*body) * axis.GetOrigin();
-            along = PositionOf(*body) * axis.GetThirdDirection();
-            const Motion motion(*body, place);
-            velocities[static_cast<std::size_t>(side)] = motion.velocity;
-            accelerations[static_cast<std::size_t>(side)] = motion.acceleration;
-        }
-        const bool slides = dynamic_cast<const KARMPPrismatic*>(joint.operator->()) != nullptr;
-        const auto bound = [&](const KARMathVector& v) { return slides ? v.Cross(along) : v; };
-        ExpectNear(bound(velocities[0]), bound(velocities[1]));
-        ExpectNear(bound(accelerations[0]), bound(accelerations[1]));
-    });
+    ForEach<KARMPJoint>(
+        *m_loaded.world,
+        [](const QOBSharedHandle<KARMPJoint>& joint) {
+            QOBSharedHandle<KARMPConstraint> constraint;
+            joint->GetConstraint(0, constraint);
+            std::array<KARMathVector, 2> velocities;
+            std::array<KARMathVector, 2> accelerations;
+            KARMathPoint place;
+            KARMathVector along;
+            for (int side = 1; side >= 0; --side) {
+                QOBSharedHandle<KARMPGeometry> geometry;
+                QOBSharedHandle<KARMPBody> body;
+                KARMathAxis axis;
+                constraint->GetLinkedGeometry(side, geometry);
+                geometry->GetBody(body);
+                QOBSharedHandle<KARMPAxisSystem>(geometry)->GetAxisSystem(axis);
+                if (side == 1)
+                    place = PositionOf(*body) * axis.GetOrigin();
+                along = PositionOf(*body) * axis.GetThirdDirection();
+                const Motion motion(*body, place);
+                velocities[static_cast<std::size_t>(side)] = motion.velocity;
+                accelerations[static_cast<std::size_t>(side)] = motion.acceleration;
+            }
+            const bool slides = dynamic_cast<const KARMPPrismatic*>(joint.operator->()) != nullptr;
+            const auto bound = [&](const KARMathVector& v) { return slides ? v.Cross(along) : v; };
+            ExpectNear(bound(velocities[0]), bound(velocities[1]));
+            ExpectNear(bound(accelerations[0]), bound(accelerations[1]));
+        });
 }
 
 TEST_F(InstrumentedCrank, MeasuresFreedomsAsTheBodiesMove)

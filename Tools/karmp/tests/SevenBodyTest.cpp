@@ -1,5 +1,6 @@
 // Computes the first instant of the seven-body mechanism from its document, with nothing but what
 // the document says, and compares it with the published one.
+#include "ExampleWorld.h"
 #include "KARMPDocuments.h"
 #include "KARMPEntities.h"
 
@@ -98,31 +99,14 @@ public:
 private:
     using Bodies = std::map<const KARMPBody*, std::size_t>; // with the first of three columns
 
-    template <class Family, class Visit>
-    static void ForEach(const KARMPWorld& world, Visit visit)
-    {
-        for (int index = 0; index < world.Count<Family>(); ++index) {
-            QOBSharedHandle<Family> entity;
-            world.Get<Family>(index, entity);
-            visit(*entity);
-        }
-    }
-
     static Bodies MovingBodies(const KARMPWorld& world)
     {
         Bodies bodies;
-        ForEach<KARMPBody>(world, [&](const KARMPBody& body) {
-            if (!body.IsFixed())
-                bodies.emplace(&body, 3 * bodies.size());
+        ForEach<KARMPBody>(world, [&](const QOBSharedHandle<KARMPBody>& body) {
+            if (!body->IsFixed())
+                bodies.emplace(body.operator->(), 3 * bodies.size());
         });
         return bodies;
-    }
-
-    static KARMathTransformation PositionOf(const KARMPBody& body)
-    {
-        KARMathTransformation position;
-        body.GetPosition(position);
-        return position;
     }
 
     static KARMathPoint CenterOf(const KARMPBody& body)
@@ -182,9 +166,9 @@ private:
     void AddJoints()
     {
         std::size_t row = m_size;
-        ForEach<KARMPJoint>(m_world, [&](const KARMPJoint& joint) {
+        ForEach<KARMPJoint>(m_world, [&](const QOBSharedHandle<KARMPJoint>& joint) {
             QOBSharedHandle<KARMPConstraint> constraint;
-            joint.GetConstraint(0, constraint);
+            joint->GetConstraint(0, constraint);
             for (int side = 0; side < 2; ++side) {
                 const auto [body, point] = PointOf(*constraint, side);
                 const double sign = side == 0 ? 1.0 : -1.0;
@@ -197,7 +181,7 @@ private:
                 Couple(row + 1, found->second + 1, sign);
                 Couple(row + 1, found->second + 2, sign * arm.GetX());
             }
-            m_joints[joint.getEntityName()] = row;
+            m_joints[joint->getEntityName()] = row;
             row += 2;
         });
     }
@@ -212,10 +196,10 @@ private:
     {
         ForEach<KARMPConnector>(
             m_world,
-            [&](const KARMPConnector& connector) {
-                const auto& spring = dynamic_cast<const KARMPLinearSpring&>(connector);
-                const auto [first, from] = PointOf(connector, 0);
-                const auto [second, to] = PointOf(connector, 1);
+            [&](const QOBSharedHandle<KARMPConnector>& connector) {
+                const auto& spring = dynamic_cast<const KARMPLinearSpring&>(*connector);
+                const auto [first, from] = PointOf(*connector, 0);
+                const auto [second, to] = PointOf(*connector, 1);
                 double stiffness = 0.0;
                 double restLength = 0.0;
                 spring.GetStiffness(stiffness);
@@ -232,8 +216,8 @@ private:
     {
         ForEach<KARMPActuator>(
             m_world,
-            [&](const KARMPActuator& actuator) {
-                const auto& drive = dynamic_cast<const KARMPJointForceActuator&>(actuator);
+            [&](const QOBSharedHandle<KARMPActuator>& actuator) {
+                const auto& drive = dynamic_cast<const KARMPJointForceActuator&>(*actuator);
                 QOBSharedHandle<KARMPJoint> joint;
                 QOBSharedHandle<KARMPValue> torque;
                 QOBSharedHandle<KARMPBody> parent;
