@@ -2,12 +2,14 @@
 
 #include "KARMPAxisSystem.h"
 #include "KARMPClassItems.h"
+#include "KARMPContentItem.h"
 #include "KARMPDocumentLinks.h"
 #include "KARMPDocumentReader.h"
 #include "KARMPDocumentWriter.h"
 #include "KARMPEntityTable.h"
 #include "KARMPExtractionSelection.h"
 #include "KARMPFamilies.h"
+#include "KARMPItems.h"
 #include "KARMPVariable.h"
 #include "KARMPWorld.h"
 #include "QOBBasicWorld.h"
@@ -24,6 +26,12 @@ namespace {
 
 using Entity = QOBSharedHandle<KARMPEntity>;
 using Entities = std::vector<Entity>;
+
+// True when RestoreRecords carries the item over.
+bool AreRecords(const ItemInfo& item)
+{
+    return item.read != nullptr && item.read->makeRecord != nullptr;
+}
 
 /// Makes the world of the selected entities.
 class Extractor
@@ -57,6 +65,8 @@ private:
     void RestoreLink(const ItemInfo& item, const Entity& source, const Entity& duplicate);
     void RestoreValue(const ItemInfo& item, const Entity& source, const Entity& duplicate);
     void RestoreRecords(const ItemInfo& item, const Entity& source, const Entity& duplicate);
+    /// The first entity in a record that has no duplicate; null when all have one.
+    const Entity* FirstMissing(const std::vector<ItemData>& record) const;
     void RestoreByElement(const Entity& source, const Entity& duplicate);
     /// The value with duplicates in place of the entities; those without one are left out.
     ItemData Translated(const ItemData& value) const;
@@ -223,7 +233,7 @@ bool Extractor::LacksOthers(const KARMPEntity& source, const KARMPEntity& duplic
     const auto& others = ClassItems::Of(source).Others();
     return std::any_of(others.begin(), others.end(), [&](const ItemInfo* item) {
         const int count = item->Count(source);
-        return count < 0 || count != item->Count(duplicate);
+        return !AreRecords(*item) && (count < 0 || count != item->Count(duplicate));
     });
 }
 
@@ -262,17 +272,32 @@ void Extractor::RestoreValue(const ItemInfo& item, const Entity& source, const E
         m_result.lostItems.push_back({source, {}, item.path});
 }
 
-// A copy that keeps its records keeps all of them.
+// A copy that keeps its records keeps all of them. A record about an entity that is not in the
+// extract is left out as a whole.
 void Extractor::RestoreRecords(const ItemInfo& item, const Entity& source, const Entity& duplicate)
 {
     if (item.Count(*duplicate) == item.Count(*source))
         return;
     for (std::vector<ItemData>& record : item.GetRecords(*source)) {
+        const Entity* const missing = FirstMissing(record);
+        if (missing != nullptr) {
+            m_result.cutLinks.push_back({source, *missing, item.path});
+            continue;
+        }
         for (ItemData& field : record)
             field = Translated(field);
         if (KARFailed(item.AddRecord(*duplicate, record)))
             m_result.lostItems.push_back({source, {}, item.path});
     }
+}
+
+const Entity* Extractor::FirstMissing(const std::vector<ItemData>& record) const
+{
+    for (const ItemData& field : record)
+        if (const auto* const entity = std::get_if<Entity>(&field))
+            if (*entity && DuplicateOf(entity->get()) == nullptr)
+                return entity;
+    return nullptr;
 }
 
 ItemData Extractor::Translated(const ItemData& value) const

@@ -1,5 +1,8 @@
 // karmp diff, run as a user does.
-#include "ToolFixture.h"
+#include "EquippedCrank.h"
+
+#include <string>
+#include <vector>
 
 namespace karmp::tool {
 
@@ -139,6 +142,40 @@ TEST_F(Diff, SaysThatADocumentHasProblems)
     EXPECT_EQ(outcome.code, 1);
     ExpectContains(outcome.output, "the document has 3 problems");
     ExpectContains(outcome.output, "- Boolean \"Visible\"\n");
+}
+
+TEST_F(Equipped, DiffTellsWhatChangedOfEachFamily)
+{
+    struct Change
+    {
+        std::string part;
+        std::string other;
+        std::string told;
+    };
+    const std::string torque = "<Torque><Vx id=\"ratio\" name=\"ratio\"/>";
+    const std::vector<Change> changes{
+        {torque, "<Torque><Vx id=\"k\" name=\"k\"/>",
+         "SpatialForceActuator \"push\"\n  Torque/Vx: Constant \"ratio\" becomes Constant \"k\"\n"},
+        {"<AttachedMotors><Motor id=\"motor\" name=\"motor\"/></AttachedMotors>", "",
+         "Driver \"driver\"\n  - AttachedMotors: Motor \"motor\"\n"},
+        {"class=\"Tyre\"", "class=\"Wheel\"",
+         "ForceElement \"tyre\"\n  class: \"Tyre\" becomes \"Wheel\"\n"},
+        {"<StiffnessTx id=\"k\" name=\"k\"/>", "",
+         "Bushing \"bushing\"\n  - StiffnessTx: Constant \"k\"\n"},
+        {"<PenetrationDepth>0.5<", "<PenetrationDepth>0.75<",
+         "CollisionSensor \"contacts\"\n  ContactGeometryDataContainer/ContactGeometryData[2]/"
+         "PenetrationDepth: 0.5 becomes 0.75\n"},
+        {"<SensorBody id=\"Slider\" name=\"Slider\"/>", "<SensorBody id=\"Rod\" name=\"Rod\"/>",
+         "ProximitySensor \"near\"\n  ProximitySensorData/SensorBody: Body \"Slider\" becomes "
+         "Body \"Rod\"\n"},
+        {"<Collidable id=\"Rod\" name=\"Rod\"/>", "<Collidable id=\"Crank\" name=\"Crank\"/>",
+         "CollisionRule \"rule\"\n  - Collidables: Body \"Rod\"\n  + Collidables: Body "
+         "\"Crank\"\n"}};
+    for (const Change& change : changes) {
+        const std::string other =
+            Write("changed.xml", With(EquippedDocument(), change.part, change.other));
+        ExpectContains(Run("diff " + m_file + ' ' + other).output, change.told);
+    }
 }
 
 } // namespace

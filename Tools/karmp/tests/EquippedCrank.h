@@ -25,11 +25,12 @@ inline constexpr const char* EquippedActuators = R"(
    <Driver id="driver" name="driver" isActive="yes"><AttachedMotors><Motor id="motor" name="motor"/></AttachedMotors></Driver>
    <JointForceActuator id="brake" name="brake" isActive="yes"><Force id="F" name="F"/><Joint id="Crank pin" name="Crank pin"/><DOFindex>5</DOFindex></JointForceActuator>
    <SpatialForceActuator id="push" name="push" isActive="yes">
-    <Force><Vx id="F" name="F"/></Force><Torque><Vy id="ratio" name="ratio"/></Torque>
+    <Force><Vx id="F" name="F"/><Vy id="F" name="F"/><Vz id="F" name="F"/></Force>
+    <Torque><Vx id="ratio" name="ratio"/><Vy id="ratio" name="ratio"/><Vz id="ratio" name="ratio"/></Torque>
     <IsInLocalFrame>false</IsInLocalFrame><ApplicationPoint><Px>0</Px><Py>0</Py><Pz>0</Pz></ApplicationPoint>
     <Body id="Slider" name="Slider"/></SpatialForceActuator>
    <SpatialForceActuator2D id="flat push" name="flat push" isActive="yes">
-    <Force2D><Vx id="F" name="F"/></Force2D><Torque2D><Vx id="ratio" name="ratio"/></Torque2D>
+    <Force2D><Vx id="F" name="F"/><Vy id="F" name="F"/></Force2D><Torque2D><Vx id="ratio" name="ratio"/></Torque2D>
     <IsInLocalFrame>false</IsInLocalFrame><ApplicationPoint2D><Px>0</Px><Py>0</Py></ApplicationPoint2D></SpatialForceActuator2D>
    <DisplacementActuator id="hand" name="hand" isActive="yes"><Body id="Rod" name="Rod"/><Geometry id="Rod.Pin" name="Rod.Pin"/>
     <Displacement><Translation><Vx>0</Vx><Vy>0</Vy><Vz>0</Vz></Translation><Rotation><M1x>1</M1x><M1y>0</M1y><M1z>0</M1z><M2x>0</M2x><M2y>1</M2y><M2z>0</M2z><M3x>0</M3x><M3y>0</M3y><M3z>1</M3z></Rotation></Displacement>

@@ -1,4 +1,6 @@
-#include "ToolFixture.h"
+#include "EquippedCrank.h"
+
+#include <string>
 
 namespace karmp::tool {
 
@@ -85,6 +87,43 @@ TEST_F(ExtractCommand, WritesNothingFromADocumentWithErrorsUnlessForced)
     EXPECT_EQ(Files().count("part.xml"), 0U);
     EXPECT_EQ(Run(start + " --force").code, 1);
     EXPECT_EQ(Files().count("part.xml"), 1U);
+}
+
+TEST_F(Equipped, ExtractOfAllBodiesHasWhatRefersToThem)
+{
+    Run("extract " + m_file + " --body GlobalBody Crank Rod Slider --with all -o " +
+        File("part.xml"));
+    const std::string diff = Run("diff " + m_file + ' ' + File("part.xml")).output;
+    ExpectContains(diff, "6 entities removed, 0 added, 0 changed");
+    // Reading drops the layers, so that nothing tells which bodies their relation is about.
+    ExpectContains(diff, "- CollisionInterLayer \"layers\"\n");
+    for (const std::string name :
+         {"flat hand", "flat push", "shift", "flat freedoms", "flat stroke"})
+        ExpectContains(diff, " \"" + name + "\"\n");
+}
+
+TEST_F(Equipped, ExtractTakesWhatIsAboutItsBodiesAlone)
+{
+    Run("extract " + m_file + " --body Rod Slider --with all -o " + File("part.xml"));
+    const std::string tree = Run("tree " + File("part.xml")).output;
+    ExpectContains(tree, "  SpatialForceActuator \"push\"\n");
+    ExpectContains(tree, "  AxialSpring \"loose spring\"\n");
+    ExpectContains(tree, "  DisplacementSensor \"stroke\"\n");
+    ExpectContains(tree, "  CollisionRule \"rule\"\n");
+    for (const std::string name : {"motor", "spring", "near", "freedoms"})
+        EXPECT_EQ(tree.find(" \"" + name + '"'), std::string::npos) << name;
+}
+
+TEST_F(Equipped, ExtractLeavesContactsOfOtherBodiesOut)
+{
+    const std::string output =
+        Run("extract " + m_file + " --body Rod Slider --with all -o " + File("part.xml")).output;
+    ExpectContains(
+        output, "  CollisionSensor \"contacts\", ContactGeometryDataContainer: Body \"Crank\"\n");
+    EXPECT_EQ(output.find("lost"), std::string::npos) << output;
+    ExpectContains(Run("tree " + File("part.xml")).output,
+                   "ContactGeometryDataContainer: 1 ContactGeometryData\n");
+    ExpectContains(ReadFile(File("part.xml")), "<PenetrationDepth>0.25</PenetrationDepth>");
 }
 
 } // namespace
