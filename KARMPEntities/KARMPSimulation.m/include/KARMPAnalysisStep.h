@@ -2,6 +2,8 @@
 
 #include "KARMPEntity.h"
 
+#include <memory>
+
 /// One step of an analysis case, with the stream of what the step gave.
 class KARMP_API KARMPAnalysisStep : public KARMPEntity
 {
