@@ -1,6 +1,8 @@
-// What copies of a world and its observers cost. Each row of clones builds, clones and clones by a
-// filter of all entities by turns, so that its ratios are of one run.
+// What copies of a world, extracts of it and its observers cost. Each row of clones builds, clones
+// and clones by a filter of all entities by turns, so that its ratios are of one run.
 #include "BenchmarkWorld.h"
+#include "KARMPDocuments.h"
+#include "KARMPWorldExtraction.h"
 
 #include <algorithm>
 #include <random>
@@ -104,6 +106,28 @@ void Clone(benchmark::State& state, Content content, Order order)
     state.counters["filtered_to_clone"] = filtered / clone;
 }
 
+/// What an extract of one body costs beside the load of the document that it is taken from.
+void ExtractOne(benchmark::State& state, Content content)
+{
+    std::string text;
+    karmp::documents::SaveText(Build(state.range(0), content), text);
+    double load = 0.0;
+    double extract = 0.0;
+    for (auto _ : state) {
+        QOBSharedHandle<KARMPWorld> world;
+        GiveFreeMemoryBack();
+        load += ProcessorSecondsOf([&] { world = karmp::documents::LoadText(text).world; });
+        QOBSharedHandle<KARMPBody> body;
+        world->Get<KARMPBody>(world->GetBodyCount() / 2, body);
+        karmp::documents::Extraction extraction;
+        extract += ProcessorSecondsOf(
+            [&] { extraction = karmp::documents::ExtractWorld(*world, {body}); });
+    }
+    state.counters["load_s"] = load / static_cast<double>(state.iterations());
+    state.counters["extract_s"] = extract / static_cast<double>(state.iterations());
+    state.counters["load_and_extract_to_load"] = (load + extract) / load;
+}
+
 /// An observer of a world whose entities all change ten times.
 void Observe(benchmark::State& state)
 {
@@ -131,6 +155,8 @@ void Observe(benchmark::State& state)
 }
 
 BENCHMARK(Observe)->SIZES;
+BENCHMARK_CAPTURE(ExtractOne, Bodies, Content::Bodies)->SIZES;
+BENCHMARK_CAPTURE(ExtractOne, Joints, Content::Joints)->SIZES;
 BENCHMARK_CAPTURE(Clone, Bodies, Content::Bodies, Order::Built)->SIZES;
 BENCHMARK_CAPTURE(Clone, Bodies at random, Content::Bodies, Order::Random)->SIZES;
 BENCHMARK_CAPTURE(Clone, Joints, Content::Joints, Order::Built)->SIZES;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "KARPlatformExport.h"
+#include "KARReferenceCount.h"
 #include "QOBClassInfo.h"
 #include "QOBUUID.h"
 
@@ -159,7 +160,7 @@ private:
 
 inline unsigned int QOBCountedObject::addReference() const noexcept
 {
-    const std::uint32_t before = m_count.fetch_add(1, std::memory_order_relaxed);
+    const std::uint32_t before = kar::Add(m_count, 1, std::memory_order_relaxed);
     if (before == HostedBit)
         firstReferenceOfHosted();
     return (before + 1) & CountMask;
@@ -176,7 +177,7 @@ inline void QOBCountedObject::addFirstReference() const noexcept
 
 inline unsigned int QOBCountedObject::removeReference() const noexcept
 {
-    const std::uint32_t after = m_count.fetch_sub(1, std::memory_order_acq_rel) - 1;
+    const std::uint32_t after = kar::Add(m_count, 0U - 1U, std::memory_order_acq_rel) - 1;
     if ((after & CountMask) == 0)
         lastReferenceGone(after);
     return after & CountMask;

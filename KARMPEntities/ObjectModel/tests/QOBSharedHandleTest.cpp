@@ -1,10 +1,12 @@
 #include "AllocationCounter.h"
+#include "KARReferenceCount.h"
 #include "ObjectModelTestClasses.h"
 #include "QOBException.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <stdexcept>
@@ -168,6 +170,21 @@ TEST(SharedHandle, EightThreadsCopyAndDropHandlesOnOneObject)
         EXPECT_EQ(shared->getReferenceCount(), 1U);
     }
     EXPECT_EQ(Link::s_living, before);
+}
+
+TEST(ReferenceCount, IsAtomicWhereverThereIsASecondThread)
+{
+    bool isSingle = true;
+    std::thread([&isSingle] { isSingle = kar::IsSingleThreaded(); }).join();
+    EXPECT_FALSE(isSingle);
+}
+
+TEST(ReferenceCount, GivesWhatItWasBefore)
+{
+    std::atomic<std::uint32_t> count{7};
+    EXPECT_EQ(kar::Add(count, 1, std::memory_order_relaxed), 7U);
+    EXPECT_EQ(kar::Add(count, 0U - 1U, std::memory_order_relaxed), 8U);
+    EXPECT_EQ(count.load(), 7U);
 }
 
 QOBSharedHandle<Link> ChainOf(int length)
