@@ -19,6 +19,7 @@ namespace {
 
 constexpr const char* AsNew = "a copied constraint is as new, but for its class's own fields";
 constexpr const char* ScalarsOnly = "of a geometry with several fields a copy takes the scalars";
+constexpr const char* RuleAsNew = "a copied interaction has the rule type of a new one";
 constexpr const char* InSlots = "the freedoms are values of the sensor, in slots of its own";
 
 /// An item of a class, and of those derived from it, whose copy is not as the general rule says.
@@ -47,6 +48,8 @@ constexpr Exception Lost[] = {
     {"KARMPConstraint", "isActive", AsNew},
     {"KARMPConstraint", "entityID", AsNew},
     {"KARMPNormal", "Alignment", "the class is copied as it is made"},
+    {"KARMPInteraction", "RuleType", RuleAsNew},
+    {"KARMPCollisionLayer", "RuleType", RuleAsNew}, // no interaction by its record
     {"KARMPBody", "OutOfWorld", "a copied body lies in the world"},
     {"KARMPExpression", "VariableMapping/Var", "a copy has no variables to map"},
     {"KARMPCirline", "Coordinates/Center", ScalarsOnly},
@@ -102,9 +105,13 @@ ItemData ValueOf(const ItemInfo& item, const KARMPEntity& entity)
         return value;
     TestSerializer root;
     entity.Serialize(&root);
+    // What is written of a record stands in the element of the list; a link has one of its own.
+    const std::wstring_view path(item.path);
+    const bool isLink = item.kind == ItemKind::Reference;
     const TestSerializer* const written =
-        root.GetElementCount() > 0 ? root.Child(0).Find(item.path.substr(0, item.path.find(L'/')))
-                                   : nullptr;
+        root.GetElementCount() > 0
+            ? root.Child(0).Find(isLink ? path : path.substr(0, path.find(L'/')))
+            : nullptr;
     return written != nullptr ? ItemData(kar::ToWide(written->Dump())) : ItemData();
 }
 
