@@ -1,5 +1,6 @@
 #pragma once
 
+#include "KARMPAttributeList.h"
 #include "KARMPEntityIdentity.h"
 #include "KARMPEnumerations.h"
 #include "KARMPExport.h"
@@ -12,6 +13,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 class KARBaseUnknown;
 class KARIMPEntityLoader;
@@ -22,7 +24,16 @@ class KARMPParameter;
 class KARMPSerializer;
 class KARMPState;
 class KARMPWorld;
+class KAROmxAny;
+template <typename T>
+class KAROmxArray;
+template <typename K, typename V>
+class KAROmxOMap;
 class KARUuid;
+
+namespace karmp {
+class AttributeIndex;
+}
 
 /// Base of everything in a world: bodies, joints, constraints, sensors, values and so on.
 ///
@@ -33,6 +44,10 @@ class KARUuid;
 /// Every operation returns 0 where nothing else is said. An Add of what is listed already
 /// returns 1. A null handle or object where one is needed is a failed check and a failure. An index
 /// outside a list gives a null handle and a failure, without a report.
+///
+/// Attributes are also found by a path: the GetID of an attribute that the entity lists, then those
+/// of a child, of a child's child and so on. Of several with one text the first one counts. Texts
+/// are compared byte for byte.
 class KARMP_API KARMPEntity : public QOBBasicEntity
 {
     KARMP_ABSTRACT_ENTITY(KARMPEntity, QOBBasicEntity)
@@ -116,6 +131,39 @@ public:
         return m_aggregatedElements.Get(index, element);
     }
 
+    /// Give the attribute at a path. Without one, or with an empty path, a null handle and a
+    /// failure, without a report.
+    KARStatus GetParameter(const KAROmxArray<KARString>& path,
+                           QOBSharedHandle<KARMPParameter>& parameter) const;
+    KARStatus GetState(const KAROmxArray<KARString>& path,
+                       QOBSharedHandle<KARMPState>& state) const;
+    KARStatus GetOutput(const KAROmxArray<KARString>& path,
+                        QOBSharedHandle<KARMPOutput>& output) const;
+    /// Append the listed attributes of a kind, each followed by all of its descendants; 1 when none
+    /// is listed. An attribute that is its own descendant is a failed check and a failure, which
+    /// ends the walk.
+    KARStatus GetAllParameters(QOBSharedVector<KARMPParameter>& parameters) const;
+    KARStatus GetAllStates(QOBSharedVector<KARMPState>& states) const;
+    KARStatus GetAllOutputs(QOBSharedVector<KARMPOutput>& outputs) const;
+    /// Give what the value at an index holds, in the attribute at a path, as
+    /// KARMPAttribute::GetValue gives it: T is unsigned char, double or KARUnicodeString. A path
+    /// without an attribute is a failed check and a failure.
+    template <class T>
+    KARStatus GetParameterValue(const KAROmxArray<KARString>& path, int index, T& value) const;
+    template <class T>
+    KARStatus GetStateValue(const KAROmxArray<KARString>& path, int index, T& value) const;
+    template <class T>
+    KARStatus GetOutputValue(const KAROmxArray<KARString>& path, int index, T& value) const;
+    /// Store values by the paths of their attributes, each path a text with "." between its
+    /// elements. The attribute's type word tells what an entry must hold and which class its only
+    /// value has: "double" and "int" a KARMPConstant, "string" and "enum" a KARMPString, "bool" a
+    /// KARMPBoolean; an output of type "octet" takes bytes and needs no value. After each the
+    /// subscribers of this entity are told that it changed. Whatever cannot be stored is a failed
+    /// check, and the others are stored all the same; the status is 0. A value of another class
+    /// throws QOBEInvalidCast.
+    KARStatus UpdateOutputs(const KAROmxOMap<KARString, KAROmxAny>& entries);
+    KARStatus UpdateStates(const KAROmxOMap<KARString, KAROmxAny>& entries);
+
     /// Gives the entity that aggregates this one; a null handle and a failure without one.
     KARStatus GetParentEntity(QOBSharedHandle<KARMPEntity>& parent) const
     {
@@ -148,6 +196,12 @@ public:
     KARStatus NotifyUpdate() const;
 
 private:
+    friend class karmp::AttributeIndex;
+
+    std::string_view IDText() const
+    {
+        return m_id != nullptr ? std::string_view(m_id->Text()) : std::string_view();
+    }
     KARStatus GenerateID(std::wstring& identifier) const;
     KARStatus GenerateID2(std::wstring& identifier) const;
     KARStatus EnsureIdentifier(const std::wstring*& identifier) const;
@@ -158,13 +212,14 @@ private:
     KARMPBuildingMode::Enum m_buildingMode = {};
     KARIMPEntityLoader* m_loader = nullptr; // owned; a pointer, since replacing does not delete
     bool m_isActive = true;
+    mutable bool m_isIndexed = false;        // an index may know the application's text
     KARBaseUnknown* m_modelObject = nullptr; // counted
     KARBaseUnknown* m_visuObject = nullptr;  // borrowed
     mutable std::optional<std::wstring> m_identifier;
     KARMPLink<KARMPEntity> m_parentEntity;
-    KARMPLinkList<KARMPParameter> m_parameters;
-    KARMPLinkList<KARMPState> m_states;
-    KARMPLinkList<KARMPOutput> m_outputs;
+    KARMPAttributeList<KARMPParameter> m_parameters;
+    KARMPAttributeList<KARMPState> m_states;
+    KARMPAttributeList<KARMPOutput> m_outputs;
     KARMPLinkList<KARMPEntity> m_aggregatedElements;
     std::unique_ptr<const KARString> m_id; // null when empty, as mostly
     const KARUuid* m_uniqueId = nullptr;   // borrowed

@@ -2,6 +2,7 @@
 
 #include "KARBaseUnknown.h"
 #include "KARIMPEntityLoader.h"
+#include "KARMPAttributeIndex.h"
 #include "KARMPContentWalk.h"
 #include "KARMPOutput.h"
 #include "KARMPParameter.h"
@@ -297,6 +298,10 @@ KARStatus KARMPEntity::SetParentEntity(const QOBSharedHandle<KARMPEntity>& paren
 
 KARStatus KARMPEntity::SetID(const KARString& id)
 {
+    if (m_isIndexed && IDText() != id.Text()) {
+        karmp::AttributeIndex::Outdate();
+        m_isIndexed = false;
+    }
     m_id = id.IsEmpty() ? nullptr : std::make_unique<const KARString>(id);
     return KARSuccess;
 }
