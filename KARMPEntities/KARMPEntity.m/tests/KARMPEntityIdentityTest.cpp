@@ -1,5 +1,6 @@
 #include "KARMPActuator.h"
 #include "KARMPGenericFactory.h"
+#include "KARMPParameter.h"
 #include "KARMPTestFixture.h"
 #include "TestEntity.h"
 
@@ -103,7 +104,7 @@ TEST_F(Identity, DestroyEmptiesTheHandleAndOrphansTheReferentForOthers)
 {
     auto entity = TestEntity::create(L"entity");
     const auto other = entity;
-    entity->AddParameter(TestAttribute<KARMPParameter>::create(L"p"));
+    entity->AddParameter(KARMPParameter::create(L"p"));
     TestEntity::destroy(entity);
     EXPECT_FALSE(entity);
     ASSERT_TRUE(other);

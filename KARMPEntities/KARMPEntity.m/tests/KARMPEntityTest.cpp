@@ -1,5 +1,7 @@
 #include "KARMPEntity.h"
 #include "KARMPOutput.h"
+#include "KARMPParameter.h"
+#include "KARMPState.h"
 #include "KARMPTestFixture.h"
 #include "KARMPWorld.h"
 #include "KARUuid.h"
@@ -80,7 +82,7 @@ TYPED_TEST_SUITE(EntityList, ListTypes);
 TYPED_TEST(EntityList, SecondAddOfTheSameEntryChangesNothing)
 {
     using List = ListOf<TypeParam>;
-    const auto entry = TestAttribute<TypeParam>::create(L"entry");
+    const auto entry = TypeParam::create(L"entry");
     EXPECT_EQ(List::add(*this->entity, entry), KARSuccess);
     EXPECT_EQ(List::add(*this->entity, entry), KARUnchanged);
     EXPECT_EQ(List::count(*this->entity), 1);
@@ -95,7 +97,7 @@ TYPED_TEST(EntityList, AddingANullHandleFailsAndReports)
 TYPED_TEST(EntityList, IndexOutsideTheListGivesANullHandleWithoutAReport)
 {
     using List = ListOf<TypeParam>;
-    const auto entry = TestAttribute<TypeParam>::create(L"entry");
+    const auto entry = TypeParam::create(L"entry");
     List::add(*this->entity, entry);
     auto handle = entry;
     EXPECT_EQ(List::get(*this->entity, -1, handle), KARFailure);
@@ -166,7 +168,7 @@ protected:
 TEST_F(Entity, IsOrphanedOnceByItsClassAndThenByItsBase)
 {
     const QOBSharedHandle<Linked> linked(new Linked);
-    linked->AddParameter(TestAttribute<KARMPParameter>::create(L"p"));
+    linked->AddParameter(KARMPParameter::create(L"p"));
     linked->SetParentEntity(entity);
     linked->orphanObject();
     EXPECT_TRUE(linked->isOrphaned());
@@ -176,7 +178,7 @@ TEST_F(Entity, IsOrphanedOnceByItsClassAndThenByItsBase)
     QOBSharedHandle<KARMPEntity> parent;
     EXPECT_EQ(linked->GetParentEntity(parent), KARFailure);
 
-    linked->AddParameter(TestAttribute<KARMPParameter>::create(L"late"));
+    linked->AddParameter(KARMPParameter::create(L"late"));
     linked->orphanObject();
     EXPECT_EQ(linked->steps, once);
     EXPECT_EQ(linked->GetParameterCount(), 1);
@@ -345,9 +347,9 @@ TEST_F(Entity, CopyTakesThePlainValuesAndNothingElse)
     entity->SetMPVisuObject(&visual);
     entity->SetIdentifier(L"id7");
     entity->SetParentEntity(parent);
-    entity->AddParameter(TestAttribute<KARMPParameter>::create(L"p"));
-    entity->AddState(TestAttribute<KARMPState>::create(L"s"));
-    entity->AddOutput(TestAttribute<KARMPOutput>::create(L"o"));
+    entity->AddParameter(KARMPParameter::create(L"p"));
+    entity->AddState(KARMPState::create(L"s"));
+    entity->AddOutput(KARMPOutput::create(L"o"));
     auto element = TestEntity::create(L"element");
     entity->AddAggregatedElement(element);
     entity->SetID("text");

@@ -1,5 +1,8 @@
 #include "AllocationCounter.h"
 #include "KARMPEntityTable.h"
+#include "KARMPOutput.h"
+#include "KARMPParameter.h"
+#include "KARMPState.h"
 #include "KARMPTestFixture.h"
 #include "KARMPVersions.h"
 #include "QOBException.h"
@@ -43,9 +46,9 @@ protected:
     }
 
     QOBSharedHandle<TestEntity> entity = TestEntity::create(L"crank");
-    QOBSharedHandle<KARMPParameter> parameter = TestAttribute<KARMPParameter>::create(L"p");
-    QOBSharedHandle<KARMPState> state = TestAttribute<KARMPState>::create(L"s");
-    QOBSharedHandle<KARMPOutput> output = TestAttribute<KARMPOutput>::create(L"o");
+    QOBSharedHandle<KARMPParameter> parameter = KARMPParameter::create(L"p");
+    QOBSharedHandle<KARMPState> state = KARMPState::create(L"s");
+    QOBSharedHandle<KARMPOutput> output = KARMPOutput::create(L"o");
     QOBSharedHandle<TestEntity> element = TestEntity::create(L"a");
     QOBSharedHandle<TestEntity> read = TestEntity::create(L"");
     KARMPEntityTable entities;
@@ -241,7 +244,7 @@ TEST_F(EntityTree, ReportsEveryFailedAdditionAndStillSucceeds)
 
 TEST_F(EntityTree, GoesOnPastAFailedAdditionWithTheNextEntryAndTheNextList)
 {
-    const auto second = TestAttribute<KARMPParameter>::create(L"q");
+    const auto second = KARMPParameter::create(L"q");
     second->SetIdentifier(L"P2");
     entity->AddParameter(second);
     // A list that cannot be added takes its entries along.

@@ -2,6 +2,7 @@
 // longer among those that are not made. Values are changed in the tree that a default entity
 // writes, so that each written item is read back, whatever class it belongs to.
 #include "ClassIdentities.h"
+#include "EnvironmentVariable.h"
 #include "FilledEntities.h"
 #include "KARMPConstant.h"
 #include "KARMPConstraintParameter.h"
@@ -77,6 +78,11 @@ void Prepare(const QOBSharedHandle<KARMPEntity>& entity)
         variable->SetMaxValue(1.0);
         variable->SetRestitutionOnMinLimit(1.0);
         variable->SetRestitutionOnMaxLimit(1.0);
+    }
+    if (entity.isDerivedFrom(KARMPAttribute::ClassInfo())) {
+        const QOBSharedHandle<KARMPAttribute> attribute(entity);
+        attribute->SetType("double");
+        attribute->SetPath({"arm", "angle"});
     }
     if (entity.isDerivedFrom(KARMPLinearEquation::ClassInfo())) {
         const QOBSharedHandle<KARMPLinearEquation> equation(entity);
@@ -231,14 +237,12 @@ const std::set<std::string_view> NotMade{
     // Shapes.
     "KARMP3DRep",
     "KARMPShapeBody",
-    // Attributes.
-    "KARMPOutput",
-    "KARMPParameter",
-    "KARMPState",
 };
 
 class AllClasses : public KARMPTestFixture
-{};
+{
+    EnvironmentVariable m_dumpOutputs{"MOT_DUMP_OUTPUTS", "1"};
+};
 
 // The walks below go over what the factory has: a class that got lost would not be missed there.
 TEST_F(AllClasses, OfTheIdentityTableAreMadeExceptThoseThatAreKnownNotToBe)

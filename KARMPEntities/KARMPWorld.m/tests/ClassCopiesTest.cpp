@@ -1,5 +1,6 @@
 // What the copies of every class keep, item by item of its content list. A class that is added is
 // tested without a line here, unless it is prescribed to lose or to keep more than others.
+#include "EnvironmentVariable.h"
 #include "FilledEntities.h"
 #include "KARMPGenericFactory.h"
 #include "KARMPItems.h"
@@ -128,6 +129,8 @@ bool IsLost(const ItemInfo& item, const KARMPEntity& entity)
 
 class ClassCopies : public KARMPTestFixture
 {
+    EnvironmentVariable m_dumpOutputs{"MOT_DUMP_OUTPUTS", "1"};
+
 protected:
     // Getters of what is not there report.
     ItemData Quietly(const ItemInfo& item, const KARMPEntity& entity)

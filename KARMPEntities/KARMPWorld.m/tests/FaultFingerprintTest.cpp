@@ -142,7 +142,8 @@ private:
     /// Reads a tree with a fault.
     std::string Damaged(const KARMPDeserializer* node);
 
-    EnvironmentVariable dumpOutputs{"MOT_DUMP_OUTPUTS", nullptr};
+    EnvironmentVariable dumpOutputs{"MOT_DUMP_OUTPUTS", "1"};
+    EnvironmentVariable dumpOctets{"DUMP_OCTET_AS_UTF8", "1"};
     EnvironmentVariable leaveOutCurves{"DONT_SERIALIZE_CURVE", nullptr};
     std::string m_name;
     std::wstring_view m_version;

@@ -80,14 +80,6 @@ QOBSharedHandle<T> Identified(const std::wstring& identifier)
     return entity;
 }
 
-template <class T>
-QOBSharedHandle<T> IdentifiedAttribute(const std::wstring& identifier)
-{
-    const QOBSharedHandle<T> attribute = TestAttribute<T>::create(identifier);
-    attribute->SetIdentifier(identifier);
-    return attribute;
-}
-
 } // namespace
 
 const std::array<std::wstring_view, 7> AllVersions{karmp::R2015x_0, karmp::R2016_0, karmp::R2016_1,
@@ -132,8 +124,10 @@ FilledEntities::FilledEntities()
     AddTwo(m_layers, L"L", Identified<KARMPCollisionLayer>);
     AddTwo(m_steps, L"D", Identified<KARMPAnalysisStep>);
     AddTwo(m_elements, L"A", Identified<KARMPPoint>);
-    AddTwo(m_parameters, L"P", IdentifiedAttribute<KARMPParameter>);
-    AddTwo(m_states, L"T", IdentifiedAttribute<KARMPState>);
+    AddTwo(m_parameters, L"P", Identified<KARMPParameter>);
+    AddTwo(m_states, L"T", Identified<KARMPState>);
+    AddTwo(m_outputs, L"O", Identified<KARMPOutput>);
+    AddTwo(m_supports, L"U", ConcreteEntity<KARMPSupport>::create);
 }
 
 FilledEntities::~FilledEntities() = default;
@@ -171,6 +165,7 @@ QOBSharedHandle<KARMPEntity> FilledEntities::Make(const std::string& className, 
         }
     };
     fill(&FilledEntities::FillActuator);
+    fill(&FilledEntities::FillAttribute);
     fill(&FilledEntities::FillBody);
     fill(&FilledEntities::FillGeometry);
     fill(&FilledEntities::FillJoint);
@@ -206,6 +201,23 @@ void FilledEntities::FillBase(KARMPEntity& entity)
         entity.AddState(state);
     for (const auto& element : m_elements)
         entity.AddAggregatedElement(element);
+}
+
+void FilledEntities::FillAttribute(KARMPAttribute& attribute)
+{
+    attribute.SetType(Choose("double", "enum"));
+    attribute.SetPath({Choose("arm", "leg"), "", Choose("angle", "speed")});
+    const std::array<unsigned char, 3> octets{0xC3, 0xA9, Choose<unsigned char>(0x41, 0x42)};
+    attribute.SetOctetSequence(_SEQUENCE_octet(octets));
+    for (std::size_t index = 0; HasLinks() && index < 2; ++index) {
+        for (const QOBSharedHandle<KARMPAttribute>& child :
+             {QOBSharedHandle<KARMPAttribute>(m_parameters[index]),
+              QOBSharedHandle<KARMPAttribute>(m_states[index]),
+              QOBSharedHandle<KARMPAttribute>(m_outputs[index])})
+            attribute.AddChild(child);
+        attribute.AddValue(m_constants[Choose(index, 1 - index)]);
+        attribute.AddSupport(m_supports[index]);
+    }
 }
 
 void FilledEntities::FillActuator(KARMPActuator& actuator)

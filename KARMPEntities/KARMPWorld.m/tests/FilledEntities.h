@@ -19,6 +19,7 @@
 #include "KARMPOutput.h"
 #include "KARMPParameter.h"
 #include "KARMPState.h"
+#include "KARMPSupport.h"
 #include "KARMPWorld.h"
 #include "KARMPWorldFamilies.h"
 #include "QOBBasicWorld.h"
@@ -78,6 +79,7 @@ private:
     void FillActuator(KARMPActuator& actuator);
     template <class T>
     void FillDrive(T& actuator);
+    void FillAttribute(KARMPAttribute& attribute);
     void FillBody(KARMPBody& body);
     void FillGeometry(KARMPGeometry& geometry);
     void FillJoint(KARMPJoint& joint);
@@ -146,5 +148,7 @@ private:
     Two<KARMPAnalysisStep> m_steps;
     Two<KARMPParameter> m_parameters;
     Two<KARMPState> m_states;
+    Two<KARMPOutput> m_outputs;
+    Two<KARMPSupport> m_supports;
     Two<KARMPEntity> m_elements;
 };

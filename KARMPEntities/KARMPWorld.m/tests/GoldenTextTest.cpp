@@ -1,7 +1,8 @@
 // What every class writes and reads back at every version, as texts that are kept in golden.
 //
-// What the environment decides is left aside, since it is read once per process: outputs
-// ("MOT_DUMP_OUTPUTS"), names ("NO_MP_NAME_FOR_SERIALIZATION"), the curves of a sketch function
+// Attributes are written with outputs and bytes ("MOT_DUMP_OUTPUTS", "DUMP_OCTET_AS_UTF8"). What
+// else the environment decides is left aside, since it is read once per process: the outputs that
+// an entity lists, names ("NO_MP_NAME_FOR_SERIALIZATION"), the curves of a sketch function
 // ("DONT_SERIALIZE_CURVE"), the grid of numbers ("SERIALIZATION_PRECISION"). Process tests of the
 // modules cover them.
 #include "ConcreteEntity.h"
@@ -35,7 +36,8 @@ protected:
     void Add(const std::string& className, Filling filling, const std::string& title);
 
     std::string text;
-    EnvironmentVariable dumpOutputs{"MOT_DUMP_OUTPUTS", nullptr};
+    EnvironmentVariable dumpOutputs{"MOT_DUMP_OUTPUTS", "1"};
+    EnvironmentVariable dumpOctets{"DUMP_OCTET_AS_UTF8", "1"};
     EnvironmentVariable leaveOutCurves{"DONT_SERIALIZE_CURVE", nullptr};
 
 private:

@@ -108,7 +108,8 @@ protected:
     void CheckWritten(const std::string& className, const TestSerializer& node,
                       const SchemaItem& item, const std::string& path, std::wstring_view version);
     std::set<std::string> m_written;
-    EnvironmentVariable m_dumpOutputs{"MOT_DUMP_OUTPUTS", nullptr};
+    EnvironmentVariable m_dumpOutputs{"MOT_DUMP_OUTPUTS", "1"};
+    EnvironmentVariable m_dumpOctets{"DUMP_OCTET_AS_UTF8", "1"};
     EnvironmentVariable m_leaveOutCurves{"DONT_SERIALIZE_CURVE", nullptr};
 };
 
