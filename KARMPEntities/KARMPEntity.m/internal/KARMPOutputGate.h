@@ -6,11 +6,17 @@
 
 namespace karmp {
 
+/// True while "MOT_DUMP_OUTPUTS" is not set; any value counts.
+inline bool AreOutputsLeftOut()
+{
+    return KARGetEnv("MOT_DUMP_OUTPUTS") == nullptr;
+}
+
 /// True when what belongs to an owner is neither written nor read: the owner word says that it is a
-/// result, and "MOT_DUMP_OUTPUTS" is not set.
+/// result, and results are left out.
 inline bool IsOutputLeftOut(const KARString& owner)
 {
-    return owner == "Output" && KARGetEnv("MOT_DUMP_OUTPUTS") == nullptr;
+    return owner == "Output" && AreOutputsLeftOut();
 }
 
 } // namespace karmp

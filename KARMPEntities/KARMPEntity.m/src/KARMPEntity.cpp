@@ -5,10 +5,10 @@
 #include "KARMPAttributeIndex.h"
 #include "KARMPContentWalk.h"
 #include "KARMPOutput.h"
+#include "KARMPOutputGate.h"
 #include "KARMPParameter.h"
 #include "KARMPState.h"
 #include "KARMPWorld.h"
-#include "KARProcessServices.h"
 #include "KARTextConversion.h"
 #include "KARUnicodeString.h"
 #include "KARUuid.h"
@@ -23,12 +23,6 @@ using namespace std::literals;
 namespace {
 
 constexpr std::uint64_t UpdateEvent = 9;
-
-// The variables count as set whatever their value.
-bool IsSet(const char* variable)
-{
-    return KARGetEnv(variable) != nullptr;
-}
 
 } // namespace
 
@@ -67,10 +61,10 @@ struct karmp::ContentOf<KARMPEntity>
     // Decided once a process for writing, each time anew for reading.
     static bool AreOutputsWritten(const C&)
     {
-        static const bool written = IsSet("MOT_DUMP_OUTPUTS");
+        static const bool written = !AreOutputsLeftOut();
         return written;
     }
-    static bool AreOutputsRead(const C&) { return IsSet("MOT_DUMP_OUTPUTS"); }
+    static bool AreOutputsRead(const C&) { return !AreOutputsLeftOut(); }
 
     static constexpr ContentFrame Frame{{.nullNode = KARSuccess, .silentNull = true},
                                         {.nullNode = KARSuccess, .silentNull = true}};

@@ -6,6 +6,7 @@
 #include "KARMPConstant.h"
 #include "KARMPContentWalk.h"
 #include "KARMPFrames.h"
+#include "KARMPOutputGate.h"
 #include "KARMPString.h"
 #include "KARMPSupport.h"
 #include "KARProcessServices.h"
@@ -72,8 +73,7 @@ void KARMPAttribute::ClearContainers()
 
 bool KARMPAttribute::IsLeftOut() const
 {
-    return dynamic_cast<const KARMPOutput*>(this) != nullptr &&
-           KARGetEnv("MOT_DUMP_OUTPUTS") == nullptr;
+    return dynamic_cast<const KARMPOutput*>(this) != nullptr && karmp::AreOutputsLeftOut();
 }
 
 KARStatus KARMPAttribute::AddChild(const QOBSharedHandle<KARMPAttribute>& child)

@@ -125,7 +125,7 @@ TYPED_TEST(AttributeOfKind, IsEmptyOnceOrphaned)
     const auto attribute = NewAttribute<TypeParam>("attribute");
     const auto child = NewAttribute<TypeParam>("child");
     const auto value = KARMPConstant::create(L"value");
-    const auto support = ConcreteEntity<KARMPSupport>::create(L"support");
+    const auto support = KARMPSupport::create(L"support");
     attribute->AddChild(child);
     attribute->AddValue(value);
     attribute->AddSupport(support);
@@ -146,7 +146,7 @@ TYPED_TEST(AttributeOfKind, CopiesItsTextsAndBytesAndNoList)
     const auto attribute = NewAttribute<TypeParam>("attribute");
     attribute->AddChild(NewAttribute<TypeParam>("child"));
     attribute->AddValue(KARMPConstant::create(L"value"));
-    attribute->AddSupport(ConcreteEntity<KARMPSupport>::create(L"support"));
+    attribute->AddSupport(KARMPSupport::create(L"support"));
     attribute->SetType("octet");
     attribute->SetPath({"a", "b"});
     attribute->SetOctetSequence(_SEQUENCE_octet(bytes));
@@ -280,8 +280,8 @@ TEST_F(Attribute, ReportsAValueThatCannotBeHad)
 TEST_F(Attribute, LeadsToOtherEntitiesBySupports)
 {
     const QOBSharedHandle<KARMPEntity> target = TestEntity::create(L"target");
-    const QOBSharedHandle<KARMPSupport> bound(ConcreteEntity<KARMPSupport>::create(L"bound"));
-    const QOBSharedHandle<KARMPSupport> loose(ConcreteEntity<KARMPSupport>::create(L"loose"));
+    const auto bound = KARMPSupport::create(L"bound");
+    const auto loose = KARMPSupport::create(L"loose");
     bound->SetTarget(target);
     EXPECT_EQ(attribute->AddSupport(bound), KARSuccess);
     EXPECT_EQ(attribute->AddSupport(loose), KARSuccess);

@@ -1,5 +1,4 @@
 #include "AttributeTesting.h"
-#include "ConcreteEntity.h"
 #include "EnvironmentVariable.h"
 #include "KARMPEntityTable.h"
 #include "KARMPSupport.h"
@@ -35,6 +34,7 @@ protected:
         entities.Set(L"value", value);
         entities.Set(L"support", support);
         value->SetIdentifier(L"value");
+        support->SetIdentifier(L"support");
     }
     /// What an attribute writes, whose class's element must be all of it.
     const TestSerializer& Written(TestSerializer& root, const KARMPEntity& one)
@@ -49,7 +49,7 @@ protected:
     const QOBSharedHandle<T> attribute = NewAttribute<T>("attribute");
     const QOBSharedHandle<T> child = NewAttribute<T>("child");
     const QOBSharedHandle<KARMPConstant> value = KARMPConstant::create(L"value");
-    const QOBSharedHandle<KARMPSupport> support{ConcreteEntity<KARMPSupport>::create(L"support")};
+    const QOBSharedHandle<KARMPSupport> support = KARMPSupport::create(L"support");
     KARMPEntityTable entities;
     EnvironmentVariable dumpOutputs{"MOT_DUMP_OUTPUTS", ""};
     EnvironmentVariable dumpOctets{"DUMP_OCTET_AS_UTF8", nullptr};

@@ -127,7 +127,7 @@ FilledEntities::FilledEntities()
     AddTwo(m_parameters, L"P", Identified<KARMPParameter>);
     AddTwo(m_states, L"T", Identified<KARMPState>);
     AddTwo(m_outputs, L"O", Identified<KARMPOutput>);
-    AddTwo(m_supports, L"U", ConcreteEntity<KARMPSupport>::create);
+    AddTwo(m_supports, L"U", Identified<KARMPSupport>);
 }
 
 FilledEntities::~FilledEntities() = default;
