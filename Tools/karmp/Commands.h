@@ -96,6 +96,16 @@ struct GraphOptions
 /// Graphviz.
 int RunGraph(const GraphOptions& options);
 
+/// The arguments of `karmp outputs`.
+struct OutputsOptions
+{
+    std::string file;
+    bool csv = false;
+    bool json = false;
+};
+/// Prints the parameters, states and outputs of a document's entities by path, with their values.
+int RunOutputs(const OutputsOptions& options);
+
 struct SchemaOptions
 {
     bool rng = false;

@@ -157,6 +157,16 @@ int Run(int argc, char** argv)
         Footer("karmp graph crank.xml --output crank.svg"));
     graphApp->callback([&] { command = [&graph] { return RunGraph(graph); }; });
 
+    OutputsOptions outputs;
+    CLI::App* outputsApp = app.add_subcommand(
+        "outputs", "Parameters, states and outputs of the entities by path, with their values");
+    outputsApp->add_option("FILE", outputs.file, "Document")->required();
+    CLI::Option* const csv =
+        outputsApp->add_flag("--csv", outputs.csv, "Comma-separated, a line for each value");
+    outputsApp->add_flag("--json", outputs.json, "As JSON, paths as lists")->excludes(csv);
+    outputsApp->footer(Footer("karmp outputs run.xml --csv"));
+    outputsApp->callback([&] { command = [&outputs] { return RunOutputs(outputs); }; });
+
     SchemaOptions schema;
     bool isCompact = false;
     CLI::App* schemaApp = app.add_subcommand(

@@ -16,7 +16,7 @@ TEST_F(Tool, HelpsOnItselfAndOnEachCommandWithAnExample)
     const Outcome all = Run("--help");
     EXPECT_EQ(all.code, 0);
     for (const std::string command :
-         {"info", "tree", "check", "convert", "diff", "extract", "graph", "schema"}) {
+         {"info", "tree", "check", "convert", "diff", "extract", "graph", "outputs", "schema"}) {
         ExpectContains(all.output, command);
         const Outcome help = Run(command + " --help");
         EXPECT_EQ(help.code, 0);
@@ -78,7 +78,7 @@ TEST_F(Tool, EndsWithTwoForWhatItCannotRead)
     const std::array bad{Write("garbage.xml", "\x01\x02\xff\xfe garbage"), Write("empty.xml", ""),
                          Write("root.xml", "<Other/>"), File(""), File("missing.xml")};
     for (const std::string& file : bad) {
-        for (const std::string command : {"info", "tree", "check", "graph"}) {
+        for (const std::string command : {"info", "tree", "check", "graph", "outputs"}) {
             const Outcome outcome = Run(command + " '" + file + "'");
             EXPECT_EQ(outcome.code, 2) << command << ' ' << file << '\n' << outcome.output;
             EXPECT_FALSE(outcome.output.empty());
