@@ -145,6 +145,19 @@ TEST_F(BulkUpdate, FindsAttributesBelowOthersByPathsWithDots)
     EXPECT_EQ(NumberIn(number), 1.5);
 }
 
+TEST_F(BulkUpdate, TakesAnEmptyTextForAPathThatLeadsNowhere)
+{
+    const auto unnamed = Listed<KARMPOutput>("", "double", number);
+    ExpectUpdate(Entry("", 1.5), 1, 0);
+    const auto inner = NewAttribute<KARMPOutput>("");
+    inner->SetType("double");
+    inner->AddValue(count);
+    unnamed->AddChild(inner);
+    ExpectUpdate(Entry(".", 2.5), 0, 1);
+    EXPECT_EQ(NumberIn(number), 0.0);
+    EXPECT_EQ(NumberIn(count), 2.5);
+}
+
 TEST_F(BulkUpdate, OfAnEntityWithoutAttributesReportsEachPath)
 {
     ExpectUpdate(FullEntries(), 5, 0);
