@@ -5,6 +5,7 @@
 #include "KARListPtrKARIGMKObject.h"
 #include "KARMPElementReader.h"
 #include "KARMPElementWriter.h"
+#include "KARMPStreamElement.h"
 
 #include <memory>
 
@@ -23,6 +24,9 @@ struct StoredObjects
     std::unique_ptr<KARGeometricFactory, FactoryRelease> factory;
     KARListPtrKARIGMKObject objects;
 };
+
+/// Gives the bytes of an object's stream; false for null and for an object without a stored form.
+bool SaveStoredObject(KARBaseUnknown* object, StreamBytes& bytes);
 
 /// Adds an element with the stream of an object as text and its number of bytes as "length".
 /// Every failure is reported; false when no such element was added.

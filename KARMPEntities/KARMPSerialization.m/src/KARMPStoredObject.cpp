@@ -3,22 +3,29 @@
 #include "KARGMKStream.h"
 #include "KARIGMKObjectsLoad.h"
 #include "KARIGMKObjectsSave.h"
-#include "KARMPStreamElement.h"
 
 namespace karmp {
 
-bool WriteStoredObject(ElementWriter& parent, std::wstring_view name, KARBaseUnknown* object,
-                       KARMPSourceLocation where)
+bool SaveStoredObject(KARBaseUnknown* object, StreamBytes& bytes)
 {
     KARListPtrKARIGMKObject list;
     list.Append(object);
     KARGMKStream stream(0, KARGMKStream::ObjectStream, 0, nullptr);
-    if (!KARMPVerify(!KARFailed(KARIGMKObjectsSave(stream).Save(list, nullptr)), where))
+    if (KARFailed(KARIGMKObjectsSave(stream).Save(list, nullptr)))
         return false;
-    StreamBytes bytes(stream.GetLength());
+    bytes.resize(stream.GetLength());
     std::size_t count = 0;
     stream.GetMemoryCopy(bytes.data(), bytes.size(), count);
-    return WriteStream(parent, name, {bytes.data(), count}, where);
+    bytes.resize(count);
+    return true;
+}
+
+bool WriteStoredObject(ElementWriter& parent, std::wstring_view name, KARBaseUnknown* object,
+                       KARMPSourceLocation where)
+{
+    StreamBytes bytes;
+    return KARMPVerify(SaveStoredObject(object, bytes), where) &&
+           WriteStream(parent, name, bytes, where);
 }
 
 bool ReadStoredObjects(ElementReader& parent, std::wstring_view name, StoredObjects& stored,

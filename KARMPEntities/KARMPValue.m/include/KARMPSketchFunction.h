@@ -1,5 +1,6 @@
 #pragma once
 
+#include "KARMPCurveSegments.h"
 #include "KARMPValue.h"
 #include "KARMathPoint.h"
 #include "KARMathVector.h"
@@ -7,9 +8,14 @@
 #include <memory>
 #include <vector>
 
-class KARBaseUnknown;
 class KARCrvLimits;
 class KARIMPSketchFunctionLoader;
+
+namespace karmp {
+
+class ElementReader;
+
+} // namespace karmp
 
 /// A value that a chain of planar curves gives over a reference axis; a solver computes it.
 class KARMP_API KARMPSketchFunction : public KARMPValue
@@ -39,13 +45,19 @@ public:
     /// Appends a curve, on which a reference is taken, and its limits, a KARCrvLimits that stays
     /// the caller's. A null curve or null limits are a failed check and a failure.
     virtual KARStatus AddCurve(KARBaseUnknown* curve, KARMPCurveOrientation::Enum orientation,
-                               void* limits);
+                               void* limits)
+    {
+        return m_segments.Add(curve, orientation, limits);
+    }
     /// Gives a curve at an index from 0, without a reference for the caller. Outside the list
     /// null curve and limits and a failure; the orientation stays.
     virtual KARStatus GetCurve(int index, KARBaseUnknown*& curve,
-                               KARMPCurveOrientation::Enum& orientation, void*& limits) const;
+                               KARMPCurveOrientation::Enum& orientation, void*& limits) const
+    {
+        return m_segments.Get(index, curve, orientation, limits);
+    }
     /// Number of curves.
-    virtual int GetCurveCount() const { return static_cast<int>(m_curves.size()); }
+    virtual int GetCurveCount() const { return m_segments.Count(); }
 
 protected:
     KARMPSketchFunction();
@@ -57,11 +69,9 @@ private:
     void WriteReferenceAxis(KARMPSerializer* sketchFunction) const;
     void WriteCurves(KARMPSerializer* sketchFunction) const;
     void ReadReferenceAxis(const KARMPDeserializer* referenceAxis);
-    void ReadCurve(const KARMPDeserializer* segment);
+    void ReadCurves(const karmp::ElementReader& segments);
 
-    std::vector<KARBaseUnknown*> m_curves; // counted
-    std::vector<KARMPCurveOrientation::Enum> m_orientations;
-    std::vector<void*> m_curveLimits;
+    karmp::CurveSegments m_segments;
     KARMathPoint m_referenceOrigin;
     KARMathVector m_referenceDirection;
     KARMathVector m_referenceNormal;

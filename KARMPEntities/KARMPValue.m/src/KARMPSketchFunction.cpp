@@ -1,15 +1,12 @@
 #include "KARMPSketchFunction.h"
 
 #include "KARCrvLimits.h"
-#include "KARCurve.h"
+#include "KARIGMKObject.h"
 #include "KARIMPSketchFunctionLoader.h"
 #include "KARMPContentWalk.h"
-#include "KARMPElementReader.h"
-#include "KARMPElementWriter.h"
+#include "KARMPCurveSegmentElement.h"
 #include "KARMPFrames.h"
 #include "KARMPLoaderAccess.h"
-#include "KARMPStoredObject.h"
-#include "KARProcessServices.h"
 
 KARMP_DEFINE_ENTITY(KARMPSketchFunction, "2B3A44A0-6084-4DC4-8D9F-4CA518183014");
 
@@ -19,13 +16,6 @@ namespace {
 // in the first one, those of a normal in the second one.
 constexpr std::wstring_view Direction = L"Direction";
 constexpr karmp::Names<3> AxisDirectionNames{L"x", L"y", L"z"};
-
-constexpr std::wstring_view CurveSegment = L"CurveSegment";
-constexpr std::wstring_view CurveStream = L"CurveStream";
-// Attributes of a segment.
-constexpr std::wstring_view Orientation = L"curveOrientation";
-constexpr std::wstring_view LowLimit = L"curveLowLimit";
-constexpr std::wstring_view HighLimit = L"curveHighLimit";
 
 } // namespace
 
@@ -45,16 +35,7 @@ struct karmp::ContentOf<KARMPSketchFunction>
                                                                "The direction of the axis."),
                       NumbersElement<&C::m_referenceNormal>(Direction, NormalNames,
                                                             "The normal of the curves' plane.")),
-                DescribedRecords(L"CurveSegments", CurveSegment,
-                                 "The curves of the chain, in order.",
-                                 Attribute(DescribedWord<KARMPCurveOrientation::Enum>(
-                                     Orientation, "The sense in which the curve is traversed.")),
-                                 Attribute(Described(ItemKind::Number, LowLimit,
-                                                     "The curve's parameter at which it begins.")),
-                                 Attribute(Described(ItemKind::Number, HighLimit,
-                                                     "The curve's parameter at which it ends.")),
-                                 Described(ItemKind::Stream, CurveStream, "The curve."))
-                    .Optional())
+                DescribedCurveSegments().Optional())
             .LeftOutWhen<&KARMPValue::IsLeftOut>();
 };
 KARMP_DESCRIBE_CONTENT(KARMPSketchFunction);
@@ -66,11 +47,7 @@ KARMPSketchFunction::KARMPSketchFunction(const KARMPSketchFunction& source, Copy
       m_referenceDirection(source.m_referenceDirection),
       m_referenceNormal(source.m_referenceNormal)
 {}
-KARMPSketchFunction::~KARMPSketchFunction()
-{
-    for (KARBaseUnknown* curve : m_curves)
-        curve->Release();
-}
+KARMPSketchFunction::~KARMPSketchFunction() = default;
 
 KARStatus KARMPSketchFunction::GetLoader(KARIMPSketchFunctionLoader*& loader) const
 {
@@ -93,41 +70,6 @@ KARStatus KARMPSketchFunction::GetReferenceAxis(KARMathPoint& origin, KARMathVec
     origin = m_referenceOrigin;
     direction = m_referenceDirection;
     normal = m_referenceNormal;
-    return KARSuccess;
-}
-
-KARStatus KARMPSketchFunction::AddCurve(KARBaseUnknown* curve,
-                                        KARMPCurveOrientation::Enum orientation, void* limits)
-{
-    if (!KARMPVerify(curve != nullptr && limits != nullptr))
-        return KARFailure;
-    // Capacity first, so that the three lists grow together or not at all.
-    const std::size_t count = m_curves.size() + 1;
-    if (count > m_curves.capacity()) {
-        m_curves.reserve(2 * count);
-        m_orientations.reserve(2 * count);
-        m_curveLimits.reserve(2 * count);
-    }
-    curve->AddRef();
-    m_curves.push_back(curve);
-    m_orientations.push_back(orientation);
-    m_curveLimits.push_back(limits);
-    return KARSuccess;
-}
-
-KARStatus KARMPSketchFunction::GetCurve(int index, KARBaseUnknown*& curve,
-                                        KARMPCurveOrientation::Enum& orientation,
-                                        void*& limits) const
-{
-    if (index < 0 || index >= static_cast<int>(m_curves.size())) {
-        curve = nullptr;
-        limits = nullptr;
-        return KARFailure;
-    }
-    const auto position = static_cast<std::size_t>(index);
-    curve = m_curves[position];
-    orientation = m_orientations[position];
-    limits = m_curveLimits[position];
     return KARSuccess;
 }
 
@@ -161,27 +103,11 @@ void KARMPSketchFunction::WriteCurves(KARMPSerializer* sketchFunction) const
     if (count < 1)
         return;
     karmp::ElementWriter segments = karmp::ElementWriter(sketchFunction).Child(L"CurveSegments");
-    for (int i = 0; segments && i < count; ++i) {
-        KARBaseUnknown* curve = nullptr;
-        KARMPCurveOrientation::Enum orientation = {};
-        void* limits = nullptr;
-        if (!KARMPVerify(!KARFailed(GetCurve(i, curve, orientation, limits))) ||
-            !KARMPVerify(KARSysDynamicCast<KARIGMKObject>(curve) != nullptr))
-            continue;
-        karmp::ElementWriter segment = segments.Child(CurveSegment);
-        if (!segment)
-            continue;
-        double low = 0.0;
-        double high = 0.0;
-        static_cast<const KARCrvLimits*>(limits)->GetExtremities(low, high);
-        segment.Attribute(Orientation, KARMPEnumText(orientation));
-        segment.Attribute(LowLimit, low);
-        segment.Attribute(HighLimit, high);
-        // The variable ends the writing of all curves, not only of this one's stream.
-        if (KARGetEnv("DONT_SERIALIZE_CURVE") != nullptr)
-            return;
-        karmp::WriteStoredObject(segment, CurveStream, curve);
-    }
+    karmp::WriteCurveSegments(segments, count, [this](int index, karmp::CurveSegment& segment) {
+        const KARStatus status =
+            GetCurve(index, segment.curve, segment.orientation, segment.limits);
+        return KARSysDynamicCast<KARIGMKObject>(segment.curve) != nullptr ? status : KARFailure;
+    });
 }
 
 KARStatus KARMPSketchFunction::Deserialize(const KARMPDeserializer* deserializer,
@@ -195,12 +121,8 @@ KARStatus KARMPSketchFunction::Deserialize(const KARMPDeserializer* deserializer
         return KARFailure;
     if (const auto axis = element.Child(L"ReferenceAxis", Absent::ReportAndKeep))
         ReadReferenceAxis(axis.Node());
-    if (element.Has(L"CurveSegments")) {
-        element.Child(L"CurveSegments", Absent::ReportAndKeep)
-            .Each(
-                CurveSegment,
-                [this](const karmp::ElementReader& segment) { ReadCurve(segment.Node()); });
-    }
+    if (element.Has(L"CurveSegments"))
+        ReadCurves(element.Child(L"CurveSegments", Absent::ReportAndKeep));
     return KARSuccess;
 }
 
@@ -221,26 +143,15 @@ void KARMPSketchFunction::ReadReferenceAxis(const KARMPDeserializer* referenceAx
     KARMPVerify(!KARFailed(SetReferenceAxis(origin, direction, normal)));
 }
 
-void KARMPSketchFunction::ReadCurve(const KARMPDeserializer* segmentNode)
+void KARMPSketchFunction::ReadCurves(const karmp::ElementReader& segments)
 {
-    using karmp::Absent;
-    karmp::ElementReader segment(segmentNode);
-    std::wstring_view word;
-    segment.Attribute(Orientation, word, Absent::ReportAndKeep);
-    karmp::StoredObjects stored;
-    if (!karmp::ReadStoredObjects(segment, CurveStream, stored))
-        return;
-    auto* curve = KARSysDynamicCast<KARCurve>(stored.objects[1]);
-    if (!KARMPVerify(curve != nullptr))
-        return;
-    double low = 0.0;
-    double high = 0.0;
-    segment.Attribute(LowLimit, low, Absent::ReportAndKeep);
-    segment.Attribute(HighLimit, high, Absent::ReportAndKeep);
-    auto limits =
-        std::make_unique<KARCrvLimits>(curve->CreateParam(low), curve->CreateParam(high), 1);
-    // An AddCurve that keeps its own record of the limits may still use them after a failure.
-    m_ownLimits.push_back(std::move(limits));
-    KARMPVerify(!KARFailed(AddCurve(curve, KARMPEnumValue<KARMPCurveOrientation::Enum>(word),
-                                    m_ownLimits.back().get())));
+    karmp::ReadCurveSegments(
+        segments,
+        [this](KARBaseUnknown* curve, KARMPCurveOrientation::Enum orientation,
+               std::unique_ptr<KARCrvLimits> limits) {
+            // An AddCurve that keeps its own record of the limits may still use them after a
+            // failure.
+            m_ownLimits.push_back(std::move(limits));
+            return AddCurve(curve, orientation, m_ownLimits.back().get());
+        });
 }
