@@ -20,7 +20,15 @@ public:
     /// The node that the calling thread reads, null when it reads none.
     static const KARMPDeserializer* Current() noexcept;
 
+    /// Says that the node that the calling thread reads was read in whole, and that the failed
+    /// checks which follow until its reading ends tell nothing about it: some readers fail although
+    /// they have read all.
+    static void Complete() noexcept;
+    /// True when that was said of the node that the calling thread reads.
+    static bool IsComplete() noexcept;
+
 private:
     const KARMPDeserializer* m_node;
-    const KARMPDeserializer* m_outer;
+    KARMPReadingPlace* m_outer;
+    bool m_isComplete = false;
 };

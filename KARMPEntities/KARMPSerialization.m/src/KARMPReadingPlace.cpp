@@ -6,12 +6,12 @@
 
 namespace {
 
-thread_local const KARMPDeserializer* currentNode = nullptr;
+thread_local KARMPReadingPlace* innermost = nullptr;
 
 } // namespace
 
 KARMPReadingPlace::KARMPReadingPlace(const KARMPDeserializer* node) noexcept
-    : m_node(node), m_outer(std::exchange(currentNode, node))
+    : m_node(node), m_outer(std::exchange(innermost, this))
 {
     if (m_node != nullptr)
         karmp::NodeBuilder::BeginReading(*m_node);
@@ -21,10 +21,21 @@ KARMPReadingPlace::~KARMPReadingPlace()
 {
     if (m_node != nullptr)
         karmp::NodeBuilder::EndReading(*m_node);
-    currentNode = m_outer;
+    innermost = m_outer;
 }
 
 const KARMPDeserializer* KARMPReadingPlace::Current() noexcept
 {
-    return currentNode;
+    return innermost != nullptr ? innermost->m_node : nullptr;
+}
+
+void KARMPReadingPlace::Complete() noexcept
+{
+    if (innermost != nullptr)
+        innermost->m_isComplete = true;
+}
+
+bool KARMPReadingPlace::IsComplete() noexcept
+{
+    return innermost != nullptr && innermost->m_isComplete;
 }

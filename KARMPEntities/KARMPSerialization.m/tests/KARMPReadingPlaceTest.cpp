@@ -58,4 +58,24 @@ TEST(ReadingPlace, NamesTheInnermostNodeAndBracketsTheReading)
                                                         L"end inner", L"end outer"}));
 }
 
+TEST(ReadingPlace, IsCompleteFromTheCallToTheEndOfTheReading)
+{
+    NotingSource source;
+    const SourcedNode node(source, L"node");
+    KARMPReadingPlace::Complete();
+    EXPECT_FALSE(KARMPReadingPlace::IsComplete());
+    {
+        const KARMPReadingPlace outer(&node);
+        EXPECT_FALSE(KARMPReadingPlace::IsComplete());
+        {
+            const KARMPReadingPlace inner(&node);
+            KARMPReadingPlace::Complete();
+            EXPECT_TRUE(KARMPReadingPlace::IsComplete());
+        }
+        EXPECT_FALSE(KARMPReadingPlace::IsComplete());
+    }
+    const KARMPReadingPlace next(&node);
+    EXPECT_FALSE(KARMPReadingPlace::IsComplete());
+}
+
 } // namespace
