@@ -1,5 +1,6 @@
 // A world read from a tree made of the input's bytes: each byte opens an element, closes one, or
 // gives the present one an attribute or a value, all out of the words that the library knows.
+#include "KARMPCurve.h"
 #include "KARMPDeserializer.h"
 #include "KARMPSerializer.h"
 #include "KARMPWorld.h"
@@ -100,7 +101,10 @@ constexpr std::wstring_view Elements[] = {L"Globals",
                                           L"SelectedAxis0",
                                           L"MotionState",
                                           L"Origin",
-                                          L"Size"};
+                                          L"Size",
+                                          L"Curve",
+                                          L"Surface",
+                                          L"SurfaceStream"};
 
 constexpr std::wstring_view Attributes[] = {L"id",
                                             L"name",
@@ -213,6 +217,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         world->Deserialize(&root);
     } catch (const QOBEInvalidCast&) {
         // A reference to an entity of another class: the one exception that reading throws.
+    }
+    // The limits that the curves' reader made belong to whoever reads.
+    for (int index = 0; index < world->Count<KARMPGeometry>(); ++index) {
+        QOBSharedHandle<KARMPGeometry> geometry;
+        world->Get(index, geometry);
+        if (geometry.isDerivedFrom(KARMPCurve::ClassInfo()))
+            QOBSharedHandle<KARMPCurve>(geometry)->DeleteCurveLimitsAtEnd(true);
     }
     Writer writer;
     world->Serialize(&writer);

@@ -1,5 +1,6 @@
 #include "KARMPDocuments.h"
 
+#include "KARMPCurve.h"
 #include "KARMPDocumentNames.h"
 #include "KARMPDocumentPath.h"
 #include "KARMPFailedCheck.h"
@@ -37,7 +38,7 @@ public:
 private:
     void OnFailedCheck(const char* file, int line) override
     {
-        if (m_messages.Full())
+        if (m_messages.Full() || KARMPReadingPlace::IsComplete())
             return;
         const std::string_view path = file != nullptr ? file : "";
         const std::string_view name = path.substr(path.find_last_of('/') + 1);
@@ -127,6 +128,33 @@ Diagnostics RenderWorld(const QOBSharedHandle<KARMPWorld>& world, const std::str
     return diagnostics;
 }
 
+// Calls `visit` with each free curve of a world.
+template <class Visit>
+void ForEachCurve(const KARMPWorld& world, Visit visit)
+{
+    for (int index = 0; index < world.Count<KARMPGeometry>(); ++index) {
+        QOBSharedHandle<KARMPGeometry> geometry;
+        if (!KARFailed(world.Get(index, geometry)) &&
+            geometry.isDerivedFrom(KARMPCurve::ClassInfo()))
+            visit(QOBSharedHandle<KARMPCurve>(geometry));
+    }
+}
+
+// Reads a tree into a world. The limits that the readers of curves make belong to whoever reads, so
+// the curves that are new free them; the limits of other curves stay their owner's.
+KARStatus ReadTree(const KARMPDocumentReader& root, KARMPWorld& world)
+{
+    std::vector<QOBSharedHandle<KARMPCurve>> former;
+    ForEachCurve(world, [&former](const auto& curve) { former.push_back(curve); });
+    std::sort(former.begin(), former.end());
+    const KARStatus status = world.Deserialize(&root);
+    ForEachCurve(world, [&former](const auto& curve) {
+        if (!std::binary_search(former.begin(), former.end(), curve))
+            curve->DeleteCurveLimitsAtEnd(true);
+    });
+    return status;
+}
+
 // Reads a tree into `into` or a new world. False when the reading failed on a reference.
 bool ReadWorld(const Document& document, const QOBSharedHandle<KARMPWorld>& into,
                LoadResult& result, Messages& messages)
@@ -137,7 +165,7 @@ bool ReadWorld(const Document& document, const QOBSharedHandle<KARMPWorld>& into
         result.world = into ? into : KARMPWorld::create(QOBBasicWorld::create(L"World"));
         const CheckListener listener(messages, activity, document.Root());
         try {
-            if (KARFailed(result.world->Deserialize(document.Root())))
+            if (KARFailed(ReadTree(*document.Root(), *result.world)))
                 messages.Error(Code::Failed, "the document holds no world",
                                '/' + std::string(RootName), document.Root()->Line(),
                                document.Root()->Column());

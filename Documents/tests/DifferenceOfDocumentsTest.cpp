@@ -336,7 +336,7 @@ bool Change(const Leaf& leaf)
 bool IsRead(const std::wstring& path)
 {
     // The term's position says it. A stream says how long it is, a list how many records it has.
-    return !path.ends_with(L"LinearTermIndex") && !path.ends_with(L"CurveStream/length") &&
+    return !path.ends_with(L"LinearTermIndex") && !path.ends_with(L"Stream/length") &&
            !path.ends_with(L"/number");
 }
 

@@ -4,9 +4,12 @@
 #include "ClassIdentities.h"
 #include "EnvironmentVariable.h"
 #include "FilledEntities.h"
+#include "KARCrvLimits.h"
+#include "KARLineCurve.h"
 #include "KARMPConstant.h"
 #include "KARMPConstraintParameter.h"
 #include "KARMPCoupling.h"
+#include "KARMPCurve.h"
 #include "KARMPEntityTable.h"
 #include "KARMPEnumerationTexts.h"
 #include "KARMPEquation.h"
@@ -42,6 +45,7 @@ QOBSharedHandle<KARMPEntity> Create(const std::string& name)
 {
     QOBSharedHandle<KARMPEntity> entity;
     KARMPFactory::Create(name, entity);
+    FreeReadLimits(*entity);
     return entity;
 }
 
@@ -90,6 +94,12 @@ void Prepare(const QOBSharedHandle<KARMPEntity>& entity)
         equation->AddLinearTerm(1.0);
         equation->SetConstantTerm(1.0);
     }
+    if (entity.isDerivedFrom(KARMPCurve::ClassInfo())) {
+        KARLineCurve* line = KARLineCurve::Create(KARMathLine({1, 2, 0}, {0, 2, 0}), -1.0, 4.0);
+        QOBSharedHandle<KARMPCurve>(entity)->AddCurve(line, KARMPCurveOrientation::Positive,
+                                                      new KARCrvLimits);
+        line->Release();
+    }
     if (entity.isDerivedFrom(KARMPConstraint::ClassInfo())) {
         auto* parameter = new KARMPConstraintParameter;
         parameter->SetInitialized(true);
@@ -128,10 +138,10 @@ private:
         // A flag that is a number knows 1 alone.
         else if (item.type == Type::Int && item.name == L"EnableDampingTransition")
             item.value.intValue = 1;
-        // The index of a term decides nothing, numbers of freedoms repeat what their lists say, and
-        // an old quantity is a code within its table.
+        // The index of a term decides nothing, the length of a stream is its own, numbers of
+        // freedoms repeat what their lists say, and an old quantity is a code within its table.
         else if (item.type == Type::Int && item.name != L"LinearTermIndex" &&
-                 item.name != L"numberOfDof" && item.name != L"number")
+                 item.name != L"length" && item.name != L"numberOfDof" && item.name != L"number")
             item.value.intValue = 1 + Integer() % 2;
         // A flag that says that a value follows must stay as it is.
         else if (item.type == Type::Bool && (item.name == L"OutOfWorld" || item.name == L"Status"))
@@ -188,9 +198,13 @@ private:
             {L"PhysicalQuantity", Rows<KARMPPhysicalQuantity::Enum>()},
             {L"Type", Rows<KARMPVariableType::Enum>()},
             {L"TargetType", Rows<KARMPMotorTargetType::Enum>()},
-            {L"Value", {L"TRUE"}}};
+            {L"Value", {L"TRUE"}},
+            {L"curveOrientation", Rows<KARMPCurveOrientation::Enum>()}};
         if (item.value.stringValue == WrittenValue)
             return ReadValue;
+        // Any other text is no curve.
+        if (item.name == L"CurveStream")
+            return item.value.stringValue;
         const auto found = words.find(item.name);
         if (found == words.end())
             return item.name + L" \u00e9" + std::to_wstring(Integer());
@@ -218,6 +232,7 @@ const std::map<std::string, std::string> NotReadBack{
     {"KARMPCone", "it reads the element of another class"},
     {"KARMPCylinder", "it reads origin and axis under other names than it writes"},
     {"KARMPGenericEntity", "it reads its category from the node that it is given, not from within"},
+    {"KARMPSurface", "its reader fails after it has read all; tests of its own read it back"},
 };
 
 /// Classes that no factory makes, since their families are declared only or have but some of their
@@ -230,10 +245,7 @@ const std::set<std::string_view> NotMade{
     "KARMPLine2D",
     "KARMPPoint2D",
     "KARMPUserDefined2D",
-    // Stored geometry.
-    "KARMPCurve",
     "KARMPSketch",
-    "KARMPSurface",
     // Shapes.
     "KARMP3DRep",
     "KARMPShapeBody",

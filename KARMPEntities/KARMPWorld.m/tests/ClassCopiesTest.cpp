@@ -21,6 +21,7 @@ namespace {
 constexpr const char* AsNew = "a copied constraint is as new, but for its class's own fields";
 constexpr const char* ScalarsOnly = "of a geometry with several fields a copy takes the scalars";
 constexpr const char* RuleAsNew = "a copied interaction has the rule type of a new one";
+constexpr const char* OwnCurves = "a copied curve shares the curves of its segments";
 constexpr const char* InSlots = "the freedoms are values of the sensor, in slots of its own";
 
 /// An item of a class, and of those derived from it, whose copy is not as the general rule says.
@@ -40,7 +41,7 @@ constexpr Exception Changed[] = {
 constexpr Exception Shared[] = {
     {"KARMPDofSensor", "Translations", InSlots},  {"KARMPDofSensor", "Rotations", InSlots},
     {"KARMPDofSensor", "Screws", InSlots},        {"KARMPDofSensor2D", "Translations2D", InSlots},
-    {"KARMPDofSensor2D", "Rotations2D", InSlots},
+    {"KARMPDofSensor2D", "Rotations2D", InSlots}, {"KARMPCurve", "CurveSegments", OwnCurves},
 };
 
 // Lost otherwise are the identifier, of which a copy makes its own, and all links and lists.

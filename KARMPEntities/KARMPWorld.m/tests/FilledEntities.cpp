@@ -3,6 +3,7 @@
 #include "ConcreteEntity.h"
 #include "KAREllipseArc.h"
 #include "KARLineCurve.h"
+#include "KARLinearTransfoSurface.h"
 #include "KARMPAngle.h"
 #include "KARMPAxialSpring.h"
 #include "KARMPAxisSystem.h"
@@ -19,6 +20,7 @@
 #include "KARMPConstant.h"
 #include "KARMPConstraintSensor.h"
 #include "KARMPCoupling.h"
+#include "KARMPCurve.h"
 #include "KARMPCylicone.h"
 #include "KARMPCylinder.h"
 #include "KARMPCylindricalConstraint.h"
@@ -60,11 +62,13 @@
 #include "KARMPSphere.h"
 #include "KARMPSphericalConstraint.h"
 #include "KARMPString.h"
+#include "KARMPSurface.h"
 #include "KARMPSymmetry.h"
 #include "KARMPTangency.h"
 #include "KARMPTorsionSpring.h"
 #include "KARMPTorus.h"
 #include "KARMPVersions.h"
+#include "KARPlaneSurface.h"
 #include "TestEntity.h"
 
 #include <gtest/gtest.h>
@@ -132,6 +136,12 @@ FilledEntities::FilledEntities()
 
 FilledEntities::~FilledEntities() = default;
 
+void FreeReadLimits(KARMPEntity& entity)
+{
+    if (auto* const curve = dynamic_cast<KARMPCurve*>(&entity))
+        curve->DeleteCurveLimitsAtEnd(true);
+}
+
 void FilledEntities::FillTable(KARMPEntityTable& table,
                                const QOBSharedHandle<KARMPEntity>& entity) const
 {
@@ -143,6 +153,7 @@ QOBSharedHandle<KARMPEntity> FilledEntities::New(const std::string& className)
 {
     QOBSharedHandle<KARMPEntity> entity;
     KARMPFactory::Create(className, entity);
+    FreeReadLimits(*entity);
     m_basicWorld->addLogicalChild(entity);
     return entity;
 }
@@ -512,15 +523,15 @@ void FilledEntities::FillOwnContent(KARMPEntity& entity)
     using Classes = karmp::FamilyList<
         KARMPAxisSystem, KARMPCircle, KARMPCirline, KARMPCone, KARMPCylicone, KARMPCylinder,
         KARMPEllipse, KARMPHyperbola, KARMPLine, KARMPParabola, KARMPPlane, KARMPPoint, KARMPSphere,
-        KARMPTorus, KARMPAngle, KARMPCoaxiality, KARMPCoincidence, KARMPDistance, KARMPNormal,
-        KARMPParallelism, KARMPPerpendicularity, KARMPRollCurveConstraint, KARMPSymmetry,
-        KARMPTangency, KARMPLinearEquation, KARMPCylindricalConstraint, KARMPPrismaticConstraint,
-        KARMPRevoluteConstraint, KARMPScrewConstraint, KARMPSphericalConstraint, KARMPBoolean,
-        KARMPConstant, KARMPExpression, KARMPSketchFunction, KARMPString, KARMPAxialSpring,
-        KARMPBushing, KARMPForceElement, KARMPLinearSpring, KARMPTorsionSpring,
-        KARMPConnectorSpatialForceSensor, KARMPConstraintSensor, KARMPDisplacementSensor2D,
-        KARMPDofSensor, KARMPDofSensor2D, KARMPJointDOFSensor, KARMPJointSpatialForceSensor,
-        KARMPMotorForceSensor>;
+        KARMPTorus, KARMPCurve, KARMPSurface, KARMPAngle, KARMPCoaxiality, KARMPCoincidence,
+        KARMPDistance, KARMPNormal, KARMPParallelism, KARMPPerpendicularity,
+        KARMPRollCurveConstraint, KARMPSymmetry, KARMPTangency, KARMPLinearEquation,
+        KARMPCylindricalConstraint, KARMPPrismaticConstraint, KARMPRevoluteConstraint,
+        KARMPScrewConstraint, KARMPSphericalConstraint, KARMPBoolean, KARMPConstant,
+        KARMPExpression, KARMPSketchFunction, KARMPString, KARMPAxialSpring, KARMPBushing,
+        KARMPForceElement, KARMPLinearSpring, KARMPTorsionSpring, KARMPConnectorSpatialForceSensor,
+        KARMPConstraintSensor, KARMPDisplacementSensor2D, KARMPDofSensor, KARMPDofSensor2D,
+        KARMPJointDOFSensor, KARMPJointSpatialForceSensor, KARMPMotorForceSensor>;
     Classes::AnyOf([&](auto family) {
         using T = typename decltype(family)::Type;
         if (entity.getClassName() != T::ClassName())
@@ -576,6 +587,23 @@ void FilledEntities::FillShapeOf(T& geometry)
         geometry.SetMinorRadius(Number(2.5));
     if constexpr (requires { geometry.SetCurvature(0.0); })
         geometry.SetCurvature(Number(0.125));
+    if constexpr (std::is_same_v<T, KARMPCurve>)
+        AddCurvesTo(geometry, new KARCrvLimits(m_limits[0]), new KARCrvLimits(m_limits[1]));
+    if constexpr (std::is_same_v<T, KARMPSurface>) {
+        KARPlaneSurface* const plane = m_curves->Make<KARPlaneSurface>(
+            Point(), First(), Second(), KARSurLimits{-1.0, 1.0, -2.0, 2.0});
+        geometry.SetSurface(m_curves->Make<KARLinearTransfoSurface>(plane, Position()));
+    }
+}
+
+template <class T>
+void FilledEntities::AddCurvesTo(T& chain, void* lineLimits, void* arcLimits)
+{
+    chain.AddCurve(m_curves->Make<KARLineCurve>(KARMathLine({1, 2, 0}, {0, 2, 0}), -1.0, 4.0),
+                   KARMPCurveOrientation::Negative, lineLimits);
+    chain.AddCurve(m_curves->Make<KARCircleArc>(KARMathPoint(1, 1, 0), KARMathVector(1, 0, 0),
+                                                KARMathVector(0, 0, 1), 2.0, 0.0, 3.0),
+                   KARMPCurveOrientation::Positive, arcLimits);
 }
 
 template <class T>
@@ -658,13 +686,7 @@ void FilledEntities::FillValueOf(T& value)
     }
     if constexpr (std::is_same_v<T, KARMPSketchFunction>) {
         value.SetReferenceAxis(Point(), First(), Third());
-        value.AddCurve(
-            m_curves->template Make<KARLineCurve>(KARMathLine({1, 2, 0}, {0, 2, 0}), -1.0, 4.0),
-            KARMPCurveOrientation::Negative, &m_limits[0]);
-        value.AddCurve(m_curves->template Make<KARCircleArc>(KARMathPoint(1, 1, 0),
-                                                             KARMathVector(1, 0, 0),
-                                                             KARMathVector(0, 0, 1), 2.0, 0.0, 3.0),
-                       KARMPCurveOrientation::Positive, &m_limits[1]);
+        AddCurvesTo(value, &m_limits[0], &m_limits[1]);
     }
 }
 

@@ -44,6 +44,9 @@ extern const std::array<std::wstring_view, 7> AllVersions;
 /// The names of the classes that the factory makes, without those of the tests.
 std::vector<std::string> MadeClasses();
 
+/// Makes a curve free the limits that it will read, which its reader leaves to the caller.
+void FreeReadLimits(KARMPEntity& entity);
+
 /// A world with two entities of each kind that others are linked to. Identifiers and names are
 /// fixed. Reading links the entities of the table to what is read, so each reading takes an object
 /// of its own.
@@ -96,6 +99,8 @@ private:
     void FillOwnContent(KARMPEntity& entity);
     template <class T>
     void FillShapeOf(T& geometry);
+    template <class T>
+    void AddCurvesTo(T& chain, void* lineLimits, void* arcLimits);
     template <class T>
     void FillOptions(T& constraint);
     template <class T>
