@@ -68,6 +68,7 @@ struct LoadResult
 
 /// Loads a file into `into`, or into a new world under a QOBBasicWorld of its own when that is
 /// null. The handle of a world keeps its QOBBasicWorld. Entities that `into` holds already stay.
+/// Curves that are loaded free the limits of their segments at their end.
 KARMP_DOCUMENTS_API LoadResult LoadFile(const std::filesystem::path& path,
                                         const LoadOptions& options = {},
                                         const QOBSharedHandle<KARMPWorld>& into = {});
