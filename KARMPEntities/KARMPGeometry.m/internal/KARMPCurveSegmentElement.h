@@ -14,10 +14,11 @@
 namespace karmp {
 
 /// Describes the element of a chain, which the class's code writes and reads by the functions
-/// below.
+/// below. `CountOf` is the operation that counts the segments.
+template <auto CountOf>
 constexpr auto DescribedCurveSegments(Where where = Where::current())
 {
-    return DescribedRecords(
+    auto list = DescribedRecords(
         L"CurveSegments", L"CurveSegment", "The curves of the chain, in order.",
         Attribute(DescribedWord<KARMPCurveOrientation::Enum>(
             L"curveOrientation", "The sense in which the curve is traversed.", where)),
@@ -26,6 +27,10 @@ constexpr auto DescribedCurveSegments(Where where = Where::current())
         Attribute(Described(ItemKind::Number, L"curveHighLimit",
                             "The curve's parameter at which it ends.", where)),
         Described(ItemKind::Stream, L"CurveStream", "The curve.", where));
+    list.First().count = [](const void* owner) {
+        return std::invoke(CountOf, OwnerAs<typename TraitsOf<CountOf>::Class>(owner));
+    };
+    return list;
 }
 
 /// Gives the segment at an index from 0; a failure is reported, and the segment left out.

@@ -12,8 +12,9 @@ template <>
 struct karmp::ContentOf<KARMPCurve>
 {
     using C = KARMPCurve;
-    static constexpr auto List = Element(L"Curve", "A free curve of one or more segments.",
-                                         LenientFrame, DescribedCurveSegments().Required());
+    static constexpr auto List =
+        Element(L"Curve", "A free curve of one or more segments.", LenientFrame,
+                DescribedCurveSegments<&C::GetCurveCount>().Required());
 };
 KARMP_DESCRIBE_CONTENT(KARMPCurve);
 

@@ -34,6 +34,18 @@ void LetGo(KARBaseUnknown* surface)
     surface->Release();
 }
 
+// Whoever restores what a copy lacks sees by the number of surfaces that it lacks none.
+constexpr auto DescribedSurface()
+{
+    auto item = karmp::Described(karmp::ItemKind::Stream, SurfaceStream, "The surface or body.");
+    item.First().count = [](const void* owner) {
+        KARBaseUnknown* surface = nullptr;
+        karmp::OwnerAs<KARMPSurface>(owner).GetSurface(surface);
+        return surface != nullptr ? 1 : 0;
+    };
+    return item;
+}
+
 } // namespace
 
 // Described only: whether a surface can be saved decides the writer's status, and the reader fails
@@ -42,9 +54,8 @@ template <>
 struct karmp::ContentOf<KARMPSurface>
 {
     using C = KARMPSurface;
-    static constexpr auto List =
-        Element(L"Surface", "A free surface or a topological body.", LenientFrame,
-                Described(ItemKind::Stream, SurfaceStream, "The surface or body.").Required());
+    static constexpr auto List = Element(L"Surface", "A free surface or a topological body.",
+                                         LenientFrame, DescribedSurface().Required());
 };
 KARMP_DESCRIBE_CONTENT(KARMPSurface);
 

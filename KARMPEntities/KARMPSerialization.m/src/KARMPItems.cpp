@@ -400,7 +400,7 @@ KARStatus ItemInfo::SetIn(void* owner, const ItemData& data) const
 std::vector<std::vector<ItemData>> ItemInfo::GetRecords(const KARMPEntity& entity) const
 {
     std::vector<std::vector<ItemData>> records;
-    if (kind != ItemKind::Records || written->count == nullptr)
+    if (kind != ItemKind::Records || written->count == nullptr || written->at == nullptr)
         return records;
     const auto made = written->makeRecord != nullptr ? written->makeRecord() : nullptr;
     ItemValue value;
