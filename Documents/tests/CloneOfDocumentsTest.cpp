@@ -48,6 +48,7 @@ constexpr const char* NewGlobals =
 constexpr const char* AsNew = "a copied constraint is as new, without a name";
 constexpr const char* NoLinks = "copies have no links";
 constexpr const char* Unfollowed = "links of this family are not restored by a filter";
+constexpr const char* NoContacts = "a copied collision sensor has no contacts";
 constexpr const char* PassedOver = "a filter passes over connectors and values";
 
 /// A difference that a clone may have. An empty family or item stands for any.
@@ -67,6 +68,12 @@ constexpr Prescribed OfEach[] = {
     {DifferenceKind::Added, "KARMPBody", L"", NewGlobals},
     {DifferenceKind::Added, "KARMPAxisSystem", L"", NewGlobals},
     {DifferenceKind::Added, "KARMPVariable", L"", NewGlobals},
+    {DifferenceKind::Changed, "KARMPSphere", L"Coordinates/Center",
+     "the copy of a sphere has its radius only"},
+    {DifferenceKind::Changed, "KARMPCollisionSensor", L"ContactForceDataContainer/ContactForceData",
+     NoContacts},
+    {DifferenceKind::Changed, "KARMPCollisionSensor",
+     L"ContactForceDataContainer/ContactForceData[2]", NoContacts},
 };
 constexpr Prescribed OfClones[] = {
     {DifferenceKind::LinkLost, "", L"", NoLinks},
@@ -80,6 +87,8 @@ constexpr Prescribed OfFilters[] = {
     {DifferenceKind::Removed, "KARMPConnector", L"", PassedOver},
     {DifferenceKind::Removed, "KARMPValue", L"", PassedOver},
     {DifferenceKind::LinkLost, "KARMPActuator", L"", Unfollowed},
+    {DifferenceKind::LinkLost, "KARMPSensor", L"", Unfollowed},
+    {DifferenceKind::LinkLost, "KARMPInteraction", L"", Unfollowed},
     {DifferenceKind::Changed, "KARMPLinearEquation", L"LinearTermDataContainer/LinearTerm",
      "a copied linear equation has no terms"},
     {DifferenceKind::Changed, "KARMPLinearEquation", L"LinearTermDataContainer/LinearTerm[2]",
