@@ -12,6 +12,7 @@
 #include <cstddef>
 #include <map>
 #include <string_view>
+#include <tuple>
 #include <unordered_map>
 
 namespace karmp::documents {
@@ -29,7 +30,11 @@ struct Keyed
     std::uint64_t key;
     EntityNumber number;
 
-    auto operator<=>(const Keyed&) const = default;
+    bool operator==(const Keyed&) const = default;
+    bool operator<(const Keyed& other) const
+    {
+        return std::tie(key, number) < std::tie(other.key, other.number);
+    }
 };
 using KeyedEntities = std::vector<Keyed>;
 

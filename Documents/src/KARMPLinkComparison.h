@@ -10,6 +10,7 @@
 #include <optional>
 #include <set>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 namespace karmp::documents {
@@ -31,7 +32,11 @@ struct LinkEnd
     std::wstring_view item;
     std::uint64_t target;
 
-    auto operator<=>(const LinkEnd&) const = default;
+    bool operator<(const LinkEnd& other) const
+    {
+        return std::tie(isGained, holder, item, target) <
+               std::tie(other.isGained, other.holder, other.item, other.target);
+    }
 };
 
 /// A difference, with the link that it tells of when that was lost or gained.

@@ -211,11 +211,11 @@ void MechanismRules::CheckQuantities(const Node& entity)
 }
 
 void MechanismRules::CheckQuantity(const Node& entity, const KARMPDeserializer& reference,
-                                   Way below)
+                                   const Way& below)
 {
     const auto number = m_identifiers.Of(reference);
     if (number && m_valuesWithoutQuantity.contains(*number))
-        m_tell(Code::ValueWithoutQuantity, entity, std::move(below),
+        m_tell(Code::ValueWithoutQuantity, entity, below,
                "the value of " + Quoted(reference.Id()) + " has no physical quantity, so no unit");
 }
 

@@ -48,7 +48,7 @@ private:
     void NeedLink(const Node& entity, std::wstring_view element, Code code, const char* text);
     /// Tells of the references, in the entity and in its groups, to values of no quantity.
     void CheckQuantities(const Node& entity);
-    void CheckQuantity(const Node& entity, const KARMPDeserializer& reference, Way below);
+    void CheckQuantity(const Node& entity, const KARMPDeserializer& reference, const Way& below);
 
     Identifiers& m_identifiers;
     Tell m_tell;

@@ -99,7 +99,7 @@ KARStatus KARMPCurve::Deserialize(const KARMPDeserializer* deserializer,
                                               std::unique_ptr<KARCrvLimits> limits) {
         const KARStatus status = AddCurve(curve, orientation, limits.get());
         if (!KARFailed(status))
-            limits.release();
+            static_cast<void>(limits.release()); // the curve keeps them
         return status;
     });
     return KARSuccess;
