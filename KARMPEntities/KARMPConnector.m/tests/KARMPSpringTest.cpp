@@ -178,7 +178,7 @@ TYPED_TEST(SpringWithAttachments, FilesItsNumbersInTheWorldThatItStandsIn)
 
 TYPED_TEST(SpringWithAttachments, LeavesANumberInNoRegistryWhenItIsPlacedLater)
 {
-    const auto& number = TypeParam::Numbers()[0];
+    const auto number = TypeParam::Numbers()[0];
     (this->spring.get()->*number.set)(2.5);
     this->basicWorld->addLogicalChild(this->spring);
     this->world->template Add<KARMPConnector>(this->spring);

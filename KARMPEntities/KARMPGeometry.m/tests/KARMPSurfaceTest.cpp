@@ -305,11 +305,14 @@ TEST_F(Surface, AdditionThatFailsIsReportedAndTheRestIsWritten)
 
 TEST_F(Surface, DoesNotKeepAWorldFromReadingOn)
 {
-    const auto world = KARMPWorld::create(QOBBasicWorld::create(L"w"));
+    const auto basicWorld = QOBBasicWorld::create(L"w");
+    const auto world = KARMPWorld::create(basicWorld);
     surface->SetSurface(moved);
     const auto body = KARMPBody::create(L"b");
     body->AddGeometry(surface);
     surface->SetBody(body);
+    basicWorld->addLogicalChild(body);
+    basicWorld->addLogicalChild(surface);
     const auto point = KARMPPoint::create(L"p");
     point->SetIdentifier(L"T1");
     point->SetPoint({1, 2, 3});

@@ -8,12 +8,14 @@ KARMP_DEFINE_ENTITY(KARMPDofSensor2D, "948814B0-6C3F-4358-81DB-07C44E558918");
 
 namespace {
 
-struct Translation
+// Records have names of their own in the whole library: functions that the compiler makes of
+// pointers to their members are merged by name, although the records are local.
+struct PlanarTranslation
 {
     KARMathVector2D direction;
 };
 
-struct Rotation
+struct PlanarRotation
 {
     KARMathPoint2D center;
 };
@@ -28,19 +30,19 @@ struct karmp::ContentOf<KARMPDofSensor2D>
 {
     using C = KARMPDofSensor2D;
 
-    static KARStatus GetTranslation(const C& sensor, int index, Translation& translation)
+    static KARStatus GetTranslation(const C& sensor, int index, PlanarTranslation& translation)
     {
         return sensor.GetTranslation(index, translation.direction);
     }
-    static KARStatus AddTranslation(C& sensor, const Translation& translation)
+    static KARStatus AddTranslation(C& sensor, const PlanarTranslation& translation)
     {
         return sensor.AddTranslation(translation.direction);
     }
-    static KARStatus GetRotation(const C& sensor, int index, Rotation& rotation)
+    static KARStatus GetRotation(const C& sensor, int index, PlanarRotation& rotation)
     {
         return sensor.GetRotation(index, rotation.center);
     }
-    static KARStatus AddRotation(C& sensor, const Rotation& rotation)
+    static KARStatus AddRotation(C& sensor, const PlanarRotation& rotation)
     {
         return sensor.AddRotation(rotation.center);
     }
@@ -51,13 +53,14 @@ struct karmp::ContentOf<KARMPDofSensor2D>
             .WrittenOnly(),
         Records<&C::GetNumberOfTranslations, &GetTranslation, &AddTranslation>(
             L"Translations2D", L"Translation2D", "The free translations.",
-            Numbers<&Translation::direction>(L"Direction", TranslationNames,
-                                             "The direction of the translation."))
+            Numbers<&PlanarTranslation::direction>(L"Direction", TranslationNames,
+                                                   "The direction of the translation."))
             .CountedBy(L"number"),
         Records<&C::GetNumberOfRotations, &GetRotation, &AddRotation>(
             L"Rotations2D", L"Rotation2D", "The free rotations.",
-            NumbersElement<&Rotation::center>(L"Center", CenterNames, "The centre of the rotation.",
-                                              KARMPPhysicalQuantity::Length))
+            NumbersElement<&PlanarRotation::center>(L"Center", CenterNames,
+                                                    "The centre of the rotation.",
+                                                    KARMPPhysicalQuantity::Length))
             .CountedBy(L"number"));
 };
 KARMP_DEFINE_CONTENT(KARMPDofSensor2D);
