@@ -10,6 +10,7 @@
 #include "TestDeserializer.h"
 #include "TestSerializer.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -130,7 +131,9 @@ protected:
         Loader* loader = reinterpret_cast<Loader*>(&record);
         EXPECT_EQ(connector->GetLoader(loader), KARSuccess);
         EXPECT_EQ(loader, nullptr);
-        connector->SetLoader(new RecordingEntityLoader(record));
+        // A loader that another one takes the place of is not freed.
+        const auto other = std::make_unique<RecordingEntityLoader>(record);
+        connector->SetLoader(other.get());
         loader = reinterpret_cast<Loader*>(&record);
         EXPECT_EQ(connector->GetLoader(loader), KARSuccess);
         EXPECT_EQ(loader, nullptr) << "a loader of another interface";

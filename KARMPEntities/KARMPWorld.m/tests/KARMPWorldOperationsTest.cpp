@@ -7,6 +7,8 @@
 #include "RecordingVariableLoader.h"
 #include "WorldTesting.h"
 
+#include <memory>
+
 namespace {
 
 using Calls = std::vector<std::string>;
@@ -187,7 +189,12 @@ TEST_F(WorldOperations, PassOverVariablesOfOtherTypesWithoutValueOrLoader)
     AddVariable(KARMPVariableType::Free, true);
     AddVariable(KARMPVariableType::Constant, true);
     AddVariable(KARMPVariableType::Controlled, false);
-    AddVariable(KARMPVariableType::Controlled, true)->SetLoader(nullptr);
+    const auto bare = AddVariable(KARMPVariableType::Controlled, true);
+    // A loader that is taken away is not freed.
+    KARIMPVariableLoader* attached = nullptr;
+    bare->GetLoader(attached);
+    const std::unique_ptr<KARIMPVariableLoader> taken(attached);
+    bare->SetLoader(nullptr);
     variables.calls.clear();
     EXPECT_EQ(world->FixAllControlledVariables(), KARSuccess);
     EXPECT_EQ(world->UnfixAllControlledVariables(), KARSuccess);
