@@ -87,8 +87,11 @@ struct GraphOptions
 {
     std::string file;
     std::string output; // standard output when empty
-    std::string format; // dot, svg or png; by the output's ending when empty
+    std::string format; // dot, svg, png or pdf; by the output's ending when empty
     int timeLimit = 60; // of Graphviz, in seconds
+    std::string around; // a body by name or identifier; all bodies when empty
+    int reach = 2;      // joints from it
+    bool all = false;   // however many bodies there are
     bool sensors = false;
     bool collisions = false;
 };

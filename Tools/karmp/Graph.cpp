@@ -4,23 +4,76 @@
 #include "KARMPWholeFile.h"
 #include "KARMPWorld.h"
 #include "Loading.h"
+#include "NamedBodies.h"
 
+#include <algorithm>
+#include <array>
 #include <chrono>
+#include <filesystem>
 #include <iostream>
 #include <optional>
+#include <string_view>
 #include <utility>
 
 namespace karmp::tool {
 
 namespace {
 
+// Graphviz draws this many bodies in five seconds; its time grows faster than their number. Bitmaps
+// are limited to 32,767 pixels a side besides, so that larger graphs would not be readable.
+std::size_t MostBodies(std::string_view format)
+{
+    return format == "png" ? 1000 : 3000;
+}
+
+constexpr std::array<std::string_view, 4> Formats{"dot", "svg", "png", "pdf"};
+
+// By the ending of the output; empty, with the reason on standard error, for an unknown one.
 std::string FormatOf(const GraphOptions& options)
 {
     if (!options.format.empty())
         return options.format;
-    const auto dot = options.output.rfind('.');
-    const std::string ending = dot == std::string::npos ? "" : options.output.substr(dot + 1);
-    return ending == "svg" || ending == "png" ? ending : "dot";
+    if (options.output.empty())
+        return "dot";
+    std::string ending = std::filesystem::path(options.output).extension().string();
+    ending.erase(0, 1);
+    if (ending == "gv")
+        return "dot";
+    if (std::find(Formats.begin(), Formats.end(), ending) != Formats.end())
+        return ending;
+    std::cerr << "karmp: the ending of " << options.output
+              << " is none of .dot, .gv, .svg, .png and .pdf; --format says what to write\n";
+    return {};
+}
+
+std::optional<std::string> GraphBytes(const GraphOptions& options, const std::string& format,
+                                      const KARMPWorld& world)
+{
+    GraphContents contents;
+    contents.sensors = options.sensors;
+    contents.collisions = options.collisions;
+    contents.title = std::filesystem::path(options.file).filename().string();
+    Bodies around;
+    if (!options.around.empty()) {
+        around = FindBodies(world, {options.around});
+        if (around.empty())
+            return std::nullopt;
+        contents.around = around.front().get();
+        contents.reach = static_cast<std::size_t>(options.reach);
+    }
+    if (format == "dot")
+        return GraphText(world, contents);
+    if (!options.all) {
+        contents.mostBodies = MostBodies(format);
+        if (contents.around == nullptr &&
+            static_cast<std::size_t>(world.GetBodyCount()) > contents.mostBodies)
+            std::cerr << "karmp: only the " << contents.mostBodies
+                      << " bodies nearest to the ground of " << world.GetBodyCount()
+                      << " are drawn, because more take Graphviz long and cannot be read in one "
+                         "picture; --all draws all, "
+                         "--around BODY another part\n";
+    }
+    return DrawPicture(GraphText(world, contents), format, std::chrono::seconds(options.timeLimit));
 }
 
 } // namespace
@@ -28,6 +81,8 @@ std::string FormatOf(const GraphOptions& options)
 int RunGraph(const GraphOptions& options)
 {
     const std::string format = FormatOf(options);
+    if (format.empty())
+        return Unreadable;
     if (format != "dot" && options.output.empty()) {
         std::cerr << "karmp: a picture needs --output\n";
         return Unreadable;
@@ -39,17 +94,12 @@ int RunGraph(const GraphOptions& options)
     const auto loaded = LoadWorld(options.file);
     if (!loaded)
         return Unreadable;
-    std::string bytes = GraphText(*loaded->world, {options.sensors, options.collisions});
-    if (format != "dot") {
-        std::optional<std::string> picture =
-            DrawPicture(bytes, format, std::chrono::seconds(options.timeLimit));
-        if (!picture)
-            return Unreadable;
-        bytes = std::move(*picture);
-    }
+    const auto bytes = GraphBytes(options, format, *loaded->world);
+    if (!bytes)
+        return Unreadable;
     if (options.output.empty()) {
-        std::cout << bytes;
-    } else if (const auto messages = documents::WriteWholeFile(options.output, bytes);
+        std::cout << *bytes;
+    } else if (const auto messages = documents::WriteWholeFile(options.output, *bytes);
                messages.HasErrors()) {
         PrintMessages(messages, true);
         return Unreadable;

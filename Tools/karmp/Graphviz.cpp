@@ -159,6 +159,9 @@ bool IsWhole(std::string_view picture, std::string_view format)
         return picture.starts_with("\x89PNG\r\n\x1a\n") &&
                picture.ends_with(std::string_view("\0\0\0\0IEND\xae\x42\x60\x82", 12));
     const auto last = picture.find_last_not_of(" \t\r\n");
+    if (format == "pdf")
+        return picture.starts_with("%PDF-") && last != std::string_view::npos &&
+               picture.substr(0, last + 1).ends_with("%%EOF");
     return picture.find("<svg") != std::string_view::npos && last != std::string_view::npos &&
            picture.substr(0, last + 1).ends_with("</svg>");
 }

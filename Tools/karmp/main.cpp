@@ -139,21 +139,29 @@ int Run(int argc, char** argv)
     graphApp->add_option("FILE", graph.file, "Document")->required();
     graphApp->add_option("-o,--output", graph.output, "File to write; standard output without it");
     graphApp->add_option("--format", graph.format, "By the ending of the output without it")
-        ->check(CLI::IsMember({"dot", "svg", "png"}));
+        ->check(CLI::IsMember({"dot", "svg", "png", "pdf"}));
     graphApp
         ->add_option("--time-limit", graph.timeLimit,
                      "Seconds after which Graphviz is stopped and no picture written")
         ->check(CLI::Range(1, 86400))
         ->capture_default_str();
+    graphApp->add_option("--around", graph.around,
+                         "Only what is near a body, by name or identifier");
+    graphApp
+        ->add_option("--reach", graph.reach,
+                     "Joints from that body to the last ones that are drawn")
+        ->check(CLI::NonNegativeNumber)
+        ->capture_default_str();
+    graphApp->add_flag("--all", graph.all,
+                       "Draw a mechanism of more than 3,000 bodies, or 1,000 in a PNG, whole");
     graphApp->add_flag("--sensors", graph.sensors, "Sensors as notes on what they measure");
     graphApp->add_flag("--collisions", graph.collisions,
                        "The pairs of collision rules as dotted edges");
     graphApp->footer(
-        "Springs, bushings and other force elements are dashed edges. The joint that a motor "
-        "drives "
-        "and the joint or body that a force acts on say so. Sensors and collision rules are left "
-        "out unless asked for; a joint or force element that a sensor measures is then drawn as a "
-        "node.\n\n" +
+        "Ground is hatched. A joint is a node in the colour and shape of its kind, with an arrow "
+        "to the In body; thick edges belong to joints that close a loop, counted from the ground. "
+        "Springs, bushings and other force elements have dashed edges. The joint that a motor "
+        "drives and the joint or body that a force acts on say so. What is inactive is grey.\n\n" +
         Footer("karmp graph crank.xml --output crank.svg"));
     graphApp->callback([&] { command = [&graph] { return RunGraph(graph); }; });
 

@@ -67,7 +67,7 @@ TEST_F(Graph, DrawsTheGraphAsText)
 {
     const Outcome graph = Run("graph " + m_document);
     EXPECT_EQ(graph.code, 0) << graph.output;
-    ExpectContains(graph.output, "graph mechanism {");
+    ExpectContains(graph.output, "digraph mechanism {");
     ExpectContains(graph.output, "Crank pin\nRevolute");
     EXPECT_EQ(Run("graph --format svg " + m_document).code, 2);
 }
@@ -129,12 +129,52 @@ TEST_F(Graph, LeavesNothingWhenGraphvizFails)
     ExpectNoPicture("echo '<svg>'", "no whole picture");
 }
 
-TEST_F(Graph, TakesNoOtherPictureForPng)
+TEST_F(Graph, TakesNoOtherPictureForPngAndPdf)
 {
-    const Outcome outcome =
-        Run("graph " + m_document + " -o " + File("a.png"), FakeGraphviz("echo '<svg></svg>'"));
-    EXPECT_EQ(outcome.code, 2);
-    EXPECT_FALSE(fs::exists(File("a.png")));
+    for (const std::string name : {"a.png", "a.pdf"}) {
+        const Outcome outcome =
+            Run("graph " + m_document + " -o " + File(name), FakeGraphviz("echo '<svg></svg>'"));
+        EXPECT_EQ(outcome.code, 2) << name;
+        EXPECT_FALSE(fs::exists(File(name)));
+    }
+}
+
+TEST_F(Graph, IsDrawnAsPdf)
+{
+    const std::string environment =
+        FakeGraphviz("cat >/dev/null; [ $1 = -Tpdf ] && printf '%%PDF-1.5\\n...\\n%%%%EOF\\n'");
+    const Outcome outcome = Run("graph " + m_document + " -o " + File("a.pdf"), environment);
+    EXPECT_EQ(outcome.code, 0) << outcome.output;
+    EXPECT_EQ(ReadFile(File("a.pdf")), "%PDF-1.5\n...\n%%EOF\n");
+}
+
+TEST_F(Graph, RefusesAnUnknownEnding)
+{
+    for (const std::string name : {"a.gif", "a", "a.svgz"}) {
+        const Outcome outcome = Run("graph " + m_document + " -o " + File(name));
+        EXPECT_EQ(outcome.code, 2) << name;
+        ExpectContains(outcome.output, "is none of .dot, .gv, .svg, .png and .pdf");
+        EXPECT_FALSE(fs::exists(File(name)));
+    }
+    EXPECT_EQ(Run("graph " + m_document + " -o " + File("a.gv")).code, 0);
+    EXPECT_EQ(Run("graph --format dot " + m_document + " -o " + File("a.gif")).code, 0);
+}
+
+TEST_F(Graph, OfALargeMechanismIsDrawnInPartWithAWord)
+{
+    const std::string environment = FakeGraphviz("cat >" + File("text") + "; echo '<svg></svg>'");
+    const std::string chain = Write("chain.xml", Chain(3100));
+    const std::string word = "only the 3000 bodies nearest to the ground of 3100 are drawn";
+    Outcome outcome = Run("graph " + chain + " -o " + File("a.svg"), environment);
+    EXPECT_EQ(outcome.code, 1); // of a document without positions
+    ExpectContains(outcome.output, word);
+    ExpectContains(ReadFile(File("text")), "3000 of 3100 bodies");
+    ExpectContains(ReadFile(File("text")), "\"Body 2999\"");
+    EXPECT_EQ(ReadFile(File("text")).find("\"Body 3000\""), std::string::npos);
+
+    outcome = Run("graph --all " + chain + " -o " + File("a.svg"), environment);
+    EXPECT_EQ(outcome.output.find(word), std::string::npos);
+    ExpectContains(ReadFile(File("text")), "\"Body 3099\"");
 }
 
 TEST_F(Graph, StopsAGraphvizThatHangs)

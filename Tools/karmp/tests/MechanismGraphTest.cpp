@@ -7,13 +7,107 @@ namespace karmp::tool {
 
 namespace {
 
-TEST_F(Equipped, GraphDrawsForceElementsAsDashedEdges)
+constexpr const char* ForceNode =
+    " [shape=box, style=\"filled,rounded,dashed\", fillcolor=\"#fffde7\", fontsize=11, label=\"";
+
+/// The node with a label, as the text of a graph names it.
+std::string NodeOf(const std::string& graph, const std::string& label)
+{
+    const auto line = graph.rfind("\n  n", graph.find(label));
+    const auto begin = line == std::string::npos ? line : line + 3;
+    return begin == std::string::npos ? "?" : graph.substr(begin, graph.find(' ', begin) - begin);
+}
+
+TEST_F(Equipped, GraphDrawsForceElementsWithDashedEdges)
 {
     const std::string graph = Run("graph " + m_file).output;
-    ExpectContains(graph, " [style=dashed, label=\"spring\nLinearSpring\"];\n");
-    ExpectContains(graph, " [style=dashed, label=\"bushing\nBushing\"];\n");
-    ExpectContains(graph, " [shape=point];\n  ");
-    ExpectContains(graph, " [style=dashed, label=\"loose spring\nAxialSpring\"];\n");
+    for (const std::string label :
+         {"spring\nLinearSpring", "bushing\nBushing", "loose spring\nAxialSpring"})
+        ExpectContains(graph, ForceNode + label + "\"];\n");
+    const std::string spring = NodeOf(graph, "\"spring\nLinearSpring");
+    ExpectContains(graph, " -> " + spring + " [style=dashed, dir=none];\n");
+    ExpectContains(graph, "  " + spring + " -> ");
+}
+
+TEST_F(Equipped, GraphLeadsFromTheOutBodyThroughTheJointToTheInBody)
+{
+    const std::string graph = Run("graph " + m_file).output;
+    const std::string pin = NodeOf(graph, "\"Slider pin\n");
+    const std::string rod = NodeOf(graph, "\"Rod\n");
+    const std::string slider = NodeOf(graph, "\"Slider\n");
+    ExpectContains(graph,
+                   "  " + rod + " -> " + pin + " [dir=none];\n  " + pin + " -> " + slider + ";\n");
+}
+
+TEST_F(Equipped, GraphDrawsJointsInTheColourAndShapeOfTheirKind)
+{
+    const std::string graph = Run("graph " + m_file).output;
+    ExpectContains(graph,
+                   " [shape=ellipse, fillcolor=\"#bbdefb\", fontsize=11, label=\"Slider pin");
+    ExpectContains(graph, " [shape=box, fillcolor=\"#c8e6c9\", fontsize=11, label=\"Guide");
+    ExpectContains(graph, "<td bgcolor=\"#c8e6c9\"><font point-size=\"10\"> Prismatic </font>");
+    ExpectContains(graph, "<td bgcolor=\"#bbdefb\"><font point-size=\"10\"> Revolute </font>");
+    EXPECT_EQ(graph.find(" Universal "), std::string::npos);
+}
+
+TEST_F(Equipped, GraphThickensTheEdgesOfOneJointPerLoop)
+{
+    const std::string graph = Run("graph " + m_file).output;
+    const std::string pin = NodeOf(graph, "\"Crank pin\n");
+    ExpectContains(graph, " -> " + pin + " [penwidth=2.5, dir=none];\n  " + pin + " -> ");
+    EXPECT_EQ(graph.find("penwidth", graph.find("  " + pin + " -> ") + 40), std::string::npos);
+    ExpectContains(graph, "thick: closes a loop");
+}
+
+TEST_F(Equipped, GraphHatchesTheGroundAtTheTop)
+{
+    const std::string graph = Run("graph " + m_file).output;
+    const std::string ground = NodeOf(graph, "GlobalBody</td>");
+    ExpectContains(graph, "/ / / /");
+    ExpectContains(graph, "{rank=source; " + ground + "}");
+}
+
+TEST_F(Equipped, GraphTitleTellsCountsLoopsAndMobility)
+{
+    const std::string graph = Run("graph " + m_file).output;
+    ExpectContains(graph,
+                   "label=\"" + fs::path(m_file).filename().string() + "\n4 bodies, 4 joints, ");
+    ExpectContains(graph, ", 1 closed loop\nestimated mobility 1 in the plane, -2 in space\"");
+}
+
+TEST_F(Equipped, GraphNamesBodiesWithTheirMass)
+{
+    ExpectContains(Run("graph " + m_file).output, "\"Crank\n0.5 kg\"");
+}
+
+TEST_F(Equipped, GraphShowsInactiveEntitiesGrey)
+{
+    const std::string graph = Output("graph", "name=\"Slider pin\" isActive=\"yes\"",
+                                     "name=\"Slider pin\" isActive=\"no\"");
+    ExpectContains(graph, "\"Slider pin\nRevolute\", color=grey60, fontcolor=grey60, "
+                          "fillcolor=grey95];\n");
+    EXPECT_EQ(graph.find("closed loop"), std::string::npos);
+    EXPECT_EQ(graph.find("thick"), std::string::npos);
+}
+
+TEST_F(Equipped, GraphOfAGearIsNoLoop)
+{
+    const std::string graph = Run("graph " KARMP_EXAMPLE_DOCUMENTS "/gear-pair.xml").output;
+    EXPECT_EQ(graph.find("closed loop"), std::string::npos);
+    const std::string gear = NodeOf(graph, "\"Gear\nGear");
+    ExpectContains(graph, " -> " + gear + " [dir=none, style=\"dashed\", color=\"#bf360c\"];\n");
+}
+
+TEST_F(Equipped, GraphAroundABodyHasWhatIsNear)
+{
+    const std::string graph = Run("graph --around Crank --reach 1 " + m_file).output;
+    ExpectContains(graph, "3 of 4 bodies");
+    ExpectContains(graph, "\"Rod\n");
+    EXPECT_EQ(graph.find("\"Slider\n"), std::string::npos);
+    ExpectContains(graph, "\"Slider pin\n"); // leads on from the rod
+    const Outcome unknown = Run("graph --around Nobody " + m_file);
+    EXPECT_EQ(unknown.code, 2);
+    ExpectContains(unknown.output, "no body has the name Nobody");
 }
 
 TEST_F(Equipped, GraphMarksWhatMotorsAndForcesActOn)
@@ -21,8 +115,8 @@ TEST_F(Equipped, GraphMarksWhatMotorsAndForcesActOn)
     const std::string graph = Run("graph " + m_file).output;
     ExpectContains(graph, "\"Main bearing\nRevolute\ndriven by motor\"");
     ExpectContains(graph, "\"Crank pin\nRevolute\nacted on by brake\"");
-    ExpectContains(graph, "\"Slider\nacted on by push\"");
-    ExpectContains(graph, "\"Rod\nacted on by hand\"");
+    ExpectContains(graph, "\"Slider\n1.2 kg\nacted on by push\"");
+    ExpectContains(graph, "\"Rod\n0.8 kg\nacted on by hand\"");
     ExpectContains(graph, "\"Guide\nPrismatic\nacted on by tyre\"");
     EXPECT_EQ(graph.find("driver"), std::string::npos);
 }
@@ -44,17 +138,16 @@ TEST_F(Equipped, GraphShowsSensorsAndCollisionsOnRequestOnly)
     const std::string plain = Run("graph " + m_file).output;
     EXPECT_EQ(plain.find("shape=note"), std::string::npos);
     EXPECT_EQ(plain.find("CollisionReaction"), std::string::npos);
-    EXPECT_EQ(plain.find("ellipse"), std::string::npos);
 
     const std::string sensors = Run("graph --sensors " + m_file).output;
     ExpectContains(sensors, " [shape=note, fontsize=10, label=\"stroke\nDisplacementSensor\"];\n");
-    ExpectContains(sensors, " [shape=ellipse, label=\"Main bearing\nRevolute\ndriven by motor\"]");
-    ExpectContains(sensors, " [shape=ellipse, style=dashed, label=\"spring\nLinearSpring\"];\n");
-    ExpectContains(sensors, " [style=dotted];\n");
-    ExpectContains(sensors, " [label=\"Slider pin\nRevolute\"];\n");
+    const std::string slider = NodeOf(sensors, "\"Slider\n");
+    const std::string stroke = NodeOf(sensors, "\"stroke\n");
+    ExpectContains(sensors, "  " + slider + " -> " + stroke + " [style=dotted, dir=none];\n");
 
     const std::string collisions = Run("graph --collisions " + m_file).output;
-    ExpectContains(collisions, "constraint=false, label=\"rule\nCollisionReaction\"];\n");
+    ExpectContains(collisions, "fontcolor=red, fontsize=11, label=\"rule\nCollisionReaction\"];\n");
+    ExpectContains(collisions, " [style=dotted, dir=none, color=red, constraint=false];\n");
     EXPECT_EQ(collisions.find("layers"), std::string::npos);
 }
 
@@ -66,7 +159,7 @@ TEST_F(Equipped, GraphNamesThreeOfManyForcesOnABody)
                   "\" name=\"\" isActive=\"yes\"><Body id=\"Crank\" name=\"Crank\"/>"
                   "</DisplacementActuator>";
     ExpectContains(Output("graph", "</Actuators>", forces + "</Actuators>"),
-                   "\"Crank\nacted on by f0\nacted on by f1\nacted on by f2\nand 2 more\"");
+                   "\"Crank\n0.5 kg\nacted on by f0\nacted on by f1\nacted on by f2\nand 2 more\"");
 }
 
 } // namespace
