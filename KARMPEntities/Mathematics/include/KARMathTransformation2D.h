@@ -11,11 +11,15 @@
 class KARMathTransformation2D
 {
 public:
-    /// How far a coefficient of the matrix may lie off in the tests, relative to the ratio.
+    /// How far a product of matrix coefficients may lie from what IsSimilitude asks, relative to
+    /// the ratio's square.
     static constexpr double MatrixTolerance = 1e-12;
-    /// How far a component of the vector may lie from 0 in IsScaling with the ratio 1; wide enough
-    /// for the rounding of T * inverse(T) with a translation of a million units.
-    static constexpr double VectorTolerance = 1e-9;
+    /// How far a coefficient of the matrix may lie off in IsScaling, relative to the ratio: the
+    /// rounding of a coefficient near 1.
+    static constexpr double RoundingTolerance = 1e-15;
+    /// How far target * inverse(start) may lie from the identity when start and target are the same
+    /// position; see KARMathTransformation.
+    static constexpr double ChangeTolerance = 1e-14;
 
     /// The identity.
     constexpr KARMathTransformation2D() = default;
@@ -80,22 +84,28 @@ public:
                std::abs(a.SquareNorm() - square) <= MatrixTolerance * square &&
                std::abs(a.Dot(b)) <= MatrixTolerance * square;
     }
-    /// True when this scales all lengths from a centre, without a turn, and then gives the
-    /// ratio, which is exactly 1.0 when it lies within the tolerance of it. A translation that is
-    /// not null has no centre and is no scaling; false leaves the argument untouched.
+    /// True when this scales all lengths from the origin, without a turn, and then gives the ratio,
+    /// which is exactly 1.0 when it lies within rounding of it. A vector that is not null, however
+    /// short, makes it none, so that a translation is never taken for the identity. False leaves
+    /// the argument untouched.
     bool IsScaling(double& ratio) const
     {
         const double value = (m_matrix(0, 0) + m_matrix(1, 1)) / 2.0;
-        const double tolerance = MatrixTolerance * std::abs(value);
-        const KARMath2x2Matrix off = m_matrix - value * KARMath2x2Matrix::Identity();
-        if (!std::isfinite(value) || value == 0.0 || !IsNearZero(off.GetFirstColumn(), tolerance) ||
-            !IsNearZero(off.GetSecondColumn(), tolerance))
+        if (!std::isfinite(value) || value == 0.0 || m_vector != KARMathVector2D() ||
+            !IsNear(m_matrix, value * KARMath2x2Matrix::Identity(),
+                    RoundingTolerance * std::abs(value)))
             return false;
-        const bool keepsLengths = std::abs(value - 1.0) <= MatrixTolerance;
-        if (keepsLengths && !IsNearZero(m_vector, VectorTolerance))
-            return false;
-        ratio = keepsLengths ? 1.0 : value;
+        ratio = std::abs(value - 1.0) <= RoundingTolerance ? 1.0 : value;
         return true;
+    }
+    /// True when this, computed as target * inverse(start), is the identity but for the rounding of
+    /// that computation, which grows with the coordinates of the two positions.
+    bool IsNoChange(const KARMathTransformation2D& start,
+                    const KARMathTransformation2D& target) const
+    {
+        const double size = std::fmax(start.m_vector.Norm(), target.m_vector.Norm());
+        return IsNear(m_matrix, KARMath2x2Matrix::Identity(), ChangeTolerance) &&
+               IsNear(m_vector, KARMathVector2D(), ChangeTolerance * size);
     }
 
     friend constexpr KARMathPoint2D operator*(const KARMathTransformation2D& t,
@@ -130,9 +140,15 @@ public:
                                      const KARMathTransformation2D& b) = default;
 
 private:
-    static bool IsNearZero(const KARMathVector2D& v, double tolerance)
+    static bool IsNear(const KARMathVector2D& a, const KARMathVector2D& b, double tolerance)
     {
-        return std::abs(v.GetX()) <= tolerance && std::abs(v.GetY()) <= tolerance;
+        const KARMathVector2D d = a - b;
+        return std::abs(d.GetX()) <= tolerance && std::abs(d.GetY()) <= tolerance;
+    }
+    static bool IsNear(const KARMath2x2Matrix& a, const KARMath2x2Matrix& b, double tolerance)
+    {
+        return IsNear(a.GetFirstColumn(), b.GetFirstColumn(), tolerance) &&
+               IsNear(a.GetSecondColumn(), b.GetSecondColumn(), tolerance);
     }
 
     KARMath2x2Matrix m_matrix = KARMath2x2Matrix::Identity();

@@ -280,40 +280,65 @@ TEST(MathTransformation2D, ProductAppliesTheSecondFactorFirst)
     EXPECT_EQ(turn * KARMathAxis2D(), KARMathAxis2D({}, {0, 1}, {-1, 0}));
 }
 
-TEST(MathTransformation2D, PositionTimesItsOwnInverseIsAScalingOfExactlyOne)
+TEST(MathTransformation2D, PositionTimesItsOwnInverseIsNoChangeInAnyUnits)
 {
     std::mt19937 generator(13);
     std::uniform_real_distribution<double> unit(-1.0, 1.0);
-    for (int i = 0; i < 1000; ++i) {
-        KARMathTransformation2D t = KARMathTransformation2D::Rotation(
-            {1e5 * unit(generator), unit(generator)}, HalfTurn * unit(generator));
-        t.SetVector(t.GetVector() + KARMathVector2D(1e5 * unit(generator), 1.0));
-        KARMathTransformation2D inverse;
-        ASSERT_TRUE(t.ComputeInverse(inverse));
-        double ratio = 0.0;
-        EXPECT_TRUE((t * inverse).IsSimilitude());
-        EXPECT_TRUE((t * inverse).IsScaling(ratio));
-        EXPECT_EQ(ratio, 1.0);
+    for (const double size : {1e-9, 1.0, 1e6, 1e12}) {
+        for (int i = 0; i < 1000; ++i) {
+            KARMathTransformation2D t = KARMathTransformation2D::Rotation(
+                {size * unit(generator), size * unit(generator)}, HalfTurn * unit(generator));
+            t.SetVector(t.GetVector() + KARMathVector2D(size * unit(generator), 0.0));
+            KARMathTransformation2D inverse;
+            ASSERT_TRUE(t.ComputeInverse(inverse));
+            EXPECT_TRUE((t * inverse).IsNoChange(t, t));
+            EXPECT_TRUE((t * inverse).IsSimilitude());
+        }
     }
 }
 
-TEST(MathTransformation2D, ScalingTellsItsRatio)
+TEST(MathTransformation2D, SmallChangeIsOneRelativeToThePositions)
 {
-    double ratio = 0.0;
-    EXPECT_TRUE(
-        KARMathTransformation2D(2.0 * KARMath2x2Matrix::Identity(), {5, 6}).IsScaling(ratio));
-    EXPECT_EQ(ratio, 2.0);
-    EXPECT_TRUE(KARMathTransformation2D::Rotation({1, 1}, HalfTurn).IsScaling(ratio));
-    EXPECT_NEAR(ratio, -1.0, 1e-15);
+    const auto change = [](const KARMathTransformation2D& start,
+                           const KARMathTransformation2D& move) {
+        const KARMathTransformation2D target = move * start;
+        KARMathTransformation2D inverse;
+        EXPECT_TRUE(start.ComputeInverse(inverse));
+        return !(target * inverse).IsNoChange(start, target);
+    };
+    const KARMathTransformation2D far(KARMathVector2D(0, 1e7));
+    EXPECT_TRUE(change({}, KARMathTransformation2D(KARMathVector2D(0, 1e-300))));
+    EXPECT_TRUE(change(far, KARMathTransformation2D(KARMathVector2D(0, 1e-6))));
+    EXPECT_FALSE(change(far, KARMathTransformation2D(KARMathVector2D(0, 1e-8))));
+    EXPECT_TRUE(change({}, KARMathTransformation2D::Rotation({}, 1e-11)));
+    EXPECT_FALSE(change({}, {}));
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_TRUE(change({}, KARMathTransformation2D(KARMathVector2D(nan, 0))));
 }
 
-TEST(MathTransformation2D, TurnsTranslationsAndShearsAreNoScalings)
+TEST(MathTransformation2D, ScalingFromTheOriginTellsItsRatio)
+{
+    double ratio = 0.0;
+    EXPECT_TRUE(KARMathTransformation2D(2.0 * KARMath2x2Matrix::Identity(), {}).IsScaling(ratio));
+    EXPECT_EQ(ratio, 2.0);
+    EXPECT_TRUE(KARMathTransformation2D::Rotation({}, HalfTurn).IsScaling(ratio));
+    EXPECT_NEAR(ratio, -1.0, 1e-15);
+    const KARMath2x2Matrix rounded({1.0 - 1e-16, 5e-16}, {-5e-16, 1.0});
+    EXPECT_TRUE(KARMathTransformation2D(rounded, {0.0, -0.0}).IsScaling(ratio));
+    EXPECT_EQ(ratio, 1.0);
+}
+
+TEST(MathTransformation2D, TurnsTranslationsShearsAndScalingsFromElsewhereAreNoScalings)
 {
     double ratio = 9.0;
-    EXPECT_FALSE(KARMathTransformation2D::Rotation({}, 0.1).IsScaling(ratio));
-    EXPECT_FALSE(KARMathTransformation2D(KARMathVector2D(0, 1e-6)).IsScaling(ratio));
+    EXPECT_FALSE(KARMathTransformation2D::Rotation({}, 2e-15).IsScaling(ratio));
+    EXPECT_FALSE(KARMathTransformation2D(KARMathVector2D(0, 1e-300)).IsScaling(ratio));
+    EXPECT_FALSE(
+        KARMathTransformation2D(2.0 * KARMath2x2Matrix::Identity(), {5, 6}).IsScaling(ratio));
     EXPECT_FALSE(KARMathTransformation2D({{1, 0}, {1, 1}}, {}).IsScaling(ratio));
     EXPECT_FALSE(KARMathTransformation2D(KARMath2x2Matrix(), {}).IsScaling(ratio));
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_FALSE(KARMathTransformation2D(KARMathVector2D(nan, 0)).IsScaling(ratio));
     EXPECT_EQ(ratio, 9.0);
 }
 
