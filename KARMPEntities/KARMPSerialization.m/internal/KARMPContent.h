@@ -321,17 +321,26 @@ constexpr ItemList<1> NumbersElement(std::wstring_view name,
     list.First().place = ItemPlace::Element;
     return list;
 }
-/// Translation and rotation within an element. Missing components of the translation are 0.
+/// Translation and rotation within an element, by the names of `parts`. Missing components of the
+/// translation are 0.
+template <auto Access>
+constexpr ItemList<1> Transformation(std::wstring_view name, const TransformationNames& parts,
+                                     std::string_view says, Where where = Where::current())
+{
+    auto list = MakeItem<Access>(name, says, ItemKind::Transformation, where);
+    list.First().parts = &parts;
+    list.First().quantity = KARMPPhysicalQuantity::Length;
+    return list;
+}
+/// The same by the names of its dimension.
 template <auto Access>
 constexpr ItemList<1> Transformation(std::wstring_view name, std::string_view says,
                                      Where where = Where::current())
 {
     constexpr bool isPlanar =
         std::is_same_v<typename TraitsOf<Access>::Value, KARMathTransformation2D>;
-    auto list = MakeItem<Access>(name, says, ItemKind::Transformation, where);
-    list.First().parts = isPlanar ? &PlanarTransformation : &SpatialTransformation;
-    list.First().quantity = KARMPPhysicalQuantity::Length;
-    return list;
+    return Transformation<Access>(name, isPlanar ? PlanarTransformation : SpatialTransformation,
+                                  says, where);
 }
 
 /// Bytes, a std::vector of unsigned chars, as base-64 text: in an element with their number as

@@ -354,6 +354,21 @@ struct ItemConversion<KARMath3x3Matrix>
         return to;
     }
 };
+template <>
+struct ItemConversion<KARMath2x2Matrix>
+{
+    static void Put(const KARMath2x2Matrix& from, ItemValue& to, std::size_t first = 0)
+    {
+        double* const c = to.numbers.data() + first;
+        from.GetFirstColumn().GetCoord(c[0], c[1]);
+        from.GetSecondColumn().GetCoord(c[2], c[3]);
+    }
+    static KARMath2x2Matrix Take(const ItemValue& from, std::size_t first = 0)
+    {
+        const double* const c = from.numbers.data() + first;
+        return {{c[0], c[1]}, {c[2], c[3]}};
+    }
+};
 /// The translation comes before the matrix.
 template <>
 struct ItemConversion<KARMathTransformation>
@@ -377,15 +392,13 @@ struct ItemConversion<KARMathTransformation2D>
 {
     static void Put(const KARMathTransformation2D& from, ItemValue& to)
     {
-        const KARMath2x2Matrix& matrix = from.GetMatrix();
-        from.GetVector().GetCoord(to.numbers[0], to.numbers[1]);
-        matrix.GetFirstColumn().GetCoord(to.numbers[2], to.numbers[3]);
-        matrix.GetSecondColumn().GetCoord(to.numbers[4], to.numbers[5]);
+        ItemConversion<KARMathVector2D>::Put(from.GetVector(), to);
+        ItemConversion<KARMath2x2Matrix>::Put(from.GetMatrix(), to, 2);
     }
     static KARMathTransformation2D Take(const ItemValue& from)
     {
-        const auto& c = from.numbers;
-        return {{{c[2], c[3]}, {c[4], c[5]}}, {c[0], c[1]}};
+        return {ItemConversion<KARMath2x2Matrix>::Take(from, 2),
+                ItemConversion<KARMathVector2D>::Take(from)};
     }
 };
 

@@ -23,6 +23,9 @@ inline constexpr Names<9> MatrixNames{L"M1x", L"M1y", L"M1z", L"M2x", L"M2y",
                                       L"M2z", L"M3x", L"M3y", L"M3z"};
 inline constexpr Names<2> PlanarPointNames{L"Px", L"Py"};
 inline constexpr Names<2> PlanarVectorNames{L"Vx", L"Vy"};
+inline constexpr Names<2> PlanarOriginNames{L"Ox", L"Oy"};
+inline constexpr Names<2> PlanarCentreNames{L"Cx", L"Cy"};
+inline constexpr Names<2> PlanarDirectionNames{L"Dx", L"Dy"};
 inline constexpr Names<4> PlanarMatrixNames{L"M1x", L"M1y", L"M2x", L"M2y"};
 /// Origin and direction of a line.
 inline constexpr Names<6> LineNames{L"Ox", L"Oy", L"Oz", L"Dx", L"Dy", L"Dz"};
@@ -40,6 +43,9 @@ inline constexpr TransformationNames SpatialTransformation{L"Translation", Vecto
                                                            MatrixNames};
 inline constexpr TransformationNames PlanarTransformation{L"Translation2D", PlanarVectorNames,
                                                           L"Rotation2D", PlanarMatrixNames};
+/// A position in the plane, whose parts are named as those in space.
+inline constexpr TransformationNames PlanarPosition{L"Translation", PlanarVectorNames, L"Rotation",
+                                                    PlanarMatrixNames};
 /// The words of a flag that is no bool in the document: row 0 is false.
 inline constexpr Names<2> NoYes{L"no", L"yes"};
 inline constexpr Names<2> FalseTrue{L"FALSE", L"TRUE"};
