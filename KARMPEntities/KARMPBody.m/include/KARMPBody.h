@@ -22,6 +22,8 @@ class QOBBasicBody3D;
 
 namespace karmp {
 
+template <class Body, class Transformation>
+class BodyWalk;
 class BodyMove;
 
 } // namespace karmp
@@ -135,7 +137,10 @@ public:
 
     /// Stores the sensor of the body's displacement, or none for a null handle;
     /// KARMPDisplacementSensor::SetBody makes the other side of the link.
-    KARStatus SetDisplacementSensor(const QOBSharedHandle<KARMPDisplacementSensor>& sensor);
+    KARStatus SetDisplacementSensor(const QOBSharedHandle<KARMPDisplacementSensor>& sensor)
+    {
+        return m_displacementSensor.Assign(sensor);
+    }
     /// Gives the sensor; a null handle and a failure without one.
     KARStatus GetDisplacementSensor(QOBSharedHandle<KARMPDisplacementSensor>& sensor) const
     {
@@ -229,6 +234,8 @@ public:
 protected:
     void ClearContainers() override;
     KARStatus RemoveParent() override;
+    /// Empties the lists of bodies and lets the father go.
+    void ClearBodies();
 
     KARMPBody();
     /// A copy has the state of its source; it has no links, no neighbour and no known velocities,
@@ -237,9 +244,9 @@ protected:
     ~KARMPBody() override;
 
 private:
+    friend class karmp::BodyWalk<KARMPBody, KARMathTransformation>;
     friend class karmp::BodyMove;
 
-    void ClearBodies();
     KARStatus SetWDMBodyPosition(const KARMathTransformation& position);
     KARStatus UpdateChildrenPosition(const KARMathTransformation& move);
     void MoveOneself(const KARMathTransformation& move);
@@ -268,5 +275,6 @@ private:
     bool m_initialFloating = false;
     bool m_velocitySet = false;
     KARUnicodeString m_filePath;
-    const karmp::BodyMove* m_moves[2] = {}; // the walks that this body is on the path of
+    // The walks that this body is on the path of.
+    const karmp::BodyWalk<KARMPBody, KARMathTransformation>* m_walks[2] = {};
 };

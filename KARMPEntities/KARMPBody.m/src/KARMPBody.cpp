@@ -1,19 +1,15 @@
 #include "KARMPBody.h"
 
 #include "KARIMPBodyLoader.h"
+#include "KARMPBodyMotion.h"
+#include "KARMPBodyRelease.h"
 #include "KARMPConnector.h"
 #include "KARMPContentWalk.h"
 #include "KARMPDisplacementSensor.h"
 #include "KARMPGeometry.h"
 #include "KARMPJoint.h"
-#include "KARMPLoaderAccess.h"
 #include "KARMPShape.h"
-#include "KARMPUnlinkAll.h"
 #include "QOBBasicBody3D.h"
-
-#include <new>
-#include <utility>
-#include <vector>
 
 KARMP_DEFINE_ENTITY(KARMPBody, "DC8D8FB9-6ECD-4707-93D5-A11AF41E855B");
 
@@ -119,13 +115,6 @@ struct karmp::ContentOf<KARMPBody>
 };
 KARMP_DEFINE_CONTENT(KARMPBody);
 
-namespace {
-
-// The bodies that a dying body of this thread let go of, while there is one.
-thread_local std::vector<QOBSharedHandle<KARMPBody>>* t_released = nullptr;
-
-} // namespace
-
 KARMPBody::KARMPBody() = default;
 
 KARMPBody::KARMPBody(const KARMPBody& source, CopyMode mode)
@@ -147,29 +136,11 @@ KARMPBody::~KARMPBody()
 {
     if (m_impactedChildren.Count() == 0 && m_children.Count() == 0 && !m_father)
         return;
-    // The last references to a long row of bodies must not die inside each other: the first body
-    // of the row lets all of them go, one after the other.
-    std::vector<QOBSharedHandle<KARMPBody>> own;
-    const bool first = t_released == nullptr;
-    if (first)
-        t_released = &own;
-    try {
-        for (int index = m_impactedChildren.Count(); index > 0; --index)
-            t_released->push_back(m_impactedChildren.At(index - 1));
-        for (int index = m_children.Count(); index > 0; --index)
-            t_released->push_back(m_children.At(index - 1));
-        t_released->push_back(m_father);
-        ClearBodies();
-    } catch (const std::bad_alloc&) {
-        // What is still listed goes with the lists.
-    }
-    if (!first)
-        return;
-    while (!own.empty()) {
-        const QOBSharedHandle<KARMPBody> body = std::move(own.back());
-        own.pop_back();
-    }
-    t_released = nullptr;
+    karmp::BodyRelease release;
+    release.Take(m_impactedChildren);
+    release.Take(m_children);
+    release.Take(m_father);
+    ClearBodies();
 }
 
 void KARMPBody::ClearBodies()
@@ -190,23 +161,9 @@ void KARMPBody::ClearContainers()
 
 KARStatus KARMPBody::RemoveParent()
 {
-    const QOBSharedHandle<KARMPBody> self(this);
-    if (const auto sensor = m_displacementSensor.Take()) {
-        const KARStatus status = sensor->RemoveBody(self);
-        if (KARFailed(status))
-            return status;
-    }
-    const auto removeThis = [&self](auto& entity) { return entity.RemoveBody(self); };
-    KARStatus status = karmp::UnlinkAll(m_geometries, removeThis);
-    if (!KARFailed(status))
-        status = karmp::UnlinkAll(m_joints, removeThis);
-    if (!KARFailed(status))
-        status = karmp::UnlinkAll(m_shapes, removeThis);
-    if (!KARFailed(status))
-        status = karmp::UnlinkAll(m_connectors, removeThis);
-    if (!KARFailed(status))
-        status = karmp::UnlinkAll(m_impactedChildren, removeThis);
-    return status;
+    return karmp::UnlinkFromBody(*this, KARMPSourceLocation::current(), m_displacementSensor,
+                                 m_geometries, m_joints, m_shapes, m_connectors,
+                                 m_impactedChildren);
 }
 
 KARStatus KARMPBody::GetLoader(KARIMPBodyLoader*& loader) const
@@ -230,12 +187,6 @@ KARStatus KARMPBody::GetFatherBody(QOBSharedHandle<KARMPBody>& father) const
 {
     father = m_father;
     return KARSuccess;
-}
-
-KARStatus KARMPBody::SetDisplacementSensor(const QOBSharedHandle<KARMPDisplacementSensor>& sensor)
-{
-    m_displacementSensor.Clear();
-    return sensor ? m_displacementSensor.Set(sensor) : KARSuccess;
 }
 
 KARStatus KARMPBody::RemoveDisplacementSensor(

@@ -1,8 +1,8 @@
+#include "KARMPBodyMotion.h"
 #include "KARIMPBodyLoader.h"
 #include "KARMPBody.h"
 #include "KARMPBodyMove.h"
 #include "KARMPDisplacementSensor.h"
-#include "KARMPLoaderAccess.h"
 #include "KARMathLine.h"
 #include "KARProcessServices.h"
 #include "QOBBasicBody3D.h"
@@ -22,13 +22,8 @@ KARStatus KARMPBody::SetPosition(const KARMathTransformation& position,
                                  unsigned char updateNeighbour)
 {
     KARMathTransformation move;
-    KARMathTransformation inverse;
-    if (m_position.ComputeInverse(inverse)) {
-        move = position * inverse;
-        // Equal positions are no change even where a matrix close to singular magnifies rounding.
-        if (position == m_position || move.IsNoChange(m_position, position))
-            return KARSuccess;
-    }
+    if (!karmp::FindMove(m_position, position, move))
+        return KARSuccess;
     m_position = position;
     const KARStatus status = ApplyBodyLoaderTransfo(move);
     return updateNeighbour == 0 ? status : SetWDMBodyPosition(position);
@@ -43,12 +38,7 @@ KARStatus KARMPBody::SetWDMBodyPosition(const KARMathTransformation& position)
 
 KARStatus KARMPBody::ApplyBodyLoaderTransfo(const KARMathTransformation& move)
 {
-    KARIMPBodyLoader* loader = nullptr;
-    const KARStatus status = GetLoader(loader);
-    if (loader == nullptr)
-        return status;
-    KARMPVerify(!KARFailed(loader->ApplyTransformation(move)));
-    return loader->ReleaseBody();
+    return karmp::MoveByLoader<KARIMPBodyLoader>(*this, move);
 }
 
 KARStatus KARMPBody::UpdatePosition(const KARMathTransformation& move, bool skipIdentity)
@@ -65,11 +55,7 @@ void KARMPBody::MoveOneself(const KARMathTransformation& move)
     m_position = move * m_position;
     if (m_wdmBody)
         KARMPVerify(!KARFailed(m_wdmBody->SetPosition(m_position)));
-    if (const auto& sensor = m_displacementSensor.Handle(); sensor && sensor->IsActive()) {
-        KARMathTransformation displacement;
-        sensor->GetDisplacement(displacement);
-        sensor->SetDisplacement(move * displacement);
-    }
+    karmp::MoveSensor(m_displacementSensor, move);
     NotifyUpdate();
 }
 
@@ -125,20 +111,14 @@ KARStatus KARMPBody::Restore_Initial_WDMBody_Floating_status()
 
 KARStatus KARMPBody::Fix()
 {
-    if (m_fixed)
-        return KARSuccess;
-    m_fixed = true;
-    karmp::TellLoader<KARIMPBodyLoader>(*this, [](auto& loader) { return loader.HoldBody(); });
-    return KARSuccess;
+    return karmp::Hold<KARIMPBodyLoader>(
+        *this, m_fixed, true, [](auto& loader) { return loader.HoldBody(); });
 }
 
 KARStatus KARMPBody::Unfix()
 {
-    if (!m_fixed)
-        return KARSuccess;
-    m_fixed = false;
-    karmp::TellLoader<KARIMPBodyLoader>(*this, [](auto& loader) { return loader.ReleaseBody(); });
-    return KARSuccess;
+    return karmp::Hold<KARIMPBodyLoader>(
+        *this, m_fixed, false, [](auto& loader) { return loader.ReleaseBody(); });
 }
 
 KARStatus KARMPBody::SetVelocity(const KARMathVector& linear, const KARMathVector& angular)
@@ -163,11 +143,11 @@ KARStatus KARMPBody::GetVelocity(KARMathVector& linear, KARMathVector& angular) 
 
 KARStatus KARMPBody::GetVelocity(KARMathVector& linear, KARMathVector& angular, KARMathPoint& point)
 {
-    KARIMPBodyLoader* loader = nullptr;
-    if (!KARMPVerify(!KARFailed(GetLoader(loader))))
-        return KARFailure;
-    if (loader != nullptr)
-        KARMPVerify(!KARFailed(loader->ReadVelocity(m_linearVelocity, m_angularVelocity, point)));
+    const KARStatus status = karmp::ReadByLoader<KARIMPBodyLoader>(*this, [&](auto& loader) {
+        return loader.ReadVelocity(m_linearVelocity, m_angularVelocity, point);
+    });
+    if (KARFailed(status))
+        return status;
     linear = m_linearVelocity;
     angular = m_angularVelocity;
     return KARSuccess;
@@ -190,13 +170,10 @@ KARStatus KARMPBody::GetAcceleration(KARMathVector& linear, KARMathVector& angul
 KARStatus KARMPBody::GetAcceleration(KARMathVector& linear, KARMathVector& angular,
                                      KARMathPoint& point)
 {
-    KARIMPBodyLoader* loader = nullptr;
-    if (!KARMPVerify(!KARFailed(GetLoader(loader))))
-        return KARFailure;
-    if (loader != nullptr)
-        KARMPVerify(!KARFailed(
-            loader->ReadAcceleration(m_linearAcceleration, m_angularAcceleration, point)));
-    return GetAcceleration(linear, angular);
+    const KARStatus status = karmp::ReadByLoader<KARIMPBodyLoader>(*this, [&](auto& loader) {
+        return loader.ReadAcceleration(m_linearAcceleration, m_angularAcceleration, point);
+    });
+    return KARFailed(status) ? status : GetAcceleration(linear, angular);
 }
 
 KARStatus KARMPBody::GetVelocityAndAcceleration(
@@ -205,13 +182,13 @@ KARStatus KARMPBody::GetVelocityAndAcceleration(
     unsigned char& hasAxis, KARMathLine& axis, PointWhereToComputeVelAndAcc where,
     const KARMathPoint* at, const QOBSharedHandle<KARMPBody>& reference, const KARMathAxis* frame)
 {
-    KARIMPBodyLoader* loader = nullptr;
-    if (!KARMPVerify(!KARFailed(GetLoader(loader))))
-        return KARFailure;
-    if (loader != nullptr)
-        KARMPVerify(!KARFailed(loader->ReadVelocityAndAcceleration(
+    const KARStatus status = karmp::ReadByLoader<KARIMPBodyLoader>(*this, [&](auto& loader) {
+        return loader.ReadVelocityAndAcceleration(
             m_linearVelocity, m_angularVelocity, m_linearAcceleration, m_angularAcceleration, point,
-            hasAxis, axis, where, at, reference, frame)));
+            hasAxis, axis, where, at, reference, frame);
+    });
+    if (KARFailed(status))
+        return status;
     linearVelocity = m_linearVelocity;
     angularVelocity = m_angularVelocity;
     return GetAcceleration(linearAcceleration, angularAcceleration);

@@ -1,0 +1,96 @@
+// What spatial and planar bodies do alike with positions, loaders, sensors and links.
+#pragma once
+
+#include "KARMPFailedCheck.h"
+#include "KARMPLink.h"
+#include "KARMPLoaderAccess.h"
+#include "KARMPUnlinkAll.h"
+
+namespace karmp {
+
+/// Gives the move that takes one position to another; a start that has no inverse leaves the move
+/// as it is. False when the positions are the same.
+template <class Transformation>
+bool FindMove(const Transformation& start, const Transformation& target, Transformation& move)
+{
+    Transformation inverse;
+    if (!start.ComputeInverse(inverse))
+        return true;
+    move = target * inverse;
+    // Equal positions are no change even where a matrix close to singular magnifies rounding.
+    return target != start && !move.IsNoChange(start, target);
+}
+
+/// Has the loader of a body move it. Without a loader the status of fetching it.
+template <class Loader, class Body, class Transformation>
+KARStatus MoveByLoader(const Body& body, const Transformation& move,
+                       KARMPSourceLocation where = KARMPSourceLocation::current())
+{
+    Loader* loader = nullptr;
+    const KARStatus status = body.GetLoader(loader);
+    if (loader == nullptr)
+        return status;
+    KARMPVerify(!KARFailed(loader->ApplyTransformation(move)), where);
+    return loader->ReleaseBody();
+}
+
+/// Has the loader of a body, if there is one, read what the body stores: a failing read is a failed
+/// check only, a failing fetch a failure.
+template <class Loader, class Body, class Read>
+KARStatus ReadByLoader(const Body& body, Read read,
+                       KARMPSourceLocation where = KARMPSourceLocation::current())
+{
+    return TellLoader<Loader>(
+        body,
+        [&](Loader& loader) {
+            KARMPVerify(!KARFailed(read(loader)), where);
+            return KARSuccess;
+        },
+        where);
+}
+
+/// Changes a flag of a body and tells the loader, unless the flag has that value; always 0.
+template <class Loader, class Body, class Tell>
+KARStatus Hold(const Body& body, bool& flag, bool value, Tell tell,
+               KARMPSourceLocation where = KARMPSourceLocation::current())
+{
+    if (flag == value)
+        return KARSuccess;
+    flag = value;
+    TellLoader<Loader>(body, tell, where);
+    return KARSuccess;
+}
+
+/// Moves the displacement of an active sensor.
+template <class Transformation, class Sensor>
+void MoveSensor(const KARMPLink<Sensor>& link, const Transformation& move)
+{
+    if (const auto& sensor = link.Handle(); sensor && sensor->IsActive()) {
+        Transformation displacement;
+        sensor->GetDisplacement(displacement);
+        sensor->SetDisplacement(move * displacement);
+    }
+}
+
+/// Takes a body out of its sensor, which it lets go, then out of the entries of its lists in their
+/// order, up to the first failure, which is the result.
+template <class Body, class Sensor, class... Lists>
+KARStatus UnlinkFromBody(Body& body, KARMPSourceLocation where, KARMPLink<Sensor>& sensor,
+                         const Lists&... lists)
+{
+    const QOBSharedHandle<Body> self(&body);
+    KARStatus status = KARSuccess;
+    if (sensor) {
+        status = sensor.Handle()->RemoveBody(self);
+        sensor.Clear();
+    }
+    const auto unlink = [&](const auto& list) {
+        if (!KARFailed(status))
+            status = UnlinkAll(
+                list, [&](auto& entity) { return entity.RemoveBody(self); }, where);
+    };
+    (unlink(lists), ...);
+    return status;
+}
+
+} // namespace karmp
