@@ -5,8 +5,8 @@
 #include "KARMPConstraint.h"
 #include "KARMPContentWalk.h"
 #include "KARMPFrames.h"
+#include "KARMPGeometryLinks.h"
 #include "KARMPLoaderAccess.h"
-#include "KARMPUnlinkAll.h"
 
 KARMP_DEFINE_ABSTRACT_ENTITY(KARMPGeometry, "75F51E72-CC9C-44c3-AE3B-5F1AF2E51326");
 
@@ -35,15 +35,7 @@ void KARMPGeometry::ClearContainers()
 
 KARStatus KARMPGeometry::RemoveParent()
 {
-    const QOBSharedHandle<KARMPGeometry> self(this);
-    if (m_body) {
-        const KARStatus status = m_body.Take()->RemoveGeometry(self);
-        if (KARFailed(status))
-            return status;
-    }
-    return karmp::UnlinkAll(m_linkedConstraints, [&self](KARMPConstraint& constraint) {
-        return constraint.RemoveGeometry(self);
-    });
+    return karmp::UnlinkGeometry(*this, m_body, m_linkedConstraints);
 }
 
 KARStatus KARMPGeometry::GetLoader(KARIMPGeometryLoader*& loader) const

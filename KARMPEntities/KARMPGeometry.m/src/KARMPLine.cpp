@@ -8,19 +8,9 @@ template <>
 struct karmp::ContentOf<KARMPLine>
 {
     using C = KARMPLine;
-    static KARMathPoint Origin(const C& line) { return line.m_line.GetOrigin(); }
-    static void SetOrigin(C& line, const KARMathPoint& origin) { line.m_line.SetOrigin(origin); }
-    static KARMathDirection Direction(const C& line) { return line.m_line.GetDirection(); }
-    static void SetDirection(C& line, const KARMathDirection& direction)
-    {
-        line.m_line.SetDirection(direction);
-    }
     static constexpr auto List = Element(
         L"Line", "A straight line without ends.", CountingFrame,
-        Coordinates(
-            PointOf<&Origin>(L"Origin", OriginNames, "A point of the line.").Through<&SetOrigin>(),
-            DirectionOf<&Direction>(L"Direction", DirectionNames, "Its direction, a unit vector.")
-                .Through<&SetDirection>()));
+        LineCoordinates<&C::m_line>(OriginNames, DirectionNames, "Its direction, a unit vector."));
 };
 KARMP_DEFINE_CONTENT(KARMPLine);
 

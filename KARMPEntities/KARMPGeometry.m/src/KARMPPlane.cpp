@@ -8,22 +8,8 @@ template <>
 struct karmp::ContentOf<KARMPPlane>
 {
     using C = KARMPPlane;
-    static KARMathPoint Origin(const C& plane) { return plane.m_plane.GetOrigin(); }
-    static void SetOrigin(C& plane, const KARMathPoint& origin)
-    {
-        plane.m_plane = KARMathPlane(origin, plane.m_plane.GetNormal());
-    }
-    static KARMathDirection Normal(const C& plane) { return plane.m_plane.GetNormal(); }
-    static void SetNormal(C& plane, const KARMathDirection& normal)
-    {
-        plane.m_plane = KARMathPlane(plane.m_plane.GetOrigin(), normal);
-    }
-    static constexpr auto List = Element(
-        L"Plane", "A plane.", CountingFrame,
-        Coordinates(
-            PointOf<&Origin>(L"Origin", OriginNames, "A point of the plane.").Through<&SetOrigin>(),
-            DirectionOf<&Normal>(L"Normal", NormalNames, "Its normal, a unit vector.")
-                .Through<&SetNormal>()));
+    static constexpr auto List =
+        Element(L"Plane", "A plane.", CountingFrame, PlaneCoordinates<&C::m_plane>());
 };
 KARMP_DEFINE_CONTENT(KARMPPlane);
 

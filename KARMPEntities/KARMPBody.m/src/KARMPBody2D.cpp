@@ -1,0 +1,181 @@
+#include "KARMPBody2D.h"
+
+#include "KARIMPBody2DLoader.h"
+#include "KARMPBodyMotion.h"
+#include "KARMPBodyRelease.h"
+#include "KARMPContentWalk.h"
+#include "KARMPDisplacementSensor2D.h"
+#include "KARMPGeometry2D.h"
+#include "KARMPSketch.h"
+
+KARMP_DEFINE_ENTITY(KARMPBody2D, "51C80380-5151-4C27-AD17-9CB525818264");
+
+template <>
+struct karmp::ContentOf<KARMPBody2D>
+{
+    using C = KARMPBody2D;
+
+    // What the loader answers to the move is not the document's concern.
+    static void TakePosition(C& body, const KARMathTransformation2D& position)
+    {
+        body.SetPosition(position);
+    }
+    // Velocities that were read count as known, whatever they are.
+    static void TakeLinearVelocity(C& body, const KARMathVector2D& read)
+    {
+        body.m_linearVelocity = read;
+        body.m_velocitySet = true;
+    }
+    static void TakeAngularVelocity(C& body, double read)
+    {
+        body.m_angularVelocity = read;
+        body.m_velocitySet = true;
+    }
+
+    static constexpr Names<1> AngularNames{L"Va"};
+    static constexpr auto Velocities =
+        Group(L"Velocity", "The last known velocities.",
+              NumbersElement<&C::m_linearVelocity>(L"LinearVelocity", PlanarVectorNames,
+                                                   "The linear velocity.",
+                                                   KARMPPhysicalQuantity::Velocity)
+                  .ZeroIfMissing()
+                  .Through<&TakeLinearVelocity>(),
+              NumbersElement<&C::m_angularVelocity>(L"AngularVelocity", AngularNames,
+                                                    "The angular velocity.",
+                                                    KARMPPhysicalQuantity::AngularVelocity)
+                  .ZeroIfMissing()
+                  .Through<&TakeAngularVelocity>());
+    static constexpr auto Accelerations =
+        Group(L"Acceleration", "The last known accelerations.",
+              NumbersElement<&C::m_linearAcceleration>(L"LinearAcceleration", PlanarVectorNames,
+                                                       "The linear acceleration.",
+                                                       KARMPPhysicalQuantity::Acceleration),
+              NumbersElement<&C::m_angularAcceleration>(
+                  L"AngularAcceleration", AngularNames, "The angular acceleration.",
+                  KARMPPhysicalQuantity::AngularAcceleration));
+    static constexpr auto Weight = Group(
+        L"Weight", "The mass and how it is distributed.",
+        Number<&C::m_mass>(L"Mass", "The mass.", KARMPPhysicalQuantity::Mass),
+        NumbersElement<&C::m_centerOfGravity>(L"COG", PlanarPointNames, "The centre of gravity.",
+                                              KARMPPhysicalQuantity::Length),
+        NumbersElement<&C::m_inertiaMatrix>(L"InertiaMatrix", PlanarMatrixNames,
+                                            "The planar inertia matrix, by columns.",
+                                            KARMPPhysicalQuantity::Inertia));
+    static constexpr auto Links = karmp::List(
+        References<&C::m_geometries, &C::AddGeometry>(L"Geometries", L"Geometry",
+                                                      "The planar geometries that it carries.")
+            .OtherSide(L"Body2D"),
+        Reference<&C::m_sketch, &C::SetSketch>(L"Sketch", "The sketch in whose plane it lies."),
+        Reference<&C::m_displacementSensor, &C::SetDisplacementSensor>(
+            L"DisplacementSensor", "The sensor that measures how far it was moved.")
+            .OtherSide(L"Body2D"),
+        References<&C::m_impactedChildren, &C::AddImpactedChildBody>(
+            L"ImpactedChildrenBodies", L"ImpactedChildBody",
+            "The planar bodies that are refreshed when it moves."));
+
+    // A failing base costs the state, not the links; an element that cannot be added gives 0.
+    static constexpr ContentFrame Frame{{.missingElement = KARSuccess, .goesOn = true},
+                                        {.goesOn = true}};
+    static constexpr auto List = Element(
+        L"Body2D", "A rigid body of a planar mechanism.", Frame,
+        Transformation<&C::GetPosition>(L"Position", PlanarPosition,
+                                        "From the body's axes to the sketch's plane.")
+            .ZeroIfMissing()
+            .Through<&TakePosition>(),
+        Velocities, Accelerations, Weight,
+        Attribute(WordOf<&C::m_fixed2D>(L"is_fixed2D", NoYes, "Whether it is fixed in its plane."))
+            .Through<&C::SetFix2D>(),
+        Links.EvenIfBaseFails());
+};
+// The spatial state of the base stays out of documents.
+KARMP_DEFINE_CONTENT(KARMPBody2D, KARMPEntity);
+
+KARMPBody2D::KARMPBody2D() = default;
+
+KARMPBody2D::KARMPBody2D(const KARMPBody2D& source, CopyMode mode)
+    : Super(source, mode),
+      m_fixed2D(source.m_fixed2D),
+      m_fixed3D(source.m_fixed3D),
+      m_inertiaMatrix(source.m_inertiaMatrix),
+      m_centerOfGravity(source.m_centerOfGravity),
+      m_mass(source.m_mass),
+      m_position(source.m_position),
+      m_spatialPosition(source.m_spatialPosition),
+      m_linearVelocity(source.m_linearVelocity),
+      m_angularVelocity(source.m_angularVelocity),
+      m_linearAcceleration(source.m_linearAcceleration),
+      m_angularAcceleration(source.m_angularAcceleration)
+{}
+
+KARMPBody2D::~KARMPBody2D()
+{
+    karmp::BodyRelease release;
+    release.Take(m_impactedChildren);
+    m_impactedChildren.Clear();
+}
+
+void KARMPBody2D::ClearContainers()
+{
+    m_geometries.Clear();
+    m_joints.Clear();
+    m_impactedChildren.Clear();
+    m_shapes.Clear();
+    // The tree of bodies is the base's, and its fathers and children keep each other alive.
+    ClearBodies();
+}
+
+KARStatus KARMPBody2D::RemoveParent()
+{
+    const QOBSharedHandle<KARMPBody2D> self(this);
+    const auto removeThis = [&self](auto& entity) { return entity.RemoveBody(self); };
+    const KARStatus status = karmp::UnlinkAll(m_geometries, removeThis);
+    return KARFailed(status) ? status : karmp::UnlinkAll(m_impactedChildren, removeThis);
+}
+
+KARStatus KARMPBody2D::GetLoader(KARIMPBody2DLoader*& loader) const
+{
+    return karmp::FetchLoader(*this, loader);
+}
+
+KARStatus KARMPBody2D::RemoveDisplacementSensor(
+    const QOBSharedHandle<KARMPDisplacementSensor2D>& sensor)
+{
+    m_displacementSensor.Remove(sensor);
+    return KARSuccess;
+}
+
+KARStatus KARMPBody2D::GetMass(double& mass) const
+{
+    mass = m_mass;
+    return KARSuccess;
+}
+
+KARStatus KARMPBody2D::SetMass(double mass)
+{
+    m_mass = mass;
+    return KARSuccess;
+}
+
+KARStatus KARMPBody2D::GetCenterOfGravity(KARMathPoint2D& center) const
+{
+    center = m_centerOfGravity;
+    return KARSuccess;
+}
+
+KARStatus KARMPBody2D::SetCenterOfGravity(const KARMathPoint2D& center)
+{
+    m_centerOfGravity = center;
+    return KARSuccess;
+}
+
+KARStatus KARMPBody2D::GetInertiaMatrix(KARMath2x2Matrix& inertia) const
+{
+    inertia = m_inertiaMatrix;
+    return KARSuccess;
+}
+
+KARStatus KARMPBody2D::SetInertiaMatrix(const KARMath2x2Matrix& inertia)
+{
+    m_inertiaMatrix = inertia;
+    return KARSuccess;
+}
