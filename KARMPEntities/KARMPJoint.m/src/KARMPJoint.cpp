@@ -4,9 +4,9 @@
 #include "KARMPBody.h"
 #include "KARMPConstraint.h"
 #include "KARMPContentWalk.h"
+#include "KARMPJointAccess.h"
 #include "KARMPJointFramesServices.h"
 #include "KARMPLoaderAccess.h"
-#include "KARMPUnlinkAll.h"
 #include "KARMathAxis.h"
 
 KARMP_DEFINE_ABSTRACT_ENTITY(KARMPJoint, "30EACC4A-72AF-49ac-828E-B6822908F37F");
@@ -49,13 +49,7 @@ void KARMPJoint::ClearContainers()
 
 KARStatus KARMPJoint::RemoveParent()
 {
-    const QOBSharedHandle<KARMPJoint> self(this);
-    KARStatus last = KARSuccess;
-    const auto unlink = [&](auto& entry) { return last = entry.RemoveJoint(self); };
-    KARStatus status = karmp::UnlinkAll(m_constraints, unlink);
-    if (!KARFailed(status))
-        status = karmp::UnlinkAll(m_bodies.Bodies(), unlink);
-    return KARFailed(status) ? status : last;
+    return karmp::UnlinkJoint(QOBSharedHandle<KARMPJoint>(this), m_constraints, m_bodies);
 }
 
 KARStatus KARMPJoint::GetLoader(KARIMPJointLoader*& loader) const
@@ -65,10 +59,8 @@ KARStatus KARMPJoint::GetLoader(KARIMPJointLoader*& loader) const
 
 KARStatus KARMPJoint::GetSolverEquivalentJointType(KARMPSolverEquivalentJointType::Enum& type) const
 {
-    KARIMPJointLoader* loader = nullptr;
-    if (!KARMPVerify(!KARFailed(GetLoader(loader))))
-        return KARFailure;
-    return loader != nullptr ? loader->ReadSolverEquivalentJointType(type) : KARUnchanged;
+    return karmp::AskJointLoader<KARIMPJointLoader>(
+        *this, [&type](auto& loader) { return loader.ReadSolverEquivalentJointType(type); });
 }
 
 KARStatus KARMPJoint::GetSolverEquivalentJointType2(
@@ -91,10 +83,8 @@ KARStatus KARMPJoint::GetFrames(std::vector<KARMathAxis>& frames, unsigned char 
 {
     if (compute != 0)
         return KARMPJointFramesServices::ComputeFrames(this, frames, local);
-    KARIMPJointLoader* loader = nullptr;
-    if (!KARMPVerify(!KARFailed(GetLoader(loader))))
-        return KARFailure;
-    return loader != nullptr ? loader->ReadFrames(frames) : KARUnchanged;
+    return karmp::AskJointLoader<KARIMPJointLoader>(
+        *this, [&frames](auto& loader) { return loader.ReadFrames(frames); });
 }
 
 int KARMPJoint::GetFrameCount() const
@@ -108,8 +98,5 @@ KARStatus KARMPJoint::GetFrame(int index, KARMathAxis& frame, unsigned char loca
 {
     std::vector<KARMathAxis> frames;
     GetFrames(frames, local, 0);
-    if (index < 0 || static_cast<std::size_t>(index) >= frames.size())
-        return KARFailure;
-    frame = frames[static_cast<std::size_t>(index)];
-    return KARSuccess;
+    return karmp::FrameAt(frames, index, frame);
 }
