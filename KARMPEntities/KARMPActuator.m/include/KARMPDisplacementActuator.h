@@ -37,7 +37,10 @@ public:
         return m_geometry.Set(geometry);
     }
     /// Gives the geometry; without one 1, and the handle stays.
-    KARStatus GetGeometry(QOBSharedHandle<KARMPGeometry>& geometry) const;
+    KARStatus GetGeometry(QOBSharedHandle<KARMPGeometry>& geometry) const
+    {
+        return m_geometry.GetIfSet(geometry);
+    }
 
     /// Stores the transformation, in world axes, and tells the loader, whose answer is the result:
     /// 0 without one. A loader that cannot be fetched is a failed check and a failure.

@@ -41,14 +41,6 @@ KARStatus KARMPDisplacementActuator::GetLoader(KARIMPDisplacementActuatorLoader*
     return karmp::FetchLoader(*this, loader);
 }
 
-KARStatus KARMPDisplacementActuator::GetGeometry(QOBSharedHandle<KARMPGeometry>& geometry) const
-{
-    if (!m_geometry)
-        return KARUnchanged;
-    geometry = m_geometry.Handle();
-    return KARSuccess;
-}
-
 KARStatus KARMPDisplacementActuator::SetDisplacement(const KARMathTransformation& displacement)
 {
     m_displacement = displacement;

@@ -40,10 +40,8 @@ KARStatus KARMPJointForceActuator::GetLoader(KARIMPJointForceActuatorLoader*& lo
 
 KARStatus KARMPJointForceActuator::SetJoint(const QOBSharedHandle<KARMPJoint>& joint)
 {
-    if (joint && joint == m_joint.Handle())
-        return KARUnchanged;
-    if (KARFailed(m_joint.Set(joint)))
-        return KARFailure;
+    if (const KARStatus status = m_joint.SetOther(joint); status != KARSuccess)
+        return status;
     return karmp::PassToLoader<KARIMPJointForceActuatorLoader>(
         *this, [&](auto& loader) { return loader.SetJoint(joint); });
 }

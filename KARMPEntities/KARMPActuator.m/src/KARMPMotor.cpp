@@ -134,9 +134,7 @@ KARStatus KARMPMotor::Deactivate()
 
 KARStatus KARMPMotor::LinkToVariable(const Variable& variable)
 {
-    if (variable && variable == m_variable.Handle())
-        return KARUnchanged;
-    return m_variable.Set(variable);
+    return m_variable.SetOther(variable);
 }
 
 KARStatus KARMPMotor::GetLinkedVariable(int index, Variable& variable) const

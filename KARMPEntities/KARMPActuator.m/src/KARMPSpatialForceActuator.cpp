@@ -194,10 +194,8 @@ KARStatus KARMPSpatialForceActuator::GetTorque(Components& torque, const Body& b
 
 KARStatus KARMPSpatialForceActuator::SetBody(const Body& body)
 {
-    if (body && body == m_body.Handle())
-        return KARUnchanged;
-    if (KARFailed(m_body.Set(body)))
-        return KARFailure;
+    if (const KARStatus status = m_body.SetOther(body); status != KARSuccess)
+        return status;
     m_referencePosition = PositionOf(body);
     return karmp::PassToLoader<Loader>(
         *this, [&](auto& loader) { return loader.SetBody(m_body.Handle()); });

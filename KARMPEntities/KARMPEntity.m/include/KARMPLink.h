@@ -27,6 +27,12 @@ public:
         m_handle = handle;
         return KARSuccess;
     }
+    /// The same, where the referent that is linked already gives KARUnchanged.
+    KARStatus SetOther(const QOBSharedHandle<T>& handle,
+                       KARMPSourceLocation where = KARMPSourceLocation::current())
+    {
+        return handle && handle == m_handle ? KARUnchanged : Set(handle, where);
+    }
     /// Links a referent, or none when the handle is null; always 0.
     KARStatus Assign(const QOBSharedHandle<T>& handle)
     {
@@ -46,6 +52,11 @@ public:
         const KARStatus status = Get(handle);
         KARMPVerify(!KARFailed(status), where);
         return status;
+    }
+    /// Gives the linked handle. Without a link the argument stays, with KARUnchanged.
+    KARStatus GetIfSet(QOBSharedHandle<T>& handle) const
+    {
+        return m_handle ? Get(handle) : KARUnchanged;
     }
     /// Drops the link. A referent that is not the linked one gives KARUnchanged.
     KARStatus Remove(const QOBSharedHandle<T>& handle,

@@ -50,6 +50,29 @@ TEST_F(Link, StaysWhenANullHandleIsSetOrRemoved)
     ExpectReports(2);
 }
 
+TEST_F(Link, IsUnchangedByTheSameReferentWhenAnotherIsToBeSet)
+{
+    EXPECT_EQ(link.SetOther(nullptr), KARFailure);
+    ExpectReports(1);
+    EXPECT_EQ(link.SetOther(first), KARSuccess);
+    EXPECT_EQ(link.SetOther(first), KARUnchanged);
+    ExpectLinked(first);
+    EXPECT_EQ(link.SetOther(nullptr), KARFailure);
+    ExpectReports(1);
+    EXPECT_EQ(link.SetOther(second), KARSuccess);
+    ExpectLinked(second);
+}
+
+TEST_F(Link, LeavesTheArgumentAloneWhenItIsAskedForWhatMayNotBeSet)
+{
+    QOBSharedHandle<TestEntity> handle = second;
+    EXPECT_EQ(link.GetIfSet(handle), KARUnchanged);
+    EXPECT_EQ(handle, second);
+    link.Set(first);
+    EXPECT_EQ(link.GetIfSet(handle), KARSuccess);
+    EXPECT_EQ(handle, first);
+}
+
 TEST_F(Link, TakesAnyHandleThatIsAssigned)
 {
     EXPECT_EQ(link.Assign(first), KARSuccess);
