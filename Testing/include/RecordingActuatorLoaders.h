@@ -145,6 +145,11 @@ public:
         torque = given;
         return m_record.Note("SetTorque");
     }
+    KARStatus SetBody(const QOBSharedHandle<KARMPBody2D>& given) override
+    {
+        body = given;
+        return m_record.Note("SetBody");
+    }
     KARStatus SetApplicationPoint(const KARMathPoint2D& given) override
     {
         point = given;
@@ -153,5 +158,6 @@ public:
 
     ForceComponents force;
     TorqueComponents torque;
+    QOBSharedHandle<KARMPBody2D> body;
     KARMathPoint2D point;
 };

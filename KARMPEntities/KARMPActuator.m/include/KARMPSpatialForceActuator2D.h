@@ -7,6 +7,7 @@
 #include <array>
 
 class KARIMPSpatialForceActuator2DLoader;
+class KARMPBody2D;
 class KARMPValue;
 
 /// A force and a torque on a body in a plane, by the force's values along x and y and the torque's
@@ -55,13 +56,18 @@ public:
     KARStatus SetApplicationPoint(const KARMathPoint2D& point);
     /// Gives the stored point; always 0.
     KARStatus GetApplicationPoint(KARMathPoint2D& point) const;
+    /// Stores the body; the one that is set already gives 1. A null handle is a failed check and a
+    /// failure, and the former body stays.
+    KARStatus SetBody(const QOBSharedHandle<KARMPBody2D>& body);
+    /// Gives the body, null without one; always 0.
+    KARStatus GetBody(QOBSharedHandle<KARMPBody2D>& body) const;
     /// Whether the components are along the body's axes; always 0.
     KARStatus SetIsInLocalFrame(bool isInLocalFrame);
     KARStatus IsInLocalFrame(bool& isInLocalFrame) const;
 
 protected:
     KARMPSpatialForceActuator2D();
-    /// A copy has the application point and the flag, and no values.
+    /// A copy has the application point and the flag; it has neither values nor a body.
     KARMPSpatialForceActuator2D(const KARMPSpatialForceActuator2D& source, CopyMode mode);
     ~KARMPSpatialForceActuator2D() override;
 
@@ -72,5 +78,6 @@ private:
     ForceComponents m_force;
     TorqueComponents m_torque;
     KARMathPoint2D m_applicationPoint;
+    KARMPLink<KARMPBody2D> m_body;
     bool m_isInLocalFrame = false;
 };

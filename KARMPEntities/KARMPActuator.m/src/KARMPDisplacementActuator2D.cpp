@@ -1,8 +1,10 @@
 #include "KARMPDisplacementActuator2D.h"
 
 #include "KARIMPDisplacementActuator2DLoader.h"
+#include "KARMPBody2D.h"
 #include "KARMPDragLineItem.h"
 #include "KARMPFrames.h"
+#include "KARMPGeometry2D.h"
 #include "KARMPLoaderAccess.h"
 
 KARMP_DEFINE_ENTITY(KARMPDisplacementActuator2D, "F1CA2646-7ABB-4AAB-8CE4-D62AA77C4A74");
@@ -14,6 +16,9 @@ struct karmp::ContentOf<KARMPDisplacementActuator2D>
     static constexpr auto List = Element(
         L"DisplacementActuator2D",
         "Moves a body in a plane by a transformation, or drags it along a line.", LenientFrame,
+        Reference<&C::m_body, &C::SetBody>(L"Body2D", "The body that is moved."),
+        Reference<&C::m_geometry, &C::SetGeometry>(L"Geometry2D",
+                                                   "The geometry at which the move is taken."),
         Transformation<&C::m_displacement>(L"Displacement2D",
                                            "The transformation of the plane by which it is moved.")
             .Through<&C::SetDisplacement>(),

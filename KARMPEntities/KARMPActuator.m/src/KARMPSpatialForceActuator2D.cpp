@@ -1,6 +1,7 @@
 #include "KARMPSpatialForceActuator2D.h"
 
 #include "KARIMPSpatialForceActuator2DLoader.h"
+#include "KARMPBody2D.h"
 #include "KARMPContentWalk.h"
 #include "KARMPForceComponents.h"
 #include "KARMPFrames.h"
@@ -32,7 +33,8 @@ struct karmp::ContentOf<KARMPSpatialForceActuator2D>
         NumbersElement<&C::m_applicationPoint>(L"ApplicationPoint2D", PlanarPointNames,
                                                "The point where the force acts.",
                                                KARMPPhysicalQuantity::Length)
-            .Through<&C::SetApplicationPoint>());
+            .Through<&C::SetApplicationPoint>(),
+        Reference<&C::m_body, &C::SetBody>(L"Body2D", "The body on which it acts."));
 };
 KARMP_DESCRIBE_CONTENT(KARMPSpatialForceActuator2D);
 
@@ -130,6 +132,20 @@ KARStatus KARMPSpatialForceActuator2D::GetApplicationPoint(KARMathPoint2D& point
     return KARSuccess;
 }
 
+KARStatus KARMPSpatialForceActuator2D::SetBody(const QOBSharedHandle<KARMPBody2D>& body)
+{
+    if (const KARStatus status = m_body.SetOther(body); status != KARSuccess)
+        return status;
+    return karmp::PassToLoader<Loader>(
+        *this, [this](auto& loader) { return loader.SetBody(m_body.Handle()); });
+}
+
+KARStatus KARMPSpatialForceActuator2D::GetBody(QOBSharedHandle<KARMPBody2D>& body) const
+{
+    body = m_body.Handle();
+    return KARSuccess;
+}
+
 KARStatus KARMPSpatialForceActuator2D::SetIsInLocalFrame(bool isInLocalFrame)
 {
     m_isInLocalFrame = isInLocalFrame;
@@ -153,6 +169,8 @@ KARStatus KARMPSpatialForceActuator2D::Serialize(KARMPSerializer* serializer) co
     if (karmp::ElementWriter point = element.Child(L"ApplicationPoint2D"))
         point.Values(karmp::PlanarPointNames,
                      {m_applicationPoint.GetX(), m_applicationPoint.GetY()});
+    if (m_body)
+        element.Reference(L"Body2D", m_body.Handle());
     return KARSuccess;
 }
 
@@ -174,5 +192,7 @@ KARStatus KARMPSpatialForceActuator2D::Deserialize(const KARMPDeserializer* dese
         child.Values(karmp::PlanarPointNames, point, Absent::ReportAndKeep);
         karmp::ElementReader::Set(SetApplicationPoint({point[0], point[1]}));
     }
+    element.Reference<KARMPBody2D>(L"Body2D", entities,
+                                   [this](const auto& body) { return SetBody(body); });
     return KARSuccess;
 }

@@ -17,8 +17,8 @@ public:
     virtual KARStatus SetForce(const ForceComponents& force) = 0;
     /// Takes the actuator's value about the normal of the plane, which may be null.
     virtual KARStatus SetTorque(const TorqueComponents& torque) = 0;
-    /// Takes the body; the library does not call it.
-    virtual KARStatus SetBody(const QOBSharedHandle<KARMPBody2D>&) { return KARSuccess; }
+    /// Takes the body on which it acts.
+    virtual KARStatus SetBody(const QOBSharedHandle<KARMPBody2D>& body) = 0;
     /// Takes the point at which the force acts.
     virtual KARStatus SetApplicationPoint(const KARMathPoint2D& point) = 0;
 
