@@ -6,8 +6,10 @@
 
 #include <array>
 
-/// Holds the degrees of freedom that a solver found between two planar bodies: directions of
-/// translation and centres of rotation, up to three of each.
+class KARMPBody2D;
+
+/// Holds the degrees of freedom that a solver found between a constrained planar body and a
+/// reference body: directions of translation and centres of rotation, up to three of each.
 class KARMP_API KARMPDofSensor2D : public KARMPSensor
 {
     KARMP_ENTITY(KARMPDofSensor2D, KARMPSensor)
@@ -17,7 +19,7 @@ public:
     /// Reads freedoms behind those that are there; what is missing of one is 0.
     KARStatus Deserialize(const KARMPDeserializer* deserializer,
                           const KARMPEntityTable& entities) override;
-    /// Makes the numbers of freedoms 0; always 0.
+    /// Makes the numbers of freedoms 0; the bodies stay. Always 0.
     KARStatus Reset() override;
 
     /// Adds a freedom; a failure, with nothing changed, when the slots are full.
@@ -32,8 +34,28 @@ public:
     /// Gives the number of all freedoms; always 0.
     KARStatus GetNumberOfDof(int& number) const;
 
+    /// Stores the body that moves, and the one that it moves against, null included; always 0.
+    KARStatus SetConstrainedBody(const QOBSharedHandle<KARMPBody2D>& body)
+    {
+        return m_constrainedBody.Assign(body);
+    }
+    KARStatus SetReferenceBody(const QOBSharedHandle<KARMPBody2D>& body)
+    {
+        return m_referenceBody.Assign(body);
+    }
+    /// Gives a body; a null handle and a failure without one.
+    KARStatus GetConstrainedBody(QOBSharedHandle<KARMPBody2D>& body) const
+    {
+        return m_constrainedBody.Get(body);
+    }
+    KARStatus GetReferenceBody(QOBSharedHandle<KARMPBody2D>& body) const
+    {
+        return m_referenceBody.Get(body);
+    }
+
 protected:
     KARMPDofSensor2D();
+    /// A copy has the freedoms and no bodies.
     KARMPDofSensor2D(const KARMPDofSensor2D& source, CopyMode mode);
     ~KARMPDofSensor2D() override;
 
@@ -44,4 +66,6 @@ private:
     std::array<KARMathPoint2D, Slots> m_centers;
     int m_numberOfTranslations = 0;
     int m_numberOfRotations = 0;
+    KARMPLink<KARMPBody2D> m_constrainedBody;
+    KARMPLink<KARMPBody2D> m_referenceBody;
 };

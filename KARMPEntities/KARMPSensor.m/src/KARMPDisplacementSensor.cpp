@@ -3,6 +3,7 @@
 #include "KARMPBody.h"
 #include "KARMPContentWalk.h"
 #include "KARMPFrames.h"
+#include "KARMPMeasuredBody.h"
 #include "KARMPSensorUpdate.h"
 
 KARMP_DEFINE_ENTITY(KARMPDisplacementSensor, "C1FACC58-6FB0-4d0f-AEA9-04CCBF7EE9C5");
@@ -29,11 +30,7 @@ KARMPDisplacementSensor::~KARMPDisplacementSensor() = default;
 
 KARStatus KARMPDisplacementSensor::RemoveParent()
 {
-    if (!m_body)
-        return KARSuccess;
-    const QOBSharedHandle<KARMPDisplacementSensor> self(this);
-    const KARStatus status = m_body.Take()->RemoveDisplacementSensor(self);
-    return KARFailed(status) ? status : KARSuccess;
+    return karmp::LeaveMeasuredBody(QOBSharedHandle<KARMPDisplacementSensor>(this), m_body);
 }
 
 KARStatus KARMPDisplacementSensor::Reset()

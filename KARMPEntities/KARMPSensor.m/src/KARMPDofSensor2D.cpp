@@ -1,5 +1,6 @@
 #include "KARMPDofSensor2D.h"
 
+#include "KARMPBody2D.h"
 #include "KARMPContentWalk.h"
 #include "KARMPDofSlots.h"
 #include "KARMPFrames.h"
@@ -61,7 +62,11 @@ struct karmp::ContentOf<KARMPDofSensor2D>
             NumbersElement<&PlanarRotation::center>(L"Center", CenterNames,
                                                     "The centre of the rotation.",
                                                     KARMPPhysicalQuantity::Length))
-            .CountedBy(L"number"));
+            .CountedBy(L"number"),
+        Reference<&C::m_constrainedBody, &C::SetConstrainedBody>(L"ConstrainedBody2D",
+                                                                 "The body that moves."),
+        Reference<&C::m_referenceBody, &C::SetReferenceBody>(L"ReferenceBody2D",
+                                                             "The body against which it moves."));
 };
 KARMP_DEFINE_CONTENT(KARMPDofSensor2D);
 
