@@ -6,6 +6,7 @@
 #include "KARMPContentWalk.h"
 #include "KARMPDisplacementSensor2D.h"
 #include "KARMPGeometry2D.h"
+#include "KARMPJoint2D.h"
 #include "KARMPSketch.h"
 
 KARMP_DEFINE_ENTITY(KARMPBody2D, "51C80380-5151-4C27-AD17-9CB525818264");
@@ -66,6 +67,9 @@ struct karmp::ContentOf<KARMPBody2D>
                                                       "The planar geometries that it carries.")
             .OtherSide(L"Body2D"),
         Reference<&C::m_sketch, &C::SetSketch>(L"Sketch", "The sketch in whose plane it lies."),
+        References<&C::m_joints, &C::LinkToJoint>(L"Joints", L"Joint",
+                                                  "The planar joints that use it.")
+            .OtherSide(L"Bodies2D"),
         Reference<&C::m_displacementSensor, &C::SetDisplacementSensor>(
             L"DisplacementSensor", "The sensor that measures how far it was moved.")
             .OtherSide(L"Body2D"),
@@ -126,10 +130,8 @@ void KARMPBody2D::ClearContainers()
 
 KARStatus KARMPBody2D::RemoveParent()
 {
-    const QOBSharedHandle<KARMPBody2D> self(this);
-    const auto removeThis = [&self](auto& entity) { return entity.RemoveBody(self); };
-    const KARStatus status = karmp::UnlinkAll(m_geometries, removeThis);
-    return KARFailed(status) ? status : karmp::UnlinkAll(m_impactedChildren, removeThis);
+    return karmp::UnlinkFromBody(*this, KARMPSourceLocation::current(), m_displacementSensor,
+                                 m_geometries, m_joints, m_impactedChildren);
 }
 
 KARStatus KARMPBody2D::GetLoader(KARIMPBody2DLoader*& loader) const
