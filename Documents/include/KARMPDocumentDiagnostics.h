@@ -60,6 +60,11 @@ enum class Code : std::uint8_t {
     RuleWithoutBody,      ///< A collision rule is about fewer than two collidables.
     SharedByLayers,       ///< Two collision layers hold one entity.
     NoLayer,              ///< A layer relation is about an entity that is no collision layer.
+    UnreachablePath,      ///< The identifier of an attribute has a dot, at which paths are split.
+    AmbiguousPath,        ///< Two attributes of one list have one identifier.
+    SeveralValues,        ///< A state or output has several values, which no bulk update stores.
+    UnknownStep,          ///< A step of an analysis case is no analysis step.
+    LostMaterials,        ///< Materials that the document does not hold.
     FailedCheck,          ///< The entity library reported a failed check.
     InvalidCast,          ///< The entity library failed on a reference of a wrong class.
     OutOfMemory,          ///< An allocation failed.

@@ -6,6 +6,7 @@
 #include "KARMPEntity.h"
 #include "KARMPFailedCheck.h"
 #include "KARMPGenericFactory.h"
+#include "KARMPNodeQueries.h"
 #include "KARMPSchemaClasses.h"
 #include "KARMPSerializationServices.h"
 #include "KARMPTextEscapes.h"
@@ -18,11 +19,6 @@
 namespace karmp::documents {
 
 namespace {
-
-const KARMPDocumentReader& NodeOf(const KARMPDeserializer* node)
-{
-    return static_cast<const KARMPDocumentReader&>(*node);
-}
 
 std::wstring_view TextOf(const KARMPDocumentReader& node)
 {
@@ -103,15 +99,8 @@ void DocumentChecker::Run()
         if (frame.next == frame.end)
             Pop();
         else
-            CheckChild(NodeOf(m_pending[frame.next++]));
+            CheckChild(NodeOf(*m_pending[frame.next++]));
     }
-}
-
-const KARMPDeserializer* DocumentChecker::First(const KARMPDeserializer& node,
-                                                std::wstring_view name)
-{
-    const KARMPDeserializer::ElementSpan found = node.ElementsNamed(name);
-    return !found.empty() ? found.front() : nullptr;
 }
 
 void DocumentChecker::CollectIdentifiers()
@@ -120,15 +109,15 @@ void DocumentChecker::CollectIdentifiers()
     if (world == nullptr)
         return;
     m_frames.push_back({&m_root, nullptr, nullptr, 0, 0, 0, 0, 0});
-    m_frames.push_back({&NodeOf(world), nullptr, nullptr, 0, 0, 0, 0, 0});
+    m_frames.push_back({&NodeOf(*world), nullptr, nullptr, 0, 0, 0, 0, 0});
     for (const Family& family : Families()) {
         if (const KARMPDeserializer* const list = First(*world, family.element)) {
-            m_frames.push_back({&NodeOf(list), nullptr, nullptr, 0, 0, 0, 0, 0});
+            m_frames.push_back({&NodeOf(*list), nullptr, nullptr, 0, 0, 0, 0, 0});
             m_pending.clear();
             list->AppendOrderedElements(m_pending);
             for (const KARMPDeserializer* entity : m_pending) {
                 NodeBuilder::BeginReading(*entity);
-                Identify(NodeOf(entity));
+                Identify(NodeOf(*entity));
                 NodeBuilder::EndReading(*entity);
             }
             m_frames.pop_back();
@@ -270,6 +259,8 @@ void DocumentChecker::CheckElement(const Node& node, const SchemaItem& item)
     if (item.kind == ItemKind::Reference)
         CheckReference(node, &item);
     const Family* const family = m_frames.size() == 2 ? FamilyOf(item) : nullptr;
+    if (family != nullptr && m_rules)
+        m_rules->CheckFamily(family->className, node);
     Push(node, &item, family);
 }
 
@@ -418,7 +409,8 @@ std::string DocumentChecker::Path(const Node& node, std::wstring_view attribute)
     return PathText(way, attribute);
 }
 
-// Called while the last frame is that of the entity's family.
+// Called while the last frame is that of the entity's family, or that of the world for the list of
+// a family.
 void DocumentChecker::TellOfMeaning(Code code, const Node& entity, const Way& below,
                                     std::string text)
 {
@@ -429,7 +421,7 @@ void DocumentChecker::TellOfMeaning(Code code, const Node& entity, const Way& be
         way.push_back(frame.node);
     way.push_back(&entity);
     way.insert(way.end(), below.begin(), below.end());
-    const Node& place = NodeOf(way.back());
+    const Node& place = NodeOf(*way.back());
     m_messages.Warning(code, std::move(text), PathText(way), place.Line(), place.Column());
 }
 

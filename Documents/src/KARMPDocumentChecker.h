@@ -67,8 +67,6 @@ private:
         std::uint64_t seen;
     };
 
-    /// The first element of a name, without moving any walk.
-    static const KARMPDeserializer* First(const KARMPDeserializer& node, std::wstring_view name);
     void CollectIdentifiers();
     void Identify(const Node& entity);
     const Class& ClassOf(std::wstring_view element);

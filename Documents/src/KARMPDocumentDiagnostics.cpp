@@ -95,6 +95,16 @@ std::string_view CodeText(Code code)
         return "shared-by-layers";
     case Code::NoLayer:
         return "no-layer";
+    case Code::UnreachablePath:
+        return "unreachable-path";
+    case Code::AmbiguousPath:
+        return "ambiguous-path";
+    case Code::SeveralValues:
+        return "several-values";
+    case Code::UnknownStep:
+        return "unknown-step";
+    case Code::LostMaterials:
+        return "lost-materials";
     case Code::FailedCheck:
         return "failed-check";
     case Code::InvalidCast:

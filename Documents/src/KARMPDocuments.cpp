@@ -3,8 +3,10 @@
 #include "KARMPCurve.h"
 #include "KARMPDocumentNames.h"
 #include "KARMPDocumentPath.h"
+#include "KARMPEntityElement.h"
 #include "KARMPFailedCheck.h"
 #include "KARMPFamilies.h"
+#include "KARMPMaterial.h"
 #include "KARMPReadingPlace.h"
 #include "KARMPStreamedTree.h"
 #include "KARMPTextCapacity.h"
@@ -94,6 +96,23 @@ std::size_t ExpectedSize(const KARMPWorld& world)
     return count * entitySize;
 }
 
+// Tells of the materials that write nothing, as those do that leave it to their base.
+void TellOfMaterials(const KARMPWorld& world, Messages& messages)
+{
+    int lost = 0;
+    for (int index = 0; index < world.Count<KARMPMaterial>(); ++index) {
+        QOBSharedHandle<KARMPMaterial> material;
+        EntityElement root;
+        if (!KARFailed(world.Get(index, material)) &&
+            EntityElement::Write(*material, root) == nullptr)
+            ++lost;
+    }
+    if (lost > 0)
+        messages.Warning(Code::LostMaterials, "the document lacks " + std::to_string(lost) +
+                                                  (lost == 1 ? " material, which writes nothing"
+                                                             : " materials, which write nothing"));
+}
+
 // Appends a world's document to `bytes`.
 Diagnostics RenderWorld(const QOBSharedHandle<KARMPWorld>& world, const std::string& name,
                         std::string& bytes, const SaveOptions& options)
@@ -123,6 +142,7 @@ Diagnostics RenderWorld(const QOBSharedHandle<KARMPWorld>& world, const std::str
             }
         }
         tree.Finish();
+        TellOfMaterials(*world, messages);
         diagnostics.Append(std::move(rendered));
     });
     return diagnostics;

@@ -17,10 +17,11 @@ std::string FormOf(std::wstring_view text)
 
 } // namespace
 
-std::optional<std::uint32_t> Identifiers::Of(const KARMPDeserializer& node)
+std::optional<std::uint32_t> Identifiers::Of(const KARMPDeserializer& node,
+                                             std::wstring_view attribute)
 {
     karmp::ReadText text;
-    if (!node.HasAttribute(L"id") || KARFailed(node.GetAttribute(L"id", text)))
+    if (!node.HasAttribute(attribute) || KARFailed(node.GetAttribute(attribute, text)))
         return {};
     if (text.IsAscii())
         return m_numbers.try_emplace(text.Ascii(), Count()).first->second;

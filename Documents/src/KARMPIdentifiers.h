@@ -11,13 +11,14 @@
 
 namespace karmp::documents {
 
-/// Maps the identifiers of a document to numbers: equal identifiers have one number, from 0.
+/// Maps the values of an attribute, "id" mostly, to numbers: equal ones have one number, from 0.
 class Identifiers
 {
 public:
-    /// The number of an element's attribute "id", a new one for a new identifier; empty when the
-    /// element has no "id".
-    std::optional<std::uint32_t> Of(const KARMPDeserializer& node);
+    /// The number of an element's identifier, a new one for a new identifier; empty when the
+    /// element has no such attribute.
+    std::optional<std::uint32_t> Of(const KARMPDeserializer& node,
+                                    std::wstring_view attribute = L"id");
     /// True when an element that Of was called with carries the identifier.
     bool Know(std::wstring_view identifier) const;
     /// One more than the last number.

@@ -1,5 +1,6 @@
 #include "KARMPMechanismRules.h"
 
+#include "KARMPNodeQueries.h"
 #include "KARMPTextEscapes.h"
 #include "KARTextConversion.h"
 
@@ -11,26 +12,6 @@
 namespace karmp::documents {
 
 namespace {
-
-const KARMPDocumentReader& NodeOf(const KARMPDeserializer& node)
-{
-    return static_cast<const KARMPDocumentReader&>(node);
-}
-
-// Null when there is none.
-const KARMPDeserializer* First(const KARMPDeserializer& node, std::wstring_view name)
-{
-    const KARMPDeserializer::ElementSpan found = node.ElementsNamed(name);
-    return !found.empty() ? found.front() : nullptr;
-}
-
-KARMPDeserializer::ElementVector ItemsOf(const KARMPDeserializer& node, std::wstring_view list)
-{
-    KARMPDeserializer::ElementVector items;
-    if (const KARMPDeserializer* const found = First(node, list))
-        found->AppendOrderedElements(items);
-    return items;
-}
 
 std::wstring TextOf(const KARMPDeserializer& node)
 {
@@ -126,6 +107,11 @@ const std::vector<MechanismRule>& MechanismRule::All()
         {"KARMPCollisionRule", Run<&R::CheckCollisionRule>},
         {"KARMPCollisionLayer", Run<&R::CheckCollisionLayer>},
         {"KARMPCollisionInterLayer", Run<&R::CheckCollisionInterLayer>},
+        {"KARMPAnalysisCase", Run<&R::CheckAnalysisCase>},
+        {"KARMPEntity", Run<&R::CheckSiblings>},
+        {"KARMPAttribute", Run<&R::CheckAttribute>},
+        {"KARMPState", Run<&R::CheckStoredValue>},
+        {"KARMPOutput", Run<&R::CheckStoredValue>},
     };
     return rules;
 }
@@ -138,6 +124,10 @@ void MechanismRules::Note(std::uint32_t number, const Lineage& lineage, const No
 {
     if (Contains(lineage, "KARMPCollisionLayer"))
         m_layers.insert(number);
+    if (Contains(lineage, "KARMPAnalysisStep"))
+        m_steps.insert(number);
+    if (Contains(lineage, "KARMPAttribute"))
+        NoteAttribute(number, entity);
     if (!Contains(lineage, "KARMPConstant") && !Contains(lineage, "KARMPExpression"))
         return;
     // A word, or a number in documents of older versions.
@@ -283,6 +273,25 @@ void MechanismRules::CheckCollisionInterLayer(const Node& entity)
             m_tell(Code::NoLayer, entity, {First(entity, L"CollisionLayers"), item},
                    "this is no collision layer");
     }
+}
+
+void MechanismRules::CheckAnalysisCase(const Node& entity)
+{
+    for (const KARMPDeserializer* item : ItemsOf(entity, L"Steps")) {
+        const auto number = m_identifiers.Of(*item);
+        if (!number || !m_steps.contains(*number))
+            m_tell(Code::UnknownStep, entity, {First(entity, L"Steps"), item},
+                   "the case runs without this step: it is no analysis step of the document");
+    }
+}
+
+void MechanismRules::CheckFamily(std::string_view className, const Node& list)
+{
+    KARMPDeserializer::ElementVector entities;
+    list.AppendOrderedElements(entities);
+    if (className == "KARMPMaterial" && entities.empty())
+        m_tell(Code::LostMaterials, list, {},
+               "the materials of the world that was saved are lost: they wrote nothing");
 }
 
 } // namespace karmp::documents

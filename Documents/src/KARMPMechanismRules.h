@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
@@ -32,9 +33,18 @@ public:
     void Note(std::uint32_t number, const Lineage& lineage, const Node& entity);
     /// Tells what the rules of the entity's class and of the classes above it find.
     void Check(const Lineage& lineage, const Node& entity);
+    /// Tells what the list of a family, given by its class, shows by itself.
+    void CheckFamily(std::string_view className, const Node& list);
 
 private:
     friend struct MechanismRule;
+
+    /// The identifier of an attribute in paths, by its number, and its element.
+    struct NamedNode
+    {
+        std::uint32_t name;
+        const Node* node;
+    };
 
     void CheckActuator(const Node& entity);
     void CheckMotor(const Node& entity);
@@ -44,6 +54,13 @@ private:
     void CheckCollisionLayer(const Node& entity);
     void CheckCollisionInterLayer(const Node& entity);
     void CheckProximitySensor(const Node& entity);
+    void CheckAnalysisCase(const Node& entity);
+    /// Tells of the attributes of one list that have one identifier.
+    void CheckSiblings(const Node& entity);
+    void CheckNames(const Node& entity, std::wstring_view list);
+    void CheckAttribute(const Node& entity);
+    void CheckStoredValue(const Node& entity);
+    void NoteAttribute(std::uint32_t number, const Node& entity);
     /// Tells that an entity has no link in the element `element`.
     void NeedLink(const Node& entity, std::wstring_view element, Code code, const char* text);
     /// Tells of the references, in the entity and in its groups, to values of no quantity.
@@ -54,6 +71,9 @@ private:
     Tell m_tell;
     std::unordered_set<std::uint32_t> m_valuesWithoutQuantity;
     std::unordered_set<std::uint32_t> m_layers;
+    std::unordered_set<std::uint32_t> m_steps;
+    Identifiers m_names;
+    std::unordered_map<std::uint32_t, NamedNode> m_attributes;
     /// The first motor of a variable, and the first layer of an entity.
     std::unordered_map<std::uint32_t, const Node*> m_driven;
     std::unordered_map<std::uint32_t, const Node*> m_layered;

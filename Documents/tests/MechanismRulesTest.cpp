@@ -33,7 +33,7 @@ std::string Document(const std::string& families)
 
 bool IsOfMeaning(Code code)
 {
-    return code >= Code::MotorWithoutVariable && code <= Code::NoLayer;
+    return code >= Code::MotorWithoutVariable && code <= Code::LostMaterials;
 }
 
 Diagnostics MeaningOf(const std::string& families)
@@ -55,6 +55,7 @@ void ExpectOne(const std::string& families, Code code, const std::string& path)
     EXPECT_EQ(message.code, code) << message.text;
     EXPECT_EQ(message.severity, Severity::Warning);
     EXPECT_EQ(message.path, "/KARMPDocument/World/" + path);
+    EXPECT_FALSE(message.text.empty());
     EXPECT_NE(message.line, 0U);
 }
 
@@ -189,6 +190,107 @@ TEST(MechanismRules, WantLayersInARelationOfLayers)
     ExpectOne(relation("B1"), Code::NoLayer,
               "Interactions/CollisionInterLayer/CollisionLayers/CollisionLayer");
     ExpectNone(relation("L"));
+}
+
+TEST(MechanismRules, WantIdentifiersWithoutADotOfAttributes)
+{
+    for (const std::string kind : {"Parameter", "State", "Output"}) {
+        const auto attribute = [&kind](const std::string& identifier) {
+            return "<Attributes><" + kind + " id=\"A\" entityID=\"" + identifier +
+                   "\"/></Attributes>";
+        };
+        ExpectOne(attribute("torque.x"), Code::UnreachablePath, "Attributes/" + kind);
+        ExpectOne(attribute("."), Code::UnreachablePath, "Attributes/" + kind);
+        ExpectNone(attribute("torque"));
+    }
+    ExpectNone("<Bodies><Body id=\"B3\" entityID=\"a.b\"/></Bodies>");
+}
+
+// Three attributes of a kind: two of one identifier and one of another.
+std::string Attributes(const std::string& kind)
+{
+    const auto attribute = [&kind](const std::string& id, const std::string& identifier) {
+        return "<" + kind + " id=\"" + id + "\" entityID=\"" + identifier + "\"/>";
+    };
+    return attribute("A1", "x") + attribute("A2", "x") + attribute("A3", "y");
+}
+
+TEST(MechanismRules, WantSiblingAttributesOfDifferentIdentifiers)
+{
+    for (const std::string kind : {"Parameter", "State", "Output"}) {
+        const auto listed = [&kind](const std::string& first, const std::string& second) {
+            return "<Connectors><Bushing id=\"S\"><FirstBody id=\"B1\"/><SecondBody id=\"B2\"/><" +
+                   kind + "s><" + kind + " id=\"" + first + "\"/><" + kind + " id=\"" + second +
+                   "\"/></" + kind + "s></Bushing></Connectors><Attributes>" + Attributes(kind) +
+                   "</Attributes>";
+        };
+        ExpectOne(listed("A1", "A2"), Code::AmbiguousPath,
+                  "Connectors/Bushing/" + kind + "s/" + kind + "[2]");
+        ExpectNone(listed("A1", "A3"));
+        ExpectNone(listed("A1", "A1"));
+    }
+}
+
+TEST(MechanismRules, WantChildrenOfAnAttributeOfDifferentIdentifiers)
+{
+    for (const std::string kind : {"Parameter", "State", "Output"}) {
+        const auto parent = [&kind](const std::string& second) {
+            const std::string list = "Children" + kind + "s";
+            return "<Attributes><" + kind + " id=\"A\"><" + list + "><" + kind + " id=\"A1\"/><" +
+                   kind + " id=\"" + second + "\"/></" + list + "></" + kind + ">" +
+                   Attributes(kind) + "</Attributes>";
+        };
+        ExpectOne(parent("A2"), Code::AmbiguousPath,
+                  "Attributes/" + kind + "[1]/Children" + kind + "s/" + kind + "[2]");
+        ExpectNone(parent("A3"));
+    }
+}
+
+TEST(MechanismRules, PassOverSiblingAttributesWithoutAnIdentifier)
+{
+    ExpectNone("<Attributes><State id=\"A\"><ChildrenStates><State id=\"A1\"/><State id=\"A2\"/>"
+               "</ChildrenStates></State><State id=\"A1\"/><State id=\"A2\"/></Attributes>");
+}
+
+TEST(MechanismRules, WantOneValueOfWhatABulkUpdateStores)
+{
+    const auto attribute = [](const std::string& kind, const std::string& type,
+                              const std::string& values) {
+        return "<Attributes><" + kind + " id=\"A\" entityID=\"x\" type=\"" + type + "\"><Values>" +
+               values + "</Values></" + kind + "></Attributes>";
+    };
+    const std::string one = "<Value id=\"N\"/>";
+    const std::string two = one + "<Value id=\"U\"/>";
+    for (const std::string kind : {"State", "Output"}) {
+        ExpectOne(attribute(kind, "double", two), Code::SeveralValues,
+                  "Attributes/" + kind + "/Values");
+        ExpectNone(attribute(kind, "double", one));
+    }
+    ExpectNone(attribute("Output", "octet", two)); // takes bytes, whatever values it has
+    ExpectOne(attribute("State", "octet", two), Code::SeveralValues, "Attributes/State/Values");
+    ExpectNone(attribute("Parameter", "double", two)); // no bulk update is about parameters
+}
+
+TEST(MechanismRules, WantStepsOfAnAnalysisCaseThatTheDocumentHolds)
+{
+    const auto analysis = [](const std::string& step) {
+        return "<AnalysisCases><AnalysisCase id=\"C\"><Steps><Step id=\"S1\"/><Step " + step +
+               "/></Steps></AnalysisCase></AnalysisCases><AnalysisSteps><AnalysisStep id=\"S1\"/>"
+               "<AnalysisStep id=\"S2\"/></AnalysisSteps>";
+    };
+    const std::string path = "AnalysisCases/AnalysisCase/Steps/Step[2]";
+    ExpectOne(analysis("id=\"S3\""), Code::UnknownStep, path);
+    ExpectOne(analysis("id=\"B1\""), Code::UnknownStep, path);
+    ExpectOne(analysis("id=\"true\" name=\"true\""), Code::UnknownStep, path);
+    ExpectOne(analysis(""), Code::UnknownStep, path);
+    ExpectNone(analysis("id=\"S2\""));
+}
+
+TEST(MechanismRules, TellOfMaterialsThatTheDocumentDoesNotHold)
+{
+    ExpectOne("<Materials/>", Code::LostMaterials, "Materials");
+    ExpectOne("<Materials></Materials>", Code::LostMaterials, "Materials");
+    ExpectNone("<Supports/>");
 }
 
 TEST(MechanismRules, AreNotAppliedWhereTheFormAloneIsChecked)

@@ -5,6 +5,7 @@
 #include "KARMPBody.h"
 #include "KARMPConstant.h"
 #include "KARMPFailedCheck.h"
+#include "KARMPMaterial.h"
 #include "KARMPTestFixture.h"
 #include "KARMPValue.h"
 #include "KARMPWorld.h"
@@ -355,6 +356,40 @@ TEST_F(WorldDocument, AReferenceOfAWrongClassGivesAMessage)
     ExpectMessage(checked.diagnostics, Code::WrongClass, Severity::Error,
                   BodyPath + "/Geometries/Geometry/@id");
     EXPECT_EQ(checked.world->Count<KARMPBody>(), 1);
+}
+
+// A material as an application derives it.
+class Steel : public KARMPMaterial
+{
+public:
+    explicit Steel(bool writes) : m_writes(writes) {}
+    ~Steel() override = default;
+    KARStatus Serialize(KARMPSerializer* serializer) const override
+    {
+        KARMPSerializer* element = nullptr;
+        return m_writes ? serializer->AddElement(L"Steel", element)
+                        : KARMPMaterial::Serialize(serializer);
+    }
+
+private:
+    bool m_writes;
+};
+
+TEST_F(WorldDocument, MaterialsThatWriteNothingAreToldOf)
+{
+    std::string text;
+    const auto add = [this](bool writes) {
+        m_world->Add<KARMPMaterial>(QOBSharedHandle<KARMPMaterial>(new Steel(writes)));
+    };
+    add(true);
+    ExpectNothing(SaveText(m_world, text));
+    add(false);
+    add(false);
+    const Diagnostics messages = SaveText(m_world, text);
+    ASSERT_EQ(messages.items.size(), 1U);
+    EXPECT_EQ(Format(messages.items.front()),
+              "warning: the document lacks 2 materials, which write nothing [lost-materials]");
+    EXPECT_NE(text.find("<Steel/>"), std::string::npos) << text;
 }
 
 TEST_F(WorldDocument, ADocumentWithoutAWorldIsAnError)
