@@ -18,8 +18,9 @@ struct ExtractionOptions
     /// between bodies count as joints, and so do connectors when they are taken along.
     int reach = 0;
     /// The further families that are taken along, by the names of their elements: L"Connectors",
-    /// L"Sensors". Shapes, joints, constraints, geometries and variables come with the bodies, and
-    /// values with the entities that use them.
+    /// L"Sensors". Shapes, joints, constraints, geometries and variables come with the bodies,
+    /// values with the entities that use them, steps with their analysis case, and supports with
+    /// their attribute.
     std::vector<std::wstring> families;
 };
 

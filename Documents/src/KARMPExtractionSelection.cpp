@@ -45,6 +45,14 @@ bool IsPart(const KARMPEntity& entity)
            family == RegistryElementName<KARMPAnalysisStep>();
 }
 
+// A part whose family nobody has to ask for: it means nothing but to its holder.
+bool IsOnlyAPart(const KARMPEntity& entity)
+{
+    const std::wstring_view family = FamilyElementOf(entity);
+    return family == RegistryElementName<KARMPSupport>() ||
+           family == RegistryElementName<KARMPAnalysisStep>();
+}
+
 // Means something without a link to any other entity.
 bool StandsAlone(const KARMPEntity& entity)
 {
@@ -183,7 +191,7 @@ void ExtractionSelection::Select(const Entity& entity)
     m_known.insert(entity.get());
     std::vector<Entity> parts;
     ForEachTarget(*entity, [&](const ItemInfo&, const Target& target) {
-        if (!IsWanted(*target) || IsOneOf<KARMPBody>(*target))
+        if (!(IsWanted(*target) || IsOnlyAPart(*target)) || IsOneOf<KARMPBody>(*target))
             return;
         if (IsPart(*target))
             parts.push_back(target);
