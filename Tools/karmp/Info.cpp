@@ -1,11 +1,13 @@
 #include "Commands.h"
 #include "EntityText.h"
+#include "KARMPAnalysisCase.h"
 #include "KARMPAxisSystem.h"
 #include "KARMPBody.h"
 #include "KARMPConnector.h"
 #include "KARMPFamilies.h"
 #include "KARMPMotor.h"
 #include "KARMPSensor.h"
+#include "KARMPSupport.h"
 #include "KARMPVariable.h"
 #include "KARMPWorld.h"
 #include "Loading.h"
@@ -166,7 +168,7 @@ void PrintMasses(const BodyTotals& totals)
     lines.Print(2);
 }
 
-// The entities of a family, each with what it refers to.
+// The entities of a family, each with what it refers to: the steps of an analysis case, for one.
 template <class T>
 void PrintTargets(const KARMPWorld& world, const char* title)
 {
@@ -245,6 +247,8 @@ int RunInfo(const InfoOptions& options)
     PrintTargets<KARMPActuator>(world, "Drives");
     PrintTargets<KARMPConnector>(world, "Force elements");
     PrintTargets<KARMPSensor>(world, "Sensors");
+    PrintTargets<KARMPAnalysisCase>(world, "Analysis cases");
+    PrintTargets<KARMPSupport>(world, "Supports");
     PrintMobility(world, totals.moving);
     return loaded->diagnostics.items.empty() ? Clean : Findings;
 }

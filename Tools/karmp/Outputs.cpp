@@ -15,7 +15,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdlib>
 #include <iostream>
 #include <string>
 #include <utility>
@@ -240,8 +239,6 @@ void PrintJson(const std::string& file, const std::vector<Row>& rows)
 
 int RunOutputs(const OutputsOptions& options)
 {
-    // Without this the reader passes over outputs and their values.
-    ::setenv("MOT_DUMP_OUTPUTS", "1", 1);
     const auto loaded = LoadWorld(options.file);
     if (!loaded)
         return Unreadable;

@@ -78,8 +78,20 @@ private:
             std::cout << ' ' << Dim('[' + Printable(id) + ']');
         if (active == L"no")
             std::cout << ' ' << Dim("(inactive)");
+        PrintWords(entity);
         std::cout << '\n';
         PrintLinks(entity);
+    }
+
+    // What tells attributes and generic entities apart where their names do not.
+    static void PrintWords(const Element& entity)
+    {
+        for (const std::wstring_view name : {L"entityID", L"path", L"type", L"categoryID"}) {
+            std::wstring_view word;
+            entity.GetAttribute(name, word);
+            if (!word.empty())
+                std::cout << ", " << Printable(name) << ' ' << Printable(word);
+        }
     }
 
     // Elements below an entity that have an identifier refer to another entity: directly, as an

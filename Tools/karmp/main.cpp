@@ -3,6 +3,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cstdlib>
 #include <exception>
 #include <functional>
 #include <iostream>
@@ -22,6 +23,8 @@ std::string Footer(const char* example)
 
 int Run(int argc, char** argv)
 {
+    // The outputs of a document belong to it: without this they are neither read nor written.
+    ::setenv("MOT_DUMP_OUTPUTS", "1", 1);
     CLI::App app("Looks at, checks and converts the documents of mechanisms.", "karmp");
     app.set_version_flag("--version", std::string("karmp " KARMP_TOOL_VERSION));
     app.require_subcommand(1);
