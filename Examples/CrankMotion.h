@@ -20,6 +20,13 @@ struct PlaneMotion
 
     /// From the origin to a point on the body's first axis.
     KARMathVector Arm(double x) const { return {x * std::cos(angle), x * std::sin(angle), 0.0}; }
+    /// The body's frame, whose third axis stays across the plane.
+    KARMathAxis Frame() const
+    {
+        const KARMathVector first = Arm(1.0);
+        const KARMathVector third = Across(1.0);
+        return {origin, first, third.Cross(first), third};
+    }
     KARMathVector AccelerationAt(const KARMathVector& arm) const
     {
         const KARMathVector turn = Across(rate).Cross(arm);

@@ -86,10 +86,7 @@ public:
 private:
     static void Move(KARMPBody& body, const PlaneMotion& motion)
     {
-        const KARMathVector first = motion.Arm(1.0);
-        const KARMathVector third = Across(1.0);
-        const KARMathAxis frame(motion.origin, first, third.Cross(first), third);
-        body.SetPosition(KARMathTransformation(frame), 0);
+        body.SetPosition(KARMathTransformation(motion.Frame()), 0);
         body.SetVelocity(motion.velocity, Across(motion.rate));
         body.SetAcceleration(motion.acceleration, Across(motion.angularAcceleration));
     }

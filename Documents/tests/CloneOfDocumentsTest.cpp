@@ -1,5 +1,6 @@
 // What the clones of worlds differ in from their sources.
 #include "DifferenceTesting.h"
+#include "EnvironmentVariable.h"
 #include "KARMPDocuments.h"
 #include "KARMPSchemaClasses.h"
 #include "KARMPTestFixture.h"
@@ -89,6 +90,11 @@ constexpr Prescribed OfFilters[] = {
     {DifferenceKind::LinkLost, "KARMPActuator", L"", Unfollowed},
     {DifferenceKind::LinkLost, "KARMPSensor", L"", Unfollowed},
     {DifferenceKind::LinkLost, "KARMPInteraction", L"", Unfollowed},
+    {DifferenceKind::LinkLost, "KARMPAttribute", L"", Unfollowed},
+    {DifferenceKind::LinkLost, "KARMPSupport", L"", Unfollowed},
+    {DifferenceKind::LinkLost, "KARMPInitialCondition", L"Parameters", Unfollowed},
+    {DifferenceKind::LinkLost, "KARMPAnalysisStep", L"Parameters", Unfollowed},
+    {DifferenceKind::LinkLost, "KARMPAnalysisCase", L"", Unfollowed},
     {DifferenceKind::Changed, "KARMPLinearEquation", L"LinearTermDataContainer/LinearTerm",
      "a copied linear equation has no terms"},
     {DifferenceKind::Changed, "KARMPLinearEquation", L"LinearTermDataContainer/LinearTerm[2]",
@@ -119,6 +125,8 @@ bool IsIn(std::span<const Prescribed> table, const Difference& difference, Unuse
 
 class CloneOfDocuments : public KARMPTestFixture
 {
+    EnvironmentVariable m_dumpOutputs{"MOT_DUMP_OUTPUTS", "1"};
+
 protected:
     /// Expects that the clones of all examples differ from them in nothing but what the tables
     /// tell, and that each line of them is needed.

@@ -1,5 +1,6 @@
 // What differs between documents: none between those of one content, one for each item changed.
 #include "DifferenceTesting.h"
+#include "EnvironmentVariable.h"
 #include "FilledWorld.h"
 #include "KARMPClassItems.h"
 #include "KARMPDocuments.h"
@@ -107,8 +108,11 @@ private:
     std::mt19937 m_random{7};
 };
 
+// Outputs are part of what is compared.
 class DocumentDifference : public KARMPTestFixture
-{};
+{
+    EnvironmentVariable m_dumpOutputs{"MOT_DUMP_OUTPUTS", "1"};
+};
 
 TEST_F(DocumentDifference, IsNothingBetweenAnExampleAndItself)
 {
