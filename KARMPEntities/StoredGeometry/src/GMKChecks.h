@@ -1,38 +1,13 @@
 // What numbers a stored object may be made of.
 #pragma once
 
-#include "KARMathPoint.h"
-#include "KARMathVector.h"
+#include "KARFinite.h"
 #include "KARSurface.h"
 
-#include <algorithm>
 #include <cmath>
 #include <numbers>
-#include <vector>
 
 namespace kar {
-
-inline bool IsFinite(double value)
-{
-    return std::isfinite(value);
-}
-
-inline bool IsFinite(const KARMathVector& v)
-{
-    return std::isfinite(v.GetX()) && std::isfinite(v.GetY()) && std::isfinite(v.GetZ());
-}
-
-inline bool IsFinite(const KARMathPoint& p)
-{
-    return IsFinite(p - KARMathPoint());
-}
-
-template <typename T>
-bool AllFinite(const std::vector<T>& values)
-{
-    return std::all_of(
-        values.begin(), values.end(), [](const T& v) { return IsFinite(v); });
-}
 
 inline bool IsRange(double low, double high)
 {

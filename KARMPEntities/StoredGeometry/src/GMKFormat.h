@@ -1,16 +1,15 @@
-// The form of a stored block: mark, version, length of the payload (64 bits), its checksum,
-// payload. The payload is the number of objects and of listed ones, the objects' records, each of
-// which refers to earlier ones only, and the indices of the listed objects.
+// The payload of a block of stored objects: the number of objects and of listed ones, the objects'
+// records, each of which refers to earlier ones only, and the indices of the listed objects.
 #pragma once
+
+#include "KARStoredBlock.h"
 
 #include <cstddef>
 #include <cstdint>
 
 namespace kar {
 
-inline constexpr std::uint32_t BlockMark = 0x4B4D474BU;
-inline constexpr std::uint32_t BlockVersion = 1;
-inline constexpr std::size_t BlockHeaderSize = 20;
+inline constexpr BlockForm ObjectBlock{0x4B4D474BU, 1};
 
 /// What a record begins with. The numbers are stored: they are never given to another class.
 enum class StoredKind : std::uint8_t {

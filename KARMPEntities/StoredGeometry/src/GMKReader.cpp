@@ -43,9 +43,8 @@ GMKReader::~GMKReader()
 
 void GMKReader::Object()
 {
-    std::uint8_t kind = 0;
-    const RecordReader read = m_stream.ReadByte(kind) ? ReaderOf(kind) : nullptr;
-    if (m_failed || read == nullptr) {
+    const RecordReader read = ReaderOf(Byte());
+    if (Failed() || read == nullptr) {
         Fail();
         return;
     }
@@ -66,64 +65,6 @@ void GMKReader::Object()
     m_objects.back() = object;
 }
 
-bool GMKReader::Flag()
-{
-    std::uint8_t value = 0;
-    if (!m_stream.ReadByte(value) || value > 1)
-        Fail();
-    return value == 1;
-}
-
-int GMKReader::Integer()
-{
-    std::int32_t value = 0;
-    if (!m_stream.ReadInt32(value))
-        Fail();
-    return value;
-}
-
-std::size_t GMKReader::Count(std::size_t bytesPerItem)
-{
-    std::uint32_t count = 0;
-    if (!m_stream.ReadUInt32(count) || count > m_stream.GetRemaining() / bytesPerItem) {
-        Fail();
-        return 0;
-    }
-    return count;
-}
-
-double GMKReader::Real()
-{
-    double value = 0.0;
-    if (!m_stream.ReadDouble(value))
-        Fail();
-    return value;
-}
-
-std::vector<double> GMKReader::Reals()
-{
-    std::vector<double> values(Count(sizeof(double)));
-    for (double& value : values)
-        value = Real();
-    return values;
-}
-
-KARMathVector GMKReader::Vector()
-{
-    const double x = Real();
-    const double y = Real();
-    const double z = Real();
-    return {x, y, z};
-}
-
-std::vector<KARMathPoint> GMKReader::Points()
-{
-    std::vector<KARMathPoint> points(Count(3 * sizeof(double)));
-    for (KARMathPoint& point : points)
-        point = Point();
-    return points;
-}
-
 KARSurLimits GMKReader::Limits()
 {
     KARSurLimits limits;
@@ -136,8 +77,8 @@ KARSurLimits GMKReader::Limits()
 
 KARIGMKObject* GMKReader::AnyReference()
 {
-    std::uint32_t index = 0;
-    if (!m_stream.ReadUInt32(index) || index >= m_objects.size()) {
+    const std::uint32_t index = Index();
+    if (Failed() || index >= m_objects.size()) {
         Fail();
         return nullptr;
     }

@@ -2,25 +2,22 @@
 
 #include "GMKFormat.h"
 #include "KARIGMKObject.h"
-#include "KARMathPoint.h"
-#include "KARMathStream.h"
+#include "KARStoredBlock.h"
 #include "KARSurface.h"
 
 #include <vector>
 
 namespace kar {
 
-/// Reads the records of stored objects. The first value that cannot be read makes the whole reading
-/// fail; from then on everything reads as 0.
-class GMKReader
+/// Reads the records of stored objects.
+class GMKReader : public BlockReader
 {
 public:
-    explicit GMKReader(KARMathStream& stream) : m_stream(stream) {}
+    using BlockReader::BlockReader;
     ~GMKReader();
     GMKReader(const GMKReader&) = delete;
     GMKReader& operator=(const GMKReader&) = delete;
 
-    bool Failed() const { return m_failed; }
     /// Reads an object's record and keeps the object for later references.
     void Object();
     /// The objects so far; the reader holds one reference on each until it goes.
@@ -30,16 +27,6 @@ public:
     /// Reserves capacity for a number of objects.
     void Reserve(std::size_t count) { m_objects.reserve(count); }
 
-    bool Flag();
-    int Integer();
-    /// A number of items of at least that many bytes each; more than remain are a failure, so that
-    /// a count never decides an allocation.
-    std::size_t Count(std::size_t bytesPerItem);
-    double Real();
-    std::vector<double> Reals();
-    KARMathVector Vector();
-    KARMathPoint Point() { return KARMathPoint() + Vector(); }
-    std::vector<KARMathPoint> Points();
     KARSurLimits Limits();
     /// An earlier object; one of another class is a failure.
     template <typename T>
@@ -50,14 +37,11 @@ public:
             Fail();
         return object;
     }
-    void Fail() { m_failed = true; }
 
 private:
     KARIGMKObject* AnyReference();
 
-    KARMathStream& m_stream;
     std::vector<KARIGMKObject*> m_objects;
-    bool m_failed = false;
 };
 
 /// Readers of the records, each behind its kind; null when the values are refused.

@@ -1,6 +1,5 @@
 #include "KARIGMKObjectsLoad.h"
 
-#include "GMKChecksum.h"
 #include "GMKReader.h"
 
 #include <new>
@@ -10,19 +9,8 @@ namespace {
 
 using kar::GMKReader;
 
-bool ReadHeader(KARMathStream& stream)
-{
-    std::uint32_t mark = 0;
-    std::uint32_t version = 0;
-    std::uint64_t length = 0;
-    std::uint32_t checksum = 0;
-    return stream.ReadUInt32(mark) && stream.ReadUInt32(version) && stream.ReadUInt64(length) &&
-           stream.ReadUInt32(checksum) && mark == kar::BlockMark && version == kar::BlockVersion &&
-           length == stream.GetRemaining() && checksum == kar::Checksum(stream.Peek());
-}
-
 /// The listed objects; none when the payload is not one that was saved.
-std::vector<KARIGMKObject*> ReadPayload(KARMathStream& stream, GMKReader& reader)
+std::vector<KARIGMKObject*> ReadPayload(GMKReader& reader)
 {
     const std::size_t count = reader.Count(kar::SmallestRecord);
     const std::size_t listed = reader.Count(sizeof(std::uint32_t));
@@ -32,7 +20,7 @@ std::vector<KARIGMKObject*> ReadPayload(KARMathStream& stream, GMKReader& reader
     std::vector<KARIGMKObject*> roots;
     for (std::size_t i = 0; i < listed && !reader.Failed(); ++i)
         roots.push_back(reader.Reference<KARIGMKObject>());
-    if (reader.Failed() || stream.GetRemaining() != 0)
+    if (!reader.IsAtEnd())
         roots.clear();
     return roots;
 }
@@ -63,10 +51,10 @@ KARStatus HandOver(GMKReader& reader, const std::vector<KARIGMKObject*>& roots,
 KARStatus KARIGMKObjectsLoad::Load(KARGeometricFactory*& factory, KARListPtrKARIGMKObject& objects,
                                    int mode)
 try {
-    if (mode != 0 || !ReadHeader(m_stream))
+    if (mode != 0 || !kar::ReadBlockHeader(m_stream, kar::ObjectBlock))
         return KARFailure;
     GMKReader reader(m_stream);
-    const std::vector<KARIGMKObject*> roots = ReadPayload(m_stream, reader);
+    const std::vector<KARIGMKObject*> roots = ReadPayload(reader);
     if (roots.empty())
         return KARFailure;
     return HandOver(reader, roots, factory, objects);

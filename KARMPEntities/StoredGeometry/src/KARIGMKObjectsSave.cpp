@@ -1,6 +1,5 @@
 #include "KARIGMKObjectsSave.h"
 
-#include "GMKChecksum.h"
 #include "GMKWriter.h"
 
 #include <new>
@@ -8,8 +7,6 @@
 
 namespace {
 
-using kar::BlockMark;
-using kar::BlockVersion;
 using kar::GMKWriter;
 
 /// The objects in the order of their records: each behind all that it refers to.
@@ -84,11 +81,7 @@ try {
     KARMathStream payload;
     if (objects.Size() == 0 || !WritePayload(payload, objects, order))
         return KARFailure;
-    m_stream.WriteUInt32(BlockMark);
-    m_stream.WriteUInt32(BlockVersion);
-    m_stream.WriteUInt64(payload.GetLength());
-    m_stream.WriteUInt32(kar::Checksum(payload.GetBytes()));
-    m_stream.WriteBytes(payload.GetBytes());
+    kar::WriteBlock(m_stream, kar::ObjectBlock, payload.GetBytes());
     if (saved != nullptr)
         for (const KARIGMKObject* object : order.Objects())
             saved->Append(const_cast<KARIGMKObject*>(object));

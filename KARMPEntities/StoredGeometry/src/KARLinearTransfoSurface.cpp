@@ -2,19 +2,12 @@
 
 #include "GMKChecks.h"
 
-#include <algorithm>
-#include <iterator>
-
 namespace {
 
 bool IsUsable(const KARMathTransformation& transformation)
 {
-    double coefficients[12];
-    transformation.GetCoef(coefficients);
     KARMathTransformation inverse;
-    return std::all_of(std::begin(coefficients), std::end(coefficients),
-                       [](double c) { return kar::IsFinite(c); }) &&
-           transformation.ComputeInverse(inverse);
+    return kar::IsFinite(transformation) && transformation.ComputeInverse(inverse);
 }
 
 } // namespace

@@ -83,20 +83,13 @@ bool KARLinearTransfoSurface::Store(GMKWriter& writer) const
 {
     writer.Kind(StoredKind::LinearTransfoSurface);
     writer.Reference(m_surface);
-    double coefficients[12];
-    m_transformation.GetCoef(coefficients);
-    for (const double coefficient : coefficients)
-        writer.Real(coefficient);
+    writer.Transformation(m_transformation);
     return true;
 }
 
 KARIGMKObject* kar::ReadLinearTransfoSurface(GMKReader& reader)
 {
     auto* surface = reader.Reference<KARSurface>();
-    double coefficients[12];
-    for (double& coefficient : coefficients)
-        coefficient = reader.Real();
-    KARMathTransformation transformation;
-    transformation.SetCoef(coefficients);
+    const KARMathTransformation transformation = reader.Transformation();
     return reader.Failed() ? nullptr : KARLinearTransfoSurface::Create(surface, transformation);
 }

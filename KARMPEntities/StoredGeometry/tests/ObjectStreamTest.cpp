@@ -1,4 +1,3 @@
-#include "GMKChecksum.h"
 #include "GMKFormat.h"
 #include "StoredSamples.h"
 
@@ -35,12 +34,8 @@ ByteVector Sealed(ByteVector bytes)
 ByteVector BlockOf(const KARMathStream& payload)
 {
     KARMathStream stream;
-    stream.WriteUInt32(kar::BlockMark);
-    stream.WriteUInt32(kar::BlockVersion);
-    stream.WriteUInt64(0);
-    stream.WriteUInt32(0);
-    stream.WriteBytes(payload.GetBytes());
-    return Sealed({stream.GetBytes().begin(), stream.GetBytes().end()});
+    kar::WriteBlock(stream, kar::ObjectBlock, payload.GetBytes());
+    return {stream.GetBytes().begin(), stream.GetBytes().end()};
 }
 
 void WriteKind(KARMathStream& payload, kar::StoredKind kind)
@@ -95,13 +90,6 @@ const T* At(const Loaded& loaded, int position)
 }
 
 } // namespace
-
-TEST(StoredStream, ChecksumIsTheCommonOne)
-{
-    const ByteVector text{'1', '2', '3', '4', '5', '6', '7', '8', '9'};
-    EXPECT_EQ(kar::Checksum(text), 0xCBF43926U);
-    EXPECT_EQ(kar::Checksum({}), 0U);
-}
 
 TEST(StoredStream, SavingWhatWasLoadedGivesTheSameBytes)
 {
