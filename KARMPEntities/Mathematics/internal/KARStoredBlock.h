@@ -75,7 +75,7 @@ public:
     double Real();
     std::vector<double> Reals();
     KARMathVector Vector();
-    KARMathPoint Point() { return KARMathPoint() + Vector(); }
+    KARMathPoint Point();
     std::vector<KARMathPoint> Points();
     KARMathTransformation Transformation();
     /// A number of items that was read by other means; 0 and a failure when not all can remain.

@@ -155,6 +155,13 @@ KARMathVector BlockReader::Vector()
     return {x, y, z};
 }
 
+// Not the origin plus a vector, which would lose the sign of a zero.
+KARMathPoint BlockReader::Point()
+{
+    const KARMathVector v = Vector();
+    return {v.GetX(), v.GetY(), v.GetZ()};
+}
+
 std::vector<KARMathPoint> BlockReader::Points()
 {
     std::vector<KARMathPoint> points(Count(3 * sizeof(double)));

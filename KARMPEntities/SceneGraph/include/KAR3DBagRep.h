@@ -26,6 +26,7 @@ private:
     KAR3DBagRep();
     ~KAR3DBagRep() override;
     KAR3DRep* CopyAlone() const override;
+    bool IsHeldBy(const KAR3DRep& rep) const;
 
     std::vector<KAR3DRep*> m_children;
 };

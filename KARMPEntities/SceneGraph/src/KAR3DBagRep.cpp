@@ -15,9 +15,17 @@ KAR3DRep* KAR3DBagRep::CopyAlone() const
     return CreateRep();
 }
 
+bool KAR3DBagRep::IsHeldBy(const KAR3DRep& rep) const
+{
+    // Asked first: a copy adds each node before it has children, however deep it stands.
+    const bool holdsNone = rep.GetKind() != KAR3DRepKind::Bag ||
+                           static_cast<const KAR3DBagRep&>(rep).m_children.empty();
+    return holdsNone ? this == &rep : IsWithin(rep);
+}
+
 KARStatus KAR3DBagRep::AddChild(KAR3DRep* child)
 {
-    if (child == nullptr || IsWithin(*child))
+    if (child == nullptr || IsHeldBy(*child))
         return KARFailure;
     KAR3DBagRep* const former = child->m_bag;
     if (former == this)
