@@ -255,9 +255,9 @@ TEST_P(SceneGraphBlock, ChangedWithAFittingChecksumIsRefusedOrAWholeSceneGraph)
     const Bytes bytes = Write(*all);
     int refused = 0;
     for (std::size_t index = kar::BlockHeaderSize; index < bytes.size(); ++index) {
-        for (const std::uint8_t value : {0, 1, 2, 3, 4, 7, 8, 0x7F, 0x80, 0x81, 0xF0, 0xFF}) {
+        for (const int value : {0, 1, 2, 3, 4, 7, 8, 0x7F, 0x80, 0x81, 0xF0, 0xFF}) {
             Bytes damaged = bytes;
-            damaged[index] = value;
+            damaged[index] = static_cast<std::uint8_t>(value);
             const RepOwner read = Read(damaged = Sealed(damaged));
             if (read == nullptr) {
                 ++refused;
