@@ -244,7 +244,6 @@ const std::set<std::string_view> NotMade{
     "KARMPCurve2D",
     "KARMPLine2D",
     "KARMPPoint2D",
-    "KARMPUserDefined2D",
     "KARMPSketch",
     // Shapes.
     "KARMP3DRep",

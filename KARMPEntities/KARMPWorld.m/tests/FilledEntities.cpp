@@ -35,6 +35,7 @@
 #include "KARMPForceElement.h"
 #include "KARMPGlobalDisplacementActuator.h"
 #include "KARMPHyperbola.h"
+#include "KARMPJoint2D.h"
 #include "KARMPJointDOFSensor.h"
 #include "KARMPJointForceActuator.h"
 #include "KARMPJointKinds.h"
@@ -114,7 +115,9 @@ FilledEntities::FilledEntities()
                KARCrvLimits(KARCrvParam(0.25), KARCrvParam(1.5))}
 {
     AddTwo(m_bodies, L"B", Identified<KARMPBody>);
+    AddTwo(m_planarBodies, L"PB", Identified<KARMPBody2D>);
     AddTwo(m_geometries, L"G", Identified<KARMPPoint>);
+    AddTwo(m_planarGeometries, L"PG", Identified<KARMPPoint2D>);
     AddTwo(m_joints, L"J", Identified<KARMPRevolute>);
     AddTwo(m_motors, L"M", Identified<KARMPMotor>);
     AddTwo(m_constraints, L"C", Identified<KARMPConcentricity>);
@@ -260,6 +263,10 @@ void FilledEntities::FillDrive(T& actuator)
         actuator.SetDisplacementByDragLine({Point(), First()});
     }
     if constexpr (std::is_same_v<T, KARMPDisplacementActuator2D>) {
+        if (HasLinks()) {
+            actuator.SetBody(m_planarBodies[0]);
+            actuator.SetGeometry(m_planarGeometries[0]);
+        }
         actuator.SetDisplacement(
             {{{Number(0.5), Number(1.5)}, {Number(2.5), Number(3.5)}}, {Number(4.5), Number(5.5)}});
         actuator.SetDisplacementByDragLine({{Number(1.5), Number(-2.25)}, {Number(3.0), 4.0}});
@@ -300,6 +307,7 @@ void FilledEntities::FillDrive(T& actuator)
         if (HasLinks()) {
             actuator.SetForce({first, second});
             actuator.SetTorque({second});
+            actuator.SetBody(m_planarBodies[0]);
         }
         actuator.SetApplicationPoint({Number(1.5), Number(-2.25)});
         actuator.SetIsInLocalFrame(Choose(true, false));
@@ -347,13 +355,22 @@ void FilledEntities::FillGeometry(KARMPGeometry& geometry)
 
 void FilledEntities::FillJoint(KARMPJoint& joint)
 {
-    using Orientation = KARMPBodyOrientation::Enum;
     if (!HasLinks())
         return;
-    joint.LinkToBody(m_bodies[0], Choose(Orientation::In, Orientation::Out));
-    joint.LinkToBody(m_bodies[1], Choose(Orientation::Out, Orientation::In));
     if (auto* coupling = dynamic_cast<KARMPCoupling*>(&joint))
         coupling->SetEquation(m_equations[0]);
+    if (auto* planar = dynamic_cast<KARMPJoint2D*>(&joint))
+        LinkJoint(*planar, m_planarBodies);
+    else
+        LinkJoint(joint, m_bodies);
+}
+
+template <class Joint, class Body>
+void FilledEntities::LinkJoint(Joint& joint, const Two<Body>& bodies)
+{
+    using Orientation = KARMPBodyOrientation::Enum;
+    joint.LinkToBody(bodies[0], Choose(Orientation::In, Orientation::Out));
+    joint.LinkToBody(bodies[1], Choose(Orientation::Out, Orientation::In));
     for (const auto& constraint : m_constraints)
         joint.AddConstraint(constraint);
 }
@@ -756,13 +773,18 @@ void FilledEntities::FillMeasurementOf(T& sensor)
         sensor.SetVelocity(Number(1.75));
         sensor.SetAcceleration(Number(-9.5));
     }
-    if constexpr (std::is_same_v<T, KARMPDisplacementSensor2D>)
+    if constexpr (std::is_same_v<T, KARMPDisplacementSensor2D>) {
+        if (HasLinks())
+            sensor.SetBody(m_planarBodies[0]);
         sensor.SetDisplacement({{{Number(0.6), Number(0.8)}, {Number(-0.8), Number(0.6)}},
                                 {Number(1.25), Number(-2.5)}});
+    }
     if constexpr (std::is_same_v<T, KARMPDofSensor>)
         FillFreedoms(sensor);
     if constexpr (std::is_same_v<T, KARMPDofSensor2D>)
         if (HasLinks()) {
+            sensor.SetConstrainedBody(m_planarBodies[0]);
+            sensor.SetReferenceBody(m_planarBodies[1]);
             sensor.AddTranslation({Number(0.6), Number(0.8)});
             sensor.AddRotation({Number(1.5), Number(-2.5)});
             if (m_filling == Filling::Full)

@@ -5,6 +5,7 @@
 #include "KARCrvLimits.h"
 #include "KARGeometricFactory.h"
 #include "KARMPAnalysisStep.h"
+#include "KARMPBody2D.h"
 #include "KARMPCollisionLayer.h"
 #include "KARMPCollisionRule.h"
 #include "KARMPConnector.h"
@@ -18,6 +19,7 @@
 #include "KARMPMotor.h"
 #include "KARMPOutput.h"
 #include "KARMPParameter.h"
+#include "KARMPPoint2D.h"
 #include "KARMPState.h"
 #include "KARMPSupport.h"
 #include "KARMPWorld.h"
@@ -86,6 +88,8 @@ private:
     void FillBody(KARMPBody& body);
     void FillGeometry(KARMPGeometry& geometry);
     void FillJoint(KARMPJoint& joint);
+    template <class Joint, class Body>
+    void LinkJoint(Joint& joint, const Two<Body>& bodies);
     void FillConnector(KARMPConnector& connector);
     void FillConstraint(KARMPConstraint& constraint);
     void LinkConstraint(KARMPConstraint& constraint);
@@ -138,7 +142,9 @@ private:
     QOBSharedHandle<KARMPWorld> m_world = KARMPWorld::create(m_basicWorld);
     KARMPEntityTable m_table;
     Two<KARMPBody> m_bodies;
+    Two<KARMPBody2D> m_planarBodies;
     Two<KARMPGeometry> m_geometries;
+    Two<KARMPGeometry2D> m_planarGeometries;
     Two<KARMPJoint> m_joints;
     Two<KARMPMotor> m_motors;
     Two<KARMPConstraint> m_constraints;
