@@ -1,13 +1,16 @@
+#include "KARMPBody2D.h"
 #include "KARMPDisplacementSensor.h"
 #include "KARMPDuplicates.h"
 #include "KARMPFailedCheck.h"
 #include "KARMPFunctionOfFamily.h"
+#include "KARMPJoint2D.h"
 
 namespace {
 
 using karmp::Duplicates;
-using LinkingFamilies = karmp::FamilyList<KARMPJoint, KARMPBody, KARMPConstraint, KARMPVariable,
-                                          KARMPGeometry, KARMPShape>;
+// Planar classes have links of their own and stand before those that they are derived from.
+using LinkingFamilies = karmp::FamilyList<KARMPJoint2D, KARMPJoint, KARMPBody, KARMPConstraint,
+                                          KARMPVariable, KARMPGeometry, KARMPShape>;
 
 // A link of a source that is restored at its duplicate.
 struct Link
@@ -55,10 +58,11 @@ struct MakeBy<Operation>
     }
 };
 
+template <class Joint, class Body>
 void MakeOriented(const Link& link, bool checked)
 {
-    const Related<KARMPBody> body(link, checked);
-    auto* const joint = static_cast<KARMPJoint*>(link.duplicate);
+    const Related<Body> body(link, checked);
+    auto* const joint = static_cast<Joint*>(link.duplicate);
     KARMPVerify(!KARFailed(joint->LinkToBody(body.Handle(), link.orientation)));
 }
 
@@ -89,13 +93,14 @@ public:
             Add(related, &MakeBy<Operation>::Call);
     }
     // The bodies of a joint.
+    template <class Body>
     void OrientedBodies() const
     {
         for (int index = 0; index < m_source.GetLinkedBodyCount(); ++index) {
-            QOBSharedHandle<KARMPBody> body;
+            QOBSharedHandle<Body> body;
             KARMPBodyOrientation::Enum orientation{};
             if (KARMPVerify(!KARFailed(m_source.GetLinkedBody(index, body, orientation))))
-                Add(body, &MakeOriented, orientation);
+                Add(body, &MakeOriented<C, Body>, orientation);
         }
     }
 
@@ -114,7 +119,14 @@ private:
 void Collect(const Collector<KARMPJoint>& joint)
 {
     using C = KARMPJoint;
-    joint.OrientedBodies();
+    joint.OrientedBodies<KARMPBody>();
+    joint.List<&C::AddConstraint>(&C::GetConstraintCount, &C::GetConstraint);
+}
+
+void Collect(const Collector<KARMPJoint2D>& joint)
+{
+    using C = KARMPJoint2D;
+    joint.OrientedBodies<KARMPBody2D>();
     joint.List<&C::AddConstraint>(&C::GetConstraintCount, &C::GetConstraint);
 }
 

@@ -1,0 +1,72 @@
+// What a filtered clone makes of the links of a planar mechanism.
+#include "CloneTesting.h"
+#include "KARMPBody2D.h"
+#include "KARMPCoincidence.h"
+#include "KARMPUserDefined2D.h"
+
+namespace {
+
+// Two planar bodies with a joint, which is realised by a constraint.
+class FilteredPlanarClone : public CloneFixture
+{
+protected:
+    FilteredPlanarClone()
+    {
+        joint->LinkToBody(first, KARMPBodyOrientation::In);
+        joint->LinkToBody(second, KARMPBodyOrientation::Out);
+        joint->AddConstraint(constraint);
+        first->LinkToJoint(joint);
+        second->LinkToJoint(joint);
+        constraint->SetJoint(joint);
+    }
+    template <class T, class Family>
+    static QOBSharedHandle<T> PlanarNamed(const KARMPWorld& clone, const std::wstring& name)
+    {
+        return QOBSharedHandle<T>(Named<Family>(clone, name));
+    }
+
+    const QOBSharedHandle<KARMPBody2D> first = File<KARMPBody>(KARMPBody2D::create(L"first"));
+    const QOBSharedHandle<KARMPBody2D> second = File<KARMPBody>(KARMPBody2D::create(L"second"));
+    const QOBSharedHandle<KARMPUserDefined2D> joint =
+        File<KARMPJoint>(KARMPUserDefined2D::create(L"joint"));
+    const QOBSharedHandle<KARMPConstraint> constraint{
+        File<KARMPConstraint>(KARMPCoincidence::create(L"constraint"))};
+};
+
+TEST_F(FilteredPlanarClone, LinksAPlanarJointToItsBodiesAndConstraints)
+{
+    const auto clone = CloneOf({joint, constraint, first, second});
+    const auto duplicate = PlanarNamed<KARMPJoint2D, KARMPJoint>(*clone, L"joint");
+    ASSERT_EQ(duplicate->GetLinkedBodyCount(), 2);
+    QOBSharedHandle<KARMPBody2D> body;
+    KARMPBodyOrientation::Enum orientation{};
+    duplicate->GetLinkedBody(0, body, orientation);
+    EXPECT_EQ(body, Named<KARMPBody>(*clone, L"first"));
+    EXPECT_EQ(orientation, KARMPBodyOrientation::In);
+    duplicate->GetLinkedBody(1, body, orientation);
+    EXPECT_EQ(body, Named<KARMPBody>(*clone, L"second"));
+    EXPECT_EQ(orientation, KARMPBodyOrientation::Out);
+    ASSERT_EQ(duplicate->GetConstraintCount(), 1);
+    QOBSharedHandle<KARMPConstraint> linked;
+    duplicate->GetConstraint(0, linked);
+    EXPECT_EQ(linked, Named<KARMPConstraint>(*clone, L""));
+    const KARMPJoint& base = *duplicate;
+    EXPECT_EQ(base.GetLinkedBodyCount(), 0);
+    EXPECT_EQ(base.GetConstraintCount(), 0);
+    QOBSharedHandle<KARMPJoint> owner;
+    EXPECT_EQ(linked->GetJoint(owner), KARSuccess);
+    EXPECT_EQ(owner, duplicate);
+}
+
+TEST_F(FilteredPlanarClone, DropsTheLinksThatLeadOutOfTheList)
+{
+    const auto clone = CloneOf({joint, second});
+    const auto duplicate = PlanarNamed<KARMPJoint2D, KARMPJoint>(*clone, L"joint");
+    ASSERT_EQ(duplicate->GetLinkedBodyCount(), 1);
+    QOBSharedHandle<KARMPBody2D> body;
+    duplicate->GetLinkedBody(0, body);
+    EXPECT_EQ(body, Named<KARMPBody>(*clone, L"second"));
+    EXPECT_EQ(duplicate->GetConstraintCount(), 0);
+}
+
+} // namespace
