@@ -139,8 +139,10 @@ protected:
     }
     /// A record that outlives the bodies and their loaders.
     BodyLoaderRecord& NewRecord() { return m_records.emplace_back(); }
+    Body2DLoaderRecord& NewPlanarRecord() { return m_planarRecords.emplace_back(); }
 
 private:
     std::deque<BodyLoaderRecord> m_records;
+    std::deque<Body2DLoaderRecord> m_planarRecords;
     std::vector<QOBSharedHandle<KARMPEntity>> m_entities;
 };

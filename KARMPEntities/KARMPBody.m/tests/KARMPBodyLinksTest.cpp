@@ -1,51 +1,13 @@
+#include "BodyListTesting.h"
 #include "BodyTesting.h"
-
-#include <functional>
 
 namespace {
 
 using BodyLinks = BodyFixture;
 
-// One list of a body: what it holds, and how it is reached.
-template <class T, class Make>
-void CheckList(KARMPBody& body, const Make& make,
-               KARStatus (KARMPBody::*add)(const QOBSharedHandle<T>&),
-               KARStatus (KARMPBody::*remove)(const QOBSharedHandle<T>&),
-               KARStatus (KARMPBody::*get)(int, QOBSharedHandle<T>&) const,
-               int (KARMPBody::*count)() const, const std::function<void()>& expectReport)
-{
-    const QOBSharedHandle<T> first(make(L"first"));
-    const QOBSharedHandle<T> second(make(L"second"));
-    const QOBSharedHandle<T> third(make(L"third"));
-    EXPECT_EQ((body.*add)({}), KARFailure);
-    expectReport();
-    EXPECT_EQ((body.*add)(first), KARSuccess);
-    EXPECT_EQ((body.*add)(second), KARSuccess);
-    EXPECT_EQ((body.*add)(third), KARSuccess);
-    EXPECT_EQ((body.*add)(second), KARUnchanged);
-    EXPECT_EQ((body.*count)(), 3);
-
-    QOBSharedHandle<T> found(first);
-    EXPECT_EQ((body.*get)(-1, found), KARFailure);
-    EXPECT_FALSE(found);
-    found = first;
-    EXPECT_EQ((body.*get)(3, found), KARFailure);
-    EXPECT_FALSE(found);
-    EXPECT_EQ((body.*get)(1, found), KARSuccess);
-    EXPECT_EQ(found, second);
-
-    EXPECT_EQ((body.*remove)({}), KARFailure);
-    expectReport();
-    EXPECT_EQ((body.*remove)(second), KARSuccess);
-    EXPECT_EQ((body.*remove)(second), KARUnchanged);
-    EXPECT_EQ((body.*count)(), 2);
-    EXPECT_EQ((body.*get)(1, found), KARSuccess);
-    EXPECT_EQ(found, third);
-}
-
 TEST_F(BodyLinks, OfGeometryFollowTheRulesOfLists)
 {
-    CheckList<KARMPGeometry>(
+    CheckList<KARMPBody, KARMPGeometry>(
         *NewBody(L"b"), [this](const wchar_t* n) { return Keep(KARMPPoint::create(n)); },
         &KARMPBody::AddGeometry, &KARMPBody::RemoveGeometry, &KARMPBody::GetGeometry,
         &KARMPBody::GetGeometryCount, [this] { ExpectReports(1); });
@@ -53,7 +15,7 @@ TEST_F(BodyLinks, OfGeometryFollowTheRulesOfLists)
 
 TEST_F(BodyLinks, OfJointsFollowTheRulesOfLists)
 {
-    CheckList<KARMPJoint>(
+    CheckList<KARMPBody, KARMPJoint>(
         *NewBody(L"b"), [this](const wchar_t* n) { return New<KARMPJoint>(n); },
         &KARMPBody::LinkToJoint, &KARMPBody::RemoveJoint, &KARMPBody::GetLinkedJoint,
         &KARMPBody::GetLinkedJointCount, [this] { ExpectReports(1); });
@@ -61,7 +23,7 @@ TEST_F(BodyLinks, OfJointsFollowTheRulesOfLists)
 
 TEST_F(BodyLinks, OfShapesFollowTheRulesOfLists)
 {
-    CheckList<KARMPShape>(
+    CheckList<KARMPBody, KARMPShape>(
         *NewBody(L"b"), [this](const wchar_t* n) { return New<KARMPShape>(n); },
         &KARMPBody::LinkToShape, &KARMPBody::RemoveShape, &KARMPBody::GetLinkedShape,
         &KARMPBody::GetLinkedShapeCount, [this] { ExpectReports(1); });
@@ -69,7 +31,7 @@ TEST_F(BodyLinks, OfShapesFollowTheRulesOfLists)
 
 TEST_F(BodyLinks, OfConnectorsFollowTheRulesOfLists)
 {
-    CheckList<KARMPConnector>(
+    CheckList<KARMPBody, KARMPConnector>(
         *NewBody(L"b"), [this](const wchar_t* n) { return New<KARMPConnector>(n); },
         &KARMPBody::LinkToConnector, &KARMPBody::RemoveConnector, &KARMPBody::GetLinkedConnector,
         &KARMPBody::GetLinkedConnectorCount, [this] { ExpectReports(1); });
@@ -77,7 +39,7 @@ TEST_F(BodyLinks, OfConnectorsFollowTheRulesOfLists)
 
 TEST_F(BodyLinks, OfImpactedChildrenFollowTheRulesOfLists)
 {
-    CheckList<KARMPBody>(
+    CheckList<KARMPBody, KARMPBody>(
         *NewBody(L"b"), [this](const wchar_t* n) { return NewBody(n); },
         &KARMPBody::AddImpactedChildBody, &KARMPBody::RemoveBody, &KARMPBody::GetImpactedChildBody,
         &KARMPBody::GetImpactedChildBodyCount, [this] { ExpectReports(1); });
