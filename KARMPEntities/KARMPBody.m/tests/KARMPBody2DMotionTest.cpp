@@ -1,4 +1,5 @@
 #include "Body2DTesting.h"
+#include "VirtualSlot.h"
 
 namespace {
 
@@ -352,5 +353,17 @@ TEST_F(Body2DMotion, MassIsNoMatterOfTheLoaderAndNotTheBases)
     body->GetMass(mass);
     EXPECT_EQ(mass, 1.5);
 }
+
+#if defined(__GNUC__) && defined(__x86_64__)
+
+TEST_F(Body2DMotion, ThePlanarLoaderIsFetchedBehindTheOneForSpace)
+{
+    using Spatial = KARStatus (KARMPBody::*)(KARIMPBodyLoader*&) const;
+    using Planar = KARStatus (KARMPBody2D::*)(KARIMPBody2DLoader*&) const;
+    ExpectSlotsBehind(VirtualSlot(static_cast<Spatial>(&KARMPBody::GetLoader)),
+                      {VirtualSlot(static_cast<Planar>(&KARMPBody2D::GetLoader))});
+}
+
+#endif
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "GeometryKindTraits.h"
 #include "KARMPEntityTable.h"
 #include "KARMPTestFixture.h"
+#include "PlanarKindTraits.h"
 #include "TestDeserializer.h"
 #include "TestSerializer.h"
 
@@ -50,7 +51,8 @@ protected:
 
 using Kinds = testing::Types<KARMPPoint, KARMPLine, KARMPPlane, KARMPCircle, KARMPAxisSystem,
                              KARMPCylinder, KARMPCone, KARMPCylicone, KARMPSphere, KARMPTorus,
-                             KARMPCirline, KARMPParabola, KARMPEllipse, KARMPHyperbola>;
+                             KARMPCirline, KARMPParabola, KARMPEllipse, KARMPHyperbola,
+                             KARMPPoint2D, KARMPLine2D, KARMPCircle2D, KARMPSketch>;
 TYPED_TEST_SUITE(GeometryKind, Kinds);
 
 TYPED_TEST(GeometryKind, HasItsIdentity)
