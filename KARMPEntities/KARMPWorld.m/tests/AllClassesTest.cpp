@@ -185,6 +185,7 @@ private:
         static const std::map<std::wstring, std::vector<std::wstring>> words{
             {L"isActive", {L"no"}},
             {L"is_fixed", {L"yes"}},
+            {L"is_fixed2D", {L"yes"}},
             {L"RuleType", Rows<KARMPCollisionRuleType::Enum>()},
             {L"Alignment", Rows<KARMPAlignment::Enum>()},
             {L"CircleTorusOrientation", Rows<KARMPCircleTorusOrientation::Enum>()},
@@ -238,13 +239,6 @@ const std::map<std::string, std::string> NotReadBack{
 /// Classes that no factory makes, since their families are declared only or have but some of their
 /// kinds so far.
 const std::set<std::string_view> NotMade{
-    // Bodies, joints and geometry in a plane.
-    "KARMPBody2D",
-    "KARMPCircle2D",
-    "KARMPCurve2D",
-    "KARMPLine2D",
-    "KARMPPoint2D",
-    "KARMPSketch",
     // Shapes.
     "KARMP3DRep",
     "KARMPShapeBody",

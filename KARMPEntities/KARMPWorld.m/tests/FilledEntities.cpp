@@ -118,12 +118,15 @@ FilledEntities::FilledEntities()
     AddTwo(m_planarBodies, L"PB", Identified<KARMPBody2D>);
     AddTwo(m_geometries, L"G", Identified<KARMPPoint>);
     AddTwo(m_planarGeometries, L"PG", Identified<KARMPPoint2D>);
+    AddTwo(m_sketches, L"PK", Identified<KARMPSketch>);
     AddTwo(m_joints, L"J", Identified<KARMPRevolute>);
+    AddTwo(m_planarJoints, L"PJ", Identified<KARMPUserDefined2D>);
     AddTwo(m_motors, L"M", Identified<KARMPMotor>);
     AddTwo(m_constraints, L"C", Identified<KARMPConcentricity>);
     AddTwo(m_equations, L"E", Identified<KARMPEquation>);
     AddTwo(m_variables, L"V", Identified<KARMPVariable>);
     AddTwo(m_sensors, L"S", Identified<KARMPDisplacementSensor>);
+    AddTwo(m_planarSensors, L"PS", Identified<KARMPDisplacementSensor2D>);
     AddTwo(m_shapes, L"H", ConcreteEntity<KARMPShape>::create);
     AddTwo(m_connectors, L"N", ConcreteEntity<KARMPConnector>::create);
     AddTwo(m_constants, L"K", Identified<KARMPConstant>);
@@ -317,6 +320,8 @@ void FilledEntities::FillDrive(T& actuator)
 // A body says that it does not float only when it is not fixed and has a father.
 void FilledEntities::FillBody(KARMPBody& body)
 {
+    if (auto* planar = dynamic_cast<KARMPBody2D*>(&body))
+        return FillPlanarBody(*planar);
     body.SetPosition(Position(), 0);
     body.SetVelocity({Number(1.25), Number(2.5), Number(3.75)},
                      {Number(4.5), Number(5.25), Number(6.125)});
@@ -346,6 +351,8 @@ void FilledEntities::FillBody(KARMPBody& body)
 
 void FilledEntities::FillGeometry(KARMPGeometry& geometry)
 {
+    if (auto* planar = dynamic_cast<KARMPGeometry2D*>(&geometry))
+        FillPlanarGeometry(*planar);
     if (!HasLinks())
         return;
     geometry.SetBody(m_bodies[0]);
@@ -539,9 +546,9 @@ void FilledEntities::FillOwnContent(KARMPEntity& entity)
 {
     using Classes = karmp::FamilyList<
         KARMPAxisSystem, KARMPCircle, KARMPCirline, KARMPCone, KARMPCylicone, KARMPCylinder,
-        KARMPEllipse, KARMPHyperbola, KARMPLine, KARMPParabola, KARMPPlane, KARMPPoint, KARMPSphere,
-        KARMPTorus, KARMPCurve, KARMPSurface, KARMPAngle, KARMPCoaxiality, KARMPCoincidence,
-        KARMPDistance, KARMPNormal, KARMPParallelism, KARMPPerpendicularity,
+        KARMPEllipse, KARMPHyperbola, KARMPLine, KARMPParabola, KARMPPlane, KARMPPoint, KARMPSketch,
+        KARMPSphere, KARMPTorus, KARMPCurve, KARMPSurface, KARMPAngle, KARMPCoaxiality,
+        KARMPCoincidence, KARMPDistance, KARMPNormal, KARMPParallelism, KARMPPerpendicularity,
         KARMPRollCurveConstraint, KARMPSymmetry, KARMPTangency, KARMPLinearEquation,
         KARMPCylindricalConstraint, KARMPPrismaticConstraint, KARMPRevoluteConstraint,
         KARMPScrewConstraint, KARMPSphericalConstraint, KARMPBoolean, KARMPConstant,

@@ -12,6 +12,7 @@
 #include "KARMPConstant.h"
 #include "KARMPContactForceData.h"
 #include "KARMPDisplacementSensor.h"
+#include "KARMPDisplacementSensor2D.h"
 #include "KARMPDofSensor.h"
 #include "KARMPEntityTable.h"
 #include "KARMPEquation.h"
@@ -20,8 +21,10 @@
 #include "KARMPOutput.h"
 #include "KARMPParameter.h"
 #include "KARMPPoint2D.h"
+#include "KARMPSketch.h"
 #include "KARMPState.h"
 #include "KARMPSupport.h"
+#include "KARMPUserDefined2D.h"
 #include "KARMPWorld.h"
 #include "KARMPWorldFamilies.h"
 #include "QOBBasicWorld.h"
@@ -86,7 +89,9 @@ private:
     void FillDrive(T& actuator);
     void FillAttribute(KARMPAttribute& attribute);
     void FillBody(KARMPBody& body);
+    void FillPlanarBody(KARMPBody2D& body);
     void FillGeometry(KARMPGeometry& geometry);
+    void FillPlanarGeometry(KARMPGeometry2D& geometry);
     void FillJoint(KARMPJoint& joint);
     template <class Joint, class Body>
     void LinkJoint(Joint& joint, const Two<Body>& bodies);
@@ -133,6 +138,7 @@ private:
     KARMathVector Second() const { return KARMathVector(3.0, -6.0, 2.0) * Number(1.0 / 7.0); }
     KARMathVector Third() const { return KARMathVector(6.0, 2.0, -3.0) * Number(1.0 / 7.0); }
     KARMathTransformation Position() const;
+    KARMathPoint2D PlanarPoint() const { return {Number(1.5), Number(-2.25)}; }
     bool HasLinks() const { return m_filling != Filling::Values; }
 
     Filling m_filling = Filling::Nothing;
@@ -145,12 +151,15 @@ private:
     Two<KARMPBody2D> m_planarBodies;
     Two<KARMPGeometry> m_geometries;
     Two<KARMPGeometry2D> m_planarGeometries;
+    Two<KARMPSketch> m_sketches;
     Two<KARMPJoint> m_joints;
+    Two<KARMPUserDefined2D> m_planarJoints;
     Two<KARMPMotor> m_motors;
     Two<KARMPConstraint> m_constraints;
     Two<KARMPEquation> m_equations;
     Two<KARMPVariable> m_variables;
     Two<KARMPDisplacementSensor> m_sensors;
+    Two<KARMPDisplacementSensor2D> m_planarSensors;
     Two<KARMPShape> m_shapes;
     Two<KARMPConnector> m_connectors;
     Two<KARMPConstant> m_constants;
