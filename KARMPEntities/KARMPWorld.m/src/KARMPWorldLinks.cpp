@@ -1,16 +1,20 @@
 #include "KARMPBody2D.h"
 #include "KARMPDisplacementSensor.h"
+#include "KARMPDisplacementSensor2D.h"
 #include "KARMPDuplicates.h"
 #include "KARMPFailedCheck.h"
 #include "KARMPFunctionOfFamily.h"
+#include "KARMPGeometry2D.h"
 #include "KARMPJoint2D.h"
+#include "KARMPSketch.h"
 
 namespace {
 
 using karmp::Duplicates;
 // Planar classes have links of their own and stand before those that they are derived from.
-using LinkingFamilies = karmp::FamilyList<KARMPJoint2D, KARMPJoint, KARMPBody, KARMPConstraint,
-                                          KARMPVariable, KARMPGeometry, KARMPShape>;
+using LinkingFamilies =
+    karmp::FamilyList<KARMPJoint2D, KARMPJoint, KARMPBody2D, KARMPBody, KARMPConstraint,
+                      KARMPVariable, KARMPGeometry2D, KARMPGeometry, KARMPShape>;
 
 // A link of a source that is restored at its duplicate.
 struct Link
@@ -75,6 +79,12 @@ public:
         : m_source(source), m_duplicate(duplicate), m_links(links)
     {}
 
+    // For what the source has as one of its base.
+    template <class Base>
+    Collector<Base> As() const
+    {
+        return {m_source, m_duplicate, m_links};
+    }
     template <auto Operation, class T>
     void List(int (C::*count)() const, KARStatus (C::*get)(int, QOBSharedHandle<T>&) const) const
     {
@@ -139,6 +149,17 @@ void Collect(const Collector<KARMPBody>& body)
     body.List<&C::LinkToShape>(&C::GetLinkedShapeCount, &C::GetLinkedShape);
 }
 
+// What lists it as a body in space is linked as well.
+void Collect(const Collector<KARMPBody2D>& body)
+{
+    using C = KARMPBody2D;
+    Collect(body.As<KARMPBody>());
+    body.List<&C::AddGeometry>(&C::GetGeometryCount, &C::GetGeometry);
+    body.Single<&C::SetSketch>(&C::GetSketch);
+    body.List<&C::LinkToJoint>(&C::GetLinkedJointCount, &C::GetLinkedJoint);
+    body.Single<&C::SetDisplacementSensor>(&C::GetDisplacementSensor);
+}
+
 void Collect(const Collector<KARMPConstraint>& constraint)
 {
     using C = KARMPConstraint;
@@ -159,6 +180,16 @@ void Collect(const Collector<KARMPGeometry>& geometry)
     using C = KARMPGeometry;
     geometry.Single<&C::SetBody>(&C::GetBody);
     geometry.List<&C::LinkToConstraint>(&C::GetLinkedConstraintCount, &C::GetLinkedConstraint);
+}
+
+void Collect(const Collector<KARMPGeometry2D>& geometry)
+{
+    using C = KARMPGeometry2D;
+    using Body = QOBSharedHandle<KARMPBody2D>;
+    Collect(geometry.As<KARMPGeometry>());
+    geometry.Single<static_cast<KARStatus (C::*)(const Body&)>(&C::SetBody)>(
+        static_cast<KARStatus (C::*)(Body&) const>(&C::GetBody));
+    geometry.Single<&C::SetSketch>(&C::GetSketch);
 }
 
 void Collect(const Collector<KARMPShape>& shape)

@@ -2,6 +2,10 @@
 #include "CloneTesting.h"
 #include "KARMPBody2D.h"
 #include "KARMPCoincidence.h"
+#include "KARMPDisplacementSensor2D.h"
+#include "KARMPPoint.h"
+#include "KARMPPoint2D.h"
+#include "KARMPSketch.h"
 #include "KARMPUserDefined2D.h"
 
 namespace {
@@ -67,6 +71,55 @@ TEST_F(FilteredPlanarClone, DropsTheLinksThatLeadOutOfTheList)
     duplicate->GetLinkedBody(0, body);
     EXPECT_EQ(body, Named<KARMPBody>(*clone, L"second"));
     EXPECT_EQ(duplicate->GetConstraintCount(), 0);
+}
+
+TEST_F(FilteredPlanarClone, LinksAPlanarBodyToWhatItHasInPlaneAndSpace)
+{
+    const auto sketch = File<KARMPGeometry>(KARMPSketch::create(L"sketch"));
+    const auto point = File<KARMPGeometry>(KARMPPoint2D::create(L"point"));
+    const auto inSpace = File<KARMPGeometry>(KARMPPoint::create(L"in space"));
+    const auto sensor = File<KARMPSensor>(KARMPDisplacementSensor2D::create(L"sensor"));
+    first->SetSketch(sketch);
+    first->AddGeometry(point);
+    first->KARMPBody::AddGeometry(inSpace);
+    first->SetDisplacementSensor(sensor);
+    const auto clone = CloneOf({first, joint, sketch, point, inSpace, sensor});
+    const auto duplicate = PlanarNamed<KARMPBody2D, KARMPBody>(*clone, L"first");
+    QOBSharedHandle<KARMPSketch> foundSketch;
+    EXPECT_EQ(duplicate->GetSketch(foundSketch), KARSuccess);
+    EXPECT_EQ(foundSketch, Named<KARMPGeometry>(*clone, L"sketch"));
+    QOBSharedHandle<KARMPGeometry2D> foundPoint;
+    EXPECT_EQ(duplicate->GetGeometry(0, foundPoint), KARSuccess);
+    EXPECT_EQ(foundPoint, Named<KARMPGeometry>(*clone, L"point"));
+    QOBSharedHandle<KARMPGeometry> foundInSpace;
+    EXPECT_EQ(duplicate->KARMPBody::GetGeometry(0, foundInSpace), KARSuccess);
+    EXPECT_EQ(foundInSpace, Named<KARMPGeometry>(*clone, L"in space"));
+    QOBSharedHandle<KARMPJoint2D> foundJoint;
+    EXPECT_EQ(duplicate->GetLinkedJoint(0, foundJoint), KARSuccess);
+    EXPECT_EQ(foundJoint, Named<KARMPJoint>(*clone, L"joint"));
+    QOBSharedHandle<KARMPDisplacementSensor2D> foundSensor;
+    EXPECT_EQ(duplicate->GetDisplacementSensor(foundSensor), KARSuccess);
+    EXPECT_EQ(foundSensor, Named<KARMPSensor>(*clone, L"sensor"));
+}
+
+TEST_F(FilteredPlanarClone, LinksAPlanarGeometryToBodySketchAndConstraints)
+{
+    const auto sketch = File<KARMPGeometry>(KARMPSketch::create(L"sketch"));
+    const auto point = File<KARMPGeometry>(KARMPPoint2D::create(L"point"));
+    point->SetBody(first);
+    point->SetSketch(sketch);
+    point->LinkToConstraint(constraint);
+    const auto clone = CloneOf({point, first, sketch, constraint});
+    const auto duplicate = PlanarNamed<KARMPPoint2D, KARMPGeometry>(*clone, L"point");
+    QOBSharedHandle<KARMPBody2D> body;
+    EXPECT_EQ(duplicate->GetBody(body), KARSuccess);
+    EXPECT_EQ(body, Named<KARMPBody>(*clone, L"first"));
+    QOBSharedHandle<KARMPBody> inSpace;
+    EXPECT_EQ(duplicate->GetBody(inSpace), KARFailure);
+    QOBSharedHandle<KARMPSketch> foundSketch;
+    EXPECT_EQ(duplicate->GetSketch(foundSketch), KARSuccess);
+    EXPECT_EQ(foundSketch, Named<KARMPGeometry>(*clone, L"sketch"));
+    EXPECT_EQ(duplicate->GetLinkedConstraintCount(), 1);
 }
 
 } // namespace
