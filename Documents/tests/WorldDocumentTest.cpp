@@ -2,10 +2,12 @@
 #include "KARMPDocuments.h"
 
 #include "AllocationCounter.h"
+#include "EnvironmentVariable.h"
 #include "KARMPBody.h"
 #include "KARMPConstant.h"
 #include "KARMPFailedCheck.h"
 #include "KARMPMaterial.h"
+#include "KARMPParameter.h"
 #include "KARMPTestFixture.h"
 #include "KARMPValue.h"
 #include "KARMPWorld.h"
@@ -13,6 +15,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <filesystem>
 #include <sstream>
 #include <string>
@@ -356,6 +359,24 @@ TEST_F(WorldDocument, AReferenceOfAWrongClassGivesAMessage)
     ExpectMessage(checked.diagnostics, Code::WrongClass, Severity::Error,
                   BodyPath + "/Geometries/Geometry/@id");
     EXPECT_EQ(checked.world->Count<KARMPBody>(), 1);
+}
+
+TEST_F(WorldDocument, BytesOfAnAttributeThatAreNoTextAreEscapedAndNotReadBack)
+{
+    const EnvironmentVariable dumpOctets("DUMP_OCTET_AS_UTF8", "1");
+    constexpr std::array<unsigned char, 4> bytes{0xFF, 0, 0xC3, 'b'};
+    const auto parameter = KARMPParameter::create(L"Bytes");
+    parameter->SetOctetSequence(_SEQUENCE_octet(bytes));
+    m_world->Add<KARMPAttribute>(parameter);
+    const std::string text = Saved();
+    const std::string written = R"(<OctetSequence UTF8String="\x{DCFF}\x{0}\x{DCC3}b"/>)";
+    EXPECT_NE(text.find(written), std::string::npos) << text;
+    ExpectNothing(CheckText(text));
+    const LoadResult loaded = LoadText(text);
+    ExpectNothing(loaded.diagnostics);
+    QOBSharedHandle<KARMPAttribute> read;
+    ASSERT_EQ(loaded.world->Get<KARMPAttribute>(0, read), KARSuccess);
+    EXPECT_EQ(read->GetOctetSequence().length(), 0);
 }
 
 // A material as an application derives it.
