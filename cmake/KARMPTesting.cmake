@@ -98,3 +98,44 @@ function(karmp_add_package_test)
                 "${PROJECT_BINARY_DIR}/consumer" "${CMAKE_CXX_COMPILER}"
     )
 endfunction()
+
+# karmp_symbols_test(<name> OBJECTS <target>...)
+#
+# Looks at the objects of object libraries for functions that the linker would merge by mistake.
+function(karmp_symbols_test name)
+    cmake_parse_arguments(arg "" "" "OBJECTS" ${ARGN})
+    set(objects)
+    foreach(target IN LISTS arg_OBJECTS)
+        if(TARGET ${target})
+            list(APPEND objects "$<JOIN:$<TARGET_OBJECTS:${target}>,\n>\n")
+        endif()
+    endforeach()
+    list(JOIN objects "" content)
+    set(list "${PROJECT_BINARY_DIR}/symbols/${name}.txt")
+    file(GENERATE OUTPUT "${list}" CONTENT "${content}")
+    add_test(NAME ${name} COMMAND "${PROJECT_SOURCE_DIR}/tests/symbols/check" "${CMAKE_NM}" "${list}")
+    set_tests_properties(${name} PROPERTIES SKIP_RETURN_CODE 77)
+endfunction()
+
+# karmp_add_symbols_tests()
+#
+# The libraries have no such functions; two sources that do are found. Only GCC makes them.
+function(karmp_add_symbols_tests)
+    karmp_symbols_test(
+        symbols.libraries
+        OBJECTS KARPlatformObjects KARMPEntitiesObjects KARMPDocumentsObjects
+    )
+    if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        return()
+    endif()
+    set(folder "${PROJECT_SOURCE_DIR}/tests/symbols")
+    add_library(karmp_merged_samples OBJECT "${folder}/first.cpp" "${folder}/second.cpp")
+    target_link_libraries(karmp_merged_samples PRIVATE karmp_settings)
+    set_target_properties(karmp_merged_samples PROPERTIES CXX_EXTENSIONS OFF)
+    karmp_symbols_test(symbols.samples OBJECTS karmp_merged_samples)
+    set_tests_properties(
+        symbols.samples
+        PROPERTIES PASS_REGULAR_EXPRESSION "SampleShared::value" FAIL_REGULAR_EXPRESSION "SampleOf"
+                   SKIP_REGULAR_EXPRESSION "skipped:"
+    )
+endfunction()
