@@ -13,10 +13,12 @@ namespace karmp {
 
 using StreamBytes = std::vector<unsigned char>;
 
-/// Gives the text of bytes. Every failure is reported, more bytes than an int counts among them.
+/// Gives the text of bytes. Every failure is reported, more bytes than an int counts and an
+/// allocation that fails among them.
 bool StreamText(std::span<const unsigned char> bytes, std::wstring& text,
                 KARMPSourceLocation where);
-/// Gives the bytes of a text. Anything but base-64 and a text without bytes are reported.
+/// Gives the bytes of a text. Anything but base-64, a text without bytes and an allocation that
+/// fails are reported.
 bool StreamFromText(std::wstring_view text, StreamBytes& bytes, KARMPSourceLocation where);
 
 /// Adds an element with the text and the number of bytes as "length". Every failure is reported;
@@ -28,5 +30,9 @@ bool WriteStream(ElementWriter& parent, std::wstring_view name,
 /// decides.
 bool ReadStream(ElementReader& parent, std::wstring_view name, StreamBytes& bytes, Absent absent,
                 KARMPSourceLocation where);
+
+/// Reads an attribute of such a text, as required: every failure is reported and counts.
+bool ReadStreamAttribute(ElementReader& element, std::wstring_view name, StreamBytes& bytes,
+                         KARMPSourceLocation where = KARMPSourceLocation::current());
 
 } // namespace karmp

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <limits>
 #include <memory>
+#include <new>
 
 namespace karmp {
 namespace {
@@ -30,7 +31,7 @@ std::string Narrowed(std::wstring_view text)
 } // namespace
 
 bool StreamText(std::span<const unsigned char> bytes, std::wstring& text, KARMPSourceLocation where)
-{
+try {
     // The number of bytes is written as an int.
     if (!KARMPVerify(bytes.size() <= std::numeric_limits<std::int32_t>::max(), where))
         return false;
@@ -43,10 +44,12 @@ bool StreamText(std::span<const unsigned char> bytes, std::wstring& text, KARMPS
     const std::string_view narrow(encoded);
     text.assign(narrow.begin(), narrow.end());
     return true;
+} catch (const std::bad_alloc&) {
+    return KARMPVerify(false, where);
 }
 
 bool StreamFromText(std::wstring_view text, StreamBytes& bytes, KARMPSourceLocation where)
-{
+try {
     unsigned char* decoded = nullptr;
     std::int32_t count = 0;
     KARSysTSCodePage::ConvertFromBase64(Narrowed(text).c_str(), decoded, count);
@@ -55,6 +58,8 @@ bool StreamFromText(std::wstring_view text, StreamBytes& bytes, KARMPSourceLocat
         return false;
     bytes.assign(decoded, decoded + count);
     return true;
+} catch (const std::bad_alloc&) {
+    return KARMPVerify(false, where);
 }
 
 bool WriteStream(ElementWriter& parent, std::wstring_view name,
@@ -91,6 +96,18 @@ bool ReadStream(ElementReader& parent, std::wstring_view name, StreamBytes& byte
     if (!isRead && absent == Absent::ReportAndFail)
         parent.Fail();
     return isRead;
+}
+
+bool ReadStreamAttribute(ElementReader& element, std::wstring_view name, StreamBytes& bytes,
+                         KARMPSourceLocation where)
+{
+    ReadText text;
+    if (!element.Attribute(name, text, Absent::ReportAndFail, where))
+        return false;
+    if (StreamFromText(text.View(), bytes, where))
+        return true;
+    element.Fail();
+    return false;
 }
 
 } // namespace karmp
