@@ -1,0 +1,17 @@
+// Drawings of free curves and surfaces from the stored geometry.
+#pragma once
+
+#include "ViewScene.h"
+
+class KARMPCurve;
+class KARMPSurface;
+
+namespace karmp::tool {
+
+/// Adds the points of a curve, segment by segment; nothing when it has none.
+void DrawStoredCurve(const KARMPCurve& curve, ViewDrawing& drawing);
+/// Adds a mesh of a surface, or of the faces of a topological body. Faces within loops are drawn
+/// whole, as far as their surfaces go.
+void DrawStoredSurface(const KARMPSurface& surface, ViewDrawing& drawing);
+
+} // namespace karmp::tool

@@ -1,0 +1,244 @@
+// What a page shows of a world: entities, bodies, joints, connectors and couplings.
+#include "ViewFixture.h"
+#include "ViewRods.h"
+
+#include "../../../Examples/MechanismBuilder.h"
+
+#include <cmath>
+#include <set>
+#include <string>
+
+namespace karmp::tool {
+
+namespace {
+
+constexpr KARMathAxis Upright{{1, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
+
+TEST(ViewScene, HoldsEachEntityOfTheDocumentInTheOrderOfItsLists)
+{
+    const ViewScene scene = SceneOf("quarter-car");
+    int count = 0;
+    for (const ViewFamily& family : scene.families)
+        count += family.count;
+    EXPECT_EQ(count, static_cast<int>(scene.entities.size()));
+    EXPECT_EQ(count, 76);
+    EXPECT_EQ(scene.families.front().name, "Bodies");
+    EXPECT_EQ(scene.families[1].name, "Joints");
+    EXPECT_EQ(scene.entities[0].name, "Body");
+    EXPECT_EQ(scene.entities[0].identifier, "Body");
+    EXPECT_EQ(scene.kinds[static_cast<std::size_t>(scene.entities[0].kind)], "Body");
+    EXPECT_EQ(scene.title, "quarter-car");
+    EXPECT_EQ(scene.gravity, KARMathVector(0, 0, -9.81));
+}
+
+TEST(ViewScene, LinksEntitiesToWhatTheyReferTo)
+{
+    const ViewScene scene = SceneOf("slider-crank");
+    const auto& crank = scene.entities[0];
+    ASSERT_EQ(crank.name, "Crank");
+    std::set<std::string> linked;
+    for (const ViewLinks& links : crank.links)
+        for (const int target : links.targets)
+            linked.insert(scene.labels[static_cast<std::size_t>(links.label)] + ": " +
+                          scene.entities[static_cast<std::size_t>(target)].name);
+    EXPECT_EQ(linked.count("Joints: Crank pin"), 1U);
+    EXPECT_EQ(linked.count("Joints: Main bearing"), 1U);
+    EXPECT_EQ(linked.size(), 4U) << "two geometries and two joints";
+}
+
+TEST(ViewScene, DrawsABodyAsRodsBetweenItsAnchors)
+{
+    const ViewScene scene = SceneOf("seven-body");
+    const auto* const body = Drawn(scene, scene.bodies, "K3");
+    ASSERT_NE(body, nullptr);
+    EXPECT_EQ(body->anchors.size(), 3U) << "E, where three joints meet, B and D";
+    EXPECT_EQ(body->rods.size(), 2U);
+    EXPECT_TRUE(body->center);
+    EXPECT_FALSE(body->isFixed || body->isGround);
+    const auto* const ground = Drawn(scene, scene.bodies, "GlobalBody");
+    ASSERT_NE(ground, nullptr);
+    EXPECT_TRUE(ground->isGround);
+    EXPECT_TRUE(ground->rods.empty());
+}
+
+TEST(ViewScene, HoldsABodyOfOneAnchorByItsCentre)
+{
+    MechanismBuilder builder(L"w", {});
+    const auto body = builder.AddBody(L"pendulum", KARMathTransformation());
+    builder.AddPoint(body, L"end", {1, 0, 0});
+    const auto only = [&] {
+        const ViewScene scene = CollectScene(*builder.World(), "w");
+        return *Drawn(scene, scene.bodies, "pendulum");
+    };
+    EXPECT_TRUE(only().rods.empty()) << "no mass, no centre";
+    body->SetMass(2.0);
+    body->SetCenterOfGravity({3, 0, 0});
+    ASSERT_EQ(only().rods.size(), 1U);
+    ExpectNear(only().rods[0].second, {3, 0, 0});
+    const auto bare = builder.AddBody(L"bare", KARMathTransformation());
+    const ViewScene scene = CollectScene(*builder.World(), "w");
+    EXPECT_EQ(Drawn(scene, scene.bodies, "bare")->anchors.size(), 1U);
+}
+
+TEST(ViewScene, HoldsPointsByTheShortestRods)
+{
+    const auto rods = RodsBetween({{0, 0, 0}, {5, 0, 0}, {1, 0, 0}, {1, 2, 0}});
+    double length = 0.0;
+    for (const auto& [from, to] : rods)
+        length += (to - from).Norm();
+    EXPECT_EQ(rods.size(), 3U);
+    EXPECT_DOUBLE_EQ(length, 7.0);
+    EXPECT_EQ(WithoutDoubles({{0, 0, 0}, {0, 0, 1e-9}, {1, 0, 0}}, 1e-6).size(), 2U);
+    EXPECT_TRUE(RodsBetween({}).empty());
+    EXPECT_EQ(RodsBetween(std::vector<KARMathPoint>(5000)).size(), 4999U);
+}
+
+TEST(ViewScene, PutsJointsWhereTheirFramesAreInTheWorld)
+{
+    MechanismBuilder builder(L"w", {});
+    const auto arm = builder.AddBody(L"arm", {0, 3, 0}, std::acos(0.0));
+    builder.AddJointAt<KARMPRevolute, KARMPRevoluteConstraint>(L"hinge", builder.Ground(), arm,
+                                                               Upright);
+    const ViewScene scene = CollectScene(*builder.World(), "w");
+    const auto* const joint = Drawn(scene, scene.joints, "hinge");
+    ASSERT_NE(joint, nullptr);
+    EXPECT_EQ(joint->symbol, "revolute");
+    ASSERT_EQ(joint->frames.size(), 2U);
+    for (const ViewFrame& frame : joint->frames) {
+        ExpectNear(frame.axis.GetOrigin(), {1, 0, 0});
+        ExpectNear(KARMathPoint() + frame.axis.GetThirdDirection(), {0, 0, 1});
+    }
+    EXPECT_TRUE(joint->frames[0].isGround);
+    EXPECT_FALSE(joint->frames[1].isGround);
+}
+
+TEST(ViewScene, PutsTheParentsFrameFirst)
+{
+    MechanismBuilder builder(L"w", {});
+    const auto arm = builder.AddBody(L"arm", KARMathTransformation());
+    const auto joint = builder.File<KARMPJoint>(KARMPUniversal::create(L"u"), L"u");
+    const auto constraint = builder.File<KARMPConstraint>(KARMPCoincidence::create(L"c"), L"c");
+    joint->AddConstraint(constraint);
+    constraint->LinkToGeometry(builder.AddAxisSystem(arm, L"a", Upright));
+    constraint->LinkToGeometry(builder.AddAxisSystem(builder.Ground(), L"g", {}));
+    joint->LinkToBody(arm, KARMPBodyOrientation::In);
+    joint->LinkToBody(builder.Ground(), KARMPBodyOrientation::Out);
+    const ViewScene scene = CollectScene(*builder.World(), "w");
+    ASSERT_EQ(scene.joints.size(), 1U);
+    ASSERT_EQ(scene.joints[0].frames.size(), 2U);
+    EXPECT_TRUE(scene.joints[0].frames[0].isGround);
+    ExpectNear(scene.joints[0].frames[1].axis.GetOrigin(), {1, 0, 0});
+}
+
+TEST(ViewScene, PrefersAnAxisSystemToALineAndALineToAPoint)
+{
+    MechanismBuilder builder(L"w", {});
+    const auto arm = builder.AddBody(L"arm", KARMathTransformation());
+    const auto joint = builder.File<KARMPJoint>(KARMPCylindrical::create(L"j"), L"j");
+    joint->LinkToBody(arm, KARMPBodyOrientation::In);
+    const auto use = [&](const QOBSharedHandle<KARMPGeometry>& geometry, const std::wstring& name) {
+        const auto constraint = builder.File<KARMPConstraint>(KARMPCoincidence::create(name), name);
+        constraint->LinkToGeometry(geometry);
+        joint->AddConstraint(constraint);
+        const ViewScene scene = CollectScene(*builder.World(), "w");
+        return scene.joints.at(0).frames.at(0).axis;
+    };
+    EXPECT_EQ(use(builder.AddPoint(arm, L"p", {7, 0, 0}), L"c1").GetOrigin(),
+              KARMathPoint(7, 0, 0));
+    const auto line = KARMPLine::create(L"l");
+    line->SetLine({{8, 0, 0}, {0, 1, 0}});
+    const KARMathAxis onLine = use(builder.Attach(line, arm, L"l"), L"c2");
+    EXPECT_EQ(onLine.GetOrigin(), KARMathPoint(8, 0, 0));
+    EXPECT_EQ(onLine.GetThirdDirection(), KARMathVector(0, 1, 0));
+    EXPECT_EQ(use(builder.AddAxisSystem(arm, L"a", Upright), L"c3"), Upright);
+}
+
+TEST(ViewScene, PutsAJointWithoutGeometryBetweenItsBodies)
+{
+    MechanismBuilder builder(L"w", {});
+    const auto joint = builder.File<KARMPJoint>(KARMPRigid::create(L"weld"), L"weld");
+    const auto empty = builder.File<KARMPJoint>(KARMPRigid::create(L"empty"), L"empty");
+    joint->LinkToBody(builder.AddBody(L"a", {2, 0, 0}, 0.0), KARMPBodyOrientation::Out);
+    joint->LinkToBody(builder.AddBody(L"b", {4, 2, 0}, 0.0), KARMPBodyOrientation::In);
+    const ViewScene scene = CollectScene(*builder.World(), "w");
+    ASSERT_EQ(scene.joints.size(), 1U);
+    EXPECT_EQ(scene.joints[0].symbol, "joint");
+    ExpectNear(scene.joints[0].frames.at(0).axis.GetOrigin(), {3, 1, 0});
+    for (const ViewEntity& entity : scene.entities)
+        EXPECT_EQ(entity.note.empty(), entity.name != "empty") << entity.name;
+}
+
+TEST(ViewScene, SpansConnectorsBetweenTheirGeometries)
+{
+    const ViewScene scene = SceneOf("quarter-car");
+    const auto* const spring = Drawn(scene, scene.connectors, "Tyre");
+    ASSERT_NE(spring, nullptr);
+    EXPECT_EQ(spring->symbol, "spring");
+    EXPECT_GT((spring->to.axis.GetOrigin() - spring->from.axis.GetOrigin()).Norm(), 0.1);
+    EXPECT_NE(spring->from.isGround, spring->to.isGround);
+    EXPECT_EQ(Drawn(scene, scene.connectors, "Front bushing")->symbol, "bushing");
+    EXPECT_EQ(Drawn(scene, scene.connectors, "Torsion bar")->symbol, "torsion");
+}
+
+TEST(ViewScene, SpansASpringWithoutGeometryBetweenItsAttachments)
+{
+    MechanismBuilder builder(L"w", {});
+    const auto spring = builder.File<KARMPConnector>(KARMPLinearSpring::create(L"s"), L"s");
+    spring->SetFirstBody(builder.Ground());
+    spring->SetSecondBody(builder.AddBody(L"a", {2, 0, 0}, 0.0));
+    spring->SetSecondAttachment({0, 1, 0});
+    const ViewScene scene = CollectScene(*builder.World(), "w");
+    ASSERT_EQ(scene.connectors.size(), 1U);
+    ExpectNear(scene.connectors[0].from.axis.GetOrigin(), {0, 0, 0});
+    ExpectNear(scene.connectors[0].to.axis.GetOrigin(), {2, 1, 0});
+}
+
+TEST(ViewScene, LeadsCouplingsThroughTheJointsThatTheyRelate)
+{
+    const ViewScene scene = SceneOf("gear-pair");
+    EXPECT_EQ(scene.joints.size(), 2U);
+    ASSERT_EQ(scene.couplings.size(), 1U);
+    EXPECT_EQ(scene.couplings[0].points.size(), 2U);
+    EXPECT_EQ(scene.entities[static_cast<std::size_t>(scene.couplings[0].entity)].name, "Gear");
+}
+
+TEST(ViewScene, LeavesOutBodiesThatAreNowhereAndSaysSo)
+{
+    MechanismBuilder builder(L"w", {});
+    const auto lost = builder.AddBody(L"lost", KARMathTransformation());
+    builder.AddPoint(lost, L"p", {1, 0, 0});
+    builder.AddJointAt<KARMPRevolute, KARMPRevoluteConstraint>(L"hinge", builder.Ground(), lost,
+                                                               Upright);
+    lost->SetPosition(KARMathTransformation(KARMathVector(std::nan(""), 0, 0)), 0);
+    const ViewScene scene = CollectScene(*builder.World(), "w");
+    EXPECT_EQ(Drawn(scene, scene.bodies, "lost"), nullptr);
+    EXPECT_EQ(scene.joints.at(0).frames.size(), 1U) << "that of the ground";
+    for (const ViewEntity& entity : scene.entities)
+        if (entity.name == "lost")
+            EXPECT_NE(entity.note, "");
+    EXPECT_TRUE(std::isfinite(scene.symbolSize));
+}
+
+TEST(ViewScene, OfAnEmptyWorldIsEmptyAndUsable)
+{
+    const auto basicWorld = QOBBasicWorld::create(L"w");
+    const auto world = KARMPWorld::create(basicWorld);
+    const ViewScene scene = CollectScene(*world, "empty");
+    EXPECT_TRUE(scene.joints.empty());
+    EXPECT_GT(scene.symbolSize, 0.0);
+}
+
+TEST(ViewScene, SuitsItsSymbolsToTheRods)
+{
+    MechanismBuilder builder(L"w", {});
+    for (int i = 0; i < 100; ++i) {
+        const auto body = builder.AddBody(L"b" + std::to_wstring(i), {1.0 * i, 0, 0}, 0.0);
+        builder.AddPoint(body, L"p", {0, 0, 0});
+        builder.AddPoint(body, L"q", {1, 0, 0});
+    }
+    EXPECT_NEAR(CollectScene(*builder.World(), "w").symbolSize, 0.3, 1e-9);
+}
+
+} // namespace
+
+} // namespace karmp::tool
