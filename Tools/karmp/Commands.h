@@ -99,6 +99,15 @@ struct GraphOptions
 /// Graphviz.
 int RunGraph(const GraphOptions& options);
 
+/// The arguments of `karmp view`.
+struct ViewOptions
+{
+    std::string file;
+    std::string output; // standard output when empty
+};
+/// Writes a page that shows the mechanism in space beside the tree of its entities.
+int RunView(const ViewOptions& options);
+
 /// The arguments of `karmp outputs`.
 struct OutputsOptions
 {

@@ -168,6 +168,18 @@ int Run(int argc, char** argv)
         Footer("karmp graph crank.xml --output crank.svg"));
     graphApp->callback([&] { command = [&graph] { return RunGraph(graph); }; });
 
+    ViewOptions view;
+    CLI::App* viewApp = app.add_subcommand(
+        "view", "The mechanism in space as one page for a browser, which loads nothing else");
+    viewApp->add_option("FILE", view.file, "Document")->required();
+    viewApp->add_option("-o,--output", view.output, "File to write; standard output without it");
+    viewApp->footer(
+        "The page needs a browser with WebGL 2 and no network. It shows bodies by their "
+        "shapes or, without one, by their geometry, joints and springs as symbols, and "
+        "the tree of entities beside them; press ? for the keys.\n\n" +
+        Footer("karmp view crank.xml --output crank.html"));
+    viewApp->callback([&] { command = [&view] { return RunView(view); }; });
+
     OutputsOptions outputs;
     CLI::App* outputsApp = app.add_subcommand(
         "outputs", "Parameters, states and outputs of the entities by path, with their values");

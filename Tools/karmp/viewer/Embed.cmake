@@ -1,0 +1,45 @@
+# Writes a header with the viewer's page, style and program, whose scripts become one.
+#
+# cmake -Dfiles=<file>|<file>... -Doutput=<header> -P Embed.cmake
+
+cmake_minimum_required(VERSION 3.25)
+
+set(page "")
+set(style "")
+set(program "\n(() => {\n\"use strict\";\n")
+string(REPLACE "|" ";" files "${files}")
+foreach(path IN LISTS files)
+    file(READ "${path}" text)
+    if(path MATCHES "\\.html$")
+        string(APPEND page "${text}")
+    elseif(path MATCHES "\\.css$")
+        string(APPEND style "\n${text}")
+    else()
+        string(APPEND program "\n${text}")
+    endif()
+endforeach()
+string(APPEND program "})();\n")
+
+# A literal holds at most so many characters with every compiler.
+function(add_literal name text)
+    set(literal "")
+    string(LENGTH "${text}" length)
+    set(start 0)
+    while(start LESS length)
+        string(SUBSTRING "${text}" ${start} 8000 part)
+        string(APPEND literal "\n    R\"viewer(${part})viewer\"")
+        math(EXPR start "${start} + 8000")
+    endwhile()
+    set(header "${header}inline constexpr std::string_view ${name} =${literal};\n" PARENT_SCOPE)
+endfunction()
+
+string(SHA256 style_hash "${style}")
+string(SHA256 program_hash "${program}")
+set(header "#pragma once\n\n#include <string_view>\n\nnamespace karmp::tool::viewer {\n\n")
+add_literal(Page "${page}")
+add_literal(Style "${style}")
+add_literal(Program "${program}")
+string(APPEND header "inline constexpr std::string_view StyleHash = \"${style_hash}\";\n")
+string(APPEND header "inline constexpr std::string_view ProgramHash = \"${program_hash}\";\n")
+string(APPEND header "\n} // namespace karmp::tool::viewer\n")
+file(WRITE "${output}" "${header}")

@@ -1,0 +1,32 @@
+// The colours of what is drawn, light and dark, by the number that drawings hold.
+
+const Colour = {
+  ground: 0, joint: 1, axis: 2, spring: 3, bushing: 4, geometry: 5, plane: 6, xAxis: 7, yAxis: 8,
+  zAxis: 9, grid: 10, gridMain: 11, coupling: 12, fixed: 13, mass: 14, joined: 15, firstBody: 16,
+};
+const BodyColours = 12;
+
+const palettes = {
+  light: {
+    back: "#f6f7f9", mark: "#f76707",
+    colours: [
+      "#aeb6c1", "#5c6675", "#e8590c", "#2b8a3e", "#9c6b30", "#495057", "#4c8bd0", "#d6336c",
+      "#37a34a", "#2f6fde", "#e3e7ec", "#cfd6de", "#ae3ec9", "#98a2af", "#212529", "#8794a6",
+      "#3b82c4", "#d1603d", "#4f9d69", "#8a63b8", "#c79a2b", "#3f9fa6", "#c25b86", "#7d8f3a",
+      "#5566c0", "#b0764a", "#4d8fb5", "#a04f6b"],
+  },
+  dark: {
+    back: "#14181f", mark: "#ff8c1a",
+    colours: [
+      "#6c7685", "#aab4c2", "#ffa94d", "#69db7c", "#d9a866", "#adb5bd", "#4c8bd0", "#ff6b9a",
+      "#69db7c", "#74a9ff", "#20262f", "#2f3742", "#e599f7", "#7b8695", "#f1f3f5", "#8a97a8",
+      "#62a3e0", "#ec8561", "#74c08d", "#ad8bd8", "#e0b94e", "#5fc3ca", "#e382ab", "#a5b95a",
+      "#8291e6", "#d09b6d", "#74b3d6", "#c97791"],
+  },
+};
+
+const bodyColour = number => Colour.firstBody + number % BodyColours;
+
+// Red, green and blue from 0 to 1.
+const parts = colour =>
+  [1, 3, 5].map(start => parseInt(colour.slice(start, start + 2), 16) / 255);
