@@ -25,7 +25,8 @@ class Drawing {
     this.drawn = new Set();
     this.places = new Map(); // a point of each drawn entity
     const number = this.data.joints.length + this.data.bodies.length;
-    this.segments = number > 3000 ? 8 : number > 600 ? 12 : 24;
+    this.isCrowded = number > 3000; // each is small in the picture
+    this.segments = this.isCrowded ? 6 : number > 600 ? 12 : 24;
     this.size = this.data.symbolSize || 1;
     this.measure();
     this.offset = this.bounds.center;
@@ -121,12 +122,17 @@ class Drawing {
 
   cylinder(layer, from, to, radius, entity, colour) {
     const axis = subtract(to, from);
-    this.add(layer, "cylinder", () => cylinderMesh(this.segments),
+    const make = this.isCrowded ? pipeMesh : cylinderMesh;
+    this.add(layer, "cylinder", () => make(this.segments),
       along(times(add(from, to), 0.5), unit(axis), radius, norm(axis)), entity, colour);
   }
   ball(layer, at, radius, entity, colour) {
     this.add(layer, "sphere", () => sphereMesh(this.segments),
       framed(at, [[1, 0, 0], [0, 1, 0], [0, 0, 1]], [radius, radius, radius]), entity, colour);
+  }
+
+  bearing() {
+    return this.isCrowded ? cylinderMesh(this.segments) : bearingMesh(this.segments);
   }
 
   addBody(body) {
@@ -160,10 +166,13 @@ class Drawing {
     for (const rod of body.rods)
       this.cylinder("bodies", placed(body.position, rod.slice(0, 3)),
         placed(body.position, rod.slice(3, 6)), radius, body.entity, colour);
-    for (const point of points)
+    for (const point of this.isCrowded ? [] : points)
       this.ball("bodies", point, radius, body.entity, colour);
-    if (points.length > 0)
-      this.places.set(body.entity, times(points.reduce(add), 1 / points.length));
+    const lengthOf = rod => distance(rod.slice(0, 3), rod.slice(3, 6));
+    const [longest] = [...body.rods].sort((a, b) => lengthOf(b) - lengthOf(a));
+    if (longest)
+      this.places.set(body.entity,
+        placed(body.position, times(add(longest.slice(0, 3), longest.slice(3, 6)), 0.5)));
   }
 
   // A body of one anchor is a disc about the axis system there, or a ball.
@@ -271,7 +280,7 @@ class Drawing {
     const axis = (frame, reach) => this.addLine("joints",
       subtract(frame.origin, times(frame.z, reach)), add(frame.origin, times(frame.z, reach)),
       joint.entity, Colour.axis, 1.6);
-    const bearing = () => bearingMesh(this.segments);
+    const bearing = () => this.bearing();
     const symbols = {
       revolute: () => {
         put("bearing", bearing, parent, 0.62, 0.62, 1.7);
@@ -325,7 +334,7 @@ class Drawing {
     const s = this.size;
     const isRail = symbol === "prismatic" || symbol === "cylindrical";
     const middle = subtract(frame.origin, times(frame.z, (isRail ? 2.4 : 0.85) * s));
-    this.add("joints", "bearing", () => bearingMesh(this.segments),
+    this.add("joints", "bearing", () => this.bearing(),
       framed(middle, [frame.x, frame.y, frame.z], [1.15 * s, 1.15 * s, 0.34 * s]), entity, Colour.ground);
   }
 

@@ -336,6 +336,7 @@ class Pointer {
     listen("pointerup", this.onUp);
     listen("pointercancel", event => this.end(event));
     listen("pointerleave", () => this.showTip(-1));
+    listen("blur", () => this.canvas.classList.remove("by-pointer"));
     listen("wheel", this.onWheel);
     listen("contextmenu", event => event.preventDefault());
     listen("dblclick", event => viewer.select(this.pick(event), true));
@@ -352,7 +353,7 @@ class Pointer {
     if (this.down.size === 0)
       this.way = 0;
     this.down.set(event.pointerId, this.at(event));
-    this.canvas.classList.add("turning");
+    this.canvas.classList.add("turning", "by-pointer");
     this.canvas.focus({preventScroll: true});
   }
 
