@@ -85,6 +85,8 @@ function(karmp_add_library name)
     )
     target_compile_features(${name} PUBLIC cxx_std_20)
     target_include_directories(${name} PUBLIC "$<BUILD_INTERFACE:${public_folders}>")
+    # The linker's part of the direct calls: those from one source to another.
+    target_link_options(${name} PRIVATE $<$<CXX_COMPILER_ID:GNU>:LINKER:-Bsymbolic-functions>)
     set_target_properties(
         ${name} PROPERTIES VERSION ${PROJECT_VERSION}
                            SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
