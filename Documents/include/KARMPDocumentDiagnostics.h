@@ -50,6 +50,9 @@ enum class Code : std::uint8_t {
     WrongClass,           ///< A reference to an entity of a class that does not fit there.
     OneSidedLink,         ///< A link that the entity at its other end does not have.
     WrongRegistry,        ///< An entity is in the list of another family.
+    NotFinite,            ///< A number to save is an infinity or no number.
+    NotReadBack,          ///< What is saved of an entity is not given back by a document.
+    AlreadyInWorld,       ///< The world that is loaded into holds entities of the document already.
     MotorWithoutVariable, ///< A motor drives no variable.
     SharedVariable,       ///< Two motors drive one variable.
     ForceWithoutTarget,   ///< A force acts on no joint or body.

@@ -30,13 +30,20 @@ struct SaveOptions
     std::wstring version = std::wstring(CurrentVersion);
     Doubles doubles = Doubles::Snapped;
     Limits limits;
+    /// What the document would lose or falsify is looked for before it is written. An identifier
+    /// that two entities carry and a link to an entity that the document does not hold are errors.
+    /// A link that the other end lacks, a number that is not finite, and an item that documents, or
+    /// those of the version, do not give back are warnings.
+    bool check = true;
+    /// The document is written all the same: what the check finds is warnings then.
+    bool allowLosses = false;
 };
 
 /// Saves a world to a file. The document is written to a new file in the same folder, which
 /// replaces the existing one when all of it is on the disk: a failure leaves the existing file as
 /// it was. The permissions of a file that is replaced are kept; a symbolic link stays one, and the
 /// file it leads to is replaced. Failed checks of the library are warnings; after an error nothing
-/// was saved.
+/// was saved. What the options' check finds names the entity and its path in the document.
 KARMP_DOCUMENTS_API Diagnostics SaveFile(const QOBSharedHandle<KARMPWorld>& world,
                                          const std::filesystem::path& path,
                                          const SaveOptions& options = {});
@@ -67,7 +74,8 @@ struct LoadResult
 };
 
 /// Loads a file into `into`, or into a new world under a QOBBasicWorld of its own when that is
-/// null. The handle of a world keeps its QOBBasicWorld. Entities that `into` holds already stay.
+/// null. The handle of a world keeps its QOBBasicWorld. Entities that `into` holds already stay; a
+/// warning tells when entities of the document have their identifiers, as at a second load.
 /// Curves that are loaded free the limits of their segments at their end.
 KARMP_DOCUMENTS_API LoadResult LoadFile(const std::filesystem::path& path,
                                         const LoadOptions& options = {},

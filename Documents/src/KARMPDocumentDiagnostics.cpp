@@ -75,6 +75,12 @@ std::string_view CodeText(Code code)
         return "one-sided-link";
     case Code::WrongRegistry:
         return "wrong-registry";
+    case Code::NotFinite:
+        return "not-finite";
+    case Code::NotReadBack:
+        return "not-read-back";
+    case Code::AlreadyInWorld:
+        return "already-in-world";
     case Code::MotorWithoutVariable:
         return "motor-without-variable";
     case Code::SharedVariable:

@@ -8,6 +8,7 @@
 #include "KARMPFamilies.h"
 #include "KARMPMaterial.h"
 #include "KARMPReadingPlace.h"
+#include "KARMPSaveCheck.h"
 #include "KARMPStreamedTree.h"
 #include "KARMPTextCapacity.h"
 #include "KARMPWholeFile.h"
@@ -20,6 +21,7 @@
 #include <new>
 #include <ostream>
 #include <string_view>
+#include <unordered_set>
 #include <utility>
 
 namespace karmp::documents {
@@ -59,6 +61,12 @@ private:
     Messages& m_messages;
     std::string m_activity;
     const KARMPDocumentReader* m_root;
+};
+
+/// Keeps the failed checks of this thread back: those of a world that was written were told then.
+class SilentListener final : private KARMPFailedCheckListener
+{
+    void OnFailedCheck(const char* /*file*/, int /*line*/) override {}
 };
 
 std::string While(std::string_view event, std::string_view activity)
@@ -113,6 +121,23 @@ void TellOfMaterials(const KARMPWorld& world, Messages& messages)
                                                              : " materials, which write nothing"));
 }
 
+// Adds what a save of a world for a version loses or falsifies.
+void CheckSaving(const KARMPWorld& world, const std::string& name, const SaveOptions& options,
+                 Diagnostics& diagnostics)
+{
+    Diagnostics found;
+    Messages messages(found, name, options.limits.diagnostics);
+    constexpr std::string_view activity = "the world was checked";
+    Guarded(messages, activity, [&] {
+        const SilentListener listener;
+        SaveCheck(world, options.version, messages).Run();
+    });
+    if (options.allowLosses)
+        for (Diagnostic& item : found.items)
+            item.severity = Severity::Warning;
+    diagnostics.Append(std::move(found));
+}
+
 // Appends a world's document to `bytes`.
 Diagnostics RenderWorld(const QOBSharedHandle<KARMPWorld>& world, const std::string& name,
                         std::string& bytes, const SaveOptions& options)
@@ -133,7 +158,8 @@ Diagnostics RenderWorld(const QOBSharedHandle<KARMPWorld>& world, const std::str
         ReserveMore(bytes, ExpectedSize(*world));
         Diagnostics rendered;
         Messages renderMessages(rendered, name, options.limits.diagnostics);
-        StreamedTree tree(options.version, options.doubles, bytes, options.limits, renderMessages);
+        StreamedTree tree(options.version, options.doubles, bytes, options.limits, renderMessages,
+                          options.check);
         {
             const CheckListener listener(messages, std::string(activity));
             if (KARFailed(world->Serialize(&tree.Root()))) {
@@ -145,6 +171,8 @@ Diagnostics RenderWorld(const QOBSharedHandle<KARMPWorld>& world, const std::str
         TellOfMaterials(*world, messages);
         diagnostics.Append(std::move(rendered));
     });
+    if (options.check && !diagnostics.HasErrors())
+        CheckSaving(*world, name, options, diagnostics);
     return diagnostics;
 }
 
@@ -197,10 +225,52 @@ bool ReadWorld(const Document& document, const QOBSharedHandle<KARMPWorld>& into
     return !castFailed;
 }
 
+/// The entities that a world lists before a document is loaded into it.
+class FormerEntities
+{
+public:
+    void Note(const KARMPWorld& world)
+    {
+        const ListedEntities listed(world);
+        std::wstring identifier;
+        for (std::size_t number = 0; number < listed.Count(); ++number) {
+            GetIdentifierOf(listed.At(number), identifier);
+            m_entities.insert(&listed.At(number));
+            m_identifiers.insert(identifier);
+        }
+    }
+    /// Tells when entities that are new have identifiers of former ones.
+    void Compare(const KARMPWorld& world, Messages& messages) const
+    {
+        const ListedEntities listed(world);
+        std::size_t count = 0;
+        std::string first;
+        std::wstring identifier;
+        for (std::size_t number = 0; number < listed.Count(); ++number) {
+            const KARMPEntity& entity = listed.At(number);
+            GetIdentifierOf(entity, identifier);
+            if (m_entities.count(&entity) != 0 || m_identifiers.count(identifier) == 0)
+                continue;
+            if (count++ == 0)
+                first = TitleOf(entity);
+        }
+        if (count > 0)
+            messages.Warning(Code::AlreadyInWorld,
+                             "the world already held entities with the identifiers of " +
+                                 std::to_string(count) + " that were read, " + first +
+                                 " for one; was the document loaded before?");
+    }
+
+private:
+    std::unordered_set<const KARMPEntity*> m_entities;
+    std::unordered_set<std::wstring> m_identifiers;
+};
+
 LoadResult LoadDocument(Document document, const LoadOptions& options,
                         const QOBSharedHandle<KARMPWorld>& into)
 {
     LoadResult result;
+    FormerEntities former;
     result.version = document.Version();
     if (document.Root() == nullptr) {
         result.diagnostics = document.Messages();
@@ -212,6 +282,8 @@ LoadResult LoadDocument(Document document, const LoadOptions& options,
     }
     result.diagnostics = document.Messages();
     Messages messages(result.diagnostics, document.Name(), options.limits.diagnostics);
+    if (into)
+        Guarded(messages, "the world was looked at", [&] { former.Note(*into); });
     // A check finds the reference that the reading failed on; a new world can be read once more.
     if (!ReadWorld(document, into, result, messages) && options.check == CheckLevel::None &&
         !into) {
@@ -219,6 +291,8 @@ LoadResult LoadDocument(Document document, const LoadOptions& options,
         document.DropWrongReferences();
         ReadWorld(document, into, result, messages);
     }
+    if (into)
+        Guarded(messages, "the world was looked at", [&] { former.Compare(*into, messages); });
     return result;
 }
 

@@ -38,10 +38,10 @@ private:
 };
 
 StreamedTree::StreamedTree(std::wstring_view version, Doubles doubles, std::string& bytes,
-                           const Limits& limits, Messages& messages)
+                           const Limits& limits, Messages& messages, bool tellsOfNumbers)
     : m_bytes(bytes),
       m_before(bytes.size()),
-      m_renderer(bytes, limits, messages),
+      m_renderer(bytes, limits, messages, tellsOfNumbers),
       m_root(Node::Make(m_rootMemory, *this))
 {
     m_root->SetVersion(version);

@@ -18,9 +18,10 @@ namespace karmp::documents {
 class StreamedTree
 {
 public:
-    /// Appends to `bytes`; all arguments but the version must outlive the tree.
+    /// Appends to `bytes`; all arguments but the version must outlive the tree. With
+    /// `tellsOfNumbers` a number that is not finite is a warning.
     StreamedTree(std::wstring_view version, Doubles doubles, std::string& bytes,
-                 const Limits& limits, Messages& messages);
+                 const Limits& limits, Messages& messages, bool tellsOfNumbers = false);
 
     /// The root for a writer. A node renders by itself as long as it holds all its children.
     KARMPSerializer& Root();

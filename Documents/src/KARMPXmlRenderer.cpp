@@ -1,8 +1,10 @@
 #include "KARMPXmlRenderer.h"
 
 #include "KARMPDocumentNames.h"
+#include "KARMPListedEntities.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <unordered_set>
 #include <utility>
@@ -25,6 +27,8 @@ constexpr std::array<char, 1 + DeepestIndentation> LineStart = [] {
 constexpr std::size_t LargestGroup = 12;
 // Up to this many attributes are compared by pairs.
 constexpr std::size_t FewAttributes = 8;
+// The elements above that of an entity: the root, the world and the list of a family.
+constexpr std::size_t EntityDepth = 3;
 
 } // namespace
 
@@ -370,7 +374,7 @@ bool XmlRenderer::Attributes(const Node& node, std::size_t first)
             m_out.PutNumber(node.GetAttributeValuei(index));
             break;
         case Type::Double:
-            m_out.PutNumber(node.GetAttributeValued(index));
+            Number(node.GetAttributeValued(index), node, node.GetAttributeId(index));
             break;
         case Type::String:
             Text(node.GetAttributeValues(index), TextContext::Attribute);
@@ -428,7 +432,7 @@ void XmlRenderer::Value(const Node& node)
         m_out.PutNumber(node.GetValuei());
         break;
     case Type::Double:
-        m_out.PutNumber(node.GetValued());
+        Number(node.GetValued(), node, {});
         break;
     case Type::String:
         Text(node.GetValues(), TextContext::Element);
@@ -436,6 +440,51 @@ void XmlRenderer::Value(const Node& node)
     case Type::None:
         break;
     }
+}
+
+void XmlRenderer::Number(double number, const Node& node, std::wstring_view attribute)
+{
+    m_out.PutNumber(number);
+    if (m_tellsOfNumbers && !std::isfinite(number))
+        TellOfNumber(number, node, attribute);
+}
+
+void XmlRenderer::TellOfNumber(double number, const Node& node, std::wstring_view attribute)
+{
+    if (m_messages.Full())
+        return;
+    const bool isLeaf = m_levels.empty() || m_levels.back().node != &node;
+    if (isLeaf)
+        m_levels.push_back({&node, 0, 0, 0, false});
+    std::string path = Path();
+    const std::string title = EntityTitle();
+    if (isLeaf)
+        m_levels.pop_back();
+    if (!attribute.empty()) {
+        path += "/@";
+        AppendUtf8(path, attribute);
+    }
+    const std::string what = Quoted(attribute.empty() ? node.GetId() : attribute);
+    m_messages.Warning(Code::NotFinite,
+                       title + ": " + what +
+                           (std::isnan(number) ? " is no number" : " is infinite"),
+                       std::move(path));
+}
+
+// The entity that is being written, or the world around the lists of entities.
+std::string XmlRenderer::EntityTitle() const
+{
+    if (m_levels.size() <= EntityDepth)
+        return "World";
+    const Node& node = *m_levels[EntityDepth].node;
+    const auto attribute = [&node](std::wstring_view name) {
+        for (int index = 0; index < static_cast<int>(node.GetAttributeCount()); ++index)
+            if (node.GetAttributeId(index) == name)
+                return node.GetAttributeValues(index);
+        return std::wstring_view();
+    };
+    const std::wstring_view identifier = attribute(L"id");
+    return identifier.empty() ? "World" : TitleOf(node.GetId(), attribute(L"name"), identifier);
 }
 
 bool XmlRenderer::Fail(Code code, std::string text)

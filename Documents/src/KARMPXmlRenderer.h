@@ -20,8 +20,10 @@ namespace karmp::documents {
 class XmlRenderer
 {
 public:
-    XmlRenderer(std::string& bytes, const Limits& limits, Messages& messages)
-        : m_out(bytes), m_limits(limits), m_messages(messages)
+    /// With `tellsOfNumbers` a number that is not finite is a warning.
+    XmlRenderer(std::string& bytes, const Limits& limits, Messages& messages,
+                bool tellsOfNumbers = false)
+        : m_out(bytes), m_limits(limits), m_messages(messages), m_tellsOfNumbers(tellsOfNumbers)
     {}
 
     using Node = KARMPDocumentWriter;
@@ -94,6 +96,9 @@ private:
     bool FindDuplicateAttribute(const Node& node);
     void Text(std::wstring_view text, TextContext context);
     void Value(const Node& node);
+    void Number(double number, const Node& node, std::wstring_view attribute);
+    void TellOfNumber(double number, const Node& node, std::wstring_view attribute);
+    std::string EntityTitle() const;
     void NewLine();
     bool Fail(Code code, std::string text);
     bool Report();
@@ -102,6 +107,7 @@ private:
     ByteBuffer m_out;
     const Limits& m_limits;
     Messages& m_messages;
+    bool m_tellsOfNumbers;
     std::vector<Level> m_levels;
     std::vector<Gone> m_gone;
     std::optional<Failure> m_failure;

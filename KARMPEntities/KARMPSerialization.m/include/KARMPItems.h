@@ -27,6 +27,14 @@ using ItemData =
                  QOBSharedHandle<KARMPEntity>, std::vector<QOBSharedHandle<KARMPEntity>>,
                  std::vector<unsigned char>>;
 
+/// A condition for writing: what the function gives for the entity, or the record, if it is
+/// written.
+struct ItemCondition
+{
+    bool (*holds)(const void* owner) = nullptr;
+    bool wanted = true;
+};
+
 /// One item of a class. All texts live as long as the library.
 struct ItemInfo
 {
@@ -56,8 +64,13 @@ struct ItemInfo
     bool isInOrder = false;
     /// The attribute of a list's entries that holds a word of theirs; empty without one.
     std::wstring_view entryWord;
+    /// The version from which on documents hold that word; empty without a limit.
+    std::wstring_view entryWordSince;
     /// Why the item cannot be set; empty when it can.
     std::string_view readOnly;
+    /// False when reading looks for another name or element than the one that is written, so that
+    /// a document does not give the item back.
+    bool isReadBack = true;
 
     /// The item's value in an entity of the class, or of a subclass. A getter of the class that
     /// reports is heard as usual.
@@ -81,10 +94,20 @@ struct ItemInfo
     /// field refuses, and for records that the class's own code reads.
     KARMP_API KARStatus AddRecord(KARMPEntity& entity, std::span<const ItemData> values) const;
 
+    /// True when documents of a version hold the item, be it in an older form of the same value.
+    KARMP_API bool IsHeldAt(std::wstring_view version) const;
+    /// False while a condition of the class keeps the item of an entity, or all of the entity, out
+    /// of documents.
+    KARMP_API bool IsWrittenFor(const KARMPEntity& entity) const;
+
     /// What the item is fetched and stored by; the two differ where one is written and another one
     /// read.
     const Item* written = nullptr;
     const Item* read = nullptr;
+    /// What documents of versions below `since` hold in its place; null without that.
+    const Item* older = nullptr;
+    /// The conditions of the class, of the groups around the item and its own.
+    std::vector<ItemCondition> conditions;
 
 private:
     ItemData GetFrom(const void* owner) const;

@@ -17,13 +17,42 @@ namespace {
 using Target = QOBSharedHandle<KARMPEntity>;
 using Targets = std::vector<Target>;
 
+// The names of numbers, each of which has an element; otherwise the item's own.
+bool AreNamesSame(const Item& left, const Item& right)
+{
+    return left.kind == ItemKind::Numbers ? std::equal(left.words.begin(), left.words.end(),
+                                                       right.words.begin(), right.words.end())
+                                          : left.name == right.name;
+}
+
+bool IsReadBack(const ItemInfo& row)
+{
+    return row.read == nullptr || AreNamesSame(*row.written, *row.read);
+}
+
+// An enumeration has one value as a word and as a number.
+bool IsSameValue(const Item& left, const Item& right)
+{
+    const auto kindOf = [](const Item& item) {
+        return item.kind == ItemKind::Code ? ItemKind::Word : item.kind;
+    };
+    return kindOf(left) == kindOf(right);
+}
+
 /// The rows of a class, made from its list and those of its bases.
 class RowMaker
 {
 public:
     std::vector<ItemInfo> Make(const Content& content)
     {
+        for (const Content* part = &content; part != nullptr;
+             part = part->base != nullptr ? &part->base() : nullptr)
+            if (part->leftOut != nullptr)
+                m_conditions.push_back({part->leftOut, false});
         AddContent(content);
+        const bool isFound = content.ReadElement() == content.element;
+        for (ItemInfo& row : m_rows)
+            row.isReadBack = isFound && IsReadBack(row);
         return std::move(m_rows);
     }
     /// Those of a record.
@@ -36,20 +65,26 @@ public:
     }
 
 private:
-    /// Sides that walk an item, by itself or by the group that holds it.
+    /// Sides that walk an item, by itself or by the group that holds it, and the conditions for
+    /// writing.
     struct Sides
     {
         bool written = true;
         bool read = true;
+        std::vector<ItemCondition> conditions;
     };
 
     void AddContent(const Content& content);
-    void AddItems(std::span<const Item> items, const std::wstring& path, Sides sides);
+    void AddItems(std::span<const Item> items, const std::wstring& path, const Sides& sides);
     void AddRow(const Item& item, std::span<const Item> inner, const std::wstring& path,
-                Sides sides);
+                const Sides& sides);
     ItemInfo* WrittenForm(const Item& read);
 
     std::vector<ItemInfo> m_rows;
+    /// The conditions of the class.
+    std::vector<ItemCondition> m_conditions;
+    /// The items of older versions that stand before what later versions hold, by their paths.
+    std::map<std::wstring, const Item*> m_older;
 };
 
 std::size_t DoublesOf(const Item& item)
@@ -90,18 +125,22 @@ void RowMaker::AddContent(const Content& content)
 {
     if (content.base != nullptr)
         AddContent(content.base());
-    AddItems(content.items, {}, {});
+    AddItems(content.items, {}, {true, true, m_conditions});
 }
 
-void RowMaker::AddItems(std::span<const Item> items, const std::wstring& path, Sides sides)
+void RowMaker::AddItems(std::span<const Item> items, const std::wstring& path, const Sides& sides)
 {
     for (std::size_t i = 0; i < items.size(); i += 1U + items[i].inner) {
         const Item& item = items[i];
-        // What a later version holds in another form.
-        if (!item.until.empty())
-            continue;
-        const Sides walked{sides.written && item.isWritten, sides.read && item.isRead};
         const std::wstring ownPath = path + std::wstring(item.name);
+        // What a later version holds in another form.
+        if (!item.until.empty()) {
+            m_older[ownPath] = &item;
+            continue;
+        }
+        Sides walked{sides.written && item.isWritten, sides.read && item.isRead, sides.conditions};
+        if (item.when != nullptr)
+            walked.conditions.push_back({item.when, true});
         const auto inner = items.subspan(i + 1, item.inner);
         if (item.kind == ItemKind::Group)
             AddItems(inner, ownPath + L'/', walked);
@@ -128,7 +167,7 @@ ItemInfo* RowMaker::WrittenForm(const Item& read)
 }
 
 void RowMaker::AddRow(const Item& item, std::span<const Item> inner, const std::wstring& path,
-                      Sides sides)
+                      const Sides& sides)
 {
     if (!sides.written && sides.read) {
         if (ItemInfo* const row = WrittenForm(item)) {
@@ -155,9 +194,15 @@ void RowMaker::AddRow(const Item& item, std::span<const Item> inner, const std::
     if (item.kind == ItemKind::Records)
         row.fields = RowMaker().MakeFields(item, inner);
     row.isInOrder = item.isInOrder || item.kind == ItemKind::Records;
-    if (const Item* const word = EntryWordOf(item))
+    if (const Item* const word = EntryWordOf(item)) {
         row.entryWord = word->name;
+        row.entryWordSince = word->since;
+    }
     row.written = &item;
+    row.conditions = sides.conditions;
+    if (const auto older = m_older.find(path);
+        older != m_older.end() && IsSameValue(item, *older->second))
+        row.older = older->second;
     if (sides.read) {
         row.read = &item;
         row.readOnly = ReasonAgainstSetting(item);
@@ -366,6 +411,20 @@ int ItemInfo::Count(const KARMPEntity& entity) const
     return written->count != nullptr ? written->count(&entity) : -1;
 }
 
+bool ItemInfo::IsHeldAt(std::wstring_view version) const
+{
+    return written->ExistsAt(version) || (older != nullptr && older->ExistsAt(version));
+}
+
+bool ItemInfo::IsWrittenFor(const KARMPEntity& entity) const
+{
+    return std::all_of(
+        conditions.begin(), conditions.end(),
+        [&entity](const ItemCondition& condition) {
+            return condition.holds(&entity) == condition.wanted;
+        });
+}
+
 std::vector<std::wstring_view> ItemInfo::EntryWords(const KARMPEntity& entity) const
 {
     std::vector<std::wstring_view> texts;
@@ -453,12 +512,13 @@ std::span<const ItemInfo* const> LinkItemsOf(const QOBClassInfo& info)
     static std::mutex mutex;
     static std::unordered_map<const QOBClassInfo*, std::vector<const ItemInfo*>> made;
     const std::lock_guard lock(mutex);
-    const auto [found, isNew] = made.try_emplace(&info);
-    if (isNew)
-        for (const ItemInfo& item : ItemsOf(info))
-            if (IsLink(item) && item.CanGet())
-                found->second.push_back(&item);
-    return found->second;
+    if (const auto found = made.find(&info); found != made.end())
+        return found->second;
+    std::vector<const ItemInfo*> links;
+    for (const ItemInfo& item : ItemsOf(info))
+        if (IsLink(item) && item.CanGet())
+            links.push_back(&item);
+    return made.emplace(&info, std::move(links)).first->second;
 }
 
 void ForEachTarget(const KARMPEntity& entity,

@@ -1,0 +1,157 @@
+#include "KARMPListedEntities.h"
+
+#include "KARMPDocumentNames.h"
+#include "KARMPFamilies.h"
+#include "KARMPItems.h"
+#include "KARMPSchema.h"
+#include "KARMPTextEscapes.h"
+#include "KARMPWorld.h"
+#include "QOBClassInfo.h"
+
+#include <algorithm>
+#include <bit>
+#include <new>
+#include <unordered_map>
+
+namespace karmp::documents {
+
+namespace {
+
+// Outputs and what belongs to them, as the environment says.
+bool IsLeftOut(const KARMPEntity& entity)
+{
+    const auto items = ItemsOf(entity.getClassInfo());
+    return !items.empty() && !items.front().IsWrittenFor(entity);
+}
+
+std::size_t CountOf(const KARMPWorld& world)
+{
+    std::size_t count = 0;
+    karmp::Families::ForEach([&](auto family) {
+        count += static_cast<std::size_t>(world.Count<typename decltype(family)::Type>());
+    });
+    return count;
+}
+
+} // namespace
+
+ListedEntities::ListedEntities(const KARMPWorld& world)
+{
+    const std::size_t count = CountOf(world);
+    m_entities.reserve(count);
+    m_slots.resize(std::bit_ceil(2 * count + 1));
+    const QOBClassInfo* last = nullptr;
+    bool mayBeLeftOut = false;
+    ForEachRegistryElement([&](const auto& element) {
+        using T = typename std::remove_cvref_t<decltype(element)>::Type;
+        const std::size_t begin = m_entities.size();
+        for (int index = 0; index < world.Count<T>(); ++index) {
+            QOBSharedHandle<T> listed;
+            if (KARFailed(world.Get<T>(index, listed)) || !listed)
+                continue;
+            const auto* const entity = static_cast<const KARMPEntity*>(
+                static_cast<const QOBSharedBase&>(listed)._getReferent());
+            if (&entity->getClassInfo() != last) {
+                last = &entity->getClassInfo();
+                const auto items = ItemsOf(*last);
+                mayBeLeftOut = !items.empty() && !items.front().conditions.empty();
+            }
+            if (mayBeLeftOut && IsLeftOut(*entity))
+                continue;
+            m_entities.push_back(entity);
+            Enter(m_entities.size() - 1);
+        }
+        if (m_entities.size() > begin)
+            m_families.push_back({element.name, begin, m_entities.size()});
+    });
+}
+
+std::size_t ListedEntities::SlotOf(const QOBSharedObject* entity) const
+{
+    const std::size_t mask = m_slots.size() - 1;
+    // Objects are aligned, so the low bits tell nothing; the product spreads the others.
+    auto slot = static_cast<std::size_t>(
+        (reinterpret_cast<std::uintptr_t>(entity) * 0x9E3779B97F4A7C15U) >> 24U);
+    for (slot &= mask; m_slots[slot] != nullptr && m_slots[slot] != entity;
+         slot = (slot + 1) & mask)
+        continue;
+    return slot;
+}
+
+void ListedEntities::Enter(std::size_t number)
+{
+    const QOBSharedObject* const entity = m_entities[number];
+    m_slots[SlotOf(entity)] = entity;
+}
+
+bool ListedEntities::Hold(const QOBSharedObject* entity) const
+{
+    return m_slots[SlotOf(entity)] != nullptr;
+}
+
+std::string ListedEntities::PathOf(std::size_t number) const
+{
+    if (m_ordinals.empty()) {
+        m_ordinals.resize(Count());
+        for (const Family& family : m_families) {
+            std::unordered_map<const QOBClassInfo*, std::uint32_t> counts;
+            for (std::size_t i = family.begin; i < family.end; ++i)
+                m_ordinals[i].number = ++counts[&At(i).getClassInfo()];
+            for (std::size_t i = family.begin; i < family.end; ++i)
+                m_ordinals[i].of = counts[&At(i).getClassInfo()];
+        }
+    }
+    const auto family = std::find_if(m_families.begin(), m_families.end(),
+                                     [number](const Family& entry) { return number < entry.end; });
+    std::string path = '/' + std::string(RootName) + "/World/";
+    AppendUtf8(path, family->element);
+    path += '/';
+    AppendUtf8(path, ElementNameOf(At(number)));
+    const Ordinal ordinal = m_ordinals[number];
+    return ordinal.of > 1 ? path + '[' + std::to_string(ordinal.number) + ']' : path;
+}
+
+void GetIdentifierOf(const KARMPEntity& entity, std::wstring& identifier)
+{
+    if (entity.GetIdentifier(identifier) == KAROutOfMemory)
+        throw std::bad_alloc();
+}
+
+std::wstring_view ElementNameOf(const KARMPEntity& entity)
+{
+    const SchemaItem* const item = SchemaOf(entity.getClassInfo().getName());
+    return item != nullptr && !item->name.empty() ? item->name : L"Entity";
+}
+
+std::string TitleOf(std::wstring_view element, std::wstring_view name, std::wstring_view identifier)
+{
+    std::string title;
+    AppendUtf8(title, element);
+    if (!name.empty())
+        title += ' ' + Quoted(name);
+    const std::string quoted = Quoted(identifier);
+    return title + " [" + quoted.substr(1, quoted.size() - 2) + ']';
+}
+
+std::string TitleOf(const KARMPEntity& entity)
+{
+    std::wstring identifier;
+    GetIdentifierOf(entity, identifier);
+    return TitleOf(ElementNameOf(entity), entity.getEntityName(), identifier);
+}
+
+bool IsFiled(const QOBClassInfo& info)
+{
+    const auto& families = FamilyRecords();
+    return std::any_of(families.begin(), families.end(), [&info](const FamilyRecord& family) {
+        return info.isDerivedFrom(*family.info);
+    });
+}
+
+bool IsGivenBack(const QOBClassInfo& info)
+{
+    const auto items = ItemsOf(info);
+    return IsFiled(info) && (items.empty() || items.front().isReadBack);
+}
+
+} // namespace karmp::documents

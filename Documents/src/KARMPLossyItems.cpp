@@ -1,0 +1,86 @@
+#include "KARMPLossyItems.h"
+
+#include "KARMPContentItem.h"
+#include "KARMPGenericFactory.h"
+#include "QOBClassInfo.h"
+
+#include <algorithm>
+#include <optional>
+
+namespace karmp::documents {
+
+namespace {
+
+// A class that leaves an entity out as a whole has no lossy items for that.
+bool IsConditional(const ItemInfo& item)
+{
+    return std::any_of(
+        item.conditions.begin(), item.conditions.end(),
+        [](const ItemCondition& condition) { return condition.wanted; });
+}
+
+// A number that is written and not read tells the length of a list, a text what nothing else tells.
+bool IsForPeople(const ItemInfo& item)
+{
+    return item.read == nullptr && item.kind == ItemKind::Text;
+}
+
+std::optional<LossReason> ReasonOf(const ItemInfo& item, std::wstring_view version)
+{
+    if (item.path == L"id" || !item.CanGet())
+        return std::nullopt;
+    if (!item.IsHeldAt(version))
+        return LossReason::Version;
+    if (!item.isReadBack || IsForPeople(item))
+        return LossReason::Reading;
+    if (item.read != nullptr && IsConditional(item))
+        return LossReason::Condition;
+    return std::nullopt;
+}
+
+} // namespace
+
+bool LossyItem::IsLostOf(const KARMPEntity& entity) const
+{
+    if (reason == LossReason::Condition && item->IsWrittenFor(entity))
+        return false;
+    if (isEntryWord) {
+        const auto words = item->EntryWords(entity);
+        const std::wstring& first = std::get<std::wstring>(fresh);
+        return std::any_of(words.begin(), words.end(),
+                           [&first](std::wstring_view word) { return word != first; });
+    }
+    if (item->kind == ItemKind::References)
+        return item->Count(entity) > 0;
+    return item->Get(entity) != fresh;
+}
+
+std::wstring LossyItem::Path() const
+{
+    return isEntryWord ? item->path + L'/' + std::wstring(item->entryWord) : item->path;
+}
+
+std::span<const LossyItem> LossyItems::Of(const QOBClassInfo& info)
+{
+    const auto found = m_made.find(&info);
+    return found != m_made.end() ? found->second : m_made.emplace(&info, Make(info)).first->second;
+}
+
+std::vector<LossyItem> LossyItems::Make(const QOBClassInfo& info) const
+{
+    std::vector<LossyItem> made;
+    QOBSharedHandle<KARMPEntity> sample;
+    for (const ItemInfo& item : ItemsOf(info)) {
+        if (const auto reason = ReasonOf(item, m_version)) {
+            if (!sample && KARFailed(KARMPFactory::Create(info.getName(), sample)))
+                return made;
+            made.push_back({&item, *reason, false, item.Get(*sample)});
+        } else if (!item.entryWordSince.empty() && !AtLeast(m_version, item.entryWordSince)) {
+            const std::wstring_view first = (item.written + 1)->words.front();
+            made.push_back({&item, LossReason::Version, true, std::wstring(first)});
+        }
+    }
+    return made;
+}
+
+} // namespace karmp::documents

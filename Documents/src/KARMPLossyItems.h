@@ -1,0 +1,53 @@
+#pragma once
+
+#include "KARMPItems.h"
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace karmp::documents {
+
+/// Why a document does not give an item back.
+enum class LossReason : std::uint8_t {
+    Version,  ///< Documents of the version do not hold the item.
+    Reading,  ///< The item is written, and reading looks for something else.
+    Condition ///< The class writes the item in some cases only.
+};
+
+/// An item that a document of a version may lose.
+struct LossyItem
+{
+    const ItemInfo* item;
+    LossReason reason;
+    /// It is about the word of a list's entries, of which the first one is what reading gives.
+    bool isEntryWord;
+    /// What a new entity has, and so one that is read.
+    ItemData fresh;
+
+    /// True when the document does not give back what an entity has.
+    bool IsLostOf(const KARMPEntity& entity) const;
+    /// The path of the item, for a word that of the attribute.
+    std::wstring Path() const;
+};
+
+/// The items of all classes that documents of a version may lose; few classes have any.
+class LossyItems
+{
+public:
+    explicit LossyItems(std::wstring_view version) : m_version(version) {}
+
+    /// Those of a class, in the order of its items.
+    std::span<const LossyItem> Of(const QOBClassInfo& info);
+
+private:
+    std::vector<LossyItem> Make(const QOBClassInfo& info) const;
+
+    std::wstring m_version;
+    std::unordered_map<const QOBClassInfo*, std::vector<LossyItem>> m_made;
+};
+
+} // namespace karmp::documents

@@ -1,0 +1,242 @@
+#include "KARMPSaveCheck.h"
+
+#include "KARMPAxisSystem.h"
+#include "KARMPBody.h"
+#include "KARMPDocumentLinks.h"
+#include "KARMPDocumentNames.h"
+#include "KARMPTextEscapes.h"
+#include "KARMPVariable.h"
+#include "KARMPWorld.h"
+#include "QOBClassInfo.h"
+
+#include <algorithm>
+#include <functional>
+
+namespace karmp::documents {
+
+namespace {
+
+// Longer lists are searched by a table.
+constexpr int LongestSearched = 32;
+
+const KARMPEntity* EntityIn(const ItemValue& value)
+{
+    return static_cast<const KARMPEntity*>(value.entity._getReferent());
+}
+
+// Fetches the entry of a list, or the target of a reference; false when there is none.
+bool Fetch(const Item& item, const KARMPEntity& entity, int index, ItemValue& value)
+{
+    value.entity = {};
+    const KARStatus status =
+        item.count != nullptr ? item.at(&entity, index, value) : item.get(&entity, value);
+    return !KARFailed(status) && value.entity;
+}
+
+int CountOf(const Item& item, const KARMPEntity& entity)
+{
+    return item.count != nullptr ? item.count(&entity) : 1;
+}
+
+std::string PathText(std::wstring_view path)
+{
+    std::string text;
+    AppendUtf8(text, path);
+    return text;
+}
+
+} // namespace
+
+SaveCheck::SaveCheck(const KARMPWorld& world, std::wstring_view version, Messages& messages)
+    : m_world(world), m_version(version), m_messages(messages), m_entities(world), m_lossy(version)
+{}
+
+void SaveCheck::Run()
+{
+    CheckGlobals();
+    CheckIdentifiers();
+    for (std::size_t number = 0; number < m_entities.Count() && !m_messages.Full(); ++number)
+        CheckEntity(number);
+}
+
+SaveCheck::ClassChecks& SaveCheck::ChecksOf(const KARMPEntity& entity)
+{
+    const QOBClassInfo& info = entity.getClassInfo();
+    if (&info == m_lastClass)
+        return *m_lastChecks;
+    const auto [found, isNew] = m_classes.try_emplace(&info);
+    ClassChecks& checks = found->second;
+    if (isNew) {
+        for (const ItemInfo* const item : LinkItemsOf(info))
+            checks.links.push_back({item, OtherSides(item->otherSide), {}});
+        checks.isGivenBack = IsGivenBack(info);
+        if (checks.isGivenBack)
+            checks.lossy = m_lossy.Of(info);
+    }
+    m_lastClass = &info;
+    m_lastChecks = &checks;
+    return checks;
+}
+
+// Reading leaves a global that the document does not hold as it is, so that nothing is lost.
+void SaveCheck::CheckGlobals()
+{
+    QOBSharedHandle<KARMPBody> body;
+    QOBSharedHandle<KARMPAxisSystem> axisSystem;
+    QOBSharedHandle<KARMPVariable> time;
+    m_world.GetGlobalBody(body);
+    m_world.GetGlobalAxisSystem(axisSystem);
+    m_world.GetGlobalTime(time);
+    const auto check = [this](const QOBSharedBase& global, const char* name) {
+        if (global && !m_entities.Hold(global._getReferent()))
+            m_messages.Warning(Code::UnresolvedReference,
+                               "the world does not list its " + std::string(name),
+                               '/' + std::string(RootName) + "/World/Globals/" + name);
+    };
+    check(body, "GlobalBody");
+    check(axisSystem, "GlobalAxisSystem");
+    check(time, "GlobalTime");
+}
+
+// Equal identifiers stand side by side when they are sorted by a number that belongs to the text.
+void SaveCheck::CheckIdentifiers()
+{
+    std::vector<std::pair<std::size_t, std::size_t>> hashes;
+    hashes.reserve(m_entities.Count());
+    std::wstring identifier;
+    for (std::size_t number = 0; number < m_entities.Count(); ++number) {
+        GetIdentifierOf(m_entities.At(number), identifier);
+        hashes.emplace_back(std::hash<std::wstring>()(identifier), number);
+    }
+    std::sort(hashes.begin(), hashes.end());
+    std::wstring earlier;
+    for (std::size_t i = 1; i < hashes.size() && !m_messages.Full(); ++i) {
+        if (hashes[i].first != hashes[i - 1].first)
+            continue;
+        const KARMPEntity& first = m_entities.At(hashes[i - 1].second);
+        const KARMPEntity& second = m_entities.At(hashes[i].second);
+        GetIdentifierOf(first, earlier);
+        GetIdentifierOf(second, identifier);
+        if (earlier != identifier)
+            continue;
+        m_messages.Error(Code::DuplicateIdentifier,
+                         &first == &second
+                             ? TitleOf(second) + " is listed twice"
+                             : TitleOf(second) + " has the identifier of " + TitleOf(first),
+                         m_entities.PathOf(hashes[i].second) + "/@id");
+    }
+}
+
+void SaveCheck::CheckEntity(std::size_t number)
+{
+    const KARMPEntity& entity = m_entities.At(number);
+    ClassChecks& checks = ChecksOf(entity);
+    if (!checks.isGivenBack)
+        m_messages.Warning(Code::NotReadBack,
+                           TitleOf(entity) + (IsFiled(entity.getClassInfo())
+                                                  ? " is written as no reader finds it"
+                                                  : " is listed by no world that reads it"),
+                           m_entities.PathOf(number));
+    for (LinkCheck& link : checks.links)
+        CheckLink(number, link);
+    if (!checks.lossy.empty())
+        CheckItems(number, checks.lossy);
+}
+
+void SaveCheck::CheckLink(std::size_t number, LinkCheck& check)
+{
+    const KARMPEntity& entity = m_entities.At(number);
+    const Item& item = *check.info->written;
+    const int count = CountOf(item, entity);
+    if (count == 0 || !check.info->IsWrittenFor(entity))
+        return;
+    for (int index = 0; index < count; ++index)
+        if (Fetch(item, entity, index, m_value))
+            CheckTarget(number, check);
+}
+
+void SaveCheck::CheckTarget(std::size_t number, LinkCheck& check)
+{
+    const KARMPEntity& target = *EntityIn(m_value);
+    if (!m_entities.Hold(&target)) {
+        TellOfTarget(number, *check.info, target);
+        return;
+    }
+    if (check.otherSides.empty())
+        return;
+    const KARMPEntity& entity = m_entities.At(number);
+    const auto back = BackOf(check, target);
+    if (std::none_of(back.begin(), back.end(),
+                     [&](const ItemInfo* item) { return RefersBack(target, *item, entity); }))
+        m_messages.Warning(Code::OneSidedLink,
+                           TitleOf(target) + " does not refer back to " + TitleOf(entity),
+                           m_entities.PathOf(number) + '/' + PathText(check.info->path));
+}
+
+// No program can have a world list an entity of a class without a family and get it back.
+void SaveCheck::TellOfTarget(std::size_t number, const ItemInfo& item, const KARMPEntity& target)
+{
+    std::string text = TitleOf(m_entities.At(number)) + " refers to " + TitleOf(target) +
+                       ", which the document does not hold";
+    std::string path = m_entities.PathOf(number) + '/' + PathText(item.path);
+    if (IsFiled(target.getClassInfo()))
+        m_messages.Error(Code::UnresolvedReference, std::move(text), std::move(path));
+    else
+        m_messages.Warning(Code::NotReadBack, std::move(text), std::move(path));
+}
+
+std::span<const ItemInfo* const> SaveCheck::BackOf(LinkCheck& check, const KARMPEntity& target)
+{
+    const QOBClassInfo& info = target.getClassInfo();
+    for (const auto& [known, items] : check.back)
+        if (known == &info)
+            return items;
+    std::vector<const ItemInfo*> items;
+    for (const ItemInfo* const item : LinkItemsOf(info))
+        if (std::find(check.otherSides.begin(), check.otherSides.end(), item->path) !=
+            check.otherSides.end())
+            items.push_back(item);
+    return check.back.emplace_back(&info, std::move(items)).second;
+}
+
+bool SaveCheck::RefersBack(const KARMPEntity& target, const ItemInfo& item,
+                           const KARMPEntity& entity)
+{
+    const Item& back = *item.written;
+    const int count = CountOf(back, target);
+    if (count <= LongestSearched) {
+        for (int index = 0; index < count; ++index)
+            if (Fetch(back, target, index, m_backValue) && EntityIn(m_backValue) == &entity)
+                return true;
+        return false;
+    }
+    const auto [found, isNew] = m_longLists.try_emplace({&target, &item});
+    if (isNew) {
+        found->second.reserve(static_cast<std::size_t>(count));
+        for (int index = 0; index < count; ++index)
+            if (Fetch(back, target, index, m_backValue))
+                found->second.insert(EntityIn(m_backValue));
+    }
+    return found->second.count(&entity) != 0;
+}
+
+void SaveCheck::CheckItems(std::size_t number, std::span<const LossyItem> items)
+{
+    const KARMPEntity& entity = m_entities.At(number);
+    for (const LossyItem& lossy : items) {
+        if (!lossy.IsLostOf(entity))
+            continue;
+        const std::string path = PathText(lossy.Path());
+        const bool isVersion = lossy.reason == LossReason::Version;
+        const std::string text = TitleOf(entity) + ": " +
+                                 (isVersion ? "documents of version " + PathText(m_version) +
+                                                  " do not hold \"" + path + '"'
+                                  : lossy.reason == LossReason::Reading
+                                      ? '"' + path + "\" is written as no reader finds it"
+                                      : '"' + path + "\" is not written as the entity stands");
+        m_messages.Warning(isVersion ? Code::OtherVersion : Code::NotReadBack, text,
+                           m_entities.PathOf(number) + '/' + path);
+    }
+}
+
+} // namespace karmp::documents

@@ -1,0 +1,78 @@
+// Looks for what a document of a world loses or falsifies.
+#pragma once
+
+#include "KARMPContentItem.h"
+#include "KARMPListedEntities.h"
+#include "KARMPLossyItems.h"
+#include "KARMPMessages.h"
+
+#include <cstddef>
+#include <map>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+class KARMPWorld;
+
+namespace karmp::documents {
+
+/// Checks the entities of a world that a document of a version is made of: identifiers carried
+/// twice, links to what the document does not hold, links that the other end does not have, and
+/// items that are not read back. In time about linear in the entities and their links.
+///
+/// To be run when the document has been written, since identifiers are made in the order of
+/// writing.
+class SaveCheck
+{
+public:
+    SaveCheck(const KARMPWorld& world, std::wstring_view version, Messages& messages);
+    void Run();
+
+private:
+    /// A link of a class, and what refers back to it in the classes of the targets.
+    struct LinkCheck
+    {
+        const ItemInfo* info;
+        std::vector<std::wstring_view> otherSides;
+        std::vector<std::pair<const QOBClassInfo*, std::vector<const ItemInfo*>>> back;
+    };
+    struct ClassChecks
+    {
+        std::vector<LinkCheck> links;
+        std::span<const LossyItem> lossy;
+        bool isGivenBack;
+    };
+
+    ClassChecks& ChecksOf(const KARMPEntity& entity);
+    void CheckGlobals();
+    void CheckIdentifiers();
+    void CheckEntity(std::size_t number);
+    void CheckLink(std::size_t number, LinkCheck& check);
+    void CheckTarget(std::size_t number, LinkCheck& check);
+    void TellOfTarget(std::size_t number, const ItemInfo& item, const KARMPEntity& target);
+    std::span<const ItemInfo* const> BackOf(LinkCheck& check, const KARMPEntity& target);
+    bool RefersBack(const KARMPEntity& target, const ItemInfo& item, const KARMPEntity& entity);
+    void CheckItems(std::size_t number, std::span<const LossyItem> items);
+
+    const KARMPWorld& m_world;
+    std::wstring m_version;
+    Messages& m_messages;
+    ListedEntities m_entities;
+    LossyItems m_lossy;
+    std::unordered_map<const QOBClassInfo*, ClassChecks> m_classes;
+    const QOBClassInfo* m_lastClass = nullptr;
+    ClassChecks* m_lastChecks = nullptr;
+    /// The entries of long lists.
+    std::map<std::pair<const KARMPEntity*, const ItemInfo*>,
+             std::unordered_set<const QOBSharedObject*>>
+        m_longLists;
+    /// The entry that a link is asked for, and one of a list of its target.
+    ItemValue m_value;
+    ItemValue m_backValue;
+};
+
+} // namespace karmp::documents

@@ -1,0 +1,143 @@
+#include "KARMPWorldLosses.h"
+
+#include "KARMPListedEntities.h"
+#include "KARMPLossyItems.h"
+#include "KARMPWorld.h"
+#include "QOBClassInfo.h"
+
+#include <algorithm>
+#include <unordered_set>
+#include <utility>
+
+namespace karmp::documents {
+
+namespace {
+
+using Handle = QOBSharedHandle<KARMPEntity>;
+using Handles = std::vector<Handle>;
+
+Handle HandleOf(const KARMPEntity& entity)
+{
+    return Handle::unchecked(QOBSharedBase(&entity));
+}
+
+class LossFinder
+{
+public:
+    LossFinder(const KARMPWorld& world, std::wstring_view version)
+        : m_world(world), m_entities(world), m_lossy(version)
+    {}
+
+    std::vector<Difference> Find()
+    {
+        FindSettings();
+        FindRemoved();
+        for (std::size_t number = 0; number < m_entities.Count(); ++number) {
+            const KARMPEntity& entity = m_entities.At(number);
+            if (!IsGivenBack(entity.getClassInfo()))
+                continue;
+            FindItems(entity);
+            FindLinks(entity);
+        }
+        return std::move(m_losses);
+    }
+
+private:
+    void FindSettings();
+    void FindRemoved();
+    void FindItems(const KARMPEntity& entity);
+    void FindLinks(const KARMPEntity& entity);
+    void Note(DifferenceKind kind, const Handle& entity, std::wstring item, ItemData before,
+              ItemData after, const Handle& target = {});
+
+    const KARMPWorld& m_world;
+    ListedEntities m_entities;
+    LossyItems m_lossy;
+    std::vector<Difference> m_losses;
+};
+
+void LossFinder::Note(DifferenceKind kind, const Handle& entity, std::wstring item, ItemData before,
+                      ItemData after, const Handle& target)
+{
+    Difference loss;
+    loss.kind = kind;
+    loss.before = entity;
+    if (kind != DifferenceKind::Removed)
+        loss.after = entity;
+    loss.item = std::move(item);
+    loss.oldValue = std::move(before);
+    loss.newValue = std::move(after);
+    loss.target = target;
+    m_losses.push_back(std::move(loss));
+}
+
+// Documents have no unit of length and no ground body.
+void LossFinder::FindSettings()
+{
+    KARMPUnit::Enum unit = KARMPUnit::Millimeter;
+    m_world.GetLengthUnit(unit);
+    if (unit != KARMPUnit::Millimeter)
+        Note(DifferenceKind::Setting, {}, L"LengthUnit", static_cast<int>(unit),
+             static_cast<int>(KARMPUnit::Millimeter));
+    QOBSharedHandle<KARMPBody> ground;
+    m_world.GetGroundBody(ground);
+    if (ground)
+        Note(DifferenceKind::Setting, {}, L"GroundBody", Handle(ground), {});
+}
+
+// Entities that no reading world lists or knows again, and those that the environment leaves out.
+void LossFinder::FindRemoved()
+{
+    ForEachRegistryElement([this](const auto& element) {
+        using T = typename std::remove_cvref_t<decltype(element)>::Type;
+        for (int index = 0; index < m_world.Count<T>(); ++index) {
+            QOBSharedHandle<T> listed;
+            if (KARFailed(m_world.Get<T>(index, listed)) || !listed)
+                continue;
+            const Handle entity = Handle::unchecked(listed);
+            if (!m_entities.Hold(entity._getReferent()) || !IsGivenBack(entity->getClassInfo()))
+                Note(DifferenceKind::Removed, entity, {}, {}, {});
+        }
+    });
+}
+
+void LossFinder::FindItems(const KARMPEntity& entity)
+{
+    for (const LossyItem& lossy : m_lossy.Of(entity.getClassInfo())) {
+        if (!lossy.IsLostOf(entity))
+            continue;
+        const Handle handle = HandleOf(entity);
+        if (!lossy.isEntryWord) {
+            Note(DifferenceKind::Changed, handle, lossy.Path(), lossy.item->Get(entity),
+                 lossy.fresh);
+            continue;
+        }
+        const auto entries = std::get<Handles>(lossy.item->Get(entity));
+        const auto words = lossy.item->EntryWords(entity);
+        for (std::size_t i = 0; i < std::min(entries.size(), words.size()); ++i)
+            if (words[i] != std::get<std::wstring>(lossy.fresh))
+                Note(DifferenceKind::Changed, handle, lossy.Path(), std::wstring(words[i]),
+                     lossy.fresh, entries[i]);
+    }
+}
+
+void LossFinder::FindLinks(const KARMPEntity& entity)
+{
+    ForEachTarget(
+        entity,
+        [&](const ItemInfo& item, const Handle& target) {
+            const bool isRead =
+                m_entities.Hold(target._getReferent()) && IsGivenBack(target->getClassInfo());
+            if (!isRead && item.IsWrittenFor(entity))
+                Note(DifferenceKind::LinkLost, HandleOf(entity), item.path, {}, {}, target);
+        });
+}
+
+} // namespace
+
+std::vector<Difference> FindLosses(const KARMPWorld& world, std::wstring_view version)
+{
+    return LossFinder(world, version).Find();
+}
+
+} // namespace karmp::documents
