@@ -1,4 +1,5 @@
 // Parts of mechanisms as worlds of their own.
+#include "EnvironmentVariable.h"
 #include "ExtractionTesting.h"
 #include "KARMPTestFixture.h"
 #include "KARMPWorldDifference.h"
@@ -7,8 +8,11 @@ namespace karmp::documents {
 
 namespace {
 
+// Outputs and their supports belong to the examples.
 class WorldExtraction : public KARMPTestFixture
-{};
+{
+    EnvironmentVariable m_dumpOutputs{"MOT_DUMP_OUTPUTS", "1"};
+};
 
 TEST_F(WorldExtraction, OfAllBodiesIsTheMechanism)
 {
