@@ -8,6 +8,7 @@
 #include "KARMPStreamElement.h"
 
 #include <memory>
+#include <optional>
 
 namespace karmp {
 
@@ -25,8 +26,14 @@ struct StoredObjects
     KARListPtrKARIGMKObject objects;
 };
 
-/// Gives the bytes of an object's stream; false for null and for an object without a stored form.
-bool SaveStoredObject(KARBaseUnknown* object, StreamBytes& bytes);
+/// Gives the bytes of an object's stream, behind a header of a mode where one is told; false for
+/// null, for an object without a stored form and when an allocation fails.
+bool SaveStoredObject(KARBaseUnknown* object, StreamBytes& bytes,
+                      std::optional<int> headerMode = std::nullopt);
+/// Loads the objects from a stream, without any when they cannot be loaded or when the header of
+/// the mode that is told is not there.
+StoredObjects LoadStoredObjects(const StreamBytes& bytes,
+                                std::optional<int> headerMode = std::nullopt);
 
 /// Adds an element with the stream of an object as text and its number of bytes as "length".
 /// Every failure is reported; false when no such element was added.

@@ -4,8 +4,10 @@
 #include "ClassIdentities.h"
 #include "EnvironmentVariable.h"
 #include "FilledEntities.h"
+#include "KAR3DMeshRep.h"
 #include "KARCrvLimits.h"
 #include "KARLineCurve.h"
+#include "KARMP3DRep.h"
 #include "KARMPConstant.h"
 #include "KARMPConstraintParameter.h"
 #include "KARMPCoupling.h"
@@ -100,6 +102,8 @@ void Prepare(const QOBSharedHandle<KARMPEntity>& entity)
                                                       new KARCrvLimits);
         line->Release();
     }
+    if (entity.isDerivedFrom(KARMP3DRep::ClassInfo()))
+        QOBSharedHandle<KARMP3DRep>(entity)->Set3DRep(KAR3DMeshRep::CreateRep({}, {}));
     if (entity.isDerivedFrom(KARMPConstraint::ClassInfo())) {
         auto* parameter = new KARMPConstraintParameter;
         parameter->SetInitialized(true);
@@ -203,8 +207,9 @@ private:
             {L"curveOrientation", Rows<KARMPCurveOrientation::Enum>()}};
         if (item.value.stringValue == WrittenValue)
             return ReadValue;
-        // Any other text is no curve.
-        if (item.name == L"CurveStream")
+        // Any other text is no curve, scene graph or body.
+        if (item.name == L"CurveStream" ||
+            (item.name == L"stream" && !item.value.stringValue.empty()))
             return item.value.stringValue;
         const auto found = words.find(item.name);
         if (found == words.end())
@@ -240,7 +245,6 @@ const std::map<std::string, std::string> NotReadBack{
 /// kinds so far.
 const std::set<std::string_view> NotMade{
     // Shapes.
-    "KARMP3DRep",
     "KARMPShapeBody",
 };
 

@@ -1,9 +1,13 @@
 #include "FilledEntities.h"
 
 #include "ConcreteEntity.h"
+#include "KAR3DBagRep.h"
+#include "KAR3DMeshRep.h"
+#include "KAR3DPolylineRep.h"
 #include "KAREllipseArc.h"
 #include "KARLineCurve.h"
 #include "KARLinearTransfoSurface.h"
+#include "KARMP3DRep.h"
 #include "KARMPAngle.h"
 #include "KARMPAxialSpring.h"
 #include "KARMPAxisSystem.h"
@@ -188,6 +192,7 @@ QOBSharedHandle<KARMPEntity> FilledEntities::Make(const std::string& className, 
     fill(&FilledEntities::FillJoint);
     fill(&FilledEntities::FillConnector);
     fill(&FilledEntities::FillConstraint);
+    fill(&FilledEntities::FillShape);
     fill(&FilledEntities::FillSensor);
     fill(&FilledEntities::FillInteraction);
     fill(&FilledEntities::FillValue);
@@ -510,6 +515,14 @@ void FilledEntities::FillInteraction(KARMPInteraction& interaction)
     }
 }
 
+void FilledEntities::FillShape(KARMPShape& shape)
+{
+    if (!HasLinks())
+        return;
+    for (std::size_t index = 0; index < 2; ++index)
+        shape.LinkToBody(m_bodies[index]);
+}
+
 void FilledEntities::FillSensor(KARMPSensor& sensor)
 {
     FillContactSensor(sensor);
@@ -555,7 +568,7 @@ void FilledEntities::FillOwnContent(KARMPEntity& entity)
         KARMPExpression, KARMPSketchFunction, KARMPString, KARMPAxialSpring, KARMPBushing,
         KARMPForceElement, KARMPLinearSpring, KARMPTorsionSpring, KARMPConnectorSpatialForceSensor,
         KARMPConstraintSensor, KARMPDisplacementSensor2D, KARMPDofSensor, KARMPDofSensor2D,
-        KARMPJointDOFSensor, KARMPJointSpatialForceSensor, KARMPMotorForceSensor>;
+        KARMPJointDOFSensor, KARMPJointSpatialForceSensor, KARMPMotorForceSensor, KARMP3DRep>;
     Classes::AnyOf([&](auto family) {
         using T = typename decltype(family)::Type;
         if (entity.getClassName() != T::ClassName())
@@ -569,6 +582,8 @@ void FilledEntities::FillOwnContent(KARMPEntity& entity)
             FillForceOf(own);
         } else if constexpr (std::is_base_of_v<KARMPSensor, T>) {
             FillMeasurementOf(own);
+        } else if constexpr (std::is_base_of_v<KARMPShape, T>) {
+            FillLookOf(own);
         } else {
             FillOptions(own);
             FillFriction(own);
@@ -618,6 +633,18 @@ void FilledEntities::FillShapeOf(T& geometry)
             Point(), First(), Second(), KARSurLimits{-1.0, 1.0, -2.0, 2.0});
         geometry.SetSurface(m_curves->Make<KARLinearTransfoSurface>(plane, Position()));
     }
+}
+
+template <class T>
+void FilledEntities::FillLookOf(T& shape)
+{
+    KAR3DBagRep* const bag = KAR3DBagRep::CreateRep();
+    bag->SetTransformation(Position());
+    bag->SetColour(KARColour{0.125, Choose(0.25, 0.75), 0.5, 1.0});
+    bag->AddChild(KAR3DMeshRep::CreateRep({Point(), Point() + First(), Point() + Second()},
+                                          {{0, 1, 2}}, {Third(), Third(), Third()}));
+    bag->AddChild(KAR3DPolylineRep::CreateRep({Point(), Point() + Third()}));
+    shape.Set3DRep(bag);
 }
 
 template <class T>

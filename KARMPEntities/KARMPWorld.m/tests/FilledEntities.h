@@ -98,6 +98,7 @@ private:
     void FillConnector(KARMPConnector& connector);
     void FillConstraint(KARMPConstraint& constraint);
     void LinkConstraint(KARMPConstraint& constraint);
+    void FillShape(KARMPShape& shape);
     void FillSensor(KARMPSensor& sensor);
     void FillContactSensor(KARMPSensor& sensor);
     KARMPContactForceData Contact(std::size_t first) const;
@@ -108,6 +109,8 @@ private:
     void FillOwnContent(KARMPEntity& entity);
     template <class T>
     void FillShapeOf(T& geometry);
+    template <class T>
+    void FillLookOf(T& shape);
     template <class T>
     void AddCurvesTo(T& chain, void* lineLimits, void* arcLimits);
     template <class T>
