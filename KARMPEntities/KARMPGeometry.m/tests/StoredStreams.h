@@ -2,6 +2,7 @@
 #pragma once
 
 #include "KARBase64.h"
+#include "KARChecksum.h"
 #include "KARGMKStream.h"
 #include "KARGeometricFactory.h"
 #include "KARIGMKObjectsSave.h"
@@ -43,18 +44,6 @@ inline StreamBytes StreamOf(KARBaseUnknown* object)
     return {stream.GetBytes().begin(), stream.GetBytes().end()};
 }
 
-/// The checksum of a stream's payload, which follows its header of 20 bytes: a CRC-32.
-inline std::uint32_t ChecksumOf(const StreamBytes& stream)
-{
-    std::uint32_t sum = ~0U;
-    for (std::size_t index = 20; index < stream.size(); ++index) {
-        sum ^= stream[index];
-        for (int bit = 0; bit < 8; ++bit)
-            sum = (sum >> 1U) ^ ((sum & 1U) != 0 ? 0xEDB88320U : 0U);
-    }
-    return ~sum;
-}
-
 /// A stream with a valid checksum that announces 2^31 - 1 objects.
 inline StreamBytes AnnouncingStream(StreamBytes stream)
 {
@@ -63,7 +52,8 @@ inline StreamBytes AnnouncingStream(StreamBytes stream)
             stream[offset + byte] = static_cast<unsigned char>(value >> (8U * byte));
     };
     put(20, 0x7fffffffU);
-    put(16, ChecksumOf(stream));
+    // Of the payload, which follows the header.
+    put(16, kar::Checksum(std::span(stream).subspan(20)));
     return stream;
 }
 

@@ -22,9 +22,6 @@ struct BlockForm
     std::uint32_t version;
 };
 
-/// The checksum of blocks: CRC-32 of the IEEE polynomial, low bit first.
-std::uint32_t Checksum(std::span<const std::uint8_t> bytes);
-
 /// Appends a block.
 void WriteBlock(KARMathStream& stream, BlockForm form, std::span<const std::uint8_t> payload);
 

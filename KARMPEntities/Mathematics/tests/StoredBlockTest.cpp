@@ -25,13 +25,6 @@ bool Opens(const Bytes& bytes, kar::BlockForm form = Form)
 
 } // namespace
 
-TEST(StoredBlock, ChecksumIsTheCommonOne)
-{
-    const Bytes text{'1', '2', '3', '4', '5', '6', '7', '8', '9'};
-    EXPECT_EQ(kar::Checksum(text), 0xCBF43926U);
-    EXPECT_EQ(kar::Checksum({}), 0U);
-}
-
 TEST(StoredBlock, OpensBeforeItsPayload)
 {
     const Bytes block = BlockOf({7, 8});

@@ -85,6 +85,9 @@ ReadRep RepReader::Node()
     const bool isMoved = (parts & TransformationPart) != 0;
     const KARMathTransformation transformation =
         isMoved ? Transformation() : KARMathTransformation();
+    // The writer leaves the identity out.
+    if (isMoved && transformation == KARMathTransformation())
+        Fail();
     std::optional<KARColour> colour;
     if ((parts & ColourPart) != 0) {
         colour.emplace();

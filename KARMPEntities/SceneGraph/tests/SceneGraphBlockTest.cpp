@@ -313,6 +313,18 @@ TEST_P(SceneGraphBlock, RecordsThatNoWriterWritesAreRefused)
     EXPECT_TRUE(refuses(2, 8));
 }
 
+TEST_P(SceneGraphBlock, AnIdentityThatIsWrittenOutIsRefused)
+{
+    for (const double shift : {0.0, 1.0}) {
+        KARMathStream payload = NewPayload();
+        PutNode(payload, KAR3DRepKind::Bag, kar::TransformationPart);
+        for (const double value : {1.0, 0.0, 0.0, 0.0, 1.0, 0.0, 0.0, 0.0, 1.0, shift, 0.0, 0.0})
+            payload.WriteDouble(value);
+        PutCount(payload, 0);
+        EXPECT_EQ(ReadPayload(payload) != nullptr, shift != 0.0);
+    }
+}
+
 TEST_P(SceneGraphBlock, BagsWithAColourOrTransformationThatIsNoneAreRefused)
 {
     constexpr double NaN = std::numeric_limits<double>::quiet_NaN();

@@ -1,4 +1,5 @@
 #include "GMKFormat.h"
+#include "KARChecksum.h"
 #include "StoredSamples.h"
 
 #include <gtest/gtest.h>
