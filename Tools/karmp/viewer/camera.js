@@ -58,7 +58,7 @@ class Camera {
       this.reach = Math.max(this.reach, Math.abs(dot(arm, up)) + margin + nearness,
         (Math.abs(dot(arm, right)) + margin) / aspect + nearness);
     }
-    this.reach = 1.1 * Math.max(this.reach, 0.05 * bounds.extent, 1e-9 * norm(this.target), 1e-12);
+    this.reach = 1.15 * Math.max(this.reach, 0.05 * bounds.extent, 1e-9 * norm(this.target), 1e-12);
   }
 
   // What the viewer sees as right, up and back.

@@ -12,19 +12,20 @@ const palettes = {
     colours: [
       "#aeb6c1", "#5c6675", "#e8590c", "#2b8a3e", "#9c6b30", "#495057", "#4c8bd0", "#d6336c",
       "#37a34a", "#2f6fde", "#e3e7ec", "#cfd6de", "#ae3ec9", "#98a2af", "#212529", "#8794a6",
-      "#3b82c4", "#d1603d", "#4f9d69", "#8a63b8", "#c79a2b", "#3f9fa6", "#c25b86", "#7d8f3a",
-      "#5566c0", "#b0764a", "#4d8fb5", "#a04f6b"],
+      "#3b82c4", "#4f9d69", "#8a63b8", "#3f9fa6", "#c25b86", "#8a9a2f", "#5566c0", "#9a7b5c",
+      "#4fa8d1", "#9c4470", "#6f9c86", "#a48ad4"],
   },
   dark: {
     back: "#14181f", mark: "#ff8c1a",
     colours: [
       "#6c7685", "#aab4c2", "#ffa94d", "#69db7c", "#d9a866", "#adb5bd", "#4c8bd0", "#ff6b9a",
       "#69db7c", "#74a9ff", "#20262f", "#2f3742", "#e599f7", "#7b8695", "#f1f3f5", "#8a97a8",
-      "#62a3e0", "#ec8561", "#74c08d", "#ad8bd8", "#e0b94e", "#5fc3ca", "#e382ab", "#a5b95a",
-      "#8291e6", "#d09b6d", "#74b3d6", "#c97791"],
+      "#62a3e0", "#74c08d", "#ad8bd8", "#5fc3ca", "#e382ab", "#b4c455", "#8291e6", "#bfa17f",
+      "#7cc8ee", "#c76a9b", "#93c2ab", "#c6b1ef"],
   },
 };
 
+// No body has the colour that marks what is selected.
 const bodyColour = number => Colour.firstBody + number % BodyColours;
 
 // Red, green and blue from 0 to 1.
