@@ -4,6 +4,7 @@
 #include "ViewScene.h"
 
 #include <array>
+#include <charconv>
 #include <cmath>
 
 namespace karmp::tool {
@@ -69,6 +70,19 @@ public:
     {
         return Each(
             numbers, [this](auto number) { Number(static_cast<double>(number)); });
+    }
+    // In single precision, which is what meshes are drawn with.
+    Json& Singles(const std::vector<double>& numbers)
+    {
+        return Each(
+            numbers,
+            [this](double number) {
+                Separate();
+                std::array<char, 32> text{};
+                const auto end = std::to_chars(text.data(), text.data() + text.size(),
+                                               static_cast<float>(number));
+                m_text.append(text.data(), end.ptr);
+            });
     }
     template <class Triple>
     Json& Coordinates(const Triple& triple)
@@ -144,6 +158,22 @@ void WriteDrawing(const ViewDrawing& drawing, Json& json)
     json.End(']');
 }
 
+void WriteShape(const ViewShape& shape, Json& json)
+{
+    json.Begin('{').Key("entity").Number(shape.entity);
+    json.Key("pieces").Each(shape.pieces, [&](const ViewPiece& piece) {
+        json.Begin('{').Key("points").Singles(piece.points);
+        if (!piece.triangles.empty())
+            json.Key("triangles").AllNumbers(piece.triangles);
+        if (!piece.normals.empty())
+            json.Key("normals").Singles(piece.normals);
+        if (piece.colour)
+            json.Key("colour").Singles({piece.colour->begin(), piece.colour->end()});
+        json.End('}');
+    });
+    json.End('}');
+}
+
 void WriteBody(const ViewBody& body, Json& json)
 {
     std::array<double, 12> position{};
@@ -155,6 +185,8 @@ void WriteBody(const ViewBody& body, Json& json)
         json.Key("ground").Flag(true);
     if (body.center)
         json.Key("center").Begin('[').Coordinates(*body.center).End(']');
+    if (!body.shapes.empty())
+        json.Key("shapes").AllNumbers(body.shapes);
     json.Key("anchors").Each(
         body.anchors,
         [&](const KARMathPoint& anchor) { json.Begin('[').Coordinates(anchor).End(']'); });
@@ -212,6 +244,8 @@ std::string SceneJson(const ViewScene& scene)
     json.Key("entities")
         .Each(
             scene.entities, [&](const ViewEntity& entity) { WriteEntity(entity, json); });
+    json.Key("shapes").Each(
+        scene.shapes, [&](const ViewShape& shape) { WriteShape(shape, json); });
     json.Key("bodies").Each(
         scene.bodies, [&](const ViewBody& body) { WriteBody(body, json); });
     json.Key("joints").Each(

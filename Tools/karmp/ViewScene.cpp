@@ -1,6 +1,7 @@
 #include "ViewScene.h"
 
 #include "EntityText.h"
+#include "KARMP3DRep.h"
 #include "KARMPBody.h"
 #include "KARMPConnector.h"
 #include "KARMPCoupling.h"
@@ -13,6 +14,7 @@
 #include "ViewGeometry.h"
 #include "ViewJoints.h"
 #include "ViewRods.h"
+#include "ViewShapes.h"
 
 #include <algorithm>
 #include <cmath>
@@ -155,6 +157,7 @@ private:
             m_scene.bodies.push_back(std::move(drawn));
         });
         ForEach<KARMPGeometry>([this](const KARMPGeometry& geometry) { DrawGeometryOf(geometry); });
+        ForEach<KARMPShape>([this](const KARMPShape& shape) { DrawShape(shape); });
         for (ViewBody& body : m_scene.bodies)
             AddAnchors(body);
         AddRods();
@@ -189,6 +192,30 @@ private:
         drawings.push_back(std::move(*drawing));
     }
 
+    // Bodies may share a shape.
+    void DrawShape(const KARMPShape& shape)
+    {
+        const auto* const representation = dynamic_cast<const KARMP3DRep*>(&shape);
+        const KAR3DRep* const rep =
+            representation != nullptr ? representation->Get3DRep() : nullptr;
+        ViewShape drawn{IndexOf(shape), {}};
+        if (rep != nullptr)
+            drawn.pieces = DrawRepresentation(*rep);
+        if (drawn.pieces.empty()) {
+            EntityOf(shape).note = "Not drawn: it has nothing that can be.";
+            return;
+        }
+        const int number = static_cast<int>(m_scene.shapes.size());
+        for (int index = 0; index < shape.GetLinkedBodyCount(); ++index) {
+            QOBSharedHandle<KARMPBody> body;
+            shape.GetLinkedBody(index, body);
+            if (const auto found = m_bodyIndices.find(body.get()); found != m_bodyIndices.end())
+                m_scene.bodies[found->second].shapes.push_back(number);
+        }
+        m_boxes.push_back(BoxAround(drawn.pieces));
+        m_scene.shapes.push_back(std::move(drawn));
+    }
+
     static void AddAnchors(ViewBody& drawn)
     {
         for (const ViewDrawing& drawing : drawn.drawings)
@@ -199,25 +226,38 @@ private:
             drawn.anchors.push_back(drawn.center.value_or(KARMathPoint()));
     }
 
+    // The length across all that is drawn at a place.
+    double Extent() const
+    {
+        KARMathVector low(HUGE_VAL, HUGE_VAL, HUGE_VAL);
+        KARMathVector high = -low;
+        const auto add = [&](const KARMathPoint& point) {
+            low = {std::min(low.GetX(), point.GetX()), std::min(low.GetY(), point.GetY()),
+                   std::min(low.GetZ(), point.GetZ())};
+            high = {std::max(high.GetX(), point.GetX()), std::max(high.GetY(), point.GetY()),
+                    std::max(high.GetZ(), point.GetZ())};
+        };
+        for (const ViewBody& body : m_scene.bodies) {
+            for (const KARMathPoint& anchor : body.anchors)
+                add(body.position * anchor);
+            for (const int shape : body.shapes) {
+                if (const auto& box = m_boxes[static_cast<std::size_t>(shape)]) {
+                    add(body.position * box->first);
+                    add(body.position * box->second);
+                }
+            }
+        }
+        return low.GetX() <= high.GetX() ? (high - low).Norm() : 0.0;
+    }
+
     // A body of one anchor has its centre of gravity as another one. The symbols of joints suit the
     // rods and the whole.
     void AddRods()
     {
-        KARMathVector low(HUGE_VAL, HUGE_VAL, HUGE_VAL);
-        KARMathVector high = -low;
-        for (const ViewBody& body : m_scene.bodies) {
-            for (const KARMathPoint& anchor : body.anchors) {
-                const KARMathPoint point = body.position * anchor;
-                low = {std::min(low.GetX(), point.GetX()), std::min(low.GetY(), point.GetY()),
-                       std::min(low.GetZ(), point.GetZ())};
-                high = {std::max(high.GetX(), point.GetX()), std::max(high.GetY(), point.GetY()),
-                        std::max(high.GetZ(), point.GetZ())};
-            }
-        }
-        const double extent = low.GetX() <= high.GetX() ? (high - low).Norm() : 0.0;
+        const double extent = Extent();
+        const double tolerance = 1e-6 * extent;
         std::vector<double> lengths;
         for (ViewBody& body : m_scene.bodies) {
-            const double tolerance = 1e-6 * extent;
             body.anchors = WithoutDoubles(body.anchors, tolerance);
             if (body.isGround)
                 continue;
@@ -283,6 +323,7 @@ private:
     ViewScene m_scene;
     Numbering m_kinds;
     Numbering m_labels;
+    std::vector<std::optional<std::pair<KARMathPoint, KARMathPoint>>> m_boxes; // of the shapes
     std::vector<const KARMPEntity*> m_handles; // of all entities, in their order
     std::unordered_map<const KARMPEntity*, int> m_indices;
     std::unordered_map<const KARMPBody*, std::size_t> m_bodyIndices;

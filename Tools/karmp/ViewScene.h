@@ -4,6 +4,7 @@
 #include "KARMathAxis.h"
 #include "KARMathTransformation.h"
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -39,6 +40,23 @@ struct ViewDrawing
     std::vector<std::uint32_t> triangles;
 };
 
+/// A piece of a representation, in the axes of the bodies that have it: triangles, or a chain of
+/// segments when there are none.
+struct ViewPiece
+{
+    std::vector<double> points;
+    std::vector<double> normals; ///< one for each point, or none: flat triangles then
+    std::vector<std::uint32_t> triangles;
+    std::optional<std::array<double, 4>> colour; ///< red, green, blue and opacity from 0 to 1
+};
+
+/// What bodies look like.
+struct ViewShape
+{
+    int entity = -1;
+    std::vector<ViewPiece> pieces;
+};
+
 /// A rod of a body without a representation.
 using ViewRod = std::pair<KARMathPoint, KARMathPoint>;
 
@@ -50,6 +68,7 @@ struct ViewBody
     bool isGround = false;
     KARMathTransformation position;
     std::optional<KARMathPoint> center; ///< of gravity, of a body with a mass
+    std::vector<int> shapes;            ///< of ViewScene::shapes
     std::vector<KARMathPoint> anchors;  ///< origins of its axis systems, and points, each once
     std::vector<ViewRod> rods;          ///< that hold the anchors together
     std::vector<ViewDrawing> drawings;
@@ -118,6 +137,7 @@ struct ViewScene
     std::vector<std::string> labels; ///< names of items
     std::vector<ViewFamily> families;
     std::vector<ViewEntity> entities; ///< in the order of the families
+    std::vector<ViewShape> shapes;
     std::vector<ViewBody> bodies;
     std::vector<ViewJoint> joints;
     std::vector<ViewConnector> connectors;

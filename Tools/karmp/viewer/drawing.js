@@ -12,6 +12,7 @@ const Layers = [
   {name: "grid", title: "Grid"},
 ];
 
+const Clear = 0.3; // the opacity of what has no ends
 const Nobody = 0xffffff; // the entity of what belongs to none
 
 /// Collects what is drawn: of each layer the instances of meshes and the lines.
@@ -38,9 +39,8 @@ class Drawing {
   // The points that tell how large the mechanism is; planes and lines have no ends.
   measure() {
     for (const body of this.data.bodies) {
-      for (const anchor of body.anchors)
-        if (!body.ground)
-          this.bounds.add(placed(body.position, anchor), 0.5 * this.size);
+      for (const point of body.ground && !body.shapes ? [] : this.pointsOf(body))
+        this.bounds.add(point, 0.5 * this.size);
       for (const [kind, , numbers] of body.drawings)
         this.measureDrawing(body, kind, numbers);
     }
@@ -50,6 +50,25 @@ class Drawing {
     for (const connector of this.data.connectors)
       for (const frame of [connector.from, connector.to])
         this.bounds.add(originOf(frame), 0.7 * this.size);
+  }
+
+  // The points of the world between which a body is drawn.
+  pointsOf(body) {
+    return [...body.anchors, ...(body.shapes || []).flatMap(shape => this.cornersOf(shape))]
+      .map(point => placed(body.position, point));
+  }
+
+  // The corners of the box around a shape.
+  cornersOf(number) {
+    this.boxes = this.boxes || new Map();
+    if (!this.boxes.has(number)) {
+      const box = new Bounds();
+      for (const {points} of this.data.shapes[number].pieces)
+        for (let at = 0; at < points.length; at += 3)
+          box.add(points.slice(at, at + 3));
+      this.boxes.set(number, box.corners);
+    }
+    return this.boxes.get(number);
   }
 
   measurePatches() {
@@ -95,10 +114,10 @@ class Drawing {
   }
 
   // An instance of a mesh, which is made when the first one comes.
-  add(layer, name, makeMesh, placement, entity, colour, isClear = false) {
-    const key = `${layer}|${name}|${isClear}`;
+  add(layer, name, makeMesh, placement, entity, colour, opacity = 1) {
+    const key = `${layer}|${name}|${opacity}`;
     if (!this.batches.has(key))
-      this.batches.set(key, {layer, isClear, mesh: makeMesh(), instances: []});
+      this.batches.set(key, {layer, opacity, mesh: makeMesh(), instances: []});
     const moved = placement.slice(0, 9).concat(subtract(originOf(placement), this.offset));
     this.batches.get(key).instances.push({placement: moved, entity, colour});
     this.note(entity, originOf(placement));
@@ -137,23 +156,34 @@ class Drawing {
 
   addBody(body) {
     const colour = this.scene.colours.get(body.entity);
-    const meshes = (body.shapes || []);
-    if (meshes.length > 0)
-      meshes.forEach(shape => this.addShape(body, shape, colour));
+    const shapes = body.shapes || [];
+    if (shapes.length > 0)
+      this.addShapes(body, shapes, colour);
     else
       this.addRods(body, colour);
     for (const [kind, entity, numbers, triangles] of body.drawings)
-      this.addDrawing(body, kind, entity, numbers, triangles, colour, meshes.length > 0);
+      this.addDrawing(body, kind, entity, numbers, triangles, colour, shapes.length > 0);
     if (body.center)
       this.ball("masses", placed(body.position, body.center), 0.42 * this.size, body.entity, Colour.mass);
   }
 
-  // A shape shared by bodies is one mesh.
-  addShape(body, number, colour) {
-    const shape = this.data.shapes[number];
-    const own = shape.colour === undefined ? colour : shape.colour;
-    this.add("bodies", `shape ${number}`, () => givenMesh(shape.numbers, shape.triangles),
-      body.position, body.entity, own);
+  // A piece that bodies share is one mesh.
+  addShapes(body, shapes, colour) {
+    const middle = new Bounds();
+    for (const number of shapes) {
+      this.data.shapes[number].pieces.forEach((piece, i) => {
+        const own = piece.colour ? ownColour(piece.colour) : colour;
+        const {points, normals, triangles} = piece;
+        if (triangles)
+          this.add("bodies", `shape ${number} ${i}`,
+            () => normals ? smoothMesh(points, normals, triangles) : givenMesh(points, triangles),
+            body.position, body.entity, own, piece.colour ? piece.colour[3] : 1);
+        else
+          this.addCurve("bodies", body, body.entity, points, own);
+      });
+      this.cornersOf(number).forEach(corner => middle.add(corner));
+    }
+    this.places.set(body.entity, placed(body.position, middle.center));
   }
 
   addRods(body, colour) {
@@ -240,17 +270,17 @@ class Drawing {
     this.places.set(entity, center);
   }
 
-  addCurve(layer, body, entity, n) {
+  addCurve(layer, body, entity, n, colour = Colour.geometry) {
     for (let i = 0; i + 5 < n.length; i += 3)
       this.addLine(layer, placed(body.position, n.slice(i, i + 3)),
-        placed(body.position, n.slice(i + 3, i + 6)), entity, Colour.geometry, 2);
+        placed(body.position, n.slice(i + 3, i + 6)), entity, colour, 2);
   }
 
   // A patch with its border.
   addPlane(body, entity, n) {
     const {origin, edge, directions, corners} = this.patchOf(body, n);
     this.add("planes", "sheet", sheetMesh, framed(origin, directions, [edge, edge, 1]), entity,
-      Colour.plane, true);
+      Colour.plane, Clear);
     corners.forEach((from, i) =>
       this.addLine("planes", from, corners[(i + 1) % 4], entity, Colour.plane, 1.2));
   }
@@ -259,14 +289,14 @@ class Drawing {
     const length = Math.max(2 * n[6], 3 * this.size);
     this.add(layer, "pipe", () => pipeMesh(2 * this.segments),
       along(placed(body.position, n), unit(turned(body.position, n.slice(3, 6))), n[6], length),
-      entity, colour, true);
+      entity, colour, Clear);
   }
 
   addCone(layer, body, entity, n, colour) {
     const height = 5 * this.size;
     this.add(layer, "cone", () => coneMesh(2 * this.segments),
       along(placed(body.position, n), unit(turned(body.position, n.slice(3, 6))),
-        height * Math.tan(n[6]), height), entity, colour, true);
+        height * Math.tan(n[6]), height), entity, colour, Clear);
   }
 
   addJoint(joint) {
@@ -397,9 +427,8 @@ class Drawing {
     const normal = camera.isFlat ? back : up;
     const size = this.bounds.isEmpty ? 1 : this.extent;
     const step = 10 ** Math.floor(Math.log10(size / 3));
-    const corners = [this.bounds.low, this.bounds.high].map(p => this.bounds.isEmpty ? [0, 0, 0] : p);
-    const lowest = Math.min(...[0, 1, 2, 3, 4, 5, 6, 7].map(corner =>
-      dot([0, 1, 2].map(i => corners[corner >> i & 1][i]), normal)));
+    const lowest = Math.min(...(this.bounds.isEmpty ? [[0, 0, 0]] : this.bounds.corners)
+      .map(corner => dot(corner, normal)));
     const height = lowest - 0.04 * size;
     const [u, v] = camera.isFlat ? [camera.basis.right, up] : [camera.basis.right, camera.basis.back];
     const middle = [u, v].map(axis => Math.round(dot(this.offset, axis) / step));

@@ -186,8 +186,8 @@ class Viewer {
     const bounds = new Bounds();
     for (const drawn of this.scene.drawnFor(entity, other => this.drawing.drawn.has(other))) {
       const body = this.scene.data.bodies.find(other => other.entity === drawn);
-      for (const anchor of body ? body.anchors : [])
-        bounds.add(placed(body.position, anchor), this.drawing.size);
+      for (const point of body ? this.drawing.pointsOf(body) : [])
+        bounds.add(point, this.drawing.size);
       bounds.add(this.drawing.places.get(drawn), 4 * this.drawing.size);
     }
     if (!bounds.isEmpty && this.renderer)

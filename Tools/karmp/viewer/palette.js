@@ -28,6 +28,10 @@ const palettes = {
 // No body has the colour that marks what is selected.
 const bodyColour = number => Colour.firstBody + number % BodyColours;
 
+// The number of a colour of the document's own, given as parts from 0 to 1.
+const ownColour = rgb =>
+  0x1000000 + rgb.slice(0, 3).reduce((all, part) => 256 * all + Math.round(255 * part), 0);
+
 // Red, green and blue from 0 to 1.
 const parts = colour =>
   [1, 3, 5].map(start => parseInt(colour.slice(start, start + 2), 16) / 255);

@@ -67,7 +67,9 @@ uniform float opacity;
 out vec4 colour;
 void main() {
   uint state = owner.x == 16777215u ? 0u : texelFetch(states, ivec2(owner.x % 1024u, owner.x / 1024u), 0).r;
-  vec3 base = palette[owner.y];
+  uint own = owner.y;
+  vec3 base = own < 16777216u ? palette[own] :
+    vec3((uvec3(own) >> uvec3(16u, 8u, 0u)) & 255u) / 255.0;
   if ((state & 2u) != 0u)
     base = mix(base, mark, 0.85);
   float alpha = opacity;
@@ -176,7 +178,7 @@ class Renderer {
     gl.vertexAttribPointer(location, size, gl.FLOAT, false, 0, 0);
   }
 
-  solid({layer, isClear, mesh, instances}) {
+  solid({layer, opacity, mesh, instances}) {
     const gl = this.gl;
     const array = gl.createVertexArray();
     gl.bindVertexArray(array);
@@ -188,7 +190,7 @@ class Renderer {
     }, [[2, 3], [3, 3], [4, 3], [5, 3]]);
     gl.bindBuffer(gl.ELEMENT_ARRAY_BUFFER, gl.createBuffer());
     gl.bufferData(gl.ELEMENT_ARRAY_BUFFER, new Uint32Array(mesh.triangles), gl.STATIC_DRAW);
-    return {layer, isClear, array, count: mesh.triangles.length, instances: instances.length};
+    return {layer, opacity, array, count: mesh.triangles.length, instances: instances.length};
   }
 
   line(layer, lines) {
@@ -243,12 +245,12 @@ class Renderer {
     gl.uniform3fv(shader.at("light"), unit(add(add(times(up, 0.8), times(right, -0.45)), times(back, 0.55))));
   }
 
-  drawSolids(shader, areClear, opacity) {
+  drawSolids(shader, areClear) {
     const gl = this.gl;
-    gl.uniform1f(shader.at("opacity"), opacity);
     for (const batch of this.solids) {
-      if (batch.isClear !== areClear || this.hiddenLayers.has(batch.layer))
+      if (batch.opacity < 1 !== areClear || this.hiddenLayers.has(batch.layer))
         continue;
+      gl.uniform1f(shader.at("opacity"), batch.opacity);
       gl.bindVertexArray(batch.array);
       gl.drawElementsInstanced(gl.TRIANGLES, batch.count, gl.UNSIGNED_INT, 0, batch.instances);
     }
@@ -278,14 +280,14 @@ class Renderer {
     gl.bindTexture(gl.TEXTURE_2D, this.stateTexture);
     const {solid, line} = this.programs;
     this.use(solid, this.matrix, [1, 0], theme, camera);
-    this.drawSolids(solid, false, 1);
+    this.drawSolids(solid, false);
     this.use(line, this.matrix, [this.ratio, 0], theme, camera);
     this.drawLines(line);
     this.use(solid, this.matrix, [1, 0], theme, camera);
     gl.enable(gl.BLEND);
     gl.blendFunc(gl.SRC_ALPHA, gl.ONE_MINUS_SRC_ALPHA);
     gl.depthMask(false);
-    this.drawSolids(solid, true, 0.3);
+    this.drawSolids(solid, true);
     gl.depthMask(true);
     gl.disable(gl.BLEND);
   }
@@ -302,11 +304,11 @@ class Renderer {
     gl.clear(gl.COLOR_BUFFER_BIT | gl.DEPTH_BUFFER_BIT);
     const {solidPick, linePick} = this.programs;
     this.use(solidPick, this.matrix, [1, 0], null, null);
-    this.drawSolids(solidPick, false, 1);
+    this.drawSolids(solidPick, false);
     this.use(linePick, this.matrix, [this.ratio, 5 * this.ratio], null, null);
     this.drawLines(linePick);
     this.use(solidPick, this.matrix, [1, 0], null, null);
-    this.drawSolids(solidPick, true, 1);
+    this.drawSolids(solidPick, true);
     this.isPickStale = false;
   }
 

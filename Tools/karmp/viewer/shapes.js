@@ -142,7 +142,16 @@ function coilMesh(coils, height, wire, segments) {
   });
 }
 
-// A mesh of the document: its faces get normals that are shared where they meet at a blunt angle.
+// A mesh of the document with its own normals.
+function smoothMesh(points, normals, triangles) {
+  const mesh = new Mesh();
+  mesh.positions = points;
+  mesh.normals = normals;
+  mesh.triangles = triangles;
+  return mesh;
+}
+
+// A mesh of the document without: its faces get normals that are shared where they meet at a blunt angle.
 function givenMesh(numbers, triangles) {
   const mesh = new Mesh();
   const at = index => numbers.slice(3 * index, 3 * index + 3);

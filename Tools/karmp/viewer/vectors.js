@@ -79,12 +79,16 @@ class Bounds {
   get sizes() { return this.isEmpty ? [0, 0, 0] : subtract(this.high, this.low); }
   get extent() { return norm(this.sizes); }
 
+  get corners() {
+    return [0, 1, 2, 3, 4, 5, 6, 7].map(
+      corner => [0, 1, 2].map(i => (corner >> i & 1 ? this.high : this.low)[i]));
+  }
+
   // Points with margins around them that all lies between: those that were added, or the corners.
   get outline() {
     if (this.count <= Bounds.most)
       return this.points;
-    return [0, 1, 2, 3, 4, 5, 6, 7].map(corner =>
-      [[0, 1, 2].map(i => (corner >> i & 1 ? this.high : this.low)[i]), 0]);
+    return this.corners.map(corner => [corner, 0]);
   }
 }
 Bounds.most = 4000;

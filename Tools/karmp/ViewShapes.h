@@ -1,0 +1,18 @@
+// How a representation is drawn.
+#pragma once
+
+#include "ViewScene.h"
+
+class KAR3DRep;
+
+namespace karmp::tool {
+
+/// The pieces of a scene graph, each with the transformations and the colour that it has there.
+/// Pieces with a number that cannot be drawn are left out.
+std::vector<ViewPiece> DrawRepresentation(const KAR3DRep& rep);
+
+/// The box around pieces, as its lowest and highest corner; none without a point.
+std::optional<std::pair<KARMathPoint, KARMathPoint>> BoxAround(
+    const std::vector<ViewPiece>& pieces);
+
+} // namespace karmp::tool
