@@ -6,6 +6,7 @@
 
 #include <cmath>
 #include <string>
+#include <type_traits>
 
 /// An axis system along the axes of its body, whose third direction, that of a joint's motion, is
 /// the body's x, y or z.
@@ -82,10 +83,10 @@ public:
         return AddBody(name, KARMathTransformation(rotation, origin - KARMathPoint()));
     }
 
-    /// Gives a geometry to a body.
-    template <class T>
-    QOBSharedHandle<T> Attach(const QOBSharedHandle<T>& geometry,
-                              const QOBSharedHandle<KARMPBody>& body, const std::wstring& name)
+    /// Gives a geometry to a body, both in space or both in a plane.
+    template <class T, class Body>
+    QOBSharedHandle<T> Attach(const QOBSharedHandle<T>& geometry, const QOBSharedHandle<Body>& body,
+                              const std::wstring& name)
     {
         File<KARMPGeometry>(geometry, body->getEntityName() + L'.' + name);
         geometry->SetBody(body);
@@ -127,25 +128,17 @@ public:
 
     /// A joint of two bodies that a constraint between a geometry of each realises; the body of the
     /// first is the parent.
-    template <class Joint, class Constraint>
-    QOBSharedHandle<Joint> AddJoint(const std::wstring& name,
-                                    const QOBSharedHandle<KARMPGeometry>& first,
-                                    const QOBSharedHandle<KARMPGeometry>& second)
+    template <class Joint, class Constraint, class First, class Second>
+    QOBSharedHandle<Joint> AddJoint(const std::wstring& name, const QOBSharedHandle<First>& first,
+                                    const QOBSharedHandle<Second>& second)
     {
         const auto joint = File<KARMPJoint>(Joint::create(name), name);
         const auto constraint =
             File<KARMPConstraint>(Constraint::create(name), name + L".constraint");
         joint->AddConstraint(constraint);
         constraint->SetJoint(joint);
-        for (const auto& geometry : {first, second}) {
-            constraint->LinkToGeometry(geometry);
-            geometry->LinkToConstraint(constraint);
-            QOBSharedHandle<KARMPBody> body;
-            geometry->GetBody(body);
-            joint->LinkToBody(body, geometry == first ? KARMPBodyOrientation::Out
-                                                      : KARMPBodyOrientation::In);
-            body->LinkToJoint(joint);
-        }
+        LinkSide<Joint>(joint, *constraint, first, KARMPBodyOrientation::Out);
+        LinkSide<Joint>(joint, *constraint, second, KARMPBodyOrientation::In);
         return joint;
     }
 
@@ -161,9 +154,10 @@ public:
     }
 
     /// A variable of a constraint of a joint.
+    template <class Joint>
     QOBSharedHandle<KARMPVariable> AddVariable(const std::wstring& name,
                                                KARMPPhysicalQuantity::Enum quantity, double value,
-                                               const QOBSharedHandle<KARMPJoint>& joint)
+                                               const QOBSharedHandle<Joint>& joint)
     {
         const auto variable = File<KARMPVariable>(KARMPVariable::create(name), name);
         variable->SetPhysicalQuantity(quantity);
@@ -258,6 +252,21 @@ public:
     }
 
 private:
+    /// The links between a joint, its constraint, and a geometry of one of its bodies.
+    template <class Joint, class Geometry>
+    static void LinkSide(const QOBSharedHandle<Joint>& joint, KARMPConstraint& constraint,
+                         const QOBSharedHandle<Geometry>& geometry,
+                         KARMPBodyOrientation::Enum orientation)
+    {
+        using Body =
+            std::conditional_t<std::is_base_of_v<KARMPJoint2D, Joint>, KARMPBody2D, KARMPBody>;
+        constraint.LinkToGeometry(geometry);
+        geometry->LinkToConstraint(QOBSharedHandle<KARMPConstraint>(&constraint));
+        QOBSharedHandle<Body> body;
+        geometry->GetBody(body);
+        joint->LinkToBody(body, orientation);
+        body->LinkToJoint(joint);
+    }
     static KARMathTransformation IntoBody(const KARMPBody& body)
     {
         KARMathTransformation inverse;

@@ -1,4 +1,4 @@
-// Holds the documents of the examples to docs/conventions.md, as they are after loading.
+// Holds the documents of the examples in space to docs/conventions.md, as they are after loading.
 #include "ExampleWorld.h"
 #include "KARMPDocuments.h"
 #include "KARMPEntities.h"
@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -16,19 +15,8 @@ namespace karmp::tool {
 
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr double LengthTolerance = 1e-11; // m: documents keep twelve decimals
 constexpr double AngleTolerance = 1e-11;  // of directions, which are numbers near 1
-
-std::vector<std::string> ExampleDocuments()
-{
-    std::vector<std::string> files;
-    for (const auto& entry : fs::directory_iterator(KARMP_EXAMPLE_DOCUMENTS))
-        files.push_back(entry.path().stem().string());
-    std::sort(files.begin(), files.end());
-    return files;
-}
 
 class ExampleDocument : public ::testing::TestWithParam<std::string>
 {
@@ -262,12 +250,8 @@ TEST_P(ExampleDocument, IsUnderTheEarthsGravityOrNone)
     EXPECT_EQ(gravity.Norm(), GetParam() == "seven-body" ? 0.0 : 9.81);
 }
 
-INSTANTIATE_TEST_SUITE_P(Examples, ExampleDocument, ::testing::ValuesIn(ExampleDocuments()),
-                         [](const auto& example) {
-                             std::string name = example.param;
-                             std::replace(name.begin(), name.end(), '-', '_');
-                             return name;
-                         });
+INSTANTIATE_TEST_SUITE_P(Examples, ExampleDocument, ::testing::ValuesIn(ExampleDocuments(false)),
+                         [](const auto& example) { return TestNameOf(example.param); });
 
 } // namespace
 
