@@ -109,6 +109,31 @@ void Save(benchmark::State& state, Content content)
     state.counters["ratio_to_bare"] = time / bareTime;
 }
 
+/// Saves with and without the check for losses by turns.
+void CheckedSave(benchmark::State& state, Content content)
+{
+    const auto world = Build(state.range(0), content);
+    const PerEntity perEntity(state, content);
+    karmp::documents::SaveOptions unchecked;
+    unchecked.check = false;
+    double uncheckedTime = 0.0;
+    double time = 0.0;
+    for (auto _ : state) {
+        std::string text;
+        state.PauseTiming();
+        GiveFreeMemoryBack();
+        state.ResumeTiming();
+        time += SecondsOf([&] { SaveText(world, text); });
+        state.PauseTiming();
+        text = std::string();
+        GiveFreeMemoryBack();
+        uncheckedTime += SecondsOf([&] { SaveText(world, text, unchecked); });
+        text = std::string();
+        state.ResumeTiming();
+    }
+    state.counters["ratio_to_unchecked"] = time / uncheckedTime;
+}
+
 /// Renders a tree that holds the whole world, which a save never does.
 void Render(benchmark::State& state, Content content)
 {
@@ -276,6 +301,7 @@ BENCHMARK_CAPTURE(Render, Bodies, Content::Bodies)
     ->Arg(1'000)
     ->Arg(10'000)
     ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(CheckedSave, Bodies, Content::Bodies)->SIZES;
 BENCHMARK_CAPTURE(Load, Bodies, Content::Bodies)->SIZES;
 BENCHMARK_CAPTURE(Teardown, Bodies, Content::Bodies)->SIZES;
 BENCHMARK_CAPTURE(LoadPeak, Bodies, Content::Bodies)->Arg(100'000)->Iterations(1);
@@ -285,6 +311,7 @@ BENCHMARK_CAPTURE(Render, Joints, Content::Joints)
     ->Arg(1'000)
     ->Arg(10'000)
     ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(CheckedSave, Joints, Content::Joints)->SIZES;
 BENCHMARK_CAPTURE(Load, Joints, Content::Joints)->SIZES;
 BENCHMARK_CAPTURE(Teardown, Joints, Content::Joints)->SIZES;
 BENCHMARK_CAPTURE(LoadPeak, Joints, Content::Joints)->Arg(100'000)->Iterations(1);

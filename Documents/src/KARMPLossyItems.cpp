@@ -27,7 +27,8 @@ bool IsForPeople(const ItemInfo& item)
 
 std::optional<LossReason> ReasonOf(const ItemInfo& item, std::wstring_view version)
 {
-    if (item.path == L"id" || !item.CanGet())
+    // The application's own text is written unless it is empty.
+    if (item.path == L"id" || item.path == L"entityID" || !item.CanGet())
         return std::nullopt;
     if (!item.IsHeldAt(version))
         return LossReason::Version;

@@ -7,9 +7,11 @@
 #include "KARMPTextEscapes.h"
 #include "KARMPVariable.h"
 #include "KARMPWorld.h"
+#include "KARMPWorldGraph.h"
 #include "QOBClassInfo.h"
 
 #include <algorithm>
+#include <bit>
 #include <functional>
 
 namespace karmp::documents {
@@ -57,6 +59,8 @@ void SaveCheck::Run()
     CheckIdentifiers();
     for (std::size_t number = 0; number < m_entities.Count() && !m_messages.Full(); ++number)
         CheckEntity(number);
+    if (m_sum != 0)
+        CheckPairs();
 }
 
 SaveCheck::ClassChecks& SaveCheck::ChecksOf(const KARMPEntity& entity)
@@ -98,32 +102,49 @@ void SaveCheck::CheckGlobals()
     check(time, "GlobalTime");
 }
 
-// Equal identifiers stand side by side when they are sorted by a number that belongs to the text.
-void SaveCheck::CheckIdentifiers()
+// The entities whose identifiers may be carried twice. A table of bits, 16 for an entity, sorts out
+// the others: it is small enough to be at hand.
+std::vector<std::size_t> SaveCheck::DoubtfulIdentifiers() const
 {
-    std::vector<std::pair<std::size_t, std::size_t>> hashes;
+    const std::size_t size = std::bit_ceil(16 * m_entities.Count() + 1);
+    std::vector<bool> met(size);
+    std::vector<bool> doubtful(size);
+    std::vector<std::size_t> hashes;
     hashes.reserve(m_entities.Count());
     std::wstring identifier;
     for (std::size_t number = 0; number < m_entities.Count(); ++number) {
         GetIdentifierOf(m_entities.At(number), identifier);
-        hashes.emplace_back(std::hash<std::wstring>()(identifier), number);
+        const std::size_t hash = std::hash<std::wstring>()(identifier) & (size - 1);
+        hashes.push_back(hash);
+        if (met[hash])
+            doubtful[hash] = true;
+        met[hash] = true;
     }
-    std::sort(hashes.begin(), hashes.end());
-    std::wstring earlier;
-    for (std::size_t i = 1; i < hashes.size() && !m_messages.Full(); ++i) {
-        if (hashes[i].first != hashes[i - 1].first)
+    std::vector<std::size_t> numbers;
+    for (std::size_t number = 0; number < hashes.size(); ++number)
+        if (doubtful[hashes[number]])
+            numbers.push_back(number);
+    return numbers;
+}
+
+void SaveCheck::CheckIdentifiers()
+{
+    std::unordered_map<std::wstring, std::size_t> known;
+    std::wstring identifier;
+    for (const std::size_t number : DoubtfulIdentifiers()) {
+        const KARMPEntity& entity = m_entities.At(number);
+        GetIdentifierOf(entity, identifier);
+        const auto [found, isNew] = known.emplace(identifier, number);
+        if (isNew)
             continue;
-        const KARMPEntity& first = m_entities.At(hashes[i - 1].second);
-        const KARMPEntity& second = m_entities.At(hashes[i].second);
-        GetIdentifierOf(first, earlier);
-        GetIdentifierOf(second, identifier);
-        if (earlier != identifier)
-            continue;
+        const KARMPEntity& first = m_entities.At(found->second);
         m_messages.Error(Code::DuplicateIdentifier,
-                         &first == &second
-                             ? TitleOf(second) + " is listed twice"
-                             : TitleOf(second) + " has the identifier of " + TitleOf(first),
-                         m_entities.PathOf(hashes[i].second) + "/@id");
+                         &first == &entity
+                             ? TitleOf(entity) + " is listed twice"
+                             : TitleOf(entity) + " has the identifier of " + TitleOf(first),
+                         m_entities.PathOf(number) + "/@id");
+        if (m_messages.Full())
+            return;
     }
 }
 
@@ -138,21 +159,53 @@ void SaveCheck::CheckEntity(std::size_t number)
                                                   : " is listed by no world that reads it"),
                            m_entities.PathOf(number));
     for (LinkCheck& link : checks.links)
-        CheckLink(number, link);
+        ForEachLink(entity, link, [&] {
+            if (!SumUp(number, link))
+                CheckTarget(number, link);
+        });
     if (!checks.lossy.empty())
         CheckItems(number, checks.lossy);
 }
 
-void SaveCheck::CheckLink(std::size_t number, LinkCheck& check)
+// Calls with each target in m_value.
+template <class Visit>
+void SaveCheck::ForEachLink(const KARMPEntity& entity, LinkCheck& check, Visit visit)
 {
-    const KARMPEntity& entity = m_entities.At(number);
     const Item& item = *check.info->written;
     const int count = CountOf(item, entity);
     if (count == 0 || !check.info->IsWrittenFor(entity))
         return;
     for (int index = 0; index < count; ++index)
         if (Fetch(item, entity, index, m_value))
-            CheckTarget(number, check);
+            visit();
+}
+
+// False for a link that is no half of a pair.
+bool SaveCheck::SumUp(std::size_t number, LinkCheck& check)
+{
+    if (check.otherSides.size() != 1)
+        return false;
+    const KARMPEntity& target = *EntityIn(m_value);
+    const Back& back = BackOf(check, target);
+    if (back.pair == 0)
+        return false;
+    const auto from = reinterpret_cast<std::uintptr_t>(&m_entities.At(number));
+    const auto to = reinterpret_cast<std::uintptr_t>(&target);
+    m_sum += back.isFirst ? Mix(Mix(back.pair, from), to) : -Mix(Mix(back.pair, to), from);
+    return true;
+}
+
+// Some link of a pair has no other side, be it that its target is not listed.
+void SaveCheck::CheckPairs()
+{
+    for (std::size_t number = 0; number < m_entities.Count() && !m_messages.Full(); ++number) {
+        const KARMPEntity& entity = m_entities.At(number);
+        for (LinkCheck& link : ChecksOf(entity).links)
+            ForEachLink(entity, link, [&] {
+                if (BackOf(link, *EntityIn(m_value)).pair != 0)
+                    CheckTarget(number, link);
+            });
+    }
 }
 
 void SaveCheck::CheckTarget(std::size_t number, LinkCheck& check)
@@ -165,7 +218,7 @@ void SaveCheck::CheckTarget(std::size_t number, LinkCheck& check)
     if (check.otherSides.empty())
         return;
     const KARMPEntity& entity = m_entities.At(number);
-    const auto back = BackOf(check, target);
+    const auto& back = BackOf(check, target).items;
     if (std::none_of(back.begin(), back.end(),
                      [&](const ItemInfo* item) { return RefersBack(target, *item, entity); }))
         m_messages.Warning(Code::OneSidedLink,
@@ -185,18 +238,32 @@ void SaveCheck::TellOfTarget(std::size_t number, const ItemInfo& item, const KAR
         m_messages.Warning(Code::NotReadBack, std::move(text), std::move(path));
 }
 
-std::span<const ItemInfo* const> SaveCheck::BackOf(LinkCheck& check, const KARMPEntity& target)
+const SaveCheck::Back& SaveCheck::BackOf(LinkCheck& check, const KARMPEntity& target)
 {
     const QOBClassInfo& info = target.getClassInfo();
-    for (const auto& [known, items] : check.back)
-        if (known == &info)
-            return items;
+    for (const Back& known : check.back)
+        if (known.target == &info)
+            return known;
     std::vector<const ItemInfo*> items;
     for (const ItemInfo* const item : LinkItemsOf(info))
         if (std::find(check.otherSides.begin(), check.otherSides.end(), item->path) !=
             check.otherSides.end())
             items.push_back(item);
-    return check.back.emplace_back(&info, std::move(items)).second;
+    const std::uint64_t pair = PairOf(check, items);
+    const bool isFirst = pair != 0 && check.info->path < items.front()->path;
+    return check.back.emplace_back(Back{&info, std::move(items), pair, isFirst});
+}
+
+std::uint64_t SaveCheck::PairOf(const LinkCheck& check, std::span<const ItemInfo* const> back)
+{
+    const ItemInfo& item = *check.info;
+    const bool isPair = check.otherSides.size() == 1 && back.size() == 1 &&
+                        back.front()->otherSide == item.path && back.front()->path != item.path &&
+                        item.conditions.empty() && back.front()->conditions.empty();
+    if (!isPair)
+        return 0;
+    const std::hash<std::wstring> hash;
+    return (hash(item.path) + hash(back.front()->path)) | 1U;
 }
 
 bool SaveCheck::RefersBack(const KARMPEntity& target, const ItemInfo& item,

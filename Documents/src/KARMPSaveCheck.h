@@ -7,6 +7,7 @@
 #include "KARMPMessages.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <span>
 #include <string>
@@ -33,12 +34,23 @@ public:
     void Run();
 
 private:
+    /// What refers back in a class of targets.
+    struct Back
+    {
+        const QOBClassInfo* target;
+        std::vector<const ItemInfo*> items;
+        /// Not 0 when one item of each side is the other side of the other: a number that belongs
+        /// to the two items.
+        std::uint64_t pair;
+        /// The item is the first one of the two by its path.
+        bool isFirst;
+    };
     /// A link of a class, and what refers back to it in the classes of the targets.
     struct LinkCheck
     {
         const ItemInfo* info;
         std::vector<std::wstring_view> otherSides;
-        std::vector<std::pair<const QOBClassInfo*, std::vector<const ItemInfo*>>> back;
+        std::vector<Back> back;
     };
     struct ClassChecks
     {
@@ -50,11 +62,16 @@ private:
     ClassChecks& ChecksOf(const KARMPEntity& entity);
     void CheckGlobals();
     void CheckIdentifiers();
+    std::vector<std::size_t> DoubtfulIdentifiers() const;
     void CheckEntity(std::size_t number);
-    void CheckLink(std::size_t number, LinkCheck& check);
+    template <class Visit>
+    void ForEachLink(const KARMPEntity& entity, LinkCheck& check, Visit visit);
+    bool SumUp(std::size_t number, LinkCheck& check);
+    void CheckPairs();
     void CheckTarget(std::size_t number, LinkCheck& check);
     void TellOfTarget(std::size_t number, const ItemInfo& item, const KARMPEntity& target);
-    std::span<const ItemInfo* const> BackOf(LinkCheck& check, const KARMPEntity& target);
+    const Back& BackOf(LinkCheck& check, const KARMPEntity& target);
+    static std::uint64_t PairOf(const LinkCheck& check, std::span<const ItemInfo* const> back);
     bool RefersBack(const KARMPEntity& target, const ItemInfo& item, const KARMPEntity& entity);
     void CheckItems(std::size_t number, std::span<const LossyItem> items);
 
@@ -66,6 +83,9 @@ private:
     std::unordered_map<const QOBClassInfo*, ClassChecks> m_classes;
     const QOBClassInfo* m_lastClass = nullptr;
     ClassChecks* m_lastChecks = nullptr;
+    /// The sum of numbers that belong to the links whose other side is one item, counted by one
+    /// side up and by the other down: 0 when each of them has its other side.
+    std::uint64_t m_sum = 0;
     /// The entries of long lists.
     std::map<std::pair<const KARMPEntity*, const ItemInfo*>,
              std::unordered_set<const QOBSharedObject*>>
