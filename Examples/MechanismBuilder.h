@@ -69,7 +69,6 @@ public:
     {
         const auto body = File<KARMPBody>(KARMPBody::create(name), name);
         body->SetPosition(position, 0);
-        body->SetFloating(false);
         return body;
     }
 
