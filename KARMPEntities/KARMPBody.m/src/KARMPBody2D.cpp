@@ -7,6 +7,7 @@
 #include "KARMPDisplacementSensor2D.h"
 #include "KARMPGeometry2D.h"
 #include "KARMPJoint2D.h"
+#include "KARMPShape2D.h"
 #include "KARMPSketch.h"
 
 KARMP_DEFINE_ENTITY(KARMPBody2D, "51C80380-5151-4C27-AD17-9CB525818264");
@@ -70,6 +71,8 @@ struct karmp::ContentOf<KARMPBody2D>
         References<&C::m_joints, &C::LinkToJoint>(L"Joints", L"Joint",
                                                   "The planar joints that use it.")
             .OtherSide(L"Bodies2D"),
+        References<&C::m_shapes, &C::LinkToShape>(L"Shapes", L"Shape", "Its planar shapes.")
+            .OtherSide(L"Bodies"),
         Reference<&C::m_displacementSensor, &C::SetDisplacementSensor>(
             L"DisplacementSensor", "The sensor that measures how far it was moved.")
             .OtherSide(L"Body2D"),
@@ -131,7 +134,7 @@ void KARMPBody2D::ClearContainers()
 KARStatus KARMPBody2D::RemoveParent()
 {
     return karmp::UnlinkFromBody(*this, KARMPSourceLocation::current(), m_displacementSensor,
-                                 m_geometries, m_joints, m_impactedChildren);
+                                 m_geometries, m_joints, m_shapes, m_impactedChildren);
 }
 
 KARStatus KARMPBody2D::GetLoader(KARIMPBody2DLoader*& loader) const

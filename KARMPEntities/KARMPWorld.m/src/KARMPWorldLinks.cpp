@@ -6,6 +6,7 @@
 #include "KARMPFunctionOfFamily.h"
 #include "KARMPGeometry2D.h"
 #include "KARMPJoint2D.h"
+#include "KARMPShape2D.h"
 #include "KARMPSketch.h"
 
 namespace {
@@ -14,7 +15,7 @@ using karmp::Duplicates;
 // Planar classes have links of their own and stand before those that they are derived from.
 using LinkingFamilies =
     karmp::FamilyList<KARMPJoint2D, KARMPJoint, KARMPBody2D, KARMPBody, KARMPConstraint,
-                      KARMPVariable, KARMPGeometry2D, KARMPGeometry, KARMPShape>;
+                      KARMPVariable, KARMPGeometry2D, KARMPGeometry, KARMPShape2D, KARMPShape>;
 
 // A link of a source that is restored at its duplicate.
 struct Link
@@ -158,6 +159,7 @@ void Collect(const Collector<KARMPBody2D>& body)
     body.Single<&C::SetSketch>(&C::GetSketch);
     body.List<&C::LinkToJoint>(&C::GetLinkedJointCount, &C::GetLinkedJoint);
     body.Single<&C::SetDisplacementSensor>(&C::GetDisplacementSensor);
+    body.List<&C::LinkToShape>(&C::GetLinkedShapeCount, &C::GetLinkedShape);
 }
 
 void Collect(const Collector<KARMPConstraint>& constraint)
@@ -196,6 +198,15 @@ void Collect(const Collector<KARMPShape>& shape)
 {
     using C = KARMPShape;
     shape.List<&C::LinkToBody>(&C::GetLinkedBodyCount, &C::GetLinkedBody);
+}
+
+// Its number of bodies is that of the planar ones: spatial bodies cannot be had from it.
+void Collect(const Collector<KARMPShape2D>& shape)
+{
+    using C = KARMPShape2D;
+    using Body = QOBSharedHandle<KARMPBody2D>;
+    shape.List<static_cast<KARStatus (C::*)(const Body&)>(&C::LinkToBody)>(
+        &C::GetLinkedBodyCount, static_cast<KARStatus (C::*)(int, Body&) const>(&C::GetLinkedBody));
 }
 
 template <class T>

@@ -4,6 +4,7 @@
 #include "KAR3DBagRep.h"
 #include "KAR3DMeshRep.h"
 #include "KAR3DPolylineRep.h"
+#include "KARBody.h"
 #include "KAREllipseArc.h"
 #include "KARLineCurve.h"
 #include "KARLinearTransfoSurface.h"
@@ -132,6 +133,7 @@ FilledEntities::FilledEntities()
     AddTwo(m_sensors, L"S", Identified<KARMPDisplacementSensor>);
     AddTwo(m_planarSensors, L"PS", Identified<KARMPDisplacementSensor2D>);
     AddTwo(m_shapes, L"H", ConcreteEntity<KARMPShape>::create);
+    AddTwo(m_planarShapes, L"PH", Identified<KARMPShapeBody>);
     AddTwo(m_connectors, L"N", ConcreteEntity<KARMPConnector>::create);
     AddTwo(m_constants, L"K", Identified<KARMPConstant>);
     AddTwo(m_rules, L"R", Identified<KARMPCollisionRule>);
@@ -519,8 +521,12 @@ void FilledEntities::FillShape(KARMPShape& shape)
 {
     if (!HasLinks())
         return;
+    auto* const planar = dynamic_cast<KARMPShape2D*>(&shape);
     for (std::size_t index = 0; index < 2; ++index)
-        shape.LinkToBody(m_bodies[index]);
+        if (planar != nullptr)
+            planar->LinkToBody(m_planarBodies[index]);
+        else
+            shape.LinkToBody(m_bodies[index]);
 }
 
 void FilledEntities::FillSensor(KARMPSensor& sensor)
@@ -568,7 +574,8 @@ void FilledEntities::FillOwnContent(KARMPEntity& entity)
         KARMPExpression, KARMPSketchFunction, KARMPString, KARMPAxialSpring, KARMPBushing,
         KARMPForceElement, KARMPLinearSpring, KARMPTorsionSpring, KARMPConnectorSpatialForceSensor,
         KARMPConstraintSensor, KARMPDisplacementSensor2D, KARMPDofSensor, KARMPDofSensor2D,
-        KARMPJointDOFSensor, KARMPJointSpatialForceSensor, KARMPMotorForceSensor, KARMP3DRep>;
+        KARMPJointDOFSensor, KARMPJointSpatialForceSensor, KARMPMotorForceSensor, KARMP3DRep,
+        KARMPShapeBody>;
     Classes::AnyOf([&](auto family) {
         using T = typename decltype(family)::Type;
         if (entity.getClassName() != T::ClassName())
@@ -638,13 +645,20 @@ void FilledEntities::FillShapeOf(T& geometry)
 template <class T>
 void FilledEntities::FillLookOf(T& shape)
 {
-    KAR3DBagRep* const bag = KAR3DBagRep::CreateRep();
-    bag->SetTransformation(Position());
-    bag->SetColour(KARColour{0.125, Choose(0.25, 0.75), 0.5, 1.0});
-    bag->AddChild(KAR3DMeshRep::CreateRep({Point(), Point() + First(), Point() + Second()},
-                                          {{0, 1, 2}}, {Third(), Third(), Third()}));
-    bag->AddChild(KAR3DPolylineRep::CreateRep({Point(), Point() + Third()}));
-    shape.Set3DRep(bag);
+    if constexpr (std::is_same_v<T, KARMPShapeBody>) {
+        auto* const body = m_curves->Make<KARBody>();
+        body->AddVertex(Point());
+        shape.SetBody(body);
+    }
+    if constexpr (std::is_same_v<T, KARMP3DRep>) {
+        KAR3DBagRep* const bag = KAR3DBagRep::CreateRep();
+        bag->SetTransformation(Position());
+        bag->SetColour(KARColour{0.125, Choose(0.25, 0.75), 0.5, 1.0});
+        bag->AddChild(KAR3DMeshRep::CreateRep({Point(), Point() + First(), Point() + Second()},
+                                              {{0, 1, 2}}, {Third(), Third(), Third()}));
+        bag->AddChild(KAR3DPolylineRep::CreateRep({Point(), Point() + Third()}));
+        shape.Set3DRep(bag);
+    }
 }
 
 template <class T>

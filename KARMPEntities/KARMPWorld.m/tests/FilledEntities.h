@@ -21,6 +21,7 @@
 #include "KARMPOutput.h"
 #include "KARMPParameter.h"
 #include "KARMPPoint2D.h"
+#include "KARMPShapeBody.h"
 #include "KARMPSketch.h"
 #include "KARMPState.h"
 #include "KARMPSupport.h"
@@ -164,6 +165,7 @@ private:
     Two<KARMPDisplacementSensor> m_sensors;
     Two<KARMPDisplacementSensor2D> m_planarSensors;
     Two<KARMPShape> m_shapes;
+    Two<KARMPShapeBody> m_planarShapes;
     Two<KARMPConnector> m_connectors;
     Two<KARMPConstant> m_constants;
     Two<KARMPCollisionRule> m_rules;

@@ -23,6 +23,7 @@ void FilledEntities::FillPlanarBody(KARMPBody2D& body)
     for (std::size_t index = 0; index < 2; ++index) {
         body.AddGeometry(m_planarGeometries[index]);
         body.LinkToJoint(m_planarJoints[index]);
+        body.LinkToShape(m_planarShapes[index]);
         body.AddImpactedChildBody(m_planarBodies[index]);
     }
 }

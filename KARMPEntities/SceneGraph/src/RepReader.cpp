@@ -49,6 +49,8 @@ std::vector<KARMathPoint> RepReader::Positions()
 KAR3DRep* RepReader::Mesh(bool hasNormals)
 {
     std::vector<KARMathPoint> vertices = Positions();
+    if (hasNormals && vertices.empty())
+        Fail();
     std::vector<KARMathVector> normals(hasNormals ? Checked(vertices.size(), PointBytes) : 0);
     for (KARMathVector& normal : normals)
         normal = Vector();

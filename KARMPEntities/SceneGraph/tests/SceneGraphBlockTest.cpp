@@ -310,6 +310,7 @@ TEST_P(SceneGraphBlock, RecordsThatNoWriterWritesAreRefused)
     EXPECT_TRUE(refuses(3, 0)) << "a polyline without points";
     EXPECT_TRUE(refuses(4, 0));
     EXPECT_TRUE(refuses(1, kar::NormalsPart));
+    EXPECT_TRUE(refuses(2, kar::NormalsPart)) << "normals of no vertices";
     EXPECT_TRUE(refuses(2, 8));
 }
 
