@@ -182,6 +182,24 @@ bool Holds(const std::vector<SchemaItem>& items, const SchemaItem& item)
         });
 }
 
+/// Whether an element has whatever another one has. A class need not: one of a planar mechanism
+/// leaves out what its base in space holds.
+bool HoldsAll(const SchemaItem& whole, const SchemaItem& part)
+{
+    return std::all_of(
+               part.attributes.begin(), part.attributes.end(),
+               [&whole](const SchemaItem& item) { return Holds(whole.attributes, item); }) &&
+           std::all_of(
+               part.elements.begin(), part.elements.end(),
+               [&whole](const SchemaItem& item) {
+                   return std::any_of(
+                       whole.elements.begin(), whole.elements.end(),
+                       [&item](const SchemaItem& known) {
+                           return Holds({known}, item) && HoldsAll(known, item);
+                       });
+               });
+}
+
 /// What a class adds to its base.
 SchemaItem OwnItems(const SchemaItem& whole, const SchemaItem* base)
 {
@@ -207,19 +225,24 @@ private:
     void Base(const std::string& name, const EntityClass& sample);
     void Document();
     void Family(const documents::Family& family);
-    /// The nearest class above with a schema, from an index of the bases on; empty without one.
-    static std::string BaseOf(const std::vector<std::string>& bases, std::size_t index);
+    /// The nearest class above, from an index of the bases on, all of whose items an element holds;
+    /// empty without one.
+    static std::string BaseOf(const std::vector<std::string>& bases, std::size_t index,
+                              const SchemaItem& whole);
 
     std::vector<EntityClass> m_classes = EntityClasses();
     std::set<std::string> m_printed;
     std::string m_text;
 };
 
-std::string ReferencePrinter::BaseOf(const std::vector<std::string>& bases, std::size_t index)
+std::string ReferencePrinter::BaseOf(const std::vector<std::string>& bases, std::size_t index,
+                                     const SchemaItem& whole)
 {
-    for (; index < bases.size(); ++index)
-        if (SchemaOf(bases[index]) != nullptr)
+    for (; index < bases.size(); ++index) {
+        const SchemaItem* const base = SchemaOf(bases[index]);
+        if (base != nullptr && HoldsAll(whole, *base))
             return bases[index];
+    }
     return {};
 }
 
@@ -254,7 +277,7 @@ void ReferencePrinter::Table(const SchemaItem& element, const Defaults& defaults
 
 void ReferencePrinter::Class(const EntityClass& entityClass)
 {
-    const std::string base = BaseOf(entityClass.bases, 0);
+    const std::string base = BaseOf(entityClass.bases, 0, *entityClass.item);
     m_text += "### " + kar::ToUtf8(entityClass.item->name) + "\n\n" +
               std::string(entityClass.item->says) + " Class `" + entityClass.name + "`";
     m_text += base.empty() ? ".\n\n" : ", with all that `" + base + "` holds.\n\n";
@@ -264,9 +287,9 @@ void ReferencePrinter::Class(const EntityClass& entityClass)
 void ReferencePrinter::Base(const std::string& name, const EntityClass& sample)
 {
     const auto place = std::find(sample.bases.begin(), sample.bases.end(), name);
-    const std::string base =
-        BaseOf(sample.bases, static_cast<std::size_t>(place - sample.bases.begin()) + 1);
     const SchemaItem& item = *SchemaOf(name);
+    const std::string base =
+        BaseOf(sample.bases, static_cast<std::size_t>(place - sample.bases.begin()) + 1, item);
     m_text += "### Base " + name + "\n\n" + std::string(item.says);
     m_text += base.empty() ? "\n\n" : " It has all that `" + base + "` holds.\n\n";
     Table(OwnItems(item, SchemaOf(base)), Defaults(sample));

@@ -94,6 +94,16 @@ TEST(FormatReference, TellsDefaultsOfBothFormsOfAnItem)
     ExpectPart(text, " | 1, 0, 0, 0, 1, 0, 0, 0, 1 | The rotation matrix by columns. |");
 }
 
+// The class records of planar classes name spatial bases whose content they do not have.
+TEST(FormatReference, TellsAllOfAClassThatLeavesOutWhatItsBaseHolds)
+{
+    const std::string text = FormatReference();
+    ExpectPart(text, "Class `KARMPBody2D`, with all that `KARMPEntity` holds.");
+    ExpectPart(text, "| `Bodies/Body2D` | reference to KARMPBody2D | optional, repeated |");
+    ExpectPart(text, "Class `KARMPShapeBody`, with all that `KARMPShape2D` holds.");
+    ExpectPart(text, "Class `KARMP3DRep`, with all that `KARMPShape` holds.");
+}
+
 // The class record of a layer does not tell that a layer is an interaction.
 TEST(FormatReference, HasCollisionLayersAmongTheInteractions)
 {
