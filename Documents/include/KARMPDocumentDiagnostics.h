@@ -67,6 +67,8 @@ enum class Code : std::uint8_t {
     AmbiguousPath,        ///< Two attributes of one list have one identifier.
     SeveralValues,        ///< A state or output has several values, which no bulk update stores.
     UnknownStep,          ///< A step of an analysis case is no analysis step.
+    BodyWithoutSketch,    ///< A planar body lies in no sketch.
+    SketchWithoutBody,    ///< No body carries the plane of a sketch.
     LostMaterials,        ///< Materials that the document does not hold.
     FailedCheck,          ///< The entity library reported a failed check.
     InvalidCast,          ///< The entity library failed on a reference of a wrong class.

@@ -109,6 +109,10 @@ std::string_view CodeText(Code code)
         return "several-values";
     case Code::UnknownStep:
         return "unknown-step";
+    case Code::BodyWithoutSketch:
+        return "body-without-sketch";
+    case Code::SketchWithoutBody:
+        return "sketch-without-body";
     case Code::LostMaterials:
         return "lost-materials";
     case Code::FailedCheck:

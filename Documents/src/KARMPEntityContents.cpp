@@ -12,9 +12,6 @@ namespace {
 
 using Doubles = std::vector<double>;
 
-// A transformation's translation and rotation are measured each by itself.
-constexpr std::size_t TranslationLength = 3;
-
 // Keeps the limits of rounding away from the numbers that people choose.
 constexpr double Aside = 0.2357;
 
@@ -106,7 +103,8 @@ bool AreEqual(const ItemData& before, const ItemData& after, ItemKind kind,
     const std::span right(std::get<Doubles>(after));
     if (kind != ItemKind::Transformation || left.size() != right.size())
         return AreSpansEqual(left, right, options);
-    const std::size_t split = std::min(TranslationLength, left.size());
+    // Translation and rotation are measured each by itself.
+    const std::size_t split = TranslationLength(left.size());
     return AreSpansEqual(left.first(split), right.first(split), options) &&
            AreSpansEqual(left.subspan(split), right.subspan(split), options);
 }

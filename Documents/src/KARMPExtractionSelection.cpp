@@ -7,6 +7,7 @@
 #include "KARMPJoint.h"
 #include "KARMPSchemaClasses.h"
 #include "KARMPShape.h"
+#include "KARMPSketch.h"
 #include "KARMPValue.h"
 #include "KARMPVariable.h"
 #include "KARMPWorld.h"
@@ -222,10 +223,10 @@ void ExtractionSelection::SelectCandidates()
     }
 }
 
-// A variable becomes a candidate by an entity that uses it.
+// A variable becomes a candidate by an entity that uses it, a sketch by one that lies in it.
 bool ExtractionSelection::ComesAlong(const Entity& candidate) const
 {
-    if (IsOneOf<KARMPVariable>(*candidate))
+    if (IsOneOf<KARMPVariable, KARMPSketch>(*candidate))
         return true;
     if (!IsStructure(*candidate))
         return AttachedComesAlong(candidate);

@@ -74,6 +74,8 @@ constexpr const wchar_t* Connector = L"Connector";
 constexpr const wchar_t* Motor = L"Motor";
 constexpr const wchar_t* Constraint = L"Constraint";
 constexpr const wchar_t* ConstrainedBody = L"ConstrainedBody";
+constexpr const wchar_t* Body2D = L"Body2D";
+constexpr const wchar_t* ConstrainedBody2D = L"ConstrainedBody2D";
 constexpr const wchar_t* CollisionRule = L"CollisionRule";
 
 } // namespace
@@ -92,8 +94,21 @@ const std::vector<MechanismRule>& MechanismRule::All()
          [](R& all, const R::Node& entity) {
              all.NeedLink(entity, Body, Code::ForceWithoutTarget, "the force acts on no body");
          }},
+        {"KARMPSpatialForceActuator2D",
+         [](R& all, const R::Node& entity) {
+             all.NeedLink(entity, Body2D, Code::ForceWithoutTarget, "the force acts on no body");
+         }},
+        {"KARMPBody2D",
+         [](R& all, const R::Node& entity) {
+             all.NeedLink(entity, L"Sketch", Code::BodyWithoutSketch, "the body lies in no plane");
+         }},
+        {"KARMPSketch",
+         [](R& all, const R::Node& entity) {
+             all.NeedLink(entity, Body, Code::SketchWithoutBody, "no body carries the plane");
+         }},
         {"KARMPConnector", Run<&R::CheckConnector>},
         {"KARMPDisplacementSensor", Target<Body>},
+        {"KARMPDisplacementSensor2D", Target<Body2D>},
         {"KARMPJointDOFSensor", Target<Joint>},
         {"KARMPJointSpatialForceSensor", Target<Joint>},
         {"KARMPConnectorSpatialForceSensor", Target<Connector>},
@@ -103,6 +118,7 @@ const std::vector<MechanismRule>& MechanismRule::All()
         {"KARMPProximitySensor", Run<&R::CheckProximitySensor>},
         {"KARMPDofSensor", Target<ConstrainedBody>},
         {"KARMPDofSensor", Run<&R::CheckDofSensor>},
+        {"KARMPDofSensor2D", Target<ConstrainedBody2D>},
         {"KARMPDofSensor2D", Run<&R::CheckDofSensor>},
         {"KARMPCollisionRule", Run<&R::CheckCollisionRule>},
         {"KARMPCollisionLayer", Run<&R::CheckCollisionLayer>},

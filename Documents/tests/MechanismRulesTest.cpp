@@ -140,6 +140,39 @@ TEST(MechanismRules, WantATargetForEachSensor)
               Code::SensorWithoutTarget, "Sensors/ProximitySensor");
 }
 
+TEST(MechanismRules, WantAPlanarBodyForEachPlanarForceAndSensor)
+{
+    ExpectOne("<Actuators><SpatialForceActuator2D id=\"F\"/></Actuators>", Code::ForceWithoutTarget,
+              "Actuators/SpatialForceActuator2D");
+    for (const std::string kind : {"DisplacementSensor2D", "DofSensor2D"})
+        ExpectOne("<Sensors><" + kind + " id=\"S\"/></Sensors>", Code::SensorWithoutTarget,
+                  "Sensors/" + kind);
+    ExpectNone("<Bodies><Body2D id=\"P\"><Sketch id=\"K\"/></Body2D></Bodies>"
+               "<Geometries><Sketch id=\"K\"><Body id=\"B1\"/></Sketch></Geometries>"
+               "<Sensors><DisplacementSensor2D id=\"S\"><Body2D id=\"P\"/></DisplacementSensor2D>"
+               "<DofSensor2D id=\"T\"><ConstrainedBody2D id=\"P\"/></DofSensor2D></Sensors>"
+               "<Actuators><SpatialForceActuator2D id=\"F\"><Body2D id=\"P\"/>"
+               "</SpatialForceActuator2D></Actuators>");
+}
+
+TEST(MechanismRules, WantAPlaneForEachPlanarBodyAndABodyForEachPlane)
+{
+    ExpectOne("<Bodies><Body2D id=\"P\"/></Bodies>", Code::BodyWithoutSketch, "Bodies/Body2D");
+    ExpectOne("<Geometries><Sketch id=\"K\"/></Geometries>", Code::SketchWithoutBody,
+              "Geometries/Sketch");
+}
+
+TEST(MechanismRules, LetNoPlanarJointLinkABodyInSpace)
+{
+    const Diagnostics found =
+        CheckText(Document("<Joints><UserDefined2D id=\"L\"><Bodies2D><Body2D id=\"B1\"/>"
+                           "</Bodies2D></UserDefined2D></Joints>"));
+    const Diagnostic* const message = found.Find(Code::WrongClass);
+    ASSERT_NE(message, nullptr);
+    EXPECT_EQ(message->severity, Severity::Error);
+    EXPECT_EQ(message->path, "/KARMPDocument/World/Joints/UserDefined2D/Bodies2D/Body2D/@id");
+}
+
 TEST(MechanismRules, CompareTheNumbersOfADofSensorWithItsLists)
 {
     const auto sensor = [](const std::string& sum, const std::string& number) {

@@ -23,7 +23,6 @@ using Numbers = std::vector<double>;
 
 // Longer texts, streams for instance, are shortened.
 constexpr std::size_t LongestText = 60;
-constexpr std::size_t TranslationLength = 3;
 
 std::string Count(std::size_t count, const char* one, const char* several)
 {
@@ -110,8 +109,9 @@ private:
             if (left != right)
                 std::cout << "  " << what << left << " becomes " << right << '\n';
         };
-        print("moved: ", 0, TranslationLength);
-        print("turned: ", TranslationLength, before.size() - TranslationLength);
+        const std::size_t split = TranslationLength(before.size());
+        print("moved: ", 0, split);
+        print("turned: ", split, before.size() - split);
     }
 
     static Numbers Part(const Numbers& numbers, std::size_t first, std::size_t count)

@@ -4,6 +4,7 @@
 #include "KARMPCoupling.h"
 #include "KARMPJoint.h"
 #include "KARMPWorld.h"
+#include "MechanismParts.h"
 
 #include <unordered_map>
 #include <utility>
@@ -30,11 +31,8 @@ std::vector<const KARMPBody*> BodiesOf(const KARMPJoint& joint)
     std::vector<const KARMPBody*> bodies;
     if (!joint.IsActive() || joint.isDerivedFrom(KARMPCoupling::ClassInfo()))
         return bodies;
-    for (int index = 0; index < joint.GetLinkedBodyCount(); ++index) {
-        QOBSharedHandle<KARMPBody> body;
-        if (joint.GetLinkedBody(index, body) == KARSuccess && body)
-            bodies.push_back(body.get());
-    }
+    for (const LinkedBody& linked : LinkedBodiesOf(joint))
+        bodies.push_back(linked.body);
     return bodies;
 }
 
@@ -74,7 +72,7 @@ GraphPart::GraphPart(const KARMPWorld& world, const KARMPBody* around, std::size
         takeAllNear();
     } else {
         for (const KARMPBody* const body : bodies)
-            if (body == global.get() || body->IsFixed())
+            if (body == global.get() || IsFixed(*body))
                 take(body);
         takeAllNear();
         for (const KARMPBody* const body : bodies) {

@@ -3,7 +3,7 @@
 #include "EntityText.h"
 #include "GraphLooks.h"
 #include "GraphPart.h"
-#include "KARMPBody.h"
+#include "KARMPBody2D.h"
 #include "KARMPCollisionRule.h"
 #include "KARMPConnector.h"
 #include "KARMPCoupling.h"
@@ -12,7 +12,9 @@
 #include "KARMPJoint.h"
 #include "KARMPMotor.h"
 #include "KARMPSensor.h"
+#include "KARMPSketch.h"
 #include "KARMPWorld.h"
+#include "MechanismParts.h"
 #include "Mobility.h"
 #include "Output.h"
 #include "Subjects.h"
@@ -46,14 +48,23 @@ std::string NameAndClass(const KARMPEntity& entity)
 std::string MassText(const KARMPBody& body)
 {
     constexpr int Digits = 4;
-    double mass = 0.0;
-    body.GetMass(mass);
+    const double mass = MassOf(body);
     if (mass == 0.0)
         return {};
     std::array<char, 32> text{};
     const auto end = std::to_chars(text.data(), text.data() + text.size(), mass,
                                    std::chars_format::general, Digits);
     return '\n' + std::string(text.data(), end.ptr) + " kg";
+}
+
+// The plane in which a planar body moves.
+std::string SketchText(const KARMPBody& body)
+{
+    const auto* const planar = dynamic_cast<const KARMPBody2D*>(&body);
+    QOBSharedHandle<KARMPSketch> sketch;
+    if (planar == nullptr || KARFailed(planar->GetSketch(sketch)))
+        return {};
+    return "\nin " + NameOf(*sketch);
 }
 
 std::string CountText(std::size_t count, const std::string& one, const std::string& many)
@@ -174,16 +185,9 @@ private:
 
     std::string MobilityText() const
     {
-        int moving = 0;
-        std::map<std::string, int> joints;
-        ForEach<KARMPBody>(
-            m_world, [&moving](const KARMPBody& body) { moving += body.IsFixed() ? 0 : 1; });
-        ForEach<KARMPJoint>(m_world, [&joints](const KARMPJoint& joint) {
-            ++joints[joint.getClassInfo().getName()];
-        });
-        if (joints.empty())
+        if (m_world.Count<KARMPJoint>() == 0)
             return {};
-        const Mobility mobility = EstimateMobility(moving, joints);
+        const Mobility mobility = EstimateMobility(m_world);
         return "\nestimated mobility " +
                (mobility.mayBePlanar ? std::to_string(mobility.planar) + " in the plane, " : "") +
                std::to_string(mobility.spatial) + " in space";
@@ -266,8 +270,8 @@ private:
         if (!m_part.Has(body))
             return;
         const bool isGlobal = &body == m_global.get();
-        const std::string text = NameOf(body) + MassText(body) + MarksOf(body);
-        if (!isGlobal && !body.IsFixed())
+        const std::string text = NameOf(body) + SketchText(body) + MassText(body) + MarksOf(body);
+        if (!isGlobal && !IsFixed(body))
             return WriteNode(body, R"(style="filled,rounded")", QuotedText(text));
         WriteNode(body, "shape=box, fillcolor=grey90", GroundLabel(text));
         if (isGlobal)
@@ -281,13 +285,11 @@ private:
             return;
         Nodes above;
         Nodes below;
-        for (int i = 0; i < joint.GetLinkedBodyCount(); ++i) {
-            QOBSharedHandle<KARMPBody> body;
-            auto orientation = KARMPBodyOrientation::Enum{};
-            if (joint.GetLinkedBody(i, body, orientation) == KARSuccess && body)
-                AppendNode(*body, orientation == KARMPBodyOrientation::Out ? above : below);
-        }
-        if (above.empty() && below.empty() && joint.GetLinkedBodyCount() > 0)
+        const std::vector<LinkedBody> bodies = LinkedBodiesOf(joint);
+        for (const LinkedBody& linked : bodies)
+            AppendNode(*linked.body,
+                       linked.orientation == KARMPBodyOrientation::Out ? above : below);
+        if (above.empty() && below.empty() && !bodies.empty())
             return; // None of its bodies is shown.
         WriteJointNode(joint);
         const std::string& node = m_nodes.at(&joint);

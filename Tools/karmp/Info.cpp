@@ -11,6 +11,7 @@
 #include "KARMPVariable.h"
 #include "KARMPWorld.h"
 #include "Loading.h"
+#include "MechanismParts.h"
 #include "Mobility.h"
 #include "Output.h"
 #include "Subjects.h"
@@ -140,17 +141,13 @@ BodyTotals SumBodies(const KARMPWorld& world)
         QOBSharedHandle<KARMPBody> body;
         if (world.Get<KARMPBody>(index, body) != KARSuccess)
             continue;
-        ++(body->IsFixed() ? totals.fixed : totals.moving);
-        double mass = 0.0;
-        KARMathPoint center;
-        KARMathTransformation position;
-        body->GetMass(mass);
-        body->GetCenterOfGravity(center);
-        body->GetPosition(position);
-        if (mass == 0.0 && !body->IsFixed())
+        const bool isFixed = IsFixed(*body);
+        const double mass = MassOf(*body);
+        ++(isFixed ? totals.fixed : totals.moving);
+        if (mass == 0.0 && !isFixed)
             ++totals.withoutMass;
         totals.mass += mass;
-        totals.moment = totals.moment + ((position * center) - KARMathPoint()) * mass;
+        totals.moment += (CenterOf(*body) - KARMathPoint()) * mass;
     }
     return totals;
 }
@@ -207,12 +204,11 @@ int CountDrivenVariables(const KARMPWorld& world)
     return static_cast<int>(driven.size());
 }
 
-void PrintMobility(const KARMPWorld& world, int movingBodies)
+void PrintMobility(const KARMPWorld& world)
 {
-    const ClassCounts joints = CountClasses<KARMPJoint>(world);
-    if (joints.empty())
+    if (world.Count<KARMPJoint>() == 0)
         return;
-    const Mobility mobility = EstimateMobility(movingBodies, joints);
+    const Mobility mobility = EstimateMobility(world);
     Columns lines;
     lines.Add("As a spatial mechanism", std::to_string(mobility.spatial));
     if (mobility.mayBePlanar)
@@ -242,14 +238,13 @@ int RunInfo(const InfoOptions& options)
     PrintSettings(world, loaded->version);
     PrintGlobals(world);
     PrintEntities(world);
-    const BodyTotals totals = SumBodies(world);
-    PrintMasses(totals);
+    PrintMasses(SumBodies(world));
     PrintTargets<KARMPActuator>(world, "Drives");
     PrintTargets<KARMPConnector>(world, "Force elements");
     PrintTargets<KARMPSensor>(world, "Sensors");
     PrintTargets<KARMPAnalysisCase>(world, "Analysis cases");
     PrintTargets<KARMPSupport>(world, "Supports");
-    PrintMobility(world, totals.moving);
+    PrintMobility(world);
     return loaded->diagnostics.items.empty() ? Clean : Findings;
 }
 

@@ -4,6 +4,8 @@
 #include <map>
 #include <string>
 
+class KARMPWorld;
+
 namespace karmp::tool {
 
 /// The number of degrees of freedom of a mechanism by the count of its bodies and joints alone.
@@ -17,7 +19,19 @@ struct Mobility
     int notCounted = 0;       // joints of a kind whose freedoms are not fixed
 };
 
-/// Counts `movingBodies` and the joints by class name. A coupling removes one degree of freedom.
-Mobility EstimateMobility(int movingBodies, const std::map<std::string, int>& jointsByClass);
+/// The planar bodies that move, and what planar joints remove of their degrees of freedom.
+struct PlanarCount
+{
+    int movingBodies = 0;
+    int removed = 0;
+};
+
+/// Counts `movingBodies` in space and the joints by class name. A coupling removes one degree of
+/// freedom. Planar bodies have three degrees of freedom, in space as well.
+Mobility EstimateMobility(int movingBodies, const std::map<std::string, int>& jointsByClass,
+                          const PlanarCount& planar = {});
+/// Counts the bodies of a world that are not fixed and its joints. A planar joint leaves as many
+/// degrees of freedom as its constraints have variables; one without any is not counted.
+Mobility EstimateMobility(const KARMPWorld& world);
 
 } // namespace karmp::tool

@@ -35,6 +35,13 @@ struct ItemCondition
     bool wanted = true;
 };
 
+/// How many of a Transformation's doubles are its translation, by the number of all of them.
+constexpr std::size_t TranslationLength(std::size_t doubles)
+{
+    constexpr std::size_t spatial = 12;
+    return doubles < spatial ? 2 : 3;
+}
+
 /// One item of a class. All texts live as long as the library.
 struct ItemInfo
 {
