@@ -5,6 +5,7 @@
 #include "KARMPBody2D.h"
 #include "KARMPDisplacementSensor2D.h"
 #include "KARMPPoint2D.h"
+#include "KARMPShape2D.h"
 #include "KARMPSketch.h"
 #include "KARMPUserDefined2D.h"
 

@@ -21,6 +21,14 @@ TEST_F(Body2DLinks, OfJointsFollowTheRulesOfLists)
         &KARMPBody2D::GetLinkedJointCount, [this] { ExpectReports(1); });
 }
 
+TEST_F(Body2DLinks, OfShapesFollowTheRulesOfLists)
+{
+    CheckList<KARMPBody2D, KARMPShape2D>(
+        *NewBody2D(L"b"), [this](const wchar_t* n) { return New<KARMPShape2D>(n); },
+        &KARMPBody2D::LinkToShape, &KARMPBody2D::RemoveShape, &KARMPBody2D::GetLinkedShape,
+        &KARMPBody2D::GetLinkedShapeCount, [this] { ExpectReports(1); });
+}
+
 TEST_F(Body2DLinks, OfImpactedChildrenFollowTheRulesOfLists)
 {
     CheckList<KARMPBody2D, KARMPBody2D>(
@@ -105,6 +113,8 @@ protected:
         point->SetBody(Body2D(body));
         body->LinkToJoint(joint);
         joint->LinkToBody(body, KARMPBodyOrientation::Out);
+        body->LinkToShape(shape);
+        shape->LinkToBody(Body2D(body));
         body->SetDisplacementSensor(sensor);
         sensor->SetBody(body);
         body->AddImpactedChildBody(impacted);
@@ -117,13 +127,15 @@ protected:
         const bool sensorKnows = !KARFailed(sensor->GetBody(found));
         ExpectReports(sensorKnows ? 0 : 1);
         return sensorKnows || !KARFailed(point->GetBody(found)) ||
-               joint->GetLinkedBodyCount() != 0 || impacted->GetImpactedChildBodyCount() != 0;
+               joint->GetLinkedBodyCount() != 0 || shape->GetLinkedBodyCount() != 0 ||
+               impacted->GetImpactedChildBodyCount() != 0;
     }
 
     QOBSharedHandle<OpenBody2D> body = New<KARMPBody2D>(L"body");
     QOBSharedHandle<KARMPSketch> sketch = Keep(KARMPSketch::create(L"sketch"));
     QOBSharedHandle<KARMPPoint2D> point = Keep(KARMPPoint2D::create(L"point"));
     QOBSharedHandle<KARMPJoint2D> joint{Keep(KARMPUserDefined2D::create(L"joint"))};
+    QOBSharedHandle<KARMPShape2D> shape{New<KARMPShape2D>(L"shape")};
     QOBSharedHandle<KARMPDisplacementSensor2D> sensor =
         Keep(KARMPDisplacementSensor2D::create(L"sensor"));
     Body2D impacted = NewBody2D(L"impacted");
@@ -162,6 +174,7 @@ TEST_F(LinkedBody2D, ClearsItsListsAndTreeButNeitherSketchNorSensor)
     body->ClearContainers();
     EXPECT_EQ(body->GetGeometryCount(), 0);
     EXPECT_EQ(body->GetLinkedJointCount(), 0);
+    EXPECT_EQ(body->GetLinkedShapeCount(), 0);
     EXPECT_EQ(body->GetImpactedChildBodyCount(), 0);
     EXPECT_EQ(body->GetChildrenBodyCount(), 0);
     Body father = root;

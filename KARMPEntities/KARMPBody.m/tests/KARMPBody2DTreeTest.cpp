@@ -23,6 +23,7 @@ protected:
         body->SetSketch(sketch);
         body->AddGeometry(point);
         body->LinkToJoint(joint);
+        body->LinkToShape(shape);
         body->SetDisplacementSensor(sensor);
         body->AddImpactedChildBody(impacted);
         for (const QOBSharedHandle<KARMPEntity>& entity :
@@ -33,6 +34,7 @@ protected:
             entity->SetIdentifier(name);
             entities.Set(name, entity);
         }
+        entities.Set(L"shape", shape);
     }
     static TestDeserializer& Plain(TestDeserializer& root)
     {
@@ -49,6 +51,7 @@ protected:
     QOBSharedHandle<KARMPSketch> sketch = Keep(KARMPSketch::create(L"sketch"));
     QOBSharedHandle<KARMPPoint2D> point = Keep(KARMPPoint2D::create(L"point"));
     QOBSharedHandle<KARMPUserDefined2D> joint = Keep(KARMPUserDefined2D::create(L"joint"));
+    QOBSharedHandle<KARMPShape2D> shape{New<KARMPShape2D>(L"shape")};
     QOBSharedHandle<KARMPDisplacementSensor2D> sensor =
         Keep(KARMPDisplacementSensor2D::create(L"sensor"));
     Body2D impacted = Keep(KARMPBody2D::create(L"impacted"));
@@ -65,9 +68,10 @@ TEST_F(Body2DTree, WritesAllOfItInOrder)
     std::vector<std::wstring> names;
     for (std::size_t i = 0; i < element.GetElementCount(); ++i)
         names.emplace_back(element.Child(i).GetId());
-    EXPECT_EQ(names, (std::vector<std::wstring>{L"Position", L"Velocity", L"Acceleration",
-                                                L"Weight", L"Geometries", L"Sketch", L"Joints",
-                                                L"DisplacementSensor", L"ImpactedChildrenBodies"}));
+    EXPECT_EQ(names,
+              (std::vector<std::wstring>{L"Position", L"Velocity", L"Acceleration", L"Weight",
+                                         L"Geometries", L"Sketch", L"Joints", L"Shapes",
+                                         L"DisplacementSensor", L"ImpactedChildrenBodies"}));
     EXPECT_EQ(element.Text(L"@id"), L"body");
     EXPECT_EQ(element.Text(L"@is_fixed2D"), L"no");
     EXPECT_FALSE(element.Has(L"@is_fixed"));
@@ -104,6 +108,7 @@ TEST_F(Body2DTree, WritesAllOfItInOrder)
     EXPECT_EQ(element.Text(L"Sketch/@id"), L"sketch");
     EXPECT_EQ(element.Text(L"Sketch/@name"), L"sketch");
     EXPECT_EQ(element.Text(L"Joints/Joint/@id"), L"joint");
+    EXPECT_EQ(element.Text(L"Shapes/Shape/@id"), L"shape");
     EXPECT_EQ(element.Text(L"DisplacementSensor/@id"), L"sensor");
     EXPECT_EQ(element.Text(L"ImpactedChildrenBodies/ImpactedChildBody/@id"), L"impacted");
 }
@@ -171,6 +176,9 @@ TEST_F(Body2DTree, ReadsBackWhatItWroteInEitherForm)
         QOBSharedHandle<KARMPJoint2D> foundJoint;
         copy->GetLinkedJoint(0, foundJoint);
         EXPECT_EQ(foundJoint, QOBSharedHandle<KARMPJoint2D>(joint));
+        QOBSharedHandle<KARMPShape2D> foundShape;
+        copy->GetLinkedShape(0, foundShape);
+        EXPECT_EQ(foundShape, shape);
         QOBSharedHandle<KARMPDisplacementSensor2D> foundSensor;
         copy->GetDisplacementSensor(foundSensor);
         EXPECT_EQ(foundSensor, sensor);
@@ -256,8 +264,8 @@ TEST_F(Body2DTree, ReportsWhatIsMissingAndReadsTheRest)
             const auto has = [&missing](std::wstring_view part) {
                 return missing.find(part) != std::wstring::npos;
             };
-            const bool link =
-                has(L"ies") || has(L"Joints") || has(L"Sketch") || has(L"DisplacementSensor");
+            const bool link = has(L"ies") || has(L"Joints") || has(L"Shapes") || has(L"Sketch") ||
+                              has(L"DisplacementSensor");
             const bool optional = (link && !has(L"@id")) || has(L"@name");
             ExpectReports(optional && missing != L"/Body2D/@name" ? 0 : 1);
         });
@@ -309,6 +317,7 @@ TEST_F(Body2DTree, RefusesAReferenceToAnotherClass)
     const std::vector<std::pair<const wchar_t*, const wchar_t*>> lists = {
         {L"Geometries", L"Geometry"},
         {L"Joints", L"Joint"},
+        {L"Shapes", L"Shape"},
         {L"ImpactedChildrenBodies", L"ImpactedChildBody"}};
     for (const auto& [list, item] : lists) {
         TestDeserializer root;

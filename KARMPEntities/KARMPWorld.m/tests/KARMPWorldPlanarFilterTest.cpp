@@ -5,6 +5,7 @@
 #include "KARMPDisplacementSensor2D.h"
 #include "KARMPPoint.h"
 #include "KARMPPoint2D.h"
+#include "KARMPShapeBody.h"
 #include "KARMPSketch.h"
 #include "KARMPUserDefined2D.h"
 
@@ -78,12 +79,15 @@ TEST_F(FilteredPlanarClone, LinksAPlanarBodyToWhatItHasInPlaneAndSpace)
     const auto sketch = File<KARMPGeometry>(KARMPSketch::create(L"sketch"));
     const auto point = File<KARMPGeometry>(KARMPPoint2D::create(L"point"));
     const auto inSpace = File<KARMPGeometry>(KARMPPoint::create(L"in space"));
+    const auto shape = File<KARMPShape>(KARMPShapeBody::create(L"shape"));
     const auto sensor = File<KARMPSensor>(KARMPDisplacementSensor2D::create(L"sensor"));
     first->SetSketch(sketch);
     first->AddGeometry(point);
     first->KARMPBody::AddGeometry(inSpace);
     first->SetDisplacementSensor(sensor);
-    const auto clone = CloneOf({first, joint, sketch, point, inSpace, sensor});
+    first->LinkToShape(shape);
+    shape->LinkToBody(first);
+    const auto clone = CloneOf({first, joint, sketch, point, inSpace, sensor, shape});
     const auto duplicate = PlanarNamed<KARMPBody2D, KARMPBody>(*clone, L"first");
     QOBSharedHandle<KARMPSketch> foundSketch;
     EXPECT_EQ(duplicate->GetSketch(foundSketch), KARSuccess);
@@ -100,6 +104,12 @@ TEST_F(FilteredPlanarClone, LinksAPlanarBodyToWhatItHasInPlaneAndSpace)
     QOBSharedHandle<KARMPDisplacementSensor2D> foundSensor;
     EXPECT_EQ(duplicate->GetDisplacementSensor(foundSensor), KARSuccess);
     EXPECT_EQ(foundSensor, Named<KARMPSensor>(*clone, L"sensor"));
+    QOBSharedHandle<KARMPShape2D> foundShape;
+    EXPECT_EQ(duplicate->GetLinkedShape(0, foundShape), KARSuccess);
+    EXPECT_EQ(foundShape, Named<KARMPShape>(*clone, L"shape"));
+    QOBSharedHandle<KARMPBody2D> shaped;
+    EXPECT_EQ(foundShape->GetLinkedBody(0, shaped), KARSuccess);
+    EXPECT_EQ(shaped, duplicate);
 }
 
 TEST_F(FilteredPlanarClone, LinksAPlanarGeometryToBodySketchAndConstraints)
