@@ -151,10 +151,10 @@ TEST_F(FourBar, IsWarnedOfWithoutItsPlane)
 TEST_F(FourBar, InfoCountsMassesAndFreedomsInThePlane)
 {
     const std::string info = Run("info " + Saved()).output;
-    ExpectContains(info, "  Moving bodies              3\n");
-    ExpectContains(info, "  Fixed bodies               2\n");
-    ExpectContains(info, "  Moving bodies without mass 0\n");
-    ExpectContains(info, "  Total mass                 8\n");
+    ExpectContains(info, "  Moving bodies               3\n");
+    ExpectContains(info, "  Fixed bodies                2\n");
+    ExpectContains(info, "  Moving bodies without mass  0\n");
+    ExpectContains(info, "  Total mass                  8\n");
     // (1 (0, 0.5) + 4 (2, 2) + 3 (4, 1.5)) / 8 in the sketch.
     QOBSharedHandle<KARMPBody> global;
     KARMathVector first;
@@ -164,7 +164,7 @@ TEST_F(FourBar, InfoCountsMassesAndFreedomsInThePlane)
     plane.GetDirections(first, second);
     const KARMathPoint center = plane.GetOrigin() + first * 2.5 + second * 1.625;
     std::ostringstream expected;
-    expected << "  Centre of mass             (" << center.GetX() << ", " << center.GetY() << ", "
+    expected << "  Centre of mass              (" << center.GetX() << ", " << center.GetY() << ", "
              << center.GetZ() << ")\n";
     ExpectContains(info, expected.str());
     ExpectContains(info, "  As a spatial mechanism  1\n  As a planar mechanism   1\n");
@@ -177,7 +177,7 @@ TEST_F(FourBar, CenterOfMassMovesWithTheBodyThatCarriesThePlane)
     m_world->GetGlobalBody(carrier);
     carrier->SetPosition(KARMathTransformation(KARMathVector(100.0, 0.0, 0.0)), 0);
     const std::string info = Run("info " + Saved()).output;
-    ExpectContains(info, "Centre of mass             (10");
+    ExpectContains(info, "Centre of mass              (10");
 }
 
 TEST(PlanarMobility, CountsThreeFreedomsForEachPlanarBody)
