@@ -3,6 +3,7 @@
 #pragma once
 
 #include "KARMPEntity.h"
+#include "KARMPMotionState.h"
 #include "KARMPPointWhereToComputeVelAndAcc.h"
 #include "KARMath3x3Matrix.h"
 #include "KARMathPoint.h"
@@ -150,15 +151,27 @@ public:
     KARStatus RemoveDisplacementSensor(const QOBSharedHandle<KARMPDisplacementSensor>& sensor);
 
     /// Mass, centre of gravity and inertia matrix; see the class on what they refer to.
-    KARStatus GetMass(double& mass) const;
-    KARStatus SetMass(double mass);
-    KARStatus GetCenterOfGravity(KARMathPoint& center) const;
-    KARStatus SetCenterOfGravity(const KARMathPoint& center);
-    KARStatus GetInertiaMatrix(KARMath3x3Matrix& inertia) const;
-    KARStatus SetInertiaMatrix(const KARMath3x3Matrix& inertia);
+    KARStatus GetMass(double& mass) const { return Copy(m_mass, mass); }
+    KARStatus SetMass(double mass) { return Copy(mass, m_mass); }
+    KARStatus GetCenterOfGravity(KARMathPoint& center) const
+    {
+        return Copy(m_centerOfGravity, center);
+    }
+    KARStatus SetCenterOfGravity(const KARMathPoint& center)
+    {
+        return Copy(center, m_centerOfGravity);
+    }
+    KARStatus GetInertiaMatrix(KARMath3x3Matrix& inertia) const
+    {
+        return Copy(m_inertiaMatrix, inertia);
+    }
+    KARStatus SetInertiaMatrix(const KARMath3x3Matrix& inertia)
+    {
+        return Copy(inertia, m_inertiaMatrix);
+    }
     /// Whether the body lies outside the world.
-    KARStatus IsOutOfWorld(bool& outOfWorld) const;
-    KARStatus SetOutOfWorld(bool outOfWorld);
+    KARStatus IsOutOfWorld(bool& outOfWorld) const { return Copy(m_outOfWorld, outOfWorld); }
+    KARStatus SetOutOfWorld(bool outOfWorld) { return Copy(outOfWorld, m_outOfWorld); }
     /// Free path text of the modelling application; not written to documents.
     const KARUnicodeString& GetFilePath() const { return m_filePath; }
     void SetFilePath(const KARUnicodeString& path) { m_filePath = path; }
@@ -203,15 +216,24 @@ public:
     /// that cannot be had gives a failure.
     KARStatus SetVelocity(const KARMathVector& linear, const KARMathVector& angular);
     /// Gives the stored velocities; a failure while there are none.
-    KARStatus GetVelocity(KARMathVector& linear, KARMathVector& angular) const;
+    KARStatus GetVelocity(KARMathVector& linear, KARMathVector& angular) const
+    {
+        return m_motion.GetVelocity(linear, angular);
+    }
     /// Reads the velocities at a point from the loader, stores and gives them; without a loader the
     /// stored ones. A loader that cannot be had gives a failure, a failing one a failed check. The
     /// same holds for the forms below that take a point.
     KARStatus GetVelocity(KARMathVector& linear, KARMathVector& angular, KARMathPoint& point);
     /// Stores the accelerations.
-    KARStatus SetAcceleration(const KARMathVector& linear, const KARMathVector& angular);
+    KARStatus SetAcceleration(const KARMathVector& linear, const KARMathVector& angular)
+    {
+        return m_motion.SetAcceleration(linear, angular);
+    }
     /// Gives the stored accelerations.
-    KARStatus GetAcceleration(KARMathVector& linear, KARMathVector& angular) const;
+    KARStatus GetAcceleration(KARMathVector& linear, KARMathVector& angular) const
+    {
+        return m_motion.GetAcceleration(linear, angular);
+    }
     KARStatus GetAcceleration(KARMathVector& linear, KARMathVector& angular, KARMathPoint& point);
     /// Reads velocities and accelerations at once; `hasAxis` and `axis` are what the loader makes
     /// of them.
@@ -236,6 +258,14 @@ protected:
     KARStatus RemoveParent() override;
     /// Empties the lists of bodies and lets the father go.
     void ClearBodies();
+
+    /// What plain accessors do: they copy and answer 0.
+    template <class Value>
+    static KARStatus Copy(const Value& from, Value& to)
+    {
+        to = from;
+        return KARSuccess;
+    }
 
     KARMPBody();
     /// A copy has the state of its source; it has no links, no neighbour and no known velocities,
@@ -263,17 +293,13 @@ private:
     bool m_fixed = false;
     bool m_outOfWorld = false;
     KARMathTransformation m_position;
-    KARMathVector m_linearVelocity;
-    KARMathVector m_angularVelocity;
-    KARMathVector m_linearAcceleration;
-    KARMathVector m_angularAcceleration;
+    karmp::MotionState<KARMathVector, KARMathVector> m_motion;
     double m_mass = 0.0;
     KARMathPoint m_centerOfGravity;
     KARMath3x3Matrix m_inertiaMatrix;
     bool m_floating = true;
     QOBSharedHandle<QOBBasicBody3D> m_wdmBody;
     bool m_initialFloating = false;
-    bool m_velocitySet = false;
     KARUnicodeString m_filePath;
     // The walks that this body is on the path of.
     const karmp::BodyWalk<KARMPBody, KARMathTransformation>* m_walks[2] = {};

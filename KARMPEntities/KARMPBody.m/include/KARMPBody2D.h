@@ -122,12 +122,24 @@ public:
     KARStatus RemoveDisplacementSensor(const QOBSharedHandle<KARMPDisplacementSensor2D>& sensor);
 
     /// Mass, centre of gravity and planar inertia matrix.
-    KARStatus GetMass(double& mass) const;
-    KARStatus SetMass(double mass);
-    KARStatus GetCenterOfGravity(KARMathPoint2D& center) const;
-    KARStatus SetCenterOfGravity(const KARMathPoint2D& center);
-    KARStatus GetInertiaMatrix(KARMath2x2Matrix& inertia) const;
-    KARStatus SetInertiaMatrix(const KARMath2x2Matrix& inertia);
+    KARStatus GetMass(double& mass) const { return Copy(m_mass, mass); }
+    KARStatus SetMass(double mass) { return Copy(mass, m_mass); }
+    KARStatus GetCenterOfGravity(KARMathPoint2D& center) const
+    {
+        return Copy(m_centerOfGravity, center);
+    }
+    KARStatus SetCenterOfGravity(const KARMathPoint2D& center)
+    {
+        return Copy(center, m_centerOfGravity);
+    }
+    KARStatus GetInertiaMatrix(KARMath2x2Matrix& inertia) const
+    {
+        return Copy(m_inertiaMatrix, inertia);
+    }
+    KARStatus SetInertiaMatrix(const KARMath2x2Matrix& inertia)
+    {
+        return Copy(inertia, m_inertiaMatrix);
+    }
 
     /// True when the body is fixed in its plane.
     bool IsFixed2D() const { return m_fixed2D; }
@@ -147,7 +159,10 @@ public:
     /// with a ratio of exactly 1.0.
     static bool IsIdentity2D(const KARMathTransformation2D& transformation);
     /// Gives the transformation from the body's axes to the sketch's plane.
-    KARStatus GetPosition(KARMathTransformation2D& position) const;
+    KARStatus GetPosition(KARMathTransformation2D& position) const
+    {
+        return Copy(m_position, position);
+    }
     /// Moves this body alone to a position and tells the loader by how much, with the loader's
     /// status as the result; a position that is the present one changes nothing.
     KARStatus SetPosition(const KARMathTransformation2D& position);
@@ -159,9 +174,15 @@ public:
     /// Has the loader move its body alone. Without a loader the status of fetching it.
     KARStatus ApplyBody2DLoaderTransfo(const KARMathTransformation2D& move);
     /// Gives the position of the body's plane in space. Not written to documents.
-    KARStatus Get3DPosition(KARMathTransformation& position) const;
+    KARStatus Get3DPosition(KARMathTransformation& position) const
+    {
+        return Copy(m_spatialPosition, position);
+    }
     /// Stores the position of the body's plane in space and tells nobody.
-    KARStatus Set3DPosition(const KARMathTransformation& position);
+    KARStatus Set3DPosition(const KARMathTransformation& position)
+    {
+        return Copy(position, m_spatialPosition);
+    }
     /// Moves the body's plane by a transformation of space and tells the subscribers of this body
     /// alone. With `skipIdentity` the identity does nothing.
     KARStatus Update3DPosition(const KARMathTransformation& move, bool skipIdentity);
@@ -170,15 +191,24 @@ public:
     /// that cannot be had gives a failure.
     KARStatus SetVelocity(const KARMathVector2D& linear, double angular);
     /// Gives the stored velocities; a failure while there are none.
-    KARStatus GetVelocity(KARMathVector2D& linear, double& angular) const;
+    KARStatus GetVelocity(KARMathVector2D& linear, double& angular) const
+    {
+        return m_motion.GetVelocity(linear, angular);
+    }
     /// Reads the velocities at a point from the loader, stores and gives them; without a loader the
     /// stored ones. A loader that cannot be had gives a failure, a failing one a failed check. The
     /// same holds for the forms below that take a point.
     KARStatus GetVelocity(KARMathVector2D& linear, double& angular, KARMathPoint2D& point);
     /// Stores the accelerations.
-    KARStatus SetAcceleration(const KARMathVector2D& linear, double angular);
+    KARStatus SetAcceleration(const KARMathVector2D& linear, double angular)
+    {
+        return m_motion.SetAcceleration(linear, angular);
+    }
     /// Gives the stored accelerations.
-    KARStatus GetAcceleration(KARMathVector2D& linear, double& angular) const;
+    KARStatus GetAcceleration(KARMathVector2D& linear, double& angular) const
+    {
+        return m_motion.GetAcceleration(linear, angular);
+    }
     KARStatus GetAcceleration(KARMathVector2D& linear, double& angular, KARMathPoint2D& point);
     /// Reads velocities and accelerations at once; `hasAxis` and `axis` are what the loader makes
     /// of them.
@@ -229,11 +259,7 @@ private:
     double m_mass = 0.0;
     KARMathTransformation2D m_position;
     KARMathTransformation m_spatialPosition;
-    KARMathVector2D m_linearVelocity;
-    double m_angularVelocity = 0.0;
-    KARMathVector2D m_linearAcceleration;
-    double m_angularAcceleration = 0.0;
-    bool m_velocitySet = false;
+    karmp::MotionState<KARMathVector2D, double> m_motion;
     // The walks that this body is on the path of.
     const karmp::BodyWalk<KARMPBody2D, KARMathTransformation2D>* m_walks[2] = {};
 };

@@ -17,6 +17,7 @@ template <>
 struct karmp::ContentOf<KARMPBody>
 {
     using C = KARMPBody;
+    using Motion = MotionState<KARMathVector, KARMathVector>;
 
     // What loader and neighbour answer to the move is not the document's concern.
     static void TakePosition(C& body, const KARMathTransformation& position)
@@ -28,16 +29,16 @@ struct karmp::ContentOf<KARMPBody>
     static void NoteVelocity(C& body, const KARMathVector& read)
     {
         if (read.GetX() > 0.0 || read.GetY() > 0.0 || read.GetZ() > 0.0)
-            body.m_velocitySet = true;
+            body.m_motion.velocitySet = true;
     }
     static void TakeLinearVelocity(C& body, const KARMathVector& read)
     {
-        body.m_linearVelocity = read;
+        body.m_motion.linearVelocity = read;
         NoteVelocity(body, read);
     }
     static void TakeAngularVelocity(C& body, const KARMathVector& read)
     {
-        body.m_angularVelocity = read;
+        body.m_motion.angularVelocity = read;
         NoteVelocity(body, read);
     }
     static bool FollowsFather(const C& body)
@@ -47,21 +48,21 @@ struct karmp::ContentOf<KARMPBody>
 
     static constexpr auto Velocities = Group(
         L"Velocity", "The last known velocities.",
-        NumbersElement<&C::m_linearVelocity>(L"LinearVelocity", VectorNames, "The linear velocity.",
-                                             KARMPPhysicalQuantity::Velocity)
+        NumbersElement<Within<&C::m_motion, &Motion::linearVelocity>>(
+            L"LinearVelocity", VectorNames, "The linear velocity.", KARMPPhysicalQuantity::Velocity)
             .ZeroIfMissing()
             .Through<&TakeLinearVelocity>(),
-        NumbersElement<&C::m_angularVelocity>(L"AngularVelocity", VectorNames,
-                                              "The angular velocity.",
-                                              KARMPPhysicalQuantity::AngularVelocity)
+        NumbersElement<Within<&C::m_motion, &Motion::angularVelocity>>(
+            L"AngularVelocity", VectorNames, "The angular velocity.",
+            KARMPPhysicalQuantity::AngularVelocity)
             .ZeroIfMissing()
             .Through<&TakeAngularVelocity>());
     static constexpr auto Accelerations =
         Group(L"Acceleration", "The last known accelerations.",
-              NumbersElement<&C::m_linearAcceleration>(L"LinearAcceleration", VectorNames,
-                                                       "The linear acceleration.",
-                                                       KARMPPhysicalQuantity::Acceleration),
-              NumbersElement<&C::m_angularAcceleration>(
+              NumbersElement<Within<&C::m_motion, &Motion::linearAcceleration>>(
+                  L"LinearAcceleration", VectorNames, "The linear acceleration.",
+                  KARMPPhysicalQuantity::Acceleration),
+              NumbersElement<Within<&C::m_motion, &Motion::angularAcceleration>>(
                   L"AngularAcceleration", VectorNames, "The angular acceleration.",
                   KARMPPhysicalQuantity::AngularAcceleration));
     static constexpr auto Weight =
@@ -121,10 +122,7 @@ KARMPBody::KARMPBody(const KARMPBody& source, CopyMode mode)
     : Super(source, mode),
       m_fixed(source.m_fixed),
       m_position(source.m_position),
-      m_linearVelocity(source.m_linearVelocity),
-      m_angularVelocity(source.m_angularVelocity),
-      m_linearAcceleration(source.m_linearAcceleration),
-      m_angularAcceleration(source.m_angularAcceleration),
+      m_motion(source.m_motion.Copied()),
       m_mass(source.m_mass),
       m_centerOfGravity(source.m_centerOfGravity),
       m_inertiaMatrix(source.m_inertiaMatrix),
@@ -193,53 +191,5 @@ KARStatus KARMPBody::RemoveDisplacementSensor(
     const QOBSharedHandle<KARMPDisplacementSensor>& sensor)
 {
     m_displacementSensor.Remove(sensor);
-    return KARSuccess;
-}
-
-KARStatus KARMPBody::GetMass(double& mass) const
-{
-    mass = m_mass;
-    return KARSuccess;
-}
-
-KARStatus KARMPBody::SetMass(double mass)
-{
-    m_mass = mass;
-    return KARSuccess;
-}
-
-KARStatus KARMPBody::GetCenterOfGravity(KARMathPoint& center) const
-{
-    center = m_centerOfGravity;
-    return KARSuccess;
-}
-
-KARStatus KARMPBody::SetCenterOfGravity(const KARMathPoint& center)
-{
-    m_centerOfGravity = center;
-    return KARSuccess;
-}
-
-KARStatus KARMPBody::GetInertiaMatrix(KARMath3x3Matrix& inertia) const
-{
-    inertia = m_inertiaMatrix;
-    return KARSuccess;
-}
-
-KARStatus KARMPBody::SetInertiaMatrix(const KARMath3x3Matrix& inertia)
-{
-    m_inertiaMatrix = inertia;
-    return KARSuccess;
-}
-
-KARStatus KARMPBody::IsOutOfWorld(bool& outOfWorld) const
-{
-    outOfWorld = m_outOfWorld;
-    return KARSuccess;
-}
-
-KARStatus KARMPBody::SetOutOfWorld(bool outOfWorld)
-{
-    m_outOfWorld = outOfWorld;
     return KARSuccess;
 }

@@ -16,6 +16,7 @@ template <>
 struct karmp::ContentOf<KARMPBody2D>
 {
     using C = KARMPBody2D;
+    using Motion = MotionState<KARMathVector2D, double>;
 
     // What the loader answers to the move is not the document's concern.
     static void TakePosition(C& body, const KARMathTransformation2D& position)
@@ -25,34 +26,34 @@ struct karmp::ContentOf<KARMPBody2D>
     // Velocities that were read count as known, whatever they are.
     static void TakeLinearVelocity(C& body, const KARMathVector2D& read)
     {
-        body.m_linearVelocity = read;
-        body.m_velocitySet = true;
+        body.m_motion.linearVelocity = read;
+        body.m_motion.velocitySet = true;
     }
     static void TakeAngularVelocity(C& body, double read)
     {
-        body.m_angularVelocity = read;
-        body.m_velocitySet = true;
+        body.m_motion.angularVelocity = read;
+        body.m_motion.velocitySet = true;
     }
 
     static constexpr Names<1> AngularNames{L"Va"};
     static constexpr auto Velocities =
         Group(L"Velocity", "The last known velocities.",
-              NumbersElement<&C::m_linearVelocity>(L"LinearVelocity", PlanarVectorNames,
-                                                   "The linear velocity.",
-                                                   KARMPPhysicalQuantity::Velocity)
+              NumbersElement<Within<&C::m_motion, &Motion::linearVelocity>>(
+                  L"LinearVelocity", PlanarVectorNames, "The linear velocity.",
+                  KARMPPhysicalQuantity::Velocity)
                   .ZeroIfMissing()
                   .Through<&TakeLinearVelocity>(),
-              NumbersElement<&C::m_angularVelocity>(L"AngularVelocity", AngularNames,
-                                                    "The angular velocity.",
-                                                    KARMPPhysicalQuantity::AngularVelocity)
+              NumbersElement<Within<&C::m_motion, &Motion::angularVelocity>>(
+                  L"AngularVelocity", AngularNames, "The angular velocity.",
+                  KARMPPhysicalQuantity::AngularVelocity)
                   .ZeroIfMissing()
                   .Through<&TakeAngularVelocity>());
     static constexpr auto Accelerations =
         Group(L"Acceleration", "The last known accelerations.",
-              NumbersElement<&C::m_linearAcceleration>(L"LinearAcceleration", PlanarVectorNames,
-                                                       "The linear acceleration.",
-                                                       KARMPPhysicalQuantity::Acceleration),
-              NumbersElement<&C::m_angularAcceleration>(
+              NumbersElement<Within<&C::m_motion, &Motion::linearAcceleration>>(
+                  L"LinearAcceleration", PlanarVectorNames, "The linear acceleration.",
+                  KARMPPhysicalQuantity::Acceleration),
+              NumbersElement<Within<&C::m_motion, &Motion::angularAcceleration>>(
                   L"AngularAcceleration", AngularNames, "The angular acceleration.",
                   KARMPPhysicalQuantity::AngularAcceleration));
     static constexpr auto Weight = Group(
@@ -108,10 +109,7 @@ KARMPBody2D::KARMPBody2D(const KARMPBody2D& source, CopyMode mode)
       m_mass(source.m_mass),
       m_position(source.m_position),
       m_spatialPosition(source.m_spatialPosition),
-      m_linearVelocity(source.m_linearVelocity),
-      m_angularVelocity(source.m_angularVelocity),
-      m_linearAcceleration(source.m_linearAcceleration),
-      m_angularAcceleration(source.m_angularAcceleration)
+      m_motion(source.m_motion.Copied())
 {}
 
 KARMPBody2D::~KARMPBody2D()
@@ -146,41 +144,5 @@ KARStatus KARMPBody2D::RemoveDisplacementSensor(
     const QOBSharedHandle<KARMPDisplacementSensor2D>& sensor)
 {
     m_displacementSensor.Remove(sensor);
-    return KARSuccess;
-}
-
-KARStatus KARMPBody2D::GetMass(double& mass) const
-{
-    mass = m_mass;
-    return KARSuccess;
-}
-
-KARStatus KARMPBody2D::SetMass(double mass)
-{
-    m_mass = mass;
-    return KARSuccess;
-}
-
-KARStatus KARMPBody2D::GetCenterOfGravity(KARMathPoint2D& center) const
-{
-    center = m_centerOfGravity;
-    return KARSuccess;
-}
-
-KARStatus KARMPBody2D::SetCenterOfGravity(const KARMathPoint2D& center)
-{
-    m_centerOfGravity = center;
-    return KARSuccess;
-}
-
-KARStatus KARMPBody2D::GetInertiaMatrix(KARMath2x2Matrix& inertia) const
-{
-    inertia = m_inertiaMatrix;
-    return KARSuccess;
-}
-
-KARStatus KARMPBody2D::SetInertiaMatrix(const KARMath2x2Matrix& inertia)
-{
-    m_inertiaMatrix = inertia;
     return KARSuccess;
 }

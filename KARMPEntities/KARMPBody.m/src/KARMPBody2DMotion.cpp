@@ -11,12 +11,6 @@ bool KARMPBody2D::IsIdentity2D(const KARMathTransformation2D& transformation)
     return transformation.IsSimilitude() && transformation.IsScaling(ratio) && ratio == 1.0;
 }
 
-KARStatus KARMPBody2D::GetPosition(KARMathTransformation2D& position) const
-{
-    position = m_position;
-    return KARSuccess;
-}
-
 KARStatus KARMPBody2D::SetPosition(const KARMathTransformation2D& position)
 {
     KARMathTransformation2D move;
@@ -50,18 +44,6 @@ void KARMPBody2D::MoveOneself(const KARMathTransformation2D& move)
 KARStatus KARMPBody2D::UpdateChildrenPosition()
 {
     return karmp::BodyWalk<KARMPBody2D, KARMathTransformation2D>().Below(*this);
-}
-
-KARStatus KARMPBody2D::Get3DPosition(KARMathTransformation& position) const
-{
-    position = m_spatialPosition;
-    return KARSuccess;
-}
-
-KARStatus KARMPBody2D::Set3DPosition(const KARMathTransformation& position)
-{
-    m_spatialPosition = position;
-    return KARSuccess;
 }
 
 KARStatus KARMPBody2D::Update3DPosition(const KARMathTransformation& move, bool skipIdentity)
@@ -99,57 +81,18 @@ KARStatus KARMPBody2D::Unfix3D()
 
 KARStatus KARMPBody2D::SetVelocity(const KARMathVector2D& linear, double angular)
 {
-    m_linearVelocity = linear;
-    m_angularVelocity = angular;
-    KARIMPBody2DLoader* loader = nullptr;
-    if (!KARMPVerify(!KARFailed(GetLoader(loader))))
-        return KARFailure;
-    m_velocitySet = true;
-    return loader != nullptr ? loader->SetLoaderVelocity(linear, angular) : KARSuccess;
-}
-
-KARStatus KARMPBody2D::GetVelocity(KARMathVector2D& linear, double& angular) const
-{
-    if (!m_velocitySet)
-        return KARFailure;
-    linear = m_linearVelocity;
-    angular = m_angularVelocity;
-    return KARSuccess;
+    return karmp::SetVelocity<KARIMPBody2DLoader>(*this, m_motion, linear, angular);
 }
 
 KARStatus KARMPBody2D::GetVelocity(KARMathVector2D& linear, double& angular, KARMathPoint2D& point)
 {
-    const KARStatus status = karmp::ReadByLoader<KARIMPBody2DLoader>(*this, [&](auto& loader) {
-        return loader.ReadVelocity(m_linearVelocity, m_angularVelocity, point);
-    });
-    if (KARFailed(status))
-        return status;
-    linear = m_linearVelocity;
-    angular = m_angularVelocity;
-    return KARSuccess;
-}
-
-KARStatus KARMPBody2D::SetAcceleration(const KARMathVector2D& linear, double angular)
-{
-    m_linearAcceleration = linear;
-    m_angularAcceleration = angular;
-    return KARSuccess;
-}
-
-KARStatus KARMPBody2D::GetAcceleration(KARMathVector2D& linear, double& angular) const
-{
-    linear = m_linearAcceleration;
-    angular = m_angularAcceleration;
-    return KARSuccess;
+    return karmp::ReadVelocity<KARIMPBody2DLoader>(*this, m_motion, linear, angular, point);
 }
 
 KARStatus KARMPBody2D::GetAcceleration(KARMathVector2D& linear, double& angular,
                                        KARMathPoint2D& point)
 {
-    const KARStatus status = karmp::ReadByLoader<KARIMPBody2DLoader>(*this, [&](auto& loader) {
-        return loader.ReadAcceleration(m_linearAcceleration, m_angularAcceleration, point);
-    });
-    return KARFailed(status) ? status : GetAcceleration(linear, angular);
+    return karmp::ReadAcceleration<KARIMPBody2DLoader>(*this, m_motion, linear, angular, point);
 }
 
 KARStatus KARMPBody2D::GetVelocityAndAcceleration(
@@ -158,16 +101,9 @@ KARStatus KARMPBody2D::GetVelocityAndAcceleration(
     PointWhereToComputeVelAndAcc where, const KARMathPoint2D* at,
     const QOBSharedHandle<KARMPBody2D>& reference, const KARMathAxis2D* frame)
 {
-    const KARStatus status = karmp::ReadByLoader<KARIMPBody2DLoader>(*this, [&](auto& loader) {
-        return loader.ReadVelocityAndAcceleration(
-            m_linearVelocity, m_angularVelocity, m_linearAcceleration, m_angularAcceleration, point,
-            hasAxis, axis, where, at, reference, frame);
-    });
-    if (KARFailed(status))
-        return status;
-    linearVelocity = m_linearVelocity;
-    angularVelocity = m_angularVelocity;
-    return GetAcceleration(linearAcceleration, angularAcceleration);
+    return karmp::ReadMotion<KARIMPBody2DLoader>(
+        *this, KARMPSourceLocation::current(), m_motion, linearVelocity, angularVelocity,
+        linearAcceleration, angularAcceleration, point, hasAxis, axis, where, at, reference, frame);
 }
 
 KARStatus KARMPBody2D::GetVelocityAndAcceleration(

@@ -123,57 +123,18 @@ KARStatus KARMPBody::Unfix()
 
 KARStatus KARMPBody::SetVelocity(const KARMathVector& linear, const KARMathVector& angular)
 {
-    m_linearVelocity = linear;
-    m_angularVelocity = angular;
-    KARIMPBodyLoader* loader = nullptr;
-    if (!KARMPVerify(!KARFailed(GetLoader(loader))))
-        return KARFailure;
-    m_velocitySet = true;
-    return loader != nullptr ? loader->SetLoaderVelocity(linear, angular) : KARSuccess;
-}
-
-KARStatus KARMPBody::GetVelocity(KARMathVector& linear, KARMathVector& angular) const
-{
-    if (!m_velocitySet)
-        return KARFailure;
-    linear = m_linearVelocity;
-    angular = m_angularVelocity;
-    return KARSuccess;
+    return karmp::SetVelocity<KARIMPBodyLoader>(*this, m_motion, linear, angular);
 }
 
 KARStatus KARMPBody::GetVelocity(KARMathVector& linear, KARMathVector& angular, KARMathPoint& point)
 {
-    const KARStatus status = karmp::ReadByLoader<KARIMPBodyLoader>(*this, [&](auto& loader) {
-        return loader.ReadVelocity(m_linearVelocity, m_angularVelocity, point);
-    });
-    if (KARFailed(status))
-        return status;
-    linear = m_linearVelocity;
-    angular = m_angularVelocity;
-    return KARSuccess;
-}
-
-KARStatus KARMPBody::SetAcceleration(const KARMathVector& linear, const KARMathVector& angular)
-{
-    m_linearAcceleration = linear;
-    m_angularAcceleration = angular;
-    return KARSuccess;
-}
-
-KARStatus KARMPBody::GetAcceleration(KARMathVector& linear, KARMathVector& angular) const
-{
-    linear = m_linearAcceleration;
-    angular = m_angularAcceleration;
-    return KARSuccess;
+    return karmp::ReadVelocity<KARIMPBodyLoader>(*this, m_motion, linear, angular, point);
 }
 
 KARStatus KARMPBody::GetAcceleration(KARMathVector& linear, KARMathVector& angular,
                                      KARMathPoint& point)
 {
-    const KARStatus status = karmp::ReadByLoader<KARIMPBodyLoader>(*this, [&](auto& loader) {
-        return loader.ReadAcceleration(m_linearAcceleration, m_angularAcceleration, point);
-    });
-    return KARFailed(status) ? status : GetAcceleration(linear, angular);
+    return karmp::ReadAcceleration<KARIMPBodyLoader>(*this, m_motion, linear, angular, point);
 }
 
 KARStatus KARMPBody::GetVelocityAndAcceleration(
@@ -182,16 +143,9 @@ KARStatus KARMPBody::GetVelocityAndAcceleration(
     unsigned char& hasAxis, KARMathLine& axis, PointWhereToComputeVelAndAcc where,
     const KARMathPoint* at, const QOBSharedHandle<KARMPBody>& reference, const KARMathAxis* frame)
 {
-    const KARStatus status = karmp::ReadByLoader<KARIMPBodyLoader>(*this, [&](auto& loader) {
-        return loader.ReadVelocityAndAcceleration(
-            m_linearVelocity, m_angularVelocity, m_linearAcceleration, m_angularAcceleration, point,
-            hasAxis, axis, where, at, reference, frame);
-    });
-    if (KARFailed(status))
-        return status;
-    linearVelocity = m_linearVelocity;
-    angularVelocity = m_angularVelocity;
-    return GetAcceleration(linearAcceleration, angularAcceleration);
+    return karmp::ReadMotion<KARIMPBodyLoader>(
+        *this, KARMPSourceLocation::current(), m_motion, linearVelocity, angularVelocity,
+        linearAcceleration, angularAcceleration, point, hasAxis, axis, where, at, reference, frame);
 }
 
 KARStatus KARMPBody::GetVelocityAndAcceleration(

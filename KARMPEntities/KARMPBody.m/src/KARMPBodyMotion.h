@@ -4,6 +4,7 @@
 #include "KARMPFailedCheck.h"
 #include "KARMPLink.h"
 #include "KARMPLoaderAccess.h"
+#include "KARMPMotionState.h"
 #include "KARMPUnlinkAll.h"
 
 namespace karmp {
@@ -47,6 +48,72 @@ KARStatus ReadByLoader(const Body& body, Read read,
             return KARSuccess;
         },
         where);
+}
+
+/// Stores the velocities of a body and gives them to its loader, whose status is the result.
+template <class Loader, class Body, class Vector, class Angular>
+KARStatus SetVelocity(const Body& body, MotionState<Vector, Angular>& motion, const Vector& linear,
+                      const Angular& angular,
+                      KARMPSourceLocation where = KARMPSourceLocation::current())
+{
+    motion.linearVelocity = linear;
+    motion.angularVelocity = angular;
+    Loader* loader = nullptr;
+    if (!KARMPVerify(!KARFailed(body.GetLoader(loader)), where))
+        return KARFailure;
+    motion.velocitySet = true;
+    return loader != nullptr ? loader->SetLoaderVelocity(linear, angular) : KARSuccess;
+}
+
+/// Reads the velocities of a body at a point from its loader, stores and gives them.
+template <class Loader, class Body, class Vector, class Angular, class Point>
+KARStatus ReadVelocity(const Body& body, MotionState<Vector, Angular>& motion, Vector& linear,
+                       Angular& angular, Point& point,
+                       KARMPSourceLocation where = KARMPSourceLocation::current())
+{
+    const auto read = [&](Loader& loader) {
+        return loader.ReadVelocity(motion.linearVelocity, motion.angularVelocity, point);
+    };
+    const KARStatus status = ReadByLoader<Loader>(body, read, where);
+    if (KARFailed(status))
+        return status;
+    linear = motion.linearVelocity;
+    angular = motion.angularVelocity;
+    return KARSuccess;
+}
+
+/// Reads its accelerations in the same manner.
+template <class Loader, class Body, class Vector, class Angular, class Point>
+KARStatus ReadAcceleration(const Body& body, MotionState<Vector, Angular>& motion, Vector& linear,
+                           Angular& angular, Point& point,
+                           KARMPSourceLocation where = KARMPSourceLocation::current())
+{
+    const auto read = [&](Loader& loader) {
+        return loader.ReadAcceleration(motion.linearAcceleration, motion.angularAcceleration,
+                                       point);
+    };
+    const KARStatus status = ReadByLoader<Loader>(body, read, where);
+    return KARFailed(status) ? status : motion.GetAcceleration(linear, angular);
+}
+
+/// Reads both at once; `rest` is what else the loader is asked with.
+template <class Loader, class Body, class Vector, class Angular, class... Rest>
+KARStatus ReadMotion(const Body& body, KARMPSourceLocation where,
+                     MotionState<Vector, Angular>& motion, Vector& linearVelocity,
+                     Angular& angularVelocity, Vector& linearAcceleration,
+                     Angular& angularAcceleration, Rest&&... rest)
+{
+    const auto read = [&](Loader& loader) {
+        return loader.ReadVelocityAndAcceleration(motion.linearVelocity, motion.angularVelocity,
+                                                  motion.linearAcceleration,
+                                                  motion.angularAcceleration, rest...);
+    };
+    const KARStatus status = ReadByLoader<Loader>(body, read, where);
+    if (KARFailed(status))
+        return status;
+    linearVelocity = motion.linearVelocity;
+    angularVelocity = motion.angularVelocity;
+    return motion.GetAcceleration(linearAcceleration, angularAcceleration);
 }
 
 /// Changes a flag of a body and tells the loader, unless the flag has that value; always 0.
