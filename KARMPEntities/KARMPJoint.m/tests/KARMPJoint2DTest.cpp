@@ -1,6 +1,7 @@
 #include "KARMPJoint2D.h"
 
 #include "KARMPBody2D.h"
+#include "KARMPJointKinds.h"
 #include "KARMPPlainConstraints.h"
 #include "KARMPTestFixture.h"
 #include "KARMPUserDefined2D.h"
@@ -190,6 +191,29 @@ TEST_F(PlanarJoint, BodiesLinkedThroughItsBaseAreNotItsOwn)
     joint->ClearContainers();
     EXPECT_EQ(base.GetLinkedBodyCount(), 1);
     EXPECT_EQ(base.GetConstraintCount(), 1);
+}
+
+// A planar body stands for one in space where its base is asked for, with what its base holds.
+TEST_F(PlanarJoint, AJointInSpaceLinksPlanarBodiesAsBodiesInSpace)
+{
+    const auto hinge = KARMPRevolute::create(L"hinge");
+    KARMPBody& base = *a;
+    EXPECT_EQ(hinge->LinkToBody(a, Orientation::In), KARSuccess);
+    EXPECT_EQ(base.LinkToJoint(hinge), KARSuccess);
+    EXPECT_EQ(hinge->GetLinkedBodyCount(), 1);
+    EXPECT_EQ(base.GetLinkedJointCount(), 1);
+    EXPECT_EQ(a->GetLinkedJointCount(), 0);
+    a->SetPosition(KARMathTransformation2D(KARMathVector2D(3.0, 4.0)));
+    auto* const loader = new RecordingJointLoader(record);
+    loader->type = Type::Rigid;
+    hinge->SetLoader(loader);
+    std::vector<KARMathAxis> frames;
+    EXPECT_EQ(hinge->GetFrames(frames, 0, 1), KARSuccess);
+    ExpectReports(1); // it stands in no world
+    EXPECT_EQ(frames, std::vector{KARMathAxis()});
+    QOBSharedHandle<KARMPJoint> gone(hinge);
+    KARMPJoint::destroy(gone);
+    EXPECT_EQ(base.GetLinkedJointCount(), 0);
 }
 
 TEST_F(PlanarJoint, OnlyAPlanarLoaderIsItsOwn)

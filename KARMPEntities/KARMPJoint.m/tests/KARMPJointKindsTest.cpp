@@ -3,6 +3,7 @@
 #include "KARMPBody.h"
 #include "KARMPCouplingKinds.h"
 #include "KARMPEntityTable.h"
+#include "KARMPJoint2D.h"
 #include "KARMPScrew.h"
 #include "KARMPTestFixture.h"
 #include "TestDeserializer.h"
@@ -63,12 +64,13 @@ TEST_F(JointKinds, EachIsMadeByTheFactoryWithItsIdentity)
 
 TEST_F(JointKinds, TheBasesAreNotMadeByTheFactory)
 {
-    for (const char* name : {"KARMPJoint", "KARMPCoupling"}) {
+    for (const char* name : {"KARMPJoint", "KARMPJoint2D", "KARMPCoupling"}) {
         QOBSharedHandle<KARMPEntity> entity;
         EXPECT_EQ(KARMPFactory::Create(name, entity), KARFailure);
         ExpectReports(1);
     }
     EXPECT_EQ(KARMPJoint::ClassID(), QOBUUID("30EACC4A-72AF-49ac-828E-B6822908F37F"));
+    EXPECT_EQ(KARMPJoint2D::ClassID(), QOBUUID("6B6E2CD1-F7E2-401C-89D6-8E633D75DDF1"));
     EXPECT_EQ(KARMPCoupling::ClassID(), QOBUUID("41A36EF6-3CDF-49c2-AE78-F962AE3F4561"));
 }
 
