@@ -1,15 +1,14 @@
 #include "Mobility.h"
 
 #include "KARMPBody2D.h"
-#include "KARMPConstraint.h"
 #include "KARMPJoint2D.h"
-#include "KARMPVariable.h"
 #include "KARMPWorld.h"
 #include "MechanismParts.h"
+#include "PlanarFreedoms.h"
 
 #include <algorithm>
 #include <array>
-#include <set>
+#include <optional>
 #include <string_view>
 
 namespace karmp::tool {
@@ -17,7 +16,6 @@ namespace karmp::tool {
 namespace {
 
 constexpr int SpatialFreedoms = 6;
-constexpr int PlanarFreedoms = 3;
 
 /// The degrees of freedom that a kind of joint removes in space and in the plane; empty where the
 /// kind has no planar counterpart.
@@ -43,22 +41,6 @@ constexpr std::array Kinds{Kind{"KARMPRevolute", 5, 2},
                            Kind{"KARMPGear", 1, 1},
                            Kind{"KARMPRack", 1, 1},
                            Kind{"KARMPCable", 1, 1}};
-
-// The number of variables of a joint's constraints, which are its freedoms.
-int CountVariables(const KARMPJoint2D& joint)
-{
-    std::set<const KARMPVariable*> variables;
-    for (int i = 0; i < joint.GetConstraintCount(); ++i) {
-        QOBSharedHandle<KARMPConstraint> constraint;
-        joint.GetConstraint(i, constraint);
-        for (int j = 0; j < constraint->GetLinkedVariableCount(); ++j) {
-            QOBSharedHandle<KARMPVariable> variable;
-            constraint->GetLinkedVariable(j, variable);
-            variables.insert(variable.get());
-        }
-    }
-    return static_cast<int>(variables.size());
-}
 
 } // namespace
 
@@ -101,9 +83,10 @@ Mobility EstimateMobility(const KARMPWorld& world)
         if (world.Get<KARMPJoint>(index, joint) != KARSuccess)
             continue;
         const auto* const joint2D = dynamic_cast<const KARMPJoint2D*>(joint.get());
-        const int variables = joint2D != nullptr ? CountVariables(*joint2D) : 0;
-        if (variables > 0)
-            planar.removed += std::max(PlanarFreedoms - variables, 0);
+        const std::optional<int> removed =
+            joint2D != nullptr ? FreedomsRemovedBy(*joint2D) : std::nullopt;
+        if (removed)
+            planar.removed += *removed;
         else
             ++jointsByClass[joint.getClassInfo().getName()];
     }

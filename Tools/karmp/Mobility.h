@@ -30,8 +30,8 @@ struct PlanarCount
 /// freedom. Planar bodies have three degrees of freedom, in space as well.
 Mobility EstimateMobility(int movingBodies, const std::map<std::string, int>& jointsByClass,
                           const PlanarCount& planar = {});
-/// Counts the bodies of a world that are not fixed and its joints. A planar joint leaves as many
-/// degrees of freedom as its constraints have variables; one without any is not counted.
+/// Counts the bodies of a world that are not fixed and its joints. What planar joints remove is
+/// told by FreedomsRemovedBy; where that tells nothing they are not counted.
 Mobility EstimateMobility(const KARMPWorld& world);
 
 } // namespace karmp::tool
