@@ -1,6 +1,7 @@
 #include "GraphText.h"
 
 #include "EntityText.h"
+#include "ForEach.h"
 #include "GraphLooks.h"
 #include "GraphPart.h"
 #include "KARMPBody2D.h"
@@ -70,17 +71,6 @@ std::string SketchText(const KARMPBody& body)
 std::string CountText(std::size_t count, const std::string& one, const std::string& many)
 {
     return std::to_string(count) + ' ' + (count == 1 ? one : many);
-}
-
-// Calls `visit` with each entity of a family.
-template <class T, class Visit>
-void ForEach(const KARMPWorld& world, Visit visit)
-{
-    for (int index = 0; index < world.Count<T>(); ++index) {
-        QOBSharedHandle<T> entity;
-        if (world.Get<T>(index, entity) == KARSuccess && entity)
-            visit(*entity);
-    }
 }
 
 constexpr std::string_view ConnectorEdge = "style=dashed, dir=none";

@@ -1,7 +1,10 @@
 #include "MechanismParts.h"
 
 #include "KARMPBody2D.h"
+#include "KARMPConstraint.h"
+#include "KARMPGeometry2D.h"
 #include "KARMPJoint2D.h"
+#include "KARMPShape2D.h"
 #include "KARMPSketch.h"
 
 namespace karmp::tool {
@@ -26,6 +29,30 @@ std::vector<LinkedBody> BodiesIn(const Joint& joint)
     return bodies;
 }
 
+template <class Body, class Shape>
+std::vector<QOBSharedHandle<KARMPBody>> BodiesWith(const Shape& shape)
+{
+    std::vector<QOBSharedHandle<KARMPBody>> bodies;
+    for (int index = 0; index < shape.GetLinkedBodyCount(); ++index) {
+        QOBSharedHandle<Body> body;
+        if (shape.GetLinkedBody(index, body) == KARSuccess && body)
+            bodies.push_back(body);
+    }
+    return bodies;
+}
+
+template <class Joint>
+std::vector<QOBSharedHandle<KARMPConstraint>> ConstraintsIn(const Joint& joint)
+{
+    std::vector<QOBSharedHandle<KARMPConstraint>> constraints;
+    for (int index = 0; index < joint.GetConstraintCount(); ++index) {
+        QOBSharedHandle<KARMPConstraint> constraint;
+        if (joint.GetConstraint(index, constraint) == KARSuccess && constraint)
+            constraints.push_back(constraint);
+    }
+    return constraints;
+}
+
 } // namespace
 
 bool IsFixed(const KARMPBody& body)
@@ -44,28 +71,46 @@ double MassOf(const KARMPBody& body)
     return mass;
 }
 
+KARMathPoint CenterInBody(const KARMPBody& body)
+{
+    KARMathPoint center;
+    if (const KARMPBody2D* const planar = AsPlanar(body)) {
+        KARMathPoint2D inPlane;
+        planar->GetCenterOfGravity(inPlane);
+        center = {inPlane.GetX(), inPlane.GetY(), 0.0};
+    } else {
+        body.GetCenterOfGravity(center);
+    }
+    return center;
+}
+
 KARMathPoint CenterOf(const KARMPBody& body)
 {
+    return PositionOf(body) * CenterInBody(body);
+}
+
+KARMathTransformation PositionOf(const KARMPBody& body)
+{
     if (const KARMPBody2D* const planar = AsPlanar(body)) {
-        KARMathPoint2D center;
         KARMathTransformation2D position;
-        planar->GetCenterOfGravity(center);
+        double c[6];
         planar->GetPosition(position);
-        const KARMathPoint2D placed = position * center;
-        return PlaneOf(*planar) * KARMathPoint(placed.GetX(), placed.GetY(), 0.0);
+        position.GetCoef(c);
+        const KARMath3x3Matrix turn({c[0], c[1], 0.0}, {c[2], c[3], 0.0}, {0.0, 0.0, 1.0});
+        return PlaneOf(*planar) * KARMathTransformation(turn, {c[4], c[5], 0.0});
     }
-    KARMathPoint center;
     KARMathTransformation position;
-    body.GetCenterOfGravity(center);
     body.GetPosition(position);
-    return position * center;
+    return position;
 }
 
 KARMathTransformation PlaneOf(const KARMPBody2D& body)
 {
+    KARMathTransformation inSpace;
     QOBSharedHandle<KARMPSketch> sketch;
+    body.Get3DPosition(inSpace);
     if (KARFailed(body.GetSketch(sketch)))
-        return {};
+        return inSpace;
     KARMathPlane plane;
     sketch->GetPlane(plane);
     KARMathVector first;
@@ -77,13 +122,37 @@ KARMathTransformation PlaneOf(const KARMPBody2D& body)
     KARMathTransformation position;
     if (sketch->GetBody(carrier) == KARSuccess)
         carrier->GetPosition(position);
-    return position * inCarrier;
+    return inSpace * position * inCarrier;
 }
 
 std::vector<LinkedBody> LinkedBodiesOf(const KARMPJoint& joint)
 {
     const auto* const planar = dynamic_cast<const KARMPJoint2D*>(&joint);
     return planar != nullptr ? BodiesIn<KARMPBody2D>(*planar) : BodiesIn<KARMPBody>(joint);
+}
+
+std::vector<QOBSharedHandle<KARMPConstraint>> ConstraintsOf(const KARMPJoint& joint)
+{
+    const auto* const planar = dynamic_cast<const KARMPJoint2D*>(&joint);
+    return planar != nullptr ? ConstraintsIn(*planar) : ConstraintsIn(joint);
+}
+
+std::vector<QOBSharedHandle<KARMPBody>> BodiesOf(const KARMPShape& shape)
+{
+    const auto* const planar = dynamic_cast<const KARMPShape2D*>(&shape);
+    return planar != nullptr ? BodiesWith<KARMPBody2D>(*planar) : BodiesWith<KARMPBody>(shape);
+}
+
+QOBSharedHandle<KARMPBody> CarrierOf(const KARMPGeometry& geometry)
+{
+    if (const auto* const planar = dynamic_cast<const KARMPGeometry2D*>(&geometry)) {
+        QOBSharedHandle<KARMPBody2D> body;
+        planar->GetBody(body);
+        return body;
+    }
+    QOBSharedHandle<KARMPBody> body;
+    geometry.GetBody(body);
+    return body;
 }
 
 } // namespace karmp::tool

@@ -2,17 +2,22 @@
 
 #include "KARMPAxisSystem.h"
 #include "KARMPCircle.h"
+#include "KARMPCircle2D.h"
 #include "KARMPCirline.h"
 #include "KARMPCone.h"
 #include "KARMPCurve.h"
+#include "KARMPCurve2D.h"
 #include "KARMPCylicone.h"
 #include "KARMPCylinder.h"
 #include "KARMPEllipse.h"
 #include "KARMPHyperbola.h"
 #include "KARMPLine.h"
+#include "KARMPLine2D.h"
 #include "KARMPParabola.h"
 #include "KARMPPlane.h"
 #include "KARMPPoint.h"
+#include "KARMPPoint2D.h"
+#include "KARMPSketch.h"
 #include "KARMPSphere.h"
 #include "KARMPSurface.h"
 #include "KARMPTorus.h"
@@ -278,7 +283,53 @@ void Draw(const KARMPCurve& geometry, ViewDrawing& drawing)
 
 void Draw(const KARMPSurface& geometry, ViewDrawing& drawing)
 {
-    DrawStoredSurface(geometry, drawing);
+    KARBaseUnknown* stored = nullptr;
+    geometry.GetSurface(stored);
+    DrawStoredSurface(stored, drawing);
+}
+
+// The plane of a planar mechanism.
+void Draw(const KARMPSketch& geometry, ViewDrawing& drawing)
+{
+    KARMathPlane plane;
+    geometry.GetPlane(plane);
+    Pen(drawing, ViewKind::Plane).Add(plane.GetOrigin()).AddDirection(plane.GetNormal());
+}
+
+KARMathPoint InSpace(const KARMathPoint2D& point)
+{
+    return {point.GetX(), point.GetY(), 0.0};
+}
+
+void Draw(const KARMPPoint2D& geometry, ViewDrawing& drawing)
+{
+    KARMathPoint2D point;
+    geometry.GetPoint(point);
+    Pen(drawing, ViewKind::Point).Add(InSpace(point));
+}
+
+void Draw(const KARMPLine2D& geometry, ViewDrawing& drawing)
+{
+    KARMathLine2D line;
+    geometry.GetLine(line);
+    const auto& direction = line.GetDirection();
+    Pen(drawing, ViewKind::Line)
+        .Add(InSpace(line.GetOrigin()))
+        .AddDirection({direction.GetX(), direction.GetY(), 0.0});
+}
+
+void Draw(const KARMPCircle2D& geometry, ViewDrawing& drawing)
+{
+    KARMathPoint2D center;
+    double radius = 0.0;
+    geometry.GetPoint(center);
+    geometry.GetRadius(radius);
+    DrawEllipse(InSpace(center), {1.0, 0.0, 0.0}, {0.0, 0.0, 1.0}, radius, radius, drawing);
+}
+
+void Draw(const KARMPCurve2D& geometry, ViewDrawing& drawing)
+{
+    DrawStoredCurve(geometry, drawing);
 }
 
 template <class... Kinds>
@@ -328,7 +379,8 @@ std::optional<ViewDrawing> DrawGeometry(const KARMPGeometry& geometry)
     ViewDrawing drawing;
     DrawAsOneOf<KARMPAxisSystem, KARMPPoint, KARMPLine, KARMPPlane, KARMPCircle, KARMPEllipse,
                 KARMPCirline, KARMPHyperbola, KARMPParabola, KARMPSphere, KARMPCylinder, KARMPCone,
-                KARMPCylicone, KARMPTorus, KARMPCurve, KARMPSurface>(geometry, drawing);
+                KARMPCylicone, KARMPTorus, KARMPCurve, KARMPSurface, KARMPSketch, KARMPPoint2D,
+                KARMPLine2D, KARMPCircle2D, KARMPCurve2D>(geometry, drawing);
     const bool isDrawable = std::all_of(drawing.numbers.begin(), drawing.numbers.end(),
                                         [](double number) { return IsDrawable(number); });
     if (drawing.numbers.empty() || !isDrawable)

@@ -5,13 +5,17 @@
 #include "KARMPConstraint.h"
 #include "KARMPCoupling.h"
 #include "KARMPGeometry.h"
-#include "KARMPJoint.h"
+#include "KARMPJoint2D.h"
 #include "KARMPLinearSpring.h"
 #include "KARMPTorsionSpring.h"
 #include "KARMPVariable.h"
+#include "MechanismParts.h"
+#include "ViewBodies.h"
 #include "ViewGeometry.h"
 
+#include <algorithm>
 #include <array>
+#include <functional>
 #include <utility>
 
 namespace karmp::tool {
@@ -29,9 +33,6 @@ constexpr std::array JointSymbols{
     Symbol{"KARMPPlanar", "planar"},
     Symbol{"KARMPScrew", "screw"},
     Symbol{"KARMPRigid", "rigid"},
-    Symbol{"KARMPRevolute2D", "revolute"},
-    Symbol{"KARMPPrismatic2D", "prismatic"},
-    Symbol{"KARMPRigid2D", "rigid"},
 };
 
 // All other kinds look alike.
@@ -41,6 +42,18 @@ std::string_view SymbolOf(const KARMPJoint& joint)
         if (joint.getClassInfo().getName() == className)
             return symbol;
     return "joint";
+}
+
+// What a joint in the plane does follows from what it makes coincide: points or lines.
+std::string_view PlanarSymbolOf(const std::vector<ViewKind>& kinds)
+{
+    const auto areAll = [&kinds](ViewKind kind) {
+        return std::count(kinds.begin(), kinds.end(), kind) ==
+               static_cast<std::ptrdiff_t>(kinds.size());
+    };
+    if (areAll(ViewKind::Point))
+        return "revolute";
+    return areAll(ViewKind::Line) ? "prismatic" : "joint";
 }
 
 std::string_view SymbolOf(const KARMPConnector& connector)
@@ -63,26 +76,15 @@ void ForEachLinked(int count, const std::function<void(int, QOBSharedHandle<Link
     }
 }
 
-template <class Visit>
-void ForEachConstraint(const KARMPJoint& joint, Visit visit)
-{
-    ForEachLinked<KARMPConstraint>(
-        joint.GetConstraintCount(),
-        [&](int index, auto& constraint) { joint.GetConstraint(index, constraint); }, visit);
-}
-
 // Calls `visit` with each geometry that a joint's constraints use.
 template <class Visit>
 void ForEachGeometry(const KARMPJoint& joint, Visit visit)
 {
-    ForEachConstraint(
-        joint,
-        [&](const KARMPConstraint& constraint) {
-            ForEachLinked<KARMPGeometry>(
-                constraint.GetLinkedGeometryCount(),
-                [&](int index, auto& geometry) { constraint.GetLinkedGeometry(index, geometry); },
-                visit);
-        });
+    for (const auto& constraint : ConstraintsOf(joint))
+        ForEachLinked<KARMPGeometry>(
+            constraint->GetLinkedGeometryCount(),
+            [&](int index, auto& geometry) { constraint->GetLinkedGeometry(index, geometry); },
+            visit);
 }
 
 // Calls `visit` with each joint, no coupling, of which a variable is a freedom.
@@ -126,36 +128,32 @@ bool HasAttachment(const KARMPConnector& connector, int side, KARMathPoint& poin
 } // namespace
 
 // An axis system before what has a direction, and that before a point.
-std::optional<ViewFrame> LinkDrawer::FrameIn(const KARMPJoint& joint, const KARMPBody& body) const
+std::optional<LinkDrawer::Side> LinkDrawer::SideOn(const KARMPJoint& joint,
+                                                   const KARMPBody& body) const
 {
     const ViewDrawing* best = nullptr;
     const auto rank = [](const ViewDrawing& drawing) {
         return drawing.kind == ViewKind::Axes ? 2 : (HasDirection(drawing) ? 1 : 0);
     };
     ForEachGeometry(joint, [&](const KARMPGeometry& geometry) {
-        QOBSharedHandle<KARMPBody> carrier;
-        geometry.GetBody(carrier);
-        const ViewDrawing* const drawing = m_drawingOf(geometry);
-        if (carrier.get() == &body && drawing != nullptr &&
+        const ViewDrawing* const drawing = m_bodies.Find(geometry);
+        if (drawing != nullptr && CarrierOf(geometry).get() == &body &&
             (best == nullptr || rank(*drawing) > rank(*best)))
             best = drawing;
     });
-    const ViewBody* const drawn = m_bodyOf(body);
+    const ViewBody* const drawn = m_bodies.Find(&body);
     if (best == nullptr || drawn == nullptr)
         return std::nullopt;
-    return FrameOn(*drawn, FrameOf(*best));
+    return Side{FrameOn(*drawn, FrameOf(*best)), best->kind};
 }
 
 // Joints whose constraints use no geometry stand halfway between their bodies.
 std::optional<ViewFrame> LinkDrawer::FrameBetween(const KARMPJoint& joint) const
 {
     std::vector<KARMathPoint> origins;
-    for (int index = 0; index < joint.GetLinkedBodyCount(); ++index) {
-        QOBSharedHandle<KARMPBody> body;
-        joint.GetLinkedBody(index, body);
-        if (const ViewBody* const drawn = body ? m_bodyOf(*body) : nullptr)
+    for (const LinkedBody& linked : LinkedBodiesOf(joint))
+        if (const ViewBody* const drawn = m_bodies.Find(linked.body))
             origins.push_back(drawn->position * KARMathPoint());
-    }
     if (origins.empty())
         return std::nullopt;
     ViewFrame frame;
@@ -166,27 +164,27 @@ std::optional<ViewFrame> LinkDrawer::FrameBetween(const KARMPJoint& joint) const
 std::optional<ViewJoint> LinkDrawer::Draw(const KARMPJoint& joint) const
 {
     ViewJoint drawn;
-    drawn.symbol = SymbolOf(joint);
-    // The parent's frame comes first, whatever the order of the links.
-    for (const auto wanted : {KARMPBodyOrientation::Out, KARMPBodyOrientation::In}) {
-        for (int index = 0; index < joint.GetLinkedBodyCount(); ++index) {
-            QOBSharedHandle<KARMPBody> body;
-            auto orientation = KARMPBodyOrientation::In;
-            joint.GetLinkedBody(index, body, orientation);
-            const bool isParent = orientation == KARMPBodyOrientation::Out;
-            if (!body || isParent != (wanted == KARMPBodyOrientation::Out))
-                continue;
-            if (const auto frame = FrameIn(joint, *body))
-                drawn.frames.push_back(*frame);
+    std::vector<ViewKind> kinds;
+    std::vector<LinkedBody> bodies = LinkedBodiesOf(joint);
+    std::stable_partition(bodies.begin(), bodies.end(), [](const LinkedBody& linked) {
+        return linked.orientation == KARMPBodyOrientation::Out;
+    });
+    for (const LinkedBody& linked : bodies) {
+        if (const auto side = SideOn(joint, *linked.body)) {
+            drawn.frames.push_back(side->frame);
+            kinds.push_back(side->kind);
         }
     }
     if (drawn.frames.empty()) {
         const auto frame = FrameBetween(joint);
         if (!frame)
             return std::nullopt;
-        drawn.symbol = "joint";
         drawn.frames.push_back(*frame);
     }
+    const bool isPlanar = dynamic_cast<const KARMPJoint2D*>(&joint) != nullptr;
+    drawn.symbol = isPlanar ? PlanarSymbolOf(kinds) : SymbolOf(joint);
+    if (kinds.empty())
+        drawn.symbol = "joint";
     return drawn;
 }
 
@@ -196,10 +194,10 @@ std::optional<ViewFrame> LinkDrawer::FrameAt(const KARMPConnector& connector, in
     QOBSharedHandle<KARMPGeometry> geometry;
     side == 0 ? connector.GetFirstBody(body) : connector.GetSecondBody(body);
     connector.GetLinkedGeometry(side, geometry);
-    const ViewDrawing* const drawing = geometry ? m_drawingOf(*geometry) : nullptr;
+    const ViewDrawing* const drawing = geometry ? m_bodies.Find(*geometry) : nullptr;
     if (drawing != nullptr)
-        geometry->GetBody(body);
-    const ViewBody* const drawn = body ? m_bodyOf(*body) : nullptr;
+        body = CarrierOf(*geometry);
+    const ViewBody* const drawn = m_bodies.Find(body.get());
     if (drawn == nullptr)
         return std::nullopt;
     KARMathAxis axis;
@@ -223,17 +221,15 @@ std::optional<ViewConnector> LinkDrawer::Draw(const KARMPConnector& connector) c
 std::optional<ViewCoupling> LinkDrawer::Draw(const KARMPCoupling& coupling) const
 {
     ViewCoupling drawn;
-    ForEachConstraint(coupling, [&](const KARMPConstraint& equation) {
+    const auto addJoint = [&](const KARMPJoint& joint) {
+        if (const auto symbol = Draw(joint))
+            drawn.points.push_back(symbol->frames.front().axis.GetOrigin());
+    };
+    for (const auto& equation : ConstraintsOf(coupling))
         ForEachLinked<KARMPVariable>(
-            equation.GetLinkedVariableCount(),
-            [&](int index, auto& variable) { equation.GetLinkedVariable(index, variable); },
-            [&](const KARMPVariable& variable) {
-                ForEachJointOf(variable, [&](const KARMPJoint& joint) {
-                    if (const auto symbol = Draw(joint))
-                        drawn.points.push_back(symbol->frames.front().axis.GetOrigin());
-                });
-            });
-    });
+            equation->GetLinkedVariableCount(),
+            [&](int index, auto& variable) { equation->GetLinkedVariable(index, variable); },
+            [&](const KARMPVariable& variable) { ForEachJointOf(variable, addJoint); });
     if (drawn.points.size() < 2)
         return std::nullopt;
     return drawn;

@@ -3,7 +3,6 @@
 
 #include "ViewScene.h"
 
-#include <functional>
 #include <optional>
 
 class KARMPBody;
@@ -14,18 +13,14 @@ class KARMPJoint;
 
 namespace karmp::tool {
 
-/// Gives what is drawn of a body; null for one that cannot be drawn.
-using BodyFinder = std::function<const ViewBody*(const KARMPBody&)>;
-/// Gives the drawing of a geometry in the axes of its body; null for one that is not drawn.
-using DrawingFinder = std::function<const ViewDrawing*(const KARMPGeometry&)>;
+class BodyDrawer;
 
 /// Draws what stands between bodies, with what was drawn of the bodies.
 class LinkDrawer
 {
 public:
-    LinkDrawer(BodyFinder bodyOf, DrawingFinder drawingOf)
-        : m_bodyOf(std::move(bodyOf)), m_drawingOf(std::move(drawingOf))
-    {}
+    /// The bodies must outlive it.
+    explicit LinkDrawer(const BodyDrawer& bodies) : m_bodies(bodies) {}
 
     /// The symbol of a joint at the geometry that its constraints use on its bodies; halfway
     /// between the bodies without one. None when nothing can be drawn.
@@ -36,12 +31,18 @@ public:
     std::optional<ViewCoupling> Draw(const KARMPCoupling& coupling) const;
 
 private:
-    std::optional<ViewFrame> FrameIn(const KARMPJoint& joint, const KARMPBody& body) const;
+    /// What a joint uses of a body.
+    struct Side
+    {
+        ViewFrame frame;
+        ViewKind kind;
+    };
+
+    std::optional<Side> SideOn(const KARMPJoint& joint, const KARMPBody& body) const;
     std::optional<ViewFrame> FrameBetween(const KARMPJoint& joint) const;
     std::optional<ViewFrame> FrameAt(const KARMPConnector& connector, int side) const;
 
-    BodyFinder m_bodyOf;
-    DrawingFinder m_drawingOf;
+    const BodyDrawer& m_bodies;
 };
 
 } // namespace karmp::tool

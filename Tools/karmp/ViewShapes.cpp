@@ -3,7 +3,11 @@
 #include "KAR3DMeshRep.h"
 #include "KAR3DPolylineRep.h"
 #include "KAR3DRepWalk.h"
+#include "KARBody.h"
+#include "KARMP3DRep.h"
+#include "KARMPShapeBody.h"
 #include "ViewGeometry.h"
+#include "ViewStored.h"
 
 #include <algorithm>
 
@@ -72,6 +76,22 @@ std::vector<ViewPiece> DrawRepresentation(const KAR3DRep& rep)
         pieces.push_back(std::move(piece));
     });
     return pieces;
+}
+
+std::vector<ViewPiece> DrawShape(const KARMPShape& shape)
+{
+    if (const auto* const representation = dynamic_cast<const KARMP3DRep*>(&shape);
+        representation != nullptr && representation->Get3DRep() != nullptr)
+        return DrawRepresentation(*representation->Get3DRep());
+    ViewDrawing faces;
+    if (const auto* const solid = dynamic_cast<const KARMPShapeBody*>(&shape))
+        DrawStoredSurface(solid->GetBody(), faces);
+    if (faces.triangles.empty() || !AreDrawable(faces.numbers))
+        return {};
+    ViewPiece piece;
+    piece.points = std::move(faces.numbers);
+    piece.triangles = std::move(faces.triangles);
+    return {std::move(piece)};
 }
 
 std::optional<std::pair<KARMathPoint, KARMathPoint>> BoxAround(const std::vector<ViewPiece>& pieces)

@@ -5,7 +5,7 @@
 #include "KARCurve.h"
 #include "KARLineCurve.h"
 #include "KARMPCurve.h"
-#include "KARMPSurface.h"
+#include "KARMPCurve2D.h"
 #include "KARNurbsCurve.h"
 #include "KARPlaneSurface.h"
 #include "KARPolylineCurve.h"
@@ -88,9 +88,8 @@ void DrawGrid(const KARSurface& surface, std::uint32_t steps, ViewDrawing& drawi
     }
 }
 
-} // namespace
-
-void DrawStoredCurve(const KARMPCurve& curve, ViewDrawing& drawing)
+template <class Curve>
+void DrawSegments(const Curve& curve, ViewDrawing& drawing)
 {
     drawing.kind = ViewKind::Curve;
     for (int index = 0; index < curve.GetCurveCount(); ++index) {
@@ -108,14 +107,24 @@ void DrawStoredCurve(const KARMPCurve& curve, ViewDrawing& drawing)
     }
 }
 
-void DrawStoredSurface(const KARMPSurface& surface, ViewDrawing& drawing)
+} // namespace
+
+void DrawStoredCurve(const KARMPCurve& curve, ViewDrawing& drawing)
+{
+    DrawSegments(curve, drawing);
+}
+
+void DrawStoredCurve(const KARMPCurve2D& curve, ViewDrawing& drawing)
+{
+    DrawSegments(curve, drawing);
+}
+
+void DrawStoredSurface(const KARBaseUnknown* stored, ViewDrawing& drawing)
 {
     drawing.kind = ViewKind::Mesh;
-    KARBaseUnknown* stored = nullptr;
-    surface.GetSurface(stored);
-    if (const KARSurface* sheet = KARSysDynamicCast<KARSurface>(stored))
+    if (const auto* const sheet = KARSysDynamicCast<KARSurface>(stored))
         DrawGrid(*sheet, 32, drawing);
-    else if (const KARBody* body = KARSysDynamicCast<KARBody>(stored))
+    else if (const auto* const body = KARSysDynamicCast<KARBody>(stored))
         for (const KARBodyFace& face : body->GetFaces())
             DrawGrid(*face.surface, body->GetFaces().size() > 20 ? 8 : 24, drawing);
 }

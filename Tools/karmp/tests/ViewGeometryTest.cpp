@@ -201,6 +201,31 @@ TEST(ViewGeometry, DrawsSurfacesAsMeshes)
     factory->Release();
 }
 
+TEST(ViewGeometry, DrawsPlanarGeometryInThePlaneOfItsBody)
+{
+    ExpectDrawn(DrawingOf<KARMPPoint2D>([](auto& g) {
+                    g.SetPoint({1, 2});
+                }),
+                ViewKind::Point, {1, 2, 0});
+    ExpectDrawn(DrawingOf<KARMPLine2D>([](auto& g) {
+                    g.SetLine({{1, 2}, {0, 4}});
+                }),
+                ViewKind::Line, {1, 2, 0, 0, 1, 0});
+    ExpectDrawn(DrawingOf<KARMPCircle2D>([](auto& g) {
+                    g.SetPoint({1, 2});
+                    g.SetRadius(3);
+                }),
+                ViewKind::Ellipse, {1, 2, 0, 3, 0, 0, 0, 3, 0});
+    const auto curve = KARMPCurve2D::create(L"c");
+    KARGeometricFactory* const factory = KARGeometricFactory::Create();
+    KARCrvLimits whole(KARCrvParam(0.0), KARCrvParam(1.0));
+    curve->AddCurve(
+        factory->Make<KARPolylineCurve>(std::vector<KARMathPoint>{{5, 4, 0}, {5, 2, 0}}),
+        KARMPCurveOrientation::Positive, &whole);
+    ExpectDrawn(DrawGeometry(*curve), ViewKind::Curve, {5, 4, 0, 5, 2, 0});
+    factory->Release();
+}
+
 TEST(ViewGeometry, GivesJointsTheFrameOfAnAxisSystemOrOfADirection)
 {
     const auto axes = DrawingOf<KARMPAxisSystem>([](auto& g) {

@@ -202,6 +202,63 @@ TEST(ViewScene, LeadsCouplingsThroughTheJointsThatTheyRelate)
     EXPECT_EQ(scene.entities[static_cast<std::size_t>(scene.couplings[0].entity)].name, "Gear");
 }
 
+TEST(ViewScene, PutsPlanarBodiesIntoThePlaneOfTheirSketch)
+{
+    MechanismBuilder builder(L"w", {});
+    const auto sketch = KARMPSketch::create(L"sketch");
+    sketch->SetPlane({{0, 0, 5}, {1, 0, 0}});
+    builder.Attach(sketch, builder.Ground(), L"sketch");
+    const auto body = builder.File<KARMPBody>(KARMPBody2D::create(L"flat"), L"flat");
+    body->SetSketch(sketch);
+    body->SetPosition(KARMathTransformation2D(KARMathVector2D(2, 3)));
+    body->SetMass(1.0);
+    body->SetCenterOfGravity({1, 0});
+    const auto point = builder.File<KARMPGeometry>(KARMPPoint2D::create(L"p"), L"p");
+    point->SetPoint({0.5, 0});
+    point->SetBody(body);
+    body->AddGeometry(point);
+    const auto placed = [&] {
+        const ViewScene scene = CollectScene(*builder.World(), "w");
+        return *Drawn(scene, scene.bodies, "flat");
+    };
+    KARMathVector first;
+    KARMathVector second;
+    KARMathPlane({0, 0, 5}, {1, 0, 0}).GetDirections(first, second);
+    const KARMathPoint origin = KARMathPoint(0, 0, 5) + first * 2 + second * 3;
+    ExpectNear(placed().position * KARMathPoint(), origin);
+    ExpectNear(placed().position * KARMathPoint(0, 0, 1), origin + KARMathVector(1, 0, 0));
+    EXPECT_EQ(placed().rods.size(), 1U) << "from the point to the centre of gravity";
+    EXPECT_FALSE(placed().isGround);
+    body->Set3DPosition(KARMathTransformation(KARMathVector(0, 0, 7)));
+    ExpectNear(placed().position * KARMathPoint(), origin + KARMathVector(0, 0, 7));
+    body->Fix2D();
+    EXPECT_TRUE(placed().isGround);
+}
+
+TEST(ViewScene, TellsPlanarPinsAndGuidesByWhatTheyMakeCoincide)
+{
+    const ViewScene cam = SceneOf("cam-follower");
+    EXPECT_EQ(Drawn(cam, cam.joints, "Cam bearing")->symbol, "revolute");
+    EXPECT_EQ(Drawn(cam, cam.joints, "Guide")->symbol, "prismatic");
+    EXPECT_EQ(Drawn(cam, cam.joints, "Contact")->symbol, "joint");
+    EXPECT_TRUE(Drawn(cam, cam.joints, "Guide")->frames.at(0).isGround);
+    EXPECT_FALSE(Drawn(cam, cam.bodies, "Follower")->rods.empty()) << "it has lines only";
+
+    const ViewScene planar = SceneOf("seven-body-planar");
+    const ViewScene spatial = SceneOf("seven-body");
+    for (const ViewJoint& joint : planar.joints) {
+        const std::string& name = planar.entities[static_cast<std::size_t>(joint.entity)].name;
+        const auto* const other = Drawn(spatial, spatial.joints, "Revolute." + name);
+        ASSERT_NE(other, nullptr) << name;
+        EXPECT_EQ(joint.symbol, other->symbol);
+        EXPECT_LT(
+            (joint.frames.at(0).axis.GetOrigin() - other->frames.at(0).axis.GetOrigin()).Norm(),
+            1e-9)
+            << name;
+    }
+    EXPECT_EQ(planar.joints.size(), spatial.joints.size());
+}
+
 TEST(ViewScene, LeavesOutBodiesThatAreNowhereAndSaysSo)
 {
     MechanismBuilder builder(L"w", {});

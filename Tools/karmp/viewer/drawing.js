@@ -8,6 +8,7 @@ const Layers = [
   {name: "geometry", title: "Geometry"},
   {name: "covered", title: "Geometry under shapes", isOff: true},
   {name: "planes", title: "Planes"},
+  {name: "sketches", title: "Planes of sketches", isOff: true},
   {name: "masses", title: "Centres of mass", isOff: true},
   {name: "grid", title: "Grid"},
 ];
@@ -73,11 +74,14 @@ class Drawing {
 
   measurePatches() {
     for (const body of this.data.bodies)
-      for (const [kind, , n] of body.drawings)
-        if (kind === "plane")
+      for (const [kind, entity, n] of body.drawings)
+        if (kind === "plane" && !this.isSketch(entity))
           for (const corner of this.patchOf(body, n).corners)
             this.bounds.add(corner);
   }
+
+  // The plane of a planar mechanism is everywhere and in the way.
+  isSketch(entity) { return this.scene.kindOf(entity) === "Sketch"; }
 
   // The corners of the piece of a plane that is drawn, its directions and its edge.
   patchOf(body, n) {
@@ -223,8 +227,8 @@ class Drawing {
       point: () => this.ball(layer, placed(body.position, n), 0.36 * this.size, entity, Colour.geometry),
       axes: () => this.addAxes(layer, body, entity, n),
       line: () => this.addEndlessLine(layer, body, entity, n),
-      ellipse: () => this.addEllipse(layer, body, entity, n),
-      curve: () => this.addCurve(layer, body, entity, n),
+      ellipse: () => this.addEllipse(layer, body, entity, n, colour),
+      curve: () => this.addCurve(layer, body, entity, n, colour),
       plane: () => this.addPlane(body, entity, n),
       sphere: () => this.add(layer, "fine sphere", () => sphereMesh(2 * this.segments),
         framed(placed(body.position, n), [[1, 0, 0], [0, 1, 0], [0, 0, 1]], [n[3], n[3], n[3]]),
@@ -257,7 +261,7 @@ class Drawing {
     this.addLine(layer, subtract(origin, arm), add(origin, arm), entity, Colour.geometry, 1.6);
   }
 
-  addEllipse(layer, body, entity, n) {
+  addEllipse(layer, body, entity, n, colour) {
     const [u, v] = [turned(body.position, n.slice(3, 6)), turned(body.position, n.slice(6, 9))];
     const center = placed(body.position, n);
     const at = part => {
@@ -266,23 +270,24 @@ class Drawing {
     };
     const steps = 2 * this.segments;
     for (let i = 0; i < steps; ++i)
-      this.addLine(layer, at(i / steps), at((i + 1) / steps), entity, Colour.geometry, 2);
+      this.addLine(layer, at(i / steps), at((i + 1) / steps), entity, colour, 2.5);
     this.places.set(entity, center);
   }
 
-  addCurve(layer, body, entity, n, colour = Colour.geometry) {
+  addCurve(layer, body, entity, n, colour) {
     for (let i = 0; i + 5 < n.length; i += 3)
       this.addLine(layer, placed(body.position, n.slice(i, i + 3)),
-        placed(body.position, n.slice(i + 3, i + 6)), entity, colour, 2);
+        placed(body.position, n.slice(i + 3, i + 6)), entity, colour, 2.5);
   }
 
   // A patch with its border.
   addPlane(body, entity, n) {
     const {origin, edge, directions, corners} = this.patchOf(body, n);
-    this.add("planes", "sheet", sheetMesh, framed(origin, directions, [edge, edge, 1]), entity,
+    const layer = this.isSketch(entity) ? "sketches" : "planes";
+    this.add(layer, "sheet", sheetMesh, framed(origin, directions, [edge, edge, 1]), entity,
       Colour.plane, Clear);
     corners.forEach((from, i) =>
-      this.addLine("planes", from, corners[(i + 1) % 4], entity, Colour.plane, 1.2));
+      this.addLine(layer, from, corners[(i + 1) % 4], entity, Colour.plane, 1.2));
   }
 
   addPipe(layer, body, entity, n, colour) {

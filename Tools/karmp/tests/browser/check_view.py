@@ -116,6 +116,7 @@ class ViewTest(unittest.TestCase):
                   "quarter-car": ["Upper arm", "Lower arm", "Tie rod", "Wheel"],
                   "slider-crank": ["Crank", "Rod", "Slider"],
                   "motor-drive": ["Turntable", "Slide", "Arm"],
+                  "four-bar": ["Crank", "Coupler", "Rocker"],
                   "gear-pair": ["Pinion", "Wheel"], "collision": ["Dumbbell", "Gate"]}
         for example, names in bodies.items():
             for dark in (False, True):
