@@ -100,6 +100,10 @@ struct Diagnostic
     std::string text;
 };
 
+/// True when a message of a load or check is about content that the world which was read does not
+/// hold as the document does: each error, and what was skipped or replaced by another value.
+KARMP_DOCUMENTS_API bool LosesContent(const Diagnostic& diagnostic);
+
 /// "file:line:column: severity: text [code] at path", without the parts that are empty.
 KARMP_DOCUMENTS_API std::string Format(const Diagnostic& diagnostic);
 

@@ -26,7 +26,7 @@ KARMP_DOCUMENTS_API std::string SchemaText(SchemaLanguage language,
                                            std::wstring_view version = CurrentVersion);
 
 /// What a class holds, a line for each element and attribute, in UTF-8. `name` is that of the
-/// class or of its element; empty for a class that is unknown.
+/// class or of its element, in any case; empty for a class that is unknown.
 KARMP_DOCUMENTS_API std::string ClassReference(std::string_view name);
 
 /// The reference of all classes as Markdown, in UTF-8.

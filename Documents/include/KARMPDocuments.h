@@ -87,6 +87,14 @@ KARMP_DOCUMENTS_API LoadResult LoadText(std::string text, const std::string& nam
 /// The same from bytes of unknown origin, at Limits::Tight.
 KARMP_DOCUMENTS_API LoadResult LoadUntrusted(std::string_view bytes);
 
+/// Completes a world that was loaded, for a document that holds all of it: lists the globals, which
+/// it does not list where the document lacks them, and the collision layers that its interactions
+/// are about. Globals, and what reading left without an identifier, get identifiers that are the
+/// same in every run: "GlobalBody", "GlobalAxisSystem", "GlobalTime", the name of the entity's
+/// element, with a number where that is taken. The lists are then in the order of a world that is
+/// read, and without keys where they changed. An allocation that fails gives KAROutOfMemory.
+[[nodiscard]] KARMP_DOCUMENTS_API KARStatus CompleteWorld(KARMPWorld& world);
+
 /// Checks a file without making a world of it.
 KARMP_DOCUMENTS_API Diagnostics CheckFile(const std::filesystem::path& path,
                                           const Limits& limits = {},

@@ -16,8 +16,10 @@ namespace karmp::documents {
 ///
 /// A removed entity has no second side; a changed item has the entity on both sides, its value, and
 /// that of a new entity, which is what reading leaves it at. Doubles that move to the grid of
-/// documents are no losses.
+/// documents are no losses, nor are directions that reading makes unit vectors. With `isCompleted`
+/// the world that reads is completed by CompleteWorld.
 KARMP_DOCUMENTS_API std::vector<Difference> FindLosses(const KARMPWorld& world,
-                                                       std::wstring_view version = CurrentVersion);
+                                                       std::wstring_view version = CurrentVersion,
+                                                       bool isCompleted = false);
 
 } // namespace karmp::documents

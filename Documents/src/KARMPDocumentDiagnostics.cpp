@@ -132,6 +132,21 @@ std::string_view SeverityText(Severity severity)
     return severity == Severity::Error ? "error" : "warning";
 }
 
+bool LosesContent(const Diagnostic& diagnostic)
+{
+    switch (diagnostic.code) {
+    case Code::UnknownElement:
+    case Code::UnknownAttribute:
+    case Code::UnexpectedText:
+    case Code::OtherVersion:
+    case Code::InvalidValue:
+    case Code::DuplicateElement:
+        return true;
+    default:
+        return diagnostic.severity == Severity::Error;
+    }
+}
+
 std::string Format(const Diagnostic& diagnostic)
 {
     std::string text = diagnostic.file;

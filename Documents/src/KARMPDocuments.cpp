@@ -9,6 +9,7 @@
 #include "KARMPMaterial.h"
 #include "KARMPReadingPlace.h"
 #include "KARMPSaveCheck.h"
+#include "KARMPSilentListener.h"
 #include "KARMPStreamedTree.h"
 #include "KARMPTextCapacity.h"
 #include "KARMPWholeFile.h"
@@ -61,12 +62,6 @@ private:
     Messages& m_messages;
     std::string m_activity;
     const KARMPDocumentReader* m_root;
-};
-
-/// Keeps the failed checks of this thread back: those of a world that was written were told then.
-class SilentListener final : private KARMPFailedCheckListener
-{
-    void OnFailedCheck(const char* /*file*/, int /*line*/) override {}
 };
 
 std::string While(std::string_view event, std::string_view activity)
@@ -129,7 +124,7 @@ void CheckSaving(const KARMPWorld& world, const std::string& name, const SaveOpt
     Messages messages(found, name, options.limits.diagnostics);
     constexpr std::string_view activity = "the world was checked";
     Guarded(messages, activity, [&] {
-        const SilentListener listener;
+        const SilentListener listener; // what fails was told when the world was written
         SaveCheck(world, options.version, messages).Run();
     });
     if (options.allowLosses)

@@ -361,12 +361,22 @@ void PrintTree(std::string& text, const SchemaItem& element, unsigned depth)
     }
 }
 
+bool IsSameName(std::string_view left, std::string_view right)
+{
+    const auto lower = [](char letter) {
+        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+    };
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                      [&lower](char first, char second) { return lower(first) == lower(second); });
+}
+
 } // namespace
 
 std::string ClassReference(std::string_view name)
 {
     for (const EntityClass& entityClass : EntityClasses()) {
-        if (entityClass.name != name && kar::ToUtf8(entityClass.item->name) != name)
+        if (!IsSameName(entityClass.name, name) &&
+            !IsSameName(kar::ToUtf8(entityClass.item->name), name))
             continue;
         std::string text = kar::ToUtf8(entityClass.item->name) + ": " +
                            std::string(entityClass.item->says) + " Class " + entityClass.name +

@@ -1,5 +1,6 @@
 #include "KARMPWorldLosses.h"
 
+#include "KARMPInteraction.h"
 #include "KARMPListedEntities.h"
 #include "KARMPLossyItems.h"
 #include "KARMPWorld.h"
@@ -24,8 +25,8 @@ Handle HandleOf(const KARMPEntity& entity)
 class LossFinder
 {
 public:
-    LossFinder(const KARMPWorld& world, std::wstring_view version)
-        : m_world(world), m_entities(world), m_lossy(version)
+    LossFinder(const KARMPWorld& world, std::wstring_view version, bool isCompleted)
+        : m_world(world), m_entities(world), m_lossy(version), m_isCompleted(isCompleted)
     {}
 
     std::vector<Difference> Find()
@@ -34,7 +35,7 @@ public:
         FindRemoved();
         for (std::size_t number = 0; number < m_entities.Count(); ++number) {
             const KARMPEntity& entity = m_entities.At(number);
-            if (!IsGivenBack(entity.getClassInfo()))
+            if (!IsFound(entity))
                 continue;
             FindItems(entity);
             FindLinks(entity);
@@ -43,6 +44,12 @@ public:
     }
 
 private:
+    // A layer is found by the interactions that are about it.
+    bool IsFound(const KARMPEntity& entity) const
+    {
+        return IsGivenBack(entity.getClassInfo()) ||
+               (m_isCompleted && dynamic_cast<const KARMPInteraction*>(&entity) != nullptr);
+    }
     void FindSettings();
     void FindRemoved();
     void FindItems(const KARMPEntity& entity);
@@ -53,6 +60,7 @@ private:
     const KARMPWorld& m_world;
     ListedEntities m_entities;
     LossyItems m_lossy;
+    bool m_isCompleted;
     std::vector<Difference> m_losses;
 };
 
@@ -95,7 +103,7 @@ void LossFinder::FindRemoved()
             if (KARFailed(m_world.Get<T>(index, listed)) || !listed)
                 continue;
             const Handle entity = Handle::unchecked(listed);
-            if (!m_entities.Hold(entity._getReferent()) || !IsGivenBack(entity->getClassInfo()))
+            if (!m_entities.Hold(entity._getReferent()) || !IsFound(*entity))
                 Note(DifferenceKind::Removed, entity, {}, {}, {});
         }
     });
@@ -126,8 +134,7 @@ void LossFinder::FindLinks(const KARMPEntity& entity)
     ForEachTarget(
         entity,
         [&](const ItemInfo& item, const Handle& target) {
-            const bool isRead =
-                m_entities.Hold(target._getReferent()) && IsGivenBack(target->getClassInfo());
+            const bool isRead = m_entities.Hold(target._getReferent()) && IsFound(*target);
             if (!isRead && item.IsWrittenFor(entity))
                 Note(DifferenceKind::LinkLost, HandleOf(entity), item.path, {}, {}, target);
         });
@@ -135,9 +142,10 @@ void LossFinder::FindLinks(const KARMPEntity& entity)
 
 } // namespace
 
-std::vector<Difference> FindLosses(const KARMPWorld& world, std::wstring_view version)
+std::vector<Difference> FindLosses(const KARMPWorld& world, std::wstring_view version,
+                                   bool isCompleted)
 {
-    return LossFinder(world, version).Find();
+    return LossFinder(world, version, isCompleted).Find();
 }
 
 } // namespace karmp::documents

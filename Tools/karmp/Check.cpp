@@ -18,16 +18,6 @@ void PrintText(const Diagnostic& message)
     std::cout << (message.severity == Severity::Error ? Red(text) : Yellow(text)) << '\n';
 }
 
-void PrintJson(const Diagnostic& message, bool first)
-{
-    std::cout << (first ? "\n" : ",\n")
-              << "    {\"severity\": " << JsonText(documents::SeverityText(message.severity))
-              << ", \"code\": " << JsonText(documents::CodeText(message.code))
-              << ", \"file\": " << JsonText(message.file) << ", \"line\": " << message.line
-              << ", \"column\": " << message.column << ", \"path\": " << JsonText(message.path)
-              << ", \"text\": " << JsonText(message.text) << '}';
-}
-
 void PrintJson(const std::string& file, const documents::Diagnostics& messages)
 {
     std::cout << "{\n  \"file\": " << JsonText(file)
@@ -35,7 +25,7 @@ void PrintJson(const std::string& file, const documents::Diagnostics& messages)
               << ",\n  \"warnings\": " << messages.Count(Severity::Warning)
               << ",\n  \"findings\": [";
     for (std::size_t i = 0; i < messages.items.size(); ++i)
-        PrintJson(messages.items[i], i == 0);
+        std::cout << (i == 0 ? "\n    " : ",\n    ") << JsonOf(messages.items[i]);
     std::cout << (messages.items.empty() ? "]\n}\n" : "\n  ]\n}\n");
 }
 
@@ -64,7 +54,7 @@ int RunCheck(const CheckOptions& options)
         const Progress progress("checking " + Printable(std::string_view(options.file)));
         documents::LoadOptions load;
         load.check = documents::CheckLevel::Mechanism;
-        result = documents::LoadFile(options.file, load);
+        result = Load(options.file, load);
     }
     if (options.json)
         PrintJson(options.file, result.diagnostics);

@@ -1,19 +1,22 @@
 // The commands of the tool. Each returns the exit code of the process.
 #pragma once
 
+#include "Writing.h"
+
 #include <string>
 #include <vector>
 
 namespace karmp::tool {
 
-/// The exit code of a command: no findings, findings, or a file that cannot be read, cannot be
-/// written or is not written because the input has errors.
-enum ExitCode : int { Clean = 0, Findings = 1, Unreadable = 2 };
+/// The exit code of a command: no findings, findings, a file that cannot be read, cannot be written
+/// or is not written because the input has errors, and arguments that are wrong.
+enum ExitCode : int { Clean = 0, Findings = 1, Unreadable = 2, WrongArguments = 64 };
 
 /// The arguments of `karmp info`.
 struct InfoOptions
 {
     std::string file;
+    bool json = false;
 };
 /// Prints settings, globals, counts by family and class, masses, what drives, force elements and
 /// sensors act on or measure, and the estimated mobility.
@@ -23,8 +26,9 @@ int RunInfo(const InfoOptions& options);
 struct TreeOptions
 {
     std::string file;
-    std::string family; // an element such as "Joints"; all when empty
+    std::string family; // an element such as "Joints" in any case; all when empty
     bool identifiers = false;
+    bool json = false;
 };
 /// Prints the entities with their links by name and the numbers of the constants that they use.
 int RunTree(const TreeOptions& options);
@@ -58,26 +62,24 @@ int RunDiff(const DiffOptions& options);
 struct ConvertOptions
 {
     std::string input;
-    std::string output;
     std::string version; // the input's when empty
     bool exact = false;
-    bool force = false; // write what could be read of a document with errors
+    WriteOptions writing;
 };
 /// Writes a document in canonical form, for another version if asked, and lists what that version
-/// cannot hold. Of a document with errors nothing is written unless it is forced, and never onto
-/// the document itself.
+/// cannot hold. Of a document with errors nothing is written unless it is forced, and onto the
+/// document itself with a backup only.
 int RunConvert(const ConvertOptions& options);
 
 /// The arguments of `karmp extract`.
 struct ExtractOptions
 {
     std::string file;
-    std::string output;
     std::vector<std::string> bodies;   // names or identifiers
     std::vector<std::string> families; // elements such as "Connectors" in any case, or "all"
     int reach = 0;
     bool quiet = false;
-    bool force = false; // extract from what could be read of a document with errors
+    WriteOptions writing;
 };
 /// Writes the part of a mechanism around some bodies and lists the links that were cut.
 int RunExtract(const ExtractOptions& options);
@@ -86,8 +88,8 @@ int RunExtract(const ExtractOptions& options);
 struct GraphOptions
 {
     std::string file;
-    std::string output; // standard output when empty
-    std::string format; // dot, svg, png or pdf; by the output's ending when empty
+    std::string output; // standard output when empty or "-"
+    std::string format; // dot, svg, png or pdf; by the output's ending, or dot, when empty
     int timeLimit = 60; // of Graphviz, in seconds
     std::string around; // a body by name or identifier; all bodies when empty
     int reach = 2;      // joints from it

@@ -1,9 +1,10 @@
 #include "Commands.h"
-#include "Differences.h"
+#include "KARMPFamilies.h"
 #include "KARMPWorld.h"
+#include "KARMPWorldLosses.h"
 #include "KARTextConversion.h"
 #include "Loading.h"
-#include "Output.h"
+#include "QOBBasicEntity.h"
 
 #include <algorithm>
 #include <iostream>
@@ -12,80 +13,53 @@ namespace karmp::tool {
 
 namespace {
 
-using documents::SaveOptions;
-
-constexpr std::size_t MaximumDifferences = 1000;
-
-// Compares what is read from the text for the current version with what is read from the text for
-// the other one, so that content that every version loses is not counted.
-int PrintLosses(const QOBSharedHandle<KARMPWorld>& world, const SaveOptions& options)
+// All entities of a document stand under the basic world. What the world does not list is not
+// written: a collision layer that no interaction is about.
+void TellOfUnlisted(const KARMPWorld& world)
 {
-    const auto reload = [&](std::wstring_view version) {
-        SaveOptions save = options;
-        save.version = version;
-        std::string text;
-        if (documents::SaveText(world, text, save).HasErrors())
-            return QOBSharedHandle<KARMPWorld>();
-        return documents::LoadText(std::move(text), "<converted>",
-                                   {options.limits, documents::CheckLevel::None})
-            .world;
-    };
-    const auto kept = reload(CurrentVersion);
-    const auto converted = reload(options.version);
-    if (!kept || !converted)
-        return Unreadable;
-    const auto losses = documents::FindDifferences(*kept, *converted);
-    if (losses.empty())
-        return Clean;
-    std::cout << Bold("Version " + Printable(options.version) + " cannot hold:") << '\n';
-    PrintText(losses, true, MaximumDifferences);
-    if (losses.size() > MaximumDifferences)
-        std::cout << "and more\n";
-    return Findings;
-}
-
-bool IsKnown(std::wstring_view version)
-{
-    const auto& known = documents::KnownVersions();
-    return std::find(known.begin(), known.end(), version) != known.end();
+    const QOBSharedHandle<QOBBasicEntity> parent(world.getExtendible());
+    if (!parent)
+        return;
+    std::size_t unlisted = parent->getLogicalChildCount();
+    Families::ForEach([&](auto family) {
+        using T = typename decltype(family)::Type;
+        QOBSharedHandle<T> entity;
+        for (int index = 0; index < world.Count<T>(); ++index)
+            if (world.Get<T>(index, entity) == KARSuccess &&
+                parent->hasLogicalChild(QOBSharedHandle<QOBBasicEntity>::unchecked(entity)))
+                --unlisted;
+    });
+    if (unlisted > 0)
+        std::cerr << "karmp: no world lists " << unlisted
+                  << (unlisted == 1 ? " entity" : " entities")
+                  << " of the document, which a document of it lacks\n";
 }
 
 } // namespace
 
 int RunConvert(const ConvertOptions& options)
 {
+    documents::SaveOptions save;
+    save.version = kar::ToWide(std::string_view(options.version));
+    save.doubles = options.exact ? documents::Doubles::Exact : documents::Doubles::Snapped;
+    if (!options.version.empty() && !VersionNamed(save.version))
+        return WrongArguments;
     const auto loaded = LoadWorld(options.input);
     if (!loaded)
         return Unreadable;
-
-    SaveOptions save;
-    save.version =
-        options.version.empty() ? loaded->version : kar::ToWide(std::string_view(options.version));
-    save.doubles = options.exact ? documents::Doubles::Exact : documents::Doubles::Snapped;
-    if (!IsKnown(save.version)) {
-        std::cerr << "karmp: unknown version " << Printable(save.version) << "; known are";
-        for (const std::wstring_view version : documents::KnownVersions())
-            std::cerr << ' ' << Printable(version);
-        std::cerr << '\n';
+    if (options.version.empty())
+        save.version = loaded->version;
+    if (!VersionNamed(save.version) ||
+        !MayWrite(options.input, options.writing, loaded->diagnostics) ||
+        KARFailed(documents::CompleteWorld(*loaded->world)))
         return Unreadable;
-    }
-
-    if (!MayWrite(options.input, options.output, options.force, loaded->diagnostics))
+    const auto losses = documents::FindLosses(*loaded->world, save.version, true);
+    TellOfUnlisted(*loaded->world);
+    const int written = WriteDocument(loaded->world, options.writing, save);
+    if (written == Unreadable)
         return Unreadable;
-
-    documents::Diagnostics messages;
-    {
-        const Progress progress("writing " + Printable(std::string_view(options.output)));
-        messages = documents::SaveFile(loaded->world, options.output, save);
-    }
-    PrintMessages(messages, true);
-    if (messages.HasErrors())
-        return Unreadable;
-    const int losses = PrintLosses(loaded->world, save);
-    if (losses != Clean)
-        return losses;
-    const bool complete = loaded->diagnostics.items.empty() && messages.items.empty();
-    return complete ? Clean : Findings;
+    return std::max(written,
+                    ReportLosses(options.input, options.writing, *loaded, save.version, losses));
 }
 
 } // namespace karmp::tool

@@ -21,11 +21,11 @@ void Print(const DiffOptions& options, const std::vector<Difference>& difference
         std::cout << "{\n  \"before\": " << JsonText(options.before) << ",\n  \"after\": "
                   << (options.after.empty() ? "null" : JsonText(options.after))
                   << ",\n  \"differences\": ";
-        PrintJson(differences);
+        PrintJson(std::cout, differences);
         std::cout << "\n}\n";
     } else if (!differences.empty()) {
-        PrintText(differences, options.identifiers, differences.size());
-        PrintSummary(differences);
+        PrintText(std::cout, differences, options.identifiers, differences.size());
+        PrintSummary(std::cout, differences);
     }
 }
 

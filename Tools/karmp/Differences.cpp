@@ -6,8 +6,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <iostream>
 #include <map>
+#include <ostream>
 #include <set>
 #include <span>
 
@@ -33,8 +33,9 @@ std::string Count(std::size_t count, const char* one, const char* several)
 class TextPrinter
 {
 public:
-    TextPrinter(const std::vector<Difference>& differences, bool showsIdentifiers)
-        : m_differences(differences), m_showsIdentifiers(showsIdentifiers)
+    TextPrinter(std::ostream& out, const std::vector<Difference>& differences,
+                bool showsIdentifiers)
+        : m_out(out), m_differences(differences), m_showsIdentifiers(showsIdentifiers)
     {}
 
     void Print(std::size_t limit)
@@ -47,7 +48,7 @@ public:
             const bool hasItem = difference.kind != DifferenceKind::Added &&
                                  difference.kind != DifferenceKind::Removed;
             if (hasItem && (isFirst || entity != last))
-                std::cout << Bold(entity != nullptr ? TitleOf(difference.before) : "World") << '\n';
+                m_out << Bold(entity != nullptr ? TitleOf(difference.before) : "World") << '\n';
             last = hasItem ? entity : difference.after.get();
             isFirst = false;
             PrintLine(difference);
@@ -69,33 +70,33 @@ private:
         const std::string item = Printable(difference.item);
         switch (difference.kind) {
         case DifferenceKind::Removed:
-            std::cout << Red("- " + TitleOf(difference.before)) << '\n';
+            m_out << Red("- " + TitleOf(difference.before)) << '\n';
             return;
         case DifferenceKind::Added:
-            std::cout << Bold("+ " + TitleOf(difference.after)) << '\n';
+            m_out << Bold("+ " + TitleOf(difference.after)) << '\n';
             return;
         case DifferenceKind::LinkLost:
-            std::cout << "  - " << item << ": " << TitleOf(difference.target) << '\n';
+            m_out << "  - " << item << ": " << TitleOf(difference.target) << '\n';
             return;
         case DifferenceKind::LinkGained:
-            std::cout << "  + " << item << ": " << TitleOf(difference.target) << '\n';
+            m_out << "  + " << item << ": " << TitleOf(difference.target) << '\n';
             return;
         case DifferenceKind::Renamed:
-            std::cout << "  renamed: ";
+            m_out << "  renamed: ";
             break;
         case DifferenceKind::Moved:
             return PrintMove(difference);
         case DifferenceKind::Reordered:
-            std::cout << "  " << item << " in another order: ";
+            m_out << "  " << item << " in another order: ";
             break;
         default:
-            std::cout << "  " << item;
+            m_out << "  " << item;
             if (difference.target)
-                std::cout << " of " << TitleOf(difference.target);
-            std::cout << ": ";
+                m_out << " of " << TitleOf(difference.target);
+            m_out << ": ";
         }
-        std::cout << ValueText(difference.oldValue) << " becomes " << ValueText(difference.newValue)
-                  << '\n';
+        m_out << ValueText(difference.oldValue) << " becomes " << ValueText(difference.newValue)
+              << '\n';
     }
 
     // Translation and rotation are told each by itself.
@@ -107,7 +108,7 @@ private:
             const std::string left = ValueText(Part(before, first, count));
             const std::string right = ValueText(Part(after, first, count));
             if (left != right)
-                std::cout << "  " << what << left << " becomes " << right << '\n';
+                m_out << "  " << what << left << " becomes " << right << '\n';
         };
         const std::size_t split = TranslationLength(before.size());
         print("moved: ", 0, split);
@@ -156,6 +157,7 @@ private:
         return text;
     }
 
+    std::ostream& m_out;
     const std::vector<Difference>& m_differences;
     bool m_showsIdentifiers;
 };
@@ -169,21 +171,12 @@ void TextPrinter::PrintSummary() const
         if (difference.before && difference.after)
             changed.insert(difference.before.get());
     }
-    std::cout << Count(m_differences.size(), "difference: ", "differences: ")
-              << Count(counts[DifferenceKind::Removed], "entity", "entities") << " removed, "
-              << counts[DifferenceKind::Added] << " added, " << changed.size() << " changed";
+    m_out << Count(m_differences.size(), "difference: ", "differences: ")
+          << Count(counts[DifferenceKind::Removed], "entity", "entities") << " removed, "
+          << counts[DifferenceKind::Added] << " added, " << changed.size() << " changed";
     if (const std::size_t settings = counts[DifferenceKind::Setting]; settings > 0)
-        std::cout << "; " << Count(settings, "setting", "settings") << " of the world";
-    std::cout << '\n';
-}
-
-std::string JsonOf(const Handle& entity)
-{
-    if (!entity)
-        return "null";
-    return "{\"class\": " + JsonText(ClassOf(*entity)) +
-           ", \"name\": " + JsonText(kar::ToUtf8(entity->getEntityName())) +
-           ", \"id\": " + JsonText(kar::ToUtf8(IdentifierOf(*entity))) + '}';
+        m_out << "; " << Count(settings, "setting", "settings") << " of the world";
+    m_out << '\n';
 }
 
 struct JsonValue
@@ -197,7 +190,7 @@ struct JsonValue
         return std::isfinite(value) ? NumberText(value) : JsonText(NumberText(value));
     }
     std::string operator()(const std::wstring& value) const { return JsonText(kar::ToUtf8(value)); }
-    std::string operator()(const Handle& value) const { return JsonOf(value); }
+    std::string operator()(const Handle& value) const { return EntityJson(value); }
     template <class T>
     std::string operator()(const std::vector<T>& values) const
     {
@@ -208,43 +201,44 @@ struct JsonValue
     }
 };
 
-void PrintJsonItem(const Difference& difference)
+void PrintJsonItem(std::ostream& out, const Difference& difference)
 {
-    std::cout << "    {\"kind\": " << JsonText(documents::DifferenceText(difference.kind))
-              << ", \"before\": " << JsonOf(difference.before)
-              << ", \"after\": " << JsonOf(difference.after);
+    out << "    {\"kind\": " << JsonText(documents::DifferenceText(difference.kind))
+        << ", \"before\": " << EntityJson(difference.before)
+        << ", \"after\": " << EntityJson(difference.after);
     if (!difference.item.empty()) {
-        std::cout << ", \"item\": " << JsonText(kar::ToUtf8(difference.item));
+        out << ", \"item\": " << JsonText(kar::ToUtf8(difference.item));
         if (difference.target)
-            std::cout << ", \"target\": " << JsonOf(difference.target);
+            out << ", \"target\": " << EntityJson(difference.target);
         if (difference.kind != DifferenceKind::LinkLost &&
             difference.kind != DifferenceKind::LinkGained)
-            std::cout << ", \"old\": " << std::visit(JsonValue(), difference.oldValue)
-                      << ", \"new\": " << std::visit(JsonValue(), difference.newValue);
+            out << ", \"old\": " << std::visit(JsonValue(), difference.oldValue)
+                << ", \"new\": " << std::visit(JsonValue(), difference.newValue);
     }
-    std::cout << '}';
+    out << '}';
 }
 
 } // namespace
 
-void PrintText(const std::vector<Difference>& differences, bool showsIdentifiers, std::size_t limit)
+void PrintText(std::ostream& out, const std::vector<Difference>& differences, bool showsIdentifiers,
+               std::size_t limit)
 {
-    TextPrinter(differences, showsIdentifiers).Print(limit);
+    TextPrinter(out, differences, showsIdentifiers).Print(limit);
 }
 
-void PrintSummary(const std::vector<Difference>& differences)
+void PrintSummary(std::ostream& out, const std::vector<Difference>& differences)
 {
-    TextPrinter(differences, false).PrintSummary();
+    TextPrinter(out, differences, false).PrintSummary();
 }
 
-void PrintJson(const std::vector<Difference>& differences)
+void PrintJson(std::ostream& out, const std::vector<Difference>& differences)
 {
-    std::cout << '[';
+    out << '[';
     for (std::size_t i = 0; i < differences.size(); ++i) {
-        std::cout << (i == 0 ? "\n" : ",\n");
-        PrintJsonItem(differences[i]);
+        out << (i == 0 ? "\n" : ",\n");
+        PrintJsonItem(out, differences[i]);
     }
-    std::cout << (differences.empty() ? "]" : "\n  ]");
+    out << (differences.empty() ? "]" : "\n  ]");
 }
 
 } // namespace karmp::tool

@@ -1,6 +1,7 @@
 #include "EntityText.h"
 
 #include "KARMPEntity.h"
+#include "KARTextConversion.h"
 #include "Output.h"
 
 namespace karmp::tool {
@@ -26,6 +27,15 @@ std::wstring IdentifierOf(const KARMPEntity& entity)
 std::string TitleOf(const KARMPEntity& entity)
 {
     return ClassOf(entity) + ' ' + Title(entity.getEntityName(), IdentifierOf(entity));
+}
+
+std::string EntityJson(const QOBSharedHandle<KARMPEntity>& entity)
+{
+    if (!entity)
+        return "null";
+    return "{\"class\": " + JsonText(ClassOf(*entity)) +
+           ", \"name\": " + JsonText(kar::ToUtf8(entity->getEntityName())) +
+           ", \"id\": " + JsonText(kar::ToUtf8(IdentifierOf(*entity))) + '}';
 }
 
 } // namespace karmp::tool

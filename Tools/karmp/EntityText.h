@@ -1,6 +1,8 @@
 // How the tool names an entity.
 #pragma once
 
+#include "QOBSharedHandle.h"
+
 #include <string>
 #include <string_view>
 
@@ -16,5 +18,7 @@ std::string ClassOf(const KARMPEntity& entity);
 std::wstring IdentifierOf(const KARMPEntity& entity);
 /// Class and name, or class and identifier of an entity without a name: Body "Crank".
 std::string TitleOf(const KARMPEntity& entity);
+/// Class, name and identifier as a JSON object; "null" for a null handle.
+std::string EntityJson(const QOBSharedHandle<KARMPEntity>& entity);
 
 } // namespace karmp::tool

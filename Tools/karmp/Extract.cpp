@@ -3,6 +3,7 @@
 #include "KARMPFamilies.h"
 #include "KARMPWorld.h"
 #include "KARMPWorldExtraction.h"
+#include "KARMPWorldLosses.h"
 #include "KARTextConversion.h"
 #include "Loading.h"
 #include "NamedBodies.h"
@@ -18,60 +19,59 @@ namespace {
 
 using Entity = QOBSharedHandle<KARMPEntity>;
 
-bool IsSameIgnoringCase(std::wstring_view element, std::string_view text)
-{
-    const auto lower = [](auto character) {
-        return character >= 'A' && character <= 'Z' ? character - 'A' + 'a' : +character;
-    };
-    return std::equal(element.begin(), element.end(), text.begin(), text.end(),
-                      [&](wchar_t left, char right) { return lower(left) == lower(right); });
-}
-
 // The elements of the families; empty, with the reason on standard error, for an unknown one.
 std::optional<std::vector<std::wstring>> FamiliesOf(const std::vector<std::string>& names)
 {
     std::vector<std::wstring> families;
     for (const std::string& name : names) {
-        bool isKnown = name == "all";
-        for (const FamilyRecord& family : FamilyRecords())
-            if (name == "all" || IsSameIgnoringCase(family.element, name)) {
+        if (name == "all") {
+            for (const FamilyRecord& family : FamilyRecords())
                 families.emplace_back(family.element);
-                isKnown = true;
-            }
-        if (isKnown)
             continue;
-        std::cerr << "karmp: unknown family " << Printable(std::string_view(name))
-                  << "; known are all";
-        for (const FamilyRecord& family : FamilyRecords())
-            std::cerr << ", " << Printable(family.element);
-        std::cerr << '\n';
-        return std::nullopt;
+        }
+        const auto family = FamilyNamed(name);
+        if (!family)
+            return std::nullopt;
+        families.push_back(*family);
     }
     return families;
 }
 
-void PrintCutLinks(const std::vector<documents::CutLink>& links)
+void PrintCutLinks(std::ostream& out, const std::vector<documents::CutLink>& links)
 {
     if (!links.empty())
-        std::cout << Bold("Links that were cut") << '\n';
+        out << Bold("Links that were cut") << '\n';
     for (const documents::CutLink& link : links)
-        std::cout << "  " << TitleOf(*link.holder) << ", " << Printable(link.item) << ": "
-                  << TitleOf(*link.target) << '\n';
+        out << "  " << TitleOf(*link.holder) << ", " << Printable(link.item) << ": "
+            << TitleOf(*link.target) << '\n';
+}
+
+std::string JsonOf(const std::vector<documents::CutLink>& links)
+{
+    std::string text = ",\n  \"cut\": [";
+    for (const documents::CutLink& link : links) {
+        text += &link == links.data() ? "\n" : ",\n";
+        text += "    {\"entity\": " + EntityJson(link.holder) +
+                ", \"item\": " + JsonText(kar::ToUtf8(link.item)) +
+                ", \"target\": " + EntityJson(link.target) + '}';
+    }
+    return text + (links.empty() ? "]" : "\n  ]");
 }
 
 } // namespace
 
 int RunExtract(const ExtractOptions& options)
 {
+    const WriteOptions& writing = options.writing;
     const auto families = FamiliesOf(options.families);
     if (!families)
-        return Unreadable;
-    if (IsSameFile(options.file, options.output)) {
+        return WrongArguments;
+    if (IsSameFile(options.file, writing.output)) {
         std::cerr << "karmp: the output is the document itself; choose another file\n";
         return Unreadable;
     }
     const auto loaded = LoadWorld(options.file);
-    if (!loaded || !MayWrite(options.file, options.output, options.force, loaded->diagnostics))
+    if (!loaded || !MayWrite(options.file, writing, loaded->diagnostics))
         return Unreadable;
     const Bodies bodies = FindBodies(*loaded->world, options.bodies);
     if (bodies.empty())
@@ -79,24 +79,23 @@ int RunExtract(const ExtractOptions& options)
 
     const documents::Extraction extract =
         documents::ExtractWorld(*loaded->world, bodies, {options.reach, *families});
-    if (!extract.world) {
+    if (!extract.world || KARFailed(documents::CompleteWorld(*extract.world))) {
         std::cerr << "karmp: the extract could not be made\n";
         return Unreadable;
     }
     documents::SaveOptions save;
     save.version = loaded->version;
-    const documents::Diagnostics messages =
-        documents::SaveFile(extract.world, options.output, save);
-    PrintMessages(messages, true);
-    if (messages.HasErrors())
+    const auto losses = documents::FindLosses(*extract.world, save.version);
+    const int written = WriteDocument(extract.world, writing, save);
+    if (written == Unreadable)
         return Unreadable;
     for (const documents::CutLink& lost : extract.lostItems)
         std::cerr << "karmp: " << TitleOf(*lost.holder) << " lost " << Printable(lost.item) << '\n';
-    if (!options.quiet)
-        PrintCutLinks(extract.cutLinks);
-    const bool complete =
-        loaded->diagnostics.items.empty() && messages.items.empty() && extract.lostItems.empty();
-    return complete ? Clean : Findings;
+    if (!options.quiet && !writing.json)
+        PrintCutLinks(ReportStream(writing), extract.cutLinks);
+    const int reported = ReportLosses(options.file, writing, *loaded, save.version, losses,
+                                      JsonOf(extract.cutLinks));
+    return std::max({written, reported, int{extract.lostItems.empty() ? Clean : Findings}});
 }
 
 } // namespace karmp::tool

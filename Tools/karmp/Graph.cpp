@@ -5,6 +5,7 @@
 #include "KARMPWorld.h"
 #include "Loading.h"
 #include "NamedBodies.h"
+#include "Output.h"
 
 #include <algorithm>
 #include <array>
@@ -33,15 +34,13 @@ std::string FormatOf(const GraphOptions& options)
 {
     if (!options.format.empty())
         return options.format;
-    if (options.output.empty())
+    const std::string ending = std::filesystem::path(options.output).extension().string();
+    if (options.output.empty() || options.output == StandardStream || ending == ".gv")
         return "dot";
-    std::string ending = std::filesystem::path(options.output).extension().string();
-    ending.erase(0, 1);
-    if (ending == "gv")
-        return "dot";
-    if (std::find(Formats.begin(), Formats.end(), ending) != Formats.end())
-        return ending;
-    std::cerr << "karmp: the ending of " << options.output
+    const std::string format = ending.substr(ending.empty() ? 0 : 1);
+    if (std::find(Formats.begin(), Formats.end(), format) != Formats.end())
+        return format;
+    std::cerr << "karmp: the ending of " << Printable(std::string_view(options.output))
               << " is none of .dot, .gv, .svg, .png and .pdf; --format says what to write\n";
     return {};
 }
@@ -76,34 +75,39 @@ std::optional<std::string> GraphBytes(const GraphOptions& options, const std::st
     return DrawPicture(GraphText(world, contents), format, std::chrono::seconds(options.timeLimit));
 }
 
+// To standard output or into a file.
+bool Write(const std::string& output, const std::string& bytes)
+{
+    if (output.empty() || output == StandardStream) {
+        std::cout << bytes;
+        return true;
+    }
+    const auto messages = documents::WriteWholeFile(output, bytes);
+    PrintMessages(messages, true);
+    return !messages.HasErrors();
+}
+
 } // namespace
 
 int RunGraph(const GraphOptions& options)
 {
-    const std::string format = FormatOf(options);
-    if (format.empty())
-        return Unreadable;
-    if (format != "dot" && options.output.empty()) {
-        std::cerr << "karmp: a picture needs --output\n";
-        return Unreadable;
-    }
     if (IsSameFile(options.file, options.output)) {
         std::cerr << "karmp: the output is the document itself; choose another file\n";
         return Unreadable;
+    }
+    const std::string format = FormatOf(options);
+    if (format.empty())
+        return WrongArguments;
+    if (format != "dot" && options.output.empty()) {
+        std::cerr << "karmp: a picture needs --output\n";
+        return WrongArguments;
     }
     const auto loaded = LoadWorld(options.file);
     if (!loaded)
         return Unreadable;
     const auto bytes = GraphBytes(options, format, *loaded->world);
-    if (!bytes)
+    if (!bytes || !Write(options.output, *bytes))
         return Unreadable;
-    if (options.output.empty()) {
-        std::cout << *bytes;
-    } else if (const auto messages = documents::WriteWholeFile(options.output, *bytes);
-               messages.HasErrors()) {
-        PrintMessages(messages, true);
-        return Unreadable;
-    }
     return loaded->diagnostics.items.empty() ? Clean : Findings;
 }
 

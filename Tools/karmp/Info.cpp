@@ -40,6 +40,33 @@ std::string FamilyTitle()
     return title;
 }
 
+/// What is printed, section by section, as text or as JSON.
+class Report
+{
+public:
+    explicit Report(bool isJson) : m_isJson(isJson) {}
+
+    bool IsJson() const { return m_isJson; }
+    /// `note` stands behind the title of a text.
+    void Add(std::string_view title, const Columns& lines, std::string_view note = {},
+             const std::string& end = {})
+    {
+        if (m_isJson) {
+            std::cout << (m_isFirst ? "" : ",") << "\n  " << JsonText(title) << ": "
+                      << lines.Json(4);
+        } else {
+            std::cout << (m_isFirst ? "" : "\n") << Bold(title) << note << '\n';
+            lines.Print(2);
+            std::cout << end;
+        }
+        m_isFirst = false;
+    }
+
+private:
+    bool m_isJson;
+    bool m_isFirst = true;
+};
+
 using ClassCounts = std::map<std::string, int>;
 
 template <class T>
@@ -72,7 +99,7 @@ std::string GlobalText(const QOBSharedHandle<T>& entity)
     return Title(entity->getEntityName(), identifier);
 }
 
-void PrintSettings(const KARMPWorld& world, std::wstring_view version)
+void PrintSettings(Report& report, const KARMPWorld& world, std::wstring_view version)
 {
     KARMathPoint origin;
     KARMathVector gravity;
@@ -87,11 +114,10 @@ void PrintSettings(const KARMPWorld& world, std::wstring_view version)
     lines.Add("Origin", TripleText(origin));
     lines.Add("Size", TripleText(KARMathVector(size[0], size[1], size[2])));
     lines.Add("Gravity", TripleText(gravity));
-    std::cout << Bold("Settings") << '\n';
-    lines.Print(2);
+    report.Add("Settings", lines);
 }
 
-void PrintGlobals(const KARMPWorld& world)
+void PrintGlobals(Report& report, const KARMPWorld& world)
 {
     QOBSharedHandle<KARMPBody> body;
     QOBSharedHandle<KARMPAxisSystem> axisSystem;
@@ -103,11 +129,10 @@ void PrintGlobals(const KARMPWorld& world)
     lines.Add("Body", GlobalText(body));
     lines.Add("Axis system", GlobalText(axisSystem));
     lines.Add("Time", GlobalText(time));
-    std::cout << '\n' << Bold("Globals") << '\n';
-    lines.Print(2);
+    report.Add("Globals", lines);
 }
 
-void PrintEntities(const KARMPWorld& world)
+void PrintEntities(Report& report, const KARMPWorld& world)
 {
     Columns lines;
     int total = 0;
@@ -121,8 +146,7 @@ void PrintEntities(const KARMPWorld& world)
             lines.Add("  " + WithoutPrefix(className), "  " + std::to_string(count));
     });
     lines.Add("Total", std::to_string(total));
-    std::cout << '\n' << Bold("Entities") << '\n';
-    lines.Print(2);
+    report.Add("Entities", lines);
 }
 
 struct BodyTotals
@@ -152,7 +176,7 @@ BodyTotals SumBodies(const KARMPWorld& world)
     return totals;
 }
 
-void PrintMasses(const BodyTotals& totals)
+void PrintMasses(Report& report, const BodyTotals& totals)
 {
     Columns lines;
     lines.Add("Moving bodies", std::to_string(totals.moving));
@@ -161,29 +185,26 @@ void PrintMasses(const BodyTotals& totals)
     lines.Add("Total mass", NumberText(totals.mass));
     if (totals.mass > 0.0)
         lines.Add("Centre of mass", TripleText(totals.moment * (1.0 / totals.mass)));
-    std::cout << '\n' << Bold("Bodies") << '\n';
-    lines.Print(2);
+    report.Add("Bodies", lines);
 }
 
 // The entities of a family, each with what it refers to: the steps of an analysis case, for one.
 template <class T>
-void PrintTargets(const KARMPWorld& world, const char* title)
+void PrintTargets(Report& report, const KARMPWorld& world, const char* title)
 {
-    constexpr int Most = 20;
+    const int most = report.IsJson() ? world.Count<T>() : 20;
     const int count = world.Count<T>();
     if (count == 0)
         return;
     Columns lines;
-    for (int index = 0; index < std::min(count, Most); ++index) {
+    for (int index = 0; index < std::min(count, most); ++index) {
         QOBSharedHandle<T> entity;
         if (world.Get<T>(index, entity) == KARSuccess)
             lines.Add(TitleOf(*entity) + (entity->IsActive() ? "" : " (inactive)"),
                       TargetsText(*entity));
     }
-    std::cout << '\n' << Bold(title) << '\n';
-    lines.Print(2);
-    if (count > Most)
-        std::cout << "  and " << count - Most << " more\n";
+    report.Add(title, lines, {},
+               count > most ? "  and " + std::to_string(count - most) + " more\n" : std::string());
 }
 
 // A motor drives when it is active and has a target; a freedom is a variable of a constraint.
@@ -204,7 +225,7 @@ int CountDrivenVariables(const KARMPWorld& world)
     return static_cast<int>(driven.size());
 }
 
-void PrintMobility(const KARMPWorld& world)
+void PrintMobility(Report& report, const KARMPWorld& world)
 {
     if (world.Count<KARMPJoint>() == 0)
         return;
@@ -223,8 +244,7 @@ void PrintMobility(const KARMPWorld& world)
     }
     if (mobility.notCounted > 0)
         lines.Add("Joints not counted", std::to_string(mobility.notCounted));
-    std::cout << '\n' << Bold("Mobility") << " (an estimate: Grübler count from the joint kinds)\n";
-    lines.Print(2);
+    report.Add("Mobility", lines, " (an estimate: Grübler count from the joint kinds)");
 }
 
 } // namespace
@@ -235,16 +255,21 @@ int RunInfo(const InfoOptions& options)
     if (!loaded)
         return Unreadable;
     const KARMPWorld& world = *loaded->world;
-    PrintSettings(world, loaded->version);
-    PrintGlobals(world);
-    PrintEntities(world);
-    PrintMasses(SumBodies(world));
-    PrintTargets<KARMPActuator>(world, "Drives");
-    PrintTargets<KARMPConnector>(world, "Force elements");
-    PrintTargets<KARMPSensor>(world, "Sensors");
-    PrintTargets<KARMPAnalysisCase>(world, "Analysis cases");
-    PrintTargets<KARMPSupport>(world, "Supports");
-    PrintMobility(world);
+    Report report(options.json);
+    if (options.json)
+        std::cout << '{';
+    PrintSettings(report, world, loaded->version);
+    PrintGlobals(report, world);
+    PrintEntities(report, world);
+    PrintMasses(report, SumBodies(world));
+    PrintTargets<KARMPActuator>(report, world, "Drives");
+    PrintTargets<KARMPConnector>(report, world, "Force elements");
+    PrintTargets<KARMPSensor>(report, world, "Sensors");
+    PrintTargets<KARMPAnalysisCase>(report, world, "Analysis cases");
+    PrintTargets<KARMPSupport>(report, world, "Supports");
+    PrintMobility(report, world);
+    if (options.json)
+        std::cout << ",\n  \"file\": " << JsonText(options.file) << "\n}\n";
     return loaded->diagnostics.items.empty() ? Clean : Findings;
 }
 

@@ -1,11 +1,17 @@
 #include "Loading.h"
 
+#include "KARMPFamilies.h"
 #include "KARMPWorld.h"
 #include "Output.h"
 
+#include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <iostream>
 #include <system_error>
+#include <utility>
+
+#include <unistd.h>
 
 namespace karmp::tool {
 
@@ -19,20 +25,41 @@ std::string Activity(const char* verb, const std::string& file)
     return std::string(verb) + ' ' + Printable(std::string_view(file));
 }
 
-// Prints the first errors of the input and the number of all.
-void PrintErrors(const std::string& input, const documents::Diagnostics& messages)
+constexpr const char* StandardInputName = "<standard input>";
+
+// Appends all of standard input, one byte more than the limit at most.
+bool ReadStandardInput(std::string& text, std::size_t limit, documents::Diagnostics& messages)
 {
-    constexpr std::size_t most = 10;
-    documents::Diagnostics first;
-    for (const documents::Diagnostic& message : messages.items)
-        if (message.severity == documents::Severity::Error && first.items.size() < most)
-            first.items.push_back(message);
-    PrintMessages(first, true);
-    const std::size_t count = messages.Count(documents::Severity::Error);
-    if (count > most)
-        std::cerr << "... and " << count - most << " more\n";
-    std::cerr << "karmp: " << Printable(std::string_view(input)) << " has " << count
-              << (count == 1 ? " error" : " errors");
+    constexpr std::size_t block = 1U << 16U;
+    for (std::size_t size = 0; size <= limit; text.resize(size)) {
+        text.resize(size + block);
+        const ssize_t count = ::read(STDIN_FILENO, text.data() + size, block);
+        if (count == 0) {
+            text.resize(size);
+            return true;
+        }
+        if (count < 0 && errno != EINTR) {
+            messages.items.push_back({documents::Severity::Error,
+                                      documents::Code::CannotRead,
+                                      StandardInputName,
+                                      0,
+                                      0,
+                                      {},
+                                      "cannot read: " + std::generic_category().message(errno)});
+            return false;
+        }
+        size += count > 0 ? static_cast<std::size_t>(count) : 0U;
+    }
+    return true;
+}
+
+bool IsSameIgnoringCase(std::wstring_view element, std::string_view text)
+{
+    const auto lower = [](auto character) {
+        return character >= 'A' && character <= 'Z' ? character - 'A' + 'a' : +character;
+    };
+    return std::equal(element.begin(), element.end(), text.begin(), text.end(),
+                      [&](wchar_t left, char right) { return lower(left) == lower(right); });
 }
 
 } // namespace
@@ -44,6 +71,26 @@ void PrintMessages(const documents::Diagnostics& messages, bool all)
             std::cerr << Printable(std::string_view(documents::Format(message))) << '\n';
 }
 
+std::string JsonOf(const documents::Diagnostic& message)
+{
+    return "{\"severity\": " + JsonText(documents::SeverityText(message.severity)) +
+           ", \"code\": " + JsonText(documents::CodeText(message.code)) +
+           ", \"file\": " + JsonText(message.file) + ", \"line\": " + std::to_string(message.line) +
+           ", \"column\": " + std::to_string(message.column) +
+           ", \"path\": " + JsonText(message.path) + ", \"text\": " + JsonText(message.text) + '}';
+}
+
+documents::LoadResult Load(const std::string& file, const documents::LoadOptions& options)
+{
+    if (file != StandardStream)
+        return documents::LoadFile(file, options);
+    documents::LoadResult result;
+    std::string text;
+    if (ReadStandardInput(text, options.limits.bytes, result.diagnostics))
+        result = documents::LoadText(std::move(text), StandardInputName, options);
+    return result;
+}
+
 std::optional<documents::LoadResult> LoadWorld(const std::string& file)
 {
     documents::LoadResult result;
@@ -51,7 +98,7 @@ std::optional<documents::LoadResult> LoadWorld(const std::string& file)
         const Progress progress(Activity("loading", file));
         documents::LoadOptions options;
         options.limits.diagnostics = MostProblems;
-        result = documents::LoadFile(file, options);
+        result = Load(file, options);
     }
     if (!result.world) {
         PrintMessages(result.diagnostics, true);
@@ -66,30 +113,41 @@ std::optional<documents::LoadResult> LoadWorld(const std::string& file)
 
 bool IsSameFile(const std::string& first, const std::string& second)
 {
+    const auto pathOf = [](const std::string& file) {
+        return file == StandardStream ? std::string("/dev/stdin") : file;
+    };
     std::error_code missing;
-    return std::filesystem::equivalent(first, second, missing);
+    return second != StandardStream && std::filesystem::equivalent(pathOf(first), second, missing);
 }
 
-bool MayWrite(const std::string& input, const std::string& output, bool force,
-              const documents::Diagnostics& messages)
+std::optional<std::wstring> FamilyNamed(const std::string& name)
 {
-    if (!messages.HasErrors())
-        return true;
-    const bool inPlace = IsSameFile(input, output);
-    if (force && !inPlace)
-        return true;
-    PrintErrors(input, messages);
-    std::cerr << "; nothing was written. Mend the document ('karmp check' lists all findings), or "
-              << (inPlace ? "name another file as output, with --force, for what could be read; a "
-                            "document with errors is never overwritten\n"
-                          : "write what could be read with --force\n");
-    return false;
+    for (const FamilyRecord& family : FamilyRecords())
+        if (IsSameIgnoringCase(family.element, name))
+            return std::wstring(family.element);
+    std::cerr << "karmp: unknown family " << Printable(std::string_view(name)) << "; known are";
+    const char* separator = " ";
+    for (const FamilyRecord& family : FamilyRecords())
+        std::cerr << std::exchange(separator, ", ") << Printable(family.element);
+    std::cerr << '\n';
+    return std::nullopt;
 }
 
 std::optional<documents::Document> ReadTree(const std::string& file)
 {
     const Progress progress(Activity("reading", file));
-    std::optional<documents::Document> document(documents::Document::ReadFile(file));
+    std::optional<documents::Document> document;
+    if (file == StandardStream) {
+        std::string text;
+        documents::Diagnostics messages;
+        if (!ReadStandardInput(text, documents::Limits().bytes, messages)) {
+            PrintMessages(messages, true);
+            return std::nullopt;
+        }
+        document = documents::Document::ReadText(std::move(text), StandardInputName);
+    } else {
+        document = documents::Document::ReadFile(file);
+    }
     if (document->Root() == nullptr) {
         PrintMessages(document->Messages(), true);
         document.reset();

@@ -37,25 +37,54 @@ std::size_t Width(std::string_view text)
         [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U; }));
 }
 
+// The length of the UTF-8 character at the start of a text; 0 when there is none. The forms that
+// are longer than need be, surrogates, and what lies beyond the last character are no UTF-8.
+std::size_t CharacterLength(std::string_view text)
+{
+    const auto at = [text](std::size_t index) {
+        return index < text.size() ? static_cast<unsigned char>(text[index]) : 0U;
+    };
+    const auto follows = [&at](std::size_t index) { return (at(index) & 0xC0U) == 0x80U; };
+    const unsigned first = at(0);
+    const unsigned second = at(1);
+    if (first < 0x80)
+        return 1;
+    if (first >= 0xC2 && first < 0xE0)
+        return follows(1) ? 2 : 0;
+    if ((first & 0xF0U) == 0xE0) {
+        const bool isWrong = (first == 0xE0 && second < 0xA0) || (first == 0xED && second >= 0xA0);
+        return follows(1) && follows(2) && !isWrong ? 3 : 0;
+    }
+    if (first >= 0xF0 && first < 0xF5) {
+        const bool isWrong = (first == 0xF0 && second < 0x90) || (first == 0xF4 && second >= 0x90);
+        return follows(1) && follows(2) && follows(3) && !isWrong ? 4 : 0;
+    }
+    return 0;
+}
+
+bool IsControl(std::string_view character)
+{
+    const auto byte = static_cast<unsigned char>(character.back());
+    // C1 controls are two bytes in UTF-8, C2 80 to C2 9F.
+    return character.size() == 1 ? byte < 0x20 || byte == 0x7F
+                                 : character.front() == '\xC2' && byte < 0xA0;
+}
+
 } // namespace
 
 std::string Printable(std::string_view text)
 {
     std::string printable;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const auto byte = static_cast<unsigned char>(text[i]);
-        // C1 controls are two bytes in UTF-8, C2 80 to C2 9F.
-        const bool second =
-            byte == 0xC2 && i + 1 < text.size() && static_cast<unsigned char>(text[i + 1]) < 0xA0;
-        if (byte < 0x20 || byte == 0x7F) {
+    while (!text.empty()) {
+        const std::size_t length = CharacterLength(text);
+        const std::string_view character = text.substr(0, std::max<std::size_t>(length, 1));
+        if (length == 0 || IsControl(character)) {
             printable += "\\x";
-            AppendHex(printable, byte);
-        } else if (second) {
-            printable += "\\x";
-            AppendHex(printable, static_cast<unsigned char>(text[++i]));
+            AppendHex(printable, static_cast<unsigned char>(character.back()));
         } else {
-            printable += text[i];
+            printable += character;
         }
+        text.remove_prefix(character.size());
     }
     return printable;
 }
@@ -80,17 +109,20 @@ std::string NumberText(double number)
 std::string JsonText(std::string_view text)
 {
     std::string json = "\"";
-    for (const char character : text) {
-        const auto byte = static_cast<unsigned char>(character);
-        if (character == '"' || character == '\\') {
-            json += '\\';
-            json += character;
-        } else if (byte < 0x20) {
+    while (!text.empty()) {
+        const std::size_t length = CharacterLength(text);
+        const std::string_view character = text.substr(0, std::max<std::size_t>(length, 1));
+        if (length == 0) {
+            json += "\\ufffd";
+        } else if (IsControl(character)) {
             json += "\\u00";
-            AppendHex(json, byte);
+            AppendHex(json, static_cast<unsigned char>(character.back()));
         } else {
+            if (character == "\"" || character == "\\")
+                json += '\\';
             json += character;
         }
+        text.remove_prefix(character.size());
     }
     return json + '"';
 }
@@ -135,6 +167,20 @@ void Columns::Print(std::size_t indentation) const
         std::cout << std::string(indentation, ' ') << line.label
                   << std::string(widest - Width(line.label) + 2, ' ') << line.text << '\n';
     }
+}
+
+std::string Columns::Json(std::size_t indentation) const
+{
+    std::string json = "[";
+    for (const Line& line : m_lines) {
+        const auto trimmed = [](std::string_view text) {
+            return text.substr(std::min(text.find_first_not_of(' '), text.size()));
+        };
+        json += &line == m_lines.data() ? "\n" : ",\n";
+        json += std::string(indentation, ' ') + "{\"label\": " + JsonText(trimmed(line.label)) +
+                ", \"text\": " + JsonText(trimmed(line.text)) + '}';
+    }
+    return json + (m_lines.empty() ? "]" : '\n' + std::string(indentation - 2, ' ') + ']');
 }
 
 Progress::Progress(std::string_view activity) : m_shown(::isatty(STDERR_FILENO) != 0)

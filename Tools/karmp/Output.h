@@ -11,13 +11,14 @@ namespace karmp::tool {
 /// Text of a name from a model, safe to print: UTF-8, with control characters written as escapes so
 /// that no document can control the terminal.
 std::string Printable(std::wstring_view text);
-/// The same for text that is UTF-8 already.
+/// The same for text that is UTF-8 already; bytes that are none, as in the name of a file, are
+/// written as escapes too.
 std::string Printable(std::string_view text);
 /// A name in quotes, or the identifier where the name is empty.
 std::string Title(std::wstring_view name, std::wstring_view identifier);
 /// The shortest text of a number that reads back the same.
 std::string NumberText(double number);
-/// Text as a JSON string with its quotes.
+/// Text as a JSON string with its quotes; a byte that is no UTF-8 becomes U+FFFD.
 std::string JsonText(std::string_view text);
 
 /// True when standard output is a terminal that may be coloured.
@@ -36,6 +37,8 @@ public:
     void Add(std::string label, std::string text);
     /// Prints the lines, indented by a number of blanks.
     void Print(std::size_t indentation) const;
+    /// The lines as a JSON array of labels and texts, one a line.
+    std::string Json(std::size_t indentation) const;
 
 private:
     struct Line

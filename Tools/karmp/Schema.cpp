@@ -18,7 +18,7 @@ int Print(const std::string& text)
 int Refuse(const std::string& message)
 {
     std::cerr << "karmp: " << message << '\n';
-    return Unreadable;
+    return WrongArguments;
 }
 
 std::string KnownVersionNames()

@@ -6,7 +6,10 @@
 #include "Output.h"
 
 #include <iostream>
+#include <optional>
 #include <unordered_map>
+#include <utility>
+#include <vector>
 
 namespace karmp::tool {
 
@@ -20,8 +23,9 @@ constexpr const auto& Quantities = EnumTexts<KARMPPhysicalQuantity::Enum>::Rows;
 class TreePrinter
 {
 public:
-    TreePrinter(const Element& world, const TreeOptions& options)
-        : m_world(world), m_options(options)
+    /// All families when `family` is empty.
+    TreePrinter(const Element& world, const TreeOptions& options, std::wstring family)
+        : m_world(world), m_options(options), m_family(std::move(family))
     {
         ForEachEntity([this](std::wstring_view, const Element& entity) {
             std::wstring_view id;
@@ -36,15 +40,20 @@ public:
         std::wstring_view last;
         bool found = false;
         ForEachEntity([&](std::wstring_view family, const Element& entity) {
-            if (!m_options.family.empty() && kar::ToUtf8(family) != m_options.family)
+            if (!m_family.empty() && family != m_family)
                 return;
-            if (family != last)
-                std::cout << (found ? "\n" : "") << Bold(Printable(family)) << '\n';
+            if (m_options.json) {
+                std::cout << (found ? ",\n" : "\n");
+                PrintJson(family, entity);
+            } else {
+                if (family != last)
+                    std::cout << (found ? "\n" : "") << Bold(Printable(family)) << '\n';
+                PrintEntity(entity);
+            }
             last = family;
             found = true;
-            PrintEntity(entity);
         });
-        return found || m_options.family.empty();
+        return found || m_family.empty();
     }
 
 private:
@@ -67,81 +76,137 @@ private:
 
     void PrintEntity(const Element& entity)
     {
+        const auto [id, name, isActive] = HeadOf(entity);
+        std::cout << "  " << Printable(entity.Id()) << ' ' << Title(name, id);
+        if (m_options.identifiers && !name.empty())
+            std::cout << ' ' << Dim('[' + Printable(id) + ']');
+        if (!isActive)
+            std::cout << ' ' << Dim("(inactive)");
+        ForEachWord(entity, [](std::wstring_view word, std::wstring_view text) {
+            std::cout << ", " << Printable(word) << ' ' << Printable(text);
+        });
+        std::cout << '\n';
+        for (const Link& link : LinksOf(entity)) {
+            const char* separator = ": ";
+            std::cout << "    " << Printable(link.path);
+            for (const std::string& target : link.targets)
+                std::cout << std::exchange(separator, ", ") << target;
+            std::cout << '\n';
+        }
+    }
+
+    void PrintJson(std::wstring_view family, const Element& entity)
+    {
+        const auto [id, name, isActive] = HeadOf(entity);
+        std::cout << "    {\"family\": " << JsonOf(family) << ", \"class\": " << JsonOf(entity.Id())
+                  << ", \"id\": " << JsonOf(id) << ", \"name\": " << JsonOf(name)
+                  << ", \"active\": " << (isActive ? "true" : "false");
+        ForEachWord(entity, [](std::wstring_view word, std::wstring_view text) {
+            std::cout << ", " << JsonOf(word) << ": " << JsonOf(text);
+        });
+        std::cout << ", \"links\": [";
+        const char* separator = "\n      ";
+        for (const Link& link : LinksOf(entity)) {
+            std::cout << std::exchange(separator, ",\n      ") << "{\"item\": " << JsonOf(link.path)
+                      << ", \"targets\": [";
+            const char* comma = "";
+            for (const std::string& target : link.targets)
+                std::cout << std::exchange(comma, ", ") << JsonText(target);
+            std::cout << "]}";
+        }
+        std::cout << "]}";
+    }
+
+    static std::string JsonOf(std::wstring_view text) { return JsonText(kar::ToUtf8(text)); }
+
+    struct Head
+    {
+        std::wstring_view id;
+        std::wstring_view name;
+        bool isActive;
+    };
+    static Head HeadOf(const Element& entity)
+    {
         std::wstring_view id;
         std::wstring_view name;
         std::wstring_view active = L"yes";
         entity.GetAttribute(L"id", id);
         entity.GetAttribute(L"name", name);
         entity.GetAttribute(L"isActive", active);
-        std::cout << "  " << Printable(entity.Id()) << ' ' << Title(name, id);
-        if (m_options.identifiers && !name.empty())
-            std::cout << ' ' << Dim('[' + Printable(id) + ']');
-        if (active == L"no")
-            std::cout << ' ' << Dim("(inactive)");
-        PrintWords(entity);
-        std::cout << '\n';
-        PrintLinks(entity);
+        return {id, name, active != L"no"};
     }
 
-    // What tells attributes and generic entities apart where their names do not.
-    static void PrintWords(const Element& entity)
+    // Calls `visit` with the attributes that tell attributes and generic entities apart where their
+    // names do not.
+    template <class Visit>
+    static void ForEachWord(const Element& entity, Visit visit)
     {
         for (const std::wstring_view name : {L"entityID", L"path", L"type", L"categoryID"}) {
             std::wstring_view word;
             entity.GetAttribute(name, word);
             if (!word.empty())
-                std::cout << ", " << Printable(name) << ' ' << Printable(word);
+                visit(name, word);
         }
     }
 
+    /// The targets of an item of an entity, or the length of a list, as text.
+    struct Link
+    {
+        std::wstring path;
+        std::vector<std::string> targets;
+    };
+
     // Elements below an entity that have an identifier refer to another entity: directly, as an
-    // item of a list, which is printed as one line, or within a group that the class knows.
-    void PrintLinks(const Element& entity)
+    // item of a list, or within a group that the class knows.
+    std::vector<Link> LinksOf(const Element& entity)
     {
         const auto [links, isNew] = m_links.try_emplace(entity.Id(), entity.Id());
-        PrintLinks(entity, links->second, {});
+        std::vector<Link> found;
+        AddLinks(entity, links->second, {}, found);
+        return found;
     }
 
     // Groups are nested as deep as the items of a class.
-    void PrintLinks(const Element& group, const ClassLinks& links, const std::wstring& path) const
+    void AddLinks(const Element& group, const ClassLinks& links, const std::wstring& path,
+                  std::vector<Link>& found) const
     {
         Element::ElementVector children;
         group.AppendOrderedElements(children);
         for (const Element* child : children) {
             const std::wstring childPath = path + std::wstring(child->Id());
             if (child->HasAttribute(L"id")) {
-                std::cout << "    " << Printable(childPath) << ": " << Target(*child) << '\n';
+                found.push_back({childPath, {Target(*child)}});
                 continue;
             }
             const LinkRole role = links.RoleOf(childPath);
             if (role == LinkRole::Group)
-                PrintLinks(*child, links, childPath + L'/');
+                AddLinks(*child, links, childPath + L'/', found);
             else if (role == LinkRole::Records)
-                PrintCount(*child, childPath);
+                AddCount(*child, childPath, found);
             else
-                PrintList(*child, childPath);
+                AddList(*child, childPath, found);
         }
     }
 
-    void PrintList(const Element& list, const std::wstring& path) const
+    void AddList(const Element& list, const std::wstring& path, std::vector<Link>& found) const
     {
         Element::ElementVector items;
         list.AppendOrderedElements(items);
-        std::string targets;
+        Link link{path, {}};
         for (const Element* item : items)
             if (item->HasAttribute(L"id"))
-                targets += (targets.empty() ? "" : ", ") + Target(*item);
-        if (!targets.empty())
-            std::cout << "    " << Printable(path) << ": " << targets << '\n';
+                link.targets.push_back(Target(*item));
+        if (!link.targets.empty())
+            found.push_back(std::move(link));
     }
 
-    static void PrintCount(const Element& records, const std::wstring& path)
+    static void AddCount(const Element& records, const std::wstring& path, std::vector<Link>& found)
     {
         Element::ElementVector items;
         records.AppendOrderedElements(items);
         if (!items.empty())
-            std::cout << "    " << Printable(path) << ": " << items.size() << ' '
-                      << Printable(items.front()->Id()) << '\n';
+            found.push_back(
+                {path, {std::to_string(items.size()) + ' ' + Printable(items.front()->Id())}});
     }
 
     std::string Target(const Element& reference) const
@@ -200,6 +265,7 @@ private:
 
     const Element& m_world;
     const TreeOptions& m_options;
+    std::wstring m_family;
     std::unordered_map<std::wstring_view, const Element*> m_entities;
     std::unordered_map<std::wstring_view, ClassLinks> m_links; // by the classes' elements
 };
@@ -208,6 +274,10 @@ private:
 
 int RunTree(const TreeOptions& options)
 {
+    const auto family =
+        options.family.empty() ? std::optional(std::wstring()) : FamilyNamed(options.family);
+    if (!family)
+        return WrongArguments;
     const auto document = ReadTree(options.file);
     if (!document)
         return Unreadable;
@@ -217,12 +287,14 @@ int RunTree(const TreeOptions& options)
         std::cerr << "karmp: the document has no World\n";
         return Unreadable;
     }
-    if (!TreePrinter(*world, options).Print()) {
-        std::cerr << "karmp: the world has no list " << Printable(std::string_view(options.family))
-                  << '\n';
-        return Findings;
-    }
-    return Clean;
+    if (options.json)
+        std::cout << "{\n  \"file\": " << JsonText(options.file) << ",\n  \"entities\": [";
+    const bool found = TreePrinter(*world, options, *family).Print();
+    if (options.json)
+        std::cout << "\n  ]\n}\n";
+    if (!found)
+        std::cerr << "karmp: the world has no list " << Printable(*family) << '\n';
+    return found ? Clean : Findings;
 }
 
 } // namespace karmp::tool

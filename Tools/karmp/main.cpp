@@ -13,12 +13,25 @@ namespace {
 using namespace karmp::tool;
 
 constexpr const char* ExitCodes =
-    "Exit code: 0 when all is well, 1 when there are findings, 2 when the arguments are wrong or a "
-    "file is not read or not written.";
+    "The file - is standard input, or standard output.\n\n"
+    "Exit code: 0 when all is well, 1 when there are findings, 2 when a file is not read or not "
+    "written, 64 when the arguments are wrong.";
 
 std::string Footer(const char* example)
 {
     return std::string("Example:\n  ") + example + "\n\n" + ExitCodes;
+}
+
+// The options of the commands that write documents.
+void AddWriting(CLI::App& command, WriteOptions& writing)
+{
+    command.add_flag("--force", writing.force,
+                     "Write what could be read of a document with errors; onto itself only with "
+                     "--backup");
+    command.add_flag("--backup{~}", writing.backup,
+                     "Keep the file that is replaced; --backup=.old for another ending than ~");
+    command.add_flag("--dry-run", writing.dryRun, "Tell what would be lost, and write nothing");
+    command.add_flag("--json", writing.json, "Tell it as JSON");
 }
 
 int Run(int argc, char** argv)
@@ -37,6 +50,7 @@ int Run(int argc, char** argv)
         "Settings, globals, counts by family and class, masses, what drives, force elements "
         "and sensors act on or measure, estimated mobility");
     infoApp->add_option("FILE", info.file, "Document")->required();
+    infoApp->add_flag("--json", info.json, "As JSON, a list of labels and texts for each section");
     infoApp->footer(Footer("karmp info crank.xml"));
     infoApp->callback([&] { command = [&info] { return RunInfo(info); }; });
 
@@ -44,7 +58,8 @@ int Run(int argc, char** argv)
     CLI::App* treeApp = app.add_subcommand(
         "tree", "The entities with their links by name, and the numbers of constants");
     treeApp->add_option("FILE", tree.file, "Document")->required();
-    treeApp->add_option("--family", tree.family, "Only this list, for example Joints");
+    treeApp->add_option("--family", tree.family, "Only this list, for example joints");
+    treeApp->add_flag("--json", tree.json, "As JSON");
     treeApp->add_flag("--ids", tree.identifiers, "Identifiers behind the names");
     treeApp->footer(Footer("karmp tree crank.xml --family Joints"));
     treeApp->callback([&] { command = [&tree] { return RunTree(tree); }; });
@@ -82,11 +97,14 @@ int Run(int argc, char** argv)
     diffApp->add_flag("--json", diff.json, "Differences as JSON");
     diffApp->add_flag("-q,--quiet", diff.quiet, "No output, the exit code alone");
     diffApp->footer("Example:\n  karmp diff old.xml new.xml --tolerance 1e-9\n\n"
-                    "Exit code: 0 when there is no difference, 1 when there are some, 2 when the "
-                    "arguments are wrong or a file is not read.");
+                    "The file - is standard input.\n\n"
+                    "Exit code: 0 when there is no difference, 1 when there are some, 2 when a "
+                    "file is not read, 64 when the arguments are wrong.");
     diffApp->callback([&] {
         if (diff.after.empty() && !isReloaded)
             throw CLI::RequiredError("B or --reloaded");
+        if (diff.before == "-" && diff.after == "-")
+            throw CLI::ValidationError("A, B", "standard input can be read once only");
         command = [&diff] { return RunDiff(diff); };
     });
 
@@ -95,16 +113,16 @@ int Run(int argc, char** argv)
         "convert", "Writes a document in canonical form, for another version if asked, and lists "
                    "what that version cannot hold");
     convertApp->add_option("INPUT", convert.input, "Document to read")->required();
-    convertApp->add_option("OUTPUT", convert.output, "Document to write")->required();
+    convertApp->add_option("OUTPUT", convert.writing.output, "Document to write")->required();
     convertApp->add_option("--to", convert.version, "Version to write, for example R2016.1");
     convertApp->add_flag("--exact", convert.exact,
                          "All doubles as they are, off the grid of 1e-12");
-    convertApp->add_flag("--force", convert.force,
-                         "Write what could be read of a document with errors, to another file");
-    convertApp->footer("A document with errors is not converted, because what they are about would "
-                       "be lost; --force does it all the same, but never onto the document itself."
-                       "\n\n" +
-                       Footer("karmp convert crank.xml old.xml --to R2016.1"));
+    AddWriting(*convertApp, convert.writing);
+    convertApp->footer(
+        "A document with errors, or with items that nothing reads, is not converted, "
+        "because what they are about would be lost; --force does it all the same, "
+        "but onto the document itself only when --backup keeps that.\n\n" +
+        Footer("karmp convert crank.xml old.xml --to R2016.1"));
     convertApp->callback([&] { command = [&convert] { return RunConvert(convert); }; });
 
     ExtractOptions extract;
@@ -124,10 +142,9 @@ int Run(int argc, char** argv)
                      "What else is taken along where all that it refers to is: connectors, "
                      "actuators, sensors, interactions, ..., or all")
         ->delimiter(',');
-    extractApp->add_option("-o,--output", extract.output, "Document to write")->required();
+    extractApp->add_option("-o,--output", extract.writing.output, "Document to write")->required();
     extractApp->add_flag("-q,--quiet", extract.quiet, "No list of the links that were cut");
-    extractApp->add_flag("--force", extract.force,
-                         "Extract from what could be read of a document with errors");
+    AddWriting(*extractApp, extract.writing);
     extractApp->footer(
         "Geometries, shapes, joints, constraints, variables and the values that they "
         "use come with the bodies.\n\n" +
@@ -210,7 +227,7 @@ int Run(int argc, char** argv)
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? Clean : Unreadable;
+        return app.exit(error) == 0 ? Clean : WrongArguments;
     }
     const int code = command();
     if (!std::cout.flush()) {

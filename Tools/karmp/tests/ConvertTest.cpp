@@ -91,10 +91,24 @@ TEST_F(ConvertOfErrors, RefusesAnErrorBehindManyWarnings)
     ExpectRefused(WithManyWarnings(DoubledDocument()), "duplicate-identifier");
 }
 
-TEST_F(Tool, ConvertsADocumentOfManyWarnings)
+TEST_F(ConvertOfErrors, RefusesItemsThatNothingReads)
+{
+    ExpectRefused(Replaced(CleanDocument(), "<Mass>1.2</Mass>", "<Mass>1.2</Mass><Colour/>"),
+                  "unknown-element");
+    ExpectRefused(Replaced(CleanDocument(), "is_fixed=\"no\"", "is_fixed=\"no\" fixed=\"no\""),
+                  "unknown-attribute");
+    ExpectRefused(Replaced(CleanDocument(), "is_fixed=\"no\"", "is_fixed=\"false\""),
+                  "invalid-value");
+    ExpectRefused(Replaced(CleanDocument(), "<Weight>", "<Weight>heavy"), "unexpected-text");
+    ExpectRefused(
+        Replaced(CleanDocument(), "<OutOfWorld>", "<OutOfWorld>true</OutOfWorld><OutOfWorld>"),
+        "duplicate-element");
+}
+
+TEST_F(Tool, ConvertsADocumentOfManyWarningsWhenForced)
 {
     const std::string input = Write("in.xml", WithManyWarnings(CleanDocument()));
-    const Outcome convert = Run("convert " + input + ' ' + File("out.xml"));
+    const Outcome convert = Run("convert --force " + input + ' ' + File("out.xml"));
     EXPECT_EQ(convert.code, 1) << convert.output;
     ExpectContains(convert.output, "2000 problems");
     EXPECT_EQ(Run("check " + File("out.xml")).code, 0);
@@ -144,6 +158,112 @@ TEST_F(Tool, ConvertsOntoItsInputWhenThatHasNoErrors)
     const std::string file = Write("clean.xml", CleanDocument());
     EXPECT_EQ(Run("convert " + file + ' ' + file).code, 0);
     EXPECT_EQ(Run("check " + file).code, 0);
+}
+
+TEST_F(ConvertOfErrors, OverwritesTheInputWhenForcedAndTheOldFileIsKept)
+{
+    const std::string text = DoubledDocument();
+    const std::string input = Write("in.xml", text);
+    EXPECT_EQ(Run("convert --force --backup " + input + ' ' + input).code, 1);
+    EXPECT_EQ(ReadFile(input + '~'), text);
+    EXPECT_EQ(Run("check " + input).code, 0);
+    EXPECT_EQ(Run("convert --backup=.old " + input + ' ' + input).code, 0);
+    EXPECT_EQ(Files(), (std::set<std::string>{"in.xml", "in.xml~", "in.xml.old"}));
+}
+
+TEST_F(ConvertOfErrors, WritesNothingWhenTheOldFileCannotBeKept)
+{
+    const std::string text = DoubledDocument();
+    const std::string input = Write("in.xml", text);
+    EXPECT_EQ(Run("convert --force --backup=/none/x " + input + ' ' + input).code, 2);
+    EXPECT_EQ(ReadFile(input), text);
+}
+
+TEST_F(ConvertOfErrors, AreListedByADryRunThatWritesNothing)
+{
+    const std::string text = Replaced(DoubledDocument(), "<OutOfWorld>false", "<OutOfWorld>true");
+    const std::string input = Write("in.xml", text);
+    const Outcome dry = Run("convert --dry-run --to R2016.0 " + input + ' ' + input);
+    EXPECT_EQ(dry.code, 1);
+    ExpectContains(dry.output, "[duplicate-identifier]");
+    ExpectContains(dry.output, "Version R2016.0 cannot hold:");
+    ExpectContains(dry.output, "  OutOfWorld: yes becomes no\n");
+    EXPECT_EQ(ReadFile(input), text);
+    EXPECT_EQ(Files(), std::set<std::string>{"in.xml"});
+    const std::string clean = Write("clean.xml", CleanDocument());
+    const Outcome nothing = Run("convert --dry-run " + clean + " -");
+    EXPECT_EQ(nothing.code, 0);
+    EXPECT_EQ(nothing.output, "");
+}
+
+class Canonical : public Tool
+{
+protected:
+    // Twice the same bytes, and the same once more of those.
+    void ExpectStable(const std::string& input, const std::string& arguments = {})
+    {
+        SCOPED_TRACE(input + arguments);
+        const auto convert = [&](const std::string& from, const std::string& to) {
+            EXPECT_LT(Run("convert --force " + arguments + ' ' + from + ' ' + File(to)).code, 2);
+            return ReadFile(File(to));
+        };
+        const std::string first = convert(input, "first.xml");
+        EXPECT_FALSE(first.empty());
+        EXPECT_TRUE(convert(input, "again.xml") == first);
+        EXPECT_TRUE(convert(File("first.xml"), "second.xml") == first);
+    }
+};
+
+TEST_F(Canonical, IsWhatConvertWritesOfEachExampleAndVersion)
+{
+    for (const auto& example : fs::directory_iterator(KARMP_EXAMPLE_DOCUMENTS))
+        for (const std::string version : {"", "--to R2015x.0", "--to R2017.0", "--exact"})
+            ExpectStable(example.path().string(), version);
+}
+
+TEST_F(Canonical, HasGlobalsOfStableIdentifiers)
+{
+    const std::string input =
+        Write("in.xml", "<KARMPDocument version=\"R2018.1\"><World><Bodies>"
+                        "<Body id=\"z\" name=\"z\"/><Body id=\"A\" name=\"A\"/>"
+                        "<Body id=\"GlobalBody\" name=\"b\"/></Bodies></World></KARMPDocument>");
+    ExpectStable(input);
+    ExpectContains(ReadFile(File("first.xml")), "<GlobalBody id=\"GlobalBody_2\" name=");
+    EXPECT_EQ(Run("check " + File("first.xml")).code, 0);
+}
+
+TEST_F(Canonical, GivesConesIdentifiersThatAreTheSameEachTime)
+{
+    const std::string input = Write(
+        "in.xml", Replaced(CleanDocument(), "<Geometries>\n   <",
+                           "<Geometries>\n   <Cone id=\"c\" name=\"c\"/><Cone id=\"d\"/>\n   <"));
+    ExpectStable(input);
+    ExpectContains(ReadFile(File("first.xml")), "<Cone id=\"Cone_2\"");
+}
+
+TEST_F(Tool, ListsWhatNoDocumentGivesBack)
+{
+    const std::string input = Write(
+        "in.xml",
+        Replaced(CleanDocument(), "<Geometries>\n   <",
+                 "<Geometries>\n   <Cylinder id=\"c\" name=\"Pin\" isActive=\"yes\"><Coordinates>"
+                 "<Cx>1</Cx><Cy>2</Cy><Cz>3</Cz><Nx>1</Nx><Ny>0</Ny><Nz>0</Nz><radius>2</radius>"
+                 "</Coordinates></Cylinder>\n   <"));
+    ASSERT_EQ(Run("check " + input).code, 0);
+    const Outcome convert = Run("convert " + input + ' ' + File("out.xml"));
+    EXPECT_EQ(convert.code, 1);
+    EXPECT_EQ(convert.output, "Version R2018.1 cannot hold:\nCylinder \"Pin\" [c]\n"
+                              "  Coordinates/Origin: (1, 2, 3) becomes (0, 0, 0)\n");
+}
+
+TEST_F(Tool, TellsLossesAsJson)
+{
+    const std::string input = Write("in.xml", DoubledDocument());
+    const Outcome dry = Run("convert --dry-run --json --to R2016.0 " + input + " -");
+    EXPECT_EQ(dry.code, 1);
+    ExpectContains(dry.output, "\"written\": false");
+    ExpectContains(dry.output, "\"code\": \"duplicate-identifier\"");
+    ExpectContains(dry.output, "\"item\": \"Bodies/bodyOrientation\"");
 }
 
 TEST_F(Tool, LeavesAnOldFileWhenTheDiskIsFull)

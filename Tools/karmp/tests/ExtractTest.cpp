@@ -59,9 +59,9 @@ TEST_F(ExtractCommand, RefusesWhatItDoesNotKnow)
 {
     ExpectContains(Extract("--body Crank --with wheels").output, "unknown family wheels");
     ExpectContains(Extract("--body Wheel").output, "no body has the name Wheel");
-    EXPECT_EQ(Extract("--body Crank --with wheels").code, 2);
+    EXPECT_EQ(Extract("--body Crank --with wheels").code, 64);
     EXPECT_EQ(Extract("--body Wheel").code, 2);
-    EXPECT_EQ(Extract("--body Crank --reach -1").code, 2);
+    EXPECT_EQ(Extract("--body Crank --reach -1").code, 64);
     EXPECT_EQ(Files().count("part.xml"), 0U);
 }
 

@@ -69,7 +69,7 @@ TEST_F(Graph, DrawsTheGraphAsText)
     EXPECT_EQ(graph.code, 0) << graph.output;
     ExpectContains(graph.output, "digraph mechanism {");
     ExpectContains(graph.output, "Crank pin\nRevolute");
-    EXPECT_EQ(Run("graph --format svg " + m_document).code, 2);
+    EXPECT_EQ(Run("graph --format svg " + m_document).code, 64);
 }
 
 TEST_F(Graph, WritesTheSameTextToAFile)

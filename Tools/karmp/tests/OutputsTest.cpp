@@ -99,7 +99,7 @@ TEST_F(Outputs, OfAModelWithoutAttributesAreNone)
 
 TEST_F(Outputs, HaveOneFormAtATimeAndNeedAFileThatCanBeRead)
 {
-    EXPECT_EQ(Run("outputs " + m_file + " --csv --json").code, 2);
+    EXPECT_EQ(Run("outputs " + m_file + " --csv --json").code, 64);
     EXPECT_EQ(Run("outputs " + File("none.xml")).code, 2);
 }
 

@@ -72,12 +72,15 @@ protected:
         return File(name);
     }
 
-    /// Runs the tool by the shell, after shell commands or settings of the environment.
-    static Outcome Run(const std::string& arguments, const std::string& before = {})
+    /// Runs the tool by the shell, after shell commands or settings of the environment, with a file
+    /// as its standard input.
+    static Outcome Run(const std::string& arguments, const std::string& before = {},
+                       const std::string& input = "/dev/null")
     {
         Outcome outcome;
-        const std::string command = before + ' ' + KARMP_TOOL + ' ' + arguments;
-        std::FILE* pipe = ::popen((command + " 2>&1 </dev/null").c_str(), "r");
+        const std::string command =
+            before + ' ' + KARMP_TOOL + " <'" + input + "' " + arguments + " 2>&1";
+        std::FILE* pipe = ::popen(command.c_str(), "r");
         if (pipe == nullptr)
             return outcome;
         std::array<char, 4096> buffer{};

@@ -27,9 +27,9 @@ TEST_F(Tool, HelpsOnItselfAndOnEachCommandWithAnExample)
 
 TEST_F(Tool, RefusesAnUnknownCommandAndMissingArguments)
 {
-    EXPECT_EQ(Run("").code, 2);
-    EXPECT_EQ(Run("frobnicate").code, 2);
-    EXPECT_EQ(Run("info").code, 2);
+    EXPECT_EQ(Run("").code, 64);
+    EXPECT_EQ(Run("frobnicate").code, 64);
+    EXPECT_EQ(Run("info").code, 64);
 }
 
 TEST_F(Tool, FindsNothingInACleanDocument)
@@ -129,7 +129,7 @@ TEST_F(Tool, ListsWhatAnOlderVersionCannotHold)
     ExpectContains(convert.output, "R2016.1 cannot hold");
     ExpectContains(convert.output, "Boolean \"Visible\" [b1]\n  isActive: no becomes yes\n");
     ExpectContains(ReadFile(File("old.xml")), "version=\"R2016.1\"");
-    EXPECT_EQ(Run("convert --to R1999 " + file + ' ' + File("never.xml")).code, 2);
+    EXPECT_EQ(Run("convert --to R1999 " + file + ' ' + File("never.xml")).code, 64);
     EXPECT_FALSE(fs::exists(File("never.xml")));
 }
 

@@ -1,0 +1,187 @@
+#include "Writing.h"
+
+#include "Commands.h"
+#include "Differences.h"
+#include "KARMPWholeFile.h"
+#include "KARMPWorld.h"
+#include "Loading.h"
+#include "Output.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <system_error>
+
+namespace karmp::tool {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using documents::Diagnostic;
+using documents::Diagnostics;
+using documents::Severity;
+
+constexpr std::size_t MaximumDifferences = 1000;
+
+Diagnostics LossesAmong(const Diagnostics& messages)
+{
+    Diagnostics losses;
+    std::copy_if(messages.items.begin(), messages.items.end(), std::back_inserter(losses.items),
+                 documents::LosesContent);
+    std::stable_sort(losses.items.begin(), losses.items.end(),
+                     [](const Diagnostic& left, const Diagnostic& right) {
+                         return left.severity > right.severity;
+                     });
+    return losses;
+}
+
+std::string CountText(std::size_t count, const char* one, const char* several)
+{
+    return std::to_string(count) + ' ' + (count == 1 ? one : several);
+}
+
+// Prints the first losses of the input and the number of all.
+void PrintFirst(const std::string& input, const Diagnostics& losses)
+{
+    constexpr std::size_t most = 10;
+    Diagnostics first = losses;
+    first.items.resize(std::min(first.items.size(), most));
+    PrintMessages(first, true);
+    if (losses.items.size() > most)
+        std::cerr << "... and " << losses.items.size() - most << " more\n";
+    const std::size_t errors = losses.Count(Severity::Error);
+    const std::size_t others = losses.items.size() - errors;
+    std::cerr << "karmp: " << Printable(std::string_view(input)) << " has ";
+    if (errors > 0)
+        std::cerr << CountText(errors, "error", "errors") << (others > 0 ? " and " : "");
+    if (others > 0)
+        std::cerr << CountText(others, "item that is not read", "items that are not read");
+}
+
+// Copies the file that is going to be replaced. There is nothing to copy of what is no file.
+bool KeepBackup(const WriteOptions& options)
+{
+    std::error_code missing;
+    if (options.backup.empty() || options.output == StandardStream ||
+        !fs::is_regular_file(options.output, missing))
+        return true;
+    std::ifstream file(options.output, std::ios::binary);
+    const std::string bytes((std::istreambuf_iterator<char>(file)),
+                            std::istreambuf_iterator<char>());
+    if (!file.good() && !file.eof()) {
+        std::cerr << "karmp: cannot read " << Printable(std::string_view(options.output))
+                  << " for a backup\n";
+        return false;
+    }
+    const Diagnostics messages = documents::WriteWholeFile(options.output + options.backup, bytes);
+    PrintMessages(messages, true);
+    return !messages.HasErrors();
+}
+
+// Losses of documents are told as differences.
+bool IsTold(const Diagnostic& message)
+{
+    return message.severity == Severity::Error || message.code == documents::Code::NotFinite ||
+           message.code == documents::Code::FailedCheck;
+}
+
+void PrintJsonReport(const std::string& input, const WriteOptions& options,
+                     const Diagnostics& unread, const std::wstring& version,
+                     const std::vector<documents::Difference>& losses, const std::string& more)
+{
+    std::ostream& out = ReportStream(options);
+    out << "{\n  \"input\": " << JsonText(input) << ",\n  \"output\": " << JsonText(options.output)
+        << ",\n  \"version\": " << JsonText(Printable(version))
+        << ",\n  \"written\": " << (options.dryRun ? "false" : "true") << ",\n  \"unread\": [";
+    for (const Diagnostic& message : unread.items)
+        out << (&message == unread.items.data() ? "\n    " : ",\n    ") << JsonOf(message);
+    out << (unread.items.empty() ? "]" : "\n  ]") << ",\n  \"losses\": ";
+    PrintJson(out, losses);
+    out << more << "\n}\n";
+}
+
+} // namespace
+
+std::ostream& ReportStream(const WriteOptions& options)
+{
+    return options.output == StandardStream && !options.dryRun ? std::cerr : std::cout;
+}
+
+bool MayWrite(const std::string& input, const WriteOptions& options,
+              const documents::Diagnostics& messages)
+{
+    if (options.dryRun)
+        return true;
+    const Diagnostics losses = LossesAmong(messages);
+    const bool inPlace = IsSameFile(input, options.output);
+    if (losses.items.empty() || (options.force && (!inPlace || !options.backup.empty())))
+        return true;
+    PrintFirst(input, losses);
+    std::cerr << "; nothing was written. Mend the document ('karmp check' lists all findings), or "
+              << (inPlace ? "name another file as output, with --force, for what could be read; a "
+                            "document with errors is never overwritten without --backup\n"
+                          : "write what could be read with --force\n");
+    return false;
+}
+
+int WriteDocument(const QOBSharedHandle<KARMPWorld>& world, const WriteOptions& options,
+                  documents::SaveOptions save)
+{
+    if (options.dryRun)
+        return Clean;
+    if (!KeepBackup(options))
+        return Unreadable;
+    save.allowLosses = options.force;
+    Diagnostics messages;
+    {
+        const Progress progress("writing " + Printable(std::string_view(options.output)));
+        messages = options.output == StandardStream
+                       ? documents::SaveStream(world, std::cout, save)
+                       : documents::SaveFile(world, options.output, save);
+    }
+    std::erase_if(messages.items, [](const Diagnostic& message) { return !IsTold(message); });
+    PrintMessages(messages, true);
+    if (messages.HasErrors())
+        return Unreadable;
+    return messages.items.empty() ? Clean : Findings;
+}
+
+int ReportLosses(const std::string& input, const WriteOptions& options,
+                 const documents::LoadResult& loaded, const std::wstring& version,
+                 const std::vector<documents::Difference>& losses, const std::string& more)
+{
+    const Diagnostics unread = LossesAmong(loaded.diagnostics);
+    if (options.json) {
+        PrintJsonReport(input, options, unread, version, losses, more);
+    } else {
+        std::ostream& out = ReportStream(options);
+        if (options.dryRun)
+            for (const Diagnostic& message : unread.items)
+                out << Printable(std::string_view(documents::Format(message))) << '\n';
+        if (!losses.empty()) {
+            out << Bold("Version " + Printable(version) + " cannot hold:") << '\n';
+            PrintText(out, losses, true, MaximumDifferences);
+        }
+        if (losses.size() > MaximumDifferences)
+            out << "and more\n";
+    }
+    return loaded.diagnostics.items.empty() && losses.empty() ? Clean : Findings;
+}
+
+std::optional<std::wstring> VersionNamed(const std::wstring& name)
+{
+    const auto& known = documents::KnownVersions();
+    if (std::find(known.begin(), known.end(), name) != known.end())
+        return name;
+    std::cerr << "karmp: unknown version " << Printable(name) << "; known are";
+    for (const std::wstring_view version : known)
+        std::cerr << ' ' << Printable(version);
+    std::cerr << '\n';
+    return std::nullopt;
+}
+
+} // namespace karmp::tool

@@ -1,0 +1,47 @@
+// What the commands that write documents have in common.
+#pragma once
+
+#include "KARMPDocuments.h"
+#include "KARMPWorldDifference.h"
+
+#include <iosfwd>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace karmp::tool {
+
+/// How a document is written.
+struct WriteOptions
+{
+    std::string output;  // standard output when "-"
+    std::string backup;  // ending of the copy of a file that is replaced; no copy when empty
+    bool force = false;  // write what could be read of a document with errors
+    bool dryRun = false; // tell what would be lost, and write nothing
+    bool json = false;   // tell it as JSON
+};
+
+/// Where a command tells of what it does: standard output, unless that takes the document.
+std::ostream& ReportStream(const WriteOptions& options);
+
+/// Whether what was read of `input` may be written. Content of it that was not read would be lost,
+/// which takes `force`, and with the input itself as output a backup besides. Where it may not be
+/// written, what would be lost and the reason are on standard error.
+bool MayWrite(const std::string& input, const WriteOptions& options,
+              const documents::Diagnostics& messages);
+
+/// Writes a world, unless it is a dry run, after a copy of the file that is replaced. Gives an exit
+/// code; what the save tells of, and why nothing was written, is on standard error.
+int WriteDocument(const QOBSharedHandle<KARMPWorld>& world, const WriteOptions& options,
+                  documents::SaveOptions save);
+
+/// Prints what is lost of the input, in a dry run or as JSON, and what the version does not hold.
+/// `more` are further members of the JSON object, each with a comma in front. Gives an exit code.
+int ReportLosses(const std::string& input, const WriteOptions& options,
+                 const documents::LoadResult& loaded, const std::wstring& version,
+                 const std::vector<documents::Difference>& losses, const std::string& more = {});
+
+/// The version of a name; empty, with the known ones on standard error, when there is none.
+std::optional<std::wstring> VersionNamed(const std::wstring& name);
+
+} // namespace karmp::tool
