@@ -77,9 +77,17 @@ protected:
     static Outcome Run(const std::string& arguments, const std::string& before = {},
                        const std::string& input = "/dev/null")
     {
+        return RunShell(before + ' ' + KARMP_TOOL + " <'" + input + "' " + arguments + " 2>&1");
+    }
+    /// The same without standard error.
+    static Outcome RunQuietly(const std::string& arguments)
+    {
+        return RunShell(KARMP_TOOL + (' ' + arguments) + " </dev/null 2>/dev/null");
+    }
+
+    static Outcome RunShell(const std::string& command)
+    {
         Outcome outcome;
-        const std::string command =
-            before + ' ' + KARMP_TOOL + " <'" + input + "' " + arguments + " 2>&1";
         std::FILE* pipe = ::popen(command.c_str(), "r");
         if (pipe == nullptr)
             return outcome;

@@ -1,0 +1,243 @@
+// The rules that all commands keep, each tried on every command.
+#include "JsonText.h"
+#include "ToolFixture.h"
+
+#include <array>
+#include <string>
+#include <vector>
+
+namespace karmp::tool {
+
+namespace {
+
+/// A command: IN stands for its document and OUT for the file that it writes.
+struct Command
+{
+    std::string line;
+    int code = 0;        // for a clean document
+    bool hasJson = true; // prints a listing
+    bool writesDocument = false;
+
+    std::string With(const std::string& input, const std::string& output = {}) const
+    {
+        std::string text = line;
+        for (const auto& [word, file] : {std::pair("IN", input), std::pair("OUT", output)})
+            if (const auto found = text.find(word); found != std::string::npos)
+                text.replace(found, 2 + (word[0] == 'O'), "'" + file + "'");
+        return text;
+    }
+    bool Reads() const { return line.find("IN") != std::string::npos; }
+    bool Writes() const { return line.find("OUT") != std::string::npos; }
+    std::string Name() const { return line.substr(0, line.find(' ')); }
+};
+
+const std::vector<Command>& Commands()
+{
+    static const std::vector<Command> commands{
+        {"info IN"},
+        {"tree IN"},
+        {"check IN"},
+        {"diff IN --reloaded", 1},
+        {"outputs IN"},
+        {"convert IN OUT", 0, true, true},
+        {"extract IN --body Crank Rod --with all -o OUT", 0, true, true},
+        {"graph IN -o OUT --format dot", 0, false},
+        {"schema", 0, false},
+    };
+    return commands;
+}
+
+class CommandRules : public Tool
+{
+protected:
+    CommandRules() : m_document(Write("clean.xml", CleanDocument())) {}
+
+    template <class Rule>
+    static void ForEachCommand(Rule rule)
+    {
+        for (const Command& command : Commands()) {
+            SCOPED_TRACE(command.line);
+            rule(command);
+        }
+    }
+
+    std::string m_document;
+};
+
+TEST_F(CommandRules, AllCommandsAreTried)
+{
+    const std::string help = Run("--help").output;
+    std::size_t count = 0;
+    for (auto line = help.find("Subcommands:"); line != std::string::npos;) {
+        line = help.find("\n  ", line + 1);
+        if (line == std::string::npos || help[line + 3] == ' ')
+            continue;
+        const std::string name = help.substr(line + 3, help.find(' ', line + 3) - line - 3);
+        bool isTried = false;
+        for (const Command& command : Commands())
+            isTried = isTried || command.Name() == name;
+        EXPECT_TRUE(isTried) << name;
+        ++count;
+    }
+    EXPECT_EQ(count, Commands().size());
+}
+
+TEST_F(CommandRules, ADashIsStandardInput)
+{
+    ForEachCommand([this](const Command& command) {
+        if (!command.Reads())
+            return;
+        const Outcome file = Run(command.With(m_document, File("a")));
+        EXPECT_EQ(file.code, command.code) << file.output;
+        const Outcome dash = Run(command.With("-", File("b")), {}, m_document);
+        EXPECT_EQ(dash.code, command.code) << dash.output;
+        if (command.Writes())
+            EXPECT_TRUE(ReadFile(File("a")) == ReadFile(File("b")));
+        else if (command.Name() != "check")
+            EXPECT_EQ(dash.output, file.output);
+    });
+}
+
+TEST_F(CommandRules, ADashIsStandardOutput)
+{
+    ForEachCommand([this](const Command& command) {
+        if (!command.Writes())
+            return;
+        Run(command.With(m_document, File("a")));
+        EXPECT_TRUE(RunQuietly(command.With(m_document, "-")).output == ReadFile(File("a")));
+        EXPECT_FALSE(fs::exists("-"));
+    });
+}
+
+TEST_F(CommandRules, WrongArgumentsEndWith64)
+{
+    ForEachCommand([this](const Command& command) {
+        for (const std::string& line : {command.With(m_document, File("a")) + " --nonsense",
+                                        command.With(m_document, File("a")) + " one two three",
+                                        command.Name() + " --json="}) {
+            const Outcome outcome = Run(line);
+            EXPECT_EQ(outcome.code, 64) << line << '\n' << outcome.output;
+        }
+        EXPECT_FALSE(fs::exists(File("a")));
+    });
+    EXPECT_EQ(Run("tree --family wheels " + m_document).code, 64);
+    EXPECT_EQ(Run("diff - -").code, 64);
+    EXPECT_EQ(Run("graph " + m_document + " -o " + File("a.jpg")).code, 64);
+}
+
+TEST_F(CommandRules, WhatCannotBeReadEndsWith2)
+{
+    const std::array bad{File("missing.xml"), File(""), Write("empty.xml", ""),
+                         Write("none.xml", "no document")};
+    ForEachCommand([&](const Command& command) {
+        if (!command.Reads())
+            return;
+        for (const std::string& file : bad) {
+            const Outcome outcome = Run(command.With(file, File("out")));
+            EXPECT_EQ(outcome.code, 2) << file << '\n' << outcome.output;
+            EXPECT_FALSE(outcome.output.empty());
+        }
+        EXPECT_EQ(Run(command.With("-", File("out"))).code, 2);
+        EXPECT_FALSE(fs::exists(File("out")));
+    });
+}
+
+TEST_F(CommandRules, WhatCannotBeWrittenEndsWith2)
+{
+    ForEachCommand([this](const Command& command) {
+        if (command.Writes()) {
+            for (const std::string output : {"/dev/full", "/nonexistent/out", "/"}) {
+                const Outcome outcome = Run(command.With(m_document, output));
+                EXPECT_EQ(outcome.code, 2) << output << '\n' << outcome.output;
+                ExpectContains(outcome.output, "cannot");
+            }
+        }
+        std::string line = command.With(m_document, "-");
+        // A comparison without differences prints nothing.
+        if (command.Name() == "diff")
+            line += " --json";
+        const Outcome full = Run(line + " >/dev/full");
+        EXPECT_EQ(full.code, 2) << full.output;
+    });
+}
+
+TEST_F(CommandRules, AnOldFileStaysWhenANewOneCannotBeWrittenWhole)
+{
+    ForEachCommand([this](const Command& command) {
+        if (!command.Writes())
+            return;
+        const std::string old = Write("old", "what was there before");
+        const auto before = Files();
+        const Outcome full = Run(command.With(m_document, old), "trap '' XFSZ; ulimit -f 0;");
+        EXPECT_EQ(full.code, 2) << full.output;
+        EXPECT_EQ(ReadFile(old), "what was there before");
+        EXPECT_EQ(Files(), before);
+    });
+}
+
+TEST_F(CommandRules, ListingsAreJsonWhateverTheFileIsCalled)
+{
+    for (const std::string name : {"plain", "a \"b\" \\ c", "bell\aesc\x1b[31m", "new\nline",
+                                   "not \xff utf \xc0\x80 8", "caf\xc3\xa9 \xe2\x82\xac"}) {
+        const std::string input = Write(name + ".xml", CleanDocument());
+        const std::string doubled =
+            Write(name + ".bad.xml", tool::With(CleanDocument(), "id=\"b1\"", "id=\"c1\""));
+        ForEachCommand([&](const Command& command) {
+            if (!command.hasJson)
+                return;
+            for (const std::string& file : {input, doubled}) {
+                const std::string force = command.writesDocument ? " --force" : "";
+                const Outcome outcome =
+                    RunQuietly(command.With(file, File(name + ".out")) + " --json" + force);
+                EXPECT_TRUE(JsonReader::IsJson(outcome.output)) << outcome.output;
+            }
+        });
+    }
+    EXPECT_FALSE(JsonReader::IsJson("{\"a\": \"\x1b\"}"));
+    EXPECT_FALSE(JsonReader::IsJson("[1,]"));
+}
+
+TEST_F(CommandRules, DocumentsWithErrorsAreWrittenWhenForcedOnly)
+{
+    const std::string input =
+        Write("in.xml", tool::With(CleanDocument(), "id=\"b1\"", "id=\"c1\""));
+    ForEachCommand([&](const Command& command) {
+        if (!command.writesDocument)
+            return;
+        const std::string line = command.With(input, File("out.xml"));
+        EXPECT_EQ(Run(line).code, 2);
+        EXPECT_EQ(Run(line + " --dry-run --force").code, 1);
+        EXPECT_EQ(Files(), (std::set<std::string>{"clean.xml", "in.xml"}));
+        EXPECT_EQ(Run(line + " --force").code, 1);
+        EXPECT_EQ(Run(line + " --force --backup").code, 1);
+        EXPECT_TRUE(ReadFile(File("out.xml")) == ReadFile(File("out.xml~")));
+        fs::remove(File("out.xml"));
+        fs::remove(File("out.xml~"));
+    });
+}
+
+TEST_F(CommandRules, NamesOfFamiliesAndClassesGoInAnyCase)
+{
+    const std::string expected = Run("tree --family Joints " + m_document).output;
+    ExpectContains(expected, "Revolute");
+    for (const std::string family : {"joints", "JOINTS", "jOints"})
+        EXPECT_EQ(Run("tree --family " + family + ' ' + m_document).output, expected);
+    for (const std::string name : {"body", "BODY", "karmpbody"})
+        EXPECT_EQ(Run("schema --text " + name).output, Run("schema --text Body").output);
+    EXPECT_EQ(Run("extract " + m_document + " --body Crank --with sEnsors -o " + File("a")).code,
+              0);
+}
+
+TEST_F(CommandRules, HelpTellsOfTheDashAndOfTheExitCodes)
+{
+    ForEachCommand([](const Command& command) {
+        const std::string help = Run(command.Name() + " --help").output;
+        ExpectContains(help, "64 when the");
+        ExpectContains(help, "The file - is standard input");
+        EXPECT_EQ(help.find("--json") != std::string::npos, command.hasJson);
+    });
+}
+
+} // namespace
+
+} // namespace karmp::tool
