@@ -152,7 +152,7 @@ TEST_F(Graph, RefusesAnUnknownEnding)
 {
     for (const std::string name : {"a.gif", "a", "a.svgz"}) {
         const Outcome outcome = Run("graph " + m_document + " -o " + File(name));
-        EXPECT_EQ(outcome.code, 2) << name;
+        EXPECT_EQ(outcome.code, 64) << name;
         ExpectContains(outcome.output, "is none of .dot, .gv, .svg, .png and .pdf");
         EXPECT_FALSE(fs::exists(File(name)));
     }
