@@ -1,11 +1,11 @@
 #include "Commands.h"
 #include "GraphText.h"
 #include "Graphviz.h"
-#include "KARMPWholeFile.h"
 #include "KARMPWorld.h"
 #include "Loading.h"
 #include "NamedBodies.h"
 #include "Output.h"
+#include "Writing.h"
 
 #include <algorithm>
 #include <array>
@@ -75,18 +75,6 @@ std::optional<std::string> GraphBytes(const GraphOptions& options, const std::st
     return DrawPicture(GraphText(world, contents), format, std::chrono::seconds(options.timeLimit));
 }
 
-// To standard output or into a file.
-bool Write(const std::string& output, const std::string& bytes)
-{
-    if (output.empty() || output == StandardStream) {
-        std::cout << bytes;
-        return true;
-    }
-    const auto messages = documents::WriteWholeFile(output, bytes);
-    PrintMessages(messages, true);
-    return !messages.HasErrors();
-}
-
 } // namespace
 
 int RunGraph(const GraphOptions& options)
@@ -106,7 +94,7 @@ int RunGraph(const GraphOptions& options)
     if (!loaded)
         return Unreadable;
     const auto bytes = GraphBytes(options, format, *loaded->world);
-    if (!bytes || !Write(options.output, *bytes))
+    if (!bytes || !WriteText(options.output, *bytes))
         return Unreadable;
     return loaded->diagnostics.items.empty() ? Clean : Findings;
 }

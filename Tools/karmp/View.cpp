@@ -1,10 +1,10 @@
 #include "Commands.h"
-#include "KARMPWholeFile.h"
 #include "KARMPWorld.h"
 #include "Loading.h"
 #include "ViewJson.h"
 #include "ViewPage.h"
 #include "ViewScene.h"
+#include "Writing.h"
 
 #include <filesystem>
 #include <iostream>
@@ -22,13 +22,8 @@ int RunView(const ViewOptions& options)
         return Unreadable;
     const std::string title = std::filesystem::path(options.file).filename().string();
     const std::string page = ViewPage(SceneJson(CollectScene(*loaded->world, title)));
-    if (options.output.empty()) {
-        std::cout << page;
-    } else if (const auto messages = documents::WriteWholeFile(options.output, page);
-               messages.HasErrors()) {
-        PrintMessages(messages, true);
+    if (!WriteText(options.output, page))
         return Unreadable;
-    }
     return loaded->diagnostics.items.empty() ? Clean : Findings;
 }
 

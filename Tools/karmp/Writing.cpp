@@ -172,6 +172,17 @@ int ReportLosses(const std::string& input, const WriteOptions& options,
     return loaded.diagnostics.items.empty() && losses.empty() ? Clean : Findings;
 }
 
+bool WriteText(const std::string& output, const std::string& text)
+{
+    if (output.empty() || output == StandardStream) {
+        std::cout << text;
+        return true;
+    }
+    const auto messages = documents::WriteWholeFile(output, text);
+    PrintMessages(messages, true);
+    return !messages.HasErrors();
+}
+
 std::optional<std::wstring> VersionNamed(const std::wstring& name)
 {
     const auto& known = documents::KnownVersions();

@@ -41,6 +41,10 @@ int ReportLosses(const std::string& input, const WriteOptions& options,
                  const documents::LoadResult& loaded, const std::wstring& version,
                  const std::vector<documents::Difference>& losses, const std::string& more = {});
 
+/// Writes a text to standard output, for an empty name or "-", or into a file as a whole. False,
+/// with the reason on standard error, when it is not written.
+bool WriteText(const std::string& output, const std::string& text);
+
 /// The version of a name; empty, with the known ones on standard error, when there is none.
 std::optional<std::wstring> VersionNamed(const std::wstring& name);
 

@@ -42,6 +42,7 @@ const std::vector<Command>& Commands()
         {"convert IN OUT", 0, true, true},
         {"extract IN --body Crank Rod --with all -o OUT", 0, true, true},
         {"graph IN -o OUT --format dot", 0, false},
+        {"view IN -o OUT", 0, false},
         {"schema", 0, false},
     };
     return commands;
