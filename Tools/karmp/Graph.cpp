@@ -51,7 +51,7 @@ std::optional<std::string> GraphBytes(const GraphOptions& options, const std::st
     GraphContents contents;
     contents.sensors = options.sensors;
     contents.collisions = options.collisions;
-    contents.title = std::filesystem::path(options.file).filename().string();
+    contents.title = TitleOfFile(options.file);
     Bodies around;
     if (!options.around.empty()) {
         around = FindBodies(world, {options.around});

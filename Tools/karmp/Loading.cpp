@@ -111,6 +111,12 @@ std::optional<documents::LoadResult> LoadWorld(const std::string& file)
     return result;
 }
 
+std::string TitleOfFile(const std::string& file)
+{
+    return file == StandardStream ? "standard input"
+                                  : std::filesystem::path(file).filename().string();
+}
+
 bool IsSameFile(const std::string& first, const std::string& second)
 {
     const auto pathOf = [](const std::string& file) {

@@ -25,6 +25,9 @@ documents::LoadResult Load(const std::string& file, const documents::LoadOptions
 /// problems of a partial world is printed on standard error.
 std::optional<documents::LoadResult> LoadWorld(const std::string& file);
 
+/// What a picture of a document is called: the name of the file, without its folder.
+std::string TitleOfFile(const std::string& file);
+
 /// True when both paths refer to one file, also through links and other spellings.
 bool IsSameFile(const std::string& first, const std::string& second);
 

@@ -20,7 +20,7 @@ int RunView(const ViewOptions& options)
     const auto loaded = LoadWorld(options.file);
     if (!loaded)
         return Unreadable;
-    const std::string title = std::filesystem::path(options.file).filename().string();
+    const std::string title = TitleOfFile(options.file);
     const std::string page = ViewPage(SceneJson(CollectScene(*loaded->world, title)));
     if (!WriteText(options.output, page))
         return Unreadable;

@@ -62,6 +62,14 @@ protected:
         }
     }
 
+    // Pictures have the file's name as their title.
+    static std::string WithTitle(std::string text)
+    {
+        while (text.find("clean.xml") != std::string::npos)
+            text = With(text, "clean.xml", "standard input");
+        return text;
+    }
+
     std::string m_document;
 };
 
@@ -93,7 +101,7 @@ TEST_F(CommandRules, ADashIsStandardInput)
         const Outcome dash = Run(command.With("-", File("b")), {}, m_document);
         EXPECT_EQ(dash.code, command.code) << dash.output;
         if (command.Writes())
-            EXPECT_TRUE(ReadFile(File("a")) == ReadFile(File("b")));
+            EXPECT_EQ(WithTitle(ReadFile(File("a"))), ReadFile(File("b")));
         else if (command.Name() != "check")
             EXPECT_EQ(dash.output, file.output);
     });
