@@ -243,8 +243,10 @@ const std::set<std::string> FaultyWhenNew{// They are read by other names than t
                                           "KARMPCone", "KARMPCylinder",
                                           // It has no force yet, which its reader misses.
                                           "KARMPJointForceActuator",
-                                          // They have no stored geometry yet, which theirs miss.
-                                          "KARMPCurve", "KARMPSurface"};
+                                          // They have no stored geometry or scene graph yet, which
+                                          // theirs miss.
+                                          "KARMPCurve", "KARMPSurface", "KARMP3DRep",
+                                          "KARMPShapeBody"};
 
 /// Adds a new entity of a class to its family's list; false for a class without a family.
 bool AddNew(const EntityClass& entityClass, pugi::xml_document& document)
