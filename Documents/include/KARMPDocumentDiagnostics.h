@@ -69,6 +69,10 @@ enum class Code : std::uint8_t {
     UnknownStep,          ///< A step of an analysis case is no analysis step.
     BodyWithoutSketch,    ///< A planar body lies in no sketch.
     SketchWithoutBody,    ///< No body carries the plane of a sketch.
+    UnreadableStream,     ///< A stream of stored geometry or a scene graph cannot be loaded.
+    WrongLength,          ///< The stated length of a stream disagrees with the stream.
+    ShapeWithoutBody,     ///< A shape belongs to no body.
+    RepWithoutMesh,       ///< A scene graph shows no surface of a body.
     LostMaterials,        ///< Materials that the document does not hold.
     FailedCheck,          ///< The entity library reported a failed check.
     InvalidCast,          ///< The entity library failed on a reference of a wrong class.

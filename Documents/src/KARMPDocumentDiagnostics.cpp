@@ -113,6 +113,14 @@ std::string_view CodeText(Code code)
         return "body-without-sketch";
     case Code::SketchWithoutBody:
         return "sketch-without-body";
+    case Code::UnreadableStream:
+        return "unreadable-stream";
+    case Code::WrongLength:
+        return "wrong-length";
+    case Code::ShapeWithoutBody:
+        return "shape-without-body";
+    case Code::RepWithoutMesh:
+        return "rep-without-mesh";
     case Code::LostMaterials:
         return "lost-materials";
     case Code::FailedCheck:

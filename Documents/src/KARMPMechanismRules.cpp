@@ -128,6 +128,12 @@ const std::vector<MechanismRule>& MechanismRule::All()
         {"KARMPAttribute", Run<&R::CheckAttribute>},
         {"KARMPState", Run<&R::CheckStoredValue>},
         {"KARMPOutput", Run<&R::CheckStoredValue>},
+        {"KARMPCurve", Run<&R::CheckCurve>},
+        {"KARMPCurve2D", Run<&R::CheckCurve>},
+        {"KARMPSurface", Run<&R::CheckSurface>},
+        {"KARMPShape", Run<&R::CheckShape>},
+        {"KARMP3DRep", Run<&R::CheckRep>},
+        {"KARMPShapeBody", Run<&R::CheckShapeBody>},
     };
     return rules;
 }

@@ -60,6 +60,13 @@ private:
     void CheckNames(const Node& entity, std::wstring_view list);
     void CheckAttribute(const Node& entity);
     void CheckStoredValue(const Node& entity);
+    void CheckCurve(const Node& entity);
+    void CheckSurface(const Node& entity);
+    /// Tells of the stored object in an element that `below` leads to.
+    void CheckStoredStream(const Node& entity, const Way& below);
+    void CheckShape(const Node& entity);
+    void CheckRep(const Node& entity);
+    void CheckShapeBody(const Node& entity);
     void NoteAttribute(std::uint32_t number, const Node& entity);
     /// Tells that an entity has no link in the element `element`.
     void NeedLink(const Node& entity, std::wstring_view element, Code code, const char* text);

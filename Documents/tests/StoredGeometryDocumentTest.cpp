@@ -136,4 +136,29 @@ TEST_F(StoredGeometryDocument, LetsTheCurvesThatItReadFreeTheirLimitsAndNoOthers
     EXPECT_EQ(m_line->GetRefCount(), 1U);
 }
 
+TEST_F(StoredGeometryDocument, CheckTellsOfStreamsThatHoldNothingAndOfTheirLengths)
+{
+    AddSurface();
+    AddCurve();
+    const auto found = [](const std::string& text) {
+        std::vector<std::string> lines;
+        for (const Diagnostic& item : CheckText(text).items)
+            if (item.code == Code::UnreadableStream || item.code == Code::WrongLength)
+                lines.push_back(std::string(CodeText(item.code)) + " " +
+                                item.path.substr(item.path.rfind('/') + 1));
+        return lines;
+    };
+    using Lines = std::vector<std::string>;
+    const std::string text = Saved();
+    EXPECT_EQ(found(text), Lines{});
+    EXPECT_EQ(found(Damaged("<SurfaceStream")),
+              (Lines{"wrong-length SurfaceStream", "unreadable-stream SurfaceStream"}));
+    EXPECT_EQ(found(Damaged("<CurveStream")),
+              (Lines{"wrong-length CurveStream", "unreadable-stream CurveStream"}));
+    std::string otherLength = text;
+    const std::size_t length = otherLength.find("length=\"", otherLength.find("<CurveStream")) + 8;
+    otherLength.insert(length, "1");
+    EXPECT_EQ(found(otherLength), Lines{"wrong-length CurveStream"});
+}
+
 } // namespace
