@@ -15,7 +15,8 @@ using karmp::documents::Diagnostics;
 using karmp::documents::LoadText;
 using karmp::documents::Severity;
 
-constexpr const char* Things = R"(  <Bodies><Body id="B1"/><Body id="B2"/></Bodies>
+constexpr const char* Things =
+    R"(  <Bodies><Body id="B1"/><Body id="B2"/><Body2D id="P"><Sketch id="K"/></Body2D></Bodies>
   <Joints><Revolute id="J"/></Joints>
   <Variables><Variable id="V"/></Variables>
   <Values>
@@ -147,26 +148,42 @@ TEST(MechanismRules, WantAPlanarBodyForEachPlanarForceAndSensor)
     for (const std::string kind : {"DisplacementSensor2D", "DofSensor2D"})
         ExpectOne("<Sensors><" + kind + " id=\"S\"/></Sensors>", Code::SensorWithoutTarget,
                   "Sensors/" + kind);
-    ExpectNone("<Bodies><Body2D id=\"P\"><Sketch id=\"K\"/></Body2D></Bodies>"
-               "<Geometries><Sketch id=\"K\"><Body id=\"B1\"/></Sketch></Geometries>"
-               "<Sensors><DisplacementSensor2D id=\"S\"><Body2D id=\"P\"/></DisplacementSensor2D>"
+    ExpectNone("<Sensors><DisplacementSensor2D id=\"S\"><Body2D id=\"P\"/></DisplacementSensor2D>"
                "<DofSensor2D id=\"T\"><ConstrainedBody2D id=\"P\"/></DofSensor2D></Sensors>"
                "<Actuators><SpatialForceActuator2D id=\"F\"><Body2D id=\"P\"/>"
                "</SpatialForceActuator2D></Actuators>");
 }
 
+// The document with another planar body, or other joints, than it has otherwise.
+std::string Changed(const std::string& part, const std::string& other)
+{
+    std::string text = Document("<Geometries><Sketch id=\"K\"><Body id=\"B1\"/></Sketch>"
+                                "</Geometries>");
+    return text.replace(text.find(part), part.size(), other);
+}
+
 TEST(MechanismRules, WantAPlaneForEachPlanarBodyAndABodyForEachPlane)
 {
-    ExpectOne("<Bodies><Body2D id=\"P\"/></Bodies>", Code::BodyWithoutSketch, "Bodies/Body2D");
     ExpectOne("<Geometries><Sketch id=\"K\"/></Geometries>", Code::SketchWithoutBody,
               "Geometries/Sketch");
+    ExpectNone("<Geometries><Sketch id=\"K\"><Body id=\"B1\"/></Sketch></Geometries>");
+    const Diagnostics found =
+        CheckText(Changed("<Body2D id=\"P\"><Sketch id=\"K\"/></Body2D>", "<Body2D id=\"P\"/>"));
+    const Diagnostic* const message = found.Find(Code::BodyWithoutSketch);
+    ASSERT_NE(message, nullptr);
+    EXPECT_EQ(message->severity, Severity::Warning);
+    EXPECT_EQ(message->path, "/KARMPDocument/World/Bodies/Body2D");
 }
 
 TEST(MechanismRules, LetNoPlanarJointLinkABodyInSpace)
 {
-    const Diagnostics found =
-        CheckText(Document("<Joints><UserDefined2D id=\"L\"><Bodies2D><Body2D id=\"B1\"/>"
-                           "</Bodies2D></UserDefined2D></Joints>"));
+    const auto check = [](const std::string& body) {
+        return CheckText(
+            Changed("<Revolute id=\"J\"/>", "<UserDefined2D id=\"J\"><Bodies2D><Body2D id=\"" +
+                                                body + "\"/></Bodies2D></UserDefined2D>"));
+    };
+    EXPECT_EQ(check("P").Find(Code::WrongClass), nullptr);
+    const Diagnostics found = check("B1");
     const Diagnostic* const message = found.Find(Code::WrongClass);
     ASSERT_NE(message, nullptr);
     EXPECT_EQ(message->severity, Severity::Error);
