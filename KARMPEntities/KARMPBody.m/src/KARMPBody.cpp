@@ -2,7 +2,6 @@
 
 #include "KARIMPBodyLoader.h"
 #include "KARMPBodyMotion.h"
-#include "KARMPBodyRelease.h"
 #include "KARMPConnector.h"
 #include "KARMPContentWalk.h"
 #include "KARMPDisplacementSensor.h"
@@ -130,16 +129,7 @@ KARMPBody::KARMPBody(const KARMPBody& source, CopyMode mode)
       m_filePath(source.m_filePath)
 {}
 
-KARMPBody::~KARMPBody()
-{
-    if (m_impactedChildren.Count() == 0 && m_children.Count() == 0 && !m_father)
-        return;
-    karmp::BodyRelease release;
-    release.Take(m_impactedChildren);
-    release.Take(m_children);
-    release.Take(m_father);
-    ClearBodies();
-}
+KARMPBody::~KARMPBody() = default;
 
 void KARMPBody::ClearBodies()
 {

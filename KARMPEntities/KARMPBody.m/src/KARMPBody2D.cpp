@@ -2,7 +2,6 @@
 
 #include "KARIMPBody2DLoader.h"
 #include "KARMPBodyMotion.h"
-#include "KARMPBodyRelease.h"
 #include "KARMPContentWalk.h"
 #include "KARMPDisplacementSensor2D.h"
 #include "KARMPGeometry2D.h"
@@ -112,12 +111,7 @@ KARMPBody2D::KARMPBody2D(const KARMPBody2D& source, CopyMode mode)
       m_motion(source.m_motion.Copied())
 {}
 
-KARMPBody2D::~KARMPBody2D()
-{
-    karmp::BodyRelease release;
-    release.Take(m_impactedChildren);
-    m_impactedChildren.Clear();
-}
+KARMPBody2D::~KARMPBody2D() = default;
 
 void KARMPBody2D::ClearContainers()
 {
