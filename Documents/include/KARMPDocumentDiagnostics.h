@@ -73,6 +73,7 @@ enum class Code : std::uint8_t {
     WrongLength,          ///< The stated length of a stream disagrees with the stream.
     ShapeWithoutBody,     ///< A shape belongs to no body.
     RepWithoutMesh,       ///< A scene graph shows no surface of a body.
+    MixedDimensions,      ///< A constraint of a planar joint is about a geometry in space.
     LostMaterials,        ///< Materials that the document does not hold.
     FailedCheck,          ///< The entity library reported a failed check.
     InvalidCast,          ///< The entity library failed on a reference of a wrong class.

@@ -121,6 +121,8 @@ std::string_view CodeText(Code code)
         return "shape-without-body";
     case Code::RepWithoutMesh:
         return "rep-without-mesh";
+    case Code::MixedDimensions:
+        return "mixed-dimensions";
     case Code::LostMaterials:
         return "lost-materials";
     case Code::FailedCheck:

@@ -107,6 +107,7 @@ const std::vector<MechanismRule>& MechanismRule::All()
              all.NeedLink(entity, Body, Code::SketchWithoutBody, "no body carries the plane");
          }},
         {"KARMPConnector", Run<&R::CheckConnector>},
+        {"KARMPConstraint", Run<&R::CheckConstraint>},
         {"KARMPDisplacementSensor", Target<Body>},
         {"KARMPDisplacementSensor2D", Target<Body2D>},
         {"KARMPJointDOFSensor", Target<Joint>},
@@ -150,6 +151,7 @@ void MechanismRules::Note(std::uint32_t number, const Lineage& lineage, const No
         m_steps.insert(number);
     if (Contains(lineage, "KARMPAttribute"))
         NoteAttribute(number, entity);
+    NoteDimensions(number, lineage);
     if (!Contains(lineage, "KARMPConstant") && !Contains(lineage, "KARMPExpression"))
         return;
     // A word, or a number in documents of older versions.
@@ -157,6 +159,16 @@ void MechanismRules::Note(std::uint32_t number, const Lineage& lineage, const No
     const std::wstring text = quantity != nullptr ? TextOf(*quantity) : std::wstring();
     if (text.empty() || text == L"NoPhysicalQuantity" || text == L"0")
         m_valuesWithoutQuantity.insert(number);
+}
+
+void MechanismRules::NoteDimensions(std::uint32_t number, const Lineage& lineage)
+{
+    if (Contains(lineage, "KARMPJoint2D"))
+        m_planarJoints.insert(number);
+    if (!Contains(lineage, "KARMPGeometry") || Contains(lineage, "KARMPGeometry2D"))
+        return;
+    m_spatialGeometries.resize(std::max<std::size_t>(m_spatialGeometries.size(), number + 1));
+    m_spatialGeometries[number] = true;
 }
 
 void MechanismRules::Check(const Lineage& lineage, const Node& entity)
@@ -229,6 +241,20 @@ void MechanismRules::CheckQuantity(const Node& entity, const KARMPDeserializer& 
     if (number && m_valuesWithoutQuantity.contains(*number))
         m_tell(Code::ValueWithoutQuantity, entity, below,
                "the value of " + Quoted(reference.Id()) + " has no physical quantity, so no unit");
+}
+
+void MechanismRules::CheckConstraint(const Node& entity)
+{
+    const KARMPDeserializer* const joint = First(entity, L"Joint");
+    const auto jointNumber = joint != nullptr ? m_identifiers.Of(*joint) : std::nullopt;
+    if (!jointNumber || !m_planarJoints.contains(*jointNumber))
+        return;
+    for (const KARMPDeserializer* item : ItemsOf(entity, L"Geometries")) {
+        const auto number = m_identifiers.Of(*item);
+        if (number && *number < m_spatialGeometries.size() && m_spatialGeometries[*number])
+            m_tell(Code::MixedDimensions, entity, {First(entity, L"Geometries"), item},
+                   "the joint is planar and this geometry lies in space");
+    }
 }
 
 void MechanismRules::CheckDofSensor(const Node& entity)

@@ -49,6 +49,7 @@ private:
     void CheckActuator(const Node& entity);
     void CheckMotor(const Node& entity);
     void CheckConnector(const Node& entity);
+    void CheckConstraint(const Node& entity);
     void CheckDofSensor(const Node& entity);
     void CheckCollisionRule(const Node& entity);
     void CheckCollisionLayer(const Node& entity);
@@ -68,6 +69,7 @@ private:
     void CheckRep(const Node& entity);
     void CheckShapeBody(const Node& entity);
     void NoteAttribute(std::uint32_t number, const Node& entity);
+    void NoteDimensions(std::uint32_t number, const Lineage& lineage);
     /// Tells that an entity has no link in the element `element`.
     void NeedLink(const Node& entity, std::wstring_view element, Code code, const char* text);
     /// Tells of the references, in the entity and in its groups, to values of no quantity.
@@ -79,6 +81,8 @@ private:
     std::unordered_set<std::uint32_t> m_valuesWithoutQuantity;
     std::unordered_set<std::uint32_t> m_layers;
     std::unordered_set<std::uint32_t> m_steps;
+    std::unordered_set<std::uint32_t> m_planarJoints;
+    std::vector<bool> m_spatialGeometries; // by their numbers
     Identifiers m_names;
     std::unordered_map<std::uint32_t, NamedNode> m_attributes;
     /// The first motor of a variable, and the first layer of an entity.

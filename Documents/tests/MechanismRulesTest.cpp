@@ -190,6 +190,28 @@ TEST(MechanismRules, LetNoPlanarJointLinkABodyInSpace)
     EXPECT_EQ(message->path, "/KARMPDocument/World/Joints/UserDefined2D/Bodies2D/Body2D/@id");
 }
 
+TEST(MechanismRules, WantPlanarGeometriesForTheConstraintsOfAPlanarJoint)
+{
+    const auto check = [](const std::string& joint, const std::string& geometry) {
+        std::string text =
+            Document("<Geometries><Point2D id=\"P1\"/><Point id=\"P2\"/></Geometries>"
+                     "<Constraints><Coincidence id=\"C\"><Geometries><Geometry id=\"P1\"/>"
+                     "<Geometry id=\"" +
+                     geometry + "\"/></Geometries><Joint id=\"J\"/></Coincidence></Constraints>");
+        const std::string revolute = "<Revolute id=\"J\"/>";
+        return CheckText(
+            text.replace(text.find(revolute), revolute.size(), "<" + joint + " id=\"J\"/>"));
+    };
+    const Diagnostics found = check("UserDefined2D", "P2");
+    const Diagnostic* const message = found.Find(Code::MixedDimensions);
+    ASSERT_NE(message, nullptr);
+    EXPECT_EQ(message->severity, Severity::Warning);
+    EXPECT_EQ(message->path, "/KARMPDocument/World/Constraints/Coincidence/Geometries/Geometry[2]");
+    for (const char* const other : {"P1", "J", "unknown"})
+        EXPECT_EQ(check("UserDefined2D", other).Find(Code::MixedDimensions), nullptr) << other;
+    EXPECT_EQ(check("Revolute", "P2").Find(Code::MixedDimensions), nullptr);
+}
+
 TEST(MechanismRules, CompareTheNumbersOfADofSensorWithItsLists)
 {
     const auto sensor = [](const std::string& sum, const std::string& number) {
