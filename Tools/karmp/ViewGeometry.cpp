@@ -21,6 +21,8 @@
 #include "KARMPSphere.h"
 #include "KARMPSurface.h"
 #include "KARMPTorus.h"
+#include "ViewConics.h"
+#include "ViewPen.h"
 #include "ViewStored.h"
 
 #include <algorithm>
@@ -31,34 +33,6 @@ namespace karmp::tool {
 namespace {
 
 constexpr double Largest = 1e15; // squares and their sums stay within single precision
-
-/// Collects the numbers of a drawing.
-class Pen
-{
-public:
-    Pen(ViewDrawing& drawing, ViewKind kind) : m_drawing(drawing) { m_drawing.kind = kind; }
-
-    Pen& Add(double number)
-    {
-        m_drawing.numbers.push_back(number);
-        return *this;
-    }
-    template <class Triple>
-    Pen& Add(const Triple& triple)
-    {
-        return Add(triple.GetX()).Add(triple.GetY()).Add(triple.GetZ());
-    }
-    // A null direction makes the drawing invalid.
-    Pen& AddDirection(KARMathVector direction)
-    {
-        return direction.Normalize() ? Add(direction) : Add(std::nan(""));
-    }
-    // So does a length that is none.
-    Pen& AddLength(double length) { return Add(length > 0.0 ? length : std::nan("")); }
-
-private:
-    ViewDrawing& m_drawing;
-};
 
 void Draw(const KARMPPoint& geometry, ViewDrawing& drawing)
 {
@@ -90,106 +64,6 @@ void Draw(const KARMPPlane& geometry, ViewDrawing& drawing)
     KARMathPlane plane;
     geometry.GetPlane(plane);
     Pen(drawing, ViewKind::Plane).Add(plane.GetOrigin()).AddDirection(plane.GetNormal());
-}
-
-// An ellipse by its plane: half axes along the first direction and across it.
-void DrawEllipse(const KARMathPoint& center, KARMathVector first, KARMathVector normal,
-                 double major, double minor, ViewDrawing& drawing)
-{
-    KARMathVector second = normal.Cross(first);
-    const bool isPlane = first.Normalize() && second.Normalize() && major > 0.0 && minor > 0.0;
-    Pen(drawing, ViewKind::Ellipse)
-        .Add(center)
-        .Add(first * major)
-        .Add(isPlane ? second * minor : KARMathVector(std::nan(""), 0.0, 0.0));
-}
-
-void Draw(const KARMPCircle& geometry, ViewDrawing& drawing)
-{
-    KARMathCircle circle;
-    KARMathVector first;
-    KARMathVector second;
-    geometry.GetCircle(circle);
-    circle.GetDirections(first, second);
-    const double radius = circle.GetRadius();
-    DrawEllipse(circle.GetCenter(), first, circle.GetNormal(), radius, radius, drawing);
-}
-
-/// The centre, the direction of the major axis and the normal of a conic.
-struct ConicFrame
-{
-    template <class Conic>
-    explicit ConicFrame(const Conic& geometry)
-    {
-        geometry.GetCenter(center);
-        geometry.GetMajorDirection(first);
-        geometry.GetNormal(normal);
-        second = normal.Cross(first);
-        if (!first.Normalize() || !second.Normalize())
-            center.SetX(std::nan(""));
-    }
-
-    KARMathPoint At(double x, double y) const { return center + first * x + second * y; }
-
-    KARMathPoint center;
-    KARMathDirection first;
-    KARMathDirection normal;
-    KARMathVector second;
-};
-
-void Draw(const KARMPEllipse& geometry, ViewDrawing& drawing)
-{
-    const ConicFrame frame(geometry);
-    double major = 0.0;
-    double minor = 0.0;
-    geometry.GetMajorRadius(major);
-    geometry.GetMinorRadius(minor);
-    DrawEllipse(frame.center, frame.first, frame.normal, major, minor, drawing);
-}
-
-void Draw(const KARMPCirline& geometry, ViewDrawing& drawing)
-{
-    const ConicFrame frame(geometry);
-    double curvature = 0.0;
-    geometry.GetCurvature(curvature);
-    if (curvature == 0.0) {
-        Pen(drawing, ViewKind::Line).Add(frame.center).AddDirection(frame.first);
-        return;
-    }
-    const double radius = 1.0 / std::abs(curvature);
-    DrawEllipse(frame.center, frame.first, frame.normal, radius, radius, drawing);
-}
-
-// The points at parameters from -range to range.
-template <class PointAt>
-void DrawBranch(double range, ViewDrawing& drawing, PointAt pointAt)
-{
-    constexpr int Steps = 24; // to either side
-    Pen pen(drawing, ViewKind::Curve);
-    for (int step = -Steps; step <= Steps; ++step)
-        pen.Add(pointAt(range * step / Steps));
-}
-
-// One branch, that on the side of the major direction.
-void Draw(const KARMPHyperbola& geometry, ViewDrawing& drawing)
-{
-    const ConicFrame frame(geometry);
-    double major = 0.0;
-    double minor = 0.0;
-    geometry.GetMajorRadius(major);
-    geometry.GetMinorRadius(minor);
-    DrawBranch(1.5, drawing,
-               [&](double t) { return frame.At(major * std::cosh(t), minor * std::sinh(t)); });
-}
-
-// Around the vertex, as far as the sides have turned by some 60 degrees.
-void Draw(const KARMPParabola& geometry, ViewDrawing& drawing)
-{
-    const ConicFrame frame(geometry);
-    double curvature = 0.0;
-    geometry.GetCurvature(curvature);
-    DrawBranch(2.0 / std::abs(curvature), drawing,
-               [&](double y) { return frame.At(0.5 * curvature * y * y, y); });
 }
 
 void Draw(const KARMPSphere& geometry, ViewDrawing& drawing)
@@ -316,15 +190,6 @@ void Draw(const KARMPLine2D& geometry, ViewDrawing& drawing)
     Pen(drawing, ViewKind::Line)
         .Add(InSpace(line.GetOrigin()))
         .AddDirection({direction.GetX(), direction.GetY(), 0.0});
-}
-
-void Draw(const KARMPCircle2D& geometry, ViewDrawing& drawing)
-{
-    KARMathPoint2D center;
-    double radius = 0.0;
-    geometry.GetPoint(center);
-    geometry.GetRadius(radius);
-    DrawEllipse(InSpace(center), {1.0, 0.0, 0.0}, {0.0, 0.0, 1.0}, radius, radius, drawing);
 }
 
 void Draw(const KARMPCurve2D& geometry, ViewDrawing& drawing)

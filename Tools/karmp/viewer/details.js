@@ -1,10 +1,5 @@
 // What is told of the selected entity.
 
-// A new element with properties; texts of the document only ever become text.
-function make(name, properties = {}) {
-  return Object.assign(document.createElement(name), properties);
-}
-
 const MostTargets = 40; // of an item, that are listed
 
 function showDetails(element, scene, entity, onChoose) {
