@@ -207,7 +207,8 @@ TEST(ViewScene, PutsPlanarBodiesIntoThePlaneOfTheirSketch)
     MechanismBuilder builder(L"w", {});
     const auto sketch = KARMPSketch::create(L"sketch");
     sketch->SetPlane({{0, 0, 5}, {1, 0, 0}});
-    builder.Attach(sketch, builder.Ground(), L"sketch");
+    const auto carrier = builder.AddBody(L"carrier", {0, 10, 0}, std::acos(0.0));
+    builder.Attach(sketch, carrier, L"sketch");
     const auto body = builder.File<KARMPBody>(KARMPBody2D::create(L"flat"), L"flat");
     body->SetSketch(sketch);
     body->SetPosition(KARMathTransformation2D(KARMathVector2D(2, 3)));
@@ -224,9 +225,10 @@ TEST(ViewScene, PutsPlanarBodiesIntoThePlaneOfTheirSketch)
     KARMathVector first;
     KARMathVector second;
     KARMathPlane({0, 0, 5}, {1, 0, 0}).GetDirections(first, second);
-    const KARMathPoint origin = KARMathPoint(0, 0, 5) + first * 2 + second * 3;
+    const KARMathPoint origin =
+        PositionOf(*carrier) * (KARMathPoint(0, 0, 5) + first * 2 + second * 3);
     ExpectNear(placed().position * KARMathPoint(), origin);
-    ExpectNear(placed().position * KARMathPoint(0, 0, 1), origin + KARMathVector(1, 0, 0));
+    ExpectNear(placed().position * KARMathPoint(0, 0, 1), origin + KARMathVector(0, 1, 0));
     EXPECT_EQ(placed().rods.size(), 1U) << "from the point to the centre of gravity";
     EXPECT_FALSE(placed().isGround);
     body->Set3DPosition(KARMathTransformation(KARMathVector(0, 0, 7)));
