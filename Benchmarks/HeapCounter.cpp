@@ -19,7 +19,27 @@ void* operator new(std::size_t size)
     throw std::bad_alloc();
 }
 
+void* operator new(std::size_t size, std::align_val_t alignment)
+{
+    bytes += size;
+    ++allocations;
+    const auto unit = static_cast<std::size_t>(alignment);
+    if (void* memory = std::aligned_alloc(unit, (size + unit - 1) / unit * unit))
+        return memory;
+    throw std::bad_alloc();
+}
+
 void operator delete(void* memory) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::align_val_t) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t, std::align_val_t) noexcept
 {
     std::free(memory);
 }

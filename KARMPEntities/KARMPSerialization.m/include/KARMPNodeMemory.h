@@ -96,7 +96,6 @@ private:
     static constexpr std::size_t UsualChunk = 1U << 18U;
     static constexpr std::size_t UsualChunkCount = 8;
     static constexpr std::size_t LargeChunk = 1U << 22U;
-    static constexpr std::size_t LargePage = 1U << 21U;
 
     struct Chunk
     {

@@ -1,24 +1,12 @@
 // Arithmetic on counts of references, which costs less in a process with one thread.
 #pragma once
 
+#include "KARSingleThread.h"
+
 #include <atomic>
 #include <cstdint>
 
-#if __has_include(<sys/single_threaded.h>)
-#    include <sys/single_threaded.h>
-#endif
-
 namespace kar {
-
-/// True while the process is known to have no other thread than this one.
-inline bool IsSingleThreaded() noexcept
-{
-#if __has_include(<sys/single_threaded.h>)
-    return __libc_single_threaded != 0;
-#else
-    return false;
-#endif
-}
 
 /// Adds to a count, modulo 2^32, and returns what it was before. Atomic where another thread may
 /// count, too: a locked instruction takes several times as long as a plain one.

@@ -1,12 +1,38 @@
 #include "KARMemoryPool.h"
 
 #include "KARPrefetch.h"
+#include "KARSingleThread.h"
 
 #include <algorithm>
 #include <atomic>
 #include <new>
 
 namespace kar {
+
+namespace {
+
+// Locks a mutex unless there is but one thread, in which a lock is half of an allocation's time.
+class Lock
+{
+public:
+    explicit Lock(std::mutex& mutex) : m_mutex(IsSingleThreaded() ? nullptr : &mutex)
+    {
+        if (m_mutex != nullptr)
+            m_mutex->lock();
+    }
+    Lock(const Lock&) = delete;
+    Lock& operator=(const Lock&) = delete;
+    ~Lock()
+    {
+        if (m_mutex != nullptr)
+            m_mutex->unlock();
+    }
+
+private:
+    std::mutex* m_mutex;
+};
+
+} // namespace
 
 // Lies in a block that was freed.
 struct MemoryPool::FreeBlock
@@ -29,6 +55,7 @@ struct MemoryPool::Chunk
     // It is the memory behind a block's pointer that must be aligned.
     std::byte* FirstBlock() { return reinterpret_cast<std::byte*>(this + 1) + Step - HeaderSize; }
     bool IsFull() const { return free == nullptr && fresh == end; }
+    bool IsPartOfRegion() const { return bytes > LargestChunk; }
 };
 
 MemoryPool::~MemoryPool()
@@ -52,6 +79,8 @@ std::size_t MemoryPool::BlockSize(std::size_t bytes)
 
 std::size_t MemoryPool::GroupOfThread()
 {
+    if (IsSingleThreaded())
+        return 0;
     static std::atomic<std::size_t> threads{0};
     thread_local std::size_t number = 0; // from 1
     if (number == 0)
@@ -70,10 +99,13 @@ MemoryPool::Chunk* MemoryPool::MakeChunk(SizeClass& sizeClass, std::size_t block
     static_assert(Step % __STDCPP_DEFAULT_NEW_ALIGNMENT__ == 0);
     constexpr std::size_t Before = sizeof(Chunk) + Step - HeaderSize;
     static_assert(Before + LargestBlock <= SmallestChunk);
-    const std::size_t space =
-        std::clamp(sizeClass.heldBytes / 2, SmallestChunk, LargestChunk) - Before;
-    const std::size_t bytes = Before + space / blockSize * blockSize;
-    void* const memory = ::operator new(bytes);
+    static_assert(LargestChunk < MemoryRegions::PartSize - LargestBlock);
+    std::size_t space = std::clamp(sizeClass.heldBytes / 2, SmallestChunk, LargestChunk);
+    const bool isPart = m_regions != nullptr && space == LargestChunk;
+    if (isPart)
+        space = MemoryRegions::PartSize;
+    const std::size_t bytes = Before + (space - Before) / blockSize * blockSize;
+    void* const memory = isPart ? m_regions->Allocate() : ::operator new(bytes);
     auto* const chunk = ::new (memory) Chunk;
     chunk->sizeClass = &sizeClass;
     chunk->fresh = chunk->FirstBlock();
@@ -108,7 +140,7 @@ void* MemoryPool::Allocate(std::size_t bytes)
         return ::operator new(bytes);
     const std::size_t blockSize = BlockSize(bytes);
     SizeClass& sizeClass = m_groups[GroupOfThread()][blockSize / Step - 1];
-    const std::lock_guard lock(sizeClass.mutex);
+    const Lock lock(sizeClass.mutex);
     if (sizeClass.open == nullptr)
         Open(sizeClass, MakeChunk(sizeClass, blockSize));
     Chunk* const chunk = sizeClass.open;
@@ -138,7 +170,7 @@ void MemoryPool::Free(void* memory, std::size_t bytes) noexcept
     }
     Chunk* const chunk = ChunkOf(memory);
     SizeClass& sizeClass = *chunk->sizeClass;
-    const std::lock_guard lock(sizeClass.mutex);
+    const Lock lock(sizeClass.mutex);
     if (chunk->IsFull())
         Open(sizeClass, chunk);
     chunk->free = ::new (memory) FreeBlock{chunk->free};
@@ -150,7 +182,10 @@ void MemoryPool::Drop(SizeClass& sizeClass, Chunk* chunk)
 {
     Close(sizeClass, chunk);
     sizeClass.heldBytes -= chunk->bytes;
-    ::operator delete(chunk);
+    if (chunk->IsPartOfRegion())
+        m_regions->Free(chunk);
+    else
+        ::operator delete(chunk);
 }
 
 // A chunk lost its last used block. If it stays, its blocks are fresh: they are then allocated in
@@ -172,7 +207,7 @@ std::size_t MemoryPool::HeldBytes()
     std::size_t bytes = 0;
     for (Group& group : m_groups) {
         for (SizeClass& sizeClass : group) {
-            const std::lock_guard lock(sizeClass.mutex);
+            const Lock lock(sizeClass.mutex);
             bytes += sizeClass.heldBytes;
         }
     }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "KARMemoryRegions.h"
+
 #include <array>
 #include <cstddef>
 #include <mutex>
@@ -12,7 +14,7 @@ namespace kar {
 /// of its size has a free block: so allocating and freeing one block by turns moves no chunks, and
 /// at most one chunk is empty for each size and group of threads. When nothing is in use, that one
 /// is small. A chunk stays as long as one of its blocks is in use. Any thread may free what another
-/// allocated.
+/// allocated. A pool with regions takes its largest chunks from these.
 class MemoryPool
 {
 public:
@@ -24,6 +26,8 @@ public:
     static constexpr std::size_t LargestChunk = 128'000;
 
     constexpr MemoryPool() = default;
+    /// Regions that outlive the pool.
+    explicit constexpr MemoryPool(MemoryRegions& regions) : m_regions(&regions) {}
     /// Frees the empty chunks; what is in use stays valid.
     ~MemoryPool();
     MemoryPool(const MemoryPool&) = delete;
@@ -57,13 +61,14 @@ private:
     static std::size_t BlockSize(std::size_t bytes);
     static std::size_t GroupOfThread();
     static Chunk*& ChunkOf(void* memory);
-    static Chunk* MakeChunk(SizeClass& sizeClass, std::size_t blockSize);
+    Chunk* MakeChunk(SizeClass& sizeClass, std::size_t blockSize);
     static void Open(SizeClass& sizeClass, Chunk* chunk);
     static void Close(SizeClass& sizeClass, Chunk* chunk);
-    static void Drop(SizeClass& sizeClass, Chunk* chunk);
-    static void Tidy(SizeClass& sizeClass, Chunk* chunk);
+    void Drop(SizeClass& sizeClass, Chunk* chunk);
+    void Tidy(SizeClass& sizeClass, Chunk* chunk);
 
     using Group = std::array<SizeClass, LargestBlock / Step>;
+    MemoryRegions* m_regions = nullptr;
     std::array<Group, GroupCount> m_groups;
 };
 

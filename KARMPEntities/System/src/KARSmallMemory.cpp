@@ -33,27 +33,30 @@ void FreeSmall(void* memory, std::size_t) noexcept
 
 namespace {
 
-// The process's pool, there before and after all objects with static storage: these may hold what
-// comes from it.
-union Pool {
-    constexpr Pool() : pool() {}
-    ~Pool() {} // leaves the pool as it is
+// There before and after all objects with static storage: these may hold what comes from it.
+template <class T>
+union Lasting {
+    template <class... Arguments>
+    constexpr explicit Lasting(Arguments&... arguments) : object(arguments...)
+    {}
+    ~Lasting() {} // leaves the object as it is
 
-    MemoryPool pool;
+    T object;
 };
-constinit Pool s_process;
+constinit Lasting<MemoryRegions> s_regions;
+constinit Lasting<MemoryPool> s_pool(s_regions.object);
 
 } // namespace
 
 void* AllocateSmall(std::size_t bytes)
 {
-    return s_process.pool.Allocate(bytes);
+    return s_pool.object.Allocate(bytes);
 }
 
 void FreeSmall(void* memory, std::size_t bytes) noexcept
 {
     if (memory != nullptr)
-        s_process.pool.Free(memory, bytes);
+        s_pool.object.Free(memory, bytes);
 }
 
 #endif
