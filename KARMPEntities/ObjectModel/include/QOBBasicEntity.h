@@ -1,5 +1,6 @@
 #pragma once
 
+#include "KARSharedText.h"
 #include "QOBExtension.h"
 
 #include <cstdint>
@@ -23,7 +24,7 @@ public:
 
     /// Gives the entity a name; names need not be unique.
     void setEntityName(std::wstring name);
-    /// The name given to setEntityName, empty before.
+    /// The name given to setEntityName, empty before; a reference that lasts until the next name.
     const std::wstring& getEntityName(EntityNameMode mode = InternalName,
                                       wchar_t separator = ExternalNameSeparator) const;
 
@@ -54,7 +55,9 @@ public:
 protected:
     QOBBasicEntity() = default;
     /// A copy takes the name; it stands under nothing and has no children.
-    QOBBasicEntity(const QOBBasicEntity& source, CopyMode mode);
+    QOBBasicEntity(const QOBBasicEntity& source, CopyMode)
+        : QOBExtendibleObject(source), m_name(source.m_name)
+    {}
     ~QOBBasicEntity() override;
 
     /// Orphans all that hangs under this entity, whatever its depth, and lets it go.
@@ -75,7 +78,7 @@ private:
     void releaseChildren();
     void compactChildren();
 
-    std::wstring m_name;
+    kar::SharedText m_name;
     QOBBasicEntity* m_parent = nullptr;
     QOBBasicWorld* m_world = nullptr;
     std::unique_ptr<Children> m_children;

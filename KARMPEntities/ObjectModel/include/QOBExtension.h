@@ -26,7 +26,8 @@ public:
 protected:
     using QOBNotificationAgent::QOBNotificationAgent;
     /// A copy has no extensions.
-    QOBExtendibleObject(const QOBExtendibleObject& source);
+    QOBExtendibleObject(const QOBExtendibleObject& source) noexcept : QOBNotificationAgent(source)
+    {}
     ~QOBExtendibleObject() override;
 
     /// Calls orphanObject on every extension.

@@ -74,18 +74,24 @@ public:
 
 protected:
     /// An agent made with false never tells anybody.
-    explicit QOBNotificationAgent(bool notifies = true) noexcept;
+    explicit QOBNotificationAgent(bool notifies = true) noexcept : m_notifies(notifies) {}
     /// A copy has no subscribers.
-    QOBNotificationAgent(const QOBNotificationAgent& source);
+    QOBNotificationAgent(const QOBNotificationAgent& source) noexcept
+        : QOBSharedObject(source), m_notifies(source.m_notifies)
+    {}
     ~QOBNotificationAgent() override;
 
 private:
     friend class QOBNotificationFunctor;
     struct Subscribers;
+    struct KAR_API End
+    {
+        void operator()(Subscribers* subscribers) const noexcept;
+    };
 
     Subscribers& subscribers() const;
 
     bool m_notifies; // first, so that it fits behind the base's last bytes
     // Made on first need: most agents are never watched, and postEvent then costs one test.
-    mutable std::unique_ptr<Subscribers> m_subscribers;
+    mutable std::unique_ptr<Subscribers, End> m_subscribers;
 };

@@ -37,10 +37,6 @@ QOB_DEFINE_CLASS(QOBBasicEntity, QOBExtendibleObject);
 
 const wchar_t QOBBasicEntity::ExternalNameSeparator = L'\\';
 
-QOBBasicEntity::QOBBasicEntity(const QOBBasicEntity& source, CopyMode)
-    : QOBExtendibleObject(source), m_name(source.m_name)
-{}
-
 QOBBasicEntity::~QOBBasicEntity()
 {
     releaseChildren();
@@ -48,12 +44,12 @@ QOBBasicEntity::~QOBBasicEntity()
 
 void QOBBasicEntity::setEntityName(std::wstring name)
 {
-    m_name = std::move(name);
+    m_name.Set(std::move(name));
 }
 
 const std::wstring& QOBBasicEntity::getEntityName(EntityNameMode, wchar_t) const
 {
-    return m_name;
+    return m_name.Get();
 }
 
 QOBSharedHandle<QOBBasicWorld> QOBBasicEntity::getWorld() const

@@ -4,10 +4,6 @@
 
 QOB_DEFINE_CLASS(QOBExtendibleObject, QOBNotificationAgent);
 
-QOBExtendibleObject::QOBExtendibleObject(const QOBExtendibleObject& source)
-    : QOBNotificationAgent(source)
-{}
-
 QOBExtendibleObject::~QOBExtendibleObject()
 {
     if (m_extensions == nullptr)

@@ -67,18 +67,17 @@ void QOBNotificationFunctor::operator()(const Sender& sender, Events events) con
 
 QOB_DEFINE_CLASS(QOBNotificationAgent, QOBSharedObject);
 
-QOBNotificationAgent::QOBNotificationAgent(bool notifies) noexcept : m_notifies(notifies) {}
-
-QOBNotificationAgent::QOBNotificationAgent(const QOBNotificationAgent& source)
-    : QOBSharedObject(source), m_notifies(source.m_notifies)
-{}
-
 QOBNotificationAgent::~QOBNotificationAgent() = default;
+
+void QOBNotificationAgent::End::operator()(Subscribers* subscribers) const noexcept
+{
+    delete subscribers;
+}
 
 QOBNotificationAgent::Subscribers& QOBNotificationAgent::subscribers() const
 {
     if (m_subscribers == nullptr)
-        m_subscribers = std::make_unique<Subscribers>();
+        m_subscribers.reset(new Subscribers);
     return *m_subscribers;
 }
 
