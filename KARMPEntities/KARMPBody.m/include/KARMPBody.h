@@ -282,6 +282,16 @@ private:
     void MoveOneself(const KARMathTransformation& move);
     void TakeNeighbourName();
 
+    /// True when a subclass leaves the links to this class, which may then be read and made
+    /// together.
+    template <class T>
+    static constexpr bool HasFamilyLinks = requires
+    {
+        requires karmp::AreMembersOf<KARMPBody>(&T::AddGeometry, &T::LinkToJoint, &T::LinkToShape,
+                                                &T::GetGeometryCount, &T::GetLinkedJointCount,
+                                                &T::GetLinkedShapeCount);
+    };
+
     KARMPLinkList<KARMPGeometry> m_geometries;
     KARMPLinkList<KARMPJoint> m_joints;
     KARMPLinkList<KARMPShape> m_shapes;

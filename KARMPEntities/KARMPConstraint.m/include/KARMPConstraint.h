@@ -106,6 +106,18 @@ private:
     void WriteParameters(KARMPSerializer* element) const;
     void ReadParameters(const KARMPDeserializer* element);
 
+    /// True when a subclass leaves the links to this class, which may then be read and made
+    /// together.
+    template <class T>
+    static constexpr bool HasFamilyLinks = requires
+    {
+        requires karmp::AreMembersOf<KARMPConstraint>(
+            &T::SetJoint, &T::GetJoint, &T::LinkToGeometry, &T::GetLinkedGeometry,
+            &T::GetLinkedGeometryCount, &T::LinkToVariable, &T::GetLinkedVariable,
+            &T::GetLinkedVariableCount, &T::LinkToSensor, &T::GetLinkedSensor,
+            &T::GetLinkedSensorCount);
+    };
+
     KARMPLink<KARMPJoint> m_joint;
     KARMPLinkList<KARMPGeometry> m_geometries;
     KARMPLinkList<KARMPVariable> m_variables;

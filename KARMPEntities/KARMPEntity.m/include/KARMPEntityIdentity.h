@@ -7,17 +7,27 @@
 #pragma once
 
 #include "KARMPGenericFactory.h"
+#include "QOBBasicEntity.h"
 #include "QOBSharedHandle.h"
 
 #include <string>
 #include <type_traits>
+#include <typeinfo>
 #include <utility>
 
 namespace karmp {
 
 struct Content;
+struct LinkAccess;
 template <class C>
 struct ContentOf;
+
+/// True when pointers to members are all of one class: a subclass overrides none of them.
+template <class C, class... Result, class... Declaring>
+constexpr bool AreMembersOf(Result Declaring::*...)
+{
+    return (std::is_same_v<C, Declaring> && ...);
+}
 
 /// Reaches the constructors of entity classes, which are not public.
 struct EntityAccess
@@ -65,10 +75,32 @@ struct EntityAccess
     {
         return entity.EnsureIdentifier(identifier);
     }
+    /// True when objects of a class are copied by its record's operation: it overrides none of
+    /// those that an object has for this. A class that overloads one counts as one that overrides.
+    template <class T>
+    static constexpr bool IsCopiedByRecord()
+    {
+        return requires
+        {
+            requires AreMembersOf<QOBDynamicObject>(&T::duplicateObject);
+            requires AreMembersOf<QOBBasicEntity>(&T::_duplicateObject);
+        };
+    }
+    /// True when a class leaves the links of its family as they are, which the family tells by
+    /// HasFamilyLinks. Where it does not the links are nobody's concern.
+    template <class T>
+    static constexpr bool HasFamilyLinks()
+    {
+        if constexpr (requires { T::template HasFamilyLinks<T>; })
+            return T::template HasFamilyLinks<T>;
+        else
+            return true;
+    }
     template <class T>
     static QOBClassOperations Operations()
     {
-        return {&Replicate<T>, &Duplicate<T>};
+        return {&Replicate<T>, &Duplicate<T>, IsCopiedByRecord<T>() ? &typeid(T) : nullptr,
+                HasFamilyLinks<T>()};
     }
 };
 
@@ -106,6 +138,7 @@ protected:                                                                      
                                                                                                    \
 private:                                                                                           \
     friend struct karmp::EntityAccess;                                                             \
+    friend struct karmp::LinkAccess;                                                               \
     template <class C>                                                                             \
     friend struct karmp::ContentOf;
 

@@ -6,10 +6,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 
 namespace karmp {
 class HandleIndex;
-}
+class ObjectMap;
+} // namespace karmp
 
 /// An ordered sequence of handles that stays fast when it grows long.
 ///
@@ -35,11 +37,22 @@ public:
     std::size_t Find(const QOBSharedObject* object) const;
     /// The entry at a position below Count().
     const QOBSharedBase& At(std::size_t position) const;
+    /// The entries from a position below Count() on that lie side by side: all of them, or one in a
+    /// sequence that has holes.
+    std::span<const QOBSharedBase> From(std::size_t position) const;
     /// Adds an entry behind the others; a null handle is not added.
     void Append(const QOBSharedBase& handle);
     /// The same for a referent that is known not to be listed. A sequence that grows long this way
     /// gets its index when it is first asked for.
     void AppendNew(QOBSharedBase&& handle);
+    /// Adds what a map gives for each entry of another sequence, known not to be listed; nothing
+    /// for an entry that it does not map.
+    void AppendMapped(const KARMPHandleSequence& source, const karmp::ObjectMap& map);
+    /// Prefetches the entries.
+    void Prefetch() const noexcept;
+    /// Prefetches what AppendMapped is going to count of the objects that a map gives for the
+    /// entries.
+    void PrefetchMapped(const karmp::ObjectMap& map) const noexcept;
     /// Allocates at once what that number of entries takes.
     void Reserve(std::size_t count);
     /// Adds an entry before a position, or behind the others when there are not so many.

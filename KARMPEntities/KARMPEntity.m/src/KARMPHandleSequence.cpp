@@ -1,6 +1,7 @@
 #include "KARMPHandleSequence.h"
 
 #include "KARMPHandleIndex.h"
+#include "KARMPObjectMap.h"
 #include "KARPrefetch.h"
 #include "KARSmallMemory.h"
 
@@ -144,6 +145,13 @@ const QOBSharedBase& KARMPHandleSequence::At(std::size_t position) const
     return Slots()[SlotAt(position)];
 }
 
+std::span<const QOBSharedBase> KARMPHandleSequence::From(std::size_t position) const
+{
+    if (SlotCount() == Count())
+        return {Slots() + position, Count() - position};
+    return {&At(position), 1};
+}
+
 void KARMPHandleSequence::Append(const QOBSharedBase& handle)
 {
     if (!handle)
@@ -164,6 +172,28 @@ void KARMPHandleSequence::AppendNew(QOBSharedBase&& handle)
         m_block->index->Append(Slots(), Count(), handle._getReferent());
     ::new (Slots() + slot) QOBSharedBase(std::move(handle));
     ++m_block->count;
+}
+
+void KARMPHandleSequence::AppendMapped(const KARMPHandleSequence& source,
+                                       const karmp::ObjectMap& map)
+{
+    if (source.Count() == 0)
+        return;
+    Reserve(Count() + source.Count());
+    for (std::size_t slot = 0; slot < source.SlotCount(); ++slot)
+        if (QOBSharedObject* const object = map.Find(source.Slots()[slot]._getReferent()))
+            AppendNew(QOBSharedBase(object));
+}
+
+void KARMPHandleSequence::Prefetch() const noexcept
+{
+    kar::Prefetch(m_block.get(), BlockSize(FirstCapacity));
+}
+
+void KARMPHandleSequence::PrefetchMapped(const karmp::ObjectMap& map) const noexcept
+{
+    for (std::size_t slot = 0; slot < SlotCount(); ++slot)
+        kar::Prefetch(map.Find(Slots()[slot]._getReferent()), sizeof(QOBSharedObject));
 }
 
 void KARMPHandleSequence::Reserve(std::size_t count)

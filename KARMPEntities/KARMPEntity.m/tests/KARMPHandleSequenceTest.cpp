@@ -1,6 +1,7 @@
 #include "KARMPHandleSequence.h"
 #include "AllocationCounter.h"
 #include "KARMPLinkList.h"
+#include "KARMPObjectMap.h"
 #include "KARMPTestFixture.h"
 #include "TestEntity.h"
 
@@ -358,6 +359,55 @@ TEST_F(LinkList, InsertsBeforeAnIndexAndAllowsADuplicate)
     EXPECT_EQ(list.At(0), entities[2]);
     EXPECT_EQ(list.At(1), entities[1]);
     EXPECT_EQ(list.At(3), entities[1]);
+}
+
+// The entries that a sequence gives from a position on, run by run.
+std::vector<QOBSharedBase> RunsOf(const KARMPHandleSequence& sequence)
+{
+    std::vector<QOBSharedBase> entries;
+    while (entries.size() < sequence.Count()) {
+        const auto run = sequence.From(entries.size());
+        EXPECT_FALSE(run.empty());
+        entries.insert(entries.end(), run.begin(), run.end());
+    }
+    return entries;
+}
+
+TEST(HandleSequence, GivesRunsOfEntriesWithAndWithoutHoles)
+{
+    const Entities entities = MakeEntities(200);
+    KARMPHandleSequence sequence;
+    for (const auto& entity : entities)
+        sequence.Append(entity);
+    EXPECT_EQ(sequence.From(3).size(), entities.size() - 3);
+    ExpectSame(sequence, RunsOf(sequence));
+    sequence.Take(20);
+    sequence.Take(150);
+    EXPECT_EQ(sequence.From(60).front(), sequence.At(60));
+    ExpectSame(sequence, RunsOf(sequence));
+}
+
+TEST(HandleSequence, AppendsWhatAMapGivesForTheEntriesOfAnother)
+{
+    const Entities entities = MakeEntities(120);
+    karmp::ObjectMap map;
+    KARMPHandleSequence source;
+    std::vector<QOBSharedBase> expected{entities[0]};
+    for (std::size_t index = 1; index < 100; ++index) {
+        source.Append(entities[index]);
+        if (index % 3 == 0 || index == 50)
+            continue;
+        map.Enter(entities[index].get(), entities[index + 20].get());
+        expected.push_back(entities[index + 20]);
+    }
+    source.Take(49); // a hole at what is not mapped
+    KARMPHandleSequence sequence;
+    sequence.AppendMapped(KARMPHandleSequence(), map);
+    sequence.Append(entities[0]);
+    sequence.AppendMapped(source, map);
+    ExpectSame(sequence, expected);
+    EXPECT_TRUE(sequence.Contains(entities[21].get()));
+    EXPECT_FALSE(sequence.Contains(entities[1].get()));
 }
 
 } // namespace

@@ -70,6 +70,16 @@ protected:
     }
 
 private:
+    /// True when a subclass leaves the links to this class, which may then be read and made
+    /// together.
+    template <class T>
+    static constexpr bool HasFamilyLinks = requires
+    {
+        requires karmp::AreMembersOf<KARMPGeometry>(&T::SetBody, &T::GetBody, &T::LinkToConstraint,
+                                                    &T::GetLinkedConstraint,
+                                                    &T::GetLinkedConstraintCount);
+    };
+
     KARMPLink<KARMPBody> m_body;
     KARMPLinkList<KARMPConstraint> m_linkedConstraints;
 };

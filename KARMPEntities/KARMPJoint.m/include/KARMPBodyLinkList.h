@@ -58,6 +58,19 @@ public:
     }
     /// The bodies without their orientations.
     const KARMPLinkList<Body>& Bodies() const noexcept { return m_bodies; }
+    /// Appends what a function gives for each body of another list, where that is not null, with
+    /// the orientation, without a test for duplicates.
+    template <class Map>
+    void AppendMapped(const KARMPBodyLinkList& source, Map map)
+    {
+        m_orientations.reserve(source.m_orientations.size());
+        for (int index = 0; index < source.Count(); ++index) {
+            if (const QOBSharedHandle<Body> body = map(source.m_bodies.Referent(index))) {
+                m_bodies.Append(body);
+                m_orientations.push_back(source.m_orientations[static_cast<std::size_t>(index)]);
+            }
+        }
+    }
     /// Drops all links.
     void Clear()
     {

@@ -106,6 +106,15 @@ protected:
     ~KARMPJoint() override;
 
 private:
+    /// True when a subclass leaves the links to this class, which may then be read and made
+    /// together.
+    template <class T>
+    static constexpr bool HasFamilyLinks = requires
+    {
+        requires karmp::AreMembersOf<KARMPJoint>(&T::LinkToBody, &T::AddConstraint,
+                                                 &T::GetLinkedBodyCount, &T::GetConstraintCount);
+    };
+
     KARMPLinkList<KARMPConstraint> m_constraints;
     KARMPBodyLinkList<KARMPBody> m_bodies;
     KARMPSolverEquivalentJointType::Enum m_solverEquivalentType = {};

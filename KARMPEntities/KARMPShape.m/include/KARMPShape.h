@@ -45,5 +45,14 @@ protected:
     ~KARMPShape() override;
 
 private:
+    /// True when a subclass leaves the links to this class, which may then be read and made
+    /// together.
+    template <class T>
+    static constexpr bool HasFamilyLinks = requires
+    {
+        requires karmp::AreMembersOf<KARMPShape>(&T::LinkToBody, &T::GetLinkedBody,
+                                                 &T::GetLinkedBodyCount);
+    };
+
     KARMPLinkList<KARMPBody> m_bodies;
 };

@@ -95,6 +95,15 @@ protected:
     ~KARMPVariable() override;
 
 private:
+    /// True when a subclass leaves the links to this class, which may then be read and made
+    /// together.
+    template <class T>
+    static constexpr bool HasFamilyLinks = requires
+    {
+        requires karmp::AreMembersOf<KARMPVariable>(&T::LinkToConstraint, &T::GetLinkedConstraint,
+                                                    &T::GetLinkedConstraintCount);
+    };
+
     double m_value = 0.0;
     double m_minValue = 0.0;
     double m_maxValue = 0.0;

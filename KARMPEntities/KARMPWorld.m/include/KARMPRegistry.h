@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <map>
+#include <span>
 #include <unordered_map>
 #include <utility>
 
@@ -31,6 +32,10 @@ public:
     KARStatus Remove(const QOBSharedBase& entity);
     std::size_t Count() const noexcept { return m_entities.Count(); }
     const QOBSharedBase& At(std::size_t index) const { return m_entities.At(index); }
+    /// The entities from an index below Count() on that lie side by side, at least one.
+    std::span<const QOBSharedBase> From(std::size_t index) const { return m_entities.From(index); }
+    /// True when an entity has keys.
+    bool HasKeys() const noexcept { return !m_keysByEntity.empty(); }
     /// The entities filed under a pair, null when there is none.
     const KARMPHandleSequence* Find(KARBaseUnknown* key1, KARBaseUnknown* key2) const;
     KARStatus GetKeys(const QOBSharedBase& entity, KARBaseUnknown_var& key1,

@@ -1,11 +1,9 @@
 #pragma once
 
 #include "KARMPEntity.h"
-#include "KARMPHandleIndex.h"
-#include "KARPrefetch.h"
+#include "KARMPObjectMap.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstddef>
 #include <iterator>
 #include <vector>
@@ -15,53 +13,79 @@ namespace karmp {
 /// The bytes of an entity that a copy is made of and that hold its links, but for large ones.
 inline constexpr std::size_t CopiedBytes = 384;
 
+class RegistryCore;
+struct PlainKind;
+
+/// An entity of a plain class, and its duplicate.
+struct PlainPair
+{
+    const QOBSharedObject* source;
+    QOBSharedObject* duplicate;
+    const PlainKind* kind;
+};
+
+/// The steps by which the links of an entity are restored.
+enum class LinkStep { PrefetchLists, PrefetchLinked, Make };
+/// Takes a step for an entity of a plain class.
+using RestorePlainLinks = void (*)(LinkStep step, const PlainPair& pair, const ObjectMap& map);
+/// How a clone treats entities of a plain class: one that overrides nothing of what copies them, so
+/// that it can be done without the calls through the entity itself.
+struct PlainKind
+{
+    QOBDuplicateFunction copy;
+    /// The registries of the class's family; null when a filtered clone does not carry it over.
+    const RegistryCore* source;
+    RegistryCore* target;
+    /// False when the links are read and made by operations of the entity that the class overrides.
+    bool hasFamilyLinks;
+    /// Restores the links of a duplicate otherwise; null when those of the family are not restored.
+    RestorePlainLinks restoreLinks;
+};
+
+/// The function for a class; null when its links are not restored.
+RestorePlainLinks PlainLinksOf(const QOBClassInfo& info);
+/// Links the duplicates of entities of plain classes, as the other RestoreLinks does.
+void RestoreLinks(const std::vector<PlainPair>& pairs, const ObjectMap& map);
+
 /// The duplicates of entities, found by their sources. It refers to neither without counting: the
 /// list that is cloned holds the ones, the new world the others.
 class Duplicates
 {
 public:
     /// Prepares for a number of entities.
-    explicit Duplicates(std::size_t count) : m_entries(std::bit_ceil(2 * count + 2)) {}
+    explicit Duplicates(std::size_t count) { m_pairs.reserve(count); }
 
     /// Enters a duplicate in place of an earlier one of the same source.
     void Enter(const QOBSharedObject* source, QOBSharedObject* duplicate)
     {
         m_haveOtherClasses |= &source->getClassInfo() != &duplicate->getClassInfo();
-        m_entries[IndexOf(source)] = {source, duplicate};
+        m_arePlain &= m_map.Enter(source, duplicate);
+    }
+    /// The same where the source is of a plain class.
+    void Enter(const PlainPair& pair)
+    {
+        m_arePlain &= m_map.Enter(pair.source, pair.duplicate) && pair.kind->hasFamilyLinks;
+        m_pairs.push_back(pair);
     }
     /// The duplicate of an entity, null when there is none.
-    QOBSharedObject* Find(const QOBSharedObject* source) const
-    {
-        return m_entries[IndexOf(source)].duplicate;
-    }
-    /// Prefetches what Find is going to read.
-    void Prefetch(const QOBSharedObject* source) const
-    {
-        kar::Prefetch(&m_entries[HandleIndex::HashOf(source) & (m_entries.size() - 1)],
-                      sizeof(Entry));
-    }
+    QOBSharedObject* Find(const QOBSharedObject* source) const { return m_map.Find(source); }
     /// True when a duplicate has another class than its source.
     bool HaveOtherClasses() const { return m_haveOtherClasses; }
 
+    /// Notes a source whose class is not plain.
+    void NoteOther() { m_arePlain = false; }
+    /// True when all sources are of plain classes with their families' links, and none is listed
+    /// twice.
+    bool ArePlain() const { return m_arePlain; }
+    /// The duplicates of plain classes.
+    const std::vector<PlainPair>& Pairs() const { return m_pairs; }
+    const ObjectMap& Map() const { return m_map; }
+
 private:
-    struct Entry
-    {
-        const QOBSharedObject* source = nullptr;
-        QOBSharedObject* duplicate = nullptr;
-    };
-
-    // The entry of a source, or the free one for it; at least half of them are free.
-    std::size_t IndexOf(const QOBSharedObject* source) const
-    {
-        const std::size_t last = m_entries.size() - 1;
-        std::size_t index = HandleIndex::HashOf(source) & last;
-        while (m_entries[index].source != nullptr && m_entries[index].source != source)
-            index = (index + 1) & last;
-        return index;
-    }
-
-    std::vector<Entry> m_entries;
+    ObjectMap m_map;
+    std::vector<PlainPair> m_pairs;
     bool m_haveOtherClasses = false;
+    bool m_arePlain = true;
 };
 
 /// Goes a number of entries ahead of a walk over a list.

@@ -1,11 +1,16 @@
+#include "KARMPAddressOrder.h"
 #include "KARMPAxisSystem.h"
 #include "KARMPDuplicates.h"
 #include "KARMPFailedCheck.h"
 #include "KARMPFunctionOfFamily.h"
+#include "KARMPPlainKinds.h"
 #include "KARMPWorld.h"
+#include "KARPrefetch.h"
 #include "QOBBasicWorld.h"
 
+#include <algorithm>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -26,15 +31,20 @@ QOBSharedBase DuplicateOf(const QOBSharedBase& entity)
         entity._getReferent()->duplicateObject(QOBDynamicObject::CopyShallow));
 }
 
-// An entity is prefetched first, then, by what it holds, its name, which is memory of its own.
+QOBSharedBase CopyOf(const QOBSharedObject& entity, const karmp::PlainKind& kind)
+{
+    return QOBSharedBase::adopt(kind.copy(entity, QOBDynamicObject::CopyShallow));
+}
+
+// An entity is prefetched first, then, by what it holds, its name, which its copy shares.
 void PrefetchEntity(const QOBSharedBase& entity)
 {
     kar::Prefetch(entity._getReferent(), karmp::CopiedBytes);
 }
 void PrefetchName(const QOBSharedBase& entity)
 {
-    const auto* const named = static_cast<const QOBBasicEntity*>(entity._getReferent());
-    kar::Prefetch(named->getEntityName().data(), 1);
+    if (const auto* const named = static_cast<const QOBBasicEntity*>(entity._getReferent()))
+        kar::Prefetch(&named->getEntityName(), 1);
 }
 
 // Throws when an entity is no T.
@@ -78,14 +88,19 @@ private:
         }
     };
 
+    const PlainKind* KindOf(const QOBSharedObject& entity);
+    static void File(const QOBSharedObject& entity, const RegistryCore& source,
+                     RegistryCore& target, QOBSharedBase&& duplicate);
     static QOBSharedObject* Duplicate(const QOBSharedBase& entity, const RegistryCore& source,
                                       RegistryCore& target, Cast check);
-    static void DuplicateAll(const RegistryCore& source, RegistryCore& target, Cast check);
+    void DuplicateAll(const RegistryCore& source, RegistryCore& target, Cast check);
+    bool DuplicateInMemoryOrder(const QOBSharedList<KARMPEntity>& filter, Duplicates& duplicates);
     template <class T>
     static void DuplicateGlobal(const QOBSharedHandle<T>& source, QOBSharedHandle<T>& target);
 
     const KARMPWorld& m_source;
     QOBSharedHandle<KARMPWorld> m_target;
+    PlainKinds m_kinds;
 };
 
 bool WorldCloner::Create()
@@ -112,17 +127,60 @@ void WorldCloner::DuplicateAll()
     });
 }
 
+// How the class of an entity is cloned; null when the entity itself must be asked to copy itself.
+const PlainKind* WorldCloner::KindOf(const QOBSharedObject& entity)
+{
+    return m_kinds.Of(
+        entity,
+        [this](const QOBClassInfo& info) {
+            const QOBClassOperations& operations = info.getOperations();
+            PlainKind kind{operations.duplicate, nullptr, nullptr, operations.hasFamilyLinks,
+                           PlainLinksOf(info)};
+            FilteredFamilies::AnyOf([&](auto family) {
+                using T = typename decltype(family)::Type;
+                if (!info.isDerivedFrom(T::ClassInfo()))
+                    return false;
+                kind.source = &m_source.Registry<T>().Core();
+                kind.target = &m_target->Registry<T>().Core();
+                return true;
+            });
+            return kind;
+        });
+}
+
+// Files the copy of an entity of a plain class, which nobody else refers to, under its keys.
+void WorldCloner::File(const QOBSharedObject& entity, const RegistryCore& source,
+                       RegistryCore& target, QOBSharedBase&& duplicate)
+{
+    KARBaseUnknown_var key1;
+    KARBaseUnknown_var key2;
+    if (source.HasKeys())
+        source.GetKeys(QOBSharedBase(&entity), key1, key2);
+    target.AddNew(key1, key2, std::move(duplicate));
+}
+
 void WorldCloner::DuplicateAll(const RegistryCore& source, RegistryCore& target, Cast check)
 {
+    constexpr std::size_t Ahead = kar::PrefetchDistance;
     target.Reserve(source.Count());
-    for (std::size_t index = 0; index < source.Count(); ++index) {
-        constexpr std::size_t Ahead = kar::PrefetchDistance;
-        if (index + 2 * Ahead < source.Count())
-            PrefetchEntity(source.At(index + 2 * Ahead));
-        if (index + Ahead < source.Count())
-            PrefetchName(source.At(index + Ahead));
-        const QOBSharedBase entity = source.At(index);
-        Duplicate(entity, source, target, check);
+    std::size_t index = 0;
+    while (index < source.Count()) {
+        const std::span<const QOBSharedBase> entities = source.From(index);
+        for (std::size_t next = 0; next < entities.size(); ++next, ++index) {
+            if (next + 2 * Ahead < entities.size())
+                PrefetchEntity(entities[next + 2 * Ahead]);
+            if (next + Ahead < entities.size())
+                PrefetchName(entities[next + Ahead]);
+            const QOBSharedObject& entity = *entities[next]._getReferent();
+            if (const PlainKind* const kind = KindOf(entity)) {
+                File(entity, source, target, CopyOf(entity, *kind));
+                continue;
+            }
+            // The caller's class may change the registry: the walk begins anew behind it.
+            Duplicate(QOBSharedBase(&entity), source, target, check);
+            ++index;
+            break;
+        }
     }
 }
 
@@ -151,21 +209,67 @@ QOBSharedObject* WorldCloner::Duplicate(const QOBSharedBase& entity, const Regis
 
 void WorldCloner::Duplicate(const QOBSharedList<KARMPEntity>& filter, Duplicates& duplicates)
 {
+    if (DuplicateInMemoryOrder(filter, duplicates))
+        return;
     FunctionOfFamily<FilteredFamilies, DuplicateFiltered> functions;
     LookAhead<2 * kar::PrefetchDistance> entities(filter);
     LookAhead<kar::PrefetchDistance> names(filter);
     for (const QOBSharedHandle<KARMPEntity>& entity : filter) {
-        if (const auto* const ahead = entities.Next()) {
+        if (const auto* const ahead = entities.Next())
             PrefetchEntity(*ahead);
-            duplicates.Prefetch(ahead->get());
-        }
-        if (const auto* const ahead = names.Next(); ahead != nullptr && *ahead)
+        if (const auto* const ahead = names.Next())
             PrefetchName(*ahead);
         if (!KARMPVerify(static_cast<bool>(entity)))
             continue;
+        if (const PlainKind* const kind = KindOf(*entity)) {
+            if (kind->target == nullptr)
+                continue;
+            QOBSharedBase copy = CopyOf(*entity, *kind);
+            duplicates.Enter({entity.get(), copy._getReferent(), kind});
+            File(*entity, *kind->source, *kind->target, std::move(copy));
+            continue;
+        }
+        duplicates.NoteOther();
         if (const DuplicateFiltered duplicate = functions.Of<DuplicateAs>(entity.getClassInfo()))
             duplicate(*this, entity, duplicates);
     }
+}
+
+// The same for entities of plain classes alone that are listed in quite another order than they lie
+// in memory: they are copied in that one, and filed in the list's. False, with nothing done, for
+// other lists.
+bool WorldCloner::DuplicateInMemoryOrder(const QOBSharedList<KARMPEntity>& filter,
+                                         Duplicates& duplicates)
+{
+    if (filter.size() < AddressOrder::Few)
+        return false;
+    std::vector<const QOBSharedObject*> sources;
+    sources.reserve(filter.size());
+    for (const QOBSharedHandle<KARMPEntity>& entity : filter)
+        sources.push_back(entity.get());
+    const AddressOrder::Indexes order = AddressOrder::Of(sources);
+    if (order.empty() || !std::all_of(order.begin(), order.end(), [&](std::uint32_t index) {
+            return sources[index] != nullptr && KindOf(*sources[index]) != nullptr;
+        }))
+        return false;
+
+    struct Copy
+    {
+        QOBSharedBase duplicate;
+        const PlainKind* kind = nullptr;
+    };
+    std::vector<Copy> copies(sources.size());
+    for (const std::uint32_t index : order) {
+        const PlainKind* const kind = KindOf(*sources[index]);
+        if (kind->target == nullptr)
+            continue;
+        copies[index] = {CopyOf(*sources[index], *kind), kind};
+        duplicates.Enter({sources[index], copies[index].duplicate._getReferent(), kind});
+    }
+    for (std::size_t index = 0; index < copies.size(); ++index)
+        if (const PlainKind* const kind = copies[index].kind)
+            File(*sources[index], *kind->source, *kind->target, std::move(copies[index].duplicate));
+    return true;
 }
 
 void WorldCloner::DuplicateGlobals()

@@ -6,8 +6,12 @@
 #include "KARMPFunctionOfFamily.h"
 #include "KARMPGeometry2D.h"
 #include "KARMPJoint2D.h"
+#include "KARMPPlainKinds.h"
 #include "KARMPShape2D.h"
 #include "KARMPSketch.h"
+#include "KARPrefetch.h"
+
+#include <array>
 
 namespace {
 
@@ -222,8 +226,6 @@ struct CollectAs
 // so that each step prefetches for the next one.
 void Make(Links& links, const Duplicates& duplicates)
 {
-    for (const Link& link : links)
-        duplicates.Prefetch(link.related);
     for (Link& link : links) {
         link.related = duplicates.Find(link.related);
         kar::Prefetch(link.related, sizeof(QOBSharedObject));
@@ -236,19 +238,172 @@ void Make(Links& links, const Duplicates& duplicates)
 
 } // namespace
 
+// Does a step of what restores the links of an entity, at its own members. What VisitLinks names
+// are the links that Collect names of the same class.
+struct karmp::LinkAccess
+{
+    template <class T>
+    struct As
+    {
+        static void Call(LinkStep step, const PlainPair& pair, const ObjectMap& map)
+        {
+            const auto& source = static_cast<const T&>(*pair.source);
+            switch (step) {
+            case LinkStep::PrefetchLists:
+                VisitLinks(source, source, [](const auto& links, const auto&) { Prefetch(links); });
+                break;
+            case LinkStep::PrefetchLinked:
+                VisitLinks(source, source,
+                           [&map](const auto& links, const auto&) { PrefetchMapped(links, map); });
+                break;
+            case LinkStep::Make:
+                VisitLinks(source, static_cast<T&>(*pair.duplicate),
+                           [&map](const auto& links, auto& made) { Make(links, made, map); });
+                break;
+            }
+        }
+    };
+
+    // Prefetches the links of an entity, which stand behind its base.
+    static void PrefetchMembers(const QOBSharedObject* entity)
+    {
+        constexpr std::size_t LinkBytes = 80;
+        kar::Prefetch(static_cast<const KARMPEntity*>(entity) + 1, LinkBytes);
+    }
+
+private:
+    template <class Duplicate, class Visit>
+    static void VisitLinks(const KARMPJoint& source, Duplicate& duplicate, Visit visit)
+    {
+        visit(source.m_bodies, duplicate.m_bodies);
+        visit(source.m_constraints, duplicate.m_constraints);
+    }
+    template <class Duplicate, class Visit>
+    static void VisitLinks(const KARMPBody& source, Duplicate& duplicate, Visit visit)
+    {
+        visit(source.m_geometries, duplicate.m_geometries);
+        visit(source.m_joints, duplicate.m_joints);
+        visit(source.m_displacementSensor, duplicate.m_displacementSensor);
+        visit(source.m_shapes, duplicate.m_shapes);
+    }
+    template <class Duplicate, class Visit>
+    static void VisitLinks(const KARMPConstraint& source, Duplicate& duplicate, Visit visit)
+    {
+        visit(source.m_geometries, duplicate.m_geometries);
+        visit(source.m_joint, duplicate.m_joint);
+        visit(source.m_variables, duplicate.m_variables);
+        visit(source.m_sensors, duplicate.m_sensors);
+    }
+    template <class Duplicate, class Visit>
+    static void VisitLinks(const KARMPVariable& source, Duplicate& duplicate, Visit visit)
+    {
+        visit(source.m_constraints, duplicate.m_constraints);
+    }
+    template <class Duplicate, class Visit>
+    static void VisitLinks(const KARMPGeometry& source, Duplicate& duplicate, Visit visit)
+    {
+        visit(source.m_body, duplicate.m_body);
+        visit(source.m_linkedConstraints, duplicate.m_linkedConstraints);
+    }
+    template <class Duplicate, class Visit>
+    static void VisitLinks(const KARMPShape& source, Duplicate& duplicate, Visit visit)
+    {
+        visit(source.m_bodies, duplicate.m_bodies);
+    }
+
+    template <class T>
+    static void Prefetch(const KARMPLinkList<T>& links)
+    {
+        links.Prefetch();
+    }
+    static void Prefetch(const KARMPBodyLinkList<KARMPBody>& links) { links.Bodies().Prefetch(); }
+    template <class T>
+    static void Prefetch(const KARMPLink<T>&)
+    {}
+
+    template <class T>
+    static void PrefetchMapped(const KARMPLinkList<T>& links, const ObjectMap& map)
+    {
+        links.PrefetchMapped(map);
+    }
+    static void PrefetchMapped(const KARMPBodyLinkList<KARMPBody>& links, const ObjectMap& map)
+    {
+        links.Bodies().PrefetchMapped(map);
+    }
+    template <class T>
+    static void PrefetchMapped(const KARMPLink<T>& link, const ObjectMap& map)
+    {
+        if (link)
+            kar::Prefetch(map.Find(link.Handle()._getReferent()), sizeof(QOBSharedObject));
+    }
+
+    template <class T>
+    static void Make(const KARMPLinkList<T>& links, KARMPLinkList<T>& made, const ObjectMap& map)
+    {
+        made.AppendMapped(links, map);
+    }
+    static void Make(const KARMPBodyLinkList<KARMPBody>& links, KARMPBodyLinkList<KARMPBody>& made,
+                     const ObjectMap& map)
+    {
+        made.AppendMapped(
+            links, [&map](const QOBSharedObject* body) { return Mapped<KARMPBody>(body, map); });
+    }
+    template <class T>
+    static void Make(const KARMPLink<T>& link, KARMPLink<T>& made, const ObjectMap& map)
+    {
+        if (link)
+            made.Assign(Mapped<T>(link.Handle()._getReferent(), map));
+    }
+    template <class T>
+    static QOBSharedHandle<T> Mapped(const QOBSharedObject* object, const ObjectMap& map)
+    {
+        return QOBSharedHandle<T>::unchecked(QOBSharedBase(map.Find(object)));
+    }
+};
+
+karmp::RestorePlainLinks karmp::PlainLinksOf(const QOBClassInfo& info)
+{
+    using SpatialFamilies = FamilyList<KARMPJoint, KARMPBody, KARMPConstraint, KARMPVariable,
+                                       KARMPGeometry, KARMPShape>;
+    FunctionOfFamily<SpatialFamilies, RestorePlainLinks> functions;
+    return functions.Of<LinkAccess::As>(info);
+}
+
+// What a link touches lies anywhere in memory. So each step prefetches for the next one, which the
+// entity takes when the walk is some entities further on.
+void karmp::RestoreLinks(const std::vector<PlainPair>& pairs, const ObjectMap& map)
+{
+    constexpr std::size_t Behind = kar::PrefetchDistance;
+    constexpr std::array Steps{LinkStep::PrefetchLists, LinkStep::PrefetchLinked, LinkStep::Make};
+    for (std::size_t ahead = 0; ahead < pairs.size() + Steps.size() * Behind; ++ahead) {
+        if (ahead < pairs.size()) {
+            LinkAccess::PrefetchMembers(pairs[ahead].source);
+            LinkAccess::PrefetchMembers(pairs[ahead].duplicate);
+        }
+        std::size_t index = ahead;
+        for (const LinkStep step : Steps) {
+            index -= Behind;
+            if (index < pairs.size() && pairs[index].kind->restoreLinks != nullptr)
+                pairs[index].kind->restoreLinks(step, pairs[index], map);
+        }
+    }
+}
+
 void karmp::RestoreLinks(const QOBSharedList<KARMPEntity>& sources, const Duplicates& duplicates)
 {
     using CollectLinks =
         void (*)(const QOBSharedObject* source, QOBSharedObject* duplicate, Links& links);
     constexpr std::size_t LinksAtOnce = 64;
+    if (duplicates.ArePlain()) {
+        RestoreLinks(duplicates.Pairs(), duplicates.Map());
+        return;
+    }
     FunctionOfFamily<LinkingFamilies, CollectLinks> functions;
     LookAhead<kar::PrefetchDistance> ahead(sources);
     Links links;
     for (const QOBSharedHandle<KARMPEntity>& source : sources) {
-        if (const auto* const next = ahead.Next()) {
+        if (const auto* const next = ahead.Next())
             kar::Prefetch(next->get(), CopiedBytes);
-            duplicates.Prefetch(next->get());
-        }
         QOBSharedObject* const duplicate = duplicates.Find(source.get());
         if (duplicate == nullptr)
             continue;

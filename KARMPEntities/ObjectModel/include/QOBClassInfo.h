@@ -18,6 +18,13 @@ struct QOBClassOperations
 {
     QOBCreateFunction replicate = nullptr;
     QOBDuplicateFunction duplicate = nullptr;
+    /// The class itself, when its objects are copied by nothing but `duplicate`, so that this may
+    /// be called in place of an object's own operations; null when it overrides one of these. An
+    /// object of another type belongs to a subclass without a record.
+    const std::type_info* copiedClass = nullptr;
+    /// True when the class has the links that its family has and no others, and overrides nothing
+    /// that reads and makes them, so that they may be read and made together.
+    bool hasFamilyLinks = false;
 };
 
 /// Run-time record of a class: its plain name, its size and its parent.
