@@ -6,6 +6,7 @@
 #include "KARMPExport.h"
 #include "KARMPLink.h"
 #include "KARMPLinkList.h"
+#include "KARMPRareText.h"
 #include "KARStatus.h"
 #include "KARString.h"
 #include "QOBBasicEntity.h"
@@ -173,7 +174,7 @@ public:
     KARStatus SetParentEntity(const QOBSharedHandle<KARMPEntity>& parent);
 
     /// Free text of the modelling application, not the identifier.
-    KARString GetID() const { return m_id != nullptr ? *m_id : KARString(); }
+    KARString GetID() const { return m_id.Get(); }
     /// Stores the text.
     KARStatus SetID(const KARString& id);
     /// Borrowed unique value of the modelling application.
@@ -198,10 +199,7 @@ public:
 private:
     friend class karmp::AttributeIndex;
 
-    std::string_view IDText() const
-    {
-        return m_id != nullptr ? std::string_view(m_id->Text()) : std::string_view();
-    }
+    std::string_view IDText() const { return m_id.View(); }
     KARStatus GenerateID(std::wstring& identifier) const;
     KARStatus GenerateID2(std::wstring& identifier) const;
     KARStatus EnsureIdentifier(const std::wstring*& identifier) const;
@@ -221,6 +219,6 @@ private:
     KARMPAttributeList<KARMPState> m_states;
     KARMPAttributeList<KARMPOutput> m_outputs;
     KARMPLinkList<KARMPEntity> m_aggregatedElements;
-    std::unique_ptr<const KARString> m_id; // null when empty, as mostly
-    const KARUuid* m_uniqueId = nullptr;   // borrowed
+    karmp::RareText m_id;
+    const KARUuid* m_uniqueId = nullptr; // borrowed
 };

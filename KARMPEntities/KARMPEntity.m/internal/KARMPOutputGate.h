@@ -2,7 +2,8 @@
 #pragma once
 
 #include "KARProcessServices.h"
-#include "KARString.h"
+
+#include <string_view>
 
 namespace karmp {
 
@@ -14,7 +15,7 @@ inline bool AreOutputsLeftOut()
 
 /// True when what belongs to an owner is neither written nor read: the owner word says that it is a
 /// result, and results are left out.
-inline bool IsOutputLeftOut(const KARString& owner)
+inline bool IsOutputLeftOut(std::string_view owner)
 {
     return owner == "Output" && AreOutputsLeftOut();
 }

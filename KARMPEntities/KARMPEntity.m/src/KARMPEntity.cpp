@@ -57,7 +57,7 @@ struct karmp::ContentOf<KARMPEntity>
         else
             entity.Deactivate();
     }
-    static bool HasApplicationID(const C& entity) { return entity.m_id != nullptr; }
+    static bool HasApplicationID(const C& entity) { return !entity.m_id.IsEmpty(); }
     // Decided once a process for writing, each time anew for reading.
     static bool AreOutputsWritten(const C&)
     {
@@ -105,7 +105,7 @@ KARMPEntity::KARMPEntity(const KARMPEntity& source, CopyMode mode)
       m_modelObject(source.m_modelObject),
       m_visuObject(source.m_visuObject),
       m_parentEntity(source.m_parentEntity),
-      m_id(source.m_id != nullptr ? std::make_unique<const KARString>(*source.m_id) : nullptr),
+      m_id(source.m_id),
       m_uniqueId(source.m_uniqueId)
 {
     if (m_modelObject != nullptr)
@@ -296,7 +296,7 @@ KARStatus KARMPEntity::SetID(const KARString& id)
         karmp::AttributeIndex::Outdate();
         m_isIndexed = false;
     }
-    m_id = id.IsEmpty() ? nullptr : std::make_unique<const KARString>(id);
+    m_id = id;
     return KARSuccess;
 }
 

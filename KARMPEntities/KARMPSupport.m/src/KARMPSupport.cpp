@@ -30,5 +30,5 @@ void KARMPSupport::ClearContainers()
 
 bool KARMPSupport::IsLeftOut() const
 {
-    return karmp::IsOutputLeftOut(m_owner);
+    return karmp::IsOutputLeftOut(m_owner.Text());
 }

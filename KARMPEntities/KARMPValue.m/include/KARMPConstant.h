@@ -34,7 +34,7 @@ public:
     }
 
     /// True unless the type word is "int".
-    bool IsDouble() const { return m_type != "int"; }
+    bool IsDouble() const { return m_type.View() != "int"; }
 
 protected:
     KARMPConstant();
@@ -43,5 +43,5 @@ protected:
 
 private:
     double m_value = 0.0;
-    KARString m_type;
+    karmp::RareText m_type;
 };

@@ -40,6 +40,6 @@ protected:
     ~KARMPValue() override;
 
 private:
-    KARString m_owner;
+    karmp::RareText m_owner;
     KARMPPhysicalQuantity::Enum m_physicalQuantity = KARMPPhysicalQuantity::NoPhysicalQuantity;
 };

@@ -67,7 +67,7 @@ KARStatus KARMPValue::GetPhysicalQuantity(KARMPPhysicalQuantity::Enum& quantity)
 
 bool KARMPValue::IsLeftOut() const
 {
-    return karmp::IsOutputLeftOut(m_owner);
+    return karmp::IsOutputLeftOut(m_owner.View());
 }
 
 KARStatus KARMPValue::Serialize(KARMPSerializer* serializer) const
