@@ -6,12 +6,14 @@
 #include "KARMPElementWriter.h"
 #include "KARMPEntityServices.h"
 #include "KARMPFrames.h"
+#include "KARMPLinkPrefetch.h"
 #include "KARMPLoaderAccess.h"
 #include "KARMPSerializationServices.h"
 #include "KARMPValue.h"
 #include "KARMPVariable.h"
 
 #include <algorithm>
+#include <tuple>
 
 KARMP_DEFINE_ENTITY(KARMPMotor, "93D94421-11AE-459b-8A24-58677A143A43");
 
@@ -97,7 +99,10 @@ KARMPMotor::KARMPMotor() = default;
 KARMPMotor::KARMPMotor(const KARMPMotor& source, CopyMode mode)
     : Super(source, mode), m_targetType(source.m_targetType)
 {}
-KARMPMotor::~KARMPMotor() = default;
+KARMPMotor::~KARMPMotor()
+{
+    std::apply([](const auto&... links) { karmp::PrefetchLinked(links...); }, m_values);
+}
 
 void KARMPMotor::ClearContainers()
 {

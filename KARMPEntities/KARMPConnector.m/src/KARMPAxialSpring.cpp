@@ -3,6 +3,7 @@
 #include "KARIMPAxialSpringLoader.h"
 #include "KARMPContentWalk.h"
 #include "KARMPFrames.h"
+#include "KARMPLinkPrefetch.h"
 #include "KARMPLoaderAccess.h"
 #include "KARMPValue.h"
 
@@ -31,7 +32,10 @@ KARMPAxialSpring::KARMPAxialSpring() = default;
 KARMPAxialSpring::KARMPAxialSpring(const KARMPAxialSpring& source, CopyMode mode)
     : Super(source, mode), m_behavior(source.m_behavior)
 {}
-KARMPAxialSpring::~KARMPAxialSpring() = default;
+KARMPAxialSpring::~KARMPAxialSpring()
+{
+    karmp::PrefetchLinked(m_restLength, m_stiffness, m_damping, m_actuatorForce);
+}
 
 KARStatus KARMPAxialSpring::GetLoader(KARIMPAxialSpringLoader*& loader) const
 {

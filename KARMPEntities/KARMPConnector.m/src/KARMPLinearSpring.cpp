@@ -2,6 +2,7 @@
 
 #include "KARIMPLinearSpringLoader.h"
 #include "KARMPFrames.h"
+#include "KARMPLinkPrefetch.h"
 #include "KARMPLoaderAccess.h"
 #include "KARMPSpringValues.h"
 
@@ -32,7 +33,10 @@ KARMPLinearSpring::KARMPLinearSpring(const KARMPLinearSpring& source, CopyMode m
       m_secondAttachment(source.m_secondAttachment),
       m_behavior(source.m_behavior)
 {}
-KARMPLinearSpring::~KARMPLinearSpring() = default;
+KARMPLinearSpring::~KARMPLinearSpring()
+{
+    karmp::PrefetchLinked(m_stiffness, m_restLength, m_dampingCoefficient);
+}
 
 KARStatus KARMPLinearSpring::GetLoader(KARIMPLinearSpringLoader*& loader) const
 {

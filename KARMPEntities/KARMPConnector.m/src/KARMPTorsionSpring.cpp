@@ -2,6 +2,7 @@
 
 #include "KARIMPTorsionSpringLoader.h"
 #include "KARMPFrames.h"
+#include "KARMPLinkPrefetch.h"
 #include "KARMPLoaderAccess.h"
 #include "KARMPSpringValues.h"
 
@@ -33,7 +34,10 @@ KARMPTorsionSpring::KARMPTorsionSpring(const KARMPTorsionSpring& source, CopyMod
       m_secondAttachment(source.m_secondAttachment),
       m_behavior(source.m_behavior)
 {}
-KARMPTorsionSpring::~KARMPTorsionSpring() = default;
+KARMPTorsionSpring::~KARMPTorsionSpring()
+{
+    karmp::PrefetchLinked(m_stiffness, m_restAngle, m_dampingCoefficient);
+}
 
 KARStatus KARMPTorsionSpring::GetLoader(KARIMPTorsionSpringLoader*& loader) const
 {

@@ -25,6 +25,20 @@ void* AllocateBlock(std::size_t bytes)
     return bytes <= LargestOfMany ? kar::AllocateSmall(bytes) : ::operator new(bytes);
 }
 
+// Prefetches what the release of handles in a row touches: far ahead the counts alone, nearer the
+// whole of each referent whose last handle is among them.
+void PrefetchReleased(const QOBSharedBase* slots, std::size_t slot, std::size_t count) noexcept
+{
+    if (slot + kar::FarPrefetchDistance < count)
+        kar::Prefetch(slots[slot + kar::FarPrefetchDistance]._getReferent(),
+                      sizeof(QOBSharedObject));
+    if (slot + kar::PrefetchDistance < count) {
+        const QOBSharedObject* const next = slots[slot + kar::PrefetchDistance]._getReferent();
+        if (next != nullptr && next->getReferenceCount() == 1)
+            kar::Prefetch(next, kar::PrefetchedBytes);
+    }
+}
+
 void FreeBlock(void* block, std::size_t bytes) noexcept
 {
     if (bytes <= LargestOfMany)
@@ -92,9 +106,7 @@ void KARMPHandleSequence::End::operator()(Block* block) const noexcept
 {
     const std::size_t count = SlotCount(block);
     for (std::size_t slot = 0; slot < count; ++slot) {
-        if (slot + kar::PrefetchDistance < count)
-            kar::Prefetch(Slots(block)[slot + kar::PrefetchDistance]._getReferent(),
-                          kar::PrefetchedBytes);
+        PrefetchReleased(Slots(block), slot, count);
         std::destroy_at(Slots(block) + slot);
     }
     delete block->index;

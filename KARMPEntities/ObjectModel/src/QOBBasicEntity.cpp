@@ -25,8 +25,8 @@ void ForEachChild(const Slots& slots, Visit visit)
 void Release(Slots& slots)
 {
     for (std::size_t slot = 0; slot < slots.size(); ++slot) {
-        if (slot + kar::PrefetchDistance < slots.size())
-            kar::Prefetch(slots[slot + kar::PrefetchDistance].get(), sizeof(QOBSharedObject));
+        if (slot + kar::FarPrefetchDistance < slots.size())
+            kar::Prefetch(slots[slot + kar::FarPrefetchDistance].get(), sizeof(QOBSharedObject));
         slots[slot].detach();
     }
 }

@@ -7,6 +7,8 @@ namespace kar {
 
 /// How many objects ahead a walk prefetches.
 inline constexpr std::size_t PrefetchDistance = 6;
+/// The same for a walk that does little with most of its objects.
+inline constexpr std::size_t FarPrefetchDistance = 4 * PrefetchDistance;
 /// The bytes of an object that its links and its destruction touch first.
 inline constexpr std::size_t PrefetchedBytes = 256;
 
