@@ -56,18 +56,24 @@ bool AreRecord(std::span<const T> elements)
     return true;
 }
 
-/// The element of a name, null when there is none.
+/// The element of a name in a list without an index, null when there is none.
 template <class T>
-const T* FindNamed(const NodeArray<T>& list, const NameIndex* index, std::wstring_view name)
+const T* ScanNamed(const NodeArray<T>& list, std::wstring_view name)
 {
-    if (index != nullptr) {
-        const auto found = index->indices.find(name);
-        return found != index->indices.end() ? &list[found->second] : nullptr;
-    }
     for (const T& element : list)
         if (SameName(NameOf(element), name))
             return &element;
     return nullptr;
+}
+
+/// The same in a list that may have an index.
+template <class T>
+const T* FindNamed(const NodeArray<T>& list, const NameIndex* index, std::wstring_view name)
+{
+    if (index == nullptr)
+        return ScanNamed(list, name);
+    const auto found = index->indices.find(name);
+    return found != index->indices.end() ? &list[found->second] : nullptr;
 }
 
 /// Adds the name of the element that is appended to `list` next to the index, once the list is

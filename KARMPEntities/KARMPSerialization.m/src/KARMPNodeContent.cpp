@@ -73,6 +73,16 @@ void NodeContent::Append(ReadAttribute&& attribute, NodeMemory* memory)
     attributes.Append(std::move(attribute));
 }
 
+// A node without groups has few children.
+void NodeContent::NoteNames() const
+{
+    static_assert(LongestScan <= UINT8_MAX);
+    m_nameBits = 0;
+    for (const NodeChild& child : children)
+        m_nameBits |= BitOf(NameOf(child));
+    m_notedChildren = static_cast<std::uint8_t>(children.size());
+}
+
 bool NodeContent::NeedsGroupsWith(const NodeText& name) const
 {
     return children.size() >= LongestScan ||

@@ -1,6 +1,7 @@
 #include "KARMPDeserializer.h"
 
 #include "KARMPTestFixture.h"
+#include "KARTextConversion.h"
 #include "TestDeserializer.h"
 
 #include <gtest/gtest.h>
@@ -335,6 +336,23 @@ TEST_F(Deserializer, TheWalkReplacesAVersionOfTheChild)
     Node child = nullptr;
     node.GetElement(L"A", child);
     EXPECT_EQ(child->Version(), L"R2018.1");
+}
+
+// A node notes which names it has when it is first asked for one that it does not have.
+TEST_F(Deserializer, ANameThatWasMissedIsFoundOnceAChildHasIt)
+{
+    TestDeserializer node;
+    const std::vector<std::wstring> names{L"Max", L"Min", L"", L"Value", L"Type"};
+    for (const std::wstring& name : names) {
+        EXPECT_FALSE(node.HasElement(name)) << kar::ToUtf8(name);
+        EXPECT_FALSE(node.HasElement(L"Other"));
+        ASSERT_EQ(node.AddElement(name, new TestDeserializer(name)), KARSuccess);
+        EXPECT_TRUE(node.HasElement(name)) << kar::ToUtf8(name);
+        EXPECT_EQ(NextId(node, name), name);
+    }
+    for (const std::wstring& name : names)
+        EXPECT_EQ(NextId(node, name), name);
+    EXPECT_EQ(NextId(node, L"Other"), L"none");
 }
 
 TEST_F(Deserializer, ManyNamesAreFoundWhateverTheirNumber)
