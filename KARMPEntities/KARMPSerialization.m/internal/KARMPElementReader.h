@@ -109,7 +109,17 @@ public:
     bool Has(std::wstring_view name) const { return m_node != nullptr && m_node->HasElement(name); }
     /// A reader of a child element; an empty one when there is none, which counts and is reported
     /// as the policy says.
-    ElementReader Child(std::wstring_view name, Absent absent, Where where = Where::current());
+    ElementReader Child(std::wstring_view name, Absent absent, Where where = Where::current())
+    {
+        ElementReader reader;
+        if (m_node != nullptr)
+            m_node->GetElement(name, reader.m_node);
+        if (reader.m_node == nullptr) {
+            reader.m_failed = true;
+            Missing(absent, where);
+        }
+        return reader;
+    }
     /// Calls `read` with a reader of each child of the name, in order; null children are skipped.
     template <class Read>
     void Each(std::wstring_view name, Read read) const

@@ -44,6 +44,7 @@ private:
     template <class Value>
     bool Take(const Item& item, ElementReader& element, Value& value) const;
     bool TakeWord(const Item& item, ElementReader& element);
+    bool FindWord(const Item& item, std::wstring_view word);
     template <class Value, class Field>
     void ReadScalar(const Item& item, ElementReader& element, Field& field);
     void ReadText(const Item& item, ElementReader& element);
@@ -153,15 +154,17 @@ void ContentReader::ReadText(const Item& item, ElementReader& element)
 
 bool ContentReader::TakeWord(const Item& item, ElementReader& element)
 {
-    karmp::ReadText text;
-    std::wstring_view word;
     if (item.place == ItemPlace::Attribute) {
-        if (!Take(item, element, text))
-            return false;
-        word = text.View();
-    } else if (!Take(item, element, word)) {
-        return false;
+        karmp::ReadText text;
+        return Take(item, element, text) && FindWord(item, text.View());
     }
+    std::wstring_view word;
+    return Take(item, element, word) && FindWord(item, word);
+}
+
+// The row of a word; false where any other word than those of the table is none.
+bool ContentReader::FindWord(const Item& item, std::wstring_view word)
+{
     const auto found = std::find_if(item.words.begin(), item.words.end(),
                                     [word](std::wstring_view row) { return SameName(row, word); });
     if (found == item.words.end() && item.knownWordsOnly)

@@ -48,16 +48,16 @@ public:
     void Walk(std::span<const Item> items, Element& element, bool baseFailed)
     {
         auto& walker = static_cast<Walker&>(*this);
-        for (std::size_t i = 0; i < items.size(); i += 1U + items[i].inner) {
-            const Item& item = items[i];
-            if ((baseFailed && !item.evenIfBaseFails) || !walker.Applies(item, element))
+        const Item* const end = items.data() + items.size();
+        for (const Item* item = items.data(); item != end; item += 1U + item->inner) {
+            if ((baseFailed && !item->evenIfBaseFails) || !walker.Applies(*item, element))
                 continue;
-            const auto inner = items.subspan(i + 1, item.inner);
-            if (item.isUncounted) {
+            const std::span<const Item> inner(item + 1, item->inner);
+            if (item->isUncounted) {
                 Element uncounted(element);
-                walker.WalkItem(item, inner, uncounted);
+                walker.WalkItem(*item, inner, uncounted);
             } else {
-                walker.WalkItem(item, inner, element);
+                walker.WalkItem(*item, inner, element);
             }
         }
     }

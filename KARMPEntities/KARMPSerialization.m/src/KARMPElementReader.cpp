@@ -61,19 +61,6 @@ bool ElementReader::Values(KARMath3x3Matrix& matrix, Absent absent, Where where)
     return complete;
 }
 
-ElementReader ElementReader::Child(std::wstring_view name, Absent absent, Where where)
-{
-    const KARMPDeserializer* child = nullptr;
-    if (m_node != nullptr)
-        m_node->GetElement(name, child);
-    if (child == nullptr)
-        Missing(absent, where);
-    ElementReader reader;
-    reader.m_node = child;
-    reader.m_failed = child == nullptr;
-    return reader;
-}
-
 bool ElementReader::HasIdentifier() const
 {
     ReadText identifier;
