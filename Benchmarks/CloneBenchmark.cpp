@@ -110,7 +110,7 @@ void Clone(benchmark::State& state, Content content, Order order)
 void ExtractOne(benchmark::State& state, Content content)
 {
     std::string text;
-    karmp::documents::SaveText(Build(state.range(0), content), text);
+    benchmark::DoNotOptimize(karmp::documents::SaveText(Build(state.range(0), content), text));
     double load = 0.0;
     double extract = 0.0;
     for (auto _ : state) {

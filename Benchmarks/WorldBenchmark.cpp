@@ -31,7 +31,7 @@ const std::string& DocumentOf(std::int64_t count, Content content)
     static std::map<std::pair<std::int64_t, Content>, std::string> texts;
     std::string& text = texts[{count, content}];
     if (text.empty())
-        SaveText(Build(count, content), text);
+        benchmark::DoNotOptimize(SaveText(Build(count, content), text));
     return text;
 }
 
@@ -95,7 +95,7 @@ void Save(benchmark::State& state, Content content)
         state.PauseTiming();
         GiveFreeMemoryBack();
         state.ResumeTiming();
-        time += SecondsOf([&] { SaveText(world, text); });
+        time += SecondsOf([&] { benchmark::DoNotOptimize(SaveText(world, text)); });
         state.PauseTiming();
         text = std::string();
         GiveFreeMemoryBack();
@@ -123,11 +123,12 @@ void CheckedSave(benchmark::State& state, Content content)
         state.PauseTiming();
         GiveFreeMemoryBack();
         state.ResumeTiming();
-        time += SecondsOf([&] { SaveText(world, text); });
+        time += SecondsOf([&] { benchmark::DoNotOptimize(SaveText(world, text)); });
         state.PauseTiming();
         text = std::string();
         GiveFreeMemoryBack();
-        uncheckedTime += SecondsOf([&] { SaveText(world, text, unchecked); });
+        uncheckedTime +=
+            SecondsOf([&] { benchmark::DoNotOptimize(SaveText(world, text, unchecked)); });
         text = std::string();
         state.ResumeTiming();
     }
@@ -145,7 +146,7 @@ void Render(benchmark::State& state, Content content)
         state.PauseTiming();
         GiveFreeMemoryBack();
         state.ResumeTiming();
-        tree.RenderXml(text);
+        benchmark::DoNotOptimize(tree.RenderXml(text));
         state.PauseTiming();
         text = std::string();
         state.ResumeTiming();
@@ -282,7 +283,7 @@ void Hub(benchmark::State& state)
                 Link::Add(basicWorld, world, hub);
         });
         std::string text;
-        time[1] += SecondsOf([&] { SaveText(world, text); });
+        time[1] += SecondsOf([&] { benchmark::DoNotOptimize(SaveText(world, text)); });
         karmp::documents::LoadOptions options;
         options.check = karmp::documents::CheckLevel::None;
         karmp::documents::LoadResult result;

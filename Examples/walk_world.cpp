@@ -29,7 +29,8 @@ std::string SmallDocument()
     world->Add<KARMPValue>(damping);
 
     std::string text;
-    karmp::documents::SaveText(world, text);
+    if (karmp::documents::SaveText(world, text).HasErrors())
+        return {};
     return text;
 }
 

@@ -12,7 +12,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const karmp::documents::LoadResult loaded = karmp::documents::LoadUntrusted(bytes);
     if (loaded.world) {
         std::string text;
-        karmp::documents::SaveText(loaded.world, text);
+        static_cast<void>(karmp::documents::SaveText(loaded.world, text));
     }
     return 0;
 }

@@ -37,17 +37,17 @@ public:
 
     /// Appends the rendered form to `text`; KARFailure or KAROutOfMemory, with `text` unchanged,
     /// where RenderXml fails.
-    KARStatus Render(std::wstring& text) const override;
+    [[nodiscard]] KARStatus Render(std::wstring& text) const override;
     /// Saves the rendered form as SaveXml does, at the default limits.
-    KARStatus Save(const char* path) const override;
+    [[nodiscard]] KARStatus Save(const char* path) const override;
 
     /// Appends the rendered form to `bytes` as UTF-8. A name that is no XML name, an attribute that
     /// occurs twice, and a limit exceeded are errors, with `bytes` unchanged.
-    karmp::documents::Diagnostics RenderXml(std::string& bytes,
-                                            const karmp::documents::Limits& limits = {}) const;
+    [[nodiscard]] karmp::documents::Diagnostics RenderXml(
+        std::string& bytes, const karmp::documents::Limits& limits = {}) const;
     /// Renders into a file, which is replaced as a whole or not at all.
-    karmp::documents::Diagnostics SaveXml(const std::filesystem::path& path,
-                                          const karmp::documents::Limits& limits = {}) const;
+    [[nodiscard]] karmp::documents::Diagnostics SaveXml(
+        const std::filesystem::path& path, const karmp::documents::Limits& limits = {}) const;
 
 protected:
     /// A node that is allocated in the arena of a tree and freed with it.

@@ -44,15 +44,17 @@ struct SaveOptions
 /// it was. The permissions of a file that is replaced are kept; a symbolic link stays one, and the
 /// file it leads to is replaced. Failed checks of the library are warnings; after an error nothing
 /// was saved. What the options' check finds names the entity and its path in the document.
-KARMP_DOCUMENTS_API Diagnostics SaveFile(const QOBSharedHandle<KARMPWorld>& world,
-                                         const std::filesystem::path& path,
-                                         const SaveOptions& options = {});
+[[nodiscard]] KARMP_DOCUMENTS_API Diagnostics SaveFile(const QOBSharedHandle<KARMPWorld>& world,
+                                                       const std::filesystem::path& path,
+                                                       const SaveOptions& options = {});
 /// Replaces `text` with a world's document; after an error `text` is unchanged.
-KARMP_DOCUMENTS_API Diagnostics SaveText(const QOBSharedHandle<KARMPWorld>& world,
-                                         std::string& text, const SaveOptions& options = {});
+[[nodiscard]] KARMP_DOCUMENTS_API Diagnostics SaveText(const QOBSharedHandle<KARMPWorld>& world,
+                                                       std::string& text,
+                                                       const SaveOptions& options = {});
 /// Writes a world's document to a stream.
-KARMP_DOCUMENTS_API Diagnostics SaveStream(const QOBSharedHandle<KARMPWorld>& world,
-                                           std::ostream& stream, const SaveOptions& options = {});
+[[nodiscard]] KARMP_DOCUMENTS_API Diagnostics SaveStream(const QOBSharedHandle<KARMPWorld>& world,
+                                                         std::ostream& stream,
+                                                         const SaveOptions& options = {});
 
 /// How a world is loaded.
 struct LoadOptions
@@ -63,7 +65,7 @@ struct LoadOptions
 };
 
 /// A loaded world.
-struct LoadResult
+struct [[nodiscard]] LoadResult
 {
     /// The world, null when the document has no tree. It holds what could be read, whatever the
     /// diagnostics say.

@@ -14,7 +14,7 @@ namespace karmp::documents {
 /// device, a pipe) is written directly. Permissions of a replaced file are kept; a symbolic link
 /// stays one, and the file it leads to is replaced. After an error, reported in the diagnostics,
 /// the existing file is as it was and the temporary one is removed. Does not throw.
-KARMP_DOCUMENTS_API Diagnostics WriteWholeFile(const std::filesystem::path& path,
-                                               std::string_view bytes);
+[[nodiscard]] KARMP_DOCUMENTS_API Diagnostics WriteWholeFile(const std::filesystem::path& path,
+                                                             std::string_view bytes);
 
 } // namespace karmp::documents

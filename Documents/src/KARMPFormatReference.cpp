@@ -118,7 +118,7 @@ private:
         if (KARFailed(KARMPFactory::Create(entityClass.name, entity)))
             return;
         entity->Serialize(&root);
-        root.RenderXml(text);
+        static_cast<void>(root.RenderXml(text));
         pugi::xml_document document;
         document.load_string(text.c_str());
         values.append_copy(document.document_element().first_child());

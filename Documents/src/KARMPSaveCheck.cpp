@@ -4,6 +4,7 @@
 #include "KARMPBody.h"
 #include "KARMPDocumentLinks.h"
 #include "KARMPDocumentNames.h"
+#include "KARMPInteraction.h"
 #include "KARMPTextEscapes.h"
 #include "KARMPVariable.h"
 #include "KARMPWorld.h"
@@ -61,6 +62,8 @@ void SaveCheck::Run()
         CheckEntity(number);
     if (m_sum != 0)
         CheckPairs();
+    if (!m_layers.empty())
+        CheckLayers();
 }
 
 SaveCheck::ClassChecks& SaveCheck::ChecksOf(const KARMPEntity& entity)
@@ -152,11 +155,10 @@ void SaveCheck::CheckEntity(std::size_t number)
 {
     const KARMPEntity& entity = m_entities.At(number);
     ClassChecks& checks = ChecksOf(entity);
-    if (!checks.isGivenBack)
-        m_messages.Warning(Code::NotReadBack,
-                           TitleOf(entity) + (IsFiled(entity.getClassInfo())
-                                                  ? " is written as no reader finds it"
-                                                  : " is listed by no world that reads it"),
+    if (!checks.isGivenBack && dynamic_cast<const KARMPInteraction*>(&entity) != nullptr)
+        m_layers.push_back(number);
+    else if (!checks.isGivenBack)
+        m_messages.Warning(Code::NotReadBack, TitleOf(entity) + " is written as no reader finds it",
                            m_entities.PathOf(number));
     for (LinkCheck& link : checks.links)
         ForEachLink(entity, link, [&] {
@@ -165,6 +167,26 @@ void SaveCheck::CheckEntity(std::size_t number)
         });
     if (!checks.lossy.empty())
         CheckItems(number, checks.lossy);
+}
+
+// A collision layer that is read lives in the interactions that are about it.
+void SaveCheck::CheckLayers()
+{
+    std::unordered_set<const KARMPEntity*> targets;
+    for (std::size_t number = 0; number < m_entities.Count(); ++number) {
+        const KARMPEntity& entity = m_entities.At(number);
+        if (dynamic_cast<const KARMPInteraction*>(&entity) == nullptr)
+            continue;
+        for (LinkCheck& link : ChecksOf(entity).links)
+            ForEachLink(entity, link, [&] { targets.insert(EntityIn(m_value)); });
+    }
+    for (const std::size_t number : m_layers)
+        if (targets.count(&m_entities.At(number)) == 0)
+            m_messages.Warning(Code::NotReadBack,
+                               TitleOf(m_entities.At(number)) +
+                                   " belongs to no relation of layers, and no world that reads it "
+                                   "lists it",
+                               m_entities.PathOf(number));
 }
 
 // Calls with each target in m_value.

@@ -64,6 +64,7 @@ private:
     void CheckIdentifiers();
     std::vector<std::size_t> DoubtfulIdentifiers() const;
     void CheckEntity(std::size_t number);
+    void CheckLayers();
     template <class Visit>
     void ForEachLink(const KARMPEntity& entity, LinkCheck& check, Visit visit);
     bool SumUp(std::size_t number, LinkCheck& check);
@@ -86,6 +87,8 @@ private:
     /// The sum of numbers that belong to the links whose other side is one item, counted by one
     /// side up and by the other down: 0 when each of them has its other side.
     std::uint64_t m_sum = 0;
+    /// The interactions that a world which reads them does not list.
+    std::vector<std::size_t> m_layers;
     /// The entries of long lists.
     std::map<std::pair<const KARMPEntity*, const ItemInfo*>,
              std::unordered_set<const QOBSharedObject*>>

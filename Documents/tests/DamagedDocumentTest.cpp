@@ -29,7 +29,7 @@ std::string SavedForm(const LoadResult& loaded)
 {
     std::string text;
     if (loaded.world)
-        karmp::documents::SaveText(loaded.world, text);
+        EXPECT_FALSE(karmp::documents::SaveText(loaded.world, text).HasErrors());
     return text;
 }
 

@@ -133,7 +133,7 @@ TEST_F(DocumentDifference, IsNothingBetweenAnExampleAndWhatItIsReloadedAs)
     for (const std::filesystem::path& example : Examples()) {
         const auto world = LoadFile(example).world;
         std::string text;
-        SaveText(world, text);
+        EXPECT_FALSE(SaveText(world, text).HasErrors());
         std::vector<Difference> differences = FindDifferences(*world, *LoadText(text).world);
         const std::size_t toLayers = std::erase_if(differences, IsLinkToALayer);
         EXPECT_EQ(TextOf(differences), "") << example;
@@ -365,7 +365,7 @@ TEST_F(DocumentDifference, OfEachNumberThatAClassWritesByCodeIsOne)
             continue;
         SCOPED_TRACE(className);
         std::string text;
-        SaveText(filled.world, text);
+        EXPECT_FALSE(SaveText(filled.world, text).HasErrors());
         LoadOptions options;
         options.check = CheckLevel::None;
         const auto before = LoadText(text, className, options).world;

@@ -50,7 +50,7 @@ protected:
         m_folder = ::mkdtemp(name.data());
         KARMPSerializer* child = nullptr;
         m_root.AddElement(L"World", child);
-        m_root.RenderXml(m_text);
+        EXPECT_FALSE(m_root.RenderXml(m_text).HasErrors());
     }
     ~DocumentFile() override
     {

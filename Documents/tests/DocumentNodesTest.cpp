@@ -180,7 +180,7 @@ TEST_F(DocumentNodes, AReferenceOfAWrongClassIsDroppedInNodesMadeBeforeAndAfter)
     std::string text;
     const auto basicWorld = QOBBasicWorld::create(L"World");
     const auto world = KARMPWorld::create(basicWorld);
-    SaveText(world, text);
+    EXPECT_FALSE(SaveText(world, text).HasErrors());
     const std::string start = "<Geometry id=\"";
     const std::size_t offset = text.find(start) + start.size();
     const std::size_t body = text.find("<Body id=\"") + 10;
@@ -213,7 +213,7 @@ TEST_F(DocumentNodes, AReferenceOfAWrongClassIsDroppedInNodesMadeBeforeAndAfter)
 TEST_F(DocumentNodes, IdentifiersBeyondAsciiAreFoundByTheCheckAndTheWorld)
 {
     std::string text;
-    SaveText(KARMPWorld::create(QOBBasicWorld::create(L"World")), text);
+    EXPECT_FALSE(SaveText(KARMPWorld::create(QOBBasicWorld::create(L"World")), text).HasErrors());
     const std::size_t start = text.find("<Body id=\"") + 10;
     const std::string identifier = text.substr(start, text.find('"', start) - start);
     const auto replaced = [&](const std::string& by, std::size_t from) {
@@ -272,7 +272,7 @@ TEST_F(DocumentNodes, ManyEntitiesAreReadInTheMemoryOfOne)
 TEST_F(DocumentNodes, ADocumentMayBeCheckedAndReadMoreThanOnce)
 {
     std::string text;
-    SaveText(KARMPWorld::create(QOBBasicWorld::create(L"World")), text);
+    EXPECT_FALSE(SaveText(KARMPWorld::create(QOBBasicWorld::create(L"World")), text).HasErrors());
     Document document = Document::ReadText(text);
     for (int time = 0; time < 2; ++time) {
         document.Check();

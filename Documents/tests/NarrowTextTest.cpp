@@ -95,13 +95,13 @@ TEST_F(NarrowText, OfADocumentThatHoldsUnitsOfBytesIsWrittenAsItWasRead)
     string->SetValue("PLACE");
     m_world->Add<KARMPValue>(string);
     std::string document;
-    SaveText(m_world, document);
+    EXPECT_FALSE(SaveText(m_world, document).HasErrors());
     const std::size_t offset = document.find("PLACE");
     ASSERT_NE(offset, std::string::npos);
     document.replace(offset, 5, written);
     const LoadResult loaded = LoadText(document);
     ASSERT_TRUE(loaded.world);
     std::string again;
-    SaveText(loaded.world, again);
+    EXPECT_FALSE(SaveText(loaded.world, again).HasErrors());
     EXPECT_NE(again.find(">" + written + "<"), std::string::npos) << again;
 }

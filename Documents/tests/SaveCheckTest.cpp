@@ -1,5 +1,7 @@
 // What a save tells of before it writes.
 #include "KARMPBody.h"
+#include "KARMPCollisionInterLayer.h"
+#include "KARMPCollisionLayer.h"
 #include "KARMPCylinder.h"
 #include "KARMPDocuments.h"
 #include "KARMPJointKinds.h"
@@ -163,6 +165,20 @@ TEST_F(SavedWorld, TellsOfItemsThatNoReaderFinds)
     cylinder->SetOrigin(KARMathPoint(1.0, 0.0, 0.0));
     ExpectOne(Code::NotReadBack, Severity::Warning, "/Geometries/Cylinder/Coordinates/Origin",
               "Cylinder \"Pin\" [C1]: \"Coordinates/Origin\" is written as no reader finds it");
+}
+
+TEST_F(SavedWorld, TellsOfALayerThatNoWorldFinds)
+{
+    const auto layer = KARMPCollisionLayer::create(L"Parts");
+    layer->SetIdentifier(L"L1");
+    m_world->Add<KARMPInteraction>(QOBSharedHandle<KARMPInteraction>(layer));
+    ExpectOne(Code::NotReadBack, Severity::Warning, "/Interactions/CollisionLayer",
+              "CollisionLayer \"Parts\" [L1] belongs to no relation of layers, and no world that "
+              "reads it lists it");
+    const auto relation = KARMPCollisionInterLayer::create(L"Relation");
+    m_world->Add<KARMPInteraction>(QOBSharedHandle<KARMPInteraction>(relation));
+    relation->AddCollidable(QOBSharedHandle<KARMPEntity>(layer));
+    EXPECT_TRUE(Save().items.empty());
 }
 
 TEST_F(SavedWorld, TellsOfItemsThatTheVersionDoesNotHold)

@@ -260,7 +260,7 @@ bool AddNew(const EntityClass& entityClass, pugi::xml_document& document)
     KARMPDocumentWriter root;
     std::string text;
     entity->Serialize(&root);
-    root.RenderXml(text);
+    EXPECT_FALSE(root.RenderXml(text).HasErrors());
     pugi::xml_document written;
     written.load_string(text.c_str());
     const std::string listName = kar::ToUtf8(family->element);
@@ -358,7 +358,7 @@ TEST_F(SchemaValidation, TakesTheExamplesInEveryVersion)
             SaveOptions options;
             options.version = version;
             std::string text;
-            SaveText(loaded.world, text, options);
+            EXPECT_FALSE(SaveText(loaded.world, text, options).HasErrors());
             Add(example.filename().string() + " at " + kar::ToUtf8(version), text);
         }
         EXPECT_GT(Count(), 2U);

@@ -131,7 +131,7 @@ TEST_F(StoredGeometryDocument, LetsTheCurvesThatItReadFreeTheirLimitsAndNoOthers
         EXPECT_EQ(curve->GetCurveCount(), 1);
     }
     // The limits of the curve that is there are no memory that can be freed.
-    LoadText(text, "<text>", {}, m_world);
+    static_cast<void>(LoadText(text, "<text>", {}, m_world));
     m_world.detach();
     EXPECT_EQ(m_line->GetRefCount(), 1U);
 }

@@ -102,7 +102,8 @@ TEST_F(WorldExtraction, OfOnePartIsTheSameTwice)
     const World world = SliderCrank();
     const auto text = [&] {
         std::string saved;
-        SaveText(ExtractWorld(*world, Named(*world, {L"Rod"})).world, saved);
+        EXPECT_FALSE(
+            SaveText(ExtractWorld(*world, Named(*world, {L"Rod"})).world, saved).HasErrors());
         return saved;
     };
     EXPECT_EQ(text(), text());
@@ -122,9 +123,9 @@ TEST_F(WorldExtraction, LeavesTheSourceAsItWas)
     const World world = SliderCrank();
     std::string before;
     std::string after;
-    SaveText(world, before);
+    EXPECT_FALSE(SaveText(world, before).HasErrors());
     ExtractWorld(*world, Named(*world, {L"Crank", L"Rod"}), {1, AllFamilies()});
-    SaveText(world, after);
+    EXPECT_FALSE(SaveText(world, after).HasErrors());
     EXPECT_EQ(before, after);
 }
 
