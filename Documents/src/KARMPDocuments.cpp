@@ -116,22 +116,48 @@ void TellOfMaterials(const KARMPWorld& world, Messages& messages)
                                                              : " materials, which write nothing"));
 }
 
-// Adds what a save of a world for a version loses or falsifies.
-void CheckSaving(const KARMPWorld& world, const std::string& name, const SaveOptions& options,
-                 Diagnostics& diagnostics)
+/// What a save would lose or falsify.
+class SaveFindings
 {
-    Diagnostics found;
-    Messages messages(found, name, options.limits.diagnostics);
-    constexpr std::string_view activity = "the world was checked";
-    Guarded(messages, activity, [&] {
-        const SilentListener listener; // what fails was told when the world was written
-        SaveCheck(world, options.version, messages).Run();
-    });
-    if (options.allowLosses)
-        for (Diagnostic& item : found.items)
-            item.severity = Severity::Warning;
-    diagnostics.Append(std::move(found));
-}
+public:
+    SaveFindings(const std::string& name, const SaveOptions& options)
+        : m_options(options),
+          m_errors(m_found, name, options.limits.diagnostics),
+          m_warnings(m_warned, name, options.limits.diagnostics)
+    {}
+
+    Messages& Warnings() { return m_warnings; }
+    void Check(const KARMPWorld& world)
+    {
+        Guarded(m_errors, "the world was checked", [&] {
+            const SilentListener listener; // what fails was told when the world was written
+            SaveCheck(world, m_options.version, m_errors, m_warnings).Run();
+        });
+        if (m_options.allowLosses)
+            MakeWarnings(m_found);
+    }
+    void AppendTo(Diagnostics& diagnostics)
+    {
+        // So many warnings that they end are no error.
+        MakeWarnings(m_warned);
+        diagnostics.Append(std::move(m_found));
+        diagnostics.Append(std::move(m_warned));
+    }
+
+private:
+    static void MakeWarnings(Diagnostics& messages)
+    {
+        for (Diagnostic& item : messages.items)
+            if (item.code != Code::OutOfMemory)
+                item.severity = Severity::Warning;
+    }
+
+    const SaveOptions& m_options;
+    Diagnostics m_found;
+    Diagnostics m_warned;
+    Messages m_errors;
+    Messages m_warnings;
+};
 
 // Appends a world's document to `bytes`.
 Diagnostics RenderWorld(const QOBSharedHandle<KARMPWorld>& world, const std::string& name,
@@ -148,13 +174,14 @@ Diagnostics RenderWorld(const QOBSharedHandle<KARMPWorld>& world, const std::str
         messages.Error(Code::Failed, "there is no world to save");
         return diagnostics;
     }
+    SaveFindings findings(name, options);
     constexpr std::string_view activity = "the world was written";
     Guarded(messages, activity, [&] {
         ReserveMore(bytes, ExpectedSize(*world));
         Diagnostics rendered;
         Messages renderMessages(rendered, name, options.limits.diagnostics);
         StreamedTree tree(options.version, options.doubles, bytes, options.limits, renderMessages,
-                          options.check);
+                          options.check ? &findings.Warnings() : nullptr);
         {
             const CheckListener listener(messages, std::string(activity));
             if (KARFailed(world->Serialize(&tree.Root()))) {
@@ -167,7 +194,8 @@ Diagnostics RenderWorld(const QOBSharedHandle<KARMPWorld>& world, const std::str
         diagnostics.Append(std::move(rendered));
     });
     if (options.check && !diagnostics.HasErrors())
-        CheckSaving(*world, name, options, diagnostics);
+        findings.Check(*world);
+    findings.AppendTo(diagnostics);
     return diagnostics;
 }
 

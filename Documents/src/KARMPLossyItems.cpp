@@ -19,6 +19,13 @@ bool IsConditional(const ItemInfo& item)
         [](const ItemCondition& condition) { return condition.wanted; });
 }
 
+// The application's own text is written unless it is empty; whether a body floats matters to one
+// that follows its father, and there it is written.
+bool IsWrittenWhereItMatters(const ItemInfo& item)
+{
+    return item.path == L"entityID" || item.path == L"floating";
+}
+
 // A number that is written and not read tells the length of a list, a text what nothing else tells.
 bool IsForPeople(const ItemInfo& item)
 {
@@ -27,8 +34,7 @@ bool IsForPeople(const ItemInfo& item)
 
 std::optional<LossReason> ReasonOf(const ItemInfo& item, std::wstring_view version)
 {
-    // The application's own text is written unless it is empty.
-    if (item.path == L"id" || item.path == L"entityID" || !item.CanGet())
+    if (item.path == L"id" || !item.CanGet() || IsWrittenWhereItMatters(item))
         return std::nullopt;
     if (!item.IsHeldAt(version))
         return LossReason::Version;

@@ -50,15 +50,21 @@ std::string PathText(std::wstring_view path)
 
 } // namespace
 
-SaveCheck::SaveCheck(const KARMPWorld& world, std::wstring_view version, Messages& messages)
-    : m_world(world), m_version(version), m_messages(messages), m_entities(world), m_lossy(version)
+SaveCheck::SaveCheck(const KARMPWorld& world, std::wstring_view version, Messages& errors,
+                     Messages& warnings)
+    : m_world(world),
+      m_version(version),
+      m_errors(errors),
+      m_warnings(warnings),
+      m_entities(world),
+      m_lossy(version)
 {}
 
 void SaveCheck::Run()
 {
     CheckGlobals();
     CheckIdentifiers();
-    for (std::size_t number = 0; number < m_entities.Count() && !m_messages.Full(); ++number)
+    for (std::size_t number = 0; number < m_entities.Count() && !m_errors.Full(); ++number)
         CheckEntity(number);
     if (m_sum != 0)
         CheckPairs();
@@ -96,7 +102,7 @@ void SaveCheck::CheckGlobals()
     m_world.GetGlobalTime(time);
     const auto check = [this](const QOBSharedBase& global, const char* name) {
         if (global && !m_entities.Hold(global._getReferent()))
-            m_messages.Warning(Code::UnresolvedReference,
+            m_warnings.Warning(Code::UnresolvedReference,
                                "the world does not list its " + std::string(name),
                                '/' + std::string(RootName) + "/World/Globals/" + name);
     };
@@ -141,12 +147,12 @@ void SaveCheck::CheckIdentifiers()
         if (isNew)
             continue;
         const KARMPEntity& first = m_entities.At(found->second);
-        m_messages.Error(Code::DuplicateIdentifier,
-                         &first == &entity
-                             ? TitleOf(entity) + " is listed twice"
-                             : TitleOf(entity) + " has the identifier of " + TitleOf(first),
-                         m_entities.PathOf(number) + "/@id");
-        if (m_messages.Full())
+        m_errors.Error(Code::DuplicateIdentifier,
+                       &first == &entity
+                           ? TitleOf(entity) + " is listed twice"
+                           : TitleOf(entity) + " has the identifier of " + TitleOf(first),
+                       m_entities.PathOf(number) + "/@id");
+        if (m_errors.Full())
             return;
     }
 }
@@ -158,7 +164,7 @@ void SaveCheck::CheckEntity(std::size_t number)
     if (!checks.isGivenBack && dynamic_cast<const KARMPInteraction*>(&entity) != nullptr)
         m_layers.push_back(number);
     else if (!checks.isGivenBack)
-        m_messages.Warning(Code::NotReadBack, TitleOf(entity) + " is written as no reader finds it",
+        m_warnings.Warning(Code::NotReadBack, TitleOf(entity) + " is written as no reader finds it",
                            m_entities.PathOf(number));
     for (LinkCheck& link : checks.links)
         ForEachLink(entity, link, [&] {
@@ -182,7 +188,7 @@ void SaveCheck::CheckLayers()
     }
     for (const std::size_t number : m_layers)
         if (targets.count(&m_entities.At(number)) == 0)
-            m_messages.Warning(Code::NotReadBack,
+            m_warnings.Warning(Code::NotReadBack,
                                TitleOf(m_entities.At(number)) +
                                    " belongs to no relation of layers, and no world that reads it "
                                    "lists it",
@@ -220,7 +226,7 @@ bool SaveCheck::SumUp(std::size_t number, LinkCheck& check)
 // Some link of a pair has no other side, be it that its target is not listed.
 void SaveCheck::CheckPairs()
 {
-    for (std::size_t number = 0; number < m_entities.Count() && !m_messages.Full(); ++number) {
+    for (std::size_t number = 0; number < m_entities.Count() && !m_errors.Full(); ++number) {
         const KARMPEntity& entity = m_entities.At(number);
         for (LinkCheck& link : ChecksOf(entity).links)
             ForEachLink(entity, link, [&] {
@@ -237,13 +243,13 @@ void SaveCheck::CheckTarget(std::size_t number, LinkCheck& check)
         TellOfTarget(number, *check.info, target);
         return;
     }
-    if (check.otherSides.empty())
+    if (check.otherSides.empty() || m_warnings.Full())
         return;
     const KARMPEntity& entity = m_entities.At(number);
     const auto& back = BackOf(check, target).items;
     if (std::none_of(back.begin(), back.end(),
                      [&](const ItemInfo* item) { return RefersBack(target, *item, entity); }))
-        m_messages.Warning(Code::OneSidedLink,
+        m_warnings.Warning(Code::OneSidedLink,
                            TitleOf(target) + " does not refer back to " + TitleOf(entity),
                            m_entities.PathOf(number) + '/' + PathText(check.info->path));
 }
@@ -255,9 +261,9 @@ void SaveCheck::TellOfTarget(std::size_t number, const ItemInfo& item, const KAR
                        ", which the document does not hold";
     std::string path = m_entities.PathOf(number) + '/' + PathText(item.path);
     if (IsFiled(target.getClassInfo()))
-        m_messages.Error(Code::UnresolvedReference, std::move(text), std::move(path));
+        m_errors.Error(Code::UnresolvedReference, std::move(text), std::move(path));
     else
-        m_messages.Warning(Code::NotReadBack, std::move(text), std::move(path));
+        m_warnings.Warning(Code::NotReadBack, std::move(text), std::move(path));
 }
 
 const SaveCheck::Back& SaveCheck::BackOf(LinkCheck& check, const KARMPEntity& target)
@@ -313,7 +319,7 @@ void SaveCheck::CheckItems(std::size_t number, std::span<const LossyItem> items)
 {
     const KARMPEntity& entity = m_entities.At(number);
     for (const LossyItem& lossy : items) {
-        if (!lossy.IsLostOf(entity))
+        if (m_warnings.Full() || !lossy.IsLostOf(entity))
             continue;
         const std::string path = PathText(lossy.Path());
         const bool isVersion = lossy.reason == LossReason::Version;
@@ -323,7 +329,7 @@ void SaveCheck::CheckItems(std::size_t number, std::span<const LossyItem> items)
                                   : lossy.reason == LossReason::Reading
                                       ? '"' + path + "\" is written as no reader finds it"
                                       : '"' + path + "\" is not written as the entity stands");
-        m_messages.Warning(isVersion ? Code::OtherVersion : Code::NotReadBack, text,
+        m_warnings.Warning(isVersion ? Code::OtherVersion : Code::NotReadBack, text,
                            m_entities.PathOf(number) + '/' + path);
     }
 }

@@ -30,7 +30,9 @@ namespace karmp::documents {
 class SaveCheck
 {
 public:
-    SaveCheck(const KARMPWorld& world, std::wstring_view version, Messages& messages);
+    /// Errors are collected apart, so that many warnings do not crowd them out.
+    SaveCheck(const KARMPWorld& world, std::wstring_view version, Messages& errors,
+              Messages& warnings);
     void Run();
 
 private:
@@ -78,7 +80,8 @@ private:
 
     const KARMPWorld& m_world;
     std::wstring m_version;
-    Messages& m_messages;
+    Messages& m_errors;
+    Messages& m_warnings;
     ListedEntities m_entities;
     LossyItems m_lossy;
     std::unordered_map<const QOBClassInfo*, ClassChecks> m_classes;

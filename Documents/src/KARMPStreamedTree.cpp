@@ -38,10 +38,10 @@ private:
 };
 
 StreamedTree::StreamedTree(std::wstring_view version, Doubles doubles, std::string& bytes,
-                           const Limits& limits, Messages& messages, bool tellsOfNumbers)
+                           const Limits& limits, Messages& messages, Messages* numbers)
     : m_bytes(bytes),
       m_before(bytes.size()),
-      m_renderer(bytes, limits, messages, tellsOfNumbers),
+      m_renderer(bytes, limits, messages, numbers),
       m_root(Node::Make(m_rootMemory, *this))
 {
     m_root->SetVersion(version);

@@ -18,10 +18,10 @@ namespace karmp::documents {
 class StreamedTree
 {
 public:
-    /// Appends to `bytes`; all arguments but the version must outlive the tree. With
-    /// `tellsOfNumbers` a number that is not finite is a warning.
+    /// Appends to `bytes`; all arguments but the version must outlive the tree. A number
+    /// that is not finite is a warning among `numbers`, unless that is null.
     StreamedTree(std::wstring_view version, Doubles doubles, std::string& bytes,
-                 const Limits& limits, Messages& messages, bool tellsOfNumbers = false);
+                 const Limits& limits, Messages& messages, Messages* numbers = nullptr);
 
     /// The root for a writer. A node renders by itself as long as it holds all its children.
     KARMPSerializer& Root();

@@ -445,13 +445,13 @@ void XmlRenderer::Value(const Node& node)
 void XmlRenderer::Number(double number, const Node& node, std::wstring_view attribute)
 {
     m_out.PutNumber(number);
-    if (m_tellsOfNumbers && !std::isfinite(number))
+    if (m_numbers != nullptr && !std::isfinite(number))
         TellOfNumber(number, node, attribute);
 }
 
 void XmlRenderer::TellOfNumber(double number, const Node& node, std::wstring_view attribute)
 {
-    if (m_messages.Full())
+    if (m_numbers->Full())
         return;
     const bool isLeaf = m_levels.empty() || m_levels.back().node != &node;
     if (isLeaf)
@@ -465,7 +465,7 @@ void XmlRenderer::TellOfNumber(double number, const Node& node, std::wstring_vie
         AppendUtf8(path, attribute);
     }
     const std::string what = Quoted(attribute.empty() ? node.GetId() : attribute);
-    m_messages.Warning(Code::NotFinite,
+    m_numbers->Warning(Code::NotFinite,
                        title + ": " + what +
                            (std::isnan(number) ? " is no number" : " is infinite"),
                        std::move(path));

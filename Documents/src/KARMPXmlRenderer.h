@@ -20,10 +20,10 @@ namespace karmp::documents {
 class XmlRenderer
 {
 public:
-    /// With `tellsOfNumbers` a number that is not finite is a warning.
+    /// A number that is not finite is a warning among `numbers`, unless that is null.
     XmlRenderer(std::string& bytes, const Limits& limits, Messages& messages,
-                bool tellsOfNumbers = false)
-        : m_out(bytes), m_limits(limits), m_messages(messages), m_tellsOfNumbers(tellsOfNumbers)
+                Messages* numbers = nullptr)
+        : m_out(bytes), m_limits(limits), m_messages(messages), m_numbers(numbers)
     {}
 
     using Node = KARMPDocumentWriter;
@@ -107,7 +107,7 @@ private:
     ByteBuffer m_out;
     const Limits& m_limits;
     Messages& m_messages;
-    bool m_tellsOfNumbers;
+    Messages* m_numbers;
     std::vector<Level> m_levels;
     std::vector<Gone> m_gone;
     std::optional<Failure> m_failure;

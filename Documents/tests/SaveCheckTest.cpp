@@ -110,6 +110,22 @@ TEST_F(SavedWorld, ToldToAllowLossesIsSavedAllTheSame)
     EXPECT_NE(m_text.find("name=\"Rod\""), std::string::npos);
 }
 
+TEST_F(SavedWorld, IsSavedInSpiteOfMoreWarningsThanAreKept)
+{
+    m_options.limits.diagnostics = 10;
+    for (int number = 0; number < 30; ++number) {
+        const auto body = KARMPBody::create(L"Body");
+        body->SetMass(Infinity);
+        m_world->Add<KARMPBody>(body);
+    }
+    const Diagnostics many = Save();
+    EXPECT_EQ(many.items.size(), 11U);
+    EXPECT_FALSE(many.HasErrors());
+    AddBody(L"Crank", L"K1");
+    AddBody(L"Rod", L"K1");
+    EXPECT_NE(Save().Find(Code::DuplicateIdentifier), nullptr);
+}
+
 TEST_F(SavedWorld, IsNotCheckedWhenToldSo)
 {
     AddBody(L"Crank", L"K1");

@@ -33,12 +33,16 @@ protected:
     static std::set<Loss> Of(const std::vector<Difference>& differences)
     {
         std::set<Loss> losses;
-        // Reading makes directions unit vectors, which those of the entities are not.
-        static const std::set<std::wstring> directions{
-            L"Coordinates/Axis", L"Coordinates/Normal", L"Coordinates/MajorDirection",
-            L"Coordinates/Direction", L"DragLine/Coordinates"};
+        // Reading makes directions unit vectors, which those of the entities are not. Floating
+        // means nothing to a body without a father.
+        static const std::set<std::wstring> others{L"floating",
+                                                   L"Coordinates/Axis",
+                                                   L"Coordinates/Normal",
+                                                   L"Coordinates/MajorDirection",
+                                                   L"Coordinates/Direction",
+                                                   L"DragLine/Coordinates"};
         for (const Difference& difference : differences)
-            if (difference.before && directions.count(difference.item) == 0)
+            if (difference.before && others.count(difference.item) == 0)
                 losses.emplace(IdentifierOf(difference.before), difference.item,
                                IdentifierOf(difference.target));
         return losses;
