@@ -53,6 +53,10 @@ struct Difference
     QOBSharedHandle<KARMPEntity> target;
 };
 
+/// What a stream of bytes holds: "a scene graph of 3 nodes with 12 triangles (840 bytes, 1e9b809d)"
+/// with its size and checksum, or the number of bytes of one that holds no shape.
+KARMP_DOCUMENTS_API std::string StreamText(const std::vector<unsigned char>& bytes);
+
 /// How worlds are compared.
 struct DifferenceOptions
 {

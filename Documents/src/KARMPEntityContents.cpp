@@ -1,5 +1,7 @@
 #include "KARMPEntityContents.h"
 
+#include "KARMPShapeStreams.h"
+
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -55,6 +57,26 @@ std::uint64_t HashOfNumbers(std::span<const double> numbers, const DifferenceOpt
     return hash;
 }
 
+bool AreShapesEqual(const StreamBytes& before, const StreamBytes& after,
+                    const DifferenceOptions& options)
+{
+    if (before == after)
+        return true;
+    const ShapeStream left = ReadShapeStream(before);
+    const ShapeStream right = ReadShapeStream(after);
+    if (left.IsEmpty() || right.IsEmpty())
+        return false;
+    if (HoldSame(left, right))
+        return true;
+    // Points along two curves do not tell that the curves are one.
+    if (options.tolerance == 0.0 && options.floor == 0.0)
+        return false;
+    const ShapeNumbers first = NumbersOf(left);
+    const ShapeNumbers second = NumbersOf(right);
+    return first.structure == second.structure &&
+           AreSpansEqual(first.numbers, second.numbers, options);
+}
+
 struct ValueHash
 {
     const DifferenceOptions& options;
@@ -96,6 +118,8 @@ bool AreEqual(const ItemData& before, const ItemData& after, ItemKind kind,
         return false;
     if (const auto* const number = std::get_if<double>(&before))
         return AreSpansEqual({number, 1}, {&std::get<double>(after), 1}, options);
+    if (const auto* const bytes = std::get_if<StreamBytes>(&before))
+        return AreShapesEqual(*bytes, std::get<StreamBytes>(after), options);
     const auto* const numbers = std::get_if<Doubles>(&before);
     if (numbers == nullptr)
         return before == after;

@@ -1,5 +1,6 @@
 #include "KARMPEntityElement.h"
 
+#include "KARBase64.h"
 #include "KARMPClassItems.h"
 #include "KARMPEntityContents.h"
 #include "KARTextConversion.h"
@@ -19,8 +20,12 @@ using Type = KARMPSerializationVariable::Type;
 // Of what a class writes by code alone a summary is shown.
 constexpr std::size_t LongestSummary = 120;
 
+constexpr std::wstring_view LengthName = L"length";
+
 std::wstring TextOf(const ItemData& data)
 {
+    if (const auto* const bytes = std::get_if<std::vector<unsigned char>>(&data))
+        return kar::ToWide(StreamText(*bytes));
     if (const auto* const text = std::get_if<std::wstring>(&data))
         return *text;
     if (const auto* const flag = std::get_if<bool>(&data))
@@ -75,8 +80,13 @@ ItemData EntityElement::Value() const
         return GetValued();
     case Type::Int:
         return GetValuei();
-    case Type::String:
+    case Type::String: {
+        // The text of a stream stands for its bytes.
+        std::vector<unsigned char> bytes;
+        if (IsStream() && kar::Base64Decode(std::wstring_view(GetValues()), bytes))
+            return bytes;
         return std::wstring(GetValues());
+    }
     default:
         return {};
     }
@@ -96,6 +106,12 @@ ItemData EntityElement::AttributeValue(int index) const
     default:
         return {};
     }
+}
+
+bool EntityElement::IsStream() const
+{
+    return Name().ends_with(L"Stream") &&
+           !std::holds_alternative<std::monostate>(AttributeNamed(LengthName));
 }
 
 ItemData EntityElement::AttributeNamed(std::wstring_view name) const
@@ -185,7 +201,10 @@ void ElementComparison::CompareAttributes(const Pair& pair)
     const bool isReference = !pair.path.empty() && names.count(L"id") != 0;
     for (const std::wstring& name : names) {
         const std::wstring path = pair.path.empty() ? name : pair.path + L'/' + name;
-        if (m_items.IsGiven(path) || (isReference && name == L"name"))
+        // The length of a stream changes with the stream.
+        const bool isLength =
+            name == LengthName && pair.before->IsStream() && pair.after->IsStream();
+        if (m_items.IsGiven(path) || (isReference && name == L"name") || isLength)
             continue;
         ItemData before = pair.before->AttributeNamed(name);
         ItemData after = pair.after->AttributeNamed(name);

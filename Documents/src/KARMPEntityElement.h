@@ -34,6 +34,8 @@ public:
     int AttributeCount() const { return static_cast<int>(GetAttributeCount()); }
     std::wstring_view AttributeName(int index) const { return GetAttributeId(index); }
     ItemData AttributeValue(int index) const;
+    /// True for an element whose text stands for bytes, the number of which is its "length".
+    bool IsStream() const;
     /// The attribute of a name; none when there is none.
     ItemData AttributeNamed(std::wstring_view name) const;
     /// The values in the element, for people.

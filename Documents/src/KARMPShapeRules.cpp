@@ -4,49 +4,21 @@
 #include "KAR3DRepWalk.h"
 #include "KARBase64.h"
 #include "KARBody.h"
-#include "KARIGMKObjectsLoad.h"
 #include "KARMPMechanismRules.h"
 #include "KARMPNodeQueries.h"
+#include "KARMPShapeStreams.h"
 #include "KARSceneGraphBlocks.h"
 
-#include <memory>
-#include <optional>
 #include <string>
 
 namespace karmp::documents {
 
 namespace {
 
-using Bytes = std::vector<unsigned char>;
-
-struct ReleaseFactory
-{
-    void operator()(KARGeometricFactory* factory) const { factory->Release(); }
-};
-
-/// The objects of a stream and what keeps them alive.
-struct LoadedObjects
-{
-    std::unique_ptr<KARGeometricFactory, ReleaseFactory> factory;
-    KARListPtrKARIGMKObject list;
-};
-
-LoadedObjects ObjectsOf(const Bytes& bytes, std::optional<int> headerMode = std::nullopt)
-{
-    LoadedObjects loaded;
-    KARGMKStream stream(bytes.data(), bytes.size());
-    if (headerMode && KARFailed(stream.OpenReadStreamHeader(*headerMode)))
-        return loaded;
-    KARGeometricFactory* factory = nullptr;
-    KARIGMKObjectsLoad(stream).Load(factory, loaded.list, 0);
-    loaded.factory.reset(factory);
-    return loaded;
-}
-
 /// The bytes of the entity's own stream; none when it has no such attribute or no base-64 there.
-Bytes OwnStream(const KARMPDocumentReader& entity, bool& isThere)
+StreamBytes OwnStream(const KARMPDocumentReader& entity, bool& isThere)
 {
-    Bytes bytes;
+    StreamBytes bytes;
     std::wstring text;
     isThere = entity.HasAttribute(L"stream");
     if (isThere && !KARFailed(entity.GetAttribute(L"stream", text)))
@@ -84,7 +56,7 @@ void MechanismRules::CheckStoredStream(const Node& entity, const Way& below)
 {
     const Node& stream = NodeOf(*below.back());
     std::wstring text;
-    Bytes bytes;
+    StreamBytes bytes;
     if (stream.HasText())
         stream.GetValue(text);
     kar::Base64Decode(std::wstring_view(text), bytes);
@@ -95,7 +67,7 @@ void MechanismRules::CheckStoredStream(const Node& entity, const Way& below)
         m_tell(Code::WrongLength, entity, below,
                "it states " + std::to_string(length) + " bytes and holds " +
                    std::to_string(bytes.size()));
-    if (ObjectsOf(bytes).list.Size() == 0)
+    if (LoadShapes(bytes).list.Size() == 0)
         m_tell(Code::UnreadableStream, entity, below, "no stored geometry can be loaded from it");
 }
 
@@ -108,7 +80,7 @@ void MechanismRules::CheckShape(const Node& entity)
 void MechanismRules::CheckRep(const Node& entity)
 {
     bool isThere = false;
-    const Bytes bytes = OwnStream(entity, isThere);
+    const StreamBytes bytes = OwnStream(entity, isThere);
     if (!isThere)
         return;
     const KAR3DRepOwner<KAR3DRep> scene(KARReadCgr(bytes.data(), bytes.size()));
@@ -126,12 +98,11 @@ void MechanismRules::CheckRep(const Node& entity)
 
 void MechanismRules::CheckShapeBody(const Node& entity)
 {
-    constexpr int HeaderMode = 1;
     bool isThere = false;
-    const Bytes bytes = OwnStream(entity, isThere);
+    const StreamBytes bytes = OwnStream(entity, isThere);
     if (!isThere)
         return;
-    const LoadedObjects loaded = ObjectsOf(bytes, HeaderMode);
+    const StoredShapes loaded = LoadShapes(bytes, ShapeHeaderMode);
     if (loaded.list.Size() != 1 || KARSysDynamicCast<KARBody>(loaded.list[1]) == nullptr)
         m_tell(Code::UnreadableStream, entity, {}, "its stream does not hold exactly one body");
 }

@@ -139,7 +139,7 @@ private:
     std::string TextOf(const Handle& value) const { return TitleOf(value); }
     std::string TextOf(const std::vector<unsigned char>& value) const
     {
-        return Count(value.size(), "byte", "bytes");
+        return documents::StreamText(value);
     }
     std::string TextOf(const Numbers& value) const { return '(' + Joined(value, NumberText) + ')'; }
     std::string TextOf(const Handles& value) const
