@@ -244,7 +244,7 @@ TEST_F(FourBar, TranslationAndRotationAreComparedEachByItself)
 {
     m_bodies[1]->SetPosition(KARMathTransformation2D(KARMathVector2D(1e6, 1e6)));
     const std::string before = Saved("before.xml");
-    m_bodies[1]->SetPosition({{{1.0, 1e-6}, {-1e-6, 1.0}}, {1e6, 1e6}});
+    m_bodies[1]->SetPosition({{{1.0 + 1e-6, 0.0}, {0.0, 1.0}}, {1e6, 1e6}});
     // Far less than the tolerance of the translation, more than that of the rotation.
     const Outcome diff = Run("diff --tolerance 1e-9 " + before + ' ' + Saved("after.xml"));
     ExpectContains(diff.output, "turned: ");
