@@ -11,7 +11,6 @@
 #include "ViewShapes.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace karmp::tool {
 
@@ -137,25 +136,17 @@ void BodyDrawer::Add(const KARMPShape& shape)
 // The length across all that is drawn at a place.
 double BodyDrawer::Extent() const
 {
-    KARMathVector low(HUGE_VAL, HUGE_VAL, HUGE_VAL);
-    KARMathVector high = -low;
-    const auto add = [&](const KARMathPoint& point) {
-        low = {std::min(low.GetX(), point.GetX()), std::min(low.GetY(), point.GetY()),
-               std::min(low.GetZ(), point.GetZ())};
-        high = {std::max(high.GetX(), point.GetX()), std::max(high.GetY(), point.GetY()),
-                std::max(high.GetZ(), point.GetZ())};
-    };
+    ViewBox whole;
     for (const ViewBody& body : m_scene.bodies) {
         for (const KARMathPoint& anchor : body.anchors)
-            add(body.position * anchor);
+            whole.Add(body.position * anchor);
         for (const int shape : body.shapes) {
-            if (const auto& box = m_boxes[static_cast<std::size_t>(shape)]) {
-                add(body.position * box->first);
-                add(body.position * box->second);
-            }
+            const ViewBox& box = m_boxes[static_cast<std::size_t>(shape)];
+            whole.Add(body.position * box.Low());
+            whole.Add(body.position * box.High());
         }
     }
-    return low.GetX() <= high.GetX() ? (high - low).Norm() : 0.0;
+    return whole.Diagonal();
 }
 
 // A body of one anchor has its centre of gravity as another one. The symbols of joints suit the

@@ -1,6 +1,7 @@
 // The bodies of a picture with their shapes, their geometry and the rods that stand for them.
 #pragma once
 
+#include "ViewBox.h"
 #include "ViewEntities.h"
 
 class KARMPBody;
@@ -21,8 +22,6 @@ public:
     const ViewDrawing* Find(const KARMPGeometry& geometry) const;
 
 private:
-    using Box = std::pair<KARMathPoint, KARMathPoint>;
-
     void Add(const KARMPBody& body, bool isGlobal);
     void Add(const KARMPGeometry& geometry);
     void Add(const KARMPShape& shape);
@@ -32,7 +31,7 @@ private:
 
     EntityIndex& m_entities;
     ViewScene& m_scene;
-    std::vector<std::optional<Box>> m_boxes; // of the shapes
+    std::vector<ViewBox> m_boxes; // of the shapes
     std::unordered_map<const KARMPBody*, std::size_t> m_bodies;
     std::unordered_map<const KARMPGeometry*, std::pair<std::size_t, std::size_t>> m_drawings;
 };

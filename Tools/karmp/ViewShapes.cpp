@@ -94,21 +94,12 @@ std::vector<ViewPiece> DrawShape(const KARMPShape& shape)
     return {std::move(piece)};
 }
 
-std::optional<std::pair<KARMathPoint, KARMathPoint>> BoxAround(const std::vector<ViewPiece>& pieces)
+ViewBox BoxAround(const std::vector<ViewPiece>& pieces)
 {
-    std::optional<std::pair<KARMathPoint, KARMathPoint>> box;
-    for (const ViewPiece& piece : pieces) {
-        for (std::size_t i = 0; i + 2 < piece.points.size(); i += 3) {
-            const KARMathPoint point(piece.points[i], piece.points[i + 1], piece.points[i + 2]);
-            if (!box)
-                box.emplace(point, point);
-            auto& [low, high] = *box;
-            low = {std::min(low.GetX(), point.GetX()), std::min(low.GetY(), point.GetY()),
-                   std::min(low.GetZ(), point.GetZ())};
-            high = {std::max(high.GetX(), point.GetX()), std::max(high.GetY(), point.GetY()),
-                    std::max(high.GetZ(), point.GetZ())};
-        }
-    }
+    ViewBox box;
+    for (const ViewPiece& piece : pieces)
+        for (std::size_t i = 0; i + 2 < piece.points.size(); i += 3)
+            box.Add({piece.points[i], piece.points[i + 1], piece.points[i + 2]});
     return box;
 }
 

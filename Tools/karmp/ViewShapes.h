@@ -1,6 +1,7 @@
 // How a representation is drawn.
 #pragma once
 
+#include "ViewBox.h"
 #include "ViewScene.h"
 
 class KAR3DRep;
@@ -15,8 +16,7 @@ std::vector<ViewPiece> DrawRepresentation(const KAR3DRep& rep);
 /// The pieces of a shape: those of its representation, or the faces of its body; none otherwise.
 std::vector<ViewPiece> DrawShape(const KARMPShape& shape);
 
-/// The box around pieces, as its lowest and highest corner; none without a point.
-std::optional<std::pair<KARMathPoint, KARMathPoint>> BoxAround(
-    const std::vector<ViewPiece>& pieces);
+/// The box around pieces.
+ViewBox BoxAround(const std::vector<ViewPiece>& pieces);
 
 } // namespace karmp::tool

@@ -40,11 +40,10 @@ TEST(ViewShapes, PlacesEachPieceOfASceneGraphInTheAxesOfTheBody)
     EXPECT_EQ(pieces[1].points, (Numbers{10, 0, 1, 10, 0, 2}));
     EXPECT_TRUE(pieces[1].triangles.empty());
     EXPECT_EQ(pieces[1].colour, (std::array{1.0, 0.0, 0.0, 1.0}));
-    const auto box = BoxAround(pieces);
-    ASSERT_TRUE(box);
-    EXPECT_EQ(box->first, KARMathPoint(10, 0, 0));
-    EXPECT_EQ(box->second, KARMathPoint(11, 6, 2));
-    EXPECT_FALSE(BoxAround({}));
+    EXPECT_EQ(BoxAround(pieces).Low(), KARMathPoint(10, 0, 0));
+    EXPECT_EQ(BoxAround(pieces).High(), KARMathPoint(11, 6, 2));
+    EXPECT_TRUE(BoxAround({}).IsEmpty());
+    EXPECT_EQ(BoxAround({}).Diagonal(), 0.0);
 }
 
 TEST(ViewShapes, KeepsNormalsAcrossAScaledMesh)
@@ -67,6 +66,25 @@ TEST(ViewShapes, LeavesOutPiecesThatCannotBeDrawn)
     bag->AddChild(far);
     bag->AddChild(KAR3DMeshRep::CreateRep({}, {}));
     EXPECT_TRUE(DrawRepresentation(*bag).empty());
+}
+
+TEST(ViewShapes, OfPlanarBodiesAreTheFacesOfTheirTopologicalBody)
+{
+    KARGeometricFactory* const factory = KARGeometricFactory::Create();
+    KARBody* const solid = factory->Make<KARBody>();
+    auto* const plane =
+        factory->Make<KARPlaneSurface>(KARMathPoint(1, 2, 3), KARMathVector(1, 0, 0),
+                                       KARMathVector(0, 1, 0), KARSurLimits{0, 2, 0, 4});
+    solid->AddFace({plane, false, {}});
+    const auto shape = KARMPShapeBody::create(L"s");
+    EXPECT_TRUE(DrawShape(*shape).empty()) << "without a body";
+    shape->SetBody(solid);
+    factory->Release();
+    const auto pieces = DrawShape(*shape);
+    ASSERT_EQ(pieces.size(), 1U);
+    EXPECT_EQ(pieces[0].points, (Numbers{1, 2, 3, 1, 6, 3, 3, 2, 3, 3, 6, 3}));
+    EXPECT_EQ(pieces[0].triangles.size(), 6U);
+    EXPECT_FALSE(pieces[0].colour);
 }
 
 TEST(ViewShapes, AreSharedByTheBodiesThatHaveThem)
