@@ -1,6 +1,8 @@
 #include "ClassLinks.h"
 #include "Commands.h"
+#include "KARBase64.h"
 #include "KARMPEnumerationTexts.h"
+#include "KARMPWorldDifference.h"
 #include "KARTextConversion.h"
 #include "Loading.h"
 #include "Output.h"
@@ -137,7 +139,7 @@ private:
     }
 
     // Calls `visit` with the attributes that tell attributes and generic entities apart where their
-    // names do not.
+    // names do not, and with what shapes look like.
     template <class Visit>
     static void ForEachWord(const Element& entity, Visit visit)
     {
@@ -147,6 +149,13 @@ private:
             if (!word.empty())
                 visit(name, word);
         }
+        // Of a shape, what its stream holds.
+        std::wstring_view stream;
+        std::vector<unsigned char> bytes;
+        const bool isShape = entity.Id() == L"Rep3D" || entity.Id() == L"ShapeBody";
+        if (isShape && !KARFailed(entity.GetAttribute(L"stream", stream)) &&
+            kar::Base64Decode(stream, bytes))
+            visit(L"stream", kar::ToWide(documents::StreamText(bytes)));
     }
 
     /// The targets of an item of an entity, or the length of a list, as text.

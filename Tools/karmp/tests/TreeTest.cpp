@@ -45,6 +45,21 @@ TEST_F(Equipped, TreeCountsContacts)
                          "  ProximitySensor \"near\"\n");
 }
 
+TEST_F(Equipped, TreeTellsWhatAShapeLooksLike)
+{
+    const std::string triangle = "S0NSRwEAAABTAAAAAAAAAB6bgJ1HAAAAAgADAAAAAAAAAAAAAAAAAAAA"
+                                 "AAAAAAAAAAAAAAAAAAAA8D8AAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA"
+                                 "AAAAAADwPwAAAAAAAAAAAQACAg==";
+    const std::string shapes = "<Shapes><Rep3D id=\"L\" name=\"look\" isActive=\"yes\" stream=\"" +
+                               triangle + "\"/></Shapes></World>";
+    const std::string file = Write("shape.xml", With(EquippedDocument(), "</World>", shapes));
+    ExpectContains(Run("tree --family Shapes " + file).output,
+                   "  Rep3D \"look\", stream a scene graph of 1 node with 1 triangle (103 bytes, "
+                   "83070f1)\n");
+    ExpectContains(Run("tree --json " + file).output,
+                   "\"stream\": \"a scene graph of 1 node with 1 triangle (103 bytes, ");
+}
+
 TEST_F(Equipped, TreeShowsTheLinksOfAClassThatItDoesNotKnow)
 {
     const std::string text =
