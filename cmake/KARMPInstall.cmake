@@ -1,4 +1,5 @@
-# Installation: libraries, headers, tool, and the files by which CMake and pkg-config find them.
+# Installation: libraries, headers, tool, documentation, examples, and the files by which CMake and
+# pkg-config find them.
 
 include(CMakePackageConfigHelpers)
 
@@ -34,6 +35,14 @@ if(TARGET karmp)
     set_target_properties(karmp PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
     install(TARGETS karmp RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()
+
+# In the layout of the sources, so that links from page to page hold.
+install(
+    FILES LICENSE README.md CHANGELOG.md CONTRIBUTING.md SECURITY.md
+    DESTINATION ${CMAKE_INSTALL_DOCDIR}
+)
+install(DIRECTORY docs Examples DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES cmake/valgrind.supp DESTINATION ${CMAKE_INSTALL_DATADIR}/KARMPEntities)
 
 set(karmp_package_folder "${CMAKE_INSTALL_LIBDIR}/cmake/KARMPEntities")
 install(
