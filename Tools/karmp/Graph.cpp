@@ -5,6 +5,7 @@
 #include "Loading.h"
 #include "NamedBodies.h"
 #include "Output.h"
+#include "ToolLimits.h"
 #include "Writing.h"
 
 #include <algorithm>
@@ -19,13 +20,6 @@
 namespace karmp::tool {
 
 namespace {
-
-// Graphviz draws this many bodies in five seconds; its time grows faster than their number. Bitmaps
-// are limited to 32,767 pixels a side besides, so that larger graphs would not be readable.
-std::size_t MostBodies(std::string_view format)
-{
-    return format == "png" ? 1000 : 3000;
-}
 
 constexpr std::array<std::string_view, 4> Formats{"dot", "svg", "png", "pdf"};
 

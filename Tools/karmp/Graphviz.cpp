@@ -1,5 +1,7 @@
 #include "Graphviz.h"
 
+#include "ToolLimits.h"
+
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -23,8 +25,6 @@ namespace karmp::tool {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-constexpr std::size_t LargestPicture = 1U << 30U; // bytes
 
 std::nullopt_t Report(const std::string& text)
 {

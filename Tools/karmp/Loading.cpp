@@ -3,6 +3,7 @@
 #include "KARMPFamilies.h"
 #include "KARMPWorld.h"
 #include "Output.h"
+#include "ToolLimits.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -16,9 +17,6 @@
 namespace karmp::tool {
 
 namespace {
-
-// High enough that warnings do not crowd out an error.
-constexpr std::size_t MostProblems = 1'000'000;
 
 std::string Activity(const char* verb, const std::string& file)
 {

@@ -6,6 +6,7 @@
 #include "KARMPWorld.h"
 #include "Loading.h"
 #include "Output.h"
+#include "ToolLimits.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -24,8 +25,6 @@ namespace fs = std::filesystem;
 using documents::Diagnostic;
 using documents::Diagnostics;
 using documents::Severity;
-
-constexpr std::size_t MaximumDifferences = 1000;
 
 Diagnostics LossesAmong(const Diagnostics& messages)
 {
