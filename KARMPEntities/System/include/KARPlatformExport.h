@@ -12,5 +12,5 @@
 #endif
 
 #if __cplusplus < 202002L && !(defined(_MSVC_LANG) && _MSVC_LANG >= 202002L)
-#    error "KARMPEntities needs C++20: compile with -std=c++20, or link KARMP::KARMPEntities in CMake"
+#    error "KARMPEntities needs C++20: compile with -std=c++20 or link KARMP::KARMPEntities"
 #endif
