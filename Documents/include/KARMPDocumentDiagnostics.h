@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -75,16 +76,60 @@ enum class Code : std::uint8_t {
     RepWithoutMesh,       ///< A scene graph shows no surface of a body.
     MixedDimensions,      ///< A constraint of a planar joint is about a geometry in space.
     LostMaterials,        ///< Materials that the document does not hold.
-    FailedCheck,          ///< The entity library reported a failed check.
-    InvalidCast,          ///< The entity library failed on a reference of a wrong class.
-    OutOfMemory,          ///< An allocation failed.
-    Failed                ///< Anything else made the operation fail.
+    DecimalComma,         ///< A number with a decimal comma.
+    TooSmall,             ///< A number that is too small for a double and reads as 0.
+    UnknownNumber,        ///< A number that stands for none of the words of its enumeration.
+    DisabledValue,        ///< A value beside a flag that says that there is none.
+    OtherName,            ///< A reference names its target by a name that the target does not have.
+    RepeatedReference,    ///< A list refers to one entity twice.
+    Cycle,                ///< An entity is above itself in a tree of entities.
+    TermOrder,            ///< The index of a linear term is not its place.
+    MappingRange,         ///< A variable mapping is about a variable that is not linked.
+    UnlinkedVariable,     ///< An equation has more or fewer variables than are linked.
+    EquationText,         ///< The text of an equation does not parse.
+    NegativeMass,         ///< A mass below zero.
+    AsymmetricInertia,    ///< An inertia matrix that is not symmetric.
+    NegativeInertia,      ///< An inertia matrix with a negative principal moment.
+    ImpossibleInertia,    ///< Principal moments that break the triangle inequality.
+    NoRotation,           ///< Axes that are no unit vectors at right angles.
+    Reflection,           ///< Axes that are left-handed.
+    NullAxis,             ///< A direction of length zero.
+    ReversedLimits,       ///< A lower limit above the upper one.
+    OutsideLimits,        ///< A value outside of its limits.
+    NoTolerance,          ///< A tolerance of the world that is not positive.
+    CouplingWithoutEquation, ///< A coupling without an equation.
+    TooFewGeometries,        ///< A constraint on fewer geometries than it relates.
+    TooFewBodies,            ///< A joint of fewer than two bodies.
+    WrongQuantity,           ///< A value or variable of a quantity that does not fit.
+    UnknownFreedom,          ///< A freedom of a joint that is not one of 0 to 5.
+    LooseBody,               ///< A body that nothing else refers to.
+    FailedCheck,             ///< The entity library reported a failed check.
+    InvalidCast,             ///< The entity library failed on a reference of a wrong class.
+    OutOfMemory,             ///< An allocation failed.
+    Failed                   ///< Anything else made the operation fail.
 };
 
 /// The stable text of a code in lower case with hyphens, "duplicate-identifier" for one.
 KARMP_DOCUMENTS_API std::string_view CodeText(Code code);
+/// The code of a text; empty for a text that is none.
+KARMP_DOCUMENTS_API std::optional<Code> FindCode(std::string_view text);
 /// "warning" or "error".
 KARMP_DOCUMENTS_API std::string_view SeverityText(Severity severity);
+
+/// What a code means. All texts are static.
+struct Finding
+{
+    Code code;
+    std::string_view text; ///< As CodeText.
+    Severity severity;     ///< Where both occur, the one that is more frequent.
+    std::string_view says; ///< What is the matter, a sentence.
+    std::string_view cause;
+    std::string_view cure;
+};
+/// All codes in the order of the enumeration.
+KARMP_DOCUMENTS_API const std::vector<Finding>& Findings();
+/// Findings as Markdown, which is docs/findings.md.
+KARMP_DOCUMENTS_API std::string FindingsReference();
 
 /// One message.
 struct Diagnostic

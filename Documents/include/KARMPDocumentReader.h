@@ -41,6 +41,12 @@ public:
     std::size_t Line() const;
     /// Byte of the element's name in its line from 1, found by a binary search.
     std::size_t Column() const;
+    /// Line and column of the name of an attribute, the last one of that name; false, with the
+    /// position of the element's name, when it has none.
+    bool FindAttribute(std::wstring_view name, std::size_t& line, std::size_t& column) const;
+    /// Line and column of the first byte of the text that is no blank; false, with the position of
+    /// the element's name, when there is none.
+    bool FindText(std::size_t& line, std::size_t& column) const;
     /// True when the element holds a text, which may be empty where there are no elements.
     bool HasText() const { return HasValue(); }
 

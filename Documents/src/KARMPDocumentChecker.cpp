@@ -10,6 +10,7 @@
 #include "KARMPSchemaClasses.h"
 #include "KARMPSerializationServices.h"
 #include "KARMPTextEscapes.h"
+#include "KARMPValueFaults.h"
 #include "KARTextConversion.h"
 
 #include <algorithm>
@@ -35,45 +36,15 @@ std::wstring IdentifierOf(const KARMPDocumentReader& node)
     return identifier;
 }
 
-bool IsBlank(std::wstring_view text)
+// Names of items that a version has, as candidates for a name that is none.
+std::vector<std::wstring_view> NamesOf(const std::vector<SchemaItem>& items,
+                                       std::wstring_view version)
 {
-    return text.find_first_not_of(L" \t\r\n") == std::wstring_view::npos;
-}
-
-bool IsFlag(const KARMPDocumentReader& node, std::wstring_view attribute)
-{
-    bool flag = false;
-    return !KARFailed(attribute.empty() ? node.GetValue(flag) : node.GetAttribute(attribute, flag));
-}
-
-// The message on a text, of an element or of its attribute, that is not of its kind; empty when it
-// is.
-std::string FaultOf(const SchemaItem& item, const KARMPDocumentReader& node,
-                    std::wstring_view attribute, std::wstring_view text, Severity& severity)
-{
-    severity = Severity::Error;
-    switch (item.kind) {
-    case ItemKind::Number:
-        return kar::IsNumber(text, kar::DecimalMark::PointOrComma) ? std::string()
-                                                                   : Quoted(text) + " is no number";
-    case ItemKind::Integer:
-    case ItemKind::Code:
-        return kar::IsInteger(text) ? std::string() : Quoted(text) + " is no whole number";
-    case ItemKind::Flag:
-        return IsFlag(node, attribute) ? std::string()
-                                       : Quoted(text) + " is neither true nor false";
-    case ItemKind::Word:
-        severity = Severity::Warning;
-        if (std::find(item.words.begin(), item.words.end(), text) != item.words.end())
-            return {};
-        return Quoted(text) + " is none of the words that are known here";
-    case ItemKind::Group:
-    case ItemKind::Reference:
-        severity = Severity::Warning;
-        return IsBlank(text) ? std::string() : "the text " + Quoted(text) + " is not read";
-    default:
-        return {};
-    }
+    std::vector<std::wstring_view> names;
+    for (const SchemaItem& item : items)
+        if (item.Applies(version) && !item.anyName)
+            names.push_back(item.name);
+    return names;
 }
 
 } // namespace
@@ -85,8 +56,8 @@ DocumentChecker::DocumentChecker(const KARMPDocumentReader& root, Messages& mess
     if (level == CheckLevel::Mechanism)
         m_rules.emplace(
             m_identifiers,
-            [this](Code code, const Node& entity, const Way& below, std::string text) {
-                TellOfMeaning(code, entity, below, std::move(text));
+            [this](Code code, const Node& entity, const RulePlace& place, std::string text) {
+                TellOfMeaning(code, entity, place, std::move(text));
             });
 }
 
@@ -124,6 +95,8 @@ void DocumentChecker::CollectIdentifiers()
         }
     }
     m_links.Sort();
+    if (m_rules)
+        m_rules->EndNotes();
     m_frames.clear();
     m_pending.clear();
 }
@@ -180,6 +153,7 @@ bool DocumentChecker::Push(const Node& node, const SchemaItem* item, const Famil
     if (m_pending.size() == begin && (item == nullptr || item->elements.empty()))
         return false;
     m_frames.push_back({&node, item, family, begin, begin, m_pending.size(), 0, 0});
+    m_listed.clear();
     return true;
 }
 
@@ -247,7 +221,8 @@ const SchemaItem* DocumentChecker::FindElement(Frame& frame, const Node& child)
              "the element " + Quoted(name) + " is not read at the version of the document");
     } else {
         Tell(Severity::Warning, Code::UnknownElement, child,
-             "nothing reads the element " + Quoted(name));
+             "nothing reads the element " + Quoted(name) +
+                 Suggestion(name, NamesOf(items, m_version)));
     }
     return nullptr;
 }
@@ -261,7 +236,44 @@ void DocumentChecker::CheckElement(const Node& node, const SchemaItem& item)
     const Family* const family = m_frames.size() == 2 ? FamilyOf(item) : nullptr;
     if (family != nullptr && m_rules)
         m_rules->CheckFamily(family->className, node);
+    if (m_frames.size() == 1 && m_rules)
+        m_rules->CheckWorld(node);
+    CheckDisabledValue(node, item);
     Push(node, &item, family);
+}
+
+// A group of a flag "Has..." and a number that is read only where the flag is true.
+void DocumentChecker::CheckDisabledValue(const Node& node, const SchemaItem& item)
+{
+    if (item.elements.size() != 2 || item.elements[0].kind != ItemKind::Flag ||
+        item.elements[1].kind != ItemKind::Number)
+        return;
+    const KARMPDeserializer* const flag = First(node, item.elements[0].name);
+    const KARMPDeserializer* const number = First(node, item.elements[1].name);
+    bool isSet = false;
+    if (flag == nullptr || KARFailed(flag->GetValue(isSet)) || isSet == (number != nullptr))
+        return;
+    const std::string name = Quoted(item.elements[0].name);
+    if (isSet)
+        Tell(Severity::Error, Code::DisabledValue, node,
+             "the element " + Quoted(item.elements[1].name) + " is missing, though " + name +
+                 " says that there is a value");
+    else
+        TellBelow(Code::DisabledValue, node, *number,
+                  "the value is not read: " + name + " says that there is none");
+}
+
+void DocumentChecker::TellBelow(Code code, const Node& node, const KARMPDeserializer& child,
+                                std::string text)
+{
+    if (m_messages.Full())
+        return;
+    Way way;
+    for (const Frame& frame : m_frames)
+        way.push_back(frame.node);
+    way.insert(way.end(), {&node, &child});
+    m_messages.Warning(code, std::move(text), PathText(way), NodeOf(child).Line(),
+                       NodeOf(child).Column());
 }
 
 void DocumentChecker::CheckEntity(const Node& entity, const Family& family)
@@ -269,7 +281,8 @@ void DocumentChecker::CheckEntity(const Node& entity, const Family& family)
     const Class& type = ClassOf(entity.Id());
     if (type.lineage.empty()) {
         Tell(Severity::Error, Code::UnknownClass, entity,
-             "no entity class belongs to the element " + Quoted(entity.Id()));
+             "no entity class belongs to the element " + Quoted(entity.Id()) +
+                 SuggestionOfClass(entity.Id(), family));
         return;
     }
     if (!IsA(type, family.className)) {
@@ -285,6 +298,15 @@ void DocumentChecker::CheckEntity(const Node& entity, const Family& family)
     if (!entity.HasAttribute(L"id"))
         Tell(Severity::Error, Code::MissingAttribute, entity, "the attribute \"id\" is missing");
     Push(entity, nullptr, nullptr);
+}
+
+std::string DocumentChecker::SuggestionOfClass(std::wstring_view element, const Family& family)
+{
+    std::vector<std::wstring_view> elements;
+    for (const EntityClass& entityClass : EntityClasses())
+        if (entityClass.IsA(family.className))
+            elements.push_back(entityClass.item->name);
+    return Suggestion(element, elements);
 }
 
 // Where the items are not known, an empty element with an identifier is a reference.
@@ -305,7 +327,9 @@ void DocumentChecker::CheckAttributes(const Node& node, const SchemaItem& item)
                          [name](const SchemaItem& entry) { return entry.name == name; });
         if (found == items.end()) {
             Tell(Severity::Warning, Code::UnknownAttribute, node,
-                 "nothing reads the attribute " + Quoted(name), name);
+                 "nothing reads the attribute " + Quoted(name) +
+                     Suggestion(name, NamesOf(items, m_version)),
+                 name);
             continue;
         }
         seen |= std::uint64_t{1} << (found - items.begin());
@@ -321,7 +345,9 @@ void DocumentChecker::CheckAttributes(const Node& node, const SchemaItem& item)
     }
     for (std::size_t index = 0; index < items.size(); ++index) {
         const SchemaItem& entry = items[index];
-        if (entry.presence != ItemPresence::Optional && (seen >> index & 1U) == 0 && Applies(entry))
+        // Of the root, the parser tells.
+        if (!m_frames.empty() && entry.presence != ItemPresence::Optional &&
+            (seen >> index & 1U) == 0 && Applies(entry))
             TellMissing(node, entry, Code::MissingAttribute, "attribute");
     }
 }
@@ -329,13 +355,12 @@ void DocumentChecker::CheckAttributes(const Node& node, const SchemaItem& item)
 void DocumentChecker::CheckText(const Node& node, const SchemaItem& item, std::wstring_view text,
                                 std::wstring_view attribute)
 {
-    Severity severity{};
-    std::string fault = FaultOf(item, node, attribute, text, severity);
-    if (!fault.empty()) {
-        const bool unread = item.kind == ItemKind::Group || item.kind == ItemKind::Reference;
-        Tell(severity, unread ? Code::UnexpectedText : Code::InvalidValue, node, std::move(fault),
-             attribute);
-    }
+    std::optional<ValueFault> fault = FaultOf(item, text);
+    // What reads as it stands is nothing to tell of where only the form counts.
+    const bool isRead =
+        fault && (fault->code == Code::DecimalComma || fault->code == Code::NotFinite);
+    if (fault && (m_rules || !isRead))
+        TellAt(fault->severity, fault->code, node, std::move(fault->text), Place::Text, attribute);
 }
 
 void DocumentChecker::CheckReference(const Node& node, const SchemaItem* item)
@@ -347,21 +372,68 @@ void DocumentChecker::CheckReference(const Node& node, const SchemaItem* item)
         *target < m_identified.size() ? m_identified[*target] : Identified();
     if (identified.node == nullptr) {
         Tell(Severity::Error, Code::UnresolvedReference, node,
-             "no entity carries the identifier " + Quoted(IdentifierOf(node)), L"id");
+             "no entity carries the identifier " + Quoted(IdentifierOf(node)) +
+                 SuggestionOfIdentifier(IdentifierOf(node)),
+             L"id");
         return;
     }
     const Class& type = *identified.type;
     if (item != nullptr && !type.lineage.empty() && !IsA(type, item->target)) {
         Tell(Severity::Error, Code::WrongClass, node,
-             "the entity " + Quoted(IdentifierOf(node)) + " is a " + type.lineage.front() +
-                 ", not a " + std::string(item->target),
+             "the entity " + Quoted(IdentifierOf(node)) + " is a " + type.lineage.front() + "; a " +
+                 std::string(item->target) + " was expected",
              L"id");
         const bool lasts =
             m_frames.size() <= EntityDepth || !DocumentNodes::IsRead(*m_frames[EntityDepth].node);
         m_wrongReferences.push_back({DocumentNodes::Number(node), lasts ? &node : nullptr});
-    } else if (item != nullptr) {
-        CheckCounterpart(node, *target);
+        return;
     }
+    CheckName(node, *identified.node);
+    if (item != nullptr && !TellRepeated(node, *item, *target))
+        CheckCounterpart(node, *target);
+}
+
+// The name of a reference is for people, whom another one than the target's misleads. Of a target
+// that was renamed, one reference is told.
+void DocumentChecker::CheckName(const Node& reference, const Node& target)
+{
+    if (!m_rules || !reference.HasAttribute(L"name") || !target.HasAttribute(L"name"))
+        return;
+    std::wstring name;
+    std::wstring real;
+    reference.GetAttribute(L"name", name);
+    target.GetAttribute(L"name", real);
+    if (name != real && m_misnamed.insert(&target).second)
+        Tell(Severity::Warning, Code::OtherName, reference,
+             "the entity " + Quoted(IdentifierOf(reference)) + " is called " + Quoted(real) +
+                 ", not " + Quoted(name),
+             L"name");
+}
+
+// True when the list that holds a reference has held one to the same target.
+bool DocumentChecker::TellRepeated(const Node& node, const SchemaItem& item, std::uint32_t target)
+{
+    // A step may be run twice, and an attribute may hold a value twice.
+    const bool isSet = item.repeats && item.name != L"Step" && item.name != L"Value";
+    if (!isSet || m_listed.insert(target).second)
+        return false;
+    Tell(Severity::Warning, Code::RepeatedReference, node,
+         "the list refers to the entity " + Quoted(IdentifierOf(node)) + " for a second time",
+         L"id");
+    return true;
+}
+
+std::string DocumentChecker::SuggestionOfIdentifier(const std::wstring& identifier)
+{
+    constexpr std::size_t most = 20; // searches of all identifiers
+    if (m_messages.Full() || m_suggestions == most)
+        return {};
+    ++m_suggestions;
+    std::vector<std::wstring> carried;
+    for (const Identified& identified : m_identified)
+        if (identified.node != nullptr)
+            carried.push_back(IdentifierOf(*identified.node));
+    return Suggestion(identifier, {carried.begin(), carried.end()});
 }
 
 // The reference stands in an entity, or in a list of the entity.
@@ -371,7 +443,10 @@ void DocumentChecker::CheckCounterpart(const Node& node, std::uint32_t target)
         return;
     const Node& entity = *m_frames[EntityDepth].node;
     const Node& named = m_frames.size() == EntityDepth + 1 ? node : *m_frames.back().node;
-    if (m_links.IsOneSided(m_entity, ClassOf(entity.Id()).sides, named.Id(), target)) {
+    const auto isUnknown = [this](std::uint32_t number) {
+        return number >= m_identified.size() || m_identified[number].node == nullptr;
+    };
+    if (m_links.IsOneSided(m_entity, ClassOf(entity.Id()).sides, named.Id(), target, isUnknown)) {
         Tell(Severity::Warning, Code::OneSidedLink, node,
              "the entity " + Quoted(IdentifierOf(node)) + " does not refer back", L"id");
     }
@@ -392,10 +467,21 @@ void DocumentChecker::TellMissing(const Node& node, const SchemaItem& item, Code
 void DocumentChecker::Tell(Severity severity, Code code, const Node& node, std::string text,
                            std::wstring_view attribute)
 {
-    if (!m_messages.Full()) {
-        m_messages.Add(severity, code, std::move(text), Path(node, attribute), node.Line(),
-                       node.Column());
-    }
+    TellAt(severity, code, node, std::move(text), Place::Name, attribute);
+}
+
+void DocumentChecker::TellAt(Severity severity, Code code, const Node& node, std::string text,
+                             Place place, std::wstring_view attribute)
+{
+    if (m_messages.Full())
+        return;
+    std::size_t line = node.Line();
+    std::size_t column = node.Column();
+    if (!attribute.empty())
+        node.FindAttribute(attribute, line, column);
+    else if (place == Place::Text)
+        node.FindText(line, column);
+    m_messages.Add(severity, code, std::move(text), Path(node, attribute), line, column);
 }
 
 // The way to a node that the last frame holds or is.
@@ -410,8 +496,8 @@ std::string DocumentChecker::Path(const Node& node, std::wstring_view attribute)
 }
 
 // Called while the last frame is that of the entity's family, or that of the world for the list of
-// a family.
-void DocumentChecker::TellOfMeaning(Code code, const Node& entity, const Way& below,
+// a family and for the world's own settings.
+void DocumentChecker::TellOfMeaning(Code code, const Node& entity, const RulePlace& place,
                                     std::string text)
 {
     if (m_messages.Full())
@@ -419,10 +505,18 @@ void DocumentChecker::TellOfMeaning(Code code, const Node& entity, const Way& be
     Way way;
     for (const Frame& frame : m_frames)
         way.push_back(frame.node);
-    way.push_back(&entity);
-    way.insert(way.end(), below.begin(), below.end());
-    const Node& place = NodeOf(*way.back());
-    m_messages.Warning(code, std::move(text), PathText(way), place.Line(), place.Column());
+    if (way.back() != &entity)
+        way.push_back(&entity);
+    way.insert(way.end(), place.below.begin(), place.below.end());
+    const Node& node = NodeOf(*way.back());
+    std::size_t line = node.Line();
+    std::size_t column = node.Column();
+    if (!place.attribute.empty())
+        node.FindAttribute(place.attribute, line, column);
+    else if (place.atText)
+        node.FindText(line, column);
+    m_messages.Add(code == Code::EquationText ? Severity::Error : Severity::Warning, code,
+                   std::move(text), PathText(way, place.attribute), line, column);
 }
 
 std::wstring DocumentChecker::UnusedIdentifier() const

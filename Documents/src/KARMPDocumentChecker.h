@@ -13,6 +13,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace karmp::documents {
@@ -85,11 +86,21 @@ private:
                    std::wstring_view attribute);
     void CheckReference(const Node& node, const SchemaItem* item);
     void CheckCounterpart(const Node& node, std::uint32_t target);
+    void CheckName(const Node& reference, const Node& target);
+    bool TellRepeated(const Node& node, const SchemaItem& item, std::uint32_t target);
+    void CheckDisabledValue(const Node& node, const SchemaItem& item);
+    static std::string SuggestionOfClass(std::wstring_view element, const Family& family);
+    std::string SuggestionOfIdentifier(const std::wstring& identifier);
     void TellMissing(const Node& node, const SchemaItem& item, Code code, std::string_view what);
     void Tell(Severity severity, Code code, const Node& node, std::string text,
               std::wstring_view attribute = {});
+    /// The part of an element that a finding is about.
+    enum class Place { Name, Text };
+    void TellAt(Severity severity, Code code, const Node& node, std::string text, Place place,
+                std::wstring_view attribute);
+    void TellBelow(Code code, const Node& node, const KARMPDeserializer& child, std::string text);
     std::string Path(const Node& node, std::wstring_view attribute) const;
-    void TellOfMeaning(Code code, const Node& entity, const Way& below, std::string text);
+    void TellOfMeaning(Code code, const Node& entity, const RulePlace& place, std::string text);
 
     const Node& m_root;
     Messages& m_messages;
@@ -103,6 +114,11 @@ private:
     std::vector<WrongReference> m_wrongReferences;
     /// The identifier of the entity that is checked, if it has one.
     std::optional<std::uint32_t> m_entity;
+    /// The targets of the list whose references are checked.
+    std::unordered_set<std::uint32_t> m_listed;
+    std::size_t m_suggestions = 0;
+    /// The entities of which a reference with another name was told.
+    std::unordered_set<const Node*> m_misnamed;
     std::vector<Frame> m_frames;
     KARMPDeserializer::ElementVector m_pending;
 };

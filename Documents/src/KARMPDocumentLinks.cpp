@@ -78,18 +78,28 @@ void DocumentLinks::Sort()
 
 bool DocumentLinks::IsOneSided(std::optional<std::uint32_t> owner,
                                const std::vector<LinkSide>& sides, std::wstring_view element,
-                               std::uint32_t target) const
+                               std::uint32_t target,
+                               const std::function<bool(std::uint32_t)>& isUnknown) const
 {
     const auto side = std::find_if(sides.begin(), sides.end(), [element](const LinkSide& entry) {
         return entry.element == element;
     });
     if (side == sides.end() || side->otherNames.empty())
         return false;
-    return !owner || std::none_of(side->otherNames.begin(), side->otherNames.end(),
-                                  [&](std::uint32_t otherName) {
-                                      return std::binary_search(m_links.begin(), m_links.end(),
-                                                                Link{target, *owner, otherName});
-                                  });
+    const auto& names = side->otherNames;
+    if (!owner)
+        return true;
+    if (std::any_of(names.begin(), names.end(), [&](std::uint32_t otherName) {
+            return std::binary_search(m_links.begin(), m_links.end(),
+                                      Link{target, *owner, otherName});
+        }))
+        return false;
+    auto link = std::lower_bound(m_links.begin(), m_links.end(), Link{target, 0, 0});
+    for (; link != m_links.end() && link->owner == target; ++link)
+        if (isUnknown(link->target) &&
+            std::find(names.begin(), names.end(), link->name) != names.end())
+            return false;
+    return true;
 }
 
 } // namespace karmp::documents

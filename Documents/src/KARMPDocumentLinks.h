@@ -6,6 +6,7 @@
 #include "KARMPSchema.h"
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string_view>
 #include <tuple>
@@ -43,9 +44,12 @@ public:
 
     /// True when the entity of the number `owner`, of a class with the sides, refers to `target`
     /// under an element, or as an item of a list of that name, and `target` should refer back but
-    /// does not. Nothing can refer back to an entity without an identifier.
+    /// does not. Nothing can refer back to an entity without an identifier. A target that refers
+    /// to something of which `isUnknown` is true, where it should refer back, is not one-sided:
+    /// that reference is the mistake.
     bool IsOneSided(std::optional<std::uint32_t> owner, const std::vector<LinkSide>& sides,
-                    std::wstring_view element, std::uint32_t target) const;
+                    std::wstring_view element, std::uint32_t target,
+                    const std::function<bool(std::uint32_t)>& isUnknown) const;
 
 private:
     /// One direction of a link: the owner of the reference, its target, and the item's name.

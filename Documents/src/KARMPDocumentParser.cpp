@@ -3,6 +3,8 @@
 #include "KARMPDocumentNames.h"
 #include "KARMPDocuments.h"
 #include "KARMPFileAccess.h"
+#include "KARMPOpenElements.h"
+#include "KARMPValueFaults.h"
 
 #include <algorithm>
 #include <new>
@@ -33,7 +35,7 @@ std::string_view ParseErrorText(pugi::xml_parse_status status)
 {
     switch (status) {
     case pugi::status_unrecognized_tag:
-        return "a \"<\" begins no tag";
+        return "a \"<\" begins no tag; for the sign itself \"&lt;\" is written";
     case pugi::status_bad_pi:
         return "a processing instruction or declaration is malformed or not closed";
     case pugi::status_bad_comment:
@@ -45,14 +47,42 @@ std::string_view ParseErrorText(pugi::xml_parse_status status)
     case pugi::status_bad_start_element:
         return "a start tag is malformed or not closed";
     case pugi::status_bad_attribute:
-        return "an attribute is malformed or not closed";
+        return "an attribute is malformed, or its value is not closed: a quotation mark is missing";
     case pugi::status_bad_end_element:
         return "an end tag is malformed or not closed";
     case pugi::status_end_element_mismatch:
-        return "a start tag and an end tag do not match, or an element is not closed";
+        return "a start tag and an end tag do not match";
     default:
         return "the document is no well-formed XML";
     }
+}
+
+std::string InTag(const std::string& name)
+{
+    std::wstring wide;
+    AppendDecodedCData(wide, name);
+    const std::string quoted = Quoted(wide);
+    return '<' + quoted.substr(1, quoted.size() - 2) + '>';
+}
+
+// The encoding that the declaration at the begin of a document names; empty when it names none.
+std::string DeclaredEncoding(std::string_view text)
+{
+    if (text.starts_with("\xEF\xBB\xBF"))
+        text.remove_prefix(3);
+    if (!text.starts_with("<?xml"))
+        return {};
+    text = text.substr(0, std::min(text.find("?>"), std::size_t{200}));
+    const std::size_t name = text.find("encoding");
+    const std::size_t begin = name != text.npos ? text.find_first_of("\"'", name) : text.npos;
+    if (begin == text.npos)
+        return {};
+    const std::size_t end = text.find(text[begin], begin + 1);
+    const std::string_view encoding =
+        text.substr(begin + 1, std::min(end, text.size()) - begin - 1);
+    const bool isPlain = std::all_of(encoding.begin(), encoding.end(),
+                                     [](char byte) { return byte > ' ' && byte <= '~'; });
+    return isPlain ? std::string(encoding.substr(0, 40)) : std::string();
 }
 
 bool SameWithoutCase(std::string_view left, std::string_view right)
@@ -148,12 +178,8 @@ bool DocumentParser::CheckBytes()
 bool DocumentParser::Parse()
 {
     const SourceText& lines = m_source.Lines();
-    if (lines.Found() != SourceText::Fault::None) {
-        const bool notUtf8 = lines.Found() == SourceText::Fault::NotUtf8;
-        return Fail(Code::Encoding,
-                    notUtf8 ? "the bytes are no UTF-8" : "a control character that XML cannot hold",
-                    lines.Find(lines.FaultOffset()));
-    }
+    if (lines.Found() != SourceText::Fault::None)
+        return ReportFaultyBytes();
     std::string& text = m_source.Text();
     m_hasReferences = text.find('&') != std::string::npos;
     m_isClean = lines.IsClean() && !m_hasReferences && text.find('\\') == std::string::npos;
@@ -168,6 +194,26 @@ bool DocumentParser::Parse()
     return true;
 }
 
+bool DocumentParser::ReportFaultyBytes()
+{
+    const SourceText& lines = m_source.Lines();
+    const std::string& text = m_source.Text();
+    const SourcePosition position = lines.Find(lines.FaultOffset());
+    if (lines.Found() == SourceText::Fault::NotUtf8) {
+        const std::string declared = DeclaredEncoding(text);
+        return Fail(Code::Encoding,
+                    "the bytes are no UTF-8; the document " +
+                        (declared.empty() ? std::string("declares no encoding")
+                                          : "is declared as " + declared),
+                    position);
+    }
+    const bool isWide = text.size() > 1 && (text[0] == '\0') != (text[1] == '\0');
+    return Fail(Code::Encoding,
+                isWide ? "the document is UTF-16; only UTF-8 is read"
+                       : "a control character that XML cannot hold",
+                position);
+}
+
 bool DocumentParser::ReportParseError(const pugi::xml_parse_result& result)
 {
     if (result.status == pugi::status_out_of_memory)
@@ -175,19 +221,56 @@ bool DocumentParser::ReportParseError(const pugi::xml_parse_result& result)
     const SourcePosition position = m_source.Lines().Find(static_cast<std::size_t>(result.offset));
     if (result.status == pugi::status_bad_doctype)
         return Fail(Code::Doctype, "a document type declaration is refused", position);
-    return Fail(Code::Syntax, std::string(ParseErrorText(result.status)), position);
+    return Fail(Code::Syntax, SyntaxFault(result), position);
+}
+
+// One sentence: the end of the document explains a fault there, an open element an end tag that
+// does not match.
+std::string DocumentParser::SyntaxFault(const pugi::xml_parse_result& result) const
+{
+    const std::string_view text = m_source.Text();
+    const auto fault = static_cast<std::size_t>(result.offset);
+    const OpenElements found(m_parsed, text, fault);
+    std::string open = "no element is open";
+    if (!found.Open().empty()) {
+        const OpenElements::Element& last = found.Open().back();
+        open = InTag(last.name) + " is open, since line " +
+               std::to_string(m_source.Lines().Find(last.offset).line);
+    }
+    const std::size_t end = text.find_last_not_of(std::string(Blanks) + '\0');
+    if (end == std::string_view::npos || fault >= end ||
+        text.find('>', fault) == std::string_view::npos)
+        return "the document ends here, as if it were cut off; " + open;
+    if (result.status == pugi::status_end_element_mismatch && !found.Met().empty())
+        return "the end tag " + InTag('/' + found.Met()) + " stands where " + open;
+    // The parser tells of a value that is not closed where it begins.
+    const bool isValue = result.status == pugi::status_bad_attribute && fault > 0 &&
+                         (text[fault - 1] == '"' || text[fault - 1] == '\'');
+    if (isValue && text.find(text[fault - 1], fault) == std::string_view::npos)
+        return "the value of an attribute is not closed: a quotation mark is missing, or the "
+               "document "
+               "is cut off; " +
+               open;
+    return std::string(ParseErrorText(result.status));
 }
 
 bool DocumentParser::CheckDeclaration(const pugi::xml_node& declaration)
 {
+    const auto value = [](const pugi::xml_attribute& attribute) {
+        return std::string(attribute.value()).substr(0, 40);
+    };
+    const pugi::xml_attribute version = declaration.attribute("version");
+    if (version && value(version) != "1.0")
+        return Fail(Code::Syntax,
+                    "the document is XML " + value(version) + "; only XML 1.0 is read",
+                    PositionOf(version.name()));
     const pugi::xml_attribute encoding = declaration.attribute("encoding");
     if (!encoding || SameWithoutCase(encoding.value(), "UTF-8") ||
         SameWithoutCase(encoding.value(), "US-ASCII"))
         return true;
     return Fail(Code::Encoding,
-                "the document is declared as " + std::string(encoding.value()).substr(0, 40) +
-                    "; only UTF-8 is read",
-                {});
+                "the document is declared as " + value(encoding) + "; only UTF-8 is read",
+                PositionOf(encoding.name()));
 }
 
 bool DocumentParser::FindRoot(pugi::xml_node& root)
@@ -242,9 +325,15 @@ bool DocumentParser::ReadVersion(const pugi::xml_node& root)
     AppendDecoded(m_document.m_version, version.value(), TextContext::Attribute);
     const auto& known = KnownVersions();
     if (std::find(known.begin(), known.end(), m_document.m_version) == known.end()) {
-        m_messages.Warning(Code::UnknownVersion,
-                           "the version " + Quoted(m_document.m_version) + " is not known",
-                           std::string(rootPath) + "/@version", position.line, position.column);
+        const SourcePosition place = PositionOf(version.name());
+        std::string text = "the version " + Quoted(m_document.m_version) + " is not known" +
+                           Suggestion(m_document.m_version, known) + "; known are";
+        for (const std::wstring_view tag : known) {
+            text += tag == known.front() ? " " : ", ";
+            AppendUtf8(text, tag);
+        }
+        m_messages.Warning(Code::UnknownVersion, std::move(text),
+                           std::string(rootPath) + "/@version", place.line, place.column);
     }
     return true;
 }

@@ -33,6 +33,8 @@ private:
     void Run();
     bool CheckBytes();
     bool Parse();
+    bool ReportFaultyBytes();
+    std::string SyntaxFault(const pugi::xml_parse_result& result) const;
     bool ReportParseError(const pugi::xml_parse_result& result);
     bool FindRoot(pugi::xml_node& root);
     bool CheckDeclaration(const pugi::xml_node& declaration);
@@ -46,6 +48,7 @@ private:
     Offset OffsetOf(const char* text) const;
     RepeatedNames::Name NameOf(const char* bytes);
     bool StandsForItself(const char* raw) const;
+    bool ReportOpenBracket(const char* value, const pugi::xml_node& element, const char* attribute);
     void ReportRepeatedAttributes(const pugi::xml_node& element, std::size_t first);
     void CheckReferences(const char* raw, const pugi::xml_node& element, const char* attribute);
     bool CountNode() { return ++m_nodes <= m_document.m_limits.nodes; }

@@ -7,6 +7,33 @@
 
 namespace karmp::documents {
 
+namespace {
+
+// From an "&" up to a ";", or to where a name ends.
+std::size_t ReferenceLength(const char* begin)
+{
+    constexpr std::size_t longest = 40;
+    std::size_t length = 1;
+    while (length < longest && begin[length] != '\0' &&
+           std::strchr("&;<> \t\r\n\"'", begin[length]) == nullptr)
+        ++length;
+    return begin[length] == ';' ? length + 1 : length;
+}
+
+// In a text in which one is unknown.
+const char* FirstUnknownReference(const char* raw)
+{
+    const char* const first = std::strchr(raw, '&');
+    std::wstring decoded;
+    for (const char* place = first; place != nullptr; place = std::strchr(place + 1, '&'))
+        if (!AppendDecoded(decoded, std::string_view(place, ReferenceLength(place)),
+                           TextContext::Element))
+            return place;
+    return first;
+}
+
+} // namespace
+
 class DocumentParser::Walk final : public pugi::xml_tree_walker
 {
 public:
@@ -59,7 +86,7 @@ void DocumentParser::CloseTo(std::size_t depth)
     }
 }
 
-// The XML parser gives an empty text an address outside of the source.
+// The XML parser gives the text of an element that has none an address outside of the source.
 Offset DocumentParser::OffsetOf(const char* text) const
 {
     return *text != '\0' ? static_cast<Offset>(text - m_source.Text().data()) : NoOffset;
@@ -152,7 +179,9 @@ bool DocumentParser::RecordAttributes(const pugi::xml_node& element)
         AttributeRecord& record = m_records.attributes.emplace_back();
         record.name = name.number & 0x7FFFFFFFU;
         record.isPlain = StandsForItself(value) ? 1U : 0U;
-        record.value = OffsetOf(value);
+        record.value = static_cast<Offset>(value - m_source.Text().data());
+        if (std::strchr(value, '<') != nullptr)
+            return ReportOpenBracket(value, element, bytes);
         CheckReferences(value, element, bytes);
     }
     // For a few names, comparing all pairs is faster than a hash table.
@@ -169,16 +198,27 @@ bool DocumentParser::RecordAttributes(const pugi::xml_node& element)
     return true;
 }
 
+bool DocumentParser::ReportOpenBracket(const char* value, const pugi::xml_node& element,
+                                       const char* attribute)
+{
+    return Fail(Code::Syntax,
+                "the value of the attribute \"" + std::string(attribute) +
+                    "\" has an unescaped \"<\": a quotation mark is missing, or \"&lt;\" is meant",
+                PositionOf(std::strchr(value, '<')), Path(element) + "/@" + attribute);
+}
+
 void DocumentParser::ReportRepeatedAttributes(const pugi::xml_node& element, std::size_t first)
 {
     std::unordered_set<std::wstring_view> names;
+    pugi::xml_attribute attribute = element.first_attribute();
     for (std::size_t index = first; index < m_records.attributes.size(); ++index) {
         const std::wstring_view name = m_records.names[m_records.attributes[index].name].View();
         if (!names.insert(name).second) {
             Fail(Code::DuplicateAttribute,
                  "the attribute " + Quoted(name) + " stands twice; the last one is taken",
-                 PositionOf(element.name()), Path(element));
+                 PositionOf(attribute.name()), Path(element));
         }
+        attribute = attribute.next_attribute();
     }
 }
 
@@ -195,8 +235,15 @@ void DocumentParser::CheckReferences(const char* raw, const pugi::xml_node& elem
         path += "/@";
         path += attribute;
     }
-    Fail(Code::Reference, "a text holds an unknown reference", PositionOf(element.name()),
-         std::move(path));
+    const char* const wrong = FirstUnknownReference(raw);
+    m_value.clear();
+    AppendDecodedCData(m_value, std::string_view(wrong, ReferenceLength(wrong)));
+    std::string text = "\"";
+    AppendUtf8(text, m_value);
+    Fail(Code::Reference,
+         text + "\" is no reference and is kept as text; for the sign itself \"&amp;\" is "
+                "written",
+         PositionOf(wrong), std::move(path));
 }
 
 bool DocumentParser::ReportTooMany(SourcePosition position, const pugi::xml_node& inside)

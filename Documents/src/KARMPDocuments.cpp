@@ -9,9 +9,11 @@
 #include "KARMPMaterial.h"
 #include "KARMPReadingPlace.h"
 #include "KARMPSaveCheck.h"
+#include "KARMPSerializationServices.h"
 #include "KARMPSilentListener.h"
 #include "KARMPStreamedTree.h"
 #include "KARMPTextCapacity.h"
+#include "KARMPTextEscapes.h"
 #include "KARMPWholeFile.h"
 #include "KARMPWorld.h"
 #include "QOBBasicWorld.h"
@@ -29,39 +31,75 @@ namespace karmp::documents {
 
 namespace {
 
-/// Turns the failed checks of this thread into messages.
+// True when what a message is about may be why the library fails on the entity.
+bool Explains(Code code)
+{
+    return (code >= Code::Reference && code <= Code::WrongRegistry) || code == Code::EquationText ||
+           code == Code::MappingRange || code == Code::UnknownNumber ||
+           code == Code::DisabledValue || code == Code::RepeatedReference || code == Code::Cycle;
+}
+
+// The path of the entity, or of the part of the world, that a path leads into.
+std::string_view EntityPathOf(std::string_view path)
+{
+    std::size_t end = 0;
+    for (int depth = 0; depth < 4 && end != std::string_view::npos; ++depth)
+        end = path.find('/', end + 1);
+    return path.substr(0, end);
+}
+
+/// Turns the failed checks of this thread into messages, one for each entity that no message
+/// explains yet.
 class CheckListener final : private KARMPFailedCheckListener
 {
 public:
     /// `activity` says what the library does; `root` is the tree that it reads, null when it
-    /// writes.
+    /// writes; `known` are the messages about that tree.
     CheckListener(Messages& messages, std::string activity,
-                  const KARMPDocumentReader* root = nullptr)
+                  const KARMPDocumentReader* root = nullptr, const Diagnostics& known = {})
         : m_messages(messages), m_activity(std::move(activity)), m_root(root)
-    {}
+    {
+        for (const Diagnostic& message : known.items)
+            if (Explains(message.code))
+                m_told.emplace(EntityPathOf(message.path));
+    }
 
 private:
-    void OnFailedCheck(const char* file, int line) override
+    void OnFailedCheck(const char* /*file*/, int /*line*/) override
     {
         if (m_messages.Full() || KARMPReadingPlace::IsComplete())
             return;
-        const std::string_view path = file != nullptr ? file : "";
-        const std::string_view name = path.substr(path.find_last_of('/') + 1);
-        std::string text = "a check of the library failed while " + m_activity + ": " +
-                           std::string(name) + ':' + std::to_string(line);
         const Way way = m_root != nullptr ? FindWay(*m_root, KARMPReadingPlace::Current()) : Way();
+        const std::string path = way.empty() ? std::string() : PathText(way);
+        // Outside of an entity, any mistake may be the cause.
+        const bool isExplained = way.empty() && m_root != nullptr && !m_told.empty();
+        if (isExplained || !m_told.insert(path).second)
+            return;
         if (way.empty()) {
-            m_messages.Warning(Code::FailedCheck, std::move(text));
+            m_messages.Warning(Code::FailedCheck,
+                               "the library failed on an item while " + m_activity);
             return;
         }
         const auto& node = static_cast<const KARMPDocumentReader&>(*way.back());
-        m_messages.Warning(Code::FailedCheck, std::move(text), PathText(way), node.Line(),
-                           node.Column());
+        m_messages.Warning(Code::FailedCheck,
+                           "the library could not read all of this " + TitleOf(node), path,
+                           node.Line(), node.Column());
+    }
+
+    static std::string TitleOf(const KARMPDocumentReader& entity)
+    {
+        std::string title = KARMPSerializationServices::to_type(entity.Id());
+        std::wstring name;
+        if (entity.HasAttribute(L"name") && !KARFailed(entity.GetAttribute(L"name", name)))
+            title += ' ' + Quoted(name);
+        return title;
     }
 
     Messages& m_messages;
     std::string m_activity;
     const KARMPDocumentReader* m_root;
+    /// The entities that have a message already, by path.
+    std::unordered_set<std::string> m_told;
 };
 
 std::string While(std::string_view event, std::string_view activity)
@@ -234,7 +272,7 @@ bool ReadWorld(const Document& document, const QOBSharedHandle<KARMPWorld>& into
     bool castFailed = false;
     Guarded(messages, activity, [&] {
         result.world = into ? into : KARMPWorld::create(QOBBasicWorld::create(L"World"));
-        const CheckListener listener(messages, activity, document.Root());
+        const CheckListener listener(messages, activity, document.Root(), result.diagnostics);
         try {
             if (KARFailed(ReadTree(*document.Root(), *result.world)))
                 messages.Error(Code::Failed, "the document holds no world",

@@ -13,14 +13,6 @@ namespace karmp::documents {
 
 namespace {
 
-std::wstring TextOf(const KARMPDeserializer& node)
-{
-    std::wstring text;
-    if (NodeOf(node).HasText())
-        node.GetValue(text);
-    return text;
-}
-
 bool Contains(const MechanismRules::Lineage& lineage, std::string_view className)
 {
     return std::find(lineage.begin(), lineage.end(), className) != lineage.end();
@@ -125,6 +117,27 @@ const std::vector<MechanismRule>& MechanismRule::All()
         {"KARMPCollisionLayer", Run<&R::CheckCollisionLayer>},
         {"KARMPCollisionInterLayer", Run<&R::CheckCollisionInterLayer>},
         {"KARMPAnalysisCase", Run<&R::CheckAnalysisCase>},
+        {"KARMPBody", Run<&R::CheckBody>},
+        {"KARMPBody", Run<&R::CheckLoose>},
+        {"KARMPBody2D", Run<&R::CheckBody>},
+        {"KARMPBody2D", Run<&R::CheckLoose>},
+        {"KARMPGeometry", Run<&R::CheckCoordinates>},
+        {"KARMPGeometry", Run<&R::CheckSegments>},
+        {"KARMPSketchFunction", Run<&R::CheckSegments>},
+        {"KARMPActuator", Run<&R::CheckDragLine>},
+        {"KARMPJointForceActuator", Run<&R::CheckFreedomIndex>},
+        {"KARMPJointDOFSensor", Run<&R::CheckFreedomIndex>},
+        {"KARMPMotor", Run<&R::CheckMotorQuantities>},
+        {"KARMPDofSensor", Run<&R::CheckFreedoms>},
+        {"KARMPDofSensor2D", Run<&R::CheckFreedoms>},
+        {"KARMPVariable", Run<&R::CheckVariable>},
+        {"KARMPLinearEquation", Run<&R::CheckLinearEquation>},
+        {"KARMPExpression", Run<&R::CheckExpression>},
+        {"KARMPJoint", Run<&R::CheckJoint>},
+        {"KARMPJoint2D", Run<&R::CheckJoint>},
+        {"KARMPCoupling", Run<&R::CheckCoupling>},
+        {"KARMPEntity", Run<&R::CheckRotations>},
+        {"KARMPEntity", Run<&R::CheckCycles>},
         {"KARMPEntity", Run<&R::CheckSiblings>},
         {"KARMPAttribute", Run<&R::CheckAttribute>},
         {"KARMPState", Run<&R::CheckStoredValue>},
@@ -152,12 +165,14 @@ void MechanismRules::Note(std::uint32_t number, const Lineage& lineage, const No
     if (Contains(lineage, "KARMPAttribute"))
         NoteAttribute(number, entity);
     NoteDimensions(number, lineage);
-    if (!Contains(lineage, "KARMPConstant") && !Contains(lineage, "KARMPExpression"))
+    NoteLinks(number, lineage, entity);
+    if (!Contains(lineage, "KARMPValue") && !Contains(lineage, "KARMPVariable"))
         return;
-    // A word, or a number in documents of older versions.
-    const KARMPDeserializer* const quantity = First(entity, L"PhysicalQuantity");
-    const std::wstring text = quantity != nullptr ? TextOf(*quantity) : std::wstring();
-    if (text.empty() || text == L"NoPhysicalQuantity" || text == L"0")
+    const std::wstring_view quantity = QuantityOf(entity);
+    m_quantities.try_emplace(number, quantity);
+    const bool needsOne =
+        Contains(lineage, "KARMPConstant") || Contains(lineage, "KARMPExpression");
+    if (needsOne && (quantity.empty() || quantity == L"NoPhysicalQuantity"))
         m_valuesWithoutQuantity.insert(number);
 }
 
@@ -173,9 +188,17 @@ void MechanismRules::NoteDimensions(std::uint32_t number, const Lineage& lineage
 
 void MechanismRules::Check(const Lineage& lineage, const Node& entity)
 {
-    for (const MechanismRule& rule : MechanismRule::All())
-        if (Contains(lineage, rule.className))
-            rule.check(*this, entity);
+    // Planar classes count as those in space too.
+    std::vector<void (*)(MechanismRules&, const Node&)> done;
+    for (const MechanismRule& rule : MechanismRule::All()) {
+        if (!Contains(lineage, rule.className) ||
+            std::find(done.begin(), done.end(), rule.check) != done.end())
+            continue;
+        done.push_back(rule.check);
+        rule.check(*this, entity);
+    }
+    CheckConstraint(lineage, entity);
+    CheckQuantitiesOf(lineage, entity);
 }
 
 void MechanismRules::NeedLink(const Node& entity, std::wstring_view element, Code code,
@@ -235,11 +258,11 @@ void MechanismRules::CheckQuantities(const Node& entity)
 }
 
 void MechanismRules::CheckQuantity(const Node& entity, const KARMPDeserializer& reference,
-                                   const Way& below)
+                                   const RulePlace& place)
 {
     const auto number = m_identifiers.Of(reference);
     if (number && m_valuesWithoutQuantity.contains(*number))
-        m_tell(Code::ValueWithoutQuantity, entity, below,
+        m_tell(Code::ValueWithoutQuantity, entity, place,
                "the value of " + Quoted(reference.Id()) + " has no physical quantity, so no unit");
 }
 

@@ -5,15 +5,48 @@
 #include "KARMPDocumentReader.h"
 #include "KARMPIdentifiers.h"
 
+#include <array>
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
+#include <optional>
+#include <set>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace karmp::documents {
+
+/// What a finding about an entity points to: the entity, or the node that `below` leads to from
+/// there, its attribute or its text.
+struct RulePlace
+{
+    RulePlace() = default;
+    RulePlace(Way way) : below(std::move(way)) {}
+    RulePlace(std::initializer_list<const KARMPDeserializer*> way) : below(way) {}
+    /// The same with the text in place of the element's name.
+    RulePlace Text() const
+    {
+        RulePlace place = *this;
+        place.atText = true;
+        return place;
+    }
+
+    Way below;
+    std::wstring_view attribute;
+    bool atText = false;
+};
+
+/// The finite number in the first element of a name; empty when there is none.
+std::optional<double> NumberIn(const KARMPDeserializer& group, std::wstring_view name);
+/// The finite number that a text is; empty when it is none.
+std::optional<double> NumberFrom(std::wstring_view text);
+/// The word of the physical quantity of a value or variable; empty when it names none.
+std::wstring_view QuantityOf(const KARMPDeserializer& entity);
 
 /// Looks at one entity at a time: first Note for all entities of a document, then Check. Time and
 /// memory are linear in the document.
@@ -23,14 +56,18 @@ public:
     using Node = KARMPDocumentReader;
     /// The class of an entity and the classes above it.
     using Lineage = std::vector<std::string>;
-    /// Takes a warning about an entity, or about the node that `below` leads to from there.
-    using Tell =
-        std::function<void(Code code, const Node& entity, const Way& below, std::string text)>;
+    /// Takes a finding about an entity and the place that it points to.
+    using Tell = std::function<void(Code code, const Node& entity, const RulePlace& place,
+                                    std::string text)>;
 
     MechanismRules(Identifiers& identifiers, Tell tell);
 
     /// Keeps what the rules of other entities ask of this one, which has the number `number`.
     void Note(std::uint32_t number, const Lineage& lineage, const Node& entity);
+    /// Ends the notes: what follows of all entities together is worked out.
+    void EndNotes();
+    /// Tells of the settings of the world, before the entities.
+    void CheckWorld(const Node& world);
     /// Tells what the rules of the entity's class and of the classes above it find.
     void Check(const Lineage& lineage, const Node& entity);
     /// Tells what the list of a family, given by its class, shows by itself.
@@ -45,6 +82,49 @@ private:
         std::uint32_t name;
         const Node* node;
     };
+
+    /// A number that bounds others, or is bounded, and where it stands.
+    struct Limit
+    {
+        std::optional<double> number;
+        RulePlace place;
+    };
+
+    void CheckBody(const Node& entity);
+    void CheckInertia(const Node& entity, const KARMPDeserializer& weight,
+                      const KARMPDeserializer& inertia);
+    void CheckRotations(const Node& entity);
+    void CheckAxes(const Node& entity, const std::array<std::array<double, 3>, 3>& axes,
+                   const RulePlace& place);
+    void CheckCoordinates(const Node& entity);
+    /// True when there is a finding.
+    bool CheckDirections(const Node& entity, const KARMPDeserializer& group,
+                         const RulePlace& place);
+    void CheckDragLine(const Node& entity);
+    void CheckFreedoms(const Node& entity);
+    void CheckLimits(const Node& entity, const Limit& low, const Limit& high, const Limit* value);
+    static Limit LimitIn(const Node& entity, std::wstring_view group, std::wstring_view flag);
+    void CheckVariable(const Node& entity);
+    void CheckSegments(const Node& entity);
+    void CheckTolerances(const Node& world);
+
+    void CheckLinearEquation(const Node& entity);
+    void CheckExpression(const Node& entity);
+    void CheckMapping(const Node& entity, std::size_t linked);
+
+    /// Tells of a reference to a quantity that is neither `expected` nor `other`.
+    void CheckFit(const Node& entity, const KARMPDeserializer& reference,
+                  std::wstring_view expected, const RulePlace& place, std::wstring_view other = {});
+    void CheckQuantitiesOf(const Lineage& lineage, const Node& entity);
+    void CheckMotorQuantities(const Node& entity);
+    void CheckFreedomIndex(const Node& entity);
+    void CheckJoint(const Node& entity);
+    void CheckCoupling(const Node& entity);
+    void CheckConstraint(const Lineage& lineage, const Node& entity);
+    void CheckLoose(const Node& entity);
+    void CheckCycles(const Node& entity);
+    void NoteLinks(std::uint32_t number, const Lineage& lineage, const Node& entity);
+    void NoteReferences(const KARMPDeserializer& node, int depth);
 
     void CheckActuator(const Node& entity);
     void CheckMotor(const Node& entity);
@@ -74,7 +154,8 @@ private:
     void NeedLink(const Node& entity, std::wstring_view element, Code code, const char* text);
     /// Tells of the references, in the entity and in its groups, to values of no quantity.
     void CheckQuantities(const Node& entity);
-    void CheckQuantity(const Node& entity, const KARMPDeserializer& reference, const Way& below);
+    void CheckQuantity(const Node& entity, const KARMPDeserializer& reference,
+                       const RulePlace& place);
 
     Identifiers& m_identifiers;
     Tell m_tell;
@@ -88,6 +169,16 @@ private:
     /// The first motor of a variable, and the first layer of an entity.
     std::unordered_map<std::uint32_t, const Node*> m_driven;
     std::unordered_map<std::uint32_t, const Node*> m_layered;
+    /// The quantities of values and variables.
+    std::unordered_map<std::uint32_t, std::wstring_view> m_quantities;
+    /// The children by their fathers, for each kind of tree, and all fathers in document order.
+    std::array<std::unordered_map<std::uint32_t, std::vector<std::uint32_t>>, 6> m_edges;
+    std::vector<std::uint32_t> m_owners;
+    /// The links that close a cycle: tree, father and child.
+    std::set<std::tuple<std::size_t, std::uint32_t, std::uint32_t>> m_cycles;
+    /// What joints, connectors, actuators, sensors, rules and other bodies refer to.
+    std::unordered_set<std::uint32_t> m_referred;
+    bool m_hasLinks = false;
 };
 
 } // namespace karmp::documents

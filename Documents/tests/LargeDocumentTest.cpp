@@ -62,7 +62,7 @@ TEST(LargeDocuments, MessagesHaveTheirPositionBehindManyElements)
     ASSERT_EQ(document.Messages().items.size(), 1U);
     const Diagnostic& message = document.Messages().items.front();
     EXPECT_EQ(message.line, ItemCount + 4);
-    EXPECT_EQ(message.column, 2U);
+    EXPECT_EQ(message.column, 4U);
     EXPECT_EQ(message.path,
               "/KARMPDocument/Items/Item[" + std::to_string(ItemCount + 1) + "]/A[2]");
 }

@@ -144,7 +144,10 @@ TEST(DocumentCheck, TellsAWordThatIsNone)
     const auto* const fault = messages.Find(Code::InvalidValue);
     ASSERT_NE(fault, nullptr);
     EXPECT_EQ(fault->path, "/KARMPDocument/World/Values/Boolean/Value");
-    EXPECT_EQ(fault->text, "\"true\" is none of the words that are known here");
+    EXPECT_EQ(
+        fault->text,
+        "\"true\" is not known here (did you mean \"TRUE\"?); FALSE or TRUE was expected, and "
+        "FALSE is read");
 }
 
 } // namespace

@@ -271,11 +271,21 @@ TEST_F(WorldDocument, ACheckFindsWhatIsMissingOrOfAWrongKind)
 TEST_F(WorldDocument, EveryFormOfANumberThatReadsIsANumberToTheCheck)
 {
     for (const std::string number :
-         {"1", "-1.5", "+2", "1,5", ".5", "5.", "1e3", "1E-3", "inf", "-nan", " 1", "1e-999"}) {
+         {"1", "+1.5", "+2", "1.5", ".5", "5.", "1e3", "1E-3", " 1", "1e-300"}) {
         std::string element = "<Mass>";
         element += number;
         ExpectNothing(CheckText(Changed("<Mass>0", element)));
     }
+}
+
+TEST_F(WorldDocument, ANumberThatReadsAsPeopleHardlyMeanIsAWarning)
+{
+    const std::string path = BodyPath + "/Weight/Mass";
+    ExpectFound("<Mass>0", "<Mass>-1.5", Code::NegativeMass, Severity::Warning, path);
+    ExpectFound("<Mass>0", "<Mass>1,5", Code::DecimalComma, Severity::Warning, path);
+    ExpectFound("<Mass>0", "<Mass>inf", Code::NotFinite, Severity::Warning, path);
+    ExpectFound("<Mass>0", "<Mass>-nan", Code::NotFinite, Severity::Warning, path);
+    ExpectFound("<Mass>0", "<Mass>1e-999", Code::TooSmall, Severity::Warning, path);
 }
 
 TEST_F(WorldDocument, ATextThatIsNoWholeNumberIsAnError)
