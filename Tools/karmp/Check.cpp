@@ -1,68 +1,170 @@
 #include "Commands.h"
+#include "FindingOutput.h"
+#include "KARMPDocuments.h"
 #include "KARMPWorld.h"
 #include "Loading.h"
 #include "Output.h"
 
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
 #include <iostream>
+#include <iterator>
+#include <optional>
+#include <set>
 
 namespace karmp::tool {
 
 namespace {
 
+using documents::Code;
 using documents::Diagnostic;
+using documents::Diagnostics;
+using documents::FindCode;
 using documents::Severity;
 
-void PrintText(const Diagnostic& message)
+namespace fs = std::filesystem;
+
+/// Which codes are left out and which are errors.
+struct Selection
 {
-    const std::string text = Printable(std::string_view(documents::Format(message)));
-    std::cout << (message.severity == Severity::Error ? Red(text) : Yellow(text)) << '\n';
+    std::set<Code> disabled;
+    std::set<Code> errors;
+};
+
+bool Refuse(const std::string& text)
+{
+    std::cerr << "karmp: " << Printable(std::string_view(text)) << '\n';
+    return false;
 }
 
-void PrintJson(const std::string& file, const documents::Diagnostics& messages)
+bool AddCodes(const std::vector<std::string>& texts, std::set<Code>& codes)
 {
-    std::cout << "{\n  \"file\": " << JsonText(file)
-              << ",\n  \"errors\": " << messages.Count(Severity::Error)
-              << ",\n  \"warnings\": " << messages.Count(Severity::Warning)
-              << ",\n  \"findings\": [";
-    for (std::size_t i = 0; i < messages.items.size(); ++i)
-        std::cout << (i == 0 ? "\n    " : ",\n    ") << JsonOf(messages.items[i]);
-    std::cout << (messages.items.empty() ? "]\n}\n" : "\n  ]\n}\n");
+    for (const std::string& text : texts) {
+        const std::optional<Code> code = FindCode(text);
+        if (!code)
+            return Refuse("there is no finding \"" + text +
+                          "\"; docs/findings.md lists all, and "
+                          "'karmp check --explain all' prints them");
+        codes.insert(*code);
+    }
+    return true;
 }
 
-void PrintText(const std::string& file, const documents::Diagnostics& messages, bool quiet)
+// The documents of a folder and those below it, in the order of their names.
+bool AddFolder(const fs::path& folder, std::vector<std::string>& files)
 {
-    for (const Diagnostic& message : messages.items)
-        PrintText(message);
-    if (quiet)
-        return;
-    const std::size_t errors = messages.Count(Severity::Error);
-    const std::size_t warnings = messages.Count(Severity::Warning);
-    std::cout << Printable(std::string_view(file)) << ": ";
-    if (messages.items.empty())
-        std::cout << "no findings\n";
-    else
-        std::cout << errors << (errors == 1 ? " error, " : " errors, ") << warnings
-                  << (warnings == 1 ? " warning\n" : " warnings\n");
+    std::error_code failure;
+    std::vector<std::string> found;
+    fs::recursive_directory_iterator entry(folder, failure);
+    for (; !failure && entry != fs::recursive_directory_iterator(); entry.increment(failure))
+        if (entry->is_regular_file(failure) && entry->path().extension() == ".xml")
+            found.push_back(entry->path().string());
+    if (failure)
+        return Refuse("cannot read the folder \"" + folder.string() + "\": " + failure.message());
+    std::sort(found.begin(), found.end());
+    std::move(found.begin(), found.end(), std::back_inserter(files));
+    return true;
+}
+
+// All files that are meant: those in folders, and those whose names stand in standard input.
+bool FindFiles(const CheckOptions& options, std::vector<std::string>& files)
+{
+    std::vector<std::string> named = options.files;
+    if (options.listed) {
+        std::string line;
+        while (std::getline(std::cin, line))
+            if (!line.empty())
+                named.push_back(line);
+    }
+    for (const std::string& name : named) {
+        std::error_code missing;
+        if (fs::is_directory(name, missing)) {
+            if (!AddFolder(name, files))
+                return false;
+        } else {
+            files.push_back(name);
+        }
+    }
+    return true;
+}
+
+CheckedFile CheckOne(const std::string& file, const Selection& selection)
+{
+    documents::LoadOptions load;
+    load.check = documents::CheckLevel::Mechanism;
+    constexpr std::size_t most = 100'000;
+    load.limits.diagnostics = most;
+    CheckedFile checked{file, {}, false};
+    {
+        const Progress progress("checking " + Printable(std::string_view(file)));
+        documents::LoadResult result = Load(file, load);
+        checked.isRead = static_cast<bool>(result.world);
+        checked.findings = std::move(result.diagnostics);
+    }
+    std::vector<Diagnostic>& items = checked.findings.items;
+    items.erase(std::remove_if(items.begin(), items.end(),
+                               [&](const Diagnostic& item) {
+                                   return selection.disabled.count(item.code) != 0;
+                               }),
+                items.end());
+    for (Diagnostic& item : items)
+        if (selection.errors.count(item.code) != 0)
+            item.severity = Severity::Error;
+    return checked;
+}
+
+int Explain(const std::string& text)
+{
+    if (text == "all") {
+        std::cout << documents::FindingsReference();
+        return Clean;
+    }
+    std::set<Code> codes;
+    if (!AddCodes({text}, codes))
+        return WrongArguments;
+    for (const documents::Finding& finding : documents::Findings())
+        if (finding.code == *codes.begin())
+            std::cout << finding.text << " (" << documents::SeverityText(finding.severity)
+                      << ")\n  What   " << finding.says << "\n  Cause  " << finding.cause
+                      << "\n  Cure   " << finding.cure << '\n';
+    return Clean;
 }
 
 } // namespace
 
 int RunCheck(const CheckOptions& options)
 {
-    documents::LoadResult result;
-    {
-        const Progress progress("checking " + Printable(std::string_view(options.file)));
-        documents::LoadOptions load;
-        load.check = documents::CheckLevel::Mechanism;
-        result = Load(options.file, load);
-    }
-    if (options.json)
-        PrintJson(options.file, result.diagnostics);
-    else
-        PrintText(options.file, result.diagnostics, options.quiet);
-    if (!result.world)
+    if (!options.explained.empty())
+        return Explain(options.explained);
+    Selection selection;
+    std::vector<std::string> files;
+    if (!AddCodes(options.disabled, selection.disabled) ||
+        !AddCodes(options.errors, selection.errors) || !FindFiles(options, files))
+        return WrongArguments;
+    if (files.empty()) {
+        Refuse("there is no document to check");
         return Unreadable;
-    return result.diagnostics.items.empty() ? Clean : Findings;
+    }
+    std::vector<CheckedFile> checked;
+    for (const std::string& file : files)
+        checked.push_back(CheckOne(file, selection));
+    if (options.json)
+        PrintJson(checked, options.most);
+    else if (options.sarif)
+        PrintSarif(checked, options.most);
+    else
+        PrintFindings(checked, options.most, options.quiet);
+    const bool allRead = std::all_of(checked.begin(), checked.end(),
+                                     [](const CheckedFile& file) { return file.isRead; });
+    if (!allRead)
+        return Unreadable;
+    const bool hasFindings =
+        std::any_of(checked.begin(), checked.end(), [&options](const CheckedFile& file) {
+            return options.failOn == "error" ? file.findings.HasErrors()
+                                             : !file.findings.items.empty();
+        });
+    return hasFindings && options.failOn != "never" ? Findings : Clean;
 }
 
 } // namespace karmp::tool

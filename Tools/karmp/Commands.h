@@ -3,6 +3,7 @@
 
 #include "Writing.h"
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -36,9 +37,16 @@ int RunTree(const TreeOptions& options);
 /// The arguments of `karmp check`.
 struct CheckOptions
 {
-    std::string file;
+    std::vector<std::string> files; // or folders, or "-" for standard input
+    bool listed = false;            // further names stand in standard input, one a line
     bool json = false;
+    bool sarif = false;
     bool quiet = false;
+    std::size_t most = 0;              // findings to print; all when 0
+    std::vector<std::string> disabled; // codes
+    std::vector<std::string> errors;   // codes
+    std::string failOn = "warning";    // or "error" or "never"
+    std::string explained;             // a code or "all"
 };
 /// Prints what the library skips without a report, and what it reports.
 int RunCheck(const CheckOptions& options);

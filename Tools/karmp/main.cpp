@@ -67,11 +67,31 @@ int Run(int argc, char** argv)
     CheckOptions check;
     CLI::App* checkApp =
         app.add_subcommand("check", "All that reading passes over in silence, and what it reports");
-    checkApp->add_option("FILE", check.file, "Document")->required();
-    checkApp->add_flag("--json", check.json, "Findings as JSON");
+    checkApp->add_option("FILE", check.files,
+                         "Documents, folders with documents (*.xml), or - for standard input");
+    checkApp->add_flag("--files-from-input", check.listed,
+                       "Names of further files and folders in standard input, one a line");
+    CLI::Option* const checkJson = checkApp->add_flag("--json", check.json, "Findings as JSON");
+    checkApp->add_flag("--sarif", check.sarif, "Findings as SARIF 2.1.0")->excludes(checkJson);
     checkApp->add_flag("-q,--quiet", check.quiet, "Findings only, no summary");
-    checkApp->footer(Footer("karmp check crank.xml --json"));
-    checkApp->callback([&] { command = [&check] { return RunCheck(check); }; });
+    checkApp->add_option("--max", check.most, "Findings to print; all are counted");
+    checkApp->add_option("--disable", check.disabled, "Codes of findings to leave out")
+        ->delimiter(',')
+        ->allow_extra_args(false);
+    checkApp->add_option("--error", check.errors, "Codes of findings that are errors")
+        ->delimiter(',')
+        ->allow_extra_args(false);
+    checkApp
+        ->add_option("--fail-on", check.failOn, "The least finding for which the exit code is 1")
+        ->check(CLI::IsMember({"warning", "error", "never"}))
+        ->capture_default_str();
+    checkApp->add_option("--explain", check.explained, "Cause and cure of a code, or of all");
+    checkApp->footer(Footer("karmp check crank.xml --disable loose-body --fail-on error"));
+    checkApp->callback([&] {
+        if (check.files.empty() && !check.listed && check.explained.empty())
+            throw CLI::RequiredError("FILE");
+        command = [&check] { return RunCheck(check); };
+    });
 
     DiffOptions diff;
     bool isReloaded = false;

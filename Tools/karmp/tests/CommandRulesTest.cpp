@@ -124,6 +124,9 @@ TEST_F(CommandRules, WrongArgumentsEndWith64)
         for (const std::string& line : {command.With(m_document, File("a")) + " --nonsense",
                                         command.With(m_document, File("a")) + " one two three",
                                         command.Name() + " --json="}) {
+            // It takes any number of files.
+            if (command.Name() == "check" && line.find(" three") != std::string::npos)
+                continue;
             const Outcome outcome = Run(line);
             EXPECT_EQ(outcome.code, 64) << line << '\n' << outcome.output;
         }

@@ -140,7 +140,7 @@ TEST_F(Diff, SaysThatADocumentHasProblems)
         Write("doubled.xml", With(CleanDocument(), "id=\"c1\"", "id=\"b1\""));
     const Outcome outcome = Run("diff " + m_clean + ' ' + doubled);
     EXPECT_EQ(outcome.code, 1);
-    ExpectContains(outcome.output, "the document has 3 problems");
+    ExpectContains(outcome.output, "the document has 1 problem;");
     ExpectContains(outcome.output, "- Boolean \"Visible\"\n");
 }
 
