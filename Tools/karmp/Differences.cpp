@@ -99,26 +99,26 @@ private:
               << '\n';
     }
 
-    // Translation and rotation are told each by itself.
+    // Translation and rotation are told each by itself. A body that became a planar one has fewer
+    // numbers of both.
     void PrintMove(const Difference& difference) const
     {
         const auto& before = std::get<Numbers>(difference.oldValue);
         const auto& after = std::get<Numbers>(difference.newValue);
-        const auto print = [&](const char* what, std::size_t first, std::size_t count) {
-            const std::string left = ValueText(Part(before, first, count));
-            const std::string right = ValueText(Part(after, first, count));
-            if (left != right)
-                m_out << "  " << what << left << " becomes " << right << '\n';
-        };
-        const std::size_t split = TranslationLength(before.size());
-        print("moved: ", 0, split);
-        print("turned: ", split, before.size() - split);
+        const std::size_t splitBefore = TranslationLength(before.size());
+        const std::size_t splitAfter = TranslationLength(after.size());
+        PrintPart("moved: ", std::span(before).first(splitBefore),
+                  std::span(after).first(splitAfter));
+        PrintPart("turned: ", std::span(before).subspan(splitBefore),
+                  std::span(after).subspan(splitAfter));
     }
-
-    static Numbers Part(const Numbers& numbers, std::size_t first, std::size_t count)
+    void PrintPart(const char* what, std::span<const double> before,
+                   std::span<const double> after) const
     {
-        const auto part = std::span(numbers).subspan(first, count);
-        return {part.begin(), part.end()};
+        const std::string left = ValueText(Numbers(before.begin(), before.end()));
+        const std::string right = ValueText(Numbers(after.begin(), after.end()));
+        if (left != right)
+            m_out << "  " << what << left << " becomes " << right << '\n';
     }
 
     std::string ValueText(const ItemData& data) const

@@ -122,6 +122,20 @@ TEST_F(Diff, TellsWhatASaveAndALoadChange)
     ExpectContains(Run("diff --json --reloaded " + fine).output, "\"after\": null");
 }
 
+TEST_F(Diff, TellsOfABodyThatBecamePlanarWithItsOwnNumbers)
+{
+    const std::string documents = KARMP_EXAMPLE_DOCUMENTS;
+    const Outcome outcome =
+        Run("diff " + documents + "/seven-body.xml " + documents + "/seven-body-planar.xml");
+    ExpectContains(
+        outcome.output,
+        "Body \"K1\"\n  class: \"KARMPBody\" becomes \"KARMPBody2D\"\n"
+        "  moved: (0, 0, 0) becomes (0, 0)\n"
+        "  turned: (0.998096302207, -0.06167472351, 0, 0.06167472351, 0.998096302207, 0, "
+        "0, 0, 1) becomes (0.998096302207, -0.06167472351, 0.06167472351, "
+        "0.998096302207)\n");
+}
+
 TEST_F(Diff, EndsWithTwoWhereADocumentIsNotRead)
 {
     const Outcome missing = Run("diff " + m_clean + ' ' + File("missing.xml"));
