@@ -47,7 +47,7 @@ bool IsExpressible(Code code)
     static constexpr Code faults[] = {
         Code::UnknownElement, Code::UnknownAttribute, Code::DuplicateElement, Code::OtherVersion,
         Code::MissingElement, Code::MissingAttribute, Code::InvalidValue,     Code::UnexpectedText,
-        Code::UnknownClass,   Code::WrongRegistry};
+        Code::UnknownClass,   Code::WrongRegistry,    Code::MissingVersion};
     return std::find(std::begin(faults), std::end(faults), code) != std::end(faults);
 }
 
