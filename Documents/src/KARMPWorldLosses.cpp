@@ -26,8 +26,11 @@ class LossFinder
 {
 public:
     LossFinder(const KARMPWorld& world, std::wstring_view version, bool isCompleted)
-        : m_world(world), m_entities(world), m_lossy(version), m_isCompleted(isCompleted)
-    {}
+        : m_world(world), m_entities(world), m_lossy(version)
+    {
+        if (isCompleted)
+            NoteLayers();
+    }
 
     std::vector<Difference> Find()
     {
@@ -44,12 +47,11 @@ public:
     }
 
 private:
-    // A layer is found by the interactions that are about it.
     bool IsFound(const KARMPEntity& entity) const
     {
-        return IsGivenBack(entity.getClassInfo()) ||
-               (m_isCompleted && dynamic_cast<const KARMPInteraction*>(&entity) != nullptr);
+        return IsGivenBack(entity.getClassInfo()) || m_layers.count(&entity) != 0;
     }
+    void NoteLayers();
     void FindSettings();
     void FindRemoved();
     void FindItems(const KARMPEntity& entity);
@@ -60,7 +62,7 @@ private:
     const KARMPWorld& m_world;
     ListedEntities m_entities;
     LossyItems m_lossy;
-    bool m_isCompleted;
+    std::unordered_set<const QOBSharedObject*> m_layers;
     std::vector<Difference> m_losses;
 };
 
@@ -77,6 +79,20 @@ void LossFinder::Note(DifferenceKind kind, const Handle& entity, std::wstring it
     loss.newValue = std::move(after);
     loss.target = target;
     m_losses.push_back(std::move(loss));
+}
+
+// A completed world finds a layer by the interactions that are about it.
+void LossFinder::NoteLayers()
+{
+    for (std::size_t number = 0; number < m_entities.Count(); ++number) {
+        const KARMPEntity& entity = m_entities.At(number);
+        if (dynamic_cast<const KARMPInteraction*>(&entity) == nullptr)
+            continue;
+        ForEachTarget(entity, [this](const ItemInfo&, const Handle& target) {
+            if (dynamic_cast<const KARMPInteraction*>(target.get()) != nullptr)
+                m_layers.insert(target._getReferent());
+        });
+    }
 }
 
 // Documents have no unit of length and no ground body.

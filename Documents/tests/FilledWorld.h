@@ -2,7 +2,9 @@
 #pragma once
 
 #include "FilledEntities.h"
+#include "KARMPAxisSystem.h"
 #include "KARMPWorldFamilies.h"
+#include "KARTextConversion.h"
 #include "QOBClassInfo.h"
 
 #include <algorithm>
@@ -12,19 +14,29 @@
 
 namespace karmp::documents {
 
-/// A world with an entity of a class that is filled, and with those that it is linked to.
+/// A world with entities that are filled, and with those that they are linked to.
 class FilledWorld
 {
 public:
     using Entity = QOBSharedHandle<KARMPEntity>;
 
     explicit FilledWorld(const std::string& className, Filling filling = Filling::Full)
-        : entity(m_filled.Make(className, filling))
     {
-        entity->GetWorld(world);
-        File(entity);
-        for (const KARMPEntityTable::Entry* const entry : m_filled.Table().InOrder())
-            File(entry->Entity());
+        Add(className, filling, L"filled");
+        FileLinked();
+    }
+    /// One with an entity of each class, which the name of its class identifies. What they are
+    /// linked to has values as well.
+    explicit FilledWorld(const std::vector<std::string>& classNames)
+    {
+        for (const std::string& className : classNames) {
+            const std::wstring identifier = kar::ToWide(std::string_view(className));
+            Add(className, Filling::Full, identifier);
+            entity->setEntityName(L"the \u00e9 <" + identifier + L'>');
+        }
+        m_filled.FillLinked();
+        FileLinked();
+        NameGlobals();
     }
     ~FilledWorld()
     {
@@ -32,7 +44,8 @@ public:
         for (const KARMPEntityTable::Entry* const entry : m_filled.Table().InOrder())
             if (const Entity linked = entry->Entity())
                 linked->orphanObject();
-        entity->orphanObject();
+        for (const Entity& filled : m_made)
+            filled->orphanObject();
     }
     FilledWorld(const FilledWorld&) = delete;
     FilledWorld& operator=(const FilledWorld&) = delete;
@@ -57,12 +70,32 @@ private:
             info = info->getParent();
         return info != nullptr;
     }
-    // Stand-ins for abstract classes have no element.
+    void Add(const std::string& className, Filling filling, const std::wstring& identifier)
+    {
+        entity = m_filled.Make(className, filling, identifier);
+        m_made.push_back(entity);
+        entity->GetWorld(world);
+        File(entity);
+    }
+    void FileLinked()
+    {
+        for (const KARMPEntityTable::Entry* const entry : m_filled.Table().InOrder())
+            File(entry->Entity());
+    }
+    void NameGlobals()
+    {
+        QOBSharedHandle<KARMPBody> body;
+        QOBSharedHandle<KARMPAxisSystem> axisSystem;
+        QOBSharedHandle<KARMPVariable> time;
+        world->GetGlobalBody(body);
+        world->GetGlobalAxisSystem(axisSystem);
+        world->GetGlobalTime(time);
+        body->SetIdentifier(L"GlobalBody");
+        axisSystem->SetIdentifier(L"GlobalAxisSystem");
+        time->SetIdentifier(L"GlobalTime");
+    }
     void File(const Entity& filed)
     {
-        static const std::vector<std::string> made = MadeClasses();
-        if (std::find(made.begin(), made.end(), filed->getClassInfo().getName()) == made.end())
-            return;
         Families::AnyOf([&](auto family) {
             using T = typename decltype(family)::Type;
             // A layer's record does not tell that it is an interaction.
@@ -72,8 +105,10 @@ private:
     }
 
     FilledEntities m_filled;
+    std::vector<Entity> m_made;
 
 public:
+    /// The entity that was filled last.
     Entity entity;
     QOBSharedHandle<KARMPWorld> world;
 };

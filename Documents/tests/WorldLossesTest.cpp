@@ -1,7 +1,10 @@
 // What FindLosses foretells is what a save and a load lose, of every class and version.
 #include "DifferenceTesting.h"
+#include "EnvironmentVariable.h"
 #include "FilledWorld.h"
 #include "KARMPBody.h"
+#include "KARMPCollisionInterLayer.h"
+#include "KARMPCollisionLayer.h"
 #include "KARMPDocuments.h"
 #include "KARMPRevoluteConstraint.h"
 #include "KARMPTestFixture.h"
@@ -89,6 +92,7 @@ TEST_F(Losses, AreWhatASaveAndALoadLose)
 
 TEST_F(Losses, AreNoneOfWhatAnExampleHolds)
 {
+    const EnvironmentVariable dumpOutputs("MOT_DUMP_OUTPUTS", "1");
     for (const auto& example : Examples()) {
         SCOPED_TRACE(example);
         const LoadResult loaded = LoadFile(example);
@@ -126,6 +130,18 @@ TEST_F(Losses, HaveFrictionThatIsNotEnabled)
     constraint->SetFrictionModel("Coulomb");
     ASSERT_EQ(FindLosses(*m_world).size(), 1U);
     EXPECT_EQ(FindLosses(*m_world)[0].item, L"FrictionModel");
+}
+
+TEST_F(Losses, HaveALayerThatNoRelationIsAbout)
+{
+    const auto layer = KARMPCollisionLayer::create(L"Wheels");
+    m_world->Add<KARMPInteraction>(layer);
+    ASSERT_EQ(FindLosses(*m_world, CurrentVersion, true).size(), 1U);
+    EXPECT_EQ(FindLosses(*m_world, CurrentVersion, true)[0].kind, DifferenceKind::Removed);
+    const auto relation = KARMPCollisionInterLayer::create(L"Contact");
+    relation->AddCollidable(layer);
+    m_world->Add<KARMPInteraction>(relation);
+    EXPECT_TRUE(FindLosses(*m_world, CurrentVersion, true).empty());
 }
 
 TEST_F(Losses, HaveSettingsThatDocumentsLack)

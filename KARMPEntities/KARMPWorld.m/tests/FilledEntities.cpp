@@ -1,6 +1,5 @@
 #include "FilledEntities.h"
 
-#include "ConcreteEntity.h"
 #include "KAR3DBagRep.h"
 #include "KAR3DMeshRep.h"
 #include "KAR3DPolylineRep.h"
@@ -81,7 +80,7 @@
 
 namespace {
 
-/// An entity with an identifier; ConcreteEntity makes the like.
+/// An entity with a name, which is its identifier as well.
 template <class T>
 QOBSharedHandle<T> Identified(const std::wstring& identifier)
 {
@@ -132,9 +131,9 @@ FilledEntities::FilledEntities()
     AddTwo(m_variables, L"V", Identified<KARMPVariable>);
     AddTwo(m_sensors, L"S", Identified<KARMPDisplacementSensor>);
     AddTwo(m_planarSensors, L"PS", Identified<KARMPDisplacementSensor2D>);
-    AddTwo(m_shapes, L"H", ConcreteEntity<KARMPShape>::create);
+    AddTwo(m_shapes, L"H", Identified<KARMP3DRep>);
     AddTwo(m_planarShapes, L"PH", Identified<KARMPShapeBody>);
-    AddTwo(m_connectors, L"N", ConcreteEntity<KARMPConnector>::create);
+    AddTwo(m_connectors, L"N", Identified<KARMPAxialSpring>);
     AddTwo(m_constants, L"K", Identified<KARMPConstant>);
     AddTwo(m_rules, L"R", Identified<KARMPCollisionRule>);
     AddTwo(m_layers, L"L", Identified<KARMPCollisionLayer>);
@@ -170,15 +169,30 @@ QOBSharedHandle<KARMPEntity> FilledEntities::New(const std::string& className)
     return entity;
 }
 
-QOBSharedHandle<KARMPEntity> FilledEntities::Make(const std::string& className, Filling filling)
+QOBSharedHandle<KARMPEntity> FilledEntities::Make(const std::string& className, Filling filling,
+                                                  const std::wstring& identifier)
 {
     const QOBSharedHandle<KARMPEntity> handle = New(className);
-    KARMPEntity& entity = *handle;
+    if (filling != Filling::Values)
+        handle->SetIdentifier(identifier);
+    if (filling != Filling::Nothing)
+        Fill(*handle, filling);
+    return handle;
+}
+
+void FilledEntities::FillLinked()
+{
+    for (const KARMPEntityTable::Entry* const entry : m_table.InOrder()) {
+        const QOBSharedHandle<KARMPEntity> entity = entry->Entity();
+        const std::wstring name = entity->getEntityName();
+        Fill(*entity, Filling::Values);
+        entity->setEntityName(name);
+    }
+}
+
+void FilledEntities::Fill(KARMPEntity& entity, Filling filling)
+{
     m_filling = filling;
-    if (HasLinks())
-        entity.SetIdentifier(L"filled");
-    if (filling == Filling::Nothing)
-        return handle;
     FillBase(entity);
     bool known = false;
     const auto fill = [&]<class T>(void (FilledEntities::*content)(T&)) {
@@ -199,9 +213,9 @@ QOBSharedHandle<KARMPEntity> FilledEntities::Make(const std::string& className, 
     fill(&FilledEntities::FillInteraction);
     fill(&FilledEntities::FillValue);
     fill(&FilledEntities::FillVariable);
-    EXPECT_TRUE(known || FillSetUp(entity)) << "no function fills the family of " << className;
+    EXPECT_TRUE(known || FillSetUp(entity))
+        << "no function fills the family of " << entity.getClassName();
     FillOwnContent(entity);
-    return handle;
 }
 
 KARMathTransformation FilledEntities::Position() const

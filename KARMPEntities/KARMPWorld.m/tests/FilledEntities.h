@@ -64,10 +64,13 @@ public:
     FilledEntities(const FilledEntities&) = delete;
     FilledEntities& operator=(const FilledEntities&) = delete;
 
-    /// An entity of a class, with the identifier "filled" unless told above.
-    QOBSharedHandle<KARMPEntity> Make(const std::string& className, Filling filling);
+    /// An entity of a class, with an identifier unless told above.
+    QOBSharedHandle<KARMPEntity> Make(const std::string& className, Filling filling,
+                                      const std::wstring& identifier = L"filled");
     /// An entity of a class that stands in the world and is otherwise as new.
     QOBSharedHandle<KARMPEntity> New(const std::string& className);
+    /// Gives the entities that are linked values as well; they keep their names and links.
+    void FillLinked();
     /// The entities that are linked, by their identifiers.
     const KARMPEntityTable& Table() const { return m_table; }
     /// The same identifiers, each with one and the same entity.
@@ -84,6 +87,7 @@ private:
     template <class T, class Maker>
     void AddTwo(Two<T>& entities, const wchar_t* prefix, const Maker& make);
 
+    void Fill(KARMPEntity& entity, Filling filling);
     void FillBase(KARMPEntity& entity);
     void FillActuator(KARMPActuator& actuator);
     template <class T>
