@@ -1,6 +1,5 @@
 // What FindLosses foretells is what a save and a load lose, of every class and version.
 #include "DifferenceTesting.h"
-#include "EnvironmentVariable.h"
 #include "FilledWorld.h"
 #include "KARMPBody.h"
 #include "KARMPCollisionInterLayer.h"
@@ -92,7 +91,6 @@ TEST_F(Losses, AreWhatASaveAndALoadLose)
 
 TEST_F(Losses, AreNoneOfWhatAnExampleHolds)
 {
-    const EnvironmentVariable dumpOutputs("MOT_DUMP_OUTPUTS", "1");
     for (const auto& example : Examples()) {
         SCOPED_TRACE(example);
         const LoadResult loaded = LoadFile(example);

@@ -1,5 +1,6 @@
 #include "FilledEntities.h"
 
+#include "ConcreteEntity.h"
 #include "KAR3DBagRep.h"
 #include "KAR3DMeshRep.h"
 #include "KAR3DPolylineRep.h"
@@ -80,7 +81,7 @@
 
 namespace {
 
-/// An entity with a name, which is its identifier as well.
+/// An entity with an identifier; ConcreteEntity makes the like and counts them.
 template <class T>
 QOBSharedHandle<T> Identified(const std::wstring& identifier)
 {
@@ -131,7 +132,7 @@ FilledEntities::FilledEntities()
     AddTwo(m_variables, L"V", Identified<KARMPVariable>);
     AddTwo(m_sensors, L"S", Identified<KARMPDisplacementSensor>);
     AddTwo(m_planarSensors, L"PS", Identified<KARMPDisplacementSensor2D>);
-    AddTwo(m_shapes, L"H", Identified<KARMP3DRep>);
+    AddTwo(m_shapes, L"H", ConcreteEntity<KARMP3DRep>::create);
     AddTwo(m_planarShapes, L"PH", Identified<KARMPShapeBody>);
     AddTwo(m_connectors, L"N", Identified<KARMPAxialSpring>);
     AddTwo(m_constants, L"K", Identified<KARMPConstant>);

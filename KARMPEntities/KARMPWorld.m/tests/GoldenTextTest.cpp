@@ -9,6 +9,7 @@
 #include "EnvironmentVariable.h"
 #include "FilledEntities.h"
 #include "GoldenFile.h"
+#include "KARMP3DRep.h"
 #include "KARMPTestFixture.h"
 #include "KARTextConversion.h"
 #include "TestDeserializer.h"
@@ -128,13 +129,13 @@ TEST_F(GoldenText, IsWhatEachClassWritesAndReadsBackAtEachVersion)
 // A filled body stands in cycles of handles with bodies that hold the shapes.
 TEST_F(GoldenText, LeavesNoEntityBehind)
 {
-    const int before = ConcreteEntity<KARMPShape>::Alive();
+    const int before = ConcreteEntity<KARMP3DRep>::Alive();
     {
         FilledEntities entities;
         entities.Make("KARMPBody", Filling::Full);
-        EXPECT_EQ(ConcreteEntity<KARMPShape>::Alive(), before + 2);
+        EXPECT_EQ(ConcreteEntity<KARMP3DRep>::Alive(), before + 2);
     }
-    EXPECT_EQ(ConcreteEntity<KARMPShape>::Alive(), 0);
+    EXPECT_EQ(ConcreteEntity<KARMP3DRep>::Alive(), 0);
 }
 
 TEST_F(GoldenText, IsKeptOfNoOtherClass)
