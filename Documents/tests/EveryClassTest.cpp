@@ -149,6 +149,14 @@ TEST_F(EveryClass, HasTheFindingsOfAMechanismWithoutAMeaning)
     }
 }
 
+// It is a seed of the fuzzer of documents.
+TEST_F(EveryClass, IsWithinTheLimitsOfUntrustedDocuments)
+{
+    const LoadResult loaded = LoadUntrusted(Saved(m_world, CurrentVersion));
+    ASSERT_TRUE(loaded.world);
+    EXPECT_EQ(loaded.world->GetBodyCount(), m_world->GetBodyCount());
+}
+
 TEST_F(EveryClass, IsExtractedWhole)
 {
     for (const World& world : {m_world, Completed(LoadFile(KARMP_EVERY_CLASS).world)}) {
