@@ -107,7 +107,7 @@ TEST_F(EveryClass, IsInTheDocument)
     const std::string text = Saved(m_world, CurrentVersion);
     for (const std::string& name : classes) {
         const bool isWritten = text.find(" id=\"" + name + "\" name=") != std::string::npos;
-        // Findings of a check are for those who asked, no document holds them.
+        // Diagnostics write nothing.
         EXPECT_EQ(isWritten, name != "KARMPDiagnostic") << name;
     }
 }
