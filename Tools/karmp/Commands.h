@@ -92,6 +92,21 @@ struct ExtractOptions
 /// Writes the part of a mechanism around some bodies and lists the links that were cut.
 int RunExtract(const ExtractOptions& options);
 
+/// The arguments of `karmp shape`.
+struct ShapeOptions
+{
+    std::string file;
+    std::vector<std::string> bodies; // names or identifiers
+    std::string part;                // file that is added to the body
+    double scale = 1.0;              // of its lengths
+    std::string folder;              // of the files of an export
+    WriteOptions writing;            // standard output when its output is empty
+};
+/// Adds the mesh of a part file to a body as a representation and writes the document.
+int RunAddShape(const ShapeOptions& options);
+/// Writes the shapes of each body that has some as glTF, a file for each body.
+int RunExportShapes(const ShapeOptions& options);
+
 /// The arguments of `karmp graph`.
 struct GraphOptions
 {

@@ -1,30 +1,23 @@
 #include "Graphviz.h"
 
+#include "ChildProcess.h"
 #include "ToolLimits.h"
 
 #include <array>
 #include <cerrno>
-#include <csignal>
-#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <iostream>
 #include <memory>
 #include <string_view>
-#include <thread>
-#include <utility>
 
 #include <fcntl.h>
-#include <poll.h>
 #include <spawn.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace karmp::tool {
 
 namespace {
-
-using Clock = std::chrono::steady_clock;
 
 std::nullopt_t Report(const std::string& text)
 {
@@ -42,60 +35,6 @@ struct FileCloser
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
 using File = std::unique_ptr<std::FILE, FileCloser>;
-
-/// A descriptor that is closed with the object.
-class Descriptor
-{
-public:
-    explicit Descriptor(int number) : m_number(number) {}
-    ~Descriptor() { Close(); }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    int Get() const { return m_number; }
-    void Close()
-    {
-        if (m_number >= 0)
-            ::close(std::exchange(m_number, -1));
-    }
-
-private:
-    int m_number;
-};
-
-/// A running program, which is killed and waited for with the object.
-class Child
-{
-public:
-    explicit Child(pid_t process) : m_process(process) {}
-    ~Child()
-    {
-        if (m_process > 0) {
-            ::kill(m_process, SIGKILL);
-            ::waitpid(m_process, nullptr, 0);
-        }
-    }
-    Child(const Child&) = delete;
-    Child& operator=(const Child&) = delete;
-
-    /// The status of the program; empty when it still runs at `end`.
-    std::optional<int> Wait(Clock::time_point end)
-    {
-        constexpr std::chrono::milliseconds pause(5);
-        for (int status = 0;; std::this_thread::sleep_for(pause)) {
-            const pid_t ended = ::waitpid(m_process, &status, WNOHANG);
-            if (ended == m_process) {
-                m_process = -1;
-                return status;
-            }
-            if ((ended < 0 && errno != EINTR) || Clock::now() >= end)
-                return std::nullopt;
-        }
-    }
-
-private:
-    pid_t m_process;
-};
 
 // A file without a name that holds the text and is positioned at its start.
 File InputOf(const std::string& text)
@@ -126,32 +65,6 @@ int Start(pid_t& process, const std::string& format, int input, int output)
     return error;
 }
 
-enum class Reading : std::uint8_t { Done, TooLong, TooLarge, Failed };
-
-// Appends all bytes of a pipe until it is closed or the time `end` has come.
-Reading ReadPipe(int pipe, Clock::time_point end, std::string& bytes)
-{
-    std::array<char, 1U << 16U> buffer{};
-    for (;;) {
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();
-        if (left <= 0)
-            return Reading::TooLong;
-        pollfd wanted{pipe, POLLIN, 0};
-        const int ready = ::poll(&wanted, 1, static_cast<int>(left));
-        if (ready == 0)
-            return Reading::TooLong;
-        const ssize_t count = ready < 0 ? -1 : ::read(pipe, buffer.data(), buffer.size());
-        if (count == 0)
-            return Reading::Done;
-        if (count < 0 && errno != EINTR)
-            return Reading::Failed;
-        if (count > 0)
-            bytes.append(buffer.data(), static_cast<std::size_t>(count));
-        if (bytes.size() > LargestPicture)
-            return Reading::TooLarge;
-    }
-}
-
 // Whether a picture is complete: it begins and ends as its format does.
 bool IsWhole(std::string_view picture, std::string_view format)
 {
@@ -164,13 +77,6 @@ bool IsWhole(std::string_view picture, std::string_view format)
                picture.substr(0, last + 1).ends_with("%%EOF");
     return picture.find("<svg") != std::string_view::npos && last != std::string_view::npos &&
            picture.substr(0, last + 1).ends_with("</svg>");
-}
-
-std::string EndText(int status)
-{
-    if (WIFSIGNALED(status))
-        return "was ended by signal " + std::to_string(WTERMSIG(status));
-    return "ended with exit code " + std::to_string(WEXITSTATUS(status));
 }
 
 std::nullopt_t ReportTimeLimit(std::chrono::milliseconds limit)
@@ -205,7 +111,7 @@ std::optional<std::string> DrawPicture(const std::string& text, const std::strin
     Child child(process);
     const Clock::time_point end = Clock::now() + limit;
     std::string picture;
-    const Reading reading = ReadPipe(output.Get(), end, picture);
+    const Reading reading = ReadPipe(output.Get(), end, LargestPicture, picture);
     if (reading == Reading::Failed)
         return Report("cannot read the output of Graphviz: " + SystemText(errno));
     if (reading == Reading::TooLarge)

@@ -172,6 +172,43 @@ int Run(int argc, char** argv)
                "-o wheel.xml"));
     extractApp->callback([&] { command = [&extract] { return RunExtract(extract); }; });
 
+    ShapeOptions shape;
+    CLI::App* shapeApp = app.add_subcommand(
+        "shape", "Puts the mesh of a part file on a body, or writes what bodies look like as glTF");
+    shapeApp->add_option("FILE", shape.file, "Document")->required();
+    CLI::Option* const shapeBody =
+        shapeApp
+            ->add_option("--body", shape.bodies,
+                         "Body by name or identifier; of an export any number, all without it")
+            ->expected(1, -1);
+    CLI::Option* const part = shapeApp->add_option(
+        "--add", shape.part, "Part to put on the body: a file .stl, .obj, .ply, .gltf or .glb");
+    CLI::Option* const folder = shapeApp->add_option(
+        "--export", shape.folder, "Folder for a glTF file of each body with shapes");
+    shapeApp->add_option("--scale", shape.scale, "Factor of the part's lengths")
+        ->check(CLI::Range(1e-9, 1e9))
+        ->capture_default_str()
+        ->needs(part);
+    shapeApp
+        ->add_option("-o,--output", shape.writing.output,
+                     "Document to write; standard output without it")
+        ->needs(part);
+    AddWriting(*shapeApp, shape.writing);
+    folder->excludes(part);
+    part->needs(shapeBody);
+    shapeApp->footer(
+        "Lengths and axes of a part are those of the body, as they are. --force also replaces "
+        "files of an export.\n\n" +
+        Footer("karmp shape arm.xml --body Gripper --add gripper.stl --scale 0.001 -o new.xml"));
+    shapeApp->callback([&, part, folder] {
+        if (part->empty() && folder->empty())
+            throw CLI::RequiredError("--add or --export");
+        if (!part->empty() && shape.bodies.size() != 1)
+            throw CLI::ValidationError("--body", "a part is added to one body");
+        const auto run = part->empty() ? RunExportShapes : RunAddShape;
+        command = [&shape, run] { return run(shape); };
+    });
+
     GraphOptions graph;
     CLI::App* graphApp = app.add_subcommand(
         "graph",
