@@ -75,11 +75,16 @@ void KeepReadersOf(const std::string& ending, Assimp::Importer& importer)
     }
 }
 
-const aiScene& Read(const fs::path& file, Assimp::Importer& importer)
+std::string EndingOf(const fs::path& file)
 {
     std::string ending = file.extension().string().substr(1);
     std::transform(ending.begin(), ending.end(), ending.begin(),
                    [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return ending;
+}
+
+const aiScene& Read(const fs::path& file, const std::string& ending, Assimp::Importer& importer)
+{
     KeepReadersOf(ending, importer);
     importer.SetIOHandler(std::make_unique<PartFolder>(file).release()); // the importer's now
     int unused = aiComponent_TANGENTS_AND_BITANGENTS | aiComponent_COLORS | aiComponent_TEXCOORDS |
@@ -100,9 +105,11 @@ const aiScene& Read(const fs::path& file, Assimp::Importer& importer)
     return *scene;
 }
 
-std::optional<KARColour> ColourOf(const aiScene& scene, const aiMesh& mesh)
+// The colour that the file gives to a mesh. STL and PLY have no materials.
+std::optional<KARColour> ColourOf(const aiScene& scene, const aiMesh& mesh,
+                                  const std::string& ending)
 {
-    if (mesh.mMaterialIndex >= scene.mNumMaterials)
+    if (ending == "stl" || ending == "ply" || mesh.mMaterialIndex >= scene.mNumMaterials)
         return std::nullopt;
     const aiMaterial& material = *scene.mMaterials[mesh.mMaterialIndex];
     aiString name;
@@ -130,7 +137,8 @@ std::vector<KARMathVector> NormalsOf(const aiMesh& mesh)
     return normals;
 }
 
-KAR3DRepOwner<KAR3DRep> MeshOf(const aiScene& scene, const aiMesh& mesh, double scale)
+KAR3DRepOwner<KAR3DRep> MeshOf(const aiScene& scene, const aiMesh& mesh, const std::string& ending,
+                               double scale)
 {
     std::vector<KARMathPoint> vertices;
     vertices.reserve(mesh.mNumVertices);
@@ -147,7 +155,7 @@ KAR3DRepOwner<KAR3DRep> MeshOf(const aiScene& scene, const aiMesh& mesh, double 
         KAR3DMeshRep::CreateRep(std::move(vertices), std::move(triangles), NormalsOf(mesh)));
     if (!rep)
         throw std::runtime_error("a coordinate is no finite number, or a triangle has no corner");
-    rep->SetColour(ColourOf(scene, mesh)); // one that is none is left out
+    rep->SetColour(ColourOf(scene, mesh, ending)); // one that is none is left out
     return rep;
 }
 
@@ -156,7 +164,8 @@ KAR3DRepOwner<KAR3DRep> MeshOf(const aiScene& scene, const aiMesh& mesh, double 
 KAR3DRepOwner<KAR3DRep> ImportPart(const std::string& file, double scale)
 {
     Assimp::Importer importer;
-    const aiScene& scene = Read(fs::absolute(file), importer);
+    const std::string ending = EndingOf(file);
+    const aiScene& scene = Read(fs::absolute(file), ending, importer);
     std::vector<KAR3DRepOwner<KAR3DRep>> meshes;
     std::size_t triangles = 0;
     for (unsigned i = 0; i < scene.mNumMeshes; ++i) {
@@ -166,7 +175,7 @@ KAR3DRepOwner<KAR3DRep> ImportPart(const std::string& file, double scale)
             throw std::runtime_error("there are more than " + std::to_string(MostTriangles) +
                                      " triangles");
         if (mesh.HasFaces())
-            meshes.push_back(MeshOf(scene, mesh, scale));
+            meshes.push_back(MeshOf(scene, mesh, ending, scale));
     }
     if (meshes.empty())
         throw std::runtime_error("there is no triangle");

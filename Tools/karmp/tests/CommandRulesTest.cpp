@@ -41,6 +41,8 @@ const std::vector<Command>& Commands()
         {"outputs IN"},
         {"convert IN OUT", 0, true, true},
         {"extract IN --body Crank Rod --with all -o OUT", 0, true, true},
+        {"shape IN --body Crank --add '" KARMP_TEST_PARTS "/tetrahedron.stl' -o OUT", 0, true,
+         true},
         {"graph IN -o OUT --format dot", 0, false},
         {"view IN -o OUT", 0, false},
         {"schema", 0, false},
