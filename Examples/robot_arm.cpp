@@ -156,7 +156,7 @@ KARMathPoint TipOf(const KARMPWorld& world)
 std::size_t CountTriangles(const KARMPWorld& world)
 {
     std::size_t count = 0;
-    for (int index = 0; index < world.GetShapeCount(); ++index) {
+    for (int index = 0; index < world.Count<KARMPShape>(); ++index) {
         QOBSharedHandle<KARMPShape> shape;
         world.Get<KARMPShape>(index, shape);
         KARForEach3DRep(
