@@ -3,6 +3,7 @@
 #include "KAR3DBagRep.h"
 #include "KAR3DMeshRep.h"
 #include "PartFile.h"
+#include "WholePart.h"
 
 #include <algorithm>
 #include <cctype>
@@ -166,6 +167,8 @@ KAR3DRepOwner<KAR3DRep> ImportPart(const std::string& file, double scale)
     Assimp::Importer importer;
     const std::string ending = EndingOf(file);
     const aiScene& scene = Read(fs::absolute(file), ending, importer);
+    if (ending == "stl" ? !IsWholeStl(file) : ending == "ply" && !IsWholePly(file))
+        throw std::runtime_error("it ends too early");
     std::vector<KAR3DRepOwner<KAR3DRep>> meshes;
     std::size_t triangles = 0;
     for (unsigned i = 0; i < scene.mNumMeshes; ++i) {

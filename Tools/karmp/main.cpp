@@ -3,6 +3,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cmath>
 #include <cstdlib>
 #include <exception>
 #include <functional>
@@ -205,6 +206,8 @@ int Run(int argc, char** argv)
             throw CLI::RequiredError("--add or --export");
         if (!part->empty() && shape.bodies.size() != 1)
             throw CLI::ValidationError("--body", "a part is added to one body");
+        if (std::isnan(shape.scale))
+            throw CLI::ValidationError("--scale", "this is no number");
         const auto run = part->empty() ? RunExportShapes : RunAddShape;
         command = [&shape, run] { return run(shape); };
     });

@@ -3,6 +3,7 @@
 #include "KAR3DMeshRep.h"
 #include "KAR3DRepWalk.h"
 #include "KARMP3DRep.h"
+#include "KARMPBody.h"
 #include "KARMPDocuments.h"
 #include "KARMPWorld.h"
 #include "ToolFixture.h"
@@ -104,7 +105,7 @@ protected:
     {
         Looks looks;
         documents::LoadOptions options;
-        options.check = true;
+        options.check = documents::CheckLevel::Mechanism;
         const auto loaded = documents::LoadFile(file, options);
         EXPECT_TRUE(loaded.diagnostics.items.empty());
         for (int index = 0; index < loaded.world->GetBodyCount(); ++index) {
@@ -222,6 +223,7 @@ TEST_F(ShapeCommand, RefusesDamagedPartsWithoutWriting)
         Write("empty.stl", ""),
         Write("text.stl", "no part at all"),
         Write("cut.stl", ReadFile(Tetrahedron).substr(0, 90)),
+        Write("cut-later.stl", ReadFile(Tetrahedron).substr(0, 330)),
         Write("cut-binary.stl", BinaryStl(3, 3).substr(0, 200)),
         Write("announced.stl", BinaryStl(0xFFFFFFFFU, 1)),
         Write("points.obj", "v 0 0 0\nv 1 0 0\n"),
@@ -229,6 +231,8 @@ TEST_F(ShapeCommand, RefusesDamagedPartsWithoutWriting)
         Write("nan.obj", "v nan 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n"),
         Write("corner.ply", With(Ply, "3 1 2 3", "3 1 2 9")),
         Write("announced.ply", With(Ply, "vertex 4", "vertex 4000000000")),
+        Write("cut.ply", std::string(Ply).substr(0, std::string(Ply).size() - 3)),
+        Write("cut-before.ply", std::string(Ply).substr(0, std::string(Ply).size() - 30)),
         Write("none.gltf", "{}"),
         Write("cut.gltf", std::string(Gltf).substr(0, 200)),
         Write("count.gltf", With(Gltf, "\"count\": 3", "\"count\": 300")),
