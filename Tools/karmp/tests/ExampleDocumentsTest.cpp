@@ -1,5 +1,6 @@
 // Holds the documents of the examples in space to docs/conventions.md, as they are after loading.
 #include "ExampleWorld.h"
+#include "KARCurve.h"
 #include "KARMPDocuments.h"
 #include "KARMPEntities.h"
 
@@ -100,6 +101,56 @@ void ExpectClosed(const KARMPJoint& joint, const KARMathAxis& parent, const KARM
     }
 }
 
+/// How far a point is from the nearest one of a piece of a curve: by ever closer samples.
+double DistanceFrom(const KARCurve& piece, const KARMathPoint& point)
+{
+    constexpr int steps = 64;
+    double low = 0.0;
+    double high = 0.0;
+    piece.GetLimits(low, high);
+    const auto distanceAt = [&](double parameter) {
+        return (piece.EvalPoint(parameter) - point).Norm();
+    };
+    double best = low;
+    for (double step = (high - low) / steps; step > 1e-15; step *= 4.0 / steps) {
+        for (int index = 0; index <= steps; ++index)
+            if (const double parameter = std::min(low + index * step, high);
+                distanceAt(parameter) < distanceAt(best))
+                best = parameter;
+        low = std::max(low, best - 2.0 * step);
+    }
+    return distanceAt(best);
+}
+
+/// The point of the second geometry lies on the curve of the first.
+void ExpectPointOnCurve(const KARMPConstraint& constraint)
+{
+    std::array<QOBSharedHandle<KARMPGeometry>, 2> geometries;
+    std::array<QOBSharedHandle<KARMPBody>, 2> bodies;
+    for (int index = 0; index < 2; ++index) {
+        const auto side = static_cast<std::size_t>(index);
+        constraint.GetLinkedGeometry(index, geometries[side]);
+        ASSERT_EQ(geometries[side]->GetBody(bodies[side]), KARSuccess);
+    }
+    const auto* const curve = dynamic_cast<const KARMPCurve*>(geometries[0].get());
+    const auto* const given = dynamic_cast<const KARMPPoint*>(geometries[1].get());
+    ASSERT_TRUE(curve != nullptr && given != nullptr);
+    KARMathPoint point;
+    given->GetPoint(point);
+    KARMathTransformation intoCurve;
+    ASSERT_TRUE(PositionOf(*bodies[0]).ComputeInverse(intoCurve));
+    point = intoCurve * (PositionOf(*bodies[1]) * point);
+    double nearest = 1.0;
+    for (int index = 0; index < curve->GetCurveCount(); ++index) {
+        KARBaseUnknown* piece = nullptr;
+        KARMPCurveOrientation::Enum orientation{};
+        void* limits = nullptr;
+        ASSERT_EQ(curve->GetCurve(index, piece, orientation, limits), KARSuccess);
+        nearest = std::min(nearest, DistanceFrom(*KARSysDynamicCast<KARCurve>(piece), point));
+    }
+    EXPECT_NEAR(nearest, 0.0, LengthTolerance);
+}
+
 TEST_P(ExampleDocument, ClosesItsLoopsFromParentToChild)
 {
     const int joints = ForEach<KARMPJoint>([](const KARMPJoint& joint) {
@@ -114,6 +165,8 @@ TEST_P(ExampleDocument, ClosesItsLoopsFromParentToChild)
             return;
         QOBSharedHandle<KARMPConstraint> constraint;
         ASSERT_EQ(joint.GetConstraint(0, constraint), KARSuccess);
+        if (dynamic_cast<const KARMPPointCurve*>(&joint) != nullptr)
+            return ExpectPointOnCurve(*constraint);
         const Side parent = SideOf(*constraint, 0);
         const Side child = SideOf(*constraint, 1);
         EXPECT_EQ(parent.body, bodies[0]);
