@@ -5,6 +5,7 @@
 #include "KARMPClassItems.h"
 #include "KARMPDocuments.h"
 #include "KARMPItems.h"
+#include "KARMPSerializationServices.h"
 #include "KARMPTestFixture.h"
 #include "KARTextConversion.h"
 
@@ -57,7 +58,8 @@ public:
     {
         Shuffle(m_world);
         ForEachEntity([this](pugi::xml_node entity) {
-            const auto items = ItemsOf(std::string("KARMP") + entity.name());
+            const std::wstring element = kar::ToWide(std::string_view(entity.name()));
+            const auto items = ItemsOf(KARMPSerializationServices::to_type(element));
             EXPECT_FALSE(items.empty());
             for (const ItemInfo& item : items)
                 if (item.kind == ItemKind::References && !item.isInOrder)
