@@ -10,7 +10,9 @@
 #include "KARMPVersions.h"
 #include "QOBSharedHandle.h"
 
+#include <cstddef>
 #include <filesystem>
+#include <functional>
 #include <iosfwd>
 #include <string>
 #include <string_view>
@@ -22,6 +24,11 @@ namespace karmp::documents {
 
 /// The tags that a document's version may have, in ascending order.
 KARMP_DOCUMENTS_API const std::vector<std::wstring_view>& KnownVersions();
+
+/// Called with how many entities of how many are done, on the thread that works: first with 0, then
+/// with no smaller numbers, some hundred times at most, and with all of them when the world is read
+/// or its document rendered. It must not throw.
+using ProgressFunction = std::function<void(std::size_t done, std::size_t of)>;
 
 /// How a world is saved.
 struct SaveOptions
@@ -37,6 +44,8 @@ struct SaveOptions
     bool check = true;
     /// The document is written all the same: what the check finds is warnings then.
     bool allowLosses = false;
+    /// Is told how far the save is, unless it is empty.
+    ProgressFunction progress = {};
 };
 
 /// Saves a world to a file. The document is written to a new file in the same folder, which
@@ -62,6 +71,9 @@ struct LoadOptions
     Limits limits;
     /// What is checked before the document is read, as by Document::Check.
     CheckLevel check = CheckLevel::Form;
+    /// Is told how far the check and the reading are, unless it is empty; a document without a tree
+    /// gives no call.
+    ProgressFunction progress = {};
 };
 
 /// A loaded world.

@@ -27,6 +27,7 @@ bool DocumentSource::EndReading() noexcept
         return false;
     m_read = nullptr;
     m_readNodes.Reuse();
+    m_progress.Step();
     return true;
 }
 

@@ -3,6 +3,7 @@
 #include "KARMPDocumentNodes.h"
 #include "KARMPDocumentReader.h"
 #include "KARMPDocumentRecords.h"
+#include "KARMPProgressSteps.h"
 #include "KARMPSourceText.h"
 #include "KARMPTextEscapes.h"
 
@@ -29,6 +30,10 @@ public:
     /// The records, which refer to the bytes.
     DocumentRecords& Records() { return m_records; }
     const DocumentRecords& Records() const { return m_records; }
+    /// The source of a node.
+    static DocumentSource& Of(const KARMPDocumentReader& node) { return node.m_source; }
+    /// The steps that the readings of entities are.
+    ProgressSteps& Progress() { return m_progress; }
     /// Frees bytes, records and nodes.
     void Drop() noexcept;
 
@@ -84,6 +89,7 @@ private:
     std::vector<std::uint32_t> m_dropped;
     std::wstring m_unused;
     Collected m_collected;
+    ProgressSteps m_progress;
 };
 
 } // namespace karmp::documents

@@ -3,10 +3,12 @@
 #include "KARMPCurve.h"
 #include "KARMPDocumentNames.h"
 #include "KARMPDocumentPath.h"
+#include "KARMPDocumentSource.h"
 #include "KARMPEntityElement.h"
 #include "KARMPFailedCheck.h"
 #include "KARMPFamilies.h"
 #include "KARMPMaterial.h"
+#include "KARMPProgressSteps.h"
 #include "KARMPReadingPlace.h"
 #include "KARMPSaveCheck.h"
 #include "KARMPSerializationServices.h"
@@ -126,15 +128,13 @@ bool Guarded(Messages& messages, std::string_view activity, Part part)
     return false;
 }
 
-// About the size of a world's document.
-std::size_t ExpectedSize(const KARMPWorld& world)
+std::size_t ListedCount(const KARMPWorld& world)
 {
-    constexpr std::size_t entitySize = 1U << 10U;
     std::size_t count = 0;
     Families::ForEach([&world, &count](auto family) {
         count += static_cast<std::size_t>(world.Count<typename decltype(family)::Type>());
     });
-    return count * entitySize;
+    return count;
 }
 
 // Tells of the materials that write nothing, as those do that leave it to their base.
@@ -215,11 +215,14 @@ Diagnostics RenderWorld(const QOBSharedHandle<KARMPWorld>& world, const std::str
     SaveFindings findings(name, options);
     constexpr std::string_view activity = "the world was written";
     Guarded(messages, activity, [&] {
-        ReserveMore(bytes, ExpectedSize(*world));
+        constexpr std::size_t entitySize = 1U << 10U; // about
+        const std::size_t entities = ListedCount(*world);
+        ReserveMore(bytes, entities * entitySize);
         Diagnostics rendered;
         Messages renderMessages(rendered, name, options.limits.diagnostics);
         StreamedTree tree(options.version, options.doubles, bytes, options.limits, renderMessages,
                           options.check ? &findings.Warnings() : nullptr);
+        tree.Progress().Begin(options.progress, entities, 1);
         {
             const CheckListener listener(messages, std::string(activity));
             if (KARFailed(world->Serialize(&tree.Root()))) {
@@ -228,6 +231,7 @@ Diagnostics RenderWorld(const QOBSharedHandle<KARMPWorld>& world, const std::str
             }
         }
         tree.Finish();
+        tree.Progress().End();
         TellOfMaterials(*world, messages);
         diagnostics.Append(std::move(rendered));
     });
@@ -337,7 +341,12 @@ LoadResult LoadDocument(Document document, const LoadOptions& options,
         result.diagnostics = document.Messages();
         return result;
     }
-    if (options.check != CheckLevel::None) {
+    // The check and the reading pass over the entities twice each.
+    const bool isChecked = options.check != CheckLevel::None;
+    ProgressSteps& steps = DocumentSource::Of(*document.Root()).Progress();
+    if (options.progress)
+        steps.Begin(options.progress, CountEntities(*document.Root()), isChecked ? 4 : 2);
+    if (isChecked) {
         document.Check(options.check);
         document.DropWrongReferences();
     }
@@ -354,6 +363,7 @@ LoadResult LoadDocument(Document document, const LoadOptions& options,
     }
     if (into)
         Guarded(messages, "the world was looked at", [&] { former.Compare(*into, messages); });
+    steps.End();
     return result;
 }
 

@@ -1,5 +1,7 @@
 #include "KARMPStreamedTree.h"
 
+#include "KARMPDocumentRecords.h"
+
 #include <new>
 #include <optional>
 
@@ -77,6 +79,8 @@ void StreamedTree::ChildrenComplete(Node& node)
         NodeMemory& memory = MemoryAt(*depth);
         memory.Reuse();
         node.SetChildMemory(memory);
+        if (*depth + 1 == EntityDepth)
+            m_progress.Step();
     }
 }
 

@@ -3,6 +3,7 @@
 #include "KARMPDocumentWriter.h"
 #include "KARMPMessages.h"
 #include "KARMPNodeMemory.h"
+#include "KARMPProgressSteps.h"
 #include "KARMPXmlRenderer.h"
 
 #include <memory>
@@ -25,6 +26,8 @@ public:
 
     /// The root for a writer. A node renders by itself as long as it holds all its children.
     KARMPSerializer& Root();
+    /// The steps that the entities written are.
+    ProgressSteps& Progress() { return m_progress; }
     /// Renders the rest. After an error, which is reported, `bytes` is as it was.
     bool Finish();
 
@@ -41,6 +44,7 @@ private:
     std::vector<std::unique_ptr<NodeMemory>> m_memories;
     NodeMemory m_rootMemory;
     Node* m_root;
+    ProgressSteps m_progress;
 };
 
 } // namespace karmp::documents

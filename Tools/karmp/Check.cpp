@@ -4,6 +4,7 @@
 #include "KARMPWorld.h"
 #include "Loading.h"
 #include "Output.h"
+#include "Progress.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -89,19 +90,18 @@ bool FindFiles(const CheckOptions& options, std::vector<std::string>& files)
     return true;
 }
 
-CheckedFile CheckOne(const std::string& file, const Selection& selection)
+CheckedFile CheckOne(const std::string& file, const Selection& selection,
+                     documents::ProgressFunction progress)
 {
     documents::LoadOptions load;
     load.check = documents::CheckLevel::Mechanism;
     constexpr std::size_t most = 100'000;
     load.limits.diagnostics = most;
     CheckedFile checked{file, {}, false};
-    {
-        const Progress progress("checking " + Printable(std::string_view(file)));
-        documents::LoadResult result = Load(file, load);
-        checked.isRead = static_cast<bool>(result.world);
-        checked.findings = std::move(result.diagnostics);
-    }
+    load.progress = std::move(progress);
+    documents::LoadResult result = Load(file, load);
+    checked.isRead = static_cast<bool>(result.world);
+    checked.findings = std::move(result.diagnostics);
     std::vector<Diagnostic>& items = checked.findings.items;
     items.erase(std::remove_if(items.begin(), items.end(),
                                [&](const Diagnostic& item) {
@@ -111,6 +111,23 @@ CheckedFile CheckOne(const std::string& file, const Selection& selection)
     for (Diagnostic& item : items)
         if (selection.errors.count(item.code) != 0)
             item.severity = Severity::Error;
+    return checked;
+}
+
+// The progress of one file counts its entities, that of several ones the files.
+std::vector<CheckedFile> CheckAll(const std::vector<std::string>& files, const Selection& selection)
+{
+    std::vector<CheckedFile> checked;
+    if (files.size() == 1) {
+        Progress progress("checking " + Printable(std::string_view(files.front())));
+        checked.push_back(CheckOne(files.front(), selection, progress.Function()));
+        return checked;
+    }
+    Progress progress("checking", "files");
+    for (const std::string& file : files) {
+        progress.Show(checked.size(), files.size());
+        checked.push_back(CheckOne(file, selection, {}));
+    }
     return checked;
 }
 
@@ -146,9 +163,7 @@ int RunCheck(const CheckOptions& options)
         Refuse("there is no document to check");
         return Unreadable;
     }
-    std::vector<CheckedFile> checked;
-    for (const std::string& file : files)
-        checked.push_back(CheckOne(file, selection));
+    const std::vector<CheckedFile> checked = CheckAll(files, selection);
     if (options.json)
         PrintJson(checked, options.most);
     else if (options.sarif)

@@ -4,6 +4,8 @@
 #include "KARMPWorldLosses.h"
 #include "KARTextConversion.h"
 #include "Loading.h"
+#include "Output.h"
+#include "Progress.h"
 #include "QOBBasicEntity.h"
 
 #include <algorithm>
@@ -35,6 +37,12 @@ void TellOfUnlisted(const KARMPWorld& world)
                   << " of the document, which a document of it lacks\n";
 }
 
+std::vector<documents::Difference> LossesOf(const KARMPWorld& world, const std::wstring& version)
+{
+    const Progress progress("looking for what version " + Printable(version) + " cannot hold");
+    return documents::FindLosses(world, version, true);
+}
+
 } // namespace
 
 int RunConvert(const ConvertOptions& options)
@@ -53,7 +61,7 @@ int RunConvert(const ConvertOptions& options)
         !MayWrite(options.input, options.writing, loaded->diagnostics) ||
         KARFailed(documents::CompleteWorld(*loaded->world)))
         return Unreadable;
-    const auto losses = documents::FindLosses(*loaded->world, save.version, true);
+    const auto losses = LossesOf(*loaded->world, save.version);
     TellOfUnlisted(*loaded->world);
     const int written = WriteDocument(loaded->world, options.writing, save);
     if (written == Unreadable)

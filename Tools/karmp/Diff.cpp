@@ -3,6 +3,7 @@
 #include "KARMPWorld.h"
 #include "Loading.h"
 #include "Output.h"
+#include "Progress.h"
 
 #include <iostream>
 

@@ -3,6 +3,7 @@
 #include "KARMPFamilies.h"
 #include "KARMPWorld.h"
 #include "Output.h"
+#include "Progress.h"
 #include "ToolLimits.h"
 
 #include <algorithm>
@@ -93,8 +94,9 @@ std::optional<documents::LoadResult> LoadWorld(const std::string& file)
 {
     documents::LoadResult result;
     {
-        const Progress progress(Activity("loading", file));
+        Progress progress(Activity("loading", file));
         documents::LoadOptions options;
+        options.progress = progress.Function();
         options.limits.diagnostics = MostProblems;
         result = Load(file, options);
     }

@@ -183,16 +183,4 @@ std::string Columns::Json(std::size_t indentation) const
     return json + (m_lines.empty() ? "]" : '\n' + std::string(indentation - 2, ' ') + ']');
 }
 
-Progress::Progress(std::string_view activity) : m_shown(::isatty(STDERR_FILENO) != 0)
-{
-    if (m_shown)
-        std::cerr << activity << " ..." << std::flush;
-}
-
-Progress::~Progress()
-{
-    if (m_shown)
-        std::cerr << "\r\033[K" << std::flush;
-}
-
 } // namespace karmp::tool

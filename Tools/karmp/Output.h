@@ -49,18 +49,4 @@ private:
     std::vector<Line> m_lines;
 };
 
-/// Shows on standard error what takes long, when that is a terminal; the destructor removes the
-/// line.
-class Progress
-{
-public:
-    explicit Progress(std::string_view activity);
-    ~Progress();
-    Progress(const Progress&) = delete;
-    Progress& operator=(const Progress&) = delete;
-
-private:
-    bool m_shown;
-};
-
 } // namespace karmp::tool

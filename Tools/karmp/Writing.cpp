@@ -6,6 +6,7 @@
 #include "KARMPWorld.h"
 #include "Loading.h"
 #include "Output.h"
+#include "Progress.h"
 #include "ToolLimits.h"
 
 #include <algorithm>
@@ -137,7 +138,8 @@ int WriteDocument(const QOBSharedHandle<KARMPWorld>& world, const WriteOptions& 
     save.allowLosses = options.force;
     Diagnostics messages;
     {
-        const Progress progress("writing " + Printable(std::string_view(options.output)));
+        Progress progress("writing " + Printable(std::string_view(options.output)));
+        save.progress = progress.Function();
         messages = options.output == StandardStream
                        ? documents::SaveStream(world, std::cout, save)
                        : documents::SaveFile(world, options.output, save);
