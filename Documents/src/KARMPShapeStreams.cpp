@@ -99,12 +99,13 @@ void NumberCollector::Surface(const KARSurface& surface)
     const KARSurLimits limits = surface.GetLimits();
     for (const double limit : {limits.uLow, limits.uHigh, limits.vLow, limits.vHigh})
         Add(limit);
-    for (int i = 0; i < Samples * Samples; ++i) {
-        const double u = static_cast<double>(i % Samples) / (Samples - 1);
-        const double v = static_cast<double>(i / Samples) / (Samples - 1);
-        AddTriple(surface.EvalPoint(limits.uLow + (limits.uHigh - limits.uLow) * u,
-                                    limits.vLow + (limits.vHigh - limits.vLow) * v));
-    }
+    const auto sample = [](double low, double high, int index) {
+        return low + (high - low) * index / (Samples - 1);
+    };
+    for (int i = 0; i < Samples; ++i)
+        for (int j = 0; j < Samples; ++j)
+            AddTriple(surface.EvalPoint(sample(limits.uLow, limits.uHigh, j),
+                                        sample(limits.vLow, limits.vHigh, i)));
 }
 
 void NumberCollector::Body(const KARBody& body)

@@ -2,8 +2,12 @@
 
 #include "KARSmallMemory.h"
 
+#include <array>
+#include <cstddef>
 #include <memory>
 #include <new>
+#include <string>
+#include <utility>
 
 namespace kar {
 
@@ -30,7 +34,8 @@ void SharedText::Release(Node* node) noexcept
 // Never destroyed, since entities with static storage may ask for it at any time.
 const std::wstring& SharedText::Empty() noexcept
 {
-    static const std::wstring* const empty = new std::wstring;
+    alignas(std::wstring) static std::array<std::byte, sizeof(std::wstring)> memory;
+    static const std::wstring* const empty = ::new (memory.data()) std::wstring;
     return *empty;
 }
 
