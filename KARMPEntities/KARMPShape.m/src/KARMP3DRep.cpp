@@ -142,9 +142,10 @@ KARStatus KARMP3DRep::SetBlock(const std::vector<unsigned char>& bytes)
         (IsSceneGraphDumped ? KARReadSceneGraph : KARReadCgr)(bytes.data(), bytes.size()));
     if (rep == nullptr)
         return KARFailure;
+    const Node given(rep.get());
     const KARStatus status = Set3DRep(rep.get());
-    if (rep->GetBag() != nullptr || Get3DRep() == rep.get())
-        static_cast<void>(rep.release()); // it was taken
+    if (!given || given->GetBag() != nullptr || Get3DRep() == given.Get())
+        static_cast<void>(rep.release()); // it was destroyed or taken
     return status;
 }
 
