@@ -57,7 +57,8 @@ protected:
         EXPECT_EQ(m_text == "before", severity == Severity::Error);
     }
 
-    QOBSharedHandle<KARMPWorld> m_world = KARMPWorld::create(QOBBasicWorld::create(L"World"));
+    QOBSharedHandle<QOBBasicWorld> m_basicWorld = QOBBasicWorld::create(L"World");
+    QOBSharedHandle<KARMPWorld> m_world = KARMPWorld::create(m_basicWorld);
     SaveOptions m_options;
     std::string m_text;
 };
@@ -147,6 +148,7 @@ TEST_F(SavedWorld, FindsLinksBackInLongLists)
     const auto body = AddBody(L"Crank", L"K1");
     for (int number = 0; number < 100; ++number) {
         const auto joint = KARMPRevolute::create(L"Pin");
+        m_basicWorld->addLogicalChild(joint); // which ends the cycle of links with the body
         m_world->Add<KARMPJoint>(joint);
         joint->LinkToBody(body, KARMPBodyOrientation::Out);
         body->LinkToJoint(joint);

@@ -12,6 +12,7 @@
 #include "RecordingJointLoader.h"
 #include "VirtualSlot.h"
 
+#include <memory>
 #include <vector>
 
 namespace {
@@ -221,7 +222,9 @@ TEST_F(PlanarJoint, OnlyAPlanarLoaderIsItsOwn)
     KARIMPJoint2DLoader* loader = nullptr;
     EXPECT_EQ(joint->GetLoader(loader), KARSuccess);
     EXPECT_EQ(loader, nullptr);
-    joint->SetLoader(new RecordingEntityLoader(record));
+    // One that is replaced is the caller's again.
+    const auto other = std::make_unique<RecordingEntityLoader>(record);
+    joint->SetLoader(other.get());
     EXPECT_EQ(joint->GetLoader(loader), KARSuccess);
     EXPECT_EQ(loader, nullptr);
     auto* const given = GiveLoader();
