@@ -34,7 +34,7 @@ QOBSharedList<KARMPEntity> AllOf(const KARMPWorld& world)
     return all;
 }
 
-/// Places the duplicates of a filtered clone under its basic world, so that those that hold one
+/// Places the duplicates of a clone under its basic world, so that those that hold one
 /// another are freed with it.
 void PlaceAll(const KARMPWorld& clone)
 {
@@ -193,7 +193,12 @@ protected:
 TEST_F(CloneOfDocuments, DiffersFromItsSourceInWhatIsPrescribed)
 {
     ExpectPrescribed(
-        OfClones, [](const KARMPWorld& world) { return world.Clone(); });
+        OfClones,
+        [](const KARMPWorld& world) {
+            const World clone = world.Clone();
+            PlaceAll(*clone);
+            return clone;
+        });
 }
 
 TEST_F(CloneOfDocuments, ByAFilterOfAllDiffersFromItsSourceInWhatIsPrescribed)

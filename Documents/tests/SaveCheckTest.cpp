@@ -38,6 +38,7 @@ protected:
     {
         const auto joint = KARMPRevolute::create(L"Pin");
         joint->SetIdentifier(L"J1");
+        m_basicWorld->addLogicalChild(joint); // ends the cycles of its links
         m_world->Add<KARMPJoint>(joint);
         return joint;
     }
