@@ -5,6 +5,7 @@
 
 #include <charconv>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 namespace karmp::tool {
@@ -26,15 +27,25 @@ std::string Policy()
            HashSource(viewer::StyleHash) + "; script-src " + HashSource(viewer::ProgramHash);
 }
 
+std::string Joined(std::span<const std::string_view> pieces)
+{
+    std::string text;
+    for (const std::string_view piece : pieces)
+        text += piece;
+    return text;
+}
+
 } // namespace
 
 std::string ViewPage(std::string_view sceneJson)
 {
     const std::string policy = Policy();
+    const std::string frame = Joined(viewer::Page);
+    const std::string style = Joined(viewer::Style);
+    const std::string program = Joined(viewer::Program);
     std::string page;
-    page.reserve(viewer::Page.size() + viewer::Style.size() + viewer::Program.size() +
-                 sceneJson.size() + policy.size());
-    std::string_view rest = viewer::Page;
+    page.reserve(frame.size() + style.size() + program.size() + sceneJson.size() + policy.size());
+    std::string_view rest = frame;
     const auto replace = [&](std::string_view mark, std::string_view text) {
         const auto found = rest.find(mark);
         page += rest.substr(0, found);
@@ -42,9 +53,9 @@ std::string ViewPage(std::string_view sceneJson)
         rest.remove_prefix(found + mark.size());
     };
     replace("@policy@", policy);
-    replace("@style@", viewer::Style);
+    replace("@style@", style);
     replace("@scene@", sceneJson);
-    replace("@program@", viewer::Program);
+    replace("@program@", program);
     page += rest;
     return page;
 }
