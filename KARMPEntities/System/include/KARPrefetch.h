@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 namespace kar {
 
@@ -19,8 +20,10 @@ inline void Prefetch([[maybe_unused]] const void* memory,
 {
 #if defined(__GNUC__)
     constexpr std::size_t LineSize = 64;
+    // A number, because a pointer must not leave its object, and a null none at all.
+    const auto address = reinterpret_cast<std::uintptr_t>(memory);
     for (std::size_t offset = 0; offset < bytes; offset += LineSize)
-        __builtin_prefetch(static_cast<const char*>(memory) + offset, 1);
+        __builtin_prefetch(reinterpret_cast<const void*>(address + offset), 1);
 #endif
 }
 
