@@ -140,7 +140,8 @@ struct Diagnostic
     std::string file;
     /// Line from 1; 0 when the message belongs to no line.
     std::size_t line = 0;
-    /// Byte in the line from 1; 0 when the message belongs to no byte of the line.
+    /// Character in the line from 1, in code points, a tab being one; 0 when the message belongs to
+    /// no character of the line.
     std::size_t column = 0;
     /// The element, or the attribute after an "@", from the root:
     /// "/KARMPDocument/World/Bodies/Body[3]". Elements count from 1 among those of one name and

@@ -44,8 +44,8 @@ public:
     /// Line and column of the name of an attribute, the last one of that name; false, with the
     /// position of the element's name, when it has none.
     bool FindAttribute(std::wstring_view name, std::size_t& line, std::size_t& column) const;
-    /// Line and column of the first byte of the text that is no blank; false, with the position of
-    /// the element's name, when there is none.
+    /// Line and column of the first character of the text that is no blank; false, with the
+    /// position of the element's name, when there is none.
     bool FindText(std::size_t& line, std::size_t& column) const;
     /// True when the element holds a text, which may be empty where there are no elements.
     bool HasText() const { return HasValue(); }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
 #include <iterator>
 
@@ -77,6 +78,8 @@ SourceText::SourceText(std::string_view bytes)
     }
     m_faultOffset = offset;
     FindLines(bytes.substr(0, offset));
+    if (!m_isClean)
+        FindTrailingBytes(bytes.substr(0, offset));
 }
 
 // The length of the character at the front, which may be at fault.
@@ -106,11 +109,50 @@ void SourceText::FindLines(std::string_view bytes)
         m_lineStarts.push_back(static_cast<std::uint32_t>(feed + 1));
 }
 
+// The whole byte order mark counts as trailing, so that it takes no column.
+void SourceText::FindTrailingBytes(std::string_view bytes)
+{
+    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+    std::uint32_t before = 0;
+    for (std::size_t start = 0; start < bytes.size(); start += BlockSize) {
+        start += CleanBytes(bytes.substr(start));
+        const std::string_view block = bytes.substr(std::min(start, bytes.size()), BlockSize);
+        std::uint64_t trailing = 0;
+        for (std::size_t index = 0; index < block.size(); ++index)
+            if ((static_cast<unsigned char>(block[index]) & 0xC0U) == 0x80U)
+                trailing |= std::uint64_t{1} << index;
+        if (start == 0 && bytes.starts_with(byteOrderMark))
+            trailing |= 1U;
+        if (trailing == 0)
+            continue;
+        m_wideBlocks.push_back({static_cast<std::uint32_t>(start / BlockSize), before, trailing});
+        before += static_cast<std::uint32_t>(std::popcount(trailing));
+    }
+}
+
+std::uint32_t SourceText::TrailingBytesBefore(std::size_t offset) const
+{
+    const auto isAbove = [](std::size_t number, const WideBlock& block) {
+        return number < block.number;
+    };
+    const auto after =
+        std::upper_bound(m_wideBlocks.begin(), m_wideBlocks.end(), offset / BlockSize, isAbove);
+    if (after == m_wideBlocks.begin())
+        return 0;
+    const WideBlock& block = *std::prev(after);
+    const std::size_t bits = offset - block.number * BlockSize;
+    const std::uint64_t counted =
+        bits < BlockSize ? block.trailing & ((std::uint64_t{1} << bits) - 1) : block.trailing;
+    return block.before + static_cast<std::uint32_t>(std::popcount(counted));
+}
+
 SourcePosition SourceText::Find(std::size_t offset) const
 {
     const auto after = std::upper_bound(m_lineStarts.begin(), m_lineStarts.end(), offset);
+    const std::uint32_t start = *std::prev(after);
+    const std::uint32_t trailing = TrailingBytesBefore(offset) - TrailingBytesBefore(start);
     return {static_cast<std::uint32_t>(after - m_lineStarts.begin()),
-            static_cast<std::uint32_t>(offset - *std::prev(after) + 1)};
+            static_cast<std::uint32_t>(offset - start - trailing + 1)};
 }
 
 } // namespace karmp::documents

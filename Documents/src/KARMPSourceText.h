@@ -7,7 +7,8 @@
 
 namespace karmp::documents {
 
-/// A position in a text: line and byte in the line, both from 1.
+/// A position in a text: line and character in the line, both from 1. Each code point is one
+/// character, a tab too; a byte order mark is none.
 struct SourcePosition
 {
     std::uint32_t line = 1;
@@ -37,10 +38,22 @@ public:
     SourcePosition Find(std::size_t offset) const;
 
 private:
+    /// A block of bytes in which characters have trailing bytes: its number, how many trailing
+    /// bytes the blocks before it have, and one bit for each of its own.
+    struct WideBlock
+    {
+        std::uint32_t number;
+        std::uint32_t before;
+        std::uint64_t trailing;
+    };
+
     std::size_t Step(std::string_view bytes);
     void FindLines(std::string_view bytes);
+    void FindTrailingBytes(std::string_view bytes);
+    std::uint32_t TrailingBytesBefore(std::size_t offset) const;
 
     std::vector<std::uint32_t> m_lineStarts{0};
+    std::vector<WideBlock> m_wideBlocks;
     Fault m_fault = Fault::None;
     std::size_t m_faultOffset = 0;
     bool m_isClean = true;

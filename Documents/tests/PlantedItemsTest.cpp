@@ -109,6 +109,13 @@ void Collect(const std::string& text, const pugi::xml_node& node, const SchemaIt
     }
 }
 
+std::size_t CharactersIn(const std::string& text)
+{
+    return static_cast<std::size_t>(std::count_if(
+        text.begin(), text.end(),
+        [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U; }));
+}
+
 std::string AllOf(const Diagnostics& found)
 {
     std::string all;
@@ -152,7 +159,7 @@ std::size_t PlantIn(const std::string& className, const std::wstring& version, s
         const std::string above = text.substr(0, leaf.place);
         const auto line =
             static_cast<std::size_t>(std::count(above.begin(), above.end(), '\n')) + 1;
-        const std::size_t column = leaf.place - above.rfind('\n');
+        const std::size_t column = CharactersIn(above.substr(above.rfind('\n') + 1)) + 1;
         const bool isTold =
             std::any_of(found.items.begin(), found.items.end(), [&](const Diagnostic& item) {
                 return item.code == mistake.code && item.line == line && item.column == column;

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 using karmp::documents::SourcePosition;
 using karmp::documents::SourceText;
@@ -65,6 +66,45 @@ TEST(SourceText, IsCleanWithLineFeedsAlone)
             EXPECT_FALSE(source.IsClean()) << offset;
         }
     }
+}
+
+// The characters behind a start have the columns from 1.
+void ExpectColumnsOfCharacters(const std::vector<std::string>& characters,
+                               const std::string& start = {})
+{
+    std::string text = start;
+    for (const std::string& character : characters)
+        text += character;
+    const SourceText source(text);
+    ASSERT_EQ(source.Found(), SourceText::Fault::None);
+    SourcePosition position;
+    std::size_t offset = start.size();
+    for (const std::string& character : characters) {
+        EXPECT_EQ(source.Find(offset).line, position.line) << offset;
+        EXPECT_EQ(source.Find(offset).column, position.column) << offset;
+        offset += character.size();
+        position = character == "\n" ? SourcePosition{position.line + 1, 1}
+                                     : SourcePosition{position.line, position.column + 1};
+    }
+}
+
+TEST(SourceText, CountsCharactersOfAnyLengthAsOneColumn)
+{
+    const std::vector<std::string> kinds{"\xC3\xA4",     "x",  "\t",
+                                         "\xE2\x98\x83", "\n", "\xF0\x9F\x98\x80"};
+    for (std::size_t period = 1; period <= kinds.size(); ++period)
+        for (const std::size_t clean : {std::size_t{0}, std::size_t{63}, Length}) {
+            std::vector<std::string> characters(clean, "-");
+            for (std::size_t index = 0; index < Length; ++index)
+                characters.push_back(kinds[index % period]);
+            characters.insert(characters.end(), clean, "-");
+            ExpectColumnsOfCharacters(characters);
+        }
+}
+
+TEST(SourceText, GivesAByteOrderMarkNoColumn)
+{
+    ExpectColumnsOfCharacters({"<", "x", "/", ">", "\n", "\xC3\xA4"}, "\xEF\xBB\xBF");
 }
 
 TEST(SourceText, KnowsTheLineOfEveryByte)

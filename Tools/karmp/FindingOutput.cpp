@@ -181,7 +181,7 @@ void PrintSarif(const std::vector<CheckedFile>& files, std::size_t most)
                  "  \"runs\": [\n    {\n      \"tool\": {\"driver\": {\"name\": \"karmp\", "
                  "\"version\": \"" KARMP_TOOL_VERSION "\", \"rules\": [";
     PrintRules();
-    std::cout << "\n      ]}},\n      \"results\": [";
+    std::cout << "\n      ]}},\n      \"columnKind\": \"unicodeCodePoints\",\n      \"results\": [";
     bool first = true;
     for (const CheckedFile& file : files)
         for (const Diagnostic& message : file.findings.items)

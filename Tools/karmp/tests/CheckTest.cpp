@@ -86,6 +86,7 @@ TEST_F(Tool, PrintsFindingsAsSarif)
     ExpectContains(check.output, "\"version\": \"2.1.0\"");
     ExpectContains(check.output, "\"ruleId\": \"negative-mass\", \"level\": \"warning\"");
     ExpectContains(check.output, "a%20b.xml\"");
+    ExpectContains(check.output, "\"columnKind\": \"unicodeCodePoints\"");
     ExpectContains(check.output, "\"startLine\": 56, \"startColumn\": 12");
 }
 
