@@ -57,7 +57,8 @@ DocumentChecker::DocumentChecker(const KARMPDocumentReader& root, Messages& mess
         m_rules.emplace(
             m_identifiers,
             [this](Code code, const Node& entity, const RulePlace& place, std::string text) {
-                TellOfMeaning(code, entity, place, std::move(text));
+                TellAt(code == Code::EquationText ? Severity::Error : Severity::Warning, code,
+                       entity, place, std::move(text));
             });
 }
 
@@ -138,11 +139,6 @@ const DocumentChecker::Class& DocumentChecker::ClassOf(std::wstring_view element
             type.sides = m_links.SidesOf(*type.item);
     }
     return type;
-}
-
-bool DocumentChecker::IsA(const Class& type, std::string_view className)
-{
-    return std::find(type.lineage.begin(), type.lineage.end(), className) != type.lineage.end();
 }
 
 // False, with nothing to check, when there are no children and none can be missing.
@@ -259,21 +255,8 @@ void DocumentChecker::CheckDisabledValue(const Node& node, const SchemaItem& ite
              "the element " + Quoted(item.elements[1].name) + " is missing, though " + name +
                  " says that there is a value");
     else
-        TellBelow(Code::DisabledValue, node, *number,
-                  "the value is not read: " + name + " says that there is none");
-}
-
-void DocumentChecker::TellBelow(Code code, const Node& node, const KARMPDeserializer& child,
-                                std::string text)
-{
-    if (m_messages.Full())
-        return;
-    Way way;
-    for (const Frame& frame : m_frames)
-        way.push_back(frame.node);
-    way.insert(way.end(), {&node, &child});
-    m_messages.Warning(code, std::move(text), PathText(way), NodeOf(child).Line(),
-                       NodeOf(child).Column());
+        TellAt(Severity::Warning, Code::DisabledValue, node, {number},
+               "the value is not read: " + name + " says that there is none");
 }
 
 void DocumentChecker::CheckEntity(const Node& entity, const Family& family)
@@ -285,7 +268,7 @@ void DocumentChecker::CheckEntity(const Node& entity, const Family& family)
                  SuggestionOfClass(entity.Id(), family));
         return;
     }
-    if (!IsA(type, family.className)) {
+    if (!HasClass(type.lineage, family.className)) {
         Tell(Severity::Warning, Code::WrongRegistry, entity,
              "a " + type.lineage.front() + " stands in the list of another family");
     }
@@ -359,8 +342,11 @@ void DocumentChecker::CheckText(const Node& node, const SchemaItem& item, std::w
     // What reads as it stands is nothing to tell of where only the form counts.
     const bool isRead =
         fault && (fault->code == Code::DecimalComma || fault->code == Code::NotFinite);
-    if (fault && (m_rules || !isRead))
-        TellAt(fault->severity, fault->code, node, std::move(fault->text), Place::Text, attribute);
+    if (!fault || (!m_rules && isRead))
+        return;
+    RulePlace place = RulePlace().Text();
+    place.attribute = attribute;
+    TellAt(fault->severity, fault->code, node, place, std::move(fault->text));
 }
 
 void DocumentChecker::CheckReference(const Node& node, const SchemaItem* item)
@@ -378,7 +364,7 @@ void DocumentChecker::CheckReference(const Node& node, const SchemaItem* item)
         return;
     }
     const Class& type = *identified.type;
-    if (item != nullptr && !type.lineage.empty() && !IsA(type, item->target)) {
+    if (item != nullptr && !type.lineage.empty() && !HasClass(type.lineage, item->target)) {
         Tell(Severity::Error, Code::WrongClass, node,
              "the entity " + Quoted(IdentifierOf(node)) + " is a " + type.lineage.front() + "; a " +
                  std::string(item->target) + " was expected",
@@ -467,56 +453,31 @@ void DocumentChecker::TellMissing(const Node& node, const SchemaItem& item, Code
 void DocumentChecker::Tell(Severity severity, Code code, const Node& node, std::string text,
                            std::wstring_view attribute)
 {
-    TellAt(severity, code, node, std::move(text), Place::Name, attribute);
+    RulePlace place;
+    place.attribute = attribute;
+    TellAt(severity, code, node, place, std::move(text));
 }
 
-void DocumentChecker::TellAt(Severity severity, Code code, const Node& node, std::string text,
-                             Place place, std::wstring_view attribute)
+// Of a node that is the last frame's or stands in it.
+void DocumentChecker::TellAt(Severity severity, Code code, const Node& node, const RulePlace& place,
+                             std::string text)
 {
     if (m_messages.Full())
         return;
-    std::size_t line = node.Line();
-    std::size_t column = node.Column();
-    if (!attribute.empty())
-        node.FindAttribute(attribute, line, column);
-    else if (place == Place::Text)
-        node.FindText(line, column);
-    m_messages.Add(severity, code, std::move(text), Path(node, attribute), line, column);
-}
-
-// The way to a node that the last frame holds or is.
-std::string DocumentChecker::Path(const Node& node, std::wstring_view attribute) const
-{
     Way way;
     for (const Frame& frame : m_frames)
         way.push_back(frame.node);
     if (way.empty() || way.back() != &node)
         way.push_back(&node);
-    return PathText(way, attribute);
-}
-
-// Called while the last frame is that of the entity's family, or that of the world for the list of
-// a family and for the world's own settings.
-void DocumentChecker::TellOfMeaning(Code code, const Node& entity, const RulePlace& place,
-                                    std::string text)
-{
-    if (m_messages.Full())
-        return;
-    Way way;
-    for (const Frame& frame : m_frames)
-        way.push_back(frame.node);
-    if (way.back() != &entity)
-        way.push_back(&entity);
     way.insert(way.end(), place.below.begin(), place.below.end());
-    const Node& node = NodeOf(*way.back());
-    std::size_t line = node.Line();
-    std::size_t column = node.Column();
+    const Node& told = NodeOf(*way.back());
+    std::size_t line = told.Line();
+    std::size_t column = told.Column();
     if (!place.attribute.empty())
-        node.FindAttribute(place.attribute, line, column);
+        told.FindAttribute(place.attribute, line, column);
     else if (place.atText)
-        node.FindText(line, column);
-    m_messages.Add(code == Code::EquationText ? Severity::Error : Severity::Warning, code,
-                   std::move(text), PathText(way, place.attribute), line, column);
+        told.FindText(line, column);
+    m_messages.Add(severity, code, std::move(text), PathText(way, place.attribute), line, column);
 }
 
 std::wstring DocumentChecker::UnusedIdentifier() const

@@ -71,7 +71,6 @@ private:
     void CollectIdentifiers();
     void Identify(const Node& entity);
     const Class& ClassOf(std::wstring_view element);
-    static bool IsA(const Class& type, std::string_view className);
 
     bool Push(const Node& node, const SchemaItem* item, const Family* family);
     void Pop();
@@ -94,13 +93,8 @@ private:
     void TellMissing(const Node& node, const SchemaItem& item, Code code, std::string_view what);
     void Tell(Severity severity, Code code, const Node& node, std::string text,
               std::wstring_view attribute = {});
-    /// The part of an element that a finding is about.
-    enum class Place { Name, Text };
-    void TellAt(Severity severity, Code code, const Node& node, std::string text, Place place,
-                std::wstring_view attribute);
-    void TellBelow(Code code, const Node& node, const KARMPDeserializer& child, std::string text);
-    std::string Path(const Node& node, std::wstring_view attribute) const;
-    void TellOfMeaning(Code code, const Node& entity, const RulePlace& place, std::string text);
+    void TellAt(Severity severity, Code code, const Node& node, const RulePlace& place,
+                std::string text);
 
     const Node& m_root;
     Messages& m_messages;

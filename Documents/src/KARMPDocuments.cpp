@@ -4,10 +4,8 @@
 #include "KARMPDocumentNames.h"
 #include "KARMPDocumentPath.h"
 #include "KARMPDocumentSource.h"
-#include "KARMPEntityElement.h"
 #include "KARMPFailedCheck.h"
 #include "KARMPFamilies.h"
-#include "KARMPMaterial.h"
 #include "KARMPProgressSteps.h"
 #include "KARMPReadingPlace.h"
 #include "KARMPSaveCheck.h"
@@ -137,23 +135,6 @@ std::size_t ListedCount(const KARMPWorld& world)
     return count;
 }
 
-// Tells of the materials that write nothing, as those do that leave it to their base.
-void TellOfMaterials(const KARMPWorld& world, Messages& messages)
-{
-    int lost = 0;
-    for (int index = 0; index < world.Count<KARMPMaterial>(); ++index) {
-        QOBSharedHandle<KARMPMaterial> material;
-        EntityElement root;
-        if (!KARFailed(world.Get(index, material)) &&
-            EntityElement::Write(*material, root) == nullptr)
-            ++lost;
-    }
-    if (lost > 0)
-        messages.Warning(Code::LostMaterials, "the document lacks " + std::to_string(lost) +
-                                                  (lost == 1 ? " material, which writes nothing"
-                                                             : " materials, which write nothing"));
-}
-
 /// What a save would lose or falsify.
 class SaveFindings
 {
@@ -232,7 +213,6 @@ Diagnostics RenderWorld(const QOBSharedHandle<KARMPWorld>& world, const std::str
         }
         tree.Finish();
         tree.Progress().End();
-        TellOfMaterials(*world, messages);
         diagnostics.Append(std::move(rendered));
     });
     if (options.check && !diagnostics.HasErrors())

@@ -1,10 +1,13 @@
 #include "KARMPListedEntities.h"
 
+#include "KARMPAxisSystem.h"
+#include "KARMPBody.h"
 #include "KARMPDocumentNames.h"
 #include "KARMPFamilies.h"
 #include "KARMPItems.h"
 #include "KARMPSchema.h"
 #include "KARMPTextEscapes.h"
+#include "KARMPVariable.h"
 #include "KARMPWorld.h"
 #include "QOBClassInfo.h"
 
@@ -109,6 +112,21 @@ std::string ListedEntities::PathOf(std::size_t number) const
     AppendUtf8(path, ElementNameOf(At(number)));
     const Ordinal ordinal = m_ordinals[number];
     return ordinal.of > 1 ? path + '[' + std::to_string(ordinal.number) + ']' : path;
+}
+
+std::array<GlobalEntity, 3> GlobalsOf(const KARMPWorld& world)
+{
+    using Entity = QOBSharedHandle<KARMPEntity>;
+    QOBSharedHandle<KARMPBody> body;
+    QOBSharedHandle<KARMPAxisSystem> axisSystem;
+    QOBSharedHandle<KARMPVariable> time;
+    world.GetGlobalBody(body);
+    world.GetGlobalAxisSystem(axisSystem);
+    world.GetGlobalTime(time);
+    return {
+        GlobalEntity{Entity(body), RegistryElementName<KARMPBody>(), L"GlobalBody"},
+        GlobalEntity{Entity(axisSystem), RegistryElementName<KARMPGeometry>(), L"GlobalAxisSystem"},
+        GlobalEntity{Entity(time), RegistryElementName<KARMPVariable>(), L"GlobalTime"}};
 }
 
 void GetIdentifierOf(const KARMPEntity& entity, std::wstring& identifier)

@@ -2,6 +2,7 @@
 
 #include "KARMPEntity.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -53,6 +54,16 @@ private:
     };
     mutable std::vector<Ordinal> m_ordinals;
 };
+
+/// An entity that a world has of itself.
+struct GlobalEntity
+{
+    QOBSharedHandle<KARMPEntity> entity; ///< Null where the world has none.
+    std::wstring_view family;            ///< The element of the family that lists it.
+    std::wstring_view element;           ///< Its element among the globals.
+};
+/// The global body, axis system and time of a world.
+std::array<GlobalEntity, 3> GlobalsOf(const KARMPWorld& world);
 
 /// The identifier of an entity, which is made on first need. Throws when an allocation fails.
 void GetIdentifierOf(const KARMPEntity& entity, std::wstring& identifier);

@@ -1,12 +1,11 @@
 #include "KARMPSaveCheck.h"
 
-#include "KARMPAxisSystem.h"
-#include "KARMPBody.h"
 #include "KARMPDocumentLinks.h"
 #include "KARMPDocumentNames.h"
+#include "KARMPEntityElement.h"
 #include "KARMPInteraction.h"
+#include "KARMPMaterial.h"
 #include "KARMPTextEscapes.h"
-#include "KARMPVariable.h"
 #include "KARMPWorld.h"
 #include "KARMPWorldGraph.h"
 #include "QOBClassInfo.h"
@@ -63,6 +62,7 @@ SaveCheck::SaveCheck(const KARMPWorld& world, std::wstring_view version, Message
 void SaveCheck::Run()
 {
     CheckGlobals();
+    CheckMaterials();
     CheckIdentifiers();
     for (std::size_t number = 0; number < m_entities.Count() && !m_errors.Full(); ++number)
         CheckEntity(number);
@@ -94,21 +94,31 @@ SaveCheck::ClassChecks& SaveCheck::ChecksOf(const KARMPEntity& entity)
 // Reading leaves a global that the document does not hold as it is, so that nothing is lost.
 void SaveCheck::CheckGlobals()
 {
-    QOBSharedHandle<KARMPBody> body;
-    QOBSharedHandle<KARMPAxisSystem> axisSystem;
-    QOBSharedHandle<KARMPVariable> time;
-    m_world.GetGlobalBody(body);
-    m_world.GetGlobalAxisSystem(axisSystem);
-    m_world.GetGlobalTime(time);
-    const auto check = [this](const QOBSharedBase& global, const char* name) {
-        if (global && !m_entities.Hold(global._getReferent()))
-            m_warnings.Warning(Code::UnresolvedReference,
-                               "the world does not list its " + std::string(name),
-                               '/' + std::string(RootName) + "/World/Globals/" + name);
-    };
-    check(body, "GlobalBody");
-    check(axisSystem, "GlobalAxisSystem");
-    check(time, "GlobalTime");
+    for (const GlobalEntity& global : GlobalsOf(m_world)) {
+        if (!global.entity || m_entities.Hold(global.entity._getReferent()))
+            continue;
+        const std::string name = PathText(global.element);
+        m_warnings.Warning(Code::UnresolvedReference, "the world does not list its " + name,
+                           '/' + std::string(RootName) + "/World/Globals/" + name);
+    }
+}
+
+// Materials write nothing where they leave it to their base.
+void SaveCheck::CheckMaterials()
+{
+    int lost = 0;
+    for (int index = 0; index < m_world.Count<KARMPMaterial>(); ++index) {
+        QOBSharedHandle<KARMPMaterial> material;
+        EntityElement root;
+        if (!KARFailed(m_world.Get(index, material)) &&
+            EntityElement::Write(*material, root) == nullptr)
+            ++lost;
+    }
+    if (lost > 0)
+        m_warnings.Warning(Code::LostMaterials,
+                           "the document lacks " + std::to_string(lost) +
+                               (lost == 1 ? " material, which writes nothing"
+                                          : " materials, which write nothing"));
 }
 
 // The entities whose identifiers may be carried twice. A table of bits, 16 for an entity, sorts out

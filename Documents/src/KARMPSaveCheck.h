@@ -63,6 +63,7 @@ private:
 
     ClassChecks& ChecksOf(const KARMPEntity& entity);
     void CheckGlobals();
+    void CheckMaterials();
     void CheckIdentifiers();
     std::vector<std::size_t> DoubtfulIdentifiers() const;
     void CheckEntity(std::size_t number);

@@ -8,7 +8,12 @@ namespace karmp::documents {
 
 bool EntityClass::IsA(std::string_view className) const
 {
-    return name == className || std::find(bases.begin(), bases.end(), className) != bases.end();
+    return name == className || HasClass(bases, className);
+}
+
+bool HasClass(const std::vector<std::string>& lineage, std::string_view className)
+{
+    return std::find(lineage.begin(), lineage.end(), className) != lineage.end();
 }
 
 std::vector<std::string> LineageOf(const KARMPEntity& entity)

@@ -24,6 +24,8 @@ struct EntityClass
 /// The names of an entity's class and of those above it, the nearest one first: those that class
 /// records tell, and its family, which the record of a collision layer does not.
 std::vector<std::string> LineageOf(const KARMPEntity& entity);
+/// True when a class is among those of a lineage.
+bool HasClass(const std::vector<std::string>& lineage, std::string_view className);
 
 /// The classes that the factory makes and whose content is known, by name.
 std::vector<EntityClass> EntityClasses();

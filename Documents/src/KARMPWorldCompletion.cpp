@@ -1,12 +1,9 @@
-#include "KARMPAxisSystem.h"
-#include "KARMPBody.h"
 #include "KARMPDocuments.h"
 #include "KARMPFamilies.h"
 #include "KARMPInteraction.h"
 #include "KARMPItems.h"
 #include "KARMPListedEntities.h"
 #include "KARMPSilentListener.h"
-#include "KARMPVariable.h"
 #include "KARMPWorld.h"
 
 #include <algorithm>
@@ -29,15 +26,9 @@ public:
     void Run()
     {
         NoteIdentifiers();
-        QOBSharedHandle<KARMPBody> body;
-        QOBSharedHandle<KARMPAxisSystem> axisSystem;
-        QOBSharedHandle<KARMPVariable> time;
-        m_world.GetGlobalBody(body);
-        m_world.GetGlobalAxisSystem(axisSystem);
-        m_world.GetGlobalTime(time);
-        NoteUnlisted<KARMPBody>(Entity(body), L"GlobalBody");
-        NoteUnlisted<KARMPGeometry>(Entity(axisSystem), L"GlobalAxisSystem");
-        NoteUnlisted<KARMPVariable>(Entity(time), L"GlobalTime");
+        for (const GlobalEntity& global : GlobalsOf(m_world))
+            if (NoteUnlisted(global.entity, global.family))
+                Name(*global.entity, global.element);
         NoteLayers();
         Families::ForEach([this](auto family) { Complete<typename decltype(family)::Type>(); });
     }
@@ -70,14 +61,13 @@ private:
         }
     }
 
-    template <class T>
-    void NoteUnlisted(const Entity& entity, const wchar_t* name)
+    // True for an entity that is noted.
+    bool NoteUnlisted(const Entity& entity, std::wstring_view family)
     {
         if (!entity || !m_listed.insert(entity._getReferent()).second)
-            return;
-        m_unlisted.push_back({RegistryElementName<T>(), entity});
-        if (name != nullptr)
-            Name(*entity, name);
+            return false;
+        m_unlisted.push_back({family, entity});
+        return true;
     }
 
     // A collision layer is an interaction, which its record does not tell.
@@ -88,7 +78,7 @@ private:
             m_world.Get<KARMPInteraction>(index, interaction);
             ForEachTarget(*interaction, [this](const ItemInfo&, const Entity& target) {
                 if (dynamic_cast<const KARMPInteraction*>(target.get()) != nullptr)
-                    NoteUnlisted<KARMPInteraction>(target, nullptr);
+                    NoteUnlisted(target, RegistryElementName<KARMPInteraction>());
             });
         }
     }

@@ -1,9 +1,8 @@
 #include "KARMPWorldGraph.h"
 
-#include "KARMPAxisSystem.h"
 #include "KARMPBody.h"
 #include "KARMPFamilies.h"
-#include "KARMPVariable.h"
+#include "KARMPListedEntities.h"
 #include "KARMPWorld.h"
 
 #include <functional>
@@ -23,22 +22,21 @@ struct LabelledPair
     WorldGraph::Link link;
 };
 
-std::vector<Target> GlobalsOf(const KARMPWorld& world)
+// The globals and the ground.
+std::vector<Target> FixturesOf(const KARMPWorld& world)
 {
-    QOBSharedHandle<KARMPBody> body;
-    QOBSharedHandle<KARMPAxisSystem> axisSystem;
-    QOBSharedHandle<KARMPVariable> time;
+    std::vector<Target> fixtures;
+    for (const GlobalEntity& global : GlobalsOf(world))
+        fixtures.push_back(global.entity);
     QOBSharedHandle<KARMPBody> ground;
-    world.GetGlobalBody(body);
-    world.GetGlobalAxisSystem(axisSystem);
-    world.GetGlobalTime(time);
     world.GetGroundBody(ground);
-    return {Target(body), Target(axisSystem), Target(time), Target(ground)};
+    fixtures.emplace_back(ground);
+    return fixtures;
 }
 
 } // namespace
 
-WorldGraph::WorldGraph(const KARMPWorld& world) : m_globals(GlobalsOf(world))
+WorldGraph::WorldGraph(const KARMPWorld& world) : m_globals(FixturesOf(world))
 {
     std::uint32_t family = 0;
     ForEachRegistryElement([&](const auto& element) {
