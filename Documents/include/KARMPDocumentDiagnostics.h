@@ -83,6 +83,7 @@ enum class Code : std::uint8_t {
     OtherName,            ///< A reference names its target by a name that the target does not have.
     RepeatedReference,    ///< A list refers to one entity twice.
     Cycle,                ///< An entity is above itself in a tree of entities.
+    SecondFather,         ///< An entity is the child of two.
     TermOrder,            ///< The index of a linear term is not its place.
     MappingRange,         ///< A variable mapping is about a variable that is not linked.
     UnlinkedVariable,     ///< An equation has more or fewer variables than are linked.
@@ -97,12 +98,15 @@ enum class Code : std::uint8_t {
     ReversedLimits,       ///< A lower limit above the upper one.
     OutsideLimits,        ///< A value outside of its limits.
     NoTolerance,          ///< A tolerance of the world that is not positive.
+    NoSize,               ///< A radius or a size of the world that is not positive.
+    NegativeNumber,       ///< A length, coefficient or modulus below zero.
     CouplingWithoutEquation, ///< A coupling without an equation.
     TooFewGeometries,        ///< A constraint on fewer geometries than it relates.
     TooFewBodies,            ///< A joint of fewer than two bodies.
     WrongQuantity,           ///< A value or variable of a quantity that does not fit.
     UnknownFreedom,          ///< A freedom of a joint that is not one of 0 to 5.
     LooseBody,               ///< A body that nothing else refers to.
+    FloatingChain,           ///< Bodies that are joined with one another and with no fixed one.
     FailedCheck,             ///< The entity library reported a failed check.
     InvalidCast,             ///< The entity library failed on a reference of a wrong class.
     OutOfMemory,             ///< An allocation failed.

@@ -36,7 +36,8 @@ bool Explains(Code code)
 {
     return (code >= Code::Reference && code <= Code::WrongRegistry) || code == Code::EquationText ||
            code == Code::MappingRange || code == Code::UnknownNumber ||
-           code == Code::DisabledValue || code == Code::RepeatedReference || code == Code::Cycle;
+           code == Code::DisabledValue || code == Code::RepeatedReference || code == Code::Cycle ||
+           code == Code::SecondFather;
 }
 
 // The path of the entity, or of the part of the world, that a path leads into.

@@ -3,6 +3,7 @@
 #include "KARMPMechanismRules.h"
 #include "KARMPNodeQueries.h"
 #include "KARMPSchema.h"
+#include "KARMPSchemaClasses.h"
 #include "KARMPTextEscapes.h"
 #include "KARTextConversion.h"
 
@@ -85,11 +86,6 @@ constexpr std::array Motors{MotorQuantities{L"Length",
                                               {L"Velocity", L"AngularVelocity"},
                                               {L"Acceleration", L"AngularAcceleration"},
                                               {L"MaxForce", L"Torque"}}}}};
-
-/// The lists that make trees of entities.
-constexpr std::array<std::wstring_view, 6> Trees{L"ChildrenBodies",     L"ImpactedChildrenBodies",
-                                                 L"AggregatedElements", L"ChildrenParameters",
-                                                 L"ChildrenStates",     L"ChildrenOutputs"};
 
 // The physical quantities in the order of their numbers.
 const std::vector<std::wstring_view>& QuantityWords()
@@ -207,10 +203,7 @@ void MechanismRules::CheckCoupling(const Node& entity)
 
 void MechanismRules::CheckConstraint(const Lineage& lineage, const Node& entity)
 {
-    const auto isA = [&lineage](std::string_view name) {
-        return std::find(lineage.begin(), lineage.end(), name) != lineage.end();
-    };
-    if (!isA("KARMPConstraint") || isA("KARMPEquation"))
+    if (!HasClass(lineage, "KARMPConstraint") || HasClass(lineage, "KARMPEquation"))
         return;
     const std::size_t count = ItemsOf(entity, L"Geometries").size();
     if (count < 2)
@@ -221,20 +214,16 @@ void MechanismRules::CheckConstraint(const Lineage& lineage, const Node& entity)
 
 void MechanismRules::NoteLinks(std::uint32_t number, const Lineage& lineage, const Node& entity)
 {
-    const auto isA = [&lineage](std::string_view name) {
-        return std::find(lineage.begin(), lineage.end(), name) != lineage.end();
-    };
-    for (std::size_t tree = 0; tree < Trees.size(); ++tree)
-        for (const KARMPDeserializer* item : ItemsOf(entity, Trees[tree]))
-            if (const auto target = m_identifiers.Of(*item)) {
-                m_edges[tree][number].push_back(*target);
-                m_owners.push_back(number);
-                m_referred.insert(*target);
-                m_referred.insert(number);
-            }
-    m_hasLinks = m_hasLinks || isA("KARMPJoint") || isA("KARMPJoint2D") || isA("KARMPConnector");
-    if (isA("KARMPJoint") || isA("KARMPJoint2D") || isA("KARMPConnector") || isA("KARMPActuator") ||
-        isA("KARMPInteraction") || isA("KARMPSensor"))
+    m_joined.Note(number, lineage, entity);
+    const std::vector<std::uint32_t> children = m_trees.Note(number, entity);
+    m_referred.insert(children.begin(), children.end());
+    if (!children.empty())
+        m_referred.insert(number);
+    m_hasLinks = m_hasLinks || HasClass(lineage, "KARMPJoint") ||
+                 HasClass(lineage, "KARMPJoint2D") || HasClass(lineage, "KARMPConnector");
+    if (HasClass(lineage, "KARMPJoint") || HasClass(lineage, "KARMPJoint2D") ||
+        HasClass(lineage, "KARMPConnector") || HasClass(lineage, "KARMPActuator") ||
+        HasClass(lineage, "KARMPInteraction") || HasClass(lineage, "KARMPSensor"))
         NoteReferences(entity, 3);
 }
 
@@ -260,76 +249,69 @@ void MechanismRules::CheckLoose(const Node& entity)
          {L"Joints", L"Connectors", L"DisplacementSensor", L"ChildrenBodies"})
         if (First(entity, item) != nullptr)
             return;
-    for (const std::wstring_view name : {L"is_fixed", L"is_fixed2D"}) {
-        bool isFixed = false;
-        if (entity.HasAttribute(name) && !KARFailed(entity.GetAttribute(name, isFixed)) && isFixed)
-            return;
-    }
+    if (IsFixedBody(entity))
+        return;
     m_tell(Code::LooseBody, entity, {},
            "the body hangs on nothing: no joint, connector, drive, sensor, rule or other body "
            "refers to it");
 }
 
+// Told at the first body of a chain.
+void MechanismRules::CheckFloating(const Node& entity)
+{
+    constexpr std::size_t most = 3; // bodies that are named
+    if (!m_hasLinks)
+        return;
+    const std::vector<const Node*> chain = m_joined.FloatingChain(entity);
+    if (chain.empty())
+        return;
+    std::string names;
+    for (std::size_t index = 0; index < chain.size() && index < most; ++index) {
+        std::wstring identifier;
+        chain[index]->GetAttribute(L"id", identifier);
+        names += (index == 0 ? "" : ", ") + Quoted(identifier);
+    }
+    if (chain.size() > most)
+        names += " and " + std::to_string(chain.size() - most) + " more";
+    m_tell(Code::FloatingChain, entity, {},
+           "these bodies are joined with one another, and neither with the ground nor with a fixed "
+           "body: " +
+               names);
+}
+
 void MechanismRules::CheckWorld(const Node& world)
 {
     CheckTolerances(world);
-    if (const KARMPDeserializer* const globals = First(world, L"Globals"))
-        NoteReferences(*globals, 1);
+    CheckWorldSize(world);
+    const KARMPDeserializer* const globals = First(world, L"Globals");
+    if (globals == nullptr)
+        return;
+    NoteReferences(*globals, 1);
+    for (const std::wstring_view name : {L"GlobalBody", L"GlobalAxisSystem"})
+        if (const KARMPDeserializer* const global = First(*globals, name))
+            m_joined.Fix(*global);
 }
 
-// Marks the links that lead back to where a walk through a tree came from.
 void MechanismRules::EndNotes()
 {
-    enum class Mark : std::uint8_t { New, Open, Done };
-    struct Step
-    {
-        std::uint32_t number;
-        std::size_t next;
-    };
-    for (std::size_t tree = 0; tree < Trees.size(); ++tree) {
-        const auto& edges = m_edges[tree];
-        std::unordered_map<std::uint32_t, Mark> marks;
-        for (const std::uint32_t owner : m_owners) {
-            if (marks[owner] != Mark::New || edges.count(owner) == 0)
-                continue;
-            std::vector<Step> open{{owner, 0}};
-            marks[owner] = Mark::Open;
-            while (!open.empty()) {
-                Step& step = open.back();
-                const auto found = edges.find(step.number);
-                if (found == edges.end() || step.next == found->second.size()) {
-                    marks[step.number] = Mark::Done;
-                    open.pop_back();
-                    continue;
-                }
-                const std::uint32_t target = found->second[step.next++];
-                Mark& mark = marks[target];
-                if (mark == Mark::Open)
-                    m_cycles.insert({tree, step.number, target});
-                if (mark == Mark::New) {
-                    mark = Mark::Open;
-                    open.push_back({target, 0});
-                }
-            }
-        }
-    }
+    m_trees.EndNotes();
 }
 
-void MechanismRules::CheckCycles(const Node& entity)
+void MechanismRules::CheckTrees(const Node& entity)
 {
     const auto number = m_identifiers.Of(entity);
-    if (m_cycles.empty() || !number)
+    if (!number)
         return;
-    for (std::size_t tree = 0; tree < Trees.size(); ++tree) {
-        const KARMPDeserializer* const list = First(entity, Trees[tree]);
-        for (const KARMPDeserializer* item : ItemsOf(entity, Trees[tree])) {
-            const auto target = m_identifiers.Of(*item);
-            if (target && m_cycles.count({tree, *number, *target}) != 0)
-                m_tell(Code::Cycle, entity, {list, item},
-                       *target == *number ? "the entity refers to itself as its own child"
-                                          : "the entity below this one is above it as well");
-        }
-    }
+    m_trees.ForEachChild(entity, [&](const KARMPDeserializer& list, const KARMPDeserializer& item,
+                                     std::uint32_t child, std::size_t tree) {
+        if (m_trees.IsCycle(tree, *number, child))
+            m_tell(Code::Cycle, entity, {&list, &item},
+                   child == *number ? "the entity refers to itself as its own child"
+                                    : "the entity below this one is above it as well");
+        else if (const Node* const father = m_trees.OtherFather(tree, *number, child))
+            m_tell(Code::SecondFather, entity, {&list, &item},
+                   "the entity has a father already, in line " + std::to_string(father->Line()));
+    });
 }
 
 } // namespace karmp::documents

@@ -1,6 +1,7 @@
 #include "KARMPMechanismRules.h"
 
 #include "KARMPNodeQueries.h"
+#include "KARMPSchemaClasses.h"
 #include "KARMPTextEscapes.h"
 #include "KARTextConversion.h"
 
@@ -12,11 +13,6 @@
 namespace karmp::documents {
 
 namespace {
-
-bool Contains(const MechanismRules::Lineage& lineage, std::string_view className)
-{
-    return std::find(lineage.begin(), lineage.end(), className) != lineage.end();
-}
 
 // The number of records that a list of a sensor states, or of those that it holds when it states
 // none.
@@ -109,6 +105,7 @@ const std::vector<MechanismRule>& MechanismRule::All()
         {"KARMPConstraintSensor", Target<Constraint>},
         {"KARMPCollisionSensor", Target<CollisionRule>},
         {"KARMPProximitySensor", Run<&R::CheckProximitySensor>},
+        {"KARMPProximitySensor", Run<&R::CheckClearance>},
         {"KARMPDofSensor", Target<ConstrainedBody>},
         {"KARMPDofSensor", Run<&R::CheckDofSensor>},
         {"KARMPDofSensor2D", Target<ConstrainedBody2D>},
@@ -119,6 +116,7 @@ const std::vector<MechanismRule>& MechanismRule::All()
         {"KARMPAnalysisCase", Run<&R::CheckAnalysisCase>},
         {"KARMPBody", Run<&R::CheckBody>},
         {"KARMPBody", Run<&R::CheckLoose>},
+        {"KARMPBody", Run<&R::CheckFloating>},
         {"KARMPBody2D", Run<&R::CheckBody>},
         {"KARMPBody2D", Run<&R::CheckLoose>},
         {"KARMPGeometry", Run<&R::CheckCoordinates>},
@@ -137,7 +135,7 @@ const std::vector<MechanismRule>& MechanismRule::All()
         {"KARMPJoint2D", Run<&R::CheckJoint>},
         {"KARMPCoupling", Run<&R::CheckCoupling>},
         {"KARMPEntity", Run<&R::CheckRotations>},
-        {"KARMPEntity", Run<&R::CheckCycles>},
+        {"KARMPEntity", Run<&R::CheckTrees>},
         {"KARMPEntity", Run<&R::CheckSiblings>},
         {"KARMPAttribute", Run<&R::CheckAttribute>},
         {"KARMPState", Run<&R::CheckStoredValue>},
@@ -153,34 +151,37 @@ const std::vector<MechanismRule>& MechanismRule::All()
 }
 
 MechanismRules::MechanismRules(Identifiers& identifiers, Tell tell)
-    : m_identifiers(identifiers), m_tell(std::move(tell))
+    : m_identifiers(identifiers),
+      m_tell(std::move(tell)),
+      m_trees(identifiers),
+      m_joined(identifiers)
 {}
 
 void MechanismRules::Note(std::uint32_t number, const Lineage& lineage, const Node& entity)
 {
-    if (Contains(lineage, "KARMPCollisionLayer"))
+    if (HasClass(lineage, "KARMPCollisionLayer"))
         m_layers.insert(number);
-    if (Contains(lineage, "KARMPAnalysisStep"))
+    if (HasClass(lineage, "KARMPAnalysisStep"))
         m_steps.insert(number);
-    if (Contains(lineage, "KARMPAttribute"))
+    if (HasClass(lineage, "KARMPAttribute"))
         NoteAttribute(number, entity);
     NoteDimensions(number, lineage);
     NoteLinks(number, lineage, entity);
-    if (!Contains(lineage, "KARMPValue") && !Contains(lineage, "KARMPVariable"))
+    if (!HasClass(lineage, "KARMPValue") && !HasClass(lineage, "KARMPVariable"))
         return;
     const std::wstring_view quantity = QuantityOf(entity);
     m_quantities.try_emplace(number, quantity);
     const bool needsOne =
-        Contains(lineage, "KARMPConstant") || Contains(lineage, "KARMPExpression");
+        HasClass(lineage, "KARMPConstant") || HasClass(lineage, "KARMPExpression");
     if (needsOne && (quantity.empty() || quantity == L"NoPhysicalQuantity"))
         m_valuesWithoutQuantity.insert(number);
 }
 
 void MechanismRules::NoteDimensions(std::uint32_t number, const Lineage& lineage)
 {
-    if (Contains(lineage, "KARMPJoint2D"))
+    if (HasClass(lineage, "KARMPJoint2D"))
         m_planarJoints.insert(number);
-    if (!Contains(lineage, "KARMPGeometry") || Contains(lineage, "KARMPGeometry2D"))
+    if (!HasClass(lineage, "KARMPGeometry") || HasClass(lineage, "KARMPGeometry2D"))
         return;
     m_spatialGeometries.resize(std::max<std::size_t>(m_spatialGeometries.size(), number + 1));
     m_spatialGeometries[number] = true;
@@ -191,7 +192,7 @@ void MechanismRules::Check(const Lineage& lineage, const Node& entity)
     // Planar classes count as those in space too.
     std::vector<void (*)(MechanismRules&, const Node&)> done;
     for (const MechanismRule& rule : MechanismRule::All()) {
-        if (!Contains(lineage, rule.className) ||
+        if (!HasClass(lineage, rule.className) ||
             std::find(done.begin(), done.end(), rule.check) != done.end())
             continue;
         done.push_back(rule.check);
@@ -199,6 +200,7 @@ void MechanismRules::Check(const Lineage& lineage, const Node& entity)
     }
     CheckConstraint(lineage, entity);
     CheckQuantitiesOf(lineage, entity);
+    CheckRanges(lineage, entity);
 }
 
 void MechanismRules::NeedLink(const Node& entity, std::wstring_view element, Code code,

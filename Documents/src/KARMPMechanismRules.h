@@ -3,17 +3,17 @@
 
 #include "KARMPDocumentPath.h"
 #include "KARMPDocumentReader.h"
+#include "KARMPEntityTrees.h"
 #include "KARMPIdentifiers.h"
+#include "KARMPJoinedBodies.h"
 
 #include <array>
 #include <cstdint>
 #include <functional>
 #include <initializer_list>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
-#include <tuple>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
@@ -43,6 +43,10 @@ struct RulePlace
 
 /// The finite number in the first element of a name; empty when there is none.
 std::optional<double> NumberIn(const KARMPDeserializer& group, std::wstring_view name);
+/// The finite number in an attribute; empty when there is none.
+std::optional<double> NumberOf(const KARMPDeserializer& node, std::wstring_view attribute);
+/// A number for people, with six digits.
+std::string TextOf(double number);
 /// The finite number that a text is; empty when it is none.
 std::optional<double> NumberFrom(std::wstring_view text);
 /// The word of the physical quantity of a value or variable; empty when it names none.
@@ -107,6 +111,9 @@ private:
     void CheckVariable(const Node& entity);
     void CheckSegments(const Node& entity);
     void CheckTolerances(const Node& world);
+    void CheckWorldSize(const Node& world);
+    void CheckClearance(const Node& entity);
+    void CheckRanges(const Lineage& lineage, const Node& entity);
 
     void CheckLinearEquation(const Node& entity);
     void CheckExpression(const Node& entity);
@@ -122,7 +129,8 @@ private:
     void CheckCoupling(const Node& entity);
     void CheckConstraint(const Lineage& lineage, const Node& entity);
     void CheckLoose(const Node& entity);
-    void CheckCycles(const Node& entity);
+    void CheckFloating(const Node& entity);
+    void CheckTrees(const Node& entity);
     void NoteLinks(std::uint32_t number, const Lineage& lineage, const Node& entity);
     void NoteReferences(const KARMPDeserializer& node, int depth);
 
@@ -171,11 +179,8 @@ private:
     std::unordered_map<std::uint32_t, const Node*> m_layered;
     /// The quantities of values and variables.
     std::unordered_map<std::uint32_t, std::wstring_view> m_quantities;
-    /// The children by their fathers, for each kind of tree, and all fathers in document order.
-    std::array<std::unordered_map<std::uint32_t, std::vector<std::uint32_t>>, 6> m_edges;
-    std::vector<std::uint32_t> m_owners;
-    /// The links that close a cycle: tree, father and child.
-    std::set<std::tuple<std::size_t, std::uint32_t, std::uint32_t>> m_cycles;
+    EntityTrees m_trees;
+    JoinedBodies m_joined;
     /// What joints, connectors, actuators, sensors, rules and other bodies refer to.
     std::unordered_set<std::uint32_t> m_referred;
     bool m_hasLinks = false;

@@ -86,14 +86,6 @@ Vector PrincipalMoments(const Matrix& m)
     return {low, 3.0 * mean - high - low, high};
 }
 
-std::string TextOf(double number)
-{
-    std::array<char, 32> buffer{};
-    const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number,
-                                      std::chars_format::general, 6);
-    return std::string(buffer.data(), result.ptr);
-}
-
 bool HasAll(const KARMPDeserializer& group, std::initializer_list<std::wstring_view> names)
 {
     return std::all_of(
@@ -118,6 +110,22 @@ std::optional<double> NumberIn(const KARMPDeserializer& group, std::wstring_view
     if (element == nullptr || !NodeOf(*element).HasText() || KARFailed(element->GetValue(text)))
         return {};
     return NumberFrom(text);
+}
+
+std::optional<double> NumberOf(const KARMPDeserializer& node, std::wstring_view attribute)
+{
+    std::wstring text;
+    if (!NodeOf(node).HasAttribute(attribute) || KARFailed(node.GetAttribute(attribute, text)))
+        return {};
+    return NumberFrom(text);
+}
+
+std::string TextOf(double number)
+{
+    std::array<char, 32> buffer{};
+    const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number,
+                                      std::chars_format::general, 6);
+    return std::string(buffer.data(), result.ptr);
 }
 
 std::optional<double> NumberFrom(std::wstring_view text)
@@ -326,9 +334,7 @@ void MechanismRules::CheckVariable(const Node& entity)
 {
     const auto attribute = [&entity](std::wstring_view name) {
         Limit limit;
-        std::wstring text;
-        if (entity.HasAttribute(name) && !KARFailed(entity.GetAttribute(name, text)))
-            limit.number = NumberFrom(text);
+        limit.number = NumberOf(entity, name);
         limit.place.attribute = name;
         return limit;
     };
@@ -348,9 +354,7 @@ void MechanismRules::CheckSegments(const Node& entity)
     for (const KARMPDeserializer* item : ItemsOf(entity, L"CurveSegments")) {
         const auto limit = [list, item](std::wstring_view name) {
             Limit made;
-            std::wstring text;
-            if (NodeOf(*item).HasAttribute(name) && !KARFailed(item->GetAttribute(name, text)))
-                made.number = NumberFrom(text);
+            made.number = NumberOf(*item, name);
             made.place = RulePlace({list, item});
             made.place.attribute = name;
             return made;
@@ -362,10 +366,7 @@ void MechanismRules::CheckSegments(const Node& entity)
 void MechanismRules::CheckTolerances(const Node& world)
 {
     for (const std::wstring_view name : {L"linear_tolerance", L"angular_tolerance"}) {
-        std::wstring text;
-        if (!world.HasAttribute(name) || KARFailed(world.GetAttribute(name, text)))
-            continue;
-        const auto number = NumberFrom(text);
+        const auto number = NumberOf(world, name);
         RulePlace place;
         place.attribute = name;
         if (number && *number <= 0.0)

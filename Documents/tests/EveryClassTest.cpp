@@ -33,13 +33,14 @@ struct Findings
 const Findings Expected[] = {
     {"a cone and a cylinder are read by other names than they are written", {Code::MissingElement}},
     {"two entities of a family are what those of all classes are linked to",
-     {Code::OneSidedLink, Code::AmbiguousPath, Code::WrongQuantity}},
+     {Code::OneSidedLink, Code::AmbiguousPath, Code::WrongQuantity, Code::SecondFather}},
     {"these two have values, but no links",
      {Code::MotorWithoutVariable, Code::ConnectorWithoutBody, Code::SensorWithoutTarget,
       Code::RuleWithoutBody, Code::BodyWithoutSketch, Code::SketchWithoutBody,
       Code::ShapeWithoutBody, Code::TooFewBodies, Code::TooFewGeometries}},
     {"numbers are to differ from one another and from all defaults",
-     {Code::NegativeMass, Code::AsymmetricInertia, Code::NoRotation, Code::ReversedLimits}},
+     {Code::NegativeMass, Code::AsymmetricInertia, Code::NoRotation, Code::ReversedLimits,
+      Code::OutsideLimits, Code::NegativeNumber}},
     {"a list has two entries, so that its order shows", {Code::SeveralValues}},
 };
 
