@@ -1,6 +1,8 @@
 // Marks what the documents library exports.
 #pragma once
 
+#include "KARPlatformExport.h" // refuses what is older than C++20
+
 #if defined(_WIN32)
 #    if defined(KARMP_DOCUMENTS_BUILD)
 #        define KARMP_DOCUMENTS_API __declspec(dllexport)

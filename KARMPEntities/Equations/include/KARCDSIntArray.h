@@ -1,5 +1,7 @@
 #pragma once
 
+#include "KARPlatformExport.h"
+
 #include <cstddef>
 #include <vector>
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "KARPlatformExport.h"
+
 #include <string>
 #include <string_view>
 #include <utility>

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "KARPlatformExport.h"
+
 #include <cstdint>
 
 /// What one node of an equation's tree does: a leaf, an operator or a function of the language.

@@ -1,6 +1,8 @@
 // The point of a body at which velocities and accelerations are wanted.
 #pragma once
 
+#include "KARPlatformExport.h"
+
 namespace karmp {
 
 /// A body only hands the value on to its loader.

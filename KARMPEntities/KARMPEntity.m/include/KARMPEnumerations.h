@@ -2,6 +2,8 @@
 // the element tree have the tree's words as enumerators, in the order of KARMPEnumerationTexts.h.
 #pragma once
 
+#include "KARPlatformExport.h"
+
 #include <cstdint>
 
 /// The sense of the directions of two linked geometries relative to one another.

@@ -1,6 +1,8 @@
 // Marks what the entity library exports.
 #pragma once
 
+#include "KARPlatformExport.h" // refuses what is older than C++20
+
 #if defined(_WIN32)
 #    if defined(KARMP_ENTITIES_BUILD)
 #        define KARMP_API __declspec(dllexport)

@@ -1,6 +1,8 @@
 // What the items of a class's content are.
 #pragma once
 
+#include "KARPlatformExport.h"
+
 #include <array>
 #include <cstdint>
 #include <string_view>

@@ -1,6 +1,8 @@
 // A named value of the element tree in plain form, as an element or an attribute has it.
 #pragma once
 
+#include "KARPlatformExport.h"
+
 #include <cstdint>
 #include <string>
 

@@ -1,6 +1,8 @@
 // Versions of the element tree: the tags that gate its items, in ascending order.
 #pragma once
 
+#include "KARPlatformExport.h"
+
 #include <cstddef>
 #include <string_view>
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "KARPlatformExport.h"
+
 #include <cmath>
 
 /// A free vector in space: a translation, a velocity, a force.

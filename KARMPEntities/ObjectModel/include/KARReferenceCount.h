@@ -1,6 +1,7 @@
 // Arithmetic on counts of references, which costs less in a process with one thread.
 #pragma once
 
+#include "KARPlatformExport.h"
 #include "KARSingleThread.h"
 
 #include <atomic>

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "KARPlatformExport.h"
+
 /// A parameter of a curve: the number, and the piece of the curve that it lies on.
 class KARCrvParam
 {

@@ -1,6 +1,8 @@
 // Prefetch of memory, for walks over many objects.
 #pragma once
 
+#include "KARPlatformExport.h"
+
 #include <cstddef>
 #include <cstdint>
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "KARPlatformExport.h"
+
 #if __has_include(<sys/single_threaded.h>)
 #    include <sys/single_threaded.h>
 #endif

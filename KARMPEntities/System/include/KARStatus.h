@@ -1,6 +1,8 @@
 // Result of an operation: 32 bits on every platform, negative when the operation failed.
 #pragma once
 
+#include "KARPlatformExport.h"
+
 #include <cstdint>
 
 using KARStatus = std::int32_t;
