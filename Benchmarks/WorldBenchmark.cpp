@@ -139,7 +139,8 @@ void CheckedSave(benchmark::State& state, Content content)
 void Render(benchmark::State& state, Content content)
 {
     KARMPDocumentWriter tree;
-    Build(state.range(0), content)->Serialize(&tree);
+    if (KARFailed(Build(state.range(0), content)->Serialize(&tree)))
+        state.SkipWithError("the world was not written");
     const PerEntity perEntity(state, content);
     for (auto _ : state) {
         std::string text;

@@ -4,6 +4,8 @@
 // change. The world's z points up.
 #include "MechanismBuilder.h"
 
+#include <stdexcept>
+
 namespace {
 
 using Quantity = KARMPPhysicalQuantity;
@@ -66,7 +68,8 @@ QOBSharedHandle<KARMPWorld> Build()
     KARWBFactory* laws = nullptr;
     KARWBEquation* law = nullptr;
     mechanism.World()->GetWBFactory(laws);
-    KARMPSerializationServices::ParseWBEquation(LiftLaw, laws, law);
+    if (KARFailed(KARMPSerializationServices::ParseWBEquation(LiftLaw, laws, law)))
+        throw std::logic_error("the law of the lift is no equation");
     const auto liftMotor = mechanism.AddMotor(L"Lift motor", lift, 80.0);
     liftMotor->SetPosition(laws);
     QOBSharedHandle<KARMPValue> value;

@@ -6,6 +6,8 @@
 #include "PlanarQueries.h"
 #include "SevenBody.h"
 
+#include <stdexcept>
+
 namespace {
 
 using karmp::documents::Doubles;
@@ -51,7 +53,8 @@ QOBSharedHandle<KARMPValue> AddLaw(PlanarMechanismBuilder& mechanism, const std:
     KARWBFactory* laws = nullptr;
     KARWBEquation* equation = nullptr;
     mechanism.World()->GetWBFactory(laws);
-    KARMPSerializationServices::ParseWBEquation(law, laws, equation);
+    if (KARFailed(KARMPSerializationServices::ParseWBEquation(law, laws, equation)))
+        throw std::logic_error("a law of the spring is no equation");
     value->SetPhysicalQuantity(Quantity::Force);
     value->SetValue(equation);
     value->LinkToVariable(gamma);

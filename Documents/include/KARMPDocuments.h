@@ -110,12 +110,13 @@ KARMP_DOCUMENTS_API LoadResult LoadUntrusted(std::string_view bytes);
 [[nodiscard]] KARMP_DOCUMENTS_API KARStatus CompleteWorld(KARMPWorld& world);
 
 /// Checks a file without making a world of it.
-KARMP_DOCUMENTS_API Diagnostics CheckFile(const std::filesystem::path& path,
-                                          const Limits& limits = {},
-                                          CheckLevel level = CheckLevel::Mechanism);
+[[nodiscard]] KARMP_DOCUMENTS_API Diagnostics CheckFile(const std::filesystem::path& path,
+                                                        const Limits& limits = {},
+                                                        CheckLevel level = CheckLevel::Mechanism);
 /// Checks a text in memory without making a world of it.
-KARMP_DOCUMENTS_API Diagnostics CheckText(std::string text, const std::string& name = "<text>",
-                                          const Limits& limits = {},
-                                          CheckLevel level = CheckLevel::Mechanism);
+[[nodiscard]] KARMP_DOCUMENTS_API Diagnostics CheckText(std::string text,
+                                                        const std::string& name = "<text>",
+                                                        const Limits& limits = {},
+                                                        CheckLevel level = CheckLevel::Mechanism);
 
 } // namespace karmp::documents

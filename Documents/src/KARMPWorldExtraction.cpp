@@ -259,8 +259,8 @@ void Extractor::RestoreLink(const ItemInfo& item, const Entity& source, const En
     const auto* const target = std::get_if<Entity>(&value);
     const auto* const targets = std::get_if<Entities>(&value);
     const bool isSet = (target != nullptr && *target) || (targets != nullptr && !targets->empty());
-    if (isSet && item.Get(*duplicate) != value)
-        item.Set(*duplicate, value);
+    if (isSet && item.Get(*duplicate) != value && KARFailed(item.Set(*duplicate, value)))
+        m_result.lostItems.push_back({source, {}, item.path});
 }
 
 void Extractor::RestoreValue(const ItemInfo& item, const Entity& source, const Entity& duplicate)

@@ -167,7 +167,7 @@ TEST_F(WorldDocument, ASaveTakesLittleMoreMemoryThanTheText)
     for (int number = 0; number < 2'000; ++number)
         m_world->Add(KARMPBody::create(L"Body" + std::to_wstring(number)));
     KARMPDocumentWriter root;
-    m_world->Serialize(&root);
+    ASSERT_EQ(m_world->Serialize(&root), KARSuccess);
     std::string whole;
     ExpectNothing(root.RenderXml(whole));
     EXPECT_EQ(Saved(), whole);

@@ -48,7 +48,9 @@ protected:
         planar = Add<KARMPSpatialForceActuator2D, KARMPActuator>(L"planar");
 
         KARWBEquation* equation = nullptr;
-        KARMPSerializationServices::ParseWBEquation(L"0.5 * GlobalTime", &factory, equation);
+        EXPECT_EQ(
+            KARMPSerializationServices::ParseWBEquation(L"0.5 * GlobalTime", &factory, equation),
+            KARSuccess);
         motor->SetVariable(variable);
         motor->SetPosition(&factory);
         motor->SetMaxForce(12.5);

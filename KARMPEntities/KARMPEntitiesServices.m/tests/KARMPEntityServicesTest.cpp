@@ -82,7 +82,8 @@ protected:
     void Parse(const wchar_t* text, std::size_t reports = 0)
     {
         KARWBEquation* equation = nullptr;
-        KARMPSerializationServices::ParseWBEquation(text, &factory, equation);
+        EXPECT_EQ(KARFailed(KARMPSerializationServices::ParseWBEquation(text, &factory, equation)),
+                  reports != 0);
         ExpectReports(reports);
     }
 

@@ -93,13 +93,14 @@ struct ItemInfo
     /// class's setter returns, and a failure without a change for a value of another kind, an
     /// unknown word, a target of another class, none, an entry of the list that is left out, and an
     /// item that cannot be set.
-    KARMP_API KARStatus Set(KARMPEntity& entity, const ItemData& value) const;
+    [[nodiscard]] KARMP_API KARStatus Set(KARMPEntity& entity, const ItemData& value) const;
     /// The records of an entity that can be had, in order: of each the values of its fields.
     KARMP_API std::vector<std::vector<ItemData>> GetRecords(const KARMPEntity& entity) const;
     /// Adds a record with a value for each field; none leaves the field as in a new record. Returns
     /// what the class's operation returns, and a failure without a change for a value that its
     /// field refuses, and for records that the class's own code reads.
-    KARMP_API KARStatus AddRecord(KARMPEntity& entity, std::span<const ItemData> values) const;
+    [[nodiscard]] KARMP_API KARStatus AddRecord(KARMPEntity& entity,
+                                                std::span<const ItemData> values) const;
 
     /// True when documents of a version hold the item, be it in an older form of the same value.
     KARMP_API bool IsHeldAt(std::wstring_view version) const;

@@ -30,9 +30,9 @@ public:
     KARMPSerializer& operator=(const KARMPSerializer&) = delete;
 
     /// Appends the subtree's rendered form to `text`; the library does not call it.
-    virtual KARStatus Render(std::wstring& text) const = 0;
+    [[nodiscard]] virtual KARStatus Render(std::wstring& text) const = 0;
     /// Renders the subtree into a file; the library does not call it.
-    virtual KARStatus Save(const char* path) const = 0;
+    [[nodiscard]] virtual KARStatus Save(const char* path) const = 0;
 
     /// Appends an attribute. A double is rounded as by AddElement.
     KARStatus AddAttribute(std::wstring_view name, std::wstring_view value);

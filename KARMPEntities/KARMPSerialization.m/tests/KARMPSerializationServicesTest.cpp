@@ -58,8 +58,8 @@ TEST_F(SerializationServices, WritesAVectorAsThreeElementsInOrder)
 
 TEST_F(SerializationServices, ReadsPointsAndVectorsBack)
 {
-    Services::Serialize(&root, KARMathPoint(1.5, -2.0, 3.0), L"Centre");
-    Services::Serialize(&root, KARMathVector(4.0, 5.0, 6.0), L"Axis");
+    EXPECT_EQ(Services::Serialize(&root, KARMathPoint(1.5, -2.0, 3.0), L"Centre"), KARSuccess);
+    EXPECT_EQ(Services::Serialize(&root, KARMathVector(4.0, 5.0, 6.0), L"Axis"), KARSuccess);
     for (const bool asText : {false, true}) {
         const auto tree = TestDeserializer::From(root, {.asText = asText});
         KARMathPoint point;
@@ -302,7 +302,8 @@ TEST_F(ValueReferences, EntityThatIsNoValueThrows)
     TestDeserializer tree;
     tree.Reference(L"A", L"V1");
     Handle value = first;
-    EXPECT_THROW(Services::Deserialize(&tree, L"A", entities, value), QOBEInvalidCast);
+    EXPECT_THROW(static_cast<void>(Services::Deserialize(&tree, L"A", entities, value)),
+                 QOBEInvalidCast);
     EXPECT_FALSE(value);
 }
 

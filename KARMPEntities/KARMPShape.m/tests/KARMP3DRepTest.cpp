@@ -409,7 +409,7 @@ TEST_F(Rep3D, ThatCannotBeReadStaysInItsWorldWithoutANode)
     world->Add<KARMPShape>(broken);
     world->Add<KARMPShape>(shape);
     TestSerializer root;
-    world->Serialize(&root);
+    EXPECT_EQ(world->Serialize(&root), KARSuccess);
     ExpectReports(1); // the one without a node
     const auto read = KARMPWorld::create(QOBBasicWorld::create(L"r"));
     EXPECT_EQ(read->Deserialize(TestDeserializer::From(root).get()), KARSuccess);

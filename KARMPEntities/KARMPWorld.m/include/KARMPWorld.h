@@ -179,11 +179,11 @@ public:
 
     /// Writes the model as an element "World". A null serializer, or an element that cannot be
     /// added, is a failure; whatever fails inside is a failed check and the rest is written.
-    KARStatus Serialize(KARMPSerializer* serializer) const;
+    [[nodiscard]] KARStatus Serialize(KARMPSerializer* serializer) const;
     /// Reads a model into this world, which is empty but for its globals. A null deserializer, or
     /// none of an element "World", is a failure; whatever fails inside is a failed check and the
     /// rest is read.
-    KARStatus Deserialize(const KARMPDeserializer* deserializer);
+    [[nodiscard]] KARStatus Deserialize(const KARMPDeserializer* deserializer);
 
     /// Tell the loader of each controlled variable that has a value to keep it there, or to let it
     /// vary again; the variables stay as they are. A variable without a loader is passed over.

@@ -71,7 +71,7 @@ void Prepare(const QOBSharedHandle<KARMPEntity>& entity)
     entity->SetID("application");
     for (const karmp::ItemInfo& row : karmp::ItemsOf(entity->getClassName()))
         if (row.kind == karmp::ItemKind::Reference && row.target == KARMPValue::ClassName())
-            row.Set(*entity, ReferredValue(WrittenValue));
+            EXPECT_EQ(row.Set(*entity, ReferredValue(WrittenValue)), KARSuccess);
     if (entity.isDerivedFrom(KARMPValue::ClassInfo()))
         QOBSharedHandle<KARMPValue>(entity)->SetPhysicalQuantity(KARMPPhysicalQuantity::Length);
     // Planar and universal constraints write a friction model without parameters, by which no

@@ -751,8 +751,9 @@ void FilledEntities::FillValueOf(T& value)
         KARWBFactory* factory = nullptr;
         m_world->GetWBFactory(factory);
         KARWBEquation* equation = nullptr;
-        KARMPSerializationServices::ParseWBEquation(Choose(L"2 * V1 + sin(V2)", L"V1"), factory,
-                                                    equation);
+        EXPECT_EQ(KARMPSerializationServices::ParseWBEquation(Choose(L"2 * V1 + sin(V2)", L"V1"),
+                                                              factory, equation),
+                  KARSuccess);
         value.SetValue(equation);
         if (HasLinks()) {
             value.LinkToVariable(m_variables[1]);

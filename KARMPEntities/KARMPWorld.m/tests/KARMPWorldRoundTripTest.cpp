@@ -8,7 +8,7 @@ using WorldRoundTrip = WorldDocument;
 
 TEST_F(WorldRoundTrip, GivesANewWorldTheGlobalsThatWereRead)
 {
-    world->Serialize(&written);
+    EXPECT_EQ(world->Serialize(&written), KARSuccess);
     for (const bool asText : {false, true}) {
         const auto otherBasic = QOBBasicWorld::create(L"other");
         const auto other = KARMPWorld::create(otherBasic);
@@ -51,7 +51,7 @@ TEST_F(WorldRoundTrip, WritesTheSameAgain)
         using T = typename decltype(family)::Type;
         add<T>(L"x" + kar::ToWide(T::ClassName()));
     });
-    world->Serialize(&written);
+    EXPECT_EQ(world->Serialize(&written), KARSuccess);
     const auto otherBasic = QOBBasicWorld::create(L"other");
     const auto other = KARMPWorld::create(otherBasic);
     const auto tree = TestDeserializer::From(written);

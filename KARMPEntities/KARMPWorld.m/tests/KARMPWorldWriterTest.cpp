@@ -72,7 +72,7 @@ TEST_F(WorldWriter, WritesTheSettings)
     world->SetOrigin({1, 2, 3});
     world->SetSize(4, 5, 6);
     world->SetGravity({7, 8, 9});
-    world->Serialize(&written);
+    EXPECT_EQ(world->Serialize(&written), KARSuccess);
     const TestSerializer& element = written.Child(0);
     EXPECT_EQ(ChildrenOf(element.Child(0)), (Identifiers{L"Ox", L"Oy", L"Oz"}));
     EXPECT_EQ(ChildrenOf(element.Child(1)), (Identifiers{L"SizeX", L"SizeY", L"SizeZ"}));
@@ -87,7 +87,7 @@ TEST_F(WorldWriter, NamesTheGlobals)
 {
     QOBSharedHandle<KARMPBody> body;
     world->GetGlobalBody(body);
-    world->Serialize(&written);
+    EXPECT_EQ(world->Serialize(&written), KARSuccess);
     EXPECT_EQ(ChildrenOf(*written.Find(L"World/Globals")),
               (Identifiers{L"GlobalBody", L"GlobalAxisSystem", L"GlobalTime"}));
     EXPECT_EQ(written.Text(L"World/Globals/GlobalBody/@id"), IdentifierOf(*body));
@@ -154,7 +154,7 @@ TEST_F(WorldWriter, WritesTheEntitiesInTheOrderOfTheirRegistry)
     const auto twice = TestOf<KARMPSupport>::create(L"twice");
     world->Add(twice);
     world->Add(WorldTestKey::Make(), KARBaseUnknown_var(), twice);
-    world->Serialize(&written);
+    EXPECT_EQ(world->Serialize(&written), KARSuccess);
     const TestSerializer* supports = written.Find(L"World/Supports");
     Identifiers identifiers;
     for (std::size_t i = 0; i < supports->GetElementCount(); ++i)
