@@ -24,6 +24,12 @@ std::string Activity(const char* verb, const std::string& file)
     return std::string(verb) + ' ' + Printable(std::string_view(file));
 }
 
+// The small letter of an ASCII letter; any other character itself.
+constexpr int Lower(int character)
+{
+    return character >= 'A' && character <= 'Z' ? character - 'A' + 'a' : character;
+}
+
 constexpr const char* StandardInputName = "<standard input>";
 
 // Appends all of standard input, one byte more than the limit at most.
@@ -50,15 +56,6 @@ bool ReadStandardInput(std::string& text, std::size_t limit, documents::Diagnost
         size += count > 0 ? static_cast<std::size_t>(count) : 0U;
     }
     return true;
-}
-
-bool IsSameIgnoringCase(std::wstring_view element, std::string_view text)
-{
-    const auto lower = [](auto character) {
-        return character >= 'A' && character <= 'Z' ? character - 'A' + 'a' : +character;
-    };
-    return std::equal(element.begin(), element.end(), text.begin(), text.end(),
-                      [&](wchar_t left, char right) { return lower(left) == lower(right); });
 }
 
 } // namespace
@@ -117,6 +114,14 @@ std::string TitleOfFile(const std::string& file)
                                   : std::filesystem::path(file).filename().string();
 }
 
+std::string EndingOf(const std::string& file)
+{
+    std::string ending = std::filesystem::path(file).extension().string();
+    for (char& letter : ending)
+        letter = static_cast<char>(Lower(letter));
+    return ending;
+}
+
 bool IsSameFile(const std::string& first, const std::string& second)
 {
     const auto pathOf = [](const std::string& file) {
@@ -124,6 +129,13 @@ bool IsSameFile(const std::string& first, const std::string& second)
     };
     std::error_code missing;
     return second != StandardStream && std::filesystem::equivalent(pathOf(first), second, missing);
+}
+
+bool IsSameIgnoringCase(std::wstring_view element, std::string_view text)
+{
+    return std::equal(
+        element.begin(), element.end(), text.begin(), text.end(),
+        [](wchar_t left, char right) { return Lower(left) == Lower(right); });
 }
 
 std::optional<std::wstring> FamilyNamed(const std::string& name)

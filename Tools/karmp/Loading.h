@@ -28,12 +28,18 @@ std::optional<documents::LoadResult> LoadWorld(const std::string& file);
 /// What a picture of a document is called: the name of the file, without its folder.
 std::string TitleOfFile(const std::string& file);
 
+/// The ending of a file's name in small letters, ".svg" for instance; empty without one.
+std::string EndingOf(const std::string& file);
+
 /// True when both paths refer to one file, also through links and other spellings.
 bool IsSameFile(const std::string& first, const std::string& second);
 
 /// Parses a document without making a world of it; empty, with the reason on standard error, when
 /// the file holds none.
 std::optional<documents::Document> ReadTree(const std::string& file);
+
+/// True when two texts differ in the case of their letters at most.
+bool IsSameIgnoringCase(std::wstring_view element, std::string_view text);
 
 /// The element of a family, "Joints" for instance, by its name in any case; empty, with the known
 /// ones on standard error, when there is none.

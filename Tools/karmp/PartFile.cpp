@@ -4,7 +4,9 @@
 #include "KAR3DMeshRep.h"
 #include "KAR3DRepWalk.h"
 #include "KARSceneGraphBlocks.h"
+#include "Loading.h"
 #include "PartImport.h"
+#include "ToolLimits.h"
 
 #include <array>
 #include <cerrno>
@@ -27,9 +29,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::chrono::seconds TimeLimit(60);
-constexpr std::size_t LargestBlock = std::size_t{1} << 30U; // bytes
-
 // The first byte that the process writes, before the block or the text.
 constexpr char BlockFollows = 'B';
 constexpr char ReasonFollows = 'R';
@@ -51,8 +50,7 @@ struct FreeBlock
 void LimitProcess()
 {
 #ifndef KARMP_HAS_SANITIZER
-    constexpr rlim_t memory = rlim_t{4} << 30U; // bytes
-    const rlimit bytes{memory, memory};
+    const rlimit bytes{MemoryForParts, MemoryForParts};
     ::setrlimit(RLIMIT_AS, &bytes);
 #endif
     const rlimit none{0, 0};
@@ -107,9 +105,7 @@ void Import(const std::string& file, double scale, int pipe)
 // Why a file cannot be a part; empty when it can.
 std::string Refusal(const fs::path& file)
 {
-    std::string ending = file.extension().string();
-    for (char& letter : ending)
-        letter = letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+    const std::string ending = EndingOf(file.string());
     if (ending != ".stl" && ending != ".obj" && ending != ".ply" && ending != ".gltf" &&
         ending != ".glb")
         return "its name ends with none of .stl, .obj, .ply, .gltf and .glb";
@@ -125,7 +121,7 @@ std::string Refusal(const fs::path& file)
     if (size == 0)
         return "it is empty";
     if (size > LargestPart)
-        return "it is larger than 256 MiB";
+        return "it has more than " + std::to_string(LargestPart) + " bytes";
     return {};
 }
 
@@ -145,8 +141,8 @@ std::string ImportApart(const std::string& file, double scale, std::string& outp
     writer.Close();
 
     Child child(process);
-    const Clock::time_point end = Clock::now() + TimeLimit;
-    const Reading reading = ReadPipe(reader.Get(), end, LargestBlock, output);
+    const Clock::time_point end = Clock::now() + std::chrono::seconds(SecondsForParts);
+    const Reading reading = ReadPipe(reader.Get(), end, LargestSceneGraph, output);
     if (reading == Reading::TooLarge)
         return "it is too large";
     if (reading == Reading::Failed)
@@ -154,7 +150,7 @@ std::string ImportApart(const std::string& file, double scale, std::string& outp
     const std::optional<int> status =
         reading == Reading::Done ? child.Wait(end) : std::optional<int>();
     if (!status)
-        return "it takes longer than 60 s to read";
+        return "it takes longer than " + std::to_string(SecondsForParts) + " s to read";
     if (*status != 0)
         return "it is damaged; its reader " + EndText(*status);
     return {};

@@ -8,10 +8,6 @@
 
 namespace karmp::tool {
 
-/// Limits of a part file: bytes of all files that it consists of, and triangles.
-inline constexpr std::size_t LargestPart = std::size_t{256} << 20U;
-inline constexpr std::size_t MostTriangles = 1'000'000;
-
 /// What a part file gave.
 struct Part
 {

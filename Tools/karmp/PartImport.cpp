@@ -2,7 +2,7 @@
 
 #include "KAR3DBagRep.h"
 #include "KAR3DMeshRep.h"
-#include "PartFile.h"
+#include "ToolLimits.h"
 #include "WholePart.h"
 
 #include <algorithm>

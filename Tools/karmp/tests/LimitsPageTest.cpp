@@ -69,10 +69,15 @@ TEST_F(LimitsPage, TellsTheLimitsOfEquations)
 TEST_F(LimitsPage, TellsTheLimitsOfTheTool)
 {
     EXPECT_EQ(RowOf("messages about a document"), Row(MostProblems));
-    EXPECT_EQ(RowOf("differences that convert and extract list"), Row(MaximumDifferences));
+    EXPECT_EQ(RowOf("differences that convert, extract and shape list"), Row(MaximumDifferences));
     EXPECT_EQ(RowOf("bodies in a graph"), Row(MostBodies("svg")));
     EXPECT_EQ(RowOf("bodies in a graph as PNG"), Row(MostBodies("png")));
     EXPECT_EQ(RowOf("bytes of a picture"), Row(LargestPicture));
+    EXPECT_EQ(RowOf("bytes of a part with the files that it names"), Row(LargestPart));
+    EXPECT_EQ(RowOf("triangles of a part"), Row(MostTriangles));
+    EXPECT_EQ(RowOf("bytes of a part's scene graph"), Row(LargestSceneGraph));
+    EXPECT_EQ(RowOf("bytes of memory for reading a part"), Row(MemoryForParts));
+    EXPECT_EQ(RowOf("seconds for reading a part"), Row(std::size_t{SecondsForParts}));
     const std::string help = Run("graph --help").output;
     EXPECT_NE(help.find("[1 - 86400]=60"), std::string::npos) << help;
     EXPECT_EQ(RowOf("seconds for Graphviz"), Row(60));
