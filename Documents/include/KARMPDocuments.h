@@ -76,6 +76,15 @@ struct LoadOptions
     ProgressFunction progress = {};
 };
 
+/// An entity that was read and that the world lists in no registry, since its class has none, as
+/// collision layers have. A document of the world lacks it unless CompleteWorld lists it.
+struct UnlistedEntity
+{
+    std::wstring identifier;
+    /// A warning with its position and its path in the document.
+    Diagnostic message;
+};
+
 /// A loaded world.
 struct [[nodiscard]] LoadResult
 {
@@ -85,6 +94,8 @@ struct [[nodiscard]] LoadResult
     /// The document's version.
     std::wstring version;
     Diagnostics diagnostics;
+    /// What the world does not list of the document, in the order of the document's registries.
+    std::vector<UnlistedEntity> unlisted;
 };
 
 /// Loads a file into `into`, or into a new world under a QOBBasicWorld of its own when that is

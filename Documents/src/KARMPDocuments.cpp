@@ -14,6 +14,7 @@
 #include "KARMPStreamedTree.h"
 #include "KARMPTextCapacity.h"
 #include "KARMPTextEscapes.h"
+#include "KARMPUnlistedEntities.h"
 #include "KARMPWholeFile.h"
 #include "KARMPWorld.h"
 #include "QOBBasicWorld.h"
@@ -342,8 +343,11 @@ LoadResult LoadDocument(Document document, const LoadOptions& options,
         document.DropWrongReferences();
         ReadWorld(document, into, result, messages);
     }
-    if (into)
-        Guarded(messages, "the world was looked at", [&] { former.Compare(*into, messages); });
+    Guarded(messages, "the world was looked at", [&] {
+        result.unlisted = FindUnlisted(document);
+        if (into)
+            former.Compare(*into, messages);
+    });
     steps.End();
     return result;
 }

@@ -85,7 +85,7 @@ int RunExtract(const ExtractOptions& options)
     }
     documents::SaveOptions save;
     save.version = loaded->version;
-    const auto losses = documents::FindLosses(*extract.world, save.version);
+    const Losses losses{save.version, documents::FindLosses(*extract.world, save.version), {}};
     const int written = WriteDocument(extract.world, writing, save);
     if (written == Unreadable)
         return Unreadable;
@@ -93,8 +93,8 @@ int RunExtract(const ExtractOptions& options)
         std::cerr << "karmp: " << TitleOf(*lost.holder) << " lost " << Printable(lost.item) << '\n';
     if (!options.quiet && !writing.json)
         PrintCutLinks(ReportStream(writing), extract.cutLinks);
-    const int reported = ReportLosses(options.file, writing, *loaded, save.version, losses,
-                                      JsonOf(extract.cutLinks));
+    const int reported =
+        ReportLosses(options.file, writing, *loaded, losses, JsonOf(extract.cutLinks));
     return std::max({written, reported, int{extract.lostItems.empty() ? Clean : Findings}});
 }
 

@@ -2,7 +2,6 @@
 #include "EntityText.h"
 #include "KARMPEntities.h"
 #include "KARMPFamilies.h"
-#include "KARMPWorldLosses.h"
 #include "KARTextConversion.h"
 #include "Loading.h"
 #include "NamedBodies.h"
@@ -101,20 +100,20 @@ int RunAddShape(const ShapeOptions& options)
                   << Printable(std::string_view(part.error)) << '\n';
         return Unreadable;
     }
-    if (KARFailed(documents::CompleteWorld(*loaded->world)))
+    if (!Complete(*loaded->world))
         return Unreadable;
     const Shape shape = AddPart(*loaded->world, body, options.part, part);
 
     documents::SaveOptions save;
     save.version = loaded->version;
-    const auto losses = documents::FindLosses(*loaded->world, save.version);
+    const Losses losses = LossesOf(*loaded, save.version);
     const int written = WriteDocument(loaded->world, writing, save);
     if (written == Unreadable)
         return Unreadable;
     if (!writing.json)
         ReportStream(writing) << TitleOf(*body) << ": " << TitleOf(*shape) << " with "
                               << part.triangles << " triangles\n";
-    return std::max(written, ReportLosses(options.file, writing, *loaded, save.version, losses,
+    return std::max(written, ReportLosses(options.file, writing, *loaded, losses,
                                           AddedJson(shape, body, part)));
 }
 

@@ -2,8 +2,12 @@
 
 #include "Commands.h"
 #include "Differences.h"
+#include "EntityText.h"
+#include "ForEach.h"
+#include "KARMPInteraction.h"
 #include "KARMPWholeFile.h"
 #include "KARMPWorld.h"
+#include "KARMPWorldLosses.h"
 #include "Loading.h"
 #include "Output.h"
 #include "Progress.h"
@@ -15,6 +19,7 @@
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <set>
 #include <system_error>
 
 namespace karmp::tool {
@@ -89,19 +94,44 @@ bool IsTold(const Diagnostic& message)
            message.code == documents::Code::FailedCheck;
 }
 
+void PrintMessagesAsJson(std::ostream& out, const Diagnostics& messages)
+{
+    out << '[';
+    for (const Diagnostic& message : messages.items)
+        out << (&message == messages.items.data() ? "\n    " : ",\n    ") << JsonOf(message);
+    out << (messages.items.empty() ? "]" : "\n  ]");
+}
+
+void PrintLines(std::ostream& out, const Diagnostics& messages)
+{
+    for (const Diagnostic& message : messages.items)
+        out << Printable(std::string_view(documents::Format(message))) << '\n';
+}
+
 void PrintJsonReport(const std::string& input, const WriteOptions& options,
-                     const Diagnostics& unread, const std::wstring& version,
-                     const std::vector<documents::Difference>& losses, const std::string& more)
+                     const Diagnostics& unread, const Losses& losses, const std::string& more)
 {
     std::ostream& out = ReportStream(options);
     out << "{\n  \"input\": " << JsonText(input) << ",\n  \"output\": " << JsonText(options.output)
-        << ",\n  \"version\": " << JsonText(Printable(version))
-        << ",\n  \"written\": " << (options.dryRun ? "false" : "true") << ",\n  \"unread\": [";
-    for (const Diagnostic& message : unread.items)
-        out << (&message == unread.items.data() ? "\n    " : ",\n    ") << JsonOf(message);
-    out << (unread.items.empty() ? "]" : "\n  ]") << ",\n  \"losses\": ";
-    PrintJson(out, losses);
+        << ",\n  \"version\": " << JsonText(Printable(losses.version))
+        << ",\n  \"written\": " << (options.dryRun ? "false" : "true") << ",\n  \"unread\": ";
+    PrintMessagesAsJson(out, unread);
+    out << ",\n  \"losses\": ";
+    PrintJson(out, losses.differences);
+    out << ",\n  \"unlisted\": ";
+    PrintMessagesAsJson(out, losses.unlisted);
     out << more << "\n}\n";
+}
+
+// The identifiers of the interactions that a world lists. What it is given besides what was read,
+// it is given among them.
+std::set<std::wstring> InteractionsIn(const KARMPWorld& world)
+{
+    std::set<std::wstring> identifiers;
+    ForEach<KARMPInteraction>(world, [&](const KARMPInteraction& interaction) {
+        identifiers.insert(IdentifierOf(interaction));
+    });
+    return identifiers;
 }
 
 } // namespace
@@ -151,26 +181,47 @@ int WriteDocument(const QOBSharedHandle<KARMPWorld>& world, const WriteOptions& 
     return messages.items.empty() ? Clean : Findings;
 }
 
+bool Complete(KARMPWorld& world)
+{
+    if (!KARFailed(documents::CompleteWorld(world)))
+        return true;
+    std::cerr << "karmp: an allocation failed while the world was completed\n";
+    return false;
+}
+
+Losses LossesOf(const documents::LoadResult& loaded, const std::wstring& version)
+{
+    const Progress progress("looking for what version " + Printable(version) + " cannot hold");
+    Losses losses{version, documents::FindLosses(*loaded.world, version, true), {}};
+    if (loaded.unlisted.empty())
+        return losses;
+    const auto listed = InteractionsIn(*loaded.world);
+    for (const documents::UnlistedEntity& entity : loaded.unlisted)
+        if (listed.count(entity.identifier) == 0)
+            losses.unlisted.items.push_back(entity.message);
+    return losses;
+}
+
 int ReportLosses(const std::string& input, const WriteOptions& options,
-                 const documents::LoadResult& loaded, const std::wstring& version,
-                 const std::vector<documents::Difference>& losses, const std::string& more)
+                 const documents::LoadResult& loaded, const Losses& losses, const std::string& more)
 {
     const Diagnostics unread = LossesAmong(loaded.diagnostics);
     if (options.json) {
-        PrintJsonReport(input, options, unread, version, losses, more);
+        PrintJsonReport(input, options, unread, losses, more);
     } else {
         std::ostream& out = ReportStream(options);
         if (options.dryRun)
-            for (const Diagnostic& message : unread.items)
-                out << Printable(std::string_view(documents::Format(message))) << '\n';
-        if (!losses.empty()) {
-            out << Bold("Version " + Printable(version) + " cannot hold:") << '\n';
-            PrintText(out, losses, true, MaximumDifferences);
+            PrintLines(out, unread);
+        PrintLines(out, losses.unlisted);
+        if (!losses.differences.empty()) {
+            out << Bold("Version " + Printable(losses.version) + " cannot hold:") << '\n';
+            PrintText(out, losses.differences, true, MaximumDifferences);
         }
-        if (losses.size() > MaximumDifferences)
+        if (losses.differences.size() > MaximumDifferences)
             out << "and more\n";
     }
-    return loaded.diagnostics.items.empty() && losses.empty() ? Clean : Findings;
+    const bool isWhole = losses.differences.empty() && losses.unlisted.items.empty();
+    return isWhole && loaded.diagnostics.items.empty() ? Clean : Findings;
 }
 
 bool WriteText(const std::string& output, const std::string& text)

@@ -35,11 +35,26 @@ bool MayWrite(const std::string& input, const WriteOptions& options,
 int WriteDocument(const QOBSharedHandle<KARMPWorld>& world, const WriteOptions& options,
                   documents::SaveOptions save);
 
-/// Prints what is lost of the input, in a dry run or as JSON, and what the version does not hold.
-/// `more` are further members of the JSON object, each with a comma in front. Gives an exit code.
+/// Completes a world as documents::CompleteWorld does; false, with the reason on standard error,
+/// when an allocation fails.
+bool Complete(KARMPWorld& world);
+
+/// What a document of a world lacks.
+struct Losses
+{
+    std::wstring version;
+    std::vector<documents::Difference> differences; // what the version does not give back
+    documents::Diagnostics unlisted; // entities of the input that the world does not list
+};
+
+/// What a document for a version lacks of a world that was loaded and completed.
+Losses LossesOf(const documents::LoadResult& loaded, const std::wstring& version);
+
+/// Prints what is lost of the input, in a dry run or as JSON, and what the document lacks. `more`
+/// are further members of the JSON object, each with a comma in front. Gives an exit code.
 int ReportLosses(const std::string& input, const WriteOptions& options,
-                 const documents::LoadResult& loaded, const std::wstring& version,
-                 const std::vector<documents::Difference>& losses, const std::string& more = {});
+                 const documents::LoadResult& loaded, const Losses& losses,
+                 const std::string& more = {});
 
 /// Writes a text to standard output, for an empty name or "-", or into a file as a whole. False,
 /// with the reason on standard error, when it is not written.

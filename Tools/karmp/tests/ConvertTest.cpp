@@ -256,6 +256,40 @@ TEST_F(Tool, ListsWhatNoDocumentGivesBack)
                               "  Coordinates/Origin: (1, 2, 3) becomes (0, 0, 0)\n");
 }
 
+TEST_F(Tool, ListsEachLayerThatNoRelationIsAbout)
+{
+    const std::string interactions = "<Interactions>\n";
+    const std::string rule = "<RuleType>CollisionReaction</RuleType>";
+    const std::string lonely = "   <CollisionLayer id=\"L7\" name=\"Lonely\" isActive=\"yes\">" +
+                               rule +
+                               "</CollisionLayer>\n"
+                               "   <CollisionLayer id=\"L8\" name=\"Left\" isActive=\"yes\">" +
+                               rule + "</CollisionLayer>\n";
+    const std::string scene = ReadFile(KARMP_EXAMPLE_DOCUMENTS "/collision.xml");
+    const std::string input = Write("in.xml", Replaced(scene, interactions, interactions + lonely));
+    const std::string output = File("out.xml");
+    const auto told = [&](const std::string& line, const std::string& title,
+                          const std::string& number) {
+        return input + ':' + line + ":5: warning: CollisionLayer " + title +
+               " is read, but the world does not list it, so that its document lacks it "
+               "[not-read-back] at /KARMPDocument/World/Interactions/CollisionLayer[" +
+               number + "]\n";
+    };
+    for (const std::string option : {"", "--dry-run "}) {
+        const Outcome convert = Run("convert " + option + input + ' ' + output);
+        EXPECT_EQ(convert.code, 1);
+        EXPECT_EQ(convert.output,
+                  told("299", "\"Lonely\" [L7]", "1") + told("300", "\"Left\" [L8]", "2"));
+    }
+    ExpectContains(Run("convert --dry-run --json " + input + " -").output,
+                   "CollisionLayer[2]\", \"text\": \"CollisionLayer \\\"Left\\\" [L8]");
+    // The layers of the relation are there, the others are not.
+    EXPECT_EQ(Run("convert " + output + ' ' + File("again.xml")).output, "");
+    EXPECT_EQ(ReadFile(output), ReadFile(File("again.xml")));
+    ExpectContains(ReadFile(output), "<CollisionLayer id=\"Fixed parts\"");
+    EXPECT_EQ(ReadFile(output).find("Lonely"), std::string::npos);
+}
+
 TEST_F(Tool, TellsLossesAsJson)
 {
     const std::string input = Write("in.xml", DoubledDocument());

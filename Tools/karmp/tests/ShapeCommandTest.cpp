@@ -214,6 +214,15 @@ TEST_F(ShapeCommand, WritesToStandardOutputWithoutAnOutput)
                 ReadFile(File("out.xml")));
 }
 
+TEST_F(ShapeCommand, KeepsTheCollisionLayersThatRelationsAreAbout)
+{
+    const Outcome added = Run("shape " KARMP_EXAMPLE_DOCUMENTS "/collision.xml --body Gate --add " +
+                              std::string(Tetrahedron) + " -o " + File("out.xml"));
+    EXPECT_EQ(added.code, 0) << added.output;
+    EXPECT_EQ(Run("check " + File("out.xml")).code, 0);
+    ExpectContains(ReadFile(File("out.xml")), "<CollisionLayer id=\"Fixed parts\"");
+}
+
 TEST_F(ShapeCommand, RefusesDamagedPartsWithoutWriting)
 {
     const std::vector<std::string> parts{

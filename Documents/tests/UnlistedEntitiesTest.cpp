@@ -1,0 +1,50 @@
+// What was read and is listed in no registry.
+#include "KARMPDocuments.h"
+
+#include <gtest/gtest.h>
+
+namespace karmp::documents {
+
+namespace {
+
+std::vector<UnlistedEntity> UnlistedOf(const std::string& world)
+{
+    return LoadText("<KARMPDocument version=\"R2018.1\">\n<World>\n" + world +
+                        "\n</World></KARMPDocument>",
+                    "in.xml")
+        .unlisted;
+}
+
+TEST(UnlistedEntities, AreCollisionLayersByTheirPaths)
+{
+    const auto unlisted =
+        UnlistedOf("<Bodies><Body id=\"B\" name=\"B\"/></Bodies>\n<Interactions>\n"
+                   "<CollisionLayer id=\"L1\" name=\"Parts\"/><CollisionInterLayer id=\"I\"/>\n"
+                   "<CollisionLayer id=\"L2\"/></Interactions>");
+    ASSERT_EQ(unlisted.size(), 2U);
+    EXPECT_EQ(unlisted[0].identifier, L"L1");
+    EXPECT_EQ(Format(unlisted[0].message),
+              "in.xml:5:2: warning: CollisionLayer \"Parts\" [L1] is read, but the world does not "
+              "list it, so that its document lacks it [not-read-back] at "
+              "/KARMPDocument/World/Interactions/CollisionLayer[1]");
+    EXPECT_EQ(unlisted[1].message.line, 6U);
+    EXPECT_EQ(unlisted[1].message.path, "/KARMPDocument/World/Interactions/CollisionLayer[2]");
+}
+
+TEST(UnlistedEntities, AreNoneOfUnknownClasses)
+{
+    EXPECT_TRUE(UnlistedOf("<Interactions><Frobnicator id=\"F\"/></Interactions>").empty());
+    EXPECT_TRUE(UnlistedOf("").empty());
+    EXPECT_TRUE(LoadText("<KARMPDocument version=\"R2018.1\"/>").unlisted.empty());
+}
+
+TEST(UnlistedEntities, StandInEachRegistry)
+{
+    const auto unlisted = UnlistedOf("<Bodies><CollisionLayer id=\"L\"/></Bodies>");
+    ASSERT_EQ(unlisted.size(), 1U);
+    EXPECT_EQ(unlisted[0].message.path, "/KARMPDocument/World/Bodies/CollisionLayer");
+}
+
+} // namespace
+
+} // namespace karmp::documents
