@@ -89,7 +89,7 @@ void KARMPBody::TakeNeighbourName()
         if (position != std::wstring::npos)
             name.erase(position, tag.size());
     }
-    setEntityName(std::move(name));
+    setEntityName(name);
 }
 
 KARStatus KARMPBody::SetFloating(bool floating)

@@ -44,7 +44,7 @@ void PrefetchEntity(const QOBSharedBase& entity)
 void PrefetchName(const QOBSharedBase& entity)
 {
     if (const auto* const named = static_cast<const QOBBasicEntity*>(entity._getReferent()))
-        kar::Prefetch(&named->getEntityName(), 1);
+        named->getStoredName().PrefetchShared();
 }
 
 // Throws when an entity is no T.

@@ -23,10 +23,12 @@ public:
     static const wchar_t ExternalNameSeparator;
 
     /// Gives the entity a name; names need not be unique.
-    void setEntityName(std::wstring name);
+    void setEntityName(const std::wstring& name);
     /// The name given to setEntityName, empty before; a reference that lasts until the next name.
     const std::wstring& getEntityName(EntityNameMode mode = InternalName,
                                       wchar_t separator = ExternalNameSeparator) const;
+    /// The same as it is stored, for callers that need no reference to a wide text.
+    const kar::SharedText& getStoredName() const noexcept { return m_name; }
 
     /// The world under which the entity stands, null if none. Constant time.
     QOBSharedHandle<QOBBasicWorld> getWorld() const;
@@ -82,5 +84,5 @@ private:
     QOBBasicEntity* m_parent = nullptr;
     QOBBasicWorld* m_world = nullptr;
     std::unique_ptr<Children> m_children;
-    std::size_t m_slot = 0; // index among the parent's children
+    std::uint32_t m_slot = 0; // index among the parent's children; last, since it leaves space
 };

@@ -2,33 +2,80 @@
 
 #include "KARSmallMemory.h"
 
+#include <algorithm>
 #include <array>
-#include <cstddef>
 #include <memory>
 #include <new>
-#include <string>
 #include <utility>
 
 namespace kar {
 
-void SharedText::Set(std::wstring&& text)
+namespace {
+
+bool IsAscii(std::wstring_view text)
 {
-    if (m_node != nullptr && m_node->count.load(std::memory_order_acquire) == 1) {
-        m_node->text = std::move(text);
-        return;
-    }
-    Node* const node =
-        text.empty() ? nullptr : ::new (AllocateSmall(sizeof(Node))) Node{1, std::move(text)};
+    // Without an exit from the loop, which the compiler then does for several characters at once.
+    std::uint32_t all = 0;
+    for (const wchar_t character : text)
+        all |= static_cast<std::uint32_t>(character);
+    return all < 0x80;
+}
+
+} // namespace
+
+void SharedText::Set(std::wstring_view text)
+{
+    // The new text first, which may be the one that goes.
+    Node* const node = text.empty() ? nullptr : MakeNode(text);
     if (Node* const former = std::exchange(m_node, node))
         Release(former);
+}
+
+SharedText::Node* SharedText::MakeNode(std::wstring_view text)
+{
+    if (text.size() < NotNarrow && IsAscii(text)) {
+        void* const memory = AllocateSmall(sizeof(Node) + text.size());
+        Node* const node = ::new (memory) Node{1, static_cast<std::uint32_t>(text.size()), nullptr};
+        std::transform(text.begin(), text.end(), Characters(node),
+                       [](wchar_t character) { return static_cast<char>(character); });
+        return node;
+    }
+    auto wide = std::make_unique<const std::wstring>(text);
+    Node* const node = ::new (AllocateSmall(sizeof(Node))) Node{1, NotNarrow, wide.get()};
+    static_cast<void>(wide.release());
+    return node;
+}
+
+const std::wstring& SharedText::Get() const
+{
+    if (m_node == nullptr)
+        return Empty();
+    const std::wstring* wide = m_node->wide.load(std::memory_order_acquire);
+    if (wide == nullptr) {
+        // Another thread may make it, too: the first one that is stored stays.
+        auto made = std::make_unique<const std::wstring>(Copy());
+        if (m_node->wide.compare_exchange_strong(wide, made.get(), std::memory_order_acq_rel))
+            wide = made.release();
+    }
+    return *wide;
+}
+
+std::wstring SharedText::Copy() const
+{
+    if (!IsNarrow())
+        return *m_node->wide.load(std::memory_order_acquire);
+    const std::string_view narrow = Narrow();
+    return std::wstring(narrow.begin(), narrow.end());
 }
 
 void SharedText::Release(Node* node) noexcept
 {
     if (Add(node->count, 0U - 1U, std::memory_order_acq_rel) != 1)
         return;
+    const std::size_t bytes = BytesOf(node);
+    delete node->wide.load(std::memory_order_acquire);
     std::destroy_at(node);
-    FreeSmall(node, sizeof(Node));
+    FreeSmall(node, bytes);
 }
 
 // Never destroyed, since entities with static storage may ask for it at any time.

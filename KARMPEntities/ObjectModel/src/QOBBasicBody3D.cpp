@@ -29,7 +29,7 @@ QOBBasicBody3D::~QOBBasicBody3D() = default;
 QOBSharedHandle<QOBBasicBody3D> QOBBasicBody3D::create(std::wstring name)
 {
     const QOBSharedHandle<QOBBasicBody3D> body(new QOBBasicBody3D);
-    body->setEntityName(std::move(name));
+    body->setEntityName(name);
     return body;
 }
 

@@ -3,6 +3,8 @@
 #include "KARPrefetch.h"
 #include "QOBBasicWorld.h"
 
+#include <limits>
+#include <stdexcept>
 #include <utility>
 
 namespace {
@@ -42,9 +44,9 @@ QOBBasicEntity::~QOBBasicEntity()
     releaseChildren();
 }
 
-void QOBBasicEntity::setEntityName(std::wstring name)
+void QOBBasicEntity::setEntityName(const std::wstring& name)
 {
-    m_name.Set(std::move(name));
+    m_name.Set(name);
 }
 
 const std::wstring& QOBBasicEntity::getEntityName(EntityNameMode, wchar_t) const
@@ -75,10 +77,12 @@ KARStatus QOBBasicEntity::addLogicalChild(const QOBSharedHandle<QOBBasicEntity>&
     // The new slot first: when its allocation fails the child keeps its former one.
     if (m_children == nullptr)
         m_children = std::make_unique<Children>();
+    if (m_children->slots.size() == std::numeric_limits<std::uint32_t>::max())
+        throw std::length_error("QOB basic entity: too many children");
     m_children->slots.push_back(child);
     child->leaveParent();
     child->m_parent = this;
-    child->m_slot = m_children->slots.size() - 1;
+    child->m_slot = static_cast<std::uint32_t>(m_children->slots.size() - 1);
     ++m_children->count;
     child->enterWorld(m_world);
     return KARSuccess;
@@ -140,7 +144,7 @@ void QOBBasicEntity::enterWorld(QOBBasicWorld* world)
         entity->m_world = world;
         QOBBasicEntity* next = entity->childFrom(0);
         while (next == nullptr && entity != this) {
-            next = entity->m_parent->childFrom(entity->m_slot + 1);
+            next = entity->m_parent->childFrom(entity->m_slot + std::size_t{1});
             entity = entity->m_parent;
         }
         entity = next;
@@ -173,7 +177,7 @@ void QOBBasicEntity::compactChildren()
     auto& slots = m_children->slots;
     if (slots.size() < 16 || slots.size() < 2 * m_children->count)
         return;
-    std::size_t next = 0;
+    std::uint32_t next = 0;
     for (auto& child : slots) {
         if (!child)
             continue;

@@ -18,7 +18,7 @@ QOBBasicWorld::~QOBBasicWorld()
 QOBSharedHandle<QOBBasicWorld> QOBBasicWorld::create(std::wstring name)
 {
     const QOBSharedHandle<QOBBasicWorld> world(new QOBBasicWorld);
-    world->setEntityName(std::move(name));
+    world->setEntityName(name);
     return world;
 }
 
