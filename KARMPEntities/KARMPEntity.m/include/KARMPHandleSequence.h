@@ -68,10 +68,10 @@ public:
     void Clear();
 
 private:
-    /// Header of the allocated block; the slots follow it.
+    /// Header of the allocated block; the slots follow it, and a pointer to the index those of a
+    /// block that is large enough for a long sequence.
     struct Block
     {
-        karmp::HandleIndex* index = nullptr; // only while the sequence is long
         std::uint32_t count = 0;
         std::uint32_t capacity = 0;
     };
@@ -84,6 +84,8 @@ private:
     // These are inline where they are used, in one source.
     static inline std::size_t BlockSize(std::size_t capacity) noexcept;
     static inline QOBSharedBase* Slots(Block* block) noexcept;
+    static inline karmp::HandleIndex*& IndexOf(Block* block) noexcept;
+    static inline karmp::HandleIndex* GetIndex(const Block* block) noexcept;
     static inline std::size_t SlotCount(const Block* block) noexcept;
     inline QOBSharedBase* Slots() const noexcept;
     inline std::size_t SlotCount() const noexcept;

@@ -15,8 +15,8 @@ namespace {
 
 // Up to here a scan of the handles beats the upkeep of an index.
 constexpr std::size_t LongestScanned = 48;
-// The slots at first: few lists of a joint or of a geometry between two joints need more.
-constexpr std::size_t FirstCapacity = 4;
+// The slots at first: most lists of a joint or of a constraint need no more.
+constexpr std::size_t FirstCapacity = 2;
 // Most of a model's lists fit a block of this size; few grow on.
 constexpr std::size_t LargestOfMany = 64;
 
@@ -51,7 +51,8 @@ void FreeBlock(void* block, std::size_t bytes) noexcept
 
 inline std::size_t KARMPHandleSequence::BlockSize(std::size_t capacity) noexcept
 {
-    return sizeof(Block) + capacity * sizeof(QOBSharedBase);
+    return sizeof(Block) + capacity * sizeof(QOBSharedBase) +
+           (capacity > LongestScanned ? sizeof(karmp::HandleIndex*) : 0);
 }
 
 inline QOBSharedBase* KARMPHandleSequence::Slots(Block* block) noexcept
@@ -59,12 +60,25 @@ inline QOBSharedBase* KARMPHandleSequence::Slots(Block* block) noexcept
     return reinterpret_cast<QOBSharedBase*>(block + 1);
 }
 
+// Of a block with more capacity than is scanned.
+inline karmp::HandleIndex*& KARMPHandleSequence::IndexOf(Block* block) noexcept
+{
+    return *reinterpret_cast<karmp::HandleIndex**>(Slots(block) + block->capacity);
+}
+
+// The index, which a sequence has only while it is long.
+inline karmp::HandleIndex* KARMPHandleSequence::GetIndex(const Block* block) noexcept
+{
+    return block->capacity > LongestScanned ? IndexOf(const_cast<Block*>(block)) : nullptr;
+}
+
 // Without an index there are no holes.
 inline std::size_t KARMPHandleSequence::SlotCount(const Block* block) noexcept
 {
     if (block == nullptr)
         return 0;
-    return block->index != nullptr ? block->index->SlotCount() : block->count;
+    const karmp::HandleIndex* const index = GetIndex(block);
+    return index != nullptr ? index->SlotCount() : block->count;
 }
 
 inline QOBSharedBase* KARMPHandleSequence::Slots() const noexcept
@@ -79,7 +93,7 @@ inline std::size_t KARMPHandleSequence::SlotCount() const noexcept
 
 inline karmp::HandleIndex* KARMPHandleSequence::GetIndex() const noexcept
 {
-    return m_block != nullptr ? m_block->index : nullptr;
+    return m_block != nullptr ? GetIndex(m_block.get()) : nullptr;
 }
 
 inline std::size_t KARMPHandleSequence::SlotOf(const QOBSharedObject* object) const
@@ -88,8 +102,8 @@ inline std::size_t KARMPHandleSequence::SlotOf(const QOBSharedObject* object) co
     if (object == nullptr || none == 0)
         return none;
     EnsureIndex();
-    if (m_block->index != nullptr)
-        return m_block->index->Find(Slots(), object, none);
+    if (const karmp::HandleIndex* const index = GetIndex())
+        return index->Find(Slots(), object, none);
     const QOBSharedBase* const slots = Slots();
     return static_cast<std::size_t>(std::find(slots, slots + none, object) - slots);
 }
@@ -109,7 +123,7 @@ void KARMPHandleSequence::End::operator()(Block* block) const noexcept
         PrefetchReleased(Slots(block), slot, count);
         std::destroy_at(Slots(block) + slot);
     }
-    delete block->index;
+    delete GetIndex(block);
     const std::size_t capacity = block->capacity;
     block->~Block();
     FreeBlock(block, BlockSize(capacity));
@@ -168,8 +182,10 @@ void KARMPHandleSequence::Append(const QOBSharedBase& handle)
 {
     if (!handle)
         return;
-    if (GetIndex() == nullptr && Count() >= LongestScanned)
+    if (GetIndex() == nullptr && Count() >= LongestScanned) {
+        EnsureFreeSlot(); // in a block with a pointer to an index
         BuildIndex();
+    }
     AppendNew(QOBSharedBase(handle)); // a copy, since the argument may be an entry, which moves
 }
 
@@ -180,8 +196,8 @@ void KARMPHandleSequence::AppendNew(QOBSharedBase&& handle)
     // What allocates comes first, so that nothing is half done when that fails.
     EnsureFreeSlot();
     const std::size_t slot = SlotCount();
-    if (m_block->index != nullptr)
-        m_block->index->Append(Slots(), Count(), handle._getReferent());
+    if (karmp::HandleIndex* const index = GetIndex())
+        index->Append(Slots(), Count(), handle._getReferent());
     ::new (Slots() + slot) QOBSharedBase(std::move(handle));
     ++m_block->count;
 }
@@ -199,7 +215,7 @@ void KARMPHandleSequence::AppendMapped(const KARMPHandleSequence& source,
 
 void KARMPHandleSequence::Prefetch() const noexcept
 {
-    kar::Prefetch(m_block.get(), BlockSize(FirstCapacity));
+    kar::Prefetch(m_block.get(), BlockSize(2 * FirstCapacity));
 }
 
 void KARMPHandleSequence::PrefetchMapped(const karmp::ObjectMap& map) const noexcept
@@ -231,7 +247,7 @@ void KARMPHandleSequence::Insert(std::size_t position, const QOBSharedBase& hand
     std::move_backward(Slots() + position, end, end + 1);
     Slots()[position] = std::move(inserted);
     ++m_block->count;
-    if (m_block->index != nullptr || Count() > LongestScanned)
+    if (GetIndex() != nullptr || Count() > LongestScanned)
         RebuildIndex();
 }
 
@@ -277,10 +293,14 @@ void KARMPHandleSequence::Allocate(std::size_t capacity)
         throw std::length_error("KARMP handle sequence: too many entries");
     static_assert(sizeof(Block) % alignof(QOBSharedBase) == 0);
     void* const memory = AllocateBlock(BlockSize(capacity));
-    auto* const block = ::new (memory) Block{nullptr, 0, static_cast<std::uint32_t>(capacity)};
+    auto* const block = ::new (memory) Block{0, static_cast<std::uint32_t>(capacity)};
+    if (capacity > LongestScanned)
+        ::new (&IndexOf(block)) karmp::HandleIndex*(nullptr);
     if (m_block != nullptr) {
+        // A block never becomes smaller than one with an index.
         std::uninitialized_move_n(Slots(), SlotCount(), Slots(block));
-        block->index = std::exchange(m_block->index, nullptr);
+        if (GetIndex() != nullptr)
+            IndexOf(block) = std::exchange(IndexOf(m_block.get()), nullptr);
         block->count = std::exchange(m_block->count, 0);
     }
     m_block.reset(block);
@@ -288,18 +308,18 @@ void KARMPHandleSequence::Allocate(std::size_t capacity)
 
 std::size_t KARMPHandleSequence::SlotAt(std::size_t position) const
 {
-    return SlotCount() == Count() ? position : m_block->index->SlotAt(Slots(), position);
+    return SlotCount() == Count() ? position : GetIndex()->SlotAt(Slots(), position);
 }
 
 std::size_t KARMPHandleSequence::PositionOf(std::size_t slot) const
 {
-    return SlotCount() == Count() ? slot : m_block->index->PositionOf(Slots(), slot);
+    return SlotCount() == Count() ? slot : GetIndex()->PositionOf(Slots(), slot);
 }
 
 QOBSharedBase KARMPHandleSequence::Extract(std::size_t slot)
 {
     QOBSharedBase* const slots = Slots();
-    karmp::HandleIndex* const index = m_block->index;
+    karmp::HandleIndex* const index = GetIndex();
     if (index == nullptr) {
         QOBSharedBase handle = std::move(slots[slot]);
         std::move(slots + slot + 1, slots + m_block->count, slots + slot);
@@ -323,18 +343,19 @@ void KARMPHandleSequence::BuildIndex() const
     index->Reserve(Slots(), Count() + 1);
     for (std::size_t slot = 0; slot < Count(); ++slot)
         index->Append(Slots(), slot, Slots()[slot]._getReferent());
-    m_block->index = index.release();
+    IndexOf(m_block.get()) = index.release();
 }
 
 void KARMPHandleSequence::EnsureIndex() const noexcept
 {
-    if (m_block->index == nullptr && Count() > LongestScanned)
+    if (GetIndex() == nullptr && Count() > LongestScanned)
         RebuildIndex();
 }
 
 void KARMPHandleSequence::DropIndex() const noexcept
 {
-    delete std::exchange(m_block->index, nullptr);
+    if (GetIndex() != nullptr)
+        delete std::exchange(IndexOf(m_block.get()), nullptr);
 }
 
 // When the allocation fails the handles are scanned, until the next entry makes an index.

@@ -410,4 +410,27 @@ TEST(HandleSequence, AppendsWhatAMapGivesForTheEntriesOfAnother)
     EXPECT_FALSE(sequence.Contains(entities[1].get()));
 }
 
+// A copy has no slot to spare, so that the next entry moves the handles before they are indexed.
+TEST(HandleSequence, GrowsOnAsACopyOfAnyLength)
+{
+    const Entities entities = MakeEntities(160);
+    for (std::size_t length = 1; length < 110; ++length) {
+        KARMPHandleSequence source;
+        std::vector<QOBSharedBase> expected;
+        for (std::size_t index = 0; index < length; ++index) {
+            source.Append(entities[index]);
+            expected.push_back(entities[index]);
+        }
+        KARMPHandleSequence copy(source);
+        for (std::size_t index = length; index < length + 50; ++index) {
+            copy.Append(entities[index]);
+            expected.push_back(entities[index]);
+        }
+        ExpectSame(copy, expected);
+        EXPECT_TRUE(copy.Contains(entities[length + 49].get()));
+        EXPECT_FALSE(copy.Contains(entities[length + 50].get()));
+        EXPECT_EQ(source.Count(), length);
+    }
+}
+
 } // namespace

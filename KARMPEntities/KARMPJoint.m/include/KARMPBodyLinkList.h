@@ -5,7 +5,9 @@
 #include "KARMPLinkList.h"
 #include "KARStatus.h"
 
+#include <array>
 #include <cstddef>
+#include <memory>
 #include <vector>
 
 /// The bodies that a joint links, each with the way in which the joint counts it. Link order is
@@ -24,12 +26,10 @@ public:
                   KARMPSourceLocation where = KARMPSourceLocation::current())
     {
         // Capacity comes first, so that no body is without orientation when an allocation fails.
-        // The smallest block holds the orientations of more bodies than joints mostly have.
-        if (m_orientations.size() == m_orientations.capacity())
-            m_orientations.reserve(2 * m_orientations.size() + 4);
+        m_orientations.Reserve(m_bodies.Count() + std::size_t{1});
         const KARStatus status = m_bodies.Add(body, where);
         if (status == KARSuccess)
-            m_orientations.push_back(orientation);
+            m_orientations[m_bodies.Count() - std::size_t{1}] = orientation;
         return status;
     }
     /// Takes a body out with its orientation. A null handle is a failed check and a failure; a body
@@ -40,7 +40,8 @@ public:
         std::size_t position = 0;
         const KARStatus status = m_bodies.Remove(body, &position, where);
         if (status == KARSuccess)
-            m_orientations.erase(m_orientations.begin() + static_cast<std::ptrdiff_t>(position));
+            for (auto last = static_cast<std::size_t>(Count()); position < last; ++position)
+                m_orientations[position] = m_orientations[position + 1];
         return status;
     }
     /// Gives the body at an index from 0; outside the list a null handle and a failure.
@@ -63,22 +64,48 @@ public:
     template <class Map>
     void AppendMapped(const KARMPBodyLinkList& source, Map map)
     {
-        m_orientations.reserve(source.m_orientations.size());
+        m_orientations.Reserve(static_cast<std::size_t>(Count() + source.Count()));
         for (int index = 0; index < source.Count(); ++index) {
             if (const QOBSharedHandle<Body> body = map(source.m_bodies.Referent(index))) {
+                m_orientations[static_cast<std::size_t>(Count())] =
+                    source.m_orientations[static_cast<std::size_t>(index)];
                 m_bodies.Append(body);
-                m_orientations.push_back(source.m_orientations[static_cast<std::size_t>(index)]);
             }
         }
     }
     /// Drops all links.
-    void Clear()
-    {
-        m_bodies.Clear();
-        m_orientations.clear();
-    }
+    void Clear() { m_bodies.Clear(); }
 
 private:
+    // One a body, same index. Those of two bodies, which nearly all joints have, need no
+    // allocation.
+    class Orientations
+    {
+    public:
+        Orientation& operator[](std::size_t index)
+        {
+            return index < m_first.size() ? m_first[index] : (*m_others)[index - m_first.size()];
+        }
+        const Orientation& operator[](std::size_t index) const
+        {
+            return index < m_first.size() ? m_first[index] : (*m_others)[index - m_first.size()];
+        }
+        // Makes the indexes below a count valid.
+        void Reserve(std::size_t count)
+        {
+            if (count <= m_first.size())
+                return;
+            if (m_others == nullptr)
+                m_others = std::make_unique<std::vector<Orientation>>();
+            if (m_others->size() < count - m_first.size())
+                m_others->resize(count - m_first.size());
+        }
+
+    private:
+        std::array<Orientation, 2> m_first{};
+        std::unique_ptr<std::vector<Orientation>> m_others;
+    };
+
     KARMPLinkList<Body> m_bodies;
-    std::vector<Orientation> m_orientations; // one a body, same index
+    Orientations m_orientations;
 };
