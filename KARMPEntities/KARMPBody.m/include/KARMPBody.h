@@ -292,6 +292,11 @@ private:
                                                 &T::GetLinkedShapeCount);
     };
 
+    // First, where the base leaves space.
+    bool m_fixed = false;
+    bool m_outOfWorld = false;
+    bool m_floating = true;
+    bool m_initialFloating = false;
     KARMPLinkList<KARMPGeometry> m_geometries;
     KARMPLinkList<KARMPJoint> m_joints;
     KARMPLinkList<KARMPShape> m_shapes;
@@ -300,16 +305,12 @@ private:
     KARMPLinkList<KARMPBody> m_impactedChildren;
     KARMPLinkList<KARMPBody> m_children; // may list a body twice
     QOBSharedHandle<KARMPBody> m_father;
-    bool m_fixed = false;
-    bool m_outOfWorld = false;
     KARMathTransformation m_position;
     karmp::MotionState<KARMathVector, KARMathVector> m_motion;
     double m_mass = 0.0;
     KARMathPoint m_centerOfGravity;
     KARMath3x3Matrix m_inertiaMatrix;
-    bool m_floating = true;
     QOBSharedHandle<QOBBasicBody3D> m_wdmBody;
-    bool m_initialFloating = false;
     KARUnicodeString m_filePath;
     // The walks that this body is on the path of.
     const karmp::BodyWalk<KARMPBody, KARMathTransformation>* m_walks[2] = {};

@@ -120,12 +120,12 @@ KARMPBody::KARMPBody() = default;
 KARMPBody::KARMPBody(const KARMPBody& source, CopyMode mode)
     : Super(source, mode),
       m_fixed(source.m_fixed),
+      m_floating(source.m_floating),
       m_position(source.m_position),
       m_motion(source.m_motion.Copied()),
       m_mass(source.m_mass),
       m_centerOfGravity(source.m_centerOfGravity),
       m_inertiaMatrix(source.m_inertiaMatrix),
-      m_floating(source.m_floating),
       m_filePath(source.m_filePath)
 {}
 

@@ -7,12 +7,12 @@
 #include "KARMPLink.h"
 #include "KARMPLinkList.h"
 #include "KARMPRareText.h"
+#include "KARSharedText.h"
 #include "KARStatus.h"
 #include "KARString.h"
 #include "QOBBasicEntity.h"
 
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -110,26 +110,26 @@ public:
     /// Appends an element, whose parent entity this one becomes.
     KARStatus AddAggregatedElement(const QOBSharedHandle<KARMPEntity>& element);
     /// Lengths of the lists.
-    int GetParameterCount() const { return m_parameters.Count(); }
-    int GetStateCount() const { return m_states.Count(); }
-    int GetOutputCount() const { return m_outputs.Count(); }
-    int GetAggregatedElementCount() const { return m_aggregatedElements.Count(); }
+    int GetParameterCount() const { return Rare().parameters.Count(); }
+    int GetStateCount() const { return Rare().states.Count(); }
+    int GetOutputCount() const { return Rare().outputs.Count(); }
+    int GetAggregatedElementCount() const { return Rare().aggregatedElements.Count(); }
     /// Give the entry of a list at an index from 0.
     KARStatus GetParameter(int index, QOBSharedHandle<KARMPParameter>& parameter) const
     {
-        return m_parameters.Get(index, parameter);
+        return Rare().parameters.Get(index, parameter);
     }
     KARStatus GetState(int index, QOBSharedHandle<KARMPState>& state) const
     {
-        return m_states.Get(index, state);
+        return Rare().states.Get(index, state);
     }
     KARStatus GetOutput(int index, QOBSharedHandle<KARMPOutput>& output) const
     {
-        return m_outputs.Get(index, output);
+        return Rare().outputs.Get(index, output);
     }
     KARStatus GetAggregatedElement(int index, QOBSharedHandle<KARMPEntity>& element) const
     {
-        return m_aggregatedElements.Get(index, element);
+        return Rare().aggregatedElements.Get(index, element);
     }
 
     /// Give the attribute at a path. Without one, or with an empty path, a null handle and a
@@ -168,7 +168,7 @@ public:
     /// Gives the entity that aggregates this one; a null handle and a failure without one.
     KARStatus GetParentEntity(QOBSharedHandle<KARMPEntity>& parent) const
     {
-        return m_parentEntity.Get(parent);
+        return Rare().parentEntity.Get(parent);
     }
     /// Stores the entity that aggregates this one.
     KARStatus SetParentEntity(const QOBSharedHandle<KARMPEntity>& parent);
@@ -178,7 +178,7 @@ public:
     /// Stores the text.
     KARStatus SetID(const KARString& id);
     /// Borrowed unique value of the modelling application.
-    const KARUuid* GetUniqueId() const { return m_uniqueId; }
+    const KARUuid* GetUniqueId() const { return Rare().uniqueId; }
     /// Borrows the value.
     KARStatus SetUniqueId(const KARUuid* uniqueId);
     /// Gives the visual object with a reference for the caller, null without one.
@@ -199,26 +199,50 @@ public:
 private:
     friend class karmp::AttributeIndex;
 
+    /// What most entities of a model have none of. One pointer stands for all of it, since each
+    /// line of memory that an entity has less makes every walk over a large model faster.
+    struct RareMembers
+    {
+        KARBaseUnknown* modelObject = nullptr; // counted
+        KARBaseUnknown* visuObject = nullptr;  // borrowed
+        KARMPLink<KARMPEntity> parentEntity;
+        KARMPAttributeList<KARMPParameter> parameters;
+        KARMPAttributeList<KARMPState> states;
+        KARMPAttributeList<KARMPOutput> outputs;
+        KARMPLinkList<KARMPEntity> aggregatedElements;
+        const KARUuid* uniqueId = nullptr; // borrowed
+
+        // What a copy of the entity takes.
+        std::unique_ptr<RareMembers> Copied() const;
+    };
+
+    // For reading; for an entity that has none of it, what is empty for all.
+    const RareMembers& Rare() const { return m_rare != nullptr ? *m_rare : s_none.members; }
+    RareMembers& MakeRare();
+
     std::string_view IDText() const { return m_id.View(); }
     KARStatus GenerateID(std::wstring& identifier) const;
     KARStatus GenerateID2(std::wstring& identifier) const;
-    KARStatus EnsureIdentifier(const std::wstring*& identifier) const;
-    KARStatus TakeIdentifier(std::wstring&& identifier);
+    KARStatus EnsureIdentifier(const kar::SharedText*& identifier) const;
+    KARStatus TakeIdentifier(std::wstring_view identifier);
     void ClearContainersBase();
     void orphanMembers();
 
+    // Never destroyed, since entities with static storage may ask for it at any time.
+    union NoMembers {
+        constexpr NoMembers() : members() {}
+        ~NoMembers() {}
+        RareMembers members;
+    };
+    static const NoMembers s_none;
+
+    // The first and the last ones fill the space that the base and this class leave.
     KARMPBuildingMode::Enum m_buildingMode = {};
     KARIMPEntityLoader* m_loader = nullptr; // owned; a pointer, since replacing does not delete
-    bool m_isActive = true;
-    mutable bool m_isIndexed = false;        // an index may know the application's text
-    KARBaseUnknown* m_modelObject = nullptr; // counted
-    KARBaseUnknown* m_visuObject = nullptr;  // borrowed
-    mutable std::optional<std::wstring> m_identifier;
-    KARMPLink<KARMPEntity> m_parentEntity;
-    KARMPAttributeList<KARMPParameter> m_parameters;
-    KARMPAttributeList<KARMPState> m_states;
-    KARMPAttributeList<KARMPOutput> m_outputs;
-    KARMPLinkList<KARMPEntity> m_aggregatedElements;
+    std::unique_ptr<RareMembers> m_rare;
+    mutable kar::SharedText m_identifier;
     karmp::RareText m_id;
-    const KARUuid* m_uniqueId = nullptr; // borrowed
+    mutable bool m_hasIdentifier = false; // which may be empty
+    mutable bool m_isIndexed = false;     // an index may know the application's text
+    bool m_isActive = true;
 };

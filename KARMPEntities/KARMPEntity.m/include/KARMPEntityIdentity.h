@@ -33,10 +33,10 @@ constexpr bool AreMembersOf(Result Declaring::*...)
 struct EntityAccess
 {
     template <class T>
-    static QOBSharedHandle<T> Create(std::wstring name)
+    static QOBSharedHandle<T> Create(const std::wstring& name)
     {
         T* entity = new T;
-        entity->setEntityName(std::move(name));
+        entity->setEntityName(name);
         return QOBSharedHandle<T>(entity, QOBSharedBase::NoLock);
     }
     template <class T>
@@ -69,9 +69,9 @@ struct EntityAccess
         copy->addFirstReference();
         return copy;
     }
-    /// The identifier of an entity without a copy of it, made on first need.
+    /// The identifier of an entity as it is stored, made on first need; null when that fails.
     template <class Entity>
-    static KARStatus Identifier(const Entity& entity, const std::wstring*& identifier)
+    static KARStatus Identifier(const Entity& entity, const kar::SharedText*& identifier)
     {
         return entity.EnsureIdentifier(identifier);
     }

@@ -31,24 +31,24 @@ struct karmp::ContentOf<KARMPEntity>
 {
     using C = KARMPEntity;
 
-    static KARStatus Identifier(const C& entity, std::wstring_view& identifier)
+    static KARStatus Identifier(const C& entity, std::wstring& identifier)
     {
-        const std::wstring* text = nullptr;
+        const kar::SharedText* text = nullptr;
         const KARStatus status = entity.EnsureIdentifier(text);
         if (!KARFailed(status))
-            identifier = *text;
+            identifier = text->Copy();
         return status;
     }
     // An entity that has an identifier keeps it, which is no fault of the document.
     static void TakeIdentifier(C& entity, std::wstring&& identifier)
     {
-        entity.TakeIdentifier(std::move(identifier));
+        entity.TakeIdentifier(identifier);
     }
-    static std::wstring_view Name(const C& entity)
+    static std::wstring Name(const C& entity)
     {
-        return KARMPSerializer::SerializeName() ? entity.getEntityName() : std::wstring_view();
+        return KARMPSerializer::SerializeName() ? entity.getStoredName().Copy() : std::wstring();
     }
-    static void TakeName(C& entity, std::wstring&& name) { entity.setEntityName(std::move(name)); }
+    static void TakeName(C& entity, std::wstring&& name) { entity.setEntityName(name); }
     // What a loader answers to the change is not the document's concern.
     static void TakeActivity(C& entity, bool isActive)
     {
@@ -65,6 +65,10 @@ struct karmp::ContentOf<KARMPEntity>
         return written;
     }
     static bool AreOutputsRead(const C&) { return !AreOutputsLeftOut(); }
+
+    // Of the getters of an attribute, the one that takes an index.
+    template <class T>
+    using ByIndex = KARStatus (C::*)(int, QOBSharedHandle<T>&) const;
 
     static constexpr ContentFrame Frame{{.nullNode = KARSuccess, .silentNull = true},
                                         {.nullNode = KARSuccess, .silentNull = true}};
@@ -83,46 +87,64 @@ struct karmp::ContentOf<KARMPEntity>
                       .Optional()
                       .When<&HasApplicationID>()
                       .Through<&C::SetID>()),
-        References<&C::m_parameters, &C::AddParameter>(L"Parameters", L"Parameter",
-                                                       "Numbers and texts kept with it."),
-        References<&C::m_states, &C::AddState>(L"States", L"State",
-                                               "Attributes that describe its state."),
-        References<&C::m_outputs, &C::AddOutput>(L"Outputs", L"Output",
-                                                 "Results that a solver keeps with it.")
+        References<&C::GetParameterCount, static_cast<ByIndex<KARMPParameter>>(&C::GetParameter),
+                   &C::AddParameter>(L"Parameters", L"Parameter",
+                                     "Numbers and texts kept with it."),
+        References<&C::GetStateCount, static_cast<ByIndex<KARMPState>>(&C::GetState), &C::AddState>(
+            L"States", L"State", "Attributes that describe its state."),
+        References<&C::GetOutputCount, static_cast<ByIndex<KARMPOutput>>(&C::GetOutput),
+                   &C::AddOutput>(L"Outputs", L"Output", "Results that a solver keeps with it.")
             .When<&AreOutputsWritten>()
             .WhenRead<&AreOutputsRead>(),
-        References<&C::m_aggregatedElements, &C::AddAggregatedElement>(
-            L"AggregatedElements", L"Element", "The entities that it is made of."));
+        References<&C::GetAggregatedElementCount, &C::GetAggregatedElement,
+                   &C::AddAggregatedElement>(L"AggregatedElements", L"Element",
+                                             "The entities that it is made of."));
 };
 KARMP_DESCRIBE_CONTENT(KARMPEntity);
+
+constinit const KARMPEntity::NoMembers KARMPEntity::s_none;
 
 KARMPEntity::KARMPEntity() = default;
 
 KARMPEntity::KARMPEntity(const KARMPEntity& source, CopyMode mode)
     : QOBBasicEntity(source, mode),
       m_buildingMode(source.m_buildingMode),
-      m_isActive(source.m_isActive),
-      m_modelObject(source.m_modelObject),
-      m_visuObject(source.m_visuObject),
-      m_parentEntity(source.m_parentEntity),
+      m_rare(source.m_rare != nullptr ? source.m_rare->Copied() : nullptr),
       m_id(source.m_id),
-      m_uniqueId(source.m_uniqueId)
-{
-    if (m_modelObject != nullptr)
-        m_modelObject->AddRef();
-}
+      m_isActive(source.m_isActive)
+{}
 
 KARMPEntity::~KARMPEntity()
 {
     delete m_loader;
     m_loader = nullptr;
-    if (m_modelObject != nullptr)
-        m_modelObject->Release();
-    m_modelObject = nullptr;
-    m_identifier.reset();
-    m_uniqueId = nullptr;
-    m_visuObject = nullptr;
+    if (m_rare == nullptr)
+        return;
+    if (m_rare->modelObject != nullptr)
+        m_rare->modelObject->Release();
+    m_rare->modelObject = nullptr;
+    m_rare->uniqueId = nullptr;
+    m_rare->visuObject = nullptr;
     ClearContainersBase();
+}
+
+std::unique_ptr<KARMPEntity::RareMembers> KARMPEntity::RareMembers::Copied() const
+{
+    auto copy = std::make_unique<RareMembers>();
+    copy->modelObject = modelObject;
+    copy->visuObject = visuObject;
+    copy->parentEntity = parentEntity;
+    copy->uniqueId = uniqueId;
+    if (modelObject != nullptr)
+        modelObject->AddRef();
+    return copy;
+}
+
+KARMPEntity::RareMembers& KARMPEntity::MakeRare()
+{
+    if (m_rare == nullptr)
+        m_rare = std::make_unique<RareMembers>();
+    return *m_rare;
 }
 
 void KARMPEntity::orphanObject()
@@ -143,11 +165,13 @@ void KARMPEntity::orphanMembers()
 
 void KARMPEntity::ClearContainersBase()
 {
-    m_parameters.Clear();
-    m_states.Clear();
-    m_outputs.Clear();
-    m_aggregatedElements.Clear();
-    m_parentEntity.Clear();
+    if (m_rare == nullptr)
+        return;
+    m_rare->parameters.Clear();
+    m_rare->states.Clear();
+    m_rare->outputs.Clear();
+    m_rare->aggregatedElements.Clear();
+    m_rare->parentEntity.Clear();
 }
 
 void KARMPEntity::ClearContainers() {}
@@ -229,16 +253,17 @@ KARStatus KARMPEntity::SetModelObject(KARBaseUnknown* object)
     if (!KARMPVerify(object != nullptr))
         return KARFailure;
     // The new reference first: the object may be the one that is held.
+    KARBaseUnknown*& held = MakeRare().modelObject;
     object->AddRef();
-    if (m_modelObject != nullptr)
-        m_modelObject->Release();
-    m_modelObject = object;
+    if (held != nullptr)
+        held->Release();
+    held = object;
     return KARSuccess;
 }
 
 KARStatus KARMPEntity::GetModelObject(KARBaseUnknown*& object) const
 {
-    object = m_modelObject;
+    object = Rare().modelObject;
     if (object == nullptr)
         return KARFailure;
     object->AddRef();
@@ -247,7 +272,7 @@ KARStatus KARMPEntity::GetModelObject(KARBaseUnknown*& object) const
 
 KARStatus KARMPEntity::GetMPVisuObject(KARBaseUnknown*& object) const
 {
-    object = m_visuObject;
+    object = Rare().visuObject;
     if (object != nullptr)
         object->AddRef();
     return KARSuccess;
@@ -256,38 +281,39 @@ KARStatus KARMPEntity::GetMPVisuObject(KARBaseUnknown*& object) const
 KARStatus KARMPEntity::SetMPVisuObject(const KARBaseUnknown* object)
 {
     // The getter counts a reference, which a const object could not take.
-    m_visuObject = const_cast<KARBaseUnknown*>(object);
+    if (object != nullptr || m_rare != nullptr)
+        MakeRare().visuObject = const_cast<KARBaseUnknown*>(object);
     return KARSuccess;
 }
 
 KARStatus KARMPEntity::AddParameter(const QOBSharedHandle<KARMPParameter>& parameter)
 {
-    return m_parameters.Add(parameter);
+    return MakeRare().parameters.Add(parameter);
 }
 
 KARStatus KARMPEntity::AddState(const QOBSharedHandle<KARMPState>& state)
 {
-    return m_states.Add(state);
+    return MakeRare().states.Add(state);
 }
 
 KARStatus KARMPEntity::AddOutput(const QOBSharedHandle<KARMPOutput>& output)
 {
-    return m_outputs.Add(output);
+    return MakeRare().outputs.Add(output);
 }
 
 KARStatus KARMPEntity::AddAggregatedElement(const QOBSharedHandle<KARMPEntity>& element)
 {
-    const KARStatus status = m_aggregatedElements.Add(element);
+    const KARStatus status = MakeRare().aggregatedElements.Add(element);
     if (status != KARSuccess)
         return status;
     const QOBSharedHandle<KARMPEntity> child(element, QOBSharedBase::WriteLock);
     const QOBSharedHandle<KARMPEntity> self(this, QOBSharedBase::NoLock);
-    return child->m_parentEntity.Set(self);
+    return child->MakeRare().parentEntity.Set(self);
 }
 
 KARStatus KARMPEntity::SetParentEntity(const QOBSharedHandle<KARMPEntity>& parent)
 {
-    return m_parentEntity.Set(parent);
+    return MakeRare().parentEntity.Set(parent);
 }
 
 KARStatus KARMPEntity::SetID(const KARString& id)
@@ -302,7 +328,8 @@ KARStatus KARMPEntity::SetID(const KARString& id)
 
 KARStatus KARMPEntity::SetUniqueId(const KARUuid* uniqueId)
 {
-    m_uniqueId = uniqueId;
+    if (uniqueId != nullptr || m_rare != nullptr)
+        MakeRare().uniqueId = uniqueId;
     return KARSuccess;
 }
 

@@ -5,7 +5,6 @@
 #include "KARUuid.h"
 
 #include <new>
-#include <utility>
 
 namespace {
 
@@ -42,11 +41,11 @@ std::wstring GlobalNumber(const std::wstring& name)
 KARStatus KARMPEntity::GetIdentifier(std::wstring& identifier) const
 {
     identifier.clear();
-    const std::wstring* made = nullptr;
+    const kar::SharedText* made = nullptr;
     const KARStatus status = EnsureIdentifier(made);
     try {
         if (made != nullptr)
-            identifier = *made;
+            identifier = made->Copy();
     } catch (const std::bad_alloc&) {
         KARMPVerify(false);
         return KAROutOfMemory;
@@ -54,9 +53,9 @@ KARStatus KARMPEntity::GetIdentifier(std::wstring& identifier) const
     return status;
 }
 
-KARStatus KARMPEntity::EnsureIdentifier(const std::wstring*& identifier) const
+KARStatus KARMPEntity::EnsureIdentifier(const kar::SharedText*& identifier) const
 {
-    identifier = m_identifier.has_value() ? &*m_identifier : nullptr;
+    identifier = m_hasIdentifier ? &m_identifier : nullptr;
     if (identifier != nullptr)
         return KARSuccess;
     KARStatus status = KARSuccess;
@@ -64,30 +63,32 @@ KARStatus KARMPEntity::EnsureIdentifier(const std::wstring*& identifier) const
         std::wstring made;
         status = KARGetEnv("NEW_MP_IDS") != nullptr ? GenerateID2(made) : GenerateID(made);
         // Only now: what is there once stays for good, also when it is no more than a beginning.
-        m_identifier = std::move(made);
+        m_identifier.Set(made);
+        m_hasIdentifier = true;
     } catch (const std::bad_alloc&) {
         KARMPVerify(false);
         return KAROutOfMemory;
     }
-    identifier = &*m_identifier;
+    identifier = &m_identifier;
     return status;
 }
 
 KARStatus KARMPEntity::SetIdentifier(const std::wstring& identifier)
 {
     try {
-        return TakeIdentifier(std::wstring(identifier));
+        return TakeIdentifier(identifier);
     } catch (const std::bad_alloc&) {
         KARMPVerify(false);
         return KARFailure;
     }
 }
 
-KARStatus KARMPEntity::TakeIdentifier(std::wstring&& identifier)
+KARStatus KARMPEntity::TakeIdentifier(std::wstring_view identifier)
 {
-    if (!KARMPVerify(!m_identifier.has_value()))
+    if (!KARMPVerify(!m_hasIdentifier))
         return KARFailure;
-    m_identifier = std::move(identifier);
+    m_identifier.Set(identifier);
+    m_hasIdentifier = true;
     return KARSuccess;
 }
 

@@ -87,7 +87,7 @@ TEST_F(Identifier, CannotBeSetWithoutMemory)
 {
     if (!AllocationCounter::Counts)
         GTEST_SKIP() << "allocations cannot fail in this build";
-    const std::wstring identifier = L"an identifier with characters of its own";
+    const std::wstring identifier(2'000, L'a'); // so long that it comes from the heap
     KARStatus status = KARSuccess;
     {
         AllocationCounter allocations;

@@ -1,4 +1,5 @@
 #include "KARMPEntity.h"
+#include "AllocationCounter.h"
 #include "KARMPOutput.h"
 #include "KARMPParameter.h"
 #include "KARMPState.h"
@@ -386,6 +387,48 @@ TEST_F(Entity, CopyTakesThePlainValuesAndNothingElse)
     TestEntity::destroy(element);
     TestEntity::destroy(entity);
     EXPECT_EQ(model.Held(), 0U);
+}
+
+TEST_F(Entity, ClearingWhatItNeverHadTakesNoMemory)
+{
+    if (!AllocationCounter::Counts)
+        GTEST_SKIP() << "allocations are not counted in this build";
+    const AllocationCounter counter;
+    EXPECT_EQ(entity->SetMPVisuObject(nullptr), KARSuccess);
+    EXPECT_EQ(entity->SetUniqueId(nullptr), KARSuccess);
+    EXPECT_EQ(entity->GetParameterCount() + entity->GetStateCount() + entity->GetOutputCount() +
+                  entity->GetAggregatedElementCount(),
+              0);
+    EXPECT_EQ(counter.Count(), 0U);
+}
+
+// A large model is waiting for memory most of the time, so that what an entity holds is its cost.
+TEST_F(Entity, IsSmall)
+{
+    EXPECT_LE(sizeof(KARMPEntity), 112U);
+}
+
+TEST_F(Entity, ClearsTheVisualObjectAndTheUniqueIdThatWereSet)
+{
+    ModelObject visual;
+    const KARUuid uuid;
+    entity->SetMPVisuObject(&visual);
+    entity->SetUniqueId(&uuid);
+    entity->SetMPVisuObject(nullptr);
+    entity->SetUniqueId(nullptr);
+    KARBaseUnknown* object = &visual;
+    EXPECT_EQ(entity->GetMPVisuObject(object), KARSuccess);
+    EXPECT_EQ(object, nullptr);
+    EXPECT_EQ(entity->GetUniqueId(), nullptr);
+}
+
+TEST_F(Entity, StoresItsNameNarrowAndGivesItWide)
+{
+    EXPECT_EQ(entity->getStoredName().Narrow(), "entity");
+    EXPECT_EQ(entity->getEntityName(), L"entity");
+    entity->setEntityName(L"K\u00F6rper");
+    EXPECT_FALSE(entity->getStoredName().IsNarrow());
+    EXPECT_EQ(entity->getEntityName(), L"K\u00F6rper");
 }
 
 } // namespace

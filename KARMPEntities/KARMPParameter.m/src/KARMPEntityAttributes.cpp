@@ -108,50 +108,50 @@ KARStatus Update(const KARMPEntity& entity, const KARMPAttributeList<T>& list,
 KARStatus KARMPEntity::GetParameter(const Path& path,
                                     QOBSharedHandle<KARMPParameter>& parameter) const
 {
-    return FindByArray(m_parameters, path, parameter);
+    return FindByArray(Rare().parameters, path, parameter);
 }
 
 KARStatus KARMPEntity::GetState(const Path& path, QOBSharedHandle<KARMPState>& state) const
 {
-    return FindByArray(m_states, path, state);
+    return FindByArray(Rare().states, path, state);
 }
 
 KARStatus KARMPEntity::GetOutput(const Path& path, QOBSharedHandle<KARMPOutput>& output) const
 {
-    return FindByArray(m_outputs, path, output);
+    return FindByArray(Rare().outputs, path, output);
 }
 
 KARStatus KARMPEntity::GetAllParameters(QOBSharedVector<KARMPParameter>& parameters) const
 {
-    return karmp::AppendAll(m_parameters, parameters);
+    return karmp::AppendAll(Rare().parameters, parameters);
 }
 
 KARStatus KARMPEntity::GetAllStates(QOBSharedVector<KARMPState>& states) const
 {
-    return karmp::AppendAll(m_states, states);
+    return karmp::AppendAll(Rare().states, states);
 }
 
 KARStatus KARMPEntity::GetAllOutputs(QOBSharedVector<KARMPOutput>& outputs) const
 {
-    return karmp::AppendAll(m_outputs, outputs);
+    return karmp::AppendAll(Rare().outputs, outputs);
 }
 
 template <class T>
 KARStatus KARMPEntity::GetParameterValue(const Path& path, int index, T& value) const
 {
-    return ValueByPath(m_parameters, path, index, value);
+    return ValueByPath(Rare().parameters, path, index, value);
 }
 
 template <class T>
 KARStatus KARMPEntity::GetStateValue(const Path& path, int index, T& value) const
 {
-    return ValueByPath(m_states, path, index, value);
+    return ValueByPath(Rare().states, path, index, value);
 }
 
 template <class T>
 KARStatus KARMPEntity::GetOutputValue(const Path& path, int index, T& value) const
 {
-    return ValueByPath(m_outputs, path, index, value);
+    return ValueByPath(Rare().outputs, path, index, value);
 }
 
 #define KARMP_VALUE_GETTERS(T)                                                                     \
@@ -165,10 +165,10 @@ KARMP_VALUE_GETTERS(KARUnicodeString);
 
 KARStatus KARMPEntity::UpdateOutputs(const KAROmxOMap<KARString, KAROmxAny>& entries)
 {
-    return Update(*this, m_outputs, entries);
+    return Update(*this, Rare().outputs, entries);
 }
 
 KARStatus KARMPEntity::UpdateStates(const KAROmxOMap<KARString, KAROmxAny>& entries)
 {
-    return Update(*this, m_states, entries);
+    return Update(*this, Rare().states, entries);
 }

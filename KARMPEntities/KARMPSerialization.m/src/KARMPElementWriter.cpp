@@ -118,11 +118,11 @@ bool ElementWriter::Reference(std::wstring_view name, const QOBSharedBase& entit
 
 bool ElementWriter::ReferenceAttributes(const KARMPEntity* entity, bool withName, Where where)
 {
-    const std::wstring* identifier = nullptr;
+    const kar::SharedText* identifier = nullptr;
     if (!KARFailed(EntityAccess::Identifier(*entity, identifier)))
-        Attribute(Id, *identifier, where);
+        Attribute(Id, kar::SharedText::Wide(*identifier).View(), where);
     if (withName)
-        Attribute(Name, entity->getEntityName(), where);
+        Attribute(Name, kar::SharedText::Wide(entity->getStoredName()).View(), where);
     return !m_failed;
 }
 

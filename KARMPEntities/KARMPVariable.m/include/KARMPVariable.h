@@ -104,11 +104,7 @@ private:
                                                     &T::GetLinkedConstraintCount);
     };
 
-    double m_value = 0.0;
-    double m_minValue = 0.0;
-    double m_maxValue = 0.0;
-    double m_restitutionOnMinLimit = 0.0;
-    double m_restitutionOnMaxLimit = 0.0;
+    // First, where the base leaves space.
     bool m_hasValue = false;
     bool m_hasMinValue = false;
     bool m_hasMaxValue = false;
@@ -116,5 +112,10 @@ private:
     bool m_hasRestitutionOnMaxLimit = false;
     KARMPPhysicalQuantity::Enum m_physicalQuantity = KARMPPhysicalQuantity::NoPhysicalQuantity;
     KARMPVariableType::Enum m_type = KARMPVariableType::Free;
+    double m_value = 0.0;
+    double m_minValue = 0.0;
+    double m_maxValue = 0.0;
+    double m_restitutionOnMinLimit = 0.0;
+    double m_restitutionOnMaxLimit = 0.0;
     KARMPLinkList<KARMPConstraint> m_constraints;
 };

@@ -76,18 +76,18 @@ KARMPVariable::KARMPVariable() = default;
 
 KARMPVariable::KARMPVariable(const KARMPVariable& source, CopyMode mode)
     : Super(source, mode),
-      m_value(source.m_value),
-      m_minValue(source.m_minValue),
-      m_maxValue(source.m_maxValue),
-      m_restitutionOnMinLimit(source.m_restitutionOnMinLimit),
-      m_restitutionOnMaxLimit(source.m_restitutionOnMaxLimit),
       m_hasValue(source.m_hasValue),
       m_hasMinValue(source.m_hasMinValue),
       m_hasMaxValue(source.m_hasMaxValue),
       m_hasRestitutionOnMinLimit(source.m_hasRestitutionOnMinLimit),
       m_hasRestitutionOnMaxLimit(source.m_hasRestitutionOnMaxLimit),
       m_physicalQuantity(source.m_physicalQuantity),
-      m_type(source.m_type)
+      m_type(source.m_type),
+      m_value(source.m_value),
+      m_minValue(source.m_minValue),
+      m_maxValue(source.m_maxValue),
+      m_restitutionOnMinLimit(source.m_restitutionOnMinLimit),
+      m_restitutionOnMaxLimit(source.m_restitutionOnMaxLimit)
 {}
 
 KARMPVariable::~KARMPVariable() = default;
