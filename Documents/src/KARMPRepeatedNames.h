@@ -8,16 +8,38 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <functional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace karmp::documents {
 
-/// A cache of the names of a document, from their bytes to their decoded form. Two names with one
-/// slot replace each other, so that the size of the cache does not depend on the document. Names
-/// usually follow each other in a repeated order, so that the last four asked for predict the next.
+/// What bytes may be in names of XML: 0 for one that is in none, else whether it may begin one. The
+/// bytes of characters beyond ASCII may be anything.
+inline constexpr auto NameBytes = [] {
+    enum : std::uint8_t { Inner = 1, Beginning = 2 };
+    std::array<std::uint8_t, 256> table{};
+    for (std::size_t byte = 0x80; byte < table.size(); ++byte)
+        table[byte] = Beginning;
+    for (const char byte : std::string_view("-.0123456789"))
+        table[static_cast<unsigned char>(byte)] = Inner;
+    for (const char byte :
+         std::string_view("ABCDEFGHIJKLMNOPQRSTUVWXYZ:_abcdefghijklmnopqrstuvwxyz"))
+        table[static_cast<unsigned char>(byte)] = Beginning;
+    return table;
+}();
+inline bool IsInName(char byte)
+{
+    return NameBytes[static_cast<unsigned char>(byte)] != 0;
+}
+inline bool BeginsName(char byte)
+{
+    return NameBytes[static_cast<unsigned char>(byte)] > 1;
+}
+
+/// The names of a document: a number for each different one, from its bytes. Names usually follow
+/// each other in a repeated order, so that the last four asked for predict the next.
 class RepeatedNames
 {
 public:
@@ -39,7 +61,8 @@ public:
     RepeatedNames(const RepeatedNames&) = delete;
     RepeatedNames& operator=(const RepeatedNames&) = delete;
 
-    /// The name of the bytes up to a null, which must not move and must end before `end`.
+    /// The name at the front of bytes that must not move; a byte that is in no name ends it at
+    /// `end` or before.
     Name Get(const char* bytes, const char* end)
     {
         const auto left = static_cast<std::size_t>(end - bytes);
@@ -61,26 +84,24 @@ private:
             : name{number, text.size()}, m_bytes(text.data())
         {
             std::array<char, sizeof(Word)> mask{};
-            const std::size_t count = std::min(sizeof(Word), text.size() + 1);
+            const std::size_t count = std::min(sizeof(Word), text.size());
             std::fill_n(mask.begin(), count, '\xFF');
             std::memcpy(&m_mask, mask.data(), sizeof m_mask);
+            m_first = 0;
             std::memcpy(&m_first, m_bytes, count);
             if (text.size() >= sizeof(Word))
-                m_last = Load(m_bytes + LastOffset());
+                m_last = Load(m_bytes + text.size() - sizeof(Word));
         }
-        /// Compares up to the null; `left` bytes may be read.
+        /// `left` bytes may be read.
         bool Is(const char* bytes, std::size_t left) const
         {
-            if (left <= name.size + sizeof(Word) || (Load(bytes) & m_mask) != m_first)
+            if (left <= name.size + sizeof(Word) || (Load(bytes) & m_mask) != m_first ||
+                IsInName(bytes[name.size]))
                 return false;
-            if (name.size < sizeof(Word))
+            if (name.size <= sizeof(Word))
                 return true;
-            return Load(bytes + LastOffset()) == m_last &&
-                   (name.size < 2 * sizeof(Word) || std::memcmp(bytes, m_bytes, name.size) == 0);
-        }
-        bool Is(std::string_view text) const
-        {
-            return m_bytes != nullptr && std::string_view(m_bytes, name.size) == text;
+            return Load(bytes + name.size - sizeof(Word)) == m_last &&
+                   (name.size <= 2 * sizeof(Word) || std::memcmp(bytes, m_bytes, name.size) == 0);
         }
 
         Name name;
@@ -88,17 +109,15 @@ private:
     private:
         /// Null for an empty entry, which equals no name.
         const char* m_bytes = nullptr;
-        std::size_t LastOffset() const { return name.size + 1 - sizeof(Word); }
 
-        /// The first bytes, the null included; an empty entry has a bit outside of its mask.
+        /// The first bytes; an empty entry has a bit outside of its mask.
         Word m_mask = 0;
         Word m_first = 1;
-        /// The last bytes of a longer name, the null included.
+        /// The last bytes of a longer name.
         Word m_last = 0;
     };
     static constexpr Word Mixer = 0x9E3779B97F4A7C15U;
     static constexpr unsigned GuessBits = 9;
-    static constexpr std::size_t SlotCount = 512;
 
     static Word Load(const char* bytes)
     {
@@ -109,19 +128,22 @@ private:
 
     const Entry& Look(const char* bytes)
     {
-        const std::string_view text = bytes;
-        if (text.size() > m_longest) {
-            m_tooLong.name.size = text.size();
+        std::size_t size = 0;
+        while (IsInName(bytes[size]))
+            ++size;
+        if (size > m_longest) {
+            m_tooLong.name.size = size;
             return m_tooLong;
         }
-        Entry& entry = m_entries[std::hash<std::string_view>()(text) % SlotCount];
-        if (!entry.Is(text)) {
+        const std::string_view text(bytes, size);
+        const auto number = static_cast<std::uint32_t>(m_names.size());
+        const auto [place, added] = m_entries.try_emplace(text, text, number);
+        if (added) {
             m_wide.clear();
             AppendDecodedCData(m_wide, text);
-            entry = Entry(text, static_cast<std::uint32_t>(m_names.size()));
             m_names.push_back(NodeText::Name(m_wide, m_memory));
         }
-        return entry;
+        return place->second;
     }
 
     std::vector<NodeText>& m_names;
@@ -133,7 +155,7 @@ private:
     /// The numbers of the last four names, 16 bits each.
     Word m_history = 0;
     std::array<const Entry*, std::size_t{1} << GuessBits> m_guesses;
-    std::array<Entry, SlotCount> m_entries;
+    std::unordered_map<std::string_view, Entry> m_entries;
     std::wstring m_wide;
 };
 

@@ -45,7 +45,7 @@ TEST(RepeatedNames, DistinguishNamesOfEveryLength)
     }
 }
 
-TEST(RepeatedNames, ManyNamesReplaceEachOtherAndAreFoundAllTheSame)
+TEST(RepeatedNames, EachOfManyNamesHasOneNumber)
 {
     std::vector<karmp::NodeText> names;
     karmp::NodeMemory memory;
@@ -59,6 +59,7 @@ TEST(RepeatedNames, ManyNamesReplaceEachOtherAndAreFoundAllTheSame)
             const auto name = repeated.Get(text.c_str(), text.c_str() + text.size() + 1);
             EXPECT_EQ(names[name.number].View(), std::wstring(text.begin(), text.end()));
         }
+        EXPECT_EQ(names.size(), texts.size());
     }
 }
 

@@ -1,0 +1,429 @@
+#include "KARMPDocumentScanner.h"
+
+#include "KARMPDocumentFaults.h"
+#include "KARMPDocumentNames.h"
+#include "KARMPDocumentSource.h"
+#include "KARMPDocuments.h"
+#include "KARMPTextEscapes.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+namespace karmp::documents {
+
+namespace {
+
+using Word = std::uint64_t;
+constexpr Word Ones = 0x0101010101010101U;
+constexpr Word Highs = Ones * 0x80U;
+constexpr bool IsLittleEndian = std::endian::native == std::endian::little;
+
+// The high bits of those of eight bytes that equal one byte. A borrow may also mark a byte behind a
+// marked one, never one before it.
+constexpr Word MarkEqual(Word word, char byte)
+{
+    const Word differences = word ^ Ones * static_cast<unsigned char>(byte);
+    return (differences - Ones) & ~differences & Highs;
+}
+
+// The same for bytes that do not stand for themselves in the value of an attribute.
+struct ValueMarks
+{
+    Word operator()(Word word) const
+    {
+        const Word controls = (word - Ones * 0x20U) & ~word & Highs;
+        return (word & Highs) | controls | MarkEqual(word, '<') | MarkEqual(word, '&') |
+               MarkEqual(word, '\\');
+    }
+};
+
+// In the text of an element, tabs and line feeds stand for themselves.
+struct TextMarks
+{
+    Word operator()(Word word) const
+    {
+        return (word & Highs) | MarkEqual(word, '&') | MarkEqual(word, '\\') |
+               MarkEqual(word, '\r');
+    }
+};
+
+// The end of a text at a byte, and whether anything before that is marked. The end may be that of
+// all bytes, a null.
+template <class Marks>
+char* FindEnd(char* text, const char* end, char last, bool& isMarked)
+{
+    Word marks = 0;
+    while (IsLittleEndian && end - text >= static_cast<std::ptrdiff_t>(sizeof(Word))) {
+        Word word = 0;
+        std::memcpy(&word, text, sizeof word);
+        const Word found = MarkEqual(word, last);
+        if (found != 0) {
+            const int bits = std::countr_zero(found) / 8 * 8;
+            isMarked = (marks | (Marks()(word) & ((Word{1} << bits) - 1))) != 0;
+            return text + bits / 8;
+        }
+        marks |= Marks()(word);
+        text += sizeof word;
+    }
+    for (; text != end && *text != last; ++text)
+        marks |= Marks()(Ones * static_cast<unsigned char>(*text));
+    isMarked = marks != 0;
+    return text;
+}
+
+bool IsBlank(char byte)
+{
+    return byte == ' ' || byte == '\n' || byte == '\t' || byte == '\r';
+}
+
+} // namespace
+
+DocumentScanner::DocumentScanner(DocumentSource& source, const Limits& limits)
+    : m_source(source),
+      m_records(source.Records()),
+      m_limits(limits),
+      m_names(m_records.names, source.Nodes(), limits.nameLength)
+{}
+
+// Reserved pages cost nothing until they are written to.
+DocumentScanner::Outcome DocumentScanner::Run()
+{
+    constexpr std::size_t expectedElement = 24;
+    constexpr std::size_t expectedAttribute = 48;
+    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+    std::string& text = m_source.Text();
+    m_records.elements.reserve(text.size() / expectedElement + 1);
+    m_records.attributes.reserve(text.size() / expectedAttribute + 1);
+    m_begin = text.data();
+    m_end = m_begin + text.size();
+    m_at = m_begin + (text.starts_with(byteOrderMark) ? byteOrderMark.size() : 0);
+    if (!ScanMisc() || *m_at != '<' || !BeginsName(m_at[1]))
+        return Outcome::Faulty;
+    ++m_at;
+    if (!ScanStartTag())
+        return Outcome::Faulty;
+    while (!m_open.empty())
+        if (!ScanContent())
+            return Outcome::Faulty;
+    if (!ScanMisc() || m_at != m_end)
+        return Outcome::Faulty;
+    ElementRecord& end = m_records.elements.emplace_back();
+    end.attributes = static_cast<std::uint32_t>(m_records.attributes.size());
+    CheckRoot();
+    return m_isDoubtful ? Outcome::Doubtful : Outcome::Clean;
+}
+
+std::string DocumentScanner::Original() const
+{
+    std::string text = m_source.Text();
+    const auto restore = [&text](Offset offset, char ending) {
+        if (offset != NoOffset)
+            text[offset + std::strlen(text.data() + offset)] = ending;
+    };
+    for (const AttributeRecord& attribute : m_records.attributes)
+        restore(attribute.value, text[attribute.value - 1]);
+    for (const ElementRecord& element : m_records.elements)
+        if (element.Kind() == TextKind::Plain || element.Kind() == TextKind::Raw)
+            restore(element.text, '<');
+    for (const PieceRecord& piece : m_records.pieces)
+        restore(piece.text, piece.isCData != 0 ? ']' : '<');
+    return text;
+}
+
+void DocumentScanner::SkipBlanks()
+{
+    while (IsBlank(*m_at))
+        ++m_at;
+}
+
+bool DocumentScanner::StartsWith(std::string_view text) const
+{
+    return std::string_view(m_at, static_cast<std::size_t>(m_end - m_at)).starts_with(text);
+}
+
+bool DocumentScanner::SkipPast(std::string_view text)
+{
+    const std::string_view rest(m_at, static_cast<std::size_t>(m_end - m_at));
+    const std::size_t found = rest.find(text);
+    if (found == rest.npos)
+        return false;
+    m_at += found + text.size();
+    return true;
+}
+
+// Blanks, comments and instructions outside of the root.
+bool DocumentScanner::ScanMisc()
+{
+    for (;;) {
+        SkipBlanks();
+        const bool isInstruction = StartsWith("<?");
+        if (!isInstruction && !StartsWith("<!--"))
+            return true;
+        ++m_at;
+        if (!(isInstruction ? ScanInstruction() : SkipComment()))
+            return false;
+    }
+}
+
+bool DocumentScanner::SkipComment()
+{
+    m_at += std::string_view("!--").size();
+    return SkipPast("-->");
+}
+
+// A declaration stands outside of the root.
+bool DocumentScanner::ScanInstruction()
+{
+    const char* const begin = m_at - 1;
+    ++m_at;
+    if (!BeginsName(*m_at))
+        return false;
+    const char* const name = m_at;
+    while (IsInName(*m_at))
+        ++m_at;
+    const std::string_view target(name, static_cast<std::size_t>(m_at - name));
+    if (!SkipPast("?>"))
+        return false;
+    return !DocumentFaults::IsDeclaration(target) ||
+           (m_open.empty() &&
+            DocumentFaults::IsGoodDeclaration({begin, static_cast<std::size_t>(m_at - begin)}));
+}
+
+// What follows a "<".
+bool DocumentScanner::ScanMark()
+{
+    if (BeginsName(*m_at))
+        return ScanStartTag();
+    if (*m_at == '/')
+        return ScanEndTag();
+    if (*m_at == '?')
+        return ScanInstruction();
+    if (StartsWith("!--"))
+        return SkipComment();
+    return StartsWith("![CDATA[") && ScanCData();
+}
+
+bool DocumentScanner::ScanStartTag()
+{
+    const RepeatedNames::Name name = m_names.Get(m_at, m_end);
+    if (m_open.size() >= m_limits.depth || ++m_nodes > m_limits.nodes ||
+        name.size > m_limits.nameLength)
+        return false;
+    if (!m_open.empty())
+        AddChild();
+    const auto number = static_cast<std::uint32_t>(m_records.elements.size());
+    ElementRecord& record = m_records.elements.emplace_back();
+    record.name = name.number & 0x3FFFFFFFU;
+    record.kind = static_cast<std::uint32_t>(TextKind::Plain) & 3U;
+    record.nameOffset = OffsetOf(m_at);
+    record.end = number + 1;
+    record.attributes = static_cast<std::uint32_t>(m_records.attributes.size());
+    record.text = NoOffset;
+    m_at += name.size;
+    bool isClosed = false;
+    if (*m_at == '>')
+        ++m_at;
+    else if (!ScanAttributes(isClosed))
+        return false;
+    if (!isClosed)
+        m_open.push_back({number, 0, name.size, false});
+    return true;
+}
+
+// What stands between the name of a start tag and its end.
+bool DocumentScanner::ScanAttributes(bool& isClosed)
+{
+    const std::size_t first = m_records.attributes.size();
+    for (;;) {
+        SkipBlanks();
+        if (!BeginsName(*m_at))
+            break;
+        // A blank divides attributes from each other and from the name.
+        if (!IsBlank(m_at[-1]) || !ScanAttribute())
+            return false;
+    }
+    isClosed = *m_at == '/';
+    m_at += isClosed ? 1 : 0;
+    if (*m_at != '>')
+        return false;
+    ++m_at;
+    CheckNames(first);
+    return true;
+}
+
+bool DocumentScanner::ScanAttribute()
+{
+    const RepeatedNames::Name name = m_names.Get(m_at, m_end);
+    if (++m_nodes > m_limits.nodes || name.size > m_limits.nameLength)
+        return false;
+    m_at += name.size;
+    SkipBlanks();
+    if (*m_at != '=')
+        return false;
+    ++m_at;
+    SkipBlanks();
+    const char quote = *m_at;
+    if (quote != '"' && quote != '\'')
+        return false;
+    ++m_at;
+    char* const value = m_at;
+    bool isMarked = false;
+    m_at = FindEnd<ValueMarks>(value, m_end, quote, isMarked);
+    if (m_at == m_end)
+        return false;
+    *m_at = '\0';
+    ++m_at;
+    AttributeRecord& record = m_records.attributes.emplace_back();
+    record.name = name.number & 0x7FFFFFFFU;
+    record.isPlain = isMarked ? 0U : 1U;
+    record.value = OffsetOf(value);
+    if (!isMarked)
+        return true;
+    CheckReferences(value);
+    return std::strchr(value, '<') == nullptr;
+}
+
+// For a few names, comparing all pairs is faster than sorting them.
+void DocumentScanner::CheckNames(std::size_t first)
+{
+    constexpr std::size_t few = 8;
+    const auto begin = m_records.attributes.begin() + static_cast<std::ptrdiff_t>(first);
+    const auto end = m_records.attributes.end();
+    if (m_records.attributes.size() - first <= few) {
+        for (auto attribute = begin; attribute != end; ++attribute)
+            for (auto former = begin; former != attribute; ++former)
+                m_isDoubtful = m_isDoubtful || former->name == attribute->name;
+        return;
+    }
+    std::vector<std::uint32_t> names;
+    for (auto attribute = begin; attribute != end; ++attribute)
+        names.push_back(attribute->name);
+    std::sort(names.begin(), names.end());
+    if (std::adjacent_find(names.begin(), names.end()) != names.end())
+        m_isDoubtful = true;
+}
+
+bool DocumentScanner::ScanEndTag()
+{
+    ++m_at;
+    const Open open = m_open.back();
+    ElementRecord& record = m_records.elements[open.number];
+    if (static_cast<std::size_t>(m_end - m_at) <= open.nameSize ||
+        std::memcmp(m_at, m_begin + record.nameOffset, open.nameSize) != 0)
+        return false;
+    m_at += open.nameSize;
+    if (IsInName(*m_at))
+        return false;
+    SkipBlanks();
+    if (*m_at != '>')
+        return false;
+    ++m_at;
+    record.end = static_cast<std::uint32_t>(m_records.elements.size());
+    m_open.pop_back();
+    return true;
+}
+
+// A text, if there is one, and the mark behind it. Blanks count only as all that an element holds.
+bool DocumentScanner::ScanContent()
+{
+    char* const text = m_at;
+    SkipBlanks();
+    const bool isText = *m_at != '<' || (m_at != text && m_at[1] == '/' && !m_open.back().hasChild);
+    if (isText && !ScanText(text))
+        return false;
+    ++m_at;
+    return ScanMark();
+}
+
+bool DocumentScanner::ScanText(char* text)
+{
+    bool isMarked = false;
+    m_at = FindEnd<TextMarks>(text, m_end, '<', isMarked);
+    if (m_at == m_end)
+        return false;
+    *m_at = '\0';
+    Open& open = m_open.back();
+    ElementRecord& record = m_records.elements[open.number];
+    if (!open.hasChild && record.text == NoOffset) {
+        record.text = OffsetOf(text);
+        record.kind = static_cast<std::uint32_t>(isMarked ? TextKind::Raw : TextKind::Plain) & 3U;
+    } else {
+        AddChild();
+        AddPiece(OffsetOf(text), false);
+    }
+    if (isMarked)
+        CheckReferences(text);
+    return true;
+}
+
+bool DocumentScanner::ScanCData()
+{
+    m_at += std::string_view("![CDATA[").size();
+    const char* const text = m_at;
+    if (!SkipPast("]]>"))
+        return false;
+    AddChild();
+    AddPiece(OffsetOf(text), true);
+    m_at[-3] = '\0';
+    return true;
+}
+
+void DocumentScanner::CheckReferences(const char* raw)
+{
+    std::wstring decoded;
+    if (std::strchr(raw, '&') != nullptr && !AppendDecoded(decoded, raw, TextContext::Element))
+        m_isDoubtful = true;
+}
+
+// The first attribute of the name counts.
+void DocumentScanner::CheckRoot()
+{
+    const auto& [elements, attributes, pieces, names] = m_records;
+    const auto& known = KnownVersions();
+    for (std::uint32_t index = elements[1].attributes; index-- > elements[0].attributes;)
+        if (names[attributes[index].name].View() == VersionName) {
+            const std::string_view value = m_begin + attributes[index].value;
+            const auto tag =
+                std::find(known.begin(), known.end(), std::wstring(value.begin(), value.end()));
+            m_version = tag != known.end() ? *tag : std::wstring_view();
+        }
+    if (names[elements[0].name].View() != WideRootName || m_version.empty())
+        m_isDoubtful = true;
+}
+
+// Makes the text that the innermost open element has so far a piece, since more follows.
+void DocumentScanner::AddChild()
+{
+    Open& open = m_open.back();
+    if (open.hasChild)
+        return;
+    open.hasChild = true;
+    ElementRecord& record = m_records.elements[open.number];
+    const Offset text = record.text;
+    record.kind = static_cast<std::uint32_t>(TextKind::None) & 3U;
+    record.text = NoOffset;
+    if (text != NoOffset)
+        AddPiece(text, false);
+}
+
+// Appends a piece to the text of the innermost open element.
+void DocumentScanner::AddPiece(Offset text, bool isCData)
+{
+    const auto number = static_cast<std::uint32_t>(m_records.pieces.size());
+    Open& open = m_open.back();
+    ElementRecord& record = m_records.elements[open.number];
+    if (record.Kind() == TextKind::None) {
+        record.kind = static_cast<std::uint32_t>(TextKind::Pieces) & 3U;
+        record.text = number;
+    } else {
+        m_records.pieces[open.lastPiece].next = number & 0x7FFFFFFFU;
+    }
+    open.lastPiece = number;
+    PieceRecord& piece = m_records.pieces.emplace_back();
+    piece.text = text;
+    piece.next = 0;
+    piece.isCData = isCData ? 1U : 0U;
+}
+
+} // namespace karmp::documents

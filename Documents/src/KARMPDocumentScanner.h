@@ -1,0 +1,88 @@
+#pragma once
+
+#include "KARMPDocumentLimits.h"
+#include "KARMPDocumentRecords.h"
+#include "KARMPRepeatedNames.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace karmp::documents {
+
+class DocumentSource;
+
+/// Makes the records of a document in one pass over its bytes. It puts a null behind each value and
+/// each text, and composes no messages: what is out of the ordinary is left to DocumentFaults.
+class DocumentScanner
+{
+public:
+    enum class Outcome {
+        Clean,    ///< There is nothing to tell of.
+        Doubtful, ///< The records are whole; there is something to tell of.
+        Faulty    ///< The document cannot be read.
+    };
+
+    /// `source` has the bytes, UTF-8 without control characters that XML cannot hold.
+    DocumentScanner(DocumentSource& source, const Limits& limits);
+    DocumentScanner(const DocumentScanner&) = delete;
+    DocumentScanner& operator=(const DocumentScanner&) = delete;
+
+    Outcome Run();
+    /// The document's version; empty when there is none that is known.
+    std::wstring_view Version() const { return m_version; }
+    /// How far Run came.
+    std::size_t Reached() const { return static_cast<std::size_t>(m_at - m_begin); }
+    /// The bytes as they were before Run.
+    std::string Original() const;
+
+private:
+    /// An open element: its index, that of its last piece of text, the length of its name, and
+    /// whether it holds anything but attributes and one text.
+    struct Open
+    {
+        std::uint32_t number;
+        std::uint32_t lastPiece;
+        std::size_t nameSize;
+        bool hasChild;
+    };
+
+    bool ScanMisc();
+    bool ScanInstruction();
+    bool ScanMark();
+    bool ScanStartTag();
+    bool ScanAttributes(bool& isClosed);
+    bool ScanAttribute();
+    bool ScanEndTag();
+    bool ScanContent();
+    bool ScanText(char* text);
+    bool SkipComment();
+    bool ScanCData();
+    /// False when the text does not follow.
+    bool SkipPast(std::string_view text);
+    void SkipBlanks();
+    bool StartsWith(std::string_view text) const;
+    void CheckNames(std::size_t first);
+    void CheckRoot();
+    void CheckReferences(const char* raw);
+    void AddChild();
+    void AddPiece(Offset text, bool isCData);
+    Offset OffsetOf(const char* text) const { return static_cast<Offset>(text - m_begin); }
+
+    DocumentSource& m_source;
+    DocumentRecords& m_records;
+    const Limits& m_limits;
+    RepeatedNames m_names;
+    char* m_begin = nullptr;
+    char* m_at = nullptr;
+    /// A null.
+    char* m_end = nullptr;
+    std::vector<Open> m_open;
+    std::size_t m_nodes = 0;
+    bool m_isDoubtful = false;
+    std::wstring_view m_version;
+};
+
+} // namespace karmp::documents
