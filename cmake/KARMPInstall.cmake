@@ -13,6 +13,10 @@ if(TARGET KARMPDocuments)
     endif()
 endif()
 
+if(TARGET KARMPModel)
+    list(APPEND karmp_installed KARMPModel)
+endif()
+
 # The libraries find one another beside themselves, wherever the folder is moved to.
 set_target_properties(${karmp_installed} PROPERTIES INSTALL_RPATH "$ORIGIN")
 install(
@@ -90,5 +94,12 @@ if(TARGET KARMPDocuments)
         karmpdocuments "Files of a multibody mechanism simulation's entity model"
         LIBRARIES KARMPDocuments
         REQUIRES karmpentities
+    )
+endif()
+if(TARGET KARMPModel)
+    karmp_install_pkgconfig(
+        karmpmodel "Models of a multibody mechanism simulation, built and edited by single calls"
+        LIBRARIES KARMPModel
+        REQUIRES karmpdocuments
     )
 endif()

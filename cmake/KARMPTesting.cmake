@@ -66,7 +66,7 @@ endfunction()
 # its own library and of those below it. It is no part of "all"; CI builds it.
 function(karmp_add_header_checks)
     add_custom_target(karmp_header_checks)
-    foreach(library IN ITEMS KARPlatform KARMPEntities KARMPDocuments)
+    foreach(library IN ITEMS KARPlatform KARMPEntities KARMPDocuments KARMPModel)
         if(NOT TARGET ${library})
             continue()
         endif()
@@ -123,7 +123,7 @@ endfunction()
 function(karmp_add_symbols_tests)
     karmp_symbols_test(
         symbols.libraries
-        OBJECTS KARPlatformObjects KARMPEntitiesObjects KARMPDocumentsObjects
+        OBJECTS KARPlatformObjects KARMPEntitiesObjects KARMPDocumentsObjects KARMPModelObjects
     )
     if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
         return()

@@ -1,6 +1,9 @@
 // Uses the installed libraries the way a program outside of the project does.
 
 #include "KARMPEntities.h"
+#if __has_include("KARMPModel.h")
+#    include "KARMPModel.h"
+#endif
 
 #include <cstdio>
 #include <cstdlib>
@@ -43,6 +46,12 @@ int main()
     Require(KARFailed(KARMPFactory::Create("NoSuchClass", none)) && reports.count == 1,
             "an unknown class is reported to a listener of the program");
 
+#if __has_include("KARMPModel.h")
+    karmp::model::Model model("Pendulum");
+    const auto rod = model.Body("Rod", karmp::model::Rod(1.0, {}, {1.0, 0.0, 0.0}));
+    model.Joint<KARMPRevolute>("Pivot", model.Ground(), rod, {0.0, 0.0, 0.0});
+    Require(model.Problems().empty() && model.Check().items.empty(), "a model is built");
+#endif
     std::printf("%zu classes can be created\n", KARMPFactory::GetClassNames().size());
     return 0;
 }

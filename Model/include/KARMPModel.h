@@ -1,0 +1,303 @@
+// The model library: mechanisms are built, edited, saved and loaded by single calls that do all
+// that belongs together.
+//
+// Texts are UTF-8. Units are those of docs/conventions.md. An entity is known by an identifier,
+// which is unique in the model and never changes, and a name, which starts as the same text.
+//
+// Every call that changes the model does all that it says or nothing. A call that fails adds one
+// problem, with the caller's line, to Problems; what creates something gives a false Ref then, and
+// calls that are given a false Ref fail as well. So calls may be made one after another, and
+// Problems, or the Save at the end, tells what went wrong first.
+//
+// The header needs no entity class; a program includes those that it names, or KARMPEntities.h.
+#pragma once
+
+#include "KARMPDocuments.h"
+#include "KARMPEnumerations.h"
+#include "KARMPFamilies.h"
+#include "KARMPModelExport.h"
+#include "KARMPModelOptions.h"
+#include "KARMPModelRef.h"
+#include "KARMPModelResult.h"
+#include "KARMPWorldDifference.h"
+#include "KARMPWorldExtraction.h"
+#include "KARMathAxis.h"
+
+#include <cstddef>
+#include <filesystem>
+#include <initializer_list>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <vector>
+
+class KARMPAxisSystem;
+class KARMPBody2D;
+class KARMPPoint;
+class KARMPPoint2D;
+class KARMPSketch;
+class KARMPWorld;
+
+namespace karmp::model {
+
+class Core;
+struct Extraction;
+
+/// How models are saved where nothing else is said: all doubles as they are.
+KARMP_MODEL_API documents::SaveOptions Exactly();
+
+/// A mechanism: a world, and the calls that build and edit it.
+///
+/// The world may be changed by its own operations as well; the model notices what is added to or
+/// removed from it.
+class KARMP_MODEL_API Model
+{
+public:
+    /// An empty model in metres. Its ground is the world's global body.
+    explicit Model(std::string_view name, const ModelOptions& options = {},
+                   Where where = Where::current());
+    /// A model of a world that is there, whose globals are listed and identified from then on.
+    explicit Model(const QOBSharedHandle<KARMPWorld>& world, Where where = Where::current());
+    Model(Model&& other) noexcept;
+    Model& operator=(Model&& other) noexcept;
+    ~Model();
+
+    const QOBSharedHandle<KARMPWorld>& World() const;
+    /// What calls could not do, in order.
+    const std::vector<Problem>& Problems() const;
+    /// Forgets the problems.
+    void ClearProblems();
+
+    /// The body that everything stands on: the world's ground body, or its global body.
+    Ref<KARMPBody> Ground() const;
+    /// The world's time.
+    Ref<KARMPVariable> Time() const;
+
+    /// A new entity of a class, by its type or by its name as the factory knows it.
+    template <class T>
+    Ref<T> Add(std::string_view identifier, Where where = Where::current())
+    {
+        return Typed<T>(AddEntity(T::ClassInfo(), identifier, where));
+    }
+    Ref<KARMPEntity> Add(std::string_view className, std::string_view identifier,
+                         Where where = Where::current());
+
+    /// A body.
+    Ref<KARMPBody> Body(std::string_view identifier, const BodyOptions& options = {},
+                        Where where = Where::current());
+    /// A body in the plane z = 0: with the first one come the sketch "Sketch", which the ground
+    /// carries, and the body "Frame" that is fixed in it.
+    Ref<KARMPBody2D> PlanarBody(std::string_view identifier, const PlanarBodyOptions& options = {},
+                                Where where = Where::current());
+    /// That frame, with its sketch.
+    Ref<KARMPBody2D> PlanarGround(Where where = Where::current());
+
+    /// An axis system or a point of a body, told in the world. The body's identifier and a dot come
+    /// before the identifier.
+    Ref<KARMPAxisSystem> Frame(std::string_view identifier, const Ref<KARMPBody>& body,
+                               const KARMathAxis& axis, Where where = Where::current());
+    Ref<KARMPPoint> Point(std::string_view identifier, const Ref<KARMPBody>& body,
+                          const KARMathPoint& position, Where where = Where::current());
+    Ref<KARMPPoint2D> Point(std::string_view identifier, const Ref<KARMPBody2D>& body,
+                            const KARMathPoint2D& position, Where where = Where::current());
+
+    /// A variable of a joint, the next one in the order of its freedoms, in m or rad.
+    Ref<KARMPVariable> Variable(std::string_view identifier, const Ref<KARMPJoint>& joint,
+                                double value = 0.0, Where where = Where::current());
+    /// A variable of a quantity.
+    Ref<KARMPVariable> Variable(std::string_view identifier, KARMPPhysicalQuantity::Enum quantity,
+                                double value = 0.0, Where where = Where::current());
+
+    /// A joint of a kind between a parent and a child, at a point of the world, about or along an
+    /// axis: with the axis systems, points or lines of both bodies, the constraint that realises
+    /// the kind, and both halves of all links. Kinds on curves are made from two geometries.
+    template <class J>
+    Ref<J> Joint(std::string_view identifier, const Ref<KARMPBody>& parent,
+                 const Ref<KARMPBody>& child, const KARMathPoint& at,
+                 const KARMathVector& axis = {0.0, 0.0, 1.0}, Where where = Where::current())
+    {
+        return Typed<J>(AddJoint(J::ClassInfo(), identifier, parent, child, at, axis, where));
+    }
+    template <class J>
+    Ref<J> Joint(std::string_view identifier, const Ref<KARMPBody>& parent,
+                 const Ref<KARMPBody>& child, const KARMathAxis& frame,
+                 Where where = Where::current())
+    {
+        return Typed<J>(AddJoint(J::ClassInfo(), identifier, parent, child, frame, where));
+    }
+    /// A pin in the plane.
+    template <class J>
+    Ref<J> Joint(std::string_view identifier, const Ref<KARMPBody2D>& parent,
+                 const Ref<KARMPBody2D>& child, const KARMathPoint2D& at,
+                 Where where = Where::current())
+    {
+        return Typed<J>(AddJoint(J::ClassInfo(), identifier, parent, child, at, where));
+    }
+    /// A joint on a geometry of the parent and one of the child, spatial or planar both.
+    template <class J>
+    Ref<J> Joint(std::string_view identifier, const Ref<KARMPGeometry>& onParent,
+                 const Ref<KARMPGeometry>& onChild, Where where = Where::current())
+    {
+        return Typed<J>(AddJoint(J::ClassInfo(), identifier, onParent, onChild, where));
+    }
+
+    /// A coupling by a linear equation: the sum of coefficient times variable, plus the constant,
+    /// is 0. It links the bodies that the variables' joints move.
+    template <class C>
+    Ref<C> Couple(std::string_view identifier, std::span<const Term> terms, double constant = 0.0,
+                  Where where = Where::current())
+    {
+        return Typed<C>(AddCoupling(C::ClassInfo(), identifier, terms, constant, where));
+    }
+    template <class C>
+    Ref<C> Couple(std::string_view identifier, std::initializer_list<Term> terms,
+                  double constant = 0.0, Where where = Where::current())
+    {
+        return Couple<C>(identifier, std::span<const Term>(terms.begin(), terms.size()), constant,
+                         where);
+    }
+
+    /// Links two entities that can refer to each other, both halves. What is linked already stays.
+    /// The item, of either entity, chooses where there are several, "SecondBody" of a connector for
+    /// one. A single link to another entity has to be unlinked first.
+    bool Link(const Ref<KARMPEntity>& first, const Ref<KARMPEntity>& second,
+              std::string_view item = {}, Where where = Where::current());
+    /// Takes both halves of the links between two entities away, or of those by an item.
+    bool Unlink(const Ref<KARMPEntity>& first, const Ref<KARMPEntity>& second,
+                std::string_view item = {}, Where where = Where::current());
+
+    /// The entity of a class with an identifier or else a name, false when there is none, or when
+    /// several have the name. By identifier the cost does not grow with the model.
+    template <class T>
+    Ref<T> Find(std::string_view key) const
+    {
+        return Typed<T>(FindEntity(&Fits<T>, key));
+    }
+    /// The same as a Result, whose error tells the near names, or how many have the name.
+    template <class T>
+    Result<Ref<T>> Get(std::string_view key, Where where = Where::current()) const
+    {
+        Outcome problem;
+        auto found = GetEntity(&Fits<T>, T::ClassInfo().getName(), key, where, problem);
+        return found ? Result<Ref<T>>(Typed<T>(std::move(found))) : Result<Ref<T>>(problem);
+    }
+    /// All entities of a family, a class or its subclasses, in the order of the world.
+    template <class T>
+    RefList<T> All() const
+    {
+        constexpr int family = FamilyIndex<T>(Families());
+        RefList<T> all;
+        Collect(
+            family, IsFamily<T>(Families()) ? nullptr : &Fits<T>,
+            [](void* list, QOBSharedHandle<KARMPEntity>&& entity) {
+                static_cast<RefList<T>*>(list)->push_back(Typed<T>(std::move(entity)));
+            },
+            [](void* list, std::size_t count) { static_cast<RefList<T>*>(list)->reserve(count); },
+            &all);
+        return all;
+    }
+
+    /// Gives an entity another name. Its identifier stays.
+    bool Rename(const Ref<KARMPEntity>& entity, std::string_view name,
+                Where where = Where::current());
+
+    /// Saves the model as SaveFile does, with exact numbers by default. A model with problems is
+    /// not saved: the first one is the error.
+    Result<void> Save(const std::filesystem::path& path,
+                      const documents::SaveOptions& options = Exactly(),
+                      Where where = Where::current()) const;
+    /// The same as a text.
+    Result<std::string> Text(const documents::SaveOptions& options = Exactly(),
+                             Where where = Where::current()) const;
+    /// What the check of documents, and of saving, finds in the model.
+    documents::Diagnostics Check() const;
+    /// A model of its own with the same entities, listed in the order of a world that is read.
+    Result<Model> Clone(Where where = Where::current()) const;
+    /// The part around some bodies as a model of its own, as ExtractWorld takes it.
+    Result<Extraction> Extract(std::span<const Ref<KARMPBody>> bodies,
+                               const documents::ExtractionOptions& options = {},
+                               Where where = Where::current()) const;
+    /// The differences from this model to another one, as FindDifferences tells them.
+    std::vector<documents::Difference> Diff(const Model& other,
+                                            const documents::DifferenceOptions& options = {}) const;
+
+private:
+    using Entity = QOBSharedHandle<KARMPEntity>;
+
+    template <class T>
+    static Ref<T> Typed(Entity&& entity)
+    {
+        QOBSharedHandle<T> typed;
+        static_cast<QOBSharedBase&>(typed) = std::move(entity);
+        return Ref<T>(std::move(typed));
+    }
+    template <class T>
+    static bool Fits([[maybe_unused]] const KARMPEntity& entity)
+    {
+        if constexpr (std::is_same_v<T, KARMPEntity>)
+            return true;
+        else
+            return dynamic_cast<const T*>(&entity) != nullptr;
+    }
+    // The index of the family that T belongs to, -1 for a base of several.
+    template <class T, class... F>
+    static constexpr int FamilyIndex(FamilyList<F...>)
+    {
+        int index = -1;
+        int next = 0;
+        ((index = index < 0 && std::is_base_of_v<F, T> ? next : index, ++next), ...);
+        return index;
+    }
+    template <class T, class... F>
+    static constexpr bool IsFamily(FamilyList<F...>)
+    {
+        return (std::is_same_v<F, T> || ...);
+    }
+
+    Entity AddEntity(const QOBClassInfo& info, std::string_view identifier, Where where);
+    Entity AddJoint(const QOBClassInfo& info, std::string_view identifier,
+                    const Ref<KARMPBody>& parent, const Ref<KARMPBody>& child,
+                    const KARMathPoint& at, const KARMathVector& axis, Where where);
+    Entity AddJoint(const QOBClassInfo& info, std::string_view identifier,
+                    const Ref<KARMPBody>& parent, const Ref<KARMPBody>& child,
+                    const KARMathAxis& frame, Where where);
+    Entity AddJoint(const QOBClassInfo& info, std::string_view identifier,
+                    const Ref<KARMPBody2D>& parent, const Ref<KARMPBody2D>& child,
+                    const KARMathPoint2D& at, Where where);
+    Entity AddJoint(const QOBClassInfo& info, std::string_view identifier,
+                    const Ref<KARMPGeometry>& onParent, const Ref<KARMPGeometry>& onChild,
+                    Where where);
+    Entity AddCoupling(const QOBClassInfo& info, std::string_view identifier,
+                       std::span<const Term> terms, double constant, Where where);
+    Entity FindEntity(bool (*fits)(const KARMPEntity&), std::string_view key) const;
+    Entity GetEntity(bool (*fits)(const KARMPEntity&), const std::string& className,
+                     std::string_view key, Where where, Outcome& problem) const;
+    void Collect(int family, bool (*fits)(const KARMPEntity&),
+                 void (*add)(void* list, Entity&& entity),
+                 void (*reserve)(void* list, std::size_t count), void* list) const;
+
+    std::unique_ptr<Core> m_core;
+};
+
+/// A part of a model.
+struct Extraction
+{
+    Model model;
+    /// The links that were cut, and the items that could not be carried over.
+    std::vector<documents::CutLink> cutLinks;
+    std::vector<documents::CutLink> lostItems;
+};
+
+/// Loads a model in metres from a file. A document with errors is none; its warnings are the
+/// Findings.
+KARMP_MODEL_API Result<Model> Load(const std::filesystem::path& path,
+                                   const documents::LoadOptions& options = {},
+                                   Where where = Where::current());
+/// The same from a text in memory, which the findings call by `name`.
+KARMP_MODEL_API Result<Model> LoadText(std::string text, const std::string& name = "<text>",
+                                       const documents::LoadOptions& options = {},
+                                       Where where = Where::current());
+
+} // namespace karmp::model

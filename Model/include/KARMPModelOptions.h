@@ -1,0 +1,83 @@
+// What calls of a model take beside names: settings, and how bodies stand and weigh.
+#pragma once
+
+#include "KARMPModelExport.h"
+#include "KARMPModelRef.h"
+#include "KARMath2x2Matrix.h"
+#include "KARMath3x3Matrix.h"
+#include "KARMathPoint.h"
+#include "KARMathPoint2D.h"
+#include "KARMathTransformation.h"
+#include "KARMathTransformation2D.h"
+#include "KARMathVector.h"
+
+#include <optional>
+
+class KARMPEntity;
+class KARMPVariable;
+
+namespace karmp::model {
+
+/// The settings of a new model, whose length unit is the metre.
+struct ModelOptions
+{
+    /// In m/s2, along the axes of the world.
+    KARMathVector gravity{};
+    /// In m.
+    double linearTolerance = 1e-6;
+    /// In rad.
+    double angularTolerance = 1e-9;
+};
+
+/// How a body stands in the world, and its mass. What is not given stays as in a new body: at the
+/// origin, along the axes of the world, without mass.
+struct BodyOptions
+{
+    /// In kg.
+    double mass = 0.0;
+    /// The body's origin in the world.
+    std::optional<KARMathPoint> at = {};
+    /// A point of the world at which the first axis looks; the third one stays as near to the
+    /// world's as it can.
+    std::optional<KARMathPoint> towards = {};
+    /// The position as a whole, in place of `at` and `towards`.
+    std::optional<KARMathTransformation> position = {};
+    /// In body axes.
+    std::optional<KARMathPoint> centerOfGravity = {};
+    /// About the centre of gravity, in body axes, in kg m2.
+    std::optional<KARMath3x3Matrix> inertia = {};
+    bool isFixed = false;
+};
+
+/// The same for a body in a plane.
+struct PlanarBodyOptions
+{
+    double mass = 0.0;
+    std::optional<KARMathPoint2D> at = {};
+    std::optional<KARMathPoint2D> towards = {};
+    std::optional<KARMathTransformation2D> position = {};
+    std::optional<KARMathPoint2D> centerOfGravity = {};
+    std::optional<KARMath2x2Matrix> inertia = {};
+    bool isFixed = false;
+};
+
+/// A slender rod from one point of the world to another: its origin is at the first, its first axis
+/// looks at the second.
+KARMP_MODEL_API BodyOptions Rod(double mass, const KARMathPoint& from, const KARMathPoint& to);
+KARMP_MODEL_API PlanarBodyOptions Rod(double mass, const KARMathPoint2D& from,
+                                      const KARMathPoint2D& to);
+
+/// The point of the plane z = 0 at given distances from two others, on the left of the way from the
+/// first to the second; nothing when the distances do not meet. It closes a loop of two rods.
+KARMP_MODEL_API std::optional<KARMathPoint> MeetingPoint(const KARMathPoint& from, double distance,
+                                                         const KARMathPoint& to,
+                                                         double otherDistance);
+
+/// A term of a coupling's equation.
+struct Term
+{
+    Ref<KARMPVariable> variable;
+    double coefficient = 1.0;
+};
+
+} // namespace karmp::model

@@ -1,0 +1,214 @@
+#include "KARMPModel.h"
+
+#include "KARMPAxisSystem.h"
+#include "KARMPBody.h"
+#include "KARMPGenericFactory.h"
+#include "KARMPModelCore.h"
+#include "KARMPModelNames.h"
+#include "KARMPVariable.h"
+#include "KARTextConversion.h"
+#include "QOBBasicWorld.h"
+
+#include <utility>
+
+namespace karmp::model {
+
+namespace {
+
+using Entity = QOBSharedHandle<KARMPEntity>;
+
+QOBSharedHandle<KARMPWorld> NewWorld(std::string_view name)
+{
+    return KARMPWorld::create(QOBBasicWorld::create(kar::ToWide(name)));
+}
+
+// Unless it has one, a global gets the identifier that documents give it.
+template <class T>
+void IdentifyGlobal(const KARMPWorld& world,
+                    KARStatus (KARMPWorld::*get)(QOBSharedHandle<T>&) const,
+                    const wchar_t* identifier)
+{
+    QOBSharedHandle<T> global;
+    (world.*get)(global);
+    if (global && IdentifierIfGiven(*global) == nullptr)
+        global->SetIdentifier(identifier);
+}
+
+} // namespace
+
+Model::Model(std::string_view name, const ModelOptions& options, Where where)
+    : Model(NewWorld(name), where)
+{
+    const QOBSharedHandle<KARMPWorld>& world = m_core->World();
+    m_core->Perform(where, [&](Edit& edit) {
+        const bool isSet = !KARFailed(world->SetLengthUnit(KARMPUnit::Meter)) &&
+                           !KARFailed(world->SetLinearTolerance(options.linearTolerance)) &&
+                           !KARFailed(world->SetAngularTolerance(options.angularTolerance)) &&
+                           !KARFailed(world->SetGravity(options.gravity));
+        return isSet || edit.Fail("the settings of the world failed");
+    });
+}
+
+Model::Model(const QOBSharedHandle<KARMPWorld>& world, Where where)
+    : m_core(std::make_unique<Core>(world))
+{
+    m_core->Perform(
+        where,
+        [&](Edit& edit) {
+            if (!world)
+                return edit.Fail("there is no world");
+            IdentifyGlobal(*world, &KARMPWorld::GetGlobalBody, L"GlobalBody");
+            IdentifyGlobal(*world, &KARMPWorld::GetGlobalAxisSystem, L"GlobalAxisSystem");
+            IdentifyGlobal(*world, &KARMPWorld::GetGlobalTime, L"GlobalTime");
+            if (KARFailed(documents::CompleteWorld(*world)))
+                return edit.Fail("the globals of the world cannot be listed", KAROutOfMemory);
+            // What stands under the basic world ends with it.
+            const QOBSharedHandle<QOBBasicEntity> parent(world->getExtendible());
+            m_core->ForEach(
+                -1,
+                [&](const Entity& entity) {
+                    if (!entity->getWorld())
+                        parent->addLogicalChild(entity);
+                });
+            return true;
+        });
+}
+
+Model::Model(Model&& other) noexcept = default;
+Model& Model::operator=(Model&& other) noexcept = default;
+Model::~Model() = default;
+
+const QOBSharedHandle<KARMPWorld>& Model::World() const
+{
+    return m_core->World();
+}
+
+const std::vector<Problem>& Model::Problems() const
+{
+    return m_core->Problems();
+}
+
+void Model::ClearProblems()
+{
+    m_core->Problems().clear();
+}
+
+Ref<KARMPBody> Model::Ground() const
+{
+    QOBSharedHandle<KARMPBody> body;
+    World()->GetGroundBody(body);
+    if (!body)
+        World()->GetGlobalBody(body);
+    return Ref<KARMPBody>(body);
+}
+
+Ref<KARMPVariable> Model::Time() const
+{
+    QOBSharedHandle<KARMPVariable> time;
+    World()->GetGlobalTime(time);
+    return Ref<KARMPVariable>(time);
+}
+
+Model::Entity Model::AddEntity(const QOBClassInfo& info, std::string_view identifier, Where where)
+{
+    Entity entity;
+    m_core->Perform(where, [&](Edit& edit) {
+        entity = edit.Create(info, kar::ToWide(identifier));
+        return static_cast<bool>(entity);
+    });
+    return entity;
+}
+
+Ref<KARMPEntity> Model::Add(std::string_view className, std::string_view identifier, Where where)
+{
+    Entity entity;
+    m_core->Perform(where, [&](Edit& edit) {
+        // The factory knows classes by name alone, so that one entity tells the record.
+        const auto names = KARMPFactory::GetClassNames();
+        const std::string nearest = NearestName(className, names);
+        if (nearest != className)
+            return edit.Fail("there is no class \"" + std::string(className) + '"' +
+                             (nearest.empty() ? nearest : "; near: \"" + nearest + '"'));
+        Entity sample;
+        if (KARFailed(KARMPFactory::Create(className, sample)) || !sample)
+            return edit.Fail("a " + std::string(className) + " cannot be made");
+        entity = edit.Create(sample->getClassInfo(), kar::ToWide(identifier));
+        return static_cast<bool>(entity);
+    });
+    return Ref<KARMPEntity>(entity);
+}
+
+bool Model::Link(const Ref<KARMPEntity>& first, const Ref<KARMPEntity>& second,
+                 std::string_view item, Where where)
+{
+    return m_core->Perform(
+        where,
+        [&](Edit& edit) { return edit.Link(first.Handle(), second.Handle(), kar::ToWide(item)); });
+}
+
+bool Model::Unlink(const Ref<KARMPEntity>& first, const Ref<KARMPEntity>& second,
+                   std::string_view item, Where where)
+{
+    return m_core->Perform(
+        where,
+        [&](Edit& edit) {
+            return edit.Unlink(first.Handle(), second.Handle(), kar::ToWide(item));
+        });
+}
+
+bool Model::Rename(const Ref<KARMPEntity>& entity, std::string_view name, Where where)
+{
+    return m_core->Perform(
+        where, [&](Edit& edit) { return edit.Rename(entity.Handle(), kar::ToWide(name)); });
+}
+
+Model::Entity Model::FindEntity(bool (*fits)(const KARMPEntity&), std::string_view key) const
+{
+    const std::wstring wide = kar::ToWide(key);
+    if (KARMPEntity* const entity = m_core->FindByIdentifier(wide);
+        entity != nullptr && fits(*entity))
+        return Entity(entity);
+    auto found = m_core->FindByKey(wide, fits);
+    return found.size() == 1 ? std::move(found.front()) : Entity();
+}
+
+Model::Entity Model::GetEntity(bool (*fits)(const KARMPEntity&), const std::string& className,
+                               std::string_view key, Where where, Outcome& problem) const
+{
+    auto found = m_core->FindByKey(kar::ToWide(key), fits);
+    if (found.size() == 1)
+        return std::move(found.front());
+    const std::string quoted = '"' + std::string(key) + '"';
+    std::string text;
+    if (found.size() > 1) {
+        text = NumberWord(found.size()) + ' ' + className + " have the name " + quoted;
+    } else {
+        std::vector<std::string> names;
+        m_core->ForEach(-1, [&](const Entity& entity) {
+            if (!fits(*entity))
+                return;
+            names.push_back(kar::ToUtf8(entity->getEntityName()));
+            if (const std::wstring* const identifier = IdentifierIfGiven(*entity))
+                names.push_back(kar::ToUtf8(*identifier));
+        });
+        const std::string nearest = NearestName(key, names);
+        text = "there is no " + className + ' ' + quoted +
+               (nearest.empty() ? nearest : "; near: \"" + nearest + '"');
+    }
+    problem = Outcome(Problem{std::move(text), KARFailure, where});
+    return {};
+}
+
+void Model::Collect(int family, bool (*fits)(const KARMPEntity&),
+                    void (*add)(void* list, Entity&& entity),
+                    void (*reserve)(void* list, std::size_t count), void* list) const
+{
+    if (fits == nullptr)
+        reserve(list, AllFamilies()[static_cast<std::size_t>(family)].count(*World()));
+    m_core->ForEach(family, [&](Entity&& entity) {
+        if (fits == nullptr || fits(*entity))
+            add(list, std::move(entity));
+    });
+}
+
+} // namespace karmp::model

@@ -1,0 +1,212 @@
+// Bodies, what they carry, and variables.
+#include "KARMPAxisSystem.h"
+#include "KARMPBody2D.h"
+#include "KARMPConstraint.h"
+#include "KARMPJoint2D.h"
+#include "KARMPJointTable.h"
+#include "KARMPModel.h"
+#include "KARMPModelCore.h"
+#include "KARMPModelPlacing.h"
+#include "KARMPPoint.h"
+#include "KARMPPoint2D.h"
+#include "KARMPSketch.h"
+#include "KARMPVariable.h"
+#include "KARTextConversion.h"
+
+#include <cmath>
+
+namespace karmp::model {
+
+namespace {
+
+// The first direction looks at the point, the third is as near to the world's as it can be.
+std::optional<KARMathTransformation> Looking(const KARMathPoint& at, const KARMathPoint& towards)
+{
+    KARMathVector first = towards - at;
+    if (!first.Normalize())
+        return {};
+    KARMathVector third(0.0, 0.0, 1.0);
+    third = third - first * third.Dot(first);
+    constexpr double nearlyUpright = 1e-6;
+    if (third.Norm() < nearlyUpright)
+        third = KARMathVector(0.0, 1.0, 0.0) - first * first.GetY();
+    third.Normalize();
+    return KARMathTransformation(KARMathAxis(at, first, third.Cross(first), third));
+}
+
+std::optional<KARMathTransformation2D> Looking(const KARMathPoint2D& at,
+                                               const KARMathPoint2D& towards)
+{
+    const KARMathVector2D way = towards - at;
+    const double length = way.Norm();
+    if (!(length > 0.0))
+        return {};
+    const double c = way.GetX() / length;
+    const double s = way.GetY() / length;
+    return KARMathTransformation2D({{c, s}, {-s, c}}, at - KARMathPoint2D());
+}
+
+KARMathTransformation Moved(const KARMathPoint& at)
+{
+    return KARMathTransformation(at - KARMathPoint());
+}
+KARMathTransformation2D Moved(const KARMathPoint2D& at)
+{
+    KARMathTransformation2D position;
+    position.SetVector(at - KARMathPoint2D());
+    return position;
+}
+
+KARStatus Place(KARMPBody& body, const KARMathTransformation& position)
+{
+    return body.SetPosition(position, 0);
+}
+KARStatus Place(KARMPBody2D& body, const KARMathTransformation2D& position)
+{
+    return body.SetPosition(position);
+}
+KARStatus FixBody(KARMPBody& body)
+{
+    return body.Fix();
+}
+KARStatus FixBody(KARMPBody2D& body)
+{
+    return body.Fix2D();
+}
+
+// Does to a new body what its options say.
+template <class Body, class Options>
+bool Apply(Edit& edit, Body& body, const Options& options)
+{
+    auto position = options.position;
+    if (!position && options.towards) {
+        using Point = std::remove_cvref_t<decltype(*options.at)>;
+        position = Looking(options.at.value_or(Point()), *options.towards);
+        if (!position)
+            return edit.Fail(TitleOf(body) + " looks at its own origin");
+    } else if (!position && options.at) {
+        position = Moved(*options.at);
+    }
+    return (!position || edit.Check(Place(body, *position), "the position", body)) &&
+           (options.mass == 0.0 || edit.Check(body.SetMass(options.mass), "the mass", body)) &&
+           (!options.centerOfGravity ||
+            edit.Check(body.SetCenterOfGravity(*options.centerOfGravity), "the centre", body)) &&
+           (!options.inertia ||
+            edit.Check(body.SetInertiaMatrix(*options.inertia), "the inertia", body)) &&
+           (!options.isFixed || edit.Check(FixBody(body), "fixing", body));
+}
+
+} // namespace
+
+BodyOptions Rod(double mass, const KARMathPoint& from, const KARMathPoint& to)
+{
+    const double length = (to - from).Norm();
+    const double across = mass * length * length / 12.0;
+    return {.mass = mass,
+            .at = from,
+            .towards = to,
+            .centerOfGravity = KARMathPoint(length / 2.0, 0.0, 0.0),
+            .inertia = KARMath3x3Matrix({0.0, 0.0, 0.0}, {0.0, across, 0.0}, {0.0, 0.0, across})};
+}
+
+PlanarBodyOptions Rod(double mass, const KARMathPoint2D& from, const KARMathPoint2D& to)
+{
+    const double length = (to - from).Norm();
+    return {.mass = mass,
+            .at = from,
+            .towards = to,
+            .centerOfGravity = KARMathPoint2D(length / 2.0, 0.0),
+            .inertia = KARMath2x2Matrix({0.0, 0.0}, {0.0, mass * length * length / 12.0})};
+}
+
+std::optional<KARMathPoint> MeetingPoint(const KARMathPoint& from, double distance,
+                                         const KARMathPoint& to, double otherDistance)
+{
+    const KARMathVector way = to - from;
+    const double length = way.Norm();
+    const double along =
+        (distance * distance - otherDistance * otherDistance + length * length) / (2.0 * length);
+    const double square = distance * distance - along * along;
+    if (!(length > 0.0) || square < 0.0)
+        return {};
+    const KARMathVector unit = way * (1.0 / length);
+    return from + unit * along + KARMathVector(-unit.GetY(), unit.GetX(), 0.0) * std::sqrt(square);
+}
+
+Ref<KARMPBody> Model::Body(std::string_view identifier, const BodyOptions& options, Where where)
+{
+    QOBSharedHandle<KARMPBody> body;
+    const bool isMade = m_core->Perform(where, [&](Edit& edit) {
+        body = edit.Create<KARMPBody>(kar::ToWide(identifier));
+        return body && Apply(edit, *body, options);
+    });
+    return isMade ? Ref<KARMPBody>(std::move(body)) : Ref<KARMPBody>();
+}
+
+Ref<KARMPBody2D> Model::PlanarBody(std::string_view identifier, const PlanarBodyOptions& options,
+                                   Where where)
+{
+    QOBSharedHandle<KARMPBody2D> body;
+    const bool isMade = m_core->Perform(where, [&](Edit& edit) {
+        const auto ground = PlanarGroundOf(edit);
+        if (!ground)
+            return false;
+        body = edit.Create<KARMPBody2D>(kar::ToWide(identifier));
+        QOBSharedHandle<KARMPSketch> sketch;
+        return body && edit.Check(ground->GetSketch(sketch), "the sketch", *ground) &&
+               edit.Check(body->SetSketch(sketch), "the sketch", *body) &&
+               Apply(edit, *body, options);
+    });
+    return isMade ? Ref<KARMPBody2D>(std::move(body)) : Ref<KARMPBody2D>();
+}
+
+Ref<KARMPBody2D> Model::PlanarGround(Where where)
+{
+    QOBSharedHandle<KARMPBody2D> ground;
+    const bool isMade = m_core->Perform(where, [&](Edit& edit) {
+        ground = PlanarGroundOf(edit);
+        return static_cast<bool>(ground);
+    });
+    return isMade ? Ref<KARMPBody2D>(std::move(ground)) : Ref<KARMPBody2D>();
+}
+
+Ref<KARMPAxisSystem> Model::Frame(std::string_view identifier, const Ref<KARMPBody>& body,
+                                  const KARMathAxis& axis, Where where)
+{
+    QOBSharedHandle<KARMPAxisSystem> frame;
+    const bool isMade = m_core->Perform(where, [&](Edit& edit) {
+        frame = QOBSharedHandle<KARMPAxisSystem>::unchecked(
+            MountOn(edit, KARMPAxisSystem::ClassInfo(), kar::ToWide(identifier), body.Handle()));
+        const auto inverse = frame ? IntoBody(edit, *body) : std::nullopt;
+        return inverse && edit.Check(frame->SetAxisSystem(*inverse * axis), "the axes", *frame);
+    });
+    return isMade ? Ref<KARMPAxisSystem>(std::move(frame)) : Ref<KARMPAxisSystem>();
+}
+
+Ref<KARMPPoint> Model::Point(std::string_view identifier, const Ref<KARMPBody>& body,
+                             const KARMathPoint& position, Where where)
+{
+    QOBSharedHandle<KARMPPoint> point;
+    const bool isMade = m_core->Perform(where, [&](Edit& edit) {
+        point = QOBSharedHandle<KARMPPoint>::unchecked(
+            MountOn(edit, KARMPPoint::ClassInfo(), kar::ToWide(identifier), body.Handle()));
+        const auto inverse = point ? IntoBody(edit, *body) : std::nullopt;
+        return inverse && edit.Check(point->SetPoint(*inverse * position), "the position", *point);
+    });
+    return isMade ? Ref<KARMPPoint>(std::move(point)) : Ref<KARMPPoint>();
+}
+
+Ref<KARMPPoint2D> Model::Point(std::string_view identifier, const Ref<KARMPBody2D>& body,
+                               const KARMathPoint2D& position, Where where)
+{
+    QOBSharedHandle<KARMPPoint2D> point;
+    const bool isMade = m_core->Perform(where, [&](Edit& edit) {
+        point = QOBSharedHandle<KARMPPoint2D>::unchecked(
+            MountOn(edit, KARMPPoint2D::ClassInfo(), kar::ToWide(identifier), body.Handle()));
+        const auto inverse = point ? IntoBody(edit, *body) : std::nullopt;
+        return inverse && edit.Check(point->SetPoint(*inverse * position), "the position", *point);
+    });
+    return isMade ? Ref<KARMPPoint2D>(std::move(point)) : Ref<KARMPPoint2D>();
+}
+
+} // namespace karmp::model

@@ -1,0 +1,87 @@
+#pragma once
+
+#include "KARMPEntityIndex.h"
+#include "KARMPFamilyOperations.h"
+#include "KARMPModelEdit.h"
+#include "KARMPModelResult.h"
+
+#include <array>
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <vector>
+
+namespace karmp::model {
+
+/// True for an entity by the class that a caller wants; null for any.
+using Fits = bool (*)(const KARMPEntity& entity);
+
+/// What a model is made of: its world, the index of its entities, and the problems of its calls.
+class Core
+{
+public:
+    using Entity = QOBSharedHandle<KARMPEntity>;
+
+    explicit Core(QOBSharedHandle<KARMPWorld> world) : m_world(std::move(world)) {}
+
+    const QOBSharedHandle<KARMPWorld>& World() const { return m_world; }
+    const std::vector<Problem>& Problems() const { return m_problems; }
+    std::vector<Problem>& Problems() { return m_problems; }
+
+    /// Does an edit as a whole or not at all: `work` gets the Edit and returns whether it
+    /// succeeded. After a failure, an exception included, all that was done is undone and there is
+    /// one problem more.
+    template <class Work>
+    bool Perform(Where where, Work work)
+    {
+        static_assert(std::is_invocable_r_v<bool, Work, Edit&>);
+        return Perform(where, &work, [](void* called, Edit& edit) {
+            return (*static_cast<Work*>(called))(edit);
+        });
+    }
+
+    /// A new entity that stands under no world.
+    Entity Create(const QOBClassInfo& info) const;
+    /// Adds an entity to the registry of its family, places it, and enters it into the index.
+    KARStatus File(const Entity& entity, const FamilyOperations& family);
+    /// Takes it out again; it is orphaned.
+    void Unfile(const Entity& entity, const FamilyOperations& family);
+
+    /// The entity of an identifier, null without one.
+    KARMPEntity* FindByIdentifier(std::wstring_view identifier);
+    /// Those that a key names: the one of that identifier, otherwise all of that name.
+    std::vector<Entity> FindByKey(std::wstring_view key, Fits fits);
+    /// Calls `visit` with each entity of the world, or of one family.
+    template <class Visit>
+    void ForEach(int family, Visit visit) const
+    {
+        const auto all = AllFamilies();
+        for (std::size_t i = 0; i < all.size(); ++i) {
+            if (family >= 0 && static_cast<std::size_t>(family) != i)
+                continue;
+            const std::size_t count = all[i].count(*m_world);
+            for (std::size_t index = 0; index < count; ++index)
+                if (Entity entity = all[i].at(*m_world, index))
+                    visit(std::move(entity));
+        }
+    }
+
+private:
+    static constexpr std::size_t FamilyCount = 19;
+
+    bool Perform(Where where, void* work, bool (*call)(void* work, Edit& edit));
+    void RefreshIndex();
+
+    QOBSharedHandle<KARMPWorld> m_world;
+    EntityIndex m_index;
+    /// How many entities of each family the index knows.
+    std::array<std::size_t, FamilyCount> m_known{};
+    std::vector<Problem> m_problems;
+    EditLog m_log;
+};
+
+/// KARMPBody "Crank", with the identifier in brackets where it is another text.
+std::string TitleOf(const KARMPEntity& entity);
+
+} // namespace karmp::model

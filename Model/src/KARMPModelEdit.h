@@ -1,0 +1,87 @@
+#pragma once
+
+#include "KARMPEntity.h"
+#include "KARMPModelResult.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace karmp::model {
+
+class Core;
+struct FamilyOperations;
+struct HalfLink;
+
+/// What an edit has done, in order, for undoing it.
+struct EditStep
+{
+    enum class Kind : std::uint8_t { Nothing, Filed, Linked, Unlinked, Renamed };
+
+    Kind kind = Kind::Nothing;
+    QOBSharedHandle<KARMPEntity> entity = nullptr;
+    QOBSharedHandle<KARMPEntity> target = nullptr;
+    const FamilyOperations* family = nullptr;
+    const HalfLink* half = nullptr;
+    /// The word that an entry had that was unlinked.
+    int word = -1;
+    std::wstring name = {};
+};
+using EditLog = std::vector<EditStep>;
+
+/// One call that changes a model. What it did is undone, backwards, unless it is committed.
+class Edit
+{
+public:
+    using Entity = QOBSharedHandle<KARMPEntity>;
+
+    Edit(Core& core, EditLog& log) : m_core(core), m_log(log) {}
+    ~Edit();
+    Edit(const Edit&) = delete;
+    Edit& operator=(const Edit&) = delete;
+
+    Core& Model() { return m_core; }
+    void Commit() { m_log.clear(); }
+
+    /// Keeps the first reason for which the edit fails; always false.
+    bool Fail(std::string text, KARStatus status = KARFailure);
+    /// True for a status that is no failure; otherwise fails with what could not be done.
+    bool Check(KARStatus status, std::string_view what, const KARMPEntity& entity);
+    const std::optional<Problem>& Reason() const { return m_reason; }
+
+    /// A new entity of a class, named, identified, placed and filed; null after a failure.
+    Entity Create(const QOBClassInfo& info, std::wstring_view identifier);
+    template <class T>
+    QOBSharedHandle<T> Create(std::wstring_view identifier)
+    {
+        return QOBSharedHandle<T>::unchecked(Create(T::ClassInfo(), identifier));
+    }
+    /// True for a handle on an entity that is not deleted; otherwise fails.
+    bool IsThere(const QOBSharedBase& entity, std::string_view role);
+
+    /// Makes both halves of a link; `item` chooses among several links of the two classes, `word`
+    /// is that of a joint's body, -1 for the next one in order.
+    bool Link(const Entity& first, const Entity& second, std::wstring_view item = {},
+              int word = -1);
+    /// Takes both halves of all links between two entities, or of those by an item; false when
+    /// there is none.
+    bool Unlink(const Entity& first, const Entity& second, std::wstring_view item = {});
+    bool Rename(const Entity& entity, std::wstring_view name);
+
+    /// Makes, or drops, one half.
+    bool LinkHalf(const HalfLink& half, const Entity& owner, const Entity& target, int word);
+    bool UnlinkHalf(const HalfLink& half, const Entity& owner, const Entity& target,
+                    bool& wasLinked);
+
+private:
+    void Undo(EditStep& step);
+    EditStep& NextStep();
+
+    Core& m_core;
+    EditLog& m_log;
+    std::optional<Problem> m_reason;
+};
+
+} // namespace karmp::model

@@ -1,0 +1,102 @@
+#include "KARMPModelPlacing.h"
+
+#include "KARMPBody2D.h"
+#include "KARMPGeometry2D.h"
+#include "KARMPModelCore.h"
+#include "KARMPSketch.h"
+
+#include <cmath>
+#include <utility>
+
+namespace karmp::model {
+
+namespace {
+
+constexpr std::wstring_view SketchIdentifier = L"Sketch";
+constexpr std::wstring_view FrameIdentifier = L"Frame";
+
+template <class Transformation, class Body>
+std::optional<Transformation> InverseOf(Edit& edit, const Body& body)
+{
+    Transformation position;
+    Transformation inverse;
+    if (!edit.Check(body.GetPosition(position), "the position", body))
+        return {};
+    if (!position.ComputeInverse(inverse)) {
+        edit.Fail("the position of " + TitleOf(body) + " has no inverse");
+        return {};
+    }
+    return inverse;
+}
+
+} // namespace
+
+std::optional<KARMathAxis> FrameAlong(const KARMathPoint& origin, const KARMathVector& axis)
+{
+    KARMathVector third = axis;
+    if (!third.Normalize())
+        return {};
+    const double x = std::abs(third.GetX());
+    const double y = std::abs(third.GetY());
+    const double z = std::abs(third.GetZ());
+    KARMathVector first = x > y && x > z ? KARMathVector(0.0, 1.0, 0.0)
+                          : y > z        ? KARMathVector(0.0, 0.0, 1.0)
+                                         : KARMathVector(1.0, 0.0, 0.0);
+    first = first - third * first.Dot(third);
+    first.Normalize();
+    return KARMathAxis(origin, first, third.Cross(first), third);
+}
+
+std::optional<KARMathTransformation> IntoBody(Edit& edit, const KARMPBody& body)
+{
+    return InverseOf<KARMathTransformation>(edit, body);
+}
+
+std::optional<KARMathTransformation2D> IntoBody(Edit& edit, const KARMPBody2D& body)
+{
+    return InverseOf<KARMathTransformation2D>(edit, body);
+}
+
+Edit::Entity MountOn(Edit& edit, const QOBClassInfo& geometry, std::wstring_view identifier,
+                     const Edit::Entity& body)
+{
+    if (!edit.IsThere(body, "body"))
+        return {};
+    std::wstring name;
+    if (!edit.Check(body->GetIdentifier(name), "the identifier", *body))
+        return {};
+    name += L'.';
+    name += identifier;
+    Edit::Entity mounted = edit.Create(geometry, name);
+    if (!mounted || !edit.Link(mounted, body))
+        return {};
+    auto* const planar = dynamic_cast<KARMPGeometry2D*>(mounted.get());
+    const auto* const planarBody = dynamic_cast<const KARMPBody2D*>(body.get());
+    QOBSharedHandle<KARMPSketch> sketch;
+    if (planar != nullptr && planarBody != nullptr && !KARFailed(planarBody->GetSketch(sketch)) &&
+        !edit.Check(planar->SetSketch(sketch), "the sketch", *planar))
+        return {};
+    return mounted;
+}
+
+QOBSharedHandle<KARMPBody2D> PlanarGroundOf(Edit& edit)
+{
+    using Body = QOBSharedHandle<KARMPBody2D>;
+    Core& core = edit.Model();
+    if (auto* const frame = dynamic_cast<KARMPBody2D*>(core.FindByIdentifier(FrameIdentifier)))
+        return Body(frame);
+    QOBSharedHandle<KARMPBody> ground;
+    core.World()->GetGroundBody(ground);
+    if (!ground)
+        core.World()->GetGlobalBody(ground);
+    const auto sketch = edit.Create<KARMPSketch>(SketchIdentifier);
+    if (!sketch || !edit.Link(sketch, ground))
+        return {};
+    Body frame = edit.Create<KARMPBody2D>(FrameIdentifier);
+    if (!frame || !edit.Check(frame->SetSketch(sketch), "the sketch", *frame) ||
+        !edit.Check(frame->Fix2D(), "fixing", *frame))
+        return {};
+    return frame;
+}
+
+} // namespace karmp::model

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "KARMPModelEdit.h"
+#include "KARMPModelOptions.h"
+#include "KARMathAxis.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+class KARMPBody;
+class KARMPBody2D;
+class KARMPGeometry;
+class KARMPSketch;
+
+namespace karmp::model {
+
+/// The axis system at a point whose third direction is an axis; nothing for an axis without length.
+/// Along an axis of the world all directions are the world's, exchanged in a circle.
+std::optional<KARMathAxis> FrameAlong(const KARMathPoint& origin, const KARMathVector& axis);
+
+/// A geometry of a class on a body: named after it, linked to it on both sides, and lying in the
+/// body's sketch, if it is planar. Null after a failure.
+Edit::Entity MountOn(Edit& edit, const QOBClassInfo& geometry, std::wstring_view identifier,
+                     const Edit::Entity& body);
+
+/// What is at a point of the world, in body axes; nothing, and a failed edit, when the position of
+/// the body has no inverse.
+std::optional<KARMathTransformation> IntoBody(Edit& edit, const KARMPBody& body);
+std::optional<KARMathTransformation2D> IntoBody(Edit& edit, const KARMPBody2D& body);
+
+/// The frame of planar mechanisms, made with its sketch on first need; null after a failure.
+QOBSharedHandle<KARMPBody2D> PlanarGroundOf(Edit& edit);
+
+} // namespace karmp::model

@@ -1,0 +1,296 @@
+#include "ModelTesting.h"
+
+#include <sstream>
+
+using namespace karmp::model;
+
+namespace {
+
+using ModelTest = KARMPTestFixture;
+
+TEST_F(ModelTest, NewModelIsInMetresAndHasGroundAndTime)
+{
+    const Model model("Empty", {.gravity = {0.0, 0.0, -9.81}});
+    KARMPUnit::Enum unit{};
+    KARMathVector gravity;
+    model.World()->GetLengthUnit(unit);
+    model.World()->GetGravity(gravity);
+    EXPECT_EQ(unit, KARMPUnit::Meter);
+    EXPECT_EQ(gravity, KARMathVector(0.0, 0.0, -9.81));
+    EXPECT_TRUE(model.Ground());
+    EXPECT_TRUE(model.Time());
+    EXPECT_EQ(model.Find<KARMPBody>("GlobalBody"), model.Ground());
+    EXPECT_EQ(Lines(model.Check()), "");
+}
+
+TEST_F(ModelTest, AddedEntityIsNamedIdentifiedPlacedAndFiled)
+{
+    Model model("M");
+    const Ref<KARMPLinearSpring> spring = model.Add<KARMPLinearSpring>("Feder-\xC3\xA4");
+    ASSERT_TRUE(spring);
+    std::wstring identifier;
+    spring->GetIdentifier(identifier);
+    EXPECT_EQ(identifier, L"Feder-\u00E4");
+    EXPECT_EQ(spring->getEntityName(), L"Feder-\u00E4");
+    EXPECT_TRUE(spring->getWorld());
+    EXPECT_EQ(model.World()->Count<KARMPConnector>(), 1);
+    EXPECT_EQ(model.Find<KARMPConnector>("Feder-\xC3\xA4"), spring);
+}
+
+TEST_F(ModelTest, IdentifierThatIsTakenIsAProblemWithTheCallersLine)
+{
+    Model model("M");
+    model.Body("Crank");
+    const std::string before = TextOf(model);
+    const int line = __LINE__ + 1;
+    EXPECT_FALSE(model.Add<KARMPMotor>("Crank"));
+    ASSERT_EQ(model.Problems().size(), 1U);
+    EXPECT_EQ(model.Problems()[0].text, "\"Crank\" is the identifier of KARMPBody \"Crank\"");
+    EXPECT_EQ(Format(model.Problems()[0]),
+              "ModelTest.cpp:" + std::to_string(line) + ": " + model.Problems()[0].text);
+    model.ClearProblems();
+    EXPECT_TRUE(TextOf(model) == before);
+}
+
+TEST_F(ModelTest, EmptyIdentifierIsAProblem)
+{
+    Model model("M");
+    EXPECT_FALSE(model.Body(""));
+    EXPECT_EQ(model.Problems().size(), 1U);
+}
+
+TEST_F(ModelTest, ClassIsAlsoChosenByName)
+{
+    Model model("M");
+    EXPECT_TRUE(model.Add("KARMPRevolute", "A").As<KARMPRevolute>());
+    EXPECT_FALSE(model.Add("KARMPRevolut", "B"));
+    ASSERT_EQ(model.Problems().size(), 1U);
+    EXPECT_EQ(model.Problems()[0].text,
+              "there is no class \"KARMPRevolut\"; near: \"KARMPRevolute\"");
+}
+
+TEST_F(ModelTest, EntityIsFoundByIdentifierThenByName)
+{
+    Model model("M");
+    const auto a = model.Body("A");
+    const auto b = model.Body("B");
+    EXPECT_TRUE(model.Rename(b, "A"));
+    EXPECT_EQ(model.Find<KARMPBody>("A"), a);
+    EXPECT_EQ(model.Find<KARMPBody>("B"), b);
+    EXPECT_TRUE(model.Rename(b, "C"));
+    EXPECT_EQ(model.Find<KARMPBody>("C"), b);
+    EXPECT_FALSE(model.Find<KARMPJoint>("A"));
+    EXPECT_FALSE(model.Find<KARMPBody>("D"));
+    EXPECT_TRUE(model.Problems().empty());
+}
+
+TEST_F(ModelTest, GetTellsNearNamesAndHowManyHaveAName)
+{
+    Model model("M");
+    for (const char* name : {"A", "B", "C"})
+        model.Rename(model.Body(name), "Rod");
+    model.Body("Rocker");
+    EXPECT_EQ(model.Get<KARMPBody>("Roker").Error().text,
+              "there is no KARMPBody \"Roker\"; near: \"Rocker\"");
+    EXPECT_EQ(model.Get<KARMPBody>("Rod").Error().text, "three KARMPBody have the name \"Rod\"");
+    EXPECT_FALSE(model.Find<KARMPBody>("Rod"));
+    const int line = __LINE__ + 1;
+    EXPECT_EQ(model.Get<KARMPBody>("zzz").Error().where.line, line);
+    EXPECT_EQ(model.Get<KARMPBody>("zzz").Error().text, "there is no KARMPBody \"zzz\"");
+    EXPECT_EQ(*model.Get<KARMPBody>("Rocker"), model.Find<KARMPBody>("Rocker"));
+}
+
+TEST_F(ModelTest, WhatIsAddedAndRemovedPastTheModelIsNoticed)
+{
+    Model model("M");
+    model.Body("A");
+    const auto raw = KARMPBody::create(L"Raw");
+    raw->SetIdentifier(L"Raw");
+    model.World()->Add<KARMPBody>(raw);
+    EXPECT_EQ(model.Find<KARMPBody>("Raw").Handle(), raw);
+    EXPECT_FALSE(model.Body("Raw"));
+    model.World()->Remove<KARMPBody>(raw);
+    EXPECT_FALSE(model.Find<KARMPBody>("Raw"));
+    EXPECT_TRUE(model.Find<KARMPBody>("A"));
+    raw->orphanObject();
+}
+
+TEST_F(ModelTest, LookingUpGivesNoIdentifier)
+{
+    Model model("M");
+    const auto raw = KARMPBody::create(L"Raw");
+    model.World()->Add<KARMPBody>(raw);
+    EXPECT_EQ(model.Find<KARMPBody>("Raw").Handle(), raw);
+    EXPECT_EQ(raw->SetIdentifier(L"Late"), KARSuccess);
+    raw->orphanObject();
+}
+
+TEST_F(ModelTest, AllGivesAFamilyAClassOrEverythingAndStays)
+{
+    Model model("M");
+    const auto a = model.Body("A");
+    const auto b = model.Body("B");
+    model.Joint<KARMPRevolute>("J", a, b, {0.0, 0.0, 0.0});
+    model.Joint<KARMPPrismatic>("K", a, b, {0.0, 0.0, 0.0});
+    const auto bodies = model.All<KARMPBody>();
+    ASSERT_EQ(bodies.size(), 3U);
+    EXPECT_EQ(bodies[1], a);
+    model.Body("C");
+    EXPECT_EQ(bodies.size(), 3U);
+    EXPECT_EQ(model.All<KARMPJoint>().size(), 2U);
+    EXPECT_EQ(model.All<KARMPRevolute>().size(), 1U);
+    EXPECT_EQ(model.All<KARMPAxisSystem>().size(), 5U);
+    EXPECT_EQ(model.All<KARMPEntity>().size(), 4U + 2U + 2U + 5U + 1U);
+}
+
+TEST_F(ModelTest, CallsWithAFalseRefAddAProblemEach)
+{
+    Model model("M");
+    const Ref<KARMPBody> none;
+    EXPECT_FALSE(model.Joint<KARMPRevolute>("J", model.Ground(), none, {0.0, 0.0, 0.0}));
+    EXPECT_FALSE(model.Frame("F", none, {}));
+    EXPECT_FALSE(model.Rename(none, "N"));
+    EXPECT_FALSE(model.Link(none, model.Ground()));
+    ASSERT_EQ(model.Problems().size(), 4U);
+    EXPECT_EQ(model.Problems()[0].text, "there is no child body");
+}
+
+TEST_F(ModelTest, ModelWithProblemsIsNotSaved)
+{
+    Model model("M");
+    const int line = __LINE__ + 1;
+    model.Body("");
+    const auto saved = model.Save("never.xml");
+    EXPECT_FALSE(saved);
+    EXPECT_EQ(saved.Error().where.line, line);
+    std::ostringstream printed;
+    EXPECT_EQ(saved.Report(printed), 1);
+    EXPECT_EQ(printed.str(),
+              "ModelTest.cpp:" + std::to_string(line) + ": a KARMPBody needs an identifier\n");
+    EXPECT_FALSE(std::filesystem::exists("never.xml"));
+}
+
+TEST_F(ModelTest, RefTurnsFalseWithItsModel)
+{
+    Ref<KARMPBody> body;
+    {
+        Model model("M");
+        body = model.Body("A");
+        EXPECT_TRUE(body);
+    }
+    EXPECT_FALSE(body);
+    EXPECT_FALSE(body.As<KARMPBody>());
+}
+
+TEST_F(ModelTest, RefConvertsToBasesAndAsksForDerivedClasses)
+{
+    Model model("M");
+    const auto point = model.Point("P", model.Ground(), {1.0, 2.0, 3.0});
+    const Ref<KARMPEntity> entity = point;
+    EXPECT_EQ(entity, point);
+    EXPECT_EQ(entity.As<KARMPPoint>(), point);
+    EXPECT_FALSE(entity.As<KARMPLine>());
+    EXPECT_EQ(entity.As<KARMPLine>(), nullptr);
+}
+
+using ModelDeathTest = KARMPTestFixture;
+
+TEST_F(ModelDeathTest, AccessThroughAFalseRefStopsWithASentence)
+{
+    const Ref<KARMPBody> none;
+    EXPECT_DEATH(none->IsFixed(), "a reference to no entity was used");
+}
+
+TEST_F(ModelTest, BodyStandsWhereItIsToldAndLooksWhereItIsTold)
+{
+    Model model("M");
+    const auto rod = model.Body("Rod", Rod(2.0, {1.0, 0.0, 0.0}, {1.0, 3.0, 0.0}));
+    KARMathTransformation position;
+    KARMathPoint centre;
+    KARMath3x3Matrix inertia;
+    double mass = 0.0;
+    rod->GetPosition(position);
+    rod->GetCenterOfGravity(centre);
+    rod->GetInertiaMatrix(inertia);
+    rod->GetMass(mass);
+    EXPECT_EQ(position * KARMathPoint(3.0, 0.0, 0.0), KARMathPoint(1.0, 3.0, 0.0));
+    EXPECT_EQ(position * KARMathVector(0.0, 0.0, 1.0), KARMathVector(0.0, 0.0, 1.0));
+    EXPECT_EQ(centre, KARMathPoint(1.5, 0.0, 0.0));
+    EXPECT_EQ(mass, 2.0);
+    EXPECT_EQ(inertia(0, 0), 0.0);
+    EXPECT_EQ(inertia(1, 1), 1.5);
+    EXPECT_FALSE(model.Body("Bad", {.at = KARMathPoint(), .towards = KARMathPoint()}));
+    EXPECT_EQ(model.World()->GetBodyCount(), 2);
+}
+
+TEST_F(ModelTest, FrameIsToldInTheWorldAndKeptInBodyAxes)
+{
+    Model model("M");
+    const auto body = model.Body(
+        "A", {.at = KARMathPoint(1.0, 1.0, 0.0), .towards = KARMathPoint(1.0, 2.0, 0.0)});
+    const auto frame = model.Frame("F", body, KARMathAxis());
+    KARMathAxis axis;
+    frame->GetAxisSystem(axis);
+    EXPECT_EQ(axis.GetOrigin(), KARMathPoint(-1.0, 1.0, 0.0));
+    EXPECT_EQ(axis.GetFirstDirection(), KARMathVector(0.0, -1.0, 0.0));
+    EXPECT_EQ(model.Find<KARMPAxisSystem>("A.F"), frame);
+    QOBSharedHandle<KARMPBody> carrier;
+    frame->GetBody(carrier);
+    EXPECT_EQ(carrier, body.Handle());
+    EXPECT_EQ(body->GetGeometryCount(), 1);
+}
+
+TEST_F(ModelTest, ModelIsSavedAndLoadedAsItWas)
+{
+    Model model("M");
+    const auto body = model.Body("A", {.mass = 0.2, .at = KARMathPoint(0.1, 0.2, 0.3)});
+    model.Joint<KARMPRevolute>("J", model.Ground(), body, {0.1, 0.2, 0.3});
+    ASSERT_TRUE(model.Save("model-test.xml"));
+    const auto loaded = Load("model-test.xml");
+    ASSERT_TRUE(loaded) << loaded.Error().text << Lines(loaded.Findings());
+    EXPECT_TRUE(model.Diff(*loaded).empty());
+    EXPECT_EQ(loaded->All<KARMPEntity>().size(), model.All<KARMPEntity>().size());
+    double mass = 0.0;
+    loaded->Find<KARMPBody>("A")->GetMass(mass);
+    EXPECT_EQ(mass, 0.2);
+    std::filesystem::remove("model-test.xml");
+}
+
+TEST_F(ModelTest, DocumentWithErrorsIsNotLoaded)
+{
+    EXPECT_FALSE(Load("no-such-file.xml"));
+    const auto loaded = LoadText("<KARMPDocument version=\"R2018.1\"><World/>", "broken");
+    EXPECT_FALSE(loaded);
+    EXPECT_EQ(loaded.Error().text, "broken cannot be loaded");
+    EXPECT_FALSE(loaded.Findings().items.empty());
+}
+
+TEST_F(ModelTest, CloneIsAModelOfItsOwn)
+{
+    Model model("M");
+    const auto body = model.Body("A");
+    auto clone = model.Clone();
+    ASSERT_TRUE(clone);
+    EXPECT_TRUE(model.Diff(*clone).empty());
+    clone->Find<KARMPBody>("A")->SetMass(3.0);
+    EXPECT_EQ(model.Diff(*clone).size(), 1U);
+    EXPECT_EQ(model.Diff(*clone)[0].item, L"Weight/Mass");
+}
+
+TEST_F(ModelTest, ExtractHasTheBodiesAndTellsWhatWasCut)
+{
+    Model model("M");
+    const auto a = model.Body("A");
+    const auto b = model.Body("B");
+    const auto c = model.Body("C");
+    model.Joint<KARMPRevolute>("AB", a, b, {0.0, 0.0, 0.0});
+    model.Joint<KARMPRevolute>("BC", b, c, {0.0, 0.0, 0.0});
+    const auto extract = model.Extract(std::array{a, b});
+    ASSERT_TRUE(extract);
+    EXPECT_TRUE(extract->model.Find<KARMPJoint>("AB"));
+    EXPECT_FALSE(extract->model.Find<KARMPJoint>("BC"));
+    EXPECT_FALSE(extract->cutLinks.empty());
+    EXPECT_FALSE(model.Extract(std::array{Ref<KARMPBody>()}));
+}
+
+} // namespace
