@@ -250,10 +250,10 @@ std::array<Cost, 4> CostsOfHub(int count)
         }
     });
     TestSerializer root;
-    costs[1] = CostOf([&] { model->world->Serialize(&root); });
+    costs[1] = CostOf([&] { EXPECT_EQ(model->world->Serialize(&root), KARSuccess); });
     const auto tree = TestDeserializer::From(root);
     Model read;
-    costs[2] = CostOf([&] { read.world->Deserialize(tree.get()); });
+    costs[2] = CostOf([&] { EXPECT_EQ(read.world->Deserialize(tree.get()), KARSuccess); });
     EXPECT_EQ(read.world->Count<KARMPConnector>(), count);
     costs[3] = CostOf([&] { model.reset(); });
     return costs;
