@@ -6,11 +6,13 @@
 #include "KARMPEntity.h"
 #include "KARMPFailedCheck.h"
 #include "KARMPGenericFactory.h"
+#include "KARMPNearestWord.h"
 #include "KARMPNodeQueries.h"
 #include "KARMPSchemaClasses.h"
 #include "KARMPSerializationServices.h"
 #include "KARMPTextEscapes.h"
 #include "KARMPValueFaults.h"
+#include "KARMPVersions.h"
 #include "KARTextConversion.h"
 
 #include <algorithm>
@@ -47,19 +49,45 @@ std::vector<std::wstring_view> NamesOf(const std::vector<SchemaItem>& items,
     return names;
 }
 
+// Of a misspelt name the missing item is not told besides; a required one makes it an error.
+Severity SeverityOfUnknown(const SchemaItem* missing)
+{
+    return missing != nullptr && missing->presence == ItemPresence::Required ? Severity::Error
+                                                                             : Severity::Warning;
+}
+
+// The item of a name at a version; null when there is none.
+const SchemaItem* ItemNamed(const std::vector<SchemaItem>& items, std::wstring_view name,
+                            std::wstring_view version)
+{
+    const auto found = std::find_if(items.begin(), items.end(), [&](const SchemaItem& item) {
+        return !name.empty() && item.name == name && item.Applies(version);
+    });
+    return found != items.end() ? &*found : nullptr;
+}
+
 } // namespace
+
+std::wstring VersionMeant(std::wstring_view version)
+{
+    const std::vector<std::wstring_view>& known = KnownVersions();
+    const bool isKnown = std::find(known.begin(), known.end(), version) != known.end();
+    const std::wstring_view nearest = isKnown ? version : NearestWord(version, known);
+    return std::wstring(nearest.empty() ? version : nearest);
+}
 
 DocumentChecker::DocumentChecker(const KARMPDocumentReader& root, Messages& messages,
                                  CheckLevel level)
     : m_root(root), m_messages(messages), m_version(root.Version())
 {
-    if (level == CheckLevel::Mechanism)
-        m_rules.emplace(
-            m_identifiers,
-            [this](Code code, const Node& entity, const RulePlace& place, std::string text) {
-                TellAt(code == Code::EquationText ? Severity::Error : Severity::Warning, code,
-                       entity, place, std::move(text));
-            });
+    if (level != CheckLevel::Mechanism)
+        return;
+    m_version = VersionMeant(m_version);
+    m_rules.emplace(m_identifiers, [this](Code code, const Node& entity, const RulePlace& place,
+                                          std::string text) {
+        TellAt(code == Code::EquationText ? Severity::Error : Severity::Warning, code, entity,
+               place, std::move(text));
+    });
 }
 
 void DocumentChecker::Run()
@@ -80,11 +108,11 @@ void DocumentChecker::CollectIdentifiers()
     const KARMPDeserializer* const world = First(m_root, L"World");
     if (world == nullptr)
         return;
-    m_frames.push_back({&m_root, nullptr, nullptr, 0, 0, 0, 0, 0});
-    m_frames.push_back({&NodeOf(*world), nullptr, nullptr, 0, 0, 0, 0, 0});
+    m_frames.push_back({&m_root, nullptr, nullptr, 0, 0, 0, 0, 0, 0});
+    m_frames.push_back({&NodeOf(*world), nullptr, nullptr, 0, 0, 0, 0, 0, 0});
     for (const Family& family : Families()) {
         if (const KARMPDeserializer* const list = First(*world, family.element)) {
-            m_frames.push_back({&NodeOf(*list), nullptr, nullptr, 0, 0, 0, 0, 0});
+            m_frames.push_back({&NodeOf(*list), nullptr, nullptr, 0, 0, 0, 0, 0, 0});
             m_pending.clear();
             list->AppendOrderedElements(m_pending);
             for (const KARMPDeserializer* entity : m_pending) {
@@ -148,7 +176,7 @@ bool DocumentChecker::Push(const Node& node, const SchemaItem* item, const Famil
     node.AppendOrderedElements(m_pending);
     if (m_pending.size() == begin && (item == nullptr || item->elements.empty()))
         return false;
-    m_frames.push_back({&node, item, family, begin, begin, m_pending.size(), 0, 0});
+    m_frames.push_back({&node, item, family, begin, begin, m_pending.size(), 0, 0, 0});
     m_listed.clear();
     return true;
 }
@@ -160,7 +188,7 @@ void DocumentChecker::Pop()
         for (std::size_t index = 0; index < frame.item->elements.size(); ++index) {
             const SchemaItem& item = frame.item->elements[index];
             if (item.presence != ItemPresence::Optional && Applies(item) &&
-                (frame.seen >> index & 1U) == 0)
+                ((frame.seen | frame.misspelt) >> index & 1U) == 0)
                 TellMissing(*frame.node, item, Code::MissingElement, "element");
         }
     }
@@ -216,9 +244,13 @@ const SchemaItem* DocumentChecker::FindElement(Frame& frame, const Node& child)
         Tell(Severity::Warning, Code::OtherVersion, child,
              "the element " + Quoted(name) + " is not read at the version of the document");
     } else {
-        Tell(Severity::Warning, Code::UnknownElement, child,
-             "nothing reads the element " + Quoted(name) +
-                 Suggestion(name, NamesOf(items, m_version)));
+        const std::wstring_view nearest = NearestWord(name, NamesOf(items, m_version));
+        const SchemaItem* const item = ItemNamed(items, nearest, m_version);
+        const bool isMissing = item != nullptr && First(*frame.node, nearest) == nullptr;
+        if (isMissing)
+            frame.misspelt |= std::uint64_t{1} << (item - items.data());
+        Tell(SeverityOfUnknown(isMissing ? item : nullptr), Code::UnknownElement, child,
+             "nothing reads the element " + Quoted(name) + Suggestion(nearest));
     }
     return nullptr;
 }
@@ -309,10 +341,13 @@ void DocumentChecker::CheckAttributes(const Node& node, const SchemaItem& item)
             std::find_if(items.begin(), items.end(),
                          [name](const SchemaItem& entry) { return entry.name == name; });
         if (found == items.end()) {
-            Tell(Severity::Warning, Code::UnknownAttribute, node,
-                 "nothing reads the attribute " + Quoted(name) +
-                     Suggestion(name, NamesOf(items, m_version)),
-                 name);
+            const std::wstring_view nearest = NearestWord(name, NamesOf(items, m_version));
+            const SchemaItem* const entry = ItemNamed(items, nearest, m_version);
+            const bool isMissing = entry != nullptr && !node.HasAttribute(nearest);
+            if (isMissing)
+                seen |= std::uint64_t{1} << (entry - items.data());
+            Tell(SeverityOfUnknown(isMissing ? entry : nullptr), Code::UnknownAttribute, node,
+                 "nothing reads the attribute " + Quoted(name) + Suggestion(nearest), name);
             continue;
         }
         seen |= std::uint64_t{1} << (found - items.begin());

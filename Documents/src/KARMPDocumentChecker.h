@@ -18,6 +18,10 @@
 
 namespace karmp::documents {
 
+/// The known version that a version is, or that it is near to; itself when none is near. A check
+/// takes it, so that a misspelt version is one finding, without the items that it lacks.
+std::wstring VersionMeant(std::wstring_view version);
+
 /// One run over one tree, in time and memory linear in it and without recursion. It keeps nothing
 /// of what is made of the entities meanwhile.
 class DocumentChecker
@@ -66,6 +70,8 @@ private:
         std::size_t likely;
         /// One bit for each of the item's elements.
         std::uint64_t seen;
+        /// One bit for each element in whose place a misspelt one stands.
+        std::uint64_t misspelt;
     };
 
     void CollectIdentifiers();

@@ -1,11 +1,13 @@
 #include "KARMPDocuments.h"
 
 #include "KARMPCurve.h"
+#include "KARMPDocumentChecker.h"
 #include "KARMPDocumentNames.h"
 #include "KARMPDocumentPath.h"
 #include "KARMPDocumentSource.h"
 #include "KARMPFailedCheck.h"
 #include "KARMPFamilies.h"
+#include "KARMPNodeQueries.h"
 #include "KARMPProgressSteps.h"
 #include "KARMPReadingPlace.h"
 #include "KARMPSaveCheck.h"
@@ -25,6 +27,7 @@
 #include <new>
 #include <ostream>
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
@@ -38,7 +41,8 @@ bool Explains(Code code)
     return (code >= Code::Reference && code <= Code::WrongRegistry) || code == Code::EquationText ||
            code == Code::MappingRange || code == Code::UnknownNumber ||
            code == Code::DisabledValue || code == Code::RepeatedReference || code == Code::Cycle ||
-           code == Code::SecondFather;
+           code == Code::SecondFather || code == Code::UnknownFreedom ||
+           code == Code::UnreadableStream;
 }
 
 // The path of the entity, or of the part of the world, that a path leads into.
@@ -58,18 +62,28 @@ public:
     /// `activity` says what the library does; `root` is the tree that it reads, null when it
     /// writes; `known` are the messages about that tree.
     CheckListener(Messages& messages, std::string activity,
-                  const KARMPDocumentReader* root = nullptr, const Diagnostics& known = {})
-        : m_messages(messages), m_activity(std::move(activity)), m_root(root)
+                  const KARMPDocumentReader* root = nullptr, const Diagnostics& known = {},
+                  CheckLevel level = CheckLevel::None)
+        : m_messages(messages),
+          m_activity(std::move(activity)),
+          m_root(root),
+          m_isMisspelt(root != nullptr && level == CheckLevel::Mechanism &&
+                       VersionMeant(root->Version()) != root->Version())
     {
-        for (const Diagnostic& message : known.items)
+        std::size_t doubled = 0;
+        for (const Diagnostic& message : known.items) {
             if (Explains(message.code))
                 m_told.emplace(EntityPathOf(message.path));
+            doubled += message.code == Code::DuplicateIdentifier ? 1U : 0U;
+        }
+        if (doubled > 0 && m_root != nullptr)
+            ExplainDoubled(doubled);
     }
 
 private:
     void OnFailedCheck(const char* /*file*/, int /*line*/) override
     {
-        if (m_messages.Full() || KARMPReadingPlace::IsComplete())
+        if (m_messages.Full() || m_isMisspelt || KARMPReadingPlace::IsComplete())
             return;
         const Way way = m_root != nullptr ? FindWay(*m_root, KARMPReadingPlace::Current()) : Way();
         const std::string path = way.empty() ? std::string() : PathText(way);
@@ -88,6 +102,34 @@ private:
                            node.Line(), node.Column());
     }
 
+    // Entities that others of their identifiers replace, as many as were told, fail as well.
+    void ExplainDoubled(std::size_t count)
+    {
+        using Place = std::pair<const KARMPDeserializer*, const KARMPDeserializer*>;
+        std::unordered_map<std::wstring, Place> carriers; // with their families
+        const KARMPDeserializer* const world = First(*m_root, L"World");
+        KARMPDeserializer::ElementVector families;
+        if (world != nullptr)
+            world->AppendElements(families);
+        for (const KARMPDeserializer* family : families) {
+            KARMPDeserializer::ElementVector entities;
+            family->AppendElements(entities);
+            for (const KARMPDeserializer* entity : entities) {
+                std::wstring identifier;
+                if (!entity->HasAttribute(L"id") ||
+                    KARFailed(entity->GetAttribute(L"id", identifier)))
+                    continue;
+                const auto [carrier, isNew] = carriers.try_emplace(identifier, family, entity);
+                if (isNew)
+                    continue;
+                const Place& first = carrier->second;
+                m_told.insert(PathText({m_root, world, first.first, first.second}));
+                if (--count == 0)
+                    return;
+            }
+        }
+    }
+
     static std::string TitleOf(const KARMPDocumentReader& entity)
     {
         std::string title = KARMPSerializationServices::to_type(entity.Id());
@@ -100,6 +142,8 @@ private:
     Messages& m_messages;
     std::string m_activity;
     const KARMPDocumentReader* m_root;
+    /// The version is a misspelt one, which explains whatever fails.
+    bool m_isMisspelt;
     /// The entities that have a message already, by path.
     std::unordered_set<std::string> m_told;
 };
@@ -251,14 +295,15 @@ KARStatus ReadTree(const KARMPDocumentReader& root, KARMPWorld& world)
 }
 
 // Reads a tree into `into` or a new world. False when the reading failed on a reference.
-bool ReadWorld(const Document& document, const QOBSharedHandle<KARMPWorld>& into,
+bool ReadWorld(const Document& document, const QOBSharedHandle<KARMPWorld>& into, CheckLevel level,
                LoadResult& result, Messages& messages)
 {
     const std::string activity = "the world was read";
     bool castFailed = false;
     Guarded(messages, activity, [&] {
         result.world = into ? into : KARMPWorld::create(QOBBasicWorld::create(L"World"));
-        const CheckListener listener(messages, activity, document.Root(), result.diagnostics);
+        const CheckListener listener(messages, activity, document.Root(), result.diagnostics,
+                                     level);
         try {
             if (KARFailed(ReadTree(*document.Root(), *result.world)))
                 messages.Error(Code::Failed, "the document holds no world",
@@ -337,11 +382,11 @@ LoadResult LoadDocument(Document document, const LoadOptions& options,
     if (into)
         Guarded(messages, "the world was looked at", [&] { former.Note(*into); });
     // A check finds the reference that the reading failed on; a new world can be read once more.
-    if (!ReadWorld(document, into, result, messages) && options.check == CheckLevel::None &&
-        !into) {
+    if (!ReadWorld(document, into, options.check, result, messages) &&
+        options.check == CheckLevel::None && !into) {
         document.Check(CheckLevel::Form);
         document.DropWrongReferences();
-        ReadWorld(document, into, result, messages);
+        ReadWorld(document, into, options.check, result, messages);
     }
     Guarded(messages, "the world was looked at", [&] {
         result.unlisted = FindUnlisted(document);

@@ -8,6 +8,7 @@
 #include "KARWBParser.h"
 #include "KARWBParserMessenger.h"
 
+#include <unordered_map>
 #include <unordered_set>
 
 namespace karmp::documents {
@@ -94,6 +95,7 @@ void MechanismRules::CheckMapping(const Node& entity, std::size_t linked)
 {
     const KARMPDeserializer* const mapping = First(entity, L"VariableMapping");
     std::unordered_set<std::wstring> asked;
+    std::unordered_map<int, std::wstring_view> firsts;
     const KARMPDeserializer::ElementVector entries = ItemsOf(entity, L"VariableMapping");
     for (std::size_t index = 0; index < entries.size(); ++index)
         asked.insert(L"Var" + std::to_wstring(index));
@@ -110,6 +112,10 @@ void MechanismRules::CheckMapping(const Node& entity, std::size_t linked)
                    "position " + std::to_string(*position) +
                        " is that of no variable: " + Counted(linked, "variable") +
                        (linked == 1 ? " is" : " are") + " linked, counted from 0");
+        else if (position && !firsts.try_emplace(*position, entry->Id()).second)
+            m_tell(Code::MappingRange, entity, RulePlace({mapping, entry}).Text(),
+                   "position " + std::to_string(*position) + " is that of " +
+                       Quoted(firsts[*position]) + " too");
     }
 }
 

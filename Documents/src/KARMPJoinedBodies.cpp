@@ -20,7 +20,7 @@ const std::vector<JoiningItems>& AllJoiningItems()
     static const std::vector<JoiningItems> items{
         {"KARMPBody", {}, {L"Geometries", L"ChildrenBodies"}},
         {"KARMPBody2D", {}, {L"Geometries"}},
-        {"KARMPGeometry", {L"Body"}, {}},
+        {"KARMPGeometry", {L"Body", L"Body2D"}, {}},
         {"KARMPJoint", {}, {L"Bodies", L"Constraints"}},
         {"KARMPJoint2D", {}, {L"Bodies2D", L"Constraints"}},
         {"KARMPConstraint", {L"Joint"}, {L"Geometries"}},

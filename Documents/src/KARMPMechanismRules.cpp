@@ -86,6 +86,16 @@ const std::vector<MechanismRule>& MechanismRule::All()
          [](R& all, const R::Node& entity) {
              all.NeedLink(entity, Body2D, Code::ForceWithoutTarget, "the force acts on no body");
          }},
+        {"KARMPDisplacementActuator",
+         [](R& all, const R::Node& entity) {
+             if (First(entity, L"Geometry") == nullptr)
+                 all.NeedLink(entity, Body, Code::ForceWithoutTarget, "it moves no body");
+         }},
+        {"KARMPDisplacementActuator2D",
+         [](R& all, const R::Node& entity) {
+             if (First(entity, L"Geometry2D") == nullptr)
+                 all.NeedLink(entity, Body2D, Code::ForceWithoutTarget, "it moves no body");
+         }},
         {"KARMPBody2D",
          [](R& all, const R::Node& entity) {
              all.NeedLink(entity, L"Sketch", Code::BodyWithoutSketch, "the body lies in no plane");
@@ -173,7 +183,9 @@ void MechanismRules::Note(std::uint32_t number, const Lineage& lineage, const No
     m_quantities.try_emplace(number, quantity);
     const bool needsOne =
         HasClass(lineage, "KARMPConstant") || HasClass(lineage, "KARMPExpression");
-    if (needsOne && (quantity.empty() || quantity == L"NoPhysicalQuantity"))
+    // Of a word that is none, something else is told.
+    const bool isMissing = First(entity, L"PhysicalQuantity") == nullptr;
+    if (needsOne && (isMissing || quantity == L"NoPhysicalQuantity"))
         m_valuesWithoutQuantity.insert(number);
 }
 

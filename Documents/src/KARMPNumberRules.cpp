@@ -338,9 +338,13 @@ void MechanismRules::CheckVariable(const Node& entity)
         limit.place.attribute = name;
         return limit;
     };
-    // In older versions, limits of 0 and 0 are none.
     if (entity.HasAttribute(L"minvalue") || entity.HasAttribute(L"maxvalue")) {
-        CheckLimits(entity, attribute(L"minvalue"), attribute(L"maxvalue"), nullptr);
+        const Limit low = attribute(L"minvalue");
+        const Limit high = attribute(L"maxvalue");
+        const Limit value = attribute(L"value");
+        // In older versions, limits of 0 and 0 are none.
+        if (low.number != 0.0 || high.number != 0.0)
+            CheckLimits(entity, low, high, &value);
         return;
     }
     const Limit value = LimitIn(entity, L"Value", L"HasValue");

@@ -198,7 +198,11 @@ std::optional<ValueFault> FlagFault(std::wstring_view text)
 
 std::string Suggestion(std::wstring_view word, const std::vector<std::wstring_view>& candidates)
 {
-    const std::wstring_view nearest = NearestWord(word, candidates);
+    return Suggestion(NearestWord(word, candidates));
+}
+
+std::string Suggestion(std::wstring_view nearest)
+{
     return nearest.empty() ? std::string() : " (did you mean " + Quoted(nearest) + "?)";
 }
 

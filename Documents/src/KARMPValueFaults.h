@@ -25,5 +25,7 @@ std::optional<ValueFault> FaultOf(const SchemaItem& item, std::wstring_view text
 
 /// " (did you mean "word"?)" for the nearest of some words, empty when none is near.
 std::string Suggestion(std::wstring_view word, const std::vector<std::wstring_view>& candidates);
+/// The same for a word that is the nearest, empty for none.
+std::string Suggestion(std::wstring_view nearest);
 
 } // namespace karmp::documents
