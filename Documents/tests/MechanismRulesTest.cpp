@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -363,6 +364,123 @@ TEST(MechanismRules, TellOfMaterialsThatTheDocumentDoesNotHold)
     ExpectOne("<Materials/>", Code::LostMaterials, "Materials");
     ExpectOne("<Materials></Materials>", Code::LostMaterials, "Materials");
     ExpectNone("<Supports/>");
+}
+
+// The bodies of the one floating chain; empty when there is none. F is fixed, G is the ground.
+std::string ChainIn(const std::string& families, const std::string& bodies)
+{
+    const Diagnostics found =
+        CheckText("<KARMPDocument version=\"R2018.1\"><World><Globals><GlobalBody id=\"G\"/>"
+                  "<GlobalAxisSystem id=\"GA\"/></Globals><Bodies><Body id=\"G\"/><Body id=\"F\" "
+                  "is_fixed=\"yes\"/>" +
+                  bodies + "</Bodies>" + families + "</World></KARMPDocument>");
+    std::string chains;
+    for (const Diagnostic& message : found.items)
+        if (message.code == Code::FloatingChain)
+            chains += message.text.substr(message.text.find(": ") + 2) + ';';
+    return chains;
+}
+
+std::string Joint(const std::string& first, const std::string& second)
+{
+    return "<Revolute id=\"" + first + second + "\"><Bodies><Body id=\"" + first +
+           "\"/><Body id=\"" + second + "\"/></Bodies></Revolute>";
+}
+
+TEST(MechanismRules, FindBodiesThatAreJoinedWithNothingFixed)
+{
+    const std::string three = "<Body id=\"A\"/><Body id=\"B\"/><Body id=\"C\"/>";
+    const auto chain = [&three](const std::string& joints) {
+        return ChainIn("<Joints>" + joints + "</Joints>", three);
+    };
+    EXPECT_EQ(chain(Joint("A", "B") + Joint("B", "C")), "\"A\", \"B\", \"C\";");
+    EXPECT_EQ(chain(Joint("C", "B") + Joint("A", "C") + Joint("F", "G")), "\"A\", \"B\", \"C\";");
+    EXPECT_EQ(chain(Joint("A", "B") + Joint("C", "G")), "\"A\", \"B\";");
+    EXPECT_EQ(chain(Joint("A", "B") + Joint("B", "C") + Joint("C", "F")), "");
+    EXPECT_EQ(chain(Joint("A", "B") + Joint("B", "C") + Joint("G", "B")), "");
+    EXPECT_EQ(chain(""), ""); // without a joint, nobody means to hold anything
+    EXPECT_EQ(ChainIn("<Joints>" + Joint("A", "B") + Joint("B", "C") + Joint("C", "D") +
+                          Joint("D", "E") + "</Joints>",
+                      three + "<Body id=\"D\"/><Body id=\"E\"/>"),
+              "\"A\", \"B\", \"C\" and 2 more;");
+}
+
+TEST(MechanismRules, TakeWhateverHoldsAChain)
+{
+    const std::string joint = "<Joints>" + Joint("A", "B") + "</Joints>";
+    const auto chain = [&joint](const std::string& families) {
+        return ChainIn(joint + families, "<Body id=\"A\"/><Body id=\"B\"/>");
+    };
+    EXPECT_EQ(chain("<Connectors><Bushing id=\"S\"><FirstBody id=\"B\"/><SecondBody id=\"G\"/>"
+                    "</Bushing></Connectors>"),
+              "");
+    const std::string points = "<Geometries><Point id=\"P\"><Body id=\"B\"/></Point>"
+                               "<Point id=\"Q\"><Body id=\"F\"/></Point></Geometries>";
+    const auto constraint = [](const std::string& second) {
+        return "<Constraints><Coincidence id=\"C\"><Geometries><Geometry id=\"P\"/><Geometry "
+               "id=\"" +
+               second + "\"/></Geometries></Coincidence></Constraints>";
+    };
+    EXPECT_EQ(chain(constraint("Q") + points), "");
+    EXPECT_EQ(chain(constraint("GA") + points), "");
+    EXPECT_EQ(chain(constraint("P") + points), "\"A\", \"B\";");
+    EXPECT_EQ(chain("<Interactions><CollisionRule id=\"R\"><Collidables><Collidable id=\"A\"/>"
+                    "<Collidable id=\"F\"/></Collidables></CollisionRule></Interactions>"),
+              "");
+    EXPECT_EQ(chain("<Sensors><DisplacementSensor id=\"D\"><Body id=\"A\"/></DisplacementSensor>"
+                    "</Sensors><Actuators><SpatialForceActuator id=\"E\"><Body id=\"B\"/>"
+                    "</SpatialForceActuator></Actuators>"),
+              "\"A\", \"B\";");
+    EXPECT_EQ(ChainIn(joint, "<Body id=\"A\"/><Body id=\"B\"/><Body id=\"H\" is_fixed=\"yes\">"
+                             "<ChildrenBodies><ChildBody id=\"B\"/></ChildrenBodies></Body>"),
+              "");
+}
+
+// The codes of trees among the findings about bodies, each with its path.
+std::vector<std::string> TreesIn(const std::string& bodies)
+{
+    std::vector<std::string> trees;
+    const std::string start = "/KARMPDocument/World/Bodies/";
+    for (const Diagnostic& message :
+         CheckText("<KARMPDocument version=\"R2018.1\"><World><Bodies>" + bodies +
+                   "</Bodies></World></KARMPDocument>")
+             .items)
+        if (message.code == Code::Cycle || message.code == Code::SecondFather)
+            trees.push_back(std::string(karmp::documents::CodeText(message.code)) + ' ' +
+                            message.path.substr(start.size()));
+    return trees;
+}
+
+std::string Father(const std::string& id, const std::vector<std::string>& children,
+                   const std::string& list = "ChildrenBodies",
+                   const std::string& item = "ChildBody")
+{
+    std::string text = "<Body id=\"" + id + "\"><" + list + '>';
+    for (const std::string& child : children)
+        text += '<' + item + " id=\"" + child + "\"/>";
+    return text + "</" + list + "></Body>";
+}
+
+TEST(MechanismRules, FindEntitiesInCyclesAndWithTwoFathers)
+{
+    using Trees = std::vector<std::string>;
+    const std::string path = "/ChildrenBodies/ChildBody";
+    EXPECT_EQ(TreesIn(Father("A", {"B"}) + Father("B", {"C", "D"})), Trees());
+    EXPECT_EQ(TreesIn(Father("A", {"A"})), Trees{"cycle Body" + path});
+    EXPECT_EQ(TreesIn(Father("A", {"B"}) + Father("B", {"C"}) + Father("C", {"A"})),
+              Trees{"cycle Body[3]" + path});
+    EXPECT_EQ(TreesIn(Father("A", {"C"}) + Father("B", {"C"})),
+              Trees{"second-father Body[2]" + path});
+    EXPECT_EQ(TreesIn(Father("A", {"B"}) + Father("B", {"C"}) + Father("C", {"B"})),
+              Trees{"cycle Body[3]" + path}); // and no second father besides
+    EXPECT_EQ(TreesIn(Father("A", {"B", "E"}) + Father("B", {"A"}) + Father("D", {"E"})),
+              (Trees{"cycle Body[2]" + path, "second-father Body[3]" + path}));
+    EXPECT_EQ(TreesIn(Father("A", {"C"}, "AggregatedElements", "Element") +
+                      Father("B", {"C"}, "AggregatedElements", "Element")),
+              Trees{"second-father Body[2]/AggregatedElements/Element"});
+    EXPECT_EQ(TreesIn(Father("A", {"C"}, "ImpactedChildrenBodies", "ImpactedChildBody") +
+                      Father("B", {"C"}, "ImpactedChildrenBodies", "ImpactedChildBody")),
+              Trees());
 }
 
 TEST(MechanismRules, AreNotAppliedWhereTheFormAloneIsChecked)
