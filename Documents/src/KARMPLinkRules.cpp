@@ -290,6 +290,8 @@ void MechanismRules::CheckWorld(const Node& world)
     for (const std::wstring_view name : {L"GlobalBody", L"GlobalAxisSystem"})
         if (const KARMPDeserializer* const global = First(*globals, name))
             m_joined.Fix(*global);
+    if (const KARMPDeserializer* const time = First(*globals, L"GlobalTime"))
+        CheckFit(world, *time, L"Time", {globals, time});
 }
 
 void MechanismRules::EndNotes()

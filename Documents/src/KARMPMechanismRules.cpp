@@ -242,6 +242,21 @@ void MechanismRules::CheckMotor(const Node& entity)
         m_tell(Code::SharedVariable, entity, {variable},
                "the motor in line " + std::to_string(first->second->Line()) +
                    " drives this variable too");
+    CheckTarget(entity);
+}
+
+// "VelocityTarget" asks for "Velocity", and so on.
+void MechanismRules::CheckTarget(const Node& entity)
+{
+    constexpr std::wstring_view ending = L"Target";
+    const KARMPDeserializer* const type = First(entity, L"TargetType");
+    std::wstring target;
+    if (type == nullptr || !NodeOf(*type).HasText() || KARFailed(type->GetValue(target)))
+        return;
+    for (const std::wstring_view value : {L"Position", L"Velocity", L"Acceleration"})
+        if (target == std::wstring(value) + std::wstring(ending) && First(entity, value) == nullptr)
+            m_tell(Code::MotorWithoutTarget, entity, RulePlace({type}).Text(),
+                   "the motor aims at no value: it has no " + Quoted(value));
 }
 
 void MechanismRules::CheckConnector(const Node& entity)
@@ -250,12 +265,22 @@ void MechanismRules::CheckConnector(const Node& entity)
     const bool first = First(entity, L"FirstBody") != nullptr;
     const bool second = First(entity, L"SecondBody") != nullptr;
     const bool onJoint = First(entity, L"Joint") != nullptr;
+    if (first && second)
+        CheckEnds(entity);
     if ((first && second) || onJoint)
         return;
     m_tell(Code::ConnectorWithoutBody, entity, {},
            first || second ? "it acts on one body only: it has no " +
                                  Quoted(first ? L"SecondBody" : L"FirstBody")
                            : "it acts on no body: it has neither \"FirstBody\" nor \"SecondBody\"");
+}
+
+void MechanismRules::CheckEnds(const Node& entity)
+{
+    const KARMPDeserializer* const second = First(entity, L"SecondBody");
+    const auto number = m_identifiers.Of(*second);
+    if (number && number == m_identifiers.Of(*First(entity, L"FirstBody")))
+        m_tell(Code::RepeatedReference, entity, {second}, "both ends act on one body");
 }
 
 void MechanismRules::CheckQuantities(const Node& entity)

@@ -136,7 +136,9 @@ private:
 
     void CheckActuator(const Node& entity);
     void CheckMotor(const Node& entity);
+    void CheckTarget(const Node& entity);
     void CheckConnector(const Node& entity);
+    void CheckEnds(const Node& entity);
     void CheckConstraint(const Node& entity);
     void CheckDofSensor(const Node& entity);
     void CheckCollisionRule(const Node& entity);

@@ -31,6 +31,8 @@ const std::vector<Planted> Mistakes{
     {Winch, "  </Bodies>\n", "  </Bodies>\n  <^Materials/>\n", "lost-materials", "wrote nothing"},
     {Winch, "  </Bodies>\n", "  </Bodies>\n  <^Bodie/>\n", "unknown-element",
      R"(did you mean "Bodies"?)"},
+    {Winch, R"(<GlobalTime id="Time"/>)", R"(<^GlobalTime id="Gap"/>)", "wrong-quantity",
+     "Time was expected"},
     // Bodies
     {Winch, "<Mass>4<", "<Mass>^-4<", "negative-mass", "-4"},
     {Winch, "<Mass>4<", "<Mass>^4 kg<", "invalid-value", "4 is read"},
@@ -264,6 +266,10 @@ const std::vector<Planted> Mistakes{
      "<Motor id=\"Second\" name=\"Second\" isActive=\"yes\"><^Variable id=\"Drum "
      "angle\"/><TargetType>NotSpecified</TargetType></Motor>\n   <Driver id",
      "shared-variable", "drives this variable too"},
+    {Winch, "<TargetType>VelocityTarget<", "<TargetType>^PositionTarget<", "motor-without-target",
+     R"(no "Position")"},
+    {Winch, "    <Velocity id=\"Speed\"/>\n", "", "motor-without-target", R"(no "Velocity")",
+     "<TargetType>^VelocityTarget"},
     {Winch, R"(<AttachedMotors><Motor id="Winch motor"/>)",
      R"(<AttachedMotors><Motor id="Winch motor"/><Motor ^id="Winch motor"/>)", "repeated-reference",
      "second time"},
@@ -368,6 +374,8 @@ const std::vector<Planted> Mistakes{
     {Winch, "<FirstBody id=\"Ground\"/>\n    <SecondBody id=\"Load\"/>\n    <Behavior>",
      "<SecondBody id=\"Load\"/>\n    <Behavior>", "connector-without-body", R"("FirstBody")",
      "<^AxialSpring", "one-sided-link"},
+    {Winch, R"(<SecondBody id="Drum"/>)", R"(<^SecondBody id="Ground"/>)", "repeated-reference",
+     "both ends act on one body", nullptr, "one-sided-link"},
     {Winch, R"(<SecondBody id="Drum"/>)", R"(<SecondBody id="Hook"/>)", "one-sided-link",
      R"("Twist" does not refer back)", R"(<Connectors><Connector ^id="Twist"/>)", "one-sided-link"},
     // Interactions
