@@ -5,6 +5,7 @@
 #include "Loading.h"
 #include "Output.h"
 #include "Progress.h"
+#include "ToolLimits.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -95,8 +96,7 @@ CheckedFile CheckOne(const std::string& file, const Selection& selection,
 {
     documents::LoadOptions load;
     load.check = documents::CheckLevel::Mechanism;
-    constexpr std::size_t most = 100'000;
-    load.limits.diagnostics = most;
+    load.limits.diagnostics = MostProblems;
     CheckedFile checked{file, {}, false};
     load.progress = std::move(progress);
     documents::LoadResult result = Load(file, load);
@@ -157,8 +157,15 @@ int RunCheck(const CheckOptions& options)
     Selection selection;
     std::vector<std::string> files;
     if (!AddCodes(options.disabled, selection.disabled) ||
-        !AddCodes(options.errors, selection.errors) || !FindFiles(options, files))
+        !AddCodes(options.errors, selection.errors))
         return WrongArguments;
+    if (!FindFiles(options, files))
+        return Unreadable;
+    const auto fromInput = std::count(files.begin(), files.end(), StandardStream);
+    if (fromInput > (options.listed ? 0 : 1)) {
+        Refuse("standard input can be read once only");
+        return WrongArguments;
+    }
     if (files.empty()) {
         Refuse("there is no document to check");
         return Unreadable;

@@ -24,7 +24,7 @@ std::optional<std::vector<std::wstring>> FamiliesOf(const std::vector<std::strin
 {
     std::vector<std::wstring> families;
     for (const std::string& name : names) {
-        if (name == "all") {
+        if (IsSameIgnoringCase(L"all", name)) {
             for (const FamilyRecord& family : FamilyRecords())
                 families.emplace_back(family.element);
             continue;

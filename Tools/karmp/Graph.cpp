@@ -28,7 +28,7 @@ std::string FormatOf(const GraphOptions& options)
 {
     if (!options.format.empty())
         return options.format;
-    const std::string ending = std::filesystem::path(options.output).extension().string();
+    const std::string ending = EndingOf(options.output);
     if (options.output.empty() || options.output == StandardStream || ending == ".gv")
         return "dot";
     const std::string format = ending.substr(ending.empty() ? 0 : 1);

@@ -87,6 +87,10 @@ int RunAddShape(const ShapeOptions& options)
     WriteOptions writing = options.writing;
     if (writing.output.empty())
         writing.output = StandardStream;
+    if (IsSameFile(options.part, writing.output)) {
+        std::cerr << "karmp: the output is the part itself; choose another file\n";
+        return Unreadable;
+    }
     const auto loaded = LoadWorld(options.file);
     if (!loaded || !VersionNamed(loaded->version) ||
         !MayWrite(options.file, writing, loaded->diagnostics))

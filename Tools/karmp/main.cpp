@@ -1,13 +1,19 @@
 // karmp looks at, checks and converts the documents of mechanisms.
 #include "Commands.h"
+#include "Loading.h"
 
 #include <CLI/CLI.hpp>
 
+#include <charconv>
 #include <cmath>
 #include <cstdlib>
 #include <exception>
 #include <functional>
 #include <iostream>
+#include <system_error>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace {
 
@@ -21,6 +27,51 @@ constexpr const char* ExitCodes =
 std::string Footer(const char* example)
 {
     return std::string("Example:\n  ") + example + "\n\n" + ExitCodes;
+}
+
+// The library's own check tells the range in hundreds of digits, and takes a NaN.
+const CLI::Validator NotNegative(
+    [](const std::string& text) {
+        double number = 0.0;
+        const char* const end = text.data() + text.size();
+        const auto [next, error] = std::from_chars(text.data(), end, number);
+        const bool holds = error == std::errc() && next == end && std::isfinite(number);
+        return holds && number >= 0.0 ? std::string() : '"' + text + "\" is no number from 0 on";
+    },
+    "");
+
+// An option that is there and says nothing is a variable of a script that was not set, mostly.
+void RefuseEmptyTexts(CLI::App& app)
+{
+    const CLI::Validator notEmpty(
+        [](const std::string& text) {
+            return text.empty() ? std::string("the text is empty") : std::string();
+        },
+        "");
+    for (CLI::App* const command : app.get_subcommands({}))
+        for (CLI::Option* const option : command->get_options())
+            option->check(notEmpty);
+}
+
+// A descriptor that is closed would be taken by the next file that is opened, and what is printed
+// would get into that. In its place stands one whose reads or writes fail.
+void KeepStandardStreams()
+{
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        while (::fcntl(stream, F_GETFD) < 0) {
+            const int mode = stream == STDIN_FILENO ? O_WRONLY : O_RDONLY;
+            if (::open("/dev/null", mode) < 0)
+                break;
+        }
+}
+
+// The exit code, unless what was printed could not be written.
+int Flushed(int code)
+{
+    if (std::cout.flush())
+        return code;
+    std::cerr << "karmp: cannot write to standard output\n";
+    return Unreadable;
 }
 
 // The options of the commands that write documents.
@@ -41,7 +92,11 @@ int Run(int argc, char** argv)
     ::setenv("MOT_DUMP_OUTPUTS", "1", 1);
     CLI::App app("Looks at, checks and converts the documents of mechanisms.", "karmp");
     app.set_version_flag("--version", std::string("karmp " KARMP_TOOL_VERSION));
-    app.require_subcommand(1);
+    app.require_subcommand(0, 1); // so that an unknown command is named
+    app.callback([&app] {
+        if (app.get_subcommands().empty())
+            throw CLI::RequiredError("A command");
+    });
     app.footer(std::string("'karmp COMMAND --help' tells more about a command.\n\n") + ExitCodes);
     std::function<int()> command;
 
@@ -75,7 +130,8 @@ int Run(int argc, char** argv)
     CLI::Option* const checkJson = checkApp->add_flag("--json", check.json, "Findings as JSON");
     checkApp->add_flag("--sarif", check.sarif, "Findings as SARIF 2.1.0")->excludes(checkJson);
     checkApp->add_flag("-q,--quiet", check.quiet, "Findings only, no summary");
-    checkApp->add_option("--max", check.most, "Findings to print; all are counted");
+    checkApp->add_option("--max", check.most, "Findings to print; all are counted")
+        ->check(NotNegative);
     checkApp->add_option("--disable", check.disabled, "Codes of findings to leave out")
         ->delimiter(',')
         ->allow_extra_args(false);
@@ -106,12 +162,12 @@ int Run(int argc, char** argv)
     diffApp
         ->add_option("--tolerance", diff.tolerance,
                      "Share of the greater magnitude by which numbers may differ")
-        ->check(CLI::NonNegativeNumber)
+        ->check(NotNegative)
         ->capture_default_str();
     diffApp
         ->add_option("--floor", diff.floor,
                      "Amount by which numbers may differ; 1e-12 with a tolerance, 0 without one")
-        ->check(CLI::NonNegativeNumber);
+        ->check(NotNegative);
     diffApp->add_flag("--by-name", diff.byName,
                       "Match by names and links alone, whatever the identifiers");
     diffApp->add_flag("--ids", diff.identifiers, "Identifiers behind the names");
@@ -156,7 +212,7 @@ int Run(int argc, char** argv)
     extractApp
         ->add_option("--reach", extract.reach,
                      "Joints that lead on to further bodies, from each body on")
-        ->check(CLI::NonNegativeNumber)
+        ->check(NotNegative)
         ->capture_default_str();
     extractApp
         ->add_option("--with", extract.families,
@@ -206,6 +262,9 @@ int Run(int argc, char** argv)
             throw CLI::RequiredError("--add or --export");
         if (!part->empty() && shape.bodies.size() != 1)
             throw CLI::ValidationError("--body", "a part is added to one body");
+        if (shape.folder == StandardStream)
+            throw CLI::ValidationError(
+                "--export", "standard output is no folder; a folder of that name is ./-");
         if (std::isnan(shape.scale))
             throw CLI::ValidationError("--scale", "this is no number");
         const auto run = part->empty() ? RunExportShapes : RunAddShape;
@@ -225,13 +284,14 @@ int Run(int argc, char** argv)
                      "Seconds after which Graphviz is stopped and no picture written")
         ->check(CLI::Range(1, 86400))
         ->capture_default_str();
-    graphApp->add_option("--around", graph.around,
-                         "Only what is near a body, by name or identifier");
+    CLI::Option* const around = graphApp->add_option(
+        "--around", graph.around, "Only what is near a body, by name or identifier");
     graphApp
         ->add_option("--reach", graph.reach,
                      "Joints from that body to the last ones that are drawn")
-        ->check(CLI::NonNegativeNumber)
-        ->capture_default_str();
+        ->check(NotNegative)
+        ->capture_default_str()
+        ->needs(around);
     graphApp->add_flag("--all", graph.all,
                        "Draw a mechanism of more than 3,000 bodies, or 1,000 in a PNG, whole");
     graphApp->add_flag("--sensors", graph.sensors, "Sensors as notes on what they measure");
@@ -284,23 +344,20 @@ int Run(int argc, char** argv)
     schemaApp->footer(Footer("karmp schema --rng --for R2017.0 > karmp.rng"));
     schemaApp->callback([&] { command = [&schema] { return RunSchema(schema); }; });
 
+    RefuseEmptyTexts(app);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? Clean : WrongArguments;
+        return Flushed(app.exit(error) == 0 ? Clean : WrongArguments);
     }
-    const int code = command();
-    if (!std::cout.flush()) {
-        std::cerr << "karmp: cannot write to standard output\n";
-        return Unreadable;
-    }
-    return code;
+    return Flushed(command());
 }
 
 } // namespace
 
 int main(int argc, char** argv)
 {
+    KeepStandardStreams();
     try {
         return Run(argc, argv);
     } catch (const std::exception& exception) {

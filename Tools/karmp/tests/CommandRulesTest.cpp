@@ -139,6 +139,34 @@ TEST_F(CommandRules, WrongArgumentsEndWith64)
     EXPECT_EQ(Run("graph " + m_document + " -o " + File("a.jpg")).code, 64);
 }
 
+TEST_F(CommandRules, WrongArgumentsAreNamed)
+{
+    const std::string out = " -o " + File("a");
+    const std::array<std::pair<std::string, std::string>, 13> cases{{
+        {"", "A command is required"},
+        {"frobnicate", "frobnicate"},
+        {"tree --family '' " + m_document, "--family: the text is empty"},
+        {"info ''", "FILE: the text is empty"},
+        {"convert --to '' " + m_document + ' ' + File("a"), "--to: the text is empty"},
+        {"diff --tolerance nan " + m_document + " -", "\"nan\" is no number from 0 on"},
+        {"diff --tolerance -1 " + m_document + " -", "\"-1\" is no number from 0 on"},
+        {"check --max -1 " + m_document, "\"-1\" is no number from 0 on"},
+        {"extract --reach -1 --body Crank " + m_document + out, "\"-1\" is no number from 0 on"},
+        {"graph --reach 1 " + m_document + out + ".dot", "--reach requires --around"},
+        {"check - -", "standard input can be read once only"},
+        {"shape --export - " + m_document, "a folder of that name is ./-"},
+        {"tree --family wheels " + m_document, "unknown family wheels"},
+    }};
+    for (const auto& [line, text] : cases) {
+        const Outcome outcome = Run(line);
+        EXPECT_EQ(outcome.code, 64) << line << '\n' << outcome.output;
+        ExpectContains(outcome.output, text);
+        EXPECT_LT(outcome.output.size(), 500U) << outcome.output;
+    }
+    EXPECT_EQ(Files(), std::set<std::string>{"clean.xml"});
+    EXPECT_EQ(Run("check --files-from-input", {}, Write("names", "-\n")).code, 64);
+}
+
 TEST_F(CommandRules, WhatCannotBeReadEndsWith2)
 {
     const std::array bad{File("missing.xml"), File(""), Write("empty.xml", ""),
@@ -173,6 +201,38 @@ TEST_F(CommandRules, WhatCannotBeWrittenEndsWith2)
         const Outcome full = Run(line + " >/dev/full");
         EXPECT_EQ(full.code, 2) << full.output;
     });
+}
+
+TEST_F(CommandRules, WhatCannotBePrintedEndsWith2)
+{
+    ForEachCommand([this](const Command& command) {
+        std::string line = command.With(m_document, "-");
+        if (command.Name() == "diff")
+            line += " --json";
+        EXPECT_EQ(RunQuietly(line + " >&-").code, 2);
+        EXPECT_EQ(Run(command.Name() + " --help >/dev/full").code, 2);
+    });
+    EXPECT_EQ(Run("--version >/dev/full").code, 2);
+    // What is printed never gets into a file.
+    EXPECT_EQ(RunQuietly("convert --json " + m_document + ' ' + File("a") + " >&- <&-").code, 2);
+    EXPECT_EQ(Run("convert " + m_document + ' ' + File("b")).code, 0);
+    EXPECT_TRUE(ReadFile(File("a")) == ReadFile(File("b")));
+}
+
+TEST_F(CommandRules, WhatIsReadIsNotOverwrittenByAnotherKindOfFile)
+{
+    const std::string part = Write("part.stl", ReadFile(KARMP_TEST_PARTS "/tetrahedron.stl"));
+    for (const std::string& line :
+         {"view " + m_document + " -o " + m_document,
+          "graph --format dot " + m_document + " -o " + m_document,
+          "extract " + m_document + " --body Crank -o " + m_document,
+          "shape " + m_document + " --body Crank --add " + part + " -o " + part}) {
+        const Outcome outcome = Run(line);
+        EXPECT_EQ(outcome.code, 2) << line;
+        ExpectContains(outcome.output, "choose another file");
+    }
+    EXPECT_EQ(ReadFile(part), ReadFile(KARMP_TEST_PARTS "/tetrahedron.stl"));
+    EXPECT_EQ(ReadFile(m_document), CleanDocument());
 }
 
 TEST_F(CommandRules, AnOldFileStaysWhenANewOneCannotBeWrittenWhole)
@@ -238,8 +298,12 @@ TEST_F(CommandRules, NamesOfFamiliesAndClassesGoInAnyCase)
         EXPECT_EQ(Run("tree --family " + family + ' ' + m_document).output, expected);
     for (const std::string name : {"body", "BODY", "karmpbody"})
         EXPECT_EQ(Run("schema --text " + name).output, Run("schema --text Body").output);
-    EXPECT_EQ(Run("extract " + m_document + " --body Crank --with sEnsors -o " + File("a")).code,
-              0);
+    for (const std::string family : {"sEnsors", "all", "ALL"})
+        EXPECT_EQ(
+            Run("extract " + m_document + " --body Crank --with " + family + " -o " + File("a"))
+                .code,
+            0);
+    EXPECT_EQ(Run("graph " + m_document + " -o " + File("a.DOT")).code, 0);
 }
 
 TEST_F(CommandRules, HelpTellsOfTheDashAndOfTheExitCodes)
