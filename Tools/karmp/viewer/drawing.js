@@ -5,6 +5,8 @@ const Layers = [
   {name: "joints", title: "Joints"},
   {name: "connectors", title: "Springs and bushings"},
   {name: "couplings", title: "Couplings"},
+  {name: "motors", title: "Motors"},
+  {name: "sensors", title: "Sensors"},
   {name: "geometry", title: "Geometry"},
   {name: "covered", title: "Geometry under shapes", isOff: true},
   {name: "planes", title: "Planes"},
@@ -115,6 +117,8 @@ class Drawing {
     this.data.joints.forEach(joint => this.addJoint(joint));
     this.data.connectors.forEach(connector => this.addConnector(connector));
     this.data.couplings.forEach(coupling => this.addCoupling(coupling));
+    this.addMotors();
+    this.addSensors();
   }
 
   // An instance of a mesh, which is made when the first one comes.
@@ -424,6 +428,63 @@ class Drawing {
         this.addLine("couplings", at(dash / dashes), at((dash + 1) / dashes), coupling.entity,
           Colour.coupling, 2.6);
     }
+  }
+
+  // An arrow about or along the axis of the joint that a motor drives; several arrows keep clear of
+  // one another.
+  addMotors() {
+    const joints = new Map(this.data.joints.map(joint => [joint.entity, joint]));
+    const counts = new Map();
+    for (const entity of this.scene.entitiesOf("Actuators")) {
+      if (this.scene.kindOf(entity) !== "Motor")
+        continue;
+      for (const driven of this.scene.drawnFor(entity, other => joints.has(other))) {
+        const count = counts.get(driven) || 0;
+        counts.set(driven, count + 1);
+        this.addMotor(joints.get(driven), entity, (1.35 + 0.45 * count) * this.size);
+      }
+    }
+  }
+
+  addMotor(joint, entity, radius) {
+    const slides = joint.symbol === "prismatic";
+    const frame = joint.frames[slides ? joint.frames.length - 1 : 0];
+    const [x, y, z] = [0, 1, 2].map(i => unit(columnOf(frame, i)));
+    const origin = originOf(frame);
+    if (slides)
+      this.add("motors", "arrow", () => arrowMesh(this.segments),
+        framed(add(origin, add(times(x, radius), times(z, -1.8 * this.size))), [x, y, z],
+          [3.6 * this.size, 3.6 * this.size, 3.6 * this.size]), entity, Colour.motor);
+    else
+      this.add("motors", "turn arrow", () => turnArrowMesh(2 * this.segments),
+        framed(origin, [x, y, z], [radius, radius, radius]), entity, Colour.motor);
+  }
+
+  // An eye beside what a sensor measures; several ones stand around it.
+  addSensors() {
+    const counts = new Map();
+    const isDrawn = entity => this.places.has(entity);
+    for (const entity of this.scene.entitiesOf("Sensors")) {
+      const [measured] = this.scene.drawnFor(entity, isDrawn);
+      if (measured === undefined)
+        continue;
+      const place = this.places.get(measured);
+      const count = counts.get(place.join()) || 0;
+      counts.set(place.join(), count + 1);
+      const [x, y] = circleAt((1 + count) / 8);
+      this.addEye(place, unit([x, y, 0.5]), entity);
+    }
+  }
+
+  addEye(from, direction, entity) {
+    const s = this.size;
+    const at = add(from, times(direction, 2.2 * s));
+    this.addLine("sensors", from, at, entity, Colour.sensor, 1.2);
+    this.ball("sensors", at, 0.3 * s, entity, Colour.mass);
+    this.add("sensors", "eye", () => torusMesh(0.3, this.segments),
+      framed(at, [[1, 0, 0], [0, 1, 0], [0, 0, 1]], [0.55 * s, 0.55 * s, 0.55 * s]), entity,
+      Colour.sensor);
+    this.places.set(entity, at);
   }
 
   // A floor below the mechanism, or a wall behind a flat one.

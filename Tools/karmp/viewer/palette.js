@@ -2,7 +2,8 @@
 
 const Colour = {
   ground: 0, joint: 1, axis: 2, spring: 3, bushing: 4, geometry: 5, plane: 6, xAxis: 7, yAxis: 8,
-  zAxis: 9, grid: 10, gridMain: 11, coupling: 12, fixed: 13, mass: 14, joined: 15, firstBody: 16,
+  zAxis: 9, grid: 10, gridMain: 11, coupling: 12, fixed: 13, mass: 14, joined: 15,
+  motor: 16, sensor: 17, firstBody: 18,
 };
 const BodyColours = 12;
 
@@ -12,6 +13,7 @@ const palettes = {
     colours: [
       "#aeb6c1", "#5c6675", "#e8590c", "#2b8a3e", "#9c6b30", "#495057", "#4c8bd0", "#d6336c",
       "#37a34a", "#2f6fde", "#e3e7ec", "#cfd6de", "#ae3ec9", "#98a2af", "#212529", "#8794a6",
+      "#e03131", "#0c8599",
       "#3b82c4", "#4f9d69", "#8a63b8", "#3f9fa6", "#c25b86", "#8a9a2f", "#5566c0", "#9a7b5c",
       "#4fa8d1", "#9c4470", "#6f9c86", "#a48ad4"],
   },
@@ -20,6 +22,7 @@ const palettes = {
     colours: [
       "#6c7685", "#aab4c2", "#ffa94d", "#69db7c", "#d9a866", "#adb5bd", "#4c8bd0", "#ff6b9a",
       "#69db7c", "#74a9ff", "#20262f", "#2f3742", "#e599f7", "#7b8695", "#f1f3f5", "#8a97a8",
+      "#ff6b6b", "#3bc9db",
       "#62a3e0", "#74c08d", "#ad8bd8", "#5fc3ca", "#e382ab", "#b4c455", "#8291e6", "#bfa17f",
       "#7cc8ee", "#c76a9b", "#93c2ab", "#c6b1ef"],
   },

@@ -31,6 +31,12 @@ class Scene {
   noteOf(entity) { return this.data.entities[entity][4] || ""; }
   familyOf(entity) { return this.families[this.family[entity]]; }
 
+  // The numbers of the entities of a family.
+  entitiesOf(name) {
+    const family = this.families.find(other => other.name === name);
+    return family ? Array.from({length: family.count}, (none, i) => family.first + i) : [];
+  }
+
   // Calls with the label and the targets of each item that refers to entities.
   forEachLink(entity, visit) {
     const links = this.data.entities[entity][3];

@@ -130,6 +130,23 @@ const torusMesh = (radius, segments) => tubeMesh(segments, segments / 2, radius,
   return [[x, y, 0], [-y, x, 0]];
 });
 
+// Four fifths of a circle of radius 1 about z, with a tip in the sense of the turn.
+function turnArrowMesh(segments) {
+  const mesh = tubeMesh(segments, 8, 0.11, part => {
+    const [x, y] = circleAt(0.8 * part);
+    return [[x, y, 0], [-y, x, 0]];
+  });
+  const [x, y] = circleAt(0.8);
+  return mesh.grid(1, 12, (v, u) => {
+    const [a, b] = circleAt(u);
+    const normal = [a * x, a * y, b];
+    return [add(add([x, y, 0], times([-y, x, 0], 0.6 * v)), times(normal, 0.3 * (1 - v))), normal];
+  });
+}
+// From the origin along z, of length 1.
+const arrowMesh = segments =>
+  turnedMesh([[0, 0], [0.07, 0], [0.07, 0.65], [0.2, 0.65], [0, 1]], segments);
+
 // A coil of radius 1 from z = 0 to `height`, whose straight ends lie on the axis.
 function coilMesh(coils, height, wire, segments) {
   const end = 0.07;

@@ -311,6 +311,23 @@ class ViewTest(unittest.TestCase):
         names = page.run("[...document.querySelectorAll('#layers label')].map(l => l.textContent)")
         self.assertIn("Geometry under shapes", names)
 
+    def test_motors_and_sensors_have_symbols(self):
+        red, blue = (224, 49, 49), (12, 133, 153)
+        for example, layer, colour, names in (
+                ("motor-drive", "Motors", red, ["Turn motor", "Lift motor", "Reach motor"]),
+                ("instrumented-crank", "Motors", red, ["Motor"]),
+                ("instrumented-crank", "Sensors", blue,
+                 ["Crank angle sensor", "Stroke sensor", "Displacement sensor", "Pin force sensor",
+                  "Motor sensor", "Redundancy sensor"])):
+            with self.subTest(example=example, layer=layer):
+                page = self.example(example)
+                shown = page.run("[...document.querySelectorAll('#layers label')].map(l => l.textContent)")
+                self.assertIn(layer, shown)
+                picture = self.picture(page, f"{example}-{layer}")
+                for name in names:
+                    seen = self.shades_near(picture, self.place(page, name), colour, 40)
+                    self.assertGreater(seen, 60, name)
+
     def test_ten_thousand_bodies_are_written_and_used_in_seconds(self):
         document = self.written("chain.xml", chain(10000))
         start = time.monotonic()
