@@ -430,8 +430,8 @@ class Drawing {
     }
   }
 
-  // An arrow about or along the axis of the joint that a motor drives; several arrows keep clear of
-  // one another.
+  // An arrow about the axis of the joint that a motor drives, or four along it; those of
+  // several motors keep clear of one another.
   addMotors() {
     const joints = new Map(this.data.joints.map(joint => [joint.entity, joint]));
     const counts = new Map();
@@ -451,13 +451,16 @@ class Drawing {
     const frame = joint.frames[slides ? joint.frames.length - 1 : 0];
     const [x, y, z] = [0, 1, 2].map(i => unit(columnOf(frame, i)));
     const origin = originOf(frame);
-    if (slides)
-      this.add("motors", "arrow", () => arrowMesh(this.segments),
-        framed(add(origin, add(times(x, radius), times(z, -1.8 * this.size))), [x, y, z],
-          [3.6 * this.size, 3.6 * this.size, 3.6 * this.size]), entity, Colour.motor);
-    else
-      this.add("motors", "turn arrow", () => turnArrowMesh(2 * this.segments),
-        framed(origin, [x, y, z], [radius, radius, radius]), entity, Colour.motor);
+    const put = (name, make, at, size) => this.add("motors", name, make,
+      framed(at, [x, y, z], [size, size, size]), entity, Colour.motor);
+    const length = 3.6 * this.size;
+    const sideways = slides ? [add(x, y), subtract(x, y), subtract(y, x), times(add(x, y), -1)] : [];
+    for (const side of sideways)
+      put("arrow", () => arrowMesh(this.segments),
+        add(origin, add(times(side, 0.75 * radius), times(z, -length / 2))), length);
+    if (!slides)
+      put("turn arrow", () => turnArrowMesh(2 * this.segments), origin, radius);
+    this.places.set(entity, origin);
   }
 
   // An eye beside what a sensor measures; several ones stand around it.

@@ -145,7 +145,7 @@ function turnArrowMesh(segments) {
 }
 // From the origin along z, of length 1.
 const arrowMesh = segments =>
-  turnedMesh([[0, 0], [0.07, 0], [0.07, 0.65], [0.2, 0.65], [0, 1]], segments);
+  turnedMesh([[0, 0], [0.04, 0], [0.04, 0.75], [0.1, 0.75], [0, 1]], segments);
 
 // A coil of radius 1 from z = 0 to `height`, whose straight ends lie on the axis.
 function coilMesh(coils, height, wire, segments) {
