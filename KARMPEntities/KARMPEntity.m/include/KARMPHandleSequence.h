@@ -45,14 +45,14 @@ public:
     /// The same for a referent that is known not to be listed. A sequence that grows long this way
     /// gets its index when it is first asked for.
     void AppendNew(QOBSharedBase&& handle);
-    /// Adds what a map gives for each entry of another sequence, known not to be listed; nothing
-    /// for an entry that it does not map.
-    void AppendMapped(const KARMPHandleSequence& source, const karmp::ObjectMap& map);
+    /// Makes what a map gives for each entry of another sequence the entries of this one, without
+    /// those that it does not map. They are prefetched and not yet counted: CountPlaced follows,
+    /// whatever happens, before anything else is done with this sequence.
+    void PlaceMapped(const KARMPHandleSequence& source, const karmp::ObjectMap& map);
+    /// Counts the entries of PlaceMapped.
+    void CountPlaced() const noexcept;
     /// Prefetches the entries.
     void Prefetch() const noexcept;
-    /// Prefetches what AppendMapped is going to count of the objects that a map gives for the
-    /// entries.
-    void PrefetchMapped(const karmp::ObjectMap& map) const noexcept;
     /// Allocates at once what that number of entries takes.
     void Reserve(std::size_t count);
     /// Adds an entry before a position, or behind the others when there are not so many.

@@ -31,18 +31,13 @@ public:
     }
     /// Appends a link that is known not to be null, without a test for duplicates.
     void Append(const QOBSharedHandle<T>& handle) { m_handles.Append(handle); }
-    /// Appends what a map gives for each link of another list, where it gives something, without a
-    /// test for duplicates.
-    void AppendMapped(const KARMPLinkList& source, const karmp::ObjectMap& map)
+    /// As the operations of KARMPHandleSequence.
+    void PlaceMapped(const KARMPLinkList& source, const karmp::ObjectMap& map)
     {
-        m_handles.AppendMapped(source.m_handles, map);
+        m_handles.PlaceMapped(source.m_handles, map);
     }
-    /// Prefetch the links, and what AppendMapped is going to need of what a map gives for them.
+    void CountPlaced() const noexcept { m_handles.CountPlaced(); }
     void Prefetch() const noexcept { m_handles.Prefetch(); }
-    void PrefetchMapped(const karmp::ObjectMap& map) const noexcept
-    {
-        m_handles.PrefetchMapped(map);
-    }
     /// Inserts a link before an index, without a test for duplicates.
     KARStatus Insert(int index, const QOBSharedHandle<T>& handle,
                      KARMPSourceLocation where = KARMPSourceLocation::current())

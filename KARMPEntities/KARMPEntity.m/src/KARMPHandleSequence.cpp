@@ -202,26 +202,33 @@ void KARMPHandleSequence::AppendNew(QOBSharedBase&& handle)
     ++m_block->count;
 }
 
-void KARMPHandleSequence::AppendMapped(const KARMPHandleSequence& source,
-                                       const karmp::ObjectMap& map)
+void KARMPHandleSequence::PlaceMapped(const KARMPHandleSequence& source,
+                                      const karmp::ObjectMap& map)
 {
+    Clear();
     if (source.Count() == 0)
         return;
-    Reserve(Count() + source.Count());
-    for (std::size_t slot = 0; slot < source.SlotCount(); ++slot)
-        if (QOBSharedObject* const object = map.Find(source.Slots()[slot]._getReferent()))
-            AppendNew(QOBSharedBase(object));
+    Allocate(source.Count());
+    const QOBSharedBase* const end = source.Slots() + source.SlotCount();
+    QOBSharedBase* to = Slots();
+    for (const QOBSharedBase* from = source.Slots(); from != end; ++from) {
+        if (QOBSharedObject* const object = map.Find(from->_getReferent())) {
+            kar::Prefetch(object, 1);
+            ::new (to++) QOBSharedBase(QOBSharedBase::adopt(object));
+        }
+    }
+    m_block->count = static_cast<std::uint32_t>(to - Slots());
+}
+
+void KARMPHandleSequence::CountPlaced() const noexcept
+{
+    for (std::size_t slot = 0; slot < Count(); ++slot)
+        Slots()[slot]._getReferent()->addReference();
 }
 
 void KARMPHandleSequence::Prefetch() const noexcept
 {
     kar::Prefetch(m_block.get(), BlockSize(2 * FirstCapacity));
-}
-
-void KARMPHandleSequence::PrefetchMapped(const karmp::ObjectMap& map) const noexcept
-{
-    for (std::size_t slot = 0; slot < SlotCount(); ++slot)
-        kar::Prefetch(map.Find(Slots()[slot]._getReferent()), sizeof(QOBSharedObject));
 }
 
 void KARMPHandleSequence::Reserve(std::size_t count)

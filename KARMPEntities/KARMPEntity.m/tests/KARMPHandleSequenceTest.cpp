@@ -387,12 +387,12 @@ TEST(HandleSequence, GivesRunsOfEntriesWithAndWithoutHoles)
     ExpectSame(sequence, RunsOf(sequence));
 }
 
-TEST(HandleSequence, AppendsWhatAMapGivesForTheEntriesOfAnother)
+TEST(HandleSequence, TakesWhatAMapGivesForTheEntriesOfAnother)
 {
     const Entities entities = MakeEntities(120);
     karmp::ObjectMap map;
     KARMPHandleSequence source;
-    std::vector<QOBSharedBase> expected{entities[0]};
+    std::vector<QOBSharedBase> expected;
     for (std::size_t index = 1; index < 100; ++index) {
         source.Append(entities[index]);
         if (index % 3 == 0 || index == 50)
@@ -401,13 +401,20 @@ TEST(HandleSequence, AppendsWhatAMapGivesForTheEntriesOfAnother)
         expected.push_back(entities[index + 20]);
     }
     source.Take(49); // a hole at what is not mapped
-    KARMPHandleSequence sequence;
-    sequence.AppendMapped(KARMPHandleSequence(), map);
-    sequence.Append(entities[0]);
-    sequence.AppendMapped(source, map);
-    ExpectSame(sequence, expected);
-    EXPECT_TRUE(sequence.Contains(entities[21].get()));
-    EXPECT_FALSE(sequence.Contains(entities[1].get()));
+    {
+        KARMPHandleSequence sequence;
+        sequence.Append(entities[0]);
+        sequence.PlaceMapped(KARMPHandleSequence(), map);
+        sequence.CountPlaced();
+        EXPECT_EQ(sequence.Count(), 0U);
+        sequence.PlaceMapped(source, map);
+        sequence.CountPlaced();
+        ExpectSame(sequence, expected);
+        EXPECT_TRUE(sequence.Contains(entities[21].get()));
+        EXPECT_FALSE(sequence.Contains(entities[1].get()));
+        EXPECT_EQ(entities[21]->getReferenceCount(), 4U);
+    }
+    EXPECT_EQ(entities[21]->getReferenceCount(), 3U); // in entities, source and expected
 }
 
 // A copy has no slot to spare, so that the next entry moves the handles before they are indexed.

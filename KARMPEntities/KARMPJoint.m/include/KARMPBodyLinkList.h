@@ -59,19 +59,16 @@ public:
     }
     /// The bodies without their orientations.
     const KARMPLinkList<Body>& Bodies() const noexcept { return m_bodies; }
-    /// Appends what a function gives for each body of another list, where that is not null, with
-    /// the orientation, without a test for duplicates.
+    /// As KARMPHandleSequence::PlaceMapped, with the orientations; CountPlaced follows at Bodies().
     template <class Map>
-    void AppendMapped(const KARMPBodyLinkList& source, Map map)
+    void PlaceMapped(const KARMPBodyLinkList& source, const Map& map)
     {
-        m_orientations.Reserve(static_cast<std::size_t>(Count() + source.Count()));
-        for (int index = 0; index < source.Count(); ++index) {
-            if (const QOBSharedHandle<Body> body = map(source.m_bodies.Referent(index))) {
-                m_orientations[static_cast<std::size_t>(Count())] =
-                    source.m_orientations[static_cast<std::size_t>(index)];
-                m_bodies.Append(body);
-            }
-        }
+        m_orientations.Reserve(static_cast<std::size_t>(source.Count()));
+        m_bodies.PlaceMapped(source.m_bodies, map);
+        std::size_t placed = 0;
+        for (int index = 0; index < source.Count(); ++index)
+            if (map.Find(source.m_bodies.Referent(index)) != nullptr)
+                m_orientations[placed++] = source.m_orientations[static_cast<std::size_t>(index)];
     }
     /// Drops all links.
     void Clear() { m_bodies.Clear(); }

@@ -24,8 +24,8 @@ struct PlainPair
     const PlainKind* kind;
 };
 
-/// The steps by which the links of an entity are restored.
-enum class LinkStep { PrefetchLists, PrefetchLinked, Make };
+/// The steps by which the links of an entity are restored: one that was placed must be counted.
+enum class LinkStep { PrefetchLists, Place, Count };
 /// Takes a step for an entity of a plain class.
 using RestorePlainLinks = void (*)(LinkStep step, const PlainPair& pair, const ObjectMap& map);
 /// How a clone treats entities of a plain class: one that overrides nothing of what copies them, so

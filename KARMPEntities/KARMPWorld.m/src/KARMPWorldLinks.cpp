@@ -11,8 +11,6 @@
 #include "KARMPSketch.h"
 #include "KARPrefetch.h"
 
-#include <array>
-
 namespace {
 
 using karmp::Duplicates;
@@ -252,13 +250,13 @@ struct karmp::LinkAccess
             case LinkStep::PrefetchLists:
                 VisitLinks(source, source, [](const auto& links, const auto&) { Prefetch(links); });
                 break;
-            case LinkStep::PrefetchLinked:
-                VisitLinks(source, source,
-                           [&map](const auto& links, const auto&) { PrefetchMapped(links, map); });
-                break;
-            case LinkStep::Make:
+            case LinkStep::Place:
                 VisitLinks(source, static_cast<T&>(*pair.duplicate),
-                           [&map](const auto& links, auto& made) { Make(links, made, map); });
+                           [&map](const auto& links, auto& made) { Place(links, made, map); });
+                break;
+            case LinkStep::Count:
+                VisitLinks(source, static_cast<T&>(*pair.duplicate),
+                           [&map](const auto& links, auto& made) { Count(links, made, map); });
                 break;
             }
         }
@@ -321,35 +319,30 @@ private:
     static void Prefetch(const KARMPLink<T>&)
     {}
 
-    template <class T>
-    static void PrefetchMapped(const KARMPLinkList<T>& links, const ObjectMap& map)
+    template <class Links>
+    static void Place(const Links& links, Links& made, const ObjectMap& map)
     {
-        links.PrefetchMapped(map);
-    }
-    static void PrefetchMapped(const KARMPBodyLinkList<KARMPBody>& links, const ObjectMap& map)
-    {
-        links.Bodies().PrefetchMapped(map);
+        made.PlaceMapped(links, map);
     }
     template <class T>
-    static void PrefetchMapped(const KARMPLink<T>& link, const ObjectMap& map)
+    static void Place(const KARMPLink<T>& link, KARMPLink<T>&, const ObjectMap& map)
     {
         if (link)
-            kar::Prefetch(map.Find(link.Handle()._getReferent()), sizeof(QOBSharedObject));
+            kar::Prefetch(map.Find(link.Handle()._getReferent()), 1);
     }
 
     template <class T>
-    static void Make(const KARMPLinkList<T>& links, KARMPLinkList<T>& made, const ObjectMap& map)
+    static void Count(const KARMPLinkList<T>&, const KARMPLinkList<T>& made, const ObjectMap&)
     {
-        made.AppendMapped(links, map);
+        made.CountPlaced();
     }
-    static void Make(const KARMPBodyLinkList<KARMPBody>& links, KARMPBodyLinkList<KARMPBody>& made,
-                     const ObjectMap& map)
+    static void Count(const KARMPBodyLinkList<KARMPBody>&, const KARMPBodyLinkList<KARMPBody>& made,
+                      const ObjectMap&)
     {
-        made.AppendMapped(
-            links, [&map](const QOBSharedObject* body) { return Mapped<KARMPBody>(body, map); });
+        made.Bodies().CountPlaced();
     }
     template <class T>
-    static void Make(const KARMPLink<T>& link, KARMPLink<T>& made, const ObjectMap& map)
+    static void Count(const KARMPLink<T>& link, KARMPLink<T>& made, const ObjectMap& map)
     {
         if (link)
             made.Assign(Mapped<T>(link.Handle()._getReferent(), map));
@@ -374,18 +367,26 @@ karmp::RestorePlainLinks karmp::PlainLinksOf(const QOBClassInfo& info)
 void karmp::RestoreLinks(const std::vector<PlainPair>& pairs, const ObjectMap& map)
 {
     constexpr std::size_t Behind = kar::PrefetchDistance;
-    constexpr std::array Steps{LinkStep::PrefetchLists, LinkStep::PrefetchLinked, LinkStep::Make};
-    for (std::size_t ahead = 0; ahead < pairs.size() + Steps.size() * Behind; ++ahead) {
-        if (ahead < pairs.size()) {
-            LinkAccess::PrefetchMembers(pairs[ahead].source);
-            LinkAccess::PrefetchMembers(pairs[ahead].duplicate);
+    const auto take = [&](LinkStep step, std::size_t index) {
+        if (index < pairs.size() && pairs[index].kind->restoreLinks != nullptr)
+            pairs[index].kind->restoreLinks(step, pairs[index], map);
+    };
+    std::size_t ahead = 0;
+    try {
+        for (; ahead < pairs.size() + 3 * Behind; ++ahead) {
+            if (ahead < pairs.size()) {
+                LinkAccess::PrefetchMembers(pairs[ahead].source);
+                LinkAccess::PrefetchMembers(pairs[ahead].duplicate);
+            }
+            take(LinkStep::PrefetchLists, ahead - Behind);
+            take(LinkStep::Place, ahead - 2 * Behind);
+            take(LinkStep::Count, ahead - 3 * Behind);
         }
-        std::size_t index = ahead;
-        for (const LinkStep step : Steps) {
-            index -= Behind;
-            if (index < pairs.size() && pairs[index].kind->restoreLinks != nullptr)
-                pairs[index].kind->restoreLinks(step, pairs[index], map);
-        }
+    } catch (...) {
+        // What is placed must be counted, so that the clone can be destroyed.
+        for (std::size_t index = ahead - 3 * Behind; index != ahead - 2 * Behind + 1; ++index)
+            take(LinkStep::Count, index);
+        throw;
     }
 }
 

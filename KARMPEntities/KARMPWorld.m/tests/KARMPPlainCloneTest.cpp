@@ -1,5 +1,6 @@
 // Clones of large worlds of library classes, which take another way than those with an
 // application's own classes: both must give the same.
+#include "AllocationCounter.h"
 #include "CloneTesting.h"
 #include "KARMP3DRep.h"
 #include "KARMPBody2D.h"
@@ -12,6 +13,7 @@
 #include "KARMPShape2D.h"
 
 #include <algorithm>
+#include <new>
 #include <random>
 
 namespace {
@@ -311,6 +313,38 @@ TEST_F(PlainClone, OfAWholeWorldListsDuplicatesOfAllKindsInOrder)
     expected.insert(expected.begin(), L"GlobalAxisSystem");
     EXPECT_EQ(NamesIn<KARMPGeometry>(*clone), expected);
     EXPECT_EQ(Named<KARMPBody>(*clone, L"body3")->GetGeometryCount(), 0);
+}
+
+// The lists are so long that their blocks come from the heap. Where a link was not counted, the
+// address sanitizer finds it.
+TEST_F(CloneFixture, WhereAnAllocationFailsIsFreedWithTheLinksThatItHas)
+{
+    if (!AllocationCounter::Counts)
+        GTEST_SKIP() << "allocations cannot fail in this build";
+    std::vector<QOBSharedHandle<KARMPEntity>> all;
+    for (int number = 0; number < 20; ++number) {
+        const auto body = File<KARMPBody>(KARMPBody::create(L"body"));
+        all.emplace_back(body);
+        for (int index = 0; index < 12; ++index) {
+            const auto point = File<KARMPGeometry>(KARMPPoint::create(L"point"));
+            body->AddGeometry(point);
+            all.emplace_back(point);
+        }
+    }
+    const QOBSharedList<KARMPEntity> list(all.begin(), all.end());
+    int failures = 0;
+    for (bool isDone = false; !isDone;) {
+        AllocationCounter counter;
+        counter.FailAllocation(static_cast<std::size_t>(failures) + 1);
+        try {
+            static_cast<void>(world->CloneWithFilter(list));
+            isDone = true;
+        } catch (const std::bad_alloc&) {
+            ++failures;
+        }
+    }
+    EXPECT_GT(failures, 20);
+    EXPECT_EQ(all.front()->getReferenceCount(), 4U); // here, the list, the world and its hierarchy
 }
 
 struct WithOwnCopy : KARMPPoint
