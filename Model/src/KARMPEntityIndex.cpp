@@ -1,6 +1,5 @@
 #include "KARMPEntityIndex.h"
 
-#include <functional>
 #include <optional>
 #include <utility>
 
@@ -23,15 +22,6 @@ struct karmp::ContentOf<karmp::model::GivenIdentifier>
 
 namespace karmp::model {
 
-namespace {
-
-std::size_t HashOf(std::wstring_view identifier)
-{
-    return std::hash<std::wstring_view>()(identifier);
-}
-
-} // namespace
-
 const std::wstring* IdentifierIfGiven(const KARMPEntity& entity)
 {
     return ContentOf<GivenIdentifier>::Of(entity);
@@ -52,6 +42,7 @@ void EntityIndex::Reserve(std::size_t count)
         Grow(slots);
 }
 
+// The low bit of a hash marks a used slot, so that the others choose the slot.
 void EntityIndex::Grow(std::size_t slots)
 {
     std::vector<Slot> former(slots);
@@ -60,8 +51,8 @@ void EntityIndex::Grow(std::size_t slots)
     for (Slot& slot : former) {
         if (!slot.entity)
             continue;
-        std::size_t index = slot.hash & (slots - 1);
-        while (m_slots[index].wasUsed)
+        std::size_t index = (slot.hash >> 1) & (slots - 1);
+        while (m_slots[index].hash != 0)
             index = (index + 1) & (slots - 1);
         m_slots[index] = std::move(slot);
         ++m_used;
@@ -72,28 +63,36 @@ void EntityIndex::Grow(std::size_t slots)
 std::size_t EntityIndex::SlotOf(std::wstring_view identifier, std::size_t hash) const
 {
     const std::size_t mask = m_slots.size() - 1;
-    std::size_t index = hash & mask;
-    while (m_slots[index].wasUsed) {
+    std::size_t index = (hash >> 1) & mask;
+    while (m_slots[index].hash != 0) {
         const Slot& slot = m_slots[index];
-        if (slot.entity && slot.hash == hash && *IdentifierIfGiven(*slot.entity) == identifier)
+        if (slot.hash == hash && slot.entity && *IdentifierIfGiven(*slot.entity) == identifier)
             break;
         index = (index + 1) & mask;
     }
     return index;
 }
 
-void EntityIndex::Add(const QOBSharedHandle<KARMPEntity>& entity)
+void EntityIndex::GrowForOne()
 {
-    const std::wstring* const identifier = IdentifierIfGiven(*entity);
-    if (identifier == nullptr)
-        return;
-    if (2 * (m_used + 1) > m_slots.size())
+    if (4 * (m_used + 1) > 3 * m_slots.size())
         Grow(m_slots.empty() ? 16 : 2 * m_slots.size());
-    const std::size_t hash = HashOf(*identifier);
-    Slot& slot = m_slots[SlotOf(*identifier, hash)];
-    if (slot.entity)
-        return;
-    slot = {hash, entity, true};
+}
+
+void EntityIndex::Add(const QOBSharedHandle<KARMPEntity>& entity, std::size_t hash)
+{
+    if (Find(*IdentifierIfGiven(*entity), hash) == nullptr)
+        AddNew(entity, hash);
+}
+
+void EntityIndex::AddNew(const QOBSharedHandle<KARMPEntity>& entity, std::size_t hash)
+{
+    GrowForOne();
+    const std::size_t mask = m_slots.size() - 1;
+    std::size_t index = (Marked(hash) >> 1) & mask;
+    while (m_slots[index].hash != 0)
+        index = (index + 1) & mask;
+    m_slots[index] = {Marked(hash), entity};
     ++m_used;
 }
 
@@ -102,16 +101,16 @@ void EntityIndex::Remove(const KARMPEntity& entity)
     const std::wstring* const identifier = IdentifierIfGiven(entity);
     if (identifier == nullptr || m_slots.empty())
         return;
-    Slot& slot = m_slots[SlotOf(*identifier, HashOf(*identifier))];
+    Slot& slot = m_slots[SlotOf(*identifier, Marked(HashOf(*identifier)))];
     if (slot.entity.get() == &entity)
         slot.entity = nullptr;
 }
 
-KARMPEntity* EntityIndex::Find(std::wstring_view identifier) const
+KARMPEntity* EntityIndex::Find(std::wstring_view identifier, std::size_t hash) const
 {
     if (m_slots.empty())
         return nullptr;
-    return m_slots[SlotOf(identifier, HashOf(identifier))].entity.get();
+    return m_slots[SlotOf(identifier, Marked(hash))].entity.get();
 }
 
 } // namespace karmp::model

@@ -3,6 +3,7 @@
 #include "KARMPEntity.h"
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,25 +18,36 @@ const std::wstring* IdentifierIfGiven(const KARMPEntity& entity);
 class EntityIndex
 {
 public:
+    /// What the operations take with an identifier.
+    static std::size_t HashOf(std::wstring_view identifier)
+    {
+        return std::hash<std::wstring_view>()(identifier);
+    }
+
     void Clear();
     /// Prepares for a number of entities in all.
     void Reserve(std::size_t count);
-    /// Adds an entity; one without an identifier is left out.
-    void Add(const QOBSharedHandle<KARMPEntity>& entity);
+    /// Adds an entity by the hash of its identifier.
+    void Add(const QOBSharedHandle<KARMPEntity>& entity, std::size_t hash);
+    /// The same for an identifier that is known not to be there.
+    void AddNew(const QOBSharedHandle<KARMPEntity>& entity, std::size_t hash);
     void Remove(const KARMPEntity& entity);
     /// The entity of an identifier, null when there is none.
-    KARMPEntity* Find(std::wstring_view identifier) const;
+    KARMPEntity* Find(std::wstring_view identifier, std::size_t hash) const;
 
 private:
+    /// The hash is 0 in a slot that was never used. A slot that was used and has no entity is
+    /// passed over.
     struct Slot
     {
         std::size_t hash = 0;
         QOBSharedHandle<KARMPEntity> entity;
-        bool wasUsed = false;
     };
 
+    static std::size_t Marked(std::size_t hash) { return hash | 1; }
     std::size_t SlotOf(std::wstring_view identifier, std::size_t hash) const;
     void Grow(std::size_t slots);
+    void GrowForOne();
 
     std::vector<Slot> m_slots; // a power of two
     std::size_t m_used = 0;    // slots with an entity, or that had one

@@ -19,7 +19,7 @@ using Entity = QOBSharedHandle<KARMPEntity>;
 
 QOBSharedHandle<KARMPWorld> NewWorld(std::string_view name)
 {
-    return KARMPWorld::create(QOBBasicWorld::create(kar::ToWide(name)));
+    return KARMPWorld::create(QOBBasicWorld::create(Wide(name)));
 }
 
 // Unless it has one, a global gets the identifier that documents give it.
@@ -113,7 +113,7 @@ Model::Entity Model::AddEntity(const QOBClassInfo& info, std::string_view identi
 {
     Entity entity;
     m_core->Perform(where, [&](Edit& edit) {
-        entity = edit.Create(info, kar::ToWide(identifier));
+        entity = edit.Create(info, Wide(identifier));
         return static_cast<bool>(entity);
     });
     return entity;
@@ -132,7 +132,7 @@ Ref<KARMPEntity> Model::Add(std::string_view className, std::string_view identif
         Entity sample;
         if (KARFailed(KARMPFactory::Create(className, sample)) || !sample)
             return edit.Fail("a " + std::string(className) + " cannot be made");
-        entity = edit.Create(sample->getClassInfo(), kar::ToWide(identifier));
+        entity = edit.Create(sample->getClassInfo(), Wide(identifier));
         return static_cast<bool>(entity);
     });
     return Ref<KARMPEntity>(entity);
@@ -142,8 +142,7 @@ bool Model::Link(const Ref<KARMPEntity>& first, const Ref<KARMPEntity>& second,
                  std::string_view item, Where where)
 {
     return m_core->Perform(
-        where,
-        [&](Edit& edit) { return edit.Link(first.Handle(), second.Handle(), kar::ToWide(item)); });
+        where, [&](Edit& edit) { return edit.Link(first.Handle(), second.Handle(), Wide(item)); });
 }
 
 bool Model::Unlink(const Ref<KARMPEntity>& first, const Ref<KARMPEntity>& second,
@@ -151,20 +150,18 @@ bool Model::Unlink(const Ref<KARMPEntity>& first, const Ref<KARMPEntity>& second
 {
     return m_core->Perform(
         where,
-        [&](Edit& edit) {
-            return edit.Unlink(first.Handle(), second.Handle(), kar::ToWide(item));
-        });
+        [&](Edit& edit) { return edit.Unlink(first.Handle(), second.Handle(), Wide(item)); });
 }
 
 bool Model::Rename(const Ref<KARMPEntity>& entity, std::string_view name, Where where)
 {
     return m_core->Perform(
-        where, [&](Edit& edit) { return edit.Rename(entity.Handle(), kar::ToWide(name)); });
+        where, [&](Edit& edit) { return edit.Rename(entity.Handle(), Wide(name)); });
 }
 
 Model::Entity Model::FindEntity(bool (*fits)(const KARMPEntity&), std::string_view key) const
 {
-    const std::wstring wide = kar::ToWide(key);
+    const std::wstring wide = Wide(key);
     if (KARMPEntity* const entity = m_core->FindByIdentifier(wide);
         entity != nullptr && fits(*entity))
         return Entity(entity);
@@ -175,7 +172,7 @@ Model::Entity Model::FindEntity(bool (*fits)(const KARMPEntity&), std::string_vi
 Model::Entity Model::GetEntity(bool (*fits)(const KARMPEntity&), const std::string& className,
                                std::string_view key, Where where, Outcome& problem) const
 {
-    auto found = m_core->FindByKey(kar::ToWide(key), fits);
+    auto found = m_core->FindByKey(Wide(key), fits);
     if (found.size() == 1)
         return std::move(found.front());
     const std::string quoted = '"' + std::string(key) + '"';

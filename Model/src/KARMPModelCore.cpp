@@ -1,12 +1,11 @@
 #include "KARMPModelCore.h"
 
-#include "KARMPGenericFactory.h"
 #include "KARTextConversion.h"
 #include "QOBBasicWorld.h"
 
+#include <algorithm>
 #include <exception>
 #include <new>
-#include <unordered_map>
 #include <utility>
 
 namespace karmp::model {
@@ -16,13 +15,13 @@ namespace {
 static_assert([]<class... T>(FamilyList<T...>) { return sizeof...(T); }(Families()) == 19,
               "the index counts each family");
 
-KARMPFactory::Class FactoryClassOf(const QOBClassInfo& info)
+std::size_t CountAll(const KARMPWorld& world)
 {
-    thread_local std::unordered_map<const QOBClassInfo*, KARMPFactory::Class> classes;
-    const auto found = classes.find(&info);
-    return found != classes.end()
-               ? found->second
-               : classes.emplace(&info, KARMPFactory::Class(info.getName())).first->second;
+    std::size_t sum = 0;
+    Families::ForEach([&](auto family) {
+        sum += static_cast<std::size_t>(world.Count<typename decltype(family)::Type>());
+    });
+    return sum;
 }
 
 } // namespace
@@ -34,6 +33,12 @@ std::string TitleOf(const KARMPEntity& entity)
     if (identifier != nullptr && *identifier != entity.getEntityName())
         title += " [" + kar::ToUtf8(*identifier) + ']';
     return title;
+}
+
+Core::Core(QOBSharedHandle<KARMPWorld> world) : m_world(std::move(world))
+{
+    if (m_world)
+        m_parent = QOBSharedHandle<QOBBasicEntity>(m_world->getExtendible());
 }
 
 bool Core::Perform(Where where, void* work, bool (*call)(void* work, Edit& edit))
@@ -59,25 +64,47 @@ bool Core::Perform(Where where, void* work, bool (*call)(void* work, Edit& edit)
     return false;
 }
 
-Core::Entity Core::Create(const QOBClassInfo& info) const
+// Entities of one class are often created in a row.
+Core::Made& Core::MadeOf(const QOBClassInfo& info)
 {
+    const auto found = std::find_if(m_made.begin(), m_made.end(),
+                                    [&info](const Made& made) { return made.info == &info; });
+    if (found == m_made.end())
+        m_made.insert(m_made.begin(), {&info, KARMPFactory::Class(info.getName()), nullptr});
+    else
+        std::swap(*found, m_made.front());
+    return m_made.front();
+}
+
+Core::Entity Core::Create(const QOBClassInfo& info, const FamilyOperations*& family)
+{
+    Made& made = MadeOf(info);
     Entity entity;
-    if (KARFailed(KARMPFactory::Create(FactoryClassOf(info), entity)))
+    if (KARFailed(KARMPFactory::Create(made.factory, entity)) || !entity ||
+        !entity->isDerivedFrom(info))
         return {};
+    if (made.family == nullptr)
+        made.family = FamilyOf(*entity);
+    family = made.family;
     return entity;
+}
+
+void Core::Count(const FamilyOperations& family, int change)
+{
+    m_known[static_cast<std::size_t>(&family - AllFamilies().data())] +=
+        static_cast<std::size_t>(change);
+    m_knownInAll += static_cast<std::size_t>(change);
 }
 
 KARStatus Core::File(const Entity& entity, const FamilyOperations& family)
 {
-    const QOBSharedHandle<QOBBasicEntity> parent(m_world->getExtendible());
-    if (!parent)
+    if (!m_parent)
         return KARFailure;
-    if (const KARStatus status = parent->addLogicalChild(entity); KARFailed(status))
+    if (const KARStatus status = m_parent->addLogicalChild(entity); KARFailed(status))
         return status;
     if (const KARStatus status = family.add(*m_world, entity); status != KARSuccess)
         return KARFailed(status) ? status : KARFailure;
-    m_index.Add(entity);
-    ++m_known[static_cast<std::size_t>(&family - AllFamilies().data())];
+    Count(family, 1);
     return KARSuccess;
 }
 
@@ -88,7 +115,7 @@ void Core::Unfile(const Entity& entity, const FamilyOperations& family)
     m_index.Remove(*entity);
     // It may not have been listed, when filing it failed.
     if (family.count(*m_world) < count)
-        --m_known[static_cast<std::size_t>(&family - AllFamilies().data())];
+        Count(family, -1);
     entity->orphanObject();
 }
 
@@ -96,19 +123,16 @@ void Core::Unfile(const Entity& entity, const FamilyOperations& family)
 // removed past the model make a list shorter.
 void Core::RefreshIndex()
 {
+    const std::size_t sum = CountAll(*m_world);
+    if (sum == m_knownInAll)
+        return;
     const auto families = AllFamilies();
     std::array<std::size_t, FamilyCount> counts{};
-    std::size_t sum = 0;
     bool isShorter = false;
-    bool isLonger = false;
     for (std::size_t i = 0; i < FamilyCount; ++i) {
         counts[i] = families[i].count(*m_world);
-        sum += counts[i];
         isShorter = isShorter || counts[i] < m_known[i];
-        isLonger = isLonger || counts[i] > m_known[i];
     }
-    if (!isShorter && !isLonger)
-        return;
     if (isShorter) {
         m_index.Clear();
         m_known = {};
@@ -117,14 +141,16 @@ void Core::RefreshIndex()
     for (std::size_t i = 0; i < FamilyCount; ++i) {
         for (; m_known[i] < counts[i]; ++m_known[i])
             if (const Entity entity = families[i].at(*m_world, m_known[i]))
-                m_index.Add(entity);
+                if (const std::wstring* const identifier = IdentifierIfGiven(*entity))
+                    m_index.Add(entity, EntityIndex::HashOf(*identifier));
     }
+    m_knownInAll = sum;
 }
 
-KARMPEntity* Core::FindByIdentifier(std::wstring_view identifier)
+KARMPEntity* Core::FindByIdentifier(std::wstring_view identifier, std::size_t hash)
 {
     RefreshIndex();
-    KARMPEntity* const entity = m_index.Find(identifier);
+    KARMPEntity* const entity = m_index.Find(identifier, hash);
     return entity != nullptr && !entity->isOrphaned() ? entity : nullptr;
 }
 

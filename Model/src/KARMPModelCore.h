@@ -2,6 +2,7 @@
 
 #include "KARMPEntityIndex.h"
 #include "KARMPFamilyOperations.h"
+#include "KARMPGenericFactory.h"
 #include "KARMPModelEdit.h"
 #include "KARMPModelResult.h"
 
@@ -23,7 +24,7 @@ class Core
 public:
     using Entity = QOBSharedHandle<KARMPEntity>;
 
-    explicit Core(QOBSharedHandle<KARMPWorld> world) : m_world(std::move(world)) {}
+    explicit Core(QOBSharedHandle<KARMPWorld> world);
 
     const QOBSharedHandle<KARMPWorld>& World() const { return m_world; }
     const std::vector<Problem>& Problems() const { return m_problems; }
@@ -41,15 +42,22 @@ public:
         });
     }
 
-    /// A new entity that stands under no world.
-    Entity Create(const QOBClassInfo& info) const;
-    /// Adds an entity to the registry of its family, places it, and enters it into the index.
+    /// A new entity that stands under no world, null when the factory makes none of the class, and
+    /// its family, null for a class that no world lists.
+    Entity Create(const QOBClassInfo& info, const FamilyOperations*& family);
+    /// Enters an entity with a new identifier into the index, which keeps it.
+    void Index(const Entity& entity, std::size_t hash) { m_index.AddNew(entity, hash); }
+    /// Places an entity under the basic world and adds it to the registry of its family.
     KARStatus File(const Entity& entity, const FamilyOperations& family);
-    /// Takes it out again; it is orphaned.
+    /// Takes it out again, out of the index too; it is orphaned.
     void Unfile(const Entity& entity, const FamilyOperations& family);
 
     /// The entity of an identifier, null without one.
-    KARMPEntity* FindByIdentifier(std::wstring_view identifier);
+    KARMPEntity* FindByIdentifier(std::wstring_view identifier)
+    {
+        return FindByIdentifier(identifier, EntityIndex::HashOf(identifier));
+    }
+    KARMPEntity* FindByIdentifier(std::wstring_view identifier, std::size_t hash);
     /// Those that a key names: the one of that identifier, otherwise all of that name.
     std::vector<Entity> FindByKey(std::wstring_view key, Fits fits);
     /// Calls `visit` with each entity of the world, or of one family.
@@ -72,11 +80,25 @@ private:
 
     bool Perform(Where where, void* work, bool (*call)(void* work, Edit& edit));
     void RefreshIndex();
+    void Count(const FamilyOperations& family, int change);
+
+    /// What is known of a class that entities were created of.
+    struct Made
+    {
+        const QOBClassInfo* info = nullptr;
+        KARMPFactory::Class factory;
+        const FamilyOperations* family = nullptr;
+    };
+
+    Made& MadeOf(const QOBClassInfo& info);
 
     QOBSharedHandle<KARMPWorld> m_world;
+    QOBSharedHandle<QOBBasicEntity> m_parent; // the basic world
+    std::vector<Made> m_made;                 // the latest one first
     EntityIndex m_index;
-    /// How many entities of each family the index knows.
+    /// How many entities of each family the index knows, and of all.
     std::array<std::size_t, FamilyCount> m_known{};
+    std::size_t m_knownInAll = 0;
     std::vector<Problem> m_problems;
     EditLog m_log;
 };

@@ -23,16 +23,16 @@ void Edit::Undo(EditStep& step)
     case EditStep::Kind::Nothing:
         break;
     case EditStep::Kind::Filed:
-        m_core.Unfile(step.entity, *step.family);
+        m_core.Unfile(Entity(step.entity), *step.family);
         break;
     case EditStep::Kind::Linked:
-        step.half->unlink(*step.entity, step.target);
+        step.half->unlink(*step.entity, Entity(step.target));
         break;
     case EditStep::Kind::Unlinked:
-        step.half->link(*step.entity, step.target, step.word);
+        step.half->link(*step.entity, Entity(step.target), step.word);
         break;
     case EditStep::Kind::Renamed:
-        step.entity->setEntityName(step.name);
+        step.entity->setEntityName(*step.name);
         break;
     }
 }
@@ -64,36 +64,33 @@ bool Edit::IsThere(const QOBSharedBase& entity, std::string_view role)
     return !object->isOrphaned() || Fail("the " + std::string(role) + " was deleted");
 }
 
-Edit::Entity Edit::Create(const QOBClassInfo& info, std::wstring_view identifier)
+Edit::Entity Edit::Create(const QOBClassInfo& info, const std::wstring& identifier)
 {
     if (identifier.empty()) {
         Fail("a " + info.getName() + " needs an identifier");
         return {};
     }
-    if (const KARMPEntity* const other = m_core.FindByIdentifier(identifier)) {
+    const std::size_t hash = EntityIndex::HashOf(identifier);
+    if (const KARMPEntity* const other = m_core.FindByIdentifier(identifier, hash)) {
         Fail("\"" + kar::ToUtf8(identifier) + "\" is the identifier of " + TitleOf(*other));
         return {};
     }
-    Entity entity = m_core.Create(info);
-    if (!entity || !entity->isDerivedFrom(info)) {
-        Fail("a " + info.getName() + " cannot be made");
+    const FamilyOperations* family = nullptr;
+    Entity entity = m_core.Create(info, family);
+    if (!entity || family == nullptr) {
+        Fail(entity ? "a world lists no " + info.getName()
+                    : "a " + info.getName() + " cannot be made");
         return {};
     }
-    const FamilyOperations* const family = FamilyOf(*entity);
-    if (family == nullptr) {
-        Fail("a world lists no " + info.getName());
-        return {};
-    }
-    const std::wstring name(identifier);
-    entity->setEntityName(name);
+    entity->setEntityName(identifier);
     EditStep& step = NextStep();
-    step.kind = EditStep::Kind::Filed;
-    step.entity = entity;
-    step.family = family;
-    if (!Check(entity->SetIdentifier(name), "the identifier", *entity) ||
-        !Check(m_core.File(entity, *family), "the filing", *entity))
+    if (!Check(entity->SetIdentifier(identifier), "the identifier", *entity))
         return {};
-    return entity;
+    m_core.Index(entity, hash);
+    step.kind = EditStep::Kind::Filed;
+    step.entity = entity.get();
+    step.family = family;
+    return Check(m_core.File(entity, *family), "the filing", *entity) ? entity : Entity();
 }
 
 bool Edit::LinkHalf(const HalfLink& half, const Entity& owner, const Entity& target, int word)
@@ -115,8 +112,8 @@ bool Edit::LinkHalf(const HalfLink& half, const Entity& owner, const Entity& tar
     }
     step.kind = EditStep::Kind::Linked;
     step.half = &half;
-    step.entity = owner;
-    step.target = target;
+    step.entity = owner.get();
+    step.target = target.get();
     return true;
 }
 
@@ -125,8 +122,8 @@ bool Edit::UnlinkHalf(const HalfLink& half, const Entity& owner, const Entity& t
 {
     EditStep& step = NextStep();
     step.half = &half;
-    step.entity = owner;
-    step.target = target;
+    step.entity = owner.get();
+    step.target = target.get();
     if (half.wordOf != nullptr)
         step.word = half.wordOf(*owner, target);
     step.kind = EditStep::Kind::Unlinked;
@@ -189,8 +186,8 @@ bool Edit::Rename(const Entity& entity, std::wstring_view name)
         return Fail(TitleOf(*entity) + " needs a name");
     EditStep& step = NextStep();
     step.kind = EditStep::Kind::Renamed;
-    step.entity = entity;
-    step.name = entity->getEntityName();
+    step.entity = entity.get();
+    step.name = std::make_unique<std::wstring>(entity->getEntityName());
     entity->setEntityName(std::wstring(name));
     return true;
 }

@@ -4,6 +4,7 @@
 #include "KARMPModelResult.h"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -15,19 +16,20 @@ class Core;
 struct FamilyOperations;
 struct HalfLink;
 
-/// What an edit has done, in order, for undoing it.
+/// What an edit has done, in order, for undoing it. The entities are kept by the index, or by the
+/// caller.
 struct EditStep
 {
     enum class Kind : std::uint8_t { Nothing, Filed, Linked, Unlinked, Renamed };
 
     Kind kind = Kind::Nothing;
-    QOBSharedHandle<KARMPEntity> entity = nullptr;
-    QOBSharedHandle<KARMPEntity> target = nullptr;
+    KARMPEntity* entity = nullptr;
+    KARMPEntity* target = nullptr;
     const FamilyOperations* family = nullptr;
     const HalfLink* half = nullptr;
     /// The word that an entry had that was unlinked.
     int word = -1;
-    std::wstring name = {};
+    std::unique_ptr<std::wstring> name = nullptr;
 };
 using EditLog = std::vector<EditStep>;
 
@@ -52,11 +54,13 @@ public:
     const std::optional<Problem>& Reason() const { return m_reason; }
 
     /// A new entity of a class, named, identified, placed and filed; null after a failure.
-    Entity Create(const QOBClassInfo& info, std::wstring_view identifier);
+    Entity Create(const QOBClassInfo& info, const std::wstring& identifier);
     template <class T>
-    QOBSharedHandle<T> Create(std::wstring_view identifier)
+    QOBSharedHandle<T> Create(const std::wstring& identifier)
     {
-        return QOBSharedHandle<T>::unchecked(Create(T::ClassInfo(), identifier));
+        QOBSharedHandle<T> typed;
+        static_cast<QOBSharedBase&>(typed) = Create(T::ClassInfo(), identifier);
+        return typed;
     }
     /// True for a handle on an entity that is not deleted; otherwise fails.
     bool IsThere(const QOBSharedBase& entity, std::string_view role);

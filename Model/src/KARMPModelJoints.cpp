@@ -7,6 +7,7 @@
 #include "KARMPLinearEquation.h"
 #include "KARMPModel.h"
 #include "KARMPModelCore.h"
+#include "KARMPModelNames.h"
 #include "KARMPModelPlacing.h"
 #include "KARMPPlane.h"
 #include "KARMPPoint.h"
@@ -15,7 +16,6 @@
 #include "KARMathDirection.h"
 #include "KARMathLine.h"
 #include "KARMathPlane.h"
-#include "KARTextConversion.h"
 
 #include <algorithm>
 #include <array>
@@ -173,7 +173,7 @@ Model::Entity Model::AddJoint(const QOBClassInfo& info, std::string_view identif
             return false;
         if (parent == child)
             return edit.Fail("a joint needs two bodies; " + TitleOf(*parent) + " is both");
-        const std::wstring name = kar::ToWide(identifier);
+        const std::wstring name = Wide(identifier);
         const Entity onParent = MountSpatial(edit, kind->parent, name, parent, frame);
         const Entity onChild =
             onParent ? MountSpatial(edit, kind->child, name, child, frame) : Entity();
@@ -206,7 +206,7 @@ Model::Entity Model::AddJoint(const QOBClassInfo& info, std::string_view identif
         if (kind == nullptr || !edit.IsThere(parent.Handle(), "parent body") ||
             !edit.IsThere(child.Handle(), "child body"))
             return false;
-        const std::wstring name = kar::ToWide(identifier);
+        const std::wstring name = Wide(identifier);
         std::array<Entity, 2> points;
         for (std::size_t side = 0; side < points.size(); ++side) {
             const Ref<KARMPBody2D>& body = side == 0 ? parent : child;
@@ -235,8 +235,7 @@ Model::Entity Model::AddJoint(const QOBClassInfo& info, std::string_view identif
         const JointKind* const kind = KindOf(edit, info);
         if (kind != nullptr && edit.IsThere(onParent.Handle(), "geometry of the parent") &&
             edit.IsThere(onChild.Handle(), "geometry of the child"))
-            joint = MakeJoint(edit, *kind, kar::ToWide(identifier), onParent.Handle(),
-                              onChild.Handle());
+            joint = MakeJoint(edit, *kind, Wide(identifier), onParent.Handle(), onChild.Handle());
         return static_cast<bool>(joint);
     });
     return isMade ? joint : Entity();
@@ -256,7 +255,7 @@ Model::Entity Model::AddCoupling(const QOBClassInfo& info, std::string_view iden
         if (bodies.size() < 2)
             return edit.Fail("the variables of \"" + std::string(identifier) +
                              "\" belong to joints of fewer than two bodies");
-        const std::wstring name = kar::ToWide(identifier);
+        const std::wstring name = Wide(identifier);
         coupling = edit.Create(info, name);
         const auto equation = coupling ? edit.Create<KARMPLinearEquation>(name + L".equation")
                                        : QOBSharedHandle<KARMPLinearEquation>();
@@ -278,7 +277,7 @@ Ref<KARMPVariable> Model::Variable(std::string_view identifier,
 {
     QOBSharedHandle<KARMPVariable> variable;
     const bool isMade = m_core->Perform(where, [&](Edit& edit) {
-        variable = edit.Create<KARMPVariable>(kar::ToWide(identifier));
+        variable = edit.Create<KARMPVariable>(Wide(identifier));
         return variable && SetQuantity(edit, *variable, quantity, value);
     });
     return isMade ? Ref<KARMPVariable>(std::move(variable)) : Ref<KARMPVariable>();
@@ -304,7 +303,7 @@ Ref<KARMPVariable> Model::Variable(std::string_view identifier, const Ref<KARMPJ
             return edit.Fail(TitleOf(*joint) + " has no freedom without a variable");
         const auto quantity = kind->freedoms[next] == 'L' ? KARMPPhysicalQuantity::Length
                                                           : KARMPPhysicalQuantity::Angle;
-        variable = edit.Create<KARMPVariable>(kar::ToWide(identifier));
+        variable = edit.Create<KARMPVariable>(Wide(identifier));
         return variable && SetQuantity(edit, *variable, quantity, value) &&
                edit.Link(constraint, variable);
     });

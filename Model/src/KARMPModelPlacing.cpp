@@ -12,8 +12,8 @@ namespace karmp::model {
 
 namespace {
 
-constexpr std::wstring_view SketchIdentifier = L"Sketch";
-constexpr std::wstring_view FrameIdentifier = L"Frame";
+const std::wstring SketchIdentifier = L"Sketch";
+const std::wstring FrameIdentifier = L"Frame";
 
 template <class Transformation, class Body>
 std::optional<Transformation> InverseOf(Edit& edit, const Body& body)
