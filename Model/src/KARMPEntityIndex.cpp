@@ -1,6 +1,8 @@
 #include "KARMPEntityIndex.h"
 
-#include <optional>
+#include "KARTextConversion.h"
+
+#include <string>
 #include <utility>
 
 namespace karmp::model {
@@ -14,17 +16,28 @@ struct GivenIdentifier
 template <>
 struct karmp::ContentOf<karmp::model::GivenIdentifier>
 {
-    static const std::wstring* Of(const KARMPEntity& entity)
+    static const kar::SharedText* Of(const KARMPEntity& entity)
     {
-        return entity.m_identifier.has_value() ? &*entity.m_identifier : nullptr;
+        return entity.m_hasIdentifier ? &entity.m_identifier : nullptr;
     }
 };
 
 namespace karmp::model {
 
-const std::wstring* IdentifierIfGiven(const KARMPEntity& entity)
+const kar::SharedText* IdentifierIfGiven(const KARMPEntity& entity)
 {
     return ContentOf<GivenIdentifier>::Of(entity);
+}
+
+bool IsText(const kar::SharedText& text, std::string_view utf8)
+{
+    return text.IsNarrow() ? text.Narrow() == utf8 : kar::ToUtf8(text.Copy()) == utf8;
+}
+
+std::size_t EntityIndex::HashOf(const kar::SharedText& identifier)
+{
+    return HashOf(identifier.IsNarrow() ? identifier.Narrow()
+                                        : std::string_view(kar::ToUtf8(identifier.Copy())));
 }
 
 void EntityIndex::Clear()
@@ -59,29 +72,19 @@ void EntityIndex::Grow(std::size_t slots)
     }
 }
 
-// The slot of the identifier, or the first unused one behind it.
-std::size_t EntityIndex::SlotOf(std::wstring_view identifier, std::size_t hash) const
-{
-    const std::size_t mask = m_slots.size() - 1;
-    std::size_t index = (hash >> 1) & mask;
-    while (m_slots[index].hash != 0) {
-        const Slot& slot = m_slots[index];
-        if (slot.hash == hash && slot.entity && *IdentifierIfGiven(*slot.entity) == identifier)
-            break;
-        index = (index + 1) & mask;
-    }
-    return index;
-}
-
 void EntityIndex::GrowForOne()
 {
     if (4 * (m_used + 1) > 3 * m_slots.size())
         Grow(m_slots.empty() ? 16 : 2 * m_slots.size());
 }
 
-void EntityIndex::Add(const QOBSharedHandle<KARMPEntity>& entity, std::size_t hash)
+void EntityIndex::Add(const QOBSharedHandle<KARMPEntity>& entity)
 {
-    if (Find(*IdentifierIfGiven(*entity), hash) == nullptr)
+    const kar::SharedText* const given = IdentifierIfGiven(*entity);
+    if (given == nullptr)
+        return;
+    const std::string identifier = kar::ToUtf8(given->Copy());
+    if (const std::size_t hash = HashOf(identifier); Find(identifier, hash) == nullptr)
         AddNew(entity, hash);
 }
 
@@ -98,19 +101,30 @@ void EntityIndex::AddNew(const QOBSharedHandle<KARMPEntity>& entity, std::size_t
 
 void EntityIndex::Remove(const KARMPEntity& entity)
 {
-    const std::wstring* const identifier = IdentifierIfGiven(entity);
-    if (identifier == nullptr || m_slots.empty())
+    const kar::SharedText* const given = IdentifierIfGiven(entity);
+    if (given == nullptr || m_slots.empty())
         return;
-    Slot& slot = m_slots[SlotOf(*identifier, Marked(HashOf(*identifier)))];
-    if (slot.entity.get() == &entity)
-        slot.entity = nullptr;
+    const std::size_t mask = m_slots.size() - 1;
+    std::size_t index = (Marked(HashOf(*given)) >> 1) & mask;
+    while (m_slots[index].hash != 0 && m_slots[index].entity.get() != &entity)
+        index = (index + 1) & mask;
+    m_slots[index].entity = nullptr;
 }
 
-KARMPEntity* EntityIndex::Find(std::wstring_view identifier, std::size_t hash) const
+KARMPEntity* EntityIndex::Find(std::string_view identifier, std::size_t hash) const
 {
     if (m_slots.empty())
         return nullptr;
-    return m_slots[SlotOf(identifier, Marked(hash))].entity.get();
+    const std::size_t mask = m_slots.size() - 1;
+    const std::size_t marked = Marked(hash);
+    for (std::size_t index = (marked >> 1) & mask; m_slots[index].hash != 0;
+         index = (index + 1) & mask) {
+        const Slot& slot = m_slots[index];
+        if (slot.hash == marked && slot.entity &&
+            IsText(*IdentifierIfGiven(*slot.entity), identifier))
+            return slot.entity.get();
+    }
+    return nullptr;
 }
 
 } // namespace karmp::model

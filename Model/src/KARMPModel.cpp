@@ -19,7 +19,7 @@ using Entity = QOBSharedHandle<KARMPEntity>;
 
 QOBSharedHandle<KARMPWorld> NewWorld(std::string_view name)
 {
-    return KARMPWorld::create(QOBBasicWorld::create(Wide(name)));
+    return KARMPWorld::create(QOBBasicWorld::create(kar::ToWide(name)));
 }
 
 // Unless it has one, a global gets the identifier that documents give it.
@@ -113,7 +113,7 @@ Model::Entity Model::AddEntity(const QOBClassInfo& info, std::string_view identi
 {
     Entity entity;
     m_core->Perform(where, [&](Edit& edit) {
-        entity = edit.Create(info, Wide(identifier));
+        entity = edit.Create(info, identifier);
         return static_cast<bool>(entity);
     });
     return entity;
@@ -132,7 +132,7 @@ Ref<KARMPEntity> Model::Add(std::string_view className, std::string_view identif
         Entity sample;
         if (KARFailed(KARMPFactory::Create(className, sample)) || !sample)
             return edit.Fail("a " + std::string(className) + " cannot be made");
-        entity = edit.Create(sample->getClassInfo(), Wide(identifier));
+        entity = edit.Create(sample->getClassInfo(), identifier);
         return static_cast<bool>(entity);
     });
     return Ref<KARMPEntity>(entity);
@@ -142,37 +142,35 @@ bool Model::Link(const Ref<KARMPEntity>& first, const Ref<KARMPEntity>& second,
                  std::string_view item, Where where)
 {
     return m_core->Perform(
-        where, [&](Edit& edit) { return edit.Link(first.Handle(), second.Handle(), Wide(item)); });
+        where, [&](Edit& edit) { return edit.Link(first.Handle(), second.Handle(), item); });
 }
 
 bool Model::Unlink(const Ref<KARMPEntity>& first, const Ref<KARMPEntity>& second,
                    std::string_view item, Where where)
 {
     return m_core->Perform(
-        where,
-        [&](Edit& edit) { return edit.Unlink(first.Handle(), second.Handle(), Wide(item)); });
+        where, [&](Edit& edit) { return edit.Unlink(first.Handle(), second.Handle(), item); });
 }
 
 bool Model::Rename(const Ref<KARMPEntity>& entity, std::string_view name, Where where)
 {
     return m_core->Perform(
-        where, [&](Edit& edit) { return edit.Rename(entity.Handle(), Wide(name)); });
+        where, [&](Edit& edit) { return edit.Rename(entity.Handle(), name); });
 }
 
 Model::Entity Model::FindEntity(bool (*fits)(const KARMPEntity&), std::string_view key) const
 {
-    const std::wstring wide = Wide(key);
-    if (KARMPEntity* const entity = m_core->FindByIdentifier(wide);
+    if (KARMPEntity* const entity = m_core->FindByIdentifier(key);
         entity != nullptr && fits(*entity))
         return Entity(entity);
-    auto found = m_core->FindByKey(wide, fits);
+    auto found = m_core->FindByKey(key, fits);
     return found.size() == 1 ? std::move(found.front()) : Entity();
 }
 
 Model::Entity Model::GetEntity(bool (*fits)(const KARMPEntity&), const std::string& className,
                                std::string_view key, Where where, Outcome& problem) const
 {
-    auto found = m_core->FindByKey(Wide(key), fits);
+    auto found = m_core->FindByKey(key, fits);
     if (found.size() == 1)
         return std::move(found.front());
     const std::string quoted = '"' + std::string(key) + '"';
@@ -184,9 +182,9 @@ Model::Entity Model::GetEntity(bool (*fits)(const KARMPEntity&), const std::stri
         m_core->ForEach(-1, [&](const Entity& entity) {
             if (!fits(*entity))
                 return;
-            names.push_back(kar::ToUtf8(entity->getEntityName()));
-            if (const std::wstring* const identifier = IdentifierIfGiven(*entity))
-                names.push_back(kar::ToUtf8(*identifier));
+            names.push_back(kar::ToUtf8(entity->getStoredName().Copy()));
+            if (const kar::SharedText* const identifier = IdentifierIfGiven(*entity))
+                names.push_back(kar::ToUtf8(identifier->Copy()));
         });
         const std::string nearest = NearestName(key, names);
         text = "there is no " + className + ' ' + quoted +

@@ -137,7 +137,7 @@ Ref<KARMPBody> Model::Body(std::string_view identifier, const BodyOptions& optio
 {
     QOBSharedHandle<KARMPBody> body;
     const bool isMade = m_core->Perform(where, [&](Edit& edit) {
-        body = edit.Create<KARMPBody>(Wide(identifier));
+        body = edit.Create<KARMPBody>(identifier);
         return body && Apply(edit, *body, options);
     });
     return isMade ? Ref<KARMPBody>(std::move(body)) : Ref<KARMPBody>();
@@ -151,7 +151,7 @@ Ref<KARMPBody2D> Model::PlanarBody(std::string_view identifier, const PlanarBody
         const auto ground = PlanarGroundOf(edit);
         if (!ground)
             return false;
-        body = edit.Create<KARMPBody2D>(Wide(identifier));
+        body = edit.Create<KARMPBody2D>(identifier);
         QOBSharedHandle<KARMPSketch> sketch;
         return body && edit.Check(ground->GetSketch(sketch), "the sketch", *ground) &&
                edit.Check(body->SetSketch(sketch), "the sketch", *body) &&
@@ -176,7 +176,7 @@ Ref<KARMPAxisSystem> Model::Frame(std::string_view identifier, const Ref<KARMPBo
     QOBSharedHandle<KARMPAxisSystem> frame;
     const bool isMade = m_core->Perform(where, [&](Edit& edit) {
         frame = QOBSharedHandle<KARMPAxisSystem>::unchecked(
-            MountOn(edit, KARMPAxisSystem::ClassInfo(), Wide(identifier), body.Handle()));
+            MountOn(edit, KARMPAxisSystem::ClassInfo(), identifier, body.Handle()));
         const auto inverse = frame ? IntoBody(edit, *body) : std::nullopt;
         return inverse && edit.Check(frame->SetAxisSystem(*inverse * axis), "the axes", *frame);
     });
@@ -189,7 +189,7 @@ Ref<KARMPPoint> Model::Point(std::string_view identifier, const Ref<KARMPBody>& 
     QOBSharedHandle<KARMPPoint> point;
     const bool isMade = m_core->Perform(where, [&](Edit& edit) {
         point = QOBSharedHandle<KARMPPoint>::unchecked(
-            MountOn(edit, KARMPPoint::ClassInfo(), Wide(identifier), body.Handle()));
+            MountOn(edit, KARMPPoint::ClassInfo(), identifier, body.Handle()));
         const auto inverse = point ? IntoBody(edit, *body) : std::nullopt;
         return inverse && edit.Check(point->SetPoint(*inverse * position), "the position", *point);
     });
@@ -202,7 +202,7 @@ Ref<KARMPPoint2D> Model::Point(std::string_view identifier, const Ref<KARMPBody2
     QOBSharedHandle<KARMPPoint2D> point;
     const bool isMade = m_core->Perform(where, [&](Edit& edit) {
         point = QOBSharedHandle<KARMPPoint2D>::unchecked(
-            MountOn(edit, KARMPPoint2D::ClassInfo(), Wide(identifier), body.Handle()));
+            MountOn(edit, KARMPPoint2D::ClassInfo(), identifier, body.Handle()));
         const auto inverse = point ? IntoBody(edit, *body) : std::nullopt;
         return inverse && edit.Check(point->SetPoint(*inverse * position), "the position", *point);
     });

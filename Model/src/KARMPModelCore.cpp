@@ -28,10 +28,11 @@ std::size_t CountAll(const KARMPWorld& world)
 
 std::string TitleOf(const KARMPEntity& entity)
 {
-    std::string title = entity.getClassName() + " \"" + kar::ToUtf8(entity.getEntityName()) + '"';
-    const std::wstring* const identifier = IdentifierIfGiven(entity);
-    if (identifier != nullptr && *identifier != entity.getEntityName())
-        title += " [" + kar::ToUtf8(*identifier) + ']';
+    const std::string name = kar::ToUtf8(entity.getStoredName().Copy());
+    std::string title = entity.getClassName() + " \"" + name + '"';
+    const kar::SharedText* const identifier = IdentifierIfGiven(entity);
+    if (identifier != nullptr && !IsText(*identifier, name))
+        title += " [" + kar::ToUtf8(identifier->Copy()) + ']';
     return title;
 }
 
@@ -141,20 +142,19 @@ void Core::RefreshIndex()
     for (std::size_t i = 0; i < FamilyCount; ++i) {
         for (; m_known[i] < counts[i]; ++m_known[i])
             if (const Entity entity = families[i].at(*m_world, m_known[i]))
-                if (const std::wstring* const identifier = IdentifierIfGiven(*entity))
-                    m_index.Add(entity, EntityIndex::HashOf(*identifier));
+                m_index.Add(entity);
     }
     m_knownInAll = sum;
 }
 
-KARMPEntity* Core::FindByIdentifier(std::wstring_view identifier, std::size_t hash)
+KARMPEntity* Core::FindByIdentifier(std::string_view identifier, std::size_t hash)
 {
     RefreshIndex();
     KARMPEntity* const entity = m_index.Find(identifier, hash);
     return entity != nullptr && !entity->isOrphaned() ? entity : nullptr;
 }
 
-std::vector<Core::Entity> Core::FindByKey(std::wstring_view key, Fits fits)
+std::vector<Core::Entity> Core::FindByKey(std::string_view key, Fits fits)
 {
     const auto fitting = [fits](const KARMPEntity& entity) {
         return fits == nullptr || fits(entity);
@@ -165,7 +165,7 @@ std::vector<Core::Entity> Core::FindByKey(std::wstring_view key, Fits fits)
         return found;
     }
     ForEach(-1, [&](Entity entity) {
-        if (entity->getEntityName() == key && fitting(*entity))
+        if (IsText(entity->getStoredName(), key) && fitting(*entity))
             found.push_back(std::move(entity));
     });
     return found;

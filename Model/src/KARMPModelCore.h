@@ -53,13 +53,13 @@ public:
     void Unfile(const Entity& entity, const FamilyOperations& family);
 
     /// The entity of an identifier, null without one.
-    KARMPEntity* FindByIdentifier(std::wstring_view identifier)
+    KARMPEntity* FindByIdentifier(std::string_view identifier)
     {
         return FindByIdentifier(identifier, EntityIndex::HashOf(identifier));
     }
-    KARMPEntity* FindByIdentifier(std::wstring_view identifier, std::size_t hash);
+    KARMPEntity* FindByIdentifier(std::string_view identifier, std::size_t hash);
     /// Those that a key names: the one of that identifier, otherwise all of that name.
-    std::vector<Entity> FindByKey(std::wstring_view key, Fits fits);
+    std::vector<Entity> FindByKey(std::string_view key, Fits fits);
     /// Calls `visit` with each entity of the world, or of one family.
     template <class Visit>
     void ForEach(int family, Visit visit) const

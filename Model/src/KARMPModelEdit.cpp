@@ -2,6 +2,7 @@
 
 #include "KARMPHalfLinks.h"
 #include "KARMPModelCore.h"
+#include "KARMPModelNames.h"
 #include "KARTextConversion.h"
 
 #include <algorithm>
@@ -64,7 +65,7 @@ bool Edit::IsThere(const QOBSharedBase& entity, std::string_view role)
     return !object->isOrphaned() || Fail("the " + std::string(role) + " was deleted");
 }
 
-Edit::Entity Edit::Create(const QOBClassInfo& info, const std::wstring& identifier)
+Edit::Entity Edit::Create(const QOBClassInfo& info, std::string_view identifier)
 {
     if (identifier.empty()) {
         Fail("a " + info.getName() + " needs an identifier");
@@ -72,7 +73,7 @@ Edit::Entity Edit::Create(const QOBClassInfo& info, const std::wstring& identifi
     }
     const std::size_t hash = EntityIndex::HashOf(identifier);
     if (const KARMPEntity* const other = m_core.FindByIdentifier(identifier, hash)) {
-        Fail("\"" + kar::ToUtf8(identifier) + "\" is the identifier of " + TitleOf(*other));
+        Fail('"' + std::string(identifier) + "\" is the identifier of " + TitleOf(*other));
         return {};
     }
     const FamilyOperations* family = nullptr;
@@ -82,9 +83,10 @@ Edit::Entity Edit::Create(const QOBClassInfo& info, const std::wstring& identifi
                     : "a " + info.getName() + " cannot be made");
         return {};
     }
-    entity->setEntityName(identifier);
+    const std::wstring wide = Wide(identifier);
+    entity->setEntityName(wide);
     EditStep& step = NextStep();
-    if (!Check(entity->SetIdentifier(identifier), "the identifier", *entity))
+    if (!Check(entity->SetIdentifier(wide), "the identifier", *entity))
         return {};
     m_core.Index(entity, hash);
     step.kind = EditStep::Kind::Filed;
@@ -135,14 +137,15 @@ bool Edit::UnlinkHalf(const HalfLink& half, const Entity& owner, const Entity& t
            Fail("unlinking " + TitleOf(*owner) + " from " + TitleOf(*target) + " failed", status);
 }
 
-bool Edit::Link(const Entity& first, const Entity& second, std::wstring_view item, int word)
+bool Edit::Link(const Entity& first, const Entity& second, std::string_view item, int word)
 {
     if (!IsThere(first, "first entity to link") || !IsThere(second, "second entity to link"))
         return false;
+    const std::wstring wide = Wide(item);
     const LinkPair* chosen = nullptr;
     // Of several single links, as those of a connector, the first one that is free.
     for (const LinkPair& pair : PairsBetween(first->getClassInfo(), second->getClassInfo())) {
-        if (!item.empty() && pair.first->item != item && pair.second->item != item)
+        if (!item.empty() && pair.first->item != wide && pair.second->item != wide)
             continue;
         const bool isFree =
             pair.first->IsFreeFor(*first, second) && pair.second->IsFreeFor(*second, first);
@@ -153,18 +156,19 @@ bool Edit::Link(const Entity& first, const Entity& second, std::wstring_view ite
     }
     if (chosen == nullptr)
         return Fail(TitleOf(*first) + " and " + TitleOf(*second) + " have no link" +
-                    (item.empty() ? std::string() : " \"" + kar::ToUtf8(item) + '"'));
+                    (item.empty() ? std::string() : " \"" + std::string(item) + '"'));
     return LinkHalf(*chosen->first, first, second, word) &&
            LinkHalf(*chosen->second, second, first, word);
 }
 
-bool Edit::Unlink(const Entity& first, const Entity& second, std::wstring_view item)
+bool Edit::Unlink(const Entity& first, const Entity& second, std::string_view item)
 {
     if (!IsThere(first, "first entity to unlink") || !IsThere(second, "second entity to unlink"))
         return false;
+    const std::wstring wide = Wide(item);
     bool any = false;
     for (const LinkPair& pair : PairsBetween(first->getClassInfo(), second->getClassInfo())) {
-        if (!item.empty() && pair.first->item != item && pair.second->item != item)
+        if (!item.empty() && pair.first->item != wide && pair.second->item != wide)
             continue;
         // What may refuse comes first: what follows need not be restored then, in its order.
         if (!UnlinkHalf(pair.second->mayRefuse ? *pair.second : *pair.first,
@@ -178,7 +182,7 @@ bool Edit::Unlink(const Entity& first, const Entity& second, std::wstring_view i
     return any || Fail(TitleOf(*first) + " and " + TitleOf(*second) + " are not linked");
 }
 
-bool Edit::Rename(const Entity& entity, std::wstring_view name)
+bool Edit::Rename(const Entity& entity, std::string_view name)
 {
     if (!IsThere(entity, "entity to rename"))
         return false;
@@ -188,7 +192,7 @@ bool Edit::Rename(const Entity& entity, std::wstring_view name)
     step.kind = EditStep::Kind::Renamed;
     step.entity = entity.get();
     step.name = std::make_unique<std::wstring>(entity->getEntityName());
-    entity->setEntityName(std::wstring(name));
+    entity->setEntityName(Wide(name));
     return true;
 }
 

@@ -54,9 +54,9 @@ public:
     const std::optional<Problem>& Reason() const { return m_reason; }
 
     /// A new entity of a class, named, identified, placed and filed; null after a failure.
-    Entity Create(const QOBClassInfo& info, const std::wstring& identifier);
+    Entity Create(const QOBClassInfo& info, std::string_view identifier);
     template <class T>
-    QOBSharedHandle<T> Create(const std::wstring& identifier)
+    QOBSharedHandle<T> Create(std::string_view identifier)
     {
         QOBSharedHandle<T> typed;
         static_cast<QOBSharedBase&>(typed) = Create(T::ClassInfo(), identifier);
@@ -67,12 +67,11 @@ public:
 
     /// Makes both halves of a link; `item` chooses among several links of the two classes, `word`
     /// is that of a joint's body, -1 for the next one in order.
-    bool Link(const Entity& first, const Entity& second, std::wstring_view item = {},
-              int word = -1);
+    bool Link(const Entity& first, const Entity& second, std::string_view item = {}, int word = -1);
     /// Takes both halves of all links between two entities, or of those by an item; false when
     /// there is none.
-    bool Unlink(const Entity& first, const Entity& second, std::wstring_view item = {});
-    bool Rename(const Entity& entity, std::wstring_view name);
+    bool Unlink(const Entity& first, const Entity& second, std::string_view item = {});
+    bool Rename(const Entity& entity, std::string_view name);
 
     /// Makes, or drops, one half.
     bool LinkHalf(const HalfLink& half, const Entity& owner, const Entity& target, int word);

@@ -28,7 +28,7 @@ using Entity = Edit::Entity;
 using Constraint = QOBSharedHandle<KARMPConstraint>;
 
 /// The geometry on which a body of a joint is held, at a frame of the world; null after a failure.
-Entity MountSpatial(Edit& edit, Mount mount, const std::wstring& identifier,
+Entity MountSpatial(Edit& edit, Mount mount, const std::string& identifier,
                     const Ref<KARMPBody>& body, const KARMathAxis& frame)
 {
     const auto make = [&](const QOBClassInfo& info, auto set) {
@@ -89,7 +89,7 @@ Entity BodyOf(Edit& edit, const Entity& geometry)
 
 // The joint with its constraint on two geometries. The links are made in the order in which the
 // parent comes first everywhere.
-Entity MakeJoint(Edit& edit, const JointKind& kind, const std::wstring& identifier,
+Entity MakeJoint(Edit& edit, const JointKind& kind, const std::string& identifier,
                  const Entity& onParent, const Entity& onChild)
 {
     const Entity parent = BodyOf(edit, onParent);
@@ -102,7 +102,7 @@ Entity MakeJoint(Edit& edit, const JointKind& kind, const std::wstring& identifi
     }
     Entity joint = edit.Create(kind.joint(), identifier);
     const Entity constraint =
-        joint ? edit.Create(kind.constraint(), identifier + L".constraint") : Entity();
+        joint ? edit.Create(kind.constraint(), identifier + ".constraint") : Entity();
     const bool isLinked = constraint && LinkAll(edit, {{joint, constraint},
                                                        {constraint, onParent},
                                                        {constraint, onChild},
@@ -173,7 +173,7 @@ Model::Entity Model::AddJoint(const QOBClassInfo& info, std::string_view identif
             return false;
         if (parent == child)
             return edit.Fail("a joint needs two bodies; " + TitleOf(*parent) + " is both");
-        const std::wstring name = Wide(identifier);
+        const std::string name(identifier);
         const Entity onParent = MountSpatial(edit, kind->parent, name, parent, frame);
         const Entity onChild =
             onParent ? MountSpatial(edit, kind->child, name, child, frame) : Entity();
@@ -206,7 +206,7 @@ Model::Entity Model::AddJoint(const QOBClassInfo& info, std::string_view identif
         if (kind == nullptr || !edit.IsThere(parent.Handle(), "parent body") ||
             !edit.IsThere(child.Handle(), "child body"))
             return false;
-        const std::wstring name = Wide(identifier);
+        const std::string name(identifier);
         std::array<Entity, 2> points;
         for (std::size_t side = 0; side < points.size(); ++side) {
             const Ref<KARMPBody2D>& body = side == 0 ? parent : child;
@@ -235,7 +235,8 @@ Model::Entity Model::AddJoint(const QOBClassInfo& info, std::string_view identif
         const JointKind* const kind = KindOf(edit, info);
         if (kind != nullptr && edit.IsThere(onParent.Handle(), "geometry of the parent") &&
             edit.IsThere(onChild.Handle(), "geometry of the child"))
-            joint = MakeJoint(edit, *kind, Wide(identifier), onParent.Handle(), onChild.Handle());
+            joint = MakeJoint(edit, *kind, std::string(identifier), onParent.Handle(),
+                              onChild.Handle());
         return static_cast<bool>(joint);
     });
     return isMade ? joint : Entity();
@@ -255,9 +256,9 @@ Model::Entity Model::AddCoupling(const QOBClassInfo& info, std::string_view iden
         if (bodies.size() < 2)
             return edit.Fail("the variables of \"" + std::string(identifier) +
                              "\" belong to joints of fewer than two bodies");
-        const std::wstring name = Wide(identifier);
+        const std::string name(identifier);
         coupling = edit.Create(info, name);
-        const auto equation = coupling ? edit.Create<KARMPLinearEquation>(name + L".equation")
+        const auto equation = coupling ? edit.Create<KARMPLinearEquation>(name + ".equation")
                                        : QOBSharedHandle<KARMPLinearEquation>();
         if (!equation || !edit.Link(coupling, equation) ||
             !edit.Check(equation->SetConstantTerm(constant), "the constant", *equation))
@@ -277,7 +278,7 @@ Ref<KARMPVariable> Model::Variable(std::string_view identifier,
 {
     QOBSharedHandle<KARMPVariable> variable;
     const bool isMade = m_core->Perform(where, [&](Edit& edit) {
-        variable = edit.Create<KARMPVariable>(Wide(identifier));
+        variable = edit.Create<KARMPVariable>(identifier);
         return variable && SetQuantity(edit, *variable, quantity, value);
     });
     return isMade ? Ref<KARMPVariable>(std::move(variable)) : Ref<KARMPVariable>();
@@ -303,7 +304,7 @@ Ref<KARMPVariable> Model::Variable(std::string_view identifier, const Ref<KARMPJ
             return edit.Fail(TitleOf(*joint) + " has no freedom without a variable");
         const auto quantity = kind->freedoms[next] == 'L' ? KARMPPhysicalQuantity::Length
                                                           : KARMPPhysicalQuantity::Angle;
-        variable = edit.Create<KARMPVariable>(Wide(identifier));
+        variable = edit.Create<KARMPVariable>(identifier);
         return variable && SetQuantity(edit, *variable, quantity, value) &&
                edit.Link(constraint, variable);
     });

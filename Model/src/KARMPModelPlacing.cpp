@@ -4,6 +4,7 @@
 #include "KARMPGeometry2D.h"
 #include "KARMPModelCore.h"
 #include "KARMPSketch.h"
+#include "KARTextConversion.h"
 
 #include <cmath>
 #include <utility>
@@ -12,8 +13,8 @@ namespace karmp::model {
 
 namespace {
 
-const std::wstring SketchIdentifier = L"Sketch";
-const std::wstring FrameIdentifier = L"Frame";
+constexpr std::string_view SketchIdentifier = "Sketch";
+constexpr std::string_view FrameIdentifier = "Frame";
 
 template <class Transformation, class Body>
 std::optional<Transformation> InverseOf(Edit& edit, const Body& body)
@@ -57,16 +58,15 @@ std::optional<KARMathTransformation2D> IntoBody(Edit& edit, const KARMPBody2D& b
     return InverseOf<KARMathTransformation2D>(edit, body);
 }
 
-Edit::Entity MountOn(Edit& edit, const QOBClassInfo& geometry, std::wstring_view identifier,
+Edit::Entity MountOn(Edit& edit, const QOBClassInfo& geometry, std::string_view identifier,
                      const Edit::Entity& body)
 {
     if (!edit.IsThere(body, "body"))
         return {};
-    std::wstring name;
-    if (!edit.Check(body->GetIdentifier(name), "the identifier", *body))
+    std::wstring carrier;
+    if (!edit.Check(body->GetIdentifier(carrier), "the identifier", *body))
         return {};
-    name += L'.';
-    name += identifier;
+    const std::string name = kar::ToUtf8(carrier) + '.' + std::string(identifier);
     Edit::Entity mounted = edit.Create(geometry, name);
     if (!mounted || !edit.Link(mounted, body))
         return {};

@@ -21,7 +21,7 @@ std::optional<KARMathAxis> FrameAlong(const KARMathPoint& origin, const KARMathV
 
 /// A geometry of a class on a body: named after it, linked to it on both sides, and lying in the
 /// body's sketch, if it is planar. Null after a failure.
-Edit::Entity MountOn(Edit& edit, const QOBClassInfo& geometry, std::wstring_view identifier,
+Edit::Entity MountOn(Edit& edit, const QOBClassInfo& geometry, std::string_view identifier,
                      const Edit::Entity& body);
 
 /// What is at a point of the world, in body axes; nothing, and a failed edit, when the position of

@@ -37,13 +37,14 @@ TEST_F(JointKindsTest, EachJointOfTheFactoryHasAConstraintThatRealisesIt)
     EXPECT_EQ(listed, made);
 }
 
-/// A ground and two bodies that hang on it, so that nothing is loose.
+/// Two bodies, of which one is fixed, so that nothing is loose.
 struct TwoBodies
 {
     TwoBodies()
     {
-        a = model.Body("A",
-                       {.at = KARMathPoint(1.0, 0.0, 0.0), .towards = KARMathPoint(1.0, 1.0, 0.0)});
+        a = model.Body("A", {.at = KARMathPoint(1.0, 0.0, 0.0),
+                             .towards = KARMathPoint(1.0, 1.0, 0.0),
+                             .isFixed = true});
         b = model.Body("B", {.at = KARMathPoint(0.0, 2.0, 0.0)});
     }
 
