@@ -4,7 +4,7 @@
 #include <array>
 #include <cstddef>
 
-namespace karmp::documents {
+namespace karmp {
 
 namespace {
 
@@ -71,4 +71,4 @@ std::wstring_view NearestWord(std::wstring_view word,
     return nearest;
 }
 
-} // namespace karmp::documents
+} // namespace karmp
