@@ -46,8 +46,8 @@ struct Difference
     KARMPPhysicalQuantity::Enum quantity = KARMPPhysicalQuantity::NoPhysicalQuantity;
     /// The values in both worlds, entities for references and lists of references; none where there
     /// is no value. Of what a class writes by code that one side alone has, a text.
-    ItemData oldValue;
-    ItemData newValue;
+    Value oldValue;
+    Value newValue;
     /// The target of a link that was lost, in the first world, or gained, in the second one; of a
     /// word that belongs to an entry of a list, the entry in the first world.
     QOBSharedHandle<KARMPEntity> target;

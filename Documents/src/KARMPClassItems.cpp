@@ -29,7 +29,7 @@ ClassItems::ClassItems(const QOBClassInfo& info)
     for (const ItemInfo& item : ItemsOf(info)) {
         const bool isLink = item.kind == ItemKind::Reference || item.kind == ItemKind::References;
         const bool isTitle = item.path == L"id" || item.path == L"name";
-        if (!item.CanGet()) {
+        if (!item.CanGet() || item.kind == ItemKind::Records) {
             m_others.push_back(&item);
             continue;
         }

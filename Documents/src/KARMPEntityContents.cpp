@@ -94,7 +94,16 @@ struct ValueHash
         return std::hash<std::string_view>()(
             {reinterpret_cast<const char*>(value.data()), value.size()});
     }
-    std::uint64_t operator()(const Doubles& value) const { return HashOfNumbers(value, options); }
+    std::uint64_t operator()(EnumWord value) const
+    {
+        return std::hash<std::wstring_view>()(value.text);
+    }
+    std::uint64_t operator()(const NumberArray& value) const
+    {
+        return HashOfNumbers({value.data(), value.size()}, options);
+    }
+    // Records are compared by the element that is written.
+    std::uint64_t operator()(const std::vector<RecordValues>&) const { return 0; }
     // Links are no content.
     std::uint64_t operator()(const QOBSharedHandle<KARMPEntity>&) const { return 0; }
     std::uint64_t operator()(const std::vector<QOBSharedHandle<KARMPEntity>>&) const { return 0; }
@@ -111,7 +120,7 @@ bool AreEqual(double before, double after, double scale, const DifferenceOptions
     return difference <= options.floor || difference <= options.tolerance * scale;
 }
 
-bool AreEqual(const ItemData& before, const ItemData& after, ItemKind kind,
+bool AreEqual(const Value& before, const Value& after, ItemKind kind,
               const DifferenceOptions& options)
 {
     if (before.index() != after.index())
@@ -120,11 +129,12 @@ bool AreEqual(const ItemData& before, const ItemData& after, ItemKind kind,
         return AreSpansEqual({number, 1}, {&std::get<double>(after), 1}, options);
     if (const auto* const bytes = std::get_if<StreamBytes>(&before))
         return AreShapesEqual(*bytes, std::get<StreamBytes>(after), options);
-    const auto* const numbers = std::get_if<Doubles>(&before);
+    const auto* const numbers = std::get_if<NumberArray>(&before);
     if (numbers == nullptr)
         return before == after;
-    const std::span left(*numbers);
-    const std::span right(std::get<Doubles>(after));
+    const auto& others = std::get<NumberArray>(after);
+    const std::span<const double> left(numbers->data(), numbers->size());
+    const std::span<const double> right(others.data(), others.size());
     if (kind != ItemKind::Transformation || left.size() != right.size())
         return AreSpansEqual(left, right, options);
     // Translation and rotation are measured each by itself.
@@ -145,10 +155,10 @@ Doubles NumbersOf(const WorldGraph::Entity& entity)
 {
     Doubles numbers;
     for (const ItemInfo* const item : entity.items->Values()) {
-        const ItemData data = item->Get(*entity.handle);
+        const Value data = item->Get(*entity.handle);
         if (const auto* const number = std::get_if<double>(&data))
             numbers.push_back(*number);
-        else if (const auto* const some = std::get_if<Doubles>(&data))
+        else if (const auto* const some = std::get_if<NumberArray>(&data))
             numbers.insert(numbers.end(), some->begin(), some->end());
     }
     return numbers;

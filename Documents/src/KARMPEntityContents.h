@@ -13,7 +13,7 @@ namespace karmp::documents {
 /// that belong together.
 bool AreEqual(double before, double after, double scale, const DifferenceOptions& options);
 /// The same of the values of an item, entities by their handles.
-bool AreEqual(const ItemData& before, const ItemData& after, ItemKind kind,
+bool AreEqual(const Value& before, const Value& after, ItemKind kind,
               const DifferenceOptions& options);
 
 /// A number that belongs to the values of an entity's items, names and links apart. Doubles that

@@ -22,7 +22,7 @@ constexpr std::size_t LongestSummary = 120;
 
 constexpr std::wstring_view LengthName = L"length";
 
-std::wstring TextOf(const ItemData& data)
+std::wstring TextOf(const Value& data)
 {
     if (const auto* const bytes = std::get_if<std::vector<unsigned char>>(&data))
         return kar::ToWide(StreamText(*bytes));
@@ -71,7 +71,7 @@ const EntityElement* EntityElement::Write(const KARMPEntity& entity, EntityEleme
     return root.ChildCount() > 0 ? &root.Child(0) : nullptr;
 }
 
-ItemData EntityElement::Value() const
+Value EntityElement::Content() const
 {
     switch (GetType()) {
     case Type::Bool:
@@ -92,7 +92,7 @@ ItemData EntityElement::Value() const
     }
 }
 
-ItemData EntityElement::AttributeValue(int index) const
+Value EntityElement::AttributeValue(int index) const
 {
     switch (GetAttributeType(index)) {
     case Type::Bool:
@@ -114,7 +114,7 @@ bool EntityElement::IsStream() const
            !std::holds_alternative<std::monostate>(AttributeNamed(LengthName));
 }
 
-ItemData EntityElement::AttributeNamed(std::wstring_view name) const
+Value EntityElement::AttributeNamed(std::wstring_view name) const
 {
     for (int i = 0; i < AttributeCount(); ++i)
         if (AttributeName(i) == name)
@@ -125,7 +125,7 @@ ItemData EntityElement::AttributeNamed(std::wstring_view name) const
 std::wstring EntityElement::Summary() const
 {
     std::wstring summary;
-    const auto add = [&summary](const ItemData& data) {
+    const auto add = [&summary](const Value& data) {
         const std::wstring text = TextOf(data);
         if (!summary.empty() && !text.empty())
             summary += L", ";
@@ -137,7 +137,7 @@ std::wstring EntityElement::Summary() const
         pending.pop_back();
         for (int i = 0; i < element.AttributeCount(); ++i)
             add(element.AttributeValue(i));
-        add(element.Value());
+        add(element.Content());
         for (int i = element.ChildCount(); i > 0; --i)
             pending.push_back(&element.Child(i - 1));
     }
@@ -173,18 +173,18 @@ void ElementComparison::Compare(const KARMPEntity& before, const KARMPEntity& af
         if (pair.before == nullptr && pair.after == nullptr)
             continue;
         if (pair.before == nullptr || pair.after == nullptr) {
-            Tell(pair.path, pair.before != nullptr ? pair.before->Summary() : ItemData(),
-                 pair.after != nullptr ? pair.after->Summary() : ItemData());
+            Tell(pair.path, pair.before != nullptr ? pair.before->Summary() : Value(),
+                 pair.after != nullptr ? pair.after->Summary() : Value());
             continue;
         }
         CompareAttributes(pair);
         CompareChildren(pair);
         if (!pair.path.empty())
-            Tell(pair.path, pair.before->Value(), pair.after->Value());
+            Tell(pair.path, pair.before->Content(), pair.after->Content());
     }
 }
 
-void ElementComparison::Tell(std::wstring path, ItemData before, ItemData after)
+void ElementComparison::Tell(std::wstring path, Value before, Value after)
 {
     if (!AreEqual(before, after, ItemKind::Number, m_options))
         m_note(std::move(path), std::move(before), std::move(after));
@@ -206,8 +206,8 @@ void ElementComparison::CompareAttributes(const Pair& pair)
             name == LengthName && pair.before->IsStream() && pair.after->IsStream();
         if (m_items.IsGiven(path) || (isReference && name == L"name") || isLength)
             continue;
-        ItemData before = pair.before->AttributeNamed(name);
-        ItemData after = pair.after->AttributeNamed(name);
+        Value before = pair.before->AttributeNamed(name);
+        Value after = pair.after->AttributeNamed(name);
         const auto* const first = std::get_if<std::wstring>(&before);
         const auto* const second = std::get_if<std::wstring>(&after);
         const bool areIdentifiers =

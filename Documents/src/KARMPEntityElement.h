@@ -25,7 +25,7 @@ public:
 
     std::wstring_view Name() const { return GetId(); }
     /// The element's value; none without one.
-    ItemData Value() const;
+    Value Content() const;
     int ChildCount() const { return static_cast<int>(GetElementCount()); }
     const EntityElement& Child(int index) const
     {
@@ -33,11 +33,11 @@ public:
     }
     int AttributeCount() const { return static_cast<int>(GetAttributeCount()); }
     std::wstring_view AttributeName(int index) const { return GetAttributeId(index); }
-    ItemData AttributeValue(int index) const;
+    Value AttributeValue(int index) const;
     /// True for an element whose text stands for bytes, the number of which is its "length".
     bool IsStream() const;
     /// The attribute of a name; none when there is none.
-    ItemData AttributeNamed(std::wstring_view name) const;
+    Value AttributeNamed(std::wstring_view name) const;
     /// The values in the element, for people.
     std::wstring Summary() const;
 
@@ -54,7 +54,7 @@ class ElementComparison
 {
 public:
     /// Told of each difference with its path in the element.
-    using Note = std::function<void(std::wstring&& path, ItemData&& before, ItemData&& after)>;
+    using Note = std::function<void(std::wstring&& path, Value&& before, Value&& after)>;
     /// True when two identifiers, each of one world, are those of corresponding entities.
     using AreSame = std::function<bool(const std::wstring& before, const std::wstring& after)>;
 
@@ -74,7 +74,7 @@ private:
     };
     void CompareAttributes(const Pair& pair);
     void CompareChildren(const Pair& pair);
-    void Tell(std::wstring path, ItemData before, ItemData after);
+    void Tell(std::wstring path, Value before, Value after);
 
     const ClassItems& m_items;
     const DifferenceOptions& m_options;

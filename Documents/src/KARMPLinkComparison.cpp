@@ -134,7 +134,7 @@ LinkedEntities LinkComparison::TargetsOf(const WorldGraph::Entity& entity, const
                                          std::size_t world) const
 {
     LinkedEntities targets;
-    const ItemData data = item.Get(*entity.handle);
+    const Value data = item.Get(*entity.handle);
     const auto add = [&](const Handle& target) {
         if (target)
             targets.push_back({target, KeyOf(world, *target), {}});

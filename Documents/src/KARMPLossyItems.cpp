@@ -34,7 +34,8 @@ bool IsForPeople(const ItemInfo& item)
 
 std::optional<LossReason> ReasonOf(const ItemInfo& item, std::wstring_view version)
 {
-    if (item.path == L"id" || !item.CanGet() || IsWrittenWhereItMatters(item))
+    if (item.path == L"id" || !item.CanGet() || item.kind == ItemKind::Records ||
+        IsWrittenWhereItMatters(item))
         return std::nullopt;
     if (!item.IsHeldAt(version))
         return LossReason::Version;
@@ -53,9 +54,9 @@ bool LossyItem::IsLostOf(const KARMPEntity& entity) const
         return false;
     if (isEntryWord) {
         const auto words = item->EntryWords(entity);
-        const std::wstring& first = std::get<std::wstring>(fresh);
+        const std::wstring_view first = std::get<EnumWord>(fresh).text;
         return std::any_of(words.begin(), words.end(),
-                           [&first](std::wstring_view word) { return word != first; });
+                           [first](std::wstring_view word) { return word != first; });
     }
     if (item->kind == ItemKind::References)
         return item->Count(entity) > 0;
@@ -83,8 +84,7 @@ std::vector<LossyItem> LossyItems::Make(const QOBClassInfo& info) const
                 return made;
             made.push_back({&item, *reason, false, item.Get(*sample)});
         } else if (!item.entryWordSince.empty() && !AtLeast(m_version, item.entryWordSince)) {
-            const std::wstring_view first = (item.written + 1)->words.front();
-            made.push_back({&item, LossReason::Version, true, std::wstring(first)});
+            made.push_back({&item, LossReason::Version, true, EnumWord{item.entryWords.front()}});
         }
     }
     return made;

@@ -26,7 +26,7 @@ struct LossyItem
     /// It is about the word of a list's entries, of which the first one is what reading gives.
     bool isEntryWord;
     /// What a new entity has, and so one that is read.
-    ItemData fresh;
+    Value fresh;
 
     /// True when the document does not give back what an entity has.
     bool IsLostOf(const KARMPEntity& entity) const;

@@ -37,7 +37,7 @@ public:
 private:
     void CompareSettings();
     void CompareGlobals();
-    void NoteSetting(const wchar_t* name, Quantity::Enum quantity, ItemData before, ItemData after);
+    void NoteSetting(const wchar_t* name, Quantity::Enum quantity, Value before, Value after);
     void CompareEntities();
     void ComparePair(EntityNumber before, EntityNumber after);
     void CompareValues(const WorldGraph::Entity& before, const WorldGraph::Entity& after);
@@ -57,9 +57,9 @@ private:
     std::array<std::unordered_map<std::wstring_view, EntityNumber>, 2> m_identifiers;
 };
 
-ItemData TripleOf(double x, double y, double z)
+Value TripleOf(double x, double y, double z)
 {
-    return std::vector<double>{x, y, z};
+    return NumberArray{x, y, z};
 }
 
 /// The settings of a world that its entities do not tell.
@@ -81,10 +81,10 @@ struct Settings
         unit = static_cast<int>(lengthUnit);
     }
 
-    ItemData origin;
-    ItemData gravity;
-    ItemData size;
-    ItemData unit;
+    Value origin;
+    Value gravity;
+    Value size;
+    Value unit;
 };
 
 std::vector<Difference> WorldComparison::Run()
@@ -99,8 +99,8 @@ std::vector<Difference> WorldComparison::Run()
     return differences;
 }
 
-void WorldComparison::NoteSetting(const wchar_t* name, Quantity::Enum quantity, ItemData before,
-                                  ItemData after)
+void WorldComparison::NoteSetting(const wchar_t* name, Quantity::Enum quantity, Value before,
+                                  Value after)
 {
     Difference difference;
     difference.kind = DifferenceKind::Setting;
@@ -115,8 +115,8 @@ void WorldComparison::CompareSettings()
 {
     const KARMPWorld& first = m_worlds[0];
     const KARMPWorld& second = m_worlds[1];
-    const auto compare = [this](const wchar_t* name, Quantity::Enum quantity,
-                                const ItemData& before, const ItemData& after) {
+    const auto compare = [this](const wchar_t* name, Quantity::Enum quantity, const Value& before,
+                                const Value& after) {
         if (!AreEqual(before, after, ItemKind::Numbers, m_options))
             NoteSetting(name, quantity, before, after);
     };
@@ -139,9 +139,7 @@ void WorldComparison::CompareGlobals()
     for (std::size_t i = 0; i < names.size(); ++i) {
         const Handle& before = m_graphs[0].Globals()[i];
         const Handle& after = m_graphs[1].Globals()[i];
-        const auto valueOf = [](const Handle& handle) {
-            return handle ? ItemData(handle) : ItemData();
-        };
+        const auto valueOf = [](const Handle& handle) { return handle ? Value(handle) : Value(); };
         const bool areSame = before && after ? m_links.KeyOf(0, *before) == m_links.KeyOf(1, *after)
                                              : !before && !after;
         if (!areSame)
@@ -224,8 +222,8 @@ void WorldComparison::CompareValue(const WorldGraph::Entity& before,
                                    const WorldGraph::Entity& after, const ItemInfo& item,
                                    const ItemInfo& other)
 {
-    ItemData oldValue = item.Get(*before.handle);
-    ItemData newValue = other.Get(*after.handle);
+    Value oldValue = item.Get(*before.handle);
+    Value newValue = other.Get(*after.handle);
     if (AreEqual(oldValue, newValue, item.kind, m_options))
         return;
     Difference difference;
@@ -247,7 +245,7 @@ void WorldComparison::CompareElements(const WorldGraph::Entity& before,
     if (before.items != after.items ||
         (!items.HasMore(*before.handle) && !items.HasMore(*after.handle)))
         return;
-    const auto note = [&](std::wstring&& path, ItemData&& oldValue, ItemData&& newValue) {
+    const auto note = [&](std::wstring&& path, Value&& oldValue, Value&& newValue) {
         Difference difference;
         difference.before = before.handle;
         difference.after = after.handle;

@@ -66,10 +66,10 @@ private:
     void RestoreValue(const ItemInfo& item, const Entity& source, const Entity& duplicate);
     void RestoreRecords(const ItemInfo& item, const Entity& source, const Entity& duplicate);
     /// The first entity in a record that has no duplicate; null when all have one.
-    const Entity* FirstMissing(const std::vector<ItemData>& record) const;
+    const Entity* FirstMissing(const std::vector<Value>& record) const;
     void RestoreByElement(const Entity& source, const Entity& duplicate);
     /// The value with duplicates in place of the entities; those without one are left out.
-    ItemData Translated(const ItemData& value) const;
+    Value Translated(const Value& value) const;
     void TellCutLinks(const Entity& holder);
     /// True when the target refers back and is the end that tells of the link.
     bool IsToldByTarget(const ItemInfo& item, const Entity& holder, const Entity& target) const;
@@ -255,7 +255,7 @@ void Extractor::Restore(const Entity& source, const Entity& duplicate)
 
 void Extractor::RestoreLink(const ItemInfo& item, const Entity& source, const Entity& duplicate)
 {
-    const ItemData value = Translated(item.Get(*source));
+    const Value value = Translated(item.Get(*source));
     const auto* const target = std::get_if<Entity>(&value);
     const auto* const targets = std::get_if<Entities>(&value);
     const bool isSet = (target != nullptr && *target) || (targets != nullptr && !targets->empty());
@@ -265,7 +265,7 @@ void Extractor::RestoreLink(const ItemInfo& item, const Entity& source, const En
 
 void Extractor::RestoreValue(const ItemInfo& item, const Entity& source, const Entity& duplicate)
 {
-    const ItemData value = item.Get(*source);
+    const Value value = item.Get(*source);
     if (std::holds_alternative<std::monostate>(value) || item.Get(*duplicate) == value)
         return;
     if (KARFailed(item.Set(*duplicate, value)))
@@ -278,29 +278,29 @@ void Extractor::RestoreRecords(const ItemInfo& item, const Entity& source, const
 {
     if (item.Count(*duplicate) == item.Count(*source))
         return;
-    for (std::vector<ItemData>& record : item.GetRecords(*source)) {
+    for (std::vector<Value>& record : item.GetRecords(*source)) {
         const Entity* const missing = FirstMissing(record);
         if (missing != nullptr) {
             m_result.cutLinks.push_back({source, *missing, item.path});
             continue;
         }
-        for (ItemData& field : record)
+        for (Value& field : record)
             field = Translated(field);
         if (KARFailed(item.AddRecord(*duplicate, record)))
             m_result.lostItems.push_back({source, {}, item.path});
     }
 }
 
-const Entity* Extractor::FirstMissing(const std::vector<ItemData>& record) const
+const Entity* Extractor::FirstMissing(const std::vector<Value>& record) const
 {
-    for (const ItemData& field : record)
+    for (const Value& field : record)
         if (const auto* const entity = std::get_if<Entity>(&field))
             if (*entity && DuplicateOf(entity->get()) == nullptr)
                 return entity;
     return nullptr;
 }
 
-ItemData Extractor::Translated(const ItemData& value) const
+Value Extractor::Translated(const Value& value) const
 {
     if (const auto* const entity = std::get_if<Entity>(&value)) {
         const Entity* const duplicate = DuplicateOf(entity->get());

@@ -56,8 +56,8 @@ private:
     void FindRemoved();
     void FindItems(const KARMPEntity& entity);
     void FindLinks(const KARMPEntity& entity);
-    void Note(DifferenceKind kind, const Handle& entity, std::wstring item, ItemData before,
-              ItemData after, const Handle& target = {});
+    void Note(DifferenceKind kind, const Handle& entity, std::wstring item, Value before,
+              Value after, const Handle& target = {});
 
     const KARMPWorld& m_world;
     ListedEntities m_entities;
@@ -66,8 +66,8 @@ private:
     std::vector<Difference> m_losses;
 };
 
-void LossFinder::Note(DifferenceKind kind, const Handle& entity, std::wstring item, ItemData before,
-                      ItemData after, const Handle& target)
+void LossFinder::Note(DifferenceKind kind, const Handle& entity, std::wstring item, Value before,
+                      Value after, const Handle& target)
 {
     Difference loss;
     loss.kind = kind;
@@ -139,7 +139,7 @@ void LossFinder::FindItems(const KARMPEntity& entity)
         const auto entries = std::get<Handles>(lossy.item->Get(entity));
         const auto words = lossy.item->EntryWords(entity);
         for (std::size_t i = 0; i < std::min(entries.size(), words.size()); ++i)
-            if (words[i] != std::get<std::wstring>(lossy.fresh))
+            if (words[i] != std::get<EnumWord>(lossy.fresh).text)
                 Note(DifferenceKind::Changed, handle, lossy.Path(), std::wstring(words[i]),
                      lossy.fresh, entries[i]);
     }

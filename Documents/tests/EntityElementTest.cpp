@@ -52,7 +52,7 @@ protected:
                                       const DifferenceOptions& options = {})
     {
         std::vector<std::wstring> paths;
-        const auto note = [&](std::wstring&& path, ItemData&&, ItemData&&) {
+        const auto note = [&](std::wstring&& path, Value&&, Value&&) {
             paths.push_back(std::move(path));
         };
         const auto areSame = [](const std::wstring& left, const std::wstring& right) {

@@ -77,7 +77,7 @@ std::vector<Difference> Between(const QOBSharedHandle<KARMPWorld>& before,
     return FindDifferences(*before, *after, options);
 }
 
-std::string TextOf(const karmp::ItemData& data)
+std::string TextOf(const karmp::Value& data)
 {
     return std::holds_alternative<Bytes>(data) ? StreamText(std::get<Bytes>(data)) : "no stream";
 }

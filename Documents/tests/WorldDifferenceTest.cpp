@@ -135,7 +135,7 @@ TEST_F(WorldDifference, TellsEachSettingOfTheWorld)
               (std::vector<std::wstring>{L"linear_tolerance", L"angular_tolerance", L"Origin",
                                          L"Size", L"Gravity", L"LengthUnit", L"GroundBody"}));
     ASSERT_EQ(differences.size(), 7U);
-    EXPECT_EQ(differences[4].newValue, ItemData(std::vector{0.0, 0.0, -9.81}));
+    EXPECT_EQ(differences[4].newValue, Value(NumberArray{0.0, 0.0, -9.81}));
 }
 
 TEST_F(WorldDifference, TellsAnotherGlobalEntity)
@@ -145,7 +145,7 @@ TEST_F(WorldDifference, TellsAnotherGlobalEntity)
     const auto differences = Compare();
     ASSERT_EQ(KindsOf(differences), Kinds{DifferenceKind::Setting});
     EXPECT_EQ(differences[0].item, L"GlobalBody");
-    EXPECT_EQ(differences[0].newValue, ItemData(Handle(after)));
+    EXPECT_EQ(differences[0].newValue, Value(Handle(after)));
 }
 
 TEST_F(WorldDifference, TellsWhatOneWorldAloneHolds)
@@ -166,8 +166,8 @@ TEST_F(WorldDifference, TellsAnotherNameOfTheSameIdentifier)
     second.Add<KARMPBody>(L"Link", L"K1");
     const auto differences = Compare();
     ASSERT_EQ(KindsOf(differences), Kinds{DifferenceKind::Renamed});
-    EXPECT_EQ(differences[0].oldValue, ItemData(std::wstring(L"Rod")));
-    EXPECT_EQ(differences[0].newValue, ItemData(std::wstring(L"Link")));
+    EXPECT_EQ(differences[0].oldValue, Value(std::wstring(L"Rod")));
+    EXPECT_EQ(differences[0].newValue, Value(std::wstring(L"Link")));
 }
 
 TEST_F(WorldDifference, OfAPositionAloneIsAMove)
@@ -178,7 +178,7 @@ TEST_F(WorldDifference, OfAPositionAloneIsAMove)
     ASSERT_EQ(KindsOf(differences), Kinds{DifferenceKind::Moved});
     EXPECT_EQ(differences[0].item, L"Position");
     EXPECT_EQ(differences[0].quantity, KARMPPhysicalQuantity::Length);
-    EXPECT_EQ(std::get<std::vector<double>>(differences[0].newValue)[0], 2.0);
+    EXPECT_EQ(std::get<NumberArray>(differences[0].newValue)[0], 2.0);
 }
 
 TEST_F(WorldDifference, OfTheClassIsOneChange)
@@ -194,7 +194,7 @@ TEST_F(WorldDifference, OfTheClassIsOneChange)
     const auto differences = Compare();
     ASSERT_EQ(KindsOf(differences), Kinds{DifferenceKind::Changed});
     EXPECT_EQ(differences[0].item, L"class");
-    EXPECT_EQ(differences[0].newValue, ItemData(std::wstring(L"KARMPPrismatic")));
+    EXPECT_EQ(differences[0].newValue, Value(std::wstring(L"KARMPPrismatic")));
 }
 
 TEST_F(WorldDifference, OfClassAndNameIsThatOfTwoEntities)
@@ -243,8 +243,8 @@ TEST_F(WorldDifference, OfASingleReferenceIsOneChange)
     const auto differences = Compare();
     ASSERT_EQ(KindsOf(differences), Kinds{DifferenceKind::Changed});
     EXPECT_EQ(differences[0].item, L"Body");
-    EXPECT_EQ(differences[0].oldValue, ItemData(Handle(rod)));
-    EXPECT_EQ(differences[0].newValue, ItemData(Handle(otherCrank)));
+    EXPECT_EQ(differences[0].oldValue, Value(Handle(rod)));
+    EXPECT_EQ(differences[0].newValue, Value(Handle(otherCrank)));
 }
 
 TEST_F(WorldDifference, TellsALinkThatBothEndsHoldAloneOnce)
@@ -305,8 +305,8 @@ TEST_F(WorldDifference, TellsTheOrderAndTheWordsOfAJointsBodies)
     ASSERT_EQ(KindsOf(differences), (Kinds{DifferenceKind::Changed, DifferenceKind::Reordered}));
     EXPECT_EQ(differences[0].item, L"Bodies/bodyOrientation");
     EXPECT_EQ(differences[0].target.get(), rod.get());
-    EXPECT_EQ(differences[0].oldValue, ItemData(std::wstring(L"In")));
-    EXPECT_EQ(differences[0].newValue, ItemData(std::wstring(L"Out")));
+    EXPECT_EQ(differences[0].oldValue, Value(std::wstring(L"In")));
+    EXPECT_EQ(differences[0].newValue, Value(std::wstring(L"Out")));
     EXPECT_EQ(differences[1].item, L"Bodies");
 }
 
@@ -333,10 +333,10 @@ TEST_F(WorldDifference, TellsTheTermsOfAnEquationOneByOne)
     const auto differences = Compare();
     ASSERT_EQ(KindsOf(differences), (Kinds{DifferenceKind::Changed, DifferenceKind::Changed}));
     EXPECT_EQ(differences[0].item, L"LinearTermDataContainer/LinearTerm[2]/LinearTermValue");
-    EXPECT_EQ(differences[0].oldValue, ItemData(2.0));
-    EXPECT_EQ(differences[0].newValue, ItemData(2.5));
+    EXPECT_EQ(differences[0].oldValue, Value(2.0));
+    EXPECT_EQ(differences[0].newValue, Value(2.5));
     EXPECT_EQ(differences[1].item, L"LinearTermDataContainer/LinearTerm[4]");
-    EXPECT_EQ(differences[1].oldValue, ItemData());
+    EXPECT_EQ(differences[1].oldValue, Value());
 }
 
 TEST_F(WorldDifference, OfNumbersIsRelativeToTheGreaterOneAboveAFloor)
@@ -580,8 +580,8 @@ TEST_F(SeparateWorlds, MatchChangedEntitiesOfOneNameWhereOneWasAdded)
     const auto differences = Compare();
     ASSERT_EQ(KindsOf(differences),
               (Kinds{DifferenceKind::Changed, DifferenceKind::Changed, DifferenceKind::Added}));
-    EXPECT_EQ(differences[0].oldValue, ItemData(1.0));
-    EXPECT_EQ(differences[0].newValue, ItemData(1.5));
+    EXPECT_EQ(differences[0].oldValue, Value(1.0));
+    EXPECT_EQ(differences[0].newValue, Value(1.5));
 }
 
 TEST_F(SeparateWorlds, TellAnotherNameByTheLinks)

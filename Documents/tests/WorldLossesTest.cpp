@@ -115,8 +115,8 @@ TEST_F(Losses, TellWhatAnEntityHasAndWhatReadingLeavesItAt)
     EXPECT_EQ(losses[0].before, Handle(m_body));
     EXPECT_EQ(losses[0].after, Handle(m_body));
     EXPECT_EQ(losses[0].item, L"OutOfWorld");
-    EXPECT_EQ(losses[0].oldValue, ItemData(true));
-    EXPECT_EQ(losses[0].newValue, ItemData(false));
+    EXPECT_EQ(losses[0].oldValue, Value(true));
+    EXPECT_EQ(losses[0].newValue, Value(false));
     EXPECT_TRUE(FindLosses(*m_world, L"R2016.1").empty());
 }
 

@@ -19,7 +19,6 @@ using documents::Difference;
 using documents::DifferenceKind;
 using Handle = QOBSharedHandle<KARMPEntity>;
 using Handles = std::vector<Handle>;
-using Numbers = std::vector<double>;
 
 // Longer texts, streams for instance, are shortened.
 constexpr std::size_t LongestText = 60;
@@ -103,8 +102,8 @@ private:
     // numbers of both.
     void PrintMove(const Difference& difference) const
     {
-        const auto& before = std::get<Numbers>(difference.oldValue);
-        const auto& after = std::get<Numbers>(difference.newValue);
+        const auto& before = std::get<NumberArray>(difference.oldValue);
+        const auto& after = std::get<NumberArray>(difference.newValue);
         const std::size_t splitBefore = TranslationLength(before.size());
         const std::size_t splitAfter = TranslationLength(after.size());
         PrintPart("moved: ", std::span(before).first(splitBefore),
@@ -115,13 +114,13 @@ private:
     void PrintPart(const char* what, std::span<const double> before,
                    std::span<const double> after) const
     {
-        const std::string left = ValueText(Numbers(before.begin(), before.end()));
-        const std::string right = ValueText(Numbers(after.begin(), after.end()));
+        const std::string left = '(' + Joined(before, NumberText) + ')';
+        const std::string right = '(' + Joined(after, NumberText) + ')';
         if (left != right)
             m_out << "  " << what << left << " becomes " << right << '\n';
     }
 
-    std::string ValueText(const ItemData& data) const
+    std::string ValueText(const Value& data) const
     {
         return std::visit([this](const auto& value) { return TextOf(value); }, data);
     }
@@ -136,12 +135,20 @@ private:
         return '"' + Printable(std::wstring_view(value).substr(0, LongestText)) + "...\" (" +
                Count(value.size(), "character)", "characters)");
     }
+    std::string TextOf(EnumWord value) const { return TextOf(std::wstring(value.text)); }
     std::string TextOf(const Handle& value) const { return TitleOf(value); }
     std::string TextOf(const std::vector<unsigned char>& value) const
     {
         return documents::StreamText(value);
     }
-    std::string TextOf(const Numbers& value) const { return '(' + Joined(value, NumberText) + ')'; }
+    std::string TextOf(const NumberArray& value) const
+    {
+        return '(' + Joined(value, NumberText) + ')';
+    }
+    std::string TextOf(const std::vector<RecordValues>& value) const
+    {
+        return Count(value.size(), "record", "records");
+    }
     std::string TextOf(const Handles& value) const
     {
         return Joined(
@@ -190,12 +197,22 @@ struct JsonValue
         return std::isfinite(value) ? NumberText(value) : JsonText(NumberText(value));
     }
     std::string operator()(const std::wstring& value) const { return JsonText(kar::ToUtf8(value)); }
+    std::string operator()(EnumWord value) const { return JsonText(kar::ToUtf8(value.text)); }
     std::string operator()(const Handle& value) const { return EntityJson(value); }
+    std::string operator()(const Value& value) const { return std::visit(*this, value); }
+    std::string operator()(const NumberArray& values) const { return List(values); }
     template <class T>
     std::string operator()(const std::vector<T>& values) const
     {
+        return List(values);
+    }
+
+private:
+    template <class Values>
+    std::string List(const Values& values) const
+    {
         std::string text;
-        for (const T& value : values)
+        for (const auto& value : values)
             text += (text.empty() ? "" : ", ") + (*this)(value);
         return '[' + text + ']';
     }

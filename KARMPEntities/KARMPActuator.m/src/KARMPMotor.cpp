@@ -32,21 +32,30 @@ struct karmp::ContentOf<KARMPMotor>
     {
         return motor.SetValue(Slot, value);
     }
+    template <C::Slot Slot>
+    static KARStatus Remove(C& motor, const QOBSharedHandle<KARMPValue>& value)
+    {
+        return motor.m_values[Slot].Remove(value);
+    }
     static constexpr auto List =
         Element(L"Motor", "Drives one variable towards a target.", CountingFrame,
                 Reference<&C::m_variable, &C::SetVariable>(L"Variable", "The driven variable."),
                 Word<&C::m_targetType>(L"TargetType", "What the motor aims at.").Required(),
                 ValueReference<&Get<C::Position>, &Set<C::Position>>(
                     L"Position", "What the position is driven to.")
+                    .Removing<&Remove<C::Position>>()
                     .Optional(),
                 ValueReference<&Get<C::Velocity>, &Set<C::Velocity>>(
                     L"Velocity", "What the velocity is driven to.")
+                    .Removing<&Remove<C::Velocity>>()
                     .Optional(),
                 ValueReference<&Get<C::Acceleration>, &Set<C::Acceleration>>(
                     L"Acceleration", "What the acceleration is driven to.")
+                    .Removing<&Remove<C::Acceleration>>()
                     .Optional(),
                 ValueReference<&Get<C::MaxForce>, &Set<C::MaxForce>>(
                     L"MaxForce", "The largest force or torque of the motor.")
+                    .Removing<&Remove<C::MaxForce>>()
                     .Optional());
 };
 KARMP_DESCRIBE_CONTENT(KARMPMotor);

@@ -40,6 +40,15 @@ struct karmp::ContentOf<KARMPBody>
         body.m_motion.angularVelocity = read;
         NoteVelocity(body, read);
     }
+    // A body that is listed twice remains the father's child until both entries are gone.
+    static KARStatus RemoveChild(C& body, const QOBSharedHandle<KARMPBody>& child)
+    {
+        const KARStatus status = body.m_children.Remove(child);
+        if (status == KARSuccess && child->m_father.get() == &body &&
+            !body.m_children.Contains(child))
+            child->m_father.detach();
+        return status;
+    }
     static bool FollowsFather(const C& body)
     {
         return !body.m_floating && !body.m_fixed && body.m_father;
@@ -75,22 +84,29 @@ struct karmp::ContentOf<KARMPBody>
     static constexpr auto Links = karmp::List(
         References<&C::m_geometries, &C::AddGeometry>(L"Geometries", L"Geometry",
                                                       "The geometries that it carries.")
+            .Removing<&C::RemoveGeometry>()
             .OtherSide(L"Body"),
         References<&C::m_joints, &C::LinkToJoint>(L"Joints", L"Joint", "The joints that use it.")
+            .Removing<&C::RemoveJoint>()
             .OtherSide(L"Bodies"),
         References<&C::m_shapes, &C::LinkToShape>(L"Shapes", L"Shape", "The shapes that it has.")
+            .Removing<&C::RemoveShape>()
             .OtherSide(L"Bodies"),
         References<&C::m_connectors, &C::LinkToConnector>(L"Connectors", L"Connector",
                                                           "The connectors that act on it.")
+            .Removing<&C::RemoveConnector>()
             .OtherSide(L"FirstBody SecondBody"),
         Reference<&C::GetDisplacementSensor, &C::SetDisplacementSensor>(
             L"DisplacementSensor", "The sensor that measures how far it was moved.")
+            .Removing<&C::RemoveDisplacementSensor>()
             .OtherSide(L"Body"),
         References<&C::m_impactedChildren, &C::AddImpactedChildBody>(
             L"ImpactedChildrenBodies", L"ImpactedChildBody",
-            "The bodies that are refreshed when it moves."),
+            "The bodies that are refreshed when it moves.")
+            .Removing<&C::RemoveBody>(),
         References<&C::m_children, &C::AddBody>(L"ChildrenBodies", L"ChildBody",
-                                                "The children in the tree of bodies."));
+                                                "The children in the tree of bodies.")
+            .Removing<&RemoveChild>());
 
     // A failing base costs the state, not the links; an element that cannot be added gives 0.
     static constexpr ContentFrame Frame{{.missingElement = KARSuccess, .goesOn = true},

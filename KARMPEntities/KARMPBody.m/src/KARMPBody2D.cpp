@@ -66,19 +66,24 @@ struct karmp::ContentOf<KARMPBody2D>
     static constexpr auto Links = karmp::List(
         References<&C::m_geometries, &C::AddGeometry>(L"Geometries", L"Geometry",
                                                       "The planar geometries that it carries.")
+            .Removing<&C::RemoveGeometry>()
             .OtherSide(L"Body2D"),
         Reference<&C::m_sketch, &C::SetSketch>(L"Sketch", "The sketch in whose plane it lies."),
         References<&C::m_joints, &C::LinkToJoint>(L"Joints", L"Joint",
                                                   "The planar joints that use it.")
+            .Removing<&C::RemoveJoint>()
             .OtherSide(L"Bodies2D"),
         References<&C::m_shapes, &C::LinkToShape>(L"Shapes", L"Shape", "Its planar shapes.")
+            .Removing<&C::RemoveShape>()
             .OtherSide(L"Bodies"),
         Reference<&C::m_displacementSensor, &C::SetDisplacementSensor>(
             L"DisplacementSensor", "The sensor that measures how far it was moved.")
+            .Removing<&C::RemoveDisplacementSensor>()
             .OtherSide(L"Body2D"),
         References<&C::m_impactedChildren, &C::AddImpactedChildBody>(
             L"ImpactedChildrenBodies", L"ImpactedChildBody",
-            "The planar bodies that are refreshed when it moves."));
+            "The planar bodies that are refreshed when it moves.")
+            .Removing<&C::RemoveBody>());
 
     // A failing base costs the state, not the links; an element that cannot be added gives 0.
     static constexpr ContentFrame Frame{{.missingElement = KARSuccess, .goesOn = true},

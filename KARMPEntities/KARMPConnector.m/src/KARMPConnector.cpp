@@ -14,18 +14,30 @@ template <>
 struct karmp::ContentOf<KARMPConnector>
 {
     using C = KARMPConnector;
+    static KARStatus RemoveFirst(C& connector, const QOBSharedHandle<KARMPBody>& body)
+    {
+        return connector.m_firstBody.Remove(body);
+    }
+    static KARStatus RemoveSecond(C& connector, const QOBSharedHandle<KARMPBody>& body)
+    {
+        return connector.m_secondBody.Remove(body);
+    }
     static constexpr auto List = Base(
         "An element that acts between two bodies.", LenientFrame,
         Reference<&C::GetFirstBody, &C::SetFirstBody>(L"FirstBody", "The body at its first end.")
+            .Removing<&RemoveFirst>()
             .OtherSide(L"Connectors"),
         Reference<&C::GetSecondBody, &C::SetSecondBody>(L"SecondBody",
                                                         "The body at its second end.")
+            .Removing<&RemoveSecond>()
             .OtherSide(L"Connectors"),
         References<&C::GetLinkedGeometryCount, &C::GetLinkedGeometry, &C::LinkToGeometry>(
             L"Geometries", L"Geometry", "The geometries at which it acts.")
+            .Removing<&C::RemoveGeometry>()
             .InOrder(),
         References<&C::GetLinkedVariableCount, &C::GetLinkedVariable, &C::LinkToVariable>(
             L"Variables", L"Variable", "The variables that it depends on.")
+            .Removing<&C::RemoveVariable>()
             .InOrder());
 };
 KARMP_DEFINE_CONTENT(KARMPConnector);

@@ -16,7 +16,8 @@ struct karmp::ContentOf<KARMPForceElement>
         L"ForceElement", "A force whose law only the solver knows.", LenientFrame,
         Attribute(Text<&C::m_class>(L"class", "The solver's name of the class of the force.")),
         Attribute(Text<&C::m_stream>(L"stream", "What the solver keeps of the force.")),
-        Reference<&C::GetJoint, &C::SetJoint>(L"Joint", "The joint in which it acts."));
+        Reference<&C::GetJoint, &C::SetJoint>(L"Joint", "The joint in which it acts.")
+            .Removing<&C::RemoveJoint>());
 };
 KARMP_DEFINE_CONTENT(KARMPForceElement);
 

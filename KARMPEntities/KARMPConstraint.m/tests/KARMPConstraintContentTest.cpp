@@ -126,7 +126,7 @@ TEST_F(ConstraintContent, TermsOfALinearEquationAreInTheTableOfItems)
     equation->AddLinearTerm(1.5);
     equation->AddLinearTerm(2.5);
     const karmp::ItemInfo& terms = karmp::ItemsOf("KARMPLinearEquation").back();
-    const std::vector<std::vector<karmp::ItemData>> expected{{{}, 1.5}, {{}, 2.5}};
+    const std::vector<std::vector<karmp::Value>> expected{{{}, 1.5}, {{}, 2.5}};
     EXPECT_EQ(terms.GetRecords(*equation), expected);
     // The class's own code reads them.
     EXPECT_EQ(terms.AddRecord(*equation, expected[0]), KARFailure);

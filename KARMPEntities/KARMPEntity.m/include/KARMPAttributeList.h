@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <memory>
 #include <string_view>
+#include <utility>
 
 namespace karmp {
 
@@ -65,6 +66,22 @@ public:
         if (m_attributes.Contains(attribute._getReferent()))
             return KARUnchanged;
         m_attributes.Append(attribute);
+        return KARSuccess;
+    }
+    /// Takes an attribute out and keeps the order of the rest. One that is not listed gives
+    /// KARUnchanged, a null handle is a failed check and a failure.
+    KARStatus Remove(const QOBSharedHandle<T>& attribute,
+                     KARMPSourceLocation where = KARMPSourceLocation::current())
+    {
+        if (!KARMPVerify(static_cast<bool>(attribute), where))
+            return KARFailure;
+        if (!m_attributes.Contains(attribute._getReferent()))
+            return KARUnchanged;
+        karmp::AttributeSequence others;
+        for (int index = 0; index < Count(); ++index)
+            if (const QOBSharedHandle<T> entry = At(index); entry != attribute)
+                others.Append(entry);
+        m_attributes = std::move(others);
         return KARSuccess;
     }
     /// Gives the attribute at an index. An index outside the list gives a null handle and a

@@ -17,9 +17,11 @@ struct karmp::ContentOf<KARMPGeometry>
     static constexpr auto List = Base(
         "A geometry on which constraints are put.", LenientFrame,
         Reference<&C::GetBody, &C::SetBody>(L"Body", "The body that it moves with.")
+            .Removing<&C::RemoveBody>()
             .OtherSide(L"Geometries"),
         References<&C::GetLinkedConstraintCount, &C::GetLinkedConstraint, &C::LinkToConstraint>(
             L"Constraints", L"Constraint", "The constraints that are put on it.")
+            .Removing<&C::RemoveConstraint>()
             .OtherSide(L"Geometries"));
 };
 KARMP_DEFINE_CONTENT(KARMPGeometry);

@@ -23,9 +23,14 @@ struct karmp::ContentOf<KARMPGeometry2D>
     {
         return geometry.SetBody(body);
     }
+    static KARStatus RemoveBody(C& geometry, const QOBSharedHandle<KARMPBody2D>& body)
+    {
+        return geometry.RemoveBody(body);
+    }
     static constexpr auto List = Base(
         "A geometry of a planar mechanism.", LenientFrame,
         Reference<&GetBody, &SetBody>(L"Body2D", "The planar body that it moves with.")
+            .Removing<&RemoveBody>()
             .OtherSide(L"Geometries"),
         Reference<&C::m_sketch, &C::SetSketch>(L"Sketch", "The sketch in whose plane it lies."));
 };

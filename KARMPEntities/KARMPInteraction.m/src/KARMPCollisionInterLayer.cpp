@@ -14,7 +14,8 @@ struct karmp::ContentOf<KARMPCollisionInterLayer>
     static constexpr auto List = Element(
         L"CollisionInterLayer", "Relates layers of entities that may collide.", LenientFrame,
         References<&C::GetCollidableCount, &C::GetCollidable, &C::AddCollidable>(
-            L"CollisionLayers", L"CollisionLayer", "The layers that it relates: its collidables."),
+            L"CollisionLayers", L"CollisionLayer", "The layers that it relates: its collidables.")
+            .Removing<&C::RemoveCollidable>(),
         ContactCoefficients<&C::m_restitution, &C::m_dynamicFriction, &C::m_staticFriction>());
 };
 KARMP_DEFINE_CONTENT(KARMPCollisionInterLayer);

@@ -12,7 +12,8 @@ struct karmp::ContentOf<KARMPCollisionLayer>
     static constexpr auto List = Element(
         L"CollisionLayer", "A group of entities that collision rules treat alike.", LenientFrame,
         References<&C::GetCollidableCount, &C::GetCollidable, &C::AddCollidable>(
-            L"Entities", L"Entity", "The entities of the layer: its collidables."));
+            L"Entities", L"Entity", "The entities of the layer: its collidables.")
+            .Removing<&C::RemoveCollidable>());
 };
 KARMP_DEFINE_CONTENT(KARMPCollisionLayer);
 

@@ -12,7 +12,8 @@ struct karmp::ContentOf<KARMPInteraction>
     static constexpr auto List =
         Base("Which entities may collide, and how.", LenientFrame,
              References<&C::GetCollidableCount, &C::GetCollidable, &C::AddCollidable>(
-                 L"Collidables", L"Collidable", "The entities that it is about."),
+                 L"Collidables", L"Collidable", "The entities that it is about.")
+                 .Removing<&C::RemoveCollidable>(),
              Word<&C::m_ruleType>(L"RuleType", "What becomes of the entities when they touch."));
 };
 KARMP_DEFINE_CONTENT(KARMPInteraction);

@@ -9,13 +9,18 @@ template <>
 struct karmp::ContentOf<KARMPCoupling>
 {
     using C = KARMPCoupling;
+    static KARStatus RemoveEquation(C& coupling, const QOBSharedHandle<KARMPEquation>& equation)
+    {
+        return coupling.RemoveConstraint(equation);
+    }
     // The joint's content comes behind the coupling's, and its status is that of the whole.
     static constexpr ContentFrame Frame{{.baseLast = true, .passesBase = true},
                                         {.baseLast = true, .passesBase = true}};
     static constexpr auto List = Base(
         "A joint that ties the motion of other joints together by an equation.", Frame,
         Reference<&C::GetEquation, &C::SetEquation>(
-            L"Equation", "The equation, which is the first of the joint's constraints as well."));
+            L"Equation", "The equation, which is the first of the joint's constraints as well.")
+            .Removing<&RemoveEquation>());
 };
 KARMP_DEFINE_CONTENT(KARMPCoupling);
 

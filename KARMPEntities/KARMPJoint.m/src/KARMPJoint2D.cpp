@@ -24,11 +24,13 @@ struct karmp::ContentOf<KARMPJoint2D>
                  Since(R2017_1, EntryWord<KARMPBodyOrientation::Enum>(
                                     L"bodyOrientation", "The orientation of the body in the joint.")
                                     .Required()))
+                 .Removing<&C::RemoveBody>()
                  .AlwaysNamed()
                  .InOrder()
                  .OtherSide(L"Joints"),
              References<&C::m_constraints, &C::AddConstraint>(L"Constraints", L"Constraint",
                                                               "The constraints that realise it.")
+                 .Removing<&C::RemoveConstraint>()
                  .OtherSide(L"Joint"));
 };
 KARMP_DEFINE_CONTENT(KARMPJoint2D, KARMPEntity);

@@ -19,6 +19,9 @@ public:
     /// Appends a body to the group. A null handle is a failed check and a failure; a body that is
     /// in the group already gives 1.
     KARStatus AddBodyToGroup(const QOBSharedHandle<KARMPBody>& body);
+    /// Takes a body out of the group. A null handle is a failed check and a failure; a body that is
+    /// not in the group gives 1.
+    KARStatus RemoveBodyFromGroup(const QOBSharedHandle<KARMPBody>& body);
     /// Gives the body at an index from 0; outside the group a null handle and a failure.
     KARStatus GetBodyInGroup(int index, QOBSharedHandle<KARMPBody>& body) const;
     int GetBodyInGroupCount() const { return m_group.Count(); }

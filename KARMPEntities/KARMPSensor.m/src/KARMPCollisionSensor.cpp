@@ -25,10 +25,16 @@ struct karmp::ContentOf<KARMPCollisionSensor>
         return sensor.m_interaction ? sensor.GetCollisionRule(rule) : KARFailure;
     }
 
+    static KARStatus RemoveRule(C& sensor, const QOBSharedHandle<KARMPCollisionRule>& rule)
+    {
+        return sensor.m_interaction.Remove(rule);
+    }
+
     static constexpr auto List =
         Element(L"CollisionSensor", "Records the contacts of a step.", CountingFrame,
                 Reference<&Rule, &C::SetCollisionRule>(L"CollisionRule",
-                                                       "The rule whose contacts are recorded."),
+                                                       "The rule whose contacts are recorded.")
+                    .Removing<&RemoveRule>(),
                 Records<&C::m_geometryData, &C::TakeGeometryData>(
                     L"ContactGeometryDataContainer", L"ContactGeometryData", "Where bodies touch.",
                     ContactGeometry<KARMPContactGeometryData>()),

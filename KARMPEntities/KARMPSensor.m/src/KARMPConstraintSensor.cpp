@@ -15,6 +15,7 @@ struct karmp::ContentOf<KARMPConstraintSensor>
         Element(L"ConstraintSensor", "Measures whether a constraint is redundant.", CountingFrame,
                 Reference<&C::m_constraint, &C::SetConstraint>(L"Constraint",
                                                                "The constraint that is measured.")
+                    .Removing<&C::RemoveConstraint>()
                     .OtherSide(L"Sensors"));
 };
 KARMP_DEFINE_CONTENT(KARMPConstraintSensor);

@@ -15,6 +15,7 @@ struct karmp::ContentOf<KARMPDisplacementSensor>
     static constexpr auto List =
         Element(L"DisplacementSensor", "Measures how far a body was moved.", CountingFrame,
                 Reference<&C::m_body, &C::SetBody>(L"Body", "The body that is measured.")
+                    .Removing<&C::RemoveBody>()
                     .OtherSide(L"DisplacementSensor"),
                 Transformation<&C::m_displacement>(
                     L"Displacement", "The transformation of the world by which it was moved."));

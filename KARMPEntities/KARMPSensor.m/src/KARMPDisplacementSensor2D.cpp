@@ -15,6 +15,7 @@ struct karmp::ContentOf<KARMPDisplacementSensor2D>
     static constexpr auto List =
         Element(L"DisplacementSensor2D", "Measures how far a planar body was moved.", CountingFrame,
                 Reference<&C::m_body, &C::SetBody>(L"Body2D", "The body that is measured.")
+                    .Removing<&C::RemoveBody>()
                     .OtherSide(L"DisplacementSensor"),
                 Transformation<&C::m_displacement>(
                     L"Displacement2D", "The transformation of the plane by which it was moved."));

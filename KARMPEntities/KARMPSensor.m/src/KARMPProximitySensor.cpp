@@ -31,6 +31,13 @@ struct karmp::ContentOf<KARMPProximitySensor>
     using C = KARMPProximitySensor;
     using Data = KARMPProximitySensorData;
 
+    static KARStatus RemoveSensorBody(C& sensor, const QOBSharedHandle<KARMPBody>& body)
+    {
+        QOBSharedHandle<KARMPBody> held;
+        return KARFailed(sensor.m_data.GetSensorBody(held)) || held != body
+                   ? KARUnchanged
+                   : sensor.m_data.SetSensorBody({});
+    }
     template <auto Access>
     static constexpr auto OfData = Within<&C::m_data, Access>;
     static constexpr auto List =
@@ -38,12 +45,14 @@ struct karmp::ContentOf<KARMPProximitySensor>
                 Group(L"ProximitySensorData", "What is watched.",
                       Reference<OfData<&Data::GetSensorBody>, OfData<&Data::SetSensorBody>>(
                           L"SensorBody", "The body that is watched.")
+                          .Removing<&RemoveSensorBody>()
                           .EvenWithoutTarget(),
                       Mark<&C::m_data, &Data::GetUseGroupContext, &Data::SetUseGroupContext>(
                           L"UseGroupContext", "Whether only the bodies of the group count."),
                       References<&C::GetBodyInGroupCount, &C::GetBodyInGroup, &C::AddBodyToGroup>(
                           L"ProximitySensorGroup", L"BodyInGroup",
                           "The bodies that the watched body may come near to.")
+                          .Removing<OfData<&Data::RemoveBodyFromGroup>>()
                           .When<OfData<&Data::GetUseGroupContext>>(),
                       Mark<&C::m_data, &Data::GetInverseResult, &Data::SetInverseResult>(
                           L"InverseResult", "Whether the status is true while no body is near."),

@@ -19,6 +19,11 @@ KARStatus KARMPProximitySensorData::AddBodyToGroup(const QOBSharedHandle<KARMPBo
     return m_group.Add(body);
 }
 
+KARStatus KARMPProximitySensorData::RemoveBodyFromGroup(const QOBSharedHandle<KARMPBody>& body)
+{
+    return m_group.Remove(body);
+}
+
 KARStatus KARMPProximitySensorData::GetBodyInGroup(int index,
                                                    QOBSharedHandle<KARMPBody>& body) const
 {

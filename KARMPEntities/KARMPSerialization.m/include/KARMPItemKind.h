@@ -27,6 +27,13 @@ enum class ItemKind : std::uint8_t {
     Stream          ///< Bytes as base 64.
 };
 
+/// What the doubles of an item stand for.
+enum class NumberShape : std::uint8_t {
+    Vector,        ///< Numbers in a row: a point, a vector, a line's origin and direction.
+    Matrix,        ///< A square matrix.
+    Transformation ///< A translation and a rotation matrix.
+};
+
 /// What it means to a reader that an item is not there.
 enum class ItemPresence : std::uint8_t {
     Reported, ///< A failed check; reading goes on.

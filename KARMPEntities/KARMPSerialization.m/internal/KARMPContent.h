@@ -31,6 +31,10 @@ namespace karmp {
 template <class C>
 struct ContentOf;
 
+/// Links a target, or takes it away, by an operation of the class.
+template <auto Operation>
+KARStatus LinkTargetBy(void* owner, const ItemValue& value);
+
 /// One or more items in a row: an item, or a group with what it holds. The facets apply to the
 /// first one, those of versions and of presence to all that are not within a group.
 template <std::size_t N>
@@ -101,6 +105,13 @@ struct ItemList
     constexpr ItemList WhenRead() const
     {
         return With([](Item& item) { item.whenRead = &Holds<Condition>; });
+    }
+    /// An operation of the class takes the target of a reference away, or an entry of a list. A
+    /// member that is a link, or a list of links, needs none.
+    template <auto Remove>
+    constexpr ItemList Removing() const
+    {
+        return With([](Item& item) { item.remove = &LinkTargetBy<Remove>; });
     }
     /// The item of the target that refers back, or those of which one does, between blanks.
     constexpr ItemList OtherSide(std::wstring_view item) const
@@ -220,6 +231,18 @@ constexpr auto Unequal(const ItemList<N>& written, const ItemList<M>& read)
     return List(written.WrittenOnly(), read.ReadOnly());
 }
 
+/// What the doubles of a value stand for.
+template <class T>
+inline constexpr NumberShape ShapeOf = NumberShape::Vector;
+template <>
+inline constexpr NumberShape ShapeOf<KARMath3x3Matrix> = NumberShape::Matrix;
+template <>
+inline constexpr NumberShape ShapeOf<KARMath2x2Matrix> = NumberShape::Matrix;
+template <>
+inline constexpr NumberShape ShapeOf<KARMathTransformation> = NumberShape::Transformation;
+template <>
+inline constexpr NumberShape ShapeOf<KARMathTransformation2D> = NumberShape::Transformation;
+
 /// An item that a way to a value leads to.
 template <auto Access>
 constexpr ItemList<1> MakeItem(std::wstring_view name, std::string_view says, ItemKind kind,
@@ -230,6 +253,7 @@ constexpr ItemList<1> MakeItem(std::wstring_view name, std::string_view says, It
     item.name = name;
     item.says = says;
     item.kind = kind;
+    item.shape = ShapeOf<typename TraitsOf<Access>::Value>;
     item.get = &FetchItem<Access>;
     item.set = StoreItemOrNone<Access>();
     item.hasSetter = TraitsOf<Access>::Stores;

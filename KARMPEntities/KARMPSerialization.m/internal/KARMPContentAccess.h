@@ -408,16 +408,16 @@ KARStatus FetchItem(const void* owner, ItemValue& value)
 {
     using Traits = TraitsOf<Get>;
     const auto& object = OwnerAs<typename Traits::Class>(owner);
-    using Value = typename Traits::Value;
+    using Fetched = typename Traits::Value;
     if constexpr (std::is_member_object_pointer_v<decltype(Get)> &&
-                  !std::is_same_v<Value, std::wstring>) {
-        ItemConversion<Value>::Put(object.*Get, value);
+                  !std::is_same_v<Fetched, std::wstring>) {
+        ItemConversion<Fetched>::Put(object.*Get, value);
         return KARSuccess;
     } else {
-        Value fetched{};
+        Fetched fetched{};
         const KARStatus status = Traits::Get(Get, object, fetched);
         if (!KARFailed(status))
-            ItemConversion<Value>::Put(std::move(fetched), value);
+            ItemConversion<Fetched>::Put(std::move(fetched), value);
         return status;
     }
 }

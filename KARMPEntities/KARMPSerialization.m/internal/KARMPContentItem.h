@@ -135,6 +135,8 @@ struct Item
     bool isOwned = false;
     /// The words are those of a bool.
     bool isFlag = false;
+    /// What the doubles of Numbers and of a Transformation stand for.
+    NumberShape shape = NumberShape::Vector;
     /// Any name is read for the entries of a list or of a group's children.
     bool anyName = false;
     /// The order of the entries of References means something.
@@ -145,6 +147,8 @@ struct Item
     const QOBClassInfo& (*target)() = nullptr;
     /// The item of the target that refers back, or those of which one does, between blanks.
     std::wstring_view otherSide;
+    /// Takes the target of a reference, or one entry of References, away; null when nothing does.
+    KARStatus (*remove)(void* owner, const ItemValue& value) = nullptr;
     /// Makes a record that is empty.
     std::shared_ptr<void> (*makeRecord)() = nullptr;
     /// The attribute of a list of records that tells how many there are; empty without one.

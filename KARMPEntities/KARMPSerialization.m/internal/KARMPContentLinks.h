@@ -8,7 +8,7 @@
 
 namespace karmp {
 
-/// The entity type of a handle, a link, or a list of links.
+/// The entity type of a handle, a link, or a list of either.
 template <class T>
 struct LinkTarget;
 template <class T>
@@ -23,6 +23,11 @@ struct LinkTarget<KARMPLink<T>>
 };
 template <class T>
 struct LinkTarget<KARMPLinkList<T>>
+{
+    using Type = T;
+};
+template <class T>
+struct LinkTarget<KARMPAttributeList<T>>
 {
     using Type = T;
 };
@@ -47,7 +52,8 @@ KARStatus FetchTarget(const void* owner, ItemValue& value)
         return status;
     }
 }
-/// Links the target that was read. Throws QOBEInvalidCast when it is of another class.
+/// Links the target that was read, or takes it away. Throws QOBEInvalidCast when it is of another
+/// class.
 template <auto Link>
 KARStatus LinkTargetBy(void* owner, const ItemValue& value)
 {
@@ -55,6 +61,35 @@ KARStatus LinkTargetBy(void* owner, const ItemValue& value)
     auto& object = OwnerAs<typename Traits::Class>(owner);
     using Target = typename LinkTarget<typename Traits::Value>::Type;
     return Traits::Set(Link, object, HandleAs<Target>(*value.target));
+}
+
+/// Takes a target from a member that is a link or a list of links, or a handle.
+template <auto Member>
+KARStatus RemoveTargetFrom(void* owner, const ItemValue& value)
+{
+    using Traits = TraitsOf<Member>;
+    using Held = typename Traits::Value;
+    auto& object = OwnerAs<typename Traits::Class>(owner);
+    const auto target = HandleAs<typename LinkTarget<Held>::Type>(*value.target);
+    if constexpr (requires(Held held) { held.Remove(target); }) {
+        return (object.*Member).Remove(target);
+    } else {
+        Held held;
+        if (KARFailed(Traits::Get(Member, object, held)) || held != target)
+            return KARUnchanged;
+        return Traits::Set(Member, object, Held());
+    }
+}
+/// Null where the way to the target is no such member.
+template <auto Member>
+constexpr auto RemoveTargetOrNone() -> KARStatus (*)(void*, const ItemValue&)
+{
+    constexpr bool isFunction =
+        std::is_member_function_pointer_v<decltype(Member)> || std::is_pointer_v<decltype(Member)>;
+    if constexpr (!isFunction && TraitsOf<Member>::Stores)
+        return &RemoveTargetFrom<Member>;
+    else
+        return nullptr;
 }
 
 /// A single entity in an element with its identifier. `Get` is the link or its getter, which fails
@@ -73,6 +108,7 @@ constexpr ItemList<1> Reference(std::wstring_view name, std::string_view says,
     item.get = &FetchTarget<Get>;
     item.set = &LinkTargetBy<Link>;
     item.hasSetter = true;
+    item.remove = RemoveTargetOrNone<Get>();
     item.where = where;
     return list;
 }
@@ -167,7 +203,9 @@ template <auto LinkList, auto Link>
 constexpr ItemList<1> References(std::wstring_view name, std::wstring_view entry,
                                  std::string_view says, Where where = Where::current())
 {
-    return MakeReferences<ListedEntries<LinkList>, Link>(name, entry, says, where);
+    auto list = MakeReferences<ListedEntries<LinkList>, Link>(name, entry, says, where);
+    list.First().remove = RemoveTargetOrNone<LinkList>();
+    return list;
 }
 /// The same by the operations that count the entries and give one, virtual ones for instance. An
 /// entry that cannot be had is written with the bool true as identifier and name.

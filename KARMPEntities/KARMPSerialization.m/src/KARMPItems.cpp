@@ -105,8 +105,6 @@ std::string_view ReasonAgainstSetting(const Item& item)
 {
     if (!item.fixedBecause.empty())
         return item.fixedBecause;
-    if (item.kind == ItemKind::Records)
-        return "Its entries are changed by operations of the class.";
     if (item.set == nullptr)
         return "The class itself writes and reads it.";
     return {};
@@ -186,6 +184,8 @@ void RowMaker::AddRow(const Item& item, std::span<const Item> inner, const std::
     row.says = item.says;
     row.quantity = item.quantity;
     row.words = item.words;
+    row.shape = item.kind == ItemKind::Transformation ? NumberShape::Transformation : item.shape;
+    row.numberCount = DoublesOf(item);
     if (item.target != nullptr)
         row.target = item.target().getName();
     row.otherSide = item.otherSide;
@@ -196,6 +196,7 @@ void RowMaker::AddRow(const Item& item, std::span<const Item> inner, const std::
     row.isInOrder = item.isInOrder || item.kind == ItemKind::Records;
     if (const Item* const word = EntryWordOf(item)) {
         row.entryWord = word->name;
+        row.entryWords = word->words;
         row.entryWordSince = word->since;
     }
     row.written = &item;
@@ -212,141 +213,16 @@ void RowMaker::AddRow(const Item& item, std::span<const Item> inner, const std::
     m_rows.push_back(std::move(row));
 }
 
-Target HandleOf(const ItemValue& value)
+// Whether a name is one of those between the blanks.
+bool IsAmong(std::wstring_view name, std::wstring_view names)
 {
-    return Target::unchecked(value.entity);
-}
-
-std::vector<double> DoublesIn(const ItemValue& value, std::size_t count)
-{
-    return {value.numbers.data(), value.numbers.data() + count};
-}
-
-ItemData WordIn(const ItemInfo& row, const ItemValue& value)
-{
-    const auto index = static_cast<std::size_t>(value.number);
-    if (row.isFlag)
-        return value.number != 0;
-    if (index < row.words.size())
-        return std::wstring(row.words[index]);
-    return value.number;
-}
-
-// Calls `visit` with each entry that can be had.
-template <class Visit>
-void ForEachEntry(const Item& item, const void* owner, Visit visit)
-{
-    ItemValue value;
-    const int count = item.count(owner);
-    for (int index = 0; index < count; ++index) {
-        value.entity = {};
-        if (!KARFailed(item.at(owner, index, value)))
-            visit(value);
-    }
-}
-
-ItemData EntriesIn(const Item& item, const void* owner)
-{
-    Targets entries;
-    ForEachEntry(item, owner, [&](const ItemValue& value) { entries.push_back(HandleOf(value)); });
-    return entries;
-}
-
-// The double, integer, text or word of a value; false when it is of another kind.
-bool TakeValue(const ItemInfo& row, const Item& item, const ItemData& data, ItemValue& value)
-{
-    const auto* const flag = std::get_if<bool>(&data);
-    const auto* const integer = std::get_if<int>(&data);
-    const auto* const number = std::get_if<double>(&data);
-    const auto* const text = std::get_if<std::wstring>(&data);
-    switch (item.kind) {
-    case ItemKind::Number:
-    case ItemKind::OptionalNumber:
-        if (number == nullptr && integer == nullptr)
-            return false;
-        value.numbers[0] = number != nullptr ? *number : static_cast<double>(*integer);
-        value.number = 1;
-        return true;
-    case ItemKind::Integer:
-        if (integer == nullptr)
-            return false;
-        value.number = *integer;
-        return true;
-    case ItemKind::Text:
-        if (text == nullptr)
-            return false;
-        value.buffer = *text;
-        value.text = value.buffer;
-        return true;
-    case ItemKind::Flag:
-        if (flag == nullptr)
-            return false;
-        value.number = *flag ? 1 : 0;
-        return true;
-    case ItemKind::Word:
-    case ItemKind::Code: {
-        if (flag != nullptr && row.isFlag) {
-            value.number = *flag ? 1 : 0;
+    while (!names.empty()) {
+        const std::size_t end = std::min(names.find(L' '), names.size());
+        if (names.substr(0, end) == name)
             return true;
-        }
-        const auto found = text != nullptr ? std::find(item.words.begin(), item.words.end(), *text)
-                                           : item.words.end();
-        value.number = static_cast<int>(found - item.words.begin());
-        return found != item.words.end();
+        names.remove_prefix(std::min(end + 1, names.size()));
     }
-    case ItemKind::Numbers:
-    case ItemKind::Transformation: {
-        const auto* const doubles = std::get_if<std::vector<double>>(&data);
-        if (doubles == nullptr || doubles->size() != DoublesOf(item))
-            return false;
-        std::copy(doubles->begin(), doubles->end(), value.numbers.begin());
-        return true;
-    }
-    case ItemKind::Stream: {
-        const auto* const bytes = std::get_if<std::vector<unsigned char>>(&data);
-        if (bytes != nullptr)
-            value.bytes = *bytes;
-        return bytes != nullptr;
-    }
-    default:
-        return false;
-    }
-}
-
-bool IsTarget(const Item& item, const Target& target)
-{
-    return target && (item.target == nullptr || target->isDerivedFrom(item.target()));
-}
-
-KARStatus SetTarget(const Item& item, void* owner, const Target& target)
-{
-    ItemValue value;
-    value.target = &target;
-    return item.set(owner, value);
-}
-
-// Adds what the list does not hold yet; an entry that is left out could not be taken away.
-KARStatus AddTargets(const Item& item, void* owner, const Targets& targets)
-{
-    const auto held = std::get<Targets>(EntriesIn(item, owner));
-    const auto isIn = [](const Targets& list, const Target& target) {
-        return std::any_of(
-            list.begin(), list.end(),
-            [&](const Target& entry) { return entry.get() == target.get(); });
-    };
-    const bool isWhole = std::all_of(
-        held.begin(), held.end(), [&](const Target& entry) { return isIn(targets, entry); });
-    const bool areTargets = std::all_of(targets.begin(), targets.end(),
-                                        [&](const Target& entry) { return IsTarget(item, entry); });
-    if (!isWhole || !areTargets)
-        return KARFailure;
-    for (const Target& target : targets) {
-        if (isIn(held, target))
-            continue;
-        if (const KARStatus status = SetTarget(item, owner, target); KARFailed(status))
-            return status;
-    }
-    return KARSuccess;
+    return false;
 }
 
 bool IsLink(const ItemInfo& item)
@@ -355,138 +231,6 @@ bool IsLink(const ItemInfo& item)
 }
 
 } // namespace
-
-ItemData ItemInfo::Get(const KARMPEntity& entity) const
-{
-    return GetFrom(&entity);
-}
-
-KARStatus ItemInfo::Set(KARMPEntity& entity, const ItemData& data) const
-{
-    return SetIn(&entity, data);
-}
-
-ItemData ItemInfo::GetFrom(const void* owner) const
-{
-    if (kind == ItemKind::References && written->count != nullptr)
-        return EntriesIn(*written, owner);
-    ItemValue value;
-    if (written->get == nullptr || KARFailed(written->get(owner, value)))
-        return {};
-    switch (kind) {
-    case ItemKind::Number:
-        return value.numbers[0];
-    case ItemKind::OptionalNumber:
-        return value.number != 0 ? ItemData(value.numbers[0]) : ItemData();
-    case ItemKind::Integer:
-        return value.number;
-    case ItemKind::Flag:
-        return value.number != 0;
-    case ItemKind::Text:
-        return std::wstring(value.text);
-    case ItemKind::Word:
-    case ItemKind::Code:
-        return WordIn(*this, value);
-    case ItemKind::Numbers:
-    case ItemKind::Transformation:
-        return DoublesIn(value, DoublesOf(*written));
-    case ItemKind::Reference:
-        return value.entity ? ItemData(HandleOf(value)) : ItemData();
-    case ItemKind::Stream:
-        return std::move(value.bytes);
-    default:
-        return {};
-    }
-}
-
-bool ItemInfo::CanGet() const
-{
-    if (kind == ItemKind::Records)
-        return false;
-    return written->get != nullptr || (kind == ItemKind::References && written->count != nullptr);
-}
-
-int ItemInfo::Count(const KARMPEntity& entity) const
-{
-    return written->count != nullptr ? written->count(&entity) : -1;
-}
-
-bool ItemInfo::IsHeldAt(std::wstring_view version) const
-{
-    return written->ExistsAt(version) || (older != nullptr && older->ExistsAt(version));
-}
-
-bool ItemInfo::IsWrittenFor(const KARMPEntity& entity) const
-{
-    return std::all_of(
-        conditions.begin(), conditions.end(),
-        [&entity](const ItemCondition& condition) {
-            return condition.holds(&entity) == condition.wanted;
-        });
-}
-
-std::vector<std::wstring_view> ItemInfo::EntryWords(const KARMPEntity& entity) const
-{
-    std::vector<std::wstring_view> texts;
-    const Item* const word = EntryWordOf(*written);
-    if (written->count == nullptr || kind != ItemKind::References)
-        return texts;
-    ForEachEntry(*written, &entity, [&](const ItemValue& value) {
-        const auto row = static_cast<std::size_t>(value.number);
-        texts.push_back(word != nullptr && row < word->words.size() ? word->words[row]
-                                                                    : std::wstring_view());
-    });
-    return texts;
-}
-
-KARStatus ItemInfo::SetIn(void* owner, const ItemData& data) const
-{
-    if (!readOnly.empty())
-        return KARFailure;
-    if (kind == ItemKind::Reference) {
-        const auto* const handle = std::get_if<Target>(&data);
-        return handle != nullptr && IsTarget(*read, *handle) ? SetTarget(*read, owner, *handle)
-                                                             : KARFailure;
-    }
-    if (kind == ItemKind::References) {
-        const auto* const targets = std::get_if<Targets>(&data);
-        return targets != nullptr ? AddTargets(*read, owner, *targets) : KARFailure;
-    }
-    ItemValue value;
-    return TakeValue(*this, *read, data, value) ? read->set(owner, value) : KARFailure;
-}
-
-std::vector<std::vector<ItemData>> ItemInfo::GetRecords(const KARMPEntity& entity) const
-{
-    std::vector<std::vector<ItemData>> records;
-    if (kind != ItemKind::Records || written->count == nullptr || written->at == nullptr)
-        return records;
-    const auto made = written->makeRecord != nullptr ? written->makeRecord() : nullptr;
-    ItemValue value;
-    const int count = written->count(&entity);
-    for (int index = 0; index < count; ++index) {
-        value.made = made.get();
-        if (KARFailed(written->at(&entity, index, value)))
-            continue;
-        std::vector<ItemData>& record = records.emplace_back();
-        for (const ItemInfo& field : fields)
-            record.push_back(field.GetFrom(value.record));
-    }
-    return records;
-}
-
-KARStatus ItemInfo::AddRecord(KARMPEntity& entity, std::span<const ItemData> values) const
-{
-    if (read == nullptr || read->makeRecord == nullptr || values.size() != fields.size())
-        return KARFailure;
-    const auto made = read->makeRecord();
-    for (std::size_t i = 0; i < fields.size(); ++i)
-        if (values[i].index() != 0 && KARFailed(fields[i].SetIn(made.get(), values[i])))
-            return KARFailure;
-    ItemValue value;
-    value.record = made.get();
-    return read->set(&entity, value);
-}
 
 std::span<const ItemInfo> ItemsOf(std::string_view className)
 {
@@ -504,7 +248,42 @@ std::span<const ItemInfo> ItemsOf(std::string_view className)
 
 std::span<const ItemInfo> ItemsOf(const QOBClassInfo& info)
 {
-    return ItemsOf(info.getName());
+    static std::mutex mutex;
+    static std::unordered_map<const QOBClassInfo*, std::span<const ItemInfo>> known;
+    const std::lock_guard lock(mutex);
+    const auto [found, isNew] = known.try_emplace(&info);
+    if (isNew)
+        found->second = ItemsOf(info.getName());
+    return found->second;
+}
+
+const ItemInfo* FindItem(const QOBClassInfo& info, std::wstring_view pathOrName)
+{
+    const ItemInfo* named = nullptr;
+    bool isOne = true;
+    for (const ItemInfo& item : ItemsOf(info)) {
+        if (item.path == pathOrName)
+            return &item;
+        if (item.name == pathOrName) {
+            isOne = named == nullptr;
+            named = &item;
+        }
+    }
+    return isOne ? named : nullptr;
+}
+
+std::vector<const ItemInfo*> OtherSidesOf(const ItemInfo& item, const QOBClassInfo& info,
+                                          const QOBClassInfo& target)
+{
+    std::vector<const ItemInfo*> others;
+    for (const ItemInfo* const other : LinkItemsOf(target)) {
+        const Item& stored = *other->written;
+        const bool isNamed =
+            IsAmong(other->name, item.otherSide) || IsAmong(item.name, other->otherSide);
+        if (isNamed && (stored.target == nullptr || info.isDerivedFrom(stored.target())))
+            others.push_back(other);
+    }
+    return others;
 }
 
 std::span<const ItemInfo* const> LinkItemsOf(const QOBClassInfo& info)
@@ -525,7 +304,7 @@ void ForEachTarget(const KARMPEntity& entity,
                    const std::function<void(const ItemInfo&, const Target&)>& visit)
 {
     for (const ItemInfo* const item : LinkItemsOf(entity.getClassInfo())) {
-        const ItemData data = item->Get(entity);
+        const Value data = item->Get(entity);
         if (const auto* const target = std::get_if<Target>(&data))
             visit(*item, *target);
         else if (const auto* const targets = std::get_if<Targets>(&data))

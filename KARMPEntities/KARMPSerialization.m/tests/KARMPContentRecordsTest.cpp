@@ -179,13 +179,13 @@ TEST_F(ContentWalk, GivesRecordsByTheTableOfItems)
     EXPECT_TRUE(list.GetRecords(*entity).empty());
 
     const QOBSharedHandle<KARMPEntity> target(Target(L"T1"));
-    const std::vector<double> vector{1.0, 2.0, 3.0};
-    EXPECT_EQ(list.AddRecord(*entity, std::vector<ItemData>{4.0, vector, target}), KARSuccess);
-    EXPECT_EQ(list.AddRecord(*entity, std::vector<ItemData>{5, {}, {}}), KARSuccess);
+    const NumberArray vector{1.0, 2.0, 3.0};
+    EXPECT_EQ(list.AddRecord(*entity, std::vector<Value>{4.0, vector, target}), KARSuccess);
+    EXPECT_EQ(list.AddRecord(*entity, std::vector<Value>{5, {}, {}}), KARSuccess);
     ASSERT_EQ(entity->records.size(), 2U);
     EXPECT_EQ(entity->records[0].vector, KARMathVector(1.0, 2.0, 3.0));
-    const std::vector<std::vector<ItemData>> expected{{4.0, vector, target},
-                                                      {5.0, std::vector{0.0, 0.0, 0.0}, {}}};
+    const std::vector<std::vector<Value>> expected{{4.0, vector, target},
+                                                   {5.0, NumberArray{0.0, 0.0, 0.0}, {}}};
     EXPECT_EQ(list.GetRecords(*entity), expected);
     EXPECT_EQ(ItemsOf("TestRecordsByOperations")[0].GetRecords(*entity).size(), 2U);
 }
@@ -199,13 +199,13 @@ TEST_F(ContentWalk, LeavesOutByTheTableOfItemsARecordThatCannotBeHad)
     entity->getterStatus = KARFailure;
     const auto records = ItemsOf("TestRecordsByOperations")[0].GetRecords(*entity);
     ASSERT_EQ(records.size(), 1U);
-    EXPECT_EQ(records[0][0], ItemData(2.0));
+    EXPECT_EQ(records[0][0], Value(2.0));
 }
 
 TEST_F(ContentWalk, AddsNoRecordWithAValueThatItsFieldRefuses)
 {
     const ItemInfo& list = ItemsOf("TestRecords")[0];
-    const auto add = [&](const std::vector<ItemData>& values) {
+    const auto add = [&](const std::vector<Value>& values) {
         return list.AddRecord(*entity, values);
     };
     EXPECT_EQ(add({std::wstring(L"text"), {}, {}}), KARFailure);
@@ -216,7 +216,7 @@ TEST_F(ContentWalk, AddsNoRecordWithAValueThatItsFieldRefuses)
     entity->setterStatus = KARUnchanged;
     EXPECT_EQ(add({1.0, {}, {}}), KARUnchanged);
     // The list is not set as a whole, and other items have no records.
-    EXPECT_EQ(list.Set(*entity, ItemData(1.0)), KARFailure);
+    EXPECT_EQ(list.Set(*entity, Value(1.0)), KARFailure);
     const ItemInfo& number = ItemsOf("ContentTestEntity").back();
     EXPECT_EQ(number.AddRecord(*entity, {}), KARFailure);
     EXPECT_TRUE(number.GetRecords(*entity).empty());

@@ -114,7 +114,7 @@ TEST_F(ContentWalk, GivesStreamsByTheTableOfItems)
     EXPECT_EQ(stream.kind, ItemKind::Stream);
     EXPECT_EQ(stream.Set(*entity, Bytes{1, 2}), KARSuccess);
     EXPECT_EQ(entity->bytes, (Bytes{1, 2}));
-    EXPECT_EQ(stream.Get(*entity), ItemData(Bytes{1, 2}));
+    EXPECT_EQ(stream.Get(*entity), Value(Bytes{1, 2}));
     EXPECT_EQ(stream.Set(*entity, std::wstring(L"AP8QYQ==")), KARFailure);
 }
 

@@ -17,6 +17,7 @@ struct karmp::ContentOf<KARMPShape>
         Base("What bodies look like and collide with.", LenientFrame,
              References<&C::GetLinkedBodyCount, &C::GetLinkedBody, &C::LinkToBody>(
                  L"Bodies", L"Body", "The bodies that have this shape.")
+                 .Removing<&C::RemoveBody>()
                  .OtherSide(L"Shapes"));
 };
 KARMP_DEFINE_CONTENT(KARMPShape);

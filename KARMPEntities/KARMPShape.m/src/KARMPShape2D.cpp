@@ -17,10 +17,12 @@ struct karmp::ContentOf<KARMPShape2D>
     // Of the operations of these names the planar ones.
     static constexpr KARStatus (C::*BodyAt)(int, Body&) const = &C::GetLinkedBody;
     static constexpr KARStatus (C::*LinkBody)(const Body&) = &C::LinkToBody;
+    static constexpr KARStatus (C::*RemoveBody)(const Body&) = &C::RemoveBody;
     static constexpr auto List =
         Base("What planar bodies look like and collide with.", LenientFrame,
              References<&C::GetLinkedBodyCount, BodyAt, LinkBody>(
                  L"Bodies", L"Body2D", "The planar bodies that have this shape.")
+                 .Removing<RemoveBody>()
                  .OtherSide(L"Shapes"));
 };
 // The base writes spatial bodies, which a planar shape does not have.

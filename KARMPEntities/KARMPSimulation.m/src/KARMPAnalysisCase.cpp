@@ -14,6 +14,7 @@ struct karmp::ContentOf<KARMPAnalysisCase>
         Element(L"AnalysisCase", "The set-up of an analysis.", LenientFrame,
                 References<&C::GetAnalysisStepCount, &C::GetAnalysisStep, &C::AddAnalysisStep>(
                     L"Steps", L"Step", "The steps, in the order in which they are run.")
+                    .Removing<&C::RemoveAnalysisStep>()
                     .InOrder());
 };
 KARMP_DEFINE_CONTENT(KARMPAnalysisCase);

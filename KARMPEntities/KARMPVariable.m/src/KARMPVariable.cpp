@@ -68,6 +68,7 @@ struct karmp::ContentOf<KARMPVariable>
               Word<&C::m_type>(L"Type", "Who decides on the value.")),
         References<&C::GetLinkedConstraintCount, &C::GetLinkedConstraint, &C::LinkToConstraint>(
             L"Constraints", L"Constraint", "The constraints that use it.")
+            .Removing<&C::RemoveConstraint>()
             .OtherSide(L"Variables"));
 };
 KARMP_DEFINE_CONTENT(KARMPVariable);

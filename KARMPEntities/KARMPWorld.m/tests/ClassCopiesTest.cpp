@@ -12,9 +12,9 @@
 #include <algorithm>
 #include <span>
 
-using karmp::ItemData;
 using karmp::ItemInfo;
 using karmp::ItemKind;
+using karmp::Value;
 
 namespace {
 
@@ -100,9 +100,9 @@ bool IsListed(std::span<const Exception> table, const KARMPEntity& entity, const
 }
 
 // The value of an item; of one that has none, as records have, what is written of it.
-ItemData ValueOf(const ItemInfo& item, const KARMPEntity& entity)
+Value ValueOf(const ItemInfo& item, const KARMPEntity& entity)
 {
-    const ItemData value = item.Get(entity);
+    const Value value = item.Get(entity);
     if (!std::holds_alternative<std::monostate>(value))
         return value;
     TestSerializer root;
@@ -114,7 +114,7 @@ ItemData ValueOf(const ItemInfo& item, const KARMPEntity& entity)
         root.GetElementCount() > 0
             ? root.Child(0).Find(isLink ? path : path.substr(0, path.find(L'/')))
             : nullptr;
-    return written != nullptr ? ItemData(kar::ToWide(written->Dump())) : ItemData();
+    return written != nullptr ? Value(kar::ToWide(written->Dump())) : Value();
 }
 
 bool IsLinkOrList(const ItemInfo& item)
@@ -134,9 +134,9 @@ class ClassCopies : public KARMPTestFixture
 
 protected:
     // Getters of what is not there report.
-    ItemData Quietly(const ItemInfo& item, const KARMPEntity& entity)
+    Value Quietly(const ItemInfo& item, const KARMPEntity& entity)
     {
-        const ItemData value = ValueOf(item, entity);
+        const Value value = ValueOf(item, entity);
         TakeReports();
         return value;
     }
@@ -152,9 +152,9 @@ void ClassCopies::ExpectCopied(const std::string& name, Filling filling)
     ASSERT_TRUE(copy);
     for (const ItemInfo& item : karmp::ItemsOf(source->getClassInfo())) {
         SCOPED_TRACE(kar::ToUtf8(item.path));
-        const ItemData before = Quietly(item, *source);
-        const ItemData after = Quietly(item, *copy);
-        const ItemData asNew = Quietly(item, *fresh);
+        const Value before = Quietly(item, *source);
+        const Value after = Quietly(item, *copy);
+        const Value asNew = Quietly(item, *fresh);
         if (item.path == L"id")
             EXPECT_NE(after, before);
         else if (IsLost(item, *source))
@@ -187,7 +187,7 @@ TEST_F(ClassCopies, AreMadeOfEntitiesWithAValueOfEveryItem)
         const auto fresh = entities.New(name);
         for (const ItemInfo& item : karmp::ItemsOf(full->getClassInfo())) {
             SCOPED_TRACE(name + " " + kar::ToUtf8(item.path));
-            const ItemData asNew = Quietly(item, *fresh);
+            const Value asNew = Quietly(item, *fresh);
             const bool isSet = Quietly(item, *full) != asNew || Quietly(item, *other) != asNew;
             EXPECT_NE(isSet, IsListed(Unset, *full, item));
         }

@@ -17,12 +17,12 @@
 #include <set>
 #include <sstream>
 
-using karmp::ItemData;
 using karmp::ItemInfo;
 using karmp::ItemKind;
 using karmp::ItemPresence;
 using karmp::SchemaItem;
 using karmp::SchemaOf;
+using karmp::Value;
 
 namespace {
 
@@ -315,10 +315,10 @@ TEST_F(SchemaGuard, ItemsOfAClassHaveNamesOfTheirOwnAndASentence)
 }
 
 /// True for equal values; doubles may differ by the rounding of a direction that is normalised.
-bool AreEqual(const ItemData& left, const ItemData& right)
+bool AreEqual(const Value& left, const Value& right)
 {
-    const auto* const first = std::get_if<std::vector<double>>(&left);
-    const auto* const second = std::get_if<std::vector<double>>(&right);
+    const auto* const first = std::get_if<karmp::NumberArray>(&left);
+    const auto* const second = std::get_if<karmp::NumberArray>(&right);
     if (first == nullptr || second == nullptr)
         return left == right;
     return std::equal(first->begin(), first->end(), second->begin(), second->end(),
@@ -341,7 +341,7 @@ TEST_F(SchemaGuard, AnItemThatIsSetIsThere)
             bool isSet = false;
             for (const Filling filling : {Filling::Full, Filling::Other}) {
                 FilledEntities others;
-                const ItemData value = row.Get(*others.Make(name, filling));
+                const Value value = row.Get(*others.Make(name, filling));
                 TakeReports();
                 const bool isNone = value.index() == 0;
                 const auto* const list =
