@@ -17,7 +17,7 @@ std::string NearestName(std::string_view text, const std::vector<std::string>& n
     for (const std::string& name : names)
         wide.push_back(kar::ToWide(name));
     const std::vector<std::wstring_view> candidates(wide.begin(), wide.end());
-    return kar::ToUtf8(documents::NearestWord(kar::ToWide(text), candidates));
+    return kar::ToUtf8(karmp::NearestWord(kar::ToWide(text), candidates));
 }
 
 std::string NumberWord(std::size_t number)
