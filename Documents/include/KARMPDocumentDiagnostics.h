@@ -100,7 +100,7 @@ enum class Code : std::uint8_t {
     NoTolerance,          ///< A tolerance of the world that is not positive.
     NoSize,               ///< A radius or a size of the world that is not positive.
     NegativeNumber,       ///< A length, coefficient or modulus below zero.
-    MotorWithoutTarget,      ///< A motor lacks the value that it aims at.
+    MotorWithoutTarget,   ///< A motor lacks the value that it aims at.
     CouplingWithoutEquation, ///< A coupling without an equation.
     TooFewGeometries,        ///< A constraint on fewer geometries than it relates.
     TooFewBodies,            ///< A joint of fewer than two bodies.

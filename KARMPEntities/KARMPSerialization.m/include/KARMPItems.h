@@ -93,7 +93,8 @@ struct ItemInfo
     /// item that cannot be set.
     [[nodiscard]] KARMP_API KARStatus Set(KARMPEntity& entity, const Value& value) const;
     /// The same; `why` becomes a sentence on a failure and stays otherwise.
-    [[nodiscard]] KARMP_API KARStatus Set(KARMPEntity& entity, const Value& value, std::string& why) const;
+    [[nodiscard]] KARMP_API KARStatus Set(KARMPEntity& entity, const Value& value,
+                                          std::string& why) const;
     /// True for a value of the item's kind and shape: one of its words, an entity of its class. The
     /// class's setter may refuse it all the same.
     KARMP_API bool Takes(const Value& value) const;
@@ -119,7 +120,8 @@ struct ItemInfo
     /// Adds a record with a value for each field; none leaves the field as in a new record. Returns
     /// what the class's operation returns, and a failure without a change for a value that its
     /// field refuses, and for records that the class's own code reads.
-    [[nodiscard]] KARMP_API KARStatus AddRecord(KARMPEntity& entity, std::span<const Value> values) const;
+    [[nodiscard]] KARMP_API KARStatus AddRecord(KARMPEntity& entity,
+                                                std::span<const Value> values) const;
 
     /// True when documents of a version hold the item, be it in an older form of the same value.
     KARMP_API bool IsHeldAt(std::wstring_view version) const;

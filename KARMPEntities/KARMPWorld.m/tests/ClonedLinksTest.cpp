@@ -11,8 +11,8 @@
 #include <map>
 #include <set>
 
-using karmp::ItemData;
 using karmp::ItemInfo;
+using karmp::Value;
 
 namespace {
 
@@ -57,7 +57,7 @@ using Entities = std::vector<QOBSharedHandle<KARMPEntity>>;
 /// The entities that a link item refers to.
 Entities TargetsOf(const ItemInfo& item, const KARMPEntity& entity)
 {
-    const ItemData value = item.Get(entity);
+    const Value value = item.Get(entity);
     if (const auto* const one = std::get_if<QOBSharedHandle<KARMPEntity>>(&value))
         return *one ? Entities{*one} : Entities{};
     const auto* const several = std::get_if<Entities>(&value);
