@@ -119,7 +119,7 @@ constexpr HalfLink Measured(std::string_view owner, std::wstring_view item)
     half.held = [](const KARMPEntity& entity) {
         for (const ItemInfo* const link : LinkItemsOf(entity.getClassInfo()))
             if (!link->otherSide.empty())
-                if (const ItemData data = link->Get(entity); std::holds_alternative<Entity>(data))
+                if (const Value data = link->Get(entity); std::holds_alternative<Entity>(data))
                     return std::get<Entity>(data);
         return Entity();
     };
