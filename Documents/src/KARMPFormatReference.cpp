@@ -31,13 +31,17 @@ std::string WordsOf(const SchemaItem& item)
     return words;
 }
 
+std::string InBrackets(const std::string& text)
+{
+    return text.empty() ? text : " (" + text + ')';
+}
+
 std::string KindOf(const SchemaItem& item)
 {
     switch (item.kind) {
-    case ItemKind::Number: {
-        const std::string quantity = QuantityOf(item);
-        return quantity.empty() ? "number" : "number (" + quantity + ")";
-    }
+    case ItemKind::Number:
+        return "number" + InBrackets(QuantityOf(item));
+
     case ItemKind::Integer:
         return "whole number";
     case ItemKind::Code:
@@ -49,7 +53,8 @@ std::string KindOf(const SchemaItem& item)
     case ItemKind::Text:
         return "text";
     case ItemKind::Reference:
-        return (item.isOwned ? "owned " : "reference to ") + std::string(item.target);
+        return (item.isOwned ? "owned " : "reference to ") + std::string(item.target) +
+               InBrackets(QuantityOf(item));
     default:
         return "group";
     }

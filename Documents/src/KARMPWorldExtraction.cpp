@@ -30,7 +30,7 @@ using Entities = std::vector<Entity>;
 // True when RestoreRecords carries the item over.
 bool AreRecords(const ItemInfo& item)
 {
-    return item.read != nullptr && item.read->makeRecord != nullptr;
+    return item.kind == ItemKind::Records && item.readOnly.empty();
 }
 
 /// Makes the world of the selected entities.

@@ -140,8 +140,8 @@ void LossFinder::FindItems(const KARMPEntity& entity)
         const auto words = lossy.item->EntryWords(entity);
         for (std::size_t i = 0; i < std::min(entries.size(), words.size()); ++i)
             if (words[i] != std::get<EnumWord>(lossy.fresh).text)
-                Note(DifferenceKind::Changed, handle, lossy.Path(), std::wstring(words[i]),
-                     lossy.fresh, entries[i]);
+                Note(DifferenceKind::Changed, handle, lossy.Path(), EnumWord{words[i]}, lossy.fresh,
+                     entries[i]);
     }
 }
 

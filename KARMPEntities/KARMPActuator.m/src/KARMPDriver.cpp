@@ -12,7 +12,8 @@ struct karmp::ContentOf<KARMPDriver>
     using C = KARMPDriver;
     static constexpr auto List =
         Element(L"Driver", "A list of motors that work together.", LenientFrame,
-                References<&C::m_motors, &C::AddMotor>(L"AttachedMotors", L"Motor", "The motors."));
+                References<&C::m_motors, &C::AddMotor>(L"AttachedMotors", L"Motor",
+                                                       "The motors that it drives together."));
 };
 KARMP_DEFINE_CONTENT(KARMPDriver);
 

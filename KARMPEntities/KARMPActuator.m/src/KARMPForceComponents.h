@@ -92,22 +92,24 @@ void ReadValues(ElementReader& element, std::wstring_view name, const Names<N>& 
 
 template <auto Values, std::size_t N, std::size_t... Index>
 constexpr auto DescribeValues(std::wstring_view name, const Names<N>& names, std::string_view says,
-                              std::string_view component, KARMPSourceLocation where,
-                              std::index_sequence<Index...>)
+                              std::string_view component, Quantity quantity,
+                              KARMPSourceLocation where, std::index_sequence<Index...>)
 {
     return Group(
                name, says,
                ValueReference<At<Values, Index>, At<Values, Index>>(names[Index], component, where)
-                   .Optional()...)
+                   .Optional()
+                   .In(quantity)...)
         .Optional();
 }
-/// Describes what WriteValues and ReadValues do with a member: the element and each component.
+/// Describes what WriteValues and ReadValues do with a member: the element and each component, of a
+/// quantity.
 template <auto Values, std::size_t N>
 constexpr auto DescribeValues(std::wstring_view name, const Names<N>& names, std::string_view says,
-                              std::string_view component,
+                              std::string_view component, Quantity quantity,
                               KARMPSourceLocation where = KARMPSourceLocation::current())
 {
-    return DescribeValues<Values>(name, names, says, component, where,
+    return DescribeValues<Values>(name, names, says, component, quantity, where,
                                   std::make_index_sequence<N>());
 }
 

@@ -19,19 +19,19 @@ struct karmp::ContentOf<KARMPSpatialForceActuator>
     {
         return actuator.SetApplicationPoint(point, C::Body());
     }
-    static constexpr auto List =
-        Element(L"SpatialForceActuator", "A force and a torque on a body.", LenientFrame,
-                DescribeValues<&C::m_force>(L"Force", VectorNames, "The force.",
-                                            "The force along an axis."),
-                DescribeValues<&C::m_torque>(L"Torque", VectorNames, "The torque.",
-                                             "The torque about an axis."),
-                Flag<&C::m_isInLocalFrame>(L"IsInLocalFrame",
-                                           "Whether the components are along the body's axes."),
-                NumbersElement<&C::m_applicationPoint>(L"ApplicationPoint", PointNames,
-                                                       "The point where the force acts.",
-                                                       KARMPPhysicalQuantity::Length)
-                    .Through<&TakePoint>(),
-                Reference<&C::m_body, &C::SetBody>(L"Body", "The body on which it acts."));
+    static constexpr auto List = Element(
+        L"SpatialForceActuator", "A force and a torque on a body.", LenientFrame,
+        DescribeValues<&C::m_force>(L"Force", VectorNames, "The force.", "The force along an axis.",
+                                    KARMPPhysicalQuantity::Force),
+        DescribeValues<&C::m_torque>(L"Torque", VectorNames, "The torque.",
+                                     "The torque about an axis.", KARMPPhysicalQuantity::Torque),
+        Flag<&C::m_isInLocalFrame>(L"IsInLocalFrame",
+                                   "Whether the components are along the body's axes."),
+        NumbersElement<&C::m_applicationPoint>(L"ApplicationPoint", PointNames,
+                                               "The point where the force acts.",
+                                               KARMPPhysicalQuantity::Length)
+            .Through<&TakePoint>(),
+        Reference<&C::m_body, &C::SetBody>(L"Body", "The body on which it acts."));
 };
 KARMP_DESCRIBE_CONTENT(KARMPSpatialForceActuator);
 

@@ -25,9 +25,9 @@ struct karmp::ContentOf<KARMPSpatialForceActuator2D>
     static constexpr auto List = Element(
         L"SpatialForceActuator2D", "A force and a torque on a body in a plane.", LenientFrame,
         DescribeValues<&C::m_force>(L"Force2D", PlanarVectorNames, "The force.",
-                                    "The force along an axis."),
+                                    "The force along an axis.", KARMPPhysicalQuantity::Force),
         DescribeValues<&C::m_torque>(L"Torque2D", TorqueNames, "The torque.",
-                                     "The torque about the normal."),
+                                     "The torque about the normal.", KARMPPhysicalQuantity::Torque),
         Flag<&C::m_isInLocalFrame>(L"IsInLocalFrame",
                                    "Whether the components are along the body's axes."),
         NumbersElement<&C::m_applicationPoint>(L"ApplicationPoint2D", PlanarPointNames,

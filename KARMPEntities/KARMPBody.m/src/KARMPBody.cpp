@@ -54,39 +54,47 @@ struct karmp::ContentOf<KARMPBody>
         return !body.m_floating && !body.m_fixed && body.m_father;
     }
 
-    static constexpr auto Velocities = Group(
-        L"Velocity", "The last known velocities.",
-        NumbersElement<Within<&C::m_motion, &Motion::linearVelocity>>(
-            L"LinearVelocity", VectorNames, "The linear velocity.", KARMPPhysicalQuantity::Velocity)
-            .ZeroIfMissing()
-            .Through<&TakeLinearVelocity>(),
-        NumbersElement<Within<&C::m_motion, &Motion::angularVelocity>>(
-            L"AngularVelocity", VectorNames, "The angular velocity.",
-            KARMPPhysicalQuantity::AngularVelocity)
-            .ZeroIfMissing()
-            .Through<&TakeAngularVelocity>());
+    static constexpr auto Velocities =
+        Group(L"Velocity", "The last known velocities.",
+              NumbersElement<Within<&C::m_motion, &Motion::linearVelocity>>(
+                  L"LinearVelocity", VectorNames,
+                  "The linear velocity; application and solver agree on point and axes.",
+                  KARMPPhysicalQuantity::Velocity)
+                  .ZeroIfMissing()
+                  .Through<&TakeLinearVelocity>(),
+              NumbersElement<Within<&C::m_motion, &Motion::angularVelocity>>(
+                  L"AngularVelocity", VectorNames,
+                  "The angular velocity; application and solver agree on the axes.",
+                  KARMPPhysicalQuantity::AngularVelocity)
+                  .ZeroIfMissing()
+                  .Through<&TakeAngularVelocity>());
     static constexpr auto Accelerations =
         Group(L"Acceleration", "The last known accelerations.",
               NumbersElement<Within<&C::m_motion, &Motion::linearAcceleration>>(
-                  L"LinearAcceleration", VectorNames, "The linear acceleration.",
+                  L"LinearAcceleration", VectorNames,
+                  "The linear acceleration; application and solver agree on point and axes.",
                   KARMPPhysicalQuantity::Acceleration),
               NumbersElement<Within<&C::m_motion, &Motion::angularAcceleration>>(
-                  L"AngularAcceleration", VectorNames, "The angular acceleration.",
+                  L"AngularAcceleration", VectorNames,
+                  "The angular acceleration; application and solver agree on the axes.",
                   KARMPPhysicalQuantity::AngularAcceleration));
-    static constexpr auto Weight =
-        Group(L"Weight", "The mass and how it is distributed.",
-              Number<&C::m_mass>(L"Mass", "The mass.", KARMPPhysicalQuantity::Mass),
-              NumbersElement<&C::m_centerOfGravity>(L"COG", PointNames, "The centre of gravity.",
-                                                    KARMPPhysicalQuantity::Length),
-              NumbersElement<&C::m_inertiaMatrix>(L"InertiaMatrix", MatrixNames,
-                                                  "The inertia matrix, by columns.",
-                                                  KARMPPhysicalQuantity::Inertia));
+    static constexpr auto Weight = Group(
+        L"Weight", "The mass and how it is distributed.",
+        Number<&C::m_mass>(L"Mass", "The mass.", KARMPPhysicalQuantity::Mass),
+        NumbersElement<&C::m_centerOfGravity>(
+            L"COG", PointNames, "The centre of gravity; application and solver agree on the axes.",
+            KARMPPhysicalQuantity::Length),
+        NumbersElement<&C::m_inertiaMatrix>(
+            L"InertiaMatrix", MatrixNames,
+            "The inertia matrix, by columns; application and solver agree on point and axes.",
+            KARMPPhysicalQuantity::Inertia));
     static constexpr auto Links = karmp::List(
-        References<&C::m_geometries, &C::AddGeometry>(L"Geometries", L"Geometry",
-                                                      "The geometries that it carries.")
+        References<&C::m_geometries, &C::AddGeometry>(
+            L"Geometries", L"Geometry", "The geometries that it carries, given in its axes.")
             .Removing<&C::RemoveGeometry>()
             .OtherSide(L"Body"),
-        References<&C::m_joints, &C::LinkToJoint>(L"Joints", L"Joint", "The joints that use it.")
+        References<&C::m_joints, &C::LinkToJoint>(L"Joints", L"Joint",
+                                                  "The joints that link it to other bodies.")
             .Removing<&C::RemoveJoint>()
             .OtherSide(L"Bodies"),
         References<&C::m_shapes, &C::LinkToShape>(L"Shapes", L"Shape", "The shapes that it has.")
@@ -113,11 +121,13 @@ struct karmp::ContentOf<KARMPBody>
                                         {.goesOn = true}};
     static constexpr auto List = Element(
         L"Body", "A rigid body.", Frame,
-        Transformation<&C::GetPosition>(L"Position", "From the body's axes to the world's.")
+        Transformation<&C::GetPosition>(L"Position",
+                                        "The transformation from the body's axes to the world's: "
+                                        "where its origin lies and how it is turned.")
             .ZeroIfMissing()
             .Through<&TakePosition>(),
         Velocities, Accelerations, Weight,
-        Attribute(WordOf<&C::m_fixed>(L"is_fixed", NoYes, "Whether it is fixed."))
+        Attribute(WordOf<&C::m_fixed>(L"is_fixed", NoYes, "Whether it is fixed in the world."))
             .Through<&C::SetFix>(),
         Since(R2016_1, Flag<&C::m_outOfWorld>(L"OutOfWorld", "Whether it lies outside the world.")),
         Links.EvenIfBaseFails(),

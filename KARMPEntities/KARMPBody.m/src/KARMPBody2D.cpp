@@ -35,42 +35,48 @@ struct karmp::ContentOf<KARMPBody2D>
     }
 
     static constexpr Names<1> AngularNames{L"Va"};
-    static constexpr auto Velocities =
-        Group(L"Velocity", "The last known velocities.",
-              NumbersElement<Within<&C::m_motion, &Motion::linearVelocity>>(
-                  L"LinearVelocity", PlanarVectorNames, "The linear velocity.",
-                  KARMPPhysicalQuantity::Velocity)
-                  .ZeroIfMissing()
-                  .Through<&TakeLinearVelocity>(),
-              NumbersElement<Within<&C::m_motion, &Motion::angularVelocity>>(
-                  L"AngularVelocity", AngularNames, "The angular velocity.",
-                  KARMPPhysicalQuantity::AngularVelocity)
-                  .ZeroIfMissing()
-                  .Through<&TakeAngularVelocity>());
-    static constexpr auto Accelerations =
-        Group(L"Acceleration", "The last known accelerations.",
-              NumbersElement<Within<&C::m_motion, &Motion::linearAcceleration>>(
-                  L"LinearAcceleration", PlanarVectorNames, "The linear acceleration.",
-                  KARMPPhysicalQuantity::Acceleration),
-              NumbersElement<Within<&C::m_motion, &Motion::angularAcceleration>>(
-                  L"AngularAcceleration", AngularNames, "The angular acceleration.",
-                  KARMPPhysicalQuantity::AngularAcceleration));
-    static constexpr auto Weight = Group(
-        L"Weight", "The mass and how it is distributed.",
-        Number<&C::m_mass>(L"Mass", "The mass.", KARMPPhysicalQuantity::Mass),
-        NumbersElement<&C::m_centerOfGravity>(L"COG", PlanarPointNames, "The centre of gravity.",
-                                              KARMPPhysicalQuantity::Length),
-        NumbersElement<&C::m_inertiaMatrix>(L"InertiaMatrix", PlanarMatrixNames,
-                                            "The planar inertia matrix, by columns.",
-                                            KARMPPhysicalQuantity::Inertia));
+    static constexpr auto Velocities = Group(
+        L"Velocity", "The last known velocities.",
+        NumbersElement<Within<&C::m_motion, &Motion::linearVelocity>>(
+            L"LinearVelocity", PlanarVectorNames,
+            "The linear velocity in the plane; application and solver agree on point and axes.",
+            KARMPPhysicalQuantity::Velocity)
+            .ZeroIfMissing()
+            .Through<&TakeLinearVelocity>(),
+        NumbersElement<Within<&C::m_motion, &Motion::angularVelocity>>(
+            L"AngularVelocity", AngularNames, "The angular velocity about the normal of the plane.",
+            KARMPPhysicalQuantity::AngularVelocity)
+            .ZeroIfMissing()
+            .Through<&TakeAngularVelocity>());
+    static constexpr auto Accelerations = Group(
+        L"Acceleration", "The last known accelerations.",
+        NumbersElement<Within<&C::m_motion, &Motion::linearAcceleration>>(
+            L"LinearAcceleration", PlanarVectorNames,
+            "The linear acceleration in the plane; application and solver agree on point and axes.",
+            KARMPPhysicalQuantity::Acceleration),
+        NumbersElement<Within<&C::m_motion, &Motion::angularAcceleration>>(
+            L"AngularAcceleration", AngularNames,
+            "The angular acceleration about the normal of the plane.",
+            KARMPPhysicalQuantity::AngularAcceleration));
+    static constexpr auto Weight =
+        Group(L"Weight", "The mass and how it is distributed.",
+              Number<&C::m_mass>(L"Mass", "The mass.", KARMPPhysicalQuantity::Mass),
+              NumbersElement<&C::m_centerOfGravity>(
+                  L"COG", PlanarPointNames,
+                  "The centre of gravity in the plane; application and solver agree on the axes.",
+                  KARMPPhysicalQuantity::Length),
+              NumbersElement<&C::m_inertiaMatrix>(L"InertiaMatrix", PlanarMatrixNames,
+                                                  "The planar inertia matrix, by columns; "
+                                                  "application and solver agree on point and axes.",
+                                                  KARMPPhysicalQuantity::Inertia));
     static constexpr auto Links = karmp::List(
-        References<&C::m_geometries, &C::AddGeometry>(L"Geometries", L"Geometry",
-                                                      "The planar geometries that it carries.")
+        References<&C::m_geometries, &C::AddGeometry>(
+            L"Geometries", L"Geometry", "The planar geometries that it carries, given in its axes.")
             .Removing<&C::RemoveGeometry>()
             .OtherSide(L"Body2D"),
         Reference<&C::m_sketch, &C::SetSketch>(L"Sketch", "The sketch in whose plane it lies."),
         References<&C::m_joints, &C::LinkToJoint>(L"Joints", L"Joint",
-                                                  "The planar joints that use it.")
+                                                  "The planar joints that link it to other bodies.")
             .Removing<&C::RemoveJoint>()
             .OtherSide(L"Bodies2D"),
         References<&C::m_shapes, &C::LinkToShape>(L"Shapes", L"Shape", "Its planar shapes.")
@@ -90,8 +96,9 @@ struct karmp::ContentOf<KARMPBody2D>
                                         {.goesOn = true}};
     static constexpr auto List = Element(
         L"Body2D", "A rigid body of a planar mechanism.", Frame,
-        Transformation<&C::GetPosition>(L"Position", PlanarPosition,
-                                        "From the body's axes to the sketch's plane.")
+        Transformation<&C::GetPosition>(
+            L"Position", PlanarPosition,
+            "The transformation from the body's axes to those of the sketch's plane.")
             .ZeroIfMissing()
             .Through<&TakePosition>(),
         Velocities, Accelerations, Weight,

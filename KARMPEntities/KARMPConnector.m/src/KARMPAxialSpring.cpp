@@ -18,12 +18,17 @@ struct karmp::ContentOf<KARMPAxialSpring>
         Word<&C::m_behavior>(L"Behavior", "The senses in which it acts.").Optional(),
         ValueReference<&C::m_restLength, &C::SetRestLength>(
             L"RestLength", "The length at which the spring has no force.")
+            .In(KARMPPhysicalQuantity::Length)
             .Optional(),
         ValueReference<&C::m_stiffness, &C::SetStiffness>(L"Stiffness", "Force per length.")
+            .In(KARMPPhysicalQuantity::LinearStiffness)
             .Optional(),
-        ValueReference<&C::m_damping, &C::SetDamping>(L"Damping", "Force per velocity.").Optional(),
+        ValueReference<&C::m_damping, &C::SetDamping>(L"Damping", "Force per velocity.")
+            .In(KARMPPhysicalQuantity::LinearDamping)
+            .Optional(),
         ValueReference<&C::m_actuatorForce, &C::SetActuatorForce>(
             L"PreLoadForce", "The force that an actuator adds.")
+            .In(KARMPPhysicalQuantity::Force)
             .Optional());
 };
 KARMP_DEFINE_CONTENT(KARMPAxialSpring);

@@ -23,16 +23,26 @@ KARStatus SetAt(KARMPBushing& bushing, const Value& value)
     return (bushing.*Set)(Index, value);
 }
 
-// The values of an array, each in an element of its own; one that is null writes nothing.
+/// What the values of an array are along the axes, or about them.
+struct Meaning
+{
+    std::string_view says;
+    karmp::Quantity quantity;
+};
+
+// The values of an array, each in an element of its own: three along the axes, then three about
+// them. One that is null writes nothing.
 template <auto Array, Setter Set, std::size_t... Index>
 constexpr auto ValuesOf(const std::array<std::wstring_view, sizeof...(Index)>& names,
-                        std::string_view says, std::index_sequence<Index...>,
+                        const Meaning& along, const Meaning& about, std::index_sequence<Index...>,
                         KARMPSourceLocation where = KARMPSourceLocation::current())
 {
+    constexpr std::size_t axes = 3;
     return karmp::List(
         karmp::ValueReference<karmp::At<Array, Index>, &SetAt<Set, static_cast<int>(Index)>>(
-            names[Index], says, where)
-            .Optional()...);
+            names[Index], Index < axes ? along.says : about.says, where)
+            .Optional()
+            .In(Index < axes ? along.quantity : about.quantity)...);
 }
 
 KARStatus Store(Values& values, int index, const Value& value,
@@ -66,14 +76,23 @@ struct karmp::ContentOf<KARMPBushing>
         ValuesOf<&C::m_stiffness, &C::SetStiffness>(
             {L"StiffnessTx", L"StiffnessTy", L"StiffnessTz", L"StiffnessRx", L"StiffnessRy",
              L"StiffnessRz"},
-            "Force per length along an axis, or torque per angle about it.", All),
+            {"The stiffness along an axis, force per length.",
+             KARMPPhysicalQuantity::LinearStiffness},
+            {"The stiffness about an axis, torque per angle.",
+             KARMPPhysicalQuantity::AngularStiffness},
+            All),
         ValuesOf<&C::m_damping, &C::SetDamping>(
             {L"DampingTx", L"DampingTy", L"DampingTz", L"DampingRx", L"DampingRy", L"DampingRz"},
-            "Force per velocity along an axis, or torque per angular velocity about it.", All),
+            {"The damping along an axis, force per velocity.",
+             KARMPPhysicalQuantity::LinearDamping},
+            {"The damping about an axis, torque per angular velocity.",
+             KARMPPhysicalQuantity::AngularDamping},
+            All),
         ValuesOf<&C::m_preLoadForce, &C::SetPreLoadForce>(
             {L"PreForceTx", L"PreForceTy", L"PreForceTz", L"PreForceRx", L"PreForceRy",
              L"PreForceRz"},
-            "Force along an axis, or torque about it, at rest.", All));
+            {"The force along an axis at rest.", KARMPPhysicalQuantity::Force},
+            {"The torque about an axis at rest.", KARMPPhysicalQuantity::Torque}, All));
 };
 KARMP_DEFINE_CONTENT(KARMPBushing);
 

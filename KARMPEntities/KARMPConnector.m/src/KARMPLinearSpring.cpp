@@ -12,17 +12,20 @@ template <>
 struct karmp::ContentOf<KARMPLinearSpring>
 {
     using C = KARMPLinearSpring;
-    static constexpr auto List = Element(
-        L"LinearSpring", "A spring and damper between two points.", LenientFrame,
-        AskedValue<C, &C::m_stiffness, &C::GetStiffness, &C::SetStiffness>(L"Stiffness",
-                                                                           "Force per length."),
-        AskedValue<C, &C::m_restLength, &C::GetRestLength, &C::SetRestLength>(
-            L"RestLength", "The length at which the spring has no force."),
-        Word<&C::GetBehavior>(L"Behavior", "The senses in which it acts.")
-            .Optional()
-            .Through<&C::SetBehavior>(),
-        AskedValue<C, &C::m_dampingCoefficient, &C::GetDampingCoefficient,
-                   &C::SetDampingCoefficient>(L"DampingCoefficient", "Force per velocity."));
+    static constexpr auto List =
+        Element(L"LinearSpring", "A spring and damper between two points.", LenientFrame,
+                AskedValue<C, &C::m_stiffness, &C::GetStiffness, &C::SetStiffness>(
+                    L"Stiffness", "Force per length.")
+                    .In(KARMPPhysicalQuantity::LinearStiffness),
+                AskedValue<C, &C::m_restLength, &C::GetRestLength, &C::SetRestLength>(
+                    L"RestLength", "The length at which the spring has no force.")
+                    .In(KARMPPhysicalQuantity::Length),
+                Word<&C::GetBehavior>(L"Behavior", "The senses in which it acts.")
+                    .Optional()
+                    .Through<&C::SetBehavior>(),
+                AskedValue<C, &C::m_dampingCoefficient, &C::GetDampingCoefficient,
+                           &C::SetDampingCoefficient>(L"DampingCoefficient", "Force per velocity.")
+                    .In(KARMPPhysicalQuantity::LinearDamping));
 };
 KARMP_DEFINE_CONTENT(KARMPLinearSpring);
 

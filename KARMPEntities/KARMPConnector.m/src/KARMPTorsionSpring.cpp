@@ -12,18 +12,20 @@ template <>
 struct karmp::ContentOf<KARMPTorsionSpring>
 {
     using C = KARMPTorsionSpring;
-    static constexpr auto List =
-        Element(L"TorsionSpring", "A spring and damper about a line.", LenientFrame,
-                AskedValue<C, &C::m_stiffness, &C::GetStiffness, &C::SetStiffness>(
-                    L"Stiffness", "Torque per angle."),
-                AskedValue<C, &C::m_restAngle, &C::GetRestAngle, &C::SetRestAngle>(
-                    L"RestAngle", "The angle at which the spring has no torque."),
-                Word<&C::GetBehavior>(L"Behavior", "The senses in which it acts.")
-                    .Optional()
-                    .Through<&C::SetBehavior>(),
-                AskedValue<C, &C::m_dampingCoefficient, &C::GetDampingCoefficient,
-                           &C::SetDampingCoefficient>(L"DampingCoefficient",
-                                                      "Torque per angular velocity."));
+    static constexpr auto List = Element(
+        L"TorsionSpring", "A spring and damper about a line.", LenientFrame,
+        AskedValue<C, &C::m_stiffness, &C::GetStiffness, &C::SetStiffness>(L"Stiffness",
+                                                                           "Torque per angle.")
+            .In(KARMPPhysicalQuantity::AngularStiffness),
+        AskedValue<C, &C::m_restAngle, &C::GetRestAngle, &C::SetRestAngle>(
+            L"RestAngle", "The angle at which the spring has no torque.")
+            .In(KARMPPhysicalQuantity::Angle),
+        Word<&C::GetBehavior>(L"Behavior", "The senses in which it acts.")
+            .Optional()
+            .Through<&C::SetBehavior>(),
+        AskedValue<C, &C::m_dampingCoefficient, &C::GetDampingCoefficient,
+                   &C::SetDampingCoefficient>(L"DampingCoefficient", "Torque per angular velocity.")
+            .In(KARMPPhysicalQuantity::AngularDamping));
 };
 KARMP_DEFINE_CONTENT(KARMPTorsionSpring);
 

@@ -24,6 +24,13 @@ struct karmp::ContentOf<KARMPConstraint>
         });
     }
 
+    static KARStatus TakeParameter(C& constraint, const KARMPConstraintParameter& parameter)
+    {
+        auto kept = std::make_unique<KARMPConstraintParameter>(parameter);
+        kept->SetInitialized(true);
+        return constraint.AddConstraintParameter(kept.release());
+    }
+
     static constexpr auto List = Base(
         "A condition on geometry.", LenientFrame,
         References<&C::GetLinkedGeometryCount, &C::GetLinkedGeometry, &C::LinkToGeometry>(
@@ -43,9 +50,10 @@ struct karmp::ContentOf<KARMPConstraint>
             L"Sensors", L"Sensor", "The sensors that watch it.")
             .Removing<&C::RemoveSensor>(),
         // Each record writes and reads itself, so that a subclass of it can do so in its own way.
-        DescribedRecords<&C::m_parameters>(L"ConstraintParameters", L"ConstraintParameter",
-                                           &KARMPConstraintParameter::RecordContent,
-                                           "What a solver keeps with it.")
+        AddedBy<&TakeParameter>(
+            DescribedRecords<&C::m_parameters>(L"ConstraintParameters", L"ConstraintParameter",
+                                               &KARMPConstraintParameter::RecordContent,
+                                               "Numbers that a solver keeps with the constraint."))
             .When<&HasInitializedParameter>()
             .Owned());
 };

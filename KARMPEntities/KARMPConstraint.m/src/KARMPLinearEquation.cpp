@@ -54,8 +54,10 @@ struct karmp::ContentOf<KARMPLinearEquation>
                                                                   "The constant term.")
                     .Required()
                     .Coded(),
-                DescribedRecords<&C::m_terms>(TermsName, TermName, &RecordContent<TermContent>,
-                                              "The coefficients, in order.")
+                AddedBy<&C::AddLinearTerm>(
+                    DescribedRecords<&C::m_terms>(
+                        TermsName, TermName, &RecordContent<TermContent>,
+                        "The coefficients of the constraint's variables, in the order of these."))
                     .Required()
                     .AnyName());
 };

@@ -7,30 +7,56 @@
 #include "KARMPCurveSegments.h"
 #include "KARMPElementReader.h"
 #include "KARMPElementWriter.h"
+#include "KARMPStreamElement.h"
 
 #include <functional>
 #include <memory>
 
 namespace karmp {
 
+/// A segment by its values.
+struct CurveSegmentRecord
+{
+    KARMPCurveOrientation::Enum orientation = {};
+    double low = 0.0;
+    double high = 0.0;
+    StreamBytes stream;
+};
+/// Gives the values of a segment; a failure without curve or limits, and for a curve that cannot be
+/// saved.
+KARStatus FillRecord(const CurveSegment& segment, CurveSegmentRecord& record);
+
 /// Describes the element of a chain, which the class's code writes and reads by the functions
-/// below. `CountOf` is the operation that counts the segments.
-template <auto CountOf>
+/// below. `CountOf` is the operation that counts the segments, `GetAt` the one that gives one.
+template <auto CountOf, auto GetAt>
 constexpr auto DescribedCurveSegments(Where where = Where::current())
 {
+    using C = typename TraitsOf<CountOf>::Class;
+    using R = CurveSegmentRecord;
     auto list = DescribedRecords(
         L"CurveSegments", L"CurveSegment", "The curves of the chain, in order.",
-        Attribute(DescribedWord<KARMPCurveOrientation::Enum>(
-            L"curveOrientation", "The sense in which the curve is traversed.", where)),
-        Attribute(Described(ItemKind::Number, L"curveLowLimit",
-                            "The curve's parameter at which it begins.", where)),
-        Attribute(Described(ItemKind::Number, L"curveHighLimit",
-                            "The curve's parameter at which it ends.", where)),
-        Described(ItemKind::Stream, L"CurveStream", "The curve.", where));
-    list.First().count = [](const void* owner) {
-        return std::invoke(CountOf, OwnerAs<typename TraitsOf<CountOf>::Class>(owner));
+        Attribute(Word<&R::orientation>(L"curveOrientation",
+                                        "The sense in which the curve is traversed.", where))
+            .Coded(),
+        Attribute(Number<&R::low>(L"curveLowLimit", "The curve's parameter at which it begins.",
+                                  KARMPPhysicalQuantity::NoPhysicalQuantity, where))
+            .Coded(),
+        Attribute(Number<&R::high>(L"curveHighLimit", "The curve's parameter at which it ends.",
+                                   KARMPPhysicalQuantity::NoPhysicalQuantity, where))
+            .Coded(),
+        Stream<&R::stream>(L"CurveStream", "The curve.", where).Coded());
+    Item& item = list.First();
+    item.count = [](const void* owner) { return std::invoke(CountOf, OwnerAs<C>(owner)); };
+    item.at = [](const void* owner, int index, ItemValue& value) {
+        CurveSegment segment;
+        const KARStatus status = std::invoke(GetAt, OwnerAs<C>(owner), index, segment.curve,
+                                             segment.orientation, segment.limits);
+        value.record = value.made;
+        return KARFailed(status) ? status : FillRecord(segment, *static_cast<R*>(value.made));
     };
-    return list;
+    item.makeRecord = &MakeRecord<R>;
+    return list.FixedBecause(
+        "Pieces are added by AddCurve, whose caller keeps the limits of the curve.");
 }
 
 /// Gives the segment at an index from 0; a failure is reported, and the segment left out.

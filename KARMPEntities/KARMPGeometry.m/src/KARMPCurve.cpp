@@ -14,7 +14,7 @@ struct karmp::ContentOf<KARMPCurve>
     using C = KARMPCurve;
     static constexpr auto List =
         Element(L"Curve", "A free curve of one or more segments.", LenientFrame,
-                DescribedCurveSegments<&C::GetCurveCount>().Required());
+                DescribedCurveSegments<&C::GetCurveCount, &C::GetCurve>().Required());
 };
 KARMP_DESCRIBE_CONTENT(KARMPCurve);
 

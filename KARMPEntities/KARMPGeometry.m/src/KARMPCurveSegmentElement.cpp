@@ -36,6 +36,15 @@ void ReadCurveSegment(ElementReader segment, const AddSegment& add, KARMPSourceL
 
 } // namespace
 
+KARStatus FillRecord(const CurveSegment& segment, CurveSegmentRecord& record)
+{
+    if (segment.curve == nullptr || segment.limits == nullptr)
+        return KARFailure;
+    record.orientation = segment.orientation;
+    static_cast<const KARCrvLimits*>(segment.limits)->GetExtremities(record.low, record.high);
+    return SaveStoredObject(segment.curve, record.stream) ? KARSuccess : KARFailure;
+}
+
 void WriteCurveSegments(ElementWriter& chain, int count, const FetchSegment& fetch,
                         KARMPSourceLocation where)
 {

@@ -5,6 +5,7 @@
 #include "KARMPConstraint.h"
 #include "KARMPContentWalk.h"
 #include "KARMPFrames.h"
+#include "KARMPGeometry2D.h"
 #include "KARMPGeometryLinks.h"
 #include "KARMPLoaderAccess.h"
 
@@ -14,14 +15,23 @@ template <>
 struct karmp::ContentOf<KARMPGeometry>
 {
     using C = KARMPGeometry;
+    // A planar geometry has a list of its own.
+    static KARStatus RemoveConstraint(C& geometry,
+                                      const QOBSharedHandle<KARMPConstraint>& constraint)
+    {
+        auto* const planar = dynamic_cast<KARMPGeometry2D*>(&geometry);
+        return planar != nullptr ? planar->RemoveConstraint(constraint)
+                                 : geometry.RemoveConstraint(constraint);
+    }
     static constexpr auto List = Base(
         "A geometry on which constraints are put.", LenientFrame,
-        Reference<&C::GetBody, &C::SetBody>(L"Body", "The body that it moves with.")
+        Reference<&C::GetBody, &C::SetBody>(
+            L"Body", "The body that it moves with, in whose axes it is given.")
             .Removing<&C::RemoveBody>()
             .OtherSide(L"Geometries"),
         References<&C::GetLinkedConstraintCount, &C::GetLinkedConstraint, &C::LinkToConstraint>(
             L"Constraints", L"Constraint", "The constraints that are put on it.")
-            .Removing<&C::RemoveConstraint>()
+            .Removing<&RemoveConstraint>()
             .OtherSide(L"Geometries"));
 };
 KARMP_DEFINE_CONTENT(KARMPGeometry);

@@ -29,7 +29,8 @@ struct karmp::ContentOf<KARMPGeometry2D>
     }
     static constexpr auto List = Base(
         "A geometry of a planar mechanism.", LenientFrame,
-        Reference<&GetBody, &SetBody>(L"Body2D", "The planar body that it moves with.")
+        Reference<&GetBody, &SetBody>(
+            L"Body2D", "The planar body that it moves with, in whose axes it is given.")
             .Removing<&RemoveBody>()
             .OtherSide(L"Geometries"),
         Reference<&C::m_sketch, &C::SetSketch>(L"Sketch", "The sketch in whose plane it lies."));

@@ -34,10 +34,27 @@ void LetGo(KARBaseUnknown* surface)
     surface->Release();
 }
 
+KARStatus SurfaceBytes(const KARMPSurface& geometry, karmp::StreamBytes& bytes)
+{
+    KARBaseUnknown* surface = nullptr;
+    return !KARFailed(geometry.GetSurface(surface)) && karmp::SaveStoredObject(surface, bytes)
+               ? KARSuccess
+               : KARFailure;
+}
+
+KARStatus TakeSurface(KARMPSurface& geometry, const karmp::StreamBytes& bytes)
+{
+    const karmp::StoredObjects stored = karmp::LoadStoredObjects(bytes);
+    return stored.objects.Size() > 0 ? geometry.SetSurface(stored.objects[0]) : KARFailure;
+}
+
 // Whoever restores what a copy lacks sees by the number of surfaces that it lacks none.
 constexpr auto DescribedSurface()
 {
-    auto item = karmp::Described(karmp::ItemKind::Stream, SurfaceStream, "The surface or body.");
+    auto item = karmp::Stream<&SurfaceBytes>(
+                    SurfaceStream, "The surface, or the topological body, in its stored form.")
+                    .Through<&TakeSurface>()
+                    .Coded();
     item.First().count = [](const void* owner) {
         KARBaseUnknown* surface = nullptr;
         karmp::OwnerAs<KARMPSurface>(owner).GetSurface(surface);

@@ -42,14 +42,15 @@ struct karmp::ContentOf<KARMPCollisionRule>
                                          "How thick the second collidable's elastic layer is.",
                                          Length),
         Number<&C::m_damping>(L"Damping", "The damping coefficient of a contact."),
-        Integer<&IsTransitionEnabled>(
-            L"EnableDampingTransition",
-            "1 when damping grows with the depth of penetration; any other number is no.")
+        Integer<&IsTransitionEnabled>(L"EnableDampingTransition",
+                                      "Whether damping grows with the depth of penetration: 1 when "
+                                      "it does, any other number otherwise.")
             .Through<&EnableTransition>(),
         Number<&C::m_dampingTransitionDepth>(
             L"DampingTransitionDepth",
             "The depth of penetration over which damping grows to its full value.", Length),
-        Number<&C::m_frictionCoefficient>(L"FrictionCoef", "A friction coefficient."),
+        Number<&C::m_frictionCoefficient>(
+            L"FrictionCoef", "The friction coefficient at the sliding speed of the next item."),
         Number<&C::m_frictionVelocity>(L"FrictionVelocity",
                                        "The sliding speed that the coefficient belongs to.",
                                        KARMPPhysicalQuantity::Velocity));

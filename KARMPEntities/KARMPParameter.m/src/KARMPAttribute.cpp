@@ -36,22 +36,25 @@ struct karmp::ContentOf<KARMPAttribute>
         return attribute.m_octets.length() > 0 && KARGetEnv("DUMP_OCTET_AS_UTF8") != nullptr;
     }
     static constexpr auto List =
-        Base(
-            "Named data of an entity that a solver reads or writes.", LenientFrame,
-            Attribute(Text<&C::m_type>(L"type", "What a bulk update stores in it.")
-                          .Optional()
-                          .When<&HasType>()),
-            Attribute(Text<&C::GetPathAsStr>(L"path", "Where it belongs.")
-                          .Optional()
-                          .When<&HasPath>()
-                          .Through<&TakePath>()),
-            Group(L"OctetSequence", "Its bytes, for people to read.",
-                  Attribute(Text<&OctetsAsText>(L"UTF8String", "The bytes as text.")
-                                .WrittenOnly()
-                                .FixedBecause("The text shows bytes, which it does not hold.")))
-                .WrittenOnly()
-                .When<&AreOctetsWritten>(),
-            References<&C::m_values, &C::AddValue>(L"Values", L"Value", "What it holds.").InOrder())
+        Base("Named data of an entity that a solver reads or writes.", LenientFrame,
+             Attribute(
+                 Text<&C::m_type>(L"type", "The type of the value that a bulk update stores in it.")
+                     .Optional()
+                     .When<&HasType>()),
+             Attribute(Text<&C::GetPathAsStr>(
+                           L"path", "The path of names by which results are sorted to it.")
+                           .Optional()
+                           .When<&HasPath>()
+                           .Through<&TakePath>()),
+             Group(L"OctetSequence", "Its bytes, for people to read.",
+                   Attribute(Text<&OctetsAsText>(L"UTF8String", "The bytes as text.")
+                                 .WrittenOnly()
+                                 .FixedBecause("The text shows bytes, which it does not hold.")))
+                 .WrittenOnly()
+                 .When<&AreOctetsWritten>(),
+             References<&C::m_values, &C::AddValue>(L"Values", L"Value",
+                                                    "The values that it holds, in order.")
+                 .InOrder())
             .LeftOutWhen<&C::IsLeftOut>();
 };
 KARMP_DEFINE_CONTENT(KARMPAttribute);

@@ -18,9 +18,14 @@ struct karmp::ContentOf<KARMPJointDOFSensor>
     static constexpr auto List = Element(
         L"JointDOFSensor", "Measures one freedom of a joint.", CountingFrame,
         Reference<&C::m_joint, &C::SetJoint>(L"Joint", "The joint that is measured."),
-        Number<&C::m_position>(L"Position", "The length or angle of the freedom."),
-        Number<&C::m_velocity>(L"Velocity", "Its velocity."),
-        Number<&C::m_acceleration>(L"Acceleration", "Its acceleration."),
+        Number<&C::m_position>(L"Position", "How far the freedom has moved: a length along an axis "
+                                            "of the joint's frame, or an angle about it."),
+        Number<&C::m_velocity>(
+            L"Velocity",
+            "The velocity of the freedom: linear for a translation, angular for a rotation."),
+        Number<&C::m_acceleration>(
+            L"Acceleration",
+            "The acceleration of the freedom: linear for a translation, angular for a rotation."),
         Integer<&C::m_index>(L"DOFindex", "The freedom: 0 to 2 a translation, 3 to 5 a rotation."));
 };
 KARMP_DEFINE_CONTENT(KARMPJointDOFSensor);

@@ -65,7 +65,8 @@ struct karmp::ContentOf<KARMPProximitySensor>
                           .When<OfData<&Data::GetUseClearance>>()
                           .Optional()
                           .ZeroIfMissing()),
-                Attribute(Flag<&C::m_status>(L"Status", "The measured status.")));
+                Attribute(Flag<&C::m_status>(
+                    L"Status", "Whether the watched body is near, as it was measured last.")));
 };
 KARMP_DEFINE_CONTENT(KARMPProximitySensor);
 

@@ -106,9 +106,9 @@ struct ItemInfo
     /// is no link and one that cannot be set.
     KARMP_API KARStatus AddTarget(KARMPEntity& entity, const QOBSharedHandle<KARMPEntity>& target,
                                   std::wstring_view word = {}) const;
-    /// Drops the link to a target on this side only. Returns what the class's operation returns,
-    /// KARUnchanged when it is not linked, and a failure without a change for null, a target of
-    /// another class and where CanRemoveTarget is false.
+    /// Drops the link to a target on this side only; one that is not linked changes nothing.
+    /// Returns what the class's operation returns, and a failure without a change for null, a
+    /// target of another class and where CanRemoveTarget is false.
     KARMP_API KARStatus RemoveTarget(KARMPEntity& entity,
                                      const QOBSharedHandle<KARMPEntity>& target) const;
     /// False for what is no link, and for links that stay once they are made.

@@ -123,6 +123,11 @@ struct ItemList
     {
         return With([](Item& item) { item.isInOrder = true; });
     }
+    /// What the number measures, or the number of the value that is referred to.
+    constexpr ItemList In(KARMPPhysicalQuantity::Enum quantity) const
+    {
+        return With([quantity](Item& item) { item.quantity = quantity; });
+    }
     /// The target dies with this entity.
     constexpr ItemList Owned() const
     {

@@ -209,6 +209,8 @@ struct Content
     std::string_view says;
     ContentFrame frame;
     std::span<const Item> items;
+    /// False for a class that stands in no document: it has items and no schema.
+    bool isInDocuments = true;
     /// Null for the first class of a row.
     const Content& (*base)() = nullptr;
     /// True while the entity is neither written nor read.

@@ -71,21 +71,35 @@ KARStatus AddRecord(void* owner, const ItemValue& value)
                        *static_cast<const typename Traits::Value*>(value.record));
 }
 
+/// Makes a record that is empty.
+template <class Made>
+std::shared_ptr<void> MakeRecord()
+{
+    return std::make_shared<Made>();
+}
+/// Lets programs add records, which the class's code writes and reads, by the table of items. `Add`
+/// is the operation that adds one; its argument's class is that of the records.
+template <auto Add, std::size_t N>
+constexpr ItemList<N> AddedBy(ItemList<N> records)
+{
+    Item& item = records.First();
+    item.set = &AddRecord<Add>;
+    item.hasSetter = true;
+    item.makeRecord = &MakeRecord<typename TraitsOf<Add>::Value>;
+    return records;
+}
+
 template <class Entries, auto Add, std::size_t... N>
 constexpr auto MakeRecords(std::wstring_view name, std::wstring_view entry, std::string_view says,
                            const ItemList<N>&... inner)
 {
-    using Record = typename TraitsOf<Add>::Value;
     auto list = Group(name, says, inner...);
     Item& item = list.First();
     item.entry = entry;
     item.kind = ItemKind::Records;
     item.count = &Entries::Count;
     item.at = &Entries::Fetch;
-    item.set = &AddRecord<Add>;
-    item.hasSetter = true;
-    item.makeRecord = +[]() -> std::shared_ptr<void> { return std::make_shared<Record>(); };
-    return list;
+    return AddedBy<Add>(list);
 }
 /// An element, there without records too, with an element for each record, which holds the inner
 /// items: their owner is the record. `Add` is the operation that adds a record that was read; its

@@ -59,6 +59,13 @@ struct ContentList
         copy.content.leftOut = ItemList<1>{}.template When<Condition>().items[0].when;
         return copy;
     }
+    /// Documents hold no entities of the class: the list serves programs alone.
+    constexpr ContentList OutOfDocuments() const
+    {
+        ContentList copy = *this;
+        copy.content.isInDocuments = false;
+        return copy;
+    }
     /// The element that is read is another one than that which is written.
     constexpr ContentList ReadAs(std::wstring_view element) const
     {

@@ -327,7 +327,7 @@ const SchemaItem* SchemaOf(std::string_view className)
     static std::mutex mutex;
     static std::map<std::string, std::unique_ptr<const SchemaItem>, std::less<>> made;
     const Content* const content = FindContent(className);
-    if (content == nullptr)
+    if (content == nullptr || !content->isInDocuments)
         return nullptr;
     const std::lock_guard lock(mutex);
     auto found = made.find(className);

@@ -329,7 +329,7 @@ TEST_F(Items, ThatTheTableCannotGetSaySo)
     EXPECT_TRUE(canGet("KARMPExpression", L"Variables"));
     EXPECT_FALSE(canGet("KARMPExpression", L"VariableMapping/Var"));
     EXPECT_TRUE(canGet("KARMPLinearEquation", L"LinearTermDataContainer"));
-    EXPECT_FALSE(canGet("KARMPSketchFunction", L"CurveSegments"));
+    EXPECT_TRUE(canGet("KARMPSketchFunction", L"CurveSegments"));
 }
 
 TEST_F(Items, ThatAreLinksAreThoseOfTheTableThatCanBeFetched)

@@ -12,7 +12,8 @@ struct karmp::ContentOf<KARMPSupport>
     using C = KARMPSupport;
     static constexpr auto List =
         Element(L"Support", "Ties an attribute to another entity.", LenientFrame,
-                Reference<&C::m_target, &C::SetTarget>(L"Target", "The other entity."))
+                Reference<&C::m_target, &C::SetTarget>(L"Target",
+                                                       "The entity that the attribute is tied to."))
             .LeftOutWhen<&C::IsLeftOut>();
 };
 KARMP_DEFINE_CONTENT(KARMPSupport);

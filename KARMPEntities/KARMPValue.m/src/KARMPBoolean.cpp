@@ -12,7 +12,8 @@ struct karmp::ContentOf<KARMPBoolean>
     static bool IsTrue(const C& flag) { return flag.m_value != 0; }
     static constexpr auto List =
         Element(L"Boolean", "A flag of the model.", CountingFrame,
-                WordOf<&IsTrue>(L"Value", FalseTrue, "The flag.").Through<&C::SetValue>())
+                WordOf<&IsTrue>(L"Value", FalseTrue, "Whether the value is true.")
+                    .Through<&C::SetValue>())
             .LeftOutWhen<&KARMPValue::IsLeftOut>();
 };
 KARMP_DEFINE_CONTENT(KARMPBoolean);

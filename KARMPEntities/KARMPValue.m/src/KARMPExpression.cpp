@@ -40,16 +40,41 @@ struct karmp::ContentOf<KARMPExpression>
     {
         return expression.ReadEquation(text) ? KARSuccess : KARFailure;
     }
+    // The variables behind the one that goes move up by one, as do the positions that they have in
+    // the equation.
+    static KARStatus RemoveVariable(C& expression, const QOBSharedHandle<KARMPVariable>& variable)
+    {
+        const int index = expression.m_variables.Find(variable);
+        const KARStatus status = expression.m_variables.Remove(variable);
+        if (status != KARSuccess)
+            return status;
+        std::map<int, int> kept;
+        int removed = 0;
+        for (const auto& [position, mapped] : expression.m_variableMapping)
+            if (mapped == index)
+                ++removed;
+            else
+                kept[position - removed] = mapped > index ? mapped - 1 : mapped;
+        expression.m_variableMapping = std::move(kept);
+        return status;
+    }
     static constexpr auto List =
-        Element(L"Expression", "A value that an equation gives from variables.", LenientFrame,
-                Text<&EquationText>(L"Value", "The equation.").Optional().Through<&TakeEquation>(),
-                References<&C::GetLinkedVariableCount, &C::GetLinkedVariable, &C::LinkToVariable>(
-                    L"Variables", L"Variable", "The variables that the equation uses.")
-                    .InOrder(),
-                Group(L"VariableMapping", "Positions of variables by positions in the equation.",
-                      Described(ItemKind::Integer, L"Var", "The position of a variable."))
-                    .Optional()
-                    .AnyName())
+        Element(
+            L"Expression", "A value that an equation gives from variables.", LenientFrame,
+            Text<&EquationText>(L"Value", "The equation, as text over the names of its variables.")
+                .Optional()
+                .Through<&TakeEquation>(),
+            References<&C::GetLinkedVariableCount, &C::GetLinkedVariable, &C::LinkToVariable>(
+                L"Variables", L"Variable", "The variables that the equation uses.")
+                .Removing<&RemoveVariable>()
+                .InOrder(),
+            Group(L"VariableMapping", "Positions of variables by positions in the equation.",
+                  Described(ItemKind::Integer, L"Var",
+                            "The position of a variable in the list of variables.")
+                      .FixedBecause("GetVariableMapping and SetVariableMapping have the "
+                                    "mapping as a whole."))
+                .Optional()
+                .AnyName())
             .LeftOutWhen<&KARMPValue::IsLeftOut>();
 };
 KARMP_DESCRIBE_CONTENT(KARMPExpression);

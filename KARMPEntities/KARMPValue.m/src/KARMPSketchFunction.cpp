@@ -35,7 +35,7 @@ struct karmp::ContentOf<KARMPSketchFunction>
                                                                "The direction of the axis."),
                       NumbersElement<&C::m_referenceNormal>(Direction, NormalNames,
                                                             "The normal of the curves' plane.")),
-                DescribedCurveSegments<&C::GetCurveCount>().Optional())
+                DescribedCurveSegments<&C::GetCurveCount, &C::GetCurve>().Optional())
             .LeftOutWhen<&KARMPValue::IsLeftOut>();
 };
 KARMP_DESCRIBE_CONTENT(KARMPSketchFunction);
