@@ -55,7 +55,8 @@ struct karmp::ContentOf<KARMPConstraint>
                                                &KARMPConstraintParameter::RecordContent,
                                                "Numbers that a solver keeps with the constraint."))
             .When<&HasInitializedParameter>()
-            .Owned());
+            .Owned())
+            .WrittenByList();
 };
 KARMP_DESCRIBE_CONTENT(KARMPConstraint);
 

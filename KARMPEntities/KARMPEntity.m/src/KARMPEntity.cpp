@@ -72,33 +72,35 @@ struct karmp::ContentOf<KARMPEntity>
 
     static constexpr ContentFrame Frame{{.nullNode = KARSuccess, .silentNull = true},
                                         {.nullNode = KARSuccess, .silentNull = true}};
-    static constexpr auto List = Base(
-        "Anything that lives in a world.", Frame,
-        Attribute(Text<&Identifier>(L"id", "The identifier by which the document knows it.")
-                      .Required()
-                      .FixedBecause("An identifier never changes once it is given.")
-                      .Through<&TakeIdentifier>()),
-        Attribute(Text<&Name>(L"name", "The name for people.").Through<&TakeName>()),
-        Since(R2017_1, Attribute(WordOf<&C::IsActive>(L"isActive", NoYes,
-                                                      "Whether a solver takes it into account.")
-                                     .KnownWordsOnly()
-                                     .Through<&TakeActivity>())),
-        Attribute(Text<&C::GetID>(L"entityID", "Free text of the modelling application.")
-                      .Optional()
-                      .When<&HasApplicationID>()
-                      .Through<&C::SetID>()),
-        References<&C::GetParameterCount, static_cast<ByIndex<KARMPParameter>>(&C::GetParameter),
-                   &C::AddParameter>(L"Parameters", L"Parameter",
-                                     "Numbers and texts kept with it."),
-        References<&C::GetStateCount, static_cast<ByIndex<KARMPState>>(&C::GetState), &C::AddState>(
-            L"States", L"State", "Attributes that describe its state."),
-        References<&C::GetOutputCount, static_cast<ByIndex<KARMPOutput>>(&C::GetOutput),
-                   &C::AddOutput>(L"Outputs", L"Output", "Results that a solver keeps with it.")
-            .When<&AreOutputsWritten>()
-            .WhenRead<&AreOutputsRead>(),
-        References<&C::GetAggregatedElementCount, &C::GetAggregatedElement,
-                   &C::AddAggregatedElement>(L"AggregatedElements", L"Element",
-                                             "The entities that it is made of."));
+    static constexpr auto List =
+        Base(
+            "Anything that lives in a world.", Frame,
+            Attribute(Text<&Identifier>(L"id", "The identifier by which the document knows it.")
+                          .Required()
+                          .FixedBecause("An identifier never changes once it is given.")
+                          .Through<&TakeIdentifier>()),
+            Attribute(Text<&Name>(L"name", "The name for people.").Through<&TakeName>()),
+            Since(R2017_1, Attribute(WordOf<&C::IsActive>(L"isActive", NoYes,
+                                                          "Whether a solver takes it into account.")
+                                         .KnownWordsOnly()
+                                         .Through<&TakeActivity>())),
+            Attribute(Text<&C::GetID>(L"entityID", "Free text of the modelling application.")
+                          .Optional()
+                          .When<&HasApplicationID>()
+                          .Through<&C::SetID>()),
+            References<&C::GetParameterCount,
+                       static_cast<ByIndex<KARMPParameter>>(&C::GetParameter), &C::AddParameter>(
+                L"Parameters", L"Parameter", "Numbers and texts kept with it."),
+            References<&C::GetStateCount, static_cast<ByIndex<KARMPState>>(&C::GetState),
+                       &C::AddState>(L"States", L"State", "Attributes that describe its state."),
+            References<&C::GetOutputCount, static_cast<ByIndex<KARMPOutput>>(&C::GetOutput),
+                       &C::AddOutput>(L"Outputs", L"Output", "Results that a solver keeps with it.")
+                .When<&AreOutputsWritten>()
+                .WhenRead<&AreOutputsRead>(),
+            References<&C::GetAggregatedElementCount, &C::GetAggregatedElement,
+                       &C::AddAggregatedElement>(L"AggregatedElements", L"Element",
+                                                 "The entities that it is made of."))
+            .WrittenByList();
 };
 KARMP_DESCRIBE_CONTENT(KARMPEntity);
 

@@ -22,7 +22,8 @@ struct karmp::ContentOf<KARMPGenericEntity>
         Attribute(Text<&C::m_category>(CategoryName, "The category, which the application names."));
     static constexpr auto List =
         Element(L"GenericEntity", "An entity of a category that the application names.",
-                LenientFrame, Unequal(Category, Category.Coded()));
+                LenientFrame, Unequal(Category, Category.Coded()))
+            .WrittenByList();
 };
 KARMP_DESCRIBE_CONTENT(KARMPGenericEntity);
 

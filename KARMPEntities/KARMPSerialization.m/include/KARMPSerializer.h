@@ -15,6 +15,8 @@
 #include <string>
 #include <string_view>
 
+class KARMPEntity;
+
 /// A node of the element tree that entities are written into: a name, an optional value, attributes
 /// and child elements. A concrete subclass creates the child nodes and renders the tree. A node
 /// owns its children; the creator of a root owns the root. Names need not be unique. A tree is
@@ -84,6 +86,11 @@ public:
     /// Called when the children so far are complete: the caller neither adds to them nor uses them
     /// from now on, so that a subclass may render and free them. Does nothing by default.
     virtual void ChildrenComplete() {}
+    /// Writes an entity, into this node's form and without nodes, where a subclass can: the status
+    /// is what the entity's own operation would give. False, with nothing done, where that is to
+    /// write it. The library calls it for each entity of a world's lists, when the children before
+    /// it are complete.
+    virtual bool WriteEntity(const KARMPEntity& /*entity*/, KARStatus& /*status*/) { return false; }
 
 protected:
     /// The element's name.

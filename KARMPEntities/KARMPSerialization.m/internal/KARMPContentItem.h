@@ -213,6 +213,8 @@ struct Content
     bool isInDocuments = true;
     /// Null for the first class of a row.
     const Content& (*base)() = nullptr;
+    /// The class writes what the list says and nothing else, unless a coded item applies.
+    bool isWrittenByList = false;
     /// True while the entity is neither written nor read.
     bool (*leftOut)(const void* owner) = nullptr;
     KARMPSourceLocation where{"", 0};

@@ -66,6 +66,14 @@ struct ContentList
         copy.content.isInDocuments = false;
         return copy;
     }
+    /// Although the class has an operation of its own, it writes what the list says and nothing
+    /// else, unless a coded item applies.
+    constexpr ContentList WrittenByList() const
+    {
+        ContentList copy = *this;
+        copy.content.isWrittenByList = true;
+        return copy;
+    }
     /// The element that is read is another one than that which is written.
     constexpr ContentList ReadAs(std::wstring_view element) const
     {
@@ -148,19 +156,22 @@ public:
     ContentRegistration(std::string_view className, const Content& (*content)());
 };
 /// The content of a class by its name; null for a class without a list.
-const Content* FindContent(std::string_view className);
+KARMP_API const Content* FindContent(std::string_view className);
 
 } // namespace karmp
 
 /// The content of a class, described only: its code writes and reads it.
 #define KARMP_DESCRIBE_CONTENT(Class, ...)                                                         \
+    KARMP_MAKE_CONTENT(Class, karmp::ContentOf<Class>::List __VA_OPT__(, ) __VA_ARGS__)
+
+#define KARMP_MAKE_CONTENT(Class, Listed, ...)                                                     \
     static_assert(karmp::IsWhole(karmp::ContentOf<Class>::List.list),                              \
                   "each item that is read has a setter");                                          \
     const karmp::Content& Class::ClassContent()                                                    \
     {                                                                                              \
         static constexpr auto items = karmp::ContentOf<Class>::List.list;                          \
         static constexpr karmp::Content content = [] {                                             \
-            karmp::Content made = karmp::ContentOf<Class>::List.content;                           \
+            karmp::Content made = Listed.content;                                                  \
             made.items = items.items;                                                              \
             made.base = karmp::BaseContent<KARMP_RECORD_PARENT(Class, __VA_ARGS__)>();             \
             made.where = {__builtin_FILE(), __builtin_LINE()};                                     \
@@ -173,7 +184,8 @@ const Content* FindContent(std::string_view className);
 /// The content of a class, with its operations. Where another class than the direct base is written
 /// and read within it, that class is a further argument.
 #define KARMP_DEFINE_CONTENT(Class, ...)                                                           \
-    KARMP_DESCRIBE_CONTENT(Class __VA_OPT__(, ) __VA_ARGS__);                                      \
+    KARMP_MAKE_CONTENT(Class,                                                                      \
+                       karmp::ContentOf<Class>::List.WrittenByList() __VA_OPT__(, ) __VA_ARGS__);  \
     KARStatus Class::Serialize(KARMPSerializer* serializer) const                                  \
     {                                                                                              \
         return karmp::WriteContent<KARMP_RECORD_PARENT(Class, __VA_ARGS__)>(*this, serializer);    \

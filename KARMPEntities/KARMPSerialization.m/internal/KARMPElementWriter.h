@@ -14,6 +14,7 @@
 
 #include <array>
 #include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -128,6 +129,10 @@ public:
     /// Writes "id" and, when `withName`, "name" of an entity as attributes of this element.
     bool ReferenceAttributes(const KARMPEntity* entity, bool withName,
                              Where where = Where::current());
+    /// Adds a reference to a value, which must be one, with its name in any case.
+    bool ValueReference(std::wstring_view name, const QOBSharedBase& value, Where where);
+    /// Adds bytes as WriteStream does.
+    bool Stream(std::wstring_view name, std::span<const unsigned char> bytes, Where where);
     /// Adds a reference to an entity that its getter failed to give.
     void UnknownReference(std::wstring_view item, Where where);
 

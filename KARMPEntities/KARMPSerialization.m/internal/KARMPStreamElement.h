@@ -15,8 +15,8 @@ using StreamBytes = std::vector<unsigned char>;
 
 /// Gives the text of bytes. Every failure is reported, more bytes than an int counts and an
 /// allocation that fails among them.
-bool StreamText(std::span<const unsigned char> bytes, std::wstring& text,
-                KARMPSourceLocation where);
+KARMP_API bool StreamText(std::span<const unsigned char> bytes, std::wstring& text,
+                          KARMPSourceLocation where);
 /// Gives the bytes of a text. Anything but base-64, a text without bytes and an allocation that
 /// fails are reported.
 bool StreamFromText(std::wstring_view text, StreamBytes& bytes, KARMPSourceLocation where);

@@ -1,6 +1,9 @@
 #include "KARMPElementWriter.h"
 
 #include "KARMPEntity.h"
+#include "KARMPSerializationServices.h"
+#include "KARMPStreamElement.h"
+#include "KARMPValue.h"
 
 namespace karmp {
 
@@ -124,6 +127,19 @@ bool ElementWriter::ReferenceAttributes(const KARMPEntity* entity, bool withName
     if (withName)
         Attribute(Name, kar::SharedText::Wide(entity->getStoredName()).View(), where);
     return !m_failed;
+}
+
+bool ElementWriter::ValueReference(std::wstring_view name, const QOBSharedBase& value, Where where)
+{
+    return Base(
+        KARMPSerializationServices::Serialize(m_node, QOBSharedHandle<KARMPValue>(value), name),
+        where);
+}
+
+bool ElementWriter::Stream(std::wstring_view name, std::span<const unsigned char> bytes,
+                           Where where)
+{
+    return WriteStream(*this, name, bytes, where);
 }
 
 void ElementWriter::UnknownReference(std::wstring_view item, Where where)

@@ -2,34 +2,17 @@
 
 #include "KARMPFailedCheck.h"
 #include "KARMPNodeTeardown.h"
+#include "KARMPNumberGrid.h"
 #include "KARMPVersions.h"
 #include "KARProcessServices.h"
 
 #include <bit>
-#include <cmath>
 #include <utility>
 
 using karmp::NodeText;
 using karmp::NodeValue;
 
 namespace {
-
-constexpr double Grid = 1e-12;
-
-// The order of the operations decides on the last bit.
-double SnapToGrid(double value)
-{
-    if (value > -Grid && value < Grid)
-        return 0.0;
-    const double quotient = value / Grid;
-    const double magnitude = std::floor(std::fabs(quotient) + 0.5);
-    double sign = 0.0;
-    if (quotient > 0)
-        sign = 1.0;
-    else if (quotient < 0)
-        sign = -1.0;
-    return magnitude * sign * Grid;
-}
 
 std::wstring_view ViewOf(const wchar_t* text)
 {
@@ -57,7 +40,7 @@ double KARMPSerializer::StoredDouble(double value) const
 {
     if (m_exactDoubles)
         return value;
-    const double snapped = SnapToGrid(value);
+    const double snapped = karmp::SnapToGrid(value);
     // Most numbers of a model are on the grid, and the environment makes no difference to them.
     // The bits decide: -0.0 equals 0.0, but is not the same.
     if (std::bit_cast<std::uint64_t>(snapped) == std::bit_cast<std::uint64_t>(value))

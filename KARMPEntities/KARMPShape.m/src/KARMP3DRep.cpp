@@ -53,7 +53,8 @@ struct karmp::ContentOf<KARMP3DRep>
             .When<&C::IsRepWritten>()
             .Required();
     static constexpr auto List = Element(L"Rep3D", "What a body looks like, as a scene graph.",
-                                         LenientFrame, Unequal(Block, Block.Coded()));
+                                         LenientFrame, Unequal(Block, Block.Coded()))
+                                     .WrittenByList();
 };
 KARMP_DESCRIBE_CONTENT(KARMP3DRep);
 

@@ -26,7 +26,8 @@ struct karmp::ContentOf<KARMPShapeBody>
             .Required();
     static constexpr auto List =
         Element(L"ShapeBody", "The shape of a planar body as a topological body.", LenientFrame,
-                Unequal(Body, Body.Coded()));
+                Unequal(Body, Body.Coded()))
+            .WrittenByList();
 };
 KARMP_DESCRIBE_CONTENT(KARMPShapeBody);
 

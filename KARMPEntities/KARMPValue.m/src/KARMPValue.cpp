@@ -36,7 +36,8 @@ struct karmp::ContentOf<KARMPValue>
                                 .RequiredIfThere()
                                 .When<&HasQuantity>()
                                 .Through<&C::m_physicalQuantity>()))
-            .LeftOutWhen<&C::IsLeftOut>();
+            .LeftOutWhen<&C::IsLeftOut>()
+            .WrittenByList();
 };
 KARMP_DESCRIBE_CONTENT(KARMPValue);
 

@@ -1,6 +1,7 @@
 #include "KARMPFailedCheck.h"
 #include "KARMPWorld.h"
 #include "KARMPWorldDocument.h"
+#include "KARPrefetch.h"
 
 namespace {
 
@@ -17,17 +18,30 @@ void WriteTriple(KARMPSerializer& world, std::wstring_view name, const karmp::Na
     }
 }
 
-template <class T>
-void WriteRegistry(const KARMPWorld& world, karmp::ElementWriter& root, std::wstring_view name)
+// The entities of a large world do not fit the caches.
+void PrefetchEntity(const karmp::RegistryCore& listed, std::size_t index)
 {
-    if (world.Count<T>() == 0)
+    constexpr std::size_t usualSize = 640;
+    if (index < listed.Count())
+        kar::Prefetch(listed.At(index)._getReferent(), usualSize);
+}
+
+template <class T>
+void WriteRegistry(const KARMPRegistry<T>& listed, karmp::ElementWriter& root,
+                   std::wstring_view name)
+{
+    if (listed.Count() == 0)
         return;
     const karmp::ElementWriter registry = root.Child(name);
-    for (int i = 0; registry && i < world.Count<T>(); ++i) {
-        QOBSharedHandle<T> listed;
-        world.Get(i, listed);
-        const QOBSharedHandle<KARMPEntity> entity(listed, QOBSharedBase::WriteLock);
-        KARMPVerify(entity && !KARFailed(entity->Serialize(registry.Node())));
+    for (int i = 0; registry && i < listed.Count(); ++i) {
+        PrefetchEntity(listed.Core(), static_cast<std::size_t>(i) + kar::PrefetchDistance);
+        QOBSharedHandle<T> entry;
+        listed.Get(i, entry);
+        const QOBSharedHandle<KARMPEntity> entity(entry, QOBSharedBase::WriteLock);
+        KARStatus status = KARFailure;
+        if (entity && !registry.Node()->WriteEntity(*entity, status))
+            status = entity->Serialize(registry.Node());
+        KARMPVerify(!KARFailed(status));
         registry.Node()->ChildrenComplete();
     }
     root.Node()->ChildrenComplete();
@@ -59,7 +73,7 @@ KARStatus KARMPWorld::Serialize(KARMPSerializer* serializer) const
     // whole.
     node->ChildrenComplete();
     karmp::ForEachRegistryElement([&](auto element) {
-        WriteRegistry<typename decltype(element)::Type>(*this, world, element.name);
+        WriteRegistry(Registry<typename decltype(element)::Type>(), world, element.name);
     });
     return KARSuccess;
 }
