@@ -10,31 +10,59 @@
 #include <string>
 #include <string_view>
 
+#ifdef __SSE2__
+#    include <emmintrin.h>
+#endif
+
 namespace karmp::documents {
 
-/// Collects short pieces of a text in a fixed array before they are appended to the text, so that a
-/// piece costs no call and no check of the text's capacity. What was put is in the text after a
-/// call of Flushed.
+/// Appends short pieces to a text. The text is made longer in steps and filled afterwards, so that
+/// a piece costs no call; it ends where the last piece ends after a call of Trim and when
+/// the buffer is destroyed.
 class ByteBuffer
 {
 public:
-    explicit ByteBuffer(std::string& bytes) : m_bytes(bytes) {}
+    explicit ByteBuffer(std::string& bytes)
+        : m_bytes(bytes), m_next(bytes.data() + bytes.size()), m_end(m_next)
+    {}
+    ~ByteBuffer()
+    {
+        if (m_bytes.size() > Size())
+            Trim();
+    }
+    ByteBuffer(const ByteBuffer&) = delete;
+    ByteBuffer& operator=(const ByteBuffer&) = delete;
 
     void Put(char byte)
     {
         EnsureCapacity(1);
-        m_pending[m_count++] = byte;
+        *m_next++ = byte;
     }
 
     void Put(std::string_view piece)
     {
-        if (piece.size() > LongestPiece) {
-            Flushed().append(piece);
-            return;
-        }
         EnsureCapacity(piece.size());
-        Copy(piece, m_pending.data() + m_count);
-        m_count += piece.size();
+        std::memcpy(m_next, piece.data(), piece.size());
+        m_next += piece.size();
+    }
+
+    /// Appends a piece of up to `Padded` bytes, of which so many may be read behind its beginning.
+    template <std::size_t Padded>
+    void PutPadded(const char* piece, std::size_t size)
+    {
+        EnsureCapacity(Padded);
+        std::memcpy(m_next, piece, Padded);
+        m_next += size;
+    }
+
+    /// Appends a piece of any size behind which so many bytes may be read.
+    template <std::size_t Slack>
+    void PutWithSlack(std::string_view piece)
+    {
+        EnsureCapacity(piece.size() + Slack);
+        for (std::size_t done = 0; done < piece.size(); done += Slack)
+            std::memcpy(m_next + done, piece.data() + done, Slack);
+        m_next += piece.size();
     }
 
     /// Appends the shortest form that reads back the same.
@@ -51,94 +79,164 @@ public:
             return;
         }
         EnsureCapacity(LongestNumber);
-        char* const begin = m_pending.data() + m_count;
-        m_count += static_cast<std::size_t>(std::to_chars(begin, begin + LongestNumber, value).ptr -
-                                            begin);
+        m_next = std::to_chars(m_next, m_next + LongestNumber, value).ptr;
     }
 
+    /// Appends the shortest form of a decimal number with up to 12 places: `units` of 1e-12, from
+    /// 1e-3 up and below 1e3, where that form has no exponent.
+    void PutDecimal(std::uint64_t units)
+    {
+        EnsureCapacity(LongestNumber);
+        m_next = std::to_chars(m_next, m_next + LongestNumber, units / OneInUnits).ptr;
+        std::uint64_t places = units % OneInUnits;
+        if (places == 0)
+            return;
+        *m_next = '.';
+        for (char* pair = m_next + PlaceCount - 1; pair > m_next; pair -= 2) {
+            std::memcpy(pair, &DigitPairs[2 * (places % 100)], 2);
+            places /= 100;
+        }
+        m_next += PlaceCount;
+        while (*m_next == '0')
+            --m_next;
+        ++m_next;
+    }
+    static constexpr std::uint64_t OneInUnits = 1'000'000'000'000;
+
     /// Appends a text of ASCII characters that need no escape anywhere; false, with nothing
-    /// appended, when it holds other characters, begins or ends with a blank, or is long.
+    /// appended, when it holds other characters, or begins or ends with a blank.
     bool PutPlain(std::wstring_view text)
     {
         if (text.empty())
             return true;
-        if (text.size() > LongestPiece || text.front() == L' ' || text.back() == L' ')
+        if (text.front() == L' ' || text.back() == L' ')
             return false;
         EnsureCapacity(text.size());
-        // A loop without an early exit is vectorised.
-        std::uint32_t all = 0;
-        bool isPlain = true;
-        std::transform(text.begin(), text.end(), m_pending.begin() + m_count,
-                       [&all, &isPlain](wchar_t character) {
-                           const auto unit = static_cast<std::uint32_t>(character);
-                           all |= unit;
-                           isPlain &= PlainTable[unit % PlainTable.size()];
-                           return static_cast<char>(character);
-                       });
-        isPlain &= all < PlainTable.size();
-        m_count += isPlain ? text.size() : 0;
-        return isPlain;
+        if (!Narrow(text, m_next))
+            return false;
+        m_next += text.size();
+        return true;
     }
 
     /// The size of the text with all that was put.
-    std::size_t Size() const { return m_bytes.size() + m_count; }
-
-    /// The text with all that was put.
-    std::string& Flushed()
+    std::size_t Size() const { return static_cast<std::size_t>(m_next - m_bytes.data()); }
+    /// What was put from an offset on, valid until the next piece.
+    char* At(std::size_t offset) { return m_bytes.data() + offset; }
+    std::string_view From(std::size_t offset) const
     {
-        m_bytes.append(m_pending.data(), m_count);
-        m_count = 0;
-        return m_bytes;
+        return {m_bytes.data() + offset, Size() - offset};
+    }
+    /// Takes back what was put from an offset on.
+    void Truncate(std::size_t size) { m_next = m_bytes.data() + size; }
+    /// Inserts `count` bytes at an offset, which are to be filled.
+    void Insert(std::size_t offset, std::size_t count)
+    {
+        EnsureCapacity(count);
+        std::memmove(At(offset + count), At(offset), Size() - offset);
+        m_next += count;
+    }
+
+    /// Ends the text where the last piece ends.
+    void Trim()
+    {
+        m_bytes.resize(Size());
+        m_end = m_next;
+    }
+    /// The same before the text is changed.
+    template <class Change>
+    void AppendBy(Change change)
+    {
+        Trim();
+        change(m_bytes);
+        m_end = m_next = m_bytes.data() + m_bytes.size();
     }
 
 private:
-    static constexpr std::size_t PendingSize = 4096;
-    static constexpr std::size_t LongestPiece = 256;
+    static constexpr std::size_t ShortestStep = 1U << 10U;
+    static constexpr std::size_t LongestStep = 1U << 15U;
     static constexpr std::size_t LongestNumber = 32;
+    static constexpr std::ptrdiff_t PlaceCount = 12;
 
-    static constexpr std::array<bool, 128> PlainTable = [] {
-        std::array<bool, 128> table{};
-        for (std::size_t unit = 0x20; unit < 0x7F; ++unit)
-            table[unit] = unit != '&' && unit != '<' && unit != '>' && unit != '"' && unit != '\\';
-        return table;
+    static constexpr std::array<char, 200> DigitPairs = [] {
+        std::array<char, 200> pairs{};
+        for (std::size_t number = 0; number < 100; ++number) {
+            pairs[2 * number] = static_cast<char>('0' + number / 10);
+            pairs[2 * number + 1] = static_cast<char>('0' + number % 10);
+        }
+        return pairs;
     }();
 
-    // For most pieces a call of memcpy takes longer than the copy itself.
-    static void Copy(std::string_view piece, char* to)
+    // Not 0 for a character that may need an escape.
+    static unsigned IsSpecial(std::uint32_t unit)
     {
-        const std::size_t size = piece.size();
-        if (size > 2 * sizeof(std::uint64_t))
-            std::memcpy(to, piece.data(), size);
-        else if (size >= sizeof(std::uint64_t))
-            CopyEnds<std::uint64_t>(piece, to);
-        else if (size >= sizeof(std::uint32_t))
-            CopyEnds<std::uint32_t>(piece, to);
-        else
-            for (std::size_t index = 0; index < size; ++index)
-                to[index] = piece[index];
+        return unit - 0x20U > 0x5EU || unit == '&' || unit == '<' || unit == '>' || unit == '"' ||
+               unit == '\\';
     }
-    // Copies a word from either end; the two may overlap.
-    template <class Word>
-    static void CopyEnds(std::string_view piece, char* to)
+    // Narrows characters; not 0 when one of them may need an escape.
+    static unsigned NarrowEach(std::wstring_view text, char* to)
     {
-        const std::size_t last = piece.size() - sizeof(Word);
-        Word first = 0;
-        Word second = 0;
-        std::memcpy(&first, piece.data(), sizeof(Word));
-        std::memcpy(&second, piece.data() + last, sizeof(Word));
-        std::memcpy(to, &first, sizeof(Word));
-        std::memcpy(to + last, &second, sizeof(Word));
+        unsigned special = 0;
+        for (const wchar_t character : text) {
+            special |= IsSpecial(static_cast<std::uint32_t>(character));
+            *to++ = static_cast<char>(character);
+        }
+        return special;
+    }
+#if defined(__SSE2__) && __SIZEOF_WCHAR_T__ == 4
+    static constexpr std::size_t BlockSize = 16;
+
+    static unsigned NarrowBlock(const wchar_t* from, char* to)
+    {
+        const auto four = [from](std::size_t index) {
+            return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + index));
+        };
+        // What does not fit 16 bits, or 8, becomes a number that is special.
+        const __m128i bytes =
+            _mm_packus_epi16(_mm_packs_epi32(four(0), four(4)), _mm_packs_epi32(four(8), four(12)));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to), bytes);
+        const auto is = [bytes](char byte) { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(byte)); };
+        // As signed numbers, those from 0x80 up are below the blank.
+        __m128i special = _mm_cmplt_epi8(bytes, _mm_set1_epi8(' '));
+        for (const char byte : {'\x7F', '&', '<', '>', '"', '\\'})
+            special = _mm_or_si128(special, is(byte));
+        return static_cast<unsigned>(_mm_movemask_epi8(special));
+    }
+#else
+    static constexpr std::size_t BlockSize = 8;
+
+    static unsigned NarrowBlock(const wchar_t* from, char* to)
+    {
+        return NarrowEach({from, BlockSize}, to);
+    }
+#endif
+    // The last block overlaps the one before it.
+    static bool Narrow(std::wstring_view text, char* to)
+    {
+        if (text.size() < BlockSize)
+            return NarrowEach(text, to) == 0;
+        const std::size_t last = text.size() - BlockSize;
+        unsigned special = NarrowBlock(text.data() + last, to + last);
+        for (std::size_t index = 0; index < last; index += BlockSize)
+            special |= NarrowBlock(text.data() + index, to + index);
+        return special == 0;
     }
 
     void EnsureCapacity(std::size_t count)
     {
-        if (m_count + count > PendingSize)
-            Flushed();
+        if (static_cast<std::size_t>(m_end - m_next) < count)
+            Grow(count);
+    }
+    void Grow(std::size_t count)
+    {
+        const std::size_t size = Size();
+        m_bytes.resize(size + count + std::clamp(size, ShortestStep, LongestStep));
+        m_next = m_bytes.data() + size;
+        m_end = m_bytes.data() + m_bytes.size();
     }
 
     std::string& m_bytes;
-    std::size_t m_count = 0;
-    std::array<char, PendingSize> m_pending{};
+    char* m_next;
+    char* m_end;
 };
 
 } // namespace karmp::documents

@@ -1,6 +1,8 @@
 #include "KARMPStreamedTree.h"
 
+#include "KARMPContentItem.h"
 #include "KARMPDocumentRecords.h"
+#include "KARMPListedEntities.h"
 
 #include <new>
 #include <optional>
@@ -30,6 +32,10 @@ public:
         return IsWhole() ? KARMPDocumentWriter::Save(path) : KARFailure;
     }
     void ChildrenComplete() override { m_tree.ChildrenComplete(*this); }
+    bool WriteEntity(const KARMPEntity& entity, KARStatus& status) override
+    {
+        return m_tree.WriteEntity(*this, entity, status);
+    }
 
 private:
     KARMPSerializer* CreateChildElement() override { return Make(*m_childMemory, m_tree); }
@@ -43,7 +49,10 @@ StreamedTree::StreamedTree(std::wstring_view version, Doubles doubles, std::stri
                            const Limits& limits, Messages& messages, Messages* numbers)
     : m_bytes(bytes),
       m_before(bytes.size()),
+      m_limits(limits),
+      m_numbers(numbers),
       m_renderer(bytes, limits, messages, numbers),
+      m_text(m_renderer.Out(), doubles == Doubles::Exact),
       m_root(Node::Make(m_rootMemory, *this))
 {
     m_root->SetVersion(version);
@@ -81,6 +90,44 @@ void StreamedTree::ChildrenComplete(Node& node)
         node.SetChildMemory(memory);
         if (*depth + 1 == EntityDepth)
             m_progress.Step();
+    }
+}
+
+bool StreamedTree::WriteEntity(const Node& list, const KARMPEntity& entity, KARStatus& status)
+{
+    const Content* const content = m_classes.ContentOf(entity, list.Version());
+    if (content == nullptr || m_limits.nameLength < EntityText::LongestName)
+        return false;
+    if (content->leftOut != nullptr && content->leftOut(&entity)) {
+        status = KARSuccess;
+        return true;
+    }
+    if (!m_renderer.BeginChild(*m_root, list) ||
+        m_limits.depth < m_renderer.ChildDepth() + EntityText::LargestDepth)
+        return false;
+    const std::size_t begin = m_renderer.Out().Size();
+    m_text.Begin(m_renderer.ChildDepth());
+    status = m_text.Write(*content, entity, list.Version());
+    m_renderer.EndChild(m_text.ElementName());
+    if (m_numbers != nullptr && !m_text.NotFinite().empty())
+        TellOfNumbers(entity, begin);
+    return true;
+}
+
+void StreamedTree::TellOfNumbers(const KARMPEntity& entity, std::size_t begin)
+{
+    const std::wstring_view element = m_text.ElementName();
+    const std::string path = m_renderer.ChildPath(element);
+    const std::string_view text = m_renderer.Out().From(begin);
+    std::wstring identifier;
+    GetIdentifierOf(entity, identifier);
+    const std::wstring_view name =
+        KARMPSerializer::SerializeName() ? entity.getEntityName() : std::wstring_view();
+    for (const std::size_t offset : m_text.NotFinite()) {
+        const std::size_t end = offset - begin;
+        m_renderer.TellOfNumber(text.substr(end - 3, 3) == "nan",
+                                identifier.empty() ? "World" : TitleOf(element, name, identifier),
+                                path + PathWithin(text, end));
     }
 }
 

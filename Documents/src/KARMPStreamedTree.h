@@ -1,9 +1,11 @@
 #pragma once
 
 #include "KARMPDocumentWriter.h"
+#include "KARMPEntityText.h"
 #include "KARMPMessages.h"
 #include "KARMPNodeMemory.h"
 #include "KARMPProgressSteps.h"
+#include "KARMPWrittenClasses.h"
 #include "KARMPXmlRenderer.h"
 
 #include <memory>
@@ -36,10 +38,16 @@ private:
 
     NodeMemory& MemoryAt(std::size_t depth);
     void ChildrenComplete(Node& node);
+    bool WriteEntity(const Node& list, const KARMPEntity& entity, KARStatus& status);
+    void TellOfNumbers(const KARMPEntity& entity, std::size_t begin);
 
     std::string& m_bytes;
     std::size_t m_before;
+    const Limits& m_limits;
+    Messages* m_numbers;
     XmlRenderer m_renderer;
+    WrittenClasses m_classes;
+    EntityText m_text;
     /// The arenas of the children of an element, by its depth, once some of them were rendered.
     std::vector<std::unique_ptr<NodeMemory>> m_memories;
     NodeMemory m_rootMemory;

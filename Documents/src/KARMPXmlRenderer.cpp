@@ -75,6 +75,8 @@ std::optional<std::size_t> XmlRenderer::RenderChildren(const Node& root, const N
     const auto isNode = [&node](const Level& level) { return level.node == &node; };
     auto found = std::find_if(m_levels.begin(), m_levels.end(), isNode);
     if (found == m_levels.end()) {
+        if (IsLeaf(node))
+            return std::nullopt;
         const std::vector<const Node*> nodes = NodesToOpen(root, node);
         if (nodes.empty() || !OpenAll(nodes))
             return std::nullopt;
@@ -85,6 +87,33 @@ std::optional<std::size_t> XmlRenderer::RenderChildren(const Node& root, const N
         return std::nullopt;
     Count(depth);
     return depth;
+}
+
+bool XmlRenderer::BeginChild(const Node& root, const Node& node)
+{
+    if (m_failure)
+        return false;
+    if (m_levels.empty() || m_levels.back().node != &node) {
+        const std::vector<const Node*> nodes = NodesToOpen(root, node);
+        if (nodes.empty() || !OpenAll(nodes))
+            return false;
+    }
+    const Level& level = m_levels.back();
+    return !level.oneLine && level.next == node.GetElementCount();
+}
+
+void XmlRenderer::EndChild(std::wstring_view name)
+{
+    m_gone.resize(m_levels.size());
+    m_gone.back().Add(name);
+}
+
+std::string XmlRenderer::ChildPath(std::wstring_view name) const
+{
+    std::string path = Path() + '/';
+    AppendUtf8(path, name);
+    const std::size_t number = m_gone.back().CountOf(name);
+    return number > 1 ? path + '[' + std::to_string(number) + ']' : path;
 }
 
 bool XmlRenderer::Finish(const Node& root)
@@ -133,7 +162,8 @@ bool XmlRenderer::RenderDownTo(std::size_t count)
 bool XmlRenderer::End()
 {
     m_out.Put('\n');
-    if (m_out.Flushed().size() > m_limits.bytes) {
+    m_out.Trim();
+    if (m_out.Size() > m_limits.bytes) {
         return Fail(Code::TooLarge, "the document is larger than the limit of " +
                                         std::to_string(m_limits.bytes) + " bytes");
     }
@@ -146,7 +176,7 @@ bool XmlRenderer::End()
 std::vector<const XmlRenderer::Node*> XmlRenderer::NodesToOpen(const Node& root,
                                                                const Node& node) const
 {
-    if (IsLeaf(node) || IsGroupOfNumbers(node))
+    if (IsGroupOfNumbers(node))
         return {};
     std::vector<const Node*> nodes;
     const Node* last = &root;
@@ -176,7 +206,7 @@ bool XmlRenderer::OpenAll(const std::vector<const Node*>& nodes)
         } else {
             ++m_levels.back().next;
             NewLine();
-            opened = Open(*node);
+            opened = OpenElement(*node);
         }
         if (!opened)
             return false;
@@ -191,16 +221,25 @@ void XmlRenderer::Count(std::size_t depth)
     m_gone.resize(depth + 1);
     Gone& gone = m_gone[depth];
     const Level& level = m_levels[depth];
-    for (; gone.count < level.next; ++gone.count) {
-        const std::wstring_view name = Child(*level.node, gone.count)->GetId();
-        auto& names = gone.names;
-        auto known = std::find_if(names.rbegin(), names.rend(),
-                                  [name](const auto& entry) { return entry.first == name; });
-        if (known != names.rend())
-            ++known->second;
-        else
-            names.emplace_back(name, 1);
-    }
+    for (; gone.count < level.next; ++gone.count)
+        gone.Add(Child(*level.node, gone.count)->GetId());
+}
+
+void XmlRenderer::Gone::Add(std::wstring_view name)
+{
+    const auto known = std::find_if(names.rbegin(), names.rend(),
+                                    [name](const auto& entry) { return entry.first == name; });
+    if (known != names.rend())
+        ++known->second;
+    else
+        names.emplace_back(name, 1);
+}
+
+std::size_t XmlRenderer::Gone::CountOf(std::wstring_view name) const
+{
+    const auto known = std::find_if(names.begin(), names.end(),
+                                    [name](const auto& entry) { return entry.first == name; });
+    return known != names.end() ? known->second : 0;
 }
 
 // Writes an element that holds only a value and has a known name, as most do; false for any other.
@@ -226,18 +265,11 @@ bool XmlRenderer::Open(const Node& node)
 {
     if (PutLeaf(node))
         return true;
+    if (!IsLeaf(node))
+        return OpenElement(node);
     m_levels.push_back({&node, 0, 0, 0, false});
     if (!Start(node))
         return false;
-    if (!IsLeaf(node)) {
-        Level& level = m_levels.back();
-        level.attributes = node.GetAttributeCount();
-        level.attributesEnd = m_out.Size();
-        level.oneLine = IsGroupOfNumbers(node);
-        m_out.Put('>');
-        Value(node);
-        return true;
-    }
     bool closed = true;
     if (node.GetType() == Type::None) {
         m_out.Put("/>");
@@ -248,6 +280,20 @@ bool XmlRenderer::Open(const Node& node)
     }
     m_levels.pop_back();
     return closed;
+}
+
+bool XmlRenderer::OpenElement(const Node& node)
+{
+    m_levels.push_back({&node, 0, 0, 0, false});
+    if (!Start(node))
+        return false;
+    Level& level = m_levels.back();
+    level.attributes = node.GetAttributeCount();
+    level.attributesEnd = m_out.Size();
+    level.oneLine = IsGroupOfNumbers(node);
+    m_out.Put('>');
+    Value(node);
+    return true;
 }
 
 // Writes the start tag of the innermost element without its closing ">".
@@ -291,11 +337,7 @@ bool XmlRenderer::InsertAttributes(const Level& level)
     const std::size_t before = m_out.Size();
     if (!Attributes(*level.node, level.attributes))
         return false;
-    std::string& bytes = m_out.Flushed();
-    const auto at = [&bytes](std::size_t offset) {
-        return bytes.begin() + static_cast<std::ptrdiff_t>(offset);
-    };
-    std::rotate(at(level.attributesEnd), at(before), bytes.end());
+    std::rotate(m_out.At(level.attributesEnd), m_out.At(before), m_out.At(m_out.Size()));
     return true;
 }
 
@@ -419,7 +461,7 @@ bool XmlRenderer::FindDuplicateAttribute(const Node& node)
 void XmlRenderer::Text(std::wstring_view text, TextContext context)
 {
     if (!m_out.PutPlain(text))
-        AppendEscaped(m_out.Flushed(), text, context);
+        m_out.AppendBy([&](std::string& bytes) { AppendEscaped(bytes, text, context); });
 }
 
 void XmlRenderer::Value(const Node& node)
@@ -445,14 +487,12 @@ void XmlRenderer::Value(const Node& node)
 void XmlRenderer::Number(double number, const Node& node, std::wstring_view attribute)
 {
     m_out.PutNumber(number);
-    if (m_numbers != nullptr && !std::isfinite(number))
-        TellOfNumber(number, node, attribute);
+    if (m_numbers != nullptr && !std::isfinite(number) && !m_numbers->Full())
+        LocateNumber(number, node, attribute);
 }
 
-void XmlRenderer::TellOfNumber(double number, const Node& node, std::wstring_view attribute)
+void XmlRenderer::LocateNumber(double number, const Node& node, std::wstring_view attribute)
 {
-    if (m_numbers->Full())
-        return;
     const bool isLeaf = m_levels.empty() || m_levels.back().node != &node;
     if (isLeaf)
         m_levels.push_back({&node, 0, 0, 0, false});
@@ -464,10 +504,18 @@ void XmlRenderer::TellOfNumber(double number, const Node& node, std::wstring_vie
         path += "/@";
         AppendUtf8(path, attribute);
     }
-    const std::string what = Quoted(attribute.empty() ? node.GetId() : attribute);
+    TellOfNumber(std::isnan(number), title, std::move(path));
+}
+
+// The last name of the path is what holds the number.
+void XmlRenderer::TellOfNumber(bool isNan, const std::string& title, std::string path)
+{
+    if (m_numbers->Full())
+        return;
+    std::string name = path.substr(path.find_last_of("/@") + 1);
+    name.resize(std::min(name.size(), name.find('[')));
     m_numbers->Warning(Code::NotFinite,
-                       title + ": " + what +
-                           (std::isnan(number) ? " is no number" : " is infinite"),
+                       title + ": \"" + name + (isNan ? "\" is no number" : "\" is infinite"),
                        std::move(path));
 }
 
@@ -521,8 +569,7 @@ std::string XmlRenderer::Path() const
         if (depth <= m_gone.size()) {
             const Gone& gone = m_gone[depth - 1];
             index = gone.count;
-            for (const auto& [name, count] : gone.names)
-                total += name == node.GetId() ? count : 0U;
+            total = gone.CountOf(node.GetId());
         }
         for (; index < parent.GetElementCount(); ++index) {
             const Node* const sibling = Child(parent, index);

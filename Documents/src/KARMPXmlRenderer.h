@@ -36,6 +36,19 @@ public:
     /// freed then, and gives the node's depth below the root. Empty after an error, which Finish
     /// reports, or when content before the children may still change.
     std::optional<std::size_t> RenderChildren(const Node& root, const Node& node);
+    /// Lets the text of a further child of a node be appended to Out: false when what is before it
+    /// may still change, or after an error.
+    bool BeginChild(const Node& root, const Node& node);
+    /// The text so far.
+    ByteBuffer& Out() { return m_out; }
+    /// The depth of such a child below the root.
+    std::size_t ChildDepth() const { return m_levels.size(); }
+    /// Such a child of a name was appended.
+    void EndChild(std::wstring_view name);
+    /// The path of the last one.
+    std::string ChildPath(std::wstring_view name) const;
+    /// Warns of a number at a path that is not finite; `title` is that of its entity.
+    void TellOfNumber(bool isNan, const std::string& title, std::string path);
     /// Appends the rest of the tree. False after an error, with some of it appended.
     bool Finish(const Node& root);
 
@@ -55,6 +68,9 @@ private:
     {
         std::size_t count = 0;
         std::vector<std::pair<std::wstring, std::size_t>> names;
+
+        void Add(std::wstring_view name);
+        std::size_t CountOf(std::wstring_view name) const;
     };
     struct Failure
     {
@@ -84,6 +100,7 @@ private:
     bool OpenAll(const std::vector<const Node*>& way);
     void Count(std::size_t depth);
     bool Open(const Node& node);
+    bool OpenElement(const Node& node);
     bool PutLeaf(const Node& node);
     bool Start(const Node& node);
     bool Close();
@@ -97,7 +114,7 @@ private:
     void Text(std::wstring_view text, TextContext context);
     void Value(const Node& node);
     void Number(double number, const Node& node, std::wstring_view attribute);
-    void TellOfNumber(double number, const Node& node, std::wstring_view attribute);
+    void LocateNumber(double number, const Node& node, std::wstring_view attribute);
     std::string EntityTitle() const;
     void NewLine();
     bool Fail(Code code, std::string text);

@@ -1,0 +1,158 @@
+#pragma once
+
+#include "KARMPByteBuffer.h"
+#include "KARMPReferenceTexts.h"
+#include "KARMPTextEscapes.h"
+#include "KARStatus.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <string>
+#include <string_view>
+#include <vector>
+
+class KARMPEntity;
+
+namespace karmp {
+struct Content;
+}
+
+namespace karmp::documents {
+
+/// The text of entities, written by the lists of their contents without nodes: elements come in the
+/// order of the document. The text is the one that XmlRenderer makes of the nodes of the same
+/// content.
+class EntityText
+{
+public:
+    /// Doubles are kept as they are when `isExact`, otherwise snapped as by a tree.
+    EntityText(ByteBuffer& out, bool isExact);
+    EntityText(const EntityText&) = delete;
+    EntityText& operator=(const EntityText&) = delete;
+
+    /// The deepest element and the longest name of an entity.
+    static constexpr std::size_t LargestDepth = 24;
+    static constexpr std::size_t LongestName = 64;
+
+    /// Begins the text of an entity whose element is at a depth.
+    void Begin(std::size_t depth);
+    /// Appends an entity whose class has the content, and gives the status of writing it.
+    KARStatus Write(const Content& content, const KARMPEntity& entity, std::wstring_view version);
+    /// The name of the element that was written; empty when there is none.
+    std::wstring_view ElementName() const { return m_elementName; }
+    /// The offsets behind the numbers of the entity that are not finite.
+    const std::vector<std::size_t>& NotFinite() const { return m_notFinite; }
+
+private:
+    friend class TextElement;
+
+    /// A name or a word in bytes. They are literals of content lists, so that the address tells
+    /// one; a plain one is text as it is.
+    struct Name
+    {
+        const wchar_t* address = nullptr;
+        std::size_t length = 0;
+        std::size_t size = 0;
+        bool isPlain = false;
+        std::array<char, LongestName> bytes{};
+    };
+    enum class State : std::uint8_t {
+        Tag,   ///< The start tag is open.
+        Value, ///< There is a value and no child yet.
+        Group, ///< All children are numbers and stand on one line, unless others follow.
+        Lines  ///< Each child is on a line of its own.
+    };
+    /// An open element; the first one is the list that the entity is in.
+    struct Place
+    {
+        EntityText* text = nullptr;
+        const Name* name = nullptr;
+        std::size_t depth = 0;
+        std::size_t tagEnd = 0;
+        State state = State::Lines;
+    };
+    /// An axis system is the largest group of numbers on one line.
+    static constexpr std::size_t LargestGroup = 12;
+    static constexpr std::size_t SlotCount = 1024;
+
+    const Name& NameOf(std::wstring_view name)
+    {
+        std::size_t slot = (reinterpret_cast<std::uintptr_t>(name.data()) >> 2U) % SlotCount;
+        for (; m_names[slot] != nullptr; slot = (slot + 1) % SlotCount)
+            if (m_names[slot]->address == name.data() && m_names[slot]->length == name.size())
+                return *m_names[slot];
+        return AddName(name, slot);
+    }
+    const Name& AddName(std::wstring_view name, std::size_t slot);
+    void PutName(const Name& name)
+    {
+        constexpr std::size_t usual = 32;
+        if (name.size <= usual)
+            m_out.PutPadded<usual>(name.bytes.data(), name.size);
+        else
+            m_out.PutPadded<LongestName>(name.bytes.data(), name.size);
+    }
+    void PutEndTag(const Name& name)
+    {
+        m_out.PutPadded<2>("</", 2);
+        PutName(name);
+        m_out.Put('>');
+    }
+
+    /// Closes what is open within an element.
+    void CloseTo(const Place& place)
+    {
+        while (m_top != &place)
+            Close();
+    }
+    void Close();
+    /// Begins a child element of the innermost one: its start tag without attributes.
+    void BeginTag(const Name& name, bool isNumber)
+    {
+        Place& parent = *m_top;
+        if (parent.state != State::Lines || isNumber)
+            BeginChild(parent, isNumber);
+        else
+            NewLine(parent.depth);
+        m_out.Put('<');
+        PutName(name);
+    }
+    void BeginChild(Place& parent, bool isNumber);
+    Place& Open(const Name& name);
+    void NewLine(std::size_t depth);
+    void Spread(const Place& group);
+    void BeginAttribute(const Name& name)
+    {
+        m_out.Put(' ');
+        PutName(name);
+        m_out.PutPadded<2>("=\"", 2);
+    }
+    void EndLateAttribute(Place& place, std::size_t begin);
+
+    void PutText(std::wstring_view text, TextContext context);
+    void PutBool(bool value) { m_out.Put(value ? std::string_view("true") : "false"); }
+    void PutDouble(double value);
+    void PutReference(const KARMPEntity& entity, bool withName);
+
+    ByteBuffer& m_out;
+    const bool m_isExact;
+    Place* m_top;
+    std::array<Place, LargestDepth> m_places;
+    std::array<const Name*, SlotCount> m_names{};
+    std::deque<Name> m_known;
+    std::array<std::size_t, LargestGroup> m_group{};
+    std::size_t m_groupCount = 0;
+    ReferenceTexts m_references;
+    /// Keeps its capacity from one late attribute to the next.
+    std::string m_late;
+    std::wstring_view m_elementName;
+    std::vector<std::size_t> m_notFinite;
+};
+
+/// The path of the value that ends at an offset in the text of an entity, below the entity's own
+/// element: names, each with "/" before it.
+std::string PathWithin(std::string_view entity, std::size_t offset);
+
+} // namespace karmp::documents
