@@ -1,0 +1,350 @@
+// Entities are written by the lists of their contents, without nodes, or by their own operations as
+// nodes: both give the same bytes and the same failed checks.
+#include "EnvironmentVariable.h"
+#include "ExtractionTesting.h"
+#include "FilledWorld.h"
+#include "KARMPConstraintParameter.h"
+#include "KARMPDocumentWriter.h"
+#include "KARMPDocuments.h"
+#include "KARMPEntities.h"
+#include "KARMPStreamedTree.h"
+#include "KARMPTestFixture.h"
+#include "KARMPWrittenClasses.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <limits>
+#include <random>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace karmp::documents {
+
+namespace {
+
+constexpr double Infinity = std::numeric_limits<double>::infinity();
+
+/// Notes the failed checks and keeps them from listeners around it.
+class Reports final : private KARMPFailedCheckListener
+{
+public:
+    std::vector<std::pair<std::string, int>> told;
+
+private:
+    void OnFailedCheck(const char* file, int line) override { told.emplace_back(file, line); }
+};
+
+SaveOptions OptionsOf(std::wstring_view version, Doubles doubles)
+{
+    SaveOptions options;
+    options.version = version;
+    options.doubles = doubles;
+    options.check = false;
+    return options;
+}
+
+std::string TextOf(const Diagnostics& diagnostics)
+{
+    std::string text;
+    for (const Diagnostic& item : diagnostics.items)
+        text += Format(item) + '\n';
+    return text;
+}
+
+class EntityTexts : public KARMPTestFixture
+{
+protected:
+    /// Expects the same of both, and gives the text.
+    static std::string ExpectSame(const QOBSharedHandle<KARMPWorld>& world,
+                                  std::wstring_view version = CurrentVersion,
+                                  Doubles doubles = Doubles::Snapped)
+    {
+        std::string text;
+        Diagnostics diagnostics;
+        Messages messages(diagnostics, {}, 1);
+        const Limits limits;
+        const Reports told;
+        {
+            StreamedTree tree(version, doubles, text, limits, messages);
+            EXPECT_EQ(world->Serialize(&tree.Root()), KARSuccess);
+            EXPECT_TRUE(tree.Finish());
+        }
+        KARMPDocumentWriter nodes(version, doubles);
+        const Reports toldOfNodes;
+        EXPECT_EQ(world->Serialize(&nodes), KARSuccess);
+        std::string rendered;
+        EXPECT_TRUE(nodes.RenderXml(rendered).items.empty());
+        EXPECT_TRUE(text == rendered) << Difference(text, rendered);
+        EXPECT_EQ(told.told, toldOfNodes.told);
+        return text;
+    }
+
+    static std::string Difference(const std::string& text, const std::string& rendered)
+    {
+        const auto at = std::mismatch(text.begin(), text.end(), rendered.begin(), rendered.end());
+        const auto offset = static_cast<std::size_t>(at.first - text.begin());
+        const std::size_t from = offset - std::min<std::size_t>(offset, 200);
+        return text.substr(from, 300) + "\n--- as nodes:\n" + rendered.substr(from, 300);
+    }
+
+    static std::vector<std::filesystem::path> Documents()
+    {
+        std::vector<std::filesystem::path> paths{KARMP_EVERY_CLASS};
+        for (const auto& entry : std::filesystem::directory_iterator(KARMP_EXAMPLE_DOCUMENTS))
+            paths.push_back(entry.path());
+        return paths;
+    }
+
+    const QOBSharedHandle<QOBBasicWorld> m_basicWorld = QOBBasicWorld::create(L"Model");
+    const QOBSharedHandle<KARMPWorld> m_world = KARMPWorld::create(m_basicWorld);
+
+    template <class Family, class T>
+    QOBSharedHandle<T> File(const QOBSharedHandle<T>& entity, const std::wstring& identifier)
+    {
+        entity->SetIdentifier(identifier);
+        m_basicWorld->addLogicalChild(entity);
+        m_world->Add<Family>(entity);
+        return entity;
+    }
+    QOBSharedHandle<KARMPBody> AddBody(const std::wstring& name)
+    {
+        return File<KARMPBody>(KARMPBody::create(name), name);
+    }
+};
+
+/// A body of a caller, whose element holds more; it writes some of it out of order.
+class OwnBody : public KARMPBody
+{
+public:
+    static QOBSharedHandle<KARMPBody> Make(const std::wstring& name)
+    {
+        auto* const body = new OwnBody;
+        body->setEntityName(name);
+        return QOBSharedHandle<KARMPBody>(body);
+    }
+    KARStatus Serialize(KARMPSerializer* serializer) const override
+    {
+        KARMPSerializer* first = nullptr;
+        serializer->AddElement(L"First", first);
+        const KARStatus status = KARMPBody::Serialize(serializer);
+        KARMPSerializer* later = nullptr;
+        first->AddElement(L"Later", later, 1.5);
+        serializer->AddAttribute(getEntityName(), true);
+        return status;
+    }
+};
+
+/// A parameter that writes itself in its own way.
+class OwnParameter : public KARMPConstraintParameter
+{
+public:
+    OwnParameter() { SetInitialized(true); }
+    KARStatus Serialize(KARMPSerializer* serializer) const override
+    {
+        serializer->AddAttribute(L"own", 1);
+        return KARMPConstraintParameter::Serialize(serializer);
+    }
+};
+
+} // namespace
+
+TEST_F(EntityTexts, AreThoseOfNodesForEveryClassAtEveryVersion)
+{
+    const EnvironmentVariable outputs("MOT_DUMP_OUTPUTS", "1");
+    for (const Filling filling : {Filling::Full, Filling::Nothing}) {
+        for (const std::string& name : MadeClasses()) {
+            SCOPED_TRACE(name);
+            const FilledWorld filled(name, filling);
+            for (const std::wstring_view version : KnownVersions())
+                for (const Doubles doubles : {Doubles::Snapped, Doubles::Exact})
+                    ExpectSame(filled.world, version, doubles);
+        }
+    }
+}
+
+TEST_F(EntityTexts, AreThoseOfNodesForEveryDocument)
+{
+    for (const std::filesystem::path& path : Documents()) {
+        SCOPED_TRACE(path.string());
+        const LoadResult loaded = LoadFile(path);
+        ASSERT_TRUE(loaded.world);
+        for (const std::wstring_view version : KnownVersions())
+            ExpectSame(loaded.world, version);
+    }
+}
+
+// The others have code of their own or write nothing.
+TEST_F(EntityTexts, AreWrittenForNearlyAllClasses)
+{
+    WrittenClasses classes;
+    std::vector<std::string> others;
+    for (const std::string& name : MadeClasses()) {
+        const FilledWorld filled(name, Filling::Nothing);
+        if (classes.ContentOf(*filled.entity, CurrentVersion) == nullptr)
+            others.push_back(name);
+    }
+    EXPECT_EQ(others, (std::vector<std::string>{"KARMPCurve", "KARMPDiagnostic", "KARMPExpression",
+                                                "KARMPLinearEquation", "KARMPMotor", "KARMPScrew",
+                                                "KARMPSketchFunction", "KARMPSpatialForceActuator",
+                                                "KARMPSpatialForceActuator2D", "KARMPSurface"}));
+}
+
+TEST_F(EntityTexts, HoldNumbersOfEverySize)
+{
+    std::mt19937_64 random(1);
+    std::uniform_real_distribution<double> digits(-1.0, 1.0);
+    std::uniform_int_distribution<int> exponents(-16, 20);
+    std::vector<double> numbers{0.0,     -0.0,    1.0,       -1.0,        0.1,      1e-12,
+                                5e-13,   4.9e-13, 1e-3,      9.99e-4,     999.0,    1000.0,
+                                999.999, 1e300,   123456789, 0.1 + 0.2,   1.0 / 3,  1e15,
+                                1e16,    1e22,    1e-4,      0.000999999, 999.9999, -1e-3};
+    for (int count = 0; count < 5000; ++count)
+        numbers.push_back(digits(random) * std::pow(10.0, exponents(random)));
+    for (int count = 0; count < 5000; ++count)
+        numbers.push_back(std::round(digits(random) * 1e6) / 1e6);
+    for (std::size_t number = 0; number < numbers.size(); number += 2) {
+        const auto point = KARMPPoint::create(L"p");
+        point->SetPoint(KARMathPoint(numbers[number], numbers[number + 1], -numbers[number]));
+        File<KARMPGeometry>(point, std::to_wstring(number));
+    }
+    ExpectSame(m_world);
+    ExpectSame(m_world, CurrentVersion, Doubles::Exact);
+    const EnvironmentVariable precise("SERIALIZATION_PRECISION", "1");
+    ExpectSame(m_world);
+}
+
+TEST_F(EntityTexts, HoldTextsOfEveryKind)
+{
+    const std::wstring texts[] = {L"",
+                                  L" ",
+                                  L"plain text of a name",
+                                  L" a blank before",
+                                  L"a blank behind ",
+                                  L"a & b <c> \"d\" \\ \\x{5C}",
+                                  L"seven",
+                                  L"sixteen letters!",
+                                  L"seventeen letters",
+                                  std::wstring(500, L'x'),
+                                  std::wstring(40, L'x') + L"\u00E9",
+                                  L"\x7F\x80 and a line\nend",
+                                  L"\U0001F600 \uFFFE",
+                                  L"0123456789abcde\u0100",
+                                  L"0123456789abcde\U00010041"};
+    int number = 0;
+    for (const std::wstring& text : texts) {
+        const auto body = AddBody(text + std::to_wstring(++number));
+        body->setEntityName(text);
+        const auto point = File<KARMPGeometry>(KARMPPoint::create(text), text + L" point");
+        point->SetBody(body);
+        body->AddGeometry(point);
+    }
+    ExpectSame(m_world);
+}
+
+TEST_F(EntityTexts, TakeWhatACallersClassWritesAmongThem)
+{
+    const auto first = AddBody(L"first");
+    for (const wchar_t* const name : {L"own", L"other"})
+        File<KARMPBody>(OwnBody::Make(name), name);
+    AddBody(L"last");
+    const std::string text = ExpectSame(m_world);
+    EXPECT_NE(text.find("<Bodies own=\"true\" other=\"true\">"), std::string::npos) << text;
+    EXPECT_NE(text.find("<First><Later>1.5</Later></First>"), std::string::npos) << text;
+}
+
+TEST_F(EntityTexts, LeaveParametersToTheirOwnOperations)
+{
+    const auto constraint = File<KARMPConstraint>(KARMPCoincidence::create(L"c"), L"c");
+    EXPECT_EQ(ExpectSame(m_world).find("ConstraintParameters"), std::string::npos);
+    constraint->AddConstraintParameter(new OwnParameter);
+    EXPECT_NE(ExpectSame(m_world).find("<ConstraintParameters own=\"1\">"), std::string::npos);
+}
+
+TEST_F(EntityTexts, AttributesComeBeforeWhatWasWrittenBefore)
+{
+    const auto body = AddBody(L"body");
+    for (int number = 0; number < 3; ++number) {
+        const auto parameter =
+            File<KARMPAttribute>(KARMPParameter::create(L"p"), L"p" + std::to_wstring(number));
+        body->AddParameter(parameter);
+    }
+    EXPECT_NE(ExpectSame(m_world).find("is_fixed=\"no\">\n    <Parameters>"), std::string::npos);
+}
+
+TEST_F(EntityTexts, FailedChecksAreToldOnceEach)
+{
+    const auto joint = File<KARMPJoint>(KARMPRevolute::create(L"joint"), L"joint");
+    const auto spring = File<KARMPConnector>(KARMPLinearSpring::create(L"spring"), L"spring");
+    const auto curve = File<KARMPGeometry>(KARMPCurve::create(L"curve"), L"curve");
+    const auto value = File<KARMPValue>(KARMPConstant::create(L"value"), L"value");
+    ExpectSame(m_world);
+    const Reports told;
+    ExpectSame(m_world);
+    KARMPDocumentWriter nodes;
+    m_world->Serialize(&nodes);
+    EXPECT_FALSE(told.told.empty());
+}
+
+TEST_F(EntityTexts, ALimitIsExceededAsByNodes)
+{
+    for (int count = 0; count < 3; ++count)
+        AddBody(L"body" + std::to_wstring(count));
+    KARMPDocumentWriter nodes;
+    m_world->Serialize(&nodes);
+    SaveOptions options = OptionsOf(CurrentVersion, Doubles::Snapped);
+    const auto expectSame = [&] {
+        std::string rendered;
+        std::string text;
+        EXPECT_EQ(TextOf(SaveText(m_world, text, options)),
+                  TextOf(nodes.RenderXml(rendered, options.limits)));
+        EXPECT_EQ(text, rendered);
+    };
+    for (options.limits.depth = 0; options.limits.depth < 40; ++options.limits.depth)
+        expectSame();
+    options.limits = Limits();
+    for (options.limits.nameLength = 0; options.limits.nameLength < 70; ++options.limits.nameLength)
+        expectSame();
+    options.limits = Limits();
+    std::string whole;
+    EXPECT_FALSE(SaveText(m_world, whole, options).HasErrors());
+    for (const std::size_t size : {whole.size() - 1, whole.size()}) {
+        options.limits.bytes = size;
+        expectSame();
+    }
+}
+
+TEST_F(EntityTexts, NumbersThatAreNotFiniteAreToldOfWithTheirPaths)
+{
+    const auto fill = [](KARMPBody& body) {
+        body.SetMass(Infinity);
+        body.SetCenterOfGravity(KARMathPoint(0.5, std::nan(""), 0.25));
+        KARMathTransformation position;
+        position.SetVector(KARMathVector(0, 0, -Infinity));
+        body.SetPosition(position, 0);
+    };
+    // What a caller's class writes are nodes.
+    class AsNodes : public KARMPBody
+    {};
+    AddBody(L"first");
+    fill(*AddBody(L"body"));
+    SaveOptions options;
+    std::string text;
+    const std::string told = TextOf(SaveText(m_world, text, options));
+    EXPECT_NE(told.find("Body \"body\" [body]: \"Mass\" is infinite"), std::string::npos) << told;
+    EXPECT_NE(told.find("/KARMPDocument/World/Bodies/Body[3]/Weight/Mass"), std::string::npos);
+    EXPECT_NE(told.find("/Bodies/Body[3]/Weight/COG/Py"), std::string::npos) << told;
+    EXPECT_NE(told.find("/Bodies/Body[3]/Position/Translation/Vz"), std::string::npos) << told;
+    QOBSharedHandle<KARMPBody> body;
+    m_world->Get(2, body);
+    m_world->Remove<KARMPBody>(body);
+    const QOBSharedHandle<KARMPBody> nodes(new AsNodes);
+    nodes->setEntityName(L"body");
+    fill(*File<KARMPBody>(nodes, L"body"));
+    EXPECT_EQ(TextOf(SaveText(m_world, text, options)), told);
+}
+
+} // namespace karmp::documents
