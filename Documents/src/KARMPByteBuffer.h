@@ -9,6 +9,7 @@
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 #ifdef __SSE2__
 #    include <emmintrin.h>
@@ -55,15 +56,14 @@ public:
         m_next += size;
     }
 
-    /// Appends a piece of any size behind which so many bytes may be read.
-    template <std::size_t Slack>
-    void PutWithSlack(std::string_view piece)
+    /// Where up to `count` bytes may be put that End is told of.
+    char* Begin(std::size_t count)
     {
-        EnsureCapacity(piece.size() + Slack);
-        for (std::size_t done = 0; done < piece.size(); done += Slack)
-            std::memcpy(m_next + done, piece.data() + done, Slack);
-        m_next += piece.size();
+        EnsureCapacity(count);
+        return m_next;
     }
+    /// Appends what was put up to an address.
+    void End(char* end) { m_next = end; }
 
     /// Appends the shortest form that reads back the same.
     template <class Number>
@@ -87,7 +87,11 @@ public:
     void PutDecimal(std::uint64_t units)
     {
         EnsureCapacity(LongestNumber);
-        m_next = std::to_chars(m_next, m_next + LongestNumber, units / OneInUnits).ptr;
+        const std::uint64_t ones = units / OneInUnits;
+        if (ones < 10)
+            *m_next++ = static_cast<char>('0' + ones);
+        else
+            m_next = std::to_chars(m_next, m_next + LongestNumber, ones).ptr;
         std::uint64_t places = units % OneInUnits;
         if (places == 0)
             return;
@@ -105,11 +109,12 @@ public:
 
     /// Appends a text of ASCII characters that need no escape anywhere; false, with nothing
     /// appended, when it holds other characters, or begins or ends with a blank.
-    bool PutPlain(std::wstring_view text)
+    template <class Char>
+    bool PutPlain(std::basic_string_view<Char> text)
     {
         if (text.empty())
             return true;
-        if (text.front() == L' ' || text.back() == L' ')
+        if (text.front() == ' ' || text.back() == ' ')
             return false;
         EnsureCapacity(text.size());
         if (!Narrow(text, m_next))
@@ -173,11 +178,13 @@ private:
                unit == '\\';
     }
     // Narrows characters; not 0 when one of them may need an escape.
-    static unsigned NarrowEach(std::wstring_view text, char* to)
+    template <class Char>
+    static unsigned NarrowEach(std::basic_string_view<Char> text, char* to)
     {
         unsigned special = 0;
-        for (const wchar_t character : text) {
-            special |= IsSpecial(static_cast<std::uint32_t>(character));
+        for (const Char character : text) {
+            const auto unit = static_cast<std::make_unsigned_t<Char>>(character);
+            special |= IsSpecial(static_cast<std::uint32_t>(unit));
             *to++ = static_cast<char>(character);
         }
         return special;
@@ -185,6 +192,36 @@ private:
 #if defined(__SSE2__) && __SIZEOF_WCHAR_T__ == 4
     static constexpr std::size_t BlockSize = 16;
 
+    static unsigned Special(__m128i bytes)
+    {
+        const auto is = [bytes](char byte) { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(byte)); };
+        // As signed numbers, those from 0x80 up are below the blank.
+        __m128i special = _mm_cmplt_epi8(bytes, _mm_set1_epi8(' '));
+        for (const char byte : {'\x7F', '&', '<', '>', '"', '\\'})
+            special = _mm_or_si128(special, is(byte));
+        return static_cast<unsigned>(_mm_movemask_epi8(special));
+    }
+    static unsigned NarrowBlock(const char* from, char* to)
+    {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to), bytes);
+        return Special(bytes);
+    }
+    // 8 to 15 bytes by words from either end, which overlap.
+    static unsigned NarrowEach(std::string_view text, char* to)
+    {
+        if (text.size() < sizeof(std::uint64_t))
+            return NarrowEach<char>(text, to);
+        const std::size_t last = text.size() - sizeof(std::uint64_t);
+        const auto copy = [&text, to](std::size_t index) {
+            const __m128i word =
+                _mm_loadl_epi64(reinterpret_cast<const __m128i*>(text.data() + index));
+            _mm_storel_epi64(reinterpret_cast<__m128i*>(to + index), word);
+            return word;
+        };
+        const __m128i first = copy(0);
+        return Special(_mm_unpacklo_epi64(first, copy(last)));
+    }
     static unsigned NarrowBlock(const wchar_t* from, char* to)
     {
         const auto four = [from](std::size_t index) {
@@ -194,23 +231,20 @@ private:
         const __m128i bytes =
             _mm_packus_epi16(_mm_packs_epi32(four(0), four(4)), _mm_packs_epi32(four(8), four(12)));
         _mm_storeu_si128(reinterpret_cast<__m128i*>(to), bytes);
-        const auto is = [bytes](char byte) { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(byte)); };
-        // As signed numbers, those from 0x80 up are below the blank.
-        __m128i special = _mm_cmplt_epi8(bytes, _mm_set1_epi8(' '));
-        for (const char byte : {'\x7F', '&', '<', '>', '"', '\\'})
-            special = _mm_or_si128(special, is(byte));
-        return static_cast<unsigned>(_mm_movemask_epi8(special));
+        return Special(bytes);
     }
 #else
     static constexpr std::size_t BlockSize = 8;
 
-    static unsigned NarrowBlock(const wchar_t* from, char* to)
+    template <class Char>
+    static unsigned NarrowBlock(const Char* from, char* to)
     {
-        return NarrowEach({from, BlockSize}, to);
+        return NarrowEach(std::basic_string_view<Char>(from, BlockSize), to);
     }
 #endif
     // The last block overlaps the one before it.
-    static bool Narrow(std::wstring_view text, char* to)
+    template <class Char>
+    static bool Narrow(std::basic_string_view<Char> text, char* to)
     {
         if (text.size() < BlockSize)
             return NarrowEach(text, to) == 0;

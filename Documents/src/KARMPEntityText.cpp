@@ -15,8 +15,6 @@ namespace karmp::documents {
 
 namespace {
 
-// Deeper elements are not indented further, so that the text of a deep tree stays linear.
-constexpr std::size_t DeepestIndentation = 100;
 // Below this quotient the units of the grid are counted exactly, and a decimal number of that many
 // digits is the shortest form of the double nearest to it.
 constexpr double MostUnits = 999'999'999'999'999.0;
@@ -69,7 +67,10 @@ KARStatus WriteText(const Content& content, const KARMPEntity& entity, std::wstr
             return WriteText(content.base(), entity, version, element);
         },
         [&](TextElement& element, bool baseFailed) {
-            ContentWriter<TextElement>(&entity, version).Walk(content.items, element, baseFailed);
+            const std::size_t written =
+                content.base == nullptr ? element.Names(content, entity) : 0;
+            ContentWriter<TextElement>(&entity, version)
+                .Walk(content.items.subspan(written), element, baseFailed);
         });
 }
 
@@ -84,47 +85,30 @@ KARStatus EntityText::Write(const Content& content, const KARMPEntity& entity,
     return status;
 }
 
-void EntityText::NewLine(std::size_t depth)
-{
-    static constexpr std::array<char, 1 + DeepestIndentation> line = [] {
-        std::array<char, 1 + DeepestIndentation> blank{};
-        blank.fill(' ');
-        blank.front() = '\n';
-        return blank;
-    }();
-    constexpr std::size_t usual = 16;
-    const std::size_t size = 1 + std::min(depth, DeepestIndentation);
-    if (size <= usual)
-        m_out.PutPadded<usual>(line.data(), size);
-    else
-        m_out.Put(std::string_view(line.data(), size));
-}
-
 // Whether the children of an element stand on one line is known when the last one is there; until
-// then numbers do.
-void EntityText::BeginChild(Place& parent, bool isNumber)
+// then numbers do. True when the child stands on the line of the element.
+bool EntityText::BeginChild(Place& parent, bool isNumber)
 {
     if (parent.state == State::Tag) {
         parent.tagEnd = m_out.Size();
         m_out.Put('>');
-        parent.state = isNumber ? State::Group : State::Lines;
         m_groupCount = 0;
-    } else if (parent.state == State::Value) {
-        parent.state = State::Lines;
-    } else if (parent.state == State::Group && (!isNumber || m_groupCount == LargestGroup)) {
+        if (isNumber) {
+            parent.state = State::Group;
+            m_group[m_groupCount++] = m_out.Size();
+            return true;
+        }
+    } else if (parent.state == State::Group) {
         Spread(parent);
-        parent.state = State::Lines;
     }
-    if (parent.state == State::Group)
-        m_group[m_groupCount++] = m_out.Size();
-    else
-        NewLine(parent.depth);
+    parent.state = State::Lines;
+    return false;
 }
 
 // Puts each child of a group on a line of its own.
 void EntityText::Spread(const Place& group)
 {
-    const std::size_t indentation = 1 + std::min(group.depth, DeepestIndentation);
+    const std::size_t indentation = std::min(1 + group.depth, LongestLineStart);
     std::size_t moved = m_groupCount * indentation;
     for (std::size_t& offset : m_notFinite)
         offset += indentation * static_cast<std::size_t>(std::count_if(
@@ -165,7 +149,7 @@ void EntityText::Close()
         return;
     }
     if (place.state == State::Lines)
-        NewLine(m_top->depth);
+        m_out.End(StartLine(m_top->depth, m_out.Begin(LongestLineStart)));
     PutEndTag(*place.name);
 }
 
@@ -194,56 +178,62 @@ void EntityText::PutText(std::wstring_view text, TextContext context)
         m_out.AppendBy([&](std::string& bytes) { AppendEscaped(bytes, text, context); });
 }
 
+// Most numbers of a model are 0 and 1, and stay so on the grid; a negative zero does not.
 void EntityText::PutDouble(double value)
 {
-    if (value == 0.0 && (!m_isExact || !std::signbit(value))) {
+    if (value == 0.0 && (!m_isExact || !std::signbit(value)))
         m_out.Put('0');
-        return;
-    }
-    if (m_isExact) {
+    else if (value == 1.0)
+        m_out.Put('1');
+    else if (m_isExact)
         m_out.PutNumber(value);
-    } else {
-        const double snapped = SnapToGrid(value);
-        const double units = std::fabs(snapped) * UnitsInOne + 0.5;
-        const auto whole = units < MostUnits ? static_cast<std::uint64_t>(units) : 0U;
-        const double magnitude = std::fabs(snapped);
-        if (magnitude >= LeastPlain && static_cast<double>(whole) / UnitsInOne == magnitude) {
-            if (snapped < 0)
-                m_out.Put('-');
-            m_out.PutDecimal(whole);
-            return;
-        }
-        m_out.PutNumber(snapped);
-    }
+    else
+        PutSnapped(value);
     if (!std::isfinite(value))
         m_notFinite.push_back(m_out.Size());
 }
 
+// The operations are those of SnapToGrid.
+void EntityText::PutSnapped(double value)
+{
+    const double rounded = std::fabs(value / Grid) + 0.5;
+    if (!(rounded < MostUnits) || std::fabs(value) < Grid) {
+        m_out.PutNumber(SnapToGrid(value));
+        return;
+    }
+    const auto units = static_cast<std::uint64_t>(rounded);
+    const double snapped = static_cast<double>(units) * Grid;
+    if (snapped >= LeastPlain && static_cast<double>(units) / UnitsInOne == snapped) {
+        if (value < 0)
+            m_out.Put('-');
+        m_out.PutDecimal(units);
+    } else {
+        m_out.PutNumber(value < 0 ? -snapped : snapped);
+    }
+}
+
+void EntityText::PutStored(const kar::SharedText& text)
+{
+    if (text.IsNarrow() && m_out.PutPlain(text.Narrow()))
+        return;
+    const kar::SharedText::Wide wide(text);
+    m_out.AppendBy(
+        [&](std::string& bytes) { AppendEscaped(bytes, wide.View(), TextContext::Attribute); });
+}
+
 void EntityText::PutReference(const KARMPEntity& entity, bool withName)
 {
-    // The other form is needed only where names are left out, and then for few.
-    const bool isUsual = withName == KARMPSerializer::SerializeName();
-    if (isUsual) {
-        const std::string_view known = m_references.Find(&entity);
-        if (!known.empty()) {
-            m_out.PutWithSlack<ReferenceTexts::Slack>(known);
-            return;
-        }
-    }
-    const std::size_t begin = m_out.Size();
-    const std::wstring* identifier = nullptr;
+    const kar::SharedText* identifier = nullptr;
     if (!KARFailed(EntityAccess::Identifier(entity, identifier))) {
         m_out.PutPadded<5>(" id=\"", 5);
-        PutText(*identifier, TextContext::Attribute);
+        PutStored(*identifier);
         m_out.Put('"');
     }
     if (withName) {
         m_out.PutPadded<7>(" name=\"", 7);
-        PutText(entity.getEntityName(), TextContext::Attribute);
+        PutStored(entity.getStoredName());
         m_out.Put('"');
     }
-    if (isUsual && identifier != nullptr)
-        m_references.Add(&entity, m_out.From(begin));
 }
 
 std::string PathWithin(std::string_view entity, std::size_t offset)

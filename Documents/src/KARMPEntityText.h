@@ -1,13 +1,14 @@
 #pragma once
 
 #include "KARMPByteBuffer.h"
-#include "KARMPReferenceTexts.h"
 #include "KARMPTextEscapes.h"
 #include "KARStatus.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <deque>
 #include <string>
 #include <string_view>
@@ -15,6 +16,9 @@
 
 class KARMPEntity;
 
+namespace kar {
+class SharedText;
+}
 namespace karmp {
 struct Content;
 }
@@ -76,6 +80,14 @@ private:
     /// An axis system is the largest group of numbers on one line.
     static constexpr std::size_t LargestGroup = 12;
     static constexpr std::size_t SlotCount = 1024;
+    /// Deeper elements are not indented further.
+    static constexpr std::size_t LongestLineStart = 101;
+    static constexpr std::array<char, LongestLineStart> LineStart = [] {
+        std::array<char, LongestLineStart> line{};
+        line.fill(' ');
+        line.front() = '\n';
+        return line;
+    }();
 
     const Name& NameOf(std::wstring_view name)
     {
@@ -86,19 +98,23 @@ private:
         return AddName(name, slot);
     }
     const Name& AddName(std::wstring_view name, std::size_t slot);
-    void PutName(const Name& name)
+    static char* Copy(const Name& name, char* to)
     {
         constexpr std::size_t usual = 32;
-        if (name.size <= usual)
-            m_out.PutPadded<usual>(name.bytes.data(), name.size);
-        else
-            m_out.PutPadded<LongestName>(name.bytes.data(), name.size);
+        std::memcpy(to, name.bytes.data(), usual);
+        if (name.size > usual)
+            std::memcpy(to + usual, name.bytes.data() + usual, LongestName - usual);
+        return to + name.size;
     }
+    void PutName(const Name& name) { m_out.End(Copy(name, m_out.Begin(LongestName))); }
     void PutEndTag(const Name& name)
     {
-        m_out.PutPadded<2>("</", 2);
-        PutName(name);
-        m_out.Put('>');
+        char* to = m_out.Begin(LongestName + 3);
+        *to++ = '<';
+        *to++ = '/';
+        to = Copy(name, to);
+        *to++ = '>';
+        m_out.End(to);
     }
 
     /// Closes what is open within an element.
@@ -111,17 +127,32 @@ private:
     /// Begins a child element of the innermost one: its start tag without attributes.
     void BeginTag(const Name& name, bool isNumber)
     {
-        Place& parent = *m_top;
-        if (parent.state != State::Lines || isNumber)
-            BeginChild(parent, isNumber);
-        else
-            NewLine(parent.depth);
-        m_out.Put('<');
-        PutName(name);
+        const Place& parent = *m_top;
+        bool isOnLine = false;
+        if (parent.state == State::Group && isNumber && m_groupCount < LargestGroup) {
+            m_group[m_groupCount++] = m_out.Size();
+            isOnLine = true;
+        } else if (parent.state != State::Lines) {
+            isOnLine = BeginChild(*m_top, isNumber);
+        }
+        char* to = m_out.Begin(LongestLineStart + LongestName + 1);
+        if (!isOnLine)
+            to = StartLine(parent.depth, to);
+        *to++ = '<';
+        m_out.End(Copy(name, to));
     }
-    void BeginChild(Place& parent, bool isNumber);
+    /// Begins a line at the indentation of the children of an element at a depth.
+    static char* StartLine(std::size_t depth, char* to)
+    {
+        constexpr std::size_t usual = 16;
+        const std::size_t size = 1 + std::min(depth, LongestLineStart - 1);
+        std::memcpy(to, LineStart.data(), usual);
+        if (size > usual)
+            std::memcpy(to + usual, LineStart.data() + usual, size - usual);
+        return to + size;
+    }
+    bool BeginChild(Place& parent, bool isNumber);
     Place& Open(const Name& name);
-    void NewLine(std::size_t depth);
     void Spread(const Place& group);
     void BeginAttribute(const Name& name)
     {
@@ -134,6 +165,8 @@ private:
     void PutText(std::wstring_view text, TextContext context);
     void PutBool(bool value) { m_out.Put(value ? std::string_view("true") : "false"); }
     void PutDouble(double value);
+    void PutSnapped(double value);
+    void PutStored(const kar::SharedText& text);
     void PutReference(const KARMPEntity& entity, bool withName);
 
     ByteBuffer& m_out;
@@ -144,7 +177,6 @@ private:
     std::deque<Name> m_known;
     std::array<std::size_t, LargestGroup> m_group{};
     std::size_t m_groupCount = 0;
-    ReferenceTexts m_references;
     /// Keeps its capacity from one late attribute to the next.
     std::string m_late;
     std::wstring_view m_elementName;

@@ -78,6 +78,23 @@ public:
         child.Attribute(L"id", true, where);
         child.Attribute(L"name", true, where);
     }
+    /// Writes the identifier and the name of an entity, which are the first items of its content,
+    /// as they are stored. Gives the number of items written.
+    std::size_t Names(const Content& content, const KARMPEntity& entity)
+    {
+        const kar::SharedText* identifier = nullptr;
+        if (!KARMPSerializer::SerializeName() || content.items[0].name != L"id" ||
+            content.items[1].name != L"name" ||
+            KARFailed(EntityAccess::Identifier(entity, identifier)))
+            return 0;
+        EntityText& text = Inside(*m_place);
+        const bool isLate = m_place->state != EntityText::State::Tag;
+        const std::size_t begin = text.m_out.Size();
+        text.PutReference(entity, true);
+        if (isLate)
+            text.EndLateAttribute(*m_place, begin);
+        return 2;
+    }
     void ReferenceAttributes(const KARMPEntity* entity, bool withName, Where /*where*/)
     {
         m_place->text->PutReference(*entity, withName);

@@ -285,7 +285,7 @@ TEST_F(EntityTexts, FailedChecksAreToldOnceEach)
     const Reports told;
     ExpectSame(m_world);
     KARMPDocumentWriter nodes;
-    m_world->Serialize(&nodes);
+    ASSERT_EQ(m_world->Serialize(&nodes), KARSuccess);
     EXPECT_FALSE(told.told.empty());
 }
 
@@ -294,7 +294,7 @@ TEST_F(EntityTexts, ALimitIsExceededAsByNodes)
     for (int count = 0; count < 3; ++count)
         AddBody(L"body" + std::to_wstring(count));
     KARMPDocumentWriter nodes;
-    m_world->Serialize(&nodes);
+    ASSERT_EQ(m_world->Serialize(&nodes), KARSuccess);
     SaveOptions options = OptionsOf(CurrentVersion, Doubles::Snapped);
     const auto expectSame = [&] {
         std::string rendered;
