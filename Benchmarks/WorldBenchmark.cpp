@@ -82,9 +82,13 @@ void Teardown(benchmark::State& state, Content content)
     }
 }
 
-void Save(benchmark::State& state, Content content)
+/// Saves and writes by turns; `prepare` is called before each.
+template <class Prepare>
+void SaveAndWrite(benchmark::State& state, Content content, bool check, Prepare prepare)
 {
     const auto world = Build(state.range(0), content);
+    karmp::documents::SaveOptions options;
+    options.check = check;
     pugi::xml_document bare;
     bare.load_string(DocumentOf(state.range(0), content).c_str());
     double bareTime = 0.0;
@@ -93,12 +97,12 @@ void Save(benchmark::State& state, Content content)
     for (auto _ : state) {
         std::string text;
         state.PauseTiming();
-        GiveFreeMemoryBack();
+        prepare();
         state.ResumeTiming();
-        time += SecondsOf([&] { benchmark::DoNotOptimize(SaveText(world, text)); });
+        time += SecondsOf([&] { benchmark::DoNotOptimize(SaveText(world, text, options)); });
         state.PauseTiming();
         text = std::string();
-        GiveFreeMemoryBack();
+        prepare();
         bareTime += SecondsOf([&] {
             std::ostringstream stream;
             bare.save(stream, " ", pugi::format_indent);
@@ -107,6 +111,19 @@ void Save(benchmark::State& state, Content content)
         state.ResumeTiming();
     }
     state.counters["ratio_to_bare"] = time / bareTime;
+}
+
+void Save(benchmark::State& state, Content content)
+{
+    SaveAndWrite(state, content, true, GiveFreeMemoryBack);
+}
+
+/// The same in a process that saved the world before and kept the memory.
+template <bool Check>
+void SaveAgain(benchmark::State& state, Content content)
+{
+    const HeapThatKeeps heap;
+    SaveAndWrite(state, content, Check, [] {});
 }
 
 /// Saves with and without the check for losses by turns.
@@ -319,6 +336,11 @@ BENCHMARK_CAPTURE(Teardown, Joints, Content::Joints)->SIZES;
 BENCHMARK_CAPTURE(LoadPeak, Joints, Content::Joints)->Arg(100'000)->Iterations(1);
 BENCHMARK_CAPTURE(LoadAgain, Bodies, Content::Bodies)->SIZES;
 BENCHMARK_CAPTURE(LoadAgain, Joints, Content::Joints)->SIZES;
+BENCHMARK_CAPTURE(SaveAgain<true>, Bodies, Content::Bodies)->Name("SaveAgain/Bodies")->SIZES;
+BENCHMARK_CAPTURE(SaveAgain<true>, Joints, Content::Joints)->Name("SaveAgain/Joints")->SIZES;
+BENCHMARK_CAPTURE(SaveAgain<false>, Joints, Content::Joints)
+    ->Name("UncheckedSaveAgain/Joints")
+    ->SIZES;
 BENCHMARK_CAPTURE(Build, Springs, Content::Springs)->SIZES;
 BENCHMARK_CAPTURE(Save, Springs, Content::Springs)->SIZES;
 BENCHMARK_CAPTURE(Load, Springs, Content::Springs)->SIZES;
