@@ -7,6 +7,7 @@
 #include "KARMPDocumentSource.h"
 #include "KARMPFailedCheck.h"
 #include "KARMPFamilies.h"
+#include "KARMPListedEntities.h"
 #include "KARMPNodeQueries.h"
 #include "KARMPProgressSteps.h"
 #include "KARMPReadingPlace.h"
@@ -25,6 +26,7 @@
 #include <algorithm>
 #include <exception>
 #include <new>
+#include <optional>
 #include <ostream>
 #include <string_view>
 #include <unordered_map>
@@ -59,15 +61,17 @@ std::string_view EntityPathOf(std::string_view path)
 class CheckListener final : private KARMPFailedCheckListener
 {
 public:
-    /// `activity` says what the library does; `root` is the tree that it reads, null when it
-    /// writes; `known` are the messages about that tree.
-    CheckListener(Messages& messages, std::string activity,
-                  const KARMPDocumentReader* root = nullptr, const Diagnostics& known = {},
-                  CheckLevel level = CheckLevel::None)
+    /// For writing, which `activity` calls it; deaf while `isDeaf` is true.
+    CheckListener(Messages& messages, std::string activity, const bool& isDeaf)
+        : m_messages(messages), m_activity(std::move(activity)), m_isDeaf(&isDeaf)
+    {}
+    /// For reading the tree below `root`; `known` are the messages about it.
+    CheckListener(Messages& messages, std::string activity, const KARMPDocumentReader* root,
+                  const Diagnostics& known, CheckLevel level)
         : m_messages(messages),
           m_activity(std::move(activity)),
           m_root(root),
-          m_isMisspelt(root != nullptr && level == CheckLevel::Mechanism &&
+          m_isMisspelt(level == CheckLevel::Mechanism &&
                        VersionMeant(root->Version()) != root->Version())
     {
         std::size_t doubled = 0;
@@ -83,7 +87,8 @@ public:
 private:
     void OnFailedCheck(const char* /*file*/, int /*line*/) override
     {
-        if (m_messages.Full() || m_isMisspelt || KARMPReadingPlace::IsComplete())
+        if (m_messages.Full() || m_isMisspelt || KARMPReadingPlace::IsComplete() ||
+            (m_isDeaf != nullptr && *m_isDeaf))
             return;
         const Way way = m_root != nullptr ? FindWay(*m_root, KARMPReadingPlace::Current()) : Way();
         const std::string path = way.empty() ? std::string() : PathText(way);
@@ -141,9 +146,11 @@ private:
 
     Messages& m_messages;
     std::string m_activity;
-    const KARMPDocumentReader* m_root;
+    /// Null for writing.
+    const KARMPDocumentReader* m_root = nullptr;
+    const bool* m_isDeaf = nullptr;
     /// The version is a misspelt one, which explains whatever fails.
-    bool m_isMisspelt;
+    bool m_isMisspelt = false;
     /// The entities that have a message already, by path.
     std::unordered_set<std::string> m_told;
 };
@@ -172,17 +179,8 @@ bool Guarded(Messages& messages, std::string_view activity, Part part)
     return false;
 }
 
-std::size_t ListedCount(const KARMPWorld& world)
-{
-    std::size_t count = 0;
-    Families::ForEach([&world, &count](auto family) {
-        count += static_cast<std::size_t>(world.Count<typename decltype(family)::Type>());
-    });
-    return count;
-}
-
 /// What a save would lose or falsify.
-class SaveFindings
+class SaveFindings final : public EntityObserver
 {
 public:
     SaveFindings(const std::string& name, const SaveOptions& options)
@@ -192,11 +190,23 @@ public:
     {}
 
     Messages& Warnings() { return m_warnings; }
-    void Check(const KARMPWorld& world)
+    void Begin(const KARMPWorld& world)
+    {
+        m_check.emplace(world, m_options.version, m_errors, m_warnings);
+    }
+    void Note(const KARMPEntity& entity) override
+    {
+        m_isNoting = true;
+        m_check->Note(entity);
+        m_isNoting = false;
+    }
+    /// True while an entity is noted: what fails is told when it is written.
+    const bool& IsNoting() const { return m_isNoting; }
+    void End()
     {
         Guarded(m_errors, "the world was checked", [&] {
             const SilentListener listener; // what fails was told when the world was written
-            SaveCheck(world, m_options.version, m_errors, m_warnings).Run();
+            m_check->Run();
         });
         if (m_options.allowLosses)
             MakeWarnings(m_found);
@@ -222,6 +232,8 @@ private:
     Diagnostics m_warned;
     Messages m_errors;
     Messages m_warnings;
+    std::optional<SaveCheck> m_check;
+    bool m_isNoting = false;
 };
 
 // Appends a world's document to `bytes`.
@@ -249,9 +261,13 @@ Diagnostics RenderWorld(const QOBSharedHandle<KARMPWorld>& world, const std::str
         Messages renderMessages(rendered, name, options.limits.diagnostics);
         StreamedTree tree(options.version, options.doubles, bytes, options.limits, renderMessages,
                           options.check ? &findings.Warnings() : nullptr);
+        if (options.check) {
+            findings.Begin(*world);
+            tree.Observe(findings);
+        }
         tree.Progress().Begin(options.progress, entities, 1);
         {
-            const CheckListener listener(messages, std::string(activity));
+            const CheckListener listener(messages, std::string(activity), findings.IsNoting());
             if (KARFailed(world->Serialize(&tree.Root()))) {
                 messages.Error(Code::Failed, "the world could not be written");
                 return;
@@ -262,7 +278,7 @@ Diagnostics RenderWorld(const QOBSharedHandle<KARMPWorld>& world, const std::str
         diagnostics.Append(std::move(rendered));
     });
     if (options.check && !diagnostics.HasErrors())
-        findings.Check(*world);
+        findings.End();
     findings.AppendTo(diagnostics);
     return diagnostics;
 }

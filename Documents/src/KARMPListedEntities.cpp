@@ -18,29 +18,24 @@
 
 namespace karmp::documents {
 
-namespace {
+std::size_t ListedCount(const KARMPWorld& world)
+{
+    std::size_t count = 0;
+    Families::ForEach([&world, &count](auto family) {
+        count += static_cast<std::size_t>(world.Count<typename decltype(family)::Type>());
+    });
+    return count;
+}
 
-// Outputs and what belongs to them, as the environment says.
 bool IsLeftOut(const KARMPEntity& entity)
 {
     const auto items = ItemsOf(entity.getClassInfo());
     return !items.empty() && !items.front().IsWrittenFor(entity);
 }
 
-std::size_t CountOf(const KARMPWorld& world)
-{
-    std::size_t count = 0;
-    karmp::Families::ForEach([&](auto family) {
-        count += static_cast<std::size_t>(world.Count<typename decltype(family)::Type>());
-    });
-    return count;
-}
-
-} // namespace
-
 ListedEntities::ListedEntities(const KARMPWorld& world)
 {
-    const std::size_t count = CountOf(world);
+    const std::size_t count = ListedCount(world);
     m_entities.reserve(count);
     m_slots.resize(std::bit_ceil(2 * count + 1));
     const QOBClassInfo* last = nullptr;

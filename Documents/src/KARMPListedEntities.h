@@ -65,6 +65,10 @@ struct GlobalEntity
 /// The global body, axis system and time of a world.
 std::array<GlobalEntity, 3> GlobalsOf(const KARMPWorld& world);
 
+/// The number of entries of all lists of a world.
+std::size_t ListedCount(const KARMPWorld& world);
+/// True for outputs and what belongs to them while the environment leaves them out of documents.
+bool IsLeftOut(const KARMPEntity& entity);
 /// The identifier of an entity, which is made on first need. Throws when an allocation fails.
 void GetIdentifierOf(const KARMPEntity& entity, std::wstring& identifier);
 /// The name of the element of an entity.

@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <bit>
 #include <functional>
+#include <iterator>
 
 namespace karmp::documents {
 
@@ -20,6 +21,8 @@ namespace {
 
 // Longer lists are searched by a table.
 constexpr int LongestSearched = 32;
+// Bits of a table of hashes for each entity. It is small enough to be at hand.
+constexpr std::size_t BitsForEach = 16;
 
 const KARMPEntity* EntityIn(const ItemValue& value)
 {
@@ -55,16 +58,103 @@ SaveCheck::SaveCheck(const KARMPWorld& world, std::wstring_view version, Message
       m_version(version),
       m_errors(errors),
       m_warnings(warnings),
-      m_entities(world),
-      m_lossy(version)
-{}
+      m_lossy(version),
+      m_met(std::bit_ceil(BitsForEach * ListedCount(world) + 1)),
+      m_metAgain(m_met.size())
+{
+    m_hashes.reserve(ListedCount(world));
+    for (const GlobalEntity& global : GlobalsOf(world))
+        if (global.entity)
+            m_globals.push_back(global.entity._getReferent());
+}
+
+void SaveCheck::Note(const KARMPEntity& entity)
+{
+    if (m_isDoubtful)
+        return;
+    // What fails here fails once more where it can be told of.
+    try {
+        NoteEntity(entity);
+    } catch (...) {
+        m_isDoubtful = true;
+    }
+}
+
+void SaveCheck::NoteEntity(const KARMPEntity& entity)
+{
+    if (m_noted != nullptr)
+        NoteIdentifier(*m_noted);
+    m_noted = nullptr;
+    ClassChecks& checks = ChecksOf(entity);
+    if (checks.mayBeLeftOut && IsLeftOut(entity))
+        return;
+    m_noted = &entity;
+    // A caller's class may change what is linked while it is written.
+    m_isDoubtful = m_isDoubtful || !checks.isGivenBack || checks.type == nullptr ||
+                   *checks.type != typeid(entity) ||
+                   std::any_of(checks.lossy.begin(), checks.lossy.end(),
+                               [&entity](const LossyItem& item) { return item.IsLostOf(entity); });
+    for (LinkCheck& link : checks.links)
+        ForEachLink(entity, link, [&] {
+            if (SumUp(entity, link))
+                return;
+            m_targets.push_back(EntityIn(m_value));
+            m_isDoubtful = m_isDoubtful || IsOneSided(entity, link);
+        });
+    if (!m_globals.empty())
+        std::erase(m_globals, static_cast<const QOBSharedObject*>(&entity));
+}
+
+void SaveCheck::NoteIdentifier(const KARMPEntity& entity)
+{
+    const kar::SharedText* identifier = nullptr;
+    if (KARFailed(EntityAccess::Identifier(entity, identifier)) || !identifier->IsNarrow()) {
+        m_isDoubtful = true;
+        return;
+    }
+    const std::size_t hash = std::hash<std::string_view>()(identifier->Narrow());
+    m_hashes.push_back(hash);
+    const std::size_t bit = hash & (m_met.size() - 1);
+    if (m_met[bit])
+        m_metAgain[bit] = true;
+    m_met[bit] = true;
+}
+
+// True when no two of the noted identifiers have one hash. The tables of bits sort most out.
+bool SaveCheck::AreIdentifiersDistinct()
+{
+    std::vector<std::size_t> doubtful;
+    std::copy_if(m_hashes.begin(), m_hashes.end(), std::back_inserter(doubtful),
+                 [this](std::size_t hash) { return m_metAgain[hash & (m_metAgain.size() - 1)]; });
+    std::sort(doubtful.begin(), doubtful.end());
+    return std::adjacent_find(doubtful.begin(), doubtful.end()) == doubtful.end();
+}
+
+// True when the notes tell that there is nothing to tell.
+bool SaveCheck::IsSound()
+{
+    if (m_noted != nullptr && !m_isDoubtful)
+        NoteIdentifier(*m_noted);
+    if (m_isDoubtful || m_sum != 0 || !m_globals.empty() || !AreIdentifiersDistinct())
+        return false;
+    if (m_targets.empty())
+        return true;
+    m_entities.emplace(m_world);
+    return std::all_of(m_targets.begin(), m_targets.end(),
+                       [this](const KARMPEntity* target) { return m_entities->Hold(target); });
+}
 
 void SaveCheck::Run()
 {
+    if (IsSound())
+        return;
+    if (!m_entities)
+        m_entities.emplace(m_world);
+    m_sum = 0;
     CheckGlobals();
     CheckMaterials();
     CheckIdentifiers();
-    for (std::size_t number = 0; number < m_entities.Count() && !m_errors.Full(); ++number)
+    for (std::size_t number = 0; number < m_entities->Count() && !m_errors.Full(); ++number)
         CheckEntity(number);
     if (m_sum != 0)
         CheckPairs();
@@ -82,6 +172,9 @@ SaveCheck::ClassChecks& SaveCheck::ChecksOf(const KARMPEntity& entity)
     if (isNew) {
         for (const ItemInfo* const item : LinkItemsOf(info))
             checks.links.push_back({item, OtherSides(item->otherSide), {}});
+        const auto items = ItemsOf(info);
+        checks.mayBeLeftOut = !items.empty() && !items.front().conditions.empty();
+        checks.type = info.getOperations().copiedClass;
         checks.isGivenBack = IsGivenBack(info);
         if (checks.isGivenBack)
             checks.lossy = m_lossy.Of(info);
@@ -95,7 +188,7 @@ SaveCheck::ClassChecks& SaveCheck::ChecksOf(const KARMPEntity& entity)
 void SaveCheck::CheckGlobals()
 {
     for (const GlobalEntity& global : GlobalsOf(m_world)) {
-        if (!global.entity || m_entities.Hold(global.entity._getReferent()))
+        if (!global.entity || m_entities->Hold(global.entity._getReferent()))
             continue;
         const std::string name = PathText(global.element);
         m_warnings.Warning(Code::UnresolvedReference, "the world does not list its " + name,
@@ -125,14 +218,14 @@ void SaveCheck::CheckMaterials()
 // the others: it is small enough to be at hand.
 std::vector<std::size_t> SaveCheck::DoubtfulIdentifiers() const
 {
-    const std::size_t size = std::bit_ceil(16 * m_entities.Count() + 1);
+    const std::size_t size = std::bit_ceil(BitsForEach * m_entities->Count() + 1);
     std::vector<bool> met(size);
     std::vector<bool> doubtful(size);
     std::vector<std::size_t> hashes;
-    hashes.reserve(m_entities.Count());
+    hashes.reserve(m_entities->Count());
     std::wstring identifier;
-    for (std::size_t number = 0; number < m_entities.Count(); ++number) {
-        GetIdentifierOf(m_entities.At(number), identifier);
+    for (std::size_t number = 0; number < m_entities->Count(); ++number) {
+        GetIdentifierOf(m_entities->At(number), identifier);
         const std::size_t hash = std::hash<std::wstring>()(identifier) & (size - 1);
         hashes.push_back(hash);
         if (met[hash])
@@ -151,17 +244,17 @@ void SaveCheck::CheckIdentifiers()
     std::unordered_map<std::wstring, std::size_t> known;
     std::wstring identifier;
     for (const std::size_t number : DoubtfulIdentifiers()) {
-        const KARMPEntity& entity = m_entities.At(number);
+        const KARMPEntity& entity = m_entities->At(number);
         GetIdentifierOf(entity, identifier);
         const auto [found, isNew] = known.emplace(identifier, number);
         if (isNew)
             continue;
-        const KARMPEntity& first = m_entities.At(found->second);
+        const KARMPEntity& first = m_entities->At(found->second);
         m_errors.Error(Code::DuplicateIdentifier,
                        &first == &entity
                            ? TitleOf(entity) + " is listed twice"
                            : TitleOf(entity) + " has the identifier of " + TitleOf(first),
-                       m_entities.PathOf(number) + "/@id");
+                       m_entities->PathOf(number) + "/@id");
         if (m_errors.Full())
             return;
     }
@@ -169,16 +262,16 @@ void SaveCheck::CheckIdentifiers()
 
 void SaveCheck::CheckEntity(std::size_t number)
 {
-    const KARMPEntity& entity = m_entities.At(number);
+    const KARMPEntity& entity = m_entities->At(number);
     ClassChecks& checks = ChecksOf(entity);
     if (!checks.isGivenBack && dynamic_cast<const KARMPInteraction*>(&entity) != nullptr)
         m_layers.push_back(number);
     else if (!checks.isGivenBack)
         m_warnings.Warning(Code::NotReadBack, TitleOf(entity) + " is written as no reader finds it",
-                           m_entities.PathOf(number));
+                           m_entities->PathOf(number));
     for (LinkCheck& link : checks.links)
         ForEachLink(entity, link, [&] {
-            if (!SumUp(number, link))
+            if (!SumUp(entity, link))
                 CheckTarget(number, link);
         });
     if (!checks.lossy.empty())
@@ -189,20 +282,20 @@ void SaveCheck::CheckEntity(std::size_t number)
 void SaveCheck::CheckLayers()
 {
     std::unordered_set<const KARMPEntity*> targets;
-    for (std::size_t number = 0; number < m_entities.Count(); ++number) {
-        const KARMPEntity& entity = m_entities.At(number);
+    for (std::size_t number = 0; number < m_entities->Count(); ++number) {
+        const KARMPEntity& entity = m_entities->At(number);
         if (dynamic_cast<const KARMPInteraction*>(&entity) == nullptr)
             continue;
         for (LinkCheck& link : ChecksOf(entity).links)
             ForEachLink(entity, link, [&] { targets.insert(EntityIn(m_value)); });
     }
     for (const std::size_t number : m_layers)
-        if (targets.count(&m_entities.At(number)) == 0)
+        if (targets.count(&m_entities->At(number)) == 0)
             m_warnings.Warning(Code::NotReadBack,
-                               TitleOf(m_entities.At(number)) +
+                               TitleOf(m_entities->At(number)) +
                                    " belongs to no relation of layers, and no world that reads it "
                                    "lists it",
-                               m_entities.PathOf(number));
+                               m_entities->PathOf(number));
 }
 
 // Calls with each target in m_value.
@@ -219,7 +312,7 @@ void SaveCheck::ForEachLink(const KARMPEntity& entity, LinkCheck& check, Visit v
 }
 
 // False for a link that is no half of a pair.
-bool SaveCheck::SumUp(std::size_t number, LinkCheck& check)
+bool SaveCheck::SumUp(const KARMPEntity& entity, LinkCheck& check)
 {
     if (check.otherSides.size() != 1)
         return false;
@@ -227,7 +320,7 @@ bool SaveCheck::SumUp(std::size_t number, LinkCheck& check)
     const Back& back = BackOf(check, target);
     if (back.pair == 0)
         return false;
-    const auto from = reinterpret_cast<std::uintptr_t>(&m_entities.At(number));
+    const auto from = reinterpret_cast<std::uintptr_t>(&entity);
     const auto to = reinterpret_cast<std::uintptr_t>(&target);
     m_sum += back.isFirst ? Mix(Mix(back.pair, from), to) : -Mix(Mix(back.pair, to), from);
     return true;
@@ -236,8 +329,8 @@ bool SaveCheck::SumUp(std::size_t number, LinkCheck& check)
 // Some link of a pair has no other side, be it that its target is not listed.
 void SaveCheck::CheckPairs()
 {
-    for (std::size_t number = 0; number < m_entities.Count() && !m_errors.Full(); ++number) {
-        const KARMPEntity& entity = m_entities.At(number);
+    for (std::size_t number = 0; number < m_entities->Count() && !m_errors.Full(); ++number) {
+        const KARMPEntity& entity = m_entities->At(number);
         for (LinkCheck& link : ChecksOf(entity).links)
             ForEachLink(entity, link, [&] {
                 if (BackOf(link, *EntityIn(m_value)).pair != 0)
@@ -249,27 +342,34 @@ void SaveCheck::CheckPairs()
 void SaveCheck::CheckTarget(std::size_t number, LinkCheck& check)
 {
     const KARMPEntity& target = *EntityIn(m_value);
-    if (!m_entities.Hold(&target)) {
+    if (!m_entities->Hold(&target)) {
         TellOfTarget(number, *check.info, target);
         return;
     }
-    if (check.otherSides.empty() || m_warnings.Full())
-        return;
-    const KARMPEntity& entity = m_entities.At(number);
-    const auto& back = BackOf(check, target).items;
-    if (std::none_of(back.begin(), back.end(),
-                     [&](const ItemInfo* item) { return RefersBack(target, *item, entity); }))
+    const KARMPEntity& entity = m_entities->At(number);
+    if (!m_warnings.Full() && IsOneSided(entity, check))
         m_warnings.Warning(Code::OneSidedLink,
                            TitleOf(target) + " does not refer back to " + TitleOf(entity),
-                           m_entities.PathOf(number) + '/' + PathText(check.info->path));
+                           m_entities->PathOf(number) + '/' + PathText(check.info->path));
+}
+
+// True when the target in m_value ought to refer back and does not.
+bool SaveCheck::IsOneSided(const KARMPEntity& entity, LinkCheck& check)
+{
+    if (check.otherSides.empty())
+        return false;
+    const KARMPEntity& target = *EntityIn(m_value);
+    const auto& back = BackOf(check, target).items;
+    return std::none_of(back.begin(), back.end(),
+                        [&](const ItemInfo* item) { return RefersBack(target, *item, entity); });
 }
 
 // No program can have a world list an entity of a class without a family and get it back.
 void SaveCheck::TellOfTarget(std::size_t number, const ItemInfo& item, const KARMPEntity& target)
 {
-    std::string text = TitleOf(m_entities.At(number)) + " refers to " + TitleOf(target) +
+    std::string text = TitleOf(m_entities->At(number)) + " refers to " + TitleOf(target) +
                        ", which the document does not hold";
-    std::string path = m_entities.PathOf(number) + '/' + PathText(item.path);
+    std::string path = m_entities->PathOf(number) + '/' + PathText(item.path);
     if (IsFiled(target.getClassInfo()))
         m_errors.Error(Code::UnresolvedReference, std::move(text), std::move(path));
     else
@@ -327,7 +427,7 @@ bool SaveCheck::RefersBack(const KARMPEntity& target, const ItemInfo& item,
 
 void SaveCheck::CheckItems(std::size_t number, std::span<const LossyItem> items)
 {
-    const KARMPEntity& entity = m_entities.At(number);
+    const KARMPEntity& entity = m_entities->At(number);
     for (const LossyItem& lossy : items) {
         if (m_warnings.Full() || !lossy.IsLostOf(entity))
             continue;
@@ -340,7 +440,7 @@ void SaveCheck::CheckItems(std::size_t number, std::span<const LossyItem> items)
                                       ? '"' + path + "\" is written as no reader finds it"
                                       : '"' + path + "\" is not written as the entity stands");
         m_warnings.Warning(isVersion ? Code::OtherVersion : Code::NotReadBack, text,
-                           m_entities.PathOf(number) + '/' + path);
+                           m_entities->PathOf(number) + '/' + path);
     }
 }
 

@@ -9,9 +9,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <typeinfo>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
@@ -25,14 +27,18 @@ namespace karmp::documents {
 /// twice, links to what the document does not hold, links that the other end does not have, and
 /// items that are not read back. In time about linear in the entities and their links.
 ///
-/// To be run when the document has been written, since identifiers are made in the order of
-/// writing.
+/// Each entity is noted when it is written, while it is at hand; that mostly tells that nothing is
+/// wrong. Where it does not, all entities are looked at once more. To be run when the document has
+/// been written, since identifiers are made in the order of writing.
 class SaveCheck
 {
 public:
     /// Errors are collected apart, so that many warnings do not crowd them out.
     SaveCheck(const KARMPWorld& world, std::wstring_view version, Messages& errors,
               Messages& warnings);
+    /// Notes an entity that is about to be written. Reports of its getters are nobody's concern.
+    void Note(const KARMPEntity& entity);
+    /// Ends the notes and checks what they leave in doubt.
     void Run();
 
 private:
@@ -58,10 +64,18 @@ private:
     {
         std::vector<LinkCheck> links;
         std::span<const LossyItem> lossy;
-        bool isGivenBack;
+        bool isGivenBack = false;
+        /// Objects of the class may be left out of documents.
+        bool mayBeLeftOut = false;
+        /// The class itself, null where that is not known.
+        const std::type_info* type = nullptr;
     };
 
     ClassChecks& ChecksOf(const KARMPEntity& entity);
+    void NoteEntity(const KARMPEntity& entity);
+    void NoteIdentifier(const KARMPEntity& entity);
+    bool AreIdentifiersDistinct();
+    bool IsSound();
     void CheckGlobals();
     void CheckMaterials();
     void CheckIdentifiers();
@@ -70,7 +84,8 @@ private:
     void CheckLayers();
     template <class Visit>
     void ForEachLink(const KARMPEntity& entity, LinkCheck& check, Visit visit);
-    bool SumUp(std::size_t number, LinkCheck& check);
+    bool SumUp(const KARMPEntity& entity, LinkCheck& check);
+    bool IsOneSided(const KARMPEntity& entity, LinkCheck& check);
     void CheckPairs();
     void CheckTarget(std::size_t number, LinkCheck& check);
     void TellOfTarget(std::size_t number, const ItemInfo& item, const KARMPEntity& target);
@@ -83,7 +98,8 @@ private:
     std::wstring m_version;
     Messages& m_errors;
     Messages& m_warnings;
-    ListedEntities m_entities;
+    /// Made when it is needed.
+    std::optional<ListedEntities> m_entities;
     LossyItems m_lossy;
     std::unordered_map<const QOBClassInfo*, ClassChecks> m_classes;
     const QOBClassInfo* m_lastClass = nullptr;
@@ -91,6 +107,18 @@ private:
     /// The sum of numbers that belong to the links whose other side is one item, counted by one
     /// side up and by the other down: 0 when each of them has its other side.
     std::uint64_t m_sum = 0;
+    /// The notes leave something in doubt.
+    bool m_isDoubtful = false;
+    /// The entity that was noted last, whose identifier is made by now.
+    const KARMPEntity* m_noted = nullptr;
+    /// The hashes of the identifiers, and bits for the hashes that were met once and once more.
+    std::vector<std::size_t> m_hashes;
+    std::vector<bool> m_met;
+    std::vector<bool> m_metAgain;
+    /// The world's global entities that it does not list, as far as noted.
+    std::vector<const QOBSharedObject*> m_globals;
+    /// Targets that must be listed and have no link back.
+    std::vector<const KARMPEntity*> m_targets;
     /// The interactions that a world which reads them does not list.
     std::vector<std::size_t> m_layers;
     /// The entries of long lists.

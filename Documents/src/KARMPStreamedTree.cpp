@@ -6,6 +6,7 @@
 
 #include <new>
 #include <optional>
+#include <utility>
 
 namespace karmp::documents {
 
@@ -83,6 +84,11 @@ NodeMemory& StreamedTree::MemoryAt(std::size_t depth)
 // depth holds only what has been rendered.
 void StreamedTree::ChildrenComplete(Node& node)
 {
+    if (std::exchange(m_hasText, nullptr) == &node) {
+        if (m_renderer.ChildDepth() == EntityDepth)
+            m_progress.Step();
+        return;
+    }
     const std::optional<std::size_t> depth = m_renderer.RenderChildren(*m_root, node);
     if (depth) {
         NodeMemory& memory = MemoryAt(*depth);
@@ -95,6 +101,8 @@ void StreamedTree::ChildrenComplete(Node& node)
 
 bool StreamedTree::WriteEntity(const Node& list, const KARMPEntity& entity, KARStatus& status)
 {
+    if (m_observer != nullptr)
+        m_observer->Note(entity);
     const Content* const content = m_classes.ContentOf(entity, list.Version());
     if (content == nullptr || m_limits.nameLength < EntityText::LongestName)
         return false;
@@ -109,6 +117,7 @@ bool StreamedTree::WriteEntity(const Node& list, const KARMPEntity& entity, KARS
     m_text.Begin(m_renderer.ChildDepth());
     status = m_text.Write(*content, entity, list.Version());
     m_renderer.EndChild(m_text.ElementName());
+    m_hasText = &list;
     if (m_numbers != nullptr && !m_text.NotFinite().empty())
         TellOfNumbers(entity, begin);
     return true;

@@ -15,6 +15,21 @@
 
 namespace karmp::documents {
 
+/// Looks at each entity of a world that is written.
+class EntityObserver
+{
+public:
+    EntityObserver() = default;
+    EntityObserver(const EntityObserver&) = delete;
+    EntityObserver& operator=(const EntityObserver&) = delete;
+
+    /// Called before the entity is written.
+    virtual void Note(const KARMPEntity& entity) = 0;
+
+protected:
+    ~EntityObserver() = default;
+};
+
 /// The tree of a document that is rendered while it is written. Complete children are rendered at
 /// once, and their arena is reused for the next ones: the tree of a large world is many times the
 /// size of its text. Text and messages are those of a tree that is rendered when it is complete.
@@ -28,6 +43,8 @@ public:
 
     /// The root for a writer. A node renders by itself as long as it holds all its children.
     KARMPSerializer& Root();
+    /// Tells an observer, which must outlive the tree, of each entity.
+    void Observe(EntityObserver& observer) { m_observer = &observer; }
     /// The steps that the entities written are.
     ProgressSteps& Progress() { return m_progress; }
     /// Renders the rest. After an error, which is reported, `bytes` is as it was.
@@ -45,11 +62,15 @@ private:
     std::size_t m_before;
     const Limits& m_limits;
     Messages* m_numbers;
+    EntityObserver* m_observer = nullptr;
     XmlRenderer m_renderer;
     WrittenClasses m_classes;
     EntityText m_text;
     /// The arenas of the children of an element, by its depth, once some of them were rendered.
     std::vector<std::unique_ptr<NodeMemory>> m_memories;
+    /// The node below which the last entity was written as text, so that none of its children is to
+    /// be rendered.
+    const Node* m_hasText = nullptr;
     NodeMemory m_rootMemory;
     Node* m_root;
     ProgressSteps m_progress;
