@@ -5,11 +5,11 @@
 #include "KARMPDocumentSource.h"
 #include "KARMPEntity.h"
 #include "KARMPFailedCheck.h"
+#include "KARMPFormScan.h"
 #include "KARMPGenericFactory.h"
 #include "KARMPNearestWord.h"
 #include "KARMPNodeQueries.h"
 #include "KARMPSchemaClasses.h"
-#include "KARMPSerializationServices.h"
 #include "KARMPTextEscapes.h"
 #include "KARMPValueFaults.h"
 #include "KARMPVersions.h"
@@ -77,8 +77,8 @@ std::wstring VersionMeant(std::wstring_view version)
 }
 
 DocumentChecker::DocumentChecker(const KARMPDocumentReader& root, Messages& messages,
-                                 CheckLevel level)
-    : m_root(root), m_messages(messages), m_version(root.Version())
+                                 CheckLevel level, bool hasForm)
+    : m_root(root), m_messages(messages), m_hasForm(hasForm), m_version(root.Version())
 {
     if (level != CheckLevel::Mechanism)
         return;
@@ -136,7 +136,8 @@ void DocumentChecker::Identify(const Node& entity)
     if (!number)
         return;
     const Class& type = ClassOf(entity.Id());
-    m_links.Collect(*number, entity, type.sides, m_identifiers);
+    if (!m_hasForm)
+        m_links.Collect(*number, entity, type.sides, m_identifiers);
     m_identified.resize(std::max<std::size_t>(m_identified.size(), m_identifiers.Count()));
     Identified& identified = m_identified[*number];
     if (identified.node != nullptr) {
@@ -156,16 +157,11 @@ const DocumentChecker::Class& DocumentChecker::ClassOf(std::wstring_view element
     Class& type = place->second;
     if (!added)
         return type;
-    const std::string name = KARMPSerializationServices::to_type(element);
-    const std::vector<std::string> names = KARMPFactory::GetClassNames();
-    QOBSharedHandle<KARMPEntity> sample;
-    if (std::find(names.begin(), names.end(), name) != names.end() &&
-        !KARFailed(KARMPFactory::Create(name, sample)) && sample) {
-        type.lineage = LineageOf(*sample);
-        type.item = SchemaOf(name);
-        if (type.item != nullptr)
-            type.sides = m_links.SidesOf(*type.item);
-    }
+    ElementClass found = ClassOfElement(element);
+    type.lineage = std::move(found.lineage);
+    type.item = found.item;
+    if (type.item != nullptr)
+        type.sides = m_links.SidesOf(*type.item);
     return type;
 }
 
@@ -306,6 +302,8 @@ void DocumentChecker::CheckEntity(const Node& entity, const Family& family)
     }
     if (m_rules)
         m_rules->Check(type.lineage, entity);
+    if (m_hasForm)
+        return;
     if (type.item != nullptr) {
         CheckElement(entity, *type.item);
         return;
@@ -529,7 +527,11 @@ void Document::Check(CheckLevel level)
         return;
     documents::Messages messages(m_messages, m_name, m_limits.diagnostics);
     try {
-        DocumentChecker checker(*m_root, messages, level);
+        m_wrongReferences.clear();
+        const bool hasForm = FormScan(*m_source, level).Run();
+        if (hasForm && level == CheckLevel::Form)
+            return;
+        DocumentChecker checker(*m_root, messages, level, hasForm);
         checker.Run();
         m_wrongReferences = checker.WrongReferences();
         m_unusedIdentifier = checker.UnusedIdentifier();

@@ -27,8 +27,10 @@ std::wstring VersionMeant(std::wstring_view version);
 class DocumentChecker
 {
 public:
-    /// Checks no less than the form.
-    DocumentChecker(const KARMPDocumentReader& root, Messages& messages, CheckLevel level);
+    /// Checks no less than the form. `hasForm` is true when all entities have the form of their
+    /// classes, so that there is nothing to tell of it.
+    DocumentChecker(const KARMPDocumentReader& root, Messages& messages, CheckLevel level,
+                    bool hasForm);
     void Run();
 
     /// The references to entities of a wrong class.
@@ -104,6 +106,7 @@ private:
 
     const Node& m_root;
     Messages& m_messages;
+    const bool m_hasForm;
     std::wstring m_version;
     std::unordered_map<std::wstring_view, Class> m_classes;
     Identifiers m_identifiers;

@@ -4,9 +4,6 @@
 
 namespace karmp::documents {
 
-namespace {
-
-// The reference that an element is or, as a list, holds; null for any other element.
 const SchemaItem* ReferenceOf(const SchemaItem& element)
 {
     if (element.kind == ItemKind::Reference)
@@ -15,8 +12,6 @@ const SchemaItem* ReferenceOf(const SchemaItem& element)
                         element.elements[0].kind == ItemKind::Reference;
     return isList ? &element.elements[0] : nullptr;
 }
-
-} // namespace
 
 std::vector<std::wstring_view> OtherSides(std::wstring_view names)
 {

@@ -18,6 +18,9 @@ namespace karmp::documents {
 /// The names of the items by which a link is returned, as SchemaItem::otherSide holds them.
 std::vector<std::wstring_view> OtherSides(std::wstring_view names);
 
+/// The reference that an element of an entity is or, as a list, holds; null for any other element.
+const SchemaItem* ReferenceOf(const SchemaItem& element);
+
 /// One side of a link: the element that refers, which may be a list, and the numbers of the names
 /// of this item and of the target's items, one of which refers back. There are none when the target
 /// need not refer back, though it may demand this side.

@@ -384,11 +384,13 @@ LoadResult LoadDocument(Document document, const LoadOptions& options,
         result.diagnostics = document.Messages();
         return result;
     }
-    // The check and the reading pass over the entities twice each.
+    // The check of the form, that of the meaning, and the reading pass over the entities twice
+    // each.
+    const auto passes = 2 + 2 * static_cast<std::size_t>(options.check);
     const bool isChecked = options.check != CheckLevel::None;
     ProgressSteps& steps = DocumentSource::Of(*document.Root()).Progress();
     if (options.progress)
-        steps.Begin(options.progress, CountEntities(*document.Root()), isChecked ? 4 : 2);
+        steps.Begin(options.progress, CountEntities(*document.Root()), passes);
     if (isChecked) {
         document.Check(options.check);
         document.DropWrongReferences();

@@ -32,6 +32,20 @@ std::vector<std::string> LineageOf(const KARMPEntity& entity)
     return lineage;
 }
 
+ElementClass ClassOfElement(std::wstring_view element)
+{
+    ElementClass found;
+    const std::string name = KARMPSerializationServices::to_type(element);
+    const std::vector<std::string> names = KARMPFactory::GetClassNames();
+    QOBSharedHandle<KARMPEntity> sample;
+    if (std::find(names.begin(), names.end(), name) != names.end() &&
+        !KARFailed(KARMPFactory::Create(name, sample)) && sample) {
+        found.lineage = LineageOf(*sample);
+        found.item = SchemaOf(name);
+    }
+    return found;
+}
+
 std::vector<EntityClass> EntityClasses()
 {
     std::vector<EntityClass> classes;

@@ -4,6 +4,7 @@
 #include "KARMPDocumentSchema.h"
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 class KARMPEntity;
@@ -26,6 +27,16 @@ struct EntityClass
 std::vector<std::string> LineageOf(const KARMPEntity& entity);
 /// True when a class is among those of a lineage.
 bool HasClass(const std::vector<std::string>& lineage, std::string_view className);
+
+/// The class of the entities of an element.
+struct ElementClass
+{
+    /// The class and those above it; empty when there is no such class.
+    std::vector<std::string> lineage;
+    /// Null when its content is not known.
+    const SchemaItem* item = nullptr;
+};
+ElementClass ClassOfElement(std::wstring_view element);
 
 /// The classes that the factory makes and whose content is known, by name.
 std::vector<EntityClass> EntityClasses();
