@@ -14,16 +14,20 @@
 #include <string_view>
 #include <vector>
 
-namespace karmp::documents {
+namespace karmp {
+
+struct ElementRecord;
+
+namespace documents {
 
 class Document;
 class DocumentNodes;
 class DocumentParser;
 class DocumentSource;
-struct ElementRecord;
 struct SourcePosition;
 
-} // namespace karmp::documents
+} // namespace documents
+} // namespace karmp
 
 /// A node of the element tree that a document is loaded into. It knows its position in the source
 /// and is filled when it is first read. The nodes of a document live as long as the
@@ -56,14 +60,14 @@ public:
 private:
     friend class karmp::documents::DocumentNodes;
     friend class karmp::documents::DocumentSource;
-    KARMPDocumentReader(const karmp::documents::ElementRecord& record, unsigned depth,
+    KARMPDocumentReader(const karmp::ElementRecord& record, unsigned depth,
                         karmp::documents::DocumentSource& source,
                         karmp::documents::DocumentNodes& memory);
     karmp::documents::SourcePosition Position() const;
 
     /// Elements above this one, as far as it matters.
     std::uint8_t m_depth;
-    const karmp::documents::ElementRecord& m_record;
+    const karmp::ElementRecord& m_record;
     karmp::documents::DocumentSource& m_source;
 };
 

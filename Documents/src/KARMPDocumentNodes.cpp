@@ -70,8 +70,7 @@ inline void DocumentNodes::Begin(KARMPDocumentReader& node) noexcept
 
 } // namespace karmp::documents
 
-inline KARMPDocumentReader::KARMPDocumentReader(const karmp::documents::ElementRecord& record,
-                                                unsigned depth,
+inline KARMPDocumentReader::KARMPDocumentReader(const karmp::ElementRecord& record, unsigned depth,
                                                 karmp::documents::DocumentSource& source,
                                                 karmp::documents::DocumentNodes& memory)
     : KARMPDeserializer(source.Records().names[record.name], source.Version(), memory),
@@ -135,6 +134,16 @@ bool DocumentNodes::FindAttribute(const KARMPDeserializer& asked, std::wstring_v
     }
     value.characters = nullptr;
     return true;
+}
+
+// The records still have the references that are dropped.
+RecordedElement DocumentNodes::Recorded(const KARMPDeserializer& asked) const
+{
+    const KARMPDocumentReader& node = NodeOf(asked);
+    const DocumentSource& source = node.m_source;
+    if ((NodeBuilder::Missing(node) & ContentPart) == 0 || source.HasDropped())
+        return {};
+    return {&source.Records(), source.Text().data(), Number(node)};
 }
 
 void DocumentNodes::FillAttributes(KARMPDeserializer& empty)

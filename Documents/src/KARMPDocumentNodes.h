@@ -23,6 +23,7 @@ public:
     void FillContent(KARMPDeserializer& node) override;
     bool FindAttribute(const KARMPDeserializer& node, std::wstring_view name,
                        AsciiText& value) const override;
+    RecordedElement Recorded(const KARMPDeserializer& node) const override;
     DocumentNodes& ContentMemory(const KARMPDeserializer& node) override;
     void BeginReading(const KARMPDeserializer& node) noexcept override;
     void EndReading(const KARMPDeserializer& node) noexcept override;

@@ -5,12 +5,12 @@
 
 #include <string_view>
 
-using karmp::documents::AttributeRecord;
-using karmp::documents::DocumentRecords;
-using karmp::documents::NoOffset;
-using karmp::documents::Offset;
+using karmp::AttributeRecord;
+using karmp::DocumentRecords;
+using karmp::NoOffset;
+using karmp::Offset;
 using karmp::documents::SourcePosition;
-using karmp::documents::TextKind;
+using karmp::TextKind;
 
 namespace {
 

@@ -1,75 +1,11 @@
-// The records of a document's elements, attributes and texts, from which the nodes of its tree are
-// filled.
+// The depth of entities in documents, and the records of elements.
 #pragma once
 
-#include "KARMPNodeStorage.h"
-
-#include <cstddef>
-#include <cstdint>
-#include <vector>
+#include "KARMPElementRecords.h"
 
 namespace karmp::documents {
 
 /// The number of elements above an entity's: the root, the world and a family's list.
 constexpr unsigned EntityDepth = 3;
-
-/// An offset in the bytes of a document, which are fewer than 4 GiB.
-using Offset = std::uint32_t;
-/// The offset of an empty text.
-constexpr Offset NoOffset = 0xFFFFFFFFU;
-
-/// How the text of an element is kept.
-enum class TextKind : std::uint8_t {
-    None,  ///< There is none, only elements.
-    Plain, ///< The bytes up to a null are the text; there are no elements.
-    Raw,   ///< The bytes up to a null have to be decoded; there are no elements.
-    Pieces ///< A linked list of pieces, mostly between elements.
-};
-
-/// An element.
-struct ElementRecord
-{
-    std::uint32_t name : 30;
-    std::uint32_t kind : 2;
-    /// The offset of the name.
-    Offset nameOffset;
-    /// The end of the element's subtree: the index of the next element of its parent, if that has
-    /// more.
-    std::uint32_t end;
-    /// The index of the first attribute; those of the next element begin where these end.
-    std::uint32_t attributes;
-    /// The offset of the text, or the index of its first piece.
-    std::uint32_t text;
-
-    TextKind Kind() const { return static_cast<TextKind>(kind); }
-};
-
-/// An attribute.
-struct AttributeRecord
-{
-    std::uint32_t name : 31;
-    /// 1 when the bytes up to a null are the value, 0 when they have to be decoded.
-    std::uint32_t isPlain : 1;
-    Offset value;
-};
-
-/// A piece of an element's text, between two of its children or a CDATA section.
-struct PieceRecord
-{
-    Offset text;
-    /// The index of the element's next piece, 0 for none.
-    std::uint32_t next : 31;
-    std::uint32_t isCData : 1;
-};
-
-/// All records of a document, in document order; they refer to each other, and to names, by index.
-/// The root has index 0; a last element record without an element ends the attributes.
-struct DocumentRecords
-{
-    std::vector<ElementRecord> elements;
-    std::vector<AttributeRecord> attributes;
-    std::vector<PieceRecord> pieces;
-    std::vector<NodeText> names;
-};
 
 } // namespace karmp::documents

@@ -72,6 +72,18 @@ char* FindEnd(char* text, const char* end, char last, bool& isMarked)
     return text;
 }
 
+// Compares short names without a call; `left` bytes may be read of both.
+bool SameBytes(const char* first, const char* second, std::size_t size, std::size_t left)
+{
+    if (!IsLittleEndian || size > sizeof(Word) || left < sizeof(Word))
+        return std::memcmp(first, second, size) == 0;
+    Word firstWord = 0;
+    Word secondWord = 0;
+    std::memcpy(&firstWord, first, sizeof(Word));
+    std::memcpy(&secondWord, second, sizeof(Word));
+    return size == 0 || (firstWord ^ secondWord) << (sizeof(Word) - size) * 8 == 0;
+}
+
 bool IsBlank(char byte)
 {
     return byte == ' ' || byte == '\n' || byte == '\t' || byte == '\r';
@@ -288,16 +300,18 @@ bool DocumentScanner::ScanAttribute()
 void DocumentScanner::CheckNames(std::size_t first)
 {
     constexpr std::size_t few = 8;
-    const auto begin = m_records.attributes.begin() + static_cast<std::ptrdiff_t>(first);
-    const auto end = m_records.attributes.end();
+    const AttributeRecord* const begin = m_records.attributes.data() + first;
+    const AttributeRecord* const end = m_records.attributes.data() + m_records.attributes.size();
     if (m_records.attributes.size() - first <= few) {
-        for (auto attribute = begin; attribute != end; ++attribute)
-            for (auto former = begin; former != attribute; ++former)
-                m_isDoubtful = m_isDoubtful || former->name == attribute->name;
+        bool areNew = true;
+        for (const AttributeRecord* attribute = begin; attribute != end; ++attribute)
+            for (const AttributeRecord* former = begin; former != attribute; ++former)
+                areNew = areNew && former->name != attribute->name;
+        m_isDoubtful = m_isDoubtful || !areNew;
         return;
     }
     std::vector<std::uint32_t> names;
-    for (auto attribute = begin; attribute != end; ++attribute)
+    for (const AttributeRecord* attribute = begin; attribute != end; ++attribute)
         names.push_back(attribute->name);
     std::sort(names.begin(), names.end());
     if (std::adjacent_find(names.begin(), names.end()) != names.end())
@@ -309,8 +323,8 @@ bool DocumentScanner::ScanEndTag()
     ++m_at;
     const Open open = m_open.back();
     ElementRecord& record = m_records.elements[open.number];
-    if (static_cast<std::size_t>(m_end - m_at) <= open.nameSize ||
-        std::memcmp(m_at, m_begin + record.nameOffset, open.nameSize) != 0)
+    const auto left = static_cast<std::size_t>(m_end - m_at);
+    if (left <= open.nameSize || !SameBytes(m_at, m_begin + record.nameOffset, open.nameSize, left))
         return false;
     m_at += open.nameSize;
     if (IsInName(*m_at))

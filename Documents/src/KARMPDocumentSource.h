@@ -24,6 +24,7 @@ public:
 
     /// The bytes, which the parser modifies once their lines are found.
     std::string& Text() { return m_text; }
+    const std::string& Text() const { return m_text; }
     /// Finds the lines of the bytes, which are at most 4 GiB less one.
     void FindLines() { m_lines = SourceText(m_text); }
     const SourceText& Lines() const { return m_lines; }
@@ -66,6 +67,7 @@ public:
     {
         return !m_dropped.empty() && std::binary_search(m_dropped.begin(), m_dropped.end(), number);
     }
+    bool HasDropped() const { return !m_dropped.empty(); }
     const std::wstring& Unused() const { return m_unused; }
 
     /// Buffers for the content of the node that is being filled.

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "KARMPDeserializer.h"
+#include "KARMPElementRecords.h"
 #include "KARMPExport.h"
 #include "KARMPNodeMemory.h"
 #include "KARMPNodeStorage.h"
@@ -46,6 +47,9 @@ public:
     /// there is none. False when they have to be filled first.
     virtual bool FindAttribute(const KARMPDeserializer& node, std::wstring_view name,
                                AsciiText& value) const;
+    /// The record of a node whose content is not filled; none when what it would be filled with is
+    /// not recorded.
+    virtual RecordedElement Recorded(const KARMPDeserializer& node) const;
     /// Called with the name of each attribute, or child for ContentPart, that a node is asked for
     /// that NodeBuilder::Hear was called with, whether there is one or not.
     virtual void HearName(const KARMPDeserializer& node, NodePart part, std::wstring_view name);

@@ -1,6 +1,7 @@
 // Reading by content lists.
-#include "KARMPContentWalker.h"
-#include "KARMPElementReader.h"
+#include "KARMPContentReader.h"
+
+#include "KARMPRecordReader.h"
 #include "KARMPSerializationServices.h"
 #include "KARMPStreamElement.h"
 #include "KARMPValue.h"
@@ -9,63 +10,6 @@
 #include <span>
 
 namespace karmp {
-
-namespace {
-
-Absent AbsentOf(ItemPresence presence)
-{
-    switch (presence) {
-    case ItemPresence::Required:
-        return Absent::ReportAndFail;
-    case ItemPresence::Optional:
-        return Absent::Keep;
-    default:
-        return Absent::ReportAndKeep;
-    }
-}
-
-class ContentReader : public ContentWalker<ContentReader, ElementReader>
-{
-public:
-    ContentReader(void* owner, std::wstring_view version, const KARMPEntityTable& entities,
-                  const ContentStatuses& statuses)
-        : ContentWalker(version), m_owner(owner), m_entities(entities), m_statuses(statuses)
-    {}
-
-    bool Applies(const Item& item, const ElementReader& element)
-    {
-        return item.isRead && !item.isCoded && m_gate.Passes(item) &&
-               (item.whenRead == nullptr || (element.Has(item.name) && item.whenRead(m_owner)));
-    }
-    void WalkItem(const Item& item, std::span<const Item> inner, ElementReader& element);
-
-private:
-    void Store(const Item& item, ElementReader& element);
-    template <class Value>
-    bool Take(const Item& item, ElementReader& element, Value& value) const;
-    bool TakeWord(const Item& item, ElementReader& element);
-    bool FindWord(const Item& item, std::wstring_view word);
-    template <class Value, class Field>
-    void ReadScalar(const Item& item, ElementReader& element, Field& field);
-    void ReadText(const Item& item, ElementReader& element);
-    void ReadNumbers(const Item& item, ElementReader& element);
-    void ReadDoubles(std::span<const std::wstring_view> names, double* values,
-                     ElementReader& element, Absent absent, KARMPSourceLocation where);
-    void ReadGroup(const Item& item, std::span<const Item> inner, ElementReader& element);
-    void ReadTransformation(const Item& item, ElementReader& element);
-    void ReadOptionalNumber(const Item& item, ElementReader& element);
-    bool TakeBytes(const Item& item, ElementReader& element);
-    void ReadReference(const Item& item, ElementReader& element);
-    void ReadValueReference(const Item& item, ElementReader& element);
-    void ReadReferences(const Item& item, std::span<const Item> inner, ElementReader& element);
-    bool ReadAttributes(std::span<const Item> attributes, ElementReader& entry);
-    void ReadRecords(const Item& item, std::span<const Item> inner, ElementReader& element);
-
-    void* m_owner;
-    const KARMPEntityTable& m_entities;
-    const ContentStatuses& m_statuses;
-    ItemValue m_value;
-};
 
 void ContentReader::WalkItem(const Item& item, std::span<const Item> inner, ElementReader& element)
 {
@@ -202,6 +146,8 @@ void ContentReader::ReadNumbers(const Item& item, ElementReader& element)
     Store(item, element);
 }
 
+namespace {
+
 void PutIdentity(const TransformationNames& parts, double* numbers)
 {
     const std::size_t dimension = parts.vector.size();
@@ -209,6 +155,8 @@ void PutIdentity(const TransformationNames& parts, double* numbers)
     for (std::size_t i = 0; i < dimension; ++i)
         numbers[dimension + i * (dimension + 1)] = 1.0;
 }
+
+} // namespace
 
 void ContentReader::ReadTransformation(const Item& item, ElementReader& element)
 {
@@ -336,8 +284,6 @@ void ContentReader::ReadRecords(const Item& item, std::span<const Item> inner,
         Count(item, list, element);
 }
 
-} // namespace
-
 KARStatus ReadContent(const Content& content, void* owner, const KARMPDeserializer* deserializer,
                       const KARMPEntityTable& entities, ReadBase base)
 {
@@ -346,8 +292,11 @@ KARStatus ReadContent(const Content& content, void* owner, const KARMPDeserializ
         content, statuses, owner, deserializer, &Content::ReadElementOf, base != nullptr,
         [&](const KARMPDeserializer* element) { return base(owner, element, entities); },
         [&](ElementReader& element, bool baseFailed) {
-            ContentReader(owner, element.Version(), entities, statuses)
-                .Walk(content.items, element, baseFailed);
+            const std::wstring_view version = element.Version();
+            if (!RecordReader(owner, version, entities, statuses)
+                     .WalkRecord(content.items, element, baseFailed))
+                ContentReader(owner, version, entities, statuses)
+                    .Walk(content.items, element, baseFailed);
         });
 }
 

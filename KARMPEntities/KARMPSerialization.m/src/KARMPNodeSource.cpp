@@ -16,6 +16,11 @@ bool NodeSource::FindAttribute(const KARMPDeserializer& /*node*/, std::wstring_v
     return false;
 }
 
+RecordedElement NodeSource::Recorded(const KARMPDeserializer& /*node*/) const
+{
+    return {};
+}
+
 void NodeSource::HearName(const KARMPDeserializer& /*node*/, NodePart /*part*/,
                           std::wstring_view /*name*/)
 {}

@@ -1,0 +1,409 @@
+#include "KARMPRecordReader.h"
+
+#include "KARMPContentReader.h"
+#include "KARMPItemKind.h"
+#include "KARMPNodeSource.h"
+#include "KARTextConversion.h"
+
+#include <algorithm>
+#include <charconv>
+#include <system_error>
+
+namespace karmp {
+
+namespace {
+
+bool Equals(std::wstring_view wide, std::string_view text)
+{
+    return std::equal(
+        wide.begin(), wide.end(), text.begin(), text.end(),
+        [](wchar_t left, char right) { return left == static_cast<wchar_t>(right); });
+}
+
+bool IsDigit(char character)
+{
+    return character >= '0' && character <= '9';
+}
+
+// Gives what a scan of the text gives.
+bool ToDouble(std::string_view text, double& value)
+{
+    const bool isSigned = text.starts_with('-');
+    if (text.size() > (isSigned ? 1U : 0U) && IsDigit(text[isSigned ? 1 : 0])) {
+        const char* const end = text.data() + text.size();
+        const auto [last, error] = std::from_chars(text.data(), end, value);
+        if (last == end && error == std::errc())
+            return true;
+    }
+    return kar::ScanDouble(text, value, kar::DecimalMark::PointOrComma) == 1;
+}
+
+bool ToFlag(std::string_view text, bool& flag)
+{
+    const auto isOneOf = [text](const auto& forms) {
+        return std::find(forms.begin(), forms.end(), text) != forms.end();
+    };
+    flag = isOneOf(TrueForms);
+    return flag || isOneOf(FalseForms);
+}
+
+} // namespace
+
+RecordElement::RecordElement(const RecordedElement& element, const KARMPDeserializer* node)
+    : m_element(element), m_node(node)
+{
+    Collect();
+}
+
+RecordElement::RecordElement(const RecordElement& parent, std::uint32_t number)
+    : m_element{parent.m_element.records, parent.m_element.bytes, number}, m_parent(&parent)
+{
+    Collect();
+}
+
+void RecordElement::Collect()
+{
+    const ElementRecord* const records = m_element.records->elements.data();
+    std::uint64_t bits = 0;
+    const std::uint32_t end = records[m_element.number].end;
+    for (std::uint32_t child = m_element.number + 1; child != end; child = records[child].end) {
+        const std::uint64_t bit = std::uint64_t{1} << (records[child].name % 64);
+        const bool isNew = (bits & bit) == 0 ||
+                           std::none_of(m_children.begin(), m_children.begin() + m_count,
+                                        [&](std::uint32_t former) {
+                                            return records[former].name == records[child].name;
+                                        });
+        if (m_count == Most || !isNew) {
+            m_isSimple = false;
+            return;
+        }
+        bits |= bit;
+        m_children[m_count++] = child;
+    }
+}
+
+std::uint32_t RecordElement::Find(std::wstring_view name)
+{
+    for (std::uint32_t step = 0; step < m_count; ++step) {
+        std::uint32_t index = m_likely + step;
+        index = index < m_count ? index : index - m_count;
+        const ElementRecord& child = m_element.records->elements[m_children[index]];
+        if (SameName(m_element.records->names[child.name].View(), name)) {
+            m_likely = index + 1;
+            return m_children[index];
+        }
+    }
+    return 0;
+}
+
+const KARMPDeserializer* RecordElement::Node() const
+{
+    if (m_node == nullptr) {
+        const ElementRecord& record = m_element.records->elements[m_element.number];
+        m_parent->Node()->GetElement(m_element.records->names[record.name].View(), m_node);
+    }
+    return m_node;
+}
+
+bool RecordReader::WalkRecord(std::span<const Item> items, ElementReader& element, bool baseFailed)
+{
+    const KARMPDeserializer* const node = element.Node();
+    const NodeSource* const source = NodeBuilder::SourceOf(*node);
+    if (source == nullptr)
+        return false;
+    m_recorded = source->Recorded(*node);
+    if (m_recorded.records == nullptr)
+        return false;
+    RecordElement record(m_recorded, node);
+    if (!record.IsSimple())
+        return false;
+    Walk(items, record, baseFailed);
+    if (KARFailed(record.Status()))
+        element.Fail();
+    return true;
+}
+
+void RecordReader::WalkItem(const Item& item, std::span<const Item> inner, RecordElement& element)
+{
+    if (Read(item, inner, element))
+        return;
+    ElementReader reader(element.Node());
+    ContentReader(m_owner, m_gate.Version(), m_entities, m_statuses).WalkItem(item, inner, reader);
+    if (KARFailed(reader.Status()))
+        element.Fail();
+}
+
+// Attributes of nodes are read from their records anyway.
+bool RecordReader::Read(const Item& item, std::span<const Item> inner, RecordElement& element)
+{
+    if (item.place == ItemPlace::Attribute)
+        return false;
+    if (item.place == ItemPlace::Inline) {
+        if (!ReadInlineNumbers(item, element))
+            return false;
+        Store(item, element);
+        return true;
+    }
+    const std::uint32_t number = element.Find(item.name);
+    if (number == 0)
+        return item.presence == ItemPresence::Optional && !item.zeroIfMissing;
+    bool isSet = true;
+    bool isRead = false;
+    switch (item.kind) {
+    case ItemKind::Group:
+        return ReadGroup(item, inner, number, element);
+    case ItemKind::Reference:
+        return !item.isValueReference && ReadReference(item, number);
+    case ItemKind::References:
+        return ReadReferences(item, inner, number);
+    case ItemKind::Numbers:
+        isRead = ReadNumbers(item, number);
+        break;
+    case ItemKind::Transformation:
+        isRead = ReadTransformation(item, number);
+        break;
+    case ItemKind::OptionalNumber:
+        isRead = ReadOptionalNumber(item, number, isSet);
+        break;
+    default:
+        isRead = ReadScalar(item, number);
+    }
+    if (isRead && isSet)
+        Store(item, element);
+    return isRead;
+}
+
+void RecordReader::Store(const Item& item, RecordElement& element)
+{
+    if (!ElementReader::Set(item.set(m_owner, m_value), item.where) && m_statuses.settersCount)
+        element.Fail();
+}
+
+bool RecordReader::ReadScalar(const Item& item, std::uint32_t number)
+{
+    const char* const text = TextOf(number);
+    if (text == nullptr)
+        return false;
+    bool flag = false;
+    switch (item.kind) {
+    case ItemKind::Number:
+        return ToDouble(text, m_value.numbers[0]);
+    case ItemKind::Integer:
+    case ItemKind::Code:
+        return kar::ScanInt(std::string_view(text), m_value.number) == 1;
+    case ItemKind::Flag:
+        if (!ToFlag(text, flag))
+            return false;
+        m_value.number = flag ? 1 : 0;
+        return true;
+    case ItemKind::Word:
+        return TakeWord(item, text, m_value.number);
+    case ItemKind::Text: {
+        const std::string_view narrow = text;
+        m_value.buffer.assign(narrow.begin(), narrow.end());
+        m_value.text = m_value.buffer;
+        return true;
+    }
+    default:
+        return false;
+    }
+}
+
+bool RecordReader::TakeWord(const Item& item, const char* text, int& row) const
+{
+    const auto found = std::find_if(item.words.begin(), item.words.end(),
+                                    [text](std::wstring_view word) { return Equals(word, text); });
+    row = static_cast<int>(found - item.words.begin());
+    return found != item.words.end();
+}
+
+// Takes the only numbers of an element, in the order of their names.
+bool RecordReader::TakeDoubles(std::uint32_t number, std::span<const std::wstring_view> names,
+                               double* values) const
+{
+    const std::uint32_t end = RecordOf(number).end;
+    std::uint32_t child = number + 1;
+    for (const std::wstring_view name : names) {
+        if (child == end || !IsNamed(child, name))
+            return false;
+        const char* const text = TextOf(child);
+        if (text == nullptr || !ToDouble(text, *values++))
+            return false;
+        ++child; // it has no elements
+    }
+    return child == end;
+}
+
+// What a reader from nodes begins with, though all of it is replaced: a getter may report.
+void RecordReader::Begin(const Item& item)
+{
+    if (!item.zeroIfMissing)
+        item.get(m_owner, m_value);
+}
+
+bool RecordReader::ReadNumbers(const Item& item, std::uint32_t number)
+{
+    std::array<double, ItemValue::Capacity> values;
+    if (!TakeDoubles(number, item.words, values.data()))
+        return false;
+    Begin(item);
+    std::copy_n(values.begin(), item.words.size(), m_value.numbers.begin());
+    return true;
+}
+
+bool RecordReader::ReadInlineNumbers(const Item& item, RecordElement& element)
+{
+    std::array<double, ItemValue::Capacity> values;
+    double* value = values.data();
+    for (const std::wstring_view name : item.words) {
+        const std::uint32_t number = element.Find(name);
+        const char* const text = number != 0 ? TextOf(number) : nullptr;
+        if (text == nullptr || !ToDouble(text, *value++))
+            return false;
+    }
+    Begin(item);
+    std::copy_n(values.begin(), item.words.size(), m_value.numbers.begin());
+    return true;
+}
+
+bool RecordReader::ReadTransformation(const Item& item, std::uint32_t number)
+{
+    const TransformationNames& parts = *item.parts;
+    const std::uint32_t end = RecordOf(number).end;
+    const std::uint32_t translation = number + 1;
+    if (translation == end)
+        return false;
+    const std::uint32_t rotation = RecordOf(translation).end;
+    std::array<double, ItemValue::Capacity> values;
+    if (rotation == end || RecordOf(rotation).end != end ||
+        !IsNamed(translation, parts.translation) || !IsNamed(rotation, parts.rotation) ||
+        !TakeDoubles(translation, parts.vector, values.data()) ||
+        !TakeDoubles(rotation, parts.matrix, values.data() + parts.vector.size()))
+        return false;
+    Begin(item);
+    std::copy_n(values.begin(), parts.vector.size() + parts.matrix.size(), m_value.numbers.begin());
+    return true;
+}
+
+bool RecordReader::ReadOptionalNumber(const Item& item, std::uint32_t number, bool& isSet)
+{
+    const std::uint32_t end = RecordOf(number).end;
+    const std::uint32_t flag = number + 1;
+    const char* const text = flag != end && IsNamed(flag, item.words[0]) ? TextOf(flag) : nullptr;
+    if (text == nullptr || !ToFlag(text, isSet))
+        return false;
+    const std::uint32_t counted = flag + 1;
+    if (!isSet)
+        return counted == end;
+    m_value.number = 1;
+    return counted != end && counted + 1 == end && IsNamed(counted, item.words[1]) &&
+           TextOf(counted) != nullptr && ToDouble(TextOf(counted), m_value.numbers[0]);
+}
+
+bool RecordReader::ReadGroup(const Item& item, std::span<const Item> inner, std::uint32_t number,
+                             RecordElement& element)
+{
+    RecordElement child(element, number);
+    if (!child.IsSimple())
+        return false;
+    if (item.set != nullptr)
+        Store(item, element);
+    WalkInner(item, inner, child, element);
+    return true;
+}
+
+bool RecordReader::ReadReference(const Item& item, std::uint32_t number)
+{
+    Entry entry{};
+    if (!TakeEntry(number, {}, entry))
+        return item.isWithoutTarget && FindAttribute(number, L"id") == nullptr;
+    if (entry.target == nullptr)
+        return true;
+    m_value.target = entry.target;
+    ElementReader::Set(item.set(m_owner, m_value), item.where);
+    return true;
+}
+
+// All entries are looked at before the first of them is linked.
+bool RecordReader::ReadReferences(const Item& item, std::span<const Item> inner,
+                                  std::uint32_t number)
+{
+    m_entries.clear();
+    const std::uint32_t end = RecordOf(number).end;
+    for (std::uint32_t child = number + 1; child != end; child = RecordOf(child).end) {
+        if (!IsNamed(child, item.entry))
+            continue;
+        Entry entry{};
+        if (!TakeEntry(child, inner, entry))
+            return false;
+        if (entry.target != nullptr)
+            m_entries.push_back(entry);
+    }
+    for (const Entry& entry : m_entries) {
+        m_value.target = entry.target;
+        m_value.number = entry.word;
+        ElementReader::Set(item.set(m_owner, m_value), item.where);
+    }
+    return true;
+}
+
+// The target is null for one that the document does not have.
+bool RecordReader::TakeEntry(std::uint32_t number, std::span<const Item> inner, Entry& entry)
+{
+    const auto plain = [&](std::wstring_view name) -> const char* {
+        const AttributeRecord* const attribute = FindAttribute(number, name);
+        return attribute != nullptr && attribute->isPlain != 0 ? m_recorded.bytes + attribute->value
+                                                               : nullptr;
+    };
+    const AsciiText identifier{plain(L"id")};
+    if (identifier.characters == nullptr)
+        return false;
+    ReadText text;
+    text.Refer(identifier);
+    entry.target = m_entities.Find(text);
+    if (entry.target == nullptr || !*entry.target) {
+        entry.target = nullptr;
+        return true;
+    }
+    return std::all_of(inner.begin(), inner.end(), [&](const Item& attribute) {
+        if (!attribute.isRead || attribute.isCoded || !m_gate.Passes(attribute))
+            return true;
+        const char* const word = plain(attribute.name);
+        return attribute.whenRead == nullptr && word != nullptr &&
+               TakeWord(attribute, word, entry.word);
+    });
+}
+
+const ElementRecord& RecordReader::RecordOf(std::uint32_t number) const
+{
+    return m_recorded.records->elements[number];
+}
+
+bool RecordReader::IsNamed(std::uint32_t number, std::wstring_view name) const
+{
+    return SameName(m_recorded.records->names[RecordOf(number).name].View(), name);
+}
+
+// The text of an element that is as it stands; null for other ones.
+const char* RecordReader::TextOf(std::uint32_t number) const
+{
+    const ElementRecord& record = RecordOf(number);
+    if (record.Kind() != TextKind::Plain)
+        return nullptr;
+    return record.text != NoOffset ? m_recorded.bytes + record.text : "";
+}
+
+// The last attribute of a name counts.
+const AttributeRecord* RecordReader::FindAttribute(std::uint32_t number,
+                                                   std::wstring_view name) const
+{
+    for (std::uint32_t index = RecordOf(number + 1).attributes;
+         index != RecordOf(number).attributes;) {
+        const AttributeRecord& attribute = m_recorded.records->attributes[--index];
+        if (SameName(m_recorded.records->names[attribute.name].View(), name))
+            return &attribute;
+    }
+    return nullptr;
+}
+
+} // namespace karmp
