@@ -199,17 +199,24 @@ void MechanismRules::NoteDimensions(std::uint32_t number, const Lineage& lineage
     m_spatialGeometries[number] = true;
 }
 
+// Planar classes count as those in space too.
+const std::vector<MechanismRules::EntityCheck>& MechanismRules::ChecksOf(const Lineage& lineage)
+{
+    const auto [place, added] = m_checks.try_emplace(lineage.front());
+    std::vector<EntityCheck>& checks = place->second;
+    if (!added)
+        return checks;
+    for (const MechanismRule& rule : MechanismRule::All())
+        if (HasClass(lineage, rule.className) &&
+            std::find(checks.begin(), checks.end(), rule.check) == checks.end())
+            checks.push_back(rule.check);
+    return checks;
+}
+
 void MechanismRules::Check(const Lineage& lineage, const Node& entity)
 {
-    // Planar classes count as those in space too.
-    std::vector<void (*)(MechanismRules&, const Node&)> done;
-    for (const MechanismRule& rule : MechanismRule::All()) {
-        if (!HasClass(lineage, rule.className) ||
-            std::find(done.begin(), done.end(), rule.check) != done.end())
-            continue;
-        done.push_back(rule.check);
-        rule.check(*this, entity);
-    }
+    for (const EntityCheck check : ChecksOf(lineage))
+        check(*this, entity);
     CheckConstraint(lineage, entity);
     CheckQuantitiesOf(lineage, entity);
     CheckRanges(lineage, entity);

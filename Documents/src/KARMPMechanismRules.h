@@ -79,6 +79,10 @@ public:
 
 private:
     friend struct MechanismRule;
+    using EntityCheck = void (*)(MechanismRules& rules, const Node& entity);
+
+    /// What is checked of the entities of a class.
+    const std::vector<EntityCheck>& ChecksOf(const Lineage& lineage);
 
     /// The identifier of an attribute in paths, by its number, and its element.
     struct NamedNode
@@ -169,6 +173,8 @@ private:
 
     Identifiers& m_identifiers;
     Tell m_tell;
+    /// By the names of classes.
+    std::unordered_map<std::string, std::vector<EntityCheck>> m_checks;
     std::unordered_set<std::uint32_t> m_valuesWithoutQuantity;
     std::unordered_set<std::uint32_t> m_layers;
     std::unordered_set<std::uint32_t> m_steps;
