@@ -171,13 +171,26 @@ void Render(benchmark::State& state, Content content)
     }
 }
 
-/// Loads and parses by turns; `prepare` is called before each.
+/// What is done with a document.
+enum class Reading { Load, CheckedLoad, Check };
+
+karmp::documents::LoadResult Read(const std::string& text, Reading reading)
+{
+    using karmp::documents::CheckLevel;
+    karmp::documents::LoadOptions options;
+    options.check = reading == Reading::Load ? CheckLevel::None : CheckLevel::Form;
+    if (reading != Reading::Check)
+        return LoadText(text, "bench", options);
+    karmp::documents::LoadResult result;
+    result.diagnostics = karmp::documents::CheckText(text, "bench", {}, CheckLevel::Form);
+    return result;
+}
+
+/// Reads and parses by turns; `prepare` is called before each.
 template <class Prepare>
-void LoadAndParse(benchmark::State& state, Content content, Prepare prepare)
+void ReadAndParse(benchmark::State& state, Content content, Reading reading, Prepare prepare)
 {
     const std::string& text = DocumentOf(state.range(0), content);
-    karmp::documents::LoadOptions options;
-    options.check = karmp::documents::CheckLevel::None;
     double bareTime = 0.0;
     double time = 0.0;
     const PerEntity perEntity(state, content);
@@ -186,10 +199,10 @@ void LoadAndParse(benchmark::State& state, Content content, Prepare prepare)
         state.PauseTiming();
         prepare();
         state.ResumeTiming();
-        time += SecondsOf([&] { result = LoadText(text, "bench", options); });
+        time += SecondsOf([&] { result = Read(text, reading); });
         state.PauseTiming();
-        if (!result.world || !result.diagnostics.items.empty())
-            state.SkipWithError("the document does not load cleanly");
+        if ((reading != Reading::Check && !result.world) || !result.diagnostics.items.empty())
+            state.SkipWithError("the document is not read cleanly");
         result.world.detach();
         prepare();
         bareTime += SecondsOf([&] {
@@ -202,20 +215,27 @@ void LoadAndParse(benchmark::State& state, Content content, Prepare prepare)
     state.counters["text_bytes"] = static_cast<double>(text.size());
 }
 
-void Load(benchmark::State& state, Content content)
+template <Reading TheReading>
+void ReadFresh(benchmark::State& state, Content content)
 {
-    LoadAndParse(state, content, GiveFreeMemoryBack);
+    ReadAndParse(state, content, TheReading, GiveFreeMemoryBack);
 }
 
-/// The same in a process that loaded the document before and kept the memory.
-void LoadAgain(benchmark::State& state, Content content)
+/// The same in a process that read the document before and kept the memory.
+template <Reading TheReading>
+void ReadAgain(benchmark::State& state, Content content)
 {
     const HeapThatKeeps heap;
-    karmp::documents::LoadOptions options;
-    options.check = karmp::documents::CheckLevel::None;
-    LoadText(DocumentOf(state.range(0), content), "bench", options).world.detach();
-    LoadAndParse(state, content, [] {});
+    Read(DocumentOf(state.range(0), content), TheReading).world.detach();
+    ReadAndParse(state, content, TheReading, [] {});
 }
+
+constexpr auto Load = ReadFresh<Reading::Load>;
+constexpr auto CheckedLoad = ReadFresh<Reading::CheckedLoad>;
+constexpr auto Check = ReadFresh<Reading::Check>;
+constexpr auto LoadAgain = ReadAgain<Reading::Load>;
+constexpr auto CheckedLoadAgain = ReadAgain<Reading::CheckedLoad>;
+constexpr auto CheckAgain = ReadAgain<Reading::Check>;
 
 /// The most memory that this process has held, in bytes.
 double PeakMemory()
@@ -341,6 +361,10 @@ BENCHMARK_CAPTURE(SaveAgain<true>, Joints, Content::Joints)->Name("SaveAgain/Joi
 BENCHMARK_CAPTURE(SaveAgain<false>, Joints, Content::Joints)
     ->Name("UncheckedSaveAgain/Joints")
     ->SIZES;
+BENCHMARK_CAPTURE(CheckedLoad, Joints, Content::Joints)->SIZES;
+BENCHMARK_CAPTURE(CheckedLoadAgain, Joints, Content::Joints)->SIZES;
+BENCHMARK_CAPTURE(Check, Joints, Content::Joints)->SIZES;
+BENCHMARK_CAPTURE(CheckAgain, Joints, Content::Joints)->SIZES;
 BENCHMARK_CAPTURE(Build, Springs, Content::Springs)->SIZES;
 BENCHMARK_CAPTURE(Save, Springs, Content::Springs)->SIZES;
 BENCHMARK_CAPTURE(Load, Springs, Content::Springs)->SIZES;
