@@ -38,13 +38,15 @@ QOBSharedObject** ObjectMap::AddRun(std::uintptr_t page)
     return run;
 }
 
-// Blocks grow with the map, up to a large page.
+// Blocks grow with the map, from some size on by a large page each: the page faults of smaller ones
+// would cost more than the part of the last page that stays free.
 void ObjectMap::AddBlock()
 {
     constexpr std::size_t RunBytes = SlotCount * sizeof(QOBSharedObject*);
     constexpr std::size_t LargestRuns = kar::LargePage / RunBytes;
     constexpr std::size_t FirstRuns = 8;
-    const std::size_t runs = std::clamp(m_pageCount, FirstRuns, LargestRuns);
+    const std::size_t runs =
+        m_pageCount < LargestRuns / 4 ? std::max(m_pageCount, FirstRuns) : LargestRuns;
     m_blocks.reserve(m_blocks.size() + 1);
     const std::size_t bytes = runs * RunBytes;
     auto* const slots = static_cast<QOBSharedObject**>(kar::AllocateLargePages(bytes));

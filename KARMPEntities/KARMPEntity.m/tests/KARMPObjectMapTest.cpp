@@ -42,7 +42,7 @@ TEST(ObjectMap, FindsWhatWasEnteredLast)
 
 TEST(ObjectMap, TellsNeighboursApartInWhateverOrderTheyCome)
 {
-    const auto entities = Entities(30'000);
+    const auto entities = Entities(60'000); // more pages than small blocks have runs for
     std::vector<std::size_t> order(entities.size());
     for (std::size_t index = 0; index < order.size(); ++index)
         order[index] = index;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "KARLargePages.h"
 #include "KARMPEntity.h"
 #include "KARMPObjectMap.h"
 
@@ -53,7 +54,11 @@ class Duplicates
 {
 public:
     /// Prepares for a number of entities.
-    explicit Duplicates(std::size_t count) { m_pairs.reserve(count); }
+    explicit Duplicates(std::size_t count)
+    {
+        m_pairs.reserve(count);
+        kar::AskForLargePages(m_pairs.data(), count * sizeof(PlainPair));
+    }
 
     /// Enters a duplicate in place of an earlier one of the same source.
     void Enter(const QOBSharedObject* source, QOBSharedObject* duplicate)
