@@ -150,6 +150,10 @@ void SaveCheck::Run()
         return;
     if (!m_entities)
         m_entities.emplace(m_world);
+    // What was being made when an allocation failed is not whole.
+    m_classes.clear();
+    m_lastClass = nullptr;
+    m_longLists.clear();
     m_sum = 0;
     CheckGlobals();
     CheckMaterials();
