@@ -66,6 +66,19 @@ struct karmp::ContentOf<KARMPEntity>
     }
     static bool AreOutputsRead(const C&) { return !AreOutputsLeftOut(); }
 
+    template <auto List, class T>
+    static KARStatus RemoveFrom(C& entity, const QOBSharedHandle<T>& target)
+    {
+        return entity.m_rare != nullptr ? ((*entity.m_rare).*List).Remove(target) : KARUnchanged;
+    }
+    static KARStatus RemoveElement(C& entity, const QOBSharedHandle<KARMPEntity>& element)
+    {
+        const KARStatus status = RemoveFrom<&C::RareMembers::aggregatedElements>(entity, element);
+        if (status == KARSuccess && element->Rare().parentEntity.Handle().get() == &entity)
+            element->MakeRare().parentEntity.Clear();
+        return status;
+    }
+
     // Of the getters of an attribute, the one that takes an index.
     template <class T>
     using ByIndex = KARStatus (C::*)(int, QOBSharedHandle<T>&) const;
@@ -90,16 +103,20 @@ struct karmp::ContentOf<KARMPEntity>
                           .Through<&C::SetID>()),
             References<&C::GetParameterCount,
                        static_cast<ByIndex<KARMPParameter>>(&C::GetParameter), &C::AddParameter>(
-                L"Parameters", L"Parameter", "Numbers and texts kept with it."),
+                L"Parameters", L"Parameter", "Numbers and texts kept with it.")
+                .Removing<&RemoveFrom<&C::RareMembers::parameters, KARMPParameter>>(),
             References<&C::GetStateCount, static_cast<ByIndex<KARMPState>>(&C::GetState),
-                       &C::AddState>(L"States", L"State", "Attributes that describe its state."),
+                       &C::AddState>(L"States", L"State", "Attributes that describe its state.")
+                .Removing<&RemoveFrom<&C::RareMembers::states, KARMPState>>(),
             References<&C::GetOutputCount, static_cast<ByIndex<KARMPOutput>>(&C::GetOutput),
                        &C::AddOutput>(L"Outputs", L"Output", "Results that a solver keeps with it.")
+                .Removing<&RemoveFrom<&C::RareMembers::outputs, KARMPOutput>>()
                 .When<&AreOutputsWritten>()
                 .WhenRead<&AreOutputsRead>(),
             References<&C::GetAggregatedElementCount, &C::GetAggregatedElement,
                        &C::AddAggregatedElement>(L"AggregatedElements", L"Element",
-                                                 "The entities that it is made of."))
+                                                 "The entities that it is made of.")
+                .Removing<&RemoveElement>())
             .WrittenByList();
 };
 KARMP_DESCRIBE_CONTENT(KARMPEntity);
