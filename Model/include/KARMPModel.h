@@ -15,6 +15,7 @@
 #include "KARMPDocuments.h"
 #include "KARMPEnumerations.h"
 #include "KARMPFamilies.h"
+#include "KARMPItems.h"
 #include "KARMPModelExport.h"
 #include "KARMPModelOptions.h"
 #include "KARMPModelRef.h"
@@ -47,6 +48,41 @@ struct Extraction;
 
 /// How models are saved where nothing else is said: all doubles as they are.
 KARMP_MODEL_API documents::SaveOptions Exactly();
+
+/// A reference from one entity to another one.
+struct Dependent
+{
+    Ref<KARMPEntity> entity;
+    /// The item by which the entity refers, by its path.
+    std::string item;
+    Ref<KARMPEntity> target;
+};
+
+/// What a deletion did, or would do.
+struct Deletion
+{
+    /// False when it was refused; nothing was done then.
+    bool succeeded = false;
+    /// The entity and what went with it. The references are false afterwards, but for their
+    /// handles.
+    RefList<KARMPEntity> gone;
+    /// The references to them of entities that stay, which were dropped.
+    std::vector<Dependent> unlinked;
+    /// Those of them whose entities lack something now: a joint with one body, a motor without a
+    /// variable.
+    std::vector<Dependent> leftShort;
+
+    explicit operator bool() const { return succeeded; }
+};
+
+/// How entities are deleted.
+struct DeleteOptions
+{
+    /// Tells what would be done, and does nothing.
+    bool preview = false;
+    /// Entities that would be left short go as well, and so on.
+    bool withShort = false;
+};
 
 /// A mechanism: a world, and the calls that build and edit it.
 ///
@@ -199,6 +235,26 @@ public:
         return all;
     }
 
+    /// Takes an entity out of the model with what it owns: the geometries of a body, the
+    /// constraints of a joint, the elements of an entity that is made of others. Nothing refers to
+    /// what is gone, and references to it are false from then on. The ground and the globals stay.
+    /// Links are found by the end that is deleted: of those that one end alone knows, such as a
+    /// check tells, it has to be that one.
+    Deletion Delete(const Ref<KARMPEntity>& entity, const DeleteOptions& options = {},
+                    Where where = Where::current());
+    /// All references of other entities to one.
+    std::vector<Dependent> Dependents(const Ref<KARMPEntity>& entity) const;
+
+    /// The items of an entity's class: what it holds, each with its name, kind and meaning.
+    static std::span<const ItemInfo> Items(const Ref<KARMPEntity>& entity);
+    /// The value of an item by its path, or by its name where one item alone has it.
+    Result<Value> Get(const Ref<KARMPEntity>& entity, std::string_view item,
+                      Where where = Where::current()) const;
+    /// Stores a value of an item as ItemInfo::Set does, so that a loader hears of it. Of links both
+    /// halves are made, and those of targets that the value leaves out are taken away.
+    bool Set(const Ref<KARMPEntity>& entity, std::string_view item, const Value& value,
+             Where where = Where::current());
+
     /// Gives an entity another name. Its identifier stays.
     bool Rename(const Ref<KARMPEntity>& entity, std::string_view name,
                 Where where = Where::current());
@@ -212,7 +268,8 @@ public:
     Result<std::string> Text(const documents::SaveOptions& options = Exactly(),
                              Where where = Where::current()) const;
     /// What the check of documents, and of saving, finds in the model.
-    documents::Diagnostics Check() const;
+    documents::Diagnostics Check(
+        documents::CheckLevel level = documents::CheckLevel::Mechanism) const;
     /// A model of its own with the same entities, listed in the order of a world that is read.
     Result<Model> Clone(Where where = Where::current()) const;
     /// The part around some bodies as a model of its own, as ExtractWorld takes it.

@@ -70,13 +70,13 @@ Result<std::string> Model::Text(const documents::SaveOptions& options, Where whe
     return {std::move(text), std::move(findings)};
 }
 
-documents::Diagnostics Model::Check() const
+documents::Diagnostics Model::Check(documents::CheckLevel level) const
 {
     std::string text;
     Diagnostics findings = documents::SaveText(World(), text, Exactly());
     if (HasErrors(findings))
         return findings;
-    Diagnostics further = documents::CheckText(std::move(text), "<model>");
+    Diagnostics further = documents::CheckText(std::move(text), "<model>", {}, level);
     findings.items.insert(findings.items.end(), further.items.begin(), further.items.end());
     return findings;
 }

@@ -1,14 +1,28 @@
 #include "KARMPModelEdit.h"
 
-#include "KARMPHalfLinks.h"
 #include "KARMPModelCore.h"
+#include "KARMPModelLinks.h"
 #include "KARMPModelNames.h"
 #include "KARTextConversion.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <limits>
 #include <utility>
+#include <vector>
 
 namespace karmp::model {
+
+namespace {
+
+// What an entity is made of knows it as its parent.
+bool HasOtherParent(const KARMPEntity& element, const KARMPEntity& owner)
+{
+    Edit::Entity parent;
+    return !KARFailed(element.GetParentEntity(parent)) && parent && parent.get() != &owner;
+}
+
+} // namespace
 
 Edit::~Edit()
 {
@@ -27,10 +41,15 @@ void Edit::Undo(EditStep& step)
         m_core.Unfile(Entity(step.entity), *step.family);
         break;
     case EditStep::Kind::Linked:
-        step.half->unlink(*step.entity, Entity(step.target));
+        step.item->RemoveTarget(*step.entity, Entity(step.target));
         break;
     case EditStep::Kind::Unlinked:
-        step.half->link(*step.entity, Entity(step.target), step.word);
+        RestoreHalf(*step.item, *step.entity, Entity(step.target), step.index, step.word);
+        break;
+    case EditStep::Kind::Set:
+        // What cannot be unset stays.
+        if (step.item->Takes(*step.value))
+            static_cast<void>(step.item->Set(*step.entity, *step.value));
         break;
     case EditStep::Kind::Renamed:
         step.entity->setEntityName(*step.name);
@@ -95,70 +114,117 @@ Edit::Entity Edit::Create(const QOBClassInfo& info, std::string_view identifier)
     return Check(m_core.File(entity, *family), "the filing", *entity) ? entity : Entity();
 }
 
-bool Edit::LinkHalf(const HalfLink& half, const Entity& owner, const Entity& target, int word)
+bool Edit::LinkOne(const ItemInfo& item, const Entity& owner, const Entity& target)
 {
-    if (half.held != nullptr) {
-        const Entity held = half.held(*owner);
-        if (held == target)
-            return true;
-        if (held)
-            return Fail(TitleOf(*owner) + " is linked to " + TitleOf(*held) + " already, by its " +
-                        kar::ToUtf8(half.item));
-    }
+    const Entity held = HeldBy(item, *owner);
+    if (held == target)
+        return true;
+    if (held)
+        return Fail(TitleOf(*owner) + " is linked to " + TitleOf(*held) + " already, by its \"" +
+                    kar::ToUtf8(item.path) + '"');
+    if (item.name == Elements && HasOtherParent(*target, *owner))
+        return Fail(TitleOf(*target) + " is an element of another entity already");
     EditStep& step = NextStep();
-    const KARStatus status = half.link(*owner, target, word);
+    const KARStatus status = LinkHalf(item, *owner, target);
     if (status != KARSuccess) {
         m_log.pop_back();
         return !KARFailed(status) ||
                Fail("linking " + TitleOf(*owner) + " to " + TitleOf(*target) + " failed", status);
     }
     step.kind = EditStep::Kind::Linked;
-    step.half = &half;
+    step.item = &item;
     step.entity = owner.get();
     step.target = target.get();
     return true;
 }
 
-bool Edit::UnlinkHalf(const HalfLink& half, const Entity& owner, const Entity& target,
-                      bool& wasLinked)
+bool Edit::UnlinkOne(const ItemInfo& item, const Entity& owner, const Entity& target, bool inPlace,
+                     bool& any)
 {
     EditStep& step = NextStep();
-    step.half = &half;
+    step.item = &item;
     step.entity = owner.get();
     step.target = target.get();
-    if (half.wordOf != nullptr)
-        step.word = half.wordOf(*owner, target);
-    step.kind = EditStep::Kind::Unlinked;
-    const KARStatus status = half.unlink(*owner, target);
-    wasLinked = wasLinked || status == KARSuccess;
-    if (status != KARSuccess)
+    step.index = std::numeric_limits<int>::max();
+    if (item.kind == ItemKind::References && (inPlace || !item.entryWord.empty())) {
+        const auto targets = TargetsOf(item, *owner);
+        const auto words = item.EntryWords(*owner);
+        const auto found = std::find(targets.begin(), targets.end(), target);
+        const auto index = static_cast<std::size_t>(found - targets.begin());
+        step.index = static_cast<int>(index);
+        if (index < words.size())
+            step.word = words[index];
+    }
+    const KARStatus status = item.RemoveTarget(*owner, target);
+    if (status == KARSuccess)
+        step.kind = EditStep::Kind::Unlinked;
+    else
         m_log.pop_back();
+    any = any || status == KARSuccess;
     return !KARFailed(status) ||
            Fail("unlinking " + TitleOf(*owner) + " from " + TitleOf(*target) + " failed", status);
 }
 
-bool Edit::Link(const Entity& first, const Entity& second, std::string_view item, int word)
+namespace {
+
+bool IsChosen(const LinkPair& pair, const std::wstring& item)
+{
+    const auto is = [&item](const ItemInfo* half) {
+        return half != nullptr && (half->name == item || half->path == item);
+    };
+    // Nearly every entity can be an element of every other one: that has to be told.
+    if (item.empty())
+        return pair.second != nullptr || pair.first->name != Elements;
+    return is(pair.first) || is(pair.second);
+}
+
+// False for a single link to another entity.
+bool IsFree(const ItemInfo* item, const KARMPEntity& entity, const Edit::Entity& target)
+{
+    const auto held = item != nullptr ? HeldBy(*item, entity) : Edit::Entity();
+    return !held || held == target;
+}
+
+std::string NamesOf(const std::vector<const ItemInfo*>& items)
+{
+    std::string names;
+    for (const ItemInfo* const item : items)
+        names += (names.empty() ? "\"" : ", \"") + kar::ToUtf8(item->path) + '"';
+    return names;
+}
+
+} // namespace
+
+bool Edit::Link(const Entity& first, const Entity& second, std::string_view item)
 {
     if (!IsThere(first, "first entity to link") || !IsThere(second, "second entity to link"))
         return false;
     const std::wstring wide = Wide(item);
     const LinkPair* chosen = nullptr;
+    std::vector<const ItemInfo*> alone;
     // Of several single links, as those of a connector, the first one that is free.
     for (const LinkPair& pair : PairsBetween(first->getClassInfo(), second->getClassInfo())) {
-        if (!item.empty() && pair.first->item != wide && pair.second->item != wide)
+        if (!IsChosen(pair, wide))
+            continue;
+        if (pair.second == nullptr)
+            alone.push_back(pair.first);
+        if (chosen != nullptr && pair.second == nullptr)
             continue;
         const bool isFree =
-            pair.first->IsFreeFor(*first, second) && pair.second->IsFreeFor(*second, first);
+            IsFree(pair.first, *first, second) && IsFree(pair.second, *second, first);
         if (isFree || chosen == nullptr)
             chosen = &pair;
-        if (isFree)
+        if (isFree && pair.second != nullptr)
             break;
     }
     if (chosen == nullptr)
         return Fail(TitleOf(*first) + " and " + TitleOf(*second) + " have no link" +
                     (item.empty() ? std::string() : " \"" + std::string(item) + '"'));
-    return LinkHalf(*chosen->first, first, second, word) &&
-           LinkHalf(*chosen->second, second, first, word);
+    if (chosen->second == nullptr && alone.size() > 1)
+        return Fail(TitleOf(*first) + " can refer to " + TitleOf(*second) +
+                    " by several items: " + NamesOf(alone));
+    return LinkOne(*chosen->first, first, second) &&
+           (chosen->second == nullptr || LinkOne(*chosen->second, second, first));
 }
 
 bool Edit::Unlink(const Entity& first, const Entity& second, std::string_view item)
@@ -166,18 +232,29 @@ bool Edit::Unlink(const Entity& first, const Entity& second, std::string_view it
     if (!IsThere(first, "first entity to unlink") || !IsThere(second, "second entity to unlink"))
         return false;
     const std::wstring wide = Wide(item);
+    const auto& pairs = PairsBetween(first->getClassInfo(), second->getClassInfo());
     bool any = false;
-    for (const LinkPair& pair : PairsBetween(first->getClassInfo(), second->getClassInfo())) {
-        if (!item.empty() && pair.first->item != wide && pair.second->item != wide)
+    for (const LinkPair& pair : pairs) {
+        if (!IsChosen(pair, wide))
             continue;
-        // What may refuse comes first: what follows need not be restored then, in its order.
-        if (!UnlinkHalf(pair.second->mayRefuse ? *pair.second : *pair.first,
-                        pair.second->mayRefuse ? second : first,
-                        pair.second->mayRefuse ? first : second, any) ||
-            !UnlinkHalf(pair.second->mayRefuse ? *pair.first : *pair.second,
-                        pair.second->mayRefuse ? first : second,
-                        pair.second->mayRefuse ? second : first, any))
-            return false;
+        // A list goes last: nothing refuses behind it, and another link of the two may need it.
+        const bool isReversed = pair.second != nullptr && pair.second->kind == ItemKind::Reference;
+        for (const bool isSecond : {isReversed, !isReversed}) {
+            const ItemInfo* const half = isSecond ? pair.second : pair.first;
+            const Entity& owner = isSecond ? second : first;
+            const Entity& target = isSecond ? first : second;
+            if (half == nullptr || !Holds(*half, *owner, target))
+                continue;
+            const bool isNeeded =
+                std::any_of(pairs.begin(), pairs.end(), [&](const LinkPair& other) {
+                    const ItemInfo* const shared = isSecond ? other.second : other.first;
+                    const ItemInfo* const back = isSecond ? other.first : other.second;
+                    return &other != &pair && shared == half && back != nullptr &&
+                           Holds(*back, *target, owner);
+                });
+            if (!isNeeded && !UnlinkOne(*half, owner, target, true, any))
+                return false;
+        }
     }
     return any || Fail(TitleOf(*first) + " and " + TitleOf(*second) + " are not linked");
 }
@@ -194,6 +271,43 @@ bool Edit::Rename(const Entity& entity, std::string_view name)
     step.name = std::make_unique<std::wstring>(entity->getEntityName());
     entity->setEntityName(Wide(name));
     return true;
+}
+
+bool Edit::Set(const Entity& entity, const ItemInfo& item, const Value& value)
+{
+    if (item.kind == ItemKind::Reference || item.kind == ItemKind::References)
+        return SetTargets(entity, item, value);
+    EditStep& step = NextStep();
+    step.item = &item;
+    step.entity = entity.get();
+    step.value = std::make_unique<Value>(item.Get(*entity));
+    // A setter that fails may have stored the value.
+    if (item.kind != ItemKind::Records)
+        step.kind = EditStep::Kind::Set;
+    std::string why;
+    const KARStatus status = item.Set(*entity, value, why);
+    return !KARFailed(status) ||
+           Fail('"' + kar::ToUtf8(item.path) + "\" of " + TitleOf(*entity) + " is not set: " + why,
+                status);
+}
+
+bool Edit::SetTargets(const Entity& entity, const ItemInfo& item, const Value& value)
+{
+    std::vector<Entity> wanted;
+    if (const auto* const target = std::get_if<Entity>(&value))
+        wanted.push_back(*target);
+    else if (const auto* const targets = std::get_if<std::vector<Entity>>(&value))
+        wanted = *targets;
+    else if (!value.IsNone())
+        return Fail('"' + kar::ToUtf8(item.path) + "\" of " + TitleOf(*entity) +
+                    " refers to entities");
+    const std::string path = kar::ToUtf8(item.path);
+    for (const Entity& held : TargetsOf(item, *entity))
+        if (std::find(wanted.begin(), wanted.end(), held) == wanted.end() &&
+            !Unlink(entity, held, path))
+            return false;
+    return std::all_of(wanted.begin(), wanted.end(),
+                       [&](const Entity& target) { return Link(entity, target, path); });
 }
 
 } // namespace karmp::model

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "KARMPEntity.h"
+#include "KARMPItems.h"
 #include "KARMPModelResult.h"
 
 #include <cstdint>
@@ -14,22 +15,23 @@ namespace karmp::model {
 
 class Core;
 struct FamilyOperations;
-struct HalfLink;
 
 /// What an edit has done, in order, for undoing it. The entities are kept by the index, or by the
 /// caller.
 struct EditStep
 {
-    enum class Kind : std::uint8_t { Nothing, Filed, Linked, Unlinked, Renamed };
+    enum class Kind : std::uint8_t { Nothing, Filed, Linked, Unlinked, Set, Renamed };
 
     Kind kind = Kind::Nothing;
     KARMPEntity* entity = nullptr;
     KARMPEntity* target = nullptr;
     const FamilyOperations* family = nullptr;
-    const HalfLink* half = nullptr;
-    /// The word that an entry had that was unlinked.
-    int word = -1;
+    const ItemInfo* item = nullptr;
+    /// Of an entry of a list that was unlinked, its index and its word.
+    int index = 0;
+    std::wstring_view word = {};
     std::unique_ptr<std::wstring> name = nullptr;
+    std::unique_ptr<Value> value = nullptr;
 };
 using EditLog = std::vector<EditStep>;
 
@@ -65,21 +67,26 @@ public:
     /// True for a handle on an entity that is not deleted; otherwise fails.
     bool IsThere(const QOBSharedBase& entity, std::string_view role);
 
-    /// Makes both halves of a link; `item` chooses among several links of the two classes, `word`
-    /// is that of a joint's body, -1 for the next one in order.
-    bool Link(const Entity& first, const Entity& second, std::string_view item = {}, int word = -1);
+    /// Makes both halves of a link, or the one of a reference that has no counterpart; `item`, a
+    /// name or path, chooses among several links of the two classes.
+    bool Link(const Entity& first, const Entity& second, std::string_view item = {});
     /// Takes both halves of all links between two entities, or of those by an item; false when
     /// there is none.
     bool Unlink(const Entity& first, const Entity& second, std::string_view item = {});
     bool Rename(const Entity& entity, std::string_view name);
+    /// Stores a value of an item; links on both sides.
+    bool Set(const Entity& entity, const ItemInfo& item, const Value& value);
 
-    /// Makes, or drops, one half.
-    bool LinkHalf(const HalfLink& half, const Entity& owner, const Entity& target, int word);
-    bool UnlinkHalf(const HalfLink& half, const Entity& owner, const Entity& target,
-                    bool& wasLinked);
+    /// Makes one half.
+    bool LinkOne(const ItemInfo& item, const Entity& owner, const Entity& target);
+    /// Takes one half away; `any` becomes true if there was one. With `inPlace` undoing it restores
+    /// the order of a list, which looks at the whole list.
+    bool UnlinkOne(const ItemInfo& item, const Entity& owner, const Entity& target, bool inPlace,
+                   bool& any);
 
 private:
     void Undo(EditStep& step);
+    bool SetTargets(const Entity& entity, const ItemInfo& item, const Value& value);
     EditStep& NextStep();
 
     Core& m_core;

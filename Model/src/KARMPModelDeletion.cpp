@@ -1,0 +1,221 @@
+// Deleting entities: what goes with them, what refers to them, and what that leaves short.
+#include "KARMPBody.h"
+#include "KARMPModel.h"
+#include "KARMPReferrers.h"
+#include "KARMPSensor.h"
+#include "KARMPVariable.h"
+#include "KARTextConversion.h"
+#include "QOBClassInfo.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <utility>
+
+namespace karmp::model {
+
+namespace {
+
+using Entity = QOBSharedHandle<KARMPEntity>;
+
+/// An item of a class.
+struct ItemOf
+{
+    std::string_view className;
+    std::wstring_view item;
+    /// Of lists that entities need, the least number of entries.
+    int least = 0;
+};
+
+/// What goes with an entity.
+constexpr std::array Owned{
+    ItemOf{"KARMPBody", L"Geometries"},
+    ItemOf{"KARMPJoint", L"Constraints"},
+    ItemOf{"KARMPEntity", L"AggregatedElements"},
+};
+/// The lists without whose entries an entity is nothing. Single references count as needed, but for
+/// those below.
+constexpr std::array Needed{
+    ItemOf{"KARMPJoint", L"Bodies", 2},
+    ItemOf{"KARMPJoint2D", L"Bodies2D", 2},
+    ItemOf{"KARMPJoint", L"Constraints", 1},
+    ItemOf{"KARMPConstraint", L"Geometries", 2},
+    ItemOf{"KARMPEquation", L"Variables", 2},
+    ItemOf{"KARMPConnector", L"Geometries", 2},
+    ItemOf{"KARMPInteraction", L"Collidables", 2},
+};
+constexpr std::array Spared{
+    ItemOf{"KARMPBody", L"DisplacementSensor"},
+    ItemOf{"KARMPConstraint", L"Joint"},
+};
+
+template <std::size_t N>
+const ItemOf* FindIn(const std::array<ItemOf, N>& table, const KARMPEntity& entity,
+                     std::wstring_view item)
+{
+    const auto found = std::find_if(table.begin(), table.end(), [&](const ItemOf& row) {
+        return row.item == item && IsA(entity.getClassInfo(), row.className);
+    });
+    return found != table.end() ? &*found : nullptr;
+}
+
+/// What one call deletes.
+class Plan
+{
+public:
+    explicit Plan(const Core& core) : m_core(core) {}
+
+    const std::vector<Entity>& Gone() const { return m_gone; }
+    const std::vector<Referrer>& Referrers() const { return m_referrers; }
+
+    void Make(const Entity& entity, bool withShort)
+    {
+        AddOwned(entity);
+        std::size_t done = 0;
+        do {
+            done = m_gone.size();
+            m_referrers = FindReferrers(m_core, m_gone, m_set);
+            if (withShort)
+                for (const Referrer& referrer : m_referrers)
+                    if (IsShort(referrer))
+                        AddOwned(referrer.entity);
+        } while (m_gone.size() > done);
+    }
+
+    /// True when what is left of the item is not enough.
+    bool IsShort(const Referrer& referrer) const
+    {
+        const KARMPEntity& entity = *referrer.entity;
+        if (referrer.item->kind == ItemKind::Reference)
+            return FindIn(Spared, entity, referrer.item->name) == nullptr;
+        const ItemOf* const needed = FindIn(Needed, entity, referrer.item->name);
+        if (needed == nullptr)
+            return false;
+        const auto lost = std::count_if(
+            m_referrers.begin(), m_referrers.end(), [&referrer](const Referrer& other) {
+                return other.entity == referrer.entity && other.item == referrer.item;
+            });
+        return referrer.item->Count(entity) - static_cast<int>(lost) < needed->least;
+    }
+
+private:
+    void AddOwned(const Entity& entity)
+    {
+        std::vector<Entity> open{entity};
+        while (!open.empty()) {
+            const Entity next = std::move(open.back());
+            open.pop_back();
+            if (!m_set.insert(next.get()).second)
+                continue;
+            m_gone.push_back(next);
+            for (const ItemInfo* const item : LinkItemsOf(next->getClassInfo()))
+                if (FindIn(Owned, *next, item->name) != nullptr || item->isOwned)
+                    for (Entity& owned : TargetsOf(*item, *next))
+                        open.push_back(std::move(owned));
+        }
+    }
+
+    const Core& m_core;
+    std::vector<Entity> m_gone;
+    EntitySet m_set;
+    std::vector<Referrer> m_referrers;
+};
+
+// What comes with a world stays.
+bool IsKept(const KARMPWorld& world, const Entity& entity)
+{
+    QOBSharedHandle<KARMPBody> global;
+    QOBSharedHandle<KARMPBody> ground;
+    QOBSharedHandle<KARMPAxisSystem> axisSystem;
+    QOBSharedHandle<KARMPVariable> time;
+    world.GetGlobalBody(global);
+    world.GetGroundBody(ground);
+    world.GetGlobalAxisSystem(axisSystem);
+    world.GetGlobalTime(time);
+    const QOBSharedObject* const object = entity._getReferent();
+    return object == global._getReferent() || object == ground._getReferent() ||
+           object == axisSystem._getReferent() || object == time._getReferent();
+}
+
+// What can be refused, the operations of classes that forget a reference, comes before what cannot:
+// undoing restores the order of lists there.
+bool UnlinkAll(Edit& edit, const Plan& plan)
+{
+    for (const bool isMutual : {false, true}) {
+        for (const Referrer& referrer : plan.Referrers()) {
+            const ItemInfo& item = *referrer.item;
+            bool any = false;
+            if (referrer.isMutual != isMutual || item.kind == ItemKind::Records)
+                continue;
+            if (!item.CanRemoveTarget())
+                return edit.Fail(TitleOf(*referrer.entity) + " cannot let go of " +
+                                 TitleOf(*referrer.target) + ", its \"" + kar::ToUtf8(item.path) +
+                                 '"');
+            if (!edit.UnlinkOne(item, referrer.entity, referrer.target, !isMutual, any))
+                return false;
+        }
+    }
+    return true;
+}
+
+// What measurements refer to is forgotten as a whole, and by now nothing can fail.
+void RemoveAll(Core& core, const Plan& plan)
+{
+    for (const Referrer& referrer : plan.Referrers())
+        if (referrer.item->kind == ItemKind::Records)
+            if (auto* const sensor = dynamic_cast<KARMPSensor*>(referrer.entity.get()))
+                sensor->Reset();
+    for (const Entity& entity : plan.Gone())
+        if (const FamilyOperations* const family = FamilyOf(*entity))
+            core.Unfile(entity, *family);
+}
+
+Dependent Told(const Referrer& referrer)
+{
+    return {Ref<KARMPEntity>(referrer.entity), kar::ToUtf8(referrer.item->path),
+            Ref<KARMPEntity>(referrer.target)};
+}
+
+} // namespace
+
+Deletion Model::Delete(const Ref<KARMPEntity>& entity, const DeleteOptions& options, Where where)
+{
+    Deletion deletion;
+    deletion.succeeded = m_core->Perform(where, [&](Edit& edit) {
+        if (!edit.IsThere(entity.Handle(), "entity to delete"))
+            return false;
+        Plan plan(*m_core);
+        plan.Make(entity.Handle(), options.withShort);
+        for (const Entity& gone : plan.Gone())
+            if (IsKept(*World(), gone))
+                return edit.Fail(TitleOf(*gone) + " belongs to the world and stays");
+        Deletion told;
+        for (const Entity& gone : plan.Gone())
+            told.gone.emplace_back(gone);
+        for (const Referrer& referrer : plan.Referrers()) {
+            told.unlinked.push_back(Told(referrer));
+            if (plan.IsShort(referrer))
+                told.leftShort.push_back(told.unlinked.back());
+        }
+        if (!options.preview) {
+            if (!UnlinkAll(edit, plan))
+                return false;
+            RemoveAll(*m_core, plan);
+        }
+        deletion = std::move(told);
+        return true;
+    });
+    return deletion;
+}
+
+std::vector<Dependent> Model::Dependents(const Ref<KARMPEntity>& entity) const
+{
+    std::vector<Dependent> dependents;
+    if (!entity)
+        return dependents;
+    for (const Referrer& referrer : FindReferrers(*m_core, {entity.Handle()}, {&*entity}))
+        dependents.push_back(Told(referrer));
+    return dependents;
+}
+
+} // namespace karmp::model

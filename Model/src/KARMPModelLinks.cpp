@@ -1,0 +1,141 @@
+#include "KARMPModelLinks.h"
+
+#include "QOBClassInfo.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <unordered_map>
+#include <utility>
+
+namespace karmp::model {
+
+namespace {
+
+using Entity = QOBSharedHandle<KARMPEntity>;
+
+constexpr std::wstring_view ParentWord = L"Out";
+constexpr std::wstring_view ChildWord = L"In";
+
+// The other side is one name, or several between blanks.
+bool Names(std::wstring_view otherSide, std::wstring_view name)
+{
+    const std::wstring names = L' ' + std::wstring(otherSide) + L' ';
+    return names.find(L' ' + std::wstring(name) + L' ') != std::wstring::npos;
+}
+
+bool Knows(const std::vector<LinkPair>& pairs, const LinkPair& pair)
+{
+    return std::any_of(
+        pairs.begin(), pairs.end(),
+        [&pair](const LinkPair& other) {
+            return other.first == pair.first && other.second == pair.second;
+        });
+}
+
+void AddMutual(std::vector<LinkPair>& pairs, const QOBClassInfo& first, const QOBClassInfo& second,
+               bool isReversed)
+{
+    for (const ItemInfo* const item : LinkItemsOf(first)) {
+        if (!IsA(second, item->target))
+            continue;
+        for (const ItemInfo* const other : OtherSidesOf(*item, first, second)) {
+            // In the plane and in space there are items of one name.
+            if (!item->otherSide.empty() && !other->otherSide.empty() &&
+                !(Names(item->otherSide, other->name) && Names(other->otherSide, item->name)))
+                continue;
+            const LinkPair pair = isReversed ? LinkPair{other, item} : LinkPair{item, other};
+            if (!Knows(pairs, pair))
+                pairs.push_back(pair);
+        }
+    }
+}
+
+std::vector<LinkPair> FindPairs(const QOBClassInfo& first, const QOBClassInfo& second)
+{
+    std::vector<LinkPair> pairs;
+    AddMutual(pairs, first, second, false);
+    AddMutual(pairs, second, first, true);
+    for (const ItemInfo* const item : LinkItemsOf(first))
+        if (item->otherSide.empty() && IsA(second, item->target) &&
+            OtherSidesOf(*item, first, second).empty())
+            pairs.push_back({item, nullptr});
+    return pairs;
+}
+
+struct PairHash
+{
+    std::size_t operator()(const std::pair<const QOBClassInfo*, const QOBClassInfo*>& pair) const
+    {
+        const std::hash<const void*> hash;
+        return hash(pair.first) * 31 + hash(pair.second);
+    }
+};
+
+} // namespace
+
+bool IsA(const QOBClassInfo& info, std::string_view className)
+{
+    for (const QOBClassInfo* record = &info; record != nullptr; record = record->getParent())
+        if (record->getName() == className)
+            return true;
+    return false;
+}
+
+Entity HeldBy(const ItemInfo& item, const KARMPEntity& entity)
+{
+    if (item.kind != ItemKind::Reference)
+        return {};
+    const Value value = item.Get(entity);
+    const auto* const held = std::get_if<Entity>(&value);
+    return held != nullptr ? *held : Entity();
+}
+
+std::vector<Entity> TargetsOf(const ItemInfo& item, const KARMPEntity& entity)
+{
+    const Value value = item.Get(entity);
+    if (const auto* const targets = std::get_if<std::vector<Entity>>(&value))
+        return *targets;
+    if (const auto* const target = std::get_if<Entity>(&value); target != nullptr && *target)
+        return {*target};
+    return {};
+}
+
+bool Holds(const ItemInfo& item, const KARMPEntity& entity, const Entity& target)
+{
+    const auto targets = TargetsOf(item, entity);
+    return std::find(targets.begin(), targets.end(), target) != targets.end();
+}
+
+KARStatus LinkHalf(const ItemInfo& item, KARMPEntity& entity, const Entity& target)
+{
+    if (item.entryWord.empty())
+        return item.AddTarget(entity, target);
+    return item.AddTarget(entity, target, item.Count(entity) == 0 ? ParentWord : ChildWord);
+}
+
+void RestoreHalf(const ItemInfo& item, KARMPEntity& entity, const Entity& target, int index,
+                 std::wstring_view word)
+{
+    const auto following = TargetsOf(item, entity);
+    const auto words = item.EntryWords(entity);
+    item.AddTarget(entity, target, word);
+    for (auto i = static_cast<std::size_t>(index); i < following.size(); ++i) {
+        item.RemoveTarget(entity, following[i]);
+        item.AddTarget(entity, following[i], i < words.size() ? words[i] : std::wstring_view());
+    }
+}
+
+const std::vector<LinkPair>& PairsBetween(const QOBClassInfo& first, const QOBClassInfo& second)
+{
+    thread_local std::unordered_map<std::pair<const QOBClassInfo*, const QOBClassInfo*>,
+                                    std::vector<LinkPair>, PairHash>
+        found;
+    const std::pair key(&first, &second);
+    const auto entry = found.find(key);
+    return entry != found.end() ? entry->second
+                                : found.emplace(key, FindPairs(first, second)).first->second;
+}
+
+} // namespace karmp::model

@@ -1,0 +1,181 @@
+#include "EditTesting.h"
+#include "QOBClassInfo.h"
+
+using namespace karmp::model;
+using karmp::ItemInfo;
+
+namespace {
+
+using DeletionTest = KARMPTestFixture;
+
+TEST_F(DeletionTest, NothingRefersToADeletedEntityOfAnyClass)
+{
+    const auto names = KARMPFactory::GetClassNames();
+    for (const std::string& name : names) {
+        Model model("M");
+        // No world lists it: it belongs to what an analysis finds.
+        if (name == "KARMPDiagnostic")
+            continue;
+        const Ref<KARMPEntity> entity = model.Add(name, "doomed");
+        ASSERT_TRUE(entity) << name << (model.Problems().empty() ? "" : model.Problems()[0].text);
+        EXPECT_EQ(model.Find<KARMPEntity>("doomed"), entity);
+        // A holder for each item that can refer to it.
+        std::size_t links = 0;
+        for (const std::string& holderName : names) {
+            QOBSharedHandle<KARMPEntity> sample;
+            KARMPFactory::Create(holderName, sample);
+            for (const ItemInfo* const item : karmp::LinkItemsOf(sample->getClassInfo())) {
+                if (!IsA(entity->getClassInfo(), item->target) || !item->readOnly.empty())
+                    continue;
+                const auto holder = model.Add(holderName, "holder" + std::to_string(links));
+                if (holder && model.Link(holder, entity, kar::ToUtf8(item->path)))
+                    ++links;
+            }
+        }
+        model.ClearProblems();
+        EXPECT_TRUE(model.Rename(entity, "renamed"));
+        EXPECT_GE(model.Dependents(entity).size(), links) << name;
+        const auto deletion = model.Delete(entity);
+        EXPECT_TRUE(deletion) << name << (model.Problems().empty() ? "" : model.Problems()[0].text);
+        EXPECT_FALSE(entity) << name;
+        EXPECT_EQ(BrokenLinks(model), "") << name;
+        EXPECT_FALSE(model.Find<KARMPEntity>("doomed")) << name;
+        EXPECT_FALSE(model.Find<KARMPEntity>("renamed")) << name;
+        EXPECT_EQ(TextOf(model).find("\"doomed\""), std::string::npos) << name;
+    }
+}
+
+/// A slider on a crank: two joints, a variable that a motor drives, a sensor.
+struct Driven
+{
+    Driven()
+    {
+        crank = model.Body("Crank", {.mass = 1.0});
+        rod = model.Body("Rod", {.mass = 1.0});
+        bearing = model.Joint<KARMPRevolute>("Bearing", model.Ground(), crank, {0.0, 0.0, 0.0});
+        pin = model.Joint<KARMPRevolute>("Pin", crank, rod, {1.0, 0.0, 0.0});
+        angle = model.Variable("angle", bearing);
+        motor = model.Add<KARMPMotor>("Motor");
+        model.Link(motor, angle);
+    }
+
+    Model model{"Driven"};
+    Ref<KARMPBody> crank;
+    Ref<KARMPBody> rod;
+    Ref<KARMPRevolute> bearing;
+    Ref<KARMPRevolute> pin;
+    Ref<KARMPVariable> angle;
+    Ref<KARMPMotor> motor;
+};
+
+TEST_F(DeletionTest, JointTakesItsConstraintAndBodyItsGeometries)
+{
+    Driven driven;
+    const auto deletion = driven.model.Delete(driven.pin);
+    ASSERT_TRUE(deletion);
+    EXPECT_EQ(deletion.gone.size(), 2U);
+    EXPECT_FALSE(driven.model.Find<KARMPConstraint>("Pin.constraint"));
+    EXPECT_TRUE(deletion.leftShort.empty());
+    EXPECT_EQ(Lines(driven.model.Check()).find("error"), std::string::npos);
+    EXPECT_TRUE(driven.model.Delete(driven.rod));
+    EXPECT_FALSE(driven.model.Find<KARMPGeometry>("Rod.Pin"));
+    EXPECT_EQ(BrokenLinks(driven.model), "");
+}
+
+TEST_F(DeletionTest, PreviewTellsAndDoesNothing)
+{
+    Driven driven;
+    const std::string before = TextOf(driven.model);
+    const auto preview = driven.model.Delete(driven.crank, {.preview = true});
+    ASSERT_TRUE(preview);
+    EXPECT_TRUE(TextOf(driven.model) == before);
+    ASSERT_EQ(preview.gone.size(), 3U);
+    EXPECT_EQ(preview.gone[0], driven.crank);
+    // Both joints have one body left and both constraints one geometry.
+    EXPECT_EQ(preview.leftShort.size(), 4U);
+    const auto deletion = driven.model.Delete(driven.crank);
+    EXPECT_EQ(deletion.gone.size(), preview.gone.size());
+    EXPECT_EQ(deletion.unlinked.size(), preview.unlinked.size());
+    EXPECT_EQ(BrokenLinks(driven.model), "");
+}
+
+TEST_F(DeletionTest, WithShortTakesWhatWouldLackSomething)
+{
+    Driven driven;
+    ASSERT_TRUE(driven.model.Delete(driven.crank, {.withShort = true}));
+    EXPECT_EQ(driven.model.All<KARMPJoint>().size(), 0U);
+    EXPECT_EQ(driven.model.All<KARMPConstraint>().size(), 0U);
+    EXPECT_TRUE(driven.angle);
+    EXPECT_TRUE(driven.rod);
+    EXPECT_EQ(BrokenLinks(driven.model), "");
+    ASSERT_TRUE(driven.model.Delete(driven.angle, {.withShort = true}));
+    EXPECT_FALSE(driven.motor);
+}
+
+TEST_F(DeletionTest, DependentsTellEachItemThatRefers)
+{
+    const Driven driven;
+    const auto dependents = driven.model.Dependents(driven.angle);
+    ASSERT_EQ(dependents.size(), 2U);
+    EXPECT_EQ(dependents[0].item, "Variables");
+    EXPECT_EQ(dependents[1].entity, driven.motor);
+    EXPECT_EQ(dependents[1].item, "Variable");
+    EXPECT_EQ(dependents[1].target, driven.angle);
+}
+
+TEST_F(DeletionTest, GroundAndGlobalsStay)
+{
+    Driven driven;
+    const std::string before = TextOf(driven.model);
+    EXPECT_FALSE(driven.model.Delete(driven.model.Ground()));
+    EXPECT_FALSE(driven.model.Delete(driven.model.Time()));
+    EXPECT_FALSE(driven.model.Delete(driven.model.Find<KARMPGeometry>("GlobalAxisSystem")));
+    EXPECT_EQ(driven.model.Problems().size(), 3U);
+    driven.model.ClearProblems();
+    EXPECT_TRUE(TextOf(driven.model) == before);
+}
+
+TEST_F(DeletionTest, DeletedEntityIsNotDeletedTwice)
+{
+    Driven driven;
+    EXPECT_TRUE(driven.model.Delete(driven.motor));
+    EXPECT_FALSE(driven.model.Delete(driven.motor));
+    ASSERT_EQ(driven.model.Problems().size(), 1U);
+    EXPECT_EQ(driven.model.Problems()[0].text, "the entity to delete was deleted");
+    EXPECT_TRUE(driven.model.Add<KARMPMotor>("Motor"));
+}
+
+/// An interaction that does not let go.
+class HoldingRule : public KARMPCollisionRule
+{
+public:
+    KARStatus RemoveCollidable(const QOBSharedHandle<KARMPEntity>&) override
+    {
+        return KARUnexpected;
+    }
+};
+
+TEST_F(DeletionTest, RefusalUndoesWhatWasUnlinkedBefore)
+{
+    Driven driven;
+    const auto layer = driven.model.Add<KARMPCollisionLayer>("Layer");
+    for (const auto& body : {driven.crank, driven.rod})
+        ASSERT_TRUE(driven.model.Link(layer, body, "Entities"));
+    const QOBSharedHandle<KARMPInteraction> rule(new HoldingRule);
+    rule->setEntityName(L"Rule");
+    rule->SetIdentifier(L"Rule");
+    driven.model.World()->Add<KARMPInteraction>(rule);
+    rule->AddCollidable(driven.crank.Handle());
+    const std::string before = TextOf(driven.model);
+    const int line = __LINE__ + 1;
+    EXPECT_FALSE(driven.model.Delete(driven.crank));
+    ASSERT_EQ(driven.model.Problems().size(), 1U);
+    EXPECT_EQ(driven.model.Problems()[0].status, KARUnexpected);
+    EXPECT_EQ(driven.model.Problems()[0].where.line, line);
+    driven.model.ClearProblems();
+    EXPECT_TRUE(TextOf(driven.model) == before);
+    EXPECT_TRUE(driven.crank);
+    rule->orphanObject();
+}
+
+} // namespace
