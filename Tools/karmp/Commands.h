@@ -92,6 +92,23 @@ struct ExtractOptions
 /// Writes the part of a mechanism around some bodies and lists the links that were cut.
 int RunExtract(const ExtractOptions& options);
 
+/// The arguments of `karmp set`, `karmp delete` and `karmp rename`.
+struct EditOptions
+{
+    std::string file;
+    std::string entity;                   // by name or identifier, to set or to rename
+    std::vector<std::string> entities;    // of delete
+    std::vector<std::string> assignments; // of set, ITEM=VALUE each
+    std::string name;                     // of rename
+    bool withShort = false;               // of delete: what would lack something goes as well
+    WriteOptions writing;                 // onto the document itself when its output is empty
+};
+/// Set items of an entity, delete entities with what belongs to them, give an entity another name;
+/// write the document and tell what has changed.
+int RunSet(const EditOptions& options);
+int RunDelete(const EditOptions& options);
+int RunRename(const EditOptions& options);
+
 /// The arguments of `karmp shape`.
 struct ShapeOptions
 {

@@ -229,6 +229,47 @@ int Run(int argc, char** argv)
                "-o wheel.xml"));
     extractApp->callback([&] { command = [&extract] { return RunExtract(extract); }; });
 
+    EditOptions edit;
+    const auto addEdit = [&](const char* name, const char* says, int (*run)(const EditOptions&)) {
+        CLI::App* const editApp = app.add_subcommand(name, says);
+        editApp->add_option("FILE", edit.file, "Document")->required();
+        editApp->add_option("-o,--output", edit.writing.output,
+                            "Document to write; FILE itself without it");
+        AddWriting(*editApp, edit.writing);
+        editApp->callback([&, run] { command = [&edit, run] { return run(edit); }; });
+        return editApp;
+    };
+    CLI::App* const setApp = addEdit(
+        "set", "Sets items of an entity, by the names that 'karmp schema --text' tells", RunSet);
+    setApp->add_option("ENTITY", edit.entity, "Name or identifier")->required();
+    setApp->add_option("ITEM=VALUE", edit.assignments, "Item, by name or path, and value")
+        ->required()
+        ->check(CLI::Validator(
+            [](const std::string& text) {
+                return text.find('=') == std::string::npos ? "\"" + text + "\" has no =" : "";
+            },
+            ""));
+    setApp->footer(
+        "Numbers stand with commas between them, in the order of the document; entities by name or "
+        "identifier. An empty value takes a reference away. Links are made on both sides.\n\n" +
+        Footer("karmp set crank.xml Rocker Mass=0.75 COG=0.1,0,0 --dry-run"));
+    CLI::App* const deleteApp = addEdit(
+        "delete",
+        "Deletes entities with what they own: a joint with its constraints, a body with its "
+        "geometries",
+        RunDelete);
+    deleteApp->add_option("ENTITY", edit.entities, "Names or identifiers")
+        ->required()
+        ->expected(1, -1);
+    deleteApp->add_flag("--with-short", edit.withShort,
+                        "Also what would lack something: joints of the body, and so on");
+    deleteApp->footer(Footer("karmp delete crank.xml Rocker --with-short --backup"));
+    CLI::App* const renameApp =
+        addEdit("rename", "Gives an entity another name; its identifier stays", RunRename);
+    renameApp->add_option("ENTITY", edit.entity, "Name or identifier")->required();
+    renameApp->add_option("NAME", edit.name, "The new name")->required();
+    renameApp->footer(Footer("karmp rename crank.xml Rocker \"Output rocker\""));
+
     ShapeOptions shape;
     CLI::App* shapeApp = app.add_subcommand(
         "shape", "Puts the mesh of a part file on a body, or writes what bodies look like as glTF");
