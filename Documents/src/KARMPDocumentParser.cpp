@@ -74,7 +74,7 @@ void DocumentParser::Run()
     bool complete = false;
     try {
         if (CheckBytes()) {
-            m_source.FindLines();
+            m_source.CheckText();
             complete = Parse();
         }
     } catch (const std::bad_alloc&) {

@@ -12,6 +12,7 @@ void DocumentSource::Drop() noexcept
     m_readings = 0;
     m_nodes.Clear();
     m_records = DocumentRecords();
+    m_lines = SourceText();
     m_text = std::string();
 }
 

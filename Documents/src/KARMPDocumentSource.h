@@ -22,11 +22,11 @@ public:
     DocumentSource(const DocumentSource&) = delete;
     DocumentSource& operator=(const DocumentSource&) = delete;
 
-    /// The bytes, which the parser modifies once their lines are found.
+    /// The bytes, which the parser modifies once they are checked.
     std::string& Text() { return m_text; }
     const std::string& Text() const { return m_text; }
-    /// Finds the lines of the bytes, which are at most 4 GiB less one.
-    void FindLines() { m_lines = SourceText(m_text); }
+    /// Checks the bytes, which are at most 4 GiB less one; line feeds stay as they are.
+    void CheckText() { m_lines = SourceText(m_text); }
     const SourceText& Lines() const { return m_lines; }
     /// The records, which refer to the bytes.
     DocumentRecords& Records() { return m_records; }

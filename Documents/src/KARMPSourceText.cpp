@@ -13,11 +13,12 @@ namespace {
 // Blocks are tested as a whole, without a branch for each byte.
 constexpr std::size_t BlockSize = 64;
 
-// True when the bytes of a block are ASCII that is no control character but the line feed.
-bool IsCleanBlock(const char* block)
+// True when so many bytes are ASCII that is no control character but the line feed.
+template <std::size_t Size>
+bool AreClean(const char* block)
 {
-    std::array<signed char, BlockSize> bytes;
-    std::memcpy(bytes.data(), block, BlockSize);
+    std::array<signed char, Size> bytes;
+    std::memcpy(bytes.data(), block, Size);
     signed char unclean = 0;
     for (const signed char byte : bytes)
         unclean = static_cast<signed char>(unclean | (byte < ' ' && byte != '\n' ? 1 : 0));
@@ -27,8 +28,12 @@ bool IsCleanBlock(const char* block)
 // The number of clean bytes at the front, in whole blocks.
 std::size_t CleanBytes(std::string_view bytes)
 {
+    // What is found of each byte is put together once for several blocks.
+    constexpr std::size_t several = 8 * BlockSize;
     std::size_t count = 0;
-    while (bytes.size() - count >= BlockSize && IsCleanBlock(bytes.data() + count))
+    while (bytes.size() - count >= several && AreClean<several>(bytes.data() + count))
+        count += several;
+    while (bytes.size() - count >= BlockSize && AreClean<BlockSize>(bytes.data() + count))
         count += BlockSize;
     return count;
 }
@@ -77,9 +82,9 @@ SourceText::SourceText(std::string_view bytes)
             offset += Step(bytes.substr(offset));
     }
     m_faultOffset = offset;
-    FindLines(bytes.substr(0, offset));
+    m_bytes = bytes.substr(0, offset);
     if (!m_isClean)
-        FindTrailingBytes(bytes.substr(0, offset));
+        FindTrailingBytes(m_bytes);
 }
 
 // The length of the character at the front, which may be at fault.
@@ -102,11 +107,15 @@ std::size_t SourceText::Step(std::string_view bytes)
     return 1;
 }
 
-void SourceText::FindLines(std::string_view bytes)
+const std::vector<std::uint32_t>& SourceText::LineStarts() const
 {
-    for (std::size_t feed = bytes.find('\n'); feed != std::string_view::npos;
-         feed = bytes.find('\n', feed + 1))
-        m_lineStarts.push_back(static_cast<std::uint32_t>(feed + 1));
+    if (m_lineStarts.empty()) {
+        m_lineStarts.push_back(0);
+        for (std::size_t feed = m_bytes.find('\n'); feed != m_bytes.npos;
+             feed = m_bytes.find('\n', feed + 1))
+            m_lineStarts.push_back(static_cast<std::uint32_t>(feed + 1));
+    }
+    return m_lineStarts;
 }
 
 // The whole byte order mark counts as trailing, so that it takes no column.
@@ -148,10 +157,11 @@ std::uint32_t SourceText::TrailingBytesBefore(std::size_t offset) const
 
 SourcePosition SourceText::Find(std::size_t offset) const
 {
-    const auto after = std::upper_bound(m_lineStarts.begin(), m_lineStarts.end(), offset);
+    const std::vector<std::uint32_t>& starts = LineStarts();
+    const auto after = std::upper_bound(starts.begin(), starts.end(), offset);
     const std::uint32_t start = *std::prev(after);
     const std::uint32_t trailing = TrailingBytesBefore(offset) - TrailingBytesBefore(start);
-    return {static_cast<std::uint32_t>(after - m_lineStarts.begin()),
+    return {static_cast<std::uint32_t>(after - starts.begin()),
             static_cast<std::uint32_t>(offset - start - trailing + 1)};
 }
 

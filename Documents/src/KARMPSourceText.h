@@ -24,7 +24,8 @@ public:
 
     /// An empty text.
     SourceText() = default;
-    /// Checks the bytes, at most 4 GiB less one, up to the first fault. They may change afterwards.
+    /// Checks the bytes, at most 4 GiB less one, up to the first fault. They must live as long as
+    /// positions are asked for, and may change afterwards but for their line feeds.
     explicit SourceText(std::string_view bytes);
 
     Fault Found() const { return m_fault; }
@@ -48,11 +49,14 @@ private:
     };
 
     std::size_t Step(std::string_view bytes);
-    void FindLines(std::string_view bytes);
+    /// Found when the first position is asked for, as most documents are read without one.
+    const std::vector<std::uint32_t>& LineStarts() const;
     void FindTrailingBytes(std::string_view bytes);
     std::uint32_t TrailingBytesBefore(std::size_t offset) const;
 
-    std::vector<std::uint32_t> m_lineStarts{0};
+    std::string_view m_bytes;
+    /// Empty until they are found.
+    mutable std::vector<std::uint32_t> m_lineStarts;
     std::vector<WideBlock> m_wideBlocks;
     Fault m_fault = Fault::None;
     std::size_t m_faultOffset = 0;
