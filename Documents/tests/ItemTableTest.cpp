@@ -405,11 +405,11 @@ TEST_F(ItemTable, MovesTheVariablesBehindOneThatGoesUp)
     for (const wchar_t* const name : {L"a", L"b", L"c"})
         linked.emplace_back(KARMPVariable::create(name));
     EXPECT_EQ(variables.Set(*expression, linked), KARSuccess);
-    expression->SetVariableMapping({{0, 2}, {1, 1}, {2, 0}});
+    EXPECT_EQ(expression->SetVariableMapping({{0, 2}, {1, 1}, {2, 0}}), KARSuccess);
     EXPECT_EQ(variables.RemoveTarget(*expression, linked[1]), KARSuccess);
     EXPECT_EQ(variables.Get(*expression), Value(Handles{linked[0], linked[2]}));
     std::map<int, int> mapping;
-    expression->GetVariableMapping(mapping);
+    EXPECT_EQ(expression->GetVariableMapping(mapping), KARSuccess);
     EXPECT_EQ(mapping, (std::map<int, int>{{0, 1}, {1, 0}}));
 }
 
@@ -437,8 +437,8 @@ TEST_F(ItemTable, DropsTheBodyOfTheEndThatTheRowIsAbout)
     const auto body = KARMPBody::create(L"B");
     const ItemInfo& first = Row(*spring, L"FirstBody");
     const ItemInfo& second = Row(*spring, L"SecondBody");
-    first.AddTarget(*spring, body);
-    second.AddTarget(*spring, body);
+    EXPECT_EQ(first.AddTarget(*spring, body), KARSuccess);
+    EXPECT_EQ(second.AddTarget(*spring, body), KARSuccess);
     EXPECT_EQ(second.RemoveTarget(*spring, body), KARSuccess);
     EXPECT_EQ(first.Get(*spring), Value(Handle(body)));
     EXPECT_EQ(second.Get(*spring), Value());
