@@ -18,12 +18,17 @@ void WriteTriple(KARMPSerializer& world, std::wstring_view name, const karmp::Na
     }
 }
 
-// The entities of a large world do not fit the caches.
-void PrefetchEntity(const karmp::RegistryCore& listed, std::size_t index)
+// The entities of a large world do not fit the caches. Most of those that follow one are of its
+// class.
+void PrefetchAfter(const karmp::RegistryCore& listed, int index, const KARMPEntity& entity)
 {
-    constexpr std::size_t usualSize = 640;
-    if (index < listed.Count())
-        kar::Prefetch(listed.At(index)._getReferent(), usualSize);
+    const auto after = [&](std::size_t distance) -> const QOBSharedObject* {
+        const std::size_t next = static_cast<std::size_t>(index) + distance;
+        return next < listed.Count() ? listed.At(next)._getReferent() : nullptr;
+    };
+    kar::Prefetch(after(kar::PrefetchDistance), entity.getClassInfo().getSize());
+    if (const QOBSharedObject* const next = after(kar::PrefetchDistance / 2))
+        static_cast<const KARMPEntity*>(next)->getStoredName().PrefetchShared();
 }
 
 template <class T>
@@ -34,11 +39,12 @@ void WriteRegistry(const KARMPRegistry<T>& listed, karmp::ElementWriter& root,
         return;
     const karmp::ElementWriter registry = root.Child(name);
     for (int i = 0; registry && i < listed.Count(); ++i) {
-        PrefetchEntity(listed.Core(), static_cast<std::size_t>(i) + kar::PrefetchDistance);
         QOBSharedHandle<T> entry;
         listed.Get(i, entry);
         const QOBSharedHandle<KARMPEntity> entity(entry, QOBSharedBase::WriteLock);
         KARStatus status = KARFailure;
+        if (entity)
+            PrefetchAfter(listed.Core(), i, *entity);
         if (entity && !registry.Node()->WriteEntity(*entity, status))
             status = entity->Serialize(registry.Node());
         KARMPVerify(!KARFailed(status));
