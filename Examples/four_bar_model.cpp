@@ -1,5 +1,6 @@
 // A four-bar linkage by the model library: the positions of the closed loop, three rods, four
-// revolute joints and the crank's angle. The program saves it, loads it again, and checks it.
+// revolute joints and the crank's angle from where it stands. The program saves it, loads it again,
+// and checks it.
 #include "KARMPEntities.h"
 #include "KARMPModel.h"
 
@@ -15,14 +16,14 @@ int main()
     if (!c)
         return 1;
     Model model("Four-bar linkage", {.gravity = {0.0, -9.81, 0.0}});
-    const auto crank = model.Body("Crank", Rod(0.2, a, b));
-    const auto coupler = model.Body("Coupler", Rod(0.6, b, *c));
-    const auto rocker = model.Body("Rocker", Rod(0.4, d, *c));
+    const auto crank = model.Body("Crank", Rod(0.2, a, b, 0.005));
+    const auto coupler = model.Body("Coupler", Rod(0.6, b, *c, 0.005));
+    const auto rocker = model.Body("Rocker", Rod(0.4, d, *c, 0.005));
     const auto bearing = model.Joint<KARMPRevolute>("A", model.Ground(), crank, a);
     model.Joint<KARMPRevolute>("B", crank, coupler, b);
     model.Joint<KARMPRevolute>("C", coupler, rocker, *c);
     model.Joint<KARMPRevolute>("D", model.Ground(), rocker, d);
-    model.Variable("Crank angle", bearing, 1.0);
+    model.Variable("Crank angle", bearing);
     if (const auto saved = model.Save("four-bar-model.xml"); !saved)
         return saved.Report();
     const auto again = Load("four-bar-model.xml");

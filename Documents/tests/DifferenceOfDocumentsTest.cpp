@@ -135,8 +135,12 @@ TEST_F(DocumentDifference, IsNothingBetweenAnExampleAndWhatItIsReloadedAs)
 {
     for (const std::filesystem::path& example : Examples()) {
         const auto world = LoadFile(example).world;
+        // The model library saves all digits, most of which are off the grid.
+        const bool isExact = example.filename() == "four-bar-model.xml";
+        SaveOptions options;
+        options.doubles = isExact ? Doubles::Exact : Doubles::Snapped;
         std::string text;
-        EXPECT_FALSE(SaveText(world, text).HasErrors());
+        EXPECT_FALSE(SaveText(world, text, options).HasErrors());
         std::vector<Difference> differences = FindDifferences(*world, *LoadText(text).world);
         const std::size_t toLayers = std::erase_if(differences, IsLinkToALayer);
         EXPECT_EQ(TextOf(differences), "") << example;

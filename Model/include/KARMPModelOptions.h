@@ -61,9 +61,11 @@ struct PlanarBodyOptions
     bool isFixed = false;
 };
 
-/// A slender rod from one point of the world to another: its origin is at the first, its first axis
-/// looks at the second.
-KARMP_MODEL_API BodyOptions Rod(double mass, const KARMathPoint& from, const KARMathPoint& to);
+/// A round rod from one point of the world to another: its origin is at the first, its first axis
+/// looks at the second. In kg and m; without a radius it has no inertia about its axis.
+KARMP_MODEL_API BodyOptions Rod(double mass, const KARMathPoint& from, const KARMathPoint& to,
+                                double radius = 0.0);
+/// A slender one in the plane.
 KARMP_MODEL_API PlanarBodyOptions Rod(double mass, const KARMathPoint2D& from,
                                       const KARMathPoint2D& to);
 

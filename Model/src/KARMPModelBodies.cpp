@@ -98,15 +98,16 @@ bool Apply(Edit& edit, Body& body, const Options& options)
 
 } // namespace
 
-BodyOptions Rod(double mass, const KARMathPoint& from, const KARMathPoint& to)
+BodyOptions Rod(double mass, const KARMathPoint& from, const KARMathPoint& to, double radius)
 {
     const double length = (to - from).Norm();
-    const double across = mass * length * length / 12.0;
+    const double along = mass * radius * radius / 2.0;
+    const double across = mass * length * length / 12.0 + along / 2.0;
     return {.mass = mass,
             .at = from,
             .towards = to,
             .centerOfGravity = KARMathPoint(length / 2.0, 0.0, 0.0),
-            .inertia = KARMath3x3Matrix({0.0, 0.0, 0.0}, {0.0, across, 0.0}, {0.0, 0.0, across})};
+            .inertia = KARMath3x3Matrix({along, 0.0, 0.0}, {0.0, across, 0.0}, {0.0, 0.0, across})};
 }
 
 PlanarBodyOptions Rod(double mass, const KARMathPoint2D& from, const KARMathPoint2D& to)

@@ -219,8 +219,11 @@ TEST_F(ModelTest, BodyStandsWhereItIsToldAndLooksWhereItIsTold)
     EXPECT_EQ(mass, 2.0);
     EXPECT_EQ(inertia(0, 0), 0.0);
     EXPECT_EQ(inertia(1, 1), 1.5);
+    model.Body("Round", Rod(2.0, {1.0, 0.0, 0.0}, {1.0, 3.0, 0.0}, 1.0))->GetInertiaMatrix(inertia);
+    EXPECT_EQ(inertia(0, 0), 1.0);
+    EXPECT_EQ(inertia(1, 1), 2.0);
     EXPECT_FALSE(model.Body("Bad", {.at = KARMathPoint(), .towards = KARMathPoint()}));
-    EXPECT_EQ(model.World()->GetBodyCount(), 2);
+    EXPECT_EQ(model.World()->GetBodyCount(), 3);
 }
 
 TEST_F(ModelTest, FrameIsToldInTheWorldAndKeptInBodyAxes)

@@ -128,8 +128,9 @@ TEST_F(ConstraintContent, TermsOfALinearEquationAreInTheTableOfItems)
     const karmp::ItemInfo& terms = karmp::ItemsOf("KARMPLinearEquation").back();
     const std::vector<std::vector<karmp::Value>> expected{{{}, 1.5}, {{}, 2.5}};
     EXPECT_EQ(terms.GetRecords(*equation), expected);
-    // The class's own code reads them.
-    EXPECT_EQ(terms.AddRecord(*equation, expected[0]), KARFailure);
+    EXPECT_EQ(terms.AddRecord(*equation, expected[0]), KARSuccess);
+    EXPECT_EQ(terms.GetRecords(*equation).size(), 3U);
+    EXPECT_EQ(terms.GetRecords(*equation).back(), expected[0]);
 }
 
 TEST_F(ConstraintContent, ConstantOfALinearEquationIsThereOnceItWasSet)
