@@ -65,12 +65,23 @@ struct SaveOptions
                                                          std::ostream& stream,
                                                          const SaveOptions& options = {});
 
+/// A level of a check, or a bool: the form when true, nothing when false.
+struct LoadCheck
+{
+    CheckLevel level = CheckLevel::Form;
+
+    constexpr LoadCheck() = default;
+    constexpr LoadCheck(CheckLevel value) : level(value) {}
+    constexpr LoadCheck(bool isChecked) : level(isChecked ? CheckLevel::Form : CheckLevel::None) {}
+    constexpr operator CheckLevel() const { return level; }
+};
+
 /// How a world is loaded.
 struct LoadOptions
 {
     Limits limits;
     /// What is checked before the document is read, as by Document::Check.
-    CheckLevel check = CheckLevel::Form;
+    LoadCheck check;
     /// Is told how far the check and the reading are, unless it is empty; a document without a tree
     /// gives no call.
     ProgressFunction progress = {};

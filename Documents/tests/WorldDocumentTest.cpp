@@ -352,6 +352,16 @@ TEST_F(WorldDocument, FailedChecksOfTheLibraryAreReported)
     EXPECT_EQ(result.world->Count<KARMPBody>(), 1);
 }
 
+TEST_F(WorldDocument, ALoadTakesYesOrNoForItsCheck)
+{
+    const std::string text = Changed("<Mass>0</Mass>", "");
+    LoadOptions options;
+    options.check = false;
+    EXPECT_EQ(LoadText(text, "x.xml", options).diagnostics.Find(Code::MissingElement), nullptr);
+    options.check = true;
+    EXPECT_NE(LoadText(text, "x.xml", options).diagnostics.Find(Code::MissingElement), nullptr);
+}
+
 TEST_F(WorldDocument, AReferenceOfAWrongClassGivesAMessage)
 {
     std::string text = Saved();
