@@ -1,5 +1,5 @@
 # Installation: libraries, headers, tool, documentation, examples, and the files by which CMake and
-# pkg-config find them.
+# pkg-config find them. The components are those of the packages: libraries, development and tool.
 
 include(CMakePackageConfigHelpers)
 
@@ -22,37 +22,69 @@ set_target_properties(${karmp_installed} PROPERTIES INSTALL_RPATH "$ORIGIN")
 install(
     TARGETS ${karmp_installed}
     EXPORT KARMPEntitiesTargets
-    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
-    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT libraries
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT libraries NAMELINK_COMPONENT development
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
     INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/KARMPEntities
 )
 foreach(library IN LISTS karmp_installed)
     get_target_property(headers ${library} KARMP_HEADERS)
     if(headers)
-        install(FILES ${headers} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/KARMPEntities)
+        install(
+            FILES ${headers}
+            DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/KARMPEntities
+            COMPONENT development
+        )
     endif()
 endforeach()
 
+set(KARMP_ZSH_FUNCTIONS "zsh/site-functions" CACHE STRING "Folder of completions for zsh in share")
+mark_as_advanced(KARMP_ZSH_FUNCTIONS)
 if(TARGET karmp)
     file(RELATIVE_PATH libraries "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
     set_target_properties(karmp PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
-    install(TARGETS karmp RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+    install(TARGETS karmp RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tool)
+
+    get_target_property(manual karmp KARMP_MANUAL)
+    get_target_property(printed karmp KARMP_PRINTED)
+    install(FILES "${manual}" DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tool)
+    foreach(file IN ITEMS
+            "bash bash-completion/completions/karmp"
+            "zsh ${KARMP_ZSH_FUNCTIONS}/_karmp"
+            "fish fish/vendor_completions.d/karmp.fish"
+    )
+        string(REGEX MATCH "^([a-z]+) (.*)/(.*)$" parts "${file}")
+        install(
+            FILES "${printed}/karmp.${CMAKE_MATCH_1}"
+            DESTINATION ${CMAKE_INSTALL_DATADIR}/${CMAKE_MATCH_2}
+            RENAME ${CMAKE_MATCH_3}
+            COMPONENT tool
+        )
+    endforeach()
 endif()
 
 # In the layout of the sources, so that links from page to page hold.
 install(
-    FILES LICENSE README.md CHANGELOG.md CONTRIBUTING.md SECURITY.md
+    FILES README.md CHANGELOG.md CONTRIBUTING.md SECURITY.md
     DESTINATION ${CMAKE_INSTALL_DOCDIR}
+    COMPONENT development
 )
-install(DIRECTORY docs Examples DESTINATION ${CMAKE_INSTALL_DOCDIR})
-install(FILES cmake/valgrind.supp DESTINATION ${CMAKE_INSTALL_DATADIR}/KARMPEntities)
+if(NOT KARMP_DEBS) # a package of Debian's has a file "copyright"
+    install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)
+endif()
+install(DIRECTORY docs Examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)
+install(
+    FILES cmake/valgrind.supp
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/KARMPEntities
+    COMPONENT development
+)
 
 set(karmp_package_folder "${CMAKE_INSTALL_LIBDIR}/cmake/KARMPEntities")
 install(
     EXPORT KARMPEntitiesTargets
     NAMESPACE KARMP::
     DESTINATION ${karmp_package_folder}
+    COMPONENT development
 )
 configure_package_config_file(
     "${CMAKE_CURRENT_LIST_DIR}/KARMPEntitiesConfig.cmake.in"
@@ -67,6 +99,7 @@ install(
     FILES "${PROJECT_BINARY_DIR}/package/KARMPEntitiesConfig.cmake"
           "${PROJECT_BINARY_DIR}/package/KARMPEntitiesConfigVersion.cmake"
     DESTINATION ${karmp_package_folder}
+    COMPONENT development
 )
 
 # karmp_install_pkgconfig(<name> <description> LIBRARIES <library>... [REQUIRES <name>...])
@@ -83,7 +116,7 @@ function(karmp_install_pkgconfig name description)
     cmake_path(APPEND KARMP_PC_LIBDIR "\${prefix}" "${CMAKE_INSTALL_LIBDIR}")
     set(file "${PROJECT_BINARY_DIR}/package/${name}.pc")
     configure_file("${CMAKE_CURRENT_FUNCTION_LIST_DIR}/karmp.pc.in" "${file}" @ONLY)
-    install(FILES "${file}" DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+    install(FILES "${file}" DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 endfunction()
 
 karmp_install_pkgconfig(

@@ -1,6 +1,9 @@
 // karmp looks at, checks and converts the documents of mechanisms.
 #include "Commands.h"
+#include "Completions.h"
 #include "Loading.h"
+#include "Manual.h"
+#include "OptionTree.h"
 
 #include <CLI/CLI.hpp>
 
@@ -154,8 +157,9 @@ int Run(int argc, char** argv)
     bool isReloaded = false;
     CLI::App* diffApp = app.add_subcommand(
         "diff", "What two documents differ in, whatever the order and the identifiers of entities");
-    diffApp->add_option("A", diff.before, "Document")->required();
-    CLI::Option* const other = diffApp->add_option("B", diff.after, "Document to compare with");
+    diffApp->add_option("A", diff.before, "Document")->required()->type_name("FILE");
+    CLI::Option* const other =
+        diffApp->add_option("B", diff.after, "Document to compare with")->type_name("FILE");
     CLI::Option* const reloaded = diffApp->add_flag(
         "--reloaded", isReloaded, "Compare with what the document is after a save and a load");
     other->excludes(reloaded);
@@ -189,8 +193,12 @@ int Run(int argc, char** argv)
     CLI::App* convertApp = app.add_subcommand(
         "convert", "Writes a document in canonical form, for another version if asked, and lists "
                    "what that version cannot hold");
-    convertApp->add_option("INPUT", convert.input, "Document to read")->required();
-    convertApp->add_option("OUTPUT", convert.writing.output, "Document to write")->required();
+    convertApp->add_option("INPUT", convert.input, "Document to read")
+        ->required()
+        ->type_name("FILE");
+    convertApp->add_option("OUTPUT", convert.writing.output, "Document to write")
+        ->required()
+        ->type_name("FILE");
     convertApp->add_option("--to", convert.version, "Version to write, for example R2016.1");
     convertApp->add_flag("--exact", convert.exact,
                          "All doubles as they are, off the grid of 1e-12");
@@ -219,7 +227,9 @@ int Run(int argc, char** argv)
                      "What else is taken along where all that it refers to is: connectors, "
                      "actuators, sensors, interactions, ..., or all")
         ->delimiter(',');
-    extractApp->add_option("-o,--output", extract.writing.output, "Document to write")->required();
+    extractApp->add_option("-o,--output", extract.writing.output, "Document to write")
+        ->required()
+        ->type_name("FILE");
     extractApp->add_flag("-q,--quiet", extract.quiet, "No list of the links that were cut");
     AddWriting(*extractApp, extract.writing);
     extractApp->footer(
@@ -233,8 +243,10 @@ int Run(int argc, char** argv)
     const auto addEdit = [&](const char* name, const char* says, int (*run)(const EditOptions&)) {
         CLI::App* const editApp = app.add_subcommand(name, says);
         editApp->add_option("FILE", edit.file, "Document")->required();
-        editApp->add_option("-o,--output", edit.writing.output,
-                            "Document to write; FILE itself without it");
+        editApp
+            ->add_option("-o,--output", edit.writing.output,
+                         "Document to write; FILE itself without it")
+            ->type_name("FILE");
         AddWriting(*editApp, edit.writing);
         editApp->callback([&, run] { command = [&edit, run] { return run(edit); }; });
         return editApp;
@@ -279,10 +291,15 @@ int Run(int argc, char** argv)
             ->add_option("--body", shape.bodies,
                          "Body by name or identifier; of an export any number, all without it")
             ->expected(1, -1);
-    CLI::Option* const part = shapeApp->add_option(
-        "--add", shape.part, "Part to put on the body: a file .stl, .obj, .ply, .gltf or .glb");
-    CLI::Option* const folder = shapeApp->add_option(
-        "--export", shape.folder, "Folder for a glTF file of each body with shapes");
+    CLI::Option* const part =
+        shapeApp
+            ->add_option("--add", shape.part,
+                         "Part to put on the body: a file .stl, .obj, .ply, .gltf or .glb")
+            ->type_name("FILE");
+    CLI::Option* const folder = shapeApp
+                                    ->add_option("--export", shape.folder,
+                                                 "Folder for a glTF file of each body with shapes")
+                                    ->type_name("FOLDER");
     shapeApp->add_option("--scale", shape.scale, "Factor of the part's lengths")
         ->check(CLI::Range(1e-9, 1e9))
         ->capture_default_str()
@@ -290,6 +307,7 @@ int Run(int argc, char** argv)
     shapeApp
         ->add_option("-o,--output", shape.writing.output,
                      "Document to write; standard output without it")
+        ->type_name("FILE")
         ->needs(part);
     AddWriting(*shapeApp, shape.writing);
     folder->excludes(part);
@@ -317,7 +335,8 @@ int Run(int argc, char** argv)
         "graph",
         "The graph of bodies, joints and force elements, as Graphviz text or as a picture");
     graphApp->add_option("FILE", graph.file, "Document")->required();
-    graphApp->add_option("-o,--output", graph.output, "File to write; standard output without it");
+    graphApp->add_option("-o,--output", graph.output, "File to write; standard output without it")
+        ->type_name("FILE");
     graphApp->add_option("--format", graph.format, "By the ending of the output without it")
         ->check(CLI::IsMember({"dot", "svg", "png", "pdf"}));
     graphApp
@@ -350,7 +369,8 @@ int Run(int argc, char** argv)
     CLI::App* viewApp = app.add_subcommand(
         "view", "The mechanism in space as one page for a browser, which loads nothing else");
     viewApp->add_option("FILE", view.file, "Document")->required();
-    viewApp->add_option("-o,--output", view.output, "File to write; standard output without it");
+    viewApp->add_option("-o,--output", view.output, "File to write; standard output without it")
+        ->type_name("FILE");
     viewApp->footer(
         "The page needs a browser with WebGL 2 and no network. It shows bodies by their "
         "shapes or, without one, by their geometry, joints and springs as symbols, and "
@@ -384,6 +404,30 @@ int Run(int argc, char** argv)
                           "without it; schemas only");
     schemaApp->footer(Footer("karmp schema --rng --for R2017.0 > karmp.rng"));
     schemaApp->callback([&] { command = [&schema] { return RunSchema(schema); }; });
+
+    // Not listed in the help: installing prints the files by them.
+    std::string shell;
+    CLI::App* completionsApp =
+        app.add_subcommand("completions", "Completions for a shell")->group("");
+    completionsApp->add_option("SHELL", shell, "Shell that is to source them")
+        ->required()
+        ->check(CLI::IsMember({"bash", "zsh", "fish"}));
+    completionsApp->callback([&] {
+        command = [&app, &shell] {
+            const auto print = shell == "bash"  ? BashCompletions
+                               : shell == "zsh" ? ZshCompletions
+                                                : FishCompletions;
+            std::cout << print(ReadOptions(app));
+            return Clean;
+        };
+    });
+    CLI::App* manualApp = app.add_subcommand("manual", "The manual page")->group("");
+    manualApp->callback([&] {
+        command = [&app] {
+            std::cout << ManualPage(ReadOptions(app), KARMP_TOOL_VERSION, ExitCodes);
+            return Clean;
+        };
+    });
 
     RefuseEmptyTexts(app);
     try {
