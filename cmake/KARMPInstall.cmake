@@ -72,7 +72,12 @@ install(
 if(NOT KARMP_DEBS) # a package of Debian's has a file "copyright"
     install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)
 endif()
-install(DIRECTORY docs Examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)
+install(
+    DIRECTORY docs Examples
+    DESTINATION ${CMAKE_INSTALL_DOCDIR}
+    COMPONENT development
+    PATTERN site EXCLUDE
+)
 install(
     FILES cmake/valgrind.supp
     DESTINATION ${CMAKE_INSTALL_DATADIR}/KARMPEntities
