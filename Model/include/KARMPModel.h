@@ -72,6 +72,7 @@ struct Deletion
     /// variable.
     std::vector<Dependent> leftShort;
 
+    /// Whether the entities were deleted.
     explicit operator bool() const { return succeeded; }
 };
 
@@ -100,6 +101,7 @@ public:
     Model& operator=(Model&& other) noexcept;
     ~Model();
 
+    /// The world that the model keeps, for calls that the model has not.
     const QOBSharedHandle<KARMPWorld>& World() const;
     /// What calls could not do, in order.
     const std::vector<Problem>& Problems() const;

@@ -23,7 +23,9 @@ class Ref
 {
 public:
     Ref() noexcept = default;
+    /// A false reference.
     Ref(std::nullptr_t) noexcept {}
+    /// Refers to an entity; false for a null handle.
     explicit Ref(QOBSharedHandle<T> entity) noexcept : m_entity(std::move(entity)) {}
     /// The same entity by a base of its class.
     template <class U>

@@ -35,6 +35,7 @@ class KARMP_MODEL_API Outcome
 {
 public:
     Outcome() = default;
+    /// A failure, with what a document had to say.
     explicit Outcome(Problem problem, documents::Diagnostics findings = {})
         : m_problem(std::move(problem)), m_findings(std::move(findings))
     {}
@@ -64,10 +65,12 @@ template <class T>
 class [[nodiscard]] Result : public Outcome
 {
 public:
+    /// The value of a call that succeeded, with warnings about a document.
     Result(T value, documents::Diagnostics findings = {}) : m_value(std::move(value))
     {
         Keep(std::move(findings));
     }
+    /// A failure, without a value.
     Result(Outcome failure) : Outcome(std::move(failure)) {}
 
     /// The value, which only a success has.

@@ -1,4 +1,5 @@
-"""Tells how many public classes, functions and enumerations have documentation, by Doxygen's XML.
+"""Tells how many public classes, functions and enumerations have documentation, by Doxygen's XML,
+and lists those that have none, which is a failure.
 
 Not counted are functions that are defaulted or deleted, destructors, copies and moves, classes that
 are only declared in the public headers, and specializations of a template. An enumeration "Enum" is
@@ -21,11 +22,10 @@ def is_special(member, scope):
     name, arguments = member.findtext("name"), member.findtext("argsstring") or ""
     if name.startswith("~") or arguments.endswith(("=default", "=delete")):
         return True
-    own = scope.split("::")[-1]
-    types = ["".join(each.itertext()) for each in member.findall("param/type")]
-    return name in (own, "operator=") and len(types) == 1 and re.fullmatch(
-        rf"(const )?{re.escape(own)}( ?&&?)?", types[0].strip()
-    ) is not None
+    classes = "|".join(map(re.escape, {name, scope.split("::")[-1]}))
+    types = ["".join(each.itertext()).strip() for each in member.findall("param/type")]
+    copies = len(types) == 1 and re.fullmatch(rf"(const )?({classes})( ?&&?)?", types[0])
+    return bool(copies) and (name == "operator=" or re.fullmatch(classes, name) is not None)
 
 
 def members(compound):
@@ -47,7 +47,7 @@ def entries(folder):
         for compound in ElementTree.parse(path).getroot().findall("compounddef"):
             kind = compound.get("kind")
             is_specialized = "<" in compound.findtext("compoundname")
-            is_declared = kind != "namespace" and compound.find("location").get("bodyfile") is None
+            is_declared = kind != "namespace" and compound.find("location").get("bodyend") == "-1"
             if is_specialized or is_declared:
                 continue
             is_class = kind in ("class", "struct") and compound.get("prot") == "public"
@@ -60,17 +60,18 @@ def entries(folder):
 
 
 def main():
-    folder, is_listed = pathlib.Path(sys.argv[1]), sys.argv[2] == "true"
+    folder = pathlib.Path(sys.argv[1])
     counts = {}
     for kind, name, documented, node in entries(folder):
         all_of, with_text = counts.get(kind, (0, 0))
         counts[kind] = (all_of + 1, with_text + documented)
-        if is_listed and not documented:
+        if not documented:
             print(f"{node.find('location').get('file')}: {name}")
     titles = {"class": "classes", "function": "functions", "enum": "enumerations"}
     for kind, title in titles.items():
         all_of, with_text = counts.get(kind, (0, 0))
         print(f"{title} with documentation: {with_text} of {all_of}")
+    return 0 if all(all_of == with_text for all_of, with_text in counts.values()) else 1
 
 
-main()
+sys.exit(main())

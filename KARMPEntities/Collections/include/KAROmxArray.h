@@ -43,6 +43,7 @@ public:
         return absent;
     }
 
+    /// The entries in their order, for loops.
     auto begin() const { return m_entries.begin(); }
     auto end() const { return m_entries.end(); }
 

@@ -31,6 +31,7 @@ public:
     /// Gives the number of keys.
     int Size() const { return static_cast<int>(m_entries.size()); }
 
+    /// The entries in the order of their keys, for loops.
     auto begin() const { return m_entries.begin(); }
     auto end() const { return m_entries.end(); }
 

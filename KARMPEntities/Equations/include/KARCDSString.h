@@ -33,6 +33,7 @@ public:
     /// The text with its length; valid until the string changes.
     operator std::string_view() const { return m_text; }
 
+    /// Compares characters; nothing is equal to a null text.
     bool operator==(const KARCDSString& other) const = default;
     bool operator==(const char* other) const { return other != nullptr && m_text == other; }
 

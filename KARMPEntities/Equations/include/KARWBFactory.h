@@ -17,6 +17,7 @@ struct KARWBModelEquation;
 class KAR_API KARWBFactory
 {
 public:
+    /// A factory without variables and equations.
     KARWBFactory();
     KARWBFactory(const KARWBFactory&) = delete;
     KARWBFactory& operator=(const KARWBFactory&) = delete;

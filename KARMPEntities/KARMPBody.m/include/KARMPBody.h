@@ -97,6 +97,7 @@ public:
     {
         return m_impactedChildren.Remove(body);
     }
+    /// Lengths of the lists.
     int GetGeometryCount() const { return m_geometries.Count(); }
     int GetLinkedJointCount() const { return m_joints.Count(); }
     int GetLinkedShapeCount() const { return m_shapes.Count(); }

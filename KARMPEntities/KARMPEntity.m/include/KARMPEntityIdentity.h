@@ -32,6 +32,7 @@ constexpr bool AreMembersOf(Result Declaring::*...)
 /// Reaches the constructors of entity classes, which are not public.
 struct EntityAccess
 {
+    /// A new entity of a class, with a name.
     template <class T>
     static QOBSharedHandle<T> Create(const std::wstring& name)
     {
@@ -39,6 +40,7 @@ struct EntityAccess
         entity->setEntityName(name);
         return QOBSharedHandle<T>(entity, QOBSharedBase::NoLock);
     }
+    /// A copy of an entity; a null handle for a null handle.
     template <class T>
     static QOBSharedHandle<T> Clone(const QOBSharedHandle<T>& source,
                                     QOBDynamicObject::CopyMode mode)
@@ -48,12 +50,14 @@ struct EntityAccess
         return QOBSharedHandle<T>(QOBSharedBase::adopt(source->duplicateObject(mode)),
                                   QOBSharedBase::NoLock);
     }
+    /// Orphans an entity; null is allowed.
     static void Destroy(const QOBSharedBase& entity)
     {
         const QOBSharedBase locked(entity, QOBSharedBase::WriteLock);
         if (locked)
             locked._getReferent()->orphanObject();
     }
+    /// A new entity without a name that carries one reference.
     template <class T>
     static QOBSharedObject* Replicate()
     {
@@ -61,6 +65,7 @@ struct EntityAccess
         entity->addReference();
         return entity;
     }
+    /// A copy of an entity that carries one reference.
     template <class T>
     static QOBSharedObject* Duplicate(const QOBSharedObject& source, int mode)
     {
@@ -176,6 +181,7 @@ private:
 
 namespace karmp {
 
+/// The class that a class record names as its parent.
 template <class Super, class... Named>
 struct RecordParent
 {

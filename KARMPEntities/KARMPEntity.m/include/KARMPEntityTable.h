@@ -28,6 +28,7 @@ public:
     class Entry
     {
     public:
+        /// The identifier as a wide text.
         std::wstring Identifier() const;
         /// May be a null handle.
         const QOBSharedHandle<KARMPEntity>& Entity() const { return m_entity; }
@@ -53,6 +54,7 @@ public:
         QOBSharedHandle<KARMPEntity> m_entity;
     };
 
+    /// A table without entities.
     KARMPEntityTable();
     /// Enters what an ordered map holds, null handles included, so that a map can be passed where a
     /// table is wanted. Who reads many entities makes the table once: it is a copy of the map.

@@ -26,6 +26,7 @@ struct KARMPSourceLocation
 /// What the process does with failed checks: worked out at the first one and kept.
 struct KARMP_API KARMPFailedCheckFlags
 {
+    /// The bits of the settings.
     enum Flag : std::uint8_t {
         Computed = 1,    ///< The next three were worked out.
         Abend = 2,       ///< "ADL_ODT_IN" is set: a report ends the process.

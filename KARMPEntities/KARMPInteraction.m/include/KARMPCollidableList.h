@@ -57,6 +57,7 @@ public:
     class Entry
     {
     public:
+        /// The collidable, or null at the end of the list.
         operator Handle() const
         {
             Handle entry;
@@ -64,6 +65,7 @@ public:
                 m_list->Get(m_index, entry);
             return entry;
         }
+        /// Replaces the collidable; nothing happens without a list.
         const Entry& operator=(const Handle& entry) const requires(!std::is_const_v<List>)
         {
             if (m_list != nullptr)

@@ -43,6 +43,7 @@ public:
     /// that is not among them gives 1.
     KARStatus RemoveBody(const QOBSharedHandle<KARMPBody>& body);
 
+    /// Coefficients of restitution and of dynamic and static friction.
     KARStatus SetRestitutionCoefficient(double coefficient);
     KARStatus GetRestitutionCoefficient(double& coefficient) const;
     KARStatus SetDynamicFrictionCoefficient(double coefficient);

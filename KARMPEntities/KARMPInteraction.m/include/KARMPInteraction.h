@@ -57,6 +57,7 @@ public:
     /// itself. Outside the list a failure.
     virtual KARStatus GetEntities(int index, QOBSharedVector<KARMPEntity>& entities) const;
 
+    /// How many collidables there are.
     int GetCollidableCount() const { return m_collidables.Count(); }
     /// Finds the first entry of an entity: true with its position, or false with the end.
     bool FindCollidable(const QOBSharedHandle<KARMPEntity>& collidable,

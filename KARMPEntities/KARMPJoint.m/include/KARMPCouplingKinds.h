@@ -17,6 +17,7 @@ public:
     using Super::GetFrame;
     using Super::GetFrames;
     int GetFrameCount() const override { return 0; }
+    /// Frames are given by the forms with `local` only; these give KARNotImplemented.
     virtual KARStatus GetFrames(std::vector<KARMathAxis>&) const { return KARNotImplemented; }
     virtual KARStatus GetFrame(int, KARMathAxis&) const { return KARNotImplemented; }
 };
@@ -30,6 +31,7 @@ public:
     using Super::GetFrame;
     using Super::GetFrames;
     int GetFrameCount() const override { return 0; }
+    /// Frames are given by the forms with `local` only; these give KARNotImplemented.
     virtual KARStatus GetFrames(std::vector<KARMathAxis>&) const { return KARNotImplemented; }
     virtual KARStatus GetFrame(int, KARMathAxis&) const { return KARNotImplemented; }
 };
@@ -43,6 +45,7 @@ public:
     using Super::GetFrame;
     using Super::GetFrames;
     int GetFrameCount() const override { return 0; }
+    /// Frames are given by the forms with `local` only; these give KARNotImplemented.
     virtual KARStatus GetFrames(std::vector<KARMathAxis>&) const { return KARNotImplemented; }
     virtual KARStatus GetFrame(int, KARMathAxis&) const { return KARNotImplemented; }
 };

@@ -41,6 +41,7 @@ template <class T>
 class KARMPGenericFactory : public KARMPGenericFactoryBase
 {
 public:
+    /// Registers the class under its name.
     explicit KARMPGenericFactory(std::string_view className) { Register(className, &Create); }
 
 private:
@@ -64,6 +65,7 @@ public:
     {
     public:
         Class() = default;
+        /// Looks the class up; entities of a name that is not registered cannot be created.
         explicit Class(std::string_view className) : m_creator(Find(className)) {}
 
     private:

@@ -44,6 +44,7 @@ public:
     KARMP_API static std::optional<NumberArray> TransformationByRows(
         std::span<const double> entries);
 
+    /// The shape, which tells how the numbers are to be read.
     NumberShape Shape() const { return m_shape; }
     /// The rows and columns of a matrix, of the homogeneous one for a transformation; a vector has
     /// one column.
@@ -52,6 +53,7 @@ public:
     /// An entry by row and column.
     KARMP_API double At(std::size_t row, std::size_t column) const;
 
+    /// The numbers, as a container gives them; an index is not checked.
     std::size_t size() const { return m_count; }
     const double* data() const { return m_numbers.data(); }
     double* data() { return m_numbers.data(); }
@@ -60,6 +62,7 @@ public:
     double operator[](std::size_t index) const { return m_numbers[index]; }
     double& operator[](std::size_t index) { return m_numbers[index]; }
 
+    /// Compares shapes and numbers.
     bool operator==(const NumberArray& other) const
     {
         return m_shape == other.m_shape && std::equal(begin(), end(), other.begin(), other.end());

@@ -183,6 +183,7 @@ struct AsciiText
 {
     const char* characters = nullptr;
 
+    /// The characters.
     std::string_view View() const { return characters; }
 };
 
@@ -249,6 +250,7 @@ public:
     NodeArray& operator=(const NodeArray&) = delete;
     ~NodeArray() { Clear(); }
 
+    /// The elements, as a container gives them; an index is not checked.
     std::size_t size() const { return m_block != nullptr ? m_block->size : 0; }
     T& operator[](std::size_t index) { return First()[index]; }
     const T& operator[](std::size_t index) const { return First()[index]; }
@@ -273,6 +275,7 @@ public:
             Grow(std::max(size() + more, size() * 2), memory);
     }
 
+    /// Puts an element behind the last one.
     void Append(T&& element)
     {
         GrowIfFull();
@@ -290,6 +293,7 @@ public:
         m_block->size += static_cast<std::uint32_t>(count);
     }
 
+    /// Destroys all elements.
     void Clear() noexcept
     {
         std::destroy(begin(), end());

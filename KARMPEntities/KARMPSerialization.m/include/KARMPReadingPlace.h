@@ -12,6 +12,7 @@ class KARMPDeserializer;
 class KARMP_API KARMPReadingPlace
 {
 public:
+    /// Begins the reading of a node, which ends with this object; null for none.
     explicit KARMPReadingPlace(const KARMPDeserializer* node) noexcept;
     ~KARMPReadingPlace();
     KARMPReadingPlace(const KARMPReadingPlace&) = delete;

@@ -15,6 +15,7 @@ public:
     KARStatus Deserialize(const KARMPDeserializer* deserializer,
                           const KARMPEntityTable& entities) override;
 
+    /// The text, stored and given as it is.
     virtual KARStatus SetValue(KARUnicodeString value)
     {
         m_value = std::move(value);

@@ -9,6 +9,7 @@ class KARMPVariable;
 class KARWBFactory;
 class KARWBVariable;
 
+/// Makes the variables of the equation library for those of a mechanism.
 class KARMP_API KARMPVariableHelper
 {
 public:

@@ -35,6 +35,7 @@ public:
     /// A new observer that watches nothing. It stops watching when it dies.
     static QOBSharedHandle<KARMPObserver> create();
 
+    /// The identifier of the class of observers.
     const QOBUUID& getClassID() const override;
 
     /// Watches the entities that the world lists and stops watching all others. A null handle is a

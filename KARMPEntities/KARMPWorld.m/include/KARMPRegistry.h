@@ -18,11 +18,13 @@ namespace karmp {
 class KARMP_API RegistryCore
 {
 public:
+    /// Empty, or with the entities and keys of another one.
     RegistryCore();
     RegistryCore(const RegistryCore& source);
     RegistryCore& operator=(const RegistryCore&) = delete;
     ~RegistryCore();
 
+    /// Lists an entity without keys or under two, as KARMPRegistry tells.
     KARStatus Add(const QOBSharedBase& entity);
     KARStatus Add(KARBaseUnknown* key1, KARBaseUnknown* key2, const QOBSharedBase& entity);
     /// Prepares for a number of entities more.

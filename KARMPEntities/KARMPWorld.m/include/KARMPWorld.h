@@ -62,6 +62,7 @@ public:
     /// A new world that extends nothing and carries one reference.
     static QOBSharedObject* _CreateObject();
 
+    /// The class record of worlds, as every class of the object model gives its own.
     std::string getClassName() const override;
     const QOBClassInfo& getClassInfo() const override;
     bool isInstanceOf(const QOBClassInfo& info) const override;
@@ -299,8 +300,10 @@ private:
     QOBSharedHandle<KARMPBody> m_groundBody;
 };
 
+/// Values also become logical children of the basic world, if they are none yet.
 template <>
 KARMP_API KARStatus KARMPWorld::Add(const QOBSharedHandle<KARMPValue>& value);
+/// The same under two keys.
 template <>
 KARMP_API KARStatus KARMPWorld::Add(KARBaseUnknown_var key1, KARBaseUnknown_var key2,
                                     const QOBSharedHandle<KARMPValue>& value);

@@ -45,6 +45,7 @@ public:
     /// Distance to another point.
     double DistanceTo(const KARMathPoint& other) const { return (*this - other).Norm(); }
 
+    /// Moves the point by a vector.
     constexpr KARMathPoint& operator+=(const KARMathVector& v) { return *this = *this + v; }
     constexpr KARMathPoint& operator-=(const KARMathVector& v) { return *this = *this - v; }
 

@@ -36,6 +36,7 @@ public:
     /// Distance to another point.
     double DistanceTo(const KARMathPoint2D& other) const { return (*this - other).Norm(); }
 
+    /// Moves the point by a vector.
     constexpr KARMathPoint2D& operator+=(const KARMathVector2D& v) { return *this = *this + v; }
     constexpr KARMathPoint2D& operator-=(const KARMathVector2D& v) { return *this = *this - v; }
 

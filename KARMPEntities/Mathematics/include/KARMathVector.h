@@ -87,6 +87,7 @@ public:
         return true;
     }
 
+    /// Adds, subtracts and scales in place.
     constexpr KARMathVector& operator+=(const KARMathVector& other)
     {
         return *this = *this + other;

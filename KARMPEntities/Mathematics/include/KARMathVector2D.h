@@ -66,6 +66,7 @@ public:
         return true;
     }
 
+    /// Adds, subtracts and scales in place.
     constexpr KARMathVector2D& operator+=(const KARMathVector2D& other)
     {
         return *this = *this + other;

@@ -85,6 +85,7 @@ private:
 class SharedText::Wide
 {
 public:
+    /// Makes the wide form of a text.
     explicit Wide(const SharedText& source)
     {
         const std::string_view narrow = source.Narrow();
@@ -102,6 +103,7 @@ public:
     Wide& operator=(const Wide&) = delete;
     ~Wide() = default;
 
+    /// The characters.
     std::wstring_view View() const noexcept { return m_view; }
 
 private:

@@ -119,6 +119,7 @@ class QOBSharedHandle : public QOBSharedBase
 {
 public:
     QOBSharedHandle() noexcept = default;
+    /// An empty handle.
     QOBSharedHandle(std::nullptr_t) noexcept {}
     QOBSharedHandle(const QOBSharedHandle&) noexcept = default;
     QOBSharedHandle(QOBSharedHandle&&) noexcept = default;
@@ -200,6 +201,7 @@ class QOBSharedConstPointer : public QOBSharedBase
 {
 public:
     QOBSharedConstPointer() noexcept = default;
+    /// Refers to the object; null for none.
     explicit QOBSharedConstPointer(const T* object) noexcept : QOBSharedBase(object) {}
 
     /// The referent, or null.

@@ -11,6 +11,7 @@ public:
     /// Makes an empty bag, which is the caller's.
     static KAR3DBagRep* CreateRep();
 
+    /// Bag.
     KAR3DRepKind GetKind() const override { return KAR3DRepKind::Bag; }
     /// Takes a node over, out of the bag that it was in. KARFailure when it is null, this bag or
     /// one that holds it; KARUnchanged when it is in this bag already.

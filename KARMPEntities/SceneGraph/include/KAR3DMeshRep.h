@@ -22,6 +22,7 @@ public:
                                    std::vector<KARTriangle> triangles,
                                    std::vector<KARMathVector> normals = {});
 
+    /// Mesh, with its vertices and the triangles between them.
     KAR3DRepKind GetKind() const override { return KAR3DRepKind::Mesh; }
     const std::vector<KARMathPoint>& GetVertices() const { return m_vertices; }
     const std::vector<KARTriangle>& GetTriangles() const { return m_triangles; }

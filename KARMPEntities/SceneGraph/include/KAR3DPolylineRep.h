@@ -13,6 +13,7 @@ public:
     /// that is not finite.
     static KAR3DPolylineRep* CreateRep(std::vector<KARMathPoint> points);
 
+    /// Polyline, with the points that it joins in their order.
     KAR3DRepKind GetKind() const override { return KAR3DRepKind::Polyline; }
     const std::vector<KARMathPoint>& GetPoints() const { return m_points; }
 

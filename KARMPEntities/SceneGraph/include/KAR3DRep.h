@@ -13,8 +13,10 @@ class KAR3DRep;
 
 namespace kar {
 class RepLink;
+/// Destroys a representation, for the pointers that own one.
 struct DestroyRep
 {
+    /// Destroys it; null is allowed.
     void operator()(KAR3DRep* rep) const;
 };
 } // namespace kar
@@ -45,6 +47,7 @@ public:
     KAR3DRep(const KAR3DRep&) = delete;
     KAR3DRep& operator=(const KAR3DRep&) = delete;
 
+    /// What kind of representation this is.
     virtual KAR3DRepKind GetKind() const = 0;
     /// Makes a copy of the node and of all below it, which is in no bag and the caller's.
     KAR3DRep* Duplicate() const;

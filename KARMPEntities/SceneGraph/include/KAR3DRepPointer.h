@@ -35,12 +35,14 @@ class KAR3DRepPointer : private kar::RepLink
 {
 public:
     KAR3DRepPointer() = default;
+    /// Refers to a representation; null for none.
     explicit KAR3DRepPointer(Rep* rep) : RepLink(rep) {}
     KAR3DRepPointer& operator=(Rep* rep)
     {
         Point(rep);
         return *this;
     }
+    /// The representation, or null.
     Rep* Get() const { return static_cast<Rep*>(Target()); }
     Rep* operator->() const { return Get(); }
     explicit operator bool() const { return Get() != nullptr; }

@@ -24,6 +24,7 @@ public:
     /// False when the check found a number that is not finite, or low above high.
     bool IsValid() const { return m_valid; }
 
+    /// Memory of this library, so that it may be freed in another one.
     static void* operator new(std::size_t size);
     static void operator delete(void* memory) noexcept;
 
