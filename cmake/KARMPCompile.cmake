@@ -3,7 +3,8 @@
 # karmp_use_ccache()
 #
 # Compiles through ccache, unless there is none or a launcher was chosen already. A source that uses
-# a precompiled header is found again only with this sloppiness.
+# a precompiled header is found again only with this sloppiness, and in another build folder of the
+# same settings only with paths that are relative.
 macro(karmp_use_ccache)
     find_program(KARMP_CCACHE_PROGRAM ccache)
     mark_as_advanced(KARMP_CCACHE_PROGRAM)
@@ -11,6 +12,7 @@ macro(karmp_use_ccache)
         set(CMAKE_CXX_COMPILER_LAUNCHER
             "${CMAKE_COMMAND}" -E env
             CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_ctime,include_file_mtime
+            "CCACHE_BASEDIR=${PROJECT_SOURCE_DIR}"
             "${KARMP_CCACHE_PROGRAM}"
         )
     endif()

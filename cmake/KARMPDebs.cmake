@@ -1,7 +1,8 @@
 # Debian packages by CPack: the libraries, what programs are built with, and the tool.
 # scripts/package makes them, by the preset "package".
 
-set(KARMP_MAINTAINER "KARMPEntities maintainers <maintainers@karmpentities.org>"
+# The address stands for one that whoever publishes packages gives.
+set(KARMP_MAINTAINER "KARMPEntities maintainers <maintainers@karmpentities.invalid>"
     CACHE STRING "Who answers for the packages: a name and an address"
 )
 mark_as_advanced(KARMP_MAINTAINER)
