@@ -386,7 +386,7 @@ LoadResult LoadDocument(Document document, const LoadOptions& options,
     }
     // The check of the form, that of the meaning, and the reading pass over the entities twice
     // each.
-    const auto passes = 2 + 2 * static_cast<std::size_t>(options.check);
+    const auto passes = 2 + 2 * static_cast<std::size_t>(options.check.level);
     const bool isChecked = options.check != CheckLevel::None;
     ProgressSteps& steps = DocumentSource::Of(*document.Root()).Progress();
     if (options.progress)

@@ -171,8 +171,8 @@ private:
 
     ByteBuffer& m_out;
     const bool m_isExact;
-    Place* m_top;
     std::array<Place, LargestDepth> m_places;
+    Place* m_top;
     std::array<const Name*, SlotCount> m_names{};
     std::deque<Name> m_known;
     std::array<std::size_t, LargestGroup> m_group{};

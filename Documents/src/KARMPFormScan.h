@@ -5,7 +5,6 @@
 #include "KARMPDocumentSchema.h"
 #include "KARMPTextEscapes.h"
 
-#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -86,7 +85,10 @@ private:
         std::uint32_t target;
         std::uint32_t name;
 
-        auto operator<=>(const Link&) const = default;
+        bool operator<(const Link& other) const
+        {
+            return target != other.target ? target < other.target : name < other.name;
+        }
     };
     /// A link that must be returned.
     struct Back

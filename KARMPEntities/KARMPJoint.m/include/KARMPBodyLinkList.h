@@ -26,10 +26,11 @@ public:
                   KARMPSourceLocation where = KARMPSourceLocation::current())
     {
         // Capacity comes first, so that no body is without orientation when an allocation fails.
-        m_orientations.Reserve(m_bodies.Count() + std::size_t{1});
+        const auto count = static_cast<std::size_t>(m_bodies.Count());
+        m_orientations.Reserve(count + 1);
         const KARStatus status = m_bodies.Add(body, where);
         if (status == KARSuccess)
-            m_orientations[m_bodies.Count() - std::size_t{1}] = orientation;
+            m_orientations[count] = orientation;
         return status;
     }
     /// Takes a body out with its orientation. A null handle is a failed check and a failure; a body
