@@ -1,5 +1,6 @@
 // Any bytes as a document that is read from its records, and from its nodes after all of them are
 // filled: both give the same world.
+#include "KARMPCurve.h"
 #include "KARMPDocumentReader.h"
 #include "KARMPDocuments.h"
 #include "KARMPWorld.h"
@@ -37,6 +38,12 @@ std::string Outcome(std::string_view bytes, bool isFilled)
         outcome = std::to_string(world->Deserialize(document.Root()));
     } catch (const std::exception& exception) {
         outcome = exception.what();
+    }
+    for (int index = 0; index < world->Count<KARMPGeometry>(); ++index) {
+        QOBSharedHandle<KARMPGeometry> geometry;
+        if (world->Get(index, geometry) == KARSuccess &&
+            geometry.isDerivedFrom(KARMPCurve::ClassInfo()))
+            QOBSharedHandle<KARMPCurve>(geometry)->DeleteCurveLimitsAtEnd(true);
     }
     std::string saved;
     SaveOptions options;

@@ -1,6 +1,7 @@
 // Entities are read from the records of a document, and from its nodes where those are filled: both
 // give the same world and the same failed checks.
 #include "ChangedDocuments.h"
+#include "KARMPCurve.h"
 #include "KARMPDocumentReader.h"
 #include "KARMPDocuments.h"
 #include "KARMPFailedCheck.h"
@@ -72,6 +73,12 @@ std::string Outcome(const std::string& text, bool isFilled)
         outcome = std::to_string(world->Deserialize(document.Root())) + '\n';
     } catch (const std::exception& exception) {
         outcome = exception.what();
+    }
+    for (int index = 0; index < world->Count<KARMPGeometry>(); ++index) {
+        QOBSharedHandle<KARMPGeometry> geometry;
+        if (world->Get(index, geometry) == KARSuccess &&
+            geometry.isDerivedFrom(KARMPCurve::ClassInfo()))
+            QOBSharedHandle<KARMPCurve>(geometry)->DeleteCurveLimitsAtEnd(true);
     }
     outcome += noting.Notes();
     std::string saved;

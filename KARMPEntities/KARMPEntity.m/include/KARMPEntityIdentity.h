@@ -36,9 +36,9 @@ struct EntityAccess
     template <class T>
     static QOBSharedHandle<T> Create(const std::wstring& name)
     {
-        T* entity = new T;
+        const QOBSharedHandle<T> entity(new T, QOBSharedBase::NoLock);
         entity->setEntityName(name);
-        return QOBSharedHandle<T>(entity, QOBSharedBase::NoLock);
+        return entity;
     }
     /// A copy of an entity; a null handle for a null handle.
     template <class T>

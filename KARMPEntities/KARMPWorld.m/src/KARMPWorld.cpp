@@ -132,6 +132,9 @@ void KARMPWorld::CreateGlobals()
 {
     m_globalBody = KARMPBody::create(L"GlobalBody");
     m_globalAxisSystem = KARMPAxisSystem::create(L"GlobalAxisSystem");
+    // Before they hold one another, so that they are freed when an allocation fails.
+    m_ownGlobals.body = m_globalBody;
+    m_ownGlobals.axisSystem = m_globalAxisSystem;
     const QOBSharedHandle<KARMPBody> body(m_globalBody, QOBSharedBase::WriteLock);
     const QOBSharedHandle<KARMPGeometry> axisSystem(m_globalAxisSystem, QOBSharedBase::WriteLock);
     if (KARMPVerify(body && axisSystem)) {
@@ -141,8 +144,6 @@ void KARMPWorld::CreateGlobals()
         Add(body);
         Add(axisSystem);
     }
-    m_ownGlobals.body = m_globalBody;
-    m_ownGlobals.axisSystem = m_globalAxisSystem;
 
     m_globalTime = KARMPVariable::create(L"GlobalTime");
     const QOBSharedHandle<KARMPVariable> time(m_globalTime, QOBSharedBase::WriteLock);
