@@ -71,8 +71,11 @@ struct LoadCheck
     CheckLevel level = CheckLevel::Form;
 
     constexpr LoadCheck() = default;
+    /// A check of a level.
     constexpr LoadCheck(CheckLevel value) : level(value) {}
+    /// The check of the form, or none.
     constexpr LoadCheck(bool isChecked) : level(isChecked ? CheckLevel::Form : CheckLevel::None) {}
+    /// The level.
     constexpr operator CheckLevel() const { return level; }
 };
 

@@ -9,8 +9,8 @@ using karmp::AttributeRecord;
 using karmp::DocumentRecords;
 using karmp::NoOffset;
 using karmp::Offset;
-using karmp::documents::SourcePosition;
 using karmp::TextKind;
+using karmp::documents::SourcePosition;
 
 namespace {
 

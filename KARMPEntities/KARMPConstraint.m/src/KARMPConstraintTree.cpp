@@ -31,31 +31,32 @@ struct karmp::ContentOf<KARMPConstraint>
         return constraint.AddConstraintParameter(kept.release());
     }
 
-    static constexpr auto List = Base(
-        "A condition on geometry.", LenientFrame,
-        References<&C::GetLinkedGeometryCount, &C::GetLinkedGeometry, &C::LinkToGeometry>(
-            L"Geometries", L"Geometry", "The geometries that it is put on.")
-            .Removing<&C::RemoveGeometry>()
-            .InOrder()
-            .OtherSide(L"Constraints"),
-        Reference<&C::GetJoint, &C::SetJoint>(L"Joint", "The joint that it belongs to.")
-            .Removing<&C::RemoveJoint>()
-            .OtherSide(L"Constraints"),
-        References<&C::GetLinkedVariableCount, &C::GetLinkedVariable, &C::LinkToVariable>(
-            L"Variables", L"Variable", "The variables that it drives or relates.")
-            .Removing<&C::RemoveVariable>()
-            .InOrder()
-            .OtherSide(L"Constraints"),
-        References<&C::GetLinkedSensorCount, &C::GetLinkedSensor, &C::LinkToSensor>(
-            L"Sensors", L"Sensor", "The sensors that watch it.")
-            .Removing<&C::RemoveSensor>(),
-        // Each record writes and reads itself, so that a subclass of it can do so in its own way.
-        AddedBy<&TakeParameter>(
-            DescribedRecords<&C::m_parameters>(L"ConstraintParameters", L"ConstraintParameter",
-                                               &KARMPConstraintParameter::RecordContent,
-                                               "Numbers that a solver keeps with the constraint."))
-            .When<&HasInitializedParameter>()
-            .Owned())
+    static constexpr auto List =
+        Base("A condition on geometry.", LenientFrame,
+             References<&C::GetLinkedGeometryCount, &C::GetLinkedGeometry, &C::LinkToGeometry>(
+                 L"Geometries", L"Geometry", "The geometries that it is put on.")
+                 .Removing<&C::RemoveGeometry>()
+                 .InOrder()
+                 .OtherSide(L"Constraints"),
+             Reference<&C::GetJoint, &C::SetJoint>(L"Joint", "The joint that it belongs to.")
+                 .Removing<&C::RemoveJoint>()
+                 .OtherSide(L"Constraints"),
+             References<&C::GetLinkedVariableCount, &C::GetLinkedVariable, &C::LinkToVariable>(
+                 L"Variables", L"Variable", "The variables that it drives or relates.")
+                 .Removing<&C::RemoveVariable>()
+                 .InOrder()
+                 .OtherSide(L"Constraints"),
+             References<&C::GetLinkedSensorCount, &C::GetLinkedSensor, &C::LinkToSensor>(
+                 L"Sensors", L"Sensor", "The sensors that watch it.")
+                 .Removing<&C::RemoveSensor>(),
+             // Each record writes and reads itself, so that a subclass of it can do so in its own
+             // way.
+             AddedBy<&TakeParameter>(DescribedRecords<&C::m_parameters>(
+                                         L"ConstraintParameters", L"ConstraintParameter",
+                                         &KARMPConstraintParameter::RecordContent,
+                                         "Numbers that a solver keeps with the constraint."))
+                 .When<&HasInitializedParameter>()
+                 .Owned())
             .WrittenByList();
 };
 KARMP_DESCRIBE_CONTENT(KARMPConstraint);
