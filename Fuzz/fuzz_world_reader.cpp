@@ -1,7 +1,7 @@
 // A world read from a tree made of the input's bytes: each byte opens an element, closes one, or
 // gives the present one an attribute or a value, all out of the words that the library knows.
-#include "KARMPCurve.h"
 #include "KARMPDeserializer.h"
+#include "KARMPReadCurves.h"
 #include "KARMPSerializer.h"
 #include "KARMPWorld.h"
 #include "QOBBasicWorld.h"
@@ -214,16 +214,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto basicWorld = QOBBasicWorld::create(L"fuzz");
     const auto world = KARMPWorld::create(basicWorld);
     try {
+        const karmp::documents::ReadCurves curves(*world);
         static_cast<void>(world->Deserialize(&root)); // most inputs hold no world
     } catch (const QOBEInvalidCast&) {
         // A reference to an entity of another class: the one exception that reading throws.
-    }
-    // The limits that the curves' reader made belong to whoever reads.
-    for (int index = 0; index < world->Count<KARMPGeometry>(); ++index) {
-        QOBSharedHandle<KARMPGeometry> geometry;
-        world->Get(index, geometry);
-        if (geometry.isDerivedFrom(KARMPCurve::ClassInfo()))
-            QOBSharedHandle<KARMPCurve>(geometry)->DeleteCurveLimitsAtEnd(true);
     }
     Writer writer;
     static_cast<void>(world->Serialize(&writer)); // sought are crashes

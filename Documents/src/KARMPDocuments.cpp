@@ -1,6 +1,5 @@
 #include "KARMPDocuments.h"
 
-#include "KARMPCurve.h"
 #include "KARMPDocumentChecker.h"
 #include "KARMPDocumentNames.h"
 #include "KARMPDocumentPath.h"
@@ -10,6 +9,7 @@
 #include "KARMPListedEntities.h"
 #include "KARMPNodeQueries.h"
 #include "KARMPProgressSteps.h"
+#include "KARMPReadCurves.h"
 #include "KARMPReadingPlace.h"
 #include "KARMPSaveCheck.h"
 #include "KARMPSerializationServices.h"
@@ -283,31 +283,11 @@ Diagnostics RenderWorld(const QOBSharedHandle<KARMPWorld>& world, const std::str
     return diagnostics;
 }
 
-// Calls `visit` with each free curve of a world.
-template <class Visit>
-void ForEachCurve(const KARMPWorld& world, Visit visit)
-{
-    for (int index = 0; index < world.Count<KARMPGeometry>(); ++index) {
-        QOBSharedHandle<KARMPGeometry> geometry;
-        if (!KARFailed(world.Get(index, geometry)) &&
-            geometry.isDerivedFrom(KARMPCurve::ClassInfo()))
-            visit(QOBSharedHandle<KARMPCurve>(geometry));
-    }
-}
-
-// Reads a tree into a world. The limits that the readers of curves make belong to whoever reads, so
-// the curves that are new free them; the limits of other curves stay their owner's.
+// Reads a tree into a world.
 KARStatus ReadTree(const KARMPDocumentReader& root, KARMPWorld& world)
 {
-    std::vector<QOBSharedHandle<KARMPCurve>> former;
-    ForEachCurve(world, [&former](const auto& curve) { former.push_back(curve); });
-    std::sort(former.begin(), former.end());
-    const KARStatus status = world.Deserialize(&root);
-    ForEachCurve(world, [&former](const auto& curve) {
-        if (!std::binary_search(former.begin(), former.end(), curve))
-            curve->DeleteCurveLimitsAtEnd(true);
-    });
-    return status;
+    const ReadCurves curves(world);
+    return world.Deserialize(&root);
 }
 
 // Reads a tree into `into` or a new world. False when the reading failed on a reference.

@@ -187,28 +187,6 @@ TEST_F(DocumentDifference, IsNothingBetweenEmptyDocuments)
     EXPECT_NE(DifferenceOf(LoadFile(Examples()[0]).world, world), "");
 }
 
-/// Another value for an item that is no list, or none where there is no other one.
-Value OtherValue(const ItemInfo& item, const FilledWorld& filled, const FilledWorld& other)
-{
-    Value value = item.Get(*filled.entity);
-    if (const auto* const target = std::get_if<Handle>(&value)) {
-        const Handle another = filled.Other(item.target, {*target, filled.entity});
-        return another ? Value(another) : Value();
-    }
-    const Value ofOther = item.Get(*other.entity);
-    if (ofOther.index() == value.index() && ofOther != value)
-        return ofOther;
-    if (auto* const flag = std::get_if<bool>(&value))
-        *flag = !*flag;
-    else if (auto* const number = std::get_if<double>(&value))
-        *number += 0.125;
-    else if (auto* const numbers = std::get_if<NumberArray>(&value))
-        (*numbers)[0] += 0.125;
-    else
-        return {};
-    return value;
-}
-
 /// Items that cannot be set to another value here, with the reason.
 const std::set<std::pair<std::string, std::wstring>> NotSet{
     // The equation of a coupling is the first equation among its constraints, whichever is set.

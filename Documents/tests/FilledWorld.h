@@ -3,6 +3,7 @@
 
 #include "FilledEntities.h"
 #include "KARMPAxisSystem.h"
+#include "KARMPItems.h"
 #include "KARMPWorldFamilies.h"
 #include "KARTextConversion.h"
 #include "QOBClassInfo.h"
@@ -10,6 +11,7 @@
 #include <algorithm>
 #include <string>
 #include <string_view>
+#include <variant>
 #include <vector>
 
 namespace karmp::documents {
@@ -112,5 +114,27 @@ public:
     Entity entity;
     QOBSharedHandle<KARMPWorld> world;
 };
+
+/// Another value for an item that is no list, or none where there is no other one.
+inline Value OtherValue(const ItemInfo& item, const FilledWorld& filled, const FilledWorld& other)
+{
+    Value value = item.Get(*filled.entity);
+    if (const auto* const target = std::get_if<FilledWorld::Entity>(&value)) {
+        const FilledWorld::Entity another = filled.Other(item.target, {*target, filled.entity});
+        return another ? Value(another) : Value();
+    }
+    const Value ofOther = item.Get(*other.entity);
+    if (ofOther.index() == value.index() && ofOther != value)
+        return ofOther;
+    if (auto* const flag = std::get_if<bool>(&value))
+        *flag = !*flag;
+    else if (auto* const number = std::get_if<double>(&value))
+        *number += 0.125;
+    else if (auto* const numbers = std::get_if<NumberArray>(&value))
+        (*numbers)[0] += 0.125;
+    else
+        return {};
+    return value;
+}
 
 } // namespace karmp::documents

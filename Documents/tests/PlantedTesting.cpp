@@ -118,7 +118,7 @@ Diagnostics FindingsIn(std::string text)
 void ExpectFindings(const std::vector<Planted>& mistakes)
 {
     for (const Planted& planted : mistakes) {
-        SCOPED_TRACE(std::string(planted.document) + ": " + planted.mistaken);
+        SCOPED_TRACE(planted.document + ": " + planted.mistaken);
         const Prepared prepared = Prepare(planted);
         const Diagnostics found = FindingsIn(prepared.text);
         EXPECT_EQ(found.items.size(), planted.besides == nullptr ? 1U : 2U) << AllOf(found);

@@ -14,7 +14,7 @@ namespace karmp::documents {
 struct Planted
 {
     /// The name of an example, after an "@" the version that it is saved for.
-    const char* document;
+    std::string document;
     /// What is replaced; null for all of the document.
     const char* sound;
     const char* mistaken;

@@ -137,6 +137,23 @@ TEST_F(StoredGeometryDocument, LetsTheCurvesThatItReadFreeTheirLimitsAndNoOthers
     EXPECT_EQ(m_line->GetRefCount(), 1U);
 }
 
+// A reference to an entity of another class ends the reading before the world lists what was read;
+// without the reference another world is read.
+TEST_F(StoredGeometryDocument, LetsTheCurvesFreeTheirLimitsWhenReadingEndsEarly)
+{
+    AddCurve()->SetIdentifier(L"line");
+    std::string text = Saved();
+    const std::size_t end = text.find("</Curve>");
+    ASSERT_NE(end, std::string::npos);
+    text.insert(end + 8, R"(<Point id="tip" name="tip"><Body id="line" name="line"/></Point>)");
+    LoadOptions options;
+    options.check = CheckLevel::None;
+    const LoadResult result = LoadText(text, "<text>", options);
+    EXPECT_TRUE(result.diagnostics.HasErrors());
+    ASSERT_TRUE(result.world);
+    EXPECT_TRUE(First<KARMPCurve>(*result.world));
+}
+
 TEST_F(StoredGeometryDocument, CheckTellsOfStreamsThatHoldNothingAndOfTheirLengths)
 {
     AddSurface();

@@ -4,6 +4,7 @@
 #include "QOBExtension.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -39,6 +40,9 @@ public:
     bool hasLogicalChild(const QOBSharedHandle<QOBBasicEntity>& child) const;
     /// Number of entities directly under this one.
     std::size_t getLogicalChildCount() const;
+    /// Calls `visit` with each entity directly under this one, in the order of their placing.
+    /// Placing or orphaning one of them meanwhile is an error.
+    void visitLogicalChildren(const std::function<void(QOBBasicEntity&)>& visit) const;
 
     /// Takes the entity out of the hierarchy and lets its children go.
     void orphanObject() override;

@@ -13,7 +13,7 @@ using Slots = std::vector<QOBSharedHandle<QOBBasicEntity>>;
 
 // Many children do not fit the caches, so that a walk over them asks for them ahead.
 template <class Visit>
-void ForEachChild(const Slots& slots, Visit visit)
+void ForEachChild(const Slots& slots, const Visit& visit)
 {
     for (std::size_t slot = 0; slot < slots.size(); ++slot) {
         if (slot + kar::PrefetchDistance < slots.size())
@@ -96,6 +96,12 @@ bool QOBBasicEntity::hasLogicalChild(const QOBSharedHandle<QOBBasicEntity>& chil
 std::size_t QOBBasicEntity::getLogicalChildCount() const
 {
     return m_children != nullptr ? m_children->count : 0;
+}
+
+void QOBBasicEntity::visitLogicalChildren(const std::function<void(QOBBasicEntity&)>& visit) const
+{
+    if (m_children != nullptr)
+        ForEachChild(m_children->slots, visit);
 }
 
 void QOBBasicEntity::orphanObject()

@@ -202,6 +202,23 @@ TEST(BasicEntity, RefusesNullItselfAndItsAncestorsAsChildren)
     EXPECT_FALSE(outer->hasLogicalChild({}));
 }
 
+TEST(BasicEntity, ShowsEachOfItsChildrenInTheOrderOfPlacing)
+{
+    const auto world = QOBBasicWorld::create(L"world");
+    const auto first = MakeItem();
+    const auto second = MakeItem();
+    const auto third = MakeItem();
+    std::vector<QOBBasicEntity*> visited;
+    const auto note = [&visited](QOBBasicEntity& child) { visited.push_back(&child); };
+    world->visitLogicalChildren(note);
+    EXPECT_TRUE(visited.empty());
+    for (const auto& child : {first, second, third})
+        world->addLogicalChild(child);
+    second->orphanObject();
+    world->visitLogicalChildren(note);
+    EXPECT_EQ(visited, (std::vector<QOBBasicEntity*>{first.get(), third.get()}));
+}
+
 TEST(BasicEntity, LeavesItsPlaceWhenOrphaned)
 {
     const auto world = QOBBasicWorld::create(L"world");
