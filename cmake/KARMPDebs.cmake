@@ -7,10 +7,29 @@ set(KARMP_MAINTAINER "KARMPEntities maintainers <maintainers@karmpentities.inval
 )
 mark_as_advanced(KARMP_MAINTAINER)
 
+# Packages of a version that CHANGELOG.md gives no date yet come before those of the version, and
+# carry the date of the version before.
+set(version "${PROJECT_VERSION}")
+file(STRINGS "${PROJECT_SOURCE_DIR}/CHANGELOG.md" versions REGEX "^## \\[[0-9.]+\\] - ")
+list(GET versions 0 newest)
+if(NOT newest MATCHES "^## \\[(.+)\\] - (([0-9]+)-[0-9]+-[0-9]+)$")
+    message(FATAL_ERROR "CHANGELOG.md has no version with a date")
+endif()
+set(KARMP_RELEASE_YEAR "${CMAKE_MATCH_3}")
+if(NOT CMAKE_MATCH_1 STREQUAL PROJECT_VERSION)
+    string(APPEND version "~dev")
+endif()
+execute_process(
+    COMMAND date -u -R -d "${CMAKE_MATCH_2}"
+    OUTPUT_VARIABLE KARMP_RELEASE_DATE
+    OUTPUT_STRIP_TRAILING_WHITESPACE
+    COMMAND_ERROR_IS_FATAL ANY
+)
+
 set(revision 1)
 set(soversion "${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}")
 set(libraries_package "libkarmpentities${soversion}")
-set(same_version "${libraries_package} (= ${PROJECT_VERSION}-${revision})")
+set(same_version "${libraries_package} (= ${version}-${revision})")
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
@@ -23,6 +42,7 @@ set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "") # each package has its own
 set(CPACK_DEBIAN_PACKAGE_SOURCE karmpentities)
 set(CPACK_DEBIAN_PACKAGE_MAINTAINER "${KARMP_MAINTAINER}")
+set(CPACK_DEBIAN_PACKAGE_VERSION "${version}")
 set(CPACK_DEBIAN_PACKAGE_RELEASE ${revision})
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
@@ -68,19 +88,8 @@ joints, and writes a page that shows the mechanism in space."
 
 # The licence and the changes, for each package.
 set(folder "${PROJECT_BINARY_DIR}/debian")
-file(STRINGS "${PROJECT_SOURCE_DIR}/CHANGELOG.md" released REGEX "^## \\[${PROJECT_VERSION}\\] - ")
-if(NOT released MATCHES "(([0-9]+)-[0-9]+-[0-9]+)$")
-    message(FATAL_ERROR "CHANGELOG.md has no date of version ${PROJECT_VERSION}")
-endif()
-set(KARMP_RELEASE_YEAR "${CMAKE_MATCH_2}")
-execute_process(
-    COMMAND date -u -R -d "${CMAKE_MATCH_1}"
-    OUTPUT_VARIABLE KARMP_RELEASE_DATE
-    OUTPUT_STRIP_TRAILING_WHITESPACE
-    COMMAND_ERROR_IS_FATAL ANY
-)
 configure_file("${CMAKE_CURRENT_LIST_DIR}/debian/copyright.in" "${folder}/copyright" @ONLY)
-set(KARMP_DEBIAN_VERSION "${PROJECT_VERSION}-${revision}")
+set(KARMP_DEBIAN_VERSION "${version}-${revision}")
 configure_file("${CMAKE_CURRENT_LIST_DIR}/debian/changelog.in" "${folder}/changelog.Debian" @ONLY)
 configure_file("${PROJECT_SOURCE_DIR}/CHANGELOG.md" "${folder}/changelog" COPYONLY)
 execute_process(
