@@ -1,7 +1,9 @@
 #include "KARMPEntityIndex.h"
 
+#include "KARMPModelNames.h"
 #include "KARTextConversion.h"
 
+#include <functional>
 #include <string>
 #include <utility>
 
@@ -34,10 +36,17 @@ bool IsText(const kar::SharedText& text, std::string_view utf8)
     return text.IsNarrow() ? text.Narrow() == utf8 : kar::ToUtf8(text.Copy()) == utf8;
 }
 
+// Of a text that is stored wide the hash is that of the wide text.
+std::size_t EntityIndex::HashOf(std::string_view identifier)
+{
+    return IsAscii(identifier) ? std::hash<std::string_view>()(identifier)
+                               : std::hash<std::wstring>()(kar::ToWide(identifier));
+}
+
 std::size_t EntityIndex::HashOf(const kar::SharedText& identifier)
 {
-    return HashOf(identifier.IsNarrow() ? identifier.Narrow()
-                                        : std::string_view(kar::ToUtf8(identifier.Copy())));
+    return identifier.IsNarrow() ? std::hash<std::string_view>()(identifier.Narrow())
+                                 : std::hash<std::wstring>()(identifier.Get());
 }
 
 void EntityIndex::Clear()
@@ -83,8 +92,8 @@ void EntityIndex::Add(const QOBSharedHandle<KARMPEntity>& entity)
     const kar::SharedText* const given = IdentifierIfGiven(*entity);
     if (given == nullptr)
         return;
-    const std::string identifier = kar::ToUtf8(given->Copy());
-    if (const std::size_t hash = HashOf(identifier); Find(identifier, hash) == nullptr)
+    const std::size_t hash = HashOf(*given);
+    if (Find(kar::ToUtf8(given->Copy()), hash) == nullptr)
         AddNew(entity, hash);
 }
 

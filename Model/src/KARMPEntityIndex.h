@@ -4,7 +4,6 @@
 #include "KARSharedText.h"
 
 #include <cstddef>
-#include <functional>
 #include <string_view>
 #include <vector>
 
@@ -21,11 +20,8 @@ bool IsText(const kar::SharedText& text, std::string_view utf8);
 class EntityIndex
 {
 public:
-    /// What the operations take with an identifier.
-    static std::size_t HashOf(std::string_view identifier)
-    {
-        return std::hash<std::string_view>()(identifier);
-    }
+    /// What the operations take with an identifier; that of a stored one needs no allocation.
+    static std::size_t HashOf(std::string_view identifier);
     static std::size_t HashOf(const kar::SharedText& identifier);
 
     void Clear();

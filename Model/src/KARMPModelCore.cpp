@@ -38,6 +38,8 @@ std::string TitleOf(const KARMPEntity& entity)
 
 Core::Core(QOBSharedHandle<KARMPWorld> world) : m_world(std::move(world))
 {
+    constexpr std::size_t firstProblems = 4;
+    m_problems.reserve(firstProblems);
     if (m_world)
         m_parent = QOBSharedHandle<QOBBasicEntity>(m_world->getExtendible());
 }
@@ -54,14 +56,19 @@ bool Core::Perform(Where where, void* work, bool (*call)(void* work, Edit& edit)
             }
             edit.Fail("the call failed");
         } catch (const std::bad_alloc&) {
-            edit.Fail("an allocation failed", KAROutOfMemory);
+            // A text that needs no allocation.
+            edit.Fail("no memory left", KAROutOfMemory);
         } catch (const std::exception& error) {
             edit.Fail(std::string("the call failed: ") + error.what());
         }
         reason = edit.Reason();
     }
     reason->where = where;
-    m_problems.push_back(std::move(*reason));
+    try {
+        m_problems.push_back(std::move(*reason));
+    } catch (const std::bad_alloc&) {
+        // There are problems enough, since the first ones have their capacity from the start on.
+    }
     return false;
 }
 

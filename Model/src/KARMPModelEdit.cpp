@@ -266,10 +266,10 @@ bool Edit::Rename(const Entity& entity, std::string_view name)
     if (name.empty())
         return Fail(TitleOf(*entity) + " needs a name");
     EditStep& step = NextStep();
-    step.kind = EditStep::Kind::Renamed;
     step.entity = entity.get();
     step.name = std::make_unique<std::wstring>(entity->getEntityName());
     entity->setEntityName(Wide(name));
+    step.kind = EditStep::Kind::Renamed;
     return true;
 }
 

@@ -1,8 +1,10 @@
 // What calls do when an inner one fails: each in turn, with each status.
+#include "AllocationCounter.h"
 #include "EditTesting.h"
 #include "FactoryFaults.h"
 
 #include <functional>
+#include <set>
 
 using namespace karmp::model;
 
@@ -51,6 +53,58 @@ const std::vector<Call>& Calls()
     return calls;
 }
 
+/// Calls that change what is there.
+const std::vector<Call>& Changes()
+{
+    static const std::vector<Call> changes{
+        {"Add", [](Model& model) { return static_cast<bool>(model.Add("KARMPMotor", "New")); }},
+        {"Point",
+         [](Model& model) {
+             return static_cast<bool>(
+                 model.Point("New", model.Find<KARMPBody>("A"), {1.0, 2.0, 3.0}));
+         }},
+        {"Link",
+         [](Model& model) {
+             return model.Link(model.Find<KARMPMotor>("M"), model.Find<KARMPVariable>("p"));
+         }},
+        {"Unlink",
+         [](Model& model) {
+             return model.Unlink(model.Find<KARMPJoint>("K"), model.Find<KARMPBody>("A"));
+         }},
+        {"Delete a body with its joints",
+         [](Model& model) {
+             return static_cast<bool>(
+                 model.Delete(model.Find<KARMPBody>("A"), {.withShort = true}));
+         }},
+        {"Delete a frame",
+         [](Model& model) {
+             return static_cast<bool>(model.Delete(model.Find<KARMPEntity>("A.F")));
+         }},
+        {"Delete a variable that is not ASCII",
+         [](Model& model) {
+             QOBSharedHandle<KARMPVariable> variable;
+             model.Find<KARMPMotor>("N")->GetVariable(variable);
+             return static_cast<bool>(model.Delete(Ref<KARMPVariable>(variable)));
+         }},
+        {"Rename",
+         [](Model& model) {
+             return model.Rename(model.Find<KARMPBody>("A"), "a name with a block of its own");
+         }},
+        {"Set a number",
+         [](Model& model) { return model.Set(model.Find<KARMPBody>("A"), "Mass", 3.0); }},
+        {"Set a reference",
+         [](Model& model) {
+             return model.Set(model.Find<KARMPEntity>("A.F"), "Body",
+                              QOBSharedHandle<KARMPEntity>(model.Find<KARMPBody>("B").Handle()));
+         }},
+        {"Set references to none",
+         [](Model& model) {
+             return model.Set(model.Find<KARMPEntity>("p"), "Constraints", karmp::Value());
+         }},
+    };
+    return changes;
+}
+
 Model Prepared()
 {
     Model model("M");
@@ -59,8 +113,46 @@ Model Prepared()
     model.Joint<KARMPRevolute>("J", a, b, {0.0, 0.0, 0.0});
     model.Variable("p", model.Joint<KARMPRevolute>("K", model.Ground(), a, {0.0, 0.0, 0.0}));
     model.Variable("q", model.Joint<KARMPRevolute>("L", model.Ground(), b, {0.0, 0.0, 0.0}));
+    model.Link(model.Add<KARMPMotor>("N"), model.Add<KARMPVariable>("F\u00fchrung des Kolbens"));
+    model.Add<KARMPMotor>("M");
+    KARMPContactForceData contact;
+    contact.firstBody = a.Handle();
+    contact.secondBody = b.Handle();
+    model.Add<KARMPCollisionSensor>("S")->AddContactForceData(contact);
+    model.Link(model.Add<KARMPCollisionRule>("R"), a);
+    model.Frame("F", a, {});
     return model;
 }
+
+/// A model with its document, to look whether a call changed it.
+struct Looked
+{
+    Model model = Prepared();
+    std::string before = TextOf(model);
+    std::size_t count = model.All<KARMPEntity>().size();
+
+    /// A failed call left one problem and nothing else, and succeeds when it is made again.
+    void ExpectUnchangedBy(const Call& call, const std::string& name,
+                           const std::set<KARStatus>& statuses)
+    {
+        ASSERT_EQ(model.Problems().size(), 1U) << name;
+        EXPECT_TRUE(statuses.contains(model.Problems()[0].status))
+            << name << ": " << model.Problems()[0].text;
+        EXPECT_EQ(std::string(model.Problems()[0].where.file), __FILE__) << name;
+        model.ClearProblems();
+        EXPECT_EQ(model.All<KARMPEntity>().size(), count) << name;
+        EXPECT_TRUE(TextOf(model) == before) << name;
+        EXPECT_EQ(BrokenLinks(model), "") << name;
+        // What was undone leaves no trace in the index.
+        EXPECT_TRUE(call.make(model)) << name;
+        EXPECT_TRUE(model.Problems().empty()) << name;
+    }
+    void ExpectDone(const std::string& name) const
+    {
+        EXPECT_TRUE(model.Problems().empty()) << name;
+        EXPECT_EQ(BrokenLinks(model), "") << name;
+    }
+};
 
 class FaultsTest : public KARMPTestFixture
 {
@@ -71,38 +163,53 @@ public:
     {
         FactoryFaults faults;
         for (int failing = 1; failing < 100; ++failing) {
-            Model model = Prepared();
-            const std::string before = TextOf(model);
-            const auto count = model.All<KARMPEntity>().size();
+            Looked looked;
             faults.Arm(fault, failing, status);
-            const bool succeeded = call.make(model);
+            const bool succeeded = call.make(looked.model);
             faults.Disarm();
             const std::string name = std::string(call.name) + ", inner call " +
                                      std::to_string(failing) + ", status " + std::to_string(status);
             TakeReports();
             if (succeeded) {
-                EXPECT_TRUE(model.Problems().empty()) << name;
-                EXPECT_EQ(BrokenLinks(model), "") << name;
+                looked.ExpectDone(name);
                 return failing - 1;
             }
-            EXPECT_EQ(model.Problems().size(), 1U) << name;
-            if (!model.Problems().empty()) {
-                EXPECT_EQ(model.Problems()[0].status, fault == Fault::Status  ? status
-                                                      : fault == Fault::Throw ? KAROutOfMemory
-                                                                              : KARFailure)
-                    << name << ": " << model.Problems()[0].text;
-                EXPECT_EQ(std::string(model.Problems()[0].where.file), __FILE__) << name;
-            }
-            model.ClearProblems();
-            EXPECT_EQ(model.All<KARMPEntity>().size(), count) << name;
-            EXPECT_TRUE(TextOf(model) == before) << name;
-            EXPECT_EQ(BrokenLinks(model), "") << name;
-            // What was undone leaves no trace in the index.
-            EXPECT_TRUE(call.make(model)) << name;
+            looked.ExpectUnchangedBy(call, name,
+                                     {fault == Fault::Status  ? status
+                                      : fault == Fault::Throw ? KAROutOfMemory
+                                                              : KARFailure});
             TakeReports();
         }
         ADD_FAILURE() << call.name << " never succeeds";
         return 0;
+    }
+
+    /// The same with each allocation of a call.
+    void FailAllocations(const Call& call)
+    {
+        // What is found once and kept is found before.
+        Looked first;
+        EXPECT_TRUE(call.make(first.model)) << call.name;
+        for (std::size_t failing = 1;; ++failing) {
+            Looked looked;
+            bool succeeded = false;
+            bool failed = false;
+            {
+                AllocationCounter allocations;
+                allocations.FailAllocation(failing);
+                succeeded = call.make(looked.model);
+                failed = allocations.Count() >= failing;
+            }
+            const std::string name =
+                std::string(call.name) + ", allocation " + std::to_string(failing);
+            TakeReports();
+            if (succeeded)
+                looked.ExpectDone(name);
+            else // An identifier gives a failure of its own.
+                looked.ExpectUnchangedBy(call, name, {KAROutOfMemory, KARFailure});
+            if (!failed)
+                break;
+        }
     }
 };
 
@@ -124,6 +231,15 @@ TEST_F(FaultsTest, ModelIsUnchangedWhenAnOperationOfAnEntityFails)
     for (const KARStatus status : {KARFailure, KARUnexpected, KARNotImplemented, KAROutOfMemory})
         for (const Call& call : Calls())
             EXPECT_GE(FailInTurn(call, Fault::Status, status), 1) << call.name;
+}
+
+TEST_F(FaultsTest, ModelIsUnchangedWhenAnAllocationFails)
+{
+    if (!AllocationCounter::Counts)
+        GTEST_SKIP() << "Allocations are not counted in this build";
+    for (const auto& calls : {Calls(), Changes()})
+        for (const Call& call : calls)
+            FailAllocations(call);
 }
 
 } // namespace
