@@ -63,7 +63,7 @@ struct Deletion
 {
     /// False when it was refused; nothing was done then.
     bool succeeded = false;
-    /// The entity and what went with it. The references are false afterwards, but for their
+    /// The entities and what went with them. The references are false afterwards, but for their
     /// handles.
     RefList<KARMPEntity> gone;
     /// The references to them of entities that stay, which were dropped.
@@ -239,11 +239,18 @@ public:
 
     /// Takes an entity out of the model with what it owns: the geometries of a body, the
     /// constraints of a joint, the elements of an entity that is made of others. Nothing refers to
-    /// what is gone, and references to it are false from then on. The ground and the globals stay.
-    /// Links are found by the end that is deleted: of those that one end alone knows, such as a
-    /// check tells, it has to be that one.
+    /// what is gone, and references to it are false from then on, links included that the other end
+    /// alone knows. The ground and the globals stay. Looks through the whole world.
     Deletion Delete(const Ref<KARMPEntity>& entity, const DeleteOptions& options = {},
                     Where where = Where::current());
+    /// The same with several entities at once, all or none, for one look through the world.
+    template <class T>
+    Deletion Delete(const RefList<T>& entities, const DeleteOptions& options = {},
+                    Where where = Where::current())
+    {
+        const RefList<KARMPEntity> all(entities.begin(), entities.end());
+        return DeleteAll(all, options, where);
+    }
     /// All references of other entities to one.
     std::vector<Dependent> Dependents(const Ref<KARMPEntity>& entity) const;
 
@@ -330,6 +337,8 @@ private:
                     Where where);
     Entity AddCoupling(const QOBClassInfo& info, std::string_view identifier,
                        std::span<const Term> terms, double constant, Where where);
+    Deletion DeleteAll(std::span<const Ref<KARMPEntity>> entities, const DeleteOptions& options,
+                       Where where);
     Entity FindEntity(bool (*fits)(const KARMPEntity&), std::string_view key) const;
     Entity GetEntity(bool (*fits)(const KARMPEntity&), const std::string& className,
                      std::string_view key, Where where, Outcome& problem) const;

@@ -10,6 +10,8 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <functional>
+#include <unordered_map>
 #include <utility>
 
 namespace karmp::model {
@@ -68,13 +70,15 @@ public:
     const std::vector<Entity>& Gone() const { return m_gone; }
     const std::vector<Referrer>& Referrers() const { return m_referrers; }
 
-    void Make(const Entity& entity, bool withShort)
+    void Make(std::span<const Ref<KARMPEntity>> entities, bool withShort)
     {
-        AddOwned(entity);
+        for (const Ref<KARMPEntity>& entity : entities)
+            AddOwned(entity.Handle());
         std::size_t done = 0;
         do {
             done = m_gone.size();
             m_referrers = FindReferrers(m_core, m_gone, m_set);
+            CountLost();
             if (withShort)
                 for (const Referrer& referrer : m_referrers)
                     if (IsShort(referrer))
@@ -91,14 +95,28 @@ public:
         const ItemOf* const needed = FindIn(Needed, entity, referrer.item->name);
         if (needed == nullptr)
             return false;
-        const auto lost = std::count_if(
-            m_referrers.begin(), m_referrers.end(), [&referrer](const Referrer& other) {
-                return other.entity == referrer.entity && other.item == referrer.item;
-            });
-        return referrer.item->Count(entity) - static_cast<int>(lost) < needed->least;
+        const int lost = m_lost.at({&entity, referrer.item});
+        return referrer.item->Count(entity) - lost < needed->least;
     }
 
 private:
+    /// A list of an entity.
+    using List = std::pair<const KARMPEntity*, const ItemInfo*>;
+    struct ListHash
+    {
+        std::size_t operator()(const List& list) const
+        {
+            const std::hash<const void*> hash;
+            return hash(list.first) * 31 + hash(list.second);
+        }
+    };
+
+    void CountLost()
+    {
+        m_lost.clear();
+        for (const Referrer& referrer : m_referrers)
+            ++m_lost[{referrer.entity.get(), referrer.item}];
+    }
     void AddOwned(const Entity& entity)
     {
         std::vector<Entity> open{entity};
@@ -119,6 +137,7 @@ private:
     std::vector<Entity> m_gone;
     EntitySet m_set;
     std::vector<Referrer> m_referrers;
+    std::unordered_map<List, int, ListHash> m_lost; // how many entries
 };
 
 // What comes with a world stays.
@@ -180,12 +199,19 @@ Dependent Told(const Referrer& referrer)
 
 Deletion Model::Delete(const Ref<KARMPEntity>& entity, const DeleteOptions& options, Where where)
 {
+    return DeleteAll({&entity, 1}, options, where);
+}
+
+Deletion Model::DeleteAll(std::span<const Ref<KARMPEntity>> entities, const DeleteOptions& options,
+                          Where where)
+{
     Deletion deletion;
     deletion.succeeded = m_core->Perform(where, [&](Edit& edit) {
-        if (!edit.IsThere(entity.Handle(), "entity to delete"))
-            return false;
+        for (const Ref<KARMPEntity>& entity : entities)
+            if (!edit.IsThere(entity.Handle(), "entity to delete"))
+                return false;
         Plan plan(*m_core);
-        plan.Make(entity.Handle(), options.withShort);
+        plan.Make(entities, options.withShort);
         for (const Entity& gone : plan.Gone())
             if (IsKept(*World(), gone))
                 return edit.Fail(TitleOf(*gone) + " belongs to the world and stays");

@@ -1,12 +1,10 @@
 #include "KARMPReferrers.h"
 
-#include "KARMPGenericFactory.h"
 #include "QOBClassInfo.h"
 
 #include <algorithm>
 #include <cstddef>
-#include <set>
-#include <tuple>
+#include <functional>
 #include <unordered_map>
 #include <utility>
 
@@ -16,148 +14,126 @@ namespace {
 
 using Entity = QOBSharedHandle<KARMPEntity>;
 
-/// A class whose entities refer to others that need not refer back.
-struct Holder
+bool IsLink(const ItemInfo& item)
 {
-    std::size_t family;
-    /// References, and records that hold some.
-    std::vector<const ItemInfo*> items;
-};
-using Holders = std::unordered_map<const QOBClassInfo*, Holder>;
-
-// True for links of which no class has the other half, and for records with references. Of the
-// elements of an entity each knows its parent.
-bool IsOneWay(const ItemInfo& item)
-{
-    const auto isLink = [](const ItemInfo& link) {
-        return link.kind == ItemKind::Reference || link.kind == ItemKind::References;
-    };
-    if (item.kind == ItemKind::Records)
-        return item.CanGet() && std::any_of(item.fields.begin(), item.fields.end(), isLink);
-    return isLink(item) && item.CanGet() && item.otherSide.empty() && item.name != Elements;
-}
-
-Holders MakeHolders()
-{
-    Holders holders;
-    for (const std::string& name : KARMPFactory::GetClassNames()) {
-        Entity sample;
-        if (KARFailed(KARMPFactory::Create(name, sample)) || !sample)
-            continue;
-        const FamilyOperations* const family = FamilyOf(*sample);
-        std::vector<const ItemInfo*> items;
-        for (const ItemInfo& item : ItemsOf(sample->getClassInfo()))
-            if (IsOneWay(item))
-                items.push_back(&item);
-        if (family != nullptr && !items.empty())
-            holders[&sample->getClassInfo()] = {
-                static_cast<std::size_t>(family - AllFamilies().data()), std::move(items)};
-    }
-    return holders;
-}
-
-const Holders& AllHolders()
-{
-    static const Holders holders = MakeHolders();
-    return holders;
+    return item.kind == ItemKind::Reference || item.kind == ItemKind::References;
 }
 
 // A subclass that the factory does not know has the items of its base.
-const Holder* HolderOf(const QOBClassInfo& info)
+std::span<const ItemInfo> AllItemsOf(const QOBClassInfo& info)
 {
-    for (const QOBClassInfo* record = &info; record != nullptr; record = record->getParent())
-        if (const auto found = AllHolders().find(record); found != AllHolders().end())
-            return &found->second;
-    return nullptr;
+    std::span<const ItemInfo> items;
+    for (const QOBClassInfo* record = &info; record != nullptr && items.empty();
+         record = record->getParent())
+        items = ItemsOf(*record);
+    return items;
 }
 
-/// Searches for the references to some entities.
+/// Searches for the references to some entities: through all entities of the world, since any of
+/// them may have a link that its target does not have.
 class Search
 {
 public:
-    Search(const Core& core, const EntitySet& set, std::vector<Referrer>& found)
-        : m_core(core), m_set(set), m_found(found)
-    {}
-
-    // The entities that the target refers to, and that should refer back.
-    void AddMutual(const Entity& target)
+    Search(const std::vector<Entity>& targets, const EntitySet& set, std::vector<Referrer>& found)
+        : m_set(set), m_found(found)
     {
-        const QOBClassInfo& info = target->getClassInfo();
-        for (const ItemInfo* const item : LinkItemsOf(info))
-            for (const Entity& other : TargetsOf(*item, *target))
-                if (other && !m_set.contains(other.get()))
-                    for (const LinkPair& pair : PairsBetween(info, other->getClassInfo()))
-                        if (pair.first == item && pair.second != nullptr)
-                            Add(other, *pair.second, target);
-        Entity parent;
-        if (!KARFailed(target->GetParentEntity(parent)) && parent && !m_set.contains(parent.get()))
-            for (const ItemInfo* const item : LinkItemsOf(parent->getClassInfo()))
-                if (item->name == Elements)
-                    Add(parent, *item, target);
+        for (const Entity& target : targets) {
+            m_classes.insert(&target->getClassInfo());
+            for (const ItemInfo* const item : LinkItemsOf(target->getClassInfo()))
+                for (const Entity& other : TargetsOf(*item, *target))
+                    m_held.insert({target.get(), item, other.get()});
+            Entity parent;
+            if (!KARFailed(target->GetParentEntity(parent)) && parent)
+                m_held.insert({target.get(), nullptr, parent.get()});
+        }
     }
 
-    void AddOthers(const std::vector<Entity>& targets)
+    void AddFrom(const Entity& entity)
     {
-        for (const Entity& target : targets)
-            m_classes.insert(&target->getClassInfo());
-        std::set<std::size_t> families;
-        for (const auto& [info, holder] : AllHolders())
-            for (const ItemInfo* const item : holder.items)
-                if (MayRefer(*item))
-                    families.insert(holder.family);
-        for (const std::size_t family : families)
-            m_core.ForEach(static_cast<int>(family), [this](const Entity& entity) {
-                const Holder* const holder = HolderOf(entity->getClassInfo());
-                if (holder != nullptr && !m_set.contains(entity.get()))
-                    AddFrom(entity, *holder);
-            });
+        for (const ItemInfo* const item : ItemsThatMayRefer(entity->getClassInfo())) {
+            if (item->Count(*entity) == 0)
+                continue;
+            if (IsLink(*item)) {
+                for (const Entity& target : TargetsOf(*item, *entity))
+                    AddIfAsked(entity, *item, target);
+                continue;
+            }
+            for (const RecordValues& record : item->GetRecords(*entity))
+                for (const Value& value : record)
+                    if (const auto* const target = std::get_if<Entity>(&value))
+                        AddIfAsked(entity, *item, *target);
+        }
     }
 
 private:
+    /// A reference; without an item that of an element to its parent.
+    struct Held
+    {
+        const KARMPEntity* entity;
+        const ItemInfo* item;
+        const KARMPEntity* target;
+        bool operator==(const Held&) const = default;
+    };
+    struct HeldHash
+    {
+        std::size_t operator()(const Held& held) const
+        {
+            const std::hash<const void*> hash;
+            return (hash(held.entity) * 31 + hash(held.item)) * 31 + hash(held.target);
+        }
+    };
+    using Items = std::vector<const ItemInfo*>;
+
+    // Entities of one class often stand in a row.
+    const Items& ItemsThatMayRefer(const QOBClassInfo& info)
+    {
+        if (&info == m_latest)
+            return *m_latestItems;
+        const auto [items, isNew] = m_items.try_emplace(&info);
+        if (isNew)
+            for (const ItemInfo& item : AllItemsOf(info))
+                if (item.CanGet() && MayRefer(item))
+                    items->second.push_back(&item);
+        m_latest = &info;
+        m_latestItems = &items->second;
+        return items->second;
+    }
+    // A record refers by its fields.
     bool MayRefer(const ItemInfo& item) const
     {
         if (item.kind == ItemKind::Records)
             return std::any_of(
                 item.fields.begin(), item.fields.end(),
-                [this](const ItemInfo& field) { return !field.target.empty() && MayRefer(field); });
-        return std::any_of(m_classes.begin(), m_classes.end(),
+                [this](const ItemInfo& field) { return MayRefer(field); });
+        return IsLink(item) &&
+               std::any_of(m_classes.begin(), m_classes.end(),
                            [&item](const QOBClassInfo* info) { return IsA(*info, item.target); });
     }
 
-    void AddFrom(const Entity& entity, const Holder& holder)
-    {
-        for (const ItemInfo* const item : holder.items) {
-            if (item->Count(*entity) == 0 || !MayRefer(*item))
-                continue;
-            if (item->kind == ItemKind::Records) {
-                for (const RecordValues& record : item->GetRecords(*entity))
-                    for (const Value& value : record)
-                        if (const auto* const target = std::get_if<Entity>(&value))
-                            AddIfAsked(entity, *item, *target);
-                continue;
-            }
-            for (const Entity& target : TargetsOf(*item, *entity))
-                AddIfAsked(entity, *item, target);
-        }
-    }
     void AddIfAsked(const Entity& entity, const ItemInfo& item, const Entity& target)
     {
-        if (target && m_set.contains(target.get()))
-            m_found.push_back({entity, &item, target, false});
+        if (target && m_set.contains(target.get()) && !m_set.contains(entity.get()))
+            m_found.push_back({entity, &item, target, IsReturned(*entity, item, *target)});
     }
-    void Add(const Entity& entity, const ItemInfo& item, const Entity& target)
+    bool IsReturned(const KARMPEntity& entity, const ItemInfo& item,
+                    const KARMPEntity& target) const
     {
-        if (item.kind == ItemKind::Reference && HeldBy(item, *entity) != target)
-            return;
-        if (m_known.insert({entity.get(), &item, target.get()}).second)
-            m_found.push_back({entity, &item, target, true});
+        if (item.name == Elements)
+            return m_held.contains({&target, nullptr, &entity});
+        const auto& pairs = PairsBetween(entity.getClassInfo(), target.getClassInfo());
+        return std::any_of(pairs.begin(), pairs.end(), [&](const LinkPair& pair) {
+            return pair.first == &item && pair.second != nullptr &&
+                   m_held.contains({&target, pair.second, &entity});
+        });
     }
 
-    const Core& m_core;
     const EntitySet& m_set;
     std::vector<Referrer>& m_found;
-    std::set<const QOBClassInfo*> m_classes;
-    std::set<std::tuple<const KARMPEntity*, const ItemInfo*, const KARMPEntity*>> m_known;
+    std::unordered_set<const QOBClassInfo*> m_classes;
+    std::unordered_set<Held, HeldHash> m_held; // by the targets
+    std::unordered_map<const QOBClassInfo*, Items> m_items;
+    const QOBClassInfo* m_latest = nullptr;
+    const Items* m_latestItems = nullptr;
 };
 
 } // namespace
@@ -166,10 +142,11 @@ std::vector<Referrer> FindReferrers(const Core& core, const std::vector<Entity>&
                                     const EntitySet& set)
 {
     std::vector<Referrer> found;
-    Search search(core, set, found);
-    for (const Entity& target : targets)
-        search.AddMutual(target);
-    search.AddOthers(targets);
+    Search search(targets, set, found);
+    core.ForEach(
+        -1, [&search](const Entity& entity) { search.AddFrom(entity); });
+    std::stable_partition(found.begin(), found.end(),
+                          [](const Referrer& referrer) { return referrer.isMutual; });
     return found;
 }
 

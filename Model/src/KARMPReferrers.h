@@ -21,8 +21,8 @@ struct Referrer
     bool isMutual;
 };
 
-/// The references to some entities that other entities hold: those to which they refer back, then
-/// all others, for which the families are searched that can hold such references.
+/// The references to some entities that other entities hold, also where the target knows nothing of
+/// them: those to which they refer back, then all others. Looks through the whole world.
 std::vector<Referrer> FindReferrers(const Core& core,
                                     const std::vector<QOBSharedHandle<KARMPEntity>>& targets,
                                     const EntitySet& set);

@@ -1,6 +1,9 @@
 #include "EditTesting.h"
 #include "QOBClassInfo.h"
 
+#include <algorithm>
+#include <ctime>
+
 using namespace karmp::model;
 using karmp::ItemInfo;
 
@@ -143,6 +146,49 @@ TEST_F(DeletionTest, DeletedEntityIsNotDeletedTwice)
     ASSERT_EQ(driven.model.Problems().size(), 1U);
     EXPECT_EQ(driven.model.Problems()[0].text, "the entity to delete was deleted");
     EXPECT_TRUE(driven.model.Add<KARMPMotor>("Motor"));
+}
+
+TEST_F(DeletionTest, SeveralEntitiesGoAtOnceOrNotAtAll)
+{
+    Driven driven;
+    const std::string before = TextOf(driven.model);
+    EXPECT_FALSE(driven.model.Delete(RefList<KARMPBody>{driven.crank, driven.model.Ground()}));
+    EXPECT_FALSE(driven.model.Delete(RefList<KARMPBody>{driven.crank, nullptr}));
+    EXPECT_EQ(driven.model.Problems().size(), 2U);
+    driven.model.ClearProblems();
+    EXPECT_TRUE(TextOf(driven.model) == before);
+    // The constraints go with the joints, which are given twice.
+    RefList<KARMPEntity> doomed;
+    for (int time = 0; time < 2; ++time)
+        for (const auto& joint : driven.model.All<KARMPJoint>())
+            doomed.push_back(joint);
+    const auto deletion = driven.model.Delete(doomed);
+    EXPECT_EQ(deletion.gone.size(), 4U);
+    EXPECT_TRUE(driven.model.All<KARMPConstraint>().empty());
+    EXPECT_EQ(BrokenLinks(driven.model), "");
+    EXPECT_TRUE(driven.model.Delete(RefList<KARMPBody>()));
+}
+
+/// The seconds of the processor that the deletion of a body takes for each of its joints.
+double SecondsOfAJoint(int joints)
+{
+    Model model("M");
+    const auto hub = model.Body("hub");
+    for (int i = 0; i < joints; ++i)
+        model.Link(model.Add<KARMPRevolute>("joint" + std::to_string(i)), hub);
+    const std::clock_t begin = std::clock();
+    const auto deletion = model.Delete(hub);
+    const std::clock_t end = std::clock();
+    EXPECT_EQ(deletion.leftShort.size(), static_cast<std::size_t>(joints));
+    return static_cast<double>(end - begin) / CLOCKS_PER_SEC / joints;
+}
+
+TEST_F(DeletionTest, BodyOfManyJointsGoesInATimeThatGrowsLikeTheirNumber)
+{
+    double few = SecondsOfAJoint(500);
+    for (int time = 0; time < 4; ++time)
+        few = std::min(few, SecondsOfAJoint(500));
+    EXPECT_LT(SecondsOfAJoint(30'000), 5.0 * few);
 }
 
 /// An interaction that does not let go.

@@ -83,6 +83,42 @@ TEST_F(LinksTest, OneCallMakesBothHalvesAndOneTakesThemAway)
     }
 }
 
+TEST_F(LinksTest, DeletionDropsALinkThatOneEndAloneHas)
+{
+    for (const KnownPair& known : AllPairs()) {
+        for (const bool isTargetDeleted : {true, false}) {
+            Model model("M");
+            const auto holder = model.Add(known.first, "holder");
+            const auto target = model.Add(known.second, "target");
+            ASSERT_EQ(LinkHalf(*known.pair.first, *holder, target.Handle()), KARSuccess);
+            ASSERT_NE(BrokenLinks(model), "");
+            const std::string name = known.first + ' ' + kar::ToUtf8(known.pair.first->path);
+            EXPECT_EQ(model.Dependents(target).size(), 1U) << name;
+            EXPECT_TRUE(model.Dependents(holder).empty()) << name;
+            const auto deletion = model.Delete(isTargetDeleted ? target : holder);
+            EXPECT_TRUE(deletion) << name;
+            EXPECT_EQ(deletion.unlinked.size(), isTargetDeleted ? 1U : 0U) << name;
+            EXPECT_EQ(BrokenLinks(model), "") << name;
+            if (isTargetDeleted)
+                EXPECT_FALSE(Holds(*known.pair.first, *holder, target.Handle())) << name;
+        }
+    }
+}
+
+TEST_F(LinksTest, DeletionOfAnElementReachesAParentThatItDoesNotKnow)
+{
+    Model model("M");
+    const auto first = model.Add<KARMPSketch>("first");
+    const auto second = model.Add<KARMPSketch>("second");
+    const auto element = model.Add<KARMPSketch>("element");
+    for (const auto& parent : {first, second})
+        ASSERT_EQ(parent->AddAggregatedElement(element.Handle()), KARSuccess);
+    EXPECT_EQ(model.Dependents(element).size(), 2U);
+    EXPECT_TRUE(model.Delete(element));
+    EXPECT_EQ(first->GetAggregatedElementCount(), 0);
+    EXPECT_EQ(second->GetAggregatedElementCount(), 0);
+}
+
 TEST_F(LinksTest, SingleLinkToAnotherEntityHasToBeUnlinkedFirst)
 {
     Model model("M");
