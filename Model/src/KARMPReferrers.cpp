@@ -19,14 +19,31 @@ bool IsLink(const ItemInfo& item)
     return item.kind == ItemKind::Reference || item.kind == ItemKind::References;
 }
 
-// A subclass that the factory does not know has the items of its base.
-std::span<const ItemInfo> AllItemsOf(const QOBClassInfo& info)
+using Items = std::vector<const ItemInfo*>;
+
+// The items by which entities of a class may refer to others: links, and records with links. A
+// subclass that the factory does not know has the items of its base.
+Items FindReferringItems(const QOBClassInfo& info)
 {
-    std::span<const ItemInfo> items;
-    for (const QOBClassInfo* record = &info; record != nullptr && items.empty();
+    std::span<const ItemInfo> all;
+    for (const QOBClassInfo* record = &info; record != nullptr && all.empty();
          record = record->getParent())
-        items = ItemsOf(*record);
+        all = ItemsOf(*record);
+    Items items;
+    for (const ItemInfo& item : all)
+        if (item.CanGet() &&
+            (IsLink(item) || std::any_of(item.fields.begin(), item.fields.end(), IsLink)))
+            items.push_back(&item);
     return items;
+}
+
+// Found once and kept.
+const Items& ReferringItemsOf(const QOBClassInfo& info)
+{
+    thread_local std::unordered_map<const QOBClassInfo*, Items> found;
+    const auto entry = found.find(&info);
+    return entry != found.end() ? entry->second
+                                : found.emplace(&info, FindReferringItems(info)).first->second;
 }
 
 /// Searches for the references to some entities: through all entities of the world, since any of
@@ -82,8 +99,6 @@ private:
             return (hash(held.entity) * 31 + hash(held.item)) * 31 + hash(held.target);
         }
     };
-    using Items = std::vector<const ItemInfo*>;
-
     // Entities of one class often stand in a row.
     const Items& ItemsThatMayRefer(const QOBClassInfo& info)
     {
@@ -91,23 +106,29 @@ private:
             return *m_latestItems;
         const auto [items, isNew] = m_items.try_emplace(&info);
         if (isNew)
-            for (const ItemInfo& item : AllItemsOf(info))
-                if (item.CanGet() && MayRefer(item))
-                    items->second.push_back(&item);
+            for (const ItemInfo* const item : ReferringItemsOf(info))
+                if (MayRefer(*item))
+                    items->second.push_back(item);
         m_latest = &info;
         m_latestItems = &items->second;
         return items->second;
     }
     // A record refers by its fields.
-    bool MayRefer(const ItemInfo& item) const
+    bool MayRefer(const ItemInfo& item)
     {
         if (item.kind == ItemKind::Records)
-            return std::any_of(
-                item.fields.begin(), item.fields.end(),
-                [this](const ItemInfo& field) { return MayRefer(field); });
-        return IsLink(item) &&
-               std::any_of(m_classes.begin(), m_classes.end(),
-                           [&item](const QOBClassInfo* info) { return IsA(*info, item.target); });
+            return std::any_of(item.fields.begin(), item.fields.end(),
+                               [this](const ItemInfo& field) { return MayRefer(field); });
+        return IsLink(item) && IsAskedFor(item.target);
+    }
+    bool IsAskedFor(std::string_view className)
+    {
+        const auto [asked, isNew] = m_isAskedFor.try_emplace(className);
+        if (isNew)
+            asked->second =
+                std::any_of(m_classes.begin(), m_classes.end(),
+                            [className](const auto* info) { return IsA(*info, className); });
+        return asked->second;
     }
 
     void AddIfAsked(const Entity& entity, const ItemInfo& item, const Entity& target)
@@ -130,7 +151,8 @@ private:
     const EntitySet& m_set;
     std::vector<Referrer>& m_found;
     std::unordered_set<const QOBClassInfo*> m_classes;
-    std::unordered_set<Held, HeldHash> m_held; // by the targets
+    std::unordered_map<std::string_view, bool> m_isAskedFor; // by class
+    std::unordered_set<Held, HeldHash> m_held;               // by the targets
     std::unordered_map<const QOBClassInfo*, Items> m_items;
     const QOBClassInfo* m_latest = nullptr;
     const Items* m_latestItems = nullptr;
