@@ -111,31 +111,31 @@ Ref<KARMPVariable> Model::Time() const
 
 Model::Entity Model::AddEntity(const QOBClassInfo& info, std::string_view identifier, Where where)
 {
-    Entity entity;
-    m_core->Perform(where, [&](Edit& edit) {
-        entity = edit.Create(info, identifier);
-        return static_cast<bool>(entity);
-    });
-    return entity;
+    return m_core->Make<KARMPEntity>(
+        where,
+        [&](Edit& edit, Entity& entity) {
+            entity = edit.Create(info, identifier);
+            return static_cast<bool>(entity);
+        });
 }
 
 Ref<KARMPEntity> Model::Add(std::string_view className, std::string_view identifier, Where where)
 {
-    Entity entity;
-    m_core->Perform(where, [&](Edit& edit) {
-        // The factory knows classes by name alone, so that one entity tells the record.
-        const auto names = KARMPFactory::GetClassNames();
-        const std::string nearest = NearestName(className, names);
-        if (nearest != className)
-            return edit.Fail("there is no class \"" + std::string(className) + '"' +
-                             (nearest.empty() ? nearest : "; near: \"" + nearest + '"'));
-        Entity sample;
-        if (KARFailed(KARMPFactory::Create(className, sample)) || !sample)
-            return edit.Fail("a " + std::string(className) + " cannot be made");
-        entity = edit.Create(sample->getClassInfo(), identifier);
-        return static_cast<bool>(entity);
-    });
-    return Ref<KARMPEntity>(entity);
+    return Ref(m_core->Make<KARMPEntity>(
+        where,
+        [&](Edit& edit, Entity& entity) {
+            // The factory knows classes by name alone, so that one entity tells the record.
+            const auto names = KARMPFactory::GetClassNames();
+            const std::string nearest = NearestName(className, names);
+            if (nearest != className)
+                return edit.Fail("there is no class \"" + std::string(className) + '"' +
+                                 (nearest.empty() ? nearest : "; near: \"" + nearest + '"'));
+            Entity sample;
+            if (KARFailed(KARMPFactory::Create(className, sample)) || !sample)
+                return edit.Fail("a " + std::string(className) + " cannot be made");
+            entity = edit.Create(sample->getClassInfo(), identifier);
+            return static_cast<bool>(entity);
+        }));
 }
 
 bool Model::Link(const Ref<KARMPEntity>& first, const Ref<KARMPEntity>& second,

@@ -136,78 +136,74 @@ std::optional<KARMathPoint> MeetingPoint(const KARMathPoint& from, double distan
 
 Ref<KARMPBody> Model::Body(std::string_view identifier, const BodyOptions& options, Where where)
 {
-    QOBSharedHandle<KARMPBody> body;
-    const bool isMade = m_core->Perform(where, [&](Edit& edit) {
-        body = edit.Create<KARMPBody>(identifier);
-        return body && Apply(edit, *body, options);
-    });
-    return isMade ? Ref<KARMPBody>(std::move(body)) : Ref<KARMPBody>();
+    return Ref(m_core->Make<KARMPBody>(
+        where,
+        [&](Edit& edit, auto& body) {
+            body = edit.Create<KARMPBody>(identifier);
+            return body && Apply(edit, *body, options);
+        }));
 }
 
 Ref<KARMPBody2D> Model::PlanarBody(std::string_view identifier, const PlanarBodyOptions& options,
                                    Where where)
 {
-    QOBSharedHandle<KARMPBody2D> body;
-    const bool isMade = m_core->Perform(where, [&](Edit& edit) {
-        const auto ground = PlanarGroundOf(edit);
-        if (!ground)
-            return false;
-        body = edit.Create<KARMPBody2D>(identifier);
-        QOBSharedHandle<KARMPSketch> sketch;
-        return body && edit.Check(ground->GetSketch(sketch), "the sketch", *ground) &&
-               edit.Check(body->SetSketch(sketch), "the sketch", *body) &&
-               Apply(edit, *body, options);
-    });
-    return isMade ? Ref<KARMPBody2D>(std::move(body)) : Ref<KARMPBody2D>();
+    return Ref(m_core->Make<KARMPBody2D>(
+        where,
+        [&](Edit& edit, auto& body) {
+            const auto ground = PlanarGroundOf(edit);
+            if (!ground)
+                return false;
+            body = edit.Create<KARMPBody2D>(identifier);
+            QOBSharedHandle<KARMPSketch> sketch;
+            return body && edit.Check(ground->GetSketch(sketch), "the sketch", *ground) &&
+                   edit.Check(body->SetSketch(sketch), "the sketch", *body) &&
+                   Apply(edit, *body, options);
+        }));
 }
 
 Ref<KARMPBody2D> Model::PlanarGround(Where where)
 {
-    QOBSharedHandle<KARMPBody2D> ground;
-    const bool isMade = m_core->Perform(where, [&](Edit& edit) {
-        ground = PlanarGroundOf(edit);
-        return static_cast<bool>(ground);
-    });
-    return isMade ? Ref<KARMPBody2D>(std::move(ground)) : Ref<KARMPBody2D>();
+    return Ref(m_core->Make<KARMPBody2D>(
+        where,
+        [](Edit& edit, auto& ground) {
+            ground = PlanarGroundOf(edit);
+            return static_cast<bool>(ground);
+        }));
 }
+
+namespace {
+
+template <class Geometry, class Body, class Coordinates>
+Ref<Geometry> MakeOn(Core& core, std::string_view identifier, const Ref<Body>& body,
+                     const Coordinates& at, KARStatus (Geometry::*set)(const Coordinates&),
+                     Where where)
+{
+    return Ref(core.Make<Geometry>(
+        where,
+        [&](Edit& edit, auto& geometry) {
+            geometry = MountAt<Geometry>(edit, identifier, body, at, set);
+            return static_cast<bool>(geometry);
+        }));
+}
+
+} // namespace
 
 Ref<KARMPAxisSystem> Model::Frame(std::string_view identifier, const Ref<KARMPBody>& body,
                                   const KARMathAxis& axis, Where where)
 {
-    QOBSharedHandle<KARMPAxisSystem> frame;
-    const bool isMade = m_core->Perform(where, [&](Edit& edit) {
-        frame = QOBSharedHandle<KARMPAxisSystem>::unchecked(
-            MountOn(edit, KARMPAxisSystem::ClassInfo(), identifier, body.Handle()));
-        const auto inverse = frame ? IntoBody(edit, *body) : std::nullopt;
-        return inverse && edit.Check(frame->SetAxisSystem(*inverse * axis), "the axes", *frame);
-    });
-    return isMade ? Ref<KARMPAxisSystem>(std::move(frame)) : Ref<KARMPAxisSystem>();
+    return MakeOn(*m_core, identifier, body, axis, &KARMPAxisSystem::SetAxisSystem, where);
 }
 
 Ref<KARMPPoint> Model::Point(std::string_view identifier, const Ref<KARMPBody>& body,
                              const KARMathPoint& position, Where where)
 {
-    QOBSharedHandle<KARMPPoint> point;
-    const bool isMade = m_core->Perform(where, [&](Edit& edit) {
-        point = QOBSharedHandle<KARMPPoint>::unchecked(
-            MountOn(edit, KARMPPoint::ClassInfo(), identifier, body.Handle()));
-        const auto inverse = point ? IntoBody(edit, *body) : std::nullopt;
-        return inverse && edit.Check(point->SetPoint(*inverse * position), "the position", *point);
-    });
-    return isMade ? Ref<KARMPPoint>(std::move(point)) : Ref<KARMPPoint>();
+    return MakeOn(*m_core, identifier, body, position, &KARMPPoint::SetPoint, where);
 }
 
 Ref<KARMPPoint2D> Model::Point(std::string_view identifier, const Ref<KARMPBody2D>& body,
                                const KARMathPoint2D& position, Where where)
 {
-    QOBSharedHandle<KARMPPoint2D> point;
-    const bool isMade = m_core->Perform(where, [&](Edit& edit) {
-        point = QOBSharedHandle<KARMPPoint2D>::unchecked(
-            MountOn(edit, KARMPPoint2D::ClassInfo(), identifier, body.Handle()));
-        const auto inverse = point ? IntoBody(edit, *body) : std::nullopt;
-        return inverse && edit.Check(point->SetPoint(*inverse * position), "the position", *point);
-    });
-    return isMade ? Ref<KARMPPoint2D>(std::move(point)) : Ref<KARMPPoint2D>();
+    return MakeOn(*m_core, identifier, body, position, &KARMPPoint2D::SetPoint, where);
 }
 
 } // namespace karmp::model

@@ -42,6 +42,17 @@ public:
         });
     }
 
+    /// The same with work that makes an entity: `work` gets the Edit and a handle to fill. Gives
+    /// the entity, null after a failure.
+    template <class T, class Work>
+    QOBSharedHandle<T> Make(Where where, Work work)
+    {
+        QOBSharedHandle<T> made;
+        if (!Perform(where, [&](Edit& edit) { return work(edit, made); }))
+            made = nullptr;
+        return made;
+    }
+
     /// A new entity that stands under no world, null when the factory makes none of the class, and
     /// its family, null for a class that no world lists.
     Entity Create(const QOBClassInfo& info, const FamilyOperations*& family);

@@ -31,32 +31,23 @@ using Constraint = QOBSharedHandle<KARMPConstraint>;
 Entity MountSpatial(Edit& edit, Mount mount, const std::string& identifier,
                     const Ref<KARMPBody>& body, const KARMathAxis& frame)
 {
-    const auto make = [&](const QOBClassInfo& info, auto set) {
-        Entity geometry = MountOn(edit, info, identifier, body.Handle());
-        const auto inverse = geometry ? IntoBody(edit, *body) : std::nullopt;
-        const bool isSet =
-            inverse && edit.Check(set(*geometry, *inverse * frame), "the geometry", *geometry);
-        return isSet ? geometry : Entity();
-    };
     switch (mount) {
     case Mount::Frame:
-        return make(KARMPAxisSystem::ClassInfo(), [](KARMPEntity& entity, const KARMathAxis& at) {
-            return static_cast<KARMPAxisSystem&>(entity).SetAxisSystem(at);
-        });
+        return MountAt<KARMPAxisSystem>(edit, identifier, body, frame,
+                                        &KARMPAxisSystem::SetAxisSystem);
     case Mount::Point:
-        return make(KARMPPoint::ClassInfo(), [](KARMPEntity& entity, const KARMathAxis& at) {
-            return static_cast<KARMPPoint&>(entity).SetPoint(at.GetOrigin());
-        });
+        return MountAt<KARMPPoint>(edit, identifier, body, frame.GetOrigin(),
+                                   &KARMPPoint::SetPoint);
     case Mount::Line:
-        return make(KARMPLine::ClassInfo(), [](KARMPEntity& entity, const KARMathAxis& at) {
-            return static_cast<KARMPLine&>(entity).SetLine(
-                {at.GetOrigin(), at.GetThirdDirection()});
-        });
+        return MountAt<KARMPLine>(edit, identifier, body, frame,
+                                  [](KARMPLine& line, const KARMathAxis& at) {
+                                      return line.SetLine({at.GetOrigin(), at.GetThirdDirection()});
+                                  });
     case Mount::Plane:
-        return make(KARMPPlane::ClassInfo(), [](KARMPEntity& entity, const KARMathAxis& at) {
-            return static_cast<KARMPPlane&>(entity).SetPlane(
-                {at.GetOrigin(), at.GetThirdDirection()});
-        });
+        return MountAt<KARMPPlane>(
+            edit, identifier, body, frame, [](KARMPPlane& plane, const KARMathAxis& at) {
+                return plane.SetPlane({at.GetOrigin(), at.GetThirdDirection()});
+            });
     case Mount::Point2D:
     case Mount::Given:
         break;
@@ -87,6 +78,12 @@ Entity BodyOf(Edit& edit, const Entity& geometry)
     return found;
 }
 
+bool AreTwo(Edit& edit, const Entity& parent, const Entity& child)
+{
+    return parent != child ||
+           edit.Fail("a joint needs two bodies; " + TitleOf(*parent) + " is both");
+}
+
 // The joint with its constraint on two geometries. The links are made in the order in which the
 // parent comes first everywhere.
 Entity MakeJoint(Edit& edit, const JointKind& kind, const std::string& identifier,
@@ -94,12 +91,8 @@ Entity MakeJoint(Edit& edit, const JointKind& kind, const std::string& identifie
 {
     const Entity parent = BodyOf(edit, onParent);
     const Entity child = parent ? BodyOf(edit, onChild) : Entity();
-    if (!parent || !child)
+    if (!parent || !child || !AreTwo(edit, parent, child))
         return {};
-    if (parent == child) {
-        edit.Fail("a joint needs two bodies; " + TitleOf(*parent) + " is both");
-        return {};
-    }
     Entity joint = edit.Create(kind.joint(), identifier);
     const Entity constraint =
         joint ? edit.Create(kind.constraint(), identifier + ".constraint") : Entity();
@@ -117,6 +110,15 @@ const JointKind* KindOf(Edit& edit, const QOBClassInfo& info)
     if (kind == nullptr)
         edit.Fail("no constraint realises a " + info.getName());
     return kind;
+}
+
+// The kind of a joint between two bodies that are there; null after a failure.
+const JointKind* KindBetween(Edit& edit, const QOBClassInfo& info, const Entity& parent,
+                             const Entity& child)
+{
+    const bool areThere = edit.IsThere(parent, "parent body") &&
+                          edit.IsThere(child, "child body") && AreTwo(edit, parent, child);
+    return areThere ? KindOf(edit, info) : nullptr;
 }
 
 // The joint of a variable's first constraint that belongs to one.
@@ -165,23 +167,20 @@ Model::Entity Model::AddJoint(const QOBClassInfo& info, std::string_view identif
                               const Ref<KARMPBody>& parent, const Ref<KARMPBody>& child,
                               const KARMathAxis& frame, Where where)
 {
-    Entity joint;
-    const bool isMade = m_core->Perform(where, [&](Edit& edit) {
-        const JointKind* const kind = KindOf(edit, info);
-        if (kind == nullptr || !edit.IsThere(parent.Handle(), "parent body") ||
-            !edit.IsThere(child.Handle(), "child body"))
-            return false;
-        if (parent == child)
-            return edit.Fail("a joint needs two bodies; " + TitleOf(*parent) + " is both");
-        const std::string name(identifier);
-        const Entity onParent = MountSpatial(edit, kind->parent, name, parent, frame);
-        const Entity onChild =
-            onParent ? MountSpatial(edit, kind->child, name, child, frame) : Entity();
-        if (onChild)
-            joint = MakeJoint(edit, *kind, name, onParent, onChild);
-        return static_cast<bool>(joint);
-    });
-    return isMade ? joint : Entity();
+    return m_core->Make<KARMPEntity>(
+        where,
+        [&](Edit& edit, Entity& joint) {
+            const JointKind* const kind = KindBetween(edit, info, parent.Handle(), child.Handle());
+            if (kind == nullptr)
+                return false;
+            const std::string name(identifier);
+            const Entity onParent = MountSpatial(edit, kind->parent, name, parent, frame);
+            const Entity onChild =
+                onParent ? MountSpatial(edit, kind->child, name, child, frame) : Entity();
+            if (onChild)
+                joint = MakeJoint(edit, *kind, name, onParent, onChild);
+            return static_cast<bool>(joint);
+        });
 }
 
 Model::Entity Model::AddJoint(const QOBClassInfo& info, std::string_view identifier,
@@ -200,115 +199,108 @@ Model::Entity Model::AddJoint(const QOBClassInfo& info, std::string_view identif
                               const Ref<KARMPBody2D>& parent, const Ref<KARMPBody2D>& child,
                               const KARMathPoint2D& at, Where where)
 {
-    Entity joint;
-    const bool isMade = m_core->Perform(where, [&](Edit& edit) {
-        const JointKind* const kind = KindOf(edit, info);
-        if (kind == nullptr || !edit.IsThere(parent.Handle(), "parent body") ||
-            !edit.IsThere(child.Handle(), "child body"))
-            return false;
-        const std::string name(identifier);
-        std::array<Entity, 2> points;
-        for (std::size_t side = 0; side < points.size(); ++side) {
-            const Ref<KARMPBody2D>& body = side == 0 ? parent : child;
-            const auto inverse = IntoBody(edit, *body);
-            if (!inverse)
+    return m_core->Make<KARMPEntity>(
+        where,
+        [&](Edit& edit, Entity& joint) {
+            const JointKind* const kind = KindBetween(edit, info, parent.Handle(), child.Handle());
+            if (kind == nullptr)
                 return false;
-            points[side] = MountOn(edit, KARMPPoint2D::ClassInfo(), name, body.Handle());
-            if (!points[side])
-                return false;
-            auto& point = static_cast<KARMPPoint2D&>(*points[side]);
-            if (!edit.Check(point.SetPoint(*inverse * at), "the position", point))
-                return false;
-        }
-        joint = MakeJoint(edit, *kind, name, points[0], points[1]);
-        return static_cast<bool>(joint);
-    });
-    return isMade ? joint : Entity();
+            const std::string name(identifier);
+            const auto mount = [&](const Ref<KARMPBody2D>& body) {
+                return MountAt<KARMPPoint2D>(edit, name, body, at, &KARMPPoint2D::SetPoint);
+            };
+            const Entity onParent = mount(parent);
+            const Entity onChild = onParent ? Entity(mount(child)) : Entity();
+            if (onChild)
+                joint = MakeJoint(edit, *kind, name, onParent, onChild);
+            return static_cast<bool>(joint);
+        });
 }
 
 Model::Entity Model::AddJoint(const QOBClassInfo& info, std::string_view identifier,
                               const Ref<KARMPGeometry>& onParent, const Ref<KARMPGeometry>& onChild,
                               Where where)
 {
-    Entity joint;
-    const bool isMade = m_core->Perform(where, [&](Edit& edit) {
-        const JointKind* const kind = KindOf(edit, info);
-        if (kind != nullptr && edit.IsThere(onParent.Handle(), "geometry of the parent") &&
-            edit.IsThere(onChild.Handle(), "geometry of the child"))
-            joint = MakeJoint(edit, *kind, std::string(identifier), onParent.Handle(),
-                              onChild.Handle());
-        return static_cast<bool>(joint);
-    });
-    return isMade ? joint : Entity();
+    return m_core->Make<KARMPEntity>(
+        where,
+        [&](Edit& edit, Entity& joint) {
+            const JointKind* const kind = KindOf(edit, info);
+            if (kind != nullptr && edit.IsThere(onParent.Handle(), "geometry of the parent") &&
+                edit.IsThere(onChild.Handle(), "geometry of the child"))
+                joint = MakeJoint(edit, *kind, std::string(identifier), onParent.Handle(),
+                                  onChild.Handle());
+            return static_cast<bool>(joint);
+        });
 }
 
 Model::Entity Model::AddCoupling(const QOBClassInfo& info, std::string_view identifier,
                                  std::span<const Term> terms, double constant, Where where)
 {
-    Entity coupling;
-    const bool isMade = m_core->Perform(where, [&](Edit& edit) {
-        if (terms.size() < 2)
-            return edit.Fail("a coupling needs two variables");
-        for (const Term& term : terms)
-            if (!edit.IsThere(term.variable.Handle(), "variable to couple"))
+    return m_core->Make<KARMPEntity>(
+        where,
+        [&](Edit& edit, Entity& coupling) {
+            if (terms.size() < 2)
+                return edit.Fail("a coupling needs two variables");
+            for (const Term& term : terms)
+                if (!edit.IsThere(term.variable.Handle(), "variable to couple"))
+                    return false;
+            const auto bodies = CoupledBodies(terms);
+            if (bodies.size() < 2)
+                return edit.Fail("the variables of \"" + std::string(identifier) +
+                                 "\" belong to joints of fewer than two bodies");
+            const std::string name(identifier);
+            coupling = edit.Create(info, name);
+            const auto equation = coupling ? edit.Create<KARMPLinearEquation>(name + ".equation")
+                                           : QOBSharedHandle<KARMPLinearEquation>();
+            if (!equation || !edit.Link(coupling, equation) ||
+                !edit.Check(equation->SetConstantTerm(constant), "the constant", *equation))
                 return false;
-        const auto bodies = CoupledBodies(terms);
-        if (bodies.size() < 2)
-            return edit.Fail("the variables of \"" + std::string(identifier) +
-                             "\" belong to joints of fewer than two bodies");
-        const std::string name(identifier);
-        coupling = edit.Create(info, name);
-        const auto equation = coupling ? edit.Create<KARMPLinearEquation>(name + ".equation")
-                                       : QOBSharedHandle<KARMPLinearEquation>();
-        if (!equation || !edit.Link(coupling, equation) ||
-            !edit.Check(equation->SetConstantTerm(constant), "the constant", *equation))
-            return false;
-        for (const Term& term : terms)
-            if (!edit.Check(equation->AddLinearTerm(term.coefficient), "a term", *equation) ||
-                !edit.Link(equation, term.variable.Handle()))
-                return false;
-        return std::all_of(bodies.begin(), bodies.end(),
-                           [&](const Entity& body) { return edit.Link(coupling, body); });
-    });
-    return isMade ? coupling : Entity();
+            for (const Term& term : terms)
+                if (!edit.Check(equation->AddLinearTerm(term.coefficient), "a term", *equation) ||
+                    !edit.Link(equation, term.variable.Handle()))
+                    return false;
+            return std::all_of(
+                bodies.begin(), bodies.end(),
+                [&](const Entity& body) { return edit.Link(coupling, body); });
+        });
 }
 
 Ref<KARMPVariable> Model::Variable(std::string_view identifier,
                                    KARMPPhysicalQuantity::Enum quantity, double value, Where where)
 {
-    QOBSharedHandle<KARMPVariable> variable;
-    const bool isMade = m_core->Perform(where, [&](Edit& edit) {
-        variable = edit.Create<KARMPVariable>(identifier);
-        return variable && SetQuantity(edit, *variable, quantity, value);
-    });
-    return isMade ? Ref<KARMPVariable>(std::move(variable)) : Ref<KARMPVariable>();
+    return Ref(m_core->Make<KARMPVariable>(
+        where,
+        [&](Edit& edit, auto& variable) {
+            variable = edit.Create<KARMPVariable>(identifier);
+            return variable && SetQuantity(edit, *variable, quantity, value);
+        }));
 }
 
 Ref<KARMPVariable> Model::Variable(std::string_view identifier, const Ref<KARMPJoint>& joint,
                                    double value, Where where)
 {
-    QOBSharedHandle<KARMPVariable> variable;
-    const bool isMade = m_core->Perform(where, [&](Edit& edit) {
-        if (!edit.IsThere(joint.Handle(), "joint of the variable"))
-            return false;
-        const JointKind* const kind = KindOf(edit, joint->getClassInfo());
-        Constraint constraint;
-        if (const auto* const planar = dynamic_cast<const KARMPJoint2D*>(joint.Handle().get()))
-            planar->GetConstraint(0, constraint);
-        else
-            joint->GetConstraint(0, constraint);
-        if (kind == nullptr || !constraint)
-            return edit.Fail(TitleOf(*joint) + " has no constraint");
-        const auto next = static_cast<std::size_t>(constraint->GetLinkedVariableCount());
-        if (next >= kind->freedoms.size())
-            return edit.Fail(TitleOf(*joint) + " has no freedom without a variable");
-        const auto quantity = kind->freedoms[next] == 'L' ? KARMPPhysicalQuantity::Length
-                                                          : KARMPPhysicalQuantity::Angle;
-        variable = edit.Create<KARMPVariable>(identifier);
-        return variable && SetQuantity(edit, *variable, quantity, value) &&
-               edit.Link(constraint, variable);
-    });
-    return isMade ? Ref<KARMPVariable>(std::move(variable)) : Ref<KARMPVariable>();
+    return Ref(m_core->Make<KARMPVariable>(
+        where,
+        [&](Edit& edit, auto& variable) {
+            if (!edit.IsThere(joint.Handle(), "joint of the variable"))
+                return false;
+            const JointKind* const kind = KindOf(edit, joint->getClassInfo());
+            Constraint constraint;
+            if (const auto* const planar = dynamic_cast<const KARMPJoint2D*>(joint.Handle().get()))
+                planar->GetConstraint(0, constraint);
+            else
+                joint->GetConstraint(0, constraint);
+            if (kind == nullptr || !constraint)
+                return edit.Fail(TitleOf(*joint) + " has no constraint");
+            const auto next = static_cast<std::size_t>(constraint->GetLinkedVariableCount());
+            if (next >= kind->freedoms.size())
+                return edit.Fail(TitleOf(*joint) + " has no freedom without a variable");
+            const auto quantity = kind->freedoms[next] == 'L' ? KARMPPhysicalQuantity::Length
+                                                              : KARMPPhysicalQuantity::Angle;
+            variable = edit.Create<KARMPVariable>(identifier);
+            return variable && SetQuantity(edit, *variable, quantity, value) &&
+                   edit.Link(constraint, variable);
+        }));
 }
 
 } // namespace karmp::model

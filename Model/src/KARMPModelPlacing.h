@@ -4,6 +4,7 @@
 #include "KARMPModelOptions.h"
 #include "KARMathAxis.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -28,6 +29,19 @@ Edit::Entity MountOn(Edit& edit, const QOBClassInfo& geometry, std::string_view 
 /// the body has no inverse.
 std::optional<KARMathTransformation> IntoBody(Edit& edit, const KARMPBody& body);
 std::optional<KARMathTransformation2D> IntoBody(Edit& edit, const KARMPBody2D& body);
+
+/// MountOn with coordinates in the world, which `set` stores in body axes; null after a failure.
+template <class Geometry, class Body, class Coordinates, class Set>
+QOBSharedHandle<Geometry> MountAt(Edit& edit, std::string_view identifier, const Ref<Body>& body,
+                                  const Coordinates& at, Set set)
+{
+    const auto geometry = QOBSharedHandle<Geometry>::unchecked(
+        MountOn(edit, Geometry::ClassInfo(), identifier, body.Handle()));
+    const auto inverse = geometry ? IntoBody(edit, *body) : std::nullopt;
+    const bool isSet = inverse && edit.Check(std::invoke(set, *geometry, *inverse * at),
+                                             "the position", *geometry);
+    return isSet ? geometry : QOBSharedHandle<Geometry>();
+}
 
 /// The frame of planar mechanisms, made with its sketch on first need; null after a failure.
 QOBSharedHandle<KARMPBody2D> PlanarGroundOf(Edit& edit);

@@ -239,8 +239,14 @@ TEST_F(JointKindsTest, JointOfABodyWithItselfIsRefused)
     EXPECT_FALSE(two.model.Joint<KARMPRevolute>("J", two.a, two.a, {0.0, 0.0, 0.0}));
     EXPECT_FALSE(
         two.model.Joint<KARMPRevolute>("J", two.a, two.b, {0.0, 0.0, 0.0}, {0.0, 0.0, 0.0}));
-    ASSERT_EQ(two.model.Problems().size(), 2U);
+    const auto onA = two.model.Point("P", two.a, {0.0, 0.0, 0.0});
+    EXPECT_FALSE((two.model.Joint<KARMPRevolute>("J", onA, onA)));
+    ASSERT_EQ(two.model.Problems().size(), 3U);
+    for (const std::size_t problem : {0U, 2U})
+        EXPECT_EQ(two.model.Problems()[problem].text,
+                  "a joint needs two bodies; KARMPBody \"A\" is both");
     two.model.ClearProblems();
+    EXPECT_TRUE(two.model.Delete(onA));
     EXPECT_TRUE(TextOf(two.model) == before);
 }
 
