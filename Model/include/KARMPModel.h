@@ -91,6 +91,8 @@ struct DeleteOptions
 /// removed from it.
 class KARMP_MODEL_API Model
 {
+    using Entity = QOBSharedHandle<KARMPEntity>;
+
 public:
     /// An empty model in metres. Its ground is the world's global body.
     explicit Model(std::string_view name, const ModelOptions& options = {},
@@ -197,6 +199,23 @@ public:
                          where);
     }
 
+    /// As Joint and Couple, for a kind that is known at run time, by its record; null after a
+    /// failure.
+    Entity AddJoint(const QOBClassInfo& info, std::string_view identifier,
+                    const Ref<KARMPBody>& parent, const Ref<KARMPBody>& child,
+                    const KARMathPoint& at, const KARMathVector& axis, Where where);
+    Entity AddJoint(const QOBClassInfo& info, std::string_view identifier,
+                    const Ref<KARMPBody>& parent, const Ref<KARMPBody>& child,
+                    const KARMathAxis& frame, Where where);
+    Entity AddJoint(const QOBClassInfo& info, std::string_view identifier,
+                    const Ref<KARMPBody2D>& parent, const Ref<KARMPBody2D>& child,
+                    const KARMathPoint2D& at, Where where);
+    Entity AddJoint(const QOBClassInfo& info, std::string_view identifier,
+                    const Ref<KARMPGeometry>& onParent, const Ref<KARMPGeometry>& onChild,
+                    Where where);
+    Entity AddCoupling(const QOBClassInfo& info, std::string_view identifier,
+                       std::span<const Term> terms, double constant, Where where);
+
     /// Links two entities that can refer to each other, both halves. What is linked already stays.
     /// The item, of either entity, chooses where there are several, "SecondBody" of a connector for
     /// one. A single link to another entity has to be unlinked first.
@@ -264,6 +283,12 @@ public:
     bool Set(const Ref<KARMPEntity>& entity, std::string_view item, const Value& value,
              Where where = Where::current());
 
+    /// Begins a block of calls and returns what EndEditing takes to end it: the calls are kept, or
+    /// all undone in reverse order. A block may hold others, which end before it. Deletions, which
+    /// cannot be undone, are refused in a block.
+    std::size_t BeginEditing();
+    void EndEditing(std::size_t begin, bool isKept);
+
     /// Gives an entity another name. Its identifier stays.
     bool Rename(const Ref<KARMPEntity>& entity, std::string_view name,
                 Where where = Where::current());
@@ -290,8 +315,6 @@ public:
                                             const documents::DifferenceOptions& options = {}) const;
 
 private:
-    using Entity = QOBSharedHandle<KARMPEntity>;
-
     template <class T>
     static Ref<T> Typed(Entity&& entity)
     {
@@ -323,20 +346,6 @@ private:
     }
 
     Entity AddEntity(const QOBClassInfo& info, std::string_view identifier, Where where);
-    Entity AddJoint(const QOBClassInfo& info, std::string_view identifier,
-                    const Ref<KARMPBody>& parent, const Ref<KARMPBody>& child,
-                    const KARMathPoint& at, const KARMathVector& axis, Where where);
-    Entity AddJoint(const QOBClassInfo& info, std::string_view identifier,
-                    const Ref<KARMPBody>& parent, const Ref<KARMPBody>& child,
-                    const KARMathAxis& frame, Where where);
-    Entity AddJoint(const QOBClassInfo& info, std::string_view identifier,
-                    const Ref<KARMPBody2D>& parent, const Ref<KARMPBody2D>& child,
-                    const KARMathPoint2D& at, Where where);
-    Entity AddJoint(const QOBClassInfo& info, std::string_view identifier,
-                    const Ref<KARMPGeometry>& onParent, const Ref<KARMPGeometry>& onChild,
-                    Where where);
-    Entity AddCoupling(const QOBClassInfo& info, std::string_view identifier,
-                       std::span<const Term> terms, double constant, Where where);
     Deletion DeleteAll(std::span<const Ref<KARMPEntity>> entities, const DeleteOptions& options,
                        Where where);
     Entity FindEntity(bool (*fits)(const KARMPEntity&), std::string_view key) const;

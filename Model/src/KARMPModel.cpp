@@ -152,6 +152,16 @@ bool Model::Unlink(const Ref<KARMPEntity>& first, const Ref<KARMPEntity>& second
         where, [&](Edit& edit) { return edit.Unlink(first.Handle(), second.Handle(), item); });
 }
 
+std::size_t Model::BeginEditing()
+{
+    return m_core->OpenBlock();
+}
+
+void Model::EndEditing(std::size_t begin, bool isKept)
+{
+    m_core->CloseBlock(begin, isKept);
+}
+
 bool Model::Rename(const Ref<KARMPEntity>& entity, std::string_view name, Where where)
 {
     return m_core->Perform(

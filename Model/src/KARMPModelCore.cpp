@@ -48,10 +48,13 @@ bool Core::Perform(Where where, void* work, bool (*call)(void* work, Edit& edit)
 {
     std::optional<Problem> reason;
     {
-        Edit edit(*this, m_log);
+        Edit edit(*this, m_log, m_log.size());
         try {
             if (call(work, edit)) {
+                KeepLog();
                 edit.Commit();
+                if (m_openBlocks == 0)
+                    m_log.clear();
                 return true;
             }
             edit.Fail("the call failed");
@@ -70,6 +73,35 @@ bool Core::Perform(Where where, void* work, bool (*call)(void* work, Edit& edit)
         // There are problems enough, since the first ones have their capacity from the start on.
     }
     return false;
+}
+
+// What a block unlinks may be in no registry.
+void Core::KeepLog()
+{
+    if (m_openBlocks == 0)
+        return;
+    for (; m_keptSteps < m_log.size(); ++m_keptSteps) {
+        m_kept.emplace_back(m_log[m_keptSteps].entity);
+        m_kept.emplace_back(m_log[m_keptSteps].target);
+    }
+}
+
+std::size_t Core::OpenBlock()
+{
+    ++m_openBlocks;
+    return m_log.size();
+}
+
+void Core::CloseBlock(std::size_t begin, bool isKept)
+{
+    if (!isKept)
+        Edit(*this, m_log, begin);
+    m_keptSteps = std::min(m_keptSteps, m_log.size());
+    if (--m_openBlocks > 0)
+        return;
+    m_log.clear();
+    m_keptSteps = 0;
+    m_kept.clear();
 }
 
 // Entities of one class are often created in a row.

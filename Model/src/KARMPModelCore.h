@@ -53,6 +53,12 @@ public:
         return made;
     }
 
+    /// Opens a block of edits, which CloseBlock may undo from the step on that this gives. Blocks
+    /// close in the reverse order.
+    std::size_t OpenBlock();
+    void CloseBlock(std::size_t begin, bool isKept);
+    bool IsInBlock() const { return m_openBlocks > 0; }
+
     /// A new entity that stands under no world, null when the factory makes none of the class, and
     /// its family, null for a class that no world lists.
     Entity Create(const QOBClassInfo& info, const FamilyOperations*& family);
@@ -90,6 +96,7 @@ private:
     static constexpr std::size_t FamilyCount = 19;
 
     bool Perform(Where where, void* work, bool (*call)(void* work, Edit& edit));
+    void KeepLog();
     void RefreshIndex();
     void Count(const FamilyOperations& family, int change);
 
@@ -112,6 +119,10 @@ private:
     std::size_t m_knownInAll = 0;
     std::vector<Problem> m_problems;
     EditLog m_log;
+    std::size_t m_openBlocks = 0;
+    /// The entities of the steps of open blocks, and how many steps these are.
+    std::vector<Entity> m_kept;
+    std::size_t m_keptSteps = 0;
 };
 
 /// KARMPBody "Crank", with the identifier in brackets where it is another text.

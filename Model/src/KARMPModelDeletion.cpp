@@ -210,6 +210,8 @@ Deletion Model::DeleteAll(std::span<const Ref<KARMPEntity>> entities, const Dele
         for (const Ref<KARMPEntity>& entity : entities)
             if (!edit.IsThere(entity.Handle(), "entity to delete"))
                 return false;
+        if (m_core->IsInBlock() && !options.preview)
+            return edit.Fail("a deletion cannot be undone with the block of edits it is in");
         Plan plan(*m_core);
         plan.Make(entities, options.withShort);
         for (const Entity& gone : plan.Gone())

@@ -26,7 +26,7 @@ bool HasOtherParent(const KARMPEntity& element, const KARMPEntity& owner)
 
 Edit::~Edit()
 {
-    while (!m_log.empty()) {
+    while (m_log.size() > m_begin) {
         Undo(m_log.back());
         m_log.pop_back();
     }
@@ -277,6 +277,9 @@ bool Edit::Set(const Entity& entity, const ItemInfo& item, const Value& value)
 {
     if (item.kind == ItemKind::Reference || item.kind == ItemKind::References)
         return SetTargets(entity, item, value);
+    if (item.kind == ItemKind::Records && m_core.IsInBlock())
+        return Fail("records, as \"" + kar::ToUtf8(item.path) + "\" of " + TitleOf(*entity) +
+                    ", cannot be undone with the block of edits they are in");
     EditStep& step = NextStep();
     step.item = &item;
     step.entity = entity.get();

@@ -4,6 +4,7 @@
 #include "KARMPItems.h"
 #include "KARMPModelResult.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -35,19 +36,21 @@ struct EditStep
 };
 using EditLog = std::vector<EditStep>;
 
-/// One call that changes a model. What it did is undone, backwards, unless it is committed.
+/// One call that changes a model. What it did, the steps of the log from `begin` on, is undone,
+/// backwards, unless it is committed.
 class Edit
 {
 public:
     using Entity = QOBSharedHandle<KARMPEntity>;
 
-    Edit(Core& core, EditLog& log) : m_core(core), m_log(log) {}
+    Edit(Core& core, EditLog& log, std::size_t begin) : m_core(core), m_log(log), m_begin(begin) {}
     ~Edit();
     Edit(const Edit&) = delete;
     Edit& operator=(const Edit&) = delete;
 
     Core& Model() { return m_core; }
-    void Commit() { m_log.clear(); }
+    /// Keeps what was done; the steps stay in the log for an undo of a block of calls.
+    void Commit() { m_begin = m_log.size(); }
 
     /// Keeps the first reason for which the edit fails; always false.
     bool Fail(std::string text, KARStatus status = KARFailure);
@@ -91,6 +94,7 @@ private:
 
     Core& m_core;
     EditLog& m_log;
+    std::size_t m_begin;
     std::optional<Problem> m_reason;
 };
 
