@@ -1,0 +1,238 @@
+import copy
+import os
+import pickle
+import sys
+import tempfile
+import unittest
+import warnings
+
+import karmp
+from mechanisms import four_bar
+
+
+class Building(unittest.TestCase):
+    def test_four_bar_is_whole(self):
+        m = four_bar()
+        self.assertEqual(m.check(), [])
+        self.assertEqual([b.name for b in m.bodies], ["GlobalBody", "Crank", "Coupler", "Rocker"])
+        self.assertIs(type(m.joints["A"]), karmp.Revolute)
+        self.assertEqual(m.joints["A"].bodies, [m.ground, m.bodies["Crank"]])
+        self.assertEqual(m.joints["A"].bodies.words, ["Out", "In"])
+
+    def test_keywords_set_items(self):
+        m = karmp.Model("M")
+        b = m.add_body("B", at=(1, 2, 3), mass=4, cog=[1, 0, 0], is_fixed=True)
+        self.assertEqual((b.mass, b.is_fixed, list(b.cog)), (4.0, True, [1, 0, 0]))
+        self.assertEqual(list(b.position[:3, 3]), [1, 2, 3])
+
+    def test_entity_that_cannot_be_made_whole_is_not_made(self):
+        m = karmp.Model("M")
+        before = m.text()
+        with self.assertRaisesRegex(TypeError, 'no "mss"; near: "mass"'):
+            m.add_body("B", mss=3)
+        with self.assertRaises(ValueError):
+            m.add_body("B", cog=(1, 2))
+        with self.assertRaises(karmp.Error):
+            m.add_body("")
+        self.assertEqual(m.text(), before)
+
+    def test_planar_bodies_are_joined_in_the_plane(self):
+        m = karmp.Model("M")
+        rod = m.add_rod("Rod", 1.0, (0, 0), (1, 0))
+        pin = m.add_joint(karmp.UserDefined2D, "Pin", m.planar_ground, rod, (0, 0))
+        self.assertEqual(pin.bodies2d, [m.planar_ground, rod])
+        self.assertEqual(m.check(), [])
+
+    def test_frames_points_variables_and_couplings(self):
+        m = karmp.Model("M")
+        a = m.add_body("A")
+        b = m.add_body("B")
+        first = m.add_joint(karmp.Revolute, "J", m.ground, a, (0, 0, 0))
+        second = m.add_joint(karmp.Prismatic, "K", m.ground, b, (0, 0, 0), (1, 0, 0))
+        x, y = m.variable("x", first), m.variable("y", second, 0.5)
+        self.assertEqual((x.physical_quantity, y.physical_quantity), ("Angle", "Length"))
+        self.assertEqual(y.value, 0.5)
+        m.couple(karmp.Rack, "C", {x: 0.1, y: -1.0})
+        frame = m.add_frame("F", a, [[0, -1, 0, 5], [1, 0, 0, 6], [0, 0, 1, 7], [0, 0, 0, 1]])
+        self.assertIs(frame.body, a)
+        self.assertEqual(list(m.add_point("P", a, (1, 2, 3)).origin), [1, 2, 3])
+
+
+class Finding(unittest.TestCase):
+    def test_collections_find_by_identifier_name_and_index(self):
+        m = four_bar()
+        crank = m.bodies["Crank"]
+        m.rename(crank, "Handle")
+        self.assertIs(m.bodies["Crank"], crank)
+        self.assertIs(m.bodies["Handle"], crank)
+        self.assertIs(m.bodies[1], crank)
+        self.assertIn("Handle", m.bodies)
+        self.assertIn(crank, m.bodies)
+        self.assertNotIn(crank, m.joints)
+        self.assertEqual(len(m.bodies), 4)
+        self.assertEqual(m.joints.keys(), ["A", "B", "C", "D"])
+        self.assertIsNone(m.bodies.get("none"))
+        self.assertIs(m.find("Crank"), crank)
+        with self.assertRaisesRegex(KeyError, 'near: .*Crank'):
+            m.bodies["Crnk"]
+
+    def test_classes_hold_what_is_derived_from_them(self):
+        m = four_bar()
+        self.assertEqual(len(m.all(karmp.Revolute)), 4)
+        self.assertEqual(len(m.all(karmp.Prismatic)), 0)
+        self.assertEqual(len(m.all(karmp.Joint)), 4)
+        with self.assertRaises(KeyError):
+            m.get(karmp.Prismatic, "A")
+        with self.assertRaises(TypeError):
+            m.all(int)
+
+
+class Links(unittest.TestCase):
+    def test_both_ends_are_linked_and_unlinked(self):
+        m = karmp.Model("M")
+        a, b = m.add_body("A"), m.add_body("B")
+        p = m.add(karmp.Point, "P")
+        p.body = a
+        self.assertEqual(a.geometries, [p])
+        p.body = b
+        self.assertEqual((list(a.geometries), list(b.geometries)), ([], [p]))
+        p.body = None
+        self.assertEqual(list(b.geometries), [])
+        a.geometries.append(p)
+        self.assertIs(p.body, a)
+        self.assertEqual(a.geometries.index(p), 0)
+        for entity in a.geometries:
+            a.geometries.remove(entity)
+        self.assertIsNone(p.body)
+        with self.assertRaises(ValueError):
+            a.geometries.remove(p)
+        b.geometries = [p]
+        self.assertIs(p.body, b)
+        with self.assertRaises(TypeError):
+            b.geometries = [a]
+        with self.assertRaises(TypeError):
+            p.body = p
+
+    def test_delete_tells_what_goes_along(self):
+        m = four_bar()
+        joint = m.joints["D"]
+        told = m.delete(joint, preview=True)
+        self.assertEqual([e.name for e in told["gone"]], ["D", "D.constraint"])
+        self.assertIn((m.bodies["Rocker"], "Joints", joint), told["unlinked"])
+        self.assertIn((m.bodies["Rocker"], "Joints", joint), m.dependents(joint))
+        self.assertEqual(len(m.joints), 4)
+        m.delete(joint)
+        self.assertEqual(len(m.joints), 3)
+        with self.assertRaises(karmp.Error):
+            m.delete(m.ground)
+
+
+class Editing(unittest.TestCase):
+    def test_exception_undoes_the_block(self):
+        m = four_bar()
+        before = m.text()
+        with self.assertRaises(ZeroDivisionError), m.editing():
+            m.add_joint(karmp.Prismatic, "P", m.ground, m.add_body("Bar", mass=1), (0, 0, 0))
+            m.bodies["Crank"].mass = 9
+            m.unlink(m.bodies["Crank"], m.joints["A"])
+            m.set(karmp.Body, "mass", range(5))
+            m.rename(m.bodies["Rocker"], "Other")
+            1 / 0
+        self.assertEqual(m.text(), before)
+
+    def test_inner_block_is_undone_alone(self):
+        m = karmp.Model("M")
+        with m.editing():
+            m.add_body("A")
+            with self.assertRaises(ZeroDivisionError), m.editing():
+                m.add_body("B")
+                1 / 0
+        self.assertEqual(m.bodies.keys(), ["GlobalBody", "A"])
+
+    def test_deletion_in_a_block_is_refused(self):
+        m = four_bar()
+        with m.editing(), self.assertRaises(karmp.Error):
+            m.delete(m.joints["A"])
+        self.assertEqual(len(m.joints), 4)
+
+
+class Documents(unittest.TestCase):
+    def test_saved_model_is_loaded_again(self):
+        m = four_bar()
+        with tempfile.TemporaryDirectory() as folder:
+            path = os.path.join(folder, "four-bar.xml")
+            self.assertEqual(m.save(path), [])
+            self.assertEqual(karmp.check(path), [])
+            self.assertEqual(m.diff(karmp.load(path)), [])
+        self.assertEqual(m.diff(karmp.loads(m.text())), [])
+        self.assertEqual(m.diff(karmp.loads(m.text().encode())), [])
+
+    def test_bad_document_raises_its_findings(self):
+        with self.assertRaises(karmp.DocumentError) as raised:
+            karmp.loads("<KARMPDocument", "broken")
+        finding = raised.exception.findings[0]
+        self.assertEqual((finding.severity, finding.code, finding.file, finding.line),
+                         ("error", "syntax", "broken", 1))
+        with self.assertRaises(karmp.DocumentError):
+            karmp.load("/does/not/exist.xml")
+        with self.assertRaises(karmp.DocumentError):
+            four_bar().save("/does/not/exist.xml")
+
+    def test_findings_of_a_good_load_are_kept(self):
+        text = four_bar().text().replace("</Weight>", "<Colour/></Weight>", 1)
+        self.assertEqual([f.code for f in karmp.loads(text).findings], ["unknown-element"])
+
+    def test_differences_tell_what_changed(self):
+        m = four_bar()
+        other = m.clone()
+        other.bodies["Crank"].mass = 3
+        [difference] = m.diff(other)
+        self.assertEqual((difference.kind, difference.item, difference.before, difference.after),
+                         ("changed", "Weight/Mass", 0.2, 3.0))
+        self.assertIs(difference.entity, m.bodies["Crank"])
+
+    def test_copies_are_models_of_their_own(self):
+        m = four_bar()
+        for other in (m.clone(), copy.deepcopy(m), pickle.loads(pickle.dumps(m))):
+            self.assertEqual(m.diff(other), [])
+            other.bodies["Crank"].mass = 7
+            self.assertEqual(m.bodies["Crank"].mass, 0.2)
+
+    def test_pickled_entities_share_their_model(self):
+        m = four_bar()
+        crank, rocker, other = pickle.loads(pickle.dumps([m.bodies["Crank"], m.bodies["Rocker"], m]))
+        self.assertIs(crank.model, other)
+        self.assertIs(other.bodies["Rocker"], rocker)
+
+    def test_extract_takes_the_part_around_bodies(self):
+        m = four_bar()
+        part, cut = m.extract([m.bodies["Crank"]], reach=1)
+        self.assertEqual(sorted(part.bodies.keys()), ["Coupler", "Crank", "GlobalBody"])
+        self.assertTrue(cut)
+
+
+class Columns(unittest.TestCase):
+    def test_columns_are_read_and_written(self):
+        m = four_bar()
+        table = m.table(karmp.Body)
+        self.assertEqual(list(table["mass"]), [0.0, 0.2, 0.6, 0.4])
+        self.assertEqual(table["position"].shape, (4, 4, 4))
+        self.assertEqual(table["id"], m.bodies.keys())
+        m.set(karmp.Body, "mass", 2 * table["mass"])
+        self.assertEqual(list(m.column(karmp.Body, "mass")), [0.0, 0.4, 1.2, 0.8])
+        turned = table["position"].transpose(0, 2, 1)[:, :3, :3]
+        m.set(karmp.Body, "inertia_matrix", turned)
+        self.assertTrue((m.column(karmp.Body, "inertia_matrix") == turned).all())
+
+    def test_column_of_another_length_changes_nothing(self):
+        m = four_bar()
+        for values in ([1, 2], [1, 2, 3, "x"]):
+            with self.assertRaises((ValueError, TypeError)):
+                m.set(karmp.Body, "mass", values)
+        self.assertEqual(list(m.column(karmp.Body, "mass")), [0.0, 0.2, 0.6, 0.4])
+        with self.assertRaisesRegex(AttributeError, 'near: "mass"'):
+            m.set(karmp.Body, "mas", [1, 2, 3, 4])
+
+
+if __name__ == "__main__":
+    unittest.main()
