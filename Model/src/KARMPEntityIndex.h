@@ -4,6 +4,7 @@
 #include "KARSharedText.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 #include <vector>
 
@@ -11,45 +12,59 @@ namespace karmp::model {
 
 /// The identifier of an entity; null for one that was not given any yet.
 const kar::SharedText* IdentifierIfGiven(const KARMPEntity& entity);
+/// Gives a new entity its name as its identifier; they share the text.
+void IdentifyByName(KARMPEntity& entity) noexcept;
 /// True for a text whose UTF-8 this is.
 bool IsText(const kar::SharedText& text, std::string_view utf8);
 
 /// Finds entities by their identifiers in UTF-8, which never change once they are given: an open
-/// hash table that holds the entities. Of several with one identifier the first that was added is
-/// found.
+/// hash table of indices into a list that holds the entities. Of several with one identifier the
+/// first that was added is found, unless it is deleted.
 class EntityIndex
 {
 public:
-    /// What the operations take with an identifier; that of a stored one needs no allocation.
-    static std::size_t HashOf(std::string_view identifier);
-    static std::size_t HashOf(const kar::SharedText& identifier);
+    /// Where an identifier stands, or would stand.
+    struct Place
+    {
+        /// Null when the identifier is not there.
+        KARMPEntity* entity = nullptr;
+        std::uint32_t hash = 0;
+        std::size_t slot = 0;
+    };
 
     void Clear();
     /// Prepares for a number of entities in all.
     void Reserve(std::size_t count);
     /// Adds an entity; one without an identifier is left out.
     void Add(const QOBSharedHandle<KARMPEntity>& entity);
-    /// The same by the hash of its identifier, which is known not to be there.
-    void AddNew(const QOBSharedHandle<KARMPEntity>& entity, std::size_t hash);
-    void Remove(const KARMPEntity& entity);
+    /// Looks an identifier up, and has a free slot for it.
+    Place FindPlace(std::string_view identifier);
+    /// Adds an entity whose identifier has the place, which nothing was added since; this does not
+    /// fail.
+    void AddAt(const Place& place, const QOBSharedHandle<KARMPEntity>& entity) noexcept;
+    /// Takes an entity out; this does not fail.
+    void Remove(const KARMPEntity& entity) noexcept;
     /// The entity of an identifier, null when there is none.
-    KARMPEntity* Find(std::string_view identifier, std::size_t hash) const;
+    KARMPEntity* Find(std::string_view identifier) const;
 
 private:
-    /// The hash is 0 in a slot that was never used. A slot that was used and has no entity is
-    /// passed over.
+    /// The hash is 0 in a free slot. The entity of a slot is null when it was taken out; such a
+    /// slot is passed over.
     struct Slot
     {
-        std::size_t hash = 0;
-        QOBSharedHandle<KARMPEntity> entity;
+        std::uint32_t hash = 0;
+        std::uint32_t index = 0;
     };
 
-    static std::size_t Marked(std::size_t hash) { return hash | 1; }
+    std::size_t Next(std::size_t slot) const { return (slot + 1) & (m_slots.size() - 1); }
+    std::size_t First(std::uint32_t hash) const { return (hash >> 1) & (m_slots.size() - 1); }
+    Place FindPlace(std::string_view identifier, std::uint32_t hash) const;
     void Grow(std::size_t slots);
     void GrowForOne();
 
     std::vector<Slot> m_slots; // a power of two
-    std::size_t m_used = 0;    // slots with an entity, or that had one
+    std::vector<QOBSharedHandle<KARMPEntity>> m_entities;
+    std::size_t m_removed = 0; // of m_entities
 };
 
 } // namespace karmp::model

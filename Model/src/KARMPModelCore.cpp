@@ -1,5 +1,6 @@
 #include "KARMPModelCore.h"
 
+#include "KARMPModelNames.h"
 #include "KARTextConversion.h"
 #include "QOBBasicWorld.h"
 
@@ -104,15 +105,23 @@ void Core::CloseBlock(std::size_t begin, bool isKept)
     m_kept.clear();
 }
 
+const std::wstring& Core::Wide(std::string_view text)
+{
+    AssignWide(m_wide, text);
+    return m_wide;
+}
+
 // Entities of one class are often created in a row.
 Core::Made& Core::MadeOf(const QOBClassInfo& info)
 {
-    const auto found = std::find_if(m_made.begin(), m_made.end(),
-                                    [&info](const Made& made) { return made.info == &info; });
-    if (found == m_made.end())
-        m_made.insert(m_made.begin(), {&info, KARMPFactory::Class(info.getName()), nullptr});
-    else
-        std::swap(*found, m_made.front());
+    if (m_made.empty() || m_made.front().info != &info) {
+        const auto found = std::find_if(m_made.begin(), m_made.end(),
+                                        [&info](const Made& made) { return made.info == &info; });
+        if (found == m_made.end())
+            m_made.insert(m_made.begin(), {&info, KARMPFactory::Class(info.getName()), nullptr});
+        else
+            std::swap(*found, m_made.front());
+    }
     return m_made.front();
 }
 
@@ -121,7 +130,7 @@ Core::Entity Core::Create(const QOBClassInfo& info, const FamilyOperations*& fam
     Made& made = MadeOf(info);
     Entity entity;
     if (KARFailed(KARMPFactory::Create(made.factory, entity)) || !entity ||
-        !entity->isDerivedFrom(info))
+        (&entity->getClassInfo() != &info && !entity->isDerivedFrom(info)))
         return {};
     if (made.family == nullptr)
         made.family = FamilyOf(*entity);
@@ -184,13 +193,6 @@ void Core::RefreshIndex()
                 m_index.Add(entity);
     }
     m_knownInAll = sum;
-}
-
-KARMPEntity* Core::FindByIdentifier(std::string_view identifier, std::size_t hash)
-{
-    RefreshIndex();
-    KARMPEntity* const entity = m_index.Find(identifier, hash);
-    return entity != nullptr && !entity->isOrphaned() ? entity : nullptr;
 }
 
 std::vector<Core::Entity> Core::FindByKey(std::string_view key, Fits fits)

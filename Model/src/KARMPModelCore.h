@@ -59,11 +59,22 @@ public:
     void CloseBlock(std::size_t begin, bool isKept);
     bool IsInBlock() const { return m_openBlocks > 0; }
 
+    /// The wide text of UTF-8, valid until the next call.
+    const std::wstring& Wide(std::string_view text);
     /// A new entity that stands under no world, null when the factory makes none of the class, and
     /// its family, null for a class that no world lists.
     Entity Create(const QOBClassInfo& info, const FamilyOperations*& family);
-    /// Enters an entity with a new identifier into the index, which keeps it.
-    void Index(const Entity& entity, std::size_t hash) { m_index.AddNew(entity, hash); }
+    /// Looks up an identifier that a new entity is to get.
+    EntityIndex::Place FindPlace(std::string_view identifier)
+    {
+        RefreshIndex();
+        return m_index.FindPlace(identifier);
+    }
+    /// Enters the entity there into the index, which keeps it.
+    void Index(const Entity& entity, const EntityIndex::Place& place)
+    {
+        m_index.AddAt(place, entity);
+    }
     /// Places an entity under the basic world and adds it to the registry of its family.
     KARStatus File(const Entity& entity, const FamilyOperations& family);
     /// Takes it out again, out of the index too; it is orphaned.
@@ -72,9 +83,9 @@ public:
     /// The entity of an identifier, null without one.
     KARMPEntity* FindByIdentifier(std::string_view identifier)
     {
-        return FindByIdentifier(identifier, EntityIndex::HashOf(identifier));
+        RefreshIndex();
+        return m_index.Find(identifier);
     }
-    KARMPEntity* FindByIdentifier(std::string_view identifier, std::size_t hash);
     /// Those that a key names: the one of that identifier, otherwise all of that name.
     std::vector<Entity> FindByKey(std::string_view key, Fits fits);
     /// Calls `visit` with each entity of the world, or of one family.
@@ -123,6 +134,7 @@ private:
     /// The entities of the steps of open blocks, and how many steps these are.
     std::vector<Entity> m_kept;
     std::size_t m_keptSteps = 0;
+    std::wstring m_wide;
 };
 
 /// KARMPBody "Crank", with the identifier in brackets where it is another text.

@@ -44,15 +44,16 @@ void Edit::Undo(EditStep& step)
         step.item->RemoveTarget(*step.entity, Entity(step.target));
         break;
     case EditStep::Kind::Unlinked:
-        RestoreHalf(*step.item, *step.entity, Entity(step.target), step.index, step.word);
+        RestoreHalf(*step.item, *step.entity, Entity(step.target), step.index,
+                    step.former ? step.former->word : std::wstring_view());
         break;
     case EditStep::Kind::Set:
         // What cannot be unset stays.
-        if (step.item->Takes(*step.value))
-            static_cast<void>(step.item->Set(*step.entity, *step.value));
+        if (step.item->Takes(step.former->value))
+            static_cast<void>(step.item->Set(*step.entity, step.former->value));
         break;
     case EditStep::Kind::Renamed:
-        step.entity->setEntityName(*step.name);
+        step.entity->setEntityName(step.former->name);
         break;
     }
 }
@@ -90,9 +91,9 @@ Edit::Entity Edit::Create(const QOBClassInfo& info, std::string_view identifier)
         Fail("a " + info.getName() + " needs an identifier");
         return {};
     }
-    const std::size_t hash = EntityIndex::HashOf(identifier);
-    if (const KARMPEntity* const other = m_core.FindByIdentifier(identifier, hash)) {
-        Fail('"' + std::string(identifier) + "\" is the identifier of " + TitleOf(*other));
+    const EntityIndex::Place place = m_core.FindPlace(identifier);
+    if (place.entity != nullptr) {
+        Fail('"' + std::string(identifier) + "\" is the identifier of " + TitleOf(*place.entity));
         return {};
     }
     const FamilyOperations* family = nullptr;
@@ -102,12 +103,10 @@ Edit::Entity Edit::Create(const QOBClassInfo& info, std::string_view identifier)
                     : "a " + info.getName() + " cannot be made");
         return {};
     }
-    const std::wstring wide = Wide(identifier);
-    entity->setEntityName(wide);
+    entity->setEntityName(m_core.Wide(identifier));
+    IdentifyByName(*entity);
     EditStep& step = NextStep();
-    if (!Check(entity->SetIdentifier(wide), "the identifier", *entity))
-        return {};
-    m_core.Index(entity, hash);
+    m_core.Index(entity, place);
     step.kind = EditStep::Kind::Filed;
     step.entity = entity.get();
     step.family = family;
@@ -152,8 +151,10 @@ bool Edit::UnlinkOne(const ItemInfo& item, const Entity& owner, const Entity& ta
         const auto found = std::find(targets.begin(), targets.end(), target);
         const auto index = static_cast<std::size_t>(found - targets.begin());
         step.index = static_cast<int>(index);
-        if (index < words.size())
-            step.word = words[index];
+        if (index < words.size()) {
+            step.former = std::make_unique<EditStep::Former>();
+            step.former->word = words[index];
+        }
     }
     const KARStatus status = item.RemoveTarget(*owner, target);
     if (status == KARSuccess)
@@ -199,7 +200,7 @@ bool Edit::Link(const Entity& first, const Entity& second, std::string_view item
 {
     if (!IsThere(first, "first entity to link") || !IsThere(second, "second entity to link"))
         return false;
-    const std::wstring wide = Wide(item);
+    const std::wstring wide = kar::ToWide(item);
     const LinkPair* chosen = nullptr;
     std::vector<const ItemInfo*> alone;
     // Of several single links, as those of a connector, the first one that is free.
@@ -231,7 +232,7 @@ bool Edit::Unlink(const Entity& first, const Entity& second, std::string_view it
 {
     if (!IsThere(first, "first entity to unlink") || !IsThere(second, "second entity to unlink"))
         return false;
-    const std::wstring wide = Wide(item);
+    const std::wstring wide = kar::ToWide(item);
     const auto& pairs = PairsBetween(first->getClassInfo(), second->getClassInfo());
     bool any = false;
     for (const LinkPair& pair : pairs) {
@@ -267,8 +268,9 @@ bool Edit::Rename(const Entity& entity, std::string_view name)
         return Fail(TitleOf(*entity) + " needs a name");
     EditStep& step = NextStep();
     step.entity = entity.get();
-    step.name = std::make_unique<std::wstring>(entity->getEntityName());
-    entity->setEntityName(Wide(name));
+    step.former = std::make_unique<EditStep::Former>();
+    step.former->name = entity->getEntityName();
+    entity->setEntityName(m_core.Wide(name));
     step.kind = EditStep::Kind::Renamed;
     return true;
 }
@@ -283,7 +285,8 @@ bool Edit::Set(const Entity& entity, const ItemInfo& item, const Value& value)
     EditStep& step = NextStep();
     step.item = &item;
     step.entity = entity.get();
-    step.value = std::make_unique<Value>(item.Get(*entity));
+    step.former = std::make_unique<EditStep::Former>();
+    step.former->value = item.Get(*entity);
     // A setter that fails may have stored the value.
     if (item.kind != ItemKind::Records)
         step.kind = EditStep::Kind::Set;

@@ -23,16 +23,23 @@ struct EditStep
 {
     enum class Kind : std::uint8_t { Nothing, Filed, Linked, Unlinked, Set, Renamed };
 
+    /// What was there before.
+    struct Former
+    {
+        std::wstring name;
+        Value value;
+        /// The word of an entry of a list.
+        std::wstring_view word;
+    };
+
     Kind kind = Kind::Nothing;
+    /// Of an entry of a list that was unlinked.
+    int index = 0;
     KARMPEntity* entity = nullptr;
     KARMPEntity* target = nullptr;
     const FamilyOperations* family = nullptr;
     const ItemInfo* item = nullptr;
-    /// Of an entry of a list that was unlinked, its index and its word.
-    int index = 0;
-    std::wstring_view word = {};
-    std::unique_ptr<std::wstring> name = nullptr;
-    std::unique_ptr<Value> value = nullptr;
+    std::unique_ptr<Former> former = nullptr;
 };
 using EditLog = std::vector<EditStep>;
 

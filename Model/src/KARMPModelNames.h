@@ -2,7 +2,10 @@
 
 #include "KARTextConversion.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,16 +15,29 @@ namespace karmp::model {
 /// True when all characters are ASCII.
 inline bool IsAscii(std::string_view text)
 {
-    unsigned char all = 0;
-    for (const char c : text)
-        all |= static_cast<unsigned char>(c);
-    return all < 0x80;
+    // Eight characters at once.
+    std::uint64_t all = 0;
+    std::size_t done = 0;
+    for (; done + sizeof all <= text.size(); done += sizeof all) {
+        std::uint64_t characters = 0;
+        std::memcpy(&characters, text.data() + done, sizeof characters);
+        all |= characters;
+    }
+    for (; done < text.size(); ++done)
+        all |= static_cast<unsigned char>(text[done]);
+    return (all & 0x8080808080808080U) == 0;
 }
 
-/// The wide text of UTF-8, fast where all characters are ASCII.
-inline std::wstring Wide(std::string_view text)
+/// Stores the wide text of UTF-8, without an allocation where all characters are ASCII and the
+/// capacity is enough.
+inline void AssignWide(std::wstring& wide, std::string_view text)
 {
-    return IsAscii(text) ? std::wstring(text.begin(), text.end()) : kar::ToWide(text);
+    if (!IsAscii(text)) {
+        wide = kar::ToWide(text);
+        return;
+    }
+    wide.resize(text.size());
+    std::copy(text.begin(), text.end(), wide.begin());
 }
 
 /// The name that differs least from a text, the text itself where it is among them; empty when none

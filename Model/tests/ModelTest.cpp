@@ -1,3 +1,4 @@
+#include "KARMPEntityIndex.h"
 #include "ModelTesting.h"
 
 #include <sstream>
@@ -113,6 +114,48 @@ TEST_F(ModelTest, WhatIsAddedAndRemovedPastTheModelIsNoticed)
     EXPECT_FALSE(model.Find<KARMPBody>("Raw"));
     EXPECT_TRUE(model.Find<KARMPBody>("A"));
     raw->orphanObject();
+}
+
+TEST_F(ModelTest, IdentifierOfAnEntityThatWasOrphanedPastTheModelIsFree)
+{
+    Model model("M");
+    model.Body("A")->orphanObject();
+    const auto second = model.Body("A");
+    EXPECT_TRUE(second);
+    EXPECT_EQ(model.Find<KARMPBody>("A"), second);
+}
+
+TEST_F(ModelTest, EntitiesAreFoundWhileOthersComeAndGo)
+{
+    Model model("M");
+    RefList<KARMPEntity> kept;
+    for (int i = 0; i < 300; ++i) {
+        const std::string number = std::to_string(i);
+        kept.push_back(model.Add<KARMPVariable>("kept" + number));
+        const auto gone = model.Add<KARMPVariable>("gone" + number);
+        ASSERT_TRUE(model.Delete(gone));
+        if (i > 20)
+            ASSERT_TRUE(model.Delete(kept[static_cast<std::size_t>(i)]));
+    }
+    for (int i = 0; i < 300; ++i) {
+        const std::string number = std::to_string(i);
+        EXPECT_EQ(static_cast<bool>(model.Find<KARMPEntity>("kept" + number)), i <= 20) << i;
+        EXPECT_FALSE(model.Find<KARMPEntity>("gone" + number)) << i;
+        EXPECT_TRUE(model.Add<KARMPVariable>("gone" + number)) << i;
+    }
+}
+
+TEST_F(ModelTest, NameAndIdentifierStartAsOneText)
+{
+    Model model("M");
+    const auto body = model.Body("A");
+    EXPECT_EQ(body->getStoredName().Narrow().data(), IdentifierIfGiven(*body)->Narrow().data());
+    EXPECT_TRUE(model.Rename(body, "B"));
+    std::wstring identifier;
+    EXPECT_EQ(body->GetIdentifier(identifier), KARSuccess);
+    EXPECT_EQ(identifier, L"A");
+    EXPECT_EQ(body->SetIdentifier(L"C"), KARFailure);
+    ExpectReports(1);
 }
 
 TEST_F(ModelTest, LookingUpGivesNoIdentifier)
