@@ -10,7 +10,7 @@
 
 namespace karmp {
 class HandleIndex;
-class ObjectMap;
+class LinkPlacer;
 } // namespace karmp
 
 /// An ordered sequence of handles that stays fast when it grows long.
@@ -45,12 +45,11 @@ public:
     /// The same for a referent that is known not to be listed. A sequence that grows long this way
     /// gets its index when it is first asked for.
     void AppendNew(QOBSharedBase&& handle);
-    /// Makes what a map gives for each entry of another sequence the entries of this one, without
-    /// those that it does not map. They are prefetched and not yet counted: CountPlaced follows,
-    /// whatever happens, before anything else is done with this sequence.
-    void PlaceMapped(const KARMPHandleSequence& source, const karmp::ObjectMap& map);
-    /// Counts the entries of PlaceMapped.
-    void CountPlaced() const noexcept;
+    /// Makes links to the duplicates of another sequence's entries the entries of this one, those
+    /// that wait for a duplicate included. When the placer drops these they are null.
+    void PlaceLinks(const KARMPHandleSequence& source, karmp::LinkPlacer& placer);
+    /// True when PlaceLinks placed an entry that was dropped.
+    bool HasDroppedLinks() const noexcept;
     /// Prefetches the entries.
     void Prefetch() const noexcept;
     /// Allocates at once what that number of entries takes.

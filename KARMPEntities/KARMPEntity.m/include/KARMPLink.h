@@ -69,6 +69,14 @@ public:
         Clear();
         return KARSuccess;
     }
+    /// As KARMPHandleSequence::PlaceLinks.
+    template <class Placer>
+    void PlaceLinks(const KARMPLink& source, Placer& placer)
+    {
+        Clear();
+        if (source)
+            placer.Place(&m_handle, source.m_handle._getReferent());
+    }
     /// Drops the link and returns what was linked.
     QOBSharedHandle<T> Take() noexcept { return std::exchange(m_handle, nullptr); }
     /// Drops the link.

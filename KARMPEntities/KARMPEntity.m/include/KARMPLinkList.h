@@ -32,11 +32,12 @@ public:
     /// Appends a link that is known not to be null, without a test for duplicates.
     void Append(const QOBSharedHandle<T>& handle) { m_handles.Append(handle); }
     /// As the operations of KARMPHandleSequence.
-    void PlaceMapped(const KARMPLinkList& source, const karmp::ObjectMap& map)
+    void PlaceLinks(const KARMPLinkList& source, karmp::LinkPlacer& placer)
     {
-        m_handles.PlaceMapped(source.m_handles, map);
+        if (source.Count() > 0 || Count() > 0)
+            m_handles.PlaceLinks(source.m_handles, placer);
     }
-    void CountPlaced() const noexcept { m_handles.CountPlaced(); }
+    bool HasDroppedLinks() const noexcept { return m_handles.HasDroppedLinks(); }
     void Prefetch() const noexcept { m_handles.Prefetch(); }
     /// Inserts a link before an index, without a test for duplicates.
     KARStatus Insert(int index, const QOBSharedHandle<T>& handle,

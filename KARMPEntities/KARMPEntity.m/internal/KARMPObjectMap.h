@@ -3,19 +3,22 @@
 #include "KARMPExport.h"
 #include "QOBSharedObject.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 namespace karmp {
 
 /// Maps entities to entities by address; it counts neither.
 ///
-/// Each page of memory that an entity begins in has a run of slots, one for every 64 bytes, since
-/// no two entities begin within those; a hash table gives the run of a page. Runs lie in the order
-/// in which their pages were first entered. So a walk in the order of memory, and of what lies
-/// near to it, finds the slots where it found the former ones: in one hash table of entities the
-/// links of a large model are a miss of the caches each.
+/// Each 8 kB of memory that an entity begins in have a run of slots, one for every 64 bytes, since
+/// no two entities begin within those. An area of 2 MB has a table of its runs, and a hash table
+/// gives the areas, which are few. Runs lie in the order in which they were first entered. So a
+/// walk in the order of memory, and of what lies near to it, finds the slots where it found the
+/// former ones: in one hash table of entities the links of a large model are a miss of the caches
+/// each.
 class KARMP_API ObjectMap
 {
 public:
@@ -24,32 +27,40 @@ public:
     ObjectMap(const ObjectMap&) = delete;
     ObjectMap& operator=(const ObjectMap&) = delete;
 
-    /// Enters what an entity is mapped to; false when that takes the place of an earlier entry.
-    bool Enter(const QOBSharedObject* from, QOBSharedObject* to)
+    /// What an entity is mapped to, null at first. It stays where it is.
+    QOBSharedObject*& SlotOf(const QOBSharedObject* from)
     {
-        const Page& found = m_pages[IndexOf(PageOf(from))];
-        QOBSharedObject*& slot =
-            (found.run != nullptr ? found.run : AddRun(PageOf(from)))[SlotOf(from)];
-        const bool isNew = slot == nullptr;
-        slot = to;
-        return isNew;
+        const Area& area = m_areas[IndexOf(AreaOf(from))];
+        QOBSharedObject** const run = area.runs != nullptr ? area.runs[RunOf(from)] : nullptr;
+        return (run != nullptr ? run : AddRun(from))[SlotIn(from)];
     }
     /// What an entity is mapped to; null when it has no entry.
     QOBSharedObject* Find(const QOBSharedObject* from) const noexcept
     {
-        QOBSharedObject* const* const run = m_pages[IndexOf(PageOf(from))].run;
-        return run != nullptr ? run[SlotOf(from)] : nullptr;
+        const Area& area = m_areas[IndexOf(AreaOf(from))];
+        QOBSharedObject* const* const run = area.runs != nullptr ? area.runs[RunOf(from)] : nullptr;
+        return run != nullptr ? run[SlotIn(from)] : nullptr;
+    }
+    /// Visits the slots of all runs.
+    template <class Visit>
+    void ForEachSlot(Visit visit)
+    {
+        for (const Block& block : m_blocks)
+            for (std::size_t slot = 0; slot < block.bytes / sizeof(QOBSharedObject*); ++slot)
+                visit(block.slots[slot]);
     }
 
 private:
-    static constexpr unsigned PageBits = 12;
+    static constexpr unsigned AreaBits = 21;
+    static constexpr unsigned RunBits = 13;
     static constexpr unsigned SlotBits = 6;
-    static constexpr std::size_t SlotCount = std::size_t{1} << (PageBits - SlotBits);
+    static constexpr std::size_t RunCount = std::size_t{1} << (AreaBits - RunBits);
+    static constexpr std::size_t SlotCount = std::size_t{1} << (RunBits - SlotBits);
 
-    struct Page
+    struct Area
     {
         std::uintptr_t number = 0;
-        QOBSharedObject** run = nullptr; // null where the table is free
+        QOBSharedObject*** runs = nullptr; // null where the table is free
     };
     // Some runs side by side.
     struct Block
@@ -58,28 +69,35 @@ private:
         std::size_t bytes;
     };
 
-    static std::uintptr_t PageOf(const QOBSharedObject* object) noexcept
+    static std::uintptr_t AreaOf(const QOBSharedObject* object) noexcept
     {
-        return reinterpret_cast<std::uintptr_t>(object) >> PageBits;
+        return reinterpret_cast<std::uintptr_t>(object) >> AreaBits;
     }
-    static std::size_t SlotOf(const QOBSharedObject* object) noexcept
+    static std::size_t RunOf(const QOBSharedObject* object) noexcept
+    {
+        return (reinterpret_cast<std::uintptr_t>(object) >> RunBits) % RunCount;
+    }
+    static std::size_t SlotIn(const QOBSharedObject* object) noexcept
     {
         return (reinterpret_cast<std::uintptr_t>(object) >> SlotBits) % SlotCount;
     }
-    // The place of a page in the table, or the free one for it; at least half of them are free.
-    std::size_t IndexOf(std::uintptr_t page) const noexcept
+    // The index of an area in the table, or the free one for it; most of them are free.
+    std::size_t IndexOf(std::uintptr_t area) const noexcept
     {
-        const std::size_t last = m_pages.size() - 1;
-        std::size_t index = (page * 0x9E3779B97F4A7C15U >> 32U) & last;
-        while (m_pages[index].number != page && m_pages[index].run != nullptr)
-            index = (index + 1) & last;
+        std::size_t index = static_cast<std::size_t>(area * 0x9E3779B97F4A7C15U) >> m_hashShift;
+        while (m_areas[index].number != area && m_areas[index].runs != nullptr)
+            index = (index + 1) % m_areas.size();
         return index;
     }
-    QOBSharedObject** AddRun(std::uintptr_t page);
+    QOBSharedObject** AddRun(const QOBSharedObject* from);
+    void AddArea(std::uintptr_t number);
     void AddBlock();
 
-    std::vector<Page> m_pages; // as many as a power of 2
-    std::size_t m_pageCount = 0;
+    using Runs = std::array<QOBSharedObject**, RunCount>;
+    std::vector<Area> m_areas; // as many as a power of 2
+    unsigned m_hashShift;      // leaves as many bits of a hash as number the areas
+    std::vector<std::unique_ptr<Runs>> m_runs;
+    std::size_t m_runCount = 0;
     std::vector<Block> m_blocks;
     std::size_t m_freeRuns = 0; // of the last block
 };

@@ -1,7 +1,7 @@
 #include "KARMPHandleSequence.h"
 
 #include "KARMPHandleIndex.h"
-#include "KARMPObjectMap.h"
+#include "KARMPLinkPlacer.h"
 #include "KARPrefetch.h"
 #include "KARSmallMemory.h"
 
@@ -202,28 +202,24 @@ void KARMPHandleSequence::AppendNew(QOBSharedBase&& handle)
     ++m_block->count;
 }
 
-void KARMPHandleSequence::PlaceMapped(const KARMPHandleSequence& source,
-                                      const karmp::ObjectMap& map)
+void KARMPHandleSequence::PlaceLinks(const KARMPHandleSequence& source, karmp::LinkPlacer& placer)
 {
-    Clear();
+    if (m_block != nullptr)
+        Clear();
     if (source.Count() == 0)
         return;
     Allocate(source.Count());
+    Block& block = *m_block;
     const QOBSharedBase* const end = source.Slots() + source.SlotCount();
-    QOBSharedBase* to = Slots();
-    for (const QOBSharedBase* from = source.Slots(); from != end; ++from) {
-        if (QOBSharedObject* const object = map.Find(from->_getReferent())) {
-            kar::Prefetch(object, 1);
-            ::new (to++) QOBSharedBase(QOBSharedBase::adopt(object));
-        }
-    }
-    m_block->count = static_cast<std::uint32_t>(to - Slots());
+    // The count is right at any time, since an allocation of the placer may fail.
+    for (const QOBSharedBase* from = source.Slots(); from != end; ++from)
+        if (*from && placer.Place(Slots(&block) + block.count, from->_getReferent()))
+            ++block.count;
 }
 
-void KARMPHandleSequence::CountPlaced() const noexcept
+bool KARMPHandleSequence::HasDroppedLinks() const noexcept
 {
-    for (std::size_t slot = 0; slot < Count(); ++slot)
-        Slots()[slot]._getReferent()->addReference();
+    return Count() > 0 && std::find(Slots(), Slots() + Count(), nullptr) != Slots() + Count();
 }
 
 void KARMPHandleSequence::Prefetch() const noexcept

@@ -11,7 +11,7 @@ namespace karmp {
 
 static_assert(sizeof(KARMPEntity) >= 64, "two entities begin within 64 bytes");
 
-ObjectMap::ObjectMap() : m_pages(16) {}
+ObjectMap::ObjectMap() : m_areas(16), m_hashShift(60) {}
 
 ObjectMap::~ObjectMap()
 {
@@ -19,22 +19,32 @@ ObjectMap::~ObjectMap()
         kar::FreeLargePages(block.slots, block.bytes);
 }
 
-QOBSharedObject** ObjectMap::AddRun(std::uintptr_t page)
+void ObjectMap::AddArea(std::uintptr_t number)
 {
-    if (2 * (m_pageCount + 1) > m_pages.size()) {
-        const std::vector<Page> former =
-            std::exchange(m_pages, std::vector<Page>(2 * m_pages.size()));
-        for (const Page& entry : former)
-            if (entry.run != nullptr)
-                m_pages[IndexOf(entry.number)] = entry;
+    constexpr std::size_t LargestLoad = 4; // one in as many is in use
+    if (LargestLoad * (m_runs.size() + 1) > m_areas.size()) {
+        std::vector<Area> larger(2 * m_areas.size());
+        const std::vector<Area> former = std::exchange(m_areas, std::move(larger));
+        --m_hashShift;
+        for (const Area& area : former)
+            if (area.runs != nullptr)
+                m_areas[IndexOf(area.number)] = area;
     }
+    m_runs.push_back(std::make_unique<Runs>());
+    m_areas[IndexOf(number)] = {number, m_runs.back()->data()};
+}
+
+QOBSharedObject** ObjectMap::AddRun(const QOBSharedObject* from)
+{
+    if (m_areas[IndexOf(AreaOf(from))].runs == nullptr)
+        AddArea(AreaOf(from));
     if (m_freeRuns == 0)
         AddBlock();
     const Block& block = m_blocks.back();
     QOBSharedObject** const run =
         block.slots + (block.bytes / sizeof(QOBSharedObject*) - m_freeRuns-- * SlotCount);
-    ++m_pageCount;
-    m_pages[IndexOf(page)] = {page, run};
+    ++m_runCount;
+    m_areas[IndexOf(AreaOf(from))].runs[RunOf(from)] = run;
     return run;
 }
 
@@ -44,9 +54,9 @@ void ObjectMap::AddBlock()
 {
     constexpr std::size_t RunBytes = SlotCount * sizeof(QOBSharedObject*);
     constexpr std::size_t LargestRuns = kar::LargePage / RunBytes;
-    constexpr std::size_t FirstRuns = 8;
+    constexpr std::size_t FirstRuns = 4;
     const std::size_t runs =
-        m_pageCount < LargestRuns / 4 ? std::max(m_pageCount, FirstRuns) : LargestRuns;
+        m_runCount < LargestRuns / 4 ? std::max(m_runCount, FirstRuns) : LargestRuns;
     m_blocks.reserve(m_blocks.size() + 1);
     const std::size_t bytes = runs * RunBytes;
     auto* const slots = static_cast<QOBSharedObject**>(kar::AllocateLargePages(bytes));

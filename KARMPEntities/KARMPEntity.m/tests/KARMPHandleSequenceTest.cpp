@@ -1,7 +1,7 @@
 #include "KARMPHandleSequence.h"
 #include "AllocationCounter.h"
 #include "KARMPLinkList.h"
-#include "KARMPObjectMap.h"
+#include "KARMPLinkPlacer.h"
 #include "KARMPTestFixture.h"
 #include "TestEntity.h"
 
@@ -387,34 +387,82 @@ TEST(HandleSequence, GivesRunsOfEntriesWithAndWithoutHoles)
     ExpectSame(sequence, RunsOf(sequence));
 }
 
-TEST(HandleSequence, TakesWhatAMapGivesForTheEntriesOfAnother)
+TEST(HandleSequence, LinksTheDuplicatesOfTheEntriesOfAnother)
 {
     const Entities entities = MakeEntities(120);
-    karmp::ObjectMap map;
+    karmp::LinkPlacer placer;
     KARMPHandleSequence source;
     std::vector<QOBSharedBase> expected;
     for (std::size_t index = 1; index < 100; ++index) {
         source.Append(entities[index]);
         if (index % 3 == 0 || index == 50)
             continue;
-        map.Enter(entities[index].get(), entities[index + 20].get());
+        placer.Enter(entities[index].get(), entities[index + 20].get());
         expected.push_back(entities[index + 20]);
     }
-    source.Take(49); // a hole at what is not mapped
+    source.Take(49); // a hole at what has no duplicate
     {
         KARMPHandleSequence sequence;
         sequence.Append(entities[0]);
-        sequence.PlaceMapped(KARMPHandleSequence(), map);
-        sequence.CountPlaced();
+        sequence.PlaceLinks(KARMPHandleSequence(), placer);
         EXPECT_EQ(sequence.Count(), 0U);
-        sequence.PlaceMapped(source, map);
-        sequence.CountPlaced();
+        sequence.PlaceLinks(source, placer);
+        EXPECT_TRUE(placer.HasWaiting());
+        EXPECT_EQ(sequence.Count(), source.Count());
+        placer.DropWaiting();
+        EXPECT_TRUE(sequence.HasDroppedLinks());
+        sequence.PlaceLinks(source, placer);
+        EXPECT_FALSE(sequence.HasDroppedLinks());
         ExpectSame(sequence, expected);
         EXPECT_TRUE(sequence.Contains(entities[21].get()));
         EXPECT_FALSE(sequence.Contains(entities[1].get()));
         EXPECT_EQ(entities[21]->getReferenceCount(), 4U);
     }
     EXPECT_EQ(entities[21]->getReferenceCount(), 3U); // in entities, source and expected
+}
+
+TEST(HandleSequence, GetsTheLinksThatWaitedForADuplicate)
+{
+    const Entities entities = MakeEntities(200);
+    const auto duplicateOf = [&](std::size_t index) { return entities[index + 100]; };
+    karmp::LinkPlacer placer;
+    KARMPHandleSequence source;
+    std::vector<QOBSharedBase> expected;
+    for (std::size_t index = 0; index < 100; ++index) {
+        source.Append(entities[index]);
+        expected.push_back(duplicateOf(index));
+    }
+    KARMPHandleSequence one;
+    KARMPHandleSequence two;
+    for (std::size_t index = 0; index < 100; ++index) {
+        if (index == 30)
+            one.PlaceLinks(source, placer);
+        if (index == 60)
+            two.PlaceLinks(source, placer);
+        EXPECT_TRUE(placer.Enter(entities[index].get(), duplicateOf(index).get()));
+        EXPECT_FALSE(placer.Enter(entities[index].get(), entities[0].get()));
+    }
+    EXPECT_FALSE(placer.HasWaiting());
+    ExpectSame(one, expected);
+    ExpectSame(two, expected);
+    EXPECT_EQ(entities[199]->getReferenceCount(), 4U); // in entities, expected and both
+}
+
+TEST(HandleSequence, MayBeDestroyedWhenNoLinkWaitsAnyMore)
+{
+    const Entities entities = MakeEntities(3);
+    KARMPHandleSequence source;
+    KARMPHandleSequence sequence;
+    source.Append(entities[0]);
+    source.Append(entities[1]);
+    {
+        karmp::LinkPlacer placer;
+        placer.Enter(entities[1].get(), entities[2].get());
+        sequence.PlaceLinks(source, placer);
+    }
+    EXPECT_TRUE(sequence.HasDroppedLinks());
+    EXPECT_FALSE(sequence.At(0));
+    EXPECT_EQ(sequence.At(1), entities[2]);
 }
 
 // A copy has no slot to spare, so that the next entry moves the handles before they are indexed.

@@ -60,17 +60,18 @@ public:
     }
     /// The bodies without their orientations.
     const KARMPLinkList<Body>& Bodies() const noexcept { return m_bodies; }
-    /// As KARMPHandleSequence::PlaceMapped, with the orientations; CountPlaced follows at Bodies().
-    template <class Map>
-    void PlaceMapped(const KARMPBodyLinkList& source, const Map& map)
+    /// As the operations of KARMPHandleSequence, with the orientations.
+    template <class Placer>
+    void PlaceLinks(const KARMPBodyLinkList& source, Placer& placer)
     {
         m_orientations.Reserve(static_cast<std::size_t>(source.Count()));
-        m_bodies.PlaceMapped(source.m_bodies, map);
+        m_bodies.PlaceLinks(source.m_bodies, placer);
         std::size_t placed = 0;
         for (int index = 0; index < source.Count(); ++index)
-            if (map.Find(source.m_bodies.Referent(index)) != nullptr)
+            if (placer.Places(source.m_bodies.Referent(index)))
                 m_orientations[placed++] = source.m_orientations[static_cast<std::size_t>(index)];
     }
+    bool HasDroppedLinks() const noexcept { return m_bodies.HasDroppedLinks(); }
     /// Drops all links.
     void Clear() { m_bodies.Clear(); }
 

@@ -1,10 +1,9 @@
 #pragma once
 
-#include "QOBSharedObject.h"
+#include "KARMPEntity.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <span>
 #include <vector>
 
 namespace karmp {
@@ -17,15 +16,20 @@ namespace karmp {
 class AddressOrder
 {
 public:
-    using Objects = std::span<const QOBSharedObject* const>;
-    using Indexes = std::vector<std::uint32_t>;
+    /// An object of a group, and where it is listed.
+    struct Entry
+    {
+        const QOBSharedObject* object;
+        std::uint32_t index;
+        std::uint32_t group; // below MostGroups
+    };
+    static constexpr std::uint32_t MostGroups = 64;
 
-    /// Fewer objects than these stay in the caches.
-    static constexpr std::size_t Few = 2'000;
-
-    /// The indexes of objects in the order of their addresses. Empty when the objects are few, or
-    /// listed in about that order.
-    static Indexes Of(Objects objects);
+    /// True when the first of many objects are listed in quite another order than that of their
+    /// addresses. Fewer than some thousands stay in the caches.
+    static bool AreApart(const QOBSharedList<KARMPEntity>& objects);
+    /// Sorts objects by their groups, and by their addresses within a group.
+    static void Sort(std::vector<Entry>& entries);
 };
 
 } // namespace karmp

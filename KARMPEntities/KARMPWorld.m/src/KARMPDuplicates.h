@@ -1,13 +1,12 @@
 #pragma once
 
-#include "KARLargePages.h"
 #include "KARMPEntity.h"
-#include "KARMPObjectMap.h"
+#include "KARMPLinkPlacer.h"
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <iterator>
-#include <vector>
 
 namespace karmp {
 
@@ -15,20 +14,17 @@ namespace karmp {
 inline constexpr std::size_t CopiedBytes = 384;
 
 class RegistryCore;
-struct PlainKind;
 
-/// An entity of a plain class, and its duplicate.
-struct PlainPair
+/// What a filtered clone does with the links of an entity by its own members: prefetches them, or
+/// links its duplicate in the same way.
+struct PlainLinks
 {
-    const QOBSharedObject* source;
-    QOBSharedObject* duplicate;
-    const PlainKind* kind;
+    void (*prefetch)(const QOBSharedObject& source);
+    void (*place)(const QOBSharedObject& source, QOBSharedObject& duplicate, LinkPlacer& placer);
 };
+/// The functions for a class; null when its links are not restored.
+const PlainLinks* PlainLinksOf(const QOBClassInfo& info);
 
-/// The steps by which the links of an entity are restored: one that was placed must be counted.
-enum class LinkStep { PrefetchLists, Place, Count };
-/// Takes a step for an entity of a plain class.
-using RestorePlainLinks = void (*)(LinkStep step, const PlainPair& pair, const ObjectMap& map);
 /// How a clone treats entities of a plain class: one that overrides nothing of what copies them, so
 /// that it can be done without the calls through the entity itself.
 struct PlainKind
@@ -37,83 +33,86 @@ struct PlainKind
     /// The registries of the class's family; null when a filtered clone does not carry it over.
     const RegistryCore* source;
     RegistryCore* target;
+    /// The number of the family.
+    std::uint32_t family;
     /// False when the links are read and made by operations of the entity that the class overrides.
     bool hasFamilyLinks;
-    /// Restores the links of a duplicate otherwise; null when those of the family are not restored.
-    RestorePlainLinks restoreLinks;
+    /// Null when the links of the family are not restored.
+    const PlainLinks* links;
 };
 
-/// The function for a class; null when its links are not restored.
-RestorePlainLinks PlainLinksOf(const QOBClassInfo& info);
-/// Links the duplicates of entities of plain classes, as the other RestoreLinks does.
-void RestoreLinks(const std::vector<PlainPair>& pairs, const ObjectMap& map);
-
-/// The duplicates of entities, found by their sources. It refers to neither without counting: the
-/// list that is cloned holds the ones, the new world the others.
+/// The duplicates of the entities of a list, found by their sources. It refers to neither without
+/// counting: the list holds the ones, the new world the others.
+///
+/// As long as all entities are of plain classes with their families' links, and none is listed
+/// twice, a duplicate is linked when it is entered. Else RestoreLinks does it by the operations of
+/// the entities.
 class Duplicates
 {
 public:
-    /// Prepares for a number of entities.
-    explicit Duplicates(std::size_t count)
-    {
-        m_pairs.reserve(count);
-        kar::AskForLargePages(m_pairs.data(), count * sizeof(PlainPair));
-    }
+    explicit Duplicates(const QOBSharedList<KARMPEntity>& sources) : m_sources(sources) {}
 
     /// Enters a duplicate in place of an earlier one of the same source.
     void Enter(const QOBSharedObject* source, QOBSharedObject* duplicate)
     {
         m_haveOtherClasses |= &source->getClassInfo() != &duplicate->getClassInfo();
-        m_arePlain &= m_map.Enter(source, duplicate);
+        EnterOther(source, duplicate);
     }
-    /// The same where the source is of a plain class.
-    void Enter(const PlainPair& pair)
+    /// The same where the source is of a plain class, and both stay until this object is gone.
+    void Enter(const QOBSharedObject& source, QOBSharedObject& duplicate, const PlainKind& kind)
     {
-        m_arePlain &= m_map.Enter(pair.source, pair.duplicate) && pair.kind->hasFamilyLinks;
-        m_pairs.push_back(pair);
+        if (!m_arePlain || !kind.hasFamilyLinks || !m_placer.Enter(&source, &duplicate))
+            EnterOther(&source, &duplicate);
+        else if (kind.links != nullptr)
+            kind.links->place(source, duplicate, m_placer);
     }
+    /// Notes an entity whose class is not plain: what was linked until then is not linked any more.
+    void NoteOther();
+    /// Makes the links null that wait for a duplicate, which must be done before these are
+    /// destroyed.
+    void DropWaiting() noexcept { m_placer.DropWaiting(); }
+    /// Links the duplicates of entities to one another as their sources are linked, by the
+    /// operations of the source's family where they are not linked already. Links that lead to an
+    /// entity without a duplicate are dropped.
+    void RestoreLinks();
+
     /// The duplicate of an entity, null when there is none.
-    QOBSharedObject* Find(const QOBSharedObject* source) const { return m_map.Find(source); }
+    QOBSharedObject* Find(const QOBSharedObject* source) const { return m_placer.Find(source); }
     /// True when a duplicate has another class than its source.
     bool HaveOtherClasses() const { return m_haveOtherClasses; }
 
-    /// Notes a source whose class is not plain.
-    void NoteOther() { m_arePlain = false; }
-    /// True when all sources are of plain classes with their families' links, and none is listed
-    /// twice.
-    bool ArePlain() const { return m_arePlain; }
-    /// The duplicates of plain classes.
-    const std::vector<PlainPair>& Pairs() const { return m_pairs; }
-    const ObjectMap& Map() const { return m_map; }
-
 private:
-    ObjectMap m_map;
-    std::vector<PlainPair> m_pairs;
+    void EnterOther(const QOBSharedObject* source, QOBSharedObject* duplicate)
+    {
+        NoteOther();
+        if (!m_placer.Enter(source, duplicate))
+            m_placer.Replace(source, duplicate);
+    }
+
+    const QOBSharedList<KARMPEntity>& m_sources;
+    LinkPlacer m_placer;
     bool m_haveOtherClasses = false;
     bool m_arePlain = true;
 };
 
-/// Goes a number of entries ahead of a walk over a list.
+/// Goes a number of entries ahead of a walk over a list, or a part of it.
 template <std::size_t Distance>
 class LookAhead
 {
 public:
     using List = QOBSharedList<KARMPEntity>;
 
-    explicit LookAhead(const List& list)
-        : m_next(std::next(list.begin(), std::min<std::ptrdiff_t>(Distance, std::ssize(list)))),
-          m_end(list.end())
+    explicit LookAhead(const List& list) : LookAhead(list.begin(), list.end(), list.size()) {}
+    LookAhead(List::const_iterator begin, List::const_iterator end, std::size_t count)
+        : m_next(std::next(begin, static_cast<std::ptrdiff_t>(std::min(Distance, count)))),
+          m_end(end)
     {}
-    /// The entry that far ahead; null behind the end of the list.
+    /// The entry that far ahead; null behind the end.
     const QOBSharedHandle<KARMPEntity>* Next() { return m_next != m_end ? &*m_next++ : nullptr; }
 
 private:
     List::const_iterator m_next;
     List::const_iterator m_end;
 };
-
-/// Links the duplicates of entities to one another as their sources are linked, by the operations
-/// of the source's family. Links that lead to an entity without a duplicate are dropped.
-void RestoreLinks(const QOBSharedList<KARMPEntity>& sources, const Duplicates& duplicates);
 
 } // namespace karmp

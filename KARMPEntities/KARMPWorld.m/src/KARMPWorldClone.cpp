@@ -37,14 +37,122 @@ QOBSharedBase CopyOf(const QOBSharedObject& entity, const karmp::PlainKind& kind
 }
 
 // An entity is prefetched first, then, by what it holds, its name, which its copy shares.
-void PrefetchEntity(const QOBSharedBase& entity)
+void PrefetchEntity(const QOBSharedObject* entity)
 {
-    kar::Prefetch(entity._getReferent(), karmp::CopiedBytes);
+    kar::Prefetch(entity, karmp::CopiedBytes);
 }
-void PrefetchName(const QOBSharedBase& entity)
+void PrefetchName(const QOBSharedObject* entity)
 {
-    if (const auto* const named = static_cast<const QOBBasicEntity*>(entity._getReferent()))
-        named->getStoredName().PrefetchShared();
+    if (entity != nullptr)
+        static_cast<const QOBBasicEntity*>(entity)->getStoredName().PrefetchShared();
+}
+
+// A part of a list, walked over with what comes next prefetched.
+class FilterPart
+{
+public:
+    using Iterator = QOBSharedList<KARMPEntity>::const_iterator;
+
+    FilterPart(Iterator begin, Iterator end, std::size_t count)
+        : m_current(begin),
+          m_end(end),
+          m_count(count),
+          m_entities(begin, end, count),
+          m_names(begin, end, count)
+    {}
+    /// The number of all entries, and of those that are behind the walk.
+    std::size_t Count() const { return m_count; }
+    std::size_t Done() const { return m_done; }
+    bool IsAtEnd() const { return m_current == m_end; }
+    const QOBSharedHandle<KARMPEntity>& Current() const { return *m_current; }
+    void Advance()
+    {
+        ++m_current;
+        ++m_done;
+        if (const auto* const ahead = m_entities.Next())
+            PrefetchEntity(ahead->get());
+        if (const auto* const ahead = m_names.Next())
+            PrefetchName(ahead->get());
+    }
+
+private:
+    Iterator m_current;
+    Iterator m_end;
+    std::size_t m_count;
+    std::size_t m_done = 0;
+    karmp::LookAhead<2 * kar::PrefetchDistance> m_entities;
+    karmp::LookAhead<kar::PrefetchDistance> m_names;
+};
+
+// The copy of an entity of a list, which is not filed yet; null when there is none.
+struct Copy
+{
+    QOBSharedBase duplicate;
+    const karmp::PlainKind* kind = nullptr;
+};
+
+// A part of the entities of a list, in the order of their addresses.
+class SortedPart
+{
+public:
+    using Entry = karmp::AddressOrder::Entry;
+
+    SortedPart(std::span<const Entry> entries, std::span<Copy> copies)
+        : m_entries(entries), m_copies(copies)
+    {}
+    std::size_t Count() const { return m_entries.size(); }
+    std::size_t Done() const { return m_done; }
+    const Entry& Current() const { return m_entries[m_done]; }
+    void Advance()
+    {
+        constexpr std::size_t Ahead = kar::PrefetchDistance;
+        ++m_done;
+        if (m_done + 2 * Ahead < Count()) {
+            const Entry& ahead = m_entries[m_done + 2 * Ahead];
+            PrefetchEntity(ahead.object);
+            kar::Prefetch(&m_copies[ahead.index], 1);
+        }
+        if (m_done + Ahead < Count())
+            PrefetchName(m_entries[m_done + Ahead].object);
+    }
+
+private:
+    std::span<const Entry> m_entries;
+    std::span<Copy> m_copies;
+    std::size_t m_done = 0;
+};
+
+// The sorted entities of each group.
+std::vector<SortedPart> PartsOf(const std::vector<SortedPart::Entry>& entries,
+                                std::vector<Copy>& copies)
+{
+    std::vector<SortedPart> parts;
+    for (auto begin = entries.begin(); begin != entries.end();) {
+        const auto end = std::find_if(begin, entries.end(), [&](const SortedPart::Entry& entry) {
+            return entry.group != begin->group;
+        });
+        parts.emplace_back(std::span(begin, end), copies);
+        begin = end;
+    }
+    return parts;
+}
+
+// Entities of several families that are linked to one another mostly lie at about the same share of
+// each family. So they are visited by turns, some of each part, while what they touch is still in
+// the caches. Ends when a visit gives false.
+template <class Part, class Visit>
+void VisitByTurns(std::vector<Part>& parts, Visit visit)
+{
+    constexpr std::size_t EntitiesPerTurn = 512;
+    std::size_t count = 0;
+    for (const Part& part : parts)
+        count += part.Count();
+    const std::size_t turns = count / EntitiesPerTurn + 1;
+    for (std::size_t turn = 1; turn <= turns; ++turn)
+        for (Part& part : parts)
+            for (; part.Done() < part.Count() * turn / turns; part.Advance())
+                if (!visit(part.Current()))
+                    return;
 }
 
 // Throws when an entity is no T.
@@ -94,6 +202,9 @@ private:
     static QOBSharedObject* Duplicate(const QOBSharedBase& entity, const RegistryCore& source,
                                       RegistryCore& target, Cast check);
     void DuplicateAll(const RegistryCore& source, RegistryCore& target, Cast check);
+    bool DuplicatePlain(const QOBSharedObject& entity, Duplicates& duplicates);
+    std::vector<FilterPart> PartsOf(const QOBSharedList<KARMPEntity>& filter) const;
+    void File(const QOBSharedList<KARMPEntity>& filter, std::vector<Copy>& copies);
     bool DuplicateInMemoryOrder(const QOBSharedList<KARMPEntity>& filter, Duplicates& duplicates);
     template <class T>
     static void DuplicateGlobal(const QOBSharedHandle<T>& source, QOBSharedHandle<T>& target);
@@ -134,12 +245,14 @@ const PlainKind* WorldCloner::KindOf(const QOBSharedObject& entity)
         entity,
         [this](const QOBClassInfo& info) {
             const QOBClassOperations& operations = info.getOperations();
-            PlainKind kind{operations.duplicate, nullptr, nullptr, operations.hasFamilyLinks,
-                           PlainLinksOf(info)};
+            PlainKind kind{operations.duplicate,      nullptr,           nullptr, 0,
+                           operations.hasFamilyLinks, PlainLinksOf(info)};
             FilteredFamilies::AnyOf([&](auto family) {
                 using T = typename decltype(family)::Type;
-                if (!info.isDerivedFrom(T::ClassInfo()))
+                if (!info.isDerivedFrom(T::ClassInfo())) {
+                    ++kind.family;
                     return false;
+                }
                 kind.source = &m_source.Registry<T>().Core();
                 kind.target = &m_target->Registry<T>().Core();
                 return true;
@@ -168,9 +281,9 @@ void WorldCloner::DuplicateAll(const RegistryCore& source, RegistryCore& target,
         const std::span<const QOBSharedBase> entities = source.From(index);
         for (std::size_t next = 0; next < entities.size(); ++next, ++index) {
             if (next + 2 * Ahead < entities.size())
-                PrefetchEntity(entities[next + 2 * Ahead]);
+                PrefetchEntity(entities[next + 2 * Ahead]._getReferent());
             if (next + Ahead < entities.size())
-                PrefetchName(entities[next + Ahead]);
+                PrefetchName(entities[next + Ahead]._getReferent());
             const QOBSharedObject& entity = *entities[next]._getReferent();
             if (const PlainKind* const kind = KindOf(entity)) {
                 File(entity, source, target, CopyOf(entity, *kind));
@@ -211,28 +324,68 @@ void WorldCloner::Duplicate(const QOBSharedList<KARMPEntity>& filter, Duplicates
 {
     if (DuplicateInMemoryOrder(filter, duplicates))
         return;
+    std::vector<FilterPart> parts = PartsOf(filter);
+    if (parts.size() > 1)
+        VisitByTurns(parts, [&](const QOBSharedHandle<KARMPEntity>& entity) {
+            return DuplicatePlain(*entity, duplicates);
+        });
+    // Entities whose classes are not plain are duplicated in the order of the list, which their
+    // classes see.
     FunctionOfFamily<FilteredFamilies, DuplicateFiltered> functions;
-    LookAhead<2 * kar::PrefetchDistance> entities(filter);
-    LookAhead<kar::PrefetchDistance> names(filter);
-    for (const QOBSharedHandle<KARMPEntity>& entity : filter) {
-        if (const auto* const ahead = entities.Next())
-            PrefetchEntity(*ahead);
-        if (const auto* const ahead = names.Next())
-            PrefetchName(*ahead);
-        if (!KARMPVerify(static_cast<bool>(entity)))
-            continue;
-        if (const PlainKind* const kind = KindOf(*entity)) {
-            if (kind->target == nullptr)
+    for (FilterPart& part : parts) {
+        for (; !part.IsAtEnd(); part.Advance()) {
+            const QOBSharedHandle<KARMPEntity>& entity = part.Current();
+            if (!KARMPVerify(static_cast<bool>(entity)) || DuplicatePlain(*entity, duplicates))
                 continue;
-            QOBSharedBase copy = CopyOf(*entity, *kind);
-            duplicates.Enter({entity.get(), copy._getReferent(), kind});
-            File(*entity, *kind->source, *kind->target, std::move(copy));
-            continue;
+            duplicates.NoteOther();
+            if (const DuplicateFiltered duplicate =
+                    functions.Of<DuplicateAs>(entity.getClassInfo()))
+                duplicate(*this, entity, duplicates);
         }
-        duplicates.NoteOther();
-        if (const DuplicateFiltered duplicate = functions.Of<DuplicateAs>(entity.getClassInfo()))
-            duplicate(*this, entity, duplicates);
     }
+}
+
+// False, with nothing done, for an entity whose class is not plain.
+bool WorldCloner::DuplicatePlain(const QOBSharedObject& entity, Duplicates& duplicates)
+{
+    const PlainKind* const kind = KindOf(entity);
+    if (kind == nullptr)
+        return false;
+    if (kind->target == nullptr)
+        return true;
+    QOBSharedBase copy = CopyOf(entity, *kind);
+    QOBSharedObject& duplicate = *copy._getReferent();
+    File(entity, *kind->source, *kind->target, std::move(copy));
+    duplicates.Enter(entity, duplicate, *kind);
+    return true;
+}
+
+// The parts of a list that are as many registries one behind the other, each from its first entity
+// on; for another list, the whole list.
+std::vector<FilterPart> WorldCloner::PartsOf(const QOBSharedList<KARMPEntity>& filter) const
+{
+    std::vector<FilterPart> parts;
+    auto begin = filter.begin();
+    Families::ForEach([&](auto family) {
+        const RegistryCore& registry = m_source.Registry<typename decltype(family)::Type>().Core();
+        std::size_t count = 0;
+        auto end = begin;
+        while (count < registry.Count() && end != filter.end()) {
+            const std::span<const QOBSharedBase> entities = registry.From(count);
+            std::size_t same = 0;
+            for (; same < entities.size() && end != filter.end() && *end == entities[same]; ++end)
+                ++same;
+            count += same;
+            if (same < entities.size())
+                break;
+        }
+        if (count > 0)
+            parts.emplace_back(begin, end, count);
+        begin = end;
+    });
+    if (begin != filter.end())
+        parts.assign(1, FilterPart(filter.begin(), filter.end(), filter.size()));
+    return parts;
 }
 
 // The same for entities of plain classes alone that are listed in quite another order than they lie
@@ -241,35 +394,49 @@ void WorldCloner::Duplicate(const QOBSharedList<KARMPEntity>& filter, Duplicates
 bool WorldCloner::DuplicateInMemoryOrder(const QOBSharedList<KARMPEntity>& filter,
                                          Duplicates& duplicates)
 {
-    if (filter.size() < AddressOrder::Few)
+    if (!AddressOrder::AreApart(filter))
         return false;
-    std::vector<const QOBSharedObject*> sources;
-    sources.reserve(filter.size());
-    for (const QOBSharedHandle<KARMPEntity>& entity : filter)
-        sources.push_back(entity.get());
-    const AddressOrder::Indexes order = AddressOrder::Of(sources);
-    if (order.empty() || !std::all_of(order.begin(), order.end(), [&](std::uint32_t index) {
-            return sources[index] != nullptr && KindOf(*sources[index]) != nullptr;
-        }))
-        return false;
-
-    struct Copy
-    {
-        QOBSharedBase duplicate;
-        const PlainKind* kind = nullptr;
-    };
-    std::vector<Copy> copies(sources.size());
-    for (const std::uint32_t index : order) {
-        const PlainKind* const kind = KindOf(*sources[index]);
-        if (kind->target == nullptr)
-            continue;
-        copies[index] = {CopyOf(*sources[index], *kind), kind};
-        duplicates.Enter({sources[index], copies[index].duplicate._getReferent(), kind});
+    std::vector<Copy> copies(filter.size());
+    std::vector<AddressOrder::Entry> entries;
+    entries.reserve(filter.size());
+    LookAhead<kar::FarPrefetchDistance> entities(filter);
+    std::uint32_t index = 0;
+    for (const QOBSharedHandle<KARMPEntity>& entity : filter) {
+        if (const auto* const ahead = entities.Next())
+            kar::Prefetch(ahead->get(), 1);
+        const PlainKind* const kind = entity ? KindOf(*entity) : nullptr;
+        if (kind == nullptr)
+            return false;
+        copies[index].kind = kind;
+        if (kind->target != nullptr)
+            entries.push_back({entity.get(), index, kind->family});
+        ++index;
     }
-    for (std::size_t index = 0; index < copies.size(); ++index)
-        if (const PlainKind* const kind = copies[index].kind)
-            File(*sources[index], *kind->source, *kind->target, std::move(copies[index].duplicate));
+    AddressOrder::Sort(entries);
+    std::vector<SortedPart> parts = ::PartsOf(entries, copies);
+    try {
+        VisitByTurns(parts, [&](const AddressOrder::Entry& entry) {
+            Copy& copy = copies[entry.index];
+            copy.duplicate = CopyOf(*entry.object, *copy.kind);
+            duplicates.Enter(*entry.object, *copy.duplicate._getReferent(), *copy.kind);
+            return true;
+        });
+        File(filter, copies);
+    } catch (...) {
+        duplicates.DropWaiting();
+        throw;
+    }
     return true;
+}
+
+void WorldCloner::File(const QOBSharedList<KARMPEntity>& filter, std::vector<Copy>& copies)
+{
+    auto copy = copies.begin();
+    for (const QOBSharedHandle<KARMPEntity>& entity : filter) {
+        if (copy->duplicate)
+            File(*entity, *copy->kind->source, *copy->kind->target, std::move(copy->duplicate));
+        ++copy;
+    }
 }
 
 void WorldCloner::DuplicateGlobals()
@@ -306,10 +473,10 @@ QOBSharedHandle<KARMPWorld> KARMPWorld::CloneWithFilter(
 {
     karmp::WorldCloner cloner(*this);
     if (cloner.Create()) {
-        karmp::Duplicates duplicates(filter.size());
+        karmp::Duplicates duplicates(filter);
         cloner.Duplicate(filter, duplicates);
         cloner.DuplicateGlobals();
-        karmp::RestoreLinks(filter, duplicates);
+        duplicates.RestoreLinks();
     }
     return cloner.Target();
 }

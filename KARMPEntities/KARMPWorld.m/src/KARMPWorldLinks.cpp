@@ -11,6 +11,8 @@
 #include "KARMPSketch.h"
 #include "KARPrefetch.h"
 
+#include <utility>
+
 namespace {
 
 using karmp::Duplicates;
@@ -236,38 +238,54 @@ void Make(Links& links, const Duplicates& duplicates)
 
 } // namespace
 
-// Does a step of what restores the links of an entity, at its own members. What VisitLinks names
-// are the links that Collect names of the same class.
+// Reaches the links of entities at their own members. What VisitLinks names are the links that
+// Collect names of the same class.
 struct karmp::LinkAccess
 {
     template <class T>
     struct As
     {
-        static void Call(LinkStep step, const PlainPair& pair, const ObjectMap& map)
+        static void Prefetch(const QOBSharedObject& source)
         {
-            const auto& source = static_cast<const T&>(*pair.source);
-            switch (step) {
-            case LinkStep::PrefetchLists:
-                VisitLinks(source, source, [](const auto& links, const auto&) { Prefetch(links); });
-                break;
-            case LinkStep::Place:
-                VisitLinks(source, static_cast<T&>(*pair.duplicate),
-                           [&map](const auto& links, auto& made) { Place(links, made, map); });
-                break;
-            case LinkStep::Count:
-                VisitLinks(source, static_cast<T&>(*pair.duplicate),
-                           [&map](const auto& links, auto& made) { Count(links, made, map); });
-                break;
-            }
+            const auto& entity = static_cast<const T&>(source);
+            VisitLinks(entity, entity,
+                       [](const auto& links, const auto&) { LinkAccess::Prefetch(links); });
+        }
+        static void Place(const QOBSharedObject& source, QOBSharedObject& duplicate,
+                          LinkPlacer& placer)
+        {
+            VisitLinks(
+                static_cast<const T&>(source), static_cast<T&>(duplicate),
+                [&placer](const auto& links, auto& made) { made.PlaceLinks(links, placer); });
+        }
+        static constexpr PlainLinks Functions{&Prefetch, &Place};
+    };
+    // Takes back what was placed.
+    template <class T>
+    struct Clear
+    {
+        static void Call(const QOBSharedObject& source, QOBSharedObject& duplicate, LinkPlacer&)
+        {
+            VisitLinks(
+                static_cast<const T&>(source), static_cast<T&>(duplicate),
+                [](const auto&, auto& made) { made.Clear(); });
         }
     };
-
-    // Prefetches the links of an entity, which stand behind its base.
-    static void PrefetchMembers(const QOBSharedObject* entity)
+    // Takes out what waited and was dropped.
+    template <class T>
+    struct Tidy
     {
-        constexpr std::size_t LinkBytes = 80;
-        kar::Prefetch(static_cast<const KARMPEntity*>(entity) + 1, LinkBytes);
-    }
+        static void Call(const QOBSharedObject& source, QOBSharedObject& duplicate,
+                         LinkPlacer& placer)
+        {
+            VisitLinks(
+                static_cast<const T&>(source), static_cast<T&>(duplicate),
+                [&placer](const auto& links, auto& made) {
+                    if (HaveDropped(made))
+                        made.PlaceLinks(links, placer);
+                });
+        }
+    };
 
 private:
     template <class Duplicate, class Visit>
@@ -320,98 +338,83 @@ private:
     {}
 
     template <class Links>
-    static void Place(const Links& links, Links& made, const ObjectMap& map)
+    static bool HaveDropped(const Links& links)
     {
-        made.PlaceMapped(links, map);
+        return links.HasDroppedLinks();
     }
     template <class T>
-    static void Place(const KARMPLink<T>& link, KARMPLink<T>&, const ObjectMap& map)
+    static bool HaveDropped(const KARMPLink<T>&)
     {
-        if (link)
-            kar::Prefetch(map.Find(link.Handle()._getReferent()), 1);
-    }
-
-    template <class T>
-    static void Count(const KARMPLinkList<T>&, const KARMPLinkList<T>& made, const ObjectMap&)
-    {
-        made.CountPlaced();
-    }
-    static void Count(const KARMPBodyLinkList<KARMPBody>&, const KARMPBodyLinkList<KARMPBody>& made,
-                      const ObjectMap&)
-    {
-        made.Bodies().CountPlaced();
-    }
-    template <class T>
-    static void Count(const KARMPLink<T>& link, KARMPLink<T>& made, const ObjectMap& map)
-    {
-        if (link)
-            made.Assign(Mapped<T>(link.Handle()._getReferent(), map));
-    }
-    template <class T>
-    static QOBSharedHandle<T> Mapped(const QOBSharedObject* object, const ObjectMap& map)
-    {
-        return QOBSharedHandle<T>::unchecked(QOBSharedBase(map.Find(object)));
+        return false; // without a link is what it has to be then
     }
 };
 
-karmp::RestorePlainLinks karmp::PlainLinksOf(const QOBClassInfo& info)
+namespace {
+
+using SpatialFamilies = karmp::FamilyList<KARMPJoint, KARMPBody, KARMPConstraint, KARMPVariable,
+                                          KARMPGeometry, KARMPShape>;
+
+// Does something with the links of each duplicate that was linked when it was entered.
+template <template <class> class For>
+void ForEachLinked(const QOBSharedList<KARMPEntity>& sources, karmp::LinkPlacer& placer)
 {
-    using SpatialFamilies = FamilyList<KARMPJoint, KARMPBody, KARMPConstraint, KARMPVariable,
-                                       KARMPGeometry, KARMPShape>;
-    FunctionOfFamily<SpatialFamilies, RestorePlainLinks> functions;
-    return functions.Of<LinkAccess::As>(info);
+    karmp::FunctionOfFamily<SpatialFamilies,
+                            void (*)(const QOBSharedObject&, QOBSharedObject&, karmp::LinkPlacer&)>
+        functions;
+    for (const QOBSharedHandle<KARMPEntity>& source : sources)
+        if (QOBSharedObject* const duplicate = placer.Find(source.get()))
+            if (const auto function = functions.template Of<For>(source.getClassInfo()))
+                function(*source, *duplicate, placer);
 }
 
-// What a link touches lies anywhere in memory. So each step prefetches for the next one, which the
-// entity takes when the walk is some entities further on.
-void karmp::RestoreLinks(const std::vector<PlainPair>& pairs, const ObjectMap& map)
+} // namespace
+
+const karmp::PlainLinks* karmp::PlainLinksOf(const QOBClassInfo& info)
 {
-    constexpr std::size_t Behind = kar::PrefetchDistance;
-    const auto take = [&](LinkStep step, std::size_t index) {
-        if (index < pairs.size() && pairs[index].kind->restoreLinks != nullptr)
-            pairs[index].kind->restoreLinks(step, pairs[index], map);
-    };
-    std::size_t ahead = 0;
-    try {
-        for (; ahead < pairs.size() + 3 * Behind; ++ahead) {
-            if (ahead < pairs.size()) {
-                LinkAccess::PrefetchMembers(pairs[ahead].source);
-                LinkAccess::PrefetchMembers(pairs[ahead].duplicate);
-            }
-            take(LinkStep::PrefetchLists, ahead - Behind);
-            take(LinkStep::Place, ahead - 2 * Behind);
-            take(LinkStep::Count, ahead - 3 * Behind);
-        }
-    } catch (...) {
-        // What is placed must be counted, so that the clone can be destroyed.
-        for (std::size_t index = ahead - 3 * Behind; index != ahead - 2 * Behind + 1; ++index)
-            take(LinkStep::Count, index);
-        throw;
-    }
+    const PlainLinks* links = nullptr;
+    SpatialFamilies::AnyOf([&](auto family) {
+        using T = typename decltype(family)::Type;
+        if (!info.isDerivedFrom(T::ClassInfo()))
+            return false;
+        links = &LinkAccess::As<T>::Functions;
+        return true;
+    });
+    return links;
 }
 
-void karmp::RestoreLinks(const QOBSharedList<KARMPEntity>& sources, const Duplicates& duplicates)
+void karmp::Duplicates::NoteOther()
+{
+    if (!std::exchange(m_arePlain, false))
+        return;
+    m_placer.DropWaiting();
+    ForEachLinked<LinkAccess::Clear>(m_sources, m_placer);
+}
+
+void karmp::Duplicates::RestoreLinks()
 {
     using CollectLinks =
         void (*)(const QOBSharedObject* source, QOBSharedObject* duplicate, Links& links);
     constexpr std::size_t LinksAtOnce = 64;
-    if (duplicates.ArePlain()) {
-        RestoreLinks(duplicates.Pairs(), duplicates.Map());
+    if (m_arePlain) {
+        if (!m_placer.HasWaiting())
+            return;
+        m_placer.DropWaiting();
+        ForEachLinked<LinkAccess::Tidy>(m_sources, m_placer);
         return;
     }
     FunctionOfFamily<LinkingFamilies, CollectLinks> functions;
-    LookAhead<kar::PrefetchDistance> ahead(sources);
+    LookAhead<kar::PrefetchDistance> ahead(m_sources);
     Links links;
-    for (const QOBSharedHandle<KARMPEntity>& source : sources) {
+    for (const QOBSharedHandle<KARMPEntity>& source : m_sources) {
         if (const auto* const next = ahead.Next())
             kar::Prefetch(next->get(), CopiedBytes);
-        QOBSharedObject* const duplicate = duplicates.Find(source.get());
+        QOBSharedObject* const duplicate = Find(source.get());
         if (duplicate == nullptr)
             continue;
         if (const CollectLinks collect = functions.Of<CollectAs>(source.getClassInfo()))
             collect(source.get(), duplicate, links);
         if (links.size() >= LinksAtOnce)
-            Make(links, duplicates);
+            Make(links, *this);
     }
-    Make(links, duplicates);
+    Make(links, *this);
 }

@@ -273,34 +273,142 @@ TEST_F(PlainClone, IsTheSameWithAnEntityThatIsAskedItself)
     }
 }
 
+/// An own class that notes the order in which its entities are copied.
+template <class Base>
+class Noted : public Base
+{
+public:
+    QOBSharedObject* _duplicateObject(QOBDynamicObject::CopyMode mode) const override
+    {
+        Noted<KARMPPoint>::s_names.push_back(this->getEntityName());
+        QOBSharedObject* copy = new Noted(*this, mode);
+        copy->addReference();
+        return copy;
+    }
+    static inline std::vector<std::wstring> s_names;
+
+    Noted() = default;
+
+protected:
+    Noted(const Noted& source, QOBDynamicObject::CopyMode mode) : Base(source, mode) {}
+};
+
+// The first one stands at the end of its registry, the second one at the begin of its own.
+TEST_F(PlainClone, AsksEntitiesForTheirCopiesInTheOrderOfTheList)
+{
+    const QOBSharedHandle<KARMPVariable> variable(new Noted<KARMPVariable>);
+    const QOBSharedHandle<KARMPGeometry> point(new Noted<KARMPPoint>);
+    variable->setEntityName(L"variable");
+    point->setEntityName(L"point");
+    auto all = All();
+    for (const auto& entity : all)
+        if (entity->isDerivedFrom(KARMPGeometry::ClassInfo()))
+            world->Remove<KARMPGeometry>(QOBSharedHandle<KARMPGeometry>(entity));
+    File<KARMPVariable>(variable);
+    File<KARMPGeometry>(point);
+    for (const auto& entity : all)
+        if (entity->isDerivedFrom(KARMPGeometry::ClassInfo()))
+            world->Add<KARMPGeometry>(QOBSharedHandle<KARMPGeometry>(entity));
+    all = All();
+    const auto indexOf = [&](const QOBSharedBase& entity) {
+        return std::find(all.begin(), all.end(), entity) - all.begin();
+    };
+    std::vector<std::wstring> expected{L"variable", L"point"};
+    if (indexOf(point) < indexOf(variable))
+        std::swap(expected[0], expected[1]);
+    Noted<KARMPPoint>::s_names.clear();
+    ExpectDuplicates(*CloneOf(ListOf(all)), all);
+    EXPECT_EQ(Noted<KARMPPoint>::s_names, expected);
+}
+
 TEST_F(PlainClone, DropsTheLinksThatLeadOutOfTheList)
 {
+    for (auto all : {All(), AllAtRandom()}) {
+        all.erase(std::remove_if(all.begin(), all.end(),
+                                 [](const auto& entity) {
+                                     return entity->isDerivedFrom(KARMPJoint::ClassInfo());
+                                 }),
+                  all.end());
+        const auto clone = CloneOf(ListOf(all));
+        EXPECT_EQ(clone->Count<KARMPJoint>(), 0);
+        QOBSharedHandle<KARMPBody> body = Named<KARMPBody>(*clone, L"body3");
+        EXPECT_EQ(body->GetLinkedJointCount(), 0);
+        EXPECT_EQ(body->GetGeometryCount(), 1);
+    }
+}
+
+// Half of what each joint and each body list is dropped, the other half keeps its order and, of the
+// bodies, the orientation.
+TEST_F(PlainClone, KeepsTheLinksThatStayWithinTheListInOrder)
+{
     auto all = AllAtRandom();
-    all.erase(std::remove_if(all.begin(), all.end(),
-                             [](const auto& entity) {
-                                 return entity->isDerivedFrom(KARMPJoint::ClassInfo());
-                             }),
-              all.end());
+    const auto left = Named<KARMPBody>(*world, L"body3");
+    all.erase(std::find(all.begin(), all.end(), left));
     const auto clone = CloneOf(ListOf(all));
-    EXPECT_EQ(clone->Count<KARMPJoint>(), 0);
-    QOBSharedHandle<KARMPBody> body = Named<KARMPBody>(*clone, L"body3");
-    EXPECT_EQ(body->GetLinkedJointCount(), 0);
-    EXPECT_EQ(body->GetGeometryCount(), 1);
+    for (const auto* const name : {L"joint3", L"joint4"}) {
+        const auto joint = Named<KARMPJoint>(*clone, name);
+        const auto source = Named<KARMPJoint>(*world, name);
+        ASSERT_EQ(joint->GetLinkedBodyCount(), 1);
+        QOBSharedHandle<KARMPBody> body;
+        QOBSharedHandle<KARMPBody> sourceBody;
+        KARMPBodyOrientation::Enum orientation{};
+        KARMPBodyOrientation::Enum sourceOrientation{};
+        EXPECT_EQ(joint->GetLinkedBody(0, body, orientation), KARSuccess);
+        const int other = std::wstring(name) == L"joint3" ? 0 : 1;
+        EXPECT_EQ(source->GetLinkedBody(other, sourceBody, sourceOrientation), KARSuccess);
+        EXPECT_EQ(body->getEntityName(), sourceBody->getEntityName());
+        EXPECT_EQ(orientation, sourceOrientation);
+    }
+    QOBSharedHandle<KARMPBody> carrier;
+    EXPECT_EQ(Named<KARMPGeometry>(*clone, L"point3")->GetBody(carrier), KARFailure);
 }
 
 TEST_F(PlainClone, ReportsNullEntriesAndTakesTheSecondDuplicateOfWhatIsListedTwice)
 {
-    auto all = AllAtRandom();
-    const auto body = Named<KARMPBody>(*world, L"body3");
-    all.insert(all.begin() + 7, body);
-    all.insert(all.begin() + 9, nullptr);
-    const auto clone = CloneOf(ListOf(all));
-    ExpectReports(1);
-    EXPECT_EQ(clone->GetBodyCount(), world->GetBodyCount() + 2);
-    EXPECT_EQ(Named<KARMPBody>(*clone, L"body3")->GetGeometryCount(), 1);
-    QOBSharedHandle<KARMPBody> carrier;
-    Named<KARMPGeometry>(*clone, L"point3")->GetBody(carrier);
-    EXPECT_EQ(carrier, Named<KARMPBody>(*clone, L"body3"));
+    for (auto all : {All(), AllAtRandom()}) {
+        const auto body = Named<KARMPBody>(*world, L"body3");
+        all.insert(all.begin() + 7, body);
+        all.insert(all.begin() + 9, nullptr);
+        const auto clone = CloneOf(ListOf(all));
+        ExpectReports(1);
+        EXPECT_EQ(clone->GetBodyCount(), world->GetBodyCount() + 2);
+        std::vector<QOBSharedHandle<KARMPBody>> copies;
+        for (int index = 0; index < clone->GetBodyCount(); ++index) {
+            QOBSharedHandle<KARMPBody> copy;
+            clone->Get(index, copy);
+            if (copy->getEntityName() == L"body3")
+                copies.push_back(copy);
+        }
+        ASSERT_EQ(copies.size(), 2U);
+        EXPECT_EQ(copies[0]->GetGeometryCount(), 0);
+        EXPECT_EQ(copies[1]->GetGeometryCount(), 1);
+        QOBSharedHandle<KARMPBody> carrier;
+        Named<KARMPGeometry>(*clone, L"point3")->GetBody(carrier);
+        EXPECT_EQ(carrier, copies[1]);
+    }
+}
+
+TEST_F(PlainClone, WhereAnAllocationFailsLeavesTheSourceAlone)
+{
+    if (!AllocationCounter::Counts)
+        GTEST_SKIP() << "allocations cannot fail in this build";
+    const auto source = Named<KARMPBody>(*world, L"body3");
+    const auto references = source->getReferenceCount();
+    for (const auto& list : {ListOf(All()), ListOf(AllAtRandom())}) {
+        int failures = 0;
+        for (bool isDone = false; !isDone;) {
+            AllocationCounter counter;
+            counter.FailAllocation(static_cast<std::size_t>(failures) + 1);
+            try {
+                static_cast<void>(world->CloneWithFilter(list));
+                isDone = true;
+            } catch (const std::bad_alloc&) {
+                ++failures;
+            }
+        }
+        EXPECT_GT(failures, 20);
+        EXPECT_EQ(source->getReferenceCount(), references + 2); // in both lists
+    }
 }
 
 TEST_F(PlainClone, OfAWholeWorldListsDuplicatesOfAllKindsInOrder)
