@@ -1,7 +1,7 @@
-#include "KARMPAddressOrder.h"
 #include "KARMPAxisSystem.h"
 #include "KARMPDuplicates.h"
 #include "KARMPFailedCheck.h"
+#include "KARMPFilterParts.h"
 #include "KARMPFunctionOfFamily.h"
 #include "KARMPPlainKinds.h"
 #include "KARMPWorld.h"
@@ -34,125 +34,6 @@ QOBSharedBase DuplicateOf(const QOBSharedBase& entity)
 QOBSharedBase CopyOf(const QOBSharedObject& entity, const karmp::PlainKind& kind)
 {
     return QOBSharedBase::adopt(kind.copy(entity, QOBDynamicObject::CopyShallow));
-}
-
-// An entity is prefetched first, then, by what it holds, its name, which its copy shares.
-void PrefetchEntity(const QOBSharedObject* entity)
-{
-    kar::Prefetch(entity, karmp::CopiedBytes);
-}
-void PrefetchName(const QOBSharedObject* entity)
-{
-    if (entity != nullptr)
-        static_cast<const QOBBasicEntity*>(entity)->getStoredName().PrefetchShared();
-}
-
-// A part of a list, walked over with what comes next prefetched.
-class FilterPart
-{
-public:
-    using Iterator = QOBSharedList<KARMPEntity>::const_iterator;
-
-    FilterPart(Iterator begin, Iterator end, std::size_t count)
-        : m_current(begin),
-          m_end(end),
-          m_count(count),
-          m_entities(begin, end, count),
-          m_names(begin, end, count)
-    {}
-    /// The number of all entries, and of those that are behind the walk.
-    std::size_t Count() const { return m_count; }
-    std::size_t Done() const { return m_done; }
-    bool IsAtEnd() const { return m_current == m_end; }
-    const QOBSharedHandle<KARMPEntity>& Current() const { return *m_current; }
-    void Advance()
-    {
-        ++m_current;
-        ++m_done;
-        if (const auto* const ahead = m_entities.Next())
-            PrefetchEntity(ahead->get());
-        if (const auto* const ahead = m_names.Next())
-            PrefetchName(ahead->get());
-    }
-
-private:
-    Iterator m_current;
-    Iterator m_end;
-    std::size_t m_count;
-    std::size_t m_done = 0;
-    karmp::LookAhead<2 * kar::PrefetchDistance> m_entities;
-    karmp::LookAhead<kar::PrefetchDistance> m_names;
-};
-
-// The copy of an entity of a list, which is not filed yet; null when there is none.
-struct Copy
-{
-    QOBSharedBase duplicate;
-    const karmp::PlainKind* kind = nullptr;
-};
-
-// A part of the entities of a list, in the order of their addresses.
-class SortedPart
-{
-public:
-    using Entry = karmp::AddressOrder::Entry;
-
-    SortedPart(std::span<const Entry> entries, std::span<Copy> copies)
-        : m_entries(entries), m_copies(copies)
-    {}
-    std::size_t Count() const { return m_entries.size(); }
-    std::size_t Done() const { return m_done; }
-    const Entry& Current() const { return m_entries[m_done]; }
-    void Advance()
-    {
-        constexpr std::size_t Ahead = kar::PrefetchDistance;
-        ++m_done;
-        if (m_done + 2 * Ahead < Count()) {
-            const Entry& ahead = m_entries[m_done + 2 * Ahead];
-            PrefetchEntity(ahead.object);
-            kar::Prefetch(&m_copies[ahead.index], 1);
-        }
-        if (m_done + Ahead < Count())
-            PrefetchName(m_entries[m_done + Ahead].object);
-    }
-
-private:
-    std::span<const Entry> m_entries;
-    std::span<Copy> m_copies;
-    std::size_t m_done = 0;
-};
-
-// The sorted entities of each group.
-std::vector<SortedPart> PartsOf(const std::vector<SortedPart::Entry>& entries,
-                                std::vector<Copy>& copies)
-{
-    std::vector<SortedPart> parts;
-    for (auto begin = entries.begin(); begin != entries.end();) {
-        const auto end = std::find_if(begin, entries.end(), [&](const SortedPart::Entry& entry) {
-            return entry.group != begin->group;
-        });
-        parts.emplace_back(std::span(begin, end), copies);
-        begin = end;
-    }
-    return parts;
-}
-
-// Entities of several families that are linked to one another mostly lie at about the same share of
-// each family. So they are visited by turns, some of each part, while what they touch is still in
-// the caches. Ends when a visit gives false.
-template <class Part, class Visit>
-void VisitByTurns(std::vector<Part>& parts, Visit visit)
-{
-    constexpr std::size_t EntitiesPerTurn = 512;
-    std::size_t count = 0;
-    for (const Part& part : parts)
-        count += part.Count();
-    const std::size_t turns = count / EntitiesPerTurn + 1;
-    for (std::size_t turn = 1; turn <= turns; ++turn)
-        for (Part& part : parts)
-            for (; part.Done() < part.Count() * turn / turns; part.Advance())
-                if (!visit(part.Current()))
-                    return;
 }
 
 // Throws when an entity is no T.
@@ -202,9 +83,10 @@ private:
     static QOBSharedObject* Duplicate(const QOBSharedBase& entity, const RegistryCore& source,
                                       RegistryCore& target, Cast check);
     void DuplicateAll(const RegistryCore& source, RegistryCore& target, Cast check);
+    void Reserve(const QOBSharedObject& entity, std::size_t count);
     bool DuplicatePlain(const QOBSharedObject& entity, Duplicates& duplicates);
     std::vector<FilterPart> PartsOf(const QOBSharedList<KARMPEntity>& filter) const;
-    void File(const QOBSharedList<KARMPEntity>& filter, std::vector<Copy>& copies);
+    void File(const QOBSharedList<KARMPEntity>& filter, std::vector<FilterCopy>& copies);
     bool DuplicateInMemoryOrder(const QOBSharedList<KARMPEntity>& filter, Duplicates& duplicates);
     template <class T>
     static void DuplicateGlobal(const QOBSharedHandle<T>& source, QOBSharedHandle<T>& target);
@@ -325,10 +207,13 @@ void WorldCloner::Duplicate(const QOBSharedList<KARMPEntity>& filter, Duplicates
     if (DuplicateInMemoryOrder(filter, duplicates))
         return;
     std::vector<FilterPart> parts = PartsOf(filter);
-    if (parts.size() > 1)
+    if (parts.size() > 1) {
+        for (const FilterPart& part : parts)
+            Reserve(*part.Current(), part.Count());
         VisitByTurns(parts, [&](const QOBSharedHandle<KARMPEntity>& entity) {
             return DuplicatePlain(*entity, duplicates);
         });
+    }
     // Entities whose classes are not plain are duplicated in the order of the list, which their
     // classes see.
     FunctionOfFamily<FilteredFamilies, DuplicateFiltered> functions;
@@ -343,6 +228,14 @@ void WorldCloner::Duplicate(const QOBSharedList<KARMPEntity>& filter, Duplicates
                 duplicate(*this, entity, duplicates);
         }
     }
+}
+
+// Prepares for some entities of the same family as one of them.
+void WorldCloner::Reserve(const QOBSharedObject& entity, std::size_t count)
+{
+    if (const PlainKind* const kind = KindOf(entity))
+        if (kind->target != nullptr)
+            kind->target->Reserve(count);
 }
 
 // False, with nothing done, for an entity whose class is not plain.
@@ -396,7 +289,7 @@ bool WorldCloner::DuplicateInMemoryOrder(const QOBSharedList<KARMPEntity>& filte
 {
     if (!AddressOrder::AreApart(filter))
         return false;
-    std::vector<Copy> copies(filter.size());
+    std::vector<FilterCopy> copies(filter.size());
     std::vector<AddressOrder::Entry> entries;
     entries.reserve(filter.size());
     LookAhead<kar::FarPrefetchDistance> entities(filter);
@@ -413,10 +306,12 @@ bool WorldCloner::DuplicateInMemoryOrder(const QOBSharedList<KARMPEntity>& filte
         ++index;
     }
     AddressOrder::Sort(entries);
-    std::vector<SortedPart> parts = ::PartsOf(entries, copies);
+    std::vector<SortedPart> parts = karmp::PartsOf(entries, copies);
+    for (const SortedPart& part : parts)
+        Reserve(*part.Current().object, part.Count());
     try {
         VisitByTurns(parts, [&](const AddressOrder::Entry& entry) {
-            Copy& copy = copies[entry.index];
+            FilterCopy& copy = copies[entry.index];
             copy.duplicate = CopyOf(*entry.object, *copy.kind);
             duplicates.Enter(*entry.object, *copy.duplicate._getReferent(), *copy.kind);
             return true;
@@ -429,7 +324,7 @@ bool WorldCloner::DuplicateInMemoryOrder(const QOBSharedList<KARMPEntity>& filte
     return true;
 }
 
-void WorldCloner::File(const QOBSharedList<KARMPEntity>& filter, std::vector<Copy>& copies)
+void WorldCloner::File(const QOBSharedList<KARMPEntity>& filter, std::vector<FilterCopy>& copies)
 {
     auto copy = copies.begin();
     for (const QOBSharedHandle<KARMPEntity>& entity : filter) {
