@@ -136,12 +136,25 @@ bool DocumentNodes::FindAttribute(const KARMPDeserializer& asked, std::wstring_v
     return true;
 }
 
+bool DocumentNodes::LacksElement(const KARMPDeserializer& asked, std::wstring_view name) const
+{
+    const KARMPDocumentReader& node = NodeOf(asked);
+    const DocumentRecords& records = node.m_source.Records();
+    const std::uint32_t wanted = records.names.Find(name);
+    if (wanted == NoName)
+        return true;
+    std::uint32_t child = Number(node) + 1;
+    while (child != node.m_record.end && records.elements[child].name != wanted)
+        child = records.elements[child].end;
+    return child == node.m_record.end;
+}
+
 // The records still have the references that are dropped.
 RecordedElement DocumentNodes::Recorded(const KARMPDeserializer& asked) const
 {
     const KARMPDocumentReader& node = NodeOf(asked);
     const DocumentSource& source = node.m_source;
-    if ((NodeBuilder::Missing(node) & ContentPart) == 0 || source.HasDropped())
+    if (source.HasDropped())
         return {};
     return {&source.Records(), source.Text().data(), Number(node)};
 }

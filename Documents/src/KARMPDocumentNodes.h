@@ -23,6 +23,7 @@ public:
     void FillContent(KARMPDeserializer& node) override;
     bool FindAttribute(const KARMPDeserializer& node, std::wstring_view name,
                        AsciiText& value) const override;
+    bool LacksElement(const KARMPDeserializer& node, std::wstring_view name) const override;
     RecordedElement Recorded(const KARMPDeserializer& node) const override;
     DocumentNodes& ContentMemory(const KARMPDeserializer& node) override;
     void BeginReading(const KARMPDeserializer& node) noexcept override;

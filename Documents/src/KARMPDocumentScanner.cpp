@@ -95,7 +95,8 @@ DocumentScanner::DocumentScanner(DocumentSource& source, const Limits& limits)
     : m_source(source),
       m_records(source.Records()),
       m_limits(limits),
-      m_names(m_records.names, source.Nodes(), limits.nameLength)
+      m_names(m_records.names.List(), source.Nodes(), limits.nameLength),
+      m_identifiers(m_records)
 {}
 
 // Reserved pages cost nothing until they are written to.
@@ -120,6 +121,7 @@ DocumentScanner::Outcome DocumentScanner::Run()
             return Outcome::Faulty;
     if (!ScanMisc() || m_at != m_end)
         return Outcome::Faulty;
+    m_identifiers.Finish();
     ElementRecord& end = m_records.elements.emplace_back();
     end.attributes = static_cast<std::uint32_t>(m_records.attributes.size());
     CheckRoot();
@@ -269,6 +271,7 @@ bool DocumentScanner::ScanAttribute()
     const RepeatedNames::Name name = m_names.Get(m_at, m_end);
     if (++m_nodes > m_limits.nodes || name.size > m_limits.nameLength)
         return false;
+    const bool isIdentifier = name.size == 2 && m_at[0] == 'i' && m_at[1] == 'd';
     m_at += name.size;
     SkipBlanks();
     if (*m_at != '=')
@@ -284,12 +287,16 @@ bool DocumentScanner::ScanAttribute()
     m_at = FindEnd<ValueMarks>(value, m_end, quote, isMarked);
     if (m_at == m_end)
         return false;
+    const char* const end = m_at;
     *m_at = '\0';
     ++m_at;
     AttributeRecord& record = m_records.attributes.emplace_back();
     record.name = name.number & 0x7FFFFFFFU;
     record.isPlain = isMarked ? 0U : 1U;
     record.value = OffsetOf(value);
+    record.identifier = isIdentifier ? RawIdentifier : NoIdentifier;
+    if (isIdentifier && !isMarked)
+        m_identifiers.Add({value, static_cast<std::size_t>(end - value)});
     if (!isMarked)
         return true;
     CheckReferences(value);
@@ -393,7 +400,7 @@ void DocumentScanner::CheckReferences(const char* raw)
 // The first attribute of the name counts.
 void DocumentScanner::CheckRoot()
 {
-    const auto& [elements, attributes, pieces, names] = m_records;
+    const auto& [elements, attributes, pieces, names, identifiers] = m_records;
     const auto& known = KnownVersions();
     for (std::uint32_t index = elements[1].attributes; index-- > elements[0].attributes;)
         if (names[attributes[index].name].View() == VersionName) {

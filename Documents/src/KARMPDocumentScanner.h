@@ -2,6 +2,7 @@
 
 #include "KARMPDocumentLimits.h"
 #include "KARMPDocumentRecords.h"
+#include "KARMPIdentifierNumbers.h"
 #include "KARMPRepeatedNames.h"
 
 #include <cstddef>
@@ -75,6 +76,7 @@ private:
     DocumentRecords& m_records;
     const Limits& m_limits;
     RepeatedNames m_names;
+    IdentifierNumbers m_identifiers;
     char* m_begin = nullptr;
     char* m_at = nullptr;
     /// A null.

@@ -7,7 +7,6 @@
 #include "KARMPValueFaults.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstring>
 #include <optional>
 #include <utility>
@@ -87,22 +86,6 @@ bool IsUsual(const SchemaItem& item, const char* text)
     }
 }
 
-// Eight bytes at a time.
-std::uint32_t HashOf(std::string_view text)
-{
-    std::uint64_t hash = text.size();
-    const auto mix = [&hash](const char* bytes, std::size_t size) {
-        std::uint64_t word = 0;
-        std::memcpy(&word, bytes, size);
-        hash = (std::rotl(hash, 29) ^ word) * 0x9E3779B97F4A7C15U;
-    };
-    constexpr std::size_t step = sizeof(std::uint64_t);
-    for (; text.size() >= step; text.remove_prefix(step))
-        mix(text.data(), step);
-    mix(text.data(), text.size());
-    return static_cast<std::uint32_t>(hash >> 32U);
-}
-
 } // namespace
 
 bool FormScan::Class::IsA(std::string_view className) const
@@ -116,11 +99,8 @@ FormScan::FormScan(DocumentSource& source, CheckLevel level)
       m_isFormAlone(level == CheckLevel::Form),
       m_version(source.Version().View())
 {
-    for (std::uint32_t number = 0; number < m_records.names.size(); ++number)
-        m_names.try_emplace(m_records.names[number].View(), number);
-    m_idName = NumberOf(L"id");
-    m_nameName = NumberOf(L"name");
-    m_classes.resize(m_records.names.size());
+    m_nameName = m_records.names.Find(L"name");
+    m_classes.resize(m_records.names.Count());
     m_root.item = &RootItem();
     MakeLevel(m_root);
 }
@@ -132,19 +112,13 @@ bool FormScan::Run()
     return CheckBacks();
 }
 
-std::uint32_t FormScan::NumberOf(std::wstring_view name) const
-{
-    const auto found = m_names.find(name);
-    return found != m_names.end() ? found->second : None;
-}
-
 std::vector<FormScan::Form> FormScan::FormsOf(const std::vector<SchemaItem>& items,
                                               std::uint64_t& needed) const
 {
     std::vector<Form> forms(items.size());
     for (std::size_t index = 0; index < items.size(); ++index) {
         forms[index].item = &items[index];
-        forms[index].name = NumberOf(items[index].name);
+        forms[index].name = m_records.names.Find(items[index].name);
         forms[index].applies = items[index].Applies(m_version);
         if (forms[index].applies && items[index].presence != ItemPresence::Optional)
             needed |= std::uint64_t{1} << index;
@@ -172,7 +146,7 @@ void FormScan::MakeSides(Form& form) const
             continue;
         for (const std::wstring_view name : OtherSides(reference->otherSide)) {
             element.needsBack = true;
-            element.backNames.push_back(NumberOf(name));
+            element.backNames.push_back(m_records.names.Find(name));
         }
     }
 }
@@ -198,7 +172,7 @@ bool FormScan::Identify()
 {
     std::size_t count = 0;
     const auto forEachList = [this](auto visit) {
-        const std::uint32_t worldName = NumberOf(L"World");
+        const std::uint32_t worldName = m_records.names.Find(L"World");
         for (std::uint32_t world = 1; world < End(0); world = End(world))
             for (std::uint32_t list = world + 1; list < End(world); list = End(list))
                 if (RecordOf(world).name == worldName && IsFamily(RecordOf(list).name))
@@ -209,7 +183,7 @@ bool FormScan::Identify()
     };
     forEachList([&count](std::uint32_t) { return ++count != 0; });
     m_entities.reserve(count);
-    m_slots.resize(std::bit_ceil(2 * count + 1));
+    m_numbers.assign(m_records.identifiers, None);
     return forEachList([this](std::uint32_t entity) { return Enter(entity); });
 }
 
@@ -226,7 +200,7 @@ FormScan::Attributes FormScan::AttributesOf(std::uint32_t number) const
     for (std::uint32_t index = RecordOf(number).attributes;
          index != RecordOf(number + 1).attributes; ++index) {
         const AttributeRecord& attribute = m_records.attributes[index];
-        if (attribute.name == m_idName)
+        if (attribute.identifier != NoIdentifier)
             found.identifier = &attribute;
         else if (attribute.name == m_nameName)
             found.name = &attribute;
@@ -241,32 +215,14 @@ bool FormScan::Enter(std::uint32_t entity)
     if (attributes.identifier == nullptr || attributes.identifier->isPlain == 0 ||
         type.form.item == nullptr || type.lineage.empty())
         return false;
-    const char* const identifier = m_source.At(attributes.identifier->value);
-    Slot& slot = SlotOf(identifier);
-    if (slot.number != None)
+    std::uint32_t& number = m_numbers[attributes.identifier->identifier];
+    if (number != None)
         return false;
-    slot.number = static_cast<std::uint32_t>(m_entities.size());
+    number = static_cast<std::uint32_t>(m_entities.size());
     m_entities.push_back(
-        {identifier, attributes.name != nullptr ? m_source.At(attributes.name->value) : nullptr,
-         &type, 0});
+        {attributes.name != nullptr ? m_source.At(attributes.name->value) : nullptr, &type, 0});
     m_source.Progress().Step();
     return true;
-}
-
-// The slot of an identifier, or a free one with its hash. Half of them are free at least.
-FormScan::Slot& FormScan::SlotOf(const char* identifier)
-{
-    const std::string_view text = identifier;
-    const std::uint32_t hash = HashOf(text);
-    const std::size_t last = m_slots.size() - 1;
-    for (std::size_t index = hash & last;; index = (index + 1) & last) {
-        Slot& slot = m_slots[index];
-        if (slot.number == None)
-            slot.hash = hash;
-        if (slot.number == None ||
-            (slot.hash == hash && text == m_entities[slot.number].identifier))
-            return slot;
-    }
 }
 
 FormScan::Form* FormScan::FindForm(std::vector<Form>& forms, std::uint32_t name,
@@ -411,7 +367,7 @@ bool FormScan::CheckReference(std::uint32_t number, Form& form, const Form* side
         return true;
     if (attributes.identifier->isPlain == 0)
         return false;
-    const std::uint32_t target = SlotOf(m_source.At(attributes.identifier->value)).number;
+    const std::uint32_t target = m_numbers[attributes.identifier->identifier];
     if (target == None)
         return false;
     const Entity& entity = m_entities[target];

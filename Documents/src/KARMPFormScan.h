@@ -11,7 +11,6 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace karmp::documents {
@@ -72,7 +71,6 @@ private:
     };
     struct Entity
     {
-        const char* identifier;
         /// Null without a name.
         const char* name;
         const Class* type;
@@ -97,12 +95,6 @@ private:
         std::uint32_t target;
         const Form* side;
     };
-    struct Slot
-    {
-        std::uint32_t hash = 0;
-        /// The index of the entity.
-        std::uint32_t number = 0xFFFFFFFFU;
-    };
     struct Attributes
     {
         const AttributeRecord* identifier = nullptr;
@@ -111,7 +103,6 @@ private:
 
     const ElementRecord& RecordOf(std::uint32_t number) const { return m_records.elements[number]; }
     std::uint32_t End(std::uint32_t number) const { return RecordOf(number).end; }
-    std::uint32_t NumberOf(std::wstring_view name) const;
     Attributes AttributesOf(std::uint32_t number) const;
     bool IsFamily(std::uint32_t name) const;
     std::vector<Form> FormsOf(const std::vector<SchemaItem>& items, std::uint64_t& needed) const;
@@ -121,7 +112,6 @@ private:
 
     bool Identify();
     bool Enter(std::uint32_t entity);
-    Slot& SlotOf(const char* identifier);
 
     static Form* FindForm(std::vector<Form>& forms, std::uint32_t name, std::size_t& likely);
     bool CheckElement(std::uint32_t number, Form& form, const Form* side, unsigned level);
@@ -140,14 +130,13 @@ private:
     const DocumentRecords& m_records;
     const bool m_isFormAlone;
     std::wstring_view m_version;
-    std::unordered_map<std::wstring_view, std::uint32_t> m_names;
-    std::uint32_t m_idName;
     std::uint32_t m_nameName;
     Form m_root;
     /// By the names of their elements; null until they are looked up.
     std::vector<std::unique_ptr<Class>> m_classes;
     std::vector<Entity> m_entities;
-    std::vector<Slot> m_slots;
+    /// The index of the entity of each identifier's number.
+    std::vector<std::uint32_t> m_numbers;
     std::vector<Link> m_links;
     std::vector<Back> m_backs;
     /// The entity that is checked.

@@ -15,6 +15,12 @@
 
 class KARMPEntity;
 
+namespace karmp {
+
+struct DocumentRecords;
+
+} // namespace karmp
+
 /// The entities of one document by their identifiers: every reference is resolved in it.
 ///
 /// It stands for an ordered map from wide identifier to entity. Lookups go by hash; the order, that
@@ -71,7 +77,25 @@ public:
     const Entry& Enter(const karmp::ReadText& identifier,
                        const QOBSharedHandle<KARMPEntity>& entity);
     /// Makes the table large enough for a number of entries.
-    void Reserve(std::size_t count);
+    void Reserve(std::size_t count) const;
+    /// Lets entities be entered and found by the numbers, from 0 to `count`, that a document gives
+    /// its identifiers. Document and identifiers must outlive the table.
+    void UseNumbers(const karmp::DocumentRecords& document, std::size_t count);
+    /// True when the numbers are those of a document.
+    bool UsesNumbersOf(const karmp::DocumentRecords* document) const
+    {
+        return document != nullptr && m_document == document;
+    }
+    /// Enters an entity under an identifier of ASCII characters and its number, with the same
+    /// result as without the number. The characters are not copied.
+    const Entry& Enter(std::uint32_t number, std::string_view identifier,
+                       const QOBSharedHandle<KARMPEntity>& entity);
+    /// The entity that was entered with a number; null when there is none.
+    const QOBSharedHandle<KARMPEntity>* Find(std::uint32_t number) const
+    {
+        const Entry* const entry = m_numbered[number];
+        return entry != nullptr ? &entry->m_entity : nullptr;
+    }
     /// The entity under an identifier, which may be a null handle; null when there is none.
     const QOBSharedHandle<KARMPEntity>* Find(std::wstring_view identifier) const;
     const QOBSharedHandle<KARMPEntity>* Find(const karmp::ReadText& identifier) const;
@@ -90,12 +114,19 @@ private:
 
     template <class Text>
     std::size_t SlotOf(Text identifier, std::uint32_t hash) const;
+    Entry& Append(const void* text, std::size_t size, bool isNarrow);
+    void Take(std::uint32_t hash, Entry& entry) const;
     template <class Text>
-    const Entry& EnterText(Text identifier, const QOBSharedHandle<KARMPEntity>& entity);
+    Entry& EnterText(Text identifier, const QOBSharedHandle<KARMPEntity>& entity);
     template <class Text>
     const QOBSharedHandle<KARMPEntity>* FindText(Text identifier) const;
 
     karmp::NodeMemory m_texts;
-    std::deque<Entry> m_entries;
-    std::vector<Slot> m_slots;
+    mutable std::deque<Entry> m_entries;
+    /// Empty until an identifier is entered without a number or asked for: hashing those with
+    /// numbers before would take longer than all that is done with them.
+    mutable std::vector<Slot> m_slots;
+    /// The entries by the numbers of their identifiers.
+    std::vector<Entry*> m_numbered;
+    const karmp::DocumentRecords* m_document = nullptr;
 };

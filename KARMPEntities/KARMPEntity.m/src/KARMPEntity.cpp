@@ -40,7 +40,7 @@ struct karmp::ContentOf<KARMPEntity>
         return status;
     }
     // An entity that has an identifier keeps it, which is no fault of the document.
-    static void TakeIdentifier(C& entity, std::wstring&& identifier)
+    static void TakeIdentifier(C& entity, std::wstring_view identifier)
     {
         entity.TakeIdentifier(identifier);
     }

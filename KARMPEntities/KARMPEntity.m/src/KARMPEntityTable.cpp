@@ -8,6 +8,7 @@
 #include <cstring>
 #include <limits>
 #include <stdexcept>
+#include <utility>
 
 namespace {
 
@@ -129,23 +130,35 @@ std::size_t KARMPEntityTable::SlotOf(Text identifier, std::uint32_t hash) const
     }
 }
 
-void KARMPEntityTable::Reserve(std::size_t count)
+void KARMPEntityTable::Take(std::uint32_t hash, Entry& entry) const
+{
+    std::size_t index = hash & (m_slots.size() - 1);
+    while (m_slots[index].entry != nullptr)
+        index = (index + 1) & (m_slots.size() - 1);
+    m_slots[index] = {hash, &entry};
+}
+
+void KARMPEntityTable::Reserve(std::size_t count) const
 {
     if (count > std::numeric_limits<std::uint32_t>::max() / 4)
         throw std::length_error("KARMP entity table: too many entities");
     const std::size_t least = 2 * count + 1;
     if (least <= m_slots.size())
         return;
-    std::vector<Slot> slots(std::bit_ceil(least));
-    for (const Slot& slot : m_slots) {
-        if (slot.entry == nullptr)
-            continue;
-        std::size_t index = slot.hash & (slots.size() - 1);
-        while (slots[index].entry != nullptr)
-            index = (index + 1) & (slots.size() - 1);
-        slots[index] = slot;
-    }
-    m_slots = std::move(slots);
+    const std::vector<Slot> former =
+        std::exchange(m_slots, std::vector<Slot>(std::bit_ceil(least)));
+    for (const Slot& slot : former)
+        if (slot.entry != nullptr)
+            Take(slot.hash, *slot.entry);
+    if (former.empty())
+        for (Entry& entry : m_entries)
+            Take(entry.m_isNarrow ? HashOf(entry.Narrow()) : HashOf(entry.Wide()), entry);
+}
+
+void KARMPEntityTable::UseNumbers(const karmp::DocumentRecords& document, std::size_t count)
+{
+    m_document = &document;
+    m_numbered.assign(count, nullptr);
 }
 
 bool KARMPEntityTable::Set(std::wstring_view identifier, const QOBSharedHandle<KARMPEntity>& entity)
@@ -155,9 +168,18 @@ bool KARMPEntityTable::Set(std::wstring_view identifier, const QOBSharedHandle<K
     return Size() > before;
 }
 
+KARMPEntityTable::Entry& KARMPEntityTable::Append(const void* text, std::size_t size, bool isNarrow)
+{
+    Entry& entry = m_entries.emplace_back();
+    entry.m_text = text;
+    entry.m_size = size;
+    entry.m_isNarrow = isNarrow;
+    return entry;
+}
+
 template <class Text>
-const KARMPEntityTable::Entry& KARMPEntityTable::EnterText(
-    Text identifier, const QOBSharedHandle<KARMPEntity>& entity)
+KARMPEntityTable::Entry& KARMPEntityTable::EnterText(Text identifier,
+                                                     const QOBSharedHandle<KARMPEntity>& entity)
 {
     Reserve(Size() + 1);
     const std::uint32_t hash = HashOf(identifier);
@@ -167,14 +189,22 @@ const KARMPEntityTable::Entry& KARMPEntityTable::EnterText(
         const std::size_t size = identifier.size();
         auto* const text = static_cast<Character*>(m_texts.Allocate(size * sizeof(Character)));
         std::copy(identifier.begin(), identifier.end(), text);
-        Entry& entry = m_entries.emplace_back();
-        entry.m_text = text;
-        entry.m_size = size;
-        entry.m_isNarrow = sizeof(Character) == 1;
-        slot = {hash, &entry};
+        slot = {hash, &Append(text, size, sizeof(Character) == 1)};
     }
     slot.entry->m_entity = entity;
     return *slot.entry;
+}
+
+const KARMPEntityTable::Entry& KARMPEntityTable::Enter(std::uint32_t number,
+                                                       std::string_view identifier,
+                                                       const QOBSharedHandle<KARMPEntity>& entity)
+{
+    Entry*& entry = m_numbered[number];
+    if (entry == nullptr)
+        entry = m_slots.empty() ? &Append(identifier.data(), identifier.size(), true)
+                                : &EnterText(identifier, entity);
+    entry->m_entity = entity;
+    return *entry;
 }
 
 const KARMPEntityTable::Entry& KARMPEntityTable::Enter(std::wstring_view identifier,
@@ -198,7 +228,7 @@ template <class Text>
 const QOBSharedHandle<KARMPEntity>* KARMPEntityTable::FindText(Text identifier) const
 {
     if (m_slots.empty())
-        return nullptr;
+        Reserve(Size());
     const Slot& slot = m_slots[SlotOf(identifier, HashOf(identifier))];
     return slot.entry != nullptr ? &slot.entry->m_entity : nullptr;
 }

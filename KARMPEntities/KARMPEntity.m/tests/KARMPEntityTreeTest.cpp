@@ -1,4 +1,5 @@
 #include "AllocationCounter.h"
+#include "KARMPElementRecords.h"
 #include "KARMPEntityTable.h"
 #include "KARMPOutput.h"
 #include "KARMPParameter.h"
@@ -429,6 +430,44 @@ TEST(EntityTable, HoldsWhatTheMapHeldThatItWasMadeOf)
         EXPECT_EQ(*table.Find(identifier), entity);
     }
     EXPECT_EQ(table.Find(L"2"), nullptr);
+}
+
+TEST(EntityTable, FindsByNumberWhatIsFoundByText)
+{
+    const auto first = TestEntity::create(L"first");
+    const auto second = TestEntity::create(L"second");
+    const karmp::DocumentRecords document;
+    KARMPEntityTable table;
+    EXPECT_FALSE(table.UsesNumbersOf(&document));
+    EXPECT_FALSE(table.UsesNumbersOf(nullptr));
+    table.UseNumbers(document, 4);
+    EXPECT_TRUE(table.UsesNumbersOf(&document));
+    table.Enter(1, "one", first);
+    EXPECT_EQ(table.Find(0U), nullptr);
+    EXPECT_EQ(*table.Find(1U), first);
+    EXPECT_EQ(*table.Find(L"one"), first);
+    table.Enter(2, "two", first);
+    EXPECT_EQ(*table.Find(L"two"), first);
+    EXPECT_EQ(table.Size(), 2U);
+}
+
+TEST(EntityTable, ReplacesWhatWasEnteredWithAndWithoutANumber)
+{
+    const auto first = TestEntity::create(L"first");
+    const auto second = TestEntity::create(L"second");
+    const karmp::DocumentRecords document;
+    KARMPEntityTable table;
+    table.UseNumbers(document, 3);
+    table.Enter(0, "zero", first);
+    table.Enter(L"zero", second);
+    EXPECT_EQ(*table.Find(0U), second);
+    table.Enter(L"one", first);
+    table.Enter(1, "one", second);
+    EXPECT_EQ(*table.Find(1U), second);
+    EXPECT_EQ(*table.Find(L"one"), second);
+    table.Enter(0, "zero", first);
+    EXPECT_EQ(*table.Find(L"zero"), first);
+    EXPECT_EQ(table.Size(), 2U);
 }
 
 TEST_F(EntityTree, ResolvesReferencesByAnOrderedMap)

@@ -178,6 +178,7 @@ private:
             Fill(part, name);
     }
     void Fill(std::uint8_t part, std::wstring_view name) const;
+    bool Lacks(std::wstring_view name) const;
     template <class T>
     KARStatus ConvertAttribute(std::wstring_view name, T& value) const;
     template <class T>

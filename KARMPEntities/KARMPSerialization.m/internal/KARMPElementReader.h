@@ -1,12 +1,23 @@
 #pragma once
 
 #include "KARMPDeserializer.h"
+#include "KARMPElementRecords.h"
 #include "KARMPElementWriter.h"
 #include "KARMPEntityTable.h"
 
 #include <string_view>
 
 namespace karmp {
+
+/// The entry of a table, which uses the numbers of an element's document, that the element refers
+/// to; null when it was not entered with a number.
+inline const QOBSharedHandle<KARMPEntity>* FindNumbered(const KARMPEntityTable& entities,
+                                                        const RecordedElement& element)
+{
+    const AttributeRecord* const identifier = IdentifierOf(element);
+    return identifier != nullptr && identifier->isPlain != 0 ? entities.Find(identifier->identifier)
+                                                             : nullptr;
+}
 
 /// What happens when an item is missing or does not convert.
 enum class Absent {

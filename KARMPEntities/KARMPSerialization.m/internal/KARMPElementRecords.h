@@ -2,7 +2,7 @@
 // nodes of its tree are filled where they are asked for.
 #pragma once
 
-#include "KARMPNodeStorage.h"
+#include "KARMPRecordedNames.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -14,6 +14,9 @@ namespace karmp {
 using Offset = std::uint32_t;
 /// The offset of an empty text.
 constexpr Offset NoOffset = 0xFFFFFFFFU;
+/// What stands for the number of an identifier that has none.
+constexpr std::uint32_t NoIdentifier = 0xFFFFFFFFU;
+constexpr std::uint32_t RawIdentifier = 0xFFFFFFFEU;
 
 /// How the text of an element is kept.
 enum class TextKind : std::uint8_t {
@@ -48,6 +51,9 @@ struct AttributeRecord
     /// 1 when the bytes up to a null are the value, 0 when they have to be decoded.
     std::uint32_t isPlain : 1;
     Offset value;
+    /// The number of the identifier that the value is; RawIdentifier for one that has to be
+    /// decoded, NoIdentifier for an attribute of another name.
+    std::uint32_t identifier;
 };
 
 /// A piece of an element's text, between two of its children or a CDATA section.
@@ -66,7 +72,9 @@ struct DocumentRecords
     std::vector<ElementRecord> elements;
     std::vector<AttributeRecord> attributes;
     std::vector<PieceRecord> pieces;
-    std::vector<NodeText> names;
+    RecordedNames names;
+    /// How many numbers of identifiers there are, from 0.
+    std::uint32_t identifiers = 0;
 };
 
 /// An element of a document in its records; none when `records` is null.
@@ -77,5 +85,15 @@ struct RecordedElement
     const char* bytes = nullptr;
     std::uint32_t number = 0;
 };
+
+/// The last identifier of an element; null when it has none.
+inline const AttributeRecord* IdentifierOf(const RecordedElement& element)
+{
+    const ElementRecord* const record = element.records->elements.data() + element.number;
+    for (std::uint32_t index = record[1].attributes; index != record->attributes;)
+        if (element.records->attributes[--index].identifier != NoIdentifier)
+            return &element.records->attributes[index];
+    return nullptr;
+}
 
 } // namespace karmp

@@ -47,8 +47,9 @@ public:
     /// there is none. False when they have to be filled first.
     virtual bool FindAttribute(const KARMPDeserializer& node, std::wstring_view name,
                                AsciiText& value) const;
-    /// The record of a node whose content is not filled; none when what it would be filled with is
-    /// not recorded.
+    /// True when a node whose content is not filled has no child of a name.
+    virtual bool LacksElement(const KARMPDeserializer& node, std::wstring_view name) const;
+    /// The record of a node; none when what it is filled with is not recorded.
     virtual RecordedElement Recorded(const KARMPDeserializer& node) const;
     /// Called with the name of each attribute, or child for ContentPart, that a node is asked for
     /// that NodeBuilder::Hear was called with, whether there is one or not.
@@ -96,6 +97,11 @@ public:
     }
     /// Null for a node that its subclass fills.
     static NodeSource* SourceOf(const KARMPDeserializer& node) { return node.m_source; }
+    /// The record of a node; none without a source.
+    static RecordedElement Recorded(const KARMPDeserializer& node)
+    {
+        return node.m_source != nullptr ? node.m_source->Recorded(node) : RecordedElement();
+    }
     /// Call the same operation of the node's source, if it has one.
     static void BeginReading(const KARMPDeserializer& node) noexcept
     {

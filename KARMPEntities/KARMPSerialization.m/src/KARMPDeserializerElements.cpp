@@ -34,8 +34,16 @@ void AppendByName(const NodeContent& content, Elements& elements)
 
 } // namespace
 
+// Nothing is filled for what is asked for in vain.
+bool KARMPDeserializer::Lacks(std::wstring_view name) const
+{
+    return (m_missing & ContentPart) != 0 && m_source->LacksElement(*this, name);
+}
+
 bool KARMPDeserializer::HasElement(std::wstring_view name) const
 {
+    if (Lacks(name))
+        return false;
     Need(ContentPart, name);
     if (!m_content)
         return false;
@@ -47,6 +55,10 @@ bool KARMPDeserializer::HasElement(std::wstring_view name) const
 KARStatus KARMPDeserializer::GetElement(std::wstring_view name,
                                         const KARMPDeserializer*& child) const
 {
+    if (Lacks(name)) {
+        child = nullptr;
+        return KARSuccess;
+    }
     Need(ContentPart, name);
     KARMPDeserializer* const next = m_content ? NextElement(*m_content, name) : nullptr;
     if (next != nullptr && !(next->m_version == m_version))

@@ -1,6 +1,7 @@
 #include "KARMPElementReader.h"
 
 #include "KARMPEntity.h"
+#include "KARMPNodeSource.h"
 
 namespace karmp {
 
@@ -70,6 +71,12 @@ bool ElementReader::HasIdentifier() const
 const QOBSharedHandle<KARMPEntity>* ElementReader::FindTarget(const KARMPEntityTable& entities,
                                                               Where where) const
 {
+    if (m_node != nullptr) {
+        const RecordedElement recorded = NodeBuilder::Recorded(*m_node);
+        if (entities.UsesNumbersOf(recorded.records))
+            if (const auto* const found = FindNumbered(entities, recorded))
+                return *found ? found : nullptr;
+    }
     ReadText identifier;
     if (m_node == nullptr ||
         !KARMPVerify(!KARFailed(m_node->GetAttribute(IdentifierName, identifier)), where))

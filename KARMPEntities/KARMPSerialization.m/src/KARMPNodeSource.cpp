@@ -16,6 +16,11 @@ bool NodeSource::FindAttribute(const KARMPDeserializer& /*node*/, std::wstring_v
     return false;
 }
 
+bool NodeSource::LacksElement(const KARMPDeserializer& /*node*/, std::wstring_view /*name*/) const
+{
+    return false;
+}
+
 RecordedElement NodeSource::Recorded(const KARMPDeserializer& /*node*/) const
 {
     return {};

@@ -25,17 +25,21 @@ bool IsDigit(char character)
     return character >= '0' && character <= '9';
 }
 
-// Gives what a scan of the text gives.
-bool ToDouble(std::string_view text, double& value)
+// Gives what a scan of the text gives. Most numbers of a model are 0 and 1.
+bool ToDouble(const char* text, double& value)
 {
-    const bool isSigned = text.starts_with('-');
-    if (text.size() > (isSigned ? 1U : 0U) && IsDigit(text[isSigned ? 1 : 0])) {
-        const char* const end = text.data() + text.size();
-        const auto [last, error] = std::from_chars(text.data(), end, value);
+    if (IsDigit(text[0]) && text[1] == '\0') {
+        value = text[0] - '0';
+        return true;
+    }
+    const std::string_view whole = text;
+    if (IsDigit(text[text[0] == '-' ? 1 : 0])) {
+        const char* const end = text + whole.size();
+        const auto [last, error] = std::from_chars(text, end, value);
         if (last == end && error == std::errc())
             return true;
     }
-    return kar::ScanDouble(text, value, kar::DecimalMark::PointOrComma) == 1;
+    return kar::ScanDouble(whole, value, kar::DecimalMark::PointOrComma) == 1;
 }
 
 bool ToFlag(std::string_view text, bool& flag)
@@ -84,11 +88,14 @@ void RecordElement::Collect()
 
 std::uint32_t RecordElement::Find(std::wstring_view name)
 {
+    const std::uint32_t wanted = m_element.records->names.NumberOf(name);
+    if (wanted == NoName)
+        return 0;
+    const ElementRecord* const records = m_element.records->elements.data();
     for (std::uint32_t step = 0; step < m_count; ++step) {
         std::uint32_t index = m_likely + step;
         index = index < m_count ? index : index - m_count;
-        const ElementRecord& child = m_element.records->elements[m_children[index]];
-        if (SameName(m_element.records->names[child.name].View(), name)) {
+        if (records[m_children[index]].name == wanted) {
             m_likely = index + 1;
             return m_children[index];
         }
@@ -108,11 +115,10 @@ const KARMPDeserializer* RecordElement::Node() const
 bool RecordReader::WalkRecord(std::span<const Item> items, ElementReader& element, bool baseFailed)
 {
     const KARMPDeserializer* const node = element.Node();
-    const NodeSource* const source = NodeBuilder::SourceOf(*node);
-    if (source == nullptr)
+    if ((NodeBuilder::Missing(*node) & ContentPart) == 0)
         return false;
-    m_recorded = source->Recorded(*node);
-    if (m_recorded.records == nullptr)
+    m_recorded = NodeBuilder::Recorded(*node);
+    if (!m_entities.UsesNumbersOf(m_recorded.records))
         return false;
     RecordElement record(m_recorded, node);
     if (!record.IsSimple())
@@ -133,11 +139,10 @@ void RecordReader::WalkItem(const Item& item, std::span<const Item> inner, Recor
         element.Fail();
 }
 
-// Attributes of nodes are read from their records anyway.
 bool RecordReader::Read(const Item& item, std::span<const Item> inner, RecordElement& element)
 {
     if (item.place == ItemPlace::Attribute)
-        return false;
+        return ReadAttribute(item, element);
     if (item.place == ItemPlace::Inline) {
         if (!ReadInlineNumbers(item, element))
             return false;
@@ -166,7 +171,7 @@ bool RecordReader::Read(const Item& item, std::span<const Item> inner, RecordEle
         isRead = ReadOptionalNumber(item, number, isSet);
         break;
     default:
-        isRead = ReadScalar(item, number);
+        isRead = ReadScalar(item, TextOf(number));
     }
     if (isRead && isSet)
         Store(item, element);
@@ -179,9 +184,19 @@ void RecordReader::Store(const Item& item, RecordElement& element)
         element.Fail();
 }
 
-bool RecordReader::ReadScalar(const Item& item, std::uint32_t number)
+bool RecordReader::ReadAttribute(const Item& item, RecordElement& element)
 {
-    const char* const text = TextOf(number);
+    const AttributeRecord* const attribute = FindAttribute(element.Number(), item.name);
+    if (attribute == nullptr)
+        return item.presence == ItemPresence::Optional && !item.zeroIfMissing;
+    if (attribute->isPlain == 0 || !ReadScalar(item, m_recorded.bytes + attribute->value))
+        return false;
+    Store(item, element);
+    return true;
+}
+
+bool RecordReader::ReadScalar(const Item& item, const char* text)
+{
     if (text == nullptr)
         return false;
     bool flag = false;
@@ -198,12 +213,10 @@ bool RecordReader::ReadScalar(const Item& item, std::uint32_t number)
         return true;
     case ItemKind::Word:
         return TakeWord(item, text, m_value.number);
-    case ItemKind::Text: {
-        const std::string_view narrow = text;
-        m_value.buffer.assign(narrow.begin(), narrow.end());
-        m_value.text = m_value.buffer;
+    case ItemKind::Text:
+        m_text.Refer(AsciiText{text});
+        m_value.text = m_text.View();
         return true;
-    }
     default:
         return false;
     }
@@ -316,7 +329,8 @@ bool RecordReader::ReadReference(const Item& item, std::uint32_t number)
 {
     Entry entry{};
     if (!TakeEntry(number, {}, entry))
-        return item.isWithoutTarget && FindAttribute(number, L"id") == nullptr;
+        return item.isWithoutTarget &&
+               IdentifierOf({m_recorded.records, m_recorded.bytes, number}) == nullptr;
     if (entry.target == nullptr)
         return true;
     m_value.target = entry.target;
@@ -350,17 +364,16 @@ bool RecordReader::ReadReferences(const Item& item, std::span<const Item> inner,
 // The target is null for one that the document does not have.
 bool RecordReader::TakeEntry(std::uint32_t number, std::span<const Item> inner, Entry& entry)
 {
-    const auto plain = [&](std::wstring_view name) -> const char* {
-        const AttributeRecord* const attribute = FindAttribute(number, name);
-        return attribute != nullptr && attribute->isPlain != 0 ? m_recorded.bytes + attribute->value
-                                                               : nullptr;
-    };
-    const AsciiText identifier{plain(L"id")};
-    if (identifier.characters == nullptr)
-        return false;
-    ReadText text;
-    text.Refer(identifier);
-    entry.target = m_entities.Find(text);
+    const RecordedElement element{m_recorded.records, m_recorded.bytes, number};
+    entry.target = FindNumbered(m_entities, element);
+    if (entry.target == nullptr) {
+        const AttributeRecord* const identifier = IdentifierOf(element);
+        if (identifier == nullptr || identifier->isPlain == 0)
+            return false;
+        ReadText text;
+        text.Refer(AsciiText{m_recorded.bytes + identifier->value});
+        entry.target = m_entities.Find(text);
+    }
     if (entry.target == nullptr || !*entry.target) {
         entry.target = nullptr;
         return true;
@@ -368,9 +381,9 @@ bool RecordReader::TakeEntry(std::uint32_t number, std::span<const Item> inner, 
     return std::all_of(inner.begin(), inner.end(), [&](const Item& attribute) {
         if (!attribute.isRead || attribute.isCoded || !m_gate.Passes(attribute))
             return true;
-        const char* const word = plain(attribute.name);
-        return attribute.whenRead == nullptr && word != nullptr &&
-               TakeWord(attribute, word, entry.word);
+        const AttributeRecord* const word = FindAttribute(number, attribute.name);
+        return attribute.whenRead == nullptr && word != nullptr && word->isPlain != 0 &&
+               TakeWord(attribute, m_recorded.bytes + word->value, entry.word);
     });
 }
 
@@ -381,7 +394,7 @@ const ElementRecord& RecordReader::RecordOf(std::uint32_t number) const
 
 bool RecordReader::IsNamed(std::uint32_t number, std::wstring_view name) const
 {
-    return SameName(m_recorded.records->names[RecordOf(number).name].View(), name);
+    return RecordOf(number).name == m_recorded.records->names.NumberOf(name);
 }
 
 // The text of an element that is as it stands; null for other ones.
@@ -397,10 +410,11 @@ const char* RecordReader::TextOf(std::uint32_t number) const
 const AttributeRecord* RecordReader::FindAttribute(std::uint32_t number,
                                                    std::wstring_view name) const
 {
+    const std::uint32_t wanted = m_recorded.records->names.NumberOf(name);
     for (std::uint32_t index = RecordOf(number + 1).attributes;
          index != RecordOf(number).attributes;) {
         const AttributeRecord& attribute = m_recorded.records->attributes[--index];
-        if (SameName(m_recorded.records->names[attribute.name].View(), name))
+        if (attribute.name == wanted)
             return &attribute;
     }
     return nullptr;

@@ -30,6 +30,8 @@ public:
     /// The index of the element of a name; 0 when there is none. For simple elements.
     std::uint32_t Find(std::wstring_view name);
     const KARMPDeserializer* Node() const;
+    /// Its index.
+    std::uint32_t Number() const { return m_element.number; }
 
     /// As of ElementReader.
     KARStatus Status() const { return m_failed ? KARFailure : KARSuccess; }
@@ -82,7 +84,8 @@ private:
 
     // These return false, with nothing stored, for what is not usual.
     bool Read(const Item& item, std::span<const Item> inner, RecordElement& element);
-    bool ReadScalar(const Item& item, std::uint32_t number);
+    bool ReadAttribute(const Item& item, RecordElement& element);
+    bool ReadScalar(const Item& item, const char* text);
     bool ReadNumbers(const Item& item, std::uint32_t number);
     bool ReadInlineNumbers(const Item& item, RecordElement& element);
     bool ReadTransformation(const Item& item, std::uint32_t number);
@@ -109,6 +112,7 @@ private:
     const ContentStatuses& m_statuses;
     RecordedElement m_recorded;
     ItemValue m_value;
+    ReadText m_text;
     std::vector<Entry> m_entries;
 };
 

@@ -3,6 +3,7 @@
 #include "KARMPFailedCheck.h"
 #include "KARMPFunctionOfFamily.h"
 #include "KARMPGenericFactory.h"
+#include "KARMPNodeSource.h"
 #include "KARMPReadingPlace.h"
 #include "KARMPSerializationServices.h"
 #include "KARMPWorld.h"
@@ -100,6 +101,8 @@ private:
     };
 
     const KARMPEntityTable::Entry* Create(const KARMPDeserializer* element);
+    const KARMPEntityTable::Entry* Enter(const KARMPDeserializer& element,
+                                         const QOBSharedHandle<KARMPEntity>& entity);
     KARMPFactory::Class ClassOf(std::wstring_view elementName);
     void ReadContent(const KARMPDeserializer* element, const KARMPEntityTable::Entry* entry);
     void FileByIdentifier();
@@ -123,7 +126,11 @@ EntitiesReader::EntitiesReader(KARMPWorld& target, const KARMPDeserializer& worl
             count += m_registries.back().elements.size();
         }
     });
-    m_entities.Reserve(count);
+    const karmp::RecordedElement recorded = karmp::NodeBuilder::Recorded(world);
+    if (recorded.records != nullptr)
+        m_entities.UseNumbers(*recorded.records, recorded.records->identifiers);
+    else
+        m_entities.Reserve(count);
 }
 
 void EntitiesReader::Create()
@@ -145,16 +152,31 @@ const KARMPEntityTable::Entry* EntitiesReader::Create(const KARMPDeserializer* e
         m_className = {}; // the report may have a listener that registers the class
         return nullptr;
     }
-    karmp::ReadText identifier;
-    if (!KARMPVerify(!KARFailed(element->GetAttribute(IdName, identifier))))
+    const KARMPEntityTable::Entry* const entry = Enter(*element, entity);
+    if (!KARMPVerify(entry != nullptr))
         return nullptr;
-    const KARMPEntityTable::Entry& entry = m_entities.Enter(identifier, entity);
     if (!m_parent)
         m_parent =
             QOBSharedHandle<QOBBasicEntity>(m_world.getExtendible(), QOBSharedBase::WriteLock);
     if (KARMPVerify(static_cast<bool>(m_parent)))
         m_parent->addLogicalChild(entity);
-    return &entry;
+    return entry;
+}
+
+// Null for an element without an identifier.
+const KARMPEntityTable::Entry* EntitiesReader::Enter(const KARMPDeserializer& element,
+                                                     const QOBSharedHandle<KARMPEntity>& entity)
+{
+    const karmp::RecordedElement recorded = karmp::NodeBuilder::Recorded(element);
+    if (m_entities.UsesNumbersOf(recorded.records)) {
+        const karmp::AttributeRecord* const identifier = karmp::IdentifierOf(recorded);
+        if (identifier != nullptr && identifier->isPlain != 0)
+            return &m_entities.Enter(identifier->identifier, recorded.bytes + identifier->value,
+                                     entity);
+    }
+    karmp::ReadText identifier;
+    const bool isThere = !KARFailed(element.GetAttribute(IdName, identifier));
+    return isThere ? &m_entities.Enter(identifier, entity) : nullptr;
 }
 
 // The elements of a registry come by name.

@@ -1,0 +1,87 @@
+#include "KARMPIdentifierNumbers.h"
+
+#include "KARPrefetch.h"
+
+#include <bit>
+#include <cstring>
+#include <utility>
+
+namespace karmp::documents {
+
+namespace {
+
+// Eight bytes at a time, of which the last may overlap those before them.
+std::uint32_t HashOf(std::string_view text)
+{
+    constexpr std::size_t step = sizeof(std::uint64_t);
+    std::uint64_t hash = text.size();
+    const auto mix = [&hash](std::uint64_t word) {
+        hash = (std::rotl(hash, 29) ^ word) * 0x9E3779B97F4A7C15U;
+    };
+    if (text.size() < step) {
+        for (const char byte : text)
+            mix(static_cast<unsigned char>(byte));
+        return static_cast<std::uint32_t>(hash >> 32U);
+    }
+    const auto word = [text](std::size_t offset) {
+        std::uint64_t bytes = 0;
+        std::memcpy(&bytes, text.data() + offset, sizeof bytes);
+        return bytes;
+    };
+    for (std::size_t offset = 0; offset + step < text.size(); offset += step)
+        mix(word(offset));
+    mix(word(text.size() - step));
+    return static_cast<std::uint32_t>(hash >> 32U);
+}
+
+} // namespace
+
+void IdentifierNumbers::Await(std::string_view identifier)
+{
+    Waiting& added = m_waiting[m_waitingCount++];
+    added.text = identifier;
+    added.hash = HashOf(identifier);
+    added.attribute = static_cast<std::uint32_t>(m_records.attributes.size() - 1);
+    kar::Prefetch(&SlotAt(added.hash), sizeof(Slot));
+}
+
+void IdentifierNumbers::Finish()
+{
+    if (m_slots.size() < 2 * (m_records.identifiers + m_waitingCount))
+        Grow();
+    for (std::size_t index = 0; index < m_waitingCount; ++index)
+        kar::Prefetch(SlotAt(m_waiting[index].hash).text, m_waiting[index].text.size());
+    for (std::size_t index = 0; index < m_waitingCount; ++index) {
+        const Waiting& identifier = m_waiting[index];
+        m_records.attributes[identifier.attribute].identifier = NumberOf(identifier);
+    }
+    m_waitingCount = 0;
+}
+
+std::uint32_t IdentifierNumbers::NumberOf(const Waiting& identifier)
+{
+    for (std::uint32_t hash = identifier.hash;; ++hash) {
+        Slot& slot = SlotAt(hash);
+        if (slot.text == nullptr)
+            slot = {identifier.text.data(), static_cast<std::uint32_t>(identifier.text.size()),
+                    identifier.hash, m_records.identifiers++};
+        else if (slot.hash != identifier.hash ||
+                 std::string_view(slot.text, slot.size) != identifier.text)
+            continue;
+        return slot.number;
+    }
+}
+
+void IdentifierNumbers::Grow()
+{
+    const std::vector<Slot> former = std::exchange(m_slots, std::vector<Slot>(2 * m_slots.size()));
+    for (const Slot& slot : former) {
+        std::uint32_t hash = slot.hash;
+        while (slot.text != nullptr && SlotAt(hash).text != nullptr)
+            ++hash;
+        if (slot.text != nullptr)
+            SlotAt(hash) = slot;
+    }
+}
+
+} // namespace karmp::documents
