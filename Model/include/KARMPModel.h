@@ -36,6 +36,9 @@
 
 class KARMPAxisSystem;
 class KARMPBody2D;
+class KARMPConstant;
+class KARMPExpression;
+class KARMPMotor;
 class KARMPPoint;
 class KARMPPoint2D;
 class KARMPSketch;
@@ -143,6 +146,15 @@ public:
     Ref<KARMPPoint2D> Point(std::string_view identifier, const Ref<KARMPBody2D>& body,
                             const KARMathPoint2D& position, Where where = Where::current());
 
+    /// A geometry of a class on a body, in space or in the body's sketch, which its own operations
+    /// shape, in body axes. The identifier is put together as that of a Frame.
+    template <class G>
+    Ref<G> Attach(std::string_view identifier, const Ref<KARMPEntity>& body,
+                  Where where = Where::current())
+    {
+        return Typed<G>(AttachGeometry(G::ClassInfo(), identifier, body, where));
+    }
+
     /// A variable of a joint, the next one in the order of its freedoms, in m or rad.
     Ref<KARMPVariable> Variable(std::string_view identifier, const Ref<KARMPJoint>& joint,
                                 double value = 0.0, Where where = Where::current());
@@ -167,6 +179,16 @@ public:
     {
         return Typed<J>(AddJoint(J::ClassInfo(), identifier, parent, child, frame, where));
     }
+    /// The same between a frame of the parent and one of the child, both told in the world: what is
+    /// between them is where the joint stands, as docs/conventions.md has it.
+    template <class J>
+    Ref<J> Joint(std::string_view identifier, const Ref<KARMPBody>& parent,
+                 const Ref<KARMPBody>& child, const KARMathAxis& onParent,
+                 const KARMathAxis& onChild, Where where = Where::current())
+    {
+        return Typed<J>(
+            AddJoint(J::ClassInfo(), identifier, parent, child, onParent, onChild, where));
+    }
     /// A pin in the plane.
     template <class J>
     Ref<J> Joint(std::string_view identifier, const Ref<KARMPBody2D>& parent,
@@ -180,7 +202,15 @@ public:
     Ref<J> Joint(std::string_view identifier, const Ref<KARMPGeometry>& onParent,
                  const Ref<KARMPGeometry>& onChild, Where where = Where::current())
     {
-        return Typed<J>(AddJoint(J::ClassInfo(), identifier, onParent, onChild, where));
+        return Typed<J>(AddJoint(J::ClassInfo(), nullptr, identifier, onParent, onChild, where));
+    }
+    /// The same by a constraint of another class than the kind's own, a tangency for one.
+    template <class J, class C>
+    Ref<J> Joint(std::string_view identifier, const Ref<KARMPGeometry>& onParent,
+                 const Ref<KARMPGeometry>& onChild, Where where = Where::current())
+    {
+        return Typed<J>(
+            AddJoint(J::ClassInfo(), &C::ClassInfo(), identifier, onParent, onChild, where));
     }
 
     /// A coupling by a linear equation: the sum of coefficient times variable, plus the constant,
@@ -206,15 +236,45 @@ public:
                     const KARMathPoint& at, const KARMathVector& axis, Where where);
     Entity AddJoint(const QOBClassInfo& info, std::string_view identifier,
                     const Ref<KARMPBody>& parent, const Ref<KARMPBody>& child,
-                    const KARMathAxis& frame, Where where);
+                    const KARMathAxis& frame, Where where)
+    {
+        return AddJoint(info, identifier, parent, child, frame, frame, where);
+    }
+    Entity AddJoint(const QOBClassInfo& info, std::string_view identifier,
+                    const Ref<KARMPBody>& parent, const Ref<KARMPBody>& child,
+                    const KARMathAxis& onParent, const KARMathAxis& onChild, Where where);
     Entity AddJoint(const QOBClassInfo& info, std::string_view identifier,
                     const Ref<KARMPBody2D>& parent, const Ref<KARMPBody2D>& child,
                     const KARMathPoint2D& at, Where where);
     Entity AddJoint(const QOBClassInfo& info, std::string_view identifier,
                     const Ref<KARMPGeometry>& onParent, const Ref<KARMPGeometry>& onChild,
-                    Where where);
+                    Where where)
+    {
+        return AddJoint(info, nullptr, identifier, onParent, onChild, where);
+    }
     Entity AddCoupling(const QOBClassInfo& info, std::string_view identifier,
                        std::span<const Term> terms, double constant, Where where);
+
+    /// A number of a quantity, which any number of entities may share.
+    Ref<KARMPConstant> Constant(std::string_view identifier, KARMPPhysicalQuantity::Enum quantity,
+                                double number, Where where = Where::current());
+    /// A value that follows an equation, as docs/equations.md has it, in the order of its
+    /// variables.
+    Ref<KARMPExpression> Expression(std::string_view identifier,
+                                    KARMPPhysicalQuantity::Enum quantity, std::string_view equation,
+                                    const RefList<KARMPVariable>& variables,
+                                    Where where = Where::current());
+    /// A motor on a variable, which is controlled from then on. Its numbers are constants of its
+    /// own, "Motor.velocity" for one; other values are for its own operations.
+    Ref<KARMPMotor> Motor(std::string_view identifier, const Ref<KARMPVariable>& variable,
+                          const MotorOptions& options = {}, Where where = Where::current());
+    /// A connector, a spring for one, between a geometry of its first body and one of its second.
+    template <class C>
+    Ref<C> Connect(std::string_view identifier, const Ref<KARMPGeometry>& onFirst,
+                   const Ref<KARMPGeometry>& onSecond, Where where = Where::current())
+    {
+        return Typed<C>(AddConnector(C::ClassInfo(), identifier, onFirst, onSecond, where));
+    }
 
     /// Links two entities that can refer to each other, both halves. What is linked already stays.
     /// The item, of either entity, chooses where there are several, "SecondBody" of a connector for
@@ -348,6 +408,14 @@ private:
     Entity AddEntity(const QOBClassInfo& info, std::string_view identifier, Where where);
     Deletion DeleteAll(std::span<const Ref<KARMPEntity>> entities, const DeleteOptions& options,
                        Where where);
+    Entity AddJoint(const QOBClassInfo& info, const QOBClassInfo* constraint,
+                    std::string_view identifier, const Ref<KARMPGeometry>& onParent,
+                    const Ref<KARMPGeometry>& onChild, Where where);
+    Entity AddConnector(const QOBClassInfo& info, std::string_view identifier,
+                        const Ref<KARMPGeometry>& onFirst, const Ref<KARMPGeometry>& onSecond,
+                        Where where);
+    Entity AttachGeometry(const QOBClassInfo& info, std::string_view identifier,
+                          const Ref<KARMPEntity>& body, Where where);
     Entity FindEntity(bool (*fits)(const KARMPEntity&), std::string_view key) const;
     Entity GetEntity(bool (*fits)(const KARMPEntity&), const std::string& className,
                      std::string_view key, Where where, Outcome& problem) const;

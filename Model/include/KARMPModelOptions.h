@@ -13,7 +13,8 @@
 
 #include <optional>
 
-class KARMPEntity;
+class KARMPBody;
+class KARMPBody2D;
 class KARMPVariable;
 
 namespace karmp::model {
@@ -47,6 +48,23 @@ struct BodyOptions
     /// About the centre of gravity, in body axes, in kg m2.
     std::optional<KARMath3x3Matrix> inertia = {};
     bool isFixed = false;
+
+    /// The same at a position.
+    BodyOptions PlacedAt(const KARMathTransformation& place) const
+    {
+        BodyOptions placed = *this;
+        placed.position = place;
+        return placed;
+    }
+    /// The same with its origin at a point of the world, its first axis looking at another one.
+    BodyOptions PlacedAt(const KARMathPoint& origin,
+                         const std::optional<KARMathPoint>& target = {}) const
+    {
+        BodyOptions placed = *this;
+        placed.at = origin;
+        placed.towards = target;
+        return placed;
+    }
 };
 
 /// The same for a body in a plane.
@@ -65,7 +83,16 @@ struct PlanarBodyOptions
 /// looks at the second. In kg and m; without a radius it has no inertia about its axis.
 KARMP_MODEL_API BodyOptions Rod(double mass, const KARMathPoint& from, const KARMathPoint& to,
                                 double radius = 0.0);
-/// A slender one in the plane.
+/// A box along the body's axes with its three edges, a cylinder along the body's third axis, and a
+/// ball, each with its centre in body axes. In kg and m.
+KARMP_MODEL_API BodyOptions Box(double mass, const KARMathVector& edges,
+                                const KARMathPoint& center = {});
+KARMP_MODEL_API BodyOptions Cylinder(double mass, double radius, double length,
+                                     const KARMathPoint& center = {});
+KARMP_MODEL_API BodyOptions Ball(double mass, double radius, const KARMathPoint& center = {});
+/// A body that is made of two, given in the same axes; it is placed as the first.
+KARMP_MODEL_API BodyOptions Together(const BodyOptions& first, const BodyOptions& second);
+/// A slender rod in the plane.
 KARMP_MODEL_API PlanarBodyOptions Rod(double mass, const KARMathPoint2D& from,
                                       const KARMathPoint2D& to);
 
@@ -74,6 +101,20 @@ KARMP_MODEL_API PlanarBodyOptions Rod(double mass, const KARMathPoint2D& from,
 KARMP_MODEL_API std::optional<KARMathPoint> MeetingPoint(const KARMathPoint& from, double distance,
                                                          const KARMathPoint& to,
                                                          double otherDistance);
+
+/// Where a body stands in the world, or in its plane.
+KARMP_MODEL_API KARMathTransformation PositionOf(const Ref<KARMPBody>& body);
+KARMP_MODEL_API KARMathTransformation2D PositionOf(const Ref<KARMPBody2D>& body);
+
+/// How a motor drives its variable, and the most that it can: in the unit of the variable, its
+/// derivatives by the second, and N or N m. What is not given stays unset.
+struct MotorOptions
+{
+    std::optional<double> position = {};
+    std::optional<double> velocity = {};
+    std::optional<double> acceleration = {};
+    std::optional<double> maximum = {};
+};
 
 /// A term of a coupling's equation.
 struct Term

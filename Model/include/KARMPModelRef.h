@@ -55,6 +55,10 @@ public:
     }
     /// The handle, which is null or refers to an entity that may be deleted.
     const QOBSharedHandle<T>& Handle() const noexcept { return m_entity; }
+    /// The same for operations of entities, which take handles of the class or of a base.
+    template <class U>
+    requires std::is_convertible_v<T*, U*>
+    operator QOBSharedHandle<U>() const { return m_entity; }
 
     template <class U>
     friend bool operator==(const Ref& left, const Ref<U>& right) noexcept

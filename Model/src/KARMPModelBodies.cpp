@@ -1,4 +1,4 @@
-// Bodies, what they carry, and variables.
+// Bodies and what they carry.
 #include "KARMPAxisSystem.h"
 #include "KARMPBody2D.h"
 #include "KARMPConstraint.h"
@@ -13,7 +13,7 @@
 #include "KARMPSketch.h"
 #include "KARMPVariable.h"
 
-#include <cmath>
+#include <type_traits>
 
 namespace karmp::model {
 
@@ -97,42 +97,6 @@ bool Apply(Edit& edit, Body& body, const Options& options)
 }
 
 } // namespace
-
-BodyOptions Rod(double mass, const KARMathPoint& from, const KARMathPoint& to, double radius)
-{
-    const double length = (to - from).Norm();
-    const double along = mass * radius * radius / 2.0;
-    const double across = mass * length * length / 12.0 + along / 2.0;
-    return {.mass = mass,
-            .at = from,
-            .towards = to,
-            .centerOfGravity = KARMathPoint(length / 2.0, 0.0, 0.0),
-            .inertia = KARMath3x3Matrix({along, 0.0, 0.0}, {0.0, across, 0.0}, {0.0, 0.0, across})};
-}
-
-PlanarBodyOptions Rod(double mass, const KARMathPoint2D& from, const KARMathPoint2D& to)
-{
-    const double length = (to - from).Norm();
-    return {.mass = mass,
-            .at = from,
-            .towards = to,
-            .centerOfGravity = KARMathPoint2D(length / 2.0, 0.0),
-            .inertia = KARMath2x2Matrix({0.0, 0.0}, {0.0, mass * length * length / 12.0})};
-}
-
-std::optional<KARMathPoint> MeetingPoint(const KARMathPoint& from, double distance,
-                                         const KARMathPoint& to, double otherDistance)
-{
-    const KARMathVector way = to - from;
-    const double length = way.Norm();
-    const double along =
-        (distance * distance - otherDistance * otherDistance + length * length) / (2.0 * length);
-    const double square = distance * distance - along * along;
-    if (!(length > 0.0) || square < 0.0)
-        return {};
-    const KARMathVector unit = way * (1.0 / length);
-    return from + unit * along + KARMathVector(-unit.GetY(), unit.GetX(), 0.0) * std::sqrt(square);
-}
 
 Ref<KARMPBody> Model::Body(std::string_view identifier, const BodyOptions& options, Where where)
 {

@@ -86,16 +86,16 @@ bool AreTwo(Edit& edit, const Entity& parent, const Entity& child)
 
 // The joint with its constraint on two geometries. The links are made in the order in which the
 // parent comes first everywhere.
-Entity MakeJoint(Edit& edit, const JointKind& kind, const std::string& identifier,
-                 const Entity& onParent, const Entity& onChild)
+Entity MakeJoint(Edit& edit, const QOBClassInfo& info, const QOBClassInfo& constraintInfo,
+                 const std::string& identifier, const Entity& onParent, const Entity& onChild)
 {
     const Entity parent = BodyOf(edit, onParent);
     const Entity child = parent ? BodyOf(edit, onChild) : Entity();
     if (!parent || !child || !AreTwo(edit, parent, child))
         return {};
-    Entity joint = edit.Create(kind.joint(), identifier);
+    Entity joint = edit.Create(info, identifier);
     const Entity constraint =
-        joint ? edit.Create(kind.constraint(), identifier + ".constraint") : Entity();
+        joint ? edit.Create(constraintInfo, identifier + ".constraint") : Entity();
     const bool isLinked = constraint && LinkAll(edit, {{joint, constraint},
                                                        {constraint, onParent},
                                                        {constraint, onChild},
@@ -165,7 +165,7 @@ bool SetQuantity(Edit& edit, KARMPVariable& variable, KARMPPhysicalQuantity::Enu
 
 Model::Entity Model::AddJoint(const QOBClassInfo& info, std::string_view identifier,
                               const Ref<KARMPBody>& parent, const Ref<KARMPBody>& child,
-                              const KARMathAxis& frame, Where where)
+                              const KARMathAxis& onParent, const KARMathAxis& onChild, Where where)
 {
     return m_core->Make<KARMPEntity>(
         where,
@@ -174,11 +174,11 @@ Model::Entity Model::AddJoint(const QOBClassInfo& info, std::string_view identif
             if (kind == nullptr)
                 return false;
             const std::string name(identifier);
-            const Entity onParent = MountSpatial(edit, kind->parent, name, parent, frame);
-            const Entity onChild =
-                onParent ? MountSpatial(edit, kind->child, name, child, frame) : Entity();
-            if (onChild)
-                joint = MakeJoint(edit, *kind, name, onParent, onChild);
+            const Entity first = MountSpatial(edit, kind->parent, name, parent, onParent);
+            const Entity second =
+                first ? MountSpatial(edit, kind->child, name, child, onChild) : Entity();
+            if (second)
+                joint = MakeJoint(edit, info, kind->constraint(), name, first, second);
             return static_cast<bool>(joint);
         });
 }
@@ -212,14 +212,14 @@ Model::Entity Model::AddJoint(const QOBClassInfo& info, std::string_view identif
             const Entity onParent = mount(parent);
             const Entity onChild = onParent ? Entity(mount(child)) : Entity();
             if (onChild)
-                joint = MakeJoint(edit, *kind, name, onParent, onChild);
+                joint = MakeJoint(edit, info, kind->constraint(), name, onParent, onChild);
             return static_cast<bool>(joint);
         });
 }
 
-Model::Entity Model::AddJoint(const QOBClassInfo& info, std::string_view identifier,
-                              const Ref<KARMPGeometry>& onParent, const Ref<KARMPGeometry>& onChild,
-                              Where where)
+Model::Entity Model::AddJoint(const QOBClassInfo& info, const QOBClassInfo* constraint,
+                              std::string_view identifier, const Ref<KARMPGeometry>& onParent,
+                              const Ref<KARMPGeometry>& onChild, Where where)
 {
     return m_core->Make<KARMPEntity>(
         where,
@@ -227,8 +227,9 @@ Model::Entity Model::AddJoint(const QOBClassInfo& info, std::string_view identif
             const JointKind* const kind = KindOf(edit, info);
             if (kind != nullptr && edit.IsThere(onParent.Handle(), "geometry of the parent") &&
                 edit.IsThere(onChild.Handle(), "geometry of the child"))
-                joint = MakeJoint(edit, *kind, std::string(identifier), onParent.Handle(),
-                                  onChild.Handle());
+                joint =
+                    MakeJoint(edit, info, constraint != nullptr ? *constraint : kind->constraint(),
+                              std::string(identifier), onParent.Handle(), onChild.Handle());
             return static_cast<bool>(joint);
         });
 }

@@ -95,6 +95,39 @@ public:
         return FaultCount::Or([&] { return KARMPVariable::SetPhysicalQuantity(quantity); });
     }
 };
+template <class Base>
+class FaultyValue : public Base
+{
+public:
+    KARStatus SetPhysicalQuantity(KARMPPhysicalQuantity::Enum quantity) override
+    {
+        return FaultCount::Or([&] { return Base::SetPhysicalQuantity(quantity); });
+    }
+};
+class FaultyBushing : public KARMPBushing
+{
+public:
+    KARStatus SetFirstBody(const QOBSharedHandle<KARMPBody>& body) override
+    {
+        return FaultCount::Or([&] { return KARMPBushing::SetFirstBody(body); });
+    }
+    KARStatus SetSecondBody(const QOBSharedHandle<KARMPBody>& body) override
+    {
+        return FaultCount::Or([&] { return KARMPBushing::SetSecondBody(body); });
+    }
+    KARStatus LinkToGeometry(const QOBSharedHandle<KARMPGeometry>& geometry) override
+    {
+        return FaultCount::Or([&] { return KARMPBushing::LinkToGeometry(geometry); });
+    }
+};
+class FaultySphere : public KARMPSphere
+{
+public:
+    KARStatus SetBody(const QOBSharedHandle<KARMPBody>& body) override
+    {
+        return FaultCount::Or([&] { return KARMPSphere::SetBody(body); });
+    }
+};
 /// Loaders whose answers to a move are counted; what they answer when a body is fixed is a failed
 /// check alone.
 class FaultyBodyLoader : public RecordingBodyLoader
@@ -157,6 +190,11 @@ public:
         Replace<FaultyVariable>("KARMPVariable");
         Replace<PlainEntity<KARMPGear>>("KARMPGear");
         Replace<FaultyEquation>("KARMPLinearEquation");
+        Replace<FaultyValue<KARMPConstant>>("KARMPConstant");
+        Replace<FaultyValue<KARMPExpression>>("KARMPExpression");
+        Replace<PlainEntity<KARMPMotor>>("KARMPMotor");
+        Replace<FaultyBushing>("KARMPBushing");
+        Replace<FaultySphere>("KARMPSphere");
     }
     ~FactoryFaults()
     {

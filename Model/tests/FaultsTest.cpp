@@ -49,6 +49,25 @@ const std::vector<Call>& Calls()
                  model.Couple<KARMPGear>("New", {{model.Find<KARMPVariable>("p"), 2.0},
                                                  {model.Find<KARMPVariable>("q"), 1.0}}));
          }},
+        {"Expression",
+         [](Model& model) {
+             return static_cast<bool>(model.Expression("New", KARMPPhysicalQuantity::Angle, "2 * p",
+                                                       {model.Find<KARMPVariable>("p")}));
+         }},
+        {"Motor",
+         [](Model& model) {
+             return static_cast<bool>(model.Motor("New", model.Find<KARMPVariable>("p"),
+                                                  {.velocity = 2.0, .maximum = 5.0}));
+         }},
+        {"Connect",
+         [](Model& model) {
+             return static_cast<bool>(model.Connect<KARMPBushing>(
+                 "New", model.Find<KARMPGeometry>("A.J"), model.Find<KARMPGeometry>("B.J")));
+         }},
+        {"Attach",
+         [](Model& model) {
+             return static_cast<bool>(model.Attach<KARMPSphere>("New", model.Find<KARMPBody>("A")));
+         }},
     };
     return calls;
 }
@@ -215,7 +234,7 @@ public:
 
 TEST_F(FaultsTest, ModelIsUnchangedWhenTheFactoryMakesNothing)
 {
-    const std::vector<int> made{1, 3, 1, 4, 1, 2};
+    const std::vector<int> made{1, 3, 1, 4, 1, 2, 1, 3, 1, 1};
     for (std::size_t i = 0; i < Calls().size(); ++i)
         EXPECT_EQ(FailInTurn(Calls()[i], Fault::Nothing, KARFailure), made[i]) << Calls()[i].name;
 }

@@ -1,0 +1,149 @@
+// Values, motors and connectors, and geometries on bodies.
+#include "KARMPBody2D.h"
+#include "KARMPConnector.h"
+#include "KARMPConstant.h"
+#include "KARMPExpression.h"
+#include "KARMPGeometry.h"
+#include "KARMPModel.h"
+#include "KARMPModelCore.h"
+#include "KARMPModelNames.h"
+#include "KARMPModelPlacing.h"
+#include "KARMPMotor.h"
+#include "KARMPSerializationServices.h"
+#include "KARMPVariable.h"
+#include "KARTextConversion.h"
+
+namespace karmp::model {
+
+namespace {
+
+using Quantity = KARMPPhysicalQuantity;
+
+QOBSharedHandle<KARMPConstant> MakeConstant(Edit& edit, std::string_view identifier,
+                                            Quantity::Enum quantity, double number)
+{
+    auto constant = edit.Create<KARMPConstant>(identifier);
+    const bool isSet =
+        constant &&
+        edit.Check(constant->SetPhysicalQuantity(quantity), "the quantity", *constant) &&
+        edit.Check(constant->SetValue(number, {}), "the number", *constant);
+    return isSet ? constant : QOBSharedHandle<KARMPConstant>();
+}
+
+// A target of a motor as a constant, which names the quantity of the position also for its rates.
+bool SetTarget(Edit& edit, KARMPMotor& motor, const std::string& identifier,
+               KARStatus (KARMPMotor::*set)(const KARMPMotor::Value&), Quantity::Enum quantity,
+               const std::optional<double>& number)
+{
+    if (!number)
+        return true;
+    const auto constant = MakeConstant(edit, identifier, quantity, *number);
+    return constant && edit.Check((motor.*set)(constant), "a value", motor);
+}
+
+bool MakeControlled(Edit& edit, const QOBSharedHandle<KARMPVariable>& variable)
+{
+    const ItemInfo* const type = FindItem(variable->getClassInfo(), L"Type");
+    return type != nullptr && edit.Set(variable, *type, Value(std::wstring(L"Controlled")));
+}
+
+} // namespace
+
+Ref<KARMPConstant> Model::Constant(std::string_view identifier, Quantity::Enum quantity,
+                                   double number, Where where)
+{
+    QOBSharedHandle<KARMPConstant> constant;
+    const bool isMade = m_core->Perform(where, [&](Edit& edit) {
+        constant = MakeConstant(edit, identifier, quantity, number);
+        return static_cast<bool>(constant);
+    });
+    return isMade ? Ref<KARMPConstant>(std::move(constant)) : Ref<KARMPConstant>();
+}
+
+Ref<KARMPExpression> Model::Expression(std::string_view identifier, Quantity::Enum quantity,
+                                       std::string_view equation,
+                                       const RefList<KARMPVariable>& variables, Where where)
+{
+    QOBSharedHandle<KARMPExpression> expression;
+    const bool isMade = m_core->Perform(where, [&](Edit& edit) {
+        expression = edit.Create<KARMPExpression>(identifier);
+        if (!expression ||
+            !edit.Check(expression->SetPhysicalQuantity(quantity), "the quantity", *expression))
+            return false;
+        for (const Ref<KARMPVariable>& variable : variables)
+            if (!edit.IsThere(variable.Handle(), "variable of the equation") ||
+                !edit.Check(expression->LinkToVariable(variable), "a variable", *expression))
+                return false;
+        KARWBFactory* factory = nullptr;
+        KARWBEquation* made = nullptr;
+        if (!edit.Check(m_core->World()->GetWBFactory(factory), "the world of the equation",
+                        *expression))
+            return false;
+        if (KARFailed(
+                KARMPSerializationServices::ParseWBEquation(kar::ToWide(equation), factory, made)))
+            return edit.Fail('"' + std::string(equation) + "\" is no equation");
+        return edit.Check(expression->SetValue(made), "the equation", *expression);
+    });
+    return isMade ? Ref<KARMPExpression>(std::move(expression)) : Ref<KARMPExpression>();
+}
+
+Ref<KARMPMotor> Model::Motor(std::string_view identifier, const Ref<KARMPVariable>& variable,
+                             const MotorOptions& options, Where where)
+{
+    QOBSharedHandle<KARMPMotor> motor;
+    const bool isMade = m_core->Perform(where, [&](Edit& edit) {
+        if (!edit.IsThere(variable.Handle(), "variable of the motor"))
+            return false;
+        const Quantity::Enum quantity = variable->GetPhysicalQuantity();
+        motor = edit.Create<KARMPMotor>(identifier);
+        const std::string name(identifier);
+        const Quantity::Enum force =
+            quantity == Quantity::Length ? Quantity::Force : Quantity::Torque;
+        return motor && edit.Link(motor, variable.Handle()) && MakeControlled(edit, variable) &&
+               SetTarget(edit, *motor, name + ".maximum", &KARMPMotor::SetMaxForce, force,
+                         options.maximum) &&
+               SetTarget(edit, *motor, name + ".position", &KARMPMotor::SetPosition, quantity,
+                         options.position) &&
+               SetTarget(edit, *motor, name + ".velocity", &KARMPMotor::SetVelocity, quantity,
+                         options.velocity) &&
+               SetTarget(edit, *motor, name + ".acceleration", &KARMPMotor::SetAcceleration,
+                         quantity, options.acceleration);
+    });
+    return isMade ? Ref<KARMPMotor>(std::move(motor)) : Ref<KARMPMotor>();
+}
+
+Model::Entity Model::AddConnector(const QOBClassInfo& info, std::string_view identifier,
+                                  const Ref<KARMPGeometry>& onFirst,
+                                  const Ref<KARMPGeometry>& onSecond, Where where)
+{
+    Entity connector;
+    const bool isMade = m_core->Perform(where, [&](Edit& edit) {
+        QOBSharedHandle<KARMPBody> first;
+        QOBSharedHandle<KARMPBody> second;
+        if (!edit.IsThere(onFirst.Handle(), "geometry of the first body") ||
+            !edit.IsThere(onSecond.Handle(), "geometry of the second body"))
+            return false;
+        onFirst->GetBody(first);
+        onSecond->GetBody(second);
+        if (!first || !second || first == second)
+            return edit.Fail("a connector needs geometries of two bodies");
+        connector = edit.Create(info, identifier);
+        return connector && edit.Link(connector, first, "FirstBody") &&
+               edit.Link(connector, second, "SecondBody") &&
+               edit.Link(connector, onFirst.Handle()) && edit.Link(connector, onSecond.Handle());
+    });
+    return isMade ? connector : Entity();
+}
+
+Model::Entity Model::AttachGeometry(const QOBClassInfo& info, std::string_view identifier,
+                                    const Ref<KARMPEntity>& body, Where where)
+{
+    Entity geometry;
+    const bool isMade = m_core->Perform(where, [&](Edit& edit) {
+        geometry = MountOn(edit, info, identifier, body.Handle());
+        return static_cast<bool>(geometry);
+    });
+    return isMade ? geometry : Entity();
+}
+
+} // namespace karmp::model

@@ -1,0 +1,154 @@
+// Bodies of solids, joints between two frames, values, motors, connectors and geometries.
+#include "EditTesting.h"
+
+#include <cmath>
+
+using namespace karmp::model;
+
+namespace {
+
+using Quantity = KARMPPhysicalQuantity;
+
+class PartsTest : public KARMPTestFixture
+{
+protected:
+    Model m_model{"M"};
+    Ref<KARMPBody> m_body = m_model.Body("Bar", {.mass = 1.0, .at = KARMathPoint(1.0, 0.0, 0.0)});
+    Ref<KARMPVariable> m_angle = m_model.Variable(
+        "angle", m_model.Joint<KARMPRevolute>("J", m_model.Ground(), m_body, {1.0, 0.0, 0.0}));
+};
+
+TEST_F(PartsTest, SolidHasTheInertiaOfItsShapeAboutItsCentre)
+{
+    const BodyOptions box = Box(12.0, {1.0, 2.0, 3.0}, {0.5, 0.0, 0.0});
+    EXPECT_EQ(box.mass, 12.0);
+    EXPECT_EQ(*box.centerOfGravity, KARMathPoint(0.5, 0.0, 0.0));
+    EXPECT_EQ(*box.inertia, KARMath3x3Matrix({13.0, 0.0, 0.0}, {0.0, 10.0, 0.0}, {0.0, 0.0, 5.0}));
+    const BodyOptions wheel = Cylinder(2.0, 1.0, 3.0);
+    EXPECT_EQ(*wheel.inertia, KARMath3x3Matrix({2.0, 0.0, 0.0}, {0.0, 2.0, 0.0}, {0.0, 0.0, 1.0}));
+    EXPECT_DOUBLE_EQ((*Ball(5.0, 0.5).inertia)(1, 1), 0.5);
+}
+
+TEST_F(PartsTest, TwoSolidsWeighTogetherAsOneBodyOfBoth)
+{
+    // Two halves of a box side by side are the box.
+    const BodyOptions whole = Together(Box(3.0, {1.0, 0.5, 0.25}, {0.5, 0.0, 0.0}),
+                                       Box(3.0, {1.0, 0.5, 0.25}, {1.5, 0.0, 0.0}));
+    const BodyOptions box = Box(6.0, {2.0, 0.5, 0.25});
+    EXPECT_EQ(whole.mass, 6.0);
+    EXPECT_EQ(*whole.centerOfGravity, KARMathPoint(1.0, 0.0, 0.0));
+    for (int i = 0; i < 3; ++i)
+        for (int j = 0; j < 3; ++j)
+            EXPECT_NEAR((*whole.inertia)(i, j), (*box.inertia)(i, j), 1e-15);
+}
+
+TEST_F(PartsTest, BodyStandsWhereItsSolidIsPlaced)
+{
+    const auto rod = m_model.Body(
+        "Rod", Ball(1.0, 0.1).PlacedAt(KARMathPoint(1.0, 2.0, 0.0), KARMathPoint(1.0, 5.0, 0.0)));
+    EXPECT_EQ(PositionOf(rod) * KARMathPoint(2.0, 0.0, 0.0), KARMathPoint(1.0, 4.0, 0.0));
+    const KARMathTransformation position(KARMathVector(0.0, 0.0, 3.0));
+    EXPECT_EQ(PositionOf(m_model.Body("Box", Box(1.0, {}).PlacedAt(position))), position);
+    const auto flat = m_model.PlanarBody("Flat", {.at = KARMathPoint2D(1.0, 2.0)});
+    EXPECT_EQ(PositionOf(flat).GetVector(), KARMathVector2D(1.0, 2.0));
+}
+
+TEST_F(PartsTest, JointOfTwoFramesStandsAtWhatIsBetweenThem)
+{
+    const auto slide = m_model.Body("Slide", {.at = KARMathPoint(1.5, 0.0, 0.0)});
+    const KARMathAxis along({1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, {0.0, 0.0, 1.0}, {1.0, 0.0, 0.0});
+    KARMathAxis moved = along;
+    moved.SetOrigin({1.5, 0.0, 0.0});
+    ASSERT_TRUE(m_model.Joint<KARMPPrismatic>("P", m_body, slide, along, moved));
+    KARMathAxis found;
+    m_model.Find<KARMPAxisSystem>("Bar.P")->GetAxisSystem(found);
+    EXPECT_EQ(found.GetOrigin(), KARMathPoint());
+    m_model.Find<KARMPAxisSystem>("Slide.P")->GetAxisSystem(found);
+    EXPECT_EQ(found.GetOrigin(), KARMathPoint());
+    EXPECT_EQ(found.GetThirdDirection(), KARMathVector(1.0, 0.0, 0.0));
+    EXPECT_EQ(BrokenLinks(m_model), "");
+}
+
+TEST_F(PartsTest, JointIsRealisedByTheConstraintThatIsAskedFor)
+{
+    const auto cam = m_model.PlanarBody("Cam");
+    const auto disc = m_model.Attach<KARMPCircle2D>("Disc", cam);
+    const auto face = m_model.Attach<KARMPLine2D>("Face", m_model.PlanarBody("Follower"));
+    QOBSharedHandle<KARMPSketch> sketch;
+    EXPECT_EQ(disc->GetSketch(sketch), KARSuccess);
+    ASSERT_TRUE((m_model.Joint<KARMPUserDefined2D, KARMPTangency>("Contact", disc, face)));
+    EXPECT_TRUE(m_model.Find<KARMPTangency>("Contact.constraint"));
+    EXPECT_EQ(BrokenLinks(m_model), "");
+}
+
+TEST_F(PartsTest, ConstantIsTakenWhereAHandleOnAValueIs)
+{
+    const auto spring = m_model.Connect<KARMPLinearSpring>(
+        "Spring", m_model.Point("C", m_model.Ground(), {}), m_model.Point("D", m_body, {}));
+    ASSERT_EQ(spring->SetStiffness(m_model.Constant("k", Quantity::LinearStiffness, 4530.0)),
+              KARSuccess);
+    double stiffness = 0.0;
+    EXPECT_EQ(spring->GetStiffness(stiffness), KARSuccess);
+    EXPECT_EQ(stiffness, 4530.0);
+    QOBSharedHandle<KARMPBody> body;
+    spring->GetSecondBody(body);
+    EXPECT_EQ(body, m_body.Handle());
+    EXPECT_EQ(spring->GetLinkedGeometryCount(), 2);
+    EXPECT_EQ(BrokenLinks(m_model), "");
+}
+
+TEST_F(PartsTest, ConnectorNeedsTwoBodies)
+{
+    const auto frame = m_model.Find<KARMPAxisSystem>("Bar.J");
+    EXPECT_FALSE(m_model.Connect<KARMPBushing>("B", frame, frame));
+    EXPECT_FALSE(m_model.Find<KARMPConnector>("B"));
+    EXPECT_EQ(m_model.Problems().size(), 1U);
+}
+
+TEST_F(PartsTest, MotorControlsItsVariableByConstantsOfItsOwn)
+{
+    const auto motor = m_model.Motor("Motor", m_angle, {.velocity = 2.0, .maximum = 5.0});
+    ASSERT_TRUE(motor);
+    EXPECT_EQ(m_angle->GetType(), KARMPVariableType::Controlled);
+    EXPECT_EQ(motor->GetTargetType(), KARMPMotorTargetType::VelocityTarget);
+    double number = 0.0;
+    m_model.Find<KARMPConstant>("Motor.velocity")->GetValue(number);
+    EXPECT_EQ(number, 2.0);
+    const auto maximum = m_model.Find<KARMPConstant>("Motor.maximum");
+    maximum->GetValue(number);
+    EXPECT_EQ(number, 5.0);
+    Quantity::Enum quantity{};
+    maximum->GetPhysicalQuantity(quantity);
+    EXPECT_EQ(quantity, Quantity::Torque);
+    EXPECT_FALSE(m_model.Find<KARMPConstant>("Motor.position"));
+    EXPECT_EQ(Lines(m_model.Check()), "");
+}
+
+TEST_F(PartsTest, MotorThatFailsLeavesItsVariableFree)
+{
+    m_model.Constant("Motor.velocity", Quantity::Angle, 1.0);
+    EXPECT_FALSE(m_model.Motor("Motor", m_angle, {.velocity = 2.0}));
+    EXPECT_EQ(m_angle->GetType(), KARMPVariableType::Free);
+    EXPECT_FALSE(m_model.Find<KARMPMotor>("Motor"));
+}
+
+TEST_F(PartsTest, ExpressionFollowsItsVariables)
+{
+    const auto law = m_model.Expression("Law", Quantity::Angle, "0.5 * t", {m_model.Time()});
+    ASSERT_TRUE(law);
+    KARWBEquation* equation = nullptr;
+    EXPECT_EQ(law->GetValue(equation), KARSuccess);
+    EXPECT_EQ(law->GetLinkedVariableCount(), 1);
+    EXPECT_EQ(Lines(m_model.Check()), "");
+}
+
+TEST_F(PartsTest, ExpressionOfNoEquationIsNotMade)
+{
+    EXPECT_FALSE(m_model.Expression("Law", Quantity::Angle, "2 +", {}));
+    TakeReports();
+    ASSERT_EQ(m_model.Problems().size(), 1U);
+    EXPECT_EQ(m_model.Problems()[0].text, "\"2 +\" is no equation");
+    EXPECT_FALSE(m_model.Find<KARMPValue>("Law"));
+}
+
+} // namespace
