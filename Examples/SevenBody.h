@@ -1,13 +1,16 @@
 // The figures of the seven-body mechanism, a published benchmark of multibody dynamics: planar,
-// with one degree of freedom, a spring and a constant torque that drives it.
+// with one degree of freedom, a spring and a constant torque that drives it; and what its two
+// programs share.
 //
 // Schiehlen, Multibody Systems Handbook, 1990; Hairer and Wanner, Solving Ordinary Differential
 // Equations II, section VII.7. Units: m, kg, s, N, rad.
 #pragma once
 
 #include "KARMPEntities.h"
+#include "KARMPModel.h"
 
-#include <array>
+#include <algorithm>
+#include <iostream>
 
 namespace seven_body {
 
@@ -21,7 +24,6 @@ struct PlanePoint
     operator KARMathPoint2D() const { return {x, y}; }
 };
 
-inline constexpr PlanePoint O{0.0, 0.0};
 inline constexpr PlanePoint A{-0.06934, -0.00227};
 inline constexpr PlanePoint B{-0.03635, 0.03273};
 inline constexpr PlanePoint C{0.014, 0.072};
@@ -29,21 +31,19 @@ inline constexpr PlanePoint D{0.02, -0.018}; // on K3
 
 inline constexpr double SpringStiffness = 4530.0; // between C and D
 inline constexpr double SpringLength = 0.07785;   // at rest
-inline constexpr double DriveTorque = 0.033;      // on K1, about O
+inline constexpr double DriveTorque = 0.033;      // on K1, about the origin
 
 inline constexpr double Beta = -0.0617138900142764496358948458001;
-inline constexpr double Theta = 0.0;
 inline constexpr double Gamma = 0.455279819163070380255912382449;
 inline constexpr double Phi = 0.222668390165885884674473185609;
 inline constexpr double Delta = 0.487364979543842550225598953530;
-inline constexpr double Omega = -0.222668390165885884674473185609;
 inline constexpr double Epsilon = 1.23054744454982119249735015568;
 
 /// A body: the point of another one where its frame stands, its angle, its masses.
 struct BodyData
 {
-    const wchar_t* name;
-    const wchar_t* on; // the body that carries the frame's origin
+    const char* name;
+    const char* on;    // the body that carries the frame's origin
     PlanePoint origin; // in that body's frame
     double angle;
     PlanePoint center;
@@ -51,34 +51,75 @@ struct BodyData
     double inertia; // about the centre of mass, along z
 };
 
-inline constexpr std::array Bodies{
-    BodyData{L"K1", L"GlobalBody", O, Beta, {0.00092, 0.0}, 0.04325, 2.194e-6},
-    BodyData{L"K2", L"K1", {0.007, 0.0}, Beta + Theta, {-0.0115, 0.0}, 0.00365, 4.410e-7},
-    BodyData{L"K3", L"GlobalBody", B, Gamma, {0.01043, -0.01874}, 0.02373, 5.255e-6},
-    BodyData{L"K4", L"K3", {0.0, -0.035}, Delta + Phi, {0.0, 0.01421}, 0.00706, 5.667e-7},
-    BodyData{L"K5", L"GlobalBody", A, Delta, {0.02308, 0.00916}, 0.07050, 1.169e-5},
-    BodyData{L"K6", L"K3", {0.0, -0.035}, Epsilon + Omega, {-0.01421, 0.0}, 0.00706, 5.667e-7},
-    BodyData{L"K7", L"GlobalBody", A, Epsilon, {-0.00449, -0.01228}, 0.05498, 1.912e-5}};
+inline constexpr BodyData Bodies[] = {
+    {"K1", "GlobalBody", {0.0, 0.0}, Beta, {0.00092, 0.0}, 0.04325, 2.194e-6},
+    {"K2", "K1", {0.007, 0.0}, Beta, {-0.0115, 0.0}, 0.00365, 4.410e-7},
+    {"K3", "GlobalBody", B, Gamma, {0.01043, -0.01874}, 0.02373, 5.255e-6},
+    {"K4", "K3", {0.0, -0.035}, Delta + Phi, {0.0, 0.01421}, 0.00706, 5.667e-7},
+    {"K5", "GlobalBody", A, Delta, {0.02308, 0.00916}, 0.07050, 1.169e-5},
+    {"K6", "K3", {0.0, -0.035}, Epsilon - Phi, {-0.01421, 0.0}, 0.00706, 5.667e-7},
+    {"K7", "GlobalBody", A, Epsilon, {-0.00449, -0.01228}, 0.05498, 1.912e-5}};
 
 /// A revolute joint about z between a point of one body and a point of another.
 struct JointData
 {
-    const wchar_t* name;
-    const wchar_t* first;
+    const char* name;
+    const char* first;
     PlanePoint onFirst;
-    const wchar_t* second;
+    const char* second;
     PlanePoint onSecond;
 };
 
-inline constexpr std::array Joints{JointData{L"O", L"GlobalBody", O, L"K1", {0.0, 0.0}},
-                                   JointData{L"F", L"K1", {0.007, 0.0}, L"K2", {0.0, 0.0}},
-                                   JointData{L"E2", L"K3", {0.0, -0.035}, L"K2", {-0.028, 0.0}},
-                                   JointData{L"E4", L"K3", {0.0, -0.035}, L"K4", {0.0, 0.0}},
-                                   JointData{L"E6", L"K3", {0.0, -0.035}, L"K6", {0.0, 0.0}},
-                                   JointData{L"B", L"GlobalBody", B, L"K3", {0.0, 0.0}},
-                                   JointData{L"A5", L"GlobalBody", A, L"K5", {0.0, 0.0}},
-                                   JointData{L"A7", L"GlobalBody", A, L"K7", {0.0, 0.0}},
-                                   JointData{L"G", L"K5", {0.04, 0.0}, L"K4", {0.0, 0.02}},
-                                   JointData{L"H", L"K7", {0.0, -0.04}, L"K6", {-0.02, 0.0}}};
+inline constexpr JointData Joints[] = {{"O", "GlobalBody", {0.0, 0.0}, "K1", {0.0, 0.0}},
+                                       {"F", "K1", {0.007, 0.0}, "K2", {0.0, 0.0}},
+                                       {"E2", "K3", {0.0, -0.035}, "K2", {-0.028, 0.0}},
+                                       {"E4", "K3", {0.0, -0.035}, "K4", {0.0, 0.0}},
+                                       {"E6", "K3", {0.0, -0.035}, "K6", {0.0, 0.0}},
+                                       {"B", "GlobalBody", B, "K3", {0.0, 0.0}},
+                                       {"A5", "GlobalBody", A, "K5", {0.0, 0.0}},
+                                       {"A7", "GlobalBody", A, "K7", {0.0, 0.0}},
+                                       {"G", "K5", {0.04, 0.0}, "K4", {0.0, 0.02}},
+                                       {"H", "K7", {0.0, -0.04}, "K6", {-0.02, 0.0}}};
+
+/// The greatest distance between the two sides of a joint, whose places `placeOf` gives.
+template <class PlaceOf>
+double LoopError(const karmp::model::Model& model, PlaceOf placeOf)
+{
+    double error = 0.0;
+    for (const auto& constraint : model.All<KARMPConstraint>()) {
+        QOBSharedHandle<KARMPGeometry> first, second;
+        constraint->GetLinkedGeometry(0, first);
+        constraint->GetLinkedGeometry(1, second);
+        error = std::max(error, (placeOf(*first) - placeOf(*second)).Norm());
+    }
+    return error;
+}
+
+/// Saves a mechanism, once as usual and once exactly, loads it again, and tells how well its loops
+/// close and how its spring pushes; gives the exit code.
+template <class PlaceOf, class PushOf>
+int RoundTrip(const karmp::model::Model& model, const std::string& stem, PlaceOf placeOf,
+              PushOf pushOf)
+{
+    using karmp::documents::Doubles;
+    for (const Doubles doubles : {Doubles::Snapped, Doubles::Exact}) {
+        const bool isExact = doubles == Doubles::Exact;
+        const std::string file = stem + (isExact ? "-exact.xml" : ".xml");
+        karmp::documents::SaveOptions options;
+        options.doubles = doubles;
+        if (const auto saved = model.Save(file, options); !saved)
+            return saved.Report();
+        const auto again = karmp::model::Load(file);
+        if (again.Report() != 0)
+            return 1;
+        const double error = LoopError(*again, placeOf);
+        std::cout << "After loading " << file << " loops close to " << error
+                  << " m and the spring pushes with " << pushOf(*again) << " N\n";
+        if (again->All<KARMPJoint>().size() != std::size(Joints) ||
+            error > (isExact ? 1e-15 : 1e-11))
+            return 1;
+    }
+    return 0;
+}
 
 } // namespace seven_body

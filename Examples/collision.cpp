@@ -3,232 +3,273 @@
 // records where the balls press on the mat, and a proximity sensor watches wall and gate. The
 // loaders stand for a solver: they find contacts and clearances from the geometries of the bodies.
 // The world's z points up.
-#include "ContactLoaders.h"
-#include "MechanismBuilder.h"
+#include "KARMPEntities.h"
+#include "KARMPModel.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iostream>
+#include <limits>
+#include <numbers>
+
+using namespace karmp::model;
 
 namespace {
 
-constexpr double Gravity = 9.81; // m/s2
-
+constexpr double Gravity = 9.81;    // m/s2
 constexpr double BallRadius = 0.04; // m
 constexpr double HalfLength = 0.15; // m, from the middle of the bar to a ball's centre
-constexpr double LeftMass = 1.2;    // kg, of titanium
-constexpr double RightMass = 2.1;   // of steel
-constexpr double BarMass = 0.3;
+constexpr double GateFace = 0.22;   // m, along x
 
 constexpr double MatYoungModulus = 2e6; // Pa
 constexpr double MatPoisson = 0.4;
 constexpr double MatThickness = 0.005; // m
 
-constexpr double WallFace = -0.31; // m, along x
-constexpr double GateFace = 0.22;
-constexpr double Clearance = 0.05;
-
-using Body = QOBSharedHandle<KARMPBody>;
-
-class Scene
+/// What resists a ball of a radius on a thin elastic layer with a rigid base, in N per squared
+/// depth: each element of the layer is a spring of its own.
+double LayerStiffness(double youngModulus, double poisson, double thickness, double radius)
 {
-public:
-    Scene()
+    const double modulus =
+        youngModulus * (1.0 - poisson) / ((1.0 + poisson) * (1.0 - 2.0 * poisson));
+    return std::numbers::pi * modulus * radius / thickness;
+}
+
+/// A ball and a face in the world.
+struct Pair
+{
+    Pair(const KARMPSphere& sphere, const KARMPPlane& plane)
     {
-        AddFace(m_plate, {}, {0.0, 0.0, 1.0});
-        AddFace(m_wall, {WallFace, 0.0, 0.0}, {1.0, 0.0, 0.0});
-        AddFace(m_gate, {}, {-1.0, 0.0, 0.0});
-        AddGateGuide();
-        AddLayers();
-        AddContactSensor();
-        AddProximitySensor();
+        KARMathPlane onFace;
+        sphere.GetCenter(center);
+        sphere.GetRadius(radius);
+        plane.GetPlane(onFace);
+        sphere.GetBody(ball);
+        plane.GetBody(body);
+        const auto position = PositionOf(Ref(body));
+        center = PositionOf(Ref(ball)) * center;
+        normal = position * KARMathVector(onFace.GetNormal());
+        gap = (center - position * onFace.GetOrigin()).Dot(normal) - radius;
     }
 
-    const QOBSharedHandle<KARMPWorld>& World() const { return m_mechanism.World(); }
-
-    /// Moves the face of the gate to an x in m.
-    void MoveGate(double face)
-    {
-        m_gate->SetPosition(KARMathTransformation(KARMathVector(face, 0.0, 0.0)), 0);
-        m_gateFace->SetValue(face);
-    }
-
-private:
-    /// The dumbbell where the mat carries it: each ball as deep as its share of the weight asks
-    /// for, so that the bar leans to the heavier one.
-    Body AddDumbbell()
-    {
-        const KARMathPoint left(-HalfLength, 0.0, 0.0);
-        const KARMathPoint right(HalfLength, 0.0, 0.0);
-        const MassProperties mass = Together(Box(BarMass, {}, {0.22, 0.02, 0.02}),
-                                             Together(SolidSphere(LeftMass, left, BallRadius),
-                                                      SolidSphere(RightMass, right, BallRadius)));
-        const double rightShare = 0.5 + 0.5 * mass.center.GetX() / HalfLength;
-        const double leftDepth = DepthUnder((1.0 - rightShare) * mass.mass * Gravity);
-        const double rightDepth = DepthUnder(rightShare * mass.mass * Gravity);
-        const KARMathPoint middle(0.0, 0.0, BallRadius - (leftDepth + rightDepth) / 2.0);
-        const double lean = std::asin((rightDepth - leftDepth) / (2.0 * HalfLength));
-        const Body body = m_mechanism.AddBody(
-            L"Dumbbell",
-            KARMathTransformation::Rotation(KARMathLine(middle, {0.0, 1.0, 0.0}), lean) *
-                KARMathTransformation(middle - KARMathPoint()));
-        SetMass(*body, mass);
-        AddBall(body, L"Left ball", left);
-        AddBall(body, L"Right ball", right);
-        return body;
-    }
-
-    static double DepthUnder(double load)
-    {
-        return std::sqrt(load /
-                         LayerStiffness(MatYoungModulus, MatPoisson, MatThickness, BallRadius));
-    }
-
-    void AddBall(const Body& body, const std::wstring& name, const KARMathPoint& center)
-    {
-        const auto sphere = m_mechanism.Attach(KARMPSphere::create(name), body, name);
-        sphere->SetCenter(center);
-        sphere->SetRadius(BallRadius);
-    }
-
-    void AddFace(const Body& body, const KARMathPoint& point, const KARMathVector& normal)
-    {
-        const auto plane = m_mechanism.Attach(KARMPPlane::create(L"Face"), body, L"Face");
-        plane->SetPlane(KARMathPlane(point, normal));
-    }
-
-    Body AddFixedBody(const std::wstring& name)
-    {
-        const Body body = m_mechanism.AddBody(name, KARMathTransformation());
-        body->Fix();
-        return body;
-    }
-
-    Body AddGate()
-    {
-        const Body gate =
-            m_mechanism.AddBody(L"Gate", KARMathTransformation(KARMathVector(GateFace, 0.0, 0.0)));
-        SetMass(*gate, Box(2.5, {0.01, 0.0, 0.1}, {0.02, 0.3, 0.2}));
-        return gate;
-    }
-
-    void AddGateGuide()
-    {
-        const auto guide = m_mechanism.AddJoint<KARMPPrismatic, KARMPPrismaticConstraint>(
-            L"Gate guide",
-            m_mechanism.AddAxisSystem(m_mechanism.Ground(), L"Guide", AxisAlongX({})),
-            m_mechanism.AddAxisSystem(m_gate, L"Guide", AxisAlongX({})));
-        m_gateFace =
-            m_mechanism.AddVariable(L"Gate face", KARMPPhysicalQuantity::Length, GateFace, guide);
-    }
-
-    template <class Interaction>
-    QOBSharedHandle<Interaction> AddInteraction(const std::wstring& name,
-                                                const QOBSharedVector<KARMPEntity>& collidables)
-    {
-        const auto interaction =
-            m_mechanism.File<KARMPInteraction>(Interaction::create(name), name);
-        for (const auto& collidable : collidables)
-            interaction->AddCollidable(collidable);
-        return interaction;
-    }
-
-    /// What moves may touch what is fixed, with coefficients for all of it.
-    void AddLayers()
-    {
-        const auto moving =
-            AddInteraction<KARMPCollisionLayer>(L"Moving parts", {m_dumbbell, m_gate});
-        const auto fixed = AddInteraction<KARMPCollisionLayer>(L"Fixed parts", {m_plate, m_wall});
-        const auto both =
-            AddInteraction<KARMPCollisionInterLayer>(L"Moving on fixed parts", {moving, fixed});
-        both->SetRestitutionCoefficient(0.4);
-        both->SetDynamicFrictionCoefficient(0.3);
-        both->SetStaticFrictionCoefficient(0.4);
-    }
-
-    /// The dumbbell is rigid, and the plate has the mat.
-    QOBSharedHandle<KARMPCollisionRule> AddRule()
-    {
-        const auto rule = AddInteraction<KARMPCollisionRule>(L"Dumbbell on mat", {});
-        rule->SetFirstBody(m_dumbbell);
-        rule->SetSecondBody(m_plate);
-        rule->SetRestitutionCoefficient(0.1);
-        rule->SetDynamicFrictionCoefficient(0.7);
-        rule->SetStaticFrictionCoefficient(0.8);
-        rule->SetSecondCollidableParameters(MatYoungModulus, MatPoisson, MatThickness);
-        return rule;
-    }
-
-    void AddContactSensor()
-    {
-        const std::wstring name = L"Contact sensor";
-        const auto sensor = m_mechanism.File<KARMPSensor>(KARMPCollisionSensor::create(name), name);
-        sensor->SetCollisionRule(AddRule());
-        sensor->SetLoader(new ContactLoader(*sensor));
-    }
-
-    void AddProximitySensor()
-    {
-        KARMPProximitySensorData data;
-        data.SetSensorBody(m_dumbbell);
-        data.SetUseGroupContext(true);
-        data.AddBodyToGroup(m_wall);
-        data.AddBodyToGroup(m_gate);
-        data.SetUseClearance(true);
-        data.SetClearance(Clearance);
-        const std::wstring name = L"Proximity sensor";
-        const auto sensor = m_mechanism.File<KARMPSensor>(KARMPProximitySensor::create(name), name);
-        sensor->SetProximitySensorData(data);
-        sensor->SetLoader(new ProximityLoader(*sensor));
-    }
-
-    MechanismBuilder m_mechanism{L"Collision", {0.0, 0.0, -Gravity}};
-    Body m_plate = AddFixedBody(L"Plate");
-    Body m_wall = AddFixedBody(L"Wall");
-    Body m_dumbbell = AddDumbbell();
-    Body m_gate = AddGate();
-    QOBSharedHandle<KARMPVariable> m_gateFace;
+    QOBSharedHandle<KARMPBody> ball, body;
+    KARMathPoint center;
+    double radius = 0.0;
+    KARMathVector normal;
+    double gap = 0.0; // how far the ball stands from the face, negative when it is in it
 };
 
-/// Prints the pairs that the layers let touch: each entity of one with each of the other.
-void PrintLayers(const KARMPWorld& world)
+/// What both loaders have: a sensor, which owns the loader, the balls and the faces.
+template <class Interface, class Sensor>
+class Watcher : public Interface
 {
-    const auto both = FindByName<KARMPInteraction>(world, L"Moving on fixed parts");
-    QOBSharedVector<KARMPEntity> moving;
-    QOBSharedVector<KARMPEntity> fixed;
-    both->GetEntities(0, moving);
-    both->GetEntities(1, fixed);
-    for (const auto& one : moving)
-        for (const auto& other : fixed)
-            std::cout << kar::ToUtf8(one->getEntityName()) << " may touch "
-                      << kar::ToUtf8(other->getEntityName()) << '\n';
+public:
+    Watcher(Sensor& sensor, RefList<KARMPSphere> balls, RefList<KARMPPlane> faces)
+        : m_sensor(sensor), m_balls(std::move(balls)), m_faces(std::move(faces))
+    {}
+    KARStatus OnActivate() override { return KARSuccess; }
+    KARStatus OnDeactivate() override { return KARSuccess; }
+
+protected:
+    std::vector<Pair> Pairs() const
+    {
+        std::vector<Pair> pairs;
+        for (const auto& ball : m_balls)
+            for (const auto& face : m_faces)
+                pairs.emplace_back(*ball, *face);
+        return pairs;
+    }
+
+    Sensor& m_sensor;
+
+private:
+    RefList<KARMPSphere> m_balls;
+    RefList<KARMPPlane> m_faces;
+};
+
+/// Finds the contacts of balls with the face of the rule's second body, which has the elastic
+/// layer. Nothing slides, so that there is no friction.
+class ContactLoader : public Watcher<KARIMPCollisionSensorLoader, KARMPCollisionSensor>
+{
+public:
+    using Watcher::Watcher;
+
+    /// A sensor that is given contacts one by one keeps one of each pair of bodies. These two have
+    /// several, which it is given at once, and their pair for the count.
+    KARStatus Update() override
+    {
+        QOBSharedHandle<KARMPCollisionRule> rule;
+        double youngModulus = 0.0, poisson = 0.0, thickness = 0.0;
+        if (m_sensor.GetCollisionRule(rule) != KARSuccess)
+            return KARFailure;
+        rule->GetSecondCollidableParameters(youngModulus, poisson, thickness);
+        m_sensor.Reset();
+        std::vector<KARMPContactForceData> contacts;
+        for (const Pair& pair : Pairs()) {
+            if (pair.gap >= 0.0)
+                continue;
+            KARMPContactForceData contact;
+            contact.firstBody = pair.ball;
+            contact.secondBody = pair.body;
+            contact.penetrationDepth = -pair.gap;
+            contact.firstContactPoint = pair.center - pair.radius * pair.normal;
+            contact.secondContactPoint = contact.firstContactPoint - pair.gap * pair.normal;
+            contact.firstNormalVector = -pair.normal;
+            contact.secondNormalVector = pair.normal;
+            contact.firstNormalForce =
+                LayerStiffness(youngModulus, poisson, thickness, pair.radius) * pair.gap *
+                pair.gap * pair.normal;
+            contact.secondNormalForce = -contact.firstNormalForce;
+            contact.firstContactForce = contact.firstNormalForce;
+            contact.secondContactForce = contact.secondNormalForce;
+            contacts.push_back(contact);
+            m_sensor.AddContactData({pair.ball, pair.body});
+        }
+        return m_sensor.SetContactForceData(contacts);
+    }
+};
+
+/// Tells whether a face is nearer to a ball than the clearance.
+class ProximityLoader : public Watcher<KARIMPProximitySensorLoader, KARMPProximitySensor>
+{
+public:
+    using Watcher::Watcher;
+
+    KARStatus Update() override
+    {
+        KARMPProximitySensorData data;
+        m_sensor.GetProximitySensorData(data);
+        double gap = std::numeric_limits<double>::infinity();
+        for (const Pair& pair : Pairs())
+            gap = std::min(gap, pair.gap);
+        return m_sensor.SetProximitySensorStatus(gap < data.GetClearance());
+    }
+};
+
+Ref<KARMPSphere> AddBall(Model& model, const char* name, const Ref<KARMPBody>& body, double x)
+{
+    const auto ball = model.Attach<KARMPSphere>(name, body);
+    ball->SetCenter({x, 0.0, 0.0});
+    ball->SetRadius(BallRadius);
+    return ball;
+}
+
+Ref<KARMPPlane> AddFace(Model& model, const Ref<KARMPBody>& body, double x,
+                        const KARMathVector& normal)
+{
+    const auto face = model.Attach<KARMPPlane>("Face", body);
+    face->SetPlane(KARMathPlane({x, 0.0, 0.0}, normal));
+    return face;
+}
+
+/// The dumbbell where the mat carries it: each ball as deep as its share of the weight asks for, so
+/// that the bar leans to the heavier one.
+BodyOptions Dumbbell()
+{
+    const auto balls = Together(Ball(1.2, BallRadius, {-HalfLength, 0.0, 0.0}),
+                                Ball(2.1, BallRadius, {HalfLength, 0.0, 0.0}));
+    const auto dumbbell = Together(Box(0.3, {0.22, 0.02, 0.02}), balls);
+    const auto depthUnder = [&dumbbell](double share) {
+        return std::sqrt(share * dumbbell.mass * Gravity /
+                         LayerStiffness(MatYoungModulus, MatPoisson, MatThickness, BallRadius));
+    };
+    const double rightShare = 0.5 + 0.5 * dumbbell.centerOfGravity->GetX() / HalfLength;
+    const double left = depthUnder(1.0 - rightShare);
+    const double right = depthUnder(rightShare);
+    const KARMathVector middle(0.0, 0.0, BallRadius - (left + right) / 2.0);
+    const double lean = std::asin((right - left) / (2.0 * HalfLength));
+    return dumbbell.PlacedAt(KARMathTransformation(middle) *
+                             KARMathTransformation::Rotation({{}, {0.0, 1.0, 0.0}}, lean));
+}
+
+template <class Interaction>
+Ref<Interaction> AddInteraction(Model& model, const char* name, const RefList<KARMPEntity>& parts)
+{
+    const auto interaction = model.Add<Interaction>(name);
+    for (const auto& part : parts)
+        interaction->AddCollidable(part);
+    return interaction;
+}
+
+/// The parts, with layers: what moves may touch what is fixed, with coefficients for all of it.
+void Build(Model& model)
+{
+    const KARMathVector up(0.0, 0.0, 1.0), x(1.0, 0.0, 0.0);
+    const auto plate = model.Body("Plate", {.isFixed = true});
+    const auto wall = model.Body("Wall", {.isFixed = true});
+    const auto dumbbell = model.Body("Dumbbell", Dumbbell());
+    const auto board = Box(2.5, {0.02, 0.3, 0.2}, {0.01, 0.0, 0.1});
+    const auto gate = model.Body("Gate", board.PlacedAt(KARMathPoint(GateFace, 0.0, 0.0)));
+    const RefList<KARMPSphere> balls{AddBall(model, "Left ball", dumbbell, -HalfLength),
+                                     AddBall(model, "Right ball", dumbbell, HalfLength)};
+    const auto mat = AddFace(model, plate, 0.0, up);
+    const auto wallFace = AddFace(model, wall, -0.31, x);
+    const auto gateFace = AddFace(model, gate, 0.0, -x);
+    model.Variable("Gate face",
+                   model.Joint<KARMPPrismatic>("Gate guide", model.Ground(), gate,
+                                               *FrameAlong({}, x),
+                                               *FrameAlong({GateFace, 0.0, 0.0}, x)),
+                   GateFace);
+
+    const auto moving =
+        AddInteraction<KARMPCollisionLayer>(model, "Moving parts", {dumbbell, gate});
+    const auto fixed = AddInteraction<KARMPCollisionLayer>(model, "Fixed parts", {plate, wall});
+    const auto both =
+        AddInteraction<KARMPCollisionInterLayer>(model, "Moving on fixed parts", {moving, fixed});
+    both->SetRestitutionCoefficient(0.4);
+    both->SetDynamicFrictionCoefficient(0.3);
+    both->SetStaticFrictionCoefficient(0.4);
+
+    // The dumbbell is rigid, and the plate has the mat.
+    const auto rule = model.Add<KARMPCollisionRule>("Dumbbell on mat");
+    rule->SetFirstBody(dumbbell);
+    rule->SetSecondBody(plate);
+    rule->SetRestitutionCoefficient(0.1);
+    rule->SetDynamicFrictionCoefficient(0.7);
+    rule->SetStaticFrictionCoefficient(0.8);
+    rule->SetSecondCollidableParameters(MatYoungModulus, MatPoisson, MatThickness);
+    const auto contacts = model.Add<KARMPCollisionSensor>("Contact sensor");
+    contacts->SetCollisionRule(rule);
+    contacts->SetLoader(new ContactLoader(*contacts, balls, {mat}));
+
+    KARMPProximitySensorData data;
+    data.SetSensorBody(dumbbell);
+    data.SetUseGroupContext(true);
+    data.AddBodyToGroup(wall);
+    data.AddBodyToGroup(gate);
+    data.SetUseClearance(true);
+    data.SetClearance(0.05);
+    const auto proximity = model.Add<KARMPProximitySensor>("Proximity sensor");
+    proximity->SetProximitySensorData(data);
+    proximity->SetLoader(new ProximityLoader(*proximity, balls, {wallFace, gateFace}));
 }
 
 /// Prints the contacts; true when they carry the dumbbell.
-bool PrintContacts(const KARMPWorld& world)
+bool PrintContacts(const Model& model)
 {
-    const auto sensor = SensorOf<KARMPCollisionSensor>(world, L"Contact sensor");
-    const auto dumbbell = FindByName<KARMPBody>(world, L"Dumbbell");
+    const auto sensor = model.Find<KARMPCollisionSensor>("Contact sensor");
     double mass = 0.0;
-    dumbbell->GetMass(mass);
+    model.Find<KARMPBody>("Dumbbell")->GetMass(mass);
     KARMathVector sum(0.0, 0.0, -mass * Gravity);
-    std::cout << sensor->GetContactForceDataCount() << " contacts\n";
     for (int index = 0; index < sensor->GetContactForceDataCount(); ++index) {
         KARMPContactForceData contact;
         sensor->GetContactForceData(index, contact);
         sum += contact.firstContactForce;
-        std::cout << "  at x = " << contact.firstContactPoint.GetX() << " m, "
+        std::cout << "Contact at x = " << contact.firstContactPoint.GetX() << " m, "
                   << 1000.0 * contact.penetrationDepth << " mm deep, with "
                   << contact.firstContactForce.GetZ() << " N\n";
     }
     return sensor->GetContactForceDataCount() == 2 && sum.Norm() < 1e-6;
 }
 
-/// Closes the gate to where it stands at first and prints when it comes near.
-bool CloseGate(Scene& scene)
+/// Closes the gate to where it stands at first and tells when it comes near.
+bool CloseGate(const Model& model)
 {
-    const auto sensor = SensorOf<KARMPProximitySensor>(*scene.World(), L"Proximity sensor");
+    const auto sensor = model.Find<KARMPProximitySensor>("Proximity sensor");
     bool isNear = false;
     for (const double face : {GateFace + 0.06, GateFace + 0.04, GateFace + 0.01, GateFace}) {
-        scene.MoveGate(face);
-        if (sensor->Update() != KARSuccess)
-            return false;
+        model.Find<KARMPBody>("Gate")->SetPosition(KARMathTransformation({face, 0.0, 0.0}), 0);
+        model.Find<KARMPVariable>("Gate face")->SetValue(face);
+        sensor->Update();
         sensor->GetProximitySensorStatus(isNear);
         std::cout << "With the gate at x = " << face << " m the dumbbell has "
                   << (isNear ? "too little" : "enough") << " clearance\n";
@@ -240,18 +281,14 @@ bool CloseGate(Scene& scene)
 
 int main()
 {
-    Scene scene;
-    const KARMPWorld& world = *scene.World();
-    const auto sensor = SensorOf<KARMPCollisionSensor>(world, L"Contact sensor");
-    PrintLayers(world);
-    if (sensor->Update() != KARSuccess || !PrintContacts(world) || !CloseGate(scene) ||
-        !IsQuiet(karmp::documents::SaveFile(scene.World(), "collision.xml")))
+    Model model("Collision", {.gravity = {0.0, 0.0, -Gravity}});
+    Build(model);
+    if (model.Find<KARMPSensor>("Contact sensor")->Update() != KARSuccess ||
+        !PrintContacts(model) || !CloseGate(model))
         return 1;
-    sensor->Reset();
-    std::cout << "After a reset there are " << sensor->GetContactForceDataCount()
-              << " contacts; collision.xml has ";
-    const auto loaded = karmp::documents::LoadFile("collision.xml");
-    if (!IsQuiet(loaded.diagnostics) || !loaded.world)
-        return 1;
-    return PrintContacts(*loaded.world) ? 0 : 1;
+    if (const auto saved = model.Save("collision.xml", {}); !saved)
+        return saved.Report();
+    const auto again = Load("collision.xml");
+    std::cout << "After loading collision.xml\n";
+    return again.Report() == 0 && PrintContacts(*again) ? 0 : 1;
 }

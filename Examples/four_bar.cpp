@@ -1,78 +1,30 @@
-// A four-bar linkage in a sketch: a crank and a rocker on the frame, a coupler between them, four
-// pins, and a motor that turns the crank. The program builds it, saves it, loads it again, and
-// tells how well the loop closes.
-#include "PlanarQueries.h"
+// A four-bar linkage: the positions of the closed loop, three rods, four revolute joints and the
+// crank's angle from where it stands. The program saves it, loads it again, and checks it.
+#include "KARMPEntities.h"
+#include "KARMPModel.h"
 
-namespace {
+#include <cmath>
 
-using Quantity = KARMPPhysicalQuantity;
-
-constexpr double CrankLength = 0.1;
-constexpr double CouplerLength = 0.3;
-constexpr double RockerLength = 0.2;
-constexpr double FrameLength = 0.3;
-constexpr double CrankAngle = 1.0;
-constexpr double CrankVelocity = 2.0;
-constexpr double MotorTorque = 5.0;
-
-/// The point above the line from one point to another at given distances from them.
-KARMathPoint2D MeetingPoint(const KARMathPoint2D& from, double first, const KARMathPoint2D& to,
-                            double second)
-{
-    const KARMathVector2D way = to - from;
-    const double length = way.Norm();
-    const double along = (first * first - second * second + length * length) / (2.0 * length);
-    const double above = std::sqrt(first * first - along * along);
-    const KARMathVector2D unit = way * (1.0 / length);
-    return from + along * unit + above * KARMathVector2D(-unit.GetY(), unit.GetX());
-}
-
-double AngleOf(const KARMathVector2D& way)
-{
-    return std::atan2(way.GetY(), way.GetX());
-}
-
-QOBSharedHandle<KARMPWorld> Build()
-{
-    PlanarMechanismBuilder mechanism(L"Four-bar linkage", {0.0, -9.81, 0.0});
-    const KARMathPoint2D pivot;
-    const KARMathPoint2D otherPivot(FrameLength, 0.0);
-    const KARMathPoint2D crankEnd(CrankLength * std::cos(CrankAngle),
-                                  CrankLength * std::sin(CrankAngle));
-    const KARMathPoint2D rockerEnd =
-        MeetingPoint(crankEnd, CouplerLength, otherPivot, RockerLength);
-
-    const auto& frame = mechanism.Frame();
-    const auto crank = mechanism.AddPlanarBody(L"Crank", pivot, CrankAngle);
-    const auto coupler =
-        mechanism.AddPlanarBody(L"Coupler", crankEnd, AngleOf(rockerEnd - crankEnd));
-    const auto rocker =
-        mechanism.AddPlanarBody(L"Rocker", otherPivot, AngleOf(rockerEnd - otherPivot));
-    SetRodMass(*crank, 0.2, CrankLength);
-    SetRodMass(*coupler, 0.6, CouplerLength);
-    SetRodMass(*rocker, 0.4, RockerLength);
-
-    const auto bearing = mechanism.AddPin(L"Crank bearing", frame, pivot, crank, {});
-    mechanism.AddPin(L"Crank pin", crank, {CrankLength, 0.0}, coupler, {});
-    mechanism.AddPin(L"Rocker pin", coupler, {CouplerLength, 0.0}, rocker, {RockerLength, 0.0});
-    mechanism.AddPin(L"Rocker bearing", frame, otherPivot, rocker, {});
-
-    const auto angle = mechanism.AddVariable(L"Crank angle", Quantity::Angle, CrankAngle, bearing);
-    mechanism.AddMotor(L"Motor", angle, MotorTorque, CrankVelocity);
-    return mechanism.World();
-}
-
-} // namespace
+using namespace karmp::model;
 
 int main()
 {
-    if (!IsQuiet(karmp::documents::SaveFile(Build(), "four-bar.xml")))
+    const KARMathPoint a, d(0.3, 0.0, 0.0);
+    const KARMathPoint b(0.1 * std::cos(1.0), 0.1 * std::sin(1.0), 0.0);
+    const auto c = MeetingPoint(b, 0.3, d, 0.2);
+    if (!c)
         return 1;
-    const auto loaded = karmp::documents::LoadFile("four-bar.xml");
-    if (!IsQuiet(loaded.diagnostics) || !loaded.world)
-        return 1;
-    const double error = PinError(*loaded.world);
-    std::cout << "After loading four-bar.xml its " << loaded.world->Count<KARMPJoint>()
-              << " pins close to " << error << " m\n";
-    return error <= 1e-11 ? 0 : 1;
+    Model model("Four-bar linkage", {.gravity = {0.0, -9.81, 0.0}});
+    const auto crank = model.Body("Crank", Rod(0.2, a, b, 0.005));
+    const auto coupler = model.Body("Coupler", Rod(0.6, b, *c, 0.005));
+    const auto rocker = model.Body("Rocker", Rod(0.4, d, *c, 0.005));
+    const auto bearing = model.Joint<KARMPRevolute>("A", model.Ground(), crank, a);
+    model.Joint<KARMPRevolute>("B", crank, coupler, b);
+    model.Joint<KARMPRevolute>("C", coupler, rocker, *c);
+    model.Joint<KARMPRevolute>("D", model.Ground(), rocker, d);
+    model.Variable("Crank angle", bearing);
+    if (const auto saved = model.Save("four-bar.xml"); !saved)
+        return saved.Report();
+    const auto again = Load("four-bar.xml");
+    return again.Report() != 0 || !again->Check().items.empty() ? 1 : 0;
 }

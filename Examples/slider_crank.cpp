@@ -1,17 +1,19 @@
 // A slider-crank, which stands upright: gravity acts along -y.
 #include "SliderCrank.h"
 
+#include <iostream>
+
 int main()
 {
-    MechanismBuilder mechanism(L"Slider-crank", {0.0, -9.81, 0.0});
-    AddSliderCrank(mechanism, 0.5);
-    if (!IsQuiet(karmp::documents::SaveFile(mechanism.World(), "slider-crank.xml")))
+    karmp::model::Model model("Slider-crank", {.gravity = {0.0, -9.81, 0.0}});
+    AddSliderCrank(model, 0.5);
+    if (const auto saved = model.Save("slider-crank.xml", {}); !saved)
+        return saved.Report();
+    const auto again = karmp::model::Load("slider-crank.xml");
+    if (again.Report() != 0)
         return 1;
-    const auto loaded = karmp::documents::LoadFile("slider-crank.xml");
-    if (!IsQuiet(loaded.diagnostics) || !loaded.world)
-        return 1;
-    const auto slider = FindByName<KARMPBody>(*loaded.world, L"Slider");
-    std::cout << "The slider stands at x = " << PositionOf(*slider).GetVector().GetX()
+    const auto slider = again->Find<KARMPBody>("Slider");
+    std::cout << "The slider stands at x = " << PositionOf(slider).GetVector().GetX()
               << " m after loading slider-crank.xml\n";
     return 0;
 }

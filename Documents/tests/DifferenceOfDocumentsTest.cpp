@@ -136,7 +136,7 @@ TEST_F(DocumentDifference, IsNothingBetweenAnExampleAndWhatItIsReloadedAs)
     for (const std::filesystem::path& example : Examples()) {
         const auto world = LoadFile(example).world;
         // The model library saves all digits, most of which are off the grid.
-        const bool isExact = example.filename() == "four-bar-model.xml";
+        const bool isExact = example.filename() == "four-bar.xml";
         SaveOptions options;
         options.doubles = isExact ? Doubles::Exact : Doubles::Snapped;
         std::string text;

@@ -11,7 +11,7 @@ namespace {
 
 constexpr const char* Winch = "winch";
 constexpr const char* Planar2D = "seven-body-planar";
-constexpr const char* FourBar = "four-bar";
+constexpr const char* CamFollower = "cam-follower";
 constexpr const char* Arm = "robot-arm";
 constexpr const char* CurveCam = "curve-cam";
 
@@ -88,7 +88,7 @@ const std::vector<Planted> Mistakes{
      R"(<^Body2D id="Frame")"},
     {Planar2D, R"(is_fixed2D="yes")", R"(is_fixed2D="no")", "floating-chain", R"("Frame")",
      R"(<^Body2D id="Frame")"},
-    {FourBar, R"(is_fixed2D="yes")", R"(is_fixed2D="no")", "floating-chain", R"("Frame")",
+    {CamFollower, R"(is_fixed2D="yes")", R"(is_fixed2D="no")", "floating-chain", R"("Frame")",
      R"(<^Body2D id="Frame")"},
     {Winch, R"(<ImpactedChildrenBodies><ImpactedChildBody id="Frame"/></ImpactedChildrenBodies>)",
      R"(<ImpactedChildrenBodies><^ImpactedChildBody id="Lever"/></ImpactedChildrenBodies>)",

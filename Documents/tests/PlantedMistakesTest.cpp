@@ -108,9 +108,12 @@ const std::vector<Planted> Mistakes{
     {Crank, "<Weight>\n     <Mass>0.5", "<Weight>^Light\n     <Mass>0.5", "unexpected-text",
      "Light"},
     // References
-    {Crank, "<Geometry id=\"Rod.Pin\" name=\"Rod.Pin\"/>\n     <Geometry id=\"Rod.End\"",
-     "<Geometry ^id=\"Rod.Pni\" name=\"Rod.Pin\"/>\n     <Geometry id=\"Rod.End\"",
-     "unresolved-reference", "did you mean \"Rod.Pin\"?"},
+    {Crank,
+     "<Geometry id=\"Rod.Crank pin\" name=\"Rod.Crank pin\"/>\n     <Geometry id=\"Rod.Slider "
+     "pin\"",
+     "<Geometry ^id=\"Rod.Crank pni\" name=\"Rod.Crank pin\"/>\n     <Geometry id=\"Rod.Slider "
+     "pin\"",
+     "unresolved-reference", "did you mean \"Rod.Crank pin\"?"},
     {Drive, "<Motor id=\"Lift motor\" name=\"Lift motor\"/>",
      "<Motor id=\"Lift motor\" ^name=\"Lift\"/>", "other-name", "is called \"Lift motor\""},
     {Drive, "<Motor id=\"Lift motor\" name=\"Lift motor\"/>",
@@ -124,14 +127,14 @@ const std::vector<Planted> Mistakes{
      "</Constraints>\n   </Variable>",
      "</Variable>", "one-sided-link", "does not refer back",
      R"(<Variable ^id="Reach" name="Reach"/>)"},
-    {Crank, "<OutOfWorld>false</OutOfWorld>\n    <Geometries>\n     <Geometry id=\"Rod.Pin\"",
+    {Crank, "<OutOfWorld>false</OutOfWorld>\n    <Geometries>\n     <Geometry id=\"Rod.Crank pin\"",
      "<OutOfWorld>false</OutOfWorld><ChildrenBodies><^ChildBody id=\"Rod\"/></ChildrenBodies>\n"
-     "    <Geometries>\n     <Geometry id=\"Rod.Pin\"",
+     "    <Geometries>\n     <Geometry id=\"Rod.Crank pin\"",
      "cycle", "its own child"},
-    {Crank, "<OutOfWorld>false</OutOfWorld>\n    <Geometries>\n     <Geometry id=\"Rod.Pin\"",
+    {Crank, "<OutOfWorld>false</OutOfWorld>\n    <Geometries>\n     <Geometry id=\"Rod.Crank pin\"",
      "<OutOfWorld>false</OutOfWorld><AggregatedElements><^Element "
      "id=\"Rod\"/></AggregatedElements>\n"
-     "    <Geometries>\n     <Geometry id=\"Rod.Pin\"",
+     "    <Geometries>\n     <Geometry id=\"Rod.Crank pin\"",
      "cycle", "its own child"},
     // Order, indexes, equations
     {Gears, "<LinearTermIndex>1<", "<LinearTermIndex>^5<", "term-order", "number 1, from 0"},
@@ -185,8 +188,8 @@ const std::vector<Planted> Mistakes{
     {Crank, "linear_tolerance=\"1e-06\"", "^linear_tolerance=\"0\"", "no-tolerance", "is 0"},
     {Crank, "angular_tolerance=\"1e-09\"", "^angular_tolerance=\"-1e-09\"", "no-tolerance",
      "positive"},
-    {Gears, "    <Equation id=\"Mesh\" name=\"Mesh\"/>\n", "", "coupling-without-equation",
-     "no \"Equation\"", R"(<^Gear id=)"},
+    {Gears, "    <Equation id=\"Gear.equation\" name=\"Gear.equation\"/>\n", "",
+     "coupling-without-equation", "no \"Equation\"", R"(<^Gear id=)"},
     {Drive, "<Position id=\"Wanted reach\" name=\"Wanted reach\"/>",
      "<^Position id=\"Turn motor.maximum\" name=\"Turn motor.maximum\"/>", "wrong-quantity",
      "Torque; Length was expected"},

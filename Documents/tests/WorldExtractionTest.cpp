@@ -43,8 +43,8 @@ TEST_F(WorldExtraction, TellsTheLinksThatItCuts)
     EXPECT_EQ(extract.world->Count<KARMPConstraint>(), 0);
     EXPECT_EQ(TextsOf(extract.cutLinks),
               (std::vector<std::string>{"Crank Joints Crank pin", "Crank Joints Main bearing",
-                                        "Crank.Bearing Constraints Main bearing.constraint",
-                                        "Crank.Pin Constraints Crank pin.constraint"}));
+                                        "Crank.Crank pin Constraints Crank pin.constraint",
+                                        "Crank.Main bearing Constraints Main bearing.constraint"}));
     EXPECT_TRUE(CheckOf(extract.world).items.empty());
 }
 

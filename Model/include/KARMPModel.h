@@ -268,7 +268,8 @@ public:
     /// own, "Motor.velocity" for one; other values are for its own operations.
     Ref<KARMPMotor> Motor(std::string_view identifier, const Ref<KARMPVariable>& variable,
                           const MotorOptions& options = {}, Where where = Where::current());
-    /// A connector, a spring for one, between a geometry of its first body and one of its second.
+    /// A connector, a spring for one, between a geometry of its first body and one of its second,
+    /// which are the attachments of a spring too.
     template <class C>
     Ref<C> Connect(std::string_view identifier, const Ref<KARMPGeometry>& onFirst,
                    const Ref<KARMPGeometry>& onSecond, Where where = Where::current())

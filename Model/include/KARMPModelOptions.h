@@ -5,6 +5,7 @@
 #include "KARMPModelRef.h"
 #include "KARMath2x2Matrix.h"
 #include "KARMath3x3Matrix.h"
+#include "KARMathAxis.h"
 #include "KARMathPoint.h"
 #include "KARMathPoint2D.h"
 #include "KARMathTransformation.h"
@@ -101,6 +102,11 @@ KARMP_MODEL_API PlanarBodyOptions Rod(double mass, const KARMathPoint2D& from,
 KARMP_MODEL_API std::optional<KARMathPoint> MeetingPoint(const KARMathPoint& from, double distance,
                                                          const KARMathPoint& to,
                                                          double otherDistance);
+
+/// The axis system at a point whose third direction is an axis; nothing for an axis without length.
+/// Along an axis of the world all directions are the world's, exchanged in a circle.
+KARMP_MODEL_API std::optional<KARMathAxis> FrameAlong(const KARMathPoint& origin,
+                                                      const KARMathVector& axis = {0.0, 0.0, 1.0});
 
 /// Where a body stands in the world, or in its plane.
 KARMP_MODEL_API KARMathTransformation PositionOf(const Ref<KARMPBody>& body);

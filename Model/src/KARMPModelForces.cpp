@@ -1,16 +1,23 @@
 // Values, motors and connectors, and geometries on bodies.
+#include "KARMPAxisSystem.h"
 #include "KARMPBody2D.h"
 #include "KARMPConnector.h"
 #include "KARMPConstant.h"
 #include "KARMPExpression.h"
 #include "KARMPGeometry.h"
+#include "KARMPLinearSpring.h"
 #include "KARMPModel.h"
 #include "KARMPModelCore.h"
 #include "KARMPModelNames.h"
 #include "KARMPModelPlacing.h"
 #include "KARMPMotor.h"
+#include "KARMPPoint.h"
 #include "KARMPSerializationServices.h"
+#include "KARMPTorsionSpring.h"
 #include "KARMPVariable.h"
+#include "KARMathAxis.h"
+#include "KARMathDirection.h"
+#include "KARMathLine.h"
 #include "KARTextConversion.h"
 
 namespace karmp::model {
@@ -45,6 +52,33 @@ bool MakeControlled(Edit& edit, const QOBSharedHandle<KARMPVariable>& variable)
 {
     const ItemInfo* const type = FindItem(variable->getClassInfo(), L"Type");
     return type != nullptr && edit.Set(variable, *type, Value(std::wstring(L"Controlled")));
+}
+
+// Where a geometry holds a connector: at a point, or at an axis system along its third direction.
+KARMathLine HoldOf(const KARMPGeometry& geometry)
+{
+    KARMathAxis axis;
+    KARMathPoint point;
+    if (const auto* const frame = dynamic_cast<const KARMPAxisSystem*>(&geometry))
+        frame->GetAxisSystem(axis);
+    else if (const auto* const at = dynamic_cast<const KARMPPoint*>(&geometry);
+             at != nullptr && !KARFailed(at->GetPoint(point)))
+        axis.SetOrigin(point);
+    return {axis.GetOrigin(), axis.GetThirdDirection()};
+}
+
+// The attachments of a spring repeat in memory where its geometries are.
+bool SetAttachments(Edit& edit, KARMPEntity& connector, const KARMathLine& first,
+                    const KARMathLine& second)
+{
+    constexpr std::string_view what = "an attachment";
+    if (auto* const linear = dynamic_cast<KARMPLinearSpring*>(&connector))
+        return edit.Check(linear->SetFirstAttachment(first.GetOrigin()), what, connector) &&
+               edit.Check(linear->SetSecondAttachment(second.GetOrigin()), what, connector);
+    if (auto* const torsion = dynamic_cast<KARMPTorsionSpring*>(&connector))
+        return edit.Check(torsion->SetFirstAttachment(first), what, connector) &&
+               edit.Check(torsion->SetSecondAttachment(second), what, connector);
+    return true;
 }
 
 } // namespace
@@ -130,7 +164,8 @@ Model::Entity Model::AddConnector(const QOBClassInfo& info, std::string_view ide
         connector = edit.Create(info, identifier);
         return connector && edit.Link(connector, first, "FirstBody") &&
                edit.Link(connector, second, "SecondBody") &&
-               edit.Link(connector, onFirst.Handle()) && edit.Link(connector, onSecond.Handle());
+               edit.Link(connector, onFirst.Handle()) && edit.Link(connector, onSecond.Handle()) &&
+               SetAttachments(edit, *connector, HoldOf(*onFirst), HoldOf(*onSecond));
     });
     return isMade ? connector : Entity();
 }

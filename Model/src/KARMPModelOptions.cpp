@@ -98,6 +98,22 @@ std::optional<KARMathPoint> MeetingPoint(const KARMathPoint& from, double distan
     return from + unit * along + KARMathVector(-unit.GetY(), unit.GetX(), 0.0) * std::sqrt(square);
 }
 
+std::optional<KARMathAxis> FrameAlong(const KARMathPoint& origin, const KARMathVector& axis)
+{
+    KARMathVector third = axis;
+    if (!third.Normalize())
+        return {};
+    const double x = std::abs(third.GetX());
+    const double y = std::abs(third.GetY());
+    const double z = std::abs(third.GetZ());
+    KARMathVector first = x > y && x > z ? KARMathVector(0.0, 1.0, 0.0)
+                          : y > z        ? KARMathVector(0.0, 0.0, 1.0)
+                                         : KARMathVector(1.0, 0.0, 0.0);
+    first = first - third * first.Dot(third);
+    first.Normalize();
+    return KARMathAxis(origin, first, third.Cross(first), third);
+}
+
 KARMathTransformation PositionOf(const Ref<KARMPBody>& body)
 {
     KARMathTransformation position;

@@ -6,7 +6,6 @@
 #include "KARMPSketch.h"
 #include "KARTextConversion.h"
 
-#include <cmath>
 #include <utility>
 
 namespace karmp::model {
@@ -31,22 +30,6 @@ std::optional<Transformation> InverseOf(Edit& edit, const Body& body)
 }
 
 } // namespace
-
-std::optional<KARMathAxis> FrameAlong(const KARMathPoint& origin, const KARMathVector& axis)
-{
-    KARMathVector third = axis;
-    if (!third.Normalize())
-        return {};
-    const double x = std::abs(third.GetX());
-    const double y = std::abs(third.GetY());
-    const double z = std::abs(third.GetZ());
-    KARMathVector first = x > y && x > z ? KARMathVector(0.0, 1.0, 0.0)
-                          : y > z        ? KARMathVector(0.0, 0.0, 1.0)
-                                         : KARMathVector(1.0, 0.0, 0.0);
-    first = first - third * first.Dot(third);
-    first.Normalize();
-    return KARMathAxis(origin, first, third.Cross(first), third);
-}
 
 std::optional<KARMathTransformation> IntoBody(Edit& edit, const KARMPBody& body)
 {

@@ -2,7 +2,6 @@
 
 #include "KARMPModelEdit.h"
 #include "KARMPModelOptions.h"
-#include "KARMathAxis.h"
 
 #include <functional>
 #include <optional>
@@ -15,10 +14,6 @@ class KARMPGeometry;
 class KARMPSketch;
 
 namespace karmp::model {
-
-/// The axis system at a point whose third direction is an axis; nothing for an axis without length.
-/// Along an axis of the world all directions are the world's, exchanged in a circle.
-std::optional<KARMathAxis> FrameAlong(const KARMathPoint& origin, const KARMathVector& axis);
 
 /// A geometry of a class on a body: named after it, linked to it on both sides, and lying in the
 /// body's sketch, if it is planar. Null after a failure.

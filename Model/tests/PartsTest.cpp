@@ -97,6 +97,25 @@ TEST_F(PartsTest, ConstantIsTakenWhereAHandleOnAValueIs)
     EXPECT_EQ(BrokenLinks(m_model), "");
 }
 
+TEST_F(PartsTest, SpringIsAttachedWhereItsGeometriesAre)
+{
+    const KARMathPoint at(1.0, 2.0, 0.0);
+    const auto spring = m_model.Connect<KARMPLinearSpring>(
+        "Spring", m_model.Point("C", m_model.Ground(), at), m_model.Point("D", m_body, at));
+    KARMathPoint point;
+    spring->GetFirstAttachment(point);
+    EXPECT_EQ(point, at);
+    spring->GetSecondAttachment(point);
+    EXPECT_EQ(point, KARMathPoint(0.0, 2.0, 0.0));
+    const KARMathAxis axis = *FrameAlong(at, {1.0, 0.0, 0.0});
+    const auto torsion = m_model.Connect<KARMPTorsionSpring>(
+        "Bar spring", m_model.Frame("T", m_model.Ground(), axis), m_model.Frame("T", m_body, axis));
+    KARMathLine line;
+    torsion->GetSecondAttachment(line);
+    EXPECT_EQ(line.GetOrigin(), KARMathPoint(0.0, 2.0, 0.0));
+    EXPECT_EQ(KARMathVector(line.GetDirection()), KARMathVector(1.0, 0.0, 0.0));
+}
+
 TEST_F(PartsTest, ConnectorNeedsTwoBodies)
 {
     const auto frame = m_model.Find<KARMPAxisSystem>("Bar.J");

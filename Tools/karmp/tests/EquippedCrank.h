@@ -32,7 +32,7 @@ inline constexpr const char* EquippedActuators = R"(
    <SpatialForceActuator2D id="flat push" name="flat push" isActive="yes">
     <Force2D><Vx id="F" name="F"/><Vy id="F" name="F"/></Force2D><Torque2D><Vx id="ratio" name="ratio"/></Torque2D>
     <IsInLocalFrame>false</IsInLocalFrame><ApplicationPoint2D><Px>0</Px><Py>0</Py></ApplicationPoint2D></SpatialForceActuator2D>
-   <DisplacementActuator id="hand" name="hand" isActive="yes"><Body id="Rod" name="Rod"/><Geometry id="Rod.Pin" name="Rod.Pin"/>
+   <DisplacementActuator id="hand" name="hand" isActive="yes"><Body id="Rod" name="Rod"/><Geometry id="Rod.Crank pin" name="Rod.Crank pin"/>
     <Displacement><Translation><Vx>0</Vx><Vy>0</Vy><Vz>0</Vz></Translation><Rotation><M1x>1</M1x><M1y>0</M1y><M1z>0</M1z><M2x>0</M2x><M2y>1</M2y><M2z>0</M2z><M3x>0</M3x><M3y>0</M3y><M3z>1</M3z></Rotation></Displacement>
     <DragLine><Coordinates><Ox>0</Ox><Oy>0</Oy><Oz>0</Oz><Dx>1</Dx><Dy>0</Dy><Dz>0</Dz></Coordinates></DragLine></DisplacementActuator>
    <DisplacementActuator2D id="flat hand" name="flat hand" isActive="yes">

@@ -128,8 +128,8 @@ TEST_F(InstrumentedCrank, MeasuresTheStrokeOfTheClosedForm)
     angleSensor->GetVelocity(velocity);
     strokeSensor->GetPosition(stroke);
     strokeSensor->GetVelocity(strokeVelocity);
-    const double crank = DistanceOf(L"Crank.Pin");
-    const double rod = DistanceOf(L"Rod.End");
+    const double crank = DistanceOf(L"Crank.Crank pin");
+    const double rod = DistanceOf(L"Rod.Slider pin");
     const double across = crank * std::sin(angle);
     const double along = crank * std::cos(angle);
     const double rodAlong = std::sqrt(rod * rod - across * across);
@@ -191,7 +191,8 @@ TEST_F(InstrumentedCrank, MovesItsSliderFromTheDeadCentreToItsPosition)
     const auto sensor = SensorOf<KARMPDisplacementSensor>(L"Displacement sensor");
     ASSERT_EQ(sensor->GetBody(slider), KARSuccess);
     sensor->GetDisplacement(displacement);
-    const KARMathPoint deadCentre(DistanceOf(L"Crank.Pin") + DistanceOf(L"Rod.End"), 0.0, 0.0);
+    const KARMathPoint deadCentre(DistanceOf(L"Crank.Crank pin") + DistanceOf(L"Rod.Slider pin"),
+                                  0.0, 0.0);
     ExpectNear(displacement * deadCentre - KARMathPoint(), PositionOf(*slider).GetVector());
     EXPECT_EQ(displacement.GetMatrix(), PositionOf(*slider).GetMatrix());
 }

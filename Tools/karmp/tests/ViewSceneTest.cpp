@@ -1,8 +1,7 @@
 // What a page shows of a world: entities, bodies, joints, connectors and couplings.
+#include "KARMPModel.h"
 #include "ViewFixture.h"
 #include "ViewRods.h"
-
-#include "../../../Examples/MechanismBuilder.h"
 
 #include <cmath>
 #include <set>
@@ -11,6 +10,8 @@
 namespace karmp::tool {
 
 namespace {
+
+using karmp::model::Model;
 
 constexpr KARMathAxis Upright{{1, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
 
@@ -63,11 +64,11 @@ TEST(ViewScene, DrawsABodyAsRodsBetweenItsAnchors)
 
 TEST(ViewScene, HoldsABodyOfOneAnchorByItsCentre)
 {
-    MechanismBuilder builder(L"w", {});
-    const auto body = builder.AddBody(L"pendulum", KARMathTransformation());
-    builder.AddPoint(body, L"end", {1, 0, 0});
+    Model model("w");
+    const auto body = model.Body("pendulum");
+    model.Point("end", body, {1, 0, 0});
     const auto only = [&] {
-        const ViewScene scene = CollectScene(*builder.World(), "w");
+        const ViewScene scene = CollectScene(*model.World(), "w");
         return *Drawn(scene, scene.bodies, "pendulum");
     };
     EXPECT_TRUE(only().rods.empty()) << "no mass, no centre";
@@ -75,8 +76,8 @@ TEST(ViewScene, HoldsABodyOfOneAnchorByItsCentre)
     body->SetCenterOfGravity({3, 0, 0});
     ASSERT_EQ(only().rods.size(), 1U);
     ExpectNear(only().rods[0].second, {3, 0, 0});
-    const auto bare = builder.AddBody(L"bare", KARMathTransformation());
-    const ViewScene scene = CollectScene(*builder.World(), "w");
+    const auto bare = model.Body("bare");
+    const ViewScene scene = CollectScene(*model.World(), "w");
     EXPECT_EQ(Drawn(scene, scene.bodies, "bare")->anchors.size(), 1U);
 }
 
@@ -95,11 +96,11 @@ TEST(ViewScene, HoldsPointsByTheShortestRods)
 
 TEST(ViewScene, PutsJointsWhereTheirFramesAreInTheWorld)
 {
-    MechanismBuilder builder(L"w", {});
-    const auto arm = builder.AddBody(L"arm", {0, 3, 0}, std::acos(0.0));
-    builder.AddJointAt<KARMPRevolute, KARMPRevoluteConstraint>(L"hinge", builder.Ground(), arm,
-                                                               Upright);
-    const ViewScene scene = CollectScene(*builder.World(), "w");
+    Model model("w");
+    const auto arm =
+        model.Body("arm", {.at = KARMathPoint(0, 3, 0), .towards = KARMathPoint(0, 4, 0)});
+    model.Joint<KARMPRevolute>("hinge", model.Ground(), arm, Upright);
+    const ViewScene scene = CollectScene(*model.World(), "w");
     const auto* const joint = Drawn(scene, scene.joints, "hinge");
     ASSERT_NE(joint, nullptr);
     EXPECT_EQ(joint->symbol, "revolute");
@@ -114,16 +115,16 @@ TEST(ViewScene, PutsJointsWhereTheirFramesAreInTheWorld)
 
 TEST(ViewScene, PutsTheParentsFrameFirst)
 {
-    MechanismBuilder builder(L"w", {});
-    const auto arm = builder.AddBody(L"arm", KARMathTransformation());
-    const auto joint = builder.File<KARMPJoint>(KARMPUniversal::create(L"u"), L"u");
-    const auto constraint = builder.File<KARMPConstraint>(KARMPCoincidence::create(L"c"), L"c");
+    Model model("w");
+    const auto arm = model.Body("arm");
+    const auto joint = model.Add<KARMPUniversal>("u");
+    const auto constraint = model.Add<KARMPCoincidence>("c");
     joint->AddConstraint(constraint);
-    constraint->LinkToGeometry(builder.AddAxisSystem(arm, L"a", Upright));
-    constraint->LinkToGeometry(builder.AddAxisSystem(builder.Ground(), L"g", {}));
+    constraint->LinkToGeometry(model.Frame("a", arm, Upright));
+    constraint->LinkToGeometry(model.Frame("g", model.Ground(), {}));
     joint->LinkToBody(arm, KARMPBodyOrientation::In);
-    joint->LinkToBody(builder.Ground(), KARMPBodyOrientation::Out);
-    const ViewScene scene = CollectScene(*builder.World(), "w");
+    joint->LinkToBody(model.Ground(), KARMPBodyOrientation::Out);
+    const ViewScene scene = CollectScene(*model.World(), "w");
     ASSERT_EQ(scene.joints.size(), 1U);
     ASSERT_EQ(scene.joints[0].frames.size(), 2U);
     EXPECT_TRUE(scene.joints[0].frames[0].isGround);
@@ -132,35 +133,34 @@ TEST(ViewScene, PutsTheParentsFrameFirst)
 
 TEST(ViewScene, PrefersAnAxisSystemToALineAndALineToAPoint)
 {
-    MechanismBuilder builder(L"w", {});
-    const auto arm = builder.AddBody(L"arm", KARMathTransformation());
-    const auto joint = builder.File<KARMPJoint>(KARMPCylindrical::create(L"j"), L"j");
+    Model model("w");
+    const auto arm = model.Body("arm");
+    const auto joint = model.Add<KARMPCylindrical>("j");
     joint->LinkToBody(arm, KARMPBodyOrientation::In);
-    const auto use = [&](const QOBSharedHandle<KARMPGeometry>& geometry, const std::wstring& name) {
-        const auto constraint = builder.File<KARMPConstraint>(KARMPCoincidence::create(name), name);
+    const auto use = [&](const QOBSharedHandle<KARMPGeometry>& geometry, const char* name) {
+        const auto constraint = model.Add<KARMPCoincidence>(name);
         constraint->LinkToGeometry(geometry);
         joint->AddConstraint(constraint);
-        const ViewScene scene = CollectScene(*builder.World(), "w");
+        const ViewScene scene = CollectScene(*model.World(), "w");
         return scene.joints.at(0).frames.at(0).axis;
     };
-    EXPECT_EQ(use(builder.AddPoint(arm, L"p", {7, 0, 0}), L"c1").GetOrigin(),
-              KARMathPoint(7, 0, 0));
-    const auto line = KARMPLine::create(L"l");
+    EXPECT_EQ(use(model.Point("p", arm, {7, 0, 0}), "c1").GetOrigin(), KARMathPoint(7, 0, 0));
+    const auto line = model.Attach<KARMPLine>("l", arm);
     line->SetLine({{8, 0, 0}, {0, 1, 0}});
-    const KARMathAxis onLine = use(builder.Attach(line, arm, L"l"), L"c2");
+    const KARMathAxis onLine = use(line, "c2");
     EXPECT_EQ(onLine.GetOrigin(), KARMathPoint(8, 0, 0));
     EXPECT_EQ(onLine.GetThirdDirection(), KARMathVector(0, 1, 0));
-    EXPECT_EQ(use(builder.AddAxisSystem(arm, L"a", Upright), L"c3"), Upright);
+    EXPECT_EQ(use(model.Frame("a", arm, Upright), "c3"), Upright);
 }
 
 TEST(ViewScene, PutsAJointWithoutGeometryBetweenItsBodies)
 {
-    MechanismBuilder builder(L"w", {});
-    const auto joint = builder.File<KARMPJoint>(KARMPRigid::create(L"weld"), L"weld");
-    const auto empty = builder.File<KARMPJoint>(KARMPRigid::create(L"empty"), L"empty");
-    joint->LinkToBody(builder.AddBody(L"a", {2, 0, 0}, 0.0), KARMPBodyOrientation::Out);
-    joint->LinkToBody(builder.AddBody(L"b", {4, 2, 0}, 0.0), KARMPBodyOrientation::In);
-    const ViewScene scene = CollectScene(*builder.World(), "w");
+    Model model("w");
+    const auto joint = model.Add<KARMPRigid>("weld");
+    const auto empty = model.Add<KARMPRigid>("empty");
+    joint->LinkToBody(model.Body("a", {.at = KARMathPoint(2, 0, 0)}), KARMPBodyOrientation::Out);
+    joint->LinkToBody(model.Body("b", {.at = KARMathPoint(4, 2, 0)}), KARMPBodyOrientation::In);
+    const ViewScene scene = CollectScene(*model.World(), "w");
     ASSERT_EQ(scene.joints.size(), 1U);
     EXPECT_EQ(scene.joints[0].symbol, "joint");
     ExpectNear(scene.joints[0].frames.at(0).axis.GetOrigin(), {3, 1, 0});
@@ -182,12 +182,12 @@ TEST(ViewScene, SpansConnectorsBetweenTheirGeometries)
 
 TEST(ViewScene, SpansASpringWithoutGeometryBetweenItsAttachments)
 {
-    MechanismBuilder builder(L"w", {});
-    const auto spring = builder.File<KARMPConnector>(KARMPLinearSpring::create(L"s"), L"s");
-    spring->SetFirstBody(builder.Ground());
-    spring->SetSecondBody(builder.AddBody(L"a", {2, 0, 0}, 0.0));
+    Model model("w");
+    const auto spring = model.Add<KARMPLinearSpring>("s");
+    spring->SetFirstBody(model.Ground());
+    spring->SetSecondBody(model.Body("a", {.at = KARMathPoint(2, 0, 0)}));
     spring->SetSecondAttachment({0, 1, 0});
-    const ViewScene scene = CollectScene(*builder.World(), "w");
+    const ViewScene scene = CollectScene(*model.World(), "w");
     ASSERT_EQ(scene.connectors.size(), 1U);
     ExpectNear(scene.connectors[0].from.axis.GetOrigin(), {0, 0, 0});
     ExpectNear(scene.connectors[0].to.axis.GetOrigin(), {2, 1, 0});
@@ -204,29 +204,29 @@ TEST(ViewScene, LeadsCouplingsThroughTheJointsThatTheyRelate)
 
 TEST(ViewScene, PutsPlanarBodiesIntoThePlaneOfTheirSketch)
 {
-    MechanismBuilder builder(L"w", {});
-    const auto sketch = KARMPSketch::create(L"sketch");
+    Model model("w");
+    const auto carrier =
+        model.Body("carrier", {.at = KARMathPoint(0, 10, 0), .towards = KARMathPoint(0, 11, 0)});
+    const auto sketch = model.Attach<KARMPSketch>("sketch", carrier);
     sketch->SetPlane({{0, 0, 5}, {1, 0, 0}});
-    const auto carrier = builder.AddBody(L"carrier", {0, 10, 0}, std::acos(0.0));
-    builder.Attach(sketch, carrier, L"sketch");
-    const auto body = builder.File<KARMPBody>(KARMPBody2D::create(L"flat"), L"flat");
+    const auto body = model.Add<KARMPBody2D>("flat");
     body->SetSketch(sketch);
     body->SetPosition(KARMathTransformation2D(KARMathVector2D(2, 3)));
     body->SetMass(1.0);
     body->SetCenterOfGravity({1, 0});
-    const auto point = builder.File<KARMPGeometry>(KARMPPoint2D::create(L"p"), L"p");
+    const auto point = model.Add<KARMPPoint2D>("p");
     point->SetPoint({0.5, 0});
-    point->SetBody(body);
+    point->SetBody(body.Handle());
     body->AddGeometry(point);
     const auto placed = [&] {
-        const ViewScene scene = CollectScene(*builder.World(), "w");
+        const ViewScene scene = CollectScene(*model.World(), "w");
         return *Drawn(scene, scene.bodies, "flat");
     };
     KARMathVector first;
     KARMathVector second;
     KARMathPlane({0, 0, 5}, {1, 0, 0}).GetDirections(first, second);
     const KARMathPoint origin =
-        PositionOf(*carrier) * (KARMathPoint(0, 0, 5) + first * 2 + second * 3);
+        PositionOf(carrier) * (KARMathPoint(0, 0, 5) + first * 2 + second * 3);
     ExpectNear(placed().position * KARMathPoint(), origin);
     ExpectNear(placed().position * KARMathPoint(0, 0, 1), origin + KARMathVector(0, 1, 0));
     EXPECT_EQ(placed().rods.size(), 1U) << "from the point to the centre of gravity";
@@ -263,13 +263,12 @@ TEST(ViewScene, TellsPlanarPinsAndGuidesByWhatTheyMakeCoincide)
 
 TEST(ViewScene, LeavesOutBodiesThatAreNowhereAndSaysSo)
 {
-    MechanismBuilder builder(L"w", {});
-    const auto lost = builder.AddBody(L"lost", KARMathTransformation());
-    builder.AddPoint(lost, L"p", {1, 0, 0});
-    builder.AddJointAt<KARMPRevolute, KARMPRevoluteConstraint>(L"hinge", builder.Ground(), lost,
-                                                               Upright);
+    Model model("w");
+    const auto lost = model.Body("lost");
+    model.Point("p", lost, {1, 0, 0});
+    model.Joint<KARMPRevolute>("hinge", model.Ground(), lost, Upright);
     lost->SetPosition(KARMathTransformation(KARMathVector(std::nan(""), 0, 0)), 0);
-    const ViewScene scene = CollectScene(*builder.World(), "w");
+    const ViewScene scene = CollectScene(*model.World(), "w");
     EXPECT_EQ(Drawn(scene, scene.bodies, "lost"), nullptr);
     EXPECT_EQ(scene.joints.at(0).frames.size(), 1U) << "that of the ground";
     for (const ViewEntity& entity : scene.entities)
@@ -289,13 +288,14 @@ TEST(ViewScene, OfAnEmptyWorldIsEmptyAndUsable)
 
 TEST(ViewScene, SuitsItsSymbolsToTheRods)
 {
-    MechanismBuilder builder(L"w", {});
+    Model model("w");
     for (int i = 0; i < 100; ++i) {
-        const auto body = builder.AddBody(L"b" + std::to_wstring(i), {1.0 * i, 0, 0}, 0.0);
-        builder.AddPoint(body, L"p", {0, 0, 0});
-        builder.AddPoint(body, L"q", {1, 0, 0});
+        const KARMathPoint at(1.0 * i, 0, 0);
+        const auto body = model.Body("b" + std::to_string(i), {.at = at});
+        model.Point("p", body, at);
+        model.Point("q", body, at + KARMathVector(1, 0, 0));
     }
-    EXPECT_NEAR(CollectScene(*builder.World(), "w").symbolSize, 0.3, 1e-9);
+    EXPECT_NEAR(CollectScene(*model.World(), "w").symbolSize, 0.3, 1e-9);
 }
 
 } // namespace

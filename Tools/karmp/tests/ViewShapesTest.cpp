@@ -1,9 +1,8 @@
 // Bodies with representations in a page.
 #include "ViewShapes.h"
+#include "KARMPModel.h"
 #include "ViewFixture.h"
 #include "ViewJson.h"
-
-#include "../../../Examples/MechanismBuilder.h"
 
 #include <string>
 #include <vector>
@@ -11,6 +10,8 @@
 namespace karmp::tool {
 
 namespace {
+
+using karmp::model::Model;
 
 using Numbers = std::vector<double>;
 
@@ -89,16 +90,16 @@ TEST(ViewShapes, OfPlanarBodiesAreTheFacesOfTheirTopologicalBody)
 
 TEST(ViewShapes, AreSharedByTheBodiesThatHaveThem)
 {
-    MechanismBuilder builder(L"w", {});
-    const auto shape = builder.File<KARMPShape>(KARMP3DRep::create(L"cube"), L"cube");
-    const auto empty = builder.File<KARMPShape>(KARMP3DRep::create(L"none"), L"none");
+    Model model("w");
+    const auto shape = model.Add<KARMP3DRep>("cube");
+    const auto empty = model.Add<KARMP3DRep>("none");
     shape->Set3DRep(Triangle());
-    for (const auto* name : {L"a", L"b"}) {
-        const auto body = builder.AddBody(name, {100, 0, 0}, 0.0);
+    for (const auto* name : {"a", "b"}) {
+        const auto body = model.Body(name, {.at = KARMathPoint(100, 0, 0)});
         shape->LinkToBody(body);
         body->LinkToShape(shape);
     }
-    const ViewScene scene = CollectScene(*builder.World(), "w");
+    const ViewScene scene = CollectScene(*model.World(), "w");
     ASSERT_EQ(scene.shapes.size(), 1U);
     EXPECT_EQ(Drawn(scene, scene.bodies, "a")->shapes, std::vector<int>{0});
     EXPECT_EQ(Drawn(scene, scene.bodies, "b")->shapes, std::vector<int>{0});
