@@ -295,6 +295,27 @@ TEST_F(ItemTable, TakesBackWhatItGave)
     }
 }
 
+TEST_F(ItemTable, UnsetsEveryOptionalNumberByNone)
+{
+    int unset = 0;
+    for (const std::string& className : MadeClasses()) {
+        const FilledWorld filled(className);
+        for (const ItemInfo& item : ItemsOf(className)) {
+            if (item.kind != ItemKind::OptionalNumber)
+                continue;
+            SCOPED_TRACE(className + ' ' + kar::ToUtf8(item.path));
+            EXPECT_EQ(item.Set(*filled.entity, 0.5), KARSuccess);
+            EXPECT_EQ(item.Get(*filled.entity), Value(0.5));
+            EXPECT_TRUE(item.Takes(Value()));
+            EXPECT_EQ(item.Set(*filled.entity, Value()), KARSuccess);
+            EXPECT_TRUE(item.Get(*filled.entity).IsNone());
+            EXPECT_FALSE(item.CanRemoveTarget());
+            ++unset;
+        }
+    }
+    EXPECT_EQ(unset, 6);
+}
+
 TEST_F(ItemTable, ChangesEveryItemSavesLoadsAndFindsItEqual)
 {
     int changed = 0;

@@ -1,4 +1,5 @@
 #include "EditTesting.h"
+#include "RecordingVariableLoader.h"
 
 using namespace karmp::model;
 using karmp::Value;
@@ -63,6 +64,36 @@ TEST_F(ItemsTest, ReferenceIsSetOnBothSidesAndUnsetByNone)
     EXPECT_TRUE(model.Set(a, "Geometries", std::vector<Entity>{Entity(point.Handle())}));
     EXPECT_EQ(BrokenLinks(model), "");
     EXPECT_TRUE(model.Problems().empty());
+}
+
+TEST_F(ItemsTest, OptionalNumberIsUnsetByNoneAndOtherNumbersAreNot)
+{
+    Model model("M");
+    const auto angle = model.Variable("angle", KARMPPhysicalQuantity::Angle);
+    EXPECT_TRUE(model.Get(angle, "MinValue")->IsNone());
+    EXPECT_TRUE(model.Set(angle, "MinValue", -1.0));
+    EXPECT_EQ(*model.Get(angle, "MinValue"), Value(-1.0));
+    EXPECT_TRUE(model.Set(angle, "MinValue", Value()));
+    EXPECT_TRUE(model.Get(angle, "MinValue")->IsNone());
+    EXPECT_FALSE(angle->HasMinValue());
+    EXPECT_TRUE(model.Problems().empty());
+    EXPECT_FALSE(model.Set(model.Body("A"), "Mass", Value()));
+    ASSERT_EQ(model.Problems().size(), 1U);
+    EXPECT_NE(model.Problems()[0].text.find("takes a number, not none"), std::string::npos);
+}
+
+TEST_F(ItemsTest, NumberThatALoaderRefusesIsUnsetAgain)
+{
+    LoaderRecord record;
+    Model model("M");
+    const auto angle = model.Variable("angle", KARMPPhysicalQuantity::Angle);
+    angle->SetLoader(new RecordingVariableLoader(record));
+    record.answer = KARUnexpected;
+    EXPECT_FALSE(model.Set(angle, "MinValue", -1.0));
+    ASSERT_EQ(model.Problems().size(), 1U);
+    EXPECT_EQ(model.Problems()[0].status, KARUnexpected);
+    EXPECT_TRUE(model.Get(angle, "MinValue")->IsNone());
+    TakeReports();
 }
 
 TEST_F(ItemsTest, ReferenceToAnotherClassLeavesTheFormerOne)

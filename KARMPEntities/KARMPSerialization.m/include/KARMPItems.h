@@ -88,9 +88,9 @@ struct ItemInfo
     /// Stores a value by the way that reading takes, so that a loader hears of it. A word may be
     /// given as a text as well. A list takes the entities that it does not hold yet, records those
     /// behind the ones that they hold; links are made and dropped on this side only, none drops the
-    /// target of a reference. Returns what the class's setter returns, and a failure without a
-    /// change for a value that the item does not take, an entry of a list that is left out, and an
-    /// item that cannot be set.
+    /// target of a reference and unsets an optional number, of which a loader is not told. Returns
+    /// what the class's setter returns, and a failure without a change for a value that the item
+    /// does not take, an entry of a list that is left out, and an item that cannot be set.
     [[nodiscard]] KARMP_API KARStatus Set(KARMPEntity& entity, const Value& value) const;
     /// The same; `why` becomes a sentence on a failure and stays otherwise.
     [[nodiscard]] KARMP_API KARStatus Set(KARMPEntity& entity, const Value& value,

@@ -399,6 +399,13 @@ struct OptionalNumberAccess
         OwnerAs<C>(owner).*HasValue = true;
         return KARSuccess;
     }
+    // As in a new object. Classes and loaders have no operation for it.
+    static KARStatus Unset(void* owner, const ItemValue&)
+    {
+        OwnerAs<C>(owner).*Value = 0.0;
+        OwnerAs<C>(owner).*HasValue = false;
+        return KARSuccess;
+    }
 };
 /// An element with a flag and, while it is set, a number. `names` are those of flag and number.
 template <auto Value, auto HasValue>
@@ -418,6 +425,7 @@ constexpr ItemList<1> OptionalNumber(std::wstring_view name,
     item.words = names;
     item.get = &Access::Get;
     item.set = &Access::Set;
+    item.remove = &Access::Unset;
     item.hasSetter = true;
     item.where = where;
     return list;

@@ -147,7 +147,8 @@ struct Item
     const QOBClassInfo& (*target)() = nullptr;
     /// The item of the target that refers back, or those of which one does, between blanks.
     std::wstring_view otherSide;
-    /// Takes the target of a reference, or one entry of References, away; null when nothing does.
+    /// Takes the target of a reference, or one entry of References, away, or unsets an
+    /// OptionalNumber; null when nothing does.
     KARStatus (*remove)(void* owner, const ItemValue& value) = nullptr;
     /// Makes a record that is empty.
     std::shared_ptr<void> (*makeRecord)() = nullptr;

@@ -18,6 +18,11 @@ Target HandleOf(const ItemValue& value)
     return Target::unchecked(value.entity);
 }
 
+bool IsLink(ItemKind kind)
+{
+    return kind == ItemKind::Reference || kind == ItemKind::References;
+}
+
 Value WordIn(const ItemInfo& row, const ItemValue& value)
 {
     const auto index = static_cast<std::size_t>(value.number);
@@ -190,6 +195,8 @@ bool ItemInfo::Takes(const Value& value) const
     }
     if (kind == ItemKind::Records)
         return std::holds_alternative<std::vector<RecordValues>>(value);
+    if (kind == ItemKind::OptionalNumber && value.IsNone())
+        return true;
     ItemValue taken;
     return TakeValue(*this, item, value, taken);
 }
@@ -278,6 +285,8 @@ KARStatus ItemInfo::SetIn(void* owner, const Value& data) const
     if (kind == ItemKind::Records)
         return AddRecords(owner, data);
     ItemValue value;
+    if (kind == ItemKind::OptionalNumber && data.IsNone())
+        return read->remove(owner, value);
     return TakeValue(*this, *read, data, value) ? read->set(owner, value) : KARFailure;
 }
 
@@ -299,8 +308,7 @@ KARStatus ItemInfo::SetTargetIn(void* owner, const Value& data) const
 KARStatus ItemInfo::AddTarget(KARMPEntity& entity, const Target& linked,
                               std::wstring_view word) const
 {
-    const bool isLink = kind == ItemKind::Reference || kind == ItemKind::References;
-    if (!isLink || !readOnly.empty() || !IsTarget(*read, linked))
+    if (!IsLink(kind) || !readOnly.empty() || !IsTarget(*read, linked))
         return KARFailure;
     ItemValue value;
     value.target = &linked;
@@ -315,7 +323,7 @@ KARStatus ItemInfo::AddTarget(KARMPEntity& entity, const Target& linked,
 
 bool ItemInfo::CanRemoveTarget() const
 {
-    return readOnly.empty() && read->remove != nullptr;
+    return IsLink(kind) && readOnly.empty() && read->remove != nullptr;
 }
 
 KARStatus ItemInfo::RemoveTarget(KARMPEntity& entity, const Target& linked) const

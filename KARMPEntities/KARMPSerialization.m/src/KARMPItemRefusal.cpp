@@ -50,8 +50,9 @@ std::string ExpectedOf(const ItemInfo& item)
 {
     switch (item.kind) {
     case ItemKind::Number:
-    case ItemKind::OptionalNumber:
         return "a number";
+    case ItemKind::OptionalNumber:
+        return "a number or none";
     case ItemKind::Integer:
         return "a whole number";
     case ItemKind::Flag:
