@@ -1,11 +1,13 @@
 // The commands that edit a document: set, delete and rename.
 #include "Commands.h"
 #include "Differences.h"
+#include "EntityText.h"
 #include "KARMPEntity.h"
 #include "KARMPModel.h"
 #include "KARMPWorld.h"
 #include "KARTextConversion.h"
 #include "Loading.h"
+#include "Output.h"
 #include "TextValues.h"
 
 #include <algorithm>
@@ -19,14 +21,24 @@ namespace karmp::tool {
 namespace {
 
 using model::Model;
+using model::Ref;
 
 /// What a command does to a model; an exit code.
 using Work = std::function<int(Model&)>;
 
 int Refuse(const model::Problem& problem)
 {
-    std::cerr << "karmp: " << problem.text << '\n';
+    std::cerr << "karmp: " << Printable(problem.text) << '\n';
     return WrongArguments;
+}
+
+// The entity that a key names; false, with the reason told, when there is not one.
+Ref<KARMPEntity> EntityNamed(const Model& edited, const std::string& key)
+{
+    const auto entity = edited.Get<KARMPEntity>(key);
+    if (!entity)
+        Refuse(entity.Error());
+    return entity.ValueOr(nullptr);
 }
 
 // Loads, edits and writes, onto the document itself unless there is another output, and tells what
@@ -60,9 +72,19 @@ int EditDocument(const EditOptions& options, const Work& work)
     return std::max(written, ReportLosses(options.file, writing, *loaded, losses, json.str()));
 }
 
-std::string TitleOf(const KARMPEntity& entity)
+// Stores the value of an assignment, ITEM=VALUE; an exit code.
+int Assign(Model& edited, const Ref<KARMPEntity>& entity, const std::string& assignment)
 {
-    return entity.getClassName() + " \"" + kar::ToUtf8(entity.getEntityName()) + '"';
+    const std::size_t sign = assignment.find('=');
+    const std::string item = assignment.substr(0, sign);
+    if (const auto known = edited.Get(entity, item); !known)
+        return Refuse(known.Error());
+    const auto value =
+        ValueOfText(edited, *FindItem(entity->getClassInfo(), kar::ToWide(std::string_view(item))),
+                    assignment.substr(sign + 1));
+    if (!value)
+        return Refuse(value.Error());
+    return edited.Set(entity, item, *value) ? int{Clean} : Refuse(edited.Problems().back());
 }
 
 } // namespace
@@ -72,23 +94,12 @@ int RunSet(const EditOptions& options)
     return EditDocument(
         options,
         [&](Model& edited) -> int {
-            const auto entity = edited.Get<KARMPEntity>(options.entity);
+            const auto entity = EntityNamed(edited, options.entity);
             if (!entity)
-                return Refuse(entity.Error());
-            for (const std::string& assignment : options.assignments) {
-                const std::size_t sign = assignment.find('=');
-                const std::string item = assignment.substr(0, sign);
-                if (const auto known = edited.Get(*entity, item); !known)
-                    return Refuse(known.Error());
-                const auto value = ValueOfText(
-                    edited,
-                    *FindItem((*entity)->getClassInfo(), kar::ToWide(std::string_view(item))),
-                    assignment.substr(sign + 1));
-                if (!value)
-                    return Refuse(value.Error());
-                if (!edited.Set(*entity, item, *value))
-                    return Refuse(edited.Problems().back());
-            }
+                return WrongArguments;
+            for (const std::string& assignment : options.assignments)
+                if (const int code = Assign(edited, entity, assignment); code != Clean)
+                    return code;
             return Clean;
         });
 }
@@ -98,17 +109,18 @@ int RunDelete(const EditOptions& options)
     return EditDocument(
         options,
         [&](Model& edited) -> int {
+            model::RefList<KARMPEntity> doomed;
             for (const std::string& key : options.entities) {
-                const auto entity = edited.Get<KARMPEntity>(key);
-                if (!entity)
-                    return Refuse(entity.Error());
-                const auto deletion = edited.Delete(*entity, {.withShort = options.withShort});
-                if (!deletion)
-                    return Refuse(edited.Problems().back());
-                for (const model::Dependent& left : deletion.leftShort)
-                    std::cerr << "karmp: " << TitleOf(*left.entity) << " lacks something: its "
-                              << left.item << " lost " << TitleOf(*left.target.Handle()) << '\n';
+                doomed.push_back(EntityNamed(edited, key));
+                if (!doomed.back())
+                    return WrongArguments;
             }
+            const auto deletion = edited.Delete(doomed, {.withShort = options.withShort});
+            if (!deletion)
+                return Refuse(edited.Problems().back());
+            for (const model::Dependent& left : deletion.leftShort)
+                std::cerr << "karmp: " << TitleOf(*left.entity) << " lacks something: its "
+                          << left.item << " lost " << TitleOf(*left.target.Handle()) << '\n';
             return Clean;
         });
 }
@@ -118,11 +130,11 @@ int RunRename(const EditOptions& options)
     return EditDocument(
         options,
         [&](Model& edited) -> int {
-            const auto entity = edited.Get<KARMPEntity>(options.entity);
+            const auto entity = EntityNamed(edited, options.entity);
             if (!entity)
-                return Refuse(entity.Error());
-            return edited.Rename(*entity, options.name) ? int{Clean}
-                                                        : Refuse(edited.Problems().back());
+                return WrongArguments;
+            return edited.Rename(entity, options.name) ? int{Clean}
+                                                       : Refuse(edited.Problems().back());
         });
 }
 

@@ -78,11 +78,26 @@ Result<Value> FlagOf(const ItemInfo& item, const std::string& text)
     return Refused(item, text, "yes or no");
 }
 
+// "None" may be a text or a word itself.
+bool IsNone(ItemKind kind, const std::string& text)
+{
+    switch (kind) {
+    case ItemKind::Text:
+        return false;
+    case ItemKind::OptionalNumber:
+    case ItemKind::Reference:
+    case ItemKind::References:
+        return text.empty() || text == "None";
+    default:
+        return text.empty();
+    }
+}
+
 } // namespace
 
 Result<Value> ValueOfText(const Model& model, const ItemInfo& item, const std::string& text)
 {
-    if (text.empty() && item.kind != ItemKind::Text)
+    if (IsNone(item.kind, text))
         return item.kind == ItemKind::References ? Value(std::vector<Entity>()) : Value();
     if (item.isFlag)
         return FlagOf(item, text);

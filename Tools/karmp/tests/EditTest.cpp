@@ -74,6 +74,47 @@ TEST_F(EditCommands, UnknownEntityItemOrValueWritesNothing)
     EXPECT_EQ(ReadFile(m_document), CleanDocument());
 }
 
+TEST_F(EditCommands, OptionalNumberIsUnsetByNoneOrAnEmptyWord)
+{
+    for (const char* const none : {"", "None"}) {
+        EXPECT_EQ(Run("set '" + m_document + "' 'Crank angle' MinValue=-1.5").code, 0);
+        ExpectContains(ReadFile(m_document), "<MinValue>-1.5</MinValue>");
+        const Outcome outcome =
+            Run("set '" + m_document + "' 'Crank angle' MinValue=" + std::string(none));
+        EXPECT_EQ(outcome.code, 0) << outcome.output;
+        EXPECT_EQ(ReadFile(m_document).find("<MinValue>-1.5"), std::string::npos);
+        EXPECT_EQ(Run("check '" + m_document + '\'').code, 0);
+    }
+    ExpectContains(Run("set '" + m_document + "' Crank Mass=").output, "takes a number, not none");
+    ExpectContains(Run("set '" + m_document + "' Crank Mass=None").output,
+                   "\"None\" is not a number");
+}
+
+TEST_F(EditCommands, NamesReachTheTerminalWithoutTheirControlCharacters)
+{
+    const std::string name = "'\x1b[31mCrank'";
+    const Outcome outcomes[] = {
+        Run("rename '" + m_document + "' Crank " + name),
+        Run("delete '" + m_document + "' " + name + " --dry-run"),
+        Run("delete '" + m_document + "' 'Crank angle' " + name + " --with-short --dry-run"),
+        Run("set '" + m_document + "' " + name + " Mass=1"),
+        Run("set '" + m_document + "' " + name + " Mas=1"),
+        Run("rename '" + m_document + "' '\x1b[31mRocker' " + name)};
+    for (const Outcome& outcome : outcomes) {
+        ExpectContains(outcome.output, "\\x1b[31m");
+        EXPECT_EQ(outcome.output.find('\x1b'), std::string::npos) << outcome.output;
+    }
+    ExpectContains(outcomes[1].output, "lacks something: its Bodies lost Body \"\\x1b[31mCrank\"");
+}
+
+TEST_F(EditCommands, EntitiesThatGoTogetherMayBeNamedTogether)
+{
+    // The constraint goes with its joint.
+    const Outcome outcome = Run("delete '" + m_document + "' 'Crank pin' 'Crank pin.constraint'");
+    EXPECT_EQ(outcome.code, 0) << outcome.output;
+    EXPECT_EQ(ReadFile(m_document).find("\"Crank pin"), std::string::npos);
+}
+
 TEST_F(EditCommands, ReferencesAreSetOnBothSidesAndTakenAway)
 {
     EXPECT_EQ(Run("set '" + m_document + "' Damping is_fixed=yes").code, 64);
