@@ -156,23 +156,18 @@ bool IsKept(const KARMPWorld& world, const Entity& entity)
            object == axisSystem._getReferent() || object == time._getReferent();
 }
 
-// What can be refused, the operations of classes that forget a reference, comes before what cannot:
-// undoing restores the order of lists there.
 bool UnlinkAll(Edit& edit, const Plan& plan)
 {
-    for (const bool isMutual : {false, true}) {
-        for (const Referrer& referrer : plan.Referrers()) {
-            const ItemInfo& item = *referrer.item;
-            bool any = false;
-            if (referrer.isMutual != isMutual || item.kind == ItemKind::Records)
-                continue;
-            if (!item.CanRemoveTarget())
-                return edit.Fail(TitleOf(*referrer.entity) + " cannot let go of " +
-                                 TitleOf(*referrer.target) + ", its \"" + kar::ToUtf8(item.path) +
-                                 '"');
-            if (!edit.UnlinkOne(item, referrer.entity, referrer.target, !isMutual, any))
-                return false;
-        }
+    for (const Referrer& referrer : plan.Referrers()) {
+        const ItemInfo& item = *referrer.item;
+        bool any = false;
+        if (item.kind == ItemKind::Records)
+            continue;
+        if (!item.CanRemoveTarget())
+            return edit.Fail(TitleOf(*referrer.entity) + " cannot let go of " +
+                             TitleOf(*referrer.target) + ", its \"" + kar::ToUtf8(item.path) + '"');
+        if (!edit.UnlinkOne(item, referrer.entity, referrer.target, any))
+            return false;
     }
     return true;
 }

@@ -7,8 +7,8 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <limits>
 #include <utility>
+#include <variant>
 #include <vector>
 
 namespace karmp::model {
@@ -44,11 +44,14 @@ void Edit::Undo(EditStep& step)
         step.item->RemoveTarget(*step.entity, Entity(step.target));
         break;
     case EditStep::Kind::Unlinked:
-        RestoreHalf(*step.item, *step.entity, Entity(step.target), step.index,
-                    step.former ? step.former->word : std::wstring_view());
+        step.item->AddTarget(*step.entity, Entity(step.target));
+        break;
+    case EditStep::Kind::Shortened:
+        RestoreList(*step.item, *step.entity, std::get<std::vector<Entity>>(step.former->value),
+                    step.former->words);
         break;
     case EditStep::Kind::Set:
-        // What cannot be unset stays.
+        // A value that is none, and cannot be unset, stays.
         if (step.item->Takes(step.former->value))
             static_cast<void>(step.item->Set(*step.entity, step.former->value));
         break;
@@ -99,7 +102,8 @@ Edit::Entity Edit::Create(const QOBClassInfo& info, std::string_view identifier)
     const FamilyOperations* family = nullptr;
     Entity entity = m_core.Create(info, family);
     if (!entity || family == nullptr) {
-        Fail(entity ? "a world lists no " + info.getName()
+        Fail(entity ? "a world has no list for a " + info.getName() +
+                          ", which is kept by who makes it and by no document"
                     : "a " + info.getName() + " cannot be made");
         return {};
     }
@@ -137,30 +141,35 @@ bool Edit::LinkOne(const ItemInfo& item, const Entity& owner, const Entity& targ
     return true;
 }
 
-bool Edit::UnlinkOne(const ItemInfo& item, const Entity& owner, const Entity& target, bool inPlace,
-                     bool& any)
+// Once for all entries that are taken away, or a long list would be copied for each of them.
+void Edit::NoteList(const ItemInfo& item, const Entity& owner)
 {
+    if (!m_noted.emplace(owner.get(), &item).second)
+        return;
     EditStep& step = NextStep();
     step.item = &item;
     step.entity = owner.get();
-    step.target = target.get();
-    step.index = std::numeric_limits<int>::max();
-    if (item.kind == ItemKind::References && (inPlace || !item.entryWord.empty())) {
-        const auto targets = TargetsOf(item, *owner);
-        const auto words = item.EntryWords(*owner);
-        const auto found = std::find(targets.begin(), targets.end(), target);
-        const auto index = static_cast<std::size_t>(found - targets.begin());
-        step.index = static_cast<int>(index);
-        if (index < words.size()) {
-            step.former = std::make_unique<EditStep::Former>();
-            step.former->word = words[index];
-        }
-    }
+    step.former = std::make_unique<EditStep::Former>();
+    step.former->value = TargetsOf(item, *owner);
+    if (!item.entryWord.empty())
+        step.former->words = item.EntryWords(*owner);
+    step.kind = EditStep::Kind::Shortened;
+}
+
+bool Edit::UnlinkOne(const ItemInfo& item, const Entity& owner, const Entity& target, bool& any)
+{
+    if (item.kind == ItemKind::References)
+        NoteList(item, owner);
+    EditStep& step = NextStep();
     const KARStatus status = item.RemoveTarget(*owner, target);
-    if (status == KARSuccess)
+    if (status == KARSuccess && item.kind == ItemKind::Reference) {
         step.kind = EditStep::Kind::Unlinked;
-    else
+        step.item = &item;
+        step.entity = owner.get();
+        step.target = target.get();
+    } else {
         m_log.pop_back();
+    }
     any = any || status == KARSuccess;
     return !KARFailed(status) ||
            Fail("unlinking " + TitleOf(*owner) + " from " + TitleOf(*target) + " failed", status);
@@ -253,7 +262,7 @@ bool Edit::Unlink(const Entity& first, const Entity& second, std::string_view it
                     return &other != &pair && shared == half && back != nullptr &&
                            Holds(*back, *target, owner);
                 });
-            if (!isNeeded && !UnlinkOne(*half, owner, target, true, any))
+            if (!isNeeded && !UnlinkOne(*half, owner, target, any))
                 return false;
         }
     }

@@ -8,8 +8,10 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace karmp::model {
@@ -21,20 +23,18 @@ struct FamilyOperations;
 /// caller.
 struct EditStep
 {
-    enum class Kind : std::uint8_t { Nothing, Filed, Linked, Unlinked, Set, Renamed };
+    enum class Kind : std::uint8_t { Nothing, Filed, Linked, Unlinked, Shortened, Set, Renamed };
 
     /// What was there before.
     struct Former
     {
         std::wstring name;
         Value value;
-        /// The word of an entry of a list.
-        std::wstring_view word;
+        /// The words of the entries of a list.
+        std::vector<std::wstring_view> words;
     };
 
     Kind kind = Kind::Nothing;
-    /// Of an entry of a list that was unlinked.
-    int index = 0;
     KARMPEntity* entity = nullptr;
     KARMPEntity* target = nullptr;
     const FamilyOperations* family = nullptr;
@@ -89,19 +89,20 @@ public:
 
     /// Makes one half.
     bool LinkOne(const ItemInfo& item, const Entity& owner, const Entity& target);
-    /// Takes one half away; `any` becomes true if there was one. With `inPlace` undoing it restores
-    /// the order of a list, which looks at the whole list.
-    bool UnlinkOne(const ItemInfo& item, const Entity& owner, const Entity& target, bool inPlace,
-                   bool& any);
+    /// Takes one half away; `any` becomes true if there was one.
+    bool UnlinkOne(const ItemInfo& item, const Entity& owner, const Entity& target, bool& any);
 
 private:
     void Undo(EditStep& step);
     bool SetTargets(const Entity& entity, const ItemInfo& item, const Value& value);
     EditStep& NextStep();
+    void NoteList(const ItemInfo& item, const Entity& owner);
 
     Core& m_core;
     EditLog& m_log;
     std::size_t m_begin;
+    /// The lists that were noted as they were.
+    std::set<std::pair<const KARMPEntity*, const ItemInfo*>> m_noted;
     std::optional<Problem> m_reason;
 };
 

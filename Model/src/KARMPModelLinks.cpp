@@ -115,16 +115,17 @@ KARStatus LinkHalf(const ItemInfo& item, KARMPEntity& entity, const Entity& targ
     return item.AddTarget(entity, target, item.Count(entity) == 0 ? ParentWord : ChildWord);
 }
 
-void RestoreHalf(const ItemInfo& item, KARMPEntity& entity, const Entity& target, int index,
-                 std::wstring_view word)
+// What stands before the first difference stays.
+void RestoreList(const ItemInfo& item, KARMPEntity& entity, const std::vector<Entity>& targets,
+                 const std::vector<std::wstring_view>& words)
 {
-    const auto following = TargetsOf(item, entity);
-    const auto words = item.EntryWords(entity);
-    item.AddTarget(entity, target, word);
-    for (auto i = static_cast<std::size_t>(index); i < following.size(); ++i) {
-        item.RemoveTarget(entity, following[i]);
-        item.AddTarget(entity, following[i], i < words.size() ? words[i] : std::wstring_view());
-    }
+    const auto held = TargetsOf(item, entity);
+    const auto [other, former] =
+        std::mismatch(held.begin(), held.end(), targets.begin(), targets.end());
+    for (auto entry = other; entry != held.end(); ++entry)
+        item.RemoveTarget(entity, *entry);
+    for (auto i = static_cast<std::size_t>(former - targets.begin()); i < targets.size(); ++i)
+        item.AddTarget(entity, targets[i], i < words.size() ? words[i] : std::wstring_view());
 }
 
 const std::vector<LinkPair>& PairsBetween(const QOBClassInfo& first, const QOBClassInfo& second)

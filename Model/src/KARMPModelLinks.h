@@ -27,10 +27,10 @@ bool Holds(const ItemInfo& item, const KARMPEntity& entity,
 /// bodies, the first entry is the parent and the others are children.
 KARStatus LinkHalf(const ItemInfo& item, KARMPEntity& entity,
                    const QOBSharedHandle<KARMPEntity>& target);
-/// Links a target again that was at an index of a list, with its word, and brings what followed it
-/// behind it.
-void RestoreHalf(const ItemInfo& item, KARMPEntity& entity,
-                 const QOBSharedHandle<KARMPEntity>& target, int index, std::wstring_view word);
+/// Makes a list hold the targets that it held, with their words, in that order.
+void RestoreList(const ItemInfo& item, KARMPEntity& entity,
+                 const std::vector<QOBSharedHandle<KARMPEntity>>& targets,
+                 const std::vector<std::wstring_view>& words);
 
 /// The two halves of a link between entities of two classes, an item of each. A reference that
 /// needs no counterpart has a first half alone.

@@ -16,7 +16,7 @@ TEST_F(DeletionTest, NothingRefersToADeletedEntityOfAnyClass)
     const auto names = KARMPFactory::GetClassNames();
     for (const std::string& name : names) {
         Model model("M");
-        // No world lists it: it belongs to what an analysis finds.
+        // No world lists it, so that no model has one.
         if (name == "KARMPDiagnostic")
             continue;
         const Ref<KARMPEntity> entity = model.Add(name, "doomed");

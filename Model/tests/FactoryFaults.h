@@ -90,6 +90,10 @@ public:
     {
         return FaultCount::Or([&] { return KARMPVariable::SetValue(value); });
     }
+    KARStatus SetMinValue(double value) override
+    {
+        return FaultCount::Or([&] { return KARMPVariable::SetMinValue(value); });
+    }
     KARStatus SetPhysicalQuantity(KARMPPhysicalQuantity::Enum quantity) override
     {
         return FaultCount::Or([&] { return KARMPVariable::SetPhysicalQuantity(quantity); });
@@ -126,6 +130,14 @@ public:
     KARStatus SetBody(const QOBSharedHandle<KARMPBody>& body) override
     {
         return FaultCount::Or([&] { return KARMPSphere::SetBody(body); });
+    }
+};
+class FaultyRule : public KARMPCollisionRule
+{
+public:
+    KARStatus RemoveCollidable(const QOBSharedHandle<KARMPEntity>& collidable) override
+    {
+        return FaultCount::Or([&] { return KARMPCollisionRule::RemoveCollidable(collidable); });
     }
 };
 /// Loaders whose answers to a move are counted; what they answer when a body is fixed is a failed
@@ -195,6 +207,7 @@ public:
         Replace<PlainEntity<KARMPMotor>>("KARMPMotor");
         Replace<FaultyBushing>("KARMPBushing");
         Replace<FaultySphere>("KARMPSphere");
+        Replace<FaultyRule>("KARMPCollisionRule");
     }
     ~FactoryFaults()
     {

@@ -90,6 +90,8 @@ const std::vector<Call>& Changes()
          [](Model& model) {
              return model.Unlink(model.Find<KARMPJoint>("K"), model.Find<KARMPBody>("A"));
          }},
+        {"Delete a body",
+         [](Model& model) { return static_cast<bool>(model.Delete(model.Find<KARMPBody>("A"))); }},
         {"Delete a body with its joints",
          [](Model& model) {
              return static_cast<bool>(
@@ -111,6 +113,8 @@ const std::vector<Call>& Changes()
          }},
         {"Set a number",
          [](Model& model) { return model.Set(model.Find<KARMPBody>("A"), "Mass", 3.0); }},
+        {"Set a bound",
+         [](Model& model) { return model.Set(model.Find<KARMPVariable>("p"), "MinValue", -1.0); }},
         {"Set a reference",
          [](Model& model) {
              return model.Set(model.Find<KARMPEntity>("A.F"), "Body",
@@ -250,6 +254,16 @@ TEST_F(FaultsTest, ModelIsUnchangedWhenAnOperationOfAnEntityFails)
     for (const KARStatus status : {KARFailure, KARUnexpected, KARNotImplemented, KAROutOfMemory})
         for (const Call& call : Calls())
             EXPECT_GE(FailInTurn(call, Fault::Status, status), 1) << call.name;
+}
+
+TEST_F(FaultsTest, ModelIsUnchangedWhenAnOperationOfAChangeFails)
+{
+    std::set<std::string> failing;
+    for (const KARStatus status : {KARFailure, KARUnexpected, KARNotImplemented, KAROutOfMemory})
+        for (const Call& call : Changes())
+            if (FailInTurn(call, Fault::Status, status) > 0)
+                failing.insert(call.name);
+    EXPECT_EQ(failing, (std::set<std::string>{"Delete a body", "Set a bound", "Set a reference"}));
 }
 
 TEST_F(FaultsTest, ModelIsUnchangedWhenAnAllocationFails)

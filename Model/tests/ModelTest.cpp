@@ -158,6 +158,21 @@ TEST_F(ModelTest, NameAndIdentifierStartAsOneText)
     ExpectReports(1);
 }
 
+TEST_F(ModelTest, DiagnosticIsRefusedSinceNoWorldListsIt)
+{
+    Model model("M");
+    const std::string before = TextOf(model);
+    EXPECT_FALSE(model.Add("KARMPDiagnostic", "D"));
+    EXPECT_FALSE(model.Add<KARMPDiagnostic>("D"));
+    ASSERT_EQ(model.Problems().size(), 2U);
+    for (const Problem& problem : model.Problems())
+        EXPECT_EQ(problem.text, "a world has no list for a KARMPDiagnostic, which is kept by who "
+                                "makes it and by no document");
+    model.ClearProblems();
+    EXPECT_TRUE(TextOf(model) == before);
+    EXPECT_TRUE(model.Body("D"));
+}
+
 TEST_F(ModelTest, LookingUpGivesNoIdentifier)
 {
     Model model("M");
