@@ -9,65 +9,104 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#if defined(__SSE2__)
+#    include <emmintrin.h>
+#endif
 
 namespace karmp::documents {
 
 namespace {
 
 using Word = std::uint64_t;
-constexpr Word Ones = 0x0101010101010101U;
-constexpr Word Highs = Ones * 0x80U;
 constexpr bool IsLittleEndian = std::endian::native == std::endian::little;
 
-// The high bits of those of eight bytes that equal one byte. A borrow may also mark a byte behind a
-// marked one, never one before it.
-constexpr Word MarkEqual(Word word, char byte)
+bool IsBeyondAscii(char byte)
 {
-    const Word differences = word ^ Ones * static_cast<unsigned char>(byte);
-    return (differences - Ones) & ~differences & Highs;
+    return static_cast<signed char>(byte) < 0;
 }
 
-// The same for bytes that do not stand for themselves in the value of an attribute.
+// Bytes that do not stand for themselves in the value of an attribute.
 struct ValueMarks
 {
-    Word operator()(Word word) const
+    static bool Mark(char byte)
     {
-        const Word controls = (word - Ones * 0x20U) & ~word & Highs;
-        return (word & Highs) | controls | MarkEqual(word, '<') | MarkEqual(word, '&') |
-               MarkEqual(word, '\\');
+        return static_cast<signed char>(byte) < ' ' || byte == '<' || byte == '&' || byte == '\\';
+    }
+    template <class Block>
+    static unsigned Mark(const Block& block)
+    {
+        return block.Below(' ') | block.Equal('<') | block.Equal('&') | block.Equal('\\');
     }
 };
 
 // In the text of an element, tabs and line feeds stand for themselves.
 struct TextMarks
 {
-    Word operator()(Word word) const
+    static bool Mark(char byte)
     {
-        return (word & Highs) | MarkEqual(word, '&') | MarkEqual(word, '\\') |
-               MarkEqual(word, '\r');
+        return IsBeyondAscii(byte) || byte == '&' || byte == '\\' || byte == '\r';
+    }
+    template <class Block>
+    static unsigned Mark(const Block& block)
+    {
+        return block.Below(0) | block.Equal('&') | block.Equal('\\') | block.Equal('\r');
     }
 };
+
+#if defined(__SSE2__)
+// Sixteen bytes that are compared at once: a bit for each, which halves the scanner's time for
+// values and texts. As signed numbers, bytes beyond ASCII are below all others.
+class Block
+{
+public:
+    static constexpr std::ptrdiff_t Size = sizeof(__m128i);
+
+    explicit Block(const char* bytes)
+        : m_bytes(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes)))
+    {}
+    unsigned Equal(char byte) const { return Bits(_mm_cmpeq_epi8(m_bytes, _mm_set1_epi8(byte))); }
+    unsigned Below(char byte) const { return Bits(_mm_cmplt_epi8(m_bytes, _mm_set1_epi8(byte))); }
+
+private:
+    static unsigned Bits(__m128i bytes) { return static_cast<unsigned>(_mm_movemask_epi8(bytes)); }
+
+    __m128i m_bytes;
+};
+
+// Skips blocks in which a byte is not; their marks are in `marks` then. True when it was found.
+template <class Marks>
+bool SkipBlocks(char*& text, const char* end, char last, unsigned& marks)
+{
+    for (; end - text >= Block::Size; text += Block::Size) {
+        const Block block(text);
+        const unsigned found = block.Equal(last);
+        const unsigned marked = Marks::Mark(block);
+        if (found != 0) {
+            marks |= marked & ((found & (0U - found)) - 1U);
+            text += std::countr_zero(found);
+            return true;
+        }
+        marks |= marked;
+    }
+    return false;
+}
+#else
+template <class Marks>
+bool SkipBlocks(char*& /*text*/, const char* /*end*/, char /*last*/, unsigned& /*marks*/)
+{
+    return false;
+}
+#endif
 
 // The end of a text at a byte, and whether anything before that is marked. The end may be that of
 // all bytes, a null.
 template <class Marks>
 char* FindEnd(char* text, const char* end, char last, bool& isMarked)
 {
-    Word marks = 0;
-    while (IsLittleEndian && end - text >= static_cast<std::ptrdiff_t>(sizeof(Word))) {
-        Word word = 0;
-        std::memcpy(&word, text, sizeof word);
-        const Word found = MarkEqual(word, last);
-        if (found != 0) {
-            const int bits = std::countr_zero(found) / 8 * 8;
-            isMarked = (marks | (Marks()(word) & ((Word{1} << bits) - 1))) != 0;
-            return text + bits / 8;
-        }
-        marks |= Marks()(word);
-        text += sizeof word;
-    }
-    for (; text != end && *text != last; ++text)
-        marks |= Marks()(Ones * static_cast<unsigned char>(*text));
+    unsigned marks = 0;
+    if (!SkipBlocks<Marks>(text, end, last, marks))
+        for (; text != end && *text != last; ++text)
+            marks |= Marks::Mark(*text) ? 1U : 0U;
     isMarked = marks != 0;
     return text;
 }
@@ -220,7 +259,7 @@ bool DocumentScanner::ScanMark()
 
 bool DocumentScanner::ScanStartTag()
 {
-    const RepeatedNames::Name name = m_names.Get(m_at, m_end);
+    const RepeatedNames::Name name = m_names.Get(m_at, m_end, m_open.size());
     if (m_open.size() >= m_limits.depth || ++m_nodes > m_limits.nodes ||
         name.size > m_limits.nameLength)
         return false;
@@ -249,6 +288,8 @@ bool DocumentScanner::ScanStartTag()
 bool DocumentScanner::ScanAttributes(bool& isClosed)
 {
     const std::size_t first = m_records.attributes.size();
+    std::uint64_t seen = 0;
+    bool areNew = true;
     for (;;) {
         SkipBlanks();
         if (!BeginsName(*m_at))
@@ -256,19 +297,23 @@ bool DocumentScanner::ScanAttributes(bool& isClosed)
         // A blank divides attributes from each other and from the name.
         if (!IsBlank(m_at[-1]) || !ScanAttribute())
             return false;
+        const std::uint64_t bit = std::uint64_t{1} << (m_records.attributes.back().name % 64);
+        areNew = areNew && (seen & bit) == 0;
+        seen |= bit;
     }
     isClosed = *m_at == '/';
     m_at += isClosed ? 1 : 0;
     if (*m_at != '>')
         return false;
     ++m_at;
-    CheckNames(first);
+    if (!areNew)
+        CheckNames(first);
     return true;
 }
 
 bool DocumentScanner::ScanAttribute()
 {
-    const RepeatedNames::Name name = m_names.Get(m_at, m_end);
+    const RepeatedNames::Name name = m_names.Get(m_at, m_end, m_open.size());
     if (++m_nodes > m_limits.nodes || name.size > m_limits.nameLength)
         return false;
     const bool isIdentifier = name.size == 2 && m_at[0] == 'i' && m_at[1] == 'd';
@@ -303,23 +348,12 @@ bool DocumentScanner::ScanAttribute()
     return std::strchr(value, '<') == nullptr;
 }
 
-// For a few names, comparing all pairs is faster than sorting them.
+// Tells whether two attributes have one name.
 void DocumentScanner::CheckNames(std::size_t first)
 {
-    constexpr std::size_t few = 8;
-    const AttributeRecord* const begin = m_records.attributes.data() + first;
-    const AttributeRecord* const end = m_records.attributes.data() + m_records.attributes.size();
-    if (m_records.attributes.size() - first <= few) {
-        bool areNew = true;
-        for (const AttributeRecord* attribute = begin; attribute != end; ++attribute)
-            for (const AttributeRecord* former = begin; former != attribute; ++former)
-                areNew = areNew && former->name != attribute->name;
-        m_isDoubtful = m_isDoubtful || !areNew;
-        return;
-    }
     std::vector<std::uint32_t> names;
-    for (const AttributeRecord* attribute = begin; attribute != end; ++attribute)
-        names.push_back(attribute->name);
+    for (std::size_t index = first; index < m_records.attributes.size(); ++index)
+        names.push_back(m_records.attributes[index].name);
     std::sort(names.begin(), names.end());
     if (std::adjacent_find(names.begin(), names.end()) != names.end())
         m_isDoubtful = true;
@@ -400,7 +434,7 @@ void DocumentScanner::CheckReferences(const char* raw)
 // The first attribute of the name counts.
 void DocumentScanner::CheckRoot()
 {
-    const auto& [elements, attributes, pieces, names, identifiers] = m_records;
+    const auto& [elements, attributes, pieces, names, identifiers, simple] = m_records;
     const auto& known = KnownVersions();
     for (std::uint32_t index = elements[1].attributes; index-- > elements[0].attributes;)
         if (names[attributes[index].name].View() == VersionName) {

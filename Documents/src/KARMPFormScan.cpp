@@ -37,6 +37,8 @@ const char* SkipDigits(const char* text)
 // 0. Other texts may be good numbers too.
 bool IsUsualNumber(const char* text)
 {
+    if (*text >= '0' && *text <= '9' && text[1] == '\0')
+        return true;
     constexpr std::ptrdiff_t mostDigits = 100;
     const char* const begin = text + (*text == '-' ? 1 : 0);
     const char* end = SkipDigits(begin);
@@ -120,6 +122,8 @@ std::vector<FormScan::Form> FormScan::FormsOf(const std::vector<SchemaItem>& ite
         forms[index].item = &items[index];
         forms[index].name = m_records.names.Find(items[index].name);
         forms[index].applies = items[index].Applies(m_version);
+        forms[index].isNumber =
+            items[index].kind == ItemKind::Number && items[index].attributes.empty();
         if (forms[index].applies && items[index].presence != ItemPresence::Optional)
             needed |= std::uint64_t{1} << index;
     }
@@ -257,6 +261,15 @@ bool FormScan::CheckElement(std::uint32_t number, Form& form, const Form* side, 
                   : CheckChildren(number, form, side, level);
 }
 
+// True for a number without attributes, as most elements are.
+bool FormScan::IsUsualNumber(std::uint32_t number, const Form& form) const
+{
+    const ElementRecord& record = RecordOf(number);
+    return form.isNumber && record.end == number + 1 &&
+           (&record)[1].attributes == record.attributes && record.Kind() == TextKind::Plain &&
+           documents::IsUsualNumber(m_source.At(record.text));
+}
+
 // Of the root, the parser tells.
 bool FormScan::CheckAttributes(std::uint32_t number, Form& form, unsigned level) const
 {
@@ -269,8 +282,9 @@ bool FormScan::CheckAttributes(std::uint32_t number, Form& form, unsigned level)
         if (found == nullptr)
             return false;
         const std::uint64_t bit = std::uint64_t{1} << (found - form.attributes.data());
-        if ((seen & bit) != 0 || !CheckText(m_source.At(attribute.value), attribute.isPlain != 0,
-                                            *found, TextContext::Attribute))
+        if ((seen & bit) != 0 || (found->item->kind != ItemKind::Text &&
+                                  !CheckText(m_source.At(attribute.value), attribute.isPlain != 0,
+                                             *found, TextContext::Attribute)))
             return false;
         seen |= bit;
     }
@@ -318,7 +332,8 @@ bool FormScan::CheckChildren(std::uint32_t number, Form& form, const Form* side,
         seen |= bit;
         if (level == EntityLevel)
             side = found->isSide ? found : nullptr;
-        if (!CheckElement(child, *found, level <= EntityLevel + 1 ? side : nullptr, level + 1))
+        if (!IsUsualNumber(child, *found) &&
+            !CheckElement(child, *found, level <= EntityLevel + 1 ? side : nullptr, level + 1))
             return false;
         if (bit == 1)
             flag = child;

@@ -41,6 +41,8 @@ private:
         std::uint32_t name = 0;
         /// False at another version.
         bool applies = false;
+        /// A number in an element without attributes.
+        bool isNumber = false;
         /// The attributes and elements are made.
         bool isMade = false;
         /// A flag and the number that it says to be there.
@@ -115,6 +117,7 @@ private:
 
     static Form* FindForm(std::vector<Form>& forms, std::uint32_t name, std::size_t& likely);
     bool CheckElement(std::uint32_t number, Form& form, const Form* side, unsigned level);
+    bool IsUsualNumber(std::uint32_t number, const Form& form) const;
     bool CheckAttributes(std::uint32_t number, Form& form, unsigned level) const;
     bool CheckChildren(std::uint32_t number, Form& form, const Form* side, unsigned level);
     bool CheckEntities(std::uint32_t list, const Family& family);

@@ -39,7 +39,8 @@ inline bool BeginsName(char byte)
 }
 
 /// The names of a document: a number for each different one, from its bytes. Names usually follow
-/// each other in a repeated order, so that the last four asked for predict the next.
+/// each other in a repeated order, so that the last four asked for and the depth predict the next:
+/// the depth tells a further entry of a list from what follows the list.
 class RepeatedNames
 {
 public:
@@ -63,10 +64,10 @@ public:
 
     /// The name at the front of bytes that must not move; a byte that is in no name ends it at
     /// `end` or before.
-    Name Get(const char* bytes, const char* end)
+    Name Get(const char* bytes, const char* end, std::size_t depth = 0)
     {
         const auto left = static_cast<std::size_t>(end - bytes);
-        const Entry*& guess = m_guesses[(m_history * Mixer) >> (64U - GuessBits)];
+        const Entry*& guess = m_guesses[((m_history ^ depth << 8U) * Mixer) >> (64U - GuessBits)];
         if (!guess->Is(bytes, left))
             guess = &Look(bytes);
         m_history = m_history << 16U ^ guess->name.number;
@@ -117,7 +118,7 @@ private:
         Word m_last = 0;
     };
     static constexpr Word Mixer = 0x9E3779B97F4A7C15U;
-    static constexpr unsigned GuessBits = 9;
+    static constexpr unsigned GuessBits = 11;
 
     static Word Load(const char* bytes)
     {

@@ -75,6 +75,8 @@ struct DocumentRecords
     RecordedNames names;
     /// How many numbers of identifiers there are, from 0.
     std::uint32_t identifiers = 0;
+    /// The element that was last found to be simple by RecordElement.
+    mutable std::uint32_t lastSimple = 0;
 };
 
 /// An element of a document in its records; none when `records` is null.

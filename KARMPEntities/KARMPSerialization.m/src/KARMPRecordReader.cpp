@@ -3,6 +3,7 @@
 #include "KARMPContentReader.h"
 #include "KARMPItemKind.h"
 #include "KARMPNodeSource.h"
+#include "KARMPValue.h"
 #include "KARTextConversion.h"
 
 #include <algorithm>
@@ -53,37 +54,50 @@ bool ToFlag(std::string_view text, bool& flag)
 
 } // namespace
 
+// An entity's element is looked at by each of its classes in a row.
 RecordElement::RecordElement(const RecordedElement& element, const KARMPDeserializer* node)
-    : m_element(element), m_node(node)
+    : m_element(element),
+      m_node(node),
+      m_likely(element.number + 1),
+      m_isSimple(element.records->lastSimple == element.number || HasDistinctNames())
 {
-    Collect();
+    if (m_isSimple)
+        element.records->lastSimple = element.number;
 }
 
 RecordElement::RecordElement(const RecordElement& parent, std::uint32_t number)
-    : m_element{parent.m_element.records, parent.m_element.bytes, number}, m_parent(&parent)
-{
-    Collect();
-}
+    : m_element{parent.m_element.records, parent.m_element.bytes, number},
+      m_parent(&parent),
+      m_likely(number + 1),
+      m_isSimple(HasDistinctNames())
+{}
 
-void RecordElement::Collect()
+bool RecordElement::HasDistinctNames() const
 {
+    constexpr std::uint32_t most = 16;
     const ElementRecord* const records = m_element.records->elements.data();
-    std::uint64_t bits = 0;
     const std::uint32_t end = records[m_element.number].end;
+    std::uint64_t bits = 0;
+    std::uint32_t count = 0;
     for (std::uint32_t child = m_element.number + 1; child != end; child = records[child].end) {
         const std::uint64_t bit = std::uint64_t{1} << (records[child].name % 64);
-        const bool isNew = (bits & bit) == 0 ||
-                           std::none_of(m_children.begin(), m_children.begin() + m_count,
-                                        [&](std::uint32_t former) {
-                                            return records[former].name == records[child].name;
-                                        });
-        if (m_count == Most || !isNew) {
-            m_isSimple = false;
-            return;
-        }
+        if (++count > most ||
+            ((bits & bit) != 0 && FindFrom(m_element.number + 1, child, records[child].name) != 0))
+            return false;
         bits |= bit;
-        m_children[m_count++] = child;
     }
+    return true;
+}
+
+// The first child of a name before the end; 0 when there is none.
+std::uint32_t RecordElement::FindFrom(std::uint32_t child, std::uint32_t end,
+                                      std::uint32_t name) const
+{
+    const ElementRecord* const records = m_element.records->elements.data();
+    for (; child != end; child = records[child].end)
+        if (records[child].name == name)
+            return child;
+    return 0;
 }
 
 std::uint32_t RecordElement::Find(std::wstring_view name)
@@ -92,15 +106,12 @@ std::uint32_t RecordElement::Find(std::wstring_view name)
     if (wanted == NoName)
         return 0;
     const ElementRecord* const records = m_element.records->elements.data();
-    for (std::uint32_t step = 0; step < m_count; ++step) {
-        std::uint32_t index = m_likely + step;
-        index = index < m_count ? index : index - m_count;
-        if (records[m_children[index]].name == wanted) {
-            m_likely = index + 1;
-            return m_children[index];
-        }
-    }
-    return 0;
+    std::uint32_t found = FindFrom(m_likely, records[m_element.number].end, wanted);
+    if (found == 0)
+        found = FindFrom(m_element.number + 1, m_likely, wanted);
+    if (found != 0)
+        m_likely = records[found].end;
+    return found;
 }
 
 const KARMPDeserializer* RecordElement::Node() const
@@ -158,7 +169,8 @@ bool RecordReader::Read(const Item& item, std::span<const Item> inner, RecordEle
     case ItemKind::Group:
         return ReadGroup(item, inner, number, element);
     case ItemKind::Reference:
-        return !item.isValueReference && ReadReference(item, number);
+        return item.isValueReference ? ReadValueReference(item, number, element)
+                                     : ReadReference(item, number);
     case ItemKind::References:
         return ReadReferences(item, inner, number);
     case ItemKind::Numbers:
@@ -335,6 +347,17 @@ bool RecordReader::ReadReference(const Item& item, std::uint32_t number)
         return true;
     m_value.target = entry.target;
     ElementReader::Set(item.set(m_owner, m_value), item.where);
+    return true;
+}
+
+// Throws what a reader from nodes throws when the target is no value.
+bool RecordReader::ReadValueReference(const Item& item, std::uint32_t number,
+                                      RecordElement& element)
+{
+    m_value.target = FindNumbered(m_entities, {m_recorded.records, m_recorded.bytes, number});
+    if (m_value.target == nullptr || !HandleAs<KARMPValue>(*m_value.target))
+        return false;
+    Store(item, element);
     return true;
 }
 

@@ -38,18 +38,15 @@ public:
     void Fail() { m_failed = true; }
 
 private:
-    static constexpr std::size_t Most = 16;
-
-    void Collect();
+    bool HasDistinctNames() const;
+    std::uint32_t FindFrom(std::uint32_t child, std::uint32_t end, std::uint32_t name) const;
 
     RecordedElement m_element;
     const RecordElement* m_parent = nullptr;
     mutable const KARMPDeserializer* m_node = nullptr;
-    std::array<std::uint32_t, Most> m_children;
-    std::uint32_t m_count = 0;
     /// The child after the one found last, which is mostly asked for next.
-    std::uint32_t m_likely = 0;
-    bool m_isSimple = true;
+    std::uint32_t m_likely;
+    bool m_isSimple;
     bool m_failed = false;
 };
 
@@ -93,6 +90,7 @@ private:
     bool ReadGroup(const Item& item, std::span<const Item> inner, std::uint32_t number,
                    RecordElement& element);
     bool ReadReference(const Item& item, std::uint32_t number);
+    bool ReadValueReference(const Item& item, std::uint32_t number, RecordElement& element);
     bool ReadReferences(const Item& item, std::span<const Item> inner, std::uint32_t number);
 
     bool TakeEntry(std::uint32_t number, std::span<const Item> inner, Entry& entry);
