@@ -4,9 +4,16 @@
     model.bodies["Rocker"].mass = 0.75
     model.save("heavier.xml")
 """
-
-from . import _karmp
 from ._karmp import *
+from ._karmp import _items
+
+# Printers of the standard library want functions that can be keys.
+for _class in (Difference, Entities, Finding, Links, Model):
+    _class.__repr__ = lambda self, _represent=_class.__repr__: _represent(self)
+
+# Printers of the standard library want functions that can be keys.
+for _class in (Difference, Entities, Finding, Links, Model):
+    _class.__repr__ = lambda self, _represent=_class.__repr__: _represent(self)
 
 
 def _model(text):

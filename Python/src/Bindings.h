@@ -13,6 +13,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <unordered_map>
 #include <vector>
 
@@ -21,8 +22,14 @@ namespace karmp::python {
 namespace py = pybind11;
 using Entity = QOBSharedHandle<KARMPEntity>;
 
+/// What objects of the module's classes hold, which is never null.
+struct Held
+{};
+template <class T>
+concept NeverNull = std::is_base_of_v<Held, T> || std::is_same_v<T, documents::Diagnostic>;
+
 /// A model, which lives as long as its Python object or that of one of its entities does.
-struct ModelState
+struct ModelState : Held
 {
     explicit ModelState(model::Model made, documents::Diagnostics told = {})
         : model(std::move(made)), findings(std::move(told))
@@ -240,3 +247,16 @@ void BindModelDocuments(py::module_& module, ModelClass& of);
 void BindColumns(ModelClass& of);
 
 } // namespace karmp::python
+
+/// None is no object, be it given as self.
+template <karmp::python::NeverNull T>
+class pybind11::detail::type_caster<std::shared_ptr<T>>
+    : public pybind11::detail::copyable_holder_caster<T, std::shared_ptr<T>>
+{
+public:
+    bool load(pybind11::handle source, bool convert)
+    {
+        return !source.is_none() &&
+               pybind11::detail::copyable_holder_caster<T, std::shared_ptr<T>>::load(source, convert);
+    }
+};

@@ -16,7 +16,7 @@ using Found = std::shared_ptr<Diagnostic>;
 using py::literals::operator""_a;
 
 /// A difference, its entities as Python objects.
-struct DifferenceObject
+struct DifferenceObject : Held
 {
     std::string kind;
     std::string item;
@@ -124,6 +124,7 @@ py::list Diff(const State& self, const State& other, double tolerance, double fl
         };
         const bool isNew = !difference.before;
         list.append(std::make_shared<DifferenceObject>(DifferenceObject{
+            {},
             documents::DifferenceText(difference.kind), kar::ToUtf8(difference.item),
             isNew ? Wrap(difference.after, other) : Wrap(difference.before, self),
             value(difference.oldValue, self), value(difference.newValue, other),

@@ -100,7 +100,10 @@ PyObject* GetProperty(PyObject* self, void* property)
     try {
         EntityObject& object = ObjectOf(self);
         CheckAlive(object);
-        return GetItem(object, *static_cast<Property*>(property)).release().ptr();
+        auto& row = *static_cast<Property*>(property);
+        if (row.item == nullptr)
+            RaiseNoItem(ClassOf(*object.entity), row.name);
+        return GetItem(object, row).release().ptr();
     } catch (...) {
         SetException();
         return nullptr;
@@ -111,6 +114,8 @@ int SetProperty(PyObject* self, PyObject* value, void* property)
 {
     try {
         const Property& row = *static_cast<Property*>(property);
+        if (row.item == nullptr)
+            RaiseNoItem(ClassOf(*ObjectOf(self).entity), row.name);
         if (value == nullptr)
             Raise(PyExc_TypeError, row.name + " cannot be deleted");
         SetItem(ObjectOf(self), row, value);
@@ -154,50 +159,61 @@ std::string DocOf(const ItemInfo& item)
     if (item.quantity != KARMPPhysicalQuantity::NoPhysicalQuantity)
         doc += " Quantity: " + QuantityText(item.quantity) + '.';
     for (std::size_t i = 0; item.kind == ItemKind::Word && i < item.words.size(); ++i)
-        doc += (i == 0 ? " One of " : ", ") + kar::ToUtf8(item.words[i]);
+        doc += (i == 0 ? " One of " : ", ") + kar::ToUtf8(item.words[i]) +
+               (i + 1 == item.words.size() ? "." : "");
     if (!item.readOnly.empty())
         doc += " Read only: " + std::string(item.readOnly);
     return doc;
 }
 
-// Those of the base whose rows are the same.
-bool IsInherited(const ItemInfo& item, const Property& inherited)
+// The base's property of the same row, null without one.
+Property* InheritedOf(const ItemInfo& item, const EntityClass* base)
 {
-    const ItemInfo& base = *inherited.item;
-    return base.written == item.written && base.read == item.read &&
-           base.readOnly == item.readOnly && base.path == item.path;
+    if (base == nullptr)
+        return nullptr;
+    const auto found = std::find_if(
+        base->properties.begin(), base->properties.end(), [&item](const Property* property) {
+            const ItemInfo& row = *property->item;
+            return row.written == item.written && row.read == item.read &&
+                   row.readOnly == item.readOnly && row.path == item.path;
+        });
+    return found != base->properties.end() ? *found : nullptr;
+}
+
+void AddDescriptor(const EntityClass& of, Property& property)
+{
+    property.definition = {property.name.c_str(), &GetProperty, &SetProperty, property.doc.c_str(),
+                           &property};
+    const auto descriptor =
+        py::reinterpret_steal<py::object>(PyDescr_NewGetSet(of.type, &property.definition));
+    if (!descriptor ||
+        PyDict_SetItemString(of.type->tp_dict, property.name.c_str(), descriptor.ptr()) != 0)
+        throw py::error_already_set();
 }
 
 void AddProperties(EntityClass& of, const EntityClass* base)
 {
     std::map<std::string, int> uses;
-    std::vector<const ItemInfo*> own;
-    if (base != nullptr)
-        of.properties = base->properties;
-    for (const Property* const inherited : of.properties)
-        ++uses[inherited->name];
-    for (const ItemInfo& item : ItemsOf(*of.info)) {
-        const bool isInherited =
-            std::any_of(of.properties.begin(), of.properties.end(),
-                        [&item](const Property* property) { return IsInherited(item, *property); });
-        if (isInherited)
-            continue;
-        own.push_back(&item);
-        ++uses[SnakeCase(item.name)];
+    const auto items = ItemsOf(*of.info);
+    for (const ItemInfo& item : items) {
+        const Property* const inherited = InheritedOf(item, base);
+        ++uses[inherited != nullptr ? inherited->name : SnakeCase(item.name)];
     }
-    for (const ItemInfo* const item : own) {
-        auto& property = *new Property{item, SnakeCase(item->name), DocOf(*item)};
-        if (uses[property.name] > 1)
-            property.name = SnakeCase(item->path);
-        property.definition = {property.name.c_str(), &GetProperty, &SetProperty,
-                               property.doc.c_str(), &property};
-        PyObject* const descriptor = PyDescr_NewGetSet(of.type, &property.definition);
-        if (descriptor == nullptr ||
-            PyDict_SetItemString(of.type->tp_dict, property.name.c_str(), descriptor) != 0)
-            throw py::error_already_set();
-        Py_DECREF(descriptor);
-        of.properties.push_back(&property);
+    for (const ItemInfo& item : items) {
+        Property* property = InheritedOf(item, base);
+        if (property == nullptr) {
+            property = new Property{&item, SnakeCase(item.name), DocOf(item)};
+            if (uses[property->name] > 1)
+                property->name = SnakeCase(item.path);
+            AddDescriptor(of, *property);
+        }
+        of.properties.push_back(property);
     }
+    // A planar class is no spatial one in documents: what it does not hold is hidden.
+    for (const Property* const property :
+         base != nullptr ? base->properties : std::vector<Property*>())
+        if (FindProperty(of, property->name) == nullptr)
+            AddDescriptor(of, *new Property{nullptr, property->name, "No item of the class."});
     PyType_Modified(of.type);
 }
 

@@ -60,7 +60,7 @@ const std::vector<FamilyCalls>& Calls()
 }
 
 /// The entities of a class, those of the classes that are derived from it as well.
-struct Entities
+struct Entities : Held
 {
     State state;
     const EntityClass* of;
@@ -78,7 +78,7 @@ struct Entities
     }
     AnyRef Find(const std::string& key) const;
 };
-using Held = std::shared_ptr<Entities>;
+using Collection = std::shared_ptr<Entities>;
 
 AnyRef Entities::Find(const std::string& key) const
 {
@@ -93,13 +93,13 @@ AnyRef Entities::Find(const std::string& key) const
     return all.size() == 1 ? all.front() : AnyRef();
 }
 
-Held EntitiesOf(const State& state, const EntityClass& of)
+Collection EntitiesOf(const State& state, const EntityClass& of)
 {
     const auto found =
         std::find_if(Calls().begin(), Calls().end(), [&of](const FamilyCalls& family) {
             return of.info->isDerivedFrom(*family.info);
         });
-    return std::make_shared<Entities>(Entities{state, &of, &*found});
+    return std::make_shared<Entities>(Entities{{}, state, &of, &*found});
 }
 
 py::list List(const Entities& entities)
@@ -111,7 +111,7 @@ py::list List(const Entities& entities)
     return list;
 }
 
-py::object Item(const Held& self, const py::object& key)
+py::object Item(const Collection& self, const py::object& key)
 {
     if (!PyUnicode_Check(key.ptr()))
         return py::object(List(*self)[key]);
@@ -122,7 +122,7 @@ py::object Item(const Held& self, const py::object& key)
                                           : "there is no " + self->of->name + " \"" + text + '"');
 }
 
-bool Contains(const Held& self, const py::object& key)
+bool Contains(const Collection& self, const py::object& key)
 {
     if (PyUnicode_Check(key.ptr()))
         return static_cast<bool>(self->Find(Utf8Of(key)));
@@ -135,25 +135,25 @@ bool Contains(const Held& self, const py::object& key)
 
 void BindCollection(py::module_& module)
 {
-    py::class_<Entities, Held> entities(
+    py::class_<Entities, Collection> entities(
         module, "Entities",
         "The entities of a class in a model, by identifier or name, or by index.");
     Seal(entities);
     entities
         .def("__len__",
-             [](const Held& self) {
+             [](const Collection& self) {
                  CheckFree(*self->state);
                  return self->IsWhole()
                             ? static_cast<std::size_t>(self->family->count(self->state->model))
                             : self->All().size();
              })
-        .def("__iter__", [](const Held& self) { return py::iter(List(*self)); })
+        .def("__iter__", [](const Collection& self) { return py::iter(List(*self)); })
         .def("__getitem__", &Item)
         .def("__contains__", &Contains)
-        .def("__repr__", [](const Held& self) { return py::repr(List(*self)); })
+        .def("__repr__", [](const Collection& self) { return py::repr(List(*self)); })
         .def(
             "get",
-            [](const Held& self, const py::object& key, const py::object& other) {
+            [](const Collection& self, const py::object& key, const py::object& other) {
                 const AnyRef found = self->Find(Utf8Of(key));
                 return found ? Wrap(found.Handle(), self->state) : other;
             },
@@ -161,7 +161,7 @@ void BindCollection(py::module_& module)
             "The entity of an identifier or name, the default when there is none or several.")
         .def(
             "keys",
-            [](const Held& self) {
+            [](const Collection& self) {
                 py::list keys;
                 for (const AnyRef& entity : self->All()) {
                     std::wstring identifier;

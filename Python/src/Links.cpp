@@ -8,7 +8,7 @@ namespace karmp::python {
 namespace {
 
 /// A list of entities that an entity refers to. Each call looks at the list as it is then.
-struct Links
+struct Links : Held
 {
     py::object owner;
     Property* property;
@@ -23,7 +23,7 @@ struct Links
     }
     py::list List() const { return py::list(ToPython(Targets(), *property, Owner().state)); }
 };
-using Held = std::shared_ptr<Links>;
+using LinksHandle = std::shared_ptr<Links>;
 
 // The call of a model by which a list is changed, so that both ends know.
 void Edit(const Links& links, py::handle target, bool isAdded)
@@ -55,13 +55,23 @@ bool Contains(const Links& links, py::handle target)
                      reinterpret_cast<EntityObject*>(target.ptr())->entity) != targets.end();
 }
 
+// The fields that the class fills itself, of records that are to be added.
+void LeaveToClass(Value& records, const ItemInfo& item, const KARMPEntity& entity)
+{
+    auto& list = std::get<std::vector<RecordValues>>(records);
+    for (std::size_t i = item.GetRecords(entity).size(); i < list.size(); ++i)
+        for (std::size_t field = 0; field < item.fields.size(); ++field)
+            if (!item.fields[field].readOnly.empty())
+                list[i][field] = Value();
+}
+
 } // namespace
 
 py::object GetItem(EntityObject& object, Property& property)
 {
     const ItemInfo& item = *property.item;
     if (item.kind == ItemKind::References && item.CanGet())
-        return py::cast(std::make_shared<Links>(
+        return py::cast(std::make_shared<Links>(Held(), 
             py::reinterpret_borrow<py::object>(reinterpret_cast<PyObject*>(&object)), &property));
     Checks& checks = Checks::OfThread();
     checks.Begin();
@@ -78,8 +88,10 @@ void SetItem(EntityObject& object, const Property& property, py::handle value)
         Raise(PyExc_AttributeError,
               property.name + " cannot be set: " + std::string(item.readOnly));
     // Converting may run any code.
-    const Value made = FromPython(value, item, AliveOf(self).state);
+    Value made = FromPython(value, item, AliveOf(self).state);
     AliveOf(self);
+    if (item.kind == ItemKind::Records)
+        LeaveToClass(made, item, *object.entity);
     const bool isLink = item.kind == ItemKind::Reference || item.kind == ItemKind::References;
     if (isLink || object.state->openBlocks > 0) {
         SetByModel(object.state, object.entity, item, made);
@@ -118,47 +130,47 @@ void RaiseRefused(const ItemInfo& item, const Value& value, const std::string& w
 
 void BindLinks(py::module_& module)
 {
-    py::class_<Links, Held> links(
+    py::class_<Links, LinksHandle> links(
         module, "Links",
         "The entities that an item lists. Iterating is over a copy; changes make both ends.");
     Seal(links);
-    links.def("__len__", [](const Held& self) { return self->Targets().size(); })
-        .def("__iter__", [](const Held& self) { return py::iter(self->List()); })
+    links.def("__len__", [](const LinksHandle& self) { return self->Targets().size(); })
+        .def("__iter__", [](const LinksHandle& self) { return py::iter(self->List()); })
         .def("__getitem__",
-             [](const Held& self, const py::object& key) {
+             [](const LinksHandle& self, const py::object& key) {
                  return py::object(py::list(self->List())[key]);
              })
         .def("__contains__",
-             [](const Held& self, const py::object& target) { return Contains(*self, target); })
+             [](const LinksHandle& self, const py::object& target) { return Contains(*self, target); })
         .def("__eq__",
-             [](const Held& self, const py::object& other) {
+             [](const LinksHandle& self, const py::object& other) {
                  return PySequence_Check(other.ptr()) != 0 && self->List().equal(py::list(other));
              })
-        .def("__repr__", [](const Held& self) { return py::repr(self->List()); })
+        .def("__repr__", [](const LinksHandle& self) { return py::repr(self->List()); })
         .def(
             "index",
-            [](const Held& self, const py::object& target) { return IndexOf(*self, target); },
+            [](const LinksHandle& self, const py::object& target) { return IndexOf(*self, target); },
             "The position of an entity; ValueError when it is not listed.")
         .def(
-            "append", [](const Held& self, const py::object& target) { Edit(*self, target, true); },
+            "append", [](const LinksHandle& self, const py::object& target) { Edit(*self, target, true); },
             "Links an entity, both ends.")
         .def(
             "extend",
-            [](const Held& self, const py::object& targets) {
+            [](const LinksHandle& self, const py::object& targets) {
                 for (const py::handle target : py::list(targets))
                     Edit(*self, target, true);
             },
             "Links several.")
         .def(
             "remove",
-            [](const Held& self, const py::object& target) {
+            [](const LinksHandle& self, const py::object& target) {
                 IndexOf(*self, target);
                 Edit(*self, target, false);
             },
             "Takes both ends of a link away; ValueError when it is not listed.")
         .def_property_readonly(
             "words",
-            [](const Held& self) {
+            [](const LinksHandle& self) {
                 py::list words;
                 for (const auto word : self->property->item->EntryWords(*self->Owner().entity))
                     words.append(ToText(word));

@@ -65,8 +65,24 @@ py::object Delete(const State& self, const py::object& entity, bool isPreview, b
 }
 
 /// A block of edits as a context.
-struct Editing
+struct Editing : Held
 {
+    explicit Editing(State of) : state(std::move(of)) {}
+    /// What was entered and not left is kept.
+    ~Editing()
+    {
+        while (!begins.empty())
+            End(true);
+    }
+    Editing(const Editing&) = delete;
+    Editing& operator=(const Editing&) = delete;
+    void End(bool isKept)
+    {
+        state->model.EndEditing(begins.back(), isKept);
+        begins.pop_back();
+        --state->openBlocks;
+    }
+
     State state;
     std::vector<std::size_t> begins;
 };
@@ -85,9 +101,7 @@ bool Exit(const Block& self, const py::object& type, const py::object&, const py
     if (self->begins.empty())
         RaiseError("the block of edits is not open", KARFailure);
     CheckFree(*self->state);
-    self->state->model.EndEditing(self->begins.back(), type.is_none());
-    self->begins.pop_back();
-    --self->state->openBlocks;
+    self->End(type.is_none());
     return false;
 }
 
@@ -214,7 +228,7 @@ void BindModel(ModelClass& of)
     of.def(
         "editing",
         [](const State& self) {
-            return std::make_shared<Editing>(Editing{self, {}});
+            return std::make_shared<Editing>(self);
         },
         "A context in which an exception undoes all that was done, in reverse order.");
 }

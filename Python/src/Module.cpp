@@ -1,6 +1,6 @@
 // The extension module karmp._karmp.
 #include "Bindings.h"
-#include "KARTextConversion.h"
+#include <algorithm>
 
 namespace karmp::python {
 
@@ -54,7 +54,7 @@ py::dict Described(const ItemInfo& item, const std::string& name, const std::str
             : NumberArray(item.shape, std::vector<double>(item.numberCount)).Rows();
     return py::dict("name"_a = name, "item"_a = ToText(item.path), "kind"_a = KindName(item),
                     "doc"_a = ToText(doc), "words"_a = py::tuple(words),
-                    "fields"_a = py::tuple(fields), "rows"_a = rows,
+                    "fields"_a = py::tuple(fields), "rows"_a = rows, "is_transformation"_a = item.kind == ItemKind::Transformation,
                     "target"_a = ClassNameOf(item.target), "read_only"_a = ToText(item.readOnly),
                     "can_get"_a = item.CanGet(), "is_read_back"_a = item.isReadBack,
                     "is_in_order"_a = item.isInOrder);
@@ -76,10 +76,11 @@ py::list Items(bool isOwn)
     for (const auto& of : Types().classes) {
         const QOBClassInfo* const parent = of->info->getParent();
         const auto base = Types().byInfo.find(parent);
-        const std::size_t inherited =
-            isOwn && base != Types().byInfo.end() ? base->second->properties.size() : 0;
-        for (std::size_t i = inherited; i < of->properties.size(); ++i) {
-            const Property& property = *of->properties[i];
+        const bool hasBase = isOwn && base != Types().byInfo.end();
+        for (Property* const held : of->properties) {
+            const Property& property = *held;
+            if (hasBase && std::ranges::count(base->second->properties, held) > 0)
+                continue;
             py::dict row = Described(*property.item, property.name, property.doc);
             row["class"] = of->name;
             rows.append(row);
