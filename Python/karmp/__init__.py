@@ -4,16 +4,10 @@
     model.bodies["Rocker"].mass = 0.75
     model.save("heavier.xml")
 """
+
+from . import _karmp
 from ._karmp import *
 from ._karmp import _items
-
-# Printers of the standard library want functions that can be keys.
-for _class in (Difference, Entities, Finding, Links, Model):
-    _class.__repr__ = lambda self, _represent=_class.__repr__: _represent(self)
-
-# Printers of the standard library want functions that can be keys.
-for _class in (Difference, Entities, Finding, Links, Model):
-    _class.__repr__ = lambda self, _represent=_class.__repr__: _represent(self)
 
 
 def _model(text):
@@ -24,3 +18,40 @@ def _model(text):
 def _entity(model, identifier):
     """What an entity is unpickled by."""
     return model.all(Entity)[identifier]
+
+
+def _item_names(cls):
+    """The items of a class, in the order of documents."""
+    return [row["name"] for row in _items(own=False) if row["class"] == cls.__name__]
+
+
+def _looks():
+    from . import _display
+
+    return _display
+
+
+def _graph(self, title=""):
+    """The graph of bodies and joints, a picture in a notebook."""
+    return _looks().Graph(_karmp._graph_text(self, title))
+
+
+def _show(self, title=""):
+    """The mechanism in space, on a page that a notebook shows and that can be saved."""
+    return _looks().Page(_karmp._view_page(self, title))
+
+
+def _frame(self, cls):
+    """The table of a class as a data frame of pandas."""
+    return _looks().frame(self, cls)
+
+
+Model.graph, Model.show, Model.frame = _graph, _show, _frame
+Model._repr_html_ = lambda self: _looks().model_html(self)
+Entity._repr_html_ = lambda self: _looks().entity_html(self)
+for _class in (Difference, Entities, Finding, Links, Model):
+    # Printers of the standard library want functions that can be keys.
+    _class.__repr__ = lambda self, _represent=_class.__repr__: _represent(self)
+for _class in (Difference, Finding):
+    _class._repr_html_ = lambda self: _looks().text_html(self)
+del _class

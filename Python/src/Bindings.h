@@ -238,6 +238,7 @@ void BindErrors(py::module_& module);
 void BindEntities(py::module_& module);
 void BindLinks(py::module_& module);
 void BindDocuments(py::module_& module);
+void BindPictures(py::module_& module);
 
 using ModelClass = py::class_<ModelState, State>;
 void BindModel(ModelClass& of);
@@ -257,6 +258,7 @@ public:
     bool load(pybind11::handle source, bool convert)
     {
         return !source.is_none() &&
-               pybind11::detail::copyable_holder_caster<T, std::shared_ptr<T>>::load(source, convert);
+               pybind11::detail::copyable_holder_caster<T, std::shared_ptr<T>>::load(source,
+                                                                                     convert);
     }
 };

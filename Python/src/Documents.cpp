@@ -125,9 +125,11 @@ py::list Diff(const State& self, const State& other, double tolerance, double fl
         const bool isNew = !difference.before;
         list.append(std::make_shared<DifferenceObject>(DifferenceObject{
             {},
-            documents::DifferenceText(difference.kind), kar::ToUtf8(difference.item),
+            documents::DifferenceText(difference.kind),
+            kar::ToUtf8(difference.item),
             isNew ? Wrap(difference.after, other) : Wrap(difference.before, self),
-            value(difference.oldValue, self), value(difference.newValue, other),
+            value(difference.oldValue, self),
+            value(difference.newValue, other),
             Wrap(difference.target,
                  difference.kind == documents::DifferenceKind::LinkGained ? other : self)}));
     }

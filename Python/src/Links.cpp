@@ -71,8 +71,9 @@ py::object GetItem(EntityObject& object, Property& property)
 {
     const ItemInfo& item = *property.item;
     if (item.kind == ItemKind::References && item.CanGet())
-        return py::cast(std::make_shared<Links>(Held(), 
-            py::reinterpret_borrow<py::object>(reinterpret_cast<PyObject*>(&object)), &property));
+        return py::cast(std::make_shared<Links>(
+            Held(), py::reinterpret_borrow<py::object>(reinterpret_cast<PyObject*>(&object)),
+            &property));
     Checks& checks = Checks::OfThread();
     checks.Begin();
     py::object value = ToPython(item.Get(*object.entity), property, object.state);
@@ -140,8 +141,8 @@ void BindLinks(py::module_& module)
              [](const LinksHandle& self, const py::object& key) {
                  return py::object(py::list(self->List())[key]);
              })
-        .def("__contains__",
-             [](const LinksHandle& self, const py::object& target) { return Contains(*self, target); })
+        .def("__contains__", [](const LinksHandle& self,
+                                const py::object& target) { return Contains(*self, target); })
         .def("__eq__",
              [](const LinksHandle& self, const py::object& other) {
                  return PySequence_Check(other.ptr()) != 0 && self->List().equal(py::list(other));
@@ -149,10 +150,13 @@ void BindLinks(py::module_& module)
         .def("__repr__", [](const LinksHandle& self) { return py::repr(self->List()); })
         .def(
             "index",
-            [](const LinksHandle& self, const py::object& target) { return IndexOf(*self, target); },
+            [](const LinksHandle& self, const py::object& target) {
+                return IndexOf(*self, target);
+            },
             "The position of an entity; ValueError when it is not listed.")
         .def(
-            "append", [](const LinksHandle& self, const py::object& target) { Edit(*self, target, true); },
+            "append",
+            [](const LinksHandle& self, const py::object& target) { Edit(*self, target, true); },
             "Links an entity, both ends.")
         .def(
             "extend",

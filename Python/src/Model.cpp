@@ -226,10 +226,7 @@ void BindModel(ModelClass& of)
     Seal(editing);
     editing.def("__enter__", &Enter).def("__exit__", &Exit);
     of.def(
-        "editing",
-        [](const State& self) {
-            return std::make_shared<Editing>(self);
-        },
+        "editing", [](const State& self) { return std::make_shared<Editing>(self); },
         "A context in which an exception undoes all that was done, in reverse order.");
 }
 

@@ -54,7 +54,8 @@ py::dict Described(const ItemInfo& item, const std::string& name, const std::str
             : NumberArray(item.shape, std::vector<double>(item.numberCount)).Rows();
     return py::dict("name"_a = name, "item"_a = ToText(item.path), "kind"_a = KindName(item),
                     "doc"_a = ToText(doc), "words"_a = py::tuple(words),
-                    "fields"_a = py::tuple(fields), "rows"_a = rows, "is_transformation"_a = item.kind == ItemKind::Transformation,
+                    "fields"_a = py::tuple(fields), "rows"_a = rows,
+                    "is_transformation"_a = item.kind == ItemKind::Transformation,
                     "target"_a = ClassNameOf(item.target), "read_only"_a = ToText(item.readOnly),
                     "can_get"_a = item.CanGet(), "is_read_back"_a = item.isReadBack,
                     "is_in_order"_a = item.isInOrder);
@@ -108,6 +109,7 @@ PYBIND11_MODULE(_karmp, module)
     BindBuilding(module, model);
     BindModelDocuments(module, model);
     BindColumns(model);
+    BindPictures(module);
     MoveToPackage(module);
     module.def("_items", &Items, py::arg("own") = true,
                "The items of each class as dictionaries, with or without those of its bases.");

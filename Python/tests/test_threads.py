@@ -1,0 +1,136 @@
+"""Threads, and memory that comes back."""
+
+import gc
+import resource
+import sys
+import threading
+import unittest
+
+import karmp
+from mechanisms import four_bar
+
+
+def run_all(work, count):
+    errors = []
+
+    def call(index):
+        try:
+            work(index)
+        except BaseException as error:
+            errors.append(error)
+
+    threads = [threading.Thread(target=call, args=(index,)) for index in range(count)]
+    for thread in threads:
+        thread.start()
+    for thread in threads:
+        thread.join()
+    return errors
+
+
+def big_model(count=2000):
+    m = karmp.Model("Big")
+    for index in range(count):
+        m.add_body(f"B{index}", mass=1.0)
+    return m
+
+
+class Threads(unittest.TestCase):
+    def test_eight_threads_with_models_of_their_own(self):
+        text = four_bar().text()
+
+        def work(index):
+            for _ in range(10):
+                m = karmp.loads(text)
+                m.bodies["Crank"].mass = index
+                with m.editing():
+                    m.add_body("X")
+                other = karmp.loads(m.clone().text())
+                assert m.diff(other) == []
+                assert other.bodies["Crank"].mass == index
+                assert m.column(karmp.Body, "mass")[1] == index
+
+        self.assertEqual(run_all(work, 8), [])
+
+    def test_second_thread_on_a_model_at_work_gets_an_error(self):
+        m = big_model()
+        body = m.bodies[1]
+        started = threading.Event()
+        refused = []
+
+        def save():
+            started.set()
+            for _ in range(20):
+                try:
+                    m.text()
+                except karmp.Error:
+                    pass  # the other thread was at it
+
+        thread = threading.Thread(target=save)
+        thread.start()
+        started.wait()
+        while thread.is_alive() and not refused:
+            for use in (lambda: body.mass, lambda: setattr(body, "mass", 2.0),
+                        lambda: m.bodies[0], lambda: m.clone(), lambda: m.column(karmp.Body, "mass")):
+                try:
+                    use()
+                except karmp.Error as error:
+                    refused.append(str(error))
+        thread.join()
+        self.assertEqual(set(refused), {"another thread works on the model"})
+        body.mass = 3.0
+        self.assertEqual(body.mass, 3.0)
+
+    def test_two_threads_on_one_model_raise_at_most(self):
+        m = four_bar()
+
+        def work(index):
+            for step in range(100):
+                try:
+                    m.add_body(f"{index} {step}", mass=1.0)
+                    m.bodies["Crank"].mass = step
+                    m.clone()
+                    m.delete(m.bodies[f"{index} {step}"])
+                except karmp.Error as error:
+                    assert "another thread" in str(error), error
+
+        self.assertEqual(run_all(work, 2), [])
+
+
+class Memory(unittest.TestCase):
+    def walk(self, text):
+        m = karmp.loads(text)
+        total = 0.0
+        for body in m.bodies:
+            total += body.mass + body.cog[0] + len(body.geometries)
+            for joint in body.joints:
+                total += len(joint.bodies)
+        other = m.clone()
+        other.delete(other.joints["D"])
+        m.table(karmp.Body)
+        return total
+
+    def test_load_walk_and_drop_leave_nothing(self, count=400):
+        text = four_bar().text()
+        for _ in range(count // 4):
+            self.walk(text)
+        gc.collect()
+        before = resident()
+        for _ in range(count):
+            self.walk(text)
+        gc.collect()
+        growth = resident() - before
+        print(f"{count} models: {growth / 1024:.0f} kB more than {before / 1024:.0f} kB")
+        self.assertLess(growth, 1024 * 1024)
+
+
+def resident():
+    """The memory of the process in bytes."""
+    with open("/proc/self/statm", encoding="ascii") as file:
+        return int(file.read().split()[1]) * resource.getpagesize()
+
+
+if __name__ == "__main__":
+    if sys.argv[1:2] == ["--long"]:
+        Memory().test_load_walk_and_drop_leave_nothing(10000)
+    else:
+        unittest.main()
