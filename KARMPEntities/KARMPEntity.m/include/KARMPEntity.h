@@ -198,6 +198,7 @@ public:
 
 private:
     friend class karmp::AttributeIndex;
+    friend class KARMPHandleSequence;
 
     /// What most entities of a model have none of. One pointer stands for all of it, since each
     /// line of memory that an entity has less makes every walk over a large model faster.
@@ -220,6 +221,12 @@ private:
     const RareMembers& Rare() const { return m_rare != nullptr ? *m_rare : s_none.members; }
     RareMembers& MakeRare();
 
+    // Prefetches the texts that die with the entity.
+    void PrefetchTexts() const noexcept
+    {
+        getStoredName().PrefetchShared();
+        m_identifier.PrefetchShared();
+    }
     std::string_view IDText() const { return m_id.View(); }
     KARStatus GenerateID(std::wstring& identifier) const;
     KARStatus GenerateID2(std::wstring& identifier) const;

@@ -86,6 +86,8 @@ private:
     static inline karmp::HandleIndex*& IndexOf(Block* block) noexcept;
     static inline karmp::HandleIndex* GetIndex(const Block* block) noexcept;
     static inline std::size_t SlotCount(const Block* block) noexcept;
+    static inline void PrefetchReleased(const QOBSharedBase* slots, std::size_t slot,
+                                        std::size_t count) noexcept;
     inline QOBSharedBase* Slots() const noexcept;
     inline std::size_t SlotCount() const noexcept;
     inline karmp::HandleIndex* GetIndex() const noexcept;

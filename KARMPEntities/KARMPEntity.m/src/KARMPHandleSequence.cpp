@@ -1,5 +1,6 @@
 #include "KARMPHandleSequence.h"
 
+#include "KARMPEntity.h"
 #include "KARMPHandleIndex.h"
 #include "KARMPLinkPlacer.h"
 #include "KARPrefetch.h"
@@ -23,20 +24,6 @@ constexpr std::size_t LargestOfMany = 64;
 void* AllocateBlock(std::size_t bytes)
 {
     return bytes <= LargestOfMany ? kar::AllocateSmall(bytes) : ::operator new(bytes);
-}
-
-// Prefetches what the release of handles in a row touches: far ahead the counts alone, nearer the
-// whole of each referent whose last handle is among them.
-void PrefetchReleased(const QOBSharedBase* slots, std::size_t slot, std::size_t count) noexcept
-{
-    if (slot + kar::FarPrefetchDistance < count)
-        kar::Prefetch(slots[slot + kar::FarPrefetchDistance]._getReferent(),
-                      sizeof(QOBSharedObject));
-    if (slot + kar::PrefetchDistance < count) {
-        const QOBSharedObject* const next = slots[slot + kar::PrefetchDistance]._getReferent();
-        if (next != nullptr && next->getReferenceCount() == 1)
-            kar::Prefetch(next, kar::PrefetchedBytes);
-    }
 }
 
 void FreeBlock(void* block, std::size_t bytes) noexcept
@@ -114,6 +101,26 @@ inline void KARMPHandleSequence::EnsureFreeSlot()
         Allocate(FirstCapacity);
     else if (SlotCount() == m_block->capacity)
         Allocate(2 * SlotCount());
+}
+
+// Prefetches what the release of handles in a row touches: far ahead the counts alone, nearer the
+// whole of each referent whose last handle is among them, and then its texts.
+inline void KARMPHandleSequence::PrefetchReleased(const QOBSharedBase* slots, std::size_t slot,
+                                                  std::size_t count) noexcept
+{
+    constexpr std::size_t TextDistance = kar::PrefetchDistance / 2;
+    const auto dies = [&](std::size_t ahead) -> const QOBSharedObject* {
+        const QOBSharedObject* const next =
+            slot + ahead < count ? slots[slot + ahead]._getReferent() : nullptr;
+        return next != nullptr && next->getReferenceCount() == 1 ? next : nullptr;
+    };
+    if (slot + kar::FarPrefetchDistance < count)
+        kar::Prefetch(slots[slot + kar::FarPrefetchDistance]._getReferent(),
+                      sizeof(QOBSharedObject));
+    if (const QOBSharedObject* const next = dies(kar::PrefetchDistance))
+        kar::Prefetch(next, kar::PrefetchedBytes);
+    if (const QOBSharedObject* const next = dies(TextDistance))
+        static_cast<const KARMPEntity*>(next)->PrefetchTexts();
 }
 
 void KARMPHandleSequence::End::operator()(Block* block) const noexcept
