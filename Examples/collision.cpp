@@ -3,13 +3,11 @@
 // records where the balls press on the mat, and a proximity sensor watches wall and gate. The
 // loaders stand for a solver: they find contacts and clearances from the geometries of the bodies.
 // The world's z points up.
-#include "KARMPEntities.h"
+#include "Filler.h"
 #include "KARMPModel.h"
 
-#include <algorithm>
 #include <cmath>
 #include <iostream>
-#include <limits>
 #include <numbers>
 
 using namespace karmp::model;
@@ -25,125 +23,83 @@ constexpr double MatYoungModulus = 2e6; // Pa
 constexpr double MatPoisson = 0.4;
 constexpr double MatThickness = 0.005; // m
 
-/// What resists a ball of a radius on a thin elastic layer with a rigid base, in N per squared
+/// What resists a ball on a thin elastic layer with a rigid base, in N per squared
 /// depth: each element of the layer is a spring of its own.
-double LayerStiffness(double youngModulus, double poisson, double thickness, double radius)
+double LayerStiffness(double youngModulus, double poisson, double thickness)
 {
     const double modulus =
         youngModulus * (1.0 - poisson) / ((1.0 + poisson) * (1.0 - 2.0 * poisson));
-    return std::numbers::pi * modulus * radius / thickness;
+    return std::numbers::pi * modulus * BallRadius / thickness;
 }
 
 /// A ball and a face in the world.
 struct Pair
 {
-    Pair(const KARMPSphere& sphere, const KARMPPlane& plane)
+    Pair(const Ref<KARMPSphere>& sphere, const Ref<KARMPPlane>& plane)
     {
-        KARMathPlane onFace;
-        sphere.GetCenter(center);
-        sphere.GetRadius(radius);
-        plane.GetPlane(onFace);
-        sphere.GetBody(ball);
-        plane.GetBody(body);
-        const auto position = PositionOf(Ref(body));
-        center = PositionOf(Ref(ball)) * center;
-        normal = position * KARMathVector(onFace.GetNormal());
-        gap = (center - position * onFace.GetOrigin()).Dot(normal) - radius;
+        KARMathPlane face;
+        sphere->GetCenter(center);
+        plane->GetPlane(face);
+        sphere->GetBody(first);
+        plane->GetBody(second);
+        center = PositionOf(Ref(first)) * center;
+        normal = PositionOf(Ref(second)) * KARMathVector(face.GetNormal());
+        gap = (center - PositionOf(Ref(second)) * face.GetOrigin()).Dot(normal) - BallRadius;
     }
 
-    QOBSharedHandle<KARMPBody> ball, body;
+    QOBSharedHandle<KARMPBody> first, second;
     KARMathPoint center;
-    double radius = 0.0;
     KARMathVector normal;
-    double gap = 0.0; // how far the ball stands from the face, negative when it is in it
+    double gap; // how far the ball stands from the face, negative when it is in it
 };
 
-/// What both loaders have: a sensor, which owns the loader, the balls and the faces.
-template <class Interface, class Sensor>
-class Watcher : public Interface
+/// Finds the contacts of balls with the face that has the elastic layer. Nothing slides, so that
+/// there is no friction. A sensor that is given contacts one by one keeps one of each pair of
+/// bodies. These two have several, which it is given at once, and their pair for the count.
+void FillContacts(KARMPCollisionSensor& sensor, const RefList<KARMPSphere>& balls,
+                  const Ref<KARMPPlane>& mat)
 {
-public:
-    Watcher(Sensor& sensor, RefList<KARMPSphere> balls, RefList<KARMPPlane> faces)
-        : m_sensor(sensor), m_balls(std::move(balls)), m_faces(std::move(faces))
-    {}
-    KARStatus OnActivate() override { return KARSuccess; }
-    KARStatus OnDeactivate() override { return KARSuccess; }
-
-protected:
-    std::vector<Pair> Pairs() const
-    {
-        std::vector<Pair> pairs;
-        for (const auto& ball : m_balls)
-            for (const auto& face : m_faces)
-                pairs.emplace_back(*ball, *face);
-        return pairs;
+    QOBSharedHandle<KARMPCollisionRule> rule;
+    double youngModulus = 0.0, poisson = 0.0, thickness = 0.0;
+    sensor.Reset();
+    sensor.GetCollisionRule(rule);
+    rule->GetSecondCollidableParameters(youngModulus, poisson, thickness);
+    std::vector<KARMPContactForceData> contacts;
+    for (const auto& ball : balls) {
+        const Pair pair(ball, mat);
+        if (pair.gap >= 0.0)
+            continue;
+        KARMPContactForceData contact;
+        contact.firstBody = pair.first;
+        contact.secondBody = pair.second;
+        contact.penetrationDepth = -pair.gap;
+        contact.firstContactPoint = pair.center - BallRadius * pair.normal;
+        contact.secondContactPoint = contact.firstContactPoint - pair.gap * pair.normal;
+        contact.firstNormalVector = -pair.normal;
+        contact.secondNormalVector = pair.normal;
+        contact.firstNormalForce =
+            LayerStiffness(youngModulus, poisson, thickness) * pair.gap * pair.gap * pair.normal;
+        contact.secondNormalForce = -contact.firstNormalForce;
+        contact.firstContactForce = contact.firstNormalForce;
+        contact.secondContactForce = contact.secondNormalForce;
+        contacts.push_back(contact);
+        sensor.AddContactData({pair.first, pair.second});
     }
-
-    Sensor& m_sensor;
-
-private:
-    RefList<KARMPSphere> m_balls;
-    RefList<KARMPPlane> m_faces;
-};
-
-/// Finds the contacts of balls with the face of the rule's second body, which has the elastic
-/// layer. Nothing slides, so that there is no friction.
-class ContactLoader : public Watcher<KARIMPCollisionSensorLoader, KARMPCollisionSensor>
-{
-public:
-    using Watcher::Watcher;
-
-    /// A sensor that is given contacts one by one keeps one of each pair of bodies. These two have
-    /// several, which it is given at once, and their pair for the count.
-    KARStatus Update() override
-    {
-        QOBSharedHandle<KARMPCollisionRule> rule;
-        double youngModulus = 0.0, poisson = 0.0, thickness = 0.0;
-        if (m_sensor.GetCollisionRule(rule) != KARSuccess)
-            return KARFailure;
-        rule->GetSecondCollidableParameters(youngModulus, poisson, thickness);
-        m_sensor.Reset();
-        std::vector<KARMPContactForceData> contacts;
-        for (const Pair& pair : Pairs()) {
-            if (pair.gap >= 0.0)
-                continue;
-            KARMPContactForceData contact;
-            contact.firstBody = pair.ball;
-            contact.secondBody = pair.body;
-            contact.penetrationDepth = -pair.gap;
-            contact.firstContactPoint = pair.center - pair.radius * pair.normal;
-            contact.secondContactPoint = contact.firstContactPoint - pair.gap * pair.normal;
-            contact.firstNormalVector = -pair.normal;
-            contact.secondNormalVector = pair.normal;
-            contact.firstNormalForce =
-                LayerStiffness(youngModulus, poisson, thickness, pair.radius) * pair.gap *
-                pair.gap * pair.normal;
-            contact.secondNormalForce = -contact.firstNormalForce;
-            contact.firstContactForce = contact.firstNormalForce;
-            contact.secondContactForce = contact.secondNormalForce;
-            contacts.push_back(contact);
-            m_sensor.AddContactData({pair.ball, pair.body});
-        }
-        return m_sensor.SetContactForceData(contacts);
-    }
-};
+    sensor.SetContactForceData(contacts);
+}
 
 /// Tells whether a face is nearer to a ball than the clearance.
-class ProximityLoader : public Watcher<KARIMPProximitySensorLoader, KARMPProximitySensor>
+void FillProximity(KARMPProximitySensor& sensor, const RefList<KARMPSphere>& balls,
+                   const RefList<KARMPPlane>& faces)
 {
-public:
-    using Watcher::Watcher;
-
-    KARStatus Update() override
-    {
-        KARMPProximitySensorData data;
-        m_sensor.GetProximitySensorData(data);
-        double gap = std::numeric_limits<double>::infinity();
-        for (const Pair& pair : Pairs())
-            gap = std::min(gap, pair.gap);
-        return m_sensor.SetProximitySensorStatus(gap < data.GetClearance());
-    }
-};
+    KARMPProximitySensorData data;
+    bool isNear = false;
+    sensor.GetProximitySensorData(data);
+    for (const auto& ball : balls)
+        for (const auto& face : faces)
+            isNear = isNear || Pair(ball, face).gap < data.GetClearance();
+    sensor.SetProximitySensorStatus(isNear);
+}
 
 Ref<KARMPSphere> AddBall(Model& model, const char* name, const Ref<KARMPBody>& body, double x)
 {
@@ -170,7 +126,7 @@ BodyOptions Dumbbell()
     const auto dumbbell = Together(Box(0.3, {0.22, 0.02, 0.02}), balls);
     const auto depthUnder = [&dumbbell](double share) {
         return std::sqrt(share * dumbbell.mass * Gravity /
-                         LayerStiffness(MatYoungModulus, MatPoisson, MatThickness, BallRadius));
+                         LayerStiffness(MatYoungModulus, MatPoisson, MatThickness));
     };
     const double rightShare = 0.5 + 0.5 * dumbbell.centerOfGravity->GetX() / HalfLength;
     const double left = depthUnder(1.0 - rightShare);
@@ -179,15 +135,6 @@ BodyOptions Dumbbell()
     const double lean = std::asin((right - left) / (2.0 * HalfLength));
     return dumbbell.PlacedAt(KARMathTransformation(middle) *
                              KARMathTransformation::Rotation({{}, {0.0, 1.0, 0.0}}, lean));
-}
-
-template <class Interaction>
-Ref<Interaction> AddInteraction(Model& model, const char* name, const RefList<KARMPEntity>& parts)
-{
-    const auto interaction = model.Add<Interaction>(name);
-    for (const auto& part : parts)
-        interaction->AddCollidable(part);
-    return interaction;
 }
 
 /// The parts, with layers: what moves may touch what is fixed, with coefficients for all of it.
@@ -202,19 +149,21 @@ void Build(Model& model)
     const RefList<KARMPSphere> balls{AddBall(model, "Left ball", dumbbell, -HalfLength),
                                      AddBall(model, "Right ball", dumbbell, HalfLength)};
     const auto mat = AddFace(model, plate, 0.0, up);
-    const auto wallFace = AddFace(model, wall, -0.31, x);
-    const auto gateFace = AddFace(model, gate, 0.0, -x);
-    model.Variable("Gate face",
-                   model.Joint<KARMPPrismatic>("Gate guide", model.Ground(), gate,
-                                               *FrameAlong({}, x),
-                                               *FrameAlong({GateFace, 0.0, 0.0}, x)),
-                   GateFace);
+    const RefList<KARMPPlane> faces{AddFace(model, wall, -0.31, x), AddFace(model, gate, 0.0, -x)};
+    const auto guide =
+        model.Joint<KARMPPrismatic>("Gate guide", model.Ground(), gate, *FrameAlong({}, x),
+                                    *FrameAlong({GateFace, 0.0, 0.0}, x));
+    model.Variable("Gate face", guide, GateFace);
 
-    const auto moving =
-        AddInteraction<KARMPCollisionLayer>(model, "Moving parts", {dumbbell, gate});
-    const auto fixed = AddInteraction<KARMPCollisionLayer>(model, "Fixed parts", {plate, wall});
-    const auto both =
-        AddInteraction<KARMPCollisionInterLayer>(model, "Moving on fixed parts", {moving, fixed});
+    const auto moving = model.Add<KARMPCollisionLayer>("Moving parts");
+    const auto fixed = model.Add<KARMPCollisionLayer>("Fixed parts");
+    const auto both = model.Add<KARMPCollisionInterLayer>("Moving on fixed parts");
+    moving->AddCollidable(dumbbell);
+    moving->AddCollidable(gate);
+    fixed->AddCollidable(plate);
+    fixed->AddCollidable(wall);
+    both->AddCollidable(moving);
+    both->AddCollidable(fixed);
     both->SetRestitutionCoefficient(0.4);
     both->SetDynamicFrictionCoefficient(0.3);
     both->SetStaticFrictionCoefficient(0.4);
@@ -229,7 +178,8 @@ void Build(Model& model)
     rule->SetSecondCollidableParameters(MatYoungModulus, MatPoisson, MatThickness);
     const auto contacts = model.Add<KARMPCollisionSensor>("Contact sensor");
     contacts->SetCollisionRule(rule);
-    contacts->SetLoader(new ContactLoader(*contacts, balls, {mat}));
+    contacts->SetLoader(new Filler<KARIMPCollisionSensorLoader>(
+        [&sensor = *contacts, balls, mat] { FillContacts(sensor, balls, mat); }));
 
     KARMPProximitySensorData data;
     data.SetSensorBody(dumbbell);
@@ -240,7 +190,8 @@ void Build(Model& model)
     data.SetClearance(0.05);
     const auto proximity = model.Add<KARMPProximitySensor>("Proximity sensor");
     proximity->SetProximitySensorData(data);
-    proximity->SetLoader(new ProximityLoader(*proximity, balls, {wallFace, gateFace}));
+    proximity->SetLoader(new Filler<KARIMPProximitySensorLoader>(
+        [&sensor = *proximity, balls, faces] { FillProximity(sensor, balls, faces); }));
 }
 
 /// Prints the contacts; true when they carry the dumbbell.

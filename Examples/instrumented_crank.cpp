@@ -3,9 +3,9 @@
 // motor's torque, and whether a constraint is needed at all. The loaders stand for a solver: they
 // know the motion and the forces in closed form.
 #include "CrankMotion.h"
+#include "Filler.h"
 
 #include <algorithm>
-#include <functional>
 #include <iostream>
 #include <numbers>
 
@@ -16,24 +16,6 @@ namespace {
 constexpr double Gravity = 9.81;  // m/s2, along -y
 constexpr double Velocity = 20.0; // rad/s
 constexpr int Steps = 24;         // of one turn
-
-/// A solver's loader on a sensor: each update fills the sensor in by its setters.
-template <class Interface>
-class Filler : public Interface
-{
-public:
-    explicit Filler(std::function<void()> fill) : m_fill(std::move(fill)) {}
-    KARStatus Update() override
-    {
-        m_fill();
-        return KARSuccess;
-    }
-    KARStatus OnActivate() override { return KARSuccess; }
-    KARStatus OnDeactivate() override { return KARSuccess; }
-
-private:
-    std::function<void()> m_fill;
-};
 
 /// A loader on the force in a joint knows the frames of the joint's bodies, too.
 class PinFiller : public Filler<KARIMPJointSpatialForceSensorLoader>

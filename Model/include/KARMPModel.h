@@ -262,7 +262,11 @@ public:
     /// variables.
     Ref<KARMPExpression> Expression(std::string_view identifier,
                                     KARMPPhysicalQuantity::Enum quantity, std::string_view equation,
-                                    const RefList<KARMPVariable>& variables,
+                                    std::span<const Ref<KARMPVariable>> variables,
+                                    Where where = Where::current());
+    Ref<KARMPExpression> Expression(std::string_view identifier,
+                                    KARMPPhysicalQuantity::Enum quantity, std::string_view equation,
+                                    std::initializer_list<Ref<KARMPVariable>> variables,
                                     Where where = Where::current());
     /// A motor on a variable, which is controlled from then on. Its numbers are constants of its
     /// own, "Motor.velocity" for one; other values are for its own operations.

@@ -86,99 +86,109 @@ bool SetAttachments(Edit& edit, KARMPEntity& connector, const KARMathLine& first
 Ref<KARMPConstant> Model::Constant(std::string_view identifier, Quantity::Enum quantity,
                                    double number, Where where)
 {
-    QOBSharedHandle<KARMPConstant> constant;
-    const bool isMade = m_core->Perform(where, [&](Edit& edit) {
-        constant = MakeConstant(edit, identifier, quantity, number);
-        return static_cast<bool>(constant);
-    });
-    return isMade ? Ref<KARMPConstant>(std::move(constant)) : Ref<KARMPConstant>();
+    return Ref(m_core->Make<KARMPConstant>(
+        where,
+        [&](Edit& edit, auto& constant) {
+            constant = MakeConstant(edit, identifier, quantity, number);
+            return static_cast<bool>(constant);
+        }));
 }
 
 Ref<KARMPExpression> Model::Expression(std::string_view identifier, Quantity::Enum quantity,
                                        std::string_view equation,
-                                       const RefList<KARMPVariable>& variables, Where where)
+                                       std::span<const Ref<KARMPVariable>> variables, Where where)
 {
-    QOBSharedHandle<KARMPExpression> expression;
-    const bool isMade = m_core->Perform(where, [&](Edit& edit) {
-        expression = edit.Create<KARMPExpression>(identifier);
-        if (!expression ||
-            !edit.Check(expression->SetPhysicalQuantity(quantity), "the quantity", *expression))
-            return false;
-        for (const Ref<KARMPVariable>& variable : variables)
-            if (!edit.IsThere(variable.Handle(), "variable of the equation") ||
-                !edit.Check(expression->LinkToVariable(variable), "a variable", *expression))
+    return Ref(m_core->Make<KARMPExpression>(
+        where,
+        [&](Edit& edit, auto& expression) {
+            expression = edit.Create<KARMPExpression>(identifier);
+            if (!expression ||
+                !edit.Check(expression->SetPhysicalQuantity(quantity), "the quantity", *expression))
                 return false;
-        KARWBFactory* factory = nullptr;
-        KARWBEquation* made = nullptr;
-        if (!edit.Check(m_core->World()->GetWBFactory(factory), "the world of the equation",
-                        *expression))
-            return false;
-        if (KARFailed(
-                KARMPSerializationServices::ParseWBEquation(kar::ToWide(equation), factory, made)))
-            return edit.Fail('"' + std::string(equation) + "\" is no equation");
-        return edit.Check(expression->SetValue(made), "the equation", *expression);
-    });
-    return isMade ? Ref<KARMPExpression>(std::move(expression)) : Ref<KARMPExpression>();
+            for (const Ref<KARMPVariable>& variable : variables)
+                if (!edit.IsThere(variable.Handle(), "variable of the equation") ||
+                    !edit.Check(expression->LinkToVariable(variable), "a variable", *expression))
+                    return false;
+            KARWBFactory* factory = nullptr;
+            KARWBEquation* made = nullptr;
+            if (!edit.Check(m_core->World()->GetWBFactory(factory), "the world of the equation",
+                            *expression))
+                return false;
+            if (KARFailed(KARMPSerializationServices::ParseWBEquation(kar::ToWide(equation),
+                                                                      factory, made)))
+                return edit.Fail('"' + std::string(equation) + "\" is no equation");
+            return edit.Check(expression->SetValue(made), "the equation", *expression);
+        }));
+}
+
+Ref<KARMPExpression> Model::Expression(std::string_view identifier, Quantity::Enum quantity,
+                                       std::string_view equation,
+                                       std::initializer_list<Ref<KARMPVariable>> variables,
+                                       Where where)
+{
+    return Expression(identifier, quantity, equation,
+                      std::span(variables.begin(), variables.size()), where);
 }
 
 Ref<KARMPMotor> Model::Motor(std::string_view identifier, const Ref<KARMPVariable>& variable,
                              const MotorOptions& options, Where where)
 {
-    QOBSharedHandle<KARMPMotor> motor;
-    const bool isMade = m_core->Perform(where, [&](Edit& edit) {
-        if (!edit.IsThere(variable.Handle(), "variable of the motor"))
-            return false;
-        const Quantity::Enum quantity = variable->GetPhysicalQuantity();
-        motor = edit.Create<KARMPMotor>(identifier);
-        const std::string name(identifier);
-        const Quantity::Enum force =
-            quantity == Quantity::Length ? Quantity::Force : Quantity::Torque;
-        return motor && edit.Link(motor, variable.Handle()) && MakeControlled(edit, variable) &&
-               SetTarget(edit, *motor, name + ".maximum", &KARMPMotor::SetMaxForce, force,
-                         options.maximum) &&
-               SetTarget(edit, *motor, name + ".position", &KARMPMotor::SetPosition, quantity,
-                         options.position) &&
-               SetTarget(edit, *motor, name + ".velocity", &KARMPMotor::SetVelocity, quantity,
-                         options.velocity) &&
-               SetTarget(edit, *motor, name + ".acceleration", &KARMPMotor::SetAcceleration,
-                         quantity, options.acceleration);
-    });
-    return isMade ? Ref<KARMPMotor>(std::move(motor)) : Ref<KARMPMotor>();
+    return Ref(m_core->Make<KARMPMotor>(
+        where,
+        [&](Edit& edit, auto& motor) {
+            if (!edit.IsThere(variable.Handle(), "variable of the motor"))
+                return false;
+            const Quantity::Enum quantity = variable->GetPhysicalQuantity();
+            motor = edit.Create<KARMPMotor>(identifier);
+            const std::string name(identifier);
+            const Quantity::Enum force =
+                quantity == Quantity::Length ? Quantity::Force : Quantity::Torque;
+            return motor && edit.Link(motor, variable.Handle()) && MakeControlled(edit, variable) &&
+                   SetTarget(edit, *motor, name + ".maximum", &KARMPMotor::SetMaxForce, force,
+                             options.maximum) &&
+                   SetTarget(edit, *motor, name + ".position", &KARMPMotor::SetPosition, quantity,
+                             options.position) &&
+                   SetTarget(edit, *motor, name + ".velocity", &KARMPMotor::SetVelocity, quantity,
+                             options.velocity) &&
+                   SetTarget(edit, *motor, name + ".acceleration", &KARMPMotor::SetAcceleration,
+                             quantity, options.acceleration);
+        }));
 }
 
 Model::Entity Model::AddConnector(const QOBClassInfo& info, std::string_view identifier,
                                   const Ref<KARMPGeometry>& onFirst,
                                   const Ref<KARMPGeometry>& onSecond, Where where)
 {
-    Entity connector;
-    const bool isMade = m_core->Perform(where, [&](Edit& edit) {
-        QOBSharedHandle<KARMPBody> first;
-        QOBSharedHandle<KARMPBody> second;
-        if (!edit.IsThere(onFirst.Handle(), "geometry of the first body") ||
-            !edit.IsThere(onSecond.Handle(), "geometry of the second body"))
-            return false;
-        onFirst->GetBody(first);
-        onSecond->GetBody(second);
-        if (!first || !second || first == second)
-            return edit.Fail("a connector needs geometries of two bodies");
-        connector = edit.Create(info, identifier);
-        return connector && edit.Link(connector, first, "FirstBody") &&
-               edit.Link(connector, second, "SecondBody") &&
-               edit.Link(connector, onFirst.Handle()) && edit.Link(connector, onSecond.Handle()) &&
-               SetAttachments(edit, *connector, HoldOf(*onFirst), HoldOf(*onSecond));
-    });
-    return isMade ? connector : Entity();
+    return m_core->Make<KARMPEntity>(
+        where,
+        [&](Edit& edit, Entity& connector) {
+            QOBSharedHandle<KARMPBody> first;
+            QOBSharedHandle<KARMPBody> second;
+            if (!edit.IsThere(onFirst.Handle(), "geometry of the first body") ||
+                !edit.IsThere(onSecond.Handle(), "geometry of the second body"))
+                return false;
+            onFirst->GetBody(first);
+            onSecond->GetBody(second);
+            if (!first || !second || first == second)
+                return edit.Fail("a connector needs geometries of two bodies");
+            connector = edit.Create(info, identifier);
+            return connector && edit.Link(connector, first, "FirstBody") &&
+                   edit.Link(connector, second, "SecondBody") &&
+                   edit.Link(connector, onFirst.Handle()) &&
+                   edit.Link(connector, onSecond.Handle()) &&
+                   SetAttachments(edit, *connector, HoldOf(*onFirst), HoldOf(*onSecond));
+        });
 }
 
 Model::Entity Model::AttachGeometry(const QOBClassInfo& info, std::string_view identifier,
                                     const Ref<KARMPEntity>& body, Where where)
 {
-    Entity geometry;
-    const bool isMade = m_core->Perform(where, [&](Edit& edit) {
-        geometry = MountOn(edit, info, identifier, body.Handle());
-        return static_cast<bool>(geometry);
-    });
-    return isMade ? geometry : Entity();
+    return m_core->Make<KARMPEntity>(
+        where,
+        [&](Edit& edit, Entity& geometry) {
+            geometry = MountOn(edit, info, identifier, body.Handle());
+            return static_cast<bool>(geometry);
+        });
 }
 
 } // namespace karmp::model
