@@ -5,6 +5,7 @@
 #include "HeapCounter.h"
 #include "KARMPDocuments.h"
 #include "KARMPEntities.h"
+#include "StrippedReader.h"
 
 #include <benchmark/benchmark.h>
 #include <pugixml.hpp>
@@ -178,17 +179,20 @@ void Render(benchmark::State& state, Content content)
 }
 
 /// What is done with a document.
-enum class Reading { Load, CheckedLoad, Check };
+enum class Reading { Load, CheckedLoad, Check, Stripped };
 
 karmp::documents::LoadResult Read(const std::string& text, Reading reading)
 {
     using karmp::documents::CheckLevel;
     karmp::documents::LoadOptions options;
     options.check = reading == Reading::Load ? CheckLevel::None : CheckLevel::Form;
-    if (reading != Reading::Check)
+    if (reading == Reading::Load || reading == Reading::CheckedLoad)
         return LoadText(text, "bench", options);
     karmp::documents::LoadResult result;
-    result.diagnostics = karmp::documents::CheckText(text, "bench", {}, CheckLevel::Form);
+    if (reading == Reading::Stripped)
+        result.world = ReadStripped(text);
+    else
+        result.diagnostics = karmp::documents::CheckText(text, "bench", {}, CheckLevel::Form);
     return result;
 }
 
@@ -242,6 +246,7 @@ constexpr auto Check = ReadFresh<Reading::Check>;
 constexpr auto LoadAgain = ReadAgain<Reading::Load>;
 constexpr auto CheckedLoadAgain = ReadAgain<Reading::CheckedLoad>;
 constexpr auto CheckAgain = ReadAgain<Reading::Check>;
+constexpr auto StrippedLoadAgain = ReadAgain<Reading::Stripped>;
 
 /// The most memory that this process has held, in bytes.
 double PeakMemory()
@@ -369,6 +374,7 @@ BENCHMARK_CAPTURE(CheckedLoad, Joints, Content::Joints)->SIZES;
 BENCHMARK_CAPTURE(CheckedLoadAgain, Joints, Content::Joints)->SIZES;
 BENCHMARK_CAPTURE(Check, Joints, Content::Joints)->SIZES;
 BENCHMARK_CAPTURE(CheckAgain, Joints, Content::Joints)->SIZES;
+BENCHMARK_CAPTURE(StrippedLoadAgain, Joints, Content::Joints)->SIZES;
 BENCHMARK_CAPTURE(Build, Springs, Content::Springs)->SIZES;
 BENCHMARK_CAPTURE(Save, Springs, Content::Springs)->SIZES;
 BENCHMARK_CAPTURE(Load, Springs, Content::Springs)->SIZES;
