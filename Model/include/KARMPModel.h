@@ -281,6 +281,13 @@ public:
         return Typed<C>(AddConnector(C::ClassInfo(), identifier, onFirst, onSecond, where));
     }
 
+    /// As Connect and Attach, for a class that is known at run time, by its record.
+    Entity AddConnector(const QOBClassInfo& info, std::string_view identifier,
+                        const Ref<KARMPGeometry>& onFirst, const Ref<KARMPGeometry>& onSecond,
+                        Where where);
+    Entity AttachGeometry(const QOBClassInfo& info, std::string_view identifier,
+                          const Ref<KARMPEntity>& body, Where where);
+
     /// Links two entities that can refer to each other, both halves. What is linked already stays.
     /// The item, of either entity, chooses where there are several, "SecondBody" of a connector for
     /// one. A single link to another entity has to be unlinked first.
@@ -416,11 +423,6 @@ private:
     Entity AddJoint(const QOBClassInfo& info, const QOBClassInfo* constraint,
                     std::string_view identifier, const Ref<KARMPGeometry>& onParent,
                     const Ref<KARMPGeometry>& onChild, Where where);
-    Entity AddConnector(const QOBClassInfo& info, std::string_view identifier,
-                        const Ref<KARMPGeometry>& onFirst, const Ref<KARMPGeometry>& onSecond,
-                        Where where);
-    Entity AttachGeometry(const QOBClassInfo& info, std::string_view identifier,
-                          const Ref<KARMPEntity>& body, Where where);
     Entity FindEntity(bool (*fits)(const KARMPEntity&), std::string_view key) const;
     Entity GetEntity(bool (*fits)(const KARMPEntity&), const std::string& className,
                      std::string_view key, Where where, Outcome& problem) const;

@@ -1,7 +1,12 @@
 // Calls of a model that make entities with all that belongs to them.
 #include "Bindings.h"
 #include "KARMPEntities.h"
+#include "KARMPEnumerationTexts.h"
+#include "KARMPNearestWord.h"
 
+#include <pybind11/stl.h>
+
+#include <algorithm>
 #include <array>
 
 namespace karmp::python {
@@ -216,6 +221,78 @@ py::object Couple(const State& self, const py::object& type, const py::object& i
     });
 }
 
+KARMPPhysicalQuantity::Enum QuantityOf(const py::object& word)
+{
+    const auto& words = EnumTexts<KARMPPhysicalQuantity::Enum>::Rows;
+    const std::wstring text = WideOf(word);
+    const auto found = std::find(words.begin(), words.end(), text);
+    if (found == words.end()) {
+        const std::wstring_view near = NearestWord(text, {words.begin(), words.end()});
+        Raise(PyExc_ValueError, "there is no quantity \"" + Utf8Of(word) + '"' +
+                                    (near.empty() ? "" : "; near: " + Utf8Of(ToText(near))));
+    }
+    return static_cast<KARMPPhysicalQuantity::Enum>(found - words.begin());
+}
+
+py::object AddConstant(const State& self, const py::object& identifier, const py::object& quantity,
+                       double number, const py::kwargs& items)
+{
+    const std::string key = Utf8Of(identifier);
+    const auto meant = QuantityOf(quantity);
+    return MakeWith(self, "add_constant", items,
+                    [&](Model& model) { return model.Constant(key, meant, number).Handle(); });
+}
+
+py::object AddExpression(const State& self, const py::object& identifier,
+                         const py::object& quantity, const py::object& equation,
+                         const py::iterable& variables, const py::kwargs& items)
+{
+    const std::string key = Utf8Of(identifier);
+    const std::string text = Utf8Of(equation);
+    const auto meant = QuantityOf(quantity);
+    model::RefList<KARMPVariable> list;
+    for (const py::handle variable : py::list(variables))
+        list.push_back(RefIn<KARMPVariable>(variable, self));
+    return MakeWith(self, "add_expression", items, [&](Model& model) {
+        return model.Expression(key, meant, text, list).Handle();
+    });
+}
+
+py::object AddMotor(const State& self, const py::object& identifier, const py::object& variable,
+                    const std::optional<double>& position, const std::optional<double>& velocity,
+                    const std::optional<double>& acceleration, const std::optional<double>& maximum,
+                    const py::kwargs& items)
+{
+    const std::string key = Utf8Of(identifier);
+    const auto driven = RefIn<KARMPVariable>(variable, self);
+    return MakeWith(self, "add_motor", items, [&](Model& model) {
+        return model.Motor(key, driven, {position, velocity, acceleration, maximum}).Handle();
+    });
+}
+
+py::object Connect(const State& self, const py::object& type, const py::object& identifier,
+                   const py::object& first, const py::object& second, const py::kwargs& items)
+{
+    const QOBClassInfo& info = *ClassOf(type).info;
+    const std::string key = Utf8Of(identifier);
+    const auto one = RefIn<KARMPGeometry>(first, self);
+    const auto other = RefIn<KARMPGeometry>(second, self);
+    return MakeWith(self, "connect", items, [&](Model& model) {
+        return model.AddConnector(info, key, one, other, model::Where::current());
+    });
+}
+
+py::object Attach(const State& self, const py::object& type, const py::object& identifier,
+                  const py::object& body, const py::kwargs& items)
+{
+    const QOBClassInfo& info = *ClassOf(type).info;
+    const std::string key = Utf8Of(identifier);
+    const Ref<KARMPEntity> carrier(EntityIn(body, self));
+    return MakeWith(self, "attach", items, [&](Model& model) {
+        return model.AttachGeometry(info, key, carrier, model::Where::current());
+    });
+}
+
 py::object MeetingPoint(const py::object& from, double distance, const py::object& to,
                         double otherDistance)
 {
@@ -247,6 +324,16 @@ void BindBuilding(py::module_& module, ModelClass& of)
            "geometries, with all that realises it.");
     of.def("variable", &AddVariable, "id"_a, "joint"_a = none, "value"_a = 0.0,
            "A variable, the next one of a joint in the order of its freedoms.");
+    of.def("add_constant", &AddConstant, "id"_a, "quantity"_a, "number"_a,
+           "A number of a quantity, such as \"Length\", which entities may share.");
+    of.def("add_expression", &AddExpression, "id"_a, "quantity"_a, "equation"_a,
+           "variables"_a = py::tuple(), "A value that follows an equation of its variables.");
+    of.def("add_motor", &AddMotor, "id"_a, "variable"_a, py::kw_only(), "position"_a = none,
+           "velocity"_a = none, "acceleration"_a = none, "maximum"_a = none,
+           "A motor on a variable, which is controlled from then on.");
+    of.def("connect", &Connect, "cls"_a, "id"_a, "first"_a, "second"_a,
+           "A connector, a spring for one, between geometries of two bodies.");
+    of.def("attach", &Attach, "cls"_a, "id"_a, "body"_a, "A geometry on a body.");
     of.def("couple", &Couple, "cls"_a, "id"_a, "terms"_a, "constant"_a = 0.0,
            "A coupling: the sum of coefficients times variables, plus the constant, is 0.");
     of.def_property_readonly(

@@ -58,6 +58,24 @@ class Building(unittest.TestCase):
         self.assertEqual(list(m.add_point("P", a, (1, 2, 3)).origin), [1, 2, 3])
 
 
+    def test_values_motors_springs_and_geometries(self):
+        m = four_bar()
+        angle = m.variables["Crank angle"]
+        motor = m.add_motor("Motor", angle, velocity=2.0, maximum=5.0)
+        self.assertEqual((motor.variable, angle.type), (angle, "Controlled"))
+        self.assertEqual(m.add_constant("Rest", "Length", 0.2).physical_quantity, "Length")
+        follows = m.add_expression("Double", "Angle", "2 * x", [angle])
+        self.assertEqual(follows.variables, [angle])
+        with self.assertRaisesRegex(ValueError, "near: Length"):
+            m.add_constant("X", "Lenght", 1.0)
+        first, second = (m.add_point(f"P{i}", body, (0, 0, 0))
+                         for i, body in enumerate((m.ground, m.bodies["Rocker"])))
+        spring = m.connect(karmp.LinearSpring, "Spring", first, second)
+        self.assertEqual(spring.geometries, [first, second])
+        line = m.attach(karmp.Line, "Line", m.ground, direction=(0, 1, 0))
+        self.assertIs(line.body, m.ground)
+
+
 class Finding(unittest.TestCase):
     def test_collections_find_by_identifier_name_and_index(self):
         m = four_bar()
