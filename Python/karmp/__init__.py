@@ -7,7 +7,7 @@
 
 from . import _karmp
 from ._karmp import *
-from ._karmp import _items
+from ._karmp import _item_names, _items
 
 
 def _model(text):
@@ -18,11 +18,6 @@ def _model(text):
 def _entity(model, identifier):
     """What an entity is unpickled by."""
     return model.all(Entity)[identifier]
-
-
-def _item_names(cls):
-    """The items of a class, in the order of documents."""
-    return [row["name"] for row in _items(own=False) if row["class"] == cls.__name__]
 
 
 def _looks():

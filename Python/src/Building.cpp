@@ -54,6 +54,17 @@ private:
     bool m_isKept = false;
 };
 
+// The record of a class that is derived from T.
+template <class T>
+const QOBClassInfo& InfoOf(const py::object& type)
+{
+    const EntityClass& of = ClassOf(type);
+    if (!of.info->isDerivedFrom(T::ClassInfo()))
+        Raise(PyExc_TypeError,
+              "karmp." + of.name + " is no " + ClassNameOf(T::ClassInfo().getName()));
+    return *of.info;
+}
+
 // What `make` makes, with items set by keyword: all of it or nothing.
 template <class Make>
 py::object MakeWith(const State& self, const char* what, const py::kwargs& items, Make make)
@@ -173,7 +184,7 @@ py::object AddJoint(const State& self, const py::object& kind, const py::object&
                     const py::object& parent, const py::object& child, const py::object& at,
                     const py::object& axis, const py::object& frame, const py::kwargs& items)
 {
-    const QOBClassInfo& info = *ClassOf(kind).info;
+    const QOBClassInfo& info = InfoOf<KARMPJoint>(kind);
     const std::string key = Utf8Of(identifier);
     const Ref<KARMPEntity> one(EntityIn(parent, self));
     const Ref<KARMPEntity> other(EntityIn(child, self));
@@ -214,7 +225,7 @@ py::object Couple(const State& self, const py::object& type, const py::object& i
     std::vector<model::Term> list;
     for (const auto& [variable, coefficient] : terms)
         list.push_back({RefIn<KARMPVariable>(variable, self), coefficient.cast<double>()});
-    const QOBClassInfo& info = *ClassOf(type).info;
+    const QOBClassInfo& info = InfoOf<KARMPCoupling>(type);
     const std::string key = Utf8Of(identifier);
     return MakeWith(self, "couple", items, [&](Model& model) {
         return model.AddCoupling(info, key, list, constant, model::Where::current());
@@ -273,7 +284,7 @@ py::object AddMotor(const State& self, const py::object& identifier, const py::o
 py::object Connect(const State& self, const py::object& type, const py::object& identifier,
                    const py::object& first, const py::object& second, const py::kwargs& items)
 {
-    const QOBClassInfo& info = *ClassOf(type).info;
+    const QOBClassInfo& info = InfoOf<KARMPConnector>(type);
     const std::string key = Utf8Of(identifier);
     const auto one = RefIn<KARMPGeometry>(first, self);
     const auto other = RefIn<KARMPGeometry>(second, self);
@@ -285,7 +296,7 @@ py::object Connect(const State& self, const py::object& type, const py::object& 
 py::object Attach(const State& self, const py::object& type, const py::object& identifier,
                   const py::object& body, const py::kwargs& items)
 {
-    const QOBClassInfo& info = *ClassOf(type).info;
+    const QOBClassInfo& info = InfoOf<KARMPGeometry>(type);
     const std::string key = Utf8Of(identifier);
     const Ref<KARMPEntity> carrier(EntityIn(body, self));
     return MakeWith(self, "attach", items, [&](Model& model) {

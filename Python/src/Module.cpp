@@ -111,6 +111,15 @@ PYBIND11_MODULE(_karmp, module)
     BindColumns(model);
     BindPictures(module);
     MoveToPackage(module);
+    module.def(
+        "_item_names",
+        [](const py::object& type) {
+            py::list names;
+            for (const Property* const property : ClassOf(type).properties)
+                names.append(property->name);
+            return names;
+        },
+        "The items of a class, in the order of documents.");
     module.def("_items", &Items, py::arg("own") = true,
                "The items of each class as dictionaries, with or without those of its bases.");
 }

@@ -133,6 +133,18 @@ class WrongValues(unittest.TestCase):
         with self.assertRaises(TypeError):
             self.model.diff(None)
 
+    def test_calls_make_entities_of_their_family_alone(self):
+        m, point = self.model, self.model.add_point("P", self.body, (0, 0, 0))
+        before = m.text()
+        for call in (lambda: m.attach(karmp.Revolute, "X", self.body),
+                     lambda: m.connect(karmp.Body, "X", point, point),
+                     lambda: m.couple(karmp.Revolute, "X", {}),
+                     lambda: m.add_joint(karmp.Body, "X", m.ground, self.body, (0, 0, 0)),
+                     lambda: m.add(str, "X")):
+            with self.assertRaises(TypeError):
+                call()
+        self.assertEqual(m.text(), before)
+
     def test_blocks_that_were_not_entered_do_not_end(self):
         with self.assertRaises(karmp.Error):
             self.model.editing().__exit__(None, None, None)
