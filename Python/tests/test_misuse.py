@@ -1,9 +1,13 @@
 """What must not be done raises, and nothing else happens: deleted entities, lost models, foreign
 models, wrong values."""
 
+import contextlib
 import gc
 import inspect
+import io
+import os
 import random
+import tempfile
 import unittest
 import warnings
 import weakref
@@ -195,7 +199,11 @@ class Random(unittest.TestCase):
                 pass
 
     def test_programs_of_misuse_raise_at_most(self, count=300):
-        with warnings.catch_warnings():
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.addCleanup(os.chdir, os.getcwd())
+        os.chdir(folder.name)  # for what the programs happen to write
+        with warnings.catch_warnings(), contextlib.redirect_stdout(io.StringIO()):
             warnings.simplefilter("ignore")
             for seed in range(count):
                 self.program(random.Random(seed))
