@@ -131,6 +131,9 @@ bool Edit::LinkOne(const ItemInfo& item, const Entity& owner, const Entity& targ
     const KARStatus status = LinkHalf(item, *owner, target);
     if (status != KARSuccess) {
         m_log.pop_back();
+        // A coupling that has other constraints takes its equation and fails.
+        if (KARFailed(status) && item.kind == ItemKind::Reference && HeldBy(item, *owner) == target)
+            item.RemoveTarget(*owner, target);
         return !KARFailed(status) ||
                Fail("linking " + TitleOf(*owner) + " to " + TitleOf(*target) + " failed", status);
     }
