@@ -137,6 +137,7 @@ PyTypeObject* MakeBase(py::module_& module)
                            {Py_tp_getattro, function(&GetAttribute)},
                            {Py_tp_setattro, function(&SetAttribute)},
                            {Py_tp_members, members},
+                           {Py_tp_doc, const_cast<char*>("What all entities of a model have.")},
                            {0, nullptr}};
     PyType_Spec spec{"karmp.Entity", sizeof(EntityObject), 0,
                      Py_TPFLAGS_DEFAULT | Py_TPFLAGS_BASETYPE | Py_TPFLAGS_DISALLOW_INSTANTIATION,
@@ -235,7 +236,8 @@ EntityClass& AddClass(py::module_& module, const QOBClassInfo& info)
         py::dict attributes;
         attributes["__slots__"] = py::tuple();
         attributes["__module__"] = "karmp";
-        attributes["__doc__"] = ToText(schema != nullptr ? schema->says : std::string_view());
+        // Documents hold all classes but one.
+        attributes["__doc__"] = schema != nullptr ? schema->says : "What a solver tells of entities.";
         const auto type = py::handle(reinterpret_cast<PyObject*>(&PyType_Type))(
             made->name, py::make_tuple(py::handle(reinterpret_cast<PyObject*>(base->type))),
             attributes);

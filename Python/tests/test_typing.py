@@ -1,6 +1,7 @@
 """The types of the package, by mypy: they are the module's own, right programs pass, and forty mistakes
 are found."""
 
+import doctest
 import os
 import pathlib
 import re
@@ -10,6 +11,7 @@ import tempfile
 import unittest
 
 import karmp
+from test_docs import guide_examples
 
 TESTS = pathlib.Path(__file__).resolve().parent
 TYPING = TESTS / "typing"
@@ -53,7 +55,10 @@ class Types(unittest.TestCase):
         examples = sorted((TESTS.parent / "examples").glob("*.py"))
         told = check("-p", "karmp")
         self.assertEqual((told.returncode, told.stdout), (0, ""))
-        for program in [TYPING / "uses.py", *examples]:
+        guide = pathlib.Path(CACHE.name, "guide.py")
+        parsed = doctest.DocTestParser().get_examples(guide_examples())
+        guide.write_text("".join(example.source for example in parsed), "utf-8")
+        for program in [TYPING / "uses.py", guide, *examples]:
             with self.subTest(program.name):
                 told = check(program)
                 self.assertEqual((told.returncode, told.stdout), (0, ""))

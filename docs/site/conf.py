@@ -8,7 +8,7 @@ project = "KARMPEntities"
 version = release = os.environ["KARMP_VERSION"]
 extensions = ["myst_parser"]
 source_suffix = {".md": "markdown"}
-exclude_patterns = ["Examples", "tests"]
+exclude_patterns = ["Examples", "Python", "tests"]
 myst_heading_anchors = 4
 highlight_language = "none"
 
