@@ -1,4 +1,4 @@
-# Debian packages by CPack: the libraries, what programs are built with, and the tool.
+# Debian packages by CPack: the libraries, what programs are built with, the tool, and the Python package.
 # scripts/package makes them, by the preset "package".
 
 # The address stands for one that whoever publishes packages gives.
@@ -33,7 +33,7 @@ set(same_version "${libraries_package} (= ${version}-${revision})")
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
-set(CPACK_COMPONENTS_ALL libraries development tool)
+set(CPACK_COMPONENTS_ALL libraries development tool python)
 set(CPACK_PACKAGE_DIRECTORY "${PROJECT_BINARY_DIR}/debs")
 set(CPACK_STRIP_FILES ON)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
@@ -84,6 +84,26 @@ set(CPACK_DEBIAN_TOOL_DESCRIPTION
 Tells what a mechanism's document holds and what is wrong with it,
 compares, converts and cuts documents, draws the graph of bodies and
 joints, and writes a page that shows the mechanism in space."
+)
+
+# The module is of one version of the interpreter's.
+get_target_property(minor karmp_python KARMP_PYTHON_MINOR)
+math(EXPR next "${minor} + 1")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-karmp)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
+    "${same_version}, python3 (>= 3.${minor}), python3 (<< 3.${next}), python3-numpy"
+)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS "python3-pandas")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
+    "${CMAKE_CURRENT_LIST_DIR}/debian/python/postinst"
+    "${CMAKE_CURRENT_LIST_DIR}/debian/python/prerm"
+)
+set(CPACK_DEBIAN_PYTHON_DESCRIPTION
+    "Models of multibody mechanisms in Python
+Builds, edits, checks, loads and saves models of mechanisms: bodies, joints,
+constraints, sensors and all that belongs to them, as objects with properties
+and as columns of numpy. The types are there for editors and for mypy."
 )
 
 # The licence and the changes, for each package.
