@@ -7,26 +7,31 @@ checked and saved.
 
 import pathlib
 import sys
+from collections.abc import Sequence
 
 import numpy as np
+from numpy.typing import NDArray
 
 import karmp
+
+Points = Sequence[float] | NDArray[np.float64]
 
 COUPLER, ROCKER, ANGLE = 0.3, 0.2, 1.0
 
 
-def position(start, end):
+def position(start: Points, end: Points) -> list[list[float]]:
     """The position of a rod in the plane z = 0: its first axis looks from its start to its end."""
     x, y = np.subtract(end, start)[:2] / np.linalg.norm(np.subtract(end, start))
     return [[x, -y, 0, start[0]], [y, x, 0, start[1]], [0, 0, 1, 0], [0, 0, 0, 1]]
 
 
-def with_crank(model, length):
+def with_crank(model: karmp.Model, length: float) -> karmp.Model:
     """A clone of the linkage whose crank has another length."""
     clone = model.clone()
     pivot = clone.bodies["Rocker"].position[:3, 3]
     crank_end = length * np.array([np.cos(ANGLE), np.sin(ANGLE), 0])
     rocker_end = karmp.meeting_point(crank_end, COUPLER, pivot, ROCKER)
+    assert rocker_end  # these lengths meet
     with clone.editing():
         crank = clone.bodies["Crank"]
         scale = length / (2 * crank.cog[0])
@@ -38,7 +43,7 @@ def with_crank(model, length):
     return clone
 
 
-def main(document, folder):
+def main(document: str, folder: str) -> None:
     linkage = karmp.load(document)
     for number, length in enumerate(np.linspace(0.05, 0.15, 100)):
         clone = with_crank(linkage, length)

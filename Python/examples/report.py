@@ -11,15 +11,15 @@ import sys
 import karmp
 
 
-def section(title, body):
+def section(title: str, body: str) -> str:
     return f"<h2>{title}</h2>\n{body}\n"
 
 
-def rows(*cells):
+def rows(*cells: object) -> str:
     return "<tr>" + "".join(f"<td>{html.escape(str(cell))}</td>" for cell in cells) + "</tr>\n"
 
 
-def report(model, title):
+def report(model: karmp.Model, title: str) -> str:
     bodies = "".join(rows(body.name, f"{body.mass:g} kg", "fixed" if body.is_fixed else "")
                      for body in model.bodies)
     joints = "".join(rows(joint.name, type(joint).__name__,
@@ -37,7 +37,7 @@ def report(model, title):
             f"<h1>{heading}</h1>\n" + "".join(parts))
 
 
-def main(document, output):
+def main(document: str, output: str) -> None:
     path = pathlib.Path(document)
     pathlib.Path(output).write_text(report(karmp.load(path), path.stem), encoding="utf-8")
 
