@@ -8,7 +8,7 @@ import karmp
 a, d = (0, 0, 0), (0.3, 0, 0)
 b = (0.1 * cos(1), 0.1 * sin(1), 0)
 c = karmp.meeting_point(b, 0.3, d, 0.2)
-assert c  # the lengths meet
+assert c is not None
 model = karmp.Model("Four-bar linkage", gravity=(0, -9.81, 0))
 crank = model.add_rod("Crank", 0.2, a, b, radius=0.005)
 coupler = model.add_rod("Coupler", 0.6, b, c, radius=0.005)

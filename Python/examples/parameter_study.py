@@ -7,19 +7,16 @@ checked and saved.
 
 import pathlib
 import sys
-from collections.abc import Sequence
 
 import numpy as np
 from numpy.typing import NDArray
 
 import karmp
 
-Points = Sequence[float] | NDArray[np.float64]
-
 COUPLER, ROCKER, ANGLE = 0.3, 0.2, 1.0
 
 
-def position(start: Points, end: Points) -> list[list[float]]:
+def position(start: NDArray[np.float64], end: NDArray[np.float64]) -> list[list[float]]:
     """The position of a rod in the plane z = 0: its first axis looks from its start to its end."""
     x, y = np.subtract(end, start)[:2] / np.linalg.norm(np.subtract(end, start))
     return [[x, -y, 0, start[0]], [y, x, 0, start[1]], [0, 0, 1, 0], [0, 0, 0, 1]]
@@ -30,8 +27,10 @@ def with_crank(model: karmp.Model, length: float) -> karmp.Model:
     clone = model.clone()
     pivot = clone.bodies["Rocker"].position[:3, 3]
     crank_end = length * np.array([np.cos(ANGLE), np.sin(ANGLE), 0])
-    rocker_end = karmp.meeting_point(crank_end, COUPLER, pivot, ROCKER)
-    assert rocker_end  # these lengths meet
+    met = karmp.meeting_point(crank_end, COUPLER, pivot, ROCKER)
+    if met is None:
+        raise ValueError(f"a crank of {length} m does not close the loop")
+    rocker_end = np.array(met)
     with clone.editing():
         crank = clone.bodies["Crank"]
         scale = length / (2 * crank.cog[0])

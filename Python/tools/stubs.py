@@ -118,6 +118,7 @@ def keywords(match):
 def main(template, output):
     text = pathlib.Path(template).read_text("utf-8")
     text = re.sub(r"    # families\n", families, text)
+    text = re.sub(r"# words (\w+) (\w+)", lambda match: words(ROWS[match[1]][match[2]]), text)
     text = re.sub(r" +# items (\w+)\n", keywords, text)
     text += "".join(entity_class(name, rows.values()) for name, rows in ROWS.items())
     pathlib.Path(output).write_text(text.rstrip("\n") + "\n", "utf-8")
