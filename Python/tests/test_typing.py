@@ -24,12 +24,14 @@ def has_mypy():
 
 
 def run(module, *arguments):
+    # Mypy finds an installed package by itself, and minds being told.
+    path = {} if PACKAGE.parent.name == "site-packages" else {"MYPYPATH": str(PACKAGE.parent)}
     return subprocess.run(
         [sys.executable, "-m", module, *map(str, arguments)],
         capture_output=True,
         text=True,
         cwd=CACHE.name,
-        env=os.environ | {"MYPYPATH": str(PACKAGE.parent)},
+        env=os.environ | path,
     )
 
 
