@@ -237,7 +237,8 @@ EntityClass& AddClass(py::module_& module, const QOBClassInfo& info)
         attributes["__slots__"] = py::tuple();
         attributes["__module__"] = "karmp";
         // Documents hold all classes but one.
-        attributes["__doc__"] = schema != nullptr ? schema->says : "What a solver tells of entities.";
+        attributes["__doc__"] =
+            schema != nullptr ? schema->says : "What a solver tells of entities.";
         const auto type = py::handle(reinterpret_cast<PyObject*>(&PyType_Type))(
             made->name, py::make_tuple(py::handle(reinterpret_cast<PyObject*>(base->type))),
             attributes);
