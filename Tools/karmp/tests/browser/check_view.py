@@ -178,7 +178,8 @@ class ViewTest(unittest.TestCase):
         page.press("/")
         page.type("revolute.f")
         names = "[...document.querySelectorAll('#tree .row:not(.family) .name')].map(n => n.textContent)"
-        self.assertEqual(page.run(names), ["Revolute.F", "Revolute.F.constraint"])
+        self.assertEqual(page.run(names), ["Revolute.F", "Revolute.F.constraint", "K1.Revolute.F",
+                                           "K2.Revolute.F"])
         self.assertLess(self.shades_near(page.screenshot(), at, colour, 30), before / 4)
         page.press("Enter", "\r")
         self.assertEqual(page.run("karmp.selected()"), "Revolute.F")
