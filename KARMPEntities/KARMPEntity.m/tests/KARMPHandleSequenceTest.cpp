@@ -193,7 +193,7 @@ TEST(HandleSequence, ReleasesWhatItDrops)
 }
 
 // Notes its number when it goes.
-class Mortal : public QOBSharedObject
+class Mortal : public TestEntity
 {
 public:
     Mortal(std::vector<int>& gone, int number) : m_gone(gone), m_number(number) {}

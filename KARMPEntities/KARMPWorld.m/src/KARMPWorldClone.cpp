@@ -319,6 +319,10 @@ bool WorldCloner::DuplicateInMemoryOrder(const QOBSharedList<KARMPEntity>& filte
         File(filter, copies);
     } catch (...) {
         duplicates.DropWaiting();
+        // Those that are not filed hold one another by their links.
+        for (const FilterCopy& copy : copies)
+            if (copy.duplicate)
+                copy.duplicate._getReferent()->orphanObject();
         throw;
     }
     return true;
