@@ -319,7 +319,7 @@ bool WorldCloner::DuplicateInMemoryOrder(const QOBSharedList<KARMPEntity>& filte
         File(filter, copies);
     } catch (...) {
         duplicates.DropWaiting();
-        // Those that are not filed hold one another by their links.
+        // The world does not know those that are not filed.
         for (const FilterCopy& copy : copies)
             if (copy.duplicate)
                 copy.duplicate._getReferent()->orphanObject();
@@ -373,9 +373,16 @@ QOBSharedHandle<KARMPWorld> KARMPWorld::CloneWithFilter(
     karmp::WorldCloner cloner(*this);
     if (cloner.Create()) {
         karmp::Duplicates duplicates(filter);
-        cloner.Duplicate(filter, duplicates);
-        cloner.DuplicateGlobals();
-        duplicates.RestoreLinks();
+        try {
+            cloner.Duplicate(filter, duplicates);
+            cloner.DuplicateGlobals();
+            duplicates.RestoreLinks();
+        } catch (...) {
+            // The duplicates hold one another by their links.
+            duplicates.DropWaiting();
+            cloner.Target()->orphanObject();
+            throw;
+        }
     }
     return cloner.Target();
 }
