@@ -58,6 +58,7 @@ public:
     void DuplicateAll();
     void Duplicate(const QOBSharedList<KARMPEntity>& filter, Duplicates& duplicates);
     void DuplicateGlobals();
+    void OrphanDuplicates();
     const QOBSharedHandle<KARMPWorld>& Target() const { return m_target; }
 
 private:
@@ -345,6 +346,15 @@ void WorldCloner::DuplicateGlobals()
     DuplicateGlobal(m_source.m_globalTime, m_target->m_globalTime);
 }
 
+void WorldCloner::OrphanDuplicates()
+{
+    Families::ForEach([this](auto family) {
+        const RegistryCore& registry = m_target->Registry<typename decltype(family)::Type>().Core();
+        for (std::size_t index = 0; index < registry.Count(); ++index)
+            registry.From(index).front()._getReferent()->orphanObject();
+    });
+}
+
 template <class T>
 void WorldCloner::DuplicateGlobal(const QOBSharedHandle<T>& source, QOBSharedHandle<T>& target)
 {
@@ -380,7 +390,7 @@ QOBSharedHandle<KARMPWorld> KARMPWorld::CloneWithFilter(
         } catch (...) {
             // The duplicates hold one another by their links.
             duplicates.DropWaiting();
-            cloner.Target()->orphanObject();
+            cloner.OrphanDuplicates();
             throw;
         }
     }
