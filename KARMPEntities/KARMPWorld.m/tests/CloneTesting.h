@@ -80,7 +80,11 @@ protected:
     /// The filtered clone, whose duplicates are placed in the same manner.
     QOBSharedHandle<KARMPWorld> CloneOf(const QOBSharedList<KARMPEntity>& filter) const
     {
-        const auto clone = world->CloneWithFilter(filter);
+        return Placed(world->CloneWithFilter(filter));
+    }
+    /// A filtered clone, whose duplicates it places.
+    static QOBSharedHandle<KARMPWorld> Placed(const QOBSharedHandle<KARMPWorld>& clone)
+    {
         const QOBSharedHandle<QOBBasicEntity> above(clone->getExtendible());
         karmp::Families::ForEach([&](auto family) {
             using T = typename decltype(family)::Type;
