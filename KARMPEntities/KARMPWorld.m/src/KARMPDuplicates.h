@@ -68,9 +68,9 @@ public:
     }
     /// Notes an entity whose class is not plain: what was linked until then is not linked any more.
     void NoteOther();
-    /// Makes the links null that wait for a duplicate, which must be done before these are
-    /// destroyed.
-    void DropWaiting() noexcept { m_placer.DropWaiting(); }
+    /// Takes all links of the duplicates away, by which they hold one another, so that they are
+    /// freed where a clone fails. This must be done before any of them is destroyed.
+    void Discard();
     /// Links the duplicates of entities to one another as their sources are linked, by the
     /// operations of the source's family where they are not linked already. Links that lead to an
     /// entity without a duplicate are dropped.
@@ -93,6 +93,7 @@ private:
     LinkPlacer m_placer;
     bool m_haveOtherClasses = false;
     bool m_arePlain = true;
+    bool m_areDiscarded = false;
 };
 
 /// Goes a number of entries ahead of a walk over a list, or a part of it.

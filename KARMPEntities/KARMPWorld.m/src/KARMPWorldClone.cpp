@@ -58,7 +58,6 @@ public:
     void DuplicateAll();
     void Duplicate(const QOBSharedList<KARMPEntity>& filter, Duplicates& duplicates);
     void DuplicateGlobals();
-    void OrphanDuplicates();
     const QOBSharedHandle<KARMPWorld>& Target() const { return m_target; }
 
 private:
@@ -319,11 +318,7 @@ bool WorldCloner::DuplicateInMemoryOrder(const QOBSharedList<KARMPEntity>& filte
         });
         File(filter, copies);
     } catch (...) {
-        duplicates.DropWaiting();
-        // The world does not know those that are not filed.
-        for (const FilterCopy& copy : copies)
-            if (copy.duplicate)
-                copy.duplicate._getReferent()->orphanObject();
+        duplicates.Discard(); // while all of them are there
         throw;
     }
     return true;
@@ -344,15 +339,6 @@ void WorldCloner::DuplicateGlobals()
     DuplicateGlobal(m_source.m_globalBody, m_target->m_globalBody);
     DuplicateGlobal(m_source.m_globalAxisSystem, m_target->m_globalAxisSystem);
     DuplicateGlobal(m_source.m_globalTime, m_target->m_globalTime);
-}
-
-void WorldCloner::OrphanDuplicates()
-{
-    Families::ForEach([this](auto family) {
-        const RegistryCore& registry = m_target->Registry<typename decltype(family)::Type>().Core();
-        for (std::size_t index = 0; index < registry.Count(); ++index)
-            registry.From(index).front()._getReferent()->orphanObject();
-    });
 }
 
 template <class T>
@@ -388,9 +374,7 @@ QOBSharedHandle<KARMPWorld> KARMPWorld::CloneWithFilter(
             cloner.DuplicateGlobals();
             duplicates.RestoreLinks();
         } catch (...) {
-            // The duplicates hold one another by their links.
-            duplicates.DropWaiting();
-            cloner.OrphanDuplicates();
+            duplicates.Discard();
             throw;
         }
     }

@@ -390,6 +390,14 @@ void karmp::Duplicates::NoteOther()
     ForEachLinked<LinkAccess::Clear>(m_sources, m_placer);
 }
 
+void karmp::Duplicates::Discard()
+{
+    if (std::exchange(m_areDiscarded, true))
+        return;
+    m_placer.DropWaiting();
+    ForEachLinked<LinkAccess::Clear>(m_sources, m_placer);
+}
+
 void karmp::Duplicates::RestoreLinks()
 {
     using CollectLinks =
