@@ -210,6 +210,10 @@ void SetItem(EntityObject& object, const Property& property, py::handle value);
 /// Values to Python and back. A value of another type raises; what the item says of it does not.
 py::object ToPython(const Value& value, Property& property, const State& state);
 Value FromPython(py::handle value, const ItemInfo& item, const State& state);
+/// Imports numpy, as must be done before the first array: pybind11 would import it within the
+/// initialization of a static variable, where threads that wait for that keep the interpreter's
+/// lock from the one that imports.
+void LoadNumpy();
 /// Numbers of a sequence, of sequences of one length row by row; raises for another count.
 std::vector<double> NumbersOf(py::handle value);
 /// Exactly `count` of them.

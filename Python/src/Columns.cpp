@@ -41,6 +41,7 @@ template <class T>
 py::array ScalarsOf(const State& self, const ItemInfo& item, const std::vector<Entity>& entities,
                     T missing)
 {
+    LoadNumpy();
     py::array_t<T> column(static_cast<py::ssize_t>(entities.size()));
     T* const data = column.mutable_data();
     ForEachValue(self, item, entities, [data, missing](std::size_t index, const Value& value) {
@@ -58,6 +59,7 @@ py::array ArraysOf(const State& self, const ItemInfo& item, const std::vector<En
     std::vector<py::ssize_t> shape{static_cast<py::ssize_t>(entities.size()), rows};
     if (item.shape != NumberShape::Vector)
         shape.push_back(rows);
+    LoadNumpy();
     py::array_t<double> column(shape);
     double* const data = column.mutable_data();
     const std::size_t size = sample.Rows() * sample.Columns();

@@ -28,6 +28,7 @@ py::object ArrayOf(const NumberArray& numbers)
 {
     const auto rows = static_cast<py::ssize_t>(numbers.Rows());
     const bool isVector = numbers.Shape() == NumberShape::Vector;
+    LoadNumpy();
     py::array_t<double> array(isVector ? std::vector{rows} : std::vector{rows, rows});
     double* entry = array.mutable_data();
     for (std::size_t row = 0; row < numbers.Rows(); ++row)
@@ -162,6 +163,15 @@ Bytes BytesFrom(py::handle value)
 }
 
 } // namespace
+
+void LoadNumpy()
+{
+    static bool isLoaded = false; // changes under the interpreter's lock alone
+    if (isLoaded)
+        return;
+    py::module_::import("numpy.core.multiarray");
+    isLoaded = true;
+}
 
 std::vector<double> NumbersOf(py::handle value)
 {

@@ -3,6 +3,7 @@
 import gc
 import os
 import resource
+import subprocess
 import sys
 import threading
 import time
@@ -52,6 +53,15 @@ class Threads(unittest.TestCase):
                 assert m.column(karmp.Body, "mass")[1] == index
 
         self.assertEqual(run_all(work, 8), [])
+
+    def test_first_arrays_of_threads_import_numpy_once(self):
+        program = ("import threading, karmp\n"
+                   "m = [karmp.Model(str(i)) for i in range(8)]\n"
+                   "b = [model.add_body('B') for model in m]\n"
+                   "t = [threading.Thread(target=lambda body=body: body.cog) for body in b]\n"
+                   "[x.start() for x in t]\n"
+                   "[x.join() for x in t]\n")
+        subprocess.run([sys.executable, "-B", "-c", program], check=True, timeout=60)
 
     def test_second_thread_on_a_model_at_work_gets_an_error(self):
         m = big_model()
