@@ -66,14 +66,22 @@ protected:
     {}
     ~QOBBasicEntity() override;
 
-    /// Orphans all that hangs under this entity, whatever its depth, and lets it go.
-    void orphanLogicalChildren();
-
 private:
     struct Children
     {
         std::vector<QOBSharedHandle<QOBBasicEntity>> slots; // a null slot is free
         std::size_t count = 0;
+    };
+    // Lists of children that left, each of which is let go first to last.
+    class FormerChildren
+    {
+    public:
+        FormerChildren() = default;
+        FormerChildren(FormerChildren&&) = default;
+        FormerChildren& operator=(FormerChildren&&) = delete;
+        ~FormerChildren();
+
+        std::vector<std::unique_ptr<Children>> families;
     };
 
     friend class QOBBasicWorld;
@@ -82,6 +90,8 @@ private:
     QOBBasicEntity* childFrom(std::size_t slot) const;
     void leaveParent();
     void releaseChildren();
+    // Orphans all that hangs under this entity, whatever its depth.
+    FormerChildren orphanLogicalChildren();
     void compactChildren();
 
     kar::SharedText m_name;

@@ -32,6 +32,8 @@ protected:
 
     /// Calls orphanObject on every extension.
     void orphanExtensions();
+    /// Deletes every extension, first to last. For a destructor alone.
+    void deleteExtensions() noexcept;
 
 private:
     friend class QOBExtensionObject;

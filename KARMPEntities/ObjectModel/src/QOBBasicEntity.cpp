@@ -207,25 +207,31 @@ void QOBBasicEntity::releaseChildren()
     Release(children->slots);
 }
 
-void QOBBasicEntity::orphanLogicalChildren()
+QOBBasicEntity::FormerChildren::~FormerChildren()
 {
-    std::vector<std::unique_ptr<Children>> families;
+    for (const std::unique_ptr<Children>& family : families)
+        Release(family->slots);
+}
+
+QOBBasicEntity::FormerChildren QOBBasicEntity::orphanLogicalChildren()
+{
     // One entity's teardown may orphan another one, whose list of siblings is no longer where its
     // parent had it, so that all of them leave before the first is orphaned.
-    const auto take = [&families](std::unique_ptr<Children> family) {
+    FormerChildren former;
+    const auto take = [&former](std::unique_ptr<Children> family) {
         if (family == nullptr)
             return;
         ForEachChild(family->slots, [](QOBBasicEntity& child) { child.m_parent = nullptr; });
-        families.push_back(std::move(family));
+        former.families.push_back(std::move(family));
     };
     take(std::move(m_children));
-    while (!families.empty()) {
-        const std::unique_ptr<Children> family = std::move(families.back());
-        families.pop_back();
-        ForEachChild(family->slots, [&take](QOBBasicEntity& child) {
-            take(std::move(child.m_children));
-            child.orphanObject();
-        });
-        Release(family->slots);
+    for (std::size_t next = 0; next < former.families.size(); ++next) {
+        ForEachChild(
+            former.families[next]->slots,
+            [&take](QOBBasicEntity& child) {
+                take(std::move(child.m_children));
+                child.orphanObject();
+            });
     }
+    return former;
 }

@@ -9,10 +9,13 @@ QOBBasicWorld::QOBBasicWorld()
     m_world = this;
 }
 
+// Entities that an extension lists go after it, in the order of their placing: that is mostly the
+// order of their memory, which the extension's lists need not have.
 QOBBasicWorld::~QOBBasicWorld()
 {
     orphanExtensions();
-    orphanLogicalChildren();
+    const FormerChildren former = orphanLogicalChildren();
+    deleteExtensions();
 }
 
 QOBSharedHandle<QOBBasicWorld> QOBBasicWorld::create(std::wstring name)

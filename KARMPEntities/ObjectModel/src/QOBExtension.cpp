@@ -6,6 +6,11 @@ QOB_DEFINE_CLASS(QOBExtendibleObject, QOBNotificationAgent);
 
 QOBExtendibleObject::~QOBExtendibleObject()
 {
+    deleteExtensions();
+}
+
+void QOBExtendibleObject::deleteExtensions() noexcept
+{
     if (m_extensions == nullptr)
         return;
     // From here on the extension is an object under destruction of its own, so that handles on it
@@ -15,6 +20,7 @@ QOBExtendibleObject::~QOBExtendibleObject()
         extension->m_count.store(DyingCount, std::memory_order_relaxed);
         delete extension;
     }
+    m_extensions.reset();
 }
 
 QOBExtensionObject* QOBExtendibleObject::find(const QOBUUID& id) const

@@ -301,6 +301,32 @@ TEST(BasicWorld, OrphansAllOfAFamilyBeforeItLetsThemGoFirstToLast)
     }
 }
 
+TEST(BasicWorld, LetsEntitiesGoInTheOrderOfPlacingWhateverAnExtensionLists)
+{
+    constexpr int Count = 20;
+    std::vector<int> orphaned;
+    std::vector<int> gone;
+    std::vector<QOBSharedHandle<QOBBasicEntity>> listed;
+    auto world = QOBBasicWorld::create(L"world");
+    for (int number = 0; number < Count; ++number) {
+        const QOBSharedHandle<Witness> child(new Witness(orphaned, gone, number));
+        world->addLogicalChild(child);
+        listed.insert(listed.begin(), child);
+    }
+    QOBSharedHandle<Plan> plan(new Plan);
+    plan->atEnd = [&](Plan&) {
+        EXPECT_EQ(orphaned.size(), std::size_t{Count});
+        EXPECT_TRUE(gone.empty());
+        listed.clear();
+    };
+    EXPECT_EQ(plan->bindExtension(world), KARSuccess);
+    world.detach();
+    EXPECT_TRUE(gone.empty());
+    plan.detach();
+    EXPECT_EQ(gone.size(), std::size_t{Count});
+    EXPECT_TRUE(std::is_sorted(gone.begin(), gone.end()));
+}
+
 TEST(BasicEntity, LetsItsChildrenGoFirstToLastWithoutOrphaningThem)
 {
     std::vector<int> orphaned;
