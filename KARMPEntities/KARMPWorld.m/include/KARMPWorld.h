@@ -26,6 +26,7 @@ class QOBBasicWorld;
 namespace karmp {
 
 class WorldCloner;
+class WorldFiler;
 template <class List>
 class RegistrySet;
 /// One registry for each family of a list, made in the order of the list and destroyed backwards.
@@ -251,6 +252,7 @@ protected:
 
 private:
     friend class karmp::WorldCloner;
+    friend class karmp::WorldFiler;
     using Registries = karmp::RegistrySet<karmp::Families>;
 
     // The globals that the world made hold one another. It remembers them, so that they do not

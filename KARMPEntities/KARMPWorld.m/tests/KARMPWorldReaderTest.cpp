@@ -202,6 +202,56 @@ TEST_F(WorldReader, AddsToWhatTheWorldListsAndKeepsTheRest)
     EXPECT_EQ(identifiersIn<KARMPSupport>(*world), (Identifiers{L"old", L"new"}));
 }
 
+TEST_F(WorldReader, ListsAnEntityOnceThatListedItselfWhileItRead)
+{
+    WorldTestScript::Current().onRead = [&](KARMPEntity& e) {
+        world->Add(QOBSharedHandle<KARMPSupport>(&e));
+    };
+    entity(registry(L"Supports"), L"TestSupport", L"S");
+    EXPECT_EQ(read(), KARSuccess);
+    EXPECT_EQ(identifiersIn<KARMPSupport>(*world), Identifiers{L"S"});
+}
+
+// Enters a class that has one object.
+class SingleEntity : private KARMPGenericFactoryBase
+{
+public:
+    SingleEntity() { Register("KARMPTestSingle", &Get); }
+
+private:
+    static QOBSharedHandle<KARMPEntity> Get()
+    {
+        static const auto single = TestOf<KARMPSupport>::create(L"first");
+        return single;
+    }
+};
+
+TEST_F(WorldReader, ListsAnEntityOnceThatTheFactoryGivesTwice)
+{
+    const SingleEntity single;
+    TestDeserializer& supports = registry(L"Supports");
+    entity(supports, L"TestSingle", L"first");
+    entity(supports, L"TestSingle", L"second");
+    EXPECT_EQ(read(), KARSuccess);
+    ExpectReports(2); // by the entity, which has its identifier before it reads
+    EXPECT_EQ(world->Count<KARMPSupport>(), 1);
+}
+
+TEST_F(WorldReader, ListsManyEntitiesThatCanBeRemovedAndAreNotAddedAgain)
+{
+    constexpr int Count = 200;
+    TestDeserializer& supports = registry(L"Supports");
+    for (int number = 0; number < Count; ++number)
+        entity(supports, L"TestSupport", std::to_wstring(1'000 + number));
+    EXPECT_EQ(read(), KARSuccess);
+    QOBSharedHandle<KARMPSupport> any;
+    world->Get(Count / 2, any);
+    EXPECT_EQ(world->Add(any), KARUnchanged);
+    EXPECT_EQ(world->Remove(any), KARSuccess);
+    EXPECT_EQ(world->Remove(any), KARUnchanged);
+    EXPECT_EQ(world->Count<KARMPSupport>(), Count - 1);
+}
+
 TEST_F(WorldReader, SkipsAnEntityWithoutAnIdentifier)
 {
     TestDeserializer& supports = registry(L"Supports");
