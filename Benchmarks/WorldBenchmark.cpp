@@ -17,7 +17,6 @@
 #include <sstream>
 #include <string>
 
-#include <malloc.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -35,23 +34,6 @@ const std::string& DocumentOf(std::int64_t count, Content content)
         benchmark::DoNotOptimize(SaveText(Build(count, content), text));
     return text;
 }
-
-/// Lets the heap keep what is freed, for as long as it lives.
-class HeapThatKeeps
-{
-public:
-    HeapThatKeeps() { Set(0, -1); }
-    ~HeapThatKeeps() { Set(65536, 128 * 1024); }
-    HeapThatKeeps(const HeapThatKeeps&) = delete;
-    HeapThatKeeps& operator=(const HeapThatKeeps&) = delete;
-
-private:
-    static void Set(int mappings, int trimThreshold)
-    {
-        ::mallopt(M_MMAP_MAX, mappings);
-        ::mallopt(M_TRIM_THRESHOLD, trimThreshold);
-    }
-};
 
 void Build(benchmark::State& state, Content content)
 {
