@@ -44,6 +44,13 @@ public:
     void FailAllocation(std::size_t number)
     {
         m_untilFailure = number;
+        m_goOnFailing = false;
+    }
+    /// Lets that one and all that follow fail.
+    void FailAllocationsFrom(std::size_t number)
+    {
+        m_untilFailure = number;
+        m_goOnFailing = true;
     }
 
     /// Notes an allocation of this thread; false when it must fail. Called by operator new.
@@ -53,5 +60,6 @@ private:
     std::size_t m_count = 0;
     std::size_t m_bytes = 0;
     std::size_t m_untilFailure = 0;
+    bool m_goOnFailing = false;
     AllocationCounter* m_outer;
 };

@@ -26,7 +26,14 @@ bool AllocationCounter::Note(std::size_t bytes)
         return true;
     ++counter->m_count;
     counter->m_bytes += bytes;
-    return counter->m_untilFailure == 0 || --counter->m_untilFailure != 0;
+    if (counter->m_untilFailure == 0)
+        return true;
+    if (counter->m_untilFailure > 1) {
+        --counter->m_untilFailure;
+        return true;
+    }
+    counter->m_untilFailure = counter->m_goOnFailing ? 1 : 0;
+    return false;
 }
 
 #if defined(KARMP_COUNTS_ALLOCATIONS)

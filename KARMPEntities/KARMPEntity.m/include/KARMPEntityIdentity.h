@@ -105,8 +105,16 @@ struct EntityAccess
     static QOBClassOperations Operations()
     {
         return {&Replicate<T>, &Duplicate<T>, IsCopiedByRecord<T>() ? &typeid(T) : nullptr,
-                HasFamilyLinks<T>()};
+                IsLibrary && HasFamilyLinks<T>()};
     }
+
+private:
+    // The constructors of an application's classes may look at any entity.
+#if defined(KARMP_ENTITIES_BUILD)
+    static constexpr bool IsLibrary = true;
+#else
+    static constexpr bool IsLibrary = false;
+#endif
 };
 
 } // namespace karmp

@@ -13,7 +13,7 @@ class HandleIndex;
 class LinkPlacer;
 } // namespace karmp
 
-/// An ordered sequence of handles of entities that stays fast when it grows long.
+/// An ordered sequence of handles of entities (KARMPEntity) that stays fast when it grows long.
 ///
 /// Short sequences are scanned. A long one keeps an index beside the handles, so that a test for an
 /// entry, appending, removing and access by position stay cheap whatever the order of the calls.

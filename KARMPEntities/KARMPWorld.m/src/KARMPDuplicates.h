@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
+#include <unordered_set>
 
 namespace karmp {
 
@@ -35,7 +36,8 @@ struct PlainKind
     RegistryCore* target;
     /// The number of the family.
     std::uint32_t family;
-    /// False when the links are read and made by operations of the entity that the class overrides.
+    /// False when the links are read and made by operations of the entity that the class overrides,
+    /// or when copying one may look at other copies.
     bool hasFamilyLinks;
     /// Null when the links of the family are not restored.
     const PlainLinks* links;
@@ -66,11 +68,17 @@ public:
         else if (kind.links != nullptr)
             kind.links->place(source, duplicate, m_placer);
     }
-    /// Notes an entity whose class is not plain: what was linked until then is not linked any more.
+    /// Announces an entity that is not copied and linked in one step: what was linked until then is
+    /// not linked any more, since the copy may look at it.
     void NoteOther();
+    /// Notes a duplicate that others refer to as well.
+    void NoteShared(const QOBSharedObject* duplicate) { m_shared.insert(duplicate); }
+    /// Ends the linking of duplicates while they are entered; none is entered after it.
+    void FinishEntering();
     /// Takes all links of the duplicates away, by which they hold one another, so that they are
-    /// freed where a clone fails. This must be done before any of them is destroyed.
-    void Discard();
+    /// freed where a clone fails; those of shared ones stay. This must be done before any of them
+    /// is destroyed.
+    void Discard() noexcept;
     /// Links the duplicates of entities to one another as their sources are linked, by the
     /// operations of the source's family where they are not linked already. Links that lead to an
     /// entity without a duplicate are dropped.
@@ -91,6 +99,7 @@ private:
 
     const QOBSharedList<KARMPEntity>& m_sources;
     LinkPlacer m_placer;
+    std::unordered_set<const QOBSharedObject*> m_shared;
     bool m_haveOtherClasses = false;
     bool m_arePlain = true;
     bool m_areDiscarded = false;

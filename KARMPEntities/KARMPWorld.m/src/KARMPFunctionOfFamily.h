@@ -22,18 +22,12 @@ public:
                          [&info](const Class& entry) { return entry.info == &info; });
         return known != m_classes.end()
                    ? known->function
-                   : m_classes.emplace_back(Class{&info, Choose<For>(info)}).function;
+                   : m_classes.emplace_back(Class{&info, ChooseFor<For>(info)}).function;
     }
 
-private:
-    struct Class
-    {
-        const QOBClassInfo* info;
-        Function function;
-    };
-
+    /// The same by the family list alone; it allocates nothing.
     template <template <class> class For>
-    static Function Choose(const QOBClassInfo& info)
+    static Function ChooseFor(const QOBClassInfo& info)
     {
         Function function = nullptr;
         List::AnyOf([&](auto family) {
@@ -45,6 +39,13 @@ private:
         });
         return function;
     }
+
+private:
+    struct Class
+    {
+        const QOBClassInfo* info;
+        Function function;
+    };
 
     std::vector<Class> m_classes;
 };

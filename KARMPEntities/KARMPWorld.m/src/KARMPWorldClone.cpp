@@ -69,9 +69,12 @@ private:
     {
         static void Call(WorldCloner& cloner, const QOBSharedBase& entity, Duplicates& duplicates)
         {
+            bool isShared = false;
             QOBSharedObject* const duplicate =
                 Duplicate(entity, cloner.m_source.Registry<T>().Core(),
-                          cloner.m_target->Registry<T>().Core(), &Check<T>);
+                          cloner.m_target->Registry<T>().Core(), &Check<T>, isShared);
+            if (isShared)
+                duplicates.NoteShared(duplicate);
             if (duplicate != nullptr)
                 duplicates.Enter(entity._getReferent(), duplicate);
         }
@@ -81,7 +84,7 @@ private:
     static void File(const QOBSharedObject& entity, const RegistryCore& source,
                      RegistryCore& target, QOBSharedBase&& duplicate);
     static QOBSharedObject* Duplicate(const QOBSharedBase& entity, const RegistryCore& source,
-                                      RegistryCore& target, Cast check);
+                                      RegistryCore& target, Cast check, bool& isShared);
     void DuplicateAll(const RegistryCore& source, RegistryCore& target, Cast check);
     void Reserve(const QOBSharedObject& entity, std::size_t count);
     bool DuplicatePlain(const QOBSharedObject& entity, Duplicates& duplicates);
@@ -172,16 +175,18 @@ void WorldCloner::DuplicateAll(const RegistryCore& source, RegistryCore& target,
                 continue;
             }
             // The caller's class may change the registry: the walk begins anew behind it.
-            Duplicate(QOBSharedBase(&entity), source, target, check);
+            bool isShared = false;
+            Duplicate(QOBSharedBase(&entity), source, target, check, isShared);
             ++index;
             break;
         }
     }
 }
 
-// The duplicate, which is filed under the keys of its source; null where none can be made.
+// The duplicate, which is filed under the keys of its source; null where none can be made. It is
+// shared when others refer to it already.
 QOBSharedObject* WorldCloner::Duplicate(const QOBSharedBase& entity, const RegistryCore& source,
-                                        RegistryCore& target, Cast check)
+                                        RegistryCore& target, Cast check, bool& isShared)
 {
     KARBaseUnknown_var key1;
     KARBaseUnknown_var key2;
@@ -195,7 +200,8 @@ QOBSharedObject* WorldCloner::Duplicate(const QOBSharedBase& entity, const Regis
     // caller's may do.
     if (&referent->getClassInfo() != &entity._getReferent()->getClassInfo())
         check(duplicate);
-    if (referent->getReferenceCount() == 1)
+    isShared = referent->getReferenceCount() > 1;
+    if (!isShared)
         target.AddNew(key1, key2, std::move(duplicate));
     else
         KARMPVerify(!KARFailed(target.Add(key1, key2, duplicate)));
@@ -246,6 +252,8 @@ bool WorldCloner::DuplicatePlain(const QOBSharedObject& entity, Duplicates& dupl
         return false;
     if (kind->target == nullptr)
         return true;
+    if (!kind->hasFamilyLinks)
+        duplicates.NoteOther();
     QOBSharedBase copy = CopyOf(entity, *kind);
     QOBSharedObject& duplicate = *copy._getReferent();
     File(entity, *kind->source, *kind->target, std::move(copy));
@@ -312,6 +320,8 @@ bool WorldCloner::DuplicateInMemoryOrder(const QOBSharedList<KARMPEntity>& filte
     try {
         VisitByTurns(parts, [&](const AddressOrder::Entry& entry) {
             FilterCopy& copy = copies[entry.index];
+            if (!copy.kind->hasFamilyLinks)
+                duplicates.NoteOther();
             copy.duplicate = CopyOf(*entry.object, *copy.kind);
             duplicates.Enter(*entry.object, *copy.duplicate._getReferent(), *copy.kind);
             return true;
@@ -371,6 +381,7 @@ QOBSharedHandle<KARMPWorld> KARMPWorld::CloneWithFilter(
         karmp::Duplicates duplicates(filter);
         try {
             cloner.Duplicate(filter, duplicates);
+            duplicates.FinishEntering();
             cloner.DuplicateGlobals();
             duplicates.RestoreLinks();
         } catch (...) {

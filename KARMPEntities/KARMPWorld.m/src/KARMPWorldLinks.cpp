@@ -11,6 +11,7 @@
 #include "KARMPSketch.h"
 #include "KARPrefetch.h"
 
+#include <unordered_set>
 #include <utility>
 
 namespace {
@@ -264,11 +265,9 @@ struct karmp::LinkAccess
     template <class T>
     struct Clear
     {
-        static void Call(const QOBSharedObject& source, QOBSharedObject& duplicate, LinkPlacer&)
+        static void Call(const QOBSharedObject&, QOBSharedObject& duplicate, LinkPlacer&)
         {
-            VisitLinks(
-                static_cast<const T&>(source), static_cast<T&>(duplicate),
-                [](const auto&, auto& made) { made.Clear(); });
+            ClearLinks(static_cast<T&>(duplicate));
         }
     };
     // Takes out what waited and was dropped.
@@ -327,6 +326,36 @@ private:
         visit(source.m_bodies, duplicate.m_bodies);
     }
 
+    // Of planar classes, what they have as one of their base is cleared as well.
+    static void ClearLinks(KARMPJoint2D& joint) { ClearAll(joint.m_bodies, joint.m_constraints); }
+    static void ClearLinks(KARMPBody2D& body)
+    {
+        ClearAll(body.m_sketch, body.m_geometries, body.m_joints, body.m_displacementSensor,
+                 body.m_shapes);
+        ClearLinks<KARMPBody>(body);
+    }
+    static void ClearLinks(KARMPGeometry2D& geometry)
+    {
+        ClearAll(geometry.m_body, geometry.m_sketch, geometry.m_linkedConstraints);
+        ClearLinks<KARMPGeometry>(geometry);
+    }
+    static void ClearLinks(KARMPShape2D& shape)
+    {
+        ClearAll(shape.m_bodies);
+        ClearLinks<KARMPShape>(shape);
+    }
+    template <class T>
+    static void ClearLinks(T& entity)
+    {
+        VisitLinks(
+            static_cast<const T&>(entity), entity, [](const auto&, auto& links) { links.Clear(); });
+    }
+    template <class... Links>
+    static void ClearAll(Links&... links)
+    {
+        (links.Clear(), ...);
+    }
+
     template <class T>
     static void Prefetch(const KARMPLinkList<T>& links)
     {
@@ -354,17 +383,26 @@ namespace {
 using SpatialFamilies = karmp::FamilyList<KARMPJoint, KARMPBody, KARMPConstraint, KARMPVariable,
                                           KARMPGeometry, KARMPShape>;
 
-// Does something with the links of each duplicate that was linked when it was entered.
-template <template <class> class For>
-void ForEachLinked(const QOBSharedList<KARMPEntity>& sources, karmp::LinkPlacer& placer)
+// Does something with the links of each duplicate, by its class, which may be another one than its
+// source's. It allocates nothing.
+template <class Families, template <class> class For>
+void ForEachLinked(const QOBSharedList<KARMPEntity>& sources, karmp::LinkPlacer& placer,
+                   const std::unordered_set<const QOBSharedObject*>& except)
 {
-    karmp::FunctionOfFamily<SpatialFamilies,
-                            void (*)(const QOBSharedObject&, QOBSharedObject&, karmp::LinkPlacer&)>
-        functions;
-    for (const QOBSharedHandle<KARMPEntity>& source : sources)
-        if (QOBSharedObject* const duplicate = placer.Find(source.get()))
-            if (const auto function = functions.template Of<For>(source.getClassInfo()))
-                function(*source, *duplicate, placer);
+    using Function = void (*)(const QOBSharedObject&, QOBSharedObject&, karmp::LinkPlacer&);
+    const QOBClassInfo* info = nullptr;
+    Function function = nullptr;
+    for (const QOBSharedHandle<KARMPEntity>& source : sources) {
+        QOBSharedObject* const duplicate = placer.Find(source.get());
+        if (duplicate == nullptr || except.contains(duplicate))
+            continue;
+        if (info != &duplicate->getClassInfo()) {
+            info = &duplicate->getClassInfo();
+            function = karmp::FunctionOfFamily<Families, Function>::template ChooseFor<For>(*info);
+        }
+        if (function != nullptr)
+            function(*source, *duplicate, placer);
+    }
 }
 
 } // namespace
@@ -387,15 +425,23 @@ void karmp::Duplicates::NoteOther()
     if (!std::exchange(m_arePlain, false))
         return;
     m_placer.DropWaiting();
-    ForEachLinked<LinkAccess::Clear>(m_sources, m_placer);
+    ForEachLinked<LinkingFamilies, LinkAccess::Clear>(m_sources, m_placer, m_shared);
 }
 
-void karmp::Duplicates::Discard()
+void karmp::Duplicates::FinishEntering()
+{
+    if (!m_placer.HasWaiting())
+        return;
+    m_placer.DropWaiting();
+    ForEachLinked<SpatialFamilies, LinkAccess::Tidy>(m_sources, m_placer, m_shared);
+}
+
+void karmp::Duplicates::Discard() noexcept
 {
     if (std::exchange(m_areDiscarded, true))
         return;
     m_placer.DropWaiting();
-    ForEachLinked<LinkAccess::Clear>(m_sources, m_placer);
+    ForEachLinked<LinkingFamilies, LinkAccess::Clear>(m_sources, m_placer, m_shared);
 }
 
 void karmp::Duplicates::RestoreLinks()
@@ -403,13 +449,8 @@ void karmp::Duplicates::RestoreLinks()
     using CollectLinks =
         void (*)(const QOBSharedObject* source, QOBSharedObject* duplicate, Links& links);
     constexpr std::size_t LinksAtOnce = 64;
-    if (m_arePlain) {
-        if (!m_placer.HasWaiting())
-            return;
-        m_placer.DropWaiting();
-        ForEachLinked<LinkAccess::Tidy>(m_sources, m_placer);
+    if (m_arePlain)
         return;
-    }
     FunctionOfFamily<LinkingFamilies, CollectLinks> functions;
     LookAhead<kar::PrefetchDistance> ahead(m_sources);
     Links links;

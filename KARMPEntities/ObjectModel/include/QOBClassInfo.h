@@ -22,8 +22,9 @@ struct QOBClassOperations
     /// be called in place of an object's own operations; null when it overrides one of these. An
     /// object of another type belongs to a subclass without a record.
     const std::type_info* copiedClass = nullptr;
-    /// True when the class has the links that its family has and no others, and overrides nothing
-    /// that reads and makes them, so that they may be read and made together.
+    /// True when the class has the links that its family has and no others, overrides nothing that
+    /// reads and makes them, and looks at no other object while one is copied, so that its objects
+    /// may be linked between copies.
     bool hasFamilyLinks = false;
 };
 
