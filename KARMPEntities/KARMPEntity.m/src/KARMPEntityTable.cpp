@@ -227,6 +227,8 @@ const KARMPEntityTable::Entry& KARMPEntityTable::Enter(const karmp::ReadText& id
 template <class Text>
 const QOBSharedHandle<KARMPEntity>* KARMPEntityTable::FindText(Text identifier) const
 {
+    if (m_entries.empty())
+        return nullptr;
     if (m_slots.empty())
         Reserve(Size());
     const Slot& slot = m_slots[SlotOf(identifier, HashOf(identifier))];
