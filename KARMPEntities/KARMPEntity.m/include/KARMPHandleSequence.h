@@ -42,7 +42,9 @@ public:
     std::span<const QOBSharedBase> From(std::size_t position) const;
     /// Adds an entry behind the others; a null handle is not added.
     void Append(const QOBSharedBase& handle);
-    /// The same for a referent that is known not to be listed. A sequence that grows long this way
+    /// The same unless an entry refers to the same object; true when it was added.
+    bool AppendOnce(const QOBSharedBase& handle);
+    /// Append for a referent that is known not to be listed. A sequence that grows long this way
     /// gets its index when it is first asked for.
     void AppendNew(QOBSharedBase&& handle);
     /// Makes links to the duplicates of another sequence's entries the entries of this one, those

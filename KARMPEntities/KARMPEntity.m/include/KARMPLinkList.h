@@ -24,10 +24,7 @@ public:
     {
         if (!KARMPVerify(static_cast<bool>(handle), where))
             return KARFailure;
-        if (Contains(handle))
-            return KARUnchanged;
-        m_handles.Append(handle);
-        return KARSuccess;
+        return m_handles.AppendOnce(handle) ? KARSuccess : KARUnchanged;
     }
     /// Appends a link that is known not to be null, without a test for duplicates.
     void Append(const QOBSharedHandle<T>& handle) { m_handles.Append(handle); }

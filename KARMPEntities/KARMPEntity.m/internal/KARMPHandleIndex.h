@@ -61,8 +61,10 @@ public:
     /// Makes the hash table large enough for a number of entries.
     void Reserve(const QOBSharedBase* handles, std::size_t count);
     /// Enters the slot behind all others, whose handle is written afterwards. `count` is the number
-    /// of entries so far.
-    void Append(const QOBSharedBase* handles, std::size_t count, const QOBSharedObject* object);
+    /// of entries so far. False, with nothing entered, for a referent that has a slot already and
+    /// is to have it once.
+    bool Append(const QOBSharedBase* handles, std::size_t count, const QOBSharedObject* object,
+                bool isOnce = false);
     /// Enters another referent for a slot whose handle is replaced afterwards. Replacing by one of
     /// k entries with the same referent costs k more.
     void Replace(const QOBSharedBase* handles, std::size_t slot, const QOBSharedObject* object);

@@ -29,13 +29,15 @@ void HandleIndex::Reserve(const QOBSharedBase* handles, std::size_t count)
     }
 }
 
-void HandleIndex::Append(const QOBSharedBase* handles, std::size_t count,
-                         const QOBSharedObject* object)
+bool HandleIndex::Append(const QOBSharedBase* handles, std::size_t count,
+                         const QOBSharedObject* object, bool isOnce)
 {
     if (!m_counts.empty())
         ReserveOne(m_counts);
     Reserve(handles, count + 1);
     std::uint32_t& bucket = m_buckets[BucketOf(handles, object)];
+    if (bucket != 0 && isOnce)
+        return false;
     if (bucket != 0 && m_following.empty())
         MakeRings();
     if (!m_following.empty()) {
@@ -46,6 +48,7 @@ void HandleIndex::Append(const QOBSharedBase* handles, std::size_t count,
     bucket = ++m_slots;
     if (!m_counts.empty())
         PushCount();
+    return true;
 }
 
 // Every slot a ring of its own.

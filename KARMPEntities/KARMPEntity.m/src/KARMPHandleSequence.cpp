@@ -196,6 +196,24 @@ void KARMPHandleSequence::Append(const QOBSharedBase& handle)
     AppendNew(QOBSharedBase(handle)); // a copy, since the argument may be an entry, which moves
 }
 
+// One look-up instead of two, which are 4 % of a world's build.
+bool KARMPHandleSequence::AppendOnce(const QOBSharedBase& handle)
+{
+    EnsureIndex();
+    karmp::HandleIndex* const index = GetIndex();
+    if (index == nullptr || SlotCount() == m_block->capacity) {
+        if (!handle || Contains(handle._getReferent()))
+            return false;
+        Append(handle);
+        return true;
+    }
+    if (!handle || !index->Append(Slots(), Count(), handle._getReferent(), true))
+        return false;
+    ::new (Slots() + index->SlotCount() - 1) QOBSharedBase(handle);
+    ++m_block->count;
+    return true;
+}
+
 void KARMPHandleSequence::AppendNew(QOBSharedBase&& handle)
 {
     if (!handle)

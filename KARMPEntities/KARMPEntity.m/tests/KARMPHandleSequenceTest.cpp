@@ -40,10 +40,17 @@ TEST(HandleSequence, AgreesWithAPlainVectorWhateverTheOrderOfCalls)
         const bool growing = (step / 3000) % 2 == 0;
         switch (random() % (growing ? 5 : 9)) {
         case 0:
-        case 1:
             sequence.Append(entity);
             expected.push_back(entity);
             break;
+        case 1: {
+            const bool isListed =
+                std::find(expected.begin(), expected.end(), entity) != expected.end();
+            ASSERT_EQ(sequence.AppendOnce(entity), !isListed);
+            if (!isListed)
+                expected.push_back(entity);
+            break;
+        }
         case 2: {
             const std::size_t index = random() % (expected.size() + 3);
             sequence.Insert(index, entity);
@@ -144,6 +151,7 @@ TEST(HandleSequence, ReservesWithoutAChangeOfItsEntries)
 
 TEST(HandleSequence, HasNoEntryForNull)
 {
+    EXPECT_FALSE(KARMPHandleSequence().AppendOnce(QOBSharedBase()));
     KARMPHandleSequence sequence;
     sequence.Append({});
     sequence.AppendNew({});
@@ -268,7 +276,10 @@ TEST(HandleSequence, AnAdditionForWhichMemoryEndsChangesNothing)
             AllocationCounter allocations;
             allocations.FailAllocation(failing);
             try {
-                sequence.Append(entity);
+                if (expected.size() % 2 == 0)
+                    sequence.Append(entity);
+                else
+                    ASSERT_TRUE(sequence.AppendOnce(entity));
                 added = true;
             } catch (const std::bad_alloc&) {
                 ++failures;

@@ -56,10 +56,7 @@ KARBaseUnknown_var RegistryCore::Normalised(KARBaseUnknown* key)
 
 KARStatus RegistryCore::Add(const QOBSharedBase& entity)
 {
-    if (!entity || m_entities.Contains(entity._getReferent()))
-        return KARUnchanged;
-    m_entities.Append(entity);
-    return KARSuccess;
+    return m_entities.AppendOnce(entity) ? KARSuccess : KARUnchanged;
 }
 
 KARStatus RegistryCore::Add(KARBaseUnknown* key1, KARBaseUnknown* key2, const QOBSharedBase& entity)
