@@ -194,10 +194,10 @@ public:
     {
         m_check.emplace(world, m_options.version, m_errors, m_warnings);
     }
-    void Note(const KARMPEntity& entity) override
+    void Note(const KARMPEntity& entity, const WrittenLinks* links) override
     {
         m_isNoting = true;
-        m_check->Note(entity);
+        m_check->Note(entity, links);
         m_isNoting = false;
     }
     /// True while an entity is noted: what fails is told when it is written.

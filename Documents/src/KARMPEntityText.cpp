@@ -53,6 +53,7 @@ void EntityText::Begin(std::size_t depth)
     m_top = m_places.data();
     m_top->depth = depth;
     m_elementName = {};
+    m_links.clear();
     m_notFinite.clear();
 }
 

@@ -21,9 +21,18 @@ class SharedText;
 }
 namespace karmp {
 struct Content;
-}
+struct Item;
+} // namespace karmp
 
 namespace karmp::documents {
+
+/// A link of an entity that was written: the item and the target.
+struct WrittenLink
+{
+    const Item* item;
+    const KARMPEntity* target;
+};
+using WrittenLinks = std::vector<WrittenLink>;
 
 /// The text of entities, written by the lists of their contents without nodes: elements come in the
 /// order of the document. The text is the one that XmlRenderer makes of the nodes of the same
@@ -46,6 +55,8 @@ public:
     KARStatus Write(const Content& content, const KARMPEntity& entity, std::wstring_view version);
     /// The name of the element that was written; empty when there is none.
     std::wstring_view ElementName() const { return m_elementName; }
+    /// The links of the entity, in the order of their items.
+    const WrittenLinks& Links() const { return m_links; }
     /// The offsets behind the numbers of the entity that are not finite.
     const std::vector<std::size_t>& NotFinite() const { return m_notFinite; }
 
@@ -180,6 +191,7 @@ private:
     /// Keeps its capacity from one late attribute to the next.
     std::string m_late;
     std::wstring_view m_elementName;
+    WrittenLinks m_links;
     std::vector<std::size_t> m_notFinite;
 };
 

@@ -43,6 +43,13 @@ int CountOf(const Item& item, const KARMPEntity& entity)
     return item.count != nullptr ? item.count(&entity) : 1;
 }
 
+// Within a group there may be more that decides whether the item is written.
+bool IsTold(const ItemInfo& item, std::wstring_view version)
+{
+    return item.written->isWritten && item.written->ExistsAt(version) &&
+           item.path.find(L'/') == std::wstring::npos;
+}
+
 std::string PathText(std::wstring_view path)
 {
     std::string text;
@@ -68,41 +75,71 @@ SaveCheck::SaveCheck(const KARMPWorld& world, std::wstring_view version, Message
             m_globals.push_back(global.entity._getReferent());
 }
 
-void SaveCheck::Note(const KARMPEntity& entity)
+void SaveCheck::Note(const KARMPEntity& entity, const WrittenLinks* links)
 {
     if (m_isDoubtful)
         return;
     // What fails here fails once more where it can be told of.
     try {
-        NoteEntity(entity);
+        NoteEntity(entity, links);
     } catch (...) {
         m_isDoubtful = true;
     }
 }
 
-void SaveCheck::NoteEntity(const KARMPEntity& entity)
+void SaveCheck::NoteEntity(const KARMPEntity& entity, const WrittenLinks* links)
 {
     if (m_noted != nullptr)
         NoteIdentifier(*m_noted);
     m_noted = nullptr;
     ClassChecks& checks = ChecksOf(entity);
-    if (checks.mayBeLeftOut && IsLeftOut(entity))
+    if (links != nullptr)
+        NoteIdentifier(entity);
+    else if (checks.mayBeLeftOut && IsLeftOut(entity))
         return;
-    m_noted = &entity;
+    else
+        m_noted = &entity;
     // A caller's class may change what is linked while it is written.
-    m_isDoubtful = m_isDoubtful || !checks.isGivenBack || checks.type == nullptr ||
-                   *checks.type != typeid(entity) ||
-                   std::any_of(checks.lossy.begin(), checks.lossy.end(),
-                               [&entity](const LossyItem& item) { return item.IsLostOf(entity); });
-    for (LinkCheck& link : checks.links)
-        ForEachLink(entity, link, [&] {
-            if (SumUp(entity, link))
-                return;
-            m_targets.push_back(EntityIn(m_value));
-            m_isDoubtful = m_isDoubtful || IsOneSided(entity, link);
-        });
+    m_isDoubtful =
+        m_isDoubtful || !checks.isGivenBack ||
+        (links == nullptr && (checks.type == nullptr || *checks.type != typeid(entity))) ||
+        std::any_of(checks.lossy.begin(), checks.lossy.end(),
+                    [&entity](const LossyItem& item) { return item.IsLostOf(entity); });
+    if (links != nullptr)
+        NoteLinks(entity, checks, *links);
+    if (links == nullptr || !checks.isEachLinkTold)
+        for (LinkCheck& check : checks.links)
+            if (links == nullptr || !check.isTold)
+                ForEachLink(entity, check,
+                            [&](const KARMPEntity& target) { NoteLink(entity, check, target); });
     if (!m_globals.empty())
         std::erase(m_globals, static_cast<const QOBSharedObject*>(&entity));
+}
+
+// Links come in the order of their items.
+void SaveCheck::NoteLinks(const KARMPEntity& entity, ClassChecks& checks, const WrittenLinks& links)
+{
+    const Item* item = nullptr;
+    LinkCheck* check = nullptr;
+    for (const WrittenLink& link : links) {
+        if (link.item != item) {
+            item = link.item;
+            const auto found = std::find_if(
+                checks.links.begin(), checks.links.end(),
+                [item](const LinkCheck& known) { return known.info->written == item; });
+            check = found != checks.links.end() && found->isTold ? &*found : nullptr;
+        }
+        if (check != nullptr)
+            NoteLink(entity, *check, *link.target);
+    }
+}
+
+void SaveCheck::NoteLink(const KARMPEntity& entity, LinkCheck& check, const KARMPEntity& target)
+{
+    if (SumUp(entity, check, target))
+        return;
+    m_targets.push_back(&target);
+    m_isDoubtful = m_isDoubtful || IsOneSided(entity, check, target);
 }
 
 void SaveCheck::NoteIdentifier(const KARMPEntity& entity)
@@ -175,7 +212,10 @@ SaveCheck::ClassChecks& SaveCheck::ChecksOf(const KARMPEntity& entity)
     ClassChecks& checks = found->second;
     if (isNew) {
         for (const ItemInfo* const item : LinkItemsOf(info))
-            checks.links.push_back({item, OtherSides(item->otherSide), {}});
+            checks.links.push_back(
+                {item, OtherSides(item->otherSide), IsTold(*item, m_version), {}});
+        checks.isEachLinkTold = std::all_of(checks.links.begin(), checks.links.end(),
+                                            [](const LinkCheck& check) { return check.isTold; });
         const auto items = ItemsOf(info);
         checks.mayBeLeftOut = !items.empty() && !items.front().conditions.empty();
         checks.type = info.getOperations().copiedClass;
@@ -274,9 +314,9 @@ void SaveCheck::CheckEntity(std::size_t number)
         m_warnings.Warning(Code::NotReadBack, TitleOf(entity) + " is written as no reader finds it",
                            m_entities->PathOf(number));
     for (LinkCheck& link : checks.links)
-        ForEachLink(entity, link, [&] {
-            if (!SumUp(entity, link))
-                CheckTarget(number, link);
+        ForEachLink(entity, link, [&](const KARMPEntity& target) {
+            if (!SumUp(entity, link, target))
+                CheckTarget(number, link, target);
         });
     if (!checks.lossy.empty())
         CheckItems(number, checks.lossy);
@@ -291,7 +331,7 @@ void SaveCheck::CheckLayers()
         if (dynamic_cast<const KARMPInteraction*>(&entity) == nullptr)
             continue;
         for (LinkCheck& link : ChecksOf(entity).links)
-            ForEachLink(entity, link, [&] { targets.insert(EntityIn(m_value)); });
+            ForEachLink(entity, link, [&](const KARMPEntity& target) { targets.insert(&target); });
     }
     for (const std::size_t number : m_layers)
         if (targets.count(&m_entities->At(number)) == 0)
@@ -302,7 +342,7 @@ void SaveCheck::CheckLayers()
                                m_entities->PathOf(number));
 }
 
-// Calls with each target in m_value.
+// Calls with each target.
 template <class Visit>
 void SaveCheck::ForEachLink(const KARMPEntity& entity, LinkCheck& check, Visit visit)
 {
@@ -312,15 +352,12 @@ void SaveCheck::ForEachLink(const KARMPEntity& entity, LinkCheck& check, Visit v
         return;
     for (int index = 0; index < count; ++index)
         if (Fetch(item, entity, index, m_value))
-            visit();
+            visit(*EntityIn(m_value));
 }
 
 // False for a link that is no half of a pair.
-bool SaveCheck::SumUp(const KARMPEntity& entity, LinkCheck& check)
+bool SaveCheck::SumUp(const KARMPEntity& entity, LinkCheck& check, const KARMPEntity& target)
 {
-    if (check.otherSides.size() != 1)
-        return false;
-    const KARMPEntity& target = *EntityIn(m_value);
     const Back& back = BackOf(check, target);
     if (back.pair == 0)
         return false;
@@ -336,33 +373,31 @@ void SaveCheck::CheckPairs()
     for (std::size_t number = 0; number < m_entities->Count() && !m_errors.Full(); ++number) {
         const KARMPEntity& entity = m_entities->At(number);
         for (LinkCheck& link : ChecksOf(entity).links)
-            ForEachLink(entity, link, [&] {
-                if (BackOf(link, *EntityIn(m_value)).pair != 0)
-                    CheckTarget(number, link);
+            ForEachLink(entity, link, [&](const KARMPEntity& target) {
+                if (BackOf(link, target).pair != 0)
+                    CheckTarget(number, link, target);
             });
     }
 }
 
-void SaveCheck::CheckTarget(std::size_t number, LinkCheck& check)
+void SaveCheck::CheckTarget(std::size_t number, LinkCheck& check, const KARMPEntity& target)
 {
-    const KARMPEntity& target = *EntityIn(m_value);
     if (!m_entities->Hold(&target)) {
         TellOfTarget(number, *check.info, target);
         return;
     }
     const KARMPEntity& entity = m_entities->At(number);
-    if (!m_warnings.Full() && IsOneSided(entity, check))
+    if (!m_warnings.Full() && IsOneSided(entity, check, target))
         m_warnings.Warning(Code::OneSidedLink,
                            TitleOf(target) + " does not refer back to " + TitleOf(entity),
                            m_entities->PathOf(number) + '/' + PathText(check.info->path));
 }
 
-// True when the target in m_value ought to refer back and does not.
-bool SaveCheck::IsOneSided(const KARMPEntity& entity, LinkCheck& check)
+// True when the target ought to refer back and does not.
+bool SaveCheck::IsOneSided(const KARMPEntity& entity, LinkCheck& check, const KARMPEntity& target)
 {
     if (check.otherSides.empty())
         return false;
-    const KARMPEntity& target = *EntityIn(m_value);
     const auto& back = BackOf(check, target).items;
     return std::none_of(back.begin(), back.end(),
                         [&](const ItemInfo* item) { return RefersBack(target, *item, entity); });

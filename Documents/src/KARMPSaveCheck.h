@@ -2,6 +2,7 @@
 #pragma once
 
 #include "KARMPContentItem.h"
+#include "KARMPEntityText.h"
 #include "KARMPListedEntities.h"
 #include "KARMPLossyItems.h"
 #include "KARMPMessages.h"
@@ -27,17 +28,19 @@ namespace karmp::documents {
 /// twice, links to what the document does not hold, links that the other end does not have, and
 /// items that are not read back. In time about linear in the entities and their links.
 ///
-/// Each entity is noted when it is written, while it is at hand; that mostly tells that nothing is
-/// wrong. Where it does not, all entities are looked at once more. To be run when the document has
-/// been written, since identifiers are made in the order of writing.
+/// Each entity is noted when it is written, while it is at hand, with the links that were written;
+/// that mostly tells that nothing is wrong. Where it does not, all entities are looked at once
+/// more. To be run when the document has been written, since identifiers are made in the order of
+/// writing.
 class SaveCheck
 {
 public:
     /// Errors are collected apart, so that many warnings do not crowd them out.
     SaveCheck(const KARMPWorld& world, std::wstring_view version, Messages& errors,
               Messages& warnings);
-    /// Notes an entity that is about to be written. Reports of its getters are nobody's concern.
-    void Note(const KARMPEntity& entity);
+    /// Notes an entity that was written with the links, or is about to be written when they are
+    /// null. Reports of its getters are nobody's concern.
+    void Note(const KARMPEntity& entity, const WrittenLinks* links);
     /// Ends the notes and checks what they leave in doubt.
     void Run();
 
@@ -58,6 +61,9 @@ private:
     {
         const ItemInfo* info;
         std::vector<std::wstring_view> otherSides;
+        /// Documents of the version hold the item whenever its entity is written, so that the
+        /// writer tells the links.
+        bool isTold = false;
         std::vector<Back> back;
     };
     struct ClassChecks
@@ -67,12 +73,15 @@ private:
         bool isGivenBack = false;
         /// Objects of the class may be left out of documents.
         bool mayBeLeftOut = false;
+        bool isEachLinkTold = false;
         /// The class itself, null where that is not known.
         const std::type_info* type = nullptr;
     };
 
     ClassChecks& ChecksOf(const KARMPEntity& entity);
-    void NoteEntity(const KARMPEntity& entity);
+    void NoteEntity(const KARMPEntity& entity, const WrittenLinks* links);
+    void NoteLinks(const KARMPEntity& entity, ClassChecks& checks, const WrittenLinks& links);
+    void NoteLink(const KARMPEntity& entity, LinkCheck& check, const KARMPEntity& target);
     void NoteIdentifier(const KARMPEntity& entity);
     bool AreIdentifiersDistinct();
     bool IsSound();
@@ -84,10 +93,10 @@ private:
     void CheckLayers();
     template <class Visit>
     void ForEachLink(const KARMPEntity& entity, LinkCheck& check, Visit visit);
-    bool SumUp(const KARMPEntity& entity, LinkCheck& check);
-    bool IsOneSided(const KARMPEntity& entity, LinkCheck& check);
+    bool SumUp(const KARMPEntity& entity, LinkCheck& check, const KARMPEntity& target);
+    bool IsOneSided(const KARMPEntity& entity, LinkCheck& check, const KARMPEntity& target);
     void CheckPairs();
-    void CheckTarget(std::size_t number, LinkCheck& check);
+    void CheckTarget(std::size_t number, LinkCheck& check, const KARMPEntity& target);
     void TellOfTarget(std::size_t number, const ItemInfo& item, const KARMPEntity& target);
     const Back& BackOf(LinkCheck& check, const KARMPEntity& target);
     static std::uint64_t PairOf(const LinkCheck& check, std::span<const ItemInfo* const> back);
@@ -109,7 +118,7 @@ private:
     std::uint64_t m_sum = 0;
     /// The notes leave something in doubt.
     bool m_isDoubtful = false;
-    /// The entity that was noted last, whose identifier is made by now.
+    /// The entity that was about to be written, whose identifier is made by the next note.
     const KARMPEntity* m_noted = nullptr;
     /// The hashes of the identifiers, and bits for the hashes that were met once and once more.
     std::vector<std::size_t> m_hashes;

@@ -101,23 +101,26 @@ void StreamedTree::ChildrenComplete(Node& node)
 
 bool StreamedTree::WriteEntity(const Node& list, const KARMPEntity& entity, KARStatus& status)
 {
-    if (m_observer != nullptr)
-        m_observer->Note(entity);
     const Content* const content = m_classes.ContentOf(entity, list.Version());
-    if (content == nullptr || m_limits.nameLength < EntityText::LongestName)
-        return false;
-    if (content->leftOut != nullptr && content->leftOut(&entity)) {
+    if (content != nullptr && content->leftOut != nullptr && content->leftOut(&entity)) {
         status = KARSuccess;
         return true;
     }
-    if (!m_renderer.BeginChild(*m_root, list) ||
-        m_limits.depth < m_renderer.ChildDepth() + EntityText::LargestDepth)
+    const bool isText = content != nullptr && m_limits.nameLength >= EntityText::LongestName &&
+                        m_renderer.BeginChild(*m_root, list) &&
+                        m_limits.depth >= m_renderer.ChildDepth() + EntityText::LargestDepth;
+    if (!isText) {
+        if (m_observer != nullptr)
+            m_observer->Note(entity, nullptr);
         return false;
+    }
     const std::size_t begin = m_renderer.Out().Size();
     m_text.Begin(m_renderer.ChildDepth());
     status = m_text.Write(*content, entity, list.Version());
     m_renderer.EndChild(m_text.ElementName());
     m_hasText = &list;
+    if (m_observer != nullptr)
+        m_observer->Note(entity, KARFailed(status) ? nullptr : &m_text.Links());
     if (m_numbers != nullptr && !m_text.NotFinite().empty())
         TellOfNumbers(entity, begin);
     return true;

@@ -23,8 +23,9 @@ public:
     EntityObserver(const EntityObserver&) = delete;
     EntityObserver& operator=(const EntityObserver&) = delete;
 
-    /// Called before the entity is written.
-    virtual void Note(const KARMPEntity& entity) = 0;
+    /// Called when an entity was written by the list of its content, with its links, and before one
+    /// is written by code of its class, with null.
+    virtual void Note(const KARMPEntity& entity, const WrittenLinks* links) = 0;
 
 protected:
     ~EntityObserver() = default;

@@ -63,6 +63,13 @@ public:
     }
     TextElement Child(std::wstring_view name, Where where) { return {m_place, name, where}; }
 
+    void Note(const Item& item, const QOBSharedBase& target)
+    {
+        if (target)
+            m_place->text->m_links.push_back(
+                {&item, static_cast<const KARMPEntity*>(target._getReferent())});
+    }
+
     void Reference(std::wstring_view name, const QOBSharedBase& entity, Where where)
     {
         EntityText& text = Inside(*m_place);

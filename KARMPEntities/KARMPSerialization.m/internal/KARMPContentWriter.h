@@ -174,10 +174,12 @@ void ContentWriter<Element>::WriteBytes(const Item& item, Element& element)
 template <class Element>
 void ContentWriter<Element>::WriteReference(const Item& item, Element& element)
 {
-    if (!KARFailed(item.get(m_owner, m_value)))
+    if (!KARFailed(item.get(m_owner, m_value))) {
+        element.Note(item, m_value.entity);
         element.Reference(item.name, m_value.entity, item.where);
-    else if (item.isWithoutTarget)
+    } else if (item.isWithoutTarget) {
         element.Child(item.name, item.where);
+    }
 }
 
 template <class Element>
@@ -188,8 +190,10 @@ void ContentWriter<Element>::WriteValueReference(const Item& item, Element& elem
     const bool hasValue = !KARFailed(get(m_owner, m_value)) && m_value.entity;
     if (!hasValue && item.presence == ItemPresence::Optional && !isAsked)
         return;
-    if (element.Base(hasValue ? KARSuccess : KARFailure, item.where))
-        element.ValueReference(item.name, m_value.entity, item.where);
+    if (!element.Base(hasValue ? KARSuccess : KARFailure, item.where))
+        return;
+    element.Note(item, m_value.entity);
+    element.ValueReference(item.name, m_value.entity, item.where);
 }
 
 template <class Element>
@@ -201,13 +205,14 @@ void ContentWriter<Element>::WriteReferences(const Item& item, std::span<const I
         return;
     Element list = element.Child(item.name, item.where);
     for (int index = 0; list && index < count; ++index) {
-        if (inner.empty() && !item.alwaysNamed)
-            if (KARFailed(item.at(m_owner, index, m_value)))
-                list.UnknownReference(item.entry, item.where);
-            else
-                list.Reference(item.entry, m_value.entity, item.where);
-        else
+        if (!inner.empty() || item.alwaysNamed) {
             WriteEntry(item, inner, index, list);
+        } else if (KARFailed(item.at(m_owner, index, m_value))) {
+            list.UnknownReference(item.entry, item.where);
+        } else {
+            list.Note(item, m_value.entity);
+            list.Reference(item.entry, m_value.entity, item.where);
+        }
     }
 }
 
@@ -220,6 +225,7 @@ void ContentWriter<Element>::WriteEntry(const Item& item, std::span<const Item> 
     if (!entry)
         return;
     item.at(m_owner, index, m_value);
+    entry.Note(item, m_value.entity);
     const auto* target = static_cast<const KARMPEntity*>(m_value.entity._getReferent());
     entry.ReferenceAttributes(target, item.alwaysNamed || KARMPSerializer::SerializeName(),
                               item.where);

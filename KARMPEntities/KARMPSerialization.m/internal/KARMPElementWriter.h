@@ -22,6 +22,8 @@ class KARMPEntity;
 
 namespace karmp {
 
+struct Item;
+
 /// Writes the content of one element by the reporting rules of all writers: a null node and a
 /// failed addition are reported with the source location of the caller, and writing goes on.
 class ElementWriter
@@ -91,6 +93,8 @@ public:
     /// Adds a child element and gives a writer of it; a failed addition counts here too.
     ElementWriter Child(std::wstring_view name, Where where = Where::current());
 
+    /// Told of what an item refers to, which matters to other writers only.
+    void Note(const Item& /*item*/, const QOBSharedBase& /*target*/) const {}
     /// Adds a child element that refers to an entity by its identifier and, when names are written,
     /// its name. A null entity is reported and leaves the element without attributes.
     bool Reference(std::wstring_view name, const QOBSharedBase& entity,
