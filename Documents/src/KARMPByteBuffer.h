@@ -69,43 +69,8 @@ public:
     template <class Number>
     void PutNumber(Number value)
     {
-        // Most numbers of a model are 0 and 1; a negative zero is neither.
-        if (value == 0 && !std::signbit(static_cast<double>(value))) {
-            Put('0');
-            return;
-        }
-        if (value == 1) {
-            Put('1');
-            return;
-        }
-        EnsureCapacity(LongestNumber);
-        m_next = std::to_chars(m_next, m_next + LongestNumber, value).ptr;
+        End(PutNumber(value, Begin(LongestNumber)));
     }
-
-    /// Appends the shortest form of a decimal number with up to 12 places: `units` of 1e-12, from
-    /// 1e-3 up and below 1e3, where that form has no exponent.
-    void PutDecimal(std::uint64_t units)
-    {
-        EnsureCapacity(LongestNumber);
-        const std::uint64_t ones = units / OneInUnits;
-        if (ones < 10)
-            *m_next++ = static_cast<char>('0' + ones);
-        else
-            m_next = std::to_chars(m_next, m_next + LongestNumber, ones).ptr;
-        std::uint64_t places = units % OneInUnits;
-        if (places == 0)
-            return;
-        *m_next = '.';
-        for (char* pair = m_next + PlaceCount - 1; pair > m_next; pair -= 2) {
-            std::memcpy(pair, &DigitPairs[2 * (places % 100)], 2);
-            places /= 100;
-        }
-        m_next += PlaceCount;
-        while (*m_next == '0')
-            --m_next;
-        ++m_next;
-    }
-    static constexpr std::uint64_t OneInUnits = 1'000'000'000'000;
 
     /// Appends a text of ASCII characters that need no escape anywhere; false, with nothing
     /// appended, when it holds other characters, or begins or ends with a blank.
@@ -114,17 +79,69 @@ public:
     {
         if (text.empty())
             return true;
-        if (text.front() == ' ' || text.back() == ' ')
-            return false;
-        EnsureCapacity(text.size());
-        if (!Narrow(text, m_next))
+        if (text.front() == ' ' || text.back() == ' ' || !Narrow(text, Begin(text.size())))
             return false;
         m_next += text.size();
         return true;
     }
 
+    // The same at an address that has the capacity; they give the end.
+    static constexpr std::size_t LongestNumber = 32;
+    template <class Number>
+    static char* PutNumber(Number value, char* to)
+    {
+        // Most numbers of a model are 0 and 1; a negative zero is neither.
+        if ((value == 0 && !std::signbit(static_cast<double>(value))) || value == 1) {
+            *to = value == 0 ? '0' : '1';
+            return to + 1;
+        }
+        return std::to_chars(to, to + LongestNumber, value).ptr;
+    }
+    /// The shortest form of a decimal number with up to 12 places: `units` of 1e-12, from 1e-3 up
+    /// and below 1e3, where that form has no exponent.
+    static char* PutDecimal(std::uint64_t units, char* to)
+    {
+        const std::uint64_t ones = units / OneInUnits;
+        if (ones < 10)
+            *to++ = static_cast<char>('0' + ones);
+        else
+            to = std::to_chars(to, to + LongestNumber, ones).ptr;
+        std::uint64_t places = units % OneInUnits;
+        if (places == 0)
+            return to;
+        *to = '.';
+        for (char* pair = to + PlaceCount - 1; pair > to; pair -= 2) {
+            std::memcpy(pair, &DigitPairs[2 * (places % 100)], 2);
+            places /= 100;
+        }
+        to += PlaceCount;
+        while (*to == '0')
+            --to;
+        return to + 1;
+    }
+    static constexpr std::uint64_t OneInUnits = 1'000'000'000'000;
+    /// Puts the characters of a text as bytes; false, with nothing to be kept, when one of them is
+    /// not ASCII or may need an escape.
+    template <class Char>
+    static bool Narrow(std::basic_string_view<Char> text, char* to)
+    {
+        if (text.size() < BlockSize)
+            return IsNone(NarrowShort(text, to));
+        // The last block overlaps the one before it.
+        const std::size_t last = text.size() - BlockSize;
+        Marks special = NarrowBlock(text.data() + last, to + last);
+        for (std::size_t index = 0; index < last; index += BlockSize)
+            special |= NarrowBlock(text.data() + index, to + index);
+        return IsNone(special);
+    }
+
     /// The size of the text with all that was put.
-    std::size_t Size() const { return static_cast<std::size_t>(m_next - m_bytes.data()); }
+    std::size_t Size() const { return OffsetOf(m_next); }
+    /// The offset of an address in it.
+    std::size_t OffsetOf(const char* address) const
+    {
+        return static_cast<std::size_t>(address - m_bytes.data());
+    }
     /// What was put from an offset on, valid until the next piece.
     char* At(std::size_t offset) { return m_bytes.data() + offset; }
     std::string_view From(std::size_t offset) const
@@ -158,8 +175,7 @@ public:
 
 private:
     static constexpr std::size_t ShortestStep = 1U << 10U;
-    static constexpr std::size_t LongestStep = 1U << 15U;
-    static constexpr std::size_t LongestNumber = 32;
+    static constexpr std::size_t LongestStep = 1U << 13U;
     static constexpr std::ptrdiff_t PlaceCount = 12;
 
     static constexpr std::array<char, 200> DigitPairs = [] {
@@ -191,38 +207,32 @@ private:
     }
 #if defined(__SSE2__) && __SIZEOF_WCHAR_T__ == 4
     static constexpr std::size_t BlockSize = 16;
+    // Of sixteen bytes, those that may need an escape have bits.
+    using Marks = __m128i;
 
-    static unsigned Special(__m128i bytes)
+    static bool IsNone(Marks special)
     {
-        const auto is = [bytes](char byte) { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(byte)); };
-        // As signed numbers, those from 0x80 up are below the blank.
-        __m128i special = _mm_cmplt_epi8(bytes, _mm_set1_epi8(' '));
-        for (const char byte : {'\x7F', '&', '<', '>', '"', '\\'})
-            special = _mm_or_si128(special, is(byte));
-        return static_cast<unsigned>(_mm_movemask_epi8(special));
+        return _mm_movemask_epi8(special) == 0;
     }
-    static unsigned NarrowBlock(const char* from, char* to)
+    static Marks Special(__m128i bytes)
+    {
+        const auto is = [](__m128i some, char byte) {
+            return _mm_cmpeq_epi8(some, _mm_set1_epi8(byte));
+        };
+        // With one bit set, '<' is '>' and '"' is '&'.
+        const __m128i angles = _mm_or_si128(bytes, _mm_set1_epi8('<' ^ '>'));
+        const __m128i quotes = _mm_or_si128(bytes, _mm_set1_epi8('"' ^ '&'));
+        // As signed numbers, those from 0x80 up are below the blank.
+        return _mm_cmplt_epi8(bytes, _mm_set1_epi8(' ')) | is(bytes, '\x7F') | is(bytes, '\\') |
+               is(angles, '>') | is(quotes, '&');
+    }
+    static Marks NarrowBlock(const char* from, char* to)
     {
         const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
         _mm_storeu_si128(reinterpret_cast<__m128i*>(to), bytes);
         return Special(bytes);
     }
-    // 8 to 15 bytes by words from either end, which overlap.
-    static unsigned NarrowEach(std::string_view text, char* to)
-    {
-        if (text.size() < sizeof(std::uint64_t))
-            return NarrowEach<char>(text, to);
-        const std::size_t last = text.size() - sizeof(std::uint64_t);
-        const auto copy = [&text, to](std::size_t index) {
-            const __m128i word =
-                _mm_loadl_epi64(reinterpret_cast<const __m128i*>(text.data() + index));
-            _mm_storel_epi64(reinterpret_cast<__m128i*>(to + index), word);
-            return word;
-        };
-        const __m128i first = copy(0);
-        return Special(_mm_unpacklo_epi64(first, copy(last)));
-    }
-    static unsigned NarrowBlock(const wchar_t* from, char* to)
+    static Marks NarrowBlock(const wchar_t* from, char* to)
     {
         const auto four = [from](std::size_t index) {
             return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + index));
@@ -233,27 +243,53 @@ private:
         _mm_storeu_si128(reinterpret_cast<__m128i*>(to), bytes);
         return Special(bytes);
     }
+    static Marks NarrowShort(std::wstring_view text, char* to)
+    {
+        return _mm_set1_epi8(NarrowEach(text, to) != 0 ? -1 : 0);
+    }
+    // By words from either end, which overlap.
+    static Marks NarrowShort(std::string_view text, char* to)
+    {
+        const auto copyEnds = [&text, to]<class Word>(Word& first, Word& last) {
+            const std::size_t behind = text.size() - sizeof(Word);
+            std::memcpy(&first, text.data(), sizeof(Word));
+            std::memcpy(&last, text.data() + behind, sizeof(Word));
+            std::memcpy(to, &first, sizeof(Word));
+            std::memcpy(to + behind, &last, sizeof(Word));
+        };
+        if (text.size() >= sizeof(std::int64_t)) {
+            std::int64_t first = 0;
+            std::int64_t last = 0;
+            copyEnds(first, last);
+            return Special(_mm_set_epi64x(first, last));
+        }
+        if (text.size() >= sizeof(std::int32_t)) {
+            std::int32_t first = 0;
+            std::int32_t last = 0;
+            copyEnds(first, last);
+            return Special(_mm_set_epi32(first, last, first, last));
+        }
+        return _mm_set1_epi8(NarrowEach(text, to) != 0 ? -1 : 0);
+    }
 #else
     static constexpr std::size_t BlockSize = 8;
+    using Marks = unsigned;
 
+    static bool IsNone(Marks special)
+    {
+        return special == 0;
+    }
     template <class Char>
-    static unsigned NarrowBlock(const Char* from, char* to)
+    static Marks NarrowShort(std::basic_string_view<Char> text, char* to)
+    {
+        return NarrowEach(text, to);
+    }
+    template <class Char>
+    static Marks NarrowBlock(const Char* from, char* to)
     {
         return NarrowEach(std::basic_string_view<Char>(from, BlockSize), to);
     }
 #endif
-    // The last block overlaps the one before it.
-    template <class Char>
-    static bool Narrow(std::basic_string_view<Char> text, char* to)
-    {
-        if (text.size() < BlockSize)
-            return NarrowEach(text, to) == 0;
-        const std::size_t last = text.size() - BlockSize;
-        unsigned special = NarrowBlock(text.data() + last, to + last);
-        for (std::size_t index = 0; index < last; index += BlockSize)
-            special |= NarrowBlock(text.data() + index, to + index);
-        return special == 0;
-    }
 
     void EnsureCapacity(std::size_t count)
     {

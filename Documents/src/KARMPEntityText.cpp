@@ -32,20 +32,41 @@ EntityText::EntityText(ByteBuffer& out, bool isExact)
         place.text = this;
 }
 
-const EntityText::Name& EntityText::AddName(std::wstring_view name, std::size_t slot)
+EntityText::Name EntityText::MakeName(std::wstring_view name)
 {
     std::string bytes;
     AppendUtf8(bytes, name);
-    if (bytes.size() > LongestName || m_known.size() >= SlotCount / 2)
+    if (bytes.size() > LongestName)
         throw std::length_error("KARMP document: a name of a class is too long");
-    Name& known = m_known.emplace_back();
-    known.isPlain = IsXmlName(name);
-    known.address = name.data();
-    known.length = name.size();
-    known.size = bytes.size();
-    std::copy(bytes.begin(), bytes.end(), known.bytes.begin());
-    m_names[slot] = &known;
-    return known;
+    Name made;
+    made.literal = name;
+    made.isPlain = IsXmlName(name);
+    made.size = bytes.size();
+    std::copy(bytes.begin(), bytes.end(), made.bytes.begin());
+    return made;
+}
+
+EntityText::Group EntityText::MakeGroup(std::span<const std::wstring_view> names)
+{
+    Group made;
+    std::string bytes = ">";
+    std::string endTag;
+    for (std::size_t index = 0; index <= names.size(); ++index) {
+        bytes += endTag;
+        if (index < names.size()) {
+            std::string name;
+            AppendUtf8(name, names[index]);
+            bytes += '<' + name + '>';
+            endTag = "</" + name + '>';
+        }
+        if (bytes.size() > LongestName || names.size() > LargestGroup)
+            return {};
+        Piece& piece = made.pieces.emplace_back();
+        piece.size = bytes.size();
+        std::copy(bytes.begin(), bytes.end(), piece.bytes.begin());
+        bytes.clear();
+    }
+    return made;
 }
 
 void EntityText::Begin(std::size_t depth)
@@ -96,7 +117,7 @@ bool EntityText::BeginChild(Place& parent, bool isNumber)
         m_groupCount = 0;
         if (isNumber) {
             parent.state = State::Group;
-            m_group[m_groupCount++] = m_out.Size();
+            ++m_groupCount;
             return true;
         }
     } else if (parent.state == State::Group) {
@@ -109,16 +130,22 @@ bool EntityText::BeginChild(Place& parent, bool isNumber)
 // Puts each child of a group on a line of its own.
 void EntityText::Spread(const Place& group)
 {
+    std::array<std::size_t, LargestGroup> children{};
+    std::size_t count = 0;
+    const std::string_view text = m_out.From(group.tagEnd);
+    for (std::size_t tag = text.find('<'); count < m_groupCount; tag = text.find('<', tag + 1))
+        if (text[tag + 1] != '/')
+            children[count++] = group.tagEnd + tag;
     const std::size_t indentation = std::min(1 + group.depth, LongestLineStart);
-    std::size_t moved = m_groupCount * indentation;
+    std::size_t moved = count * indentation;
     for (std::size_t& offset : m_notFinite)
         offset += indentation * static_cast<std::size_t>(std::count_if(
-                                    m_group.begin(), m_group.begin() + m_groupCount,
+                                    children.begin(), children.begin() + count,
                                     [offset](std::size_t begin) { return begin < offset; }));
     std::size_t end = m_out.Size();
     m_out.Insert(end, moved);
-    for (std::size_t number = m_groupCount; number-- > 0;) {
-        const std::size_t begin = m_group[number];
+    for (std::size_t number = count; number-- > 0;) {
+        const std::size_t begin = children[number];
         std::copy_backward(m_out.At(begin), m_out.At(end), m_out.At(end + moved));
         end = begin;
         moved -= indentation;
@@ -130,11 +157,11 @@ void EntityText::Spread(const Place& group)
 
 EntityText::Place& EntityText::Open(const Name& name)
 {
-    BeginTag(name, false);
+    m_out.End(BeginTag(name, false));
     const std::size_t number = static_cast<std::size_t>(m_top - m_places.data()) + 1;
     Place& place = m_places.at(number);
     if (number == 1)
-        m_elementName = {name.address, name.length};
+        m_elementName = name.literal;
     place.name = &name;
     place.depth = m_top->depth + 1;
     place.state = State::Tag;
@@ -168,8 +195,6 @@ void EntityText::EndLateAttribute(Place& place, std::size_t begin)
             offset -= begin - place.tagEnd;
         else if (offset > place.tagEnd)
             offset += size;
-    for (std::size_t number = 0; number < m_groupCount; ++number)
-        m_group[number] += size;
     place.tagEnd += size;
 }
 
@@ -179,62 +204,73 @@ void EntityText::PutText(std::wstring_view text, TextContext context)
         m_out.AppendBy([&](std::string& bytes) { AppendEscaped(bytes, text, context); });
 }
 
-// Most numbers of a model are 0 and 1, and stay so on the grid; a negative zero does not.
-void EntityText::PutDouble(double value)
+// Puts numbers behind the start tag of the innermost element; false, with nothing put, when they do
+// not stand on its line.
+bool EntityText::PutGroup(std::span<const std::wstring_view> names, const double* values)
 {
-    if (value == 0.0 && (!m_isExact || !std::signbit(value)))
-        m_out.Put('0');
-    else if (value == 1.0)
-        m_out.Put('1');
-    else if (m_isExact)
-        m_out.PutNumber(value);
-    else
-        PutSnapped(value);
+    const Group& group = m_groups.Of(names.data(), names.size(), [&] { return MakeGroup(names); });
+    if (m_top->state != State::Tag || group.pieces.size() < 2)
+        return false;
+    m_top->tagEnd = m_out.Size();
+    m_top->state = State::Group;
+    m_groupCount = names.size();
+    char* to = m_out.Begin(group.pieces.size() * (LongestName + ByteBuffer::LongestNumber));
+    for (std::size_t index = 0; index < names.size(); ++index)
+        to = PutDouble(values[index], Copy(group.pieces[index], to));
+    m_out.End(Copy(group.pieces.back(), to));
+    return true;
+}
+
+char* EntityText::PutOtherDouble(double value, char* to)
+{
+    to = m_isExact ? ByteBuffer::PutNumber(value, to) : PutSnapped(value, to);
     if (!std::isfinite(value))
-        m_notFinite.push_back(m_out.Size());
+        m_notFinite.push_back(m_out.OffsetOf(to));
+    return to;
 }
 
 // The operations are those of SnapToGrid.
-void EntityText::PutSnapped(double value)
+char* EntityText::PutSnapped(double value, char* to)
 {
     const double rounded = std::fabs(value / Grid) + 0.5;
-    if (!(rounded < MostUnits) || std::fabs(value) < Grid) {
-        m_out.PutNumber(SnapToGrid(value));
-        return;
-    }
+    if (!(rounded < MostUnits) || std::fabs(value) < Grid)
+        return ByteBuffer::PutNumber(SnapToGrid(value), to);
     const auto units = static_cast<std::uint64_t>(rounded);
     const double snapped = static_cast<double>(units) * Grid;
-    if (snapped >= LeastPlain && static_cast<double>(units) / UnitsInOne == snapped) {
-        if (value < 0)
-            m_out.Put('-');
-        m_out.PutDecimal(units);
-    } else {
-        m_out.PutNumber(value < 0 ? -snapped : snapped);
-    }
+    if (snapped < LeastPlain || static_cast<double>(units) / UnitsInOne != snapped)
+        return ByteBuffer::PutNumber(value < 0 ? -snapped : snapped, to);
+    if (value < 0)
+        *to++ = '-';
+    return ByteBuffer::PutDecimal(units, to);
 }
 
-void EntityText::PutStored(const kar::SharedText& text)
+// `start` is what stands before the attribute's value.
+template <std::size_t Size>
+void EntityText::PutAttribute(const char (&start)[Size], const kar::SharedText& text)
 {
-    if (text.IsNarrow() && m_out.PutPlain(text.Narrow()))
+    const std::string_view narrow = text.Narrow();
+    char* to = m_out.Begin(Size + narrow.size());
+    std::memcpy(to, start, Size - 1);
+    to += Size - 1;
+    if (text.IsNarrow() && ByteBuffer::Narrow(narrow, to)) {
+        to[narrow.size()] = '"';
+        m_out.End(to + narrow.size() + 1);
         return;
+    }
+    m_out.End(to);
     const kar::SharedText::Wide wide(text);
     m_out.AppendBy(
         [&](std::string& bytes) { AppendEscaped(bytes, wide.View(), TextContext::Attribute); });
+    m_out.Put('"');
 }
 
 void EntityText::PutReference(const KARMPEntity& entity, bool withName)
 {
     const kar::SharedText* identifier = nullptr;
-    if (!KARFailed(EntityAccess::Identifier(entity, identifier))) {
-        m_out.PutPadded<5>(" id=\"", 5);
-        PutStored(*identifier);
-        m_out.Put('"');
-    }
-    if (withName) {
-        m_out.PutPadded<7>(" name=\"", 7);
-        PutStored(entity.getStoredName());
-        m_out.Put('"');
-    }
+    if (!KARFailed(EntityAccess::Identifier(entity, identifier)))
+        PutAttribute(" id=\"", *identifier);
+    if (withName)
+        PutAttribute(" name=\"", entity.getStoredName());
 }
 
 std::string PathWithin(std::string_view entity, std::size_t offset)

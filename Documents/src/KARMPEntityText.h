@@ -6,10 +6,13 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <deque>
+#include <span>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -63,15 +66,54 @@ public:
 private:
     friend class TextElement;
 
-    /// A name or a word in bytes. They are literals of content lists, so that the address tells
-    /// one; a plain one is text as it is.
-    struct Name
+    /// Bytes that are ready to be copied.
+    struct Piece
     {
-        const wchar_t* address = nullptr;
-        std::size_t length = 0;
         std::size_t size = 0;
-        bool isPlain = false;
         std::array<char, LongestName> bytes{};
+    };
+    /// A name or a word in bytes; a plain one is text as it is.
+    struct Name : Piece
+    {
+        std::wstring_view literal;
+        bool isPlain = false;
+    };
+    /// The elements of numbers on one line but for the numbers: what is before each, and after the
+    /// last one. There is nothing where that does not fit pieces.
+    struct Group
+    {
+        std::vector<Piece> pieces;
+    };
+    /// What was made of names, which are literals of content lists, so that the address tells one.
+    template <class Made>
+    class LiteralTable
+    {
+    public:
+        template <class Char, class Make>
+        const Made& Of(const Char* literal, std::size_t length, Make make)
+        {
+            std::size_t slot = (reinterpret_cast<std::uintptr_t>(literal) >> 2U) % SlotCount;
+            for (; m_slots[slot].made != nullptr; slot = (slot + 1) % SlotCount)
+                if (m_slots[slot].literal == literal && m_slots[slot].length == length)
+                    return *m_slots[slot].made;
+            if (m_made.size() >= SlotCount / 2)
+                throw std::length_error("KARMP document: too many names in content lists");
+            m_made.push_back(make());
+            m_slots[slot] = {literal, length, &m_made.back()};
+            return m_made.back();
+        }
+
+    private:
+        struct Slot
+        {
+            const void* literal = nullptr;
+            std::size_t length = 0;
+            const Made* made = nullptr;
+        };
+        static constexpr std::size_t SlotCount = 1024;
+
+        std::array<Slot, SlotCount> m_slots{};
+        std::deque<Made> m_made;
     };
     enum class State : std::uint8_t {
         Tag,   ///< The start tag is open.
@@ -90,7 +132,6 @@ private:
     };
     /// An axis system is the largest group of numbers on one line.
     static constexpr std::size_t LargestGroup = 12;
-    static constexpr std::size_t SlotCount = 1024;
     /// Deeper elements are not indented further.
     static constexpr std::size_t LongestLineStart = 101;
     static constexpr std::array<char, LongestLineStart> LineStart = [] {
@@ -102,31 +143,29 @@ private:
 
     const Name& NameOf(std::wstring_view name)
     {
-        std::size_t slot = (reinterpret_cast<std::uintptr_t>(name.data()) >> 2U) % SlotCount;
-        for (; m_names[slot] != nullptr; slot = (slot + 1) % SlotCount)
-            if (m_names[slot]->address == name.data() && m_names[slot]->length == name.size())
-                return *m_names[slot];
-        return AddName(name, slot);
+        return m_names.Of(
+            name.data(), name.size(), [&] { return MakeName(name); });
     }
-    const Name& AddName(std::wstring_view name, std::size_t slot);
-    static char* Copy(const Name& name, char* to)
+    static Name MakeName(std::wstring_view name);
+    static Group MakeGroup(std::span<const std::wstring_view> names);
+    static char* Copy(const Piece& piece, char* to)
     {
         constexpr std::size_t usual = 32;
-        std::memcpy(to, name.bytes.data(), usual);
-        if (name.size > usual)
-            std::memcpy(to + usual, name.bytes.data() + usual, LongestName - usual);
-        return to + name.size;
+        std::memcpy(to, piece.bytes.data(), usual);
+        if (piece.size > usual)
+            std::memcpy(to + usual, piece.bytes.data() + usual, LongestName - usual);
+        return to + piece.size;
     }
     void PutName(const Name& name) { m_out.End(Copy(name, m_out.Begin(LongestName))); }
-    void PutEndTag(const Name& name)
+    static char* PutEndTag(const Name& name, char* to)
     {
-        char* to = m_out.Begin(LongestName + 3);
         *to++ = '<';
         *to++ = '/';
         to = Copy(name, to);
         *to++ = '>';
-        m_out.End(to);
+        return to;
     }
+    void PutEndTag(const Name& name) { m_out.End(PutEndTag(name, m_out.Begin(LongestName + 3))); }
 
     /// Closes what is open within an element.
     void CloseTo(const Place& place)
@@ -135,22 +174,23 @@ private:
             Close();
     }
     void Close();
-    /// Begins a child element of the innermost one: its start tag without attributes.
-    void BeginTag(const Name& name, bool isNumber)
+    /// Puts the start tag of a child of the innermost element without attributes. Gives its end,
+    /// behind which there is capacity for a number and an end tag.
+    char* BeginTag(const Name& name, bool isNumber)
     {
         const Place& parent = *m_top;
         bool isOnLine = false;
         if (parent.state == State::Group && isNumber && m_groupCount < LargestGroup) {
-            m_group[m_groupCount++] = m_out.Size();
+            ++m_groupCount;
             isOnLine = true;
         } else if (parent.state != State::Lines) {
             isOnLine = BeginChild(*m_top, isNumber);
         }
-        char* to = m_out.Begin(LongestLineStart + LongestName + 1);
+        char* to = m_out.Begin(LongestLineStart + 2 * LongestName + 5 + ByteBuffer::LongestNumber);
         if (!isOnLine)
             to = StartLine(parent.depth, to);
         *to++ = '<';
-        m_out.End(Copy(name, to));
+        return Copy(name, to);
     }
     /// Begins a line at the indentation of the children of an element at a depth.
     static char* StartLine(std::size_t depth, char* to)
@@ -175,18 +215,28 @@ private:
 
     void PutText(std::wstring_view text, TextContext context);
     void PutBool(bool value) { m_out.Put(value ? std::string_view("true") : "false"); }
-    void PutDouble(double value);
-    void PutSnapped(double value);
-    void PutStored(const kar::SharedText& text);
+    bool PutGroup(std::span<const std::wstring_view> names, const double* values);
+    // Most numbers of a model are 0 and 1, and stay so on the grid; a negative zero does not.
+    char* PutDouble(double value, char* to)
+    {
+        if ((value == 0.0 && !(m_isExact && std::signbit(value))) || value == 1.0) {
+            *to = value == 0.0 ? '0' : '1';
+            return to + 1;
+        }
+        return PutOtherDouble(value, to);
+    }
+    char* PutOtherDouble(double value, char* to);
+    static char* PutSnapped(double value, char* to);
+    template <std::size_t Size>
+    void PutAttribute(const char (&start)[Size], const kar::SharedText& text);
     void PutReference(const KARMPEntity& entity, bool withName);
 
     ByteBuffer& m_out;
     const bool m_isExact;
     std::array<Place, LargestDepth> m_places;
     Place* m_top;
-    std::array<const Name*, SlotCount> m_names{};
-    std::deque<Name> m_known;
-    std::array<std::size_t, LargestGroup> m_group{};
+    LiteralTable<Name> m_names;
+    LiteralTable<Group> m_groups;
     std::size_t m_groupCount = 0;
     /// Keeps its capacity from one late attribute to the next.
     std::string m_late;

@@ -60,6 +60,11 @@ bool LossyItem::IsLostOf(const KARMPEntity& entity) const
     }
     if (item->kind == ItemKind::References)
         return item->Count(entity) > 0;
+    // Most of these items are texts, which many constraints have.
+    if (const auto* const text = std::get_if<std::wstring>(&fresh)) {
+        ItemValue value;
+        return KARFailed(item->written->get(&entity, value)) || value.text != *text;
+    }
     return item->Get(entity) != fresh;
 }
 

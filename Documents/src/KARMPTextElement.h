@@ -56,10 +56,23 @@ public:
     {
         EntityText& text = Inside(*m_place);
         const EntityText::Name& known = text.NameOf(name);
-        text.BeginTag(known, std::is_same_v<T, double> || std::is_same_v<T, int>);
-        text.m_out.Put('>');
-        Put(text, value, TextContext::Element);
-        text.PutEndTag(known);
+        constexpr bool isNumber = std::is_same_v<T, double> || std::is_same_v<T, int>;
+        char* to = text.BeginTag(known, isNumber);
+        *to++ = '>';
+        if constexpr (isNumber) {
+            text.m_out.End(text.PutEndTag(known, PutNumber(text, value, to)));
+        } else {
+            text.m_out.End(to);
+            Put(text, value, TextContext::Element);
+            text.PutEndTag(known);
+        }
+    }
+    void Values(std::span<const std::wstring_view> names, const double* values, Where where)
+    {
+        if (Inside(*m_place).PutGroup(names, values))
+            return;
+        for (std::size_t index = 0; index < names.size(); ++index)
+            Value(names[index], values[index], where);
     }
     TextElement Child(std::wstring_view name, Where where) { return {m_place, name, where}; }
 
@@ -73,7 +86,7 @@ public:
     void Reference(std::wstring_view name, const QOBSharedBase& entity, Where where)
     {
         EntityText& text = Inside(*m_place);
-        text.BeginTag(text.NameOf(name), false);
+        text.m_out.End(text.BeginTag(text.NameOf(name), false));
         if (KARMPVerify(static_cast<bool>(entity), where))
             text.PutReference(*static_cast<const KARMPEntity*>(entity._getReferent()),
                               KARMPSerializer::SerializeName());
@@ -110,7 +123,7 @@ public:
     {
         const QOBSharedHandle<KARMPValue> target(value);
         EntityText& text = Inside(*m_place);
-        text.BeginTag(text.NameOf(name), false);
+        text.m_out.End(text.BeginTag(text.NameOf(name), false));
         text.PutReference(*target, true);
         text.m_out.PutPadded<2>("/>", 2);
     }
@@ -148,8 +161,20 @@ private:
         else
             text.PutText(word, context);
     }
-    static void Put(EntityText& text, double value, TextContext) { text.PutDouble(value); }
-    static void Put(EntityText& text, int value, TextContext) { text.m_out.PutNumber(value); }
+    static char* PutNumber(EntityText& text, double value, char* to)
+    {
+        return text.PutDouble(value, to);
+    }
+    static char* PutNumber(EntityText&, int value, char* to)
+    {
+        return ByteBuffer::PutNumber(value, to);
+    }
+    template <class T>
+    requires std::same_as<T, double> || std::same_as<T, int>
+    static void Put(EntityText& text, T value, TextContext)
+    {
+        text.m_out.End(PutNumber(text, value, text.m_out.Begin(ByteBuffer::LongestNumber)));
+    }
     static void Put(EntityText& text, std::same_as<bool> auto value, TextContext)
     {
         text.PutBool(value);

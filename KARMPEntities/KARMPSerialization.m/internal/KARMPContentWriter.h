@@ -50,8 +50,6 @@ public:
 
 private:
     void WriteValue(const Item& item, Element& element);
-    void WriteDoubles(std::span<const std::wstring_view> names, const double* values,
-                      Element& element, KARMPSourceLocation where);
     void WriteGroup(const Item& item, std::span<const Item> inner, Element& element);
     void WriteTransformation(const Item& item, Element& element);
     void WriteOptionalNumber(const Item& item, Element& element);
@@ -103,9 +101,9 @@ void ContentWriter<Element>::WriteValue(const Item& item, Element& element)
         return PutValue(item, element, WordOfRow(item, m_value.number));
     case ItemKind::Numbers:
         if (item.place == ItemPlace::Inline)
-            return WriteDoubles(item.words, m_value.numbers.data(), element, item.where);
-        if (Element child = element.Child(item.name, item.where))
-            WriteDoubles(item.words, m_value.numbers.data(), child, item.where);
+            element.Values(item.words, m_value.numbers.data(), item.where);
+        else if (Element child = element.Child(item.name, item.where))
+            child.Values(item.words, m_value.numbers.data(), item.where);
         return;
     case ItemKind::Transformation:
         return WriteTransformation(item, element);
@@ -116,15 +114,6 @@ void ContentWriter<Element>::WriteValue(const Item& item, Element& element)
     default:
         return;
     }
-}
-
-template <class Element>
-void ContentWriter<Element>::WriteDoubles(std::span<const std::wstring_view> names,
-                                          const double* values, Element& element,
-                                          KARMPSourceLocation where)
-{
-    for (std::size_t i = 0; i < names.size(); ++i)
-        element.Value(names[i], values[i], where);
 }
 
 template <class Element>
@@ -145,9 +134,9 @@ void ContentWriter<Element>::WriteTransformation(const Item& item, Element& elem
     const double* const numbers = m_value.numbers.data();
     const TransformationNames& parts = *item.parts;
     if (Element translation = child.Child(parts.translation, item.where))
-        WriteDoubles(parts.vector, numbers, translation, item.where);
+        translation.Values(parts.vector, numbers, item.where);
     if (Element rotation = child.Child(parts.rotation, item.where))
-        WriteDoubles(parts.matrix, numbers + parts.vector.size(), rotation, item.where);
+        rotation.Values(parts.matrix, numbers + parts.vector.size(), item.where);
 }
 
 template <class Element>

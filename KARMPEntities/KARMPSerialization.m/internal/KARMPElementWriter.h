@@ -76,11 +76,12 @@ public:
     }
 
     /// Adds the child elements of a group of doubles; all are tried.
+    bool Values(std::span<const std::wstring_view> names, const double* values, Where where);
     template <std::size_t N>
     bool Values(const Names<N>& names, const std::array<double, N>& values,
                 Where where = Where::current())
     {
-        return AddDoubles(names.data(), values.data(), N, where);
+        return Values(names, values.data(), where);
     }
     template <class Triple>
     requires requires(const Triple& triple) { triple.GetX(); }
@@ -142,8 +143,6 @@ public:
 
 private:
     bool Added(KARStatus status, Where where);
-    bool AddDoubles(const std::wstring_view* names, const double* values, std::size_t count,
-                    Where where);
 
     KARMPSerializer* m_node = nullptr;
     bool m_failed = false;

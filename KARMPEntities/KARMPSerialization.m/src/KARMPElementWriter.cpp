@@ -79,11 +79,11 @@ bool ElementWriter::Value(std::wstring_view name, int value, Where where)
     return Added(m_node != nullptr ? m_node->AddElement(name, child, value) : KARFailure, where);
 }
 
-bool ElementWriter::AddDoubles(const std::wstring_view* names, const double* values,
-                               std::size_t count, Where where)
+bool ElementWriter::Values(std::span<const std::wstring_view> names, const double* values,
+                           Where where)
 {
     bool added = true;
-    for (std::size_t i = 0; i < count; ++i)
+    for (std::size_t i = 0; i < names.size(); ++i)
         added = Value(names[i], values[i], where) && added;
     return added;
 }
