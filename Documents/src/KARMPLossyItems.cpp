@@ -60,10 +60,13 @@ bool LossyItem::IsLostOf(const KARMPEntity& entity) const
     }
     if (item->kind == ItemKind::References)
         return item->Count(entity) > 0;
-    // Most of these items are texts, which many constraints have.
-    if (const auto* const text = std::get_if<std::wstring>(&fresh)) {
+    // Numbers and texts, which many constraints have, are compared where they are.
+    const auto* const number = std::get_if<double>(&fresh);
+    const auto* const text = std::get_if<std::wstring>(&fresh);
+    if ((number != nullptr && item->kind == ItemKind::Number) || text != nullptr) {
         ItemValue value;
-        return KARFailed(item->written->get(&entity, value)) || value.text != *text;
+        return KARFailed(item->written->get(&entity, value)) ||
+               (text != nullptr ? value.text != *text : value.numbers[0] != *number);
     }
     return item->Get(entity) != fresh;
 }

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstring>
 #include <functional>
 #include <iterator>
 
@@ -23,6 +24,24 @@ namespace {
 constexpr int LongestSearched = 32;
 // Bits of a table of hashes for each entity. It is small enough to be at hand.
 constexpr std::size_t BitsForEach = 16;
+
+std::uint64_t HashOf(std::string_view text)
+{
+    std::uint64_t hash = text.size();
+    std::uint64_t word = 0;
+    if (text.size() < sizeof word) {
+        std::copy(text.begin(), text.end(), reinterpret_cast<char*>(&word));
+        return Mix(hash, word);
+    }
+    // The last word overlaps the one before it.
+    const char* const last = text.data() + text.size() - sizeof word;
+    for (const char* next = text.data(); next < last; next += sizeof word) {
+        std::memcpy(&word, next, sizeof word);
+        hash = Mix(hash, word);
+    }
+    std::memcpy(&word, last, sizeof word);
+    return Mix(hash, word);
+}
 
 const KARMPEntity* EntityIn(const ItemValue& value)
 {
@@ -116,6 +135,31 @@ void SaveCheck::NoteEntity(const KARMPEntity& entity, const WrittenLinks* links)
         std::erase(m_globals, static_cast<const QOBSharedObject*>(&entity));
 }
 
+inline const SaveCheck::Back& SaveCheck::BackOf(LinkCheck& check, const KARMPEntity& target)
+{
+    const QOBClassInfo& info = target.getClassInfo();
+    const auto end = check.back.end();
+    auto known = check.back.begin();
+    while (known != end && known->target != &info)
+        ++known;
+    return known != end ? *known : AddBack(check, info);
+}
+
+// False for a link that is no half of a pair.
+inline bool SaveCheck::SumUp(const KARMPEntity& entity, LinkCheck& check, const KARMPEntity& target)
+{
+    const Back& back = BackOf(check, target);
+    if (back.pair == 0)
+        return false;
+    const auto number = [&back](const KARMPEntity& first, const KARMPEntity& second) {
+        constexpr std::uint64_t spread = 0x9FB21C651E98DF25U;
+        return Mix(back.pair + reinterpret_cast<std::uintptr_t>(&first) * spread,
+                   reinterpret_cast<std::uintptr_t>(&second));
+    };
+    m_sum += back.isFirst ? number(entity, target) : -number(target, entity);
+    return true;
+}
+
 // Links come in the order of their items.
 void SaveCheck::NoteLinks(const KARMPEntity& entity, ClassChecks& checks, const WrittenLinks& links)
 {
@@ -149,7 +193,7 @@ void SaveCheck::NoteIdentifier(const KARMPEntity& entity)
         m_isDoubtful = true;
         return;
     }
-    const std::size_t hash = std::hash<std::string_view>()(identifier->Narrow());
+    const std::size_t hash = HashOf(identifier->Narrow());
     m_hashes.push_back(hash);
     const std::size_t bit = hash & (m_met.size() - 1);
     if (m_met[bit])
@@ -355,18 +399,6 @@ void SaveCheck::ForEachLink(const KARMPEntity& entity, LinkCheck& check, Visit v
             visit(*EntityIn(m_value));
 }
 
-// False for a link that is no half of a pair.
-bool SaveCheck::SumUp(const KARMPEntity& entity, LinkCheck& check, const KARMPEntity& target)
-{
-    const Back& back = BackOf(check, target);
-    if (back.pair == 0)
-        return false;
-    const auto from = reinterpret_cast<std::uintptr_t>(&entity);
-    const auto to = reinterpret_cast<std::uintptr_t>(&target);
-    m_sum += back.isFirst ? Mix(Mix(back.pair, from), to) : -Mix(Mix(back.pair, to), from);
-    return true;
-}
-
 // Some link of a pair has no other side, be it that its target is not listed.
 void SaveCheck::CheckPairs()
 {
@@ -415,20 +447,16 @@ void SaveCheck::TellOfTarget(std::size_t number, const ItemInfo& item, const KAR
         m_warnings.Warning(Code::NotReadBack, std::move(text), std::move(path));
 }
 
-const SaveCheck::Back& SaveCheck::BackOf(LinkCheck& check, const KARMPEntity& target)
+const SaveCheck::Back& SaveCheck::AddBack(LinkCheck& check, const QOBClassInfo& target)
 {
-    const QOBClassInfo& info = target.getClassInfo();
-    for (const Back& known : check.back)
-        if (known.target == &info)
-            return known;
     std::vector<const ItemInfo*> items;
-    for (const ItemInfo* const item : LinkItemsOf(info))
+    for (const ItemInfo* const item : LinkItemsOf(target))
         if (std::find(check.otherSides.begin(), check.otherSides.end(), item->path) !=
             check.otherSides.end())
             items.push_back(item);
     const std::uint64_t pair = PairOf(check, items);
     const bool isFirst = pair != 0 && check.info->path < items.front()->path;
-    return check.back.emplace_back(Back{&info, std::move(items), pair, isFirst});
+    return check.back.emplace_back(Back{&target, std::move(items), pair, isFirst});
 }
 
 std::uint64_t SaveCheck::PairOf(const LinkCheck& check, std::span<const ItemInfo* const> back)

@@ -99,6 +99,7 @@ private:
     void CheckTarget(std::size_t number, LinkCheck& check, const KARMPEntity& target);
     void TellOfTarget(std::size_t number, const ItemInfo& item, const KARMPEntity& target);
     const Back& BackOf(LinkCheck& check, const KARMPEntity& target);
+    static const Back& AddBack(LinkCheck& check, const QOBClassInfo& target);
     static std::uint64_t PairOf(const LinkCheck& check, std::span<const ItemInfo* const> back);
     bool RefersBack(const KARMPEntity& target, const ItemInfo& item, const KARMPEntity& entity);
     void CheckItems(std::size_t number, std::span<const LossyItem> items);
