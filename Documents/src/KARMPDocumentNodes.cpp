@@ -73,7 +73,7 @@ inline void DocumentNodes::Begin(KARMPDocumentReader& node) noexcept
 inline KARMPDocumentReader::KARMPDocumentReader(const karmp::ElementRecord& record, unsigned depth,
                                                 karmp::documents::DocumentSource& source,
                                                 karmp::documents::DocumentNodes& memory)
-    : KARMPDeserializer(source.Records().names[record.name], source.Version(), memory),
+    : KARMPDeserializer(source.Records().names[record.Name()], source.Version(), memory),
       m_depth(static_cast<std::uint8_t>(std::min(depth, karmp::documents::EntityDepth + 1))),
       m_record(record),
       m_source(source)
@@ -127,9 +127,9 @@ bool DocumentNodes::FindAttribute(const KARMPDeserializer& asked, std::wstring_v
     const ElementRecord& record = node.m_record;
     for (std::uint32_t index = (&record)[1].attributes; index != record.attributes;) {
         const AttributeRecord& attribute = records.attributes[--index];
-        if (SameName(records.names[attribute.name].View(), name)) {
+        if (SameName(records.names[attribute.Name()].View(), name)) {
             value.characters = source.At(attribute.value);
-            return attribute.isPlain != 0;
+            return attribute.IsPlain();
         }
     }
     value.characters = nullptr;
@@ -144,7 +144,7 @@ bool DocumentNodes::LacksElement(const KARMPDeserializer& asked, std::wstring_vi
     if (wanted == NoName)
         return true;
     std::uint32_t child = Number(node) + 1;
-    while (child != node.m_record.end && records.elements[child].name != wanted)
+    while (child != node.m_record.end && records.elements[child].Name() != wanted)
         child = records.elements[child].end;
     return child == node.m_record.end;
 }
@@ -172,12 +172,12 @@ void DocumentNodes::FillAttributes(KARMPDeserializer& empty)
     for (std::uint32_t index = node.m_record.attributes; index != end; ++index) {
         const AttributeRecord& attribute = records.attributes[index];
         const char* const value = source.At(attribute.value);
-        if (attribute.isPlain != 0) {
-            attributes.push_back({records.names[attribute.name], AsciiText{value}});
+        if (attribute.IsPlain()) {
+            attributes.push_back({records.names[attribute.Name()], AsciiText{value}});
         } else {
             text.clear();
             AppendDecoded(text, value, TextContext::Attribute);
-            attributes.push_back({records.names[attribute.name], NodeText::Copy(text, memory)});
+            attributes.push_back({records.names[attribute.Name()], NodeText::Copy(text, memory)});
         }
     }
     NodeBuilder::AddAttributes(node, attributes, memory);

@@ -73,7 +73,7 @@ bool KARMPDocumentReader::FindAttribute(std::wstring_view name, std::size_t& lin
     Offset found = NoOffset;
     for (std::uint32_t index = m_record.attributes; index != (&m_record)[1].attributes; ++index) {
         const AttributeRecord& attribute = records.attributes[index];
-        if (records.names[attribute.name].View() == name)
+        if (records.names[attribute.Name()].View() == name)
             found = attribute.value;
     }
     const bool isThere = found != NoOffset;

@@ -1,5 +1,6 @@
 #include "KARMPDocumentScanner.h"
 
+#include "KARMPByteBlock.h"
 #include "KARMPDocumentFaults.h"
 #include "KARMPDocumentNames.h"
 #include "KARMPDocumentSource.h"
@@ -9,31 +10,15 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
-#if defined(__SSE2__)
-#    include <emmintrin.h>
-#endif
 
 namespace karmp::documents {
 
 namespace {
 
-using Word = std::uint64_t;
-constexpr bool IsLittleEndian = std::endian::native == std::endian::little;
-
-bool IsBeyondAscii(char byte)
-{
-    return static_cast<signed char>(byte) < 0;
-}
-
 // Bytes that do not stand for themselves in the value of an attribute.
 struct ValueMarks
 {
-    static bool Mark(char byte)
-    {
-        return static_cast<signed char>(byte) < ' ' || byte == '<' || byte == '&' || byte == '\\';
-    }
-    template <class Block>
-    static unsigned Mark(const Block& block)
+    static ByteMask Of(const ByteBlock& block)
     {
         return block.Below(' ') | block.Equal('<') | block.Equal('&') | block.Equal('\\');
     }
@@ -42,90 +27,41 @@ struct ValueMarks
 // In the text of an element, tabs and line feeds stand for themselves.
 struct TextMarks
 {
-    static bool Mark(char byte)
-    {
-        return IsBeyondAscii(byte) || byte == '&' || byte == '\\' || byte == '\r';
-    }
-    template <class Block>
-    static unsigned Mark(const Block& block)
+    static ByteMask Of(const ByteBlock& block)
     {
         return block.Below(0) | block.Equal('&') | block.Equal('\\') | block.Equal('\r');
     }
 };
-
-#if defined(__SSE2__)
-// Sixteen bytes that are compared at once: a bit for each, which halves the scanner's time for
-// values and texts. As signed numbers, bytes beyond ASCII are below all others.
-class Block
-{
-public:
-    static constexpr std::ptrdiff_t Size = sizeof(__m128i);
-
-    explicit Block(const char* bytes)
-        : m_bytes(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes)))
-    {}
-    unsigned Equal(char byte) const { return Bits(_mm_cmpeq_epi8(m_bytes, _mm_set1_epi8(byte))); }
-    unsigned Below(char byte) const { return Bits(_mm_cmplt_epi8(m_bytes, _mm_set1_epi8(byte))); }
-
-private:
-    static unsigned Bits(__m128i bytes) { return static_cast<unsigned>(_mm_movemask_epi8(bytes)); }
-
-    __m128i m_bytes;
-};
-
-// Skips blocks in which a byte is not; their marks are in `marks` then. True when it was found.
-template <class Marks>
-bool SkipBlocks(char*& text, const char* end, char last, unsigned& marks)
-{
-    for (; end - text >= Block::Size; text += Block::Size) {
-        const Block block(text);
-        const unsigned found = block.Equal(last);
-        const unsigned marked = Marks::Mark(block);
-        if (found != 0) {
-            marks |= marked & ((found & (0U - found)) - 1U);
-            text += std::countr_zero(found);
-            return true;
-        }
-        marks |= marked;
-    }
-    return false;
-}
-#else
-template <class Marks>
-bool SkipBlocks(char*& /*text*/, const char* /*end*/, char /*last*/, unsigned& /*marks*/)
-{
-    return false;
-}
-#endif
 
 // The end of a text at a byte, and whether anything before that is marked. The end may be that of
 // all bytes, a null.
 template <class Marks>
 char* FindEnd(char* text, const char* end, char last, bool& isMarked)
 {
-    unsigned marks = 0;
-    if (!SkipBlocks<Marks>(text, end, last, marks))
-        for (; text != end && *text != last; ++text)
-            marks |= Marks::Mark(*text) ? 1U : 0U;
-    isMarked = marks != 0;
-    return text;
+    for (unsigned marks = 0;; text += ByteBlock::Size) {
+        const auto left = static_cast<std::size_t>(end - text);
+        const ByteBlock block = BlockAt(text, left, last);
+        const unsigned found = block.Equal(last).Bits();
+        const unsigned marked = Marks::Of(block).Bits();
+        if (found == 0) {
+            marks |= marked;
+            continue;
+        }
+        isMarked = (marks | (marked & ((found & (0U - found)) - 1U))) != 0;
+        return text + std::min(left, static_cast<std::size_t>(std::countr_zero(found)));
+    }
 }
 
-// Compares short names without a call; `left` bytes may be read of both.
-bool SameBytes(const char* first, const char* second, std::size_t size, std::size_t left)
-{
-    if (!IsLittleEndian || size > sizeof(Word) || left < sizeof(Word))
-        return std::memcmp(first, second, size) == 0;
-    Word firstWord = 0;
-    Word secondWord = 0;
-    std::memcpy(&firstWord, first, sizeof(Word));
-    std::memcpy(&secondWord, second, sizeof(Word));
-    return size == 0 || (firstWord ^ secondWord) << (sizeof(Word) - size) * 8 == 0;
-}
-
+// Of control characters, the bytes have none but blanks, and the null at their end.
 bool IsBlank(char byte)
 {
-    return byte == ' ' || byte == '\n' || byte == '\t' || byte == '\r';
+    return byte > 0 && byte <= ' ';
+}
+
+// True when an element has anything but attributes and one text.
+bool HoldsMore(const ElementRecord& element)
+{
+    return element.Kind() == TextKind::None || element.Kind() == TextKind::Pieces;
 }
 
 } // namespace
@@ -137,35 +73,6 @@ DocumentScanner::DocumentScanner(DocumentSource& source, const Limits& limits)
       m_names(m_records.names.List(), source.Nodes(), limits.nameLength),
       m_identifiers(m_records)
 {}
-
-// Reserved pages cost nothing until they are written to.
-DocumentScanner::Outcome DocumentScanner::Run()
-{
-    constexpr std::size_t expectedElement = 24;
-    constexpr std::size_t expectedAttribute = 48;
-    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-    std::string& text = m_source.Text();
-    m_records.elements.reserve(text.size() / expectedElement + 1);
-    m_records.attributes.reserve(text.size() / expectedAttribute + 1);
-    m_begin = text.data();
-    m_end = m_begin + text.size();
-    m_at = m_begin + (text.starts_with(byteOrderMark) ? byteOrderMark.size() : 0);
-    if (!ScanMisc() || *m_at != '<' || !BeginsName(m_at[1]))
-        return Outcome::Faulty;
-    ++m_at;
-    if (!ScanStartTag())
-        return Outcome::Faulty;
-    while (!m_open.empty())
-        if (!ScanContent())
-            return Outcome::Faulty;
-    if (!ScanMisc() || m_at != m_end)
-        return Outcome::Faulty;
-    m_identifiers.Finish();
-    ElementRecord& end = m_records.elements.emplace_back();
-    end.attributes = static_cast<std::uint32_t>(m_records.attributes.size());
-    CheckRoot();
-    return m_isDoubtful ? Outcome::Doubtful : Outcome::Clean;
-}
 
 std::string DocumentScanner::Original() const
 {
@@ -184,10 +91,12 @@ std::string DocumentScanner::Original() const
     return text;
 }
 
-void DocumentScanner::SkipBlanks()
+inline void DocumentScanner::SkipBlanks()
 {
-    while (IsBlank(*m_at))
-        ++m_at;
+    while (IsBlank(*m_at)) {
+        const ByteBlock block = BlockAt(m_at, static_cast<std::size_t>(m_end - m_at), '\0');
+        m_at += std::countr_one(block.Below(' ' + 1).Without(block.Below(1)).Bits());
+    }
 }
 
 bool DocumentScanner::StartsWith(std::string_view text) const
@@ -239,53 +148,40 @@ bool DocumentScanner::ScanInstruction()
     if (!SkipPast("?>"))
         return false;
     return !DocumentFaults::IsDeclaration(target) ||
-           (m_open.empty() &&
+           (m_depth == 0 &&
             DocumentFaults::IsGoodDeclaration({begin, static_cast<std::size_t>(m_at - begin)}));
 }
 
-// What follows a "<".
-bool DocumentScanner::ScanMark()
+// While an element is open, its end is the index of the element around it.
+inline bool DocumentScanner::ScanStartTag()
 {
-    if (BeginsName(*m_at))
-        return ScanStartTag();
-    if (*m_at == '/')
-        return ScanEndTag();
-    if (*m_at == '?')
-        return ScanInstruction();
-    if (StartsWith("!--"))
-        return SkipComment();
-    return StartsWith("![CDATA[") && ScanCData();
-}
-
-bool DocumentScanner::ScanStartTag()
-{
-    const RepeatedNames::Name name = m_names.Get(m_at, m_end, m_open.size());
-    if (m_open.size() >= m_limits.depth || ++m_nodes > m_limits.nodes ||
-        name.size > m_limits.nameLength)
+    const RepeatedNames::Name name = m_names.Get(m_at, m_end, m_depth);
+    if (m_depth >= m_limits.depth || ++m_nodes > m_limits.nodes || name.size > m_limits.nameLength)
         return false;
-    if (!m_open.empty())
+    if (m_depth != 0)
         AddChild();
     const auto number = static_cast<std::uint32_t>(m_records.elements.size());
-    ElementRecord& record = m_records.elements.emplace_back();
-    record.name = name.number & 0x3FFFFFFFU;
-    record.kind = static_cast<std::uint32_t>(TextKind::Plain) & 3U;
-    record.nameOffset = OffsetOf(m_at);
-    record.end = number + 1;
-    record.attributes = static_cast<std::uint32_t>(m_records.attributes.size());
-    record.text = NoOffset;
+    constexpr auto plain = static_cast<std::uint32_t>(TextKind::Plain) << ElementRecord::NameBits;
+    m_records.elements.push_back({name.number | plain, OffsetOf(m_at), m_open,
+                                  static_cast<std::uint32_t>(m_records.attributes.size()),
+                                  NoOffset});
     m_at += name.size;
     bool isClosed = false;
     if (*m_at == '>')
         ++m_at;
     else if (!ScanAttributes(isClosed))
         return false;
-    if (!isClosed)
-        m_open.push_back({number, 0, name.size, false});
+    if (isClosed) {
+        m_records.elements[number].end = number + 1;
+    } else {
+        m_open = number;
+        ++m_depth;
+    }
     return true;
 }
 
 // What stands between the name of a start tag and its end.
-bool DocumentScanner::ScanAttributes(bool& isClosed)
+inline bool DocumentScanner::ScanAttributes(bool& isClosed)
 {
     const std::size_t first = m_records.attributes.size();
     std::uint64_t seen = 0;
@@ -297,7 +193,7 @@ bool DocumentScanner::ScanAttributes(bool& isClosed)
         // A blank divides attributes from each other and from the name.
         if (!IsBlank(m_at[-1]) || !ScanAttribute())
             return false;
-        const std::uint64_t bit = std::uint64_t{1} << (m_records.attributes.back().name % 64);
+        const std::uint64_t bit = std::uint64_t{1} << (m_records.attributes.back().Name() % 64);
         areNew = areNew && (seen & bit) == 0;
         seen |= bit;
     }
@@ -311,9 +207,9 @@ bool DocumentScanner::ScanAttributes(bool& isClosed)
     return true;
 }
 
-bool DocumentScanner::ScanAttribute()
+inline bool DocumentScanner::ScanAttribute()
 {
-    const RepeatedNames::Name name = m_names.Get(m_at, m_end, m_open.size());
+    const RepeatedNames::Name name = m_names.Get(m_at, m_end, m_depth);
     if (++m_nodes > m_limits.nodes || name.size > m_limits.nameLength)
         return false;
     const bool isIdentifier = name.size == 2 && m_at[0] == 'i' && m_at[1] == 'd';
@@ -332,16 +228,14 @@ bool DocumentScanner::ScanAttribute()
     m_at = FindEnd<ValueMarks>(value, m_end, quote, isMarked);
     if (m_at == m_end)
         return false;
-    const char* const end = m_at;
+    const auto size = static_cast<std::size_t>(m_at - value);
     *m_at = '\0';
     ++m_at;
-    AttributeRecord& record = m_records.attributes.emplace_back();
-    record.name = name.number & 0x7FFFFFFFU;
-    record.isPlain = isMarked ? 0U : 1U;
-    record.value = OffsetOf(value);
-    record.identifier = isIdentifier ? RawIdentifier : NoIdentifier;
+    const auto number = static_cast<std::uint32_t>(m_records.attributes.size());
+    m_records.attributes.push_back({name.number | (isMarked ? AttributeRecord::Raw : 0U),
+                                    OffsetOf(value), isIdentifier ? RawIdentifier : NoIdentifier});
     if (isIdentifier && !isMarked)
-        m_identifiers.Add({value, static_cast<std::size_t>(end - value)});
+        m_identifiers.Add({value, size}, number);
     if (!isMarked)
         return true;
     CheckReferences(value);
@@ -353,62 +247,32 @@ void DocumentScanner::CheckNames(std::size_t first)
 {
     std::vector<std::uint32_t> names;
     for (std::size_t index = first; index < m_records.attributes.size(); ++index)
-        names.push_back(m_records.attributes[index].name);
+        names.push_back(m_records.attributes[index].Name());
     std::sort(names.begin(), names.end());
     if (std::adjacent_find(names.begin(), names.end()) != names.end())
         m_isDoubtful = true;
 }
 
-bool DocumentScanner::ScanEndTag()
+inline bool DocumentScanner::ScanEndTag()
 {
     ++m_at;
-    const Open open = m_open.back();
-    ElementRecord& record = m_records.elements[open.number];
-    const auto left = static_cast<std::size_t>(m_end - m_at);
-    if (left <= open.nameSize || !SameBytes(m_at, m_begin + record.nameOffset, open.nameSize, left))
+    ElementRecord& record = m_records.elements[m_open];
+    const std::size_t size = m_names.SizeOf(record.Name(), m_at, m_end);
+    if (size == 0)
         return false;
-    m_at += open.nameSize;
-    if (IsInName(*m_at))
-        return false;
+    m_at += size;
     SkipBlanks();
     if (*m_at != '>')
         return false;
     ++m_at;
-    record.end = static_cast<std::uint32_t>(m_records.elements.size());
-    m_open.pop_back();
-    return true;
-}
-
-// A text, if there is one, and the mark behind it. Blanks count only as all that an element holds.
-bool DocumentScanner::ScanContent()
-{
-    char* const text = m_at;
-    SkipBlanks();
-    const bool isText = *m_at != '<' || (m_at != text && m_at[1] == '/' && !m_open.back().hasChild);
-    if (isText && !ScanText(text))
-        return false;
-    ++m_at;
-    return ScanMark();
-}
-
-bool DocumentScanner::ScanText(char* text)
-{
-    bool isMarked = false;
-    m_at = FindEnd<TextMarks>(text, m_end, '<', isMarked);
-    if (m_at == m_end)
-        return false;
-    *m_at = '\0';
-    Open& open = m_open.back();
-    ElementRecord& record = m_records.elements[open.number];
-    if (!open.hasChild && record.text == NoOffset) {
-        record.text = OffsetOf(text);
-        record.kind = static_cast<std::uint32_t>(isMarked ? TextKind::Raw : TextKind::Plain) & 3U;
-    } else {
-        AddChild();
-        AddPiece(OffsetOf(text), false);
+    if (record.Kind() == TextKind::Pieces) {
+        PieceRecord& last = m_records.pieces[record.text];
+        record.text = last.next;
+        last.next = 0;
     }
-    if (isMarked)
-        CheckReferences(text);
+    m_open = record.end;
+    record.end = static_cast<std::uint32_t>(m_records.elements.size());
+    --m_depth;
     return true;
 }
 
@@ -437,48 +301,116 @@ void DocumentScanner::CheckRoot()
     const auto& [elements, attributes, pieces, names, identifiers, simple] = m_records;
     const auto& known = KnownVersions();
     for (std::uint32_t index = elements[1].attributes; index-- > elements[0].attributes;)
-        if (names[attributes[index].name].View() == VersionName) {
+        if (names[attributes[index].Name()].View() == VersionName) {
             const std::string_view value = m_begin + attributes[index].value;
             const auto tag =
                 std::find(known.begin(), known.end(), std::wstring(value.begin(), value.end()));
             m_version = tag != known.end() ? *tag : std::wstring_view();
         }
-    if (names[elements[0].name].View() != WideRootName || m_version.empty())
+    if (names[elements[0].Name()].View() != WideRootName || m_version.empty())
         m_isDoubtful = true;
 }
 
 // Makes the text that the innermost open element has so far a piece, since more follows.
-void DocumentScanner::AddChild()
+inline void DocumentScanner::AddChild()
 {
-    Open& open = m_open.back();
-    if (open.hasChild)
+    ElementRecord& record = m_records.elements[m_open];
+    if (HoldsMore(record))
         return;
-    open.hasChild = true;
-    ElementRecord& record = m_records.elements[open.number];
     const Offset text = record.text;
-    record.kind = static_cast<std::uint32_t>(TextKind::None) & 3U;
+    record.SetKind(TextKind::None);
     record.text = NoOffset;
     if (text != NoOffset)
         AddPiece(text, false);
 }
 
-// Appends a piece to the text of the innermost open element.
+// Appends a piece to the text of the innermost open element. Until that is closed, its text is its
+// last piece, which the first one follows.
 void DocumentScanner::AddPiece(Offset text, bool isCData)
 {
     const auto number = static_cast<std::uint32_t>(m_records.pieces.size());
-    Open& open = m_open.back();
-    ElementRecord& record = m_records.elements[open.number];
-    if (record.Kind() == TextKind::None) {
-        record.kind = static_cast<std::uint32_t>(TextKind::Pieces) & 3U;
-        record.text = number;
-    } else {
-        m_records.pieces[open.lastPiece].next = number & 0x7FFFFFFFU;
-    }
-    open.lastPiece = number;
+    ElementRecord& record = m_records.elements[m_open];
     PieceRecord& piece = m_records.pieces.emplace_back();
     piece.text = text;
-    piece.next = 0;
     piece.isCData = isCData ? 1U : 0U;
+    PieceRecord& last = record.Kind() == TextKind::Pieces ? m_records.pieces[record.text] : piece;
+    piece.next = last.next;
+    last.next = number & 0x7FFFFFFFU;
+    record.SetKind(TextKind::Pieces);
+    record.text = number;
+}
+
+inline bool DocumentScanner::ScanText(char* text)
+{
+    bool isMarked = false;
+    m_at = FindEnd<TextMarks>(text, m_end, '<', isMarked);
+    if (m_at == m_end)
+        return false;
+    *m_at = '\0';
+    ElementRecord& record = m_records.elements[m_open];
+    if (!HoldsMore(record) && record.text == NoOffset) {
+        record.text = OffsetOf(text);
+        if (isMarked)
+            record.SetKind(TextKind::Raw);
+    } else {
+        AddChild();
+        AddPiece(OffsetOf(text), false);
+    }
+    if (isMarked)
+        CheckReferences(text);
+    return true;
+}
+
+// A text, if there is one, up to a "<". Blanks count only as all that an element holds.
+inline bool DocumentScanner::ScanContent()
+{
+    char* const text = m_at;
+    SkipBlanks();
+    const bool isText =
+        *m_at != '<' || (m_at != text && m_at[1] == '/' && !HoldsMore(m_records.elements[m_open]));
+    return !isText || ScanText(text);
+}
+
+// What follows a "<".
+inline bool DocumentScanner::ScanMark()
+{
+    if (BeginsName(*m_at))
+        return ScanStartTag();
+    if (*m_at == '/')
+        return ScanEndTag();
+    if (*m_at == '?')
+        return ScanInstruction();
+    if (StartsWith("!--"))
+        return SkipComment();
+    return StartsWith("![CDATA[") && ScanCData();
+}
+
+// Reserved pages cost nothing until they are written to.
+DocumentScanner::Outcome DocumentScanner::Run()
+{
+    constexpr std::size_t expectedElement = 24;
+    constexpr std::size_t expectedAttribute = 48;
+    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+    std::string& text = m_source.Text();
+    m_records.elements.reserve(text.size() / expectedElement + 1);
+    m_records.attributes.reserve(text.size() / expectedAttribute + 1);
+    m_begin = text.data();
+    m_end = m_begin + text.size();
+    m_at = m_begin + (text.starts_with(byteOrderMark) ? byteOrderMark.size() : 0);
+    if (!ScanMisc() || *m_at != '<' || !BeginsName(m_at[1]))
+        return Outcome::Faulty;
+    do {
+        ++m_at;
+        if (!ScanMark())
+            return Outcome::Faulty;
+    } while (m_depth != 0 && ScanContent());
+    if (m_depth != 0 || !ScanMisc() || m_at != m_end)
+        return Outcome::Faulty;
+    m_identifiers.Finish();
+    ElementRecord& end = m_records.elements.emplace_back();
+    end.attributes = static_cast<std::uint32_t>(m_records.attributes.size());
+    CheckRoot();
+    return m_isDoubtful ? Outcome::Doubtful : Outcome::Clean;
 }
 
 } // namespace karmp::documents

@@ -9,7 +9,6 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace karmp::documents {
 
@@ -40,16 +39,6 @@ public:
     std::string Original() const;
 
 private:
-    /// An open element: its index, that of its last piece of text, the length of its name, and
-    /// whether it holds anything but attributes and one text.
-    struct Open
-    {
-        std::uint32_t number;
-        std::uint32_t lastPiece;
-        std::size_t nameSize;
-        bool hasChild;
-    };
-
     bool ScanMisc();
     bool ScanInstruction();
     bool ScanMark();
@@ -81,7 +70,9 @@ private:
     char* m_at = nullptr;
     /// A null.
     char* m_end = nullptr;
-    std::vector<Open> m_open;
+    /// The innermost open element, and how many are open.
+    std::uint32_t m_open = 0;
+    std::size_t m_depth = 0;
     std::size_t m_nodes = 0;
     bool m_isDoubtful = false;
     std::wstring_view m_version;

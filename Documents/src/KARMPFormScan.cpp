@@ -179,7 +179,7 @@ bool FormScan::Identify()
         const std::uint32_t worldName = m_records.names.Find(L"World");
         for (std::uint32_t world = 1; world < End(0); world = End(world))
             for (std::uint32_t list = world + 1; list < End(world); list = End(list))
-                if (RecordOf(world).name == worldName && IsFamily(RecordOf(list).name))
+                if (RecordOf(world).Name() == worldName && IsFamily(RecordOf(list).Name()))
                     for (std::uint32_t entity = list + 1; entity < End(list); entity = End(entity))
                         if (!visit(entity))
                             return false;
@@ -206,7 +206,7 @@ FormScan::Attributes FormScan::AttributesOf(std::uint32_t number) const
         const AttributeRecord& attribute = m_records.attributes[index];
         if (attribute.identifier != NoIdentifier)
             found.identifier = &attribute;
-        else if (attribute.name == m_nameName)
+        else if (attribute.Name() == m_nameName)
             found.name = &attribute;
     }
     return found;
@@ -215,8 +215,8 @@ FormScan::Attributes FormScan::AttributesOf(std::uint32_t number) const
 bool FormScan::Enter(std::uint32_t entity)
 {
     const Attributes attributes = AttributesOf(entity);
-    const Class& type = ClassOf(RecordOf(entity).name);
-    if (attributes.identifier == nullptr || attributes.identifier->isPlain == 0 ||
+    const Class& type = ClassOf(RecordOf(entity).Name());
+    if (attributes.identifier == nullptr || !attributes.identifier->IsPlain() ||
         type.form.item == nullptr || type.lineage.empty())
         return false;
     std::uint32_t& number = m_numbers[attributes.identifier->identifier];
@@ -278,12 +278,12 @@ bool FormScan::CheckAttributes(std::uint32_t number, Form& form, unsigned level)
     for (std::uint32_t index = RecordOf(number).attributes;
          index != RecordOf(number + 1).attributes; ++index) {
         const AttributeRecord& attribute = m_records.attributes[index];
-        const Form* const found = FindForm(form.attributes, attribute.name, likely);
+        const Form* const found = FindForm(form.attributes, attribute.Name(), likely);
         if (found == nullptr)
             return false;
         const std::uint64_t bit = std::uint64_t{1} << (found - form.attributes.data());
         if ((seen & bit) != 0 || (found->item->kind != ItemKind::Text &&
-                                  !CheckText(m_source.At(attribute.value), attribute.isPlain != 0,
+                                  !CheckText(m_source.At(attribute.value), attribute.IsPlain(),
                                              *found, TextContext::Attribute)))
             return false;
         seen |= bit;
@@ -323,7 +323,7 @@ bool FormScan::CheckChildren(std::uint32_t number, Form& form, const Form* side,
     const std::size_t listed = m_listed.size();
     std::uint32_t flag = None;
     for (std::uint32_t child = number + 1; child != End(number); child = End(child)) {
-        Form* const found = FindForm(form.elements, RecordOf(child).name, likely);
+        Form* const found = FindForm(form.elements, RecordOf(child).Name(), likely);
         if (found == nullptr)
             return false;
         const std::uint64_t bit = std::uint64_t{1} << (found - form.elements.data());
@@ -362,7 +362,7 @@ bool FormScan::CheckRepeated(std::size_t first)
 bool FormScan::CheckEntities(std::uint32_t list, const Family& family)
 {
     for (std::uint32_t entity = list + 1; entity != End(list); entity = End(entity)) {
-        Class& type = ClassOf(RecordOf(entity).name);
+        Class& type = ClassOf(RecordOf(entity).Name());
         if (type.family != &family && !type.IsA(family.className))
             return false;
         type.family = &family;
@@ -380,7 +380,7 @@ bool FormScan::CheckReference(std::uint32_t number, Form& form, const Form* side
     const Attributes attributes = AttributesOf(number);
     if (attributes.identifier == nullptr)
         return true;
-    if (attributes.identifier->isPlain == 0)
+    if (!attributes.identifier->IsPlain())
         return false;
     const std::uint32_t target = m_numbers[attributes.identifier->identifier];
     if (target == None)

@@ -36,12 +36,12 @@ std::uint32_t HashOf(std::string_view text)
 
 } // namespace
 
-void IdentifierNumbers::Await(std::string_view identifier)
+void IdentifierNumbers::Await(std::string_view identifier, std::uint32_t attribute)
 {
     Waiting& added = m_waiting[m_waitingCount++];
     added.text = identifier;
     added.hash = HashOf(identifier);
-    added.attribute = static_cast<std::uint32_t>(m_records.attributes.size() - 1);
+    added.attribute = attribute;
     kar::Prefetch(&SlotAt(added.hash), sizeof(Slot));
 }
 

@@ -22,12 +22,12 @@ public:
         : m_records(records), m_slots(FirstSlots), m_waiting()
     {}
 
-    /// Adds the identifier of the attribute recorded last; its bytes must stay where they are.
-    void Add(std::string_view identifier)
+    /// Adds the identifier of an attribute by its index; the bytes must stay where they are.
+    void Add(std::string_view identifier, std::uint32_t attribute)
     {
         if (m_waitingCount == m_waiting.size())
             Finish();
-        Await(identifier);
+        Await(identifier, attribute);
     }
     /// Numbers those that wait.
     void Finish();
@@ -50,7 +50,7 @@ private:
     static constexpr std::size_t FirstSlots = 128;
     static constexpr std::size_t MostWaiting = 32;
 
-    void Await(std::string_view identifier);
+    void Await(std::string_view identifier, std::uint32_t attribute);
     std::uint32_t NumberOf(const Waiting& identifier);
     Slot& SlotAt(std::uint32_t hash) { return m_slots[hash & (m_slots.size() - 1)]; }
     void Grow();

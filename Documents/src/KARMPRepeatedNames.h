@@ -73,6 +73,15 @@ public:
         m_history = m_history << 16U ^ guess->name.number;
         return guess->name;
     }
+    /// The length of a name by its number when it is the one at the front of bytes as of Get, else
+    /// 0.
+    std::size_t SizeOf(std::uint32_t number, const char* bytes, const char* end)
+    {
+        const Entry& entry = *m_byNumber[number];
+        const bool isThere =
+            entry.Is(bytes, static_cast<std::size_t>(end - bytes)) || &Look(bytes) == &entry;
+        return isThere ? entry.name.size : 0;
+    }
 
 private:
     using Word = std::uint64_t;
@@ -143,6 +152,7 @@ private:
             m_wide.clear();
             AppendDecodedCData(m_wide, text);
             m_names.push_back(NodeText::Name(m_wide, m_memory));
+            m_byNumber.push_back(&place->second);
         }
         return place->second;
     }
@@ -157,6 +167,7 @@ private:
     Word m_history = 0;
     std::array<const Entry*, std::size_t{1} << GuessBits> m_guesses;
     std::unordered_map<std::string_view, Entry> m_entries;
+    std::vector<const Entry*> m_byNumber;
     std::wstring m_wide;
 };
 

@@ -1,9 +1,9 @@
 #include "KARMPSourceText.h"
 
+#include "KARMPByteBlock.h"
+
 #include <algorithm>
-#include <array>
 #include <bit>
-#include <cstring>
 #include <iterator>
 
 namespace karmp::documents {
@@ -13,27 +13,22 @@ namespace {
 // Blocks are tested as a whole, without a branch for each byte.
 constexpr std::size_t BlockSize = 64;
 
-// True when so many bytes are ASCII that is no control character but the line feed.
-template <std::size_t Size>
-bool AreClean(const char* block)
+// True when the bytes of a block are ASCII that is no control character but the line feed.
+bool IsClean(const char* bytes)
 {
-    std::array<signed char, Size> bytes;
-    std::memcpy(bytes.data(), block, Size);
-    signed char unclean = 0;
-    for (const signed char byte : bytes)
-        unclean = static_cast<signed char>(unclean | (byte < ' ' && byte != '\n' ? 1 : 0));
-    return unclean == 0;
+    static_assert(BlockSize == 4 * ByteBlock::Size);
+    const auto unclean = [bytes](std::size_t number) {
+        const ByteBlock block(bytes + number * ByteBlock::Size);
+        return block.Below(' ').Without(block.Equal('\n'));
+    };
+    return (unclean(0) | unclean(1) | unclean(2) | unclean(3)).Bits() == 0;
 }
 
 // The number of clean bytes at the front, in whole blocks.
 std::size_t CleanBytes(std::string_view bytes)
 {
-    // What is found of each byte is put together once for several blocks.
-    constexpr std::size_t several = 8 * BlockSize;
     std::size_t count = 0;
-    while (bytes.size() - count >= several && AreClean<several>(bytes.data() + count))
-        count += several;
-    while (bytes.size() - count >= BlockSize && AreClean<BlockSize>(bytes.data() + count))
+    while (bytes.size() - count >= BlockSize && IsClean(bytes.data() + count))
         count += BlockSize;
     return count;
 }

@@ -17,8 +17,8 @@ std::vector<std::uint32_t> NumbersOf(const std::vector<std::string>& identifiers
     DocumentRecords records;
     IdentifierNumbers numbers(records);
     for (const std::string& identifier : identifiers) {
+        numbers.Add(identifier, static_cast<std::uint32_t>(records.attributes.size()));
         records.attributes.emplace_back();
-        numbers.Add(identifier);
     }
     numbers.Finish();
     std::vector<std::uint32_t> given;

@@ -15,8 +15,8 @@ inline const QOBSharedHandle<KARMPEntity>* FindNumbered(const KARMPEntityTable& 
                                                         const RecordedElement& element)
 {
     const AttributeRecord* const identifier = IdentifierOf(element);
-    return identifier != nullptr && identifier->isPlain != 0 ? entities.Find(identifier->identifier)
-                                                             : nullptr;
+    return identifier != nullptr && identifier->IsPlain() ? entities.Find(identifier->identifier)
+                                                          : nullptr;
 }
 
 /// What happens when an item is missing or does not convert.

@@ -26,11 +26,12 @@ enum class TextKind : std::uint8_t {
     Pieces ///< A linked list of pieces, mostly between elements.
 };
 
-/// An element.
+/// An element. Words in place of bit-fields: what is stored in a part of a word and loaded with the
+/// rest soon after waits for the store.
 struct ElementRecord
 {
-    std::uint32_t name : 30;
-    std::uint32_t kind : 2;
+    /// The kind of the text in the highest bits.
+    std::uint32_t nameAndKind = 0;
     /// The offset of the name.
     Offset nameOffset;
     /// The end of the element's subtree: the index of the next element of its parent, if that has
@@ -41,19 +42,32 @@ struct ElementRecord
     /// The offset of the text, or the index of its first piece.
     std::uint32_t text;
 
-    TextKind Kind() const { return static_cast<TextKind>(kind); }
+    static constexpr unsigned NameBits = 30;
+
+    /// The number of the name.
+    std::uint32_t Name() const { return nameAndKind & ((1U << NameBits) - 1); }
+    TextKind Kind() const { return static_cast<TextKind>(nameAndKind >> NameBits); }
+    void SetKind(TextKind kind)
+    {
+        nameAndKind = Name() | static_cast<std::uint32_t>(kind) << NameBits;
+    }
 };
 
 /// An attribute.
 struct AttributeRecord
 {
-    std::uint32_t name : 31;
-    /// 1 when the bytes up to a null are the value, 0 when they have to be decoded.
-    std::uint32_t isPlain : 1;
+    /// The number of the name, with the highest bit when the value has to be decoded.
+    std::uint32_t nameAndRaw;
     Offset value;
     /// The number of the identifier that the value is; RawIdentifier for one that has to be
     /// decoded, NoIdentifier for an attribute of another name.
     std::uint32_t identifier;
+
+    static constexpr std::uint32_t Raw = 1U << 31U;
+
+    std::uint32_t Name() const { return nameAndRaw & ~Raw; }
+    /// The bytes up to a null are the value.
+    bool IsPlain() const { return (nameAndRaw & Raw) == 0; }
 };
 
 /// A piece of an element's text, between two of its children or a CDATA section.

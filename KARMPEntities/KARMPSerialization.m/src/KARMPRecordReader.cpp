@@ -80,9 +80,9 @@ bool RecordElement::HasDistinctNames() const
     std::uint64_t bits = 0;
     std::uint32_t count = 0;
     for (std::uint32_t child = m_element.number + 1; child != end; child = records[child].end) {
-        const std::uint64_t bit = std::uint64_t{1} << (records[child].name % 64);
-        if (++count > most ||
-            ((bits & bit) != 0 && FindFrom(m_element.number + 1, child, records[child].name) != 0))
+        const std::uint64_t bit = std::uint64_t{1} << (records[child].Name() % 64);
+        if (++count > most || ((bits & bit) != 0 &&
+                               FindFrom(m_element.number + 1, child, records[child].Name()) != 0))
             return false;
         bits |= bit;
     }
@@ -95,7 +95,7 @@ std::uint32_t RecordElement::FindFrom(std::uint32_t child, std::uint32_t end,
 {
     const ElementRecord* const records = m_element.records->elements.data();
     for (; child != end; child = records[child].end)
-        if (records[child].name == name)
+        if (records[child].Name() == name)
             return child;
     return 0;
 }
@@ -118,7 +118,7 @@ const KARMPDeserializer* RecordElement::Node() const
 {
     if (m_node == nullptr) {
         const ElementRecord& record = m_element.records->elements[m_element.number];
-        m_parent->Node()->GetElement(m_element.records->names[record.name].View(), m_node);
+        m_parent->Node()->GetElement(m_element.records->names[record.Name()].View(), m_node);
     }
     return m_node;
 }
@@ -201,7 +201,7 @@ bool RecordReader::ReadAttribute(const Item& item, RecordElement& element)
     const AttributeRecord* const attribute = FindAttribute(element.Number(), item.name);
     if (attribute == nullptr)
         return item.presence == ItemPresence::Optional && !item.zeroIfMissing;
-    if (attribute->isPlain == 0 || !ReadScalar(item, m_recorded.bytes + attribute->value))
+    if (!attribute->IsPlain() || !ReadScalar(item, m_recorded.bytes + attribute->value))
         return false;
     Store(item, element);
     return true;
@@ -234,7 +234,7 @@ bool RecordReader::ReadScalar(const Item& item, const char* text)
     }
 }
 
-bool RecordReader::TakeWord(const Item& item, const char* text, int& row) const
+bool RecordReader::TakeWord(const Item& item, std::string_view text, int& row) const
 {
     const auto found = std::find_if(item.words.begin(), item.words.end(),
                                     [text](std::wstring_view word) { return Equals(word, text); });
@@ -391,7 +391,7 @@ bool RecordReader::TakeEntry(std::uint32_t number, std::span<const Item> inner, 
     entry.target = FindNumbered(m_entities, element);
     if (entry.target == nullptr) {
         const AttributeRecord* const identifier = IdentifierOf(element);
-        if (identifier == nullptr || identifier->isPlain == 0)
+        if (identifier == nullptr || !identifier->IsPlain())
             return false;
         ReadText text;
         text.Refer(AsciiText{m_recorded.bytes + identifier->value});
@@ -405,7 +405,7 @@ bool RecordReader::TakeEntry(std::uint32_t number, std::span<const Item> inner, 
         if (!attribute.isRead || attribute.isCoded || !m_gate.Passes(attribute))
             return true;
         const AttributeRecord* const word = FindAttribute(number, attribute.name);
-        return attribute.whenRead == nullptr && word != nullptr && word->isPlain != 0 &&
+        return attribute.whenRead == nullptr && word != nullptr && word->IsPlain() &&
                TakeWord(attribute, m_recorded.bytes + word->value, entry.word);
     });
 }
@@ -417,7 +417,7 @@ const ElementRecord& RecordReader::RecordOf(std::uint32_t number) const
 
 bool RecordReader::IsNamed(std::uint32_t number, std::wstring_view name) const
 {
-    return RecordOf(number).name == m_recorded.records->names.NumberOf(name);
+    return RecordOf(number).Name() == m_recorded.records->names.NumberOf(name);
 }
 
 // The text of an element that is as it stands; null for other ones.
@@ -437,7 +437,7 @@ const AttributeRecord* RecordReader::FindAttribute(std::uint32_t number,
     for (std::uint32_t index = RecordOf(number + 1).attributes;
          index != RecordOf(number).attributes;) {
         const AttributeRecord& attribute = m_recorded.records->attributes[--index];
-        if (attribute.name == wanted)
+        if (attribute.Name() == wanted)
             return &attribute;
     }
     return nullptr;

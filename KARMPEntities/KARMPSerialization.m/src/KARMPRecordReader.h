@@ -96,7 +96,7 @@ private:
     bool TakeEntry(std::uint32_t number, std::span<const Item> inner, Entry& entry);
     bool TakeDoubles(std::uint32_t number, std::span<const std::wstring_view> names,
                      double* values) const;
-    bool TakeWord(const Item& item, const char* text, int& row) const;
+    bool TakeWord(const Item& item, std::string_view text, int& row) const;
     void Begin(const Item& item);
     void Store(const Item& item, RecordElement& element);
 

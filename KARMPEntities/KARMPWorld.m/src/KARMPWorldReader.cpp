@@ -211,7 +211,7 @@ const KARMPEntityTable::Entry* EntitiesReader::Enter(const KARMPDeserializer& el
     const karmp::RecordedElement recorded = karmp::NodeBuilder::Recorded(element);
     if (m_entities.UsesNumbersOf(recorded.records)) {
         const karmp::AttributeRecord* const identifier = karmp::IdentifierOf(recorded);
-        if (identifier != nullptr && identifier->isPlain != 0)
+        if (identifier != nullptr && identifier->IsPlain())
             return &m_entities.Enter(identifier->identifier, recorded.bytes + identifier->value,
                                      entity);
     }
