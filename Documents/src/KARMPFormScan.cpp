@@ -66,14 +66,15 @@ bool IsUsualInteger(const char* text)
 }
 
 // True for texts that are nothing to tell of. Others may be so too.
-bool IsUsual(const SchemaItem& item, const char* text)
+bool IsUsual(const SchemaItem& item, const char* bytes)
 {
+    if (item.kind == ItemKind::Number)
+        return IsUsualNumber(bytes);
+    if (item.kind == ItemKind::Integer)
+        return IsUsualInteger(bytes);
+    const std::string_view text = bytes;
     const auto isText = [text](std::string_view form) { return form == text; };
     switch (item.kind) {
-    case ItemKind::Number:
-        return IsUsualNumber(text);
-    case ItemKind::Integer:
-        return IsUsualInteger(text);
     case ItemKind::Flag:
         return std::any_of(TrueForms.begin(), TrueForms.end(), isText) ||
                std::any_of(FalseForms.begin(), FalseForms.end(), isText);
@@ -82,7 +83,7 @@ bool IsUsual(const SchemaItem& item, const char* text)
                            [text](std::wstring_view word) { return Equals(word, text); });
     case ItemKind::Group:
     case ItemKind::Reference:
-        return std::string_view(text).find_first_not_of(Blanks) == std::string_view::npos;
+        return text.find_first_not_of(Blanks) == std::string_view::npos;
     default:
         return item.kind != ItemKind::Code;
     }
@@ -124,6 +125,8 @@ std::vector<FormScan::Form> FormScan::FormsOf(const std::vector<SchemaItem>& ite
         forms[index].applies = items[index].Applies(m_version);
         forms[index].isNumber =
             items[index].kind == ItemKind::Number && items[index].attributes.empty();
+        forms[index].isText = items[index].kind == ItemKind::Text;
+        forms[index].isLast = items[index].repeats || index + 1 == items.size();
         if (forms[index].applies && items[index].presence != ItemPresence::Optional)
             needed |= std::uint64_t{1} << index;
     }
@@ -134,8 +137,19 @@ void FormScan::MakeLevel(Form& form) const
 {
     const SchemaItem& item = *form.item;
     form.isMade = true;
+    form.isInSet = item.repeats && item.name != L"Step" && item.name != L"Value";
     form.attributes = FormsOf(item.attributes, form.neededAttributes);
     form.elements = FormsOf(item.elements, form.neededElements);
+    form.areNumbers = !form.elements.empty() &&
+                      std::all_of(
+                          form.elements.begin(), form.elements.end(),
+                          [](const Form& element) {
+                              return element.isNumber && element.applies && !element.item->anyName;
+                          });
+    form.isReference =
+        item.kind == ItemKind::Reference && item.elements.empty() &&
+        std::all_of(form.attributes.begin(), form.attributes.end(),
+                    [](const Form& attribute) { return attribute.isText && attribute.applies; });
     form.isOptionalNumber = item.elements.size() == 2 && item.elements[0].kind == ItemKind::Flag &&
                             item.elements[1].kind == ItemKind::Number;
 }
@@ -238,7 +252,7 @@ FormScan::Form* FormScan::FindForm(std::vector<Form>& forms, std::uint32_t name,
         Form& form = forms[index];
         if ((form.name != name && !form.item->anyName) || !form.applies)
             continue;
-        likely = form.item->repeats || index + 1 == forms.size() ? index : index + 1;
+        likely = form.isLast ? index : index + 1;
         return &form;
     }
     return nullptr;
@@ -249,6 +263,8 @@ bool FormScan::CheckElement(std::uint32_t number, Form& form, const Form* side, 
 {
     if (!form.isMade)
         MakeLevel(form);
+    if (IsUsualReference(number, form))
+        return CheckReference(number, form, side);
     const ElementRecord& record = RecordOf(number);
     const bool isReference = form.item->kind == ItemKind::Reference;
     if (!CheckAttributes(number, form, level) || !CheckText(record, form) ||
@@ -256,6 +272,8 @@ bool FormScan::CheckElement(std::uint32_t number, Form& form, const Form* side, 
         return false;
     if (record.end == number + 1)
         return form.neededElements == 0;
+    if (AreUsualNumbers(number, form))
+        return true;
     const bool isList = level == EntityLevel - 1 && FamilyOf(*form.item) != nullptr;
     return isList ? CheckEntities(number, *FamilyOf(*form.item))
                   : CheckChildren(number, form, side, level);
@@ -270,6 +288,35 @@ bool FormScan::IsUsualNumber(std::uint32_t number, const Form& form) const
            documents::IsUsualNumber(m_source.At(record.text));
 }
 
+// True for a reference with all its attributes in their order and nothing else.
+bool FormScan::IsUsualReference(std::uint32_t number, const Form& form) const
+{
+    const ElementRecord* const record = &RecordOf(number);
+    const auto first = m_records.attributes.begin() + record->attributes;
+    return form.isReference && record->end == number + 1 && record->Kind() == TextKind::Plain &&
+           record->text == NoOffset &&
+           record[1].attributes == record->attributes + form.attributes.size() &&
+           std::equal(form.attributes.begin(), form.attributes.end(), first,
+                      [](const Form& item, const AttributeRecord& attribute) {
+                          return item.name == attribute.Name();
+                      });
+}
+
+// True for the numbers of a group, all of them in their order.
+bool FormScan::AreUsualNumbers(std::uint32_t number, const Form& form) const
+{
+    const ElementRecord* record = &RecordOf(number);
+    const std::size_t count = form.elements.size();
+    if (!form.areNumbers || record->end != number + 1 + count ||
+        record[1].attributes != record[1 + count].attributes)
+        return false;
+    return std::all_of(form.elements.begin(), form.elements.end(), [&](const Form& element) {
+        ++record;
+        return record->Name() == element.name && record->Kind() == TextKind::Plain &&
+               documents::IsUsualNumber(m_source.At(record->text));
+    });
+}
+
 // Of the root, the parser tells.
 bool FormScan::CheckAttributes(std::uint32_t number, Form& form, unsigned level) const
 {
@@ -282,9 +329,9 @@ bool FormScan::CheckAttributes(std::uint32_t number, Form& form, unsigned level)
         if (found == nullptr)
             return false;
         const std::uint64_t bit = std::uint64_t{1} << (found - form.attributes.data());
-        if ((seen & bit) != 0 || (found->item->kind != ItemKind::Text &&
-                                  !CheckText(m_source.At(attribute.value), attribute.IsPlain(),
-                                             *found, TextContext::Attribute)))
+        if ((seen & bit) != 0 ||
+            (!found->isText && !CheckText(m_source.At(attribute.value), attribute.IsPlain(), *found,
+                                          TextContext::Attribute)))
             return false;
         seen |= bit;
     }
@@ -307,8 +354,12 @@ bool FormScan::CheckText(const ElementRecord& record, const Form& form) const
 bool FormScan::CheckText(const char* text, bool isPlain, const Form& form,
                          TextContext context) const
 {
-    if (form.item->kind == ItemKind::Text || (isPlain && IsUsual(*form.item, text)))
+    if (form.isText || (isPlain && form.usual != nullptr && std::strcmp(text, form.usual) == 0))
         return true;
+    if (isPlain && IsUsual(*form.item, text)) {
+        form.usual = text;
+        return true;
+    }
     std::wstring decoded;
     AppendDecoded(decoded, text, context);
     const std::optional<ValueFault> fault = FaultOf(*form.item, decoded);
@@ -352,6 +403,8 @@ bool FormScan::CheckChildren(std::uint32_t number, Form& form, const Form* side,
 // True when all entities from `first` on in the list are different ones.
 bool FormScan::CheckRepeated(std::size_t first)
 {
+    if (m_listed.size() == first)
+        return true;
     const auto begin = m_listed.begin() + static_cast<std::ptrdiff_t>(first);
     std::sort(begin, m_listed.end());
     const bool areNew = std::adjacent_find(begin, m_listed.end()) == m_listed.end();
@@ -391,7 +444,7 @@ bool FormScan::CheckReference(std::uint32_t number, Form& form, const Form* side
         (!m_isFormAlone && isNamed &&
          std::strcmp(m_source.At(attributes.name->value), entity.name) != 0))
         return false;
-    if (form.item->repeats && form.item->name != L"Step" && form.item->name != L"Value")
+    if (form.isInSet)
         m_listed.push_back(target);
     if (side != nullptr) {
         m_links.push_back({target, side->name});

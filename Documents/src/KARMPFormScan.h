@@ -43,6 +43,18 @@ private:
         bool applies = false;
         /// A number in an element without attributes.
         bool isNumber = false;
+        /// Nothing is wrong with any text.
+        bool isText = false;
+        /// No other item of the list follows it.
+        bool isLast = false;
+        /// All elements are numbers that stand once.
+        bool areNumbers = false;
+        /// A reference without elements, whose attributes are texts.
+        bool isReference = false;
+        /// An entry of a list that refers to each entity once.
+        bool isInSet = false;
+        /// The last text that was nothing to tell of, which mostly comes again; null before that.
+        mutable const char* usual = nullptr;
         /// The attributes and elements are made.
         bool isMade = false;
         /// A flag and the number that it says to be there.
@@ -118,6 +130,8 @@ private:
     static Form* FindForm(std::vector<Form>& forms, std::uint32_t name, std::size_t& likely);
     bool CheckElement(std::uint32_t number, Form& form, const Form* side, unsigned level);
     bool IsUsualNumber(std::uint32_t number, const Form& form) const;
+    bool AreUsualNumbers(std::uint32_t number, const Form& form) const;
+    bool IsUsualReference(std::uint32_t number, const Form& form) const;
     bool CheckAttributes(std::uint32_t number, Form& form, unsigned level) const;
     bool CheckChildren(std::uint32_t number, Form& form, const Form* side, unsigned level);
     bool CheckEntities(std::uint32_t list, const Family& family);
