@@ -1,10 +1,14 @@
 #include "KARMPEntityIndex.h"
 
 #include "KARMPModelNames.h"
+#include "KARPrefetch.h"
 #include "KARTextConversion.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <functional>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <utility>
@@ -52,84 +56,174 @@ bool IsText(const kar::SharedText& text, std::string_view utf8)
 
 namespace {
 
-// The low bit marks a slot that is used.
-template <class Text>
-std::uint32_t MarkedHash(Text text)
+constexpr std::uint64_t Factor = 0x9E3779B97F4A7C15U;
+
+// The bits that a last factor mixes best; the low one marks a slot that is used.
+std::uint32_t Marked(std::uint64_t hash)
 {
-    const std::uint64_t hash = std::hash<Text>()(text);
-    return static_cast<std::uint32_t>(hash ^ (hash >> 32)) | 1;
+    return static_cast<std::uint32_t>(hash * Factor >> 32) | 1;
 }
 
-std::uint32_t HashOf(std::string_view identifier)
+template <class Word>
+std::uint64_t Load(const char* from)
 {
-    return IsAscii(identifier) ? MarkedHash(identifier)
-                               : MarkedHash<std::wstring_view>(kar::ToWide(identifier));
+    Word word = 0;
+    std::memcpy(&word, from, sizeof word);
+    return word;
+}
+
+/// The hash of a text, and whether all of its characters are ASCII.
+struct NarrowHash
+{
+    std::uint32_t hash = 0;
+    bool isAscii = false;
+};
+
+// Eight characters at once; the last ones, which may have been taken already, by two loads that
+// overlap.
+NarrowHash HashOfNarrow(std::string_view text)
+{
+    std::uint64_t hash = text.size();
+    std::uint64_t all = 0;
+    const char* from = text.data();
+    const char* const end = from + text.size();
+    const auto take = [&](std::uint64_t word) {
+        hash = (hash ^ word) * Factor;
+        hash ^= hash >> 32;
+    };
+    for (; end - from > 8; from += 8) {
+        const auto word = Load<std::uint64_t>(from);
+        all |= word;
+        take(word);
+    }
+    std::uint64_t last = 0;
+    if (text.size() >= 8)
+        last = Load<std::uint64_t>(end - 8);
+    else if (text.size() >= 4)
+        last = Load<std::uint32_t>(from) | Load<std::uint32_t>(end - 4) << 32;
+    else if (!text.empty())
+        last = Load<std::uint8_t>(from) | Load<std::uint8_t>(from + text.size() / 2) << 8 |
+               Load<std::uint8_t>(end - 1) << 16;
+    all |= last;
+    take(last);
+    return {Marked(hash), (all & 0x8080808080808080U) == 0};
+}
+
+std::uint32_t HashOfWide(std::wstring_view text)
+{
+    return Marked(std::hash<std::wstring_view>()(text));
+}
+
+std::uint32_t HashOf(std::string_view identifier, bool& isAscii)
+{
+    const NarrowHash narrow = HashOfNarrow(identifier);
+    isAscii = narrow.isAscii;
+    return isAscii ? narrow.hash : HashOfWide(kar::ToWide(identifier));
 }
 
 // Needs no allocation.
 std::uint32_t HashOf(const kar::SharedText& identifier)
 {
-    return identifier.IsNarrow() ? MarkedHash(identifier.Narrow())
-                                 : MarkedHash<std::wstring_view>(identifier.Get());
+    return identifier.IsNarrow() ? HashOfNarrow(identifier.Narrow()).hash
+                                 : HashOfWide(identifier.Get());
 }
 
 } // namespace
 
+inline std::size_t EntityIndex::Bucket::Used() const
+{
+    std::uint32_t used = 0;
+    for (const std::uint32_t hash : hashes)
+        used += hash != 0 ? 1U : 0U;
+    return used;
+}
+
+inline bool EntityIndex::Bucket::Has(std::uint32_t hash) const
+{
+    std::uint32_t equal = 0;
+    for (const std::uint32_t other : hashes)
+        equal += other == hash ? 1U : 0U;
+    return equal != 0;
+}
+
+inline std::size_t EntityIndex::FreeSlot(std::uint32_t hash) const
+{
+    for (std::size_t bucket = First(hash);; bucket = Next(bucket))
+        if (const std::size_t used = m_buckets[bucket].Used(); used < BucketSize)
+            return bucket * BucketSize + used;
+}
+
+inline void EntityIndex::Enter(std::size_t slot, std::uint32_t hash, std::uint32_t index)
+{
+    m_buckets[slot / BucketSize].hashes[slot % BucketSize] = hash;
+    m_buckets[slot / BucketSize].indices[slot % BucketSize] = index;
+}
+
+// Calls `visit` with the index of each entity of a hash, until it gives true.
+template <class Visit>
+inline void EntityIndex::ForEachSlot(std::uint32_t hash, Visit visit) const
+{
+    for (std::size_t at = First(hash);; at = Next(at)) {
+        const Bucket& bucket = m_buckets[at];
+        if (bucket.Has(hash))
+            for (std::size_t i = 0; i < BucketSize; ++i)
+                if (bucket.hashes[i] == hash && visit(bucket.indices[i]))
+                    return;
+        if (bucket.hashes.back() == 0)
+            return;
+    }
+}
+
 void EntityIndex::Clear()
 {
-    m_slots.clear();
+    m_buckets.clear();
     m_entities.clear();
+    m_limit = 0;
     m_removed = 0;
 }
 
 void EntityIndex::Reserve(std::size_t count)
 {
-    std::size_t slots = 16;
-    while (slots / 4 * 3 < count)
-        slots *= 2;
-    if (slots > m_slots.size())
-        Grow(slots);
-    m_entities.reserve(count);
+    std::size_t buckets = FirstBuckets;
+    while (LimitOf(buckets) < count)
+        buckets *= 2;
+    if (buckets > m_buckets.size())
+        Grow(buckets);
 }
 
-// Slots keep their order, so that a growth runs through memory in a row, and what was removed is
-// left out.
-void EntityIndex::Grow(std::size_t slots)
+// Buckets keep their order, so that a growth runs through memory in a row. Every fourth slot is
+// free at least.
+void EntityIndex::Grow(std::size_t buckets)
 {
-    std::vector<QOBSharedHandle<KARMPEntity>> kept;
-    if (m_removed > 0)
-        kept.reserve(m_entities.size() - m_removed);
-    std::vector<Slot> former(slots);
-    former.swap(m_slots);
-    for (Slot moved : former) {
-        if (moved.hash == 0)
-            continue;
-        if (m_removed > 0) {
-            if (!m_entities[moved.index])
+    Entities entities;
+    std::vector<Bucket> former(buckets);
+    entities.reserve(LimitOf(buckets));
+    former.swap(m_buckets);
+    m_limit = LimitOf(buckets);
+    const bool hasGaps = std::exchange(m_removed, 0) > 0;
+    if (!hasGaps)
+        std::move(m_entities.begin(), m_entities.end(), std::back_inserter(entities));
+    for (const Bucket& bucket : former) {
+        for (std::size_t i = 0; i < BucketSize && bucket.hashes[i] != 0; ++i) {
+            std::uint32_t index = bucket.indices[i];
+            if (hasGaps && !m_entities[index])
                 continue;
-            kept.push_back(std::move(m_entities[moved.index]));
-            moved.index = static_cast<std::uint32_t>(kept.size() - 1);
+            if (hasGaps) {
+                entities.push_back(std::move(m_entities[index]));
+                index = static_cast<std::uint32_t>(entities.size() - 1);
+            }
+            Enter(FreeSlot(bucket.hashes[i]), bucket.hashes[i], index);
         }
-        std::size_t slot = First(moved.hash);
-        while (m_slots[slot].hash != 0)
-            slot = Next(slot);
-        m_slots[slot] = moved;
     }
-    if (m_removed > 0)
-        m_entities.swap(kept);
-    m_removed = 0;
+    m_entities.swap(entities);
 }
 
-// Every fourth slot is free at least. Growing by four at once spares two moves of three; when most
-// entities were removed, their slots are enough.
+// Growing by four at once spares two moves of three; when most entities were removed, their slots
+// are enough.
 void EntityIndex::GrowForOne()
 {
-    if (4 * m_entities.size() >= 3 * m_slots.size()) {
-        const bool isFull = 2 * m_removed < m_entities.size();
-        Grow(m_slots.empty() ? 16 : m_slots.size() * (isFull ? 4 : 1));
-    }
-    if (m_entities.size() == m_entities.capacity())
-        m_entities.reserve(2 * m_entities.size() + 16);
+    const bool isFull = 2 * m_removed <= m_entities.size();
+    Grow(m_buckets.empty() ? FirstBuckets : m_buckets.size() * (isFull ? 4 : 1));
 }
 
 void EntityIndex::Add(const QOBSharedHandle<KARMPEntity>& entity)
@@ -137,56 +231,61 @@ void EntityIndex::Add(const QOBSharedHandle<KARMPEntity>& entity)
     const kar::SharedText* const given = IdentifierIfGiven(*entity);
     if (given == nullptr)
         return;
-    if (const Place place = FindPlace(kar::ToUtf8(given->Copy())); place.entity == nullptr)
-        AddAt(place, entity);
+    const std::string identifier = kar::ToUtf8(given->Copy());
+    AddPrepared(Prepare(identifier), identifier, entity);
 }
 
-EntityIndex::Place EntityIndex::FindPlace(std::string_view identifier)
+EntityIndex::Key EntityIndex::Prepare(std::string_view identifier)
 {
-    GrowForOne();
-    return FindPlace(identifier, HashOf(identifier));
+    if (m_entities.size() == m_limit)
+        GrowForOne();
+    Key key;
+    key.hash = HashOf(identifier, key.isAscii);
+    kar::Prefetch(&m_buckets[First(key.hash)], 2 * sizeof(Bucket)); // which may begin within a line
+    return key;
 }
 
-EntityIndex::Place EntityIndex::FindPlace(std::string_view identifier, std::uint32_t hash) const
+inline KARMPEntity* EntityIndex::Find(std::string_view identifier, std::uint32_t hash) const
 {
-    Place place{nullptr, hash, First(hash)};
-    for (; m_slots[place.slot].hash != 0; place.slot = Next(place.slot)) {
-        if (m_slots[place.slot].hash != hash)
-            continue;
-        const auto& entity = m_entities[m_slots[place.slot].index];
-        if (entity && !entity->isOrphaned() && IsText(*IdentifierIfGiven(*entity), identifier)) {
-            place.entity = entity.get();
-            break;
-        }
-    }
-    return place;
+    KARMPEntity* found = nullptr;
+    ForEachSlot(hash, [&](std::uint32_t index) {
+        const auto& entity = m_entities[index];
+        if (entity && !entity->isOrphaned() && IsText(*IdentifierIfGiven(*entity), identifier))
+            found = entity.get();
+        return found != nullptr;
+    });
+    return found;
 }
 
-void EntityIndex::AddAt(const Place& place, const QOBSharedHandle<KARMPEntity>& entity) noexcept
+KARMPEntity* EntityIndex::AddPrepared(const Key& key, std::string_view identifier,
+                                      const QOBSharedHandle<KARMPEntity>& entity)
 {
-    m_slots[place.slot] = {place.hash, static_cast<std::uint32_t>(m_entities.size())};
+    if (KARMPEntity* const found = Find(identifier, key.hash))
+        return found;
+    Enter(FreeSlot(key.hash), key.hash, static_cast<std::uint32_t>(m_entities.size()));
     m_entities.push_back(entity);
+    return nullptr;
 }
 
 void EntityIndex::Remove(const KARMPEntity& entity) noexcept
 {
     const kar::SharedText* const given = IdentifierIfGiven(entity);
-    if (given == nullptr || m_slots.empty())
+    if (given == nullptr || m_buckets.empty())
         return;
-    const std::uint32_t hash = HashOf(*given);
-    for (std::size_t slot = First(hash); m_slots[slot].hash != 0; slot = Next(slot)) {
-        auto& held = m_entities[m_slots[slot].index];
-        if (held.get() == &entity) {
-            held = nullptr;
-            ++m_removed;
-            return;
-        }
-    }
+    ForEachSlot(HashOf(*given), [&](std::uint32_t index) {
+        auto& held = m_entities[index];
+        if (held.get() != &entity)
+            return false;
+        held = nullptr;
+        ++m_removed;
+        return true;
+    });
 }
 
 KARMPEntity* EntityIndex::Find(std::string_view identifier) const
 {
-    return m_slots.empty() ? nullptr : FindPlace(identifier, HashOf(identifier)).entity;
+    bool isAscii = false;
+    return m_buckets.empty() ? nullptr : Find(identifier, HashOf(identifier, isAscii));
 }
 
 } // namespace karmp::model

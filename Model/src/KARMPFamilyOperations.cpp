@@ -20,57 +20,51 @@
 #include "KARMPValue.h"
 #include "KARMPVariable.h"
 
-#include <array>
 #include <unordered_map>
+
+// The model has placed what it adds under the basic world, so that the registries do the same for
+// all families.
+struct karmp::RegistryAccess
+{
+    template <class T>
+    static RegistryCore& Of(KARMPWorld& world)
+    {
+        return world.Registry<T>().Core();
+    }
+    static const std::uint32_t& ChangesOf(const KARMPWorld& world) { return world.m_changes; }
+};
 
 namespace karmp::model {
 
-namespace {
-
-using Entity = QOBSharedHandle<KARMPEntity>;
-
-template <class T>
-constexpr FamilyOperations OperationsOf()
+std::vector<RegistryCore*> RegistriesOf(KARMPWorld& world)
 {
-    return {[](KARMPWorld& world, const Entity& entity) {
-                return world.Add<T>(QOBSharedHandle<T>::unchecked(entity));
-            },
-            [](KARMPWorld& world, const Entity& entity) {
-                return world.Remove<T>(QOBSharedHandle<T>::unchecked(entity));
-            },
-            [](const KARMPWorld& world) { return static_cast<std::size_t>(world.Count<T>()); },
-            [](const KARMPWorld& world, std::size_t index) {
-                QOBSharedHandle<T> entity;
-                world.Get<T>(static_cast<int>(index), entity);
-                return Entity::unchecked(entity);
-            },
-            [](const KARMPEntity& entity) { return dynamic_cast<const T*>(&entity) != nullptr; }};
+    std::vector<RegistryCore*> registries;
+    Families::ForEach([&](auto family) {
+        using Family = typename decltype(family)::Type;
+        registries.push_back(&RegistryAccess::Of<Family>(world));
+    });
+    return registries;
 }
 
-template <class... T>
-constexpr std::array<FamilyOperations, sizeof...(T)> OperationsOf(FamilyList<T...>)
+const std::uint32_t& ChangesOf(const KARMPWorld& world)
 {
-    return {OperationsOf<T>()...};
-}
-
-constexpr auto Operations = OperationsOf(Families());
-
-} // namespace
-
-std::span<const FamilyOperations> AllFamilies()
-{
-    return Operations;
+    return RegistryAccess::ChangesOf(world);
 }
 
 // Found once a class: the record of a class does not tell each family.
-const FamilyOperations* FamilyOf(const KARMPEntity& entity)
+std::size_t FamilyOf(const KARMPEntity& entity)
 {
-    thread_local std::unordered_map<const QOBClassInfo*, const FamilyOperations*> found;
-    const auto [entry, isNew] = found.try_emplace(&entity.getClassInfo(), nullptr);
-    if (isNew)
-        for (const FamilyOperations& family : Operations)
-            if (entry->second == nullptr && family.holds(entity))
-                entry->second = &family;
+    thread_local std::unordered_map<const QOBClassInfo*, std::size_t> found;
+    const auto [entry, isNew] = found.try_emplace(&entity.getClassInfo(), NoFamily);
+    if (isNew) {
+        std::size_t index = 0;
+        Families::ForEach([&](auto family) {
+            using Family = typename decltype(family)::Type;
+            if (entry->second == NoFamily && dynamic_cast<const Family*>(&entity) != nullptr)
+                entry->second = index;
+            ++index;
+        });
+    }
     return entry->second;
 }
 

@@ -1,28 +1,24 @@
 #pragma once
 
 #include "KARMPEntity.h"
+#include "KARMPRegistry.h"
 #include "KARMPWorld.h"
 
 #include <cstddef>
-#include <span>
+#include <cstdint>
+#include <vector>
 
 namespace karmp::model {
 
-/// What a world does with the entities of one family.
-struct FamilyOperations
-{
-    KARStatus (*add)(KARMPWorld& world, const QOBSharedHandle<KARMPEntity>& entity);
-    KARStatus (*remove)(KARMPWorld& world, const QOBSharedHandle<KARMPEntity>& entity);
-    std::size_t (*count)(const KARMPWorld& world);
-    /// The entity at an index below the count, null for one that cannot be had.
-    QOBSharedHandle<KARMPEntity> (*at)(const KARMPWorld& world, std::size_t index);
-    /// True for an entity of the family.
-    bool (*holds)(const KARMPEntity& entity);
-};
+/// The registries of a world, in the order of karmp::Families.
+std::vector<RegistryCore*> RegistriesOf(KARMPWorld& world);
 
-/// Those of all families, in the order of karmp::Families.
-std::span<const FamilyOperations> AllFamilies();
-/// Those of an entity's family; null for an entity that no world lists.
-const FamilyOperations* FamilyOf(const KARMPEntity& entity);
+/// How often one of them was had for a change, by others than those who keep them.
+const std::uint32_t& ChangesOf(const KARMPWorld& world);
+
+/// The index of no family.
+inline constexpr auto NoFamily = static_cast<std::size_t>(-1);
+/// The index of an entity's family among those; NoFamily for an entity that no world lists.
+std::size_t FamilyOf(const KARMPEntity& entity);
 
 } // namespace karmp::model

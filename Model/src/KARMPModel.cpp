@@ -34,19 +34,42 @@ void IdentifyGlobal(const KARMPWorld& world,
         global->SetIdentifier(identifier);
 }
 
+void IdentifyGlobals(const KARMPWorld& world)
+{
+    IdentifyGlobal(world, &KARMPWorld::GetGlobalBody, L"GlobalBody");
+    IdentifyGlobal(world, &KARMPWorld::GetGlobalAxisSystem, L"GlobalAxisSystem");
+    IdentifyGlobal(world, &KARMPWorld::GetGlobalTime, L"GlobalTime");
+}
+
+// What stands under the basic world ends with it.
+void PlaceAll(Core& core)
+{
+    const KARMPWorld& world = *core.World();
+    const QOBSharedHandle<QOBBasicEntity> parent(world.getExtendible());
+    core.ForEach(-1, [&](const Entity& entity) {
+        if (!entity->getWorld())
+            parent->addLogicalChild(entity);
+    });
+}
+
 } // namespace
 
+// A new world lists its globals.
 Model::Model(std::string_view name, const ModelOptions& options, Where where)
-    : Model(NewWorld(name), where)
+    : m_core(std::make_unique<Core>(NewWorld(name)))
 {
-    const QOBSharedHandle<KARMPWorld>& world = m_core->World();
-    m_core->Perform(where, [&](Edit& edit) {
-        const bool isSet = !KARFailed(world->SetLengthUnit(KARMPUnit::Meter)) &&
-                           !KARFailed(world->SetLinearTolerance(options.linearTolerance)) &&
-                           !KARFailed(world->SetAngularTolerance(options.angularTolerance)) &&
-                           !KARFailed(world->SetGravity(options.gravity));
-        return isSet || edit.Fail("the settings of the world failed");
-    });
+    m_core->Perform(
+        where,
+        [&](Edit& edit) {
+            KARMPWorld& world = *m_core->World();
+            IdentifyGlobals(world);
+            PlaceAll(*m_core);
+            const bool isSet = !KARFailed(world.SetLengthUnit(KARMPUnit::Meter)) &&
+                               !KARFailed(world.SetLinearTolerance(options.linearTolerance)) &&
+                               !KARFailed(world.SetAngularTolerance(options.angularTolerance)) &&
+                               !KARFailed(world.SetGravity(options.gravity));
+            return isSet || edit.Fail("the settings of the world failed");
+        });
 }
 
 Model::Model(const QOBSharedHandle<KARMPWorld>& world, Where where)
@@ -57,19 +80,10 @@ Model::Model(const QOBSharedHandle<KARMPWorld>& world, Where where)
         [&](Edit& edit) {
             if (!world)
                 return edit.Fail("there is no world");
-            IdentifyGlobal(*world, &KARMPWorld::GetGlobalBody, L"GlobalBody");
-            IdentifyGlobal(*world, &KARMPWorld::GetGlobalAxisSystem, L"GlobalAxisSystem");
-            IdentifyGlobal(*world, &KARMPWorld::GetGlobalTime, L"GlobalTime");
+            IdentifyGlobals(*world);
             if (KARFailed(documents::CompleteWorld(*world)))
                 return edit.Fail("the globals of the world cannot be listed", KAROutOfMemory);
-            // What stands under the basic world ends with it.
-            const QOBSharedHandle<QOBBasicEntity> parent(world->getExtendible());
-            m_core->ForEach(
-                -1,
-                [&](const Entity& entity) {
-                    if (!entity->getWorld())
-                        parent->addLogicalChild(entity);
-                });
+            PlaceAll(*m_core);
             return true;
         });
 }
@@ -209,7 +223,7 @@ void Model::Collect(int family, bool (*fits)(const KARMPEntity&),
                     void (*reserve)(void* list, std::size_t count), void* list) const
 {
     if (fits == nullptr)
-        reserve(list, AllFamilies()[static_cast<std::size_t>(family)].count(*World()));
+        reserve(list, m_core->Count(static_cast<std::size_t>(family)));
     m_core->ForEach(family, [&](Entity&& entity) {
         if (fits == nullptr || fits(*entity))
             add(list, std::move(entity));

@@ -74,9 +74,8 @@ KARStatus FixBody(KARMPBody2D& body)
     return body.Fix2D();
 }
 
-// Does to a new body what its options say.
 template <class Body, class Options>
-bool Apply(Edit& edit, Body& body, const Options& options)
+bool ApplyPosition(Edit& edit, Body& body, const Options& options)
 {
     auto position = options.position;
     if (!position && options.towards) {
@@ -84,10 +83,18 @@ bool Apply(Edit& edit, Body& body, const Options& options)
         position = Looking(options.at.value_or(Point()), *options.towards);
         if (!position)
             return edit.Fail(TitleOf(body) + " looks at its own origin");
-    } else if (!position && options.at) {
+    } else if (!position) {
         position = Moved(*options.at);
     }
-    return (!position || edit.Check(Place(body, *position), "the position", body)) &&
+    return edit.Check(Place(body, *position), "the position", body);
+}
+
+// Does to a new body what its options say.
+template <class Body, class Options>
+bool Apply(Edit& edit, Body& body, const Options& options)
+{
+    const bool isPlaced = options.position || options.towards || options.at;
+    return (!isPlaced || ApplyPosition(edit, body, options)) &&
            (options.mass == 0.0 || edit.Check(body.SetMass(options.mass), "the mass", body)) &&
            (!options.centerOfGravity ||
             edit.Check(body.SetCenterOfGravity(*options.centerOfGravity), "the centre", body)) &&

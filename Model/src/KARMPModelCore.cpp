@@ -11,22 +11,6 @@
 
 namespace karmp::model {
 
-namespace {
-
-static_assert([]<class... T>(FamilyList<T...>) { return sizeof...(T); }(Families()) == 19,
-              "the index counts each family");
-
-std::size_t CountAll(const KARMPWorld& world)
-{
-    std::size_t sum = 0;
-    Families::ForEach([&](auto family) {
-        sum += static_cast<std::size_t>(world.Count<typename decltype(family)::Type>());
-    });
-    return sum;
-}
-
-} // namespace
-
 std::string TitleOf(const KARMPEntity& entity)
 {
     const std::string name = kar::ToUtf8(entity.getStoredName().Copy());
@@ -41,35 +25,37 @@ Core::Core(QOBSharedHandle<KARMPWorld> world) : m_world(std::move(world))
 {
     constexpr std::size_t firstProblems = 4;
     m_problems.reserve(firstProblems);
-    if (m_world)
-        m_parent = QOBSharedHandle<QOBBasicEntity>(m_world->getExtendible());
+    if (!m_world)
+        return;
+    m_parent = QOBSharedHandle<QOBBasicEntity>(m_world->getExtendible());
+    m_registries = RegistriesOf(*m_world);
+    m_known.resize(m_registries.size());
+    m_changes = &ChangesOf(*m_world);
 }
 
 bool Core::Perform(Where where, void* work, bool (*call)(void* work, Edit& edit))
 {
-    std::optional<Problem> reason;
-    {
-        Edit edit(*this, m_log, m_log.size());
-        try {
-            if (call(work, edit)) {
-                KeepLog();
-                edit.Commit();
-                if (m_openBlocks == 0)
-                    m_log.clear();
-                return true;
-            }
-            edit.Fail("the call failed");
-        } catch (const std::bad_alloc&) {
-            // A text that needs no allocation.
-            edit.Fail("no memory left", KAROutOfMemory);
-        } catch (const std::exception& error) {
-            edit.Fail(std::string("the call failed: ") + error.what());
-        }
-        reason = edit.Reason();
-    }
-    reason->where = where;
+    Edit edit(*this, m_log, m_log.size());
     try {
-        m_problems.push_back(std::move(*reason));
+        if (call(work, edit)) {
+            if (m_openBlocks > 0)
+                KeepLog();
+            edit.Commit();
+            if (m_openBlocks == 0)
+                m_log.clear();
+            return true;
+        }
+        edit.Fail("the call failed");
+    } catch (const std::bad_alloc&) {
+        // A text that needs no allocation.
+        edit.Fail("no memory left", KAROutOfMemory);
+    } catch (const std::exception& error) {
+        edit.Fail(std::string("the call failed: ") + error.what());
+    }
+    edit.UndoAll();
+    edit.Reason().where = where;
+    try {
+        m_problems.push_back(std::move(edit.Reason()));
     } catch (const std::bad_alloc&) {
         // There are problems enough, since the first ones have their capacity from the start on.
     }
@@ -79,8 +65,6 @@ bool Core::Perform(Where where, void* work, bool (*call)(void* work, Edit& edit)
 // What a block unlinks may be in no registry.
 void Core::KeepLog()
 {
-    if (m_openBlocks == 0)
-        return;
     for (; m_keptSteps < m_log.size(); ++m_keptSteps) {
         m_kept.emplace_back(m_log[m_keptSteps].entity);
         m_kept.emplace_back(m_log[m_keptSteps].target);
@@ -105,94 +89,73 @@ void Core::CloseBlock(std::size_t begin, bool isKept)
     m_kept.clear();
 }
 
-const std::wstring& Core::Wide(std::string_view text)
+Core::Made& Core::FindMade(const QOBClassInfo& info)
 {
-    AssignWide(m_wide, text);
-    return m_wide;
-}
-
-// Entities of one class are often created in a row.
-Core::Made& Core::MadeOf(const QOBClassInfo& info)
-{
-    if (m_made.empty() || m_made.front().info != &info) {
-        const auto found = std::find_if(m_made.begin(), m_made.end(),
-                                        [&info](const Made& made) { return made.info == &info; });
-        if (found == m_made.end())
-            m_made.insert(m_made.begin(), {&info, KARMPFactory::Class(info.getName()), nullptr});
-        else
-            std::swap(*found, m_made.front());
-    }
+    const auto found = std::find_if(m_made.begin(), m_made.end(),
+                                    [&info](const Made& made) { return made.info == &info; });
+    if (found == m_made.end())
+        m_made.insert(m_made.begin(), {&info, KARMPFactory::Class(info.getName()), NoFamily});
+    else
+        std::swap(*found, m_made.front());
     return m_made.front();
 }
 
-Core::Entity Core::Create(const QOBClassInfo& info, const FamilyOperations*& family)
+Core::Entity Core::Create(const QOBClassInfo& info, std::size_t& family)
 {
     Made& made = MadeOf(info);
     Entity entity;
     if (KARFailed(KARMPFactory::Create(made.factory, entity)) || !entity ||
         (&entity->getClassInfo() != &info && !entity->isDerivedFrom(info)))
         return {};
-    if (made.family == nullptr)
+    if (made.family == NoFamily)
         made.family = FamilyOf(*entity);
     family = made.family;
     return entity;
 }
 
-void Core::Count(const FamilyOperations& family, int change)
-{
-    m_known[static_cast<std::size_t>(&family - AllFamilies().data())] +=
-        static_cast<std::size_t>(change);
-    m_knownInAll += static_cast<std::size_t>(change);
-}
-
-KARStatus Core::File(const Entity& entity, const FamilyOperations& family)
+KARStatus Core::File(const Entity& entity, std::size_t family)
 {
     if (!m_parent)
         return KARFailure;
     if (const KARStatus status = m_parent->addLogicalChild(entity); KARFailed(status))
         return status;
-    if (const KARStatus status = family.add(*m_world, entity); status != KARSuccess)
+    if (const KARStatus status = m_registries[family]->Add(entity); status != KARSuccess)
         return KARFailed(status) ? status : KARFailure;
-    Count(family, 1);
+    ++m_known[family];
     return KARSuccess;
 }
 
-void Core::Unfile(const Entity& entity, const FamilyOperations& family)
+void Core::Unfile(const Entity& entity, std::size_t family)
 {
-    const std::size_t count = family.count(*m_world);
-    family.remove(*m_world, entity);
+    RegistryCore& registry = *m_registries[family];
+    const std::size_t count = registry.Count();
+    registry.Remove(entity);
     m_index.Remove(*entity);
     // It may not have been listed, when filing it failed.
-    if (family.count(*m_world) < count)
-        Count(family, -1);
+    if (registry.Count() < count)
+        --m_known[family];
     entity->orphanObject();
 }
 
-// The registries append, so that a longer list has new entities at its end. Entities that somebody
-// removed past the model make a list shorter.
-void Core::RefreshIndex()
+// The registries append, so that a longer list has new entities at its end. When that does not
+// account for all changes, entities were removed, and the index starts anew.
+void Core::EnterChanges()
 {
-    const std::size_t sum = CountAll(*m_world);
-    if (sum == m_knownInAll)
-        return;
-    const auto families = AllFamilies();
-    std::array<std::size_t, FamilyCount> counts{};
-    bool isShorter = false;
-    for (std::size_t i = 0; i < FamilyCount; ++i) {
-        counts[i] = families[i].count(*m_world);
-        isShorter = isShorter || counts[i] < m_known[i];
+    std::size_t sum = 0;
+    std::size_t known = 0;
+    for (std::size_t i = 0; i < m_known.size(); ++i) {
+        sum += Count(i);
+        known += m_known[i];
     }
-    if (isShorter) {
+    if (*m_changes - m_knownChanges != sum - known) {
         m_index.Clear();
-        m_known = {};
+        std::fill(m_known.begin(), m_known.end(), 0);
     }
     m_index.Reserve(sum);
-    for (std::size_t i = 0; i < FamilyCount; ++i) {
-        for (; m_known[i] < counts[i]; ++m_known[i])
-            if (const Entity entity = families[i].at(*m_world, m_known[i]))
-                m_index.Add(entity);
-    }
-    m_knownInAll = sum;
+    for (std::size_t i = 0; i < m_known.size(); ++i)
+        for (; m_known[i] < Count(i); ++m_known[i])
+            m_index.Add(Entity::unchecked(m_registries[i]->At(m_known[i])));
+    m_knownChanges = *m_changes;
 }
 
 std::vector<Core::Entity> Core::FindByKey(std::string_view key, Fits fits)

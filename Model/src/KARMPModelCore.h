@@ -6,8 +6,8 @@
 #include "KARMPModelEdit.h"
 #include "KARMPModelResult.h"
 
-#include <array>
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -59,26 +59,28 @@ public:
     void CloseBlock(std::size_t begin, bool isKept);
     bool IsInBlock() const { return m_openBlocks > 0; }
 
-    /// The wide text of UTF-8, valid until the next call.
-    const std::wstring& Wide(std::string_view text);
     /// A new entity that stands under no world, null when the factory makes none of the class, and
-    /// its family, null for a class that no world lists.
-    Entity Create(const QOBClassInfo& info, const FamilyOperations*& family);
-    /// Looks up an identifier that a new entity is to get.
-    EntityIndex::Place FindPlace(std::string_view identifier)
+    /// its family, NoFamily for a class that no world lists.
+    Entity Create(const QOBClassInfo& info, std::size_t& family);
+    /// Prepares for an entity with an identifier.
+    EntityIndex::Key PrepareIndex(std::string_view identifier)
     {
         RefreshIndex();
-        return m_index.FindPlace(identifier);
+        return m_index.Prepare(identifier);
     }
-    /// Enters the entity there into the index, which keeps it.
-    void Index(const Entity& entity, const EntityIndex::Place& place)
+    /// Enters the entity into the index, which keeps it, unless there is one of that identifier,
+    /// which it gives.
+    KARMPEntity* Index(const EntityIndex::Key& key, std::string_view identifier,
+                       const Entity& entity)
     {
-        m_index.AddAt(place, entity);
+        return m_index.AddPrepared(key, identifier, entity);
     }
     /// Places an entity under the basic world and adds it to the registry of its family.
-    KARStatus File(const Entity& entity, const FamilyOperations& family);
+    KARStatus File(const Entity& entity, std::size_t family);
     /// Takes it out again, out of the index too; it is orphaned.
-    void Unfile(const Entity& entity, const FamilyOperations& family);
+    void Unfile(const Entity& entity, std::size_t family);
+    /// How many entities the world lists of a family.
+    std::size_t Count(std::size_t family) const { return m_registries[family]->Count(); }
 
     /// The entity of an identifier, null without one.
     KARMPEntity* FindByIdentifier(std::string_view identifier)
@@ -92,49 +94,57 @@ public:
     template <class Visit>
     void ForEach(int family, Visit visit) const
     {
-        const auto all = AllFamilies();
-        for (std::size_t i = 0; i < all.size(); ++i) {
+        for (std::size_t i = 0; i < m_registries.size(); ++i) {
             if (family >= 0 && static_cast<std::size_t>(family) != i)
                 continue;
-            const std::size_t count = all[i].count(*m_world);
+            const std::size_t count = m_registries[i]->Count();
             for (std::size_t index = 0; index < count; ++index)
-                if (Entity entity = all[i].at(*m_world, index))
-                    visit(std::move(entity));
+                visit(Entity::unchecked(m_registries[i]->At(index)));
         }
     }
 
 private:
-    static constexpr std::size_t FamilyCount = 19;
-
     bool Perform(Where where, void* work, bool (*call)(void* work, Edit& edit));
     void KeepLog();
-    void RefreshIndex();
-    void Count(const FamilyOperations& family, int change);
+    /// Enters what somebody added or removed past the model.
+    void RefreshIndex()
+    {
+        if (m_changes != nullptr && *m_changes != m_knownChanges)
+            EnterChanges();
+    }
+    void EnterChanges();
 
     /// What is known of a class that entities were created of.
     struct Made
     {
         const QOBClassInfo* info = nullptr;
         KARMPFactory::Class factory;
-        const FamilyOperations* family = nullptr;
+        std::size_t family = NoFamily;
     };
 
-    Made& MadeOf(const QOBClassInfo& info);
+    // Entities of one class are often created in a row.
+    Made& MadeOf(const QOBClassInfo& info)
+    {
+        return !m_made.empty() && m_made.front().info == &info ? m_made.front() : FindMade(info);
+    }
+    Made& FindMade(const QOBClassInfo& info);
 
     QOBSharedHandle<KARMPWorld> m_world;
     QOBSharedHandle<QOBBasicEntity> m_parent; // the basic world
     std::vector<Made> m_made;                 // the latest one first
     EntityIndex m_index;
-    /// How many entities of each family the index knows, and of all.
-    std::array<std::size_t, FamilyCount> m_known{};
-    std::size_t m_knownInAll = 0;
+    std::vector<RegistryCore*> m_registries; // none without a world
+    /// How many entities of each family the index knows.
+    std::vector<std::size_t> m_known;
+    /// The changes to the registries that others made, and those that the index knows.
+    const std::uint32_t* m_changes = nullptr;
+    std::uint32_t m_knownChanges = 0;
     std::vector<Problem> m_problems;
     EditLog m_log;
     std::size_t m_openBlocks = 0;
     /// The entities of the steps of open blocks, and how many steps these are.
     std::vector<Entity> m_kept;
     std::size_t m_keptSteps = 0;
-    std::wstring m_wide;
 };
 
 /// KARMPBody "Crank", with the identifier in brackets where it is another text.

@@ -180,8 +180,8 @@ void RemoveAll(Core& core, const Plan& plan)
             if (auto* const sensor = dynamic_cast<KARMPSensor*>(referrer.entity.get()))
                 sensor->Reset();
     for (const Entity& entity : plan.Gone())
-        if (const FamilyOperations* const family = FamilyOf(*entity))
-            core.Unfile(entity, *family);
+        if (const std::size_t family = FamilyOf(*entity); family != NoFamily)
+            core.Unfile(entity, family);
 }
 
 Dependent Told(const Referrer& referrer)

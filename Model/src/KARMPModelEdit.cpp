@@ -22,9 +22,17 @@ bool HasOtherParent(const KARMPEntity& element, const KARMPEntity& owner)
     return !KARFailed(element.GetParentEntity(parent)) && parent && parent.get() != &owner;
 }
 
+void NameEntity(KARMPEntity& entity, std::string_view name, bool isAscii)
+{
+    if (isAscii)
+        entity.setNarrowName(name);
+    else
+        entity.setEntityName(kar::ToWide(name));
+}
+
 } // namespace
 
-Edit::~Edit()
+void Edit::UndoAll()
 {
     while (m_log.size() > m_begin) {
         Undo(m_log.back());
@@ -38,7 +46,7 @@ void Edit::Undo(EditStep& step)
     case EditStep::Kind::Nothing:
         break;
     case EditStep::Kind::Filed:
-        m_core.Unfile(Entity(step.entity), *step.family);
+        m_core.Unfile(Entity(step.entity), step.family);
         break;
     case EditStep::Kind::Linked:
         step.item->RemoveTarget(*step.entity, Entity(step.target));
@@ -74,10 +82,9 @@ bool Edit::Fail(std::string text, KARStatus status)
     return false;
 }
 
-bool Edit::Check(KARStatus status, std::string_view what, const KARMPEntity& entity)
+bool Edit::FailCheck(KARStatus status, std::string_view what, const KARMPEntity& entity)
 {
-    return !KARFailed(status) ||
-           Fail(std::string(what) + " of " + TitleOf(entity) + " failed", status);
+    return Fail(std::string(what) + " of " + TitleOf(entity) + " failed", status);
 }
 
 bool Edit::IsThere(const QOBSharedBase& entity, std::string_view role)
@@ -88,33 +95,46 @@ bool Edit::IsThere(const QOBSharedBase& entity, std::string_view role)
     return !object->isOrphaned() || Fail("the " + std::string(role) + " was deleted");
 }
 
+bool Edit::FailToCreate(const QOBClassInfo& info, const Entity& entity)
+{
+    return Fail(entity ? "a world has no list for a " + info.getName() +
+                             ", which is kept by who makes it and by no document"
+                       : "a " + info.getName() + " cannot be made");
+}
+
+bool Edit::FailAsTaken(std::string_view identifier, const KARMPEntity& entity)
+{
+    return Fail('"' + std::string(identifier) + "\" is the identifier of " + TitleOf(entity));
+}
+
+// The entity comes before the look into the index, whose memory is on its way meanwhile.
 Edit::Entity Edit::Create(const QOBClassInfo& info, std::string_view identifier)
 {
     if (identifier.empty()) {
         Fail("a " + info.getName() + " needs an identifier");
         return {};
     }
-    const EntityIndex::Place place = m_core.FindPlace(identifier);
-    if (place.entity != nullptr) {
-        Fail('"' + std::string(identifier) + "\" is the identifier of " + TitleOf(*place.entity));
-        return {};
-    }
-    const FamilyOperations* family = nullptr;
+    const EntityIndex::Key key = m_core.PrepareIndex(identifier);
+    std::size_t family = NoFamily;
     Entity entity = m_core.Create(info, family);
-    if (!entity || family == nullptr) {
-        Fail(entity ? "a world has no list for a " + info.getName() +
-                          ", which is kept by who makes it and by no document"
-                    : "a " + info.getName() + " cannot be made");
+    if (!entity || family == NoFamily) {
+        FailToCreate(info, entity);
         return {};
     }
-    entity->setEntityName(m_core.Wide(identifier));
+    NameEntity(*entity, identifier, key.isAscii);
     IdentifyByName(*entity);
     EditStep& step = NextStep();
-    m_core.Index(entity, place);
+    if (const KARMPEntity* const taken = m_core.Index(key, identifier, entity)) {
+        m_log.pop_back();
+        FailAsTaken(identifier, *taken);
+        return {};
+    }
     step.kind = EditStep::Kind::Filed;
     step.entity = entity.get();
     step.family = family;
-    return Check(m_core.File(entity, *family), "the filing", *entity) ? entity : Entity();
+    if (!Check(m_core.File(entity, family), "the filing", *entity))
+        entity = nullptr;
+    return entity;
 }
 
 bool Edit::LinkOne(const ItemInfo& item, const Entity& owner, const Entity& target)
@@ -147,7 +167,9 @@ bool Edit::LinkOne(const ItemInfo& item, const Entity& owner, const Entity& targ
 // Once for all entries that are taken away, or a long list would be copied for each of them.
 void Edit::NoteList(const ItemInfo& item, const Entity& owner)
 {
-    if (!m_noted.emplace(owner.get(), &item).second)
+    if (m_noted == nullptr)
+        m_noted = std::make_unique<decltype(m_noted)::element_type>();
+    if (!m_noted->emplace(owner.get(), &item).second)
         return;
     EditStep& step = NextStep();
     step.item = &item;
@@ -282,7 +304,7 @@ bool Edit::Rename(const Entity& entity, std::string_view name)
     step.entity = entity.get();
     step.former = std::make_unique<EditStep::Former>();
     step.former->name = entity->getEntityName();
-    entity->setEntityName(m_core.Wide(name));
+    NameEntity(*entity, name, IsAscii(name));
     step.kind = EditStep::Kind::Renamed;
     return true;
 }

@@ -17,7 +17,6 @@
 namespace karmp::model {
 
 class Core;
-struct FamilyOperations;
 
 /// What an edit has done, in order, for undoing it. The entities are kept by the index, or by the
 /// caller.
@@ -37,7 +36,7 @@ struct EditStep
     Kind kind = Kind::Nothing;
     KARMPEntity* entity = nullptr;
     KARMPEntity* target = nullptr;
-    const FamilyOperations* family = nullptr;
+    std::size_t family = 0;
     const ItemInfo* item = nullptr;
     std::unique_ptr<Former> former = nullptr;
 };
@@ -51,19 +50,28 @@ public:
     using Entity = QOBSharedHandle<KARMPEntity>;
 
     Edit(Core& core, EditLog& log, std::size_t begin) : m_core(core), m_log(log), m_begin(begin) {}
-    ~Edit();
+    ~Edit()
+    {
+        if (!m_isCommitted)
+            UndoAll();
+    }
     Edit(const Edit&) = delete;
     Edit& operator=(const Edit&) = delete;
 
     Core& Model() { return m_core; }
     /// Keeps what was done; the steps stay in the log for an undo of a block of calls.
-    void Commit() { m_begin = m_log.size(); }
+    void Commit() { m_isCommitted = true; }
+    /// Undoes what was done.
+    void UndoAll();
 
     /// Keeps the first reason for which the edit fails; always false.
     bool Fail(std::string text, KARStatus status = KARFailure);
     /// True for a status that is no failure; otherwise fails with what could not be done.
-    bool Check(KARStatus status, std::string_view what, const KARMPEntity& entity);
-    const std::optional<Problem>& Reason() const { return m_reason; }
+    bool Check(KARStatus status, std::string_view what, const KARMPEntity& entity)
+    {
+        return !KARFailed(status) || FailCheck(status, what, entity);
+    }
+    Problem& Reason() { return *m_reason; }
 
     /// A new entity of a class, named, identified, placed and filed; null after a failure.
     Entity Create(const QOBClassInfo& info, std::string_view identifier);
@@ -94,6 +102,9 @@ public:
 
 private:
     void Undo(EditStep& step);
+    bool FailCheck(KARStatus status, std::string_view what, const KARMPEntity& entity);
+    bool FailToCreate(const QOBClassInfo& info, const Entity& entity);
+    bool FailAsTaken(std::string_view identifier, const KARMPEntity& entity);
     bool SetTargets(const Entity& entity, const ItemInfo& item, const Value& value);
     EditStep& NextStep();
     void NoteList(const ItemInfo& item, const Entity& owner);
@@ -101,8 +112,9 @@ private:
     Core& m_core;
     EditLog& m_log;
     std::size_t m_begin;
-    /// The lists that were noted as they were.
-    std::set<std::pair<const KARMPEntity*, const ItemInfo*>> m_noted;
+    bool m_isCommitted = false;
+    /// The lists that were noted as they were; null before the first one.
+    std::unique_ptr<std::set<std::pair<const KARMPEntity*, const ItemInfo*>>> m_noted;
     std::optional<Problem> m_reason;
 };
 

@@ -28,18 +28,6 @@ inline bool IsAscii(std::string_view text)
     return (all & 0x8080808080808080U) == 0;
 }
 
-/// Stores the wide text of UTF-8, without an allocation where all characters are ASCII and the
-/// capacity is enough.
-inline void AssignWide(std::wstring& wide, std::string_view text)
-{
-    if (!IsAscii(text)) {
-        wide = kar::ToWide(text);
-        return;
-    }
-    wide.resize(text.size());
-    std::copy(text.begin(), text.end(), wide.begin());
-}
-
 /// The name that differs least from a text, the text itself where it is among them; empty when none
 /// is near.
 std::string NearestName(std::string_view text, const std::vector<std::string>& names);

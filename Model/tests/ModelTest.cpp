@@ -116,6 +116,43 @@ TEST_F(ModelTest, WhatIsAddedAndRemovedPastTheModelIsNoticed)
     raw->orphanObject();
 }
 
+TEST_F(ModelTest, WhatReplacesAnEntityPastTheModelIsNoticed)
+{
+    Model model("M");
+    const auto first = model.Body("A");
+    const auto raw = KARMPBody::create(L"Raw");
+    raw->SetIdentifier(L"Raw");
+    model.World()->Remove<KARMPBody>(first);
+    model.World()->Add<KARMPBody>(raw);
+    EXPECT_FALSE(model.Find<KARMPBody>("A"));
+    EXPECT_EQ(model.Find<KARMPBody>("Raw").Handle(), raw);
+    EXPECT_FALSE(model.Body("Raw"));
+    model.World()->Remove<KARMPBody>(raw);
+    raw->orphanObject();
+}
+
+// The index looks at eight characters at once, and in another way at those that are not ASCII.
+TEST_F(ModelTest, IdentifiersOfAllLengthsAreFound)
+{
+    Model model("M");
+    std::vector<std::string> identifiers;
+    for (const std::string letter : {"a", "\u00e4"}) {
+        std::string identifier;
+        for (int length = 1; length < 40; ++length)
+            identifiers.push_back(identifier += letter);
+    }
+    for (int number = 0; number < 1000; ++number)
+        identifiers.push_back(std::to_string(number));
+    for (const std::string& identifier : identifiers)
+        model.Body(identifier);
+    for (const std::string& identifier : identifiers) {
+        const auto body = model.Find<KARMPBody>(identifier);
+        ASSERT_TRUE(body) << identifier;
+        EXPECT_EQ(kar::ToUtf8(body->getEntityName()), identifier);
+        EXPECT_FALSE(model.Body(identifier));
+    }
+}
+
 TEST_F(ModelTest, IdentifierOfAnEntityThatWasOrphanedPastTheModelIsFree)
 {
     Model model("M");

@@ -25,6 +25,7 @@ class QOBBasicWorld;
 
 namespace karmp {
 
+struct RegistryAccess;
 class WorldCloner;
 class WorldFiler;
 template <class List>
@@ -251,6 +252,7 @@ protected:
     KARStatus RemoveGlobals();
 
 private:
+    friend struct karmp::RegistryAccess;
     friend class karmp::WorldCloner;
     friend class karmp::WorldFiler;
     using Registries = karmp::RegistrySet<karmp::Families>;
@@ -269,9 +271,11 @@ private:
         QOBSharedHandle<KARMPAxisSystem> axisSystem;
     };
 
+    // For a change, which is counted.
     template <class T>
     KARMPRegistry<T>& Registry()
     {
+        ++m_changes;
         return m_registries;
     }
     template <class T>
@@ -285,6 +289,7 @@ private:
 
     OwnGlobals m_ownGlobals;
     std::uint32_t m_lastEntityId = 2;
+    std::uint32_t m_changes = 0; // of the registries, by which a list of them knows that it is old
     double m_linearTolerance = 0.001;
     double m_angularTolerance = 1e-09;
     KARMathPoint m_origin;

@@ -42,6 +42,8 @@ public:
 
     /// Stores a text; that of the copies stays.
     void Set(std::wstring_view text);
+    /// The same for a text of which the caller knows that all characters are ASCII.
+    void SetNarrow(std::string_view text);
     /// The text, kept as a wide one from now on; the reference is valid until the next Set.
     const std::wstring& Get() const;
     /// The text by itself; nothing is kept.
@@ -74,6 +76,9 @@ private:
     {
         return sizeof(Node) + (node->size != NotNarrow ? node->size : 0);
     }
+    // These two are inline where they are used, in one source.
+    static inline Node* MakeNarrowNode(std::size_t size);
+    inline void Replace(Node* node) noexcept;
     static Node* MakeNode(std::wstring_view text);
     static void Release(Node* node) noexcept;
     static const std::wstring& Empty() noexcept;

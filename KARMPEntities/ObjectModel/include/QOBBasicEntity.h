@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 class QOBBasicWorld;
@@ -25,6 +26,8 @@ public:
 
     /// Gives the entity a name; names need not be unique.
     void setEntityName(const std::wstring& name);
+    /// The same for a name of which the caller knows that all characters are ASCII.
+    void setNarrowName(std::string_view name) { m_name.SetNarrow(name); }
     /// The name given to setEntityName, empty before; a reference that lasts until the next name.
     const std::wstring& getEntityName(EntityNameMode mode = InternalName,
                                       wchar_t separator = ExternalNameSeparator) const;

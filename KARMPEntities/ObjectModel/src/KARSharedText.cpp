@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <memory>
 #include <new>
 #include <utility>
@@ -23,19 +24,39 @@ bool IsAscii(std::wstring_view text)
 
 } // namespace
 
+inline void SharedText::Replace(Node* node) noexcept
+{
+    if (Node* const former = std::exchange(m_node, node))
+        Release(former);
+}
+
+inline SharedText::Node* SharedText::MakeNarrowNode(std::size_t size)
+{
+    void* const memory = AllocateSmall(sizeof(Node) + size);
+    return ::new (memory) Node{1, static_cast<std::uint32_t>(size), nullptr};
+}
+
 void SharedText::Set(std::wstring_view text)
 {
     // The new text first, which may be the one that goes.
-    Node* const node = text.empty() ? nullptr : MakeNode(text);
-    if (Node* const former = std::exchange(m_node, node))
-        Release(former);
+    Replace(text.empty() ? nullptr : MakeNode(text));
+}
+
+void SharedText::SetNarrow(std::string_view text)
+{
+    if (text.empty() || text.size() >= NotNarrow) {
+        Set(std::wstring(text.begin(), text.end()));
+        return;
+    }
+    Node* const node = MakeNarrowNode(text.size());
+    std::memcpy(Characters(node), text.data(), text.size());
+    Replace(node);
 }
 
 SharedText::Node* SharedText::MakeNode(std::wstring_view text)
 {
     if (text.size() < NotNarrow && IsAscii(text)) {
-        void* const memory = AllocateSmall(sizeof(Node) + text.size());
-        Node* const node = ::new (memory) Node{1, static_cast<std::uint32_t>(text.size()), nullptr};
+        Node* const node = MakeNarrowNode(text.size());
         std::transform(text.begin(), text.end(), Characters(node),
                        [](wchar_t character) { return static_cast<char>(character); });
         return node;

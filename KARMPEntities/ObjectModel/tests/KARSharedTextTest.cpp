@@ -49,6 +49,21 @@ TEST(SharedText, KeepsTheTextOfCopiesWhenItGetsAnotherOne)
     EXPECT_EQ(ofText.Get(), L"second");
 }
 
+TEST(SharedText, TakesANarrowTextAsTheWideOneOfItsCharacters)
+{
+    SharedText text;
+    text.SetNarrow("first");
+    const SharedText copy(text);
+    EXPECT_EQ(text.Narrow(), "first");
+    EXPECT_EQ(text.Get(), L"first");
+    text.SetNarrow("a longer one");
+    EXPECT_EQ(text.Get(), L"a longer one");
+    EXPECT_EQ(copy.Get(), L"first");
+    text.SetNarrow("");
+    EXPECT_TRUE(text.IsNarrow());
+    EXPECT_EQ(text.Get(), L"");
+}
+
 TEST(SharedText, OutlivesWhatItWasCopiedFrom)
 {
     std::optional<SharedText> text(std::in_place);
