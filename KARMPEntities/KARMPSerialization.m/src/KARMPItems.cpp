@@ -251,10 +251,11 @@ std::span<const ItemInfo> ItemsOf(const QOBClassInfo& info)
     static std::mutex mutex;
     static std::unordered_map<const QOBClassInfo*, std::span<const ItemInfo>> known;
     const std::lock_guard lock(mutex);
-    const auto [found, isNew] = known.try_emplace(&info);
-    if (isNew)
-        found->second = ItemsOf(info.getName());
-    return found->second;
+    if (const auto found = known.find(&info); found != known.end())
+        return found->second;
+    // Before the entry, which an allocation that fails would leave empty.
+    const auto items = ItemsOf(info.getName());
+    return known.emplace(&info, items).first->second;
 }
 
 const ItemInfo* FindItem(const QOBClassInfo& info, std::wstring_view pathOrName)

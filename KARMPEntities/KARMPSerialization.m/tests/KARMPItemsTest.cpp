@@ -1,8 +1,10 @@
 #include "KARMPItems.h"
 
+#include "AllocationCounter.h"
 #include "KARMPAxialSpring.h"
 #include "KARMPBody.h"
 #include "KARMPConstraintSensor.h"
+#include "KARMPGenericFactory.h"
 #include "KARMPJointKinds.h"
 #include "KARMPLinearEquation.h"
 #include "KARMPPoint.h"
@@ -362,6 +364,32 @@ TEST_F(Items, LeadToTheirTargetsOneByOne)
                              {L"AggregatedElements", second.get()},
                              {L"AggregatedElements", first.get()},
                              {L"Body", first.get()}}));
+}
+
+// In a process of its own, in which no table is made yet.
+using ItemsProcess = KARMPTestFixture;
+
+TEST_F(ItemsProcess, AllocationThatFailsLeavesNoEmptyTable)
+{
+    if (!AllocationCounter::Counts)
+        GTEST_SKIP() << "Allocations are not counted in this build";
+    std::size_t failing = 0;
+    std::size_t failed = 0;
+    for (const std::string& name : KARMPFactory::GetClassNames()) {
+        QOBSharedHandle<KARMPEntity> entity;
+        ASSERT_EQ(KARMPFactory::Create(name, entity), KARSuccess);
+        const QOBClassInfo& info = entity->getClassInfo();
+        try {
+            AllocationCounter allocations;
+            allocations.FailAllocation(++failing);
+            karmp::ItemsOf(info);
+        } catch (const std::bad_alloc&) {
+            ++failed;
+        }
+        EXPECT_EQ(karmp::ItemsOf(info).data(), karmp::ItemsOf(name).data())
+            << name << ", allocation " << failing;
+    }
+    EXPECT_GT(failed, 20U);
 }
 
 } // namespace

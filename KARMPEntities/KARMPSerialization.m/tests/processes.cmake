@@ -18,3 +18,4 @@ karmp_process_test(
     KARMPSerializationTests ContentNamesProcess.AreWrittenWhereTheItemAsksForThem
     NO_MP_NAME_FOR_SERIALIZATION=0
 )
+karmp_process_test(KARMPSerializationTests ItemsProcess.AllocationThatFailsLeavesNoEmptyTable)
