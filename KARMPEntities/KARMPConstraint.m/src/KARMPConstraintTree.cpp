@@ -1,5 +1,6 @@
 // What a constraint holds in a document.
 #include "KARMPConstraint.h"
+#include "KARMPContentTakeBack.h"
 #include "KARMPContentWalk.h"
 #include "KARMPFrames.h"
 #include "KARMPGeometry.h"
@@ -28,7 +29,9 @@ struct karmp::ContentOf<KARMPConstraint>
     {
         auto kept = std::make_unique<KARMPConstraintParameter>(parameter);
         kept->SetInitialized(true);
-        return constraint.AddConstraintParameter(kept.release());
+        const KARStatus status = constraint.AddConstraintParameter(kept.get());
+        kept.release();
+        return status;
     }
 
     static constexpr auto List =
@@ -51,10 +54,11 @@ struct karmp::ContentOf<KARMPConstraint>
                  .Removing<&C::RemoveSensor>(),
              // Each record writes and reads itself, so that a subclass of it can do so in its own
              // way.
-             AddedBy<&TakeParameter>(DescribedRecords<&C::m_parameters>(
-                                         L"ConstraintParameters", L"ConstraintParameter",
-                                         &KARMPConstraintParameter::RecordContent,
-                                         "Numbers that a solver keeps with the constraint."))
+             TakenBackFrom<&C::m_parameters>(
+                 AddedBy<&TakeParameter>(DescribedRecords<&C::m_parameters>(
+                     L"ConstraintParameters", L"ConstraintParameter",
+                     &KARMPConstraintParameter::RecordContent,
+                     "Numbers that a solver keeps with the constraint.")))
                  .When<&HasInitializedParameter>()
                  .Owned())
             .WrittenByList();

@@ -1,5 +1,6 @@
 #include "KARMPLinearEquation.h"
 
+#include "KARMPContentTakeBack.h"
 #include "KARMPContentWalk.h"
 #include "KARMPFrames.h"
 
@@ -54,10 +55,10 @@ struct karmp::ContentOf<KARMPLinearEquation>
                                                                   "The constant term.")
                     .Required()
                     .Coded(),
-                AddedBy<&C::AddLinearTerm>(
-                    DescribedRecords<&C::m_terms>(
+                TakenBackFrom<&C::m_terms>(
+                    AddedBy<&C::AddLinearTerm>(DescribedRecords<&C::m_terms>(
                         TermsName, TermName, &RecordContent<TermContent>,
-                        "The coefficients of the constraint's variables, in the order of these."))
+                        "The coefficients of the constraint's variables, in the order of these.")))
                     .Required()
                     .AnyName());
 };

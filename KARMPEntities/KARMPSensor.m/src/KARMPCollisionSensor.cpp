@@ -5,6 +5,7 @@
 #include "KARMPCollisionRule.h"
 #include "KARMPContactItems.h"
 #include "KARMPContentRecords.h"
+#include "KARMPContentTakeBack.h"
 #include "KARMPContentWalk.h"
 #include "KARMPFrames.h"
 #include "KARMPLoaderAccess.h"
@@ -30,18 +31,40 @@ struct karmp::ContentOf<KARMPCollisionSensor>
         return sensor.m_interaction.Remove(rule);
     }
 
+    static bool HasDataOf(const C& sensor, const C::ContactPair& pair)
+    {
+        const auto isOf = [&pair](const auto& data) {
+            return data.firstBody == pair.first && data.secondBody == pair.second;
+        };
+        return std::any_of(sensor.m_geometryData.begin(), sensor.m_geometryData.end(), isOf) ||
+               std::any_of(sensor.m_forceData.begin(), sensor.m_forceData.end(), isOf);
+    }
+    // The pairs that came with the data go with it.
+    template <auto Member>
+    static void TakeBack(C& sensor, int count)
+    {
+        while ((sensor.*Member).size() > static_cast<std::size_t>(count)) {
+            const auto& last = (sensor.*Member).back();
+            const C::ContactPair pair(last.firstBody, last.secondBody);
+            (sensor.*Member).pop_back();
+            if (!HasDataOf(sensor, pair))
+                sensor.m_pairs.erase(pair);
+        }
+    }
+
     static constexpr auto List =
         Element(L"CollisionSensor", "Records the contacts of a step.", CountingFrame,
                 Reference<&Rule, &C::SetCollisionRule>(L"CollisionRule",
                                                        "The rule whose contacts are recorded.")
                     .Removing<&RemoveRule>(),
-                Records<&C::m_geometryData, &C::TakeGeometryData>(
-                    L"ContactGeometryDataContainer", L"ContactGeometryData", "Where bodies touch.",
-                    ContactGeometry<KARMPContactGeometryData>()),
-                Records<&C::m_forceData, &C::TakeForceData>(
+                TakenBackBy<&TakeBack<&C::m_geometryData>>(
+                    Records<&C::m_geometryData, &C::TakeGeometryData>(
+                        L"ContactGeometryDataContainer", L"ContactGeometryData",
+                        "Where bodies touch.", ContactGeometry<KARMPContactGeometryData>())),
+                TakenBackBy<&TakeBack<&C::m_forceData>>(Records<&C::m_forceData, &C::TakeForceData>(
                     L"ContactForceDataContainer", L"ContactForceData",
                     "Where bodies touch, and with which forces.",
-                    ContactGeometry<KARMPContactForceData>(), ContactForces()));
+                    ContactGeometry<KARMPContactForceData>(), ContactForces())));
 };
 KARMP_DEFINE_CONTENT(KARMPCollisionSensor);
 

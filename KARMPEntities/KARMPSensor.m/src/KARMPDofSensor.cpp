@@ -1,6 +1,7 @@
 #include "KARMPDofSensor.h"
 
 #include "KARMPBody.h"
+#include "KARMPContentTakeBack.h"
 #include "KARMPContentWalk.h"
 #include "KARMPDofSlots.h"
 #include "KARMPFrames.h"
@@ -68,19 +69,22 @@ struct karmp::ContentOf<KARMPDofSensor>
         // The numbers repeat what the lists say, which decide when they are read.
         Attribute(Integer<&C::GetNumberOfDof>(L"numberOfDof", "The number of all freedoms."))
             .WrittenOnly(),
-        Records<&C::GetNumberOfTranslations, &GetTranslation, &AddTranslation>(
-            L"Translations", L"Translation", "The free translations.",
-            Numbers<&Translation::direction>(L"Direction", TranslationNames,
-                                             "The direction of the translation."))
-            .CountedBy(L"number"),
-        Records<&C::GetNumberOfRotations, &GetRotation, &AddRotation>(
-            L"Rotations", L"Rotation", "The free rotations.", PoleAndAxis)
-            .CountedBy(L"number"),
-        Records<&C::GetNumberOfScrews, &GetScrew, &AddScrew>(
-            L"Screws", L"Screw", "The free screw motions.", PoleAndAxis,
-            Group(L"Pitch", "The pitch of the screw.",
-                  Number<&Axis::pitch>(L"Pitch", "How far it shifts as it turns.")))
-            .CountedBy(L"number"),
+        TakenBackFrom<&C::m_numberOfTranslations>(
+            Records<&C::GetNumberOfTranslations, &GetTranslation, &AddTranslation>(
+                L"Translations", L"Translation", "The free translations.",
+                Numbers<&Translation::direction>(L"Direction", TranslationNames,
+                                                 "The direction of the translation."))
+                .CountedBy(L"number")),
+        TakenBackFrom<&C::m_numberOfRotations>(
+            Records<&C::GetNumberOfRotations, &GetRotation, &AddRotation>(
+                L"Rotations", L"Rotation", "The free rotations.", PoleAndAxis)
+                .CountedBy(L"number")),
+        TakenBackFrom<&C::m_numberOfScrews>(
+            Records<&C::GetNumberOfScrews, &GetScrew, &AddScrew>(
+                L"Screws", L"Screw", "The free screw motions.", PoleAndAxis,
+                Group(L"Pitch", "The pitch of the screw.",
+                      Number<&Axis::pitch>(L"Pitch", "How far it shifts as it turns.")))
+                .CountedBy(L"number")),
         Reference<&C::m_constrainedBody, &C::SetConstrainedBody>(L"ConstrainedBody",
                                                                  "The body that moves."),
         Reference<&C::m_referenceBody, &C::SetReferenceBody>(L"ReferenceBody",

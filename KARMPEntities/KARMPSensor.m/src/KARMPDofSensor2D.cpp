@@ -1,6 +1,7 @@
 #include "KARMPDofSensor2D.h"
 
 #include "KARMPBody2D.h"
+#include "KARMPContentTakeBack.h"
 #include "KARMPContentWalk.h"
 #include "KARMPDofSlots.h"
 #include "KARMPFrames.h"
@@ -52,17 +53,19 @@ struct karmp::ContentOf<KARMPDofSensor2D>
         L"DofSensor2D", "Holds the freedoms between two planar bodies.", CountingFrame,
         Attribute(Integer<&C::GetNumberOfDof>(L"numberOfDof", "The number of all freedoms."))
             .WrittenOnly(),
-        Records<&C::GetNumberOfTranslations, &GetTranslation, &AddTranslation>(
-            L"Translations2D", L"Translation2D", "The free translations.",
-            Numbers<&PlanarTranslation::direction>(L"Direction", TranslationNames,
-                                                   "The direction of the translation."))
-            .CountedBy(L"number"),
-        Records<&C::GetNumberOfRotations, &GetRotation, &AddRotation>(
-            L"Rotations2D", L"Rotation2D", "The free rotations.",
-            NumbersElement<&PlanarRotation::center>(L"Center", CenterNames,
-                                                    "The centre of the rotation.",
-                                                    KARMPPhysicalQuantity::Length))
-            .CountedBy(L"number"),
+        TakenBackFrom<&C::m_numberOfTranslations>(
+            Records<&C::GetNumberOfTranslations, &GetTranslation, &AddTranslation>(
+                L"Translations2D", L"Translation2D", "The free translations.",
+                Numbers<&PlanarTranslation::direction>(L"Direction", TranslationNames,
+                                                       "The direction of the translation."))
+                .CountedBy(L"number")),
+        TakenBackFrom<&C::m_numberOfRotations>(
+            Records<&C::GetNumberOfRotations, &GetRotation, &AddRotation>(
+                L"Rotations2D", L"Rotation2D", "The free rotations.",
+                NumbersElement<&PlanarRotation::center>(L"Center", CenterNames,
+                                                        "The centre of the rotation.",
+                                                        KARMPPhysicalQuantity::Length))
+                .CountedBy(L"number")),
         Reference<&C::m_constrainedBody, &C::SetConstrainedBody>(L"ConstrainedBody2D",
                                                                  "The body that moves."),
         Reference<&C::m_referenceBody, &C::SetReferenceBody>(L"ReferenceBody2D",

@@ -353,6 +353,37 @@ std::vector<RecordValues> ItemInfo::GetRecords(const KARMPEntity& entity) const
                                                                : std::vector<RecordValues>();
 }
 
+namespace {
+
+/// Takes the records back that were added, unless they are kept.
+class AddedRecords
+{
+public:
+    AddedRecords(const Item& item, void* owner)
+        : m_item(item), m_owner(owner), m_former(item.count(owner))
+    {}
+    ~AddedRecords()
+    {
+        if (m_isKept || m_item.remove == nullptr)
+            return;
+        ItemValue value;
+        value.number = m_former;
+        m_item.remove(m_owner, value);
+    }
+    AddedRecords(const AddedRecords&) = delete;
+    AddedRecords& operator=(const AddedRecords&) = delete;
+
+    void Keep() { m_isKept = true; }
+
+private:
+    const Item& m_item;
+    void* m_owner;
+    int m_former;
+    bool m_isKept = false;
+};
+
+} // namespace
+
 // Adds what comes behind the records that are held, which stay as they are.
 KARStatus ItemInfo::AddRecords(void* owner, const Value& data) const
 {
@@ -362,9 +393,11 @@ KARStatus ItemInfo::AddRecords(void* owner, const Value& data) const
     const std::vector<RecordValues> held = RecordsIn(owner);
     if (held.size() > records->size() || !std::equal(held.begin(), held.end(), records->begin()))
         return KARFailure;
+    AddedRecords added(*written, owner);
     for (std::size_t i = held.size(); i < records->size(); ++i)
         if (const KARStatus status = AddRecordIn(owner, (*records)[i]); KARFailed(status))
             return status;
+    added.Keep();
     return KARSuccess;
 }
 

@@ -3,6 +3,7 @@
 #include "AllocationCounter.h"
 #include "KARMPAxialSpring.h"
 #include "KARMPBody.h"
+#include "KARMPCollisionSensor.h"
 #include "KARMPConstraintSensor.h"
 #include "KARMPGenericFactory.h"
 #include "KARMPJointKinds.h"
@@ -364,6 +365,86 @@ TEST_F(Items, LeadToTheirTargetsOneByOne)
                              {L"AggregatedElements", second.get()},
                              {L"AggregatedElements", first.get()},
                              {L"Body", first.get()}}));
+}
+
+/// A record with a value in each field that has one, which differs from that of another number.
+karmp::RecordValues RecordOf(const ItemInfo& records, int number)
+{
+    karmp::RecordValues record;
+    for (const ItemInfo& field : records.fields)
+        if (field.kind == ItemKind::Reference)
+            record.emplace_back(QOBSharedHandle<KARMPEntity>(KARMPBody::create(L"B")));
+        else if (field.kind == ItemKind::Number)
+            record.emplace_back(static_cast<double>(number));
+        else if (field.kind == ItemKind::Text)
+            record.emplace_back(std::wstring(L"a text that is not short ") +
+                                std::to_wstring(number));
+        else
+            record.emplace_back();
+    return record;
+}
+
+/// Sets three records where two stand, the third one of which is refused, and where the allocation
+/// of each number fails; the two stay as they are.
+void ExpectRecordsAllOrNone(const ItemInfo& records, KARMPEntity& entity, const std::string& name)
+{
+    std::vector<karmp::RecordValues> values;
+    for (int number = 0; number < 2; ++number)
+        values.push_back(RecordOf(records, number));
+    ASSERT_EQ(records.Set(entity, values), KARSuccess) << name;
+    const Value before = records.Get(entity);
+    values = std::get<std::vector<karmp::RecordValues>>(before);
+    values.push_back(RecordOf(records, 2));
+    values.emplace_back(records.fields.size() + 1);
+    EXPECT_TRUE(KARFailed(records.Set(entity, values))) << name;
+    EXPECT_EQ(records.Get(entity), before) << name;
+    values.pop_back();
+    const Value wanted(values);
+    bool isSet = false;
+    for (std::size_t failing = 1; !isSet && AllocationCounter::Counts; ++failing) {
+        try {
+            AllocationCounter allocations;
+            allocations.FailAllocation(failing);
+            isSet = !KARFailed(records.Set(entity, wanted));
+        } catch (const std::bad_alloc&) {
+            isSet = false;
+        }
+        if (!isSet)
+            ASSERT_EQ(records.Get(entity), before) << name << ", allocation " << failing;
+    }
+    EXPECT_EQ(records.Count(entity), AllocationCounter::Counts ? 3 : 2) << name;
+}
+
+TEST_F(Items, RecordsAreSetAllOrNone)
+{
+    int lists = 0;
+    for (const std::string& name : KARMPFactory::GetClassNames()) {
+        QOBSharedHandle<KARMPEntity> entity;
+        ASSERT_EQ(KARMPFactory::Create(name, entity), KARSuccess);
+        for (const ItemInfo& item : karmp::ItemsOf(entity->getClassInfo())) {
+            if (item.kind != ItemKind::Records || !item.readOnly.empty() || !item.CanGet())
+                continue;
+            ++lists;
+            // Lists of one sensor share their capacity.
+            ASSERT_EQ(KARMPFactory::Create(name, entity), KARSuccess);
+            ExpectRecordsAllOrNone(item, *entity, name + ' ' + std::string(item.says));
+        }
+    }
+    EXPECT_GE(lists, 9);
+}
+
+TEST_F(Items, ContactsThatAreTakenBackLeaveNoPair)
+{
+    const auto sensor = KARMPCollisionSensor::create(L"S");
+    const ItemInfo& forces =
+        *karmp::FindItem(KARMPCollisionSensor::ClassInfo(), L"ContactForceDataContainer");
+    std::vector<karmp::RecordValues> values{RecordOf(forces, 0), RecordOf(forces, 1)};
+    EXPECT_EQ(forces.Set(*sensor, values), KARSuccess);
+    values = forces.GetRecords(*sensor);
+    values.push_back(RecordOf(forces, 2));
+    values.emplace_back();
+    EXPECT_TRUE(KARFailed(forces.Set(*sensor, values)));
+    EXPECT_EQ(sensor->GetContactCount(), 2);
 }
 
 // In a process of its own, in which no table is made yet.
