@@ -172,16 +172,28 @@ bool UnlinkAll(Edit& edit, const Plan& plan)
     return true;
 }
 
+using FamiliesOfGone = std::vector<std::size_t>;
+
+// Before anything is done: looking a class up for the first time allocates.
+FamiliesOfGone FindFamilies(const Plan& plan)
+{
+    FamiliesOfGone families;
+    families.reserve(plan.Gone().size());
+    for (const Entity& entity : plan.Gone())
+        families.push_back(FamilyOf(*entity));
+    return families;
+}
+
 // What measurements refer to is forgotten as a whole, and by now nothing can fail.
-void RemoveAll(Core& core, const Plan& plan)
+void RemoveAll(Core& core, const Plan& plan, const FamiliesOfGone& families)
 {
     for (const Referrer& referrer : plan.Referrers())
         if (referrer.item->kind == ItemKind::Records)
             if (auto* const sensor = dynamic_cast<KARMPSensor*>(referrer.entity.get()))
                 sensor->Reset();
-    for (const Entity& entity : plan.Gone())
-        if (const std::size_t family = FamilyOf(*entity); family != NoFamily)
-            core.Unfile(entity, family);
+    for (std::size_t i = 0; i < families.size(); ++i)
+        if (families[i] != NoFamily)
+            core.Unfile(plan.Gone()[i], families[i]);
 }
 
 Dependent Told(const Referrer& referrer)
@@ -221,9 +233,10 @@ Deletion Model::DeleteAll(std::span<const Ref<KARMPEntity>> entities, const Dele
                 told.leftShort.push_back(told.unlinked.back());
         }
         if (!options.preview) {
+            const FamiliesOfGone families = FindFamilies(plan);
             if (!UnlinkAll(edit, plan))
                 return false;
-            RemoveAll(*m_core, plan);
+            RemoveAll(*m_core, plan, families);
         }
         deletion = std::move(told);
         return true;

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <set>
+#include <thread>
 
 using namespace karmp::model;
 
@@ -207,8 +208,9 @@ public:
         return 0;
     }
 
-    /// The same with each allocation of a call.
-    void FailAllocations(const Call& call)
+    /// The same with each allocation of a call. In a thread of its own, which keeps nothing that
+    /// was found once, its classes are cold.
+    void FailAllocations(const Call& call, bool isCold)
     {
         // What is found once and kept is found before.
         Looked first;
@@ -217,14 +219,18 @@ public:
             Looked looked;
             bool succeeded = false;
             bool failed = false;
-            {
+            const auto make = [&] {
                 AllocationCounter allocations;
                 allocations.FailAllocation(failing);
                 succeeded = call.make(looked.model);
                 failed = allocations.Count() >= failing;
-            }
-            const std::string name =
-                std::string(call.name) + ", allocation " + std::to_string(failing);
+            };
+            if (isCold)
+                std::thread(make).join();
+            else
+                make();
+            const std::string name = std::string(call.name) + (isCold ? ", cold" : "") +
+                                     ", allocation " + std::to_string(failing);
             TakeReports();
             if (succeeded)
                 looked.ExpectDone(name);
@@ -272,7 +278,16 @@ TEST_F(FaultsTest, ModelIsUnchangedWhenAnAllocationFails)
         GTEST_SKIP() << "Allocations are not counted in this build";
     for (const auto& calls : {Calls(), Changes()})
         for (const Call& call : calls)
-            FailAllocations(call);
+            FailAllocations(call, false);
+}
+
+TEST_F(FaultsTest, ModelIsUnchangedWhenAnAllocationForAColdClassFails)
+{
+    if (!AllocationCounter::Counts)
+        GTEST_SKIP() << "Allocations are not counted in this build";
+    for (const auto& calls : {Calls(), Changes()})
+        for (const Call& call : calls)
+            FailAllocations(call, true);
 }
 
 } // namespace
