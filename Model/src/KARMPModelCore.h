@@ -59,6 +59,12 @@ public:
     void CloseBlock(std::size_t begin, bool isKept);
     bool IsInBlock() const { return m_openBlocks > 0; }
 
+    /// True for an entity of another world.
+    bool IsForeign(const KARMPEntity& entity) const
+    {
+        const auto world = entity.getWorld();
+        return world && world._getReferent() != m_parent._getReferent();
+    }
     /// A new entity that stands under no world, null when the factory makes none of the class, and
     /// its family, NoFamily for a class that no world lists.
     Entity Create(const QOBClassInfo& info, std::size_t& family);

@@ -247,7 +247,7 @@ Deletion Model::DeleteAll(std::span<const Ref<KARMPEntity>> entities, const Dele
 std::vector<Dependent> Model::Dependents(const Ref<KARMPEntity>& entity) const
 {
     std::vector<Dependent> dependents;
-    if (!entity)
+    if (!entity || m_core->IsForeign(*entity))
         return dependents;
     for (const Referrer& referrer : FindReferrers(*m_core, {entity.Handle()}, {&*entity}))
         dependents.push_back(Told(referrer));

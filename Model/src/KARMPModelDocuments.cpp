@@ -99,6 +99,9 @@ Result<Extraction> Model::Extract(std::span<const Ref<KARMPBody>> bodies,
     for (const Ref<KARMPBody>& body : bodies) {
         if (!body)
             return Failed("there is no body to extract", where, {});
+        if (m_core->IsForeign(*body))
+            return Failed("the body to extract, " + TitleOf(*body) + ", is of another world", where,
+                          {});
         handles.push_back(body.Handle());
     }
     auto extraction = documents::ExtractWorld(*World(), handles, options);

@@ -92,7 +92,11 @@ bool Edit::IsThere(const QOBSharedBase& entity, std::string_view role)
     const QOBSharedObject* const object = entity._getReferent();
     if (object == nullptr)
         return Fail("there is no " + std::string(role));
-    return !object->isOrphaned() || Fail("the " + std::string(role) + " was deleted");
+    if (object->isOrphaned())
+        return Fail("the " + std::string(role) + " was deleted");
+    const auto& there = static_cast<const KARMPEntity&>(*object);
+    return !m_core.IsForeign(there) ||
+           Fail("the " + std::string(role) + ", " + TitleOf(there) + ", is of another world");
 }
 
 bool Edit::FailToCreate(const QOBClassInfo& info, const Entity& entity)
@@ -264,7 +268,10 @@ bool Edit::Link(const Entity& first, const Entity& second, std::string_view item
 
 bool Edit::Unlink(const Entity& first, const Entity& second, std::string_view item)
 {
-    if (!IsThere(first, "first entity to unlink") || !IsThere(second, "second entity to unlink"))
+    // A link to another world, which no call makes, can be taken away.
+    const bool isForeign = second && !second->isOrphaned() && m_core.IsForeign(*second);
+    if (!IsThere(first, "first entity to unlink") ||
+        (!isForeign && !IsThere(second, "second entity to unlink")))
         return false;
     const std::wstring wide = kar::ToWide(item);
     const auto& pairs = PairsBetween(first->getClassInfo(), second->getClassInfo());
@@ -316,6 +323,12 @@ bool Edit::Set(const Entity& entity, const ItemInfo& item, const Value& value)
     if (item.kind == ItemKind::Records && m_core.IsInBlock())
         return Fail("records, as \"" + kar::ToUtf8(item.path) + "\" of " + TitleOf(*entity) +
                     ", cannot be undone with the block of edits they are in");
+    if (const auto* const records = std::get_if<std::vector<RecordValues>>(&value))
+        for (const RecordValues& record : *records)
+            for (const Value& field : record)
+                if (const auto* const target = std::get_if<Entity>(&field);
+                    target != nullptr && !IsThere(*target, "entity in a record"))
+                    return false;
     EditStep& step = NextStep();
     step.item = &item;
     step.entity = entity.get();

@@ -82,7 +82,8 @@ public:
         static_cast<QOBSharedBase&>(typed) = Create(T::ClassInfo(), identifier);
         return typed;
     }
-    /// True for a handle on an entity that is not deleted; otherwise fails.
+    /// True for a handle on an entity that is not deleted, nor of another world; otherwise fails.
+    /// Entities under no world may be elements of others.
     bool IsThere(const QOBSharedBase& entity, std::string_view role);
 
     /// Makes both halves of a link, or the one of a reference that has no counterpart; `item`, a
