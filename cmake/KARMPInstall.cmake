@@ -64,27 +64,18 @@ if(TARGET karmp)
 endif()
 
 if(TARGET karmp_python)
-    # For a wheel the libraries stand beside the module, under the names by which they are found.
+    # A wheel has the libraries in its module, a Debian package beside the other ones.
     set(KARMP_PYTHON_FOLDER "lib/python3/dist-packages" CACHE STRING "Folder of Python packages")
     mark_as_advanced(KARMP_PYTHON_FOLDER)
     if(KARMP_WHEEL)
         set(karmp_python_folder "karmp")
-        set(path "$ORIGIN")
-        set_target_properties(
-            ${karmp_installed} PROPERTIES VERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
-        )
-        install(
-            TARGETS ${karmp_installed}
-            LIBRARY DESTINATION ${karmp_python_folder} COMPONENT python NAMELINK_SKIP
-        )
     else()
         set(karmp_python_folder "${KARMP_PYTHON_FOLDER}/karmp")
         file(RELATIVE_PATH path "${CMAKE_INSTALL_PREFIX}/${karmp_python_folder}"
              "${CMAKE_INSTALL_FULL_LIBDIR}"
         )
-        string(PREPEND path "$ORIGIN/")
+        set_target_properties(karmp_python PROPERTIES INSTALL_RPATH "$ORIGIN/${path}")
     endif()
-    set_target_properties(karmp_python PROPERTIES INSTALL_RPATH "${path}")
     install(TARGETS karmp_python LIBRARY DESTINATION ${karmp_python_folder} COMPONENT python)
     get_target_property(files karmp_python KARMP_FILES)
     install(FILES ${files} DESTINATION ${karmp_python_folder} COMPONENT python)

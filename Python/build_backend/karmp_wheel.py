@@ -44,7 +44,7 @@ def run(*command):
 
 
 def lay_out():
-    """The folder with the package, its libraries inside."""
+    """The folder with the package, its libraries in the module."""
     stage = BUILD / "stage"
     shutil.rmtree(stage, ignore_errors=True)
     run("cmake", "--preset", "wheel", f"-DPython3_EXECUTABLE={sys._base_executable}")
