@@ -1,7 +1,8 @@
-"""The types of the package, by mypy: they are the module's own, right programs pass, and forty mistakes
-are found."""
+"""The types of the package, by mypy and pyright: they are the module's own, right programs pass, and forty
+mistakes are found."""
 
 import doctest
+import json
 import os
 import pathlib
 import re
@@ -15,8 +16,11 @@ from test_docs import guide_examples
 
 TESTS = pathlib.Path(__file__).resolve().parent
 TYPING = TESTS / "typing"
+MISTAKES = TYPING / "mistakes.py"
 PACKAGE = pathlib.Path(karmp.__file__).parent
+PYRIGHT = TESTS.parents[1] / "build/pyright/node_modules/.bin/pyright"
 CACHE = tempfile.TemporaryDirectory()
+unittest.addModuleCleanup(CACHE.cleanup)
 
 
 def has_mypy():
@@ -39,13 +43,24 @@ def check(*files):
     return run("mypy", "--strict", "--no-error-summary", *files)
 
 
+def right_programs():
+    """Programs without mistakes, that of the guide among them."""
+    guide = pathlib.Path(CACHE.name, "guide.py")
+    parsed = doctest.DocTestParser().get_examples(guide_examples())
+    shown = "# pyright: reportUnusedExpression=false\n"
+    guide.write_text(shown + "".join(example.source for example in parsed), "utf-8")
+    return [TYPING / "uses.py", guide, *sorted((TESTS.parent / "examples").glob("*.py"))]
+
+
+def planted_mistakes():
+    """The lines of the program with mistakes that have one."""
+    lines = MISTAKES.read_text("utf-8").splitlines()
+    return [i for i, line in enumerate(lines, 1) if line.endswith("# mistake")]
+
+
 # Continuous integration has mypy; a machine that only builds the package may lack it.
 @unittest.skipUnless(has_mypy() or "CI" in os.environ, "mypy is not installed")
 class Types(unittest.TestCase):
-    @classmethod
-    def tearDownClass(cls):
-        CACHE.cleanup()
-
     def test_stubs_are_what_the_module_has(self):
         exceptions = TYPING / "not_in_stubs.txt"
         told = run("mypy.stubtest", "karmp", "--concise", "--allowlist", exceptions)
@@ -54,24 +69,39 @@ class Types(unittest.TestCase):
         self.assertLessEqual(len([line for line in lines if not line.startswith("#")]), 5)
 
     def test_stubs_and_right_programs_have_no_error(self):
-        examples = sorted((TESTS.parent / "examples").glob("*.py"))
         told = check("-p", "karmp")
         self.assertEqual((told.returncode, told.stdout), (0, ""))
-        guide = pathlib.Path(CACHE.name, "guide.py")
-        parsed = doctest.DocTestParser().get_examples(guide_examples())
-        guide.write_text("".join(example.source for example in parsed), "utf-8")
-        for program in [TYPING / "uses.py", guide, *examples]:
+        for program in right_programs():
             with self.subTest(program.name):
                 told = check(program)
                 self.assertEqual((told.returncode, told.stdout), (0, ""))
 
     def test_forty_of_forty_mistakes_are_found(self):
-        program = TYPING / "mistakes.py"
-        lines = program.read_text("utf-8").splitlines()
-        planted = [i for i, line in enumerate(lines, 1) if line.endswith("# mistake")]
+        planted = planted_mistakes()
         self.assertEqual(len(planted), 40)
-        found = re.findall(r"^.*mistakes\.py:(\d+): error", check(program).stdout, re.MULTILINE)
+        found = re.findall(r"^.*mistakes\.py:(\d+): error", check(MISTAKES).stdout, re.MULTILINE)
         self.assertEqual(sorted({int(line) for line in found}), planted)
+
+
+@unittest.skipUnless(PYRIGHT.exists(), "pyright is not installed; scripts/types installs it")
+class Pyright(unittest.TestCase):
+    def test_package_and_right_programs_are_clean_and_mistakes_are_found(self):
+        files = [*PACKAGE.glob("*.pyi"), MISTAKES, *right_programs()]
+        project = pathlib.Path(CACHE.name, "pyrightconfig.json")
+        project.write_text(json.dumps({
+            "include": [os.path.relpath(file, CACHE.name) for file in files],
+            "exclude": [],
+            "extraPaths": [str(PACKAGE.parent)],
+            "typeCheckingMode": "strict",
+        }), "utf-8")
+        told = subprocess.run([PYRIGHT, "--outputjson", "--pythonpath", sys.executable, "-p", project],
+                              capture_output=True, text=True, cwd=CACHE.name)
+        report = json.loads(told.stdout)
+        self.assertEqual(report["summary"]["filesAnalyzed"], len(files))
+        found = [(pathlib.Path(entry["file"]).name, entry["range"]["start"]["line"] + 1, entry["message"])
+                 for entry in report["generalDiagnostics"]]
+        self.assertEqual([entry for entry in found if entry[0] != MISTAKES.name], [])
+        self.assertEqual(sorted({line for _, line, _ in found}), planted_mistakes())
 
 
 if __name__ == "__main__":
