@@ -16,5 +16,9 @@ namespace karmp::documents {
 /// the existing file is as it was and the temporary one is removed. Does not throw.
 [[nodiscard]] KARMP_DOCUMENTS_API Diagnostics WriteWholeFile(const std::filesystem::path& path,
                                                              std::string_view bytes);
+/// Copies a file in the same way. The copy gets the permissions of the file before it gets the
+/// content, whatever those of a file that it replaces were.
+[[nodiscard]] KARMP_DOCUMENTS_API Diagnostics CopyWholeFile(const std::filesystem::path& from,
+                                                            const std::filesystem::path& to);
 
 } // namespace karmp::documents

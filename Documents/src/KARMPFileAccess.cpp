@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <exception>
 #include <fcntl.h>
+#include <limits>
 #include <new>
 #include <random>
 #include <sys/stat.h>
@@ -126,22 +127,25 @@ void SynchroniseFolder(const fs::path& target)
         ::fsync(file.Get());
 }
 
-bool Replace(const fs::path& target, const struct stat* old, std::string_view bytes,
+// The permissions are those of `model`; without one those that the process gives.
+bool Replace(const fs::path& target, const struct stat* model, std::string_view bytes,
              Messages& messages)
 {
     constexpr mode_t everybody = 0666;
+    constexpr mode_t owner = 0600;
     constexpr mode_t permissions = 0777;
     const std::string temporary = TemporaryName(target);
-    File file(Open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, everybody));
+    File file(Open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW,
+                   model != nullptr ? owner : everybody));
     if (!file.IsOpen())
         return CannotWrite(messages, "cannot create a file in the folder", errno);
     file.SetTemporary(temporary);
-    if (old != nullptr) {
+    if (model != nullptr) {
         // Only privileged users may change the owner: the content matters more than the owner.
-        if (::fchown(file.Get(), old->st_uid, old->st_gid) != 0 &&
-            ::fchown(file.Get(), static_cast<uid_t>(-1), old->st_gid) != 0)
+        if (::fchown(file.Get(), model->st_uid, model->st_gid) != 0 &&
+            ::fchown(file.Get(), static_cast<uid_t>(-1), model->st_gid) != 0)
             errno = 0;
-        if (::fchmod(file.Get(), old->st_mode & permissions) != 0)
+        if (::fchmod(file.Get(), model->st_mode & permissions) != 0)
             return CannotWrite(messages, "cannot keep the permissions of the file", errno);
     }
     if (!WriteAll(file.Get(), bytes) || ::fsync(file.Get()) != 0 || !file.Close())
@@ -153,8 +157,14 @@ bool Replace(const fs::path& target, const struct stat* old, std::string_view by
     return true;
 }
 
-bool Write(const fs::path& path, std::string_view bytes, Messages& messages)
+// The permissions are those of `model`; without one those of the file that is replaced.
+bool Write(const fs::path& path, std::string_view bytes, Messages& messages,
+           const struct stat* model = nullptr)
 {
+    if (path.empty()) {
+        messages.Error(Code::CannotWrite, "cannot write a file without a name");
+        return false;
+    }
     const fs::path target = TargetOf(path);
     struct stat old
     {};
@@ -162,14 +172,30 @@ bool Write(const fs::path& path, std::string_view bytes, Messages& messages)
     if (!exists && errno != ENOENT)
         return CannotWrite(messages, "cannot write the file", errno);
     if (!exists)
-        return Replace(target, nullptr, bytes, messages);
+        return Replace(target, model, bytes, messages);
     if (S_ISDIR(old.st_mode))
         return CannotWrite(messages, "cannot write the file", EISDIR);
     if (!S_ISREG(old.st_mode))
         return WriteDirectly(target, bytes, messages);
     if (::faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0)
         return CannotWrite(messages, "cannot write the file", errno);
-    return Replace(target, &old, bytes, messages);
+    return Replace(target, model != nullptr ? model : &old, bytes, messages);
+}
+
+// The messages of what is done to a file; an exception is an error.
+template <class Work>
+Diagnostics Guarded(const fs::path& path, const std::string& what, const Work& work)
+{
+    Diagnostics diagnostics;
+    Messages messages(diagnostics, path.string(), Limits().diagnostics);
+    try {
+        work(messages);
+    } catch (const std::bad_alloc&) {
+        messages.Error(Code::OutOfMemory, what + ": an allocation failed");
+    } catch (const std::exception& exception) {
+        messages.Error(Code::CannotWrite, what + ": " + exception.what());
+    }
+    return diagnostics;
 }
 
 } // namespace
@@ -220,16 +246,23 @@ bool ReadWholeFile(const fs::path& path, std::size_t limit, std::string& bytes, 
 
 Diagnostics WriteWholeFile(const fs::path& path, std::string_view bytes)
 {
-    Diagnostics diagnostics;
-    Messages messages(diagnostics, path.string(), Limits().diagnostics);
-    try {
-        Write(path, bytes, messages);
-    } catch (const std::bad_alloc&) {
-        messages.Error(Code::OutOfMemory, "cannot write the file: an allocation failed");
-    } catch (const std::exception& exception) {
-        messages.Error(Code::CannotWrite,
-                       std::string("cannot write the file: ") + exception.what());
-    }
+    return Guarded(
+        path, "cannot write the file", [&](Messages& messages) { Write(path, bytes, messages); });
+}
+
+Diagnostics CopyWholeFile(const fs::path& from, const fs::path& to)
+{
+    struct stat model
+    {};
+    std::string bytes;
+    Diagnostics diagnostics = Guarded(from, "cannot copy the file", [&](Messages& messages) {
+        constexpr std::size_t any = std::numeric_limits<std::size_t>::max();
+        if (ReadWholeFile(from, any, bytes, messages) && ::stat(from.c_str(), &model) != 0)
+            CannotRead(messages, Code::CannotOpen, "cannot open the file: " + SystemText(errno));
+    });
+    if (!diagnostics.HasErrors())
+        diagnostics = Guarded(to, "cannot write the file",
+                              [&](Messages& messages) { Write(to, bytes, messages, &model); });
     return diagnostics;
 }
 

@@ -74,6 +74,13 @@ protected:
     {
         std::ofstream(path, std::ios::binary) << text;
     }
+    static mode_t PermissionsOf(const fs::path& path)
+    {
+        struct stat status
+        {};
+        EXPECT_EQ(::stat(path.c_str(), &status), 0);
+        return status.st_mode & 07777U;
+    }
     void ExpectSaved(const fs::path& path)
     {
         const Diagnostics diagnostics = m_root.SaveXml(path);
@@ -136,10 +143,7 @@ TEST_F(DocumentFile, ReplacesAnOldOneAndKeepsItsPermissions)
     Write(Path(), std::string(100'000, 'x'));
     ASSERT_EQ(::chmod(Path().c_str(), 0640), 0);
     ExpectSaved(Path());
-    struct stat status
-    {};
-    ASSERT_EQ(::stat(Path().c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 07777U, 0640U);
+    EXPECT_EQ(PermissionsOf(Path()), 0640U);
     EXPECT_EQ(FileCount(), 1U);
 }
 
@@ -148,10 +152,43 @@ TEST_F(DocumentFile, ANewOneHasThePermissionsOfTheProcess)
     const mode_t mask = ::umask(027);
     ExpectSaved(Path());
     ::umask(mask);
-    struct stat status
-    {};
-    ASSERT_EQ(::stat(Path().c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 07777U, 0640U);
+    EXPECT_EQ(PermissionsOf(Path()), 0640U);
+}
+
+TEST_F(DocumentFile, ACopyHasTheContentAndThePermissionsWhateverItReplaces)
+{
+    Write(Path(), "secret");
+    ASSERT_EQ(::chmod(Path().c_str(), 0600), 0);
+    for (const mode_t old : {0U, 0644U}) {
+        if (old != 0) {
+            Write(Path("copy"), "old");
+            ASSERT_EQ(::chmod(Path("copy").c_str(), old), 0);
+        }
+        EXPECT_FALSE(CopyWholeFile(Path(), Path("copy")).HasErrors());
+        EXPECT_EQ(Content(Path("copy")), "secret");
+        EXPECT_EQ(PermissionsOf(Path("copy")), 0600U);
+    }
+    EXPECT_EQ(FileCount(), 2U);
+}
+
+TEST_F(DocumentFile, ACopyThatFailsTellsWhichFileIsAtFault)
+{
+    Write(Path(), "text");
+    const Diagnostics unread = CopyWholeFile(Path("missing"), Path("copy"));
+    ASSERT_NE(unread.Find(Code::CannotOpen), nullptr);
+    EXPECT_EQ(unread.items[0].file, Path("missing").string());
+    const Diagnostics unwritten = CopyWholeFile(Path(), Path("missing") / "copy");
+    ASSERT_NE(unwritten.Find(Code::CannotWrite), nullptr);
+    EXPECT_EQ(unwritten.items[0].file, (Path("missing") / "copy").string());
+    EXPECT_EQ(FileCount(), 1U);
+}
+
+TEST_F(DocumentFile, AnEmptyNameIsToldAsOne)
+{
+    const Diagnostics diagnostics = WriteWholeFile("", "text");
+    ASSERT_EQ(diagnostics.items.size(), 1U);
+    EXPECT_EQ(Format(diagnostics.items[0]),
+              "error: cannot write a file without a name [cannot-write]");
 }
 
 TEST_F(DocumentFile, AReaderOfTheOldOneKeepsIt)

@@ -14,9 +14,7 @@
 #include "ToolLimits.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <iterator>
 #include <set>
@@ -74,15 +72,8 @@ bool KeepBackup(const WriteOptions& options)
     if (options.backup.empty() || options.output == StandardStream ||
         !fs::is_regular_file(options.output, missing))
         return true;
-    std::ifstream file(options.output, std::ios::binary);
-    const std::string bytes((std::istreambuf_iterator<char>(file)),
-                            std::istreambuf_iterator<char>());
-    if (!file.good() && !file.eof()) {
-        std::cerr << "karmp: cannot read " << Printable(std::string_view(options.output))
-                  << " for a backup\n";
-        return false;
-    }
-    const Diagnostics messages = documents::WriteWholeFile(options.output + options.backup, bytes);
+    const Diagnostics messages =
+        documents::CopyWholeFile(options.output, options.output + options.backup);
     PrintMessages(messages, true);
     return !messages.HasErrors();
 }

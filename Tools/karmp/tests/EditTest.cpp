@@ -36,6 +36,18 @@ TEST_F(EditCommands, WithoutAnOutputTheDocumentIsReplacedAndKeptAsABackup)
     EXPECT_EQ(ReadFile(m_document + "~"), CleanDocument());
 }
 
+TEST_F(EditCommands, TheBackupOfAPrivateDocumentIsPrivate)
+{
+    constexpr fs::perms Private = fs::perms::owner_read | fs::perms::owner_write;
+    fs::permissions(m_document, Private);
+    Write("in.xml~", "an older backup, for everybody");
+    for (const char* const name : {"Kurbel", "Arm"}) {
+        EXPECT_EQ(Run("rename '" + m_document + "' Crank --backup " + name).code, 0);
+        EXPECT_EQ(fs::status(m_document + "~").permissions(), Private);
+        EXPECT_EQ(fs::status(m_document).permissions(), Private);
+    }
+}
+
 TEST_F(EditCommands, DryRunTellsAndWritesNothing)
 {
     const Outcome outcome = Run("delete '" + m_document + "' Crank --dry-run");
