@@ -4,6 +4,8 @@
 #include "KARTextConversion.h"
 
 #include <algorithm>
+#include <cmath>
+#include <optional>
 #include <sstream>
 #include <utility>
 #include <vector>
@@ -16,57 +18,83 @@ using Entity = QOBSharedHandle<KARMPEntity>;
 using model::Model;
 using model::Result;
 
-model::Outcome Refused(const ItemInfo& item, const std::string& text, const std::string& wanted)
+model::Outcome Refused(const ItemInfo& item, const std::string& text, const std::string& says)
 {
-    return model::Outcome(
-        model::Problem{kar::ToUtf8(item.path) + ": \"" + text + "\" is not " + wanted});
+    return model::Outcome(model::Problem{kar::ToUtf8(item.path) + ": \"" + text + "\" " + says});
 }
 
-std::vector<std::string> PartsOf(const std::string& text)
+model::Outcome HasGap(const ItemInfo& item, const std::string& text)
+{
+    return Refused(item, text, "has an empty entry");
+}
+
+// The texts between the commas without the blanks around them; none when one is empty.
+std::optional<std::vector<std::string>> PartsOf(const std::string& text)
 {
     std::vector<std::string> parts;
-    std::istringstream stream(text);
-    for (std::string part; std::getline(stream, part, ',');)
-        parts.push_back(part);
+    for (std::size_t begin = 0; begin <= text.size();) {
+        const std::size_t end = std::min(text.find(',', begin), text.size());
+        const std::size_t first = text.find_first_not_of(' ', begin);
+        if (first >= end)
+            return std::nullopt;
+        parts.push_back(text.substr(first, text.find_last_not_of(' ', end - 1) + 1 - first));
+        begin = end + 1;
+    }
     return parts;
 }
 
 Result<Value> NumbersOf(const ItemInfo& item, const std::string& text)
 {
-    std::string blanks = text;
-    std::replace(blanks.begin(), blanks.end(), ',', ' ');
+    const auto parts = PartsOf(text);
+    if (!parts)
+        return HasGap(item, text);
     std::vector<double> numbers;
-    std::istringstream stream(blanks);
-    for (std::string part; stream >> part;) {
-        double number = 0.0;
-        if (!kar::IsNumber(kar::ToWide(std::string_view(part))) ||
-            kar::ScanDouble(std::string_view(part), number) != 1)
-            return Refused(item, part, "a number");
-        numbers.push_back(number);
+    for (const std::string& part : *parts) {
+        std::istringstream words(part);
+        for (std::string word; words >> word;) {
+            double number = 0.0;
+            if (!kar::IsNumber(kar::ToWide(std::string_view(word))) ||
+                kar::ScanDouble(std::string_view(word), number) != 1)
+                return Refused(item, word, "is not a number");
+            if (!std::isfinite(number))
+                return Refused(item, word, "is not a finite number");
+            numbers.push_back(number);
+        }
     }
     const bool isSingle = item.kind == ItemKind::Number || item.kind == ItemKind::OptionalNumber;
     const std::size_t wanted = isSingle ? 1 : item.numberCount;
     if (numbers.size() != wanted)
-        return Refused(item, text, std::to_string(wanted) + (wanted == 1 ? " number" : " numbers"));
+        return Refused(item, text,
+                       isSingle ? "is not one number"
+                                : "is not " + std::to_string(wanted) + " numbers");
     if (isSingle)
         return Value(numbers.front());
     return Value(NumberArray(item.shape, numbers));
 }
 
+// A name may have a comma: the whole text is one key, if there is such an entity.
 Result<Value> TargetsOf(const Model& model, const ItemInfo& item, const std::string& text)
 {
+    const bool isList = item.kind == ItemKind::References;
+    auto whole = model.Get<KARMPEntity>(text);
+    const auto parts = PartsOf(text);
+    if (whole || !isList) {
+        if (!whole && parts && parts->size() == 1)
+            whole = model.Get<KARMPEntity>(parts->front());
+        if (!whole)
+            return model::Outcome(whole.Error());
+        return isList ? Value(std::vector<Entity>{whole->Handle()}) : Value(whole->Handle());
+    }
+    if (!parts)
+        return HasGap(item, text);
     std::vector<Entity> targets;
-    for (const std::string& key : PartsOf(text)) {
+    for (const std::string& key : *parts) {
         const auto found = model.Get<KARMPEntity>(key);
         if (!found)
             return model::Outcome(found.Error());
         targets.push_back(found->Handle());
     }
-    if (item.kind == ItemKind::References)
-        return Value(std::move(targets));
-    if (targets.size() != 1)
-        return Refused(item, text, "one entity");
-    return Value(targets.front());
+    return Value(std::move(targets));
 }
 
 Result<Value> FlagOf(const ItemInfo& item, const std::string& text)
@@ -75,7 +103,7 @@ Result<Value> FlagOf(const ItemInfo& item, const std::string& text)
                                       std::pair("no", false), std::pair("false", false)})
         if (text == word)
             return Value(value);
-    return Refused(item, text, "yes or no");
+    return Refused(item, text, "is not yes or no");
 }
 
 // "None" may be a text or a word itself.
@@ -111,7 +139,7 @@ Result<Value> ValueOfText(const Model& model, const ItemInfo& item, const std::s
         int number = 0;
         if (!kar::IsInteger(kar::ToWide(std::string_view(text))) ||
             kar::ScanInt(std::string_view(text), number) != 1)
-            return Refused(item, text, "a whole number");
+            return Refused(item, text, "is not a whole number");
         return Value(number);
     }
     case ItemKind::Reference:
@@ -122,7 +150,7 @@ Result<Value> ValueOfText(const Model& model, const ItemInfo& item, const std::s
     case ItemKind::Code:
         return Value(kar::ToWide(std::string_view(text)));
     default:
-        return Refused(item, text, "what a command line can tell");
+        return Refused(item, text, "is not what a command line can tell");
     }
 }
 

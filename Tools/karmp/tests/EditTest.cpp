@@ -75,6 +75,7 @@ TEST_F(EditCommands, UnknownEntityItemOrValueWritesNothing)
     } mistakes[] = {{"Crnk Mass=1", "near: \"Crank\""},
                     {"Crank Mas=1", "near: \"Mass\""},
                     {"Crank Mass=heavy", "\"heavy\" is not a number"},
+                    {"Crank Mass=1e999", "is not a number"},
                     {"Crank COG=1,2", "is not 3 numbers"},
                     {"Crank is_fixed=maybe", "is not yes or no"},
                     {"Crank Mass", "has no ="}};
@@ -84,6 +85,52 @@ TEST_F(EditCommands, UnknownEntityItemOrValueWritesNothing)
         ExpectContains(outcome.output, reason);
     }
     EXPECT_EQ(ReadFile(m_document), CleanDocument());
+}
+
+TEST_F(EditCommands, NumbersThatAreNotFiniteAreRefused)
+{
+    for (const std::string number : {"nan", "inf", "-inf"})
+        for (const std::string item : {"Mass=", "COG=1,2,"}) {
+            const Outcome outcome = Run("set '" + m_document + "' Crank " + item + number);
+            EXPECT_EQ(outcome.code, 64) << item << number;
+            ExpectContains(outcome.output,
+                           (item == "Mass=" ? "Weight/Mass: \"" : "Weight/COG: \"") + number +
+                               "\" is not a finite number");
+        }
+    EXPECT_EQ(ReadFile(m_document), CleanDocument());
+}
+
+TEST_F(EditCommands, ListsTakeBlanksBesideCommasAndNoEmptyEntry)
+{
+    const std::string line = "set '" + m_document + "' ";
+    for (const char* const gap : {"'Crank pin' Bodies=Crank,", "'Crank pin' 'Bodies=Crank, ,Rod'",
+                                  "'Crank pin' Bodies=,Rod", "Crank COG=1,,2,3", "Crank COG=1,2,3,",
+                                  "Crank 'COG= ,1,2,3'"}) {
+        const Outcome outcome = Run(line + gap);
+        EXPECT_EQ(outcome.code, 64) << gap;
+        ExpectContains(outcome.output, "has an empty entry");
+    }
+    EXPECT_EQ(ReadFile(m_document), CleanDocument());
+    EXPECT_EQ(Run(line + "Crank 'COG= 1, 2 ,3'").code, 0);
+    ExpectContains(ReadFile(m_document), "<COG><Px>1</Px><Py>2</Py><Pz>3</Pz></COG>");
+    const Outcome outcome = Run(line + "'Crank angle' 'Constraints= Crank pin.constraint , "
+                                       "Slider pin.constraint '");
+    EXPECT_EQ(outcome.code, 0) << outcome.output;
+    ExpectContains(outcome.output, "+ Variables: Variable \"Crank angle\"");
+}
+
+TEST_F(EditCommands, ANameWithACommaIsFoundAsTheWholeText)
+{
+    const std::string line = "set '" + m_document + "' ";
+    EXPECT_EQ(Run("rename '" + m_document + "' 'Crank pin.constraint' 'Pin, upper'").code, 0);
+    EXPECT_EQ(Run("rename '" + m_document + "' Rod 'Rod,long'").code, 0);
+    const Outcome list = Run(line + "'Crank angle' 'Constraints=Pin, upper'");
+    ExpectContains(list.output, "RevoluteConstraint \"Pin, upper\"\n  + Variables: Variable");
+    const Outcome single = Run(line + "'Crank.Crank pin' Body=Rod,long");
+    ExpectContains(single.output, "becomes Body \"Rod,long\"");
+    const Outcome two = Run(line + "'Crank.Crank pin' Body=Crank,Slider");
+    EXPECT_EQ(two.code, 64);
+    ExpectContains(two.output, "\"Crank,Slider\"");
 }
 
 TEST_F(EditCommands, OptionalNumberIsUnsetByNoneOrAnEmptyWord)
