@@ -1,46 +1,17 @@
 #include "KARMPIdentifierNumbers.h"
 
 #include "KARPrefetch.h"
+#include "KARTextHash.h"
 
-#include <bit>
-#include <cstring>
 #include <utility>
 
 namespace karmp::documents {
-
-namespace {
-
-// Eight bytes at a time, of which the last may overlap those before them.
-std::uint32_t HashOf(std::string_view text)
-{
-    constexpr std::size_t step = sizeof(std::uint64_t);
-    std::uint64_t hash = text.size();
-    const auto mix = [&hash](std::uint64_t word) {
-        hash = (std::rotl(hash, 29) ^ word) * 0x9E3779B97F4A7C15U;
-    };
-    if (text.size() < step) {
-        for (const char byte : text)
-            mix(static_cast<unsigned char>(byte));
-        return static_cast<std::uint32_t>(hash >> 32U);
-    }
-    const auto word = [text](std::size_t offset) {
-        std::uint64_t bytes = 0;
-        std::memcpy(&bytes, text.data() + offset, sizeof bytes);
-        return bytes;
-    };
-    for (std::size_t offset = 0; offset + step < text.size(); offset += step)
-        mix(word(offset));
-    mix(word(text.size() - step));
-    return static_cast<std::uint32_t>(hash >> 32U);
-}
-
-} // namespace
 
 void IdentifierNumbers::Await(std::string_view identifier, std::uint32_t attribute)
 {
     Waiting& added = m_waiting[m_waitingCount++];
     added.text = identifier;
-    added.hash = HashOf(identifier);
+    added.hash = static_cast<std::uint32_t>(kar::HashText(identifier).hash >> 32U);
     added.attribute = attribute;
     kar::Prefetch(&SlotAt(added.hash), sizeof(Slot));
 }

@@ -3,11 +3,10 @@
 #include "KARMPModelNames.h"
 #include "KARPrefetch.h"
 #include "KARTextConversion.h"
+#include "KARTextHash.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
-#include <functional>
 #include <iterator>
 #include <memory>
 #include <string>
@@ -56,76 +55,24 @@ bool IsText(const kar::SharedText& text, std::string_view utf8)
 
 namespace {
 
-constexpr std::uint64_t Factor = 0x9E3779B97F4A7C15U;
-
-// The bits that a last factor mixes best; the low one marks a slot that is used.
+// The low bit marks a slot that is used.
 std::uint32_t Marked(std::uint64_t hash)
 {
-    return static_cast<std::uint32_t>(hash * Factor >> 32) | 1;
-}
-
-template <class Word>
-std::uint64_t Load(const char* from)
-{
-    Word word = 0;
-    std::memcpy(&word, from, sizeof word);
-    return word;
-}
-
-/// The hash of a text, and whether all of its characters are ASCII.
-struct NarrowHash
-{
-    std::uint32_t hash = 0;
-    bool isAscii = false;
-};
-
-// Eight characters at once; the last ones, which may have been taken already, by two loads that
-// overlap.
-NarrowHash HashOfNarrow(std::string_view text)
-{
-    std::uint64_t hash = text.size();
-    std::uint64_t all = 0;
-    const char* from = text.data();
-    const char* const end = from + text.size();
-    const auto take = [&](std::uint64_t word) {
-        hash = (hash ^ word) * Factor;
-        hash ^= hash >> 32;
-    };
-    for (; end - from > 8; from += 8) {
-        const auto word = Load<std::uint64_t>(from);
-        all |= word;
-        take(word);
-    }
-    std::uint64_t last = 0;
-    if (text.size() >= 8)
-        last = Load<std::uint64_t>(end - 8);
-    else if (text.size() >= 4)
-        last = Load<std::uint32_t>(from) | Load<std::uint32_t>(end - 4) << 32;
-    else if (!text.empty())
-        last = Load<std::uint8_t>(from) | Load<std::uint8_t>(from + text.size() / 2) << 8 |
-               Load<std::uint8_t>(end - 1) << 16;
-    all |= last;
-    take(last);
-    return {Marked(hash), (all & 0x8080808080808080U) == 0};
-}
-
-std::uint32_t HashOfWide(std::wstring_view text)
-{
-    return Marked(std::hash<std::wstring_view>()(text));
+    return static_cast<std::uint32_t>(hash >> 32U) | 1U;
 }
 
 std::uint32_t HashOf(std::string_view identifier, bool& isAscii)
 {
-    const NarrowHash narrow = HashOfNarrow(identifier);
+    const kar::TextHash narrow = kar::HashText(identifier);
     isAscii = narrow.isAscii;
-    return isAscii ? narrow.hash : HashOfWide(kar::ToWide(identifier));
+    return Marked(isAscii ? narrow.hash : kar::HashText(kar::ToWide(identifier)).hash);
 }
 
 // Needs no allocation.
 std::uint32_t HashOf(const kar::SharedText& identifier)
 {
-    return identifier.IsNarrow() ? HashOfNarrow(identifier.Narrow()).hash
-                                 : HashOfWide(identifier.Get());
+    return Marked(identifier.IsNarrow() ? kar::HashText(identifier.Narrow()).hash
+                                        : kar::HashText(identifier.Get()).hash);
 }
 
 } // namespace

@@ -1,8 +1,8 @@
 #include "KARMPAttributeIndex.h"
 
 #include "KARMPEntity.h"
+#include "KARTextHash.h"
 
-#include <functional>
 #include <utility>
 
 namespace karmp {
@@ -23,7 +23,7 @@ std::string_view AttributeIndex::TextOf(const QOBSharedBase& handle)
 
 std::uint32_t AttributeIndex::HashOf(std::string_view text) noexcept
 {
-    return static_cast<std::uint32_t>(std::hash<std::string_view>()(text));
+    return static_cast<std::uint32_t>(kar::HashText(text).hash);
 }
 
 std::size_t AttributeIndex::Find(const KARMPHandleSequence& handles, std::string_view text)

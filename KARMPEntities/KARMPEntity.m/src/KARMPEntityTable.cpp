@@ -1,11 +1,10 @@
 #include "KARMPEntityTable.h"
 
 #include "KARMPEntity.h"
+#include "KARTextHash.h"
 
 #include <algorithm>
-#include <array>
 #include <bit>
-#include <cstring>
 #include <limits>
 #include <stdexcept>
 #include <utility>
@@ -21,36 +20,10 @@ bool IsAscii(std::wstring_view text)
         [](wchar_t character) { return static_cast<std::uint32_t>(character) < 0x80U; });
 }
 
-// Eight characters as a number; of a wide one the low bits count, which are all of an ASCII one.
-template <class Character>
-std::uint64_t WordOf(const Character* text, std::size_t size)
-{
-    std::array<unsigned char, sizeof(std::uint64_t)> bytes{};
-    if constexpr (sizeof(Character) == 1) {
-        std::memcpy(bytes.data(), text, size);
-    } else {
-        std::transform(
-            text, text + size, bytes.begin(),
-            [](Character character) { return static_cast<unsigned char>(character); });
-    }
-    std::uint64_t word = 0;
-    std::memcpy(&word, bytes.data(), sizeof word);
-    return word;
-}
-
-// The same for a narrow and for a wide form of a text.
 template <class Character>
 std::uint32_t HashOf(std::basic_string_view<Character> text) noexcept
 {
-    constexpr std::size_t step = sizeof(std::uint64_t);
-    std::uint64_t hash = text.size();
-    const auto mix = [&hash](std::uint64_t word) {
-        hash = (std::rotl(hash, 29) ^ word) * 0x9E3779B97F4A7C15U;
-    };
-    for (; text.size() >= step; text.remove_prefix(step))
-        mix(WordOf(text.data(), step));
-    mix(WordOf(text.data(), text.size()));
-    return static_cast<std::uint32_t>(hash >> 32U);
+    return static_cast<std::uint32_t>(kar::HashText(text).hash >> 32U);
 }
 
 struct Ranked
