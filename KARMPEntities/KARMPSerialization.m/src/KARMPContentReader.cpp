@@ -1,17 +1,63 @@
 // Reading by content lists.
 #include "KARMPContentReader.h"
 
-#include "KARMPRecordReader.h"
+#include "KARMPNodeSource.h"
+#include "KARMPRecordElement.h"
 #include "KARMPSerializationServices.h"
 #include "KARMPStreamElement.h"
 #include "KARMPValue.h"
 
 #include <algorithm>
 #include <span>
+#include <type_traits>
 
 namespace karmp {
 
-void ContentReader::WalkItem(const Item& item, std::span<const Item> inner, ElementReader& element)
+namespace {
+
+// What is read by nodes alone.
+template <class Read>
+bool FromNode(ElementReader& element, Read read)
+{
+    return read(element);
+}
+template <class Read>
+bool FromNode(RecordElement& element, Read read)
+{
+    return element.FromNode(read);
+}
+
+// Numbers that are all that there is in an element.
+bool TakeDoubles(const ElementReader& /*element*/, std::span<const std::wstring_view> /*names*/,
+                 double* /*values*/)
+{
+    return false;
+}
+bool TakeDoubles(const RecordElement& element, std::span<const std::wstring_view> names,
+                 double* values)
+{
+    return element.TakeDoubles(names, values);
+}
+
+// The target of a child where it is found by its number.
+const QOBSharedHandle<KARMPEntity>* FindNumberedTarget(const ElementReader& /*element*/,
+                                                       std::wstring_view /*name*/,
+                                                       const KARMPEntityTable& /*entities*/)
+{
+    return nullptr;
+}
+const QOBSharedHandle<KARMPEntity>* FindNumberedTarget(const RecordElement& element,
+                                                       std::wstring_view name,
+                                                       const KARMPEntityTable& entities)
+{
+    return element.FindNumberedTarget(name, entities);
+}
+
+} // namespace
+
+template <class Element>
+void ContentReader<Element>::WalkItem(const Item& item, std::span<const Item> inner,
+                                      Element& element)
 {
     switch (item.kind) {
     case ItemKind::Group:
@@ -49,7 +95,8 @@ void ContentReader::WalkItem(const Item& item, std::span<const Item> inner, Elem
     }
 }
 
-void ContentReader::Store(const Item& item, ElementReader& element)
+template <class Element>
+void ContentReader<Element>::Store(const Item& item, Element& element)
 {
     const KARStatus status = item.set(m_owner, m_value);
     if (m_statuses.settersCount)
@@ -58,8 +105,9 @@ void ContentReader::Store(const Item& item, ElementReader& element)
         ElementReader::Set(status, item.where);
 }
 
+template <class Element>
 template <class Value>
-bool ContentReader::Take(const Item& item, ElementReader& element, Value& value) const
+bool ContentReader<Element>::Take(const Item& item, Element& element, Value& value) const
 {
     const Absent absent = item.requiredIfThere && element.Has(item.name) ? Absent::ReportAndFail
                                                                          : AbsentOf(item.presence);
@@ -72,8 +120,9 @@ bool ContentReader::Take(const Item& item, ElementReader& element, Value& value)
                    : element.Value(item.name, value, absent, item.where);
 }
 
+template <class Element>
 template <class Value, class Field>
-void ContentReader::ReadScalar(const Item& item, ElementReader& element, Field& field)
+void ContentReader<Element>::ReadScalar(const Item& item, Element& element, Field& field)
 {
     Value value{};
     const bool isRead = Take(item, element, value);
@@ -83,31 +132,31 @@ void ContentReader::ReadScalar(const Item& item, ElementReader& element, Field& 
     Store(item, element);
 }
 
-void ContentReader::ReadText(const Item& item, ElementReader& element)
+template <class Element>
+void ContentReader<Element>::ReadText(const Item& item, Element& element)
 {
     if (item.place == ItemPlace::Attribute) {
-        karmp::ReadText text;
-        if (!Take(item, element, text))
+        if (!Take(item, element, m_text))
             return;
-        m_value.text = text.View();
+        m_value.text = m_text.View();
         Store(item, element);
     } else if (Take(item, element, m_value.text)) {
         Store(item, element);
     }
 }
 
-bool ContentReader::TakeWord(const Item& item, ElementReader& element)
+template <class Element>
+bool ContentReader<Element>::TakeWord(const Item& item, Element& element)
 {
-    if (item.place == ItemPlace::Attribute) {
-        karmp::ReadText text;
-        return Take(item, element, text) && FindWord(item, text.View());
-    }
+    if (item.place == ItemPlace::Attribute)
+        return Take(item, element, m_text) && FindWord(item, m_text.View());
     std::wstring_view word;
     return Take(item, element, word) && FindWord(item, word);
 }
 
 // The row of a word; false where any other word than those of the table is none.
-bool ContentReader::FindWord(const Item& item, std::wstring_view word)
+template <class Element>
+bool ContentReader<Element>::FindWord(const Item& item, std::wstring_view word)
 {
     const auto found = std::find_if(item.words.begin(), item.words.end(),
                                     [word](std::wstring_view row) { return SameName(row, word); });
@@ -117,14 +166,18 @@ bool ContentReader::FindWord(const Item& item, std::wstring_view word)
     return true;
 }
 
-void ContentReader::ReadDoubles(std::span<const std::wstring_view> names, double* values,
-                                ElementReader& element, Absent absent, KARMPSourceLocation where)
+template <class Element>
+void ContentReader<Element>::ReadDoubles(std::span<const std::wstring_view> names, double* values,
+                                         Element& element, Absent absent, KARMPSourceLocation where)
 {
+    if (TakeDoubles(element, names, values))
+        return;
     for (std::size_t i = 0; i < names.size(); ++i)
         element.Value(names[i], values[i], absent, where);
 }
 
-void ContentReader::ReadNumbers(const Item& item, ElementReader& element)
+template <class Element>
+void ContentReader<Element>::ReadNumbers(const Item& item, Element& element)
 {
     const auto begin = [&] {
         if (item.zeroIfMissing)
@@ -137,7 +190,7 @@ void ContentReader::ReadNumbers(const Item& item, ElementReader& element)
         ReadDoubles(item.words, m_value.numbers.data(), element, AbsentOf(item.presence),
                     item.where);
     } else {
-        ElementReader child = element.Child(item.name, AbsentOf(item.presence), item.where);
+        Element child = element.Child(item.name, AbsentOf(item.presence), item.where);
         if (!child)
             return;
         begin();
@@ -158,9 +211,10 @@ void PutIdentity(const TransformationNames& parts, double* numbers)
 
 } // namespace
 
-void ContentReader::ReadTransformation(const Item& item, ElementReader& element)
+template <class Element>
+void ContentReader<Element>::ReadTransformation(const Item& item, Element& element)
 {
-    ElementReader child = element.Child(item.name, AbsentOf(item.presence), item.where);
+    Element child = element.Child(item.name, AbsentOf(item.presence), item.where);
     if (!child)
         return;
     const TransformationNames& parts = *item.parts;
@@ -169,21 +223,21 @@ void ContentReader::ReadTransformation(const Item& item, ElementReader& element)
         PutIdentity(parts, numbers);
     else
         item.get(m_owner, m_value);
-    if (ElementReader translation =
-            child.Child(parts.translation, Absent::ReportAndKeep, item.where)) {
+    if (Element translation = child.Child(parts.translation, Absent::ReportAndKeep, item.where)) {
         std::fill_n(numbers, parts.vector.size(), 0.0);
         ReadDoubles(parts.vector, numbers, translation, Absent::ReportAndKeep, item.where);
     }
-    if (ElementReader rotation = child.Child(parts.rotation, Absent::ReportAndKeep, item.where))
+    if (Element rotation = child.Child(parts.rotation, Absent::ReportAndKeep, item.where))
         ReadDoubles(parts.matrix, numbers + parts.vector.size(), rotation, Absent::ReportAndKeep,
                     item.where);
     Store(item, element);
 }
 
-void ContentReader::ReadOptionalNumber(const Item& item, ElementReader& element)
+template <class Element>
+void ContentReader<Element>::ReadOptionalNumber(const Item& item, Element& element)
 {
     const Absent absent = AbsentOf(item.presence);
-    ElementReader child = element.Child(item.name, absent, item.where);
+    Element child = element.Child(item.name, absent, item.where);
     bool isSet = false;
     child.Value(item.words[0], isSet, absent, item.where);
     if (isSet && child.Value(item.words[1], m_value.numbers[0], absent, item.where)) {
@@ -192,33 +246,38 @@ void ContentReader::ReadOptionalNumber(const Item& item, ElementReader& element)
     }
 }
 
-void ContentReader::ReadGroup(const Item& item, std::span<const Item> inner, ElementReader& element)
+template <class Element>
+void ContentReader<Element>::ReadGroup(const Item& item, std::span<const Item> inner,
+                                       Element& element)
 {
-    ElementReader child = element.Child(item.name, AbsentOf(item.presence), item.where);
+    Element child = element.Child(item.name, AbsentOf(item.presence), item.where);
     if (!child)
         return;
     if (item.set != nullptr)
         Store(item, element);
-    WalkInner(item, inner, child, element);
+    this->WalkInner(item, inner, child, element);
 }
 
-bool ContentReader::TakeBytes(const Item& item, ElementReader& element)
+template <class Element>
+bool ContentReader<Element>::TakeBytes(const Item& item, Element& element)
 {
     if (item.place != ItemPlace::Attribute)
-        return ReadStream(element, item.name, m_value.bytes, AbsentOf(item.presence), item.where);
-    karmp::ReadText text;
-    if (!Take(item, element, text))
+        return FromNode(element, [&](ElementReader& node) {
+            return ReadStream(node, item.name, m_value.bytes, AbsentOf(item.presence), item.where);
+        });
+    if (!Take(item, element, m_text))
         return false;
-    if (StreamFromText(text.View(), m_value.bytes, item.where))
+    if (StreamFromText(m_text.View(), m_value.bytes, item.where))
         return true;
     if (item.presence == ItemPresence::Required)
         element.Fail();
     return false;
 }
 
-void ContentReader::ReadReference(const Item& item, ElementReader& element)
+template <class Element>
+void ContentReader<Element>::ReadReference(const Item& item, Element& element)
 {
-    const ElementReader child = element.Child(item.name, Absent::Keep, item.where);
+    const Element child = element.Child(item.name, Absent::Keep, item.where);
     if (!child || (item.isWithoutTarget && !child.HasIdentifier()))
         return;
     m_value.target = child.FindTarget(m_entities, item.where);
@@ -226,31 +285,39 @@ void ContentReader::ReadReference(const Item& item, ElementReader& element)
         ElementReader::Set(item.set(m_owner, m_value), item.where);
 }
 
-void ContentReader::ReadValueReference(const Item& item, ElementReader& element)
+template <class Element>
+void ContentReader<Element>::ReadValueReference(const Item& item, Element& element)
 {
     if (item.presence == ItemPresence::Optional && !element.Has(item.name))
         return;
-    QOBSharedHandle<KARMPValue> value;
-    const KARStatus status =
-        KARMPSerializationServices::Deserialize(element.Node(), item.name, m_entities, value);
-    const bool isFound = item.presence == ItemPresence::Reported
-                             ? ElementReader::Set(status, item.where)
-                             : element.Base(status, item.where);
-    if (!isFound)
-        return;
-    const QOBSharedHandle<KARMPEntity> target(value);
-    m_value.target = &target;
+    const QOBSharedHandle<KARMPEntity>* numbered =
+        FindNumberedTarget(element, item.name, m_entities);
+    QOBSharedHandle<KARMPEntity> target;
+    if (numbered == nullptr || !HandleAs<KARMPValue>(*numbered)) {
+        QOBSharedHandle<KARMPValue> value;
+        const KARStatus status =
+            KARMPSerializationServices::Deserialize(element.Node(), item.name, m_entities, value);
+        const bool isFound = item.presence == ItemPresence::Reported
+                                 ? ElementReader::Set(status, item.where)
+                                 : element.Base(status, item.where);
+        if (!isFound)
+            return;
+        target = value;
+        numbered = &target;
+    }
+    m_value.target = numbered;
     Store(item, element);
     m_value.target = nullptr;
 }
 
-void ContentReader::ReadReferences(const Item& item, std::span<const Item> inner,
-                                   ElementReader& element)
+template <class Element>
+void ContentReader<Element>::ReadReferences(const Item& item, std::span<const Item> inner,
+                                            Element& element)
 {
     element.Child(item.name, Absent::Keep, item.where)
         .Each(
             item.entry,
-            [&](ElementReader entry) {
+            [&](Element entry) {
                 m_value.target = entry.FindTarget(m_entities, item.where);
                 if (m_value.target != nullptr && (inner.empty() || ReadAttributes(inner, entry)))
                     ElementReader::Set(item.set(m_owner, m_value), item.where);
@@ -258,7 +325,8 @@ void ContentReader::ReadReferences(const Item& item, std::span<const Item> inner
 }
 
 // The attributes of an entry, which its link needs; one that the version does not have is row 0.
-bool ContentReader::ReadAttributes(std::span<const Item> attributes, ElementReader& entry)
+template <class Element>
+bool ContentReader<Element>::ReadAttributes(std::span<const Item> attributes, Element& entry)
 {
     m_value.number = 0;
     return std::all_of(attributes.begin(), attributes.end(), [&](const Item& attribute) {
@@ -266,13 +334,14 @@ bool ContentReader::ReadAttributes(std::span<const Item> attributes, ElementRead
     });
 }
 
-void ContentReader::ReadRecords(const Item& item, std::span<const Item> inner,
-                                ElementReader& element)
+template <class Element>
+void ContentReader<Element>::ReadRecords(const Item& item, std::span<const Item> inner,
+                                         Element& element)
 {
-    ElementReader list = element.Child(item.name, AbsentOf(item.presence), item.where);
-    list.Each(item.entry, [&](ElementReader entry) {
+    Element list = element.Child(item.name, AbsentOf(item.presence), item.where);
+    list.Each(item.entry, [&](Element entry) {
         const auto made = item.makeRecord();
-        ContentReader(made.get(), m_gate.Version(), m_entities, m_statuses)
+        ContentReader(made.get(), this->m_gate.Version(), m_entities, m_statuses)
             .Walk(inner, entry, false);
         m_value.record = made.get();
         if (!KARFailed(entry.Status()))
@@ -281,8 +350,40 @@ void ContentReader::ReadRecords(const Item& item, std::span<const Item> inner,
             list.Fail();
     });
     if (list)
-        Count(item, list, element);
+        this->Count(item, list, element);
 }
+
+namespace {
+
+// The record of an element whose nodes are not made and whose identifiers the table has by number;
+// none otherwise.
+RecordedElement RecordedFor(const KARMPDeserializer& node, const KARMPEntityTable& entities)
+{
+    if ((NodeBuilder::Missing(node) & ContentPart) == 0)
+        return {};
+    const RecordedElement recorded = NodeBuilder::Recorded(node);
+    return entities.UsesNumbersOf(recorded.records) ? recorded : RecordedElement();
+}
+
+// False, with nothing read, for an element that has no record or no simple one.
+bool ReadRecord(const Content& content, void* owner, ElementReader& element,
+                const KARMPEntityTable& entities, bool baseFailed)
+{
+    const RecordedElement recorded = RecordedFor(*element.Node(), entities);
+    if (recorded.records == nullptr)
+        return false;
+    RecordSource source{*recorded.records, recorded.bytes};
+    RecordElement record(&source, recorded.number, element.Node());
+    if (!record.IsSimple())
+        return false;
+    ContentReader<RecordElement>(owner, element.Version(), entities, content.frame.read)
+        .Walk(content.items, record, baseFailed);
+    if (KARFailed(record.Status()))
+        element.Fail();
+    return true;
+}
+
+} // namespace
 
 KARStatus ReadContent(const Content& content, void* owner, const KARMPDeserializer* deserializer,
                       const KARMPEntityTable& entities, ReadBase base)
@@ -292,10 +393,8 @@ KARStatus ReadContent(const Content& content, void* owner, const KARMPDeserializ
         content, statuses, owner, deserializer, &Content::ReadElementOf, base != nullptr,
         [&](const KARMPDeserializer* element) { return base(owner, element, entities); },
         [&](ElementReader& element, bool baseFailed) {
-            const std::wstring_view version = element.Version();
-            if (!RecordReader(owner, version, entities, statuses)
-                     .WalkRecord(content.items, element, baseFailed))
-                ContentReader(owner, version, entities, statuses)
+            if (!ReadRecord(content, owner, element, entities, baseFailed))
+                ContentReader<ElementReader>(owner, element.Version(), entities, statuses)
                     .Walk(content.items, element, baseFailed);
         });
 }
