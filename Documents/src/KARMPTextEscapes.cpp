@@ -2,11 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <charconv>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 
 namespace karmp::documents {
 
@@ -241,18 +239,6 @@ bool IsSelfStanding(char byte)
            static_cast<unsigned char>(byte) >= 0x20;
 }
 
-// Marks those of eight bytes that are not self-standing. A borrow may also mark a byte after a
-// marked one, never one before it.
-std::uint64_t MarkSpecial(const char* bytes)
-{
-    constexpr std::uint64_t each = 0x0101010101010101U;
-    std::uint64_t word = 0;
-    std::memcpy(&word, bytes, sizeof word);
-    const std::uint64_t notAnd = word ^ each * static_cast<unsigned char>('&');
-    const std::uint64_t notBackslash = word ^ each * static_cast<unsigned char>('\\');
-    return ((word - each * 0x20U) | word | (notAnd - each) | (notBackslash - each)) & each * 0x80U;
-}
-
 // Appends the leading self-standing characters, usually all, and gives their number.
 std::size_t AppendWidened(std::wstring& text, std::string_view raw)
 {
@@ -342,23 +328,6 @@ bool AppendDecoded(std::wstring& text, std::string_view raw, TextContext context
         }
     }
     return known;
-}
-
-bool StandsForItself(const char* raw, const char* end)
-{
-    constexpr auto wordSize = static_cast<std::ptrdiff_t>(sizeof(std::uint64_t));
-    while (end - raw >= wordSize) {
-        const std::uint64_t special = MarkSpecial(raw);
-        if (special != 0) {
-            if constexpr (std::endian::native == std::endian::little)
-                raw += std::countr_zero(special) / 8;
-            break;
-        }
-        raw += wordSize;
-    }
-    while (IsSelfStanding(*raw))
-        ++raw;
-    return *raw == '\0';
 }
 
 void AppendDecodedCData(std::wstring& text, std::string_view raw)

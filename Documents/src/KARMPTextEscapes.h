@@ -25,10 +25,6 @@ void AppendEscaped(std::string& bytes, std::wstring_view text, TextContext conte
 /// that begins no known reference; that one is kept as it is.
 bool AppendDecoded(std::wstring& text, std::string_view raw, TextContext context);
 
-/// True when the raw UTF-8 from `raw` up to a null is ASCII that AppendDecoded appends as it is in
-/// any context. The offset of the null is at most that of `end`.
-bool StandsForItself(const char* raw, const char* end);
-
 /// Appends the characters of a CDATA section.
 void AppendDecodedCData(std::wstring& text, std::string_view raw);
 
