@@ -80,19 +80,18 @@ void EntityText::Begin(std::size_t depth)
 
 namespace {
 
-KARStatus WriteText(const Content& content, const KARMPEntity& entity, std::wstring_view version,
-                    TextElement::Place* place)
+KARStatus WriteText(const Content& content, const KARMPEntity& entity,
+                    ContentWriter<TextElement>& writer, TextElement::Place* place)
 {
     return WalkContent<TextElement>(
         content, content.frame.write, &entity, place, &Content::ElementOf, content.base != nullptr,
         [&](TextElement::Place* element) {
-            return WriteText(content.base(), entity, version, element);
+            return WriteText(content.base(), entity, writer, element);
         },
         [&](TextElement& element, bool baseFailed) {
             const std::size_t written =
                 content.base == nullptr ? element.Names(content, entity) : 0;
-            ContentWriter<TextElement>(&entity, version)
-                .Walk(content.items.subspan(written), element, baseFailed);
+            writer.Walk(content.items.subspan(written), element, baseFailed);
         });
 }
 
@@ -102,7 +101,8 @@ KARStatus EntityText::Write(const Content& content, const KARMPEntity& entity,
                             std::wstring_view version)
 {
     Place& list = m_places.front();
-    const KARStatus status = WriteText(content, entity, version, &list);
+    ContentWriter<TextElement> writer(&entity, version);
+    const KARStatus status = WriteText(content, entity, writer, &list);
     CloseTo(list);
     return status;
 }
@@ -204,6 +204,14 @@ void EntityText::PutText(std::wstring_view text, TextContext context)
         m_out.AppendBy([&](std::string& bytes) { AppendEscaped(bytes, text, context); });
 }
 
+// True when the first items of a content are the identifier and the name.
+bool EntityText::IsNamed(const Content& content)
+{
+    if (&content != m_named && content.items[0].name == L"id" && content.items[1].name == L"name")
+        m_named = &content;
+    return &content == m_named;
+}
+
 // Puts numbers behind the start tag of the innermost element; false, with nothing put, when they do
 // not stand on its line.
 bool EntityText::PutGroup(std::span<const std::wstring_view> names, const double* values)
@@ -252,12 +260,15 @@ void EntityText::PutAttribute(const char (&start)[Size], const kar::SharedText& 
     char* to = m_out.Begin(Size + narrow.size());
     std::memcpy(to, start, Size - 1);
     to += Size - 1;
-    if (text.IsNarrow() && ByteBuffer::Narrow(narrow, to)) {
-        to[narrow.size()] = '"';
-        m_out.End(to + narrow.size() + 1);
-        return;
-    }
     m_out.End(to);
+    if (!text.IsNarrow() || !ByteBuffer::Narrow(narrow, to))
+        return PutEscaped(text);
+    to[narrow.size()] = '"';
+    m_out.End(to + narrow.size() + 1);
+}
+
+void EntityText::PutEscaped(const kar::SharedText& text)
+{
     const kar::SharedText::Wide wide(text);
     m_out.AppendBy(
         [&](std::string& bytes) { AppendEscaped(bytes, wide.View(), TextContext::Attribute); });

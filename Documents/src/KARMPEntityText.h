@@ -215,6 +215,7 @@ private:
 
     void PutText(std::wstring_view text, TextContext context);
     void PutBool(bool value) { m_out.Put(value ? std::string_view("true") : "false"); }
+    bool IsNamed(const Content& content);
     bool PutGroup(std::span<const std::wstring_view> names, const double* values);
     // Most numbers of a model are 0 and 1, and stay so on the grid; a negative zero does not.
     char* PutDouble(double value, char* to)
@@ -229,6 +230,7 @@ private:
     static char* PutSnapped(double value, char* to);
     template <std::size_t Size>
     void PutAttribute(const char (&start)[Size], const kar::SharedText& text);
+    void PutEscaped(const kar::SharedText& text);
     void PutReference(const KARMPEntity& entity, bool withName);
 
     ByteBuffer& m_out;
@@ -242,6 +244,7 @@ private:
     std::string m_late;
     std::wstring_view m_elementName;
     WrittenLinks m_links;
+    const Content* m_named = nullptr;
     std::vector<std::size_t> m_notFinite;
 };
 

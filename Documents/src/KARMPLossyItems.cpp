@@ -1,6 +1,5 @@
 #include "KARMPLossyItems.h"
 
-#include "KARMPContentItem.h"
 #include "KARMPGenericFactory.h"
 #include "QOBClassInfo.h"
 
@@ -48,7 +47,7 @@ std::optional<LossReason> ReasonOf(const ItemInfo& item, std::wstring_view versi
 
 } // namespace
 
-bool LossyItem::IsLostOf(const KARMPEntity& entity) const
+bool LossyItem::IsLostOf(const KARMPEntity& entity, ItemValue& value) const
 {
     if (reason == LossReason::Condition && item->IsWrittenFor(entity))
         return false;
@@ -63,11 +62,9 @@ bool LossyItem::IsLostOf(const KARMPEntity& entity) const
     // Numbers and texts, which many constraints have, are compared where they are.
     const auto* const number = std::get_if<double>(&fresh);
     const auto* const text = std::get_if<std::wstring>(&fresh);
-    if ((number != nullptr && item->kind == ItemKind::Number) || text != nullptr) {
-        ItemValue value;
+    if ((number != nullptr && item->kind == ItemKind::Number) || text != nullptr)
         return KARFailed(item->written->get(&entity, value)) ||
                (text != nullptr ? value.text != *text : value.numbers[0] != *number);
-    }
     return item->Get(entity) != fresh;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "KARMPContentItem.h"
 #include "KARMPItems.h"
 
 #include <cstdint>
@@ -28,8 +29,9 @@ struct LossyItem
     /// What a new entity has, and so one that is read.
     Value fresh;
 
-    /// True when the document does not give back what an entity has.
-    bool IsLostOf(const KARMPEntity& entity) const;
+    /// True when the document does not give back what an entity has. `value` is for what the item
+    /// fetches.
+    bool IsLostOf(const KARMPEntity& entity, ItemValue& value) const;
     /// The path of the item, for a word that of the attribute.
     std::wstring Path() const;
 };

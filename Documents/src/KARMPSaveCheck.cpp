@@ -22,8 +22,6 @@ namespace {
 
 // Longer lists are searched by a table.
 constexpr int LongestSearched = 32;
-// Bits of a table of hashes for each entity. It is small enough to be at hand.
-constexpr std::size_t BitsForEach = 16;
 
 std::uint64_t HashOf(std::string_view text)
 {
@@ -34,13 +32,33 @@ std::uint64_t HashOf(std::string_view text)
         return Mix(hash, word);
     }
     // The last word overlaps the one before it.
-    const char* const last = text.data() + text.size() - sizeof word;
-    for (const char* next = text.data(); next < last; next += sizeof word) {
-        std::memcpy(&word, next, sizeof word);
-        hash = Mix(hash, word);
+    const std::size_t last = text.size() - sizeof word;
+    for (std::size_t offset = 0; offset < last; offset += sizeof word) {
+        std::memcpy(&word, text.data() + offset, sizeof word);
+        hash += Mix(offset, word);
     }
-    std::memcpy(&word, last, sizeof word);
-    return Mix(hash, word);
+    std::memcpy(&word, text.data() + last, sizeof word);
+    return hash + Mix(last, word);
+}
+
+// The numbers of the hashes that there may be twice. A table of bits sorts out the others: it is
+// small enough to be at hand.
+std::vector<std::size_t> Doubtful(const std::vector<std::size_t>& hashes)
+{
+    constexpr std::size_t bitsForEach = 16;
+    std::vector<bool> met(std::bit_ceil(bitsForEach * hashes.size() + 1));
+    std::vector<bool> metAgain(met.size());
+    const std::size_t mask = met.size() - 1;
+    for (const std::size_t hash : hashes) {
+        if (met[hash & mask])
+            metAgain[hash & mask] = true;
+        met[hash & mask] = true;
+    }
+    std::vector<std::size_t> numbers;
+    for (std::size_t number = 0; number < hashes.size(); ++number)
+        if (metAgain[hashes[number] & mask])
+            numbers.push_back(number);
+    return numbers;
 }
 
 const KARMPEntity* EntityIn(const ItemValue& value)
@@ -80,13 +98,7 @@ std::string PathText(std::wstring_view path)
 
 SaveCheck::SaveCheck(const KARMPWorld& world, std::wstring_view version, Messages& errors,
                      Messages& warnings)
-    : m_world(world),
-      m_version(version),
-      m_errors(errors),
-      m_warnings(warnings),
-      m_lossy(version),
-      m_met(std::bit_ceil(BitsForEach * ListedCount(world) + 1)),
-      m_metAgain(m_met.size())
+    : m_world(world), m_version(version), m_errors(errors), m_warnings(warnings), m_lossy(version)
 {
     m_hashes.reserve(ListedCount(world));
     for (const GlobalEntity& global : GlobalsOf(world))
@@ -123,7 +135,7 @@ void SaveCheck::NoteEntity(const KARMPEntity& entity, const WrittenLinks* links)
         m_isDoubtful || !checks.isGivenBack ||
         (links == nullptr && (checks.type == nullptr || *checks.type != typeid(entity))) ||
         std::any_of(checks.lossy.begin(), checks.lossy.end(),
-                    [&entity](const LossyItem& item) { return item.IsLostOf(entity); });
+                    [&](const LossyItem& item) { return item.IsLostOf(entity, m_value); });
     if (links != nullptr)
         NoteLinks(entity, checks, *links);
     if (links == nullptr || !checks.isEachLinkTold)
@@ -193,20 +205,15 @@ void SaveCheck::NoteIdentifier(const KARMPEntity& entity)
         m_isDoubtful = true;
         return;
     }
-    const std::size_t hash = HashOf(identifier->Narrow());
-    m_hashes.push_back(hash);
-    const std::size_t bit = hash & (m_met.size() - 1);
-    if (m_met[bit])
-        m_metAgain[bit] = true;
-    m_met[bit] = true;
+    m_hashes.push_back(HashOf(identifier->Narrow()));
 }
 
-// True when no two of the noted identifiers have one hash. The tables of bits sort most out.
-bool SaveCheck::AreIdentifiersDistinct()
+// True when no two of the noted identifiers have one hash.
+bool SaveCheck::AreIdentifiersDistinct() const
 {
     std::vector<std::size_t> doubtful;
-    std::copy_if(m_hashes.begin(), m_hashes.end(), std::back_inserter(doubtful),
-                 [this](std::size_t hash) { return m_metAgain[hash & (m_metAgain.size() - 1)]; });
+    for (const std::size_t number : Doubtful(m_hashes))
+        doubtful.push_back(m_hashes[number]);
     std::sort(doubtful.begin(), doubtful.end());
     return std::adjacent_find(doubtful.begin(), doubtful.end()) == doubtful.end();
 }
@@ -302,29 +309,17 @@ void SaveCheck::CheckMaterials()
                                           : " materials, which write nothing"));
 }
 
-// The entities whose identifiers may be carried twice. A table of bits, 16 for an entity, sorts out
-// the others: it is small enough to be at hand.
+// The entities whose identifiers may be carried twice.
 std::vector<std::size_t> SaveCheck::DoubtfulIdentifiers() const
 {
-    const std::size_t size = std::bit_ceil(BitsForEach * m_entities->Count() + 1);
-    std::vector<bool> met(size);
-    std::vector<bool> doubtful(size);
     std::vector<std::size_t> hashes;
     hashes.reserve(m_entities->Count());
     std::wstring identifier;
     for (std::size_t number = 0; number < m_entities->Count(); ++number) {
         GetIdentifierOf(m_entities->At(number), identifier);
-        const std::size_t hash = std::hash<std::wstring>()(identifier) & (size - 1);
-        hashes.push_back(hash);
-        if (met[hash])
-            doubtful[hash] = true;
-        met[hash] = true;
+        hashes.push_back(std::hash<std::wstring>()(identifier));
     }
-    std::vector<std::size_t> numbers;
-    for (std::size_t number = 0; number < hashes.size(); ++number)
-        if (doubtful[hashes[number]])
-            numbers.push_back(number);
-    return numbers;
+    return Doubtful(hashes);
 }
 
 void SaveCheck::CheckIdentifiers()
@@ -496,7 +491,7 @@ void SaveCheck::CheckItems(std::size_t number, std::span<const LossyItem> items)
 {
     const KARMPEntity& entity = m_entities->At(number);
     for (const LossyItem& lossy : items) {
-        if (m_warnings.Full() || !lossy.IsLostOf(entity))
+        if (m_warnings.Full() || !lossy.IsLostOf(entity, m_value))
             continue;
         const std::string path = PathText(lossy.Path());
         const bool isVersion = lossy.reason == LossReason::Version;

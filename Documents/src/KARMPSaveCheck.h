@@ -83,7 +83,7 @@ private:
     void NoteLinks(const KARMPEntity& entity, ClassChecks& checks, const WrittenLinks& links);
     void NoteLink(const KARMPEntity& entity, LinkCheck& check, const KARMPEntity& target);
     void NoteIdentifier(const KARMPEntity& entity);
-    bool AreIdentifiersDistinct();
+    bool AreIdentifiersDistinct() const;
     bool IsSound();
     void CheckGlobals();
     void CheckMaterials();
@@ -121,10 +121,8 @@ private:
     bool m_isDoubtful = false;
     /// The entity that was about to be written, whose identifier is made by the next note.
     const KARMPEntity* m_noted = nullptr;
-    /// The hashes of the identifiers, and bits for the hashes that were met once and once more.
+    /// The hashes of the identifiers.
     std::vector<std::size_t> m_hashes;
-    std::vector<bool> m_met;
-    std::vector<bool> m_metAgain;
     /// The world's global entities that it does not list, as far as noted.
     std::vector<const QOBSharedObject*> m_globals;
     /// Targets that must be listed and have no link back.

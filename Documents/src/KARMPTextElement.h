@@ -102,12 +102,11 @@ public:
     /// as they are stored. Gives the number of items written.
     std::size_t Names(const Content& content, const KARMPEntity& entity)
     {
+        EntityText& text = Inside(*m_place);
         const kar::SharedText* identifier = nullptr;
-        if (!KARMPSerializer::SerializeName() || content.items[0].name != L"id" ||
-            content.items[1].name != L"name" ||
+        if (!KARMPSerializer::SerializeName() || !text.IsNamed(content) ||
             KARFailed(EntityAccess::Identifier(entity, identifier)))
             return 0;
-        EntityText& text = Inside(*m_place);
         const bool isLate = m_place->state != EntityText::State::Tag;
         const std::size_t begin = text.m_out.Size();
         text.PutReference(entity, true);

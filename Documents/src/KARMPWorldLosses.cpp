@@ -64,6 +64,7 @@ private:
     LossyItems m_lossy;
     std::unordered_set<const QOBSharedObject*> m_layers;
     std::vector<Difference> m_losses;
+    ItemValue m_value;
 };
 
 void LossFinder::Note(DifferenceKind kind, const Handle& entity, std::wstring item, Value before,
@@ -128,7 +129,7 @@ void LossFinder::FindRemoved()
 void LossFinder::FindItems(const KARMPEntity& entity)
 {
     for (const LossyItem& lossy : m_lossy.Of(entity.getClassInfo())) {
-        if (!lossy.IsLostOf(entity))
+        if (!lossy.IsLostOf(entity, m_value))
             continue;
         const Handle handle = HandleOf(entity);
         if (!lossy.isEntryWord) {

@@ -56,7 +56,8 @@ private:
     void WriteBytes(const Item& item, Element& element);
     void WriteReference(const Item& item, Element& element);
     void WriteValueReference(const Item& item, Element& element);
-    void WriteReferences(const Item& item, std::span<const Item> inner, Element& element);
+    void WriteReferences(const Item& item, std::span<const Item> inner, int count,
+                         Element& element);
     void WriteEntry(const Item& item, std::span<const Item> attributes, int index, Element& list);
     void WriteRecords(const Item& item, std::span<const Item> inner, Element& element);
 
@@ -75,7 +76,10 @@ void ContentWriter<Element>::WalkItem(const Item& item, std::span<const Item> in
         return item.isValueReference ? WriteValueReference(item, element)
                                      : WriteReference(item, element);
     case ItemKind::References:
-        return WriteReferences(item, inner, element);
+        // Most lists of a model are empty.
+        if (const int count = item.count(m_owner); count > 0)
+            WriteReferences(item, inner, count, element);
+        return;
     case ItemKind::Records:
         return WriteRecords(item, inner, element);
     default:
@@ -187,11 +191,8 @@ void ContentWriter<Element>::WriteValueReference(const Item& item, Element& elem
 
 template <class Element>
 void ContentWriter<Element>::WriteReferences(const Item& item, std::span<const Item> inner,
-                                             Element& element)
+                                             int count, Element& element)
 {
-    const int count = item.count(m_owner);
-    if (count < 1)
-        return;
     Element list = element.Child(item.name, item.where);
     for (int index = 0; list && index < count; ++index) {
         if (!inner.empty() || item.alwaysNamed) {
