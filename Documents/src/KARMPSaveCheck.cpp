@@ -80,13 +80,6 @@ int CountOf(const Item& item, const KARMPEntity& entity)
     return item.count != nullptr ? item.count(&entity) : 1;
 }
 
-// Within a group there may be more that decides whether the item is written.
-bool IsTold(const ItemInfo& item, std::wstring_view version)
-{
-    return item.written->isWritten && item.written->ExistsAt(version) &&
-           item.path.find(L'/') == std::wstring::npos;
-}
-
 std::string PathText(std::wstring_view path)
 {
     std::string text;
@@ -138,11 +131,10 @@ void SaveCheck::NoteEntity(const KARMPEntity& entity, const WrittenLinks* links)
                     [&](const LossyItem& item) { return item.IsLostOf(entity, m_value); });
     if (links != nullptr)
         NoteLinks(entity, checks, *links);
-    if (links == nullptr || !checks.isEachLinkTold)
+    else
         for (LinkCheck& check : checks.links)
-            if (links == nullptr || !check.isTold)
-                ForEachLink(entity, check,
-                            [&](const KARMPEntity& target) { NoteLink(entity, check, target); });
+            ForEachLink(entity, check,
+                        [&](const KARMPEntity& target) { NoteLink(entity, check, target); });
     if (!m_globals.empty())
         std::erase(m_globals, static_cast<const QOBSharedObject*>(&entity));
 }
@@ -183,7 +175,7 @@ void SaveCheck::NoteLinks(const KARMPEntity& entity, ClassChecks& checks, const 
             const auto found = std::find_if(
                 checks.links.begin(), checks.links.end(),
                 [item](const LinkCheck& known) { return known.info->written == item; });
-            check = found != checks.links.end() && found->isTold ? &*found : nullptr;
+            check = found != checks.links.end() ? &*found : nullptr;
         }
         if (check != nullptr)
             NoteLink(entity, *check, *link.target);
@@ -263,10 +255,7 @@ SaveCheck::ClassChecks& SaveCheck::ChecksOf(const KARMPEntity& entity)
     ClassChecks& checks = found->second;
     if (isNew) {
         for (const ItemInfo* const item : LinkItemsOf(info))
-            checks.links.push_back(
-                {item, OtherSides(item->otherSide), IsTold(*item, m_version), {}});
-        checks.isEachLinkTold = std::all_of(checks.links.begin(), checks.links.end(),
-                                            [](const LinkCheck& check) { return check.isTold; });
+            checks.links.push_back({item, OtherSides(item->otherSide), {}});
         const auto items = ItemsOf(info);
         checks.mayBeLeftOut = !items.empty() && !items.front().conditions.empty();
         checks.type = info.getOperations().copiedClass;

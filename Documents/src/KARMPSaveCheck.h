@@ -61,9 +61,6 @@ private:
     {
         const ItemInfo* info;
         std::vector<std::wstring_view> otherSides;
-        /// Documents of the version hold the item whenever its entity is written, so that the
-        /// writer tells the links.
-        bool isTold = false;
         std::vector<Back> back;
     };
     struct ClassChecks
@@ -73,7 +70,6 @@ private:
         bool isGivenBack = false;
         /// Objects of the class may be left out of documents.
         bool mayBeLeftOut = false;
-        bool isEachLinkTold = false;
         /// The class itself, null where that is not known.
         const std::type_info* type = nullptr;
     };

@@ -38,6 +38,37 @@ private:
     void OnFailedCheck(const char* file, int line) override { told.emplace_back(file, line); }
 };
 
+/// Compares the links that are told of an entity with what its items give.
+class LinkObserver final : public EntityObserver
+{
+public:
+    void Note(const KARMPEntity& entity, const WrittenLinks* links) override
+    {
+        if (links == nullptr)
+            return;
+        using Link = std::pair<const Item*, const KARMPEntity*>;
+        // Those of records are told as well.
+        const auto items = LinkItemsOf(entity.getClassInfo());
+        std::vector<Link> told;
+        for (const WrittenLink& link : *links)
+            if (std::any_of(items.begin(), items.end(),
+                            [&](const ItemInfo* item) { return item->written == link.item; }))
+                told.emplace_back(link.item, link.target);
+        std::vector<Link> held;
+        ForEachTarget(entity,
+                      [&](const ItemInfo& item, const QOBSharedHandle<KARMPEntity>& target) {
+                          if (item.IsWrittenFor(entity))
+                              held.emplace_back(item.written, target.get());
+                      });
+        std::sort(told.begin(), told.end());
+        std::sort(held.begin(), held.end());
+        EXPECT_EQ(told, held) << entity.getClassInfo().getName();
+        linkCount += told.size();
+    }
+
+    std::size_t linkCount = 0;
+};
+
 SaveOptions OptionsOf(std::wstring_view version, Doubles doubles)
 {
     SaveOptions options;
@@ -175,6 +206,28 @@ TEST_F(EntityTexts, AreThoseOfNodesForEveryDocument)
         for (const std::wstring_view version : KnownVersions())
             ExpectSame(loaded.world, version);
     }
+}
+
+// The check of a save relies on it.
+TEST_F(EntityTexts, TellTheLinksOfTheirEntitiesAtEveryVersion)
+{
+    const EnvironmentVariable outputs("MOT_DUMP_OUTPUTS", "1");
+    LinkObserver observer;
+    for (const std::string& name : MadeClasses()) {
+        const FilledWorld filled(name, Filling::Full);
+        for (const std::wstring_view version : KnownVersions()) {
+            SCOPED_TRACE(name + " at " + std::string(version.begin(), version.end()));
+            std::string text;
+            const Limits limits;
+            Diagnostics diagnostics;
+            Messages messages(diagnostics, {}, limits.diagnostics);
+            StreamedTree tree(version, Doubles::Snapped, text, limits, messages);
+            tree.Observe(observer);
+            const Reports unheard;
+            EXPECT_FALSE(KARFailed(filled.world->Serialize(&tree.Root())));
+        }
+    }
+    EXPECT_GT(observer.linkCount, 1000U);
 }
 
 // The others have code of their own or write nothing.
