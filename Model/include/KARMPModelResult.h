@@ -60,7 +60,11 @@ private:
     documents::Diagnostics m_findings;
 };
 
-/// A value, or the problem for which there is none.
+/// Ends the process with a sentence: a result that failed was used as a value.
+[[noreturn]] KARMP_MODEL_API void StopAtFailure(const Problem& problem);
+
+/// A value, or the problem for which there is none. Access to the value of a failure ends the
+/// process with a sentence, and with the problem.
 template <class T>
 class [[nodiscard]] Result : public Outcome
 {
@@ -74,15 +78,23 @@ public:
     Result(Outcome failure) : Outcome(std::move(failure)) {}
 
     /// The value, which only a success has.
-    T& operator*() & { return *m_value; }
-    const T& operator*() const& { return *m_value; }
-    T&& operator*() && { return *std::move(m_value); }
-    T* operator->() { return &*m_value; }
-    const T* operator->() const { return &*m_value; }
+    T& operator*() & { return *Checked(*this).m_value; }
+    const T& operator*() const& { return *Checked(*this).m_value; }
+    T&& operator*() && { return *std::move(Checked(*this).m_value); }
+    T* operator->() { return &**this; }
+    const T* operator->() const { return &**this; }
     /// The value, or another one after a failure.
     T ValueOr(T other) const { return m_value.has_value() ? *m_value : std::move(other); }
 
 private:
+    template <class Self>
+    static Self& Checked(Self& self)
+    {
+        if (!self.m_value.has_value())
+            StopAtFailure(self.Error());
+        return self;
+    }
+
     std::optional<T> m_value;
 };
 

@@ -17,6 +17,13 @@ void StopAtFalseRef(bool wasDeleted)
     std::abort();
 }
 
+void StopAtFailure(const Problem& problem)
+{
+    std::fprintf(stderr, "karmp::model: the value of a call that failed was used; %s\n",
+                 Format(problem).c_str());
+    std::abort();
+}
+
 std::string Format(const Problem& problem)
 {
     const std::string_view file = problem.where.file;

@@ -296,6 +296,21 @@ TEST_F(ModelDeathTest, AccessThroughAFalseRefStopsWithASentence)
     EXPECT_DEATH(none->IsFixed(), "a reference to no entity was used");
 }
 
+TEST_F(ModelDeathTest, AccessToTheValueOfAFailureStopsWithASentence)
+{
+    const Model model("M");
+    auto none = model.Get<KARMPBody>("A");
+    const auto& constant = none;
+    const char* const sentence = "the value of a call that failed was used; "
+                                 "ModelTest.cpp:[0-9]+: there is no KARMPBody \"A\"";
+    EXPECT_DEATH(static_cast<void>(*none), sentence);
+    EXPECT_DEATH(static_cast<void>(*constant), sentence);
+    EXPECT_DEATH(static_cast<void>(*std::move(none)), sentence);
+    EXPECT_DEATH(static_cast<void>((*none)->IsFixed()), sentence);
+    EXPECT_DEATH(static_cast<void>(none->Handle()), sentence);
+    EXPECT_DEATH(static_cast<void>(constant->Handle()), sentence);
+}
+
 TEST_F(ModelTest, BodyStandsWhereItIsToldAndLooksWhereItIsTold)
 {
     Model model("M");
