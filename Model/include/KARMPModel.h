@@ -20,6 +20,7 @@
 #include "KARMPModelOptions.h"
 #include "KARMPModelRef.h"
 #include "KARMPModelResult.h"
+#include "KARMPModelSettings.h"
 #include "KARMPWorldDifference.h"
 #include "KARMPWorldExtraction.h"
 #include "KARMathAxis.h"
@@ -122,7 +123,13 @@ public:
     template <class T>
     Ref<T> Add(std::string_view identifier, Where where = Where::current())
     {
-        return Typed<T>(AddEntity(T::ClassInfo(), identifier, where));
+        return Add<T>(identifier, {}, where);
+    }
+    /// The same with items set, as Set does.
+    template <class T>
+    Ref<T> Add(std::string_view identifier, Settings settings, Where where = Where::current())
+    {
+        return Typed<T>(AddEntity(T::ClassInfo(), identifier, settings, where));
     }
     Ref<KARMPEntity> Add(std::string_view className, std::string_view identifier,
                          Where where = Where::current());
@@ -146,13 +153,19 @@ public:
     Ref<KARMPPoint2D> Point(std::string_view identifier, const Ref<KARMPBody2D>& body,
                             const KARMathPoint2D& position, Where where = Where::current());
 
-    /// A geometry of a class on a body, in space or in the body's sketch, which its own operations
-    /// shape, in body axes. The identifier is put together as that of a Frame.
+    /// A geometry of a class on a body, in space or in the body's sketch, which its items or its
+    /// own operations shape, in body axes. The identifier is put together as that of a Frame.
     template <class G>
     Ref<G> Attach(std::string_view identifier, const Ref<KARMPEntity>& body,
                   Where where = Where::current())
     {
-        return Typed<G>(AttachGeometry(G::ClassInfo(), identifier, body, where));
+        return Attach<G>(identifier, body, {}, where);
+    }
+    template <class G>
+    Ref<G> Attach(std::string_view identifier, const Ref<KARMPEntity>& body, Settings settings,
+                  Where where = Where::current())
+    {
+        return Typed<G>(AttachGeometry(G::ClassInfo(), identifier, body, settings, where));
     }
 
     /// A variable of a joint, the next one in the order of its freedoms, in m or rad.
@@ -273,20 +286,39 @@ public:
     Ref<KARMPMotor> Motor(std::string_view identifier, const Ref<KARMPVariable>& variable,
                           const MotorOptions& options = {}, Where where = Where::current());
     /// A connector, a spring for one, between a geometry of its first body and one of its second,
-    /// which are the attachments of a spring too.
+    /// which are the attachments of a spring too, with items set.
     template <class C>
     Ref<C> Connect(std::string_view identifier, const Ref<KARMPGeometry>& onFirst,
                    const Ref<KARMPGeometry>& onSecond, Where where = Where::current())
     {
-        return Typed<C>(AddConnector(C::ClassInfo(), identifier, onFirst, onSecond, where));
+        return Connect<C>(identifier, onFirst, onSecond, {}, where);
+    }
+    template <class C>
+    Ref<C> Connect(std::string_view identifier, const Ref<KARMPGeometry>& onFirst,
+                   const Ref<KARMPGeometry>& onSecond, Settings settings,
+                   Where where = Where::current())
+    {
+        return Typed<C>(
+            AddConnector(C::ClassInfo(), identifier, onFirst, onSecond, settings, where));
     }
 
     /// As Connect and Attach, for a class that is known at run time, by its record.
     Entity AddConnector(const QOBClassInfo& info, std::string_view identifier,
                         const Ref<KARMPGeometry>& onFirst, const Ref<KARMPGeometry>& onSecond,
-                        Where where);
+                        Settings settings, Where where);
+    Entity AddConnector(const QOBClassInfo& info, std::string_view identifier,
+                        const Ref<KARMPGeometry>& onFirst, const Ref<KARMPGeometry>& onSecond,
+                        Where where)
+    {
+        return AddConnector(info, identifier, onFirst, onSecond, {}, where);
+    }
     Entity AttachGeometry(const QOBClassInfo& info, std::string_view identifier,
-                          const Ref<KARMPEntity>& body, Where where);
+                          const Ref<KARMPEntity>& body, Settings settings, Where where);
+    Entity AttachGeometry(const QOBClassInfo& info, std::string_view identifier,
+                          const Ref<KARMPEntity>& body, Where where)
+    {
+        return AttachGeometry(info, identifier, body, {}, where);
+    }
 
     /// Links two entities that can refer to each other, both halves. What is linked already stays.
     /// The item, of either entity, chooses where there are several, "SecondBody" of a connector for
@@ -354,6 +386,9 @@ public:
     /// halves are made, and those of targets that the value leaves out are taken away.
     bool Set(const Ref<KARMPEntity>& entity, std::string_view item, const Value& value,
              Where where = Where::current());
+    /// The same with several items in their order, all or none; records, which cannot be undone,
+    /// are the last.
+    bool Set(const Ref<KARMPEntity>& entity, Settings settings, Where where = Where::current());
 
     /// Begins a block of calls and returns what EndEditing takes to end it: the calls are kept, or
     /// all undone in reverse order. A block may hold others, which end before it. Deletions, which
@@ -417,7 +452,8 @@ private:
         return (std::is_same_v<F, T> || ...);
     }
 
-    Entity AddEntity(const QOBClassInfo& info, std::string_view identifier, Where where);
+    Entity AddEntity(const QOBClassInfo& info, std::string_view identifier, Settings settings,
+                     Where where);
     Deletion DeleteAll(std::span<const Ref<KARMPEntity>> entities, const DeleteOptions& options,
                        Where where);
     Entity AddJoint(const QOBClassInfo& info, const QOBClassInfo* constraint,

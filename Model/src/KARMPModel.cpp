@@ -123,13 +123,14 @@ Ref<KARMPVariable> Model::Time() const
     return Ref<KARMPVariable>(time);
 }
 
-Model::Entity Model::AddEntity(const QOBClassInfo& info, std::string_view identifier, Where where)
+Model::Entity Model::AddEntity(const QOBClassInfo& info, std::string_view identifier,
+                               Settings settings, Where where)
 {
     return m_core->Make<KARMPEntity>(
         where,
         [&](Edit& edit, Entity& entity) {
             entity = edit.Create(info, identifier);
-            return static_cast<bool>(entity);
+            return entity && edit.SetAll(entity, settings);
         });
 }
 

@@ -3,6 +3,7 @@
 #include "KARMPEntity.h"
 #include "KARMPItems.h"
 #include "KARMPModelResult.h"
+#include "KARMPModelSettings.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -95,6 +96,8 @@ public:
     bool Rename(const Entity& entity, std::string_view name);
     /// Stores a value of an item; links on both sides.
     bool Set(const Entity& entity, const ItemInfo& item, const Value& value);
+    /// Stores several by their names, numbers of value references as constants.
+    bool SetAll(const Entity& entity, Settings settings);
 
     /// Makes one half.
     bool LinkOne(const ItemInfo& item, const Entity& owner, const Entity& target);
@@ -106,6 +109,8 @@ private:
     bool FailCheck(KARStatus status, std::string_view what, const KARMPEntity& entity);
     bool FailToCreate(const QOBClassInfo& info, const Entity& entity);
     bool FailAsTaken(std::string_view identifier, const KARMPEntity& entity);
+    bool SetByName(const Entity& entity, const Setting& setting, bool isLast);
+    bool SetNumberOf(const Entity& entity, const ItemInfo& item, double number);
     bool SetTargets(const Entity& entity, const ItemInfo& item, const Value& value);
     EditStep& NextStep();
     void NoteList(const ItemInfo& item, const Entity& owner);

@@ -10,6 +10,7 @@
 #include "KARMPModelCore.h"
 #include "KARMPModelNames.h"
 #include "KARMPModelPlacing.h"
+#include "KARMPModelValues.h"
 #include "KARMPMotor.h"
 #include "KARMPPoint.h"
 #include "KARMPSerializationServices.h"
@@ -25,17 +26,6 @@ namespace karmp::model {
 namespace {
 
 using Quantity = KARMPPhysicalQuantity;
-
-QOBSharedHandle<KARMPConstant> MakeConstant(Edit& edit, std::string_view identifier,
-                                            Quantity::Enum quantity, double number)
-{
-    auto constant = edit.Create<KARMPConstant>(identifier);
-    const bool isSet =
-        constant &&
-        edit.Check(constant->SetPhysicalQuantity(quantity), "the quantity", *constant) &&
-        edit.Check(constant->SetValue(number, {}), "the number", *constant);
-    return isSet ? constant : QOBSharedHandle<KARMPConstant>();
-}
 
 // A target of a motor as a constant, which names the quantity of the position also for its rates.
 bool SetTarget(Edit& edit, KARMPMotor& motor, const std::string& identifier,
@@ -82,6 +72,17 @@ bool SetAttachments(Edit& edit, KARMPEntity& connector, const KARMathLine& first
 }
 
 } // namespace
+
+QOBSharedHandle<KARMPConstant> MakeConstant(Edit& edit, std::string_view identifier,
+                                            Quantity::Enum quantity, double number)
+{
+    auto constant = edit.Create<KARMPConstant>(identifier);
+    const bool isSet =
+        constant &&
+        edit.Check(constant->SetPhysicalQuantity(quantity), "the quantity", *constant) &&
+        edit.Check(constant->SetValue(number, {}), "the number", *constant);
+    return isSet ? constant : QOBSharedHandle<KARMPConstant>();
+}
 
 Ref<KARMPConstant> Model::Constant(std::string_view identifier, Quantity::Enum quantity,
                                    double number, Where where)
@@ -157,7 +158,8 @@ Ref<KARMPMotor> Model::Motor(std::string_view identifier, const Ref<KARMPVariabl
 
 Model::Entity Model::AddConnector(const QOBClassInfo& info, std::string_view identifier,
                                   const Ref<KARMPGeometry>& onFirst,
-                                  const Ref<KARMPGeometry>& onSecond, Where where)
+                                  const Ref<KARMPGeometry>& onSecond, Settings settings,
+                                  Where where)
 {
     return m_core->Make<KARMPEntity>(
         where,
@@ -176,18 +178,19 @@ Model::Entity Model::AddConnector(const QOBClassInfo& info, std::string_view ide
                    edit.Link(connector, second, "SecondBody") &&
                    edit.Link(connector, onFirst.Handle()) &&
                    edit.Link(connector, onSecond.Handle()) &&
-                   SetAttachments(edit, *connector, HoldOf(*onFirst), HoldOf(*onSecond));
+                   SetAttachments(edit, *connector, HoldOf(*onFirst), HoldOf(*onSecond)) &&
+                   edit.SetAll(connector, settings);
         });
 }
 
 Model::Entity Model::AttachGeometry(const QOBClassInfo& info, std::string_view identifier,
-                                    const Ref<KARMPEntity>& body, Where where)
+                                    const Ref<KARMPEntity>& body, Settings settings, Where where)
 {
     return m_core->Make<KARMPEntity>(
         where,
         [&](Edit& edit, Entity& geometry) {
             geometry = MountOn(edit, info, identifier, body.Handle());
-            return static_cast<bool>(geometry);
+            return geometry && edit.SetAll(geometry, settings);
         });
 }
 

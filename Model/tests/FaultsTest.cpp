@@ -67,7 +67,14 @@ const std::vector<Call>& Calls()
          }},
         {"Attach",
          [](Model& model) {
-             return static_cast<bool>(model.Attach<KARMPSphere>("New", model.Find<KARMPBody>("A")));
+             return static_cast<bool>(
+                 model.Attach<KARMPSphere>("New", model.Find<KARMPBody>("A"), {{"radius", 0.5}}));
+         }},
+        // What is set allocates nothing by itself.
+        {"Add with items",
+         [](Model& model) {
+             return static_cast<bool>(model.Add<KARMPBushing>(
+                 "New", {{"FirstBody", model.Find<KARMPBody>("A")}, {"StiffnessTx", 100.0}}));
          }},
     };
     return calls;
@@ -114,6 +121,13 @@ const std::vector<Call>& Changes()
          }},
         {"Set a number",
          [](Model& model) { return model.Set(model.Find<KARMPBody>("A"), "Mass", 3.0); }},
+        {"Set several",
+         [](Model& model) {
+             return model.Set(model.Find<KARMPVariable>("p"),
+                              {{"MinValue", -1.0},
+                               {"Type", karmp::Value(karmp::EnumWord{L"Constant"})},
+                               {"Constraints", model.Find<KARMPConstraint>("L.constraint")}});
+         }},
         {"Set a bound",
          [](Model& model) { return model.Set(model.Find<KARMPVariable>("p"), "MinValue", -1.0); }},
         {"Set a reference",
@@ -244,7 +258,7 @@ public:
 
 TEST_F(FaultsTest, ModelIsUnchangedWhenTheFactoryMakesNothing)
 {
-    const std::vector<int> made{1, 3, 1, 4, 1, 2, 1, 3, 1, 1};
+    const std::vector<int> made{1, 3, 1, 4, 1, 2, 1, 3, 1, 1, 2};
     for (std::size_t i = 0; i < Calls().size(); ++i)
         EXPECT_EQ(FailInTurn(Calls()[i], Fault::Nothing, KARFailure), made[i]) << Calls()[i].name;
 }
@@ -269,7 +283,8 @@ TEST_F(FaultsTest, ModelIsUnchangedWhenAnOperationOfAChangeFails)
         for (const Call& call : Changes())
             if (FailInTurn(call, Fault::Status, status) > 0)
                 failing.insert(call.name);
-    EXPECT_EQ(failing, (std::set<std::string>{"Delete a body", "Set a bound", "Set a reference"}));
+    EXPECT_EQ(failing, (std::set<std::string>{"Delete a body", "Set a bound", "Set a reference",
+                                              "Set several"}));
 }
 
 TEST_F(FaultsTest, ModelIsUnchangedWhenAnAllocationFails)

@@ -96,6 +96,91 @@ TEST_F(ItemsTest, NumberThatALoaderRefusesIsUnsetAgain)
     TakeReports();
 }
 
+TEST_F(ItemsTest, EntityIsAddedWithItsItems)
+{
+    Model model("M");
+    const auto a = model.Body("A");
+    const auto b = model.Body("B");
+    const auto joint = model.Joint<KARMPRevolute>("J", a, b, {0.0, 0.0, 0.0});
+    const auto sensor =
+        model.Add<KARMPJointDOFSensor>("S", {{"Joint", joint}, {"DOFindex", 5}, {"Position", 2}});
+    const auto rule = model.Add<KARMPCollisionRule>(
+        "R", {{"Collidables", {a, b}}, {"Restitution", 0.5}, {"EnableDampingTransition", 1}});
+    const auto moved = model.Add<KARMPDisplacementSensor>(
+        "D", {{"Body", a}, {"Displacement", KARMathTransformation({1.0, 2.0, 3.0})}});
+    const auto variable = model.Add<KARMPVariable>("V", {{"Type", "Controlled"}, {"MinValue", -1}});
+    const auto sphere = model.Attach<KARMPSphere>(
+        "Ball", a, {{"Center", KARMathPoint(1.0, 2.0, 3.0)}, {"radius", 0.5}});
+    EXPECT_EQ(*model.Get(sensor, "Joint"), Value(Entity(joint)));
+    EXPECT_EQ(*model.Get(sensor, "DOFindex"), Value(5));
+    EXPECT_EQ(*model.Get(sensor, "Position"), Value(2.0));
+    EXPECT_EQ(*model.Get(rule, "Collidables"), Value(std::vector<Entity>{a, b}));
+    KARMathTransformation displacement;
+    KARMathPoint center;
+    moved->GetDisplacement(displacement);
+    sphere->GetCenter(center);
+    EXPECT_EQ(displacement, KARMathTransformation({1.0, 2.0, 3.0}));
+    EXPECT_EQ(center, KARMathPoint(1.0, 2.0, 3.0));
+    EXPECT_EQ(variable->GetType(), KARMPVariableType::Controlled);
+    EXPECT_EQ(*model.Get(variable, "MinValue"), Value(-1.0));
+    EXPECT_EQ(BrokenLinks(model), "");
+    EXPECT_TRUE(model.Problems().empty()) << Format(model.Problems()[0]);
+}
+
+TEST_F(ItemsTest, NumberOfAValueReferenceIsAConstantOfTheItemsQuantity)
+{
+    Model model("M");
+    const auto spring = model.Connect<KARMPLinearSpring>(
+        "S", model.Point("P", model.Body("A"), {0.0, 0.0, 0.0}),
+        model.Point("P", model.Body("B"), {0.0, 0.0, 1.0}),
+        {{"Stiffness", 2000}, {"RestLength", 0.5}, {"DampingCoefficient", 10.0}});
+    double stiffness = 0.0;
+    spring->GetStiffness(stiffness);
+    EXPECT_EQ(stiffness, 2000.0);
+    const auto rest = model.Find<KARMPConstant>("S.rest length");
+    ASSERT_TRUE(rest);
+    EXPECT_EQ(*model.Get(spring, "RestLength"), Value(Entity(rest)));
+    EXPECT_EQ(kar::ToUtf8(std::get<karmp::EnumWord>(*model.Get(rest, "PhysicalQuantity")).text),
+              "Length");
+    EXPECT_TRUE(model.Find<KARMPConstant>("S.damping"));
+    EXPECT_TRUE(model.Problems().empty());
+    const std::string before = TextOf(model);
+    EXPECT_FALSE(model.Set(spring, {{"FirstBody", 1.0}}));
+    EXPECT_EQ(model.Problems().back().text,
+              "\"FirstBody\" of KARMPLinearSpring \"S\" refers to entities and takes no number");
+    model.ClearProblems();
+    EXPECT_TRUE(TextOf(model) == before);
+}
+
+TEST_F(ItemsTest, ItemThatFailsUndoesThoseBeforeItAndTheEntity)
+{
+    Model model("M");
+    const auto a = model.Body("A", {.mass = 1.0});
+    const std::string before = TextOf(model);
+    const int line = __LINE__ + 1;
+    EXPECT_FALSE(model.Set(a, {{"name", "B"}, {"Mass", 2.0}, {"Mas", 3.0}}));
+    EXPECT_FALSE(model.Add<KARMPVariable>("V", {{"MinValue", -1.0}, {"Type", "Fre"}}));
+    EXPECT_FALSE(model.Add<KARMPPoint>("P", {{"Body", Ref<KARMPBody>()}}));
+    ASSERT_EQ(model.Problems().size(), 3U);
+    EXPECT_EQ(model.Problems()[0].where.line, line);
+    EXPECT_EQ(model.Problems()[1].where.line, line + 1);
+    EXPECT_NE(model.Problems()[1].text.find("\"Type\" of KARMPVariable \"V\" is not set"),
+              std::string::npos);
+    EXPECT_EQ(model.Problems()[2].text, "there is no second entity to link");
+    model.ClearProblems();
+    EXPECT_TRUE(TextOf(model) == before);
+}
+
+TEST_F(ItemsTest, RecordsAreSetLast)
+{
+    Model model("M");
+    const auto sensor = model.Add<KARMPCollisionSensor>("S");
+    const auto records = *model.Get(sensor, "ContactForceDataContainer");
+    EXPECT_FALSE(model.Set(sensor, {{"ContactForceDataContainer", records}, {"name", "T"}}));
+    model.ClearProblems();
+    EXPECT_TRUE(model.Set(sensor, {{"name", "T"}, {"ContactForceDataContainer", records}}));
+}
+
 TEST_F(ItemsTest, ReferenceToAnotherClassLeavesTheFormerOne)
 {
     Model model("M");
