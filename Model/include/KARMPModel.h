@@ -21,6 +21,7 @@
 #include "KARMPModelRef.h"
 #include "KARMPModelResult.h"
 #include "KARMPModelSettings.h"
+#include "KARMPModelSolids.h"
 #include "KARMPWorldDifference.h"
 #include "KARMPWorldExtraction.h"
 #include "KARMathAxis.h"
@@ -35,6 +36,7 @@
 #include <type_traits>
 #include <vector>
 
+class KARMP3DRep;
 class KARMPAxisSystem;
 class KARMPBody2D;
 class KARMPConstant;
@@ -167,6 +169,11 @@ public:
     {
         return Typed<G>(AttachGeometry(G::ClassInfo(), identifier, body, settings, where));
     }
+
+    /// What a body looks like: a mesh for each of its solids. The identifier is put together as
+    /// that of a Frame.
+    Ref<KARMP3DRep> Shape(std::string_view identifier, const Ref<KARMPBody>& body,
+                          std::span<const Solid> solids, Where where = Where::current());
 
     /// A variable of a joint, the next one in the order of its freedoms, in m or rad.
     Ref<KARMPVariable> Variable(std::string_view identifier, const Ref<KARMPJoint>& joint,

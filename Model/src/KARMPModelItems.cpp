@@ -3,6 +3,7 @@
 #include "KARMPModel.h"
 #include "KARMPModelCore.h"
 #include "KARMPModelNames.h"
+#include "KARMPModelPlacing.h"
 #include "KARMPModelValues.h"
 #include "KARTextConversion.h"
 
@@ -121,11 +122,8 @@ bool Edit::SetNumberOf(const Entity& entity, const ItemInfo& item, double number
     if (item.target != "KARMPValue" || item.quantity == KARMPPhysicalQuantity::NoPhysicalQuantity)
         return Fail('"' + kar::ToUtf8(item.path) + "\" of " + TitleOf(*entity) +
                     " refers to entities and takes no number");
-    std::wstring owner;
-    if (!Check(entity->GetIdentifier(owner), "the identifier", *entity))
-        return false;
-    const auto constant =
-        MakeConstant(*this, kar::ToUtf8(owner) + '.' + WordsOf(item.name), item.quantity, number);
+    const auto name = NameOn(*this, entity, WordsOf(item.name));
+    const auto constant = name ? MakeConstant(*this, *name, item.quantity, number) : nullptr;
     return constant && Set(entity, item, Entity(constant));
 }
 

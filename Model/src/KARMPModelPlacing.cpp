@@ -41,16 +41,21 @@ std::optional<KARMathTransformation2D> IntoBody(Edit& edit, const KARMPBody2D& b
     return InverseOf<KARMathTransformation2D>(edit, body);
 }
 
+std::optional<std::string> NameOn(Edit& edit, const Edit::Entity& owner,
+                                  std::string_view identifier)
+{
+    std::wstring name;
+    if (!edit.IsThere(owner, "body") ||
+        !edit.Check(owner->GetIdentifier(name), "the identifier", *owner))
+        return {};
+    return kar::ToUtf8(name) + '.' + std::string(identifier);
+}
+
 Edit::Entity MountOn(Edit& edit, const QOBClassInfo& geometry, std::string_view identifier,
                      const Edit::Entity& body)
 {
-    if (!edit.IsThere(body, "body"))
-        return {};
-    std::wstring carrier;
-    if (!edit.Check(body->GetIdentifier(carrier), "the identifier", *body))
-        return {};
-    const std::string name = kar::ToUtf8(carrier) + '.' + std::string(identifier);
-    Edit::Entity mounted = edit.Create(geometry, name);
+    const auto name = NameOn(edit, body, identifier);
+    Edit::Entity mounted = name ? edit.Create(geometry, *name) : Edit::Entity();
     if (!mounted || !edit.Link(mounted, body))
         return {};
     auto* const planar = dynamic_cast<KARMPGeometry2D*>(mounted.get());

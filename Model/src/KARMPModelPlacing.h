@@ -15,6 +15,11 @@ class KARMPSketch;
 
 namespace karmp::model {
 
+/// The identifier of what belongs to an entity, behind that of the entity and a dot; nothing, and a
+/// failed edit, when the entity is not there.
+std::optional<std::string> NameOn(Edit& edit, const Edit::Entity& owner,
+                                  std::string_view identifier);
+
 /// A geometry of a class on a body: named after it, linked to it on both sides, and lying in the
 /// body's sketch, if it is planar. Null after a failure.
 Edit::Entity MountOn(Edit& edit, const QOBClassInfo& geometry, std::string_view identifier,

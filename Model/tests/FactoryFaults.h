@@ -108,6 +108,14 @@ public:
         return FaultCount::Or([&] { return Base::SetPhysicalQuantity(quantity); });
     }
 };
+class FaultyShape : public KARMP3DRep
+{
+public:
+    KARStatus Set3DRep(KAR3DRep* rep) override
+    {
+        return FaultCount::Or([&] { return KARMP3DRep::Set3DRep(rep); });
+    }
+};
 class FaultyBushing : public KARMPBushing
 {
 public:
@@ -207,6 +215,7 @@ public:
         Replace<PlainEntity<KARMPMotor>>("KARMPMotor");
         Replace<FaultyBushing>("KARMPBushing");
         Replace<FaultySphere>("KARMPSphere");
+        Replace<FaultyShape>("KARMP3DRep");
         Replace<FaultyRule>("KARMPCollisionRule");
     }
     ~FactoryFaults()

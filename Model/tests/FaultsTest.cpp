@@ -3,6 +3,7 @@
 #include "EditTesting.h"
 #include "FactoryFaults.h"
 
+#include <array>
 #include <functional>
 #include <set>
 #include <thread>
@@ -69,6 +70,12 @@ const std::vector<Call>& Calls()
          [](Model& model) {
              return static_cast<bool>(
                  model.Attach<KARMPSphere>("New", model.Find<KARMPBody>("A"), {{"radius", 0.5}}));
+         }},
+        {"Shape",
+         [](Model& model) {
+             const std::array solids{Solid{{0.0, 0.0, 0.0}, {1.0, 2.0, 3.0}},
+                                     Drum({0.0, 0.0, 0.0}, 1, 0.5, 2.0)};
+             return static_cast<bool>(model.Shape("New", model.Find<KARMPBody>("A"), solids));
          }},
         // What is set allocates nothing by itself.
         {"Add with items",
@@ -258,7 +265,7 @@ public:
 
 TEST_F(FaultsTest, ModelIsUnchangedWhenTheFactoryMakesNothing)
 {
-    const std::vector<int> made{1, 3, 1, 4, 1, 2, 1, 3, 1, 1, 2};
+    const std::vector<int> made{1, 3, 1, 4, 1, 2, 1, 3, 1, 1, 1, 2};
     for (std::size_t i = 0; i < Calls().size(); ++i)
         EXPECT_EQ(FailInTurn(Calls()[i], Fault::Nothing, KARFailure), made[i]) << Calls()[i].name;
 }
