@@ -6,11 +6,9 @@
 // Equations II, section VII.7. Units: m, kg, s, N, rad.
 #pragma once
 
-#include "KARMPEntities.h"
-#include "KARMPModel.h"
+#include "RoundTrip.h"
 
 #include <algorithm>
-#include <iostream>
 
 namespace seven_body {
 

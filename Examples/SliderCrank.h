@@ -1,7 +1,6 @@
 #pragma once
 
-#include "KARMPEntities.h"
-#include "KARMPModel.h"
+#include "RoundTrip.h"
 
 #include <cmath>
 

@@ -2,11 +2,10 @@
 // follower, which slides in a guide, touches it. A sensor on the follower keeps how far it was
 // lifted from its lowest position. The program builds it, saves it, loads it again, and tells how
 // far face and disc are apart.
-#include "KARMPEntities.h"
-#include "KARMPModel.h"
 
 #include <cmath>
-#include <iostream>
+
+#include "RoundTrip.h"
 
 using namespace karmp::model;
 
@@ -18,7 +17,6 @@ constexpr double CamAngle = 0.5; // of the disc's centre about the pin, from the
 constexpr double CamMass = 0.25;
 constexpr double FollowerMass = 0.15;
 constexpr double StemLength = 0.12;
-constexpr KARMathLine2D Up({0.0, 0.0}, {0.0, 1.0});
 
 Model Build()
 {
@@ -42,22 +40,19 @@ Model Build()
     model.Motor("Motor", model.Variable("Cam angle", bearing, CamAngle),
                 {.velocity = 10.0, .maximum = 2.0});
 
-    const auto guide = model.Attach<KARMPLine2D>("Guide", model.PlanarGround());
-    const auto stem = model.Attach<KARMPLine2D>("Stem", follower);
-    const auto disc = model.Attach<KARMPCircle2D>("Disc", cam);
-    const auto face = model.Attach<KARMPLine2D>("Face", follower);
-    guide->SetLine(Up);
-    stem->SetLine(Up);
-    disc->SetPoint({Eccentricity, 0.0});
-    disc->SetRadius(CamRadius);
-    face->SetLine({{0.0, 0.0}, {1.0, 0.0}});
+    const Settings up{{"Origin", {0.0, 0.0}}, {"Direction", {0.0, 1.0}}};
+    const auto guide = model.Attach<KARMPLine2D>("Guide", model.PlanarGround(), up);
+    const auto stem = model.Attach<KARMPLine2D>("Stem", follower, up);
+    const auto disc = model.Attach<KARMPCircle2D>(
+        "Disc", cam, {{"Center", {Eccentricity, 0.0}}, {"radius", CamRadius}});
+    const auto face = model.Attach<KARMPLine2D>(
+        "Face", follower, {{"Origin", {0.0, 0.0}}, {"Direction", {1.0, 0.0}}});
     model.Joint<KARMPUserDefined2D>("Guide", guide, stem);
     model.Joint<KARMPUserDefined2D, KARMPTangency>("Contact", disc, face);
 
-    const auto sensor = model.Add<KARMPDisplacementSensor2D>("Lift");
-    model.Link(sensor, follower);
-    sensor->SetDisplacement(
-        KARMathTransformation2D(KARMathVector2D(0.0, lift - (CamRadius - Eccentricity))));
+    const KARMathVector2D lifted(0.0, lift - (CamRadius - Eccentricity));
+    model.Add<KARMPDisplacementSensor2D>(
+        "Lift", {{"Body2D", follower}, {"Displacement2D", KARMathTransformation2D(lifted)}});
     return model;
 }
 
@@ -80,10 +75,8 @@ double GapOf(const Model& model)
 
 int main()
 {
-    if (const auto saved = Build().Save("cam-follower.xml", {}); !saved)
-        return saved.Report();
-    const auto again = Load("cam-follower.xml");
-    if (again.Report() != 0)
+    const auto again = RoundTrip(Build(), "cam-follower.xml");
+    if (!again)
         return 1;
     KARMathTransformation2D lift;
     again->Find<KARMPDisplacementSensor2D>("Lift")->GetDisplacement(lift);

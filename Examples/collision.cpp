@@ -4,10 +4,9 @@
 // loaders stand for a solver: they find contacts and clearances from the geometries of the bodies.
 // The world's z points up.
 #include "Filler.h"
-#include "KARMPModel.h"
+#include "RoundTrip.h"
 
 #include <cmath>
-#include <iostream>
 #include <numbers>
 
 using namespace karmp::model;
@@ -103,18 +102,14 @@ void FillProximity(KARMPProximitySensor& sensor, const RefList<KARMPSphere>& bal
 
 Ref<KARMPSphere> AddBall(Model& model, const char* name, const Ref<KARMPBody>& body, double x)
 {
-    const auto ball = model.Attach<KARMPSphere>(name, body);
-    ball->SetCenter({x, 0.0, 0.0});
-    ball->SetRadius(BallRadius);
-    return ball;
+    return model.Attach<KARMPSphere>(name, body,
+                                     {{"Center", {x, 0.0, 0.0}}, {"radius", BallRadius}});
 }
 
 Ref<KARMPPlane> AddFace(Model& model, const Ref<KARMPBody>& body, double x,
                         const KARMathVector& normal)
 {
-    const auto face = model.Attach<KARMPPlane>("Face", body);
-    face->SetPlane(KARMathPlane({x, 0.0, 0.0}, normal));
-    return face;
+    return model.Attach<KARMPPlane>("Face", body, {{"Origin", {x, 0.0, 0.0}}, {"Normal", normal}});
 }
 
 /// The dumbbell where the mat carries it: each ball as deep as its share of the weight asks for, so
@@ -155,41 +150,34 @@ void Build(Model& model)
                                     *FrameAlong({GateFace, 0.0, 0.0}, x));
     model.Variable("Gate face", guide, GateFace);
 
-    const auto moving = model.Add<KARMPCollisionLayer>("Moving parts");
-    const auto fixed = model.Add<KARMPCollisionLayer>("Fixed parts");
-    const auto both = model.Add<KARMPCollisionInterLayer>("Moving on fixed parts");
-    moving->AddCollidable(dumbbell);
-    moving->AddCollidable(gate);
-    fixed->AddCollidable(plate);
-    fixed->AddCollidable(wall);
-    both->AddCollidable(moving);
-    both->AddCollidable(fixed);
-    both->SetRestitutionCoefficient(0.4);
-    both->SetDynamicFrictionCoefficient(0.3);
-    both->SetStaticFrictionCoefficient(0.4);
+    const auto moving =
+        model.Add<KARMPCollisionLayer>("Moving parts", {{"Collidables", {dumbbell, gate}}});
+    const auto fixed =
+        model.Add<KARMPCollisionLayer>("Fixed parts", {{"Collidables", {plate, wall}}});
+    model.Add<KARMPCollisionInterLayer>("Moving on fixed parts", {{"Collidables", {moving, fixed}},
+                                                                  {"Restitution", 0.4},
+                                                                  {"DynamicFriction", 0.3},
+                                                                  {"StaticFriction", 0.4}});
 
     // The dumbbell is rigid, and the plate has the mat.
-    const auto rule = model.Add<KARMPCollisionRule>("Dumbbell on mat");
-    rule->SetFirstBody(dumbbell);
-    rule->SetSecondBody(plate);
-    rule->SetRestitutionCoefficient(0.1);
-    rule->SetDynamicFrictionCoefficient(0.7);
-    rule->SetStaticFrictionCoefficient(0.8);
-    rule->SetSecondCollidableParameters(MatYoungModulus, MatPoisson, MatThickness);
-    const auto contacts = model.Add<KARMPCollisionSensor>("Contact sensor");
-    contacts->SetCollisionRule(rule);
+    const auto rule = model.Add<KARMPCollisionRule>("Dumbbell on mat",
+                                                    {{"Collidables", {dumbbell, plate}},
+                                                     {"Restitution", 0.1},
+                                                     {"DynamicFriction", 0.7},
+                                                     {"StaticFriction", 0.8},
+                                                     {"YoungModulus2", MatYoungModulus},
+                                                     {"PoissonCoef2", MatPoisson},
+                                                     {"ElasticLayerThickness2", MatThickness}});
+    const auto contacts =
+        model.Add<KARMPCollisionSensor>("Contact sensor", {{"CollisionRule", rule}});
     contacts->SetLoader(new Filler<KARIMPCollisionSensorLoader>(
         [&sensor = *contacts, balls, mat] { FillContacts(sensor, balls, mat); }));
-
-    KARMPProximitySensorData data;
-    data.SetSensorBody(dumbbell);
-    data.SetUseGroupContext(true);
-    data.AddBodyToGroup(wall);
-    data.AddBodyToGroup(gate);
-    data.SetUseClearance(true);
-    data.SetClearance(0.05);
-    const auto proximity = model.Add<KARMPProximitySensor>("Proximity sensor");
-    proximity->SetProximitySensorData(data);
+    const auto proximity =
+        model.Add<KARMPProximitySensor>("Proximity sensor", {{"SensorBody", dumbbell},
+                                                             {"UseGroupContext", true},
+                                                             {"ProximitySensorGroup", {wall, gate}},
+                                                             {"UseClearance", true},
+                                                             {"Clearance", 0.05}});
     proximity->SetLoader(new Filler<KARIMPProximitySensorLoader>(
         [&sensor = *proximity, balls, faces] { FillProximity(sensor, balls, faces); }));
 }
@@ -237,9 +225,7 @@ int main()
     if (model.Find<KARMPSensor>("Contact sensor")->Update() != KARSuccess ||
         !PrintContacts(model) || !CloseGate(model))
         return 1;
-    if (const auto saved = model.Save("collision.xml", {}); !saved)
-        return saved.Report();
-    const auto again = Load("collision.xml");
+    const auto again = RoundTrip(model, "collision.xml");
     std::cout << "After loading collision.xml\n";
-    return again.Report() == 0 && PrintContacts(*again) ? 0 : 1;
+    return again && PrintContacts(*again) ? 0 : 1;
 }

@@ -6,13 +6,11 @@
 #include "KARCrvLimits.h"
 #include "KAREllipseArc.h"
 #include "KARGeometricFactory.h"
-#include "KARMPEntities.h"
-#include "KARMPModel.h"
 #include "KARNurbsCurve.h"
+#include "RoundTrip.h"
 
 #include <algorithm>
 #include <cmath>
-#include <iostream>
 #include <numbers>
 
 using namespace karmp::model;
@@ -127,10 +125,8 @@ Model Build()
 
 int main()
 {
-    if (const auto saved = Build().Save("curve-cam.xml", {}); !saved)
-        return saved.Report();
-    const auto again = Load("curve-cam.xml");
-    if (again.Report() != 0)
+    const auto again = RoundTrip(Build(), "curve-cam.xml");
+    if (!again)
         return 1;
     const auto profile = again->Find<KARMPCurve>("Cam.Profile");
     const KARMathPoint touching =

@@ -1,9 +1,7 @@
 // A gear pair: two wheels on revolute joints, and a gear that ties their angles by an equation. The
 // axles lie level: gravity acts along -y.
-#include "KARMPEntities.h"
-#include "KARMPModel.h"
 
-#include <iostream>
+#include "RoundTrip.h"
 
 using namespace karmp::model;
 
@@ -36,10 +34,8 @@ int main()
     const auto pinion = AddWheel(model, "Pinion", WheelRadius + PinionRadius, -Ratio * WheelAngle,
                                  PinionRadius, 9.6);
     model.Couple<KARMPGear>("Gear", {{wheel, Ratio}, {pinion, 1.0}}); // their sum is 0
-    if (const auto saved = model.Save("gear-pair.xml", {}); !saved)
-        return saved.Report();
-    const auto again = Load("gear-pair.xml");
-    if (again.Report() != 0)
+    const auto again = RoundTrip(model, "gear-pair.xml");
+    if (!again)
         return 1;
     double ratio = 0.0;
     again->Find<KARMPLinearEquation>("Gear.equation")->GetLinearTerm(0, ratio);

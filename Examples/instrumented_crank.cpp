@@ -6,7 +6,6 @@
 #include "Filler.h"
 
 #include <algorithm>
-#include <iostream>
 #include <numbers>
 
 using namespace karmp::model;
@@ -83,37 +82,38 @@ struct InstrumentedCrank
         });
 
         // From the dead centre at which the slider is farthest from the bearing.
-        const auto moved = model.Add<KARMPDisplacementSensor>("Displacement sensor");
-        model.Link(moved, parts.slider);
+        const auto moved =
+            model.Add<KARMPDisplacementSensor>("Displacement sensor", {{"Body", parts.slider}});
         moved->SetLoader(new Filler<KARIMPSensorLoader>([this, &to = *moved] {
             const double deadCenter = SliderCrank::CrankLength + SliderCrank::RodLength;
             const double way = state.slider.origin.real() - deadCenter;
             to.SetDisplacement(KARMathTransformation(KARMathVector(way, 0.0, 0.0)));
         }));
-        const auto pin = model.Add<KARMPJointSpatialForceSensor>("Pin force sensor");
-        model.Link(pin, parts.crankPin);
+        const auto pin = model.Add<KARMPJointSpatialForceSensor>("Pin force sensor",
+                                                                 {{"Joint", parts.crankPin}});
         pin->SetIndexBody(1); // the child
         pin->SetLoader(
             new PinFiller(model, [this, &to = *pin] { to.SetSpatialForce(pinForce, {}); }));
-        const auto drive = model.Add<KARMPMotorForceSensor>("Motor sensor");
-        drive->SetMotor(model.Motor("Motor", parts.angle, {.velocity = Velocity, .maximum = 12.0}));
+        const auto motor =
+            model.Motor("Motor", parts.angle, {.velocity = Velocity, .maximum = 12.0});
+        const auto drive = model.Add<KARMPMotorForceSensor>("Motor sensor", {{"Motor", motor}});
         drive->SetLoader(new Filler<KARIMPMotorForceSensorLoader>(
             [this, &to = *drive] { to.SetForce(torque, nullptr, nullptr); }));
 
         // A drawing asks for a slider that is parallel to its guide, which the guide sees to.
-        const auto level = model.Add<KARMPParallelism>("Level");
-        level->SetAlignment(KARMPAlignment::Align);
-        model.Link(level, model.Find<KARMPAxisSystem>("GlobalBody.Guide"));
-        model.Link(level, model.Find<KARMPAxisSystem>("Slider.Guide"));
+        const auto level =
+            model.Add<KARMPParallelism>("Level", {{"Alignment", "Align"},
+                                                  {"Geometries",
+                                                   {model.Find<KARMPAxisSystem>("GlobalBody.Guide"),
+                                                    model.Find<KARMPAxisSystem>("Slider.Guide")}}});
         model.Link(model.Add<KARMPConstraintSensor>("Redundancy sensor"), level);
     }
 
     template <class Fill>
     void AddFreedomSensor(const char* name, const Ref<KARMPJoint>& joint, int freedom, Fill fill)
     {
-        const auto sensor = model.Add<KARMPJointDOFSensor>(name);
-        model.Link(sensor, joint);
-        sensor->SetIndexDOF(freedom);
+        const auto sensor =
+            model.Add<KARMPJointDOFSensor>(name, {{"Joint", joint}, {"DOFindex", freedom}});
         sensor->SetLoader(
             new Filler<KARIMPJointDOFSensorLoader>([fill, &to = *sensor] { fill(to); }));
     }
@@ -206,10 +206,8 @@ int main()
     InstrumentedCrank crank;
     if (!crank.GoTo(0.5))
         return 1;
-    if (const auto saved = crank.model.Save("instrumented-crank.xml", {}); !saved)
-        return saved.Report();
-    const auto again = Load("instrumented-crank.xml");
-    if (again.Report() != 0)
+    const auto again = RoundTrip(crank.model, "instrumented-crank.xml");
+    if (!again)
         return 1;
     std::cout << "instrumented-crank.xml holds " << again->All<KARMPSensor>().size()
               << " sensors with what they measured at 0.5 rad\n";

@@ -2,11 +2,10 @@
 // three ways to tell one its target: the turntable turns at a velocity given as a number, the arm
 // follows an equation of time, and the slide goes where a value says that the application may
 // change. The world's z points up.
-#include "KARMPEntities.h"
-#include "KARMPModel.h"
 
 #include <cmath>
-#include <iostream>
+
+#include "RoundTrip.h"
 
 using namespace karmp::model;
 
@@ -73,10 +72,8 @@ double LiftAt(const Model& model, double time)
 
 int main()
 {
-    if (const auto saved = Build().Save("motor-drive.xml", {}); !saved)
-        return saved.Report();
-    const auto again = Load("motor-drive.xml");
-    if (again.Report() != 0)
+    const auto again = RoundTrip(Build(), "motor-drive.xml");
+    if (!again)
         return 1;
     double velocity = 0.0;
     double reach = 0.0;

@@ -7,7 +7,6 @@
 #include "Springs.h"
 
 #include <cmath>
-#include <iostream>
 
 using namespace karmp::model;
 
@@ -103,20 +102,27 @@ void AddSprings(Model& model, const Parts& p)
     const KARMathPoint road(0.0, 0.75, 0.0);
     const double springLength = (SpringHead - SpringFoot).Norm() + SpringLoad() / 28000.0;
     const double tyreLength = (WheelCenter - road).Norm() + Gravity * TotalMass / 200000.0;
-    AddSpring(model, "Spring", p.lowerArm, SpringFoot, p.body, SpringHead,
-              {28000.0, springLength, 1800.0});
-    AddSpring(model, "Tyre", model.Ground(), road, p.carrier, WheelCenter,
-              {200000.0, tyreLength, 150.0})
-        ->SetBehavior(KARMPSpringBehavior::ExtensionFree);
+    const auto points = [&](const char* name, const Ref<KARMPBody>& first, const KARMathPoint& from,
+                            const Ref<KARMPBody>& second, const KARMathPoint& to) {
+        const auto start = model.Point(name, first, from);
+        return std::pair(start, model.Point(name, second, to));
+    };
+    const auto [foot, head] = points("Spring", p.lowerArm, SpringFoot, p.body, SpringHead);
+    model.Connect<KARMPLinearSpring>(
+        "Spring", foot, head,
+        {{"Stiffness", 28000.0}, {"RestLength", springLength}, {"DampingCoefficient", 1800.0}});
+    const auto [ground, hub] = points("Tyre", model.Ground(), road, p.carrier, WheelCenter);
+    model.Connect<KARMPLinearSpring>("Tyre", ground, hub,
+                                     {{"Stiffness", 200000.0},
+                                      {"RestLength", tyreLength},
+                                      {"DampingCoefficient", 150.0},
+                                      {"Behavior", "ExtensionFree"}});
     // Resists the upper arm about its pivot, without a torque where the arm lies level.
     const KARMathAxis pivot = *FrameAlong(UpperPivot, Along);
     const auto onBody = model.Frame("Torsion bar", p.body, pivot);
-    const auto onArm = model.Frame("Torsion bar", p.upperArm, pivot);
-    const auto bar = model.Connect<KARMPTorsionSpring>("Torsion bar", onBody, onArm);
-    bar->SetStiffness(model.Constant("Torsion bar.stiffness", Quantity::AngularStiffness, 400.0));
-    bar->SetRestAngle(model.Constant("Torsion bar.rest angle", Quantity::Angle, 0.0));
-    bar->SetDampingCoefficient(
-        model.Constant("Torsion bar.damping", Quantity::AngularDamping, 2.0));
+    model.Connect<KARMPTorsionSpring>(
+        "Torsion bar", onBody, model.Frame("Torsion bar", p.upperArm, pivot),
+        {{"Stiffness", 400.0}, {"RestAngle", 0.0}, {"DampingCoefficient", 2.0}});
 }
 
 /// Carry the lower arm before and behind the middle of its pivot. Both are of one kind and share
@@ -154,13 +160,11 @@ int main()
     AddJoints(model, parts);
     AddSprings(model, parts);
     AddBushings(model, parts);
-    if (const auto saved = model.Save("quarter-car.xml", {}); !saved)
-        return saved.Report();
-    const auto again = Load("quarter-car.xml");
-    if (again.Report() != 0)
+    const auto again = RoundTrip(model, "quarter-car.xml");
+    if (!again)
         return 1;
-    const double tyre = PushOf(*again->Find<KARMPLinearSpring>("Tyre"));
+    const double tyre = PushOf(again->Find<KARMPLinearSpring>("Tyre"));
     std::cout << "After loading quarter-car.xml the tyre carries " << tyre << " N and the spring "
-              << PushOf(*again->Find<KARMPLinearSpring>("Spring")) << " N\n";
+              << PushOf(again->Find<KARMPLinearSpring>("Spring")) << " N\n";
     return std::abs(tyre - Gravity * TotalMass) < 1e-6 ? 0 : 1;
 }

@@ -2,11 +2,9 @@
 // and cylinders, which also tell what the links weigh. Motors hold the joints where they stand. The
 // program builds the arm, saves it, loads it again, and tells where the tool points and how many
 // triangles there are. The world's z points up.
-#include "SolidParts.h"
-
+#include "KAR3DMeshRep.h"
 #include "KAR3DRepWalk.h"
-
-#include <iostream>
+#include "RoundTrip.h"
 
 using namespace karmp::model;
 
@@ -33,16 +31,13 @@ struct Arm
     /// before it, by an angle, with a motor's greatest torque.
     void Add(const char* name, const std::string& joint, const KARMathPoint& point,
              const KARMathVector& axis, double angle, double torque,
-             const std::vector<SolidPart>& parts)
+             const std::vector<Solid>& parts)
     {
         const KARMathAxis onLast = position * *FrameAlong(point, axis);
         position = position * KARMathTransformation(point - KARMathPoint()) *
                    KARMathTransformation::Rotation(KARMathLine({}, axis), angle);
-        BodyOptions mass = MassOf(parts[0], Density);
-        for (std::size_t i = 1; i < parts.size(); ++i)
-            mass = Together(mass, MassOf(parts[i], Density));
-        const auto body = model.Body(name, mass.PlacedAt(position));
-        AddMeshes(model, body, parts);
+        const auto body = model.Body(name, MassOf(parts, Density).PlacedAt(position));
+        model.Shape("Shape", body, parts);
         const auto revolute =
             model.Joint<KARMPRevolute>(joint, last, body, onLast, position * *FrameAlong({}, axis));
         model.Motor(joint + " motor", model.Variable(joint + " angle", revolute, angle),
@@ -54,9 +49,9 @@ struct Arm
 Arm Build()
 {
     Arm arm;
-    AddMeshes(arm.model, arm.last,
-              {{{0.0, 0.0, 0.01}, {0.36, 0.36, 0.02}, -1, Dark},
-               Drum({0.0, 0.0, 0.08}, 2, 0.12, 0.12, Bright)});
+    arm.model.Shape("Shape", arm.last,
+                    std::vector{Solid{{0.0, 0.0, 0.01}, {0.36, 0.36, 0.02}, -1, Dark},
+                                Drum({0.0, 0.0, 0.08}, 2, 0.12, 0.12, Bright)});
     arm.Add("Column", "Waist", {0.0, 0.0, 0.14}, Up, 0.5, 300.0,
             {Drum({0.0, 0.0, 0.05}, 2, 0.11, 0.1, Orange),
              {{0.0, 0.0, 0.17}, {0.13, 0.09, 0.16}, -1, Orange},
@@ -99,10 +94,8 @@ std::size_t CountTriangles(const Model& model)
 int main()
 {
     const Arm arm = Build();
-    if (const auto saved = arm.model.Save("robot-arm.xml", {}); !saved)
-        return saved.Report();
-    const auto again = Load("robot-arm.xml");
-    if (again.Report() != 0)
+    const auto again = RoundTrip(arm.model, "robot-arm.xml");
+    if (!again)
         return 1;
     KARMathPoint tip;
     again->Find<KARMPPoint>("Gripper.Tip")->GetPoint(tip);

@@ -39,13 +39,16 @@ Model Build()
 
     const auto driven = model.Find<KARMPJoint>("Revolute.O");
     model.Variable("Beta", driven, Beta);
-    const auto drive = model.Add<KARMPJointForceActuator>("Drive");
-    model.Link(drive, driven);
-    drive->SetIndexDOF(RotationAboutZ);
-    drive->SetForce(model.Constant("Drive.torque", KARMPPhysicalQuantity::Torque, DriveTorque));
-    const KARMathPoint onK3 = AxesAt(model, "K3", D).GetOrigin();
-    AddSpring(model, "Spring", model.Ground(), C, model.Find<KARMPBody>("K3"), onK3,
-              {SpringStiffness, SpringLength, 0.0});
+    const auto torque = model.Constant("Drive.torque", KARMPPhysicalQuantity::Torque, DriveTorque);
+    model.Add<KARMPJointForceActuator>(
+        "Drive", {{"Joint", driven}, {"DOFindex", RotationAboutZ}, {"Force", torque}});
+    const auto onGround = model.Point("Spring", model.Ground(), C);
+    const auto onK3 =
+        model.Point("Spring", model.Find<KARMPBody>("K3"), AxesAt(model, "K3", D).GetOrigin());
+    model.Connect<KARMPLinearSpring>("Spring", onGround, onK3,
+                                     {{"Stiffness", SpringStiffness},
+                                      {"RestLength", SpringLength},
+                                      {"DampingCoefficient", 0.0}});
     return model;
 }
 
@@ -65,5 +68,5 @@ int main()
 {
     return RoundTrip(
         Build(), "seven-body", PlaceOf,
-        [](const Model& model) { return PushOf(*model.Find<KARMPLinearSpring>("Spring")); });
+        [](const Model& model) { return PushOf(model.Find<KARMPLinearSpring>("Spring")); });
 }

@@ -50,15 +50,15 @@ Model Build()
     model.Variable("beta", model.Find<KARMPJoint>("O"), Beta);
     const auto gamma = model.Variable("gamma", model.Find<KARMPJoint>("B"), Gamma);
 
-    const auto spring = model.Add<KARMPSpatialForceActuator2D>("Spring");
-    spring->SetApplicationPoint(D);
-    model.Link(spring, model.Find<KARMPBody2D>("K3"));
-    spring->SetForce({model.Expression("Spring.x", Quantity::Force, Push + WayX, {gamma}),
-                      model.Expression("Spring.y", Quantity::Force, Push + WayY, {gamma})});
-    const auto drive = model.Add<KARMPSpatialForceActuator2D>("Drive");
-    model.Link(drive, model.Find<KARMPBody2D>("K1"));
-    drive->SetTorque(KARMPSpatialForceActuator2D::TorqueComponents{
-        model.Constant("Drive.torque", Quantity::Torque, DriveTorque)});
+    const auto x = model.Expression("Spring.x", Quantity::Force, Push + WayX, {gamma});
+    const auto y = model.Expression("Spring.y", Quantity::Force, Push + WayY, {gamma});
+    model.Add<KARMPSpatialForceActuator2D>("Spring", {{"ApplicationPoint2D", KARMathPoint2D(D)},
+                                                      {"Body2D", model.Find<KARMPBody2D>("K3")},
+                                                      {"Force2D/Vx", x},
+                                                      {"Force2D/Vy", y}});
+    const auto torque = model.Constant("Drive.torque", Quantity::Torque, DriveTorque);
+    model.Add<KARMPSpatialForceActuator2D>(
+        "Drive", {{"Body2D", model.Find<KARMPBody2D>("K1")}, {"Torque2D/Vx", torque}});
     return model;
 }
 

@@ -1,16 +1,12 @@
 // A slider-crank, which stands upright: gravity acts along -y.
 #include "SliderCrank.h"
 
-#include <iostream>
-
 int main()
 {
     karmp::model::Model model("Slider-crank", {.gravity = {0.0, -9.81, 0.0}});
     AddSliderCrank(model, 0.5);
-    if (const auto saved = model.Save("slider-crank.xml", {}); !saved)
-        return saved.Report();
-    const auto again = karmp::model::Load("slider-crank.xml");
-    if (again.Report() != 0)
+    const auto again = RoundTrip(model, "slider-crank.xml");
+    if (!again)
         return 1;
     const auto slider = again->Find<KARMPBody>("Slider");
     std::cout << "The slider stands at x = " << PositionOf(slider).GetVector().GetX()

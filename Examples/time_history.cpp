@@ -8,7 +8,6 @@
 #include <cstdlib>
 #include <fstream>
 #include <functional>
-#include <iostream>
 #include <sstream>
 
 using namespace karmp::model;
@@ -65,76 +64,79 @@ struct TimeHistory
 
     TimeHistory()
     {
-        const auto start = Add<KARMPParameter>("Start at rest.crank", "", parts.angle);
-        start->AddChild(
-            AddNumber<KARMPParameter>("Start at rest.crank.angle", Quantity::Angle, StartAngle));
-        start->AddChild(AddNumber<KARMPParameter>("Start at rest.crank.velocity",
-                                                  Quantity::AngularVelocity, 0.0));
-        initial->AddParameter(start);
-        AddStep("Run-up", 2.0);
-        AddStep("Steady run", 0.0);
+        using P = KARMPParameter;
+        using O = KARMPOutput;
+        const auto start = AddAbout<P>("Start at rest.crank", parts.angle);
+        model.Set(start, {{"ChildrenParameters",
+                           {AddNumber<P>(start, "angle", Quantity::Angle, StartAngle),
+                            AddNumber<P>(start, "velocity", Quantity::AngularVelocity)}}});
+        model.Set(initial, {{"Parameters", start}});
+        model.Set(analysis, {{"Steps", {AddStep("Run-up", 2.0), AddStep("Steady run", 0.0)}}});
 
-        analysis->AddOutput(AddNumber<KARMPOutput>("Run.time", Quantity::Time, 0.0));
-        analysis->AddOutput(AddFlag<KARMPString>("Run.analysis step", "string", Quantity::Time));
-        AddOutputs("Run.crank", parts.crank, "angle", Quantity::Angle, Quantity::AngularVelocity)
-            ->AddChild(
-                AddFlag<KARMPBoolean>("Run.crank.past dead centre", "bool", Quantity::Angle));
-        AddOutputs("Run.slider", parts.slider, "position", Quantity::Length, Quantity::Velocity);
+        const auto now = AddNumber<O>(analysis, "time", Quantity::Time);
+        const auto step = AddFlag<KARMPString>(analysis, "analysis step", "string", Quantity::Time);
+        const auto crank = AddAbout<O>("Run.crank", parts.crank);
+        model.Set(crank,
+                  {{"ChildrenOutputs",
+                    {AddNumber<O>(crank, "angle", Quantity::Angle),
+                     AddNumber<O>(crank, "velocity", Quantity::AngularVelocity),
+                     AddFlag<KARMPBoolean>(crank, "past dead centre", "bool", Quantity::Angle)}}});
+        const auto slider = AddAbout<O>("Run.slider", parts.slider);
+        model.Set(slider, {{"ChildrenOutputs",
+                            {AddNumber<O>(slider, "position", Quantity::Length),
+                             AddNumber<O>(slider, "velocity", Quantity::Velocity)}}});
+        model.Set(analysis, {{"Outputs", {now, step, crank, slider}}});
         deadCenter->SetDiagnosticID(KARMPDiagnosticID::SingularConfiguration);
         deadCenter->SetMessageString("these bodies stand in line");
         parts.angle->SetLoader(new CrankLoader(parts, velocity, *deadCenter));
     }
 
-    /// An attribute, whose path's last part is that of its name, tied to what it is about.
+    /// An attribute, whose path's last part is that of its name, with what it is about.
     template <class Attribute>
-    Ref<Attribute> Add(const std::string& name, const char* type,
-                       const Ref<KARMPEntity>& about = {})
+    Ref<Attribute> AddAbout(const std::string& name, const Ref<KARMPEntity>& about)
     {
-        const auto attribute = model.Add<Attribute>(name);
-        attribute->SetID(KARString(name.substr(name.rfind('.') + 1).c_str()));
-        attribute->SetType(type);
-        if (about) {
-            const auto support = model.Add<KARMPSupport>(name + ".support");
-            support->SetTarget(about);
-            attribute->AddSupport(support);
-        }
-        return attribute;
+        return model.Add<Attribute>(
+            name, {{"entityID", name.substr(name.rfind('.') + 1)},
+                   {"Supports", model.Add<KARMPSupport>(name + ".support", {{"Target", about}})}});
+    }
+    /// An attribute of an entity with a value.
+    template <class Attribute>
+    Ref<Attribute> AddPart(const Ref<KARMPEntity>& owner, const std::string& id, const char* type,
+                           const Ref<KARMPValue>& value)
+    {
+        return model.Add<Attribute>(NameOf(owner, id),
+                                    {{"entityID", id}, {"type", type}, {"Values", value}});
     }
     template <class Attribute>
-    Ref<Attribute> AddNumber(const std::string& name, Quantity::Enum quantity, double number)
+    Ref<Attribute> AddNumber(const Ref<KARMPEntity>& owner, const std::string& id,
+                             Quantity::Enum quantity, double number = 0.0)
     {
-        const auto attribute = Add<Attribute>(name, "double");
-        attribute->AddValue(model.Constant(name + ".value", quantity, number));
-        return attribute;
+        const auto value = model.Constant(NameOf(owner, id) + ".value", quantity, number);
+        return AddPart<Attribute>(owner, id, "double", value);
     }
     /// A flag or a text, which documents of older versions do not keep without a quantity.
     template <class Value>
-    Ref<KARMPOutput> AddFlag(const std::string& name, const char* type, Quantity::Enum quantity)
+    Ref<KARMPOutput> AddFlag(const Ref<KARMPEntity>& owner, const std::string& id, const char* type,
+                             Quantity::Enum quantity)
     {
-        const auto output = Add<KARMPOutput>(name, type);
-        const auto value = model.Add<Value>(name + ".value");
+        const auto value = model.Add<Value>(NameOf(owner, id) + ".value");
         value->SetPhysicalQuantity(quantity);
-        output->AddValue(value);
-        return output;
+        return AddPart<KARMPOutput>(owner, id, type, value);
     }
-    void AddStep(const std::string& name, double acceleration)
+    static std::string NameOf(const Ref<KARMPEntity>& owner, const std::string& id)
     {
+        return kar::ToUtf8(owner->getEntityName()) + '.' + id;
+    }
+    Ref<KARMPAnalysisStep> AddStep(const char* name, double acceleration)
+    {
+        using P = KARMPParameter;
         const auto step = model.Add<KARMPAnalysisStep>(name);
-        step->AddParameter(AddNumber<KARMPParameter>(name + ".duration", Quantity::Time, 1.0));
-        step->AddParameter(AddNumber<KARMPParameter>(name + ".acceleration",
-                                                     Quantity::AngularAcceleration, acceleration));
-        analysis->AddAnalysisStep(step);
-    }
-    /// The coordinate of a body and its rate.
-    Ref<KARMPOutput> AddOutputs(const std::string& name, const Ref<KARMPBody>& body,
-                                const char* coordinate, Quantity::Enum quantity,
-                                Quantity::Enum rate)
-    {
-        const auto output = Add<KARMPOutput>(name, "", body);
-        output->AddChild(AddNumber<KARMPOutput>(name + '.' + coordinate, quantity, 0.0));
-        output->AddChild(AddNumber<KARMPOutput>(name + ".velocity", rate, 0.0));
-        analysis->AddOutput(output);
-        return output;
+        model.Set(
+            step,
+            {{"Parameters",
+              {AddNumber<P>(step, "duration", Quantity::Time, 1.0),
+               AddNumber<P>(step, "acceleration", Quantity::AngularAcceleration, acceleration)}}});
+        return step;
     }
 
     /// Sets the mechanism where its initial condition says, and runs all steps of the case. The
@@ -229,10 +231,8 @@ int main()
     if (history.deadCenter->GetEntityCount() != 3 ||
         !WriteTable(*history.analysis, "time-history.csv"))
         return 1;
-    if (const auto saved = history.model.Save("time-history.xml", {}); !saved)
-        return saved.Report();
-    const auto again = Load("time-history.xml");
-    if (again.Report() != 0)
+    const auto again = RoundTrip(history.model, "time-history.xml");
+    if (!again)
         return 1;
     // The outputs, as the document keeps them on a grid of 1e-12, are what the drive ends with.
     const auto analysis = again->Find<KARMPAnalysisCase>("Run");
