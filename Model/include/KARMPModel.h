@@ -34,6 +34,7 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 class KARMP3DRep;
@@ -288,6 +289,11 @@ public:
                                     KARMPPhysicalQuantity::Enum quantity, std::string_view equation,
                                     std::initializer_list<Ref<KARMPVariable>> variables,
                                     Where where = Where::current());
+    /// The number that the equation of an expression gives where variables that it names have the
+    /// numbers that are given. Those of the world's equations keep them.
+    Result<double> Evaluate(const Ref<KARMPExpression>& expression,
+                            std::initializer_list<std::pair<std::string_view, double>> variables,
+                            Where where = Where::current()) const;
     /// A motor on a variable, which is controlled from then on. Its numbers are constants of its
     /// own, "Motor.velocity" for one; other values are for its own operations.
     Ref<KARMPMotor> Motor(std::string_view identifier, const Ref<KARMPVariable>& variable,
@@ -309,6 +315,25 @@ public:
             AddConnector(C::ClassInfo(), identifier, onFirst, onSecond, settings, where));
     }
 
+    /// The same between a new point of each body, and between a frame that both get, told in the
+    /// world.
+    template <class C>
+    Ref<C> Connect(std::string_view identifier, const Ref<KARMPBody>& first,
+                   const KARMathPoint& from, const Ref<KARMPBody>& second, const KARMathPoint& to,
+                   Settings settings = {}, Where where = Where::current())
+    {
+        return Typed<C>(
+            AddConnector(C::ClassInfo(), identifier, first, from, second, to, settings, where));
+    }
+    template <class C>
+    Ref<C> Connect(std::string_view identifier, const Ref<KARMPBody>& first,
+                   const Ref<KARMPBody>& second, const KARMathAxis& frame, Settings settings = {},
+                   Where where = Where::current())
+    {
+        return Typed<C>(
+            AddConnector(C::ClassInfo(), identifier, first, second, frame, settings, where));
+    }
+
     /// As Connect and Attach, for a class that is known at run time, by its record.
     Entity AddConnector(const QOBClassInfo& info, std::string_view identifier,
                         const Ref<KARMPGeometry>& onFirst, const Ref<KARMPGeometry>& onSecond,
@@ -319,6 +344,13 @@ public:
     {
         return AddConnector(info, identifier, onFirst, onSecond, {}, where);
     }
+    Entity AddConnector(const QOBClassInfo& info, std::string_view identifier,
+                        const Ref<KARMPBody>& first, const KARMathPoint& from,
+                        const Ref<KARMPBody>& second, const KARMathPoint& to, Settings settings,
+                        Where where);
+    Entity AddConnector(const QOBClassInfo& info, std::string_view identifier,
+                        const Ref<KARMPBody>& first, const Ref<KARMPBody>& second,
+                        const KARMathAxis& frame, Settings settings, Where where);
     Entity AttachGeometry(const QOBClassInfo& info, std::string_view identifier,
                           const Ref<KARMPEntity>& body, Settings settings, Where where);
     Entity AttachGeometry(const QOBClassInfo& info, std::string_view identifier,

@@ -16,6 +16,8 @@
 
 class KARMPBody;
 class KARMPBody2D;
+class KARMPGeometry;
+class KARMPPoint2D;
 class KARMPVariable;
 
 namespace karmp::model {
@@ -111,6 +113,11 @@ KARMP_MODEL_API std::optional<KARMathAxis> FrameAlong(const KARMathPoint& origin
 /// Where a body stands in the world, or in its plane.
 KARMP_MODEL_API KARMathTransformation PositionOf(const Ref<KARMPBody>& body);
 KARMP_MODEL_API KARMathTransformation2D PositionOf(const Ref<KARMPBody2D>& body);
+
+/// Where a point, or the origin of an axis system, stands in the world, or in its plane; the origin
+/// of its body for another geometry.
+KARMP_MODEL_API KARMathPoint PlaceOf(const Ref<KARMPGeometry>& geometry);
+KARMP_MODEL_API KARMathPoint2D PlaceOf(const Ref<KARMPPoint2D>& point);
 
 /// How a motor drives its variable, and the most that it can: in the unit of the variable, its
 /// derivatives by the second, and N or N m. What is not given stays unset.

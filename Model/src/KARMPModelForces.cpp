@@ -1,25 +1,17 @@
-// Values, motors and connectors, and geometries on bodies.
-#include "KARMPAxisSystem.h"
-#include "KARMPBody2D.h"
-#include "KARMPConnector.h"
+// Values and motors.
 #include "KARMPConstant.h"
 #include "KARMPExpression.h"
-#include "KARMPGeometry.h"
-#include "KARMPLinearSpring.h"
 #include "KARMPModel.h"
 #include "KARMPModelCore.h"
 #include "KARMPModelNames.h"
-#include "KARMPModelPlacing.h"
 #include "KARMPModelValues.h"
 #include "KARMPMotor.h"
-#include "KARMPPoint.h"
 #include "KARMPSerializationServices.h"
-#include "KARMPTorsionSpring.h"
 #include "KARMPVariable.h"
-#include "KARMathAxis.h"
-#include "KARMathDirection.h"
-#include "KARMathLine.h"
 #include "KARTextConversion.h"
+#include "KARWBEvaluator.h"
+#include "KARWBFactory.h"
+#include "KARWBVariable.h"
 
 namespace karmp::model {
 
@@ -44,34 +36,33 @@ bool MakeControlled(Edit& edit, const QOBSharedHandle<KARMPVariable>& variable)
     return type != nullptr && edit.Set(variable, *type, Value(std::wstring(L"Controlled")));
 }
 
-// Where a geometry holds a connector: at a point, or at an axis system along its third direction.
-KARMathLine HoldOf(const KARMPGeometry& geometry)
-{
-    KARMathAxis axis;
-    KARMathPoint point;
-    if (const auto* const frame = dynamic_cast<const KARMPAxisSystem*>(&geometry))
-        frame->GetAxisSystem(axis);
-    else if (const auto* const at = dynamic_cast<const KARMPPoint*>(&geometry);
-             at != nullptr && !KARFailed(at->GetPoint(point)))
-        axis.SetOrigin(point);
-    return {axis.GetOrigin(), axis.GetThirdDirection()};
-}
-
-// The attachments of a spring repeat in memory where its geometries are.
-bool SetAttachments(Edit& edit, KARMPEntity& connector, const KARMathLine& first,
-                    const KARMathLine& second)
-{
-    constexpr std::string_view what = "an attachment";
-    if (auto* const linear = dynamic_cast<KARMPLinearSpring*>(&connector))
-        return edit.Check(linear->SetFirstAttachment(first.GetOrigin()), what, connector) &&
-               edit.Check(linear->SetSecondAttachment(second.GetOrigin()), what, connector);
-    if (auto* const torsion = dynamic_cast<KARMPTorsionSpring*>(&connector))
-        return edit.Check(torsion->SetFirstAttachment(first), what, connector) &&
-               edit.Check(torsion->SetSecondAttachment(second), what, connector);
-    return true;
-}
-
 } // namespace
+
+Result<double> Model::Evaluate(const Ref<KARMPExpression>& expression,
+                               std::initializer_list<std::pair<std::string_view, double>> variables,
+                               Where where) const
+{
+    const auto failed = [where](std::string text) {
+        return Outcome(Problem{std::move(text), KARFailure, where});
+    };
+    if (!expression)
+        return failed("there is no expression");
+    KARWBEquation* equation = nullptr;
+    KARWBFactory* factory = nullptr;
+    double number = 0.0;
+    expression->GetValue(equation);
+    World()->GetWBFactory(factory);
+    if (equation == nullptr || factory == nullptr)
+        return failed(TitleOf(*expression) + " has no equation");
+    for (const auto& [name, value] : variables)
+        if (auto* const variable = factory->GetVariable(name))
+            variable->SetValue(value);
+        else
+            return failed("no equation has a variable \"" + std::string(name) + '"');
+    if (KARFailed(KARWBEvaluator().Evaluate(*equation, number)))
+        return failed("the equation of " + TitleOf(*expression) + " has no number");
+    return number;
+}
 
 QOBSharedHandle<KARMPConstant> MakeConstant(Edit& edit, std::string_view identifier,
                                             Quantity::Enum quantity, double number)
@@ -154,44 +145,6 @@ Ref<KARMPMotor> Model::Motor(std::string_view identifier, const Ref<KARMPVariabl
                    SetTarget(edit, *motor, name + ".acceleration", &KARMPMotor::SetAcceleration,
                              quantity, options.acceleration);
         }));
-}
-
-Model::Entity Model::AddConnector(const QOBClassInfo& info, std::string_view identifier,
-                                  const Ref<KARMPGeometry>& onFirst,
-                                  const Ref<KARMPGeometry>& onSecond, Settings settings,
-                                  Where where)
-{
-    return m_core->Make<KARMPEntity>(
-        where,
-        [&](Edit& edit, Entity& connector) {
-            QOBSharedHandle<KARMPBody> first;
-            QOBSharedHandle<KARMPBody> second;
-            if (!edit.IsThere(onFirst.Handle(), "geometry of the first body") ||
-                !edit.IsThere(onSecond.Handle(), "geometry of the second body"))
-                return false;
-            onFirst->GetBody(first);
-            onSecond->GetBody(second);
-            if (!first || !second || first == second)
-                return edit.Fail("a connector needs geometries of two bodies");
-            connector = edit.Create(info, identifier);
-            return connector && edit.Link(connector, first, "FirstBody") &&
-                   edit.Link(connector, second, "SecondBody") &&
-                   edit.Link(connector, onFirst.Handle()) &&
-                   edit.Link(connector, onSecond.Handle()) &&
-                   SetAttachments(edit, *connector, HoldOf(*onFirst), HoldOf(*onSecond)) &&
-                   edit.SetAll(connector, settings);
-        });
-}
-
-Model::Entity Model::AttachGeometry(const QOBClassInfo& info, std::string_view identifier,
-                                    const Ref<KARMPEntity>& body, Settings settings, Where where)
-{
-    return m_core->Make<KARMPEntity>(
-        where,
-        [&](Edit& edit, Entity& geometry) {
-            geometry = MountOn(edit, info, identifier, body.Handle());
-            return geometry && edit.SetAll(geometry, settings);
-        });
 }
 
 } // namespace karmp::model

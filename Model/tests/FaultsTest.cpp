@@ -66,6 +66,17 @@ const std::vector<Call>& Calls()
              return static_cast<bool>(model.Connect<KARMPBushing>(
                  "New", model.Find<KARMPGeometry>("A.J"), model.Find<KARMPGeometry>("B.J")));
          }},
+        {"Connect at points",
+         [](Model& model) {
+             return static_cast<bool>(
+                 model.Connect<KARMPBushing>("New", model.Find<KARMPBody>("A"), {0.0, 0.0, 0.0},
+                                             model.Find<KARMPBody>("B"), {0.0, 0.0, 0.0}));
+         }},
+        {"Connect at a frame",
+         [](Model& model) {
+             return static_cast<bool>(model.Connect<KARMPBushing>(
+                 "New", model.Find<KARMPBody>("A"), model.Find<KARMPBody>("B"), KARMathAxis()));
+         }},
         {"Attach",
          [](Model& model) {
              return static_cast<bool>(
@@ -265,7 +276,7 @@ public:
 
 TEST_F(FaultsTest, ModelIsUnchangedWhenTheFactoryMakesNothing)
 {
-    const std::vector<int> made{1, 3, 1, 4, 1, 2, 1, 3, 1, 1, 1, 2};
+    const std::vector<int> made{1, 3, 1, 4, 1, 2, 1, 3, 1, 1, 3, 1, 1, 2};
     for (std::size_t i = 0; i < Calls().size(); ++i)
         EXPECT_EQ(FailInTurn(Calls()[i], Fault::Nothing, KARFailure), made[i]) << Calls()[i].name;
 }

@@ -170,4 +170,53 @@ TEST_F(PartsTest, ExpressionOfNoEquationIsNotMade)
     EXPECT_FALSE(m_model.Find<KARMPValue>("Law"));
 }
 
+TEST_F(PartsTest, ConnectorBetweenPointsOfTheWorldMakesThemOnBothBodies)
+{
+    Model model("M");
+    const auto a = model.Body("A", {.at = KARMathPoint(1.0, 0.0, 0.0)});
+    const auto b = model.Body("B");
+    const auto spring = model.Connect<KARMPLinearSpring>("S", a, {2.0, 0.0, 0.0}, b,
+                                                         {0.0, 3.0, 0.0}, {{"Stiffness", 100.0}});
+    ASSERT_TRUE(spring);
+    KARMathPoint own;
+    model.Find<KARMPPoint>("A.S")->GetPoint(own);
+    EXPECT_EQ(own, KARMathPoint(1.0, 0.0, 0.0));
+    EXPECT_EQ(PlaceOf(model.Find<KARMPGeometry>("A.S")), KARMathPoint(2.0, 0.0, 0.0));
+    EXPECT_EQ(PlaceOf(model.Find<KARMPGeometry>("B.S")), KARMathPoint(0.0, 3.0, 0.0));
+    EXPECT_TRUE(model.Find<KARMPConstant>("S.stiffness"));
+    const auto bushing =
+        model.Connect<KARMPBushing>("F", a, b, *FrameAlong({0.0, 0.0, 4.0}, {1.0, 0.0, 0.0}));
+    ASSERT_TRUE(bushing);
+    EXPECT_EQ(PlaceOf(model.Find<KARMPGeometry>("A.F")), KARMathPoint(0.0, 0.0, 4.0));
+    EXPECT_EQ(PlaceOf(model.Find<KARMPGeometry>("B.F")), KARMathPoint(0.0, 0.0, 4.0));
+    const std::string before = TextOf(model);
+    EXPECT_FALSE(model.Connect<KARMPBushing>("G", a, {}, KARMathAxis()));
+    EXPECT_FALSE(model.Connect<KARMPBushing>("G", a, a, KARMathAxis()));
+    EXPECT_EQ(model.Problems().size(), 2U);
+    model.ClearProblems();
+    EXPECT_TRUE(TextOf(model) == before);
+}
+
+TEST_F(PartsTest, PlaceOfAPlanarPointIsThatInItsPlane)
+{
+    Model model("M");
+    const auto body = model.PlanarBody("A", {.at = KARMathPoint2D(1.0, 2.0)});
+    EXPECT_EQ(PlaceOf(model.Point("P", body, {3.0, 4.0})), KARMathPoint2D(3.0, 4.0));
+}
+
+TEST_F(PartsTest, ExpressionIsEvaluatedWhereItsVariablesAreGiven)
+{
+    Model model("M");
+    const auto law =
+        model.Expression("L", KARMPPhysicalQuantity::Angle, "2 * t + 1", {model.Time()});
+    EXPECT_EQ(*model.Evaluate(law, {{"t", 3.0}}), 7.0);
+    EXPECT_EQ(*model.Evaluate(law, {}), 7.0);
+    EXPECT_EQ(model.Evaluate(law, {{"s", 3.0}}).Error().text, "no equation has a variable \"s\"");
+    EXPECT_EQ(model.Evaluate(model.Add<KARMPExpression>("M"), {}).Error().text,
+              "KARMPExpression \"M\" has no equation");
+    const int line = __LINE__ + 1;
+    EXPECT_EQ(model.Evaluate({}, {}).Error().where.line, line);
+    EXPECT_TRUE(model.Problems().empty());
+}
+
 } // namespace
