@@ -83,12 +83,13 @@ inline constexpr JointData Joints[] = {{"O", "GlobalBody", {0.0, 0.0}, "K1", {0.
 template <class PlaceOf>
 double LoopError(const karmp::model::Model& model, PlaceOf placeOf)
 {
+    using karmp::model::Ref;
     double error = 0.0;
     for (const auto& constraint : model.All<KARMPConstraint>()) {
         QOBSharedHandle<KARMPGeometry> first, second;
         constraint->GetLinkedGeometry(0, first);
         constraint->GetLinkedGeometry(1, second);
-        error = std::max(error, (placeOf(*first) - placeOf(*second)).Norm());
+        error = std::max(error, (placeOf(Ref(first)) - placeOf(Ref(second))).Norm());
     }
     return error;
 }
@@ -99,16 +100,12 @@ template <class PlaceOf, class PushOf>
 int RoundTrip(const karmp::model::Model& model, const std::string& stem, PlaceOf placeOf,
               PushOf pushOf)
 {
-    using karmp::documents::Doubles;
-    for (const Doubles doubles : {Doubles::Snapped, Doubles::Exact}) {
-        const bool isExact = doubles == Doubles::Exact;
+    using karmp::documents::SaveOptions;
+    for (const bool isExact : {false, true}) {
         const std::string file = stem + (isExact ? "-exact.xml" : ".xml");
-        karmp::documents::SaveOptions options;
-        options.doubles = doubles;
-        if (const auto saved = model.Save(file, options); !saved)
-            return saved.Report();
-        const auto again = karmp::model::Load(file);
-        if (again.Report() != 0)
+        const auto again =
+            ::RoundTrip(model, file.c_str(), isExact ? karmp::model::Exactly() : SaveOptions());
+        if (!again)
             return 1;
         const double error = LoopError(*again, placeOf);
         std::cout << "After loading " << file << " loops close to " << error

@@ -5,17 +5,12 @@
 /// The force in N with which a linear spring at rest pushes its two points apart.
 inline double PushOf(const karmp::model::Ref<KARMPLinearSpring>& spring)
 {
-    KARMathPoint points[2];
-    for (int index = 0; index < 2; ++index) {
-        QOBSharedHandle<KARMPGeometry> point;
-        QOBSharedHandle<KARMPBody> body;
-        spring->GetLinkedGeometry(index, point);
-        point->GetBody(body);
-        QOBSharedHandle<KARMPPoint>(point)->GetPoint(points[index]);
-        points[index] = PositionOf(karmp::model::Ref(body)) * points[index];
-    }
+    QOBSharedHandle<KARMPGeometry> first, second;
     double stiffness = 0.0, restLength = 0.0;
+    spring->GetLinkedGeometry(0, first);
+    spring->GetLinkedGeometry(1, second);
     spring->GetStiffness(stiffness);
     spring->GetRestLength(restLength);
-    return stiffness * (restLength - (points[1] - points[0]).Norm());
+    using karmp::model::Ref;
+    return stiffness * (restLength - (PlaceOf(Ref(second)) - PlaceOf(Ref(first))).Norm());
 }

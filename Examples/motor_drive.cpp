@@ -55,19 +55,6 @@ Model Build()
     return model;
 }
 
-/// Where the equation of the arm's motor wants the arm at a time in s.
-double LiftAt(const Model& model, double time)
-{
-    KARWBEquation* equation = nullptr;
-    KARWBFactory* laws = nullptr;
-    double angle = 0.0;
-    model.Find<KARMPExpression>("Lift motor.position")->GetValue(equation);
-    model.World()->GetWBFactory(laws);
-    laws->GetVariable("t")->SetValue(time);
-    KARWBEvaluator().Evaluate(*equation, angle);
-    return angle;
-}
-
 } // namespace
 
 int main()
@@ -75,14 +62,14 @@ int main()
     const auto again = RoundTrip(Build(), "motor-drive.xml");
     if (!again)
         return 1;
-    double velocity = 0.0;
-    double reach = 0.0;
+    double velocity = 0.0, reach = 0.0;
     again->Find<KARMPMotor>("Turn motor")->GetVelocity(velocity);
     again->Find<KARMPMotor>("Reach motor")->GetPosition(reach);
-    const double start = LiftAt(*again, 0.0);
+    const auto law = again->Find<KARMPExpression>("Lift motor.position");
+    const double start = *again->Evaluate(law, {{"t", 0.0}});
     std::cout << "After loading motor-drive.xml the turntable turns at " << velocity
               << " rad/s, the slide goes to " << reach << " m,\nand the arm stands at " << start
-              << " rad at 0 s and at " << LiftAt(*again, 1.0) << " rad at 1 s\n";
-    return velocity == TurnVelocity && reach == Reach && std::abs(start - Elevation) < 1e-12 ? 0
-                                                                                             : 1;
+              << " rad at 0 s and at " << *again->Evaluate(law, {{"t", 1.0}}) << " rad at 1 s\n";
+    const bool isLifted = std::abs(start - Elevation) < 1e-12;
+    return velocity == TurnVelocity && reach == Reach && isLifted ? 0 : 1;
 }

@@ -29,23 +29,19 @@ constexpr KARMathPoint SpringFoot(0.0, 0.6, 0.2); // on the lower arm
 constexpr KARMathPoint SpringHead(0.0, 0.45, 0.62);
 
 constexpr double BodyMass = 320.0; // kg, a quarter of the car's without wheels and suspension
-constexpr double LowerArmMass = 3.2;
-constexpr double UpperArmMass = 2.1;
-constexpr double RodMass = 0.7;
-constexpr double CarrierMass = 9.0;
-constexpr double WheelMass = 18.0;
+constexpr double LowerArmMass = 3.2, UpperArmMass = 2.1, RodMass = 0.7;
+constexpr double CarrierMass = 9.0, WheelMass = 18.0;
 constexpr double ArmMasses = LowerArmMass + UpperArmMass + RodMass;
 constexpr double TotalMass = BodyMass + ArmMasses + CarrierMass + WheelMass;
 
 /// Of one bushing: a freedom, and what resists it; the third direction is the pivot's axis.
 struct BushingData
 {
-    const char* freedom;
-    double stiffness;
-    double damping;
+    std::string freedom;
+    double stiffness, damping;
 };
-constexpr BushingData Bushing[] = {{"Tx", 8e6, 2000.0}, {"Ty", 8e6, 2000.0}, {"Tz", 1e6, 500.0},
-                                   {"Rx", 900.0, 1.0},  {"Ry", 900.0, 1.0},  {"Rz", 40.0, 0.2}};
+const BushingData Bushing[] = {{"Tx", 8e6, 2000.0}, {"Ty", 8e6, 2000.0}, {"Tz", 1e6, 500.0},
+                               {"Rx", 900.0, 1.0},  {"Ry", 900.0, 1.0},  {"Rz", 40.0, 0.2}};
 
 struct Parts
 {
@@ -102,26 +98,20 @@ void AddSprings(Model& model, const Parts& p)
     const KARMathPoint road(0.0, 0.75, 0.0);
     const double springLength = (SpringHead - SpringFoot).Norm() + SpringLoad() / 28000.0;
     const double tyreLength = (WheelCenter - road).Norm() + Gravity * TotalMass / 200000.0;
-    const auto points = [&](const char* name, const Ref<KARMPBody>& first, const KARMathPoint& from,
-                            const Ref<KARMPBody>& second, const KARMathPoint& to) {
-        const auto start = model.Point(name, first, from);
-        return std::pair(start, model.Point(name, second, to));
+    const auto add = [&](const char* name, const Ref<KARMPBody>& first, const KARMathPoint& from,
+                         const Ref<KARMPBody>& second, const KARMathPoint& to, double stiffness,
+                         double length, double damping) {
+        return model.Connect<KARMPLinearSpring>(
+            name, first, from, second, to,
+            {{"Stiffness", stiffness}, {"RestLength", length}, {"DampingCoefficient", damping}});
     };
-    const auto [foot, head] = points("Spring", p.lowerArm, SpringFoot, p.body, SpringHead);
-    model.Connect<KARMPLinearSpring>(
-        "Spring", foot, head,
-        {{"Stiffness", 28000.0}, {"RestLength", springLength}, {"DampingCoefficient", 1800.0}});
-    const auto [ground, hub] = points("Tyre", model.Ground(), road, p.carrier, WheelCenter);
-    model.Connect<KARMPLinearSpring>("Tyre", ground, hub,
-                                     {{"Stiffness", 200000.0},
-                                      {"RestLength", tyreLength},
-                                      {"DampingCoefficient", 150.0},
-                                      {"Behavior", "ExtensionFree"}});
+    add("Spring", p.lowerArm, SpringFoot, p.body, SpringHead, 28000.0, springLength, 1800.0);
+    model.Set(
+        add("Tyre", model.Ground(), road, p.carrier, WheelCenter, 200000.0, tyreLength, 150.0),
+        {{"Behavior", "ExtensionFree"}});
     // Resists the upper arm about its pivot, without a torque where the arm lies level.
-    const KARMathAxis pivot = *FrameAlong(UpperPivot, Along);
-    const auto onBody = model.Frame("Torsion bar", p.body, pivot);
     model.Connect<KARMPTorsionSpring>(
-        "Torsion bar", onBody, model.Frame("Torsion bar", p.upperArm, pivot),
+        "Torsion bar", p.body, p.upperArm, *FrameAlong(UpperPivot, Along),
         {{"Stiffness", 400.0}, {"RestAngle", 0.0}, {"DampingCoefficient", 2.0}});
 }
 
@@ -130,24 +120,21 @@ void AddSprings(Model& model, const Parts& p)
 void AddBushings(Model& model, const Parts& p)
 {
     const auto add = [&](const char* name, double x) {
-        const KARMathAxis axis = *FrameAlong(LowerPivot + x * Along, Along);
-        const auto onBody = model.Frame(name, p.body, axis);
-        return model.Connect<KARMPBushing>(name, onBody, model.Frame(name, p.lowerArm, axis));
+        return model.Connect<KARMPBushing>(name, p.body, p.lowerArm,
+                                           *FrameAlong(LowerPivot + x * Along, Along));
     };
     const auto front = add("Front bushing", 0.12);
     const auto rear = add("Rear bushing", -0.12);
-    for (int index = 0; index < 6; ++index) {
-        const BushingData& data = Bushing[index];
-        const auto stiffness = model.Constant(
-            std::string("Bushing.stiffness ") + data.freedom,
-            index < 3 ? Quantity::LinearStiffness : Quantity::AngularStiffness, data.stiffness);
-        const auto damping = model.Constant(
-            std::string("Bushing.damping ") + data.freedom,
-            index < 3 ? Quantity::LinearDamping : Quantity::AngularDamping, data.damping);
-        for (const auto& bushing : {front, rear}) {
-            bushing->SetStiffness(index, stiffness);
-            bushing->SetDamping(index, damping);
-        }
+    for (const auto& [freedom, stiffness, damping] : Bushing) {
+        const bool isLinear = freedom[0] == 'T';
+        const auto resists = model.Constant(
+            "Bushing.stiffness " + freedom,
+            isLinear ? Quantity::LinearStiffness : Quantity::AngularStiffness, stiffness);
+        const auto damps =
+            model.Constant("Bushing.damping " + freedom,
+                           isLinear ? Quantity::LinearDamping : Quantity::AngularDamping, damping);
+        for (const auto& bushing : {front, rear})
+            model.Set(bushing, {{"Stiffness" + freedom, resists}, {"Damping" + freedom, damps}});
     }
 }
 

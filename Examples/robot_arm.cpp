@@ -97,9 +97,7 @@ int main()
     const auto again = RoundTrip(arm.model, "robot-arm.xml");
     if (!again)
         return 1;
-    KARMathPoint tip;
-    again->Find<KARMPPoint>("Gripper.Tip")->GetPoint(tip);
-    tip = PositionOf(again->Find<KARMPBody>("Gripper")) * tip;
+    const KARMathPoint tip = PlaceOf(again->Find<KARMPPoint>("Gripper.Tip"));
     const std::size_t triangles = CountTriangles(*again);
     std::cout << "After loading robot-arm.xml the tip of the gripper is at (" << tip.GetX() << ", "
               << tip.GetY() << ", " << tip.GetZ() << ") m, and the links have " << triangles

@@ -42,24 +42,12 @@ Model Build()
     const auto torque = model.Constant("Drive.torque", KARMPPhysicalQuantity::Torque, DriveTorque);
     model.Add<KARMPJointForceActuator>(
         "Drive", {{"Joint", driven}, {"DOFindex", RotationAboutZ}, {"Force", torque}});
-    const auto onGround = model.Point("Spring", model.Ground(), C);
-    const auto onK3 =
-        model.Point("Spring", model.Find<KARMPBody>("K3"), AxesAt(model, "K3", D).GetOrigin());
-    model.Connect<KARMPLinearSpring>("Spring", onGround, onK3,
+    model.Connect<KARMPLinearSpring>("Spring", model.Ground(), C, model.Find<KARMPBody>("K3"),
+                                     AxesAt(model, "K3", D).GetOrigin(),
                                      {{"Stiffness", SpringStiffness},
                                       {"RestLength", SpringLength},
                                       {"DampingCoefficient", 0.0}});
     return model;
-}
-
-/// Where the axes of a joint stand on one of its bodies.
-KARMathPoint PlaceOf(const KARMPGeometry& geometry)
-{
-    KARMathAxis axis;
-    QOBSharedHandle<KARMPBody> body;
-    dynamic_cast<const KARMPAxisSystem&>(geometry).GetAxisSystem(axis);
-    geometry.GetBody(body);
-    return PositionOf(Ref<KARMPBody>(body)) * axis.GetOrigin();
 }
 
 } // namespace
@@ -67,6 +55,6 @@ KARMathPoint PlaceOf(const KARMPGeometry& geometry)
 int main()
 {
     return RoundTrip(
-        Build(), "seven-body", PlaceOf,
+        Build(), "seven-body", [](const Ref<KARMPGeometry>& geometry) { return PlaceOf(geometry); },
         [](const Model& model) { return PushOf(model.Find<KARMPLinearSpring>("Spring")); });
 }

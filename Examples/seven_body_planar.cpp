@@ -62,44 +62,24 @@ Model Build()
     return model;
 }
 
-KARMathPoint2D PlaceOf(const KARMPGeometry& geometry)
-{
-    KARMathPoint2D point;
-    QOBSharedHandle<KARMPBody2D> body;
-    const auto& planar = dynamic_cast<const KARMPPoint2D&>(geometry);
-    planar.GetPoint(point);
-    planar.GetBody(body);
-    return PositionOf(Ref<KARMPBody2D>(body)) * point;
-}
-
-/// A component of the spring's force, by its law at the angle of K3.
-double ForceAlong(const Model& model, const char* law)
-{
-    KARWBFactory* laws = nullptr;
-    KARWBEquation* equation = nullptr;
-    double angle = 0.0;
-    double force = 0.0;
-    model.Find<KARMPVariable>("gamma")->GetValue(angle);
-    model.World()->GetWBFactory(laws);
-    laws->GetVariable("gamma")->SetValue(angle);
-    model.Find<KARMPExpression>(law)->GetValue(equation);
-    KARWBEvaluator().Evaluate(*equation, force);
-    return force;
-}
-
-/// The force in N with which the spring pushes C and D apart.
+/// The force in N with which the spring pushes C and D apart, by its law at the angle of K3.
 double PushOf(const Model& model)
 {
+    double gamma = 0.0;
+    model.Find<KARMPVariable>("gamma")->GetValue(gamma);
+    const auto along = [&](const char* law) {
+        return *model.Evaluate(model.Find<KARMPExpression>(law), {{"gamma", gamma}});
+    };
     const KARMathVector2D way =
         PositionOf(model.Find<KARMPBody2D>("K3")) * KARMathPoint2D(D) - KARMathPoint2D(C);
-    return (ForceAlong(model, "Spring.x") * way.GetX() +
-            ForceAlong(model, "Spring.y") * way.GetY()) /
-           way.Norm();
+    return (along("Spring.x") * way.GetX() + along("Spring.y") * way.GetY()) / way.Norm();
 }
 
 } // namespace
 
 int main()
 {
-    return RoundTrip(Build(), "seven-body-planar", PlaceOf, PushOf);
+    return RoundTrip(
+        Build(), "seven-body-planar",
+        [](const Ref<KARMPGeometry>& point) { return PlaceOf(point.As<KARMPPoint2D>()); }, PushOf);
 }
