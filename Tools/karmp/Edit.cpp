@@ -15,6 +15,8 @@
 #include <iostream>
 #include <sstream>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace karmp::tool {
 
@@ -23,8 +25,10 @@ namespace {
 using model::Model;
 using model::Ref;
 
+/// What a deletion leaves short.
+using LeftShort = std::vector<model::Dependent>;
 /// What a command does to a model; an exit code.
-using Work = std::function<int(Model&)>;
+using Work = std::function<int(Model&, LeftShort&)>;
 
 int Refuse(const model::Problem& problem)
 {
@@ -41,6 +45,25 @@ Ref<KARMPEntity> EntityNamed(const Model& edited, const std::string& key)
     return entity.ValueOr(nullptr);
 }
 
+void PrintLeftShort(const LeftShort& leftShort)
+{
+    for (const model::Dependent& left : leftShort)
+        std::cerr << "karmp: " << TitleOf(*left.entity) << " lacks something: its " << left.item
+                  << " lost " << TitleOf(*left.target.Handle()) << '\n';
+}
+
+// What an edit did, as further members of a JSON object.
+std::string JsonOf(const std::vector<documents::Difference>& changes, const LeftShort& leftShort)
+{
+    std::ostringstream json;
+    json << ",\n  \"changes\": ";
+    PrintJson(json, changes);
+    json << ",\n  \"short\": " << JsonList(leftShort, [](const model::Dependent& left) {
+        return LinkJson(left.entity.Handle(), left.item, left.target.Handle());
+    });
+    return json.str();
+}
+
 // Loads, edits and writes, onto the document itself unless there is another output, and tells what
 // the edits changed.
 int EditDocument(const EditOptions& options, const Work& work)
@@ -52,24 +75,31 @@ int EditDocument(const EditOptions& options, const Work& work)
     if (!loaded || !MayWrite(options.file, writing, loaded->diagnostics))
         return Unreadable;
     Model edited(loaded->world);
+    if (!edited.Problems().empty()) {
+        Refuse(edited.Problems().front());
+        return Unreadable;
+    }
     const auto before = edited.Clone();
-    if (!before)
-        return before.Report() + 1;
-    if (const int code = work(edited); code != Clean)
+    if (!before) {
+        before.Report();
+        return Unreadable;
+    }
+    LeftShort leftShort;
+    if (const int code = work(edited, leftShort); code != Clean)
         return code;
     const auto changes = before->Diff(edited);
-    std::ostringstream json;
-    json << ", \"changes\": ";
-    PrintJson(json, changes);
-    if (!writing.json)
-        PrintText(ReportStream(writing), changes, false, changes.size());
     documents::SaveOptions save = model::Exactly();
     save.version = loaded->version;
     const Losses losses = LossesOf(*loaded, save.version);
     const int written = WriteDocument(loaded->world, writing, save);
     if (written == Unreadable)
         return Unreadable;
-    return std::max(written, ReportLosses(options.file, writing, *loaded, losses, json.str()));
+    if (!writing.json) {
+        PrintText(ReportStream(writing), changes, false, changes.size());
+        PrintLeftShort(leftShort);
+    }
+    return std::max(
+        written, ReportLosses(options.file, writing, *loaded, losses, JsonOf(changes, leftShort)));
 }
 
 // Stores the value of an assignment, ITEM=VALUE; an exit code.
@@ -93,7 +123,7 @@ int RunSet(const EditOptions& options)
 {
     return EditDocument(
         options,
-        [&](Model& edited) -> int {
+        [&](Model& edited, LeftShort&) -> int {
             const auto entity = EntityNamed(edited, options.entity);
             if (!entity)
                 return WrongArguments;
@@ -108,19 +138,17 @@ int RunDelete(const EditOptions& options)
 {
     return EditDocument(
         options,
-        [&](Model& edited) -> int {
+        [&](Model& edited, LeftShort& leftShort) -> int {
             model::RefList<KARMPEntity> doomed;
             for (const std::string& key : options.entities) {
                 doomed.push_back(EntityNamed(edited, key));
                 if (!doomed.back())
                     return WrongArguments;
             }
-            const auto deletion = edited.Delete(doomed, {.withShort = options.withShort});
+            auto deletion = edited.Delete(doomed, {.withShort = options.withShort});
             if (!deletion)
                 return Refuse(edited.Problems().back());
-            for (const model::Dependent& left : deletion.leftShort)
-                std::cerr << "karmp: " << TitleOf(*left.entity) << " lacks something: its "
-                          << left.item << " lost " << TitleOf(*left.target.Handle()) << '\n';
+            leftShort = std::move(deletion.leftShort);
             return Clean;
         });
 }
@@ -129,7 +157,7 @@ int RunRename(const EditOptions& options)
 {
     return EditDocument(
         options,
-        [&](Model& edited) -> int {
+        [&](Model& edited, LeftShort&) -> int {
             const auto entity = EntityNamed(edited, options.entity);
             if (!entity)
                 return WrongArguments;

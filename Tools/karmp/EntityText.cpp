@@ -38,4 +38,11 @@ std::string EntityJson(const QOBSharedHandle<KARMPEntity>& entity)
            ", \"id\": " + JsonText(kar::ToUtf8(IdentifierOf(*entity))) + '}';
 }
 
+std::string LinkJson(const QOBSharedHandle<KARMPEntity>& entity, std::string_view item,
+                     const QOBSharedHandle<KARMPEntity>& target)
+{
+    return "{\"entity\": " + EntityJson(entity) + ", \"item\": " + JsonText(item) +
+           ", \"target\": " + EntityJson(target) + '}';
+}
+
 } // namespace karmp::tool

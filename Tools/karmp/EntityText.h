@@ -20,5 +20,8 @@ std::wstring IdentifierOf(const KARMPEntity& entity);
 std::string TitleOf(const KARMPEntity& entity);
 /// Class, name and identifier as a JSON object; "null" for a null handle.
 std::string EntityJson(const QOBSharedHandle<KARMPEntity>& entity);
+/// A link of an entity to another one by an item, in UTF-8, as a JSON object.
+std::string LinkJson(const QOBSharedHandle<KARMPEntity>& entity, std::string_view item,
+                     const QOBSharedHandle<KARMPEntity>& target);
 
 } // namespace karmp::tool

@@ -48,14 +48,12 @@ void PrintCutLinks(std::ostream& out, const std::vector<documents::CutLink>& lin
 
 std::string JsonOf(const std::vector<documents::CutLink>& links)
 {
-    std::string text = ",\n  \"cut\": [";
-    for (const documents::CutLink& link : links) {
-        text += &link == links.data() ? "\n" : ",\n";
-        text += "    {\"entity\": " + EntityJson(link.holder) +
-                ", \"item\": " + JsonText(kar::ToUtf8(link.item)) +
-                ", \"target\": " + EntityJson(link.target) + '}';
-    }
-    return text + (links.empty() ? "]" : "\n  ]");
+    return ",\n  \"cut\": " +
+           JsonList(
+               links,
+               [](const documents::CutLink& link) {
+                   return LinkJson(link.holder, kar::ToUtf8(link.item), link.target);
+               });
 }
 
 } // namespace

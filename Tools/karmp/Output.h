@@ -21,6 +21,17 @@ std::string NumberText(double number);
 /// Text as a JSON string with its quotes; a byte that is no UTF-8 becomes U+FFFD.
 std::string JsonText(std::string_view text);
 
+/// The JSON texts of a list's items as an array of a member, one a line; `textOf` gives that of an
+/// item.
+template <class Items, class TextOf>
+std::string JsonList(const Items& items, const TextOf& textOf)
+{
+    std::string list;
+    for (const auto& item : items)
+        list += (list.empty() ? "\n    " : ",\n    ") + textOf(item);
+    return '[' + list + (list.empty() ? "]" : "\n  ]");
+}
+
 /// True when standard output is a terminal that may be coloured.
 bool IsTerminal();
 /// Text emphasised on a terminal, as it is otherwise.

@@ -156,13 +156,16 @@ void PrintBodiesAsJson(const ShapeOptions& options, const std::vector<ExportedBo
 {
     std::cout << "{\n  \"input\": " << JsonText(options.file)
               << ",\n  \"written\": " << (options.writing.dryRun ? "false" : "true")
-              << ",\n  \"files\": [";
-    for (const ExportedBody& exported : bodies)
-        std::cout << (&exported == bodies.data() ? "\n    " : ",\n    ")
-                  << "{\"body\": " << EntityJson(exported.body)
-                  << ", \"file\": " << JsonText(exported.file.string())
-                  << ", \"triangles\": " << exported.TriangleCount() << '}';
-    std::cout << (bodies.empty() ? "]" : "\n  ]") << "\n}\n";
+              << ",\n  \"files\": "
+              << JsonList(
+                     bodies,
+                     [](const ExportedBody& exported) {
+                         return "{\"body\": " + EntityJson(exported.body) +
+                                ", \"file\": " + JsonText(exported.file.string()) +
+                                ", \"triangles\": " + std::to_string(exported.TriangleCount()) +
+                                '}';
+                     })
+              << "\n}\n";
 }
 
 } // namespace

@@ -47,8 +47,15 @@ std::string CountText(std::size_t count, const char* one, const char* several)
     return std::to_string(count) + ' ' + (count == 1 ? one : several);
 }
 
-// Prints the first losses of the input and the number of all.
-void PrintFirst(const std::string& input, const Diagnostics& losses)
+// Content of the input that was not read is lost, which takes `force`; onto the input itself a
+// backup besides.
+bool IsRefused(const std::string& input, const WriteOptions& options, const Diagnostics& losses)
+{
+    const bool isKept = !options.backup.empty() || !IsSameFile(input, options.output);
+    return !losses.items.empty() && !(options.force && isKept);
+}
+
+void PrintFirst(const Diagnostics& losses)
 {
     constexpr std::size_t most = 10;
     Diagnostics first = losses;
@@ -56,6 +63,10 @@ void PrintFirst(const std::string& input, const Diagnostics& losses)
     PrintMessages(first, true);
     if (losses.items.size() > most)
         std::cerr << "... and " << losses.items.size() - most << " more\n";
+}
+
+void PrintRefusal(const std::string& input, const WriteOptions& options, const Diagnostics& losses)
+{
     const std::size_t errors = losses.Count(Severity::Error);
     const std::size_t others = losses.items.size() - errors;
     std::cerr << "karmp: " << Printable(std::string_view(input)) << " has ";
@@ -63,6 +74,11 @@ void PrintFirst(const std::string& input, const Diagnostics& losses)
         std::cerr << CountText(errors, "error", "errors") << (others > 0 ? " and " : "");
     if (others > 0)
         std::cerr << CountText(others, "item that is not read", "items that are not read");
+    std::cerr << "; nothing was written. Mend the document ('karmp check' lists all findings), or "
+              << (IsSameFile(input, options.output)
+                      ? "name another file as output, with --force, for what could be read; a "
+                        "document with errors is never overwritten without --backup\n"
+                      : "write what could be read with --force\n");
 }
 
 // Copies the file that is going to be replaced. There is nothing to copy of what is no file.
@@ -78,6 +94,18 @@ bool KeepBackup(const WriteOptions& options)
     return !messages.HasErrors();
 }
 
+// What a save to a file tells of, without a file.
+Diagnostics Rendered(const QOBSharedHandle<KARMPWorld>& world, const std::string& output,
+                     const documents::SaveOptions& save)
+{
+    std::string text;
+    Diagnostics messages = documents::SaveText(world, text, save);
+    if (output != StandardStream)
+        for (Diagnostic& message : messages.items)
+            message.file = output;
+    return messages;
+}
+
 // Losses of documents are told as differences.
 bool IsTold(const Diagnostic& message)
 {
@@ -85,12 +113,9 @@ bool IsTold(const Diagnostic& message)
            message.code == documents::Code::FailedCheck;
 }
 
-void PrintMessagesAsJson(std::ostream& out, const Diagnostics& messages)
+std::string MessagesJson(const Diagnostics& messages)
 {
-    out << '[';
-    for (const Diagnostic& message : messages.items)
-        out << (&message == messages.items.data() ? "\n    " : ",\n    ") << JsonOf(message);
-    out << (messages.items.empty() ? "]" : "\n  ]");
+    return JsonList(messages.items, JsonOf);
 }
 
 void PrintLines(std::ostream& out, const Diagnostics& messages)
@@ -105,13 +130,10 @@ void PrintJsonReport(const std::string& input, const WriteOptions& options,
     std::ostream& out = ReportStream(options);
     out << "{\n  \"input\": " << JsonText(input) << ",\n  \"output\": " << JsonText(options.output)
         << ",\n  \"version\": " << JsonText(Printable(losses.version))
-        << ",\n  \"written\": " << (options.dryRun ? "false" : "true") << ",\n  \"unread\": ";
-    PrintMessagesAsJson(out, unread);
-    out << ",\n  \"losses\": ";
+        << ",\n  \"written\": " << (options.dryRun ? "false" : "true")
+        << ",\n  \"unread\": " << MessagesJson(unread) << ",\n  \"losses\": ";
     PrintJson(out, losses.differences);
-    out << ",\n  \"unlisted\": ";
-    PrintMessagesAsJson(out, losses.unlisted);
-    out << more << "\n}\n";
+    out << ",\n  \"unlisted\": " << MessagesJson(losses.unlisted) << more << "\n}\n";
 }
 
 // The identifiers of the interactions that a world lists. What it is given besides what was read,
@@ -135,33 +157,27 @@ std::ostream& ReportStream(const WriteOptions& options)
 bool MayWrite(const std::string& input, const WriteOptions& options,
               const documents::Diagnostics& messages)
 {
-    if (options.dryRun)
-        return true;
     const Diagnostics losses = LossesAmong(messages);
-    const bool inPlace = IsSameFile(input, options.output);
-    if (losses.items.empty() || (options.force && (!inPlace || !options.backup.empty())))
+    if (options.dryRun || !IsRefused(input, options, losses))
         return true;
-    PrintFirst(input, losses);
-    std::cerr << "; nothing was written. Mend the document ('karmp check' lists all findings), or "
-              << (inPlace ? "name another file as output, with --force, for what could be read; a "
-                            "document with errors is never overwritten without --backup\n"
-                          : "write what could be read with --force\n");
+    PrintFirst(losses);
+    PrintRefusal(input, options, losses);
     return false;
 }
 
 int WriteDocument(const QOBSharedHandle<KARMPWorld>& world, const WriteOptions& options,
                   documents::SaveOptions save)
 {
-    if (options.dryRun)
-        return Clean;
-    if (!KeepBackup(options))
+    if (!options.dryRun && !KeepBackup(options))
         return Unreadable;
     save.allowLosses = options.force;
     Diagnostics messages;
     {
-        Progress progress("writing " + Printable(std::string_view(options.output)));
+        const char* const activity = options.dryRun ? "checking " : "writing ";
+        Progress progress(activity + Printable(std::string_view(options.output)));
         save.progress = progress.Function();
-        messages = options.output == StandardStream
+        messages = options.dryRun ? Rendered(world, options.output, save)
+                   : options.output == StandardStream
                        ? documents::SaveStream(world, std::cout, save)
                        : documents::SaveFile(world, options.output, save);
     }
@@ -210,6 +226,10 @@ int ReportLosses(const std::string& input, const WriteOptions& options,
         }
         if (losses.differences.size() > MaximumDifferences)
             out << "and more\n";
+    }
+    if (options.dryRun && IsRefused(input, options, unread)) {
+        PrintRefusal(input, options, unread);
+        return Unreadable;
     }
     const bool isWhole = losses.differences.empty() && losses.unlisted.items.empty();
     return isWhole && loaded.diagnostics.items.empty() ? Clean : Findings;

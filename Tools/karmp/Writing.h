@@ -17,7 +17,7 @@ struct WriteOptions
     std::string output;  // standard output when "-"
     std::string backup;  // ending of the copy of a file that is replaced; no copy when empty
     bool force = false;  // write what could be read of a document with errors
-    bool dryRun = false; // tell what would be lost, and write nothing
+    bool dryRun = false; // tell all that is told otherwise, and write nothing
     bool json = false;   // tell it as JSON
 };
 
@@ -26,12 +26,14 @@ std::ostream& ReportStream(const WriteOptions& options);
 
 /// Whether what was read of `input` may be written. Content of it that was not read would be lost,
 /// which takes `force`, and with the input itself as output a backup besides. Where it may not be
-/// written, what would be lost and the reason are on standard error.
+/// written, what would be lost and the reason are on standard error. True in a dry run, of which
+/// ReportLosses tells the reason.
 bool MayWrite(const std::string& input, const WriteOptions& options,
               const documents::Diagnostics& messages);
 
-/// Writes a world, unless it is a dry run, after a copy of the file that is replaced. Gives an exit
-/// code; what the save tells of, and why nothing was written, is on standard error.
+/// Writes a world after a copy of the file that is replaced; in a dry run all but the files is as
+/// otherwise. Gives an exit code; what the save tells of, and why nothing was written, is on
+/// standard error.
 int WriteDocument(const QOBSharedHandle<KARMPWorld>& world, const WriteOptions& options,
                   documents::SaveOptions save);
 
@@ -51,7 +53,8 @@ struct Losses
 Losses LossesOf(const documents::LoadResult& loaded, const std::wstring& version);
 
 /// Prints what is lost of the input, in a dry run or as JSON, and what the document lacks. `more`
-/// are further members of the JSON object, each with a comma in front. Gives an exit code.
+/// are further members of the JSON object, each with a comma in front. Gives an exit code, in a dry
+/// run that of MayWrite, whose reason is on standard error, where that refuses.
 int ReportLosses(const std::string& input, const WriteOptions& options,
                  const documents::LoadResult& loaded, const Losses& losses,
                  const std::string& more = {});

@@ -85,7 +85,9 @@ void AddWriting(CLI::App& command, WriteOptions& writing)
                      "--backup");
     command.add_flag("--backup{~}", writing.backup,
                      "Keep the file that is replaced; --backup=.old for another ending than ~");
-    command.add_flag("--dry-run", writing.dryRun, "Tell what would be lost, and write nothing");
+    command.add_flag("--dry-run", writing.dryRun,
+                     "Tell all that is told otherwise, with the same exit code, and what would be "
+                     "lost; write nothing");
     command.add_flag("--json", writing.json, "Tell it as JSON");
 }
 

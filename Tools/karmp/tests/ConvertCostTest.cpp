@@ -62,7 +62,8 @@ TEST_F(ConvertCost, IsOneLoadAndOneSave)
 {
     const std::string file = Write("in.xml", CleanDocument());
     EXPECT_EQ(WorldsOf("convert " + file + ' ' + File("out.xml")), "read\nwritten\n");
-    EXPECT_EQ(WorldsOf("convert --dry-run " + file + ' ' + File("other.xml")), "read\n");
+    // A dry run makes the document as well, for what the save tells of.
+    EXPECT_EQ(WorldsOf("convert --dry-run " + file + ' ' + File("other.xml")), "read\nwritten\n");
     // The notes have a second load.
     EXPECT_EQ(WorldsOf("diff --quiet --reloaded " + file), "read\nwritten\nread\n");
 }

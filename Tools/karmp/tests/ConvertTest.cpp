@@ -184,8 +184,9 @@ TEST_F(ConvertOfErrors, AreListedByADryRunThatWritesNothing)
     const std::string text = Replaced(DoubledDocument(), "<OutOfWorld>false", "<OutOfWorld>true");
     const std::string input = Write("in.xml", text);
     const Outcome dry = Run("convert --dry-run --to R2016.0 " + input + ' ' + input);
-    EXPECT_EQ(dry.code, 1);
+    EXPECT_EQ(dry.code, 2);
     ExpectContains(dry.output, "[duplicate-identifier]");
+    ExpectContains(dry.output, "has 1 error; nothing was written.");
     ExpectContains(dry.output, "Version R2016.0 cannot hold:");
     ExpectContains(dry.output, "  OutOfWorld: yes becomes no\n");
     EXPECT_EQ(ReadFile(input), text);
@@ -294,7 +295,7 @@ TEST_F(Tool, TellsLossesAsJson)
 {
     const std::string input = Write("in.xml", DoubledDocument());
     const Outcome dry = Run("convert --dry-run --json --to R2016.0 " + input + " -");
-    EXPECT_EQ(dry.code, 1);
+    EXPECT_EQ(dry.code, 2);
     ExpectContains(dry.output, "\"written\": false");
     ExpectContains(dry.output, "\"code\": \"duplicate-identifier\"");
     ExpectContains(dry.output, "\"item\": \"Bodies/bodyOrientation\"");

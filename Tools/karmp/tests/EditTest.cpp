@@ -1,4 +1,5 @@
 // Documents are edited from a command line.
+#include "JsonText.h"
 #include "ToolFixture.h"
 
 #include <string>
@@ -56,6 +57,52 @@ TEST_F(EditCommands, DryRunTellsAndWritesNothing)
     ExpectContains(outcome.output, "lacks something");
     EXPECT_EQ(ReadFile(m_document), CleanDocument());
     EXPECT_EQ(Files(), (std::set<std::string>{"in.xml"}));
+}
+
+TEST_F(EditCommands, ADryRunTellsWhatTheRealRunTells)
+{
+    const std::string other = File("out.xml");
+    const std::string infinite =
+        Write("infinite.xml", With(CleanDocument(), "<Value>0.05</Value>", "<Value>INF</Value>"));
+    const std::string unread =
+        Write("unread.xml", With(CleanDocument(), "  <Values>", "  <Nonsense/>\n  <Values>"));
+    const struct
+    {
+        std::string arguments;
+        int code;
+        const char* told;
+    } edits[] = {
+        {"set '" + m_document + "' Crank Mass=-5 -o '" + other + '\'', 0, "becomes -5"},
+        {"delete '" + m_document + "' Crank -o '" + other + '\'', 0, "lacks something"},
+        {"set '" + m_document + "' Crank Mass=heavy -o '" + other + '\'', 64, "is not a number"},
+        {"set '" + infinite + "' Crank Mass=1 -o '" + other + '\'', 1, "[not-finite]"},
+        {"rename '" + unread + "' Crank Kurbel", 2,
+         "unread.xml has 1 item that is not read; nothing was written. Mend the document"},
+        {"rename '" + unread + "' Crank Kurbel --force -o '" + other + '\'', 1, "Kurbel"}};
+    for (const auto& [arguments, code, told] : edits) {
+        const Outcome dry = Run(arguments + " --dry-run");
+        EXPECT_FALSE(fs::exists(other));
+        const Outcome real = Run(arguments);
+        fs::remove(other);
+        EXPECT_EQ(real.code, code) << arguments << '\n' << real.output;
+        EXPECT_EQ(dry.code, code) << arguments << '\n' << dry.output;
+        ExpectContains(real.output, told);
+        ExpectContains(dry.output, told);
+    }
+    EXPECT_EQ(ReadFile(m_document), CleanDocument());
+}
+
+TEST_F(EditCommands, JsonTellsWhatADeletionLeavesShort)
+{
+    const Outcome outcome = Run("delete '" + m_document + "' Crank --dry-run --json");
+    EXPECT_EQ(outcome.code, 0);
+    EXPECT_TRUE(JsonReader::IsJson(outcome.output)) << outcome.output;
+    const auto at = outcome.output.find("\n  \"short\": [\n");
+    ASSERT_NE(at, std::string::npos) << outcome.output;
+    ExpectContains(outcome.output.substr(at),
+                   "{\"entity\": {\"class\": \"Revolute\", \"name\": \"Crank pin\", \"id\": ");
+    ExpectContains(outcome.output.substr(at), "\"item\": \"Bodies\", \"target\": {\"class\": "
+                                              "\"Body\", \"name\": \"Crank\"");
 }
 
 TEST_F(EditCommands, DeleteWithShortLeavesNoFindingButLooseBodies)
