@@ -53,6 +53,7 @@ enum class Code : std::uint8_t {
     WrongRegistry,        ///< An entity is in the list of another family.
     NotFinite,            ///< A number to save is an infinity or no number.
     NotReadBack,          ///< What is saved of an entity is not given back by a document.
+    NotKept,              ///< Comments of a document that is written again.
     AlreadyInWorld,       ///< The world that is loaded into holds entities of the document already.
     MotorWithoutVariable, ///< A motor drives no variable.
     SharedVariable,       ///< Two motors drive one variable.
@@ -157,7 +158,8 @@ struct Diagnostic
 };
 
 /// True when a message of a load or check is about content that the world which was read does not
-/// hold as the document does: each error, and what was skipped or replaced by another value.
+/// hold as the document does: each error, comments, and what was skipped or replaced by another
+/// value.
 KARMP_DOCUMENTS_API bool LosesContent(const Diagnostic& diagnostic);
 
 /// "file:line:column: severity: text [code] at path", without the parts that are empty.

@@ -22,6 +22,7 @@ bool LosesContent(const Diagnostic& diagnostic)
     case Code::OtherVersion:
     case Code::InvalidValue:
     case Code::DuplicateElement:
+    case Code::NotKept:
         return true;
     default:
         return diagnostic.severity == Severity::Error;

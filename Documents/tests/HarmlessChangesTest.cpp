@@ -176,6 +176,7 @@ const std::vector<Excepted> NotOfDocuments{
      {Code::TooLarge, Code::TooDeep, Code::TooManyNodes, Code::NameTooLong,
       Code::TooManyDiagnostics}},
     {"of saving", {Code::InvalidName, Code::NotReadBack}},
+    {"of writing onto the document, which tests of the tool do", {Code::NotKept}},
     {"of scene graphs of lines, which tests of shapes make", {Code::RepWithoutMesh}},
     {"of a world that holds the entities already", {Code::AlreadyInWorld}},
     {"of failures that the check cannot explain",

@@ -1,7 +1,6 @@
 #include "Commands.h"
 #include "KARMPWorld.h"
 #include "KARTextConversion.h"
-#include "Loading.h"
 
 #include <algorithm>
 
@@ -14,7 +13,7 @@ int RunConvert(const ConvertOptions& options)
     save.doubles = options.exact ? documents::Doubles::Exact : documents::Doubles::Snapped;
     if (!options.version.empty() && !VersionNamed(save.version))
         return WrongArguments;
-    const auto loaded = LoadWorld(options.input);
+    const auto loaded = LoadToWrite(options.input, options.writing);
     if (!loaded)
         return Unreadable;
     if (options.version.empty())

@@ -23,11 +23,6 @@ using Handles = std::vector<Handle>;
 // Longer texts, streams for instance, are shortened.
 constexpr std::size_t LongestText = 60;
 
-std::string Count(std::size_t count, const char* one, const char* several)
-{
-    return std::to_string(count) + ' ' + (count == 1 ? one : several);
-}
-
 /// Prints differences entity by entity, for people.
 class TextPrinter
 {
@@ -133,7 +128,7 @@ private:
         if (value.size() <= LongestText)
             return '"' + Printable(value) + '"';
         return '"' + Printable(std::wstring_view(value).substr(0, LongestText)) + "...\" (" +
-               Count(value.size(), "character)", "characters)");
+               CountText(value.size(), "character)", "characters)");
     }
     std::string TextOf(EnumWord value) const { return TextOf(std::wstring(value.text)); }
     std::string TextOf(const Handle& value) const { return TitleOf(value); }
@@ -147,7 +142,7 @@ private:
     }
     std::string TextOf(const std::vector<RecordValues>& value) const
     {
-        return Count(value.size(), "record", "records");
+        return CountText(value.size(), "record", "records");
     }
     std::string TextOf(const Handles& value) const
     {
@@ -178,11 +173,11 @@ void TextPrinter::PrintSummary() const
         if (difference.before && difference.after)
             changed.insert(difference.before.get());
     }
-    m_out << Count(m_differences.size(), "difference: ", "differences: ")
-          << Count(counts[DifferenceKind::Removed], "entity", "entities") << " removed, "
+    m_out << CountText(m_differences.size(), "difference: ", "differences: ")
+          << CountText(counts[DifferenceKind::Removed], "entity", "entities") << " removed, "
           << counts[DifferenceKind::Added] << " added, " << changed.size() << " changed";
     if (const std::size_t settings = counts[DifferenceKind::Setting]; settings > 0)
-        m_out << "; " << Count(settings, "setting", "settings") << " of the world";
+        m_out << "; " << CountText(settings, "setting", "settings") << " of the world";
     m_out << '\n';
 }
 

@@ -6,7 +6,6 @@
 #include "KARMPModel.h"
 #include "KARMPWorld.h"
 #include "KARTextConversion.h"
-#include "Loading.h"
 #include "Output.h"
 #include "TextValues.h"
 
@@ -71,7 +70,7 @@ int EditDocument(const EditOptions& options, const Work& work)
     WriteOptions writing = options.writing;
     if (writing.output.empty())
         writing.output = options.file;
-    const auto loaded = LoadWorld(options.file);
+    const auto loaded = LoadToWrite(options.file, writing);
     if (!loaded || !MayWrite(options.file, writing, loaded->diagnostics))
         return Unreadable;
     Model edited(loaded->world);

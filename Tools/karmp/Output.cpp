@@ -106,6 +106,11 @@ std::string NumberText(double number)
     return std::string(buffer.data(), result.ptr);
 }
 
+std::string CountText(std::size_t count, const char* one, const char* several)
+{
+    return std::to_string(count) + ' ' + (count == 1 ? one : several);
+}
+
 std::string JsonText(std::string_view text)
 {
     std::string json = "\"";

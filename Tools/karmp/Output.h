@@ -18,6 +18,8 @@ std::string Printable(std::string_view text);
 std::string Title(std::wstring_view name, std::wstring_view identifier);
 /// The shortest text of a number that reads back the same.
 std::string NumberText(double number);
+/// A count with its noun: "1 comment", "2 comments".
+std::string CountText(std::size_t count, const char* one, const char* several);
 /// Text as a JSON string with its quotes; a byte that is no UTF-8 becomes U+FFFD.
 std::string JsonText(std::string_view text);
 

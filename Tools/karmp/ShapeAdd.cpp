@@ -91,7 +91,7 @@ int RunAddShape(const ShapeOptions& options)
         std::cerr << "karmp: the output is the part itself; choose another file\n";
         return Unreadable;
     }
-    const auto loaded = LoadWorld(options.file);
+    const auto loaded = LoadToWrite(options.file, writing);
     if (!loaded || !VersionNamed(loaded->version) ||
         !MayWrite(options.file, writing, loaded->diagnostics))
         return Unreadable;

@@ -1,6 +1,7 @@
 #include "Writing.h"
 
 #include "Commands.h"
+#include "Comments.h"
 #include "Differences.h"
 #include "EntityText.h"
 #include "ForEach.h"
@@ -19,6 +20,7 @@
 #include <iterator>
 #include <set>
 #include <system_error>
+#include <utility>
 
 namespace karmp::tool {
 
@@ -42,11 +44,6 @@ Diagnostics LossesAmong(const Diagnostics& messages)
     return losses;
 }
 
-std::string CountText(std::size_t count, const char* one, const char* several)
-{
-    return std::to_string(count) + ' ' + (count == 1 ? one : several);
-}
-
 // Content of the input that was not read is lost, which takes `force`; onto the input itself a
 // backup besides.
 bool IsRefused(const std::string& input, const WriteOptions& options, const Diagnostics& losses)
@@ -67,8 +64,15 @@ void PrintFirst(const Diagnostics& losses)
 
 void PrintRefusal(const std::string& input, const WriteOptions& options, const Diagnostics& losses)
 {
+    const bool hasComments = losses.Find(documents::Code::NotKept) != nullptr;
     const std::size_t errors = losses.Count(Severity::Error);
-    const std::size_t others = losses.items.size() - errors;
+    const std::size_t others = losses.items.size() - errors - (hasComments ? 1 : 0);
+    if (errors + others == 0) {
+        std::cerr << "karmp: nothing was written. Name another file as output, or overwrite "
+                  << Printable(std::string_view(options.output))
+                  << " with --force and --backup, which keeps it\n";
+        return;
+    }
     std::cerr << "karmp: " << Printable(std::string_view(input)) << " has ";
     if (errors > 0)
         std::cerr << CountText(errors, "error", "errors") << (others > 0 ? " and " : "");
@@ -118,10 +122,9 @@ std::string MessagesJson(const Diagnostics& messages)
     return JsonList(messages.items, JsonOf);
 }
 
-void PrintLines(std::ostream& out, const Diagnostics& messages)
+void PrintLine(std::ostream& out, const Diagnostic& message)
 {
-    for (const Diagnostic& message : messages.items)
-        out << Printable(std::string_view(documents::Format(message))) << '\n';
+    out << Printable(std::string_view(documents::Format(message))) << '\n';
 }
 
 void PrintJsonReport(const std::string& input, const WriteOptions& options,
@@ -152,6 +155,17 @@ std::set<std::wstring> InteractionsIn(const KARMPWorld& world)
 std::ostream& ReportStream(const WriteOptions& options)
 {
     return options.output == StandardStream && !options.dryRun ? std::cerr : std::cout;
+}
+
+std::optional<documents::LoadResult> LoadToWrite(const std::string& input,
+                                                 const WriteOptions& options)
+{
+    auto loaded = LoadWorld(input);
+    // The output, since the input may be called standard input.
+    if (loaded && IsSameFile(input, options.output))
+        if (auto comments = FindComments(options.output))
+            loaded->diagnostics.items.push_back(std::move(*comments));
+    return loaded;
 }
 
 bool MayWrite(const std::string& input, const WriteOptions& options,
@@ -217,9 +231,11 @@ int ReportLosses(const std::string& input, const WriteOptions& options,
         PrintJsonReport(input, options, unread, losses, more);
     } else {
         std::ostream& out = ReportStream(options);
-        if (options.dryRun)
-            PrintLines(out, unread);
-        PrintLines(out, losses.unlisted);
+        for (const Diagnostic& message : unread.items)
+            if (options.dryRun || message.code == documents::Code::NotKept)
+                PrintLine(out, message);
+        for (const Diagnostic& message : losses.unlisted.items)
+            PrintLine(out, message);
         if (!losses.differences.empty()) {
             out << Bold("Version " + Printable(losses.version) + " cannot hold:") << '\n';
             PrintText(out, losses.differences, true, MaximumDifferences);

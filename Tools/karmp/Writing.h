@@ -24,6 +24,11 @@ struct WriteOptions
 /// Where a command tells of what it does: standard output, unless that takes the document.
 std::ostream& ReportStream(const WriteOptions& options);
 
+/// Loads a world that is written again, as LoadWorld does. Comments are among the messages when
+/// they would be lost: when the output is the input itself.
+std::optional<documents::LoadResult> LoadToWrite(const std::string& input,
+                                                 const WriteOptions& options);
+
 /// Whether what was read of `input` may be written. Content of it that was not read would be lost,
 /// which takes `force`, and with the input itself as output a backup besides. Where it may not be
 /// written, what would be lost and the reason are on standard error. True in a dry run, of which
@@ -52,7 +57,8 @@ struct Losses
 /// What a document for a version lacks of a world that was loaded and completed.
 Losses LossesOf(const documents::LoadResult& loaded, const std::wstring& version);
 
-/// Prints what is lost of the input, in a dry run or as JSON, and what the document lacks. `more`
+/// Prints what is lost of the input, its comments always, other content in a dry run or as JSON,
+/// and what the document lacks. `more`
 /// are further members of the JSON object, each with a comma in front. Gives an exit code, in a dry
 /// run that of MayWrite, whose reason is on standard error, where that refuses.
 int ReportLosses(const std::string& input, const WriteOptions& options,

@@ -2,6 +2,8 @@
 #include "JsonText.h"
 #include "ToolFixture.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <string>
 
 namespace karmp::tool {
@@ -90,6 +92,95 @@ TEST_F(EditCommands, ADryRunTellsWhatTheRealRunTells)
         ExpectContains(dry.output, told);
     }
     EXPECT_EQ(ReadFile(m_document), CleanDocument());
+}
+
+class EditedComments : public Tool
+{
+protected:
+    // A comment behind a letter beyond ASCII, one of two lines, and an instruction.
+    EditedComments()
+        : m_text(With(With(CleanDocument(), "\"Visible\"", "\"Sichtb\xC3\xA4r\""), "</Boolean>",
+                      "</Boolean><!-- first --> <!-- of\n two lines --><?x?>")),
+          m_document(Write("in.xml", m_text))
+    {}
+
+    // The warning at the first comment, whose line has a letter of two bytes before it.
+    std::string Warning() const
+    {
+        const auto at = m_text.find("<!--");
+        const auto lines = std::count(m_text.begin(), m_text.begin() + std::ptrdiff_t(at), '\n');
+        return m_document + ':' + std::to_string(lines + 1) + ':' +
+               std::to_string(at - m_text.rfind('\n', at) - 1) +
+               ": warning: 2 comments and 1 processing instruction are not kept; the first one "
+               "stands here [not-kept]\n";
+    }
+
+    std::string m_text;
+    std::string m_document;
+};
+
+TEST_F(EditedComments, AreLostOntoTheDocumentByForceWithABackupOnly)
+{
+    const std::string quoted = '\'' + m_document + '\'';
+    for (const std::string& line :
+         {"set " + quoted + " Crank Mass=2", "delete " + quoted + " Damping",
+          "rename " + quoted + " Crank Kurbel", "convert " + quoted + ' ' + quoted,
+          "shape " + quoted + " --body Crank --add '" KARMP_TEST_PARTS "/tetrahedron.stl' -o " +
+              quoted}) {
+        SCOPED_TRACE(line);
+        for (const std::string option : {"", " --force", " --backup", " --dry-run"}) {
+            const Outcome refused = Run(line + option);
+            EXPECT_EQ(refused.code, 2) << option;
+            ExpectContains(refused.output, Warning());
+            ExpectContains(refused.output, "karmp: nothing was written. Name another file as "
+                                           "output, or overwrite " +
+                                               m_document +
+                                               " with --force and --backup, which keeps it\n");
+            EXPECT_EQ(ReadFile(m_document), m_text);
+        }
+        const Outcome forced = Run(line + " --force --backup");
+        EXPECT_EQ(forced.code, 1);
+        ExpectContains(forced.output, Warning());
+        EXPECT_EQ(ReadFile(m_document).find("first"), std::string::npos);
+        EXPECT_EQ(ReadFile(m_document + '~'), m_text);
+        Write("in.xml", m_text);
+    }
+}
+
+TEST_F(EditedComments, AreNoLossInAnotherFile)
+{
+    const Outcome outcome =
+        Run("rename '" + m_document + "' Crank Kurbel -o '" + File("out.xml") + '\'');
+    EXPECT_EQ(outcome.code, 0) << outcome.output;
+    EXPECT_EQ(outcome.output.find("comment"), std::string::npos) << outcome.output;
+}
+
+TEST_F(EditedComments, OfStandardInputAreThoseOfTheOutput)
+{
+    const Outcome outcome = Run("convert - '" + m_document + '\'', {}, m_document);
+    EXPECT_EQ(outcome.code, 2);
+    ExpectContains(outcome.output, Warning());
+}
+
+TEST_F(EditedComments, StandInTheJson)
+{
+    const Outcome outcome =
+        RunQuietly("convert --json --dry-run '" + m_document + "' '" + m_document + '\'');
+    EXPECT_EQ(outcome.code, 2);
+    EXPECT_TRUE(JsonReader::IsJson(outcome.output)) << outcome.output;
+    ExpectContains(outcome.output, "\"code\": \"not-kept\"");
+}
+
+TEST_F(EditedComments, AreNotWhatLooksLikeThemInAText)
+{
+    const std::string input =
+        Write("in.xml", With(CleanDocument(), "  </Values>",
+                             "<String id=\"s1\" name=\"Note\" isActive=\"yes\"><PhysicalQuantity>"
+                             "Length</PhysicalQuantity><Value><![CDATA[<!-- <?no ]]></Value>"
+                             "</String>\n  </Values>"));
+    const Outcome outcome = Run("rename '" + input + "' Crank Kurbel");
+    EXPECT_EQ(outcome.code, 0) << outcome.output;
+    ExpectContains(ReadFile(input), "&lt;!-- &lt;?no");
 }
 
 TEST_F(EditCommands, JsonTellsWhatADeletionLeavesShort)
