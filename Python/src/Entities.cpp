@@ -16,10 +16,25 @@ namespace karmp::python {
 
 namespace {
 
-EntityObject& ObjectOf(PyObject* self)
+// A function for a slot of a Python type: what it throws becomes Python's exception.
+template <auto Function>
+struct Slot;
+template <class R, class... A, R (*Function)(A...)>
+struct Slot<Function>
 {
-    return *reinterpret_cast<EntityObject*>(self);
-}
+    static R Call(A... arguments) noexcept
+    {
+        try {
+            return Function(arguments...);
+        } catch (...) {
+            SetException();
+            if constexpr (std::is_pointer_v<R>)
+                return nullptr;
+            else
+                return -1;
+        }
+    }
+};
 
 void Deallocate(PyObject* self)
 {
@@ -34,38 +49,24 @@ void Deallocate(PyObject* self)
     Py_DECREF(type);
 }
 
-// The checks of every access by Python.
-void CheckAlive(EntityObject& object)
-{
-    CheckFree(*object.state);
-    if (!object.entity->isOrphaned())
-        return;
-    Raise(Types().deletedError, TitleOf(*object.entity) + " was deleted");
-}
-
-// What Python's own attribute errors lack.
-int TellNear(PyObject* self, PyObject* name)
+// Tells the near name, which Python's own attribute errors lack.
+void TellNear(PyObject* self, PyObject* name)
 {
     if (PyErr_ExceptionMatches(PyExc_AttributeError) == 0 || !PyUnicode_Check(name))
-        return -1;
-    const EntityClass& of = ClassOf(py::handle(reinterpret_cast<PyObject*>(Py_TYPE(self))));
+        return;
+    const EntityClass& of = ClassOf(*ObjectOf(self).entity);
     const std::string text = Utf8Of(name);
-    if (FindProperty(of, text) == nullptr) {
-        PyErr_Clear();
-        RaiseNoItem(of, text);
-    }
-    return -1;
+    if (FindProperty(of, text) != nullptr)
+        return;
+    PyErr_Clear();
+    PropertyOf(of, text);
 }
 
 PyObject* GetAttribute(PyObject* self, PyObject* name)
 {
     PyObject* const found = PyObject_GenericGetAttr(self, name);
     if (found == nullptr)
-        try {
-            TellNear(self, name);
-        } catch (...) {
-            SetException();
-        }
+        TellNear(self, name);
     return found;
 }
 
@@ -73,57 +74,36 @@ int SetAttribute(PyObject* self, PyObject* name, PyObject* value)
 {
     const int status = PyObject_GenericSetAttr(self, name, value);
     if (status != 0)
-        try {
-            TellNear(self, name);
-        } catch (...) {
-            SetException();
-        }
+        TellNear(self, name);
     return status;
 }
 
 PyObject* Represent(PyObject* self)
 {
-    try {
-        const EntityObject& object = ObjectOf(self);
-        std::string text = "<karmp." + TitleOf(*object.entity);
-        if (object.entity->isOrphaned())
-            text += ", deleted";
-        return ToText(text + '>').release().ptr();
-    } catch (...) {
-        SetException();
-        return nullptr;
-    }
+    const KARMPEntity& entity = *ObjectOf(self).entity;
+    const char* const end = entity.isOrphaned() ? ", deleted>" : ">";
+    return ToText("<karmp." + TitleOf(entity) + end).release().ptr();
+}
+
+// The property of a slot, of an item that the class has.
+Property& RowOf(PyObject* self, void* property)
+{
+    auto& row = *static_cast<Property*>(property);
+    return row.item != nullptr ? row : PropertyOf(ClassOf(*ObjectOf(self).entity), row.name);
 }
 
 PyObject* GetProperty(PyObject* self, void* property)
 {
-    try {
-        EntityObject& object = ObjectOf(self);
-        CheckAlive(object);
-        auto& row = *static_cast<Property*>(property);
-        if (row.item == nullptr)
-            RaiseNoItem(ClassOf(*object.entity), row.name);
-        return GetItem(object, row).release().ptr();
-    } catch (...) {
-        SetException();
-        return nullptr;
-    }
+    return GetItem(AliveOf(self), RowOf(self, property)).release().ptr();
 }
 
 int SetProperty(PyObject* self, PyObject* value, void* property)
 {
-    try {
-        const Property& row = *static_cast<Property*>(property);
-        if (row.item == nullptr)
-            RaiseNoItem(ClassOf(*ObjectOf(self).entity), row.name);
-        if (value == nullptr)
-            Raise(PyExc_TypeError, row.name + " cannot be deleted");
-        SetItem(ObjectOf(self), row, value);
-        return 0;
-    } catch (...) {
-        SetException();
-        return -1;
-    }
+    const Property& row = RowOf(self, property);
+    if (value == nullptr)
+        Raise(PyExc_TypeError, row.name + " cannot be deleted");
+    SetItem(ObjectOf(self), row, value);
+    return 0;
 }
 
 PyTypeObject* MakeBase(py::module_& module)
@@ -133,9 +113,9 @@ PyTypeObject* MakeBase(py::module_& module)
                                     {nullptr, 0, 0, 0, nullptr}};
     const auto function = []<class F>(F* pointer) { return reinterpret_cast<void*>(pointer); };
     PyType_Slot slots[] = {{Py_tp_dealloc, function(&Deallocate)},
-                           {Py_tp_repr, function(&Represent)},
-                           {Py_tp_getattro, function(&GetAttribute)},
-                           {Py_tp_setattro, function(&SetAttribute)},
+                           {Py_tp_repr, function(&Slot<&Represent>::Call)},
+                           {Py_tp_getattro, function(&Slot<&GetAttribute>::Call)},
+                           {Py_tp_setattro, function(&Slot<&SetAttribute>::Call)},
                            {Py_tp_members, members},
                            {Py_tp_doc, const_cast<char*>("What all entities of a model have.")},
                            {0, nullptr}};
@@ -143,52 +123,43 @@ PyTypeObject* MakeBase(py::module_& module)
                      Py_TPFLAGS_DEFAULT | Py_TPFLAGS_BASETYPE | Py_TPFLAGS_DISALLOW_INSTANTIATION,
                      slots};
     PyObject* const type = PyType_FromSpec(&spec);
-    if (type == nullptr)
-        throw py::error_already_set();
+    RaiseIfSet();
     module.add_object("Entity", type);
     return reinterpret_cast<PyTypeObject*>(type);
-}
-
-std::string QuantityText(KARMPPhysicalQuantity::Enum quantity)
-{
-    return kar::ToUtf8(EnumTexts<KARMPPhysicalQuantity::Enum>::Rows[quantity]);
 }
 
 std::string DocOf(const ItemInfo& item)
 {
     std::string doc(item.says);
     if (item.quantity != KARMPPhysicalQuantity::NoPhysicalQuantity)
-        doc += " Quantity: " + QuantityText(item.quantity) + '.';
+        doc += " Quantity: " +
+               kar::ToUtf8(EnumTexts<KARMPPhysicalQuantity::Enum>::Rows[item.quantity]) + '.';
     for (std::size_t i = 0; item.kind == ItemKind::Word && i < item.words.size(); ++i)
         doc += (i == 0 ? " One of " : ", ") + kar::ToUtf8(item.words[i]) +
                (i + 1 == item.words.size() ? "." : "");
-    if (!item.readOnly.empty())
-        doc += " Read only: " + std::string(item.readOnly);
-    return doc;
+    return item.readOnly.empty() ? doc : doc + " Read only: " + std::string(item.readOnly);
 }
 
 // The base's property of the same row, null without one.
 Property* InheritedOf(const ItemInfo& item, const EntityClass* base)
 {
-    if (base == nullptr)
-        return nullptr;
-    const auto found = std::find_if(
-        base->properties.begin(), base->properties.end(), [&item](const Property* property) {
-            const ItemInfo& row = *property->item;
-            return row.written == item.written && row.read == item.read &&
-                   row.readOnly == item.readOnly && row.path == item.path;
-        });
-    return found != base->properties.end() ? *found : nullptr;
+    for (Property* const property : base != nullptr ? base->properties : std::vector<Property*>()) {
+        const ItemInfo& row = *property->item;
+        if (row.written == item.written && row.read == item.read && row.path == item.path &&
+            row.readOnly == item.readOnly)
+            return property;
+    }
+    return nullptr;
 }
 
 void AddDescriptor(const EntityClass& of, Property& property)
 {
-    property.definition = {property.name.c_str(), &GetProperty, &SetProperty, property.doc.c_str(),
-                           &property};
+    const char* const name = property.name.c_str();
+    property.definition = {name, &Slot<&GetProperty>::Call, &Slot<&SetProperty>::Call,
+                           property.doc.c_str(), &property};
     const auto descriptor =
         py::reinterpret_steal<py::object>(PyDescr_NewGetSet(of.type, &property.definition));
-    if (!descriptor ||
-        PyDict_SetItemString(of.type->tp_dict, property.name.c_str(), descriptor.ptr()) != 0)
+    if (!descriptor || PyDict_SetItemString(of.type->tp_dict, name, descriptor.ptr()) != 0)
         throw py::error_already_set();
 }
 
@@ -240,8 +211,7 @@ EntityClass& AddClass(py::module_& module, const QOBClassInfo& info)
         attributes["__doc__"] =
             schema != nullptr ? schema->says : "What a solver tells of entities.";
         const auto type = py::handle(reinterpret_cast<PyObject*>(&PyType_Type))(
-            made->name, py::make_tuple(py::handle(reinterpret_cast<PyObject*>(base->type))),
-            attributes);
+            made->name, py::make_tuple(TypeOf(*base)), attributes);
         module.add_object(made->name.c_str(), type);
         made->type = reinterpret_cast<PyTypeObject*>(type.ptr());
     }
@@ -259,78 +229,84 @@ std::string TitleOf(const KARMPEntity& entity)
     return ClassOf(entity).name + " \"" + kar::ToUtf8(entity.getEntityName()) + '"';
 }
 
-py::object Wrap(const Entity& entity, const State& state)
+py::object Wrap(const Entity& entity, ModelState& state)
 {
     if (!entity)
         return py::none();
-    PyObject*& known = state->objects[entity.get()];
+    PyObject*& known = state.objects[entity.get()];
     if (known != nullptr)
         return py::reinterpret_borrow<py::object>(known);
     PyTypeObject* const type = ClassOf(*entity).type;
     PyObject* const made = type->tp_alloc(type, 0);
     if (made == nullptr) {
-        state->objects.erase(entity.get());
+        state.objects.erase(entity.get());
         throw py::error_already_set();
     }
     new (&ObjectOf(made).entity) Entity(entity);
-    new (&ObjectOf(made).state) State(state);
+    new (&ObjectOf(made).state) State(state.shared_from_this());
     known = made;
     return py::reinterpret_steal<py::object>(made);
+}
+
+py::list WrapAll(const std::vector<Entity>& entities, ModelState& state)
+{
+    py::list list(entities.size());
+    for (std::size_t i = 0; i < entities.size(); ++i)
+        list[i] = Wrap(entities[i], state);
+    return list;
 }
 
 EntityObject& AliveOf(py::handle object)
 {
     if (!PyObject_TypeCheck(object.ptr(), Types().entity))
         Raise(PyExc_TypeError, "an entity is needed, not " + py::repr(object).cast<std::string>());
-    EntityObject& found = ObjectOf(object.ptr());
-    CheckAlive(found);
+    EntityObject& found = ObjectOf(object);
+    CheckFree(*found.state);
+    if (found.entity->isOrphaned())
+        Raise(Types().deletedError, TitleOf(*found.entity) + " was deleted");
     return found;
 }
 
-const Entity& EntityIn(py::handle object, const State& state)
+void CheckOwn(const ModelState& state, const Entity& entity)
 {
-    const EntityObject& found = AliveOf(object);
-    if (found.state != state)
-        Raise(PyExc_ValueError, TitleOf(*found.entity) + " belongs to another model");
-    return found.entity;
+    if (!state.objects.contains(entity.get()))
+        Raise(PyExc_ValueError, TitleOf(*entity) + " belongs to another model");
 }
 
-const EntityClass& ClassOf(py::handle type)
+const EntityClass* FindClass(py::handle type)
 {
-    const Registry& types = Types();
-    const auto found = types.byType.find(reinterpret_cast<const PyTypeObject*>(type.ptr()));
-    if (found == types.byType.end())
-        Raise(PyExc_TypeError, py::repr(type).cast<std::string>() + " is no class of entities");
-    return *found->second;
+    const auto found = Types().byType.find(reinterpret_cast<const PyTypeObject*>(type.ptr()));
+    return found != Types().byType.end() ? found->second : nullptr;
 }
 
 const EntityClass& ClassOf(const KARMPEntity& entity)
 {
-    const Registry& types = Types();
+    const auto& known = Types().byInfo;
     const QOBClassInfo* info = &entity.getClassInfo();
-    while (true) {
-        if (const auto found = types.byInfo.find(info); found != types.byInfo.end())
-            return *found->second;
+    while (!known.contains(info))
         info = info->getParent();
-    }
+    return *known.at(info);
 }
 
-Property* FindProperty(const EntityClass& of, const std::string& name)
+Property* FindProperty(const EntityClass& of, std::string_view name)
 {
-    const auto find = [&of](auto isMeant) -> Property* {
-        const auto found = std::find_if(of.properties.begin(), of.properties.end(), isMeant);
-        return found != of.properties.end() ? *found : nullptr;
-    };
-    return find([&name](const Property* property) { return property->name == name; });
+    for (Property* const property : of.properties)
+        if (property->name == name)
+            return property;
+    return nullptr;
 }
 
-void RaiseNoItem(const EntityClass& of, const std::string& name)
+Property& PropertyOf(const EntityClass& of, const std::string& name, py::handle error,
+                     const std::string& text)
 {
-    std::vector<std::string> names;
+    if (Property* const property = FindProperty(of, name))
+        return *property;
+    std::vector<std::wstring> names;
     for (const Property* const property : of.properties)
-        names.push_back(property->name);
-    Raise(PyExc_AttributeError,
-          "karmp." + of.name + " has no item \"" + name + '"' + NearText(name, names));
+        names.push_back(kar::ToWide(property->name));
+    Raise(error.ptr() != nullptr ? error : PyExc_AttributeError,
+          (text.empty() ? "karmp." + of.name + " has no item" : text) + " \"" + name + '"' +
+              NearText(kar::ToWide(name), names));
 }
 
 void BindEntities(py::module_& module)
@@ -343,21 +319,10 @@ void BindEntities(py::module_& module)
             throw std::bad_alloc();
         AddClass(module, sample->getClassInfo());
     }
-    const auto base = py::handle(reinterpret_cast<PyObject*>(types.entity));
-    py::setattr(base, "model",
-                py::handle(reinterpret_cast<PyObject*>(&PyProperty_Type))(
-                    py::cpp_function([](const py::object& self) { return AliveOf(self).state; },
-                                     "The model of the entity.")));
-    py::setattr(base, "__reduce__",
-                py::cpp_function(
-                    [](const py::object& self) {
-                        const EntityObject& object = AliveOf(self);
-                        std::wstring identifier;
-                        object.entity->GetIdentifier(identifier);
-                        return py::make_tuple(py::module_::import("karmp").attr("_entity"),
-                                              py::make_tuple(object.state, ToText(identifier)));
-                    },
-                    py::is_method(base)));
+    const py::handle base(reinterpret_cast<PyObject*>(types.entity));
+    const auto model = [](const py::object& self) { return AliveOf(self).state; };
+    const py::handle property(reinterpret_cast<PyObject*>(&PyProperty_Type));
+    py::setattr(base, "model", property(py::cpp_function(model, "The model of the entity.")));
 }
 
 } // namespace karmp::python

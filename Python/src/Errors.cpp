@@ -11,9 +11,9 @@ Registry& Types()
     return registry;
 }
 
-void Raise(PyObject* type, const std::string& text)
+void Raise(py::handle type, const std::string& text)
 {
-    PyErr_SetObject(type, ToText(text).ptr());
+    PyErr_SetObject(type.ptr(), ToText(text).ptr());
     throw py::error_already_set();
 }
 
@@ -21,23 +21,11 @@ void RaiseError(const std::string& text, KARStatus status, py::handle entity)
 {
     if (status == KAROutOfMemory)
         throw std::bad_alloc();
-    const auto error = py::handle(Types().error)(ToText(text));
+    const auto error = Types().error(ToText(text));
     error.attr("status") = status;
     if (entity)
         error.attr("entity") = entity;
-    PyErr_SetObject(Types().error, error.ptr());
-    throw py::error_already_set();
-}
-
-void RaiseDocumentError(const std::string& text, const documents::Diagnostics& findings)
-{
-    std::string lines = text;
-    for (const documents::Diagnostic& finding : findings.items)
-        if (finding.severity == documents::Severity::Error)
-            lines += '\n' + documents::Format(finding);
-    const auto error = py::handle(Types().documentError)(ToText(lines));
-    error.attr("findings") = ToPython(findings);
-    PyErr_SetObject(Types().documentError, error.ptr());
+    PyErr_SetObject(Types().error.ptr(), error.ptr());
     throw py::error_already_set();
 }
 
@@ -60,37 +48,13 @@ Checks& Checks::OfThread()
     return checks;
 }
 
-void Checks::Warn(const std::string& what) const
+void Checks::Warn(std::string_view what) const
 {
-    const std::string text = what + ": the library reported " + std::to_string(m_count) +
+    const std::string text = std::string(what) + ": the library reported " +
+                             std::to_string(m_count) +
                              (m_count == 1 ? " failed check" : " failed checks");
-    if (PyErr_WarnEx(Types().checkWarning, text.c_str(), 1) != 0)
+    if (PyErr_WarnEx(Types().checkWarning.ptr(), text.c_str(), 1) != 0)
         throw py::error_already_set();
-}
-
-void BindErrors(py::module_& module)
-{
-    const auto add = [&module](const char* name, const char* doc, PyObject* base,
-                               const py::dict& attributes) {
-        const std::string full = std::string("karmp.") + name;
-        PyObject* const type = PyErr_NewExceptionWithDoc(full.c_str(), doc, base, attributes.ptr());
-        if (type == nullptr)
-            throw py::error_already_set();
-        module.add_object(name, type);
-        return type;
-    };
-    Registry& types = Types();
-    using py::literals::operator""_a;
-    types.error =
-        add("Error", "A call failed. status is the library's number, entity the entity or None.",
-            PyExc_Exception, py::dict("status"_a = KARFailure, "entity"_a = py::none()));
-    types.documentError = add(
-        "DocumentError", "A document was not read or written. findings tells what is the matter.",
-        types.error, py::dict("findings"_a = py::tuple()));
-    types.deletedError =
-        add("DeletedError", "The entity was deleted from its model.", types.error, py::dict());
-    types.checkWarning = add("CheckWarning", "The library reported a failed check in a call.",
-                             PyExc_UserWarning, py::dict());
 }
 
 } // namespace karmp::python

@@ -1,219 +1,100 @@
-// The entities of a model by family and by class, found by identifier or name.
-#include "Bindings.h"
-#include "KARMPEntities.h"
+// The entities of a model by class, found by identifier or name.
+#include "Arguments.h"
+#include "KARMPNearestWord.h"
 #include "KARTextConversion.h"
-
-#include <algorithm>
-#include <span>
 
 namespace karmp::python {
 
 namespace {
 
-using py::literals::operator""_a;
-using AnyRef = model::Ref<KARMPEntity>;
-using AnyRefs = model::RefList<KARMPEntity>;
-using Model = model::Model;
-
-/// What a model does with one family.
-struct FamilyCalls
+// Those with a name.
+std::vector<Entity> Named(const std::vector<Entity>& entities, const std::wstring& name)
 {
-    std::wstring_view element;
-    const QOBClassInfo* info;
-    AnyRefs (*all)(const Model& model);
-    AnyRef (*find)(const Model& model, std::string_view key);
-    std::string (*why)(const Model& model, std::string_view key);
-    int (*count)(const Model& model);
-};
-
-template <class T>
-FamilyCalls CallsOf(std::wstring_view element)
-{
-    return {element,
-            &T::ClassInfo(),
-            [](const Model& model) {
-                const auto all = model.All<T>();
-                return AnyRefs(all.begin(), all.end());
-            },
-            [](const Model& model, std::string_view key) { return AnyRef(model.Find<T>(key)); },
-            [](const Model& model, std::string_view key) { return model.Get<T>(key).Error().text; },
-            [](const Model& model) {
-                if constexpr (std::is_same_v<T, KARMPEntity>)
-                    return static_cast<int>(model.All<T>().size());
-                else
-                    return model.World()->template Count<T>();
-            }};
+    std::vector<Entity> named;
+    for (const Entity& entity : entities)
+        if (entity->getEntityName() == name)
+            named.push_back(entity);
+    return named;
 }
 
-// All families, and the base of all of them at last.
-const std::vector<FamilyCalls>& Calls()
+Entity Find(ModelState& state, const EntityClass& of, const Text& key)
 {
-    static const auto& calls = *new std::vector<FamilyCalls>([] {
-        std::vector<FamilyCalls> made;
-        ForEachRegistryElement([&made]<class T>(const RegistryElement<T>& element) {
-            made.push_back(CallsOf<T>(element.name));
-        });
-        made.push_back(CallsOf<KARMPEntity>({}));
-        return made;
-    }());
-    return calls;
-}
-
-/// The entities of a class, those of the classes that are derived from it as well.
-struct Entities : Held
-{
-    State state;
-    const EntityClass* of;
-    const FamilyCalls* family;
-
-    bool IsWhole() const { return of->info == family->info; }
-    bool Fits(const AnyRef& entity) const { return IsWhole() || entity->isDerivedFrom(*of->info); }
-    AnyRefs All() const
-    {
-        CheckFree(*state);
-        AnyRefs all = family->all(state->model);
-        if (!IsWhole())
-            std::erase_if(all, [this](const AnyRef& entity) { return !Fits(entity); });
-        return all;
-    }
-    AnyRef Find(const std::string& key) const;
-};
-using Collection = std::shared_ptr<Entities>;
-
-AnyRef Entities::Find(const std::string& key) const
-{
-    CheckFree(*state);
-    const AnyRef found = family->find(state->model, key);
-    if (IsWhole() || (found && Fits(found)))
-        return found;
+    CheckFree(state);
+    const auto found = state.model.Find<KARMPEntity>(key);
+    if (found && found->isDerivedFrom(*of.info))
+        return found.Handle();
     // Of several with the name one may be of the class.
-    const std::wstring name = kar::ToWide(key);
-    AnyRefs all = All();
-    std::erase_if(all, [&name](const AnyRef& entity) { return entity->getEntityName() != name; });
-    return all.size() == 1 ? all.front() : AnyRef();
+    const auto named = Named(AllOf(state, of), kar::ToWide(key));
+    return named.size() == 1 ? named.front() : Entity();
 }
 
-Collection EntitiesOf(const State& state, const EntityClass& of)
+// Why there is no entity of a key.
+std::string WhyNone(ModelState& state, const EntityClass& of, const Text& key)
 {
-    const auto found =
-        std::find_if(Calls().begin(), Calls().end(), [&of](const FamilyCalls& family) {
-            return of.info->isDerivedFrom(*family.info);
-        });
-    return std::make_shared<Entities>(Entities{{}, state, &of, &*found});
-}
-
-py::list List(const Entities& entities)
-{
-    const AnyRefs all = entities.All();
-    py::list list(all.size());
+    const std::vector<Entity> all = AllOf(state, of);
+    const std::wstring wide = kar::ToWide(key);
+    if (const std::size_t count = Named(all, wide).size(); count > 1)
+        return "there are " + std::to_string(count) + ' ' + of.name + " of the name \"" + key + '"';
+    std::vector<std::wstring> names(all.size());
     for (std::size_t i = 0; i < all.size(); ++i)
-        list[i] = Wrap(all[i].Handle(), entities.state);
-    return list;
-}
-
-py::object Item(const Collection& self, const py::object& key)
-{
-    if (!PyUnicode_Check(key.ptr()))
-        return py::object(List(*self)[key]);
-    const std::string text = Utf8Of(key);
-    if (const AnyRef found = self->Find(text))
-        return Wrap(found.Handle(), self->state);
-    Raise(PyExc_KeyError, self->IsWhole() ? self->family->why(self->state->model, text)
-                                          : "there is no " + self->of->name + " \"" + text + '"');
-}
-
-bool Contains(const Collection& self, const py::object& key)
-{
-    if (PyUnicode_Check(key.ptr()))
-        return static_cast<bool>(self->Find(Utf8Of(key)));
-    if (PyObject_TypeCheck(key.ptr(), Types().entity) == 0)
-        return false;
-    const auto& object = *reinterpret_cast<EntityObject*>(key.ptr());
-    return object.state == self->state && !object.entity->isOrphaned() &&
-           object.entity->isDerivedFrom(*self->of->info);
-}
-
-void BindCollection(py::module_& module)
-{
-    py::class_<Entities, Collection> entities(
-        module, "Entities",
-        "The entities of a class in a model, by identifier or name, or by index.");
-    Seal(entities);
-    entities
-        .def("__len__",
-             [](const Collection& self) {
-                 CheckFree(*self->state);
-                 return self->IsWhole()
-                            ? static_cast<std::size_t>(self->family->count(self->state->model))
-                            : self->All().size();
-             })
-        .def("__iter__", [](const Collection& self) { return py::iter(List(*self)); })
-        .def("__getitem__", &Item)
-        .def("__contains__", &Contains)
-        .def("__repr__", [](const Collection& self) { return py::repr(List(*self)); })
-        .def(
-            "get",
-            [](const Collection& self, const py::object& key, const py::object& other) {
-                const AnyRef found = self->Find(Utf8Of(key));
-                return found ? Wrap(found.Handle(), self->state) : other;
-            },
-            "key"_a, "default"_a = py::none(),
-            "The entity of an identifier or name, the default when there is none or several.")
-        .def(
-            "keys",
-            [](const Collection& self) {
-                py::list keys;
-                for (const AnyRef& entity : self->All()) {
-                    std::wstring identifier;
-                    entity->GetIdentifier(identifier);
-                    keys.append(ToText(identifier));
-                }
-                return keys;
-            },
-            "The identifiers.");
+        all[i]->GetIdentifier(names[i]);
+    for (const Entity& entity : all)
+        names.push_back(entity->getEntityName());
+    return "there is no " + of.name + " \"" + key + '"' + NearText(wide, names);
 }
 
 } // namespace
 
-std::vector<Entity> AllOf(const State& state, const EntityClass& of)
+std::string NearText(const std::wstring& text, const std::vector<std::wstring>& names)
 {
+    const auto near = NearestWord(text, {names.begin(), names.end()});
+    return near.empty() ? "" : "; near: \"" + kar::ToUtf8(near) + '"';
+}
+
+std::vector<Entity> AllOf(ModelState& state, const EntityClass& of)
+{
+    CheckFree(state);
     std::vector<Entity> entities;
-    for (const AnyRef& entity : EntitiesOf(state, of)->All())
-        entities.push_back(entity.Handle());
+    const auto take = [&]<class T>(const T*) {
+        const bool isWhole = of.info == &T::ClassInfo();
+        for (const Ref<T>& entity : state.model.All<T>())
+            if (isWhole || entity->isDerivedFrom(*of.info))
+                entities.emplace_back(entity.Handle());
+    };
+    bool isOfFamily = false;
+    ForEachRegistryElement([&]<class T>(const RegistryElement<T>&) {
+        if (!isOfFamily && of.info->isDerivedFrom(T::ClassInfo())) {
+            isOfFamily = true;
+            take(static_cast<const T*>(nullptr));
+        }
+    });
+    if (!isOfFamily)
+        take(static_cast<const KARMPEntity*>(nullptr));
     return entities;
 }
 
 void BindFamilies(py::module_& module, ModelClass& of)
 {
-    BindCollection(module);
-    for (const FamilyCalls& family : Calls()) {
-        const auto known = Types().byInfo.find(family.info);
-        if (family.element.empty() || known == Types().byInfo.end())
-            continue;
-        const EntityClass* const type = known->second;
-        const std::string doc = "The entities of the family " + type->name + '.';
-        of.def_property_readonly(
-            SnakeCase(family.element).c_str(),
-            [type](const State& self) { return EntitiesOf(self, *type); }, doc.c_str());
-    }
+    using Any = Kind<KARMPEntity>;
+    // What collections of entities are made of.
     of.def(
-        "all",
-        [](const State& self, const py::object& type) { return EntitiesOf(self, ClassOf(type)); },
-        "cls"_a, "The entities of a class, those of the classes derived from it as well.");
+        "_all", [](ModelState & self, Any cls) -> Typed<"list[_E]", py::list> {
+            return WrapAll(AllOf(self, *cls.of), self);
+        });
     of.def(
-        "get",
-        [](const State& self, const py::object& type, const py::object& key) {
-            return Item(EntitiesOf(self, ClassOf(type)), py::str(key));
-        },
-        "cls"_a, "key"_a, "The entity of a class by identifier or name; KeyError without one.");
+        "_count", [](ModelState& self, Any cls) { return AllOf(self, *cls.of).size(); });
     of.def(
-        "find",
-        [](const State& self, const py::object& key, const py::object& type) {
-            const AnyRef found = EntitiesOf(self, ClassOf(type))->Find(Utf8Of(key));
-            return found ? Wrap(found.Handle(), self) : py::object(py::none());
-        },
-        "key"_a, "cls"_a = py::handle(reinterpret_cast<PyObject*>(Types().entity)),
-        "The entity of an identifier or name, None when there is none or several.");
+        "_find", [](ModelState & self, Any cls, Text key) -> Typed<"_E | None"> {
+            return Wrap(Find(self, *cls.of, key), self);
+        });
+    of.def("_why_none",
+           [](ModelState& self, Any cls, Text key) { return ToText(WhyNone(self, *cls.of, key)); });
+    py::dict families;
+    ForEachRegistryElement([&]<class T>(const RegistryElement<T>& element) {
+        if (const auto known = Types().byInfo.find(&T::ClassInfo()); known != Types().byInfo.end())
+            families[SnakeCase(element.name).c_str()] = TypeOf(*known->second);
+    });
+    module.attr("_families") = families;
 }
 
 } // namespace karmp::python

@@ -1,43 +1,29 @@
 // The extension module karmp._karmp.
-#include "Bindings.h"
-#include <algorithm>
+#include "Arguments.h"
+#include "GraphText.h"
+#include "ViewJson.h"
+#include "ViewPage.h"
+#include "ViewScene.h"
+
+#include <array>
 
 namespace karmp::python {
 
 namespace {
 
-const char* KindName(const ItemInfo& item)
+// What an item is in Python.
+const char* KindOf(const ItemInfo& item)
 {
-    switch (item.kind) {
-    case ItemKind::Number:
-        return "number";
-    case ItemKind::Integer:
-        return "integer";
-    case ItemKind::Flag:
+    static constexpr std::array names{"group",     "number",     "integer", "flag",   "text",
+                                      "word",      "word",       "vector",  "vector", "optional",
+                                      "reference", "references", "records", "stream"};
+    if (item.isFlag)
         return "flag";
-    case ItemKind::Text:
-        return "text";
-    case ItemKind::Word:
-    case ItemKind::Code:
-        return item.isFlag ? "flag" : "word";
-    case ItemKind::Numbers:
-    case ItemKind::Transformation:
-        return item.shape == NumberShape::Vector ? "vector" : "matrix";
-    case ItemKind::OptionalNumber:
-        return "optional";
-    case ItemKind::Reference:
-        return "reference";
-    case ItemKind::References:
-        return "references";
-    case ItemKind::Records:
-        return "records";
-    case ItemKind::Stream:
-        return "stream";
-    default:
-        return "group";
-    }
+    return item.shape != NumberShape::Vector ? "matrix"
+                                             : names[static_cast<std::size_t>(item.kind)];
 }
 
+// What stubs, reference pages and tests are made from.
 py::dict Described(const ItemInfo& item, const std::string& name, const std::string& doc)
 {
     py::list words;
@@ -47,47 +33,55 @@ py::dict Described(const ItemInfo& item, const std::string& name, const std::str
     py::list fields;
     for (const ItemInfo& field : item.fields)
         fields.append(Described(field, SnakeCase(field.path), std::string(field.says)));
-    using py::literals::operator""_a;
-    const std::size_t rows =
-        item.shape == NumberShape::Vector
-            ? item.numberCount
-            : NumberArray(item.shape, std::vector<double>(item.numberCount)).Rows();
-    return py::dict("name"_a = name, "item"_a = ToText(item.path), "kind"_a = KindName(item),
+    const NumberArray sample(item.shape, std::vector<double>(item.numberCount));
+    return py::dict("name"_a = name, "item"_a = ToText(item.path), "kind"_a = KindOf(item),
                     "doc"_a = ToText(doc), "words"_a = py::tuple(words),
-                    "fields"_a = py::tuple(fields), "rows"_a = rows,
+                    "fields"_a = py::tuple(fields), "rows"_a = sample.Rows(),
                     "is_transformation"_a = item.kind == ItemKind::Transformation,
                     "target"_a = ClassNameOf(item.target), "read_only"_a = ToText(item.readOnly),
                     "can_get"_a = item.CanGet(), "is_read_back"_a = item.isReadBack,
                     "is_in_order"_a = item.isInOrder);
 }
 
-// The package is where users find the classes and functions.
-void MoveToPackage(py::module_& module)
-{
-    const py::object own = module.attr("__name__");
-    for (const auto& [name, value] : py::dict(module.attr("__dict__")))
-        if (py::hasattr(value, "__module__") && own.equal(value.attr("__module__")))
-            py::setattr(value, "__module__", py::str("karmp"));
-}
-
-// What stubs, reference pages and tests are made from.
-py::list Items(bool isOwn)
+Typed<"list[dict[str, Any]]", py::list> Items(bool isOwn)
 {
     py::list rows;
     for (const auto& of : Types().classes) {
-        const QOBClassInfo* const parent = of->info->getParent();
-        const auto base = Types().byInfo.find(parent);
+        const auto base = Types().byInfo.find(of->info->getParent());
         const bool hasBase = isOwn && base != Types().byInfo.end();
-        for (Property* const held : of->properties) {
-            const Property& property = *held;
-            if (hasBase && std::ranges::count(base->second->properties, held) > 0)
+        for (Property* const property : of->properties) {
+            if (hasBase && std::ranges::count(base->second->properties, property) > 0)
                 continue;
-            py::dict row = Described(*property.item, property.name, property.doc);
+            py::dict row = Described(*property->item, property->name, property->doc);
             row["class"] = of->name;
             rows.append(row);
         }
     }
     return rows;
+}
+
+// Pictures of a model, as the tool makes them of a document.
+py::str GraphOf(ModelState& model, Text title)
+{
+    CheckFree(model);
+    tool::GraphContents contents;
+    contents.title = title;
+    return ToText(tool::GraphText(*model.model.World(), contents));
+}
+
+py::str PageOf(ModelState& model, Text title)
+{
+    CheckFree(model);
+    return ToText(tool::ViewPage(tool::SceneJson(tool::CollectScene(*model.model.World(), title))));
+}
+
+// The package is where users find the classes and functions.
+void MoveToPackage(const py::module_& module)
+{
+    const py::object own = module.attr("__name__");
+    for (const auto& [name, value] : py::dict(module.attr("__dict__")))
+        if (py::hasattr(value, "__module__") && own.equal(value.attr("__module__")))
+            py::setattr(value, "__module__", py::str("karmp"));
 }
 
 } // namespace
@@ -98,28 +92,22 @@ PYBIND11_MODULE(_karmp, module)
 {
     using namespace karmp::python;
     module.doc() = "The extension module of the package karmp.";
-    BindErrors(module);
+    const auto errors = py::module_::import("karmp._errors");
+    Registry& types = Types();
+    types.error = errors.attr("Error");
+    types.documentError = errors.attr("DocumentError");
+    types.deletedError = errors.attr("DeletedError");
+    types.checkWarning = errors.attr("CheckWarning");
     BindEntities(module);
-    BindLinks(module);
-    BindDocuments(module);
     ModelClass model(module, "Model",
                      "A mechanism: a world, and the calls that build and edit it.");
-    BindModel(model);
+    BindDocuments(module, model);
+    BindModel(module, model);
     BindFamilies(module, model);
-    BindBuilding(module, model);
-    BindModelDocuments(module, model);
-    BindColumns(model);
-    BindPictures(module);
-    MoveToPackage(module);
-    module.def(
-        "_item_names",
-        [](const py::object& type) {
-            py::list names;
-            for (const Property* const property : ClassOf(type).properties)
-                names.append(property->name);
-            return names;
-        },
-        "The items of a class, in the order of documents.");
-    module.def("_items", &Items, py::arg("own") = true,
+    BindItems(module, model);
+    module.def("_graph_text", &GraphOf);
+    module.def("_view_page", &PageOf);
+    module.def("_items", &Items, "own"_a = true,
                "The items of each class as dictionaries, with or without those of its bases.");
+    MoveToPackage(module);
 }

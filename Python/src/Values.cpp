@@ -1,10 +1,11 @@
-// Values of items between C++ and Python.
+// Texts, names and values of items between C++ and Python.
 #include "Bindings.h"
+#include "KARMPNearestWord.h"
 #include "KARTextConversion.h"
 
 #include <pybind11/numpy.h>
 
-#include <algorithm>
+#include <cwctype>
 #include <limits>
 
 namespace karmp::python {
@@ -12,16 +13,15 @@ namespace karmp::python {
 namespace {
 
 using Records = std::vector<RecordValues>;
-using Bytes = std::vector<unsigned char>;
 
 // The words live as long as the library, and so do their texts.
 py::object WordText(std::wstring_view word)
 {
-    static auto& texts = *new std::unordered_map<const wchar_t*, PyObject*>;
-    PyObject*& text = texts[word.data()];
-    if (text == nullptr)
-        text = ToText(word).release().ptr();
-    return py::reinterpret_borrow<py::object>(text);
+    static auto& texts = *new std::unordered_map<const wchar_t*, py::object>;
+    py::object& text = texts[word.data()];
+    if (!text)
+        text = ToText(word);
+    return text;
 }
 
 py::object ArrayOf(const NumberArray& numbers)
@@ -39,80 +39,35 @@ py::object ArrayOf(const NumberArray& numbers)
     return array;
 }
 
-// A named tuple class, made by the standard library when it is needed first.
-py::object RecordClass(Property& property)
+py::object RecordsOf(const Records& records, Property& property, ModelState& state)
 {
     if (property.record == nullptr) {
         py::list names;
         for (const ItemInfo& field : property.item->fields)
             names.append(SnakeCase(field.path));
-        const auto made = py::module_::import("collections")
-                              .attr("namedtuple")(ToText(property.item->name), names);
-        py::setattr(made, "__module__", py::str("karmp"));
-        property.record = py::object(made).release().ptr();
+        const auto type =
+            py::module_::import("collections")
+                .attr("namedtuple")(ToText(property.item->name), names, "module"_a = "karmp");
+        property.record = type.inc_ref().ptr();
     }
-    return py::reinterpret_borrow<py::object>(property.record);
-}
-
-py::object RecordsOf(const Records& records, Property& property, const State& state)
-{
-    const py::object type = RecordClass(property);
-    py::tuple list(records.size());
-    for (std::size_t i = 0; i < records.size(); ++i) {
-        py::tuple values(records[i].size());
-        for (std::size_t field = 0; field < records[i].size(); ++field) {
-            Property inner{&property.item->fields[field], {}, {}, {}, nullptr};
-            values[field] = ToPython(records[i][field], inner, state);
+    py::list list;
+    for (const RecordValues& record : records) {
+        py::list values;
+        for (std::size_t field = 0; field < record.size(); ++field) {
+            Property inner{&property.item->fields[field], {}, {}};
+            values.append(ToPython(record[field], inner, state));
         }
-        list[i] = type(*values);
+        list.append(py::handle(property.record)(*values));
     }
-    return list;
+    return py::tuple(list);
 }
 
-void AppendNumbers(py::handle value, std::vector<double>& numbers, int depth)
+double NumberOf(py::handle value)
 {
-    if (PyFloat_Check(value.ptr()) || PyUnicode_Check(value.ptr()) || depth == 0 ||
-        PySequence_Check(value.ptr()) == 0) {
-        const double number = PyFloat_AsDouble(value.ptr());
-        if (number == -1.0 && PyErr_Occurred() != nullptr)
-            throw py::error_already_set();
-        numbers.push_back(number);
-        return;
-    }
-    const auto items =
-        py::reinterpret_steal<py::object>(PySequence_Fast(value.ptr(), "numbers are needed"));
-    if (!items)
-        throw py::error_already_set();
-    const Py_ssize_t size = PySequence_Fast_GET_SIZE(items.ptr());
-    std::size_t length = 0;
-    for (Py_ssize_t i = 0; i < size; ++i) {
-        const std::size_t before = numbers.size();
-        AppendNumbers(PySequence_Fast_GET_ITEM(items.ptr(), i), numbers, depth - 1);
-        if (i > 0 && numbers.size() - before != length)
-            Raise(PyExc_ValueError, "the rows have several lengths");
-        length = numbers.size() - before;
-    }
-}
-
-// Numbers in the shape that the item has; of another shape as a vector, which the item refuses.
-NumberArray ArrayFrom(py::handle value, const ItemInfo& item)
-{
-    const std::vector<double> numbers = NumbersOf(value);
-    std::optional<NumberArray> array;
-    if (item.shape == NumberShape::Matrix)
-        array = NumberArray::MatrixByRows(numbers);
-    else if (item.shape == NumberShape::Transformation)
-        array = NumberArray::TransformationByRows(numbers);
-    const auto isNested = [&value] {
-        return PySequence_Size(value.ptr()) > 0 &&
-               PySequence_Check(py::object(value[py::int_(0)]).ptr()) != 0;
-    };
-    if ((item.shape != NumberShape::Vector) != isNested() || numbers.size() > 16)
-        Raise(PyExc_ValueError, "the numbers of " + SnakeCase(item.path) + " have another shape");
-    if (item.shape == NumberShape::Transformation && !array)
-        Raise(PyExc_ValueError,
-              SnakeCase(item.path) + " takes a homogeneous matrix, whose last row is 0 ... 0 1");
-    return array.value_or(NumberArray(NumberShape::Vector, numbers));
+    const double number = PyFloat_AsDouble(value.ptr());
+    if (number == -1.0)
+        RaiseIfSet();
+    return number;
 }
 
 int IntegerOf(py::handle value)
@@ -120,49 +75,149 @@ int IntegerOf(py::handle value)
     const auto index = py::reinterpret_steal<py::object>(PyNumber_Index(value.ptr()));
     int overflow = 0;
     const long number = index ? PyLong_AsLongAndOverflow(index.ptr(), &overflow) : -1;
-    if (PyErr_Occurred() != nullptr)
-        throw py::error_already_set();
-    if (overflow != 0 || number < std::numeric_limits<int>::min() ||
-        number > std::numeric_limits<int>::max())
+    RaiseIfSet();
+    using Limits = std::numeric_limits<int>;
+    if (overflow != 0 || number < Limits::min() || number > Limits::max())
         Raise(PyExc_ValueError, "a number of 32 bits is needed");
     return static_cast<int>(number);
 }
 
-std::vector<Entity> TargetsFrom(py::handle value, const State& state)
+// Appends what is in rows up to a depth.
+void AppendNumbers(py::handle value, std::vector<double>& numbers, int depth)
 {
-    std::vector<Entity> targets;
-    for (const py::handle entry : py::list(py::reinterpret_borrow<py::object>(value)))
-        targets.push_back(EntityIn(entry, state));
-    return targets;
-}
-
-Records RecordsFrom(py::handle value, const ItemInfo& item, const State& state)
-{
-    Records records;
-    for (const py::handle entry : py::list(py::reinterpret_borrow<py::object>(value))) {
-        const py::list fields(py::reinterpret_borrow<py::object>(entry));
-        if (fields.size() != item.fields.size())
-            Raise(PyExc_ValueError, "a record of " + SnakeCase(item.path) + " has " +
-                                        std::to_string(item.fields.size()) + " fields");
-        RecordValues& record = records.emplace_back();
-        for (std::size_t field = 0; field < fields.size(); ++field)
-            record.push_back(fields[field].is_none()
-                                 ? Value()
-                                 : FromPython(fields[field], item.fields[field], state));
+    const bool isRow = PySequence_Check(value.ptr()) != 0 && !PyUnicode_Check(value.ptr());
+    if (!isRow || depth == 0) {
+        numbers.push_back(NumberOf(value));
+        return;
     }
-    return records;
+    std::size_t length = 0;
+    bool isFirst = true;
+    for (const py::handle entry : value) {
+        const std::size_t before = numbers.size();
+        AppendNumbers(entry, numbers, depth - 1);
+        if (!isFirst && numbers.size() - before != length)
+            Raise(PyExc_ValueError, "the rows have several lengths");
+        length = numbers.size() - before;
+        isFirst = false;
+    }
 }
 
-Bytes BytesFrom(py::handle value)
+// Numbers in the shape that the item has; of another shape as a vector, which the item refuses.
+NumberArray ArrayFrom(py::handle value, const ItemInfo& item)
 {
-    const py::bytes bytes(py::reinterpret_steal<py::object>(PyBytes_FromObject(value.ptr())));
-    if (PyErr_Occurred() != nullptr)
-        throw py::error_already_set();
+    const std::vector<double> numbers = NumbersOf(value);
+    const bool isNested =
+        !numbers.empty() && PySequence_Check(py::object(value[py::int_(0)]).ptr());
+    if ((item.shape != NumberShape::Vector) != isNested || numbers.size() > 16)
+        Raise(PyExc_ValueError, "the numbers of " + SnakeCase(item.path) + " have another shape");
+    std::optional<NumberArray> array;
+    if (item.shape == NumberShape::Matrix)
+        array = NumberArray::MatrixByRows(numbers);
+    else if (item.shape == NumberShape::Transformation)
+        array = NumberArray::TransformationByRows(numbers);
+    if (item.shape == NumberShape::Transformation && !array)
+        Raise(PyExc_ValueError,
+              SnakeCase(item.path) + " takes a homogeneous matrix, whose last row is 0 ... 0 1");
+    return array.value_or(NumberArray(NumberShape::Vector, numbers));
+}
+
+Entity EntityFrom(py::handle value, const ModelState& state)
+{
+    const Entity& entity = AliveOf(value).entity;
+    CheckOwn(state, entity);
+    return entity;
+}
+
+RecordValues RecordFrom(py::handle value, const ItemInfo& item, const ModelState& state)
+{
+    const py::list fields(py::reinterpret_borrow<py::object>(value));
+    if (fields.size() != item.fields.size())
+        Raise(PyExc_ValueError, "a record of " + SnakeCase(item.path) + " has " +
+                                    std::to_string(item.fields.size()) + " fields");
+    RecordValues record;
+    for (std::size_t i = 0; i < fields.size(); ++i)
+        record.push_back(fields[i].is_none() ? Value()
+                                             : FromPython(fields[i], item.fields[i], state));
+    return record;
+}
+
+// What an iterable gives, each by a conversion.
+template <class Convert>
+auto ListFrom(py::handle value, Convert convert)
+{
+    std::vector<decltype(convert(value))> list;
+    for (const py::handle entry : py::list(py::reinterpret_borrow<py::object>(value)))
+        list.push_back(convert(entry));
+    return list;
+}
+
+std::vector<unsigned char> BytesFrom(py::handle value)
+{
+    const auto bytes = py::reinterpret_steal<py::bytes>(PyBytes_FromObject(value.ptr()));
+    RaiseIfSet();
     const std::string_view view(bytes);
     return {view.begin(), view.end()};
 }
 
 } // namespace
+
+py::str ToText(std::wstring_view text)
+{
+    const auto size = static_cast<Py_ssize_t>(text.size());
+    auto made = py::reinterpret_steal<py::str>(PyUnicode_FromWideChar(text.data(), size));
+    RaiseIfSet();
+    return made;
+}
+
+py::str ToText(std::string_view text)
+{
+    return ToText(std::wstring_view(kar::ToWide(text)));
+}
+
+std::wstring WideOf(py::handle text)
+{
+    if (!PyUnicode_Check(text.ptr()))
+        Raise(PyExc_TypeError, "a str is needed, not " + std::string(Py_TYPE(text.ptr())->tp_name));
+    const Py_ssize_t length = PyUnicode_GetLength(text.ptr());
+    std::wstring wide(static_cast<std::size_t>(length), L'\0');
+    if (PyUnicode_AsWideChar(text.ptr(), wide.data(), length) < 0)
+        throw py::error_already_set();
+    return wide;
+}
+
+std::string Utf8Of(py::handle text)
+{
+    if (PyUnicode_Check(text.ptr()) && PyUnicode_IS_COMPACT_ASCII(text.ptr()))
+        return {static_cast<const char*>(PyUnicode_DATA(text.ptr())),
+                static_cast<std::size_t>(PyUnicode_GET_LENGTH(text.ptr()))};
+    return kar::ToUtf8(WideOf(text));
+}
+
+std::string SnakeCase(std::wstring_view path)
+{
+    const auto is = [path](int (*kind)(std::wint_t), std::size_t at) {
+        return at < path.size() && kind(static_cast<std::wint_t>(path[at])) != 0;
+    };
+    std::string name;
+    for (std::size_t i = 0; i < path.size(); ++i) {
+        const bool isGroup = path[i] == L'/' || path[i] == L'[';
+        const bool isWord =
+            is(&std::iswupper, i) && (is(&std::iswlower, i - 1) || is(&std::iswlower, i + 1));
+        if (isGroup || (isWord && !name.empty() && name.back() != '_'))
+            name += '_';
+        if (!isGroup && path[i] != L']')
+            name += static_cast<char>(std::towlower(static_cast<std::wint_t>(path[i])));
+    }
+    // The one name of an item that is a keyword of Python's.
+    return name == "class" ? "class_" : name;
+}
+
+std::string ClassNameOf(std::string_view className)
+{
+    constexpr std::string_view prefix = "KARMP";
+    const bool isName = className.size() > prefix.size() && className[prefix.size()] > '9';
+    return std::string(isName ? className.substr(prefix.size()) : className);
+}
 
 void LoadNumpy()
 {
@@ -175,27 +230,19 @@ void LoadNumpy()
 
 std::vector<double> NumbersOf(py::handle value)
 {
-    std::vector<double> numbers;
     if (PySequence_Check(value.ptr()) == 0)
         Raise(PyExc_TypeError, "numbers are needed");
+    std::vector<double> numbers;
     AppendNumbers(value, numbers, 2);
     return numbers;
 }
 
-std::vector<double> NumbersOf(py::handle value, std::size_t count, const char* what)
-{
-    std::vector<double> numbers = NumbersOf(value);
-    if (numbers.size() != count)
-        Raise(PyExc_ValueError, std::string(what) + " has " + std::to_string(count) + " numbers");
-    return numbers;
-}
-
-py::object ToPython(const Value& value, Property& property, const State& state)
+py::object ToPython(const Value& value, Property& property, ModelState& state)
 {
     struct Visitor
     {
         Property& property;
-        const State& state;
+        ModelState& state;
         py::object operator()(std::monostate) const { return py::none(); }
         py::object operator()(bool flag) const { return py::bool_(flag); }
         py::object operator()(int number) const { return py::int_(number); }
@@ -206,16 +253,13 @@ py::object ToPython(const Value& value, Property& property, const State& state)
         py::object operator()(const Entity& entity) const { return Wrap(entity, state); }
         py::object operator()(const std::vector<Entity>& entities) const
         {
-            py::list list;
-            for (const Entity& entity : entities)
-                list.append(Wrap(entity, state));
-            return list;
+            return WrapAll(entities, state);
         }
         py::object operator()(const Records& records) const
         {
             return RecordsOf(records, property, state);
         }
-        py::object operator()(const Bytes& bytes) const
+        py::object operator()(const std::vector<unsigned char>& bytes) const
         {
             return py::bytes(reinterpret_cast<const char*>(bytes.data()), bytes.size());
         }
@@ -223,19 +267,13 @@ py::object ToPython(const Value& value, Property& property, const State& state)
     return std::visit(Visitor{property, state}, value);
 }
 
-Value FromPython(py::handle value, const ItemInfo& item, const State& state)
+Value FromPython(py::handle value, const ItemInfo& item, const ModelState& state)
 {
     switch (item.kind) {
+    case ItemKind::Number:
+        return NumberOf(value);
     case ItemKind::OptionalNumber:
-        if (value.is_none())
-            return {};
-        [[fallthrough]];
-    case ItemKind::Number: {
-        const double number = PyFloat_AsDouble(value.ptr());
-        if (number == -1.0 && PyErr_Occurred() != nullptr)
-            throw py::error_already_set();
-        return number;
-    }
+        return value.is_none() ? Value() : Value(NumberOf(value));
     case ItemKind::Integer:
         return IntegerOf(value);
     case ItemKind::Flag:
@@ -245,18 +283,18 @@ Value FromPython(py::handle value, const ItemInfo& item, const State& state)
             return value.ptr() == Py_True;
         if (item.kind == ItemKind::Flag)
             Raise(PyExc_TypeError, SnakeCase(item.path) + " takes True or False");
-        return WideOf(value);
+        [[fallthrough]];
     case ItemKind::Text:
         return WideOf(value);
     case ItemKind::Numbers:
     case ItemKind::Transformation:
         return ArrayFrom(value, item);
     case ItemKind::Reference:
-        return value.is_none() ? Value() : Value(EntityIn(value, state));
+        return value.is_none() ? Value() : Value(EntityFrom(value, state));
     case ItemKind::References:
-        return TargetsFrom(value, state);
+        return ListFrom(value, [&](py::handle entry) { return EntityFrom(entry, state); });
     case ItemKind::Records:
-        return RecordsFrom(value, item, state);
+        return ListFrom(value, [&](py::handle entry) { return RecordFrom(entry, item, state); });
     case ItemKind::Stream:
         return BytesFrom(value);
     default:

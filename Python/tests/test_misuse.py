@@ -119,19 +119,33 @@ class WrongValues(unittest.TestCase):
             planar.connectors = []
 
     def test_objects_that_only_the_module_makes(self):
-        for kind in (karmp.Entity, karmp.Body, karmp.Finding, karmp.Difference, karmp.Links,
-                     karmp.Entities, karmp.Model.Editing):
+        for kind in (karmp.Entity, karmp.Body, karmp.Finding, karmp.Difference, karmp.Solid):
             for make in (kind, lambda: kind.__new__(kind), lambda: object.__new__(kind)):
                 with self.assertRaises(TypeError):
                     make()
-        with self.assertRaises(Exception):
-            karmp.Model.__new__(karmp.Model).bodies
+        empty = karmp.Model.__new__(karmp.Model)
+        for use in (empty.text, empty.clone, empty.check, lambda: empty.name, lambda: len(empty.bodies),
+                    lambda: empty.add_body("B"), lambda: empty.diff(self.model),
+                    lambda: self.model.diff(empty), lambda: empty.ground):
+            with self.assertRaises(Exception):
+                use()
+
+    def test_lists_and_blocks_that_are_of_nothing_raise(self):
+        for kind in (karmp.Links, karmp.Entities, karmp.Model.Editing):
+            for make in (kind, lambda: kind(None), lambda: kind(None, None)):
+                with self.assertRaises((TypeError, AttributeError)):
+                    repr(make())
+        for kind in (karmp.Links, karmp.Entities):
+            with self.assertRaises(AttributeError):
+                len(kind.__new__(kind))
+        with self.assertRaises(karmp.Error):
+            karmp.Model.Editing.__new__(karmp.Model.Editing).__exit__(None, None, None)
 
     def test_methods_take_no_none_for_self(self):
         for kind in (karmp.Model, karmp.Links, karmp.Entities, karmp.Finding, karmp.Difference):
             for name, member in vars(kind).items():
                 call = getattr(member, "fget", member)
-                if callable(call) and not inspect.isfunction(call) and name not in ("__new__", "__init__"):
+                if callable(call) and not inspect.isfunction(call) and name not in ("__new__", "__init__", "Editing"):
                     with self.assertRaises(TypeError, msg=f"{kind.__name__}.{name}"):
                         call(None)
         with self.assertRaises(TypeError):

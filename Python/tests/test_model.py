@@ -76,6 +76,19 @@ class Building(unittest.TestCase):
         self.assertIs(line.body, m.ground)
 
 
+    def test_bodies_have_the_mass_of_solids(self):
+        m = karmp.Model("M")
+        box = m.add_body("Box", solid=karmp.box(12.0, (1, 2, 3)), at=(4, 5, 6))
+        self.assertEqual(box.inertia_matrix.diagonal().tolist(), [13.0, 10.0, 5.0])
+        self.assertEqual(list(box.position[:3, 3]), [4, 5, 6])
+        ball = m.add_body("Ball", solid=karmp.ball(5.0, 1.0, center=(0, 0, 2)), mass=6.0)
+        self.assertEqual((ball.mass, list(ball.cog)), (6.0, [0, 0, 2]))
+        both = karmp.cylinder(1.0, 2.0, 3.0) + karmp.cylinder(3.0, 2.0, 3.0, (4, 0, 0))
+        self.assertEqual((both.mass, list(m.add_body("Both", solid=both).cog)), (4.0, [3, 0, 0]))
+        with self.assertRaisesRegex(ValueError, "3 numbers are needed, not 2"):
+            karmp.box(1.0, (1, 2))
+
+
 class Finding(unittest.TestCase):
     def test_collections_find_by_identifier_name_and_index(self):
         m = four_bar()
@@ -91,8 +104,13 @@ class Finding(unittest.TestCase):
         self.assertEqual(m.joints.keys(), ["A", "B", "C", "D"])
         self.assertIsNone(m.bodies.get("none"))
         self.assertIs(m.find("Crank"), crank)
-        with self.assertRaisesRegex(KeyError, 'near: .*Crank'):
+        with self.assertRaisesRegex(KeyError, 'there is no Body "Crnk"; near: "Crank"'):
             m.bodies["Crnk"]
+        with self.assertRaisesRegex(KeyError, 'there is no Revolute "E"'):
+            m.all(karmp.Revolute)["E"]
+        m.rename(m.bodies["Rocker"], "Handle")
+        with self.assertRaisesRegex(KeyError, 'there are 2 Body of the name "Handle"'):
+            m.bodies["Handle"]
 
     def test_classes_hold_what_is_derived_from_them(self):
         m = four_bar()

@@ -92,6 +92,21 @@ class Threads(unittest.TestCase):
         body.mass = 3.0
         self.assertEqual(body.mass, 3.0)
 
+    def test_differences_and_extracts_let_other_threads_run(self):
+        first, second = big_model(), big_model()
+        for work in (lambda: first.diff(second), lambda: first.extract(first.bodies)):
+            refused = []
+            thread = threading.Thread(target=lambda: [work() for _ in range(20)])
+            thread.start()
+            while thread.is_alive() and not refused:
+                try:
+                    first.name
+                except karmp.Error as error:
+                    refused.append(str(error))
+            thread.join()
+            self.assertEqual(refused, ["another thread works on the model"])
+        self.assertEqual(first.diff(first), [])
+
     def test_two_threads_on_one_model_raise_at_most(self):
         m = four_bar()
 

@@ -8,12 +8,15 @@ import pathlib
 import re
 import sys
 
-import karmp._karmp as module
+import karmp as module
 from stubs import ROWS, got, taken
 
 PACKAGE = pathlib.Path(module.__file__).parent
-STUBS = {node.name: node for node in ast.parse((PACKAGE / "_karmp.pyi").read_text("utf-8")).body
-         if isinstance(node, (ast.ClassDef, ast.FunctionDef))}
+# What is public, of the extension module and of Python's.
+STUBS = {node.name: node
+         for name in ("_karmp.pyi", "_model.py", "_lists.py", "_errors.py")
+         for node in ast.parse((PACKAGE / name).read_text("utf-8")).body
+         if isinstance(node, (ast.ClassDef, ast.FunctionDef)) and hasattr(module, node.name)}
 
 
 def sentence(documented):

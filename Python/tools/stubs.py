@@ -1,13 +1,59 @@
-"""Prints the types of the package's extension module, from the module itself.
+"""Prints the types of the package's extension module: of its classes and functions by the signatures that
+pybind11 tells, of entities by the table of items, and of what Python adds by its source.
 
-Usage: python3 stubs.py <template> <output>, with the package in PYTHONPATH
+Usage: python3 stubs.py <output>, with the package in PYTHONPATH
 """
 
+import ast
 import pathlib
 import re
 import sys
 
 import karmp._karmp as module
+
+HEAD = '''\
+# The types of the extension module. Printed by Python/tools/stubs.py.
+# Planar classes hold other items than the spatial ones that they are derived from.
+# mypy: disable-error-code="assignment,misc,override"
+# pyright: reportIncompatibleVariableOverride=false, reportIncompatibleMethodOverride=false
+
+import os
+from collections.abc import Iterable, Sequence
+from typing import Any, Generic, Literal, NamedTuple, NoReturn, Self, TypeVar, overload
+
+import numpy as np
+from numpy.typing import NDArray
+
+from ._display import Graph, Page
+from ._lists import Editing as Editing_
+from ._lists import Entities, Links
+
+_E = TypeVar("_E", bound="Entity")
+_Got = TypeVar("_Got")
+_Taken = TypeVar("_Taken")
+
+_Array = NDArray[np.float64]
+_Numbers = Sequence[float] | NDArray[np.floating[Any]] | NDArray[np.integer[Any]]
+_Rows = Sequence[_Numbers] | NDArray[np.floating[Any]] | NDArray[np.integer[Any]]
+_Vector3 = tuple[float, float, float]
+_Path = str | os.PathLike[str]
+
+class _Item(Generic[_Got, _Taken]):
+    """An item that takes more types than it gives."""
+
+    @overload
+    def __get__(self, owner: None, cls: type[Entity | Model]) -> Self: ...
+    @overload
+    def __get__(self, owner: Entity | Model, cls: type[Entity | Model]) -> _Got: ...
+    def __set__(self, owner: Entity | Model, value: _Taken) -> None: ...
+
+class _NoItem:
+    """What a planar class hides of the spatial one; reading it raises."""
+
+_Vector = _Item[_Array, _Numbers]
+_Matrix = _Item[_Array, _Rows]
+'''
+NOT_MADE = "    def __init__(self, _none: NoReturn, /) -> None: ...\n"
 
 ROWS = {}
 for row in module._items(own=False):
@@ -60,12 +106,17 @@ def told(text, indent="    "):
     return f'{indent}"""{escaped}"""\n'
 
 
+def read_only(name, of, doc=""):
+    text = told(doc, " " * 8) if doc else ""
+    return f"    @property\n    def {name}(self) -> {of}:" + (f"\n{text}" if doc else " ...\n")
+
+
 def item(cls, row):
     name, read, written = row["name"], got(cls, row), taken(cls, row)
     if not row["can_get"]:
         read = "None"
     if row["read_only"]:
-        return f"    @property\n    def {name}(self) -> {read}:\n{told(row['doc'], ' ' * 8)}"
+        return read_only(name, read, row["doc"])
     descriptors = {"vector": "_Vector", "matrix": "_Matrix"}
     plain = read if read == written else f"_Item[{read}, {written}]"
     return f"    {name}: {descriptors.get(row['kind'], plain)}\n{told(row['doc'])}"
@@ -78,6 +129,71 @@ def records(cls, row):
     return text + "\n"
 
 
+def signature(function):
+    """The arguments and the result that pybind11 tells in the docstring, in Python's own words."""
+    text = (function.__doc__ or "").split("\n")[0].replace("karmp._karmp.", "")
+    for pattern, words in ((r"Optional\[(.*?)\]( =|,|\)|$)", r"\1 | None\2"), ("os.PathLike", "_Path"),
+                           (r"\bList\b", "list"), (r"\bobject\b", "Any"), (r"\(self: \w+", "(self"),
+                           (r"\*\*kwargs", "**items: Any")):
+        text = re.sub(pattern, words, text)
+    arguments, _, result = text.partition("(")[2].rpartition(") -> ")
+    if "_E" not in result:
+        arguments = arguments.replace("type[_E]", "type[Entity]")
+    return arguments, result
+
+
+def with_items(arguments, result):
+    """The arguments of a call that makes an entity of one class, with the items that it takes by keyword."""
+    if "**items" not in arguments or result not in ROWS:
+        return arguments
+    known = re.findall(r"(\w+):", arguments)
+    keywords = [f"{row['name']}: {taken(result, row)} = ..." for row in ROWS[result].values()
+                if not row["read_only"] and row["name"] not in known]
+    star = [] if "*, " in arguments else ["*"]
+    return arguments.replace("**items: Any", ", ".join(star + keywords))
+
+
+def function(name, member, indent=""):
+    arguments, result = signature(member)
+    return f"{indent}def {name}({with_items(arguments, result)}) -> {result}: ...\n"
+
+
+def added(cls):
+    """The functions that the package adds to a class."""
+    source = pathlib.Path(module.__file__).with_name("_model.py").read_text("utf-8")
+    for node in ast.parse(source).body:
+        if not isinstance(node, ast.ClassDef) or node.name != f"_{cls.__name__}":
+            continue
+        overloaded = {inner.name for inner in node.body
+                      if isinstance(inner, ast.FunctionDef) and inner.decorator_list}
+        for inner in node.body:
+            if isinstance(inner, ast.FunctionDef) and (inner.decorator_list or inner.name not in overloaded):
+                inner.body = [ast.Expr(ast.Constant(...))]
+                text = ast.unparse(inner).replace("-> Editing", "-> Editing_")
+                yield "    " + text.replace("\n    ...", " ...").replace("\n", "\n    ") + "\n"
+
+
+def bound_class(cls):
+    """A class of the module's own that is no entity."""
+    text = f"class {cls.__name__}:\n"
+    if type(vars(cls)["__init__"]).__name__ != "instancemethod":
+        text += NOT_MADE
+    for name, member in vars(cls).items():
+        family = re.fullmatch(r"The entities of the family (\w+)\.", getattr(member, "__doc__", None) or "")
+        if family:
+            text += read_only(name, f"Entities[{family[1]}]")
+        elif isinstance(member, property):
+            read = signature(member.fget)[1]
+            written = signature(member.fset)[0].rpartition(": ")[2] if member.fset else None
+            text += (read_only(name, read) if written is None else
+                     f"    {name}: {read if read == written else f'_Item[{read}, {written}]'}\n")
+        elif name == "Editing":
+            text += "    Editing = Editing_\n"
+        elif type(member).__name__ == "instancemethod" and (name[:2] != "__" or name in ("__init__", "__add__")):
+            text += function(name, member, "    ")
+    return text + "".join(added(cls)) + "\n"
+
+
 def entity_class(name, rows):
     cls = getattr(module, name)
     own = [row for row in rows if row["name"] in vars(cls)]
@@ -85,41 +201,22 @@ def entity_class(name, rows):
     base = "" if cls is module.Entity else f"({cls.__base__.__name__})"
     body = told(cls.__doc__ or "")
     if cls is module.Entity:
-        body += "    def __init__(self, _none: NoReturn, /) -> None: ...\n"
-        body += "    @property\n    def model(self) -> Model: ...\n"
+        body += NOT_MADE + read_only("model", "Model") + "".join(added(cls))
     body += "".join(item(name, row) for row in own)
     known = {row["name"] for row in rows}
     for hidden, value in vars(cls).items():
         if type(value).__name__ == "getset_descriptor" and hidden not in known:
-            body += f"    @property\n    def {hidden}(self) -> _NoItem: ...\n"
+            body += read_only(hidden, "_NoItem")
     return f"{before}class {name}{base}:\n{body}\n"
 
 
-def families(match):
-    text = ""
-    for name, value in vars(module.Model).items():
-        family = re.fullmatch(r"The entities of the family (\w+)\.", getattr(value, "__doc__", None) or "")
-        if family:
-            text += f"    @property\n    def {name}(self) -> Entities[{family[1]}]: ...\n"
-    return text
-
-
-def keywords(match):
-    """The items that a call of a model takes by keyword, but for those with the names of others."""
-    cls = match[1]
-    known = re.findall(r"(\w+):", match.string[: match.start()].rpartition("    def ")[2])
-    return "".join(
-        f"        {row['name']}: {taken(cls, row)} = ...,\n"
-        for row in ROWS[cls].values()
-        if not row["read_only"] and row["name"] not in known
-    )
-
-
-def main(template, output):
-    text = pathlib.Path(template).read_text("utf-8")
-    text = re.sub(r"    # families\n", families, text)
-    text = re.sub(r"# words (\w+) (\w+)", lambda match: words(ROWS[match[1]][match[2]]), text)
-    text = re.sub(r" +# items (\w+)\n", keywords, text)
+def main(output):
+    text = f"{HEAD}_Quantity = {words(ROWS['Value']['physical_quantity'])}\n_families: dict[str, type[Entity]]\n\n"
+    for name, member in vars(module).items():
+        if isinstance(member, type) and not issubclass(member, module.Entity):
+            text += bound_class(member)
+        elif type(member).__name__ == "builtin_function_or_method":
+            text += function(name, member)
     text += "".join(entity_class(name, rows.values()) for name, rows in ROWS.items())
     pathlib.Path(output).write_text(text.rstrip("\n") + "\n", "utf-8")
 
