@@ -17,6 +17,6 @@ from ._lists import Entities as Entities
 from ._lists import Links as Links
 from ._model import loads as loads
 
-for _class in (CheckWarning, DeletedError, DocumentError, Entities, Error, Links):
-    _class.__module__ = "karmp"
-del _class
+for _own in [*vars().values()]:
+    if getattr(_own, "__module__", "").startswith("karmp."):
+        _own.__module__ = "karmp"

@@ -12,14 +12,18 @@ if TYPE_CHECKING:
 class Error(Exception):
     """A call failed. status is the library's number, entity the entity or None."""
 
-    status = 0x80004005
-    entity: Entity | None = None
+    def __init__(self, text: str = "", status: int = 0x80004005, entity: Entity | None = None) -> None:
+        super().__init__(text)
+        self.status, self.entity = status, entity
 
 
 class DocumentError(Error):
     """A document was not read or written. findings tells what is the matter."""
 
-    findings: Sequence[Finding] = ()
+    def __init__(self, text: str = "", findings: Sequence[Finding] = ()) -> None:
+        errors = [repr(finding) for finding in findings if finding.severity == "error"]
+        super().__init__("\n".join([text, *errors]))
+        self.findings = findings
 
 
 class DeletedError(Error):

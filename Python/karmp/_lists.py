@@ -53,14 +53,28 @@ class Entities(Generic[E_co]):
     def __getitem__(self, key: str | int | slice) -> E_co | list[E_co]:
         if not isinstance(key, str):
             return self._all()[key]
-        found = self._model._find(self._cls, key)
+        found = self._find(key)
         if found is None:
-            raise KeyError(self._model._why_none(self._cls, key))
+            raise KeyError(self._why_none(key))
         return found
+
+    def _find(self, key: str) -> E_co | None:
+        found = self._model._find(key)
+        if isinstance(found, self._cls):
+            return found
+        # Of several with the name one may be of the class.
+        named = [entity for entity in self if entity.name == key]
+        return named[0] if len(named) == 1 else None
+
+    def _why_none(self, key: str) -> str:
+        name, names = self._cls.__name__, [entity.name for entity in self]
+        if names.count(key) > 1:
+            return f'there are {names.count(key)} {name} of the name "{key}"'
+        return f'there is no {name} "{key}"{_karmp._near(key, self.keys() + names)}'
 
     def __contains__(self, key: object) -> bool:
         if isinstance(key, str):
-            return self._model._find(self._cls, key) is not None
+            return self._find(key) is not None
         try:
             return isinstance(key, self._cls) and key.model is self._model
         except DeletedError:
@@ -75,7 +89,7 @@ class Entities(Generic[E_co]):
     def get(self, key: str, default: D) -> E_co | D: ...
     def get(self, key: str, default: object = None) -> object:
         """The entity of an identifier or name, the default when there is none or several."""
-        found = self._model._find(self._cls, key)
+        found = self._find(key)
         return default if found is None else found
 
     def keys(self) -> list[str]:

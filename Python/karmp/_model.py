@@ -45,7 +45,7 @@ class _Model(Model):
     def find(self, key: str, cls: type[_E]) -> _E | None: ...
     def find(self, key: str, cls: type[Entity] = Entity) -> Entity | None:
         """The entity of an identifier or name, None when there is none or several."""
-        return self._find(cls, key)
+        return Entities(self, cls).get(key)
 
     def editing(self) -> Editing:
         """A context in which an exception undoes all that was done, in reverse order."""

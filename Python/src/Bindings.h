@@ -74,10 +74,9 @@ struct EntityClass
     std::vector<Property*> properties;
 };
 
-/// The classes and errors of the module. Python keeps them until the process ends.
+/// The classes of the module. Python keeps them until the process ends.
 struct Registry
 {
-    py::object error, documentError, deletedError, checkWarning;
     /// The class of lists of links, of an entity and the name of its item.
     py::object links;
     PyTypeObject* entity = nullptr;
@@ -98,14 +97,18 @@ std::string SnakeCase(std::wstring_view path);
 /// "Body" for "KARMPBody"; what would begin with a digit keeps its prefix.
 std::string ClassNameOf(std::string_view className);
 
-/// Raise exceptions: of a type, the one that Python has set, karmp.Error with its attributes.
+/// Raise exceptions: one that is made, one of a type, the one that Python has set, and karmp.Error.
+[[noreturn]] void Raise(const py::object& error);
 [[noreturn]] void Raise(py::handle type, const std::string& text);
 inline void RaiseIfSet()
 {
     if (PyErr_Occurred() != nullptr)
         throw py::error_already_set();
 }
-[[noreturn]] void RaiseError(const std::string& text, KARStatus status, py::handle entity = {});
+[[noreturn]] void RaiseError(const std::string& text, KARStatus status,
+                             const py::object& entity = py::none());
+/// An error class of the package.
+py::object ErrorType(const char* name);
 /// Sets the Python exception for a C++ one that is being handled.
 void SetException();
 
@@ -262,7 +265,7 @@ void BindDocuments(py::module_& module, ModelClass& of);
 
 } // namespace karmp::python
 
-/// A model as self or another argument: neither None nor one that was never initialized.
+/// A model as self or another argument, which is free: neither None nor one without __init__.
 template <>
 class pybind11::detail::type_caster<karmp::python::ModelState>
     : public type_caster_base<karmp::python::ModelState>
@@ -273,7 +276,9 @@ public:
         copyable_holder_caster<karmp::python::ModelState, karmp::python::State> held;
         if (source.is_none() || !held.load(source, convert))
             return false;
-        value = static_cast<karmp::python::State&>(held).get();
+        karmp::python::ModelState& state = *static_cast<karmp::python::State&>(held);
+        karmp::python::CheckFree(state);
+        value = &state;
         return true;
     }
 };

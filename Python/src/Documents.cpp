@@ -50,14 +50,7 @@ T&& Checked(T&& result)
 {
     if (result)
         return std::forward<T>(result);
-    std::string lines = result.Error().text;
-    for (const Diagnostic& finding : result.Findings().items)
-        if (finding.severity == documents::Severity::Error)
-            lines += '\n' + documents::Format(finding);
-    const auto error = Types().documentError(ToText(lines));
-    error.attr("findings") = ToPython(result.Findings());
-    PyErr_SetObject(Types().documentError.ptr(), error.ptr());
-    throw py::error_already_set();
+    Raise(ErrorType("DocumentError")(ToText(result.Error().text), ToPython(result.Findings())));
 }
 
 State NewState(model::Result<Model> made)

@@ -263,7 +263,7 @@ EntityObject& AliveOf(py::handle object)
     EntityObject& found = ObjectOf(object);
     CheckFree(*found.state);
     if (found.entity->isOrphaned())
-        Raise(Types().deletedError, TitleOf(*found.entity) + " was deleted");
+        Raise(ErrorType("DeletedError"), TitleOf(*found.entity) + " was deleted");
     return found;
 }
 

@@ -13,20 +13,25 @@ Registry& Types()
 
 void Raise(py::handle type, const std::string& text)
 {
-    PyErr_SetObject(type.ptr(), ToText(text).ptr());
+    Raise(type(ToText(text)));
+}
+
+void Raise(const py::object& error)
+{
+    PyErr_SetObject(py::type::of(error).ptr(), error.ptr());
     throw py::error_already_set();
 }
 
-void RaiseError(const std::string& text, KARStatus status, py::handle entity)
+void RaiseError(const std::string& text, KARStatus status, const py::object& entity)
 {
     if (status == KAROutOfMemory)
         throw std::bad_alloc();
-    const auto error = Types().error(ToText(text));
-    error.attr("status") = status;
-    if (entity)
-        error.attr("entity") = entity;
-    PyErr_SetObject(Types().error.ptr(), error.ptr());
-    throw py::error_already_set();
+    Raise(ErrorType("Error")(ToText(text), status, entity));
+}
+
+py::object ErrorType(const char* name)
+{
+    return py::module_::import("karmp._errors").attr(name);
 }
 
 void SetException()
@@ -53,7 +58,7 @@ void Checks::Warn(std::string_view what) const
     const std::string text = std::string(what) + ": the library reported " +
                              std::to_string(m_count) +
                              (m_count == 1 ? " failed check" : " failed checks");
-    if (PyErr_WarnEx(Types().checkWarning.ptr(), text.c_str(), 1) != 0)
+    if (PyErr_WarnEx(ErrorType("CheckWarning").ptr(), text.c_str(), 1) != 0)
         throw py::error_already_set();
 }
 

@@ -110,7 +110,6 @@ bool HasColumn(const ItemInfo& item)
 
 py::object Column(ModelState& self, Kind<KARMPEntity> cls, Text name)
 {
-    CheckFree(self);
     Property& property = PropertyOf(*cls.of, name);
     const ItemInfo& item = *property.item;
     if (!HasColumn(item))

@@ -88,7 +88,6 @@ void Make(ModelClass& of, const char* name, R (*call)(Model&, A...), const Extra
         name,
         [name, call](ModelState& self, const A&... given, const py::kwargs& items) {
             (CheckOwn(self, given), ...);
-            CheckFree(self);
             CallBlock block(self);
             const auto made =
                 Result(Do(
@@ -101,21 +100,14 @@ void Make(ModelClass& of, const char* name, R (*call)(Model&, A...), const Extra
         extra...);
 }
 
-// Binds a value of a model that can be set, or not.
-template <class R>
-void Read(ModelClass& of, const char* name, const char* doc, R (*get)(ModelState&))
-{
-    of.def_property_readonly(
-        name, [get](ModelState& self) { return CheckFree(self), get(self); }, doc);
-}
+// Binds a setting of the world.
 template <class R, class A>
 void Setting(ModelClass& of, const char* name, const char* doc, R (*get)(KARMPWorld&),
              KARStatus (*set)(KARMPWorld&, A))
 {
     of.def_property(
-        name, [get](ModelState& self) { return CheckFree(self), get(*self.model.World()); },
+        name, [get](ModelState& self) { return get(*self.model.World()); },
         [name, set](ModelState& self, const A& value) {
-            CheckFree(self);
             if (const KARStatus status = set(*self.model.World(), value); KARFailed(status))
                 RaiseError(std::string(name) + " is not set", status);
         },
@@ -297,12 +289,10 @@ void BindEdits(ModelClass& of)
         "entity"_a, "All references of other entities to one, with their items.");
     // What a block of edits in Python begins and ends by.
     of.def("_begin_editing", [](ModelState& self) {
-        CheckFree(self);
         ++self.openBlocks;
         return self.model.BeginEditing();
     });
     of.def("_end_editing", [](ModelState& self, std::size_t begin, bool isKept) {
-        CheckFree(self);
         self.model.EndEditing(begin, isKept);
         --self.openBlocks;
     });
@@ -326,23 +316,26 @@ void BindSettings(ModelClass& of)
         of, "angular_tolerance", "In rad.",
         +[](KARMPWorld& world) { return world.GetAngularTolerance(); },
         +[](KARMPWorld& world, double value) { return world.SetAngularTolerance(value); });
-    Read(
-        of, "ground", "The body that everything stands on.",
-        +[](ModelState& self) { return Result(self.model.Ground(), self); });
-    Read(
-        of, "planar_ground", "The planar frame, which is made with the first planar body.",
-        +[](ModelState& self) {
+    of.def_property_readonly(
+        "ground", [](ModelState& self) { return Result(self.model.Ground(), self); },
+        "The body that everything stands on.");
+    of.def_property_readonly(
+        "planar_ground",
+        [](ModelState& self) {
             const auto get = [](Model& model) { return model.PlanarGround(); };
             return Result(Do(self, "planar_ground", get), self);
-        });
-    Read(
-        of, "time", "The world's time.",
-        +[](ModelState& self) { return Result(self.model.Time(), self); });
-    Read(
-        of, "name", "The name of the world, which documents do not hold.", +[](ModelState& self) {
+        },
+        "The planar frame, which is made with the first planar body.");
+    of.def_property_readonly(
+        "time", [](ModelState& self) { return Result(self.model.Time(), self); },
+        "The world's time.");
+    of.def_property_readonly(
+        "name",
+        [](ModelState& self) {
             const QOBSharedHandle<QOBBasicEntity> world(self.model.World()->getExtendible());
             return ToText(world->getEntityName());
-        });
+        },
+        "The name of the world, which documents do not hold.");
 }
 
 void BindSolids(py::module_& module)

@@ -63,7 +63,6 @@ Typed<"list[dict[str, Any]]", py::list> Items(bool isOwn)
 // Pictures of a model, as the tool makes them of a document.
 py::str GraphOf(ModelState& model, Text title)
 {
-    CheckFree(model);
     tool::GraphContents contents;
     contents.title = title;
     return ToText(tool::GraphText(*model.model.World(), contents));
@@ -71,17 +70,7 @@ py::str GraphOf(ModelState& model, Text title)
 
 py::str PageOf(ModelState& model, Text title)
 {
-    CheckFree(model);
     return ToText(tool::ViewPage(tool::SceneJson(tool::CollectScene(*model.model.World(), title))));
-}
-
-// The package is where users find the classes and functions.
-void MoveToPackage(const py::module_& module)
-{
-    const py::object own = module.attr("__name__");
-    for (const auto& [name, value] : py::dict(module.attr("__dict__")))
-        if (py::hasattr(value, "__module__") && own.equal(value.attr("__module__")))
-            py::setattr(value, "__module__", py::str("karmp"));
 }
 
 } // namespace
@@ -92,12 +81,6 @@ PYBIND11_MODULE(_karmp, module)
 {
     using namespace karmp::python;
     module.doc() = "The extension module of the package karmp.";
-    const auto errors = py::module_::import("karmp._errors");
-    Registry& types = Types();
-    types.error = errors.attr("Error");
-    types.documentError = errors.attr("DocumentError");
-    types.deletedError = errors.attr("DeletedError");
-    types.checkWarning = errors.attr("CheckWarning");
     BindEntities(module);
     ModelClass model(module, "Model",
                      "A mechanism: a world, and the calls that build and edit it.");
@@ -109,5 +92,4 @@ PYBIND11_MODULE(_karmp, module)
     module.def("_view_page", &PageOf);
     module.def("_items", &Items, "own"_a = true,
                "The items of each class as dictionaries, with or without those of its bases.");
-    MoveToPackage(module);
 }

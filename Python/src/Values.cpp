@@ -6,7 +6,6 @@
 #include <pybind11/numpy.h>
 
 #include <cwctype>
-#include <limits>
 
 namespace karmp::python {
 
@@ -62,24 +61,13 @@ py::object RecordsOf(const Records& records, Property& property, ModelState& sta
     return py::tuple(list);
 }
 
-double NumberOf(py::handle value)
+template <class T>
+T NumberOf(py::handle value)
 {
-    const double number = PyFloat_AsDouble(value.ptr());
-    if (number == -1.0)
-        RaiseIfSet();
-    return number;
-}
-
-int IntegerOf(py::handle value)
-{
-    const auto index = py::reinterpret_steal<py::object>(PyNumber_Index(value.ptr()));
-    int overflow = 0;
-    const long number = index ? PyLong_AsLongAndOverflow(index.ptr(), &overflow) : -1;
-    RaiseIfSet();
-    using Limits = std::numeric_limits<int>;
-    if (overflow != 0 || number < Limits::min() || number > Limits::max())
-        Raise(PyExc_ValueError, "a number of 32 bits is needed");
-    return static_cast<int>(number);
+    py::detail::make_caster<T> caster;
+    if (!caster.load(value, true))
+        Raise(PyExc_TypeError, "a number is needed, not " + py::repr(value).cast<std::string>());
+    return py::detail::cast_op<T>(caster);
 }
 
 // Appends what is in rows up to a depth.
@@ -87,7 +75,7 @@ void AppendNumbers(py::handle value, std::vector<double>& numbers, int depth)
 {
     const bool isRow = PySequence_Check(value.ptr()) != 0 && !PyUnicode_Check(value.ptr());
     if (!isRow || depth == 0) {
-        numbers.push_back(NumberOf(value));
+        numbers.push_back(NumberOf<double>(value));
         return;
     }
     std::size_t length = 0;
@@ -271,11 +259,11 @@ Value FromPython(py::handle value, const ItemInfo& item, const ModelState& state
 {
     switch (item.kind) {
     case ItemKind::Number:
-        return NumberOf(value);
+        return NumberOf<double>(value);
     case ItemKind::OptionalNumber:
-        return value.is_none() ? Value() : Value(NumberOf(value));
+        return value.is_none() ? Value() : Value(NumberOf<double>(value));
     case ItemKind::Integer:
-        return IntegerOf(value);
+        return NumberOf<int>(value);
     case ItemKind::Flag:
     case ItemKind::Word:
     case ItemKind::Code:
