@@ -34,13 +34,12 @@ py::dict Described(const ItemInfo& item, const std::string& name, const std::str
     for (const ItemInfo& field : item.fields)
         fields.append(Described(field, SnakeCase(field.path), std::string(field.says)));
     const NumberArray sample(item.shape, std::vector<double>(item.numberCount));
-    return py::dict("name"_a = name, "item"_a = ToText(item.path), "kind"_a = KindOf(item),
-                    "doc"_a = ToText(doc), "words"_a = py::tuple(words),
-                    "fields"_a = py::tuple(fields), "rows"_a = sample.Rows(),
+    return py::dict("name"_a = name, "kind"_a = KindOf(item), "doc"_a = ToText(doc),
+                    "words"_a = py::tuple(words), "fields"_a = py::tuple(fields),
+                    "rows"_a = sample.Rows(),
                     "is_transformation"_a = item.kind == ItemKind::Transformation,
                     "target"_a = ClassNameOf(item.target), "read_only"_a = ToText(item.readOnly),
-                    "can_get"_a = item.CanGet(), "is_read_back"_a = item.isReadBack,
-                    "is_in_order"_a = item.isInOrder);
+                    "can_get"_a = item.CanGet(), "is_in_order"_a = item.isInOrder);
 }
 
 Typed<"list[dict[str, Any]]", py::list> Items(bool isOwn)
