@@ -1,5 +1,5 @@
-// Any bytes as a document that is read from its records, and from its nodes after all of them are
-// filled: both give the same world and the same failed checks.
+// Any bytes as a document that is read from its records, from its nodes after all of them are
+// filled, and from copies of these: all give the same world and the same failed checks.
 #include "ReadingOutcome.h"
 
 #include <cstddef>
@@ -11,8 +11,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     using namespace karmp::documents;
     const std::string text(reinterpret_cast<const char*>(data), size);
-    if (OutcomeOfReading(text, ReadFrom::Records, Limits::Tight()) !=
-        OutcomeOfReading(text, ReadFrom::Nodes, Limits::Tight()))
-        std::abort();
+    const std::string outcome = OutcomeOfReading(text, ReadFrom::Records, Limits::Tight());
+    for (const ReadFrom other : {ReadFrom::Nodes, ReadFrom::Copies})
+        if (OutcomeOfReading(text, other, Limits::Tight()) != outcome)
+            std::abort();
     return 0;
 }

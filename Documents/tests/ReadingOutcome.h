@@ -7,15 +7,18 @@
 #include "KARMPReadCurves.h"
 #include "KARMPReadingPlace.h"
 #include "KARMPWorld.h"
+#include "KARTextConversion.h"
 #include "QOBBasicWorld.h"
 
 #include <exception>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace karmp::documents {
 
-/// Notes each failed check with the line of the element that is read.
+/// Notes each failed check with the place of the element that is read.
 class NotedChecks final : private KARMPFailedCheckListener
 {
 public:
@@ -24,10 +27,9 @@ public:
 private:
     void OnFailedCheck(const char* file, int line) override
     {
-        const auto* const node =
-            static_cast<const KARMPDocumentReader*>(KARMPReadingPlace::Current());
+        const KARMPDeserializer* const node = KARMPReadingPlace::Current();
         m_notes += std::string(file) + ':' + std::to_string(line) + " at " +
-                   (node != nullptr ? std::to_string(node->Line()) : std::string("none")) + '\n';
+                   (node != nullptr ? kar::ToUtf8(node->Location()) : std::string("none")) + '\n';
     }
 
     std::string m_notes;
@@ -42,6 +44,35 @@ inline void FillNodes(const KARMPDeserializer& node)
         FillNodes(*child);
 }
 
+/// A node of a caller's own, which nothing but the public operations can read: a copy of another
+/// one with all below it.
+class CopiedNode final : public KARMPDeserializer
+{
+public:
+    explicit CopiedNode(const KARMPDeserializer& source) : m_location(source.Location())
+    {
+        SetId(source.Id());
+        SetVersion(source.Version());
+        for (std::size_t index = 0; index < source.GetAttributeCount(); ++index) {
+            std::wstring value;
+            source.GetAttribute(source.GetAttributeId(index), value);
+            AddAttributeValue(source.GetAttributeId(index), std::move(value));
+        }
+        if (std::wstring value; source.HasValue()) {
+            source.GetValue(value);
+            SetValue(std::move(value));
+        }
+        ElementVector children;
+        source.AppendOrderedElements(children);
+        for (const KARMPDeserializer* child : children)
+            AddElement(child->Id(), new CopiedNode(*child));
+    }
+    std::wstring Location() const override { return m_location; }
+
+private:
+    std::wstring m_location;
+};
+
 /// Replaces identifiers that are not of the document: each run makes other ones.
 inline std::string WithoutNewIdentifiers(std::string saved, std::string_view text)
 {
@@ -55,8 +86,9 @@ inline std::string WithoutNewIdentifiers(std::string saved, std::string_view tex
     return saved;
 }
 
-/// Whether a document is read from its records, or from nodes that are all filled before.
-enum class ReadFrom { Records, Nodes };
+/// Whether a document is read from its records, from nodes that are all filled before, or from
+/// copies of these, which know nothing of a document.
+enum class ReadFrom { Records, Nodes, Copies };
 
 /// The status or exception of reading a document, the failed checks, and the world as it is saved;
 /// empty for a text that is no document.
@@ -68,12 +100,18 @@ inline std::string OutcomeOfReading(const std::string& text, ReadFrom from,
         return {};
     if (from == ReadFrom::Nodes)
         FillNodes(*document.Root());
+    std::optional<CopiedNode> copy;
+    if (from == ReadFrom::Copies)
+        copy.emplace(*document.Root());
+    const KARMPDeserializer* root = document.Root();
+    if (copy)
+        root = &*copy;
     const auto world = KARMPWorld::create(QOBBasicWorld::create(L"World"));
     const NotedChecks checks;
     std::string outcome;
     try {
         const ReadCurves curves(*world);
-        outcome = std::to_string(world->Deserialize(document.Root())) + '\n';
+        outcome = std::to_string(world->Deserialize(root)) + '\n';
     } catch (const std::exception& exception) {
         outcome = exception.what();
     }

@@ -1,5 +1,5 @@
-// Entities are read from the records of a document, and from its nodes where those are filled: both
-// give the same world and the same failed checks.
+// Entities are read from the records of a document, from its nodes where those are filled, and from
+// nodes of a caller's own: all give the same world and the same failed checks.
 #include "ChangedDocuments.h"
 #include "ReadingOutcome.h"
 
@@ -14,8 +14,9 @@ namespace {
 
 void ExpectTheSame(const std::string& text)
 {
-    ASSERT_EQ(OutcomeOfReading(text, ReadFrom::Records), OutcomeOfReading(text, ReadFrom::Nodes))
-        << text;
+    const std::string outcome = OutcomeOfReading(text, ReadFrom::Records);
+    ASSERT_EQ(outcome, OutcomeOfReading(text, ReadFrom::Nodes)) << text;
+    ASSERT_EQ(outcome, OutcomeOfReading(text, ReadFrom::Copies)) << text;
 }
 
 TEST(ReadingRoads, GiveTheSameWorldFromRecordsAndFromNodes)
