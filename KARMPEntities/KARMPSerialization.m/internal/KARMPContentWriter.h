@@ -44,7 +44,8 @@ public:
     bool Applies(const Item& item, const Element&)
     {
         return item.isWritten && !item.isCoded && this->m_gate.Passes(item) &&
-               (item.when == nullptr || item.when(m_owner));
+               (item.when == nullptr || item.when(m_owner)) &&
+               (item.kind != ItemKind::References || (m_count = item.count(m_owner)) > 0);
     }
     void WalkItem(const Item& item, std::span<const Item> inner, Element& element);
 
@@ -56,12 +57,13 @@ private:
     void WriteBytes(const Item& item, Element& element);
     void WriteReference(const Item& item, Element& element);
     void WriteValueReference(const Item& item, Element& element);
-    void WriteReferences(const Item& item, std::span<const Item> inner, int count,
-                         Element& element);
+    void WriteReferences(const Item& item, std::span<const Item> inner, Element& element);
     void WriteEntry(const Item& item, std::span<const Item> attributes, int index, Element& list);
     void WriteRecords(const Item& item, std::span<const Item> inner, Element& element);
 
     const void* m_owner;
+    /// The number of entries of the list that is walked. Most lists of a model are empty.
+    int m_count = 0;
     ItemValue m_value;
 };
 
@@ -76,10 +78,7 @@ void ContentWriter<Element>::WalkItem(const Item& item, std::span<const Item> in
         return item.isValueReference ? WriteValueReference(item, element)
                                      : WriteReference(item, element);
     case ItemKind::References:
-        // Most lists of a model are empty.
-        if (const int count = item.count(m_owner); count > 0)
-            WriteReferences(item, inner, count, element);
-        return;
+        return WriteReferences(item, inner, element);
     case ItemKind::Records:
         return WriteRecords(item, inner, element);
     default:
@@ -191,8 +190,9 @@ void ContentWriter<Element>::WriteValueReference(const Item& item, Element& elem
 
 template <class Element>
 void ContentWriter<Element>::WriteReferences(const Item& item, std::span<const Item> inner,
-                                             int count, Element& element)
+                                             Element& element)
 {
+    const int count = m_count;
     Element list = element.Child(item.name, item.where);
     for (int index = 0; list && index < count; ++index) {
         if (!inner.empty() || item.alwaysNamed) {
