@@ -121,6 +121,18 @@ const JointKind* KindBetween(Edit& edit, const QOBClassInfo& info, const Entity&
     return areThere ? KindOf(edit, info) : nullptr;
 }
 
+// The joint on what `mount` makes on the parent, by true, and on the child; null after a failure.
+template <class MountOnBody>
+Entity MakeJointBetween(Edit& edit, const QOBClassInfo& info, const std::string& identifier,
+                        const Entity& parent, const Entity& child, MountOnBody mount)
+{
+    const JointKind* const kind = KindBetween(edit, info, parent, child);
+    const Entity onParent = kind != nullptr ? mount(kind->parent, true) : Entity();
+    const Entity onChild = onParent ? mount(kind->child, false) : Entity();
+    return onChild ? MakeJoint(edit, info, kind->constraint(), identifier, onParent, onChild)
+                   : Entity();
+}
+
 // The joint of a variable's first constraint that belongs to one.
 QOBSharedHandle<KARMPJoint> JointOf(const KARMPVariable& variable)
 {
@@ -170,15 +182,13 @@ Model::Entity Model::AddJoint(const QOBClassInfo& info, std::string_view identif
     return m_core->Make<KARMPEntity>(
         where,
         [&](Edit& edit, Entity& joint) {
-            const JointKind* const kind = KindBetween(edit, info, parent.Handle(), child.Handle());
-            if (kind == nullptr)
-                return false;
             const std::string name(identifier);
-            const Entity first = MountSpatial(edit, kind->parent, name, parent, onParent);
-            const Entity second =
-                first ? MountSpatial(edit, kind->child, name, child, onChild) : Entity();
-            if (second)
-                joint = MakeJoint(edit, info, kind->constraint(), name, first, second);
+            joint = MakeJointBetween(
+                edit, info, name, parent.Handle(), child.Handle(),
+                [&](Mount mount, bool isParent) {
+                    return MountSpatial(edit, mount, name, isParent ? parent : child,
+                                        isParent ? onParent : onChild);
+                });
             return static_cast<bool>(joint);
         });
 }
@@ -202,17 +212,13 @@ Model::Entity Model::AddJoint(const QOBClassInfo& info, std::string_view identif
     return m_core->Make<KARMPEntity>(
         where,
         [&](Edit& edit, Entity& joint) {
-            const JointKind* const kind = KindBetween(edit, info, parent.Handle(), child.Handle());
-            if (kind == nullptr)
-                return false;
             const std::string name(identifier);
-            const auto mount = [&](const Ref<KARMPBody2D>& body) {
-                return MountAt<KARMPPoint2D>(edit, name, body, at, &KARMPPoint2D::SetPoint);
-            };
-            const Entity onParent = mount(parent);
-            const Entity onChild = onParent ? Entity(mount(child)) : Entity();
-            if (onChild)
-                joint = MakeJoint(edit, info, kind->constraint(), name, onParent, onChild);
+            joint = MakeJointBetween(
+                edit, info, name, parent.Handle(), child.Handle(),
+                [&](Mount, bool isParent) {
+                    return Entity(MountAt<KARMPPoint2D>(edit, name, isParent ? parent : child, at,
+                                                        &KARMPPoint2D::SetPoint));
+                });
             return static_cast<bool>(joint);
         });
 }
