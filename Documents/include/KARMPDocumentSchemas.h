@@ -25,7 +25,8 @@ enum class SchemaLanguage {
 KARMP_DOCUMENTS_API std::string SchemaText(SchemaLanguage language,
                                            std::wstring_view version = CurrentVersion);
 
-/// What a class holds, a line for each element and attribute, in UTF-8. `name` is that of the
+/// What a class holds, a line for each element and attribute, and the items that can be set by name
+/// with the values that they take, in UTF-8. `name` is that of the
 /// class or of its element, in any case; empty for a class that is unknown.
 KARMP_DOCUMENTS_API std::string ClassReference(std::string_view name);
 

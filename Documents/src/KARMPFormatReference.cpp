@@ -4,6 +4,7 @@
 #include "KARMPEntity.h"
 #include "KARMPEnumerationTexts.h"
 #include "KARMPGenericFactory.h"
+#include "KARMPItems.h"
 #include "KARMPSchemaClasses.h"
 #include "KARTextConversion.h"
 
@@ -15,7 +16,9 @@ namespace karmp::documents {
 
 namespace {
 
-std::string QuantityOf(const SchemaItem& item)
+// The name of an item's quantity. Here and below, items of the schema or of the table of items.
+template <class AnyItem>
+std::string QuantityOf(const AnyItem& item)
 {
     const auto index = static_cast<std::size_t>(item.quantity);
     const auto& rows = EnumTexts<KARMPPhysicalQuantity::Enum>::Rows;
@@ -23,7 +26,8 @@ std::string QuantityOf(const SchemaItem& item)
     return isKnown && index < rows.size() ? kar::ToUtf8(rows[index]) : std::string();
 }
 
-std::string WordsOf(const SchemaItem& item)
+template <class AnyItem>
+std::string WordsOf(const AnyItem& item)
 {
     std::string words;
     for (const std::wstring_view word : item.words)
@@ -366,6 +370,45 @@ void PrintTree(std::string& text, const SchemaItem& element, unsigned depth)
     }
 }
 
+// What an item can be set to as a text; empty for what texts do not tell.
+std::string ValuesOf(const ItemInfo& item)
+{
+    const std::string orNone = item.CanRemoveTarget() ? " or None" : "";
+    if (item.isFlag)
+        return "yes or no";
+    switch (item.kind) {
+    case ItemKind::Number:
+        return "a number" + InBrackets(QuantityOf(item));
+    case ItemKind::OptionalNumber:
+        return "a number" + InBrackets(QuantityOf(item)) + " or None";
+    case ItemKind::Numbers:
+        return std::to_string(item.numberCount) + " numbers: " + WordsOf(item);
+    case ItemKind::Transformation:
+        return std::to_string(item.numberCount) + " numbers: translation, rotation by columns";
+    case ItemKind::Integer:
+        return "a whole number";
+    case ItemKind::Text:
+        return "a text";
+    case ItemKind::Word:
+    case ItemKind::Code:
+        return "one of: " + WordsOf(item);
+    case ItemKind::Reference:
+        return "an entity of class " + std::string(item.target) + orNone;
+    case ItemKind::References:
+        return "entities of class " + std::string(item.target) + orNone;
+    default:
+        return {};
+    }
+}
+
+void PrintSettable(std::string& text, const std::string& className)
+{
+    text += "Items that can be set, with their values as 'karmp set' takes them:\n";
+    for (const ItemInfo& item : ItemsOf(className))
+        if (const std::string values = ValuesOf(item); item.readOnly.empty() && !values.empty())
+            text += "  " + kar::ToUtf8(item.path) + ": " + values + '\n';
+}
+
 bool IsSameName(std::string_view left, std::string_view right)
 {
     const auto lower = [](char letter) {
@@ -387,6 +430,7 @@ std::string ClassReference(std::string_view name)
                            std::string(entityClass.item->says) + " Class " + entityClass.name +
                            ".\n";
         PrintTree(text, *entityClass.item, 1);
+        PrintSettable(text, entityClass.name);
         return text;
     }
     return {};

@@ -79,6 +79,25 @@ TEST(ClassReference, ListsWhatAClassHoldsByEitherName)
     EXPECT_EQ(ClassReference(""), "");
 }
 
+TEST(ClassReference, NamesWhatCanBeSetWithItsValues)
+{
+    const std::string body = ClassReference("Body");
+    const auto at = body.find("\nItems that can be set, ");
+    ASSERT_NE(at, std::string::npos);
+    const std::string items = body.substr(at);
+    for (const char* const line :
+         {"is_fixed: yes or no", "name: a text", "Weight/Mass: a number (Mass)",
+          "Weight/COG: 3 numbers: Px, Py, Pz",
+          "Position: 12 numbers: translation, rotation by columns",
+          "Geometries: entities of class KARMPGeometry or None",
+          "DisplacementSensor: an entity of class KARMPDisplacementSensor or None"})
+        ExpectPart(items, std::string("\n  ") + line + '\n');
+    EXPECT_EQ(items.find("\n  id:"), std::string::npos); // never changes
+    const std::string variable = ClassReference("Variable");
+    ExpectPart(variable, "\n  MinValue: a number or None\n");
+    ExpectPart(variable, "\n  Type: one of: Free, Constant, Controlled\n");
+}
+
 // "karmp schema --reference > docs/format.md" brings the file up to date.
 TEST(FormatReference, IsTheOneInTheDocumentation)
 {

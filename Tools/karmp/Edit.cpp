@@ -101,19 +101,45 @@ int EditDocument(const EditOptions& options, const Work& work)
         written, ReportLosses(options.file, writing, *loaded, losses, JsonOf(changes, leftShort)));
 }
 
+const ItemInfo* ItemAt(const KARMPEntity& entity, std::string_view path)
+{
+    return FindItem(entity.getClassInfo(), kar::ToWide(path));
+}
+
+// An item by its name or path, which may have the "@" of an attribute as the schema has; null
+// without one.
+const ItemInfo* ItemNamed(const KARMPEntity& entity, std::string name)
+{
+    if (const std::size_t mark = name.rfind('/') + 1; mark < name.size() && name[mark] == '@')
+        name.erase(mark, 1);
+    return ItemAt(entity, name);
+}
+
+// The sentence for an item that there is not, or that is a part of one.
+model::Problem NoItem(const Model& edited, const Ref<KARMPEntity>& entity, const std::string& name)
+{
+    model::Problem problem = edited.Get(entity, name).Error();
+    const ItemInfo* const whole = ItemAt(*entity, name.substr(0, name.rfind('/')));
+    if (whole != nullptr)
+        problem.text = '"' + name + "\" is a part of \"" + kar::ToUtf8(whole->path) +
+                       "\", which is set as a whole";
+    problem.text += "; 'karmp schema --text " + ClassOf(*entity) + "' lists what can be set";
+    return problem;
+}
+
 // Stores the value of an assignment, ITEM=VALUE; an exit code.
 int Assign(Model& edited, const Ref<KARMPEntity>& entity, const std::string& assignment)
 {
     const std::size_t sign = assignment.find('=');
-    const std::string item = assignment.substr(0, sign);
-    if (const auto known = edited.Get(entity, item); !known)
-        return Refuse(known.Error());
-    const auto value =
-        ValueOfText(edited, *FindItem(entity->getClassInfo(), kar::ToWide(std::string_view(item))),
-                    assignment.substr(sign + 1));
+    const std::string name = assignment.substr(0, sign);
+    const ItemInfo* const item = ItemNamed(*entity, name);
+    if (item == nullptr)
+        return Refuse(NoItem(edited, entity, name));
+    const auto value = ValueOfText(edited, *item, assignment.substr(sign + 1));
     if (!value)
         return Refuse(value.Error());
-    return edited.Set(entity, item, *value) ? int{Clean} : Refuse(edited.Problems().back());
+    const bool isSet = edited.Set(entity, kar::ToUtf8(item->path), *value);
+    return isSet ? int{Clean} : Refuse(edited.Problems().back());
 }
 
 } // namespace

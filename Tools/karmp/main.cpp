@@ -27,6 +27,11 @@ constexpr const char* ExitCodes =
     "Exit code: 0 when all is well, 1 when there are findings, 2 when a file is not read or not "
     "written, 64 when the arguments are wrong.";
 
+constexpr const char* WrittenAnew =
+    "The document is written anew, the entities of a family in the order of their identifiers. "
+    "Comments are not kept: a document with some is overwritten with --force and --backup "
+    "only.\n\n";
+
 std::string Footer(const char* example)
 {
     return std::string("Example:\n  ") + example + "\n\n" + ExitCodes;
@@ -208,7 +213,8 @@ int Run(int argc, char** argv)
     convertApp->footer(
         "A document with errors, or with items that nothing reads, is not converted, "
         "because what they are about would be lost; --force does it all the same, "
-        "but onto the document itself only when --backup keeps that.\n\n" +
+        "but onto the document itself only when --backup keeps that. The same goes for the "
+        "comments of a document that is converted onto itself.\n\n" +
         Footer("karmp convert crank.xml old.xml --to R2016.1"));
     convertApp->callback([&] { command = [&convert] { return RunConvert(convert); }; });
 
@@ -253,8 +259,8 @@ int Run(int argc, char** argv)
         editApp->callback([&, run] { command = [&edit, run] { return run(edit); }; });
         return editApp;
     };
-    CLI::App* const setApp = addEdit(
-        "set", "Sets items of an entity, by the names that 'karmp schema --text' tells", RunSet);
+    CLI::App* const setApp =
+        addEdit("set", "Sets items of an entity, which 'karmp schema --text CLASS' lists", RunSet);
     setApp->add_option("ENTITY", edit.entity, "Name or identifier")->required();
     setApp->add_option("ITEM=VALUE", edit.assignments, "Item, by name or path, and value")
         ->required()
@@ -264,8 +270,13 @@ int Run(int argc, char** argv)
             },
             ""));
     setApp->footer(
-        "Numbers stand with commas between them, in the order of the document; entities by name or "
-        "identifier. An empty value takes a reference away. Links are made on both sides.\n\n" +
+        "What items a class has and what values they take stands at the end of 'karmp schema "
+        "--text CLASS'. Numbers stand with commas between them, in the order of the document, and "
+        "are finite; flags are yes or no. Entities are told by name or identifier, several with "
+        "commas between them; one with a comma in its name, in a list of several, by its "
+        "identifier. An empty value, or None, takes references away, and a number that need not "
+        "be there. Links are made on both sides.\n\n" +
+        std::string(WrittenAnew) +
         Footer("karmp set crank.xml Rocker Mass=0.75 COG=0.1,0,0 --dry-run"));
     CLI::App* const deleteApp = addEdit(
         "delete",
@@ -277,12 +288,15 @@ int Run(int argc, char** argv)
         ->expected(1, -1);
     deleteApp->add_flag("--with-short", edit.withShort,
                         "Also what would lack something: joints of the body, and so on");
-    deleteApp->footer(Footer("karmp delete crank.xml Rocker --with-short --backup"));
+    deleteApp->footer(
+        "What lacks something afterwards is told, also as \"short\" in the JSON; the exit code "
+        "does not say it.\n\n" +
+        std::string(WrittenAnew) + Footer("karmp delete crank.xml Rocker --with-short --backup"));
     CLI::App* const renameApp =
         addEdit("rename", "Gives an entity another name; its identifier stays", RunRename);
     renameApp->add_option("ENTITY", edit.entity, "Name or identifier")->required();
     renameApp->add_option("NAME", edit.name, "The new name")->required();
-    renameApp->footer(Footer("karmp rename crank.xml Rocker \"Output rocker\""));
+    renameApp->footer(WrittenAnew + Footer("karmp rename crank.xml Rocker \"Output rocker\""));
 
     ShapeOptions shape;
     CLI::App* shapeApp = app.add_subcommand(

@@ -225,6 +225,32 @@ TEST_F(EditCommands, UnknownEntityItemOrValueWritesNothing)
     EXPECT_EQ(ReadFile(m_document), CleanDocument());
 }
 
+TEST_F(EditCommands, ItemsAreNamedAsTheReferenceOfTheClassNamesThem)
+{
+    const std::string reference = Run("schema --text Body").output;
+    const std::string line = "set '" + m_document + "' Crank --dry-run ";
+    std::size_t count = 0;
+    for (auto at = reference.find("\nItems that can be set"); at != std::string::npos;) {
+        at = reference.find("\n  ", at + 1);
+        if (at == std::string::npos)
+            break;
+        const std::string name = reference.substr(at + 3, reference.find(": ", at) - at - 3);
+        // Nobody would call an entity so.
+        const std::string output = Run(line + '\'' + name + "=(,)'").output;
+        EXPECT_EQ(output.find("has no item"), std::string::npos) << output;
+        ++count;
+    }
+    EXPECT_GE(count, 25U);
+    const Outcome attribute = Run(line + "@is_fixed=yes");
+    EXPECT_EQ(attribute.code, 0);
+    ExpectContains(attribute.output, "is_fixed: no becomes yes");
+    for (const char* const part : {"Weight/COG/Px", "Geometries/Geometry"}) {
+        const Outcome outcome = Run(line + part + "=1");
+        EXPECT_EQ(outcome.code, 64);
+        ExpectContains(outcome.output, "which is set as a whole; 'karmp schema --text Body' lists");
+    }
+}
+
 TEST_F(EditCommands, NumbersThatAreNotFiniteAreRefused)
 {
     for (const std::string number : {"nan", "inf", "-inf"})
