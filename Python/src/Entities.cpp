@@ -141,9 +141,9 @@ std::string DocOf(const ItemInfo& item)
 }
 
 // The base's property of the same row, null without one.
-Property* InheritedOf(const ItemInfo& item, const EntityClass* base)
+Property* InheritedOf(const ItemInfo& item, const std::vector<Property*>& ofBase)
 {
-    for (Property* const property : base != nullptr ? base->properties : std::vector<Property*>()) {
+    for (Property* const property : ofBase) {
         const ItemInfo& row = *property->item;
         if (row.written == item.written && row.read == item.read && row.path == item.path &&
             row.readOnly == item.readOnly)
@@ -165,14 +165,16 @@ void AddDescriptor(const EntityClass& of, Property& property)
 
 void AddProperties(EntityClass& of, const EntityClass* base)
 {
+    static const std::vector<Property*> none;
+    const std::vector<Property*>& ofBase = base != nullptr ? base->properties : none;
     std::map<std::string, int> uses;
     const auto items = ItemsOf(*of.info);
     for (const ItemInfo& item : items) {
-        const Property* const inherited = InheritedOf(item, base);
+        const Property* const inherited = InheritedOf(item, ofBase);
         ++uses[inherited != nullptr ? inherited->name : SnakeCase(item.name)];
     }
     for (const ItemInfo& item : items) {
-        Property* property = InheritedOf(item, base);
+        Property* property = InheritedOf(item, ofBase);
         if (property == nullptr) {
             property = new Property{&item, SnakeCase(item.name), DocOf(item)};
             if (uses[property->name] > 1)
@@ -182,8 +184,7 @@ void AddProperties(EntityClass& of, const EntityClass* base)
         of.properties.push_back(property);
     }
     // A planar class is no spatial one in documents: what it does not hold is hidden.
-    for (const Property* const property :
-         base != nullptr ? base->properties : std::vector<Property*>())
+    for (const Property* const property : ofBase)
         if (FindProperty(of, property->name) == nullptr)
             AddDescriptor(of, *new Property{nullptr, property->name, "No item of the class."});
     PyType_Modified(of.type);

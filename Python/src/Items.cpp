@@ -15,45 +15,23 @@ bool IsLink(const ItemInfo& item)
     return item.kind == ItemKind::Reference || item.kind == ItemKind::References;
 }
 
-// Stores a value of an item, links on both sides, undone with the block of edits it is in.
-void SetByModel(ModelState& state, const Entity& entity, const Property& property,
-                const Value& value)
-{
-    const std::string path = Utf8Of(ToText(property.item->path));
-    Do(state, property.name, [&](model::Model& model) {
-        return model.Set(model::Ref<KARMPEntity>(entity), path, value);
-    });
-}
-
-// Stores a value of an item that takes it; raises what the class refuses.
-void SetByItem(ModelState& state, const Entity& entity, const Property& property,
-               const Value& value)
-{
-    Checks& checks = Checks::OfThread();
-    checks.Begin();
-    std::string why;
-    if (const KARStatus status = property.item->Set(*entity, value, why); KARFailed(status))
-        RaiseError(why, status, Wrap(entity, state));
-    checks.End(property.name);
-}
-
-// Raises for a value that the item does not take.
-void CheckTaken(const Entity& entity, const ItemInfo& item, const Value& value)
-{
-    if (item.Takes(value) || (value.IsNone() && item.kind == ItemKind::Reference))
-        return;
-    std::string why;
-    static_cast<void>(item.Set(*entity, value, why));
-    Raise(IsLink(item) ? PyExc_TypeError : PyExc_ValueError, why);
-}
-
+// Stores a value of an item, undone with the block of edits it is in, links on both sides; raises
+// what the item does not take and what the class refuses.
 void Store(ModelState& state, const Entity& entity, const Property& property, const Value& value)
 {
-    CheckTaken(entity, *property.item, value);
-    if (IsLink(*property.item) || state.openBlocks > 0)
-        SetByModel(state, entity, property, value);
-    else
-        SetByItem(state, entity, property, value);
+    const ItemInfo& item = *property.item;
+    const bool isTaken = item.Takes(value) || (value.IsNone() && item.kind == ItemKind::Reference);
+    Do(state, property.name, [&](model::Model& model) {
+        if (isTaken && (IsLink(item) || state.openBlocks > 0))
+            return model.Set(Ref<KARMPEntity>(entity), Utf8Of(ToText(item.path)), value);
+        std::string why;
+        const KARStatus status = item.Set(*entity, value, why);
+        if (!isTaken)
+            Raise(IsLink(item) ? PyExc_TypeError : PyExc_ValueError, why);
+        if (KARFailed(status))
+            RaiseError(why, status, Wrap(entity, state));
+        return true;
+    });
 }
 
 // The fields that the class fills itself, of records that are to be added.
@@ -145,6 +123,18 @@ void SetAll(ModelState& self, Kind<KARMPEntity> cls, Text name, Each<py::object>
     block.Keep();
 }
 
+// An entity that is alive, and an item of it by its name in Python.
+struct OwnedItem
+{
+    EntityObject& object;
+    Property& property;
+};
+OwnedItem ItemOf(py::handle owner, const Text& name)
+{
+    EntityObject& object = AliveOf(owner);
+    return {object, PropertyOf(ClassOf(*object.entity), name)};
+}
+
 } // namespace
 
 py::object GetItem(EntityObject& object, Property& property)
@@ -193,28 +183,26 @@ void BindItems(py::module_& module, ModelClass& of)
         "cls"_a, "have_columns"_a = false,
         "The items of a class, in the order of documents, or those that have columns.");
     // What lists of links are made of.
-    module.def(
-        "_targets", [](const py::object& owner, Text name) -> Typed<"list[Any]"> {
-            EntityObject& object = AliveOf(owner);
-            Property& property = PropertyOf(ClassOf(*object.entity), name);
-            return ToPython(property.item->Get(*object.entity), property, *object.state);
-        });
+    module.def("_targets", [](const py::object& owner, Text name) {
+        const auto [object, property] = ItemOf(owner, name);
+        return Typed<"list[Any]">(
+            ToPython(property.item->Get(*object.entity), property, *object.state));
+    });
     module.def(
         "_words",
         [](const py::object& owner, Text name) {
-            const Entity& entity = AliveOf(owner).entity;
+            const auto [object, property] = ItemOf(owner, name);
             Typed<"list[str]", py::list> words;
-            for (const auto word : PropertyOf(ClassOf(*entity), name).item->EntryWords(*entity))
+            for (const auto word : property.item->EntryWords(*object.entity))
                 words.append(ToText(word));
             return words;
         });
     module.def("_link", [](const py::object& owner, Text name, Ref<KARMPEntity> target,
                            bool isAdded) {
-        const EntityObject& object = AliveOf(owner);
+        const auto [object, property] = ItemOf(owner, name);
         CheckOwn(*object.state, target);
         const Ref<KARMPEntity> first(object.entity);
-        const ItemInfo& item = *PropertyOf(ClassOf(*object.entity), name).item;
-        const std::string path = Utf8Of(ToText(item.path));
+        const std::string path = Utf8Of(ToText(property.item->path));
         Do(*object.state, name, [&](model::Model& model) {
             return isAdded ? model.Link(first, target, path) : model.Unlink(first, target, path);
         });
