@@ -410,8 +410,12 @@ public:
     Deletion Delete(const RefList<T>& entities, const DeleteOptions& options = {},
                     Where where = Where::current())
     {
-        const RefList<KARMPEntity> all(entities.begin(), entities.end());
-        return DeleteAll(all, options, where);
+        return DeleteAll(
+            entities.size(),
+            [](const void* list, std::size_t index) {
+                return Ref<KARMPEntity>((*static_cast<const RefList<T>*>(list))[index]);
+            },
+            &entities, options, where);
     }
     /// All references of other entities to one.
     std::vector<Dependent> Dependents(const Ref<KARMPEntity>& entity) const;
@@ -430,10 +434,12 @@ public:
     bool Set(const Ref<KARMPEntity>& entity, Settings settings, Where where = Where::current());
 
     /// Begins a block of calls and returns what EndEditing takes to end it: the calls are kept, or
-    /// all undone in reverse order. A block may hold others, which end before it. Deletions, which
-    /// cannot be undone, are refused in a block.
-    std::size_t BeginEditing();
-    void EndEditing(std::size_t begin, bool isKept);
+    /// all undone in reverse order. A block may hold others; those that are open end with it. To
+    /// end one that is not open is a problem and does nothing. What cannot be undone is refused in
+    /// a block: deletions, and of what was there before it records, and items without a value that
+    /// cannot be unset. Where an allocation fails, a problem tells that the undo failed.
+    std::size_t BeginEditing(Where where = Where::current());
+    void EndEditing(std::size_t begin, bool isKept, Where where = Where::current());
 
     /// Gives an entity another name. Its identifier stays.
     bool Rename(const Ref<KARMPEntity>& entity, std::string_view name,
@@ -493,8 +499,9 @@ private:
 
     Entity AddEntity(const QOBClassInfo& info, std::string_view identifier, Settings settings,
                      Where where);
-    Deletion DeleteAll(std::span<const Ref<KARMPEntity>> entities, const DeleteOptions& options,
-                       Where where);
+    Deletion DeleteAll(std::size_t count,
+                       Ref<KARMPEntity> (*at)(const void* list, std::size_t index),
+                       const void* list, const DeleteOptions& options, Where where);
     Entity AddJoint(const QOBClassInfo& info, const QOBClassInfo* constraint,
                     std::string_view identifier, const Ref<KARMPGeometry>& onParent,
                     const Ref<KARMPGeometry>& onChild, Where where);

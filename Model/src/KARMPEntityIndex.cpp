@@ -48,6 +48,14 @@ void IdentifyByName(KARMPEntity& entity) noexcept
     ContentOf<GivenIdentifier>::Share(entity);
 }
 
+// Setting a name makes a text of its own.
+void RestoreName(KARMPEntity& entity, const kar::SharedText& name) noexcept
+{
+    auto& stored = const_cast<kar::SharedText&>(entity.getStoredName());
+    std::destroy_at(&stored);
+    std::construct_at(&stored, name);
+}
+
 bool IsText(const kar::SharedText& text, std::string_view utf8)
 {
     return text.IsNarrow() ? text.Narrow() == utf8 : kar::ToUtf8(text.Copy()) == utf8;

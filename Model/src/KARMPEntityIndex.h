@@ -15,6 +15,8 @@ namespace karmp::model {
 const kar::SharedText* IdentifierIfGiven(const KARMPEntity& entity);
 /// Gives a new entity its name as its identifier; they share the text.
 void IdentifyByName(KARMPEntity& entity) noexcept;
+/// Gives an entity a name that it had; this does not fail.
+void RestoreName(KARMPEntity& entity, const kar::SharedText& name) noexcept;
 /// True for a text whose UTF-8 this is.
 bool IsText(const kar::SharedText& text, std::string_view utf8);
 

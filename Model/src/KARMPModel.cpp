@@ -167,14 +167,14 @@ bool Model::Unlink(const Ref<KARMPEntity>& first, const Ref<KARMPEntity>& second
         where, [&](Edit& edit) { return edit.Unlink(first.Handle(), second.Handle(), item); });
 }
 
-std::size_t Model::BeginEditing()
+std::size_t Model::BeginEditing(Where where)
 {
-    return m_core->OpenBlock();
+    return m_core->OpenBlock(where);
 }
 
-void Model::EndEditing(std::size_t begin, bool isKept)
+void Model::EndEditing(std::size_t begin, bool isKept, Where where)
 {
-    m_core->CloseBlock(begin, isKept);
+    m_core->CloseBlock(begin, isKept, where);
 }
 
 bool Model::Rename(const Ref<KARMPEntity>& entity, std::string_view name, Where where)

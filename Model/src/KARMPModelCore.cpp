@@ -5,6 +5,7 @@
 #include "QOBBasicWorld.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <exception>
 #include <new>
 #include <utility>
@@ -33,32 +34,96 @@ Core::Core(QOBSharedHandle<KARMPWorld> world) : m_world(std::move(world))
     m_changes = &ChangesOf(*m_world);
 }
 
+namespace {
+
+/// True while it lives.
+class Flag
+{
+public:
+    explicit Flag(bool& flag) : m_flag(flag) { m_flag = true; }
+    ~Flag() { m_flag = false; }
+    Flag(const Flag&) = delete;
+    Flag& operator=(const Flag&) = delete;
+
+private:
+    bool& m_flag;
+};
+
+void FailWith(Edit& edit, const std::exception& error)
+{
+    try {
+        edit.Fail(std::string("the call failed: ") + error.what());
+    } catch (const std::bad_alloc&) {
+        edit.Fail("the call failed");
+    }
+}
+
+} // namespace
+
+// There are problems enough where no memory is left, since the first ones have their capacity from
+// the start on.
+void Core::AddProblem(Problem&& problem) noexcept
+{
+    try {
+        m_problems.push_back(std::move(problem));
+    } catch (const std::bad_alloc&) {
+        return;
+    }
+}
+
+void Core::AddProblem(const char* text, KARStatus status, Where where) noexcept
+{
+    try {
+        m_problems.push_back({text, status, where});
+    } catch (const std::bad_alloc&) {
+        AddProblem({"the call failed", status, where});
+    }
+}
+
+// The texts of what goes on without memory are short enough to need no allocation.
+void Core::NoteFailedUndo() noexcept
+{
+    AddProblem("the undo failed", KAROutOfMemory, m_running);
+}
+
+bool Core::MayBegin(Where where)
+{
+    if (m_world && !m_isRunning)
+        return true;
+    AddProblem(m_world ? "a call inside of another call of the model is refused"
+                       : "there is no world",
+               KARFailure, where);
+    return false;
+}
+
 bool Core::Perform(Where where, void* work, bool (*call)(void* work, Edit& edit))
 {
+    if (m_isRunning || !m_world)
+        return MayBegin(where);
+    const Flag running(m_isRunning);
+    m_running = where;
     Edit edit(*this, m_log, m_log.size());
     try {
         if (call(work, edit)) {
-            if (m_openBlocks > 0)
+            if (IsInBlock())
                 KeepLog();
             edit.Commit();
-            if (m_openBlocks == 0)
+            if (!IsInBlock())
                 m_log.clear();
             return true;
         }
         edit.Fail("the call failed");
     } catch (const std::bad_alloc&) {
-        // A text that needs no allocation.
         edit.Fail("no memory left", KAROutOfMemory);
     } catch (const std::exception& error) {
-        edit.Fail(std::string("the call failed: ") + error.what());
+        FailWith(edit, error);
+    } catch (...) {
+        edit.Fail("the call failed");
     }
-    edit.UndoAll();
     edit.Reason().where = where;
-    try {
-        m_problems.push_back(std::move(edit.Reason()));
-    } catch (const std::bad_alloc&) {
-        // There are problems enough, since the first ones have their capacity from the start on.
-    }
+    AddProblem(std::move(edit.Reason()));
+    edit.UndoAll();
+    CutKept();
     return false;
 }
 
@@ -71,22 +136,40 @@ void Core::KeepLog()
     }
 }
 
-std::size_t Core::OpenBlock()
+// As long as the log is again.
+void Core::CutKept() noexcept
 {
-    ++m_openBlocks;
-    return m_log.size();
+    m_keptSteps = std::min(m_keptSteps, m_log.size());
+    m_kept.erase(m_kept.begin() + static_cast<std::ptrdiff_t>(2 * m_keptSteps), m_kept.end());
 }
 
-void Core::CloseBlock(std::size_t begin, bool isKept)
+std::size_t Core::OpenBlock(Where where)
 {
-    if (!isKept)
-        Edit(*this, m_log, begin);
-    m_keptSteps = std::min(m_keptSteps, m_log.size());
-    if (--m_openBlocks > 0)
+    if (!MayBegin(where))
+        return 0;
+    m_blocks.push_back({m_lastBlock + 1, m_log.size()});
+    return ++m_lastBlock;
+}
+
+void Core::CloseBlock(std::size_t number, bool isKept, Where where)
+{
+    if (!MayBegin(where))
         return;
-    m_log.clear();
-    m_keptSteps = 0;
-    m_kept.clear();
+    const auto block = std::find_if(m_blocks.begin(), m_blocks.end(),
+                                    [number](const Block& open) { return open.number == number; });
+    if (block == m_blocks.end()) {
+        AddProblem("a block of edits that is not open cannot be ended", KARFailure, where);
+        return;
+    }
+    if (!isKept) {
+        const Flag running(m_isRunning);
+        m_running = where;
+        Edit(*this, m_log, block->begin).UndoAll();
+    }
+    m_blocks.erase(block, m_blocks.end());
+    if (!IsInBlock())
+        m_log.clear();
+    CutKept();
 }
 
 Core::Made& Core::FindMade(const QOBClassInfo& info)
@@ -151,7 +234,8 @@ void Core::EnterChanges()
         m_index.Clear();
         std::fill(m_known.begin(), m_known.end(), 0);
     }
-    m_index.Reserve(sum);
+    // One more, since a look-up may come between Prepare and AddPrepared.
+    m_index.Reserve(sum + 1);
     for (std::size_t i = 0; i < m_known.size(); ++i)
         for (; m_known[i] < Count(i); ++m_known[i])
             m_index.Add(Entity::unchecked(m_registries[i]->At(m_known[i])));

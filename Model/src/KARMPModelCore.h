@@ -32,7 +32,7 @@ public:
 
     /// Does an edit as a whole or not at all: `work` gets the Edit and returns whether it
     /// succeeded. After a failure, an exception included, all that was done is undone and there is
-    /// one problem more.
+    /// one problem more. An edit inside of another one, which a loader makes, fails.
     template <class Work>
     bool Perform(Where where, Work work)
     {
@@ -53,11 +53,18 @@ public:
         return made;
     }
 
-    /// Opens a block of edits, which CloseBlock may undo from the step on that this gives. Blocks
-    /// close in the reverse order.
-    std::size_t OpenBlock();
-    void CloseBlock(std::size_t begin, bool isKept);
-    bool IsInBlock() const { return m_openBlocks > 0; }
+    /// Opens a block of edits and gives its number, 0 inside of an edit.
+    std::size_t OpenBlock(Where where);
+    /// Closes the block of a number with those that were opened in it, and undoes their edits
+    /// unless they are kept. It is a problem when there is no such block.
+    void CloseBlock(std::size_t number, bool isKept, Where where);
+    bool IsInBlock() const { return !m_blocks.empty(); }
+    /// The step with which the innermost block begins.
+    std::size_t BeginOfBlock() const { return m_blocks.empty() ? 0 : m_blocks.back().begin; }
+    /// Where an entry of a long list was found last.
+    int& NearIndex() { return m_nearIndex; }
+    /// Adds a problem, at the line of the call that runs: something could not be undone.
+    void NoteFailedUndo() noexcept;
 
     /// True for an entity of another world.
     bool IsForeign(const KARMPEntity& entity) const
@@ -111,7 +118,11 @@ public:
 
 private:
     bool Perform(Where where, void* work, bool (*call)(void* work, Edit& edit));
+    bool MayBegin(Where where);
+    void AddProblem(Problem&& problem) noexcept;
+    void AddProblem(const char* text, KARStatus status, Where where) noexcept;
     void KeepLog();
+    void CutKept() noexcept;
     /// Enters what somebody added or removed past the model.
     void RefreshIndex()
     {
@@ -147,7 +158,17 @@ private:
     std::uint32_t m_knownChanges = 0;
     std::vector<Problem> m_problems;
     EditLog m_log;
-    std::size_t m_openBlocks = 0;
+    /// A block of edits.
+    struct Block
+    {
+        std::size_t number = 0;
+        std::size_t begin = 0; // in the log
+    };
+    std::vector<Block> m_blocks; // the innermost one last
+    std::size_t m_lastBlock = 0;
+    int m_nearIndex = 0;
+    bool m_isRunning = false;
+    Where m_running{"", 0};
     /// The entities of the steps of open blocks, and how many steps these are.
     std::vector<Entity> m_kept;
     std::size_t m_keptSteps = 0;

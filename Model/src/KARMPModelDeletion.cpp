@@ -206,14 +206,21 @@ Dependent Told(const Referrer& referrer)
 
 Deletion Model::Delete(const Ref<KARMPEntity>& entity, const DeleteOptions& options, Where where)
 {
-    return DeleteAll({&entity, 1}, options, where);
+    return DeleteAll(
+        1,
+        [](const void* list, std::size_t) { return *static_cast<const Ref<KARMPEntity>*>(list); },
+        &entity, options, where);
 }
 
-Deletion Model::DeleteAll(std::span<const Ref<KARMPEntity>> entities, const DeleteOptions& options,
-                          Where where)
+Deletion Model::DeleteAll(std::size_t count,
+                          Ref<KARMPEntity> (*at)(const void* list, std::size_t index),
+                          const void* list, const DeleteOptions& options, Where where)
 {
     Deletion deletion;
     deletion.succeeded = m_core->Perform(where, [&](Edit& edit) {
+        RefList<KARMPEntity> entities;
+        for (std::size_t index = 0; index < count; ++index)
+            entities.push_back(at(list, index));
         for (const Ref<KARMPEntity>& entity : entities)
             if (!edit.IsThere(entity.Handle(), "entity to delete"))
                 return false;

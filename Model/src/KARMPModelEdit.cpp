@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <functional>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -14,6 +15,8 @@
 namespace karmp::model {
 
 namespace {
+
+constexpr std::wstring_view NameItem = L"name";
 
 // What an entity is made of knows it as its parent.
 bool HasOtherParent(const KARMPEntity& element, const KARMPEntity& owner)
@@ -31,43 +34,6 @@ void NameEntity(KARMPEntity& entity, std::string_view name, bool isAscii)
 }
 
 } // namespace
-
-void Edit::UndoAll()
-{
-    while (m_log.size() > m_begin) {
-        Undo(m_log.back());
-        m_log.pop_back();
-    }
-}
-
-void Edit::Undo(EditStep& step)
-{
-    switch (step.kind) {
-    case EditStep::Kind::Nothing:
-        break;
-    case EditStep::Kind::Filed:
-        m_core.Unfile(Entity(step.entity), step.family);
-        break;
-    case EditStep::Kind::Linked:
-        step.item->RemoveTarget(*step.entity, Entity(step.target));
-        break;
-    case EditStep::Kind::Unlinked:
-        step.item->AddTarget(*step.entity, Entity(step.target));
-        break;
-    case EditStep::Kind::Shortened:
-        RestoreList(*step.item, *step.entity, std::get<std::vector<Entity>>(step.former->value),
-                    step.former->words);
-        break;
-    case EditStep::Kind::Set:
-        // A value that is none, and cannot be unset, stays.
-        if (step.item->Takes(step.former->value))
-            static_cast<void>(step.item->Set(*step.entity, step.former->value));
-        break;
-    case EditStep::Kind::Renamed:
-        step.entity->setEntityName(step.former->name);
-        break;
-    }
-}
 
 // Allocates before anything is done, so that what is done can be noted.
 EditStep& Edit::NextStep()
@@ -135,7 +101,7 @@ Edit::Entity Edit::Create(const QOBClassInfo& info, std::string_view identifier)
     }
     step.kind = EditStep::Kind::Filed;
     step.entity = entity.get();
-    step.family = family;
+    step.index = family;
     if (!Check(m_core.File(entity, family), "the filing", *entity))
         entity = nullptr;
     return entity;
@@ -168,31 +134,22 @@ bool Edit::LinkOne(const ItemInfo& item, const Entity& owner, const Entity& targ
     return true;
 }
 
-// Once for all entries that are taken away, or a long list would be copied for each of them.
-void Edit::NoteList(const ItemInfo& item, const Entity& owner)
-{
-    if (m_noted == nullptr)
-        m_noted = std::make_unique<decltype(m_noted)::element_type>();
-    if (!m_noted->emplace(owner.get(), &item).second)
-        return;
-    EditStep& step = NextStep();
-    step.item = &item;
-    step.entity = owner.get();
-    step.former = std::make_unique<EditStep::Former>();
-    step.former->value = TargetsOf(item, *owner);
-    if (!item.entryWord.empty())
-        step.former->words = item.EntryWords(*owner);
-    step.kind = EditStep::Kind::Shortened;
-}
-
 bool Edit::UnlinkOne(const ItemInfo& item, const Entity& owner, const Entity& target, bool& any)
 {
-    if (item.kind == ItemKind::References)
-        NoteList(item, owner);
     EditStep& step = NextStep();
+    if (item.kind == ItemKind::References) {
+        const int index = item.FindTarget(*owner, *target, m_core.NearIndex());
+        item.TargetAt(*owner, index, step.word);
+        step.index = static_cast<std::size_t>(index);
+        // Many that go are often in a long list one behind the other.
+        constexpr int few = 16;
+        if (index >= 0 && item.Count(*owner) > few)
+            m_core.NearIndex() = index;
+    }
     const KARStatus status = item.RemoveTarget(*owner, target);
-    if (status == KARSuccess && item.kind == ItemKind::Reference) {
-        step.kind = EditStep::Kind::Unlinked;
+    if (status == KARSuccess) {
+        step.kind =
+            item.kind == ItemKind::References ? EditStep::Kind::Unlisted : EditStep::Kind::Unlinked;
         step.item = &item;
         step.entity = owner.get();
         step.target = target.get();
@@ -285,7 +242,7 @@ bool Edit::Unlink(const Entity& first, const Entity& second, std::string_view it
             const ItemInfo* const half = isSecond ? pair.second : pair.first;
             const Entity& owner = isSecond ? second : first;
             const Entity& target = isSecond ? first : second;
-            if (half == nullptr || !Holds(*half, *owner, target))
+            if (half == nullptr || !Holds(*half, *owner, target, m_core.NearIndex()))
                 continue;
             const bool isNeeded =
                 std::any_of(pairs.begin(), pairs.end(), [&](const LinkPair& other) {
@@ -309,10 +266,32 @@ bool Edit::Rename(const Entity& entity, std::string_view name)
         return Fail(TitleOf(*entity) + " needs a name");
     EditStep& step = NextStep();
     step.entity = entity.get();
-    step.former = std::make_unique<EditStep::Former>();
-    step.former->name = entity->getEntityName();
+    step.former = std::make_unique<EditStep::Former>(entity->getStoredName());
     NameEntity(*entity, name, IsAscii(name));
     step.kind = EditStep::Kind::Renamed;
+    return true;
+}
+
+// Made since the innermost block began, with which it goes.
+bool Edit::IsNew(const KARMPEntity& entity) const
+{
+    return std::any_of(
+        m_log.begin() + static_cast<std::ptrdiff_t>(m_core.BeginOfBlock()), m_log.end(),
+        [&entity](const EditStep& step) {
+            return step.kind == EditStep::Kind::Filed && step.entity == &entity;
+        });
+}
+
+bool Edit::AreThere(const Value& value)
+{
+    const auto* const records = std::get_if<std::vector<RecordValues>>(&value);
+    if (records == nullptr)
+        return true;
+    for (const RecordValues& record : *records)
+        for (const Value& field : record)
+            if (const auto* const target = std::get_if<Entity>(&field);
+                target != nullptr && !IsThere(*target, "entity in a record"))
+                return false;
     return true;
 }
 
@@ -320,22 +299,22 @@ bool Edit::Set(const Entity& entity, const ItemInfo& item, const Value& value)
 {
     if (item.kind == ItemKind::Reference || item.kind == ItemKind::References)
         return SetTargets(entity, item, value);
-    if (item.kind == ItemKind::Records && m_core.IsInBlock())
-        return Fail("records, as \"" + kar::ToUtf8(item.path) + "\" of " + TitleOf(*entity) +
-                    ", cannot be undone with the block of edits they are in");
-    if (const auto* const records = std::get_if<std::vector<RecordValues>>(&value))
-        for (const RecordValues& record : *records)
-            for (const Value& field : record)
-                if (const auto* const target = std::get_if<Entity>(&field);
-                    target != nullptr && !IsThere(*target, "entity in a record"))
-                    return false;
+    if (const auto* const name = std::get_if<std::wstring>(&value);
+        name != nullptr && item.path == NameItem)
+        return Rename(entity, kar::ToUtf8(*name));
+    if (!AreThere(value))
+        return false;
     EditStep& step = NextStep();
     step.item = &item;
     step.entity = entity.get();
-    step.former = std::make_unique<EditStep::Former>();
-    step.former->value = item.Get(*entity);
+    step.former = std::make_unique<EditStep::Former>(kar::SharedText(), item.Get(*entity));
+    // Records can be added only, and a value that is none may be one that cannot be unset.
+    const bool canBeUndone = item.kind != ItemKind::Records && item.Takes(step.former->value);
+    if (!canBeUndone && m_core.IsInBlock() && !IsNew(*entity))
+        return Fail('"' + kar::ToUtf8(item.path) + "\" of " + TitleOf(*entity) +
+                    " cannot be undone with the block of edits it is set in");
     // A setter that fails may have stored the value.
-    if (item.kind != ItemKind::Records)
+    if (canBeUndone)
         step.kind = EditStep::Kind::Set;
     std::string why;
     const KARStatus status = item.Set(*entity, value, why);
@@ -344,23 +323,65 @@ bool Edit::Set(const Entity& entity, const ItemInfo& item, const Value& value)
                 status);
 }
 
+namespace {
+
+using Targets = std::vector<Edit::Entity>;
+
+bool IsIn(const Targets& targets, const Edit::Entity& target)
+{
+    return std::find(targets.begin(), targets.end(), target) != targets.end();
+}
+
+bool HasRepetition(const Targets& targets)
+{
+    std::vector<const KARMPEntity*> sorted;
+    for (const Edit::Entity& target : targets)
+        sorted.push_back(target.get());
+    std::sort(sorted.begin(), sorted.end(), std::less<>());
+    return std::adjacent_find(sorted.begin(), sorted.end()) != sorted.end();
+}
+
+std::size_t SameAtTheBegin(const Targets& left, const Targets& right)
+{
+    return static_cast<std::size_t>(
+        std::mismatch(left.begin(), left.end(), right.begin(), right.end()).first - left.begin());
+}
+
+} // namespace
+
 bool Edit::SetTargets(const Entity& entity, const ItemInfo& item, const Value& value)
 {
-    std::vector<Entity> wanted;
+    Targets wanted;
+    const std::string path = kar::ToUtf8(item.path);
     if (const auto* const target = std::get_if<Entity>(&value))
         wanted.push_back(*target);
-    else if (const auto* const targets = std::get_if<std::vector<Entity>>(&value))
+    else if (const auto* const targets = std::get_if<Targets>(&value))
         wanted = *targets;
     else if (!value.IsNone())
-        return Fail('"' + kar::ToUtf8(item.path) + "\" of " + TitleOf(*entity) +
-                    " refers to entities");
-    const std::string path = kar::ToUtf8(item.path);
-    for (const Entity& held : TargetsOf(item, *entity))
-        if (std::find(wanted.begin(), wanted.end(), held) == wanted.end() &&
-            !Unlink(entity, held, path))
+        return Fail('"' + path + "\" of " + TitleOf(*entity) + " refers to entities");
+    if (HasRepetition(wanted))
+        return Fail('"' + path + "\" of " + TitleOf(*entity) + " has each entity once");
+    const Targets held = TargetsOf(item, *entity);
+    Targets left;
+    for (const Entity& target : held)
+        if (IsIn(wanted, target))
+            left.push_back(target);
+        else if (!Unlink(entity, target, path))
             return false;
-    return std::all_of(wanted.begin(), wanted.end(),
-                       [&](const Entity& target) { return Link(entity, target, path); });
+    // Where the order or a word counts, all from the first difference on are made anew; the other
+    // halves of those that stay are as they were.
+    std::size_t kept = left.size();
+    if (item.isInOrder || !item.entryWord.empty())
+        kept = SameAtTheBegin(left, wanted);
+    if (!item.entryWord.empty())
+        kept = std::min(kept, SameAtTheBegin(held, wanted));
+    bool any = false;
+    for (std::size_t i = left.size(); i > kept; --i)
+        if (!UnlinkOne(item, entity, left[i - 1], any))
+            return false;
+    return std::all_of(wanted.begin(), wanted.end(), [&](const Entity& target) {
+        return IsIn(held, target) ? LinkOne(item, entity, target) : Link(entity, target, path);
+    });
 }
 
 } // namespace karmp::model

@@ -4,15 +4,14 @@
 #include "KARMPItems.h"
 #include "KARMPModelResult.h"
 #include "KARMPModelSettings.h"
+#include "KARSharedText.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace karmp::model {
@@ -23,23 +22,25 @@ class Core;
 /// caller.
 struct EditStep
 {
-    enum class Kind : std::uint8_t { Nothing, Filed, Linked, Unlinked, Shortened, Set, Renamed };
+    /// An Unlinked single reference, an entry of a list that was Unlisted.
+    enum class Kind : std::uint8_t { Nothing, Filed, Linked, Unlinked, Unlisted, Set, Renamed };
 
     /// What was there before.
     struct Former
     {
-        std::wstring name;
+        kar::SharedText name;
         Value value;
-        /// The words of the entries of a list.
-        std::vector<std::wstring_view> words;
     };
 
     Kind kind = Kind::Nothing;
     KARMPEntity* entity = nullptr;
     KARMPEntity* target = nullptr;
-    std::size_t family = 0;
+    /// The family of what was filed, the index of what was unlisted.
+    std::size_t index = 0;
     const ItemInfo* item = nullptr;
     std::unique_ptr<Former> former = nullptr;
+    /// The word of the entry that was unlisted.
+    std::wstring_view word = {};
 };
 using EditLog = std::vector<EditStep>;
 
@@ -62,8 +63,9 @@ public:
     Core& Model() { return m_core; }
     /// Keeps what was done; the steps stay in the log for an undo of a block of calls.
     void Commit() { m_isCommitted = true; }
-    /// Undoes what was done.
-    void UndoAll();
+    /// Undoes what was done. Nothing is thrown: what cannot be undone, since an allocation fails,
+    /// is left, and the model tells it.
+    void UndoAll() noexcept;
 
     /// Keeps the first reason for which the edit fails; always false.
     bool Fail(std::string text, KARStatus status = KARFailure);
@@ -105,7 +107,11 @@ public:
     bool UnlinkOne(const ItemInfo& item, const Entity& owner, const Entity& target, bool& any);
 
 private:
-    void Undo(EditStep& step);
+    void Undo(const EditStep& step);
+    std::size_t FirstOfUnlinks() const;
+    bool UndoUnlinks();
+    bool IsNew(const KARMPEntity& entity) const;
+    bool AreThere(const Value& value);
     bool FailCheck(KARStatus status, std::string_view what, const KARMPEntity& entity);
     bool FailToCreate(const QOBClassInfo& info, const Entity& entity);
     bool FailAsTaken(std::string_view identifier, const KARMPEntity& entity);
@@ -113,14 +119,13 @@ private:
     bool SetNumberOf(const Entity& entity, const ItemInfo& item, double number);
     bool SetTargets(const Entity& entity, const ItemInfo& item, const Value& value);
     EditStep& NextStep();
-    void NoteList(const ItemInfo& item, const Entity& owner);
 
     Core& m_core;
     EditLog& m_log;
     std::size_t m_begin;
     bool m_isCommitted = false;
-    /// The lists that were noted as they were; null before the first one.
-    std::unique_ptr<std::set<std::pair<const KARMPEntity*, const ItemInfo*>>> m_noted;
+    /// Unlinks are undone one by one, which allocates nothing.
+    bool m_isUndoneByOne = false;
     std::optional<Problem> m_reason;
 };
 

@@ -102,10 +102,10 @@ std::vector<Entity> TargetsOf(const ItemInfo& item, const KARMPEntity& entity)
     return {};
 }
 
-bool Holds(const ItemInfo& item, const KARMPEntity& entity, const Entity& target)
+bool Holds(const ItemInfo& item, const KARMPEntity& entity, const Entity& target, int near)
 {
-    const auto targets = TargetsOf(item, entity);
-    return std::find(targets.begin(), targets.end(), target) != targets.end();
+    return item.kind == ItemKind::References ? target && item.FindTarget(entity, *target, near) >= 0
+                                             : target && HeldBy(item, entity) == target;
 }
 
 KARStatus LinkHalf(const ItemInfo& item, KARMPEntity& entity, const Entity& target)
@@ -113,19 +113,6 @@ KARStatus LinkHalf(const ItemInfo& item, KARMPEntity& entity, const Entity& targ
     if (item.entryWord.empty())
         return item.AddTarget(entity, target);
     return item.AddTarget(entity, target, item.Count(entity) == 0 ? ParentWord : ChildWord);
-}
-
-// What stands before the first difference stays.
-void RestoreList(const ItemInfo& item, KARMPEntity& entity, const std::vector<Entity>& targets,
-                 const std::vector<std::wstring_view>& words)
-{
-    const auto held = TargetsOf(item, entity);
-    const auto [other, former] =
-        std::mismatch(held.begin(), held.end(), targets.begin(), targets.end());
-    for (auto entry = other; entry != held.end(); ++entry)
-        item.RemoveTarget(entity, *entry);
-    for (auto i = static_cast<std::size_t>(former - targets.begin()); i < targets.size(); ++i)
-        item.AddTarget(entity, targets[i], i < words.size() ? words[i] : std::wstring_view());
 }
 
 const std::vector<LinkPair>& PairsBetween(const QOBClassInfo& first, const QOBClassInfo& second)

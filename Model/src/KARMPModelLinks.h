@@ -19,18 +19,14 @@ QOBSharedHandle<KARMPEntity> HeldBy(const ItemInfo& item, const KARMPEntity& ent
 std::vector<QOBSharedHandle<KARMPEntity>> TargetsOf(const ItemInfo& item,
                                                     const KARMPEntity& entity);
 
-/// True when an item refers to a target.
+/// True when an item refers to a target; of a list, an index is looked at first.
 bool Holds(const ItemInfo& item, const KARMPEntity& entity,
-           const QOBSharedHandle<KARMPEntity>& target);
+           const QOBSharedHandle<KARMPEntity>& target, int near = 0);
 
 /// Links a target on one side; of a list whose entries have words, which are those of a joint's
 /// bodies, the first entry is the parent and the others are children.
 KARStatus LinkHalf(const ItemInfo& item, KARMPEntity& entity,
                    const QOBSharedHandle<KARMPEntity>& target);
-/// Makes a list hold the targets that it held, with their words, in that order.
-void RestoreList(const ItemInfo& item, KARMPEntity& entity,
-                 const std::vector<QOBSharedHandle<KARMPEntity>>& targets,
-                 const std::vector<std::wstring_view>& words);
 
 /// The two halves of a link between entities of two classes, an item of each. A reference that
 /// needs no counterpart has a first half alone.

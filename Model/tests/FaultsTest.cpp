@@ -240,6 +240,38 @@ public:
         return 0;
     }
 
+    /// Lets each allocation fail, and with it all that follow. The undo needs memory where a list
+    /// was emptied, and says so then.
+    void ExhaustMemory(const Call& call)
+    {
+        for (std::size_t failing = 1;; ++failing) {
+            Looked looked;
+            bool succeeded = false;
+            bool failed = false;
+            {
+                AllocationCounter allocations;
+                allocations.FailAllocationsFrom(failing);
+                succeeded = call.make(looked.model);
+                failed = allocations.Count() >= failing;
+            }
+            TakeReports();
+            const std::string name = std::string(call.name) + ", from " + std::to_string(failing);
+            if (!failed) {
+                EXPECT_TRUE(succeeded) << name;
+                break;
+            }
+            ASSERT_FALSE(succeeded) << name;
+            ASSERT_FALSE(looked.model.Problems().empty()) << name;
+            if (looked.model.Problems().size() > 1) {
+                EXPECT_EQ(looked.model.Problems().back().text, "the undo failed") << name;
+                ++notUndone;
+                continue;
+            }
+            looked.ExpectUnchangedBy(call, name, {KAROutOfMemory, KARFailure});
+        }
+    }
+    int notUndone = 0;
+
     /// The same with each allocation of a call. In a thread of its own, which keeps nothing that
     /// was found once, its classes are cold.
     void FailAllocations(const Call& call, bool isCold)
@@ -312,6 +344,50 @@ TEST_F(FaultsTest, ModelIsUnchangedWhenAnAllocationFails)
     for (const auto& calls : {Calls(), Changes()})
         for (const Call& call : calls)
             FailAllocations(call, false);
+}
+
+TEST_F(FaultsTest, ModelIsUnchangedWhenMemoryIsExhausted)
+{
+    if (!AllocationCounter::Counts)
+        GTEST_SKIP() << "Allocations are not counted in this build";
+    for (const auto& calls : {Calls(), Changes()})
+        for (const Call& call : calls)
+            ExhaustMemory(call);
+    EXPECT_EQ(notUndone, 0);
+}
+
+TEST_F(FaultsTest, CallThatIsRefusedThrowsNothingWhenAnAllocationFails)
+{
+    if (!AllocationCounter::Counts)
+        GTEST_SKIP() << "Allocations are not counted in this build";
+    const RefList<KARMPBody> none(9);
+    const std::vector<Call> refused{
+        {"a taken identifier", [](Model& model) { return bool(model.Body("A")); }},
+        {"an empty identifier", [](Model& model) { return bool(model.Body("")); }},
+        {"an unknown class", [](Model& model) { return bool(model.Add("KARMPBodx", "New")); }},
+        {"a joint of one body",
+         [](Model& model) {
+             const auto a = model.Find<KARMPBody>("A");
+             return bool(model.Joint<KARMPRevolute>("New", a, a, KARMathPoint()));
+         }},
+        {"a list of false references", [&none](Model& model) { return bool(model.Delete(none)); }},
+    };
+    for (const Call& call : refused) {
+        bool failed = true;
+        for (std::size_t failing = 1; failed; ++failing) {
+            Looked looked;
+            const std::string name = std::string(call.name) + ", " + std::to_string(failing);
+            {
+                AllocationCounter allocations;
+                allocations.FailAllocation(failing);
+                EXPECT_NO_THROW(EXPECT_FALSE(call.make(looked.model)) << name) << name;
+                failed = allocations.Count() >= failing;
+            }
+            EXPECT_EQ(looked.model.Problems().size(), 1U) << name;
+            looked.model.ClearProblems();
+            EXPECT_TRUE(TextOf(looked.model) == looked.before) << name;
+        }
+    }
 }
 
 TEST_F(FaultsTest, ModelIsUnchangedWhenAnAllocationForAColdClassFails)

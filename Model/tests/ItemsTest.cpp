@@ -194,4 +194,82 @@ TEST_F(ItemsTest, ReferenceToAnotherClassLeavesTheFormerOne)
     EXPECT_EQ(BrokenLinks(model), "");
 }
 
+/// Three bodies, and a joint of the first two.
+struct Jointed
+{
+    Model model{"M"};
+    Ref<KARMPBody> a = model.Body("A");
+    Ref<KARMPBody> b = model.Body("B");
+    Ref<KARMPBody> c = model.Body("C");
+    Ref<KARMPJoint> joint = model.Joint<KARMPRevolute>("J", a, b, KARMathPoint());
+
+    bool SetBodies(const RefList<KARMPBody>& bodies)
+    {
+        std::vector<QOBSharedHandle<KARMPEntity>> targets;
+        for (const auto& body : bodies)
+            targets.emplace_back(body.Handle());
+        return model.Set(joint, "Bodies", targets);
+    }
+    /// The parent and the child, by the words of the entries.
+    std::string Bodies()
+    {
+        const karmp::ItemInfo& item = *karmp::FindItem(joint->getClassInfo(), L"Bodies");
+        const auto words = item.EntryWords(*joint);
+        std::string text;
+        for (std::size_t i = 0; i < words.size(); ++i)
+            text += kar::ToUtf8(TargetsOf(item, *joint)[i]->getEntityName()) +
+                    kar::ToUtf8(words[i]) + ' ';
+        return text;
+    }
+};
+
+TEST_F(ItemsTest, ListWithAnOrderIsSetInThatOrder)
+{
+    Jointed set;
+    const std::string before = TextOf(set.model);
+    EXPECT_EQ(set.Bodies(), "AOut BIn ");
+    EXPECT_TRUE(set.SetBodies({set.b, set.a}));
+    EXPECT_EQ(set.Bodies(), "BOut AIn ");
+    EXPECT_EQ(BrokenLinks(set.model), "");
+    EXPECT_TRUE(set.SetBodies({set.c, set.b}));
+    EXPECT_EQ(set.Bodies(), "COut BIn ");
+    EXPECT_EQ(set.a->GetLinkedJointCount(), 0);
+    EXPECT_TRUE(set.SetBodies({set.b}));
+    EXPECT_EQ(set.Bodies(), "BOut ");
+    EXPECT_TRUE(set.SetBodies({set.a, set.b}));
+    EXPECT_TRUE(TextOf(set.model) == before);
+}
+
+TEST_F(ItemsTest, ListThatIsUndoneStandsInItsOrderAgain)
+{
+    Jointed set;
+    const std::string before = TextOf(set.model);
+    const auto begin = set.model.BeginEditing();
+    EXPECT_TRUE(set.SetBodies({set.c, set.a}));
+    EXPECT_TRUE(set.SetBodies({set.b}));
+    set.model.EndEditing(begin, false);
+    EXPECT_TRUE(TextOf(set.model) == before);
+    EXPECT_EQ(set.Bodies(), "AOut BIn ");
+}
+
+TEST_F(ItemsTest, RepetitionInAListIsRefused)
+{
+    Jointed set;
+    EXPECT_FALSE(set.SetBodies({set.a, set.a}));
+    ASSERT_EQ(set.model.Problems().size(), 1U);
+    EXPECT_EQ(set.model.Problems()[0].text,
+              "\"Bodies\" of KARMPRevolute \"J\" has each entity once");
+    EXPECT_EQ(set.Bodies(), "AOut BIn ");
+}
+
+TEST_F(ItemsTest, NameIsSetAsRenameGivesIt)
+{
+    Model model("M");
+    const auto body = model.Body("A");
+    EXPECT_FALSE(model.Set(body, "name", std::wstring()));
+    EXPECT_EQ(body->getEntityName(), L"A");
+    EXPECT_TRUE(model.Set(body, "name", std::wstring(L"Other")));
+    EXPECT_EQ(body->getEntityName(), L"Other");
+}
+
 } // namespace

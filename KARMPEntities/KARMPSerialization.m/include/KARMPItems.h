@@ -85,6 +85,14 @@ struct ItemInfo
     KARMP_API int Count(const KARMPEntity& entity) const;
     /// The words of a list's entries, as many as Get gives entries; empty texts without a word.
     KARMP_API std::vector<std::wstring_view> EntryWords(const KARMPEntity& entity) const;
+    /// The entry of a list at an index below Count, null when it cannot be had, and its word, empty
+    /// without one. Allocates nothing.
+    KARMP_API QOBSharedHandle<KARMPEntity> TargetAt(const KARMPEntity& entity, int index,
+                                                    std::wstring_view& word) const;
+    /// The index of a target in a list, -1 when it is not listed; looks at an index and the one
+    /// before it first. Allocates nothing.
+    KARMP_API int FindTarget(const KARMPEntity& entity, const KARMPEntity& linked,
+                             int first = 0) const;
     /// Stores a value by the way that reading takes, so that a loader hears of it. A word may be
     /// given as a text as well. A list takes the entities that it does not hold yet, records those
     /// behind the ones that they hold; links are made and dropped on this side only, none drops the

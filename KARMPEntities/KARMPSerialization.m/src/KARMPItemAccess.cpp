@@ -272,6 +272,33 @@ std::vector<std::wstring_view> ItemInfo::EntryWords(const KARMPEntity& entity) c
     return texts;
 }
 
+Target ItemInfo::TargetAt(const KARMPEntity& entity, int index, std::wstring_view& word) const
+{
+    word = {};
+    if (kind != ItemKind::References || index < 0 || index >= Count(entity))
+        return {};
+    ItemValue value;
+    if (KARFailed(written->at(&entity, index, value)))
+        return {};
+    const auto row = static_cast<std::size_t>(value.number);
+    if (row < entryWords.size())
+        word = entryWords[row];
+    return HandleOf(value);
+}
+
+int ItemInfo::FindTarget(const KARMPEntity& entity, const KARMPEntity& linked, int first) const
+{
+    std::wstring_view word;
+    for (const int near : {first, first - 1})
+        if (TargetAt(entity, near, word).get() == &linked)
+            return near;
+    const int count = Count(entity);
+    for (int index = 0; index < count; ++index)
+        if (TargetAt(entity, index, word).get() == &linked)
+            return index;
+    return -1;
+}
+
 KARStatus ItemInfo::SetIn(void* owner, const Value& data) const
 {
     if (!readOnly.empty())
