@@ -338,6 +338,16 @@ TEST_F(EditCommands, EntitiesThatGoTogetherMayBeNamedTogether)
     EXPECT_EQ(ReadFile(m_document).find("\"Crank pin"), std::string::npos);
 }
 
+TEST_F(EditCommands, ADocumentThatNoModelIsMadeOfIsLeftAsItIs)
+{
+    const Outcome outcome = Run("rename '" + m_document + "' Crank Kurbel",
+                                "ASAN_OPTIONS=verify_asan_link_order=0 KARMP_COMPLETION_FAILS=1 "
+                                "LD_PRELOAD=" KARMP_WORLD_CALLS_LIBRARY);
+    EXPECT_EQ(outcome.code, 2);
+    EXPECT_EQ(outcome.output, "karmp: the globals of the world cannot be listed\n");
+    EXPECT_EQ(ReadFile(m_document), CleanDocument());
+}
+
 TEST_F(EditCommands, ReferencesAreSetOnBothSidesAndTakenAway)
 {
     EXPECT_EQ(Run("set '" + m_document + "' Damping is_fixed=yes").code, 64);

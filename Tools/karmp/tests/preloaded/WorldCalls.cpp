@@ -1,5 +1,5 @@
 // Loaded before the libraries of a program, notes each world that it reads or writes in the file
-// that the environment names.
+// that the environment names, and lets the completion of a world fail if the environment says so.
 #include "KARMPWorld.h"
 
 #include <cstdlib>
@@ -37,3 +37,15 @@ KARStatus KARMPWorld::Serialize(KARMPSerializer* serializer) const
     Note("written");
     return Next<Function>("_ZNK10KARMPWorld9SerializeEP15KARMPSerializer")(this, serializer);
 }
+
+namespace karmp::documents {
+
+__attribute__((visibility("default"))) KARStatus CompleteWorld(KARMPWorld& world)
+{
+    using Function = KARStatus (*)(KARMPWorld&);
+    if (std::getenv("KARMP_COMPLETION_FAILS") != nullptr)
+        return KAROutOfMemory;
+    return Next<Function>("_ZN5karmp9documents13CompleteWorldER10KARMPWorld")(world);
+}
+
+} // namespace karmp::documents
