@@ -34,6 +34,7 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <typeinfo>
 #include <utility>
 #include <vector>
 
@@ -52,6 +53,9 @@ namespace karmp::model {
 
 class Core;
 struct Extraction;
+
+/// Ends the process with a sentence: a model was used that was moved from.
+[[noreturn]] KARMP_MODEL_API void StopAtMovedModel();
 
 /// How models are saved where nothing else is said: all doubles as they are.
 KARMP_MODEL_API documents::SaveOptions Exactly();
@@ -95,7 +99,7 @@ struct DeleteOptions
 /// A mechanism: a world, and the calls that build and edit it.
 ///
 /// The world may be changed by its own operations as well; the model notices what is added to or
-/// removed from it.
+/// removed from it. Use of a model that was moved from ends the process with a sentence.
 class KARMP_MODEL_API Model
 {
     using Entity = QOBSharedHandle<KARMPEntity>;
@@ -132,7 +136,7 @@ public:
     template <class T>
     Ref<T> Add(std::string_view identifier, Settings settings, Where where = Where::current())
     {
-        return Typed<T>(AddEntity(T::ClassInfo(), identifier, settings, where));
+        return Typed<T>(AddEntity(T::ClassInfo(), &IsExactly<T>, identifier, settings, where));
     }
     Ref<KARMPEntity> Add(std::string_view className, std::string_view identifier,
                          Where where = Where::current());
@@ -482,6 +486,12 @@ private:
         else
             return dynamic_cast<const T*>(&entity) != nullptr;
     }
+    // A subclass without a record of its own has that of its base, of which the entity is.
+    template <class T>
+    static bool IsExactly(const KARMPEntity& entity)
+    {
+        return typeid(entity) == typeid(T) || dynamic_cast<const T*>(&entity) != nullptr;
+    }
     // The index of the family that T belongs to, -1 for a base of several.
     template <class T, class... F>
     static constexpr int FamilyIndex(FamilyList<F...>)
@@ -497,8 +507,8 @@ private:
         return (std::is_same_v<F, T> || ...);
     }
 
-    Entity AddEntity(const QOBClassInfo& info, std::string_view identifier, Settings settings,
-                     Where where);
+    Entity AddEntity(const QOBClassInfo& info, bool (*fits)(const KARMPEntity&),
+                     std::string_view identifier, Settings settings, Where where);
     Deletion DeleteAll(std::size_t count,
                        Ref<KARMPEntity> (*at)(const void* list, std::size_t index),
                        const void* list, const DeleteOptions& options, Where where);
@@ -512,7 +522,27 @@ private:
                  void (*add)(void* list, Entity&& entity),
                  void (*reserve)(void* list, std::size_t count), void* list) const;
 
-    std::unique_ptr<Core> m_core;
+    /// What the model is made of, which a move takes along.
+    class Owned
+    {
+    public:
+        Owned(std::unique_ptr<Core> core) noexcept;
+        Owned(Owned&& other) noexcept;
+        Owned& operator=(Owned&& other) noexcept;
+        ~Owned();
+        Core* operator->() const { return &**this; }
+        Core& operator*() const
+        {
+            if (m_core == nullptr)
+                StopAtMovedModel();
+            return *m_core;
+        }
+
+    private:
+        std::unique_ptr<Core> m_core;
+    };
+
+    Owned m_core;
 };
 
 /// A part of a model.

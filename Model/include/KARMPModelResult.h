@@ -9,6 +9,7 @@
 #include <iosfwd>
 #include <optional>
 #include <string>
+#include <type_traits>
 #include <utility>
 
 namespace karmp::model {
@@ -53,6 +54,8 @@ public:
     int Report(std::ostream& stream) const;
 
 protected:
+    /// A failure, also of an outcome that succeeded, which has no value to give.
+    static Outcome AsFailure(Outcome outcome);
     void Keep(documents::Diagnostics findings) { m_findings = std::move(findings); }
 
 private:
@@ -74,8 +77,12 @@ public:
     {
         Keep(std::move(findings));
     }
-    /// A failure, without a value.
-    Result(Outcome failure) : Outcome(std::move(failure)) {}
+    /// A failure, without a value; also where the outcome is a success, which has none.
+    Result(Outcome failure) : Outcome(AsFailure(std::move(failure))) {}
+    /// The result of another call is no value.
+    template <class U>
+    requires(!std::is_same_v<U, T>) Result(const Result<U>&)
+    = delete;
 
     /// The value, which only a success has.
     T& operator*() & { return *Checked(*this).m_value; }

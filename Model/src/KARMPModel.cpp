@@ -5,6 +5,7 @@
 #include "KARMPGenericFactory.h"
 #include "KARMPModelCore.h"
 #include "KARMPModelNames.h"
+#include "KARMPModelPlacing.h"
 #include "KARMPVariable.h"
 #include "KARTextConversion.h"
 #include "QOBBasicWorld.h"
@@ -65,6 +66,8 @@ Model::Model(std::string_view name, const ModelOptions& options, Where where)
             IdentifyGlobals(world);
             PlaceAll(*m_core);
             const bool isSet = !KARFailed(world.SetLengthUnit(KARMPUnit::Meter)) &&
+                               IsPositive(options.linearTolerance) &&
+                               IsPositive(options.angularTolerance) && IsFinite(options.gravity) &&
                                !KARFailed(world.SetLinearTolerance(options.linearTolerance)) &&
                                !KARFailed(world.SetAngularTolerance(options.angularTolerance)) &&
                                !KARFailed(world.SetGravity(options.gravity));
@@ -88,6 +91,11 @@ Model::Model(const QOBSharedHandle<KARMPWorld>& world, Where where)
         });
 }
 
+Model::Owned::Owned(std::unique_ptr<Core> core) noexcept : m_core(std::move(core)) {}
+Model::Owned::Owned(Owned&& other) noexcept = default;
+Model::Owned& Model::Owned::operator=(Owned&& other) noexcept = default;
+Model::Owned::~Owned() = default;
+
 Model::Model(Model&& other) noexcept = default;
 Model& Model::operator=(Model&& other) noexcept = default;
 Model::~Model() = default;
@@ -110,6 +118,8 @@ void Model::ClearProblems()
 Ref<KARMPBody> Model::Ground() const
 {
     QOBSharedHandle<KARMPBody> body;
+    if (!World())
+        return {};
     World()->GetGroundBody(body);
     if (!body)
         World()->GetGlobalBody(body);
@@ -119,17 +129,20 @@ Ref<KARMPBody> Model::Ground() const
 Ref<KARMPVariable> Model::Time() const
 {
     QOBSharedHandle<KARMPVariable> time;
-    World()->GetGlobalTime(time);
+    if (World())
+        World()->GetGlobalTime(time);
     return Ref<KARMPVariable>(time);
 }
 
-Model::Entity Model::AddEntity(const QOBClassInfo& info, std::string_view identifier,
-                               Settings settings, Where where)
+Model::Entity Model::AddEntity(const QOBClassInfo& info, bool (*fits)(const KARMPEntity&),
+                               std::string_view identifier, Settings settings, Where where)
 {
     return m_core->Make<KARMPEntity>(
         where,
         [&](Edit& edit, Entity& entity) {
             entity = edit.Create(info, identifier);
+            if (entity && !fits(*entity))
+                return edit.Fail("the factory makes a " + info.getName() + ", no subclass of it");
             return entity && edit.SetAll(entity, settings);
         });
 }
@@ -142,7 +155,7 @@ Ref<KARMPEntity> Model::Add(std::string_view className, std::string_view identif
             // The factory knows classes by name alone, so that one entity tells the record.
             const auto names = KARMPFactory::GetClassNames();
             const std::string nearest = NearestName(className, names);
-            if (nearest != className)
+            if (className.empty() || nearest != className)
                 return edit.Fail("there is no class \"" + std::string(className) + '"' +
                                  (nearest.empty() ? nearest : "; near: \"" + nearest + '"'));
             Entity sample;

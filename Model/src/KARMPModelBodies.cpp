@@ -74,18 +74,30 @@ KARStatus FixBody(KARMPBody2D& body)
     return body.Fix2D();
 }
 
+// A point that all numbers of a position move.
+template <class Point>
+Point Ones()
+{
+    if constexpr (std::is_same_v<Point, KARMathPoint>)
+        return {1.0, 1.0, 1.0};
+    else
+        return {1.0, 1.0};
+}
+
 template <class Body, class Options>
 bool ApplyPosition(Edit& edit, Body& body, const Options& options)
 {
+    using Point = std::remove_cvref_t<decltype(*options.at)>;
     auto position = options.position;
     if (!position && options.towards) {
-        using Point = std::remove_cvref_t<decltype(*options.at)>;
         position = Looking(options.at.value_or(Point()), *options.towards);
         if (!position)
             return edit.Fail(TitleOf(body) + " looks at its own origin");
     } else if (!position) {
         position = Moved(*options.at);
     }
+    if (!IsFinite(*position * Ones<Point>()))
+        return edit.Fail("the position of " + TitleOf(body) + " is not finite");
     return edit.Check(Place(body, *position), "the position", body);
 }
 
@@ -93,6 +105,8 @@ bool ApplyPosition(Edit& edit, Body& body, const Options& options)
 template <class Body, class Options>
 bool Apply(Edit& edit, Body& body, const Options& options)
 {
+    if (options.mass != 0.0 && !IsPositive(options.mass))
+        return edit.Fail("the mass of " + TitleOf(body) + " is no finite number from 0 on");
     const bool isPlaced = options.position || options.towards || options.at;
     return (!isPlaced || ApplyPosition(edit, body, options)) &&
            (options.mass == 0.0 || edit.Check(body.SetMass(options.mass), "the mass", body)) &&

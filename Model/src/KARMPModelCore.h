@@ -93,7 +93,10 @@ public:
     /// Takes it out again, out of the index too; it is orphaned.
     void Unfile(const Entity& entity, std::size_t family);
     /// How many entities the world lists of a family.
-    std::size_t Count(std::size_t family) const { return m_registries[family]->Count(); }
+    std::size_t Count(std::size_t family) const
+    {
+        return family < m_registries.size() ? m_registries[family]->Count() : 0;
+    }
 
     /// The entity of an identifier, null without one.
     KARMPEntity* FindByIdentifier(std::string_view identifier)

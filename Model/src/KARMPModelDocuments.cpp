@@ -14,6 +14,8 @@ namespace {
 using documents::Diagnostics;
 using documents::Severity;
 
+constexpr const char* NoWorld = "there is no world";
+
 bool HasErrors(const Diagnostics& findings)
 {
     return std::any_of(
@@ -53,6 +55,8 @@ Result<void> Model::Save(const std::filesystem::path& path, const documents::Sav
 {
     if (!Problems().empty())
         return Outcome(Problems().front());
+    if (!World())
+        return Failed(NoWorld, where, {});
     Diagnostics findings = documents::SaveFile(World(), path, options);
     if (HasErrors(findings))
         return Failed(path.string() + " was not saved", where, std::move(findings));
@@ -63,6 +67,8 @@ Result<std::string> Model::Text(const documents::SaveOptions& options, Where whe
 {
     if (!Problems().empty())
         return Outcome(Problems().front());
+    if (!World())
+        return Failed(NoWorld, where, {});
     std::string text;
     Diagnostics findings = documents::SaveText(World(), text, options);
     if (HasErrors(findings))
@@ -72,6 +78,8 @@ Result<std::string> Model::Text(const documents::SaveOptions& options, Where whe
 
 documents::Diagnostics Model::Check(documents::CheckLevel level) const
 {
+    if (!World())
+        return {};
     std::string text;
     Diagnostics findings = documents::SaveText(World(), text, Exactly());
     if (HasErrors(findings))
@@ -83,6 +91,8 @@ documents::Diagnostics Model::Check(documents::CheckLevel level) const
 
 Result<Model> Model::Clone(Where where) const
 {
+    if (!World())
+        return Failed(NoWorld, where, {});
     std::string text;
     Diagnostics findings = documents::SaveText(World(), text, Exactly());
     if (HasErrors(findings))
@@ -95,6 +105,8 @@ Result<Model> Model::Clone(Where where) const
 Result<Extraction> Model::Extract(std::span<const Ref<KARMPBody>> bodies,
                                   const documents::ExtractionOptions& options, Where where) const
 {
+    if (!World())
+        return Failed(NoWorld, where, {});
     std::vector<QOBSharedHandle<KARMPBody>> handles;
     for (const Ref<KARMPBody>& body : bodies) {
         if (!body)
@@ -117,6 +129,8 @@ Result<Extraction> Model::Extract(std::span<const Ref<KARMPBody>> bodies,
 std::vector<documents::Difference> Model::Diff(const Model& other,
                                                const documents::DifferenceOptions& options) const
 {
+    if (!World() || !other.World())
+        return {};
     return documents::FindDifferences(*World(), *other.World(), options);
 }
 

@@ -25,6 +25,18 @@ bool HasOtherParent(const KARMPEntity& element, const KARMPEntity& owner)
     return !KARFailed(element.GetParentEntity(parent)) && parent && parent.get() != &owner;
 }
 
+// True for an entity itself, and for what it is made of.
+bool IsWithin(Edit::Entity element, const KARMPEntity& entity)
+{
+    while (element && element.get() != &entity) {
+        Edit::Entity parent;
+        if (KARFailed(element->GetParentEntity(parent)))
+            return false;
+        element = std::move(parent);
+    }
+    return static_cast<bool>(element);
+}
+
 void NameEntity(KARMPEntity& entity, std::string_view name, bool isAscii)
 {
     if (isAscii)
@@ -115,6 +127,8 @@ bool Edit::LinkOne(const ItemInfo& item, const Entity& owner, const Entity& targ
     if (held)
         return Fail(TitleOf(*owner) + " is linked to " + TitleOf(*held) + " already, by its \"" +
                     kar::ToUtf8(item.path) + '"');
+    if (item.name == Elements && IsWithin(owner, *target))
+        return Fail(TitleOf(*target) + " cannot be an element of itself");
     if (item.name == Elements && HasOtherParent(*target, *owner))
         return Fail(TitleOf(*target) + " is an element of another entity already");
     EditStep& step = NextStep();

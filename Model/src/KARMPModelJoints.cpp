@@ -7,6 +7,7 @@
 #include "KARMPLinearEquation.h"
 #include "KARMPModel.h"
 #include "KARMPModelCore.h"
+#include "KARMPModelLinks.h"
 #include "KARMPModelNames.h"
 #include "KARMPModelPlacing.h"
 #include "KARMPPlane.h"
@@ -246,8 +247,16 @@ Model::Entity Model::AddCoupling(const QOBClassInfo& info, std::string_view iden
     return m_core->Make<KARMPEntity>(
         where,
         [&](Edit& edit, Entity& coupling) {
+            // A screw couples its own two variables.
+            if (!IsA(info, "KARMPCoupling") && !IsA(info, "KARMPScrew"))
+                return edit.Fail("a " + info.getName() + " is no coupling");
             if (terms.size() < 2)
                 return edit.Fail("a coupling needs two variables");
+            for (const Term& term : terms)
+                if (std::count_if(
+                        terms.begin(), terms.end(),
+                        [&term](const Term& other) { return other.variable == term.variable; }) > 1)
+                    return edit.Fail("a coupling has each variable in one term");
             for (const Term& term : terms)
                 if (!edit.IsThere(term.variable.Handle(), "variable to couple"))
                     return false;

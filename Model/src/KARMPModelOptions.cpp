@@ -92,7 +92,7 @@ std::optional<KARMathPoint> MeetingPoint(const KARMathPoint& from, double distan
     const double along =
         (distance * distance - otherDistance * otherDistance + length * length) / (2.0 * length);
     const double square = distance * distance - along * along;
-    if (!(length > 0.0) || square < 0.0)
+    if (!(length > 0.0) || !(square >= 0.0))
         return {};
     const KARMathVector unit = way * (1.0 / length);
     return from + unit * along + KARMathVector(-unit.GetY(), unit.GetX(), 0.0) * std::sqrt(square);

@@ -3,17 +3,53 @@
 #include "KARMPBody2D.h"
 #include "KARMPGeometry2D.h"
 #include "KARMPModelCore.h"
+#include "KARMPModelLinks.h"
 #include "KARMPSketch.h"
 #include "KARTextConversion.h"
 
+#include <array>
+#include <cmath>
 #include <utility>
 
 namespace karmp::model {
 
 namespace {
 
-constexpr std::string_view SketchIdentifier = "Sketch";
-constexpr std::string_view FrameIdentifier = "Frame";
+/// The second one where the first is that of another entity.
+using Identifiers = std::array<std::string_view, 2>;
+constexpr Identifiers SketchIdentifiers{"Sketch", "Frame.Sketch"};
+constexpr Identifiers FrameIdentifiers{"Frame", "Sketch.Frame"};
+
+// The entity of a class with one of the identifiers, null without one.
+template <class T>
+QOBSharedHandle<T> FindPlanar(Core& core, const Identifiers& identifiers)
+{
+    for (const std::string_view identifier : identifiers)
+        if (auto* const found = dynamic_cast<T*>(core.FindByIdentifier(identifier)))
+            return QOBSharedHandle<T>(found);
+    return {};
+}
+
+template <class T>
+QOBSharedHandle<T> MakePlanar(Edit& edit, const Identifiers& identifiers)
+{
+    const bool isTaken = edit.Model().FindByIdentifier(identifiers[0]) != nullptr;
+    return edit.Create<T>(identifiers[isTaken ? 1 : 0]);
+}
+
+// The sketch of planar mechanisms, on the ground.
+QOBSharedHandle<KARMPSketch> SketchOf(Edit& edit)
+{
+    Core& core = edit.Model();
+    if (auto sketch = FindPlanar<KARMPSketch>(core, SketchIdentifiers))
+        return sketch;
+    QOBSharedHandle<KARMPBody> ground;
+    core.World()->GetGroundBody(ground);
+    if (!ground)
+        core.World()->GetGlobalBody(ground);
+    auto sketch = MakePlanar<KARMPSketch>(edit, SketchIdentifiers);
+    return sketch && edit.Link(sketch, ground) ? sketch : QOBSharedHandle<KARMPSketch>();
+}
 
 template <class Transformation, class Body>
 std::optional<Transformation> InverseOf(Edit& edit, const Body& body)
@@ -30,6 +66,33 @@ std::optional<Transformation> InverseOf(Edit& edit, const Body& body)
 }
 
 } // namespace
+
+bool IsPositive(double number)
+{
+    return number > 0.0 && std::isfinite(number);
+}
+
+bool IsFinite(const KARMathVector& vector)
+{
+    return std::isfinite(vector.GetX()) && std::isfinite(vector.GetY()) &&
+           std::isfinite(vector.GetZ());
+}
+
+bool IsFinite(const KARMathPoint& point)
+{
+    return IsFinite(point - KARMathPoint());
+}
+
+bool IsFinite(const KARMathPoint2D& point)
+{
+    return std::isfinite(point.GetX()) && std::isfinite(point.GetY());
+}
+
+bool IsFinite(const KARMathAxis& axis)
+{
+    return IsFinite(axis.GetOrigin()) && IsFinite(axis.GetFirstDirection()) &&
+           IsFinite(axis.GetSecondDirection()) && IsFinite(axis.GetThirdDirection());
+}
 
 std::optional<KARMathTransformation> IntoBody(Edit& edit, const KARMPBody& body)
 {
@@ -54,12 +117,21 @@ std::optional<std::string> NameOn(Edit& edit, const Edit::Entity& owner,
 Edit::Entity MountOn(Edit& edit, const QOBClassInfo& geometry, std::string_view identifier,
                      const Edit::Entity& body)
 {
+    if (identifier.empty() || !IsA(geometry, "KARMPGeometry")) {
+        edit.Fail(identifier.empty() ? "a " + geometry.getName() + " needs an identifier"
+                                     : "a " + geometry.getName() + " is no geometry");
+        return {};
+    }
     const auto name = NameOn(edit, body, identifier);
     Edit::Entity mounted = name ? edit.Create(geometry, *name) : Edit::Entity();
     if (!mounted || !edit.Link(mounted, body))
         return {};
     auto* const planar = dynamic_cast<KARMPGeometry2D*>(mounted.get());
     const auto* const planarBody = dynamic_cast<const KARMPBody2D*>(body.get());
+    if (planar != nullptr && planarBody == nullptr) {
+        edit.Fail("a " + geometry.getName() + " lies on a body of the plane");
+        return {};
+    }
     QOBSharedHandle<KARMPSketch> sketch;
     if (planar != nullptr && planarBody != nullptr && !KARFailed(planarBody->GetSketch(sketch)) &&
         !edit.Check(planar->SetSketch(sketch), "the sketch", *planar))
@@ -67,20 +139,22 @@ Edit::Entity MountOn(Edit& edit, const QOBClassInfo& geometry, std::string_view 
     return mounted;
 }
 
+// A frame that lost its sketch gets one.
 QOBSharedHandle<KARMPBody2D> PlanarGroundOf(Edit& edit)
 {
-    using Body = QOBSharedHandle<KARMPBody2D>;
-    Core& core = edit.Model();
-    if (auto* const frame = dynamic_cast<KARMPBody2D*>(core.FindByIdentifier(FrameIdentifier)))
-        return Body(frame);
-    QOBSharedHandle<KARMPBody> ground;
-    core.World()->GetGroundBody(ground);
-    if (!ground)
-        core.World()->GetGlobalBody(ground);
-    const auto sketch = edit.Create<KARMPSketch>(SketchIdentifier);
-    if (!sketch || !edit.Link(sketch, ground))
+    auto frame = FindPlanar<KARMPBody2D>(edit.Model(), FrameIdentifiers);
+    QOBSharedHandle<KARMPSketch> sketch;
+    if (frame && !KARFailed(frame->GetSketch(sketch)) && sketch)
+        return frame;
+    sketch = SketchOf(edit);
+    if (!sketch)
         return {};
-    Body frame = edit.Create<KARMPBody2D>(FrameIdentifier);
+    if (frame) {
+        const ItemInfo* const item = FindItem(frame->getClassInfo(), L"Sketch");
+        const bool isSet = item != nullptr && edit.Set(frame, *item, Edit::Entity(sketch));
+        return isSet ? frame : QOBSharedHandle<KARMPBody2D>();
+    }
+    frame = MakePlanar<KARMPBody2D>(edit, FrameIdentifiers);
     if (!frame || !edit.Check(frame->SetSketch(sketch), "the sketch", *frame) ||
         !edit.Check(frame->Fix2D(), "fixing", *frame))
         return {};

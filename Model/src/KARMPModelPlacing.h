@@ -25,6 +25,13 @@ std::optional<std::string> NameOn(Edit& edit, const Edit::Entity& owner,
 Edit::Entity MountOn(Edit& edit, const QOBClassInfo& geometry, std::string_view identifier,
                      const Edit::Entity& body);
 
+/// True for numbers that are finite, and for one that is more than 0 as well.
+bool IsPositive(double number);
+bool IsFinite(const KARMathVector& vector);
+bool IsFinite(const KARMathPoint& point);
+bool IsFinite(const KARMathPoint2D& point);
+bool IsFinite(const KARMathAxis& axis);
+
 /// What is at a point of the world, in body axes; nothing, and a failed edit, when the position of
 /// the body has no inverse.
 std::optional<KARMathTransformation> IntoBody(Edit& edit, const KARMPBody& body);
@@ -35,6 +42,10 @@ template <class Geometry, class Body, class Coordinates, class Set>
 QOBSharedHandle<Geometry> MountAt(Edit& edit, std::string_view identifier, const Ref<Body>& body,
                                   const Coordinates& at, Set set)
 {
+    if (!IsFinite(at)) {
+        edit.Fail("the position of \"" + std::string(identifier) + "\" is not finite");
+        return {};
+    }
     const auto geometry = QOBSharedHandle<Geometry>::unchecked(
         MountOn(edit, Geometry::ClassInfo(), identifier, body.Handle()));
     const auto inverse = geometry ? IntoBody(edit, *body) : std::nullopt;

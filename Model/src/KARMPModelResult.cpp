@@ -17,6 +17,12 @@ void StopAtFalseRef(bool wasDeleted)
     std::abort();
 }
 
+void StopAtMovedModel()
+{
+    std::fputs("karmp::model: a model was used that was moved from\n", stderr);
+    std::abort();
+}
+
 void StopAtFailure(const Problem& problem)
 {
     std::fprintf(stderr, "karmp::model: the value of a call that failed was used; %s\n",
@@ -38,6 +44,13 @@ const Problem& Outcome::Error() const
 {
     static const Problem none{{}, KARSuccess, {"", 0}};
     return m_problem ? *m_problem : none;
+}
+
+Outcome Outcome::AsFailure(Outcome outcome)
+{
+    if (!outcome.m_problem)
+        outcome.m_problem = Problem{"the call gives no value", KARFailure, {"", 0}};
+    return outcome;
 }
 
 int Outcome::Report() const

@@ -3,6 +3,9 @@
 
 #include <array>
 #include <functional>
+#include <limits>
+#include <type_traits>
+#include <utility>
 
 using namespace karmp::model;
 
@@ -23,7 +26,8 @@ struct Neighbours
     {
         const auto body = filled.Body("A");
         filled.Frame("F", body, {});
-        filled.Variable("p", filled.Joint<KARMPRevolute>("J", filled.Ground(), body, KARMathPoint()));
+        filled.Variable("p",
+                        filled.Joint<KARMPRevolute>("J", filled.Ground(), body, KARMathPoint()));
         filled.Variable("q", KARMPPhysicalQuantity::Angle);
         return body;
     }
@@ -40,16 +44,17 @@ TEST_F(RefusalTest, EntitiesOfAnotherModelAreRefused)
     const std::vector<ForeignCall> calls{
         {"Delete", [](Neighbours& n) { return bool(n.model.Delete(n.foreign)); }},
         {"Delete several",
-         [](Neighbours& n) { return bool(n.model.Delete(RefList<KARMPBody>{n.own, n.foreign})); }},
+         [](Neighbours& n) {
+             return bool(n.model.Delete(RefList<KARMPBody>{n.own, n.foreign}));
+         }},
         {"Joint",
          [](Neighbours& n) {
              return bool(n.model.Joint<KARMPRevolute>("New", n.own, n.foreign, KARMathPoint()));
          }},
         {"Joint on geometries",
          [](Neighbours& n) {
-             return bool(n.model.Joint<KARMPRevolute>(
-                 "New", n.model.Find<KARMPGeometry>("A.F"),
-                 n.other.Find<KARMPGeometry>("GlobalBody.J")));
+             return bool(n.model.Joint<KARMPRevolute>("New", n.model.Find<KARMPGeometry>("A.F"),
+                                                      n.other.Find<KARMPGeometry>("GlobalBody.J")));
          }},
         {"Frame", [](Neighbours& n) { return bool(n.model.Frame("New", n.foreign, {})); }},
         {"Attach",
@@ -60,22 +65,18 @@ TEST_F(RefusalTest, EntitiesOfAnotherModelAreRefused)
          }},
         {"Couple",
          [](Neighbours& n) {
-             return bool(n.model.Couple<KARMPGear>(
-                 "New", {{n.model.Find<KARMPVariable>("p"), 1.0},
-                         {n.other.Find<KARMPVariable>("p"), 1.0}}));
+             return bool(
+                 n.model.Couple<KARMPGear>("New", {{n.model.Find<KARMPVariable>("p"), 1.0},
+                                                   {n.other.Find<KARMPVariable>("p"), 1.0}}));
          }},
         {"Motor",
          [](Neighbours& n) {
              return bool(n.model.Motor("New", n.other.Find<KARMPVariable>("p")));
          }},
         {"Link",
-         [](Neighbours& n) {
-             return n.model.Link(n.own, n.other.Find<KARMPEntity>("A.F"));
-         }},
+         [](Neighbours& n) { return n.model.Link(n.own, n.other.Find<KARMPEntity>("A.F")); }},
         {"Unlink",
-         [](Neighbours& n) {
-             return n.model.Unlink(n.foreign, n.other.Find<KARMPEntity>("A.F"));
-         }},
+         [](Neighbours& n) { return n.model.Unlink(n.foreign, n.other.Find<KARMPEntity>("A.F")); }},
         {"Set", [](Neighbours& n) { return n.model.Set(n.foreign, "Mass", 2.0); }},
         {"Set a reference",
          [](Neighbours& n) {
@@ -121,8 +122,7 @@ TEST_F(RefusalTest, QuestionsAboutAnEntityOfAnotherModelHaveNoAnswer)
     const std::array bodies{models.foreign};
     const auto extraction = models.model.Extract(bodies);
     EXPECT_FALSE(extraction);
-    EXPECT_EQ(extraction.Error().text,
-              "the body to extract, KARMPBody \"A\", is of another world");
+    EXPECT_EQ(extraction.Error().text, "the body to extract, KARMPBody \"A\", is of another world");
 }
 
 TEST_F(RefusalTest, LinkToAnotherWorldThatSomebodyMadeCanBeTakenAway)
@@ -131,6 +131,112 @@ TEST_F(RefusalTest, LinkToAnotherWorldThatSomebodyMadeCanBeTakenAway)
     ASSERT_EQ(models.own->LinkToJoint(models.other.Find<KARMPJoint>("J")), KARSuccess);
     EXPECT_TRUE(models.model.Unlink(models.own, models.other.Find<KARMPJoint>("J")));
     EXPECT_EQ(models.own->GetLinkedJointCount(), 1);
+}
+
+TEST_F(RefusalTest, WhatWouldBeInconsistentIsRefused)
+{
+    constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+    constexpr double infinite = std::numeric_limits<double>::infinity();
+    Model model("M");
+    const auto body = Neighbours::Fill(model);
+    const auto p = model.Find<KARMPVariable>("p");
+    const auto child = model.Add<KARMPSketch>("child");
+    const auto parent = model.Add<KARMPSketch>("parent");
+    ASSERT_TRUE(model.Link(parent, child, "AggregatedElements"));
+    const std::string before = TextOf(model);
+    std::size_t refused = 0;
+    const auto expectRefused = [&](bool succeeded) {
+        EXPECT_FALSE(succeeded) << refused;
+        EXPECT_EQ(model.Problems().size(), ++refused);
+    };
+    expectRefused(bool(model.Couple<KARMPGear>("New", {{p, 1.0}, {p, 2.0}})));
+    expectRefused(bool(
+        model.Couple<KARMPRevolute>("New", {{p, 1.0}, {model.Find<KARMPVariable>("q"), 2.0}})));
+    expectRefused(model.Link(parent, parent, "AggregatedElements"));
+    expectRefused(model.Link(child, parent, "AggregatedElements"));
+    expectRefused(bool(model.Attach<KARMPRevolute>("New", body)));
+    expectRefused(bool(model.Attach<KARMPPoint2D>("New", body)));
+    expectRefused(bool(model.Frame("", body, {})));
+    for (const double mass : {nan, infinite, -1.0})
+        expectRefused(bool(model.Body("New", {.mass = mass})));
+    expectRefused(bool(model.Body("New", {.at = KARMathPoint(0.0, nan, 0.0)})));
+    expectRefused(bool(model.PlanarBody("New", {.at = KARMathPoint2D(infinite, 0.0)})));
+    expectRefused(bool(model.Point("New", body, KARMathPoint(0.0, nan, 0.0))));
+    expectRefused(bool(model.Add("", "New")));
+    EXPECT_EQ(model.Problems().back().text, "there is no class \"\"");
+    model.ClearProblems();
+    EXPECT_TRUE(TextOf(model) == before);
+    EXPECT_EQ(Model("M", {.gravity = {0.0, nan, 0.0}}).Problems().size(), 1U);
+    EXPECT_EQ(Model("M", {.linearTolerance = -1.0}).Problems().size(), 1U);
+    EXPECT_FALSE(MeetingPoint({}, nan, KARMathPoint(1.0, 0.0, 0.0), 1.0));
+}
+
+/// A subclass without a record of its own.
+class UnknownBody : public KARMPBody
+{};
+
+TEST_F(RefusalTest, SubclassThatTheFactoryDoesNotMakeIsRefused)
+{
+    Model model("M");
+    EXPECT_FALSE(model.Add<UnknownBody>("A"));
+    EXPECT_EQ(model.Problems().size(), 1U);
+    EXPECT_FALSE(model.Find<KARMPBody>("A"));
+}
+
+TEST_F(RefusalTest, ModelWithoutAWorldRefusesAllCalls)
+{
+    Model model{QOBSharedHandle<KARMPWorld>()};
+    EXPECT_EQ(model.Problems().size(), 1U);
+    EXPECT_FALSE(model.Body("A"));
+    EXPECT_EQ(model.Problems().size(), 2U);
+    EXPECT_EQ(model.Problems()[1].text, "there is no world");
+    model.ClearProblems();
+    EXPECT_FALSE(model.Find<KARMPBody>("A"));
+    EXPECT_TRUE(model.All<KARMPBody>().empty());
+    EXPECT_FALSE(model.Ground());
+    EXPECT_FALSE(model.Time());
+    EXPECT_FALSE(model.Text());
+    EXPECT_FALSE(model.Clone());
+    EXPECT_FALSE(model.Extract({}));
+    EXPECT_TRUE(model.Diff(Model("M")).empty());
+    EXPECT_TRUE(model.Check().items.empty());
+}
+
+using RefusalDeathTest = RefusalTest;
+
+TEST_F(RefusalDeathTest, ModelThatWasMovedFromStopsWithASentence)
+{
+    Model model("M");
+    const Model other(std::move(model));
+    EXPECT_DEATH(model.Body("A"), "a model was used that was moved from");
+}
+
+TEST_F(RefusalTest, OutcomeWithoutAValueIsAFailure)
+{
+    const Result<int> none = Outcome();
+    EXPECT_FALSE(none);
+    EXPECT_EQ(none.Error().text, "the call gives no value");
+    static_assert(!std::is_convertible_v<Result<void>, Result<std::string>>);
+}
+
+TEST_F(RefusalTest, PlanarGroundIsMadeAgainWhateverIsLeftOfIt)
+{
+    for (const char* const gone : {"Frame", "Sketch"}) {
+        Model model("M");
+        ASSERT_TRUE(model.PlanarGround());
+        ASSERT_TRUE(model.Delete(model.Find<KARMPEntity>(gone)));
+        const auto body = model.PlanarBody("A");
+        EXPECT_TRUE(body) << gone;
+        QOBSharedHandle<KARMPSketch> sketch;
+        model.PlanarGround()->GetSketch(sketch);
+        EXPECT_TRUE(sketch) << gone;
+        EXPECT_TRUE(model.Problems().empty()) << gone;
+        EXPECT_EQ(model.All<KARMPSketch>().size(), 1U) << gone;
+    }
+    Model model("M");
+    model.Body("Frame");
+    EXPECT_TRUE(model.PlanarBody("A"));
+    EXPECT_EQ(model.PlanarGround(), model.Find<KARMPBody2D>("Sketch.Frame"));
 }
 
 } // namespace
