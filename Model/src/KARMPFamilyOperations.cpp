@@ -55,17 +55,18 @@ const std::uint32_t& ChangesOf(const KARMPWorld& world)
 std::size_t FamilyOf(const KARMPEntity& entity)
 {
     thread_local std::unordered_map<const QOBClassInfo*, std::size_t> found;
-    const auto [entry, isNew] = found.try_emplace(&entity.getClassInfo(), NoFamily);
-    if (isNew) {
+    const auto added = found.try_emplace(&entity.getClassInfo(), NoFamily);
+    std::size_t& known = added.first->second;
+    if (added.second) {
         std::size_t index = 0;
         Families::ForEach([&](auto family) {
             using Family = typename decltype(family)::Type;
-            if (entry->second == NoFamily && dynamic_cast<const Family*>(&entity) != nullptr)
-                entry->second = index;
+            if (known == NoFamily && dynamic_cast<const Family*>(&entity) != nullptr)
+                known = index;
             ++index;
         });
     }
-    return entry->second;
+    return known;
 }
 
 } // namespace karmp::model

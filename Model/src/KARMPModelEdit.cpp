@@ -280,7 +280,8 @@ bool Edit::Rename(const Entity& entity, std::string_view name)
         return Fail(TitleOf(*entity) + " needs a name");
     EditStep& step = NextStep();
     step.entity = entity.get();
-    step.former = std::make_unique<EditStep::Former>(entity->getStoredName());
+    step.former =
+        std::make_unique<EditStep::Former>(EditStep::Former{entity->getStoredName(), Value()});
     NameEntity(*entity, name, IsAscii(name));
     step.kind = EditStep::Kind::Renamed;
     return true;
@@ -321,7 +322,8 @@ bool Edit::Set(const Entity& entity, const ItemInfo& item, const Value& value)
     EditStep& step = NextStep();
     step.item = &item;
     step.entity = entity.get();
-    step.former = std::make_unique<EditStep::Former>(kar::SharedText(), item.Get(*entity));
+    step.former =
+        std::make_unique<EditStep::Former>(EditStep::Former{kar::SharedText(), item.Get(*entity)});
     // Records can be added only, and a value that is none may be one that cannot be unset.
     const bool canBeUndone = item.kind != ItemKind::Records && item.Takes(step.former->value);
     if (!canBeUndone && m_core.IsInBlock() && !IsNew(*entity))

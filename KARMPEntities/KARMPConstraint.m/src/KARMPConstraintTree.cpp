@@ -30,7 +30,7 @@ struct karmp::ContentOf<KARMPConstraint>
         auto kept = std::make_unique<KARMPConstraintParameter>(parameter);
         kept->SetInitialized(true);
         const KARStatus status = constraint.AddConstraintParameter(kept.get());
-        kept.release();
+        static_cast<void>(kept.release());
         return status;
     }
 
