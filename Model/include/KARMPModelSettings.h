@@ -26,29 +26,46 @@ class KARMP_MODEL_API ItemValue
     using Entity = QOBSharedHandle<KARMPEntity>;
 
 public:
+    /// A yes or no.
     ItemValue(bool flag) : m_value(flag) {}
+    /// A whole number; an item that holds a real one takes it too.
     ItemValue(int number) : m_value(number) {}
+    /// A number, in the unit of the item.
     ItemValue(double number) : m_value(number) {}
+    /// A word or another text in UTF-8.
     ItemValue(const char* text) : ItemValue(std::string_view(text)) {}
+    /// A word or another text in UTF-8.
     ItemValue(const std::string& text) : ItemValue(std::string_view(text)) {}
+    /// A word or another text in UTF-8.
     ItemValue(std::string_view text);
+    /// Numbers in a row, as many as the item has.
     ItemValue(std::initializer_list<double> numbers) : m_value(NumberArray(numbers)) {}
+    /// Three coordinates.
     ItemValue(const KARMathPoint& point);
+    /// Two coordinates.
     ItemValue(const KARMathPoint2D& point);
+    /// Three components.
     ItemValue(const KARMathVector& vector);
+    /// Two components.
     ItemValue(const KARMathVector2D& vector);
+    /// A place in space.
     ItemValue(const KARMathTransformation& transformation);
+    /// A place in the plane.
     ItemValue(const KARMathTransformation2D& transformation);
+    /// An entity that is referred to.
     template <class T>
     ItemValue(const Ref<T>& entity) : m_value(Entity(entity.Handle()))
     {}
+    /// Entities that are referred to, in order.
     template <class T>
     ItemValue(const RefList<T>& entities)
         : m_value(std::vector<Entity>(entities.begin(), entities.end()))
     {}
+    /// Entities that are referred to, in order.
     ItemValue(std::initializer_list<Ref<KARMPEntity>> entities)
         : ItemValue(RefList<KARMPEntity>(entities))
     {}
+    /// A value of the table of items.
     ItemValue(Value value) : m_value(std::move(value)) {}
 
     /// The same as a value of the table.

@@ -143,7 +143,7 @@ const std::vector<Call>& Changes()
          [](Model& model) {
              return model.Set(model.Find<KARMPVariable>("p"),
                               {{"MinValue", -1.0},
-                               {"Type", "Constant"},
+                               {"Type", karmp::Value(karmp::EnumWord{L"Constant"})},
                                {"Constraints", model.Find<KARMPConstraint>("L.constraint")}});
          }},
         {"Set a bound",

@@ -25,7 +25,7 @@ struct TextHash
 
 namespace detail {
 
-// Both halves of the product, which no bit of the factors passes unchanged.
+/// Both halves of the product in one, which no bit of the factors passes unchanged.
 inline std::uint64_t FoldedProduct(std::uint64_t left, std::uint64_t right) noexcept
 {
 #if defined(__SIZEOF_INT128__)
@@ -42,7 +42,7 @@ inline std::uint64_t FoldedProduct(std::uint64_t left, std::uint64_t right) noex
 #endif
 }
 
-// Some characters, of which the low bytes count, as a number with the first one in its low bits.
+/// Some characters, of which the low bytes count, as a number with the first one in its low bits.
 template <std::size_t Count, class Character>
 std::uint64_t LoadWord(const Character* from) noexcept
 {
@@ -55,7 +55,7 @@ std::uint64_t LoadWord(const Character* from) noexcept
     return word;
 }
 
-// Eight characters at once, the last ones by loads that overlap.
+/// The hash of a text by eight characters at once, the last ones by loads that overlap.
 template <class Character>
 TextHash HashCharacters(std::basic_string_view<Character> text, std::uint64_t seed) noexcept
 {
