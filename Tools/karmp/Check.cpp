@@ -21,7 +21,6 @@ namespace {
 
 using documents::Code;
 using documents::Diagnostic;
-using documents::Diagnostics;
 using documents::FindCode;
 using documents::Severity;
 

@@ -153,8 +153,9 @@ std::string ZshOption(const OptionText& option)
         const std::string before =
             option.isRepeated ? "*"
                               : (option.names.size() > 1 ? '(' + Joined(option.names) + ')' : "");
-        specifications += separator + Quoted(before + name + (isLong ? "=" : "") + '[' +
-                                             Escaped(option.says, "[]\\") + ']' + ZshValue(option));
+        std::string specification = before + name;
+        specification.append(isLong ? "=[" : "[").append(Escaped(option.says, "[]\\")).append("]");
+        specifications += separator + Quoted(specification.append(ZshValue(option)));
     }
     return specifications;
 }

@@ -11,7 +11,6 @@ namespace karmp::tool {
 
 namespace {
 
-using documents::Code;
 using documents::CodeText;
 using documents::Diagnostic;
 using documents::Severity;
