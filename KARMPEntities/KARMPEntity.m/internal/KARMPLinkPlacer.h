@@ -51,8 +51,8 @@ public:
     /// more.
     bool Place(QOBSharedBase* link, const QOBSharedObject* related)
     {
-        if (!Places(related))
-            return false;
+        if (!m_letsWait)
+            return PlaceFound(link, related);
         QOBSharedObject*& slot = m_map.SlotOf(related);
         if (slot != nullptr && !IsWaiting(slot)) {
             ::new (link) QOBSharedBase(slot);
@@ -90,6 +90,8 @@ private:
         return reinterpret_cast<QOBSharedBase*>(reinterpret_cast<std::uintptr_t>(waiting) &
                                                 ~WaitingBit);
     }
+    // Constructs a link to a duplicate that is entered.
+    bool PlaceFound(QOBSharedBase* link, const QOBSharedObject* related);
     // Makes the links of a chain lead to a duplicate, or nowhere.
     void Complete(QOBSharedObject* waiting, QOBSharedObject* duplicate) noexcept
     {

@@ -2,6 +2,14 @@
 
 #include <utility>
 
+bool karmp::LinkPlacer::PlaceFound(QOBSharedBase* link, const QOBSharedObject* related)
+{
+    QOBSharedObject* const duplicate = Find(related);
+    if (duplicate != nullptr)
+        ::new (link) QOBSharedBase(duplicate);
+    return duplicate != nullptr;
+}
+
 void karmp::LinkPlacer::DropWaiting() noexcept
 {
     m_letsWait = false;

@@ -9,9 +9,10 @@
 
 namespace karmp {
 
-static_assert(sizeof(KARMPEntity) >= 64, "two entities begin within 64 bytes");
-
-ObjectMap::ObjectMap() : m_areas(16), m_hashShift(60) {}
+ObjectMap::ObjectMap() : m_areas(16), m_hashShift(60)
+{
+    static_assert(sizeof(KARMPEntity) >= SlotBytes, "two entities begin within a slot's bytes");
+}
 
 ObjectMap::~ObjectMap()
 {
@@ -34,34 +35,45 @@ void ObjectMap::AddArea(std::uintptr_t number)
     m_areas[IndexOf(number)] = {number, m_runs.back()->data()};
 }
 
+QOBSharedObject*& ObjectMap::SlotOfOtherRun(const QOBSharedObject* from)
+{
+    const Area& area = m_areas[IndexOf(AreaOf(from))];
+    QOBSharedObject** run = area.runs != nullptr ? area.runs[RunOf(from)] : nullptr;
+    if (run == nullptr)
+        run = AddRun(from);
+    const std::uintptr_t number = reinterpret_cast<std::uintptr_t>(from) >> RunBits;
+    m_recent[number % RecentRuns] = {number, run};
+    return run[SlotIn(from)];
+}
+
 QOBSharedObject** ObjectMap::AddRun(const QOBSharedObject* from)
 {
     if (m_areas[IndexOf(AreaOf(from))].runs == nullptr)
         AddArea(AreaOf(from));
     if (m_freeRuns == 0)
         AddBlock();
-    const Block& block = m_blocks.back();
-    QOBSharedObject** const run =
-        block.slots + (block.bytes / sizeof(QOBSharedObject*) - m_freeRuns-- * SlotCount);
+    QOBSharedObject** const run = std::exchange(m_nextRun, m_nextRun + SlotCount);
+    --m_freeRuns;
     ++m_runCount;
     m_areas[IndexOf(AreaOf(from))].runs[RunOf(from)] = run;
     return run;
 }
 
-// Blocks grow with the map, from some size on by a large page each: the page faults of smaller ones
+// Blocks grow with the map, from some size on to a large page each: the page faults of smaller ones
 // would cost more than the part of the last page that stays free.
 void ObjectMap::AddBlock()
 {
-    constexpr std::size_t RunBytes = SlotCount * sizeof(QOBSharedObject*);
-    constexpr std::size_t LargestRuns = kar::LargePage / RunBytes;
+    constexpr std::size_t BytesOfRun = SlotCount * sizeof(QOBSharedObject*);
+    constexpr std::size_t LargestRuns = kar::LargePage / BytesOfRun;
     constexpr std::size_t FirstRuns = 4;
-    const std::size_t runs =
-        m_runCount < LargestRuns / 4 ? std::max(m_runCount, FirstRuns) : LargestRuns;
+    const bool isLargest = m_runCount >= LargestRuns / 4;
+    const std::size_t runs = isLargest ? LargestRuns : std::max(m_runCount, FirstRuns);
+    const std::size_t bytes = isLargest ? kar::LargePage : runs * BytesOfRun;
     m_blocks.reserve(m_blocks.size() + 1);
-    const std::size_t bytes = runs * RunBytes;
     auto* const slots = static_cast<QOBSharedObject**>(kar::AllocateLargePages(bytes));
-    std::uninitialized_fill_n(slots, runs * SlotCount, nullptr);
+    std::uninitialized_fill_n(slots, bytes / sizeof(QOBSharedObject*), nullptr);
     m_blocks.push_back({slots, bytes});
+    m_nextRun = slots;
     m_freeRuns = runs;
 }
 

@@ -1,7 +1,10 @@
 #include "KARMPAddressOrder.h"
 
+#include "KARMPFilterParts.h"
+
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <utility>
 
 namespace {
@@ -11,35 +14,66 @@ std::uint64_t AddressOf(const QOBSharedObject* object)
     return reinterpret_cast<std::uintptr_t>(object);
 }
 
-} // namespace
+// Objects of several classes that are created by turns lie in as many rows.
+constexpr std::size_t Rows = 8;
+/// An object of a list and those listed before it.
+using Window = std::array<const QOBSharedObject*, Rows + 1>;
 
-// Of some samples, one in four is near to none of the objects listed before it. Objects of several
-// classes that are created by turns lie in as many rows.
-bool karmp::AddressOrder::AreApart(const QOBSharedList<KARMPEntity>& objects)
+// Looks at some samples of a list. Apart are objects of which one in four is near to none of those
+// listed before it.
+template <class WindowFrom>
+bool AreSamplesApart(std::size_t size, WindowFrom windowFrom)
 {
     constexpr std::size_t Few = 2'000;
-    constexpr std::size_t Rows = 8;
     constexpr std::size_t Step = 61;
     constexpr std::size_t MostSamples = 100;
     constexpr std::uint64_t Near = 4'096;
-    if (objects.size() < Few || objects.size() > UINT32_MAX)
+    if (size < Few || size > UINT32_MAX)
         return false;
-    std::array<std::uint64_t, Rows> before{};
-    std::size_t samples = 0;
+    const std::size_t samples = std::min(MostSamples, size / Step);
     std::size_t apart = 0;
-    auto object = objects.begin();
-    for (std::size_t index = 0; samples < MostSamples && object != objects.end(); ++index) {
-        const std::uint64_t address = AddressOf((object++)->get());
-        if (index % Step == Step - 1) {
-            ++samples;
-            if (std::none_of(before.begin(), before.end(), [address](std::uint64_t other) {
-                    return address - other + Near < 2 * Near;
-                }))
-                ++apart;
-        }
-        before[index % Rows] = address;
+    for (std::size_t sample = 1; sample <= samples; ++sample) {
+        const Window window = windowFrom(sample * Step - (Rows + 1));
+        const std::uint64_t address = AddressOf(window.back());
+        apart += std::none_of(window.begin(), window.end() - 1, [address](const auto* other) {
+            return address - AddressOf(other) + Near < 2 * Near;
+        });
     }
     return 4 * apart > samples;
+}
+
+} // namespace
+
+bool karmp::AddressOrder::AreApart(const QOBSharedList<KARMPEntity>& objects)
+{
+    auto next = objects.begin();
+    std::size_t index = 0;
+    return AreSamplesApart(objects.size(), [&](std::size_t first) {
+        std::advance(next, static_cast<std::ptrdiff_t>(first - index));
+        Window window;
+        for (const QOBSharedObject*& object : window)
+            object = (next++)->get();
+        index = first + window.size();
+        return window;
+    });
+}
+
+bool karmp::AddressOrder::AreApart(std::span<const RegistryWalk> registries)
+{
+    std::size_t size = 0;
+    for (const RegistryWalk& registry : registries)
+        size += registry.Count();
+    auto registry = registries.begin();
+    std::size_t before = 0;
+    return AreSamplesApart(size, [&](std::size_t first) {
+        Window window;
+        for (const QOBSharedObject*& object : window) {
+            for (; first - before >= registry->Count(); ++registry)
+                before += registry->Count();
+            object = registry->At(first++ - before);
+        }
+        return window;
+    });
 }
 
 // A radix sort, which takes a fifth of the time of one by comparisons. The lowest bits of an

@@ -4,9 +4,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 namespace karmp {
+
+class RegistryWalk;
 
 /// The order of objects in memory.
 ///
@@ -28,6 +31,7 @@ public:
     /// True when the first of many objects are listed in quite another order than that of their
     /// addresses. Fewer than some thousands stay in the caches.
     static bool AreApart(const QOBSharedList<KARMPEntity>& objects);
+    static bool AreApart(std::span<const RegistryWalk> registries);
     /// Sorts objects by their groups, and by their addresses within a group.
     static void Sort(std::vector<Entry>& entries);
 };

@@ -60,10 +60,11 @@ public:
         m_haveOtherClasses |= &source->getClassInfo() != &duplicate->getClassInfo();
         EnterOther(source, duplicate);
     }
-    /// The same where the source is of a plain class, and both stay until this object is gone.
+    /// The same where the source is of a plain class, both stay until this object is gone, and an
+    /// entity without its family's links was announced.
     void Enter(const QOBSharedObject& source, QOBSharedObject& duplicate, const PlainKind& kind)
     {
-        if (!m_arePlain || !kind.hasFamilyLinks || !m_placer.Enter(&source, &duplicate))
+        if (!m_arePlain || !m_placer.Enter(&source, &duplicate))
             EnterOther(&source, &duplicate);
         else if (kind.links != nullptr)
             kind.links->place(source, duplicate, m_placer);
@@ -90,12 +91,7 @@ public:
     bool HaveOtherClasses() const { return m_haveOtherClasses; }
 
 private:
-    void EnterOther(const QOBSharedObject* source, QOBSharedObject* duplicate)
-    {
-        NoteOther();
-        if (!m_placer.Enter(source, duplicate))
-            m_placer.Replace(source, duplicate);
-    }
+    void EnterOther(const QOBSharedObject* source, QOBSharedObject* duplicate);
 
     const QOBSharedList<KARMPEntity>& m_sources;
     LinkPlacer m_placer;
@@ -112,17 +108,23 @@ class LookAhead
 public:
     using List = QOBSharedList<KARMPEntity>;
 
-    explicit LookAhead(const List& list) : LookAhead(list.begin(), list.end(), list.size()) {}
-    LookAhead(List::const_iterator begin, List::const_iterator end, std::size_t count)
+    explicit LookAhead(const List& list) : LookAhead(list.begin(), list.size()) {}
+    LookAhead(List::const_iterator begin, std::size_t count)
         : m_next(std::next(begin, static_cast<std::ptrdiff_t>(std::min(Distance, count)))),
-          m_end(end)
+          m_left(count - std::min(Distance, count))
     {}
     /// The entry that far ahead; null behind the end.
-    const QOBSharedHandle<KARMPEntity>* Next() { return m_next != m_end ? &*m_next++ : nullptr; }
+    const QOBSharedHandle<KARMPEntity>* Next()
+    {
+        if (m_left == 0)
+            return nullptr;
+        --m_left;
+        return &*m_next++;
+    }
 
 private:
     List::const_iterator m_next;
-    List::const_iterator m_end;
+    std::size_t m_left;
 };
 
 } // namespace karmp

@@ -2,6 +2,7 @@
 
 #include "KARMPAddressOrder.h"
 #include "KARMPDuplicates.h"
+#include "KARMPRegistry.h"
 #include "KARPrefetch.h"
 
 #include <algorithm>
@@ -22,41 +23,40 @@ inline void PrefetchName(const QOBSharedObject* entity)
         static_cast<const QOBBasicEntity*>(entity)->getStoredName().PrefetchShared();
 }
 
-/// A part of a list, walked over with what comes next prefetched.
-class FilterPart
+/// A walk over the first entities of a registry, with what comes next prefetched.
+class RegistryWalk
 {
 public:
-    using Iterator = QOBSharedList<KARMPEntity>::const_iterator;
-
-    FilterPart(Iterator begin, Iterator end, std::size_t count)
-        : m_current(begin),
-          m_end(end),
-          m_count(count),
-          m_entities(begin, end, count),
-          m_names(begin, end, count)
+    RegistryWalk(const RegistryCore& registry, std::size_t count)
+        : m_registry(&registry), m_count(count), m_entities(registry.From(0))
     {}
-    /// The number of all entries, and of those that are behind the walk.
+    /// The number of all entities, and of those that are behind the walk.
     std::size_t Count() const { return m_count; }
     std::size_t Done() const { return m_done; }
-    bool IsAtEnd() const { return m_current == m_end; }
-    const QOBSharedHandle<KARMPEntity>& Current() const { return *m_current; }
+    const QOBSharedObject& Current() const { return *m_entities.front()._getReferent(); }
     void Advance()
     {
-        ++m_current;
+        constexpr std::size_t Ahead = kar::PrefetchDistance;
         ++m_done;
-        if (const auto* const ahead = m_entities.Next())
-            PrefetchEntity(ahead->get());
-        if (const auto* const ahead = m_names.Next())
-            PrefetchName(ahead->get());
+        m_entities = m_entities.subspan(1);
+        if (2 * Ahead < m_entities.size())
+            PrefetchEntity(m_entities[2 * Ahead]._getReferent());
+        if (Ahead < m_entities.size())
+            PrefetchName(m_entities[Ahead]._getReferent());
+        else if (m_entities.empty() && m_done < m_count)
+            m_entities = m_registry->From(m_done);
+    }
+    /// The entity at an index below Count().
+    const QOBSharedObject* At(std::size_t index) const
+    {
+        return m_registry->At(index)._getReferent();
     }
 
 private:
-    Iterator m_current;
-    Iterator m_end;
+    const RegistryCore* m_registry;
     std::size_t m_count;
     std::size_t m_done = 0;
-    LookAhead<2 * kar::PrefetchDistance> m_entities;
-    LookAhead<kar::PrefetchDistance> m_names;
+    std::span<const QOBSharedBase> m_entities; // from the current one on, side by side
 };
 
 /// The copy of an entity of a list, which is not filed yet; null when there is none.
@@ -126,7 +126,8 @@ void VisitByTurns(std::vector<Part>& parts, Visit visit)
     const std::size_t turns = count / EntitiesPerTurn + 1;
     for (std::size_t turn = 1; turn <= turns; ++turn)
         for (Part& part : parts)
-            for (; part.Done() < part.Count() * turn / turns; part.Advance())
+            for (const std::size_t end = part.Count() * turn / turns; part.Done() < end;
+                 part.Advance())
                 if (!visit(part.Current()))
                     return;
 }

@@ -88,7 +88,9 @@ private:
     void DuplicateAll(const RegistryCore& source, RegistryCore& target, Cast check);
     void Reserve(const QOBSharedObject& entity, std::size_t count);
     bool DuplicatePlain(const QOBSharedObject& entity, Duplicates& duplicates);
-    std::vector<FilterPart> PartsOf(const QOBSharedList<KARMPEntity>& filter) const;
+    std::vector<RegistryWalk> RegistriesOf(const QOBSharedList<KARMPEntity>& filter) const;
+    void Duplicate(QOBSharedList<KARMPEntity>::const_iterator entity, std::size_t count,
+                   Duplicates& duplicates);
     void File(const QOBSharedList<KARMPEntity>& filter, std::vector<FilterCopy>& copies);
     bool DuplicateInMemoryOrder(const QOBSharedList<KARMPEntity>& filter, Duplicates& duplicates);
     template <class T>
@@ -97,6 +99,7 @@ private:
     const KARMPWorld& m_source;
     QOBSharedHandle<KARMPWorld> m_target;
     PlainKinds m_kinds;
+    FunctionOfFamily<FilteredFamilies, DuplicateFiltered> m_functions;
 };
 
 bool WorldCloner::Create()
@@ -210,29 +213,44 @@ QOBSharedObject* WorldCloner::Duplicate(const QOBSharedBase& entity, const Regis
 
 void WorldCloner::Duplicate(const QOBSharedList<KARMPEntity>& filter, Duplicates& duplicates)
 {
-    if (DuplicateInMemoryOrder(filter, duplicates))
+    std::vector<RegistryWalk> registries = RegistriesOf(filter);
+    const bool areApart =
+        registries.empty() ? AddressOrder::AreApart(filter) : AddressOrder::AreApart(registries);
+    if (areApart && DuplicateInMemoryOrder(filter, duplicates))
         return;
-    std::vector<FilterPart> parts = PartsOf(filter);
-    if (parts.size() > 1) {
-        for (const FilterPart& part : parts)
-            Reserve(*part.Current(), part.Count());
-        VisitByTurns(parts, [&](const QOBSharedHandle<KARMPEntity>& entity) {
-            return DuplicatePlain(*entity, duplicates);
-        });
+    if (registries.empty()) {
+        Duplicate(filter.begin(), filter.size(), duplicates);
+        return;
     }
-    // Entities whose classes are not plain are duplicated in the order of the list, which their
-    // classes see.
-    FunctionOfFamily<FilteredFamilies, DuplicateFiltered> functions;
-    for (FilterPart& part : parts) {
-        for (; !part.IsAtEnd(); part.Advance()) {
-            const QOBSharedHandle<KARMPEntity>& entity = part.Current();
-            if (!KARMPVerify(static_cast<bool>(entity)) || DuplicatePlain(*entity, duplicates))
-                continue;
-            duplicates.NoteOther();
-            if (const DuplicateFiltered duplicate =
-                    functions.Of<DuplicateAs>(entity.getClassInfo()))
-                duplicate(*this, entity, duplicates);
-        }
+    for (const RegistryWalk& registry : registries)
+        Reserve(registry.Current(), registry.Count());
+    VisitByTurns(registries,
+                 [&](const QOBSharedObject& entity) { return DuplicatePlain(entity, duplicates); });
+    auto entity = filter.begin();
+    for (const RegistryWalk& registry : registries) {
+        const std::size_t rest = registry.Count() - registry.Done();
+        std::advance(entity, static_cast<std::ptrdiff_t>(registry.Done()));
+        Duplicate(entity, rest, duplicates);
+        std::advance(entity, static_cast<std::ptrdiff_t>(rest));
+    }
+}
+
+// Duplicates some entities in the order of the list, which classes that are not plain see.
+void WorldCloner::Duplicate(QOBSharedList<KARMPEntity>::const_iterator entity, std::size_t count,
+                            Duplicates& duplicates)
+{
+    LookAhead<2 * kar::PrefetchDistance> entities(entity, count);
+    LookAhead<kar::PrefetchDistance> names(entity, count);
+    for (; count > 0; --count, ++entity) {
+        if (const auto* const ahead = entities.Next())
+            PrefetchEntity(ahead->get());
+        if (const auto* const ahead = names.Next())
+            PrefetchName(ahead->get());
+        if (!KARMPVerify(static_cast<bool>(*entity)) || DuplicatePlain(**entity, duplicates))
+            continue;
+        duplicates.NoteOther();
+        if (const DuplicateFiltered duplicate = m_functions.Of<DuplicateAs>(entity->getClassInfo()))
+            duplicate(*this, *entity, duplicates);
     }
 }
 
@@ -261,42 +279,39 @@ bool WorldCloner::DuplicatePlain(const QOBSharedObject& entity, Duplicates& dupl
     return true;
 }
 
-// The parts of a list that are as many registries one behind the other, each from its first entity
-// on; for another list, the whole list.
-std::vector<FilterPart> WorldCloner::PartsOf(const QOBSharedList<KARMPEntity>& filter) const
+// The registries that a list consists of, one behind the other, each from its first entity on;
+// none for another list.
+std::vector<RegistryWalk> WorldCloner::RegistriesOf(const QOBSharedList<KARMPEntity>& filter) const
 {
-    std::vector<FilterPart> parts;
-    auto begin = filter.begin();
+    std::vector<RegistryWalk> registries;
+    auto entity = filter.begin();
     Families::ForEach([&](auto family) {
         const RegistryCore& registry = m_source.Registry<typename decltype(family)::Type>().Core();
         std::size_t count = 0;
-        auto end = begin;
-        while (count < registry.Count() && end != filter.end()) {
-            const std::span<const QOBSharedBase> entities = registry.From(count);
-            std::size_t same = 0;
-            for (; same < entities.size() && end != filter.end() && *end == entities[same]; ++end)
-                ++same;
-            count += same;
-            if (same < entities.size())
-                break;
+        bool isSame = true;
+        while (isSame && count < registry.Count()) {
+            for (const QOBSharedBase& listed : registry.From(count)) {
+                isSame = entity != filter.end() && *entity == listed;
+                if (!isSame)
+                    break;
+                ++entity;
+                ++count;
+            }
         }
         if (count > 0)
-            parts.emplace_back(begin, end, count);
-        begin = end;
+            registries.emplace_back(registry, count);
     });
-    if (begin != filter.end())
-        parts.assign(1, FilterPart(filter.begin(), filter.end(), filter.size()));
-    return parts;
+    if (entity != filter.end())
+        registries.clear();
+    return registries;
 }
 
-// The same for entities of plain classes alone that are listed in quite another order than they lie
+// Duplicates entities of plain classes alone that are listed in quite another order than they lie
 // in memory: they are copied in that one, and filed in the list's. False, with nothing done, for
-// other lists.
+// other classes.
 bool WorldCloner::DuplicateInMemoryOrder(const QOBSharedList<KARMPEntity>& filter,
                                          Duplicates& duplicates)
 {
-    if (!AddressOrder::AreApart(filter))
-        return false;
     std::vector<FilterCopy> copies(filter.size());
     std::vector<AddressOrder::Entry> entries;
     entries.reserve(filter.size());

@@ -428,6 +428,13 @@ void karmp::Duplicates::NoteOther()
     ForEachLinked<LinkingFamilies, LinkAccess::Clear>(m_sources, m_placer, m_shared);
 }
 
+void karmp::Duplicates::EnterOther(const QOBSharedObject* source, QOBSharedObject* duplicate)
+{
+    NoteOther();
+    if (!m_placer.Enter(source, duplicate))
+        m_placer.Replace(source, duplicate);
+}
+
 void karmp::Duplicates::FinishEntering()
 {
     if (!m_placer.HasWaiting())
