@@ -12,7 +12,6 @@
 #include "QOBClassInfo.h"
 
 #include <algorithm>
-#include <bit>
 #include <new>
 #include <unordered_map>
 
@@ -35,9 +34,7 @@ bool IsLeftOut(const KARMPEntity& entity)
 
 ListedEntities::ListedEntities(const KARMPWorld& world)
 {
-    const std::size_t count = ListedCount(world);
-    m_entities.reserve(count);
-    m_slots.resize(std::bit_ceil(2 * count + 1));
+    m_entities.reserve(ListedCount(world));
     const QOBClassInfo* last = nullptr;
     bool mayBeLeftOut = false;
     ForEachRegistryElement([&](const auto& element) {
@@ -47,8 +44,8 @@ ListedEntities::ListedEntities(const KARMPWorld& world)
             QOBSharedHandle<T> listed;
             if (KARFailed(world.Get<T>(index, listed)) || !listed)
                 continue;
-            const auto* const entity = static_cast<const KARMPEntity*>(
-                static_cast<const QOBSharedBase&>(listed)._getReferent());
+            auto* const entity =
+                static_cast<KARMPEntity*>(static_cast<QOBSharedBase&>(listed)._getReferent());
             if (&entity->getClassInfo() != last) {
                 last = &entity->getClassInfo();
                 const auto items = ItemsOf(*last);
@@ -57,34 +54,11 @@ ListedEntities::ListedEntities(const KARMPWorld& world)
             if (mayBeLeftOut && IsLeftOut(*entity))
                 continue;
             m_entities.push_back(entity);
-            Enter(m_entities.size() - 1);
+            m_held.SlotOf(entity) = entity;
         }
         if (m_entities.size() > begin)
             m_families.push_back({element.name, begin, m_entities.size()});
     });
-}
-
-std::size_t ListedEntities::SlotOf(const QOBSharedObject* entity) const
-{
-    const std::size_t mask = m_slots.size() - 1;
-    // Objects are aligned, so the low bits tell nothing; the product spreads the others.
-    auto slot = static_cast<std::size_t>(
-        (reinterpret_cast<std::uintptr_t>(entity) * 0x9E3779B97F4A7C15U) >> 24U);
-    for (slot &= mask; m_slots[slot] != nullptr && m_slots[slot] != entity;
-         slot = (slot + 1) & mask)
-        continue;
-    return slot;
-}
-
-void ListedEntities::Enter(std::size_t number)
-{
-    const QOBSharedObject* const entity = m_entities[number];
-    m_slots[SlotOf(entity)] = entity;
-}
-
-bool ListedEntities::Hold(const QOBSharedObject* entity) const
-{
-    return m_slots[SlotOf(entity)] != nullptr;
 }
 
 std::string ListedEntities::PathOf(std::size_t number) const

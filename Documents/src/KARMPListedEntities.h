@@ -1,6 +1,7 @@
 #pragma once
 
 #include "KARMPEntity.h"
+#include "KARMPObjectMap.h"
 
 #include <array>
 #include <cstddef>
@@ -33,18 +34,15 @@ public:
     const KARMPEntity& At(std::size_t number) const { return *m_entities[number]; }
     std::span<const Family> Families() const { return m_families; }
     /// True for an entity that the world lists and its class does not leave out.
-    bool Hold(const QOBSharedObject* entity) const;
+    bool Hold(const QOBSharedObject* entity) const { return m_held.Find(entity) != nullptr; }
     /// The path of an entity in the document.
     std::string PathOf(std::size_t number) const;
 
 private:
-    void Enter(std::size_t number);
-    std::size_t SlotOf(const QOBSharedObject* entity) const;
-
     std::vector<const KARMPEntity*> m_entities;
     std::vector<Family> m_families;
-    /// An open hash table of m_entities, whose size is a power of two; null is a free slot.
-    std::vector<const QOBSharedObject*> m_slots;
+    /// Each of m_entities mapped to itself.
+    ObjectMap m_held;
     /// The number of each entity among those of its class and family, and how many these are; made
     /// when a path is asked for.
     struct Ordinal
