@@ -69,11 +69,12 @@ std::uint32_t Marked(std::uint64_t hash)
     return static_cast<std::uint32_t>(hash >> 32U) | 1U;
 }
 
-std::uint32_t HashOf(std::string_view identifier, bool& isAscii)
+EntityIndex::Key KeyOf(std::string_view identifier)
 {
     const kar::TextHash narrow = kar::HashText(identifier);
-    isAscii = narrow.isAscii;
-    return Marked(isAscii ? narrow.hash : kar::HashText(kar::ToWide(identifier)).hash);
+    return narrow.isAscii
+               ? EntityIndex::Key(Marked(narrow.hash), true)
+               : EntityIndex::Key(Marked(kar::HashText(kar::ToWide(identifier)).hash), false);
 }
 
 // Needs no allocation.
@@ -194,9 +195,9 @@ EntityIndex::Key EntityIndex::Prepare(std::string_view identifier)
 {
     if (m_entities.size() == m_limit)
         GrowForOne();
-    Key key;
-    key.hash = HashOf(identifier, key.isAscii);
-    kar::Prefetch(&m_buckets[First(key.hash)], 2 * sizeof(Bucket)); // which may begin within a line
+    const Key key = KeyOf(identifier);
+    kar::Prefetch(&m_buckets[First(key.Hash())],
+                  2 * sizeof(Bucket)); // which may begin within a line
     return key;
 }
 
@@ -215,9 +216,9 @@ inline KARMPEntity* EntityIndex::Find(std::string_view identifier, std::uint32_t
 KARMPEntity* EntityIndex::AddPrepared(const Key& key, std::string_view identifier,
                                       const QOBSharedHandle<KARMPEntity>& entity)
 {
-    if (KARMPEntity* const found = Find(identifier, key.hash))
+    if (KARMPEntity* const found = Find(identifier, key.Hash()))
         return found;
-    Enter(FreeSlot(key.hash), key.hash, static_cast<std::uint32_t>(m_entities.size()));
+    Enter(FreeSlot(key.Hash()), key.Hash(), static_cast<std::uint32_t>(m_entities.size()));
     m_entities.push_back(entity);
     return nullptr;
 }
@@ -239,8 +240,7 @@ void EntityIndex::Remove(const KARMPEntity& entity) noexcept
 
 KARMPEntity* EntityIndex::Find(std::string_view identifier) const
 {
-    bool isAscii = false;
-    return m_buckets.empty() ? nullptr : Find(identifier, HashOf(identifier, isAscii));
+    return m_buckets.empty() ? nullptr : Find(identifier, KeyOf(identifier).Hash());
 }
 
 } // namespace karmp::model

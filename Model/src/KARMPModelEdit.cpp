@@ -103,7 +103,7 @@ Edit::Entity Edit::Create(const QOBClassInfo& info, std::string_view identifier)
         FailToCreate(info, entity);
         return {};
     }
-    NameEntity(*entity, identifier, key.isAscii);
+    NameEntity(*entity, identifier, key.IsAscii());
     IdentifyByName(*entity);
     EditStep& step = NextStep();
     if (const KARMPEntity* const taken = m_core.Index(key, identifier, entity)) {
