@@ -31,6 +31,7 @@ public:
     Place* Node() const { return m_place; }
     KARStatus Status() const { return m_failed ? KARFailure : KARSuccess; }
     void Fail() { m_failed = true; }
+    void SetStatus(KARStatus earlier) { m_failed = KARFailed(earlier); }
     bool Base(KARStatus status, Where where)
     {
         if (!KARFailed(status))

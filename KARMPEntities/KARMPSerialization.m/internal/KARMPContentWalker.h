@@ -52,13 +52,10 @@ public:
         for (const Item* item = items.data(); item != end; item += 1U + item->inner) {
             if ((baseFailed && !item->evenIfBaseFails) || !walker.Applies(*item, element))
                 continue;
-            const std::span<const Item> inner(item + 1, item->inner);
-            if (item->isUncounted) {
-                Element uncounted(element);
-                walker.WalkItem(*item, inner, uncounted);
-            } else {
-                walker.WalkItem(*item, inner, element);
-            }
+            const KARStatus before = element.Status();
+            walker.WalkItem(*item, {item + 1, item->inner}, element);
+            if (item->isUncounted)
+                element.SetStatus(before);
         }
     }
 

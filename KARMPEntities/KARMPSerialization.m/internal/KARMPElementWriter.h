@@ -45,6 +45,8 @@ public:
     KARStatus Status() const { return m_failed ? KARFailure : KARSuccess; }
     /// Counts a failure of something that was written by other means.
     void Fail() { m_failed = true; }
+    /// Goes back to an earlier status: what failed since does not count.
+    void SetStatus(KARStatus earlier) { m_failed = KARFailed(earlier); }
     /// Takes the status of a base class's step: a failure is reported and counted.
     bool Base(KARStatus status, Where where = Where::current());
 

@@ -355,24 +355,17 @@ void ContentReader<Element>::ReadRecords(const Item& item, std::span<const Item>
 
 namespace {
 
-// The record of an element whose nodes are not made and whose identifiers the table has by number;
-// none otherwise.
-RecordedElement RecordedFor(const KARMPDeserializer& node, const KARMPEntityTable& entities)
-{
-    if ((NodeBuilder::Missing(node) & ContentPart) == 0)
-        return {};
-    const RecordedElement recorded = NodeBuilder::Recorded(node);
-    return entities.UsesNumbersOf(recorded.records) ? recorded : RecordedElement();
-}
-
-// False, with nothing read, for an element that has no record or no simple one.
+// False, with nothing read, for an element whose nodes are made, whose identifiers the table does
+// not have by number, or that has no simple record.
 bool ReadRecord(const Content& content, void* owner, ElementReader& element,
                 const KARMPEntityTable& entities, bool baseFailed)
 {
-    const RecordedElement recorded = RecordedFor(*element.Node(), entities);
-    if (recorded.records == nullptr)
+    if ((NodeBuilder::Missing(*element.Node()) & ContentPart) == 0)
         return false;
-    RecordSource source{*recorded.records, recorded.bytes};
+    const RecordedElement recorded = NodeBuilder::Recorded(*element.Node());
+    if (!entities.UsesNumbersOf(recorded.records))
+        return false;
+    RecordSource source(recorded);
     RecordElement record(&source, recorded.number, element.Node());
     if (!record.IsSimple())
         return false;

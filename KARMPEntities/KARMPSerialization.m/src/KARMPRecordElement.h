@@ -20,7 +20,11 @@ struct RecordSource
     /// The bytes that offsets count from.
     const char* bytes;
     /// Holds the text that was read last as a view.
-    ReadText buffer{};
+    ReadText buffer;
+
+    explicit RecordSource(const RecordedElement& element)
+        : records(*element.records), bytes(element.bytes)
+    {}
 };
 
 /// Reads the content of one recorded element as ElementReader does, without its nodes. What is
@@ -43,6 +47,7 @@ public:
     const KARMPDeserializer* Node() const;
     KARStatus Status() const { return m_failed ? KARFailure : KARSuccess; }
     void Fail() { m_failed = true; }
+    void SetStatus(KARStatus earlier) { m_failed = KARFailed(earlier); }
     bool Base(KARStatus status, Where where)
     {
         m_failed = !ElementReader::Set(status, where) || m_failed;
