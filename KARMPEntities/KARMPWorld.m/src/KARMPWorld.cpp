@@ -386,7 +386,7 @@ KARStatus KARMPWorld::Add(KARBaseUnknown_var key1, KARBaseUnknown_var key2,
 // A value finds its world through the basic world that it stands under.
 void KARMPWorld::PlaceValue(const QOBSharedHandle<KARMPValue>& value)
 {
-    const QOBSharedHandle<QOBBasicEntity> parent(getExtendible(), QOBSharedBase::WriteLock);
+    const QOBSharedHandle<QOBBasicWorld> parent(getExtendible(), QOBSharedBase::WriteLock);
     if (KARMPVerify(static_cast<bool>(parent)) && !parent->hasLogicalChild(value))
         parent->addLogicalChild(value);
 }

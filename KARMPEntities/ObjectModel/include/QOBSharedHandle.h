@@ -12,6 +12,7 @@
 #include <functional>
 #include <list>
 #include <type_traits>
+#include <typeinfo>
 #include <utility>
 #include <vector>
 
@@ -180,7 +181,9 @@ private:
     static const QOBSharedObject* checked(const U* object)
     {
         if constexpr (!std::is_convertible_v<const U*, const T*>) {
-            if (object != nullptr && dynamic_cast<const T*>(object) == nullptr)
+            // A dynamic cast compares the names of classes even where the object is just a T.
+            if (object != nullptr && &typeid(*object) != &typeid(T) &&
+                dynamic_cast<const T*>(object) == nullptr)
                 throwInvalidCast();
         }
         return object;
