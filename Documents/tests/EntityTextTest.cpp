@@ -241,7 +241,7 @@ TEST_F(EntityTexts, AreWrittenForNearlyAllClasses)
             others.push_back(name);
     }
     EXPECT_EQ(others, (std::vector<std::string>{"KARMPCurve", "KARMPDiagnostic", "KARMPExpression",
-                                                "KARMPLinearEquation", "KARMPMotor", "KARMPScrew",
+                                                "KARMPLinearEquation", "KARMPScrew",
                                                 "KARMPSketchFunction", "KARMPSpatialForceActuator",
                                                 "KARMPSpatialForceActuator2D", "KARMPSurface"}));
 }

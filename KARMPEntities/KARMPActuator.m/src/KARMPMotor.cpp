@@ -17,7 +17,8 @@
 
 KARMP_DEFINE_ENTITY(KARMPMotor, "93D94421-11AE-459b-8A24-58677A143A43");
 
-// Described only: the values are written and read by operations of their own, which take a name.
+// The values are written and read by operations of their own, which take a name; the text of a
+// document is the same by the list.
 template <>
 struct karmp::ContentOf<KARMPMotor>
 {
@@ -56,7 +57,8 @@ struct karmp::ContentOf<KARMPMotor>
                 ValueReference<&Get<C::MaxForce>, &Set<C::MaxForce>>(
                     L"MaxForce", "The largest force or torque of the motor.")
                     .Removing<&Remove<C::MaxForce>>()
-                    .Optional());
+                    .Optional())
+            .WrittenByList();
 };
 KARMP_DESCRIBE_CONTENT(KARMPMotor);
 
