@@ -4,8 +4,10 @@
 #include "Loading.h"
 #include "Output.h"
 #include "Progress.h"
+#include "Writing.h"
 
 #include <iostream>
+#include <string_view>
 
 namespace karmp::tool {
 
@@ -49,6 +51,19 @@ std::optional<documents::LoadResult> Reload(const documents::LoadResult& loaded)
     return std::nullopt;
 }
 
+// Lists the collision layers, which reading does not. What stays unlisted is told.
+bool CompleteToCompare(const documents::LoadResult& loaded, const std::string& file)
+{
+    if (!Complete(*loaded.world))
+        return false;
+    if (const std::size_t count = UnlistedOf(loaded).items.size(); count > 0)
+        std::cerr << "karmp: " << CountText(count, "collision layer", "collision layers") << " of "
+                  << Printable(std::string_view(file))
+                  << " cannot be compared: no relation of layers refers to "
+                  << (count == 1 ? "it" : "them") << '\n';
+    return true;
+}
+
 } // namespace
 
 int RunDiff(const DiffOptions& options)
@@ -57,7 +72,8 @@ int RunDiff(const DiffOptions& options)
     if (!before)
         return Unreadable;
     const auto after = options.after.empty() ? Reload(*before) : LoadWorld(options.after);
-    if (!after)
+    if (!after || !CompleteToCompare(*before, options.before) ||
+        !CompleteToCompare(*after, options.after.empty() ? "<saved>" : options.after))
         return Unreadable;
 
     documents::DifferenceOptions how;

@@ -69,7 +69,8 @@ int RunExtract(const ExtractOptions& options)
         return Unreadable;
     }
     const auto loaded = LoadWorld(options.file);
-    if (!loaded || !MayWrite(options.file, writing, loaded->diagnostics))
+    if (!loaded || !MayWrite(options.file, writing, loaded->diagnostics) ||
+        !Complete(*loaded->world))
         return Unreadable;
     const Bodies bodies = FindBodies(*loaded->world, options.bodies);
     if (bodies.empty())
@@ -83,7 +84,10 @@ int RunExtract(const ExtractOptions& options)
     }
     documents::SaveOptions save;
     save.version = loaded->version;
-    const Losses losses{save.version, documents::FindLosses(*extract.world, save.version), {}};
+    const bool takesLayers =
+        std::find(families->begin(), families->end(), L"Interactions") != families->end();
+    const Losses losses{save.version, documents::FindLosses(*extract.world, save.version, true),
+                        takesLayers ? UnlistedOf(*loaded) : documents::Diagnostics()};
     const int written = WriteDocument(extract.world, writing, save);
     if (written == Unreadable)
         return Unreadable;

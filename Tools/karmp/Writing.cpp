@@ -210,17 +210,22 @@ bool Complete(KARMPWorld& world)
     return false;
 }
 
-Losses LossesOf(const documents::LoadResult& loaded, const std::wstring& version)
+documents::Diagnostics UnlistedOf(const documents::LoadResult& loaded)
 {
-    const Progress progress("looking for what version " + Printable(version) + " cannot hold");
-    Losses losses{version, documents::FindLosses(*loaded.world, version, true), {}};
+    Diagnostics unlisted;
     if (loaded.unlisted.empty())
-        return losses;
+        return unlisted;
     const auto listed = InteractionsIn(*loaded.world);
     for (const documents::UnlistedEntity& entity : loaded.unlisted)
         if (listed.count(entity.identifier) == 0)
-            losses.unlisted.items.push_back(entity.message);
-    return losses;
+            unlisted.items.push_back(entity.message);
+    return unlisted;
+}
+
+Losses LossesOf(const documents::LoadResult& loaded, const std::wstring& version)
+{
+    const Progress progress("looking for what version " + Printable(version) + " cannot hold");
+    return {version, documents::FindLosses(*loaded.world, version, true), UnlistedOf(loaded)};
 }
 
 int ReportLosses(const std::string& input, const WriteOptions& options,

@@ -54,6 +54,10 @@ struct Losses
     documents::Diagnostics unlisted; // entities of the input that the world does not list
 };
 
+/// The collision layers of a document that its world, which was completed, does not list, since no
+/// relation of layers refers to them.
+documents::Diagnostics UnlistedOf(const documents::LoadResult& loaded);
+
 /// What a document for a version lacks of a world that was loaded and completed.
 Losses LossesOf(const documents::LoadResult& loaded, const std::wstring& version);
 

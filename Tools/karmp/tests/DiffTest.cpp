@@ -136,6 +136,33 @@ TEST_F(Diff, TellsOfABodyThatBecamePlanarWithItsOwnNumbers)
         "0.998096302207)\n");
 }
 
+TEST_F(Diff, ComparesCollisionLayers)
+{
+    const std::string scene = KARMP_EXAMPLE_DOCUMENTS "/collision.xml";
+    const std::string gate = "<Entity id=\"Gate\" name=\"Gate\"/>";
+    const std::string wall = "<Entity id=\"Wall\" name=\"Wall\"/>";
+    const Outcome other =
+        Run("diff " + scene + ' ' + Write("other.xml", With(ReadFile(scene), gate, wall)));
+    EXPECT_EQ(other.code, 1);
+    ExpectContains(other.output, "CollisionLayer \"Moving parts\"\n");
+    ExpectContains(other.output, "  + Entities: Body \"Wall\"\n");
+    ExpectContains(Run("diff " + scene + " --reloaded").output,
+                   "- CollisionLayer \"Moving parts\"\n");
+}
+
+TEST_F(Diff, SaysWhichLayersItCannotCompare)
+{
+    const std::string layer = "   <CollisionLayer id=\"L7\" name=\"Lonely\" isActive=\"yes\">"
+                              "<RuleType>CollisionReaction</RuleType></CollisionLayer>\n";
+    const std::string scene = KARMP_EXAMPLE_DOCUMENTS "/collision.xml";
+    const std::string end = "  </Interactions>\n";
+    const std::string file = Write("lonely.xml", With(ReadFile(scene), end, layer + end));
+    const Outcome outcome = Run("diff " + scene + ' ' + file);
+    EXPECT_EQ(outcome.output, "karmp: 1 collision layer of " + file +
+                                  " cannot be compared: no relation of layers refers to it\n");
+    EXPECT_EQ(outcome.code, 0);
+}
+
 TEST_F(Diff, EndsWithTwoWhereADocumentIsNotRead)
 {
     const Outcome missing = Run("diff " + m_clean + ' ' + File("missing.xml"));

@@ -94,12 +94,40 @@ TEST_F(Equipped, ExtractOfAllBodiesHasWhatRefersToThem)
     Run("extract " + m_file + " --body GlobalBody Crank Rod Slider --with all -o " +
         File("part.xml"));
     const std::string diff = Run("diff " + m_file + ' ' + File("part.xml")).output;
-    ExpectContains(diff, "6 entities removed, 0 added, 0 changed");
-    // Reading drops the layers, so that nothing tells which bodies their relation is about.
-    ExpectContains(diff, "- CollisionInterLayer \"layers\"\n");
+    ExpectContains(diff, "5 entities removed, 0 added, 0 changed");
     for (const std::string name :
          {"flat hand", "flat push", "shift", "flat freedoms", "flat stroke"})
         ExpectContains(diff, " \"" + name + "\"\n");
+}
+
+TEST_F(Equipped, ExtractTakesLayersWithTheirRelation)
+{
+    Run("extract " + m_file + " --body GlobalBody Slider --with interactions -o " +
+        File("part.xml"));
+    ExpectContains(Run("tree " + File("part.xml") + " --family interactions").output,
+                   "  CollisionInterLayer \"layers\"\n"
+                   "    Collidables: CollisionLayer \"movers\", CollisionLayer \"still\"\n");
+    Run("extract " + m_file + " --body Slider --with interactions -o " + File("part.xml"));
+    const std::string tree = Run("tree " + File("part.xml")).output;
+    ExpectContains(tree, "CollisionLayer \"movers\"");
+    EXPECT_EQ(tree.find("\"layers\""), std::string::npos);
+    EXPECT_EQ(tree.find("\"still\""), std::string::npos);
+}
+
+TEST_F(Equipped, ExtractTellsOfLayersThatNoRelationIsAbout)
+{
+    const std::string text = EquippedDocument();
+    const auto start = text.find("   <CollisionInterLayer");
+    const std::string end = "</CollisionInterLayer>\n";
+    const std::string file = Write(
+        "lonely.xml", text.substr(0, start) + text.substr(text.find(end, start) + end.size()));
+    const auto extract = [&](const std::string& with) {
+        return Run("extract " + file + " --body Slider" + with + " -o " + File("part.xml"));
+    };
+    const Outcome lossy = extract(" --with interactions");
+    EXPECT_EQ(lossy.code, 1);
+    ExpectContains(lossy.output, "warning: CollisionLayer \"movers\" [movers] is read");
+    EXPECT_EQ(extract("").output.find("movers"), std::string::npos);
 }
 
 TEST_F(Equipped, ExtractTakesWhatIsAboutItsBodiesAlone)
