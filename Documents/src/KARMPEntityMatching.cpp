@@ -5,6 +5,7 @@
 #include "KARMPEntityMatching.h"
 
 #include "KARMPEntityContents.h"
+#include "KARMPKeyedEntities.h"
 
 #include <algorithm>
 #include <array>
@@ -12,7 +13,6 @@
 #include <cstddef>
 #include <map>
 #include <string_view>
-#include <tuple>
 #include <unordered_map>
 
 namespace karmp::documents {
@@ -23,52 +23,10 @@ namespace {
 constexpr int MostRounds = 16;
 // Candidates that are looked at for one entity, so that large groups of alike ones stay linear.
 constexpr std::size_t MostCandidates = 64;
-
-/// An entity with a number by which it is compared with others.
-struct Keyed
-{
-    std::uint64_t key;
-    EntityNumber number;
-
-    bool operator==(const Keyed&) const = default;
-    bool operator<(const Keyed& other) const
-    {
-        return std::tie(key, number) < std::tie(other.key, other.number);
-    }
-};
-using KeyedEntities = std::vector<Keyed>;
-
-void Arrange(KeyedEntities& entities)
-{
-    std::sort(entities.begin(), entities.end());
-    entities.erase(std::unique(entities.begin(), entities.end()), entities.end());
-}
-
-/// Calls `visit` with the entities of both lists that have one key, for each key that stands in
-/// both. The lists are in order.
-template <class Visit>
-void ForEachGroup(const KeyedEntities& before, const KeyedEntities& after, Visit visit)
-{
-    const auto endOf = [](const KeyedEntities& list, std::size_t begin) {
-        std::size_t end = begin;
-        while (end < list.size() && list[end].key == list[begin].key)
-            ++end;
-        return end;
-    };
-    std::size_t i = 0;
-    std::size_t j = 0;
-    while (i < before.size() && j < after.size()) {
-        if (before[i].key == after[j].key) {
-            const std::size_t iEnd = endOf(before, i);
-            const std::size_t jEnd = endOf(after, j);
-            visit(std::span(before).subspan(i, iEnd - i), std::span(after).subspan(j, jEnd - j));
-            i = iEnd;
-            j = jEnd;
-        } else {
-            ++(before[i].key < after[j].key ? i : j);
-        }
-    }
-}
+// Sizes of groups of alike entities that are told apart one by one, and how often: a pair of such a
+// symmetry tells more about the rest than another pair by chance.
+constexpr std::size_t LargestSymmetry = 8;
+constexpr int MostSymmetries = 16;
 
 // An entity keeps its class or its name while the other one changes; but its family never changes.
 bool AreAkin(const WorldGraph::Entity& before, const WorldGraph::Entity& after)
@@ -121,7 +79,8 @@ private:
     std::array<KeyedEntities, 2> Keys(KeyOf keyOf);
     template <class KeyOf>
     bool MatchUnique(KeyOf keyOf);
-    bool PairGroup(Group before, Group after);
+    bool PairGroup(Group before, Group after, std::size_t most);
+    bool HasUnmatchedNeighbours(Group group) const;
     void Refine(Side& side) const;
     std::uint64_t ContentOf(Side& side, EntityNumber number) const;
     static std::vector<EntityNumber> SortedByNumbers(const Side& side, Group group);
@@ -143,6 +102,7 @@ private:
     std::array<Side, 2> m_sides;
     /// Pairs whose neighbours have not been looked at, by the entity of the first world.
     std::vector<EntityNumber> m_fresh;
+    int m_brokenSymmetries = 0;
     /// At least half of the entities correspond by their identifiers.
     bool m_isOfOneOrigin = false;
 };
@@ -243,19 +203,24 @@ void Matcher::MatchNeighbours()
     }
 }
 
-// An entity without a name has to have all its links to matched entities in common.
+// An entity without a name has to have all its links to matched entities in common. Where that
+// leaves several, their positions in lists tell.
 void Matcher::MatchNeighboursOf(EntityNumber before, EntityNumber after)
 {
-    for (const bool byAnchors : {false, true}) {
+    enum class Telling { Name, Anchors, Positions };
+    for (const Telling telling : {Telling::Name, Telling::Anchors, Telling::Positions}) {
         std::array<KeyedEntities, 2> keyed;
         for (std::size_t i = 0; i < 2; ++i) {
             const Side& side = m_sides[i];
             for (const WorldGraph::Link& link : side.graph.LinksOf(i == 0 ? before : after)) {
                 const EntityNumber target = link.target;
-                if (side.partners[target] != NoEntity || (!byAnchors && !IsNamed(side, target)))
+                const bool byName = telling == Telling::Name;
+                if (side.partners[target] != NoEntity || (byName && !IsNamed(side, target)))
                     continue;
-                std::uint64_t key = Mix(link.label, TitleOf(side, target));
-                if (byAnchors)
+                const bool isPlaced = telling == Telling::Positions;
+                std::uint64_t key =
+                    Mix(isPlaced ? link.PlacedLabel() : link.label, TitleOf(side, target));
+                if (!byName)
                     key = Mix(key, side.anchors[target]);
                 keyed[i].push_back({key, target});
             }
@@ -322,7 +287,7 @@ void Matcher::Refine(Side& side) const
         std::uint64_t around = side.anchors[number];
         for (const WorldGraph::Link& link : side.graph.LinksOf(number))
             if (side.partners[link.target] == NoEntity)
-                around += Mix(link.label, side.colours[link.target]);
+                around += Mix(link.PlacedLabel(), side.colours[link.target]);
         refined[i] = Mix(side.colours[number], around);
     }
     for (std::size_t i = 0; i < refined.size(); ++i)
@@ -358,15 +323,17 @@ std::uint64_t Matcher::ContentOf(Side& side, EntityNumber number) const
     return entry->second;
 }
 
-// Pairs entities of equal surroundings in the order of their numbers. What was matched on the way
-// tells some of them apart.
-bool Matcher::PairGroup(Group before, Group after)
+// Pairs entities of equal surroundings, at most `most`, in the order of their numbers. What was
+// matched on the way tells some of them apart.
+bool Matcher::PairGroup(Group before, Group after, std::size_t most)
 {
     const auto left = SortedByNumbers(m_sides[0], before);
     const auto right = SortedByNumbers(m_sides[1], after);
     std::size_t first = 0;
-    bool isAny = false;
+    std::size_t count = 0;
     for (const EntityNumber number : left) {
+        if (count == most)
+            break;
         if (m_sides[0].partners[number] != NoEntity)
             continue;
         while (first < right.size() && m_sides[1].partners[right[first]] != NoEntity)
@@ -381,10 +348,18 @@ bool Matcher::PairGroup(Group before, Group after)
         if (found == end)
             continue;
         Pair(number, *found);
-        isAny = true;
+        ++count;
         MatchNeighbours();
     }
-    return isAny;
+    return count > 0;
+}
+
+bool Matcher::HasUnmatchedNeighbours(Group group) const
+{
+    const auto links = m_sides[0].graph.LinksOf(group.front().number);
+    return std::any_of(links.begin(), links.end(), [this](const WorldGraph::Link& link) {
+        return m_sides[0].partners[link.target] == NoEntity;
+    });
 }
 
 // Entities whose surroundings are equal as far as they are compared. Equal content decides; then
@@ -399,12 +374,27 @@ bool Matcher::MatchAlike()
     const auto byColour = [](const Side& side, EntityNumber number) {
         return side.colours[number];
     };
-    bool isAny = false;
+    // The smaller groups are more certain, and tell what is around them apart.
     const auto pairEqual = [&](const std::array<KeyedEntities, 2>& keyed, bool needsSameCount) {
+        std::vector<std::pair<Group, Group>> groups;
         ForEachGroup(keyed[0], keyed[1], [&](Group before, Group after) {
             if (!needsSameCount || before.size() == after.size())
-                isAny = PairGroup(before, after) || isAny;
+                groups.emplace_back(before, after);
         });
+        std::stable_sort(groups.begin(), groups.end(), [](const auto& left, const auto& right) {
+            return left.first.size() < right.first.size();
+        });
+        bool isAny = false;
+        for (const auto& [before, after] : groups) {
+            const bool isSymmetry = before.size() <= LargestSymmetry &&
+                                    m_brokenSymmetries < MostSymmetries &&
+                                    HasUnmatchedNeighbours(before);
+            isAny = PairGroup(before, after, isSymmetry ? 1 : before.size()) || isAny;
+            if (isSymmetry && isAny) {
+                ++m_brokenSymmetries;
+                break;
+            }
+        }
         return isAny;
     };
     return pairEqual(Keys(byContent), true) || pairEqual(Keys(byContent), false) ||

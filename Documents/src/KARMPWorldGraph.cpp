@@ -68,21 +68,21 @@ void WorldGraph::Add(const Target& entity, std::uint32_t family)
 void WorldGraph::AddLinks()
 {
     std::vector<LabelledPair> pairs;
-    const auto add = [&](EntityNumber from, std::uint64_t label, const Target& target) {
-        const EntityNumber to = NumberOf(target.get());
-        if (to == NoEntity)
-            return;
-        pairs.push_back({from, {label, to}});
-        pairs.push_back({to, {label ^ Backward, from}});
+    const auto add = [&](EntityNumber from, WorldGraph::Link link) {
+        pairs.push_back({from, link});
+        pairs.push_back({link.target, {link.label ^ Backward, from, link.position}});
     };
     for (EntityNumber number = 0; number < Count(); ++number) {
         const ItemInfo* labelled = nullptr;
-        std::uint64_t label = 0;
+        WorldGraph::Link link{};
         ForEachTarget(*m_entities[number].handle, [&](const ItemInfo& item, const Target& target) {
             if (&item != labelled)
-                label = std::hash<std::wstring>()(item.path);
+                link = {std::hash<std::wstring>()(item.path), NoEntity, 0};
             labelled = &item;
-            add(number, label, target);
+            link.position += item.isInOrder ? 1 : 0;
+            link.target = NumberOf(target.get());
+            if (link.target != NoEntity)
+                add(number, link);
         });
     }
     m_firstLinks.assign(m_entities.size() + 1, 0);

@@ -42,11 +42,18 @@ public:
         /// Belongs to class and name.
         std::uint64_t title;
     };
-    /// A link to another entity. `label` belongs to the item that holds it and to the direction.
+    /// A link to another entity. `label` belongs to the item that holds it and to the direction;
+    /// `position` is that of the link in a list whose order means something, from 1, and 0 in
+    /// others.
     struct Link
     {
         std::uint64_t label;
         EntityNumber target;
+        std::uint32_t position;
+
+        /// Belongs to label and position. Only where the lists are those of equal entities it tells
+        /// links apart: an entry that is added changes the position of others.
+        std::uint64_t PlacedLabel() const { return label + position * 0x9FB21C651E98DF25U; }
     };
 
     explicit WorldGraph(const KARMPWorld& world);
