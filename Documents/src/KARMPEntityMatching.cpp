@@ -13,6 +13,7 @@
 #include <cstddef>
 #include <map>
 #include <string_view>
+#include <tuple>
 #include <unordered_map>
 
 namespace karmp::documents {
@@ -69,6 +70,7 @@ private:
     void MatchNeighboursOf(EntityNumber before, EntityNumber after);
     bool MatchNames();
     bool MatchAnchored();
+    bool MatchContents();
     bool MatchColours();
     bool MatchAlike();
     bool MatchLikely(bool byName);
@@ -83,7 +85,7 @@ private:
     bool HasUnmatchedNeighbours(Group group) const;
     void Refine(Side& side) const;
     std::uint64_t ContentOf(Side& side, EntityNumber number) const;
-    static std::vector<EntityNumber> SortedByNumbers(const Side& side, Group group);
+    std::vector<EntityNumber> SortedByNumbers(Side& side, Group group) const;
 
     static std::uint64_t TitleOf(const Side& side, EntityNumber number)
     {
@@ -126,8 +128,9 @@ EntityMatching Matcher::Match()
     while (goesOn) {
         MatchNeighbours();
         DropMatched();
-        goesOn = !IsDone() && (MatchNames() || MatchAnchored() || MatchColours() || MatchAlike() ||
-                               MatchLikely(true) || MatchRest() || MatchRenamed());
+        goesOn =
+            !IsDone() && (MatchNames() || MatchAnchored() || MatchContents() || MatchColours() ||
+                          MatchAlike() || MatchLikely(true) || MatchRest() || MatchRenamed());
     }
     return {std::move(m_sides[0].partners), std::move(m_sides[1].partners)};
 }
@@ -275,6 +278,14 @@ bool Matcher::MatchAnchored()
 {
     return MatchUnique([](const Side& side, EntityNumber number) {
         return side.anchors[number] != 0 ? Mix(TitleOf(side, number), side.anchors[number]) : 0;
+    });
+}
+
+// Of a class and name, and with the same matched neighbours, one has this content in either world.
+bool Matcher::MatchContents()
+{
+    return MatchUnique([this](Side& side, EntityNumber number) {
+        return Mix(Mix(TitleOf(side, number), side.anchors[number]), ContentOf(side, number));
     });
 }
 
@@ -439,34 +450,53 @@ bool Matcher::MatchLikely(bool byName)
                 return side.partners[link.target] != NoEntity;
             }));
     };
-    std::vector<std::pair<std::uint32_t, std::pair<EntityNumber, EntityNumber>>> likely;
+    // What decides between pairs that share as many links must not depend on the order of entities.
+    struct LikelyPair
+    {
+        std::uint32_t count;
+        bool hasOneContent;
+        bool hasOneColour;
+        std::pair<std::uint64_t, std::uint64_t> contents;
+        EntityNumber before;
+        EntityNumber after;
+    };
+    std::vector<LikelyPair> likely;
     for (const auto& [pair, count] : shared) {
         const std::uint32_t most =
             std::max(anchoredLinks(m_sides[0], pair.first), anchoredLinks(m_sides[1], pair.second));
-        if (byName || 2 * count >= most)
-            likely.emplace_back(count, pair);
-    }
-    std::stable_sort(likely.begin(), likely.end(),
-                     [](const auto& left, const auto& right) { return left.first > right.first; });
-    bool isAny = false;
-    for (const auto& [count, pair] : likely) {
-        if (m_sides[0].partners[pair.first] != NoEntity ||
-            m_sides[1].partners[pair.second] != NoEntity)
+        if (!byName && 2 * count < most)
             continue;
-        Pair(pair.first, pair.second);
+        const std::pair contents{ContentOf(m_sides[0], pair.first),
+                                 ContentOf(m_sides[1], pair.second)};
+        likely.push_back({count, contents.first == contents.second,
+                          m_sides[0].colours[pair.first] == m_sides[1].colours[pair.second],
+                          contents, pair.first, pair.second});
+    }
+    std::stable_sort(
+        likely.begin(), likely.end(), [](const LikelyPair& left, const LikelyPair& right) {
+            return std::tie(right.count, right.hasOneContent, right.hasOneColour, left.contents) <
+                   std::tie(left.count, left.hasOneContent, left.hasOneColour, right.contents);
+        });
+    bool isAny = false;
+    for (const LikelyPair& pair : likely) {
+        if (m_sides[0].partners[pair.before] != NoEntity ||
+            m_sides[1].partners[pair.after] != NoEntity)
+            continue;
+        Pair(pair.before, pair.after);
         isAny = true;
     }
     return isAny;
 }
 
-std::vector<EntityNumber> Matcher::SortedByNumbers(const Side& side, Group group)
+std::vector<EntityNumber> Matcher::SortedByNumbers(Side& side, Group group) const
 {
-    std::vector<std::pair<std::vector<double>, EntityNumber>> keyed;
+    std::vector<std::tuple<std::vector<double>, std::uint64_t, EntityNumber>> keyed;
     keyed.reserve(group.size());
     for (const Keyed& entity : group) {
-        keyed.emplace_back(NumbersOf(side.graph.At(entity.number)), entity.number);
+        keyed.emplace_back(NumbersOf(side.graph.At(entity.number)), ContentOf(side, entity.number),
+                           entity.number);
         // A NaN has no place among numbers.
-        auto& values = keyed.back().first;
+        auto& values = std::get<0>(keyed.back());
         std::replace_if(
             values.begin(), values.end(), [](double value) { return std::isnan(value); }, 0.0);
     }
@@ -474,7 +504,7 @@ std::vector<EntityNumber> Matcher::SortedByNumbers(const Side& side, Group group
     std::vector<EntityNumber> sorted;
     sorted.reserve(keyed.size());
     for (const auto& entry : keyed)
-        sorted.push_back(entry.second);
+        sorted.push_back(std::get<2>(entry));
     return sorted;
 }
 

@@ -4,6 +4,9 @@
 #include "KARMPVariable.h"
 
 #include <array>
+#include <set>
+#include <utility>
+#include <variant>
 
 namespace karmp::documents {
 
@@ -167,6 +170,53 @@ TEST_F(SeparateWorlds, TellAnotherNameByTheLinks)
     EXPECT_EQ(CompareKinds(), Kinds{DifferenceKind::Renamed});
     link->SetMass(2.0);
     EXPECT_EQ(CompareKinds(), (Kinds{DifferenceKind::Renamed, DifferenceKind::Changed}));
+}
+
+TEST_F(SeparateWorlds, TellWhatHasNoNameApartByContentWhereAnEntityIsLacking)
+{
+    constexpr int count = 8;
+    constexpr int lacking = 4;
+    for (Built* const built : {&first, &second}) {
+        QOBSharedHandle<KARMPBody> last;
+        for (int i = 0; i < count; ++i) {
+            if (built == &second && i == lacking) {
+                last = nullptr;
+                continue;
+            }
+            const auto body = built->Add<KARMPBody>(L"", L"B" + std::to_wstring(i));
+            body->SetMass(i + 1.0);
+            if (last)
+                built->Join(L"", L"J" + std::to_wstring(i), last, body);
+            last = body;
+        }
+    }
+    const auto differences = Compare();
+    EXPECT_EQ(KindsOf(differences), Kinds(3, DifferenceKind::Removed)) << TextOf(differences);
+}
+
+TEST_F(SeparateWorlds, MatchChangedEntitiesWhateverTheirOrder)
+{
+    const auto compare = [](const std::vector<double>& masses, const std::vector<double>& others) {
+        std::array<Built, 2> built{Built(L"a"), Built(L"b")};
+        for (std::size_t side = 0; side < 2; ++side) {
+            const auto hub = built[side].Add<KARMPBody>(L"Hub");
+            for (const double mass : side == 0 ? masses : others) {
+                const auto body = built[side].Add<KARMPBody>(L"", std::to_wstring(mass));
+                body->SetMass(mass);
+                hub->AddImpactedChildBody(body);
+            }
+        }
+        std::set<std::pair<double, double>> changes;
+        for (const Difference& difference : FindDifferences(*built[0].world, *built[1].world))
+            if (difference.kind == DifferenceKind::Changed)
+                changes.emplace(std::get<double>(difference.oldValue),
+                                std::get<double>(difference.newValue));
+        EXPECT_EQ(changes.size(), masses.size());
+        return changes;
+    };
+    const auto expected = compare({1.0, 2.0, 3.0}, {5.0, 6.0, 7.0, 8.0});
+    EXPECT_EQ(compare({3.0, 1.0, 2.0}, {7.0, 8.0, 6.0, 5.0}), expected);
+    EXPECT_EQ(compare({2.0, 3.0, 1.0}, {8.0, 5.0, 7.0, 6.0}), expected);
 }
 
 /// Numbers that stand in another order in the second world.
