@@ -54,7 +54,8 @@ struct Extraction
 /// A joint or constraint comes along when all bodies that it is about do, and when it is about
 /// variables alone, when all of those do. An entity of a further family comes along when all
 /// entities that it refers to do, values apart. The globals and the ground body of the source are
-/// those of the extract when they come along.
+/// those of the extract when they come along. A body in a plane takes the sketch and the body that
+/// carries the sketch along, in place of the global body that of the extract.
 KARMP_DOCUMENTS_API Extraction ExtractWorld(const KARMPWorld& world,
                                             const std::vector<QOBSharedHandle<KARMPBody>>& bodies,
                                             const ExtractionOptions& options = {});

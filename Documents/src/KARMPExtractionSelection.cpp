@@ -191,16 +191,27 @@ void ExtractionSelection::Select(const Entity& entity)
         return;
     m_known.insert(entity.get());
     std::vector<Entity> parts;
+    const bool isSketch = IsOneOf<KARMPSketch>(*entity);
     ForEachTarget(*entity, [&](const ItemInfo&, const Target& target) {
-        if (!(IsWanted(*target) || IsOnlyAPart(*target)) || IsOneOf<KARMPBody>(*target))
+        const bool isCarrier = isSketch && IsCarrier(*target);
+        if (!(IsWanted(*target) || IsOnlyAPart(*target)) ||
+            (IsOneOf<KARMPBody>(*target) && !isCarrier))
             return;
-        if (IsPart(*target))
+        if (IsPart(*target) || isCarrier)
             parts.push_back(target);
         else if (m_known.insert(target.get()).second)
             m_candidates.push_back(target);
     });
     for (const Entity& part : parts)
         Select(part);
+}
+
+// The body that a sketch is on. The global body of the extract stands for that of the source.
+bool ExtractionSelection::IsCarrier(const KARMPEntity& target) const
+{
+    QOBSharedHandle<KARMPBody> global;
+    m_world.GetGlobalBody(global);
+    return IsOneOf<KARMPBody>(target) && &target != global.get();
 }
 
 void ExtractionSelection::SelectCandidates()

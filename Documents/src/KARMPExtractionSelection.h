@@ -44,6 +44,7 @@ private:
     void SelectBodies(const std::vector<QOBSharedHandle<KARMPBody>>& bodies, int reach);
     /// Selects an entity and makes those that are linked to it candidates.
     void Select(const Entity& entity);
+    bool IsCarrier(const KARMPEntity& target) const;
     /// Selects what comes along until nothing more does.
     void SelectCandidates();
     bool ComesAlong(const Entity& candidate) const;

@@ -10,6 +10,7 @@
 #include "KARMPExtractionSelection.h"
 #include "KARMPFamilies.h"
 #include "KARMPItems.h"
+#include "KARMPSketch.h"
 #include "KARMPVariable.h"
 #include "KARMPWorld.h"
 #include "QOBBasicWorld.h"
@@ -55,6 +56,10 @@ private:
     const Entity* DuplicateOf(const KARMPEntity* source) const;
 
     void RestoreGlobals();
+    void PlaceSketches();
+    /// True for a sketch on the global body that does not come along; that of the extract carries
+    /// it.
+    bool IsOnOtherGlobal(const KARMPEntity& holder, const KARMPEntity* target) const;
     template <class T, class Family>
     void RestoreGlobal(KARStatus (KARMPWorld::*get)(QOBSharedHandle<T>&) const,
                        KARStatus (KARMPWorld::*set)(const QOBSharedHandle<T>&));
@@ -88,6 +93,7 @@ Extraction Extractor::Run()
         for (const auto& [source, duplicate] : m_pairs)
             Restore(source, duplicate);
         RestoreGlobals();
+        PlaceSketches();
         for (const auto& [source, duplicate] : m_pairs)
             TellCutLinks(source);
         for (const Entity& entity : m_selection.Attached())
@@ -227,6 +233,32 @@ void Extractor::RestoreGlobal(KARStatus (KARMPWorld::*get)(QOBSharedHandle<T>&) 
         world.Remove<Family>(first);
 }
 
+// A plane that no body carries stands nowhere.
+void Extractor::PlaceSketches()
+{
+    QOBSharedHandle<KARMPBody> global;
+    m_result.world->GetGlobalBody(global);
+    for (const auto& [source, duplicate] : m_pairs) {
+        if (!source->isDerivedFrom(KARMPSketch::ClassInfo()))
+            continue;
+        QOBSharedHandle<KARMPBody> carrier;
+        QOBSharedHandle<KARMPGeometry>(source)->GetBody(carrier);
+        if (!IsOnOtherGlobal(*source, carrier.get()))
+            continue;
+        const QOBSharedHandle<KARMPGeometry> sketch(duplicate);
+        sketch->SetBody(global);
+        global->AddGeometry(sketch);
+    }
+}
+
+bool Extractor::IsOnOtherGlobal(const KARMPEntity& holder, const KARMPEntity* target) const
+{
+    QOBSharedHandle<KARMPBody> global;
+    m_source.GetGlobalBody(global);
+    return target != nullptr && target == global.get() && !m_selection.Has(target) &&
+           holder.isDerivedFrom(KARMPSketch::ClassInfo());
+}
+
 // Reading an element adds to what the copy has kept.
 bool Extractor::LacksOthers(const KARMPEntity& source, const KARMPEntity& duplicate)
 {
@@ -335,7 +367,7 @@ void Extractor::TellCutLinks(const Entity& holder)
 {
     const bool has = m_selection.Has(holder.get());
     ForEachTarget(*holder, [&](const ItemInfo& item, const Entity& target) {
-        if (m_selection.Has(target.get()) != has &&
+        if (m_selection.Has(target.get()) != has && !IsOnOtherGlobal(*holder, target.get()) &&
             (has || item.otherSide.empty() || !IsToldByTarget(item, holder, target)))
             m_result.cutLinks.push_back({holder, target, item.path});
     });

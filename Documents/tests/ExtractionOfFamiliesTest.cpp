@@ -6,6 +6,7 @@
 #include "KARMPEntities.h"
 #include "KARMPItems.h"
 #include "KARMPJointDOFSensor.h"
+#include "KARMPSketch.h"
 #include "KARMPTestFixture.h"
 
 #include <set>
@@ -134,6 +135,39 @@ TEST_F(ExtractionOfFamilies, TakesNoFurtherFamilyThatIsNotAskedFor)
         EXPECT_EQ(extract->Count<KARMPConstraint>(), world->Count<KARMPConstraint>());
         EXPECT_TRUE(CheckOf(extract).items.empty());
     }
+}
+
+TEST_F(ExtractionOfFamilies, PutsThePlaneOfAPlanarBodyOnItsOwnGlobalBody)
+{
+    const World world = Example("seven-body-planar");
+    const Extraction extract = ExtractWorld(*world, Named(*world, {L"K1"}));
+    EXPECT_TRUE(CheckOf(extract.world).items.empty());
+    for (const std::string& text : TextsOf(extract.cutLinks))
+        EXPECT_EQ(text.find("Sketch"), std::string::npos) << text;
+    EXPECT_EQ(NamesOf(AllBodies(*extract.world)), (Names{"GlobalBody", "K1"}));
+    QOBSharedHandle<KARMPBody> global;
+    extract.world->GetGlobalBody(global);
+    EXPECT_EQ(global->GetGeometryCount(), 2) << "the global axis system and the sketch";
+}
+
+TEST_F(ExtractionOfFamilies, TakesTheBodyThatCarriesThePlaneOfAPlanarBodyAlong)
+{
+    const World world = Example("seven-body-planar");
+    const auto carrier = Add<KARMPBody>(*world, KARMPBody::create(L"Carrier"));
+    QOBSharedHandle<KARMPBody> global;
+    world->GetGlobalBody(global);
+    for (int index = 0; index < world->Count<KARMPGeometry>(); ++index) {
+        QOBSharedHandle<KARMPGeometry> geometry;
+        world->Get<KARMPGeometry>(index, geometry);
+        if (!geometry->isDerivedFrom(KARMPSketch::ClassInfo()))
+            continue;
+        global->RemoveGeometry(geometry);
+        geometry->SetBody(carrier);
+        carrier->AddGeometry(geometry);
+    }
+    const World extract = ExtractWorld(*world, Named(*world, {L"K1"})).world;
+    EXPECT_EQ(NamesOf(AllBodies(*extract)), (Names{"Carrier", "GlobalBody", "K1"}));
+    EXPECT_EQ(CheckOf(extract).Find(Code::SketchWithoutBody), nullptr);
 }
 
 TEST_F(ExtractionOfFamilies, TakesConnectorsBetweenItsBodiesWithTheirValues)
