@@ -235,7 +235,7 @@ void ExtractionSelection::SelectCandidates()
 }
 
 // A variable becomes a candidate by an entity that uses it, a sketch by one that lies in it.
-bool ExtractionSelection::ComesAlong(const Entity& candidate) const
+bool ExtractionSelection::ComesAlong(const Entity& candidate)
 {
     if (IsOneOf<KARMPVariable, KARMPSketch>(*candidate))
         return true;
@@ -262,23 +262,28 @@ bool ExtractionSelection::AttachedComesAlong(const Entity& candidate) const
 }
 
 // Looks through joints, constraints, geometries and connectors, but not into bodies.
-ExtractionSelection::Footprint ExtractionSelection::FootprintOf(const Entity& entity) const
+ExtractionSelection::Footprint ExtractionSelection::FootprintOf(const Entity& entity)
 {
     Footprint footprint;
     std::unordered_set<const KARMPEntity*> passed{entity.get()};
     std::vector<Entity> pending{entity};
+    const auto addBodiesOf = [&](const Entity& geometry) {
+        for (const KARMPEntity* body : BodiesOf(geometry))
+            if (passed.insert(body).second)
+                footprint.bodies.push_back(body);
+    };
     while (!pending.empty()) {
         const Entity current = std::move(pending.back());
         pending.pop_back();
-        // The constraints on a geometry are not what the geometry is about.
-        const bool bodiesOnly = IsOneOf<KARMPGeometry, KARMPShape>(*current);
+        if (IsOneOf<KARMPGeometry, KARMPShape>(*current)) {
+            addBodiesOf(current);
+            continue;
+        }
         ForEachTarget(*current, [&](const ItemInfo&, const Target& target) {
             if (!passed.insert(target.get()).second)
                 return;
             if (IsOneOf<KARMPBody>(*target))
                 footprint.bodies.push_back(target.get());
-            else if (bodiesOnly)
-                return;
             else if (IsOneOf<KARMPVariable>(*target))
                 footprint.variables.push_back(target.get());
             else if (IsOneOf<KARMPJoint, KARMPConstraint, KARMPGeometry>(*target))
@@ -286,6 +291,18 @@ ExtractionSelection::Footprint ExtractionSelection::FootprintOf(const Entity& en
         });
     }
     return footprint;
+}
+
+// The constraints on a geometry are not what the geometry is about, and may be many.
+const std::vector<const KARMPEntity*>& ExtractionSelection::BodiesOf(const Entity& geometry)
+{
+    const auto [found, isNew] = m_carriers.try_emplace(geometry.get());
+    if (isNew)
+        ForEachTarget(*geometry, [&bodies = found->second](const ItemInfo&, const Target& target) {
+            if (IsOneOf<KARMPBody>(*target))
+                bodies.push_back(target.get());
+        });
+    return found->second;
 }
 
 void ExtractionSelection::PutInOrder()

@@ -3,6 +3,7 @@
 #include "KARMPWorldExtraction.h"
 
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -47,9 +48,10 @@ private:
     bool IsCarrier(const KARMPEntity& target) const;
     /// Selects what comes along until nothing more does.
     void SelectCandidates();
-    bool ComesAlong(const Entity& candidate) const;
+    bool ComesAlong(const Entity& candidate);
     bool AttachedComesAlong(const Entity& candidate) const;
-    Footprint FootprintOf(const Entity& entity) const;
+    Footprint FootprintOf(const Entity& entity);
+    const std::vector<const KARMPEntity*>& BodiesOf(const Entity& geometry);
     bool IsWanted(const KARMPEntity& entity) const;
     void PutInOrder();
 
@@ -57,6 +59,8 @@ private:
     const ExtractionOptions m_options;
     std::unordered_set<const KARMPEntity*> m_selected;
     std::unordered_set<const KARMPEntity*> m_known;
+    /// The bodies of geometries and shapes that were asked for.
+    std::unordered_map<const KARMPEntity*, std::vector<const KARMPEntity*>> m_carriers;
     std::vector<Entity> m_candidates;
     std::vector<Entity> m_attached;
     std::vector<Entity> m_entities;

@@ -77,7 +77,7 @@ private:
     Value Translated(const Value& value) const;
     void TellCutLinks(const Entity& holder);
     /// True when the target refers back and is the end that tells of the link.
-    bool IsToldByTarget(const ItemInfo& item, const Entity& holder, const Entity& target) const;
+    bool IsToldByTarget(const ItemInfo& item, const Entity& holder, const Entity& target);
 
     const KARMPWorld& m_source;
     const ExtractionSelection& m_selection;
@@ -85,6 +85,10 @@ private:
     std::vector<std::pair<Entity, Entity>> m_pairs;
     std::unordered_map<const KARMPEntity*, Entity> m_duplicates;
     KARMPEntityTable m_table;
+    /// What the targets of cut links are linked to, by which item.
+    std::unordered_map<const KARMPEntity*,
+                       std::unordered_multimap<const KARMPEntity*, const ItemInfo*>>
+        m_links;
 };
 
 Extraction Extractor::Run()
@@ -373,16 +377,18 @@ void Extractor::TellCutLinks(const Entity& holder)
     });
 }
 
-bool Extractor::IsToldByTarget(const ItemInfo& item, const Entity& holder,
-                               const Entity& target) const
+bool Extractor::IsToldByTarget(const ItemInfo& item, const Entity& holder, const Entity& target)
 {
+    const auto [links, isNew] = m_links.try_emplace(target.get());
+    if (isNew)
+        ForEachTarget(*target, [&known = links->second](const ItemInfo& other, const Entity& back) {
+            known.emplace(back.get(), &other);
+        });
     const auto sides = OtherSides(item.otherSide);
-    bool refersBack = false;
-    ForEachTarget(*target, [&](const ItemInfo& other, const Entity& entity) {
-        refersBack = refersBack || (entity == holder && std::find(sides.begin(), sides.end(),
-                                                                  other.path) != sides.end());
+    const auto [begin, end] = links->second.equal_range(holder.get());
+    return std::any_of(begin, end, [&sides](const auto& back) {
+        return std::find(sides.begin(), sides.end(), back.second->path) != sides.end();
     });
-    return refersBack;
 }
 
 } // namespace
