@@ -16,6 +16,12 @@ namespace karmp::documents {
 
 namespace {
 
+// The class of every entity says nothing about one.
+bool IsAnyEntity(std::string_view className)
+{
+    return className == "KARMPEntity";
+}
+
 // The name of an item's quantity. Here and below, items of the schema or of the table of items.
 template <class AnyItem>
 std::string QuantityOf(const AnyItem& item)
@@ -57,7 +63,8 @@ std::string KindOf(const SchemaItem& item)
     case ItemKind::Text:
         return "text";
     case ItemKind::Reference:
-        return (item.isOwned ? "owned " : "reference to ") + std::string(item.target) +
+        return (item.isOwned ? "owned " : "reference to ") +
+               (IsAnyEntity(item.target) ? "any entity" : std::string(item.target)) +
                InBrackets(QuantityOf(item));
     default:
         return "group";
@@ -393,9 +400,11 @@ std::string ValuesOf(const ItemInfo& item)
     case ItemKind::Code:
         return "one of: " + WordsOf(item);
     case ItemKind::Reference:
-        return "an entity of class " + std::string(item.target) + orNone;
+        return IsAnyEntity(item.target) ? "an entity" + orNone
+                                        : "an entity of class " + std::string(item.target) + orNone;
     case ItemKind::References:
-        return "entities of class " + std::string(item.target) + orNone;
+        return IsAnyEntity(item.target) ? "entities" + orNone
+                                        : "entities of class " + std::string(item.target) + orNone;
     default:
         return {};
     }

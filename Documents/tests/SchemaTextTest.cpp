@@ -89,6 +89,7 @@ TEST(ClassReference, NamesWhatCanBeSetWithItsValues)
          {"is_fixed: yes or no", "name: a text", "Weight/Mass: a number (Mass)",
           "Weight/COG: 3 numbers: Px, Py, Pz",
           "Position: 12 numbers: translation, rotation by columns",
+          "AggregatedElements: entities or None",
           "Geometries: entities of class KARMPGeometry or None",
           "DisplacementSensor: an entity of class KARMPDisplacementSensor or None"})
         ExpectPart(items, std::string("\n  ") + line + '\n');

@@ -23,7 +23,9 @@ using Entity = QOBSharedHandle<KARMPEntity>;
 std::optional<std::vector<std::wstring>> FamiliesOf(const std::vector<std::string>& names)
 {
     std::vector<std::wstring> families;
-    for (const std::string& name : names) {
+    for (std::string name : names) {
+        // Behind a comma a person may put a blank.
+        std::erase(name, ' ');
         if (IsSameIgnoringCase(L"all", name)) {
             for (const FamilyRecord& family : FamilyRecords())
                 families.emplace_back(family.element);

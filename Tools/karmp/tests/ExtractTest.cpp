@@ -65,9 +65,10 @@ TEST_F(ExtractCommand, RefusesWhatItDoesNotKnow)
     EXPECT_EQ(Files().count("part.xml"), 0U);
 }
 
-TEST_F(ExtractCommand, TakesFamiliesInAnyCase)
+TEST_F(ExtractCommand, TakesFamiliesInAnyCaseAndWithBlanks)
 {
     EXPECT_EQ(Extract("--body Crank --with connectors,SENSORS").code, 0);
+    EXPECT_EQ(Extract("--body Crank --with 'connectors, sensors'").code, 0);
 }
 
 TEST_F(ExtractCommand, NeverWritesOntoTheDocument)
