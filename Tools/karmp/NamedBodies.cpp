@@ -7,35 +7,50 @@
 
 #include <iostream>
 #include <string_view>
+#include <unordered_map>
 
 namespace karmp::tool {
 
 namespace {
 
-// The bodies of that name, or the one of that identifier.
-Bodies FindBodies(const KARMPWorld& world, const std::string& text)
+/// The bodies of a world by identifier and by name.
+class BodyIndex
 {
-    const std::wstring wanted = kar::ToWide(std::string_view(text));
-    Bodies named;
-    for (int index = 0; index < world.GetBodyCount(); ++index) {
-        QOBSharedHandle<KARMPBody> body;
-        if (KARFailed(world.Get<KARMPBody>(index, body)))
-            continue;
-        if (IdentifierOf(*body) == wanted)
-            return {body};
-        if (body->getEntityName() == wanted)
-            named.push_back(body);
+public:
+    explicit BodyIndex(const KARMPWorld& world)
+    {
+        for (int index = 0; index < world.GetBodyCount(); ++index) {
+            QOBSharedHandle<KARMPBody> body;
+            if (KARFailed(world.Get<KARMPBody>(index, body)))
+                continue;
+            m_identifiers.try_emplace(IdentifierOf(*body), body);
+            m_names[body->getEntityName()].push_back(body);
+        }
     }
-    return named;
-}
+
+    /// The body of that identifier, or those of that name.
+    Bodies Find(const std::string& text) const
+    {
+        const std::wstring wanted = kar::ToWide(std::string_view(text));
+        if (const auto found = m_identifiers.find(wanted); found != m_identifiers.end())
+            return {found->second};
+        const auto found = m_names.find(wanted);
+        return found != m_names.end() ? found->second : Bodies();
+    }
+
+private:
+    std::unordered_map<std::wstring, QOBSharedHandle<KARMPBody>> m_identifiers;
+    std::unordered_map<std::wstring, Bodies> m_names;
+};
 
 } // namespace
 
 Bodies FindBodies(const KARMPWorld& world, const std::vector<std::string>& names)
 {
+    const BodyIndex index(world);
     Bodies bodies;
     for (const std::string& name : names) {
-        const Bodies found = FindBodies(world, name);
+        const Bodies found = index.Find(name);
         if (found.size() == 1) {
             bodies.push_back(found.front());
             continue;

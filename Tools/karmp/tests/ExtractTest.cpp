@@ -55,6 +55,17 @@ TEST_F(ExtractCommand, TakesIdentifiersForNamesThatSeveralBodiesHave)
     EXPECT_EQ(extract("Rod").code, 0);
 }
 
+TEST_F(ExtractCommand, TakesABodyByItsIdentifierBeforeOthersOfThatName)
+{
+    const std::string named = "<Body id=\"Rod\" name=\"Rod\" isActive";
+    const std::string file = Write(
+        "named.xml", With(CleanDocument(), named, "<Body id=\"Rod\" name=\"Crank\" isActive"));
+    Run("extract " + file + " --body Crank Rod Crank -q -o " + File("part.xml"));
+    const std::string bodies = Run("tree --ids --family bodies " + File("part.xml")).output;
+    ExpectContains(bodies, "Body \"Crank\" [Crank]\n");
+    ExpectContains(bodies, "Body \"Crank\" [Rod]\n");
+}
+
 TEST_F(ExtractCommand, RefusesWhatItDoesNotKnow)
 {
     ExpectContains(Extract("--body Crank --with wheels").output, "unknown family wheels");
