@@ -115,8 +115,12 @@ bool AreEqual(double before, double after, double scale, const DifferenceOptions
 {
     if (before == after || (std::isnan(before) && std::isnan(after)))
         return true;
-    // Of an infinity and of a NaN this is no amount that anything allows.
+    if (!std::isfinite(before) || !std::isfinite(after))
+        return false;
     const double difference = std::abs(before - after);
+    // Too large for a double, as what is allowed may be.
+    if (!std::isfinite(difference))
+        return std::abs(before / 2 - after / 2) <= options.tolerance * (scale / 2);
     return difference <= options.floor || difference <= options.tolerance * scale;
 }
 

@@ -261,6 +261,23 @@ TEST_F(WorldDifference, OfNumbersIsRelativeToTheGreaterOneAboveAFloor)
     EXPECT_EQ(CompareKinds(), Kinds{DifferenceKind::Changed});
 }
 
+TEST_F(WorldDifference, OfLargeAndInfiniteNumbersIsNoLessThanItIs)
+{
+    constexpr double large = 1.5e308;
+    const auto [before, after] = AddBoth<KARMPBody>(L"Rod");
+    const auto compare = [&](double one, double other, const DifferenceOptions& options) {
+        before->SetCenterOfGravity({one, large, 0.0});
+        after->SetCenterOfGravity({other, large, 0.0});
+        return CompareKinds(options);
+    };
+    const double infinity = std::numeric_limits<double>::infinity();
+    EXPECT_EQ(compare(infinity, 1.0, {.tolerance = 1.9}), Kinds{DifferenceKind::Changed});
+    EXPECT_EQ(compare(infinity, -infinity, {.tolerance = 1.9}), Kinds{DifferenceKind::Changed});
+    EXPECT_EQ(compare(infinity, infinity, {}), Kinds());
+    EXPECT_EQ(compare(large, -large, {.tolerance = 1.9}), Kinds{DifferenceKind::Changed});
+    EXPECT_EQ(compare(large, -large, {.tolerance = 2.0}), Kinds());
+}
+
 TEST_F(WorldDifference, MeasuresANumberOfAVectorByTheWholeVector)
 {
     const auto [before, after] = AddBoth<KARMPBody>(L"Rod");
