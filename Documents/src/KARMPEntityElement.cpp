@@ -5,11 +5,14 @@
 #include "KARMPEntityContents.h"
 #include "KARTextConversion.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <iterator>
 #include <map>
 #include <set>
+#include <utility>
+#include <vector>
 
 namespace karmp::documents {
 
@@ -40,22 +43,39 @@ std::wstring TextOf(const Value& data)
     return std::wstring(buffer.data(), end);
 }
 
-/// The children of an element by their names, the second one of a name with "[2]" behind it.
-using NamedChildren = std::vector<std::pair<std::wstring, const EntityElement*>>;
-
-NamedChildren ChildrenOf(const EntityElement& element)
+/// The children of two corresponding elements that have one name, in their order.
+struct Namesakes
 {
-    NamedChildren children;
-    std::map<std::wstring_view, int> counts;
-    for (int i = 0; i < element.ChildCount(); ++i) {
-        const EntityElement& child = element.Child(i);
-        const int count = ++counts[child.Name()];
-        std::wstring name(child.Name());
-        if (count > 1)
-            name += L'[' + std::to_wstring(count) + L']';
-        children.emplace_back(std::move(name), &child);
-    }
-    return children;
+    std::wstring_view name;
+    std::array<std::vector<const EntityElement*>, 2> children;
+};
+
+// In the order of the first child of each name.
+std::vector<Namesakes> NamesakesOf(const EntityElement& before, const EntityElement& after)
+{
+    std::vector<Namesakes> groups;
+    std::map<std::wstring_view, std::size_t> numbers;
+    const auto add = [&](const EntityElement& element, std::size_t side) {
+        for (int i = 0; i < element.ChildCount(); ++i) {
+            const EntityElement& child = element.Child(i);
+            const auto [found, isNew] = numbers.try_emplace(child.Name(), groups.size());
+            if (isNew)
+                groups.push_back({child.Name(), {}});
+            groups[found->second].children[side].push_back(&child);
+        }
+    };
+    add(before, 0);
+    add(after, 1);
+    return groups;
+}
+
+// The second child of a name has "[2]" behind it.
+std::wstring NumberedName(std::wstring_view name, std::size_t index)
+{
+    std::wstring numbered(name);
+    if (index > 0)
+        numbered += L'[' + std::to_wstring(index + 1) + L']';
+    return numbered;
 }
 
 } // namespace
@@ -165,8 +185,13 @@ void ElementComparison::Compare(const KARMPEntity& before, const KARMPEntity& af
 {
     EntityElement beforeRoot;
     EntityElement afterRoot;
-    m_pairs.push_back({EntityElement::Write(before, beforeRoot),
-                       EntityElement::Write(after, afterRoot), std::wstring()});
+    CompareFrom({EntityElement::Write(before, beforeRoot), EntityElement::Write(after, afterRoot),
+                 std::wstring()});
+}
+
+void ElementComparison::CompareFrom(Pair first)
+{
+    m_pairs.push_back(std::move(first));
     while (!m_pairs.empty()) {
         const Pair pair = std::move(m_pairs.back());
         m_pairs.pop_back();
@@ -182,6 +207,14 @@ void ElementComparison::Compare(const KARMPEntity& before, const KARMPEntity& af
         if (!pair.path.empty())
             Tell(pair.path, pair.before->Content(), pair.after->Content());
     }
+}
+
+bool ElementComparison::HoldSame(const Pair& pair) const
+{
+    bool areSame = true;
+    const auto note = [&areSame](std::wstring&&, Value&&, Value&&) { areSame = false; };
+    ElementComparison(m_items, m_options, note, m_areSame).CompareFrom(pair);
+    return areSame;
 }
 
 void ElementComparison::Tell(std::wstring path, Value before, Value after)
@@ -222,25 +255,37 @@ void ElementComparison::CompareAttributes(const Pair& pair)
 // The last pair is looked at first.
 void ElementComparison::CompareChildren(const Pair& pair)
 {
-    const NamedChildren before = ChildrenOf(*pair.before);
-    const NamedChildren after = ChildrenOf(*pair.after);
-    std::map<std::wstring_view, const EntityElement*> others(after.begin(), after.end());
     std::vector<Pair> pairs;
-    const auto add = [&](const std::wstring& name, const EntityElement* first,
-                         const EntityElement* second) {
-        std::wstring path = pair.path.empty() ? name : pair.path + L'/' + name;
-        if (!m_items.IsGiven(path))
-            pairs.push_back({first, second, std::move(path)});
-    };
-    for (const auto& [name, child] : before) {
-        const auto found = others.find(name);
-        add(name, child, found != others.end() ? found->second : nullptr);
-        if (found != others.end())
-            others.erase(found);
+    for (const auto& [name, children] : NamesakesOf(*pair.before, *pair.after)) {
+        const auto& [before, after] = children;
+        const auto pairOf = [&](std::size_t first, std::size_t second) {
+            const std::size_t index = first < before.size() ? first : second;
+            std::wstring path = NumberedName(name, index);
+            if (!pair.path.empty())
+                path.insert(0, pair.path + L'/');
+            return Pair{first < before.size() ? before[first] : nullptr,
+                        second < after.size() ? after[second] : nullptr, std::move(path)};
+        };
+        const auto add = [&](std::size_t first, std::size_t second) {
+            Pair added = pairOf(first, second);
+            if (!m_items.IsGiven(added.path))
+                pairs.push_back(std::move(added));
+        };
+        // Where an entry was added or removed the entries before and behind it are the same.
+        const std::size_t both = std::min(before.size(), after.size());
+        std::size_t head = 0;
+        std::size_t tail = 0;
+        if (before.size() != after.size()) {
+            while (head < both && HoldSame(pairOf(head, head)))
+                ++head;
+            while (head + tail < both &&
+                   HoldSame(pairOf(before.size() - 1 - tail, after.size() - 1 - tail)))
+                ++tail;
+        }
+        for (std::size_t i = head; i + tail < std::max(before.size(), after.size()); ++i)
+            add(i + tail < before.size() ? i : before.size(),
+                i + tail < after.size() ? i : after.size());
     }
-    for (const auto& [name, child] : after)
-        if (others.count(name) != 0)
-            add(name, nullptr, child);
     m_pairs.insert(m_pairs.end(), std::make_move_iterator(pairs.rbegin()),
                    std::make_move_iterator(pairs.rend()));
 }

@@ -49,7 +49,9 @@ protected:
 };
 
 /// What the element of one of two corresponding entities holds in another way than that of the
-/// other, apart from what the items of their class give.
+/// other, apart from what the items of their class give. Of lists of different lengths the entries
+/// that are the same from the first or from the last one on are passed over, so that an entry that
+/// was added is one difference; the others compare by their positions.
 class ElementComparison
 {
 public:
@@ -72,6 +74,9 @@ private:
         const EntityElement* after;
         std::wstring path;
     };
+    void CompareFrom(Pair first);
+    /// True when neither element holds what the other one does not.
+    bool HoldSame(const Pair& pair) const;
     void CompareAttributes(const Pair& pair);
     void CompareChildren(const Pair& pair);
     void Tell(std::wstring path, Value before, Value after);

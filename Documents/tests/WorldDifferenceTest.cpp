@@ -2,6 +2,7 @@
 #include "BuiltWorlds.h"
 #include "KARMPBody.h"
 #include "KARMPBushing.h"
+#include "KARMPCollisionSensor.h"
 #include "KARMPDisplacementSensor.h"
 #include "KARMPJointKinds.h"
 #include "KARMPLinearEquation.h"
@@ -247,6 +248,32 @@ TEST_F(WorldDifference, TellsTheTermsOfAnEquationOneByOne)
     EXPECT_EQ(differences[0].newValue, Value(2.5));
     EXPECT_EQ(differences[1].item, L"LinearTermDataContainer/LinearTerm[4]");
     EXPECT_EQ(differences[1].oldValue, Value());
+}
+
+TEST_F(WorldDifference, OfAnEntryThatWasAddedBeforeOthersIsOne)
+{
+    const auto rods = AddBoth<KARMPBody>(L"Rod");
+    const auto sensors = AddBoth<KARMPCollisionSensor>(L"Sensor");
+    const auto record = [](const QOBSharedHandle<KARMPCollisionSensor>& sensor,
+                           const QOBSharedHandle<KARMPBody>& rod,
+                           const std::vector<double>& depths) {
+        std::vector<KARMPContactGeometryData> contacts;
+        for (const double depth : depths)
+            contacts.push_back({rod, rod, {}, {}, depth, {}, {}});
+        sensor->SetContactGeometryData(contacts);
+    };
+    record(sensors.first, rods.first, {1.0, 2.0, 3.0});
+    record(sensors.second, rods.second, {1.0, 9.0, 8.0, 2.0, 3.0});
+    const std::wstring list = L"ContactGeometryDataContainer/ContactGeometryData";
+    const auto added = Compare();
+    ASSERT_EQ(KindsOf(added), Kinds(2, DifferenceKind::Changed));
+    EXPECT_EQ(added[0].item, list + L"[2]");
+    EXPECT_EQ(added[0].oldValue, Value());
+    EXPECT_EQ(added[1].item, list + L"[3]");
+    const auto removed = FindDifferences(*second.world, *first.world);
+    ASSERT_EQ(KindsOf(removed), Kinds(2, DifferenceKind::Changed));
+    EXPECT_EQ(removed[0].item, list + L"[2]");
+    EXPECT_EQ(removed[0].newValue, Value());
 }
 
 TEST_F(WorldDifference, OfNumbersIsRelativeToTheGreaterOneAboveAFloor)
