@@ -15,6 +15,7 @@
 #include <string_view>
 #include <tuple>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace karmp::documents {
 
@@ -105,7 +106,7 @@ private:
     /// Pairs whose neighbours have not been looked at, by the entity of the first world.
     std::vector<EntityNumber> m_fresh;
     int m_brokenSymmetries = 0;
-    /// At least half of the entities correspond by their identifiers.
+    /// At least half of the entities, globals apart, correspond by their identifiers.
     bool m_isOfOneOrigin = false;
 };
 
@@ -171,15 +172,24 @@ void Matcher::MatchIdentifiers()
     const WorldGraph& after = m_sides[1].graph;
     const auto known = index(before);
     const auto others = index(after);
+    // The globals of all documents have the same identifiers.
+    std::unordered_set<EntityNumber> globals;
+    for (const auto& global : before.Globals())
+        globals.insert(before.NumberOf(global.get()));
+    globals.erase(NoEntity);
+    std::size_t count = 0;
     for (EntityNumber number = 0; number < after.Count(); ++number) {
         const WorldGraph::Entity& entity = after.At(number);
         const auto found = known.find(entity.identifier);
         const bool isOne = found != known.end() && found->second != NoEntity &&
                            others.at(entity.identifier) == number;
-        if (isOne && AreAkin(before.At(found->second), entity))
-            Pair(found->second, number);
+        if (!isOne || !AreAkin(before.At(found->second), entity))
+            continue;
+        Pair(found->second, number);
+        count += globals.count(found->second) != 0 ? 0 : 1;
     }
-    m_isOfOneOrigin = 2 * m_fresh.size() >= std::min(before.Count(), after.Count());
+    const std::size_t fewest = std::min(before.Count(), after.Count());
+    m_isOfOneOrigin = 2 * count + globals.size() >= fewest;
 }
 
 void Matcher::MatchGlobals()

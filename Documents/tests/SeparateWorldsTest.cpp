@@ -1,5 +1,6 @@
 // What differs between worlds that were made separately, so that identifiers tell nothing.
 #include "BuiltWorlds.h"
+#include "KARMPAxisSystem.h"
 #include "KARMPPoint.h"
 #include "KARMPVariable.h"
 
@@ -170,6 +171,23 @@ TEST_F(SeparateWorlds, TellAnotherNameByTheLinks)
     EXPECT_EQ(CompareKinds(), Kinds{DifferenceKind::Renamed});
     link->SetMass(2.0);
     EXPECT_EQ(CompareKinds(), (Kinds{DifferenceKind::Renamed, DifferenceKind::Changed}));
+}
+
+// The globals of documents have the same identifiers, whoever has made them.
+TEST_F(SeparateWorlds, TellAnotherNameByTheLinksWhereOnlyGlobalsHaveTheirIdentifiers)
+{
+    for (const Built* const built : {&first, &second}) {
+        QOBSharedHandle<KARMPAxisSystem> axes;
+        QOBSharedHandle<KARMPVariable> time;
+        built->world->GetGlobalAxisSystem(axes);
+        built->world->GetGlobalTime(time);
+        built->Ground()->SetIdentifier(L"GlobalBody");
+        axes->SetIdentifier(L"GlobalAxisSystem");
+        time->SetIdentifier(L"GlobalTime");
+    }
+    first.Join(L"A", L"1", first.Ground(), first.Add<KARMPBody>(L"Rod", L"2"));
+    second.Join(L"A", L"3", second.Ground(), second.Add<KARMPBody>(L"Link", L"4"));
+    EXPECT_EQ(CompareKinds(), Kinds{DifferenceKind::Renamed});
 }
 
 TEST_F(SeparateWorlds, TellWhatHasNoNameApartByContentWhereAnEntityIsLacking)
