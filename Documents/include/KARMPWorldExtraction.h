@@ -46,6 +46,9 @@ struct Extraction
     /// What the extract holds otherwise than the source: the item of the source's entity that could
     /// not be carried over. Empty unless a class refuses what it holds itself.
     std::vector<CutLink> lostItems;
+    /// Entities of the further families that stay behind because they refer to no other, so that
+    /// nothing tells which bodies they are about.
+    std::vector<QOBSharedHandle<KARMPEntity>> unrelated;
 };
 
 /// Extracts the part of a world around some of its bodies. The entities keep their identifiers and

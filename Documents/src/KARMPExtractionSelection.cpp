@@ -261,6 +261,22 @@ bool ExtractionSelection::AttachedComesAlong(const Entity& candidate) const
     return hasAll && (refers || StandsAlone(*candidate));
 }
 
+// What stands alone comes along by itself.
+std::vector<QOBSharedHandle<KARMPEntity>> ExtractionSelection::Unrelated() const
+{
+    std::vector<Entity> unrelated;
+    for (const Entity& entity : m_attached) {
+        bool refers = IsPart(*entity) || !IsWanted(*entity) || Has(entity.get());
+        if (!refers)
+            ForEachTarget(*entity, [&refers](const ItemInfo&, const Target& target) {
+                refers = refers || !IsPart(*target);
+            });
+        if (!refers)
+            unrelated.push_back(entity);
+    }
+    return unrelated;
+}
+
 // Looks through joints, constraints, geometries and connectors, but not into bodies.
 ExtractionSelection::Footprint ExtractionSelection::FootprintOf(const Entity& entity)
 {

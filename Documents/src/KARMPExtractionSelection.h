@@ -31,6 +31,8 @@ public:
     /// The entities of the further families, taken along or not, and of those that were not asked
     /// for.
     const std::vector<QOBSharedHandle<KARMPEntity>>& Attached() const { return m_attached; }
+    /// Extraction::unrelated.
+    std::vector<QOBSharedHandle<KARMPEntity>> Unrelated() const;
 
 private:
     using Entity = QOBSharedHandle<KARMPEntity>;

@@ -402,7 +402,10 @@ Extraction ExtractWorld(const KARMPWorld& world,
                         const std::vector<QOBSharedHandle<KARMPBody>>& bodies,
                         const ExtractionOptions& options)
 {
-    return Extract(world, ExtractionSelection(world, bodies, options));
+    const ExtractionSelection selection(world, bodies, options);
+    Extraction extract = Extract(world, selection);
+    extract.unrelated = selection.Unrelated();
+    return extract;
 }
 
 } // namespace karmp::documents

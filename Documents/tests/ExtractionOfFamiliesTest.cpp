@@ -106,7 +106,9 @@ protected:
 
 TEST_F(ExtractionOfFamilies, OfEachBodyAloneTellsEachLinkThatItCutsAndPassesTheCheck)
 {
-    for (const char* const example : {"quarter-car", "motor-drive", "seven-body", "gear-pair"}) {
+    for (const char* const example :
+         {"quarter-car", "motor-drive", "seven-body", "gear-pair", "four-bar", "slider-crank",
+          "robot-arm", "collision", "instrumented-crank", "time-history", "curve-cam"}) {
         const World world = Example(example);
         for (const auto& body : AllBodies(*world)) {
             SCOPED_TRACE(example + (' ' + kar::ToUtf8(body->getEntityName())));

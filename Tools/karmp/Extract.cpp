@@ -48,14 +48,23 @@ void PrintCutLinks(std::ostream& out, const std::vector<documents::CutLink>& lin
             << TitleOf(*link.target) << '\n';
 }
 
-std::string JsonOf(const std::vector<documents::CutLink>& links)
+void PrintUnrelated(std::ostream& out, const std::vector<Entity>& entities)
+{
+    if (!entities.empty())
+        out << Bold("Left behind, since they refer to no entity") << '\n';
+    for (const Entity& entity : entities)
+        out << "  " << TitleOf(*entity) << '\n';
+}
+
+std::string JsonOf(const documents::Extraction& extract)
 {
     return ",\n  \"cut\": " +
            JsonList(
-               links,
+               extract.cutLinks,
                [](const documents::CutLink& link) {
                    return LinkJson(link.holder, kar::ToUtf8(link.item), link.target);
-               });
+               }) +
+           ",\n  \"unrelated\": " + JsonList(extract.unrelated, EntityJson);
 }
 
 } // namespace
@@ -95,10 +104,11 @@ int RunExtract(const ExtractOptions& options)
         return Unreadable;
     for (const documents::CutLink& lost : extract.lostItems)
         std::cerr << "karmp: " << TitleOf(*lost.holder) << " lost " << Printable(lost.item) << '\n';
-    if (!options.quiet && !writing.json)
+    if (!options.quiet && !writing.json) {
         PrintCutLinks(ReportStream(writing), extract.cutLinks);
-    const int reported =
-        ReportLosses(options.file, writing, *loaded, losses, JsonOf(extract.cutLinks));
+        PrintUnrelated(ReportStream(writing), extract.unrelated);
+    }
+    const int reported = ReportLosses(options.file, writing, *loaded, losses, JsonOf(extract));
     return std::max({written, reported, int{extract.lostItems.empty() ? Clean : Findings}});
 }
 

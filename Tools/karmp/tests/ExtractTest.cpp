@@ -112,6 +112,24 @@ TEST_F(Equipped, ExtractOfAllBodiesHasWhatRefersToThem)
         ExpectContains(diff, " \"" + name + "\"\n");
 }
 
+TEST_F(Equipped, ExtractTellsWhatItLeavesBehindForWantOfATarget)
+{
+    const auto extract = [&](const std::string& options) {
+        return Run("extract " + m_file + " --body Rod Slider -o " + File("part.xml") + options)
+            .output;
+    };
+    const std::string told = "Left behind, since they refer to no entity\n"
+                             "  DisplacementActuator2D \"flat hand\"\n"
+                             "  SpatialForceActuator2D \"flat push\"\n"
+                             "  GlobalDisplacementActuator \"shift\"\n";
+    ExpectContains(extract(" --with actuators"), told);
+    EXPECT_EQ(extract(" --with connectors").find("Left behind"), std::string::npos);
+    const std::string json = extract(" --with actuators --json");
+    ExpectContains(json, "  \"unrelated\": [\n"
+                         "    {\"class\": \"DisplacementActuator2D\", \"name\": \"flat hand\"");
+    ExpectContains(extract(" --json"), "  \"unrelated\": []\n");
+}
+
 TEST_F(Equipped, ExtractTakesLayersWithTheirRelation)
 {
     Run("extract " + m_file + " --body GlobalBody Slider --with interactions -o " +
