@@ -16,8 +16,14 @@
 #include "KARMPEnumerations.h"
 #include "KARMPFamilies.h"
 #include "KARMPItems.h"
+#include "KARMPModelAnalysis.h"
+#include "KARMPModelCurves.h"
+#include "KARMPModelDeletion.h"
 #include "KARMPModelExport.h"
+#include "KARMPModelFamilies.h"
+#include "KARMPModelLoaders.h"
 #include "KARMPModelOptions.h"
+#include "KARMPModelReading.h"
 #include "KARMPModelRef.h"
 #include "KARMPModelResult.h"
 #include "KARMPModelSettings.h"
@@ -39,10 +45,12 @@
 #include <vector>
 
 class KARMP3DRep;
+class KARMPAnalysisCase;
 class KARMPAxisSystem;
 class KARMPBody2D;
 class KARMPConstant;
 class KARMPExpression;
+class KARMPInitialCondition;
 class KARMPMotor;
 class KARMPPoint;
 class KARMPPoint2D;
@@ -59,42 +67,6 @@ struct Extraction;
 
 /// How models are saved where nothing else is said: all doubles as they are.
 KARMP_MODEL_API documents::SaveOptions Exactly();
-
-/// A reference from one entity to another one.
-struct Dependent
-{
-    Ref<KARMPEntity> entity;
-    /// The item by which the entity refers, by its path.
-    std::string item;
-    Ref<KARMPEntity> target;
-};
-
-/// What a deletion did, or would do.
-struct Deletion
-{
-    /// False when it was refused; nothing was done then.
-    bool succeeded = false;
-    /// The entities and what went with them. The references are false afterwards, but for their
-    /// handles.
-    RefList<KARMPEntity> gone;
-    /// The references to them of entities that stay, which were dropped.
-    std::vector<Dependent> unlinked;
-    /// Those of them whose entities lack something now: a joint with one body, a motor without a
-    /// variable.
-    std::vector<Dependent> leftShort;
-
-    /// Whether the entities were deleted.
-    explicit operator bool() const { return succeeded; }
-};
-
-/// How entities are deleted.
-struct DeleteOptions
-{
-    /// Tells what would be done, and does nothing.
-    bool preview = false;
-    /// Entities that would be left short go as well, and so on.
-    bool withShort = false;
-};
 
 /// A mechanism: a world, and the calls that build and edit it.
 ///
@@ -175,6 +147,10 @@ public:
         return Typed<G>(AttachGeometry(G::ClassInfo(), identifier, body, settings, where));
     }
 
+    /// A curve on a body, of pieces in body axes, each from where the one before ends.
+    Ref<KARMPCurve> Curve(std::string_view identifier, const Ref<KARMPBody>& body,
+                          std::initializer_list<CurvePiece> pieces, Where where = Where::current());
+
     /// What a body looks like: a mesh for each of its solids. The identifier is put together as
     /// that of a Frame.
     Ref<KARMP3DRep> Shape(std::string_view identifier, const Ref<KARMPBody>& body,
@@ -236,6 +212,19 @@ public:
     {
         return Typed<J>(
             AddJoint(J::ClassInfo(), &C::ClassInfo(), identifier, onParent, onChild, where));
+    }
+
+    /// A body and the joint by which another one carries it, of a kind with one freedom, whose
+    /// variable has the value of the place. The place in the options does not count.
+    template <class J>
+    model::Limb<J> Limb(std::string_view identifier, std::string_view joint,
+                        const Ref<KARMPBody>& parent, const LimbPlace& place,
+                        const BodyOptions& options = {}, Where where = Where::current())
+    {
+        model::Limb<J> limb;
+        limb.joint = Typed<J>(
+            AddLimb(J::ClassInfo(), identifier, joint, parent, place, options, limb.body, where));
+        return limb;
     }
 
     /// A coupling by a linear equation: the sum of coefficient times variable, plus the constant,
@@ -338,6 +327,12 @@ public:
             AddConnector(C::ClassInfo(), identifier, first, second, frame, settings, where));
     }
 
+    /// A linear spring with a damper between two points of the world, as Connect makes it.
+    Ref<KARMPLinearSpring> Spring(std::string_view identifier, const Ref<KARMPBody>& first,
+                                  const KARMathPoint& from, const Ref<KARMPBody>& second,
+                                  const KARMathPoint& to, const SpringOptions& options,
+                                  Where where = Where::current());
+
     /// As Connect and Attach, for a class that is known at run time, by its record.
     Entity AddConnector(const QOBClassInfo& info, std::string_view identifier,
                         const Ref<KARMPGeometry>& onFirst, const Ref<KARMPGeometry>& onSecond,
@@ -362,6 +357,35 @@ public:
     {
         return AttachGeometry(info, identifier, body, {}, where);
     }
+
+    /// A sensor of a class with items set, and a loader that fills it in by a function, which gets
+    /// the sensor at each of its updates. The sensor keeps the function.
+    template <class S, class Fill>
+    Ref<S> Sensor(std::string_view identifier, Settings settings, Fill fill,
+                  Where where = Where::current())
+    {
+        return Typed<S>(AddSensor(S::ClassInfo(), &IsExactly<S>, identifier, settings,
+                                  &NewLoader<S, Fill>, &fill, where));
+    }
+
+    /// Attributes of an entity, of a class: KARMPParameter, KARMPState or KARMPOutput.
+    template <class A>
+    bool AddAttributes(const Ref<KARMPEntity>& entity, std::initializer_list<Attribute> attributes,
+                       Where where = Where::current())
+    {
+        return AddAttributesOf(A::ClassInfo(), entity,
+                               std::span(attributes.begin(), attributes.size()), where);
+    }
+    /// The same for a class that is known at run time, by its record.
+    bool AddAttributesOf(const QOBClassInfo& info, const Ref<KARMPEntity>& entity,
+                         std::span<const Attribute> attributes, Where where);
+    /// An initial condition with parameters.
+    Ref<KARMPInitialCondition> InitialCondition(std::string_view identifier,
+                                                std::initializer_list<Attribute> parameters,
+                                                Where where = Where::current());
+    /// An analysis with its steps, which are new ones with parameters, and its outputs.
+    Ref<KARMPAnalysisCase> AnalysisCase(std::string_view identifier, const AnalysisOptions& options,
+                                        Where where = Where::current());
 
     /// Links two entities that can refer to each other, both halves. What is linked already stays.
     /// The item, of either entity, chooses where there are several, "SecondBody" of a connector for
@@ -391,10 +415,10 @@ public:
     template <class T>
     RefList<T> All() const
     {
-        constexpr int family = FamilyIndex<T>(Families());
+        constexpr int family = families::IndexOf<T>(Families());
         RefList<T> all;
         Collect(
-            family, IsFamily<T>(Families()) ? nullptr : &Fits<T>,
+            family, families::Contain<T>(Families()) ? nullptr : &Fits<T>,
             [](void* list, QOBSharedHandle<KARMPEntity>&& entity) {
                 static_cast<RefList<T>*>(list)->push_back(Typed<T>(std::move(entity)));
             },
@@ -492,21 +516,20 @@ private:
     {
         return typeid(entity) == typeid(T) || dynamic_cast<const T*>(&entity) != nullptr;
     }
-    // The index of the family that T belongs to, -1 for a base of several.
-    template <class T, class... F>
-    static constexpr int FamilyIndex(FamilyList<F...>)
+    template <class S, class Fill>
+    static std::unique_ptr<KARIMPEntityLoader> NewLoader(KARMPEntity& sensor, void* fill)
     {
-        int index = -1;
-        int next = 0;
-        ((index = index < 0 && std::is_base_of_v<F, T> ? next : index, ++next), ...);
-        return index;
-    }
-    template <class T, class... F>
-    static constexpr bool IsFamily(FamilyList<F...>)
-    {
-        return (std::is_same_v<F, T> || ...);
+        return std::make_unique<FillingLoader<S, Fill>>(static_cast<S&>(sensor),
+                                                        std::move(*static_cast<Fill*>(fill)));
     }
 
+    Entity AddSensor(const QOBClassInfo& info, bool (*fits)(const KARMPEntity&),
+                     std::string_view identifier, Settings settings,
+                     std::unique_ptr<KARIMPEntityLoader> (*load)(KARMPEntity&, void* fill),
+                     void* fill, Where where);
+    Entity AddLimb(const QOBClassInfo& info, std::string_view identifier, std::string_view joint,
+                   const Ref<KARMPBody>& parent, const LimbPlace& place, const BodyOptions& options,
+                   Ref<KARMPBody>& child, Where where);
     Entity AddEntity(const QOBClassInfo& info, bool (*fits)(const KARMPEntity&),
                      std::string_view identifier, Settings settings, Where where);
     Deletion DeleteAll(std::size_t count,

@@ -80,6 +80,14 @@ struct PlanarBodyOptions
     std::optional<KARMathPoint2D> centerOfGravity = {};
     std::optional<KARMath2x2Matrix> inertia = {};
     bool isFixed = false;
+
+    /// The same at a position.
+    PlanarBodyOptions PlacedAt(const KARMathTransformation2D& place) const
+    {
+        PlanarBodyOptions placed = *this;
+        placed.position = place;
+        return placed;
+    }
 };
 
 /// A round rod from one point of the world to another: its origin is at the first, its first axis
@@ -93,11 +101,19 @@ KARMP_MODEL_API BodyOptions Box(double mass, const KARMathVector& edges,
 KARMP_MODEL_API BodyOptions Cylinder(double mass, double radius, double length,
                                      const KARMathPoint& center = {});
 KARMP_MODEL_API BodyOptions Ball(double mass, double radius, const KARMathPoint& center = {});
+/// A flat body across the body's third axis by its moment of inertia about that axis, through its
+/// centre; about the axes in its plane it has the half, as one without a preferred direction. In
+/// kg, kg m2 and m.
+KARMP_MODEL_API BodyOptions Plate(double mass, double inertia, const KARMathPoint& center = {});
+KARMP_MODEL_API PlanarBodyOptions Plate(double mass, double inertia, const KARMathPoint2D& center);
 /// A body that is made of two, given in the same axes; it is placed as the first.
 KARMP_MODEL_API BodyOptions Together(const BodyOptions& first, const BodyOptions& second);
 /// A slender rod in the plane.
 KARMP_MODEL_API PlanarBodyOptions Rod(double mass, const KARMathPoint2D& from,
                                       const KARMathPoint2D& to);
+
+/// The point of the plane z = 0 in space.
+KARMP_MODEL_API KARMathPoint InSpace(const KARMathPoint2D& point);
 
 /// The point of the plane z = 0 at given distances from two others, on the left of the way from the
 /// first to the second; nothing when the distances do not meet. It closes a loop of two rods.
@@ -127,6 +143,38 @@ struct MotorOptions
     std::optional<double> velocity = {};
     std::optional<double> acceleration = {};
     std::optional<double> maximum = {};
+};
+
+/// Where a body stands on another one that carries it: with its origin at a point and its axes
+/// along those of the other body, from which it is turned about an axis by an angle in rad, or
+/// shifted along it by a length in m. Point and axis are told in the axes of the other body.
+struct LimbPlace
+{
+    KARMathPoint at = {};
+    KARMathVector axis = {0.0, 0.0, 1.0};
+    double value = 0.0;
+};
+
+/// A body with the joint that carries it.
+template <class J>
+struct Limb
+{
+    Ref<KARMPBody> body;
+    Ref<J> joint;
+};
+
+/// What a linear spring and its damper resist with. Its length at rest is that at which it stands,
+/// unless another one is given, and as much more as a load asks for, which it then carries.
+struct SpringOptions
+{
+    /// In N/m.
+    double stiffness = 0.0;
+    /// In N s/m.
+    double damping = 0.0;
+    /// In m.
+    std::optional<double> restLength = {};
+    /// In N.
+    double load = 0.0;
 };
 
 /// A term of a coupling's equation.

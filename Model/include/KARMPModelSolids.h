@@ -6,9 +6,12 @@
 #include "KARMPModelOptions.h"
 
 #include <array>
+#include <cstddef>
 #include <span>
 
 namespace karmp::model {
+
+class Model;
 
 /// A solid piece of a body, a box along the body's axes or a cylinder along one of them, in m.
 struct Solid
@@ -26,5 +29,8 @@ KARMP_MODEL_API Solid Drum(const std::array<double, 3>& center, int axis, double
                            double length, const KARColour& colour = {});
 /// What solids weigh together at a density in kg/m3, for a Body; nothing without one.
 KARMP_MODEL_API BodyOptions MassOf(std::span<const Solid> solids, double density);
+
+/// How many triangles the bodies of a model are drawn with, in meshes.
+KARMP_MODEL_API std::size_t TriangleCountOf(const Model& model);
 
 } // namespace karmp::model

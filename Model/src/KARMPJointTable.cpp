@@ -61,4 +61,14 @@ const JointKind* FindJointKind(const QOBClassInfo& joint)
     return nullptr;
 }
 
+QOBSharedHandle<KARMPConstraint> FirstConstraintOf(const KARMPJoint& joint)
+{
+    QOBSharedHandle<KARMPConstraint> constraint;
+    if (const auto* const planar = dynamic_cast<const KARMPJoint2D*>(&joint))
+        planar->GetConstraint(0, constraint);
+    else
+        joint.GetConstraint(0, constraint);
+    return constraint;
+}
+
 } // namespace karmp::model

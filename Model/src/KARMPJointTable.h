@@ -1,10 +1,14 @@
 #pragma once
 
 #include "QOBClassInfo.h"
+#include "QOBSharedHandle.h"
 
 #include <cstdint>
 #include <span>
 #include <string_view>
+
+class KARMPConstraint;
+class KARMPJoint;
 
 namespace karmp::model {
 
@@ -34,5 +38,7 @@ struct JointKind
 std::span<const JointKind> JointKinds();
 /// The kind of a class; null when there is none.
 const JointKind* FindJointKind(const QOBClassInfo& joint);
+/// The constraint that realises a joint, planar or not; null without one.
+QOBSharedHandle<KARMPConstraint> FirstConstraintOf(const KARMPJoint& joint);
 
 } // namespace karmp::model

@@ -134,16 +134,45 @@ Ref<KARMPVariable> Model::Time() const
     return Ref<KARMPVariable>(time);
 }
 
+namespace {
+
+// A new entity with items set, of a class that fits.
+bool MakeWith(Edit& edit, const QOBClassInfo& info, Fits fits, std::string_view identifier,
+              Settings settings, Entity& entity)
+{
+    entity = edit.Create(info, identifier);
+    if (entity && !fits(*entity))
+        return edit.Fail("the factory makes a " + info.getName() + ", no subclass of it");
+    return entity && edit.SetAll(entity, settings);
+}
+
+} // namespace
+
 Model::Entity Model::AddEntity(const QOBClassInfo& info, bool (*fits)(const KARMPEntity&),
                                std::string_view identifier, Settings settings, Where where)
 {
     return m_core->Make<KARMPEntity>(
         where,
         [&](Edit& edit, Entity& entity) {
-            entity = edit.Create(info, identifier);
-            if (entity && !fits(*entity))
-                return edit.Fail("the factory makes a " + info.getName() + ", no subclass of it");
-            return entity && edit.SetAll(entity, settings);
+            return MakeWith(edit, info, fits, identifier, settings, entity);
+        });
+}
+
+Model::Entity Model::AddSensor(const QOBClassInfo& info, bool (*fits)(const KARMPEntity&),
+                               std::string_view identifier, Settings settings,
+                               std::unique_ptr<KARIMPEntityLoader> (*load)(KARMPEntity&, void*),
+                               void* fill, Where where)
+{
+    return m_core->Make<KARMPEntity>(
+        where,
+        [&](Edit& edit, Entity& sensor) {
+            if (!MakeWith(edit, info, fits, identifier, settings, sensor))
+                return false;
+            auto loader = load(*sensor, fill);
+            if (!edit.Check(sensor->SetLoader(loader.get()), "the loader", *sensor))
+                return false;
+            loader.release(); // the sensor's
+            return true;
         });
 }
 

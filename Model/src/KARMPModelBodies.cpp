@@ -119,13 +119,20 @@ bool Apply(Edit& edit, Body& body, const Options& options)
 
 } // namespace
 
+QOBSharedHandle<KARMPBody> MakeBody(Edit& edit, std::string_view identifier,
+                                    const BodyOptions& options)
+{
+    auto body = edit.Create<KARMPBody>(identifier);
+    return body && Apply(edit, *body, options) ? body : QOBSharedHandle<KARMPBody>();
+}
+
 Ref<KARMPBody> Model::Body(std::string_view identifier, const BodyOptions& options, Where where)
 {
     return Ref(m_core->Make<KARMPBody>(
         where,
         [&](Edit& edit, auto& body) {
-            body = edit.Create<KARMPBody>(identifier);
-            return body && Apply(edit, *body, options);
+            body = MakeBody(edit, identifier, options);
+            return static_cast<bool>(body);
         }));
 }
 

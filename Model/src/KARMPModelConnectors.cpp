@@ -130,6 +130,29 @@ Model::Entity Model::AddConnector(const QOBClassInfo& info, std::string_view ide
         });
 }
 
+Ref<KARMPLinearSpring> Model::Spring(std::string_view identifier, const Ref<KARMPBody>& first,
+                                     const KARMathPoint& from, const Ref<KARMPBody>& second,
+                                     const KARMathPoint& to, const SpringOptions& options,
+                                     Where where)
+{
+    return Ref(m_core->Make<KARMPLinearSpring>(
+        where,
+        [&](Edit& edit, auto& spring) {
+            const double length =
+                options.restLength.value_or((to - from).Norm()) + options.load / options.stiffness;
+            if (!IsPositive(options.stiffness) || !IsPositive(length))
+                return edit.Fail("the stiffness and the length at rest of \"" +
+                                 std::string(identifier) + "\" are finite numbers above 0");
+            spring = QOBSharedHandle<KARMPLinearSpring>::unchecked(
+                MakeConnectorAt<KARMPPoint>(edit, KARMPLinearSpring::ClassInfo(), identifier, first,
+                                            from, second, to, &KARMPPoint::SetPoint,
+                                            {{"Stiffness", options.stiffness},
+                                             {"RestLength", length},
+                                             {"DampingCoefficient", options.damping}}));
+            return static_cast<bool>(spring);
+        }));
+}
+
 Model::Entity Model::AddConnector(const QOBClassInfo& info, std::string_view identifier,
                                   const Ref<KARMPBody>& first, const Ref<KARMPBody>& second,
                                   const KARMathAxis& frame, Settings settings, Where where)

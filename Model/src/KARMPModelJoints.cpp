@@ -176,6 +176,18 @@ bool SetQuantity(Edit& edit, KARMPVariable& variable, KARMPPhysicalQuantity::Enu
 
 } // namespace
 
+Entity MakeJointAt(Edit& edit, const QOBClassInfo& info, std::string_view identifier,
+                   const Ref<KARMPBody>& parent, const KARMathAxis& onParent,
+                   const Ref<KARMPBody>& child, const KARMathAxis& onChild)
+{
+    const std::string name(identifier);
+    return MakeJointBetween(edit, info, name, parent.Handle(), child.Handle(),
+                            [&](Mount mount, bool isParent) {
+                                return MountSpatial(edit, mount, name, isParent ? parent : child,
+                                                    isParent ? onParent : onChild);
+                            });
+}
+
 Model::Entity Model::AddJoint(const QOBClassInfo& info, std::string_view identifier,
                               const Ref<KARMPBody>& parent, const Ref<KARMPBody>& child,
                               const KARMathAxis& onParent, const KARMathAxis& onChild, Where where)
@@ -183,13 +195,7 @@ Model::Entity Model::AddJoint(const QOBClassInfo& info, std::string_view identif
     return m_core->Make<KARMPEntity>(
         where,
         [&](Edit& edit, Entity& joint) {
-            const std::string name(identifier);
-            joint = MakeJointBetween(
-                edit, info, name, parent.Handle(), child.Handle(),
-                [&](Mount mount, bool isParent) {
-                    return MountSpatial(edit, mount, name, isParent ? parent : child,
-                                        isParent ? onParent : onChild);
-                });
+            joint = MakeJointAt(edit, info, identifier, parent, onParent, child, onChild);
             return static_cast<bool>(joint);
         });
 }
@@ -301,11 +307,7 @@ Ref<KARMPVariable> Model::Variable(std::string_view identifier, const Ref<KARMPJ
             if (!edit.IsThere(joint.Handle(), "joint of the variable"))
                 return false;
             const JointKind* const kind = KindOf(edit, joint->getClassInfo());
-            Constraint constraint;
-            if (const auto* const planar = dynamic_cast<const KARMPJoint2D*>(joint.Handle().get()))
-                planar->GetConstraint(0, constraint);
-            else
-                joint->GetConstraint(0, constraint);
+            const Constraint constraint = FirstConstraintOf(*joint);
             if (kind == nullptr || !constraint)
                 return edit.Fail(TitleOf(*joint) + " has no constraint");
             const auto next = static_cast<std::size_t>(constraint->GetLinkedVariableCount());

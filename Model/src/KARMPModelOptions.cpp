@@ -71,6 +71,25 @@ BodyOptions Ball(double mass, double radius, const KARMathPoint& center)
         .mass = mass, .centerOfGravity = center, .inertia = Diagonal(inertia, inertia, inertia)};
 }
 
+BodyOptions Plate(double mass, double inertia, const KARMathPoint& center)
+{
+    const double half = inertia / 2.0;
+    return {.mass = mass, .centerOfGravity = center, .inertia = Diagonal(half, half, inertia)};
+}
+
+PlanarBodyOptions Plate(double mass, double inertia, const KARMathPoint2D& center)
+{
+    const double half = inertia / 2.0;
+    return {.mass = mass,
+            .centerOfGravity = center,
+            .inertia = KARMath2x2Matrix({half, 0.0}, {0.0, half})};
+}
+
+KARMathPoint InSpace(const KARMathPoint2D& point)
+{
+    return {point.GetX(), point.GetY(), 0.0};
+}
+
 BodyOptions Together(const BodyOptions& first, const BodyOptions& second)
 {
     BodyOptions whole = first;

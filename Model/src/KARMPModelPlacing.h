@@ -54,6 +54,15 @@ QOBSharedHandle<Geometry> MountAt(Edit& edit, std::string_view identifier, const
     return isSet ? geometry : QOBSharedHandle<Geometry>();
 }
 
+/// A body with what its options say; null after a failure.
+QOBSharedHandle<KARMPBody> MakeBody(Edit& edit, std::string_view identifier,
+                                    const BodyOptions& options);
+/// A joint between a frame of its parent and one of its child, both told in the world, with all
+/// that belongs to it; null after a failure.
+Edit::Entity MakeJointAt(Edit& edit, const QOBClassInfo& info, std::string_view identifier,
+                         const Ref<KARMPBody>& parent, const KARMathAxis& onParent,
+                         const Ref<KARMPBody>& child, const KARMathAxis& onChild);
+
 /// The frame of planar mechanisms, made with its sketch on first need; null after a failure.
 QOBSharedHandle<KARMPBody2D> PlanarGroundOf(Edit& edit);
 

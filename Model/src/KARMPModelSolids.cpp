@@ -3,6 +3,7 @@
 
 #include "KAR3DBagRep.h"
 #include "KAR3DMeshRep.h"
+#include "KAR3DRepWalk.h"
 #include "KARMP3DRep.h"
 #include "KARMPBody.h"
 #include "KARMPModel.h"
@@ -158,6 +159,18 @@ Ref<KARMP3DRep> Model::Shape(std::string_view identifier, const Ref<KARMPBody>& 
                 static_cast<void>(bag.release()); // it is the shape's
             return edit.Check(status, "the meshes", *shape) && edit.Link(shape, body.Handle());
         }));
+}
+
+std::size_t TriangleCountOf(const Model& model)
+{
+    std::size_t count = 0;
+    for (const auto& shape : model.All<KARMP3DRep>())
+        if (const auto* const rep = shape->Get3DRep())
+            KARForEach3DRep(*rep, [&count](const KAR3DRepPlace& place) {
+                if (const auto* const mesh = dynamic_cast<const KAR3DMeshRep*>(place.rep))
+                    count += mesh->GetTriangles().size();
+            });
+    return count;
 }
 
 } // namespace karmp::model

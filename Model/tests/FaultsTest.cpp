@@ -88,6 +88,33 @@ const std::vector<Call>& Calls()
                                      Drum({0.0, 0.0, 0.0}, 1, 0.5, 2.0)};
              return static_cast<bool>(model.Shape("New", model.Find<KARMPBody>("A"), solids));
          }},
+        {"Spring",
+         [](Model& model) {
+             return static_cast<bool>(model.Spring("New", model.Find<KARMPBody>("A"), {},
+                                                   model.Find<KARMPBody>("B"), {0.0, 0.0, 1.0},
+                                                   {.stiffness = 100.0}));
+         }},
+        {"Limb",
+         [](Model& model) {
+             return static_cast<bool>(
+                 model.Limb<KARMPRevolute>("New", "New joint", model.Find<KARMPBody>("A"), {})
+                     .joint);
+         }},
+        // What they are told is made before.
+        {"AddAttributes",
+         [](Model& model) {
+             static const std::vector<Attribute> attributes{
+                 {"group", {{"x", KARMPPhysicalQuantity::Length, 1.0}}}};
+             return model.AddAttributesOf(KARMPOutput::ClassInfo(), model.Find<KARMPBody>("A"),
+                                          attributes, Where::current());
+         }},
+        {"AnalysisCase",
+         [](Model& model) {
+             static const AnalysisOptions options{
+                 .steps = {{"Step", {{"duration", KARMPPhysicalQuantity::Time, 1.0}}}},
+                 .outputs = {{"on", KARMPPhysicalQuantity::Time, true}}};
+             return static_cast<bool>(model.AnalysisCase("New", options));
+         }},
         // What is set allocates nothing by itself.
         {"Add with items",
          [](Model& model) {
@@ -107,6 +134,16 @@ const std::vector<Call>& Changes()
          [](Model& model) {
              return static_cast<bool>(
                  model.Point("New", model.Find<KARMPBody>("A"), {1.0, 2.0, 3.0}));
+         }},
+        {"Sensor",
+         [](Model& model) {
+             return static_cast<bool>(model.Sensor<KARMPMotorForceSensor>(
+                 "New", {{"Motor", model.Find<KARMPMotor>("M")}}, [](KARMPMotorForceSensor&) {}));
+         }},
+        {"Curve",
+         [](Model& model) {
+             static const CurvePiece piece = Arc({}, 1.0, 0.0, 1.0);
+             return static_cast<bool>(model.Curve("New", model.Find<KARMPBody>("A"), {piece}));
          }},
         {"Link",
          [](Model& model) {
@@ -308,7 +345,7 @@ public:
 
 TEST_F(FaultsTest, ModelIsUnchangedWhenTheFactoryMakesNothing)
 {
-    const std::vector<int> made{1, 3, 1, 4, 1, 2, 1, 3, 1, 1, 3, 1, 1, 2};
+    const std::vector<int> made{1, 3, 1, 4, 1, 2, 1, 3, 1, 1, 3, 1, 1, 3, 5, 1, 1, 2};
     for (std::size_t i = 0; i < Calls().size(); ++i)
         EXPECT_EQ(FailInTurn(Calls()[i], Fault::Nothing, KARFailure), made[i]) << Calls()[i].name;
 }
