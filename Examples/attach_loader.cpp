@@ -1,12 +1,14 @@
 // Attaches a solver's loader to a body and receives the body's positions.
 #include "KARMPEntities.h"
+#include "KARMPModelLoaders.h"
 
 #include <iostream>
 
 namespace {
 
-/// The solver's side of a body: it hears relative moves only, and sums them up.
-class SolverBody : public KARIMPBodyLoader
+/// The solver's side of a body: it hears relative moves only, and sums them up. It does not move
+/// anything by itself, so that its base has nothing to tell.
+class SolverBody : public karmp::model::BodyLoader
 {
 public:
     explicit SolverBody(KARMathTransformation& position) : m_position(position) {}
@@ -16,32 +18,6 @@ public:
         m_position = relative * m_position;
         std::cout << "moved along x by " << relative.GetVector().GetX() << '\n';
         return KARSuccess;
-    }
-    KARStatus HoldBody() override { return KARSuccess; }
-    KARStatus ReleaseBody() override { return KARSuccess; }
-    KARStatus OnActivate() override { return KARSuccess; }
-    KARStatus OnDeactivate() override { return KARSuccess; }
-
-    // A solver that does not move anything by itself has no velocities to tell.
-    KARStatus SetLoaderVelocity(const KARMathVector&, const KARMathVector&) override
-    {
-        return KARSuccess;
-    }
-    KARStatus ReadVelocity(KARMathVector&, KARMathVector&, KARMathPoint&) override
-    {
-        return KARNotImplemented;
-    }
-    KARStatus ReadAcceleration(KARMathVector&, KARMathVector&, KARMathPoint&) override
-    {
-        return KARNotImplemented;
-    }
-    KARStatus ReadVelocityAndAcceleration(KARMathVector&, KARMathVector&, KARMathVector&,
-                                          KARMathVector&, KARMathPoint&, unsigned char&,
-                                          KARMathLine&, karmp::PointWhereToComputeVelAndAcc,
-                                          const KARMathPoint*, const QOBSharedHandle<KARMPBody>&,
-                                          const KARMathAxis*) override
-    {
-        return KARNotImplemented;
     }
 
 private:
