@@ -5,14 +5,14 @@
 
 #include <iostream>
 
-/// Saves a model and loads what was written; prints what there is to say about it.
-inline karmp::model::Result<karmp::model::Model> RoundTrip(
-    const karmp::model::Model& model, const char* file,
-    const karmp::documents::SaveOptions& options = {})
+/// Saves a model, loads what was written, and checks that by a function, whose result tells whether
+/// all is well. Prints what there is to say about the documents, and gives the exit code.
+template <class Check>
+int RoundTrip(const karmp::model::Model& model, const std::string& file, Check check,
+              const karmp::documents::SaveOptions& options = {})
 {
     if (const auto saved = model.Save(file, options); saved.Report() != 0)
-        return karmp::model::Outcome(saved);
-    auto again = karmp::model::Load(file);
-    again.Report();
-    return again;
+        return 1;
+    const auto again = karmp::model::Load(file);
+    return again.Report() == 0 && check(*again) ? 0 : 1;
 }

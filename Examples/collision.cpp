@@ -3,7 +3,7 @@
 // records where the balls press on the mat, and a proximity sensor watches wall and gate. The
 // loaders stand for a solver: they find contacts and clearances from the geometries of the bodies.
 // The world's z points up.
-#include "Filler.h"
+#include "KARMPModelContacts.h"
 #include "RoundTrip.h"
 
 #include <cmath>
@@ -17,6 +17,7 @@ constexpr double Gravity = 9.81;    // m/s2
 constexpr double BallRadius = 0.04; // m
 constexpr double HalfLength = 0.15; // m, from the middle of the bar to a ball's centre
 constexpr double GateFace = 0.22;   // m, along x
+constexpr double Clearance = 0.05;  // m, to the dumbbell
 
 constexpr double MatYoungModulus = 2e6; // Pa
 constexpr double MatPoisson = 0.4;
@@ -29,87 +30,6 @@ double LayerStiffness(double youngModulus, double poisson, double thickness)
     const double modulus =
         youngModulus * (1.0 - poisson) / ((1.0 + poisson) * (1.0 - 2.0 * poisson));
     return std::numbers::pi * modulus * BallRadius / thickness;
-}
-
-/// A ball and a face in the world.
-struct Pair
-{
-    Pair(const Ref<KARMPSphere>& sphere, const Ref<KARMPPlane>& plane)
-    {
-        KARMathPlane face;
-        sphere->GetCenter(center);
-        plane->GetPlane(face);
-        sphere->GetBody(first);
-        plane->GetBody(second);
-        center = PositionOf(Ref(first)) * center;
-        normal = PositionOf(Ref(second)) * KARMathVector(face.GetNormal());
-        gap = (center - PositionOf(Ref(second)) * face.GetOrigin()).Dot(normal) - BallRadius;
-    }
-
-    QOBSharedHandle<KARMPBody> first, second;
-    KARMathPoint center;
-    KARMathVector normal;
-    double gap; // how far the ball stands from the face, negative when it is in it
-};
-
-/// Finds the contacts of balls with the face that has the elastic layer. Nothing slides, so that
-/// there is no friction. A sensor that is given contacts one by one keeps one of each pair of
-/// bodies. These two have several, which it is given at once, and their pair for the count.
-void FillContacts(KARMPCollisionSensor& sensor, const RefList<KARMPSphere>& balls,
-                  const Ref<KARMPPlane>& mat)
-{
-    QOBSharedHandle<KARMPCollisionRule> rule;
-    double youngModulus = 0.0, poisson = 0.0, thickness = 0.0;
-    sensor.Reset();
-    sensor.GetCollisionRule(rule);
-    rule->GetSecondCollidableParameters(youngModulus, poisson, thickness);
-    std::vector<KARMPContactForceData> contacts;
-    for (const auto& ball : balls) {
-        const Pair pair(ball, mat);
-        if (pair.gap >= 0.0)
-            continue;
-        KARMPContactForceData contact;
-        contact.firstBody = pair.first;
-        contact.secondBody = pair.second;
-        contact.penetrationDepth = -pair.gap;
-        contact.firstContactPoint = pair.center - BallRadius * pair.normal;
-        contact.secondContactPoint = contact.firstContactPoint - pair.gap * pair.normal;
-        contact.firstNormalVector = -pair.normal;
-        contact.secondNormalVector = pair.normal;
-        contact.firstNormalForce =
-            LayerStiffness(youngModulus, poisson, thickness) * pair.gap * pair.gap * pair.normal;
-        contact.secondNormalForce = -contact.firstNormalForce;
-        contact.firstContactForce = contact.firstNormalForce;
-        contact.secondContactForce = contact.secondNormalForce;
-        contacts.push_back(contact);
-        sensor.AddContactData({pair.first, pair.second});
-    }
-    sensor.SetContactForceData(contacts);
-}
-
-/// Tells whether a face is nearer to a ball than the clearance.
-void FillProximity(KARMPProximitySensor& sensor, const RefList<KARMPSphere>& balls,
-                   const RefList<KARMPPlane>& faces)
-{
-    KARMPProximitySensorData data;
-    bool isNear = false;
-    sensor.GetProximitySensorData(data);
-    for (const auto& ball : balls)
-        for (const auto& face : faces)
-            isNear = isNear || Pair(ball, face).gap < data.GetClearance();
-    sensor.SetProximitySensorStatus(isNear);
-}
-
-Ref<KARMPSphere> AddBall(Model& model, const char* name, const Ref<KARMPBody>& body, double x)
-{
-    return model.Attach<KARMPSphere>(name, body,
-                                     {{"Center", {x, 0.0, 0.0}}, {"radius", BallRadius}});
-}
-
-Ref<KARMPPlane> AddFace(Model& model, const Ref<KARMPBody>& body, double x,
-                        const KARMathVector& normal)
-{
-    return model.Attach<KARMPPlane>("Face", body, {{"Origin", {x, 0.0, 0.0}}, {"Normal", normal}});
 }
 
 /// The dumbbell where the mat carries it: each ball as deep as its share of the weight asks for, so
@@ -141,10 +61,18 @@ void Build(Model& model)
     const auto dumbbell = model.Body("Dumbbell", Dumbbell());
     const auto board = Box(2.5, {0.02, 0.3, 0.2}, {0.01, 0.0, 0.1});
     const auto gate = model.Body("Gate", board.PlacedAt(KARMathPoint(GateFace, 0.0, 0.0)));
-    const RefList<KARMPSphere> balls{AddBall(model, "Left ball", dumbbell, -HalfLength),
-                                     AddBall(model, "Right ball", dumbbell, HalfLength)};
-    const auto mat = AddFace(model, plate, 0.0, up);
-    const RefList<KARMPPlane> faces{AddFace(model, wall, -0.31, x), AddFace(model, gate, 0.0, -x)};
+    const auto addBall = [&](const char* name, double at) {
+        return model.Attach<KARMPSphere>(name, dumbbell,
+                                         {{"Center", {at, 0.0, 0.0}}, {"radius", BallRadius}});
+    };
+    const auto addFace = [&](const Ref<KARMPBody>& body, double at, const KARMathVector& normal) {
+        return model.Attach<KARMPPlane>("Face", body,
+                                        {{"Origin", {at, 0.0, 0.0}}, {"Normal", normal}});
+    };
+    const RefList<KARMPSphere> balls{addBall("Left ball", -HalfLength),
+                                     addBall("Right ball", HalfLength)};
+    const auto mat = addFace(plate, 0.0, up);
+    const RefList<KARMPPlane> faces{addFace(wall, -0.31, x), addFace(gate, 0.0, -x)};
     const auto guide =
         model.Joint<KARMPPrismatic>("Gate guide", model.Ground(), gate, *FrameAlong({}, x),
                                     *FrameAlong({GateFace, 0.0, 0.0}, x));
@@ -168,27 +96,42 @@ void Build(Model& model)
                                                      {"YoungModulus2", MatYoungModulus},
                                                      {"PoissonCoef2", MatPoisson},
                                                      {"ElasticLayerThickness2", MatThickness}});
-    const auto contacts =
-        model.Add<KARMPCollisionSensor>("Contact sensor", {{"CollisionRule", rule}});
-    contacts->SetLoader(new Filler<KARIMPCollisionSensorLoader>(
-        [&sensor = *contacts, balls, mat] { FillContacts(sensor, balls, mat); }));
-    const auto proximity =
-        model.Add<KARMPProximitySensor>("Proximity sensor", {{"SensorBody", dumbbell},
-                                                             {"UseGroupContext", true},
-                                                             {"ProximitySensorGroup", {wall, gate}},
-                                                             {"UseClearance", true},
-                                                             {"Clearance", 0.05}});
-    proximity->SetLoader(new Filler<KARIMPProximitySensorLoader>(
-        [&sensor = *proximity, balls, faces] { FillProximity(sensor, balls, faces); }));
+    // Nothing slides, so that there is no friction.
+    model.Sensor<KARMPCollisionSensor>(
+        "Contact sensor", {{"CollisionRule", rule}},
+        [rule, balls, mat](KARMPCollisionSensor& sensor) {
+            const double stiffness =
+                LayerStiffness(*NumberOf(rule, "YoungModulus2"), *NumberOf(rule, "PoissonCoef2"),
+                               *NumberOf(rule, "ElasticLayerThickness2"));
+            std::vector<KARMPContactForceData> contacts;
+            for (const auto& ball : balls) {
+                const double depth = GapBetween(ball, mat)->distance;
+                if (const auto contact = ContactBetween(ball, mat, stiffness * depth * depth))
+                    contacts.push_back(*contact);
+            }
+            RecordContacts(sensor, contacts);
+        });
+    model.Sensor<KARMPProximitySensor>(
+        "Proximity sensor",
+        {{"SensorBody", dumbbell},
+         {"UseGroupContext", true},
+         {"ProximitySensorGroup", {wall, gate}},
+         {"UseClearance", true},
+         {"Clearance", Clearance}},
+        [balls, faces](KARMPProximitySensor& sensor) {
+            bool isNear = false;
+            for (const auto& ball : balls)
+                for (const auto& face : faces)
+                    isNear = isNear || GapBetween(ball, face)->distance < Clearance;
+            sensor.SetProximitySensorStatus(isNear);
+        });
 }
 
 /// Prints the contacts; true when they carry the dumbbell.
 bool PrintContacts(const Model& model)
 {
     const auto sensor = model.Find<KARMPCollisionSensor>("Contact sensor");
-    double mass = 0.0;
-    model.Find<KARMPBody>("Dumbbell")->GetMass(mass);
-    KARMathVector sum(0.0, 0.0, -mass * Gravity);
+    KARMathVector sum = -NeededForce(model.Find<KARMPBody>("Dumbbell")).force;
     for (int index = 0; index < sensor->GetContactForceDataCount(); ++index) {
         KARMPContactForceData contact;
         sensor->GetContactForceData(index, contact);
@@ -225,7 +168,8 @@ int main()
     if (model.Find<KARMPSensor>("Contact sensor")->Update() != KARSuccess ||
         !PrintContacts(model) || !CloseGate(model))
         return 1;
-    const auto again = RoundTrip(model, "collision.xml");
-    std::cout << "After loading collision.xml\n";
-    return again && PrintContacts(*again) ? 0 : 1;
+    return RoundTrip(model, "collision.xml", [](const Model& again) {
+        std::cout << "After loading collision.xml\n";
+        return PrintContacts(again);
+    });
 }

@@ -3,13 +3,8 @@
 // follower, which slides along y, stays on the profile. The program builds the mechanism, saves it,
 // loads it again, and tells from the curves that were loaded how far the tip is from the profile
 // and whether the profile is closed and smooth.
-#include "KARCrvLimits.h"
-#include "KAREllipseArc.h"
-#include "KARGeometricFactory.h"
-#include "KARNurbsCurve.h"
 #include "RoundTrip.h"
 
-#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -45,52 +40,15 @@ KARMathVector Direction(double angle)
 }
 
 /// A cubic that leaves one circle about the axis, and joins another, along them.
-KARCurve* MakeFlank(KARGeometricFactory& factory, double startRadius, double start,
-                    double endRadius, double end)
+CurvePiece Flank(double startRadius, double start, double endRadius, double end)
 {
     const double reach = (startRadius + endRadius) * (end - start) / 6.0;
     const KARMathVector first = startRadius * Direction(start);
     const KARMathVector last = endRadius * Direction(end);
     const KARMathVector leaving = reach * Direction(start + std::numbers::pi / 2.0);
     const KARMathVector joining = reach * Direction(end + std::numbers::pi / 2.0);
-    const std::vector<KARMathPoint> poles{Rounded(first), Rounded(first + leaving),
-                                          Rounded(last - joining), Rounded(last)};
-    return factory.Make<KARNurbsCurve>(3, std::vector<double>{0, 0, 0, 0, 1, 1, 1, 1}, poles);
-}
-
-KARCurve* MakeDwell(KARGeometricFactory& factory, double radius, double start, double end)
-{
-    return factory.Make<KARCircleArc>(KARMathPoint(), KARMathVector(1, 0, 0),
-                                      KARMathVector(0, 1, 0), radius, start, end);
-}
-
-/// Fills the profile in counterclockwise, from the rise on.
-void FillProfile(KARMPCurve& profile)
-{
-    KARGeometricFactory* const factory = KARGeometricFactory::Create();
-    const double end = Rounded(RiseStart + 2.0 * std::numbers::pi);
-    profile.DeleteCurveLimitsAtEnd(true);
-    for (KARCurve* const curve :
-         {MakeFlank(*factory, BaseRadius, RiseStart, NoseRadius, NoseStart),
-          MakeDwell(*factory, NoseRadius, NoseStart, ReturnStart),
-          MakeFlank(*factory, NoseRadius, ReturnStart, BaseRadius, DwellStart),
-          MakeDwell(*factory, BaseRadius, Rounded(DwellStart), end)}) {
-        double low = 0.0, high = 0.0;
-        curve->GetLimits(low, high);
-        profile.AddCurve(curve, KARMPCurveOrientation::Positive,
-                         new KARCrvLimits(curve->CreateParam(low), curve->CreateParam(high)));
-    }
-    factory->Release(); // the profile has references of its own
-}
-
-/// A piece of a profile, which the profile holds.
-const KARCurve& PieceOf(const KARMPCurve& profile, int index)
-{
-    KARBaseUnknown* piece = nullptr;
-    KARMPCurveOrientation::Enum orientation = KARMPCurveOrientation::Positive;
-    void* limits = nullptr;
-    profile.GetCurve(index, piece, orientation, limits);
-    return *KARSysDynamicCast<KARCurve>(piece);
+    return Spline(
+        {Rounded(first), Rounded(first + leaving), Rounded(last - joining), Rounded(last)});
 }
 
 Model Build()
@@ -98,9 +56,14 @@ Model Build()
     Model model("Cam of curves", {.gravity = {0.0, -9.81, 0.0}});
     // The cam weighs what a disc of its mean radius does.
     const auto cam = model.Body("Cam", Cylinder(0.45, (BaseRadius + NoseRadius) / 2.0, 0.012));
-    const auto profile = model.Attach<KARMPCurve>("Profile", cam);
-    FillProfile(*profile);
-    const KARMathPoint touching = PieceOf(*profile, 0).EvalPoint(Share);
+    // Counterclockwise, from the rise on.
+    const double end = Rounded(RiseStart + 2.0 * std::numbers::pi);
+    const auto profile = model.Curve("Profile", cam,
+                                     {Flank(BaseRadius, RiseStart, NoseRadius, NoseStart),
+                                      Arc({}, NoseRadius, NoseStart, ReturnStart),
+                                      Flank(NoseRadius, ReturnStart, BaseRadius, DwellStart),
+                                      Arc({}, BaseRadius, Rounded(DwellStart), end)});
+    const KARMathPoint touching = PiecesOf(profile).front()->EvalPoint(Share);
     const double lift = (touching - KARMathPoint()).Norm();
     const double angle = std::numbers::pi / 2.0 - std::atan2(touching.GetY(), touching.GetX());
     cam->SetPosition(KARMathTransformation::Rotation({{}, {0.0, 0.0, 1.0}}, angle), 0);
@@ -125,30 +88,18 @@ Model Build()
 
 int main()
 {
-    const auto again = RoundTrip(Build(), "curve-cam.xml");
-    if (!again)
-        return 1;
-    const auto profile = again->Find<KARMPCurve>("Cam.Profile");
-    const KARMathPoint touching =
-        PositionOf(again->Find<KARMPBody>("Cam")) * PieceOf(*profile, 0).EvalPoint(Share);
-    const double gap =
-        (touching - PositionOf(again->Find<KARMPBody>("Follower")) * KARMathPoint()).Norm();
-    // The greatest step between a piece and the next, in m, and the greatest turn.
-    double step = 0.0, bend = 0.0;
-    const int count = profile->GetCurveCount();
-    for (int index = 0; index < count; ++index) {
-        const KARCurve& piece = PieceOf(*profile, index);
-        const KARCurve& next = PieceOf(*profile, (index + 1) % count);
-        double low = 0.0, high = 0.0, ignored = 0.0;
-        piece.GetLimits(ignored, high);
-        next.GetLimits(low, ignored);
-        KARMathVector before = piece.EvalTangent(high), after = next.EvalTangent(low);
-        before.Normalize();
-        after.Normalize();
-        step = std::max(step, (next.EvalPoint(low) - piece.EvalPoint(high)).Norm());
-        bend = std::max(bend, before.Cross(after).Norm());
-    }
-    std::cout << "After loading curve-cam.xml the tip is " << gap << " m from the profile, whose "
-              << count << " pieces meet within " << step << " m and " << bend << " rad\n";
-    return count == 4 && gap < 1e-11 && step < 2e-6 && bend < 1e-3 ? 0 : 1;
+    return RoundTrip(
+        Build(), "curve-cam.xml",
+        [](const Model& again) {
+            const auto profile = again.Find<KARMPCurve>("Cam.Profile");
+            const KARMathPoint touching = PositionOf(again.Find<KARMPBody>("Cam")) *
+                                          PiecesOf(profile).front()->EvalPoint(Share);
+            const double gap = (touching - PlaceOf(again.Find<KARMPPoint>("Follower.Tip"))).Norm();
+            const CurveJoins joins = JoinsOf(profile);
+            const int count = profile->GetCurveCount();
+            std::cout << "After loading curve-cam.xml the tip is " << gap
+                      << " m from the profile, whose " << count << " pieces meet within "
+                      << joins.step << " m and " << joins.bend << " rad\n";
+            return count == 4 && gap < 1e-11 && joins.step < 2e-6 && joins.bend < 1e-3;
+        });
 }

@@ -16,13 +16,10 @@ constexpr double WheelAngle = 0.2; // rad
 Ref<KARMPVariable> AddWheel(Model& model, const std::string& name, double x, double angle,
                             double radius, double mass)
 {
-    const KARMathAxis axle = *FrameAlong({x, 0.0, 0.0});
-    const auto turned = KARMathTransformation::Rotation({axle.GetOrigin(), {0.0, 0.0, 1.0}}, angle);
-    const auto wheel = model.Body(
-        name, Cylinder(mass, radius, 0.04).PlacedAt(turned * KARMathTransformation(axle)));
-    const auto bearing =
-        model.Joint<KARMPRevolute>(name + " bearing", model.Ground(), wheel, axle, turned * axle);
-    return model.Variable(name + " angle", bearing, angle);
+    const auto limb = model.Limb<KARMPRevolute>(name, name + " bearing", model.Ground(),
+                                                {{x, 0.0, 0.0}, {0.0, 0.0, 1.0}, angle},
+                                                Cylinder(mass, radius, 0.04));
+    return model.Variable(name + " angle", limb.joint, angle);
 }
 
 } // namespace
@@ -34,11 +31,10 @@ int main()
     const auto pinion = AddWheel(model, "Pinion", WheelRadius + PinionRadius, -Ratio * WheelAngle,
                                  PinionRadius, 9.6);
     model.Couple<KARMPGear>("Gear", {{wheel, Ratio}, {pinion, 1.0}}); // their sum is 0
-    const auto again = RoundTrip(model, "gear-pair.xml");
-    if (!again)
-        return 1;
-    double ratio = 0.0;
-    again->Find<KARMPLinearEquation>("Gear.equation")->GetLinearTerm(0, ratio);
-    std::cout << "The gear's ratio is " << ratio << " after loading gear-pair.xml\n";
-    return ratio == Ratio ? 0 : 1;
+    return RoundTrip(model, "gear-pair.xml", [](const Model& again) {
+        double ratio = 0.0;
+        again.Find<KARMPLinearEquation>("Gear.equation")->GetLinearTerm(0, ratio);
+        std::cout << "The gear's ratio is " << ratio << " after loading gear-pair.xml\n";
+        return ratio == Ratio;
+    });
 }

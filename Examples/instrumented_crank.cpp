@@ -3,7 +3,6 @@
 // motor's torque, and whether a constraint is needed at all. The loaders stand for a solver: they
 // know the motion and the forces in closed form.
 #include "CrankMotion.h"
-#include "Filler.h"
 
 #include <algorithm>
 #include <numbers>
@@ -16,48 +15,11 @@ constexpr double Gravity = 9.81;  // m/s2, along -y
 constexpr double Velocity = 20.0; // rad/s
 constexpr int Steps = 24;         // of one turn
 
-/// A loader on the force in a joint knows the frames of the joint's bodies, too.
-class PinFiller : public Filler<KARIMPJointSpatialForceSensorLoader>
+/// The moment of a force at an arm, across the plane of the mechanism.
+double Moment(const KARMathVector& arm, const KARMathVector& force)
 {
-public:
-    PinFiller(const Model& model, std::function<void()> fill)
-        : Filler(std::move(fill)), m_model(model)
-    {}
-    KARStatus ReadJointFrame(KARMathAxis& frame) override
-    {
-        return ReadFrame(KARMPAxisMode::FirstBody, frame);
-    }
-    KARStatus ReadFrame(KARMPAxisMode::Enum mode, KARMathAxis& frame) override
-    {
-        const std::string body = mode == KARMPAxisMode::FirstBody ? "Crank" : "Rod";
-        m_model.Find<KARMPAxisSystem>(body + ".Crank pin")->GetAxisSystem(frame);
-        frame = PositionOf(m_model.Find<KARMPBody>(body)) * frame;
-        return KARSuccess;
-    }
-
-private:
-    const Model& m_model;
-};
-
-/// What moves a body: the force that its neighbours must give it, and its angular momentum's rate.
-struct Need
-{
-    Need(const KARMPBody& body, const PlaneMotion& motion)
-    {
-        double mass = 0.0;
-        KARMathPoint center;
-        KARMath3x3Matrix inertia;
-        body.GetMass(mass);
-        body.GetCenterOfGravity(center);
-        body.GetInertiaMatrix(inertia);
-        arm = motion.Arm(center.GetX());
-        force = mass * (motion.AccelerationAt(arm) + Plane(0.0, Gravity));
-        torque = inertia(2, 2) * motion.angularAcceleration;
-    }
-    Plane arm; // from the body's origin to its centre
-    Plane force;
-    double torque = 0.0; // about the centre
-};
+    return arm.Cross(force).GetZ();
+}
 
 /// The mechanism with its motor and sensors.
 struct InstrumentedCrank
@@ -67,38 +29,42 @@ struct InstrumentedCrank
     double torque = 0.0;    // of the motor, on the crank
     Model model{"Instrumented crank", {.gravity = {0.0, -Gravity, 0.0}}};
     SliderCrank parts = AddSliderCrank(model, 0.5);
+    Ref<KARMPJointDOFSensor> angleSensor, strokeSensor;
+    Ref<KARMPJointSpatialForceSensor> pinSensor;
+    Ref<KARMPMotorForceSensor> motorSensor;
 
     InstrumentedCrank()
     {
-        AddFreedomSensor("Crank angle sensor", parts.bearing, 5, [this](KARMPJointDOFSensor& to) {
-            to.SetPosition(state.crank.angle);
-            to.SetVelocity(state.crank.rate);
-            to.SetAcceleration(state.crank.angularAcceleration);
-        });
-        AddFreedomSensor("Stroke sensor", parts.guide, 2, [this](KARMPJointDOFSensor& to) {
-            to.SetPosition(state.slider.origin.real());
-            to.SetVelocity(state.slider.velocity.real());
-            to.SetAcceleration(state.slider.acceleration.real());
-        });
-
+        angleSensor = model.Sensor<KARMPJointDOFSensor>(
+            "Crank angle sensor", {{"Joint", parts.bearing}, {"DOFindex", 5}},
+            [this](KARMPJointDOFSensor& to) {
+                to.SetPosition(*NumberOf(parts.angle, "Value"));
+                to.SetVelocity(state.crank.angularVelocity.GetZ());
+                to.SetAcceleration(state.crank.angularAcceleration.GetZ());
+            });
+        strokeSensor = model.Sensor<KARMPJointDOFSensor>(
+            "Stroke sensor", {{"Joint", parts.guide}, {"DOFindex", 2}},
+            [this](KARMPJointDOFSensor& to) {
+                to.SetPosition(state.slider.Origin().GetX());
+                to.SetVelocity(state.slider.velocity.GetX());
+                to.SetAcceleration(state.slider.acceleration.GetX());
+            });
         // From the dead centre at which the slider is farthest from the bearing.
-        const auto moved =
-            model.Add<KARMPDisplacementSensor>("Displacement sensor", {{"Body", parts.slider}});
-        moved->SetLoader(new Filler<KARIMPSensorLoader>([this, &to = *moved] {
-            const double deadCenter = SliderCrank::CrankLength + SliderCrank::RodLength;
-            const double way = state.slider.origin.real() - deadCenter;
-            to.SetDisplacement(KARMathTransformation(KARMathVector(way, 0.0, 0.0)));
-        }));
-        const auto pin = model.Add<KARMPJointSpatialForceSensor>("Pin force sensor",
-                                                                 {{"Joint", parts.crankPin}});
-        pin->SetIndexBody(1); // the child
-        pin->SetLoader(
-            new PinFiller(model, [this, &to = *pin] { to.SetSpatialForce(pinForce, {}); }));
+        model.Sensor<KARMPDisplacementSensor>(
+            "Displacement sensor", {{"Body", parts.slider}},
+            [this](KARMPDisplacementSensor& to) {
+                const KARMathPoint farthest(SliderCrank::CrankLength + SliderCrank::RodLength, 0.0,
+                                            0.0);
+                to.SetDisplacement(KARMathTransformation(state.slider.Origin() - farthest));
+            });
+        pinSensor = model.Sensor<KARMPJointSpatialForceSensor>(
+            "Pin force sensor", {{"Joint", parts.crankPin}, {"Index", 1}}, // on the child
+            [this](KARMPJointSpatialForceSensor& to) { to.SetSpatialForce(pinForce, {}); });
         const auto motor =
             model.Motor("Motor", parts.angle, {.velocity = Velocity, .maximum = 12.0});
-        const auto drive = model.Add<KARMPMotorForceSensor>("Motor sensor", {{"Motor", motor}});
-        drive->SetLoader(new Filler<KARIMPMotorForceSensorLoader>(
-            [this, &to = *drive] { to.SetForce(torque, nullptr, nullptr); }));
+        motorSensor = model.Sensor<KARMPMotorForceSensor>(
+            "Motor sensor", {{"Motor", motor}},
+            [this](KARMPMotorForceSensor& to) { to.SetForce(torque, nullptr, nullptr); });
 
         // A drawing asks for a slider that is parallel to its guide, which the guide sees to.
         const auto level =
@@ -107,15 +73,6 @@ struct InstrumentedCrank
                                                    {model.Find<KARMPAxisSystem>("GlobalBody.Guide"),
                                                     model.Find<KARMPAxisSystem>("Slider.Guide")}}});
         model.Link(model.Add<KARMPConstraintSensor>("Redundancy sensor"), level);
-    }
-
-    template <class Fill>
-    void AddFreedomSensor(const char* name, const Ref<KARMPJoint>& joint, int freedom, Fill fill)
-    {
-        const auto sensor =
-            model.Add<KARMPJointDOFSensor>(name, {{"Joint", joint}, {"DOFindex", freedom}});
-        sensor->SetLoader(
-            new Filler<KARIMPJointDOFSensorLoader>([fill, &to = *sensor] { fill(to); }));
     }
 
     /// Brings the mechanism to an angle of the crank, as a solver brings its results.
@@ -127,34 +84,26 @@ struct InstrumentedCrank
         Move(parts.rod, state.rod);
         Move(parts.slider, state.slider);
         FindForces();
-        bool isMeasured = true;
-        for (const auto& sensor : model.All<KARMPSensor>())
-            isMeasured = sensor->Update() == KARSuccess && isMeasured;
-        return isMeasured;
-    }
-    static void Move(const Ref<KARMPBody>& body, const PlaneMotion& motion)
-    {
-        motion.Apply(*body);
-        body->SetAcceleration({motion.acceleration.real(), motion.acceleration.imag(), 0.0},
-                              {0.0, 0.0, motion.angularAcceleration});
+        const auto sensors = model.All<KARMPSensor>();
+        return std::all_of(sensors.begin(), sensors.end(),
+                           [](const auto& sensor) { return sensor->Update() == KARSuccess; });
     }
 
     /// From the slider, which the guide leaves free along x, back to the motor.
     void FindForces()
     {
-        const Need slider(*parts.slider, state.slider);
-        const Need rod(*parts.rod, state.rod);
-        const Need crank(*parts.crank, state.crank);
+        const SpatialForce slider = NeededForce(parts.slider), rod = NeededForce(parts.rod);
+        const SpatialForce crank = NeededForce(parts.crank);
         // On the rod, about its centre: pin x (need + push) - end x push = torque, with the push of
         // the rod on the slider.
-        const Plane pin = -rod.arm;
-        const Plane apart = pin - (state.slider.origin - state.rod.origin - rod.arm);
-        const double alongX = slider.force.real();
+        const KARMathVector pin = state.rod.Origin() - CenterOf(parts.rod);
+        const KARMathVector apart = state.rod.Origin() - state.slider.Origin();
+        const double alongX = slider.force.GetX();
         const double alongY =
-            (rod.torque - Moment(pin, rod.force) + apart.imag() * alongX) / apart.real();
-        const Plane force = rod.force + Plane(alongX, alongY);
-        pinForce = {force.real(), force.imag(), 0.0};
-        torque = crank.torque + Moment(crank.arm, crank.force) + Moment(state.rod.origin, force);
+            (rod.torque.GetZ() - Moment(pin, rod.force) + apart.GetY() * alongX) / apart.GetX();
+        pinForce = rod.force + KARMathVector(alongX, alongY, 0.0);
+        torque = crank.torque.GetZ() + Moment(CenterOf(parts.crank) - KARMathPoint(), crank.force) +
+                 Moment(state.rod.Origin() - KARMathPoint(), pinForce);
     }
 };
 
@@ -164,19 +113,15 @@ bool Turn(InstrumentedCrank& crank)
 {
     double work = 0.0, greatest = 0.0;
     for (int step = 0; step < Steps; ++step) {
-        double angle = 0.0, stroke = 0.0, torque = 0.0;
         KARMathVector force, pinTorque;
         if (!crank.GoTo(2.0 * std::numbers::pi * step / Steps))
             return false;
-        crank.model.Find<KARMPJointDOFSensor>("Crank angle sensor")->GetPosition(angle);
-        crank.model.Find<KARMPJointDOFSensor>("Stroke sensor")->GetPosition(stroke);
-        crank.model.Find<KARMPJointSpatialForceSensor>("Pin force sensor")
-            ->GetSpatialForce(force, pinTorque, KARMPAxisMode::SecondBody);
-        crank.model.Find<KARMPMotorForceSensor>("Motor sensor")->GetForce(torque, nullptr, nullptr);
+        crank.pinSensor->GetSpatialForce(force, pinTorque, KARMPAxisMode::SecondBody);
+        const double torque = *NumberOf(crank.motorSensor, "Force");
         if (step % 4 == 0)
-            std::cout << "At " << angle << " rad the stroke is " << stroke
-                      << " m, along the rod act " << force.GetX() << " N, and the motor gives "
-                      << torque << " N m\n";
+            std::cout << "At " << *NumberOf(crank.angleSensor, "Position") << " rad the stroke is "
+                      << *NumberOf(crank.strokeSensor, "Position") << " m, along the rod act "
+                      << force.GetX() << " N, and the motor gives " << torque << " N m\n";
         work += torque * 2.0 * std::numbers::pi / Steps;
         greatest = std::max(greatest, torque);
     }
@@ -206,17 +151,13 @@ int main()
     InstrumentedCrank crank;
     if (!crank.GoTo(0.5))
         return 1;
-    const auto again = RoundTrip(crank.model, "instrumented-crank.xml");
-    if (!again)
-        return 1;
-    std::cout << "instrumented-crank.xml holds " << again->All<KARMPSensor>().size()
-              << " sensors with what they measured at 0.5 rad\n";
-    if (!FindRedundancy(crank.model) || !Turn(crank))
-        return 1;
-    // After a reset a sensor of a freedom knows nothing, not even which one it was.
-    const auto stroke = crank.model.Find<KARMPJointDOFSensor>("Stroke sensor");
-    int freedom = -1;
-    stroke->Reset();
-    stroke->GetIndexDOF(freedom);
-    return freedom == 0 ? 0 : 1;
+    return RoundTrip(crank.model, "instrumented-crank.xml", [&crank](const Model& again) {
+        std::cout << "instrumented-crank.xml holds " << again.All<KARMPSensor>().size()
+                  << " sensors with what they measured at 0.5 rad\n";
+        if (!FindRedundancy(crank.model) || !Turn(crank))
+            return false;
+        // After a reset a sensor of a freedom knows nothing, not even which one it was.
+        crank.strokeSensor->Reset();
+        return *NumberOf(crank.strokeSensor, "DOFindex") == 0.0;
+    });
 }

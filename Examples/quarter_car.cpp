@@ -4,7 +4,7 @@
 //
 // Spring and tyre are as long as the weights at rest ask for, so that the model starts in balance
 // but for the give of the bushings.
-#include "Springs.h"
+#include "RoundTrip.h"
 
 #include <cmath>
 
@@ -43,45 +43,6 @@ struct BushingData
 const BushingData Bushing[] = {{"Tx", 8e6, 2000.0}, {"Ty", 8e6, 2000.0}, {"Tz", 1e6, 500.0},
                                {"Rx", 900.0, 1.0},  {"Ry", 900.0, 1.0},  {"Rz", 40.0, 0.2}};
 
-struct Parts
-{
-    Ref<KARMPBody> body, lowerArm, upperArm, rod, carrier, wheel;
-};
-
-Parts AddParts(Model& model)
-{
-    const auto addArm = [&model](const char* name, const KARMathPoint& pivot, double mass,
-                                 double width, double height) {
-        const auto box = Box(mass, {width, ArmLength, height}, {0.0, ArmLength / 2.0, 0.0});
-        return model.Body(name, box.PlacedAt(pivot));
-    };
-    Parts parts;
-    parts.body = model.Body("Body", Box(BodyMass, {1.3, 0.7, 0.6}).PlacedAt(BodyCenter));
-    parts.lowerArm = addArm("Lower arm", LowerPivot, LowerArmMass, 0.24, 0.03);
-    parts.upperArm = addArm("Upper arm", UpperPivot, UpperArmMass, 0.2, 0.025);
-    parts.rod = addArm("Tie rod", RodInner, RodMass, 0.016, 0.016);
-    const auto hub = Box(CarrierMass, {0.12, 0.08, 0.26}, {0.0, -0.04, 0.01});
-    parts.carrier = model.Body("Hub carrier", hub.PlacedAt(WheelCenter));
-    const KARMathTransformation axle(*FrameAlong(WheelCenter, Across));
-    parts.wheel = model.Body("Wheel", Cylinder(WheelMass, 0.31, 0.2).PlacedAt(axle));
-    return parts;
-}
-
-void AddJoints(Model& model, const Parts& p)
-{
-    const KARMathVector arm = ArmLength * Across;
-    model.Variable("Heave",
-                   model.Joint<KARMPPrismatic>("Guide", model.Ground(), p.body, BodyCenter));
-    model.Variable("Upper arm angle", model.Joint<KARMPRevolute>("Upper pivot", p.body, p.upperArm,
-                                                                 UpperPivot, Along));
-    model.Joint<KARMPUniversal>("Tie rod inner", p.body, p.rod, RodInner);
-    model.Joint<KARMPSpherical>("Lower ball", p.lowerArm, p.carrier, LowerPivot + arm);
-    model.Joint<KARMPSpherical>("Upper ball", p.upperArm, p.carrier, UpperPivot + arm);
-    model.Joint<KARMPSpherical>("Tie rod outer", p.rod, p.carrier, RodInner + arm);
-    model.Variable("Wheel angle", model.Joint<KARMPRevolute>("Wheel bearing", p.carrier, p.wheel,
-                                                             WheelCenter, Across));
-}
-
 /// The force of the spring at rest, by virtual work: when the wheel rises by 1, so do carrier and
 /// ball joints, the centres of arms and rod by a half, and the foot of the spring by its share of
 /// the arm.
@@ -93,65 +54,99 @@ double SpringLoad()
     return Gravity * lifted / (footRise * spring.GetZ() / spring.Norm());
 }
 
-void AddSprings(Model& model, const Parts& p)
+struct QuarterCar
 {
-    const KARMathPoint road(0.0, 0.75, 0.0);
-    const double springLength = (SpringHead - SpringFoot).Norm() + SpringLoad() / 28000.0;
-    const double tyreLength = (WheelCenter - road).Norm() + Gravity * TotalMass / 200000.0;
-    const auto add = [&](const char* name, const Ref<KARMPBody>& first, const KARMathPoint& from,
-                         const Ref<KARMPBody>& second, const KARMathPoint& to, double stiffness,
-                         double length, double damping) {
-        return model.Connect<KARMPLinearSpring>(
-            name, first, from, second, to,
-            {{"Stiffness", stiffness}, {"RestLength", length}, {"DampingCoefficient", damping}});
-    };
-    add("Spring", p.lowerArm, SpringFoot, p.body, SpringHead, 28000.0, springLength, 1800.0);
-    model.Set(
-        add("Tyre", model.Ground(), road, p.carrier, WheelCenter, 200000.0, tyreLength, 150.0),
-        {{"Behavior", "ExtensionFree"}});
-    // Resists the upper arm about its pivot, without a torque where the arm lies level.
-    model.Connect<KARMPTorsionSpring>(
-        "Torsion bar", p.body, p.upperArm, *FrameAlong(UpperPivot, Along),
-        {{"Stiffness", 400.0}, {"RestAngle", 0.0}, {"DampingCoefficient", 2.0}});
-}
+    Model model{"Quarter car", {.gravity = {0.0, 0.0, -Gravity}}};
+    Ref<KARMPBody> body = model.Body("Body", Box(BodyMass, {1.3, 0.7, 0.6}).PlacedAt(BodyCenter));
+    Ref<KARMPBody> lowerArm = AddArm("Lower arm", LowerPivot, LowerArmMass, 0.24, 0.03);
+    Ref<KARMPBody> upperArm = AddArm("Upper arm", UpperPivot, UpperArmMass, 0.2, 0.025);
+    Ref<KARMPBody> rod = AddArm("Tie rod", RodInner, RodMass, 0.016, 0.016);
+    Ref<KARMPBody> carrier =
+        model.Body("Hub carrier",
+                   Box(CarrierMass, {0.12, 0.08, 0.26}, {0.0, -0.04, 0.01}).PlacedAt(WheelCenter));
+    Ref<KARMPBody> wheel =
+        model.Body("Wheel", Cylinder(WheelMass, 0.31, 0.2)
+                                .PlacedAt(KARMathTransformation(*FrameAlong(WheelCenter, Across))));
 
-/// Carry the lower arm before and behind the middle of its pivot. Both are of one kind and share
-/// their values.
-void AddBushings(Model& model, const Parts& p)
-{
-    const auto add = [&](const char* name, double x) {
-        return model.Connect<KARMPBushing>(name, p.body, p.lowerArm,
-                                           *FrameAlong(LowerPivot + x * Along, Along));
-    };
-    const auto front = add("Front bushing", 0.12);
-    const auto rear = add("Rear bushing", -0.12);
-    for (const auto& [freedom, stiffness, damping] : Bushing) {
-        const bool isLinear = freedom[0] == 'T';
-        const auto resists = model.Constant(
-            "Bushing.stiffness " + freedom,
-            isLinear ? Quantity::LinearStiffness : Quantity::AngularStiffness, stiffness);
-        const auto damps =
-            model.Constant("Bushing.damping " + freedom,
-                           isLinear ? Quantity::LinearDamping : Quantity::AngularDamping, damping);
-        for (const auto& bushing : {front, rear})
-            model.Set(bushing, {{"Stiffness" + freedom, resists}, {"Damping" + freedom, damps}});
+    QuarterCar()
+    {
+        AddJoints();
+        AddSprings();
+        AddBushings();
     }
-}
+
+    Ref<KARMPBody> AddArm(const char* name, const KARMathPoint& pivot, double mass, double width,
+                          double height)
+    {
+        const auto box = Box(mass, {width, ArmLength, height}, {0.0, ArmLength / 2.0, 0.0});
+        return model.Body(name, box.PlacedAt(pivot));
+    }
+
+    void AddJoints()
+    {
+        const KARMathVector arm = ArmLength * Across;
+        model.Variable("Heave",
+                       model.Joint<KARMPPrismatic>("Guide", model.Ground(), body, BodyCenter));
+        model.Variable("Upper arm angle", model.Joint<KARMPRevolute>("Upper pivot", body, upperArm,
+                                                                     UpperPivot, Along));
+        model.Joint<KARMPUniversal>("Tie rod inner", body, rod, RodInner);
+        model.Joint<KARMPSpherical>("Lower ball", lowerArm, carrier, LowerPivot + arm);
+        model.Joint<KARMPSpherical>("Upper ball", upperArm, carrier, UpperPivot + arm);
+        model.Joint<KARMPSpherical>("Tie rod outer", rod, carrier, RodInner + arm);
+        model.Variable("Wheel angle", model.Joint<KARMPRevolute>("Wheel bearing", carrier, wheel,
+                                                                 WheelCenter, Across));
+    }
+
+    void AddSprings()
+    {
+        model.Spring("Spring", lowerArm, SpringFoot, body, SpringHead,
+                     {.stiffness = 28000.0, .damping = 1800.0, .load = SpringLoad()});
+        const auto tyre =
+            model.Spring("Tyre", model.Ground(), {0.0, 0.75, 0.0}, carrier, WheelCenter,
+                         {.stiffness = 200000.0, .damping = 150.0, .load = Gravity * TotalMass});
+        model.Set(tyre, {{"Behavior", "ExtensionFree"}});
+        // Resists the upper arm about its pivot, without a torque where the arm lies level.
+        model.Connect<KARMPTorsionSpring>(
+            "Torsion bar", body, upperArm, *FrameAlong(UpperPivot, Along),
+            {{"Stiffness", 400.0}, {"RestAngle", 0.0}, {"DampingCoefficient", 2.0}});
+    }
+
+    /// Carry the lower arm before and behind the middle of its pivot. Both are of one kind and
+    /// share their values.
+    void AddBushings()
+    {
+        const auto add = [&](const char* name, double x) {
+            return model.Connect<KARMPBushing>(name, body, lowerArm,
+                                               *FrameAlong(LowerPivot + x * Along, Along));
+        };
+        const auto front = add("Front bushing", 0.12);
+        const auto rear = add("Rear bushing", -0.12);
+        for (const auto& [freedom, stiffness, damping] : Bushing) {
+            const bool isLinear = freedom[0] == 'T';
+            const auto resists = model.Constant(
+                "Bushing.stiffness " + freedom,
+                isLinear ? Quantity::LinearStiffness : Quantity::AngularStiffness, stiffness);
+            const auto damps = model.Constant(
+                "Bushing.damping " + freedom,
+                isLinear ? Quantity::LinearDamping : Quantity::AngularDamping, damping);
+            for (const auto& bushing : {front, rear})
+                model.Set(bushing,
+                          {{"Stiffness" + freedom, resists}, {"Damping" + freedom, damps}});
+        }
+    }
+};
 
 } // namespace
 
 int main()
 {
-    Model model("Quarter car", {.gravity = {0.0, 0.0, -Gravity}});
-    const Parts parts = AddParts(model);
-    AddJoints(model, parts);
-    AddSprings(model, parts);
-    AddBushings(model, parts);
-    const auto again = RoundTrip(model, "quarter-car.xml");
-    if (!again)
-        return 1;
-    const double tyre = PushOf(again->Find<KARMPLinearSpring>("Tyre"));
-    std::cout << "After loading quarter-car.xml the tyre carries " << tyre << " N and the spring "
-              << PushOf(again->Find<KARMPLinearSpring>("Spring")) << " N\n";
-    return std::abs(tyre - Gravity * TotalMass) < 1e-6 ? 0 : 1;
+    return RoundTrip(
+        QuarterCar().model, "quarter-car.xml",
+        [](const Model& again) {
+            const double tyre = ForceOf(again.Find<KARMPLinearSpring>("Tyre"));
+            std::cout << "After loading quarter-car.xml the tyre carries " << tyre
+                      << " N and the spring " << ForceOf(again.Find<KARMPLinearSpring>("Spring"))
+                      << " N\n";
+            return std::abs(tyre - Gravity * TotalMass) < 1e-6;
+        });
 }

@@ -2,8 +2,6 @@
 // and cylinders, which also tell what the links weigh. Motors hold the joints where they stand. The
 // program builds the arm, saves it, loads it again, and tells where the tool points and how many
 // triangles there are. The world's z points up.
-#include "KAR3DMeshRep.h"
-#include "KAR3DRepWalk.h"
 #include "RoundTrip.h"
 
 using namespace karmp::model;
@@ -25,7 +23,6 @@ struct Arm
 {
     Model model{"Robot arm", {.gravity = {0.0, 0.0, -9.81}}};
     Ref<KARMPBody> last = model.Ground();
-    KARMathTransformation position; // of the last link
 
     /// A link that turns about an axis through its origin, which lies at a point of the link
     /// before it, by an angle, with a motor's greatest torque.
@@ -33,16 +30,12 @@ struct Arm
              const KARMathVector& axis, double angle, double torque,
              const std::vector<Solid>& parts)
     {
-        const KARMathAxis onLast = position * *FrameAlong(point, axis);
-        position = position * KARMathTransformation(point - KARMathPoint()) *
-                   KARMathTransformation::Rotation(KARMathLine({}, axis), angle);
-        const auto body = model.Body(name, MassOf(parts, Density).PlacedAt(position));
-        model.Shape("Shape", body, parts);
-        const auto revolute =
-            model.Joint<KARMPRevolute>(joint, last, body, onLast, position * *FrameAlong({}, axis));
-        model.Motor(joint + " motor", model.Variable(joint + " angle", revolute, angle),
+        const auto limb = model.Limb<KARMPRevolute>(name, joint, last, {point, axis, angle},
+                                                    MassOf(parts, Density));
+        model.Shape("Shape", limb.body, parts);
+        model.Motor(joint + " motor", model.Variable(joint + " angle", limb.joint, angle),
                     {.velocity = 0.0, .maximum = torque});
-        last = body;
+        last = limb.body;
     }
 };
 
@@ -74,19 +67,8 @@ Arm Build()
              {{0.035, 0.0, 0.0}, {0.03, 0.1, 0.04}, -1, Bright},
              {{0.11, 0.035, 0.0}, {0.12, 0.012, 0.03}, -1, Bright},
              {{0.11, -0.035, 0.0}, {0.12, 0.012, 0.03}, -1, Bright}});
-    arm.model.Point("Tip", arm.last, arm.position * Tool);
+    arm.model.Point("Tip", arm.last, PositionOf(arm.last) * Tool);
     return arm;
-}
-
-std::size_t CountTriangles(const Model& model)
-{
-    std::size_t count = 0;
-    for (const auto& shape : model.All<KARMP3DRep>())
-        KARForEach3DRep(*shape->Get3DRep(), [&](const KAR3DRepPlace& place) {
-            if (const auto* const mesh = dynamic_cast<const KAR3DMeshRep*>(place.rep))
-                count += mesh->GetTriangles().size();
-        });
-    return count;
 }
 
 } // namespace
@@ -94,14 +76,13 @@ std::size_t CountTriangles(const Model& model)
 int main()
 {
     const Arm arm = Build();
-    const auto again = RoundTrip(arm.model, "robot-arm.xml");
-    if (!again)
-        return 1;
-    const KARMathPoint tip = PlaceOf(again->Find<KARMPPoint>("Gripper.Tip"));
-    const std::size_t triangles = CountTriangles(*again);
-    std::cout << "After loading robot-arm.xml the tip of the gripper is at (" << tip.GetX() << ", "
-              << tip.GetY() << ", " << tip.GetZ() << ") m, and the links have " << triangles
-              << " triangles\n";
-    const double error = (tip - arm.position * Tool).Norm();
-    return error < 1e-11 && triangles == CountTriangles(arm.model) ? 0 : 1;
+    return RoundTrip(arm.model, "robot-arm.xml", [&](const Model& again) {
+        const KARMathPoint tip = PlaceOf(again.Find<KARMPPoint>("Gripper.Tip"));
+        const std::size_t triangles = TriangleCountOf(again);
+        std::cout << "After loading robot-arm.xml the tip of the gripper is at (" << tip.GetX()
+                  << ", " << tip.GetY() << ", " << tip.GetZ() << ") m, and the links have "
+                  << triangles << " triangles\n";
+        const double error = (tip - PositionOf(arm.last) * Tool).Norm();
+        return error < 1e-11 && triangles == TriangleCountOf(arm.model);
+    });
 }

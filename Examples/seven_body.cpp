@@ -1,7 +1,6 @@
 // The seven-body mechanism in space. The program builds it with its published figures, saves it,
 // loads it again, and tells how well the loops close and how the spring pushes.
 #include "SevenBody.h"
-#include "Springs.h"
 
 using namespace karmp::model;
 using namespace seven_body;
@@ -11,9 +10,9 @@ namespace {
 constexpr int RotationAboutZ = 5; // index of a freedom
 
 /// The axes of a body at one of its points, in the world.
-KARMathAxis AxesAt(const Model& model, const char* body, const PlanePoint& point)
+KARMathAxis AxesAt(const Model& model, const char* body, const KARMathPoint2D& point)
 {
-    return PositionOf(model.Find<KARMPBody>(body)) * *FrameAlong(point);
+    return PositionOf(model.Find<KARMPBody>(body)) * *FrameAlong(InSpace(point));
 }
 
 Model Build()
@@ -21,15 +20,11 @@ Model Build()
     Model model("Seven-body mechanism");
     for (const BodyData& data : Bodies) {
         const KARMathPoint origin = AxesAt(model, data.on, data.origin).GetOrigin();
-        // The figures are those of the plane; about the two axes in it, which no motion turns
-        // about, a body is taken for a flat one without a preferred direction.
-        const double half = data.inertia / 2.0;
+        // The figures are those of the plane: no motion turns about the two axes in it.
         const auto turn = KARMathTransformation::Rotation({{}, {0.0, 0.0, 1.0}}, data.angle);
-        model.Body(data.name, {.mass = data.mass,
-                               .position = KARMathTransformation(origin - KARMathPoint()) * turn,
-                               .centerOfGravity = data.center,
-                               .inertia = KARMath3x3Matrix({half, 0.0, 0.0}, {0.0, half, 0.0},
-                                                           {0.0, 0.0, data.inertia})});
+        const auto plate = Plate(data.mass, data.inertia, InSpace(data.center));
+        model.Body(data.name,
+                   plate.PlacedAt(KARMathTransformation(origin - KARMathPoint()) * turn));
     }
     for (const JointData& data : Joints)
         model.Joint<KARMPRevolute>(
@@ -42,11 +37,9 @@ Model Build()
     const auto torque = model.Constant("Drive.torque", KARMPPhysicalQuantity::Torque, DriveTorque);
     model.Add<KARMPJointForceActuator>(
         "Drive", {{"Joint", driven}, {"DOFindex", RotationAboutZ}, {"Force", torque}});
-    model.Connect<KARMPLinearSpring>("Spring", model.Ground(), C, model.Find<KARMPBody>("K3"),
-                                     AxesAt(model, "K3", D).GetOrigin(),
-                                     {{"Stiffness", SpringStiffness},
-                                      {"RestLength", SpringLength},
-                                      {"DampingCoefficient", 0.0}});
+    model.Spring("Spring", model.Ground(), InSpace(C), model.Find<KARMPBody>("K3"),
+                 AxesAt(model, "K3", D).GetOrigin(),
+                 {.stiffness = SpringStiffness, .restLength = SpringLength});
     return model;
 }
 
@@ -54,7 +47,7 @@ Model Build()
 
 int main()
 {
-    return RoundTrip(
-        Build(), "seven-body", [](const Ref<KARMPGeometry>& geometry) { return PlaceOf(geometry); },
-        [](const Model& model) { return PushOf(model.Find<KARMPLinearSpring>("Spring")); });
+    return CheckLoops(
+        Build(), "seven-body",
+        [](const Model& model) { return ForceOf(model.Find<KARMPLinearSpring>("Spring")); });
 }

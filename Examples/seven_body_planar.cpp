@@ -28,21 +28,15 @@ Model Build()
 {
     Model model("Planar seven-body mechanism");
     for (const BodyData& data : Bodies) {
-        const KARMathPoint2D origin =
-            PositionOf(BodyOf(model, data.on)) * KARMathPoint2D(data.origin);
+        const KARMathPoint2D origin = PositionOf(BodyOf(model, data.on)) * data.origin;
         const auto turn = KARMathTransformation2D::Rotation({}, data.angle).GetMatrix();
-        // A flat body without a preferred direction.
-        const double half = data.inertia / 2.0;
-        model.PlanarBody(data.name,
-                         {.mass = data.mass,
-                          .position = KARMathTransformation2D(turn, origin - KARMathPoint2D()),
-                          .centerOfGravity = data.center,
-                          .inertia = KARMath2x2Matrix({half, 0.0}, {0.0, half})});
+        const KARMathTransformation2D position(turn, origin - KARMathPoint2D());
+        model.PlanarBody(data.name, Plate(data.mass, data.inertia, data.center).PlacedAt(position));
     }
     for (const JointData& data : Joints) {
-        const auto point = [&](const char* name, const PlanePoint& at) {
+        const auto point = [&](const char* name, const KARMathPoint2D& at) {
             const auto body = BodyOf(model, name);
-            return model.Point(data.name, body, PositionOf(body) * KARMathPoint2D(at));
+            return model.Point(data.name, body, PositionOf(body) * at);
         };
         const auto onFirst = point(data.first, data.onFirst);
         model.Joint<KARMPUserDefined2D>(data.name, onFirst, point(data.second, data.onSecond));
@@ -52,7 +46,7 @@ Model Build()
 
     const auto x = model.Expression("Spring.x", Quantity::Force, Push + WayX, {gamma});
     const auto y = model.Expression("Spring.y", Quantity::Force, Push + WayY, {gamma});
-    model.Add<KARMPSpatialForceActuator2D>("Spring", {{"ApplicationPoint2D", KARMathPoint2D(D)},
+    model.Add<KARMPSpatialForceActuator2D>("Spring", {{"ApplicationPoint2D", D},
                                                       {"Body2D", model.Find<KARMPBody2D>("K3")},
                                                       {"Force2D/Vx", x},
                                                       {"Force2D/Vy", y}});
@@ -63,15 +57,13 @@ Model Build()
 }
 
 /// The force in N with which the spring pushes C and D apart, by its law at the angle of K3.
-double PushOf(const Model& model)
+double PushIn(const Model& model)
 {
-    double gamma = 0.0;
-    model.Find<KARMPVariable>("gamma")->GetValue(gamma);
+    const double gamma = *NumberOf(model.Find<KARMPVariable>("gamma"), "Value");
     const auto along = [&](const char* law) {
         return *model.Evaluate(model.Find<KARMPExpression>(law), {{"gamma", gamma}});
     };
-    const KARMathVector2D way =
-        PositionOf(model.Find<KARMPBody2D>("K3")) * KARMathPoint2D(D) - KARMathPoint2D(C);
+    const KARMathVector2D way = PositionOf(model.Find<KARMPBody2D>("K3")) * D - C;
     return (along("Spring.x") * way.GetX() + along("Spring.y") * way.GetY()) / way.Norm();
 }
 
@@ -79,7 +71,5 @@ double PushOf(const Model& model)
 
 int main()
 {
-    return RoundTrip(
-        Build(), "seven-body-planar",
-        [](const Ref<KARMPGeometry>& point) { return PlaceOf(point.As<KARMPPoint2D>()); }, PushOf);
+    return CheckLoops(Build(), "seven-body-planar", PushIn);
 }

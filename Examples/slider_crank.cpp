@@ -5,11 +5,10 @@ int main()
 {
     karmp::model::Model model("Slider-crank", {.gravity = {0.0, -9.81, 0.0}});
     AddSliderCrank(model, 0.5);
-    const auto again = RoundTrip(model, "slider-crank.xml");
-    if (!again)
-        return 1;
-    const auto slider = again->Find<KARMPBody>("Slider");
-    std::cout << "The slider stands at x = " << PositionOf(slider).GetVector().GetX()
-              << " m after loading slider-crank.xml\n";
-    return 0;
+    return RoundTrip(model, "slider-crank.xml", [](const karmp::model::Model& again) {
+        const auto slider = again.Find<KARMPBody>("Slider");
+        std::cout << "The slider stands at x = " << PositionOf(slider).GetVector().GetX()
+                  << " m after loading slider-crank.xml\n";
+        return true;
+    });
 }
