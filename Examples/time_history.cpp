@@ -76,7 +76,7 @@ struct TimeHistory
     {
         angle = *NumberAt<KARMPParameter>(initial, "crank.angle");
         velocity = *NumberAt<KARMPParameter>(initial, "crank.velocity");
-        for (const auto& step : model.All<KARMPAnalysisStep>()) {
+        for (const auto& step : StepsOf(analysis)) {
             const double duration = *NumberAt<KARMPParameter>(step, "duration");
             const double acceleration = *NumberAt<KARMPParameter>(step, "acceleration");
             const double startTime = time, startAngle = angle, startVelocity = velocity;
@@ -118,12 +118,12 @@ struct TimeHistory
 };
 
 /// Writes what the steps of a case gave.
-bool WriteTable(const Model& model, const char* file)
+bool WriteTable(const Ref<KARMPAnalysisCase>& analysis, const char* file)
 {
     std::ofstream table(file);
     table << "analysis step,past dead centre,time [s],crank angle [rad],crank velocity [rad/s],"
              "slider position [m],slider velocity [m/s]\n";
-    for (const auto& step : model.All<KARMPAnalysisStep>())
+    for (const auto& step : StepsOf(analysis))
         table << step->GetResultStream()->Text();
     return static_cast<bool>(table.flush());
 }
@@ -139,7 +139,8 @@ int main()
     history.deadCenter->GetMessageString(message);
     std::cout << "At the dead centre " << message.Text() << ": "
               << history.deadCenter->GetEntityCount() << '\n';
-    if (history.deadCenter->GetEntityCount() != 3 || !WriteTable(history.model, "time-history.csv"))
+    if (history.deadCenter->GetEntityCount() != 3 ||
+        !WriteTable(history.analysis, "time-history.csv"))
         return 1;
     return RoundTrip(history.model, "time-history.xml", [&](const Model& again) {
         // The outputs, as the document keeps them on a grid of 1e-12, are what the drive ends with.

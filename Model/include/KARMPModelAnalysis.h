@@ -15,6 +15,8 @@
 #include <variant>
 #include <vector>
 
+class KARMPAnalysisCase;
+class KARMPAnalysisStep;
 class KARMPEntity;
 
 namespace karmp::model {
@@ -68,6 +70,9 @@ struct AnalysisOptions
     std::vector<AnalysisStepOptions> steps = {};
     std::vector<Attribute> outputs = {};
 };
+
+/// The steps of an analysis, in order.
+KARMP_MODEL_API RefList<KARMPAnalysisStep> StepsOf(const Ref<KARMPAnalysisCase>& analysis);
 
 /// What outputs are to hold, by their paths, with "." between the names.
 using OutputValues = std::initializer_list<std::pair<std::string_view, KAROmxAny>>;

@@ -141,6 +141,17 @@ bool AddStep(Edit& edit, const Entity& analysis, const AnalysisStepOptions& opti
 
 } // namespace
 
+RefList<KARMPAnalysisStep> StepsOf(const Ref<KARMPAnalysisCase>& analysis)
+{
+    RefList<KARMPAnalysisStep> steps;
+    for (int index = 0; index < analysis->GetAnalysisStepCount(); ++index) {
+        QOBSharedHandle<KARMPAnalysisStep> step;
+        if (!KARFailed(analysis->GetAnalysisStep(index, step)))
+            steps.emplace_back(step);
+    }
+    return steps;
+}
+
 KARStatus UpdateOutputs(const Ref<KARMPEntity>& entity, OutputValues results)
 {
     KAROmxOMap<KARString, KAROmxAny> entries;

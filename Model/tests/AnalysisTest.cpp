@@ -76,10 +76,9 @@ TEST_F(AnalysisTest, CaseHasStepsWithParametersAndOutputs)
         "Run", {.steps = {{"One", {{"duration", Quantity::Time, 2.0}}}, {"Two"}},
                 .outputs = {{"time", Quantity::Time}}});
     ASSERT_TRUE(run);
-    ASSERT_EQ(run->GetAnalysisStepCount(), 2);
-    QOBSharedHandle<KARMPAnalysisStep> step;
-    run->GetAnalysisStep(1, step);
-    EXPECT_EQ(step, m_model.Find<KARMPAnalysisStep>("Two").Handle());
+    m_model.Add<KARMPAnalysisStep>("Of no case");
+    EXPECT_EQ(StepsOf(run), (RefList<KARMPAnalysisStep>{m_model.Find<KARMPAnalysisStep>("One"),
+                                                        m_model.Find<KARMPAnalysisStep>("Two")}));
     EXPECT_EQ(*NumberAt<KARMPParameter>(m_model.Find<KARMPAnalysisStep>("One"), "duration"), 2.0);
     EXPECT_EQ(UpdateOutputs(run, {{"time", 0.75}}), KARSuccess);
     EXPECT_EQ(*NumberAt<KARMPOutput>(run, "time"), 0.75);
