@@ -56,20 +56,20 @@ def model_html(model: karmp.Model) -> str:
         parts.append(f"<details><summary>{name}: {len(held)}</summary>"
                      + _table(["id", "name", "class"], rows) + "</details>")
     if model.findings:
-        parts.append(_table(["finding"], ([_cell(finding)] for finding in model.findings)))
+        parts.append(_table(["finding"], ([text_html(finding)] for finding in model.findings)))
     return "".join(parts)
 
 
 def entity_html(entity: karmp.Entity) -> str:
     """The items with their values; the meaning is shown above the name."""
     rows: list[list[str]] = []
-    for name in karmp._item_names(type(entity)):
+    for name in karmp._item_names(type(entity), False):
         says = html.escape(getattr(type(entity), name).__doc__ or "", quote=True)
         rows.append([f'<span title="{says}">{name}</span>', _cell(getattr(entity, name))])
     return f"<p>{html.escape(repr(entity)[1:-1])}</p>" + _table(["item", "value"], rows)
 
 
-def text_html(value: karmp.Finding | karmp.Difference) -> str:
+def text_html(value: object) -> str:
     """A finding or a difference."""
     return f"<code>{html.escape(repr(value))}</code>"
 

@@ -6,7 +6,8 @@ TYPE_CHECKING = False
 if TYPE_CHECKING:
     from collections.abc import Sequence
 
-    from ._karmp import Entity, Finding
+    from ._karmp import Entity
+    from ._lists import Finding
 
 
 class Error(Exception):

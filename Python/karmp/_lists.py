@@ -1,4 +1,8 @@
-"""What models and entities list: the entities of a class, those that an item refers to, and blocks of edits."""
+"""What models and entities list: the entities of a class, those that an item refers to, findings and differences;
+and blocks of edits."""
+
+# What the functions of the extension module return has no types.
+# mypy: disable-error-code=no-any-return
 
 from __future__ import annotations
 
@@ -10,11 +14,14 @@ TYPE_CHECKING = False  # the module typing takes as long to import as the packag
 if TYPE_CHECKING:
     from collections.abc import Iterable, Iterator
     from types import TracebackType
-    from typing import Any, Generic, Literal, TypeVar, overload
+    from typing import Any, Generic, Literal, NoReturn, TypeVar, overload
+
+    from ._karmp import _Item
 
     E = TypeVar("E", bound=Entity)
     E_co = TypeVar("E_co", bound=Entity, covariant=True)
     D = TypeVar("D")
+    _Values = tuple[Any, ...]
 else:
 
     class Generic:
@@ -24,6 +31,7 @@ else:
         __class_getitem__ = classmethod(lambda cls, parameter: cls)
 
     E = E_co = None
+    _Values = tuple
 
     def overload(function):
         return function
@@ -38,10 +46,10 @@ class Entities(Generic[E_co]):
         self._model, self._cls = model, cls
 
     def _all(self) -> list[E_co]:
-        return self._model._all(self._cls)
+        return _karmp._all(self._model, self._cls)
 
     def __len__(self) -> int:
-        return self._model._count(self._cls)
+        return _karmp._count(self._model, self._cls)
 
     def __iter__(self) -> Iterator[E_co]:
         return iter(self._all())
@@ -59,7 +67,7 @@ class Entities(Generic[E_co]):
         return found
 
     def _find(self, key: str) -> E_co | None:
-        found = self._model._find(key)
+        found = _karmp._find(self._model, key)
         if isinstance(found, self._cls):
             return found
         # Of several with the name one may be of the class.
@@ -137,7 +145,7 @@ class Links(Generic[E]):
 
     def append(self, target: E) -> None:
         """Links an entity, both ends."""
-        _karmp._link(self._owner, self._item, target, True)
+        _karmp._link_item(self._owner, self._item, target, True)
 
     def extend(self, targets: Iterable[E]) -> None:
         """Links several."""
@@ -147,12 +155,64 @@ class Links(Generic[E]):
     def remove(self, target: E) -> None:
         """Takes both ends of a link away; ValueError when it is not listed."""
         self.index(target)
-        _karmp._link(self._owner, self._item, target, False)
+        _karmp._link_item(self._owner, self._item, target, False)
 
     @property
     def words(self) -> list[str]:
         """The words of the entries, such as the orientation of a joint's bodies."""
         return _karmp._words(self._owner, self._item)
+
+
+class _Row(_Values):
+    """What the extension module tells: values with names."""
+
+    __slots__ = ()
+
+    def __new__(cls, values: Iterable[Any]) -> _Row:
+        return _Values.__new__(cls, values)
+
+    def _repr_html_(self) -> str:
+        from . import _display
+
+        return _display.text_html(self)
+
+
+def _told(index: int, says: str) -> Any:
+    return property(lambda row: row[index], doc=says)
+
+
+class Finding(_Row):
+    """What is the matter with a document, and where."""
+
+    __slots__ = ()
+    severity: _Item[Literal["warning", "error"], NoReturn] = _told(0, '"warning" or "error".')
+    code: _Item[str, NoReturn] = _told(1, "The stable name of the finding.")
+    file: _Item[str, NoReturn] = _told(2, "The name of the file.")
+    path: _Item[str, NoReturn] = _told(3, "The element.")
+    text: _Item[str, NoReturn] = _told(4, "One sentence.")
+    line: _Item[int, NoReturn] = _told(5, "From 1; 0 for no line.")
+    column: _Item[int, NoReturn] = _told(6, "From 1; 0 for no column.")
+
+    def __repr__(self) -> str:
+        return f"{self[7]}"
+
+
+class Difference(_Row):
+    """One difference between two models."""
+
+    __slots__ = ()
+    kind: _Item[str, NoReturn] = _told(0, '"changed", "added" and so on.')
+    item: _Item[str, NoReturn] = _told(1, "The item by its path.")
+    entity: _Item[Entity | None, NoReturn] = _told(2, "The entity, of the first model if it is there.")
+    before: _Item[Any, NoReturn] = _told(3, "The value in the first model.")
+    after: _Item[Any, NoReturn] = _told(4, "The value in the second one.")
+    target: _Item[Entity | None, NoReturn] = _told(5, "The target of a link.")
+
+    def __repr__(self) -> str:
+        text = f"{self.kind} {self.entity}" + (f" {self.item}" if self.item else "")
+        if self.before is not None or self.after is not None:
+            text += f": {self.before} -> {self.after}"
+        return text if self.target is None else f"{text} {self.target}"
 
 
 class Editing:
@@ -161,11 +221,12 @@ class Editing:
     _begins: list[int] = []
 
     def __init__(self, model: Model) -> None:
-        self._begin, self._end = model._begin_editing, model._end_editing
+        _karmp._findings(model)  # raises for what is no model
+        self._model = model
         self._begins = []
 
     def __enter__(self) -> Editing:
-        self._begins.append(self._begin())
+        self._begins.append(_karmp._begin_editing(self._model))
         return self
 
     def __exit__(
@@ -176,11 +237,11 @@ class Editing:
     ) -> Literal[False]:
         if not self._begins:
             raise Error("the block of edits is not open")
-        self._end(self._begins[-1], kind is None)
+        _karmp._end_editing(self._model, self._begins[-1], kind is None)
         self._begins.pop()
         return False
 
     def __del__(self) -> None:
         # What was entered and not left is kept.
         while self._begins:
-            self._end(self._begins.pop(), True)
+            _karmp._end_editing(self._model, self._begins.pop(), True)

@@ -1,17 +1,25 @@
-"""What the classes of the extension module have besides what it binds. The classes below are never made:
-their functions become those of the classes that they are derived from."""
+"""What the classes of the extension module have: its functions with names, types and defaults. The classes below
+are never made: what they hold becomes that of the classes that they are derived from."""
+
+# What the functions of the extension module return has no types.
+# mypy: disable-error-code=no-any-return
+# pyright: reportIncompatibleMethodOverride=false, reportIncompatibleVariableOverride=false, reportUnusedFunction=false
 
 from __future__ import annotations
 
 from . import _karmp
-from ._karmp import Difference, Entity, Finding, Model
+from ._karmp import Entity, Model, Solid
 from ._lists import Editing, Entities
 
 TYPE_CHECKING = False  # the module typing takes as long to import as the package
 if TYPE_CHECKING:
+    from collections.abc import Iterable
     from typing import Any, TypeVar, overload
 
     from ._display import Graph, Page
+    from ._karmp import (AxisSystem, Body, Body2D, Constant, Expression, Geometry, Joint, Motor,
+                         Variable, _Item, _Numbers, _Path, _Quantity, _Rows, _Vector3)
+    from ._lists import Difference, Finding
 
     _E = TypeVar("_E", bound=Entity)
 else:
@@ -20,19 +28,179 @@ else:
         return function
 
 
+def load(path: _Path) -> Model:
+    """Loads a model; DocumentError for one with errors, warnings in its findings."""
+    return _karmp._load(path)
+
+
 def loads(text: str | bytes, name: str = "<text>") -> Model:
     """Loads a model from a str or bytes, which findings call by name."""
     return _karmp._loads(text.encode("utf-8", "surrogatepass") if isinstance(text, str) else text, name)
+
+
+def check(path: _Path) -> list[Finding]:
+    """What the check of a file finds."""
+    return _karmp._check(path)
+
+
+def box(mass: float, edges: _Numbers, center: _Numbers = (0, 0, 0)) -> Solid:
+    """A box by its edges along the body's axes."""
+    return _karmp._box(mass, edges, center)
+
+
+def cylinder(mass: float, radius: float, length: float, center: _Numbers = (0, 0, 0)) -> Solid:
+    """A cylinder along the body's third axis."""
+    return _karmp._cylinder(mass, radius, length, center)
+
+
+def ball(mass: float, radius: float, center: _Numbers = (0, 0, 0)) -> Solid:
+    """A ball."""
+    return _karmp._ball(mass, radius, center)
+
+
+def meeting_point(start: _Numbers, distance: float, end: _Numbers, other_distance: float) -> _Vector3 | None:
+    """The point of the plane z = 0 at given distances from two others, on the left of the way from the first to
+    the second; None when they do not meet."""
+    return _karmp._meeting_point(start, distance, end, other_distance)
+
+
+def _items(own: bool = True) -> list[dict[str, Any]]:
+    """The items of each class as dictionaries, with or without those of its bases."""
+    return _karmp._items(own)
+
+
+def _told(name: str, says: str) -> Any:
+    """A property that the extension module reads, and sets where it can."""
+    return property(getattr(_karmp, "_" + name), getattr(_karmp, "_set_" + name, None), doc=says)
+
+
+def _check_item(cls: type[Entity], item: str, error: type[Exception], text: str) -> None:
+    names = _karmp._item_names(cls, False)
+    if item not in names:
+        raise error(f'{text} "{item}"{_karmp._near(item, names)}')
 
 
 def _unpickled(model: Model, identifier: str) -> Entity:
     return model.all(Entity)[identifier]
 
 
+_init: Any = Model.__init__
+
+
 class _Model(Model):
+    gravity: _Item[_Vector3, _Numbers] = _told("gravity", "In m/s2 along the axes of the world.")
+    linear_tolerance: _Item[float, float] = _told("linear_tolerance", "In m.")
+    angular_tolerance: _Item[float, float] = _told("angular_tolerance", "In rad.")
+    ground: Body = _told("ground", "The body that everything stands on.")
+    planar_ground: Body2D = _told(
+        "planar_ground", "The planar frame, which is made with the first planar body.")
+    time: Variable = _told("time", "The world's time.")
+    name: str = _told("name", "The name of the world, which documents do not hold.")
+    findings: list[Finding] = _told("findings", "The warnings of loading the model.")
+
+    def __init__(self, name: str, *, gravity: _Numbers = (0, 0, 0), linear_tolerance: float = 1e-6,
+                 angular_tolerance: float = 1e-9) -> None:
+        """An empty model in metres."""
+        _init(self, name, gravity, linear_tolerance, angular_tolerance)
+
+    def _make(self, items: dict[str, Any], call: str, *given: Any) -> Any:
+        """What a call makes, with its items set by keyword: all of it or nothing."""
+        with Editing(self):
+            made: Entity = getattr(_karmp, "_" + call)(self, *given)
+            for item, value in items.items():
+                _check_item(type(made), item, TypeError, f"{call} takes no")
+                setattr(made, item, value)
+        return made
+
+    def add(self, cls: type[_E], id: str, **items: Any) -> _E:
+        """A new entity of a class; items are set by keyword, all or nothing."""
+        return self._make(items, "add", cls, id)
+
+    def add_body(self, id: str, *, at: _Numbers | None = None, towards: _Numbers | None = None,
+                 solid: Solid | None = None, **items: Any) -> Body:
+        """A body with its origin at a point and its first axis towards another one, and with the mass of a solid."""
+        return self._make(items, "add_body", id, at, towards, solid)
+
+    def add_planar_body(self, id: str, *, at: _Numbers | None = None, towards: _Numbers | None = None,
+                        **items: Any) -> Body2D:
+        """A body in the plane z = 0, which comes with the first one."""
+        return self._make(items, "add_planar_body", id, at, towards)
+
+    def add_rod(self, id: str, mass: float, start: _Numbers, end: _Numbers, radius: float = 0.0,
+                **items: Any) -> Body:
+        """A round rod from one point to another, in the plane for points of two numbers."""
+        return self._make(items, "add_rod", id, mass, start, end, radius)
+
+    def add_frame(self, id: str, body: Body, position: _Rows, **items: Any) -> AxisSystem:
+        """An axis system of a body by its homogeneous matrix in the world."""
+        return self._make(items, "add_frame", id, body, position)
+
+    def add_point(self, id: str, body: Body, at: _Numbers, **items: Any) -> Geometry:
+        """A point of a body."""
+        return self._make(items, "add_point", id, body, at)
+
+    def add_joint(self, kind: type[_E], id: str, parent: Entity, child: Entity, at: _Numbers | None = None,
+                  axis: _Numbers = (0, 0, 1), frame: _Rows | None = None, **items: Any) -> _E:
+        """A joint between two bodies, about or along an axis through a point, or between two geometries, with all
+        that realises it."""
+        return self._make(items, "add_joint", kind, id, parent, child, at, axis, frame)
+
+    def variable(self, id: str, joint: Joint | None = None, value: float = 0.0, **items: Any) -> Variable:
+        """A variable, the next one of a joint in the order of its freedoms."""
+        return self._make(items, "variable", id, joint, value)
+
+    def add_constant(self, id: str, quantity: _Quantity, number: float, **items: Any) -> Constant:
+        """A number of a quantity, such as "Length", which entities may share."""
+        return self._make(items, "add_constant", id, quantity, number)
+
+    def add_expression(self, id: str, quantity: _Quantity, equation: str, variables: Iterable[Variable] = (),
+                       **items: Any) -> Expression:
+        """A value that follows an equation of its variables."""
+        return self._make(items, "add_expression", id, quantity, equation, variables)
+
+    def add_motor(self, id: str, variable: Variable, *, position: float | None = None,
+                  velocity: float | None = None, acceleration: float | None = None, maximum: float | None = None,
+                  **items: Any) -> Motor:
+        """A motor on a variable, which is controlled from then on."""
+        return self._make(items, "add_motor", id, variable, (position, velocity, acceleration, maximum))
+
+    def connect(self, cls: type[_E], id: str, first: Geometry, second: Geometry, **items: Any) -> _E:
+        """A connector, a spring for one, between geometries of two bodies."""
+        return self._make(items, "connect", cls, id, first, second)
+
+    def attach(self, cls: type[_E], id: str, body: Entity, **items: Any) -> _E:
+        """A geometry on a body."""
+        return self._make(items, "attach", cls, id, body)
+
+    def couple(self, cls: type[_E], id: str, terms: dict[Variable, float], constant: float = 0.0,
+               **items: Any) -> _E:
+        """A coupling: the sum of coefficients times variables, plus the constant, is 0."""
+        return self._make(items, "couple", cls, id, [*terms.items()], constant)
+
+    def link(self, first: Entity, second: Entity, item: str = "") -> None:
+        """Links two entities, both ends; the item chooses where there are several links."""
+        _karmp._link(self, first, second, item)
+
+    def unlink(self, first: Entity, second: Entity, item: str = "") -> None:
+        """Takes the links between two entities away, both ends, or those of an item."""
+        _karmp._unlink(self, first, second, item)
+
+    def rename(self, entity: Entity, name: str) -> None:
+        """Gives an entity another name. Its identifier stays."""
+        _karmp._rename(self, entity, name)
+
+    def delete(self, entity: Entity, *, preview: bool = False, with_short: bool = False) -> dict[str, list[Any]]:
+        """Deletes an entity with what it owns. Returns what is gone, the references that were dropped and those
+        whose entities lack something now; a preview only tells."""
+        return _karmp._delete(self, entity, preview, with_short)
+
+    def dependents(self, entity: Entity) -> list[tuple[Entity, str, Entity]]:
+        """All references of other entities to one, with their items."""
+        return _karmp._dependents(self, entity)
+
     def all(self, cls: type[_E]) -> Entities[_E]:
         """The entities of a class, those of the classes derived from it as well."""
-        _karmp._item_names(cls)  # raises for another class
+        _karmp._item_names(cls, False)  # raises for another class
         return Entities(self, cls)
 
     def get(self, cls: type[_E], key: str) -> _E:
@@ -51,6 +219,21 @@ class _Model(Model):
         """A context in which an exception undoes all that was done, in reverse order."""
         return Editing(self)
 
+    def column(self, cls: type[Entity], item: str) -> Any:
+        """An item of all entities of a class: an array of numbers, a list of texts. A number that is not there is
+        a NaN."""
+        return _karmp._column(self, cls, item)
+
+    def set(self, cls: type[Entity], item: str, values: Iterable[Any]) -> None:
+        """Stores a value of an item in each entity of a class, in all of them or in none."""
+        _check_item(cls, item, AttributeError, f"karmp.{cls.__name__} has no item")
+        entities, given = _karmp._all(self, cls), [*values]
+        if len(given) != len(entities):
+            raise ValueError(f"{len(entities)} values are needed, not {len(given)}")
+        with Editing(self):
+            for entity, value in zip(entities, given):
+                setattr(entity, item, value)
+
     def table(self, cls: type[Entity], *names: str) -> dict[str, Any]:
         """The columns of all items of a class that have one, or of those that are named."""
         return {name: self.column(cls, name) for name in names or _karmp._item_names(cls, True)}
@@ -60,6 +243,31 @@ class _Model(Model):
         from . import _display
 
         return _display.frame(self, cls)
+
+    def save(self, path: _Path, version: str | None = None, exact: bool = True) -> list[Finding]:
+        """Saves the model as a whole or not at all; returns warnings."""
+        return _karmp._save(self, path, (version, exact))
+
+    def text(self, version: str | None = None, exact: bool = True) -> str:
+        """The document as a text."""
+        return _karmp._text(self, (version, exact))
+
+    def check(self) -> list[Finding]:
+        """What the check of its document finds in the model."""
+        return _karmp._check_model(self)
+
+    def clone(self) -> Model:
+        """A model of its own with the same entities."""
+        return _karmp._clone(self)
+
+    def diff(self, other: Model, *, tolerance: float = 0.0, floor: float = 0.0) -> list[Difference]:
+        """The differences to another model."""
+        return _karmp._diff(self, other, tolerance, floor)
+
+    def extract(self, bodies: Iterable[Body], *, reach: int = 0,
+                families: Iterable[str] = ()) -> tuple[Model, list[tuple[Entity, str, Entity]]]:
+        """The part around some bodies as a model, and the links that were cut."""
+        return _karmp._extract(self, bodies, (reach, families))
 
     def graph(self, title: str = "") -> Graph:
         """The graph of bodies and joints, a picture in a notebook."""
@@ -95,6 +303,8 @@ class _Model(Model):
 class _Entity(Entity):
     __slots__ = ()
 
+    model: Model = _told("model", "The model of the entity.")
+
     def __reduce__(self) -> tuple[Any, ...]:
         return _unpickled, (self.model, self.id)
 
@@ -104,36 +314,20 @@ class _Entity(Entity):
         return _display.entity_html(self)
 
 
-class _Finding(Finding):
-    def __repr__(self) -> str:
-        return self._line
+class _Solid(Solid):
+    mass: float = _told("mass", "In kg.")
 
-    def _repr_html_(self) -> str:
-        from . import _display
-
-        return _display.text_html(self)
-
-
-class _Difference(Difference):
-    def __repr__(self) -> str:
-        text = f"{self.kind} {self.entity}" + (f" {self.item}" if self.item else "")
-        if self.before is not None or self.after is not None:
-            text += f": {self.before} -> {self.after}"
-        return text if self.target is None else f"{text} {self.target}"
-
-    def _repr_html_(self) -> str:
-        from . import _display
-
-        return _display.text_html(self)
+    def __add__(self, other: Solid) -> Solid:
+        return _karmp._together(self, other)
 
 
 def _collection(cls: type[Entity]) -> property:
     return property(lambda self: Entities(self, cls), doc=f"The entities of the family {cls.__name__}.")
 
 
-for _class in (_Model, _Entity, _Finding, _Difference):
+for _class in (_Model, _Entity, _Solid):
     for _name, _member in vars(_class).items():
-        if callable(_member):
+        if callable(_member) or isinstance(_member, property):
             setattr(_class.__base__, _name, _member)
 for _name, _family in _karmp._families.items():
     setattr(Model, _name, _collection(_family))

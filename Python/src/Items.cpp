@@ -1,8 +1,12 @@
-// Items of entities: get and set, of one entity and of all entities of a class.
-#include "Arguments.h"
+// Items of entities: get and set, of one entity and of all entities of a class, and what is known
+// of them.
+#include "Calls.h"
+#include "KARTextConversion.h"
 
 #include <pybind11/numpy.h>
 
+#include <algorithm>
+#include <array>
 #include <limits>
 
 namespace karmp::python {
@@ -21,15 +25,15 @@ void Store(ModelState& state, const Entity& entity, const Property& property, co
 {
     const ItemInfo& item = *property.item;
     const bool isTaken = item.Takes(value) || (value.IsNone() && item.kind == ItemKind::Reference);
-    Do(state, property.name, [&](model::Model& model) {
+    Do(state, property.name, [&] {
         if (isTaken && (IsLink(item) || state.openBlocks > 0))
-            return model.Set(Ref<KARMPEntity>(entity), Utf8Of(ToText(item.path)), value);
+            return state.model.Set(AnyRef(entity), kar::ToUtf8(item.path), value);
         std::string why;
         const KARStatus status = item.Set(*entity, value, why);
         if (!isTaken)
             Raise(IsLink(item) ? PyExc_TypeError : PyExc_ValueError, why);
         if (KARFailed(status))
-            RaiseError(why, status, Wrap(entity, state));
+            RaiseFailure(why, status, Wrap(entity, state));
         return true;
     });
 }
@@ -42,13 +46,6 @@ void LeaveToClass(Value& records, const ItemInfo& item, const KARMPEntity& entit
         for (std::size_t field = 0; field < item.fields.size(); ++field)
             if (!item.fields[field].readOnly.empty())
                 list[i][field] = Value();
-}
-
-void CheckWritable(const Property& property)
-{
-    if (!property.item->readOnly.empty())
-        Raise(PyExc_AttributeError,
-              property.name + " cannot be set: " + std::string(property.item->readOnly));
 }
 
 // A column of numbers, of arrays row by row; what is not there is `missing`.
@@ -65,7 +62,7 @@ py::object ColumnOf(ModelState& state, const ItemInfo& item, const std::vector<E
     py::array_t<T> column(shape);
     T* entry = column.mutable_data();
     const std::size_t size = item.numberCount > 0 ? sample.Rows() * sample.Columns() : 1;
-    const Exclusive exclusive(state);
+    const Exclusive exclusive(state, state);
     for (const Entity& entity : entities) {
         const Value value = item.Get(*entity);
         const auto* const numbers = std::get_if<NumberArray>(&value);
@@ -80,24 +77,37 @@ py::object ColumnOf(ModelState& state, const ItemInfo& item, const std::vector<E
     return column;
 }
 
+// What an item is in Python.
+std::string_view KindOf(const ItemInfo& item)
+{
+    static constexpr std::array names{"group",     "number",     "integer", "flag",   "text",
+                                      "word",      "word",       "vector",  "vector", "optional",
+                                      "reference", "references", "records", "stream"};
+    if (item.isFlag)
+        return "flag";
+    return item.shape != NumberShape::Vector ? "matrix"
+                                             : names[static_cast<std::size_t>(item.kind)];
+}
+
 bool HasColumn(const ItemInfo& item)
 {
     return item.CanGet() && !IsLink(item) && item.kind != ItemKind::Records &&
            item.kind != ItemKind::Stream && item.kind != ItemKind::Group;
 }
 
-py::object Column(ModelState& self, Kind<KARMPEntity> cls, Text name)
+py::object Column(ModelState& self, Kind<KARMPEntity> cls, std::string name)
 {
-    Property& property = PropertyOf(*cls.of, name);
+    Property& property = PropertyOf(*Types().byInfo.at(cls.info), name);
     const ItemInfo& item = *property.item;
     if (!HasColumn(item))
         Raise(PyExc_ValueError, property.name + " is no column");
-    const std::vector<Entity> entities = AllOf(self, *cls.of);
-    if (item.kind == ItemKind::Integer)
+    const std::vector<Entity> entities = AllOf(self.model, cls);
+    const std::string_view kind = KindOf(item);
+    if (kind == "integer")
         return ColumnOf(self, item, entities, 0);
-    if (item.kind == ItemKind::Flag || item.isFlag)
+    if (kind == "flag")
         return ColumnOf(self, item, entities, false);
-    if (item.kind != ItemKind::Text && item.kind != ItemKind::Word && item.kind != ItemKind::Code)
+    if (kind != "text" && kind != "word")
         return ColumnOf(self, item, entities, std::numeric_limits<double>::quiet_NaN());
     py::list column;
     for (const Entity& entity : entities)
@@ -105,108 +115,135 @@ py::object Column(ModelState& self, Kind<KARMPEntity> cls, Text name)
     return column;
 }
 
-void SetAll(ModelState& self, Kind<KARMPEntity> cls, Text name, Each<py::object> values)
+py::object ItemNames(Kind<KARMPEntity> cls, bool haveColumns)
 {
-    const Property& property = PropertyOf(*cls.of, name);
-    CheckWritable(property);
-    std::vector<Value> made;
-    for (const py::object& value : values)
-        made.push_back(FromPython(value, *property.item, self));
-    CheckFree(self);
-    const std::vector<Entity> entities = AllOf(self, *cls.of);
-    if (made.size() != entities.size())
-        Raise(PyExc_ValueError, std::to_string(entities.size()) + " values are needed, not " +
-                                    std::to_string(made.size()));
-    CallBlock block(self);
-    for (std::size_t i = 0; i < made.size(); ++i)
-        Store(self, entities[i], property, made[i]);
-    block.Keep();
+    py::list names;
+    for (const Property* const property : Types().byInfo.at(cls.info)->properties)
+        if (!haveColumns || HasColumn(*property->item))
+            names.append(property->name);
+    return names;
 }
 
-// An entity that is alive, and an item of it by its name in Python.
-struct OwnedItem
+Property& PropertyOf(const EntityObject& owner, const std::string& name)
 {
-    EntityObject& object;
-    Property& property;
-};
-OwnedItem ItemOf(py::handle owner, const Text& name)
+    return python::PropertyOf(ClassOf(*owner.entity), name);
+}
+
+bool LinkItem(EntityObject& owner, std::string name, AnyRef target, bool isAdded)
 {
-    EntityObject& object = AliveOf(owner);
-    return {object, PropertyOf(ClassOf(*object.entity), name)};
+    const AnyRef first(owner.entity);
+    const std::string path = kar::ToUtf8(PropertyOf(owner, name).item->path);
+    Model& model = owner.state->model;
+    return Do(*owner.state, name, [&] {
+        return isAdded ? model.Link(first, target, path) : model.Unlink(first, target, path);
+    });
+}
+
+// What stubs, reference pages and tests are made from.
+py::dict Described(const ItemInfo& item, const std::string& name, const std::string& doc)
+{
+    py::list words;
+    if (item.kind == ItemKind::Word || item.kind == ItemKind::Code)
+        for (const std::wstring_view word : item.words)
+            words.append(ToText(word));
+    py::list fields;
+    for (const ItemInfo& field : item.fields)
+        fields.append(Described(field, SnakeCase(field.path), std::string(field.says)));
+    const NumberArray sample(item.shape, std::vector<double>(item.numberCount));
+    return py::dict("name"_a = name, "kind"_a = KindOf(item), "doc"_a = ToText(doc),
+                    "words"_a = py::tuple(words), "fields"_a = py::tuple(fields),
+                    "rows"_a = sample.Rows(),
+                    "is_transformation"_a = item.kind == ItemKind::Transformation,
+                    "target"_a = ClassNameOf(item.target), "read_only"_a = ToText(item.readOnly),
+                    "can_get"_a = item.CanGet(), "is_in_order"_a = item.isInOrder);
+}
+
+// The items of each class, with or without those of its bases.
+py::object Items(bool areOwn)
+{
+    py::list rows;
+    for (const EntityClass* const of : Types().classes) {
+        const auto base = Types().byInfo.find(of->info->getParent());
+        const bool hasBase = areOwn && base != Types().byInfo.end();
+        for (Property* const property : of->properties) {
+            if (hasBase && std::ranges::count(base->second->properties, property) > 0)
+                continue;
+            py::dict row = Described(*property->item, property->name, property->doc);
+            row["class"] = of->name;
+            rows.append(row);
+        }
+    }
+    return rows;
 }
 
 } // namespace
 
+std::vector<Entity> AllOf(const Model& model, const QOBClassInfo& info)
+{
+    std::vector<Entity> entities;
+    Families::And<KARMPEntity>::AnyOf([&]<class T>(Family<T>) {
+        if (!info.isDerivedFrom(T::ClassInfo()))
+            return false;
+        for (const Ref<T>& entity : model.All<T>())
+            if (entity->isDerivedFrom(info))
+                entities.emplace_back(entity.Handle());
+        return true;
+    });
+    return entities;
+}
+
 py::object GetItem(EntityObject& object, Property& property)
 {
     const ItemInfo& item = *property.item;
-    if (item.kind == ItemKind::References && item.CanGet()) {
-        if (!Types().links)
-            Types().links = py::module_::import("karmp._lists").attr("Links");
-        return Types().links(py::handle(&object.base), property.name);
-    }
-    Checks& checks = Checks::OfThread();
-    checks.Begin();
+    if (item.kind == ItemKind::References && item.CanGet())
+        return OfPackage("Links")(py::handle(&object.base), property.name);
+    FailedChecks() = 0;
     py::object value = ToPython(item.Get(*object.entity), property, *object.state);
-    checks.End(property.name);
+    WarnOfChecks(property.name);
     return value;
 }
 
 void SetItem(EntityObject& object, const Property& property, py::handle value)
 {
-    CheckWritable(property);
+    const ItemInfo& item = *property.item;
+    if (!item.readOnly.empty())
+        Raise(PyExc_AttributeError,
+              property.name + " cannot be set: " + std::string(item.readOnly));
     // Converting may run any code.
     AliveOf(&object.base);
-    Value made = FromPython(value, *property.item, *object.state);
+    Value made = FromPython(value, item, *object.state);
     AliveOf(&object.base);
-    if (property.item->kind == ItemKind::Records)
-        LeaveToClass(made, *property.item, *object.entity);
+    if (item.kind == ItemKind::Records)
+        LeaveToClass(made, item, *object.entity);
     Store(*object.state, object.entity, property, made);
 }
 
-void BindItems(py::module_& module, ModelClass& of)
+void BindItems(py::module_& module)
 {
-    of.def("column", &Column, "cls"_a, "item"_a,
-           "An item of all entities of a class: an array of numbers, a list of texts. A number "
-           "that is not there is a NaN.");
-    of.def("set", &SetAll, "cls"_a, "item"_a, "values"_a,
-           "Stores a value of an item in each entity of a class, in all of them or in none.");
-    module.def(
-        "_item_names",
-        [](Kind<KARMPEntity> cls, bool haveColumns) {
-            std::vector<std::string> names;
-            for (const Property* const property : cls.of->properties)
-                if (!haveColumns || HasColumn(*property->item))
-                    names.push_back(property->name);
-            return names;
-        },
-        "cls"_a, "have_columns"_a = false,
-        "The items of a class, in the order of documents, or those that have columns.");
-    // What lists of links are made of.
-    module.def("_targets", [](const py::object& owner, Text name) {
-        const auto [object, property] = ItemOf(owner, name);
-        return Typed<"list[Any]">(
-            ToPython(property.item->Get(*object.entity), property, *object.state));
-    });
-    module.def(
-        "_words",
-        [](const py::object& owner, Text name) {
-            const auto [object, property] = ItemOf(owner, name);
-            Typed<"list[str]", py::list> words;
-            for (const auto word : property.item->EntryWords(*object.entity))
-                words.append(ToText(word));
-            return words;
+    Bind(module, "column", &Column);
+    Bind(module, "item_names", &ItemNames);
+    Bind(module, "link_item", &LinkItem);
+    Bind(module, "items", &Items);
+    Bind(
+        module, "targets",
+        +[](EntityObject& owner, std::string name) {
+            Property& property = PropertyOf(owner, name);
+            return ToPython(property.item->Get(*owner.entity), property, *owner.state);
         });
-    module.def("_link", [](const py::object& owner, Text name, Ref<KARMPEntity> target,
-                           bool isAdded) {
-        const auto [object, property] = ItemOf(owner, name);
-        CheckOwn(*object.state, target);
-        const Ref<KARMPEntity> first(object.entity);
-        const std::string path = Utf8Of(ToText(property.item->path));
-        Do(*object.state, name, [&](model::Model& model) {
-            return isAdded ? model.Link(first, target, path) : model.Unlink(first, target, path);
+    Bind(
+        module, "words",
+        +[](EntityObject& owner, std::string name) {
+            return PropertyOf(owner, name).item->EntryWords(*owner.entity);
         });
-    });
+    Bind(
+        module, "all",
+        +[](ModelState& self, Kind<KARMPEntity> cls) { return AllOf(self.model, cls); });
+    Bind(
+        module, "count",
+        +[](ModelState& self, Kind<KARMPEntity> cls) { return AllOf(self.model, cls).size(); });
+    Bind(
+        module, "near",
+        +[](std::wstring text, std::vector<std::wstring> names) { return NearText(text, names); });
 }
 
 } // namespace karmp::python

@@ -25,9 +25,7 @@ def guide_examples():
 
 
 def sentence(documented):
-    """The docstring without the signature that functions begin with."""
-    text = documented.__doc__ or ""
-    return re.sub(r"\A\w+\(.*\) -> .*\n*", "", text).strip()
+    return (documented.__doc__ or "").strip()
 
 
 def public(owner):

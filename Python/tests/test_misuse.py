@@ -150,6 +150,12 @@ class WrongValues(unittest.TestCase):
                         call(None)
         with self.assertRaises(TypeError):
             self.model.diff(None)
+        for name, call in vars(karmp._karmp).items():
+            if inspect.isbuiltin(call) and name != "_items":  # which takes anything
+                with self.assertRaises(TypeError, msg=name):
+                    call(None)
+                with self.assertRaises((TypeError, IndexError), msg=name):
+                    call()
 
     def test_calls_make_entities_of_their_family_alone(self):
         m, point = self.model, self.model.add_point("P", self.body, (0, 0, 0))

@@ -20,8 +20,8 @@ STUBS = {node.name: node
 
 
 def sentence(documented):
-    """The docstring without the signature that functions begin with."""
-    return re.sub(r"\A\w+\(.*\) -> .*\n*", "", documented.__doc__ or "").strip()
+    """The docstring in one line."""
+    return " ".join((documented.__doc__ or "").split())
 
 
 def cell(text):
@@ -95,7 +95,7 @@ def plain_class(name, level=2):
         elif isinstance(member, ast.AnnAssign):
             doc = sentence(getattr(documented, member.target.id, None) or "")
             doc = doc if isinstance(vars(documented).get(member.target.id), property) else ""
-            kind = re.sub(r"_Item\[_(\w+), .*", r"\1", ast.unparse(member.annotation))
+            kind = re.sub(r"_Item\[_?(.*), \w+\]", r"\1", ast.unparse(member.annotation))
             properties += f"| `{member.target.id}` | `{cell(kind)}` | {doc} |\n"
     if properties:
         text += f"| property | type | |\n|---|---|---|\n{properties}\n"

@@ -1,5 +1,5 @@
-"""Prints the types of the package's extension module: of its classes and functions by the signatures that
-pybind11 tells, of entities by the table of items, and of what Python adds by its source.
+"""Prints the types of the package's extension module: of entities by the table of items, of models and solids by
+the source of what the package gives them. Its functions are for the package alone.
 
 Usage: python3 stubs.py <output>, with the package in PYTHONPATH
 """
@@ -25,8 +25,8 @@ import numpy as np
 from numpy.typing import NDArray
 
 from ._display import Graph, Page
+from ._lists import Difference, Entities, Finding, Links
 from ._lists import Editing as Editing_
-from ._lists import Entities, Links
 
 _E = TypeVar("_E", bound="Entity")
 _Got = TypeVar("_Got")
@@ -37,15 +37,16 @@ _Numbers = Sequence[float] | NDArray[np.floating[Any]] | NDArray[np.integer[Any]
 _Rows = Sequence[_Numbers] | NDArray[np.floating[Any]] | NDArray[np.integer[Any]]
 _Vector3 = tuple[float, float, float]
 _Path = str | os.PathLike[str]
+_Owner = Entity | Model | Solid | tuple[Any, ...]
 
 class _Item(Generic[_Got, _Taken]):
-    """An item that takes more types than it gives."""
+    """An item that takes other types than it gives, or none."""
 
     @overload
-    def __get__(self, owner: None, cls: type[Entity | Model]) -> Self: ...
+    def __get__(self, owner: None, cls: type[_Owner]) -> Self: ...
     @overload
-    def __get__(self, owner: Entity | Model, cls: type[Entity | Model]) -> _Got: ...
-    def __set__(self, owner: Entity | Model, value: _Taken) -> None: ...
+    def __get__(self, owner: _Owner, cls: type[_Owner]) -> _Got: ...
+    def __set__(self, owner: _Owner, value: _Taken) -> None: ...
 
 class _NoItem:
     """What a planar class hides of the spatial one; reading it raises."""
@@ -56,7 +57,7 @@ _Matrix = _Item[_Array, _Rows]
 NOT_MADE = "    def __init__(self, _none: NoReturn, /) -> None: ...\n"
 
 ROWS = {}
-for row in module._items(own=False):
+for row in module._items(False):
     ROWS.setdefault(row["class"], {})[row["name"]] = row
 
 
@@ -129,69 +130,48 @@ def records(cls, row):
     return text + "\n"
 
 
-def signature(function):
-    """The arguments and the result that pybind11 tells in the docstring, in Python's own words."""
-    text = (function.__doc__ or "").split("\n")[0].replace("karmp._karmp.", "")
-    for pattern, words in ((r"Optional\[(.*?)\]( =|,|\)|$)", r"\1 | None\2"), ("os.PathLike", "_Path"),
-                           (r"\bList\b", "list"), (r"\bobject\b", "Any"), (r"\(self: \w+", "(self"),
-                           (r"\*\*kwargs", "**items: Any")):
-        text = re.sub(pattern, words, text)
-    arguments, _, result = text.partition("(")[2].rpartition(") -> ")
-    if "_E" not in result:
-        arguments = arguments.replace("type[_E]", "type[Entity]")
-    return arguments, result
+def with_items(call):
+    """Tells the items that a call takes by keyword which makes an entity of one class."""
+    made = ROWS.get(ast.unparse(call.returns)) if call.returns else None
+    if made and call.args.kwarg:
+        known = [argument.arg for argument in call.args.args + call.args.kwonlyargs]
+        for row in made.values():
+            if not row["read_only"] and row["name"] not in known:
+                call.args.kwonlyargs.append(ast.arg(row["name"], ast.Name(taken(made, row))))
+                call.args.kw_defaults.append(ast.Constant(...))
+        call.args.kwarg = None
 
 
-def with_items(arguments, result):
-    """The arguments of a call that makes an entity of one class, with the items that it takes by keyword."""
-    if "**items" not in arguments or result not in ROWS:
-        return arguments
-    known = re.findall(r"(\w+):", arguments)
-    keywords = [f"{row['name']}: {taken(result, row)} = ..." for row in ROWS[result].values()
-                if not row["read_only"] and row["name"] not in known]
-    star = [] if "*, " in arguments else ["*"]
-    return arguments.replace("**items: Any", ", ".join(star + keywords))
-
-
-def function(name, member, indent=""):
-    arguments, result = signature(member)
-    return f"{indent}def {name}({with_items(arguments, result)}) -> {result}: ...\n"
-
-
-def added(cls):
-    """The functions that the package adds to a class."""
+def members(cls):
+    """What the package gives a class, by its source."""
     source = pathlib.Path(module.__file__).with_name("_model.py").read_text("utf-8")
-    for node in ast.parse(source).body:
-        if not isinstance(node, ast.ClassDef) or node.name != f"_{cls.__name__}":
-            continue
-        overloaded = {inner.name for inner in node.body
-                      if isinstance(inner, ast.FunctionDef) and inner.decorator_list}
-        for inner in node.body:
-            if isinstance(inner, ast.FunctionDef) and (inner.decorator_list or inner.name not in overloaded):
-                inner.body = [ast.Expr(ast.Constant(...))]
-                text = ast.unparse(inner).replace("-> Editing", "-> Editing_")
-                yield "    " + text.replace("\n    ...", " ...").replace("\n", "\n    ") + "\n"
+    [body] = [node.body for node in ast.parse(source).body
+              if isinstance(node, ast.ClassDef) and node.name == f"_{cls.__name__}"]
+    overloaded = {inner.name for inner in body if isinstance(inner, ast.FunctionDef) and inner.decorator_list}
+    for inner in body:
+        if isinstance(inner, ast.AnnAssign):
+            name, kind = inner.target.id, ast.unparse(inner.annotation)
+            can_set = getattr(cls, name).fset is not None
+            yield f"    {name}: {kind}\n" if can_set else read_only(name, kind)
+        if isinstance(inner, ast.FunctionDef) and (inner.decorator_list or inner.name not in overloaded):
+            with_items(inner)
+            inner.body = [ast.Expr(ast.Constant(...))]
+            text = ast.unparse(inner).replace("-> Editing", "-> Editing_")
+            yield "    " + text.replace("\n    ...", " ...").replace("\n", "\n    ") + "\n"
 
 
-def bound_class(cls):
+def own_class(cls):
     """A class of the module's own that is no entity."""
-    text = f"class {cls.__name__}:\n"
-    if type(vars(cls)["__init__"]).__name__ != "instancemethod":
-        text += NOT_MADE
+    text = "".join(members(cls))
+    if "def __init__" not in text:
+        text = NOT_MADE + text
     for name, member in vars(cls).items():
         family = re.fullmatch(r"The entities of the family (\w+)\.", getattr(member, "__doc__", None) or "")
         if family:
             text += read_only(name, f"Entities[{family[1]}]")
-        elif isinstance(member, property):
-            read = signature(member.fget)[1]
-            written = signature(member.fset)[0].rpartition(": ")[2] if member.fset else None
-            text += (read_only(name, read) if written is None else
-                     f"    {name}: {read if read == written else f'_Item[{read}, {written}]'}\n")
         elif name == "Editing":
             text += "    Editing = Editing_\n"
-        elif type(member).__name__ == "instancemethod" and (name[:2] != "__" or name in ("__init__", "__add__")):
-            text += function(name, member, "    ")
-    return text + "".join(added(cls)) + "\n"
+    return f"class {cls.__name__}:\n{text}\n"
 
 
 def entity_class(name, rows):
@@ -201,7 +181,7 @@ def entity_class(name, rows):
     base = "" if cls is module.Entity else f"({cls.__base__.__name__})"
     body = told(cls.__doc__ or "")
     if cls is module.Entity:
-        body += NOT_MADE + read_only("model", "Model") + "".join(added(cls))
+        body += NOT_MADE + "".join(members(cls))
     body += "".join(item(name, row) for row in own)
     known = {row["name"] for row in rows}
     for hidden, value in vars(cls).items():
@@ -214,9 +194,9 @@ def main(output):
     text = f"{HEAD}_Quantity = {words(ROWS['Value']['physical_quantity'])}\n_families: dict[str, type[Entity]]\n\n"
     for name, member in vars(module).items():
         if isinstance(member, type) and not issubclass(member, module.Entity):
-            text += bound_class(member)
+            text += own_class(member)
         elif type(member).__name__ == "builtin_function_or_method":
-            text += function(name, member)
+            text += f"def {name}(*given: Any) -> Any: ...\n"
     text += "".join(entity_class(name, rows.values()) for name, rows in ROWS.items())
     pathlib.Path(output).write_text(text.rstrip("\n") + "\n", "utf-8")
 

@@ -1,6 +1,6 @@
 // The Python type of entities: one base, whose objects hold an entity and the state of its model,
 // and a class for each one that the library has, with a property for each item of its table.
-#include "Bindings.h"
+#include "Calls.h"
 #include "KARMPEnumerationTexts.h"
 #include "KARMPGenericFactory.h"
 #include "KARMPSchema.h"
@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <map>
 
 namespace karmp::python {
 
@@ -26,13 +25,17 @@ struct Slot<Function>
     {
         try {
             return Function(arguments...);
-        } catch (...) {
-            SetException();
-            if constexpr (std::is_pointer_v<R>)
-                return nullptr;
-            else
-                return -1;
+        } catch (py::error_already_set& error) {
+            error.restore();
+        } catch (const std::bad_alloc&) {
+            PyErr_NoMemory();
+        } catch (const std::exception& error) {
+            PyErr_SetString(PyExc_RuntimeError, error.what());
         }
+        if constexpr (std::is_pointer_v<R>)
+            return nullptr;
+        else
+            return -1;
     }
 };
 
@@ -52,14 +55,12 @@ void Deallocate(PyObject* self)
 // Tells the near name, which Python's own attribute errors lack.
 void TellNear(PyObject* self, PyObject* name)
 {
-    if (PyErr_ExceptionMatches(PyExc_AttributeError) == 0 || !PyUnicode_Check(name))
-        return;
     const EntityClass& of = ClassOf(*ObjectOf(self).entity);
-    const std::string text = Utf8Of(name);
-    if (FindProperty(of, text) != nullptr)
+    if (PyErr_ExceptionMatches(PyExc_AttributeError) == 0 || !PyUnicode_Check(name) ||
+        FindProperty(of, Utf8Of(name)) != nullptr)
         return;
     PyErr_Clear();
-    PropertyOf(of, text);
+    PropertyOf(of, Utf8Of(name));
 }
 
 PyObject* GetAttribute(PyObject* self, PyObject* name)
@@ -143,51 +144,56 @@ std::string DocOf(const ItemInfo& item)
 // The base's property of the same row, null without one.
 Property* InheritedOf(const ItemInfo& item, const std::vector<Property*>& ofBase)
 {
-    for (Property* const property : ofBase) {
+    const auto found = std::ranges::find_if(ofBase, [&item](const Property* property) {
         const ItemInfo& row = *property->item;
-        if (row.written == item.written && row.read == item.read && row.path == item.path &&
-            row.readOnly == item.readOnly)
-            return property;
-    }
-    return nullptr;
+        return row.written == item.written && row.read == item.read && row.path == item.path &&
+               row.readOnly == item.readOnly;
+    });
+    return found != ofBase.end() ? *found : nullptr;
 }
 
-void AddDescriptor(const EntityClass& of, Property& property)
+Property* AddDescriptor(const EntityClass& of, Property made)
 {
-    const char* const name = property.name.c_str();
-    property.definition = {name, &Slot<&GetProperty>::Call, &Slot<&SetProperty>::Call,
-                           property.doc.c_str(), &property};
+    auto* const property = new Property(std::move(made));
+    const char* const name = property->name.c_str();
+    property->definition = {name, &Slot<&GetProperty>::Call, &Slot<&SetProperty>::Call,
+                            property->doc.c_str(), property};
     const auto descriptor =
-        py::reinterpret_steal<py::object>(PyDescr_NewGetSet(of.type, &property.definition));
+        py::reinterpret_steal<py::object>(PyDescr_NewGetSet(of.type, &property->definition));
     if (!descriptor || PyDict_SetItemString(of.type->tp_dict, name, descriptor.ptr()) != 0)
         throw py::error_already_set();
+    return property;
 }
 
-void AddProperties(EntityClass& of, const EntityClass* base)
+void AddProperties(EntityClass& of, const std::vector<Property*>& ofBase)
 {
-    static const std::vector<Property*> none;
-    const std::vector<Property*>& ofBase = base != nullptr ? base->properties : none;
-    std::map<std::string, int> uses;
     const auto items = ItemsOf(*of.info);
-    for (const ItemInfo& item : items) {
-        const Property* const inherited = InheritedOf(item, ofBase);
-        ++uses[inherited != nullptr ? inherited->name : SnakeCase(item.name)];
-    }
     for (const ItemInfo& item : items) {
         Property* property = InheritedOf(item, ofBase);
         if (property == nullptr) {
-            property = new Property{&item, SnakeCase(item.name), DocOf(item)};
-            if (uses[property->name] > 1)
-                property->name = SnakeCase(item.path);
-            AddDescriptor(of, *property);
+            const bool isAlone = std::ranges::count(items, item.name, &ItemInfo::name) == 1;
+            const std::wstring_view name = isAlone ? item.name : item.path;
+            property = AddDescriptor(of, {&item, SnakeCase(name), DocOf(item)});
         }
         of.properties.push_back(property);
     }
     // A planar class is no spatial one in documents: what it does not hold is hidden.
     for (const Property* const property : ofBase)
         if (FindProperty(of, property->name) == nullptr)
-            AddDescriptor(of, *new Property{nullptr, property->name, "No item of the class."});
+            AddDescriptor(of, {nullptr, property->name, "No item of the class."});
     PyType_Modified(of.type);
+}
+
+PyTypeObject* MakeType(py::module_& module, const EntityClass& of, const EntityClass& base)
+{
+    const SchemaItem* const schema = SchemaOf(of.info->getName());
+    // Documents hold all classes but one.
+    const auto says = schema != nullptr ? schema->says : "What a solver tells of entities.";
+    const auto type = py::handle(reinterpret_cast<PyObject*>(&PyType_Type))(
+        of.name, py::make_tuple(TypeOf(base)),
+        py::dict("__slots__"_a = py::tuple(), "__module__"_a = "karmp", "__doc__"_a = says));
+    module.add_object(of.name.c_str(), type);
+    return reinterpret_cast<PyTypeObject*>(type.ptr());
 }
 
 // The class of a record, made with its bases.
@@ -196,34 +202,28 @@ EntityClass& AddClass(py::module_& module, const QOBClassInfo& info)
     Registry& types = Types();
     if (const auto found = types.byInfo.find(&info); found != types.byInfo.end())
         return *found->second;
-    EntityClass* base = nullptr;
-    if (info != KARMPEntity::ClassInfo())
-        base = &AddClass(module, *info.getParent());
-    auto made = std::make_unique<EntityClass>();
-    made->info = &info;
-    made->name = ClassNameOf(info.getName());
-    made->type = types.entity;
-    if (base != nullptr) {
-        const SchemaItem* const schema = SchemaOf(info.getName());
-        py::dict attributes;
-        attributes["__slots__"] = py::tuple();
-        attributes["__module__"] = "karmp";
-        // Documents hold all classes but one.
-        attributes["__doc__"] =
-            schema != nullptr ? schema->says : "What a solver tells of entities.";
-        const auto type = py::handle(reinterpret_cast<PyObject*>(&PyType_Type))(
-            made->name, py::make_tuple(TypeOf(*base)), attributes);
-        module.add_object(made->name.c_str(), type);
-        made->type = reinterpret_cast<PyTypeObject*>(type.ptr());
-    }
-    AddProperties(*made, base);
-    EntityClass& kept = *types.classes.emplace_back(std::move(made));
-    types.byInfo[&info] = &kept;
-    types.byType[kept.type] = &kept;
-    return kept;
+    const bool isBase = info == KARMPEntity::ClassInfo();
+    const EntityClass* const base = isBase ? nullptr : &AddClass(module, *info.getParent());
+    auto& made = *new EntityClass{&info, types.entity, ClassNameOf(info.getName()), {}};
+    if (base != nullptr)
+        made.type = MakeType(module, made, *base);
+    AddProperties(made, base != nullptr ? base->properties : std::vector<Property*>());
+    types.classes.push_back(&made);
+    types.byInfo[&info] = types.byType[made.type] = &made;
+    return made;
 }
 
 } // namespace
+
+ModelState& ModelOf(py::handle object)
+{
+    py::detail::make_caster<State> caster;
+    if (object.is_none() || !caster.load(object, false))
+        RaiseNeeded("a Model", object);
+    ModelState& state = *py::detail::cast_op<State&>(caster);
+    CheckFree(state);
+    return state;
+}
 
 std::string TitleOf(const KARMPEntity& entity)
 {
@@ -249,29 +249,15 @@ py::object Wrap(const Entity& entity, ModelState& state)
     return py::reinterpret_steal<py::object>(made);
 }
 
-py::list WrapAll(const std::vector<Entity>& entities, ModelState& state)
-{
-    py::list list(entities.size());
-    for (std::size_t i = 0; i < entities.size(); ++i)
-        list[i] = Wrap(entities[i], state);
-    return list;
-}
-
 EntityObject& AliveOf(py::handle object)
 {
     if (!PyObject_TypeCheck(object.ptr(), Types().entity))
-        Raise(PyExc_TypeError, "an entity is needed, not " + py::repr(object).cast<std::string>());
+        RaiseNeeded("an entity", object);
     EntityObject& found = ObjectOf(object);
     CheckFree(*found.state);
     if (found.entity->isOrphaned())
-        Raise(ErrorType("DeletedError"), TitleOf(*found.entity) + " was deleted");
+        Raise(OfPackage("DeletedError"), TitleOf(*found.entity) + " was deleted");
     return found;
-}
-
-void CheckOwn(const ModelState& state, const Entity& entity)
-{
-    if (!state.objects.contains(entity.get()))
-        Raise(PyExc_ValueError, TitleOf(*entity) + " belongs to another model");
 }
 
 const EntityClass* FindClass(py::handle type)
@@ -291,26 +277,22 @@ const EntityClass& ClassOf(const KARMPEntity& entity)
 
 Property* FindProperty(const EntityClass& of, std::string_view name)
 {
-    for (Property* const property : of.properties)
-        if (property->name == name)
-            return property;
-    return nullptr;
+    const auto found = std::ranges::find(of.properties, name, &Property::name);
+    return found != of.properties.end() ? *found : nullptr;
 }
 
-Property& PropertyOf(const EntityClass& of, const std::string& name, py::handle error,
-                     const std::string& text)
+Property& PropertyOf(const EntityClass& of, const std::string& name)
 {
     if (Property* const property = FindProperty(of, name))
         return *property;
     std::vector<std::wstring> names;
     for (const Property* const property : of.properties)
         names.push_back(kar::ToWide(property->name));
-    Raise(error.ptr() != nullptr ? error : PyExc_AttributeError,
-          (text.empty() ? "karmp." + of.name + " has no item" : text) + " \"" + name + '"' +
-              NearText(kar::ToWide(name), names));
+    Raise(PyExc_AttributeError,
+          "karmp." + of.name + " has no item \"" + name + '"' + NearText(kar::ToWide(name), names));
 }
 
-void BindEntities(py::module_& module)
+void BindClasses(py::module_& module)
 {
     Registry& types = Types();
     types.entity = MakeBase(module);
@@ -320,10 +302,13 @@ void BindEntities(py::module_& module)
             throw std::bad_alloc();
         AddClass(module, sample->getClassInfo());
     }
-    const py::handle base(reinterpret_cast<PyObject*>(types.entity));
-    const auto model = [](const py::object& self) { return AliveOf(self).state; };
-    const py::handle property(reinterpret_cast<PyObject*>(&PyProperty_Type));
-    py::setattr(base, "model", property(py::cpp_function(model, "The model of the entity.")));
+    py::dict families;
+    for (const auto& [element, info] : FamilyRecords())
+        if (const auto known = types.byInfo.find(info); known != types.byInfo.end())
+            families[ToText(SnakeCase(element))] = TypeOf(*known->second);
+    module.attr("_families") = families;
+    Bind(
+        module, "model", +[](EntityObject& of) { return py::object(py::cast(of.state)); });
 }
 
 } // namespace karmp::python

@@ -3,7 +3,6 @@
 #pragma once
 
 #include "KARMPEntities.h"
-#include "KARMPFailedCheck.h"
 #include "KARMPItems.h"
 #include "KARMPModel.h"
 
@@ -20,17 +19,19 @@ namespace karmp::python {
 
 namespace py = pybind11;
 using py::literals::operator""_a;
+using model::Model;
 using model::Ref;
+using AnyRef = Ref<KARMPEntity>;
 using Entity = QOBSharedHandle<KARMPEntity>;
 
 /// A model, which lives as long as its Python object or that of one of its entities does.
 struct ModelState : std::enable_shared_from_this<ModelState>
 {
-    explicit ModelState(model::Model made, documents::Diagnostics told = {})
+    explicit ModelState(Model made, documents::Diagnostics told = {})
         : model(std::move(made)), findings(std::move(told))
     {}
 
-    model::Model model;
+    Model model;
     /// What loading the model had to say.
     documents::Diagnostics findings;
     /// A thread works on the model without the interpreter's lock.
@@ -41,7 +42,6 @@ struct ModelState : std::enable_shared_from_this<ModelState>
     std::unordered_map<const KARMPEntity*, PyObject*> objects;
 };
 using State = std::shared_ptr<ModelState>;
-using ModelClass = py::class_<ModelState, State>;
 
 /// The Python object of an entity.
 struct EntityObject
@@ -77,11 +77,9 @@ struct EntityClass
 /// The classes of the module. Python keeps them until the process ends.
 struct Registry
 {
-    /// The class of lists of links, of an entity and the name of its item.
-    py::object links;
     PyTypeObject* entity = nullptr;
     /// In an order in which bases stand before what is derived from them.
-    std::vector<std::unique_ptr<EntityClass>> classes;
+    std::vector<EntityClass*> classes;
     std::unordered_map<const QOBClassInfo*, EntityClass*> byInfo;
     std::unordered_map<const PyTypeObject*, EntityClass*> byType;
 };
@@ -96,53 +94,45 @@ std::string Utf8Of(py::handle text);
 std::string SnakeCase(std::wstring_view path);
 /// "Body" for "KARMPBody"; what would begin with a digit keeps its prefix.
 std::string ClassNameOf(std::string_view className);
+/// "; near: ..." with the nearest of some names, empty when none is near.
+std::string NearText(const std::wstring& text, const std::vector<std::wstring>& names);
 
-/// Raise exceptions: one that is made, one of a type, the one that Python has set, and karmp.Error.
-[[noreturn]] void Raise(const py::object& error);
-[[noreturn]] void Raise(py::handle type, const std::string& text);
+/// A class of the package, such as an error.
+py::object OfPackage(const char* name);
+/// Raise an exception of a class, the one that Python has set, karmp.Error, and TypeError for
+/// another thing than the one that is needed.
+template <class... More>
+[[noreturn]] void Raise(py::handle type, const std::string& text, const More&... more)
+{
+    PyErr_SetObject(type.ptr(), py::object(type(ToText(text), more...)).ptr());
+    throw py::error_already_set();
+}
 inline void RaiseIfSet()
 {
     if (PyErr_Occurred() != nullptr)
         throw py::error_already_set();
 }
-[[noreturn]] void RaiseError(const std::string& text, KARStatus status,
-                             const py::object& entity = py::none());
-/// An error class of the package.
-py::object ErrorType(const char* name);
-/// Sets the Python exception for a C++ one that is being handled.
-void SetException();
+[[noreturn]] void RaiseFailure(const std::string& text, KARStatus status,
+                               const py::object& entity = py::none());
+[[noreturn]] void RaiseNeeded(const std::string& what, py::handle given);
+/// Raises the first problem of a model, and forgets all.
+void RaiseProblem(Model& model);
 
-/// Counts the failed checks of this thread. What is heard between Begin and End becomes a warning.
-class Checks final : public KARMPFailedCheckListener
-{
-public:
-    static Checks& OfThread();
-    void OnFailedCheck(const char*, int) override { ++m_count; }
-    void Begin() { m_count = 0; }
-    void End(std::string_view what) const
-    {
-        if (m_count != 0)
-            Warn(what);
-    }
-
-private:
-    void Warn(std::string_view what) const;
-
-    int m_count = 0;
-};
+/// The failed checks of this thread, counted from 0; as a warning if there are any.
+int& FailedChecks();
+void WarnOfChecks(std::string_view what);
 
 /// Raises for a model that another thread works on.
 inline void CheckFree(const ModelState& state)
 {
     if (state.isBusy)
-        RaiseError("another thread works on the model", KARFailure);
+        RaiseFailure("another thread works on the model", KARFailure);
 }
 
 /// Work on a model, or on two, without the interpreter's lock; other threads are refused meanwhile.
 class Exclusive
 {
 public:
-    explicit Exclusive(ModelState& state) : Exclusive(state, state) {}
     Exclusive(ModelState& first, ModelState& second) : m_first(first), m_second(second)
     {
         CheckFree(first);
@@ -165,48 +155,21 @@ private:
 };
 
 /// An edit of a model: what it could not do is raised, failed checks become warnings.
-template <class Call>
-auto Do(ModelState& state, std::string_view what, Call call)
+template <class Work>
+auto Do(ModelState& state, std::string_view what, Work work)
 {
     CheckFree(state);
-    Checks& checks = Checks::OfThread();
-    checks.Begin();
-    auto result = call(state.model);
-    if (!state.model.Problems().empty()) {
-        const model::Problem problem = state.model.Problems().front();
-        state.model.ClearProblems();
-        RaiseError(problem.text, problem.status);
-    }
-    checks.End(what);
+    FailedChecks() = 0;
+    auto result = work();
+    RaiseProblem(state.model);
+    WarnOfChecks(what);
     return result;
 }
 
-/// A block of edits within one call, undone unless it is kept.
-class CallBlock
-{
-public:
-    explicit CallBlock(ModelState& state) : m_state(state), m_begin(state.model.BeginEditing())
-    {
-        ++state.openBlocks;
-    }
-    ~CallBlock()
-    {
-        m_state.model.EndEditing(m_begin, m_isKept);
-        --m_state.openBlocks;
-    }
-    CallBlock(const CallBlock&) = delete;
-    CallBlock& operator=(const CallBlock&) = delete;
-    void Keep() { m_isKept = true; }
-
-private:
-    ModelState& m_state;
-    std::size_t m_begin;
-    bool m_isKept = false;
-};
-
+/// The model of a Python object, which is free; raises otherwise.
+ModelState& ModelOf(py::handle object);
 /// The Python object of an entity, the same one each time; None for a null handle.
 py::object Wrap(const Entity& entity, ModelState& state);
-py::list WrapAll(const std::vector<Entity>& entities, ModelState& state);
 inline EntityObject& ObjectOf(py::handle object)
 {
     return *reinterpret_cast<EntityObject*>(object.ptr());
@@ -214,8 +177,6 @@ inline EntityObject& ObjectOf(py::handle object)
 /// The object of an entity that is not deleted, of a model that is free; raises otherwise, and
 /// TypeError for what is no entity.
 EntityObject& AliveOf(py::handle object);
-/// Raises for an entity of another model.
-void CheckOwn(const ModelState& state, const Entity& entity);
 /// The class that a Python class stands for, null for another one.
 const EntityClass* FindClass(py::handle type);
 const EntityClass& ClassOf(const KARMPEntity& entity);
@@ -223,62 +184,30 @@ inline py::handle TypeOf(const EntityClass& of)
 {
     return reinterpret_cast<PyObject*>(of.type);
 }
-/// The property of a class by its name; raises AttributeError, or another error with another text,
-/// that tells the near name.
-Property& PropertyOf(const EntityClass& of, const std::string& name, py::handle error = {},
-                     const std::string& text = {});
-/// The same; null without one.
+/// The property of a class by its name; raises AttributeError that tells the near name, or gives
+/// null.
+Property& PropertyOf(const EntityClass& of, const std::string& name);
 Property* FindProperty(const EntityClass& of, std::string_view name);
 /// "Body "Crank"".
 std::string TitleOf(const KARMPEntity& entity);
+/// All entities of a class in a model.
+std::vector<Entity> AllOf(const Model& model, const QOBClassInfo& info);
 
 /// Get and set an item of an entity that is alive.
 py::object GetItem(EntityObject& object, Property& property);
 void SetItem(EntityObject& object, const Property& property, py::handle value);
-/// Values to Python and back. A value of another type raises; what the item says of it does not.
+/// Values of an item to Python and back. A value of another type raises; what the item says of it
+/// does not.
 py::object ToPython(const Value& value, Property& property, ModelState& state);
-Value FromPython(py::handle value, const ItemInfo& item, const ModelState& state);
-/// Numbers of a sequence, of sequences of one length row by row.
-std::vector<double> NumbersOf(py::handle value);
+Value FromPython(py::handle value, const ItemInfo& item, ModelState& state);
 /// Imports numpy, as must be done before the first array: pybind11 would import it within the
 /// initialization of a static variable, where threads that wait for that keep the interpreter's
 /// lock from the one that imports.
 void LoadNumpy();
 
-/// "; near: ..." with the nearest of some names, empty when none is near.
-std::string NearText(const std::wstring& text, const std::vector<std::wstring>& names);
-/// All entities of a class in a model.
-std::vector<Entity> AllOf(ModelState& state, const EntityClass& of);
-
-/// A Python class that cannot be called has no objects but those that the module makes.
-template <class Class>
-void Seal(const Class& type)
-{
-    reinterpret_cast<PyTypeObject*>(type.ptr())->tp_new = nullptr;
-}
-
-void BindEntities(py::module_& module);
-void BindModel(py::module_& module, ModelClass& of);
-void BindFamilies(py::module_& module, ModelClass& of);
-void BindItems(py::module_& module, ModelClass& of);
-void BindDocuments(py::module_& module, ModelClass& of);
+void BindClasses(py::module_& module);
+void BindItems(py::module_& module);
+void BindDocuments(py::module_& module);
+void BindEdits(py::module_& module);
 
 } // namespace karmp::python
-
-/// A model as self or another argument, which is free: neither None nor one without __init__.
-template <>
-class pybind11::detail::type_caster<karmp::python::ModelState>
-    : public type_caster_base<karmp::python::ModelState>
-{
-public:
-    bool load(handle source, bool convert)
-    {
-        copyable_holder_caster<karmp::python::ModelState, karmp::python::State> held;
-        if (source.is_none() || !held.load(source, convert))
-            return false;
-        karmp::python::ModelState& state = *static_cast<karmp::python::State&>(held);
-        karmp::python::CheckFree(state);
-        value = &state;
-        return true;
-    }
-};
