@@ -12,9 +12,7 @@ from ._errors import DocumentError as DocumentError
 from ._errors import Error as Error
 from ._karmp import *
 from ._karmp import _item_names as _item_names
-from ._lists import Difference as Difference
 from ._lists import Entities as Entities
-from ._lists import Finding as Finding
 from ._lists import Links as Links
 from ._model import _items as _items
 from ._model import ball as ball
@@ -24,6 +22,8 @@ from ._model import cylinder as cylinder
 from ._model import load as load
 from ._model import loads as loads
 from ._model import meeting_point as meeting_point
+from ._rows import Difference as Difference
+from ._rows import Finding as Finding
 
 for _own in [*vars().values()]:
     if getattr(_own, "__module__", "").startswith("karmp."):

@@ -2,12 +2,14 @@
 
 from __future__ import annotations
 
+from ._rows import findings as _findings
+
 TYPE_CHECKING = False
 if TYPE_CHECKING:
-    from collections.abc import Sequence
+    from collections.abc import Iterable
+    from typing import Any
 
     from ._karmp import Entity
-    from ._lists import Finding
 
 
 class Error(Exception):
@@ -21,10 +23,10 @@ class Error(Exception):
 class DocumentError(Error):
     """A document was not read or written. findings tells what is the matter."""
 
-    def __init__(self, text: str = "", findings: Sequence[Finding] = ()) -> None:
-        errors = [repr(finding) for finding in findings if finding.severity == "error"]
+    def __init__(self, text: str = "", findings: Iterable[Iterable[Any]] = ()) -> None:
+        self.findings = _findings(findings)
+        errors = [repr(finding) for finding in self.findings if finding.severity == "error"]
         super().__init__("\n".join([text, *errors]))
-        self.findings = findings
 
 
 class DeletedError(Error):

@@ -1,5 +1,4 @@
-"""What models and entities list: the entities of a class, those that an item refers to, findings and differences;
-and blocks of edits."""
+"""What models and entities list: the entities of a class, those that an item refers to, and blocks of edits."""
 
 # What the functions of the extension module return has no types.
 # mypy: disable-error-code=no-any-return
@@ -14,14 +13,11 @@ TYPE_CHECKING = False  # the module typing takes as long to import as the packag
 if TYPE_CHECKING:
     from collections.abc import Iterable, Iterator
     from types import TracebackType
-    from typing import Any, Generic, Literal, NoReturn, TypeVar, overload
-
-    from ._karmp import _Item
+    from typing import Any, Generic, Literal, TypeVar, overload
 
     E = TypeVar("E", bound=Entity)
     E_co = TypeVar("E_co", bound=Entity, covariant=True)
     D = TypeVar("D")
-    _Values = tuple[Any, ...]
 else:
 
     class Generic:
@@ -31,7 +27,6 @@ else:
         __class_getitem__ = classmethod(lambda cls, parameter: cls)
 
     E = E_co = None
-    _Values = tuple
 
     def overload(function):
         return function
@@ -161,58 +156,6 @@ class Links(Generic[E]):
     def words(self) -> list[str]:
         """The words of the entries, such as the orientation of a joint's bodies."""
         return _karmp._words(self._owner, self._item)
-
-
-class _Row(_Values):
-    """What the extension module tells: values with names."""
-
-    __slots__ = ()
-
-    def __new__(cls, values: Iterable[Any]) -> _Row:
-        return _Values.__new__(cls, values)
-
-    def _repr_html_(self) -> str:
-        from . import _display
-
-        return _display.text_html(self)
-
-
-def _told(index: int, says: str) -> Any:
-    return property(lambda row: row[index], doc=says)
-
-
-class Finding(_Row):
-    """What is the matter with a document, and where."""
-
-    __slots__ = ()
-    severity: _Item[Literal["warning", "error"], NoReturn] = _told(0, '"warning" or "error".')
-    code: _Item[str, NoReturn] = _told(1, "The stable name of the finding.")
-    file: _Item[str, NoReturn] = _told(2, "The name of the file.")
-    path: _Item[str, NoReturn] = _told(3, "The element.")
-    text: _Item[str, NoReturn] = _told(4, "One sentence.")
-    line: _Item[int, NoReturn] = _told(5, "From 1; 0 for no line.")
-    column: _Item[int, NoReturn] = _told(6, "From 1; 0 for no column.")
-
-    def __repr__(self) -> str:
-        return f"{self[7]}"
-
-
-class Difference(_Row):
-    """One difference between two models."""
-
-    __slots__ = ()
-    kind: _Item[str, NoReturn] = _told(0, '"changed", "added" and so on.')
-    item: _Item[str, NoReturn] = _told(1, "The item by its path.")
-    entity: _Item[Entity | None, NoReturn] = _told(2, "The entity, of the first model if it is there.")
-    before: _Item[Any, NoReturn] = _told(3, "The value in the first model.")
-    after: _Item[Any, NoReturn] = _told(4, "The value in the second one.")
-    target: _Item[Entity | None, NoReturn] = _told(5, "The target of a link.")
-
-    def __repr__(self) -> str:
-        text = f"{self.kind} {self.entity}" + (f" {self.item}" if self.item else "")
-        if self.before is not None or self.after is not None:
-            text += f": {self.before} -> {self.after}"
-        return text if self.target is None else f"{text} {self.target}"
 
 
 class Editing:

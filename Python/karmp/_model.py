@@ -10,16 +10,17 @@ from __future__ import annotations
 from . import _karmp
 from ._karmp import Entity, Model, Solid
 from ._lists import Editing, Entities
+from ._rows import Difference, Finding
+from ._rows import findings as _findings
 
 TYPE_CHECKING = False  # the module typing takes as long to import as the package
 if TYPE_CHECKING:
-    from collections.abc import Iterable
+    from collections.abc import Callable, Iterable
     from typing import Any, TypeVar, overload
 
     from ._display import Graph, Page
     from ._karmp import (AxisSystem, Body, Body2D, Constant, Expression, Geometry, Joint, Motor,
                          Variable, _Item, _Numbers, _Path, _Quantity, _Rows, _Vector3)
-    from ._lists import Difference, Finding
 
     _E = TypeVar("_E", bound=Entity)
 else:
@@ -40,7 +41,7 @@ def loads(text: str | bytes, name: str = "<text>") -> Model:
 
 def check(path: _Path) -> list[Finding]:
     """What the check of a file finds."""
-    return _karmp._check(path)
+    return _findings(_karmp._check(path))
 
 
 def box(mass: float, edges: _Numbers, center: _Numbers = (0, 0, 0)) -> Solid:
@@ -64,14 +65,47 @@ def meeting_point(start: _Numbers, distance: float, end: _Numbers, other_distanc
     return _karmp._meeting_point(start, distance, end, other_distance)
 
 
+_KINDS = ("group", "number", "integer", "flag", "text", "word", "word", "vector", "vector", "optional", "reference",
+          "references", "records", "stream")
+
+
+def _described(item: tuple[Any, ...]) -> dict[str, Any]:
+    name, says, kind, shape, count, words, target, fields, is_flag, is_in_order, read_only, can_get = item
+    return {
+        "name": name,
+        "doc": says,
+        "kind": "flag" if is_flag else "matrix" if shape else _KINDS[kind],
+        "rows": (count, round(count**0.5), 4 if count == 12 else 3)[shape],
+        "is_transformation": _KINDS[kind] == "vector" and shape == 2,
+        "words": words if _KINDS[kind] == "word" else (),
+        "target": target,
+        "fields": [_described(field) for field in fields],
+        "read_only": read_only,
+        "is_in_order": is_in_order,
+        "can_get": can_get,
+    }
+
+
 def _items(own: bool = True) -> list[dict[str, Any]]:
     """The items of each class as dictionaries, with or without those of its bases."""
-    return _karmp._items(own)
+    rows: list[dict[str, Any]] = []
+    for cls in vars(_karmp).values():
+        if not isinstance(cls, type) or not issubclass(cls, Entity):
+            continue
+        for name, item in zip(_karmp._item_names(cls, False), _karmp._items(cls)):
+            if not own or name in vars(cls):
+                doc = getattr(cls, name).__doc__
+                rows.append({**_described(item), "name": name, "doc": doc, "class": cls.__name__})
+    return rows
+
+
+def _property(get: Callable[[Any], Any], says: str, set: Callable[[Any, Any], None] | None = None) -> Any:
+    return property(get, set, doc=says)
 
 
 def _told(name: str, says: str) -> Any:
     """A property that the extension module reads, and sets where it can."""
-    return property(getattr(_karmp, "_" + name), getattr(_karmp, "_set_" + name, None), doc=says)
+    return _property(getattr(_karmp, "_" + name), says, getattr(_karmp, "_set_" + name, None))
 
 
 def _check_item(cls: type[Entity], item: str, error: type[Exception], text: str) -> None:
@@ -96,7 +130,8 @@ class _Model(Model):
         "planar_ground", "The planar frame, which is made with the first planar body.")
     time: Variable = _told("time", "The world's time.")
     name: str = _told("name", "The name of the world, which documents do not hold.")
-    findings: list[Finding] = _told("findings", "The warnings of loading the model.")
+    findings: list[Finding] = _property(lambda model: _findings(_karmp._findings(model)),
+                                        "The warnings of loading the model.")
 
     def __init__(self, name: str, *, gravity: _Numbers = (0, 0, 0), linear_tolerance: float = 1e-6,
                  angular_tolerance: float = 1e-9) -> None:
@@ -192,7 +227,7 @@ class _Model(Model):
     def delete(self, entity: Entity, *, preview: bool = False, with_short: bool = False) -> dict[str, list[Any]]:
         """Deletes an entity with what it owns. Returns what is gone, the references that were dropped and those
         whose entities lack something now; a preview only tells."""
-        return _karmp._delete(self, entity, preview, with_short)
+        return dict(zip(("gone", "unlinked", "left_short"), _karmp._delete(self, entity, preview, with_short)))
 
     def dependents(self, entity: Entity) -> list[tuple[Entity, str, Entity]]:
         """All references of other entities to one, with their items."""
@@ -246,15 +281,15 @@ class _Model(Model):
 
     def save(self, path: _Path, version: str | None = None, exact: bool = True) -> list[Finding]:
         """Saves the model as a whole or not at all; returns warnings."""
-        return _karmp._save(self, path, (version, exact))
+        return _findings(_karmp._save(self, path, version, exact))
 
     def text(self, version: str | None = None, exact: bool = True) -> str:
         """The document as a text."""
-        return _karmp._text(self, (version, exact))
+        return _karmp._text(self, version, exact)
 
     def check(self) -> list[Finding]:
         """What the check of its document finds in the model."""
-        return _karmp._check_model(self)
+        return _findings(_karmp._check_model(self))
 
     def clone(self) -> Model:
         """A model of its own with the same entities."""
@@ -262,7 +297,7 @@ class _Model(Model):
 
     def diff(self, other: Model, *, tolerance: float = 0.0, floor: float = 0.0) -> list[Difference]:
         """The differences to another model."""
-        return _karmp._diff(self, other, tolerance, floor)
+        return [Difference(row) for row in _karmp._diff(self, other, tolerance, floor)]
 
     def extract(self, bodies: Iterable[Body], *, reach: int = 0,
                 families: Iterable[str] = ()) -> tuple[Model, list[tuple[Entity, str, Entity]]]:

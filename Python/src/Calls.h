@@ -3,10 +3,12 @@
 #pragma once
 
 #include "Core.h"
+#include "KARTextConversion.h"
 
-#include <concepts>
-#include <filesystem>
+#include <pybind11/stl/filesystem.h>
+
 #include <functional>
+#include <ranges>
 #include <span>
 #include <tuple>
 #include <type_traits>
@@ -33,51 +35,64 @@ struct Numbers
 template <class T>
 struct Kind
 {
-    const QOBClassInfo* info = nullptr;
-    operator const QOBClassInfo&() const { return *info; }
+    using Base = T;
+    const EntityClass* of = nullptr;
+    operator const QOBClassInfo&() const { return *of->info; }
 };
 
-/// Arguments by their types, which raise what they cannot be. Entities are alive, and of the model
-/// that a call is for.
-void Take(py::handle given, ModelState* of, std::string& taken);
-void Take(py::handle given, ModelState* of, std::wstring& taken);
-void Take(py::handle given, ModelState* of, std::filesystem::path& taken);
-void Take(py::handle given, ModelState* of, std::vector<unsigned char>& taken);
-void Take(py::handle given, ModelState* of, Numbers& taken);
-void Take(py::handle given, ModelState* of, Entity& taken);
-void Take(py::handle given, ModelState* of, model::BodyOptions& taken);
-void Take(py::handle given, ModelState* of, model::Term& taken);
-void Take(py::handle given, ModelState* of, model::MotorOptions& taken);
-void Take(py::handle given, ModelState* of, documents::SaveOptions& taken);
-void Take(py::handle given, ModelState* of, documents::ExtractionOptions& taken);
-/// A quantity by its word, such as "Length".
-void Take(py::handle given, ModelState* of, KARMPPhysicalQuantity::Enum& taken);
+/// What is a tuple in Python.
+inline auto Fields(model::Term& of)
+{
+    return std::tie(of.variable, of.coefficient);
+}
+inline auto Fields(model::MotorOptions& of)
+{
+    return std::tie(of.position, of.velocity, of.acceleration, of.maximum);
+}
+inline auto Fields(documents::ExtractionOptions& of)
+{
+    return std::tie(of.reach, of.families);
+}
+inline auto Fields(const documents::CutLink& of)
+{
+    return std::tie(of.holder, of.item, of.target);
+}
+inline auto Fields(const model::Dependent& of)
+{
+    return std::tie(of.entity, of.item, of.target);
+}
+inline auto Fields(const model::Deletion& of)
+{
+    return std::tie(of.gone, of.unlinked, of.leftShort);
+}
+inline auto Fields(const KARMathPoint& of)
+{
+    return std::tuple(of[0], of[1], of[2]);
+}
+inline auto Fields(const ItemInfo& of)
+{
+    return std::tuple(SnakeCase(of.path), of.says, static_cast<int>(of.kind),
+                      static_cast<int>(of.shape), of.numberCount, of.words, ClassNameOf(of.target),
+                      of.fields, of.isFlag, of.isInOrder, of.readOnly, of.CanGet());
+}
+inline auto Fields(const KARMathVector& of)
+{
+    return std::tuple(of.GetX(), of.GetY(), of.GetZ());
+}
+inline auto Fields(const documents::Diagnostic& of)
+{
+    return std::tuple(documents::SeverityText(of.severity), documents::CodeText(of.code), of.file,
+                      of.path, of.text, of.line, of.column, documents::Format(of));
+}
 
-template <class T>
-T Taken(py::handle given, ModelState* of = nullptr)
-{
-    T taken{};
-    Take(given, of, taken);
-    return taken;
-}
-template <class T>
-requires std::is_arithmetic_v<T>
-void Take(py::handle given, ModelState*, T& taken)
-{
-    py::detail::make_caster<T> caster;
-    if (!caster.load(given, true))
-        RaiseNeeded("a number", given);
-    taken = py::detail::cast_op<T>(caster);
-}
-template <class T>
-requires std::convertible_to<Numbers, T>
-void Take(py::handle given, ModelState* of, T& taken)
-{
-    taken = Taken<Numbers>(given, of);
-}
+Numbers NumbersOf(py::handle given);
+Entity EntityOf(py::handle given, const ModelState* of);
+std::vector<unsigned char> BytesOf(py::handle given);
+/// A quantity by its word, such as "Length".
+KARMPPhysicalQuantity::Enum QuantityOf(py::handle given);
 /// An entity by a derived class; raises for one of another class.
 template <class T>
-Ref<T> As(const AnyRef& entity)
+Ref<T> As(const AnyRef& entity, const Ref<T>* = nullptr)
 {
     const auto found = entity.As<T>();
     if (!found)
@@ -85,94 +100,117 @@ Ref<T> As(const AnyRef& entity)
               TitleOf(*entity) + " is no " + ClassNameOf(T::ClassInfo().getName()));
     return found;
 }
+
+/// An argument by its type, which raises what it cannot be. Entities are alive, and of the model
+/// that a call is for.
 template <class T>
-void Take(py::handle given, ModelState* of, Ref<T>& taken)
+T Taken(py::handle given, ModelState* of = nullptr)
 {
-    taken = As<T>(AnyRef(Taken<Entity>(given, of)));
-}
-template <class T>
-void Take(py::handle given, ModelState*, Kind<T>& taken)
-{
-    const EntityClass* const found = FindClass(given);
-    if (found == nullptr || !found->info->isDerivedFrom(T::ClassInfo()))
-        RaiseNeeded("a class of " + ClassNameOf(T::ClassInfo().getName()), given);
-    taken.info = found->info;
-}
-template <class T>
-void Take(py::handle given, ModelState* of, std::optional<T>& taken)
-{
-    if (!given.is_none())
-        Take(given, of, taken.emplace());
-}
-template <class T>
-void Take(py::handle given, ModelState* of, std::vector<T>& taken)
-{
-    for (const py::handle entry : py::list(py::reinterpret_borrow<py::object>(given)))
-        Take(entry, of, taken.emplace_back());
+    if constexpr (requires(T optional) { optional.has_value(); })
+        return given.is_none() ? T() : T(Taken<typename T::value_type>(given, of));
+    else if constexpr (std::is_same_v<T, std::string>)
+        return kar::ToUtf8(WideOf(given));
+    else if constexpr (std::is_same_v<T, std::wstring>)
+        return WideOf(given);
+    else if constexpr (std::is_same_v<T, Entity>)
+        return EntityOf(given, of);
+    else if constexpr (std::is_same_v<T, std::vector<unsigned char>>)
+        return BytesOf(given);
+    else if constexpr (std::is_same_v<T, KARMPPhysicalQuantity::Enum>)
+        return QuantityOf(given);
+    else if constexpr (std::is_convertible_v<Numbers, T>)
+        return NumbersOf(given);
+    else if constexpr (requires(T ref) { ref.Handle(); })
+        return As(AnyRef(EntityOf(given, of)), static_cast<const T*>(nullptr));
+    else {
+        T taken{};
+        if constexpr (requires { taken.emplace(); }) {
+            if (!given.is_none())
+                taken = Taken<typename T::value_type>(given, of);
+        } else if constexpr (requires { taken.emplace_back(); })
+            for (const py::handle entry : py::list(py::reinterpret_borrow<py::object>(given)))
+                taken.push_back(Taken<typename T::value_type>(entry, of));
+        else if constexpr (requires { Fields(taken); }) {
+            const py::tuple values(py::reinterpret_borrow<py::object>(given));
+            std::size_t at = 0;
+            std::apply(
+                [&](auto&... field) {
+                    ((field = Taken<std::remove_cvref_t<decltype(field)>>(values[at++], of)), ...);
+                },
+                Fields(taken));
+        } else if constexpr (requires { typename T::Base; }) {
+            taken.of = FindClass(given);
+            const auto& base = T::Base::ClassInfo();
+            if (taken.of == nullptr || !taken.of->info->isDerivedFrom(base))
+                RaiseNeeded("a class of " + ClassNameOf(base.getName()), given);
+        } else {
+            py::detail::make_caster<T> caster;
+            if (!caster.load(given, true))
+                RaiseNeeded(std::is_arithmetic_v<T> ? "a number" : "another argument", given);
+            taken = py::detail::cast_op<T&>(caster);
+        }
+        return taken;
+    }
 }
 
-/// Results to Python, entities as those of a model.
-py::object Give(std::wstring_view text, ModelState* of);
-py::object Give(std::string_view text, ModelState* of);
-py::object Give(EnumWord word, ModelState* of);
-py::object Give(const NumberArray& numbers, ModelState* of);
-py::object Give(const std::vector<unsigned char>& bytes, ModelState* of);
-py::object Give(const KARMathVector& vector, ModelState* of);
-py::object Give(const model::BodyOptions& solid, ModelState* of);
-py::object Give(const model::Dependent& dependent, ModelState* of);
-py::object Give(const model::Deletion& deletion, ModelState* of);
-py::object Give(const documents::CutLink& cut, ModelState* of);
-py::object Give(const documents::Diagnostics& findings, ModelState* of);
-py::object Give(model::Result<Model> made, ModelState* of);
-py::object Give(model::Result<model::Extraction> made, ModelState* of);
+py::object WordText(std::wstring_view word);
+py::object ArrayOf(const NumberArray& numbers);
 
-inline py::object Give(std::monostate, ModelState*)
-{
-    return py::none();
-}
-inline py::object Give(py::object object, ModelState*)
-{
-    return object;
-}
-inline py::object Give(const Entity& entity, ModelState* of)
-{
-    return Wrap(entity, *of);
-}
+/// A result to Python, entities as those of a model.
 template <class T>
-requires std::is_arithmetic_v<T> py::object Give(T number, ModelState*)
+py::object Give(const T& result, ModelState* of)
 {
-    return py::cast(number);
+    if constexpr (std::is_same_v<T, std::monostate>)
+        return py::none();
+    else if constexpr (std::is_same_v<T, py::object>)
+        return result;
+    else if constexpr (std::is_same_v<T, EnumWord>)
+        return WordText(result.text);
+    else if constexpr (std::is_same_v<T, NumberArray>)
+        return ArrayOf(result);
+    else if constexpr (std::is_same_v<T, Entity>)
+        return Wrap(result, *of);
+    else if constexpr (std::is_same_v<T, Value>)
+        return std::visit([of](const auto& held) { return Give(held, of); }, result);
+    else if constexpr (std::is_same_v<T, std::vector<unsigned char>>)
+        return py::bytes(reinterpret_cast<const char*>(result.data()), result.size());
+    else if constexpr (std::is_same_v<T, documents::Diagnostics>)
+        return Give(result.items, of);
+    else if constexpr (std::is_convertible_v<T, std::wstring_view>)
+        return ToText(std::wstring_view(result));
+    else if constexpr (std::is_convertible_v<T, std::string_view>)
+        return ToText(std::string_view(result));
+    else if constexpr (requires { result.Handle(); })
+        return Wrap(Entity(result.Handle()), *of);
+    else if constexpr (requires { result.has_value(); })
+        return result ? Give(*result, of) : py::none();
+    else if constexpr (requires { Fields(result); })
+        return std::apply([of](const auto&... field) { return py::make_tuple(Give(field, of)...); },
+                          Fields(result));
+    else if constexpr (requires { result.size(); }) {
+        py::list list(result.size());
+        for (std::size_t i = 0; i < result.size(); ++i)
+            list[i] = Give(result[i], of);
+        return list;
+    } else
+        return py::cast(result);
 }
+
+/// What a call with a model or a document gives; raises what it failed with.
 template <class T>
-py::object Give(const Ref<T>& entity, ModelState* of)
+py::object Give(model::Result<T> made, ModelState* of)
 {
-    return Wrap(Entity(entity.Handle()), *of);
-}
-template <class T>
-py::object Give(const std::vector<T>& list, ModelState* of)
-{
-    py::list given(list.size());
-    for (std::size_t i = 0; i < list.size(); ++i)
-        given[i] = Give(list[i], of);
-    return given;
-}
-template <std::same_as<Value> T>
-py::object Give(const T& value, ModelState* of)
-{
-    return std::visit([of](const auto& held) { return Give(held, of); }, value);
-}
-/// Raises what a call with a document failed with.
-template <class T>
-void CheckDocument(const model::Result<T>& made)
-{
+    if constexpr (std::is_same_v<T, model::Extraction>) {
+        if (!made)
+            RaiseFailure(made.Error().text, made.Error().status);
+        return py::make_tuple(std::make_shared<ModelState>(std::move(made->model)),
+                              Give(made->cutLinks, of));
+    }
     if (!made)
-        Raise(OfPackage("DocumentError"), made.Error().text, Give(made.Findings(), nullptr));
-}
-template <class T>
-py::object Give(const model::Result<T>& made, ModelState* of)
-{
-    CheckDocument(made);
-    if constexpr (std::is_void_v<T>)
+        Raise(OfPackage("DocumentError"), made.Error().text, Give(made.Findings(), of));
+    if constexpr (std::is_same_v<T, Model>)
+        return py::cast(std::make_shared<ModelState>(*std::move(made), made.Findings()));
+    else if constexpr (std::is_void_v<T>)
         return Give(made.Findings(), of);
     else
         return Give(*made, of);
@@ -242,30 +280,47 @@ py::object Call(Function function, const char* name, const py::args& given,
     else
         return Give(run(self), of);
 }
-template <class... A, class Function>
-void Expose(py::module_& module, const char* name, Function function)
+
+/// Binds functions by their names behind a "_".
+class Binder
 {
-    module.def(('_' + std::string(name)).c_str(),
-               [function, name](const py::args& given) {
-                   return Call<A...>(function, name, given,
-                                     std::make_index_sequence<sizeof...(A) - 1>());
-               });
-}
-/// Binds a function by its name behind a "_".
-template <class R, class... A>
-void Bind(py::module_& module, const char* name, R (*function)(A...))
-{
-    Expose<A...>(module, name, function);
-}
-template <class R, class... A>
-void Bind(py::module_& module, const char* name, R (Model::*function)(A...))
-{
-    Expose<Model&, A...>(module, name, function);
-}
-template <class R, class... A>
-void Bind(py::module_& module, const char* name, R (Model::*function)(A...) const)
-{
-    Expose<const Model&, A...>(module, name, function);
-}
+public:
+    explicit Binder(py::module_& module) : m_module(module) {}
+
+    template <class R, class... A>
+    void operator()(const char* name, R (*function)(A...)) const
+    {
+        Bind<A...>(name, function);
+    }
+    template <class R, class... A>
+    void operator()(const char* name, R (Model::*function)(A...)) const
+    {
+        Bind<Model&, A...>(name, function);
+    }
+    template <class R, class... A>
+    void operator()(const char* name, R (Model::*function)(A...) const) const
+    {
+        Bind<const Model&, A...>(name, function);
+    }
+
+    template <class Lambda>
+    void operator()(const char* name, Lambda function) const
+    {
+        (*this)(name, +function);
+    }
+
+private:
+    template <class... A, class Function>
+    void Bind(const char* name, Function function) const
+    {
+        m_module.def(('_' + std::string(name)).c_str(),
+                     [function, name](const py::args& given) {
+                         return Call<A...>(function, name, given,
+                                           std::make_index_sequence<sizeof...(A) - 1>());
+                     });
+    }
+
+    py::module_& m_module;
+};
 
 } // namespace karmp::python

@@ -57,10 +57,10 @@ void TellNear(PyObject* self, PyObject* name)
 {
     const EntityClass& of = ClassOf(*ObjectOf(self).entity);
     if (PyErr_ExceptionMatches(PyExc_AttributeError) == 0 || !PyUnicode_Check(name) ||
-        FindProperty(of, Utf8Of(name)) != nullptr)
+        FindProperty(of, Taken<std::string>(name)) != nullptr)
         return;
     PyErr_Clear();
-    PropertyOf(of, Utf8Of(name));
+    PropertyOf(of, Taken<std::string>(name));
 }
 
 PyObject* GetAttribute(PyObject* self, PyObject* name)
@@ -208,7 +208,6 @@ EntityClass& AddClass(py::module_& module, const QOBClassInfo& info)
     if (base != nullptr)
         made.type = MakeType(module, made, *base);
     AddProperties(made, base != nullptr ? base->properties : std::vector<Property*>());
-    types.classes.push_back(&made);
     types.byInfo[&info] = types.byType[made.type] = &made;
     return made;
 }
@@ -307,8 +306,6 @@ void BindClasses(py::module_& module)
         if (const auto known = types.byInfo.find(info); known != types.byInfo.end())
             families[ToText(SnakeCase(element))] = TypeOf(*known->second);
     module.attr("_families") = families;
-    Bind(
-        module, "model", +[](EntityObject& of) { return py::object(py::cast(of.state)); });
 }
 
 } // namespace karmp::python

@@ -50,11 +50,6 @@ std::wstring WideOf(py::handle text)
     return wide;
 }
 
-std::string Utf8Of(py::handle text)
-{
-    return kar::ToUtf8(WideOf(text));
-}
-
 std::string SnakeCase(std::wstring_view path)
 {
     const auto is = [path](int (*kind)(std::wint_t), std::size_t at) {
@@ -101,7 +96,7 @@ void RaiseFailure(const std::string& text, KARStatus status, const py::object& e
 
 void RaiseNeeded(const std::string& what, py::handle given)
 {
-    Raise(PyExc_TypeError, what + " is needed, not " + Utf8Of(py::repr(given)));
+    Raise(PyExc_TypeError, what + " is needed, not " + kar::ToUtf8(WideOf(py::repr(given))));
 }
 
 void RaiseProblem(Model& model)

@@ -60,8 +60,6 @@ struct Property
     std::string name;
     std::string doc;
     PyGetSetDef definition{};
-    /// The class of its records, made when the first one is asked for.
-    PyObject* record = nullptr;
 };
 
 /// An entity class in Python.
@@ -78,8 +76,6 @@ struct EntityClass
 struct Registry
 {
     PyTypeObject* entity = nullptr;
-    /// In an order in which bases stand before what is derived from them.
-    std::vector<EntityClass*> classes;
     std::unordered_map<const QOBClassInfo*, EntityClass*> byInfo;
     std::unordered_map<const PyTypeObject*, EntityClass*> byType;
 };
@@ -89,7 +85,6 @@ Registry& Types();
 py::str ToText(std::wstring_view text);
 py::str ToText(std::string_view text);
 std::wstring WideOf(py::handle text);
-std::string Utf8Of(py::handle text);
 /// "center_of_gravity" for "CenterOfGravity", "axis_direction" for "Axis/Direction".
 std::string SnakeCase(std::wstring_view path);
 /// "Body" for "KARMPBody"; what would begin with a digit keeps its prefix.
@@ -193,21 +188,16 @@ std::string TitleOf(const KARMPEntity& entity);
 /// All entities of a class in a model.
 std::vector<Entity> AllOf(const Model& model, const QOBClassInfo& info);
 
-/// Get and set an item of an entity that is alive.
-py::object GetItem(EntityObject& object, Property& property);
+/// Get and set an item of an entity that is alive. Values of another type raise.
+py::object GetItem(EntityObject& object, const Property& property);
 void SetItem(EntityObject& object, const Property& property, py::handle value);
-/// Values of an item to Python and back. A value of another type raises; what the item says of it
-/// does not.
-py::object ToPython(const Value& value, Property& property, ModelState& state);
-Value FromPython(py::handle value, const ItemInfo& item, ModelState& state);
 /// Imports numpy, as must be done before the first array: pybind11 would import it within the
 /// initialization of a static variable, where threads that wait for that keep the interpreter's
 /// lock from the one that imports.
 void LoadNumpy();
 
+class Binder;
 void BindClasses(py::module_& module);
-void BindItems(py::module_& module);
-void BindDocuments(py::module_& module);
-void BindEdits(py::module_& module);
+void BindItems(const Binder& bind);
 
 } // namespace karmp::python

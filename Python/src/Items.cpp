@@ -1,17 +1,86 @@
-// Items of entities: get and set, of one entity and of all entities of a class, and what is known
-// of them.
+// Items of entities: get and set, of one entity and of all entities of a class.
 #include "Calls.h"
-#include "KARTextConversion.h"
 
 #include <pybind11/numpy.h>
 
-#include <algorithm>
-#include <array>
 #include <limits>
 
 namespace karmp::python {
 
 namespace {
+
+using Records = std::vector<RecordValues>;
+
+// Numbers in the shape that the item has; of another shape as a vector, which the item refuses.
+NumberArray ArrayFrom(py::handle value, const ItemInfo& item)
+{
+    const auto [numbers, isInRows] = NumbersOf(value);
+    const bool isVector = item.shape == NumberShape::Vector;
+    if (isVector == isInRows || numbers.size() > 16)
+        Raise(PyExc_ValueError, "the numbers of " + SnakeCase(item.path) + " have another shape");
+    std::optional<NumberArray> array;
+    if (item.shape == NumberShape::Matrix)
+        array = NumberArray::MatrixByRows(numbers);
+    else if (!isVector && !(array = NumberArray::TransformationByRows(numbers)))
+        Raise(PyExc_ValueError,
+              SnakeCase(item.path) + " takes a homogeneous matrix, whose last row is 0 ... 0 1");
+    return array.value_or(NumberArray(NumberShape::Vector, numbers));
+}
+
+// A value by the kind of its item. One of another type raises; what the item says of it does not.
+Value FromPython(py::handle value, const ItemInfo& item, ModelState& state)
+{
+    const bool isNone = value.is_none();
+    switch (item.kind) {
+    case ItemKind::Number:
+        return Taken<double>(value);
+    case ItemKind::OptionalNumber:
+        return isNone ? Value() : Taken<double>(value);
+    case ItemKind::Integer:
+        return Taken<int>(value);
+    case ItemKind::Flag:
+    case ItemKind::Word:
+    case ItemKind::Code:
+        if (item.isFlag && PyBool_Check(value.ptr()))
+            return value.ptr() == Py_True;
+        if (item.kind == ItemKind::Flag)
+            Raise(PyExc_TypeError, SnakeCase(item.path) + " takes True or False");
+        [[fallthrough]];
+    case ItemKind::Text:
+        return WideOf(value);
+    case ItemKind::Numbers:
+    case ItemKind::Transformation:
+        return ArrayFrom(value, item);
+    case ItemKind::Reference:
+        return isNone ? Value() : EntityOf(value, &state);
+    case ItemKind::References:
+        return Taken<std::vector<Entity>>(value, &state);
+    case ItemKind::Stream:
+        return BytesOf(value);
+    default:
+        return {};
+    }
+}
+
+// Records by the fields of each; those that the class fills itself are left to it in new ones.
+Records RecordsFrom(py::handle value, const ItemInfo& item, const KARMPEntity& entity,
+                    ModelState& state)
+{
+    const auto rows = Taken<std::vector<std::vector<py::object>>>(value);
+    const std::size_t old = item.GetRecords(entity).size();
+    Records records(rows.size());
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        if (rows[i].size() != item.fields.size())
+            Raise(PyExc_ValueError, "a record of " + SnakeCase(item.path) + " has " +
+                                        std::to_string(item.fields.size()) + " fields");
+        for (std::size_t at = 0; at < rows[i].size(); ++at) {
+            const ItemInfo& field = item.fields[at];
+            const bool isLeft = rows[i][at].is_none() || (i >= old && !field.readOnly.empty());
+            records[i].push_back(isLeft ? Value() : FromPython(rows[i][at], field, state));
+        }
+    }
+    return records;
+}
 
 // A link is made and taken away at both ends.
 bool IsLink(const ItemInfo& item)
@@ -19,33 +88,10 @@ bool IsLink(const ItemInfo& item)
     return item.kind == ItemKind::Reference || item.kind == ItemKind::References;
 }
 
-// Stores a value of an item, undone with the block of edits it is in, links on both sides; raises
-// what the item does not take and what the class refuses.
-void Store(ModelState& state, const Entity& entity, const Property& property, const Value& value)
+bool HasColumn(const ItemInfo& item)
 {
-    const ItemInfo& item = *property.item;
-    const bool isTaken = item.Takes(value) || (value.IsNone() && item.kind == ItemKind::Reference);
-    Do(state, property.name, [&] {
-        if (isTaken && (IsLink(item) || state.openBlocks > 0))
-            return state.model.Set(AnyRef(entity), kar::ToUtf8(item.path), value);
-        std::string why;
-        const KARStatus status = item.Set(*entity, value, why);
-        if (!isTaken)
-            Raise(IsLink(item) ? PyExc_TypeError : PyExc_ValueError, why);
-        if (KARFailed(status))
-            RaiseFailure(why, status, Wrap(entity, state));
-        return true;
-    });
-}
-
-// The fields that the class fills itself, of records that are to be added.
-void LeaveToClass(Value& records, const ItemInfo& item, const KARMPEntity& entity)
-{
-    auto& list = std::get<std::vector<RecordValues>>(records);
-    for (std::size_t i = item.GetRecords(entity).size(); i < list.size(); ++i)
-        for (std::size_t field = 0; field < item.fields.size(); ++field)
-            if (!item.fields[field].readOnly.empty())
-                list[i][field] = Value();
+    return item.CanGet() && !IsLink(item) && item.kind != ItemKind::Records &&
+           item.kind != ItemKind::Stream && item.kind != ItemKind::Group;
 }
 
 // A column of numbers, of arrays row by row; what is not there is `missing`.
@@ -77,103 +123,46 @@ py::object ColumnOf(ModelState& state, const ItemInfo& item, const std::vector<E
     return column;
 }
 
-// What an item is in Python.
-std::string_view KindOf(const ItemInfo& item)
-{
-    static constexpr std::array names{"group",     "number",     "integer", "flag",   "text",
-                                      "word",      "word",       "vector",  "vector", "optional",
-                                      "reference", "references", "records", "stream"};
-    if (item.isFlag)
-        return "flag";
-    return item.shape != NumberShape::Vector ? "matrix"
-                                             : names[static_cast<std::size_t>(item.kind)];
-}
-
-bool HasColumn(const ItemInfo& item)
-{
-    return item.CanGet() && !IsLink(item) && item.kind != ItemKind::Records &&
-           item.kind != ItemKind::Stream && item.kind != ItemKind::Group;
-}
-
 py::object Column(ModelState& self, Kind<KARMPEntity> cls, std::string name)
 {
-    Property& property = PropertyOf(*Types().byInfo.at(cls.info), name);
-    const ItemInfo& item = *property.item;
+    const ItemInfo& item = *PropertyOf(*cls.of, name).item;
     if (!HasColumn(item))
-        Raise(PyExc_ValueError, property.name + " is no column");
+        Raise(PyExc_ValueError, name + " is no column");
     const std::vector<Entity> entities = AllOf(self.model, cls);
-    const std::string_view kind = KindOf(item);
-    if (kind == "integer")
+    if (item.kind == ItemKind::Integer)
         return ColumnOf(self, item, entities, 0);
-    if (kind == "flag")
+    if (item.kind == ItemKind::Flag || item.isFlag)
         return ColumnOf(self, item, entities, false);
-    if (kind != "text" && kind != "word")
+    if (item.kind != ItemKind::Text && item.kind != ItemKind::Word && item.kind != ItemKind::Code)
         return ColumnOf(self, item, entities, std::numeric_limits<double>::quiet_NaN());
     py::list column;
     for (const Entity& entity : entities)
-        column.append(ToPython(item.Get(*entity), property, self));
+        column.append(Give(item.Get(*entity), &self));
     return column;
 }
 
-py::object ItemNames(Kind<KARMPEntity> cls, bool haveColumns)
+std::vector<std::string> ItemNames(Kind<KARMPEntity> cls, bool haveColumns)
 {
-    py::list names;
-    for (const Property* const property : Types().byInfo.at(cls.info)->properties)
+    std::vector<std::string> names;
+    for (const Property* const property : cls.of->properties)
         if (!haveColumns || HasColumn(*property->item))
-            names.append(property->name);
+            names.push_back(property->name);
     return names;
 }
 
-Property& PropertyOf(const EntityObject& owner, const std::string& name)
+const ItemInfo& ItemOf(const EntityObject& owner, const std::string& name)
 {
-    return python::PropertyOf(ClassOf(*owner.entity), name);
+    return *PropertyOf(ClassOf(*owner.entity), name).item;
 }
 
 bool LinkItem(EntityObject& owner, std::string name, AnyRef target, bool isAdded)
 {
     const AnyRef first(owner.entity);
-    const std::string path = kar::ToUtf8(PropertyOf(owner, name).item->path);
+    const std::string path = kar::ToUtf8(ItemOf(owner, name).path);
     Model& model = owner.state->model;
     return Do(*owner.state, name, [&] {
         return isAdded ? model.Link(first, target, path) : model.Unlink(first, target, path);
     });
-}
-
-// What stubs, reference pages and tests are made from.
-py::dict Described(const ItemInfo& item, const std::string& name, const std::string& doc)
-{
-    py::list words;
-    if (item.kind == ItemKind::Word || item.kind == ItemKind::Code)
-        for (const std::wstring_view word : item.words)
-            words.append(ToText(word));
-    py::list fields;
-    for (const ItemInfo& field : item.fields)
-        fields.append(Described(field, SnakeCase(field.path), std::string(field.says)));
-    const NumberArray sample(item.shape, std::vector<double>(item.numberCount));
-    return py::dict("name"_a = name, "kind"_a = KindOf(item), "doc"_a = ToText(doc),
-                    "words"_a = py::tuple(words), "fields"_a = py::tuple(fields),
-                    "rows"_a = sample.Rows(),
-                    "is_transformation"_a = item.kind == ItemKind::Transformation,
-                    "target"_a = ClassNameOf(item.target), "read_only"_a = ToText(item.readOnly),
-                    "can_get"_a = item.CanGet(), "is_in_order"_a = item.isInOrder);
-}
-
-// The items of each class, with or without those of its bases.
-py::object Items(bool areOwn)
-{
-    py::list rows;
-    for (const EntityClass* const of : Types().classes) {
-        const auto base = Types().byInfo.find(of->info->getParent());
-        const bool hasBase = areOwn && base != Types().byInfo.end();
-        for (Property* const property : of->properties) {
-            if (hasBase && std::ranges::count(base->second->properties, property) > 0)
-                continue;
-            py::dict row = Described(*property->item, property->name, property->doc);
-            row["class"] = of->name;
-            rows.append(row);
-        }
-    }
-    return rows;
 }
 
 } // namespace
@@ -192,58 +181,76 @@ std::vector<Entity> AllOf(const Model& model, const QOBClassInfo& info)
     return entities;
 }
 
-py::object GetItem(EntityObject& object, Property& property)
+py::object GetItem(EntityObject& object, const Property& property)
 {
     const ItemInfo& item = *property.item;
     if (item.kind == ItemKind::References && item.CanGet())
         return OfPackage("Links")(py::handle(&object.base), property.name);
     FailedChecks() = 0;
-    py::object value = ToPython(item.Get(*object.entity), property, *object.state);
+    py::object value = Give(item.Get(*object.entity), object.state.get());
     WarnOfChecks(property.name);
-    return value;
+    if (item.kind != ItemKind::Records || value.is_none())
+        return value;
+    std::vector<std::string> names;
+    for (const ItemInfo& field : item.fields)
+        names.push_back(SnakeCase(field.path));
+    return OfPackage("_rows").attr("records")(ToText(item.name), py::tuple(Give(names, nullptr)),
+                                              value);
 }
 
 void SetItem(EntityObject& object, const Property& property, py::handle value)
 {
     const ItemInfo& item = *property.item;
+    const Entity& entity = object.entity;
+    ModelState& state = *object.state;
     if (!item.readOnly.empty())
         Raise(PyExc_AttributeError,
               property.name + " cannot be set: " + std::string(item.readOnly));
     // Converting may run any code.
     AliveOf(&object.base);
-    Value made = FromPython(value, item, *object.state);
+    const Value made = item.kind == ItemKind::Records ? RecordsFrom(value, item, *entity, state)
+                                                      : FromPython(value, item, state);
     AliveOf(&object.base);
-    if (item.kind == ItemKind::Records)
-        LeaveToClass(made, item, *object.entity);
-    Store(*object.state, object.entity, property, made);
+    const bool isTaken = item.Takes(made) || (made.IsNone() && item.kind == ItemKind::Reference);
+    Do(state, property.name, [&] {
+        // It is undone with the block of edits that it is in.
+        if (isTaken && (IsLink(item) || state.openBlocks > 0))
+            return state.model.Set(AnyRef(entity), kar::ToUtf8(item.path), made);
+        std::string why;
+        const KARStatus status = item.Set(*entity, made, why);
+        if (!isTaken)
+            Raise(IsLink(item) ? PyExc_TypeError : PyExc_ValueError, why);
+        if (KARFailed(status))
+            RaiseFailure(why, status, Wrap(entity, state));
+        return true;
+    });
 }
 
-void BindItems(py::module_& module)
+void BindItems(const Binder& bind)
 {
-    Bind(module, "column", &Column);
-    Bind(module, "item_names", &ItemNames);
-    Bind(module, "link_item", &LinkItem);
-    Bind(module, "items", &Items);
-    Bind(
-        module, "targets",
-        +[](EntityObject& owner, std::string name) {
-            Property& property = PropertyOf(owner, name);
-            return ToPython(property.item->Get(*owner.entity), property, *owner.state);
+    bind("column", &Column);
+    bind("item_names", &ItemNames);
+    bind("link_item", &LinkItem);
+    bind(
+        "items",
+        [](Kind<KARMPEntity> cls) {
+            std::vector<ItemInfo> items;
+            for (const Property* const property : cls.of->properties)
+                items.push_back(*property->item);
+            return items;
         });
-    Bind(
-        module, "words",
-        +[](EntityObject& owner, std::string name) {
-            return PropertyOf(owner, name).item->EntryWords(*owner.entity);
-        });
-    Bind(
-        module, "all",
-        +[](ModelState& self, Kind<KARMPEntity> cls) { return AllOf(self.model, cls); });
-    Bind(
-        module, "count",
-        +[](ModelState& self, Kind<KARMPEntity> cls) { return AllOf(self.model, cls).size(); });
-    Bind(
-        module, "near",
-        +[](std::wstring text, std::vector<std::wstring> names) { return NearText(text, names); });
+    bind(
+        "targets", [](EntityObject& owner,
+                      std::string name) { return ItemOf(owner, name).Get(*owner.entity); });
+    bind(
+        "words", [](EntityObject& owner,
+                    std::string name) { return ItemOf(owner, name).EntryWords(*owner.entity); });
+    bind(
+        "all", [](ModelState& of, Kind<KARMPEntity> cls) { return AllOf(of.model, cls); });
+    bind(
+        "count", [](ModelState& of, Kind<KARMPEntity> cls) { return AllOf(of.model, cls).size(); });
+    bind("near",
+         [](std::wstring text, std::vector<std::wstring> names) { return NearText(text, names); });
 }
 
 } // namespace karmp::python

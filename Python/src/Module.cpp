@@ -1,7 +1,6 @@
-// The extension module karmp._karmp, and documents: loading, saving, checking, copies, pictures.
+// The extension module karmp._karmp: what it has of models and documents.
 #include "Calls.h"
 #include "GraphText.h"
-#include "KARTextConversion.h"
 #include "ViewJson.h"
 #include "ViewPage.h"
 #include "ViewScene.h"
@@ -10,8 +9,19 @@ namespace karmp::python {
 
 namespace {
 
+using model::Where;
+using AnyClass = Kind<KARMPEntity>;
+using Body = Ref<KARMPBody>;
+using Geometry = Ref<KARMPGeometry>;
+using Joint = Ref<KARMPJoint>;
 using Path = std::filesystem::path;
+using Quantity = KARMPPhysicalQuantity::Enum;
+using Solid = model::BodyOptions;
+using Terms = std::vector<model::Term>;
 using Text = std::string;
+using Variable = Ref<KARMPVariable>;
+template <class T>
+using Maybe = std::optional<T>;
 
 State NewModel(const py::args& given)
 {
@@ -21,6 +31,170 @@ State NewModel(const py::args& given)
     return Do(*made, "Model", [&] { return made; });
 }
 
+Entity AddJoint(Model& model, Kind<KARMPJoint> kind, Text id, AnyRef parent, AnyRef child,
+                Maybe<Numbers> at, Numbers axis, Maybe<Numbers> frame)
+{
+    const auto add = [&]<class T>(const Ref<T>& first, const auto&... where) {
+        return model.AddJoint(kind, id, first, As<T>(child), where..., Where::current());
+    };
+    if (const auto geometry = parent.As<KARMPGeometry>())
+        return add(geometry);
+    const Numbers point = at.value_or(Numbers());
+    if (const auto planar = parent.As<KARMPBody2D>())
+        return add(planar, KARMathPoint2D(point));
+    const auto body = As<KARMPBody>(parent);
+    return frame ? add(body, KARMathAxis(*frame))
+                 : add(body, KARMathPoint(point), KARMathVector(axis));
+}
+
+Body AddRod(Model& model, Text id, double mass, Numbers start, Numbers end, double radius)
+{
+    if (start.values.size() == 2)
+        return model.PlanarBody(id, model::Rod(mass, KARMathPoint2D(start), KARMathPoint2D(end)));
+    return model.Body(id, model::Rod(mass, KARMathPoint(start), KARMathPoint(end), radius));
+}
+
+Geometry AddPoint(Model& model, Text id, Body body, Numbers at)
+{
+    if (const auto planar = body.As<KARMPBody2D>())
+        return model.Point(id, planar, KARMathPoint2D(at));
+    return model.Point(id, body, KARMathPoint(at));
+}
+
+Body AddBody(Model& model, Text id, Maybe<KARMathPoint> at, Maybe<KARMathPoint> towards,
+             Maybe<Solid> solid)
+{
+    Solid body = solid.value_or(Solid());
+    body.at = at;
+    body.towards = towards;
+    return model.Body(id, body);
+}
+
+Variable AddVariable(Model& model, Text id, Maybe<Joint> joint, double value)
+{
+    return joint ? model.Variable(id, *joint, value)
+                 : model.Variable(id, KARMPPhysicalQuantity::NoPhysicalQuantity, value);
+}
+
+// Raises a setting that the world refused.
+bool Done(const char* name, KARStatus status)
+{
+    if (KARFailed(status))
+        RaiseFailure(std::string(name) + " is not set", status);
+    return true;
+}
+
+documents::SaveOptions OptionsOf(const Maybe<std::wstring>& version, bool isExact)
+{
+    documents::SaveOptions options;
+    options.doubles = isExact ? documents::Doubles::Exact : documents::Doubles::Snapped;
+    options.version = version.value_or(options.version);
+    return options;
+}
+
+void BindMakers(const Binder& bind)
+{
+    bind("add", [](Model& m, AnyClass cls, Text id) { return m.Add(cls.of->info->getName(), id); });
+    bind("add_body", &AddBody);
+    bind("add_planar_body",
+         [](Model& m, Text id, Maybe<KARMathPoint2D> at, Maybe<KARMathPoint2D> towards) {
+             return m.PlanarBody(id, {.at = at, .towards = towards});
+         });
+    bind("add_rod", &AddRod);
+    bind("add_frame", &Model::Frame);
+    bind("add_point", &AddPoint);
+    bind("add_joint", &AddJoint);
+    bind("variable", &AddVariable);
+    bind("add_constant", &Model::Constant);
+    bind("add_expression",
+         [](Model& m, Text id, Quantity quantity, Text equation, std::vector<Variable> of) {
+             return m.Expression(id, quantity, equation, std::span<const Variable>(of));
+         });
+    bind("add_motor", &Model::Motor);
+    bind(
+        "connect",
+        [](Model& m, Kind<KARMPConnector> cls, Text id, Geometry one, Geometry other) {
+            return m.AddConnector(cls, id, one, other, Where::current());
+        });
+    bind(
+        "attach", [](Model& m, Kind<KARMPGeometry> cls, Text id,
+                     AnyRef body) { return m.AttachGeometry(cls, id, body, Where::current()); });
+    bind("couple", [](Model& m, Kind<KARMPCoupling> cls, Text id, Terms terms, double constant) {
+        return m.AddCoupling(cls, id, terms, constant, Where::current());
+    });
+    bind("box", &model::Box);
+    bind("cylinder", &model::Cylinder);
+    bind("ball", &model::Ball);
+    bind("together", &model::Together);
+    bind("mass", [](Solid solid) { return solid.mass; });
+    bind("meeting_point", &model::MeetingPoint);
+}
+
+void BindEdits(const Binder& bind)
+{
+    bind(
+        "link",
+        [](Model& m, AnyRef one, AnyRef other, Text item) { return m.Link(one, other, item); });
+    bind("unlink",
+         [](Model& m, AnyRef one, AnyRef other, Text item) { return m.Unlink(one, other, item); });
+    bind("rename", &Model::Rename);
+    bind("delete", [](Model& m, AnyRef entity, bool preview, bool withShort) {
+        return m.Delete(entity, {.preview = preview, .withShort = withShort});
+    });
+    bind("begin_editing", [](ModelState& of) {
+        ++of.openBlocks;
+        return of.model.BeginEditing();
+    });
+    bind(
+        "end_editing",
+        [](ModelState& of, std::size_t begin, bool isKept) {
+            of.model.EndEditing(begin, isKept);
+            return --of.openBlocks;
+        });
+    bind(
+        "set_gravity",
+        [](Model& m, KARMathVector gravity) {
+            return Done("gravity", m.World()->SetGravity(gravity));
+        });
+    bind(
+        "set_linear_tolerance",
+        [](Model& m, double tolerance) {
+            return Done("linear_tolerance", m.World()->SetLinearTolerance(tolerance));
+        });
+    bind("set_angular_tolerance", [](Model& m, double tolerance) {
+        return Done("angular_tolerance", m.World()->SetAngularTolerance(tolerance));
+    });
+}
+
+void BindSettings(const Binder& bind)
+{
+    bind(
+        "gravity",
+        [](ModelState& of) {
+            KARMathVector gravity;
+            of.model.World()->GetGravity(gravity);
+            return gravity;
+        });
+    bind(
+        "linear_tolerance", [](Model& m) { return m.World()->GetLinearTolerance(); });
+    bind(
+        "angular_tolerance", [](Model& m) { return m.World()->GetAngularTolerance(); });
+    bind("ground", [](ModelState& of) { return of.model.Ground(); });
+    bind("planar_ground", &Model::PlanarGround);
+    bind("time", [](ModelState& of) { return of.model.Time(); });
+    bind(
+        "name",
+        [](ModelState& of) {
+            const QOBSharedHandle<QOBBasicEntity> world(of.model.World()->getExtendible());
+            return std::wstring(world->getEntityName());
+        });
+    bind(
+        "find", [](ModelState& of, Text key) { return of.model.Find<KARMPEntity>(key); });
+    bind(
+        "dependents", [](ModelState& of, AnyRef entity) { return of.model.Dependents(entity); });
+    bind("model", [](EntityObject& of) { return of.state; });
+}
+
 py::object Differences(ModelState& first, ModelState& second, double tolerance, double floor)
 {
     const auto found = [&] {
@@ -28,59 +202,57 @@ py::object Differences(ModelState& first, ModelState& second, double tolerance, 
         return first.model.Diff(second.model, {.tolerance = tolerance, .floor = floor});
     }();
     py::list list;
-    const auto type = OfPackage("Difference");
     for (const documents::Difference& one : found) {
         const bool isGained = one.kind == documents::DifferenceKind::LinkGained;
-        list.append(
-            type(py::make_tuple(documents::DifferenceText(one.kind), ToText(one.item),
-                                one.before ? Wrap(one.before, first) : Wrap(one.after, second),
-                                Give(one.oldValue, &first), Give(one.newValue, &second),
-                                Wrap(one.target, isGained ? second : first))));
+        list.append(py::make_tuple(documents::DifferenceText(one.kind), ToText(one.item),
+                                   one.before ? Wrap(one.before, first) : Wrap(one.after, second),
+                                   Give(one.oldValue, &first), Give(one.newValue, &second),
+                                   Wrap(one.target, isGained ? second : first)));
     }
     return list;
 }
 
-} // namespace
-
-void BindDocuments(py::module_& module)
+void BindDocuments(const Binder& bind)
 {
-    Bind(
-        module, "load", +[](Path path) {
-            const py::gil_scoped_release release;
-            return model::Load(path);
-        });
-    Bind(
-        module, "loads", +[](std::vector<unsigned char> text, Text name) {
-            const py::gil_scoped_release release;
-            return model::LoadText(Text(text.begin(), text.end()), name);
-        });
-    Bind(
-        module, "check", +[](Path path) {
+    bind("load", [](Path path) {
+        const py::gil_scoped_release release;
+        return model::Load(path);
+    });
+    bind("loads", [](std::vector<unsigned char> text, Text name) {
+        const py::gil_scoped_release release;
+        return model::LoadText(Text(text.begin(), text.end()), name);
+    });
+    bind(
+        "check",
+        [](Path path) {
             const py::gil_scoped_release release;
             return documents::CheckFile(path);
         });
-    Bind(module, "save", &Model::Save);
-    Bind(module, "text", &Model::Text);
-    Bind(
-        module, "check_model", +[](const Model& m) { return m.Check(); });
-    Bind(module, "clone", &Model::Clone);
-    Bind(module, "extract", &Model::Extract);
-    Bind(
-        module, "findings", +[](ModelState& self) { return self.findings; });
-    Bind(module, "diff", &Differences);
+    bind(
+        "save", [](const Model& m, Path path, Maybe<std::wstring> version,
+                   bool isExact) { return m.Save(path, OptionsOf(version, isExact)); });
+    bind(
+        "text", [](const Model& m, Maybe<std::wstring> version,
+                   bool isExact) { return m.Text(OptionsOf(version, isExact)); });
+    bind("check_model", [](const Model& m) { return m.Check(); });
+    bind("clone", &Model::Clone);
+    bind("extract", &Model::Extract);
+    bind("findings", [](ModelState& of) { return of.findings; });
+    bind("diff", &Differences);
     // Pictures, as the tool makes them of a document.
-    Bind(
-        module, "graph_text",
-        +[](ModelState& self, Text title) {
+    bind(
+        "graph_text",
+        [](ModelState& of, Text title) {
             tool::GraphContents contents;
             contents.title = title;
-            return tool::GraphText(*self.model.World(), contents);
+            return tool::GraphText(*of.model.World(), contents);
         });
-    Bind(
-        module, "view_page", +[](ModelState& self, Text title) {
-            return tool::ViewPage(tool::SceneJson(tool::CollectScene(*self.model.World(), title)));
-        });
+    bind("view_page", [](ModelState& of, Text title) {
+        return tool::ViewPage(tool::SceneJson(tool::CollectScene(*of.model.World(), title)));
+    });
 }
+
+} // namespace
 
 } // namespace karmp::python
 
@@ -92,7 +264,15 @@ PYBIND11_MODULE(_karmp, module)
     py::class_<ModelState, State>(module, "Model",
                                   "A mechanism: a world, and the calls that build and edit it.")
         .def(py::init(&NewModel));
-    BindDocuments(module);
-    BindItems(module);
-    BindEdits(module);
+    py::class_<Solid> solid(module, "Solid",
+                            "A mass and how it is spread in the axes of a body. A sum is one solid "
+                            "that is made of two.");
+    // A class that cannot be called has no objects but those that the module makes.
+    reinterpret_cast<PyTypeObject*>(solid.ptr())->tp_new = nullptr;
+    const Binder bind(module);
+    BindItems(bind);
+    BindMakers(bind);
+    BindEdits(bind);
+    BindSettings(bind);
+    BindDocuments(bind);
 }

@@ -14,7 +14,7 @@ from stubs import ROWS, got, taken
 PACKAGE = pathlib.Path(module.__file__).parent
 # What is public, of the extension module and of Python's.
 STUBS = {node.name: node
-         for name in ("_karmp.pyi", "_model.py", "_lists.py", "_errors.py")
+         for name in ("_karmp.pyi", "_model.py", "_lists.py", "_rows.py", "_errors.py")
          for node in ast.parse((PACKAGE / name).read_text("utf-8")).body
          if isinstance(node, (ast.ClassDef, ast.FunctionDef)) and hasattr(module, node.name)}
 

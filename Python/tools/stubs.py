@@ -9,6 +9,7 @@ import pathlib
 import re
 import sys
 
+import karmp
 import karmp._karmp as module
 
 HEAD = '''\
@@ -25,8 +26,9 @@ import numpy as np
 from numpy.typing import NDArray
 
 from ._display import Graph, Page
-from ._lists import Difference, Entities, Finding, Links
 from ._lists import Editing as Editing_
+from ._lists import Entities, Links
+from ._rows import Difference, Finding
 
 _E = TypeVar("_E", bound="Entity")
 _Got = TypeVar("_Got")
@@ -57,7 +59,7 @@ _Matrix = _Item[_Array, _Rows]
 NOT_MADE = "    def __init__(self, _none: NoReturn, /) -> None: ...\n"
 
 ROWS = {}
-for row in module._items(False):
+for row in karmp._items(own=False):
     ROWS.setdefault(row["class"], {})[row["name"]] = row
 
 
