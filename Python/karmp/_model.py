@@ -8,6 +8,7 @@ are never made: what they hold becomes that of the classes that they are derived
 from __future__ import annotations
 
 from . import _karmp
+from ._errors import Error
 from ._karmp import Entity, Model, Solid
 from ._lists import Editing, Entities
 from ._rows import Difference, Finding
@@ -105,7 +106,14 @@ def _property(get: Callable[[Any], Any], says: str, set: Callable[[Any, Any], No
 
 def _told(name: str, says: str) -> Any:
     """A property that the extension module reads, and sets where it can."""
-    return _property(getattr(_karmp, "_" + name), says, getattr(_karmp, "_set_" + name, None))
+    set = getattr(_karmp, "_set_" + name, None)
+
+    def change(owner: Any, value: Any) -> None:
+        assert set is not None
+        if (status := set(owner, value)) < 0:
+            raise Error(f"{name} is not set", status)
+
+    return _property(getattr(_karmp, "_" + name), says, change if set else None)
 
 
 def _check_item(cls: type[Entity], item: str, error: type[Exception], text: str) -> None:

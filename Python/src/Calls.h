@@ -40,50 +40,33 @@ struct Kind
     operator const QOBClassInfo&() const { return *of->info; }
 };
 
+template <class... F>
+struct Overloads : F...
+{
+    using F::operator()...;
+};
 /// What is a tuple in Python.
-inline auto Fields(model::Term& of)
-{
-    return std::tie(of.variable, of.coefficient);
-}
-inline auto Fields(model::MotorOptions& of)
-{
-    return std::tie(of.position, of.velocity, of.acceleration, of.maximum);
-}
-inline auto Fields(documents::ExtractionOptions& of)
-{
-    return std::tie(of.reach, of.families);
-}
-inline auto Fields(const documents::CutLink& of)
-{
-    return std::tie(of.holder, of.item, of.target);
-}
-inline auto Fields(const model::Dependent& of)
-{
-    return std::tie(of.entity, of.item, of.target);
-}
-inline auto Fields(const model::Deletion& of)
-{
-    return std::tie(of.gone, of.unlinked, of.leftShort);
-}
-inline auto Fields(const KARMathPoint& of)
-{
-    return std::tuple(of[0], of[1], of[2]);
-}
-inline auto Fields(const ItemInfo& of)
-{
-    return std::tuple(SnakeCase(of.path), of.says, static_cast<int>(of.kind),
-                      static_cast<int>(of.shape), of.numberCount, of.words, ClassNameOf(of.target),
-                      of.fields, of.isFlag, of.isInOrder, of.readOnly, of.CanGet());
-}
-inline auto Fields(const KARMathVector& of)
-{
-    return std::tuple(of.GetX(), of.GetY(), of.GetZ());
-}
-inline auto Fields(const documents::Diagnostic& of)
-{
-    return std::tuple(documents::SeverityText(of.severity), documents::CodeText(of.code), of.file,
-                      of.path, of.text, of.line, of.column, documents::Format(of));
-}
+inline constexpr Overloads Fields{
+    [](model::Term& of) { return std::tie(of.variable, of.coefficient); },
+    [](model::MotorOptions& of) {
+        return std::tie(of.position, of.velocity, of.acceleration, of.maximum);
+    },
+    [](documents::ExtractionOptions& of) { return std::tie(of.reach, of.families); },
+    [](const documents::CutLink& of) { return std::tie(of.holder, of.item, of.target); },
+    [](const model::Dependent& of) { return std::tie(of.entity, of.item, of.target); },
+    [](const model::Deletion& of) { return std::tie(of.gone, of.unlinked, of.leftShort); },
+    [](const KARMathPoint& of) { return std::tuple(of[0], of[1], of[2]); },
+    [](const KARMathVector& of) { return std::tuple(of.GetX(), of.GetY(), of.GetZ()); },
+    [](const documents::Diagnostic& of) {
+        return std::tuple(documents::SeverityText(of.severity), documents::CodeText(of.code),
+                          of.file, of.path, of.text, of.line, of.column, documents::Format(of));
+    },
+    [](const ItemInfo& of) {
+        return std::tuple(SnakeCase(of.path), of.says, static_cast<int>(of.kind),
+                          static_cast<int>(of.shape), of.numberCount, of.words,
+                          ClassNameOf(of.target), of.fields, of.isFlag, of.isInOrder, of.readOnly,
+                          of.CanGet());
+    }};
 
 Numbers NumbersOf(py::handle given);
 Entity EntityOf(py::handle given, const ModelState* of);
@@ -92,7 +75,7 @@ std::vector<unsigned char> BytesOf(py::handle given);
 KARMPPhysicalQuantity::Enum QuantityOf(py::handle given);
 /// An entity by a derived class; raises for one of another class.
 template <class T>
-Ref<T> As(const AnyRef& entity, const Ref<T>* = nullptr)
+model::Ref<T> As(const AnyRef& entity, const model::Ref<T>* = nullptr)
 {
     const auto found = entity.As<T>();
     if (!found)
@@ -104,11 +87,19 @@ Ref<T> As(const AnyRef& entity, const Ref<T>* = nullptr)
 /// An argument by its type, which raises what it cannot be. Entities are alive, and of the model
 /// that a call is for.
 template <class T>
-T Taken(py::handle given, ModelState* of = nullptr)
+decltype(auto) Taken(py::handle given, ModelState* of = nullptr)
 {
-    if constexpr (requires(T optional) { optional.has_value(); })
+    if constexpr (std::is_same_v<T, ModelState&>)
+        return ModelOf(given);
+    else if constexpr (std::is_same_v<T, EntityObject&>)
+        return AliveOf(given);
+    else if constexpr (std::is_reference_v<T>)
+        return Taken<std::remove_cvref_t<T>>(given, of);
+    else if constexpr (requires(T optional) { optional.has_value(); })
         return given.is_none() ? T() : T(Taken<typename T::value_type>(given, of));
-    else if constexpr (std::is_same_v<T, std::string>)
+    else if constexpr (requires { typename T::element_type; })
+        return Taken<std::vector<typename T::value_type>>(given, of);
+    else if constexpr (std::is_convertible_v<T, std::string_view>)
         return kar::ToUtf8(WideOf(given));
     else if constexpr (std::is_same_v<T, std::wstring>)
         return WideOf(given);
@@ -119,37 +110,32 @@ T Taken(py::handle given, ModelState* of = nullptr)
     else if constexpr (std::is_same_v<T, KARMPPhysicalQuantity::Enum>)
         return QuantityOf(given);
     else if constexpr (std::is_convertible_v<Numbers, T>)
-        return NumbersOf(given);
+        return T(NumbersOf(given));
     else if constexpr (requires(T ref) { ref.Handle(); })
         return As(AnyRef(EntityOf(given, of)), static_cast<const T*>(nullptr));
-    else {
-        T taken{};
-        if constexpr (requires { taken.emplace(); }) {
-            if (!given.is_none())
-                taken = Taken<typename T::value_type>(given, of);
-        } else if constexpr (requires { taken.emplace_back(); })
-            for (const py::handle entry : py::list(py::reinterpret_borrow<py::object>(given)))
-                taken.push_back(Taken<typename T::value_type>(entry, of));
-        else if constexpr (requires { Fields(taken); }) {
-            const py::tuple values(py::reinterpret_borrow<py::object>(given));
-            std::size_t at = 0;
-            std::apply(
-                [&](auto&... field) {
-                    ((field = Taken<std::remove_cvref_t<decltype(field)>>(values[at++], of)), ...);
-                },
-                Fields(taken));
-        } else if constexpr (requires { typename T::Base; }) {
-            taken.of = FindClass(given);
-            const auto& base = T::Base::ClassInfo();
-            if (taken.of == nullptr || !taken.of->info->isDerivedFrom(base))
-                RaiseNeeded("a class of " + ClassNameOf(base.getName()), given);
-        } else {
-            py::detail::make_caster<T> caster;
-            if (!caster.load(given, true))
-                RaiseNeeded(std::is_arithmetic_v<T> ? "a number" : "another argument", given);
-            taken = py::detail::cast_op<T&>(caster);
-        }
+    else if constexpr (requires(T list) { list.emplace_back(); }) {
+        T list;
+        for (const py::handle entry : py::list(py::reinterpret_borrow<py::object>(given)))
+            list.push_back(Taken<typename T::value_type>(entry, of));
+        return list;
+    } else if constexpr (requires(T fields) { Fields(fields); }) {
+        T taken;
+        const py::tuple values(py::reinterpret_borrow<py::object>(given));
+        std::size_t at = 0;
+        const auto set = [&]<class U>(U& field) { field = Taken<U>(values[at++], of); };
+        std::apply([&](auto&... field) { (set(field), ...); }, Fields(taken));
         return taken;
+    } else if constexpr (requires { typename T::Base; }) {
+        const EntityClass* const found = FindClass(given);
+        const auto& base = T::Base::ClassInfo();
+        if (found == nullptr || !found->info->isDerivedFrom(base))
+            RaiseNeeded("a class of " + ClassNameOf(base.getName()), given);
+        return T{found};
+    } else {
+        py::detail::make_caster<T> caster;
+        if (!caster.load(given, true))
+            RaiseNeeded(std::is_arithmetic_v<T> ? "a number" : "another argument", given);
+        return T(py::detail::cast_op<T&>(caster));
     }
 }
 
@@ -160,10 +146,10 @@ py::object ArrayOf(const NumberArray& numbers);
 template <class T>
 py::object Give(const T& result, ModelState* of)
 {
-    if constexpr (std::is_same_v<T, std::monostate>)
-        return py::none();
-    else if constexpr (std::is_same_v<T, py::object>)
+    if constexpr (std::is_same_v<T, py::object>)
         return result;
+    else if constexpr (std::is_same_v<T, std::monostate>)
+        return py::none();
     else if constexpr (std::is_same_v<T, EnumWord>)
         return WordText(result.text);
     else if constexpr (std::is_same_v<T, NumberArray>)
@@ -216,43 +202,6 @@ py::object Give(model::Result<T> made, ModelState* of)
         return Give(*made, of);
 }
 
-inline ModelState* StateOf(ModelState& state)
-{
-    return &state;
-}
-inline ModelState* StateOf(EntityObject& object)
-{
-    return object.state.get();
-}
-template <class T>
-ModelState* StateOf(const T&)
-{
-    return nullptr;
-}
-
-/// What is kept of an argument while a function runs.
-template <class T>
-struct Kept : std::remove_cvref<T>
-{};
-template <>
-struct Kept<std::string_view> : std::type_identity<std::string>
-{};
-template <class T>
-struct Kept<std::span<const T>> : std::type_identity<std::vector<T>>
-{};
-template <class T>
-decltype(auto) Argument(const py::args& given, std::size_t index, ModelState* of)
-{
-    if constexpr (std::is_same_v<T, ModelState&>)
-        return ModelOf(given[index]);
-    else if constexpr (std::is_same_v<T, EntityObject&>)
-        return AliveOf(given[index]);
-    else if constexpr (std::is_same_v<T, model::Where>)
-        return model::Where::current();
-    else
-        return Taken<typename Kept<T>::type>(given[index], of);
-}
-
 /// Calls a function as its first parameter tells: of a Model it is an edit, of a const one work
 /// without the interpreter's lock. Entities among the others are those of the first one's model.
 template <class First, class... A, class Function, std::size_t... I>
@@ -262,31 +211,44 @@ py::object Call(Function function, const char* name, const py::args& given,
     constexpr bool isEdit = std::is_same_v<First, Model&>;
     constexpr bool isWork = std::is_same_v<First, const Model&>;
     using Self = std::conditional_t<isEdit || isWork, ModelState&, First>;
-    Self self = Argument<Self>(given, 0, nullptr);
-    ModelState* const of = StateOf(self);
-    std::tuple<decltype(Argument<A>(given, I, of))...> more{Argument<A>(given, I + 1, of)...};
+    decltype(auto) self = Taken<Self>(given[0]);
+    ModelState* of = nullptr;
+    if constexpr (std::is_same_v<Self, ModelState&>)
+        of = &self;
+    else if constexpr (std::is_same_v<Self, EntityObject&>)
+        of = self.state.get();
+    const auto take = [&]<class T>(std::type_identity<T>, std::size_t at) -> decltype(auto) {
+        if constexpr (std::is_same_v<T, model::Where>)
+            return model::Where::current();
+        else
+            return Taken<T>(given[at], of);
+    };
+    using std::type_identity;
+    const std::tuple<decltype(take(type_identity<A>(), I))...> others{
+        take(type_identity<A>(), I + 1)...};
     const auto run = [&](auto& first) {
-        return std::invoke(function, first, std::get<I>(more)...);
+        return std::invoke(function, first, std::get<I>(others)...);
     };
     if constexpr (isEdit)
         return Give(Do(self, name, [&] { return run(self.model); }), of);
     else if constexpr (isWork)
-        return Give(
-            [&] {
-                const Exclusive exclusive(self, self);
-                return run(std::as_const(self.model));
-            }(),
-            of);
+        return Give(Alone(self, self, [&] { return run(std::as_const(self.model)); }), of);
     else
         return Give(run(self), of);
 }
 
-/// Binds functions by their names behind a "_".
+/// Binds functions by their names behind a "_". Where a member function takes its caller's line at
+/// the end, it is this one.
 class Binder
 {
 public:
     explicit Binder(py::module_& module) : m_module(module) {}
 
+    template <class Lambda>
+    void operator()(const char* name, Lambda function) const
+    {
+        (*this)(name, +function);
+    }
     template <class R, class... A>
     void operator()(const char* name, R (*function)(A...)) const
     {
@@ -303,21 +265,14 @@ public:
         Bind<const Model&, A...>(name, function);
     }
 
-    template <class Lambda>
-    void operator()(const char* name, Lambda function) const
-    {
-        (*this)(name, +function);
-    }
-
 private:
     template <class... A, class Function>
     void Bind(const char* name, Function function) const
     {
-        m_module.def(('_' + std::string(name)).c_str(),
-                     [function, name](const py::args& given) {
-                         return Call<A...>(function, name, given,
-                                           std::make_index_sequence<sizeof...(A) - 1>());
-                     });
+        constexpr std::make_index_sequence<sizeof...(A) - 1> others;
+        m_module.def(('_' + std::string(name)).c_str(), [=](const py::args& given) {
+            return Call<A...>(function, name, given, others);
+        });
     }
 
     py::module_& m_module;

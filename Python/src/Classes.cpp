@@ -15,6 +15,29 @@ namespace karmp::python {
 
 namespace {
 
+using Classes = std::unordered_map<const QOBClassInfo*, EntityClass*>;
+Classes& Known()
+{
+    static auto& classes = *new Classes;
+    return classes;
+}
+PyTypeObject* entityType = nullptr;
+
+EntityObject& ObjectOf(py::handle object)
+{
+    return *reinterpret_cast<EntityObject*>(object.ptr());
+}
+py::handle TypeOf(const EntityClass& of)
+{
+    return reinterpret_cast<PyObject*>(of.type);
+}
+// Null without a property of the name.
+Property* FindProperty(const EntityClass& of, std::string_view name)
+{
+    const auto found = std::ranges::find(of.properties, name, &Property::name);
+    return found != of.properties.end() ? *found : nullptr;
+}
+
 // A function for a slot of a Python type: what it throws becomes Python's exception.
 template <auto Function>
 struct Slot;
@@ -87,9 +110,9 @@ PyObject* Represent(PyObject* self)
 }
 
 // The property of a slot, of an item that the class has.
-Property& RowOf(PyObject* self, void* property)
+const Property& RowOf(PyObject* self, void* property)
 {
-    auto& row = *static_cast<Property*>(property);
+    const auto& row = *static_cast<const Property*>(property);
     return row.item != nullptr ? row : PropertyOf(ClassOf(*ObjectOf(self).entity), row.name);
 }
 
@@ -123,10 +146,9 @@ PyTypeObject* MakeBase(py::module_& module)
     PyType_Spec spec{"karmp.Entity", sizeof(EntityObject), 0,
                      Py_TPFLAGS_DEFAULT | Py_TPFLAGS_BASETYPE | Py_TPFLAGS_DISALLOW_INSTANTIATION,
                      slots};
-    PyObject* const type = PyType_FromSpec(&spec);
-    RaiseIfSet();
-    module.add_object("Entity", type);
-    return reinterpret_cast<PyTypeObject*>(type);
+    const auto type = Made(PyType_FromSpec(&spec));
+    module.attr("Entity") = type;
+    return reinterpret_cast<PyTypeObject*>(type.inc_ref().ptr());
 }
 
 std::string DocOf(const ItemInfo& item)
@@ -158,10 +180,8 @@ Property* AddDescriptor(const EntityClass& of, Property made)
     const char* const name = property->name.c_str();
     property->definition = {name, &Slot<&GetProperty>::Call, &Slot<&SetProperty>::Call,
                             property->doc.c_str(), property};
-    const auto descriptor =
-        py::reinterpret_steal<py::object>(PyDescr_NewGetSet(of.type, &property->definition));
-    if (!descriptor || PyDict_SetItemString(of.type->tp_dict, name, descriptor.ptr()) != 0)
-        throw py::error_already_set();
+    py::reinterpret_borrow<py::dict>(of.type->tp_dict)[name] =
+        Made(PyDescr_NewGetSet(of.type, &property->definition));
     return property;
 }
 
@@ -184,31 +204,28 @@ void AddProperties(EntityClass& of, const std::vector<Property*>& ofBase)
     PyType_Modified(of.type);
 }
 
-PyTypeObject* MakeType(py::module_& module, const EntityClass& of, const EntityClass& base)
-{
-    const SchemaItem* const schema = SchemaOf(of.info->getName());
-    // Documents hold all classes but one.
-    const auto says = schema != nullptr ? schema->says : "What a solver tells of entities.";
-    const auto type = py::handle(reinterpret_cast<PyObject*>(&PyType_Type))(
-        of.name, py::make_tuple(TypeOf(base)),
-        py::dict("__slots__"_a = py::tuple(), "__module__"_a = "karmp", "__doc__"_a = says));
-    module.add_object(of.name.c_str(), type);
-    return reinterpret_cast<PyTypeObject*>(type.ptr());
-}
-
 // The class of a record, made with its bases.
 EntityClass& AddClass(py::module_& module, const QOBClassInfo& info)
 {
-    Registry& types = Types();
-    if (const auto found = types.byInfo.find(&info); found != types.byInfo.end())
-        return *found->second;
-    const bool isBase = info == KARMPEntity::ClassInfo();
-    const EntityClass* const base = isBase ? nullptr : &AddClass(module, *info.getParent());
-    auto& made = *new EntityClass{&info, types.entity, ClassNameOf(info.getName()), {}};
-    if (base != nullptr)
-        made.type = MakeType(module, made, *base);
-    AddProperties(made, base != nullptr ? base->properties : std::vector<Property*>());
-    types.byInfo[&info] = types.byType[made.type] = &made;
+    EntityClass*& known = Known()[&info];
+    if (known != nullptr)
+        return *known;
+    known = new EntityClass{&info, entityType, ClassNameOf(info.getName()), {}};
+    EntityClass& made = *known; // stays where it is when others are added
+    if (info == KARMPEntity::ClassInfo()) {
+        AddProperties(made, {});
+        return made;
+    }
+    const EntityClass& base = AddClass(module, *info.getParent());
+    const SchemaItem* const schema = SchemaOf(info.getName());
+    // Documents hold all classes but one.
+    const auto says = schema != nullptr ? schema->says : "What a solver tells of entities.";
+    const auto type = py::handle(reinterpret_cast<PyObject*>(&PyType_Type))(
+        made.name, py::make_tuple(TypeOf(base)),
+        py::dict("__slots__"_a = py::tuple(), "__module__"_a = "karmp", "__doc__"_a = says));
+    module.attr(made.name.c_str()) = type;
+    made.type = reinterpret_cast<PyTypeObject*>(type.inc_ref().ptr());
+    AddProperties(made, base.properties);
     return made;
 }
 
@@ -250,7 +267,7 @@ py::object Wrap(const Entity& entity, ModelState& state)
 
 EntityObject& AliveOf(py::handle object)
 {
-    if (!PyObject_TypeCheck(object.ptr(), Types().entity))
+    if (!PyObject_TypeCheck(object.ptr(), entityType))
         RaiseNeeded("an entity", object);
     EntityObject& found = ObjectOf(object);
     CheckFree(*found.state);
@@ -261,28 +278,22 @@ EntityObject& AliveOf(py::handle object)
 
 const EntityClass* FindClass(py::handle type)
 {
-    const auto found = Types().byType.find(reinterpret_cast<const PyTypeObject*>(type.ptr()));
-    return found != Types().byType.end() ? found->second : nullptr;
+    const auto found = std::ranges::find_if(
+        Known(), [type](const auto& known) { return TypeOf(*known.second).is(type); });
+    return found != Known().end() ? found->second : nullptr;
 }
 
 const EntityClass& ClassOf(const KARMPEntity& entity)
 {
-    const auto& known = Types().byInfo;
     const QOBClassInfo* info = &entity.getClassInfo();
-    while (!known.contains(info))
+    while (!Known().contains(info))
         info = info->getParent();
-    return *known.at(info);
+    return *Known().at(info);
 }
 
-Property* FindProperty(const EntityClass& of, std::string_view name)
+const Property& PropertyOf(const EntityClass& of, const std::string& name)
 {
-    const auto found = std::ranges::find(of.properties, name, &Property::name);
-    return found != of.properties.end() ? *found : nullptr;
-}
-
-Property& PropertyOf(const EntityClass& of, const std::string& name)
-{
-    if (Property* const property = FindProperty(of, name))
+    if (const Property* const property = FindProperty(of, name))
         return *property;
     std::vector<std::wstring> names;
     for (const Property* const property : of.properties)
@@ -293,8 +304,7 @@ Property& PropertyOf(const EntityClass& of, const std::string& name)
 
 void BindClasses(py::module_& module)
 {
-    Registry& types = Types();
-    types.entity = MakeBase(module);
+    entityType = MakeBase(module);
     for (const std::string& name : KARMPFactory::GetClassNames()) {
         Entity sample;
         if (KARFailed(KARMPFactory::Create(name, sample)) || !sample)
@@ -303,8 +313,8 @@ void BindClasses(py::module_& module)
     }
     py::dict families;
     for (const auto& [element, info] : FamilyRecords())
-        if (const auto known = types.byInfo.find(info); known != types.byInfo.end())
-            families[ToText(SnakeCase(element))] = TypeOf(*known->second);
+        if (Known().contains(info))
+            families[ToText(SnakeCase(element))] = TypeOf(*Known().at(info));
     module.attr("_families") = families;
 }
 

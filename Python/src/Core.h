@@ -9,7 +9,6 @@
 #include <pybind11/pybind11.h>
 
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -20,8 +19,7 @@ namespace karmp::python {
 namespace py = pybind11;
 using py::literals::operator""_a;
 using model::Model;
-using model::Ref;
-using AnyRef = Ref<KARMPEntity>;
+using AnyRef = model::Ref<KARMPEntity>;
 using Entity = QOBSharedHandle<KARMPEntity>;
 
 /// A model, which lives as long as its Python object or that of one of its entities does.
@@ -62,7 +60,7 @@ struct Property
     PyGetSetDef definition{};
 };
 
-/// An entity class in Python.
+/// An entity class in Python, which keeps it until the process ends.
 struct EntityClass
 {
     const QOBClassInfo* info;
@@ -71,15 +69,6 @@ struct EntityClass
     /// Those of the bases first.
     std::vector<Property*> properties;
 };
-
-/// The classes of the module. Python keeps them until the process ends.
-struct Registry
-{
-    PyTypeObject* entity = nullptr;
-    std::unordered_map<const QOBClassInfo*, EntityClass*> byInfo;
-    std::unordered_map<const PyTypeObject*, EntityClass*> byType;
-};
-Registry& Types();
 
 /// Texts to Python and back; what is no UTF-8 survives.
 py::str ToText(std::wstring_view text);
@@ -92,30 +81,27 @@ std::string ClassNameOf(std::string_view className);
 /// "; near: ..." with the nearest of some names, empty when none is near.
 std::string NearText(const std::wstring& text, const std::vector<std::wstring>& names);
 
-/// A class of the package, such as an error.
+/// What the package has by a name, such as an error.
 py::object OfPackage(const char* name);
-/// Raise an exception of a class, the one that Python has set, karmp.Error, and TypeError for
-/// another thing than the one that is needed.
+/// Raises an exception of a class.
 template <class... More>
 [[noreturn]] void Raise(py::handle type, const std::string& text, const More&... more)
 {
     PyErr_SetObject(type.ptr(), py::object(type(ToText(text), more...)).ptr());
     throw py::error_already_set();
 }
-inline void RaiseIfSet()
-{
-    if (PyErr_Occurred() != nullptr)
-        throw py::error_already_set();
-}
+/// Raises TypeError for another thing than the one that is needed.
+[[noreturn]] void RaiseNeeded(const std::string& what, py::handle given);
 [[noreturn]] void RaiseFailure(const std::string& text, KARStatus status,
                                const py::object& entity = py::none());
-[[noreturn]] void RaiseNeeded(const std::string& what, py::handle given);
-/// Raises the first problem of a model, and forgets all.
-void RaiseProblem(Model& model);
-
-/// The failed checks of this thread, counted from 0; as a warning if there are any.
-int& FailedChecks();
-void WarnOfChecks(std::string_view what);
+/// Takes over what Python made; raises what it has set instead.
+template <class T = py::object>
+T Made(PyObject* made)
+{
+    if (made == nullptr)
+        throw py::error_already_set();
+    return py::reinterpret_steal<T>(made);
+}
 
 /// Raises for a model that another thread works on.
 inline void CheckFree(const ModelState& state)
@@ -123,31 +109,11 @@ inline void CheckFree(const ModelState& state)
     if (state.isBusy)
         RaiseFailure("another thread works on the model", KARFailure);
 }
-
-/// Work on a model, or on two, without the interpreter's lock; other threads are refused meanwhile.
-class Exclusive
-{
-public:
-    Exclusive(ModelState& first, ModelState& second) : m_first(first), m_second(second)
-    {
-        CheckFree(first);
-        CheckFree(second);
-        first.isBusy = second.isBusy = true;
-        m_release.emplace();
-    }
-    ~Exclusive()
-    {
-        m_release.reset();
-        m_first.isBusy = m_second.isBusy = false;
-    }
-    Exclusive(const Exclusive&) = delete;
-    Exclusive& operator=(const Exclusive&) = delete;
-
-private:
-    ModelState& m_first;
-    ModelState& m_second;
-    std::optional<py::gil_scoped_release> m_release;
-};
+/// Raises the first problem of a model, and forgets all.
+void RaiseProblem(Model& model);
+/// The failed checks of this thread, counted from 0; as a warning if there are any.
+int& FailedChecks();
+void WarnOfChecks(std::string_view what);
 
 /// An edit of a model: what it could not do is raised, failed checks become warnings.
 template <class Work>
@@ -161,32 +127,31 @@ auto Do(ModelState& state, std::string_view what, Work work)
     return result;
 }
 
+/// Work on a model, or on two, without the interpreter's lock; other threads are refused meanwhile.
+template <class Work>
+auto Alone(ModelState& first, ModelState& second, Work work)
+{
+    CheckFree(first);
+    CheckFree(second);
+    first.isBusy = second.isBusy = true;
+    const std::shared_ptr<void> end(nullptr, [&](void*) { first.isBusy = second.isBusy = false; });
+    const py::gil_scoped_release release;
+    return work();
+}
+
 /// The model of a Python object, which is free; raises otherwise.
 ModelState& ModelOf(py::handle object);
 /// The Python object of an entity, the same one each time; None for a null handle.
 py::object Wrap(const Entity& entity, ModelState& state);
-inline EntityObject& ObjectOf(py::handle object)
-{
-    return *reinterpret_cast<EntityObject*>(object.ptr());
-}
-/// The object of an entity that is not deleted, of a model that is free; raises otherwise, and
-/// TypeError for what is no entity.
+/// The object of an entity that is not deleted, of a model that is free; raises otherwise.
 EntityObject& AliveOf(py::handle object);
 /// The class that a Python class stands for, null for another one.
 const EntityClass* FindClass(py::handle type);
 const EntityClass& ClassOf(const KARMPEntity& entity);
-inline py::handle TypeOf(const EntityClass& of)
-{
-    return reinterpret_cast<PyObject*>(of.type);
-}
-/// The property of a class by its name; raises AttributeError that tells the near name, or gives
-/// null.
-Property& PropertyOf(const EntityClass& of, const std::string& name);
-Property* FindProperty(const EntityClass& of, std::string_view name);
+/// The property of a class by its name; raises AttributeError that tells the near name.
+const Property& PropertyOf(const EntityClass& of, const std::string& name);
 /// "Body "Crank"".
 std::string TitleOf(const KARMPEntity& entity);
-/// All entities of a class in a model.
-std::vector<Entity> AllOf(const Model& model, const QOBClassInfo& info);
 
 /// Get and set an item of an entity that is alive. Values of another type raise.
 py::object GetItem(EntityObject& object, const Property& property);

@@ -94,32 +94,46 @@ bool HasColumn(const ItemInfo& item)
            item.kind != ItemKind::Stream && item.kind != ItemKind::Group;
 }
 
+std::vector<Entity> AllOf(const Model& model, const QOBClassInfo& info)
+{
+    std::vector<Entity> entities;
+    Families::And<KARMPEntity>::AnyOf([&]<class T>(Family<T>) {
+        if (!info.isDerivedFrom(T::ClassInfo()))
+            return false;
+        for (const model::Ref<T>& entity : model.All<T>())
+            if (entity->isDerivedFrom(info))
+                entities.emplace_back(entity.Handle());
+        return true;
+    });
+    return entities;
+}
+
 // A column of numbers, of arrays row by row; what is not there is `missing`.
 template <class T>
 py::object ColumnOf(ModelState& state, const ItemInfo& item, const std::vector<Entity>& entities,
                     T missing)
 {
-    std::vector<py::ssize_t> shape{static_cast<py::ssize_t>(entities.size())};
     const NumberArray sample(item.shape, std::vector<double>(item.numberCount));
-    if (item.numberCount > 0)
-        shape.resize(item.shape == NumberShape::Vector ? 2 : 3,
-                     static_cast<py::ssize_t>(sample.Rows()));
+    const auto rows = static_cast<py::ssize_t>(sample.Rows());
+    std::vector<py::ssize_t> shape{static_cast<py::ssize_t>(entities.size())};
+    if (rows > 0)
+        shape.resize(item.shape == NumberShape::Vector ? 2 : 3, rows);
     LoadNumpy();
     py::array_t<T> column(shape);
     T* entry = column.mutable_data();
-    const std::size_t size = item.numberCount > 0 ? sample.Rows() * sample.Columns() : 1;
-    const Exclusive exclusive(state, state);
-    for (const Entity& entity : entities) {
-        const Value value = item.Get(*entity);
-        const auto* const numbers = std::get_if<NumberArray>(&value);
-        const T* const number = std::get_if<T>(&value);
-        for (std::size_t i = 0; i < size; ++i)
-            *entry++ =
-                numbers != nullptr
-                    ? static_cast<T>(numbers->At(i / numbers->Columns(), i % numbers->Columns()))
-                : number != nullptr ? *number
-                                    : missing;
-    }
+    const std::size_t width = sample.Columns();
+    const std::size_t size = rows > 0 ? sample.Rows() * width : 1;
+    Alone(state, state, [&] {
+        for (const Entity& entity : entities) {
+            const Value value = item.Get(*entity);
+            const auto* const numbers = std::get_if<NumberArray>(&value);
+            const T* const number = std::get_if<T>(&value);
+            const T other = number != nullptr ? *number : missing;
+            for (std::size_t i = 0; i < size; ++i)
+                *entry++ =
+                    numbers != nullptr ? static_cast<T>(numbers->At(i / width, i % width)) : other;
+        }
+    });
     return column;
 }
 
@@ -166,20 +180,6 @@ bool LinkItem(EntityObject& owner, std::string name, AnyRef target, bool isAdded
 }
 
 } // namespace
-
-std::vector<Entity> AllOf(const Model& model, const QOBClassInfo& info)
-{
-    std::vector<Entity> entities;
-    Families::And<KARMPEntity>::AnyOf([&]<class T>(Family<T>) {
-        if (!info.isDerivedFrom(T::ClassInfo()))
-            return false;
-        for (const Ref<T>& entity : model.All<T>())
-            if (entity->isDerivedFrom(info))
-                entities.emplace_back(entity.Handle());
-        return true;
-    });
-    return entities;
-}
 
 py::object GetItem(EntityObject& object, const Property& property)
 {

@@ -11,15 +11,15 @@ namespace {
 
 using model::Where;
 using AnyClass = Kind<KARMPEntity>;
-using Body = Ref<KARMPBody>;
-using Geometry = Ref<KARMPGeometry>;
-using Joint = Ref<KARMPJoint>;
+using Body = model::Ref<KARMPBody>;
+using Geometry = model::Ref<KARMPGeometry>;
+using Joint = model::Ref<KARMPJoint>;
 using Path = std::filesystem::path;
 using Quantity = KARMPPhysicalQuantity::Enum;
 using Solid = model::BodyOptions;
 using Terms = std::vector<model::Term>;
 using Text = std::string;
-using Variable = Ref<KARMPVariable>;
+using Variable = model::Ref<KARMPVariable>;
 template <class T>
 using Maybe = std::optional<T>;
 
@@ -34,7 +34,7 @@ State NewModel(const py::args& given)
 Entity AddJoint(Model& model, Kind<KARMPJoint> kind, Text id, AnyRef parent, AnyRef child,
                 Maybe<Numbers> at, Numbers axis, Maybe<Numbers> frame)
 {
-    const auto add = [&]<class T>(const Ref<T>& first, const auto&... where) {
+    const auto add = [&]<class T>(const model::Ref<T>& first, const auto&... where) {
         return model.AddJoint(kind, id, first, As<T>(child), where..., Where::current());
     };
     if (const auto geometry = parent.As<KARMPGeometry>())
@@ -74,14 +74,6 @@ Variable AddVariable(Model& model, Text id, Maybe<Joint> joint, double value)
 {
     return joint ? model.Variable(id, *joint, value)
                  : model.Variable(id, KARMPPhysicalQuantity::NoPhysicalQuantity, value);
-}
-
-// Raises a setting that the world refused.
-bool Done(const char* name, KARStatus status)
-{
-    if (KARFailed(status))
-        RaiseFailure(std::string(name) + " is not set", status);
-    return true;
 }
 
 documents::SaveOptions OptionsOf(const Maybe<std::wstring>& version, bool isExact)
@@ -153,17 +145,12 @@ void BindEdits(const Binder& bind)
         });
     bind(
         "set_gravity",
-        [](Model& m, KARMathVector gravity) {
-            return Done("gravity", m.World()->SetGravity(gravity));
-        });
+        [](Model& m, KARMathVector gravity) { return m.World()->SetGravity(gravity); });
     bind(
         "set_linear_tolerance",
-        [](Model& m, double tolerance) {
-            return Done("linear_tolerance", m.World()->SetLinearTolerance(tolerance));
-        });
-    bind("set_angular_tolerance", [](Model& m, double tolerance) {
-        return Done("angular_tolerance", m.World()->SetAngularTolerance(tolerance));
-    });
+        [](Model& m, double tolerance) { return m.World()->SetLinearTolerance(tolerance); });
+    bind("set_angular_tolerance",
+         [](Model& m, double tolerance) { return m.World()->SetAngularTolerance(tolerance); });
 }
 
 void BindSettings(const Binder& bind)
@@ -197,10 +184,9 @@ void BindSettings(const Binder& bind)
 
 py::object Differences(ModelState& first, ModelState& second, double tolerance, double floor)
 {
-    const auto found = [&] {
-        const Exclusive exclusive(first, second);
+    const auto found = Alone(first, second, [&] {
         return first.model.Diff(second.model, {.tolerance = tolerance, .floor = floor});
-    }();
+    });
     py::list list;
     for (const documents::Difference& one : found) {
         const bool isGained = one.kind == documents::DifferenceKind::LinkGained;
