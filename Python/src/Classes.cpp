@@ -6,10 +6,7 @@
 #include "KARMPSchema.h"
 #include "KARTextConversion.h"
 
-#include <structmember.h>
-
 #include <algorithm>
-#include <cstddef>
 
 namespace karmp::python {
 
@@ -25,7 +22,8 @@ PyTypeObject* entityType = nullptr;
 
 EntityObject& ObjectOf(py::handle object)
 {
-    return *reinterpret_cast<EntityObject*>(object.ptr());
+    auto* const instance = reinterpret_cast<py::detail::instance*>(object.ptr());
+    return *static_cast<EntityObject*>(instance->simple_value_holder[0]);
 }
 py::handle TypeOf(const EntityClass& of)
 {
@@ -61,19 +59,6 @@ struct Slot<Function>
             return -1;
     }
 };
-
-void Deallocate(PyObject* self)
-{
-    EntityObject& object = ObjectOf(self);
-    PyTypeObject* const type = Py_TYPE(self);
-    if (object.weakReferences != nullptr)
-        PyObject_ClearWeakRefs(self);
-    object.state->objects.erase(object.entity.get());
-    object.entity.~Entity();
-    object.state.~State();
-    type->tp_free(self);
-    Py_DECREF(type);
-}
 
 // Tells the near name, which Python's own attribute errors lack.
 void TellNear(PyObject* self, PyObject* name)
@@ -118,7 +103,7 @@ const Property& RowOf(PyObject* self, void* property)
 
 PyObject* GetProperty(PyObject* self, void* property)
 {
-    return GetItem(AliveOf(self), RowOf(self, property)).release().ptr();
+    return GetItem(self, RowOf(self, property)).release().ptr();
 }
 
 int SetProperty(PyObject* self, PyObject* value, void* property)
@@ -126,29 +111,18 @@ int SetProperty(PyObject* self, PyObject* value, void* property)
     const Property& row = RowOf(self, property);
     if (value == nullptr)
         Raise(PyExc_TypeError, row.name + " cannot be deleted");
-    SetItem(ObjectOf(self), row, value);
+    SetItem(self, row, value);
     return 0;
 }
 
-PyTypeObject* MakeBase(py::module_& module)
+// What classes that Python makes do not inherit.
+PyTypeObject* WithSlots(py::handle made)
 {
-    static PyMemberDef members[] = {{"__weaklistoffset__", T_PYSSIZET,
-                                     offsetof(EntityObject, weakReferences), READONLY, nullptr},
-                                    {nullptr, 0, 0, 0, nullptr}};
-    const auto function = []<class F>(F* pointer) { return reinterpret_cast<void*>(pointer); };
-    PyType_Slot slots[] = {{Py_tp_dealloc, function(&Deallocate)},
-                           {Py_tp_repr, function(&Slot<&Represent>::Call)},
-                           {Py_tp_getattro, function(&Slot<&GetAttribute>::Call)},
-                           {Py_tp_setattro, function(&Slot<&SetAttribute>::Call)},
-                           {Py_tp_members, members},
-                           {Py_tp_doc, const_cast<char*>("What all entities of a model have.")},
-                           {0, nullptr}};
-    PyType_Spec spec{"karmp.Entity", sizeof(EntityObject), 0,
-                     Py_TPFLAGS_DEFAULT | Py_TPFLAGS_BASETYPE | Py_TPFLAGS_DISALLOW_INSTANTIATION,
-                     slots};
-    const auto type = Made(PyType_FromSpec(&spec));
-    module.attr("Entity") = type;
-    return reinterpret_cast<PyTypeObject*>(type.inc_ref().ptr());
+    auto* const type = reinterpret_cast<PyTypeObject*>(made.ptr());
+    type->tp_repr = &Slot<&Represent>::Call;
+    type->tp_getattro = &Slot<&GetAttribute>::Call;
+    type->tp_setattro = &Slot<&SetAttribute>::Call;
+    return type;
 }
 
 std::string DocOf(const ItemInfo& item)
@@ -220,11 +194,11 @@ EntityClass& AddClass(py::module_& module, const QOBClassInfo& info)
     const SchemaItem* const schema = SchemaOf(info.getName());
     // Documents hold all classes but one.
     const auto says = schema != nullptr ? schema->says : "What a solver tells of entities.";
-    const auto type = py::handle(reinterpret_cast<PyObject*>(&PyType_Type))(
+    const py::object type = py::handle(reinterpret_cast<PyObject*>(&PyType_Type))(
         made.name, py::make_tuple(TypeOf(base)),
         py::dict("__slots__"_a = py::tuple(), "__module__"_a = "karmp", "__doc__"_a = says));
     module.attr(made.name.c_str()) = type;
-    made.type = reinterpret_cast<PyTypeObject*>(type.inc_ref().ptr());
+    made.type = WithSlots(type);
     AddProperties(made, base.properties);
     return made;
 }
@@ -250,19 +224,14 @@ py::object Wrap(const Entity& entity, ModelState& state)
 {
     if (!entity)
         return py::none();
-    PyObject*& known = state.objects[entity.get()];
-    if (known != nullptr)
-        return py::reinterpret_borrow<py::object>(known);
-    PyTypeObject* const type = ClassOf(*entity).type;
-    PyObject* const made = type->tp_alloc(type, 0);
-    if (made == nullptr) {
-        state.objects.erase(entity.get());
-        throw py::error_already_set();
-    }
-    new (&ObjectOf(made).entity) Entity(entity);
-    new (&ObjectOf(made).state) State(state.shared_from_this());
-    known = made;
-    return py::reinterpret_steal<py::object>(made);
+    if (const auto known = state.objects.find(entity.get()); known != state.objects.end())
+        return py::reinterpret_borrow<py::object>(known->second);
+    const auto made = Made(py::detail::make_new_instance(ClassOf(*entity).type));
+    auto* const instance = reinterpret_cast<py::detail::instance*>(made.ptr());
+    instance->simple_value_holder[0] = new EntityObject(entity, state);
+    py::detail::get_type_info(typeid(EntityObject))->init_instance(instance, nullptr);
+    state.objects[entity.get()] = made.ptr();
+    return made;
 }
 
 EntityObject& AliveOf(py::handle object)
@@ -304,7 +273,10 @@ const Property& PropertyOf(const EntityClass& of, const std::string& name)
 
 void BindClasses(py::module_& module)
 {
-    entityType = MakeBase(module);
+    const py::handle metaclass(reinterpret_cast<PyObject*>(&PyType_Type));
+    entityType = WithSlots(py::class_<EntityObject>(
+        module, "Entity", "What all entities of a model have.", py::metaclass(metaclass)));
+    entityType->tp_new = nullptr; // the module alone makes objects
     for (const std::string& name : KARMPFactory::GetClassNames()) {
         Entity sample;
         if (KARFailed(KARMPFactory::Create(name, sample)) || !sample)

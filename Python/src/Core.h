@@ -41,13 +41,14 @@ struct ModelState : std::enable_shared_from_this<ModelState>
 };
 using State = std::shared_ptr<ModelState>;
 
-/// The Python object of an entity.
+/// What the Python object of an entity holds.
 struct EntityObject
 {
-    PyObject base;
+    EntityObject(const Entity& of, ModelState& in) : entity(of), state(in.shared_from_this()) {}
+    ~EntityObject() { state->objects.erase(entity.get()); }
+
     Entity entity;
     State state;
-    PyObject* weakReferences;
 };
 
 /// An item as a property of a Python class.
@@ -154,8 +155,8 @@ const Property& PropertyOf(const EntityClass& of, const std::string& name);
 std::string TitleOf(const KARMPEntity& entity);
 
 /// Get and set an item of an entity that is alive. Values of another type raise.
-py::object GetItem(EntityObject& object, const Property& property);
-void SetItem(EntityObject& object, const Property& property, py::handle value);
+py::object GetItem(py::handle object, const Property& property);
+void SetItem(py::handle object, const Property& property, py::handle value);
 /// Imports numpy, as must be done before the first array: pybind11 would import it within the
 /// initialization of a static variable, where threads that wait for that keep the interpreter's
 /// lock from the one that imports.

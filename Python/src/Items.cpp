@@ -181,13 +181,14 @@ bool LinkItem(EntityObject& owner, std::string name, AnyRef target, bool isAdded
 
 } // namespace
 
-py::object GetItem(EntityObject& object, const Property& property)
+py::object GetItem(py::handle object, const Property& property)
 {
+    const EntityObject& owner = AliveOf(object);
     const ItemInfo& item = *property.item;
     if (item.kind == ItemKind::References && item.CanGet())
-        return OfPackage("Links")(py::handle(&object.base), property.name);
+        return OfPackage("Links")(object, property.name);
     FailedChecks() = 0;
-    py::object value = Give(item.Get(*object.entity), object.state.get());
+    py::object value = Give(item.Get(*owner.entity), owner.state.get());
     WarnOfChecks(property.name);
     if (item.kind != ItemKind::Records || value.is_none())
         return value;
@@ -198,21 +199,18 @@ py::object GetItem(EntityObject& object, const Property& property)
                                               value);
 }
 
-void SetItem(EntityObject& object, const Property& property, py::handle value)
+void SetItem(py::handle object, const Property& property, py::handle value)
 {
     const ItemInfo& item = *property.item;
-    const Entity& entity = object.entity;
-    ModelState& state = *object.state;
     if (!item.readOnly.empty())
         Raise(PyExc_AttributeError,
               property.name + " cannot be set: " + std::string(item.readOnly));
-    // Converting may run any code.
-    AliveOf(&object.base);
-    const Value made = item.kind == ItemKind::Records ? RecordsFrom(value, item, *entity, state)
-                                                      : FromPython(value, item, state);
-    AliveOf(&object.base);
+    const auto& [entity, state] = AliveOf(object);
+    const Value made = item.kind == ItemKind::Records ? RecordsFrom(value, item, *entity, *state)
+                                                      : FromPython(value, item, *state);
+    AliveOf(object); // converting may have run any code
     const bool isTaken = item.Takes(made) || (made.IsNone() && item.kind == ItemKind::Reference);
-    Do(state, property.name, [&] {
+    Do(*state, property.name, [&, &entity = entity, &state = *state] {
         // It is undone with the block of edits that it is in.
         if (isTaken && (IsLink(item) || state.openBlocks > 0))
             return state.model.Set(AnyRef(entity), kar::ToUtf8(item.path), made);
