@@ -71,14 +71,16 @@ def findings(rows: Iterable[Iterable[Any]]) -> list[Finding]:
     return [Finding(row) for row in rows]
 
 
-_record_classes: dict[tuple[str, tuple[str, ...]], Any] = {}
+_record_classes: dict[str, Any] = {}
 
 
-def records(name: str, fields: tuple[str, ...], rows: list[Any]) -> tuple[Any, ...]:
-    """The records of an item as named tuples."""
-    if (name, fields) not in _record_classes:
+def records(item: tuple[Any, ...], rows: list[Any]) -> tuple[Any, ...]:
+    """The records of an item, which is described by a tuple, as named tuples."""
+    name, fields = item[0], [field[0] for field in item[7]]
+    key = " ".join([name, *fields])
+    if key not in _record_classes:
         import collections
 
         make = getattr(collections, "namedtuple")  # which has no types for names that are not written out
-        _record_classes[name, fields] = make(name, fields, module="karmp")
-    return tuple(map(_record_classes[name, fields]._make, rows))
+        _record_classes[key] = make(name.title().replace("_", ""), fields, module="karmp")
+    return tuple(map(_record_classes[key]._make, rows))

@@ -237,45 +237,53 @@ py::object Call(Function function, const char* name, const py::args& given,
         return Give(run(self), of);
 }
 
-/// Binds functions by their names behind a "_". Where a member function takes its caller's line at
-/// the end, it is this one.
-class Binder
+/// A function of the module, which is bound by assigning it. A member function that takes its
+/// caller's line at the end is given this one.
+class Bound
 {
 public:
-    explicit Binder(py::module_& module) : m_module(module) {}
+    Bound(py::module_& module, const char* name) : m_module(module), m_name(name) {}
 
     template <class Lambda>
-    void operator()(const char* name, Lambda function) const
+    void operator=(Lambda function) const
     {
-        (*this)(name, +function);
+        *this = +function;
     }
     template <class R, class... A>
-    void operator()(const char* name, R (*function)(A...)) const
+    void operator=(R (*function)(A...)) const
     {
-        Bind<A...>(name, function);
+        Bind<A...>(function);
     }
     template <class R, class... A>
-    void operator()(const char* name, R (Model::*function)(A...)) const
+    void operator=(R (Model::*function)(A...)) const
     {
-        Bind<Model&, A...>(name, function);
+        Bind<Model&, A...>(function);
     }
     template <class R, class... A>
-    void operator()(const char* name, R (Model::*function)(A...) const) const
+    void operator=(R (Model::*function)(A...) const) const
     {
-        Bind<const Model&, A...>(name, function);
+        Bind<const Model&, A...>(function);
     }
 
 private:
     template <class... A, class Function>
-    void Bind(const char* name, Function function) const
+    void Bind(Function function) const
     {
         constexpr std::make_index_sequence<sizeof...(A) - 1> others;
-        m_module.def(('_' + std::string(name)).c_str(), [=](const py::args& given) {
-            return Call<A...>(function, name, given, others);
-        });
+        m_module.def(('_' + std::string(m_name)).c_str(),
+                     [function, others, name = m_name](const py::args& given) {
+                         return Call<A...>(function, name, given, others);
+                     });
     }
 
     py::module_& m_module;
+    const char* m_name;
+};
+/// The functions of the module by their names, which begin with a "_" in Python.
+struct Functions
+{
+    py::module_& module;
+    Bound operator[](const char* name) const { return {module, name}; }
 };
 
 } // namespace karmp::python

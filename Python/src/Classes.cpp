@@ -94,27 +94,6 @@ PyObject* Represent(PyObject* self)
     return ToText("<karmp." + TitleOf(entity) + end).release().ptr();
 }
 
-// The property of a slot, of an item that the class has.
-const Property& RowOf(PyObject* self, void* property)
-{
-    const auto& row = *static_cast<const Property*>(property);
-    return row.item != nullptr ? row : PropertyOf(ClassOf(*ObjectOf(self).entity), row.name);
-}
-
-PyObject* GetProperty(PyObject* self, void* property)
-{
-    return GetItem(self, RowOf(self, property)).release().ptr();
-}
-
-int SetProperty(PyObject* self, PyObject* value, void* property)
-{
-    const Property& row = RowOf(self, property);
-    if (value == nullptr)
-        Raise(PyExc_TypeError, row.name + " cannot be deleted");
-    SetItem(self, row, value);
-    return 0;
-}
-
 // What classes that Python makes do not inherit.
 PyTypeObject* WithSlots(py::handle made)
 {
@@ -152,7 +131,7 @@ Property* AddDescriptor(const EntityClass& of, Property made)
 {
     auto* const property = new Property(std::move(made));
     const char* const name = property->name.c_str();
-    property->definition = {name, &Slot<&GetProperty>::Call, &Slot<&SetProperty>::Call,
+    property->definition = {name, &Slot<&GetItem>::Call, &Slot<&SetItem>::Call,
                             property->doc.c_str(), property};
     py::reinterpret_borrow<py::dict>(of.type->tp_dict)[name] =
         Made(PyDescr_NewGetSet(of.type, &property->definition));

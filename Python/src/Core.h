@@ -154,16 +154,16 @@ const Property& PropertyOf(const EntityClass& of, const std::string& name);
 /// "Body "Crank"".
 std::string TitleOf(const KARMPEntity& entity);
 
-/// Get and set an item of an entity that is alive. Values of another type raise.
-py::object GetItem(py::handle object, const Property& property);
-void SetItem(py::handle object, const Property& property, py::handle value);
+/// Get and set an item, as properties of Python do.
+PyObject* GetItem(PyObject* self, void* property);
+int SetItem(PyObject* self, PyObject* value, void* property);
 /// Imports numpy, as must be done before the first array: pybind11 would import it within the
 /// initialization of a static variable, where threads that wait for that keep the interpreter's
 /// lock from the one that imports.
 void LoadNumpy();
 
-class Binder;
+struct Functions;
 void BindClasses(py::module_& module);
-void BindItems(const Binder& bind);
+void BindItems(const Functions& calls);
 
 } // namespace karmp::python

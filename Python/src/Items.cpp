@@ -169,6 +169,13 @@ const ItemInfo& ItemOf(const EntityObject& owner, const std::string& name)
     return *PropertyOf(ClassOf(*owner.entity), name).item;
 }
 
+// A property of an entity, of an item that the class has.
+const Property& RowOf(const EntityObject& owner, const void* property)
+{
+    const auto& row = *static_cast<const Property*>(property);
+    return row.item != nullptr ? row : PropertyOf(ClassOf(*owner.entity), row.name);
+}
+
 bool LinkItem(EntityObject& owner, std::string name, AnyRef target, bool isAdded)
 {
     const AnyRef first(owner.entity);
@@ -181,36 +188,34 @@ bool LinkItem(EntityObject& owner, std::string name, AnyRef target, bool isAdded
 
 } // namespace
 
-py::object GetItem(py::handle object, const Property& property)
+PyObject* GetItem(PyObject* self, void* property)
 {
-    const EntityObject& owner = AliveOf(object);
-    const ItemInfo& item = *property.item;
-    if (item.kind == ItemKind::References && item.CanGet())
-        return OfPackage("Links")(object, property.name);
+    const EntityObject& owner = AliveOf(self);
+    const auto& [item, name, doc, definition] = RowOf(owner, property);
+    if (item->kind == ItemKind::References && item->CanGet())
+        return OfPackage("Links")(py::handle(self), name).release().ptr();
     FailedChecks() = 0;
-    py::object value = Give(item.Get(*owner.entity), owner.state.get());
-    WarnOfChecks(property.name);
-    if (item.kind != ItemKind::Records || value.is_none())
-        return value;
-    std::vector<std::string> names;
-    for (const ItemInfo& field : item.fields)
-        names.push_back(SnakeCase(field.path));
-    return OfPackage("_rows").attr("records")(ToText(item.name), py::tuple(Give(names, nullptr)),
-                                              value);
+    py::object value = Give(item->Get(*owner.entity), owner.state.get());
+    WarnOfChecks(name);
+    if (item->kind == ItemKind::Records && !value.is_none())
+        value = OfPackage("_rows").attr("records")(Give(*item, nullptr), value);
+    return value.release().ptr();
 }
 
-void SetItem(py::handle object, const Property& property, py::handle value)
+int SetItem(PyObject* self, PyObject* value, void* property)
 {
-    const ItemInfo& item = *property.item;
+    const auto& [entity, state] = AliveOf(self);
+    const Property& row = RowOf(AliveOf(self), property);
+    const ItemInfo& item = *row.item;
+    if (value == nullptr)
+        Raise(PyExc_TypeError, row.name + " cannot be deleted");
     if (!item.readOnly.empty())
-        Raise(PyExc_AttributeError,
-              property.name + " cannot be set: " + std::string(item.readOnly));
-    const auto& [entity, state] = AliveOf(object);
+        Raise(PyExc_AttributeError, row.name + " cannot be set: " + std::string(item.readOnly));
     const Value made = item.kind == ItemKind::Records ? RecordsFrom(value, item, *entity, *state)
                                                       : FromPython(value, item, *state);
-    AliveOf(object); // converting may have run any code
+    AliveOf(self); // converting may have run any code
     const bool isTaken = item.Takes(made) || (made.IsNone() && item.kind == ItemKind::Reference);
-    Do(*state, property.name, [&, &entity = entity, &state = *state] {
+    Do(*state, row.name, [&, &entity = entity, &state = *state] {
         // It is undone with the block of edits that it is in.
         if (isTaken && (IsLink(item) || state.openBlocks > 0))
             return state.model.Set(AnyRef(entity), kar::ToUtf8(item.path), made);
@@ -222,33 +227,33 @@ void SetItem(py::handle object, const Property& property, py::handle value)
             RaiseFailure(why, status, Wrap(entity, state));
         return true;
     });
+    return 0;
 }
 
-void BindItems(const Binder& bind)
+void BindItems(const Functions& calls)
 {
-    bind("column", &Column);
-    bind("item_names", &ItemNames);
-    bind("link_item", &LinkItem);
-    bind(
-        "items",
-        [](Kind<KARMPEntity> cls) {
-            std::vector<ItemInfo> items;
-            for (const Property* const property : cls.of->properties)
-                items.push_back(*property->item);
-            return items;
-        });
-    bind(
-        "targets", [](EntityObject& owner,
-                      std::string name) { return ItemOf(owner, name).Get(*owner.entity); });
-    bind(
-        "words", [](EntityObject& owner,
-                    std::string name) { return ItemOf(owner, name).EntryWords(*owner.entity); });
-    bind(
-        "all", [](ModelState& of, Kind<KARMPEntity> cls) { return AllOf(of.model, cls); });
-    bind(
-        "count", [](ModelState& of, Kind<KARMPEntity> cls) { return AllOf(of.model, cls).size(); });
-    bind("near",
-         [](std::wstring text, std::vector<std::wstring> names) { return NearText(text, names); });
+    calls["column"] = &Column;
+    calls["item_names"] = &ItemNames;
+    calls["link_item"] = &LinkItem;
+    calls["items"] = [](Kind<KARMPEntity> cls) {
+        std::vector<ItemInfo> items;
+        for (const Property* const property : cls.of->properties)
+            items.push_back(*property->item);
+        return items;
+    };
+    calls["targets"] = [](EntityObject& owner, std::string name) {
+        return ItemOf(owner, name).Get(*owner.entity);
+    };
+    calls["words"] = [](EntityObject& owner, std::string name) {
+        return ItemOf(owner, name).EntryWords(*owner.entity);
+    };
+    calls["all"] = [](ModelState& of, Kind<KARMPEntity> cls) { return AllOf(of.model, cls); };
+    calls["count"] = [](ModelState& of, Kind<KARMPEntity> cls) {
+        return AllOf(of.model, cls).size();
+    };
+    calls["near"] = [](std::wstring text, std::vector<std::wstring> names) {
+        return NearText(text, names);
+    };
 }
 
 } // namespace karmp::python

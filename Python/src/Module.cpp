@@ -84,102 +84,95 @@ documents::SaveOptions OptionsOf(const Maybe<std::wstring>& version, bool isExac
     return options;
 }
 
-void BindMakers(const Binder& bind)
+void BindMakers(const Functions& calls)
 {
-    bind("add", [](Model& m, AnyClass cls, Text id) { return m.Add(cls.of->info->getName(), id); });
-    bind("add_body", &AddBody);
-    bind("add_planar_body",
-         [](Model& m, Text id, Maybe<KARMathPoint2D> at, Maybe<KARMathPoint2D> towards) {
-             return m.PlanarBody(id, {.at = at, .towards = towards});
-         });
-    bind("add_rod", &AddRod);
-    bind("add_frame", &Model::Frame);
-    bind("add_point", &AddPoint);
-    bind("add_joint", &AddJoint);
-    bind("variable", &AddVariable);
-    bind("add_constant", &Model::Constant);
-    bind("add_expression",
-         [](Model& m, Text id, Quantity quantity, Text equation, std::vector<Variable> of) {
-             return m.Expression(id, quantity, equation, std::span<const Variable>(of));
-         });
-    bind("add_motor", &Model::Motor);
-    bind(
-        "connect",
-        [](Model& m, Kind<KARMPConnector> cls, Text id, Geometry one, Geometry other) {
-            return m.AddConnector(cls, id, one, other, Where::current());
-        });
-    bind(
-        "attach", [](Model& m, Kind<KARMPGeometry> cls, Text id,
-                     AnyRef body) { return m.AttachGeometry(cls, id, body, Where::current()); });
-    bind("couple", [](Model& m, Kind<KARMPCoupling> cls, Text id, Terms terms, double constant) {
+    calls["add"] = [](Model& m, AnyClass cls, Text id) {
+        return m.Add(cls.of->info->getName(), id);
+    };
+    calls["add_body"] = &AddBody;
+    calls["add_planar_body"] = [](Model& m, Text id, Maybe<KARMathPoint2D> at,
+                                  Maybe<KARMathPoint2D> towards) {
+        return m.PlanarBody(id, {.at = at, .towards = towards});
+    };
+    calls["add_rod"] = &AddRod;
+    calls["add_frame"] = &Model::Frame;
+    calls["add_point"] = &AddPoint;
+    calls["add_joint"] = &AddJoint;
+    calls["variable"] = &AddVariable;
+    calls["add_constant"] = &Model::Constant;
+    calls["add_expression"] = [](Model& m, Text id, Quantity quantity, Text equation,
+                                 std::vector<Variable> of) {
+        return m.Expression(id, quantity, equation, std::span<const Variable>(of));
+    };
+    calls["add_motor"] = &Model::Motor;
+    calls["connect"] = [](Model& m, Kind<KARMPConnector> cls, Text id, Geometry one,
+                          Geometry other) {
+        return m.AddConnector(cls, id, one, other, Where::current());
+    };
+    calls["attach"] = [](Model& m, Kind<KARMPGeometry> cls, Text id, AnyRef body) {
+        return m.AttachGeometry(cls, id, body, Where::current());
+    };
+    calls["couple"] = [](Model& m, Kind<KARMPCoupling> cls, Text id, Terms terms, double constant) {
         return m.AddCoupling(cls, id, terms, constant, Where::current());
-    });
-    bind("box", &model::Box);
-    bind("cylinder", &model::Cylinder);
-    bind("ball", &model::Ball);
-    bind("together", &model::Together);
-    bind("mass", [](Solid solid) { return solid.mass; });
-    bind("meeting_point", &model::MeetingPoint);
+    };
+    calls["box"] = &model::Box;
+    calls["cylinder"] = &model::Cylinder;
+    calls["ball"] = &model::Ball;
+    calls["together"] = &model::Together;
+    calls["mass"] = [](Solid solid) { return solid.mass; };
+    calls["meeting_point"] = &model::MeetingPoint;
 }
 
-void BindEdits(const Binder& bind)
+void BindEdits(const Functions& calls)
 {
-    bind(
-        "link",
-        [](Model& m, AnyRef one, AnyRef other, Text item) { return m.Link(one, other, item); });
-    bind("unlink",
-         [](Model& m, AnyRef one, AnyRef other, Text item) { return m.Unlink(one, other, item); });
-    bind("rename", &Model::Rename);
-    bind("delete", [](Model& m, AnyRef entity, bool preview, bool withShort) {
+    calls["link"] = [](Model& m, AnyRef one, AnyRef other, Text item) {
+        return m.Link(one, other, item);
+    };
+    calls["unlink"] = [](Model& m, AnyRef one, AnyRef other, Text item) {
+        return m.Unlink(one, other, item);
+    };
+    calls["rename"] = &Model::Rename;
+    calls["delete"] = [](Model& m, AnyRef entity, bool preview, bool withShort) {
         return m.Delete(entity, {.preview = preview, .withShort = withShort});
-    });
-    bind("begin_editing", [](ModelState& of) {
+    };
+    calls["begin_editing"] = [](ModelState& of) {
         ++of.openBlocks;
         return of.model.BeginEditing();
-    });
-    bind(
-        "end_editing",
-        [](ModelState& of, std::size_t begin, bool isKept) {
-            of.model.EndEditing(begin, isKept);
-            return --of.openBlocks;
-        });
-    bind(
-        "set_gravity",
-        [](Model& m, KARMathVector gravity) { return m.World()->SetGravity(gravity); });
-    bind(
-        "set_linear_tolerance",
-        [](Model& m, double tolerance) { return m.World()->SetLinearTolerance(tolerance); });
-    bind("set_angular_tolerance",
-         [](Model& m, double tolerance) { return m.World()->SetAngularTolerance(tolerance); });
+    };
+    calls["end_editing"] = [](ModelState& of, std::size_t begin, bool isKept) {
+        of.model.EndEditing(begin, isKept);
+        return --of.openBlocks;
+    };
+    calls["set_gravity"] = [](Model& m, KARMathVector gravity) {
+        return m.World()->SetGravity(gravity);
+    };
+    calls["set_linear_tolerance"] = [](Model& m, double tolerance) {
+        return m.World()->SetLinearTolerance(tolerance);
+    };
+    calls["set_angular_tolerance"] = [](Model& m, double tolerance) {
+        return m.World()->SetAngularTolerance(tolerance);
+    };
 }
 
-void BindSettings(const Binder& bind)
+void BindSettings(const Functions& calls)
 {
-    bind(
-        "gravity",
-        [](ModelState& of) {
-            KARMathVector gravity;
-            of.model.World()->GetGravity(gravity);
-            return gravity;
-        });
-    bind(
-        "linear_tolerance", [](Model& m) { return m.World()->GetLinearTolerance(); });
-    bind(
-        "angular_tolerance", [](Model& m) { return m.World()->GetAngularTolerance(); });
-    bind("ground", [](ModelState& of) { return of.model.Ground(); });
-    bind("planar_ground", &Model::PlanarGround);
-    bind("time", [](ModelState& of) { return of.model.Time(); });
-    bind(
-        "name",
-        [](ModelState& of) {
-            const QOBSharedHandle<QOBBasicEntity> world(of.model.World()->getExtendible());
-            return std::wstring(world->getEntityName());
-        });
-    bind(
-        "find", [](ModelState& of, Text key) { return of.model.Find<KARMPEntity>(key); });
-    bind(
-        "dependents", [](ModelState& of, AnyRef entity) { return of.model.Dependents(entity); });
-    bind("model", [](EntityObject& of) { return of.state; });
+    calls["gravity"] = [](ModelState& of) {
+        KARMathVector gravity;
+        of.model.World()->GetGravity(gravity);
+        return gravity;
+    };
+    calls["linear_tolerance"] = [](Model& m) { return m.World()->GetLinearTolerance(); };
+    calls["angular_tolerance"] = [](Model& m) { return m.World()->GetAngularTolerance(); };
+    calls["ground"] = [](ModelState& of) { return of.model.Ground(); };
+    calls["planar_ground"] = &Model::PlanarGround;
+    calls["time"] = [](ModelState& of) { return of.model.Time(); };
+    calls["name"] = [](ModelState& of) {
+        const QOBSharedHandle<QOBBasicEntity> world(of.model.World()->getExtendible());
+        return std::wstring(world->getEntityName());
+    };
+    calls["find"] = [](ModelState& of, Text key) { return of.model.Find<KARMPEntity>(key); };
+    calls["dependents"] = [](ModelState& of, AnyRef entity) { return of.model.Dependents(entity); };
+    calls["model"] = [](EntityObject& of) { return of.state; };
 }
 
 py::object Differences(ModelState& first, ModelState& second, double tolerance, double floor)
@@ -198,44 +191,40 @@ py::object Differences(ModelState& first, ModelState& second, double tolerance, 
     return list;
 }
 
-void BindDocuments(const Binder& bind)
+void BindDocuments(const Functions& calls)
 {
-    bind("load", [](Path path) {
+    calls["load"] = [](Path path) {
         const py::gil_scoped_release release;
         return model::Load(path);
-    });
-    bind("loads", [](std::vector<unsigned char> text, Text name) {
+    };
+    calls["loads"] = [](std::vector<unsigned char> text, Text name) {
         const py::gil_scoped_release release;
         return model::LoadText(Text(text.begin(), text.end()), name);
-    });
-    bind(
-        "check",
-        [](Path path) {
-            const py::gil_scoped_release release;
-            return documents::CheckFile(path);
-        });
-    bind(
-        "save", [](const Model& m, Path path, Maybe<std::wstring> version,
-                   bool isExact) { return m.Save(path, OptionsOf(version, isExact)); });
-    bind(
-        "text", [](const Model& m, Maybe<std::wstring> version,
-                   bool isExact) { return m.Text(OptionsOf(version, isExact)); });
-    bind("check_model", [](const Model& m) { return m.Check(); });
-    bind("clone", &Model::Clone);
-    bind("extract", &Model::Extract);
-    bind("findings", [](ModelState& of) { return of.findings; });
-    bind("diff", &Differences);
+    };
+    calls["check"] = [](Path path) {
+        const py::gil_scoped_release release;
+        return documents::CheckFile(path);
+    };
+    calls["save"] = [](const Model& m, Path path, Maybe<std::wstring> version, bool isExact) {
+        return m.Save(path, OptionsOf(version, isExact));
+    };
+    calls["text"] = [](const Model& m, Maybe<std::wstring> version, bool isExact) {
+        return m.Text(OptionsOf(version, isExact));
+    };
+    calls["check_model"] = [](const Model& m) { return m.Check(); };
+    calls["clone"] = &Model::Clone;
+    calls["extract"] = &Model::Extract;
+    calls["findings"] = [](ModelState& of) { return of.findings; };
+    calls["diff"] = &Differences;
     // Pictures, as the tool makes them of a document.
-    bind(
-        "graph_text",
-        [](ModelState& of, Text title) {
-            tool::GraphContents contents;
-            contents.title = title;
-            return tool::GraphText(*of.model.World(), contents);
-        });
-    bind("view_page", [](ModelState& of, Text title) {
+    calls["graph_text"] = [](ModelState& of, Text title) {
+        tool::GraphContents contents;
+        contents.title = title;
+        return tool::GraphText(*of.model.World(), contents);
+    };
+    calls["view_page"] = [](ModelState& of, Text title) {
         return tool::ViewPage(tool::SceneJson(tool::CollectScene(*of.model.World(), title)));
-    });
+    };
 }
 
 } // namespace
@@ -255,10 +244,10 @@ PYBIND11_MODULE(_karmp, module)
                             "that is made of two.");
     // A class that cannot be called has no objects but those that the module makes.
     reinterpret_cast<PyTypeObject*>(solid.ptr())->tp_new = nullptr;
-    const Binder bind(module);
-    BindItems(bind);
-    BindMakers(bind);
-    BindEdits(bind);
-    BindSettings(bind);
-    BindDocuments(bind);
+    const Functions calls{module};
+    BindItems(calls);
+    BindMakers(calls);
+    BindEdits(calls);
+    BindSettings(calls);
+    BindDocuments(calls);
 }
