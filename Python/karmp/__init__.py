@@ -14,7 +14,6 @@ from ._karmp import *
 from ._karmp import _item_names as _item_names
 from ._lists import Entities as Entities
 from ._lists import Links as Links
-from ._model import _items as _items
 from ._model import ball as ball
 from ._model import box as box
 from ._model import check as check
@@ -24,6 +23,7 @@ from ._model import loads as loads
 from ._model import meeting_point as meeting_point
 from ._rows import Difference as Difference
 from ._rows import Finding as Finding
+from ._table import _items as _items
 
 for _own in [*vars().values()]:
     if getattr(_own, "__module__", "").startswith("karmp."):

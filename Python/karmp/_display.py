@@ -63,7 +63,7 @@ def model_html(model: karmp.Model) -> str:
 def entity_html(entity: karmp.Entity) -> str:
     """The items with their values; the meaning is shown above the name."""
     rows: list[list[str]] = []
-    for name in karmp._item_names(type(entity), False):
+    for name in karmp._item_names(type(entity)):
         says = html.escape(getattr(type(entity), name).__doc__ or "", quote=True)
         rows.append([f'<span title="{says}">{name}</span>', _cell(getattr(entity, name))])
     return f"<p>{html.escape(repr(entity)[1:-1])}</p>" + _table(["item", "value"], rows)

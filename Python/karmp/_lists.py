@@ -1,4 +1,5 @@
-"""What models and entities list: the entities of a class, those that an item refers to, and blocks of edits."""
+"""What models and entities list: the entities of a class, those that an item refers to, and blocks of
+edits."""
 
 # What the functions of the extension module return has no types.
 # mypy: disable-error-code=no-any-return

@@ -1,9 +1,9 @@
-"""What the classes of the extension module have: its functions with names, types and defaults. The classes below
-are never made: what they hold becomes that of the classes that they are derived from."""
+"""What the classes of the extension module have: its functions with names, types and defaults. The
+classes below are never made: what they hold becomes that of the classes they are derived from."""
 
 # What the functions of the extension module return has no types.
 # mypy: disable-error-code=no-any-return
-# pyright: reportIncompatibleMethodOverride=false, reportIncompatibleVariableOverride=false, reportUnusedFunction=false
+# pyright: reportIncompatibleMethodOverride=false, reportIncompatibleVariableOverride=false
 
 from __future__ import annotations
 
@@ -13,6 +13,7 @@ from ._karmp import Entity, Model, Solid
 from ._lists import Editing, Entities
 from ._rows import Difference, Finding
 from ._rows import findings as _findings
+from ._table import check_item, column_names
 
 TYPE_CHECKING = False  # the module typing takes as long to import as the package
 if TYPE_CHECKING:
@@ -37,7 +38,9 @@ def load(path: _Path) -> Model:
 
 def loads(text: str | bytes, name: str = "<text>") -> Model:
     """Loads a model from a str or bytes, which findings call by name."""
-    return _karmp._loads(text.encode("utf-8", "surrogatepass") if isinstance(text, str) else text, name)
+    if isinstance(text, str):
+        text = text.encode("utf-8", "surrogatepass")
+    return _karmp._loads(text, name)
 
 
 def check(path: _Path) -> list[Finding]:
@@ -60,47 +63,15 @@ def ball(mass: float, radius: float, center: _Numbers = (0, 0, 0)) -> Solid:
     return _karmp._ball(mass, radius, center)
 
 
-def meeting_point(start: _Numbers, distance: float, end: _Numbers, other_distance: float) -> _Vector3 | None:
-    """The point of the plane z = 0 at given distances from two others, on the left of the way from the first to
-    the second; None when they do not meet."""
+def meeting_point(start: _Numbers, distance: float, end: _Numbers,
+                  other_distance: float) -> _Vector3 | None:
+    """The point of the plane z = 0 at given distances from two others, on the left of the way from
+    the first to the second; None when they do not meet."""
     return _karmp._meeting_point(start, distance, end, other_distance)
 
 
-_KINDS = ("group", "number", "integer", "flag", "text", "word", "word", "vector", "vector", "optional", "reference",
-          "references", "records", "stream")
-
-
-def _described(item: tuple[Any, ...]) -> dict[str, Any]:
-    name, says, kind, shape, count, words, target, fields, is_flag, is_in_order, read_only, can_get = item
-    return {
-        "name": name,
-        "doc": says,
-        "kind": "flag" if is_flag else "matrix" if shape else _KINDS[kind],
-        "rows": (count, round(count**0.5), 4 if count == 12 else 3)[shape],
-        "is_transformation": _KINDS[kind] == "vector" and shape == 2,
-        "words": words if _KINDS[kind] == "word" else (),
-        "target": target,
-        "fields": [_described(field) for field in fields],
-        "read_only": read_only,
-        "is_in_order": is_in_order,
-        "can_get": can_get,
-    }
-
-
-def _items(own: bool = True) -> list[dict[str, Any]]:
-    """The items of each class as dictionaries, with or without those of its bases."""
-    rows: list[dict[str, Any]] = []
-    for cls in vars(_karmp).values():
-        if not isinstance(cls, type) or not issubclass(cls, Entity):
-            continue
-        for name, item in zip(_karmp._item_names(cls, False), _karmp._items(cls)):
-            if not own or name in vars(cls):
-                doc = getattr(cls, name).__doc__
-                rows.append({**_described(item), "name": name, "doc": doc, "class": cls.__name__})
-    return rows
-
-
-def _property(get: Callable[[Any], Any], says: str, set: Callable[[Any, Any], None] | None = None) -> Any:
+def _property(get: Callable[[Any], Any], says: str,
+              set: Callable[[Any, Any], None] | None = None) -> Any:
     return property(get, set, doc=says)
 
 
@@ -114,12 +85,6 @@ def _told(name: str, says: str) -> Any:
             raise Error(f"{name} is not set", status)
 
     return _property(getattr(_karmp, "_" + name), says, change if set else None)
-
-
-def _check_item(cls: type[Entity], item: str, error: type[Exception], text: str) -> None:
-    names = _karmp._item_names(cls, False)
-    if item not in names:
-        raise error(f'{text} "{item}"{_karmp._near(item, names)}')
 
 
 def _unpickled(model: Model, identifier: str) -> Entity:
@@ -151,7 +116,7 @@ class _Model(Model):
         with Editing(self):
             made: Entity = getattr(_karmp, "_" + call)(self, *given)
             for item, value in items.items():
-                _check_item(type(made), item, TypeError, f"{call} takes no")
+                check_item(type(made), item, TypeError, f"{call} takes no")
                 setattr(made, item, value)
         return made
 
@@ -161,16 +126,17 @@ class _Model(Model):
 
     def add_body(self, id: str, *, at: _Numbers | None = None, towards: _Numbers | None = None,
                  solid: Solid | None = None, **items: Any) -> Body:
-        """A body with its origin at a point and its first axis towards another one, and with the mass of a solid."""
+        """A body with its origin at a point and its first axis towards another one, and with the
+        mass of a solid."""
         return self._make(items, "add_body", id, at, towards, solid)
 
-    def add_planar_body(self, id: str, *, at: _Numbers | None = None, towards: _Numbers | None = None,
-                        **items: Any) -> Body2D:
+    def add_planar_body(self, id: str, *, at: _Numbers | None = None,
+                        towards: _Numbers | None = None, **items: Any) -> Body2D:
         """A body in the plane z = 0, which comes with the first one."""
         return self._make(items, "add_planar_body", id, at, towards)
 
-    def add_rod(self, id: str, mass: float, start: _Numbers, end: _Numbers, radius: float = 0.0,
-                **items: Any) -> Body:
+    def add_rod(self, id: str, mass: float, start: _Numbers, end: _Numbers,
+                radius: float = 0.0, **items: Any) -> Body:
         """A round rod from one point to another, in the plane for points of two numbers."""
         return self._make(items, "add_rod", id, mass, start, end, radius)
 
@@ -182,13 +148,15 @@ class _Model(Model):
         """A point of a body."""
         return self._make(items, "add_point", id, body, at)
 
-    def add_joint(self, kind: type[_E], id: str, parent: Entity, child: Entity, at: _Numbers | None = None,
-                  axis: _Numbers = (0, 0, 1), frame: _Rows | None = None, **items: Any) -> _E:
-        """A joint between two bodies, about or along an axis through a point, or between two geometries, with all
-        that realises it."""
+    def add_joint(self, kind: type[_E], id: str, parent: Entity, child: Entity,
+                  at: _Numbers | None = None, axis: _Numbers = (0, 0, 1),
+                  frame: _Rows | None = None, **items: Any) -> _E:
+        """A joint between two bodies, about or along an axis through a point, or between two
+        geometries, with all that realises it."""
         return self._make(items, "add_joint", kind, id, parent, child, at, axis, frame)
 
-    def variable(self, id: str, joint: Joint | None = None, value: float = 0.0, **items: Any) -> Variable:
+    def variable(self, id: str, joint: Joint | None = None, value: float = 0.0,
+                 **items: Any) -> Variable:
         """A variable, the next one of a joint in the order of its freedoms."""
         return self._make(items, "variable", id, joint, value)
 
@@ -196,18 +164,20 @@ class _Model(Model):
         """A number of a quantity, such as "Length", which entities may share."""
         return self._make(items, "add_constant", id, quantity, number)
 
-    def add_expression(self, id: str, quantity: _Quantity, equation: str, variables: Iterable[Variable] = (),
-                       **items: Any) -> Expression:
+    def add_expression(self, id: str, quantity: _Quantity, equation: str,
+                       variables: Iterable[Variable] = (), **items: Any) -> Expression:
         """A value that follows an equation of its variables."""
         return self._make(items, "add_expression", id, quantity, equation, variables)
 
     def add_motor(self, id: str, variable: Variable, *, position: float | None = None,
-                  velocity: float | None = None, acceleration: float | None = None, maximum: float | None = None,
-                  **items: Any) -> Motor:
+                  velocity: float | None = None, acceleration: float | None = None,
+                  maximum: float | None = None, **items: Any) -> Motor:
         """A motor on a variable, which is controlled from then on."""
-        return self._make(items, "add_motor", id, variable, (position, velocity, acceleration, maximum))
+        given = position, velocity, acceleration, maximum
+        return self._make(items, "add_motor", id, variable, given)
 
-    def connect(self, cls: type[_E], id: str, first: Geometry, second: Geometry, **items: Any) -> _E:
+    def connect(self, cls: type[_E], id: str, first: Geometry, second: Geometry,
+                **items: Any) -> _E:
         """A connector, a spring for one, between geometries of two bodies."""
         return self._make(items, "connect", cls, id, first, second)
 
@@ -232,10 +202,12 @@ class _Model(Model):
         """Gives an entity another name. Its identifier stays."""
         _karmp._rename(self, entity, name)
 
-    def delete(self, entity: Entity, *, preview: bool = False, with_short: bool = False) -> dict[str, list[Any]]:
-        """Deletes an entity with what it owns. Returns what is gone, the references that were dropped and those
-        whose entities lack something now; a preview only tells."""
-        return dict(zip(("gone", "unlinked", "left_short"), _karmp._delete(self, entity, preview, with_short)))
+    def delete(self, entity: Entity, *, preview: bool = False,
+               with_short: bool = False) -> dict[str, list[Any]]:
+        """Deletes an entity with what it owns. Returns what is gone, the references that were
+        dropped and those whose entities lack something now; a preview only tells."""
+        told = _karmp._delete(self, entity, preview, with_short)
+        return dict(zip(("gone", "unlinked", "left_short"), told))
 
     def dependents(self, entity: Entity) -> list[tuple[Entity, str, Entity]]:
         """All references of other entities to one, with their items."""
@@ -243,7 +215,7 @@ class _Model(Model):
 
     def all(self, cls: type[_E]) -> Entities[_E]:
         """The entities of a class, those of the classes derived from it as well."""
-        _karmp._item_names(cls, False)  # raises for another class
+        _karmp._item_names(cls)  # raises for another class
         return Entities(self, cls)
 
     def get(self, cls: type[_E], key: str) -> _E:
@@ -263,13 +235,16 @@ class _Model(Model):
         return Editing(self)
 
     def column(self, cls: type[Entity], item: str) -> Any:
-        """An item of all entities of a class: an array of numbers, a list of texts. A number that is not there is
-        a NaN."""
+        """An item of all entities of a class: an array of numbers, a list of texts. A number that
+        is not there is a NaN."""
+        check_item(cls, item)
+        if item not in column_names(cls):
+            raise ValueError(f"{item} is no column")
         return _karmp._column(self, cls, item)
 
     def set(self, cls: type[Entity], item: str, values: Iterable[Any]) -> None:
         """Stores a value of an item in each entity of a class, in all of them or in none."""
-        _check_item(cls, item, AttributeError, f"karmp.{cls.__name__} has no item")
+        check_item(cls, item)
         entities, given = _karmp._all(self, cls), [*values]
         if len(given) != len(entities):
             raise ValueError(f"{len(entities)} values are needed, not {len(given)}")
@@ -279,7 +254,7 @@ class _Model(Model):
 
     def table(self, cls: type[Entity], *names: str) -> dict[str, Any]:
         """The columns of all items of a class that have one, or of those that are named."""
-        return {name: self.column(cls, name) for name in names or _karmp._item_names(cls, True)}
+        return {name: self.column(cls, name) for name in names or column_names(cls)}
 
     def frame(self, cls: type[Entity]) -> Any:
         """The table of a class as a data frame of pandas."""

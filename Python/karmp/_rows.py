@@ -81,6 +81,7 @@ def records(item: tuple[Any, ...], rows: list[Any]) -> tuple[Any, ...]:
     if key not in _record_classes:
         import collections
 
-        make = getattr(collections, "namedtuple")  # which has no types for names that are not written out
+        # It has no types for names that are not written out.
+        make = getattr(collections, "namedtuple")
         _record_classes[key] = make(name.title().replace("_", ""), fields, module="karmp")
     return tuple(map(_record_classes[key]._make, rows))

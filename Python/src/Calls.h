@@ -24,9 +24,9 @@ struct Numbers
     bool isInRows = false;
 
     const double* Exactly(std::size_t count) const;
-    operator KARMathPoint() const;
-    operator KARMathPoint2D() const;
-    operator KARMathVector() const { return KARMathPoint(*this) - KARMathPoint(); }
+    operator KARMathPoint() const { return {Exactly(3)[0], values[1], values[2]}; }
+    operator KARMathVector() const { return {Exactly(3)[0], values[1], values[2]}; }
+    operator KARMathPoint2D() const { return {Exactly(2)[0], values[1]}; }
     /// The axis system of a homogeneous matrix.
     operator KARMathAxis() const;
 };
@@ -45,6 +45,8 @@ struct Overloads : F...
 {
     using F::operator()...;
 };
+template <class... F>
+Overloads(F...) -> Overloads<F...>;
 /// What is a tuple in Python.
 inline constexpr Overloads Fields{
     [](model::Term& of) { return std::tie(of.variable, of.coefficient); },

@@ -12,12 +12,7 @@ namespace karmp::python {
 
 namespace {
 
-using Classes = std::unordered_map<const QOBClassInfo*, EntityClass*>;
-Classes& Known()
-{
-    static auto& classes = *new Classes;
-    return classes;
-}
+auto& known = *new std::unordered_map<const QOBClassInfo*, EntityClass*>;
 PyTypeObject* entityType = nullptr;
 
 EntityObject& ObjectOf(py::handle object)
@@ -160,11 +155,10 @@ void AddProperties(EntityClass& of, const std::vector<Property*>& ofBase)
 // The class of a record, made with its bases.
 EntityClass& AddClass(py::module_& module, const QOBClassInfo& info)
 {
-    EntityClass*& known = Known()[&info];
-    if (known != nullptr)
-        return *known;
-    known = new EntityClass{&info, entityType, ClassNameOf(info.getName()), {}};
-    EntityClass& made = *known; // stays where it is when others are added
+    if (known.contains(&info))
+        return *known[&info];
+    auto& made = *new EntityClass{&info, entityType, ClassNameOf(info.getName()), {}};
+    known[&info] = &made;
     if (info == KARMPEntity::ClassInfo()) {
         AddProperties(made, {});
         return made;
@@ -203,8 +197,8 @@ py::object Wrap(const Entity& entity, ModelState& state)
 {
     if (!entity)
         return py::none();
-    if (const auto known = state.objects.find(entity.get()); known != state.objects.end())
-        return py::reinterpret_borrow<py::object>(known->second);
+    if (const auto found = state.objects.find(entity.get()); found != state.objects.end())
+        return py::reinterpret_borrow<py::object>(found->second);
     const auto made = Made(py::detail::make_new_instance(ClassOf(*entity).type));
     auto* const instance = reinterpret_cast<py::detail::instance*>(made.ptr());
     instance->simple_value_holder[0] = new EntityObject(entity, state);
@@ -226,17 +220,18 @@ EntityObject& AliveOf(py::handle object)
 
 const EntityClass* FindClass(py::handle type)
 {
-    const auto found = std::ranges::find_if(
-        Known(), [type](const auto& known) { return TypeOf(*known.second).is(type); });
-    return found != Known().end() ? found->second : nullptr;
+    for (const auto& [info, of] : known)
+        if (TypeOf(*of).is(type))
+            return of;
+    return nullptr;
 }
 
 const EntityClass& ClassOf(const KARMPEntity& entity)
 {
     const QOBClassInfo* info = &entity.getClassInfo();
-    while (!Known().contains(info))
+    while (!known.contains(info))
         info = info->getParent();
-    return *Known().at(info);
+    return *known.at(info);
 }
 
 const Property& PropertyOf(const EntityClass& of, const std::string& name)
@@ -264,8 +259,8 @@ void BindClasses(py::module_& module)
     }
     py::dict families;
     for (const auto& [element, info] : FamilyRecords())
-        if (Known().contains(info))
-            families[ToText(SnakeCase(element))] = TypeOf(*Known().at(info));
+        if (known.contains(info))
+            families[ToText(SnakeCase(element))] = TypeOf(*known.at(info));
     module.attr("_families") = families;
 }
 

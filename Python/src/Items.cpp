@@ -88,12 +88,6 @@ bool IsLink(const ItemInfo& item)
     return item.kind == ItemKind::Reference || item.kind == ItemKind::References;
 }
 
-bool HasColumn(const ItemInfo& item)
-{
-    return item.CanGet() && !IsLink(item) && item.kind != ItemKind::Records &&
-           item.kind != ItemKind::Stream && item.kind != ItemKind::Group;
-}
-
 std::vector<Entity> AllOf(const Model& model, const QOBClassInfo& info)
 {
     std::vector<Entity> entities;
@@ -137,11 +131,10 @@ py::object ColumnOf(ModelState& state, const ItemInfo& item, const std::vector<E
     return column;
 }
 
+// A column by the kind of its item, of those that can be had.
 py::object Column(ModelState& self, Kind<KARMPEntity> cls, std::string name)
 {
     const ItemInfo& item = *PropertyOf(*cls.of, name).item;
-    if (!HasColumn(item))
-        Raise(PyExc_ValueError, name + " is no column");
     const std::vector<Entity> entities = AllOf(self.model, cls);
     if (item.kind == ItemKind::Integer)
         return ColumnOf(self, item, entities, 0);
@@ -153,15 +146,6 @@ py::object Column(ModelState& self, Kind<KARMPEntity> cls, std::string name)
     for (const Entity& entity : entities)
         column.append(Give(item.Get(*entity), &self));
     return column;
-}
-
-std::vector<std::string> ItemNames(Kind<KARMPEntity> cls, bool haveColumns)
-{
-    std::vector<std::string> names;
-    for (const Property* const property : cls.of->properties)
-        if (!haveColumns || HasColumn(*property->item))
-            names.push_back(property->name);
-    return names;
 }
 
 const ItemInfo& ItemOf(const EntityObject& owner, const std::string& name)
@@ -233,14 +217,14 @@ int SetItem(PyObject* self, PyObject* value, void* property)
 void BindItems(const Functions& calls)
 {
     calls["column"] = &Column;
-    calls["item_names"] = &ItemNames;
     calls["link_item"] = &LinkItem;
-    calls["items"] = [](Kind<KARMPEntity> cls) {
-        std::vector<ItemInfo> items;
+    calls["item_names"] = [](Kind<KARMPEntity> cls) {
+        std::vector<std::string> names;
         for (const Property* const property : cls.of->properties)
-            items.push_back(*property->item);
-        return items;
+            names.push_back(property->name);
+        return names;
     };
+    calls["items"] = [](Kind<KARMPEntity> cls) { return ItemsOf(*cls.of->info); };
     calls["targets"] = [](EntityObject& owner, std::string name) {
         return ItemOf(owner, name).Get(*owner.entity);
     };

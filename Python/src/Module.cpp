@@ -10,14 +10,11 @@ namespace karmp::python {
 namespace {
 
 using model::Where;
-using AnyClass = Kind<KARMPEntity>;
 using Body = model::Ref<KARMPBody>;
 using Geometry = model::Ref<KARMPGeometry>;
-using Joint = model::Ref<KARMPJoint>;
-using Path = std::filesystem::path;
+using std::filesystem::path;
 using Quantity = KARMPPhysicalQuantity::Enum;
 using Solid = model::BodyOptions;
-using Terms = std::vector<model::Term>;
 using Text = std::string;
 using Variable = model::Ref<KARMPVariable>;
 template <class T>
@@ -61,21 +58,6 @@ Geometry AddPoint(Model& model, Text id, Body body, Numbers at)
     return model.Point(id, body, KARMathPoint(at));
 }
 
-Body AddBody(Model& model, Text id, Maybe<KARMathPoint> at, Maybe<KARMathPoint> towards,
-             Maybe<Solid> solid)
-{
-    Solid body = solid.value_or(Solid());
-    body.at = at;
-    body.towards = towards;
-    return model.Body(id, body);
-}
-
-Variable AddVariable(Model& model, Text id, Maybe<Joint> joint, double value)
-{
-    return joint ? model.Variable(id, *joint, value)
-                 : model.Variable(id, KARMPPhysicalQuantity::NoPhysicalQuantity, value);
-}
-
 documents::SaveOptions OptionsOf(const Maybe<std::wstring>& version, bool isExact)
 {
     documents::SaveOptions options;
@@ -86,10 +68,16 @@ documents::SaveOptions OptionsOf(const Maybe<std::wstring>& version, bool isExac
 
 void BindMakers(const Functions& calls)
 {
-    calls["add"] = [](Model& m, AnyClass cls, Text id) {
+    calls["add"] = [](Model& m, Kind<KARMPEntity> cls, Text id) {
         return m.Add(cls.of->info->getName(), id);
     };
-    calls["add_body"] = &AddBody;
+    calls["add_body"] = [](Model& m, Text id, Maybe<KARMathPoint> at, Maybe<KARMathPoint> towards,
+                           Maybe<Solid> solid) {
+        Solid body = solid.value_or(Solid());
+        body.at = at;
+        body.towards = towards;
+        return m.Body(id, body);
+    };
     calls["add_planar_body"] = [](Model& m, Text id, Maybe<KARMathPoint2D> at,
                                   Maybe<KARMathPoint2D> towards) {
         return m.PlanarBody(id, {.at = at, .towards = towards});
@@ -98,7 +86,10 @@ void BindMakers(const Functions& calls)
     calls["add_frame"] = &Model::Frame;
     calls["add_point"] = &AddPoint;
     calls["add_joint"] = &AddJoint;
-    calls["variable"] = &AddVariable;
+    calls["variable"] = [](Model& m, Text id, Maybe<model::Ref<KARMPJoint>> joint, double value) {
+        return joint ? m.Variable(id, *joint, value)
+                     : m.Variable(id, KARMPPhysicalQuantity::NoPhysicalQuantity, value);
+    };
     calls["add_constant"] = &Model::Constant;
     calls["add_expression"] = [](Model& m, Text id, Quantity quantity, Text equation,
                                  std::vector<Variable> of) {
@@ -112,7 +103,8 @@ void BindMakers(const Functions& calls)
     calls["attach"] = [](Model& m, Kind<KARMPGeometry> cls, Text id, AnyRef body) {
         return m.AttachGeometry(cls, id, body, Where::current());
     };
-    calls["couple"] = [](Model& m, Kind<KARMPCoupling> cls, Text id, Terms terms, double constant) {
+    calls["couple"] = [](Model& m, Kind<KARMPCoupling> cls, Text id, std::vector<model::Term> terms,
+                         double constant) {
         return m.AddCoupling(cls, id, terms, constant, Where::current());
     };
     calls["box"] = &model::Box;
@@ -193,20 +185,20 @@ py::object Differences(ModelState& first, ModelState& second, double tolerance, 
 
 void BindDocuments(const Functions& calls)
 {
-    calls["load"] = [](Path path) {
+    calls["load"] = [](path file) {
         const py::gil_scoped_release release;
-        return model::Load(path);
+        return model::Load(file);
     };
     calls["loads"] = [](std::vector<unsigned char> text, Text name) {
         const py::gil_scoped_release release;
         return model::LoadText(Text(text.begin(), text.end()), name);
     };
-    calls["check"] = [](Path path) {
+    calls["check"] = [](path file) {
         const py::gil_scoped_release release;
-        return documents::CheckFile(path);
+        return documents::CheckFile(file);
     };
-    calls["save"] = [](const Model& m, Path path, Maybe<std::wstring> version, bool isExact) {
-        return m.Save(path, OptionsOf(version, isExact));
+    calls["save"] = [](const Model& m, path file, Maybe<std::wstring> version, bool isExact) {
+        return m.Save(file, OptionsOf(version, isExact));
     };
     calls["text"] = [](const Model& m, Maybe<std::wstring> version, bool isExact) {
         return m.Text(OptionsOf(version, isExact));

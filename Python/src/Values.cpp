@@ -135,18 +135,6 @@ const double* Numbers::Exactly(std::size_t count) const
     return values.data();
 }
 
-Numbers::operator KARMathPoint() const
-{
-    const double* const at = Exactly(3);
-    return {at[0], at[1], at[2]};
-}
-
-Numbers::operator KARMathPoint2D() const
-{
-    const double* const at = Exactly(2);
-    return {at[0], at[1]};
-}
-
 Numbers::operator KARMathAxis() const
 {
     const double* const entry = Exactly(16);
