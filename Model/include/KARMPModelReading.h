@@ -69,8 +69,8 @@ struct KARMP_MODEL_API Motion
 };
 /// The motion that a body has.
 KARMP_MODEL_API Motion MotionOf(const Ref<KARMPBody>& body);
-/// Gives a body a motion, as a solver does with its results; its loader hears of it. The status is
-/// the first one that is no success.
+/// Gives a body a motion, all of it, as a solver does with its results; its loader hears of it. The
+/// status is the first one that is no success.
 KARMP_MODEL_API KARStatus Move(const Ref<KARMPBody>& body, const Motion& motion);
 
 /// A force along the axes of the world, in N, and a torque, in N m.

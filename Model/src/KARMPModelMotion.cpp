@@ -70,11 +70,12 @@ Motion MotionOf(const Ref<KARMPBody>& body)
 
 KARStatus Move(const Ref<KARMPBody>& body, const Motion& motion)
 {
-    KARStatus status = body->SetPosition(motion.position, 0);
-    if (status == KARSuccess)
-        status = body->SetVelocity(motion.velocity, motion.angularVelocity);
-    if (status == KARSuccess)
-        status = body->SetAcceleration(motion.acceleration, motion.angularAcceleration);
+    KARStatus status = KARSuccess;
+    for (const KARStatus next :
+         {body->SetPosition(motion.position, 0),
+          body->SetVelocity(motion.velocity, motion.angularVelocity),
+          body->SetAcceleration(motion.acceleration, motion.angularAcceleration)})
+        status = status == KARSuccess ? next : status;
     return status;
 }
 

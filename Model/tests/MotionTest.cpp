@@ -53,6 +53,19 @@ TEST_F(MotionTest, BodyHasTheMotionThatItIsGiven)
     EXPECT_EQ(found.angularAcceleration, motion.angularAcceleration);
 }
 
+TEST_F(MotionTest, BodyGetsAllOfAMotionWhenItsLoaderDoesNotFollow)
+{
+    class Stuck : public BodyLoader
+    {
+        KARStatus ReleaseBody() override { return KARFailure; }
+    };
+    const auto body = m_model.Body("A");
+    body->SetLoader(new Stuck);
+    EXPECT_EQ(Move(body, Motion().At({1.0, 0.0, 0.0}).Turning(Z, 0.5, 2.0, 3.0)), KARFailure);
+    EXPECT_EQ(MotionOf(body).angularVelocity, KARMathVector(0.0, 0.0, 2.0));
+    EXPECT_EQ(MotionOf(body).angularAcceleration, KARMathVector(0.0, 0.0, 3.0));
+}
+
 TEST_F(MotionTest, BodyAtRestNeedsItsWeight)
 {
     const auto body = m_model.Body(
