@@ -106,7 +106,10 @@ ExtractionSelection::ExtractionSelection(const KARMPWorld& world,
         if (IsWanted(*entity) && (!IsPart(*entity) || StandsAlone(*entity)) &&
             m_known.insert(entity.get()).second)
             m_candidates.push_back(entity);
-    SelectCandidates();
+    do
+        SelectCandidates();
+    while (AddOneSided());
+    KeepWaiting();
     PutInOrder();
 }
 
@@ -139,14 +142,24 @@ void ExtractionSelection::CollectAttached()
 void ExtractionSelection::SelectBodies(const std::vector<QOBSharedHandle<KARMPBody>>& bodies,
                                        int reach)
 {
-    // The connectors that are taken along lead from body to body as joints do.
-    std::unordered_multimap<const KARMPEntity*, Entity> connectors;
-    if (reach > 0)
+    // The connectors that are taken along lead from body to body as joints do. Bodies need not
+    // refer back to either.
+    std::unordered_multimap<const KARMPEntity*, Entity> between;
+    const auto addBetween = [&between](const Entity& entity) {
+        ForEachTarget(*entity, [&](const ItemInfo&, const Target& target) {
+            between.emplace(target.get(), entity);
+        });
+    };
+    if (reach > 0) {
         for (const Entity& entity : m_attached)
             if (IsWanted(*entity) && FamilyElementOf(*entity) == L"Connectors")
-                ForEachTarget(*entity, [&](const ItemInfo&, const Target& target) {
-                    connectors.emplace(target.get(), entity);
-                });
+                addBetween(entity);
+        for (int index = 0; index < m_world.Count<KARMPJoint>(); ++index) {
+            QOBSharedHandle<KARMPJoint> joint;
+            if (!KARFailed(m_world.Get<KARMPJoint>(index, joint)) && joint)
+                addBetween(Entity::unchecked(joint));
+        }
+    }
     std::vector<Entity> front;
     for (const auto& body : bodies)
         if (body && !Has(body.get())) {
@@ -156,10 +169,10 @@ void ExtractionSelection::SelectBodies(const std::vector<QOBSharedHandle<KARMPBo
     for (int step = 0; step < reach && !front.empty(); ++step) {
         std::vector<Entity> next;
         std::unordered_set<const KARMPEntity*> passed;
-        const auto pass = [&](const Entity& between) {
-            if (!passed.insert(between.get()).second)
+        const auto pass = [&](const Entity& link) {
+            if (!passed.insert(link.get()).second)
                 return;
-            const Footprint footprint = FootprintOf(between);
+            const Footprint footprint = FootprintOf(link);
             for (const KARMPEntity* body : footprint.bodies)
                 if (!Has(body)) {
                     const Entity reached(const_cast<KARMPEntity*>(body));
@@ -169,15 +182,13 @@ void ExtractionSelection::SelectBodies(const std::vector<QOBSharedHandle<KARMPBo
         };
         for (const Entity& body : front) {
             ForEachTarget(*body, [&](const ItemInfo&, const Target& target) {
-                if (IsOneOf<KARMPJoint>(*target))
-                    pass(target);
-                else if (IsOneOf<KARMPGeometry>(*target))
+                if (IsOneOf<KARMPGeometry>(*target))
                     ForEachTarget(*target, [&](const ItemInfo&, const Target& user) {
                         if (IsOneOf<KARMPConstraint>(*user))
                             pass(user);
                     });
             });
-            const auto [begin, end] = connectors.equal_range(body.get());
+            const auto [begin, end] = between.equal_range(body.get());
             for (auto entry = begin; entry != end; ++entry)
                 pass(entry->second);
         }
@@ -232,6 +243,40 @@ void ExtractionSelection::SelectCandidates()
         }
         m_candidates = std::move(waiting);
     }
+}
+
+// What refers to a selected entity that does not refer back. True when there is any. All that lies
+// in the plane of a sketch refers to the sketch, and has nothing to do with what else lies there.
+bool ExtractionSelection::AddOneSided()
+{
+    const std::size_t before = m_candidates.size();
+    ForEachEntityOf(m_world, [this](const Entity& entity) {
+        if (!IsOneOf<KARMPJoint, KARMPConstraint, KARMPGeometry, KARMPShape>(*entity) ||
+            m_known.count(entity.get()) != 0)
+            return;
+        bool refers = false;
+        ForEachTarget(*entity, [&](const ItemInfo&, const Target& target) {
+            refers = refers || (Has(target.get()) && !IsPart(*target));
+        });
+        if (refers && m_known.insert(entity.get()).second)
+            m_candidates.push_back(entity);
+    });
+    return m_candidates.size() > before;
+}
+
+// The attached entities tell of their links anyway.
+void ExtractionSelection::KeepWaiting()
+{
+    std::unordered_set<const KARMPEntity*> waiting;
+    for (const Entity& candidate : m_candidates)
+        if (IsStructure(*candidate))
+            waiting.insert(candidate.get());
+    if (waiting.empty())
+        return;
+    ForEachEntityOf(m_world, [&](const Entity& entity) {
+        if (waiting.count(entity.get()) != 0)
+            m_waiting.push_back(entity);
+    });
 }
 
 // A variable becomes a candidate by an entity that uses it, a sketch by one that lies in it.

@@ -14,7 +14,8 @@ namespace karmp::documents {
 std::wstring_view FamilyElementOf(const KARMPEntity& entity);
 
 /// Which entities of a world an extract has. Joints, constraints, geometries and variables are
-/// found from the bodies by their links; the further families are looked through as a whole.
+/// found from the bodies by their links, and then by links to which no other one leads back; the
+/// further families are looked through as a whole.
 class ExtractionSelection
 {
 public:
@@ -31,6 +32,9 @@ public:
     /// The entities of the further families, taken along or not, and of those that were not asked
     /// for.
     const std::vector<QOBSharedHandle<KARMPEntity>>& Attached() const { return m_attached; }
+    /// The joints, constraints, geometries and shapes that have to do with the selected entities
+    /// and do not come along, in the order of documents.
+    const std::vector<QOBSharedHandle<KARMPEntity>>& Waiting() const { return m_waiting; }
     /// Extraction::unrelated.
     std::vector<QOBSharedHandle<KARMPEntity>> Unrelated() const;
 
@@ -50,6 +54,8 @@ private:
     bool IsCarrier(const KARMPEntity& target) const;
     /// Selects what comes along until nothing more does.
     void SelectCandidates();
+    bool AddOneSided();
+    void KeepWaiting();
     bool ComesAlong(const Entity& candidate);
     bool AttachedComesAlong(const Entity& candidate) const;
     Footprint FootprintOf(const Entity& entity);
@@ -65,6 +71,7 @@ private:
     std::unordered_map<const KARMPEntity*, std::vector<const KARMPEntity*>> m_carriers;
     std::vector<Entity> m_candidates;
     std::vector<Entity> m_attached;
+    std::vector<Entity> m_waiting;
     std::vector<Entity> m_entities;
 };
 

@@ -100,6 +100,8 @@ Extraction Extractor::Run()
         PlaceSketches();
         for (const auto& [source, duplicate] : m_pairs)
             TellCutLinks(source);
+        for (const Entity& entity : m_selection.Waiting())
+            TellCutLinks(entity);
         for (const Entity& entity : m_selection.Attached())
             if (!m_selection.Has(entity.get()))
                 TellCutLinks(entity);
@@ -371,6 +373,8 @@ void Extractor::TellCutLinks(const Entity& holder)
 {
     const bool has = m_selection.Has(holder.get());
     ForEachTarget(*holder, [&](const ItemInfo& item, const Entity& target) {
+        if (!has && target->isDerivedFrom(KARMPSketch::ClassInfo()))
+            return;
         if (m_selection.Has(target.get()) != has && !IsOnOtherGlobal(*holder, target.get()) &&
             (has || item.otherSide.empty() || !IsToldByTarget(item, holder, target)))
             m_result.cutLinks.push_back({holder, target, item.path});

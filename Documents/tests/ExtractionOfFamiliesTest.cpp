@@ -139,6 +139,42 @@ TEST_F(ExtractionOfFamilies, TakesNoFurtherFamilyThatIsNotAskedFor)
     }
 }
 
+/// The slider-crank whose bodies list neither joints nor geometries.
+World WithoutListsOfBodies()
+{
+    const World world = SliderCrank();
+    for (const auto& body : AllBodies(*world)) {
+        for (int index = 0; index < world->Count<KARMPJoint>(); ++index) {
+            QOBSharedHandle<KARMPJoint> joint;
+            world->Get<KARMPJoint>(index, joint);
+            body->RemoveJoint(joint);
+        }
+        for (int index = 0; index < world->Count<KARMPGeometry>(); ++index) {
+            QOBSharedHandle<KARMPGeometry> geometry;
+            world->Get<KARMPGeometry>(index, geometry);
+            body->RemoveGeometry(geometry);
+        }
+        EXPECT_EQ(body->GetGeometryCount(), 0);
+    }
+    return world;
+}
+
+TEST_F(ExtractionOfFamilies, TakesWhatABodyDoesNotReferBackToAlong)
+{
+    const World world = WithoutListsOfBodies();
+    const Bodies both = Named(*world, {L"Crank", L"Rod"});
+    const Extraction extract = ExtractWorld(*world, both);
+    EXPECT_EQ(SortedNames<KARMPJoint>(*extract.world), (Names{"Crank pin"}));
+    EXPECT_EQ(SortedNames<KARMPGeometry>(*extract.world),
+              (Names{"Crank.Crank pin", "Crank.Main bearing", "GlobalAxisSystem", "Rod.Crank pin",
+                     "Rod.Slider pin"}));
+    const Names cut = TextsOf(extract.cutLinks);
+    EXPECT_EQ(std::count(cut.begin(), cut.end(), "Main bearing Bodies Crank"), 1);
+    EXPECT_EQ(std::count(cut.begin(), cut.end(), "Slider pin Bodies Rod"), 1);
+    const World reached = ExtractWorld(*world, {both[0]}, {1, {}}).world;
+    EXPECT_EQ(NamesOf(AllBodies(*reached)), (Names{"Crank", "GlobalBody", "Rod"}));
+}
+
 TEST_F(ExtractionOfFamilies, PutsThePlaneOfAPlanarBodyOnItsOwnGlobalBody)
 {
     const World world = Example("seven-body-planar");

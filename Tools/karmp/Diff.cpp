@@ -52,7 +52,7 @@ std::optional<documents::LoadResult> Reload(const documents::LoadResult& loaded)
 }
 
 // Lists the collision layers, which reading does not. What stays unlisted is told.
-bool CompleteToCompare(const documents::LoadResult& loaded, const std::string& file)
+bool ListLayers(const documents::LoadResult& loaded, const std::string& file)
 {
     if (!Complete(*loaded.world))
         return false;
@@ -72,8 +72,12 @@ int RunDiff(const DiffOptions& options)
     if (!before)
         return Unreadable;
     const auto after = options.after.empty() ? Reload(*before) : LoadWorld(options.after);
-    if (!after || !CompleteToCompare(*before, options.before) ||
-        !CompleteToCompare(*after, options.after.empty() ? "<saved>" : options.after))
+    if (!after)
+        return Unreadable;
+    // Both, since a world that is completed lists its globals, too.
+    const bool hasLayers = !before->unlisted.empty() || !after->unlisted.empty();
+    if (hasLayers && !(ListLayers(*before, options.before) &&
+                       ListLayers(*after, options.after.empty() ? "<saved>" : options.after)))
         return Unreadable;
 
     documents::DifferenceOptions how;

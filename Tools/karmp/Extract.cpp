@@ -80,8 +80,10 @@ int RunExtract(const ExtractOptions& options)
         return Unreadable;
     }
     const auto loaded = LoadWorld(options.file);
-    if (!loaded || !MayWrite(options.file, writing, loaded->diagnostics) ||
-        !Complete(*loaded->world))
+    if (!loaded || !MayWrite(options.file, writing, loaded->diagnostics))
+        return Unreadable;
+    // Lists the collision layers, which reading does not.
+    if (!loaded->unlisted.empty() && !Complete(*loaded->world))
         return Unreadable;
     const Bodies bodies = FindBodies(*loaded->world, options.bodies);
     if (bodies.empty())
