@@ -165,8 +165,8 @@ class Editing:
     _begins: list[int] = []
 
     def __init__(self, model: Model) -> None:
-        _karmp._findings(model)  # raises for what is no model
-        self._model = model
+        _karmp._linear_tolerance(model)  # raises for what is no model
+        self._model, self._end = model, _karmp._end_editing
         self._begins = []
 
     def __enter__(self) -> Editing:
@@ -181,11 +181,11 @@ class Editing:
     ) -> Literal[False]:
         if not self._begins:
             raise Error("the block of edits is not open")
-        _karmp._end_editing(self._model, self._begins[-1], kind is None)
+        self._end(self._model, self._begins[-1], kind is None)
         self._begins.pop()
         return False
 
     def __del__(self) -> None:
         # What was entered and not left is kept.
         while self._begins:
-            _karmp._end_editing(self._model, self._begins.pop(), True)
+            self._end(self._model, self._begins.pop(), True)

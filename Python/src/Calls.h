@@ -135,8 +135,12 @@ decltype(auto) Taken(py::handle given, ModelState* of = nullptr)
         return T{found};
     } else {
         py::detail::make_caster<T> caster;
+        constexpr bool isSolid = std::is_same_v<T, model::BodyOptions>;
         if (!caster.load(given, true))
-            RaiseNeeded(std::is_arithmetic_v<T> ? "a number" : "another argument", given);
+            RaiseNeeded(std::is_arithmetic_v<T> ? "a number"
+                        : isSolid               ? "a Solid"
+                                                : "a path",
+                        given);
         return T(py::detail::cast_op<T&>(caster));
     }
 }

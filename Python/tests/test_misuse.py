@@ -85,6 +85,19 @@ class WrongValues(unittest.TestCase):
             with self.assertRaises((TypeError, AttributeError)):
                 setattr(self.body, item, value)
 
+    def test_wrong_arguments_are_told_by_what_is_needed(self):
+        m, body = self.model, self.body
+        for use, needed in ((lambda: m.add_body(3), "a str is needed, not 3"),
+                            (lambda: m.add_body("C", solid=3), "a Solid is needed, not 3"),
+                            (lambda: m.add_rod("C", "1", (0, 0), (1, 0)), "a number is needed, not '1'"),
+                            (lambda: m.add_point("C", 3, (0, 0, 0)), "an entity is needed, not 3"),
+                            (lambda: m.add_motor("C", body), 'Body "B" is no Variable'),
+                            (lambda: m.add(int, "C"), "a class of Entity is needed"),
+                            (lambda: m.diff(3), "a Model is needed, not 3"),
+                            (lambda: m.save(3), "a path is needed, not 3")):
+            with self.assertRaisesRegex(TypeError, needed):
+                use()
+
     def test_wrong_shapes_are_value_errors(self):
         for item, value in (("cog", [1, 2]), ("cog", [[1, 2, 3]]), ("inertia_matrix", [1] * 9),
                             ("inertia_matrix", [[1, 2], [3, 4]]), ("cog", []),
