@@ -55,31 +55,20 @@ struct Slot<Function>
     }
 };
 
-// Tells the near name, which Python's own attribute errors lack.
-void TellNear(PyObject* self, PyObject* name)
+// Gets or sets an attribute by Python's own function, whose errors lack the near name.
+template <auto Own, class... Value>
+auto Attribute(PyObject* self, PyObject* name, Value... value)
 {
+    const auto done = Own(self, name, value...);
+    if (PyErr_Occurred() == nullptr || PyErr_ExceptionMatches(PyExc_AttributeError) == 0)
+        return done;
     const EntityClass& of = ClassOf(*ObjectOf(self).entity);
-    if (PyErr_ExceptionMatches(PyExc_AttributeError) == 0 || !PyUnicode_Check(name) ||
-        FindProperty(of, Taken<std::string>(name)) != nullptr)
-        return;
-    PyErr_Clear();
-    PropertyOf(of, Taken<std::string>(name));
-}
-
-PyObject* GetAttribute(PyObject* self, PyObject* name)
-{
-    PyObject* const found = PyObject_GenericGetAttr(self, name);
-    if (found == nullptr)
-        TellNear(self, name);
-    return found;
-}
-
-int SetAttribute(PyObject* self, PyObject* name, PyObject* value)
-{
-    const int status = PyObject_GenericSetAttr(self, name, value);
-    if (status != 0)
-        TellNear(self, name);
-    return status;
+    const std::string text = Taken<std::string>(name);
+    if (FindProperty(of, text) == nullptr) {
+        PyErr_Clear();
+        PropertyOf(of, text);
+    }
+    return done;
 }
 
 PyObject* Represent(PyObject* self)
@@ -94,8 +83,8 @@ PyTypeObject* WithSlots(py::handle made)
 {
     auto* const type = reinterpret_cast<PyTypeObject*>(made.ptr());
     type->tp_repr = &Slot<&Represent>::Call;
-    type->tp_getattro = &Slot<&GetAttribute>::Call;
-    type->tp_setattro = &Slot<&SetAttribute>::Call;
+    type->tp_getattro = &Slot<&Attribute<&PyObject_GenericGetAttr>>::Call;
+    type->tp_setattro = &Slot<&Attribute<&PyObject_GenericSetAttr, PyObject*>>::Call;
     return type;
 }
 
