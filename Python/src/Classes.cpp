@@ -59,6 +59,8 @@ struct Slot<Function>
 template <auto Own, class... Value>
 auto Attribute(PyObject* self, PyObject* name, Value... value)
 {
+    if (sizeof...(Value) > 0 && PyUnicode_CompareWithASCIIString(name, "__class__") == 0)
+        Raise(PyExc_TypeError, "the class of an entity cannot be set");
     const auto done = Own(self, name, value...);
     if (PyErr_Occurred() == nullptr || PyErr_ExceptionMatches(PyExc_AttributeError) == 0)
         return done;

@@ -143,6 +143,13 @@ class WrongValues(unittest.TestCase):
             with self.assertRaises(Exception):
                 use()
 
+    def test_class_of_an_entity_stays(self):
+        with self.assertRaisesRegex(TypeError, "class of an entity cannot be set"):
+            self.body.__class__ = karmp.Motor
+        with self.assertRaises(TypeError):
+            object.__setattr__(self.body, "__class__", karmp.Motor)
+        self.assertIs(type(self.body), karmp.Body)
+
     def test_lists_and_blocks_that_are_of_nothing_raise(self):
         for kind in (karmp.Links, karmp.Entities, karmp.Model.Editing):
             for make in (kind, lambda: kind(None), lambda: kind(None, None)):
