@@ -87,6 +87,12 @@ def _told(name: str, says: str) -> Any:
     return _property(getattr(_karmp, "_" + name), says, change if set else None)
 
 
+def _check_class(cls: type[Entity], base: type[Entity]) -> None:
+    _karmp._item_names(cls)  # raises for a class of another kind
+    if not issubclass(cls, base):
+        raise TypeError(f"a class of {base.__name__} is needed, not {cls!r}")
+
+
 def _unpickled(model: Model, identifier: str) -> Entity:
     return model.all(Entity)[identifier]
 
@@ -153,6 +159,7 @@ class _Model(Model):
                   frame: _Rows | None = None, **items: Any) -> _E:
         """A joint between two bodies, about or along an axis through a point, or between two
         geometries, with all that realises it."""
+        _check_class(kind, _karmp.Joint)
         return self._make(items, "add_joint", kind, id, parent, child, at, axis, frame)
 
     def variable(self, id: str, joint: Joint | None = None, value: float = 0.0,
@@ -179,15 +186,18 @@ class _Model(Model):
     def connect(self, cls: type[_E], id: str, first: Geometry, second: Geometry,
                 **items: Any) -> _E:
         """A connector, a spring for one, between geometries of two bodies."""
+        _check_class(cls, _karmp.Connector)
         return self._make(items, "connect", cls, id, first, second)
 
     def attach(self, cls: type[_E], id: str, body: Entity, **items: Any) -> _E:
         """A geometry on a body."""
+        _check_class(cls, _karmp.Geometry)
         return self._make(items, "attach", cls, id, body)
 
     def couple(self, cls: type[_E], id: str, terms: dict[Variable, float], constant: float = 0.0,
                **items: Any) -> _E:
         """A coupling: the sum of coefficients times variables, plus the constant, is 0."""
+        _check_class(cls, _karmp.Coupling)
         return self._make(items, "couple", cls, id, [*terms.items()], constant)
 
     def link(self, first: Entity, second: Entity, item: str = "") -> None:

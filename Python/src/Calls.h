@@ -31,15 +31,6 @@ struct Numbers
     operator KARMathAxis() const;
 };
 
-/// A class of entities that is T or derived from it.
-template <class T>
-struct Kind
-{
-    using Base = T;
-    const EntityClass* of = nullptr;
-    operator const QOBClassInfo&() const { return *of->info; }
-};
-
 template <class... F>
 struct Overloads : F...
 {
@@ -95,6 +86,8 @@ decltype(auto) Taken(py::handle given, ModelState* of = nullptr)
         return ModelOf(given);
     else if constexpr (std::is_same_v<T, EntityObject&>)
         return AliveOf(given);
+    else if constexpr (std::is_same_v<T, const EntityClass&>)
+        return ClassOf(given);
     else if constexpr (std::is_reference_v<T>)
         return Taken<std::remove_cvref_t<T>>(given, of);
     else if constexpr (requires(T optional) { optional.has_value(); })
@@ -127,12 +120,6 @@ decltype(auto) Taken(py::handle given, ModelState* of = nullptr)
         const auto set = [&]<class U>(U& field) { field = Taken<U>(values[at++], of); };
         std::apply([&](auto&... field) { (set(field), ...); }, Fields(taken));
         return taken;
-    } else if constexpr (requires { typename T::Base; }) {
-        const EntityClass* const found = FindClass(given);
-        const auto& base = T::Base::ClassInfo();
-        if (found == nullptr || !found->info->isDerivedFrom(base))
-            RaiseNeeded("a class of " + ClassNameOf(base.getName()), given);
-        return T{found};
     } else {
         py::detail::make_caster<T> caster;
         constexpr bool isSolid = std::is_same_v<T, model::BodyOptions>;
@@ -145,7 +132,6 @@ decltype(auto) Taken(py::handle given, ModelState* of = nullptr)
     }
 }
 
-py::object WordText(std::wstring_view word);
 py::object ArrayOf(const NumberArray& numbers);
 
 /// A result to Python, entities as those of a model.
@@ -157,7 +143,7 @@ py::object Give(const T& result, ModelState* of)
     else if constexpr (std::is_same_v<T, std::monostate>)
         return py::none();
     else if constexpr (std::is_same_v<T, EnumWord>)
-        return WordText(result.text);
+        return ToText(result.text);
     else if constexpr (std::is_same_v<T, NumberArray>)
         return ArrayOf(result);
     else if constexpr (std::is_same_v<T, Entity>)

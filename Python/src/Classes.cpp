@@ -209,12 +209,12 @@ EntityObject& AliveOf(py::handle object)
     return found;
 }
 
-const EntityClass* FindClass(py::handle type)
+const EntityClass& ClassOf(py::handle type)
 {
     for (const auto& [info, of] : known)
         if (TypeOf(*of).is(type))
-            return of;
-    return nullptr;
+            return *of;
+    RaiseNeeded("a class of entities", type);
 }
 
 const EntityClass& ClassOf(const KARMPEntity& entity)

@@ -146,8 +146,8 @@ ModelState& ModelOf(py::handle object);
 py::object Wrap(const Entity& entity, ModelState& state);
 /// The object of an entity that is not deleted, of a model that is free; raises otherwise.
 EntityObject& AliveOf(py::handle object);
-/// The class that a Python class stands for, null for another one.
-const EntityClass* FindClass(py::handle type);
+/// The class that a Python class stands for, which raises for another one, and that of an entity.
+const EntityClass& ClassOf(py::handle type);
 const EntityClass& ClassOf(const KARMPEntity& entity);
 /// The property of a class by its name; raises AttributeError that tells the near name.
 const Property& PropertyOf(const EntityClass& of, const std::string& name);

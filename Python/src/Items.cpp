@@ -132,10 +132,10 @@ py::object ColumnOf(ModelState& state, const ItemInfo& item, const std::vector<E
 }
 
 // A column by the kind of its item, of those that can be had.
-py::object Column(ModelState& self, Kind<KARMPEntity> cls, std::string name)
+py::object Column(ModelState& self, const EntityClass& cls, std::string name)
 {
-    const ItemInfo& item = *PropertyOf(*cls.of, name).item;
-    const std::vector<Entity> entities = AllOf(self.model, cls);
+    const ItemInfo& item = *PropertyOf(cls, name).item;
+    const std::vector<Entity> entities = AllOf(self.model, *cls.info);
     if (item.kind == ItemKind::Integer)
         return ColumnOf(self, item, entities, 0);
     if (item.kind == ItemKind::Flag || item.isFlag)
@@ -218,22 +218,24 @@ void BindItems(const Functions& calls)
 {
     calls["column"] = &Column;
     calls["link_item"] = &LinkItem;
-    calls["item_names"] = [](Kind<KARMPEntity> cls) {
+    calls["item_names"] = [](const EntityClass& cls) {
         std::vector<std::string> names;
-        for (const Property* const property : cls.of->properties)
+        for (const Property* const property : cls.properties)
             names.push_back(property->name);
         return names;
     };
-    calls["items"] = [](Kind<KARMPEntity> cls) { return ItemsOf(*cls.of->info); };
+    calls["items"] = [](const EntityClass& cls) { return ItemsOf(*cls.info); };
     calls["targets"] = [](EntityObject& owner, std::string name) {
         return ItemOf(owner, name).Get(*owner.entity);
     };
     calls["words"] = [](EntityObject& owner, std::string name) {
         return ItemOf(owner, name).EntryWords(*owner.entity);
     };
-    calls["all"] = [](ModelState& of, Kind<KARMPEntity> cls) { return AllOf(of.model, cls); };
-    calls["count"] = [](ModelState& of, Kind<KARMPEntity> cls) {
-        return AllOf(of.model, cls).size();
+    calls["all"] = [](ModelState& of, const EntityClass& cls) {
+        return AllOf(of.model, *cls.info);
+    };
+    calls["count"] = [](ModelState& of, const EntityClass& cls) {
+        return AllOf(of.model, *cls.info).size();
     };
     calls["near"] = [](std::wstring text, std::vector<std::wstring> names) {
         return NearText(text, names);

@@ -28,11 +28,11 @@ State NewModel(const py::args& given)
     return Do(*made, "Model", [&] { return made; });
 }
 
-Entity AddJoint(Model& model, Kind<KARMPJoint> kind, Text id, AnyRef parent, AnyRef child,
+Entity AddJoint(Model& model, const EntityClass& kind, Text id, AnyRef parent, AnyRef child,
                 Maybe<Numbers> at, Numbers axis, Maybe<Numbers> frame)
 {
     const auto add = [&]<class T>(const model::Ref<T>& first, const auto&... where) {
-        return model.AddJoint(kind, id, first, As<T>(child), where..., Where::current());
+        return model.AddJoint(*kind.info, id, first, As<T>(child), where..., Where::current());
     };
     if (const auto geometry = parent.As<KARMPGeometry>())
         return add(geometry);
@@ -68,8 +68,8 @@ documents::SaveOptions OptionsOf(const Maybe<std::wstring>& version, bool isExac
 
 void BindMakers(const Functions& calls)
 {
-    calls["add"] = [](Model& m, Kind<KARMPEntity> cls, Text id) {
-        return m.Add(cls.of->info->getName(), id);
+    calls["add"] = [](Model& m, const EntityClass& cls, Text id) {
+        return m.Add(cls.info->getName(), id);
     };
     calls["add_body"] = [](Model& m, Text id, Maybe<KARMathPoint> at, Maybe<KARMathPoint> towards,
                            Maybe<Solid> solid) {
@@ -96,16 +96,15 @@ void BindMakers(const Functions& calls)
         return m.Expression(id, quantity, equation, std::span<const Variable>(of));
     };
     calls["add_motor"] = &Model::Motor;
-    calls["connect"] = [](Model& m, Kind<KARMPConnector> cls, Text id, Geometry one,
-                          Geometry other) {
-        return m.AddConnector(cls, id, one, other, Where::current());
+    calls["connect"] = [](Model& m, const EntityClass& cls, Text id, Geometry one, Geometry other) {
+        return m.AddConnector(*cls.info, id, one, other, Where::current());
     };
-    calls["attach"] = [](Model& m, Kind<KARMPGeometry> cls, Text id, AnyRef body) {
-        return m.AttachGeometry(cls, id, body, Where::current());
+    calls["attach"] = [](Model& m, const EntityClass& cls, Text id, AnyRef body) {
+        return m.AttachGeometry(*cls.info, id, body, Where::current());
     };
-    calls["couple"] = [](Model& m, Kind<KARMPCoupling> cls, Text id, std::vector<model::Term> terms,
+    calls["couple"] = [](Model& m, const EntityClass& cls, Text id, std::vector<model::Term> terms,
                          double constant) {
-        return m.AddCoupling(cls, id, terms, constant, Where::current());
+        return m.AddCoupling(*cls.info, id, terms, constant, Where::current());
     };
     calls["box"] = &model::Box;
     calls["cylinder"] = &model::Cylinder;

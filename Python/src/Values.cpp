@@ -200,16 +200,6 @@ void LoadNumpy()
     isLoaded = true;
 }
 
-// The words live as long as the library, and so do their texts.
-py::object WordText(std::wstring_view word)
-{
-    static auto& texts = *new std::unordered_map<const wchar_t*, py::object>;
-    py::object& text = texts[word.data()];
-    if (!text)
-        text = ToText(word);
-    return text;
-}
-
 py::object ArrayOf(const NumberArray& numbers)
 {
     const auto rows = static_cast<py::ssize_t>(numbers.Rows());

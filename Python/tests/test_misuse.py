@@ -92,7 +92,8 @@ class WrongValues(unittest.TestCase):
                             (lambda: m.add_rod("C", "1", (0, 0), (1, 0)), "a number is needed, not '1'"),
                             (lambda: m.add_point("C", 3, (0, 0, 0)), "an entity is needed, not 3"),
                             (lambda: m.add_motor("C", body), 'Body "B" is no Variable'),
-                            (lambda: m.add(int, "C"), "a class of Entity is needed"),
+                            (lambda: m.add(int, "C"), "a class of entities is needed, not <class 'int'>"),
+                            (lambda: m.attach(karmp.Body, "C", body), "a class of Geometry is needed"),
                             (lambda: m.diff(3), "a Model is needed, not 3"),
                             (lambda: m.save(3), "a path is needed, not 3")):
             with self.assertRaisesRegex(TypeError, needed):
