@@ -14,6 +14,7 @@ import time
 import karmp
 
 CALLS = 200_000
+CACHE = tempfile.TemporaryDirectory()
 
 
 def best(work, repeats=9):
@@ -27,11 +28,13 @@ def best(work, repeats=9):
 
 
 def of_child(*command, repeats=15):
-    """The least CPU time of a process in seconds."""
+    """The least CPU time of a process in seconds, with the bytecode that installed packages have."""
     times = []
+    environment = {**os.environ, "PYTHONPYCACHEPREFIX": CACHE.name}
+    environment.pop("PYTHONDONTWRITEBYTECODE", None)
     for _ in range(repeats):
         before = resource.getrusage(resource.RUSAGE_CHILDREN)
-        subprocess.run(command, check=True, stdout=subprocess.DEVNULL)
+        subprocess.run(command, check=True, stdout=subprocess.DEVNULL, env=environment)
         after = resource.getrusage(resource.RUSAGE_CHILDREN)
         times.append(after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime)
     return min(times)

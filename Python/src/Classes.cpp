@@ -93,9 +93,8 @@ PyTypeObject* WithSlots(py::handle made)
 std::string DocOf(const ItemInfo& item)
 {
     std::string doc(item.says);
-    if (item.quantity != KARMPPhysicalQuantity::NoPhysicalQuantity)
-        doc += " Quantity: " +
-               kar::ToUtf8(EnumTexts<KARMPPhysicalQuantity::Enum>::Rows[item.quantity]) + '.';
+    if (const auto row = static_cast<std::size_t>(item.quantity); row != 0)
+        doc += " Quantity: " + kar::ToUtf8(EnumTexts<KARMPPhysicalQuantity::Enum>::Rows[row]) + '.';
     for (std::size_t i = 0; item.kind == ItemKind::Word && i < item.words.size(); ++i)
         doc += (i == 0 ? " One of " : ", ") + kar::ToUtf8(item.words[i]) +
                (i + 1 == item.words.size() ? "." : "");
