@@ -523,8 +523,8 @@ std::vector<EntityNumber> Matcher::SortedByNumbers(Side& side, Group group) cons
 bool Matcher::MatchRest()
 {
     const auto keyed = Keys([](const Side& side, EntityNumber number) {
-        const bool isCandidate = IsNamed(side, number) || side.anchors[number] == 0;
-        return isCandidate ? TitleOf(side, number) : 0;
+        const std::uint64_t title = TitleOf(side, number);
+        return IsNamed(side, number) ? title : Mix(title, side.anchors[number]);
     });
     bool isAny = false;
     ForEachGroup(keyed[0], keyed[1], [&](Group before, Group after) {

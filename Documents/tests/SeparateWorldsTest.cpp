@@ -212,6 +212,24 @@ TEST_F(SeparateWorlds, TellWhatHasNoNameApartByContentWhereAnEntityIsLacking)
     EXPECT_EQ(KindsOf(differences), Kinds(3, DifferenceKind::Removed)) << TextOf(differences);
 }
 
+TEST_F(SeparateWorlds, MatchManyChangedEntitiesOfOneNeighbour)
+{
+    constexpr std::size_t count = 20;
+    for (Built* const built : {&first, &second}) {
+        const auto hub = built->Add<KARMPBody>(L"Hub");
+        const std::size_t more = built == &first ? 0 : 1;
+        for (std::size_t i = 0; i < count + more; ++i) {
+            const auto body = built->Add<KARMPBody>(L"", std::to_wstring(i));
+            body->SetMass(static_cast<double>(i) + (more > 0 ? 0.5 : 0.0));
+            hub->AddImpactedChildBody(body);
+        }
+    }
+    Kinds expected(count, DifferenceKind::Changed);
+    expected.insert(expected.begin(), DifferenceKind::LinkGained);
+    expected.push_back(DifferenceKind::Added);
+    EXPECT_EQ(CompareKinds(), expected);
+}
+
 TEST_F(SeparateWorlds, MatchChangedEntitiesWhateverTheirOrder)
 {
     const auto compare = [](const std::vector<double>& masses, const std::vector<double>& others) {
