@@ -1,5 +1,7 @@
 #include "KARMPDocumentPath.h"
 
+#include "KARMPDocumentNodes.h"
+#include "KARMPNodeQueries.h"
 #include "KARMPTextEscapes.h"
 
 #include <algorithm>
@@ -10,19 +12,29 @@ namespace {
 
 constexpr std::size_t LongestPath = 64;
 
+// Where a node stands or would stand among children of its name, which are in the order of the
+// document: a search that takes as long as they are many would make many findings quadratic.
+auto FindAmong(KARMPDeserializer::ElementSpan siblings, const KARMPDeserializer& node)
+{
+    return std::lower_bound(
+        siblings.begin(), siblings.end(), DocumentNodes::Number(NodeOf(node)),
+        [](const KARMPDeserializer* sibling, std::uint32_t number) {
+            return DocumentNodes::Number(NodeOf(*sibling)) < number;
+        });
+}
+
 // The number of a node among the children of its name, from 1; 0 when it is the only one.
 std::ptrdiff_t NumberAmongSiblings(const KARMPDeserializer& parent, const KARMPDeserializer& node)
 {
     const KARMPDeserializer::ElementSpan siblings = parent.ElementsNamed(node.Id());
-    return siblings.size() > 1
-               ? std::find(siblings.begin(), siblings.end(), &node) - siblings.begin() + 1
-               : 0;
+    return siblings.size() > 1 ? FindAmong(siblings, node) - siblings.begin() + 1 : 0;
 }
 
 bool IsChild(const KARMPDeserializer& parent, const KARMPDeserializer& node)
 {
     const KARMPDeserializer::ElementSpan children = parent.ElementsNamed(node.Id());
-    return std::find(children.begin(), children.end(), &node) != children.end();
+    const auto found = FindAmong(children, node);
+    return found != children.end() && *found == &node;
 }
 
 } // namespace

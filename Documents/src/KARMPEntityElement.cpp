@@ -256,8 +256,10 @@ void ElementComparison::CompareAttributes(const Pair& pair)
 void ElementComparison::CompareChildren(const Pair& pair)
 {
     std::vector<Pair> pairs;
-    for (const auto& [name, children] : NamesakesOf(*pair.before, *pair.after)) {
-        const auto& [before, after] = children;
+    for (const auto& namesakes : NamesakesOf(*pair.before, *pair.after)) {
+        const std::wstring_view name = namesakes.name;
+        const auto& before = namesakes.children[0];
+        const auto& after = namesakes.children[1];
         const auto pairOf = [&](std::size_t first, std::size_t second) {
             const std::size_t index = first < before.size() ? first : second;
             std::wstring path = NumberedName(name, index);

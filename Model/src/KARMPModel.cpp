@@ -171,7 +171,7 @@ Model::Entity Model::AddSensor(const QOBClassInfo& info, bool (*fits)(const KARM
             auto loader = load(*sensor, fill);
             if (!edit.Check(sensor->SetLoader(loader.get()), "the loader", *sensor))
                 return false;
-            loader.release(); // the sensor's
+            static_cast<void>(loader.release()); // the sensor's
             return true;
         });
 }
@@ -241,9 +241,11 @@ Model::Entity Model::GetEntity(bool (*fits)(const KARMPEntity&), const std::stri
     if (found.size() == 1)
         return std::move(found.front());
     const std::string quoted = '"' + std::string(key) + '"';
+    const bool isAnyClass = className == KARMPEntity::ClassInfo().getName();
     std::string text;
     if (found.size() > 1) {
-        text = NumberWord(found.size()) + ' ' + className + " have the name " + quoted;
+        text = NumberWord(found.size()) + ' ' + (isAnyClass ? "entities" : className) +
+               " have the name " + quoted;
     } else {
         std::vector<std::string> names;
         m_core->ForEach(-1, [&](const Entity& entity) {
@@ -254,7 +256,7 @@ Model::Entity Model::GetEntity(bool (*fits)(const KARMPEntity&), const std::stri
                 names.push_back(kar::ToUtf8(identifier->Copy()));
         });
         const std::string nearest = NearestName(key, names);
-        text = "there is no " + className + ' ' + quoted +
+        text = "there is no " + (isAnyClass ? "entity" : className) + ' ' + quoted +
                (nearest.empty() ? nearest : "; near: \"" + nearest + '"');
     }
     problem = Outcome(Problem{std::move(text), KARFailure, where});

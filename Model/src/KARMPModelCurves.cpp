@@ -70,7 +70,7 @@ bool AddPiece(Edit& edit, KARMPCurve& curve, const CurvePiece& piece)
     if (!edit.Check(curve.AddCurve(piece.get(), KARMPCurveOrientation::Positive, limits.get()),
                     "a piece", curve))
         return false;
-    limits.release(); // the curve frees them at its end
+    static_cast<void>(limits.release()); // the curve frees them at its end
     return true;
 }
 

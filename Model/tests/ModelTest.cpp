@@ -94,6 +94,9 @@ TEST_F(ModelTest, GetTellsNearNamesAndHowManyHaveAName)
     EXPECT_EQ(model.Get<KARMPBody>("Roker").Error().text,
               "there is no KARMPBody \"Roker\"; near: \"Rocker\"");
     EXPECT_EQ(model.Get<KARMPBody>("Rod").Error().text, "three KARMPBody have the name \"Rod\"");
+    EXPECT_EQ(model.Get<KARMPEntity>("Roker").Error().text,
+              "there is no entity \"Roker\"; near: \"Rocker\"");
+    EXPECT_EQ(model.Get<KARMPEntity>("Rod").Error().text, "three entities have the name \"Rod\"");
     EXPECT_FALSE(model.Find<KARMPBody>("Rod"));
     const int line = __LINE__ + 1;
     EXPECT_EQ(model.Get<KARMPBody>("zzz").Error().where.line, line);
