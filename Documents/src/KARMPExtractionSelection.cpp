@@ -29,7 +29,14 @@ bool IsOneOf(const KARMPEntity& entity)
     return (entity.isDerivedFrom(T::ClassInfo()) || ...);
 }
 
-// Found from the bodies by links.
+// The families of what is found from the bodies by links.
+template <class T>
+constexpr bool IsStructureFamily =
+    std::is_same_v<T, KARMPBody> || std::is_same_v<T, KARMPShape> ||
+    std::is_same_v<T, KARMPJoint> || std::is_same_v<T, KARMPConstraint> ||
+    std::is_same_v<T, KARMPGeometry> || std::is_same_v<T, KARMPVariable> ||
+    std::is_same_v<T, KARMPValue>;
+
 bool IsStructure(const KARMPEntity& entity)
 {
     return IsOneOf<KARMPBody, KARMPShape, KARMPJoint, KARMPConstraint, KARMPGeometry, KARMPVariable,
@@ -66,17 +73,21 @@ bool StandsAlone(const KARMPEntity& entity)
            family == RegistryElementName<KARMPMaterial>();
 }
 
+template <class T, class Visit>
+void ForEachOf(const KARMPWorld& world, Visit& visit)
+{
+    QOBSharedHandle<T> entity;
+    for (int index = 0; index < world.Count<T>(); ++index)
+        if (!KARFailed(world.Get<T>(index, entity)) && entity)
+            visit(Target::unchecked(entity));
+}
+
 // Calls `visit` with each listed entity, in the order of documents.
 template <class Visit>
 void ForEachEntityOf(const KARMPWorld& world, Visit visit)
 {
     ForEachRegistryElement([&](const auto& element) {
-        using T = typename std::remove_cvref_t<decltype(element)>::Type;
-        for (int index = 0; index < world.Count<T>(); ++index) {
-            QOBSharedHandle<T> entity;
-            if (!KARFailed(world.Get<T>(index, entity)) && entity)
-                visit(Target::unchecked(entity));
-        }
+        ForEachOf<typename std::remove_cvref_t<decltype(element)>::Type>(world, visit);
     });
 }
 
@@ -131,12 +142,16 @@ bool ExtractionSelection::IsWanted(const KARMPEntity& entity) const
 
 void ExtractionSelection::CollectAttached()
 {
-    ForEachEntityOf(
-        m_world,
-        [this](const Entity& entity) {
-            if (!IsStructure(*entity))
-                m_attached.push_back(entity);
-        });
+    const auto collect = [this](const Entity& entity) {
+        if (!IsStructure(*entity))
+            m_attached.push_back(entity);
+    };
+    // A large world consists of structure, which need not be visited.
+    ForEachRegistryElement([&](const auto& element) {
+        using T = typename std::remove_cvref_t<decltype(element)>::Type;
+        if constexpr (!IsStructureFamily<T>)
+            ForEachOf<T>(m_world, collect);
+    });
 }
 
 void ExtractionSelection::SelectBodies(const std::vector<QOBSharedHandle<KARMPBody>>& bodies,
@@ -250,9 +265,8 @@ void ExtractionSelection::SelectCandidates()
 bool ExtractionSelection::AddOneSided()
 {
     const std::size_t before = m_candidates.size();
-    ForEachEntityOf(m_world, [this](const Entity& entity) {
-        if (!IsOneOf<KARMPJoint, KARMPConstraint, KARMPGeometry, KARMPShape>(*entity) ||
-            m_known.count(entity.get()) != 0)
+    const auto add = [this](const Entity& entity) {
+        if (m_known.count(entity.get()) != 0)
             return;
         bool refers = false;
         ForEachTarget(*entity, [&](const ItemInfo&, const Target& target) {
@@ -260,7 +274,11 @@ bool ExtractionSelection::AddOneSided()
         });
         if (refers && m_known.insert(entity.get()).second)
             m_candidates.push_back(entity);
-    });
+    };
+    ForEachOf<KARMPShape>(m_world, add);
+    ForEachOf<KARMPJoint>(m_world, add);
+    ForEachOf<KARMPConstraint>(m_world, add);
+    ForEachOf<KARMPGeometry>(m_world, add);
     return m_candidates.size() > before;
 }
 

@@ -174,7 +174,7 @@ KARMP_API std::vector<const ItemInfo*> OtherSidesOf(const ItemInfo& item, const 
                                                     const QOBClassInfo& target);
 
 /// Calls `visit` with each item and each entity that it refers to, in the order of the items and of
-/// their lists; null entries are left out.
+/// their lists; null entries are left out. The links must not change meanwhile.
 KARMP_API void ForEachTarget(
     const KARMPEntity& entity,
     const std::function<void(const ItemInfo& item, const QOBSharedHandle<KARMPEntity>& target)>&

@@ -15,7 +15,6 @@ namespace karmp {
 namespace {
 
 using Target = QOBSharedHandle<KARMPEntity>;
-using Targets = std::vector<Target>;
 
 // The names of numbers, each of which has an element; otherwise the item's own.
 bool AreNamesSame(const Item& left, const Item& right)
@@ -304,14 +303,18 @@ std::span<const ItemInfo* const> LinkItemsOf(const QOBClassInfo& info)
 void ForEachTarget(const KARMPEntity& entity,
                    const std::function<void(const ItemInfo&, const Target&)>& visit)
 {
+    ItemValue value;
     for (const ItemInfo* const item : LinkItemsOf(entity.getClassInfo())) {
-        const Value data = item->Get(entity);
-        if (const auto* const target = std::get_if<Target>(&data))
-            visit(*item, *target);
-        else if (const auto* const targets = std::get_if<Targets>(&data))
-            for (const Target& entry : *targets)
-                if (entry)
-                    visit(*item, entry);
+        const Item& written = *item->written;
+        const bool isList = item->kind == ItemKind::References && written.count != nullptr;
+        const int count = isList ? written.count(&entity) : written.get != nullptr ? 1 : 0;
+        for (int index = 0; index < count; ++index) {
+            value.entity = {};
+            const KARStatus status =
+                isList ? written.at(&entity, index, value) : written.get(&entity, value);
+            if (!KARFailed(status) && value.entity)
+                visit(*item, Target::unchecked(value.entity));
+        }
     }
 }
 
