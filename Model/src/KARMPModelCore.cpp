@@ -202,8 +202,8 @@ KARStatus Core::File(const Entity& entity, std::size_t family)
         return KARFailure;
     if (const KARStatus status = m_parent->addLogicalChild(entity); KARFailed(status))
         return status;
-    if (const KARStatus status = m_registries[family]->Add(entity); status != KARSuccess)
-        return KARFailed(status) ? status : KARFailure;
+    // Without a look-up, which would be a tenth of an addition: no registry lists what is new.
+    m_registries[family]->AddNew(nullptr, nullptr, QOBSharedBase(entity));
     ++m_known[family];
     return KARSuccess;
 }
