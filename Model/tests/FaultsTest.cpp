@@ -108,6 +108,12 @@ const std::vector<Call>& Calls()
              return model.AddAttributesOf(KARMPOutput::ClassInfo(), model.Find<KARMPBody>("A"),
                                           attributes, Where::current());
          }},
+        {"InitialCondition",
+         [](Model& model) {
+             static const std::initializer_list<Attribute> attributes{
+                 {"group", {{"x", KARMPPhysicalQuantity::Length, 1.0}}}};
+             return static_cast<bool>(model.InitialCondition("New", attributes));
+         }},
         {"AnalysisCase",
          [](Model& model) {
              static const AnalysisOptions options{
@@ -345,7 +351,8 @@ public:
 
 TEST_F(FaultsTest, ModelIsUnchangedWhenTheFactoryMakesNothing)
 {
-    const std::vector<int> made{1, 3, 1, 4, 1, 2, 1, 3, 1, 1, 3, 1, 1, 3, 5, 1, 1, 2};
+    const std::vector<int> made{1, 3, 1, 4, 1, 2, 1, 3, 1, 1, 3, 1, 1, 3, 5, 1, 1, 1, 2};
+    ASSERT_EQ(made.size(), Calls().size());
     for (std::size_t i = 0; i < Calls().size(); ++i)
         EXPECT_EQ(FailInTurn(Calls()[i], Fault::Nothing, KARFailure), made[i]) << Calls()[i].name;
 }
