@@ -78,15 +78,18 @@ Content MakeContent(Edit& edit, const std::string& owner, const Attribute& attri
             "double"};
 }
 
+// The settings are variables: GCC 12 destroys a list in an operand of && after the end of its scope
+// when an allocation for one of its elements fails.
 Entity MakeLeaf(Edit& edit, const AttributeKind& kind, const std::string& identifier,
                 const Attribute& attribute)
 {
     const Content content = MakeContent(edit, identifier, attribute);
     const Entity made = content.value ? edit.Create(*kind.info, identifier) : Entity();
-    const bool isSet = made && edit.SetAll(made, {{"entityID", attribute.name},
-                                                  {"type", content.type},
-                                                  {"Values", Ref(content.value)}});
-    return isSet ? made : Entity();
+    if (!made)
+        return {};
+    const Settings settings{
+        {"entityID", attribute.name}, {"type", content.type}, {"Values", Ref(content.value)}};
+    return edit.SetAll(made, settings) ? made : Entity();
 }
 
 // One for its parts, with the entity that it is about.
@@ -98,12 +101,18 @@ Entity MakeGroup(Edit& edit, const AttributeKind& kind, const std::string& ident
         if (!edit.IsThere(attribute.about->Handle(), "entity that an attribute is about"))
             return {};
         support = edit.Create<KARMPSupport>(identifier + ".support");
-        if (!support || !edit.SetAll(support, {{"Target", *attribute.about}}))
+        if (!support)
+            return {};
+        const Settings settings{{"Target", *attribute.about}};
+        if (!edit.SetAll(support, settings))
             return {};
     }
     const Entity made = edit.Create(*kind.info, identifier);
-    const bool isSet = made && edit.SetAll(made, {{"entityID", attribute.name}}) &&
-                       (!support || edit.Link(made, support, "Supports"));
+    if (!made)
+        return {};
+    const Settings settings{{"entityID", attribute.name}};
+    const bool isSet =
+        edit.SetAll(made, settings) && (!support || edit.Link(made, support, "Supports"));
     return isSet ? made : Entity();
 }
 
