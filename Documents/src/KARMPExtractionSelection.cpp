@@ -30,17 +30,14 @@ bool IsOneOf(const KARMPEntity& entity)
 }
 
 // The families of what is found from the bodies by links.
-template <class T>
-constexpr bool IsStructureFamily =
-    std::is_same_v<T, KARMPBody> || std::is_same_v<T, KARMPShape> ||
-    std::is_same_v<T, KARMPJoint> || std::is_same_v<T, KARMPConstraint> ||
-    std::is_same_v<T, KARMPGeometry> || std::is_same_v<T, KARMPVariable> ||
-    std::is_same_v<T, KARMPValue>;
+using Structure = FamilyList<KARMPBody, KARMPShape, KARMPJoint, KARMPConstraint, KARMPGeometry,
+                             KARMPVariable, KARMPValue>;
 
 bool IsStructure(const KARMPEntity& entity)
 {
-    return IsOneOf<KARMPBody, KARMPShape, KARMPJoint, KARMPConstraint, KARMPGeometry, KARMPVariable,
-                   KARMPValue>(entity);
+    return Structure::AnyOf([&entity](auto family) {
+        return entity.isDerivedFrom(decltype(family)::Type::ClassInfo());
+    });
 }
 
 // Belongs to the entity that refers to it and comes along with that one.
@@ -149,7 +146,9 @@ void ExtractionSelection::CollectAttached()
     // A large world consists of structure, which need not be visited.
     ForEachRegistryElement([&](const auto& element) {
         using T = typename std::remove_cvref_t<decltype(element)>::Type;
-        if constexpr (!IsStructureFamily<T>)
+        const bool isStructure = Structure::AnyOf(
+            [](auto family) { return std::is_same_v<typename decltype(family)::Type, T>; });
+        if (!isStructure)
             ForEachOf<T>(m_world, collect);
     });
 }
