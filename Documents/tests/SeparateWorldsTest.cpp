@@ -23,6 +23,17 @@ protected:
         second = Built(L"b");
     }
 
+    /// Bodies without names, each at the place of its number in the order of making.
+    template <class PlaceOf>
+    static std::vector<QOBSharedHandle<KARMPBody>> AddBodies(Built& built, std::size_t count,
+                                                             PlaceOf placeOf)
+    {
+        std::vector<QOBSharedHandle<KARMPBody>> bodies(count);
+        for (std::size_t i = 0; i < count; ++i)
+            bodies[placeOf(i)] = built.Add<KARMPBody>(L"", L"B" + std::to_wstring(i));
+        return bodies;
+    }
+
     /// A chain of bodies from the ground, all of one name, whose last one has a mass.
     static void AddChain(Built& built, const std::wstring& identifier, int length, double mass)
     {
@@ -285,12 +296,10 @@ TEST_F(SeparateWorlds, AreEqualWhereAlikeBodiesMakeARing)
 {
     constexpr std::size_t count = 60;
     for (Built* const built : {&first, &second}) {
-        std::vector<QOBSharedHandle<KARMPBody>> bodies(count);
         const auto placeOf = [&](std::size_t number) {
             return built == &first ? number : Shuffled(number, count);
         };
-        for (std::size_t i = 0; i < count; ++i)
-            bodies[placeOf(i)] = built->Add<KARMPBody>(L"", L"B" + std::to_wstring(i));
+        const auto bodies = AddBodies(*built, count, placeOf);
         for (std::size_t i = 0; i < count; ++i) {
             const std::size_t place = placeOf(i);
             built->Join(L"", L"J" + std::to_wstring(i), bodies[place], bodies[(place + 1) % count]);
@@ -305,12 +314,10 @@ TEST_F(SeparateWorlds, AreEqualWhereAlikeBodiesMakeAGrid)
     constexpr std::size_t width = 12;
     constexpr std::size_t count = width * width;
     for (Built* const built : {&first, &second}) {
-        std::vector<QOBSharedHandle<KARMPBody>> bodies(count);
         const auto placeOf = [&](std::size_t number) {
             return built == &first ? number : Shuffled(number, count);
         };
-        for (std::size_t i = 0; i < count; ++i)
-            bodies[placeOf(i)] = built->Add<KARMPBody>(L"", L"B" + std::to_wstring(i));
+        const auto bodies = AddBodies(*built, count, placeOf);
         for (std::size_t i = 0; i < count; ++i) {
             const std::size_t place = placeOf(i);
             const std::wstring number = std::to_wstring(i);
