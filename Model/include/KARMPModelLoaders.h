@@ -12,6 +12,7 @@
 #include "KARIMPVariableLoader.h"
 #include "KARMPModelExport.h"
 
+#include <type_traits>
 #include <utility>
 
 class KARMPCollisionSensor;
@@ -125,49 +126,36 @@ public:
 
 /// The loader that a class of sensors takes.
 template <class S>
-struct LoaderOf
-{
-    using Type = PlainLoader<KARIMPSensorLoader>;
-};
+struct LoaderOf : std::type_identity<PlainLoader<KARIMPSensorLoader>>
+{};
 template <>
-struct LoaderOf<KARMPCollisionSensor>
-{
-    using Type = PlainLoader<KARIMPCollisionSensorLoader>;
-};
+struct LoaderOf<KARMPCollisionSensor> : std::type_identity<PlainLoader<KARIMPCollisionSensorLoader>>
+{};
 template <>
-struct LoaderOf<KARMPConnectorSpatialForceSensor>
-{
-    using Type = ConnectorForceLoader;
-};
+struct LoaderOf<KARMPConnectorSpatialForceSensor> : std::type_identity<ConnectorForceLoader>
+{};
 template <>
-struct LoaderOf<KARMPJointDOFSensor>
-{
-    using Type = PlainLoader<KARIMPJointDOFSensorLoader>;
-};
+struct LoaderOf<KARMPJointDOFSensor> : std::type_identity<PlainLoader<KARIMPJointDOFSensorLoader>>
+{};
 template <>
-struct LoaderOf<KARMPJointSpatialForceSensor>
-{
-    using Type = JointForceLoader;
-};
+struct LoaderOf<KARMPJointSpatialForceSensor> : std::type_identity<JointForceLoader>
+{};
 template <>
 struct LoaderOf<KARMPMotorForceSensor>
-{
-    using Type = PlainLoader<KARIMPMotorForceSensorLoader>;
-};
+    : std::type_identity<PlainLoader<KARIMPMotorForceSensorLoader>>
+{};
 template <>
-struct LoaderOf<KARMPProximitySensor>
-{
-    using Type = PlainLoader<KARIMPProximitySensorLoader>;
-};
+struct LoaderOf<KARMPProximitySensor> : std::type_identity<PlainLoader<KARIMPProximitySensorLoader>>
+{};
 
 /// The loader of a sensor that fills it in by a function at each update.
 template <class S, class Fill>
-class FillingLoader : public LoaderOf<S>::Type
+class FillingLoader : public LoaderOf<S>::type
 {
 public:
     /// On a sensor, which outlives it; keeps the function, which takes the sensor.
     FillingLoader(S& sensor, Fill fill)
-        : LoaderOf<S>::Type(sensor), m_sensor(&sensor), m_fill(std::move(fill))
+        : LoaderOf<S>::type(sensor), m_sensor(&sensor), m_fill(std::move(fill))
     {}
     /// Calls the function.
     KARStatus Update() override
