@@ -58,6 +58,17 @@ QOBSharedHandle<KARMPValue> ValueAt(const KARMPEntity& entity, const Names& name
     return value;
 }
 
+// What a sensor of a class measures; null for a sensor of another class.
+template <class S, class T>
+QOBSharedHandle<T> MeasuredBy(const KARMPSensor* sensor,
+                              KARStatus (S::*get)(QOBSharedHandle<T>&) const)
+{
+    QOBSharedHandle<T> measured;
+    if (const auto* const measuring = dynamic_cast<const S*>(sensor))
+        (measuring->*get)(measured);
+    return measured;
+}
+
 // The frame of what the first constraint of a joint, or a connector, is held on.
 template <class Owner>
 KARStatus ReadFrameOn(const QOBSharedHandle<Owner>& owner, KARMPAxisMode::Enum mode,
@@ -145,9 +156,7 @@ KARStatus JointForceLoader::ReadJointFrame(KARMathAxis& frame)
 
 KARStatus JointForceLoader::ReadFrame(KARMPAxisMode::Enum mode, KARMathAxis& frame)
 {
-    QOBSharedHandle<KARMPJoint> joint;
-    if (const auto* const sensor = dynamic_cast<const KARMPJointSpatialForceSensor*>(m_sensor))
-        sensor->GetJoint(joint);
+    const auto joint = MeasuredBy(m_sensor, &KARMPJointSpatialForceSensor::GetJoint);
     return ReadFrameOn(joint ? FirstConstraintOf(*joint) : nullptr, mode, frame);
 }
 
@@ -158,10 +167,8 @@ KARStatus ConnectorForceLoader::ReadConnectorFrame(KARMathAxis& frame)
 
 KARStatus ConnectorForceLoader::ReadFrame(KARMPAxisMode::Enum mode, KARMathAxis& frame)
 {
-    QOBSharedHandle<KARMPConnector> connector;
-    if (const auto* const sensor = dynamic_cast<const KARMPConnectorSpatialForceSensor*>(m_sensor))
-        sensor->GetConnector(connector);
-    return ReadFrameOn(connector, mode, frame);
+    return ReadFrameOn(MeasuredBy(m_sensor, &KARMPConnectorSpatialForceSensor::GetConnector), mode,
+                       frame);
 }
 
 } // namespace karmp::model
