@@ -119,24 +119,17 @@ bool Apply(Edit& edit, Body& body, const Options& options)
 
 } // namespace
 
-QOBSharedHandle<KARMPBody> MakeBody(Edit& edit, std::string_view identifier,
-                                    const BodyOptions& options)
+bool MakeBody(Edit& edit, std::string_view identifier, const BodyOptions& options,
+              QOBSharedHandle<KARMPBody>& body)
 {
-    auto body = edit.Create<KARMPBody>(identifier);
-    if (body && !Apply(edit, *body, options))
-        body = nullptr;
-    return body;
+    body = edit.Create<KARMPBody>(identifier);
+    return body && Apply(edit, *body, options);
 }
 
 Ref<KARMPBody> Model::Body(std::string_view identifier, const BodyOptions& options, Where where)
 {
     return Ref(m_core->Make<KARMPBody>(
-        where,
-        [&](Edit& edit, auto& body) {
-            // As MakeBody, without the handle on the way, which is 5 % of an addition.
-            body = edit.Create<KARMPBody>(identifier);
-            return body && Apply(edit, *body, options);
-        }));
+        where, [&](Edit& edit, auto& body) { return MakeBody(edit, identifier, options, body); }));
 }
 
 Ref<KARMPBody2D> Model::PlanarBody(std::string_view identifier, const PlanarBodyOptions& options,

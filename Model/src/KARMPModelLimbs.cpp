@@ -38,12 +38,12 @@ Model::Entity Model::AddLimb(const QOBClassInfo& info, std::string_view identifi
                 isTurned
                     ? onBase * KARMathTransformation::Rotation(KARMathLine({}, along), place.value)
                     : onBase;
-            const Ref body(MakeBody(edit, identifier, options.PlacedAt(position)));
-            if (!body)
+            QOBSharedHandle<KARMPBody> body;
+            if (!MakeBody(edit, identifier, options.PlacedAt(position), body))
                 return false;
-            made = MakeJointAt(edit, info, joint, parent, PositionOf(parent) * *onParent, body,
+            child = Ref(body);
+            made = MakeJointAt(edit, info, joint, parent, PositionOf(parent) * *onParent, child,
                                position * *onChild);
-            child = body;
             return static_cast<bool>(made);
         });
 }

@@ -54,9 +54,9 @@ QOBSharedHandle<Geometry> MountAt(Edit& edit, std::string_view identifier, const
     return isSet ? geometry : QOBSharedHandle<Geometry>();
 }
 
-/// A body with what its options say; null after a failure.
-QOBSharedHandle<KARMPBody> MakeBody(Edit& edit, std::string_view identifier,
-                                    const BodyOptions& options);
+/// Makes a body with what its options say; false after a failure.
+bool MakeBody(Edit& edit, std::string_view identifier, const BodyOptions& options,
+              QOBSharedHandle<KARMPBody>& body);
 /// A joint between a frame of its parent and one of its child, both told in the world, with all
 /// that belongs to it; null after a failure.
 Edit::Entity MakeJointAt(Edit& edit, const QOBClassInfo& info, std::string_view identifier,
