@@ -88,7 +88,8 @@ public:
     {
         return m_index.AddPrepared(key, identifier, entity);
     }
-    /// Places an entity under the basic world and adds it to the registry of its family.
+    /// Places a new entity, which no registry lists, under the basic world and adds it to the
+    /// registry of its family.
     KARStatus File(const Entity& entity, std::size_t family);
     /// Takes it out again, out of the index too; it is orphaned.
     void Unfile(const Entity& entity, std::size_t family);
