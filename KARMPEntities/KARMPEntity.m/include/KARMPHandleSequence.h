@@ -52,8 +52,6 @@ public:
     void PlaceLinks(const KARMPHandleSequence& source, karmp::LinkPlacer& placer);
     /// True when PlaceLinks placed an entry that was dropped.
     bool HasDroppedLinks() const noexcept;
-    /// Prefetches the entries.
-    void Prefetch() const noexcept;
     /// Allocates at once what that number of entries takes.
     void Reserve(std::size_t count);
     /// Adds an entry before a position, or behind the others when there are not so many.

@@ -35,7 +35,6 @@ public:
             m_handles.PlaceLinks(source.m_handles, placer);
     }
     bool HasDroppedLinks() const noexcept { return m_handles.HasDroppedLinks(); }
-    void Prefetch() const noexcept { m_handles.Prefetch(); }
     /// Inserts a link before an index, without a test for duplicates.
     KARStatus Insert(int index, const QOBSharedHandle<T>& handle,
                      KARMPSourceLocation where = KARMPSourceLocation::current())

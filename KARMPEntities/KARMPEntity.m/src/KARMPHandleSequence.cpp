@@ -247,11 +247,6 @@ bool KARMPHandleSequence::HasDroppedLinks() const noexcept
     return Count() > 0 && std::find(Slots(), Slots() + Count(), nullptr) != Slots() + Count();
 }
 
-void KARMPHandleSequence::Prefetch() const noexcept
-{
-    kar::Prefetch(m_block.get(), BlockSize(2 * FirstCapacity));
-}
-
 void KARMPHandleSequence::Reserve(std::size_t count)
 {
     Compact();

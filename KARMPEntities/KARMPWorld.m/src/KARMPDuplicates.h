@@ -16,15 +16,11 @@ inline constexpr std::size_t CopiedBytes = 384;
 
 class RegistryCore;
 
-/// What a filtered clone does with the links of an entity by its own members: prefetches them, or
-/// links its duplicate in the same way.
-struct PlainLinks
-{
-    void (*prefetch)(const QOBSharedObject& source);
-    void (*place)(const QOBSharedObject& source, QOBSharedObject& duplicate, LinkPlacer& placer);
-};
-/// The functions for a class; null when its links are not restored.
-const PlainLinks* PlainLinksOf(const QOBClassInfo& info);
+/// Links a duplicate as its source is linked, by the members of the class.
+using PlaceLinks = void (*)(const QOBSharedObject& source, QOBSharedObject& duplicate,
+                            LinkPlacer& placer);
+/// The function for a class; null when its links are not restored.
+PlaceLinks PlaceLinksOf(const QOBClassInfo& info);
 
 /// How a clone treats entities of a plain class: one that overrides nothing of what copies them, so
 /// that it can be done without the calls through the entity itself.
@@ -40,7 +36,7 @@ struct PlainKind
     /// or when copying one may look at other copies.
     bool hasFamilyLinks;
     /// Null when the links of the family are not restored.
-    const PlainLinks* links;
+    PlaceLinks placeLinks;
 };
 
 /// The duplicates of the entities of a list, found by their sources. It refers to neither without
@@ -66,8 +62,8 @@ public:
     {
         if (!m_arePlain || !m_placer.Enter(&source, &duplicate))
             EnterOther(&source, &duplicate);
-        else if (kind.links != nullptr)
-            kind.links->place(source, duplicate, m_placer);
+        else if (kind.placeLinks != nullptr)
+            kind.placeLinks(source, duplicate, m_placer);
     }
     /// Announces an entity that is not copied and linked in one step: what was linked until then is
     /// not linked any more, since the copy may look at it.

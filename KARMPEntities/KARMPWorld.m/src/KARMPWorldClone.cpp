@@ -134,7 +134,7 @@ const PlainKind* WorldCloner::KindOf(const QOBSharedObject& entity)
         [this](const QOBClassInfo& info) {
             const QOBClassOperations& operations = info.getOperations();
             PlainKind kind{operations.duplicate,      nullptr,           nullptr, 0,
-                           operations.hasFamilyLinks, PlainLinksOf(info)};
+                           operations.hasFamilyLinks, PlaceLinksOf(info)};
             FilteredFamilies::AnyOf([&](auto family) {
                 using T = typename decltype(family)::Type;
                 if (!info.isDerivedFrom(T::ClassInfo())) {

@@ -246,12 +246,6 @@ struct karmp::LinkAccess
     template <class T>
     struct As
     {
-        static void Prefetch(const QOBSharedObject& source)
-        {
-            const auto& entity = static_cast<const T&>(source);
-            VisitLinks(entity, entity,
-                       [](const auto& links, const auto&) { LinkAccess::Prefetch(links); });
-        }
         static void Place(const QOBSharedObject& source, QOBSharedObject& duplicate,
                           LinkPlacer& placer)
         {
@@ -259,7 +253,6 @@ struct karmp::LinkAccess
                 static_cast<const T&>(source), static_cast<T&>(duplicate),
                 [&placer](const auto& links, auto& made) { made.PlaceLinks(links, placer); });
         }
-        static constexpr PlainLinks Functions{&Prefetch, &Place};
     };
     // Takes back what was placed.
     template <class T>
@@ -356,16 +349,6 @@ private:
         (links.Clear(), ...);
     }
 
-    template <class T>
-    static void Prefetch(const KARMPLinkList<T>& links)
-    {
-        links.Prefetch();
-    }
-    static void Prefetch(const KARMPBodyLinkList<KARMPBody>& links) { links.Bodies().Prefetch(); }
-    template <class T>
-    static void Prefetch(const KARMPLink<T>&)
-    {}
-
     template <class Links>
     static bool HaveDropped(const Links& links)
     {
@@ -407,17 +390,17 @@ void ForEachLinked(const QOBSharedList<KARMPEntity>& sources, karmp::LinkPlacer&
 
 } // namespace
 
-const karmp::PlainLinks* karmp::PlainLinksOf(const QOBClassInfo& info)
+karmp::PlaceLinks karmp::PlaceLinksOf(const QOBClassInfo& info)
 {
-    const PlainLinks* links = nullptr;
+    PlaceLinks place = nullptr;
     SpatialFamilies::AnyOf([&](auto family) {
         using T = typename decltype(family)::Type;
         if (!info.isDerivedFrom(T::ClassInfo()))
             return false;
-        links = &LinkAccess::As<T>::Functions;
+        place = &LinkAccess::As<T>::Place;
         return true;
     });
-    return links;
+    return place;
 }
 
 void karmp::Duplicates::NoteOther()
