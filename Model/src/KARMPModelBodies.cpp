@@ -101,12 +101,27 @@ bool ApplyPosition(Edit& edit, Body& body, const Options& options)
     return edit.Check(Place(body, *position), "the position", body);
 }
 
+bool AreFinite(const KARMath3x3Matrix& matrix)
+{
+    return IsFinite(matrix.GetFirstColumn()) && IsFinite(matrix.GetSecondColumn()) &&
+           IsFinite(matrix.GetThirdColumn());
+}
+bool AreFinite(const KARMath2x2Matrix& matrix)
+{
+    return IsFinite(KARMathPoint2D() + matrix.GetFirstColumn()) &&
+           IsFinite(KARMathPoint2D() + matrix.GetSecondColumn());
+}
+
 // Does to a new body what its options say.
 template <class Body, class Options>
 bool Apply(Edit& edit, Body& body, const Options& options)
 {
     if (options.mass != 0.0 && !IsPositive(options.mass))
         return edit.Fail("the mass of " + TitleOf(body) + " is no finite number from 0 on");
+    if (options.centerOfGravity && !IsFinite(*options.centerOfGravity))
+        return edit.Fail("the centre of " + TitleOf(body) + " is not finite");
+    if (options.inertia && !AreFinite(*options.inertia))
+        return edit.Fail("the inertia of " + TitleOf(body) + " is not finite");
     const bool isPlaced = options.position || options.towards || options.at;
     return (!isPlaced || ApplyPosition(edit, body, options)) &&
            (options.mass == 0.0 || edit.Check(body.SetMass(options.mass), "the mass", body)) &&

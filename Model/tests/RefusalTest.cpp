@@ -161,6 +161,15 @@ TEST_F(RefusalTest, WhatWouldBeInconsistentIsRefused)
         expectRefused(bool(model.Body("New", {.mass = mass})));
     expectRefused(bool(model.Body("New", {.at = KARMathPoint(0.0, nan, 0.0)})));
     expectRefused(bool(model.PlanarBody("New", {.at = KARMathPoint2D(infinite, 0.0)})));
+    expectRefused(bool(model.Body("New", {.centerOfGravity = KARMathPoint(0.0, infinite, 0.0)})));
+    expectRefused(bool(model.PlanarBody("New", {.centerOfGravity = KARMathPoint2D(0.0, nan)})));
+    for (int column = 0; column < 3; ++column) {
+        KARMath3x3Matrix inertia = KARMath3x3Matrix::Identity();
+        inertia.SetColumn(column, {0.0, 1.0, nan});
+        expectRefused(bool(model.Body("New", {.inertia = inertia})));
+    }
+    expectRefused(bool(model.PlanarBody("New", {.inertia = {{{nan, 0.0}, {0.0, 1.0}}}})));
+    expectRefused(bool(model.PlanarBody("New", {.inertia = {{{1.0, 0.0}, {0.0, infinite}}}})));
     expectRefused(bool(model.Point("New", body, KARMathPoint(0.0, nan, 0.0))));
     expectRefused(bool(model.Add("", "New")));
     EXPECT_EQ(model.Problems().back().text, "there is no class \"\"");
