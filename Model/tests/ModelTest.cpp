@@ -119,6 +119,29 @@ TEST_F(ModelTest, WhatIsAddedAndRemovedPastTheModelIsNoticed)
     raw->orphanObject();
 }
 
+// The model files what it makes without asking the registry, which keeps an index of a long list
+// from the first question on.
+TEST_F(ModelTest, WhatAModelAddsIsInTheRegistry)
+{
+    constexpr int count = 200;
+    Model model("M");
+    std::vector<Ref<KARMPBody>> bodies;
+    for (int i = 0; i < count; ++i) {
+        bodies.push_back(model.Body("B" + std::to_string(i)));
+        if (i == count / 2)
+            EXPECT_EQ(model.World()->Add<KARMPBody>(bodies[0]), 1);
+    }
+    const int listed = model.World()->GetBodyCount();
+    for (const Ref<KARMPBody>& body : bodies)
+        EXPECT_EQ(model.World()->Add<KARMPBody>(body), 1) << "listed already";
+    EXPECT_EQ(model.World()->GetBodyCount(), listed);
+    for (int i = 0; i < count; i += 2)
+        EXPECT_EQ(model.World()->Remove<KARMPBody>(bodies[i]), KARSuccess);
+    EXPECT_EQ(model.World()->GetBodyCount(), listed - count / 2);
+    for (int i = 0; i < count; ++i)
+        EXPECT_EQ(model.Find<KARMPBody>("B" + std::to_string(i)), i % 2 == 0 ? nullptr : bodies[i]);
+}
+
 TEST_F(ModelTest, WhatReplacesAnEntityPastTheModelIsNoticed)
 {
     Model model("M");
