@@ -10,6 +10,7 @@
 #include <vector>
 
 #include <malloc.h>
+#include <time.h>
 
 using Clock = std::chrono::steady_clock;
 /// How much of the mechanism is built.
@@ -158,6 +159,20 @@ double SecondsOf(Work work)
     const auto start = Clock::now();
     work();
     return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+/// The processor's time for some work, in which what else the machine does plays no part.
+template <class Work>
+double ProcessorSecondsOf(Work work)
+{
+    const auto now = [] {
+        timespec time{};
+        ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+        return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
+    };
+    const double start = now();
+    work();
+    return now() - start;
 }
 
 /// Returns the heap's free memory to the system, so that what is measured next takes its memory

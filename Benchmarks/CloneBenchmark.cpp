@@ -7,23 +7,7 @@
 #include <algorithm>
 #include <random>
 
-#include <time.h>
-
 namespace {
-
-/// The processor's time for some work, in which what else the machine does plays no part.
-template <class Work>
-double ProcessorSecondsOf(Work work)
-{
-    const auto now = [] {
-        timespec time{};
-        ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-        return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
-    };
-    const double start = now();
-    work();
-    return now() - start;
-}
 
 /// How the entities are listed: as they were built, which is how they lie in memory, or at random.
 enum class Order { Built, Random };
