@@ -301,6 +301,18 @@ TEST_F(Serializer, ALargeDoubleIsSnappedByAddingAHalf)
     EXPECT_TRUE(differs);
 }
 
+// The number of their steps is more than a double holds.
+TEST_F(Serializer, AHugeDoubleIsLeftAsItIs)
+{
+    SetPrecision(false);
+    for (const double value : {1e296, 1.7e296, 1e297, 1e300, std::numeric_limits<double>::max()}) {
+        EXPECT_NEAR(Stored(value) / value, 1.0, 1e-15) << value;
+        EXPECT_NEAR(Stored(-value) / -value, 1.0, 1e-15) << value;
+    }
+    EXPECT_EQ(Stored(1e297), 1e297);
+    EXPECT_EQ(Stored(-1e297), -1e297);
+}
+
 TEST_F(Serializer, AChildOfANodeWithExactDoublesHasThemToo)
 {
     class Exact : public TestSerializer

@@ -242,6 +242,15 @@ TEST_F(Canonical, GivesConesIdentifiersThatAreTheSameEachTime)
     ExpectContains(ReadFile(File("first.xml")), "<Cone id=\"Cone_2\"");
 }
 
+TEST_F(Canonical, HasHugeNumbersThatAreFinite)
+{
+    const std::string four = ReadFile(KARMP_EXAMPLE_DOCUMENTS "/four-bar.xml");
+    const std::string huge = Write("huge.xml", With(four, "<Mass>0.4<", "<Mass>-1e297<"));
+    const std::string text = RunQuietly("convert " + huge + " -").output;
+    ExpectContains(text, "<Mass>-1e+297</Mass>");
+    EXPECT_EQ(text.find("inf"), std::string::npos);
+}
+
 TEST_F(Tool, ListsWhatNoDocumentGivesBack)
 {
     const std::string input = Write(
