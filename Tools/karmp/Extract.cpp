@@ -97,6 +97,7 @@ int RunExtract(const ExtractOptions& options)
     }
     documents::SaveOptions save;
     save.version = loaded->version;
+    save.doubles = documents::Doubles::Exact;
     const bool takesLayers =
         std::find(families->begin(), families->end(), L"Interactions") != families->end();
     const Losses losses{save.version, documents::FindLosses(*extract.world, save.version, true),

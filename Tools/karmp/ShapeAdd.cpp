@@ -110,6 +110,7 @@ int RunAddShape(const ShapeOptions& options)
 
     documents::SaveOptions save;
     save.version = loaded->version;
+    save.doubles = documents::Doubles::Exact;
     const Losses losses = LossesOf(*loaded, save.version);
     const int written = WriteDocument(loaded->world, writing, save);
     if (written == Unreadable)

@@ -27,6 +27,20 @@ TEST_F(ExtractCommand, WritesADocumentThatHasNoFindings)
     ExpectContains(diff.output, "2 entities removed, 0 added, 0 changed");
 }
 
+TEST_F(ExtractCommand, LeavesNumbersAsTheyAre)
+{
+    const std::string four = ReadFile(KARMP_EXAMPLE_DOCUMENTS "/four-bar.xml");
+    const std::string file =
+        Write("four.xml", With(four, "<Mass>0.4<", "<Mass>0.40000000000000013<"));
+    ASSERT_EQ(Run("diff --reloaded " + file).code, 1);
+    const std::string bodies = "GlobalBody Crank Coupler Rocker";
+    const Outcome extract =
+        Run("extract " + file + " --body " + bodies + " --with all -o " + File("part.xml"));
+    EXPECT_EQ(extract.code, 0) << extract.output;
+    const Outcome diff = Run("diff " + file + ' ' + File("part.xml"));
+    EXPECT_EQ(diff.code, 0) << diff.output;
+}
+
 TEST_F(ExtractCommand, ListsTheLinksThatWereCut)
 {
     const Outcome extract = Extract("--body Crank");

@@ -214,6 +214,20 @@ TEST_F(ShapeCommand, WritesToStandardOutputWithoutAnOutput)
                 ReadFile(File("out.xml")));
 }
 
+TEST_F(ShapeCommand, LeavesNumbersAsTheyAre)
+{
+    const std::string number = "0.40000000000000013";
+    const std::string four = ReadFile(KARMP_EXAMPLE_DOCUMENTS "/four-bar.xml");
+    const std::string file = Write("four.xml", With(four, "<Mass>0.4<", "<Mass>" + number + '<'));
+    EXPECT_EQ(
+        Run("shape " + file + " --body Crank --add " + Tetrahedron + " -o " + File("out.xml")).code,
+        0);
+    ExpectContains(ReadFile(File("out.xml")), "<Mass>" + number + "</Mass>");
+    const Outcome diff = Run("diff " + file + ' ' + File("out.xml"));
+    ExpectContains(diff.output, "0 entities removed, 1 added");
+    EXPECT_EQ(diff.output.find(" becomes "), std::string::npos) << diff.output;
+}
+
 TEST_F(ShapeCommand, KeepsTheCollisionLayersThatRelationsAreAbout)
 {
     const Outcome added = Run("shape " KARMP_EXAMPLE_DOCUMENTS "/collision.xml --body Gate --add " +
