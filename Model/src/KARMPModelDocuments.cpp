@@ -1,11 +1,13 @@
 // Models to and from documents.
+#include "KARMPEntities.h"
 #include "KARMPModel.h"
 #include "KARMPModelCore.h"
-#include "KARMPWorld.h"
 
 #include <algorithm>
 #include <string>
+#include <unordered_map>
 #include <utility>
+#include <vector>
 
 namespace karmp::model {
 
@@ -39,6 +41,43 @@ Result<Model> Loaded(documents::LoadResult loaded, const std::string& what, Wher
     if (!model.Problems().empty())
         return Outcome(model.Problems().front(), std::move(loaded.diagnostics));
     return {std::move(model), std::move(loaded.diagnostics)};
+}
+
+// Lists the entities of a family as they are listed in another world, by their identifiers; those
+// that it does not have come behind. A document lists them in the order of their identifiers.
+template <class T>
+void ListAs(const KARMPWorld& source, KARMPWorld& copy)
+{
+    const auto visit = [](const KARMPWorld& world, auto take) {
+        for (int i = 0; i < world.Count<T>(); ++i) {
+            QOBSharedHandle<T> entity;
+            std::wstring identifier;
+            world.Get(i, entity);
+            if (entity)
+                entity->GetIdentifier(identifier);
+            take(entity, identifier);
+        }
+    };
+    std::unordered_map<std::wstring, std::size_t> order;
+    visit(source, [&order](const auto&, const std::wstring& identifier) {
+        order.emplace(identifier, order.size());
+    });
+    std::vector<std::pair<std::size_t, QOBSharedHandle<T>>> entities;
+    visit(
+        copy,
+        [&](const auto& entity, const std::wstring& identifier) {
+            const auto found = order.find(identifier);
+            entities.emplace_back(found != order.end() ? found->second : order.size(), entity);
+        });
+    const auto isEarlier = [](const auto& one, const auto& other) {
+        return one.first < other.first;
+    };
+    if (std::is_sorted(entities.begin(), entities.end(), isEarlier))
+        return;
+    std::stable_sort(entities.begin(), entities.end(), isEarlier);
+    copy.EmptyRegistry<T>();
+    for (const auto& [place, entity] : entities)
+        copy.Add<T>(entity);
 }
 
 } // namespace
@@ -99,7 +138,15 @@ Result<Model> Model::Clone(Where where) const
         return Failed("the model cannot be copied", where, std::move(findings));
     KARMPUnit::Enum lengthUnit{};
     World()->GetLengthUnit(lengthUnit);
-    return Loaded(documents::LoadText(std::move(text)), "the copy", where, lengthUnit);
+    documents::LoadResult loaded = documents::LoadText(std::move(text));
+    if (loaded.world)
+        Families::ForEach(
+            [&](auto family) { ListAs<typename decltype(family)::Type>(*World(), *loaded.world); });
+    // What the document could not hold comes first.
+    findings.items.insert(findings.items.end(), loaded.diagnostics.items.begin(),
+                          loaded.diagnostics.items.end());
+    loaded.diagnostics = std::move(findings);
+    return Loaded(std::move(loaded), "the copy", where, lengthUnit);
 }
 
 Result<Extraction> Model::Extract(std::span<const Ref<KARMPBody>> bodies,

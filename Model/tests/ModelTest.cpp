@@ -404,6 +404,40 @@ TEST_F(ModelTest, DocumentWithErrorsIsNotLoaded)
     EXPECT_FALSE(loaded.Findings().items.empty());
 }
 
+TEST_F(ModelTest, CloneListsItsEntitiesInTheSameOrder)
+{
+    Model model("M");
+    for (const char* const name : {"C", "A", "D", "B"}) {
+        const auto body = model.Body(name);
+        const auto point = model.Point("P", body, {});
+        model.Constant(std::string(name) + ".c", KARMPPhysicalQuantity::Length, 1.0);
+    }
+    const auto clone = model.Clone();
+    ASSERT_TRUE(clone);
+    const auto expectSame = [&]<class T>(std::type_identity<T>) {
+        const auto ours = model.All<T>();
+        const auto theirs = clone->All<T>();
+        ASSERT_EQ(theirs.size(), ours.size());
+        for (std::size_t i = 0; i < ours.size(); ++i)
+            EXPECT_EQ(theirs[i]->getEntityName(), ours[i]->getEntityName());
+    };
+    expectSame(std::type_identity<KARMPBody>());
+    expectSame(std::type_identity<KARMPGeometry>());
+    expectSame(std::type_identity<KARMPValue>());
+    EXPECT_TRUE(model.Diff(*clone).empty());
+}
+
+TEST_F(ModelTest, CloneTellsWhatADocumentCannotHold)
+{
+    Model model("M");
+    const auto body = model.Body("A");
+    const auto output = model.Add<KARMPOutput>("O");
+    ASSERT_TRUE(model.Link(body, output, "Outputs"));
+    const auto clone = model.Clone();
+    ASSERT_TRUE(clone);
+    EXPECT_FALSE(clone.Findings().items.empty());
+}
+
 TEST_F(ModelTest, CloneIsAModelOfItsOwn)
 {
     Model model("M");
