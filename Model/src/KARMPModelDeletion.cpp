@@ -11,6 +11,7 @@
 #include <array>
 #include <cstddef>
 #include <functional>
+#include <limits>
 #include <unordered_map>
 #include <utility>
 
@@ -27,6 +28,7 @@ struct ItemOf
     std::wstring_view item;
     /// Of lists that entities need, the least number of entries.
     int least = 0;
+    static constexpr int All = std::numeric_limits<int>::max();
 };
 
 /// What goes with an entity.
@@ -43,6 +45,8 @@ constexpr std::array Needed{
     ItemOf{"KARMPJoint", L"Constraints", 1},
     ItemOf{"KARMPConstraint", L"Geometries", 2},
     ItemOf{"KARMPEquation", L"Variables", 2},
+    ItemOf{"KARMPExpression", L"Variables", ItemOf::All},
+    ItemOf{"KARMPShape", L"Bodies", 1},
     ItemOf{"KARMPConnector", L"Geometries", 2},
     ItemOf{"KARMPInteraction", L"Collidables", 2},
 };

@@ -115,6 +115,27 @@ TEST_F(DeletionTest, WithShortTakesWhatWouldLackSomething)
     EXPECT_FALSE(driven.motor);
 }
 
+TEST_F(DeletionTest, WithShortTakesShapesWithoutBodiesAndExpressionsThatLoseAVariable)
+{
+    Driven driven;
+    Model& model = driven.model;
+    const auto other = model.Variable("other", KARMPPhysicalQuantity::Angle, 0.0);
+    const auto sum = model.Expression("Sum", KARMPPhysicalQuantity::Angle, "angle + other",
+                                      {driven.angle, other});
+    const auto shape = model.Add<KARMP3DRep>("Shape");
+    const auto shared = model.Add<KARMP3DRep>("Shared");
+    ASSERT_TRUE(model.Link(shape, driven.rod));
+    ASSERT_TRUE(model.Link(shared, driven.rod));
+    ASSERT_TRUE(model.Link(shared, driven.crank));
+    ASSERT_TRUE(sum);
+    ASSERT_TRUE(model.Delete(driven.rod, {.withShort = true}));
+    EXPECT_FALSE(shape);
+    EXPECT_TRUE(shared);
+    ASSERT_TRUE(model.Delete(other, {.withShort = true}));
+    EXPECT_FALSE(sum);
+    EXPECT_TRUE(driven.angle);
+}
+
 TEST_F(DeletionTest, DependentsTellEachItemThatRefers)
 {
     const Driven driven;
