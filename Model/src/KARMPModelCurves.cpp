@@ -125,6 +125,8 @@ Ref<KARMPCurve> Model::Curve(std::string_view identifier, const Ref<KARMPBody>& 
     return Ref(m_core->Make<KARMPCurve>(
         where,
         [&](Edit& edit, auto& curve) {
+            if (pieces.size() == 0)
+                return edit.Fail("the curve \"" + std::string(identifier) + "\" has no piece");
             curve = QOBSharedHandle<KARMPCurve>::unchecked(
                 MountOn(edit, KARMPCurve::ClassInfo(), identifier, body.Handle()));
             return curve && edit.Check(curve->DeleteCurveLimitsAtEnd(true), "the limits", *curve) &&

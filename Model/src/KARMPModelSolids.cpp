@@ -11,6 +11,7 @@
 #include "KARMPModelPlacing.h"
 
 #include <cmath>
+#include <limits>
 #include <numbers>
 #include <vector>
 
@@ -20,6 +21,12 @@ namespace {
 
 using Triple = std::array<double, 3>;
 
+// A negative axis is that of a box, a larger one is refused by who takes the solid.
+bool HasAxis(const Solid& solid)
+{
+    return solid.axis >= 0 && solid.axis <= 2;
+}
+
 BodyOptions MassOf(const Solid& solid, double density)
 {
     const auto [x, y, z] = solid.edges;
@@ -27,6 +34,8 @@ BodyOptions MassOf(const Solid& solid, double density)
     const double box = density * x * y * z;
     if (solid.axis < 0)
         return Box(box, {x, y, z}, center);
+    if (!HasAxis(solid))
+        return {.mass = std::numeric_limits<double>::quiet_NaN()};
     const auto axis = static_cast<std::size_t>(solid.axis);
     BodyOptions drum = Cylinder(box * std::numbers::pi / 4.0, solid.edges[(axis + 1) % 3] / 2.0,
                                 solid.edges[axis], center);
@@ -114,6 +123,8 @@ KAR3DRep* DrumMesh(const Solid& solid)
 
 bool AddMesh(Edit& edit, KAR3DBagRep& bag, const Solid& solid)
 {
+    if (!HasAxis(solid) && solid.axis >= 0)
+        return edit.Fail("a solid has an axis that is none of 0, 1 and 2");
     KAR3DRepOwner<KAR3DRep> mesh(solid.axis < 0 ? BoxMesh(solid) : DrumMesh(solid));
     if (mesh == nullptr || KARFailed(mesh->SetColour(solid.colour)) ||
         KARFailed(bag.AddChild(mesh.get())))
@@ -127,7 +138,8 @@ bool AddMesh(Edit& edit, KAR3DBagRep& bag, const Solid& solid)
 Solid Drum(const Triple& center, int axis, double radius, double length, const KARColour& colour)
 {
     Solid drum{center, {2.0 * radius, 2.0 * radius, 2.0 * radius}, axis, colour};
-    drum.edges[static_cast<std::size_t>(axis)] = length;
+    if (HasAxis(drum))
+        drum.edges[static_cast<std::size_t>(axis)] = length;
     return drum;
 }
 

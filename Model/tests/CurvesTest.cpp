@@ -69,4 +69,11 @@ TEST_F(CurvesTest, PieceThatIsNoneLeavesNoCurve)
     EXPECT_TRUE(TextOf(m_model) == before);
 }
 
+TEST_F(CurvesTest, CurveNeedsAPiece)
+{
+    EXPECT_FALSE(m_model.Curve("C", m_body, {}));
+    ASSERT_EQ(m_model.Problems().size(), 1U);
+    EXPECT_EQ(m_model.Problems()[0].text, "the curve \"C\" has no piece");
+}
+
 } // namespace

@@ -76,8 +76,13 @@ TEST_F(SolidsTest, SolidThatNoMeshCanShowIsAProblem)
     const std::array coloured{Solid{{0.0, 0.0, 0.0}, {1.0, 1.0, 1.0}, -1, {2.0, 0.0, 0.0, 1.0}}};
     EXPECT_FALSE(model.Shape("Shape", body, nowhere));
     EXPECT_FALSE(model.Shape("Shape", body, coloured));
+    for (const int axis : {3, 7}) {
+        const std::array turned{Drum({}, axis, 0.1, 1.0)};
+        EXPECT_FALSE(model.Shape("Shape", body, turned));
+        EXPECT_FALSE(model.Body("New", MassOf(turned, 1000.0)));
+    }
     EXPECT_FALSE(model.Shape("Shape", {}, coloured));
-    EXPECT_EQ(model.Problems().size(), 3U);
+    EXPECT_EQ(model.Problems().size(), 7U);
     model.ClearProblems();
     EXPECT_TRUE(TextOf(model) == before);
 }
