@@ -9,6 +9,7 @@
 #include "KARMathTransformation.h"
 #include "KARMathTransformation2D.h"
 
+#include <cstddef>
 #include <initializer_list>
 #include <string>
 #include <string_view>
@@ -26,14 +27,16 @@ class KARMP_MODEL_API ItemValue
     using Entity = QOBSharedHandle<KARMPEntity>;
 
 public:
+    /// Nothing: it unsets what can be unset, such as a reference.
+    ItemValue(std::nullptr_t) {}
     /// A yes or no.
     ItemValue(bool flag) : m_value(flag) {}
     /// A whole number; an item that holds a real one takes it too.
     ItemValue(int number) : m_value(number) {}
     /// A number, in the unit of the item.
     ItemValue(double number) : m_value(number) {}
-    /// A word or another text in UTF-8.
-    ItemValue(const char* text) : ItemValue(std::string_view(text)) {}
+    /// A word or another text in UTF-8; empty for null.
+    ItemValue(const char* text) : ItemValue(std::string_view(text != nullptr ? text : "")) {}
     /// A word or another text in UTF-8.
     ItemValue(const std::string& text) : ItemValue(std::string_view(text)) {}
     /// A word or another text in UTF-8.

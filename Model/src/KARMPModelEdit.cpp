@@ -3,6 +3,7 @@
 #include "KARMPModelCore.h"
 #include "KARMPModelLinks.h"
 #include "KARMPModelNames.h"
+#include "KARMPModelPlacing.h"
 #include "KARTextConversion.h"
 
 #include <algorithm>
@@ -319,6 +320,9 @@ bool Edit::Set(const Entity& entity, const ItemInfo& item, const Value& value)
         return Rename(entity, kar::ToUtf8(*name));
     if (!AreThere(value))
         return false;
+    if (!IsFinite(value))
+        return Fail('"' + kar::ToUtf8(item.path) + "\" of " + TitleOf(*entity) +
+                    " is to have finite numbers");
     EditStep& step = NextStep();
     step.item = &item;
     step.entity = entity.get();
@@ -375,6 +379,10 @@ bool Edit::SetTargets(const Entity& entity, const ItemInfo& item, const Value& v
         wanted = *targets;
     else if (!value.IsNone())
         return Fail('"' + path + "\" of " + TitleOf(*entity) + " refers to entities");
+    const std::string role = "entity for \"" + path + "\" of " + TitleOf(*entity);
+    for (const Entity& target : wanted)
+        if (!IsThere(target, role))
+            return false;
     if (HasRepetition(wanted))
         return Fail('"' + path + "\" of " + TitleOf(*entity) + " has each entity once");
     const Targets held = TargetsOf(item, *entity);

@@ -7,9 +7,11 @@
 #include "KARMPSketch.h"
 #include "KARTextConversion.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <utility>
+#include <variant>
 
 namespace karmp::model {
 
@@ -92,6 +94,23 @@ bool IsFinite(const KARMathAxis& axis)
 {
     return IsFinite(axis.GetOrigin()) && IsFinite(axis.GetFirstDirection()) &&
            IsFinite(axis.GetSecondDirection()) && IsFinite(axis.GetThirdDirection());
+}
+
+bool IsFinite(const Value& value)
+{
+    if (const double* const number = std::get_if<double>(&value))
+        return std::isfinite(*number);
+    if (const auto* const numbers = std::get_if<NumberArray>(&value)) {
+        for (std::size_t i = 0; i < numbers->size(); ++i)
+            if (!std::isfinite((*numbers)[i]))
+                return false;
+    }
+    const auto areFinite = [](const RecordValues& record) {
+        return std::all_of(record.begin(), record.end(),
+                           [](const Value& field) { return IsFinite(field); });
+    };
+    const auto* const records = std::get_if<std::vector<RecordValues>>(&value);
+    return records == nullptr || std::all_of(records->begin(), records->end(), areFinite);
 }
 
 std::optional<KARMathTransformation> IntoBody(Edit& edit, const KARMPBody& body)

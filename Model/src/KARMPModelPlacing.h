@@ -31,6 +31,8 @@ bool IsFinite(const KARMathVector& vector);
 bool IsFinite(const KARMathPoint& point);
 bool IsFinite(const KARMathPoint2D& point);
 bool IsFinite(const KARMathAxis& axis);
+/// True for values without a number, too.
+bool IsFinite(const Value& value);
 
 /// What is at a point of the world, in body axes; nothing, and a failed edit, when the position of
 /// the body has no inverse.

@@ -166,9 +166,22 @@ TEST_F(ItemsTest, ItemThatFailsUndoesThoseBeforeItAndTheEntity)
     EXPECT_EQ(model.Problems()[1].where.line, line + 1);
     EXPECT_NE(model.Problems()[1].text.find("\"Type\" of KARMPVariable \"V\" is not set"),
               std::string::npos);
-    EXPECT_EQ(model.Problems()[2].text, "there is no second entity to link");
+    EXPECT_EQ(model.Problems()[2].text, "there is no entity for \"Body\" of KARMPPoint \"P\"");
     model.ClearProblems();
     EXPECT_TRUE(TextOf(model) == before);
+}
+
+TEST_F(ItemsTest, NullUnsetsAReferenceAndIsAnEmptyText)
+{
+    Model model("M");
+    const auto body = model.Body("A");
+    const auto point = model.Point("P", body, {});
+    const char* const none = nullptr;
+    EXPECT_TRUE(model.Set(point, {{"Body", nullptr}}));
+    EXPECT_EQ(body->GetGeometryCount(), 0);
+    EXPECT_FALSE(model.Set(body, {{"Mass", nullptr}}));
+    EXPECT_FALSE(model.Set(body, {{"Mass", none}}));
+    EXPECT_EQ(model.Problems().size(), 2U);
 }
 
 TEST_F(ItemsTest, RecordsAreSetLast)
