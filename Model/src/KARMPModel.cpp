@@ -65,9 +65,11 @@ Model::Model(std::string_view name, const ModelOptions& options, Where where)
             KARMPWorld& world = *m_core->World();
             IdentifyGlobals(world);
             PlaceAll(*m_core);
+            if (!IsPositive(options.linearTolerance) || !IsPositive(options.angularTolerance))
+                return edit.Fail("a tolerance of the world is no finite number above 0");
+            if (!IsFinite(options.gravity))
+                return edit.Fail("the gravity of the world is not finite");
             const bool isSet = !KARFailed(world.SetLengthUnit(KARMPUnit::Meter)) &&
-                               IsPositive(options.linearTolerance) &&
-                               IsPositive(options.angularTolerance) && IsFinite(options.gravity) &&
                                !KARFailed(world.SetLinearTolerance(options.linearTolerance)) &&
                                !KARFailed(world.SetAngularTolerance(options.angularTolerance)) &&
                                !KARFailed(world.SetGravity(options.gravity));

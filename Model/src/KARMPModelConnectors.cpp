@@ -78,6 +78,10 @@ Edit::Entity MakeConnectorAt(Edit& edit, const QOBClassInfo& info, std::string_v
                              const Ref<KARMPBody>& second, const Coordinates& to, Set set,
                              Settings settings)
 {
+    if (first && first == second) {
+        edit.Fail("a connector needs two bodies, not " + TitleOf(*first) + " alone");
+        return {};
+    }
     const Ref<G> onFirst(MountAt<G>(edit, identifier, first, from, set));
     const Ref<G> onSecond(onFirst ? MountAt<G>(edit, identifier, second, to, set) : nullptr);
     return onSecond ? MakeConnector(edit, info, identifier, onFirst, onSecond, settings)

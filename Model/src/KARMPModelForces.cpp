@@ -13,6 +13,8 @@
 #include "KARWBFactory.h"
 #include "KARWBVariable.h"
 
+#include <cmath>
+
 namespace karmp::model {
 
 namespace {
@@ -67,6 +69,10 @@ Result<double> Model::Evaluate(const Ref<KARMPExpression>& expression,
 QOBSharedHandle<KARMPConstant> MakeConstant(Edit& edit, std::string_view identifier,
                                             Quantity::Enum quantity, double number)
 {
+    if (!std::isfinite(number)) {
+        edit.Fail("the number of \"" + std::string(identifier) + "\" is not finite");
+        return {};
+    }
     auto constant = edit.Create<KARMPConstant>(identifier);
     const bool isSet =
         constant &&
@@ -130,7 +136,17 @@ Ref<KARMPMotor> Model::Motor(std::string_view identifier, const Ref<KARMPVariabl
         [&](Edit& edit, auto& motor) {
             if (!edit.IsThere(variable.Handle(), "variable of the motor"))
                 return false;
+            const int targets = int{options.position.has_value()} +
+                                int{options.velocity.has_value()} +
+                                int{options.acceleration.has_value()};
+            if (targets > 1)
+                return edit.Fail("the motor \"" + std::string(identifier) +
+                                 "\" is to reach a position, a velocity or an acceleration, and " +
+                                 "not several of them");
             const Quantity::Enum quantity = variable->GetPhysicalQuantity();
+            if (targets > 0 && quantity == Quantity::NoPhysicalQuantity)
+                return edit.Fail(TitleOf(*variable) +
+                                 " has no quantity, in which a motor could have a number");
             motor = edit.Create<KARMPMotor>(identifier);
             const std::string name(identifier);
             const Quantity::Enum force =

@@ -20,6 +20,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace karmp::model {
 
@@ -170,6 +171,8 @@ std::vector<Entity> CoupledBodies(std::span<const Term> terms)
 bool SetQuantity(Edit& edit, KARMPVariable& variable, KARMPPhysicalQuantity::Enum quantity,
                  double value)
 {
+    if (!std::isfinite(value))
+        return edit.Fail("the value of " + TitleOf(variable) + " is not finite");
     return edit.Check(variable.SetPhysicalQuantity(quantity), "the quantity", variable) &&
            edit.Check(variable.SetValue(value), "the value", variable);
 }
@@ -263,6 +266,12 @@ Model::Entity Model::AddCoupling(const QOBClassInfo& info, std::string_view iden
                         terms.begin(), terms.end(),
                         [&term](const Term& other) { return other.variable == term.variable; }) > 1)
                     return edit.Fail("a coupling has each variable in one term");
+            if (!std::isfinite(constant) ||
+                !std::all_of(
+                    terms.begin(), terms.end(),
+                    [](const Term& term) { return std::isfinite(term.coefficient); }))
+                return edit.Fail("the numbers of \"" + std::string(identifier) +
+                                 "\" are not finite");
             for (const Term& term : terms)
                 if (!edit.IsThere(term.variable.Handle(), "variable to couple"))
                     return false;

@@ -180,6 +180,75 @@ TEST_F(RefusalTest, WhatWouldBeInconsistentIsRefused)
     EXPECT_FALSE(MeetingPoint({}, nan, KARMathPoint(1.0, 0.0, 0.0), 1.0));
 }
 
+TEST_F(RefusalTest, NumbersThatAreNotFiniteAreRefusedByAllCalls)
+{
+    constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+    constexpr double infinite = std::numeric_limits<double>::infinity();
+    using Quantity = KARMPPhysicalQuantity;
+    Model model("M");
+    const auto body = Neighbours::Fill(model);
+    const auto joint = model.Find<KARMPJoint>("J");
+    const auto p = model.Find<KARMPVariable>("p");
+    const auto q = model.Find<KARMPVariable>("q");
+    const std::string before = TextOf(model);
+    const auto expectRefused = [&](bool succeeded, const std::string& text) {
+        EXPECT_FALSE(succeeded);
+        ASSERT_EQ(model.Problems().size(), 1U) << text;
+        EXPECT_EQ(model.Problems()[0].text, text);
+        model.ClearProblems();
+    };
+    expectRefused(bool(model.Constant("c", Quantity::Length, infinite)),
+                  "the number of \"c\" is not finite");
+    expectRefused(bool(model.Variable("v", Quantity::Length, nan)),
+                  "the value of KARMPVariable \"v\" is not finite");
+    expectRefused(bool(model.Motor("m", p, {.velocity = nan})),
+                  "the number of \"m.velocity\" is not finite");
+    expectRefused(bool(model.Couple<KARMPGear>("g", {{p, nan}, {q, 1.0}})),
+                  "the numbers of \"g\" are not finite");
+    expectRefused(bool(model.Couple<KARMPGear>("g", {{p, 1.0}, {q, 1.0}}, infinite)),
+                  "the numbers of \"g\" are not finite");
+    expectRefused(model.Set(body, {{"Mass", nan}}),
+                  "\"Weight/Mass\" of KARMPBody \"A\" is to have finite numbers");
+    expectRefused(model.Set(body, {{"COG", KARMathPoint(0.0, infinite, 0.0)}}),
+                  "\"Weight/COG\" of KARMPBody \"A\" is to have finite numbers");
+    expectRefused(bool(model.Add<KARMPConstant>("c", {{"Value", nan}})),
+                  "\"Value\" of KARMPConstant \"c\" is to have finite numbers");
+    EXPECT_TRUE(TextOf(model) == before);
+    EXPECT_EQ(Model("M", {.gravity = {0.0, nan, 0.0}}).Problems()[0].text,
+              "the gravity of the world is not finite");
+    EXPECT_EQ(Model("M", {.angularTolerance = 0.0}).Problems()[0].text,
+              "a tolerance of the world is no finite number above 0");
+}
+
+TEST_F(RefusalTest, MotorHasOneTargetInTheQuantityOfItsVariable)
+{
+    Model model("M");
+    Neighbours::Fill(model);
+    const auto p = model.Find<KARMPVariable>("p");
+    const auto bare = model.Add<KARMPVariable>("bare");
+    const std::string before = TextOf(model);
+    EXPECT_FALSE(model.Motor("m", p, {.position = 1.0, .velocity = 2.0}));
+    EXPECT_FALSE(model.Motor("m", bare, {.velocity = 2.0}));
+    ASSERT_EQ(model.Problems().size(), 2U);
+    EXPECT_EQ(model.Problems()[0].text, "the motor \"m\" is to reach a position, a velocity or an "
+                                        "acceleration, and not several of them");
+    EXPECT_EQ(model.Problems()[1].text,
+              "KARMPVariable \"bare\" has no quantity, in which a motor could have a number");
+    model.ClearProblems();
+    EXPECT_TRUE(TextOf(model) == before);
+    EXPECT_TRUE(model.Motor("m", p, {.velocity = 2.0, .maximum = 5.0}));
+    EXPECT_TRUE(model.Motor("n", bare, {}));
+}
+
+TEST_F(RefusalTest, SpringNeedsTwoBodies)
+{
+    Model model("M");
+    const auto body = model.Body("A");
+    EXPECT_FALSE(model.Spring("S", body, {}, body, {1.0, 0.0, 0.0}, {.stiffness = 1.0}));
+    ASSERT_EQ(model.Problems().size(), 1U);
+    EXPECT_EQ(model.Problems()[0].text, "a connector needs two bodies, not KARMPBody \"A\" alone");
+}
+
 /// A subclass without a record of its own.
 class UnknownBody : public KARMPBody
 {};
