@@ -58,6 +58,13 @@ bool ReadStandardInput(std::string& text, std::size_t limit, documents::Diagnost
     return true;
 }
 
+void PrintCount(const documents::Diagnostics& messages)
+{
+    if (const std::size_t count = messages.items.size(); count > 0)
+        std::cerr << "karmp: the document has " << CountText(count, "problem", "problems")
+                  << "; 'karmp check' lists them\n";
+}
+
 } // namespace
 
 void PrintMessages(const documents::Diagnostics& messages, bool all)
@@ -101,10 +108,7 @@ std::optional<documents::LoadResult> LoadWorld(const std::string& file)
         PrintMessages(result.diagnostics, true);
         return std::nullopt;
     }
-    if (const std::size_t count = result.diagnostics.items.size(); count > 0) {
-        std::cerr << "karmp: the document has " << count << (count == 1 ? " problem" : " problems")
-                  << "; 'karmp check' lists them\n";
-    }
+    PrintCount(result.diagnostics);
     return result;
 }
 
@@ -153,23 +157,29 @@ std::optional<std::wstring> FamilyNamed(const std::string& name)
 
 std::optional<documents::Document> ReadTree(const std::string& file)
 {
-    const Progress progress(Activity("reading", file));
+    documents::Limits limits;
+    limits.diagnostics = MostProblems;
     std::optional<documents::Document> document;
-    if (file == StandardStream) {
-        std::string text;
-        documents::Diagnostics messages;
-        if (!ReadStandardInput(text, documents::Limits().bytes, messages)) {
-            PrintMessages(messages, true);
-            return std::nullopt;
+    {
+        const Progress progress(Activity("reading", file));
+        if (file == StandardStream) {
+            std::string text;
+            documents::Diagnostics messages;
+            if (!ReadStandardInput(text, limits.bytes, messages)) {
+                PrintMessages(messages, true);
+                return std::nullopt;
+            }
+            document = documents::Document::ReadText(std::move(text), StandardInputName, limits);
+        } else {
+            document = documents::Document::ReadFile(file, limits);
         }
-        document = documents::Document::ReadText(std::move(text), StandardInputName);
-    } else {
-        document = documents::Document::ReadFile(file);
+        document->Check(documents::CheckLevel::Form);
     }
     if (document->Root() == nullptr) {
         PrintMessages(document->Messages(), true);
-        document.reset();
+        return std::nullopt;
     }
+    PrintCount(document->Messages());
     return document;
 }
 

@@ -34,8 +34,8 @@ std::string EndingOf(const std::string& file);
 /// True when both paths refer to one file, also through links and other spellings.
 bool IsSameFile(const std::string& first, const std::string& second);
 
-/// Parses a document without making a world of it; empty, with the reason on standard error, when
-/// the file holds none.
+/// Parses and checks a document without making a world of it; empty, with the reason on standard
+/// error, when the file holds none. The number of its problems is printed on standard error.
 std::optional<documents::Document> ReadTree(const std::string& file);
 
 /// True when two texts differ in the case of their letters at most.

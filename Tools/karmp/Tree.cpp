@@ -303,7 +303,7 @@ int RunTree(const TreeOptions& options)
         std::cout << "\n  ]\n}\n";
     if (!found)
         std::cerr << "karmp: the world has no list " << Printable(*family) << '\n';
-    return found ? Clean : Findings;
+    return found && document->Messages().items.empty() ? Clean : Findings;
 }
 
 } // namespace karmp::tool

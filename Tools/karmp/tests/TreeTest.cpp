@@ -60,6 +60,31 @@ TEST_F(Equipped, TreeTellsWhatAShapeLooksLike)
                    "\"stream\": \"a scene graph of 1 node with 1 triangle (103 bytes, ");
 }
 
+TEST_F(Equipped, TreeCountsProblemsAsInfoDoes)
+{
+    const std::string text = CleanDocument();
+    const std::string clean = Write("clean.xml", text);
+    const std::string two =
+        Write("element.xml", With(text, "</World>", "<Nothing/><Nothing/></World>"));
+    const std::string files[] = {
+        clean,
+        two,
+        m_file,
+        KARMP_EVERY_CLASS,
+        Write("reference.xml", With(text, "<Body id=\"Crank\" name=\"Crank\" bodyOrientation",
+                                    "<Body id=\"K9\" name=\"Crank\" bodyOrientation")),
+        Write("version.xml", With(text, "version=\"R2018.1\"", "version=\"R2018.9\""))};
+    for (const std::string& file : files) {
+        const Outcome tree = RunShell(KARMP_TOOL " tree " + file + " 2>&1 >/dev/null");
+        const Outcome info = RunShell(KARMP_TOOL " info " + file + " 2>&1 >/dev/null");
+        EXPECT_EQ(tree.output, info.output) << file;
+        EXPECT_EQ(tree.code, info.code) << file;
+        EXPECT_EQ(tree.code, file == clean ? 0 : 1) << file;
+    }
+    EXPECT_EQ(RunShell(KARMP_TOOL " tree --json - 2>&1 >/dev/null <" + two).output,
+              "karmp: the document has 2 problems; 'karmp check' lists them\n");
+}
+
 TEST_F(Equipped, TreeShowsTheLinksOfAClassThatItDoesNotKnow)
 {
     const std::string text =
