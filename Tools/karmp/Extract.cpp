@@ -87,7 +87,7 @@ int RunExtract(const ExtractOptions& options)
         return Unreadable;
     const Bodies bodies = FindBodies(*loaded->world, options.bodies);
     if (bodies.empty())
-        return Unreadable;
+        return WrongArguments;
 
     const documents::Extraction extract =
         documents::ExtractWorld(*loaded->world, bodies, {options.reach, *families});

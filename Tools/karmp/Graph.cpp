@@ -39,21 +39,17 @@ std::string FormatOf(const GraphOptions& options)
     return {};
 }
 
+// Around a body, unless it is null.
 std::optional<std::string> GraphBytes(const GraphOptions& options, const std::string& format,
-                                      const KARMPWorld& world)
+                                      const KARMPWorld& world, const KARMPBody* around)
 {
     GraphContents contents;
     contents.sensors = options.sensors;
     contents.collisions = options.collisions;
     contents.title = TitleOfFile(options.file);
-    Bodies around;
-    if (!options.around.empty()) {
-        around = FindBodies(world, {options.around});
-        if (around.empty())
-            return std::nullopt;
-        contents.around = around.front().get();
+    contents.around = around;
+    if (around != nullptr)
         contents.reach = static_cast<std::size_t>(options.reach);
-    }
     if (format == "dot")
         return GraphText(world, contents);
     if (!options.all) {
@@ -87,7 +83,14 @@ int RunGraph(const GraphOptions& options)
     const auto loaded = LoadWorld(options.file);
     if (!loaded)
         return Unreadable;
-    const auto bytes = GraphBytes(options, format, *loaded->world);
+    Bodies around;
+    if (!options.around.empty()) {
+        around = FindBodies(*loaded->world, {options.around});
+        if (around.empty())
+            return WrongArguments;
+    }
+    const auto bytes = GraphBytes(options, format, *loaded->world,
+                                  around.empty() ? nullptr : around.front().get());
     if (!bytes || !WriteText(options.output, *bytes))
         return Unreadable;
     return loaded->diagnostics.items.empty() ? Clean : Findings;

@@ -1,10 +1,12 @@
 #include "NamedBodies.h"
 
 #include "EntityText.h"
+#include "KARMPNearestWord.h"
 #include "KARMPWorld.h"
 #include "KARTextConversion.h"
 #include "Output.h"
 
+#include <algorithm>
 #include <iostream>
 #include <string_view>
 #include <unordered_map>
@@ -38,6 +40,18 @@ public:
         return found != m_names.end() ? found->second : Bodies();
     }
 
+    /// The name or identifier that was probably meant; empty when none is near.
+    std::wstring_view Nearest(const std::string& text) const
+    {
+        std::vector<std::wstring_view> words;
+        for (const auto& [name, bodies] : m_names)
+            words.push_back(name);
+        for (const auto& [identifier, body] : m_identifiers)
+            words.push_back(identifier);
+        std::sort(words.begin(), words.end());
+        return NearestWord(kar::ToWide(std::string_view(text)), words);
+    }
+
 private:
     std::unordered_map<std::wstring, QOBSharedHandle<KARMPBody>> m_identifiers;
     std::unordered_map<std::wstring, Bodies> m_names;
@@ -59,6 +73,8 @@ Bodies FindBodies(const KARMPWorld& world, const std::vector<std::string>& names
                   << " the name " << Printable(std::string_view(name));
         if (!found.empty())
             std::cerr << "; name it by its identifier:";
+        else if (const std::wstring_view nearest = index.Nearest(name); !nearest.empty())
+            std::cerr << "; near: \"" << Printable(nearest) << '"';
         for (const auto& body : found)
             std::cerr << ' ' << Printable(IdentifierOf(*body));
         std::cerr << '\n';

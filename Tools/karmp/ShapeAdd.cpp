@@ -97,7 +97,7 @@ int RunAddShape(const ShapeOptions& options)
         return Unreadable;
     const QOBSharedHandle<KARMPBody> body = BodyFor(*loaded->world, options.bodies);
     if (!body)
-        return Unreadable;
+        return WrongArguments;
     Part part = ReadPart(options.part, options.scale);
     if (!part.rep) {
         std::cerr << "karmp: cannot read " << Printable(std::string_view(options.part)) << ": "

@@ -177,8 +177,8 @@ int RunExportShapes(const ShapeOptions& options)
         return Unreadable;
     const Bodies bodies = options.bodies.empty() ? AllBodies(*loaded->world)
                                                  : FindBodies(*loaded->world, options.bodies);
-    if (bodies.empty())
-        return Unreadable;
+    if (bodies.empty() && !options.bodies.empty())
+        return WrongArguments;
     const std::vector<ExportedBody> exported = BodiesToExport(bodies, options.folder);
     if (!IsReady(options, exported) || (!options.writing.dryRun && !WriteBodies(exported)))
         return Unreadable;

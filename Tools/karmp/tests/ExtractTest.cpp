@@ -63,7 +63,7 @@ TEST_F(ExtractCommand, TakesIdentifiersForNamesThatSeveralBodiesHave)
         return Run("extract " + file + " --body '" + name + "' -q -o " + File("part.xml"));
     };
     const Outcome refused = extract("Twin");
-    EXPECT_EQ(refused.code, 2);
+    EXPECT_EQ(refused.code, 64);
     ExpectContains(refused.output, "name it by its identifier: Rod Slider");
     EXPECT_EQ(Files().count("part.xml"), 0U);
     EXPECT_EQ(extract("Rod").code, 0);
@@ -83,9 +83,10 @@ TEST_F(ExtractCommand, TakesABodyByItsIdentifierBeforeOthersOfThatName)
 TEST_F(ExtractCommand, RefusesWhatItDoesNotKnow)
 {
     ExpectContains(Extract("--body Crank --with wheels").output, "unknown family wheels");
-    ExpectContains(Extract("--body Wheel").output, "no body has the name Wheel");
+    EXPECT_EQ(Extract("--body Wheel").output, "karmp: no body has the name Wheel\n");
+    EXPECT_EQ(Extract("--body Crank Rd").output, "karmp: no body has the name Rd; near: \"Rod\"\n");
     EXPECT_EQ(Extract("--body Crank --with wheels").code, 64);
-    EXPECT_EQ(Extract("--body Wheel").code, 2);
+    EXPECT_EQ(Extract("--body Wheel").code, 64);
     EXPECT_EQ(Extract("--body Crank --reach -1").code, 64);
     EXPECT_EQ(Files().count("part.xml"), 0U);
 }

@@ -106,8 +106,11 @@ TEST_F(Equipped, GraphAroundABodyHasWhatIsNear)
     EXPECT_EQ(graph.find("\"Slider\n"), std::string::npos);
     ExpectContains(graph, "\"Slider pin\n"); // leads on from the rod
     const Outcome unknown = Run("graph --around Nobody " + m_file);
-    EXPECT_EQ(unknown.code, 2);
-    ExpectContains(unknown.output, "no body has the name Nobody");
+    EXPECT_EQ(unknown.code, 64);
+    ExpectContains(unknown.output, "no body has the name Nobody\n");
+    const Outcome misspelt = Run("graph --around crank " + m_file);
+    EXPECT_EQ(misspelt.code, 64);
+    ExpectContains(misspelt.output, "no body has the name crank; near: \"Crank\"");
 }
 
 TEST_F(Equipped, GraphMarksWhatMotorsAndForcesActOn)

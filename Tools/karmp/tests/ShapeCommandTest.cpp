@@ -309,10 +309,13 @@ TEST_F(ShapeCommand, KnowsOneBodyInSpace)
         return Run("shape " + arguments + " --add " + Tetrahedron + " -o " + File("out.xml"));
     };
     const Outcome unknown = run(m_document + " --body Wheel");
-    EXPECT_EQ(unknown.code, 2);
+    EXPECT_EQ(unknown.code, 64);
     ExpectContains(unknown.output, "no body has the name Wheel");
+    const Outcome misspelt = Run("shape " + m_document + " --body Crnk --export " + File("x"));
+    EXPECT_EQ(misspelt.code, 64);
+    ExpectContains(misspelt.output, "no body has the name Crnk; near: \"Crank\"");
     const Outcome planar = run(KARMP_EXAMPLE_DOCUMENTS "/cam-follower.xml --body Cam");
-    EXPECT_EQ(planar.code, 2);
+    EXPECT_EQ(planar.code, 64);
     ExpectContains(planar.output, "only bodies in space have meshes");
     EXPECT_EQ(run(m_document).code, 64);
     EXPECT_EQ(run(m_document + " --body Crank Rod").code, 64);
@@ -358,7 +361,7 @@ TEST_F(ShapeCommand, ReplacesExportedFilesWhenForcedOnly)
     EXPECT_TRUE(JsonReader::IsJson(forced.output)) << forced.output;
     EXPECT_NE(ReadFile(File("shapes/Crank.gltf")), "mine");
     EXPECT_EQ(Run("shape " + File("out.xml") + " --export /dev/null").code, 2);
-    EXPECT_EQ(Run("shape " + File("out.xml") + " --body Wheel --export " + File("x")).code, 2);
+    EXPECT_EQ(Run("shape " + File("out.xml") + " --body Wheel --export " + File("x")).code, 64);
     EXPECT_EQ(Run("shape " + m_document + " --export " + File("x")).output,
               "No body has a shape\n");
     EXPECT_FALSE(fs::exists(File("x")));
