@@ -8,24 +8,25 @@ namespace karmp::tool {
 
 int RunConvert(const ConvertOptions& options)
 {
+    WriteOptions writing = options.writing;
     documents::SaveOptions save;
     save.version = kar::ToWide(std::string_view(options.version));
     save.doubles = options.exact ? documents::Doubles::Exact : documents::Doubles::Snapped;
     if (!options.version.empty() && !VersionNamed(save.version))
         return WrongArguments;
-    const auto loaded = LoadToWrite(options.input, options.writing);
+    const auto loaded = LoadToWrite(options.input, writing);
     if (!loaded)
         return Unreadable;
     if (options.version.empty())
         save.version = loaded->version;
-    if (!VersionNamed(save.version) ||
-        !MayWrite(options.input, options.writing, loaded->diagnostics) || !Complete(*loaded->world))
+    if (!VersionNamed(save.version) || !MayWrite(options.input, writing, loaded->diagnostics) ||
+        !Complete(*loaded->world))
         return Unreadable;
     const Losses losses = LossesOf(*loaded, save.version);
-    const int written = WriteDocument(loaded->world, options.writing, save);
+    const int written = WriteDocument(loaded->world, writing, save);
     if (written == Unreadable)
         return Unreadable;
-    return std::max(written, ReportLosses(options.input, options.writing, *loaded, losses));
+    return std::max(written, ReportLosses(options.input, writing, *loaded, losses));
 }
 
 } // namespace karmp::tool

@@ -71,7 +71,7 @@ std::string JsonOf(const documents::Extraction& extract)
 
 int RunExtract(const ExtractOptions& options)
 {
-    const WriteOptions& writing = options.writing;
+    WriteOptions writing = options.writing;
     const auto families = FamiliesOf(options.families);
     if (!families)
         return WrongArguments;

@@ -15,11 +15,15 @@
 #include "ToolLimits.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
 #include <filesystem>
 #include <iostream>
 #include <iterator>
 #include <set>
+#include <sys/stat.h>
 #include <system_error>
+#include <unistd.h>
 #include <utility>
 
 namespace karmp::tool {
@@ -85,17 +89,65 @@ void PrintRefusal(const std::string& input, const WriteOptions& options, const D
                       : "write what could be read with --force\n");
 }
 
-// Copies the file that is going to be replaced. There is nothing to copy of what is no file.
-bool KeepBackup(const WriteOptions& options)
+// There is nothing to copy of what is no file.
+bool HasBackup(const WriteOptions& options)
 {
     std::error_code missing;
-    if (options.backup.empty() || options.output == StandardStream ||
-        !fs::is_regular_file(options.output, missing))
+    return !options.backup.empty() && options.output != StandardStream &&
+           fs::is_regular_file(options.output, missing);
+}
+
+// Copies the file that is going to be replaced.
+bool KeepBackup(const WriteOptions& options)
+{
+    if (!HasBackup(options))
         return true;
     const Diagnostics messages =
         documents::CopyWholeFile(options.output, options.output + options.backup);
     PrintMessages(messages, true);
     return !messages.HasErrors();
+}
+
+// Why documents::WriteWholeFile would not write a file, as far as can be said without doing it;
+// empty when it would.
+std::string ObstacleTo(const fs::path& file)
+{
+    const auto because = [](const char* what, int error) {
+        return std::string(what) + ": " + std::generic_category().message(error);
+    };
+    struct stat old
+    {};
+    const bool exists = ::stat(file.c_str(), &old) == 0;
+    if (exists && S_ISDIR(old.st_mode))
+        return because("cannot write the file", EISDIR);
+    if (exists ? ::faccessat(AT_FDCWD, file.c_str(), W_OK, AT_EACCESS) != 0 : errno != ENOENT)
+        return because("cannot write the file", errno);
+    if (exists && !S_ISREG(old.st_mode))
+        return {};
+    std::error_code error;
+    const fs::path folder = fs::weakly_canonical(fs::absolute(file), error).parent_path();
+    if (error || ::faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) != 0)
+        return because("cannot create a file in the folder", error ? error.value() : errno);
+    return {};
+}
+
+// Whether the files of a dry run could be written; the reason is on standard error otherwise.
+bool CanWrite(const WriteOptions& options)
+{
+    Diagnostics messages;
+    for (const std::string& file :
+         {HasBackup(options) ? options.output + options.backup : std::string(), options.output})
+        if (!file.empty() && file != StandardStream && messages.items.empty())
+            if (std::string obstacle = ObstacleTo(file); !obstacle.empty())
+                messages.items.push_back({Severity::Error,
+                                          documents::Code::CannotWrite,
+                                          file,
+                                          0,
+                                          0,
+                                          {},
+                                          std::move(obstacle)});
+    PrintMessages(messages, true);
+    return messages.items.empty();
 }
 
 // What a save to a file tells of, without a file.
@@ -133,7 +185,7 @@ void PrintJsonReport(const std::string& input, const WriteOptions& options,
     std::ostream& out = ReportStream(options);
     out << "{\n  \"input\": " << JsonText(input) << ",\n  \"output\": " << JsonText(options.output)
         << ",\n  \"version\": " << JsonText(Printable(losses.version))
-        << ",\n  \"written\": " << (options.dryRun ? "false" : "true")
+        << ",\n  \"written\": " << (options.WritesNothing() ? "false" : "true")
         << ",\n  \"unread\": " << MessagesJson(unread) << ",\n  \"losses\": ";
     PrintJson(out, losses.differences);
     out << ",\n  \"unlisted\": " << MessagesJson(losses.unlisted) << more << "\n}\n";
@@ -168,13 +220,16 @@ std::optional<documents::LoadResult> LoadToWrite(const std::string& input,
     return loaded;
 }
 
-bool MayWrite(const std::string& input, const WriteOptions& options,
+bool MayWrite(const std::string& input, WriteOptions& options,
               const documents::Diagnostics& messages)
 {
     const Diagnostics losses = LossesAmong(messages);
     if (options.dryRun || !IsRefused(input, options, losses))
         return true;
     PrintFirst(losses);
+    options.isRefused = true;
+    if (options.json)
+        return true;
     PrintRefusal(input, options, losses);
     return false;
 }
@@ -182,15 +237,15 @@ bool MayWrite(const std::string& input, const WriteOptions& options,
 int WriteDocument(const QOBSharedHandle<KARMPWorld>& world, const WriteOptions& options,
                   documents::SaveOptions save)
 {
-    if (!options.dryRun && !KeepBackup(options))
+    if (options.dryRun ? !CanWrite(options) : !options.isRefused && !KeepBackup(options))
         return Unreadable;
     save.allowLosses = options.force;
     Diagnostics messages;
     {
-        const char* const activity = options.dryRun ? "checking " : "writing ";
+        const char* const activity = options.WritesNothing() ? "checking " : "writing ";
         Progress progress(activity + Printable(std::string_view(options.output)));
         save.progress = progress.Function();
-        messages = options.dryRun ? Rendered(world, options.output, save)
+        messages = options.WritesNothing() ? Rendered(world, options.output, save)
                    : options.output == StandardStream
                        ? documents::SaveStream(world, std::cout, save)
                        : documents::SaveFile(world, options.output, save);
@@ -248,7 +303,7 @@ int ReportLosses(const std::string& input, const WriteOptions& options,
         if (losses.differences.size() > MaximumDifferences)
             out << "and more\n";
     }
-    if (options.dryRun && IsRefused(input, options, unread)) {
+    if (options.WritesNothing() && IsRefused(input, options, unread)) {
         PrintRefusal(input, options, unread);
         return Unreadable;
     }

@@ -19,6 +19,10 @@ struct WriteOptions
     bool force = false;  // write what could be read of a document with errors
     bool dryRun = false; // tell all that is told otherwise, and write nothing
     bool json = false;   // tell it as JSON
+    // Nothing is written either, since content of the input would be lost: set by MayWrite.
+    bool isRefused = false;
+
+    bool WritesNothing() const { return dryRun || isRefused; }
 };
 
 /// Where a command tells of what it does: standard output, unless that takes the document.
@@ -32,13 +36,13 @@ std::optional<documents::LoadResult> LoadToWrite(const std::string& input,
 /// Whether what was read of `input` may be written. Content of it that was not read would be lost,
 /// which takes `force`, and with the input itself as output a backup besides. Where it may not be
 /// written, what would be lost and the reason are on standard error. True in a dry run, of which
-/// ReportLosses tells the reason.
-bool MayWrite(const std::string& input, const WriteOptions& options,
+/// ReportLosses tells the reason, and where JSON is to tell of what is refused.
+bool MayWrite(const std::string& input, WriteOptions& options,
               const documents::Diagnostics& messages);
 
 /// Writes a world after a copy of the file that is replaced; in a dry run all but the files is as
-/// otherwise. Gives an exit code; what the save tells of, and why nothing was written, is on
-/// standard error.
+/// otherwise, and a file that could not be made is told. Gives an exit code; what the save tells
+/// of, and why nothing was written, is on standard error.
 int WriteDocument(const QOBSharedHandle<KARMPWorld>& world, const WriteOptions& options,
                   documents::SaveOptions save);
 

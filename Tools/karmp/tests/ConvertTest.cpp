@@ -1,4 +1,5 @@
 // Documents with errors are converted only with --force, and never onto themselves.
+#include "JsonText.h"
 #include "ToolFixture.h"
 
 #include <string>
@@ -195,6 +196,52 @@ TEST_F(ConvertOfErrors, AreListedByADryRunThatWritesNothing)
     const Outcome nothing = Run("convert --dry-run " + clean + " -");
     EXPECT_EQ(nothing.code, 0);
     EXPECT_EQ(nothing.output, "");
+}
+
+TEST_F(Tool, ADryRunTellsOfFilesThatCannotBeWritten)
+{
+    const std::string file = Write("clean.xml", CleanDocument());
+    const std::string missing = File("missing/x.xml");
+    for (const std::string& line :
+         {"convert " + file + ' ' + missing, "convert " + file + ' ' + file + "/x.xml",
+          "convert " + file + ' ' + File(""), "convert " + file + ' ' + file + " --backup=/x",
+          "extract " + file + " --body Crank -o " + missing,
+          "set " + file + " Crank Mass=2 -o " + missing, "delete " + file + " Damping --backup=/x",
+          "shape " + file + " --body Crank --add '" KARMP_TEST_PARTS "/tetrahedron.stl' -o " +
+              missing}) {
+        const Outcome dry = Run(line + " --dry-run");
+        EXPECT_EQ(dry.code, 2) << line << '\n' << dry.output;
+        ExpectContains(dry.output, "[cannot-write]");
+        EXPECT_EQ(dry.output, Run(line).output) << line;
+    }
+    EXPECT_EQ(ReadFile(file), CleanDocument());
+    EXPECT_EQ(Files(), std::set<std::string>{"clean.xml"});
+    fs::create_symlink("nowhere.xml", File("link.xml"));
+    for (const std::string& output : {file, File("new.xml"), File("link.xml"), std::string("-")})
+        EXPECT_EQ(Run("convert --dry-run --backup " + file + ' ' + output).code, 0) << output;
+}
+
+TEST_F(ConvertOfErrors, AreToldAsJsonWhereNothingIsWritten)
+{
+    const std::string input = Write("in.xml", DoubledDocument());
+    for (const std::string& line :
+         {"convert --json " + input + ' ' + File("out.xml"),
+          "convert --json " + input + ' ' + input,
+          "extract --json " + input + " --body Crank -o " + File("out.xml"),
+          "set --json " + input + " Crank Mass=2"}) {
+        const Outcome refused = RunQuietly(line);
+        EXPECT_EQ(refused.code, 2) << line;
+        EXPECT_TRUE(JsonReader::IsJson(refused.output)) << refused.output;
+        ExpectContains(refused.output, "\"code\": \"duplicate-identifier\"");
+        ExpectContains(refused.output, "\"written\": false");
+        EXPECT_EQ(refused.output, RunQuietly(line + " --dry-run").output) << line;
+        ExpectContains(Run(line).output, "nothing was written");
+    }
+    const std::string toOutput = "convert --json " + input + " -";
+    EXPECT_EQ(RunQuietly(toOutput).output, "");
+    ExpectContains(Run(toOutput).output, "\"written\": false");
+    EXPECT_EQ(ReadFile(input), DoubledDocument());
+    EXPECT_EQ(Files(), std::set<std::string>{"in.xml"});
 }
 
 class Canonical : public Tool
