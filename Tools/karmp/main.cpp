@@ -7,13 +7,18 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
 #include <exception>
 #include <functional>
 #include <iostream>
+#include <string>
+#include <string_view>
 #include <system_error>
+#include <utility>
+#include <vector>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -59,6 +64,34 @@ void RefuseEmptyTexts(CLI::App& app)
     for (CLI::App* const command : app.get_subcommands({}))
         for (CLI::Option* const option : command->get_options())
             option->check(notEmpty);
+}
+
+// The same of "--option=". Flags take that for their default.
+void RefuseEmptyTexts(int argc, const char* const* argv)
+{
+    for (int index = 1; index < argc; ++index) {
+        const std::string_view argument(argv[index]);
+        if (argument == "--")
+            return;
+        if (argument.starts_with("--") && argument.find('=') == argument.size() - 1)
+            throw CLI::ValidationError(std::string(argument.substr(0, argument.size() - 1)),
+                                       "the text is empty");
+    }
+}
+
+// The words of a list between commas, as those of several arguments.
+void PartAtCommas(const CLI::Option& option, std::vector<std::string>& words)
+{
+    std::vector<std::string> parts;
+    for (const std::string& word : words)
+        for (std::size_t begin = 0; begin <= word.size();) {
+            const std::size_t end = std::min(word.find(',', begin), word.size());
+            parts.push_back(word.substr(begin, end - begin));
+            if (parts.back().find_first_not_of(' ') == std::string::npos)
+                throw CLI::ValidationError(option.get_name(), "a word of the list is empty");
+            begin = end + 1;
+        }
+    words = std::move(parts);
 }
 
 // A descriptor that is closed would be taken by the next file that is opened, and what is printed
@@ -142,19 +175,21 @@ int Run(int argc, char** argv)
     checkApp->add_flag("-q,--quiet", check.quiet, "Findings only, no summary");
     checkApp->add_option("--max", check.most, "Findings to print; all are counted")
         ->check(NotNegative);
-    checkApp->add_option("--disable", check.disabled, "Codes of findings to leave out")
-        ->delimiter(',')
-        ->allow_extra_args(false);
-    checkApp->add_option("--error", check.errors, "Codes of findings that are errors")
-        ->delimiter(',')
-        ->allow_extra_args(false);
+    CLI::Option* const disabled =
+        checkApp->add_option("--disable", check.disabled, "Codes of findings to leave out")
+            ->allow_extra_args(false);
+    CLI::Option* const errors =
+        checkApp->add_option("--error", check.errors, "Codes of findings that are errors")
+            ->allow_extra_args(false);
     checkApp
         ->add_option("--fail-on", check.failOn, "The least finding for which the exit code is 1")
         ->check(CLI::IsMember({"warning", "error", "never"}))
         ->capture_default_str();
     checkApp->add_option("--explain", check.explained, "Cause and cure of a code, or of all");
     checkApp->footer(Footer("karmp check crank.xml --disable loose-body --fail-on error"));
-    checkApp->callback([&] {
+    checkApp->callback([&, disabled, errors] {
+        PartAtCommas(*disabled, check.disabled);
+        PartAtCommas(*errors, check.errors);
         if (check.files.empty() && !check.listed && check.explained.empty())
             throw CLI::RequiredError("FILE");
         command = [&check] { return RunCheck(check); };
@@ -230,11 +265,10 @@ int Run(int argc, char** argv)
                      "Joints that lead on to further bodies, from each body on")
         ->check(NotNegative)
         ->capture_default_str();
-    extractApp
-        ->add_option("--with", extract.families,
-                     "What else is taken along where all that it refers to is: connectors, "
-                     "actuators, sensors, interactions, ..., or all")
-        ->delimiter(',');
+    CLI::Option* const with = extractApp->add_option(
+        "--with", extract.families,
+        "What else is taken along where all that it refers to is: connectors, "
+        "actuators, sensors, interactions, ..., or all");
     extractApp->add_option("-o,--output", extract.writing.output, "Document to write")
         ->required()
         ->type_name("FILE");
@@ -245,7 +279,10 @@ int Run(int argc, char** argv)
         "use come with the bodies.\n\n" +
         Footer("karmp extract car.xml --body hub wheel --with connectors,sensors "
                "-o wheel.xml"));
-    extractApp->callback([&] { command = [&extract] { return RunExtract(extract); }; });
+    extractApp->callback([&, with] {
+        PartAtCommas(*with, extract.families);
+        command = [&extract] { return RunExtract(extract); };
+    });
 
     EditOptions edit;
     const auto addEdit = [&](const char* name, const char* says, int (*run)(const EditOptions&)) {
@@ -447,6 +484,7 @@ int Run(int argc, char** argv)
 
     RefuseEmptyTexts(app);
     try {
+        RefuseEmptyTexts(argc, argv);
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         return Flushed(app.exit(error) == 0 ? Clean : WrongArguments);

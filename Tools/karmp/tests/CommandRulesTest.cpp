@@ -145,7 +145,7 @@ TEST_F(CommandRules, WrongArgumentsEndWith64)
 TEST_F(CommandRules, WrongArgumentsAreNamed)
 {
     const std::string out = " -o " + File("a");
-    const std::array<std::pair<std::string, std::string>, 13> cases{{
+    const std::array<std::pair<std::string, std::string>, 20> cases{{
         {"", "A command is required"},
         {"frobnicate", "frobnicate"},
         {"tree --family '' " + m_document, "--family: the text is empty"},
@@ -159,6 +159,16 @@ TEST_F(CommandRules, WrongArgumentsAreNamed)
         {"check - -", "standard input can be read once only"},
         {"shape --export - " + m_document, "a folder of that name is ./-"},
         {"tree --family wheels " + m_document, "unknown family wheels"},
+        {"convert " + m_document + ' ' + m_document + " --backup=", "--backup: the text is empty"},
+        {"set " + m_document + " Crank Mass=2 --backup=", "--backup: the text is empty"},
+        {"tree --family= joints " + m_document, "--family: the text is empty"},
+        {"extract " + m_document + " --body Crank --with connectors,,sensors" + out,
+         "--with: a word of the list is empty"},
+        {"extract " + m_document + " --body Crank --with ' ,all'" + out,
+         "--with: a word of the list is empty"},
+        {"check " + m_document + " --disable loose-body,",
+         "--disable: a word of the list is empty"},
+        {"check " + m_document + " --error ,loose-body", "--error: a word of the list is empty"},
     }};
     for (const auto& [line, text] : cases) {
         const Outcome outcome = Run(line);
