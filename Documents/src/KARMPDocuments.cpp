@@ -32,6 +32,7 @@
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
+#include <vector>
 
 namespace karmp::documents {
 
@@ -61,9 +62,15 @@ std::string_view EntityPathOf(std::string_view path)
 class CheckListener final : private KARMPFailedCheckListener
 {
 public:
-    /// For writing, which `activity` calls it; deaf while `isDeaf` is true.
-    CheckListener(Messages& messages, std::string activity, const bool& isDeaf)
-        : m_messages(messages), m_activity(std::move(activity)), m_isDeaf(&isDeaf)
+    /// For writing to a tree, which `activity` calls it; deaf while `isDeaf` is true. The entities
+    /// that fail are left to be told of when all are written.
+    CheckListener(Messages& messages, std::string activity, const StreamedTree& tree,
+                  std::vector<const KARMPEntity*>& failed, const bool& isDeaf)
+        : m_messages(messages),
+          m_activity(std::move(activity)),
+          m_tree(&tree),
+          m_failed(&failed),
+          m_isDeaf(&isDeaf)
     {}
     /// For reading the tree below `root`; `known` are the messages about it.
     CheckListener(Messages& messages, std::string activity, const KARMPDocumentReader* root,
@@ -90,6 +97,11 @@ private:
         if (m_messages.Full() || m_isMisspelt || KARMPReadingPlace::IsComplete() ||
             (m_isDeaf != nullptr && *m_isDeaf))
             return;
+        if (m_tree != nullptr && m_tree->Entity() != nullptr) {
+            if (m_failed->empty() || m_failed->back() != m_tree->Entity())
+                m_failed->push_back(m_tree->Entity());
+            return;
+        }
         const Way way = m_root != nullptr ? FindWay(*m_root, KARMPReadingPlace::Current()) : Way();
         const std::string path = way.empty() ? std::string() : PathText(way);
         // Outside of an entity, any mistake may be the cause.
@@ -148,6 +160,9 @@ private:
     std::string m_activity;
     /// Null for writing.
     const KARMPDocumentReader* m_root = nullptr;
+    /// Null for reading, as what follows is.
+    const StreamedTree* m_tree = nullptr;
+    std::vector<const KARMPEntity*>* m_failed = nullptr;
     const bool* m_isDeaf = nullptr;
     /// The version is a misspelt one, which explains whatever fails.
     bool m_isMisspelt = false;
@@ -177,6 +192,27 @@ bool Guarded(Messages& messages, std::string_view activity, Part part)
                        While("the library gave up", activity) + ": " + exception.what());
     }
     return false;
+}
+
+// Entities are written in the order of the list, so that the search goes on where the last one was.
+void TellOfFailed(const KARMPWorld& world, const std::vector<const KARMPEntity*>& failed,
+                  Messages& messages)
+{
+    if (failed.empty())
+        return;
+    const SilentListener listener;
+    const ListedEntities listed(world);
+    std::size_t last = 0;
+    for (const KARMPEntity* const entity : failed) {
+        std::size_t number = last;
+        while (number < listed.Count() && &listed.At(number) != entity)
+            ++number;
+        const bool isListed = number < listed.Count();
+        last = isListed ? number : last;
+        messages.Warning(Code::FailedCheck,
+                         "the library could not write all of " + TitleOf(*entity),
+                         isListed ? listed.PathOf(number) : std::string());
+    }
 }
 
 /// What a save would lose or falsify.
@@ -266,12 +302,17 @@ Diagnostics RenderWorld(const QOBSharedHandle<KARMPWorld>& world, const std::str
             tree.Observe(findings);
         }
         tree.Progress().Begin(options.progress, entities, 1);
+        KARStatus status = KARSuccess;
+        std::vector<const KARMPEntity*> failed;
         {
-            const CheckListener listener(messages, std::string(activity), findings.IsNoting());
-            if (KARFailed(world->Serialize(&tree.Root()))) {
-                messages.Error(Code::Failed, "the world could not be written");
-                return;
-            }
+            const CheckListener listener(messages, std::string(activity), tree, failed,
+                                         findings.IsNoting());
+            status = world->Serialize(&tree.Root());
+        }
+        TellOfFailed(*world, failed, messages);
+        if (KARFailed(status)) {
+            messages.Error(Code::Failed, "the world could not be written");
+            return;
         }
         tree.Finish();
         tree.Progress().End();

@@ -86,7 +86,7 @@ void StreamedTree::ChildrenComplete(Node& node)
 {
     if (std::exchange(m_hasText, nullptr) == &node) {
         if (m_renderer.ChildDepth() == EntityDepth)
-            m_progress.Step();
+            EntityComplete();
         return;
     }
     const std::optional<std::size_t> depth = m_renderer.RenderChildren(*m_root, node);
@@ -95,8 +95,14 @@ void StreamedTree::ChildrenComplete(Node& node)
         memory.Reuse();
         node.SetChildMemory(memory);
         if (*depth + 1 == EntityDepth)
-            m_progress.Step();
+            EntityComplete();
     }
+}
+
+void StreamedTree::EntityComplete()
+{
+    m_entity = nullptr;
+    m_progress.Step();
 }
 
 bool StreamedTree::WriteEntity(const Node& list, const KARMPEntity& entity, KARStatus& status)
@@ -106,6 +112,7 @@ bool StreamedTree::WriteEntity(const Node& list, const KARMPEntity& entity, KARS
         status = KARSuccess;
         return true;
     }
+    m_entity = &entity;
     const bool isText = content != nullptr && m_limits.nameLength >= EntityText::LongestName &&
                         m_renderer.BeginChild(*m_root, list) &&
                         m_limits.depth >= m_renderer.ChildDepth() + EntityText::LargestDepth;

@@ -46,6 +46,8 @@ public:
     KARMPSerializer& Root();
     /// Tells an observer, which must outlive the tree, of each entity.
     void Observe(EntityObserver& observer) { m_observer = &observer; }
+    /// The entity that is being written; null between two of them.
+    const KARMPEntity* Entity() const { return m_entity; }
     /// The steps that the entities written are.
     ProgressSteps& Progress() { return m_progress; }
     /// Renders the rest. After an error, which is reported, `bytes` is as it was.
@@ -56,6 +58,7 @@ private:
 
     NodeMemory& MemoryAt(std::size_t depth);
     void ChildrenComplete(Node& node);
+    void EntityComplete();
     bool WriteEntity(const Node& list, const KARMPEntity& entity, KARStatus& status);
     void TellOfNumbers(const KARMPEntity& entity, std::size_t begin);
 
@@ -64,6 +67,7 @@ private:
     const Limits& m_limits;
     Messages* m_numbers;
     EntityObserver* m_observer = nullptr;
+    const KARMPEntity* m_entity = nullptr;
     XmlRenderer m_renderer;
     WrittenClasses m_classes;
     EntityText m_text;

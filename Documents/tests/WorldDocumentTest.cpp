@@ -6,6 +6,7 @@
 #include "KARMPBody.h"
 #include "KARMPConstant.h"
 #include "KARMPFailedCheck.h"
+#include "KARMPLinearSpring.h"
 #include "KARMPMaterial.h"
 #include "KARMPParameter.h"
 #include "KARMPTestFixture.h"
@@ -350,6 +351,36 @@ TEST_F(WorldDocument, FailedChecksOfTheLibraryAreReported)
     EXPECT_GT(item->line, 1U);
     EXPECT_GT(item->column, 1U);
     EXPECT_EQ(result.world->Count<KARMPBody>(), 1);
+}
+
+// Entities are written by the lists of their contents or, where names are short, as nodes.
+TEST_F(WorldDocument, EntitiesThatAreNotWrittenInWholeAreNamed)
+{
+    for (const std::wstring name : {L"front", L"rear"}) {
+        const auto spring = KARMPLinearSpring::create(name);
+        spring->setEntityName(name + L" spring");
+        spring->SetIdentifier(name);
+        m_world->Add<KARMPConnector>(spring);
+        m_world->Add<KARMPBody>(KARMPBody::create(name));
+    }
+    SaveOptions options;
+    options.allowLosses = true;
+    for (const std::size_t longest : {options.limits.nameLength, std::size_t{30}}) {
+        options.limits.nameLength = longest;
+        std::string text;
+        Diagnostics told = SaveText(m_world, text, options);
+        std::erase_if(told.items,
+                      [](const Diagnostic& item) { return item.code != Code::FailedCheck; });
+        ASSERT_EQ(told.items.size(), 2U);
+        EXPECT_EQ(Format(told.items[0]),
+                  "warning: the library could not write all of LinearSpring \"front spring\" "
+                  "[front] [failed-check] at " +
+                      WorldPath + "/Connectors/LinearSpring[1]");
+        EXPECT_EQ(Format(told.items[1]),
+                  "warning: the library could not write all of LinearSpring \"rear spring\" "
+                  "[rear] [failed-check] at " +
+                      WorldPath + "/Connectors/LinearSpring[2]");
+    }
 }
 
 TEST_F(WorldDocument, ALoadTakesYesOrNoForItsCheck)
