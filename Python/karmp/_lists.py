@@ -9,6 +9,7 @@ from __future__ import annotations
 from . import _karmp
 from ._errors import DeletedError, Error
 from ._karmp import Entity, Model
+from ._table import near
 
 TYPE_CHECKING = False  # the module typing takes as long to import as the package
 if TYPE_CHECKING:
@@ -74,7 +75,7 @@ class Entities(Generic[E_co]):
         name, names = self._cls.__name__, [entity.name for entity in self]
         if names.count(key) > 1:
             return f'there are {names.count(key)} {name} of the name "{key}"'
-        return f'there is no {name} "{key}"{_karmp._near(key, self.keys() + names)}'
+        return f'there is no {name} "{key}"{near(key, self.keys() + names)}'
 
     def __contains__(self, key: object) -> bool:
         if isinstance(key, str):

@@ -13,7 +13,7 @@ from ._karmp import Entity, Model, Solid
 from ._lists import Editing, Entities
 from ._rows import Difference, Finding
 from ._rows import findings as _findings
-from ._table import check_item, column_names
+from ._table import check_item, column_names, index_of_quantity
 
 TYPE_CHECKING = False  # the module typing takes as long to import as the package
 if TYPE_CHECKING:
@@ -139,7 +139,7 @@ class _Model(Model):
     def add_planar_body(self, id: str, *, at: _Numbers | None = None,
                         towards: _Numbers | None = None, **items: Any) -> Body2D:
         """A body in the plane z = 0, which comes with the first one."""
-        return self._make(items, "add_planar_body", id, at, towards)
+        return self._make(items, "add_planar_body", id, (at, towards))
 
     def add_rod(self, id: str, mass: float, start: _Numbers, end: _Numbers,
                 radius: float = 0.0, **items: Any) -> Body:
@@ -169,12 +169,13 @@ class _Model(Model):
 
     def add_constant(self, id: str, quantity: _Quantity, number: float, **items: Any) -> Constant:
         """A number of a quantity, such as "Length", which entities may share."""
-        return self._make(items, "add_constant", id, quantity, number)
+        return self._make(items, "add_constant", id, index_of_quantity(quantity), number)
 
     def add_expression(self, id: str, quantity: _Quantity, equation: str,
                        variables: Iterable[Variable] = (), **items: Any) -> Expression:
         """A value that follows an equation of its variables."""
-        return self._make(items, "add_expression", id, quantity, equation, variables)
+        quantity_index = index_of_quantity(quantity)
+        return self._make(items, "add_expression", id, quantity_index, equation, variables)
 
     def add_motor(self, id: str, variable: Variable, *, position: float | None = None,
                   velocity: float | None = None, acceleration: float | None = None,
@@ -274,11 +275,11 @@ class _Model(Model):
 
     def save(self, path: _Path, version: str | None = None, exact: bool = True) -> list[Finding]:
         """Saves the model as a whole or not at all; returns warnings."""
-        return _findings(_karmp._save(self, path, version, exact))
+        return _findings(_karmp._save(self, path, (version, bool(exact))))
 
     def text(self, version: str | None = None, exact: bool = True) -> str:
         """The document as a text."""
-        return _karmp._text(self, version, exact)
+        return _karmp._text(self, (version, bool(exact)))
 
     def check(self) -> list[Finding]:
         """What the check of its document finds in the model."""

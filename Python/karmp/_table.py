@@ -60,10 +60,26 @@ def column_names(cls: type[Entity]) -> list[str]:
     return _names_of_columns[cls]
 
 
+def near(text: str, names: list[str]) -> str:
+    """Tells the nearest of some names; nothing when none is near."""
+    nearest = _karmp._nearest(text, names)
+    return f'; near: "{nearest}"' if nearest else ""
+
+
 def check_item(cls: type[Entity], item: str, error: type[Exception] = AttributeError,
                text: str = "") -> None:
     """Raises an error that tells the near name for what is no item of a class."""
     names = _karmp._item_names(cls)
     if item not in names:
         text = text or f"karmp.{cls.__name__} has no item"
-        raise error(f'{text} "{item}"{_karmp._near(item, names)}')
+        raise error(f'{text} "{item}"{near(item, names)}')
+
+
+def index_of_quantity(word: str) -> int:
+    """The place of a quantity, such as "Length", among all of them."""
+    row = _karmp._item_names(_karmp.Value).index("physical_quantity")
+    words: list[str] = _karmp._items(_karmp.Value)[row][5]
+    if word not in words:
+        nearest = _karmp._nearest(word, words)
+        raise ValueError(f'there is no quantity "{word}"; near: {nearest}')
+    return words.index(word)

@@ -31,41 +31,42 @@ struct Numbers
     operator KARMathAxis() const;
 };
 
-template <class... F>
-struct Overloads : F...
+/// What is a tuple in Python; None leaves a field as it is.
+struct Fields
 {
-    using F::operator()...;
-};
-template <class... F>
-Overloads(F...) -> Overloads<F...>;
-/// What is a tuple in Python.
-inline constexpr Overloads Fields{
-    [](model::Term& of) { return std::tie(of.variable, of.coefficient); },
-    [](model::MotorOptions& of) {
+    static auto Of(model::Term& of) { return std::tie(of.variable, of.coefficient); }
+    static auto Of(model::PlanarBodyOptions& of) { return std::tie(of.at, of.towards); }
+    static auto Of(model::MotorOptions& of)
+    {
         return std::tie(of.position, of.velocity, of.acceleration, of.maximum);
-    },
-    [](documents::ExtractionOptions& of) { return std::tie(of.reach, of.families); },
-    [](const documents::CutLink& of) { return std::tie(of.holder, of.item, of.target); },
-    [](const model::Dependent& of) { return std::tie(of.entity, of.item, of.target); },
-    [](const model::Deletion& of) { return std::tie(of.gone, of.unlinked, of.leftShort); },
-    [](const KARMathPoint& of) { return std::tuple(of[0], of[1], of[2]); },
-    [](const KARMathVector& of) { return std::tuple(of.GetX(), of.GetY(), of.GetZ()); },
-    [](const documents::Diagnostic& of) {
+    }
+    static auto Of(documents::SaveOptions& of) { return std::tie(of.version, of.doubles); }
+    static auto Of(documents::ExtractionOptions& of) { return std::tie(of.reach, of.families); }
+    static auto Of(const documents::CutLink& of) { return std::tie(of.holder, of.item, of.target); }
+    static auto Of(const model::Dependent& of) { return std::tie(of.entity, of.item, of.target); }
+    static auto Of(const model::Deletion& of)
+    {
+        return std::tie(of.gone, of.unlinked, of.leftShort);
+    }
+    static auto Of(const KARMathPoint& of) { return std::tuple(of[0], of[1], of[2]); }
+    static auto Of(const KARMathVector& of) { return std::tuple(of[0], of[1], of[2]); }
+    static auto Of(const documents::Diagnostic& of)
+    {
         return std::tuple(documents::SeverityText(of.severity), documents::CodeText(of.code),
                           of.file, of.path, of.text, of.line, of.column, documents::Format(of));
-    },
-    [](const ItemInfo& of) {
+    }
+    static auto Of(const ItemInfo& of)
+    {
         return std::tuple(SnakeCase(of.path), of.says, static_cast<int>(of.kind),
                           static_cast<int>(of.shape), of.numberCount, of.words,
                           ClassNameOf(of.target), of.fields, of.isFlag, of.isInOrder, of.readOnly,
                           of.CanGet());
-    }};
+    }
+};
 
 Numbers NumbersOf(py::handle given);
 Entity EntityOf(py::handle given, const ModelState* of);
 std::vector<unsigned char> BytesOf(py::handle given);
-/// A quantity by its word, such as "Length".
-KARMPPhysicalQuantity::Enum QuantityOf(py::handle given);
 /// An entity by a derived class; raises for one of another class.
 template <class T>
 model::Ref<T> As(const AnyRef& entity, const model::Ref<T>* = nullptr)
@@ -88,6 +89,8 @@ decltype(auto) Taken(py::handle given, ModelState* of = nullptr)
         return AliveOf(given);
     else if constexpr (std::is_same_v<T, const EntityClass&>)
         return ClassOf(given);
+    else if constexpr (std::is_same_v<T, const QOBClassInfo&>)
+        return *ClassOf(given).info;
     else if constexpr (std::is_reference_v<T>)
         return Taken<std::remove_cvref_t<T>>(given, of);
     else if constexpr (requires(T optional) { optional.has_value(); })
@@ -102,8 +105,8 @@ decltype(auto) Taken(py::handle given, ModelState* of = nullptr)
         return EntityOf(given, of);
     else if constexpr (std::is_same_v<T, std::vector<unsigned char>>)
         return BytesOf(given);
-    else if constexpr (std::is_same_v<T, KARMPPhysicalQuantity::Enum>)
-        return QuantityOf(given);
+    else if constexpr (std::is_enum_v<T>)
+        return static_cast<T>(Taken<int>(given));
     else if constexpr (std::is_convertible_v<Numbers, T>)
         return T(NumbersOf(given));
     else if constexpr (requires(T ref) { ref.Handle(); })
@@ -113,12 +116,15 @@ decltype(auto) Taken(py::handle given, ModelState* of = nullptr)
         for (const py::handle entry : py::list(py::reinterpret_borrow<py::object>(given)))
             list.push_back(Taken<typename T::value_type>(entry, of));
         return list;
-    } else if constexpr (requires(T fields) { Fields(fields); }) {
+    } else if constexpr (requires(T fields) { Fields::Of(fields); }) {
         T taken;
         const py::tuple values(py::reinterpret_borrow<py::object>(given));
         std::size_t at = 0;
-        const auto set = [&]<class U>(U& field) { field = Taken<U>(values[at++], of); };
-        std::apply([&](auto&... field) { (set(field), ...); }, Fields(taken));
+        const auto set = [&]<class U>(U& field) {
+            if (const py::handle value = values[at++]; !value.is_none())
+                field = Taken<U>(value, of);
+        };
+        std::apply([&](auto&... field) { (set(field), ...); }, Fields::Of(taken));
         return taken;
     } else {
         py::detail::make_caster<T> caster;
@@ -146,25 +152,19 @@ py::object Give(const T& result, ModelState* of)
         return ToText(result.text);
     else if constexpr (std::is_same_v<T, NumberArray>)
         return ArrayOf(result);
-    else if constexpr (std::is_same_v<T, Entity>)
+    else if constexpr (std::is_convertible_v<T, Entity>)
         return Wrap(result, *of);
     else if constexpr (std::is_same_v<T, Value>)
         return std::visit([of](const auto& held) { return Give(held, of); }, result);
     else if constexpr (std::is_same_v<T, std::vector<unsigned char>>)
         return py::bytes(reinterpret_cast<const char*>(result.data()), result.size());
-    else if constexpr (std::is_same_v<T, documents::Diagnostics>)
-        return Give(result.items, of);
-    else if constexpr (std::is_convertible_v<T, std::wstring_view>)
-        return ToText(std::wstring_view(result));
-    else if constexpr (std::is_convertible_v<T, std::string_view>)
-        return ToText(std::string_view(result));
-    else if constexpr (requires { result.Handle(); })
-        return Wrap(Entity(result.Handle()), *of);
+    else if constexpr (requires { ToText(result); })
+        return ToText(result);
     else if constexpr (requires { result.has_value(); })
         return result ? Give(*result, of) : py::none();
-    else if constexpr (requires { Fields(result); })
+    else if constexpr (requires { Fields::Of(result); })
         return std::apply([of](const auto&... field) { return py::make_tuple(Give(field, of)...); },
-                          Fields(result));
+                          Fields::Of(result));
     else if constexpr (requires { result.size(); }) {
         py::list list(result.size());
         for (std::size_t i = 0; i < result.size(); ++i)
@@ -178,24 +178,25 @@ py::object Give(const T& result, ModelState* of)
 template <class T>
 py::object Give(model::Result<T> made, ModelState* of)
 {
-    if constexpr (std::is_same_v<T, model::Extraction>) {
-        if (!made)
-            RaiseFailure(made.Error().text, made.Error().status);
+    const auto& findings = made.Findings().items;
+    if (!made && findings.empty())
+        RaiseFailure(made.Error().text, made.Error().status);
+    if (!made)
+        Raise(OfPackage("DocumentError"), made.Error().text, Give(findings, of));
+    if constexpr (std::is_void_v<T>)
+        return Give(findings, of);
+    else if constexpr (std::is_same_v<T, Model>)
+        return py::cast(std::make_shared<ModelState>(*std::move(made), findings));
+    else if constexpr (std::is_same_v<T, model::Extraction>)
         return py::make_tuple(std::make_shared<ModelState>(std::move(made->model)),
                               Give(made->cutLinks, of));
-    }
-    if (!made)
-        Raise(OfPackage("DocumentError"), made.Error().text, Give(made.Findings(), of));
-    if constexpr (std::is_same_v<T, Model>)
-        return py::cast(std::make_shared<ModelState>(*std::move(made), made.Findings()));
-    else if constexpr (std::is_void_v<T>)
-        return Give(made.Findings(), of);
     else
         return Give(*made, of);
 }
 
 /// Calls a function as its first parameter tells: of a Model it is an edit, of a const one work
-/// without the interpreter's lock. Entities among the others are those of the first one's model.
+/// without the interpreter's lock, and so are those of neither a model nor an entity. Entities
+/// among the others are those of the first one's model.
 template <class First, class... A, class Function, std::size_t... I>
 py::object Call(Function function, const char* name, const py::args& given,
                 std::index_sequence<I...>)
@@ -225,22 +226,25 @@ py::object Call(Function function, const char* name, const py::args& given,
         return Give(Do(self, name, [&] { return run(self.model); }), of);
     else if constexpr (isWork)
         return Give(Alone(self, self, [&] { return run(std::as_const(self.model)); }), of);
-    else
+    else if constexpr (std::is_reference_v<First>)
         return Give(run(self), of);
+    else {
+        const auto work = [&] {
+            const py::gil_scoped_release release;
+            return run(self);
+        };
+        return Give(work(), of);
+    }
 }
 
 /// A function of the module, which is bound by assigning it. A member function that takes its
 /// caller's line at the end is given this one.
-class Bound
+struct Bound
 {
-public:
-    Bound(py::module_& module, const char* name) : m_module(module), m_name(name) {}
+    py::module_& module;
+    const char* name;
 
-    template <class Lambda>
-    void operator=(Lambda function) const
-    {
-        *this = +function;
-    }
+    void operator=(auto lambda) const { *this = +lambda; }
     template <class R, class... A>
     void operator=(R (*function)(A...)) const
     {
@@ -262,14 +266,11 @@ private:
     void Bind(Function function) const
     {
         constexpr std::make_index_sequence<sizeof...(A) - 1> others;
-        m_module.def(('_' + std::string(m_name)).c_str(),
-                     [function, others, name = m_name](const py::args& given) {
-                         return Call<A...>(function, name, given, others);
-                     });
+        module.def(('_' + std::string(name)).c_str(),
+                   [function, others, name = name](const py::args& given) {
+                       return Call<A...>(function, name, given, others);
+                   });
     }
-
-    py::module_& m_module;
-    const char* m_name;
 };
 /// The functions of the module by their names, which begin with a "_" in Python.
 struct Functions

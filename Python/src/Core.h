@@ -25,13 +25,13 @@ using Entity = QOBSharedHandle<KARMPEntity>;
 /// A model, which lives as long as its Python object or that of one of its entities does.
 struct ModelState : std::enable_shared_from_this<ModelState>
 {
-    explicit ModelState(Model made, documents::Diagnostics told = {})
+    explicit ModelState(Model made, std::vector<documents::Diagnostic> told = {})
         : model(std::move(made)), findings(std::move(told))
     {}
 
     Model model;
     /// What loading the model had to say.
-    documents::Diagnostics findings;
+    std::vector<documents::Diagnostic> findings;
     /// A thread works on the model without the interpreter's lock.
     bool isBusy = false;
     /// The blocks of edits that are open.

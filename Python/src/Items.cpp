@@ -1,5 +1,6 @@
 // Items of entities: get and set, of one entity and of all entities of a class.
 #include "Calls.h"
+#include "KARMPNearestWord.h"
 
 #include <pybind11/numpy.h>
 
@@ -237,8 +238,8 @@ void BindItems(const Functions& calls)
     calls["count"] = [](ModelState& of, const EntityClass& cls) {
         return AllOf(of.model, *cls.info).size();
     };
-    calls["near"] = [](std::wstring text, std::vector<std::wstring> names) {
-        return NearText(text, names);
+    calls["nearest"] = [](std::wstring text, std::vector<std::wstring> names) {
+        return std::wstring(NearestWord(text, {names.begin(), names.end()}));
     };
 }
 

@@ -28,11 +28,11 @@ State NewModel(const py::args& given)
     return Do(*made, "Model", [&] { return made; });
 }
 
-Entity AddJoint(Model& model, const EntityClass& kind, Text id, AnyRef parent, AnyRef child,
+Entity AddJoint(Model& model, const QOBClassInfo& kind, Text id, AnyRef parent, AnyRef child,
                 Maybe<Numbers> at, Numbers axis, Maybe<Numbers> frame)
 {
     const auto add = [&]<class T>(const model::Ref<T>& first, const auto&... where) {
-        return model.AddJoint(*kind.info, id, first, As<T>(child), where..., Where::current());
+        return model.AddJoint(kind, id, first, As<T>(child), where..., Where::current());
     };
     if (const auto geometry = parent.As<KARMPGeometry>())
         return add(geometry);
@@ -58,18 +58,10 @@ Geometry AddPoint(Model& model, Text id, Body body, Numbers at)
     return model.Point(id, body, KARMathPoint(at));
 }
 
-documents::SaveOptions OptionsOf(const Maybe<std::wstring>& version, bool isExact)
-{
-    documents::SaveOptions options;
-    options.doubles = isExact ? documents::Doubles::Exact : documents::Doubles::Snapped;
-    options.version = version.value_or(options.version);
-    return options;
-}
-
 void BindMakers(const Functions& calls)
 {
-    calls["add"] = [](Model& m, const EntityClass& cls, Text id) {
-        return m.Add(cls.info->getName(), id);
+    calls["add"] = [](Model& m, const QOBClassInfo& cls, Text id) {
+        return m.Add(cls.getName(), id);
     };
     calls["add_body"] = [](Model& m, Text id, Maybe<KARMathPoint> at, Maybe<KARMathPoint> towards,
                            Maybe<Solid> solid) {
@@ -78,10 +70,7 @@ void BindMakers(const Functions& calls)
         body.towards = towards;
         return m.Body(id, body);
     };
-    calls["add_planar_body"] = [](Model& m, Text id, Maybe<KARMathPoint2D> at,
-                                  Maybe<KARMathPoint2D> towards) {
-        return m.PlanarBody(id, {.at = at, .towards = towards});
-    };
+    calls["add_planar_body"] = &Model::PlanarBody;
     calls["add_rod"] = &AddRod;
     calls["add_frame"] = &Model::Frame;
     calls["add_point"] = &AddPoint;
@@ -96,16 +85,14 @@ void BindMakers(const Functions& calls)
         return m.Expression(id, quantity, equation, std::span<const Variable>(of));
     };
     calls["add_motor"] = &Model::Motor;
-    calls["connect"] = [](Model& m, const EntityClass& cls, Text id, Geometry one, Geometry other) {
-        return m.AddConnector(*cls.info, id, one, other, Where::current());
+    calls["connect"] = [](Model& m, const QOBClassInfo& cls, Text id, Geometry one,
+                          Geometry other) {
+        return m.AddConnector(cls, id, one, other, Where::current());
     };
-    calls["attach"] = [](Model& m, const EntityClass& cls, Text id, AnyRef body) {
-        return m.AttachGeometry(*cls.info, id, body, Where::current());
+    calls["attach"] = [](Model& m, const QOBClassInfo& cls, Text id, AnyRef body) {
+        return m.AttachGeometry(cls, id, body, Where::current());
     };
-    calls["couple"] = [](Model& m, const EntityClass& cls, Text id, std::vector<model::Term> terms,
-                         double constant) {
-        return m.AddCoupling(*cls.info, id, terms, constant, Where::current());
-    };
+    calls["couple"] = &Model::AddCoupling;
     calls["box"] = &model::Box;
     calls["cylinder"] = &model::Cylinder;
     calls["ball"] = &model::Ball;
@@ -116,12 +103,8 @@ void BindMakers(const Functions& calls)
 
 void BindEdits(const Functions& calls)
 {
-    calls["link"] = [](Model& m, AnyRef one, AnyRef other, Text item) {
-        return m.Link(one, other, item);
-    };
-    calls["unlink"] = [](Model& m, AnyRef one, AnyRef other, Text item) {
-        return m.Unlink(one, other, item);
-    };
+    calls["link"] = &Model::Link;
+    calls["unlink"] = &Model::Unlink;
     calls["rename"] = &Model::Rename;
     calls["delete"] = [](Model& m, AnyRef entity, bool preview, bool withShort) {
         return m.Delete(entity, {.preview = preview, .withShort = withShort});
@@ -134,9 +117,7 @@ void BindEdits(const Functions& calls)
         of.model.EndEditing(begin, isKept);
         return --of.openBlocks;
     };
-    calls["set_gravity"] = [](Model& m, KARMathVector gravity) {
-        return m.World()->SetGravity(gravity);
-    };
+    calls["set_gravity"] = [](Model& m, KARMathVector to) { return m.World()->SetGravity(to); };
     calls["set_linear_tolerance"] = [](Model& m, double tolerance) {
         return m.World()->SetLinearTolerance(tolerance);
     };
@@ -184,25 +165,14 @@ py::object Differences(ModelState& first, ModelState& second, double tolerance, 
 
 void BindDocuments(const Functions& calls)
 {
-    calls["load"] = [](path file) {
-        const py::gil_scoped_release release;
-        return model::Load(file);
-    };
+    calls["load"] = [](path file) { return model::Load(file); };
     calls["loads"] = [](std::vector<unsigned char> text, Text name) {
-        const py::gil_scoped_release release;
         return model::LoadText(Text(text.begin(), text.end()), name);
     };
-    calls["check"] = [](path file) {
-        const py::gil_scoped_release release;
-        return documents::CheckFile(file);
-    };
-    calls["save"] = [](const Model& m, path file, Maybe<std::wstring> version, bool isExact) {
-        return m.Save(file, OptionsOf(version, isExact));
-    };
-    calls["text"] = [](const Model& m, Maybe<std::wstring> version, bool isExact) {
-        return m.Text(OptionsOf(version, isExact));
-    };
-    calls["check_model"] = [](const Model& m) { return m.Check(); };
+    calls["check"] = [](path file) { return documents::CheckFile(file).items; };
+    calls["save"] = &Model::Save;
+    calls["text"] = &Model::Text;
+    calls["check_model"] = [](const Model& m) { return m.Check().items; };
     calls["clone"] = &Model::Clone;
     calls["extract"] = &Model::Extract;
     calls["findings"] = [](ModelState& of) { return of.findings; };

@@ -1,6 +1,5 @@
 // Texts, names, errors, and what calls take and give.
 #include "Calls.h"
-#include "KARMPEnumerationTexts.h"
 #include "KARMPFailedCheck.h"
 #include "KARMPNearestWord.h"
 
@@ -13,8 +12,6 @@
 namespace karmp::python {
 
 namespace {
-
-using Quantities = EnumTexts<KARMPPhysicalQuantity::Enum>;
 
 class Checks final : public KARMPFailedCheckListener
 {
@@ -178,17 +175,6 @@ std::vector<unsigned char> BytesOf(py::handle given)
     const auto bytes = Made<py::bytes>(PyBytes_FromObject(given.ptr()));
     const std::string_view view(bytes);
     return {view.begin(), view.end()};
-}
-
-KARMPPhysicalQuantity::Enum QuantityOf(py::handle given)
-{
-    const auto& words = Quantities::Rows;
-    const std::wstring text = WideOf(given);
-    const auto found = std::ranges::find(words, text);
-    if (found == words.end())
-        Raise(PyExc_ValueError, "there is no quantity \"" + kar::ToUtf8(text) + "\"; near: " +
-                                    kar::ToUtf8(NearestWord(text, {words.begin(), words.end()})));
-    return static_cast<KARMPPhysicalQuantity::Enum>(found - words.begin());
 }
 
 void LoadNumpy()
