@@ -11,7 +11,6 @@ from ._errors import DeletedError as DeletedError
 from ._errors import DocumentError as DocumentError
 from ._errors import Error as Error
 from ._karmp import *
-from ._karmp import _item_names as _item_names
 from ._lists import Entities as Entities
 from ._lists import Links as Links
 from ._model import ball as ball

@@ -13,6 +13,8 @@ from typing import Any, cast
 
 import karmp
 
+from ._table import items_of
+
 MOST_ROWS = 200  # of a table in a notebook
 
 
@@ -63,7 +65,7 @@ def model_html(model: karmp.Model) -> str:
 def entity_html(entity: karmp.Entity) -> str:
     """The items with their values; the meaning is shown above the name."""
     rows: list[list[str]] = []
-    for name in karmp._item_names(type(entity)):
+    for name in items_of(type(entity)):
         says = html.escape(getattr(type(entity), name).__doc__ or "", quote=True)
         rows.append([f'<span title="{says}">{name}</span>', _cell(getattr(entity, name))])
     return f"<p>{html.escape(repr(entity)[1:-1])}</p>" + _table(["item", "value"], rows)

@@ -13,7 +13,7 @@ from ._karmp import Entity, Model, Solid
 from ._lists import Editing, Entities
 from ._rows import Difference, Finding
 from ._rows import findings as _findings
-from ._table import check_item, column_names, index_of_quantity
+from ._table import check_item, column_names, families, index_of_quantity, items_of
 
 TYPE_CHECKING = False  # the module typing takes as long to import as the package
 if TYPE_CHECKING:
@@ -88,7 +88,7 @@ def _told(name: str, says: str) -> Any:
 
 
 def _check_class(cls: type[Entity], base: type[Entity]) -> None:
-    _karmp._item_names(cls)  # raises for a class of another kind
+    items_of(cls)  # raises for a class of another kind
     if not issubclass(cls, base):
         raise TypeError(f"a class of {base.__name__} is needed, not {cls!r}")
 
@@ -226,7 +226,7 @@ class _Model(Model):
 
     def all(self, cls: type[_E]) -> Entities[_E]:
         """The entities of a class, those of the classes derived from it as well."""
-        _karmp._item_names(cls)  # raises for another class
+        items_of(cls)  # raises for another class
         return Entities(self, cls)
 
     def get(self, cls: type[_E], key: str) -> _E:
@@ -358,6 +358,6 @@ for _class in (_Model, _Entity, _Solid):
     for _name, _member in vars(_class).items():
         if callable(_member) or isinstance(_member, property):
             setattr(_class.__base__, _name, _member)
-for _name, _family in _karmp._families.items():
+for _name, _family in families.items():
     setattr(Model, _name, _collection(_family))
 setattr(Model, "Editing", Editing)

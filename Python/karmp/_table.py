@@ -14,11 +14,67 @@ if TYPE_CHECKING:
 
 _KINDS = ("group", "number", "integer", "flag", "text", "word", "word", "vector", "vector",
           "optional", "reference", "references", "records", "stream")
+_WORD = 5  # a kind whose words are told
 _NO_COLUMNS = ("group", "reference", "references", "records", "stream")
+
+_rows: dict[type[Entity], dict[str, tuple[Any, ...]]] = {}
+
+
+def _class_name(record: str) -> str:
+    """"Body" for "KARMPBody"; what would begin with a digit keeps its prefix."""
+    return record[5:] if record[5:6] > "9" else record
+
+
+def _doc(row: tuple[Any, ...]) -> str:
+    _, _, says, kind, quantity, words, read_only, *_ = row
+    doc: str = says
+    if quantity != "NoPhysicalQuantity":
+        doc += f" Quantity: {quantity}."
+    if kind == _WORD and words:
+        doc += f" One of {', '.join(words)}."
+    return doc + (f" Read only: {read_only}" if read_only else "")
+
+
+def _make_class(record: str, base: type[Entity] | None, says: str,
+                rows: list[tuple[Any, ...]]) -> tuple[type[Entity], list[tuple[int, str, str]]]:
+    """A class with what it describes itself by, and its own properties: place, name and docstring
+    of their items. What the base has is not made again."""
+    inherited = _rows[base] if base else {}
+    known = {id(row): name for name, row in inherited.items()}
+    names = [row[1] for row in rows]
+    own: list[tuple[int, str, str]] = []
+    named: dict[str, tuple[Any, ...]] = {}
+    for at, row in enumerate(rows):
+        name = known.get(id(row))
+        if name is None:
+            name = row[1] if names.count(row[1]) == 1 else row[0]
+            own.append((at, name, _doc(row)))
+        named[name] = row
+    space: dict[str, Any] = {"__slots__": (), "__module__": "karmp", "__doc__": says}
+    for name in inherited:
+        # A planar class is no spatial one in documents: what it does not hold is hidden.
+        if name not in named:
+            space[name] = property(doc="No item of the class.")
+    cls = type(_class_name(record), (base,), space) if base else Entity
+    setattr(_karmp, cls.__name__, cls)
+    _rows[cls] = named
+    return cls, own
+
+
+_karmp._make_classes(_make_class)
+families = {name: getattr(_karmp, _class_name(record)) for name, record in _karmp._families
+            if hasattr(_karmp, _class_name(record))}
+
+
+def items_of(cls: type[Entity]) -> dict[str, tuple[Any, ...]]:
+    """The items of a class by name, as the extension module tells them."""
+    if cls not in _rows:
+        raise TypeError(f"a class of entities is needed, not {cls!r}")
+    return _rows[cls]
 
 
 def _described(item: tuple[Any, ...]) -> dict[str, Any]:
-    (name, says, kind, shape, count, words, target, fields, is_flag, is_in_order, read_only,
+    (name, _, says, kind, _, words, read_only, shape, count, target, fields, is_flag, is_in_order,
      can_get) = item
     return {
         "name": name,
@@ -27,7 +83,7 @@ def _described(item: tuple[Any, ...]) -> dict[str, Any]:
         "rows": (count, round(count**0.5), 4 if count == 12 else 3)[shape],
         "is_transformation": _KINDS[kind] == "vector" and shape == 2,
         "words": words if _KINDS[kind] == "word" else (),
-        "target": target,
+        "target": _class_name(target),
         "fields": [_described(field) for field in fields],
         "read_only": read_only,
         "is_in_order": is_in_order,
@@ -38,10 +94,8 @@ def _described(item: tuple[Any, ...]) -> dict[str, Any]:
 def _items(own: bool = True) -> list[dict[str, Any]]:
     """The items of each class as dictionaries, with or without those of its bases."""
     rows: list[dict[str, Any]] = []
-    for cls in vars(_karmp).values():
-        if not isinstance(cls, type) or not issubclass(cls, Entity):
-            continue
-        for name, item in zip(_karmp._item_names(cls), _karmp._items(cls)):
+    for cls, items in _rows.items():
+        for name, item in items.items():
             if not own or name in vars(cls):
                 doc = getattr(cls, name).__doc__
                 rows.append({**_described(item), "name": name, "doc": doc, "class": cls.__name__})
@@ -54,7 +108,7 @@ _names_of_columns: dict[type[Entity], list[str]] = {}
 def column_names(cls: type[Entity]) -> list[str]:
     """The items of a class that have columns."""
     if cls not in _names_of_columns:
-        described = zip(_karmp._item_names(cls), map(_described, _karmp._items(cls)))
+        described = ((name, _described(item)) for name, item in items_of(cls).items())
         _names_of_columns[cls] = [name for name, item in described
                                   if item["can_get"] and item["kind"] not in _NO_COLUMNS]
     return _names_of_columns[cls]
@@ -69,7 +123,7 @@ def near(text: str, names: list[str]) -> str:
 def check_item(cls: type[Entity], item: str, error: type[Exception] = AttributeError,
                text: str = "") -> None:
     """Raises an error that tells the near name for what is no item of a class."""
-    names = _karmp._item_names(cls)
+    names = [*items_of(cls)]
     if item not in names:
         text = text or f"karmp.{cls.__name__} has no item"
         raise error(f'{text} "{item}"{near(item, names)}')
@@ -77,8 +131,7 @@ def check_item(cls: type[Entity], item: str, error: type[Exception] = AttributeE
 
 def index_of_quantity(word: str) -> int:
     """The place of a quantity, such as "Length", among all of them."""
-    row = _karmp._item_names(_karmp.Value).index("physical_quantity")
-    words: list[str] = _karmp._items(_karmp.Value)[row][5]
+    words: list[str] = items_of(_karmp.Value)["physical_quantity"][5]
     if word not in words:
         nearest = _karmp._nearest(word, words)
         raise ValueError(f'there is no quantity "{word}"; near: {nearest}')

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Core.h"
+#include "KARMPEnumerationTexts.h"
 #include "KARTextConversion.h"
 
 #include <pybind11/stl/filesystem.h>
@@ -55,12 +56,17 @@ struct Fields
         return std::tuple(documents::SeverityText(of.severity), documents::CodeText(of.code),
                           of.file, of.path, of.text, of.line, of.column, documents::Format(of));
     }
+    static auto Of(const FamilyRecord& of)
+    {
+        return std::tuple(SnakeCase(of.element), of.info->getName());
+    }
     static auto Of(const ItemInfo& of)
     {
-        return std::tuple(SnakeCase(of.path), of.says, static_cast<int>(of.kind),
-                          static_cast<int>(of.shape), of.numberCount, of.words,
-                          ClassNameOf(of.target), of.fields, of.isFlag, of.isInOrder, of.readOnly,
-                          of.CanGet());
+        const auto quantity = EnumTexts<KARMPPhysicalQuantity::Enum>::Rows[of.quantity];
+        return std::tuple(SnakeCase(of.path), SnakeCase(of.name), of.says,
+                          static_cast<int>(of.kind), quantity, of.words, of.readOnly,
+                          static_cast<int>(of.shape), of.numberCount, of.target, of.fields,
+                          of.isFlag, of.isInOrder, of.CanGet());
     }
 };
 
@@ -73,8 +79,7 @@ model::Ref<T> As(const AnyRef& entity, const model::Ref<T>* = nullptr)
 {
     const auto found = entity.As<T>();
     if (!found)
-        Raise(PyExc_TypeError,
-              TitleOf(*entity) + " is no " + ClassNameOf(T::ClassInfo().getName()));
+        Raise(PyExc_TypeError, TitleOf(*entity) + " is no " + NameOf(T::ClassInfo()));
     return found;
 }
 
@@ -87,10 +92,8 @@ decltype(auto) Taken(py::handle given, ModelState* of = nullptr)
         return ModelOf(given);
     else if constexpr (std::is_same_v<T, EntityObject&>)
         return AliveOf(given);
-    else if constexpr (std::is_same_v<T, const EntityClass&>)
-        return ClassOf(given);
     else if constexpr (std::is_same_v<T, const QOBClassInfo&>)
-        return *ClassOf(given).info;
+        return InfoOf(given);
     else if constexpr (std::is_reference_v<T>)
         return Taken<std::remove_cvref_t<T>>(given, of);
     else if constexpr (requires(T optional) { optional.has_value(); })

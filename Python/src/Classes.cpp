@@ -1,34 +1,26 @@
 // The Python type of entities: one base, whose objects hold an entity and the state of its model,
 // and a class for each one that the library has, with a property for each item of its table.
 #include "Calls.h"
-#include "KARMPEnumerationTexts.h"
 #include "KARMPGenericFactory.h"
 #include "KARMPSchema.h"
 #include "KARTextConversion.h"
 
-#include <algorithm>
+#include <pybind11/stl.h>
+
+#include <map>
 
 namespace karmp::python {
 
 namespace {
 
-auto& known = *new std::unordered_map<const QOBClassInfo*, EntityClass*>;
+// What is kept until the process ends: the Python classes by their records, and the base of all.
+auto& types = *new std::unordered_map<const QOBClassInfo*, py::object>;
 PyTypeObject* entityType = nullptr;
 
 EntityObject& ObjectOf(py::handle object)
 {
     auto* const instance = reinterpret_cast<py::detail::instance*>(object.ptr());
     return *static_cast<EntityObject*>(instance->simple_value_holder[0]);
-}
-py::handle TypeOf(const EntityClass& of)
-{
-    return reinterpret_cast<PyObject*>(of.type);
-}
-// Null without a property of the name.
-Property* FindProperty(const EntityClass& of, std::string_view name)
-{
-    const auto found = std::ranges::find(of.properties, name, &Property::name);
-    return found != of.properties.end() ? *found : nullptr;
 }
 
 // A function for a slot of a Python type: what it throws becomes Python's exception.
@@ -64,13 +56,9 @@ auto Attribute(PyObject* self, PyObject* name, Value... value)
     const auto done = Own(self, name, value...);
     if (PyErr_Occurred() == nullptr || PyErr_ExceptionMatches(PyExc_AttributeError) == 0)
         return done;
-    const EntityClass& of = ClassOf(*ObjectOf(self).entity);
-    const std::string text = Taken<std::string>(name);
-    if (FindProperty(of, text) == nullptr) {
-        PyErr_Clear();
-        PropertyOf(of, text);
-    }
-    return done;
+    const py::error_already_set failure;
+    OfPackage("_table").attr("check_item")(py::type::handle_of(self), py::handle(name));
+    throw failure;
 }
 
 PyObject* Represent(PyObject* self)
@@ -90,80 +78,67 @@ PyTypeObject* WithSlots(py::handle made)
     return type;
 }
 
-std::string DocOf(const ItemInfo& item)
+void AddProperty(py::handle type, const ItemInfo& item, std::string name, std::string doc)
 {
-    std::string doc(item.says);
-    if (const auto row = static_cast<std::size_t>(item.quantity); row != 0)
-        doc += " Quantity: " + kar::ToUtf8(EnumTexts<KARMPPhysicalQuantity::Enum>::Rows[row]) + '.';
-    for (std::size_t i = 0; item.kind == ItemKind::Word && i < item.words.size(); ++i)
-        doc += (i == 0 ? " One of " : ", ") + kar::ToUtf8(item.words[i]) +
-               (i + 1 == item.words.size() ? "." : "");
-    return item.readOnly.empty() ? doc : doc + " Read only: " + std::string(item.readOnly);
-}
-
-// The base's property of the same row, null without one.
-Property* InheritedOf(const ItemInfo& item, const std::vector<Property*>& ofBase)
-{
-    const auto found = std::ranges::find_if(ofBase, [&item](const Property* property) {
-        const ItemInfo& row = *property->item;
-        return row.written == item.written && row.read == item.read && row.path == item.path &&
-               row.readOnly == item.readOnly;
-    });
-    return found != ofBase.end() ? *found : nullptr;
-}
-
-Property* AddDescriptor(const EntityClass& of, Property made)
-{
-    auto* const property = new Property(std::move(made));
-    const char* const name = property->name.c_str();
-    property->definition = {name, &Slot<&GetItem>::Call, &Slot<&SetItem>::Call,
+    auto* const property = new Property{&item, std::move(name), std::move(doc)};
+    property->definition = {property->name.c_str(), &Slot<&GetItem>::Call, &Slot<&SetItem>::Call,
                             property->doc.c_str(), property};
-    py::reinterpret_borrow<py::dict>(of.type->tp_dict)[name] =
-        Made(PyDescr_NewGetSet(of.type, &property->definition));
-    return property;
+    auto* const of = reinterpret_cast<PyTypeObject*>(type.ptr());
+    type.attr(property->name.c_str()) = Made(PyDescr_NewGetSet(of, &property->definition));
 }
 
-void AddProperties(EntityClass& of, const std::vector<Property*>& ofBase)
+// Lets Python make the class of a record, behind its base, from descriptions of its items; those
+// that the base has too are the same objects. Python tells the properties that the class needs.
+class Maker
 {
-    const auto items = ItemsOf(*of.info);
-    for (const ItemInfo& item : items) {
-        Property* property = InheritedOf(item, ofBase);
-        if (property == nullptr) {
-            const bool isAlone = std::ranges::count(items, item.name, &ItemInfo::name) == 1;
-            const std::wstring_view name = isAlone ? item.name : item.path;
-            property = AddDescriptor(of, {&item, SnakeCase(name), DocOf(item)});
+public:
+    explicit Maker(const py::function& make) : m_make(make) {}
+
+    void Make(const QOBClassInfo& info)
+    {
+        if (types.contains(&info))
+            return;
+        const bool isFirst = info == KARMPEntity::ClassInfo();
+        if (!isFirst)
+            Make(*info.getParent());
+        const auto items = ItemsOf(info);
+        py::list described;
+        for (const ItemInfo& item : items) {
+            py::object& known = m_known[{item.written, item.read, item.path, item.readOnly}];
+            if (!known)
+                known = Give(item, nullptr);
+            described.append(known);
         }
-        of.properties.push_back(property);
+        const SchemaItem* const schema = SchemaOf(info.getName());
+        // Documents hold all classes but one.
+        const auto says = schema != nullptr ? schema->says : "What a solver tells of entities.";
+        const py::handle base = isFirst ? py::handle(Py_None) : TypeOf(*info.getParent());
+        const py::tuple made = m_make(info.getName(), base, says, described);
+        types[&info] = made[0];
+        WithSlots(made[0]);
+        for (const py::handle own : made[1]) {
+            const auto [at, name, doc] =
+                own.cast<std::tuple<std::size_t, std::string, std::string>>();
+            AddProperty(made[0], items[at], name, doc);
+        }
     }
-    // A planar class is no spatial one in documents: what it does not hold is hidden.
-    for (const Property* const property : ofBase)
-        if (FindProperty(of, property->name) == nullptr)
-            AddDescriptor(of, {nullptr, property->name, "No item of the class."});
-    PyType_Modified(of.type);
-}
 
-// The class of a record, made with its bases.
-EntityClass& AddClass(py::module_& module, const QOBClassInfo& info)
+private:
+    using Key = std::tuple<const Item*, const Item*, std::wstring_view, std::string_view>;
+
+    py::function m_make;
+    std::map<Key, py::object> m_known;
+};
+
+void MakeClasses(const py::function& make)
 {
-    if (known.contains(&info))
-        return *known[&info];
-    auto& made = *new EntityClass{&info, entityType, ClassNameOf(info.getName()), {}};
-    known[&info] = &made;
-    if (info == KARMPEntity::ClassInfo()) {
-        AddProperties(made, {});
-        return made;
+    Maker maker(make);
+    for (const std::string& name : KARMPFactory::GetClassNames()) {
+        Entity sample;
+        if (KARFailed(KARMPFactory::Create(name, sample)) || !sample)
+            throw std::bad_alloc();
+        maker.Make(sample->getClassInfo());
     }
-    const EntityClass& base = AddClass(module, *info.getParent());
-    const SchemaItem* const schema = SchemaOf(info.getName());
-    // Documents hold all classes but one.
-    const auto says = schema != nullptr ? schema->says : "What a solver tells of entities.";
-    const py::object type = py::handle(reinterpret_cast<PyObject*>(&PyType_Type))(
-        made.name, py::make_tuple(TypeOf(base)),
-        py::dict("__slots__"_a = py::tuple(), "__module__"_a = "karmp", "__doc__"_a = says));
-    module.attr(made.name.c_str()) = type;
-    made.type = WithSlots(type);
-    AddProperties(made, base.properties);
-    return made;
 }
 
 } // namespace
@@ -178,9 +153,20 @@ ModelState& ModelOf(py::handle object)
     return state;
 }
 
+py::handle TypeOf(const QOBClassInfo& info)
+{
+    const auto found = types.find(&info);
+    return found != types.end() ? found->second : TypeOf(*info.getParent());
+}
+
+std::string NameOf(const QOBClassInfo& info)
+{
+    return TypeOf(info).attr("__name__").cast<std::string>();
+}
+
 std::string TitleOf(const KARMPEntity& entity)
 {
-    return ClassOf(entity).name + " \"" + kar::ToUtf8(entity.getEntityName()) + '"';
+    return NameOf(entity.getClassInfo()) + " \"" + kar::ToUtf8(entity.getEntityName()) + '"';
 }
 
 py::object Wrap(const Entity& entity, ModelState& state)
@@ -189,7 +175,9 @@ py::object Wrap(const Entity& entity, ModelState& state)
         return py::none();
     if (const auto found = state.objects.find(entity.get()); found != state.objects.end())
         return py::reinterpret_borrow<py::object>(found->second);
-    const auto made = Made(py::detail::make_new_instance(ClassOf(*entity).type));
+    const py::handle type = TypeOf(entity->getClassInfo());
+    const auto made =
+        Made(py::detail::make_new_instance(reinterpret_cast<PyTypeObject*>(type.ptr())));
     auto* const instance = reinterpret_cast<py::detail::instance*>(made.ptr());
     instance->simple_value_holder[0] = new EntityObject(entity, state);
     py::detail::get_type_info(typeid(EntityObject))->init_instance(instance, nullptr);
@@ -208,31 +196,23 @@ EntityObject& AliveOf(py::handle object)
     return found;
 }
 
-const EntityClass& ClassOf(py::handle type)
+const QOBClassInfo& InfoOf(py::handle type)
 {
-    for (const auto& [info, of] : known)
-        if (TypeOf(*of).is(type))
-            return *of;
+    for (const auto& [info, known] : types)
+        if (known.is(type))
+            return *info;
     RaiseNeeded("a class of entities", type);
 }
 
-const EntityClass& ClassOf(const KARMPEntity& entity)
+const ItemInfo& ItemOf(const QOBClassInfo& info, const std::string& name)
 {
-    const QOBClassInfo* info = &entity.getClassInfo();
-    while (!known.contains(info))
-        info = info->getParent();
-    return *known.at(info);
-}
-
-const Property& PropertyOf(const EntityClass& of, const std::string& name)
-{
-    if (const Property* const property = FindProperty(of, name))
-        return *property;
-    std::vector<std::wstring> names;
-    for (const Property* const property : of.properties)
-        names.push_back(kar::ToWide(property->name));
-    Raise(PyExc_AttributeError,
-          "karmp." + of.name + " has no item \"" + name + '"' + NearText(kar::ToWide(name), names));
+    const py::object found = py::getattr(TypeOf(info), name.c_str(), py::none());
+    if (Py_IS_TYPE(found.ptr(), &PyGetSetDescr_Type)) {
+        const auto& of = *reinterpret_cast<PyGetSetDescrObject*>(found.ptr())->d_getset;
+        if (of.set == &Slot<&SetItem>::Call)
+            return *static_cast<const Property*>(of.closure)->item;
+    }
+    RaiseNeeded("the name of an item", ToText(name));
 }
 
 void BindClasses(py::module_& module)
@@ -241,17 +221,8 @@ void BindClasses(py::module_& module)
     entityType = WithSlots(py::class_<EntityObject>(
         module, "Entity", "What all entities of a model have.", py::metaclass(metaclass)));
     entityType->tp_new = nullptr; // the module alone makes objects
-    for (const std::string& name : KARMPFactory::GetClassNames()) {
-        Entity sample;
-        if (KARFailed(KARMPFactory::Create(name, sample)) || !sample)
-            throw std::bad_alloc();
-        AddClass(module, sample->getClassInfo());
-    }
-    py::dict families;
-    for (const auto& [element, info] : FamilyRecords())
-        if (known.contains(info))
-            families[ToText(SnakeCase(element))] = TypeOf(*known.at(info));
-    module.attr("_families") = families;
+    module.def("_make_classes", &MakeClasses);
+    module.attr("_families") = Give(FamilyRecords(), nullptr);
 }
 
 } // namespace karmp::python

@@ -54,21 +54,10 @@ struct EntityObject
 /// An item as a property of a Python class.
 struct Property
 {
-    /// Null for an item that a planar class hides of the spatial one.
     const ItemInfo* item;
     std::string name;
     std::string doc;
     PyGetSetDef definition{};
-};
-
-/// An entity class in Python, which keeps it until the process ends.
-struct EntityClass
-{
-    const QOBClassInfo* info;
-    PyTypeObject* type;
-    std::string name;
-    /// Those of the bases first.
-    std::vector<Property*> properties;
 };
 
 /// Texts to Python and back; what is no UTF-8 survives.
@@ -77,10 +66,6 @@ py::str ToText(std::string_view text);
 std::wstring WideOf(py::handle text);
 /// "center_of_gravity" for "CenterOfGravity", "axis_direction" for "Axis/Direction".
 std::string SnakeCase(std::wstring_view path);
-/// "Body" for "KARMPBody"; what would begin with a digit keeps its prefix.
-std::string ClassNameOf(std::string_view className);
-/// "; near: ..." with the nearest of some names, empty when none is near.
-std::string NearText(const std::wstring& text, const std::vector<std::wstring>& names);
 
 /// What the package has by a name, such as an error.
 py::object OfPackage(const char* name);
@@ -146,11 +131,13 @@ ModelState& ModelOf(py::handle object);
 py::object Wrap(const Entity& entity, ModelState& state);
 /// The object of an entity that is not deleted, of a model that is free; raises otherwise.
 EntityObject& AliveOf(py::handle object);
-/// The class that a Python class stands for, which raises for another one, and that of an entity.
-const EntityClass& ClassOf(py::handle type);
-const EntityClass& ClassOf(const KARMPEntity& entity);
-/// The property of a class by its name; raises AttributeError that tells the near name.
-const Property& PropertyOf(const EntityClass& of, const std::string& name);
+/// The record of a Python class; raises for another one. The Python class of a record, or the
+/// nearest base's, and its name.
+const QOBClassInfo& InfoOf(py::handle type);
+py::handle TypeOf(const QOBClassInfo& info);
+std::string NameOf(const QOBClassInfo& info);
+/// The item of a class by the name of its property; raises for another name.
+const ItemInfo& ItemOf(const QOBClassInfo& info, const std::string& name);
 /// "Body "Crank"".
 std::string TitleOf(const KARMPEntity& entity);
 

@@ -133,10 +133,10 @@ py::object ColumnOf(ModelState& state, const ItemInfo& item, const std::vector<E
 }
 
 // A column by the kind of its item, of those that can be had.
-py::object Column(ModelState& self, const EntityClass& cls, std::string name)
+py::object Column(ModelState& self, const QOBClassInfo& cls, std::string name)
 {
-    const ItemInfo& item = *PropertyOf(cls, name).item;
-    const std::vector<Entity> entities = AllOf(self.model, *cls.info);
+    const ItemInfo& item = ItemOf(cls, name);
+    const std::vector<Entity> entities = AllOf(self.model, cls);
     if (item.kind == ItemKind::Integer)
         return ColumnOf(self, item, entities, 0);
     if (item.kind == ItemKind::Flag || item.isFlag)
@@ -149,22 +149,10 @@ py::object Column(ModelState& self, const EntityClass& cls, std::string name)
     return column;
 }
 
-const ItemInfo& ItemOf(const EntityObject& owner, const std::string& name)
-{
-    return *PropertyOf(ClassOf(*owner.entity), name).item;
-}
-
-// A property of an entity, of an item that the class has.
-const Property& RowOf(const EntityObject& owner, const void* property)
-{
-    const auto& row = *static_cast<const Property*>(property);
-    return row.item != nullptr ? row : PropertyOf(ClassOf(*owner.entity), row.name);
-}
-
 bool LinkItem(EntityObject& owner, std::string name, AnyRef target, bool isAdded)
 {
     const AnyRef first(owner.entity);
-    const std::string path = kar::ToUtf8(ItemOf(owner, name).path);
+    const std::string path = kar::ToUtf8(ItemOf(owner.entity->getClassInfo(), name).path);
     Model& model = owner.state->model;
     return Do(*owner.state, name, [&] {
         return isAdded ? model.Link(first, target, path) : model.Unlink(first, target, path);
@@ -176,7 +164,7 @@ bool LinkItem(EntityObject& owner, std::string name, AnyRef target, bool isAdded
 PyObject* GetItem(PyObject* self, void* property)
 {
     const EntityObject& owner = AliveOf(self);
-    const auto& [item, name, doc, definition] = RowOf(owner, property);
+    const auto& [item, name, doc, definition] = *static_cast<const Property*>(property);
     if (item->kind == ItemKind::References && item->CanGet())
         return OfPackage("Links")(py::handle(self), name).release().ptr();
     FailedChecks() = 0;
@@ -190,7 +178,7 @@ PyObject* GetItem(PyObject* self, void* property)
 int SetItem(PyObject* self, PyObject* value, void* property)
 {
     const auto& [entity, state] = AliveOf(self);
-    const Property& row = RowOf(AliveOf(self), property);
+    const Property& row = *static_cast<const Property*>(property);
     const ItemInfo& item = *row.item;
     if (value == nullptr)
         Raise(PyExc_TypeError, row.name + " cannot be deleted");
@@ -219,24 +207,15 @@ void BindItems(const Functions& calls)
 {
     calls["column"] = &Column;
     calls["link_item"] = &LinkItem;
-    calls["item_names"] = [](const EntityClass& cls) {
-        std::vector<std::string> names;
-        for (const Property* const property : cls.properties)
-            names.push_back(property->name);
-        return names;
-    };
-    calls["items"] = [](const EntityClass& cls) { return ItemsOf(*cls.info); };
     calls["targets"] = [](EntityObject& owner, std::string name) {
-        return ItemOf(owner, name).Get(*owner.entity);
+        return ItemOf(owner.entity->getClassInfo(), name).Get(*owner.entity);
     };
     calls["words"] = [](EntityObject& owner, std::string name) {
-        return ItemOf(owner, name).EntryWords(*owner.entity);
+        return ItemOf(owner.entity->getClassInfo(), name).EntryWords(*owner.entity);
     };
-    calls["all"] = [](ModelState& of, const EntityClass& cls) {
-        return AllOf(of.model, *cls.info);
-    };
-    calls["count"] = [](ModelState& of, const EntityClass& cls) {
-        return AllOf(of.model, *cls.info).size();
+    calls["all"] = [](ModelState& of, const QOBClassInfo& cls) { return AllOf(of.model, cls); };
+    calls["count"] = [](ModelState& of, const QOBClassInfo& cls) {
+        return AllOf(of.model, cls).size();
     };
     calls["nearest"] = [](std::wstring text, std::vector<std::wstring> names) {
         return std::wstring(NearestWord(text, {names.begin(), names.end()}));

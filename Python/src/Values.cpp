@@ -1,7 +1,6 @@
 // Texts, names, errors, and what calls take and give.
 #include "Calls.h"
 #include "KARMPFailedCheck.h"
-#include "KARMPNearestWord.h"
 
 #include <pybind11/numpy.h>
 
@@ -66,19 +65,6 @@ std::string SnakeCase(std::wstring_view path)
     }
     // The one name of an item that is a keyword of Python's.
     return name == "class" ? "class_" : name;
-}
-
-std::string ClassNameOf(std::string_view className)
-{
-    constexpr std::string_view prefix = "KARMP";
-    const bool isName = className.size() > prefix.size() && className[prefix.size()] > '9';
-    return std::string(isName ? className.substr(prefix.size()) : className);
-}
-
-std::string NearText(const std::wstring& text, const std::vector<std::wstring>& names)
-{
-    const auto near = NearestWord(text, {names.begin(), names.end()});
-    return near.empty() ? "" : "; near: \"" + kar::ToUtf8(near) + '"';
 }
 
 py::object OfPackage(const char* name)

@@ -187,13 +187,13 @@ def entity_class(name, rows):
     body += "".join(item(name, row) for row in own)
     known = {row["name"] for row in rows}
     for hidden, value in vars(cls).items():
-        if type(value).__name__ == "getset_descriptor" and hidden not in known:
+        if cls is not module.Entity and isinstance(value, property) and hidden not in known:
             body += read_only(hidden, "_NoItem")
     return f"{before}class {name}{base}:\n{body}\n"
 
 
 def main(output):
-    text = f"{HEAD}_Quantity = {words(ROWS['Value']['physical_quantity'])}\n_families: dict[str, type[Entity]]\n\n"
+    text = f"{HEAD}_Quantity = {words(ROWS['Value']['physical_quantity'])}\n_families: list[tuple[str, str]]\n\n"
     for name, member in vars(module).items():
         if isinstance(member, type) and not issubclass(member, module.Entity):
             text += own_class(member)
