@@ -26,7 +26,7 @@ def _class_name(record: str) -> str:
 
 
 def _doc(row: tuple[Any, ...]) -> str:
-    _, _, says, kind, quantity, words, read_only, *_ = row
+    _, says, kind, quantity, words, read_only, *_ = row
     doc: str = says
     if quantity != "NoPhysicalQuantity":
         doc += f" Quantity: {quantity}."
@@ -35,30 +35,20 @@ def _doc(row: tuple[Any, ...]) -> str:
     return doc + (f" Read only: {read_only}" if read_only else "")
 
 
-def _make_class(record: str, base: type[Entity] | None, says: str,
-                rows: list[tuple[Any, ...]]) -> tuple[type[Entity], list[tuple[int, str, str]]]:
-    """A class with what it describes itself by, and its own properties: place, name and docstring
-    of their items. What the base has is not made again."""
+def _make_class(record: str, base: type[Entity] | None, says: str, names: list[str],
+                own: dict[str, tuple[Any, ...]]) -> tuple[type[Entity], list[str]]:
+    """A class of items by name, of which its base has those that are not its own; and the
+    docstrings of its own."""
     inherited = _rows[base] if base else {}
-    known = {id(row): name for name, row in inherited.items()}
-    names = [row[1] for row in rows]
-    own: list[tuple[int, str, str]] = []
-    named: dict[str, tuple[Any, ...]] = {}
-    for at, row in enumerate(rows):
-        name = known.get(id(row))
-        if name is None:
-            name = row[1] if names.count(row[1]) == 1 else row[0]
-            own.append((at, name, _doc(row)))
-        named[name] = row
+    known = {**inherited, **own}
+    items = {name: known[name] for name in names}
     space: dict[str, Any] = {"__slots__": (), "__module__": "karmp", "__doc__": says}
-    for name in inherited:
-        # A planar class is no spatial one in documents: what it does not hold is hidden.
-        if name not in named:
-            space[name] = property(doc="No item of the class.")
+    # A planar class is no spatial one in documents: what it does not hold is hidden.
+    space |= {name: property(doc="No item of the class.") for name in inherited if name not in items}
     cls = type(_class_name(record), (base,), space) if base else Entity
     setattr(_karmp, cls.__name__, cls)
-    _rows[cls] = named
-    return cls, own
+    _rows[cls] = items
+    return cls, [*map(_doc, own.values())]
 
 
 _karmp._make_classes(_make_class)
@@ -74,7 +64,7 @@ def items_of(cls: type[Entity]) -> dict[str, tuple[Any, ...]]:
 
 
 def _described(item: tuple[Any, ...]) -> dict[str, Any]:
-    (name, _, says, kind, _, words, read_only, shape, count, target, fields, is_flag, is_in_order,
+    (name, says, kind, _, words, read_only, shape, count, target, fields, is_flag, is_in_order,
      can_get) = item
     return {
         "name": name,
@@ -131,7 +121,7 @@ def check_item(cls: type[Entity], item: str, error: type[Exception] = AttributeE
 
 def index_of_quantity(word: str) -> int:
     """The place of a quantity, such as "Length", among all of them."""
-    words: list[str] = items_of(_karmp.Value)["physical_quantity"][5]
+    words: list[str] = items_of(_karmp.Value)["physical_quantity"][4]
     if word not in words:
         nearest = _karmp._nearest(word, words)
         raise ValueError(f'there is no quantity "{word}"; near: {nearest}')

@@ -63,10 +63,9 @@ struct Fields
     static auto Of(const ItemInfo& of)
     {
         const auto quantity = EnumTexts<KARMPPhysicalQuantity::Enum>::Rows[of.quantity];
-        return std::tuple(SnakeCase(of.path), SnakeCase(of.name), of.says,
-                          static_cast<int>(of.kind), quantity, of.words, of.readOnly,
-                          static_cast<int>(of.shape), of.numberCount, of.target, of.fields,
-                          of.isFlag, of.isInOrder, of.CanGet());
+        return std::tuple(SnakeCase(of.path), of.says, static_cast<int>(of.kind), quantity,
+                          of.words, of.readOnly, static_cast<int>(of.shape), of.numberCount,
+                          of.target, of.fields, of.isFlag, of.isInOrder, of.CanGet());
     }
 };
 

@@ -5,8 +5,7 @@
 #include "KARMPSchema.h"
 #include "KARTextConversion.h"
 
-#include <pybind11/stl.h>
-
+#include <algorithm>
 #include <map>
 
 namespace karmp::python {
@@ -78,17 +77,8 @@ PyTypeObject* WithSlots(py::handle made)
     return type;
 }
 
-void AddProperty(py::handle type, const ItemInfo& item, std::string name, std::string doc)
-{
-    auto* const property = new Property{&item, std::move(name), std::move(doc)};
-    property->definition = {property->name.c_str(), &Slot<&GetItem>::Call, &Slot<&SetItem>::Call,
-                            property->doc.c_str(), property};
-    auto* const of = reinterpret_cast<PyTypeObject*>(type.ptr());
-    type.attr(property->name.c_str()) = Made(PyDescr_NewGetSet(of, &property->definition));
-}
-
-// Lets Python make the class of a record, behind its base, from descriptions of its items; those
-// that the base has too are the same objects. Python tells the properties that the class needs.
+// Lets Python make the class of a record, behind its base: from the names of its items, and from
+// descriptions of those that its base has not, for whose properties Python tells the docstrings.
 class Maker
 {
 public:
@@ -102,32 +92,52 @@ public:
         if (!isFirst)
             Make(*info.getParent());
         const auto items = ItemsOf(info);
-        py::list described;
+        py::list names;
+        py::dict own;
+        std::vector<Property*> properties;
         for (const ItemInfo& item : items) {
-            py::object& known = m_known[{item.written, item.read, item.path, item.readOnly}];
-            if (!known)
-                known = Give(item, nullptr);
-            described.append(known);
+            const auto key = [&item](const QOBClassInfo* of) {
+                return Key(of, item.written, item.read, item.path, item.readOnly);
+            };
+            py::object& name = m_names[key(&info)];
+            name = m_names[key(info.getParent())];
+            if (!name) {
+                const bool isAlone = std::ranges::count(items, item.name, &ItemInfo::name) == 1;
+                properties.push_back(
+                    new Property{&item, SnakeCase(isAlone ? item.name : item.path)});
+                name = ToText(properties.back()->name);
+                own[name] = Give(item, nullptr);
+            }
+            names.append(name);
         }
         const SchemaItem* const schema = SchemaOf(info.getName());
         // Documents hold all classes but one.
         const auto says = schema != nullptr ? schema->says : "What a solver tells of entities.";
         const py::handle base = isFirst ? py::handle(Py_None) : TypeOf(*info.getParent());
-        const py::tuple made = m_make(info.getName(), base, says, described);
+        const py::tuple made = m_make(info.getName(), base, says, names, own);
         types[&info] = made[0];
-        WithSlots(made[0]);
-        for (const py::handle own : made[1]) {
-            const auto [at, name, doc] =
-                own.cast<std::tuple<std::size_t, std::string, std::string>>();
-            AddProperty(made[0], items[at], name, doc);
-        }
+        PyTypeObject* const type = WithSlots(made[0]);
+        for (std::size_t i = 0; i < properties.size(); ++i)
+            AddProperty(type, *properties[i], py::list(made[1])[i]);
+        PyType_Modified(type);
     }
 
 private:
-    using Key = std::tuple<const Item*, const Item*, std::wstring_view, std::string_view>;
+    using Key = std::tuple<const QOBClassInfo*, const Item*, const Item*, std::wstring_view,
+                           std::string_view>;
+
+    static void AddProperty(PyTypeObject* type, Property& property, py::object doc)
+    {
+        property.doc = std::move(doc);
+        const char* const name = property.name.c_str();
+        property.definition = {name, &Slot<&GetItem>::Call, &Slot<&SetItem>::Call,
+                               PyUnicode_AsUTF8(property.doc.ptr()), &property};
+        py::reinterpret_borrow<py::dict>(type->tp_dict)[name] =
+            Made(PyDescr_NewGetSet(type, &property.definition));
+    }
 
     py::function m_make;
-    std::map<Key, py::object> m_known;
+    std::map<Key, py::object> m_names;
 };
 
 void MakeClasses(const py::function& make)

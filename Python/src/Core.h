@@ -56,7 +56,7 @@ struct Property
 {
     const ItemInfo* item;
     std::string name;
-    std::string doc;
+    py::object doc = {};
     PyGetSetDef definition{};
 };
 
