@@ -13,7 +13,7 @@ from ._karmp import Entity, Model, Solid
 from ._lists import Editing, Entities
 from ._rows import Difference, Finding
 from ._rows import findings as _findings
-from ._table import check_item, column_names, families, index_of_quantity, items_of
+from ._table import check_item, columns_of, families, index_of_quantity, items_of
 
 TYPE_CHECKING = False  # the module typing takes as long to import as the package
 if TYPE_CHECKING:
@@ -249,9 +249,18 @@ class _Model(Model):
         """An item of all entities of a class: an array of numbers, a list of texts. A number that
         is not there is a NaN."""
         check_item(cls, item)
-        if item not in column_names(cls):
+        if item not in columns_of(cls):
             raise ValueError(f"{item} is no column")
-        return _karmp._column(self, cls, item)
+        kind, shape = columns_of(cls)[item]
+        if kind in ("number", "optional", "vector", "matrix"):
+            return _karmp._numbers(self, cls, item, shape)
+        property = getattr(cls, item)
+        values = [property.__get__(entity) for entity in _karmp._all(self, cls)]
+        if kind not in ("integer", "flag"):
+            return values
+        import numpy
+
+        return numpy.array(values, "i4" if kind == "integer" else "?")
 
     def set(self, cls: type[Entity], item: str, values: Iterable[Any]) -> None:
         """Stores a value of an item in each entity of a class, in all of them or in none."""
@@ -265,7 +274,7 @@ class _Model(Model):
 
     def table(self, cls: type[Entity], *names: str) -> dict[str, Any]:
         """The columns of all items of a class that have one, or of those that are named."""
-        return {name: self.column(cls, name) for name in names or column_names(cls)}
+        return {name: self.column(cls, name) for name in names or columns_of(cls)}
 
     def frame(self, cls: type[Entity]) -> Any:
         """The table of a class as a data frame of pandas."""

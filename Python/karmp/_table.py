@@ -92,16 +92,18 @@ def _items(own: bool = True) -> list[dict[str, Any]]:
     return rows
 
 
-_names_of_columns: dict[type[Entity], list[str]] = {}
+_columns: dict[type[Entity], dict[str, tuple[str, list[int]]]] = {}
 
 
-def column_names(cls: type[Entity]) -> list[str]:
-    """The items of a class that have columns."""
-    if cls not in _names_of_columns:
+def columns_of(cls: type[Entity]) -> dict[str, tuple[str, list[int]]]:
+    """The items of a class that have columns: their kind and the shape of what an entity has."""
+    if cls not in _columns:
         described = ((name, _described(item)) for name, item in items_of(cls).items())
-        _names_of_columns[cls] = [name for name, item in described
-                                  if item["can_get"] and item["kind"] not in _NO_COLUMNS]
-    return _names_of_columns[cls]
+        sides = {"vector": 1, "matrix": 2}
+        _columns[cls] = {name: (item["kind"], [item["rows"]] * sides.get(item["kind"], 0))
+                         for name, item in described
+                         if item["can_get"] and item["kind"] not in _NO_COLUMNS}
+    return _columns[cls]
 
 
 def near(text: str, names: list[str]) -> str:

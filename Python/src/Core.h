@@ -144,10 +144,6 @@ std::string TitleOf(const KARMPEntity& entity);
 /// Get and set an item, as properties of Python do.
 PyObject* GetItem(PyObject* self, void* property);
 int SetItem(PyObject* self, PyObject* value, void* property);
-/// Imports numpy, as must be done before the first array: pybind11 would import it within the
-/// initialization of a static variable, where threads that wait for that keep the interpreter's
-/// lock from the one that imports.
-void LoadNumpy();
 
 struct Functions;
 void BindClasses(py::module_& module);

@@ -4,6 +4,7 @@
 
 #include <pybind11/numpy.h>
 
+#include <algorithm>
 #include <limits>
 
 namespace karmp::python {
@@ -11,6 +12,26 @@ namespace karmp::python {
 namespace {
 
 using Records = std::vector<RecordValues>;
+
+// An array of Python. Imports numpy before the first one: pybind11 would import it within the
+// initialization of a static variable, where threads that wait for that keep the interpreter's lock
+// from the one that imports.
+py::array_t<double> NewArray(const std::vector<std::size_t>& shape)
+{
+    static PyObject* loaded = nullptr; // changes under the interpreter's lock alone
+    if (loaded == nullptr)
+        loaded = py::module_::import("numpy.core.multiarray").release().ptr();
+    return py::array_t<double>(shape);
+}
+
+// Writes numbers row by row, and tells the place behind them.
+double* CopyRows(const NumberArray& numbers, double* entry)
+{
+    for (std::size_t row = 0; row < numbers.Rows(); ++row)
+        for (std::size_t column = 0; column < numbers.Columns(); ++column)
+            *entry++ = numbers.At(row, column);
+    return entry;
+}
 
 // Numbers in the shape that the item has; of another shape as a vector, which the item refuses.
 NumberArray ArrayFrom(py::handle value, const ItemInfo& item)
@@ -103,49 +124,28 @@ std::vector<Entity> AllOf(const Model& model, const QOBClassInfo& info)
     return entities;
 }
 
-// A column of numbers, of arrays row by row; what is not there is `missing`.
-template <class T>
-py::object ColumnOf(ModelState& state, const ItemInfo& item, const std::vector<Entity>& entities,
-                    T missing)
+// The numbers of an item in all entities of a class, arrays row by row; NaN for what is not there.
+py::object NumbersIn(ModelState& state, const QOBClassInfo& cls, std::string name,
+                     std::vector<std::size_t> shape)
 {
-    const NumberArray sample(item.shape, std::vector<double>(item.numberCount));
-    const auto rows = static_cast<py::ssize_t>(sample.Rows());
-    std::vector<py::ssize_t> shape{static_cast<py::ssize_t>(entities.size())};
-    if (rows > 0)
-        shape.resize(item.shape == NumberShape::Vector ? 2 : 3, rows);
-    LoadNumpy();
-    py::array_t<T> column(shape);
-    T* entry = column.mutable_data();
-    const std::size_t width = sample.Columns();
-    const std::size_t size = rows > 0 ? sample.Rows() * width : 1;
+    const ItemInfo& item = ItemOf(cls, name);
+    const std::vector<Entity> entities = AllOf(state.model, cls);
+    shape.insert(shape.begin(), entities.size());
+    auto column = NewArray(shape);
+    double* entry = column.mutable_data();
+    std::fill_n(entry, column.size(), std::numeric_limits<double>::quiet_NaN());
+    const auto width =
+        static_cast<std::size_t>(column.size()) / std::max<std::size_t>(entities.size(), 1);
     Alone(state, state, [&] {
         for (const Entity& entity : entities) {
             const Value value = item.Get(*entity);
-            const auto* const numbers = std::get_if<NumberArray>(&value);
-            const T* const number = std::get_if<T>(&value);
-            const T other = number != nullptr ? *number : missing;
-            for (std::size_t i = 0; i < size; ++i)
-                *entry++ =
-                    numbers != nullptr ? static_cast<T>(numbers->At(i / width, i % width)) : other;
+            if (const auto* const number = std::get_if<double>(&value))
+                *entry = *number;
+            else if (const auto* const numbers = std::get_if<NumberArray>(&value))
+                CopyRows(*numbers, entry);
+            entry += width;
         }
     });
-    return column;
-}
-
-// A column by the kind of its item, of those that can be had.
-py::object Column(ModelState& self, const QOBClassInfo& cls, std::string name)
-{
-    const ItemInfo& item = ItemOf(cls, name);
-    const std::vector<Entity> entities = AllOf(self.model, cls);
-    if (item.kind == ItemKind::Integer)
-        return ColumnOf(self, item, entities, 0);
-    if (item.kind == ItemKind::Flag || item.isFlag)
-        return ColumnOf(self, item, entities, false);
-    if (item.kind != ItemKind::Text && item.kind != ItemKind::Word && item.kind != ItemKind::Code)
-        return ColumnOf(self, item, entities, std::numeric_limits<double>::quiet_NaN());
-    py::list column;
-    for (const Entity& entity : entities)
-        column.append(Give(item.Get(*entity), &self));
     return column;
 }
 
@@ -161,15 +161,28 @@ bool LinkItem(EntityObject& owner, std::string name, AnyRef target, bool isAdded
 
 } // namespace
 
+py::object ArrayOf(const NumberArray& numbers)
+{
+    std::vector<std::size_t> shape{numbers.Rows()};
+    if (numbers.Shape() != NumberShape::Vector)
+        shape.push_back(numbers.Columns());
+    auto array = NewArray(shape);
+    CopyRows(numbers, array.mutable_data());
+    // A copy that could be written would swallow what is stored in it.
+    py::detail::array_proxy(array.ptr())->flags &= ~py::detail::npy_api::NPY_ARRAY_WRITEABLE_;
+    return array;
+}
+
 PyObject* GetItem(PyObject* self, void* property)
 {
     const EntityObject& owner = AliveOf(self);
     const auto& [item, name, doc, definition] = *static_cast<const Property*>(property);
     if (item->kind == ItemKind::References && item->CanGet())
         return OfPackage("Links")(py::handle(self), name).release().ptr();
-    FailedChecks() = 0;
-    py::object value = Give(item->Get(*owner.entity), owner.state.get());
-    WarnOfChecks(name);
+    py::object value =
+        Do(*owner.state, name, [&entity = owner.entity, &of = *owner.state, item = item] {
+            return Give(item->Get(*entity), &of);
+        });
     if (item->kind == ItemKind::Records && !value.is_none())
         value = OfPackage("_rows").attr("records")(Give(*item, nullptr), value);
     return value.release().ptr();
@@ -205,7 +218,7 @@ int SetItem(PyObject* self, PyObject* value, void* property)
 
 void BindItems(const Functions& calls)
 {
-    calls["column"] = &Column;
+    calls["numbers"] = &NumbersIn;
     calls["link_item"] = &LinkItem;
     calls["targets"] = [](EntityObject& owner, std::string name) {
         return ItemOf(owner.entity->getClassInfo(), name).Get(*owner.entity);

@@ -154,11 +154,11 @@ py::object Differences(ModelState& first, ModelState& second, double tolerance, 
     });
     py::list list;
     for (const documents::Difference& one : found) {
-        const bool isGained = one.kind == documents::DifferenceKind::LinkGained;
+        ModelState& ofTarget = one.kind == documents::DifferenceKind::LinkGained ? second : first;
         list.append(py::make_tuple(documents::DifferenceText(one.kind), ToText(one.item),
                                    one.before ? Wrap(one.before, first) : Wrap(one.after, second),
                                    Give(one.oldValue, &first), Give(one.newValue, &second),
-                                   Wrap(one.target, isGained ? second : first)));
+                                   Wrap(one.target, ofTarget)));
     }
     return list;
 }

@@ -2,8 +2,6 @@
 #include "Calls.h"
 #include "KARMPFailedCheck.h"
 
-#include <pybind11/numpy.h>
-
 #include <algorithm>
 #include <cwctype>
 #include <new>
@@ -134,14 +132,11 @@ Numbers NumbersOf(py::handle given)
     Numbers taken;
     std::size_t length = 0;
     for (const py::handle entry : given) {
-        if (!IsSequence(entry)) {
-            taken.values.push_back(Taken<double>(entry));
-            continue;
-        }
-        const auto row = Taken<std::vector<double>>(entry);
-        if (taken.isInRows && row.size() != length)
+        taken.isInRows = IsSequence(entry);
+        const auto row =
+            taken.isInRows ? Taken<std::vector<double>>(entry) : std::vector{Taken<double>(entry)};
+        if (!taken.values.empty() && row.size() != length)
             Raise(PyExc_ValueError, "the rows have several lengths");
-        taken.isInRows = true;
         length = row.size();
         taken.values.insert(taken.values.end(), row.begin(), row.end());
     }
@@ -161,30 +156,6 @@ std::vector<unsigned char> BytesOf(py::handle given)
     const auto bytes = Made<py::bytes>(PyBytes_FromObject(given.ptr()));
     const std::string_view view(bytes);
     return {view.begin(), view.end()};
-}
-
-void LoadNumpy()
-{
-    static bool isLoaded = false; // changes under the interpreter's lock alone
-    if (isLoaded)
-        return;
-    py::module_::import("numpy.core.multiarray");
-    isLoaded = true;
-}
-
-py::object ArrayOf(const NumberArray& numbers)
-{
-    const auto rows = static_cast<py::ssize_t>(numbers.Rows());
-    const bool isVector = numbers.Shape() == NumberShape::Vector;
-    LoadNumpy();
-    py::array_t<double> array(isVector ? std::vector{rows} : std::vector{rows, rows});
-    double* entry = array.mutable_data();
-    for (std::size_t row = 0; row < numbers.Rows(); ++row)
-        for (std::size_t column = 0; column < numbers.Columns(); ++column)
-            *entry++ = numbers.At(row, column);
-    // A copy that could be written would swallow what is stored in it.
-    py::detail::array_proxy(array.ptr())->flags &= ~py::detail::npy_api::NPY_ARRAY_WRITEABLE_;
-    return array;
 }
 
 } // namespace karmp::python
