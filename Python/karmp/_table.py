@@ -42,6 +42,7 @@ def _make_class(record: str, base: type[Entity] | None, says: str, names: list[s
     inherited = _rows[base] if base else {}
     known = {**inherited, **own}
     items = {name: known[name] for name in names}
+    says = says or "What a solver tells of entities."  # the one class that documents do not hold
     space: dict[str, Any] = {"__slots__": (), "__module__": "karmp", "__doc__": says}
     # A planar class is no spatial one in documents: what it does not hold is hidden.
     space |= {name: property(doc="No item of the class.") for name in inherited if name not in items}

@@ -77,77 +77,67 @@ PyTypeObject* WithSlots(py::handle made)
     return type;
 }
 
+void AddProperty(PyTypeObject* type, Property& property, py::object doc)
+{
+    property.doc = std::move(doc);
+    const char* const name = property.name.c_str();
+    property.definition = {name, &Slot<&GetItem>::Call, &Slot<&SetItem>::Call,
+                           PyUnicode_AsUTF8(property.doc.ptr()), &property};
+    py::reinterpret_borrow<py::dict>(type->tp_dict)[name] =
+        Made(PyDescr_NewGetSet(type, &property.definition));
+}
+
+// The names of the items of each class in Python, by what tells an item of a class from one of its
+// base.
+using ItemKey =
+    std::tuple<const QOBClassInfo*, const Item*, const Item*, std::wstring_view, std::string_view>;
+using ItemNames = std::map<ItemKey, py::object>;
+
 // Lets Python make the class of a record, behind its base: from the names of its items, and from
 // descriptions of those that its base has not, for whose properties Python tells the docstrings.
-class Maker
+void MakeClass(const QOBClassInfo& info, const py::function& make, ItemNames& known)
 {
-public:
-    explicit Maker(const py::function& make) : m_make(make) {}
-
-    void Make(const QOBClassInfo& info)
-    {
-        if (types.contains(&info))
-            return;
-        const bool isFirst = info == KARMPEntity::ClassInfo();
-        if (!isFirst)
-            Make(*info.getParent());
-        const auto items = ItemsOf(info);
-        py::list names;
-        py::dict own;
-        std::vector<Property*> properties;
-        for (const ItemInfo& item : items) {
-            const auto key = [&item](const QOBClassInfo* of) {
-                return Key(of, item.written, item.read, item.path, item.readOnly);
-            };
-            py::object& name = m_names[key(&info)];
-            name = m_names[key(info.getParent())];
-            if (!name) {
-                const bool isAlone = std::ranges::count(items, item.name, &ItemInfo::name) == 1;
-                properties.push_back(
-                    new Property{&item, SnakeCase(isAlone ? item.name : item.path)});
-                name = ToText(properties.back()->name);
-                own[name] = Give(item, nullptr);
-            }
-            names.append(name);
+    if (types.contains(&info))
+        return;
+    const QOBClassInfo* const base = info == KARMPEntity::ClassInfo() ? nullptr : info.getParent();
+    if (base != nullptr)
+        MakeClass(*base, make, known);
+    const auto items = ItemsOf(info);
+    py::list names;
+    py::dict own;
+    std::vector<Property*> properties;
+    for (const ItemInfo& item : items) {
+        const auto key = [&item](const QOBClassInfo* of) {
+            return ItemKey(of, item.written, item.read, item.path, item.readOnly);
+        };
+        py::object& name = known[key(&info)];
+        name = known[key(base)];
+        if (!name) {
+            const bool isAlone = std::ranges::count(items, item.name, &ItemInfo::name) == 1;
+            properties.push_back(new Property{&item, SnakeCase(isAlone ? item.name : item.path)});
+            name = ToText(properties.back()->name);
+            own[name] = Give(item, nullptr);
         }
-        const SchemaItem* const schema = SchemaOf(info.getName());
-        // Documents hold all classes but one.
-        const auto says = schema != nullptr ? schema->says : "What a solver tells of entities.";
-        const py::handle base = isFirst ? py::handle(Py_None) : TypeOf(*info.getParent());
-        const py::tuple made = m_make(info.getName(), base, says, names, own);
-        types[&info] = made[0];
-        PyTypeObject* const type = WithSlots(made[0]);
-        for (std::size_t i = 0; i < properties.size(); ++i)
-            AddProperty(type, *properties[i], py::list(made[1])[i]);
-        PyType_Modified(type);
+        names.append(name);
     }
-
-private:
-    using Key = std::tuple<const QOBClassInfo*, const Item*, const Item*, std::wstring_view,
-                           std::string_view>;
-
-    static void AddProperty(PyTypeObject* type, Property& property, py::object doc)
-    {
-        property.doc = std::move(doc);
-        const char* const name = property.name.c_str();
-        property.definition = {name, &Slot<&GetItem>::Call, &Slot<&SetItem>::Call,
-                               PyUnicode_AsUTF8(property.doc.ptr()), &property};
-        py::reinterpret_borrow<py::dict>(type->tp_dict)[name] =
-            Made(PyDescr_NewGetSet(type, &property.definition));
-    }
-
-    py::function m_make;
-    std::map<Key, py::object> m_names;
-};
+    const SchemaItem* const schema = SchemaOf(info.getName());
+    const py::tuple made = make(info.getName(), base != nullptr ? TypeOf(*base) : py::none(),
+                                schema != nullptr ? schema->says : std::string_view(), names, own);
+    types[&info] = made[0];
+    PyTypeObject* const type = WithSlots(made[0]);
+    for (std::size_t i = 0; i < properties.size(); ++i)
+        AddProperty(type, *properties[i], py::list(made[1])[i]);
+    PyType_Modified(type);
+}
 
 void MakeClasses(const py::function& make)
 {
-    Maker maker(make);
+    ItemNames known;
     for (const std::string& name : KARMPFactory::GetClassNames()) {
         Entity sample;
         if (KARFailed(KARMPFactory::Create(name, sample)) || !sample)
             throw std::bad_alloc();
-        maker.Make(sample->getClassInfo());
+        MakeClass(sample->getClassInfo(), make, known);
     }
 }
 
@@ -171,7 +161,7 @@ py::handle TypeOf(const QOBClassInfo& info)
 
 std::string NameOf(const QOBClassInfo& info)
 {
-    return TypeOf(info).attr("__name__").cast<std::string>();
+    return Taken<std::string>(TypeOf(info).attr("__name__"));
 }
 
 std::string TitleOf(const KARMPEntity& entity)

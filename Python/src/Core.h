@@ -95,11 +95,10 @@ inline void CheckFree(const ModelState& state)
     if (state.isBusy)
         RaiseFailure("another thread works on the model", KARFailure);
 }
-/// Raises the first problem of a model, and forgets all.
-void RaiseProblem(Model& model);
-/// The failed checks of this thread, counted from 0; as a warning if there are any.
+/// The failed checks of this thread, counted from 0.
 int& FailedChecks();
-void WarnOfChecks(std::string_view what);
+/// Raises the first problem of a model, and forgets all; warns of failed checks.
+void EndEdit(Model& model, std::string_view what);
 
 /// An edit of a model: what it could not do is raised, failed checks become warnings.
 template <class Work>
@@ -108,8 +107,7 @@ auto Do(ModelState& state, std::string_view what, Work work)
     CheckFree(state);
     FailedChecks() = 0;
     auto result = work();
-    RaiseProblem(state.model);
-    WarnOfChecks(what);
+    EndEdit(state.model, what);
     return result;
 }
 

@@ -218,21 +218,26 @@ int SetItem(PyObject* self, PyObject* value, void* property)
 
 void BindItems(const Functions& calls)
 {
-    calls["numbers"] = &NumbersIn;
-    calls["link_item"] = &LinkItem;
-    calls["targets"] = [](EntityObject& owner, std::string name) {
-        return ItemOf(owner.entity->getClassInfo(), name).Get(*owner.entity);
-    };
-    calls["words"] = [](EntityObject& owner, std::string name) {
-        return ItemOf(owner.entity->getClassInfo(), name).EntryWords(*owner.entity);
-    };
-    calls["all"] = [](ModelState& of, const QOBClassInfo& cls) { return AllOf(of.model, cls); };
-    calls["count"] = [](ModelState& of, const QOBClassInfo& cls) {
-        return AllOf(of.model, cls).size();
-    };
-    calls["nearest"] = [](std::wstring text, std::vector<std::wstring> names) {
+    calls("numbers", &NumbersIn);
+    calls("link_item", &LinkItem);
+    calls(
+        "targets",
+        [](EntityObject& owner, std::string name) {
+            return ItemOf(owner.entity->getClassInfo(), name).Get(*owner.entity);
+        });
+    calls(
+        "words",
+        [](EntityObject& owner, std::string name) {
+            return ItemOf(owner.entity->getClassInfo(), name).EntryWords(*owner.entity);
+        });
+    calls(
+        "all", [](ModelState& of, const QOBClassInfo& cls) { return AllOf(of.model, cls); });
+    calls(
+        "count",
+        [](ModelState& of, const QOBClassInfo& cls) { return AllOf(of.model, cls).size(); });
+    calls("nearest", [](std::wstring text, std::vector<std::wstring> names) {
         return std::wstring(NearestWord(text, {names.begin(), names.end()}));
-    };
+    });
 }
 
 } // namespace karmp::python

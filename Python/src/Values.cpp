@@ -48,18 +48,18 @@ std::wstring WideOf(py::handle text)
 
 std::string SnakeCase(std::wstring_view path)
 {
-    const auto is = [path](int (*kind)(std::wint_t), std::size_t at) {
-        return at < path.size() && kind(static_cast<std::wint_t>(path[at])) != 0;
+    const auto isLower = [path](std::size_t at) {
+        return at < path.size() && std::iswlower(static_cast<std::wint_t>(path[at])) != 0;
     };
     std::string name;
     for (std::size_t i = 0; i < path.size(); ++i) {
-        const bool isGroup = path[i] == L'/' || path[i] == L'[';
-        const bool isWord =
-            is(&std::iswupper, i) && (is(&std::iswlower, i - 1) || is(&std::iswlower, i + 1));
+        const auto sign = static_cast<std::wint_t>(path[i]);
+        const bool isGroup = sign == L'/' || sign == L'[';
+        const bool isWord = std::iswupper(sign) != 0 && (isLower(i - 1) || isLower(i + 1));
         if (isGroup || (isWord && !name.empty() && name.back() != '_'))
             name += '_';
-        if (!isGroup && path[i] != L']')
-            name += static_cast<char>(std::towlower(static_cast<std::wint_t>(path[i])));
+        if (!isGroup && sign != L']')
+            name += static_cast<char>(std::towlower(sign));
     }
     // The one name of an item that is a keyword of Python's.
     return name == "class" ? "class_" : name;
@@ -82,23 +82,19 @@ void RaiseNeeded(const std::string& what, py::handle given)
     Raise(PyExc_TypeError, what + " is needed, not " + kar::ToUtf8(WideOf(py::repr(given))));
 }
 
-void RaiseProblem(Model& model)
-{
-    if (model.Problems().empty())
-        return;
-    const model::Problem problem = model.Problems().front();
-    model.ClearProblems();
-    RaiseFailure(problem.text, problem.status);
-}
-
 int& FailedChecks()
 {
     thread_local Checks checks;
     return checks.m_count;
 }
 
-void WarnOfChecks(std::string_view what)
+void EndEdit(Model& model, std::string_view what)
 {
+    if (!model.Problems().empty()) {
+        const model::Problem problem = model.Problems().front();
+        model.ClearProblems();
+        RaiseFailure(problem.text, problem.status);
+    }
     const int count = FailedChecks();
     if (count == 0)
         return;
