@@ -252,15 +252,11 @@ class _Model(Model):
         if item not in columns_of(cls):
             raise ValueError(f"{item} is no column")
         kind, shape = columns_of(cls)[item]
-        if kind in ("number", "optional", "vector", "matrix"):
-            return _karmp._numbers(self, cls, item, shape)
-        property = getattr(cls, item)
-        values = [property.__get__(entity) for entity in _karmp._all(self, cls)]
-        if kind not in ("integer", "flag"):
-            return values
-        import numpy
-
-        return numpy.array(values, "i4" if kind == "integer" else "?")
+        if kind in ("text", "word"):
+            property = getattr(cls, item)
+            return [property.__get__(entity) for entity in _karmp._all(self, cls)]
+        column = _karmp._numbers(self, cls, item, shape)
+        return column.astype({"integer": "i4", "flag": "?"}.get(kind, "f8"), copy=False)
 
     def set(self, cls: type[Entity], item: str, values: Iterable[Any]) -> None:
         """Stores a value of an item in each entity of a class, in all of them or in none."""

@@ -138,11 +138,13 @@ py::object NumbersIn(ModelState& state, const QOBClassInfo& cls, std::string nam
         static_cast<std::size_t>(column.size()) / std::max<std::size_t>(entities.size(), 1);
     Alone(state, state, [&] {
         for (const Entity& entity : entities) {
-            const Value value = item.Get(*entity);
-            if (const auto* const number = std::get_if<double>(&value))
-                *entry = *number;
-            else if (const auto* const numbers = std::get_if<NumberArray>(&value))
-                CopyRows(*numbers, entry);
+            const auto store = [entry]<class T>(const T& held) {
+                if constexpr (std::is_arithmetic_v<T>)
+                    *entry = held;
+                else if constexpr (std::is_same_v<T, NumberArray>)
+                    CopyRows(held, entry);
+            };
+            std::visit(store, item.Get(*entity));
             entry += width;
         }
     });

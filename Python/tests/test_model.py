@@ -260,6 +260,15 @@ class Columns(unittest.TestCase):
         m.set(karmp.Body, "inertia_matrix", turned)
         self.assertTrue((m.column(karmp.Body, "inertia_matrix") == turned).all())
 
+    def test_columns_have_a_value_for_each_entity(self):
+        m = four_bar()
+        for item in ("is_fixed", "mass", "id"):
+            expected = [getattr(body, item) for body in m.bodies]
+            self.assertEqual([*m.column(karmp.Body, item)], expected)
+        self.assertEqual(m.column(karmp.Body, "is_fixed").dtype, bool)
+        values = m.column(karmp.Variable, "value")  # of which the world's time has none
+        self.assertEqual((values.shape, values.dtype), ((len(m.variables),), float))
+
     def test_column_of_another_length_changes_nothing(self):
         m = four_bar()
         for values in ([1, 2], [1, 2, 3, "x"]):
