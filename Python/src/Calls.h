@@ -239,39 +239,46 @@ py::object Call(Function function, const char* name, const py::args& given,
     }
 }
 
-/// Binds functions of the module by their names, which begin with a "_" in Python. A member
-/// function that takes its caller's line at the end is given this one.
-struct Functions
+/// A function of the module, which is bound by assigning it. A member function that takes its
+/// caller's line at the end is given this one.
+struct Bound
 {
     py::module_& module;
+    const char* name;
 
-    void operator()(const char* name, auto lambda) const { (*this)(name, +lambda); }
+    void operator=(auto lambda) const { *this = +lambda; }
     template <class R, class... A>
-    void operator()(const char* name, R (*function)(A...)) const
+    void operator=(R (*function)(A...)) const
     {
-        Bind<A...>(name, function);
+        Bind<A...>(function);
     }
     template <class R, class... A>
-    void operator()(const char* name, R (Model::*function)(A...)) const
+    void operator=(R (Model::*function)(A...)) const
     {
-        Bind<Model&, A...>(name, function);
+        Bind<Model&, A...>(function);
     }
     template <class R, class... A>
-    void operator()(const char* name, R (Model::*function)(A...) const) const
+    void operator=(R (Model::*function)(A...) const) const
     {
-        Bind<const Model&, A...>(name, function);
+        Bind<const Model&, A...>(function);
     }
 
 private:
     template <class... A, class Function>
-    void Bind(const char* name, Function function) const
+    void Bind(Function function) const
     {
         constexpr std::make_index_sequence<sizeof...(A) - 1> others;
         module.def(('_' + std::string(name)).c_str(),
-                   [function, others, name](const py::args& given) {
+                   [function, others, name = name](const py::args& given) {
                        return Call<A...>(function, name, given, others);
                    });
     }
+};
+/// The functions of the module by their names, which begin with a "_" in Python.
+struct Functions
+{
+    py::module_& module;
+    Bound operator[](const char* name) const { return {module, name}; }
 };
 
 } // namespace karmp::python

@@ -24,13 +24,12 @@ py::array_t<double> NewArray(const std::vector<std::size_t>& shape)
     return py::array_t<double>(shape);
 }
 
-// Writes numbers row by row, and tells the place behind them.
-double* CopyRows(const NumberArray& numbers, double* entry)
+// Writes numbers row by row.
+void CopyRows(const NumberArray& numbers, double* entry)
 {
     for (std::size_t row = 0; row < numbers.Rows(); ++row)
         for (std::size_t column = 0; column < numbers.Columns(); ++column)
             *entry++ = numbers.At(row, column);
-    return entry;
 }
 
 // Numbers in the shape that the item has; of another shape as a vector, which the item refuses.
@@ -138,11 +137,12 @@ py::object NumbersIn(ModelState& state, const QOBClassInfo& cls, std::string nam
         static_cast<std::size_t>(column.size()) / std::max<std::size_t>(entities.size(), 1);
     Alone(state, state, [&] {
         for (const Entity& entity : entities) {
-            const auto store = [entry]<class T>(const T& held) {
+            const auto store = [entry, width]<class T>(const T& held) {
                 if constexpr (std::is_arithmetic_v<T>)
                     *entry = held;
                 else if constexpr (std::is_same_v<T, NumberArray>)
-                    CopyRows(held, entry);
+                    if (held.Rows() * held.Columns() == width)
+                        CopyRows(held, entry);
             };
             std::visit(store, item.Get(*entity));
             entry += width;
@@ -220,26 +220,21 @@ int SetItem(PyObject* self, PyObject* value, void* property)
 
 void BindItems(const Functions& calls)
 {
-    calls("numbers", &NumbersIn);
-    calls("link_item", &LinkItem);
-    calls(
-        "targets",
-        [](EntityObject& owner, std::string name) {
-            return ItemOf(owner.entity->getClassInfo(), name).Get(*owner.entity);
-        });
-    calls(
-        "words",
-        [](EntityObject& owner, std::string name) {
-            return ItemOf(owner.entity->getClassInfo(), name).EntryWords(*owner.entity);
-        });
-    calls(
-        "all", [](ModelState& of, const QOBClassInfo& cls) { return AllOf(of.model, cls); });
-    calls(
-        "count",
-        [](ModelState& of, const QOBClassInfo& cls) { return AllOf(of.model, cls).size(); });
-    calls("nearest", [](std::wstring text, std::vector<std::wstring> names) {
+    calls["numbers"] = &NumbersIn;
+    calls["link_item"] = &LinkItem;
+    calls["targets"] = [](EntityObject& owner, std::string name) {
+        return ItemOf(owner.entity->getClassInfo(), name).Get(*owner.entity);
+    };
+    calls["words"] = [](EntityObject& owner, std::string name) {
+        return ItemOf(owner.entity->getClassInfo(), name).EntryWords(*owner.entity);
+    };
+    calls["all"] = [](ModelState& of, const QOBClassInfo& cls) { return AllOf(of.model, cls); };
+    calls["count"] = [](ModelState& of, const QOBClassInfo& cls) {
+        return AllOf(of.model, cls).size();
+    };
+    calls["nearest"] = [](std::wstring text, std::vector<std::wstring> names) {
         return std::wstring(NearestWord(text, {names.begin(), names.end()}));
-    });
+    };
 }
 
 } // namespace karmp::python

@@ -60,97 +60,87 @@ Geometry AddPoint(Model& model, Text id, Body body, Numbers at)
 
 void BindMakers(const Functions& calls)
 {
-    calls("add",
-          [](Model& m, const QOBClassInfo& cls, Text id) { return m.Add(cls.getName(), id); });
-    calls("add_body", [](Model& m, Text id, Maybe<KARMathPoint> at, Maybe<KARMathPoint> towards,
-                         Maybe<Solid> solid) {
+    calls["add"] = [](Model& m, const QOBClassInfo& cls, Text id) {
+        return m.Add(cls.getName(), id);
+    };
+    calls["add_body"] = [](Model& m, Text id, Maybe<KARMathPoint> at, Maybe<KARMathPoint> towards,
+                           Maybe<Solid> solid) {
         Solid body = solid.value_or(Solid());
         body.at = at;
         body.towards = towards;
         return m.Body(id, body);
-    });
-    calls("add_planar_body", &Model::PlanarBody);
-    calls("add_rod", &AddRod);
-    calls("add_frame", &Model::Frame);
-    calls("add_point", &AddPoint);
-    calls("add_joint", &AddJoint);
-    calls("variable", [](Model& m, Text id, Maybe<model::Ref<KARMPJoint>> joint, double value) {
+    };
+    calls["add_planar_body"] = &Model::PlanarBody;
+    calls["add_rod"] = &AddRod;
+    calls["add_frame"] = &Model::Frame;
+    calls["add_point"] = &AddPoint;
+    calls["add_joint"] = &AddJoint;
+    calls["variable"] = [](Model& m, Text id, Maybe<model::Ref<KARMPJoint>> joint, double value) {
         return joint ? m.Variable(id, *joint, value)
                      : m.Variable(id, KARMPPhysicalQuantity::NoPhysicalQuantity, value);
-    });
-    calls("add_constant", &Model::Constant);
-    calls("add_expression",
-          [](Model& m, Text id, Quantity quantity, Text equation, std::vector<Variable> of) {
-              return m.Expression(id, quantity, equation, std::span<const Variable>(of));
-          });
-    calls("add_motor", &Model::Motor);
-    calls(
-        "connect",
-        [](Model& m, const QOBClassInfo& cls, Text id, Geometry one, Geometry other) {
-            return m.AddConnector(cls, id, one, other, Where::current());
-        });
-    calls("attach", [](Model& m, const QOBClassInfo& cls, Text id, AnyRef body) {
+    };
+    calls["add_constant"] = &Model::Constant;
+    calls["add_expression"] = [](Model& m, Text id, Quantity quantity, Text equation,
+                                 std::vector<Variable> of) {
+        return m.Expression(id, quantity, equation, std::span<const Variable>(of));
+    };
+    calls["add_motor"] = &Model::Motor;
+    calls["connect"] = [](Model& m, const QOBClassInfo& cls, Text id, Geometry one,
+                          Geometry other) {
+        return m.AddConnector(cls, id, one, other, Where::current());
+    };
+    calls["attach"] = [](Model& m, const QOBClassInfo& cls, Text id, AnyRef body) {
         return m.AttachGeometry(cls, id, body, Where::current());
-    });
-    calls("couple", &Model::AddCoupling);
-    calls("box", &model::Box);
-    calls("cylinder", &model::Cylinder);
-    calls("ball", &model::Ball);
-    calls("together", &model::Together);
-    calls("mass", [](Solid solid) { return solid.mass; });
-    calls("meeting_point", &model::MeetingPoint);
+    };
+    calls["couple"] = &Model::AddCoupling;
+    calls["box"] = &model::Box;
+    calls["cylinder"] = &model::Cylinder;
+    calls["ball"] = &model::Ball;
+    calls["together"] = &model::Together;
+    calls["mass"] = [](Solid solid) { return solid.mass; };
+    calls["meeting_point"] = &model::MeetingPoint;
 }
 
 void BindEditsAndSettings(const Functions& calls)
 {
-    calls("link", &Model::Link);
-    calls("unlink", &Model::Unlink);
-    calls("rename", &Model::Rename);
-    calls("delete", [](Model& m, AnyRef entity, bool preview, bool withShort) {
+    calls["link"] = &Model::Link;
+    calls["unlink"] = &Model::Unlink;
+    calls["rename"] = &Model::Rename;
+    calls["delete"] = [](Model& m, AnyRef entity, bool preview, bool withShort) {
         return m.Delete(entity, {.preview = preview, .withShort = withShort});
-    });
-    calls("begin_editing", [](ModelState& of) {
+    };
+    calls["begin_editing"] = [](ModelState& of) {
         ++of.openBlocks;
         return of.model.BeginEditing();
-    });
-    calls(
-        "end_editing",
-        [](ModelState& of, std::size_t begin, bool isKept) {
-            of.model.EndEditing(begin, isKept);
-            return --of.openBlocks;
-        });
-    calls(
-        "set_gravity", [](Model& m, KARMathVector to) { return m.World()->SetGravity(to); });
-    calls(
-        "set_linear_tolerance",
-        [](Model& m, double tolerance) { return m.World()->SetLinearTolerance(tolerance); });
-    calls("set_angular_tolerance",
-          [](Model& m, double tolerance) { return m.World()->SetAngularTolerance(tolerance); });
-    calls(
-        "gravity",
-        [](ModelState& of) {
-            KARMathVector gravity;
-            of.model.World()->GetGravity(gravity);
-            return gravity;
-        });
-    calls(
-        "linear_tolerance", [](Model& m) { return m.World()->GetLinearTolerance(); });
-    calls(
-        "angular_tolerance", [](Model& m) { return m.World()->GetAngularTolerance(); });
-    calls("ground", [](ModelState& of) { return of.model.Ground(); });
-    calls("planar_ground", &Model::PlanarGround);
-    calls("time", [](ModelState& of) { return of.model.Time(); });
-    calls(
-        "name",
-        [](ModelState& of) {
-            const QOBSharedHandle<QOBBasicEntity> world(of.model.World()->getExtendible());
-            return std::wstring(world->getEntityName());
-        });
-    calls(
-        "find", [](ModelState& of, Text key) { return of.model.Find<KARMPEntity>(key); });
-    calls(
-        "dependents", [](ModelState& of, AnyRef entity) { return of.model.Dependents(entity); });
-    calls("model", [](EntityObject& of) { return of.state; });
+    };
+    calls["end_editing"] = [](ModelState& of, std::size_t begin, bool isKept) {
+        of.model.EndEditing(begin, isKept);
+        return --of.openBlocks;
+    };
+    calls["set_gravity"] = [](Model& m, KARMathVector to) { return m.World()->SetGravity(to); };
+    calls["set_linear_tolerance"] = [](Model& m, double tolerance) {
+        return m.World()->SetLinearTolerance(tolerance);
+    };
+    calls["set_angular_tolerance"] = [](Model& m, double tolerance) {
+        return m.World()->SetAngularTolerance(tolerance);
+    };
+    calls["gravity"] = [](ModelState& of) {
+        KARMathVector gravity;
+        of.model.World()->GetGravity(gravity);
+        return gravity;
+    };
+    calls["linear_tolerance"] = [](Model& m) { return m.World()->GetLinearTolerance(); };
+    calls["angular_tolerance"] = [](Model& m) { return m.World()->GetAngularTolerance(); };
+    calls["ground"] = [](ModelState& of) { return of.model.Ground(); };
+    calls["planar_ground"] = &Model::PlanarGround;
+    calls["time"] = [](ModelState& of) { return of.model.Time(); };
+    calls["name"] = [](ModelState& of) {
+        const QOBSharedHandle<QOBBasicEntity> world(of.model.World()->getExtendible());
+        return std::wstring(world->getEntityName());
+    };
+    calls["find"] = [](ModelState& of, Text key) { return of.model.Find<KARMPEntity>(key); };
+    calls["dependents"] = [](ModelState& of, AnyRef entity) { return of.model.Dependents(entity); };
+    calls["model"] = [](EntityObject& of) { return of.state; };
 }
 
 py::object Differences(ModelState& first, ModelState& second, double tolerance, double floor)
@@ -171,30 +161,27 @@ py::object Differences(ModelState& first, ModelState& second, double tolerance, 
 
 void BindDocuments(const Functions& calls)
 {
-    calls(
-        "load", [](path file) { return model::Load(file); });
-    calls(
-        "loads", [](std::vector<unsigned char> text,
-                    Text name) { return model::LoadText(Text(text.begin(), text.end()), name); });
-    calls("check", [](path file) { return documents::CheckFile(file).items; });
-    calls("save", &Model::Save);
-    calls("text", &Model::Text);
-    calls("check_model", [](const Model& m) { return m.Check().items; });
-    calls("clone", &Model::Clone);
-    calls("extract", &Model::Extract);
-    calls("findings", [](ModelState& of) { return of.findings; });
-    calls("diff", &Differences);
+    calls["load"] = [](path file) { return model::Load(file); };
+    calls["loads"] = [](std::vector<unsigned char> text, Text name) {
+        return model::LoadText(Text(text.begin(), text.end()), name);
+    };
+    calls["check"] = [](path file) { return documents::CheckFile(file).items; };
+    calls["save"] = &Model::Save;
+    calls["text"] = &Model::Text;
+    calls["check_model"] = [](const Model& m) { return m.Check().items; };
+    calls["clone"] = &Model::Clone;
+    calls["extract"] = &Model::Extract;
+    calls["findings"] = [](ModelState& of) { return of.findings; };
+    calls["diff"] = &Differences;
     // Pictures, as the tool makes them of a document.
-    calls(
-        "graph_text",
-        [](ModelState& of, Text title) {
-            tool::GraphContents contents;
-            contents.title = title;
-            return tool::GraphText(*of.model.World(), contents);
-        });
-    calls("view_page", [](ModelState& of, Text title) {
+    calls["graph_text"] = [](ModelState& of, Text title) {
+        tool::GraphContents contents;
+        contents.title = title;
+        return tool::GraphText(*of.model.World(), contents);
+    };
+    calls["view_page"] = [](ModelState& of, Text title) {
         return tool::ViewPage(tool::SceneJson(tool::CollectScene(*of.model.World(), title)));
-    });
+    };
 }
 
 } // namespace
