@@ -76,7 +76,7 @@ _record_classes: dict[str, Any] = {}
 
 def records(item: tuple[Any, ...], rows: list[Any]) -> tuple[Any, ...]:
     """The records of an item, which is described by a tuple, as named tuples."""
-    name, fields = item[0], [field[0] for field in item[9]]
+    name, fields = item[0], [field[0] for field in item[8]]
     key = " ".join([name, *fields])
     if key not in _record_classes:
         import collections

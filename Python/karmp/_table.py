@@ -14,9 +14,9 @@ if TYPE_CHECKING:
 
 _KINDS = ("group", "number", "integer", "flag", "text", "word", "word", "vector", "vector",
           "optional", "reference", "references", "records", "stream")
-_WORD = 5  # a kind whose words are told
 _NO_COLUMNS = ("group", "reference", "references", "records", "stream")
 
+_names: dict[type[Entity], list[str]] = {}
 _rows: dict[type[Entity], dict[str, tuple[Any, ...]]] = {}
 
 
@@ -25,31 +25,17 @@ def _class_name(record: str) -> str:
     return record[5:] if record[5:6] > "9" else record
 
 
-def _doc(row: tuple[Any, ...]) -> str:
-    _, says, kind, quantity, words, read_only, *_ = row
-    doc: str = says
-    if quantity != "NoPhysicalQuantity":
-        doc += f" Quantity: {quantity}."
-    if kind == _WORD and words:
-        doc += f" One of {', '.join(words)}."
-    return doc + (f" Read only: {read_only}" if read_only else "")
-
-
-def _make_class(record: str, base: type[Entity] | None, says: str, names: list[str],
-                own: dict[str, tuple[Any, ...]]) -> tuple[type[Entity], list[str]]:
-    """A class of items by name, of which its base has those that are not its own; and the
-    docstrings of its own."""
-    inherited = _rows[base] if base else {}
-    known = {**inherited, **own}
-    items = {name: known[name] for name in names}
+def _make_class(record: str, base: type[Entity] | None, says: str, names: list[str]) -> type[Entity]:
+    """The class of a record by the names of its items, to which the extension module adds them."""
     says = says or "What a solver tells of entities."  # the one class that documents do not hold
     space: dict[str, Any] = {"__slots__": (), "__module__": "karmp", "__doc__": says}
     # A planar class is no spatial one in documents: what it does not hold is hidden.
-    space |= {name: property(doc="No item of the class.") for name in inherited if name not in items}
+    space |= {name: property(doc="No item of the class.")
+              for name in (_names[base] if base else ()) if name not in names}
     cls = type(_class_name(record), (base,), space) if base else Entity
     setattr(_karmp, cls.__name__, cls)
-    _rows[cls] = items
-    return cls, [*map(_doc, own.values())]
+    _names[cls] = names
+    return cls
 
 
 _karmp._make_classes(_make_class)
@@ -58,14 +44,15 @@ families = {name: getattr(_karmp, _class_name(record)) for name, record in _karm
 
 
 def items_of(cls: type[Entity]) -> dict[str, tuple[Any, ...]]:
-    """The items of a class by name, as the extension module tells them."""
+    """The items of a class by name, as the extension module describes them."""
     if cls not in _rows:
-        raise TypeError(f"a class of entities is needed, not {cls!r}")
+        rows = _karmp._items(cls)  # raises for another class
+        _rows[cls] = dict(zip(_names[cls], rows))
     return _rows[cls]
 
 
 def _described(item: tuple[Any, ...]) -> dict[str, Any]:
-    (name, says, kind, _, words, read_only, shape, count, target, fields, is_flag, is_in_order,
+    (name, says, kind, words, read_only, shape, count, target, fields, is_flag, is_in_order,
      can_get) = item
     return {
         "name": name,
@@ -85,8 +72,8 @@ def _described(item: tuple[Any, ...]) -> dict[str, Any]:
 def _items(own: bool = True) -> list[dict[str, Any]]:
     """The items of each class as dictionaries, with or without those of its bases."""
     rows: list[dict[str, Any]] = []
-    for cls, items in _rows.items():
-        for name, item in items.items():
+    for cls in _names:
+        for name, item in items_of(cls).items():
             if not own or name in vars(cls):
                 doc = getattr(cls, name).__doc__
                 rows.append({**_described(item), "name": name, "doc": doc, "class": cls.__name__})
@@ -124,7 +111,7 @@ def check_item(cls: type[Entity], item: str, error: type[Exception] = AttributeE
 
 def index_of_quantity(word: str) -> int:
     """The place of a quantity, such as "Length", among all of them."""
-    words: list[str] = items_of(_karmp.Value)["physical_quantity"][4]
+    words: list[str] = items_of(_karmp.Value)["physical_quantity"][3]
     if word not in words:
         nearest = _karmp._nearest(word, words)
         raise ValueError(f'there is no quantity "{word}"; near: {nearest}')

@@ -3,7 +3,6 @@
 #pragma once
 
 #include "Core.h"
-#include "KARMPEnumerationTexts.h"
 #include "KARTextConversion.h"
 
 #include <pybind11/stl/filesystem.h>
@@ -62,10 +61,9 @@ struct Fields
     }
     static auto Of(const ItemInfo& of)
     {
-        const auto quantity = EnumTexts<KARMPPhysicalQuantity::Enum>::Rows[of.quantity];
-        return std::tuple(SnakeCase(of.path), of.says, static_cast<int>(of.kind), quantity,
-                          of.words, of.readOnly, static_cast<int>(of.shape), of.numberCount,
-                          of.target, of.fields, of.isFlag, of.isInOrder, of.CanGet());
+        return std::tuple(SnakeCase(of.path), of.says, static_cast<int>(of.kind), of.words,
+                          of.readOnly, static_cast<int>(of.shape), of.numberCount, of.target,
+                          of.fields, of.isFlag, of.isInOrder, of.CanGet());
     }
 };
 

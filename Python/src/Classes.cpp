@@ -1,6 +1,7 @@
 // The Python type of entities: one base, whose objects hold an entity and the state of its model,
 // and a class for each one that the library has, with a property for each item of its table.
 #include "Calls.h"
+#include "KARMPEnumerationTexts.h"
 #include "KARMPGenericFactory.h"
 #include "KARMPSchema.h"
 #include "KARTextConversion.h"
@@ -77,12 +78,22 @@ PyTypeObject* WithSlots(py::handle made)
     return type;
 }
 
-void AddProperty(PyTypeObject* type, Property& property, py::object doc)
+std::string DocOf(const ItemInfo& item)
 {
-    property.doc = std::move(doc);
+    std::string doc(item.says);
+    if (const auto row = static_cast<std::size_t>(item.quantity); row != 0)
+        doc += " Quantity: " + kar::ToUtf8(EnumTexts<KARMPPhysicalQuantity::Enum>::Rows[row]) + '.';
+    for (std::size_t i = 0; item.kind == ItemKind::Word && i < item.words.size(); ++i)
+        doc += (i == 0 ? " One of " : ", ") + kar::ToUtf8(item.words[i]) +
+               (i + 1 == item.words.size() ? "." : "");
+    return item.readOnly.empty() ? doc : doc + " Read only: " + std::string(item.readOnly);
+}
+
+void AddProperty(PyTypeObject* type, Property& property)
+{
     const char* const name = property.name.c_str();
-    property.definition = {name, &Slot<&GetItem>::Call, &Slot<&SetItem>::Call,
-                           PyUnicode_AsUTF8(property.doc.ptr()), &property};
+    property.definition = {name, &Slot<&GetItem>::Call, &Slot<&SetItem>::Call, property.doc.c_str(),
+                           &property};
     py::reinterpret_borrow<py::dict>(type->tp_dict)[name] =
         Made(PyDescr_NewGetSet(type, &property.definition));
 }
@@ -93,8 +104,8 @@ using ItemKey =
     std::tuple<const QOBClassInfo*, const Item*, const Item*, std::wstring_view, std::string_view>;
 using ItemNames = std::map<ItemKey, py::object>;
 
-// Lets Python make the class of a record, behind its base: from the names of its items, and from
-// descriptions of those that its base has not, for whose properties Python tells the docstrings.
+// Lets Python make the class of a record, behind its base, from the names of its items; those that
+// its base has not become properties.
 void MakeClass(const QOBClassInfo& info, const py::function& make, ItemNames& known)
 {
     if (types.contains(&info))
@@ -104,7 +115,6 @@ void MakeClass(const QOBClassInfo& info, const py::function& make, ItemNames& kn
         MakeClass(*base, make, known);
     const auto items = ItemsOf(info);
     py::list names;
-    py::dict own;
     std::vector<Property*> properties;
     for (const ItemInfo& item : items) {
         const auto key = [&item](const QOBClassInfo* of) {
@@ -114,19 +124,19 @@ void MakeClass(const QOBClassInfo& info, const py::function& make, ItemNames& kn
         name = known[key(base)];
         if (!name) {
             const bool isAlone = std::ranges::count(items, item.name, &ItemInfo::name) == 1;
-            properties.push_back(new Property{&item, SnakeCase(isAlone ? item.name : item.path)});
+            properties.push_back(
+                new Property{&item, SnakeCase(isAlone ? item.name : item.path), DocOf(item)});
             name = ToText(properties.back()->name);
-            own[name] = Give(item, nullptr);
         }
         names.append(name);
     }
     const SchemaItem* const schema = SchemaOf(info.getName());
-    const py::tuple made = make(info.getName(), base != nullptr ? TypeOf(*base) : py::none(),
-                                schema != nullptr ? schema->says : std::string_view(), names, own);
-    types[&info] = made[0];
-    PyTypeObject* const type = WithSlots(made[0]);
-    for (std::size_t i = 0; i < properties.size(); ++i)
-        AddProperty(type, *properties[i], py::list(made[1])[i]);
+    const py::object made = make(info.getName(), base != nullptr ? TypeOf(*base) : py::none(),
+                                 schema != nullptr ? schema->says : std::string_view(), names);
+    types[&info] = made;
+    PyTypeObject* const type = WithSlots(made);
+    for (Property* const property : properties)
+        AddProperty(type, *property);
     PyType_Modified(type);
 }
 

@@ -56,7 +56,7 @@ struct Property
 {
     const ItemInfo* item;
     std::string name;
-    py::object doc = {};
+    std::string doc;
     PyGetSetDef definition{};
 };
 

@@ -222,6 +222,7 @@ void BindItems(const Functions& calls)
 {
     calls["numbers"] = &NumbersIn;
     calls["link_item"] = &LinkItem;
+    calls["items"] = [](const QOBClassInfo& cls) { return ItemsOf(cls); };
     calls["targets"] = [](EntityObject& owner, std::string name) {
         return ItemOf(owner.entity->getClassInfo(), name).Get(*owner.entity);
     };
