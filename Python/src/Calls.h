@@ -194,9 +194,9 @@ py::object Give(model::Result<T> made, ModelState* of)
         return Give(*made, of);
 }
 
-/// Calls a function as its first parameter tells: of a Model it is an edit, of a const one work
-/// without the interpreter's lock, and so are those of neither a model nor an entity. Entities
-/// among the others are those of the first one's model.
+/// Calls a function as its first parameter tells: of a Model it is an edit; of a const one, and of
+/// what is no reference, it is work without the interpreter's lock. Entities among the others are
+/// those of the first one's model.
 template <class First, class... A, class Function, std::size_t... I>
 py::object Call(Function function, const char* name, const py::args& given,
                 std::index_sequence<I...>)
