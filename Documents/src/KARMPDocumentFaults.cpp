@@ -7,6 +7,7 @@
 #include "KARMPValueFaults.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <new>
 #include <unordered_set>
@@ -94,6 +95,27 @@ const char* FirstUnknownReference(const char* raw)
     return first;
 }
 
+// What is not well-formed about a declaration that can be read; empty when nothing is.
+std::string_view LapseOf(const pugi::xml_node& declaration)
+{
+    constexpr std::array<std::string_view, 3> names{"version", "encoding", "standalone"};
+    if (!declaration.attribute("version"))
+        return "the declaration of the document names no version of XML";
+    auto next = names.begin();
+    for (const pugi::xml_attribute& attribute : declaration.attributes()) {
+        next = std::find(next, names.end(), std::string_view(attribute.name()));
+        if (next == names.end())
+            return "a declaration of a document has version, encoding and standalone, in this "
+                   "order, and no more";
+        ++next;
+    }
+    const std::string_view standalone = declaration.attribute("standalone").value();
+    if (declaration.attribute("standalone") && standalone != "yes" && standalone != "no")
+        return "the declaration of the document is standalone in another way than \"yes\" or "
+               "\"no\"";
+    return {};
+}
+
 } // namespace
 
 class DocumentFaults::Walk final : public pugi::xml_tree_walker
@@ -144,14 +166,17 @@ bool DocumentFaults::IsDeclaration(std::string_view target)
     return SameWithoutCase(target, "xml");
 }
 
-bool DocumentFaults::IsGoodDeclaration(std::string_view declaration)
+bool DocumentFaults::IsGoodDeclaration(std::string_view declaration, std::string_view& lapse)
 {
     const SourceText lines;
     const Limits limits;
     Diagnostics found;
     Messages messages(found, {}, limits.diagnostics);
     DocumentFaults faults(std::string(declaration), lines, limits, messages);
-    return faults.Load() && faults.CheckDeclaration(faults.m_parsed.first_child());
+    if (!faults.Load() || !faults.CheckDeclaration(faults.m_parsed.first_child()))
+        return false;
+    lapse = LapseOf(faults.m_parsed.first_child());
+    return true;
 }
 
 SourcePosition DocumentFaults::PositionOf(const char* text) const

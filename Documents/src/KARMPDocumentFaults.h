@@ -26,8 +26,9 @@ public:
 
     /// True for the target of an instruction that is the declaration of a document.
     static bool IsDeclaration(std::string_view target);
-    /// True when a whole declaration is one of a document that is read.
-    static bool IsGoodDeclaration(std::string_view declaration);
+    /// True when a whole declaration is one of a document that is read; `lapse` is what is not
+    /// well-formed about it, or empty.
+    static bool IsGoodDeclaration(std::string_view declaration, std::string_view& lapse);
 
 private:
     /// Visits the nodes of the XML parser in the order of the document.

@@ -129,8 +129,34 @@ bool DocumentParser::Parse()
             return Fail(Code::Syntax, "the document is no well-formed XML",
                         lines.Find(scanner.Reached()));
     }
+    TellOfLapses(scanner);
     m_document.m_root = m_source.MakeRoot(m_document.m_version);
     return true;
+}
+
+void DocumentParser::TellOfLapses(const DocumentScanner& scanner)
+{
+    const SourceText& lines = m_source.Lines();
+    const auto warn = [&](Code code, std::string text, std::size_t offset) {
+        const SourcePosition position = lines.Find(offset);
+        m_messages.Warning(code, std::move(text), {}, position.line, position.column);
+    };
+    for (const DocumentScanner::Lapse& lapse : scanner.Lapses())
+        if (!m_messages.Full())
+            warn(Code::Syntax, std::string(lapse.text), lapse.offset);
+    if (lines.IsClean())
+        return;
+    // The first of them stands for all.
+    constexpr std::string_view start = "\xEF\xBF";
+    const std::string& text = m_source.Text();
+    for (auto at = text.find(start); at != text.npos; at = text.find(start, at + 1))
+        if (const char last = text[at + 2]; last == '\xBE' || last == '\xBF') {
+            warn(Code::Encoding,
+                 std::string("the character U+FFF") + (last == '\xBE' ? 'E' : 'F') +
+                     ", which XML cannot hold",
+                 at);
+            return;
+        }
 }
 
 bool DocumentParser::ReportFaultyBytes()

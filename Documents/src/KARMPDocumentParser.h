@@ -10,6 +10,8 @@
 
 namespace karmp::documents {
 
+class DocumentScanner;
+
 /// Parses the bytes of one document into records and checks all of them before a node is created.
 /// Gives messages, and a root when there is a tree.
 class DocumentParser
@@ -27,6 +29,7 @@ private:
     bool CheckBytes();
     bool Parse();
     bool ReportFaultyBytes();
+    void TellOfLapses(const DocumentScanner& scanner);
     bool Fail(Code code, std::string text, SourcePosition position);
 
     Document& m_document;

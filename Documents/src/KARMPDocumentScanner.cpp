@@ -131,7 +131,15 @@ bool DocumentScanner::ScanMisc()
 bool DocumentScanner::SkipComment()
 {
     m_at += std::string_view("!--").size();
-    return SkipPast("-->");
+    if (!SkipPast("--"))
+        return false;
+    if (*m_at != '>') {
+        m_lapses.push_back({OffsetOf(m_at) - std::size_t{2}, "\"--\" stands within a comment"});
+        --m_at;
+        return SkipPast("-->");
+    }
+    ++m_at;
+    return true;
 }
 
 // A declaration stands outside of the root.
@@ -147,9 +155,17 @@ bool DocumentScanner::ScanInstruction()
     const std::string_view target(name, static_cast<std::size_t>(m_at - name));
     if (!SkipPast("?>"))
         return false;
-    return !DocumentFaults::IsDeclaration(target) ||
-           (m_depth == 0 &&
-            DocumentFaults::IsGoodDeclaration({begin, static_cast<std::size_t>(m_at - begin)}));
+    if (!DocumentFaults::IsDeclaration(target))
+        return true;
+    std::string_view lapse;
+    const std::string_view declaration(begin, static_cast<std::size_t>(m_at - begin));
+    if (m_depth != 0 || !DocumentFaults::IsGoodDeclaration(declaration, lapse))
+        return false;
+    if (begin != m_start)
+        lapse = "the declaration of the document does not stand at its begin";
+    if (!lapse.empty())
+        m_lapses.push_back({OffsetOf(begin), lapse});
+    return true;
 }
 
 // While an element is open, its end is the index of the element around it.
@@ -396,7 +412,8 @@ DocumentScanner::Outcome DocumentScanner::Run()
     m_records.attributes.reserve(text.size() / expectedAttribute + 1);
     m_begin = text.data();
     m_end = m_begin + text.size();
-    m_at = m_begin + (text.starts_with(byteOrderMark) ? byteOrderMark.size() : 0);
+    m_start = m_begin + (text.starts_with(byteOrderMark) ? byteOrderMark.size() : 0);
+    m_at = m_start;
     if (!ScanMisc() || *m_at != '<' || !BeginsName(m_at[1]))
         return Outcome::Faulty;
     do {

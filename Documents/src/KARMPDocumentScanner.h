@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace karmp::documents {
 
@@ -25,6 +26,13 @@ public:
         Faulty    ///< The document cannot be read.
     };
 
+    /// What is no well-formed XML, though it is read.
+    struct Lapse
+    {
+        std::size_t offset;
+        std::string_view text;
+    };
+
     /// `source` has the bytes, UTF-8 without control characters that XML cannot hold.
     DocumentScanner(DocumentSource& source, const Limits& limits);
     DocumentScanner(const DocumentScanner&) = delete;
@@ -33,6 +41,8 @@ public:
     Outcome Run();
     /// The document's version; empty when there is none that is known.
     std::wstring_view Version() const { return m_version; }
+    /// What is to be warned of, in the order of the document, whatever the outcome.
+    const std::vector<Lapse>& Lapses() const { return m_lapses; }
     /// How far Run came.
     std::size_t Reached() const { return static_cast<std::size_t>(m_at - m_begin); }
     /// The bytes as they were before Run.
@@ -67,6 +77,8 @@ private:
     RepeatedNames m_names;
     IdentifierNumbers m_identifiers;
     char* m_begin = nullptr;
+    /// Behind a byte order mark.
+    char* m_start = nullptr;
     char* m_at = nullptr;
     /// A null.
     char* m_end = nullptr;
@@ -76,6 +88,7 @@ private:
     std::size_t m_nodes = 0;
     bool m_isDoubtful = false;
     std::wstring_view m_version;
+    std::vector<Lapse> m_lapses;
 };
 
 } // namespace karmp::documents

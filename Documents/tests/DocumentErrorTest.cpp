@@ -90,6 +90,61 @@ TEST(DocumentErrors, BytesThatAreNoUtf8AreReportedWithTheirPosition)
                 {1, 21});
 }
 
+// Other readers refuse such documents.
+TEST(DocumentErrors, WhatIsReadAndYetNoXmlIsAWarningWithItsPosition)
+{
+    const std::string whole = Start + "<A b=\"1\">x</A>" + End;
+    const std::string encoded = " encoding=\"UTF-8\"";
+    const struct
+    {
+        std::string text;
+        Code code;
+        Position position;
+        std::string told;
+    } lapses[] = {
+        {whole + "<!-- a -- b -->", Code::Syntax, {1, whole.size() + 8}, "\"--\" stands within"},
+        {Start + "\n<!-- a --->" + End, Code::Syntax, {2, 8}, "\"--\" stands within"},
+        {"\n<?xml version=\"1.0\"?>" + whole, Code::Syntax, {2, 1}, "not stand at its begin"},
+        {"<!-- a --><?xml version='1.0'?>" + whole, Code::Syntax, {1, 11}, "not stand at its"},
+        {"<?xml version='1.0'?><?xml version='1.0'?>" + whole, Code::Syntax, {1, 22}, "begin"},
+        {whole + "<?xml version='1.0'?>", Code::Syntax, {1, whole.size() + 1}, "begin"},
+        {"<?xml" + encoded + " version=\"1.0\"?>" + whole, Code::Syntax, {1, 1}, "this order"},
+        {"<?xml" + encoded + "?>" + whole, Code::Syntax, {1, 1}, "no version of XML"},
+        {"<?xml version='1.0' standalone='maybe'?>" + whole, Code::Syntax, {1, 1}, "standalone in"},
+        {"<?xml version='1.0' author='me'?>" + whole, Code::Syntax, {1, 1}, "and no more"},
+        {Start + "\n<A>a\xEF\xBF\xBE</A>" + End, Code::Encoding, {2, 5}, "U+FFFE"},
+        {Start + "<A b=\"\xEF\xBF\xBF\"/>" + End, Code::Encoding, {1, 40}, "U+FFFF"}};
+    for (const auto& [text, code, position, told] : lapses) {
+        const Document document = Document::ReadText(text);
+        EXPECT_NE(document.Root(), nullptr) << text;
+        ASSERT_EQ(document.Messages().items.size(), 1U) << text;
+        const Diagnostic& item = document.Messages().items[0];
+        EXPECT_EQ(item.severity, Severity::Warning) << text;
+        EXPECT_EQ(CodeText(item.code), CodeText(code)) << text;
+        EXPECT_EQ(item.line, position.line) << text;
+        EXPECT_EQ(item.column, position.column) << text;
+        EXPECT_NE(item.text.find(told), std::string::npos) << item.text;
+    }
+    // Two comments are two warnings, beside what else is told.
+    const Document both = Document::ReadText(Start + "<!-- -- --><A>&x;</A><!-- -- -- -->" + End);
+    ASSERT_EQ(both.Messages().items.size(), 3U);
+    EXPECT_EQ(both.Messages().items[0].code, Code::Reference);
+    EXPECT_EQ(both.Messages().items[2].code, Code::Syntax);
+}
+
+TEST(DocumentErrors, WhatLooksLikeALapseAndIsNone)
+{
+    const std::string whole = Start + "<A/>" + End;
+    for (const std::string& text :
+         {"<?xml version='1.0' encoding='utf-8' standalone='yes'?>" + whole,
+          "\xEF\xBB\xBF<?xml version='1.0' standalone=\"no\"?>" + whole,
+          "<!----><!-- - - --><!-- > -> -->" + whole, Start + "<A>-- &#45;-></A>" + End,
+          Start + "<![CDATA[<!-- -- -->]]><?p -- ?>" + End,
+          Start + "<A>\xEF\xBF\xBD \xEF\xBE\xBE \xF0\x9F\xBF\xBE</A>" + End})
+        for (const Diagnostic& item : Document::ReadText(text).Messages().items)
+            ADD_FAILURE() << text << ": " << item.text;
+}
+
 TEST(DocumentErrors, AWrongRootIsNamed)
 {
     ExpectError("\n<World/>", Code::WrongRoot, {2, 2});
