@@ -12,10 +12,13 @@
 #include "ViewShapes.h"
 
 #include <cctype>
+#include <cerrno>
+#include <fcntl.h>
 #include <filesystem>
 #include <iostream>
 #include <set>
 #include <system_error>
+#include <unistd.h>
 
 namespace karmp::tool {
 
@@ -108,6 +111,20 @@ Bodies AllBodies(const KARMPWorld& world)
     return bodies;
 }
 
+// Why a folder could not be made, or no file in it.
+std::error_code ObstacleTo(const std::string& name)
+{
+    std::error_code error;
+    fs::path folder = fs::absolute(name, error).lexically_normal();
+    while (folder.has_relative_path() && !fs::exists(fs::symlink_status(folder, error)))
+        folder = folder.parent_path();
+    if (!fs::is_directory(folder, error))
+        return std::make_error_code(std::errc::not_a_directory);
+    if (::faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) != 0)
+        return {errno, std::generic_category()};
+    return {};
+}
+
 // Whether the folder is there, or made, and no file of it is in the way.
 bool IsReady(const ShapeOptions& options, const std::vector<ExportedBody>& bodies)
 {
@@ -119,10 +136,13 @@ bool IsReady(const ShapeOptions& options, const std::vector<ExportedBody>& bodie
                   << " exists; nothing was written. --force replaces it\n";
         return false;
     }
-    if (options.writing.dryRun || bodies.empty())
+    if (bodies.empty())
         return true;
-    fs::create_directories(options.folder, error);
-    if (fs::is_directory(options.folder))
+    if (options.writing.dryRun)
+        error = ObstacleTo(options.folder);
+    else
+        fs::create_directories(options.folder, error);
+    if (options.writing.dryRun ? !error : fs::is_directory(options.folder))
         return true;
     std::cerr << "karmp: cannot make the folder " << Printable(std::string_view(options.folder))
               << (error ? ": " + error.message() : std::string()) << '\n';

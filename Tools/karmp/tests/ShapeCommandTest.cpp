@@ -367,6 +367,29 @@ TEST_F(ShapeCommand, ReplacesExportedFilesWhenForcedOnly)
     EXPECT_FALSE(fs::exists(File("x")));
 }
 
+TEST_F(ShapeCommand, ADryExportTellsOfAFolderThatCannotBeMade)
+{
+    Add(Tetrahedron);
+    for (const std::string& folder : {File("out.xml"), File("out.xml") + "/below/it"}) {
+        const std::string line = "shape " + File("out.xml") + " --export " + folder;
+        const Outcome dry = Run(line + " --dry-run");
+        EXPECT_EQ(dry.code, 2) << dry.output;
+        EXPECT_EQ(dry.output, Run(line).output);
+    }
+    EXPECT_EQ(
+        Run("shape " + File("out.xml") + " --dry-run --export " + File("new/and/below/")).code, 0);
+    EXPECT_FALSE(fs::exists(File("new")));
+}
+
+TEST_F(ShapeCommand, ExportsNothingOfADocumentWithoutBodies)
+{
+    const std::string empty =
+        Write("empty.xml", "<KARMPDocument version=\"R2018.1\"><World/></KARMPDocument>");
+    ExpectContains(Run("shape " + empty + " --export " + File("x")).output,
+                   "No body has a shape\n");
+    EXPECT_FALSE(fs::exists(File("x")));
+}
+
 TEST_F(ShapeCommand, MakesNamesOfBodiesSafeForFiles)
 {
     std::string text = CleanDocument();
