@@ -182,8 +182,7 @@ class Editing:
     ) -> Literal[False]:
         if not self._begins:
             raise Error("the block of edits is not open")
-        self._end(self._model, self._begins[-1], kind is None)
-        self._begins.pop()
+        self._end(self._model, self._begins.pop(), kind is None)
         return False
 
     def __del__(self) -> None:

@@ -87,6 +87,8 @@ decltype(auto) Taken(py::handle given, ModelState* of = nullptr)
 {
     if constexpr (std::is_same_v<T, ModelState&>)
         return ModelOf(given);
+    else if constexpr (std::is_same_v<T, const State&>)
+        return StateOf(given);
     else if constexpr (std::is_same_v<T, EntityObject&>)
         return AliveOf(given);
     else if constexpr (std::is_same_v<T, const QOBClassInfo&>)
@@ -230,7 +232,7 @@ py::object Call(Function function, const char* name, const py::args& given,
         return Give(run(self), of);
     else {
         const auto work = [&] {
-            const py::gil_scoped_release release;
+            const Unlocked unlocked;
             return run(self);
         };
         return Give(work(), of);

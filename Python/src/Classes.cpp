@@ -153,12 +153,17 @@ void MakeClasses(const py::function& make)
 
 } // namespace
 
-ModelState& ModelOf(py::handle object)
+State StateOf(py::handle object)
 {
     py::detail::make_caster<State> caster;
     if (object.is_none() || !caster.load(object, false))
         RaiseNeeded("a Model", object);
-    ModelState& state = *py::detail::cast_op<State&>(caster);
+    return py::detail::cast_op<State&>(caster);
+}
+
+ModelState& ModelOf(py::handle object)
+{
+    ModelState& state = *StateOf(object);
     CheckFree(state);
     return state;
 }
@@ -214,14 +219,21 @@ const QOBClassInfo& InfoOf(py::handle type)
     RaiseNeeded("a class of entities", type);
 }
 
-const ItemInfo& ItemOf(const QOBClassInfo& info, const std::string& name)
+const ItemInfo* FindItemOf(const QOBClassInfo& info, const std::string& name)
 {
     const py::object found = py::getattr(TypeOf(info), name.c_str(), py::none());
     if (Py_IS_TYPE(found.ptr(), &PyGetSetDescr_Type)) {
         const auto& of = *reinterpret_cast<PyGetSetDescrObject*>(found.ptr())->d_getset;
         if (of.set == &Slot<&SetItem>::Call)
-            return *static_cast<const Property*>(of.closure)->item;
+            return static_cast<const Property*>(of.closure)->item;
     }
+    return nullptr;
+}
+
+const ItemInfo& ItemOf(const QOBClassInfo& info, const std::string& name)
+{
+    if (const ItemInfo* const item = FindItemOf(info, name))
+        return *item;
     RaiseNeeded("the name of an item", ToText(name));
 }
 

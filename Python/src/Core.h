@@ -8,9 +8,11 @@
 
 #include <pybind11/pybind11.h>
 
+#include <chrono>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <unordered_map>
 #include <vector>
 
@@ -89,6 +91,29 @@ T Made(PyObject* made)
     return py::reinterpret_steal<T>(made);
 }
 
+/// Releases the interpreter's lock. Where the interpreter ends meanwhile, taking it back would end
+/// the thread, and unwind it through destructors that need the lock: it waits for the process's
+/// end.
+class Unlocked
+{
+public:
+    Unlocked() : m_thread(PyEval_SaveThread()) {}
+    ~Unlocked()
+    {
+        try {
+            PyEval_RestoreThread(m_thread);
+        } catch (...) {
+            for (;;)
+                std::this_thread::sleep_for(std::chrono::hours(1));
+        }
+    }
+    Unlocked(const Unlocked&) = delete;
+    Unlocked& operator=(const Unlocked&) = delete;
+
+private:
+    PyThreadState* m_thread;
+};
+
 /// Raises for a model that another thread works on.
 inline void CheckFree(const ModelState& state)
 {
@@ -119,11 +144,12 @@ auto Alone(ModelState& first, ModelState& second, Work work)
     CheckFree(second);
     first.isBusy = second.isBusy = true;
     const std::shared_ptr<void> end(nullptr, [&](void*) { first.isBusy = second.isBusy = false; });
-    const py::gil_scoped_release release;
+    const Unlocked unlocked;
     return work();
 }
 
-/// The model of a Python object, which is free; raises otherwise.
+/// The model of a Python object, or one that is free; raises otherwise.
+State StateOf(py::handle object);
 ModelState& ModelOf(py::handle object);
 /// The Python object of an entity, the same one each time; None for a null handle.
 py::object Wrap(const Entity& entity, ModelState& state);
@@ -134,7 +160,8 @@ EntityObject& AliveOf(py::handle object);
 const QOBClassInfo& InfoOf(py::handle type);
 py::handle TypeOf(const QOBClassInfo& info);
 std::string NameOf(const QOBClassInfo& info);
-/// The item of a class by the name of its property; raises for another name.
+/// The item of a class by the name of its property; null for another name, or raises for it.
+const ItemInfo* FindItemOf(const QOBClassInfo& info, const std::string& name);
 const ItemInfo& ItemOf(const QOBClassInfo& info, const std::string& name);
 /// "Body "Crank"".
 std::string TitleOf(const KARMPEntity& entity);

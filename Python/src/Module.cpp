@@ -5,6 +5,10 @@
 #include "ViewPage.h"
 #include "ViewScene.h"
 
+#include <chrono>
+#include <cmath>
+#include <thread>
+
 namespace karmp::python {
 
 namespace {
@@ -101,6 +105,37 @@ void BindMakers(const Functions& calls)
     calls["meeting_point"] = &model::MeetingPoint;
 }
 
+// A block ends whatever else is done with its model, once that is done.
+std::size_t EndEditing(const State& state, std::size_t begin, bool isKept)
+{
+    ModelState& of = *state;
+    while (of.isBusy) {
+        const Unlocked unlocked;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    --of.openBlocks;
+    return Do(of, "editing", [&] {
+        of.model.EndEditing(begin, isKept);
+        return of.openBlocks;
+    });
+}
+
+bool IsTolerance(double number)
+{
+    return number > 0.0 && std::isfinite(number);
+}
+
+// Settings of the world are no part of what a block of edits undoes.
+template <class Set>
+KARStatus SetInWorld(ModelState& of, bool isGood, Set set)
+{
+    if (of.openBlocks > 0)
+        RaiseFailure("a setting of the world cannot be undone with a block of edits", KARFailure);
+    if (!isGood)
+        Raise(PyExc_ValueError, "gravity is finite, and tolerances are finite numbers above 0");
+    return Do(of, "setting", [&] { return set(*of.model.World()); });
+}
+
 void BindEditsAndSettings(const Functions& calls)
 {
     calls["link"] = &Model::Link;
@@ -113,16 +148,19 @@ void BindEditsAndSettings(const Functions& calls)
         ++of.openBlocks;
         return of.model.BeginEditing();
     };
-    calls["end_editing"] = [](ModelState& of, std::size_t begin, bool isKept) {
-        of.model.EndEditing(begin, isKept);
-        return --of.openBlocks;
+    calls["end_editing"] = &EndEditing;
+    calls["set_gravity"] = [](ModelState& of, KARMathVector to) {
+        const bool isFinite = std::isfinite(to.Dot(to));
+        return SetInWorld(
+            of, isFinite, [to](KARMPWorld& world) { return world.SetGravity(to); });
     };
-    calls["set_gravity"] = [](Model& m, KARMathVector to) { return m.World()->SetGravity(to); };
-    calls["set_linear_tolerance"] = [](Model& m, double tolerance) {
-        return m.World()->SetLinearTolerance(tolerance);
+    calls["set_linear_tolerance"] = [](ModelState& of, double to) {
+        return SetInWorld(
+            of, IsTolerance(to), [to](KARMPWorld& world) { return world.SetLinearTolerance(to); });
     };
-    calls["set_angular_tolerance"] = [](Model& m, double tolerance) {
-        return m.World()->SetAngularTolerance(tolerance);
+    calls["set_angular_tolerance"] = [](ModelState& of, double to) {
+        return SetInWorld(of, IsTolerance(to),
+                          [to](KARMPWorld& world) { return world.SetAngularTolerance(to); });
     };
     calls["gravity"] = [](ModelState& of) {
         KARMathVector gravity;

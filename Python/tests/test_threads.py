@@ -1,5 +1,6 @@
 """Threads, and memory that comes back."""
 
+import contextlib
 import gc
 import os
 import resource
@@ -121,6 +122,43 @@ class Threads(unittest.TestCase):
                     assert "another thread" in str(error), error
 
         self.assertEqual(run_all(work, 2), [])
+
+
+    def test_block_is_undone_once_another_thread_is_done(self):
+        m = big_model()
+        begun = threading.Event()
+
+        def save():
+            begun.set()
+            m.text()
+
+        body = m.bodies[1]
+        mass = body.mass
+        for _ in range(10):
+            thread = threading.Thread(target=save)
+            with contextlib.suppress(ZeroDivisionError), m.editing():
+                body.mass = 9.0
+                begun.clear()
+                thread.start()
+                begun.wait()
+                time.sleep(0.002)
+                1 / 0
+            thread.join()
+            self.assertEqual(body.mass, mass)
+        m.delete(m.bodies[2])  # which an open block would refuse
+
+    def test_process_ends_while_a_thread_loads(self):
+        program = ("import threading, time, karmp\n"
+                   "m = karmp.Model('M')\n"
+                   "for i in range(2000): m.add_body(str(i))\n"
+                   "text = m.text()\n"
+                   "def load():\n"
+                   "    while True: karmp.loads(text)\n"
+                   "threading.Thread(target=load, daemon=True).start()\n"
+                   "keep = [(i,) for i in range(300000)]\n"
+                   "time.sleep(0.05)\n")
+        for _ in range(5):
+            subprocess.run([sys.executable, "-B", "-c", program], check=True, timeout=60)
 
 
 class Memory(unittest.TestCase):
