@@ -13,7 +13,7 @@ from typing import Any, cast
 
 import karmp
 
-from ._table import items_of
+from ._table import families, items_of
 
 MOST_ROWS = 200  # of a table in a notebook
 
@@ -43,10 +43,9 @@ def _table(head: Sequence[str], rows: Iterable[Sequence[str]]) -> str:
 
 def _families(model: karmp.Model) -> Iterator[tuple[str, karmp.Entities[Any]]]:
     """The collections of a model that hold something, by name."""
-    names = [name for name, member in vars(karmp.Model).items() if isinstance(member, property)]
-    for name in sorted(names):
-        held: karmp.Entities[Any] | None = getattr(model, name)
-        if type(held) is karmp.Entities and len(held) > 0:
+    for name in sorted(families):
+        held: karmp.Entities[Any] = getattr(model, name)
+        if len(held) > 0:
             yield name, held
 
 

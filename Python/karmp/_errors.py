@@ -15,7 +15,7 @@ if TYPE_CHECKING:
 class Error(Exception):
     """A call failed. status is the library's number, entity the entity or None."""
 
-    def __init__(self, text: str = "", status: int = 0x80004005, entity: Entity | None = None) -> None:
+    def __init__(self, text: str = "", status: int = -2147467259, entity: Entity | None = None) -> None:
         super().__init__(text)
         self.status, self.entity = status, entity
 

@@ -13,7 +13,8 @@ from ._karmp import Entity, Model, Solid
 from ._lists import Editing, Entities
 from ._rows import Difference, Finding
 from ._rows import findings as _findings
-from ._table import check_item, columns_of, families, index_of_quantity, items_of
+from ._table import check_item, columns_of, index_of_quantity, items_of
+from ._table import families as _families
 
 TYPE_CHECKING = False  # the module typing takes as long to import as the package
 if TYPE_CHECKING:
@@ -100,13 +101,26 @@ def _unpickled(model: Model, identifier: str) -> Entity:
 _init: Any = Model.__init__
 
 
+def _elements_of(families: Iterable[str]) -> list[str]:
+    """The names of families, such as "connectors", as documents have them."""
+    if isinstance(families, str):
+        raise TypeError(f"a list of families is needed, not {families!r}")
+    known = {family: "".join(word.capitalize() for word in family.split("_"))
+             for family in _families}
+    elements = {element.lower(): element for element in known.values()}
+    for name in (names := list(families)):
+        if name.replace("_", "").lower() not in elements:
+            raise ValueError(f'there is no family "{name}"; near: "{_karmp._nearest(name, list(known))}"')
+    return [elements[name.replace("_", "").lower()] for name in names]
+
+
 class _Model(Model):
     gravity: _Item[_Vector3, _Numbers] = _told("gravity", "In m/s2 along the axes of the world.")
     linear_tolerance: _Item[float, float] = _told("linear_tolerance", "In m.")
     angular_tolerance: _Item[float, float] = _told("angular_tolerance", "In rad.")
     ground: Body = _told("ground", "The body that everything stands on.")
     planar_ground: Body2D = _told(
-        "planar_ground", "The planar frame, which is made with the first planar body.")
+        "planar_ground", "The planar frame, which is made when it is first needed, or asked for.")
     time: Variable = _told("time", "The world's time.")
     name: str = _told("name", "The name of the world, which documents do not hold.")
     findings: list[Finding] = _property(lambda model: _findings(_karmp._findings(model)),
@@ -160,6 +174,8 @@ class _Model(Model):
         """A joint between two bodies, about or along an axis through a point, or between two
         geometries, with all that realises it."""
         _check_class(kind, _karmp.Joint)
+        if frame is not None and at is not None:
+            raise TypeError("add_joint takes a frame, or a point and an axis, not both")
         return self._make(items, "add_joint", kind, id, parent, child, at, axis, frame)
 
     def variable(self, id: str, joint: Joint | None = None, value: float = 0.0,
@@ -301,7 +317,7 @@ class _Model(Model):
     def extract(self, bodies: Iterable[Body], *, reach: int = 0,
                 families: Iterable[str] = ()) -> tuple[Model, list[tuple[Entity, str, Entity]]]:
         """The part around some bodies as a model, and the links that were cut."""
-        return _karmp._extract(self, bodies, (reach, families))
+        return _karmp._extract(self, bodies, (reach, _elements_of(families)))
 
     def graph(self, title: str = "") -> Graph:
         """The graph of bodies and joints, a picture in a notebook."""
@@ -363,6 +379,6 @@ for _class in (_Model, _Entity, _Solid):
     for _name, _member in vars(_class).items():
         if callable(_member) or isinstance(_member, property):
             setattr(_class.__base__, _name, _member)
-for _name, _family in families.items():
+for _name, _family in _families.items():
     setattr(Model, _name, _collection(_family))
 setattr(Model, "Editing", Editing)

@@ -5,13 +5,17 @@
 #include <pybind11/numpy.h>
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
+#include <unordered_map>
 
 namespace karmp::python {
 
 namespace {
 
 using Records = std::vector<RecordValues>;
+
+constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 
 // An array of Python. Imports numpy before the first one: pybind11 would import it within the
 // initialization of a static variable, where threads that wait for that keep the interpreter's lock
@@ -32,11 +36,30 @@ void CopyRows(const NumberArray& numbers, double* entry)
             *entry++ = numbers.At(row, column);
 }
 
+double Finite(double number, const ItemInfo& item)
+{
+    if (!std::isfinite(number))
+        Raise(PyExc_ValueError, SnakeCase(item.path) + " takes finite numbers");
+    return number;
+}
+
+// True or False, also as numpy has them; nothing for what is neither.
+std::optional<bool> FlagOf(py::handle value)
+{
+    const bool isOfNumpy =
+        std::string_view(Py_TYPE(value.ptr())->tp_name).starts_with("numpy.bool");
+    if (isOfNumpy || PyBool_Check(value.ptr()))
+        return PyObject_IsTrue(value.ptr()) == 1;
+    return {};
+}
+
 // Numbers in the shape that the item has; of another shape as a vector, which the item refuses.
 NumberArray ArrayFrom(py::handle value, const ItemInfo& item)
 {
     const auto [numbers, isInRows] = NumbersOf(value);
     const bool isVector = item.shape == NumberShape::Vector;
+    for (const double number : numbers)
+        Finite(number, item);
     if (isVector == isInRows || numbers.size() > 16)
         Raise(PyExc_ValueError, "the numbers of " + SnakeCase(item.path) + " have another shape");
     std::optional<NumberArray> array;
@@ -54,16 +77,19 @@ Value FromPython(py::handle value, const ItemInfo& item, ModelState& state)
     const bool isNone = value.is_none();
     switch (item.kind) {
     case ItemKind::Number:
-        return Taken<double>(value);
-    case ItemKind::OptionalNumber:
-        return isNone ? Value() : Taken<double>(value);
+        return Finite(Taken<double>(value), item);
+    case ItemKind::OptionalNumber: {
+        // Columns have NaN where there is no number.
+        const double number = isNone ? NaN : Taken<double>(value);
+        return std::isnan(number) ? Value() : Finite(number, item);
+    }
     case ItemKind::Integer:
         return Taken<int>(value);
     case ItemKind::Flag:
     case ItemKind::Word:
     case ItemKind::Code:
-        if (item.isFlag && PyBool_Check(value.ptr()))
-            return value.ptr() == Py_True;
+        if (const auto flag = FlagOf(value); flag && item.isFlag)
+            return *flag;
         if (item.kind == ItemKind::Flag)
             Raise(PyExc_TypeError, SnakeCase(item.path) + " takes True or False");
         [[fallthrough]];
@@ -127,12 +153,16 @@ std::vector<Entity> AllOf(const Model& model, const QOBClassInfo& info)
 py::object NumbersIn(ModelState& state, const QOBClassInfo& cls, std::string name,
                      std::vector<std::size_t> shape)
 {
-    const ItemInfo& item = ItemOf(cls, name);
     const std::vector<Entity> entities = AllOf(state.model, cls);
+    // Derived classes may have an item of their own by the name, or hide it.
+    std::unordered_map<const QOBClassInfo*, const ItemInfo*> items;
+    for (const Entity& entity : entities)
+        if (const auto [found, isNew] = items.try_emplace(&entity->getClassInfo()); isNew)
+            found->second = FindItemOf(*found->first, name);
     shape.insert(shape.begin(), entities.size());
     auto column = NewArray(shape);
     double* entry = column.mutable_data();
-    std::fill_n(entry, column.size(), std::numeric_limits<double>::quiet_NaN());
+    std::fill_n(entry, column.size(), NaN);
     const auto width =
         static_cast<std::size_t>(column.size()) / std::max<std::size_t>(entities.size(), 1);
     Alone(state, state, [&] {
@@ -144,7 +174,8 @@ py::object NumbersIn(ModelState& state, const QOBClassInfo& cls, std::string nam
                     if (held.Rows() * held.Columns() == width)
                         CopyRows(held, entry);
             };
-            std::visit(store, item.Get(*entity));
+            if (const ItemInfo* const item = items.at(&entity->getClassInfo()))
+                std::visit(store, item->Get(*entity));
             entry += width;
         }
     });

@@ -3,6 +3,7 @@
 #include "KARMPFailedCheck.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cwctype>
 #include <new>
 
@@ -115,9 +116,19 @@ const double* Numbers::Exactly(std::size_t count) const
 Numbers::operator KARMathAxis() const
 {
     const double* const entry = Exactly(16);
+    if (!NumberArray::TransformationByRows(values))
+        Raise(PyExc_ValueError, "a homogeneous matrix is needed, whose last row is 0 0 0 1");
     const auto column = [entry](int at) {
         return KARMathVector(entry[at], entry[4 + at], entry[8 + at]);
     };
+    constexpr double tolerance = 1e-6;
+    const auto is = [](double number, double wanted) {
+        return std::abs(number - wanted) <= tolerance;
+    };
+    if (!is(column(0).Norm(), 1.0) || !is(column(1).Norm(), 1.0) ||
+        !is(column(0).Dot(column(1)), 0.0) ||
+        !is((column(0).Cross(column(1)) - column(2)).Norm(), 0.0))
+        Raise(PyExc_ValueError, "the first columns of the matrix are no right-handed axes");
     return {KARMathPoint() + column(3), column(0), column(1), column(2)};
 }
 

@@ -42,6 +42,11 @@ class Notebook(unittest.TestCase):
         self.assertIn("<summary>joints: 4</summary>", text)
         self.assertIn("Rocker", text)
 
+    def test_model_is_not_changed_by_showing_it(self):
+        m, before = four_bar(), four_bar().text()
+        m._repr_html_()
+        self.assertEqual(m.text(), before)
+
     def test_entity_shows_its_items(self):
         text = self.crank._repr_html_()
         self.assertIn(">mass</span></td><td>0.2</td>", text)

@@ -5,6 +5,7 @@ import contextlib
 import gc
 import inspect
 import io
+import math
 import os
 import random
 import tempfile
@@ -161,6 +162,34 @@ class WrongValues(unittest.TestCase):
                 len(kind.__new__(kind))
         with self.assertRaises(karmp.Error):
             karmp.Model.Editing.__new__(karmp.Model.Editing).__exit__(None, None, None)
+
+    def test_numbers_that_are_not_finite(self):
+        m, before = self.model, self.model.text()
+        for value in (math.nan, math.inf):
+            for call in (lambda: setattr(self.body, "mass", value),
+                         lambda: setattr(self.body, "cog", (0, value, 0)),
+                         lambda: setattr(m, "gravity", (0, value, 0)),
+                         lambda: setattr(m, "linear_tolerance", value),
+                         lambda: setattr(m, "angular_tolerance", -1),
+                         lambda: m.set(karmp.Body, "mass", [value] * len(m.bodies)),
+                         lambda: m.add_body("new", mass=value),
+                         lambda: m.add_constant("new", "Length", value),
+                         lambda: m.add_motor("new", m.variable("v"), velocity=value)):
+                with self.assertRaises((ValueError, karmp.Error)):
+                    call()
+            m.delete(m.variables["v"])
+        self.assertEqual(m.text(), before)
+
+    def test_frames_are_rigid(self):
+        m = self.model
+        moved = [[1, 0, 0, 1], [0, 1, 0, 2], [0, 0, 1, 3], [0, 0, 0, 1]]
+        self.assertEqual(list(m.add_frame("f", m.ground, moved).origin), [1, 2, 3])
+        for wrong in (list(zip(*moved)), range(16), [[2, 0, 0, 0], [0, 1, 0, 0], [0, 0, 1, 0], [0, 0, 0, 1]],
+                      [[1, 0, 0, 0], [0, 1, 0, 0], [0, 0, -1, 0], [0, 0, 0, 1]]):
+            with self.assertRaises(ValueError):
+                m.add_frame("g", m.ground, wrong)
+        with self.assertRaises(TypeError):
+            m.add_joint(karmp.Revolute, "J", m.ground, self.body, (1, 2, 3), frame=moved)
 
     def test_methods_take_no_none_for_self(self):
         for kind in (karmp.Model, karmp.Links, karmp.Entities, karmp.Finding, karmp.Difference):

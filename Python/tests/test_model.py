@@ -1,4 +1,5 @@
 import copy
+import math
 import os
 import pickle
 import sys
@@ -192,7 +193,51 @@ class Editing(unittest.TestCase):
         self.assertEqual(len(m.joints), 4)
 
 
+    def test_settings_of_the_world_are_refused_in_a_block(self):
+        m = karmp.Model("M", gravity=(0, 0, -9.81))
+        for name, value in (("gravity", (0, 0, 0)), ("linear_tolerance", 1e-3), ("angular_tolerance", 1e-3)):
+            before = getattr(m, name)
+            with self.assertRaisesRegex(karmp.Error, "block of edits"), m.editing():
+                setattr(m, name, value)
+            self.assertEqual(getattr(m, name), before)
+        m.gravity = (0, 0, 0)
+        self.assertEqual(m.gravity, (0, 0, 0))
+
+    def test_inner_block_ends_with_the_outer_one(self):
+        m = four_bar()
+        outer, inner = m.editing(), m.editing()
+        outer.__enter__()
+        inner.__enter__()
+        outer.__exit__(None, None, None)
+        with self.assertRaisesRegex(karmp.Error, "not open"):
+            inner.__exit__(None, None, None)
+        self.assertTrue(m.delete(m.joints["D"]))
+        self.assertEqual(len(m.joints), 3)
+
+
 class Documents(unittest.TestCase):
+    def test_extract_takes_families_by_the_names_of_the_collections(self):
+        m = karmp.Model("S")
+        a, b = m.add_body("A"), m.add_body("B", at=(1, 0, 0))
+        m.connect(karmp.LinearSpring, "s", m.add_point("p", a, (0, 0, 0)), m.add_point("q", b, (1, 0, 0)),
+                  stiffness=m.add_constant("k", "LinearStiffness", 1))
+        for families in (["Connectors"], ["connectors"], iter(["CONNECTORS"])):
+            self.assertEqual(len(m.extract([a, b], families=families)[0].connectors), 1)
+        for family in karmp._table.families:
+            m.extract([a], families=[family])
+        self.assertEqual(len(m.extract([a, b])[0].connectors), 0)
+        with self.assertRaisesRegex(ValueError, 'no family "conectors"; near: "connectors"'):
+            m.extract([a], families=["conectors"])
+        with self.assertRaisesRegex(TypeError, "a list of families"):
+            m.extract([a], families="connectors")
+
+    def test_clone_tells_what_it_could_not_keep(self):
+        m = four_bar()
+        m.bodies["Crank"].outputs.append(m.add(karmp.Output, "o"))
+        clone = m.clone()
+        self.assertEqual(len(clone.findings), 1)
+        self.assertEqual([b.id for b in clone.bodies], [b.id for b in m.bodies])
+
     def test_saved_model_is_loaded_again(self):
         m = four_bar()
         with tempfile.TemporaryDirectory() as folder:
@@ -248,6 +293,25 @@ class Documents(unittest.TestCase):
 
 
 class Columns(unittest.TestCase):
+    def test_planar_bodies_have_their_own_items(self):
+        m = karmp.Model("P")
+        rod = m.add_rod("P", 2.0, (1, 2), (3, 2))
+        column = m.column(karmp.Body, "mass")
+        self.assertEqual(list(column), [b.mass for b in m.bodies])
+        self.assertIn(2.0, column)
+        m.set(karmp.Body, "mass", 1.5 * column)
+        self.assertEqual(rod.mass, 3.0)
+        # A planar position has another shape, and its class no centre in space.
+        self.assertTrue(math.isnan(m.column(karmp.Body, "position")[list(m.bodies).index(rod)][0, 0]))
+
+    def test_flags_of_numpy_and_numbers_that_are_not_there_go_back(self):
+        m = four_bar()
+        m.set(karmp.Body, "is_fixed", m.column(karmp.Body, "is_fixed") == 1)
+        v = m.variables["Crank angle"]
+        v.max_value = 2.0
+        v.max_value = math.nan
+        self.assertIsNone(v.max_value)
+
     def test_columns_are_read_and_written(self):
         m = four_bar()
         table = m.table(karmp.Body)
