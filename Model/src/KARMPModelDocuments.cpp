@@ -1,7 +1,7 @@
 // Models to and from documents.
-#include "KARMPEntities.h"
 #include "KARMPModel.h"
 #include "KARMPModelCore.h"
+#include "KARMPWorld.h"
 
 #include <algorithm>
 #include <string>
@@ -43,41 +43,34 @@ Result<Model> Loaded(documents::LoadResult loaded, const std::string& what, Wher
     return {std::move(model), std::move(loaded.diagnostics)};
 }
 
-// Lists the entities of a family as they are listed in another world, by their identifiers; those
-// that it does not have come behind. A document lists them in the order of their identifiers.
-template <class T>
-void ListAs(const KARMPWorld& source, KARMPWorld& copy)
+// Lists the entities of a copy as they are listed in a model, by their identifiers; those that it
+// does not have come behind. A document lists them in the order of their identifiers.
+void ListAs(const Core& source, KARMPWorld& copy)
 {
-    const auto visit = [](const KARMPWorld& world, auto take) {
-        for (int i = 0; i < world.Count<T>(); ++i) {
-            QOBSharedHandle<T> entity;
-            std::wstring identifier;
-            world.Get(i, entity);
-            if (entity)
-                entity->GetIdentifier(identifier);
-            take(entity, identifier);
-        }
-    };
-    std::unordered_map<std::wstring, std::size_t> order;
-    visit(source, [&order](const auto&, const std::wstring& identifier) {
-        order.emplace(identifier, order.size());
+    std::unordered_map<std::wstring, std::size_t> places;
+    std::wstring identifier;
+    source.ForEach(-1, [&](const QOBSharedHandle<KARMPEntity>& entity) {
+        entity->GetIdentifier(identifier);
+        places.emplace(identifier, places.size());
     });
-    std::vector<std::pair<std::size_t, QOBSharedHandle<T>>> entities;
-    visit(
-        copy,
-        [&](const auto& entity, const std::wstring& identifier) {
-            const auto found = order.find(identifier);
-            entities.emplace_back(found != order.end() ? found->second : order.size(), entity);
-        });
-    const auto isEarlier = [](const auto& one, const auto& other) {
-        return one.first < other.first;
-    };
-    if (std::is_sorted(entities.begin(), entities.end(), isEarlier))
-        return;
-    std::stable_sort(entities.begin(), entities.end(), isEarlier);
-    copy.EmptyRegistry<T>();
-    for (const auto& [place, entity] : entities)
-        copy.Add<T>(entity);
+    for (RegistryCore* const registry : RegistriesOf(copy)) {
+        std::vector<std::pair<std::size_t, QOBSharedBase>> entities;
+        for (std::size_t i = 0; i < registry->Count(); ++i) {
+            const QOBSharedBase& entity = registry->At(i);
+            static_cast<const KARMPEntity*>(entity._getReferent())->GetIdentifier(identifier);
+            const auto found = places.find(identifier);
+            entities.emplace_back(found != places.end() ? found->second : places.size(), entity);
+        }
+        const auto isEarlier = [](const auto& one, const auto& other) {
+            return one.first < other.first;
+        };
+        if (std::is_sorted(entities.begin(), entities.end(), isEarlier))
+            continue;
+        std::stable_sort(entities.begin(), entities.end(), isEarlier);
+        registry->Empty();
+        for (const auto& [place, entity] : entities)
+            registry->Add(entity);
+    }
 }
 
 } // namespace
@@ -140,8 +133,7 @@ Result<Model> Model::Clone(Where where) const
     World()->GetLengthUnit(lengthUnit);
     documents::LoadResult loaded = documents::LoadText(std::move(text));
     if (loaded.world)
-        Families::ForEach(
-            [&](auto family) { ListAs<typename decltype(family)::Type>(*World(), *loaded.world); });
+        ListAs(*m_core, *loaded.world);
     // What the document could not hold comes first.
     findings.items.insert(findings.items.end(), loaded.diagnostics.items.begin(),
                           loaded.diagnostics.items.end());
