@@ -47,29 +47,27 @@ Result<Model> Loaded(documents::LoadResult loaded, const std::string& what, Wher
 // does not have come behind. A document lists them in the order of their identifiers.
 void ListAs(const Core& source, KARMPWorld& copy)
 {
-    std::unordered_map<std::wstring, std::size_t> places;
+    int family = 0;
     std::wstring identifier;
-    source.ForEach(-1, [&](const QOBSharedHandle<KARMPEntity>& entity) {
-        entity->GetIdentifier(identifier);
-        places.emplace(identifier, places.size());
-    });
     for (RegistryCore* const registry : RegistriesOf(copy)) {
-        std::vector<std::pair<std::size_t, QOBSharedBase>> entities;
+        std::unordered_map<std::wstring, std::size_t> places;
+        source.ForEach(family++, [&](const QOBSharedHandle<KARMPEntity>& entity) {
+            entity->GetIdentifier(identifier);
+            places.emplace(identifier, places.size());
+        });
+        std::vector<QOBSharedBase> entities(places.size());
         for (std::size_t i = 0; i < registry->Count(); ++i) {
             const QOBSharedBase& entity = registry->At(i);
             static_cast<const KARMPEntity*>(entity._getReferent())->GetIdentifier(identifier);
             const auto found = places.find(identifier);
-            entities.emplace_back(found != places.end() ? found->second : places.size(), entity);
+            if (found != places.end() && !entities[found->second])
+                entities[found->second] = entity;
+            else
+                entities.push_back(entity);
         }
-        const auto isEarlier = [](const auto& one, const auto& other) {
-            return one.first < other.first;
-        };
-        if (std::is_sorted(entities.begin(), entities.end(), isEarlier))
-            continue;
-        std::stable_sort(entities.begin(), entities.end(), isEarlier);
         registry->Empty();
-        for (const auto& [place, entity] : entities)
-            registry->Add(entity);
+        for (const QOBSharedBase& entity : entities)
+            registry->Add(entity); // which takes no null
     }
 }
 

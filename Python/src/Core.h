@@ -8,11 +8,9 @@
 
 #include <pybind11/pybind11.h>
 
-#include <chrono>
 #include <memory>
 #include <string>
 #include <string_view>
-#include <thread>
 #include <unordered_map>
 #include <vector>
 
@@ -98,15 +96,7 @@ class Unlocked
 {
 public:
     Unlocked() : m_thread(PyEval_SaveThread()) {}
-    ~Unlocked()
-    {
-        try {
-            PyEval_RestoreThread(m_thread);
-        } catch (...) {
-            for (;;)
-                std::this_thread::sleep_for(std::chrono::hours(1));
-        }
-    }
+    ~Unlocked();
     Unlocked(const Unlocked&) = delete;
     Unlocked& operator=(const Unlocked&) = delete;
 

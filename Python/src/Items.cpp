@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <unordered_map>
 
 namespace karmp::python {
 
@@ -155,10 +154,15 @@ py::object NumbersIn(ModelState& state, const QOBClassInfo& cls, std::string nam
 {
     const std::vector<Entity> entities = AllOf(state.model, cls);
     // Derived classes may have an item of their own by the name, or hide it.
-    std::unordered_map<const QOBClassInfo*, const ItemInfo*> items;
+    std::vector<std::pair<const QOBClassInfo*, const ItemInfo*>> items;
+    const auto find = [&items](const Entity& entity) {
+        return std::find_if(items.begin(), items.end(), [&entity](const auto& of) {
+            return of.first == &entity->getClassInfo();
+        });
+    };
     for (const Entity& entity : entities)
-        if (const auto [found, isNew] = items.try_emplace(&entity->getClassInfo()); isNew)
-            found->second = FindItemOf(*found->first, name);
+        if (find(entity) == items.end())
+            items.emplace_back(&entity->getClassInfo(), FindItemOf(entity->getClassInfo(), name));
     shape.insert(shape.begin(), entities.size());
     auto column = NewArray(shape);
     double* entry = column.mutable_data();
@@ -174,7 +178,7 @@ py::object NumbersIn(ModelState& state, const QOBClassInfo& cls, std::string nam
                     if (held.Rows() * held.Columns() == width)
                         CopyRows(held, entry);
             };
-            if (const ItemInfo* const item = items.at(&entity->getClassInfo()))
+            if (const ItemInfo* const item = find(entity)->second)
                 std::visit(store, item->Get(*entity));
             entry += width;
         }

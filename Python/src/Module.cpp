@@ -126,14 +126,14 @@ bool IsTolerance(double number)
 }
 
 // Settings of the world are no part of what a block of edits undoes.
-template <class Set>
-KARStatus SetInWorld(ModelState& of, bool isGood, Set set)
+template <class T>
+KARStatus SetInWorld(ModelState& of, bool isGood, KARStatus (KARMPWorld::*set)(T), T to)
 {
     if (of.openBlocks > 0)
         RaiseFailure("a setting of the world cannot be undone with a block of edits", KARFailure);
     if (!isGood)
         Raise(PyExc_ValueError, "gravity is finite, and tolerances are finite numbers above 0");
-    return Do(of, "setting", [&] { return set(*of.model.World()); });
+    return (*of.model.World().*set)(to);
 }
 
 void BindEditsAndSettings(const Functions& calls)
@@ -151,16 +151,13 @@ void BindEditsAndSettings(const Functions& calls)
     calls["end_editing"] = &EndEditing;
     calls["set_gravity"] = [](ModelState& of, KARMathVector to) {
         const bool isFinite = std::isfinite(to.Dot(to));
-        return SetInWorld(
-            of, isFinite, [to](KARMPWorld& world) { return world.SetGravity(to); });
+        return SetInWorld<const KARMathVector&>(of, isFinite, &KARMPWorld::SetGravity, to);
     };
     calls["set_linear_tolerance"] = [](ModelState& of, double to) {
-        return SetInWorld(
-            of, IsTolerance(to), [to](KARMPWorld& world) { return world.SetLinearTolerance(to); });
+        return SetInWorld(of, IsTolerance(to), &KARMPWorld::SetLinearTolerance, to);
     };
     calls["set_angular_tolerance"] = [](ModelState& of, double to) {
-        return SetInWorld(of, IsTolerance(to),
-                          [to](KARMPWorld& world) { return world.SetAngularTolerance(to); });
+        return SetInWorld(of, IsTolerance(to), &KARMPWorld::SetAngularTolerance, to);
     };
     calls["gravity"] = [](ModelState& of) {
         KARMathVector gravity;

@@ -3,9 +3,11 @@
 #include "KARMPFailedCheck.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <cwctype>
 #include <new>
+#include <thread>
 
 namespace karmp::python {
 
@@ -24,6 +26,16 @@ bool IsSequence(py::handle value)
 }
 
 } // namespace
+
+Unlocked::~Unlocked()
+{
+    try {
+        PyEval_RestoreThread(m_thread);
+    } catch (...) {
+        for (;;)
+            std::this_thread::sleep_for(std::chrono::hours(1));
+    }
+}
 
 py::str ToText(std::wstring_view text)
 {
