@@ -140,9 +140,11 @@ TEST(DocumentErrors, WhatLooksLikeALapseAndIsNone)
           "\xEF\xBB\xBF<?xml version='1.0' standalone=\"no\"?>" + whole,
           "<!----><!-- - - --><!-- > -> -->" + whole, Start + "<A>-- &#45;-></A>" + End,
           Start + "<![CDATA[<!-- -- -->]]><?p -- ?>" + End,
-          Start + "<A>\xEF\xBF\xBD \xEF\xBE\xBE \xF0\x9F\xBF\xBE</A>" + End})
-        for (const Diagnostic& item : Document::ReadText(text).Messages().items)
+          Start + "<A>\xEF\xBF\xBD \xEF\xBE\xBE \xF0\x9F\xBF\xBE</A>" + End}) {
+        const Document document = Document::ReadText(text);
+        for (const Diagnostic& item : document.Messages().items)
             ADD_FAILURE() << text << ": " << item.text;
+    }
 }
 
 TEST(DocumentErrors, AWrongRootIsNamed)
