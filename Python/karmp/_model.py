@@ -13,7 +13,7 @@ from ._karmp import Entity, Model, Solid
 from ._lists import Editing, Entities
 from ._rows import Difference, Finding
 from ._rows import findings as _findings
-from ._table import check_item, columns_of, index_of_quantity, items_of
+from ._table import check_item, columns_of, index_of_quantity, items_of, near
 from ._table import families as _families
 
 TYPE_CHECKING = False  # the module typing takes as long to import as the package
@@ -108,10 +108,13 @@ def _elements_of(families: Iterable[str]) -> list[str]:
     known = {family: "".join(word.capitalize() for word in family.split("_"))
              for family in _families}
     elements = {element.lower(): element for element in known.values()}
-    for name in (names := list(families)):
-        if name.replace("_", "").lower() not in elements:
-            raise ValueError(f'there is no family "{name}"; near: "{_karmp._nearest(name, list(known))}"')
-    return [elements[name.replace("_", "").lower()] for name in names]
+    found: list[str] = []
+    for name in families:
+        element = elements.get(name.replace("_", "").lower())
+        if element is None:
+            raise ValueError(f'there is no family "{name}"{near(name, list(known))}')
+        found.append(element)
+    return found
 
 
 class _Model(Model):

@@ -150,7 +150,7 @@ void BindEditsAndSettings(const Functions& calls)
     };
     calls["end_editing"] = &EndEditing;
     calls["set_gravity"] = [](ModelState& of, KARMathVector to) {
-        const bool isFinite = std::isfinite(to.Dot(to));
+        const bool isFinite = std::isfinite(to[0]) && std::isfinite(to[1]) && std::isfinite(to[2]);
         return SetInWorld<const KARMathVector&>(of, isFinite, &KARMPWorld::SetGravity, to);
     };
     calls["set_linear_tolerance"] = [](ModelState& of, double to) {
