@@ -220,6 +220,23 @@ TEST_F(RefusalTest, NumbersThatAreNotFiniteAreRefusedByAllCalls)
               "a tolerance of the world is no finite number above 0");
 }
 
+TEST_F(RefusalTest, RecordsWithNumbersThatAreNotFiniteAreRefused)
+{
+    Model model("M");
+    const auto constraint = model.Add<KARMPRevoluteConstraint>("C");
+    const auto set = [&](double last) {
+        using Records = std::vector<karmp::RecordValues>;
+        const karmp::NumberArray values{1.0, 2.0, last};
+        return model.Set(constraint, "ConstraintParameters",
+                         karmp::Value(Records{{1, 2, 3, 4, 5, values}}));
+    };
+    EXPECT_FALSE(set(std::numeric_limits<double>::infinity()));
+    EXPECT_EQ(
+        model.Problems()[0].text,
+        "\"ConstraintParameters\" of KARMPRevoluteConstraint \"C\" is to have finite numbers");
+    EXPECT_TRUE(set(3.0));
+}
+
 TEST_F(RefusalTest, MotorHasOneTargetInTheQuantityOfItsVariable)
 {
     Model model("M");
