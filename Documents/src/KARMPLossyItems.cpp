@@ -45,6 +45,14 @@ std::optional<LossReason> ReasonOf(const ItemInfo& item, std::wstring_view versi
     return std::nullopt;
 }
 
+bool IsRequiredAt(const ItemInfo& item, std::wstring_view version)
+{
+    const bool isOlder = !item.since.empty() && !AtLeast(version, item.since);
+    if (isOlder && item.older == nullptr)
+        return false;
+    return (isOlder ? item.older->presence : item.presence) == ItemPresence::Required;
+}
+
 } // namespace
 
 bool LossyItem::IsLostOf(const KARMPEntity& entity, ItemValue& value) const
@@ -77,6 +85,31 @@ std::span<const LossyItem> LossyItems::Of(const QOBClassInfo& info)
 {
     const auto found = m_made.find(&info);
     return found != m_made.end() ? found->second : m_made.emplace(&info, Make(info)).first->second;
+}
+
+bool NeededItem::IsMissingOf(const KARMPEntity& entity, ItemValue& value) const
+{
+    if (!item->IsWrittenFor(entity))
+        return true;
+    if (item->kind == ItemKind::Stream)
+        return item->Count(entity) == 0;
+    if (item->kind != ItemKind::Reference)
+        return false;
+    value.entity = {};
+    return KARFailed(item->written->get(&entity, value)) || !value.entity;
+}
+
+std::vector<NeededItem> NeededItemsOf(const QOBClassInfo& info, std::wstring_view version)
+{
+    std::vector<NeededItem> needed;
+    for (const ItemInfo& item : ItemsOf(info)) {
+        const bool mayLack = IsConditional(item) || item.kind == ItemKind::Stream ||
+                             (item.kind == ItemKind::Reference && item.CanGet());
+        const bool isInGroup = item.path.find(L'/') != std::wstring::npos;
+        if (mayLack && !isInGroup && item.read != nullptr && IsRequiredAt(item, version))
+            needed.push_back({&item});
+    }
+    return needed;
 }
 
 std::vector<LossyItem> LossyItems::Make(const QOBClassInfo& info) const

@@ -36,6 +36,19 @@ struct LossyItem
     std::wstring Path() const;
 };
 
+/// An item that reading must find and that documents of a version may lack.
+struct NeededItem
+{
+    const ItemInfo* item;
+
+    /// True when the document of an entity lacks the item. `value` is for what the item fetches.
+    bool IsMissingOf(const KARMPEntity& entity, ItemValue& value) const;
+};
+
+/// Those of a class, in the order of its items. Items of groups are none of them: their groups need
+/// not be there.
+std::vector<NeededItem> NeededItemsOf(const QOBClassInfo& info, std::wstring_view version);
+
 /// The items of all classes that documents of a version may lose; few classes have any.
 class LossyItems
 {

@@ -128,7 +128,9 @@ void SaveCheck::NoteEntity(const KARMPEntity& entity, const WrittenLinks* links)
         m_isDoubtful || !checks.isGivenBack ||
         (links == nullptr && (checks.type == nullptr || *checks.type != typeid(entity))) ||
         std::any_of(checks.lossy.begin(), checks.lossy.end(),
-                    [&](const LossyItem& item) { return item.IsLostOf(entity, m_value); });
+                    [&](const LossyItem& item) { return item.IsLostOf(entity, m_value); }) ||
+        std::any_of(checks.needed.begin(), checks.needed.end(),
+                    [&](const NeededItem& item) { return item.IsMissingOf(entity, m_value); });
     if (links != nullptr)
         NoteLinks(entity, checks, *links);
     else
@@ -260,8 +262,10 @@ SaveCheck::ClassChecks& SaveCheck::ChecksOf(const KARMPEntity& entity)
         checks.mayBeLeftOut = !items.empty() && !items.front().conditions.empty();
         checks.type = info.getOperations().copiedClass;
         checks.isGivenBack = IsGivenBack(info);
-        if (checks.isGivenBack)
+        if (checks.isGivenBack) {
             checks.lossy = m_lossy.Of(info);
+            checks.needed = NeededItemsOf(info, m_version);
+        }
     }
     m_lastClass = &info;
     m_lastChecks = &checks;
@@ -346,8 +350,7 @@ void SaveCheck::CheckEntity(std::size_t number)
             if (!SumUp(entity, link, target))
                 CheckTarget(number, link, target);
         });
-    if (!checks.lossy.empty())
-        CheckItems(number, checks.lossy);
+    CheckItems(number, checks);
 }
 
 // A collision layer that is read lives in the interactions that are about it.
@@ -476,22 +479,32 @@ bool SaveCheck::RefersBack(const KARMPEntity& target, const ItemInfo& item,
     return found->second.count(&entity) != 0;
 }
 
-void SaveCheck::CheckItems(std::size_t number, std::span<const LossyItem> items)
+void SaveCheck::CheckItems(std::size_t number, const ClassChecks& checks)
 {
     const KARMPEntity& entity = m_entities->At(number);
-    for (const LossyItem& lossy : items) {
+    const auto tell = [&](Code code, const std::string& path, const std::string& text) {
+        m_warnings.Warning(code, TitleOf(entity) + ": " + text,
+                           m_entities->PathOf(number) + '/' + path);
+    };
+    for (const LossyItem& lossy : checks.lossy) {
         if (m_warnings.Full() || !lossy.IsLostOf(entity, m_value))
             continue;
         const std::string path = PathText(lossy.Path());
-        const bool isVersion = lossy.reason == LossReason::Version;
-        const std::string text = TitleOf(entity) + ": " +
-                                 (isVersion ? "documents of version " + PathText(m_version) +
-                                                  " do not hold \"" + path + '"'
-                                  : lossy.reason == LossReason::Reading
-                                      ? '"' + path + "\" is written as no reader finds it"
-                                      : '"' + path + "\" is not written as the entity stands");
-        m_warnings.Warning(isVersion ? Code::OtherVersion : Code::NotReadBack, text,
-                           m_entities->PathOf(number) + '/' + path);
+        if (lossy.reason == LossReason::Version)
+            tell(Code::OtherVersion, path,
+                 "documents of version " + PathText(m_version) + " do not hold \"" + path + '"');
+        else
+            tell(Code::NotReadBack, path,
+                 '"' + path +
+                     (lossy.reason == LossReason::Reading
+                          ? "\" is written as no reader finds it"
+                          : "\" is not written as the entity stands"));
+    }
+    for (const NeededItem& needed : checks.needed) {
+        if (m_warnings.Full() || !needed.IsMissingOf(entity, m_value))
+            continue;
+        const std::string path = PathText(needed.item->path);
+        tell(Code::NotReadBack, path, "reading needs \"" + path + "\", which is missing");
     }
 }
 

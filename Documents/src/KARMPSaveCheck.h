@@ -25,8 +25,9 @@ class KARMPWorld;
 namespace karmp::documents {
 
 /// Checks the entities of a world that a document of a version is made of: identifiers carried
-/// twice, links to what the document does not hold, links that the other end does not have, and
-/// items that are not read back. In time about linear in the entities and their links.
+/// twice, links to what the document does not hold, links that the other end does not have, items
+/// that are not read back, and those that reading needs and an entity lacks. In time about linear
+/// in the entities and their links.
 ///
 /// Each entity is noted when it is written, while it is at hand, with the links that were written;
 /// that mostly tells that nothing is wrong. Where it does not, all entities are looked at once
@@ -67,6 +68,7 @@ private:
     {
         std::vector<LinkCheck> links;
         std::span<const LossyItem> lossy;
+        std::vector<NeededItem> needed;
         bool isGivenBack = false;
         /// Objects of the class may be left out of documents.
         bool mayBeLeftOut = false;
@@ -98,7 +100,7 @@ private:
     static const Back& AddBack(LinkCheck& check, const QOBClassInfo& target);
     static std::uint64_t PairOf(const LinkCheck& check, std::span<const ItemInfo* const> back);
     bool RefersBack(const KARMPEntity& target, const ItemInfo& item, const KARMPEntity& entity);
-    void CheckItems(std::size_t number, std::span<const LossyItem> items);
+    void CheckItems(std::size_t number, const ClassChecks& checks);
 
     const KARMPWorld& m_world;
     std::wstring m_version;

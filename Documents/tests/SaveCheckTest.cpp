@@ -1,10 +1,14 @@
 // What a save tells of before it writes.
+#include "FilledWorld.h"
 #include "KARMPBody.h"
 #include "KARMPCollisionInterLayer.h"
 #include "KARMPCollisionLayer.h"
 #include "KARMPCylinder.h"
 #include "KARMPDocuments.h"
+#include "KARMPGenericFactory.h"
 #include "KARMPJointKinds.h"
+#include "KARMPString.h"
+#include "KARMPSurface.h"
 #include "KARMPTestFixture.h"
 #include "KARMPVariable.h"
 #include "KARMPWorld.h"
@@ -252,6 +256,48 @@ TEST_F(SavedWorld, LoadedTwiceIntoOneWorldIsToldAtTheSecondLoad)
     EXPECT_EQ(message->severity, Severity::Warning);
     EXPECT_NE(message->text.find(" of 5 that were read"), std::string::npos) << message->text;
     EXPECT_EQ(into->Count<KARMPBody>(), 5);
+}
+
+TEST_F(SavedWorld, TellsOfWhatReadingNeedsAndAnEntityLacks)
+{
+    const auto surface = KARMPSurface::create(L"Skin");
+    surface->SetIdentifier(L"G1");
+    m_world->Add<KARMPGeometry>(surface);
+    ExpectOne(Code::NotReadBack, Severity::Warning, "/Geometries/Surface/SurfaceStream",
+              "Surface \"Skin\" [G1]: reading needs \"SurfaceStream\", which is missing");
+}
+
+TEST_F(SavedWorld, TellsOfAQuantityThatOlderVersionsNeed)
+{
+    const auto text = KARMPString::create(L"Note");
+    text->SetIdentifier(L"V1");
+    m_world->Add<KARMPValue>(text);
+    EXPECT_TRUE(Save().items.empty());
+    m_options.version = L"R2017.1";
+    ExpectOne(Code::NotReadBack, Severity::Warning, "/Values/String/PhysicalQuantity",
+              "String \"Note\" [V1]: reading needs \"PhysicalQuantity\", which is missing");
+}
+
+TEST_F(SavedWorld, IsReadWithoutAnErrorWhereItWasSavedWithoutAWord)
+{
+    for (const std::string& name : MadeClasses())
+        for (const std::wstring_view version : KnownVersions()) {
+            const auto world = KARMPWorld::create(QOBBasicWorld::create(L"World"));
+            QOBSharedHandle<KARMPEntity> entity;
+            ASSERT_EQ(KARMPFactory::Create(name, entity), KARSuccess);
+            karmp::Families::AnyOf([&](auto family) {
+                using T = typename decltype(family)::Type;
+                return dynamic_cast<const T*>(entity.get()) != nullptr &&
+                       world->Add<T>(QOBSharedHandle<T>(entity)) == KARSuccess;
+            });
+            m_options.version = version;
+            const Diagnostics saved = SaveText(world, m_text, m_options);
+            const bool isNeeded = !saved.items.empty() &&
+                                  saved.items.front().text.find(": reading needs") != m_text.npos;
+            const Diagnostics loaded = LoadText(std::move(m_text)).diagnostics;
+            EXPECT_TRUE(isNeeded ? loaded.HasErrors() : !saved.items.empty() || !loaded.HasErrors())
+                << name << ' ' << kar::ToUtf8(version);
+        }
 }
 
 } // namespace
