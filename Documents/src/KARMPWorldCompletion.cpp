@@ -29,6 +29,7 @@ public:
         for (const GlobalEntity& global : GlobalsOf(m_world))
             if (NoteUnlisted(global.entity, global.family))
                 Name(*global.entity, global.element);
+        NoteTargets();
         NoteLayers();
         Families::ForEach([this](auto family) { Complete<typename decltype(family)::Type>(); });
     }
@@ -68,6 +69,21 @@ private:
             return false;
         m_unlisted.push_back({family, entity});
         return true;
+    }
+
+    // Where the document has another global, the world's own ones may still refer to one another:
+    // its body has its axis system.
+    void NoteTargets()
+    {
+        const auto note = [this](const ItemInfo&, const Entity& target) {
+            for (const FamilyRecord& family : FamilyRecords())
+                if (target->isDerivedFrom(*family.info) && NoteUnlisted(target, family.element))
+                    Name(*target, target->getEntityName());
+        };
+        for (std::size_t next = 0; next < m_unlisted.size(); ++next) {
+            const Entity unlisted = m_unlisted[next].entity; // noting others moves the list
+            ForEachTarget(*unlisted, note);
+        }
     }
 
     // A collision layer is an interaction, which its record does not tell.

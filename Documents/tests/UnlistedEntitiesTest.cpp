@@ -1,5 +1,6 @@
 // What was read and is listed in no registry.
 #include "KARMPDocuments.h"
+#include "KARMPWorld.h"
 
 #include <gtest/gtest.h>
 
@@ -43,6 +44,31 @@ TEST(UnlistedEntities, StandInEachRegistry)
     const auto unlisted = UnlistedOf("<Bodies><CollisionLayer id=\"L\"/></Bodies>");
     ASSERT_EQ(unlisted.size(), 1U);
     EXPECT_EQ(unlisted[0].message.path, "/KARMPDocument/World/Bodies/CollisionLayer");
+}
+
+// The world's own body is listed beside the one that the document names, and with it its axis
+// system.
+TEST(UnlistedEntities, OfACompletedWorldHaveWhatTheyReferTo)
+{
+    const auto complete = [] {
+        const auto world =
+            LoadText("<KARMPDocument version=\"R2018.1\"><World><Globals>"
+                     "<GlobalBody id=\"Pin\"/><GlobalAxisSystem id=\"Axes\"/>"
+                     "</Globals><Bodies><Body id=\"GlobalBody\" name=\"Base\"/>"
+                     "</Bodies><Geometries><AxisSystem id=\"Axes\"/></Geometries>"
+                     "<Joints><Revolute id=\"Pin\"/></Joints></World></KARMPDocument>")
+                .world;
+        EXPECT_EQ(CompleteWorld(*world), KARSuccess);
+        std::string text;
+        EXPECT_TRUE(SaveText(world, text).items.empty());
+        return text;
+    };
+    const std::string text = complete();
+    EXPECT_NE(text.find("<Geometry id=\"GlobalAxisSystem\" name=\"GlobalAxisSystem\"/>"),
+              text.npos);
+    EXPECT_NE(text.find("<AxisSystem id=\"GlobalAxisSystem\" name=\"GlobalAxisSystem\""),
+              text.npos);
+    EXPECT_EQ(text, complete()) << "identifiers depend on the document alone";
 }
 
 } // namespace
