@@ -3,6 +3,7 @@
 #include "BenchmarkWorld.h"
 #include "KARMPDocuments.h"
 #include "KARMPWorldExtraction.h"
+#include "StrippedLinks.h"
 
 #include <algorithm>
 #include <random>
@@ -143,12 +144,55 @@ void Observe(benchmark::State& state)
     state.counters["unsubscribe_s_per_entity"] = unsubscribe / entities;
 }
 
+/// A clone, and beside it the links alone that a filtered one has: what a clone with links takes at
+/// the least, by turns with a filtered clone. The memory of all is at hand.
+void CloneAndLinks(benchmark::State& state, Content content)
+{
+    const HeapThatKeeps heap;
+    const auto world = Build(state.range(0), content);
+    const QOBSharedList<KARMPEntity> all = AllOf(*world, Order::Built);
+    StrippedLinks links(all);
+    double clone = 0.0;
+    double filtered = 0.0;
+    double oneByOne = 0.0;
+    double atOnce = 0.0;
+    QOBSharedHandle<KARMPWorld> copy;
+    const auto round = [&] {
+        clone += ProcessorSecondsOf([&] { copy = world->Clone(); });
+        copy.detach();
+        filtered += ProcessorSecondsOf([&] { copy = world->CloneWithFilter(all); });
+        Free(copy);
+    };
+    const auto link = [&](StrippedLinks::Blocks blocks, double& seconds) {
+        seconds += ProcessorSecondsOf([&] { links.Make(blocks); });
+        links.TakeAway();
+    };
+    round();
+    clone = filtered = 0.0;
+    for (auto _ : state)
+        round();
+    link(StrippedLinks::Blocks::OneByOne, oneByOne);
+    oneByOne = 0.0;
+    for (auto count = state.iterations(); count > 0; --count)
+        link(StrippedLinks::Blocks::OneByOne, oneByOne);
+    for (auto count = state.iterations(); count > 0; --count)
+        link(StrippedLinks::Blocks::AtOnce, atOnce);
+    const auto entities = static_cast<double>(state.iterations()) * static_cast<double>(all.size());
+    state.counters["clone_s_per_entity"] = clone / entities;
+    state.counters["filtered_s_per_entity"] = filtered / entities;
+    state.counters["filtered_to_clone"] = filtered / clone;
+    state.counters["stripped_to_clone"] = (clone + oneByOne) / clone;
+    state.counters["stripped_at_once_to_clone"] = (clone + atOnce) / clone;
+}
+
 BENCHMARK(Observe)->SIZES;
 BENCHMARK_CAPTURE(ExtractOne, Bodies, Content::Bodies)->SIZES;
 BENCHMARK_CAPTURE(ExtractOne, Joints, Content::Joints)->SIZES;
 BENCHMARK_CAPTURE(Clone, Bodies, Content::Bodies, Order::Built)->SIZES;
 BENCHMARK_CAPTURE(Clone, Bodies at random, Content::Bodies, Order::Random)->SIZES;
 BENCHMARK_CAPTURE(Clone, Joints, Content::Joints, Order::Built)->SIZES;
+BENCHMARK_CAPTURE(CloneAndLinks, Bodies, Content::Bodies)->SIZES;
+BENCHMARK_CAPTURE(CloneAndLinks, Joints, Content::Joints)->SIZES;
 BENCHMARK_CAPTURE(Clone, Joints at random, Content::Joints, Order::Random)->SIZES;
 
 } // namespace
