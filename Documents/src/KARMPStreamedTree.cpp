@@ -141,7 +141,7 @@ void StreamedTree::TellOfNumbers(const KARMPEntity& entity, std::size_t begin)
     std::wstring identifier;
     GetIdentifierOf(entity, identifier);
     const std::wstring_view name =
-        KARMPSerializer::SerializeName() ? entity.getEntityName() : std::wstring_view();
+        EntityAccess::IsNameWritten<KARMPEntity>() ? entity.getEntityName() : std::wstring_view();
     for (const std::size_t offset : m_text.NotFinite()) {
         const std::size_t end = offset - begin;
         m_renderer.TellOfNumber(text.substr(end - 3, 3) == "nan",

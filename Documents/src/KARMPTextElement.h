@@ -105,7 +105,7 @@ public:
     {
         EntityText& text = Inside(*m_place);
         const kar::SharedText* identifier = nullptr;
-        if (!KARMPSerializer::SerializeName() || !text.IsNamed(content) ||
+        if (!EntityAccess::IsNameWritten<KARMPEntity>() || !text.IsNamed(content) ||
             KARFailed(EntityAccess::Identifier(entity, identifier)))
             return 0;
         const bool isLate = m_place->state != EntityText::State::Tag;

@@ -3,6 +3,7 @@
 #include "KARMPAxisSystem.h"
 #include "KARMPBody.h"
 #include "KARMPGenericFactory.h"
+#include "KARMPItems.h"
 #include "KARMPModelCore.h"
 #include "KARMPModelNames.h"
 #include "KARMPModelPlacing.h"
@@ -186,6 +187,9 @@ Ref<KARMPEntity> Model::Add(std::string_view className, std::string_view identif
             // The factory knows classes by name alone, so that one entity tells the record.
             const auto names = KARMPFactory::GetClassNames();
             const std::string nearest = NearestName(className, names);
+            if (nearest != className && !ItemsOf(className).empty())
+                return edit.Fail("\"" + std::string(className) +
+                                 "\" is a base class, of which no entity is made");
             if (className.empty() || nearest != className)
                 return edit.Fail("there is no class \"" + std::string(className) + '"' +
                                  (nearest.empty() ? nearest : "; near: \"" + nearest + '"'));

@@ -68,6 +68,9 @@ TEST_F(ModelTest, ClassIsAlsoChosenByName)
     ASSERT_EQ(model.Problems().size(), 1U);
     EXPECT_EQ(model.Problems()[0].text,
               "there is no class \"KARMPRevolut\"; near: \"KARMPRevolute\"");
+    EXPECT_FALSE(model.Add("KARMPConstraint", "C"));
+    EXPECT_EQ(model.Problems()[1].text,
+              "\"KARMPConstraint\" is a base class, of which no entity is made");
 }
 
 TEST_F(ModelTest, EntityIsFoundByIdentifierThenByName)

@@ -34,7 +34,8 @@ TEST_F(ReadingTest, NumberOfAnItemIsFoundBehindReferencesAndInRows)
     const auto none = NumberOf(m_body, "Weigth");
     EXPECT_EQ(none.Error().text, "KARMPBody \"A\" has no number \"Weigth\"");
     EXPECT_EQ(none.Error().where.line, line);
-    EXPECT_FALSE(NumberOf(m_body, "Position", 12));
+    EXPECT_EQ(NumberOf(m_body, "Position", 12).Error().text,
+              "KARMPBody \"A\" has no number of index 12 in \"Position\", which has 12");
     EXPECT_FALSE(NumberOf(sensor, "Joint"));
 }
 

@@ -71,17 +71,23 @@ def findings(rows: Iterable[Iterable[Any]]) -> list[Finding]:
     return [Finding(row) for row in rows]
 
 
-_record_classes: dict[str, Any] = {}
+_record_classes: dict[tuple[str, ...], Any] = {}
 
 
-def records(item: tuple[Any, ...], rows: list[Any]) -> tuple[Any, ...]:
-    """The records of an item, which is described by a tuple, as named tuples."""
-    name, fields = item[0], [field[0] for field in item[8]]
-    key = " ".join([name, *fields])
+def _record(key: tuple[str, ...], values: Iterable[Any]) -> Any:
+    """A record by the names of its item and of its fields."""
     if key not in _record_classes:
         import collections
 
         # It has no types for names that are not written out.
         make = getattr(collections, "namedtuple")
-        _record_classes[key] = make(name.title().replace("_", ""), fields, module="karmp")
-    return tuple(map(_record_classes[key]._make, rows))
+        made = make(key[0].title().replace("_", ""), key[1:], module="karmp")
+        made.__reduce__ = lambda record: (_record, (key, tuple(record)))
+        _record_classes[key] = made
+    return _record_classes[key]._make(values)
+
+
+def records(item: tuple[Any, ...], rows: list[Any]) -> tuple[Any, ...]:
+    """The records of an item, which is described by a tuple, as named tuples."""
+    key = item[0], *(field[0] for field in item[8])
+    return tuple(_record(key, row) for row in rows)

@@ -187,6 +187,14 @@ class EveryItem(unittest.TestCase):
                 self.assertEqual(model.diff(again), [])
             with self.subTest(f"{name} is pickled"):
                 self.assertEqual(model.diff(pickle.loads(pickle.dumps(model))), [])
+            for row in ITEMS[name]:
+                if row["kind"] == "records" and row["can_get"]:
+                    with self.subTest(f"{name}.{row['name']} is pickled"):
+                        value = getattr(entity, row["name"])
+                        copied = pickle.loads(pickle.dumps(value))
+                        self.assertEqual(plain(copied), plain(value))
+                        self.assertEqual([record._fields for record in copied],
+                                         [record._fields for record in value])
 
     def test_exceptions_are_few_and_known(self):
         self.assertLessEqual(len(EXCEPTIONS), 20)

@@ -232,6 +232,9 @@ private:
     KARStatus GenerateID2(std::wstring& identifier) const;
     KARStatus EnsureIdentifier(const kar::SharedText*& identifier) const;
     KARStatus TakeIdentifier(std::wstring_view identifier);
+    /// True unless "NO_MP_NAME_FOR_SERIALIZATION" was set when the process first wrote an entity;
+    /// of the names in references KARMPSerializer decides by itself.
+    static bool IsNameWritten();
     void ClearContainersBase();
     void orphanMembers();
 

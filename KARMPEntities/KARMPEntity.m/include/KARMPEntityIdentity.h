@@ -80,6 +80,12 @@ struct EntityAccess
     {
         return entity.EnsureIdentifier(identifier);
     }
+    /// True when entities write their names.
+    template <class Entity>
+    static bool IsNameWritten()
+    {
+        return Entity::IsNameWritten();
+    }
     /// True when objects of a class are copied by its record's operation: it overrides none of
     /// those that an object has for this. A class that overloads one counts as one that overrides.
     template <class T>

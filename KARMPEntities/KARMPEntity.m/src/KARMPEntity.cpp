@@ -46,7 +46,7 @@ struct karmp::ContentOf<KARMPEntity>
     }
     static std::wstring Name(const C& entity)
     {
-        return KARMPSerializer::SerializeName() ? entity.getStoredName().Copy() : std::wstring();
+        return C::IsNameWritten() ? entity.getStoredName().Copy() : std::wstring();
     }
     static void TakeName(C& entity, std::wstring&& name) { entity.setEntityName(name); }
     // What a loader answers to the change is not the document's concern.

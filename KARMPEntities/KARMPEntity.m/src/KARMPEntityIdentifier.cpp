@@ -59,13 +59,15 @@ KARStatus KARMPEntity::EnsureIdentifier(const kar::SharedText*& identifier) cons
     if (identifier != nullptr)
         return KARSuccess;
     KARStatus status = KARSuccess;
+    // There is an empty one while it is made: who asks meanwhile is given that, and it stays where
+    // the entity's own operations throw.
+    m_hasIdentifier = true;
     try {
         std::wstring made;
         status = KARGetEnv("NEW_MP_IDS") != nullptr ? GenerateID2(made) : GenerateID(made);
-        // Only now: what is there once stays for good, also when it is no more than a beginning.
         m_identifier.Set(made);
-        m_hasIdentifier = true;
     } catch (const std::bad_alloc&) {
+        m_hasIdentifier = false;
         KARMPVerify(false);
         return KAROutOfMemory;
     }
@@ -75,21 +77,27 @@ KARStatus KARMPEntity::EnsureIdentifier(const kar::SharedText*& identifier) cons
 
 KARStatus KARMPEntity::SetIdentifier(const std::wstring& identifier)
 {
-    try {
-        return TakeIdentifier(identifier);
-    } catch (const std::bad_alloc&) {
-        KARMPVerify(false);
-        return KARFailure;
-    }
+    return TakeIdentifier(identifier);
 }
 
 KARStatus KARMPEntity::TakeIdentifier(std::wstring_view identifier)
 {
     if (!KARMPVerify(!m_hasIdentifier))
         return KARFailure;
-    m_identifier.Set(identifier);
+    try {
+        m_identifier.Set(identifier);
+    } catch (const std::bad_alloc&) {
+        KARMPVerify(false);
+        return KARFailure;
+    }
     m_hasIdentifier = true;
     return KARSuccess;
+}
+
+bool KARMPEntity::IsNameWritten()
+{
+    static const bool written = KARGetEnv("NO_MP_NAME_FOR_SERIALIZATION") == nullptr;
+    return written;
 }
 
 KARStatus KARMPEntity::GenerateID(std::wstring& identifier) const

@@ -1,6 +1,10 @@
 #include "AllocationCounter.h"
+#include "KARMPEntityTable.h"
 #include "KARMPTestFixture.h"
+#include "QOBException.h"
+#include "TestDeserializer.h"
 #include "TestEntity.h"
+#include "TestSerializer.h"
 
 #include <cstdlib>
 #include <set>
@@ -100,8 +104,71 @@ TEST_F(Identifier, CannotBeSetWithoutMemory)
     EXPECT_EQ(IdentifierOf(*entity), identifier);
 }
 
+TEST_F(Identifier, IsNotReadWithoutMemoryAndTheRestIs)
+{
+    if (!AllocationCounter::Counts)
+        GTEST_SKIP() << "allocations cannot fail in this build";
+    TestSerializer root;
+    root.AddAttribute(L"id", std::wstring(2'000, L'\u00e9').c_str());
+    root.AddAttribute(L"name", L"read");
+    const auto tree = TestDeserializer::From(root);
+    // The first allocations are those of the tree, which gives the text.
+    std::size_t survived = 0;
+    for (std::size_t failing = 1; failing <= 8; ++failing) {
+        entity = TestEntity::create(L"entity");
+        try {
+            AllocationCounter allocations;
+            allocations.FailAllocation(failing);
+            EXPECT_EQ(entity->Deserialize(tree.get(), KARMPEntityTable()), KARSuccess);
+        } catch (const std::bad_alloc&) {
+            TakeReports();
+            continue;
+        }
+        EXPECT_EQ(entity->getEntityName(), L"read");
+        survived += TakeReports() > 0 ? 1 : 0;
+    }
+    EXPECT_GT(survived, 0U);
+}
+
 class IdentifierProcess : public Identifier
-{};
+{
+protected:
+    /// An entity whose operations ask for its identifier, or throw, while that is made.
+    class Asking : public TestEntity
+    {
+    public:
+        KARStatus IsInWorld(bool& inWorld) const override
+        {
+            if (m_throws)
+                throw QOBEInvalidCast(L"no world", "", 0);
+            std::wstring identifier = L"former";
+            m_status = GetIdentifier(identifier);
+            m_given = identifier;
+            return TestEntity::IsInWorld(inWorld);
+        }
+        bool m_throws = false;
+        mutable KARStatus m_status = KARFailure;
+        mutable std::wstring m_given;
+    };
+};
+
+TEST_F(IdentifierProcess, IsEmptyToWhoAsksWhileItIsMade)
+{
+    const QOBSharedHandle<Asking> asking(new Asking);
+    EXPECT_EQ(IdentifierOf(*asking), L"id");
+    EXPECT_EQ(asking->m_status, KARSuccess);
+    EXPECT_EQ(asking->m_given, L"");
+}
+
+TEST_F(IdentifierProcess, StaysEmptyWhereMakingItThrew)
+{
+    const QOBSharedHandle<Asking> asking(new Asking);
+    asking->m_throws = true;
+    std::wstring identifier;
+    EXPECT_THROW(asking->GetIdentifier(identifier), QOBEInvalidCast);
+    asking->m_throws = false;
+    EXPECT_EQ(IdentifierOf(*asking), L"");
+}
 
 TEST_F(IdentifierProcess, CountsFromZeroInTheSerialForm)
 {

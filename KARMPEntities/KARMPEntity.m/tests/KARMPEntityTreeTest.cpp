@@ -391,6 +391,17 @@ TEST_F(EntityTreeProcess, LeavesNamesOutButWritesTheAttribute)
     EXPECT_EQ(read->getEntityName(), L"");
 }
 
+TEST_F(EntityTreeProcess, DecidesOnNamesOfEntitiesAndOfReferencesEachAtItsFirst)
+{
+    ::unsetenv("NO_MP_NAME_FOR_SERIALIZATION");
+    EXPECT_TRUE(KARMPSerializer::SerializeName());
+    ::setenv("NO_MP_NAME_FOR_SERIALIZATION", "1", 1);
+    TestSerializer root;
+    entity->Serialize(&root);
+    EXPECT_EQ(root.Text(L"@name"), L"");
+    EXPECT_TRUE(root.Has(L"Parameters/Parameter/@name"));
+}
+
 TEST(EntityTable, FindsReplacesAndOrdersByIdentifier)
 {
     KARMPEntityTable table;

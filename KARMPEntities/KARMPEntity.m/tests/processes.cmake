@@ -29,6 +29,9 @@ karmp_process_test(KARMPEntityTests IdentifierProcess.IsTheEntityNameWhenNamesAr
     MP_USE_NAME_FOR_ID=1 ADL_ODT_OUT=1)
 karmp_process_test(KARMPEntityTests IdentifierProcess.OutsideAWorldKnowsTheGlobalsByTheirNames
     NEW_MP_IDS=0 MP_USE_NAME_FOR_ID=1)
+foreach(test IN ITEMS IsEmptyToWhoAsksWhileItIsMade StaysEmptyWhereMakingItThrew)
+    karmp_process_test(KARMPEntityTests IdentifierProcess.${test} NEW_MP_IDS=0)
+endforeach()
 
 karmp_process_test(
     KARMPEntityTests EntityTreeProcess.WritesOutputsOnceTheVariableIsSetAndKeepsToThat
@@ -36,5 +39,9 @@ karmp_process_test(
 )
 karmp_process_test(
     KARMPEntityTests EntityTreeProcess.LeavesNamesOutButWritesTheAttribute
+    NO_MP_NAME_FOR_SERIALIZATION=0
+)
+karmp_process_test(
+    KARMPEntityTests EntityTreeProcess.DecidesOnNamesOfEntitiesAndOfReferencesEachAtItsFirst
     NO_MP_NAME_FOR_SERIALIZATION=0
 )

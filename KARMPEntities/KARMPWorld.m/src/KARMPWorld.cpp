@@ -383,10 +383,10 @@ KARStatus KARMPWorld::Add(KARBaseUnknown_var key1, KARBaseUnknown_var key2,
     return Registry<KARMPValue>().Add(key1, key2, value);
 }
 
-// A value finds its world through the basic world that it stands under.
+// A value finds its world through the entity that the world extends, under which it stands.
 void KARMPWorld::PlaceValue(const QOBSharedHandle<KARMPValue>& value)
 {
-    const QOBSharedHandle<QOBBasicWorld> parent(getExtendible(), QOBSharedBase::WriteLock);
+    const QOBSharedHandle<QOBBasicEntity> parent(getExtendible(), QOBSharedBase::WriteLock);
     if (KARMPVerify(static_cast<bool>(parent)) && !parent->hasLogicalChild(value))
         parent->addLogicalChild(value);
 }

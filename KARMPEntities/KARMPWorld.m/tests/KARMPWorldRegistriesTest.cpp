@@ -40,6 +40,17 @@ TEST_F(WorldRegistries, ReportsAValueThatItCannotPlaceAndListsIt)
     EXPECT_EQ(unbound->Count<KARMPValue>(), 1);
 }
 
+TEST_F(WorldRegistries, PlacesAValueUnderAHostThatIsNoBasicWorld)
+{
+    const auto unbound = KARMPWorld::create(nullptr);
+    const auto host = TestEntity::create(L"host");
+    const auto value = TestOf<KARMPValue>::create(L"V");
+    ASSERT_EQ(unbound->bindExtension(host), KARSuccess);
+    EXPECT_EQ(unbound->Add(value), KARSuccess);
+    EXPECT_TRUE(host->hasLogicalChild(value));
+    EXPECT_EQ(unbound->Count<KARMPValue>(), 1);
+}
+
 // A host that an extension can have but no entity can stand under.
 class PlainHost : public QOBExtendibleObject
 {
