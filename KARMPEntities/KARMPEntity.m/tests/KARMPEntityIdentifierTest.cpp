@@ -1,6 +1,8 @@
 #include "AllocationCounter.h"
 #include "KARMPEntityTable.h"
 #include "KARMPTestFixture.h"
+#include "KARMPWorld.h"
+#include "QOBBasicWorld.h"
 #include "QOBException.h"
 #include "TestDeserializer.h"
 #include "TestEntity.h"
@@ -160,6 +162,37 @@ TEST_F(IdentifierProcess, IsEmptyToWhoAsksWhileItIsMade)
     EXPECT_EQ(asking->m_given, L"");
 }
 
+// What an entity's own operations answer on its world.
+class Elsewhere : public TestEntity
+{
+public:
+    KARStatus IsInWorld(bool& inWorld) const override
+    {
+        inWorld = true;
+        return KARFailure;
+    }
+    KARStatus GetWorld(QOBSharedHandle<KARMPWorld>& world) const override
+    {
+        world = m_world;
+        return m_answer;
+    }
+    QOBSharedHandle<KARMPWorld> m_world;
+    KARStatus m_answer = KARSuccess;
+};
+
+TEST_F(IdentifierProcess, CountsInTheWorldThatTheEntityNames)
+{
+    const auto named = QOBSharedHandle<Elsewhere>(new Elsewhere);
+    named->m_world = KARMPWorld::create(QOBBasicWorld::create(L"World"));
+    EXPECT_EQ(IdentifierOf(*named), L"id3");
+    const auto nowhere = QOBSharedHandle<Elsewhere>(new Elsewhere);
+    EXPECT_EQ(IdentifierOf(*nowhere), L"id");
+    const auto failing = QOBSharedHandle<Elsewhere>(new Elsewhere);
+    failing->m_world = named->m_world;
+    failing->m_answer = KARFailure;
+    EXPECT_EQ(IdentifierOf(*failing), L"id");
+}
+
 TEST_F(IdentifierProcess, StaysEmptyWhereMakingItThrew)
 {
     const QOBSharedHandle<Asking> asking(new Asking);
@@ -176,10 +209,18 @@ TEST_F(IdentifierProcess, CountsFromZeroInTheSerialForm)
     EXPECT_EQ(IdentifierOf(*TestEntity::create(L"second")), L"id1");
     EXPECT_EQ(IdentifierOf(*entity), L"id0");
     EXPECT_EQ(IdentifierOf(*TestEntity::create(L"third")), L"id2");
+    // Entities of all worlds are counted together.
+    for (const wchar_t* const expected : {L"id3", L"id4"}) {
+        const auto basicWorld = QOBBasicWorld::create(L"World");
+        const auto world = KARMPWorld::create(basicWorld);
+        const auto placed = TestEntity::create(L"placed");
+        basicWorld->addLogicalChild(placed);
+        EXPECT_EQ(IdentifierOf(*placed), expected);
+    }
     // Both variables were read with the first identifier.
     ::unsetenv("ADL_ODT_OUT");
     ::setenv("MP_USE_NAME_FOR_ID", "1", 1);
-    EXPECT_EQ(IdentifierOf(*TestEntity::create(L"fourth")), L"id3");
+    EXPECT_EQ(IdentifierOf(*TestEntity::create(L"fourth")), L"id5");
 }
 
 TEST_F(IdentifierProcess, IsTheEntityNameWhenNamesAreUsed)

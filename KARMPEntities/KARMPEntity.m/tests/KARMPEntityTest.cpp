@@ -132,6 +132,10 @@ TEST_F(Entity, AggregatingAnElementMakesItTheParent)
     EXPECT_EQ(other->AddAggregatedElement(element), KARSuccess);
     element->GetParentEntity(handle);
     EXPECT_EQ(handle, other);
+    // It is listed already, so that its parent stays.
+    EXPECT_EQ(entity->AddAggregatedElement(element), KARUnchanged);
+    element->GetParentEntity(handle);
+    EXPECT_EQ(handle, other);
     entity->orphanObject();
     other->orphanObject();
 }
@@ -233,6 +237,31 @@ TEST_F(Entity, SecondLoaderLeavesTheFirstAliveAndOnlyTheLastIsDeleted)
     EXPECT_EQ(first.deleted, 0);
     EXPECT_EQ(last.deleted, 1);
     delete loader;
+}
+
+TEST_F(Entity, DeletesItsLoaderBeforeItReleasesItsModelObject)
+{
+    class LastLook : public KARIMPEntityLoader
+    {
+    public:
+        LastLook(const ModelObject& object, unsigned int& released)
+            : m_object(object), m_released(released)
+        {}
+        ~LastLook() override { m_released = m_object.Released(); }
+        KARStatus OnActivate() override { return KARSuccess; }
+        KARStatus OnDeactivate() override { return KARSuccess; }
+
+    private:
+        const ModelObject& m_object;
+        unsigned int& m_released;
+    };
+    ModelObject object;
+    unsigned int releasedBefore = 7;
+    entity->SetModelObject(&object);
+    entity->SetLoader(new LastLook(object, releasedBefore));
+    entity.detach();
+    EXPECT_EQ(releasedBefore, 0U);
+    EXPECT_EQ(object.Released(), 1U);
 }
 
 TEST_F(Entity, CountsItsModelObject)

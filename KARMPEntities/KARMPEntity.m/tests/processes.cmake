@@ -29,7 +29,9 @@ karmp_process_test(KARMPEntityTests IdentifierProcess.IsTheEntityNameWhenNamesAr
     MP_USE_NAME_FOR_ID=1 ADL_ODT_OUT=1)
 karmp_process_test(KARMPEntityTests IdentifierProcess.OutsideAWorldKnowsTheGlobalsByTheirNames
     NEW_MP_IDS=0 MP_USE_NAME_FOR_ID=1)
-foreach(test IN ITEMS IsEmptyToWhoAsksWhileItIsMade StaysEmptyWhereMakingItThrew)
+foreach(test IN ITEMS
+        IsEmptyToWhoAsksWhileItIsMade CountsInTheWorldThatTheEntityNames
+        StaysEmptyWhereMakingItThrew)
     karmp_process_test(KARMPEntityTests IdentifierProcess.${test} NEW_MP_IDS=0)
 endforeach()
 

@@ -114,6 +114,17 @@ private:
     int m_heard = 0;
 };
 
+TEST_F(BulkUpdate, TellsOfAnUpdateWhenTheValueIsStored)
+{
+    Listed<KARMPOutput>("number", "double", number);
+    double heard = 0.0;
+    entity->addSubscriber(
+        QOBNotificationFunctor(*entity, [&](auto, const auto&) { heard = NumberIn(number); }),
+        QOBNotificationAgent::Events().set());
+    ExpectUpdate(Entry("number", 2.5), 0, 1);
+    EXPECT_EQ(heard, 2.5);
+}
+
 TEST_F(BulkUpdate, OfOutputsStoresEachTypeInItsValue)
 {
     ListAll<KARMPOutput>();
