@@ -113,6 +113,5 @@ def index_of_quantity(word: str) -> int:
     """The place of a quantity, such as "Length", among all of them."""
     words: list[str] = items_of(_karmp.Value)["physical_quantity"][3]
     if word not in words:
-        nearest = _karmp._nearest(word, words)
-        raise ValueError(f'there is no quantity "{word}"; near: {nearest}')
+        raise ValueError(f'there is no quantity "{word}"{near(word, words)}')
     return words.index(word)

@@ -67,7 +67,7 @@ class Building(unittest.TestCase):
         self.assertEqual(m.add_constant("Rest", "Length", 0.2).physical_quantity, "Length")
         follows = m.add_expression("Double", "Angle", "2 * x", [angle])
         self.assertEqual(follows.variables, [angle])
-        with self.assertRaisesRegex(ValueError, "near: Length"):
+        with self.assertRaisesRegex(ValueError, 'near: "Length"'):
             m.add_constant("X", "Lenght", 1.0)
         first, second = (m.add_point(f"P{i}", body, (0, 0, 0))
                          for i, body in enumerate((m.ground, m.bodies["Rocker"])))
