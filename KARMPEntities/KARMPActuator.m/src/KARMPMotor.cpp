@@ -282,7 +282,8 @@ KARStatus KARMPMotor::Deserialize(const KARMPDeserializer* deserializer,
                                      [this](const auto& v) { return SetVariable(v); });
     element.Word(L"TargetType", m_targetType, karmp::Absent::ReportAndFail);
     for (const ValueRules& rules : Rules)
-        element.Base(DeserializeValue(element.Node(), rules.name, entities));
+        if (KARFailed(DeserializeValue(element.Node(), rules.name, entities)))
+            element.Fail();
     return element.Status();
 }
 

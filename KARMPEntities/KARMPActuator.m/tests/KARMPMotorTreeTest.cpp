@@ -137,7 +137,7 @@ TEST_F(MotorTree, FailsWhenAValueIsUnknownOrRefused)
     refused->SetLoader(loader);
     record.answer = KARFailure;
     EXPECT_EQ(refused->Deserialize(&second, entities), KARFailure);
-    ExpectReports(3);
+    ExpectReports(2);
     EXPECT_EQ(record.calls, std::vector<std::string>{"SetPosition"});
 }
 
