@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <deque>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -68,6 +69,20 @@ public:
     int positionsSet = 0;
     bool fails = false;
     std::vector<QOBSharedHandle<QOBBasicBody3D>> added;
+};
+
+/// An active sensor that lets a test look around when it is asked for that, before it is moved.
+template <class Sensor>
+class LookingSensor : public ConcreteEntity<Sensor>
+{
+public:
+    bool IsActive() const override
+    {
+        look();
+        return true;
+    }
+
+    std::function<void()> look;
 };
 
 /// Notes which bodies say that they changed, in order.

@@ -17,6 +17,55 @@ protected:
     KARMathPoint2D point;
 };
 
+/// A loader that looks at its body whenever it is told something.
+class LookingLoader : public RecordingBody2DLoader
+{
+public:
+    LookingLoader(Body2DLoaderRecord& record, const KARMPBody2D& body)
+        : RecordingBody2DLoader(record), m_looked(body)
+    {}
+
+    KARStatus ApplyTransformation(const KARMathTransformation2D& move) override
+    {
+        position = positionOf(m_looked);
+        return RecordingBody2DLoader::ApplyTransformation(move);
+    }
+    KARStatus SetLoaderVelocity(const KARMathVector2D& linear, double angular) override
+    {
+        KARMathVector2D v;
+        double w = 0.0;
+        velocityIsKnown = !KARFailed(m_looked.GetVelocity(v, w));
+        return RecordingBody2DLoader::SetLoaderVelocity(linear, angular);
+    }
+    KARStatus HoldBody2D() override
+    {
+        fixed.push_back(m_looked.IsFixed2D());
+        return RecordingBody2DLoader::HoldBody2D();
+    }
+    KARStatus ReleaseBody2D() override
+    {
+        fixed.push_back(m_looked.IsFixed2D());
+        return RecordingBody2DLoader::ReleaseBody2D();
+    }
+    KARStatus HoldBody3D() override
+    {
+        fixed.push_back(m_looked.IsFixed3D());
+        return RecordingBody2DLoader::HoldBody3D();
+    }
+    KARStatus ReleaseBody3D() override
+    {
+        fixed.push_back(m_looked.IsFixed3D());
+        return RecordingBody2DLoader::ReleaseBody3D();
+    }
+
+    KARMathTransformation2D position;
+    bool velocityIsKnown = false;
+    std::vector<bool> fixed;
+
+private:
+    const KARMPBody2D& m_looked;
+};
+
 TEST_F(Body2DMotion, HandsOutItsPlanarLoader)
 {
     KARIMPBody2DLoader* loader = nullptr;
@@ -331,6 +380,42 @@ TEST_F(Body2DMotion, ComputationInKinematicSimulationsIsUpToTheLoader)
     alone->failsToFetch = true;
     EXPECT_EQ(alone->ActivateVelocityAndAccelerationComputationForKIN(), KARFailure);
     ExpectReports(2);
+}
+
+TEST_F(Body2DMotion, TheLoaderHearsOfWhatTheBodyHasAlready)
+{
+    auto* const loader = new LookingLoader(record, *alone);
+    alone->SetLoader(loader);
+    alone->SetPosition(shift2D(1.0));
+    EXPECT_EQ(loader->position, shift2D(1.0));
+    alone->SetVelocity({1.0, 0.0}, 0.0);
+    EXPECT_TRUE(loader->velocityIsKnown);
+    alone->Fix2D();
+    alone->Unfix2D();
+    alone->Fix3D();
+    alone->Unfix3D();
+    EXPECT_EQ(loader->fixed, (std::vector<bool>{true, false, true, false}));
+}
+
+TEST_F(Body2DMotion, FixingGivesZeroWhateverTheLoaderAnswers)
+{
+    record.answer = KARFailure;
+    EXPECT_EQ(body->Fix2D(), KARSuccess);
+    EXPECT_EQ(body->Fix3D(), KARSuccess);
+    EXPECT_TRUE(body->IsFixed2D() && body->IsFixed3D());
+    EXPECT_EQ(body->Unfix2D(), KARSuccess);
+    EXPECT_EQ(body->Unfix3D(), KARSuccess);
+    EXPECT_FALSE(body->IsFixed2D() || body->IsFixed3D());
+}
+
+TEST_F(Body2DMotion, ALoaderThatAnswersOneHasNotFailed)
+{
+    record.answer = KARUnchanged;
+    EXPECT_EQ(body->GetVelocity(linear, angular, point), KARSuccess);
+    EXPECT_EQ(body->GetAcceleration(linear, angular, point), KARSuccess);
+    EXPECT_EQ(body->GetVelocityAndAcceleration(linear, angular, linear, angular, point,
+                                               KARMPBody::AtBodyOrigin, nullptr, {}, nullptr),
+              KARSuccess);
 }
 
 TEST_F(Body2DMotion, MassIsNoMatterOfTheLoaderAndNotTheBases)

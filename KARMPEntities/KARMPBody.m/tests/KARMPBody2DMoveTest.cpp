@@ -49,6 +49,27 @@ TEST_F(Body2DMove, MovesAnActiveSensorOnly)
     EXPECT_EQ(displacement, quarterTurn2D() * shift2D(1.0));
 }
 
+TEST_F(Body2DMove, ReachesTheBodyThenItsSensorAndThenThoseWhoAreTold)
+{
+    const Body2D body = NewBody2D(L"body");
+    using Sensor = LookingSensor<KARMPDisplacementSensor2D>;
+    const auto sensor = Keep(QOBSharedHandle<Sensor>(new Sensor));
+    body->SetDisplacementSensor(sensor);
+    KARMathTransformation2D seen;
+    sensor->look = [&] { seen = positionOf(*body); };
+    KARMathTransformation2D displacement;
+    body->addSubscriber(
+        QOBNotificationFunctor(*log,
+                               [&](QOBNotificationFunctor::Sender, QOBNotificationFunctor::Events) {
+                                   EXPECT_EQ(positionOf(*body), shift2D(1.0));
+                                   sensor->GetDisplacement(displacement);
+                               }),
+        QOBNotificationFunctor::Events().set(9));
+    body->UpdatePosition(shift2D(1.0), true);
+    EXPECT_EQ(seen, shift2D(1.0));
+    EXPECT_EQ(displacement, shift2D(1.0));
+}
+
 TEST_F(Body2DMove, RefreshesImpactedChildrenAndTheirsWithoutMovingThem)
 {
     const Body2D father = NewBody2D(L"father");
@@ -147,6 +168,20 @@ TEST_F(Body2DMove, InSpaceTellsTheBodyAlone)
     EXPECT_EQ(log->changed.size(), 1U);
     EXPECT_EQ(body->Update3DPosition({}, false), KARSuccess);
     EXPECT_EQ(log->changed.size(), 2U);
+}
+
+TEST_F(Body2DMove, InSpaceIsToldWhenThePositionHasChanged)
+{
+    const Body2D body = NewBody2D(L"body");
+    KARMathTransformation seen;
+    body->addSubscriber(
+        QOBNotificationFunctor(*log,
+                               [&](QOBNotificationFunctor::Sender, QOBNotificationFunctor::Events) {
+                                   body->Get3DPosition(seen);
+                               }),
+        QOBNotificationFunctor::Events().set(9));
+    body->Update3DPosition(shift(1.0), true);
+    EXPECT_EQ(seen, shift(1.0));
 }
 
 TEST(Body2DMoveDepth, DoesNotMatter)

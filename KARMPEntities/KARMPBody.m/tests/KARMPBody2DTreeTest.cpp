@@ -219,6 +219,18 @@ TEST_F(Body2DTree, KnowsVelocitiesOnceOneWasReadWhateverItIs)
     }
 }
 
+TEST_F(Body2DTree, KnowsVelocitiesOnceANegativeAngularOneWasRead)
+{
+    TestDeserializer root;
+    Plain(root).Add(L"Velocity").Add(L"AngularVelocity").Leaf(L"Va", -1.0);
+    EXPECT_EQ(read->Deserialize(&root, entities), KARSuccess);
+    TakeReports();
+    KARMathVector2D linear;
+    double angular = 0.0;
+    EXPECT_EQ(read->GetVelocity(linear, angular), KARSuccess);
+    EXPECT_EQ(angular, -1.0);
+}
+
 TEST_F(Body2DTree, ReadsAMissingComponentOfAVelocityAsZeroAndKeepsAllOthers)
 {
     TestDeserializer root;

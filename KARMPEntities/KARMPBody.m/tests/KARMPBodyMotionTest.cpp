@@ -16,6 +16,45 @@ protected:
     KARMathPoint point;
 };
 
+/// A loader that looks at its body whenever it is told something.
+class LookingLoader : public RecordingBodyLoader
+{
+public:
+    LookingLoader(BodyLoaderRecord& record, const KARMPBody& body)
+        : RecordingBodyLoader(record), m_looked(body)
+    {}
+
+    KARStatus ApplyTransformation(const KARMathTransformation& move) override
+    {
+        position = positionOf(m_looked);
+        return RecordingBodyLoader::ApplyTransformation(move);
+    }
+    KARStatus SetLoaderVelocity(const KARMathVector& linear, const KARMathVector& angular) override
+    {
+        KARMathVector v;
+        KARMathVector w;
+        velocityIsKnown = !KARFailed(m_looked.GetVelocity(v, w));
+        return RecordingBodyLoader::SetLoaderVelocity(linear, angular);
+    }
+    KARStatus HoldBody() override
+    {
+        fixed.push_back(m_looked.IsFixed());
+        return RecordingBodyLoader::HoldBody();
+    }
+    KARStatus ReleaseBody() override
+    {
+        fixed.push_back(m_looked.IsFixed());
+        return RecordingBodyLoader::ReleaseBody();
+    }
+
+    KARMathTransformation position;
+    bool velocityIsKnown = false;
+    std::vector<bool> fixed;
+
+private:
+    const KARMPBody& m_looked;
+};
+
 TEST_F(BodyMotion, HandsOutItsLoader)
 {
     KARIMPBodyLoader* loader = nullptr;
@@ -372,6 +411,42 @@ TEST_F(BodyMotion, AllIsPassedOnWhenVelocitiesAndAccelerationsAreAskedForAtOnce)
                                                 nullptr, {}, nullptr),
               KARSuccess);
     EXPECT_EQ(again, KARMathVector());
+}
+
+TEST_F(BodyMotion, TheLoaderHearsOfWhatTheBodyHasAlready)
+{
+    auto* const loader = new LookingLoader(record, *alone);
+    alone->SetLoader(loader);
+    alone->SetPosition(shift(1.0), 0);
+    EXPECT_EQ(loader->position, shift(1.0));
+    alone->SetVelocity({1.0, 0.0, 0.0}, {});
+    EXPECT_TRUE(loader->velocityIsKnown);
+    loader->fixed.clear();
+    alone->Fix();
+    alone->Unfix();
+    EXPECT_EQ(loader->fixed, (std::vector<bool>{true, false}));
+}
+
+TEST_F(BodyMotion, FixingGivesZeroWhateverTheLoaderAnswers)
+{
+    for (const KARStatus answer : {KARUnchanged, KARFailure}) {
+        record.answer = answer;
+        EXPECT_EQ(body->Fix(), KARSuccess);
+        EXPECT_TRUE(body->IsFixed());
+        EXPECT_EQ(body->Unfix(), KARSuccess);
+        EXPECT_FALSE(body->IsFixed());
+    }
+}
+
+TEST_F(BodyMotion, ALoaderThatAnswersOneHasNotFailed)
+{
+    record.answer = KARUnchanged;
+    EXPECT_EQ(body->SetPosition(shift(1.0), 0), KARUnchanged);
+    EXPECT_EQ(body->GetVelocity(linear, angular, point), KARSuccess);
+    EXPECT_EQ(body->GetAcceleration(linear, angular, point), KARSuccess);
+    EXPECT_EQ(body->GetVelocityAndAcceleration(linear, angular, linear, angular, point,
+                                               KARMPBody::AtBodyOrigin, nullptr, {}, nullptr),
+              KARSuccess);
 }
 
 TEST_F(BodyMotion, MassIsNoMatterOfTheLoader)

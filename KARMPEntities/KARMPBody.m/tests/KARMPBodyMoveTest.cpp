@@ -96,6 +96,20 @@ TEST_F(BodyMove, IsToldWhenTheBodyAndItsSensorHaveMovedAndItsChildrenHaveNot)
     EXPECT_EQ(positionOf(*child), shift(1.0));
 }
 
+TEST_F(BodyMove, ReachesTheNeighbourBeforeTheSensor)
+{
+    const Body body = NewBody(L"b");
+    const auto neighbour = TestNeighbour::create(L"n");
+    body->SetWDMBody(neighbour);
+    using Sensor = LookingSensor<KARMPDisplacementSensor>;
+    const auto sensor = Keep(QOBSharedHandle<Sensor>(new Sensor));
+    body->SetDisplacementSensor(sensor);
+    KARMathTransformation seen;
+    sensor->look = [&] { neighbour->GetPosition(seen); };
+    body->UpdatePosition(shift(1.0), true);
+    EXPECT_EQ(seen, shift(1.0));
+}
+
 TEST_F(BodyMove, EndsAmongTheChildrenAtOneThatIsFixed)
 {
     const Body father = NewBody(L"father");

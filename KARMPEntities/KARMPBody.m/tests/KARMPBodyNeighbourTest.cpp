@@ -160,6 +160,49 @@ TEST_F(BodyNeighbour, GetsTheNeighboursOfTheChildren)
     EXPECT_FALSE(neighbour->added[1]);
 }
 
+/// A neighbour that counts its body's children whenever it gets another one's neighbour.
+class CountingNeighbour : public TestNeighbour
+{
+public:
+    KARStatus addBody(const QOBSharedHandle<QOBBasicBody3D>& child) override
+    {
+        seen.push_back(body->GetChildrenBodyCount());
+        return TestNeighbour::addBody(child);
+    }
+
+    const KARMPBody* body = nullptr;
+    std::vector<int> seen;
+};
+
+TEST_F(BodyNeighbour, GetsTheNeighbourOfAChildBeforeTheBodyListsTheChild)
+{
+    const QOBSharedHandle<CountingNeighbour> counting(new CountingNeighbour);
+    counting->body = body.get();
+    body->SetWDMBody(counting);
+    body->AddBody(NewBody(L"first"));
+    body->AddBody(NewBody(L"second"));
+    EXPECT_EQ(counting->seen, (std::vector<int>{0, 1}));
+}
+
+/// A neighbour that moves and answers 1.
+class UnchangedNeighbour : public TestNeighbour
+{
+public:
+    KARStatus SetPosition(const KARMathTransformation& position) override
+    {
+        TestNeighbour::SetPosition(position);
+        return KARUnchanged;
+    }
+};
+
+TEST_F(BodyNeighbour, ThatAnswersOneHasNotFailed)
+{
+    body->SetWDMBody(QOBSharedHandle<UnchangedNeighbour>(new UnchangedNeighbour));
+    EXPECT_EQ(body->SetPosition(shift(1.0), 1), KARSuccess);
+    EXPECT_EQ(body->UpdatePosition(shift(2.0), true), KARSuccess);
+    EXPECT_EQ(positionOf(*body), shift(3.0));
+}
+
 TEST(BodyNeighbourNameProcess, IsLeftAloneWhenNamesAreSwitchedOff)
 {
     Body body = KARMPBody::create(L"body");
