@@ -52,6 +52,20 @@ TEST_F(Curve2D, HandsOutItsSegmentsAndIsSafeForThreadsWithoutAny)
     EXPECT_EQ(curve->GetCurveCount(), 1);
 }
 
+/// A curve that counts none of its segments.
+class UncountedCurve2D : public KARMPCurve2D
+{
+public:
+    int GetCurveCount() const override { return 0; }
+};
+
+TEST_F(Curve2D, IsSafeForThreadsWhenItCountsNoSegments)
+{
+    const QOBSharedHandle<KARMPCurve2D> uncounted(new UncountedCurve2D);
+    uncounted->AddCurve(line, KARMPCurveOrientation::Positive, &limits);
+    EXPECT_EQ(uncounted->IsThreadSafe(), 1);
+}
+
 TEST_F(Curve2D, GivesBackItsReferencesAtItsEndAndLeavesTheLimitsToTheirOwner)
 {
     ModelObject object;

@@ -41,7 +41,8 @@ std::pair<double, double> Extremities(const void* limits)
     return extremities;
 }
 
-/// A curve whose limits a test sets, and which may neither give its first segment nor take one.
+/// A curve whose limits a test sets, and which may neither give its first segment nor take one nor
+/// count all of them.
 class OpenCurve : public KARMPCurve
 {
 public:
@@ -59,6 +60,7 @@ public:
     {
         return refused-- > 0 ? KARFailure : KARMPCurve::AddCurve(curve, orientation, limits);
     }
+    int GetCurveCount() const override { return KARMPCurve::GetCurveCount() - uncounted; }
     static VirtualSlots Slots()
     {
         return {VirtualSlot(&OpenCurve::AddCurve),
@@ -73,6 +75,7 @@ public:
     bool hidesFirst = false;
     KARStatus hiddenStatus = KARFailure;
     int refused = 0;
+    int uncounted = 0;
 };
 
 /// Services that note the question.
@@ -394,6 +397,23 @@ TEST_F(Curve, SegmentThatCannotBeHadIsReportedAndTheNextOneWritten)
     }
 }
 
+TEST_F(Curve, SegmentThatItDoesNotCountIsNotThereForAWriterOrForThreads)
+{
+    auto* const open = new OpenCurve;
+    const QOBSharedHandle<KARMPCurve> handle(open);
+    open->AddCurve(line, KARMPCurveOrientation::Negative, &lineLimits);
+    open->AddCurve(arc, KARMPCurveOrientation::Positive, &arcLimits);
+    open->uncounted = 1;
+    TestSerializer root;
+    EXPECT_EQ(open->Serialize(&root), KARSuccess);
+    EXPECT_EQ(root.Count(Segment), 1U);
+    EXPECT_EQ(open->IsThreadSafe(), 0);
+    open->uncounted = 2;
+    TestSerializer none;
+    EXPECT_EQ(open->Serialize(&none), KARFailure);
+    EXPECT_EQ(open->IsThreadSafe(), 1);
+}
+
 TEST_F(Curve, SegmentThatIsNoStoredObjectIsWrittenWithoutAStreamAndReported)
 {
     ModelObject object;
@@ -466,6 +486,22 @@ TEST_F(Curve, MissingLimitsAreZeroAndAMissingOrientationIsPositive)
     ASSERT_EQ(read->GetCurveCount(), 1);
     EXPECT_EQ(PieceOf(*read, 0).orientation, KARMPCurveOrientation::Positive);
     EXPECT_EQ(Extremities(PieceOf(*read, 0).limits), std::pair(0.0, 0.0));
+}
+
+TEST_F(Curve, LimitsThatAreReadAreChecked)
+{
+    const KARCrvLimits reversed{KARCrvParam(2.5), KARCrvParam(-0.5)};
+    ASSERT_TRUE(reversed.IsValid()) << "nobody checked them";
+    KARCrvLimits limits = reversed;
+    curve->AddCurve(line, KARMPCurveOrientation::Positive, &limits);
+    TestSerializer root;
+    curve->Serialize(&root);
+    const auto read = Reader();
+    EXPECT_EQ(read->Deserialize(TestDeserializer::From(root).get(), entities), KARSuccess);
+    ASSERT_EQ(read->GetCurveCount(), 1);
+    const void* const readLimits = PieceOf(*read, 0).limits;
+    EXPECT_EQ(Extremities(readLimits), std::pair(2.5, -0.5));
+    EXPECT_FALSE(static_cast<const KARCrvLimits*>(readLimits)->IsValid());
 }
 
 TEST_F(Curve, OrientationThatIsNoneOfTheWordsIsPositiveWithoutAReport)

@@ -14,6 +14,20 @@
 
 namespace {
 
+/// A planar geometry that has its planar body elsewhere and takes none.
+class LendingGeometry2D : public ConcreteEntity<KARMPGeometry2D>
+{
+public:
+    KARStatus SetBody(const QOBSharedHandle<KARMPBody2D>&) override { return KARFailure; }
+    KARStatus GetBody(QOBSharedHandle<KARMPBody2D>& given) const override
+    {
+        given = body;
+        return KARSuccess;
+    }
+
+    QOBSharedHandle<KARMPBody2D> body;
+};
+
 /// A planar geometry, two bodies, a sketch and two constraints, linked as a test wants.
 class Geometry2D : public KARMPTestFixture
 {
@@ -243,6 +257,19 @@ TEST_F(Geometry2D, WritesNoLinksThatItDoesNotHave)
     TestSerializer root;
     EXPECT_EQ(geometry->Serialize(&root), KARSuccess);
     EXPECT_EQ(root.GetElementCount(), 0U);
+}
+
+TEST_F(Geometry2D, WritesThePlanarBodyThatItsOwnGetterGivesAndReportsOneThatItRefuses)
+{
+    auto* const lending = new LendingGeometry2D;
+    const Handle handle(lending);
+    lending->body = body;
+    TestSerializer root;
+    EXPECT_EQ(lending->Serialize(&root), KARSuccess);
+    EXPECT_EQ(root.Text(L"Body2D/@id"), L"body");
+    const Handle refusing(new LendingGeometry2D);
+    EXPECT_EQ(refusing->Deserialize(TestDeserializer::From(root).get(), entities), KARSuccess);
+    ExpectReports(1);
 }
 
 TEST_F(Geometry2D, ReadsItsLinks)

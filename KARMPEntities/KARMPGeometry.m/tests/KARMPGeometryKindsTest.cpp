@@ -198,4 +198,17 @@ TYPED_TEST(GeometryKind, CopiesAsTold)
     KindTraits<TypeParam>::CheckCopy(*copy);
 }
 
+using CircleKind = GeometryKind<KARMPCircle>;
+
+TEST_F(CircleKind, ThatIsReadAgainHasItsAngleForItsParameter)
+{
+    kind->SetCircle({SomePoint, {1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, 1.0, 2.0, 0.5});
+    TestDeserializer root;
+    AddCoordinates(Plain(root));
+    EXPECT_EQ(kind->Deserialize(&root, entities), KARSuccess);
+    const KARMathCircle read = Get(*kind, &KARMPCircle::GetCircle);
+    EXPECT_EQ(read.GetScale(), 1.0);
+    EXPECT_EQ(read.GetShift(), 0.0);
+}
+
 } // namespace

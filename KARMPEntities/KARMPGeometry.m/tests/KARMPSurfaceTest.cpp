@@ -197,6 +197,18 @@ TEST_F(Surface, IsWrittenWithoutAStreamWhenTheVariableIsSet)
     }
 }
 
+TEST_F(Surface, IsNotLookedAtWhenTheVariableIsSet)
+{
+    leaveOutSurfaces.Set("");
+    TestSerializer null;
+    EXPECT_EQ(surface->Serialize(&null), KARSuccess);
+    auto* const answering = new AnsweringSurface;
+    const QOBSharedHandle<KARMPSurface> handle(answering);
+    answering->answersGet = KARFailure;
+    TestSerializer failing;
+    EXPECT_EQ(answering->Serialize(&failing), KARSuccess);
+}
+
 TEST_F(Surface, ComesBackWithAFailureAndAReport)
 {
     surface->SetSurface(moved);
