@@ -140,6 +140,24 @@ TEST_F(Shape, WritesAndReadsItsBodies)
     EXPECT_EQ(found, second);
 }
 
+/// A shape that takes no bodies.
+class RefusingShape : public KARMPShape
+{
+public:
+    KARStatus LinkToBody(const QOBSharedHandle<KARMPBody>&) override { return KARFailure; }
+};
+
+TEST_F(Shape, ReportsEachBodyThatItRefusesToRead)
+{
+    LinkAll();
+    TestSerializer root;
+    shape->Serialize(&root);
+    const Handle refusing(new RefusingShape);
+    EXPECT_EQ(refusing->Deserialize(TestDeserializer::From(root).get(), entities), KARSuccess);
+    ExpectReports(2);
+    EXPECT_EQ(refusing->GetLinkedBodyCount(), 0);
+}
+
 TEST_F(Shape, WritesNoBodiesThatItDoesNotHave)
 {
     TestSerializer root;
