@@ -216,4 +216,15 @@ TEST_F(PlanarJointTree, AFailedAdditionIsReportedAndWritingGoesOn)
     EXPECT_EQ(creations, 7u);
 }
 
+class PlanarJointTreeProcess : public PlanarJointTree
+{};
+
+TEST_F(PlanarJointTreeProcess, TheNamesOfBodiesAreWrittenAlsoWhereNamesAreLeftOut)
+{
+    TestSerializer root;
+    EXPECT_EQ(joint->Serialize(&root), KARSuccess);
+    EXPECT_EQ(root.Text(L"UserDefined2D/Bodies2D/Body2D@name"), L"a");
+    EXPECT_FALSE(root.Has(L"UserDefined2D/Constraints/Constraint@name"));
+}
+
 } // namespace

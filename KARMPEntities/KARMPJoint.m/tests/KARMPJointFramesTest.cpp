@@ -42,6 +42,48 @@ void ExpectNear(const KARMathAxis& left, const KARMathAxis& right)
     expectVectors(left.GetThirdDirection(), right.GetThirdDirection());
 }
 
+// A joint that is rigid whatever its loader says.
+class RigidJoint : public KARMPUserDefined
+{
+public:
+    KARStatus GetSolverEquivalentJointType(Type::Enum& type) const override
+    {
+        type = Type::Rigid;
+        return KARSuccess;
+    }
+};
+
+// A point that has its body and its coordinates elsewhere.
+class LendingPoint : public KARMPPoint
+{
+public:
+    KARStatus GetBody(QOBSharedHandle<KARMPBody>& given) const override
+    {
+        given = body;
+        return KARSuccess;
+    }
+    KARStatus GetPoint(KARMathPoint& given) const override
+    {
+        given = {8.0, 9.0, 10.0};
+        return KARSuccess;
+    }
+
+    QOBSharedHandle<KARMPBody> body;
+};
+
+// An axis system that has its coordinates elsewhere.
+class LendingAxisSystem : public KARMPAxisSystem
+{
+public:
+    KARStatus GetAxisSystem(KARMathAxis& given) const override
+    {
+        given = lent;
+        return KARSuccess;
+    }
+
+    KARMathAxis lent;
+};
+
 // A joint of two bodies in a world, with two constraints, and a loader that tells its kind.
 class JointFrames : public KARMPTestFixture
 {
@@ -181,6 +223,35 @@ TEST_F(JointFrames, GeometryOnOtherBodiesAndOnNoneIsPassedOver)
         const Frames frames = Compute(type, 0);
         EXPECT_EQ(frames, (Frames{PositionOf(*a), PositionOf(*b)}));
     }
+}
+
+TEST_F(JointFrames, GeometryIsAskedForItsBodyAndItsCoordinates)
+{
+    auto* const point = new LendingPoint;
+    const QOBSharedHandle<KARMPGeometry> handle(point);
+    point->body = b;
+    first->LinkToGeometry(handle);
+    const Frames atPoint = Compute(Type::Spherical, 0);
+    ASSERT_EQ(atPoint.size(), 2u);
+    EXPECT_EQ(atPoint[1].GetOrigin(), Turned(-4.0, 5.0, 6.0) * KARMathPoint(8.0, 9.0, 10.0));
+    auto* const axisSystem = new LendingAxisSystem;
+    const QOBSharedHandle<KARMPGeometry> other(axisSystem);
+    axisSystem->lent = Axis(7.0);
+    axisSystem->SetBody(b);
+    second->LinkToGeometry(other);
+    const Frames onAxes = Compute(Type::Revolute, 1);
+    ASSERT_EQ(onAxes.size(), 2u);
+    EXPECT_EQ(onAxes[1], Axis(7.0));
+}
+
+TEST_F(JointFrames, AJointIsAskedForItsKind)
+{
+    const QOBSharedHandle<KARMPJoint> rigid(new RigidJoint);
+    rigid->LinkToBody(a, KARMPBodyOrientation::Out);
+    basic->addLogicalChild(rigid);
+    Frames frames;
+    EXPECT_EQ(KARMPJointFramesServices::ComputeFrames(rigid.get(), frames, 0), KARSuccess);
+    EXPECT_EQ(frames, Frames{PositionOf(*a)});
 }
 
 TEST_F(JointFrames, BodyKindsTakeTheBodysPositionAndLookAtNoGeometry)

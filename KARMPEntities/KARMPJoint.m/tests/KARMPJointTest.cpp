@@ -43,6 +43,20 @@ private:
     static inline int s_alive = 0;
 };
 
+// A joint whose loader is another one than that attached to it.
+class LendingJoint : public KARMPRevolute
+{
+public:
+    using KARMPRevolute::GetLoader;
+    KARStatus GetLoader(KARIMPJointLoader*& loader) const override
+    {
+        loader = lent;
+        return KARSuccess;
+    }
+
+    KARIMPJointLoader* lent = nullptr;
+};
+
 class Joint : public KARMPTestFixture
 {
 protected:
@@ -288,6 +302,24 @@ TEST_F(Joint, TheTwoReadingsOfTheKindGoToTheLoader)
     EXPECT_EQ(type, Type::Screw);
     EXPECT_EQ(record.calls, (std::vector<std::string>{"ReadSolverEquivalentJointType",
                                                       "ReadSolverEquivalentJointType2"}));
+}
+
+TEST_F(Joint, TheLoaderThatAJointHandsOutIsTheOneThatIsAsked)
+{
+    RecordingJointLoader loader(record);
+    loader.frames.emplace_back();
+    auto* const lending = new LendingJoint;
+    const QOBSharedHandle<KARMPJoint> handle(lending);
+    lending->lent = &loader;
+    auto type = Type::Rigid;
+    EXPECT_EQ(lending->GetSolverEquivalentJointType(type), KARSuccess);
+    EXPECT_EQ(type, loader.type);
+    EXPECT_EQ(lending->GetSolverEquivalentJointType2(type), KARSuccess);
+    EXPECT_EQ(type, loader.type2);
+    EXPECT_EQ(lending->GetFrameCount(), 1);
+    std::vector<KARMathAxis> frames;
+    EXPECT_EQ(lending->GetFrames(frames, 0, 1), KARSuccess);
+    EXPECT_EQ(frames, loader.frames);
 }
 
 TEST_F(Joint, AStoredKindIsNotWhatTheGettersGive)
