@@ -149,6 +149,35 @@ TEST_F(CollisionInterLayer, GivesAllEntitiesOfTheLayerAtAnIndex)
     ExpectReports(0);
 }
 
+/// Gives one entity at every index.
+template <class T>
+class UniformOf : public ConcreteEntity<T>
+{
+public:
+    explicit UniformOf(QOBSharedHandle<KARMPEntity> entity) : m_entity(std::move(entity)) {}
+    KARStatus GetCollidable(int, QOBSharedHandle<KARMPEntity>& collidable) const override
+    {
+        collidable = m_entity;
+        return KARSuccess;
+    }
+
+private:
+    QOBSharedHandle<KARMPEntity> m_entity;
+};
+
+TEST_F(CollisionInterLayer, GivesWhatTheGettersOfSubclassesGive)
+{
+    const Layer uniform(new UniformOf<KARMPCollisionLayer>(third));
+    uniform->AddCollidable(first);
+    uniform->AddCollidable(second);
+    const QOBSharedHandle<KARMPCollisionInterLayer> relation(
+        new UniformOf<KARMPCollisionInterLayer>(uniform));
+    relation->AddCollidable(near);
+    QOBSharedVector<KARMPEntity> all;
+    EXPECT_EQ(relation->GetEntities(0, all), KARSuccess);
+    EXPECT_EQ(all, (QOBSharedVector<KARMPEntity>{third, third}));
+}
+
 TEST_F(CollisionInterLayer, HasNoEntitiesOfWhatIsNoLayer)
 {
     interaction->AddCollidable(near);

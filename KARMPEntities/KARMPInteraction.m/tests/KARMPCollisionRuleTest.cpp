@@ -188,6 +188,40 @@ TEST_F(CollisionRule, TakesABodyOut)
     ExpectReports(1);
 }
 
+/// Notes which operations on its list are called.
+class NotingRule : public ConcreteEntity<KARMPCollisionRule>
+{
+public:
+    KARStatus AddCollidable(const QOBSharedHandle<KARMPEntity>& collidable) override
+    {
+        calls.emplace_back("Add");
+        return KARMPCollisionRule::AddCollidable(collidable);
+    }
+    KARStatus GetCollidable(int index, QOBSharedHandle<KARMPEntity>& collidable) const override
+    {
+        calls.push_back("Get " + std::to_string(index));
+        return KARMPCollisionRule::GetCollidable(index, collidable);
+    }
+    KARStatus RemoveCollidable(const QOBSharedHandle<KARMPEntity>& collidable) override
+    {
+        calls.emplace_back("Remove");
+        return KARMPCollisionRule::RemoveCollidable(collidable);
+    }
+    mutable std::vector<std::string> calls;
+};
+
+TEST_F(CollisionRule, ReachesItsBodiesThroughTheOperationsOfASubclass)
+{
+    const QOBSharedHandle<NotingRule> rule(new NotingRule);
+    rule->SetFirstBody(first);
+    rule->SetSecondBody(second);
+    Body found;
+    rule->GetFirstBody(found);
+    rule->GetSecondBody(found);
+    rule->RemoveBody(first);
+    EXPECT_EQ(rule->calls, (std::vector<std::string>{"Add", "Add", "Get 0", "Get 1", "Remove"}));
+}
+
 TEST_F(CollisionRule, StoresWhateverItIsGiven)
 {
     Fill(*interaction);

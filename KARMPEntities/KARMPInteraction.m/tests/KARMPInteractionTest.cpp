@@ -134,6 +134,29 @@ TEST_F(Interaction, AppendsTheCollidableToTheEntitiesOfAnIndex)
     EXPECT_EQ(all, (QOBSharedVector<KARMPEntity>{third, second}));
 }
 
+/// Gives another entity than it lists.
+class SubstitutingInteraction : public ConcreteEntity<KARMPInteraction>
+{
+public:
+    KARStatus GetCollidable(int, QOBSharedHandle<KARMPEntity>& collidable) const override
+    {
+        collidable = substitute;
+        return substitute ? KARSuccess : KARFailure;
+    }
+    QOBSharedHandle<KARMPEntity> substitute;
+};
+
+TEST_F(Interaction, AppendsWhatTheGetterOfASubclassGives)
+{
+    const QOBSharedHandle<SubstitutingInteraction> substituting(new SubstitutingInteraction);
+    substituting->AddCollidable(first);
+    QOBSharedVector<KARMPEntity> all;
+    EXPECT_EQ(substituting->GetEntities(0, all), KARFailure);
+    substituting->substitute = second;
+    EXPECT_EQ(substituting->GetEntities(0, all), KARSuccess);
+    EXPECT_EQ(all, QOBSharedVector<KARMPEntity>{second});
+}
+
 TEST_F(Interaction, StoresAnyRuleType)
 {
     const auto unknown = static_cast<KARMPCollisionRuleType::Enum>(7);
