@@ -37,6 +37,8 @@ template <class Interface = KARIMPConstraintLoader>
 class RecordingConstraintLoader : public RecordingLoader<Interface>
 {
 public:
+    using LoaderInterface = Interface;
+
     explicit RecordingConstraintLoader(ConstraintLoaderRecord& record)
         : RecordingLoader<Interface>(record), m_own(record)
     {}

@@ -24,6 +24,29 @@ public:
     KARStatus GetLoader(KARIMPEntityLoader*&) const override { return KARFailure; }
 };
 
+/// A constraint that gives a loader without having been given one.
+template <class Constraint, class Loader>
+class WithOwnLoader : public Constraint
+{
+public:
+    using Constraint::GetLoader;
+
+    static QOBSharedHandle<Constraint> create(Loader& loader)
+    {
+        return QOBSharedHandle<Constraint>(new WithOwnLoader(loader));
+    }
+    KARStatus GetLoader(Loader*& loader) const override
+    {
+        loader = &m_loader;
+        return KARSuccess;
+    }
+
+private:
+    explicit WithOwnLoader(Loader& loader) : m_loader(loader) {}
+
+    Loader& m_loader;
+};
+
 /// A constraint that counts how many of its class are alive.
 template <class Constraint>
 class Counted : public Constraint

@@ -1,5 +1,6 @@
 #include "KARMPConstraint.h"
 
+#include "ConcreteEntity.h"
 #include "ConstraintTesting.h"
 #include "KARMPDisplacementSensor.h"
 #include "KARMPJointKinds.h"
@@ -23,7 +24,7 @@ public:
     KARStatus RemoveConstraint(const QOBSharedHandle<KARMPConstraint>&) override
     {
         ++asked;
-        return KARFailure;
+        return KARUnexpected;
     }
 
     int asked = 0;
@@ -302,6 +303,20 @@ TEST_F(Constraint, PassesTheLoadersAnswersOn)
     EXPECT_EQ(constraint->CurrentOptions(options), KAROutOfMemory);
 }
 
+TEST_F(Constraint, AsksTheLoaderThatItsSubclassGives)
+{
+    ConstraintLoaderRecord record;
+    RecordingConstraintLoader<> loader(record);
+    const auto own = WithOwnLoader<KARMPConcentricity, KARIMPConstraintLoader>::create(loader);
+    double number = 0.0;
+    KARMPOptionsOrientation options;
+    EXPECT_TRUE(own->IsSatisfied());
+    EXPECT_TRUE(own->IsSatisfied(number));
+    EXPECT_EQ(own->CurrentValue(number), KARSuccess);
+    EXPECT_EQ(own->CurrentValue(0, number, number), KARSuccess);
+    EXPECT_EQ(own->CurrentOptions(options), KARSuccess);
+}
+
 TEST_F(Constraint, AsksAfreshEachTime)
 {
     ConstraintLoaderRecord record;
@@ -449,6 +464,13 @@ TEST_F(Constraint, StopsAtASensorThatRefuses)
     EXPECT_EQ(next->asked, 0);
     EXPECT_EQ(variable->GetLinkedConstraintCount(), 0);
     EXPECT_EQ(constraint->GetLinkedSensorCount(), 0);
+}
+
+TEST_F(Constraint, TellsTheStatusOfASensorThatRefuses)
+{
+    const auto refused = ConcreteEntity<KARMPConcentricity>::create(L"refused");
+    refused->LinkToSensor(QOBSharedHandle<KARMPSensor>(new StubbornSensor));
+    EXPECT_EQ(refused->RemoveParent(), KARUnexpected);
 }
 
 TEST_F(Constraint, OnesLinkedInCirclesAreGoneAfterTheyWereOrphaned)

@@ -38,6 +38,19 @@ public:
     KARStatus Serialize(KARMPSerializer*) const override { return KARFailure; }
 };
 
+/// A constraint that counts the parameters that are added.
+class Counting : public KARMPConcentricity
+{
+public:
+    KARStatus AddConstraintParameter(KARMPConstraintParameter* parameter) override
+    {
+        ++added;
+        return KARMPConcentricity::AddConstraintParameter(parameter);
+    }
+
+    int added = 0;
+};
+
 /// A constraint that refuses its links.
 class Refusing : public KARMPConcentricity
 {
@@ -234,6 +247,17 @@ TEST_F(ConstraintTree, NullAndBrokenParametersAreReportedAndPassedOver)
     EXPECT_EQ(root.Count(L"Concentricity/ConstraintParameters/ConstraintParameter"), 1U);
 }
 
+TEST_F(ConstraintTree, SubclassIsGivenEachParameterThatIsRead)
+{
+    AddParameter(*constraint, 10, true);
+    AddParameter(*constraint, 20, true);
+    auto* counting = new Counting;
+    const QOBSharedHandle<KARMPConstraint> copy(counting);
+    EXPECT_EQ(CopyThroughTree(constraint, copy, entities), KARSuccess);
+    EXPECT_EQ(counting->added, 2);
+    EXPECT_EQ(copy->GetConstraintParameterCount(), 2);
+}
+
 TEST_F(ConstraintTree, ParameterIsAddedWhateverItsElementLacks)
 {
     TestDeserializer root;
@@ -340,6 +364,13 @@ TEST_F(ConstraintTree, NullArgumentsAreReportedAndFail)
     EXPECT_EQ(serialize(), KARFailure);
     ExpectReports(1);
     EXPECT_EQ(deserialize(), KARFailure);
+    ExpectReports(1);
+}
+
+TEST_F(ConstraintTree, TriesNoParametersAfterTheEntityFailed)
+{
+    AddParameter(*constraint, 1, true);
+    EXPECT_EQ(constraint->KARMPConstraint::Serialize(nullptr), KARFailure);
     ExpectReports(1);
 }
 

@@ -265,6 +265,17 @@ TYPED_TEST(PushedOption, IsToldToTheLoaderWhoseAnswerIsTheResult)
     EXPECT_EQ(value, static_cast<Value>(1));
 }
 
+TYPED_TEST(PushedOption, IsToldToTheLoaderThatASubclassGives)
+{
+    using Loader = typename TypeParam::Loader;
+    Loader loader(this->record);
+    const auto own =
+        WithOwnLoader<typename TypeParam::Constraint, typename Loader::LoaderInterface>::create(
+            loader);
+    EXPECT_EQ(TypeParam::Set(*own, static_cast<typename TypeParam::Value>(2)), KARSuccess);
+    EXPECT_EQ(this->record.calls, std::vector<std::string>{this->CallOf(2)});
+}
+
 TYPED_TEST(PushedOption, ChangesWithoutALoader)
 {
     using Value = typename TypeParam::Value;
@@ -388,6 +399,22 @@ TEST_F(GeometricConstraint, LoaderFillsTheParametersOfACoincidenceAndATangency)
         Unfetchable<KARMPTangency>::create()->GetSolverConstraintParameters(parameters.data()),
         KARFailure);
     ExpectReports(2);
+}
+
+template <class Class, class Loader>
+void AskSubclassForParameters(ConstraintLoaderRecord& record)
+{
+    Loader loader(record);
+    const auto own = WithOwnLoader<Class, typename Loader::LoaderInterface>::create(loader);
+    std::array<double, 2> parameters{};
+    EXPECT_EQ(own->GetSolverConstraintParameters(parameters.data()), KARSuccess);
+    EXPECT_EQ(parameters, (std::array{1.5, 2.5}));
+}
+
+TEST_F(GeometricConstraint, LoaderThatASubclassGivesFillsTheParameters)
+{
+    AskSubclassForParameters<KARMPCoincidence, RecordingCoincidenceLoader>(record);
+    AskSubclassForParameters<KARMPTangency, RecordingTangencyLoader>(record);
 }
 
 TEST_F(GeometricConstraint, OperationsWithoutACallerHaveBodies)
