@@ -18,6 +18,25 @@ using Quantity = KARMPPhysicalQuantity;
 using Target = KARMPMotorTargetType;
 using Value = QOBSharedHandle<KARMPValue>;
 
+/// A motor that gives a loader without having been given one, or fails to.
+class OwnLoaderMotor : public KARMPMotor
+{
+public:
+    explicit OwnLoaderMotor(KARIMPMotorLoader& loader) : m_loader(loader) {}
+
+    KARStatus answer = KARSuccess;
+
+    using KARMPMotor::GetLoader;
+    KARStatus GetLoader(KARIMPMotorLoader*& loader) const override
+    {
+        loader = &m_loader;
+        return answer;
+    }
+
+private:
+    KARIMPMotorLoader& m_loader;
+};
+
 /// The operations of one of a motor's values.
 struct ValueOperations
 {
@@ -518,6 +537,21 @@ TEST_F(Motor, ReportsLoadersThatFailAtActivation)
     ExpectReports(2);
     EXPECT_EQ(motor->Activate(), KARFailure);
     ExpectReports(2);
+}
+
+TEST_F(Motor, AsksItsSubclassForTheLoaderAtActivation)
+{
+    RecordingMotorLoader loader(record);
+    auto* own = new OwnLoaderMotor(loader);
+    const QOBSharedHandle<KARMPMotor> held(own);
+    EXPECT_EQ(own->Deactivate(), KARSuccess);
+    EXPECT_EQ(record.calls, std::vector<std::string>{"OnDeactivate"});
+    EXPECT_EQ(own->Activate(), KARSuccess);
+    own->answer = KARUnexpected;
+    EXPECT_EQ(own->Deactivate(), KARFailure);
+    ExpectReports(1);
+    EXPECT_EQ(own->Activate(), KARFailure);
+    ExpectReports(1);
 }
 
 TEST_F(Motor, CopiesItsTargetTypeAlone)

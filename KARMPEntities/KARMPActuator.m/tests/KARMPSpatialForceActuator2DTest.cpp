@@ -15,6 +15,13 @@ namespace {
 using Calls = std::vector<std::string>;
 using Value = QOBSharedHandle<KARMPValue>;
 
+/// A planar force that cannot tell whether it is in a world.
+class LostPlanarForce : public KARMPSpatialForceActuator2D
+{
+public:
+    KARStatus IsInWorld(bool&) const override { return KARUnexpected; }
+};
+
 /// A planar force in a world, with a loader.
 class PlanarForceActuator : public KARMPTestFixture
 {
@@ -64,6 +71,15 @@ TEST_F(PlanarForceActuator, MakesConstantsOfAVector)
     KARMPPhysicalQuantity::Enum quantity = {};
     own[0]->GetPhysicalQuantity(quantity);
     EXPECT_EQ(quantity, KARMPPhysicalQuantity::Force);
+}
+
+TEST_F(PlanarForceActuator, ReportsEachConstantThatIsNotMadeWhole)
+{
+    const QOBSharedHandle<KARMPSpatialForceActuator2D> lost(new LostPlanarForce);
+    EXPECT_EQ(lost->SetForce(KARMathVector2D(1.0, 2.0)), KARSuccess);
+    ExpectReports(4); // the search of the world and the actuator, of each component
+    EXPECT_EQ(lost->SetTorque(4.5), KARSuccess);
+    ExpectReports(2);
 }
 
 TEST_F(PlanarForceActuator, ReusesTheConstantOfItsTorque)

@@ -34,6 +34,13 @@ QOBSharedHandle<T> Identified(const wchar_t* identifier)
     return entity;
 }
 
+/// A force that cannot tell whether it is in a world.
+class LostForce : public KARMPSpatialForceActuator
+{
+public:
+    KARStatus IsInWorld(bool&) const override { return KARUnexpected; }
+};
+
 /// A force on a body, with a loader, in a world, and a body that is turned by a quarter about z.
 class SpatialForceActuator : public KARMPTestFixture
 {
@@ -109,6 +116,18 @@ TEST_F(SpatialForceActuator, MakesConstantsOfAVectorInItsWorld)
     EXPECT_EQ(quantity, Quantity::Force);
     loader->torque[2]->GetPhysicalQuantity(quantity);
     EXPECT_EQ(quantity, Quantity::Torque);
+}
+
+TEST_F(SpatialForceActuator, ReportsEachConstantThatIsNotMadeWhole)
+{
+    const QOBSharedHandle<KARMPSpatialForceActuator> lost(new LostForce);
+    EXPECT_EQ(lost->SetForce(KARMathVector(1.0, 2.0, 3.0)), KARSuccess);
+    ExpectReports(6); // the search of the world and the actuator, of each component
+    EXPECT_EQ(lost->SetTorque(KARMathVector(4.0, 5.0, 6.0)), KARSuccess);
+    ExpectReports(6);
+    KARMathVector force;
+    EXPECT_EQ(lost->GetForce(force), KARSuccess);
+    EXPECT_EQ(force, KARMathVector(1.0, 2.0, 3.0));
 }
 
 TEST_F(SpatialForceActuator, StoresValuesAsTheyAreWithoutABody)
@@ -420,6 +439,29 @@ TEST_F(SpatialForceActuator, ComesBackFromADocument)
         told->torque = {};
         told->body = nullptr;
     }
+}
+
+TEST_F(SpatialForceActuator, ReadsValuesAndPointAsTheyAreAlthoughItHasABody)
+{
+    actuator->SetForce(values, Body());
+    actuator->SetTorque({values[2], values[1], values[0]}, Body());
+    actuator->SetApplicationPoint({4.0, 5.0, 6.0}, Body());
+    TestSerializer root;
+    actuator->Serialize(&root);
+    const auto read = KARMPSpatialForceActuator::create(L"");
+    auto* told = new RecordingSpatialForceActuatorLoader(record);
+    read->SetLoader(told);
+    read->SetBody(body);
+    body->SetPosition(Quarter(), 0);
+    record.calls.clear();
+    EXPECT_EQ(read->Deserialize(TestDeserializer::From(root).get(), entities), KARSuccess);
+    EXPECT_EQ(record.calls, (Calls{"SetForce", "SetTorque", "SetApplicationPoint"}));
+    EXPECT_EQ(told->force, values);
+    EXPECT_EQ(told->torque, (Components{values[2], values[1], values[0]}));
+    EXPECT_EQ(told->point, KARMathPoint(4.0, 5.0, 6.0));
+    told->force = {};
+    told->torque = {};
+    told->body = nullptr;
 }
 
 TEST_F(SpatialForceActuator, ReportsALoaderThatRefusesWhatIsRead)
