@@ -161,8 +161,10 @@ TEST_F(ConstraintSensor, WritesNoResult)
 
 TEST_F(ConstraintSensor, CopiesItsStatusWithoutItsLists)
 {
-    sensor->SetRedundancyStatus(Status::Redundant, {first}, {second});
-    ExpectResult(*sensor->copy(), Status::Redundant, {}, {});
+    for (const Status status : {Status::Redundant, Status::Inconsistent}) {
+        sensor->SetRedundancyStatus(status, {first}, {second});
+        ExpectResult(*sensor->copy(), status, {}, {});
+    }
 }
 
 } // namespace
