@@ -1,4 +1,5 @@
 #include "KARMPVariableHelper.h"
+#include "AllocationCounter.h"
 #include "KARMPTestFixture.h"
 #include "KARMPVariable.h"
 #include "KARWBFactory.h"
@@ -71,6 +72,20 @@ TEST_F(VariableHelper, RefusesNulls)
     EXPECT_EQ(KARMPVariableHelper::CreateWBVariable(variable, nullptr, made), KARFailure);
     EXPECT_EQ(made, nullptr);
     ExpectReports(1);
+}
+
+TEST_F(VariableHelper, IdentifierThatCannotBeHadFails)
+{
+    if (!AllocationCounter::Counts)
+        GTEST_SKIP() << "allocations cannot fail in this build";
+    variable->SetIdentifier(L"an identifier that takes memory of its own");
+    made = factory.CreateVariable();
+    AllocationCounter allocations;
+    allocations.FailAllocation(1);
+    EXPECT_EQ(KARMPVariableHelper::CreateWBVariable(variable, &factory, made), KARFailure);
+    EXPECT_EQ(made, nullptr);
+    ExpectReports(2); // by the variable and by the helper
+    EXPECT_EQ(factory.GetNbOfVariables(), 1);
 }
 
 TEST_F(VariableHelper, IdentifierThatTheLocaleLacksFails)

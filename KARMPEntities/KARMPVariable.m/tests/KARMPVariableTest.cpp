@@ -39,6 +39,41 @@ public:
     }
 };
 
+// A loader that looks at its variable when it is told of a number.
+class LookingLoader : public RecordingVariableLoader
+{
+public:
+    LookingLoader(LoaderRecord& record, const KARMPVariable& variable, std::vector<double>& seen)
+        : RecordingVariableLoader(record), m_variable(variable), m_seen(seen)
+    {}
+    KARStatus SetValue(double) override
+    {
+        return Look(&KARMPVariable::HasValue, &KARMPVariable::GetValue);
+    }
+    KARStatus SetMinValue(double) override
+    {
+        return Look(&KARMPVariable::HasMinValue, &KARMPVariable::GetMinValue);
+    }
+    KARStatus SetMaxValue(double) override
+    {
+        return Look(&KARMPVariable::HasMaxValue, &KARMPVariable::GetMaxValue);
+    }
+
+private:
+    KARStatus Look(bool (KARMPVariable::*has)() const,
+                   KARStatus (KARMPVariable::*get)(double& number) const)
+    {
+        double number = 0.0;
+        (m_variable.*get)(number);
+        if ((m_variable.*has)())
+            m_seen.push_back(number);
+        return KARSuccess;
+    }
+
+    const KARMPVariable& m_variable;
+    std::vector<double>& m_seen;
+};
+
 class OpenVariable : public KARMPVariable
 {
 public:
@@ -150,6 +185,17 @@ TEST_F(Variable, PassesChangesOnToItsLoaderWhoseAnswerIsTheResult)
     EXPECT_EQ(Value(), 1.5);
     variable.detach();
     EXPECT_EQ(record.deleted, 1);
+}
+
+TEST_F(Variable, HasNumberAndFlagWhenItsLoaderIsTold)
+{
+    std::vector<double> seen;
+    variable->SetLoader(new LookingLoader(record, *variable, seen));
+    variable->SetValue(1.5);
+    variable->SetMinValue(-2.0);
+    variable->SetMaxValue(3.0);
+    EXPECT_EQ(seen, (std::vector<double>{1.5, -2.0, 3.0}));
+    variable.detach();
 }
 
 TEST_F(Variable, DoesNotTellItsLoaderOfRestitutionsQuantityTypeOrResults)
@@ -268,6 +314,15 @@ TEST_F(VariableNotification, ResultOfAControlledVariableIsToldForItsConstraintsT
     EXPECT_EQ(ofSecond, 1);
     variable->SetValue(4.0);
     EXPECT_EQ(ofVariable, 3);
+}
+
+TEST_F(VariableNotification, ResultIsThereWhenSubscribersAreTold)
+{
+    std::vector<double> heard;
+    const QOBNotificationFunctor functor(*listener, [&](auto, auto) { heard.push_back(Value()); });
+    variable->addSubscriber(functor, QOBNotificationAgent::Events().set());
+    variable->UpdateValue(5.0);
+    EXPECT_EQ(heard, std::vector<double>{5.0});
 }
 
 TEST_F(VariableNotification, LinkThatCannotBeHadIsReportedAndTheNextOneTold)
