@@ -53,6 +53,23 @@ private:
     KARStatus m_isInWorld;
 };
 
+/// Notes the number that a constant has at each report.
+class NumberNoter : private KARMPFailedCheckListener
+{
+public:
+    explicit NumberNoter(const Value& value) : m_value(value) {}
+    std::vector<double> numbers;
+
+private:
+    void OnFailedCheck(const char*, int) override
+    {
+        numbers.emplace_back();
+        QOBSharedHandle<KARMPConstant>(m_value)->GetValue(numbers.back());
+    }
+
+    const Value& m_value;
+};
+
 /// A world with an entity in it and one outside.
 class EntityServices : public KARMPTestFixture
 {
@@ -135,6 +152,7 @@ TEST_F(EntityServices, MakeAConstantInTheWorldOfTheHolder)
     EXPECT_EQ(value->getEntityName(), L"Constant");
     EXPECT_EQ(NumberOf(value), 4.5);
     EXPECT_EQ(QuantityOf(value), Quantity::Torque);
+    EXPECT_TRUE(QOBSharedHandle<KARMPConstant>(value)->IsDouble());
     ASSERT_EQ(world->Count<KARMPValue>(), 1);
     Value listed;
     world->Get(0, listed);
@@ -162,6 +180,15 @@ TEST_F(EntityServices, KeepAConstantWhoseQuantityIsRefused)
     ExpectReports(2);
     EXPECT_EQ(NumberOf(value), 4.5);
     EXPECT_EQ(world->Count<KARMPValue>(), 1);
+}
+
+TEST_F(EntityServices, GiveAConstantItsQuantityBeforeItsNumber)
+{
+    Value value;
+    NumberNoter noter(value);
+    karmp::MakeConstant(nullptr, 4.5, Quantity::NoPhysicalQuantity, value);
+    EXPECT_EQ(noter.numbers, (std::vector<double>{0.0, 0.0}));
+    EXPECT_EQ(NumberOf(value), 4.5);
 }
 
 TEST_F(EntityServices, KeepAConstantWhoseWorldIsNotFound)
