@@ -64,6 +64,53 @@ public:
     KARStatus SetValue(KARWBEquation*) override { return KARFailure; }
 };
 
+// An expression that gives another equation than it holds, and a part of its mapping.
+class LendingExpression : public KARMPExpression
+{
+public:
+    KARStatus GetValue(KARWBEquation*& equation) const override
+    {
+        equation = lent;
+        return lent != nullptr ? KARSuccess : KARFailure;
+    }
+    KARStatus GetVariableMapping(Mapping& mapping) const override
+    {
+        KARMPExpression::GetVariableMapping(mapping);
+        return KARUnchanged;
+    }
+
+    KARWBEquation* lent = nullptr;
+};
+
+// An expression that notes what it is given.
+class NotingExpression : public KARMPExpression
+{
+public:
+    KARStatus SetValue(KARWBEquation* equation) override
+    {
+        given.emplace_back("equation");
+        return KARMPExpression::SetValue(equation);
+    }
+    KARStatus LinkToVariable(const QOBSharedHandle<KARMPVariable>& variable) override
+    {
+        given.emplace_back("variable");
+        return KARMPExpression::LinkToVariable(variable);
+    }
+
+    std::vector<std::string> given;
+};
+
+// An expression that fails to tell that it is in a world.
+class LostExpression : public KARMPExpression
+{
+public:
+    KARStatus IsInWorld(bool& inWorld) const override
+    {
+        inWorld = true;
+        return KARUnexpected;
+    }
+};
+
 class Expression : public KARMPTestFixture
 {
 protected:
@@ -254,6 +301,40 @@ TEST_F(Expression, ComesBackWithEquationVariablesAndMapping)
     }
 }
 
+TEST_F(Expression, IsWrittenWithTheEquationThatASubclassGives)
+{
+    const QOBSharedHandle<LendingExpression> lending(new LendingExpression);
+    lending->lent = Parse(L"x0");
+    TestSerializer root;
+    EXPECT_EQ(lending->Serialize(&root), KARSuccess);
+    EXPECT_EQ(root.Text(L"Expression/Value"), L"x0");
+
+    lending->SetValue(lending->lent);
+    lending->lent = nullptr;
+    TestSerializer without;
+    EXPECT_EQ(lending->Serialize(&without), KARSuccess);
+    EXPECT_FALSE(without.Has(L"Expression/Value"));
+}
+
+TEST_F(Expression, MappingIsWrittenOnlyWhereItsGetterGivesZero)
+{
+    const QOBSharedHandle<LendingExpression> lending(new LendingExpression);
+    lending->LinkToVariable(variables[0]);
+    TestSerializer root;
+    EXPECT_EQ(lending->Serialize(&root), KARSuccess);
+    EXPECT_TRUE(root.Has(L"Expression/Variables"));
+    EXPECT_FALSE(root.Has(L"Expression/VariableMapping"));
+}
+
+TEST_F(Expression, EquationIsReadBeforeTheVariables)
+{
+    Element().Leaf(L"Value", L"x0").Add(L"Variables").Reference(L"Variable", L"x0");
+    const QOBSharedHandle<NotingExpression> noting(new NotingExpression);
+    basicWorld->addLogicalChild(noting);
+    EXPECT_EQ(noting->Deserialize(&document, entities), KARSuccess);
+    EXPECT_EQ(noting->given, (std::vector<std::string>{"equation", "variable"}));
+}
+
 TEST_F(Expression, EquationThatIsReadSpeaksOfTheVariablesByTheirIdentifiers)
 {
     Element().Leaf(L"Value", L"x0 * 2");
@@ -338,6 +419,30 @@ TEST_F(Expression, OutsideAWorldCannotReadItsEquationButTheRest)
     KARWBEquation* equation = nullptr;
     EXPECT_EQ(outside->GetValue(equation), KARFailure);
     EXPECT_EQ(outside->GetLinkedVariableCount(), 1);
+}
+
+TEST_F(Expression, ThatFailsToTellThatItIsInAWorldReadsNoEquation)
+{
+    Element().Leaf(L"Value", L"x0").Add(L"Variables").Reference(L"Variable", L"x0");
+    const QOBSharedHandle<KARMPExpression> lost(new LostExpression);
+    basicWorld->addLogicalChild(lost);
+    EXPECT_EQ(lost->Deserialize(&document, entities), KARSuccess);
+    ExpectReports(1);
+    KARWBEquation* equation = nullptr;
+    EXPECT_EQ(lost->GetValue(equation), KARFailure);
+    EXPECT_EQ(lost->GetLinkedVariableCount(), 1);
+}
+
+TEST_F(Expression, ValueWithoutATextIsReportedAndTheRestRead)
+{
+    TestDeserializer& element = Element();
+    element.Add(L"Value");
+    element.Add(L"Variables").Reference(L"Variable", L"x0");
+    EXPECT_EQ(copy->Deserialize(&document, entities), KARSuccess);
+    ExpectReports(3); // two of them by the reading of the value itself
+    KARWBEquation* equation = nullptr;
+    EXPECT_EQ(copy->GetValue(equation), KARFailure);
+    EXPECT_EQ(copy->GetLinkedVariableCount(), 1);
 }
 
 TEST_F(Expression, UnderABasicWorldWithoutItsExtensionReportsTwice)

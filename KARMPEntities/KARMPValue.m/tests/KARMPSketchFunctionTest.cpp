@@ -54,6 +54,26 @@ public:
     int offered = 0;
 };
 
+// A function that gives another axis than it is set to, takes none, and hides its last curve.
+class ReservedFunction : public KARMPSketchFunction
+{
+public:
+    KARStatus GetReferenceAxis(KARMathPoint& origin, KARMathVector& direction,
+                               KARMathVector& normal) const override
+    {
+        origin = {1, 2, 3};
+        direction = {4, 5, 6};
+        normal = {7, 8, 9};
+        return KARSuccess;
+    }
+    KARStatus SetReferenceAxis(const KARMathPoint&, const KARMathVector&,
+                               const KARMathVector&) override
+    {
+        return KARFailure;
+    }
+    int GetCurveCount() const override { return KARMPSketchFunction::GetCurveCount() - 1; }
+};
+
 Curve CurveOf(const KARMPSketchFunction& function, int index)
 {
     Curve result;
@@ -214,6 +234,34 @@ TEST_F(SketchFunction, WritesTheAxisWithTwoElementsOfOneName)
     EXPECT_EQ(axis->Number(L"Direction/y"), 5.0);
     EXPECT_EQ(axis->Number(L"Direction[1]/Nx"), 7.0);
     EXPECT_EQ(axis->Number(L"Direction[1]/Nz"), 9.0);
+}
+
+TEST_F(SketchFunction, WritesTheAxisAndTheCurvesThatASubclassGives)
+{
+    const QOBSharedHandle<KARMPSketchFunction> reserved(new ReservedFunction);
+    reserved->AddCurve(line, KARMPCurveOrientation::Negative, &lineLimits);
+    TestSerializer none;
+    EXPECT_EQ(reserved->Serialize(&none), KARSuccess);
+    EXPECT_FALSE(none.Has(L"SketchFunction/CurveSegments"));
+    EXPECT_EQ(none.Number(L"SketchFunction/ReferenceAxis/Origin/Oy"), 2.0);
+    EXPECT_EQ(none.Number(L"SketchFunction/ReferenceAxis/Direction/y"), 5.0);
+    EXPECT_EQ(none.Number(L"SketchFunction/ReferenceAxis/Direction[1]/Ny"), 8.0);
+
+    reserved->AddCurve(arc, KARMPCurveOrientation::Positive, &arcLimits);
+    TestSerializer one;
+    EXPECT_EQ(reserved->Serialize(&one), KARSuccess);
+    EXPECT_EQ(one.Count(L"SketchFunction/CurveSegments/CurveSegment"), 1U);
+}
+
+TEST_F(SketchFunction, AxisThatItRefusesIsReportedAndTheCurvesRead)
+{
+    AddTwoCurves();
+    TestSerializer root;
+    function->Serialize(&root);
+    const QOBSharedHandle<KARMPSketchFunction> reserved(new ReservedFunction);
+    EXPECT_EQ(reserved->Deserialize(TestDeserializer::From(root).get(), entities), KARSuccess);
+    ExpectReports(1);
+    EXPECT_EQ(reserved->KARMPSketchFunction::GetCurveCount(), 2);
 }
 
 TEST_F(SketchFunction, ComesBackWithAxisAndCurves)

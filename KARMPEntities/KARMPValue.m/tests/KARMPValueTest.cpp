@@ -14,6 +14,19 @@
 
 namespace {
 
+// A constant that tells another quantity than it stores.
+class MeasuringConstant : public KARMPConstant
+{
+public:
+    KARStatus GetPhysicalQuantity(KARMPPhysicalQuantity::Enum& quantity) const override
+    {
+        quantity = told;
+        return told != KARMPPhysicalQuantity::NoPhysicalQuantity ? KARSuccess : KARFailure;
+    }
+
+    KARMPPhysicalQuantity::Enum told = KARMPPhysicalQuantity::NoPhysicalQuantity;
+};
+
 class Value : public KARMPTestFixture
 {
 protected:
@@ -158,6 +171,21 @@ TEST_F(Value, WithoutAQuantityIsWrittenWithoutTheElement)
     EXPECT_EQ(root.Find(L"Constant")->GetElementCount(), 1U);
     EXPECT_EQ(root.Number(L"Constant/Value"), 2.5);
     EXPECT_EQ(constant->KARMPValue::Serialize(&root), KARUnchanged);
+}
+
+TEST_F(Value, IsWrittenWithTheQuantityThatASubclassTells)
+{
+    const QOBSharedHandle<MeasuringConstant> measuring(new MeasuringConstant);
+    measuring->told = KARMPPhysicalQuantity::Mass;
+    TestSerializer root;
+    EXPECT_EQ(measuring->KARMPValue::Serialize(&root), KARSuccess);
+    EXPECT_EQ(root.Text(L"PhysicalQuantity"), L"Mass");
+
+    measuring->SetPhysicalQuantity(KARMPPhysicalQuantity::Time);
+    measuring->told = KARMPPhysicalQuantity::NoPhysicalQuantity;
+    TestSerializer without;
+    EXPECT_EQ(measuring->KARMPValue::Serialize(&without), KARUnchanged);
+    EXPECT_FALSE(without.Has(L"PhysicalQuantity"));
 }
 
 TEST_F(Value, QuantityIsANumberBelowItsVersionAndAWordFromItOn)
