@@ -1,8 +1,12 @@
 #include "KARMPObserver.h"
 
+#include "AllocationCounter.h"
 #include "QOBException.h"
 #include "TestEntity.h"
 #include "WorldTesting.h"
+
+#include <algorithm>
+#include <new>
 
 namespace {
 
@@ -81,6 +85,37 @@ TEST_F(Observer, WatchesEveryFamily)
         entity->NotifyUpdate();
     EXPECT_EQ(moved(), 1U);
     EXPECT_EQ(modified(), 18U);
+}
+
+// A subscription that runs out of memory leaves the families in front of it subscribed.
+TEST_F(Observer, SubscribesTheFamiliesInTheirOrder)
+{
+    if (!AllocationCounter::Counts)
+        GTEST_SKIP() << "allocations cannot fail in this build";
+    std::size_t failures = 0;
+    for (bool isDone = false; !isDone;) {
+        world->EmptyWorld();
+        std::vector<QOBSharedHandle<KARMPEntity>> entities;
+        karmp::Families::ForEach([&](auto family) {
+            using T = typename decltype(family)::Type;
+            const auto entity = TestOf<T>::create(L"entity");
+            world->Add(entity);
+            entities.push_back(entity);
+        });
+        const auto watcher = KARMPObserver::create();
+        try {
+            AllocationCounter allocations;
+            allocations.FailAllocation(failures + 1);
+            watcher->Subscribe(world);
+            isDone = true;
+        } catch (const std::bad_alloc&) {
+            ++failures;
+        }
+        EXPECT_TRUE(std::is_partitioned(entities.begin(), entities.end(), [](const auto& entity) {
+            return entity->getSubscriberCount() > 0;
+        })) << failures;
+    }
+    EXPECT_GE(failures, 19U);
 }
 
 TEST_F(Observer, ListsAnEntityOnceInEachSpan)

@@ -5,6 +5,25 @@
 #include "ModelObject.h"
 #include "QOBException.h"
 
+/// A body that notes the copies of its kind. The factory does not know it, so that tests of all
+/// classes do not meet it.
+class NotedBody : public KARMPBody
+{
+    KARMP_ABSTRACT_ENTITY(NotedBody, KARMPBody)
+
+public:
+    static inline std::vector<std::pair<std::wstring, CopyMode>> s_copies;
+
+protected:
+    NotedBody() = default;
+    NotedBody(const NotedBody& source, CopyMode mode) : Super(source, mode)
+    {
+        s_copies.emplace_back(source.getEntityName(), mode);
+    }
+};
+KARMP_DEFINE_IDENTITY(NotedBody, "5D0E7A52-93C4-4B7B-A1D8-6C2F1B9E4A30",
+                      karmp::EntityAccess::Operations<NotedBody>());
+
 namespace {
 
 using CloneOfAWorld = CloneFixture;
@@ -183,6 +202,31 @@ TEST_F(CloneOfAWorld, FilesDuplicatesUnderTheKeysOfTheirSources)
         EXPECT_EQ(got2, key2);
         EXPECT_EQ(NamesIn<KARMPBody>(*clone),
                   (Names{L"GlobalBody", L"GlobalBody", L"both", L"one", L"none", L"both again"}));
+    }
+}
+
+/// One that has no record of its own, and so must be asked for its copy.
+class AskedBody : public NotedBody
+{
+public:
+    AskedBody() = default;
+};
+
+TEST_F(CloneOfAWorld, CopiesShallowlyAndTheGlobalsLast)
+{
+    const auto recorded = File<KARMPBody>(karmp::EntityAccess::Create<NotedBody>(L"recorded"));
+    const auto asked = File<KARMPBody>(QOBSharedHandle<AskedBody>(new AskedBody));
+    asked->setEntityName(L"asked");
+    const QOBSharedHandle<AskedBody> global(new AskedBody);
+    global->setEntityName(L"global");
+    world->SetGlobalBody(global);
+    constexpr auto Shallow = QOBDynamicObject::CopyShallow;
+    for (const bool filtered : {false, true}) {
+        NotedBody::s_copies.clear();
+        const auto clone = filtered ? world->CloneWithFilter({recorded, asked}) : world->Clone();
+        EXPECT_EQ(NotedBody::s_copies,
+                  (std::vector<std::pair<std::wstring, QOBDynamicObject::CopyMode>>{
+                      {L"recorded", Shallow}, {L"asked", Shallow}, {L"global", Shallow}}));
     }
 }
 

@@ -34,6 +34,31 @@ private:
     std::vector<std::string>& m_calls;
 };
 
+/// A variable that gives its loader with the status 1.
+class HesitantVariable : public Variable
+{
+public:
+    using Variable::GetLoader;
+    KARStatus GetLoader(KARIMPVariableLoader*& loader) const override
+    {
+        Variable::GetLoader(loader);
+        return KARUnchanged;
+    }
+};
+
+/// A sensor that decides itself whether it is active.
+class SelfActiveSensor : public NotingSensor
+{
+public:
+    SelfActiveSensor(std::vector<std::string>& calls, bool active)
+        : NotingSensor(calls), m_active(active)
+    {}
+    bool IsActive() const override { return m_active; }
+
+private:
+    bool m_active;
+};
+
 /// A loader that changes the world when it is told to do something.
 template <class Interface>
 class ChangingLoader : public Interface
@@ -216,6 +241,18 @@ TEST_F(WorldOperations, GoOnPastAVariableWhoseLoaderFailsOrCannotBeFetched)
     EXPECT_EQ(variables.calls, (Calls{"Fix", "Fix", "Unfix", "Unfix"}));
 }
 
+TEST_F(WorldOperations, PassOverAVariableWhoseLoaderComesWithAnotherStatusThanZero)
+{
+    const auto hesitant = AddAs(QOBSharedHandle<HesitantVariable>(new HesitantVariable));
+    hesitant->SetType(KARMPVariableType::Controlled);
+    hesitant->SetValue(1.5);
+    hesitant->SetLoader(new RecordingVariableLoader(variables));
+    world->Add<KARMPVariable>(hesitant);
+    EXPECT_EQ(world->FixAllControlledVariables(), KARSuccess);
+    EXPECT_EQ(world->UnfixAllControlledVariables(), KARSuccess);
+    EXPECT_EQ(variables.calls, Calls{});
+}
+
 TEST_F(WorldOperations, HoldAndReleaseBodiesThatAreNotFixedWithoutFixingThem)
 {
     const auto free = AddBody();
@@ -367,6 +404,22 @@ TEST_F(WorldOperations, ResetAndUpdateActiveSensorsWhateverTheyAnswer)
     EXPECT_EQ(sensors, (Calls{"Reset", "Reset"}));
     EXPECT_EQ(world->UpdateSensors(), KARSuccess);
     EXPECT_EQ(sensors, (Calls{"Reset", "Reset", "Update", "Update"}));
+}
+
+TEST_F(WorldOperations, AskASensorOfASubclassWhetherItIsActive)
+{
+    Calls asleep;
+    for (const bool active : {false, true}) {
+        const auto sensor = AddAs(QOBSharedHandle<SelfActiveSensor>(
+            new SelfActiveSensor(active ? sensors : asleep, active)));
+        if (active)
+            sensor->Deactivate();
+        world->Add<KARMPSensor>(sensor);
+    }
+    EXPECT_EQ(world->ResetSensors(), KARSuccess);
+    EXPECT_EQ(world->UpdateSensors(), KARSuccess);
+    EXPECT_EQ(asleep, Calls{});
+    EXPECT_EQ(sensors, (Calls{"Reset", "Update"}));
 }
 
 TEST_F(WorldOperations, HaveTheParametersOfAllConstraintsUpdated)

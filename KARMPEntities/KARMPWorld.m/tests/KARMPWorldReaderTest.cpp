@@ -273,6 +273,23 @@ TEST_F(WorldReader, SkipsAnEntityOfAnUnknownClass)
     EXPECT_EQ(identifiersIn<KARMPSupport>(*world), Identifiers{L"S"});
 }
 
+TEST_F(WorldReader, LetsAnEntityReadTheElementOfAnUnknownClassThatHasItsIdentifier)
+{
+    Identifiers resolved;
+    WorldTestScript::Current().onOther = [&](const std::wstring& reader, const KARMPEntity* other) {
+        resolved.push_back(reader + L"->" + (other != nullptr ? IdentifierOf(*other) : L""));
+    };
+    entity(registry(L"Materials"), L"TestMaterial", L"M");
+    TestDeserializer& supports = registry(L"Supports");
+    entity(supports, L"TestSupport", L"same");
+    entity(supports, L"Unknown", L"same").Reference(L"Other", L"M");
+    EXPECT_EQ(read(), KARSuccess);
+    // By the factory, when it is made, and by the entity, which has its identifier by then.
+    ExpectReports(3);
+    EXPECT_EQ(resolved, Identifiers{L"same->M"});
+    EXPECT_EQ(identifiersIn<KARMPSupport>(*world), Identifiers{L"same"});
+}
+
 TEST_F(WorldReader, LetsTheLaterOfTwoEntitiesWithOneIdentifierReadBothElements)
 {
     Identifiers order;
@@ -298,6 +315,14 @@ TEST_F(WorldReader, ReportsAnEntityThatFailsToReadAndFilesItAllTheSame)
     EXPECT_EQ(read(), KARSuccess);
     ExpectReports(1);
     EXPECT_EQ(identifiersIn<KARMPSupport>(*world), (Identifiers{L"a", L"b"}));
+}
+
+TEST_F(WorldReader, TakesAPositiveStatusOfAnEntityForNoFailure)
+{
+    entity(registry(L"Values"), L"Expression", L"E"); // without an equation
+    EXPECT_EQ(read(), KARSuccess);
+    ExpectReports(0);
+    EXPECT_EQ(identifiersIn<KARMPValue>(*world), Identifiers{L"E"});
 }
 
 TEST_F(WorldReader, ReportsEntitiesThatCannotBePlaced)

@@ -22,6 +22,17 @@ private:
     std::vector<std::wstring>& m_notes;
 };
 
+// A support whose writing gives 1.
+class PartialSupport final : public TestOf<KARMPSupport>
+{
+public:
+    KARStatus Serialize(KARMPSerializer* serializer) const override
+    {
+        EXPECT_EQ(TestOf::Serialize(serializer), KARSuccess);
+        return KARUnchanged;
+    }
+};
+
 using WorldWriter = WorldDocument;
 
 std::vector<std::wstring> ChildrenOf(const TestSerializer& element)
@@ -170,6 +181,14 @@ TEST_F(WorldWriter, ReportsAnEntityThatFailsAndWritesTheOthers)
     EXPECT_EQ(world->Serialize(&written), KARSuccess);
     ExpectReports(1);
     EXPECT_TRUE(written.Has(L"World/Supports/TestSupport[2]/@id"));
+}
+
+TEST_F(WorldWriter, TakesAPositiveStatusOfAnEntityForNoFailure)
+{
+    world->Add(QOBSharedHandle<KARMPSupport>(new PartialSupport));
+    EXPECT_EQ(world->Serialize(&written), KARSuccess);
+    ExpectReports(0);
+    EXPECT_EQ(written.Count(L"World/Supports/TestSupport"), 1U);
 }
 
 // The tree reports a node that it cannot create, and once more when the node was to have a value.
