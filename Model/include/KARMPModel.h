@@ -93,6 +93,12 @@ public:
     /// Forgets the problems.
     void ClearProblems();
 
+    /// The settings of the world.
+    ModelOptions Options() const;
+    /// Changes them; false, with a problem, for gravity that is not finite and for tolerances that
+    /// are no finite numbers above 0.
+    bool SetOptions(const ModelOptions& options, Where where = Where::current());
+
     /// The body that everything stands on: the world's ground body, or its global body.
     Ref<KARMPBody> Ground() const;
     /// The world's time.

@@ -22,7 +22,7 @@ class KARMPVariable;
 
 namespace karmp::model {
 
-/// The settings of a new model, whose length unit is the metre.
+/// The settings of a model. The length unit of a new one is the metre.
 struct ModelOptions
 {
     /// In m/s2, along the axes of the world.

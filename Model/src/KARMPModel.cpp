@@ -66,15 +66,8 @@ Model::Model(std::string_view name, const ModelOptions& options, Where where)
             KARMPWorld& world = *m_core->World();
             IdentifyGlobals(world);
             PlaceAll(*m_core);
-            if (!IsPositive(options.linearTolerance) || !IsPositive(options.angularTolerance))
-                return edit.Fail("a tolerance of the world is no finite number above 0");
-            if (!IsFinite(options.gravity))
-                return edit.Fail("the gravity of the world is not finite");
-            const bool isSet = !KARFailed(world.SetLengthUnit(KARMPUnit::Meter)) &&
-                               !KARFailed(world.SetLinearTolerance(options.linearTolerance)) &&
-                               !KARFailed(world.SetAngularTolerance(options.angularTolerance)) &&
-                               !KARFailed(world.SetGravity(options.gravity));
-            return isSet || edit.Fail("the settings of the world failed");
+            return edit.Configure(options) && (!KARFailed(world.SetLengthUnit(KARMPUnit::Meter)) ||
+                                               edit.Fail("the settings of the world failed"));
         });
 }
 
@@ -116,6 +109,17 @@ const std::vector<Problem>& Model::Problems() const
 void Model::ClearProblems()
 {
     m_core->Problems().clear();
+}
+
+ModelOptions Model::Options() const
+{
+    return OptionsOf(*m_core->World());
+}
+
+bool Model::SetOptions(const ModelOptions& options, Where where)
+{
+    return m_core->Perform(
+        where, [&](Edit& edit) { return edit.Configure(options); });
 }
 
 Ref<KARMPBody> Model::Ground() const

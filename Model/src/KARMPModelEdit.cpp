@@ -49,6 +49,25 @@ void NameEntity(KARMPEntity& entity, std::string_view name, bool isAscii)
 } // namespace
 
 // Allocates before anything is done, so that what is done can be noted.
+ModelOptions OptionsOf(const KARMPWorld& world)
+{
+    ModelOptions options;
+    world.GetGravity(options.gravity);
+    options.linearTolerance = world.GetLinearTolerance();
+    options.angularTolerance = world.GetAngularTolerance();
+    return options;
+}
+
+KARStatus SetOptions(KARMPWorld& world, const ModelOptions& options)
+{
+    for (const KARStatus status :
+         {world.SetGravity(options.gravity), world.SetLinearTolerance(options.linearTolerance),
+          world.SetAngularTolerance(options.angularTolerance)})
+        if (KARFailed(status))
+            return status;
+    return KARSuccess;
+}
+
 EditStep& Edit::NextStep()
 {
     return m_log.emplace_back();
@@ -271,6 +290,26 @@ bool Edit::Unlink(const Entity& first, const Entity& second, std::string_view it
         }
     }
     return any || Fail(TitleOf(*first) + " and " + TitleOf(*second) + " are not linked");
+}
+
+bool Edit::Configure(const ModelOptions& options)
+{
+    KARMPWorld& world = *m_core.World();
+    const ModelOptions former = OptionsOf(world);
+    const auto isGood = [](double number, double before) {
+        return number == before || IsPositive(number);
+    };
+    if (!isGood(options.linearTolerance, former.linearTolerance) ||
+        !isGood(options.angularTolerance, former.angularTolerance))
+        return Fail("a tolerance of the world is no finite number above 0");
+    if (!IsFinite(options.gravity) && !(options.gravity == former.gravity))
+        return Fail("the gravity of the world is not finite");
+    EditStep& step = NextStep();
+    step.former =
+        std::make_unique<EditStep::Former>(EditStep::Former{kar::SharedText(), Value(), former});
+    step.kind = EditStep::Kind::Configured;
+    const KARStatus status = model::SetOptions(world, options);
+    return !KARFailed(status) || Fail("the settings of the world failed", status);
 }
 
 bool Edit::Rename(const Entity& entity, std::string_view name)

@@ -2,6 +2,7 @@
 
 #include "KARMPEntity.h"
 #include "KARMPItems.h"
+#include "KARMPModelOptions.h"
 #include "KARMPModelResult.h"
 #include "KARMPModelSettings.h"
 #include "KARSharedText.h"
@@ -18,18 +19,32 @@ namespace karmp::model {
 
 class Core;
 
+/// The settings of a world.
+ModelOptions OptionsOf(const KARMPWorld& world);
+KARStatus SetOptions(KARMPWorld& world, const ModelOptions& options);
+
 /// What an edit has done, in order, for undoing it. The entities are kept by the index, or by the
 /// caller.
 struct EditStep
 {
     /// An Unlinked single reference, an entry of a list that was Unlisted.
-    enum class Kind : std::uint8_t { Nothing, Filed, Linked, Unlinked, Unlisted, Set, Renamed };
+    enum class Kind : std::uint8_t {
+        Nothing,
+        Filed,
+        Linked,
+        Unlinked,
+        Unlisted,
+        Set,
+        Renamed,
+        Configured
+    };
 
     /// What was there before.
     struct Former
     {
         kar::SharedText name;
         Value value;
+        ModelOptions options = {};
     };
 
     Kind kind = Kind::Nothing;
@@ -96,6 +111,8 @@ public:
     /// there is none.
     bool Unlink(const Entity& first, const Entity& second, std::string_view item = {});
     bool Rename(const Entity& entity, std::string_view name);
+    /// Changes the settings of the world; those that stay may be what a document had.
+    bool Configure(const ModelOptions& options);
     /// Stores a value of an item; links on both sides.
     bool Set(const Entity& entity, const ItemInfo& item, const Value& value);
     /// Stores several by their names, numbers of value references as constants.

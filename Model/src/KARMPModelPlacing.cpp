@@ -96,6 +96,42 @@ bool IsFinite(const KARMathAxis& axis)
            IsFinite(axis.GetSecondDirection()) && IsFinite(axis.GetThirdDirection());
 }
 
+namespace {
+
+constexpr const char* NotFinite = "not finite";
+
+// True for right-handed axes of length 1.
+bool AreAxes(const KARMathVector& first, const KARMathVector& second, const KARMathVector& third)
+{
+    constexpr double tolerance = 1e-6;
+    const auto is = [](double number, double wanted) {
+        return std::abs(number - wanted) <= tolerance;
+    };
+    return is(first.Norm(), 1.0) && is(second.Norm(), 1.0) && is(first.Dot(second), 0.0) &&
+           is((first.Cross(second) - third).Norm(), 0.0);
+}
+
+} // namespace
+
+const char* FaultOf(const KARMathPoint& at)
+{
+    return IsFinite(at) ? nullptr : NotFinite;
+}
+
+const char* FaultOf(const KARMathPoint2D& at)
+{
+    return IsFinite(at) ? nullptr : NotFinite;
+}
+
+const char* FaultOf(const KARMathAxis& at)
+{
+    if (!IsFinite(at))
+        return NotFinite;
+    return AreAxes(at.GetFirstDirection(), at.GetSecondDirection(), at.GetThirdDirection())
+               ? nullptr
+               : "no frame of right-handed axes of length 1";
+}
+
 bool IsFinite(const Value& value)
 {
     if (const double* const number = std::get_if<double>(&value))

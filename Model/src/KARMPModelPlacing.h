@@ -34,6 +34,12 @@ bool IsFinite(const KARMathAxis& axis);
 /// True for values without a number, too.
 bool IsFinite(const Value& value);
 
+/// What coordinates are at which no geometry can be, such as a frame whose axes are not
+/// perpendicular; null for others.
+const char* FaultOf(const KARMathPoint& at);
+const char* FaultOf(const KARMathPoint2D& at);
+const char* FaultOf(const KARMathAxis& at);
+
 /// What is at a point of the world, in body axes; nothing, and a failed edit, when the position of
 /// the body has no inverse.
 std::optional<KARMathTransformation> IntoBody(Edit& edit, const KARMPBody& body);
@@ -44,8 +50,8 @@ template <class Geometry, class Body, class Coordinates, class Set>
 QOBSharedHandle<Geometry> MountAt(Edit& edit, std::string_view identifier, const Ref<Body>& body,
                                   const Coordinates& at, Set set)
 {
-    if (!IsFinite(at)) {
-        edit.Fail("the position of \"" + std::string(identifier) + "\" is not finite");
+    if (const char* const fault = FaultOf(at)) {
+        edit.Fail("the position of \"" + std::string(identifier) + "\" is " + fault);
         return {};
     }
     const auto geometry = QOBSharedHandle<Geometry>::unchecked(

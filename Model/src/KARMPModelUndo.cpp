@@ -121,6 +121,9 @@ void Edit::Undo(const EditStep& step)
     case EditStep::Kind::Renamed:
         RestoreName(*step.entity, step.former->name);
         break;
+    case EditStep::Kind::Configured:
+        static_cast<void>(SetOptions(*m_core.World(), step.former->options));
+        break;
     }
 }
 

@@ -73,6 +73,36 @@ TEST_F(ModelTest, ClassIsAlsoChosenByName)
               "\"KARMPConstraint\" is a base class, of which no entity is made");
 }
 
+TEST_F(ModelTest, SettingsOfTheWorldAreUndoneWithABlock)
+{
+    Model model("M", {.gravity = {0.0, 0.0, -9.81}});
+    const std::size_t begin = model.BeginEditing();
+    EXPECT_TRUE(model.SetOptions({.gravity = {0.0, 1.0, 0.0}, .linearTolerance = 1e-3}));
+    EXPECT_EQ(model.Options().gravity, KARMathVector(0.0, 1.0, 0.0));
+    EXPECT_EQ(model.World()->GetLinearTolerance(), 1e-3);
+    model.EndEditing(begin, false);
+    EXPECT_EQ(model.Options().gravity, KARMathVector(0.0, 0.0, -9.81));
+    EXPECT_EQ(model.Options().linearTolerance, 1e-6);
+    EXPECT_TRUE(model.Problems().empty());
+    for (const double tolerance : {0.0, -1.0, std::nan("")}) {
+        EXPECT_FALSE(model.SetOptions({.angularTolerance = tolerance}));
+        EXPECT_EQ(model.Options().angularTolerance, 1e-9);
+        EXPECT_EQ(model.Options().gravity, KARMathVector(0.0, 0.0, -9.81));
+    }
+    EXPECT_EQ(model.Problems().size(), 3U);
+}
+
+TEST_F(ModelTest, SettingsOfADocumentStayAsTheyAre)
+{
+    const auto world = KARMPWorld::create(QOBBasicWorld::create(L"W"));
+    world->SetLinearTolerance(0.0);
+    Model model(world);
+    ModelOptions options = model.Options();
+    options.gravity = {1.0, 0.0, 0.0};
+    EXPECT_TRUE(model.SetOptions(options));
+    EXPECT_EQ(world->GetLinearTolerance(), 0.0);
+}
+
 TEST_F(ModelTest, EntityIsFoundByIdentifierThenByName)
 {
     Model model("M");

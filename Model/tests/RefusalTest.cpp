@@ -171,6 +171,13 @@ TEST_F(RefusalTest, WhatWouldBeInconsistentIsRefused)
     expectRefused(bool(model.PlanarBody("New", {.inertia = {{{nan, 0.0}, {0.0, 1.0}}}})));
     expectRefused(bool(model.PlanarBody("New", {.inertia = {{{1.0, 0.0}, {0.0, infinite}}}})));
     expectRefused(bool(model.Point("New", body, KARMathPoint(0.0, nan, 0.0))));
+    const KARMathVector x(1.0, 0.0, 0.0);
+    const KARMathVector y(0.0, 1.0, 0.0);
+    for (const KARMathAxis& skew :
+         {KARMathAxis(KARMathPoint(), x, y, {0.0, 0.0, -1.0}),
+          KARMathAxis(KARMathPoint(), x, {1.0, 1.0, 0.0}, {0.0, 0.0, 1.0}),
+          KARMathAxis(KARMathPoint(), 2.0 * x, y, {0.0, 0.0, 1.0})})
+        expectRefused(bool(model.Frame("New", model.Ground(), skew)));
     expectRefused(bool(model.Add("", "New")));
     EXPECT_EQ(model.Problems().back().text, "there is no class \"\"");
     model.ClearProblems();

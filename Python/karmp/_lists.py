@@ -166,7 +166,7 @@ class Editing:
     _begins: list[int] = []
 
     def __init__(self, model: Model) -> None:
-        _karmp._linear_tolerance(model)  # raises for what is no model
+        _karmp._options(model)  # raises for what is no model
         self._model, self._end = model, _karmp._end_editing
         self._begins = []
 

@@ -77,15 +77,19 @@ def _property(get: Callable[[Any], Any], says: str,
 
 
 def _told(name: str, says: str) -> Any:
-    """A property that the extension module reads, and sets where it can."""
-    set = getattr(_karmp, "_set_" + name, None)
+    """A property that the extension module reads."""
+    return _property(getattr(_karmp, "_" + name), says)
 
-    def change(owner: Any, value: Any) -> None:
-        assert set is not None
-        if (status := set(owner, value)) < 0:
-            raise Error(f"{name} is not set", status)
 
-    return _property(getattr(_karmp, "_" + name), says, change if set else None)
+def _option(index: int, says: str) -> Any:
+    """A setting of the world, which is undone with a block of edits."""
+
+    def change(model: Model, value: Any) -> None:
+        options = list(_karmp._options(model))
+        options[index] = value
+        _karmp._set_options(model, options)
+
+    return _property(lambda model: _karmp._options(model)[index], says, change)
 
 
 def _check_class(cls: type[Entity], base: type[Entity]) -> None:
@@ -118,9 +122,9 @@ def _elements_of(families: Iterable[str]) -> list[str]:
 
 
 class _Model(Model):
-    gravity: _Item[_Vector3, _Numbers] = _told("gravity", "In m/s2 along the axes of the world.")
-    linear_tolerance: _Item[float, float] = _told("linear_tolerance", "In m.")
-    angular_tolerance: _Item[float, float] = _told("angular_tolerance", "In rad.")
+    gravity: _Item[_Vector3, _Numbers] = _option(0, "In m/s2 along the axes of the world.")
+    linear_tolerance: _Item[float, float] = _option(1, "In m.")
+    angular_tolerance: _Item[float, float] = _option(2, "In rad.")
     ground: Body = _told("ground", "The body that everything stands on.")
     planar_ground: Body2D = _told(
         "planar_ground", "The planar frame, which is made when it is first needed, or asked for.")
@@ -132,7 +136,7 @@ class _Model(Model):
     def __init__(self, name: str, *, gravity: _Numbers = (0, 0, 0), linear_tolerance: float = 1e-6,
                  angular_tolerance: float = 1e-9) -> None:
         """An empty model in metres."""
-        _init(self, name, gravity, linear_tolerance, angular_tolerance)
+        _init(self, name, (gravity, linear_tolerance, angular_tolerance))
 
     def _make(self, items: dict[str, Any], call: str, *given: Any) -> Any:
         """What a call makes, with its items set by keyword: all of it or nothing."""

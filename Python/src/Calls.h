@@ -40,6 +40,14 @@ struct Fields
     {
         return std::tie(of.position, of.velocity, of.acceleration, of.maximum);
     }
+    static auto Of(model::ModelOptions& of)
+    {
+        return std::tie(of.gravity, of.linearTolerance, of.angularTolerance);
+    }
+    static auto Of(const model::ModelOptions& of)
+    {
+        return std::tie(of.gravity, of.linearTolerance, of.angularTolerance);
+    }
     static auto Of(documents::SaveOptions& of) { return std::tie(of.version, of.doubles); }
     static auto Of(documents::ExtractionOptions& of) { return std::tie(of.reach, of.families); }
     static auto Of(const documents::CutLink& of) { return std::tie(of.holder, of.item, of.target); }

@@ -6,7 +6,6 @@
 #include "ViewScene.h"
 
 #include <chrono>
-#include <cmath>
 #include <thread>
 
 namespace karmp::python {
@@ -26,9 +25,8 @@ using Maybe = std::optional<T>;
 
 State NewModel(const py::args& given)
 {
-    const model::ModelOptions options{Taken<KARMathVector>(given[1]), Taken<double>(given[2]),
-                                      Taken<double>(given[3])};
-    const auto made = std::make_shared<ModelState>(Model(Taken<Text>(given[0]), options));
+    const auto made = std::make_shared<ModelState>(
+        Model(Taken<Text>(given[0]), Taken<model::ModelOptions>(given[1])));
     return Do(*made, "Model", [&] { return made; });
 }
 
@@ -120,22 +118,6 @@ std::size_t EndEditing(const State& state, std::size_t begin, bool isKept)
     });
 }
 
-bool IsTolerance(double number)
-{
-    return number > 0.0 && std::isfinite(number);
-}
-
-// Settings of the world are no part of what a block of edits undoes.
-template <class T>
-KARStatus SetInWorld(ModelState& of, bool isGood, KARStatus (KARMPWorld::*set)(T), T to)
-{
-    if (of.openBlocks > 0)
-        RaiseFailure("a setting of the world cannot be undone with a block of edits", KARFailure);
-    if (!isGood)
-        Raise(PyExc_ValueError, "gravity is finite, and tolerances are finite numbers above 0");
-    return (*of.model.World().*set)(to);
-}
-
 void BindEditsAndSettings(const Functions& calls)
 {
     calls["link"] = &Model::Link;
@@ -149,23 +131,8 @@ void BindEditsAndSettings(const Functions& calls)
         return of.model.BeginEditing();
     };
     calls["end_editing"] = &EndEditing;
-    calls["set_gravity"] = [](ModelState& of, KARMathVector to) {
-        const bool isFinite = std::isfinite(to[0]) && std::isfinite(to[1]) && std::isfinite(to[2]);
-        return SetInWorld<const KARMathVector&>(of, isFinite, &KARMPWorld::SetGravity, to);
-    };
-    calls["set_linear_tolerance"] = [](ModelState& of, double to) {
-        return SetInWorld(of, IsTolerance(to), &KARMPWorld::SetLinearTolerance, to);
-    };
-    calls["set_angular_tolerance"] = [](ModelState& of, double to) {
-        return SetInWorld(of, IsTolerance(to), &KARMPWorld::SetAngularTolerance, to);
-    };
-    calls["gravity"] = [](ModelState& of) {
-        KARMathVector gravity;
-        of.model.World()->GetGravity(gravity);
-        return gravity;
-    };
-    calls["linear_tolerance"] = [](Model& m) { return m.World()->GetLinearTolerance(); };
-    calls["angular_tolerance"] = [](Model& m) { return m.World()->GetAngularTolerance(); };
+    calls["options"] = [](ModelState& of) { return of.model.Options(); };
+    calls["set_options"] = &Model::SetOptions;
     calls["ground"] = [](ModelState& of) { return of.model.Ground(); };
     calls["planar_ground"] = &Model::PlanarGround;
     calls["time"] = [](ModelState& of) { return of.model.Time(); };

@@ -133,14 +133,6 @@ Numbers::operator KARMathAxis() const
     const auto column = [entry](int at) {
         return KARMathVector(entry[at], entry[4 + at], entry[8 + at]);
     };
-    constexpr double tolerance = 1e-6;
-    const auto is = [](double number, double wanted) {
-        return std::abs(number - wanted) <= tolerance;
-    };
-    if (!is(column(0).Norm(), 1.0) || !is(column(1).Norm(), 1.0) ||
-        !is(column(0).Dot(column(1)), 0.0) ||
-        !is((column(0).Cross(column(1)) - column(2)).Norm(), 0.0))
-        Raise(PyExc_ValueError, "the first columns of the matrix are no right-handed axes");
     return {KARMathPoint() + column(3), column(0), column(1), column(2)};
 }
 
