@@ -111,12 +111,14 @@ TEST_F(StoredGeometryDocument, TellsOfFaultsBesideASurfaceThatWasRead)
     EXPECT_EQ(result.diagnostics.items[0].path, "/KARMPDocument/World/Geometries/Curve");
 }
 
-TEST_F(StoredGeometryDocument, TellsNothingWhenASurfaceIsNull)
+TEST_F(StoredGeometryDocument, TellsOfASurfaceThatIsNullWhenItIsSavedAndWhenItIsRead)
 {
     AddSurface()->SetSurface(nullptr);
-    const LoadResult result = LoadText(Saved());
-    // Reading it is another thing: the stream is missing.
-    EXPECT_NE(result.diagnostics.Find(Code::MissingElement), nullptr);
+    std::string text;
+    const Diagnostics saved = SaveText(m_world, text);
+    ASSERT_EQ(saved.items.size(), 1U);
+    EXPECT_EQ(saved.items[0].path, "/KARMPDocument/World/Geometries/Surface/SurfaceStream");
+    EXPECT_NE(LoadText(text).diagnostics.Find(Code::MissingElement), nullptr);
 }
 
 // Limits that are not freed are for the sanitizers to find.
