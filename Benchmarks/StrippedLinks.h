@@ -11,10 +11,9 @@
 
 /// Makes for each entity of a list an object without content, and links these objects as the
 /// entities are linked. What is linked to what is known beforehand, by the addresses of the
-/// entities; a table that is large enough gives the object of an address, an object counts the
-/// links to it, and a list has a block of its own. There are none of the library's rules: no class
-/// is asked, nothing is filed, no allocation fails. It shows what the links take of a filtered
-/// clone.
+/// entities; the library's map gives the object of an address, an object counts the links to it,
+/// and a list has a block of its own. There are none of the library's rules: no class is asked,
+/// nothing is filed, no allocation fails. It shows what the links take of a filtered clone.
 class StrippedLinks
 {
 public:
@@ -26,9 +25,9 @@ public:
     StrippedLinks(const StrippedLinks&) = delete;
     StrippedLinks& operator=(const StrippedLinks&) = delete;
 
-    /// Enters all objects into the table and makes the links.
+    /// Enters all objects into the map and makes the links.
     void Make(Blocks blocks);
-    /// Takes the links away, and the entries of the table; the memory stays at hand.
+    /// Takes the links away, and the entries of the map; the memory stays at hand.
     void TakeAway();
 
 private:

@@ -93,7 +93,7 @@ public:
     /// Forgets the problems.
     void ClearProblems();
 
-    /// The settings of the world.
+    /// The settings of the world, those of a new model without one.
     ModelOptions Options() const;
     /// Changes them; false, with a problem, for gravity that is not finite and for tolerances that
     /// are no finite numbers above 0.

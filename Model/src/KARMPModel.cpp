@@ -113,7 +113,7 @@ void Model::ClearProblems()
 
 ModelOptions Model::Options() const
 {
-    return OptionsOf(*m_core->World());
+    return World() ? OptionsOf(*World()) : ModelOptions();
 }
 
 bool Model::SetOptions(const ModelOptions& options, Where where)

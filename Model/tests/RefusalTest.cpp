@@ -297,6 +297,8 @@ TEST_F(RefusalTest, ModelWithoutAWorldRefusesAllCalls)
     EXPECT_TRUE(model.All<KARMPBody>().empty());
     EXPECT_FALSE(model.Ground());
     EXPECT_FALSE(model.Time());
+    EXPECT_EQ(model.Options().linearTolerance, 1e-6);
+    EXPECT_FALSE(model.SetOptions({}));
     EXPECT_FALSE(model.Text());
     EXPECT_FALSE(model.Clone());
     EXPECT_FALSE(model.Extract({}));
