@@ -16,19 +16,23 @@ if(NOT TARGET karmp_test_settings)
     )
 endif()
 
-# karmp_add_test_program(<name> SOURCES <file>... [LINKS <target>...])
+# karmp_add_test_program(<name> SOURCES <file>... [LINKS <target>...] [WITHOUT <suite>])
 #
 # Suites whose name ends in Process are left out of the plain run: each needs an environment or a
-# process of its own and is started by karmp_process_test.
+# process of its own and is started by karmp_process_test. So is a suite that a script runs.
 function(karmp_add_test_program name)
-    cmake_parse_arguments(arg "" "" "SOURCES;LINKS" ${ARGN})
+    cmake_parse_arguments(arg "" "WITHOUT" "SOURCES;LINKS" ${ARGN})
     add_executable(${name} ${arg_SOURCES})
     target_link_libraries(
         ${name} PRIVATE karmp_settings karmp_test_settings KARMPTesting ${arg_LINKS} GTest::gmock_main
     )
     set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF)
     karmp_precompile(${name} karmp_test_headers)
-    add_test(NAME ${name} COMMAND ${name} --gtest_filter=-*Process.* --gtest_brief=1)
+    set(left_out "*Process.*")
+    if(arg_WITHOUT)
+        string(APPEND left_out ":${arg_WITHOUT}.*")
+    endif()
+    add_test(NAME ${name} COMMAND ${name} --gtest_filter=-${left_out} --gtest_brief=1)
 endfunction()
 
 # karmp_process_test(<program> <Suite.Test> [VARIABLE=VALUE...])
