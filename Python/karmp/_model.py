@@ -8,7 +8,6 @@ classes below are never made: what they hold becomes that of the classes they ar
 from __future__ import annotations
 
 from . import _karmp
-from ._errors import Error
 from ._karmp import Entity, Model, Solid
 from ._lists import Editing, Entities
 from ._rows import Difference, Finding

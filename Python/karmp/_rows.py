@@ -82,7 +82,11 @@ def _record(key: tuple[str, ...], values: Iterable[Any]) -> Any:
         # It has no types for names that are not written out.
         make = getattr(collections, "namedtuple")
         made = make(key[0].title().replace("_", ""), key[1:], module="karmp")
-        made.__reduce__ = lambda record: (_record, (key, tuple(record)))
+
+        def reduce(record: _Values) -> _Values:
+            return _record, (key, tuple(record))
+
+        made.__reduce__ = reduce
         _record_classes[key] = made
     return _record_classes[key]._make(values)
 
