@@ -380,8 +380,10 @@ TEST_F(Rep3D, FailedConversionsAreReportedAndGiveNothing)
     const int before = Nodes();
     KARStatus status = KARFailure;
     int failures = 0;
-    for (std::size_t failing = 1; status != KARSuccess; ++failing) {
+    bool hasFailed = true;
+    for (std::size_t failing = 1; hasFailed; ++failing) {
         ASSERT_LT(failing, 1000U);
+        status = KARFailure;
         auto* const read = new AnsweringRep;
         const QOBSharedHandle<KARMP3DRep> handle(read);
         AllocationCounter counter;
@@ -391,10 +393,12 @@ TEST_F(Rep3D, FailedConversionsAreReportedAndGiveNothing)
             failures += status == KARFailure ? 1 : 0;
         } catch (const std::bad_alloc&) {
         }
+        hasFailed = counter.Count() >= failing;
         counter.FailAllocation(0);
         EXPECT_EQ(status == KARSuccess, read->Get3DRep() != nullptr);
     }
     TakeReports();
+    EXPECT_EQ(status, KARSuccess);
     // The narrow text, the bytes, and what the nodes take.
     EXPECT_GT(failures, 5);
     EXPECT_EQ(Nodes(), before);
