@@ -80,13 +80,20 @@ def _told(name: str, says: str) -> Any:
     return _property(getattr(_karmp, "_" + name), says)
 
 
+def _all_given(options: list[Any]) -> list[Any]:
+    """The settings of a world, of which the extension module would take None for the default."""
+    if any(option is None for option in options):
+        raise TypeError("gravity and tolerances are numbers, not None")
+    return options
+
+
 def _option(index: int, says: str) -> Any:
     """A setting of the world, which is undone with a block of edits."""
 
     def change(model: Model, value: Any) -> None:
         options = list(_karmp._options(model))
         options[index] = value
-        _karmp._set_options(model, options)
+        _karmp._set_options(model, _all_given(options))
 
     return _property(lambda model: _karmp._options(model)[index], says, change)
 
@@ -135,7 +142,7 @@ class _Model(Model):
     def __init__(self, name: str, *, gravity: _Numbers = (0, 0, 0), linear_tolerance: float = 1e-6,
                  angular_tolerance: float = 1e-9) -> None:
         """An empty model in metres."""
-        _init(self, name, (gravity, linear_tolerance, angular_tolerance))
+        _init(self, name, _all_given([gravity, linear_tolerance, angular_tolerance]))
 
     def _make(self, items: dict[str, Any], call: str, *given: Any) -> Any:
         """What a call makes, with its items set by keyword: all of it or nothing."""

@@ -180,6 +180,15 @@ class WrongValues(unittest.TestCase):
             m.delete(m.variables["v"])
         self.assertEqual(m.text(), before)
 
+    def test_settings_of_the_world_are_not_none(self):
+        m, before = self.model, self.model.text()
+        for name in ("gravity", "linear_tolerance", "angular_tolerance"):
+            with self.assertRaises(TypeError):
+                setattr(m, name, None)
+            with self.assertRaises(TypeError):
+                karmp.Model("M", **{name: None})
+        self.assertEqual(m.text(), before)
+
     def test_frames_are_rigid(self):
         m = self.model
         moved = [[1, 0, 0, 1], [0, 1, 0, 2], [0, 0, 1, 3], [0, 0, 0, 1]]
