@@ -90,12 +90,12 @@ Result<double> NumberOf(const Ref<KARMPEntity>& entity, std::string_view item, s
 {
     const ItemInfo* const info = FindItem(entity->getClassInfo(), kar::ToWide(item));
     const Value value = info != nullptr ? info->Get(*entity) : Value();
-    const std::string quoted = '"' + std::string(item) + '"';
+    const auto quoted = [item] { return '"' + std::string(item) + '"'; };
     if (const auto* const numbers = std::get_if<NumberArray>(&value)) {
         if (index < numbers->size())
             return (*numbers)[index];
         return Outcome(Problem{TitleOf(*entity) + " has no number of index " +
-                                   std::to_string(index) + " in " + quoted + ", which has " +
+                                   std::to_string(index) + " in " + quoted() + ", which has " +
                                    std::to_string(numbers->size()),
                                KARFailure, where});
     }
@@ -106,7 +106,7 @@ Result<double> NumberOf(const Ref<KARMPEntity>& entity, std::string_view item, s
         return static_cast<double>(*number);
     if (const double* const number = std::get_if<double>(&value))
         return *number;
-    return Outcome(Problem{TitleOf(*entity) + " has no number " + quoted, KARFailure, where});
+    return Outcome(Problem{TitleOf(*entity) + " has no number " + quoted(), KARFailure, where});
 }
 
 Result<double> NumberAt(const QOBClassInfo& attributes, const Ref<KARMPEntity>& entity,
