@@ -30,6 +30,20 @@ protected:
         return observer->GetModifiedEntityCount(since);
     }
 
+    /// An entity of each family, in their order, in the world that was emptied.
+    std::vector<QOBSharedHandle<KARMPEntity>> addOneOfEach()
+    {
+        world->EmptyWorld();
+        std::vector<QOBSharedHandle<KARMPEntity>> entities;
+        karmp::Families::ForEach([&](auto family) {
+            using T = typename decltype(family)::Type;
+            const auto entity = TestOf<T>::create(L"entity");
+            world->Add(entity);
+            entities.push_back(entity);
+        });
+        return entities;
+    }
+
     const QOBSharedHandle<KARMPBody> body = TestOf<KARMPBody>::create(L"body");
     const QOBSharedHandle<KARMPSupport> support = TestOf<KARMPSupport>::create(L"support");
     QOBSharedHandle<KARMPObserver> observer = KARMPObserver::create();
@@ -72,14 +86,7 @@ TEST_F(Observer, ListsMovedBodiesAndModifiedEntitiesApart)
 
 TEST_F(Observer, WatchesEveryFamily)
 {
-    world->EmptyWorld();
-    std::vector<QOBSharedHandle<KARMPEntity>> entities;
-    karmp::Families::ForEach([&](auto family) {
-        using T = typename decltype(family)::Type;
-        const auto entity = TestOf<T>::create(L"entity");
-        world->Add(entity);
-        entities.push_back(entity);
-    });
+    const auto entities = addOneOfEach();
     EXPECT_EQ(observer->Subscribe(world), KARSuccess);
     for (const auto& entity : entities)
         entity->NotifyUpdate();
@@ -94,14 +101,7 @@ TEST_F(Observer, SubscribesTheFamiliesInTheirOrder)
         GTEST_SKIP() << "allocations cannot fail in this build";
     std::size_t failures = 0;
     for (bool isDone = false; !isDone;) {
-        world->EmptyWorld();
-        std::vector<QOBSharedHandle<KARMPEntity>> entities;
-        karmp::Families::ForEach([&](auto family) {
-            using T = typename decltype(family)::Type;
-            const auto entity = TestOf<T>::create(L"entity");
-            world->Add(entity);
-            entities.push_back(entity);
-        });
+        const auto entities = addOneOfEach();
         const auto watcher = KARMPObserver::create();
         try {
             AllocationCounter allocations;
