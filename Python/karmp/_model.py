@@ -12,7 +12,8 @@ from ._karmp import Entity, Model, Solid
 from ._lists import Editing, Entities
 from ._rows import Difference, Finding
 from ._rows import findings as _findings
-from ._table import check_item, columns_of, index_of_quantity, items_of, near
+from ._table import (check_item, columns_of, index_of_quantity, item_name, item_path, items_of,
+                     near)
 from ._table import families as _families
 
 TYPE_CHECKING = False  # the module typing takes as long to import as the package
@@ -106,6 +107,16 @@ def _check_class(cls: type[Entity], base: type[Entity]) -> None:
 
 def _unpickled(model: Model, identifier: str) -> Entity:
     return model.all(Entity)[identifier]
+
+
+def _path_of_link(first: Entity, second: Entity, item: str) -> str:
+    """An item of one of two entities by its path; what is none of them is refused by the model."""
+    return item and (item_path(first, item) or item_path(second, item) or item)
+
+
+def _links(links: Iterable[tuple[Entity, str, Entity]]) -> list[tuple[Entity, str, Entity]]:
+    """References of entities, with the names of their items."""
+    return [(owner, item_name(owner, item), target) for owner, item, target in links]
 
 
 _init: Any = Model.__init__
@@ -231,12 +242,13 @@ class _Model(Model):
         return self._make(items, "couple", cls, id, [*terms.items()], constant)
 
     def link(self, first: Entity, second: Entity, item: str = "") -> None:
-        """Links two entities, both ends; the item chooses where there are several links."""
-        _karmp._link(self, first, second, item)
+        """Links two entities, both ends; the item, of either of them, chooses where there are several
+        links."""
+        _karmp._link(self, first, second, _path_of_link(first, second, item))
 
     def unlink(self, first: Entity, second: Entity, item: str = "") -> None:
-        """Takes the links between two entities away, both ends, or those of an item."""
-        _karmp._unlink(self, first, second, item)
+        """Takes the links between two entities away, both ends, or those of an item of either."""
+        _karmp._unlink(self, first, second, _path_of_link(first, second, item))
 
     def rename(self, entity: Entity, name: str) -> None:
         """Gives an entity another name. Its identifier stays."""
@@ -246,12 +258,13 @@ class _Model(Model):
                with_short: bool = False) -> dict[str, list[Any]]:
         """Deletes an entity with what it owns. Returns what is gone, the references that were
         dropped and those whose entities lack something now; a preview only tells."""
-        told = _karmp._delete(self, entity, preview, with_short)
-        return dict(zip(("gone", "unlinked", "left_short"), told))
+        gone, *told = _karmp._delete(self, entity, preview, with_short)
+        unlinked, left_short = map(_links, told)
+        return {"gone": gone, "unlinked": unlinked, "left_short": left_short}
 
     def dependents(self, entity: Entity) -> list[tuple[Entity, str, Entity]]:
         """All references of other entities to one, with their items."""
-        return _karmp._dependents(self, entity)
+        return _links(_karmp._dependents(self, entity))
 
     def all(self, cls: type[_E]) -> Entities[_E]:
         """The entities of a class, those of the classes derived from it as well."""
@@ -325,12 +338,15 @@ class _Model(Model):
 
     def diff(self, other: Model, *, tolerance: float = 0.0, floor: float = 0.0) -> list[Difference]:
         """The differences to another model."""
-        return [Difference(row) for row in _karmp._diff(self, other, tolerance, floor)]
+        rows = _karmp._diff(self, other, tolerance, floor)
+        return [Difference((kind, item_name(entity, item), entity, *values))
+                for kind, item, entity, *values in rows]
 
     def extract(self, bodies: Iterable[Body], *, reach: int = 0,
                 families: Iterable[str] = ()) -> tuple[Model, list[tuple[Entity, str, Entity]]]:
         """The part around some bodies as a model, and the links that were cut."""
-        return _karmp._extract(self, bodies, (reach, _elements_of(families)))
+        part, cut = _karmp._extract(self, bodies, (reach, _elements_of(families)))
+        return part, _links(cut)
 
     def graph(self, title: str = "") -> Graph:
         """The graph of bodies and joints, a picture in a notebook."""

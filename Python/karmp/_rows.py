@@ -53,14 +53,15 @@ class Difference(_Row):
 
     __slots__ = ()
     kind: _Item[str, NoReturn] = _told(0, '"changed", "added" and so on.')
-    item: _Item[str, NoReturn] = _told(1, "The item by its path.")
+    item: _Item[str, NoReturn] = _told(1, "The item, or a part of one by its path in documents.")
     entity: _Item[Entity | None, NoReturn] = _told(2, "The entity, of the first model if it is there.")
     before: _Item[Any, NoReturn] = _told(3, "The value in the first model.")
     after: _Item[Any, NoReturn] = _told(4, "The value in the second one.")
     target: _Item[Entity | None, NoReturn] = _told(5, "The target of a link.")
 
     def __repr__(self) -> str:
-        text = f"{self.kind} {self.entity}" + (f" {self.item}" if self.item else "")
+        told = [self.kind, self.entity, self.item]
+        text = " ".join(str(part) for part in told if part)
         if self.before is not None or self.after is not None:
             text += f": {self.before} -> {self.after}"
         return text if self.target is None else f"{text} {self.target}"

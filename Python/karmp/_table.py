@@ -18,6 +18,7 @@ _NO_COLUMNS = ("group", "reference", "references", "records", "stream")
 
 _names: dict[type[Entity], list[str]] = {}
 _rows: dict[type[Entity], dict[str, tuple[Any, ...]]] = {}
+_names_by_path: dict[type[Entity], dict[str, str]] = {}
 
 
 def _class_name(record: str) -> str:
@@ -51,9 +52,26 @@ def items_of(cls: type[Entity]) -> dict[str, tuple[Any, ...]]:
     return _rows[cls]
 
 
+def item_name(owner: Entity | None, path: str) -> str:
+    """The name of an item of an entity, which documents call by a path; what is no such path, as
+    that of a part of an item, stays."""
+    if owner is None:
+        return path.lower()  # a setting of the world
+    cls = type(owner)
+    if cls not in _names_by_path:
+        _names_by_path[cls] = {item[-1]: name for name, item in items_of(cls).items()}
+    return _names_by_path[cls].get(path, path)
+
+
+def item_path(owner: Entity, name: str) -> str | None:
+    """The path of an item of an entity; None when the class has none of the name."""
+    item = items_of(type(owner)).get(name)
+    return item[-1] if item else None
+
+
 def _described(item: tuple[Any, ...]) -> dict[str, Any]:
     (name, says, kind, words, read_only, shape, count, target, fields, is_flag, is_in_order,
-     can_get) = item
+     can_get, _) = item
     return {
         "name": name,
         "doc": says,

@@ -71,7 +71,7 @@ struct Fields
     {
         return std::tuple(SnakeCase(of.path), of.says, static_cast<int>(of.kind), of.words,
                           of.readOnly, static_cast<int>(of.shape), of.numberCount, of.target,
-                          of.fields, of.isFlag, of.isInOrder, of.CanGet());
+                          of.fields, of.isFlag, of.isInOrder, of.CanGet(), of.path);
     }
 };
 

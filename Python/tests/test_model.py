@@ -143,6 +143,13 @@ class Links(unittest.TestCase):
         self.assertIsNone(p.body)
         with self.assertRaises(ValueError):
             a.geometries.remove(p)
+        for first, second, item in ((p, b, "body"), (b, p, "body"), (p, b, "Body"), (b, p, "geometries")):
+            m.link(first, second, item)
+            self.assertIs(p.body, b)
+            m.unlink(second, first, item)
+            self.assertIsNone(p.body)
+        with self.assertRaisesRegex(karmp.Error, 'no link "nodes"'):
+            m.link(p, b, "nodes")
         b.geometries = [p]
         self.assertIs(p.body, b)
         with self.assertRaises(TypeError):
@@ -155,8 +162,8 @@ class Links(unittest.TestCase):
         joint = m.joints["D"]
         told = m.delete(joint, preview=True)
         self.assertEqual([e.name for e in told["gone"]], ["D", "D.constraint"])
-        self.assertIn((m.bodies["Rocker"], "Joints", joint), told["unlinked"])
-        self.assertIn((m.bodies["Rocker"], "Joints", joint), m.dependents(joint))
+        self.assertIn((m.bodies["Rocker"], "joints", joint), told["unlinked"])
+        self.assertIn((m.bodies["Rocker"], "joints", joint), m.dependents(joint))
         self.assertEqual(len(m.joints), 4)
         m.delete(joint)
         self.assertEqual(len(m.joints), 3)
@@ -270,8 +277,22 @@ class Documents(unittest.TestCase):
         other.bodies["Crank"].mass = 3
         [difference] = m.diff(other)
         self.assertEqual((difference.kind, difference.item, difference.before, difference.after),
-                         ("changed", "Weight/Mass", 0.2, 3.0))
+                         ("changed", "mass", 0.2, 3.0))
         self.assertIs(difference.entity, m.bodies["Crank"])
+
+    def test_differences_call_items_and_settings_as_python_does(self):
+        m = four_bar()
+        other = m.clone()
+        other.gravity, other.linear_tolerance = (0, 0, -9.81), 1e-3
+        setattr(other.joints["A"], "name", "Other")
+        other.delete(other.joints["B"])
+        told = m.diff(other)
+        self.assertEqual([(d.kind, d.item) for d in told if d.entity is None],
+                         [("setting", "linear_tolerance"), ("setting", "gravity")])
+        self.assertEqual(repr(told[0]), "setting linear_tolerance: 1e-06 -> 0.001")
+        for difference in told:
+            if difference.item:
+                getattr(m if difference.entity is None else difference.entity, difference.item)
 
     def test_copies_are_models_of_their_own(self):
         m = four_bar()
@@ -290,7 +311,7 @@ class Documents(unittest.TestCase):
         m = four_bar()
         part, cut = m.extract([m.bodies["Crank"]], reach=1)
         self.assertEqual(sorted(part.bodies.keys()), ["Coupler", "Crank", "GlobalBody"])
-        self.assertTrue(cut)
+        self.assertIn((m.bodies["Coupler"], "joints", m.joints["C"]), cut)
 
 
 class Columns(unittest.TestCase):
