@@ -12,8 +12,8 @@ from ._karmp import Entity, Model, Solid
 from ._lists import Editing, Entities
 from ._rows import Difference, Finding
 from ._rows import findings as _findings
-from ._table import (check_item, columns_of, index_of_quantity, item_name, item_path, items_of,
-                     near)
+from ._table import (check_item, columns_of, index_of_quantity, is_reference, item_name,
+                     item_path, items_of, near)
 from ._table import families as _families
 
 TYPE_CHECKING = False  # the module typing takes as long to import as the package
@@ -161,11 +161,15 @@ class _Model(Model):
             made: Entity = getattr(_karmp, "_" + call)(self, *given)
             for item, value in items.items():
                 check_item(type(made), item, TypeError, f"{call} takes no")
-                setattr(made, item, value)
+                if hasattr(value, "__float__") and is_reference(type(made), item):
+                    _karmp._set_number(self, made, item_path(made, item), value)
+                else:
+                    setattr(made, item, value)
         return made
 
     def add(self, cls: type[_E], id: str, **items: Any) -> _E:
-        """A new entity of a class; items are set by keyword, all or nothing."""
+        """A new entity of a class; items are set by keyword, all or nothing. A number for a value of a
+        quantity becomes a constant."""
         return self._make(items, "add", cls, id)
 
     def add_body(self, id: str, *, at: _Numbers | None = None, towards: _Numbers | None = None,
@@ -226,7 +230,8 @@ class _Model(Model):
 
     def connect(self, cls: type[_E], id: str, first: Geometry, second: Geometry,
                 **items: Any) -> _E:
-        """A connector, a spring for one, between geometries of two bodies."""
+        """A connector, a spring for one, between geometries of two bodies. A number for a value, such
+        as its stiffness, becomes a constant."""
         _check_class(cls, _karmp.Connector)
         return self._make(items, "connect", cls, id, first, second)
 

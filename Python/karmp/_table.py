@@ -63,10 +63,16 @@ def item_name(owner: Entity | None, path: str) -> str:
     return _names_by_path[cls].get(path, path)
 
 
-def item_path(owner: Entity, name: str) -> str | None:
-    """The path of an item of an entity; None when the class has none of the name."""
-    item = items_of(type(owner)).get(name)
-    return item[-1] if item else None
+def item_path(owner: Entity, name: str) -> str:
+    """The path of an item of an entity; empty when the class has none of the name."""
+    *_, path = items_of(type(owner)).get(name, ("",))
+    return str(path)
+
+
+def is_reference(cls: type[Entity], name: str) -> bool:
+    """Whether an item of a class is a reference to one entity."""
+    kind: int = items_of(cls)[name][2]
+    return _KINDS[kind] == "reference"
 
 
 def _described(item: tuple[Any, ...]) -> dict[str, Any]:

@@ -257,6 +257,9 @@ void BindItems(const Functions& calls)
 {
     calls["numbers"] = &NumbersIn;
     calls["link_item"] = &LinkItem;
+    calls["set_number"] = [](Model& m, AnyRef entity, std::string path, double number) {
+        return m.Set(entity, {{path, number}});
+    };
     calls["items"] = [](const QOBClassInfo& cls) { return ItemsOf(cls); };
     calls["targets"] = [](EntityObject& owner, std::string name) {
         return ItemOf(owner.entity->getClassInfo(), name).Get(*owner.entity);

@@ -124,6 +124,28 @@ class Finding(unittest.TestCase):
             m.all(int)
 
 
+class Numbers(unittest.TestCase):
+    def test_numbers_of_values_become_constants_while_an_entity_is_made(self):
+        m = karmp.Model("S")
+        a, b = m.add_body("A"), m.add_body("B", at=(1, 0, 0))
+        p, q = m.add_point("p", a, (0, 0, 0)), m.add_point("q", b, (1, 0, 0))
+        rest = m.add_constant("Rest", "Length", 0.3)
+        spring = m.connect(karmp.LinearSpring, "s", p, q, stiffness=1200, rest_length=rest,
+                           damping_coefficient=m.column(karmp.Body, "mass")[0] + 2.5)
+        self.assertEqual([(v.name, v.physical_quantity, v.value) for v in
+                          (spring.stiffness, spring.rest_length, spring.damping_coefficient)],
+                         [("s.stiffness", "LinearStiffness", 1200.0), ("Rest", "Length", 0.3),
+                          ("s.damping", "LinearDamping", 2.5)])
+        self.assertEqual(m.add(karmp.TorsionSpring, "t", stiffness=2).stiffness.value, 2.0)
+        before = m.text()
+        for given in ({"stiffness": math.nan}, {"first_body": 1.0}, {"stiffness": 1.0, "behavior": "x"}):
+            with self.assertRaises((karmp.Error, ValueError)):
+                m.connect(karmp.LinearSpring, "u", p, q, **given)
+            self.assertEqual(m.text(), before)
+        with self.assertRaisesRegex(TypeError, "an entity is needed, not 'stiff'"):
+            m.add(karmp.LinearSpring, "u", stiffness="stiff")
+
+
 class Links(unittest.TestCase):
     def test_both_ends_are_linked_and_unlinked(self):
         m = karmp.Model("M")
