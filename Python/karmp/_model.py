@@ -143,8 +143,6 @@ class _Model(Model):
     linear_tolerance: _Item[float, float] = _option(1, "In m.")
     angular_tolerance: _Item[float, float] = _option(2, "In rad.")
     ground: Body = _told("ground", "The body that everything stands on.")
-    planar_ground: Body2D = _told(
-        "planar_ground", "The planar frame, which is made when it is first needed, or asked for.")
     time: Variable = _told("time", "The world's time.")
     name: str = _told("name", "The name of the world, which documents do not hold.")
     findings: list[Finding] = _property(lambda model: _findings(_karmp._findings(model)),
@@ -182,6 +180,10 @@ class _Model(Model):
                         towards: _Numbers | None = None, **items: Any) -> Body2D:
         """A body in the plane z = 0, which comes with the first one."""
         return self._make(items, "add_planar_body", id, (at, towards))
+
+    def planar_ground(self) -> Body2D:
+        """The frame of planar bodies, which is made with the first of them or when it is asked for."""
+        return _karmp._planar_ground(self)
 
     def add_rod(self, id: str, mass: float, start: _Numbers, end: _Numbers,
                 radius: float = 0.0, **items: Any) -> Body:

@@ -40,8 +40,17 @@ class Building(unittest.TestCase):
     def test_planar_bodies_are_joined_in_the_plane(self):
         m = karmp.Model("M")
         rod = m.add_rod("Rod", 1.0, (0, 0), (1, 0))
-        pin = m.add_joint(karmp.UserDefined2D, "Pin", m.planar_ground, rod, (0, 0))
-        self.assertEqual(pin.bodies2d, [m.planar_ground, rod])
+        pin = m.add_joint(karmp.UserDefined2D, "Pin", m.planar_ground(), rod, (0, 0))
+        self.assertEqual(pin.bodies2d, [m.planar_ground(), rod])
+
+    def test_reading_what_models_and_entities_have_changes_nothing(self):
+        m = four_bar()
+        before = m.text()
+        for owner in (m, *m.all(karmp.Entity)):
+            for name in dir(owner):
+                getattr(owner, name)
+        self.assertEqual(m.text(), before)
+        self.assertIsInstance(m.planar_ground(), karmp.Body2D)
         self.assertEqual(m.check(), [])
 
     def test_frames_points_variables_and_couplings(self):
