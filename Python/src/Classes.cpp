@@ -104,6 +104,19 @@ using ItemKey =
     std::tuple<const QOBClassInfo*, const Item*, const Item*, std::wstring_view, std::string_view>;
 using ItemNames = std::map<ItemKey, py::object>;
 
+// True when the names of an item and of those in its group tell them from all other items.
+bool IsShortNameEnough(const ItemInfo& item, std::span<const ItemInfo> items)
+{
+    const auto groupOf = [](const ItemInfo& of) {
+        return std::wstring_view(of.path).substr(0, of.path.rfind(L'/') + 1);
+    };
+    return std::ranges::none_of(items, [&](const ItemInfo& other) {
+        const bool isConcerned =
+            groupOf(item).empty() ? &other == &item : groupOf(other) == groupOf(item);
+        return isConcerned && std::ranges::count(items, other.name, &ItemInfo::name) > 1;
+    });
+}
+
 // Lets Python make the class of a record, behind its base, from the names of its items; those that
 // its base has not become properties.
 void MakeClass(const QOBClassInfo& info, const py::function& make, ItemNames& known)
@@ -123,9 +136,9 @@ void MakeClass(const QOBClassInfo& info, const py::function& make, ItemNames& kn
         py::object& name = known[key(&info)];
         name = known[key(base)];
         if (!name) {
-            const bool isAlone = std::ranges::count(items, item.name, &ItemInfo::name) == 1;
+            const bool isShort = IsShortNameEnough(item, items);
             properties.push_back(
-                new Property{&item, SnakeCase(isAlone ? item.name : item.path), DocOf(item)});
+                new Property{&item, SnakeCase(isShort ? item.name : item.path), DocOf(item)});
             name = ToText(properties.back()->name);
         }
         names.append(name);

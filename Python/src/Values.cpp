@@ -64,6 +64,8 @@ std::string SnakeCase(std::wstring_view path)
     const auto isLower = [path](std::size_t at) {
         return at < path.size() && std::iswlower(static_cast<std::wint_t>(path[at])) != 0;
     };
+    if (path == L"DOFindex")
+        return "dof_index"; // its words are not told by capitals
     std::string name;
     for (std::size_t i = 0; i < path.size(); ++i) {
         const auto sign = static_cast<std::wint_t>(path[i]);

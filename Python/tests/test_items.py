@@ -213,6 +213,14 @@ class Table(unittest.TestCase):
                 self.assertTrue(item.isidentifier() and not keyword.iskeyword(item), item)
             self.assertFalse(set(names) & {"model", "__reduce__"})
 
+    def test_names_have_the_words_of_their_items_and_of_groups_that_tell_them_apart(self):
+        known = {(name, row["name"]) for name, rows in ITEMS.items() for row in rows}
+        for name in [("Body", "mass"), ("Body", "cog"), ("JointDOFSensor", "dof_index"),
+                     ("DofSensor", "number_of_dof"), ("Bushing", "pre_force_rx"),
+                     ("SketchFunction", "reference_axis_origin"), ("ForceElement", "class_"),
+                     ("SpatialForceActuator2D", "force2d_vx"), ("SpatialForceActuator2D", "force2d_vy")]:
+            self.assertIn(name, known)
+
     def test_all_classes_are_there(self):
         self.assertEqual(len(list(concrete())), 107)  # no world lists a Diagnostic
         self.assertTrue(all(issubclass(getattr(karmp, name), karmp.Entity) for name in ITEMS))
