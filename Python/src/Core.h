@@ -78,7 +78,10 @@ template <class... More>
 }
 /// Raises TypeError for another thing than the one that is needed.
 [[noreturn]] void RaiseNeeded(const std::string& what, py::handle given);
-[[noreturn]] void RaiseFailure(const std::string& text, KARStatus status,
+/// A sentence of the library with the names that classes have in Python, texts in quotation marks
+/// left alone.
+std::string WithPythonNames(std::string_view text);
+[[noreturn]] void RaiseFailure(std::string_view text, KARStatus status,
                                const py::object& entity = py::none());
 /// Takes over what Python made; raises what it has set instead.
 template <class T = py::object>

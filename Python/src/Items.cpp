@@ -35,10 +35,10 @@ void CopyRows(const NumberArray& numbers, double* entry)
             *entry++ = numbers.At(row, column);
 }
 
-double Finite(double number, const ItemInfo& item)
+double Finite(double number, const std::string& name)
 {
     if (!std::isfinite(number))
-        Raise(PyExc_ValueError, SnakeCase(item.path) + " takes finite numbers");
+        Raise(PyExc_ValueError, name + " takes finite numbers");
     return number;
 }
 
@@ -53,34 +53,33 @@ std::optional<bool> FlagOf(py::handle value)
 }
 
 // Numbers in the shape that the item has; of another shape as a vector, which the item refuses.
-NumberArray ArrayFrom(py::handle value, const ItemInfo& item)
+NumberArray ArrayFrom(py::handle value, const ItemInfo& item, const std::string& name)
 {
     const auto [numbers, isInRows] = NumbersOf(value);
     const bool isVector = item.shape == NumberShape::Vector;
     for (const double number : numbers)
-        Finite(number, item);
+        Finite(number, name);
     if (isVector == isInRows || numbers.size() > 16)
-        Raise(PyExc_ValueError, "the numbers of " + SnakeCase(item.path) + " have another shape");
+        Raise(PyExc_ValueError, "the numbers of " + name + " have another shape");
     std::optional<NumberArray> array;
     if (item.shape == NumberShape::Matrix)
         array = NumberArray::MatrixByRows(numbers);
     else if (!isVector && !(array = NumberArray::TransformationByRows(numbers)))
-        Raise(PyExc_ValueError,
-              SnakeCase(item.path) + " takes a homogeneous matrix, whose last row is 0 ... 0 1");
+        Raise(PyExc_ValueError, name + " takes a homogeneous matrix, whose last row is 0 ... 0 1");
     return array.value_or(NumberArray(NumberShape::Vector, numbers));
 }
 
 // A value by the kind of its item. One of another type raises; what the item says of it does not.
-Value FromPython(py::handle value, const ItemInfo& item, ModelState& state)
+Value FromPython(py::handle value, const ItemInfo& item, const std::string& name, ModelState& state)
 {
     const bool isNone = value.is_none();
     switch (item.kind) {
     case ItemKind::Number:
-        return Finite(Taken<double>(value), item);
+        return Finite(Taken<double>(value), name);
     case ItemKind::OptionalNumber: {
         // Columns have NaN where there is no number.
         const double number = isNone ? NaN : Taken<double>(value);
-        return std::isnan(number) ? Value() : Finite(number, item);
+        return std::isnan(number) ? Value() : Finite(number, name);
     }
     case ItemKind::Integer:
         return Taken<int>(value);
@@ -89,14 +88,14 @@ Value FromPython(py::handle value, const ItemInfo& item, ModelState& state)
     case ItemKind::Code:
         if (const auto flag = FlagOf(value); flag && item.isFlag)
             return *flag;
-        if (item.kind == ItemKind::Flag)
-            Raise(PyExc_TypeError, SnakeCase(item.path) + " takes True or False");
+        if (item.kind == ItemKind::Flag || (item.isFlag && !PyUnicode_Check(value.ptr())))
+            Raise(PyExc_TypeError, name + " takes True or False");
         [[fallthrough]];
     case ItemKind::Text:
         return WideOf(value);
     case ItemKind::Numbers:
     case ItemKind::Transformation:
-        return ArrayFrom(value, item);
+        return ArrayFrom(value, item, name);
     case ItemKind::Reference:
         return isNone ? Value() : EntityOf(value, &state);
     case ItemKind::References:
@@ -109,20 +108,22 @@ Value FromPython(py::handle value, const ItemInfo& item, ModelState& state)
 }
 
 // Records by the fields of each; those that the class fills itself are left to it in new ones.
-Records RecordsFrom(py::handle value, const ItemInfo& item, const KARMPEntity& entity,
+Records RecordsFrom(py::handle value, const Property& property, const KARMPEntity& entity,
                     ModelState& state)
 {
+    const ItemInfo& item = *property.item;
     const auto rows = Taken<std::vector<std::vector<py::object>>>(value);
     const std::size_t old = item.GetRecords(entity).size();
     Records records(rows.size());
     for (std::size_t i = 0; i < rows.size(); ++i) {
         if (rows[i].size() != item.fields.size())
-            Raise(PyExc_ValueError, "a record of " + SnakeCase(item.path) + " has " +
+            Raise(PyExc_ValueError, "a record of " + property.name + " has " +
                                         std::to_string(item.fields.size()) + " fields");
         for (std::size_t at = 0; at < rows[i].size(); ++at) {
             const ItemInfo& field = item.fields[at];
             const bool isLeft = rows[i][at].is_none() || (i >= old && !field.readOnly.empty());
-            records[i].push_back(isLeft ? Value() : FromPython(rows[i][at], field, state));
+            records[i].push_back(
+                isLeft ? Value() : FromPython(rows[i][at], field, SnakeCase(field.path), state));
         }
     }
     return records;
@@ -234,8 +235,8 @@ int SetItem(PyObject* self, PyObject* value, void* property)
         Raise(PyExc_TypeError, row.name + " cannot be deleted");
     if (!item.readOnly.empty())
         Raise(PyExc_AttributeError, row.name + " cannot be set: " + std::string(item.readOnly));
-    const Value made = item.kind == ItemKind::Records ? RecordsFrom(value, item, *entity, *state)
-                                                      : FromPython(value, item, *state);
+    const Value made = item.kind == ItemKind::Records ? RecordsFrom(value, row, *entity, *state)
+                                                      : FromPython(value, item, row.name, *state);
     AliveOf(self); // converting may have run any code
     const bool isTaken = item.Takes(made) || (made.IsNone() && item.kind == ItemKind::Reference);
     Do(*state, row.name, [&, &entity = entity, &state = *state] {
@@ -244,11 +245,13 @@ int SetItem(PyObject* self, PyObject* value, void* property)
             return state.model.Set(AnyRef(entity), kar::ToUtf8(item.path), made);
         std::string why;
         const KARStatus status = item.Set(*entity, made, why);
+        if (isTaken && !KARFailed(status))
+            return true;
+        if (const std::string path = kar::ToUtf8(item.path); why.starts_with(path))
+            why.replace(0, path.size(), row.name);
         if (!isTaken)
-            Raise(IsLink(item) ? PyExc_TypeError : PyExc_ValueError, why);
-        if (KARFailed(status))
-            RaiseFailure(why, status, Wrap(entity, state));
-        return true;
+            Raise(IsLink(item) ? PyExc_TypeError : PyExc_ValueError, WithPythonNames(why));
+        RaiseFailure(why, status, Wrap(entity, state));
     });
     return 0;
 }

@@ -85,11 +85,29 @@ py::object OfPackage(const char* name)
     return py::module_::import("karmp").attr(name);
 }
 
-void RaiseFailure(const std::string& text, KARStatus status, const py::object& entity)
+std::string WithPythonNames(std::string_view text)
+{
+    constexpr std::string_view prefix = "KARMP";
+    std::string told;
+    bool isQuoted = false;
+    while (!text.empty()) {
+        isQuoted = isQuoted != (text[0] == '"');
+        const std::string_view rest = text.starts_with(prefix) ? text.substr(prefix.size()) : "";
+        if (!isQuoted && !rest.empty() && rest[0] >= 'A' && rest[0] <= 'Z') {
+            text = rest;
+            continue;
+        }
+        told += text[0];
+        text.remove_prefix(1);
+    }
+    return told;
+}
+
+void RaiseFailure(std::string_view text, KARStatus status, const py::object& entity)
 {
     if (status == KAROutOfMemory)
         throw std::bad_alloc();
-    Raise(OfPackage("Error"), text, status, entity);
+    Raise(OfPackage("Error"), WithPythonNames(text), status, entity);
 }
 
 void RaiseNeeded(const std::string& what, py::handle given)

@@ -108,6 +108,22 @@ class WrongValues(unittest.TestCase):
             with self.assertRaises(ValueError, msg=item):
                 setattr(self.body, item, value)
 
+    def test_sentences_have_the_names_of_python(self):
+        m = four_bar()
+        crank, motor = m.bodies["Crank"], m.add(karmp.Motor, "KARMPMotor")
+        for error, text, call in (
+            (TypeError, '^variable takes an entity of class Variable, not Body "Crank".$',
+             lambda: setattr(motor, "variable", crank)),
+            (ValueError, "^target_type takes one of ", lambda: setattr(motor, "target_type", "Vel")),
+            (TypeError, "^is_fixed takes True or False$", lambda: setattr(crank, "is_fixed", 1)),
+            (ValueError, "^mass takes finite numbers$", lambda: setattr(crank, "mass", math.inf)),
+            (ValueError, "^the numbers of cog have", lambda: setattr(crank, "cog", [[1, 2, 3]])),
+            (karmp.Error, '^Body "Crank" and Motor "KARMPMotor" have no link "KARMPLink"$',
+             lambda: m.link(crank, motor, "KARMPLink")),
+        ):
+            with self.assertRaisesRegex(error, text):
+                call()
+
     def test_unknown_items_tell_a_near_name(self):
         for use in (lambda: self.body.mas, lambda: setattr(self.body, "mas", 1)):
             with self.assertRaisesRegex(AttributeError, 'no item "mas"; near: "mass"'):
