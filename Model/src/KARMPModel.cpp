@@ -192,8 +192,7 @@ Ref<KARMPEntity> Model::Add(std::string_view className, std::string_view identif
             const auto names = KARMPFactory::GetClassNames();
             const std::string nearest = NearestName(className, names);
             if (nearest != className && !ItemsOf(className).empty())
-                return edit.Fail("\"" + std::string(className) +
-                                 "\" is a base class, of which no entity is made");
+                return edit.Fail("a " + std::string(className) + IsBaseClass);
             if (className.empty() || nearest != className)
                 return edit.Fail("there is no class \"" + std::string(className) + '"' +
                                  (nearest.empty() ? nearest : "; near: \"" + nearest + '"'));

@@ -1,5 +1,6 @@
 #include "KARMPModelEdit.h"
 
+#include "KARMPGenericFactory.h"
 #include "KARMPModelCore.h"
 #include "KARMPModelLinks.h"
 #include "KARMPModelNames.h"
@@ -99,9 +100,13 @@ bool Edit::IsThere(const QOBSharedBase& entity, std::string_view role)
 
 bool Edit::FailToCreate(const QOBClassInfo& info, const Entity& entity)
 {
-    return Fail(entity ? "a world has no list for a " + info.getName() +
-                             ", which is kept by who makes it and by no document"
-                       : "a " + info.getName() + " cannot be made");
+    const std::string title = "a " + info.getName();
+    if (entity)
+        return Fail("a world has no list for " + title +
+                    ", which is kept by who makes it and by no document");
+    const auto names = KARMPFactory::GetClassNames();
+    const bool isMade = std::find(names.begin(), names.end(), info.getName()) != names.end();
+    return Fail(title + (isMade ? " cannot be made" : IsBaseClass));
 }
 
 bool Edit::FailAsTaken(std::string_view identifier, const KARMPEntity& entity)

@@ -32,6 +32,9 @@ inline bool IsAscii(std::string_view text)
 /// is near.
 std::string NearestName(std::string_view text, const std::vector<std::string>& names);
 
+/// What is told of a base class behind its name.
+constexpr const char* IsBaseClass = " is a base class, of which no entity is made";
+
 /// "two" to "nine", other numbers in digits.
 std::string NumberWord(std::size_t number);
 

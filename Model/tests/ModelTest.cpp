@@ -70,7 +70,11 @@ TEST_F(ModelTest, ClassIsAlsoChosenByName)
               "there is no class \"KARMPRevolut\"; near: \"KARMPRevolute\"");
     EXPECT_FALSE(model.Add("KARMPConstraint", "C"));
     EXPECT_EQ(model.Problems()[1].text,
-              "\"KARMPConstraint\" is a base class, of which no entity is made");
+              "a KARMPConstraint is a base class, of which no entity is made");
+    EXPECT_FALSE(model.Attach<KARMPGeometry>("D", model.Body("B")));
+    EXPECT_EQ(TakeReports(), 1U);
+    EXPECT_EQ(model.Problems()[2].text,
+              "a KARMPGeometry is a base class, of which no entity is made");
 }
 
 TEST_F(ModelTest, SettingsOfTheWorldAreUndoneWithABlock)

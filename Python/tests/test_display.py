@@ -52,6 +52,25 @@ class Notebook(unittest.TestCase):
         self.assertIn(">mass</span></td><td>0.2</td>", text)
         self.assertIn("The mass.", text)
 
+    def test_long_tables_tell_how_many_rows_they_leave_out(self):
+        m = karmp.Model("Many")
+        for i in range(199):
+            m.add_body(f"B{i}")
+        self.assertEqual(m._repr_html_().count("<td>Body</td>"), 200)  # with the ground
+        self.assertNotIn("more</p>", m._repr_html_())
+        m.add_body("Last")
+        text = m._repr_html_()
+        self.assertEqual(text.count("<td>Body</td>"), 200)
+        self.assertIn("<p>and 1 more</p>", text)
+        self.assertNotIn("Last", text)
+        self.assertNotIn("finding", text)
+        self.assertNotIn("joints: 0", text)
+
+    def test_findings_of_loading_are_shown(self):
+        m = karmp.loads(four_bar().text().replace("</Weight>", "<Colour/></Weight>", 1))
+        self.assertIn("<th>finding</th>", m._repr_html_())
+        self.assertIn("[unknown-element]", m._repr_html_())
+
     def test_every_entity_can_be_shown(self):
         for entity in self.model.all(karmp.Entity):
             self.assertIn("<table>", entity._repr_html_())

@@ -118,6 +118,7 @@ class WrongValues(unittest.TestCase):
             (TypeError, "^is_fixed takes True or False$", lambda: setattr(crank, "is_fixed", 1)),
             (ValueError, "^mass takes finite numbers$", lambda: setattr(crank, "mass", math.inf)),
             (ValueError, "^the numbers of cog have", lambda: setattr(crank, "cog", [[1, 2, 3]])),
+            (karmp.Error, "^a Joint is a base class,", lambda: m.add(karmp.Joint, "J")),
             (karmp.Error, '^Body "Crank" and Motor "KARMPMotor" have no link "KARMPLink"$',
              lambda: m.link(crank, motor, "KARMPLink")),
         ):

@@ -298,9 +298,32 @@ class Documents(unittest.TestCase):
         with self.assertRaises(karmp.DocumentError):
             four_bar().save("/does/not/exist.xml")
 
+    def test_errors_tell_their_status_entity_and_findings(self):
+        m = four_bar()
+        with self.assertRaises(karmp.Error) as raised:
+            m.add_body("")
+        self.assertLess(raised.exception.status, 0)
+        self.assertIsNone(raised.exception.entity)
+        self.assertLess(karmp.Error().status, 0)
+        self.assertIs(karmp.Error("", -1, m.ground).entity, m.ground)
+        text = m.text().replace("</Weight>", "<Colour/></Weight>", 1).replace("<Mass>0.2", "<Mass>heavy")
+        with self.assertRaises(karmp.DocumentError) as raised:
+            karmp.loads(text, "heavy.xml")
+        told = raised.exception
+        self.assertEqual([f.severity for f in told.findings], ["warning", "error"])
+        self.assertEqual(str(told), f"heavy.xml cannot be loaded\n{told.findings[1]!r}")
+
     def test_findings_of_a_good_load_are_kept(self):
         text = four_bar().text().replace("</Weight>", "<Colour/></Weight>", 1)
-        self.assertEqual([f.code for f in karmp.loads(text).findings], ["unknown-element"])
+        [finding] = karmp.loads(text, "four-bar").findings
+        line = text[:text.index("<Colour/>")].count("\n") + 1
+        column = text.splitlines()[line - 1].index("Colour/>") + 1
+        self.assertEqual((finding.severity, finding.code, finding.file, finding.line, finding.column),
+                         ("warning", "unknown-element", "four-bar", line, column))
+        self.assertTrue(finding.path.endswith("/Body[1]/Weight/Colour"), finding.path)
+        self.assertIn('"Colour"', finding.text)
+        self.assertEqual(repr(finding), f"four-bar:{line}:{column}: warning: {finding.text} "
+                                        f"[unknown-element] at {finding.path}")
 
     def test_differences_tell_what_changed(self):
         m = four_bar()
@@ -310,6 +333,19 @@ class Documents(unittest.TestCase):
         self.assertEqual((difference.kind, difference.item, difference.before, difference.after),
                          ("changed", "mass", 0.2, 3.0))
         self.assertIs(difference.entity, m.bodies["Crank"])
+        self.assertEqual(repr(difference), 'changed <karmp.Body "Crank"> mass: 0.2 -> 3.0')
+
+    def test_differences_show_the_side_that_has_a_value(self):
+        m = four_bar()
+        other = m.clone()
+        other.variables["Crank angle"].max_value = 2.0
+        self.assertEqual([repr(d) for d in m.diff(other)],
+                         ['changed <karmp.Variable "Crank angle"> max_value: None -> 2.0'])
+        self.assertEqual([repr(d) for d in other.diff(m)],
+                         ['changed <karmp.Variable "Crank angle"> max_value: 2.0 -> None'])
+        body = other.add_body("New")
+        self.assertEqual(repr(m.diff(other)[0]), 'added <karmp.Body "New">')
+        self.assertIs(m.diff(other)[0].entity, body)
 
     def test_differences_call_items_and_settings_as_python_does(self):
         m = four_bar()
@@ -340,9 +376,29 @@ class Documents(unittest.TestCase):
 
     def test_extract_takes_the_part_around_bodies(self):
         m = four_bar()
+        self.assertEqual(sorted(m.extract([m.bodies["Crank"]])[0].bodies.keys()), ["Crank", "GlobalBody"])
         part, cut = m.extract([m.bodies["Crank"]], reach=1)
         self.assertEqual(sorted(part.bodies.keys()), ["Coupler", "Crank", "GlobalBody"])
         self.assertIn((m.bodies["Coupler"], "joints", m.joints["C"]), cut)
+
+
+class Calls(unittest.TestCase):
+    def test_what_is_left_out_has_a_default(self):
+        for solid in (karmp.box(1, (1, 1, 1)), karmp.ball(1, 1), karmp.cylinder(1, 1, 1)):
+            body = karmp.Model("S").add_body("B", solid=solid)
+            self.assertEqual(list(body.cog), [0, 0, 0])
+        m = karmp.Model("M")
+        self.assertEqual(list(m.gravity), [0, 0, 0])
+        rods = [m.add_rod(f"R{i}", 3.0, (0, 0, 0), (0, 0, 2.0), *radius)
+                for i, radius in enumerate([(), (0,)])]
+        self.assertEqual(rods[0].inertia_matrix.tolist(), rods[1].inertia_matrix.tolist())
+        m.add_joint(karmp.Prismatic, "J", *rods, (0, 0, 0))
+        m.add_joint(karmp.Prismatic, "K", m.ground, rods[0], (0, 0, 0))
+        one, other = m.variable("v", m.joints["J"]), m.variable("w", m.joints["K"])
+        self.assertEqual((one.value, m.couple(karmp.Gear, "C", {one: 1.0, other: 2.0}).equation
+                          .constant_term), (0.0, 0.0))
+        self.assertNotIn(rods[0], m.delete(m.joints["K"])["gone"])
+        self.assertIn("w", m.variables)
 
 
 class Columns(unittest.TestCase):
@@ -356,6 +412,16 @@ class Columns(unittest.TestCase):
         self.assertEqual(rod.mass, 3.0)
         # A planar position has another shape, and its class no centre in space.
         self.assertTrue(math.isnan(m.column(karmp.Body, "position")[list(m.bodies).index(rod)][0, 0]))
+
+    def test_links_and_what_has_no_numbers_are_no_columns(self):
+        m = four_bar()
+        for name in ("outputs", "joints", "shapes"):
+            self.assertNotIn(name, m.table(karmp.Body))
+            with self.assertRaisesRegex(ValueError, f"^{name} is no column$"):
+                m.column(karmp.Body, name)
+        for call in (lambda: m.column(karmp.Body, "mas"), lambda: m.set(karmp.Body, "mas", [1] * 4)):
+            with self.assertRaisesRegex(AttributeError, 'karmp.Body has no item "mas"; near: "mass"'):
+                call()
 
     def test_flags_of_numpy_and_numbers_that_are_not_there_go_back(self):
         m = four_bar()
