@@ -133,6 +133,33 @@ class Finding(unittest.TestCase):
             m.all(int)
 
 
+class Names(unittest.TestCase):
+    def test_entities_are_found_by_a_name_that_is_theirs_alone_in_the_class(self):
+        m = karmp.Model("N")
+        bodies = [m.add_body(name) for name in "abc"]
+        motor = m.add(karmp.Motor, "motor")
+        for entity in (bodies[0], motor):
+            m.rename(entity, "N")
+        self.assertIs(m.bodies["N"], bodies[0])
+        self.assertIs(m.all(karmp.Motor)["N"], motor)
+        m.rename(bodies[1], "N")
+        self.assertIsNone(m.bodies.get("N"))
+        with self.assertRaisesRegex(KeyError, 'there are 2 Body of the name "N"'):
+            m.bodies["N"]
+        with self.assertRaisesRegex(KeyError, "'there is no Joint \"N\"'"):
+            m.joints["N"]
+        with self.assertRaisesRegex(KeyError, "'there is no Body \"motor\"'"):
+            m.bodies["motor"]
+
+    def test_lists_of_entities_compare_with_others(self):
+        m = four_bar()
+        crank, bodies = m.bodies["Crank"], m.joints["A"].bodies
+        self.assertTrue(crank in bodies and m.bodies["Rocker"] not in bodies)
+        self.assertTrue(bodies == [m.ground, crank] and bodies == (m.ground, crank))
+        self.assertFalse(bodies == [crank] or bodies == 3)
+        bodies.index(crank)
+
+
 class Numbers(unittest.TestCase):
     def test_numbers_of_values_become_constants_while_an_entity_is_made(self):
         m = karmp.Model("S")
@@ -214,6 +241,15 @@ class Editing(unittest.TestCase):
             m.rename(m.bodies["Rocker"], "Other")
             1 / 0
         self.assertEqual(m.text(), before)
+
+    def test_what_was_entered_and_never_left_is_kept(self):
+        m = four_bar()
+        block = m.editing()
+        block.__enter__()
+        m.bodies["Crank"].mass = 9
+        del block
+        self.assertEqual(m.bodies["Crank"].mass, 9)
+        m.delete(m.joints["D"])  # no block is open
 
     def test_inner_block_is_undone_alone(self):
         m = karmp.Model("M")
