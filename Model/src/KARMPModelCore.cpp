@@ -147,7 +147,12 @@ std::size_t Core::OpenBlock(Where where)
 {
     if (!MayBegin(where))
         return 0;
-    m_blocks.push_back({m_lastBlock + 1, m_log.size()});
+    try {
+        m_blocks.push_back({m_lastBlock + 1, m_log.size()});
+    } catch (const std::bad_alloc&) {
+        AddProblem("no memory left", KAROutOfMemory, where);
+        return 0;
+    }
     return ++m_lastBlock;
 }
 

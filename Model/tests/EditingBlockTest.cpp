@@ -211,6 +211,23 @@ TEST_F(EditingBlockTest, OuterBlockEndsTheInnerOnesWithIt)
 {
     Model model("M");
     const auto outer = model.BeginEditing();
+TEST_F(EditingBlockTest, BlockThatHasNoMemoryIsAProblemAndNotOpen)
+{
+    if (!AllocationCounter::Counts)
+        GTEST_SKIP() << "Allocations are not counted in this build";
+    Model model("M");
+    std::size_t begin = 1;
+    {
+        AllocationCounter allocations;
+        allocations.FailAllocation(1);
+        EXPECT_NO_THROW(begin = model.BeginEditing());
+    }
+    EXPECT_EQ(begin, 0U);
+    ASSERT_EQ(model.Problems().size(), 1U);
+    EXPECT_EQ(model.Problems()[0].status, KAROutOfMemory);
+    EXPECT_TRUE(model.Delete(model.Body("A")));
+}
+
     model.Body("A");
     const auto inner = model.BeginEditing();
     model.Body("B");
