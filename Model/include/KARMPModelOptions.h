@@ -64,6 +64,7 @@ struct BodyOptions
                          const std::optional<KARMathPoint>& target = {}) const
     {
         BodyOptions placed = *this;
+        placed.position.reset();
         placed.at = origin;
         placed.towards = target;
         return placed;

@@ -48,7 +48,10 @@ TEST_F(PartsTest, BodyStandsWhereItsSolidIsPlaced)
         "Rod", Ball(1.0, 0.1).PlacedAt(KARMathPoint(1.0, 2.0, 0.0), KARMathPoint(1.0, 5.0, 0.0)));
     EXPECT_EQ(PositionOf(rod) * KARMathPoint(2.0, 0.0, 0.0), KARMathPoint(1.0, 4.0, 0.0));
     const KARMathTransformation position(KARMathVector(0.0, 0.0, 3.0));
-    EXPECT_EQ(PositionOf(m_model.Body("Box", Box(1.0, {}).PlacedAt(position))), position);
+    const BodyOptions placed = Box(1.0, {}).PlacedAt(position);
+    EXPECT_EQ(PositionOf(m_model.Body("Box", placed)), position);
+    EXPECT_EQ(PositionOf(m_model.Body("Again", placed.PlacedAt(KARMathPoint(1.0, 2.0, 0.0)))),
+              KARMathTransformation(KARMathVector(1.0, 2.0, 0.0)));
     const auto flat = m_model.PlanarBody("Flat", {.at = KARMathPoint2D(1.0, 2.0)});
     EXPECT_EQ(PositionOf(flat).GetVector(), KARMathVector2D(1.0, 2.0));
 }
