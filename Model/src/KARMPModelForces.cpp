@@ -49,6 +49,8 @@ Result<double> Model::Evaluate(const Ref<KARMPExpression>& expression,
     };
     if (!expression)
         return failed("there is no expression");
+    if (m_core->IsForeign(*expression))
+        return failed("the expression, " + TitleOf(*expression) + ", is of another world");
     KARWBEquation* equation = nullptr;
     KARWBFactory* factory = nullptr;
     double number = 0.0;

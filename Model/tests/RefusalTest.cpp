@@ -124,6 +124,10 @@ TEST_F(RefusalTest, QuestionsAboutAnEntityOfAnotherModelHaveNoAnswer)
     EXPECT_FALSE(extraction);
     EXPECT_EQ(extraction.Error().text, "the body to extract, KARMPBody \"A\", is of another world");
 }
+    Model other("N");
+    const auto law = other.Expression("L", KARMPPhysicalQuantity::Angle, "2 * t", {other.Time()});
+    EXPECT_EQ(models.model.Evaluate(law, {{"t", 1.0}}).Error().text,
+              "the expression, KARMPExpression \"L\", is of another world");
 
 TEST_F(RefusalTest, LinkToAnotherWorldThatSomebodyMadeCanBeTakenAway)
 {
