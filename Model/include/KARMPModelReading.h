@@ -82,7 +82,8 @@ struct SpatialForce
 /// What a body needs from all that acts on it but gravity for the motion that it has, about its
 /// centre of gravity. Velocity and acceleration are those of its origin.
 KARMP_MODEL_API SpatialForce NeededForce(const Ref<KARMPBody>& body);
-/// The force in N with which a spring pushes the two bodies apart where they stand, at rest.
+/// The force in N with which a spring pushes the two bodies apart where they stand, at rest; no
+/// number for a spring that is not held on two geometries.
 KARMP_MODEL_API double ForceOf(const Ref<KARMPLinearSpring>& spring);
 
 /// The greatest distance in m between the two sides of a joint that lets its bodies turn, but not

@@ -17,6 +17,7 @@
 #include "KARTextConversion.h"
 
 #include <algorithm>
+#include <limits>
 #include <variant>
 
 namespace karmp::model {
@@ -149,6 +150,8 @@ double ForceOf(const Ref<KARMPLinearSpring>& spring)
     double restLength = 0.0;
     spring->GetLinkedGeometry(0, first);
     spring->GetLinkedGeometry(1, second);
+    if (!first || !second)
+        return std::numeric_limits<double>::quiet_NaN();
     spring->GetStiffness(stiffness);
     spring->GetRestLength(restLength);
     return stiffness * (restLength - (PlaceOf(Ref(second)) - PlaceOf(Ref(first))).Norm());

@@ -58,6 +58,7 @@ TEST_F(ReadingTest, SpringCarriesItsLoadWhereItStands)
     EXPECT_EQ(m_model.Problems().size(), 4U);
     m_model.ClearProblems();
     EXPECT_TRUE(TextOf(m_model) == before);
+    EXPECT_TRUE(std::isnan(ForceOf(m_model.Add<KARMPLinearSpring>("Loose"))));
 }
 
 TEST_F(ReadingTest, GapIsTheWayBetweenTheNearestPoints)
