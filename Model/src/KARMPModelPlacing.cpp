@@ -166,6 +166,10 @@ std::optional<std::string> NameOn(Edit& edit, const Edit::Entity& owner,
     if (!edit.IsThere(owner, "body") ||
         !edit.Check(owner->GetIdentifier(name), "the identifier", *owner))
         return {};
+    if (identifier.empty()) {
+        edit.Fail("what belongs to " + TitleOf(*owner) + " needs an identifier");
+        return {};
+    }
     return kar::ToUtf8(name) + '.' + std::string(identifier);
 }
 

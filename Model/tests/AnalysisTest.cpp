@@ -97,7 +97,10 @@ TEST_F(AnalysisTest, AttributesThatCannotBeMadeLeaveNothing)
     EXPECT_FALSE(m_model.AddAttributes<KARMPParameter>({}, {{"first", Quantity::Length}}));
     EXPECT_FALSE(m_model.InitialCondition("A", {}));
     EXPECT_FALSE(m_model.AnalysisCase("Run", {.steps = {{"Step"}, {"Step"}}}));
-    EXPECT_EQ(m_model.Problems().size(), 5U);
+    EXPECT_FALSE(m_model.AddAttributes<KARMPParameter>(m_body, {{"", Quantity::Length}}));
+    ASSERT_EQ(m_model.Problems().size(), 6U);
+    EXPECT_EQ(m_model.Problems().back().text,
+              "what belongs to KARMPBody \"A\" needs an identifier");
     m_model.ClearProblems();
     EXPECT_TRUE(TextOf(m_model) == before);
     EXPECT_EQ(m_body->GetParameterCount(), 0);
