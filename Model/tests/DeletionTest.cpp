@@ -136,6 +136,101 @@ TEST_F(DeletionTest, WithShortTakesShapesWithoutBodiesAndExpressionsThatLoseAVar
     EXPECT_TRUE(driven.angle);
 }
 
+/// What a deletion leaves short, each with its item.
+std::string Short(const Deletion& deletion)
+{
+    std::string text;
+    for (const Dependent& left : deletion.leftShort)
+        text += kar::ToUtf8(left.entity->getEntityName()) + ' ' + left.item + ' ';
+    return text;
+}
+
+TEST_F(DeletionTest, EntityIsLeftShortByTheLeastNumberOfEntriesThatItNeeds)
+{
+    Driven driven;
+    Model& model = driven.model;
+    const auto preview = [&model](const Ref<KARMPEntity>& entity) {
+        return Short(model.Delete(entity, {.preview = true}));
+    };
+    EXPECT_EQ(preview(model.Find<KARMPEntity>("Pin.constraint")), "Pin Constraints ");
+    RefList<KARMPVariable> variables;
+    const auto equation = model.Add<KARMPLinearEquation>("Equation");
+    for (const char* const name : {"p", "q", "r"})
+        variables.push_back(model.Variable(name, KARMPPhysicalQuantity::Angle));
+    model.Expression("Sum", KARMPPhysicalQuantity::Angle, "p + q + r", variables);
+    for (const auto& variable : variables)
+        ASSERT_TRUE(model.Link(equation, variable));
+    EXPECT_EQ(preview(variables[0]), "Sum Variables ");
+    ASSERT_TRUE(model.Unlink(equation, variables[2]));
+    EXPECT_EQ(preview(variables[0]), "Equation Variables Sum Variables ");
+    model.Connect<KARMPBushing>("Bushing", driven.crank, driven.rod, KARMathAxis());
+    EXPECT_EQ(preview(model.Find<KARMPEntity>("Rod.Bushing")), "Bushing Geometries ");
+    const auto rule = model.Add<KARMPCollisionRule>("Rule");
+    const auto shape = model.Add<KARMP3DRep>("Shape");
+    const auto other = model.Add<KARMP3DRep>("Other");
+    ASSERT_TRUE(model.Set(rule, {{"Collidables", {shape, other}}}));
+    EXPECT_EQ(preview(shape), "Rule Collidables ");
+    const auto flat = model.PlanarBody("Flat");
+    model.Joint<KARMPUserDefined2D>("Hinge", model.PlanarGround(), flat, {1.0, 0.0});
+    EXPECT_EQ(preview(flat), "Hinge.constraint Geometries Hinge Bodies2D ");
+    const auto moved = model.Add<KARMPDisplacementSensor>("Moved", {{"Body", driven.crank}});
+    EXPECT_EQ(preview(moved), "");
+    EXPECT_TRUE(model.Problems().empty()) << model.Problems()[0].text;
+}
+
+TEST_F(DeletionTest, WithShortGoesOnToWhatNeedsWhatIsShort)
+{
+    Driven driven;
+    const auto target = driven.model.Expression("Target", KARMPPhysicalQuantity::Angle, "2 * angle",
+                                                {driven.angle});
+    const auto other = driven.model.Add<KARMPMotor>("Other", {{"Position", target}});
+    ASSERT_TRUE(driven.model.Delete(driven.angle, {.withShort = true}));
+    EXPECT_FALSE(target);
+    EXPECT_FALSE(other);
+    EXPECT_EQ(BrokenLinks(driven.model), "");
+}
+
+TEST_F(DeletionTest, ElementsGoWithTheEntityThatIsMadeOfThem)
+{
+    Model model("M");
+    const auto whole = model.Add<KARMPSketch>("whole");
+    const auto part = model.Add<KARMPSketch>("part");
+    const auto point = model.Add<KARMPPoint>("point");
+    const auto told = model.Add<KARMPSketch>("told");
+    ASSERT_TRUE(model.Link(whole, part, "AggregatedElements"));
+    ASSERT_TRUE(model.Link(part, point, "AggregatedElements"));
+    // No world lists it.
+    const QOBSharedHandle<KARMPEntity> finding(KARMPDiagnostic::create(L"finding"));
+    ASSERT_TRUE(model.Link(part, Ref<KARMPEntity>(finding), "AggregatedElements"));
+    EXPECT_EQ(model.Delete(whole).gone.size(), 4U);
+    EXPECT_FALSE(part);
+    EXPECT_FALSE(point);
+    EXPECT_TRUE(told);
+}
+
+TEST_F(DeletionTest, WhatASensorHasMeasuredOfADeletedEntityIsForgotten)
+{
+    Driven driven;
+    Model& model = driven.model;
+    const auto sensor = model.Add<KARMPCollisionSensor>("Sensor");
+    KARMPContactForceData contact;
+    contact.firstBody = driven.rod.Handle();
+    contact.secondBody = driven.rod.Handle();
+    ASSERT_EQ(sensor->AddContactForceData(contact), KARSuccess);
+    const auto layer = model.Add<KARMPCollisionLayer>("Layer");
+    ASSERT_TRUE(model.Link(layer, driven.rod, "Entities"));
+    EXPECT_TRUE(model.Delete(driven.crank));
+    EXPECT_EQ(sensor->GetContactForceDataCount(), 1);
+    const auto deletion = model.Delete(driven.rod);
+    EXPECT_TRUE(std::any_of(
+        deletion.unlinked.begin(), deletion.unlinked.end(), [&](const Dependent& dropped) {
+            return dropped.entity == sensor && dropped.item == "ContactForceDataContainer" &&
+                   dropped.target == driven.rod;
+        }));
+    EXPECT_EQ(sensor->GetContactForceDataCount(), 0);
+    EXPECT_EQ(BrokenLinks(model), "");
+}
+
 TEST_F(DeletionTest, DependentsTellEachItemThatRefers)
 {
     const Driven driven;
@@ -154,9 +249,14 @@ TEST_F(DeletionTest, GroundAndGlobalsStay)
     EXPECT_FALSE(driven.model.Delete(driven.model.Ground()));
     EXPECT_FALSE(driven.model.Delete(driven.model.Time()));
     EXPECT_FALSE(driven.model.Delete(driven.model.Find<KARMPGeometry>("GlobalAxisSystem")));
-    EXPECT_EQ(driven.model.Problems().size(), 3U);
+    ASSERT_EQ(driven.model.Problems().size(), 3U);
+    EXPECT_EQ(driven.model.Problems()[1].text,
+              "KARMPVariable \"GlobalTime\" belongs to the world and stays");
     driven.model.ClearProblems();
     EXPECT_TRUE(TextOf(driven.model) == before);
+    driven.model.World()->SetGroundBody(driven.rod.Handle());
+    EXPECT_FALSE(driven.model.Delete(driven.rod));
+    EXPECT_FALSE(driven.model.Delete(driven.model.Find<KARMPBody>("GlobalBody")));
 }
 
 TEST_F(DeletionTest, DeletedEntityIsNotDeletedTwice)
