@@ -108,7 +108,11 @@ TEST_F(EditingBlockTest, WhatCannotBeUndoneIsRefusedInABlock)
     EXPECT_TRUE(model.Delete(body, {.preview = true}));
     EXPECT_FALSE(model.Set(equation, "LinearTermDataContainer",
                            std::vector<karmp::RecordValues>{{1.0, 2.0}}));
-    EXPECT_EQ(model.Problems().size(), 2U);
+    ASSERT_EQ(model.Problems().size(), 2U);
+    EXPECT_EQ(model.Problems()[0].text,
+              "a deletion cannot be undone with the block of edits it is in");
+    EXPECT_EQ(model.Problems()[1].text, "\"LinearTermDataContainer\" of KARMPLinearEquation \"E\" "
+                                        "cannot be undone with the block of edits it is set in");
     model.EndEditing(begin, true);
     EXPECT_TRUE(model.Delete(body));
 }
@@ -207,10 +211,6 @@ TEST_F(EditingBlockTest, BlockThatIsNotOpenIsNotEnded)
     EXPECT_TRUE(model.Find<KARMPBody>("B"));
 }
 
-TEST_F(EditingBlockTest, OuterBlockEndsTheInnerOnesWithIt)
-{
-    Model model("M");
-    const auto outer = model.BeginEditing();
 TEST_F(EditingBlockTest, BlockThatHasNoMemoryIsAProblemAndNotOpen)
 {
     if (!AllocationCounter::Counts)
@@ -228,6 +228,10 @@ TEST_F(EditingBlockTest, BlockThatHasNoMemoryIsAProblemAndNotOpen)
     EXPECT_TRUE(model.Delete(model.Body("A")));
 }
 
+TEST_F(EditingBlockTest, OuterBlockEndsTheInnerOnesWithIt)
+{
+    Model model("M");
+    const auto outer = model.BeginEditing();
     model.Body("A");
     const auto inner = model.BeginEditing();
     model.Body("B");
@@ -249,8 +253,11 @@ TEST_F(EditingBlockTest, ValueThatCannotBeUnsetIsSetInABlockOfNewEntitiesAlone)
     const auto begin = model.BeginEditing();
     EXPECT_FALSE(model.Set(constant, "PhysicalQuantity", std::wstring(L"Length")));
     const auto made = model.Add<KARMPConstant>("d");
+    const auto inner = model.BeginEditing();
+    EXPECT_FALSE(model.Set(made, "PhysicalQuantity", std::wstring(L"Length")));
+    model.EndEditing(inner, false);
     EXPECT_TRUE(model.Set(made, "PhysicalQuantity", std::wstring(L"Length")));
-    EXPECT_EQ(model.Problems().size(), 1U);
+    EXPECT_EQ(model.Problems().size(), 2U);
     model.ClearProblems();
     model.EndEditing(begin, false);
     EXPECT_TRUE(TextOf(model) == before);
@@ -286,6 +293,29 @@ TEST_F(EditingBlockTest, ManyUnlinksTakeMemoryAndTimeByTheirNumber)
     const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
     EXPECT_TRUE(TextOf(model) == before);
     EXPECT_LT(seconds.count(), 0.3);
+}
+
+TEST_F(EditingBlockTest, EntriesBehindManyThatWereUnlinkedStandInTheirOrderAgain)
+{
+    Model model("M");
+    const auto joint = model.Add<KARMPRevolute>("J");
+    RefList<KARMPPoint> points;
+    for (int i = 0; i < 40; ++i) {
+        const std::string number = std::to_string(i);
+        points.push_back(model.Point("P" + number, model.Ground(), {}));
+        model.Link(joint, model.Body("B" + number));
+    }
+    const auto outer = model.BeginEditing();
+    EXPECT_TRUE(model.Unlink(points.back(), model.Ground()));
+    const std::string before = TextOf(model);
+    const auto inner = model.BeginEditing();
+    for (std::size_t i = points.size() - 1; i > 1; i -= 2)
+        EXPECT_TRUE(model.Unlink(points[i - 1], model.Ground()));
+    EXPECT_TRUE(model.Set(joint, "Bodies", karmp::Value()));
+    model.EndEditing(inner, false);
+    EXPECT_TRUE(TextOf(model) == before);
+    EXPECT_EQ(BrokenLinks(model), "");
+    model.EndEditing(outer, true);
 }
 
 /// A loader that calls the model back.

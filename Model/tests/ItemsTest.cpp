@@ -66,6 +66,17 @@ TEST_F(ItemsTest, ReferenceIsSetOnBothSidesAndUnsetByNone)
     EXPECT_TRUE(model.Problems().empty());
 }
 
+TEST_F(ItemsTest, ReferenceTakesNothingButEntities)
+{
+    Model model("M");
+    const auto body = model.Body("A");
+    const auto point = model.Point("P", body, {});
+    EXPECT_FALSE(model.Set(point, "Body", 1.0));
+    ASSERT_EQ(model.Problems().size(), 1U);
+    EXPECT_EQ(model.Problems()[0].text, "\"Body\" of KARMPPoint \"A.P\" refers to entities");
+    EXPECT_EQ(body->GetGeometryCount(), 1);
+}
+
 TEST_F(ItemsTest, OptionalNumberIsUnsetByNoneAndOtherNumbersAreNot)
 {
     Model model("M");
@@ -253,6 +264,17 @@ TEST_F(ItemsTest, ListWithAnOrderIsSetInThatOrder)
     EXPECT_TRUE(TextOf(set.model) == before);
 }
 
+TEST_F(ItemsTest, ListWithAnOrderAndWithoutWordsIsSetInThatOrder)
+{
+    Jointed set;
+    const auto constraint = set.model.Find<KARMPConstraint>("J.constraint");
+    const std::vector<Entity> turned{set.model.Find<KARMPGeometry>("B.J").Handle(),
+                                     set.model.Find<KARMPGeometry>("A.J").Handle()};
+    EXPECT_TRUE(set.model.Set(constraint, "Geometries", turned));
+    EXPECT_EQ(*set.model.Get(constraint, "Geometries"), Value(turned));
+    EXPECT_EQ(BrokenLinks(set.model), "");
+}
+
 TEST_F(ItemsTest, ListThatIsUndoneStandsInItsOrderAgain)
 {
     Jointed set;
@@ -280,6 +302,8 @@ TEST_F(ItemsTest, NameIsSetAsRenameGivesIt)
     Model model("M");
     const auto body = model.Body("A");
     EXPECT_FALSE(model.Set(body, "name", std::wstring()));
+    ASSERT_EQ(model.Problems().size(), 1U);
+    EXPECT_EQ(model.Problems()[0].text, "KARMPBody \"A\" needs a name");
     EXPECT_EQ(body->getEntityName(), L"A");
     EXPECT_TRUE(model.Set(body, "name", std::wstring(L"Other")));
     EXPECT_EQ(body->getEntityName(), L"Other");

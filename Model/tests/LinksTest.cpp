@@ -113,10 +113,31 @@ TEST_F(LinksTest, DeletionOfAnElementReachesAParentThatItDoesNotKnow)
     const auto element = model.Add<KARMPSketch>("element");
     for (const auto& parent : {first, second})
         ASSERT_EQ(parent->AddAggregatedElement(element.Handle()), KARSuccess);
-    EXPECT_EQ(model.Dependents(element).size(), 2U);
+    // The parent that it knows comes before the one that it does not.
+    const auto dependents = model.Dependents(element);
+    ASSERT_EQ(dependents.size(), 2U);
+    EXPECT_EQ(dependents[0].entity, second);
     EXPECT_TRUE(model.Delete(element));
     EXPECT_EQ(first->GetAggregatedElementCount(), 0);
     EXPECT_EQ(second->GetAggregatedElementCount(), 0);
+}
+
+TEST_F(LinksTest, ElementHasOneParentAndIsNoPartOfItself)
+{
+    Model model("M");
+    const auto whole = model.Add<KARMPSketch>("whole");
+    const auto part = model.Add<KARMPSketch>("part");
+    const auto other = model.Add<KARMPSketch>("other");
+    ASSERT_TRUE(model.Link(whole, part, "AggregatedElements"));
+    const std::string before = TextOf(model);
+    EXPECT_FALSE(model.Link(other, part, "AggregatedElements"));
+    EXPECT_FALSE(model.Link(part, whole, "AggregatedElements"));
+    ASSERT_EQ(model.Problems().size(), 2U);
+    EXPECT_EQ(model.Problems()[0].text,
+              "KARMPSketch \"part\" is an element of another entity already");
+    EXPECT_EQ(model.Problems()[1].text, "KARMPSketch \"whole\" cannot be an element of itself");
+    model.ClearProblems();
+    EXPECT_TRUE(TextOf(model) == before);
 }
 
 TEST_F(LinksTest, SingleLinkToAnotherEntityHasToBeUnlinkedFirst)
@@ -164,6 +185,9 @@ TEST_F(LinksTest, ConnectorOfOneBodyAtBothEndsKeepsTheOtherEnd)
     EXPECT_TRUE(model.Unlink(spring, a, "FirstBody"));
     EXPECT_EQ(a->GetLinkedConnectorCount(), 1);
     EXPECT_EQ(BrokenLinks(model), "");
+    EXPECT_TRUE(model.Set(spring, "FirstBody", Entity(a.Handle())));
+    EXPECT_TRUE(model.Set(spring, "FirstBody", karmp::Value()));
+    EXPECT_EQ(a->GetLinkedConnectorCount(), 1);
     EXPECT_TRUE(model.Unlink(a, spring));
     EXPECT_EQ(a->GetLinkedConnectorCount(), 0);
     QOBSharedHandle<KARMPBody> body;

@@ -1,6 +1,7 @@
 #include "KARMPEntityIndex.h"
 #include "ModelTesting.h"
 
+#include <limits>
 #include <sstream>
 
 using namespace karmp::model;
@@ -100,8 +101,11 @@ TEST_F(ModelTest, SettingsOfADocumentStayAsTheyAre)
 {
     const auto world = KARMPWorld::create(QOBBasicWorld::create(L"W"));
     world->SetLinearTolerance(0.0);
+    world->SetGravity({0.0, std::numeric_limits<double>::infinity(), 0.0});
     Model model(world);
     ModelOptions options = model.Options();
+    options.angularTolerance = 0.5;
+    EXPECT_TRUE(model.SetOptions(options));
     options.gravity = {1.0, 0.0, 0.0};
     EXPECT_TRUE(model.SetOptions(options));
     EXPECT_EQ(world->GetLinearTolerance(), 0.0);
