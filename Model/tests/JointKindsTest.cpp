@@ -211,6 +211,24 @@ TYPED_TEST(CouplingTest, OneCallMakesItWhole)
     EXPECT_EQ(body, two.a.Handle());
 }
 
+TEST_F(JointKindsTest, CouplingWithinOneJointIsOfItsChildAndItsParent)
+{
+    TwoBodies two;
+    const auto joint = two.model.Joint<KARMPCylindrical>("J", two.a, two.b, {0.0, 0.0, 0.0});
+    const auto p = two.model.Variable("p", joint);
+    const auto q = two.model.Variable("q", joint);
+    // A constraint of no joint tells nothing of bodies.
+    ASSERT_TRUE(two.model.Link(two.model.Add<KARMPPrismaticConstraint>("loose"), p));
+    const auto thread = two.model.Couple<KARMPRack>("C", {{p, 1.0}, {q, 0.5}});
+    ASSERT_TRUE(thread);
+    ASSERT_EQ(thread->GetLinkedBodyCount(), 2);
+    QOBSharedHandle<KARMPBody> body;
+    thread->GetLinkedBody(0, body);
+    EXPECT_EQ(body, two.b.Handle());
+    thread->GetLinkedBody(1, body);
+    EXPECT_EQ(body, two.a.Handle());
+}
+
 TEST_F(JointKindsTest, EachCouplingOfTheFactoryIsTested)
 {
     const auto made = Made([](const KARMPEntity& entity) {

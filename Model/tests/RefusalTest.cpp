@@ -2,6 +2,7 @@
 #include "EditTesting.h"
 
 #include <array>
+#include <cmath>
 #include <functional>
 #include <limits>
 #include <type_traits>
@@ -123,11 +124,11 @@ TEST_F(RefusalTest, QuestionsAboutAnEntityOfAnotherModelHaveNoAnswer)
     const auto extraction = models.model.Extract(bodies);
     EXPECT_FALSE(extraction);
     EXPECT_EQ(extraction.Error().text, "the body to extract, KARMPBody \"A\", is of another world");
-}
     Model other("N");
     const auto law = other.Expression("L", KARMPPhysicalQuantity::Angle, "2 * t", {other.Time()});
     EXPECT_EQ(models.model.Evaluate(law, {{"t", 1.0}}).Error().text,
               "the expression, KARMPExpression \"L\", is of another world");
+}
 
 TEST_F(RefusalTest, LinkToAnotherWorldThatSomebodyMadeCanBeTakenAway)
 {
@@ -179,9 +180,17 @@ TEST_F(RefusalTest, WhatWouldBeInconsistentIsRefused)
     const KARMathVector y(0.0, 1.0, 0.0);
     for (const KARMathAxis& skew :
          {KARMathAxis(KARMathPoint(), x, y, {0.0, 0.0, -1.0}),
-          KARMathAxis(KARMathPoint(), x, {1.0, 1.0, 0.0}, {0.0, 0.0, 1.0}),
-          KARMathAxis(KARMathPoint(), 2.0 * x, y, {0.0, 0.0, 1.0})})
+          KARMathAxis(KARMathPoint(), x, {0.6, 0.8, 0.0}, {0.0, 0.0, 0.8}),
+          KARMathAxis(KARMathPoint(), x, 2.0 * y, {0.0, 0.0, 2.0}),
+          KARMathAxis(KARMathPoint(), 2.0 * x, y, {0.0, 0.0, 2.0}),
+          KARMathAxis(KARMathPoint(), x, y, {0.0, 1e-5, 1.0})})
         expectRefused(bool(model.Frame("New", model.Ground(), skew)));
+    EXPECT_EQ(model.Problems().back().text,
+              "the position of \"New\" is no frame of right-handed axes of length 1");
+    KARMathAxis nowhere;
+    nowhere.SetOrigin({0.0, nan, 0.0});
+    expectRefused(bool(model.Frame("New", body, nowhere)));
+    EXPECT_EQ(model.Problems().back().text, "the position of \"New\" is not finite");
     expectRefused(bool(model.Add("", "New")));
     EXPECT_EQ(model.Problems().back().text, "there is no class \"\"");
     model.ClearProblems();
@@ -327,6 +336,76 @@ TEST_F(RefusalTest, OutcomeWithoutAValueIsAFailure)
     static_assert(!std::is_convertible_v<Result<void>, Result<std::string>>);
 }
 
+TEST_F(RefusalTest, FrameMayBeOffByTheRoundingOfADocument)
+{
+    Model model("M");
+    EXPECT_TRUE(model.Frame("F", model.Ground(),
+                            KARMathAxis({}, {1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, {0.0, 1e-7, 1.0})));
+}
+
+TEST_F(RefusalTest, GeometriesAndJointsAreRefusedWithWhatTheyNeed)
+{
+    Model model("M");
+    const auto body = Neighbours::Fill(model);
+    const auto other = model.Body("B");
+    const auto p = model.Find<KARMPVariable>("p");
+    const auto flat = model.PlanarBody("Flat");
+    const auto free = model.Add<KARMPPoint>("Free");
+    const auto frame = model.Find<KARMPGeometry>("A.F");
+    const auto bare = model.Add<KARMPRevolute>("Bare");
+    const std::string before = TextOf(model);
+    const auto expectRefused = [&](bool succeeded, const std::string& text) {
+        EXPECT_FALSE(succeeded) << text;
+        ASSERT_EQ(model.Problems().size(), 1U) << text;
+        EXPECT_EQ(model.Problems()[0].text, text);
+        model.ClearProblems();
+        EXPECT_TRUE(TextOf(model) == before) << text;
+    };
+    expectRefused(bool(model.Attach<KARMPRevolute>("New", body)), "a KARMPRevolute is no geometry");
+    expectRefused(bool(model.Attach<KARMPPoint2D>("New", body)),
+                  "a KARMPPoint2D lies on a body of the plane");
+    expectRefused(bool(model.Attach<KARMPPoint>("", body)), "a KARMPPoint needs an identifier");
+    expectRefused(bool(model.Shape("", body, {})),
+                  "what belongs to KARMPBody \"A\" needs an identifier");
+    expectRefused(bool(model.Point("New", flat, {0.0, std::nan("")})),
+                  "the position of \"New\" is not finite");
+    expectRefused(bool(model.Joint<KARMPRollCurve>("New", body, other, KARMathPoint())),
+                  "this kind of joint is made from a geometry of each body");
+    expectRefused(bool(model.Joint<KARMPGear>("New", body, other, KARMathPoint())),
+                  "no constraint realises a KARMPGear");
+    expectRefused(bool(model.Joint<KARMPRevolute>("New", body, other, {}, KARMathVector())),
+                  "the axis of \"New\" has no direction");
+    expectRefused(bool(model.Joint<KARMPRevolute>("New", frame, free)),
+                  "KARMPPoint \"Free\" belongs to no body");
+    expectRefused(bool(model.Joint<KARMPRevolute>("New", Ref<KARMPGeometry>(), frame)),
+                  "there is no geometry of the parent");
+    expectRefused(bool(model.Variable("New", bare)), "KARMPRevolute \"Bare\" has no constraint");
+    expectRefused(bool(model.Variable("New", model.Find<KARMPJoint>("J"))),
+                  "KARMPRevolute \"J\" has no freedom without a variable");
+    const auto q = model.Find<KARMPVariable>("q");
+    expectRefused(bool(model.Couple<KARMPRevolute>("New", {{p, 1.0}, {q, 1.0}})),
+                  "a KARMPRevolute is no coupling");
+    expectRefused(bool(model.Couple<KARMPGear>("New", {{p, 1.0}})),
+                  "a coupling needs two variables");
+    expectRefused(bool(model.Couple<KARMPGear>("New", {{p, 1.0}, {p, 1.0}})),
+                  "a coupling has each variable in one term");
+    ASSERT_TRUE(model.Unlink(model.Find<KARMPJoint>("J"), model.Ground()));
+    EXPECT_FALSE(model.Couple<KARMPGear>("New", {{p, 1.0}, {q, 1.0}}));
+    EXPECT_EQ(model.Problems()[0].text,
+              "the variables of \"New\" belong to joints of fewer than two bodies");
+}
+
+TEST_F(RefusalTest, NothingIsPutOnABodyWhosePositionHasNoInverse)
+{
+    Model model("M");
+    const auto body = model.Body("A");
+    body->SetPosition(KARMathTransformation(KARMath3x3Matrix({}, {}, {}), {}), 0);
+    EXPECT_FALSE(model.Point("P", body, {}));
+    ASSERT_EQ(model.Problems().size(), 1U);
+    EXPECT_EQ(model.Problems()[0].text, "the position of KARMPBody \"A\" has no inverse");
+    EXPECT_EQ(body->GetGeometryCount(), 0);
+}
+
 TEST_F(RefusalTest, PlanarGroundIsMadeAgainWhateverIsLeftOfIt)
 {
     for (const char* const gone : {"Frame", "Sketch"}) {
@@ -343,8 +422,13 @@ TEST_F(RefusalTest, PlanarGroundIsMadeAgainWhateverIsLeftOfIt)
     }
     Model model("M");
     model.Body("Frame");
+    const auto ground = model.Body("Sketch");
+    model.World()->SetGroundBody(ground.Handle());
     EXPECT_TRUE(model.PlanarBody("A"));
     EXPECT_EQ(model.PlanarGround(), model.Find<KARMPBody2D>("Sketch.Frame"));
+    const auto sketch = model.Find<KARMPSketch>("Frame.Sketch");
+    ASSERT_TRUE(sketch);
+    EXPECT_EQ(model.Dependents(sketch)[0].entity, ground);
 }
 
 } // namespace
