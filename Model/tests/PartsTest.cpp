@@ -1,6 +1,7 @@
 // Bodies of solids, joints between two frames, values, motors, connectors and geometries.
 #include "EditTesting.h"
 
+#include <array>
 #include <cmath>
 
 using namespace karmp::model;
@@ -40,6 +41,66 @@ TEST_F(PartsTest, TwoSolidsWeighTogetherAsOneBodyOfBoth)
     for (int i = 0; i < 3; ++i)
         for (int j = 0; j < 3; ++j)
             EXPECT_NEAR((*whole.inertia)(i, j), (*box.inertia)(i, j), 1e-15);
+}
+
+TEST_F(PartsTest, BodyWithoutACentreOrAnInertiaCountsAsAPointAtItsOrigin)
+{
+    const BodyOptions whole =
+        Together({.mass = 1.0, .at = KARMathPoint(1.0, 0.0, 0.0)},
+                 {.mass = 3.0, .centerOfGravity = KARMathPoint(4.0, 0.0, 0.0)});
+    EXPECT_EQ(*whole.centerOfGravity, KARMathPoint(3.0, 0.0, 0.0));
+    EXPECT_EQ(*whole.inertia,
+              KARMath3x3Matrix({0.0, 0.0, 0.0}, {0.0, 12.0, 0.0}, {0.0, 0.0, 12.0}));
+    EXPECT_EQ(*whole.at, KARMathPoint(1.0, 0.0, 0.0));
+    const BodyOptions none = Together({}, {});
+    EXPECT_EQ(none.mass, 0.0);
+    EXPECT_EQ(*none.centerOfGravity, KARMathPoint());
+    EXPECT_EQ(*Ball(1.0, 1.0, {1.0, 2.0, 3.0}).centerOfGravity, KARMathPoint(1.0, 2.0, 3.0));
+}
+
+TEST_F(PartsTest, RodInThePlaneHasItsCentreInTheMiddleAndItsInertiaAcross)
+{
+    const auto rod = m_model.PlanarBody("Rod", Rod(6.0, KARMathPoint2D(1.0, 0.0), {1.0, 2.0}));
+    KARMathPoint2D centre;
+    KARMath2x2Matrix inertia;
+    rod->GetCenterOfGravity(centre);
+    rod->GetInertiaMatrix(inertia);
+    EXPECT_EQ(centre, KARMathPoint2D(1.0, 0.0));
+    EXPECT_EQ(inertia, KARMath2x2Matrix({0.0, 0.0}, {0.0, 2.0}));
+    EXPECT_EQ(PositionOf(rod) * centre, KARMathPoint2D(1.0, 1.0));
+}
+
+TEST_F(PartsTest, RodsMeetOnTheLeftOfTheWayFromTheFirstToTheSecond)
+{
+    const KARMathPoint from(1.0, 0.0, 0.0);
+    const KARMathPoint to(6.0, 0.0, 0.0);
+    const auto meeting = MeetingPoint(from, 3.0, to, 4.0);
+    ASSERT_TRUE(meeting);
+    EXPECT_NEAR((*meeting - KARMathPoint(2.8, 2.4, 0.0)).Norm(), 0.0, 1e-15);
+    EXPECT_LT(MeetingPoint(to, 4.0, from, 3.0)->GetY(), 0.0);
+    EXPECT_EQ(MeetingPoint(from, 2.0, to, 3.0), KARMathPoint(3.0, 0.0, 0.0));
+    EXPECT_FALSE(MeetingPoint(from, 2.0, to, 2.9));
+    EXPECT_FALSE(MeetingPoint(from, 2.0, from, 2.0));
+}
+
+TEST_F(PartsTest, FrameAlongAnAxisOfTheWorldHasTheWorldsDirectionsInACircle)
+{
+    const std::array<KARMathVector, 3> world{
+        KARMathVector(1.0, 0.0, 0.0), {0.0, 1.0, 0.0}, {0.0, 0.0, 1.0}};
+    for (std::size_t i = 0; i < 3; ++i)
+        for (const double length : {3.0, -3.0}) {
+            const auto frame = FrameAlong({}, length * world[i]);
+            ASSERT_TRUE(frame);
+            EXPECT_EQ(KARMathVector(frame->GetFirstDirection()), world[(i + 1) % 3]);
+            EXPECT_EQ(KARMathVector(frame->GetSecondDirection()),
+                      length > 0.0 ? world[(i + 2) % 3] : -world[(i + 2) % 3]);
+        }
+    // Between two of them it is a frame all the same.
+    for (const KARMathVector& axis :
+         {KARMathVector(1.0, 1.0, 0.0), {0.0, 1.0, 1.0}, {1.0, 0.0, 1.0}, {2.0, 1.0, -1.0}})
+        EXPECT_TRUE(m_model.Frame("F" + std::to_string(m_body->GetGeometryCount()), m_body,
+                                  *FrameAlong({}, axis)));
+    EXPECT_FALSE(FrameAlong({}, {}));
 }
 
 TEST_F(PartsTest, BodyStandsWhereItsSolidIsPlaced)

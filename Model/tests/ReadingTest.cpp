@@ -86,6 +86,44 @@ TEST_F(ReadingTest, GapIsTheWayBetweenTheNearestPoints)
     EXPECT_FALSE(GapBetween(ball, m_model.Attach<KARMPLine>("L", m_body)));
 }
 
+TEST_F(ReadingTest, GapOfTwoBallsIsBetweenTheirSurfaces)
+{
+    const auto first = Sphere("First", {0.0, 0.0, 0.0}, 0.5);
+    const auto second = Sphere("Second", {0.0, 4.0, 0.0}, 2.0);
+    const auto gap = GapBetween(first, second);
+    ASSERT_TRUE(gap);
+    EXPECT_DOUBLE_EQ(gap->distance, 1.5);
+    EXPECT_EQ(gap->normal, KARMathVector(0.0, -1.0, 0.0));
+    EXPECT_EQ(gap->onFirst, KARMathPoint(0.0, 0.5, 3.0));
+    EXPECT_EQ(gap->onSecond, KARMathPoint(0.0, 2.0, 3.0));
+}
+
+TEST_F(ReadingTest, FacesTurnAndMoveWithTheirBodies)
+{
+    const KARMathTransformation turned =
+        KARMathTransformation(KARMathVector(5.0, 0.0, 0.0)) *
+        KARMathTransformation::Rotation({{}, {0.0, 0.0, 1.0}}, std::acos(0.0));
+    const auto wall =
+        m_model.Attach<KARMPPlane>("Face", m_model.Body("Wall", {.position = turned}),
+                                   {{"Origin", {0.0, 1.0, 0.0}}, {"Normal", {0.0, 1.0, 0.0}}});
+    const auto gap = GapBetween(Sphere("Ball", {1.0, 0.0, 0.0}, 0.5), wall);
+    ASSERT_TRUE(gap);
+    EXPECT_DOUBLE_EQ(gap->distance, 2.5);
+    EXPECT_NEAR((gap->normal - KARMathVector(-1.0, 0.0, 0.0)).Norm(), 0.0, 1e-15);
+    // A geometry of no body stands in the axes of the world.
+    const auto free = m_model.Add<KARMPPoint>("Free", {{"Origin", {1.0, 7.0, 0.0}}});
+    EXPECT_DOUBLE_EQ(GapBetween(free, wall)->distance, 3.0);
+    const auto guide = m_model.PlanarBody(
+        "Guide", {.position = KARMathTransformation2D({{0.0, 1.0}, {-1.0, 0.0}}, {5.0, 0.0})});
+    const auto line = m_model.Attach<KARMPLine2D>(
+        "Line", guide, {{"Origin", {0.0, 1.0}}, {"Direction", {1.0, 0.0}}});
+    const auto point = m_model.Add<KARMPPoint2D>("Flat", {{"Origin", {1.0, 7.0}}});
+    const auto flat = GapBetween(point, line);
+    ASSERT_TRUE(flat);
+    EXPECT_DOUBLE_EQ(flat->distance, 3.0);
+    EXPECT_EQ(flat->onSecond, KARMathPoint(4.0, 7.0, 0.0));
+}
+
 TEST_F(ReadingTest, LineOfASketchIsMetFromEitherSide)
 {
     const auto cam = m_model.PlanarBody("Cam", {.at = KARMathPoint2D(2.0, 0.0)});
@@ -119,6 +157,28 @@ TEST_F(ReadingTest, LoopGapIsThatOfTheWorstJointThatOnlyTurns)
     m_model.Joint<KARMPUserDefined2D>("Pin", m_model.PlanarGround(), flat, KARMathPoint2D());
     flat->SetPosition(KARMathTransformation2D({{1.0, 0.0}, {0.0, 1.0}}, {2.0, 0.0}));
     EXPECT_DOUBLE_EQ(LoopGap(m_model), 2.0);
+}
+
+TEST_F(ReadingTest, LoopGapLeavesOutWhatNeitherTurnsNorMeetsInPoints)
+{
+    const auto b = m_model.Body("B");
+    m_model.Joint<KARMPRigid>("R", m_body, b, KARMathPoint());
+    const auto joint = m_model.Joint<KARMPRevolute>("J", m_model.Ground(), m_body, KARMathPoint());
+    m_model.Joint<KARMPRevolute>("K", m_model.Ground(), b, KARMathPoint());
+    const auto cam = m_model.PlanarBody("Cam");
+    const auto disc = m_model.Attach<KARMPCircle2D>("Disc", cam, {{"radius", 0.5}});
+    const auto tray = m_model.PlanarBody("Tray");
+    const auto face = m_model.Attach<KARMPLine2D>(
+        "Face", tray, {{"Origin", {0.0, 9.0}}, {"Direction", {1.0, 0.0}}});
+    const auto roll =
+        m_model.Attach<KARMPCircle2D>("Roll", tray, {{"Center", {0.0, 9.0}}, {"radius", 0.5}});
+    ASSERT_TRUE((m_model.Joint<KARMPUserDefined2D, KARMPTangency>("Contact", disc, face)));
+    ASSERT_TRUE((m_model.Joint<KARMPUserDefined2D, KARMPTangency>("Mesh", disc, roll)));
+    m_body->SetPosition(KARMathTransformation(KARMathVector(0.0, 0.5, 3.0)), 0);
+    b->SetPosition(KARMathTransformation(KARMathVector(0.25, 0.0, 0.0)), 0);
+    EXPECT_DOUBLE_EQ(LoopGap(m_model), 0.5);
+    ASSERT_TRUE(m_model.Delete(joint));
+    EXPECT_DOUBLE_EQ(LoopGap(m_model), 0.25);
 }
 
 TEST_F(ReadingTest, ContactPushesBothBodiesApart)
