@@ -34,8 +34,7 @@ bool Knows(const std::vector<LinkPair>& pairs, const LinkPair& pair)
         });
 }
 
-void AddMutual(std::vector<LinkPair>& pairs, const QOBClassInfo& first, const QOBClassInfo& second,
-               bool isReversed)
+void AddMutual(std::vector<LinkPair>& pairs, const QOBClassInfo& first, const QOBClassInfo& second)
 {
     for (const ItemInfo* const item : LinkItemsOf(first)) {
         if (!IsA(second, item->target))
@@ -45,7 +44,7 @@ void AddMutual(std::vector<LinkPair>& pairs, const QOBClassInfo& first, const QO
             if (!item->otherSide.empty() && !other->otherSide.empty() &&
                 !(Names(item->otherSide, other->name) && Names(other->otherSide, item->name)))
                 continue;
-            const LinkPair pair = isReversed ? LinkPair{other, item} : LinkPair{item, other};
+            const LinkPair pair{item, other};
             if (!Knows(pairs, pair))
                 pairs.push_back(pair);
         }
@@ -55,8 +54,7 @@ void AddMutual(std::vector<LinkPair>& pairs, const QOBClassInfo& first, const QO
 std::vector<LinkPair> FindPairs(const QOBClassInfo& first, const QOBClassInfo& second)
 {
     std::vector<LinkPair> pairs;
-    AddMutual(pairs, first, second, false);
-    AddMutual(pairs, second, first, true);
+    AddMutual(pairs, first, second);
     for (const ItemInfo* const item : LinkItemsOf(first))
         if (item->otherSide.empty() && IsA(second, item->target) &&
             OtherSidesOf(*item, first, second).empty())
