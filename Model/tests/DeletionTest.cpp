@@ -217,8 +217,7 @@ TEST_F(DeletionTest, WhatASensorHasMeasuredOfADeletedEntityIsForgotten)
     contact.firstBody = driven.rod.Handle();
     contact.secondBody = driven.rod.Handle();
     ASSERT_EQ(sensor->AddContactForceData(contact), KARSuccess);
-    const auto layer = model.Add<KARMPCollisionLayer>("Layer");
-    ASSERT_TRUE(model.Link(layer, driven.rod, "Entities"));
+    const auto support = model.Add<KARMPSupport>("Support", {{"Target", driven.rod}});
     EXPECT_TRUE(model.Delete(driven.crank));
     EXPECT_EQ(sensor->GetContactForceDataCount(), 1);
     const auto deletion = model.Delete(driven.rod);
@@ -228,6 +227,7 @@ TEST_F(DeletionTest, WhatASensorHasMeasuredOfADeletedEntityIsForgotten)
                    dropped.target == driven.rod;
         }));
     EXPECT_EQ(sensor->GetContactForceDataCount(), 0);
+    EXPECT_TRUE(model.Get(support, "Target")->IsNone());
     EXPECT_EQ(BrokenLinks(model), "");
 }
 

@@ -215,6 +215,14 @@ TEST_F(LinksTest, ReferenceWithoutACounterpartIsLinkedTooWhereItIsTheOnlyOne)
               "\"Position\", \"Velocity\", \"Acceleration\", \"MaxForce\"");
 }
 
+TEST_F(LinksTest, ReferenceWithACounterpartIsNotMadeWhereTheTargetHasNone)
+{
+    Model model("M");
+    EXPECT_FALSE(model.Link(model.Add<KARMP3DRep>("shape"), model.PlanarBody("A")));
+    ASSERT_EQ(model.Problems().size(), 1U);
+    EXPECT_EQ(model.Problems()[0].text, "KARMP3DRep \"shape\" and KARMPBody2D \"A\" have no link");
+}
+
 TEST_F(LinksTest, ClassesWithoutALinkAreToldSo)
 {
     Model model("M");
