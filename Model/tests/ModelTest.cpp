@@ -145,6 +145,28 @@ TEST_F(ModelTest, GetTellsNearNamesAndHowManyHaveAName)
     EXPECT_EQ(*model.Get<KARMPBody>("Rocker"), model.Find<KARMPBody>("Rocker"));
 }
 
+TEST_F(ModelTest, NearNamesAreNamesAndIdentifiersOfTheClassAlone)
+{
+    Model model("M");
+    model.Rename(model.Body("coupler"), "Rocker");
+    model.Constant("Lever", KARMPPhysicalQuantity::Length, 1.0);
+    EXPECT_EQ(model.Get<KARMPBody>("Roker").Error().text,
+              "there is no KARMPBody \"Roker\"; near: \"Rocker\"");
+    EXPECT_EQ(model.Get<KARMPBody>("couplr").Error().text,
+              "there is no KARMPBody \"couplr\"; near: \"coupler\"");
+    EXPECT_EQ(model.Get<KARMPBody>("Levr").Error().text, "there is no KARMPBody \"Levr\"");
+}
+
+TEST_F(ModelTest, GlobalsOfAWorldThatIsGivenHaveTheirIdentifiers)
+{
+    const Model model(KARMPWorld::create(QOBBasicWorld::create(L"W")));
+    for (const char* const global : {"GlobalBody", "GlobalAxisSystem", "GlobalTime"}) {
+        const auto found = model.Find<KARMPEntity>(global);
+        ASSERT_TRUE(found) << global;
+        EXPECT_NE(IdentifierIfGiven(*found), nullptr) << global;
+    }
+}
+
 TEST_F(ModelTest, WhatIsAddedAndRemovedPastTheModelIsNoticed)
 {
     Model model("M");
@@ -401,6 +423,24 @@ TEST_F(ModelTest, BodyStandsWhereItIsToldAndLooksWhereItIsTold)
     EXPECT_EQ(inertia(1, 1), 2.0);
     EXPECT_FALSE(model.Body("Bad", {.at = KARMathPoint(), .towards = KARMathPoint()}));
     EXPECT_EQ(model.World()->GetBodyCount(), 3);
+    EXPECT_FALSE(model.PlanarBody("Bad", {.towards = KARMathPoint2D()}));
+    ASSERT_EQ(model.Problems().size(), 2U);
+    EXPECT_EQ(model.Problems()[0].text, "KARMPBody \"Bad\" looks at its own origin");
+    EXPECT_EQ(model.Problems()[1].text, "KARMPBody2D \"Bad\" looks at its own origin");
+}
+
+TEST_F(ModelTest, BodyThatLooksUpHasTheWorldsSecondAxisForItsThird)
+{
+    Model model("M");
+    for (const double height : {2.0, -2.0}) {
+        const auto post =
+            model.Body(height > 0.0 ? "Post" : "Pile", {.towards = KARMathPoint(0.0, 0.0, height)});
+        const KARMathTransformation position = PositionOf(post);
+        EXPECT_EQ(position * KARMathPoint(2.0, 0.0, 0.0), KARMathPoint(0.0, 0.0, height));
+        EXPECT_EQ(position * KARMathVector(0.0, 0.0, 1.0), KARMathVector(0.0, 1.0, 0.0));
+    }
+    const auto flat = model.PlanarBody("Flat", {.towards = KARMathPoint2D(0.0, 2.0)});
+    EXPECT_EQ(PositionOf(flat) * KARMathPoint2D(2.0, 0.0), KARMathPoint2D(0.0, 2.0));
 }
 
 TEST_F(ModelTest, FrameIsToldInTheWorldAndKeptInBodyAxes)

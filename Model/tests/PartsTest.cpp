@@ -113,6 +113,9 @@ TEST_F(PartsTest, BodyStandsWhereItsSolidIsPlaced)
     EXPECT_EQ(PositionOf(m_model.Body("Box", placed)), position);
     EXPECT_EQ(PositionOf(m_model.Body("Again", placed.PlacedAt(KARMathPoint(1.0, 2.0, 0.0)))),
               KARMathTransformation(KARMathVector(1.0, 2.0, 0.0)));
+    // In place of where a rod stands and looks.
+    const BodyOptions moved = Rod(1.0, {}, {0.0, 1.0, 0.0}).PlacedAt(position);
+    EXPECT_EQ(PositionOf(m_model.Body("Moved", moved)), position);
     const auto flat = m_model.PlanarBody("Flat", {.at = KARMathPoint2D(1.0, 2.0)});
     EXPECT_EQ(PositionOf(flat).GetVector(), KARMathVector2D(1.0, 2.0));
 }
@@ -175,6 +178,8 @@ TEST_F(PartsTest, SpringIsAttachedWhereItsGeometriesAre)
     const auto torsion = m_model.Connect<KARMPTorsionSpring>(
         "Bar spring", m_model.Frame("T", m_model.Ground(), axis), m_model.Frame("T", m_body, axis));
     KARMathLine line;
+    torsion->GetFirstAttachment(line);
+    EXPECT_EQ(line.GetOrigin(), at);
     torsion->GetSecondAttachment(line);
     EXPECT_EQ(line.GetOrigin(), KARMathPoint(0.0, 2.0, 0.0));
     EXPECT_EQ(KARMathVector(line.GetDirection()), KARMathVector(1.0, 0.0, 0.0));
@@ -184,8 +189,11 @@ TEST_F(PartsTest, ConnectorNeedsTwoBodies)
 {
     const auto frame = m_model.Find<KARMPAxisSystem>("Bar.J");
     EXPECT_FALSE(m_model.Connect<KARMPBushing>("B", frame, frame));
+    EXPECT_FALSE(m_model.Connect<KARMPBushing>("B", frame, Ref<KARMPGeometry>()));
     EXPECT_FALSE(m_model.Find<KARMPConnector>("B"));
-    EXPECT_EQ(m_model.Problems().size(), 1U);
+    ASSERT_EQ(m_model.Problems().size(), 2U);
+    EXPECT_EQ(m_model.Problems()[0].text, "a connector needs geometries of two bodies");
+    EXPECT_EQ(m_model.Problems()[1].text, "there is no geometry of the second body");
 }
 
 TEST_F(PartsTest, MotorControlsItsVariableByConstantsOfItsOwn)
@@ -207,6 +215,25 @@ TEST_F(PartsTest, MotorControlsItsVariableByConstantsOfItsOwn)
     EXPECT_EQ(Lines(m_model.Check()), "");
 }
 
+TEST_F(PartsTest, MotorOfALengthReachesItsTargetByAForce)
+{
+    const auto slide = m_model.Body("Slide");
+    const auto way = m_model.Variable(
+        "way", m_model.Joint<KARMPPrismatic>("G", m_model.Ground(), slide, KARMathPoint()));
+    const auto quantityOf = [this](const char* constant) {
+        Quantity::Enum quantity{};
+        m_model.Find<KARMPConstant>(constant)->GetPhysicalQuantity(quantity);
+        return quantity;
+    };
+    const auto reaching = m_model.Motor("M", way, {.position = 2.0, .maximum = 5.0});
+    EXPECT_EQ(reaching->GetTargetType(), KARMPMotorTargetType::PositionTarget);
+    EXPECT_EQ(quantityOf("M.position"), Quantity::Length);
+    EXPECT_EQ(quantityOf("M.maximum"), Quantity::Force);
+    const auto pushing = m_model.Motor("N", way, {.acceleration = 2.0});
+    EXPECT_EQ(pushing->GetTargetType(), KARMPMotorTargetType::AccelerationTarget);
+    EXPECT_EQ(quantityOf("N.acceleration"), Quantity::Length);
+}
+
 TEST_F(PartsTest, MotorThatFailsLeavesItsVariableFree)
 {
     m_model.Constant("Motor.velocity", Quantity::Angle, 1.0);
@@ -222,6 +249,9 @@ TEST_F(PartsTest, ExpressionFollowsItsVariables)
     KARWBEquation* equation = nullptr;
     EXPECT_EQ(law->GetValue(equation), KARSuccess);
     EXPECT_EQ(law->GetLinkedVariableCount(), 1);
+    Quantity::Enum quantity{};
+    law->GetPhysicalQuantity(quantity);
+    EXPECT_EQ(quantity, Quantity::Angle);
     EXPECT_EQ(Lines(m_model.Check()), "");
 }
 
@@ -231,6 +261,8 @@ TEST_F(PartsTest, ExpressionOfNoEquationIsNotMade)
     TakeReports();
     ASSERT_EQ(m_model.Problems().size(), 1U);
     EXPECT_EQ(m_model.Problems()[0].text, "\"2 +\" is no equation");
+    EXPECT_FALSE(m_model.Expression("Law", Quantity::Angle, "2", {Ref<KARMPVariable>()}));
+    EXPECT_EQ(m_model.Problems()[1].text, "there is no variable of the equation");
     EXPECT_FALSE(m_model.Find<KARMPValue>("Law"));
 }
 
@@ -279,7 +311,9 @@ TEST_F(PartsTest, ExpressionIsEvaluatedWhereItsVariablesAreGiven)
     EXPECT_EQ(model.Evaluate(model.Add<KARMPExpression>("M"), {}).Error().text,
               "KARMPExpression \"M\" has no equation");
     const int line = __LINE__ + 1;
-    EXPECT_EQ(model.Evaluate({}, {}).Error().where.line, line);
+    const auto none = model.Evaluate({}, {});
+    EXPECT_EQ(none.Error().text, "there is no expression");
+    EXPECT_EQ(none.Error().where.line, line);
     EXPECT_TRUE(model.Problems().empty());
 }
 

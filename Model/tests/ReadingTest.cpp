@@ -55,7 +55,9 @@ TEST_F(ReadingTest, SpringCarriesItsLoadWhereItStands)
                                     {.stiffness = stiffness}));
     EXPECT_FALSE(m_model.Spring("N", m_model.Ground(), {}, m_body, {1.0, 0.0, 0.0},
                                 {.stiffness = 1.0, .load = -2.0}));
-    EXPECT_EQ(m_model.Problems().size(), 4U);
+    ASSERT_EQ(m_model.Problems().size(), 4U);
+    EXPECT_EQ(m_model.Problems()[0].text,
+              "the stiffness and the length at rest of \"N\" are finite numbers above 0");
     m_model.ClearProblems();
     EXPECT_TRUE(TextOf(m_model) == before);
     EXPECT_TRUE(std::isnan(ForceOf(m_model.Add<KARMPLinearSpring>("Loose"))));

@@ -164,6 +164,8 @@ TEST_F(RefusalTest, WhatWouldBeInconsistentIsRefused)
     expectRefused(bool(model.Frame("", body, {})));
     for (const double mass : {nan, infinite, -1.0})
         expectRefused(bool(model.Body("New", {.mass = mass})));
+    EXPECT_EQ(model.Problems().back().text,
+              "the mass of KARMPBody \"New\" is no finite number from 0 on");
     expectRefused(bool(model.Body("New", {.at = KARMathPoint(0.0, nan, 0.0)})));
     expectRefused(bool(model.PlanarBody("New", {.at = KARMathPoint2D(infinite, 0.0)})));
     expectRefused(bool(model.Body("New", {.centerOfGravity = KARMathPoint(0.0, infinite, 0.0)})));
