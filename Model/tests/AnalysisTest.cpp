@@ -52,7 +52,8 @@ TEST_F(AnalysisTest, AttributeOfPartsIsAboutAnEntity)
     EXPECT_EQ(*NumberAt<KARMPOutput>(m_body, "group.x"), 0.0);
     EXPECT_EQ(*NumberAt<KARMPOutput>(m_body, "group.deep.y"), 3.0);
     EXPECT_EQ(m_body->GetOutputCount(), 1);
-    EXPECT_FALSE(NumberAt<KARMPOutput>(m_body, "group.z"));
+    EXPECT_EQ(NumberAt<KARMPOutput>(m_body, "group.z").Error().text,
+              "KARMPBody \"A\" has no number at \"group.z\"");
     EXPECT_FALSE(NumberAt<KARMPOutput>(m_body, "group"));
     EXPECT_FALSE(NumberAt<KARMPParameter>(m_body, "group.x"));
     EXPECT_EQ(BrokenLinks(m_model), "");

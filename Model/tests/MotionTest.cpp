@@ -126,6 +126,9 @@ TEST_F(MotionTest, LimbThatCannotBeCarriedIsNotMade)
     EXPECT_EQ(m_model.Problems().back().text, "a KARMPSpherical has not one freedom");
     EXPECT_FALSE(m_model.Limb<KARMPRevolute>("New", "J", ground, {.axis = {}}).joint);
     EXPECT_FALSE(m_model.Limb<KARMPRevolute>("New", "J", ground, {.value = std::nan("")}).joint);
+    for (const std::size_t problem : {1U, 2U})
+        EXPECT_EQ(m_model.Problems().at(problem).text,
+                  "the axis of \"J\" has no direction, or its value is not finite");
     EXPECT_FALSE(m_model.Limb<KARMPRevolute>("New", "J", {}, {}).joint);
     EXPECT_FALSE(m_model.Limb<KARMPRevolute>("New", "GlobalBody", ground, {}).body);
     EXPECT_EQ(m_model.Problems().size(), 5U);

@@ -112,6 +112,12 @@ TEST_F(ReadingTest, FacesTurnAndMoveWithTheirBodies)
     ASSERT_TRUE(gap);
     EXPECT_DOUBLE_EQ(gap->distance, 2.5);
     EXPECT_NEAR((gap->normal - KARMathVector(-1.0, 0.0, 0.0)).Norm(), 0.0, 1e-15);
+    QOBSharedHandle<KARMPBody> body;
+    wall->GetBody(body);
+    const auto hook = m_model.Point("Hook", Ref(body), {4.0, 3.0, 2.0});
+    const KARMathAxis frame = FrameOf(hook);
+    EXPECT_NEAR((frame.GetOrigin() - KARMathPoint(4.0, 3.0, 2.0)).Norm(), 0.0, 1e-15);
+    EXPECT_NEAR((frame.GetFirstDirection() - KARMathVector(0.0, 1.0, 0.0)).Norm(), 0.0, 1e-15);
     // A geometry of no body stands in the axes of the world.
     const auto free = m_model.Add<KARMPPoint>("Free", {{"Origin", {1.0, 7.0, 0.0}}});
     EXPECT_DOUBLE_EQ(GapBetween(free, wall)->distance, 3.0);

@@ -103,6 +103,8 @@ TEST_F(SensorTest, ForceInAConnectorIsToldInTheFramesOfItsBodies)
     KARMathVector torque;
     EXPECT_EQ(sensor->GetSpatialForce(force, torque, KARMPAxisMode::SecondBody), KARSuccess);
     EXPECT_EQ(force, KARMathVector(0.0, 0.0, 3.0));
+    EXPECT_EQ(sensor->GetSpatialForce(force, torque, KARMPAxisMode::World), KARSuccess);
+    EXPECT_EQ(force, KARMathVector(3.0, 0.0, 0.0));
     KARIMPConnectorSpatialForceSensorLoader* loader = nullptr;
     sensor->GetLoader(loader);
     KARMathAxis frame;
