@@ -352,6 +352,19 @@ TEST_F(ModelTest, ModelWithProblemsIsNotSaved)
     EXPECT_EQ(printed.str(),
               "ModelTest.cpp:" + std::to_string(line) + ": a KARMPBody needs an identifier\n");
     EXPECT_FALSE(std::filesystem::exists("never.xml"));
+    EXPECT_EQ(model.Text().Error().text, "a KARMPBody needs an identifier");
+    model.ClearProblems();
+    const auto lost = model.Save("no-such-folder/never.xml");
+    EXPECT_EQ(lost.Error().text, "no-such-folder/never.xml was not saved");
+    EXPECT_FALSE(lost.Findings().items.empty());
+}
+
+TEST_F(ModelTest, CheckTellsWhatTheCheckOfItsDocumentFinds)
+{
+    Model model("M");
+    model.Joint<KARMPRevolute>("J", model.Body("A"), model.Body("B"), KARMathPoint());
+    EXPECT_NE(Lines(model.Check()).find("[floating-chain]"), std::string::npos);
+    EXPECT_EQ(Lines(model.Check(karmp::documents::CheckLevel::Form)), "");
 }
 
 TEST_F(ModelTest, RefTurnsFalseWithItsModel)
@@ -529,6 +542,10 @@ TEST_F(ModelTest, CloneIsAModelOfItsOwn)
     clone->Find<KARMPBody>("A")->SetMass(3.0);
     EXPECT_EQ(model.Diff(*clone).size(), 1U);
     EXPECT_EQ(model.Diff(*clone)[0].item, L"Weight/Mass");
+    model.World()->SetLengthUnit(KARMPUnit::Millimeter);
+    KARMPUnit::Enum unit{};
+    model.Clone()->World()->GetLengthUnit(unit);
+    EXPECT_EQ(unit, KARMPUnit::Millimeter);
 }
 
 TEST_F(ModelTest, ExtractHasTheBodiesAndTellsWhatWasCut)
@@ -544,7 +561,8 @@ TEST_F(ModelTest, ExtractHasTheBodiesAndTellsWhatWasCut)
     EXPECT_TRUE(extract->model.Find<KARMPJoint>("AB"));
     EXPECT_FALSE(extract->model.Find<KARMPJoint>("BC"));
     EXPECT_FALSE(extract->cutLinks.empty());
-    EXPECT_FALSE(model.Extract(std::array{Ref<KARMPBody>()}));
+    EXPECT_EQ(model.Extract(std::array{Ref<KARMPBody>()}).Error().text,
+              "there is no body to extract");
 }
 
 } // namespace
