@@ -78,7 +78,8 @@ const std::vector<Planted> Mistakes{
      R"(<^Body id="Crank")"},
     {"slider-crank@R2015x.0", "<PhysicalQuantity>7</PhysicalQuantity>",
      "<PhysicalQuantity>7</PhysicalQuantity><^Type>0</Type>", "other-version", "Type"},
-    {"slider-crank@R2016.0", "<Type>0<", "<Type>^3<", "unknown-number", "3"},
+    {"slider-crank@R2016.0", "<Type>0<", "<Type>^3<", "unknown-number",
+     "from 0 to 2 was expected, for Free, Constant or Controlled"},
     {"slider-crank@R2016.1", "<Type>0<", "<Type>^Free<", "invalid-value", "Free"},
     {"slider-crank@R2017.0", "<Type>Free<", "<Type>^0<", "invalid-value",
      "Free, Constant or Controlled"},
@@ -138,6 +139,9 @@ std::vector<Planted> AllMistakes()
         all.push_back({document, R"(value="0.5" minvalue="0" maxvalue="0")",
                        R"(^value="0.5" minvalue="1" maxvalue="2")", "outside-limits",
                        "below the lower limit 1"});
+        all.push_back({document, R"(value="0.5" minvalue="0" maxvalue="0")",
+                       R"(^value="0.5" minvalue="0" maxvalue="0.25")", "outside-limits",
+                       "above the upper limit 0.25"});
         all.push_back({document, R"(value="0.5" minvalue="0")", R"(^value="0.5rad" minvalue="0")",
                        "invalid-value", "0.5 is read"});
     }

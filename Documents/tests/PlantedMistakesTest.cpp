@@ -46,14 +46,26 @@ const std::vector<Planted> Mistakes{
     // Numbers
     {Crank, "<Mass>0.5</Mass>", "<Mass>^0.5.1</Mass>", "invalid-value",
      "more than one decimal point"},
+    {Crank, "<Mass>0.5</Mass>", "<Mass>^0,5,1</Mass>", "invalid-value",
+     "more than one decimal point"},
     {Crank, "<Mass>0.5</Mass>", "<Mass>^0.5kg</Mass>", "invalid-value", "0.5 is read"},
     {Crank, "<Mass>0.5</Mass>", "<Mass>^0x10</Mass>", "invalid-value", "hexadecimal"},
+    {Crank, "<Mass>0.5</Mass>", "<Mass>^-0X10</Mass>", "invalid-value", "hexadecimal"},
+    {Crank, "<Mass>0.5</Mass>", "<Mass>^+0x10</Mass>", "invalid-value", "hexadecimal"},
     {Crank, "<Mass>0.5</Mass>", "<Mass>^0.5 0.6</Mass>", "invalid-value", "more than one number"},
     {Crank, "<Mass>0.5</Mass>", "<Mass>^1'000</Mass>", "invalid-value", "thousands"},
     {Crank, "<Mass>0.5</Mass>", "<Mass>^1 000</Mass>", "invalid-value", "thousands"},
     {Crank, "<Mass>0.5</Mass>", "<Mass>^1,000,000</Mass>", "invalid-value", "thousands"},
     {Crank, "<Mass>0.5</Mass>", "<Mass>^1.000.000</Mass>", "invalid-value", "thousands"},
+    {Crank, "<Mass>0.5</Mass>", "<Mass>^1_000</Mass>", "invalid-value", "thousands"},
+    {Crank, "<Mass>0.5</Mass>", "<Mass>^1\u00A0000</Mass>", "invalid-value", "thousands"},
+    {Crank, "<Mass>0.5</Mass>", "<Mass>^1\u2019000</Mass>", "invalid-value", "thousands"},
+    {Crank, "<Mass>0.5</Mass>", "<Mass>^1\u202F000</Mass>", "invalid-value", "thousands"},
+    {Crank, "<Mass>0.5</Mass>", "<Mass>^1'00</Mass>", "invalid-value", "other signs"},
+    {Crank, "<Mass>0.5</Mass>", "<Mass>^1'0000</Mass>", "invalid-value", "other signs"},
+    {Crank, "<Mass>0.5</Mass>", "<Mass>^1.000kg</Mass>", "invalid-value", "other signs"},
     {Crank, "<Mass>0.5</Mass>", "<Mass>^1e999</Mass>", "invalid-value", "too large"},
+    {Crank, "<Mass>0.5</Mass>", "<Mass>^1,5e999</Mass>", "invalid-value", "too large"},
     {Crank, "<Mass>0.5</Mass>", "<Mass>^heavy</Mass>", "invalid-value", "is no number"},
     {Crank, "<Mass>0.5</Mass>", "<Mass>^0.5e</Mass>", "invalid-value", "other signs"},
     {Crank, "<Mass>0.5</Mass>", "<Mass>^--0.5</Mass>", "invalid-value", "is no number"},
@@ -61,9 +73,12 @@ const std::vector<Planted> Mistakes{
     {Crank, "<Mass>0.5</Mass>", "<Mass>\n  ^O.5</Mass>", "invalid-value", "O.5"},
     {Crank, "<Mass>0.5</Mass>", "<Mass>^0,5</Mass>", "decimal-comma", "read as 0.5"},
     {Crank, "<Mass>0.5</Mass>", "<Mass>^1,000</Mass>", "decimal-comma", "read as 1"},
+    {Crank, "<Mass>0.5</Mass>", "<Mass>^0,0</Mass>", "decimal-comma", "read as 0"},
     {Crank, "<Mass>0.5</Mass>", "<Mass>^1e-999</Mass>", "too-small", "read as 0"},
+    {Crank, "<Mass>0.5</Mass>", "<Mass>^9e-999</Mass>", "too-small", "read as 0"},
     {Crank, "<Mass>0.5</Mass>", "<Mass>^nan</Mass>", "not-finite", "no number"},
     {Crank, "<Mass>0.5</Mass>", "<Mass>^inf</Mass>", "not-finite", "infinity"},
+    {Crank, "<Mass>0.5</Mass>", "<Mass>^-inf</Mass>", "not-finite", "infinity"},
     {Crank, "<Gy>-9.81</Gy>", "<Gy>^-Infinity</Gy>", "not-finite", "infinity"},
     {Crank, "linear_tolerance=\"1e-06\"", "^linear_tolerance=\"1e-06m\"", "invalid-value",
      "1e-06m"},
@@ -74,8 +89,11 @@ const std::vector<Planted> Mistakes{
      "invalid-value", "no whole number"},
     {Gears, "<LinearTermIndex>1</LinearTermIndex>",
      "<LinearTermIndex>^99999999999</LinearTermIndex>", "invalid-value", "too large for 32 bits"},
+    {Gears, "<LinearTermIndex>1</LinearTermIndex>",
+     "<LinearTermIndex>^+99999999999</LinearTermIndex>", "invalid-value", "too large for 32 bits"},
     // Words
     {Crank, "is_fixed=\"yes\"", "^is_fixed=\"Yes\"", "invalid-value", "did you mean \"yes\"?"},
+    {Crank, "is_fixed=\"yes\"", "^is_fixed=\"\"", "invalid-value", "there is no word"},
     {Crank, "is_fixed=\"yes\"", "^is_fixed=\"true\"", "invalid-value", "no or yes was expected"},
     {Crank, "id=\"Rod\" name=\"Rod\" isActive=\"yes\"", "id=\"Rod\" name=\"Rod\" ^isActive=\"1\"",
      "invalid-value", "no is read"},
@@ -106,7 +124,7 @@ const std::vector<Planted> Mistakes{
     {Crank, " version=\"R2018.1\"", "", "missing-version", "no version", R"(<^KARMPDocument)"},
     {Crank, "<Mass>0.5</Mass>", "<Mass>0.5</Mass><^Mass>0.6</Mass>", "duplicate-element", "twice"},
     {Crank, "<Weight>\n     <Mass>0.5", "<Weight>^Light\n     <Mass>0.5", "unexpected-text",
-     "Light"},
+     "\"Light\" is not read: only elements stand here"},
     // References
     {Crank,
      "<Geometry id=\"Rod.Crank pin\" name=\"Rod.Crank pin\"/>\n     <Geometry id=\"Rod.Slider "
@@ -114,6 +132,8 @@ const std::vector<Planted> Mistakes{
      "<Geometry ^id=\"Rod.Crank pni\" name=\"Rod.Crank pin\"/>\n     <Geometry id=\"Rod.Slider "
      "pin\"",
      "unresolved-reference", "did you mean \"Rod.Crank pin\"?"},
+    {Crank, "<Body id=\"Rod\" name=\"Rod\" isActive", "<Body id=\"Rod\" name=\"Bar\" isActive",
+     "other-name", "is called \"Bar\", not \"Rod\"", R"(<Body id="Rod" ^name="Rod")"},
     {Drive, "<Motor id=\"Lift motor\" name=\"Lift motor\"/>",
      "<Motor id=\"Lift motor\" ^name=\"Lift\"/>", "other-name", "is called \"Lift motor\""},
     {Drive, "<Motor id=\"Lift motor\" name=\"Lift motor\"/>",
@@ -143,11 +163,13 @@ const std::vector<Planted> Mistakes{
      "     <LinearTerm><LinearTermIndex>1</LinearTermIndex><LinearTermValue>1</LinearTermValue>"
      "</LinearTerm>\n",
      "", "unlinked-variable", "1 term and 2 linked variables", R"(<^LinearTermDataContainer>)"},
-    {Drive, "<Var0>0<", "<Var0>^1<", "mapping-range", "position 1"},
+    {Drive, "<Var0>0<", "<Var0>^1<", "mapping-range",
+     "position 1 is that of no variable: 1 variable is linked, counted from 0"},
     {Drive, "<Var0>0<", "<Var0>^-1<", "mapping-range", "position -1"},
-    {Drive, "<Var0>0</Var0>", "<^Var1>0</Var1>", "mapping-range", "Var0"},
-    {Drive, "cos(1.5 * t))", "cos(1.5 * t) + u)", "unlinked-variable", "2 variables",
-     R"(<Value>^0.4 + 0.3)"},
+    {Drive, "<Var0>0</Var0>", "<^Var1>0</Var1>", "mapping-range",
+     "the names are Var0 to Var0 for one entry"},
+    {Drive, "cos(1.5 * t))", "cos(1.5 * t) + u)", "unlinked-variable",
+     "the equation has 2 variables, and 1 is linked", R"(<Value>^0.4 + 0.3)"},
     {Drive, "0.4 + 0.3 * (1 - cos(1.5 * t))", "^0.4 + 0.3 * (1 - cos(1.5 * t)", "equation-text",
      "line 1, column"},
     {Drive, "0.4 + 0.3 * (1 - cos(1.5 * t))", "^0.4 + * t", "equation-text", "line 1, column 7"},
@@ -179,6 +201,13 @@ const std::vector<Planted> Mistakes{
      R"(<^InertiaMatrix><M1x>4.6875<)"},
     {Crank, "<M1x>0.87758256189<", "<M1x>0.9<", "no-rotation", "has the length",
      R"(<^Rotation><M1x>0.9<)"},
+    {Crank, "<Rotation><M1x>1<", "<^Rotation><M1x>1.000002<", "no-rotation",
+     "axis 1 has the length"},
+    {Crank, "<Rotation><M1x>1<", "<^Rotation><M1x>0.999998<", "no-rotation",
+     "axis 1 has the length 0.999998"},
+    {Crank, "<Rotation><M1x>1</M1x><M1y>0</M1y><M1z>0</M1z><M2x>0<",
+     "<^Rotation><M1x>1</M1x><M1y>0</M1y><M1z>0</M1z><M2x>-2e-6<", "no-rotation",
+     "axes 1 and 2 are not at a right angle: the cosine between them is -2e-06"},
     {Crank, "<M2x>-0.479425538604<", "<M2x>0.479425538604<", "no-rotation", "right angle",
      R"(<^Rotation><M1x>0.87758256189)"},
     {Crank, "<M3z>1</M3z></Rotation>\n    </Position>\n    <Velocity>",
@@ -235,6 +264,28 @@ namespace {
 TEST(PlantedMistakes, OfAllKindsAreFoundWhereTheyStand)
 {
     ExpectFindings(MistakesByKind());
+}
+
+TEST(PlantedMistakes, AreNumbersThatAreTooSmallWithoutAnExponent)
+{
+    std::string text = ReadDocument(Crank);
+    const std::string digits = "0." + std::string(400, '0') + '1';
+    const std::string sound = "<Mass>0.5<";
+    text.replace(text.find(sound), sound.size(), "<Mass>" + digits + '<');
+    const Diagnostics found = FindingsIn(text);
+    ASSERT_EQ(found.items.size(), 1U) << AllOf(found);
+    EXPECT_EQ(found.items[0].code, Code::TooSmall);
+}
+
+TEST(PlantedMistakes, InTheTextOfAnEquationAreErrors)
+{
+    std::string text = ReadDocument(Drive);
+    const std::string sound = "0.4 + 0.3 * (1 - cos(1.5 * t))";
+    text.replace(text.find(sound), sound.size(), "0.4 + * t");
+    const Diagnostics found = FindingsIn(text);
+    ASSERT_EQ(found.items.size(), 1U) << AllOf(found);
+    EXPECT_EQ(found.items[0].code, Code::EquationText);
+    EXPECT_EQ(found.items[0].severity, Severity::Error);
 }
 
 TEST(PlantedMistakes, OfATruncatedDocumentAreCalledSo)
