@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -35,7 +37,8 @@ std::string Document(const std::string& families)
 
 bool IsOfMeaning(Code code)
 {
-    return code >= Code::MotorWithoutVariable && code <= Code::LostMaterials;
+    return (code >= Code::MotorWithoutVariable && code <= Code::LostMaterials) ||
+           code == Code::NullAxis || code == Code::ReversedLimits;
 }
 
 Diagnostics MeaningOf(const std::string& families)
@@ -80,6 +83,8 @@ TEST(MechanismRules, WantOneMotorForAVariable)
     ExpectOne("<Actuators><Motor id=\"M\"><Variable id=\"V\"/></Motor>"
               "<Motor id=\"N\"><Variable id=\"V\"/></Motor></Actuators>",
               Code::SharedVariable, "Actuators/Motor[2]/Variable");
+    ExpectNone("<Actuators><Motor id=\"M\"><Variable/></Motor><Motor id=\"N\"><Variable/></Motor>"
+               "</Actuators>");
 }
 
 TEST(MechanismRules, WantATargetForEachForce)
@@ -155,7 +160,7 @@ TEST(MechanismRules, WantAPlanarBodyForEachPlanarForceAndSensor)
                "</SpatialForceActuator2D></Actuators>");
 }
 
-// The document with another planar body, or other joints, than it has otherwise.
+// The document with another body, joint or value than it has otherwise.
 std::string Changed(const std::string& part, const std::string& other)
 {
     std::string text = Document("<Geometries><Sketch id=\"K\"><Body id=\"B1\"/></Sketch>"
@@ -174,6 +179,72 @@ TEST(MechanismRules, WantAPlaneForEachPlanarBodyAndABodyForEachPlane)
     ASSERT_NE(message, nullptr);
     EXPECT_EQ(message->severity, Severity::Warning);
     EXPECT_EQ(message->path, "/KARMPDocument/World/Bodies/Body2D");
+}
+
+TEST(MechanismRules, WantAQuantityOfAnExpressionAndOfAConstantWithoutTheItem)
+{
+    const std::string constant = "<Constant id=\"N\"><PhysicalQuantity>Force</PhysicalQuantity>"
+                                 "<Value>1</Value></Constant>";
+    const auto check = [&constant](const std::string& value) {
+        std::string text = Document("<Actuators><Motor id=\"M\"><Variable id=\"V\"/>"
+                                    "<MaxForce id=\"N\"/></Motor></Actuators>");
+        return CheckText(text.replace(text.find(constant), constant.size(), value))
+            .Find(Code::ValueWithoutQuantity);
+    };
+    EXPECT_EQ(check(constant), nullptr);
+    EXPECT_NE(check("<Constant id=\"N\"><Value>1</Value></Constant>"), nullptr);
+    EXPECT_NE(check("<Expression id=\"N\"><PhysicalQuantity>NoPhysicalQuantity</PhysicalQuantity>"
+                    "</Expression>"),
+              nullptr);
+    EXPECT_EQ(check("<String id=\"N\"/>"), nullptr);
+}
+
+// What is told of the inertia matrix of a body, by its lines.
+std::string InertiaFaultIn(const std::array<std::array<double, 3>, 3>& lines)
+{
+    std::ostringstream body;
+    body.precision(12);
+    body << "<Body id=\"B1\"><Weight><InertiaMatrix>";
+    for (int column = 0; column < 3; ++column)
+        for (int line = 0; line < 3; ++line) {
+            const std::string name = std::string("M") + "123"[column] + "xyz"[line];
+            body << '<' << name << '>' << lines[line][column] << "</" << name << '>';
+        }
+    body << "</InertiaMatrix></Weight></Body>";
+    std::string text;
+    for (const Diagnostic& message : CheckText(Changed("<Body id=\"B1\"/>", body.str())).items)
+        if (message.path.ends_with("/Weight/InertiaMatrix"))
+            text += message.text;
+    return text;
+}
+
+TEST(MechanismRules, TellThePrincipalMomentsOfAnInertiaThatNoBodyHas)
+{
+    const std::string moments = "the principal moments of inertia are ";
+    const std::string sum = "; in a body none is greater than the sum of the others";
+    const std::string sign = "; none is negative in a body";
+    EXPECT_EQ(InertiaFaultIn({{{2, 0, 0}, {0, 6, 0}, {0, 0, 1}}}), moments + "1, 2 and 6" + sum);
+    EXPECT_EQ(InertiaFaultIn({{{1.5, 0.5, 0}, {0.5, 1.5, 0}, {0, 0, 6}}}),
+              moments + "1, 2 and 6" + sum);
+    EXPECT_EQ(InertiaFaultIn({{{-1, 0, 0}, {0, -1, 0}, {0, 0, -1}}}),
+              moments + "-1, -1 and -1" + sign);
+    EXPECT_EQ(InertiaFaultIn({{{3, 0, 0}, {0, 1, 2}, {0, 2, 1}}}), moments + "-1, 3 and 3" + sign);
+    EXPECT_EQ(InertiaFaultIn({{{1, 0, 0}, {0, 2, 0.5}, {0, 0.25, 2}}}),
+              "the inertia matrix is not symmetric: \"M3y\" is 0.5 and \"M2z\" is 0.25");
+}
+
+TEST(MechanismRules, LetInertiasBeRoundedToAMillionthOfTheirGreatestNumber)
+{
+    const auto diagonal = [](double first, double second, double third) {
+        return InertiaFaultIn({{{first, 0, 0}, {0, second, 0}, {0, 0, third}}});
+    };
+    EXPECT_EQ(diagonal(100, 200, 300), ""); // a plate
+    EXPECT_EQ(diagonal(100, 200, 300.0002), "");
+    EXPECT_NE(diagonal(100, 200, 300.0004), "");
+    EXPECT_EQ(diagonal(-0.00009, 100, 100), "");
+    EXPECT_NE(diagonal(-0.00011, 100, 100), "");
+    EXPECT_EQ(InertiaFaultIn({{{100, 0.00009, 0}, {0, 100, 0}, {0, 0, 100}}}), "");
+    EXPECT_NE(InertiaFaultIn({{{100, 0.00011, 0}, {0, 100, 0}, {0, 0, 100}}}), "");
 }
 
 TEST(MechanismRules, LetNoPlanarJointLinkABodyInSpace)
@@ -224,6 +295,56 @@ TEST(MechanismRules, CompareTheNumbersOfADofSensorWithItsLists)
     ExpectNone(sensor("1", "1"));
     ExpectOne(sensor("2", "1"), Code::WrongCount, "Sensors/DofSensor");
     ExpectOne(sensor("1", "3"), Code::WrongCount, "Sensors/DofSensor/Translations");
+    ExpectOne("<Sensors><DofSensor2D id=\"S\" numberOfDof=\"1\"><ConstrainedBody2D id=\"P\"/>"
+              "</DofSensor2D></Sensors>",
+              Code::WrongCount, "Sensors/DofSensor2D");
+}
+
+TEST(MechanismRules, WantTheLimitsOfACurvesSegmentsInOrder)
+{
+    const auto segments = [](const std::string& low, const std::string& high) {
+        return "<CurveSegments><CurveSegment curveLowLimit=\"" + low + "\" curveHighLimit=\"" +
+               high + "\"/></CurveSegments>";
+    };
+    for (const std::string kind : {"Curve", "Curve2D"}) {
+        const auto curve = [&](const std::string& low, const std::string& high) {
+            return "<Geometries><" + kind + " id=\"X\">" + segments(low, high) + "</" + kind +
+                   "></Geometries>";
+        };
+        ExpectOne(curve("2", "1"), Code::ReversedLimits,
+                  "Geometries/" + kind + "/CurveSegments/CurveSegment/@curveLowLimit");
+        ExpectNone(curve("1", "1"));
+    }
+}
+
+TEST(MechanismRules, WantALengthOfEachDirection)
+{
+    const auto frame = [](const std::string& second, const std::string& third) {
+        return "<Geometries><AxisSystem id=\"X\"><Body id=\"B1\"/><Coordinates><D1x>1</D1x><D1y>0"
+               "</D1y><D1z>0</D1z><D2x>0</D2x><D2y>" +
+               second + "</D2y><D2z>0</D2z><D3x>0</D3x><D3y>0</D3y><D3z>" + third +
+               "</D3z></Coordinates></AxisSystem></Geometries>";
+    };
+    ExpectNone(frame("1", "1"));
+    ExpectOne(frame("0", "1"), Code::NullAxis, "Geometries/AxisSystem/Coordinates");
+    ExpectOne(frame("1", "0"), Code::NullAxis, "Geometries/AxisSystem/Coordinates");
+    ExpectOne("<Sensors><DofSensor id=\"S\"><Screws><Screw><Axis><Axisx>0</Axisx><Axisy>0</Axisy>"
+              "<Axisz>0</Axisz></Axis></Screw></Screws><ConstrainedBody id=\"B1\"/></DofSensor>"
+              "</Sensors>",
+              Code::NullAxis, "Sensors/DofSensor/Screws/Screw/Axis");
+    ExpectOne("<Sensors><DofSensor2D id=\"S\"><Translations2D><Translation2D><Tx>0</Tx><Ty>0</Ty>"
+              "</Translation2D></Translations2D><ConstrainedBody2D id=\"P\"/></DofSensor2D>"
+              "</Sensors>",
+              Code::NullAxis, "Sensors/DofSensor2D/Translations2D/Translation2D");
+}
+
+TEST(MechanismRules, LetADisplacementActuatorMoveAGeometry)
+{
+    const std::string point = "<Geometries><Point id=\"X\"/><Point2D id=\"Y\"/></Geometries>";
+    ExpectNone(point + "<Actuators><DisplacementActuator id=\"F\"><Geometry id=\"X\"/>"
+                       "</DisplacementActuator></Actuators>");
+    ExpectNone(point + "<Actuators><DisplacementActuator2D id=\"F\"><Geometry2D id=\"Y\"/>"
+                       "</DisplacementActuator2D></Actuators>");
 }
 
 TEST(MechanismRules, WantTwoCollidablesOfACollisionRule)
@@ -424,9 +545,27 @@ TEST(MechanismRules, TakeWhateverHoldsAChain)
     EXPECT_EQ(chain(constraint("Q") + points), "");
     EXPECT_EQ(chain(constraint("GA") + points), "");
     EXPECT_EQ(chain(constraint("P") + points), "\"A\", \"B\";");
+    // A joint whose constraint alone names the ground.
+    EXPECT_EQ(ChainIn("<Joints>" + Joint("A", "B") +
+                          "<Revolute id=\"J\"><Bodies><Body id=\"A\"/></Bodies><Constraints>"
+                          "<Constraint id=\"C\"/></Constraints></Revolute></Joints>"
+                          "<Constraints><Coincidence id=\"C\"><Geometries><Geometry id=\"GA\"/>"
+                          "</Geometries></Coincidence></Constraints>",
+                      "<Body id=\"A\"/><Body id=\"B\"/>"),
+              "");
     EXPECT_EQ(chain("<Interactions><CollisionRule id=\"R\"><Collidables><Collidable id=\"A\"/>"
                     "<Collidable id=\"F\"/></Collidables></CollisionRule></Interactions>"),
               "");
+    EXPECT_EQ(chain("<Connectors><ForceElement id=\"S\"><FirstBody id=\"G\"/><Joint id=\"AB\"/>"
+                    "</ForceElement></Connectors>"),
+              "");
+    EXPECT_EQ(
+        chain("<Interactions><CollisionLayer id=\"L\"><Entities><Entity id=\"A\"/></Entities>"
+              "</CollisionLayer><CollisionLayer id=\"M\"><Entities><Entity id=\"F\"/></Entities>"
+              "</CollisionLayer><CollisionInterLayer id=\"R\"><CollisionLayers><CollisionLayer "
+              "id=\"L\"/><CollisionLayer id=\"M\"/></CollisionLayers></CollisionInterLayer>"
+              "</Interactions>"),
+        "");
     EXPECT_EQ(chain("<Sensors><DisplacementSensor id=\"D\"><Body id=\"A\"/></DisplacementSensor>"
                     "</Sensors><Actuators><SpatialForceActuator id=\"E\"><Body id=\"B\"/>"
                     "</SpatialForceActuator></Actuators>"),
@@ -434,6 +573,88 @@ TEST(MechanismRules, TakeWhateverHoldsAChain)
     EXPECT_EQ(ChainIn(joint, "<Body id=\"A\"/><Body id=\"B\"/><Body id=\"H\" is_fixed=\"yes\">"
                              "<ChildrenBodies><ChildBody id=\"B\"/></ChildrenBodies></Body>"),
               "");
+}
+
+TEST(MechanismRules, FindPlanarBodiesThatAreJoinedWithNothingFixed)
+{
+    const std::string bodies =
+        "<Body2D id=\"A\"/><Body2D id=\"B\"/><Body2D id=\"H\" is_fixed2D=\"yes\"/>";
+    const auto joint = [](const std::string& first, const std::string& second) {
+        return "<UserDefined2D id=\"" + first + second + "\"><Bodies2D><Body2D id=\"" + first +
+               "\"/><Body2D id=\"" + second + "\"/></Bodies2D></UserDefined2D>";
+    };
+    EXPECT_EQ(ChainIn("<Joints>" + joint("A", "B") + "</Joints>", bodies), "\"A\", \"B\";");
+    EXPECT_EQ(ChainIn("<Joints>" + joint("A", "B") + joint("B", "H") + "</Joints>", bodies), "");
+    EXPECT_EQ(ChainIn("<Joints>" + joint("A", "B") +
+                          "</Joints><Constraints><Coincidence id=\"C\"><Geometries><Geometry "
+                          "id=\"P\"/><Geometry id=\"Q\"/></Geometries></Coincidence></Constraints>"
+                          "<Geometries><Point2D id=\"P\"><Body2D id=\"B\"/></Point2D>"
+                          "<Point2D id=\"Q\"><Body2D id=\"H\"/></Point2D></Geometries>",
+                      bodies),
+              "");
+}
+
+// The bodies that hang on nothing, beside the ground G, where A and B are joined.
+std::string LooseIn(const std::string& bodies, const std::string& families = "",
+                    const std::string& link = "<Joints>" + Joint("A", "B") + "</Joints>")
+{
+    const Diagnostics found =
+        CheckText("<KARMPDocument version=\"R2018.1\"><World><Globals><GlobalBody id=\"G\"/>"
+                  "</Globals><Bodies>" +
+                  bodies + "<Body id=\"G\"/><Body id=\"A\"/><Body id=\"B\"/></Bodies>" + link +
+                  families + "</World></KARMPDocument>");
+    std::string loose;
+    for (const Diagnostic& message : found.items)
+        if (message.code == Code::LooseBody)
+            loose += message.path.substr(message.path.rfind('/') + 1) + ';';
+    return loose;
+}
+
+TEST(MechanismRules, FindABodyThatHangsOnNothingBesideALink)
+{
+    const std::string body = "<Body id=\"L\"/>";
+    EXPECT_EQ(LooseIn(body), "Body[1];");
+    EXPECT_EQ(LooseIn(body, "<Geometries><Point id=\"P\"><Body id=\"L\"/></Point></Geometries>"),
+              "Body[1];");
+    const std::string ends = "<FirstBody id=\"A\"/><SecondBody id=\"B\"/>";
+    EXPECT_EQ(
+        LooseIn(body, "", "<Connectors><Bushing id=\"S\">" + ends + "</Bushing></Connectors>"),
+        "Body[1];");
+    EXPECT_EQ(LooseIn("<Body2D id=\"L\"/>", "",
+                      "<Joints><UserDefined2D id=\"J\"><Bodies2D><Body2D id=\"A\"/>"
+                      "<Body2D id=\"B\"/></Bodies2D></UserDefined2D></Joints>"),
+              "Body2D;");
+    EXPECT_EQ(LooseIn(body, "", ""), ""); // without a link, bodies are a part
+}
+
+TEST(MechanismRules, TakeABodyThatIsFixedOrRefersToALinkForHeld)
+{
+    EXPECT_EQ(LooseIn("<Body id=\"L\" is_fixed=\"yes\"/>"), "");
+    EXPECT_EQ(LooseIn("<Body2D id=\"L\" is_fixed2D=\"yes\"/>"), "");
+    for (const std::string list :
+         {"<Joints><Joint id=\"J\"/></Joints>", "<Connectors><Connector id=\"C\"/></Connectors>",
+          "<DisplacementSensor id=\"D\"/>"})
+        EXPECT_EQ(LooseIn("<Body id=\"L\">" + list + "</Body>"), "") << list;
+    const std::string children =
+        "<AggregatedElements><Element id=\"M\"/></AggregatedElements></Body><Body id=\"M\"/>";
+    EXPECT_EQ(LooseIn("<Body id=\"L\">" + children), "");
+}
+
+TEST(MechanismRules, TakeABodyThatAnythingButItsShapeRefersToForHeld)
+{
+    const std::vector<std::string> families{
+        "<Actuators><SpatialForceActuator id=\"F\"><Body id=\"L\"/></SpatialForceActuator>"
+        "</Actuators>",
+        "<Sensors><DisplacementSensor id=\"D\"><Body id=\"L\"/></DisplacementSensor></Sensors>",
+        "<Sensors><ProximitySensor id=\"D\"><ProximitySensorData><SensorBody id=\"A\"/>"
+        "<ProximitySensorGroup><BodyInGroup id=\"L\"/></ProximitySensorGroup>"
+        "</ProximitySensorData></ProximitySensor></Sensors>",
+        "<Connectors><ForceElement id=\"S\"><FirstBody id=\"L\"/></ForceElement></Connectors>",
+        "<Interactions><CollisionRule id=\"R\"><Collidables><Collidable id=\"L\"/></Collidables>"
+        "</CollisionRule></Interactions>",
+    };
+    for (const std::string& family : families)
+        EXPECT_EQ(LooseIn("<Body id=\"L\"/>", family), "") << family;
 }
 
 // The codes of trees among the findings about bodies, each with its path.
