@@ -20,6 +20,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <initializer_list>
 #include <string>
 
 using namespace karmp::documents;
@@ -102,17 +103,19 @@ std::string Base64(const void* bytes, std::size_t size)
     return kar::Base64Encode({static_cast<const unsigned char*>(bytes), size});
 }
 
-std::string StreamOf(KARIGMKObject* object, int mode)
+std::string StreamOf(std::initializer_list<KARIGMKObject*> objects, int mode)
 {
     KARListPtrKARIGMKObject list;
-    list.Append(object);
+    for (KARIGMKObject* const object : objects)
+        list.Append(object);
     KARGMKStream stream;
     std::size_t position = 0;
     int version = 0;
     stream.OpenWriteStreamHeader(mode, position, version);
     KARIGMKObjectsSave(stream).Save(list, nullptr);
     stream.CloseWriteStreamHeader(position, version);
-    object->Release();
+    for (KARIGMKObject* const object : objects)
+        object->Release();
     return Base64(stream.GetBytes().data(), stream.GetLength());
 }
 
@@ -185,10 +188,10 @@ TEST_F(ShapeDocument, CheckWantsExactlyOneBodyOfAPlanarShape)
     constexpr int ShapeMode = 1;
     KARIGMKObject* const line = KARLineCurve::Create(KARMathLine({0, 0, 0}, {1, 0, 0}), 0.0, 1.0);
     for (const std::string& stream :
-         {std::string(), std::string("AAAA"), StreamOf(KARBody::Create(), ShapeMode + 1),
-          StreamOf(line, ShapeMode)})
+         {std::string(), std::string("AAAA"), StreamOf({KARBody::Create()}, ShapeMode + 1),
+          StreamOf({line}, ShapeMode), StreamOf({KARBody::Create(), KARBody::Create()}, ShapeMode)})
         EXPECT_EQ(Found(SavedWith(stream)), Findings{"unreadable-stream Shapes/ShapeBody"});
-    EXPECT_EQ(Found(SavedWith(StreamOf(KARBody::Create(), ShapeMode))), Findings{});
+    EXPECT_EQ(Found(SavedWith(StreamOf({KARBody::Create()}, ShapeMode))), Findings{});
 }
 
 TEST_F(ShapeDocument, CheckWantsABodyOfEachShape)
