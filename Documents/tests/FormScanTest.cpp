@@ -5,10 +5,12 @@
 #include "ChangedDocuments.h"
 #include "KARMPDocumentChecker.h"
 #include "KARMPDocumentSource.h"
+#include "PlantedTesting.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
 using namespace karmp::documents;
 
@@ -64,6 +66,22 @@ TEST(FormScan, IsContentWithWhatTheCheckFindsNothingIn)
         const Comparison comparison(text);
         EXPECT_TRUE(comparison.isRead);
         EXPECT_FALSE(comparison.isFalseAlarm) << text.substr(0, 500);
+    }
+}
+
+TEST(FormScan, IsNotContentWithFaultsThatReferencesToCharactersHide)
+{
+    const std::pair<std::string, std::string> changes[] = {
+        {"<HasMaxValue>false<", "<HasMaxValue>tr&#117;e<"},
+        {R"(<Joint id="Guide")", R"(<Joint id="Gu&#120;de")"},
+    };
+    for (const auto& [sound, mistaken] : changes) {
+        std::string text = ReadDocument("slider-crank");
+        const std::size_t at = text.find(sound);
+        ASSERT_NE(at, text.npos) << sound;
+        text.replace(at, sound.size(), mistaken);
+        EXPECT_FALSE(IsContent(text, CheckLevel::Form)) << mistaken;
+        EXPECT_NE(Messages(Document::ReadText(text), CheckLevel::Form, false), "") << mistaken;
     }
 }
 

@@ -9,6 +9,7 @@
 #include "KARMPLinearSpring.h"
 #include "KARMPMaterial.h"
 #include "KARMPParameter.h"
+#include "KARMPPoint.h"
 #include "KARMPTestFixture.h"
 #include "KARMPValue.h"
 #include "KARMPWorld.h"
@@ -320,6 +321,64 @@ TEST_F(WorldDocument, AnIdentifierCarriedTwiceIsReportedWithBothPositions)
     EXPECT_EQ(item->line, 4U);
     EXPECT_EQ(item->path, BodyPath + "[2]/@id");
     EXPECT_EQ(item->text, "the identifier \"a\" was carried before, in line 3");
+}
+
+TEST_F(WorldDocument, ALoadTellsOfAnIdentifierThatIsCarriedTwice)
+{
+    const std::string entity = R"(<DebugEntity id="a" name="a" isActive="yes"/>)";
+    const auto load = [this](const std::string& entities) {
+        const std::string list = "<DebugEntities>" + entities + "</DebugEntities>";
+        return LoadText(Changed("</World>", list + "</World>")).diagnostics;
+    };
+    ExpectNothing(load(entity));
+    ExpectMessage(load(entity + entity), Code::DuplicateIdentifier, Severity::Error,
+                  WorldPath + "/DebugEntities/DebugEntity[2]/@id");
+}
+
+TEST_F(WorldDocument, ALoadTellsOfOneOfManyLinksThatIsNotReturned)
+{
+    QOBSharedHandle<KARMPBody> body;
+    m_world->GetGlobalBody(body);
+    for (int number = 0; number < 20; ++number) {
+        const QOBSharedHandle<KARMPGeometry> point = KARMPPoint::create(L"Point");
+        point->SetIdentifier(L"P" + std::to_wstring(number));
+        m_world->Add<KARMPGeometry>(point);
+        point->SetBody(body);
+        body->AddGeometry(point);
+    }
+    ExpectNothing(LoadText(Saved()).diagnostics);
+    for (const std::string identifier : {"P0", "P7", "P19"}) {
+        const std::string link = "<Geometry id=\"" + identifier + "\" name=\"Point\"/>";
+        EXPECT_NE(LoadText(Changed(link, "")).diagnostics.Find(Code::OneSidedLink), nullptr)
+            << identifier;
+    }
+}
+
+TEST_F(WorldDocument, AMisspeltItemIsAnErrorWhereTheItemIsNeededAndMissing)
+{
+    const auto expect = [this](const std::string& list, Code code, Severity severity,
+                               const std::string& path) {
+        SCOPED_TRACE(list);
+        const LoadResult result = LoadText(Changed("</World>", list + "</World>"));
+        ExpectMessage(result.diagnostics, code, severity, WorldPath + path);
+    };
+    const auto constraint = [](const std::string& content) {
+        return R"(<Constraints><Parallelism id="a" name="a" isActive="yes">)" + content +
+               "</Parallelism></Constraints>";
+    };
+    const std::string known = "<Alignment>Align</Alignment>";
+    const std::string misspelt = "<Alignement>Align</Alignement>";
+    const std::string place = "/Constraints/Parallelism/Alignement";
+    expect(constraint(misspelt), Code::UnknownElement, Severity::Error, place);
+    expect(constraint(misspelt + known), Code::UnknownElement, Severity::Warning, place);
+    expect(constraint(known + misspelt), Code::UnknownElement, Severity::Warning, place);
+    const auto entity = [](const std::string& attributes) {
+        return "<DebugEntities><DebugEntity " + attributes +
+               R"( name="a" isActive="yes"/></DebugEntities>)";
+    };
+    const std::string attribute = "/DebugEntities/DebugEntity/@iD";
+    expect(entity(R"(iD="a")"), Code::UnknownAttribute, Severity::Error, attribute);
+    expect(entity(R"(iD="a" id="a")"), Code::UnknownAttribute, Severity::Warning, attribute);
 }
 
 TEST_F(WorldDocument, ACheckFindsClassesThatDoNotExistOrStandInAWrongList)
