@@ -1,8 +1,10 @@
 // What a save tells of before it writes.
 #include "FilledWorld.h"
+#include "KARMPAxialSpring.h"
 #include "KARMPBody.h"
 #include "KARMPCollisionInterLayer.h"
 #include "KARMPCollisionLayer.h"
+#include "KARMPConstant.h"
 #include "KARMPCylinder.h"
 #include "KARMPDocuments.h"
 #include "KARMPGenericFactory.h"
@@ -146,6 +148,39 @@ TEST_F(SavedWorld, TellsOfALinkThatOneSideHas)
     AddJoint()->LinkToBody(body, KARMPBodyOrientation::Out);
     ExpectOne(Code::OneSidedLink, Severity::Warning, "/Joints/Revolute/Bodies",
               "Body \"Crank\" [K1] does not refer back to Revolute \"Pin\" [J1]");
+}
+
+// A body has one list for both ends of connectors.
+TEST_F(SavedWorld, TellsOfAConnectorThatABodyDoesNotReferBackTo)
+{
+    const auto spring = KARMPAxialSpring::create(L"Spring");
+    spring->SetIdentifier(L"S1");
+    m_world->Add<KARMPConnector>(spring);
+    m_basicWorld->addLogicalChild(spring); // ends the cycles of its links
+    const auto first = AddBody(L"Crank", L"K1");
+    const auto second = AddBody(L"Rod", L"K2");
+    spring->SetFirstBody(first);
+    spring->SetSecondBody(second);
+    first->LinkToConnector(spring);
+    ExpectOne(Code::OneSidedLink, Severity::Warning, "/Connectors/AxialSpring/SecondBody",
+              "Body \"Rod\" [K2] does not refer back to AxialSpring \"Spring\" [S1]");
+    second->LinkToConnector(spring);
+    EXPECT_TRUE(Save().items.empty());
+}
+
+TEST_F(SavedWorld, TellsOfAValueThatTheDocumentDoesNotHold)
+{
+    const auto spring = KARMPAxialSpring::create(L"Spring");
+    spring->SetIdentifier(L"S1");
+    m_world->Add<KARMPConnector>(spring);
+    const auto stiffness = KARMPConstant::create(L"Stiffness");
+    stiffness->SetIdentifier(L"V1");
+    spring->SetStiffness(stiffness);
+    ExpectOne(Code::UnresolvedReference, Severity::Error, "/Connectors/AxialSpring/Stiffness",
+              "AxialSpring \"Spring\" [S1] refers to Constant \"Stiffness\" [V1], which the "
+              "document does not hold");
+    m_world->Add<KARMPValue>(stiffness);
+    EXPECT_TRUE(Save().items.empty());
 }
 
 TEST_F(SavedWorld, FindsLinksBackInLongLists)
