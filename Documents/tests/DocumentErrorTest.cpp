@@ -56,6 +56,7 @@ TEST(DocumentErrors, WhatIsNoXmlIsASyntaxErrorWithItsPosition)
     ExpectError("<!-- a -->", Code::Syntax, {1, 10});
     ExpectError(Start + End + "<B/>", Code::Syntax, {1, Start.size() + End.size() + 2});
     ExpectError(Start + End + "\nrest", Code::Syntax, {2, 1});
+    ExpectError(Start + "\n<?xml version=\"1.0\"?>" + End, Code::Syntax, {2, 6});
 }
 
 TEST(DocumentErrors, ATruncatedDocumentIsAnErrorWhereverItEnds)
@@ -179,6 +180,9 @@ TEST(DocumentErrors, UnknownReferencesAreKeptAsTextAndReported)
         EXPECT_EQ(item.column, 11U);
         EXPECT_EQ(item.path, "/KARMPDocument/A/B[2]");
     }
+    const Document first = Document::ReadText(Start + "<A>&x;</A><A/>" + End);
+    ASSERT_EQ(first.Messages().items.size(), 1U);
+    EXPECT_EQ(first.Messages().items[0].path, "/KARMPDocument/A[1]");
     const Document document = Document::ReadText(Start + "<A b=\"&x;\">&y;</A>" + End);
     ASSERT_EQ(document.Messages().items.size(), 2U);
     EXPECT_EQ(document.Messages().items[0].path, "/KARMPDocument/A/@b");
@@ -245,6 +249,12 @@ TEST(DocumentErrors, EveryLimitHoldsExactly)
     smaller = limits;
     --smaller.nameLength;
     ExpectError(text, Code::NameTooLong, {1, 2}, smaller);
+    limits.bytes = 1000;
+    const std::string longer(limits.nameLength + 1, 'a');
+    ExpectError(Start + "<" + longer + "/>" + End, Code::NameTooLong, {1, 35}, limits);
+    ExpectError(Start + "<A " + longer + "=\"1\"/>" + End, Code::NameTooLong, {1, 35}, limits);
+    limits.nodes = 3;
+    ExpectError(Start + "<A b=\"1\"/>" + End, Code::TooManyNodes, {1, 35}, limits);
 }
 
 TEST(DocumentErrors, HostileTextsEndQuickly)
