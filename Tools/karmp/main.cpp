@@ -14,6 +14,7 @@
 #include <exception>
 #include <functional>
 #include <iostream>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -52,6 +53,26 @@ const CLI::Validator NotNegative(
         return holds && number >= 0.0 ? std::string() : '"' + text + "\" is no number from 0 on";
     },
     "");
+
+// The same for numbers without a fraction; what the library says of a number that it cannot convert
+// names neither the argument's range nor what is wrong.
+CLI::Validator WholeNumber(int least, int most, const std::string& range = {})
+{
+    return CLI::Validator(
+        [least, most](const std::string& text) {
+            int number = 0;
+            const char* const end = text.data() + text.size();
+            const auto [next, error] = std::from_chars(text.data(), end, number);
+            const bool holds = error == std::errc() && next == end;
+            return holds && number >= least && number <= most
+                       ? std::string()
+                       : '"' + text + "\" is no whole number from " + std::to_string(least) +
+                             " to " + std::to_string(most);
+        },
+        range);
+}
+
+const CLI::Validator CountOrZero = WholeNumber(0, std::numeric_limits<int>::max());
 
 // An option that is there and says nothing is a variable of a script that was not set, mostly.
 void RefuseEmptyTexts(CLI::App& app)
@@ -174,7 +195,7 @@ int Run(int argc, char** argv)
     checkApp->add_flag("--sarif", check.sarif, "Findings as SARIF 2.1.0")->excludes(checkJson);
     checkApp->add_flag("-q,--quiet", check.quiet, "Findings only, no summary");
     checkApp->add_option("--max", check.most, "Findings to print; all are counted")
-        ->check(NotNegative);
+        ->check(CountOrZero);
     CLI::Option* const disabled =
         checkApp->add_option("--disable", check.disabled, "Codes of findings to leave out")
             ->allow_extra_args(false);
@@ -263,7 +284,7 @@ int Run(int argc, char** argv)
     extractApp
         ->add_option("--reach", extract.reach,
                      "Joints that lead on to further bodies, from each body on")
-        ->check(NotNegative)
+        ->check(CountOrZero)
         ->capture_default_str();
     CLI::Option* const with = extractApp->add_option(
         "--with", extract.families,
@@ -363,6 +384,7 @@ int Run(int argc, char** argv)
         ->type_name("FILE")
         ->needs(part);
     AddWriting(*shapeApp, shape.writing);
+    shapeApp->get_option("--backup")->needs(part);
     folder->excludes(part);
     part->needs(shapeBody);
     shapeApp->footer(
@@ -395,14 +417,14 @@ int Run(int argc, char** argv)
     graphApp
         ->add_option("--time-limit", graph.timeLimit,
                      "Seconds after which Graphviz is stopped and no picture written")
-        ->check(CLI::Range(1, 86400))
+        ->check(WholeNumber(1, 86400, "INT in [1 - 86400]"))
         ->capture_default_str();
     CLI::Option* const around = graphApp->add_option(
         "--around", graph.around, "Only what is near a body, by name or identifier");
     graphApp
         ->add_option("--reach", graph.reach,
                      "Joints from that body to the last ones that are drawn")
-        ->check(NotNegative)
+        ->check(CountOrZero)
         ->capture_default_str()
         ->needs(around);
     graphApp->add_flag("--all", graph.all,
@@ -449,12 +471,16 @@ int Run(int argc, char** argv)
     forms->add_flag("--rnc", isCompact, "RELAX NG in the compact syntax");
     forms->add_flag("--rng", schema.rng, "RELAX NG as XML");
     forms->add_flag("--xsd", schema.xsd, "W3C XML Schema");
-    forms->add_option("--text", schema.className, "One class, or its element, for a reader");
-    forms->add_flag("--reference", schema.reference, "The reference of all classes as Markdown");
+    CLI::Option* const text =
+        forms->add_option("--text", schema.className, "One class, or its element, for a reader");
+    CLI::Option* const reference = forms->add_flag("--reference", schema.reference,
+                                                   "The reference of all classes as Markdown");
     forms->require_option(0, 1);
-    schemaApp->add_option("--for", schema.version,
-                          "Version of the documents, the current one "
-                          "without it; schemas only");
+    schemaApp
+        ->add_option("--for", schema.version,
+                     "Version of the documents, the current one without it; schemas only")
+        ->excludes(text)
+        ->excludes(reference);
     schemaApp->footer(Footer("karmp schema --rng --for R2017.0 > karmp.rng"));
     schemaApp->callback([&] { command = [&schema] { return RunSchema(schema); }; });
 

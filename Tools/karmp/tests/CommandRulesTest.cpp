@@ -145,7 +145,7 @@ TEST_F(CommandRules, WrongArgumentsEndWith64)
 TEST_F(CommandRules, WrongArgumentsAreNamed)
 {
     const std::string out = " -o " + File("a");
-    const std::array<std::pair<std::string, std::string>, 20> cases{{
+    const std::array<std::pair<std::string, std::string>, 27> cases{{
         {"", "A command is required"},
         {"frobnicate", "frobnicate"},
         {"tree --family '' " + m_document, "--family: the text is empty"},
@@ -153,8 +153,16 @@ TEST_F(CommandRules, WrongArgumentsAreNamed)
         {"convert --to '' " + m_document + ' ' + File("a"), "--to: the text is empty"},
         {"diff --tolerance nan " + m_document + " -", "\"nan\" is no number from 0 on"},
         {"diff --tolerance -1 " + m_document + " -", "\"-1\" is no number from 0 on"},
-        {"check --max -1 " + m_document, "\"-1\" is no number from 0 on"},
-        {"extract --reach -1 --body Crank " + m_document + out, "\"-1\" is no number from 0 on"},
+        {"check --max -1 " + m_document, "\"-1\" is no whole number from 0 to 2147483647"},
+        {"extract --reach 1.5 --body Crank " + m_document + out,
+         "--reach: \"1.5\" is no whole number from 0"},
+        {"graph --around Crank --reach 9999999999 " + m_document, "\"9999999999\" is no whole"},
+        {"graph --time-limit 0 " + m_document, "\"0\" is no whole number from 1 to 86400"},
+        {"graph --time-limit 86401 " + m_document, "\"86401\" is no whole number from 1"},
+        {"graph --time-limit 1e3 " + m_document, "--time-limit: \"1e3\" is no whole number"},
+        {"shape " + m_document + " --export " + File("a") + " --backup", "--backup requires --add"},
+        {"schema --text Body --for R2017.0", "--for excludes --text"},
+        {"schema --reference --for R2017.0", "--for excludes --reference"},
         {"graph --reach 1 " + m_document + out + ".dot", "--reach requires --around"},
         {"check - -", "standard input can be read once only"},
         {"shape --export - " + m_document, "a folder of that name is ./-"},
