@@ -8,25 +8,25 @@ namespace karmp::tool {
 
 int RunConvert(const ConvertOptions& options)
 {
-    WriteOptions writing = options.writing;
+    Writing writing(options.input, options.writing);
     documents::SaveOptions save;
     save.version = kar::ToWide(std::string_view(options.version));
     save.doubles = options.exact ? documents::Doubles::Exact : documents::Doubles::Snapped;
     if (!options.version.empty() && !VersionNamed(save.version))
         return WrongArguments;
-    const auto loaded = LoadToWrite(options.input, writing);
+    const auto loaded = writing.Load();
     if (!loaded)
         return Unreadable;
     if (options.version.empty())
         save.version = loaded->version;
-    if (!VersionNamed(save.version) || !MayWrite(options.input, writing, loaded->diagnostics) ||
+    if (!VersionNamed(save.version) || !writing.MayWrite(loaded->diagnostics) ||
         !Complete(*loaded->world))
         return Unreadable;
     const Losses losses = LossesOf(*loaded, save.version);
-    const int written = WriteDocument(loaded->world, writing, save);
+    const int written = writing.Write(loaded->world, save);
     if (written == Unreadable)
         return Unreadable;
-    return std::max(written, ReportLosses(options.input, writing, *loaded, losses));
+    return std::max(written, writing.ReportLosses(*loaded, losses));
 }
 
 } // namespace karmp::tool

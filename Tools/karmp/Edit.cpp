@@ -67,11 +67,12 @@ std::string JsonOf(const std::vector<documents::Difference>& changes, const Left
 // the edits changed.
 int EditDocument(const EditOptions& options, const Work& work)
 {
-    WriteOptions writing = options.writing;
-    if (writing.output.empty())
-        writing.output = options.file;
-    const auto loaded = LoadToWrite(options.file, writing);
-    if (!loaded || !MayWrite(options.file, writing, loaded->diagnostics))
+    WriteOptions how = options.writing;
+    if (how.output.empty())
+        how.output = options.file;
+    Writing writing(options.file, how);
+    const auto loaded = writing.Load();
+    if (!loaded || !writing.MayWrite(loaded->diagnostics))
         return Unreadable;
     Model edited(loaded->world);
     if (!edited.Problems().empty()) {
@@ -90,15 +91,14 @@ int EditDocument(const EditOptions& options, const Work& work)
     documents::SaveOptions save = model::Exactly();
     save.version = loaded->version;
     const Losses losses = LossesOf(*loaded, save.version);
-    const int written = WriteDocument(loaded->world, writing, save);
+    const int written = writing.Write(loaded->world, save);
     if (written == Unreadable)
         return Unreadable;
-    if (!writing.json) {
-        PrintText(ReportStream(writing), changes, false, changes.size());
+    if (!options.writing.json) {
+        PrintText(writing.ReportStream(), changes, false, changes.size());
         PrintLeftShort(leftShort);
     }
-    return std::max(
-        written, ReportLosses(options.file, writing, *loaded, losses, JsonOf(changes, leftShort)));
+    return std::max(written, writing.ReportLosses(*loaded, losses, JsonOf(changes, leftShort)));
 }
 
 const ItemInfo* ItemAt(const KARMPEntity& entity, std::string_view path)

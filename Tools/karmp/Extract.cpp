@@ -71,16 +71,16 @@ std::string JsonOf(const documents::Extraction& extract)
 
 int RunExtract(const ExtractOptions& options)
 {
-    WriteOptions writing = options.writing;
     const auto families = FamiliesOf(options.families);
     if (!families)
         return WrongArguments;
-    if (IsSameFile(options.file, writing.output)) {
+    if (IsSameFile(options.file, options.writing.output)) {
         std::cerr << "karmp: the output is the document itself; choose another file\n";
         return Unreadable;
     }
-    const auto loaded = LoadWorld(options.file);
-    if (!loaded || !MayWrite(options.file, writing, loaded->diagnostics))
+    Writing writing(options.file, options.writing);
+    const auto loaded = writing.Load();
+    if (!loaded || !writing.MayWrite(loaded->diagnostics))
         return Unreadable;
     // Lists the collision layers, which reading does not.
     if (!loaded->unlisted.empty() && !Complete(*loaded->world))
@@ -102,16 +102,16 @@ int RunExtract(const ExtractOptions& options)
         std::find(families->begin(), families->end(), L"Interactions") != families->end();
     const Losses losses{save.version, documents::FindLosses(*extract.world, save.version, true),
                         takesLayers ? UnlistedOf(*loaded) : documents::Diagnostics()};
-    const int written = WriteDocument(extract.world, writing, save);
+    const int written = writing.Write(extract.world, save);
     if (written == Unreadable)
         return Unreadable;
     for (const documents::CutLink& lost : extract.lostItems)
         std::cerr << "karmp: " << TitleOf(*lost.holder) << " lost " << Printable(lost.item) << '\n';
-    if (!options.quiet && !writing.json) {
-        PrintCutLinks(ReportStream(writing), extract.cutLinks);
-        PrintUnrelated(ReportStream(writing), extract.unrelated);
+    if (!options.quiet && !options.writing.json) {
+        PrintCutLinks(writing.ReportStream(), extract.cutLinks);
+        PrintUnrelated(writing.ReportStream(), extract.unrelated);
     }
-    const int reported = ReportLosses(options.file, writing, *loaded, losses, JsonOf(extract));
+    const int reported = writing.ReportLosses(*loaded, losses, JsonOf(extract));
     return std::max({written, reported, int{extract.lostItems.empty() ? Clean : Findings}});
 }
 

@@ -84,16 +84,16 @@ QOBSharedHandle<KARMPBody> BodyFor(const KARMPWorld& world, const std::vector<st
 
 int RunAddShape(const ShapeOptions& options)
 {
-    WriteOptions writing = options.writing;
-    if (writing.output.empty())
-        writing.output = StandardStream;
-    if (IsSameFile(options.part, writing.output)) {
+    WriteOptions how = options.writing;
+    if (how.output.empty())
+        how.output = StandardStream;
+    if (IsSameFile(options.part, how.output)) {
         std::cerr << "karmp: the output is the part itself; choose another file\n";
         return Unreadable;
     }
-    const auto loaded = LoadToWrite(options.file, writing);
-    if (!loaded || !VersionNamed(loaded->version) ||
-        !MayWrite(options.file, writing, loaded->diagnostics))
+    Writing writing(options.file, how);
+    const auto loaded = writing.Load();
+    if (!loaded || !VersionNamed(loaded->version) || !writing.MayWrite(loaded->diagnostics))
         return Unreadable;
     const QOBSharedHandle<KARMPBody> body = BodyFor(*loaded->world, options.bodies);
     if (!body)
@@ -112,14 +112,13 @@ int RunAddShape(const ShapeOptions& options)
     save.version = loaded->version;
     save.doubles = documents::Doubles::Exact;
     const Losses losses = LossesOf(*loaded, save.version);
-    const int written = WriteDocument(loaded->world, writing, save);
+    const int written = writing.Write(loaded->world, save);
     if (written == Unreadable)
         return Unreadable;
-    if (!writing.json)
-        ReportStream(writing) << TitleOf(*body) << ": " << TitleOf(*shape) << " with "
-                              << part.triangles << " triangles\n";
-    return std::max(written, ReportLosses(options.file, writing, *loaded, losses,
-                                          AddedJson(shape, body, part)));
+    if (!options.writing.json)
+        writing.ReportStream() << TitleOf(*body) << ": " << TitleOf(*shape) << " with "
+                               << part.triangles << " triangles\n";
+    return std::max(written, writing.ReportLosses(*loaded, losses, AddedJson(shape, body, part)));
 }
 
 } // namespace karmp::tool

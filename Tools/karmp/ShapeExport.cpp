@@ -8,17 +8,15 @@
 #include "KARTextConversion.h"
 #include "Loading.h"
 #include "NamedBodies.h"
+#include "Obstacles.h"
 #include "Output.h"
 #include "ViewShapes.h"
 
 #include <cctype>
-#include <cerrno>
-#include <fcntl.h>
 #include <filesystem>
 #include <iostream>
 #include <set>
 #include <system_error>
-#include <unistd.h>
 
 namespace karmp::tool {
 
@@ -111,18 +109,12 @@ Bodies AllBodies(const KARMPWorld& world)
     return bodies;
 }
 
-// Why a folder could not be made, or no file in it.
-std::error_code ObstacleTo(const std::string& name)
+std::vector<std::string> NamesOf(const std::vector<ExportedBody>& bodies)
 {
-    std::error_code error;
-    fs::path folder = fs::absolute(name, error).lexically_normal();
-    while (folder.has_relative_path() && !fs::exists(fs::symlink_status(folder, error)))
-        folder = folder.parent_path();
-    if (!fs::is_directory(folder, error))
-        return std::make_error_code(std::errc::not_a_directory);
-    if (::faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) != 0)
-        return {errno, std::generic_category()};
-    return {};
+    std::vector<std::string> names;
+    for (const ExportedBody& exported : bodies)
+        names.push_back(exported.file.string());
+    return names;
 }
 
 // Whether the folder is there, or made, and no file of it is in the way.
@@ -138,14 +130,18 @@ bool IsReady(const ShapeOptions& options, const std::vector<ExportedBody>& bodie
     }
     if (bodies.empty())
         return true;
-    if (options.writing.dryRun)
-        error = ObstacleTo(options.folder);
-    else
-        fs::create_directories(options.folder, error);
-    if (options.writing.dryRun ? !error : fs::is_directory(options.folder))
+    std::string obstacle;
+    if (options.writing.dryRun) {
+        if (fs::is_directory(options.folder, error))
+            return CanWriteFiles(NamesOf(bodies));
+        obstacle = ObstacleToFolder(options.folder);
+    } else if (fs::create_directories(options.folder, error); !fs::is_directory(options.folder)) {
+        obstacle = error.message();
+    }
+    if (obstacle.empty())
         return true;
     std::cerr << "karmp: cannot make the folder " << Printable(std::string_view(options.folder))
-              << (error ? ": " + error.message() : std::string()) << '\n';
+              << ": " << obstacle << '\n';
     return false;
 }
 

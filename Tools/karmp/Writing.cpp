@@ -10,20 +10,17 @@
 #include "KARMPWorld.h"
 #include "KARMPWorldLosses.h"
 #include "Loading.h"
+#include "Obstacles.h"
 #include "Output.h"
 #include "Progress.h"
 #include "ToolLimits.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <fcntl.h>
 #include <filesystem>
 #include <iostream>
 #include <iterator>
 #include <set>
-#include <sys/stat.h>
 #include <system_error>
-#include <unistd.h>
 #include <utility>
 
 namespace karmp::tool {
@@ -108,46 +105,15 @@ bool KeepBackup(const WriteOptions& options)
     return !messages.HasErrors();
 }
 
-// Why documents::WriteWholeFile would not write a file, as far as can be said without doing it;
-// empty when it would.
-std::string ObstacleTo(const fs::path& file)
-{
-    const auto because = [](const char* what, int error) {
-        return std::string(what) + ": " + std::generic_category().message(error);
-    };
-    struct stat old
-    {};
-    const bool exists = ::stat(file.c_str(), &old) == 0;
-    if (exists && S_ISDIR(old.st_mode))
-        return because("cannot write the file", EISDIR);
-    if (exists ? ::faccessat(AT_FDCWD, file.c_str(), W_OK, AT_EACCESS) != 0 : errno != ENOENT)
-        return because("cannot write the file", errno);
-    if (exists && !S_ISREG(old.st_mode))
-        return {};
-    std::error_code error;
-    const fs::path folder = fs::weakly_canonical(fs::absolute(file), error).parent_path();
-    if (error || ::faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) != 0)
-        return because("cannot create a file in the folder", error ? error.value() : errno);
-    return {};
-}
-
 // Whether the files of a dry run could be written; the reason is on standard error otherwise.
 bool CanWrite(const WriteOptions& options)
 {
-    Diagnostics messages;
-    for (const std::string& file :
-         {HasBackup(options) ? options.output + options.backup : std::string(), options.output})
-        if (!file.empty() && file != StandardStream && messages.items.empty())
-            if (std::string obstacle = ObstacleTo(file); !obstacle.empty())
-                messages.items.push_back({Severity::Error,
-                                          documents::Code::CannotWrite,
-                                          file,
-                                          0,
-                                          0,
-                                          {},
-                                          std::move(obstacle)});
-    PrintMessages(messages, true);
-    return messages.items.empty();
+    std::vector<std::string> files;
+    if (HasBackup(options))
+        files.push_back(options.output + options.backup);
+    if (options.output != StandardStream)
+        files.push_back(options.output);
+    return CanWriteFiles(files);
 }
 
 // What a save to a file tells of, without a file.
@@ -179,13 +145,13 @@ void PrintLine(std::ostream& out, const Diagnostic& message)
     out << Printable(std::string_view(documents::Format(message))) << '\n';
 }
 
-void PrintJsonReport(const std::string& input, const WriteOptions& options,
-                     const Diagnostics& unread, const Losses& losses, const std::string& more)
+void PrintJsonReport(const std::string& input, const WriteOptions& options, bool isWritten,
+                     const Diagnostics& unread, const Losses& losses, const std::string& more,
+                     std::ostream& out)
 {
-    std::ostream& out = ReportStream(options);
     out << "{\n  \"input\": " << JsonText(input) << ",\n  \"output\": " << JsonText(options.output)
         << ",\n  \"version\": " << JsonText(Printable(losses.version))
-        << ",\n  \"written\": " << (options.WritesNothing() ? "false" : "true")
+        << ",\n  \"written\": " << (isWritten ? "true" : "false")
         << ",\n  \"unread\": " << MessagesJson(unread) << ",\n  \"losses\": ";
     PrintJson(out, losses.differences);
     out << ",\n  \"unlisted\": " << MessagesJson(losses.unlisted) << more << "\n}\n";
@@ -204,57 +170,86 @@ std::set<std::wstring> InteractionsIn(const KARMPWorld& world)
 
 } // namespace
 
-std::ostream& ReportStream(const WriteOptions& options)
-{
-    return options.output == StandardStream && !options.dryRun ? std::cerr : std::cout;
-}
+Writing::Writing(std::string input, WriteOptions options)
+    : m_input(std::move(input)), m_options(std::move(options))
+{}
 
-std::optional<documents::LoadResult> LoadToWrite(const std::string& input,
-                                                 const WriteOptions& options)
+std::optional<documents::LoadResult> Writing::Load() const
 {
-    auto loaded = LoadWorld(input);
+    auto loaded = LoadWorld(m_input);
     // The output, since the input may be called standard input.
-    if (loaded && IsSameFile(input, options.output))
-        if (auto comments = FindComments(options.output))
+    if (loaded && IsSameFile(m_input, m_options.output))
+        if (auto comments = FindComments(m_options.output))
             loaded->diagnostics.items.push_back(std::move(*comments));
     return loaded;
 }
 
-bool MayWrite(const std::string& input, WriteOptions& options,
-              const documents::Diagnostics& messages)
+bool Writing::MayWrite(const documents::Diagnostics& messages)
 {
     const Diagnostics losses = LossesAmong(messages);
-    if (options.dryRun || !IsRefused(input, options, losses))
+    m_isRefused = IsRefused(m_input, m_options, losses);
+    if (m_options.dryRun || !m_isRefused)
         return true;
     PrintFirst(losses);
-    options.isRefused = true;
-    if (options.json)
+    if (m_options.json)
         return true;
-    PrintRefusal(input, options, losses);
+    PrintRefusal(m_input, m_options, losses);
     return false;
 }
 
-int WriteDocument(const QOBSharedHandle<KARMPWorld>& world, const WriteOptions& options,
-                  documents::SaveOptions save)
+int Writing::Write(const QOBSharedHandle<KARMPWorld>& world, documents::SaveOptions save) const
 {
-    if (options.dryRun ? !CanWrite(options) : !options.isRefused && !KeepBackup(options))
+    if (m_options.dryRun ? !CanWrite(m_options) : !m_isRefused && !KeepBackup(m_options))
         return Unreadable;
-    save.allowLosses = options.force;
+    save.allowLosses = m_options.force;
+    const std::string& output = m_options.output;
     Diagnostics messages;
     {
-        const char* const activity = options.WritesNothing() ? "checking " : "writing ";
-        Progress progress(activity + Printable(std::string_view(options.output)));
+        const char* const activity = WritesNothing() ? "checking " : "writing ";
+        Progress progress(activity + Printable(std::string_view(output)));
         save.progress = progress.Function();
-        messages = options.WritesNothing() ? Rendered(world, options.output, save)
-                   : options.output == StandardStream
-                       ? documents::SaveStream(world, std::cout, save)
-                       : documents::SaveFile(world, options.output, save);
+        messages = WritesNothing()            ? Rendered(world, output, save)
+                   : output == StandardStream ? documents::SaveStream(world, std::cout, save)
+                                              : documents::SaveFile(world, output, save);
     }
     std::erase_if(messages.items, [](const Diagnostic& message) { return !IsTold(message); });
     PrintMessages(messages, true);
     if (messages.HasErrors())
         return Unreadable;
     return messages.items.empty() ? Clean : Findings;
+}
+
+std::ostream& Writing::ReportStream() const
+{
+    return m_options.output == StandardStream && !m_options.dryRun ? std::cerr : std::cout;
+}
+
+int Writing::ReportLosses(const documents::LoadResult& loaded, const Losses& losses,
+                          const std::string& more) const
+{
+    const Diagnostics unread = LossesAmong(loaded.diagnostics);
+    std::ostream& out = ReportStream();
+    if (m_options.json) {
+        PrintJsonReport(m_input, m_options, !WritesNothing(), unread, losses, more, out);
+    } else {
+        for (const Diagnostic& message : unread.items)
+            if (m_options.dryRun || message.code == documents::Code::NotKept)
+                PrintLine(out, message);
+        for (const Diagnostic& message : losses.unlisted.items)
+            PrintLine(out, message);
+        if (!losses.differences.empty()) {
+            out << Bold("Version " + Printable(losses.version) + " cannot hold:") << '\n';
+            PrintText(out, losses.differences, true, MaximumDifferences);
+        }
+        if (losses.differences.size() > MaximumDifferences)
+            out << "and more\n";
+    }
+    if (m_isRefused) {
+        PrintRefusal(m_input, m_options, unread);
+        return Unreadable;
+    }
+    const bool isWhole = losses.differences.empty() && losses.unlisted.items.empty();
+    return isWhole && loaded.diagnostics.items.empty() ? Clean : Findings;
 }
 
 bool Complete(KARMPWorld& world)
@@ -281,34 +276,6 @@ Losses LossesOf(const documents::LoadResult& loaded, const std::wstring& version
 {
     const Progress progress("looking for what version " + Printable(version) + " cannot hold");
     return {version, documents::FindLosses(*loaded.world, version, true), UnlistedOf(loaded)};
-}
-
-int ReportLosses(const std::string& input, const WriteOptions& options,
-                 const documents::LoadResult& loaded, const Losses& losses, const std::string& more)
-{
-    const Diagnostics unread = LossesAmong(loaded.diagnostics);
-    if (options.json) {
-        PrintJsonReport(input, options, unread, losses, more);
-    } else {
-        std::ostream& out = ReportStream(options);
-        for (const Diagnostic& message : unread.items)
-            if (options.dryRun || message.code == documents::Code::NotKept)
-                PrintLine(out, message);
-        for (const Diagnostic& message : losses.unlisted.items)
-            PrintLine(out, message);
-        if (!losses.differences.empty()) {
-            out << Bold("Version " + Printable(losses.version) + " cannot hold:") << '\n';
-            PrintText(out, losses.differences, true, MaximumDifferences);
-        }
-        if (losses.differences.size() > MaximumDifferences)
-            out << "and more\n";
-    }
-    if (options.WritesNothing() && IsRefused(input, options, unread)) {
-        PrintRefusal(input, options, unread);
-        return Unreadable;
-    }
-    const bool isWhole = losses.differences.empty() && losses.unlisted.items.empty();
-    return isWhole && loaded.diagnostics.items.empty() ? Clean : Findings;
 }
 
 bool WriteText(const std::string& output, const std::string& text)

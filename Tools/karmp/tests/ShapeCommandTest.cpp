@@ -378,6 +378,12 @@ TEST_F(ShapeCommand, ADryExportTellsOfAFolderThatCannotBeMade)
     }
     EXPECT_EQ(
         Run("shape " + File("out.xml") + " --dry-run --export " + File("new/and/below/")).code, 0);
+    fs::create_directories(File("shapes/Crank.gltf"));
+    const std::string forced = "shape " + File("out.xml") + " --force --export " + File("shapes");
+    const Outcome dry = Run(forced + " --dry-run");
+    EXPECT_EQ(dry.code, 2);
+    ExpectContains(dry.output, "Crank.gltf: error: cannot write the file");
+    EXPECT_EQ(dry.output, Run(forced).output);
     EXPECT_FALSE(fs::exists(File("new")));
 }
 
