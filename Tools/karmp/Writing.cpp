@@ -94,11 +94,28 @@ bool HasBackup(const WriteOptions& options)
            fs::is_regular_file(options.output, missing);
 }
 
+// Whether the backup is no link to the file that it is to keep, which would be replaced with it;
+// the reason is on standard error otherwise.
+bool IsBackupApart(const WriteOptions& options)
+{
+    const std::string backup = options.output + options.backup;
+    std::error_code missing;
+    const fs::path kept = fs::canonical(backup, missing);
+    if (missing || kept != fs::canonical(options.output, missing))
+        return true;
+    std::cerr << "karmp: " << Printable(std::string_view(backup)) << " is a link to "
+              << Printable(std::string_view(options.output))
+              << ", which it cannot keep; nothing was written. Choose another ending\n";
+    return false;
+}
+
 // Copies the file that is going to be replaced.
 bool KeepBackup(const WriteOptions& options)
 {
     if (!HasBackup(options))
         return true;
+    if (!IsBackupApart(options))
+        return false;
     const Diagnostics messages =
         documents::CopyWholeFile(options.output, options.output + options.backup);
     PrintMessages(messages, true);
@@ -113,7 +130,7 @@ bool CanWrite(const WriteOptions& options)
         files.push_back(options.output + options.backup);
     if (options.output != StandardStream)
         files.push_back(options.output);
-    return CanWriteFiles(files);
+    return (!HasBackup(options) || IsBackupApart(options)) && CanWriteFiles(files);
 }
 
 // What a save to a file tells of, without a file.

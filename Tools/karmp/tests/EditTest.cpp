@@ -39,6 +39,48 @@ TEST_F(EditCommands, WithoutAnOutputTheDocumentIsReplacedAndKeptAsABackup)
     EXPECT_EQ(ReadFile(m_document + "~"), CleanDocument());
 }
 
+TEST_F(EditCommands, TellWhatADiffOfBothDocumentsTells)
+{
+    const std::string other = File("out.xml");
+    for (const std::string edit : {"delete Crank Damping Visible", "set Crank Mass=2 name=a=b"}) {
+        const auto space = edit.find(' ');
+        const std::string told = RunQuietly(edit.substr(0, space) + " '" + m_document + '\'' +
+                                            edit.substr(space) + " -o '" + other + '\'')
+                                     .output;
+        const std::string diff = Run("diff '" + m_document + "' '" + other + '\'').output;
+        EXPECT_EQ(told + diff.substr(told.size()), diff);
+        EXPECT_EQ(diff.find('\n', told.size()), diff.size() - 1) << "only the summary is left";
+    }
+    ExpectContains(ReadFile(other), "name=\"a=b\"");
+}
+
+TEST_F(EditCommands, WhatTheWorldNeedsIsNotDeleted)
+{
+    const Outcome outcome = Run("delete '" + m_document + "' Damping GlobalBody");
+    EXPECT_EQ(outcome.code, 64);
+    EXPECT_EQ(outcome.output, "karmp: KARMPBody \"GlobalBody\" belongs to the world and stays\n");
+    EXPECT_EQ(ReadFile(m_document), CleanDocument());
+}
+
+TEST_F(EditCommands, ABackupByALinkToTheDocumentIsRefused)
+{
+    fs::create_symlink("in.xml", m_document + "~");
+    const std::string line = "rename '" + m_document + "' Crank Kurbel --backup";
+    for (const std::string option : {"", " --dry-run"}) {
+        const Outcome outcome = Run(line + option);
+        EXPECT_EQ(outcome.code, 2);
+        EXPECT_EQ(outcome.output, "karmp: " + m_document + "~ is a link to " + m_document +
+                                      ", which it cannot keep; nothing was written. Choose "
+                                      "another ending\n");
+    }
+    EXPECT_EQ(ReadFile(m_document), CleanDocument());
+    // Each name of a file that has two is replaced by itself.
+    fs::remove(m_document + "~");
+    fs::create_hard_link(m_document, m_document + "~");
+    EXPECT_EQ(Run(line).code, 0);
+    EXPECT_EQ(ReadFile(m_document + "~"), CleanDocument());
+}
+
 TEST_F(EditCommands, TheBackupOfAPrivateDocumentIsPrivate)
 {
     constexpr fs::perms Private = fs::perms::owner_read | fs::perms::owner_write;
