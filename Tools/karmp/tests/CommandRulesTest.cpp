@@ -311,6 +311,25 @@ TEST_F(CommandRules, DocumentsWithErrorsAreWrittenWhenForcedOnly)
     });
 }
 
+TEST_F(CommandRules, DocumentsAreWrittenForTheVersionThatTheyHave)
+{
+    const std::string older = File("older.xml");
+    Run("convert --to R2017.1 " + m_document + ' ' + older);
+    const std::string unknown = Write("in.xml", tool::With(CleanDocument(), "R2018.1", "R2099.1"));
+    ForEachCommand([&](const Command& command) {
+        if (!command.writesDocument)
+            return;
+        EXPECT_EQ(Run(command.With(older, File("out.xml"))).code, 0);
+        ExpectContains(ReadFile(File("out.xml")), "version=\"R2017.1\"");
+        fs::remove(File("out.xml"));
+        const Outcome refused = Run(command.With(unknown, unknown) + " --backup");
+        EXPECT_EQ(refused.code, 2);
+        if (command.Name() != "extract")
+            ExpectContains(refused.output, "karmp: unknown version R2099.1; known are R2015x.0 ");
+        EXPECT_EQ(Files(), (std::set<std::string>{"clean.xml", "in.xml", "older.xml"}));
+    });
+}
+
 TEST_F(CommandRules, NamesOfFamiliesAndClassesGoInAnyCase)
 {
     const std::string expected = Run("tree --family Joints " + m_document).output;
