@@ -66,7 +66,8 @@ Bodies FindBodies(const KARMPWorld& world, const std::vector<std::string>& names
     for (const std::string& name : names) {
         const Bodies found = index.Find(name);
         if (found.size() == 1) {
-            bodies.push_back(found.front());
+            if (std::find(bodies.begin(), bodies.end(), found.front()) == bodies.end())
+                bodies.push_back(found.front());
             continue;
         }
         std::cerr << "karmp: " << (found.empty() ? "no body has" : "several bodies have")

@@ -13,8 +13,8 @@ namespace karmp::tool {
 
 using Bodies = std::vector<QOBSharedHandle<KARMPBody>>;
 
-/// The bodies of a world by name or identifier; empty, with the reason on standard error, unless
-/// each name belongs to one body. Other names are wrong arguments.
+/// The bodies of a world by name or identifier, each once; empty, with the reason on standard
+/// error, unless each name belongs to one body. Other names are wrong arguments.
 Bodies FindBodies(const KARMPWorld& world, const std::vector<std::string>& names);
 
 } // namespace karmp::tool

@@ -330,8 +330,14 @@ TEST_F(ShapeCommand, ExportsAFileForEachBodyThatComesBackTheSame)
     EXPECT_EQ(Add(Write("part.obj", Obj)).code, 0);
     const Outcome outcome = Run("shape " + File("out.xml") + " --export " + File("shapes/new"));
     EXPECT_EQ(outcome.code, 0);
-    EXPECT_EQ(outcome.output,
-              "Body \"Crank\": " + File("shapes/new/Crank.gltf") + " with 4 triangles\n");
+    const std::string told =
+        "Body \"Crank\": " + File("shapes/new/Crank.gltf") + " with 4 triangles\n";
+    EXPECT_EQ(outcome.output, told);
+    // Once, however often it is named.
+    EXPECT_EQ(Run("shape " + File("out.xml") + " --body Crank Crank --force --export " +
+                  File("shapes/new"))
+                  .output,
+              told);
     const std::string text = ReadFile(File("shapes/new/Crank.gltf"));
     EXPECT_TRUE(JsonReader::IsJson(text)) << text;
     ExpectContains(text, R"("min": [0, 0, 0], "max": [1, 1, 1])");
