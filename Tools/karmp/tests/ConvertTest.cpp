@@ -2,6 +2,7 @@
 #include "JsonText.h"
 #include "ToolFixture.h"
 
+#include <algorithm>
 #include <string>
 
 namespace karmp::tool {
@@ -213,6 +214,7 @@ TEST_F(Tool, ADryRunTellsOfFilesThatCannotBeWritten)
         EXPECT_EQ(dry.code, 2) << line << '\n' << dry.output;
         ExpectContains(dry.output, "[cannot-write]");
         EXPECT_EQ(dry.output, Run(line).output) << line;
+        EXPECT_EQ(std::count(dry.output.begin(), dry.output.end(), '\n'), 1) << dry.output;
     }
     EXPECT_EQ(ReadFile(file), CleanDocument());
     EXPECT_EQ(Files(), std::set<std::string>{"clean.xml"});

@@ -257,6 +257,8 @@ TEST_F(EditCommands, UnknownEntityItemOrValueWritesNothing)
                     {"Crank Mass=heavy", "\"heavy\" is not a number"},
                     {"Crank Mass=1e999", "is not a number"},
                     {"Crank COG=1,2", "is not 3 numbers"},
+                    {"Crank COG=1,2,3,4", "is not 3 numbers"},
+                    {"Crank Mass=1,2", "is not one number"},
                     {"Crank is_fixed=maybe", "is not yes or no"},
                     {"Crank Mass", "has no ="}};
     for (const auto& [arguments, reason] : mistakes) {
