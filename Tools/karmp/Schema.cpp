@@ -36,7 +36,10 @@ int RunSchema(const SchemaOptions& options)
     if (options.reference)
         return Print(documents::FormatReference());
     if (!options.className.empty()) {
-        const std::string text = documents::ClassReference(options.className);
+        std::string text = documents::ClassReference(options.className);
+        // Listings name classes without the prefix, which is not always what the element is called.
+        if (text.empty())
+            text = documents::ClassReference("KARMP" + options.className);
         return text.empty() ? Refuse("no class or element \"" + options.className + '"')
                             : Print(text);
     }

@@ -31,6 +31,7 @@ TEST_F(Tool, PrintsOneClassForAReader)
     const Outcome body = Run("schema --text Body");
     EXPECT_EQ(body.code, 0);
     ExpectContains(body.output, "Mass: number (Mass), expected. The mass.");
+    EXPECT_EQ(Run("schema --text 3DRep").output, Run("schema --text Rep3D").output);
     const Outcome unknown = Run("schema --text Wheel");
     EXPECT_EQ(unknown.code, 64);
     ExpectContains(unknown.output, "Wheel");
