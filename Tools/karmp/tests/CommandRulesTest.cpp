@@ -121,6 +121,13 @@ TEST_F(CommandRules, ADashIsStandardOutput)
         EXPECT_TRUE(RunQuietly(command.With(m_document, "-")).output == ReadFile(File("a")));
         EXPECT_FALSE(fs::exists("-"));
     });
+    // A file of that name is none of it.
+    Write("-", "old");
+    const auto before = Files();
+    EXPECT_EQ(
+        Run("convert --backup " + m_document + " - >/dev/null", "cd '" + File("") + "';").code, 0);
+    EXPECT_EQ(Files(), before);
+    EXPECT_EQ(ReadFile(File("-")), "old");
 }
 
 TEST_F(CommandRules, WrongArgumentsEndWith64)

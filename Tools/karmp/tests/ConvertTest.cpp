@@ -93,6 +93,14 @@ TEST_F(ConvertOfErrors, RefusesAnErrorBehindManyWarnings)
     ExpectRefused(WithManyWarnings(DoubledDocument()), "duplicate-identifier");
 }
 
+TEST_F(ConvertOfErrors, CountsErrorsAndWhatIsNotRead)
+{
+    const std::string input =
+        Write("in.xml", Replaced(DoubledDocument(), "<OutOfWorld>", "<Colour/><OutOfWorld>"));
+    ExpectContains(Run("convert " + input + ' ' + File("out.xml")).output,
+                   "in.xml has 1 error and 1 item that is not read; nothing was written.");
+}
+
 TEST_F(ConvertOfErrors, RefusesItemsThatNothingReads)
 {
     ExpectRefused(Replaced(CleanDocument(), "<Mass>1.2</Mass>", "<Mass>1.2</Mass><Colour/>"),
@@ -122,6 +130,7 @@ TEST_F(ConvertOfErrors, WritesWhatCouldBeReadToAnotherFileWhenForced)
     const std::string input = Write("in.xml", text);
     const Outcome forced = Run("convert --force " + input + ' ' + File("out.xml"));
     EXPECT_EQ(forced.code, 1) << forced.output;
+    EXPECT_EQ(forced.output, "karmp: the document has 1 problem; 'karmp check' lists them\n");
     EXPECT_EQ(Run("check " + File("out.xml")).code, 0);
     ExpectContains(ReadFile(File("out.xml")), "id=\"Crank\"");
     EXPECT_EQ(ReadFile(input), text);

@@ -189,6 +189,17 @@ TEST_F(EditedComments, AreLostOntoTheDocumentByForceWithABackupOnly)
     }
 }
 
+TEST_F(EditedComments, AreNoDeclarationButOtherInstructions)
+{
+    const std::string declaration = "<?xml version=";
+    const std::string file =
+        Write("sheet.xml", With(With(CleanDocument(), declaration, "<?xml\nversion="), "?>",
+                                "?><?xml-stylesheet href=\"a\"?>"));
+    const Outcome refused = Run("rename '" + file + "' Crank Kurbel");
+    EXPECT_EQ(refused.code, 2);
+    ExpectContains(refused.output, ": warning: 1 processing instruction is not kept [not-kept]\n");
+}
+
 TEST_F(EditedComments, AreNoLossInAnotherFile)
 {
     const Outcome outcome =
@@ -339,6 +350,37 @@ TEST_F(EditCommands, ANameWithACommaIsFoundAsTheWholeText)
     const Outcome two = Run(line + "'Crank.Crank pin' Body=Crank,Slider");
     EXPECT_EQ(two.code, 64);
     ExpectContains(two.output, "\"Crank,Slider\"");
+}
+
+TEST_F(EditCommands, EachKindOfItemTakesItsValues)
+{
+    const std::string line = "set '" + m_document + "' ";
+    const auto expect = [&](const std::string& assignment, const std::string& told) {
+        const Outcome outcome = Run(line + assignment);
+        EXPECT_EQ(outcome.code, 0) << assignment << '\n' << outcome.output;
+        ExpectContains(outcome.output, told);
+    };
+    expect("Crank entityID=None", "entityID: \"\" becomes \"None\"");
+    expect("Crank entityID=", "entityID: \"None\" becomes \"\"");
+    expect("Crank is_fixed=true", "is_fixed: no becomes yes");
+    expect("Crank is_fixed=false", "is_fixed: yes becomes no");
+    expect("'Crank.Crank pin' Body=None", "- Body: Body \"Crank\"");
+    expect("'Crank.Crank pin' Body=Crank", "+ Body: Body \"Crank\"");
+    expect("'Crank angle' Constraints=None", "- Variables: Variable \"Crank angle\"");
+    const Outcome unknown = Run(line + "'Crank angle' 'Constraints=Crank pin.constraint,Crank pn'");
+    EXPECT_EQ(unknown.code, 64);
+    ExpectContains(unknown.output, "there is no entity \"Crank pn\"; near: \"Crank pin\"");
+    const std::string scene = "set " KARMP_EXAMPLE_DOCUMENTS "/collision.xml --dry-run ";
+    for (const std::string number : {"1.5", "99999999999", "x"}) {
+        const Outcome outcome = Run(scene + "'Dumbbell on mat' EnableDampingTransition=" + number);
+        EXPECT_EQ(outcome.code, 64);
+        ExpectContains(outcome.output,
+                       "EnableDampingTransition: \"" + number + "\" is not a whole number");
+    }
+    const Outcome bytes =
+        Run("set " KARMP_EXAMPLE_DOCUMENTS "/robot-arm.xml --dry-run Hand.Shape stream=1");
+    EXPECT_EQ(bytes.code, 64);
+    ExpectContains(bytes.output, "stream: \"1\" is not what a command line can tell");
 }
 
 TEST_F(EditCommands, OptionalNumberIsUnsetByNoneOrAnEmptyWord)

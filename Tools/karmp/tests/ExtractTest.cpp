@@ -85,6 +85,13 @@ TEST_F(ExtractCommand, RefusesWhatItDoesNotKnow)
     ExpectContains(Extract("--body Crank --with wheels").output, "unknown family wheels");
     EXPECT_EQ(Extract("--body Wheel").output, "karmp: no body has the name Wheel\n");
     EXPECT_EQ(Extract("--body Crank Rd").output, "karmp: no body has the name Rd; near: \"Rod\"\n");
+    const std::string named =
+        Write("named.xml", With(CleanDocument(), "id=\"Rod\" name=\"Rod\" isActive",
+                                "id=\"Rod\" name=\"Coupler\" isActive"));
+    for (const auto& [wrong, near] : {std::pair("Rd", "Rod"), std::pair("Copler", "Coupler")})
+        EXPECT_EQ(Run("extract " + named + " --body " + wrong + " -o " + File("part.xml")).output,
+                  std::string("karmp: no body has the name ") + wrong + "; near: \"" + near +
+                      "\"\n");
     EXPECT_EQ(Extract("--body Crank --with wheels").code, 64);
     EXPECT_EQ(Extract("--body Wheel").code, 64);
     EXPECT_EQ(Extract("--body Crank --reach -1").code, 64);
