@@ -145,11 +145,18 @@ Diagnostics Rendered(const QOBSharedHandle<KARMPWorld>& world, const std::string
     return messages;
 }
 
-// Losses of documents are told as differences.
+// An item that reading needs and an entity lacks. It has the code of an item that is not read back
+// and is no difference, since the entity lacks it already.
+bool IsNeeded(const Diagnostic& message)
+{
+    return message.code == documents::Code::NotReadBack && message.text.ends_with("is missing");
+}
+
+// Other losses of documents are told as differences.
 bool IsTold(const Diagnostic& message)
 {
     return message.severity == Severity::Error || message.code == documents::Code::NotFinite ||
-           message.code == documents::Code::FailedCheck;
+           message.code == documents::Code::FailedCheck || IsNeeded(message);
 }
 
 std::string MessagesJson(const Diagnostics& messages)
@@ -259,7 +266,7 @@ int Writing::ReportLosses(const documents::LoadResult& loaded, const Losses& los
             PrintText(out, losses.differences, true, MaximumDifferences);
         }
         if (losses.differences.size() > MaximumDifferences)
-            out << "and more\n";
+            out << "and " << losses.differences.size() - MaximumDifferences << " more\n";
     }
     if (m_isRefused) {
         PrintRefusal(m_input, m_options, unread);

@@ -324,6 +324,48 @@ TEST_F(Tool, ListsWhatNoDocumentGivesBack)
                               "  Coordinates/Origin: (1, 2, 3) becomes (0, 0, 0)\n");
 }
 
+TEST_F(Tool, TellsWhatAVersionNeedsAndTheDocumentLacks)
+{
+    const std::string note =
+        "<String id=\"s\" name=\"Note\" isActive=\"yes\"><Value>a</Value></String>";
+    const std::string input =
+        Write("in.xml", With(CleanDocument(), "</Values>", note + "</Values>"));
+    EXPECT_EQ(Run("convert " + input + ' ' + File("new.xml")).output, "");
+    const std::string line = "convert --to R2017.1 " + input + ' ' + File("out.xml");
+    for (const std::string option : {" --dry-run", ""}) {
+        const Outcome convert = Run(line + option);
+        EXPECT_EQ(convert.code, 1);
+        ExpectContains(convert.output, "String \"Note\" [s]: reading needs \"PhysicalQuantity\", "
+                                       "which is missing [not-read-back]");
+    }
+    ExpectContains(Run("check " + File("out.xml")).output, "[missing-element]");
+}
+
+TEST_F(Tool, ListsTheFirstThousandLosses)
+{
+    std::string inactive;
+    for (int i = 0; i < 1001; ++i)
+        inactive += "<Boolean id=\"i" + std::to_string(i) +
+                    "\" name=\"\" isActive=\"no\"><PhysicalQuantity>Length</PhysicalQuantity>"
+                    "<Value>TRUE</Value></Boolean>";
+    const auto convert = [&](const std::string& values) {
+        const std::string input =
+            Write("in.xml", "<KARMPDocument version=\"R2018.1\"><World><Values>" + values +
+                                "</Values></World></KARMPDocument>");
+        const std::string output =
+            RunQuietly("convert --force --dry-run --to R2017.0 " + input + " -").output;
+        const std::string change = "  isActive: no becomes yes\n";
+        std::size_t count = 0;
+        for (auto at = output.find(change); at != std::string::npos;
+             at = output.find(change, at + 1))
+            ++count;
+        EXPECT_EQ(count, 1000U);
+        return output.substr(output.rfind(change) + change.size());
+    };
+    EXPECT_EQ(convert(inactive), "and 1 more\n");
+    EXPECT_EQ(convert(inactive.substr(0, inactive.rfind("<Boolean"))), "");
+}
+
 TEST_F(Tool, ListsEachLayerThatNoRelationIsAbout)
 {
     const std::string interactions = "<Interactions>\n";
