@@ -318,6 +318,20 @@ TEST_F(CommandRules, DocumentsWithErrorsAreWrittenWhenForcedOnly)
     });
 }
 
+TEST_F(CommandRules, NumbersThatAreNotFiniteAreTold)
+{
+    const std::string input =
+        Write("in.xml",
+              tool::With(CleanDocument(), "<Mass>0.7999999999999999</Mass>", "<Mass>INF</Mass>"));
+    ForEachCommand([&](const Command& command) {
+        if (!command.writesDocument)
+            return;
+        const Outcome outcome = Run(command.With(input, File("out.xml")));
+        EXPECT_EQ(outcome.code, 1);
+        ExpectContains(outcome.output, "[not-finite]");
+    });
+}
+
 TEST_F(CommandRules, DocumentsAreWrittenForTheVersionThatTheyHave)
 {
     const std::string older = File("older.xml");

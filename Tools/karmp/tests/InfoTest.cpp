@@ -71,6 +71,18 @@ TEST_F(Equipped, InfoNamesTwentyEntitiesOfAFamilyAndTenTargets)
     ExpectContains(info, "Motor \"more 8\", and 21 more\n");
     ExpectContains(info, "\n  and 18 more\n");
     EXPECT_EQ(info.find("Motor \"more 9\""), std::string::npos);
+    ExpectContains(Run("info --json " + File("many.xml")).output,
+                   "{\"label\": \"Motor \\\"more 29\\\"\"");
+}
+
+TEST_F(Equipped, InfoTellsSizesAndTheKindsOfJointsThatItEstimatesFrom)
+{
+    const std::string size = Squeezed(Output("info", "<SizeY>1e+06<", "<SizeY>2<"));
+    ExpectContains(size, " Linear tolerance 1e-06\n Angular tolerance 1e-09\n");
+    ExpectContains(size, " Size (1e+06, 2, 1e+06)\n");
+    const std::string all = Run("info " KARMP_EVERY_CLASS).output;
+    ExpectContains(all, "\n  Joints not counted      6\n");
+    EXPECT_EQ(all.find("planar mechanism"), std::string::npos);
 }
 
 TEST_F(Equipped, DrivenVariablesAreTakenFromTheMobility)

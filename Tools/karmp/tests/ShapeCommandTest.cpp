@@ -402,6 +402,36 @@ TEST_F(ShapeCommand, ExportsNothingOfADocumentWithoutBodies)
     EXPECT_FALSE(fs::exists(File("x")));
 }
 
+TEST_F(ShapeCommand, NamesFilesByShortNamesOrByIdentifiers)
+{
+    EXPECT_EQ(Add(Tetrahedron).code, 0);
+    const std::string text = ReadFile(File("out.xml"));
+    for (const auto& [name, file] : {std::pair(std::string(), std::string("Crank")),
+                                     std::pair(std::string("a-b.c"), std::string("a-b.c")),
+                                     std::pair(std::string(101, 'x'), std::string(100, 'x'))}) {
+        const std::string named =
+            Write("named.xml", With(text, "<Body id=\"Crank\" name=\"Crank\" isActive",
+                                    "<Body id=\"Crank\" name=\"" + name + "\" isActive"));
+        ExpectContains(Run("shape " + named + " --dry-run --export " + File("x")).output,
+                       File("x") + '/' + file + ".gltf with 4 triangles\n");
+    }
+}
+
+TEST_F(ShapeCommand, TellsAnExportAsJsonAndProblemsByItsExitCode)
+{
+    EXPECT_EQ(Add(Tetrahedron).code, 0);
+    const std::string odd =
+        Write("odd.xml", With(ReadFile(File("out.xml")), "</World>", "<Nothing/></World>"));
+    const std::string line = "shape " + odd + " --json --export " + File("x");
+    const Outcome dry = RunQuietly(line + " --dry-run");
+    const Outcome real = RunQuietly(line);
+    EXPECT_EQ(dry.code, 1);
+    EXPECT_EQ(real.code, 1);
+    ExpectContains(real.output, ",\n  \"written\": true,\n  \"files\": [\n");
+    ExpectContains(real.output, "/Crank.gltf\", \"triangles\": 4}\n");
+    EXPECT_EQ(With(real.output, "true", "false"), dry.output);
+}
+
 TEST_F(ShapeCommand, MakesNamesOfBodiesSafeForFiles)
 {
     std::string text = CleanDocument();

@@ -98,6 +98,13 @@ TEST_F(Tool, CountsEntitiesByFamilyAndClass)
     ExpectContains(info.output, "Values");
     ExpectContains(info.output, "Constant");
     ExpectContains(info.output, "Total mass");
+    ExpectContains(info.output, "Centre of mass");
+    ExpectContains(info.output, "\n  Total                  25\n");
+    const Outcome empty =
+        Run("info " + Write("empty.xml", "<KARMPDocument version=\"R2018.1\"><World/>"
+                                         "</KARMPDocument>"));
+    ExpectContains(empty.output, "\n  Total  0\n");
+    EXPECT_EQ(empty.output.find("Centre of mass"), std::string::npos);
 }
 
 TEST_F(Tool, ShowsTheEntitiesByTheirNames)
@@ -109,7 +116,15 @@ TEST_F(Tool, ShowsTheEntitiesByTheirNames)
     EXPECT_EQ(Run("tree --family Values " + file).output,
               "Values\n  Constant \"Damping\"\n  Boolean \"Visible\" (inactive)\n");
     ExpectContains(Run("tree --ids " + file).output, "Constant \"Damping\" [c1]");
-    EXPECT_EQ(Run("tree --family Shapes " + file).code, 1);
+    const Outcome none = Run("tree --family Shapes " + file);
+    EXPECT_EQ(none.code, 1);
+    EXPECT_EQ(none.output, "karmp: the world has no list Shapes\n");
+    const std::string world = "<KARMPDocument version=\"R2018.1\"><World/></KARMPDocument>";
+    EXPECT_EQ(Run("tree " + Write("empty.xml", world)).output.find("no list"), std::string::npos);
+    EXPECT_EQ(Run("tree --ids " +
+                  Write("nameless.xml", With(CleanDocument(), "name=\"Damping\"", "name=\"\"")))
+                  .output.find("[c1] [c1]"),
+              std::string::npos);
 }
 
 TEST_F(Tool, ConvertsToACanonicalFormThatStaysAsItIs)
