@@ -4,6 +4,7 @@
 #include "Writing.h"
 
 #include <cstddef>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -42,11 +43,11 @@ struct CheckOptions
     bool json = false;
     bool sarif = false;
     bool quiet = false;
-    std::size_t most = 0;              // findings to print; all when 0
-    std::vector<std::string> disabled; // codes
-    std::vector<std::string> errors;   // codes
-    std::string failOn = "warning";    // or "error" or "never"
-    std::string explained;             // a code or "all"
+    std::size_t most = std::numeric_limits<std::size_t>::max(); // findings to print
+    std::vector<std::string> disabled;                          // codes
+    std::vector<std::string> errors;                            // codes
+    std::string failOn = "warning";                             // or "error" or "never"
+    std::string explained;                                      // a code or "all"
 };
 /// Prints what the library skips without a report, and what it reports.
 int RunCheck(const CheckOptions& options);

@@ -19,12 +19,11 @@ using documents::Severity;
 class Budget
 {
 public:
-    explicit Budget(std::size_t most) : m_most(most), m_left(most) {}
+    explicit Budget(std::size_t most) : m_left(most) {}
 
-    bool Take() { return m_most == 0 || (m_left > 0 && m_left-- > 0); }
+    bool Take() { return m_left > 0 && m_left-- > 0; }
 
 private:
-    std::size_t m_most;
     std::size_t m_left;
 };
 

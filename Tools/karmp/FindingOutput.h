@@ -18,8 +18,8 @@ struct CheckedFile
     bool isRead;
 };
 
-/// Prints the findings of all files, `most` at most, or all when that is 0, and, unless `quiet`,
-/// what was counted: of each file and, of several, of all.
+/// Prints the findings of all files, `most` at most, and, unless `quiet`, what was counted: of each
+/// file and, of several, of all.
 void PrintFindings(const std::vector<CheckedFile>& files, std::size_t most, bool quiet);
 /// The same as one JSON value: that of the only file, or of several one with a list of them.
 void PrintJson(const std::vector<CheckedFile>& files, std::size_t most);

@@ -187,10 +187,11 @@ int Run(int argc, char** argv)
     CheckOptions check;
     CLI::App* checkApp =
         app.add_subcommand("check", "All that reading passes over in silence, and what it reports");
-    checkApp->add_option("FILE", check.files,
-                         "Documents, folders with documents (*.xml), or - for standard input");
-    checkApp->add_flag("--files-from-input", check.listed,
-                       "Names of further files and folders in standard input, one a line");
+    CLI::Option* const checkFiles = checkApp->add_option(
+        "FILE", check.files, "Documents, folders with documents (*.xml), or - for standard input");
+    CLI::Option* const listed =
+        checkApp->add_flag("--files-from-input", check.listed,
+                           "Names of further files and folders in standard input, one a line");
     CLI::Option* const checkJson = checkApp->add_flag("--json", check.json, "Findings as JSON");
     checkApp->add_flag("--sarif", check.sarif, "Findings as SARIF 2.1.0")->excludes(checkJson);
     checkApp->add_flag("-q,--quiet", check.quiet, "Findings only, no summary");
@@ -206,7 +207,9 @@ int Run(int argc, char** argv)
         ->add_option("--fail-on", check.failOn, "The least finding for which the exit code is 1")
         ->check(CLI::IsMember({"warning", "error", "never"}))
         ->capture_default_str();
-    checkApp->add_option("--explain", check.explained, "Cause and cure of a code, or of all");
+    checkApp->add_option("--explain", check.explained, "Cause and cure of a code, or of all")
+        ->excludes(checkFiles)
+        ->excludes(listed);
     checkApp->footer(Footer("karmp check crank.xml --disable loose-body --fail-on error"));
     checkApp->callback([&, disabled, errors] {
         PartAtCommas(*disabled, check.disabled);

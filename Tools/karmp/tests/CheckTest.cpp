@@ -76,6 +76,8 @@ TEST_F(Tool, PrintsSomeFindingsAndCountsAll)
     ExpectContains(check.output, "1 more finding is not shown");
     EXPECT_EQ(check.output.find("the mass is -1.2"), std::string::npos);
     ExpectContains(Run("check --json --max 1 " + file).output, "\"warnings\": 2");
+    EXPECT_EQ(Run("check --max 0 " + file).output,
+              file + ": 0 errors, 2 warnings\n2 more findings are not shown\n");
 }
 
 TEST_F(Tool, PrintsFindingsAsSarif)

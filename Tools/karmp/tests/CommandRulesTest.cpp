@@ -152,7 +152,7 @@ TEST_F(CommandRules, WrongArgumentsEndWith64)
 TEST_F(CommandRules, WrongArgumentsAreNamed)
 {
     const std::string out = " -o " + File("a");
-    const std::array<std::pair<std::string, std::string>, 27> cases{{
+    const std::array<std::pair<std::string, std::string>, 29> cases{{
         {"", "A command is required"},
         {"frobnicate", "frobnicate"},
         {"tree --family '' " + m_document, "--family: the text is empty"},
@@ -168,6 +168,8 @@ TEST_F(CommandRules, WrongArgumentsAreNamed)
         {"graph --time-limit 86401 " + m_document, "\"86401\" is no whole number from 1"},
         {"graph --time-limit 1e3 " + m_document, "--time-limit: \"1e3\" is no whole number"},
         {"shape " + m_document + " --export " + File("a") + " --backup", "--backup requires --add"},
+        {"check --explain loose-body " + m_document, "FILE excludes --explain"},
+        {"check --explain loose-body --files-from-input", "--files-from-input excludes --explain"},
         {"schema --text Body --for R2017.0", "--for excludes --text"},
         {"schema --reference --for R2017.0", "--for excludes --reference"},
         {"graph --reach 1 " + m_document + out + ".dot", "--reach requires --around"},
