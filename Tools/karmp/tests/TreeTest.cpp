@@ -20,10 +20,22 @@ TEST_F(Equipped, TreeNamesAQuantityThatIsWrittenAsANumber)
     const std::string old = Output("tree", "<PhysicalQuantity>LinearStiffness</PhysicalQuantity>",
                                    "<PhysicalQuantity>29</PhysicalQuantity>");
     ExpectContains(old, "Stiffness: Constant \"k\" = 1000 LinearStiffness\n");
-    const std::string unknown =
-        Output("tree", "<PhysicalQuantity>LinearStiffness</PhysicalQuantity>",
-               "<PhysicalQuantity>1000</PhysicalQuantity>");
-    ExpectContains(unknown, "Stiffness: Constant \"k\" = 1000 1000\n");
+    // The last one is 2 to the power of 64, and 29.
+    for (const std::string number : {"1000", "18446744073709551645"}) {
+        const std::string unknown =
+            Output("tree", "<PhysicalQuantity>LinearStiffness</PhysicalQuantity>",
+                   "<PhysicalQuantity>" + number + "</PhysicalQuantity>");
+        ExpectContains(unknown, "Stiffness: Constant \"k\" = 1000 " + number + '\n');
+    }
+}
+
+TEST_F(Equipped, TreeShowsReferencesAndNumbersThatAreMissing)
+{
+    ExpectContains(Output("tree", "<Driver ",
+                          "<Driver id=\"lost\"><AttachedMotors><Motor id=\"K9\"/>"
+                          "</AttachedMotors></Driver><Driver "),
+                   "\n    AttachedMotors: missing [K9]\n");
+    ExpectContains(Output("tree", "<Value>1000</Value>", ""), "    Stiffness: Constant \"k\"\n");
 }
 
 TEST_F(Equipped, TreeShowsLinksWithinGroups)
@@ -51,11 +63,14 @@ TEST_F(Equipped, TreeTellsWhatAShapeLooksLike)
                                  "AAAAAAAAAAAAAAAAAAAA8D8AAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA"
                                  "AAAAAADwPwAAAAAAAAAAAQACAg==";
     const std::string shapes = "<Shapes><Rep3D id=\"L\" name=\"look\" isActive=\"yes\" stream=\"" +
+                               triangle +
+                               "\"/><ShapeBody id=\"S\" name=\"solid\" isActive=\"yes\" stream=\"" +
                                triangle + "\"/></Shapes></World>";
     const std::string file = Write("shape.xml", With(EquippedDocument(), "</World>", shapes));
     ExpectContains(Run("tree --family Shapes " + file).output,
                    "  Rep3D \"look\", stream a scene graph of 1 node with 1 triangle (103 bytes, "
-                   "83070f1)\n");
+                   "83070f1)\n  ShapeBody \"solid\", stream a scene graph of 1 node with 1 "
+                   "triangle (103 bytes, ");
     ExpectContains(Run("tree --json " + file).output,
                    "\"stream\": \"a scene graph of 1 node with 1 triangle (103 bytes, ");
 }
