@@ -61,6 +61,42 @@ TEST_F(Diff, PrintsSettingsNamesAndWhatOneDocumentAloneHas)
                        "2 differences: 2 entities removed, 0 added, 0 changed\n");
 }
 
+TEST_F(Diff, PrintsOrdersAndWordsOfLinks)
+{
+    const std::string ground =
+        "<Body id=\"GlobalBody\" name=\"GlobalBody\" bodyOrientation=\"Out\"/>";
+    const std::string crank = "<Body id=\"Crank\" name=\"Crank\" bodyOrientation=\"In\"/>";
+    const std::string gap = "\n     ";
+    EXPECT_EQ(Compare(ground + gap + crank, crank + gap + ground).output,
+              "Revolute \"Main bearing\"\n  Bodies in another order: Body \"GlobalBody\", Body "
+              "\"Crank\" becomes Body \"Crank\", Body \"GlobalBody\"\n"
+              "1 difference: 0 entities removed, 0 added, 1 changed\n");
+    const std::string out = With(crank, "\"In\"", "\"Out\"");
+    ExpectContains(Compare(crank, out).output,
+                   "  Bodies/bodyOrientation of Body \"Crank\": \"In\" becomes \"Out\"\n");
+    ExpectContains(
+        Compare(crank, out, "--json").output,
+        "\"item\": \"Bodies/bodyOrientation\", \"target\": {\"class\": \"Body\", \"name\": "
+        "\"Crank\", \"id\": \"Crank\"}, \"old\": \"In\", \"new\": \"Out\"}\n");
+    const std::string lost = Compare(crank, "", "--json").output;
+    ExpectContains(lost, "{\"kind\": \"link-lost\", ");
+    ExpectContains(lost, "\"item\": \"Bodies\", \"target\": {\"class\": \"Body\", \"name\": "
+                         "\"Crank\", \"id\": \"Crank\"}}");
+}
+
+TEST_F(Diff, PrintsSixtyCharactersOfATextAndIdentifiersOnce)
+{
+    const std::string name = "name=\"Damping\"";
+    const std::string sixty(60, 'x');
+    ExpectContains(Compare(name, "name=\"" + sixty + '"').output, " becomes \"" + sixty + "\"\n");
+    ExpectContains(Compare(name, "name=\"" + sixty + "y\"").output,
+                   " becomes \"" + sixty + "...\" (61 characters)\n");
+    const std::string nameless = Write("nameless.xml", With(CleanDocument(), name, "name=\"\""));
+    const std::string other =
+        Write("changed.xml", With(ReadFile(nameless), Damping, "<Value>1</Value>"));
+    ExpectContains(Run("diff --ids " + nameless + ' ' + other).output, "Constant [c1]\n");
+}
+
 TEST_F(Diff, LeavesOutWhatIsWithinTheTolerance)
 {
     const char* const other = "<Value>0.0500001</Value>";
@@ -71,6 +107,7 @@ TEST_F(Diff, LeavesOutWhatIsWithinTheTolerance)
     EXPECT_EQ(Compare("<Origin><Ox>0<", "<Origin><Ox>1e-13<", "--tolerance 1e-9 --floor 0").code,
               1);
     EXPECT_EQ(Compare("<Origin><Ox>0<", "<Origin><Ox>1e-13<").code, 1);
+    EXPECT_EQ(Compare("<Origin><Ox>0<", "<Origin><Ox>2e-12<", "--tolerance 1e-9").code, 1);
     EXPECT_EQ(Compare(Damping, other, "--tolerance -1").code, 64);
 }
 
@@ -161,6 +198,12 @@ TEST_F(Diff, SaysWhichLayersItCannotCompare)
     EXPECT_EQ(outcome.output, "karmp: 1 collision layer of " + file +
                                   " cannot be compared: no relation of layers refers to it\n");
     EXPECT_EQ(outcome.code, 0);
+    const std::string two =
+        Write("two.xml", With(ReadFile(file), end, With(layer, "\"L7\"", "\"L8\"") + end));
+    for (const std::string& files : {m_clean + ' ' + two, two + ' ' + m_clean})
+        ExpectContains(Run("diff " + files).output,
+                       "karmp: 2 collision layers of " + two +
+                           " cannot be compared: no relation of layers refers to them\n");
 }
 
 TEST_F(Diff, EndsWithTwoWhereADocumentIsNotRead)

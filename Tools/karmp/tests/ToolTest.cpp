@@ -116,6 +116,11 @@ TEST_F(Tool, ShowsTheEntitiesByTheirNames)
     EXPECT_EQ(Run("tree --family Values " + file).output,
               "Values\n  Constant \"Damping\"\n  Boolean \"Visible\" (inactive)\n");
     ExpectContains(Run("tree --ids " + file).output, "Constant \"Damping\" [c1]");
+    ExpectContains(Run("tree --json " + file).output, "\"name\": \"Visible\", \"active\": false");
+    const Outcome worldless =
+        Run("tree " + Write("worldless.xml", "<KARMPDocument version=\"R2018.1\"/>"));
+    EXPECT_EQ(worldless.code, 2);
+    ExpectContains(worldless.output, "karmp: the document has no World\n");
     const Outcome none = Run("tree --family Shapes " + file);
     EXPECT_EQ(none.code, 1);
     EXPECT_EQ(none.output, "karmp: the world has no list Shapes\n");
