@@ -184,7 +184,22 @@ TEST(Output, WritesControlCharactersAsEscapes)
     EXPECT_EQ(karmp::tool::Printable(std::string_view("a\033[31mb\n")), "a\\x1b[31mb\\x0a");
     EXPECT_EQ(karmp::tool::Printable(std::string_view("\xC2\x9B")), "\\x9b");
     EXPECT_EQ(karmp::tool::Printable(std::string_view("caf\xC3\xA9")), "caf\xC3\xA9");
+    EXPECT_EQ(karmp::tool::Printable(std::string_view("\x7f \xC2\x9F \xC2\xA0")),
+              "\\x7f \\x9f \xC2\xA0");
     EXPECT_EQ(karmp::tool::JsonText("a\"b\\\n"), "\"a\\\"b\\\\\\u000a\"");
+}
+
+TEST(Output, TakesNoOtherBytesForUtf8)
+{
+    // Forms that are longer than need be, a surrogate, a character beyond the last one, a cut one.
+    for (const std::string_view bytes : {"\xC1\xBF", "\xE0\x9F\xBF", "\xF0\x8F\xBF\xBF",
+                                         "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xE2\x82"}) {
+        EXPECT_EQ(karmp::tool::Printable(bytes).substr(0, 2), "\\x");
+        EXPECT_EQ(karmp::tool::JsonText(bytes).substr(0, 7), "\"\\ufffd");
+    }
+    for (const std::string_view bytes :
+         {"\xC2\xA0", "\xE0\xA0\x80", "\xED\x9F\xBF", "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF"})
+        EXPECT_EQ(karmp::tool::Printable(bytes), bytes);
 }
 
 } // namespace
