@@ -69,6 +69,7 @@ TEST_F(Graph, DrawsTheGraphAsText)
     EXPECT_EQ(graph.code, 0) << graph.output;
     ExpectContains(graph.output, "digraph mechanism {");
     ExpectContains(graph.output, "Crank pin\nRevolute");
+    EXPECT_EQ(Run("graph " + m_document + " -o -").output, graph.output);
     EXPECT_EQ(Run("graph --format svg " + m_document).code, 64);
 }
 
@@ -137,6 +138,8 @@ TEST_F(Graph, TakesNoOtherPictureForPngAndPdf)
         EXPECT_EQ(outcome.code, 2) << name;
         EXPECT_FALSE(fs::exists(File(name)));
     }
+    EXPECT_EQ(
+        Run("graph " + m_document + " -o " + File("a.pdf"), FakeGraphviz("echo '%%EOF'")).code, 2);
 }
 
 TEST_F(Graph, IsDrawnAsPdf)
@@ -171,6 +174,9 @@ TEST_F(Graph, OfALargeMechanismIsDrawnInPartWithAWord)
     ExpectContains(ReadFile(File("text")), "3000 of 3100 bodies");
     ExpectContains(ReadFile(File("text")), "\"Body 2999\"");
     EXPECT_EQ(ReadFile(File("text")).find("\"Body 3000\""), std::string::npos);
+
+    outcome = Run("graph --around b5 " + chain + " -o " + File("a.svg"), environment);
+    EXPECT_EQ(outcome.output.find(word), std::string::npos);
 
     outcome = Run("graph --all " + chain + " -o " + File("a.svg"), environment);
     EXPECT_EQ(outcome.output.find(word), std::string::npos);
