@@ -44,7 +44,7 @@ struct BodyOptions
     /// A point of the world at which the first axis looks; the third one stays as near to the
     /// world's as it can.
     std::optional<KARMathPoint> towards = {};
-    /// The position as a whole, in place of `at` and `towards`.
+    /// The position as a whole, in place of `at` and `towards`; its matrix is a rotation.
     std::optional<KARMathTransformation> position = {};
     /// In body axes.
     std::optional<KARMathPoint> centerOfGravity = {};

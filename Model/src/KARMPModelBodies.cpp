@@ -74,16 +74,6 @@ KARStatus FixBody(KARMPBody2D& body)
     return body.Fix2D();
 }
 
-// A point that all numbers of a position move.
-template <class Point>
-Point Ones()
-{
-    if constexpr (std::is_same_v<Point, KARMathPoint>)
-        return {1.0, 1.0, 1.0};
-    else
-        return {1.0, 1.0};
-}
-
 template <class Body, class Options>
 bool ApplyPosition(Edit& edit, Body& body, const Options& options)
 {
@@ -96,8 +86,8 @@ bool ApplyPosition(Edit& edit, Body& body, const Options& options)
     } else if (!position) {
         position = Moved(*options.at);
     }
-    if (!IsFinite(*position * Ones<Point>()))
-        return edit.Fail("the position of " + TitleOf(body) + " is not finite");
+    if (const char* const fault = FaultOf(*position))
+        return edit.Fail("the position of " + TitleOf(body) + " is " + fault);
     return edit.Check(Place(body, *position), "the position", body);
 }
 

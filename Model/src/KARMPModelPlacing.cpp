@@ -132,6 +132,23 @@ const char* FaultOf(const KARMathAxis& at)
                : "no frame of right-handed axes of length 1";
 }
 
+const char* FaultOf(const KARMathTransformation& at)
+{
+    const KARMath3x3Matrix& axes = at.GetMatrix();
+    return FaultOf(KARMathAxis(KARMathPoint() + at.GetVector(), axes.GetFirstColumn(),
+                               axes.GetSecondColumn(), axes.GetThirdColumn()));
+}
+
+const char* FaultOf(const KARMathTransformation2D& at)
+{
+    const KARMathVector2D& offset = at.GetVector();
+    const KARMathVector2D first = at.GetMatrix().GetFirstColumn();
+    const KARMathVector2D second = at.GetMatrix().GetSecondColumn();
+    return FaultOf(KARMathAxis({offset.GetX(), offset.GetY(), 0.0},
+                               {first.GetX(), first.GetY(), 0.0},
+                               {second.GetX(), second.GetY(), 0.0}, {0.0, 0.0, 1.0}));
+}
+
 bool IsFinite(const Value& value)
 {
     if (const double* const number = std::get_if<double>(&value))

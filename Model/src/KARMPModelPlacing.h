@@ -39,6 +39,8 @@ bool IsFinite(const Value& value);
 const char* FaultOf(const KARMathPoint& at);
 const char* FaultOf(const KARMathPoint2D& at);
 const char* FaultOf(const KARMathAxis& at);
+const char* FaultOf(const KARMathTransformation& at);
+const char* FaultOf(const KARMathTransformation2D& at);
 
 /// What is at a point of the world, in body axes; nothing, and a failed edit, when the position of
 /// the body has no inverse.

@@ -185,10 +185,19 @@ TEST_F(RefusalTest, WhatWouldBeInconsistentIsRefused)
           KARMathAxis(KARMathPoint(), x, {0.6, 0.8, 0.0}, {0.0, 0.0, 0.8}),
           KARMathAxis(KARMathPoint(), x, 2.0 * y, {0.0, 0.0, 2.0}),
           KARMathAxis(KARMathPoint(), 2.0 * x, y, {0.0, 0.0, 2.0}),
-          KARMathAxis(KARMathPoint(), x, y, {0.0, 1e-5, 1.0})})
+          KARMathAxis(KARMathPoint(), x, y, {0.0, 1e-5, 1.0})}) {
         expectRefused(bool(model.Frame("New", model.Ground(), skew)));
-    EXPECT_EQ(model.Problems().back().text,
+        expectRefused(bool(model.Body("New", {.position = KARMathTransformation(skew)})));
+    }
+    EXPECT_EQ(model.Problems()[model.Problems().size() - 2].text,
               "the position of \"New\" is no frame of right-handed axes of length 1");
+    for (const KARMath2x2Matrix& skew :
+         {KARMath2x2Matrix({1.0, 0.0}, {0.0, -1.0}), KARMath2x2Matrix({2.0, 0.0}, {0.0, 1.0}),
+          KARMath2x2Matrix({1.0, 0.0}, {0.6, 0.8})})
+        expectRefused(
+            bool(model.PlanarBody("New", {.position = KARMathTransformation2D(skew, {})})));
+    EXPECT_EQ(model.Problems().back().text, "the position of KARMPBody2D \"New\" is no frame of "
+                                            "right-handed axes of length 1");
     KARMathAxis nowhere;
     nowhere.SetOrigin({0.0, nan, 0.0});
     expectRefused(bool(model.Frame("New", body, nowhere)));
