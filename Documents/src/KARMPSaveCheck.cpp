@@ -504,7 +504,7 @@ void SaveCheck::CheckItems(std::size_t number, const ClassChecks& checks)
         if (m_warnings.Full() || !needed.IsMissingOf(entity, m_value))
             continue;
         const std::string path = PathText(needed.item->path);
-        tell(Code::NotReadBack, path, "reading needs \"" + path + "\", which is missing");
+        tell(Code::MissingElement, path, "reading needs \"" + path + "\", which is missing");
     }
 }
 

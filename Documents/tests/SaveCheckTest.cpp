@@ -298,7 +298,7 @@ TEST_F(SavedWorld, TellsOfWhatReadingNeedsAndAnEntityLacks)
     const auto surface = KARMPSurface::create(L"Skin");
     surface->SetIdentifier(L"G1");
     m_world->Add<KARMPGeometry>(surface);
-    ExpectOne(Code::NotReadBack, Severity::Warning, "/Geometries/Surface/SurfaceStream",
+    ExpectOne(Code::MissingElement, Severity::Warning, "/Geometries/Surface/SurfaceStream",
               "Surface \"Skin\" [G1]: reading needs \"SurfaceStream\", which is missing");
 }
 
@@ -309,7 +309,7 @@ TEST_F(SavedWorld, TellsOfAQuantityThatOlderVersionsNeed)
     m_world->Add<KARMPValue>(text);
     EXPECT_TRUE(Save().items.empty());
     m_options.version = L"R2017.1";
-    ExpectOne(Code::NotReadBack, Severity::Warning, "/Values/String/PhysicalQuantity",
+    ExpectOne(Code::MissingElement, Severity::Warning, "/Values/String/PhysicalQuantity",
               "String \"Note\" [V1]: reading needs \"PhysicalQuantity\", which is missing");
 }
 

@@ -145,18 +145,13 @@ Diagnostics Rendered(const QOBSharedHandle<KARMPWorld>& world, const std::string
     return messages;
 }
 
-// An item that reading needs and an entity lacks. It has the code of an item that is not read back
-// and is no difference, since the entity lacks it already.
-bool IsNeeded(const Diagnostic& message)
-{
-    return message.code == documents::Code::NotReadBack && message.text.ends_with("is missing");
-}
-
-// Other losses of documents are told as differences.
+// Losses of documents are told as differences, but for an item that reading needs and an entity
+// lacks already.
 bool IsTold(const Diagnostic& message)
 {
     return message.severity == Severity::Error || message.code == documents::Code::NotFinite ||
-           message.code == documents::Code::FailedCheck || IsNeeded(message);
+           message.code == documents::Code::FailedCheck ||
+           message.code == documents::Code::MissingElement;
 }
 
 std::string MessagesJson(const Diagnostics& messages)

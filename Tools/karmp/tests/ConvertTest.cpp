@@ -336,7 +336,7 @@ TEST_F(Tool, TellsWhatAVersionNeedsAndTheDocumentLacks)
         const Outcome convert = Run(line + option);
         EXPECT_EQ(convert.code, 1);
         ExpectContains(convert.output, "String \"Note\" [s]: reading needs \"PhysicalQuantity\", "
-                                       "which is missing [not-read-back]");
+                                       "which is missing [missing-element]");
     }
     ExpectContains(Run("check " + File("out.xml")).output, "[missing-element]");
 }
