@@ -112,6 +112,7 @@ Bodies AllBodies(const KARMPWorld& world)
 std::vector<std::string> NamesOf(const std::vector<ExportedBody>& bodies)
 {
     std::vector<std::string> names;
+    names.reserve(bodies.size());
     for (const ExportedBody& exported : bodies)
         names.push_back(exported.file.string());
     return names;
