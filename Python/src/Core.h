@@ -8,6 +8,7 @@
 
 #include <pybind11/pybind11.h>
 
+#include <atomic>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -94,16 +95,20 @@ T Made(PyObject* made)
 
 /// Releases the interpreter's lock. Where the interpreter ends meanwhile, taking it back would end
 /// the thread, and unwind it through destructors that need the lock: it waits for the process's
-/// end.
+/// end. That waits for what runs without the lock, which uses tables that end with the process.
 class Unlocked
 {
 public:
-    Unlocked() : m_thread(PyEval_SaveThread()) {}
+    Unlocked();
     ~Unlocked();
     Unlocked(const Unlocked&) = delete;
     Unlocked& operator=(const Unlocked&) = delete;
 
+    /// Waits until no thread runs without the lock.
+    static void WaitForAll();
+
 private:
+    static std::atomic<int> s_running;
     PyThreadState* m_thread;
 };
 

@@ -27,8 +27,19 @@ bool IsSequence(py::handle value)
 
 } // namespace
 
+std::atomic<int> Unlocked::s_running = 0;
+
+Unlocked::Unlocked() : m_thread((++s_running, PyEval_SaveThread())) {}
+
+void Unlocked::WaitForAll()
+{
+    while (s_running > 0)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+}
+
 Unlocked::~Unlocked()
 {
+    --s_running;
     try {
         PyEval_RestoreThread(m_thread);
     } catch (...) {

@@ -158,7 +158,8 @@ class Threads(unittest.TestCase):
                    "keep = [(i,) for i in range(300000)]\n"
                    "time.sleep(0.05)\n")
         for _ in range(5):
-            subprocess.run([sys.executable, "-B", "-c", program], check=True, timeout=60)
+            ended = subprocess.run([sys.executable, "-B", "-c", program], capture_output=True, timeout=60)
+            self.assertEqual((ended.returncode, ended.stderr), (0, b""))
 
 
 class Memory(unittest.TestCase):
