@@ -104,12 +104,12 @@ public:
     Unlocked(const Unlocked&) = delete;
     Unlocked& operator=(const Unlocked&) = delete;
 
-    /// Waits until no thread runs without the lock.
-    static void WaitForAll();
+    /// Lets the process wait at its end until no thread runs without the lock.
+    static void WaitForAllAtExit();
 
 private:
     static std::atomic<int> s_running;
-    PyThreadState* m_thread;
+    PyThreadState* m_thread = nullptr;
 };
 
 /// Raises for a model that another thread works on.

@@ -195,7 +195,7 @@ PYBIND11_MODULE(_karmp, module)
     using namespace karmp::python;
     module.doc() = "The extension module of the package karmp.";
     BindClasses(module);
-    Py_AtExit(&Unlocked::WaitForAll);
+    Unlocked::WaitForAllAtExit();
     py::class_<ModelState, State>(module, "Model",
                                   "A mechanism: a world, and the calls that build and edit it.")
         .def(py::init(&NewModel));

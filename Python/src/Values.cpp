@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cwctype>
 #include <new>
+#include <pthread.h>
 #include <thread>
 
 namespace karmp::python {
@@ -29,12 +30,20 @@ bool IsSequence(py::handle value)
 
 std::atomic<int> Unlocked::s_running = 0;
 
-Unlocked::Unlocked() : m_thread((++s_running, PyEval_SaveThread())) {}
-
-void Unlocked::WaitForAll()
+Unlocked::Unlocked()
 {
-    while (s_running > 0)
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    ++s_running;
+    m_thread = PyEval_SaveThread();
+}
+
+void Unlocked::WaitForAllAtExit()
+{
+    Py_AtExit([] {
+        while (s_running > 0)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    });
+    // A forked process has none of these threads.
+    pthread_atfork(nullptr, nullptr, [] { s_running = 0; });
 }
 
 Unlocked::~Unlocked()

@@ -160,6 +160,12 @@ class Threads(unittest.TestCase):
         for _ in range(5):
             ended = subprocess.run([sys.executable, "-B", "-c", program], capture_output=True, timeout=60)
             self.assertEqual((ended.returncode, ended.stderr), (0, b""))
+        forks = program + ("import os, sys\n"
+                           "child = os.fork()\n"
+                           "if child == 0: sys.exit(0)\n"
+                           "sys.exit(os.waitpid(child, 0)[1])\n")
+        for _ in range(5):
+            subprocess.run([sys.executable, "-B", "-c", forks], check=True, timeout=60)
 
 
 class Memory(unittest.TestCase):
