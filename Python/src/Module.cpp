@@ -127,8 +127,9 @@ void BindEditsAndSettings(const Functions& calls)
         return m.Delete(entity, {.preview = preview, .withShort = withShort});
     };
     calls["begin_editing"] = [](ModelState& of) {
+        const std::size_t begin = Do(of, "editing", [&] { return of.model.BeginEditing(); });
         ++of.openBlocks;
-        return of.model.BeginEditing();
+        return begin;
     };
     calls["end_editing"] = &EndEditing;
     calls["options"] = [](ModelState& of) { return of.model.Options(); };
