@@ -19,8 +19,7 @@ int RunConvert(const ConvertOptions& options)
         return Unreadable;
     if (options.version.empty())
         save.version = loaded->version;
-    if (!VersionNamed(save.version) || !writing.MayWrite(loaded->diagnostics) ||
-        !Complete(*loaded->world))
+    if (!writing.MayWrite(loaded->diagnostics, save.version) || !Complete(*loaded->world))
         return Unreadable;
     const Losses losses = LossesOf(*loaded, save.version);
     const int written = writing.Write(loaded->world, save);

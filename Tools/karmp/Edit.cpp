@@ -72,7 +72,7 @@ int EditDocument(const EditOptions& options, const Work& work)
         how.output = options.file;
     Writing writing(options.file, how);
     const auto loaded = writing.Load();
-    if (!loaded || !VersionNamed(loaded->version) || !writing.MayWrite(loaded->diagnostics))
+    if (!loaded || !writing.MayWrite(loaded->diagnostics, loaded->version))
         return Unreadable;
     Model edited(loaded->world);
     if (!edited.Problems().empty()) {

@@ -80,7 +80,7 @@ int RunExtract(const ExtractOptions& options)
     }
     Writing writing(options.file, options.writing);
     const auto loaded = writing.Load();
-    if (!loaded || !VersionNamed(loaded->version) || !writing.MayWrite(loaded->diagnostics))
+    if (!loaded || !writing.MayWrite(loaded->diagnostics, loaded->version))
         return Unreadable;
     // Lists the collision layers, which reading does not.
     if (!loaded->unlisted.empty() && !Complete(*loaded->world))

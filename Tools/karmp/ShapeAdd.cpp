@@ -93,7 +93,7 @@ int RunAddShape(const ShapeOptions& options)
     }
     Writing writing(options.file, how);
     const auto loaded = writing.Load();
-    if (!loaded || !VersionNamed(loaded->version) || !writing.MayWrite(loaded->diagnostics))
+    if (!loaded || !writing.MayWrite(loaded->diagnostics, loaded->version))
         return Unreadable;
     const QOBSharedHandle<KARMPBody> body = BodyFor(*loaded->world, options.bodies);
     if (!body)

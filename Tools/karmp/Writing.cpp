@@ -203,8 +203,10 @@ std::optional<documents::LoadResult> Writing::Load() const
     return loaded;
 }
 
-bool Writing::MayWrite(const documents::Diagnostics& messages)
+bool Writing::MayWrite(const documents::Diagnostics& messages, const std::wstring& version)
 {
+    if (!VersionNamed(version))
+        return false;
     const Diagnostics losses = LossesAmong(messages);
     m_isRefused = IsRefused(m_input, m_options, losses);
     if (m_options.dryRun || !m_isRefused)

@@ -43,7 +43,8 @@ public:
     /// which takes `force`, and with the input itself as output a backup besides. Where it may not
     /// be written, what would be lost and the reason are on standard error. True in a dry run, of
     /// which ReportLosses tells the reason, and where JSON is to tell of what is refused.
-    bool MayWrite(const documents::Diagnostics& messages);
+    /// An unknown version is told before all that.
+    bool MayWrite(const documents::Diagnostics& messages, const std::wstring& version);
     /// Writes a world after a copy of the file that is replaced; in a dry run all but the files is
     /// as otherwise, and a file that could not be made is told. Gives an exit code; what the save
     /// tells of, and why nothing was written, is on standard error.
