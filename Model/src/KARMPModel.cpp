@@ -192,7 +192,7 @@ Ref<KARMPEntity> Model::Add(std::string_view className, std::string_view identif
             const auto names = KARMPFactory::GetClassNames();
             const std::string nearest = NearestName(className, names);
             if (nearest != className && !ItemsOf(className).empty())
-                return edit.Fail("a " + std::string(className) + IsBaseClass);
+                return edit.Fail("a " + std::string(className) + BaseClassText);
             if (className.empty() || nearest != className)
                 return edit.Fail("there is no class \"" + std::string(className) + '"' +
                                  (nearest.empty() ? nearest : "; near: \"" + nearest + '"'));

@@ -106,7 +106,7 @@ bool Edit::FailToCreate(const QOBClassInfo& info, const Entity& entity)
                     ", which is kept by who makes it and by no document");
     const auto names = KARMPFactory::GetClassNames();
     const bool isMade = std::find(names.begin(), names.end(), info.getName()) != names.end();
-    return Fail(title + (isMade ? " cannot be made" : IsBaseClass));
+    return Fail(title + (isMade ? " cannot be made" : BaseClassText));
 }
 
 bool Edit::FailAsTaken(std::string_view identifier, const KARMPEntity& entity)

@@ -33,7 +33,7 @@ inline bool IsAscii(std::string_view text)
 std::string NearestName(std::string_view text, const std::vector<std::string>& names);
 
 /// What is told of a base class behind its name.
-constexpr const char* IsBaseClass = " is a base class, of which no entity is made";
+constexpr const char* BaseClassText = " is a base class, of which no entity is made";
 
 /// "two" to "nine", other numbers in digits.
 std::string NumberWord(std::size_t number);
