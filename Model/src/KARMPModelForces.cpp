@@ -58,11 +58,11 @@ Result<double> Model::Evaluate(const Ref<KARMPExpression>& expression,
     World()->GetWBFactory(factory);
     if (equation == nullptr || factory == nullptr)
         return failed(TitleOf(*expression) + " has no equation");
+    for (const auto& given : variables)
+        if (factory->GetVariable(given.first) == nullptr)
+            return failed("no equation has a variable \"" + std::string(given.first) + '"');
     for (const auto& [name, value] : variables)
-        if (auto* const variable = factory->GetVariable(name))
-            variable->SetValue(value);
-        else
-            return failed("no equation has a variable \"" + std::string(name) + '"');
+        factory->GetVariable(name)->SetValue(value);
     if (KARFailed(KARWBEvaluator().Evaluate(*equation, number)))
         return failed("the equation of " + TitleOf(*expression) + " has no number");
     return number;
@@ -146,7 +146,8 @@ Ref<KARMPMotor> Model::Motor(std::string_view identifier, const Ref<KARMPVariabl
                                  "\" is to reach a position, a velocity or an acceleration, and " +
                                  "not several of them");
             const Quantity::Enum quantity = variable->GetPhysicalQuantity();
-            if (targets > 0 && quantity == Quantity::NoPhysicalQuantity)
+            const bool hasNumbers = targets > 0 || options.maximum;
+            if (hasNumbers && quantity == Quantity::NoPhysicalQuantity)
                 return edit.Fail(TitleOf(*variable) +
                                  " has no quantity, in which a motor could have a number");
             motor = edit.Create<KARMPMotor>(identifier);

@@ -168,6 +168,17 @@ std::vector<Entity> CoupledBodies(std::span<const Term> terms)
     return bodies;
 }
 
+// Tells why variables move no two bodies.
+bool FailToCouple(Edit& edit, std::string_view identifier, std::span<const Term> terms)
+{
+    for (const Term& term : terms)
+        if (const auto joint = JointOf(*term.variable);
+            joint && IsA(joint->getClassInfo(), "KARMPJoint2D"))
+            return edit.Fail("a coupling links bodies in space; " + TitleOf(*joint) + " is planar");
+    return edit.Fail("the variables of \"" + std::string(identifier) +
+                     "\" belong to joints of fewer than two bodies");
+}
+
 bool SetQuantity(Edit& edit, KARMPVariable& variable, KARMPPhysicalQuantity::Enum quantity,
                  double value)
 {
@@ -277,8 +288,7 @@ Model::Entity Model::AddCoupling(const QOBClassInfo& info, std::string_view iden
                     return false;
             const auto bodies = CoupledBodies(terms);
             if (bodies.size() < 2)
-                return edit.Fail("the variables of \"" + std::string(identifier) +
-                                 "\" belong to joints of fewer than two bodies");
+                return FailToCouple(edit, identifier, terms);
             const std::string name(identifier);
             coupling = edit.Create(info, name);
             const auto equation = coupling ? edit.Create<KARMPLinearEquation>(name + ".equation")

@@ -307,7 +307,9 @@ TEST_F(PartsTest, ExpressionIsEvaluatedWhereItsVariablesAreGiven)
         model.Expression("L", KARMPPhysicalQuantity::Angle, "2 * t + 1", {model.Time()});
     EXPECT_EQ(*model.Evaluate(law, {{"t", 3.0}}), 7.0);
     EXPECT_EQ(*model.Evaluate(law, {}), 7.0);
-    EXPECT_EQ(model.Evaluate(law, {{"s", 3.0}}).Error().text, "no equation has a variable \"s\"");
+    EXPECT_EQ(model.Evaluate(law, {{"t", 4.0}, {"s", 3.0}}).Error().text,
+              "no equation has a variable \"s\"");
+    EXPECT_EQ(*model.Evaluate(law, {}), 7.0);
     EXPECT_EQ(model.Evaluate(model.Add<KARMPExpression>("M"), {}).Error().text,
               "KARMPExpression \"M\" has no equation");
     const int line = __LINE__ + 1;

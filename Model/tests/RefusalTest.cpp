@@ -277,11 +277,13 @@ TEST_F(RefusalTest, MotorHasOneTargetInTheQuantityOfItsVariable)
     const std::string before = TextOf(model);
     EXPECT_FALSE(model.Motor("m", p, {.position = 1.0, .velocity = 2.0}));
     EXPECT_FALSE(model.Motor("m", bare, {.velocity = 2.0}));
-    ASSERT_EQ(model.Problems().size(), 2U);
+    EXPECT_FALSE(model.Motor("m", bare, {.maximum = 5.0}));
+    ASSERT_EQ(model.Problems().size(), 3U);
     EXPECT_EQ(model.Problems()[0].text, "the motor \"m\" is to reach a position, a velocity or an "
                                         "acceleration, and not several of them");
     EXPECT_EQ(model.Problems()[1].text,
               "KARMPVariable \"bare\" has no quantity, in which a motor could have a number");
+    EXPECT_EQ(model.Problems()[2].text, model.Problems()[1].text);
     model.ClearProblems();
     EXPECT_TRUE(TextOf(model) == before);
     EXPECT_TRUE(model.Motor("m", p, {.velocity = 2.0, .maximum = 5.0}));
@@ -404,6 +406,20 @@ TEST_F(RefusalTest, GeometriesAndJointsAreRefusedWithWhatTheyNeed)
     EXPECT_FALSE(model.Couple<KARMPGear>("New", {{p, 1.0}, {q, 1.0}}));
     EXPECT_EQ(model.Problems()[0].text,
               "the variables of \"New\" belong to joints of fewer than two bodies");
+}
+
+TEST_F(RefusalTest, CouplingOfPlanarJointsIsRefusedAsSuch)
+{
+    Model model("M");
+    const auto rod = model.PlanarBody("Rod");
+    const auto variable = [&](std::string id) {
+        return model.Variable(id, model.Joint<KARMPUserDefined2D>(id + ".pin", model.PlanarGround(),
+                                                                  rod, KARMathPoint2D()));
+    };
+    EXPECT_FALSE(model.Couple<KARMPGear>("New", {{variable("p"), 1.0}, {variable("q"), 1.0}}));
+    ASSERT_EQ(model.Problems().size(), 1U);
+    EXPECT_EQ(model.Problems()[0].text,
+              "a coupling links bodies in space; KARMPUserDefined2D \"p.pin\" is planar");
 }
 
 TEST_F(RefusalTest, NothingIsPutOnABodyWhosePositionHasNoInverse)
