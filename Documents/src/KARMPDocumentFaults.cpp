@@ -75,10 +75,8 @@ bool SameWithoutCase(std::string_view left, std::string_view right)
 // From an "&" up to a ";", or to where a name ends.
 std::size_t ReferenceLength(const char* begin)
 {
-    constexpr std::size_t longest = 40;
     std::size_t length = 1;
-    while (length < longest && begin[length] != '\0' &&
-           std::strchr("&;<> \t\r\n\"'", begin[length]) == nullptr)
+    while (begin[length] != '\0' && std::strchr("&;<> \t\r\n\"'", begin[length]) == nullptr)
         ++length;
     return begin[length] == ';' ? length + 1 : length;
 }
@@ -405,7 +403,8 @@ void DocumentFaults::CheckReferences(const char* raw, const pugi::xml_node& elem
     }
     const char* const wrong = FirstUnknownReference(raw);
     text.clear();
-    AppendDecodedCData(text, std::string_view(wrong, ReferenceLength(wrong)));
+    constexpr std::size_t longest = 40;
+    AppendDecodedCData(text, std::string_view(wrong, ReferenceLength(wrong)).substr(0, longest));
     std::string quoted = "\"";
     AppendUtf8(quoted, text);
     Fail(Code::Reference,

@@ -191,10 +191,15 @@ bool ReadReference(std::string_view name, Unit& unit)
 // the "&" is appended.
 bool DecodeReference(std::wstring& text, std::string_view raw, std::size_t& offset)
 {
-    constexpr std::size_t longest = 12;
-    const std::size_t length = raw.substr(offset + 1, longest).find(';');
+    constexpr std::size_t longestName = 4;
+    const std::string_view rest = raw.substr(offset + 1);
+    // A number may have leading zeros.
+    const std::size_t length = rest.starts_with('#')
+                                   ? rest.find_first_not_of("0123456789abcdefABCDEFx", 1)
+                                   : rest.substr(0, longestName + 1).find(';');
     Unit unit = 0;
-    if (length == std::string_view::npos || !ReadReference(raw.substr(offset + 1, length), unit)) {
+    if (length == std::string_view::npos || rest[length] != ';' ||
+        !ReadReference(rest.substr(0, length), unit)) {
         text.push_back(L'&');
         ++offset;
         return false;

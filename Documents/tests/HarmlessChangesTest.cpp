@@ -74,6 +74,7 @@ const std::vector<Harmless> Changes{
     // Texts and names
     {Winch, "<Value>winch<", "<Value><![CDATA[winch]]><"},
     {Winch, "<Value>winch<", "<Value>&#119;in&#x63;h<"},
+    {Winch, "<Value>winch<", "<Value>&#00000000000119;in&#x0000000000000063;h<"},
     {Winch, "<Value>winch<", "<Value>win<!-- a - b -->ch<"},
     {Winch, "<Value>winch<", "<Value>&lt;&amp;&gt;<"},
     {Winch, "<Value>winch<", "<Value>Gr\303\266\303\237e \360\237\223\217<"},

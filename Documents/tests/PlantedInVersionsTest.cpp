@@ -35,6 +35,8 @@ const std::vector<Planted> Mistakes{
     {Winch, "<Value>winch<", "<Value>^&nbsp;<", "reference", "&nbsp;"},
     {Winch, "<Value>winch<", "<Value>^&#0;<", "reference", "&#0;"},
     {Winch, "<Value>winch<", "<Value>^&#x110000;<", "reference", "&#x110000;"},
+    {Winch, "<Value>winch<", "<Value>&#x00000000000000000000000000000000000000041;^&#000000;<",
+     "reference", "\"&#000000;\""},
     {Winch, "<Value>winch<", "<Value>caf^\351<", "encoding", "UTF-8"},
     {Winch, "<Value>winch<", "<Value>win^\014ch<", "encoding", "control character"},
     {Winch, "<Value>winch<", "<Value><![CDATA[winch<", "syntax", "<Value> is open",
