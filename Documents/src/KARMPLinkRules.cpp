@@ -245,11 +245,10 @@ void MechanismRules::CheckLoose(const Node& entity)
     const auto number = m_identifiers.Of(entity);
     if (!m_hasLinks || !number || m_referred.count(*number) != 0)
         return;
-    for (const std::wstring_view item :
-         {L"Joints", L"Connectors", L"DisplacementSensor", L"ChildrenBodies"})
-        if (First(entity, item) != nullptr)
+    for (const std::wstring_view list : {L"Joints", L"Connectors", L"ChildrenBodies"})
+        if (!ItemsOf(entity, list).empty())
             return;
-    if (IsFixedBody(entity))
+    if (First(entity, L"DisplacementSensor") != nullptr || IsFixedBody(entity))
         return;
     m_tell(Code::LooseBody, entity, {},
            "the body hangs on nothing: no joint, connector, drive, sensor, rule or other body "

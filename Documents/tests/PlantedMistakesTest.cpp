@@ -29,6 +29,7 @@ constexpr const char* AngleAbove =
 constexpr const char* AngleReversed =
     "<Value>0.5</Value></Value><MaxValue><HasMaxValue>true</HasMaxValue><MaxValue>1</MaxValue>"
     "</MaxValue><MinValue><HasMinValue>true</HasMinValue><MinValue>^2</MinValue>";
+// An empty list hangs a body on nothing either.
 constexpr const char* LooseBody =
     "  <Bodies>\n<^Body id=\"L\" name=\"L\" isActive=\"yes\" "
     "is_fixed=\"no\"><Position><Translation>"
@@ -40,7 +41,7 @@ constexpr const char* LooseBody =
     "<Vz>0</Vz></AngularAcceleration></Acceleration><Weight><Mass>1</Mass><COG><Px>0</Px><Py>0</Py>"
     "<Pz>0</Pz></COG><InertiaMatrix><M1x>0</M1x><M1y>0</M1y><M1z>0</M1z><M2x>0</M2x><M2y>0</M2y>"
     "<M2z>0</M2z><M3x>0</M3x><M3y>0</M3y><M3z>0</M3z></InertiaMatrix></Weight>"
-    "<OutOfWorld>false</OutOfWorld></Body>\n";
+    "<OutOfWorld>false</OutOfWorld><Joints/><Connectors/></Body>\n";
 
 const std::vector<Planted> Mistakes{
     // Numbers
