@@ -3,11 +3,11 @@
 find_package(GTest REQUIRED)
 
 # A check of GoogleTest is an if with an else, so that the compiler warns of each one below an if.
-# Test code runs once, so that optimising it takes longer than it saves.
+# Test code runs once, so that optimising it takes longer than it saves, with sanitizers most of all.
 if(NOT TARGET karmp_test_settings)
     add_library(karmp_test_settings INTERFACE)
     target_compile_options(
-        karmp_test_settings INTERFACE -Wno-dangling-else $<$<CONFIG:Release>:-O0>
+        karmp_test_settings INTERFACE -Wno-dangling-else -O0
     )
     karmp_add_precompiled_headers(
         karmp_test_headers
