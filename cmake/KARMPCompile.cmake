@@ -4,7 +4,7 @@
 #
 # Compiles through ccache, unless there is none or a launcher was chosen already. A source that uses
 # a precompiled header is found again only with this sloppiness, and in another build folder of the
-# same settings only with paths that are relative.
+# same settings only with paths that are relative and whatever folder debug information names.
 macro(karmp_use_ccache)
     find_program(KARMP_CCACHE_PROGRAM ccache)
     mark_as_advanced(KARMP_CCACHE_PROGRAM)
@@ -13,6 +13,7 @@ macro(karmp_use_ccache)
             "${CMAKE_COMMAND}" -E env
             CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_ctime,include_file_mtime
             "CCACHE_BASEDIR=${PROJECT_SOURCE_DIR}"
+            CCACHE_NOHASHDIR=true
             "${KARMP_CCACHE_PROGRAM}"
         )
     endif()

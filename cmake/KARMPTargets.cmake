@@ -31,7 +31,15 @@ if(KARMP_BUILD_FUZZERS)
 endif()
 
 # The libraries' objects are compiled for shared libraries, the programs are not: two sets of headers.
-karmp_add_precompiled_headers(karmp_library_headers HEADERS ${karmp_standard_headers})
+# Of the objects scripts/abi reads the types of what is exported.
+add_library(karmp_library_settings INTERFACE)
+target_link_libraries(karmp_library_settings INTERFACE karmp_settings)
+target_compile_options(
+    karmp_library_settings INTERFACE $<$<BOOL:${KARMP_LIBRARY_DEBUG_INFO}>:-g>
+)
+karmp_add_precompiled_headers(
+    karmp_library_headers HEADERS ${karmp_standard_headers} LINKS karmp_library_settings
+)
 set_target_properties(
     karmp_library_headers
     PROPERTIES POSITION_INDEPENDENT_CODE ON
@@ -64,7 +72,7 @@ function(karmp_add_library name)
     endforeach()
 
     add_library(${name}Objects OBJECT ${sources})
-    target_link_libraries(${name}Objects PRIVATE karmp_settings PUBLIC ${arg_LINKS})
+    target_link_libraries(${name}Objects PRIVATE karmp_library_settings PUBLIC ${arg_LINKS})
     target_include_directories(
         ${name}Objects PUBLIC "$<BUILD_INTERFACE:${public_folders}>"
                               "$<BUILD_INTERFACE:${internal_folders}>"
