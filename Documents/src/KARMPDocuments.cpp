@@ -215,6 +215,31 @@ void TellOfFailed(const KARMPWorld& world, const std::vector<const KARMPEntity*>
     }
 }
 
+// A number is told of before the entities behind its own are written: its path has no position
+// where the second entity of a name comes later.
+void AddPositions(const KARMPWorld& world, Diagnostics& told)
+{
+    if (std::none_of(told.items.begin(), told.items.end(),
+                     [](const Diagnostic& item) { return item.code == Code::NotFinite; }))
+        return;
+    const SilentListener listener;
+    const ListedEntities listed(world);
+    constexpr std::string_view first = "[1]";
+    std::unordered_set<std::string> repeated;
+    for (std::size_t number = 0; number < listed.Count(); ++number) {
+        std::string path = listed.PathOf(number);
+        if (path.ends_with(first)) {
+            path.resize(path.size() - first.size());
+            repeated.insert(std::move(path));
+        }
+    }
+    for (Diagnostic& item : told.items) {
+        const std::string entity(EntityPathOf(item.path));
+        if (repeated.count(entity) != 0)
+            item.path.insert(entity.size(), first);
+    }
+}
+
 /// What a save would lose or falsify.
 class SaveFindings final : public EntityObserver
 {
@@ -236,6 +261,8 @@ public:
         m_check->Note(entity, links);
         m_isNoting = false;
     }
+    /// All entities were written.
+    void Written(const KARMPWorld& world) { AddPositions(world, m_warned); }
     /// True while an entity is noted: what fails is told when it is written.
     const bool& IsNoting() const { return m_isNoting; }
     void End()
@@ -316,6 +343,7 @@ Diagnostics RenderWorld(const QOBSharedHandle<KARMPWorld>& world, const std::str
         }
         tree.Finish();
         tree.Progress().End();
+        findings.Written(*world);
         diagnostics.Append(std::move(rendered));
     });
     if (options.check && !diagnostics.HasErrors())

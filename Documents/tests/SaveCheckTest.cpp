@@ -214,6 +214,18 @@ TEST_F(SavedWorld, TellsOfNumbersThatAreNotFinite)
     ExpectOne(Code::NotFinite, Severity::Warning, "/Gravity/Gy", "World: \"Gy\" is infinite");
 }
 
+TEST_F(SavedWorld, TellsOfANumberOfTheFirstEntityWithItsPositionIfThereAreMore)
+{
+    QOBSharedHandle<KARMPBody> global;
+    m_world->GetGlobalBody(global);
+    global->SetIdentifier(L"K0");
+    global->SetMass(Infinity);
+    const std::string text = "Body \"GlobalBody\" [K0]: \"Mass\" is infinite";
+    ExpectOne(Code::NotFinite, Severity::Warning, "/Bodies/Body/Weight/Mass", text);
+    AddBody(L"Crank", L"K1");
+    ExpectOne(Code::NotFinite, Severity::Warning, "/Bodies/Body[1]/Weight/Mass", text);
+}
+
 TEST_F(SavedWorld, TellsOfItemsThatNoReaderFinds)
 {
     const auto cylinder = KARMPCylinder::create(L"Pin");
