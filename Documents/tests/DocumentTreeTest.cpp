@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <clocale>
 #include <cmath>
 #include <limits>
@@ -74,6 +75,7 @@ TEST(DocumentTree, IsIndentedByOneBlankALevelWithNumbersOfAGroupOnOneLine)
     body->AddAttribute(L"floating", false);
     Add(*body, L"OutOfWorld", true);
     Add(*body, L"Empty");
+    Add(*body, L"Empty");
     EXPECT_EQ(TextOf(root), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
                             "<KARMPDocument version=\"R2017.0\">\n"
                             " <World linear_tolerance=\"0.001\" angular_tolerance=\"1e-09\">\n"
@@ -82,10 +84,50 @@ TEST(DocumentTree, IsIndentedByOneBlankALevelWithNumbersOfAGroupOnOneLine)
                             "   <Body floating=\"false\">\n"
                             "    <OutOfWorld>true</OutOfWorld>\n"
                             "    <Empty/>\n"
+                            "    <Empty/>\n"
                             "   </Body>\n"
                             "  </Bodies>\n"
                             " </World>\n"
                             "</KARMPDocument>\n");
+}
+
+TEST(DocumentTree, OnlyBareNumbersStandOnOneLine)
+{
+    KARMPDocumentWriter root;
+    Add(*Add(root, L"Bare"), L"N", 1);
+    Add(*Add(root, L"WithText", L"text"), L"N", 1);
+    KARMPSerializer* const withAttribute = Add(*Add(root, L"WithAttribute"), L"N", 1);
+    withAttribute->AddAttribute(L"a", 2);
+    Add(*Add(*Add(root, L"WithChild"), L"N", 1), L"M", 2);
+    EXPECT_EQ(TextOf(root), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                            "<KARMPDocument version=\"R2018.1\">\n"
+                            " <Bare><N>1</N></Bare>\n"
+                            " <WithText>text\n"
+                            "  <N>1</N>\n"
+                            " </WithText>\n"
+                            " <WithAttribute>\n"
+                            "  <N a=\"2\">1</N>\n"
+                            " </WithAttribute>\n"
+                            " <WithChild>\n"
+                            "  <N>1\n"
+                            "   <M>2</M>\n"
+                            "  </N>\n"
+                            " </WithChild>\n"
+                            "</KARMPDocument>\n");
+}
+
+TEST(DocumentTree, LevelsBelowTheHundredthAreIndentedAsThatIs)
+{
+    KARMPDocumentWriter root;
+    KARMPSerializer* node = &root;
+    for (int level = 1; level <= 102; ++level)
+        node = Add(*node, L"L" + std::to_wstring(level));
+    const std::string text = TextOf(root);
+    for (const int level : {99, 100, 101, 102}) {
+        const auto blanks = static_cast<std::size_t>(std::min(level, 100));
+        const std::string line = '\n' + std::string(blanks, ' ') + "<L" + std::to_string(level);
+        EXPECT_NE(text.find(line), std::string::npos) << level;
+    }
 }
 
 TEST(DocumentTree, EveryTextComesBackAsItWas)
@@ -128,11 +170,11 @@ TEST(DocumentTree, EveryTextComesBackAsItWas)
 
 TEST(DocumentTree, OnlyWhatXmlNeedsIsEscaped)
 {
-    KARMPDocumentWriter root;
+    KARMPDocumentWriter root(L" \"1\" ");
     for (const wchar_t* text : {L"a b~", L"a ", L" a", L"a>b", L"a<b", L"a&b", L"a\"b", L"a\\b"})
         Add(root, L"T", text)->AddAttribute(L"t", text);
     EXPECT_EQ(TextOf(root), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-                            "<KARMPDocument version=\"R2018.1\">\n"
+                            "<KARMPDocument version=\" &quot;1&quot; \">\n"
                             " <T t=\"a b~\">a b~</T>\n"
                             " <T t=\"a \">a&#32;</T>\n"
                             " <T t=\" a\">&#32;a</T>\n"
@@ -387,6 +429,46 @@ TEST(DocumentTree, ANameThatIsNoXmlNameIsNotWritten)
     EXPECT_EQ(diagnostics.items[0].path, "/KARMPDocument/A[2]");
 }
 
+TEST(DocumentTree, WhatHasNoNameIsNotWritten)
+{
+    const auto expectError = [](const KARMPDocumentWriter& root, const std::string& message) {
+        std::string text;
+        const Diagnostics diagnostics = root.RenderXml(text);
+        ASSERT_EQ(diagnostics.items.size(), 1U);
+        EXPECT_EQ(Format(diagnostics.items[0]), "error: " + message);
+        EXPECT_EQ(text, "");
+    };
+    KARMPDocumentWriter empty;
+    Add(*Add(empty, L"World"), L"");
+    expectError(empty, "an element has no name [invalid-name] at /KARMPDocument/World/");
+    KARMPDocumentWriter withValue;
+    Add(*Add(withValue, L"World"), L"", 1);
+    expectError(withValue, "an element has no name [invalid-name] at /KARMPDocument/World/");
+    KARMPDocumentWriter withAttribute;
+    Add(withAttribute, L"World")->AddAttribute(L"", 1);
+    expectError(withAttribute,
+                "the attribute name \"\" is no XML name [invalid-name] at /KARMPDocument/World");
+}
+
+TEST(DocumentTree, ThePathOfAMessageEndsAfter64Names)
+{
+    const auto pathAt = [](std::size_t depth) {
+        KARMPDocumentWriter root;
+        KARMPSerializer* node = &root;
+        for (std::size_t level = 1; level < depth; ++level)
+            node = Add(*node, L"A");
+        node->AddAttribute(L"no name", 1);
+        std::string text;
+        return root.RenderXml(text).items.at(0).path;
+    };
+    std::string path = "/KARMPDocument";
+    for (int level = 1; level < 64; ++level)
+        path += "/A";
+    EXPECT_EQ(pathAt(64), path);
+    EXPECT_EQ(pathAt(65), path + "/...");
+    EXPECT_EQ(pathAt(66), path + "/...");
+}
+
 TEST(DocumentTree, NamesOfAllAlphabetsComeBack)
 {
     const std::wstring name = L"K\xF6rper.1-\x4E2D_:x";
@@ -427,18 +509,25 @@ TEST(DocumentTree, AnAttributeThatOccursTwiceIsNotWritten)
 TEST(DocumentTree, WhatExceedsTheReadersLimitsIsNotWritten)
 {
     KARMPDocumentWriter root;
-    Add(*Add(root, L"A"), L"Bcd");
+    Add(*Add(root, L"A"), L"B\xE4");
     std::string text;
     Limits limits;
+    const auto expectMessage = [&](Code code, const std::string& message) {
+        const Diagnostics diagnostics = root.RenderXml(text, limits);
+        ASSERT_EQ(diagnostics.items.size(), 1U);
+        EXPECT_EQ(diagnostics.items[0].code, code);
+        EXPECT_EQ(diagnostics.items[0].text, message);
+        EXPECT_EQ(text, "");
+    };
     limits.depth = 2;
-    EXPECT_NE(root.RenderXml(text, limits).Find(Code::TooDeep), nullptr);
+    expectMessage(Code::TooDeep, "an element stands deeper than the limit of 2");
     limits = {};
     limits.nameLength = 2;
-    EXPECT_NE(root.RenderXml(text, limits).Find(Code::NameTooLong), nullptr);
+    expectMessage(Code::NameTooLong,
+                  "the element name \"B\xC3\xA4\" is longer than the limit of 2 bytes");
     limits = {};
     limits.bytes = 50;
-    EXPECT_NE(root.RenderXml(text, limits).Find(Code::TooLarge), nullptr);
-    EXPECT_EQ(text, "");
+    expectMessage(Code::TooLarge, "the document is larger than the limit of 50 bytes");
     // A name that was met before does not hide the depth.
     KARMPDocumentWriter other;
     Add(*Add(other, L"A"), L"A", 1);

@@ -7,7 +7,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <functional>
+#include <limits>
 #include <new>
 #include <string>
 
@@ -16,6 +18,8 @@ using namespace karmp::documents;
 namespace {
 
 using Write = std::function<void(KARMPSerializer& root)>;
+
+constexpr double Infinity = std::numeric_limits<double>::infinity();
 
 // The text of a tree that is rendered while it is written, or the message.
 std::string Streamed(const Write& write, const Limits& limits = {})
@@ -169,6 +173,18 @@ TEST(StreamedTree, ChildrenThatAreNotCompleteTakeMore)
     });
 }
 
+TEST(StreamedTree, NodesBeforeACompleteOneKeepTheirOrder)
+{
+    ExpectSame([](KARMPSerializer& root) {
+        KARMPSerializer* const list = Add(root, L"List");
+        AddEntity(*list, 1);
+        KARMPSerializer* const entity = Add(*list, L"Entity");
+        Add(*entity, L"First", L"text");
+        AddEntity(*Add(*entity, L"Second"), 2);
+        list->ChildrenComplete();
+    });
+}
+
 TEST(StreamedTree, NumbersOfAGroupStandOnOneLineHoweverTheyCome)
 {
     for (const int count : {1, 5, 12, 13, 30}) {
@@ -274,6 +290,46 @@ TEST(StreamedTree, AMessageHasThePathThatItHasInTheWholeTree)
             },
             more ? "/List/Body[1]/no name" : "/List/Body/no name");
     }
+}
+
+TEST(StreamedTree, NumbersThatAreNotFiniteAreToldOfWithTheirEntities)
+{
+    std::string text;
+    Diagnostics diagnostics;
+    Diagnostics numbers;
+    Messages messages(diagnostics, {}, 1);
+    Messages told(numbers, {}, 10);
+    const Limits limits;
+    StreamedTree tree(karmp::CurrentVersion, Doubles::Snapped, text, limits, messages, &told);
+    KARMPSerializer* const list = Add(*Add(tree.Root(), L"World"), L"List");
+    list->AddAttribute(L"tolerance", Infinity);
+    KARMPSerializer* const entity = Add(*list, L"Entity");
+    entity->AddAttribute(L"id", L"1");
+    entity->AddAttribute(L"name", L"one");
+    for (int number = 0; number < 3; ++number)
+        Add(*Add(*entity, L"Group"), L"N", number == 1 ? -Infinity : 0.5);
+    Add(*entity, L"N", std::nan(""));
+    Add(*entity, L"N", 1.5)->AddAttribute(L"length", Infinity);
+    Add(*Add(*list, L"Entity"), L"N", Infinity);
+    list->ChildrenComplete();
+    EXPECT_TRUE(tree.Finish());
+    std::string all;
+    for (const Diagnostic& item : numbers.items)
+        all += Format(item) + '\n';
+    const std::string place = "[not-finite] at /KARMPDocument/World/List";
+    EXPECT_EQ(all, "warning: World: \"tolerance\" is infinite " + place +
+                       "/@tolerance\n"
+                       "warning: Entity \"one\" [1]: \"N\" is infinite " +
+                       place +
+                       "/Entity[1]/Group[2]/N\n"
+                       "warning: Entity \"one\" [1]: \"N\" is no number " +
+                       place +
+                       "/Entity[1]/N[1]\n"
+                       "warning: Entity \"one\" [1]: \"length\" is infinite " +
+                       place +
+                       "/Entity[1]/N[2]/@length\n"
+                       "warning: World: \"N\" is infinite " +
+                       place + "/Entity[2]/N\n");
 }
 
 TEST(StreamedTree, TheFirstFailureOfTheDocumentIsReported)
