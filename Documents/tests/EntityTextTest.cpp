@@ -10,6 +10,7 @@
 #include "KARMPStreamedTree.h"
 #include "KARMPTestFixture.h"
 #include "KARMPWrittenClasses.h"
+#include "KARMPXmlRenderer.h"
 
 #include <gtest/gtest.h>
 
@@ -255,6 +256,8 @@ TEST_F(EntityTexts, HoldNumbersOfEverySize)
                                 5e-13,   4.9e-13, 1e-3,      9.99e-4,     999.0,    1000.0,
                                 999.999, 1e300,   123456789, 0.1 + 0.2,   1.0 / 3,  1e15,
                                 1e16,    1e22,    1e-4,      0.000999999, 999.9999, -1e-3};
+    for (int digit = 2; digit < 10; ++digit)
+        numbers.push_back(digit * 1e-4);
     for (int count = 0; count < 5000; ++count)
         numbers.push_back(digits(random) * std::pow(10.0, exponents(random)));
     for (int count = 0; count < 5000; ++count)
@@ -398,6 +401,57 @@ TEST_F(EntityTexts, NumbersThatAreNotFiniteAreToldOfWithTheirPaths)
     nodes->setEntityName(L"body");
     fill(*File<KARMPBody>(nodes, L"body"));
     EXPECT_EQ(TextOf(SaveText(m_world, text, options)), told);
+}
+
+// Sets what can be set of an entity's numbers to some that are not finite, and counts those items.
+int SetNotFinite(KARMPEntity& entity)
+{
+    int count = 0;
+    for (const ItemInfo& item : ItemsOf(entity.getClassInfo())) {
+        Value value = item.Get(entity);
+        if (auto* const number = std::get_if<double>(&value))
+            *number = -Infinity;
+        else if (auto* const numbers = std::get_if<NumberArray>(&value))
+            for (std::size_t index = 0; index < numbers->size(); ++index)
+                (*numbers)[index] = index % 3 == 0 ? Infinity : index % 3 == 1 ? std::nan("") : 0.5;
+        else
+            continue;
+        count += KARFailed(item.Set(entity, value)) ? 0 : 1;
+    }
+    return count;
+}
+
+TEST_F(EntityTexts, NumbersThatAreNotFiniteAreToldOfAsByNodes)
+{
+    const EnvironmentVariable outputs("MOT_DUMP_OUTPUTS", "1");
+    int count = 0;
+    std::size_t toldCount = 0;
+    for (const std::string& name : MadeClasses()) {
+        SCOPED_TRACE(name);
+        const FilledWorld filled(name, Filling::Full);
+        const Reports unheard;
+        count += SetNotFinite(*filled.entity);
+        SaveOptions options;
+        options.allowLosses = true;
+        std::string text;
+        Diagnostics told = SaveText(filled.world, text, options);
+        std::erase_if(told.items,
+                      [](const Diagnostic& item) { return item.code != Code::NotFinite; });
+
+        KARMPDocumentWriter nodes;
+        EXPECT_EQ(filled.world->Serialize(&nodes), KARSuccess);
+        std::string rendered;
+        Diagnostics failures;
+        Diagnostics toldOfNodes;
+        Messages messages(failures, {}, 1);
+        Messages numbers(toldOfNodes, {}, options.limits.diagnostics);
+        EXPECT_TRUE(XmlRenderer(rendered, options.limits, messages, &numbers).Render(nodes));
+        EXPECT_EQ(text, rendered);
+        EXPECT_EQ(TextOf(told), TextOf(toldOfNodes));
+        toldCount += told.items.size();
+    }
+    EXPECT_GT(count, 0);
+    EXPECT_GT(toldCount, static_cast<std::size_t>(count)) << "most are arrays";
 }
 
 } // namespace karmp::documents
