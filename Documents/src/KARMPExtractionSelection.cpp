@@ -139,10 +139,7 @@ bool ExtractionSelection::IsWanted(const KARMPEntity& entity) const
 
 void ExtractionSelection::CollectAttached()
 {
-    const auto collect = [this](const Entity& entity) {
-        if (!IsStructure(*entity))
-            m_attached.push_back(entity);
-    };
+    const auto collect = [this](const Entity& entity) { m_attached.push_back(entity); };
     // A large world consists of structure, which need not be visited.
     ForEachRegistryElement([&](const auto& element) {
         using T = typename std::remove_cvref_t<decltype(element)>::Type;
@@ -385,12 +382,10 @@ const std::vector<const KARMPEntity*>& ExtractionSelection::BodiesOf(const Entit
 
 void ExtractionSelection::PutInOrder()
 {
-    ForEachEntityOf(
-        m_world,
-        [this](const Entity& entity) {
-            if (Has(entity.get()))
-                m_entities.push_back(entity);
-        });
+    ForEachEntityOf(m_world, [this](const Entity& entity) {
+        if (Has(entity.get()))
+            m_entities.push_back(entity);
+    });
 }
 
 } // namespace karmp::documents

@@ -163,7 +163,9 @@ TEST_F(ExtractionOfFamilies, TakesWhatABodyDoesNotReferBackToAlong)
 {
     const World world = WithoutListsOfBodies();
     const Bodies both = Named(*world, {L"Crank", L"Rod"});
+    Add<KARMPShape>(*world, KARMP3DRep::create(L"Look"))->LinkToBody(both[0]);
     const Extraction extract = ExtractWorld(*world, both);
+    EXPECT_EQ(SortedNames<KARMPShape>(*extract.world), (Names{"Look"}));
     EXPECT_EQ(SortedNames<KARMPJoint>(*extract.world), (Names{"Crank pin"}));
     EXPECT_EQ(SortedNames<KARMPGeometry>(*extract.world),
               (Names{"Crank.Crank pin", "Crank.Main bearing", "GlobalAxisSystem", "Rod.Crank pin",
@@ -178,6 +180,11 @@ TEST_F(ExtractionOfFamilies, TakesWhatABodyDoesNotReferBackToAlong)
 TEST_F(ExtractionOfFamilies, PutsThePlaneOfAPlanarBodyOnItsOwnGlobalBody)
 {
     const World world = Example("seven-body-planar");
+    QOBSharedHandle<KARMPBody> ground;
+    world->GetGlobalBody(ground);
+    const auto mark = Add<KARMPGeometry>(*world, KARMPPoint::create(L"Mark"));
+    mark->SetBody(ground);
+    ground->AddGeometry(mark);
     const Extraction extract = ExtractWorld(*world, Named(*world, {L"K1"}));
     EXPECT_TRUE(CheckOf(extract.world).items.empty());
     for (const std::string& text : TextsOf(extract.cutLinks))
@@ -287,6 +294,8 @@ TEST_F(ExtractionOfFamilies, TakesWhatMeansSomethingByItselfWhenItIsAskedFor)
     Add<KARMPGenericEntity>(*world, OwnKindOf<KARMPGenericEntity>::create(L"Generic"));
     Add<KARMPDebugEntity>(*world, OwnKindOf<KARMPDebugEntity>::create(L"Debug"));
     Add<KARMPInitialCondition>(*world, OwnKindOf<KARMPInitialCondition>::create(L"Initial"));
+    Add<KARMPAnalysisStep>(*world, OwnKindOf<KARMPAnalysisStep>::create(L"Step"));
+    Add<KARMPMaterial>(*world, OwnKindOf<KARMPMaterial>::create(L"Steel"));
     const Bodies crank = Named(*world, {L"Crank"});
     const World none = ExtractWorld(*world, crank).world;
     const World all = ExtractWorld(*world, crank, {0, AllFamilies()}).world;
@@ -294,11 +303,138 @@ TEST_F(ExtractionOfFamilies, TakesWhatMeansSomethingByItselfWhenItIsAskedFor)
     const auto counts = [](const KARMPWorld& extract) {
         return std::vector<int>{
             extract.Count<KARMPAnalysisCase>(), extract.Count<KARMPGenericEntity>(),
-            extract.Count<KARMPDebugEntity>(), extract.Count<KARMPInitialCondition>()};
+            extract.Count<KARMPDebugEntity>(),  extract.Count<KARMPInitialCondition>(),
+            extract.Count<KARMPAnalysisStep>(), extract.Count<KARMPMaterial>()};
     };
-    EXPECT_EQ(counts(*none), (std::vector<int>{0, 0, 0, 0}));
-    EXPECT_EQ(counts(*all), (std::vector<int>{1, 1, 1, 1}));
-    EXPECT_EQ(counts(*cases), (std::vector<int>{1, 0, 0, 0}));
+    EXPECT_EQ(counts(*none), (std::vector<int>{0, 0, 0, 0, 0, 0}));
+    EXPECT_EQ(counts(*all), (std::vector<int>{1, 1, 1, 1, 1, 1}));
+    EXPECT_EQ(counts(*cases), (std::vector<int>{1, 0, 0, 0, 0, 0}));
+}
+
+TEST_F(ExtractionOfFamilies, TakesStepsAndSupportsWithWhatHasThem)
+{
+    const World world = SliderCrank();
+    const Bodies bodies = Named(*world, {L"Crank", L"Rod"});
+    const auto analysis =
+        Add<KARMPAnalysisCase>(*world, OwnKindOf<KARMPAnalysisCase>::create(L"Case"));
+    analysis->AddAnalysisStep(
+        Add<KARMPAnalysisStep>(*world, OwnKindOf<KARMPAnalysisStep>::create(L"Step")));
+    const auto parameter = Add<KARMPAttribute>(*world, KARMPParameter::create(L"Length"));
+    const auto support = Add<KARMPSupport>(*world, KARMPSupport::create(L"Support"));
+    support->SetTarget(bodies[1]);
+    parameter->AddSupport(support);
+    bodies[0]->AddParameter(parameter);
+    // Nothing has this one.
+    Add<KARMPSupport>(*world, KARMPSupport::create(L"Loose"))->SetTarget(bodies[0]);
+    const Extraction extract =
+        ExtractWorld(*world, {bodies[0]}, {0, {L"AnalysisCases", L"Attributes"}});
+    EXPECT_EQ(SortedNames<KARMPAnalysisStep>(*extract.world), (Names{"Step"}));
+    EXPECT_EQ(SortedNames<KARMPAttribute>(*extract.world), (Names{"Length"}));
+    EXPECT_EQ(SortedNames<KARMPSupport>(*extract.world), (Names{"Support"}));
+    const Names cut = TextsOf(extract.cutLinks);
+    EXPECT_EQ(std::count(cut.begin(), cut.end(), "Support Target Rod"), 1);
+    const World all = ExtractWorld(*world, {bodies[0]}, {0, AllFamilies()}).world;
+    EXPECT_EQ(SortedNames<KARMPSupport>(*all), (Names{"Support"}));
+    const World without = ExtractWorld(*world, {bodies[0]}).world;
+    EXPECT_EQ(without->Count<KARMPAnalysisStep>() + without->Count<KARMPSupport>(), 0);
+}
+
+/// Adds a spring between two bodies.
+QOBSharedHandle<KARMPConnector> Spring(const Bodies& bodies,
+                                       const QOBSharedHandle<KARMPAxialSpring>& spring)
+{
+    spring->SetFirstBody(bodies.at(0));
+    spring->SetSecondBody(bodies.at(1));
+    for (const auto& body : bodies)
+        body->LinkToConnector(spring);
+    return spring;
+}
+
+TEST_F(ExtractionOfFamilies, TellsWhatRefersToNoEntity)
+{
+    const World world = SliderCrank();
+    // A value is no target.
+    const auto spring = Add<KARMPConnector>(*world, KARMPAxialSpring::create(L"Spring"));
+    spring->SetStiffness(Add<KARMPValue>(*world, KARMPConstant::create(L"Stiffness")));
+    Add<KARMPAnalysisCase>(*world, OwnKindOf<KARMPAnalysisCase>::create(L"Case"));
+    const auto unrelated = [&](const std::vector<std::wstring>& families) {
+        Names names;
+        for (const auto& entity : ExtractWorld(*world, {}, {0, families}).unrelated)
+            names.push_back(kar::ToUtf8(entity->getEntityName()));
+        return names;
+    };
+    EXPECT_EQ(unrelated(AllFamilies()), (Names{"Spring"}));
+    EXPECT_EQ(unrelated({L"Sensors"}), Names());
+    spring->SetFirstBody(Named(*world, {L"Crank"})[0]);
+    EXPECT_EQ(unrelated(AllFamilies()), Names());
+}
+
+TEST_F(ExtractionOfFamilies, TakesAConstraintAboutVariablesWithAllOfThem)
+{
+    const World world = Example("motor-drive");
+    const auto coupling = Add<KARMPConstraint>(*world, KARMPLinearEquation::create(L"Coupling"));
+    for (int index = 0; index < world->Count<KARMPVariable>(); ++index) {
+        QOBSharedHandle<KARMPVariable> variable;
+        world->Get<KARMPVariable>(index, variable);
+        if (variable->getEntityName() == L"GlobalTime")
+            continue;
+        coupling->LinkToVariable(variable);
+        coupling->AddLinearTerm(1.0);
+        variable->LinkToConstraint(coupling);
+    }
+    const auto takes = [&](const Bodies& bodies) {
+        const Names names = SortedNames<KARMPConstraint>(*ExtractWorld(*world, bodies).world);
+        return std::count(names.begin(), names.end(), "Coupling");
+    };
+    EXPECT_EQ(takes(AllBodies(*world)), 1);
+    EXPECT_EQ(takes(Named(*world, {L"Turntable", L"Arm"})), 0);
+}
+
+TEST_F(ExtractionOfFamilies, ReachesOverConnectorsThatComeAlong)
+{
+    const World world = SliderCrank();
+    const Bodies bodies{Named(*world, {L"Crank"})[0],
+                        Add<KARMPBody>(*world, KARMPBody::create(L"Weight"))};
+    Spring(bodies, Add<KARMPConnector>(*world, KARMPAxialSpring::create(L"Spring")));
+    const auto layer = Add<KARMPInteraction>(*world, KARMPCollisionLayer::create(L"Layer"));
+    for (const auto& body : bodies)
+        layer->AddCollidable(body);
+    const auto reached = [&](std::vector<std::wstring> families) {
+        return NamesOf(AllBodies(*ExtractWorld(*world, {bodies[1]}, {1, families}).world));
+    };
+    EXPECT_EQ(reached({L"Connectors"}), (Names{"Crank", "GlobalBody", "Weight"}));
+    EXPECT_EQ(reached({L"Interactions"}), (Names{"GlobalBody", "Weight"}));
+}
+
+TEST_F(ExtractionOfFamilies, ReachesOverConstraints)
+{
+    const World world = SliderCrank();
+    const auto weight = Add<KARMPBody>(*world, KARMPBody::create(L"Weight"));
+    const auto constraint = Add<KARMPConstraint>(*world, KARMPCoincidence::create(L"Contact"));
+    for (const auto& body : {weight, Named(*world, {L"Crank"})[0]}) {
+        const auto point = Add<KARMPGeometry>(*world, KARMPPoint::create(L"Point"));
+        point->SetBody(body);
+        body->AddGeometry(point);
+        constraint->LinkToGeometry(point);
+        point->LinkToConstraint(constraint);
+    }
+    const World extract = ExtractWorld(*world, {weight}, {1, {}}).world;
+    EXPECT_EQ(NamesOf(AllBodies(*extract)), (Names{"Crank", "GlobalBody", "Weight"}));
+    EXPECT_EQ(extract->Count<KARMPConstraint>(), 1);
+}
+
+TEST_F(ExtractionOfFamilies, TakesWhatRefersToWhatRefersToABody)
+{
+    const World world = SliderCrank();
+    const Bodies bodies = Named(*world, {L"Crank", L"Slider"});
+    const auto constraint = Add<KARMPConstraint>(*world, KARMPCoincidence::create(L"Contact"));
+    for (const auto& body : bodies) {
+        const auto point = Add<KARMPGeometry>(*world, KARMPPoint::create(L"Point"));
+        point->SetBody(body);
+        constraint->LinkToGeometry(point);
+    }
+    EXPECT_EQ(ExtractWorld(*world, bodies).world->Count<KARMPConstraint>(), 1);
+    EXPECT_EQ(ExtractWorld(*world, {bodies[0]}).world->Count<KARMPConstraint>(), 0);
 }
 
 } // namespace
