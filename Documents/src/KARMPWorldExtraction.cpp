@@ -51,7 +51,7 @@ private:
     template <class T>
     bool PairDuplicates(const Entities& sources);
     template <class T>
-    void DuplicatePassedOver(const Entities& sources);
+    bool DuplicatePassedOver(const Entities& sources);
     void Enter(const Entity& source, const Entity& duplicate);
     const Entity* DuplicateOf(const KARMPEntity* source) const;
 
@@ -146,9 +146,7 @@ bool Extractor::DuplicateFamily(const QOBClassInfo& family, const Entities& sour
     Entities passedOver;
     for (const Entity& entity : sources)
         (isFiltered && entity->isDerivedFrom(family) ? filtered : passedOver).push_back(entity);
-    const bool isComplete = PairDuplicates<T>(filtered);
-    DuplicatePassedOver<T>(passedOver);
-    return isComplete;
+    return PairDuplicates<T>(filtered) && DuplicatePassedOver<T>(passedOver);
 }
 
 // The duplicates of a family are filed in the order of the filter, behind the global of a new
@@ -170,14 +168,15 @@ bool Extractor::PairDuplicates(const Entities& sources)
     return true;
 }
 
+// False when one could not be made.
 template <class T>
-void Extractor::DuplicatePassedOver(const Entities& sources)
+bool Extractor::DuplicatePassedOver(const Entities& sources)
 {
     for (const Entity& entity : sources) {
         QOBSharedObject* const copy = entity->duplicateObject(QOBDynamicObject::CopyShallow);
         const auto duplicate = QOBSharedHandle<T>::unchecked(QOBSharedBase(copy));
         if (copy == nullptr)
-            continue;
+            return false;
         copy->removeReference();
         KARBaseUnknown_var key1;
         KARBaseUnknown_var key2;
@@ -185,6 +184,7 @@ void Extractor::DuplicatePassedOver(const Entities& sources)
         m_result.world->Add<T>(key1, key2, duplicate);
         Enter(entity, Entity::unchecked(duplicate));
     }
+    return true;
 }
 
 void Extractor::Enter(const Entity& source, const Entity& duplicate)

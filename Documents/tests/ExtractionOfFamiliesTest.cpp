@@ -437,6 +437,32 @@ TEST_F(ExtractionOfFamilies, TakesWhatRefersToWhatRefersToABody)
     EXPECT_EQ(ExtractWorld(*world, {bodies[0]}).world->Count<KARMPConstraint>(), 0);
 }
 
+/// Has no duplicate.
+template <class T>
+class Single : public T
+{
+public:
+    static QOBSharedHandle<T> Make() { return QOBSharedHandle<T>(new Single); }
+    QOBSharedObject* _duplicateObject(QOBDynamicObject::CopyMode) const override { return nullptr; }
+};
+
+TEST_F(ExtractionOfFamilies, GivesNoWorldWhereAnEntityHasNoDuplicate)
+{
+    const World world = SliderCrank();
+    const Bodies bodies = Named(*world, {L"Crank", L"Rod"});
+    const auto point = Add<KARMPGeometry>(*world, Single<KARMPPoint>::Make());
+    point->SetBody(bodies[0]);
+    bodies[0]->AddGeometry(point);
+    EXPECT_FALSE(ExtractWorld(*world, bodies).world);
+    ExpectReports(1);
+    EXPECT_TRUE(ExtractWorld(*world, {bodies[1]}).world);
+    Spring(bodies, Add<KARMPConnector>(*world, Single<KARMPAxialSpring>::Make()));
+    bodies[0]->RemoveGeometry(point);
+    world->Remove<KARMPGeometry>(QOBSharedHandle<KARMPGeometry>(point));
+    EXPECT_TRUE(ExtractWorld(*world, bodies).world);
+    EXPECT_FALSE(ExtractWorld(*world, bodies, {0, {L"Connectors"}}).world);
+}
+
 } // namespace
 
 } // namespace karmp::documents
