@@ -76,6 +76,7 @@ private:
     /// The value with duplicates in place of the entities; those without one are left out.
     Value Translated(const Value& value) const;
     void TellCutLinks(const Entity& holder);
+    void TellCutLinksOfOtherBodies();
     /// True when the target refers back and is the end that tells of the link.
     bool IsToldByTarget(const ItemInfo& item, const Entity& holder, const Entity& target);
 
@@ -100,6 +101,7 @@ Extraction Extractor::Run()
         PlaceSketches();
         for (const auto& [source, duplicate] : m_pairs)
             TellCutLinks(source);
+        TellCutLinksOfOtherBodies();
         for (const Entity& entity : m_selection.Waiting())
             TellCutLinks(entity);
         for (const Entity& entity : m_selection.Attached())
@@ -379,6 +381,16 @@ void Extractor::TellCutLinks(const Entity& holder)
             (has || item.otherSide.empty() || !IsToldByTarget(item, holder, target)))
             m_result.cutLinks.push_back({holder, target, item.path});
     });
+}
+
+// A body does not hold the link to its father.
+void Extractor::TellCutLinksOfOtherBodies()
+{
+    QOBSharedHandle<KARMPBody> body;
+    for (int index = 0; index < m_source.Count<KARMPBody>(); ++index)
+        if (!KARFailed(m_source.Get<KARMPBody>(index, body)) && body &&
+            !m_selection.Has(body.get()))
+            TellCutLinks(Entity::unchecked(body));
 }
 
 bool Extractor::IsToldByTarget(const ItemInfo& item, const Entity& holder, const Entity& target)

@@ -215,6 +215,21 @@ TEST_F(ExtractionOfFamilies, TakesTheBodyThatCarriesThePlaneOfAPlanarBodyAlong)
     EXPECT_EQ(CheckOf(extract).Find(Code::SketchWithoutBody), nullptr);
 }
 
+TEST_F(ExtractionOfFamilies, LeavesFathersAndChildrenBehindAndTellsOfThem)
+{
+    const World world = SliderCrank();
+    const Bodies bodies = Named(*world, {L"Crank", L"Rod"});
+    bodies[0]->AddBody(bodies[1]);
+    bodies[0]->AddImpactedChildBody(bodies[1]);
+    for (const auto& body : bodies) {
+        const Extraction extract = ExtractWorld(*world, {body});
+        EXPECT_EQ(extract.world->GetBodyCount(), 2) << "with the global body";
+        const Names cut = TextsOf(extract.cutLinks);
+        EXPECT_EQ(std::count(cut.begin(), cut.end(), "Crank ChildrenBodies Rod"), 1);
+        EXPECT_EQ(std::count(cut.begin(), cut.end(), "Crank ImpactedChildrenBodies Rod"), 1);
+    }
+}
+
 TEST_F(ExtractionOfFamilies, TakesConnectorsBetweenItsBodiesWithTheirValues)
 {
     const World world = Example("quarter-car");
