@@ -386,6 +386,12 @@ void ExtractionSelection::PutInOrder()
         if (Has(entity.get()))
             m_entities.push_back(entity);
     });
+    // What the world does not list has no place in the extract.
+    if (m_entities.size() == m_selected.size())
+        return;
+    m_selected.clear();
+    for (const Entity& entity : m_entities)
+        m_selected.insert(entity.get());
 }
 
 } // namespace karmp::documents

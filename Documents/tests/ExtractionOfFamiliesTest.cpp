@@ -365,6 +365,24 @@ QOBSharedHandle<KARMPConnector> Spring(const Bodies& bodies,
     return spring;
 }
 
+TEST_F(ExtractionOfFamilies, TellsALinkToWhatTheWorldDoesNotList)
+{
+    const World world = SliderCrank();
+    const Bodies bodies = Named(*world, {L"Crank", L"Rod"});
+    const auto spring = Add<KARMPConnector>(*world, KARMPAxialSpring::create(L"Spring"));
+    Spring(bodies, spring);
+    const auto stiffness = KARMPConstant::create(L"Stiffness");
+    spring->SetStiffness(stiffness);
+    const auto cut = [&] {
+        const Extraction extract = ExtractWorld(*world, bodies, {0, {L"Connectors"}});
+        const Names told = TextsOf(extract.cutLinks);
+        return std::count(told.begin(), told.end(), "Spring Stiffness Stiffness");
+    };
+    EXPECT_EQ(cut(), 1);
+    world->Add<KARMPValue>(stiffness);
+    EXPECT_EQ(cut(), 0);
+}
+
 TEST_F(ExtractionOfFamilies, TellsWhatRefersToNoEntity)
 {
     const World world = SliderCrank();
