@@ -221,12 +221,20 @@ TEST_F(ExtractionOfFamilies, LeavesFathersAndChildrenBehindAndTellsOfThem)
     const Bodies bodies = Named(*world, {L"Crank", L"Rod"});
     bodies[0]->AddBody(bodies[1]);
     bodies[0]->AddImpactedChildBody(bodies[1]);
+    const auto weight = Add<KARMPBody>(*world, KARMPBody::create(L"Weight"));
+    bodies[0]->AddImpactedChildBody(weight);
+    weight->AddImpactedChildBody(bodies[0]);
+    QOBSharedHandle<KARMPBody> global;
+    world->GetGlobalBody(global);
+    bodies[1]->AddImpactedChildBody(global);
     for (const auto& body : bodies) {
         const Extraction extract = ExtractWorld(*world, {body});
         EXPECT_EQ(extract.world->GetBodyCount(), 2) << "with the global body";
         const Names cut = TextsOf(extract.cutLinks);
         EXPECT_EQ(std::count(cut.begin(), cut.end(), "Crank ChildrenBodies Rod"), 1);
         EXPECT_EQ(std::count(cut.begin(), cut.end(), "Crank ImpactedChildrenBodies Rod"), 1);
+        EXPECT_EQ(std::count(cut.begin(), cut.end(), "Rod ImpactedChildrenBodies GlobalBody"),
+                  body == bodies[1] ? 1 : 0);
     }
 }
 
@@ -242,6 +250,37 @@ TEST_F(ExtractionOfFamilies, TakesConnectorsBetweenItsBodiesWithTheirValues)
     const Diagnostics found = CheckOf(extract);
     EXPECT_EQ(found.items.size(), 1U);
     EXPECT_NE(found.Find(Code::FloatingChain), nullptr);
+}
+
+/// Links a spring between two bodies.
+QOBSharedHandle<KARMPConnector> Spring(const Bodies& bodies,
+                                       const QOBSharedHandle<KARMPAxialSpring>& spring)
+{
+    spring->SetFirstBody(bodies.at(0));
+    spring->SetSecondBody(bodies.at(1));
+    for (const auto& body : bodies)
+        body->LinkToConnector(spring);
+    return spring;
+}
+
+TEST_F(ExtractionOfFamilies, FilesConnectorsUnderTheirKeys)
+{
+    const World world = SliderCrank();
+    const Bodies bodies = Named(*world, {L"Crank", L"Rod"});
+    const auto spring = Add<KARMPConnector>(*world, KARMPAxialSpring::create(L"Spring"));
+    Spring(bodies, spring);
+    world->Remove<KARMPConnector>(QOBSharedHandle<KARMPConnector>(spring));
+    KARBaseUnknown_var key1 = WorldTestKey::Make();
+    KARBaseUnknown_var key2 = WorldTestKey::Make();
+    world->Add<KARMPConnector>(key1, key2, QOBSharedHandle<KARMPConnector>(spring));
+    const World extract = ExtractWorld(*world, bodies, {0, {L"Connectors"}}).world;
+    QOBSharedHandle<KARMPConnector> found;
+    extract->Get<KARMPConnector>(0, found);
+    KARBaseUnknown_var first;
+    KARBaseUnknown_var second;
+    EXPECT_EQ(extract->GetKeys<KARMPConnector>(found, first, second), KARSuccess);
+    EXPECT_EQ(first, key1);
+    EXPECT_EQ(second, key2);
 }
 
 TEST_F(ExtractionOfFamilies, TakesActuatorsWhoseVariablesComeAlong)
@@ -354,17 +393,6 @@ TEST_F(ExtractionOfFamilies, TakesStepsAndSupportsWithWhatHasThem)
     EXPECT_EQ(without->Count<KARMPAnalysisStep>() + without->Count<KARMPSupport>(), 0);
 }
 
-/// Adds a spring between two bodies.
-QOBSharedHandle<KARMPConnector> Spring(const Bodies& bodies,
-                                       const QOBSharedHandle<KARMPAxialSpring>& spring)
-{
-    spring->SetFirstBody(bodies.at(0));
-    spring->SetSecondBody(bodies.at(1));
-    for (const auto& body : bodies)
-        body->LinkToConnector(spring);
-    return spring;
-}
-
 TEST_F(ExtractionOfFamilies, TellsALinkToWhatTheWorldDoesNotList)
 {
     const World world = SliderCrank();
@@ -389,6 +417,7 @@ TEST_F(ExtractionOfFamilies, TellsWhatRefersToNoEntity)
     // A value is no target.
     const auto spring = Add<KARMPConnector>(*world, KARMPAxialSpring::create(L"Spring"));
     spring->SetStiffness(Add<KARMPValue>(*world, KARMPConstant::create(L"Stiffness")));
+    Add<KARMPAttribute>(*world, KARMPParameter::create(L"Part"));
     Add<KARMPAnalysisCase>(*world, OwnKindOf<KARMPAnalysisCase>::create(L"Case"));
     const auto unrelated = [&](const std::vector<std::wstring>& families) {
         Names names;

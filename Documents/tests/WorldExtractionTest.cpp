@@ -65,12 +65,12 @@ TEST_F(WorldExtraction, ReachesOverJointsToFurtherBodies)
 TEST_F(WorldExtraction, KeepsIdentifiersNamesAndSettings)
 {
     const World world = SliderCrank();
-    world->SetLengthUnit(KARMPUnit::Millimeter);
+    world->SetLengthUnit(KARMPUnit::Inch);
     world->SetLinearTolerance(0.25);
     const Extraction extract = ExtractWorld(*world, Named(*world, {L"Crank", L"Rod"}));
     KARMPUnit::Enum unit{};
     extract.world->GetLengthUnit(unit);
-    EXPECT_EQ(unit, KARMPUnit::Millimeter);
+    EXPECT_EQ(unit, KARMPUnit::Inch);
     for (const Difference& difference : FindDifferences(*world, *extract.world)) {
         const bool isExpected = difference.kind == DifferenceKind::Removed ||
                                 difference.kind == DifferenceKind::LinkLost;
