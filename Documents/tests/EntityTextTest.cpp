@@ -454,4 +454,23 @@ TEST_F(EntityTexts, NumbersThatAreNotFiniteAreToldOfAsByNodes)
     EXPECT_GT(toldCount, static_cast<std::size_t>(count)) << "most are arrays";
 }
 
+TEST(PathWithinEntity, CountsTheElementsOfANameBeforeAndBehind)
+{
+    // The value ends at the mark.
+    const auto path = [](std::string text) {
+        const std::size_t mark = text.find('^');
+        text.erase(mark, 1);
+        return PathWithin(text, mark);
+    };
+    EXPECT_EQ(path("<E><N>inf^</N></E>"), "/N");
+    EXPECT_EQ(path("<E><N>inf^</N><M>1</M><N>1</N></E>"), "/N[1]");
+    EXPECT_EQ(path("<E><N/><N>inf^</N></E>"), "/N[2]");
+    EXPECT_EQ(path("<E><N a=\"1\"/><G><N>inf^</N></G><N>1</N></E>"), "/G/N");
+    EXPECT_EQ(path("<E><G><N>inf^</N></G><G><N>1</N><N>2</N></G></E>"), "/G[1]/N");
+    EXPECT_EQ(path("<E><G><N>1</N><N>2</N></G><G><N>inf^</N></G></E>"), "/G[2]/N");
+    EXPECT_EQ(path("<E><G><F><N>inf^</N></F></G><H><F/><F/></H></E>"), "/G/F/N");
+    EXPECT_EQ(path("<E a=\"inf^\" b=\"1\"><N>1</N></E>"), "/@a");
+    EXPECT_EQ(path("<E a=\"1\"><N b=\"2\" c=\"inf^\"/><N/></E>"), "/N[1]/@c");
+}
+
 } // namespace karmp::documents
