@@ -26,7 +26,8 @@ CurvePiece Adopted(KARCurve* curve)
             }};
 }
 
-/// A piece in the sense of its curve: where it begins and ends, and its directions there.
+/// A piece in the sense of its curve: where it begins and ends, and its directions there up to
+/// sign, which is nothing to the sine of an angle.
 struct Ends
 {
     KARMathPoint begin, end;
@@ -51,8 +52,6 @@ Ends EndsOf(const KARMPCurve& curve, int index)
     if (orientation == KARMPCurveOrientation::Negative) {
         std::swap(ends.begin, ends.end);
         std::swap(ends.leaving, ends.arriving);
-        ends.leaving = -ends.leaving;
-        ends.arriving = -ends.arriving;
     }
     ends.leaving.Normalize();
     ends.arriving.Normalize();
