@@ -25,7 +25,6 @@ private:
     void Add(const KARMPBody& body, bool isGlobal);
     void Add(const KARMPGeometry& geometry);
     void Add(const KARMPShape& shape);
-    void AddTo(const KARMPBody* body, int shape);
     double Extent() const;
     void AddRods();
 
