@@ -171,6 +171,41 @@ TEST(ViewGeometry, DrawsNothingThatIsNotFiniteOrDegenerate)
     EXPECT_FALSE(DrawingOf<KARMPCurve>());
 }
 
+TEST(ViewGeometry, DrawsNumbersUpToALimitInEachPlace)
+{
+    EXPECT_TRUE(IsDrawable(-1e15));
+    EXPECT_FALSE(IsDrawable(1.001e15));
+    const double bad = std::nan("");
+    EXPECT_TRUE(IsDrawable(KARMathPoint(1, 2, 3)));
+    for (const KARMathPoint& point :
+         {KARMathPoint(bad, 0, 0), KARMathPoint(0, bad, 0), KARMathPoint(0, 0, bad)})
+        EXPECT_FALSE(IsDrawable(point));
+    EXPECT_FALSE(
+        IsDrawable(KARMathTransformation(KARMath3x3Matrix({bad, 0, 0}, {0, 1, 0}, {0, 0, 1}), {})));
+}
+
+TEST(ViewGeometry, DrawsConesThatAreNeitherALineNorAPlane)
+{
+    const auto cone = [](double angle) {
+        return DrawingOf<KARMPCone>([angle](auto& g) {
+            g.SetAxis({0, 2, 0});
+            g.SetAngle(angle);
+        });
+    };
+    ExpectDrawn(cone(-0.5), ViewKind::Cone, {0, 0, 0, 0, 1, 0, 0.5});
+    EXPECT_TRUE(cone(1.569));
+    for (const double angle : {0.0, 1.571, -1.571, 3.0})
+        EXPECT_FALSE(cone(angle)) << angle;
+}
+
+TEST(ViewGeometry, DrawsASketchAsItsPlane)
+{
+    ExpectDrawn(DrawingOf<KARMPSketch>([](auto& g) {
+                    g.SetPlane({{1, 2, 3}, {0, 0, -2}});
+                }),
+                ViewKind::Plane, {1, 2, 3, 0, 0, -1});
+}
+
 // A quarter of a circle in two pieces, the second one backwards.
 TEST(ViewGeometry, SamplesTheSegmentsOfACurveWithinTheirLimits)
 {
@@ -238,8 +273,13 @@ TEST(ViewGeometry, GivesJointsTheFrameOfAnAxisSystemOrOfADirection)
     EXPECT_TRUE(HasDirection(*circle));
     EXPECT_EQ(FrameOf(*circle).GetThirdDirection(), KARMathVector(1, 0, 0));
     EXPECT_EQ(FrameOf(*circle).GetOrigin(), KARMathPoint(1, 2, 3));
+    const KARMathVector third =
+        FrameOf(*circle).GetFirstDirection().Cross(FrameOf(*circle).GetSecondDirection());
+    EXPECT_NEAR((third - KARMathVector(1, 0, 0)).Norm(), 0.0, 1e-15);
     const auto point = DrawingOf<KARMPPoint>([](auto& g) { g.SetPoint({1, 2, 3}); });
     EXPECT_FALSE(HasDirection(*point));
+    for (const ViewKind kind : {ViewKind::Sphere, ViewKind::Curve, ViewKind::Mesh})
+        EXPECT_FALSE(HasDirection({kind, -1, {}, {}}));
     EXPECT_EQ(FrameOf(*point), KARMathAxis({1, 2, 3}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}));
 }
 
