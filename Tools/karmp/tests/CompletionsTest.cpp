@@ -93,9 +93,10 @@ protected:
     /// What bash offers for the last of some words.
     std::vector<std::string> Offered(const std::string& words) const
     {
-        const std::string script = "source " + File("karmp.bash") + "; COMP_WORDS=(karmp " + words +
-                                   "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _karmp; "
-                                   "printf \"%s\\n\" \"${COMPREPLY[@]}\"";
+        const std::string script =
+            "source " + File("karmp.bash") + "; COMP_WORDS=(karmp " + words +
+            "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); COMPREPLY=(stale); _karmp; "
+            "printf \"%s\\n\" \"${COMPREPLY[@]}\"";
         return Matches(RunShell("bash -c '" + script + "' 2>&1").output, "^(.+)$");
     }
 };
@@ -111,6 +112,43 @@ TEST_F(Completions, ManualPageHasEveryOptionOfEachCommand)
             ExpectContains(part, "\\fB" + WithHyphensOfRoff(option) + "\\fR");
         ExpectContains(part, "karmp " + command + ' '); // the example
     });
+}
+
+TEST_F(Completions, ManualPageTellsWhatOptionsTakeAndWhatIsWithoutThem)
+{
+    const std::string page = Run("manual").output;
+    for (const std::string part :
+         {"\n\\fBkarmp check\\fR [\\fIoptions\\fR] [\\fIFILE\\fR...]\n.br\n",
+          "\n.TP\n\\fIFILE\\fR\nDocument.\n.TP\n",
+          "\n.TP\n\\fB\\-\\-disable\\fR \\fITEXT\\fR...\nCodes of findings to leave out.\n.TP\n",
+          "\n.TP\n\\fB\\-\\-fail\\-on\\fR \\fITEXT\\fR\n"
+          "The least finding for which the exit code is 1.\n"
+          "One of \\fBwarning\\fR, \\fBerror\\fR, \\fBnever\\fR.\nWithout it "
+          "\\fBwarning\\fR.\n.TP\n",
+          "\n.TP\n\\fB\\-o\\fR, \\fB\\-\\-output\\fR \\fIFILE\\fR\nDocument to write.\nRequired.\n",
+          "for another ending than \\(ti.\n"})
+        ExpectContains(page, part);
+}
+
+TEST_F(Completions, ManualPageSetsExamplesAsTheyAreTyped)
+{
+    const std::string page = Run("manual").output;
+    ExpectContains(page, "\n.PP\nExample:\n.RS 4\n.nf\n"
+                         "karmp tree crank.xml \\-\\-family Joints\n.fi\n.RE\n.PP\n.SS ");
+    ExpectContains(page, "\nkarmp rename crank.xml Rocker \\(dqOutput rocker\\(dq\n.fi\n");
+}
+
+TEST_F(Completions, ManualPageBeginsWithTheToolAsAWhole)
+{
+    const std::string page = Run("manual").output;
+    const std::string version = Matches(Run("--version").output, "([0-9]+\\.[0-9.]+)").at(0);
+    ExpectContains(page,
+                   "\n.TH KARMP 1 \"\" \"KARMPEntities " + version + "\" \"User commands\"\n");
+    ExpectContains(page,
+                   "\n\\fBkarmp\\fR \\fB\\-\\-help\\fR | \\fB\\-\\-version\\fR\n.SH DESCRIPTION\n"
+                   "Looks at, checks and converts the documents of mechanisms.\n.PP\n"
+                   "\\(aqkarmp COMMAND \\-\\-help\\(aq tells more about a command.\n.PP\n"
+                   ".SH OPTIONS\n.TP\n\\fB\\-h\\fR, \\fB\\-\\-help\\fR\n");
 }
 
 TEST_F(Completions, ManualPageTellsTheExitCodesOnceForAllCommandsButOne)
@@ -136,6 +174,8 @@ TEST_F(Completions, BashOffersCommandsAndTheOptionsOfEach)
 {
     EXPECT_EQ(RunShell("bash -n " + Printed("bash") + " 2>&1").output, "");
     const Words first = Offered("\"\"");
+    for (const std::string option : {"-h", "--help", "--version"})
+        EXPECT_EQ(std::count(first.begin(), first.end(), option), 1) << option;
     ForEachCommand([&](const std::string& command, const Words& options) {
         EXPECT_EQ(std::count(first.begin(), first.end(), command), 1) << command;
         const Words offered = Offered(command + " -");
@@ -158,7 +198,8 @@ TEST_F(Completions, BashOffersWordsFilesAndFoldersWhereTheyAreTaken)
     const std::string folder = File("a folder");
     fs::create_directory(folder);
     const std::string start = '"' + File("a ") + '"';
-    for (const std::string before : {"info ", "diff a.xml ", "view a.xml -o ", "shape --add "}) {
+    for (const std::string before :
+         {"info ", "info --json ", "diff a.xml ", "view a.xml -o ", "shape --add "}) {
         Words offered = Offered(before + start);
         std::sort(offered.begin(), offered.end());
         EXPECT_EQ(offered, (Words{file, folder})) << before;
@@ -182,6 +223,41 @@ TEST_F(Completions, ZshHasEveryOptionOfEachCommand)
                          "(warning error never)'");
     if (IsThere("zsh"))
         EXPECT_EQ(RunShell("zsh -n " + file + " 2>&1").output, "");
+}
+
+TEST_F(Completions, ZshIsToldWhatIsTakenOnceOrOftenAndWhatItIs)
+{
+    const std::string text = Run("completions zsh").output;
+    EXPECT_TRUE(text.starts_with("#compdef karmp\n"));
+    for (const std::string part :
+         {"'--version[", "'check:All that reading passes over in silence, and what it reports'\n",
+          "\n    command) _describe command commands ;;\n", "\n    compdef _karmp karmp\n",
+          "\n            ':FILE:_files' \\\n", "\n            '*:FILE:_files' \\\n",
+          "'(-q --quiet)-q[Findings only, no summary]'",
+          "'(-q --quiet)--quiet[Findings only, no summary]'",
+          "'*--disable=[Codes of findings to leave out]:TEXT:'",
+          "'(-o --output)-o[Document to write]:FILE:_files'",
+          "'--export=[Folder for a glTF file of each body with shapes]:FOLDER:_files -/'"})
+        ExpectContains(text, part);
+}
+
+TEST_F(Completions, FishIsToldWhatIsTakenAndWhatItIs)
+{
+    const std::string text = Run("completions fish").output;
+    const std::string check = "\ncomplete -c karmp -n '__fish_seen_subcommand_from check'";
+    const std::string shape = "\ncomplete -c karmp -n '__fish_seen_subcommand_from shape'";
+    for (const std::string& part :
+         {std::string("\ncomplete -c karmp -f\n"),
+          std::string("\ncomplete -c karmp -n '__fish_use_subcommand' -l version -d "),
+          std::string(
+              " -a check -d 'All that reading passes over in silence, and what it reports'\n"),
+          check + " -l json -d 'Findings as JSON'\n",
+          check + " -l max -x -d 'Findings to print; all are counted'\n", check + " -F\n",
+          shape + " -l add -r -F -d ",
+          shape + " -l export -x -a '(__fish_complete_directories)' -d ",
+          shape + " -l scale -x -d 'Factor of the part\\'s lengths'\n"})
+        ExpectContains(text, part);
+    EXPECT_EQ(Matches(text, "(from diff' -F)$").size(), 1U) << "for both of its documents";
 }
 
 TEST_F(Completions, FishHasEveryOptionOfEachCommand)
