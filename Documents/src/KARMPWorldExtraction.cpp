@@ -389,6 +389,7 @@ void Extractor::TellCutLinksOfOtherBodies()
     QOBSharedHandle<KARMPBody> body;
     for (int index = 0; index < m_source.Count<KARMPBody>(); ++index)
         if (!KARFailed(m_source.Get<KARMPBody>(index, body)) && body &&
+            body->GetChildrenBodyCount() + body->GetImpactedChildBodyCount() > 0 &&
             !m_selection.Has(body.get()))
             TellCutLinks(Entity::unchecked(body));
 }
