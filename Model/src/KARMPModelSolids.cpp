@@ -36,12 +36,20 @@ BodyOptions MassOf(const Solid& solid, double density)
         return Box(box, {x, y, z}, center);
     if (!HasAxis(solid))
         return {.mass = std::numeric_limits<double>::quiet_NaN()};
+    // Its section may be an ellipse: each half axis counts about the other one and the axis.
     const auto axis = static_cast<std::size_t>(solid.axis);
-    BodyOptions drum = Cylinder(box * std::numbers::pi / 4.0, solid.edges[(axis + 1) % 3] / 2.0,
-                                solid.edges[axis], center);
-    const double across = (*drum.inertia)(0, 0);
-    Triple moments{across, across, across};
-    moments[axis] = (*drum.inertia)(2, 2);
+    const std::size_t first = (axis + 1) % 3;
+    const std::size_t second = (axis + 2) % 3;
+    const auto circular = [&](std::size_t across) {
+        return Cylinder(box * std::numbers::pi / 4.0, solid.edges[across] / 2.0, solid.edges[axis],
+                        center);
+    };
+    BodyOptions drum = circular(first);
+    const BodyOptions other = circular(second);
+    Triple moments{};
+    moments[axis] = ((*drum.inertia)(2, 2) + (*other.inertia)(2, 2)) / 2.0;
+    moments[first] = (*other.inertia)(0, 0);
+    moments[second] = (*drum.inertia)(0, 0);
     drum.inertia =
         KARMath3x3Matrix({moments[0], 0.0, 0.0}, {0.0, moments[1], 0.0}, {0.0, 0.0, moments[2]});
     return drum;

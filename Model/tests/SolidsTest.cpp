@@ -52,6 +52,16 @@ TEST_F(SolidsTest, WeighWhatTheirVolumesDo)
     EXPECT_EQ(MassOf({}, 100.0).mass, 0.0);
 }
 
+TEST_F(SolidsTest, CylinderOfAnEllipseHasTheMomentsOfBothHalfAxes)
+{
+    const std::array solids{Solid{{0.0, 0.0, 0.0}, {2.0, 4.0, 1.0}, 2}};
+    const BodyOptions mass = MassOf(solids, 1.0);
+    EXPECT_DOUBLE_EQ(mass.mass, 2.0 * std::numbers::pi);
+    EXPECT_DOUBLE_EQ((*mass.inertia)(0, 0), mass.mass * (4.0 / 4.0 + 1.0 / 12.0));
+    EXPECT_DOUBLE_EQ((*mass.inertia)(1, 1), mass.mass * (1.0 / 4.0 + 1.0 / 12.0));
+    EXPECT_DOUBLE_EQ((*mass.inertia)(2, 2), mass.mass * (1.0 + 4.0) / 4.0);
+}
+
 TEST_F(SolidsTest, ShapeIsAClosedMeshOfEach)
 {
     Model model("M");
