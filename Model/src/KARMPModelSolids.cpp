@@ -10,6 +10,7 @@
 #include "KARMPModelCore.h"
 #include "KARMPModelPlacing.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <numbers>
@@ -133,6 +134,8 @@ bool AddMesh(Edit& edit, KAR3DBagRep& bag, const Solid& solid)
 {
     if (!HasAxis(solid) && solid.axis >= 0)
         return edit.Fail("a solid has an axis that is none of 0, 1 and 2");
+    if (*std::min_element(solid.edges.begin(), solid.edges.end()) < 0.0)
+        return edit.Fail("a solid has an edge below 0");
     KAR3DRepOwner<KAR3DRep> mesh(solid.axis < 0 ? BoxMesh(solid) : DrumMesh(solid));
     if (mesh == nullptr || KARFailed(mesh->SetColour(solid.colour)) ||
         KARFailed(bag.AddChild(mesh.get())))
@@ -167,6 +170,8 @@ Ref<KARMP3DRep> Model::Shape(std::string_view identifier, const Ref<KARMPBody>& 
         where,
         [&](Edit& edit, auto& shape) {
             const auto name = NameOn(edit, body.Handle(), identifier);
+            if (name && solids.empty())
+                return edit.Fail("the shape \"" + std::string(identifier) + "\" has no solid");
             shape = name ? edit.Create<KARMP3DRep>(*name) : nullptr;
             if (!shape)
                 return false;

@@ -146,11 +146,15 @@ TEST_F(SolidsTest, SolidThatNoMeshCanShowIsAProblem)
         EXPECT_FALSE(model.Body("New", MassOf(turned, 1000.0)));
     }
     EXPECT_FALSE(model.Shape("Shape", {}, std::array{Drum({}, 0, 0.1, 1.0)}));
-    ASSERT_EQ(model.Problems().size(), 7U);
+    EXPECT_FALSE(model.Shape("Shape", body, std::array{Drum({}, 0, -0.1, 1.0)}));
+    EXPECT_FALSE(model.Shape("Shape", body, {}));
+    ASSERT_EQ(model.Problems().size(), 9U);
     EXPECT_EQ(model.Problems()[0].text,
               "a solid has a place, an edge or a colour that no mesh can have");
     EXPECT_EQ(model.Problems()[1].text, model.Problems()[0].text);
     EXPECT_EQ(model.Problems()[2].text, "a solid has an axis that is none of 0, 1 and 2");
+    EXPECT_EQ(model.Problems()[7].text, "a solid has an edge below 0");
+    EXPECT_EQ(model.Problems()[8].text, "the shape \"Shape\" has no solid");
     model.ClearProblems();
     EXPECT_TRUE(TextOf(model) == before);
 }
