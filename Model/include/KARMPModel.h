@@ -157,8 +157,8 @@ public:
     Ref<KARMPCurve> Curve(std::string_view identifier, const Ref<KARMPBody>& body,
                           std::initializer_list<CurvePiece> pieces, Where where = Where::current());
 
-    /// What a body looks like: a mesh for each of its solids. The identifier is put together as
-    /// that of a Frame.
+    /// What a body looks like: a mesh for each of its solids, of which there is one at least. The
+    /// identifier is put together as that of a Frame.
     Ref<KARMP3DRep> Shape(std::string_view identifier, const Ref<KARMPBody>& body,
                           std::span<const Solid> solids, Where where = Where::current());
 

@@ -137,7 +137,8 @@ KARMP_MODEL_API KARMathPoint PlaceOf(const Ref<KARMPGeometry>& geometry);
 KARMP_MODEL_API KARMathPoint2D PlaceOf(const Ref<KARMPPoint2D>& point);
 
 /// How a motor drives its variable, and the most that it can: in the unit of the variable, its
-/// derivatives by the second, and N or N m. What is not given stays unset.
+/// derivatives by the second, and N or N m, for a variable that has a quantity. What is not given
+/// stays unset.
 struct MotorOptions
 {
     std::optional<double> position = {};

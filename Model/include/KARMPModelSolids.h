@@ -17,7 +17,7 @@ class Model;
 struct Solid
 {
     std::array<double, 3> center;
-    /// Of the box around it.
+    /// Of the box around it, none below 0.
     std::array<double, 3> edges;
     /// Of a cylinder: 0, 1 or 2; -1 for a box.
     int axis = -1;
