@@ -167,8 +167,8 @@ TEST(DocumentErrors, ADocumentTypeDeclarationIsRefused)
 
 TEST(DocumentErrors, UnknownReferencesAreKeptAsTextAndReported)
 {
-    for (const std::string reference :
-         {"&lol;", "&", "&#0;", "&#xD800;", "&#99999999999;", "&#x;", "&#1114112;", "&amp"}) {
+    for (const std::string reference : {"&lol;", "&", "&#0;", "&#xD800;", "&#99999999999;", "&#x;",
+                                        "&#1114112;", "&amp", "&#65", "&#65,", "&#"}) {
         std::string text = Start;
         text += "\n<A><B/><B>" + reference + "</B></A>" + End;
         const Document document = Document::ReadText(text);

@@ -41,7 +41,7 @@ constexpr const char* LooseBody =
     "<Vz>0</Vz></AngularAcceleration></Acceleration><Weight><Mass>1</Mass><COG><Px>0</Px><Py>0</Py>"
     "<Pz>0</Pz></COG><InertiaMatrix><M1x>0</M1x><M1y>0</M1y><M1z>0</M1z><M2x>0</M2x><M2y>0</M2y>"
     "<M2z>0</M2z><M3x>0</M3x><M3y>0</M3y><M3z>0</M3z></InertiaMatrix></Weight>"
-    "<OutOfWorld>false</OutOfWorld><Joints/><Connectors/></Body>\n";
+    "<OutOfWorld>false</OutOfWorld><Joints/><Connectors/><ChildrenBodies/></Body>\n";
 
 const std::vector<Planted> Mistakes{
     // Numbers
