@@ -1,6 +1,5 @@
 // What holds the joints of a body in a picture, and how large symbols are.
 #include "KAR3DMeshRep.h"
-#include "KARMPModel.h"
 #include "ViewFixture.h"
 
 #include <cmath>
@@ -10,29 +9,18 @@ namespace karmp::tool {
 
 namespace {
 
-using karmp::model::Model;
 using karmp::model::Ref;
 
-class ViewBodies : public ::testing::Test
+class ViewBodies : public ViewOfModel
 {
 protected:
-    ViewScene Scene() const { return CollectScene(*m_model.World(), "w"); }
     ViewBody Body() const
     {
         const ViewScene scene = Scene();
         return *Drawn(scene, scene.bodies, "a");
     }
     std::size_t AnchorCount() const { return Body().anchors.size(); }
-    std::string NoteOf(const std::string& name) const
-    {
-        const ViewScene scene = Scene();
-        for (const ViewEntity& entity : scene.entities)
-            if (entity.name == name)
-                return entity.note;
-        return "there is no " + name;
-    }
 
-    Model m_model{"w"};
     Ref<KARMPBody> m_body = m_model.Body("a");
 };
 

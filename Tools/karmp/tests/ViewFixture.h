@@ -1,8 +1,9 @@
-// Scenes of documents, for the tests of what a page shows.
+// Scenes of documents and of models, for the tests of what a page shows.
 #pragma once
 
 #include "KARMPDocuments.h"
 #include "KARMPEntities.h"
+#include "KARMPModel.h"
 #include "ViewScene.h"
 
 #include <gtest/gtest.h>
@@ -31,6 +32,24 @@ const typename List::value_type* Drawn(const ViewScene& scene, const List& list,
             return &item;
     return nullptr;
 }
+
+/// A model, and what a page shows of it.
+class ViewOfModel : public ::testing::Test
+{
+protected:
+    ViewScene Scene() const { return CollectScene(*m_model.World(), "w"); }
+
+    std::string NoteOf(const std::string& name) const
+    {
+        const ViewScene scene = Scene();
+        for (const ViewEntity& entity : scene.entities)
+            if (entity.name == name)
+                return entity.note;
+        return "there is no " + name;
+    }
+
+    model::Model m_model{"w"};
+};
 
 inline void ExpectNear(const KARMathPoint& point, const KARMathPoint& expected)
 {

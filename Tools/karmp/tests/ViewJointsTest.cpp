@@ -1,5 +1,4 @@
 // Where joints, connectors and couplings stand in a picture, and with which symbols.
-#include "KARMPModel.h"
 #include "ViewFixture.h"
 
 #include <cmath>
@@ -9,14 +8,11 @@ namespace karmp::tool {
 
 namespace {
 
-using karmp::model::Model;
 using karmp::model::Ref;
 
-class ViewJoints : public ::testing::Test
+class ViewJoints : public ViewOfModel
 {
 protected:
-    ViewScene Scene() const { return CollectScene(*m_model.World(), "w"); }
-
     /// A constraint of a joint, with a geometry.
     template <class Joint>
     void Use(const Ref<Joint>& joint, const QOBSharedHandle<KARMPGeometry>& geometry)
@@ -36,16 +32,6 @@ protected:
         return std::string(Scene().joints.back().symbol);
     }
 
-    std::string NoteOf(const std::string& name) const
-    {
-        const ViewScene scene = Scene();
-        for (const ViewEntity& entity : scene.entities)
-            if (entity.name == name)
-                return entity.note;
-        return "there is no " + name;
-    }
-
-    Model m_model{"w"};
     Ref<KARMPPoint> m_onGround = m_model.Point("g", m_model.Ground(), {0, 0, 5});
     int m_constraintCount = 0;
 };
